@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace tessarel {
+
+/// A modal message. Every text is shown as it stands: no markup, no mnemonics.
+struct Alert {
+    std::string messageText;
+    std::string informativeText;
+    std::vector<std::string> buttons; ///< in order; the first is the default
+
+    bool operator==(const Alert&) const = default;
+};
+
+/// Messages that wait for the user.
+class AlertsPort {
+public:
+    virtual ~AlertsPort() = default;
+
+    /// Brings the program to the front, shows `alert` and returns the position of the button that closed it;
+    /// closing it in another way counts as the last button.
+    virtual std::size_t runModal(const Alert& alert) = 0;
+};
+
+} // namespace tessarel

@@ -1,0 +1,77 @@
+#include "model/notification.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+namespace tessarel {
+namespace {
+
+TEST(NotificationTest, CallsObserversInTheOrderTheyWereAdded) {
+    Notification notification;
+    std::string called;
+    const auto first = notification.addObserver([&] { called += "a"; });
+    const auto second = notification.addObserver([&] { called += "b"; });
+
+    notification.post();
+
+    EXPECT_EQ(called, "ab");
+}
+
+TEST(NotificationTest, DoesNotCallAnObserverWhoseSubscriptionEnded) {
+    Notification notification;
+    int calls = 0;
+    auto observer = notification.addObserver([&] { ++calls; });
+
+    observer.reset();
+    notification.post();
+
+    EXPECT_EQ(calls, 0);
+}
+
+TEST(NotificationTest, AnObserverMayRemoveItselfAndLaterOnesDuringAPost) {
+    Notification notification;
+    int firstCalls = 0;
+    int secondCalls = 0;
+    SubscriptionPtr first;
+    SubscriptionPtr second;
+    first = notification.addObserver([&] {
+        ++firstCalls;
+        second.reset();
+        first.reset();
+    });
+    second = notification.addObserver([&] { ++secondCalls; });
+
+    notification.post();
+    notification.post();
+
+    EXPECT_EQ(firstCalls, 1);
+    EXPECT_EQ(secondCalls, 0);
+}
+
+TEST(NotificationTest, AnObserverAddedDuringAPostWaitsForTheNext) {
+    Notification notification;
+    int calls = 0;
+    SubscriptionPtr added;
+    const auto adder = notification.addObserver([&] {
+        if (!added)
+            added = notification.addObserver([&] { ++calls; });
+    });
+
+    notification.post();
+    EXPECT_EQ(calls, 0);
+    notification.post();
+    EXPECT_EQ(calls, 1);
+}
+
+TEST(NotificationTest, ASubscriptionMayOutliveTheNotification) {
+    auto notification = std::make_unique<Notification>();
+    auto observer = notification->addObserver([] {});
+
+    notification.reset();
+    observer.reset();
+}
+
+} // namespace
+} // namespace tessarel

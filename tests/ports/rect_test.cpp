@@ -1,0 +1,87 @@
+#include "ports/rect.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace tessarel {
+namespace {
+
+TEST(RectTest, EdgesAreThoseOfTheStandardizedRectangle) {
+    const Rect reversed{100, 50, -30, -20};
+
+    EXPECT_EQ(reversed.standardized(), (Rect{70, 30, 30, 20}));
+    EXPECT_EQ(reversed.minX(), 70);
+    EXPECT_EQ(reversed.minY(), 30);
+    EXPECT_EQ(reversed.maxX(), 100);
+    EXPECT_EQ(reversed.maxY(), 50);
+    EXPECT_EQ(reversed.midX(), 85);
+    EXPECT_EQ(reversed.midY(), 40);
+    EXPECT_EQ(reversed.absWidth(), 30);
+    EXPECT_EQ(reversed.absHeight(), 20);
+}
+
+TEST(RectTest, ContainsItsMinimumEdgesAndNotItsMaximumEdges) {
+    const Rect rect{10, 20, 30, 40};
+
+    EXPECT_TRUE(rect.contains({10, 20}));
+    EXPECT_TRUE(rect.contains({39.9, 59.9}));
+    EXPECT_FALSE(rect.contains({40, 30}));
+    EXPECT_FALSE(rect.contains({20, 60}));
+    EXPECT_FALSE(rect.contains({9.9, 30}));
+    EXPECT_FALSE(Rect::null().contains({0, 0}));
+}
+
+TEST(RectTest, IntersectionIsTheCommonArea) {
+    const Rect rect{0, 0, 100, 100};
+
+    EXPECT_EQ(rect.intersection({50, 60, 100, 100}), (Rect{50, 60, 50, 40}));
+    EXPECT_EQ(rect.intersection({150, 160, -100, -100}), (Rect{50, 60, 50, 40}));
+    EXPECT_EQ(rect.intersection({10, 10, 5, 5}), (Rect{10, 10, 5, 5}));
+}
+
+TEST(RectTest, IntersectionOfDisjointRectanglesIsNull) {
+    const Rect rect{0, 0, 100, 100};
+
+    EXPECT_TRUE(rect.intersection({100.5, 0, 10, 10}).isNull());
+    EXPECT_TRUE(rect.intersection({0, -20, 10, 10}).isNull());
+    EXPECT_TRUE(rect.intersection(Rect::null()).isNull());
+    EXPECT_TRUE(Rect::null().intersection(rect).isNull());
+}
+
+TEST(RectTest, TouchingRectanglesShareAnAreaOfNoExtent) {
+    const Rect touching = Rect{0, 0, 100, 100}.intersection({100, 0, 50, 100});
+
+    EXPECT_FALSE(touching.isNull());
+    EXPECT_EQ(touching.absWidth() * touching.absHeight(), 0);
+}
+
+TEST(RectTest, InsetMovesEveryEdge) {
+    const Rect rect{10, 20, 100, 80};
+
+    EXPECT_EQ(rect.inset(5, 10), (Rect{15, 30, 90, 60}));
+    EXPECT_EQ(rect.inset(-5, -10), (Rect{5, 10, 110, 100}));
+    EXPECT_EQ(rect.inset(50, 40), (Rect{60, 60, 0, 0}));
+    EXPECT_EQ((Rect{110, 100, -100, -80}.inset(5, 10)), (Rect{15, 30, 90, 60}));
+}
+
+TEST(RectTest, InsetBelowNothingIsNull) {
+    const Rect rect{10, 20, 100, 80};
+
+    EXPECT_TRUE(rect.inset(50.5, 0).isNull());
+    EXPECT_TRUE(rect.inset(0, 40.5).isNull());
+    EXPECT_TRUE(Rect::null().inset(-10, -10).isNull());
+}
+
+TEST(RectTest, TheNullRectangleHasAnInfiniteOriginAndNoSize) {
+    const Rect null = Rect::null();
+
+    EXPECT_TRUE(std::isinf(null.x));
+    EXPECT_TRUE(std::isinf(null.y));
+    EXPECT_EQ(null.size(), (Size{0, 0}));
+    EXPECT_TRUE(null.isNull());
+    EXPECT_TRUE(null.standardized().isNull());
+}
+
+} // namespace
+} // namespace tessarel
