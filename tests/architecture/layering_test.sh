@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# The tree keeps its layering, and the checker notices each kind of offence when one is planted.
+#   layering_test.sh ROOT
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+scratch=$(mktemp -d)
+trap 'rm -rf "$scratch"' EXIT
+failed=0
+
+"$here/check_layering.sh" "$1" || { echo "FAILED: the tree breaks its layering"; failed=1; }
+
+# plant PATH TEXT EXPECTED: a tree with this one file is refused, with EXPECTED in the message.
+plant() {
+    rm -rf "$scratch/src"
+    mkdir -p "$scratch/src/model" "$scratch/src/engine" "$scratch/src/platform/x11" "$scratch/src/$(dirname "$1")"
+    touch "$scratch/src/engine/geo.h" "$scratch/src/model/zone.h" "$scratch/src/platform/x11/connection.h"
+    printf '%b\n' "$2" >"$scratch/src/$1"
+    if message=$("$here/check_layering.sh" "$scratch"); then
+        echo "FAILED: not noticed in $1: $2"
+        failed=1
+    elif [[ $message != *"$3"* ]]; then
+        echo "FAILED: wrong message for $1: $message"
+        failed=1
+    fi
+}
+plant model/zone.cpp '#include "engine/geo.h"' "model may not include engine/geo.h"
+plant engine/ax.cpp '#include "platform/x11/connection.h"' "engine may not include platform/x11/connection.h"
+plant platform/sim/windows.cpp '#include "platform/x11/connection.h"' "platform/sim may not include"
+plant platform/x11/windows.cpp '#include "engine/geo.h"' "platform/x11 may not include engine/geo.h"
+plant engine/ax.cpp '#include <QString>' "engine may not include <QString>"
+plant engine/ax.cpp '#include <xcb/xcb.h>' "engine may not include <xcb/xcb.h>"
+plant app/signals.cpp '#include <unistd.h>' "app may not include <unistd.h>"
+plant model/store.cpp '#include <nlohmann/json.hpp>' "JSON stays in"
+plant engine/ax.cpp '#ifdef __linux__\n#endif' "conditional on the operating system"
+plant engine/ax.cpp '#include "engine/nowhere.h"' "is not under src/"
+plant attic/old.cpp 'int x;' "has no place in the house"
+
+rm -rf "$scratch/src"
+mkdir -p "$scratch/src/model" "$scratch/src/platform/x11"
+touch "$scratch/src/model/zone.h"
+printf '#include "model/zone.h"\n#include <xcb/xcb.h>\n#ifdef __linux__\n#endif\n' >"$scratch/src/platform/x11/windows.cpp"
+printf '#include "platform/x11/windows.cpp"\n' >"$scratch/src/main.cpp"
+"$here/check_layering.sh" "$scratch" || { echo "FAILED: a tree in order is refused"; failed=1; }
+
+exit "$failed"
