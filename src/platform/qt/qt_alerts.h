@@ -1,0 +1,16 @@
+#pragma once
+
+#include "ports/alerts_port.h"
+
+#include <cstddef>
+
+namespace tessarel::qt {
+
+/// Messages in a box of Qt's.
+class QtAlerts : public AlertsPort {
+public:
+    /// Runs a loop of its own until the box is closed. An alert without buttons gets "OK", and answers 0.
+    std::size_t runModal(const Alert& alert) override;
+};
+
+} // namespace tessarel::qt

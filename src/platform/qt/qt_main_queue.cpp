@@ -1,0 +1,118 @@
+#include "platform/qt/qt_main_queue.h"
+
+#include <QBasicTimer>
+#include <QCoreApplication>
+#include <QEvent>
+#include <QObject>
+#include <QSocketNotifier>
+#include <QTimerEvent>
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <utility>
+
+namespace tessarel::qt {
+
+namespace {
+
+using TimePoint = MainQueuePort::TimePoint;
+using Duration = MainQueuePort::Duration;
+
+/// The moment `delay` after `start`, or the end of the clock.
+TimePoint later(TimePoint start, Duration delay) {
+    const Duration left = TimePoint::max() - start;
+    return start + std::clamp(delay, Duration::zero(), left);
+}
+
+/// The wait in the milliseconds of Qt's timers, rounded up: work is never early.
+int timerInterval(Duration wait) {
+    using std::chrono::ceil;
+    using std::chrono::milliseconds;
+    constexpr milliseconds kLongest{std::numeric_limits<int>::max()};
+    return static_cast<int>(std::clamp(ceil<milliseconds>(wait), milliseconds::zero(), kLongest).count());
+}
+
+class ReadableSubscription : public Subscription {
+public:
+    ReadableSubscription(int fd, std::function<void()> readable) : m_notifier(fd, QSocketNotifier::Read) {
+        QObject::connect(&m_notifier, &QSocketNotifier::activated, &m_notifier, std::move(readable));
+    }
+
+private:
+    QSocketNotifier m_notifier;
+};
+
+} // namespace
+
+/// Work in the order in which it comes due, and the one wake-up for the first of it.
+class QtMainQueue::Schedule : public QObject {
+public:
+    void add(TimePoint due, std::function<void()> work) {
+        m_work.emplace(due, std::move(work));
+        arm();
+    }
+
+protected:
+    bool event(QEvent* event) override {
+        if (event->type() != QEvent::User)
+            return QObject::event(event);
+        m_posted = false;
+        runFirst();
+        return true;
+    }
+
+    void timerEvent(QTimerEvent*) override {
+        m_timer.stop();
+        runFirst();
+    }
+
+private:
+    /// What is due, or may be before there is a loop with timers, is posted; the rest waits on the timer.
+    void arm() {
+        if (m_posted || m_work.empty())
+            return;
+        const Duration wait = m_work.begin()->first - TimePoint::clock::now();
+        if (wait > Duration::zero() && QCoreApplication::instance() != nullptr) {
+            m_timer.start(timerInterval(wait), Qt::PreciseTimer, this);
+            return;
+        }
+        m_timer.stop();
+        m_posted = true;
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User)); // owned by the event loop
+    }
+
+    /// One piece of work per turn; the next one is armed before, because this one may run a loop of its own
+    /// or destroy the queue.
+    void runFirst() {
+        if (m_work.empty() || m_work.begin()->first > TimePoint::clock::now()) {
+            arm();
+            return;
+        }
+        const auto work = std::move(m_work.extract(m_work.begin()).mapped());
+        arm();
+        work();
+    }
+
+    std::multimap<TimePoint, std::function<void()>> m_work; // equal keys keep the order of insertion
+    QBasicTimer m_timer;
+    bool m_posted = false;
+};
+
+QtMainQueue::QtMainQueue() : m_schedule(std::make_unique<Schedule>()) {}
+
+QtMainQueue::~QtMainQueue() = default;
+
+MainQueuePort::TimePoint QtMainQueue::now() {
+    return TimePoint::clock::now();
+}
+
+void QtMainQueue::asyncAfter(Duration delay, std::function<void()> work) {
+    m_schedule->add(later(now(), delay), std::move(work));
+}
+
+SubscriptionPtr QtMainQueue::onReadable(int fd, std::function<void()> readable) {
+    return std::make_unique<ReadableSubscription>(fd, std::move(readable));
+}
+
+} // namespace tessarel::qt

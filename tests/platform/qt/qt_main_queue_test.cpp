@@ -1,0 +1,259 @@
+#include "platform/qt/qt_main_queue.h"
+
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+#include <unistd.h>
+#include <utility>
+
+namespace tessarel::qt {
+namespace {
+
+using std::chrono::hours;
+using std::chrono::milliseconds;
+
+class QtMainQueueTest : public testing::Test {
+protected:
+    /// Turns the loop until the work handed over last has run; everything due before it has run by then.
+    void drain() {
+        bool last = false;
+        queue->async([&last] { last = true; });
+        while (!last)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+
+    static void runUntil(const bool& done) {
+        while (!done)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+
+    int argumentCount = 1;
+    std::array<char, 5> programName{"test"};
+    std::array<char*, 2> arguments{programName.data(), nullptr};
+    std::optional<QCoreApplication> application{std::in_place, argumentCount, arguments.data()};
+    std::unique_ptr<QtMainQueue> queue = std::make_unique<QtMainQueue>();
+};
+
+TEST_F(QtMainQueueTest, WorkRunsInTheOrderItWasHandedOver) {
+    std::string ran;
+    queue->async([&] { ran += "a"; });
+    queue->async([&] { ran += "b"; });
+    queue->asyncAfter(milliseconds(0), [&] { ran += "c"; });
+
+    drain();
+
+    EXPECT_EQ(ran, "abc");
+}
+
+TEST_F(QtMainQueueTest, WorkNeverRunsBeforeTheCallHasReturned) {
+    bool ran = false;
+
+    queue->async([&] { ran = true; });
+
+    EXPECT_FALSE(ran);
+    drain();
+    EXPECT_TRUE(ran);
+}
+
+TEST_F(QtMainQueueTest, WorkRunsInTheOrderItComesDue) {
+    std::string ran;
+    bool done = false;
+    queue->asyncAfter(milliseconds(20), [&] {
+        ran += "c";
+        done = true;
+    });
+    queue->asyncAfter(milliseconds(10), [&] { ran += "b"; });
+    queue->async([&] { ran += "a"; });
+
+    runUntil(done);
+
+    EXPECT_EQ(ran, "abc");
+}
+
+TEST_F(QtMainQueueTest, WorkIsNeverEarly) {
+    const auto due = queue->now() + milliseconds(15);
+    std::optional<MainQueuePort::TimePoint> ranAt;
+    bool done = false;
+    queue->asyncAfter(milliseconds(15), [&] {
+        ranAt = queue->now();
+        done = true;
+    });
+
+    runUntil(done);
+
+    EXPECT_GE(*ranAt, due);
+}
+
+TEST_F(QtMainQueueTest, WorkHandedOverByWorkWaitsForTheNextTurn) {
+    std::string ran;
+    queue->async([&] {
+        queue->async([&] { ran += "c"; });
+        ran += "a";
+    });
+    queue->async([&] { ran += "b"; });
+
+    drain();
+    drain();
+
+    EXPECT_EQ(ran, "abc");
+}
+
+TEST_F(QtMainQueueTest, WorkGoesOnWhileOtherWorkRunsALoopOfItsOwn) {
+    std::string ran;
+    queue->async([&] {
+        QEventLoop inner;
+        queue->async([&] { inner.quit(); });
+        inner.exec();
+        ran += "outer";
+    });
+    queue->async([&] { ran += "inner "; });
+
+    drain();
+    drain();
+
+    EXPECT_EQ(ran, "inner outer");
+}
+
+TEST_F(QtMainQueueTest, ANegativeDelayCountsAsNone) {
+    bool ran = false;
+    queue->asyncAfter(milliseconds(-500), [&] { ran = true; });
+
+    drain();
+
+    EXPECT_TRUE(ran);
+}
+
+TEST_F(QtMainQueueTest, ADelayBeyondTheEndOfTheClockNeverComesDue) {
+    bool ran = false;
+    queue->asyncAfter(MainQueuePort::Duration::max(), [&] { ran = true; });
+    queue->asyncAfter(hours(24 * 365), [&] { ran = true; });
+
+    drain();
+
+    EXPECT_FALSE(ran);
+}
+
+TEST_F(QtMainQueueTest, NothingRunsAfterTheQueueWasDestroyed) {
+    bool ran = false;
+    queue->async([&] { ran = true; });
+    queue->asyncAfter(milliseconds(1), [&] { ran = true; });
+
+    queue = std::make_unique<QtMainQueue>();
+    bool done = false;
+    queue->asyncAfter(milliseconds(5), [&] { done = true; });
+    runUntil(done);
+
+    EXPECT_FALSE(ran);
+}
+
+TEST_F(QtMainQueueTest, WorkMayDestroyTheQueue) {
+    bool ran = false;
+    bool destroyed = false;
+    queue->async([&] {
+        queue.reset();
+        destroyed = true;
+    });
+    queue->async([&] { ran = true; });
+
+    runUntil(destroyed);
+    QCoreApplication::processEvents();
+
+    EXPECT_FALSE(ran);
+}
+
+TEST_F(QtMainQueueTest, AnIdleQueueWakesNobody) {
+    queue->asyncAfter(milliseconds(1), [] {});
+    bool done = false;
+    queue->asyncAfter(milliseconds(2), [&] { done = true; });
+    runUntil(done);
+
+    EXPECT_FALSE(QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents));
+}
+
+TEST_F(QtMainQueueTest, WorkHandedOverBeforeTheApplicationExistsWaitsForTheLoop) {
+    queue.reset();
+    application.reset();
+    std::string ran;
+    bool done = false;
+    queue = std::make_unique<QtMainQueue>();
+    queue->asyncAfter(milliseconds(5), [&] {
+        ran += "b";
+        done = true;
+    });
+    queue->async([&] { ran += "a"; });
+
+    application.emplace(argumentCount, arguments.data());
+    runUntil(done);
+
+    EXPECT_EQ(ran, "ab");
+}
+
+class QtMainQueueReadableTest : public QtMainQueueTest {
+protected:
+    void SetUp() override { ASSERT_EQ(::pipe(ends.data()), 0); }
+    void TearDown() override {
+        ::close(ends[0]);
+        ::close(ends[1]);
+    }
+
+    void write() const { ASSERT_EQ(::write(ends[1], "x", 1), 1); }
+    void read() const {
+        char byte = 0;
+        ASSERT_EQ(::read(ends[0], &byte, 1), 1);
+    }
+
+    std::array<int, 2> ends{};
+};
+
+TEST_F(QtMainQueueReadableTest, TellsWhenAFileHasSomethingToRead) {
+    bool readable = false;
+    const auto subscription = queue->onReadable(ends[0], [&] {
+        read();
+        readable = true;
+    });
+    drain();
+    ASSERT_FALSE(readable);
+
+    write();
+    runUntil(readable);
+
+    EXPECT_TRUE(readable);
+}
+
+TEST_F(QtMainQueueReadableTest, TellsNothingAfterTheSubscriptionEnded) {
+    int calls = 0;
+    auto subscription = queue->onReadable(ends[0], [&] { ++calls; });
+    write();
+
+    subscription.reset();
+    QCoreApplication::processEvents();
+
+    EXPECT_EQ(calls, 0);
+}
+
+TEST_F(QtMainQueueReadableTest, TheSubscriptionMayEndInItsOwnCallback) {
+    int calls = 0;
+    bool done = false;
+    SubscriptionPtr subscription;
+    subscription = queue->onReadable(ends[0], [&] {
+        ++calls;
+        done = true;
+        subscription.reset();
+    });
+    write();
+
+    runUntil(done);
+    QCoreApplication::processEvents();
+
+    EXPECT_EQ(calls, 1);
+}
+
+} // namespace
+} // namespace tessarel::qt
