@@ -1,0 +1,20 @@
+#pragma once
+
+#include "model/subscription.h"
+
+#include <functional>
+#include <utility>
+
+namespace tessarel::sim {
+
+/// A subscription whose end is a call.
+class CallOnEnd : public Subscription {
+public:
+    explicit CallOnEnd(std::function<void()> end) : m_end(std::move(end)) {}
+    ~CallOnEnd() override { m_end(); }
+
+private:
+    std::function<void()> m_end;
+};
+
+} // namespace tessarel::sim

@@ -1,0 +1,231 @@
+#include "platform/sim/sim_accessibility.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <memory>
+#include <string>
+
+namespace tessarel::sim {
+
+namespace {
+
+/// What an element's handle points at.
+struct Name {
+    ProcessId pid = 0;
+    std::optional<WindowId> window;
+};
+
+const Name* nameOf(const Element& element) {
+    return static_cast<const Name*>(element.handle.get());
+}
+
+Element elementOf(const Name& name) {
+    return {std::make_shared<const Name>(name)};
+}
+
+std::string text(double number) {
+    std::array<char, 32> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    return {digits.data(), end};
+}
+
+std::string text(const Name& name) {
+    if (name.window)
+        return "window " + std::to_string(static_cast<std::uint32_t>(*name.window));
+    return "application " + std::to_string(name.pid);
+}
+
+std::string text(const AttributeValue& value) {
+    if (const auto* point = std::get_if<Point>(&value))
+        return text(point->x) + "," + text(point->y);
+    if (const auto* size = std::get_if<Size>(&value))
+        return text(size->width) + "x" + text(size->height);
+    if (const auto* boolean = std::get_if<bool>(&value))
+        return *boolean ? "true" : "false";
+    return "of another kind";
+}
+
+bool isFinite(double first, double second) {
+    return std::isfinite(first) && std::isfinite(second);
+}
+
+/// `wanted`, as the window lets it be.
+double allowed(double wanted, double minimum, double maximum, double step) {
+    const double whole = step > 0 ? std::floor(wanted / step) * step : wanted;
+    return std::max(std::min(whole, maximum), minimum);
+}
+
+const std::optional<AttributeValue>* overrideOf(const AttributeOverrides& overrides,
+                                                std::string_view attribute) {
+    const auto found = overrides.find(attribute);
+    return found == overrides.end() ? nullptr : &found->second;
+}
+
+std::optional<AttributeValue> asValue(const std::optional<std::string>& string) {
+    return string ? std::optional<AttributeValue>(*string) : std::nullopt;
+}
+
+} // namespace
+
+Element SimAccessibility::application(ProcessId pid) {
+    return elementOf({pid, {}});
+}
+
+Element SimAccessibility::window(WindowId id) {
+    const SimWindow* window = m_state.window(id);
+    return elementOf({window ? window->pid : 0, id});
+}
+
+std::optional<AttributeValue> SimAccessibility::copyAttribute(const Element& element,
+                                                              std::string_view attribute) {
+    const Name* name = nameOf(element);
+    if (!name)
+        return {};
+    m_state.requests.push_back("read " + text(*name) + " " + std::string(attribute));
+    if (!ask(name->pid))
+        return {};
+    return name->window ? windowAttribute(*name->window, attribute)
+                        : applicationAttribute(name->pid, attribute);
+}
+
+void SimAccessibility::setAttribute(const Element& element, std::string_view attribute,
+                                    const AttributeValue& value) {
+    const Name* name = nameOf(element);
+    if (!name)
+        return;
+    m_state.requests.push_back("write " + text(*name) + " " + std::string(attribute) + " " + text(value));
+    SimApplication* application = ask(name->pid);
+    if (!application)
+        return;
+
+    if (!name->window) {
+        const auto* on = std::get_if<bool>(&value);
+        if (on && attribute == attribute::kEnhancedUserInterface && application->enhancedInterface)
+            application->enhancedInterface = *on;
+        return;
+    }
+    SimWindow* window = m_state.window(*name->window);
+    if (!window || window->fullScreen)
+        return;
+    const auto* point = std::get_if<Point>(&value);
+    if (point && attribute == attribute::kPosition && isFinite(point->x, point->y))
+        setPosition(*window, *point);
+    const auto* size = std::get_if<Size>(&value);
+    if (size && attribute == attribute::kSize && isFinite(size->width, size->height))
+        setSize(*window, *size);
+}
+
+bool SimAccessibility::canExpress(const Rect& axFrame) {
+    return isFinite(axFrame.x, axFrame.y) && isFinite(axFrame.width, axFrame.height);
+}
+
+std::uintptr_t SimAccessibility::key(const Element& element) {
+    constexpr std::uintptr_t kApplication = std::uintptr_t{1} << 31U;
+    const Name* name = nameOf(element);
+    if (!name)
+        return 0;
+    return name->window ? static_cast<std::uintptr_t>(*name->window)
+                        : static_cast<std::uintptr_t>(name->pid) | kApplication;
+}
+
+std::optional<ProcessId> SimAccessibility::pid(const Element& element) {
+    const Name* name = nameOf(element);
+    const bool exists = name && (name->window ? m_state.window(*name->window) != nullptr
+                                              : m_state.application(name->pid) != nullptr);
+    return exists ? std::optional(name->pid) : std::nullopt;
+}
+
+/// The application, when it is there to answer; time passes until it has, or until nobody waits any longer.
+SimApplication* SimAccessibility::ask(ProcessId pid) {
+    SimApplication* application = m_state.application(pid);
+    if (!application)
+        return nullptr;
+    if (application->requestsUntilDeath && (*application->requestsUntilDeath)-- <= 0) {
+        m_state.endApplication(pid);
+        return nullptr;
+    }
+    m_state.clock.block(std::min(application->answerTime, SimApplication::kTimeLimit));
+    return application->answerTime < SimApplication::kTimeLimit ? application : nullptr;
+}
+
+std::optional<AttributeValue> SimAccessibility::applicationAttribute(ProcessId pid,
+                                                                     std::string_view attribute) {
+    const SimApplication& application = *m_state.application(pid);
+    if (const auto* said = overrideOf(application.overrides, attribute))
+        return *said;
+    if (attribute == attribute::kFocusedWindow && application.focusedWindow)
+        return elementOf({pid, application.focusedWindow});
+    if (attribute == attribute::kEnhancedUserInterface && application.enhancedInterface)
+        return *application.enhancedInterface;
+    if (attribute == attribute::kRole)
+        return "AXApplication";
+    if (attribute != attribute::kWindows)
+        return {};
+    std::vector<Element> windows;
+    for (const SimWindow& window : m_state.windows) {
+        if (window.pid == pid)
+            windows.push_back(elementOf({pid, window.id}));
+    }
+    return windows;
+}
+
+std::optional<AttributeValue> SimAccessibility::windowAttribute(WindowId id, std::string_view attribute) {
+    const SimWindow* window = m_state.window(id);
+    if (!window)
+        return {};
+    if (const auto* said = overrideOf(window->overrides, attribute))
+        return *said;
+    const Rect& axFrame = window->shownAxFrame(m_state.clock.now());
+    if (attribute == attribute::kPosition)
+        return axFrame.origin();
+    if (attribute == attribute::kSize)
+        return axFrame.size();
+    if (attribute == attribute::kRole)
+        return asValue(window->role);
+    if (attribute == attribute::kSubrole)
+        return asValue(window->subrole);
+    if (attribute == attribute::kMinimized)
+        return window->minimized;
+    if (attribute == attribute::kFullScreen)
+        return window->fullScreen;
+    return {};
+}
+
+void SimAccessibility::setPosition(SimWindow& window, const Point& position) {
+    if (m_state.application(window.pid)->refusesPosition)
+        return;
+    show(window, {position.x, position.y, window.axFrame.width, window.axFrame.height});
+}
+
+void SimAccessibility::setSize(SimWindow& window, const Size& size) {
+    if (m_state.application(window.pid)->refusesSize)
+        return;
+    Size wanted = size;
+    if (window.cutAtDisplayEdge)
+        wanted = cut(wanted, window.axFrame.origin());
+    show(window, {window.axFrame.x, window.axFrame.y,
+                  allowed(wanted.width, window.minimum.width, window.maximum.width, window.step.width),
+                  allowed(wanted.height, window.minimum.height, window.maximum.height, window.step.height)});
+}
+
+/// The part of a size that stays on the display of the window's corner.
+Size SimAccessibility::cut(const Size& size, const Point& axOrigin) const {
+    const Screen* screen = m_state.screenAt(axOrigin);
+    if (!screen)
+        return size;
+    const Rect axFrame = m_state.axFrame(*screen);
+    return {std::min(size.width, axFrame.maxX() - axOrigin.x),
+            std::min(size.height, axFrame.maxY() - axOrigin.y)};
+}
+
+void SimAccessibility::show(SimWindow& window, const Rect& axFrame) {
+    const auto now = m_state.clock.now();
+    const bool animated = m_state.application(window.pid)->enhancedInterface.value_or(false);
+    window.axFrameBefore = window.shownAxFrame(now);
+    window.settledAt = animated ? now + SimApplication::kAnimation : now;
+    window.axFrame = axFrame;
+}
+
+} // namespace tessarel::sim

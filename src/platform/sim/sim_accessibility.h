@@ -1,0 +1,41 @@
+#pragma once
+
+#include "platform/sim/sim_state.h"
+#include "ports/accessibility_port.h"
+
+namespace tessarel::sim {
+
+/// The windows of the simulated desktop's applications.
+///
+/// Every read and write is recorded in the order of asking, as a line like "read window 3 AXSize" or
+/// "write window 3 AXSize 640x480". A write to a window of a program whose enhanced interface is on is seen
+/// only after a while, as on a system that animates it.
+class SimAccessibility : public AccessibilityPort {
+public:
+    explicit SimAccessibility(SimState& state) : m_state(state) {}
+
+    [[nodiscard]] Element application(ProcessId pid) override;
+    [[nodiscard]] Element window(WindowId id);
+
+    [[nodiscard]] std::optional<AttributeValue> copyAttribute(const Element& element,
+                                                              std::string_view attribute) override;
+    void setAttribute(const Element& element, std::string_view attribute,
+                      const AttributeValue& value) override;
+    [[nodiscard]] bool canExpress(const Rect& axFrame) override;
+    [[nodiscard]] std::uintptr_t key(const Element& element) override;
+    [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
+
+private:
+    [[nodiscard]] SimApplication* ask(ProcessId pid);
+    [[nodiscard]] std::optional<AttributeValue> applicationAttribute(ProcessId pid,
+                                                                     std::string_view attribute);
+    [[nodiscard]] std::optional<AttributeValue> windowAttribute(WindowId id, std::string_view attribute);
+    void setPosition(SimWindow& window, const Point& position);
+    void setSize(SimWindow& window, const Size& size);
+    [[nodiscard]] Size cut(const Size& size, const Point& axOrigin) const;
+    void show(SimWindow& window, const Rect& axFrame);
+
+    SimState& m_state;
+};
+
+} // namespace tessarel::sim

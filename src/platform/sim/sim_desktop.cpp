@@ -1,0 +1,105 @@
+#include "platform/sim/sim_desktop.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <utility>
+
+namespace tessarel::sim {
+
+Screen SimDesktop::addScreen(const ScreenOptions& options) {
+    const Rect& frame = options.frame;
+    const Rect visibleFrame{frame.x, frame.y + options.dock, frame.width,
+                            frame.height - options.menuBar - options.dock};
+    return m_state.screens.emplace_back(Screen{++m_lastScreen, frame, visibleFrame});
+}
+
+void SimDesktop::setMenuBar(double height) {
+    Screen& primary = m_state.screens.at(0);
+    primary.visibleFrame.height = primary.frame.maxY() - primary.visibleFrame.y - height;
+}
+
+void SimDesktop::removeScreen(std::uint64_t id) {
+    std::erase_if(m_state.screens, [&](const Screen& screen) { return screen.id == id; });
+}
+
+void SimDesktop::makePrimary(std::uint64_t id) {
+    auto& screens = m_state.screens;
+    const auto primary =
+        std::find_if(screens.begin(), screens.end(), [&](const Screen& screen) { return screen.id == id; });
+    if (primary == screens.end())
+        return;
+    const Point origin = primary->frame.origin();
+    std::rotate(screens.begin(), primary, primary + 1);
+    for (Screen& screen : screens) {
+        for (Rect* rect : {&screen.frame, &screen.visibleFrame}) {
+            rect->x -= origin.x;
+            rect->y -= origin.y;
+        }
+    }
+}
+
+ProcessId SimDesktop::launch(const SimApplication& application) {
+    const ProcessId pid = ++m_lastPid;
+    m_state.applications.emplace(pid, application);
+    return pid;
+}
+
+WindowId SimDesktop::openWindow(const std::string& bundleIdentifier, const Rect& axFrame) {
+    const auto running =
+        std::find_if(m_state.applications.begin(), m_state.applications.end(),
+                     [&](const auto& entry) { return entry.second.bundleIdentifier == bundleIdentifier; });
+    const ProcessId pid = running == m_state.applications.end()
+                              ? launch({.bundleIdentifier = bundleIdentifier})
+                              : running->first;
+    return openWindow(pid, {.axFrame = axFrame});
+}
+
+WindowId SimDesktop::openWindow(ProcessId pid, const SimWindow& window) {
+    const WindowId id{++m_lastWindow};
+    const auto opened = m_state.windows.insert(m_state.windows.begin(), window);
+    opened->id = id;
+    opened->pid = pid;
+    focus(id);
+    return id;
+}
+
+SimWindow& SimDesktop::window(WindowId id) {
+    SimWindow* window = m_state.window(id);
+    if (!window)
+        throw std::out_of_range("no such window");
+    return *window;
+}
+
+Rect SimDesktop::frame(WindowId id) {
+    return window(id).shownAxFrame(m_state.clock.now());
+}
+
+void SimDesktop::drag(WindowId id, const Rect& axFrame) {
+    SimWindow& dragged = window(id);
+    dragged.axFrame = axFrame;
+    dragged.settledAt = m_state.clock.now();
+}
+
+void SimDesktop::focus(WindowId id) {
+    auto& windows = m_state.windows;
+    const auto focused =
+        std::find_if(windows.begin(), windows.end(), [&](const SimWindow& w) { return w.id == id; });
+    if (focused == windows.end())
+        return;
+    std::rotate(windows.begin(), focused, focused + 1);
+    const ProcessId pid = windows.front().pid;
+    application(pid).focusedWindow = id;
+    m_state.frontmost = pid;
+}
+
+std::vector<std::string> SimDesktop::takeRequests() {
+    return std::exchange(m_state.requests, {});
+}
+
+std::vector<std::string> SimDesktop::takeWrites() {
+    auto writes = takeRequests();
+    std::erase_if(writes, [](const std::string& request) { return !request.starts_with("write "); });
+    return writes;
+}
+
+} // namespace tessarel::sim

@@ -1,0 +1,120 @@
+#pragma once
+
+#include "platform/sim/sim_accessibility.h"
+#include "platform/sim/sim_displays.h"
+#include "platform/sim/sim_hot_keys.h"
+#include "platform/sim/sim_main_queue.h"
+#include "platform/sim/sim_preferences.h"
+#include "platform/sim/sim_services.h"
+#include "platform/sim/sim_single_instance.h"
+#include "platform/sim/sim_state.h"
+#include "platform/sim/sim_workspace.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tessarel::sim {
+
+/// A display to connect.
+struct ScreenOptions {
+    Rect frame = {};    ///< in screen coordinates: bottom-left origin, y up
+    double menuBar = 0; ///< height of the bar along its top edge
+    double dock = 0;    ///< height of the dock along its bottom edge
+};
+
+/// A whole desktop in memory that answers like the real thing and behaves: its ports, and what a user and
+/// other programs do to it. It is empty at first, and time stands still until `advance`.
+///
+/// Rectangles of windows are in accessibility coordinates. Numbers of windows and processes handed to it must
+/// be of ones that exist, unless stated.
+class SimDesktop {
+public:
+    SimDesktop() = default;
+    SimDesktop(const SimDesktop&) = delete;
+    SimDesktop& operator=(const SimDesktop&) = delete;
+
+    // Displays. The first one connected is the primary one.
+    Screen addScreen(const ScreenOptions& options);
+    /// The bar along the top edge of the primary display is `height` high from now on.
+    void setMenuBar(double height);
+    void removeScreen(std::uint64_t id);
+    /// Makes the display the primary one; the frames of all others are then relative to it.
+    void makePrimary(std::uint64_t id);
+    /// What the displays port calls the main screen from now on, whatever has the focus.
+    void setMainScreen(const Screen& screen) { m_state.mainScreen = screen; }
+
+    // Programs.
+    ProcessId launch(const SimApplication& application);
+    SimApplication& application(ProcessId pid) { return m_state.applications.at(pid); }
+    /// Brings the program to the front with whatever window of it had the focus last.
+    void activate(ProcessId pid) { m_state.frontmost = pid; }
+    /// No program is in front.
+    void deactivateAll() { m_state.frontmost.reset(); }
+    void kill(ProcessId pid) { m_state.endApplication(pid); }
+
+    // Windows.
+    /// Opens a window of the program called `bundleIdentifier`, which is launched if need be, and gives it
+    /// the focus.
+    WindowId openWindow(const std::string& bundleIdentifier, const Rect& axFrame);
+    WindowId openWindow(ProcessId pid, const SimWindow& window);
+    SimWindow& window(WindowId id);
+    /// The program that the window belongs to.
+    SimApplication& applicationOf(WindowId id) { return application(window(id).pid); }
+    [[nodiscard]] Element element(WindowId id) { return m_accessibility.window(id); }
+    /// Where the window is seen now.
+    [[nodiscard]] Rect frame(WindowId id);
+    /// The user moves or resizes the window.
+    void drag(WindowId id, const Rect& axFrame);
+    void focus(WindowId id);
+    void close(WindowId id) { m_state.closeWindow(id); }
+
+    /// The reads and writes of attributes since the last call, in order.
+    [[nodiscard]] std::vector<std::string> takeRequests();
+    /// Those of them that are writes.
+    [[nodiscard]] std::vector<std::string> takeWrites();
+
+    /// The loop runs for `duration`, and with it whatever falls due.
+    void advance(SimClock::Duration duration) { m_state.clock.advance(duration); }
+    [[nodiscard]] SimClock& clock() { return m_state.clock; }
+
+    [[nodiscard]] int beeps() const { return m_alertSound.beeps; }
+
+    // Ports.
+    [[nodiscard]] SimAccessibility& accessibility() { return m_accessibility; }
+    [[nodiscard]] SimAlertSound& alertSound() { return m_alertSound; }
+    [[nodiscard]] SimAlerts& alerts() { return m_alerts; }
+    [[nodiscard]] SimDisplays& displays() { return m_displays; }
+    [[nodiscard]] SimHotKeys& hotKeys() { return m_hotKeys; }
+    [[nodiscard]] SimMainQueue& mainQueue() { return m_mainQueue; }
+    [[nodiscard]] SimOpenUrl& openUrl() { return m_openUrl; }
+    [[nodiscard]] SimPreferences& preferences() { return m_preferences; }
+    [[nodiscard]] SimPreferencesStorage& preferencesStorage() { return m_preferencesStorage; }
+    [[nodiscard]] SimTrust& trust() { return m_trust; }
+    [[nodiscard]] SimWorkspace& workspace() { return m_workspace; }
+    /// A copy of the program.
+    [[nodiscard]] SimSingleInstance makeCopy() { return SimSingleInstance(m_instanceHolder); }
+
+private:
+    SimState m_state;
+    SimPreferencesStorage m_preferencesStorage;
+    std::shared_ptr<SimInstanceHolder> m_instanceHolder = std::make_shared<SimInstanceHolder>();
+    std::uint64_t m_lastScreen = 0;
+    std::uint32_t m_lastWindow = 0;
+    ProcessId m_lastPid = 100;
+
+    SimAccessibility m_accessibility{m_state};
+    SimAlertSound m_alertSound;
+    SimAlerts m_alerts;
+    SimDisplays m_displays{m_state};
+    SimHotKeys m_hotKeys;
+    SimMainQueue m_mainQueue{m_state.clock};
+    SimOpenUrl m_openUrl;
+    SimPreferences m_preferences{m_preferencesStorage};
+    SimTrust m_trust;
+    SimWorkspace m_workspace{m_state};
+};
+
+} // namespace tessarel::sim

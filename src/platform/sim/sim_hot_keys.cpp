@@ -1,0 +1,75 @@
+#include "platform/sim/sim_hot_keys.h"
+
+#include "platform/sim/call_on_end.h"
+
+namespace tessarel::sim {
+
+namespace {
+
+constexpr std::uint32_t kKeyCodes = 128;
+constexpr std::uint32_t kModifiers = 256 | 512 | 2048 | 4096;
+
+} // namespace
+
+struct SimHotKeys::Keyboard {
+    struct Claim {
+        HotKeyRequest request;
+        bool ours = false;
+    };
+    using Combination = std::pair<std::uint32_t, std::uint32_t>;
+
+    std::map<Combination, Claim> claims;
+    std::map<int, std::function<void(std::uint32_t)>> handlers;
+};
+
+SimHotKeys::SimHotKeys() : m_keyboard(std::make_shared<Keyboard>()) {}
+
+SubscriptionPtr SimHotKeys::installHandler(std::function<void(std::uint32_t id)> pressed) {
+    const int number = m_handlersInstalled++;
+    m_keyboard->handlers.emplace(number, std::move(pressed));
+    return std::make_unique<CallOnEnd>([keyboard = m_keyboard, number] { keyboard->handlers.erase(number); });
+}
+
+std::vector<SubscriptionPtr> SimHotKeys::registerHotKeys(std::span<const HotKeyRequest> requests) {
+    std::vector<SubscriptionPtr> claims;
+    claims.reserve(requests.size());
+    for (const HotKeyRequest& request : requests)
+        claims.push_back(claim(request, true));
+    return claims;
+}
+
+bool SimHotKeys::press(std::uint32_t keyCode, std::uint32_t mods) {
+    const auto found = m_keyboard->claims.find({keyCode, mods});
+    if (found == m_keyboard->claims.end() || !found->second.ours)
+        return false;
+    const std::uint32_t id = found->second.request.hotKey.id;
+    const auto handlers = m_keyboard->handlers; // a handler may end itself
+    for (const auto& [number, handler] : handlers)
+        handler(id);
+    return true;
+}
+
+SubscriptionPtr SimHotKeys::holdByAnotherProgram(std::uint32_t keyCode, std::uint32_t mods) {
+    return claim({keyCode, mods, {}}, false);
+}
+
+std::vector<HotKeyRequest> SimHotKeys::registered() const {
+    std::vector<HotKeyRequest> requests;
+    for (const auto& [combination, claim] : m_keyboard->claims) {
+        if (claim.ours)
+            requests.push_back(claim.request);
+    }
+    return requests;
+}
+
+SubscriptionPtr SimHotKeys::claim(const HotKeyRequest& request, bool ours) {
+    const Keyboard::Combination combination{request.keyCode, request.mods};
+    if (request.keyCode >= kKeyCodes || (request.mods & ~kModifiers) != 0)
+        return nullptr;
+    if (!m_keyboard->claims.try_emplace(combination, Keyboard::Claim{request, ours}).second)
+        return nullptr;
+    return std::make_unique<CallOnEnd>(
+        [keyboard = m_keyboard, combination] { keyboard->claims.erase(combination); });
+}
+
+} // namespace tessarel::sim

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "platform/sim/sim_clock.h"
+#include "ports/main_queue_port.h"
+
+namespace tessarel::sim {
+
+/// A main queue on the simulated clock.
+class SimMainQueue : public MainQueuePort {
+public:
+    explicit SimMainQueue(SimClock& clock) : m_clock(clock) {}
+    SimMainQueue(const SimMainQueue&) = delete;
+    SimMainQueue& operator=(const SimMainQueue&) = delete;
+    ~SimMainQueue() override { m_clock.cancelAll(this); }
+
+    [[nodiscard]] TimePoint now() override { return m_clock.now(); }
+    void asyncAfter(Duration delay, std::function<void()> work) override {
+        m_clock.schedule(this, delay, std::move(work));
+    }
+
+private:
+    SimClock& m_clock;
+};
+
+} // namespace tessarel::sim

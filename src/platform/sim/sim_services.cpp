@@ -1,0 +1,15 @@
+#include "platform/sim/sim_services.h"
+
+namespace tessarel::sim {
+
+std::size_t SimAlerts::runModal(const Alert& alert) {
+    shown.push_back(alert);
+    const std::size_t last = alert.buttons.empty() ? 0 : alert.buttons.size() - 1;
+    if (answers.empty())
+        return last;
+    const std::size_t answer = answers.front();
+    answers.pop_front();
+    return answer;
+}
+
+} // namespace tessarel::sim

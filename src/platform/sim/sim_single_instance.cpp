@@ -1,0 +1,16 @@
+#include "platform/sim/sim_single_instance.h"
+
+#include "platform/sim/call_on_end.h"
+
+namespace tessarel::sim {
+
+SubscriptionPtr SimSingleInstance::claim(std::function<void()> reopened) {
+    if (const auto holder = m_holder->reopened) {
+        (*holder)();
+        return nullptr;
+    }
+    m_holder->reopened = std::make_shared<std::function<void()>>(std::move(reopened));
+    return std::make_unique<CallOnEnd>([holder = m_holder] { holder->reopened.reset(); });
+}
+
+} // namespace tessarel::sim

@@ -1,0 +1,51 @@
+#include "platform/sim/sim_state.h"
+
+#include <algorithm>
+
+namespace tessarel::sim {
+
+SimApplication* SimState::application(ProcessId pid) {
+    const auto found = applications.find(pid);
+    return found == applications.end() ? nullptr : &found->second;
+}
+
+SimWindow* SimState::window(WindowId id) {
+    const auto found =
+        std::find_if(windows.begin(), windows.end(), [&](const auto& w) { return w.id == id; });
+    return found == windows.end() ? nullptr : &*found;
+}
+
+Rect SimState::axFrame(const Screen& screen) const {
+    const Rect& frame = screen.frame;
+    return {frame.minX(), screens.front().frame.absHeight() - frame.maxY(), frame.absWidth(),
+            frame.absHeight()};
+}
+
+const Screen* SimState::screenAt(const Point& axPoint) const {
+    const auto shows = [&](const Screen& screen) { return axFrame(screen).contains(axPoint); };
+    const auto found = std::find_if(screens.begin(), screens.end(), shows);
+    if (found != screens.end())
+        return &*found;
+    return screens.empty() ? nullptr : &screens.front();
+}
+
+void SimState::closeWindow(WindowId id) {
+    std::erase_if(windows, [&](const SimWindow& window) { return window.id == id; });
+    for (auto& [pid, application] : applications) {
+        if (application.focusedWindow != id)
+            continue;
+        const auto next =
+            std::find_if(windows.begin(), windows.end(),
+                         [owner = pid](const SimWindow& window) { return window.pid == owner; });
+        application.focusedWindow = next == windows.end() ? std::nullopt : std::optional(next->id);
+    }
+}
+
+void SimState::endApplication(ProcessId pid) {
+    applications.erase(pid);
+    std::erase_if(windows, [&](const SimWindow& window) { return window.pid == pid; });
+    if (frontmost == pid)
+        frontmost.reset();
+}
+
+} // namespace tessarel::sim

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/sim/sim_application.h"
+#include "platform/sim/sim_clock.h"
+#include "platform/sim/sim_window.h"
+#include "ports/displays_port.h"
+#include "ports/process_id.h"
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tessarel::sim {
+
+/// What the simulated desktop consists of; its ports and the test that plays on it share it.
+struct SimState {
+    /// The process id of the program under test.
+    static constexpr ProcessId kOwnPid = 4242;
+
+    SimClock clock;
+    std::vector<Screen> screens;      ///< the primary one first
+    std::optional<Screen> mainScreen; ///< said instead of the display of the focused window
+    std::map<ProcessId, SimApplication> applications;
+    std::vector<SimWindow> windows; ///< front to back
+    std::optional<ProcessId> frontmost;
+    std::vector<std::string> requests; ///< reads and writes of attributes, in order
+
+    /// The application of process `pid`, or null.
+    [[nodiscard]] SimApplication* application(ProcessId pid);
+    /// The window with number `id`, or null.
+    [[nodiscard]] SimWindow* window(WindowId id);
+    /// The screen's whole area in accessibility coordinates.
+    [[nodiscard]] Rect axFrame(const Screen& screen) const;
+    /// The display that shows the point, else the primary one; null when there is none.
+    [[nodiscard]] const Screen* screenAt(const Point& axPoint) const;
+
+    void closeWindow(WindowId id);
+    void endApplication(ProcessId pid);
+};
+
+} // namespace tessarel::sim
