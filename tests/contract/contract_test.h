@@ -1,0 +1,54 @@
+#pragma once
+
+#include "contract/contract_desktop.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string_view>
+#include <variant>
+
+namespace tessarel::contract {
+
+using namespace std::chrono_literals;
+
+inline constexpr std::uint32_t kCtrlOpt = 4096 + 2048;
+inline constexpr std::uint32_t kKey1 = 18;
+inline constexpr std::uint32_t kKey2 = 19;
+inline constexpr std::uint32_t kKeyC = 8;
+
+/// A fresh desktop per case, with short ways to read what the cases ask for again and again.
+class ContractTest : public ::testing::Test {
+protected:
+    [[nodiscard]] WindowHandle openWindow(const WindowOptions& options = {}) {
+        return desktop->openWindow(desktop->launchApplication("org.example.editor"), options);
+    }
+
+    template <typename Value>
+    [[nodiscard]] std::optional<Value> read(const Element& element, std::string_view attribute) {
+        const auto value = desktop->accessibility().copyAttribute(element, attribute);
+        const auto* typed = value ? std::get_if<Value>(&*value) : nullptr;
+        return typed ? std::optional(*typed) : std::nullopt;
+    }
+
+    /// The window's frame as the back end reads it; the null rectangle when it cannot.
+    [[nodiscard]] Rect readFrame(const Element& window) {
+        const auto position = read<Point>(window, attribute::kPosition);
+        const auto size = read<Size>(window, attribute::kSize);
+        if (!position || !size)
+            return Rect::null();
+        return {position->x, position->y, size->width, size->height};
+    }
+
+    /// Size, position and size again, the way the program moves windows.
+    void writeFrame(const Element& window, const Rect& axFrame) {
+        AccessibilityPort& accessibility = desktop->accessibility();
+        accessibility.setAttribute(window, attribute::kSize, axFrame.size());
+        accessibility.setAttribute(window, attribute::kPosition, axFrame.origin());
+        accessibility.setAttribute(window, attribute::kSize, axFrame.size());
+    }
+
+    std::unique_ptr<ContractDesktop> desktop = makeContractDesktop();
+};
+
+} // namespace tessarel::contract

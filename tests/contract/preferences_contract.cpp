@@ -1,0 +1,92 @@
+#include "contract/contract_test.h"
+
+namespace tessarel::contract {
+namespace {
+
+constexpr std::string_view kKey = "tessarel.settings.v1";
+
+class PreferencesContract : public ContractTest {
+protected:
+    std::unique_ptr<PreferencesPort> preferences = desktop->makePreferences();
+};
+
+TEST_F(PreferencesContract, NothingIsStoredAtFirst) {
+    EXPECT_FALSE(preferences->data(kKey));
+}
+
+TEST_F(PreferencesContract, WhatIsStoredIsFoundByTheNextStart) {
+    preferences->setData(kKey, "{\"gap\":8}");
+
+    EXPECT_EQ(preferences->data(kKey), "{\"gap\":8}");
+    EXPECT_EQ(desktop->makePreferences()->data(kKey), "{\"gap\":8}");
+}
+
+TEST_F(PreferencesContract, TheLastBytesReplaceTheOnesBefore) {
+    preferences->setData(kKey, "a long document that comes first");
+    preferences->setData(kKey, "short");
+
+    EXPECT_EQ(preferences->data(kKey), "short");
+}
+
+TEST_F(PreferencesContract, BytesComeBackAsTheyWere) {
+    std::string bytes(100000, '\0');
+    for (std::size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<char>(i * 7);
+
+    preferences->setData(kKey, bytes);
+
+    EXPECT_EQ(preferences->data(kKey), bytes);
+}
+
+TEST_F(PreferencesContract, NoBytesAreADocumentToo) {
+    preferences->setData(kKey, "");
+
+    EXPECT_EQ(preferences->data(kKey), "");
+}
+
+TEST_F(PreferencesContract, KeysDoNotMix) {
+    preferences->setData(kKey, "first");
+    preferences->setData("tessarel.other", "second");
+
+    EXPECT_EQ(preferences->data(kKey), "first");
+    EXPECT_EQ(preferences->data("tessarel.other"), "second");
+    EXPECT_FALSE(preferences->data("tessarel.settings"));
+}
+
+TEST_F(PreferencesContract, ARejectedDocumentIsKeptWhenItIsReplaced) {
+    preferences->setData(kKey, "not a document");
+    preferences = desktop->makePreferences();
+    preferences->keepRejected(kKey);
+    EXPECT_EQ(preferences->data(kKey), "not a document");
+
+    preferences->setData(kKey, "{}");
+
+    EXPECT_EQ(preferences->data(kKey), "{}");
+    EXPECT_EQ(desktop->rejectedCopy(kKey), "not a document");
+}
+
+TEST_F(PreferencesContract, OnlyTheRejectedDocumentIsKept) {
+    preferences->setData(kKey, "not a document");
+    preferences->keepRejected(kKey);
+    preferences->setData(kKey, "{\"gap\":1}");
+    preferences->setData(kKey, "{\"gap\":2}");
+
+    EXPECT_EQ(desktop->rejectedCopy(kKey), "not a document");
+}
+
+TEST_F(PreferencesContract, WithoutARejectionNoCopyIsKept) {
+    preferences->setData(kKey, "{\"gap\":1}");
+    preferences->setData(kKey, "{\"gap\":2}");
+
+    EXPECT_FALSE(desktop->rejectedCopy(kKey));
+}
+
+TEST_F(PreferencesContract, RejectingWhatIsNotThereKeepsNothing) {
+    preferences->keepRejected(kKey);
+    preferences->setData(kKey, "{}");
+
+    EXPECT_FALSE(desktop->rejectedCopy(kKey));
+}
+
+} // namespace
+} // namespace tessarel::contract

@@ -1,0 +1,65 @@
+#include "contract/contract_test.h"
+
+namespace tessarel::contract {
+namespace {
+
+class WorkspaceContract : public ContractTest {};
+
+TEST_F(WorkspaceContract, NobodyIsInFrontOfAnEmptyDesktop) {
+    EXPECT_FALSE(desktop->workspace().frontmostApplication());
+}
+
+TEST_F(WorkspaceContract, TheApplicationOfTheFocusedWindowIsInFront) {
+    const auto editor = desktop->launchApplication("org.example.editor");
+    const auto mail = desktop->launchApplication("org.example.mail");
+    const auto editorWindow = desktop->openWindow(editor, {});
+    const auto mailWindow = desktop->openWindow(mail, {});
+
+    desktop->focus(editorWindow);
+    EXPECT_EQ(desktop->workspace().frontmostApplication(),
+              (RunningApplication{desktop->pid(editor), "org.example.editor"}));
+
+    desktop->focus(mailWindow);
+    EXPECT_EQ(desktop->workspace().frontmostApplication(),
+              (RunningApplication{desktop->pid(mail), "org.example.mail"}));
+}
+
+TEST_F(WorkspaceContract, ARunningApplicationIsFoundByItsProcess) {
+    const auto editor = desktop->launchApplication("org.example.editor");
+    (void)desktop->openWindow(editor, {});
+
+    EXPECT_EQ(desktop->workspace().runningApplication(desktop->pid(editor)),
+              (RunningApplication{desktop->pid(editor), "org.example.editor"}));
+}
+
+TEST_F(WorkspaceContract, AnApplicationMayHaveNothingToKnowItBy) {
+    const auto nameless = desktop->launchApplication(std::nullopt);
+    (void)desktop->openWindow(nameless, {});
+
+    EXPECT_EQ(desktop->workspace().runningApplication(desktop->pid(nameless)),
+              (RunningApplication{desktop->pid(nameless), std::nullopt}));
+}
+
+TEST_F(WorkspaceContract, AnApplicationThatHasEndedIsNotRunning) {
+    const auto editor = desktop->launchApplication("org.example.editor");
+    desktop->focus(desktop->openWindow(editor, {}));
+    desktop->killApplication(editor);
+
+    EXPECT_FALSE(desktop->workspace().runningApplication(desktop->pid(editor)));
+    EXPECT_FALSE(desktop->workspace().frontmostApplication());
+}
+
+TEST_F(WorkspaceContract, AProcessThatNeverWasIsNotRunning) {
+    EXPECT_FALSE(desktop->workspace().runningApplication(-1));
+}
+
+TEST_F(WorkspaceContract, TheProgramKnowsItself) {
+    const auto editor = desktop->launchApplication("org.example.editor");
+    (void)desktop->openWindow(editor, {});
+
+    EXPECT_GT(desktop->workspace().ownProcessIdentifier(), 0);
+    EXPECT_NE(desktop->workspace().ownProcessIdentifier(), desktop->pid(editor));
+}
+
+} // namespace
+} // namespace tessarel::contract
