@@ -1,0 +1,13 @@
+// A window of a Qt program, to be moved about.
+
+#include <QApplication>
+#include <QPlainTextEdit>
+
+int main(int count, char** arguments) {
+    const QApplication application(count, arguments);
+    QPlainTextEdit editor;
+    editor.setPlainText("A window to be moved about.");
+    editor.resize(640, 480);
+    editor.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,83 @@
+#include "support/keyboard.h"
+
+#include <xcb/xtest.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <thread>
+#include <vector>
+
+namespace tessarel::bench {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto kTimeToNotice = 5ms;
+constexpr auto kStartTimeout = 10s;
+
+} // namespace
+
+Keyboard::Keyboard() {
+    const std::uint32_t off = XCB_AUTO_REPEAT_MODE_OFF;
+    xcb_change_keyboard_control(m_connection.get(), XCB_KB_AUTO_REPEAT_MODE, &off);
+    m_connection.roundTrip();
+}
+
+void Keyboard::fake(std::uint8_t type, std::uint8_t keyCode) {
+    xcb_test_fake_input(m_connection.get(), type, keyCode, XCB_CURRENT_TIME, m_connection.root(), 0, 0, 0);
+}
+
+void Keyboard::holdModifiers() {
+    fake(XCB_KEY_PRESS, key::kControl);
+    fake(XCB_KEY_PRESS, key::kAlt);
+    m_connection.roundTrip();
+    std::this_thread::sleep_for(kTimeToNotice);
+}
+
+Clock::time_point Keyboard::press(std::span<const std::uint8_t> keys) {
+    for (const auto key : keys.first(keys.size() - 1)) {
+        fake(XCB_KEY_PRESS, key);
+        fake(XCB_KEY_RELEASE, key);
+    }
+    fake(XCB_KEY_PRESS, keys.back());
+    const auto pressed = Clock::now();
+    m_connection.flush();
+    return pressed;
+}
+
+void Keyboard::release(std::uint8_t key) {
+    fake(XCB_KEY_RELEASE, key);
+    fake(XCB_KEY_RELEASE, key::kAlt);
+    fake(XCB_KEY_RELEASE, key::kControl);
+    m_connection.roundTrip();
+    std::this_thread::sleep_for(kTimeToNotice);
+}
+
+bool allHeld(const Connection& connection, std::span<const Combination> combinations) {
+    auto* const x = connection.get();
+    std::vector<xcb_void_cookie_t> attempts;
+    xcb_grab_server(x);
+    for (const auto& wanted : combinations)
+        attempts.push_back(xcb_grab_key_checked(x, 0, connection.root(), wanted.modifiers, wanted.keyCode,
+                                                XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+    for (const auto& wanted : combinations)
+        xcb_ungrab_key(x, wanted.keyCode, connection.root(), wanted.modifiers);
+    xcb_ungrab_server(x);
+    connection.flush();
+    return std::ranges::count_if(attempts, [x](xcb_void_cookie_t attempt) {
+               const Received<xcb_generic_error_t> refused(xcb_request_check(x, attempt));
+               return refused != nullptr;
+           }) == std::ssize(attempts);
+}
+
+void waitUntilHeld(const Connection& connection, std::span<const Combination> combinations) {
+    const auto end = Clock::now() + kStartTimeout;
+    while (!allHeld(connection, combinations)) {
+        if (Clock::now() > end)
+            throw std::runtime_error("a program did not claim its keys");
+        std::this_thread::sleep_for(1ms);
+    }
+}
+
+} // namespace tessarel::bench

@@ -1,0 +1,55 @@
+#include "support/process_figures.h"
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+
+namespace tessarel::bench {
+
+namespace {
+
+using Path = std::filesystem::path;
+
+Path directory(pid_t pid) {
+    return Path("/proc") / std::to_string(pid);
+}
+
+/// Number after "`name`:" in a file of lines such as "Pss:   123 kB"; 0 when it is not there.
+long field(const Path& file, const std::string& name) {
+    std::ifstream lines(file);
+    std::string line;
+    while (std::getline(lines, line))
+        if (line.starts_with(name + ":"))
+            return std::stol(line.substr(name.size() + 1));
+    return 0;
+}
+
+long sumOverThreads(pid_t pid, const std::function<long(const Path&)>& figure) {
+    long sum = 0;
+    for (const auto& thread : std::filesystem::directory_iterator(directory(pid) / "task"))
+        sum += figure(thread.path());
+    return sum;
+}
+
+} // namespace
+
+std::chrono::nanoseconds cpuTime(pid_t pid) {
+    return std::chrono::nanoseconds(sumOverThreads(pid, [](const Path& thread) {
+        long onProcessor = 0;
+        std::ifstream(thread / "schedstat") >> onProcessor;
+        return onProcessor;
+    }));
+}
+
+long voluntarySwitches(pid_t pid) {
+    return sumOverThreads(
+        pid, [](const Path& thread) { return field(thread / "status", "voluntary_ctxt_switches"); });
+}
+
+Memory memory(pid_t pid) {
+    const auto file = directory(pid) / "smaps_rollup";
+    return {field(file, "Rss"), field(file, "Pss"), field(file, "Anonymous")};
+}
+
+} // namespace tessarel::bench
