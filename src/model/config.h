@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string_view>
+
+namespace tessarel {
+
+/// Fixed facts about the application. All but its name are set when it is built.
+class Config {
+public:
+    static constexpr std::string_view appName = "Tessarel";
+    static const std::string_view version;
+    static const std::string_view bundleID;
+    static const std::string_view websiteURL;
+    static const std::string_view supportEmail;
+    /// HTTPS address of the version feed.
+    static const std::string_view updateFeedURL;
+};
+
+} // namespace tessarel
