@@ -1,0 +1,209 @@
+#include "platform/x11/hot_keys.h"
+
+#include "platform/x11/key_codes.h"
+#include "platform/x11/lock_modifiers.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace tessarel::x11 {
+
+namespace {
+
+struct ModifierBit {
+    std::uint32_t binding;
+    std::uint16_t server;
+};
+
+constexpr std::array kModifierBits = std::to_array<ModifierBit>({
+    {256, XCB_MOD_MASK_4},        // Cmd: Super
+    {512, XCB_MOD_MASK_SHIFT},    // Shift
+    {2048, XCB_MOD_MASK_1},       // Opt: Alt
+    {4096, XCB_MOD_MASK_CONTROL}, // Ctrl
+});
+
+constexpr std::uint16_t kAllModifiers =
+    XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
+
+/// The server's modifiers of a binding's; none when there are bits beyond the four.
+std::optional<std::uint16_t> serverModifiers(std::uint32_t mods) {
+    std::uint16_t modifiers = 0;
+    for (const auto& [binding, server] : kModifierBits) {
+        if ((mods & binding) == 0)
+            continue;
+        mods &= ~binding;
+        modifiers |= server;
+    }
+    return mods == 0 ? std::optional(modifiers) : std::nullopt;
+}
+
+/// The modifiers of the locking keys that a hot key does not look at.
+std::uint16_t ignoredLocks(Connection& connection) {
+    return static_cast<std::uint16_t>(lockModifiers(connection) & ~kAllModifiers);
+}
+
+/// Calls `use` with every combination of the bits of `mask`, none of them included.
+template <class Use>
+void forEachSubset(std::uint16_t mask, Use use) {
+    std::uint16_t subset = 0;
+    do {
+        use(subset);
+        subset = static_cast<std::uint16_t>((subset - mask) & mask);
+    } while (subset != 0);
+}
+
+} // namespace
+
+class X11HotKeys::Claim : public Subscription {
+public:
+    Claim(std::shared_ptr<X11HotKeys*> hotKeys, std::size_t serial)
+        : m_hotKeys(std::move(hotKeys)), m_serial(serial) {}
+    ~Claim() override {
+        if (*m_hotKeys)
+            (*m_hotKeys)->releaseClaim(m_serial);
+    }
+
+private:
+    std::shared_ptr<X11HotKeys*> m_hotKeys;
+    std::size_t m_serial;
+};
+
+X11HotKeys::X11HotKeys(Connection& connection)
+    : m_connection(connection), m_locks(ignoredLocks(connection)),
+      m_self(std::make_shared<X11HotKeys*>(this)),
+      m_events(connection.onEvent([this](const Connection::Event& event) { handle(event); })) {}
+
+X11HotKeys::~X11HotKeys() {
+    *m_self = nullptr;
+    for (const Grab& grab : m_grabs)
+        release(grab);
+    m_connection.flush();
+}
+
+SubscriptionPtr X11HotKeys::installHandler(std::function<void(std::uint32_t id)> pressed) {
+    return m_handlers.add(std::move(pressed));
+}
+
+std::vector<SubscriptionPtr> X11HotKeys::registerHotKeys(std::span<const HotKeyRequest> requests) {
+    const std::size_t heldBefore = m_grabs.size();
+    std::vector<std::optional<std::size_t>> serials;
+    for (const HotKeyRequest& request : requests) {
+        const auto wanted = combination(request);
+        serials.push_back(std::nullopt);
+        if (!wanted || holds(*wanted))
+            continue;
+        serials.back() = m_nextSerial;
+        m_grabs.push_back({m_nextSerial++, *wanted, request.hotKey.id});
+    }
+    acquire(heldBefore);
+
+    std::vector<SubscriptionPtr> claims;
+    for (const auto& serial : serials)
+        claims.push_back(serial && holds(*serial) ? std::make_unique<Claim>(m_self, *serial) : nullptr);
+    return claims;
+}
+
+std::optional<X11HotKeys::Combination> X11HotKeys::combination(const HotKeyRequest& request) {
+    const auto keycode = keycodeOf(request.keyCode);
+    const auto modifiers = serverModifiers(request.mods);
+    if (!keycode || !modifiers)
+        return std::nullopt;
+    return Combination{*keycode, *modifiers};
+}
+
+bool X11HotKeys::holds(const Combination& combination) const {
+    return std::ranges::find(m_grabs, combination, &Grab::combination) != m_grabs.end();
+}
+
+bool X11HotKeys::holds(std::size_t serial) const {
+    return std::ranges::find(m_grabs, serial, &Grab::serial) != m_grabs.end();
+}
+
+/// Grabs all from position `first` on and forgets those that are refused. Everything is sent before the
+/// first answer is waited for.
+void X11HotKeys::acquire(std::size_t first) {
+    const std::span<const Grab> wanted = std::span(m_grabs).subspan(first);
+    std::vector<xcb_void_cookie_t> cookies;
+    for (const Grab& grab : wanted)
+        send(grab, cookies);
+
+    std::vector<Grab> held(m_grabs.begin(), m_grabs.begin() + static_cast<std::ptrdiff_t>(first));
+    auto cookie = cookies.begin();
+    for (const Grab& grab : wanted) {
+        bool granted = true;
+        forEachSubset(m_locks, [&](std::uint16_t) { granted &= m_connection.succeeds(*cookie++); });
+        if (granted)
+            held.push_back(grab);
+        else
+            release(grab);
+    }
+    m_grabs = std::move(held);
+}
+
+void X11HotKeys::send(const Grab& grab, std::vector<xcb_void_cookie_t>& cookies) {
+    forEachSubset(m_locks, [&](std::uint16_t locks) {
+        const auto modifiers = static_cast<std::uint16_t>(grab.combination.modifiers | locks);
+        cookies.push_back(xcb_grab_key_checked(m_connection.xcb(), 0, m_connection.root(), modifiers,
+                                               grab.combination.keycode, XCB_GRAB_MODE_ASYNC,
+                                               XCB_GRAB_MODE_ASYNC));
+    });
+}
+
+void X11HotKeys::release(const Grab& grab) {
+    forEachSubset(m_locks, [&](std::uint16_t locks) {
+        xcb_ungrab_key(m_connection.xcb(), grab.combination.keycode, m_connection.root(),
+                       static_cast<std::uint16_t>(grab.combination.modifiers | locks));
+    });
+}
+
+void X11HotKeys::releaseClaim(std::size_t serial) {
+    const auto grab = std::ranges::find(m_grabs, serial, &Grab::serial);
+    if (grab == m_grabs.end())
+        return;
+    release(*grab);
+    m_connection.flush();
+    m_grabs.erase(grab);
+}
+
+void X11HotKeys::handle(const Connection::Event& event) {
+    // Events that another client has made up carry a further bit and are nobody's key presses.
+    switch (event.response_type) {
+    case XCB_KEY_PRESS:
+        return handlePress(reinterpret_cast<const xcb_key_press_event_t&>(event));
+    case XCB_KEY_RELEASE: {
+        const auto& release = reinterpret_cast<const xcb_key_release_event_t&>(event);
+        m_lastRelease = {release.detail, release.time};
+        return;
+    }
+    case XCB_MAPPING_NOTIFY:
+        if (reinterpret_cast<const xcb_mapping_notify_event_t&>(event).request != XCB_MAPPING_POINTER)
+            handleMappingChange();
+        return;
+    default:
+        return;
+    }
+}
+
+/// The server repeats a held key as a release and a press at the same moment, which no finger does.
+void X11HotKeys::handlePress(const xcb_key_press_event_t& press) {
+    if (KeyMoment{press.detail, press.time} == m_lastRelease)
+        return;
+    const Combination pressed{press.detail, static_cast<std::uint16_t>(press.state & kAllModifiers)};
+    const auto grab = std::ranges::find(m_grabs, pressed, &Grab::combination);
+    if (grab != m_grabs.end())
+        m_handlers.call(grab->id);
+}
+
+/// Grabs hold physical keys, which no mapping moves; but the locking keys may stand for other modifiers now.
+void X11HotKeys::handleMappingChange() {
+    const std::uint16_t locks = ignoredLocks(m_connection);
+    if (locks == m_locks)
+        return;
+    for (const Grab& grab : m_grabs)
+        release(grab);
+    m_locks = locks;
+    acquire(0);
+}
+
+} // namespace tessarel::x11
