@@ -1,0 +1,222 @@
+#include "support/x11/observer.h"
+
+#include <algorithm>
+#include <poll.h>
+
+namespace tessarel::x11test {
+
+namespace {
+
+/// For what no event tells (another process' end, a grab): how long until the condition is looked at again.
+constexpr std::chrono::milliseconds kLookAgain{10};
+constexpr std::chrono::milliseconds kAskAgain{500};
+
+constexpr std::uint32_t kSourcePager = 2;
+constexpr std::uint32_t kNorthWest = 1;
+constexpr std::uint32_t kAllFour = 0b1111U << 8U;
+
+} // namespace
+
+Observer::Observer(const std::string& display) : m_x(display), m_barrier(xcb_generate_id(m_x.get())) {
+    xcb_create_window(m_x.get(), XCB_COPY_FROM_PARENT, m_barrier, root(), 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+    watch(m_barrier);
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_x.get(), root(), XCB_CW_EVENT_MASK, &mask);
+    m_x.roundTrip();
+}
+
+void Observer::watch(xcb_window_t window) {
+    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(m_x.get(), window, XCB_CW_EVENT_MASK, &mask);
+    xcb_flush(m_x.get());
+}
+
+bool Observer::waitUntil(const std::function<bool()>& holds, const Deadline& deadline) {
+    while (!holds()) {
+        if (deadline.passed() || xcb_connection_has_error(m_x.get()) != 0)
+            return false;
+        drainEvents(deadline);
+    }
+    return true;
+}
+
+void Observer::drainEvents(const Deadline& deadline) {
+    xcb_flush(m_x.get());
+    auto event = own(xcb_poll_for_event(m_x.get()));
+    if (!event) {
+        pollfd poll{.fd = xcb_get_file_descriptor(m_x.get()), .events = POLLIN, .revents = 0};
+        ::poll(&poll, 1, deadline.remaining(kLookAgain));
+        event = own(xcb_poll_for_event(m_x.get()));
+    }
+    for (; event; event = own(xcb_poll_for_queued_event(m_x.get())))
+        m_barrierAnswered = m_barrierAnswered || isBarrierAnswer(*event);
+}
+
+bool Observer::isBarrierAnswer(const xcb_generic_event_t& event) const {
+    if ((event.response_type & 0x7f) != XCB_CONFIGURE_NOTIFY)
+        return false;
+    const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+    return configure.window == m_barrier && configure.x == m_barrierX;
+}
+
+bool Observer::settle(const Deadline& deadline) {
+    // A window manager must pass on the move of a window that is not mapped, and it does so after all that
+    // came before. One that has only just started may lose the first.
+    while (!deadline.passed()) {
+        m_barrierX = static_cast<std::int16_t>(m_barrierX > -1000 ? m_barrierX - 1 : -1);
+        m_barrierAnswered = false;
+        const std::uint32_t x = static_cast<std::uint32_t>(std::int32_t{m_barrierX});
+        xcb_configure_window(m_x.get(), m_barrier, XCB_CONFIG_WINDOW_X, &x);
+        const Deadline beforeNext(std::chrono::milliseconds(deadline.remaining(kAskAgain)));
+        if (waitUntil([this] { return m_barrierAnswered; }, beforeNext))
+            return true;
+    }
+    return false;
+}
+
+std::optional<Frame> Observer::clientFrame(xcb_window_t window) {
+    const auto geometryCookie = xcb_get_geometry(m_x.get(), window);
+    const auto originCookie = xcb_translate_coordinates(m_x.get(), window, root(), 0, 0);
+    const auto geometry = own(xcb_get_geometry_reply(m_x.get(), geometryCookie, nullptr));
+    const auto origin = own(xcb_translate_coordinates_reply(m_x.get(), originCookie, nullptr));
+    if (!geometry || !origin)
+        return std::nullopt;
+    return Frame{origin->dst_x, origin->dst_y, geometry->width, geometry->height};
+}
+
+std::optional<Extents> Observer::extents(xcb_window_t window, std::string_view property) {
+    const std::vector<std::uint32_t> found = values(window, property);
+    if (found.size() != 4)
+        return std::nullopt;
+    const auto pixels = [&found](std::size_t index) { return static_cast<int>(found[index]); };
+    return Extents{pixels(0), pixels(1), pixels(2), pixels(3)};
+}
+
+std::optional<Frame> Observer::outerFrame(xcb_window_t window) {
+    const std::optional<Frame> client = clientFrame(window);
+    if (!client)
+        return std::nullopt;
+    const Extents frame = extents(window, "_NET_FRAME_EXTENTS").value_or(Extents{});
+    const Extents shadow = extents(window, "_GTK_FRAME_EXTENTS").value_or(Extents{});
+    const Extents border{frame.left - shadow.left, frame.right - shadow.right, frame.top - shadow.top,
+                         frame.bottom - shadow.bottom};
+    return Frame{client->x - border.left, client->y - border.top, client->width + border.left + border.right,
+                 client->height + border.top + border.bottom};
+}
+
+Owned<xcb_get_property_reply_t> Observer::property(xcb_window_t window, std::string_view name,
+                                                   std::uint32_t maximum) {
+    const auto cookie =
+        xcb_get_property(m_x.get(), 0, window, m_x.atom(name), XCB_GET_PROPERTY_TYPE_ANY, 0, maximum);
+    return own(xcb_get_property_reply(m_x.get(), cookie, nullptr));
+}
+
+std::vector<std::uint32_t> Observer::values(xcb_window_t window, std::string_view name) {
+    const auto reply = property(window, name, 4096);
+    if (!reply || reply->format != 32)
+        return {};
+    const auto* first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
+    return {first, first + reply->value_len};
+}
+
+std::string Observer::text(xcb_window_t window, std::string_view name) {
+    const auto reply = property(window, name, 4096);
+    if (!reply || reply->format != 8)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};
+}
+
+xcb_window_t Observer::activeWindow() {
+    const std::vector<std::uint32_t> found = values(root(), "_NET_ACTIVE_WINDOW");
+    return found.empty() ? XCB_WINDOW_NONE : found.front();
+}
+
+std::vector<xcb_window_t> Observer::clients() {
+    return values(root(), "_NET_CLIENT_LIST");
+}
+
+bool Observer::managed(xcb_window_t window) {
+    const std::vector<xcb_window_t> all = clients();
+    return std::find(all.begin(), all.end(), window) != all.end();
+}
+
+std::set<std::string> Observer::states(xcb_window_t window) {
+    std::set<std::string> names;
+    for (const xcb_atom_t state : values(window, "_NET_WM_STATE"))
+        names.insert(m_x.atomName(state));
+    return names;
+}
+
+bool Observer::hasState(xcb_window_t window, std::string_view state) {
+    const std::vector<std::uint32_t> all = values(window, "_NET_WM_STATE");
+    return std::find(all.begin(), all.end(), m_x.atom(state)) != all.end();
+}
+
+std::optional<Frame> Observer::workArea() {
+    const std::vector<std::uint32_t> areas = values(root(), "_NET_WORKAREA");
+    const std::vector<std::uint32_t> desktop = values(root(), "_NET_CURRENT_DESKTOP");
+    const std::size_t first = desktop.empty() ? 0 : 4 * std::size_t{desktop.front()};
+    if (areas.size() < first + 4)
+        return std::nullopt;
+    const auto pixels = [&areas, first](std::size_t index) { return static_cast<int>(areas[first + index]); };
+    return Frame{pixels(0), pixels(1), pixels(2), pixels(3)};
+}
+
+bool Observer::supports(std::string_view hint) {
+    const std::vector<std::uint32_t> all = values(root(), "_NET_SUPPORTED");
+    return std::find(all.begin(), all.end(), m_x.atom(hint)) != all.end();
+}
+
+std::string Observer::windowManagerName() {
+    const std::vector<std::uint32_t> check = values(root(), "_NET_SUPPORTING_WM_CHECK");
+    if (check.empty() || values(check.front(), "_NET_SUPPORTING_WM_CHECK") != check)
+        return {};
+    return text(check.front(), "_NET_WM_NAME");
+}
+
+xcb_window_t Observer::selectionOwner(std::string_view selection) {
+    const auto reply = own(xcb_get_selection_owner_reply(
+        m_x.get(), xcb_get_selection_owner(m_x.get(), m_x.atom(selection)), nullptr));
+    return reply ? reply->owner : XCB_WINDOW_NONE;
+}
+
+void Observer::activate(xcb_window_t window) {
+    sendToRoot(window, "_NET_ACTIVE_WINDOW", {kSourcePager, XCB_CURRENT_TIME, 0, 0, 0});
+}
+
+void Observer::changeState(xcb_window_t window, StateChange change, std::string_view first,
+                           std::string_view second) {
+    const xcb_atom_t secondAtom = second.empty() ? XCB_ATOM_NONE : m_x.atom(second);
+    sendToRoot(window, "_NET_WM_STATE",
+               {static_cast<std::uint32_t>(change), m_x.atom(first), secondAtom, kSourcePager, 0});
+}
+
+void Observer::iconify(xcb_window_t window) {
+    constexpr std::uint32_t kIconicState = 3;
+    sendToRoot(window, "WM_CHANGE_STATE", {kIconicState, 0, 0, 0, 0});
+}
+
+void Observer::moveOuterFrame(xcb_window_t window, const Frame& frame) {
+    const Extents border = extents(window, "_NET_FRAME_EXTENTS").value_or(Extents{});
+    const auto value = [](int pixels) { return static_cast<std::uint32_t>(pixels); };
+    sendToRoot(window, "_NET_MOVERESIZE_WINDOW",
+               {kNorthWest | kAllFour | kSourcePager << 12U, value(frame.x), value(frame.y),
+                value(frame.width - border.left - border.right),
+                value(frame.height - border.top - border.bottom)});
+}
+
+void Observer::sendToRoot(xcb_window_t window, std::string_view type, std::array<std::uint32_t, 5> data) {
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = m_x.atom(type);
+    std::copy(data.begin(), data.end(), event.data.data32);
+    xcb_send_event(m_x.get(), 0, root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
+                   reinterpret_cast<const char*>(&event));
+    xcb_flush(m_x.get());
+}
+
+} // namespace tessarel::x11test

@@ -1,0 +1,39 @@
+#include "support/x11/program.h"
+
+#include <csignal>
+#include <fstream>
+
+namespace tessarel::x11test {
+
+namespace {
+
+Environment programEnvironment(const XServer& server) {
+    Environment environment = server.environment();
+    environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
+    return environment;
+}
+
+} // namespace
+
+std::filesystem::path settingsFile(const XServer& server) {
+    return server.configHome() / "tessarel" / "tessarel.settings.v1.json";
+}
+
+void writeSettings(const XServer& server, std::string_view document) {
+    std::filesystem::create_directories(settingsFile(server).parent_path());
+    std::ofstream(settingsFile(server)) << document;
+}
+
+Program::Program(const XServer& server) : m_process({TESSAREL_PROGRAM}, programEnvironment(server)) {}
+
+bool Program::waitUntilReady(Observer& observer, Keyboard& keyboard, const Combination& last) {
+    const bool ready = observer.waitUntil([&] { return !running() || keyboard.held(last); });
+    return ready && running();
+}
+
+std::optional<int> Program::terminate() {
+    m_process.signal(SIGTERM);
+    return m_process.waitForExit();
+}
+
+} // namespace tessarel::x11test

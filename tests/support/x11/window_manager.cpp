@@ -1,0 +1,192 @@
+#include "support/x11/window_manager.h"
+
+#include "support/x11/observer.h"
+
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+
+namespace tessarel::x11test {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Traits {
+    WindowManagerKind kind;
+    std::string_view name;
+    std::vector<std::string> command;
+    bool needsBus;
+};
+
+const std::vector<Traits>& allTraits() {
+    using enum WindowManagerKind;
+    static const std::vector<Traits> traits = {
+        {Openbox, "openbox", {"openbox", "--sm-disable"}, false},
+        {Xfwm4, "xfwm4", {"xfwm4", "--compositor=off"}, true},
+        {Metacity, "metacity", {"metacity", "--sm-disable", "--no-composite"}, true},
+        {Marco, "marco", {"marco", "--sm-disable", "--no-composite"}, true},
+        {Icewm, "icewm", {"icewm"}, false},
+        {Fluxbox, "fluxbox", {"fluxbox"}, false},
+        {Kwin, "kwin", {"kwin_x11"}, true},
+        {Mutter, "mutter", {"mutter", "--x11", "--sm-disable"}, true},
+    };
+    return traits;
+}
+
+const Traits& traitsOf(WindowManagerKind kind) {
+    return allTraits().at(static_cast<std::size_t>(kind));
+}
+
+std::string readFile(const fs::path& path) {
+    std::ifstream file(path);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void writeFile(const fs::path& path, std::string_view text) {
+    fs::create_directories(path.parent_path());
+    std::ofstream(path) << text;
+}
+
+/// The settings of openbox as installed, without its key bindings.
+void dropOpenboxKeys(const XServer& server) {
+    std::string settings = readFile("/etc/xdg/openbox/rc.xml");
+    const std::size_t begin = settings.find("<keyboard>");
+    const std::size_t end = settings.find("</keyboard>");
+    if (begin != std::string::npos && end != std::string::npos)
+        settings.erase(begin, end + std::string_view("</keyboard>").size() - begin);
+    writeFile(server.configHome() / "openbox/rc.xml", settings);
+}
+
+void dropIcewmKeys(const XServer& server) {
+    std::string settings;
+    for (const char* key : {"Last", "Next", "Prev", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10"})
+        for (const char* suffix : {"", "TakeWin"})
+            settings += std::string("KeySysWorkspace") + key + suffix + "=\"\"\n";
+    writeFile(server.home() / ".icewm/preferences", settings);
+    writeFile(server.home() / ".icewm/keys", "");
+}
+
+/// The keys of fluxbox as installed, without those on Ctrl+Alt.
+void dropFluxboxKeys(const XServer& server) {
+    std::ifstream installed("/etc/X11/fluxbox/keys");
+    std::string keys;
+    for (std::string line; std::getline(installed, line);)
+        if (!line.starts_with("Control Mod1") && !line.starts_with("Mod1 Control"))
+            keys += line + "\n";
+    writeFile(server.home() / ".fluxbox/keys", keys);
+    writeFile(server.home() / ".fluxbox/init", "session.keyFile: ~/.fluxbox/keys\n");
+}
+
+/// Settings of the GNOME and MATE window managers, in the file that the key-file store of GSettings reads.
+void dropGSettingsKeys(const XServer& server) {
+    std::string settings = "[org/gnome/desktop/wm/keybindings]\n";
+    for (const char* direction : {"left", "right", "up", "down"})
+        settings += std::string("switch-to-workspace-") + direction + "=@as []\n";
+    settings += "[org/mate/marco/global-keybindings]\n";
+    for (const char* direction : {"left", "right", "up", "down"})
+        settings += std::string("switch-to-workspace-") + direction + "='disabled'\n";
+    writeFile(server.configHome() / "glib-2.0/settings/keyfile", settings);
+}
+
+void dropKeys(const XServer& server, WindowManagerKind kind) {
+    switch (kind) {
+    case WindowManagerKind::Openbox:
+        return dropOpenboxKeys(server);
+    case WindowManagerKind::Icewm:
+        return dropIcewmKeys(server);
+    case WindowManagerKind::Fluxbox:
+        return dropFluxboxKeys(server);
+    case WindowManagerKind::Metacity:
+    case WindowManagerKind::Marco:
+    case WindowManagerKind::Mutter:
+        return dropGSettingsKeys(server);
+    case WindowManagerKind::Xfwm4: // keeps its keys with a daemon that the private bus does not start
+    case WindowManagerKind::Kwin:  // the same
+        return;
+    }
+}
+
+Environment environmentFor(const XServer& server, const SessionBus* bus) {
+    Environment environment = server.environment();
+    environment["GSETTINGS_BACKEND"] = "keyfile";
+    environment["KWIN_COMPOSE"] = "N";
+    environment["QT_QPA_PLATFORM"] = "xcb";
+    environment["DBUS_SESSION_BUS_ADDRESS"] = bus != nullptr ? bus->address() : "disabled:";
+    return environment;
+}
+
+constexpr std::string_view kBusConfiguration = R"(<!DOCTYPE busconfig PUBLIC
+ "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:dir=FOLDER</listen>
+  <auth>EXTERNAL</auth>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+)";
+
+std::vector<std::string> busCommand(const fs::path& folder) {
+    std::string configuration(kBusConfiguration);
+    const std::string_view placeholder = "FOLDER";
+    configuration.replace(configuration.find(placeholder), placeholder.size(), folder.string());
+    writeFile(folder / "bus.conf", configuration);
+    return {"dbus-daemon", "--config-file=" + (folder / "bus.conf").string(), "--nofork",
+            "--print-address=1"};
+}
+
+/// Whether a window that appears now is taken in charge. One that has appeared while a window manager starts
+/// may be overlooked, or managed without being listed.
+bool takesCharge(Observer& observer, const Deadline& deadline) {
+    constexpr std::chrono::milliseconds kOneTry{500};
+    xcb_connection_t* x = observer.x().get();
+    bool listed = false;
+    while (!listed && !deadline.passed()) {
+        const xcb_window_t window = xcb_generate_id(x);
+        xcb_create_window(x, XCB_COPY_FROM_PARENT, window, observer.root(), 0, 0, 200, 100, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_map_window(x, window);
+        listed = observer.waitUntil([&] { return observer.managed(window); }, Deadline(kOneTry));
+        xcb_destroy_window(x, window);
+    }
+    return listed && observer.waitUntil([&] { return observer.clients().empty(); }, deadline) &&
+           observer.settle(deadline);
+}
+
+} // namespace
+
+std::string_view name(WindowManagerKind kind) {
+    return traitsOf(kind).name;
+}
+
+std::ostream& operator<<(std::ostream& stream, WindowManagerKind kind) {
+    return stream << name(kind);
+}
+
+SessionBus::SessionBus(const Environment& environment)
+    : m_process(busCommand(m_folder.path()), environment), m_address(m_process.readLine()) {}
+
+WindowManager::WindowManager(const XServer& server, WindowManagerKind kind, OwnKeys keys) : m_kind(kind) {
+    const Traits& traits = traitsOf(kind);
+    if (keys == OwnKeys::Dropped)
+        dropKeys(server, kind);
+    if (traits.needsBus)
+        m_bus = std::make_unique<SessionBus>(server.environment());
+    m_process = std::make_unique<ChildProcess>(traits.command, environmentFor(server, m_bus.get()));
+
+    const Deadline deadline;
+    Observer observer(server.display());
+    const auto announced = [&] {
+        return !m_process->running() ||
+               (!observer.windowManagerName().empty() && observer.supports("_NET_MOVERESIZE_WINDOW"));
+    };
+    if (!observer.waitUntil(announced, deadline) || !m_process->running() || !takesCharge(observer, deadline))
+        throw std::runtime_error(std::string(traits.name) + " does not start\n" + m_process->errors());
+}
+
+} // namespace tessarel::x11test

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "support/x11/x_server.h"
+
+#include <array>
+#include <memory>
+#include <ostream>
+#include <string_view>
+
+namespace tessarel::x11test {
+
+enum class WindowManagerKind { Openbox, Xfwm4, Metacity, Marco, Icewm, Fluxbox, Kwin, Mutter };
+
+inline constexpr std::array kAllWindowManagers = {
+    WindowManagerKind::Openbox, WindowManagerKind::Xfwm4,  WindowManagerKind::Metacity,
+    WindowManagerKind::Marco,   WindowManagerKind::Icewm,  WindowManagerKind::Fluxbox,
+    WindowManagerKind::Kwin,    WindowManagerKind::Mutter,
+};
+
+[[nodiscard]] std::string_view name(WindowManagerKind kind);
+std::ostream& operator<<(std::ostream& stream, WindowManagerKind kind);
+
+/// Whether a window manager keeps the key combinations that it comes with.
+enum class OwnKeys { Kept, Dropped };
+
+/// A session bus of its own on which nothing can be started.
+class SessionBus {
+public:
+    explicit SessionBus(const Environment& environment);
+
+    [[nodiscard]] const std::string& address() const { return m_address; }
+
+private:
+    TemporaryFolder m_folder;
+    ChildProcess m_process;
+    std::string m_address;
+};
+
+/// A window manager with the configuration that it comes with, without compositing; started, and ready.
+class WindowManager {
+public:
+    /// Throws std::runtime_error when it does not come up.
+    WindowManager(const XServer& server, WindowManagerKind kind, OwnKeys keys = OwnKeys::Dropped);
+
+    [[nodiscard]] WindowManagerKind kind() const { return m_kind; }
+    [[nodiscard]] ChildProcess& process() { return *m_process; }
+
+private:
+    WindowManagerKind m_kind;
+    std::unique_ptr<SessionBus> m_bus; // outlives the window manager
+    std::unique_ptr<ChildProcess> m_process;
+};
+
+} // namespace tessarel::x11test

@@ -1,0 +1,75 @@
+#include "support/x11/window_manager.h"
+
+#include "support/x11/keyboard.h"
+#include "support/x11/observer.h"
+#include "support/x11/test_client.h"
+
+#include <gtest/gtest.h>
+
+namespace tessarel::x11test {
+namespace {
+
+class WindowManagerTest : public testing::TestWithParam<WindowManagerKind> {
+protected:
+    xcb_window_t openAndWait(const WindowOptions& options = {}) {
+        const xcb_window_t window = client.open(options);
+        EXPECT_TRUE(observer.waitUntil([&] { return observer.managed(window); }));
+        EXPECT_TRUE(observer.settle());
+        return window;
+    }
+
+    XServer server;
+    WindowManager manager{server, GetParam()};
+    Observer observer{server.display()};
+    Keyboard keyboard{server, observer};
+    TestClient client{server};
+};
+
+TEST_P(WindowManagerTest, StartsAndCanMoveWindows) {
+    EXPECT_FALSE(observer.windowManagerName().empty());
+    EXPECT_TRUE(observer.supports("_NET_MOVERESIZE_WINDOW"));
+    EXPECT_TRUE(manager.process().running());
+}
+
+TEST_P(WindowManagerTest, OuterFrameIsTheOneAskedForByHand) {
+    const xcb_window_t window = openAndWait();
+    const Frame wanted{211, 133, 640, 480};
+
+    observer.moveOuterFrame(window, wanted);
+
+    ASSERT_TRUE(observer.settle());
+    EXPECT_EQ(observer.outerFrame(window), wanted);
+    EXPECT_GT(observer.clientFrame(window)->y, wanted.y) << "no title bar";
+}
+
+TEST_P(WindowManagerTest, ActivatesTheWindowAskedFor) {
+    const xcb_window_t first = openAndWait();
+    const xcb_window_t second = openAndWait();
+
+    for (const xcb_window_t window : {first, second, first}) {
+        observer.activate(window);
+        EXPECT_TRUE(observer.waitUntil([&] { return observer.activeWindow() == window; }));
+    }
+}
+
+TEST_P(WindowManagerTest, LeavesTheDefaultHotKeysFree) {
+    for (xcb_keycode_t digit = key::kDigit1; digit < key::kDigit1 + 9; ++digit)
+        EXPECT_FALSE(keyboard.held({digit, kControlAlt})) << int{digit};
+    for (const xcb_keycode_t named :
+         {key::kLeft, key::kRight, key::kUp, key::kDown, key::kReturn, key::kC, key::kBackspace, key::kA})
+        EXPECT_FALSE(keyboard.held({named, kControlAlt})) << int{named};
+}
+
+TEST_P(WindowManagerTest, LetsPressesOfAGrabbedCombinationThrough) {
+    ASSERT_TRUE(client.grabKey({key::kReturn, kControlAlt}));
+
+    keyboard.press({key::kReturn, kControlAlt});
+
+    EXPECT_EQ(client.keyPresses(), 1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, WindowManagerTest, testing::ValuesIn(kAllWindowManagers),
+                         [](const auto& info) { return std::string(name(info.param)); });
+
+} // namespace
+} // namespace tessarel::x11test
