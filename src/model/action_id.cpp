@@ -18,7 +18,9 @@ struct Entry {
 constexpr std::int64_t kCtrlOpt = kCtrlKey + kOptKey;
 constexpr std::int64_t kCtrlOptCmd = kCtrlKey + kOptKey + kCmdKey;
 
-constexpr auto z = Presets::z;
+constexpr Zone z(double x, double y, double w, double h) {
+    return Presets::z(x, y, w, h);
+}
 
 constexpr std::array<Entry, 19> kEntries{{
     {ActionID::zone1, "zone1", "Snap to Zone 1", {}, {18, kCtrlOpt}},

@@ -19,7 +19,9 @@ struct Preset {
     std::array<Zone, kMostZones> zones;
 };
 
-constexpr auto z = Presets::z;
+constexpr Zone z(double x, double y, double w, double h) {
+    return Presets::z(x, y, w, h);
+}
 
 constexpr std::array<Preset, 9> kPresets{{
     {"3 top + 2 bottom",
