@@ -63,6 +63,11 @@ WindowId SimDesktop::openWindow(ProcessId pid, const SimWindow& window) {
     return id;
 }
 
+WindowId SimDesktop::openOwnWindow(const Rect& axFrame) {
+    m_state.applications.try_emplace(SimState::kOwnPid);
+    return openWindow(SimState::kOwnPid, {.axFrame = axFrame});
+}
+
 SimWindow& SimDesktop::window(WindowId id) {
     SimWindow* window = m_state.window(id);
     if (!window)

@@ -60,6 +60,8 @@ public:
     /// the focus.
     WindowId openWindow(const std::string& bundleIdentifier, const Rect& axFrame);
     WindowId openWindow(ProcessId pid, const SimWindow& window);
+    /// Opens a window of the program under test and gives it the focus.
+    WindowId openOwnWindow(const Rect& axFrame);
     SimWindow& window(WindowId id);
     /// The program that the window belongs to.
     SimApplication& applicationOf(WindowId id) { return application(window(id).pid); }
