@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/ax.h"
 #include "engine/geo.h"
 #include "model/presets.h"
 #include "model/store.h"
@@ -37,6 +38,7 @@ protected:
     Store store{desktop.preferences()};
     AppSettings& settings = store.settings;
     Geo geo{desktop.displays(), store};
+    AX ax{desktop.accessibility(), desktop.workspace()};
 };
 
 } // namespace tessarel

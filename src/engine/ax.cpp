@@ -1,0 +1,129 @@
+#include "engine/ax.h"
+
+#include <algorithm>
+#include <utility>
+#include <variant>
+
+namespace tessarel {
+
+namespace {
+
+/// How far a window may stick out of its bounds before it is pulled back.
+constexpr double kOverflowTolerance = 1;
+
+template <typename Value>
+std::optional<Value> as(std::optional<AttributeValue> value) {
+    auto* typed = value ? std::get_if<Value>(&*value) : nullptr;
+    return typed ? std::optional(std::move(*typed)) : std::nullopt;
+}
+
+} // namespace
+
+AX::AX(AccessibilityPort& accessibility, WorkspacePort& workspace)
+    : m_accessibility(accessibility), m_workspace(workspace) {}
+
+std::optional<AttributeValue> AX::copy(const Element& element, std::string_view attribute) const {
+    return m_accessibility.copyAttribute(element, attribute);
+}
+
+std::optional<Element> AX::element(const Element& element, std::string_view attribute) const {
+    return as<Element>(copy(element, attribute));
+}
+
+std::optional<Point> AX::point(const Element& element, std::string_view attribute) const {
+    return as<Point>(copy(element, attribute));
+}
+
+std::optional<Size> AX::size(const Element& element, std::string_view attribute) const {
+    return as<Size>(copy(element, attribute));
+}
+
+std::optional<std::string> AX::string(const Element& element, std::string_view attribute) const {
+    return as<std::string>(copy(element, attribute));
+}
+
+std::optional<bool> AX::boolean(const Element& element, std::string_view attribute) const {
+    const auto value = copy(element, attribute);
+    if (!value)
+        return {};
+    if (const auto* number = std::get_if<double>(&*value))
+        return *number != 0;
+    const auto* truth = std::get_if<bool>(&*value);
+    return truth ? std::optional(*truth) : std::nullopt;
+}
+
+std::optional<Rect> AX::frame(const Element& window) const {
+    const auto position = point(window, attribute::kPosition);
+    if (!position)
+        return {};
+    const auto extent = size(window, attribute::kSize);
+    if (!extent)
+        return {};
+    return Rect{position->x, position->y, extent->width, extent->height};
+}
+
+std::vector<Element> AX::windows(ProcessId pid) const {
+    const Element application = m_accessibility.application(pid);
+    return as<std::vector<Element>>(copy(application, attribute::kWindows)).value_or(std::vector<Element>{});
+}
+
+std::optional<FocusedWindow> AX::focusedWindow() const {
+    auto app = m_workspace.frontmostApplication();
+    if (!app || app->processIdentifier == m_workspace.ownProcessIdentifier())
+        return {};
+    const Element application = m_accessibility.application(app->processIdentifier);
+    auto window = element(application, attribute::kFocusedWindow);
+    if (!window)
+        return {};
+    return FocusedWindow{std::move(*window), std::move(*app)};
+}
+
+bool AX::isUsable(const Element& window) const {
+    const auto role = string(window, attribute::kRole);
+    if (role && *role != "AXWindow")
+        return false;
+    if (boolean(window, attribute::kMinimized).value_or(false))
+        return false;
+    return !boolean(window, attribute::kFullScreen).value_or(false);
+}
+
+std::uintptr_t AX::key(const Element& element) const {
+    return m_accessibility.key(element);
+}
+
+void AX::setFrame(const Element& window, ProcessId pid, const Rect& axFrame,
+                  const std::optional<Rect>& bounds) {
+    withEnhancedUIOff(pid, [&] {
+        if (!m_accessibility.canExpress(axFrame))
+            return;
+        writeFrame(window, axFrame);
+        if (bounds)
+            pullInto(*bounds, window);
+    });
+}
+
+void AX::writeFrame(const Element& window, const Rect& axFrame) {
+    // The first size makes room for the move, which may depend on it; the second makes up for what the place
+    // before the move did not allow.
+    m_accessibility.setAttribute(window, attribute::kSize, axFrame.size());
+    m_accessibility.setAttribute(window, attribute::kPosition, axFrame.origin());
+    m_accessibility.setAttribute(window, attribute::kSize, axFrame.size());
+}
+
+void AX::pullInto(const Rect& bounds, const Element& window) {
+    const auto axFrame = frame(window);
+    if (!axFrame)
+        return;
+    const bool overflowsRight = axFrame->maxX() > bounds.maxX() + kOverflowTolerance;
+    const bool overflowsBottom = axFrame->maxY() > bounds.maxY() + kOverflowTolerance;
+    if (!overflowsRight && !overflowsBottom)
+        return;
+    Point corrected = axFrame->origin();
+    if (overflowsRight)
+        corrected.x = std::max(bounds.minX(), bounds.maxX() - axFrame->absWidth());
+    if (overflowsBottom)
+        corrected.y = std::max(bounds.minY(), bounds.maxY() - axFrame->absHeight());
+    m_accessibility.setAttribute(window, attribute::kPosition, corrected);
+}
+
+} // namespace tessarel

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "ports/accessibility_port.h"
+#include "ports/process_id.h"
+
+namespace tessarel {
+
+/// A window of another program, and the process that it belongs to.
+struct FoundWindow {
+    Element element;
+    ProcessId pid = 0;
+};
+
+} // namespace tessarel
