@@ -2,6 +2,7 @@
 
 #include "engine/ax.h"
 #include "engine/geo.h"
+#include "engine/window_engine.h"
 #include "model/presets.h"
 #include "model/store.h"
 #include "platform/sim/sim_desktop.h"
@@ -39,6 +40,7 @@ protected:
     AppSettings& settings = store.settings;
     Geo geo{desktop.displays(), store};
     AX ax{desktop.accessibility(), desktop.workspace()};
+    WindowEngine engine{ax, geo, desktop.displays(), desktop.alertSound(), store};
 };
 
 } // namespace tessarel

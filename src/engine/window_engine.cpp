@@ -1,0 +1,169 @@
+#include "engine/window_engine.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace tessarel {
+
+namespace {
+
+/// `value` between 0 and 1.
+double share(double value) {
+    return std::clamp(value, 0.0, 1.0);
+}
+
+/// The frame that stands in `to` as `axFrame` stands in `from`, whole points.
+Rect transferred(const Rect& axFrame, const Rect& from, const Rect& to) {
+    const double x = share((axFrame.minX() - from.minX()) / from.absWidth());
+    const double y = share((axFrame.minY() - from.minY()) / from.absHeight());
+    const double width = std::min(axFrame.absWidth() / from.absWidth(), 1.0);
+    const double height = std::min(axFrame.absHeight() / from.absHeight(), 1.0);
+    return {std::round(to.minX() + x * to.absWidth()), std::round(to.minY() + y * to.absHeight()),
+            std::round(width * to.absWidth()), std::round(height * to.absHeight())};
+}
+
+/// The position `offset` after `index` in a ring of `count`.
+std::size_t stepped(std::size_t index, int offset, std::size_t count) {
+    const auto size = static_cast<std::ptrdiff_t>(count);
+    const auto step = (static_cast<std::ptrdiff_t>(index) + offset) % size;
+    return static_cast<std::size_t>((step + size) % size);
+}
+
+} // namespace
+
+struct WindowEngine::Target {
+    Element window;
+    RunningApplication app;
+    Rect axFrame;
+};
+
+WindowEngine::WindowEngine(AX& ax, Geo& geo, DisplaysPort& displays, AlertSoundPort& alertSound, Store& store)
+    : m_ax(ax), m_geo(geo), m_displays(displays), m_alertSound(alertSound), m_store(store) {}
+
+WindowEngine::WindowKey WindowEngine::key(const Element& window) const {
+    return m_ax.key(window);
+}
+
+bool WindowEngine::approx(const Rect& a, const Rect& b, double tolerance) {
+    const auto near = [&](double first, double second) { return std::abs(first - second) <= tolerance; };
+    return near(a.minX(), b.minX()) && near(a.minY(), b.minY()) && near(a.absWidth(), b.absWidth()) &&
+           near(a.absHeight(), b.absHeight());
+}
+
+bool WindowEngine::isIgnored(const std::optional<RunningApplication>& app) const {
+    if (!app || !app->bundleIdentifier)
+        return false;
+    const auto& ignored = m_store.settings.ignoredApps;
+    return std::find(ignored.begin(), ignored.end(), *app->bundleIdentifier) != ignored.end();
+}
+
+void WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFrame,
+                         const std::optional<Rect>& bounds, const std::optional<Rect>& previous) {
+    const WindowKey windowKey = key(window);
+    if (const auto current = previous ? previous : m_ax.frame(window)) {
+        const auto last = m_lastSnapped.find(windowKey);
+        const bool inChain = last != m_lastSnapped.end() && approx(*current, last->second);
+        if (!inChain)
+            m_original[windowKey] = *current;
+    }
+    m_ax.setFrame(window, pid, axFrame, bounds);
+    m_lastSnapped[windowKey] = m_ax.frame(window).value_or(axFrame);
+}
+
+void WindowEngine::remember(const std::optional<std::string>& bundleID, std::size_t zoneIndex) {
+    auto& settings = m_store.settings;
+    if (!settings.rememberApps || !bundleID)
+        return;
+    const auto number = static_cast<std::int64_t>(zoneIndex);
+    const auto known = settings.appZones.find(*bundleID);
+    if (known != settings.appZones.end() && known->second == number)
+        return;
+    settings.appZones[*bundleID] = number;
+    m_store.save();
+}
+
+void WindowEngine::snapFocused(const Zone& zone, std::optional<std::size_t> index) {
+    const auto focused = target();
+    if (!focused)
+        return;
+    const auto screen = m_geo.screen(focused->axFrame);
+    if (!screen)
+        return;
+    const Rect visible = m_geo.axVisible(*screen);
+    place(focused->window, focused->app.processIdentifier, m_geo.zoneFrame(zone, visible), visible, {});
+    if (index)
+        remember(focused->app.bundleIdentifier, *index);
+}
+
+void WindowEngine::centerFocused() {
+    const auto focused = target();
+    if (!focused)
+        return;
+    const auto screen = m_geo.screen(focused->axFrame);
+    if (!screen)
+        return;
+    const Rect visible = m_geo.axVisible(*screen);
+    const double width = std::min(focused->axFrame.absWidth(), visible.absWidth());
+    const double height = std::min(focused->axFrame.absHeight(), visible.absHeight());
+    const Rect centred{std::round(visible.midX() - width * 0.5), std::round(visible.midY() - height * 0.5),
+                       width, height};
+    place(focused->window, focused->app.processIdentifier, centred, visible, {});
+}
+
+void WindowEngine::restoreFocused() {
+    const auto focused = usableFocusedWindow();
+    if (!focused)
+        return;
+    const WindowKey windowKey = key(focused->window);
+    const auto original = m_original.find(windowKey);
+    if (original == m_original.end()) {
+        m_alertSound.beep();
+        return;
+    }
+    m_ax.setFrame(focused->window, focused->app.processIdentifier, original->second, {});
+    m_original.erase(original);
+    m_lastSnapped.erase(windowKey);
+}
+
+void WindowEngine::moveFocusedToDisplay(int offset) {
+    const auto focused = target();
+    if (!focused)
+        return;
+    std::vector<Screen> screens = m_displays.screens();
+    std::stable_sort(screens.begin(), screens.end(),
+                     [](const Screen& a, const Screen& b) { return a.frame.minX() < b.frame.minX(); });
+    const auto own = screens.size() < 2 ? std::nullopt : m_geo.screen(focused->axFrame);
+    const auto position = std::find_if(screens.begin(), screens.end(),
+                                       [&](const Screen& screen) { return own && screen.id == own->id; });
+    if (position == screens.end()) {
+        m_alertSound.beep();
+        return;
+    }
+    const auto index = static_cast<std::size_t>(position - screens.begin());
+    const Rect from = m_geo.axVisible(*own);
+    const Rect to = m_geo.axVisible(screens[stepped(index, offset, screens.size())]);
+    place(focused->window, focused->app.processIdentifier, transferred(focused->axFrame, from, to), to, {});
+}
+
+/// The focused window, if the user wants its program's windows moved and it can be.
+std::optional<FocusedWindow> WindowEngine::usableFocusedWindow() const {
+    auto focused = m_ax.focusedWindow();
+    if (!focused || isIgnored(focused->app) || !m_ax.isUsable(focused->window))
+        return {};
+    return focused;
+}
+
+std::optional<WindowEngine::Target> WindowEngine::target() const {
+    auto focused = usableFocusedWindow();
+    if (!focused)
+        return {};
+    const auto axFrame = m_ax.frame(focused->window);
+    if (!axFrame)
+        return {};
+    return Target{std::move(focused->window), std::move(focused->app), *axFrame};
+}
+
+} // namespace tessarel

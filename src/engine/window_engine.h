@@ -1,0 +1,86 @@
+#pragma once
+
+#include "engine/ax.h"
+#include "engine/geo.h"
+#include "model/store.h"
+#include "model/zone.h"
+#include "ports/alert_sound_port.h"
+#include "ports/displays_port.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+namespace tessarel {
+
+/// Moves windows, and remembers where they were. Rectangles are in accessibility coordinates.
+///
+/// The actions on the focused window end silently when there is none, its program is this one or one of the
+/// ignored ones, or the window cannot be moved or read. The alert sound is heard only where stated.
+class WindowEngine {
+public:
+    using WindowKey = std::uintptr_t;
+
+    /// By how much two frames may differ and still be taken for the same one.
+    static constexpr double kTolerance = 3;
+
+    WindowEngine(AX& ax, Geo& geo, DisplaysPort& displays, AlertSoundPort& alertSound, Store& store);
+
+    /// What the memory knows the window by. Equal elements have equal keys.
+    [[nodiscard]] WindowKey key(const Element& window) const;
+
+    /// Whether left edge, top edge, width and height each differ by at most `tolerance`.
+    [[nodiscard]] static bool approx(const Rect& a, const Rect& b, double tolerance = kTolerance);
+
+    /// Whether the user wants the program's windows left alone.
+    [[nodiscard]] bool isIgnored(const std::optional<RunningApplication>& app) const;
+
+    /// The one way in which windows are moved, but for `restoreFocused`.
+    ///
+    /// Puts the window of process `pid` at `axFrame`, within `bounds` when given (see `AX::setFrame`).
+    /// Remembers for restoring the frame it had before, which is `previous` when given: not when the window
+    /// still stands where it was last put, so that a chain of placements leads back to its beginning. Tests
+    /// nothing about the window or its program.
+    void place(const Element& window, ProcessId pid, const Rect& axFrame, const std::optional<Rect>& bounds,
+               const std::optional<Rect>& previous);
+
+    /// Records zone number `zoneIndex`, from 0, as the program's own and saves the settings, when zones are
+    /// remembered at all and this is news.
+    void remember(const std::optional<std::string>& bundleID, std::size_t zoneIndex);
+
+    /// Puts the focused window into `zone` of its screen, and remembers its program for zone number `index`
+    /// when there is one.
+    void snapFocused(const Zone& zone, std::optional<std::size_t> index);
+
+    /// Puts the focused window into the middle of its screen, no larger than the visible area.
+    void centerFocused();
+
+    /// Puts the focused window back to where it was before the last chain of placements, once. Nothing
+    /// remembered: alert sound.
+    void restoreFocused();
+
+    /// Moves the focused window to the display that comes `offset` after its own from left to right, round
+    /// about, keeping its relative place and size. Fewer than two displays, or its own not among them: alert
+    /// sound.
+    void moveFocusedToDisplay(int offset);
+
+private:
+    struct Target;
+
+    [[nodiscard]] std::optional<FocusedWindow> usableFocusedWindow() const;
+    [[nodiscard]] std::optional<Target> target() const;
+
+    AX& m_ax;
+    Geo& m_geo;
+    DisplaysPort& m_displays;
+    AlertSoundPort& m_alertSound;
+    Store& m_store;
+    /// The frame that a window had before the first of a chain of placements.
+    std::unordered_map<WindowKey, Rect> m_original;
+    /// The frame that a window really had after the last placement.
+    std::unordered_map<WindowKey, Rect> m_lastSnapped;
+};
+
+} // namespace tessarel

@@ -1,0 +1,259 @@
+#include "engine/engine_test.h"
+#include "engine/window_engine.h"
+
+#include <functional>
+
+namespace tessarel {
+namespace {
+
+/// The actions on the focused window.
+class WindowActionsTest : public EngineTest {
+protected:
+    static constexpr Rect kStart{200, 150, 640, 480};
+
+    WindowActionsTest() { addScreen(); }
+
+    /// The actions, on two displays, so that each of them would move the window.
+    [[nodiscard]] std::vector<std::function<void()>> actions() {
+        return {[this] { engine.snapFocused(kRightHalf, 1); }, [this] { engine.centerFocused(); },
+                [this] { engine.restoreFocused(); }, [this] { engine.moveFocusedToDisplay(1); }};
+    }
+    /// Whether every action leaves everything alone, and does so without a sound.
+    void expectAllActionsEndSilently() {
+        desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
+        for (const auto& action : actions())
+            action();
+        EXPECT_TRUE(desktop.takeWrites().empty());
+        EXPECT_EQ(desktop.beeps(), 0);
+        EXPECT_TRUE(settings.appZones.empty());
+    }
+
+    sim::WindowId window = desktop.openWindow("org.example.editor", kStart);
+};
+
+TEST_F(WindowActionsTest, WithoutAFocusedWindowActionsEndSilently) {
+    desktop.deactivateAll();
+    expectAllActionsEndSilently();
+}
+
+TEST_F(WindowActionsTest, ThisProgramsOwnWindowIsNotActedOn) {
+    desktop.openOwnWindow({100, 100, 820, 540});
+    expectAllActionsEndSilently();
+}
+
+TEST_F(WindowActionsTest, AnIgnoredApplicationIsNotActedOn) {
+    settings.ignoredApps = {"org.example.other", "org.example.editor"};
+    expectAllActionsEndSilently();
+}
+
+TEST_F(WindowActionsTest, AMinimizedWindowIsNotActedOn) {
+    desktop.window(window).minimized = true;
+    expectAllActionsEndSilently();
+}
+
+TEST_F(WindowActionsTest, AFullScreenWindowIsNotActedOn) {
+    desktop.window(window).fullScreen = true;
+    expectAllActionsEndSilently();
+}
+
+TEST_F(WindowActionsTest, WhatIsNoWindowIsNotActedOn) {
+    desktop.window(window).role = "AXUnknown";
+    expectAllActionsEndSilently();
+}
+
+TEST_F(WindowActionsTest, AnApplicationThatNeverAnswersIsNotActedOn) {
+    desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
+    expectAllActionsEndSilently();
+}
+
+TEST_F(WindowActionsTest, AnUnreadableWindowIsNotActedOn) {
+    desktop.window(window).overrides["AXPosition"] = std::nullopt;
+
+    engine.snapFocused(kRightHalf, 1);
+    engine.centerFocused();
+    engine.moveFocusedToDisplay(1);
+
+    EXPECT_TRUE(desktop.takeWrites().empty());
+    EXPECT_EQ(desktop.beeps(), 0);
+}
+
+TEST_F(WindowActionsTest, RestoringNeedsNoReadableFrame) {
+    engine.snapFocused(kRightHalf, 1);
+    desktop.window(window).overrides["AXPosition"] = std::nullopt;
+
+    engine.restoreFocused();
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
+TEST_F(WindowActionsTest, AnApplicationThatAnswersLateIsActedOn) {
+    desktop.applicationOf(window).answerTime = std::chrono::milliseconds(300);
+
+    engine.snapFocused(kRightHalf, 1);
+
+    EXPECT_EQ(desktop.frame(window), (Rect{720, 25, 720, 875}));
+}
+
+TEST_F(WindowActionsTest, AnApplicationMayEndAtAnyPointOfASnap) {
+    for (int requests = 0; requests < 20; ++requests) {
+        const ProcessId dying =
+            desktop.launch({.bundleIdentifier = "org.example.dying", .requestsUntilDeath = requests});
+        desktop.openWindow(dying, {.axFrame = kStart, .minimum = {900, 1}});
+        engine.snapFocused(kRightHalf, 1);
+        engine.restoreFocused();
+        desktop.kill(dying);
+    }
+    desktop.focus(window);
+    engine.snapFocused(kRightHalf, 1);
+    EXPECT_EQ(desktop.frame(window), (Rect{720, 25, 720, 875}));
+}
+
+TEST_F(WindowActionsTest, SnapUsesTheScreenThatShowsMostOfTheWindow) {
+    desktop.addScreen({.frame = {1440, 0, 1920, 1080}, .menuBar = 25});
+    desktop.drag(window, {1300, 150, 640, 480});
+
+    engine.snapFocused(kLeftHalf, {});
+
+    EXPECT_EQ(desktop.frame(window), (Rect{1440, -155, 960, 1055}));
+}
+
+TEST_F(WindowActionsTest, SnapPullsAWindowWithAMinimumSizeIntoTheVisibleArea) {
+    desktop.window(window).minimum = {900, 500};
+
+    engine.snapFocused(kRightHalf, {});
+
+    EXPECT_EQ(desktop.frame(window), (Rect{540, 25, 900, 875}));
+}
+
+TEST_F(WindowActionsTest, SnapKeepsAWindowOfFixedSizeInTheVisibleArea) {
+    desktop.window(window).minimum = desktop.window(window).maximum = {640, 480};
+
+    engine.snapFocused({true, 75, 75, 25, 25}, {});
+
+    EXPECT_EQ(desktop.frame(window), (Rect{800, 420, 640, 480}));
+}
+
+TEST_F(WindowActionsTest, SnapLeavesAWindowWithSizeStepsSmallerThanItsZone) {
+    desktop.window(window).step = {7, 14};
+
+    engine.snapFocused(kRightHalf, {});
+
+    EXPECT_EQ(desktop.frame(window), (Rect{720, 25, 714, 868}));
+}
+
+TEST_F(WindowActionsTest, SnapWithoutAnyScreenLeavesTheWindow) {
+    desktop.removeScreen(desktop.displays().screens().front().id);
+
+    engine.snapFocused(kRightHalf, 1);
+    engine.centerFocused();
+
+    EXPECT_TRUE(desktop.takeWrites().empty());
+}
+
+TEST_F(WindowActionsTest, SnapIntoAZoneEatenByTheGapLeavesTheWindow) {
+    settings.gap = 400;
+
+    engine.snapFocused({true, 0, 0, 10, 10}, {});
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
+TEST_F(WindowActionsTest, CentreKeepsTheSize) {
+    engine.centerFocused();
+
+    EXPECT_EQ(desktop.frame(window), (Rect{400, 223, 640, 480}));
+    EXPECT_TRUE(settings.appZones.empty());
+}
+
+TEST_F(WindowActionsTest, CentreShrinksAWindowLargerThanTheVisibleArea) {
+    desktop.drag(window, {-100, -50, 1600, 1000});
+
+    engine.centerFocused();
+
+    EXPECT_EQ(desktop.frame(window), (Rect{0, 25, 1440, 875}));
+}
+
+TEST_F(WindowActionsTest, CentreRoundsThePlaceAwayFromZeroAndNotTheSize) {
+    desktop.drag(window, {100, 100, 639.5, 480});
+
+    engine.centerFocused();
+
+    // 720 - 319.75 = 400.25, 462.5 - 240 = 222.5
+    EXPECT_EQ(desktop.frame(window), (Rect{400, 223, 639.5, 480}));
+}
+
+TEST_F(WindowActionsTest, CentreCanBeRestored) {
+    engine.centerFocused();
+    engine.restoreFocused();
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
+TEST_F(WindowActionsTest, ANumberedZoneIsRememberedForTheApplicationAndSaved) {
+    engine.snapFocused(kLeftHalf, 4);
+
+    EXPECT_EQ(settings.appZones.at("org.example.editor"), 4);
+    sim::SimPreferences nextStart{desktop.preferencesStorage()};
+    EXPECT_EQ(Store(nextStart).settings.appZones.at("org.example.editor"), 4);
+}
+
+TEST_F(WindowActionsTest, AnUnnumberedZoneIsNotRemembered) {
+    engine.snapFocused(kLeftHalf, {});
+
+    EXPECT_TRUE(settings.appZones.empty());
+    EXPECT_EQ(desktop.preferencesStorage().writes, 0);
+}
+
+TEST_F(WindowActionsTest, WhatIsKnownAlreadyIsNotSavedAgain) {
+    engine.snapFocused(kLeftHalf, 4);
+    engine.snapFocused(kLeftHalf, 4);
+    EXPECT_EQ(desktop.preferencesStorage().writes, 1);
+
+    engine.snapFocused(kLeftHalf, 5);
+    EXPECT_EQ(desktop.preferencesStorage().writes, 2);
+    EXPECT_EQ(settings.appZones.at("org.example.editor"), 5);
+}
+
+TEST_F(WindowActionsTest, NothingIsRememberedWhenRememberingIsOff) {
+    settings.rememberApps = false;
+
+    engine.snapFocused(kLeftHalf, 4);
+
+    EXPECT_EQ(desktop.frame(window), (Rect{0, 25, 720, 875}));
+    EXPECT_TRUE(settings.appZones.empty());
+}
+
+TEST_F(WindowActionsTest, AnApplicationWithoutAnIdentifierIsMovedButNotRemembered) {
+    const auto nameless = desktop.openWindow(desktop.launch({}), {.axFrame = kStart});
+
+    engine.snapFocused(kLeftHalf, 4);
+
+    EXPECT_EQ(desktop.frame(nameless), (Rect{0, 25, 720, 875}));
+    EXPECT_TRUE(settings.appZones.empty());
+    EXPECT_EQ(desktop.preferencesStorage().writes, 0);
+}
+
+TEST_F(WindowActionsTest, SavingComesAfterTheWindowHasBeenPlaced) {
+    /// Preferences that look where the window is when they are written.
+    class LookingPreferences : public PreferencesPort {
+    public:
+        explicit LookingPreferences(std::function<void()> look) : m_look(std::move(look)) {}
+        std::optional<std::string> data(std::string_view) override { return {}; }
+        void setData(std::string_view, std::string_view) override { m_look(); }
+        void keepRejected(std::string_view) override {}
+
+    private:
+        std::function<void()> m_look;
+    };
+    Rect seen;
+    LookingPreferences preferences{[&] { seen = desktop.frame(window); }};
+    Store looking{preferences};
+    WindowEngine lookingEngine{ax, geo, desktop.displays(), desktop.alertSound(), looking};
+
+    lookingEngine.snapFocused(kRightHalf, 1);
+
+    EXPECT_EQ(seen, (Rect{720, 25, 720, 875}));
+}
+
+} // namespace
+} // namespace tessarel
