@@ -1,7 +1,10 @@
 #pragma once
 
+#include "engine/action_runner.h"
 #include "engine/ax.h"
 #include "engine/geo.h"
+#include "engine/permissions.h"
+#include "engine/runtime.h"
 #include "engine/window_engine.h"
 #include "model/presets.h"
 #include "model/store.h"
@@ -41,6 +44,9 @@ protected:
     Geo geo{desktop.displays(), store};
     AX ax{desktop.accessibility(), desktop.workspace()};
     WindowEngine engine{ax, geo, desktop.displays(), desktop.alertSound(), store};
+    Runtime runtime;
+    Permissions permissions{desktop.trust()};
+    ActionRunner runner{engine, store, permissions, runtime};
 };
 
 } // namespace tessarel

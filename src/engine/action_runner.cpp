@@ -1,0 +1,46 @@
+#include "engine/action_runner.h"
+
+namespace tessarel {
+
+ActionRunner::ActionRunner(WindowEngine& engine, const Store& store, Permissions& permissions,
+                           const Runtime& runtime)
+    : m_engine(engine), m_store(store), m_permissions(permissions), m_runtime(runtime) {}
+
+void ActionRunner::run(ActionID action) {
+    if (m_runtime.paused)
+        return;
+    if (!m_permissions.isTrusted()) {
+        m_permissions.prompt();
+        return;
+    }
+    dispatch(action);
+}
+
+void ActionRunner::dispatch(ActionID action) {
+    if (const auto index = action.zoneIndex())
+        return snapToZone(*index);
+    if (const auto zone = action.fixedZone())
+        return m_engine.snapFocused(*zone, {});
+
+    switch (action) {
+    case ActionID::center:
+        return m_engine.centerFocused();
+    case ActionID::restore:
+        return m_engine.restoreFocused();
+    case ActionID::nextDisplay:
+        return m_engine.moveFocusedToDisplay(+1);
+    case ActionID::previousDisplay:
+        return m_engine.moveFocusedToDisplay(-1);
+    default:
+        // `arrangeAll` is the one left: it arrives with the window list port and does nothing until then.
+        return;
+    }
+}
+
+void ActionRunner::snapToZone(std::size_t index) {
+    const auto& zones = m_store.settings.zones;
+    if (index < zones.size() && zones[index].enabled)
+        m_engine.snapFocused(zones[index], index);
+}
+
+} // namespace tessarel

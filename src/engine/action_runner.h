@@ -1,0 +1,32 @@
+#pragma once
+
+#include "engine/permissions.h"
+#include "engine/runtime.h"
+#include "engine/window_engine.h"
+#include "model/action_id.h"
+#include "model/store.h"
+
+#include <cstddef>
+
+namespace tessarel {
+
+/// Turns actions into calls of the window engine: the one entry for hot keys and menu commands.
+class ActionRunner {
+public:
+    ActionRunner(WindowEngine& engine, const Store& store, Permissions& permissions, const Runtime& runtime);
+
+    /// Performs `action` on the focused window. Does nothing while paused; without permission asks for it
+    /// instead. The action of a disabled zone does nothing.
+    void run(ActionID action);
+
+private:
+    void dispatch(ActionID action);
+    void snapToZone(std::size_t index);
+
+    WindowEngine& m_engine;
+    const Store& m_store;
+    Permissions& m_permissions;
+    const Runtime& m_runtime;
+};
+
+} // namespace tessarel
