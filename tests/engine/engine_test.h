@@ -3,6 +3,7 @@
 #include "engine/action_runner.h"
 #include "engine/ax.h"
 #include "engine/geo.h"
+#include "engine/hot_keys.h"
 #include "engine/permissions.h"
 #include "engine/runtime.h"
 #include "engine/window_engine.h"
@@ -47,6 +48,7 @@ protected:
     Runtime runtime;
     Permissions permissions{desktop.trust()};
     ActionRunner runner{engine, store, permissions, runtime};
+    HotKeys hotKeys{desktop.hotKeys(), runner, store};
 };
 
 } // namespace tessarel
