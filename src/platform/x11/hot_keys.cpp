@@ -70,7 +70,7 @@ private:
 };
 
 X11HotKeys::X11HotKeys(Connection& connection)
-    : m_connection(connection), m_locks(ignoredLocks(connection)),
+    : m_connection(connection), m_keyboard(connection), m_locks(ignoredLocks(connection)),
       m_self(std::make_shared<X11HotKeys*>(this)),
       m_events(connection.onEvent([this](const Connection::Event& event) { handle(event); })) {}
 
@@ -168,26 +168,16 @@ void X11HotKeys::releaseClaim(std::size_t serial) {
 
 void X11HotKeys::handle(const Connection::Event& event) {
     // Events that another client has made up carry a further bit and are nobody's key presses.
-    switch (event.response_type) {
-    case XCB_KEY_PRESS:
-        return handlePress(reinterpret_cast<const xcb_key_press_event_t&>(event));
-    case XCB_KEY_RELEASE: {
-        const auto& release = reinterpret_cast<const xcb_key_release_event_t&>(event);
-        m_lastRelease = {release.detail, release.time};
-        return;
-    }
-    case XCB_MAPPING_NOTIFY:
-        if (reinterpret_cast<const xcb_mapping_notify_event_t&>(event).request != XCB_MAPPING_POINTER)
-            handleMappingChange();
-        return;
-    default:
-        return;
-    }
+    if (event.response_type == XCB_KEY_PRESS)
+        handlePress(reinterpret_cast<const xcb_key_press_event_t&>(event));
+    else if (event.response_type == XCB_KEY_RELEASE)
+        m_keysDown.release(reinterpret_cast<const xcb_key_release_event_t&>(event).detail);
+    else if (m_keyboard.isMappingChange(event))
+        handleMappingChange();
 }
 
-/// The server repeats a held key as a release and a press at the same moment, which no finger does.
 void X11HotKeys::handlePress(const xcb_key_press_event_t& press) {
-    if (KeyMoment{press.detail, press.time} == m_lastRelease)
+    if (!m_keysDown.press(press.detail))
         return;
     const Combination pressed{press.detail, static_cast<std::uint16_t>(press.state & kAllModifiers)};
     const auto grab = std::ranges::find(m_grabs, pressed, &Grab::combination);

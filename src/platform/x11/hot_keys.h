@@ -3,6 +3,8 @@
 #include "model/subscription.h"
 #include "platform/x11/callback_list.h"
 #include "platform/x11/connection.h"
+#include "platform/x11/keyboard_extension.h"
+#include "platform/x11/keys_down.h"
 #include "ports/hot_key_port.h"
 
 #include <xcb/xcb.h>
@@ -23,7 +25,7 @@ namespace tessarel::x11 {
 /// state, so each combination is grabbed once for every state of the locking keys (Caps Lock, Num Lock,
 /// Scroll Lock), and all of them or none are held.
 ///
-/// A key that is held down fires once: the repetitions that the server makes up are left out.
+/// A key that is held down fires once, however long it repeats.
 class X11HotKeys : public HotKeyPort {
 public:
     /// `connection` outlives the hot keys.
@@ -55,14 +57,6 @@ private:
         std::uint32_t id = 0;
     };
 
-    /// One press or release of a key, as far as it tells repetitions from presses.
-    struct KeyMoment {
-        xcb_keycode_t keycode = 0;
-        xcb_timestamp_t time = 0;
-
-        bool operator==(const KeyMoment&) const = default;
-    };
-
     [[nodiscard]] static std::optional<Combination> combination(const HotKeyRequest& request);
     [[nodiscard]] bool holds(const Combination& combination) const;
     [[nodiscard]] bool holds(std::size_t serial) const;
@@ -77,10 +71,11 @@ private:
     void handleMappingChange();
 
     Connection& m_connection;
+    KeyboardExtension m_keyboard;
     std::uint16_t m_locks; ///< the modifiers of the locking keys
     std::vector<Grab> m_grabs;
     std::size_t m_nextSerial = 0;
-    KeyMoment m_lastRelease;
+    KeysDown m_keysDown;
     CallbackList<std::uint32_t> m_handlers;
     std::shared_ptr<X11HotKeys*> m_self; // shared with claims, which may outlive us
     SubscriptionPtr m_events;
