@@ -1,0 +1,199 @@
+#include "platform/sim/sim_desktop.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+namespace tessarel::sim {
+namespace {
+
+using namespace std::chrono_literals;
+using ::testing::ElementsAre;
+
+/// What the simulated programs do beyond the contract of the port.
+class SimAccessibilityTest : public ::testing::Test {
+protected:
+    static constexpr Rect kStart{200, 150, 640, 480};
+
+    SimAccessibilityTest() { desktop.addScreen({.frame = {0, 0, 1440, 900}}); }
+
+    SimApplication& editor() { return desktop.applicationOf(window); }
+    Element app() { return desktop.accessibility().application(desktop.window(window).pid); }
+    void move(const Point& to) {
+        desktop.accessibility().setAttribute(desktop.element(window), attribute::kPosition, to);
+    }
+    void resize(const Size& to) {
+        desktop.accessibility().setAttribute(desktop.element(window), attribute::kSize, to);
+    }
+    std::optional<Point> position() {
+        const auto value =
+            desktop.accessibility().copyAttribute(desktop.element(window), attribute::kPosition);
+        return value ? std::optional(std::get<Point>(*value)) : std::nullopt;
+    }
+
+    SimDesktop desktop;
+    WindowId window = desktop.openWindow("org.example.editor", kStart);
+};
+
+TEST_F(SimAccessibilityTest, SizesStayBetweenMinimumAndMaximum) {
+    desktop.window(window).minimum = {300, 200};
+    desktop.window(window).maximum = {800, 600};
+
+    resize({10, 10});
+    EXPECT_EQ(desktop.frame(window).size(), (Size{300, 200}));
+    resize({5000, 5000});
+    EXPECT_EQ(desktop.frame(window).size(), (Size{800, 600}));
+}
+
+TEST_F(SimAccessibilityTest, SizesAreWholeStepsRoundedDown) {
+    desktop.window(window).step = {7, 14};
+
+    resize({707, 861});
+
+    EXPECT_EQ(desktop.frame(window), (Rect{200, 150, 707, 854}));
+}
+
+TEST_F(SimAccessibilityTest, SizesMayBeCutAtTheEdgeOfTheDisplay) {
+    desktop.addScreen({.frame = {1440, 0, 1920, 900}});
+    desktop.window(window).cutAtDisplayEdge = true;
+
+    resize({1800, 860});
+    EXPECT_EQ(desktop.frame(window), (Rect{200, 150, 1240, 750}));
+
+    move({1440, 0});
+    resize({1800, 860});
+    EXPECT_EQ(desktop.frame(window), (Rect{1440, 0, 1800, 860}));
+}
+
+TEST_F(SimAccessibilityTest, AProgramMayRefuseToBeMovedOrResized) {
+    editor().refusesPosition = true;
+    move({0, 0});
+    resize({300, 200});
+    EXPECT_EQ(desktop.frame(window), (Rect{200, 150, 300, 200}));
+
+    editor() = {.bundleIdentifier = "org.example.editor", .refusesSize = true};
+    move({0, 0});
+    resize({500, 400});
+    EXPECT_EQ(desktop.frame(window), (Rect{0, 0, 300, 200}));
+}
+
+TEST_F(SimAccessibilityTest, AFullScreenWindowKeepsItsFrame) {
+    desktop.window(window).fullScreen = true;
+
+    move({0, 0});
+    resize({300, 200});
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
+TEST_F(SimAccessibilityTest, ALateAnswerTakesItsTime) {
+    editor().answerTime = 300ms;
+    const auto start = desktop.mainQueue().now();
+
+    EXPECT_EQ(position(), (Point{200, 150}));
+    EXPECT_EQ(desktop.mainQueue().now() - start, 300ms);
+
+    move({0, 0});
+    EXPECT_EQ(desktop.mainQueue().now() - start, 600ms);
+}
+
+TEST_F(SimAccessibilityTest, AProgramThatNeverAnswersCostsTheTimeLimit) {
+    editor().answerTime = 1h;
+    const auto start = desktop.mainQueue().now();
+
+    EXPECT_FALSE(position());
+    EXPECT_EQ(desktop.mainQueue().now() - start, SimApplication::kTimeLimit);
+
+    move({0, 0});
+    EXPECT_EQ(desktop.mainQueue().now() - start, 2 * SimApplication::kTimeLimit);
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
+TEST_F(SimAccessibilityTest, NothingRunsWhileAnAnswerIsAwaited) {
+    bool ran = false;
+    desktop.mainQueue().asyncAfter(100ms, [&] { ran = true; });
+    editor().answerTime = 300ms;
+
+    (void)position();
+    EXPECT_FALSE(ran);
+
+    desktop.advance(0ms);
+    EXPECT_TRUE(ran);
+}
+
+TEST_F(SimAccessibilityTest, AProgramMayEndBetweenTwoRequests) {
+    editor().requestsUntilDeath = 2;
+    const Element element = desktop.element(window);
+    const ProcessId pid = desktop.window(window).pid;
+
+    EXPECT_TRUE(desktop.accessibility().copyAttribute(element, attribute::kPosition));
+    EXPECT_TRUE(desktop.accessibility().copyAttribute(element, attribute::kSize));
+    EXPECT_FALSE(desktop.accessibility().copyAttribute(element, attribute::kRole));
+
+    EXPECT_FALSE(desktop.workspace().runningApplication(pid));
+    EXPECT_FALSE(desktop.workspace().frontmostApplication());
+}
+
+TEST_F(SimAccessibilityTest, WithTheEnhancedInterfaceOnAMoveIsSeenLater) {
+    editor().enhancedInterface = true;
+
+    move({0, 0});
+    EXPECT_EQ(position(), (Point{200, 150}));
+    desktop.advance(SimApplication::kAnimation - 1ms);
+    EXPECT_EQ(position(), (Point{200, 150}));
+
+    desktop.advance(1ms);
+    EXPECT_EQ(position(), (Point{0, 0}));
+    EXPECT_EQ(desktop.frame(window), (Rect{0, 0, 640, 480}));
+}
+
+TEST_F(SimAccessibilityTest, WithTheEnhancedInterfaceSwitchedOffAMoveIsSeenAtOnce) {
+    editor().enhancedInterface = true;
+    desktop.accessibility().setAttribute(app(), attribute::kEnhancedUserInterface, false);
+    EXPECT_EQ(editor().enhancedInterface, false);
+
+    move({0, 0});
+
+    EXPECT_EQ(position(), (Point{0, 0}));
+}
+
+TEST_F(SimAccessibilityTest, AProgramWithoutAnEnhancedInterfaceCannotBeGivenOne) {
+    desktop.accessibility().setAttribute(app(), attribute::kEnhancedUserInterface, true);
+
+    EXPECT_FALSE(desktop.accessibility().copyAttribute(app(), attribute::kEnhancedUserInterface));
+}
+
+TEST_F(SimAccessibilityTest, AWindowMaySayAnythingInsteadOfTheTruth) {
+    desktop.window(window).overrides["AXPosition"] = "nonsense";
+    const auto nonsense =
+        desktop.accessibility().copyAttribute(desktop.element(window), attribute::kPosition);
+    ASSERT_TRUE(nonsense);
+    EXPECT_TRUE(std::holds_alternative<std::string>(*nonsense));
+
+    desktop.window(window).overrides["AXPosition"] = std::nullopt;
+    EXPECT_FALSE(position());
+}
+
+TEST_F(SimAccessibilityTest, RequestsAreRecordedInOrder) {
+    (void)position();
+    resize({640.5, 480});
+    move({-10, 20});
+    desktop.accessibility().setAttribute(app(), attribute::kEnhancedUserInterface, true);
+
+    EXPECT_THAT(desktop.takeRequests(),
+                ElementsAre("read window 1 AXPosition", "write window 1 AXSize 640.5x480",
+                            "write window 1 AXPosition -10,20",
+                            "write application 101 AXEnhancedUserInterface true"));
+    EXPECT_TRUE(desktop.takeRequests().empty());
+}
+
+TEST_F(SimAccessibilityTest, OnlyWritesMayBeTaken) {
+    (void)position();
+    move({0, 0});
+
+    EXPECT_THAT(desktop.takeWrites(), ElementsAre("write window 1 AXPosition 0,0"));
+}
+
+} // namespace
+} // namespace tessarel::sim
