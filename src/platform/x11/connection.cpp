@@ -56,11 +56,15 @@ Connection::~Connection() {
 }
 
 xcb_connection_t* Connection::xcb() {
-    if (!m_turnOpen && !m_endingTurn) {
-        m_turnOpen = true;
-        scheduleEndTurn();
-    }
+    beginTurn();
     return m_xcb.get();
+}
+
+void Connection::beginTurn() {
+    if (m_turnOpen)
+        return;
+    m_turnOpen = true;
+    scheduleEndTurn();
 }
 
 int Connection::fileDescriptor() const {
@@ -191,6 +195,7 @@ void Connection::endTurn() {
     flush();
     m_turnOpen = false;
     m_endingTurn = false;
+    ++m_turn;
 }
 
 void Connection::reportLoss() {

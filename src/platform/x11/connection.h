@@ -100,6 +100,11 @@ public:
     /// Calls `lost` once when the server has gone. The file descriptor stays readable: stop watching it.
     [[nodiscard]] SubscriptionPtr onLost(std::function<void()> lost);
 
+    /// Makes sure that a turn is under way, so that its end comes.
+    void beginTurn();
+    /// Number of the turn under way, or of the next one.
+    [[nodiscard]] std::uint64_t turn() const { return m_turn; }
+
     /// How often an answer had to be waited for so far; replies to requests sent together count once.
     [[nodiscard]] std::size_t roundTrips() const { return m_roundTrips; }
 
@@ -136,6 +141,7 @@ private:
     bool m_dispatchScheduled = false;
     bool m_endTurnScheduled = false;
     bool m_turnOpen = false;
+    std::uint64_t m_turn = 1;
     bool m_endingTurn = false;
     bool m_lossReported = false;
     std::size_t m_roundTrips = 0;
