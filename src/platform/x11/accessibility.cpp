@@ -1,0 +1,176 @@
+#include "platform/x11/accessibility.h"
+
+#include "platform/x11/conversions.h"
+
+#include <memory>
+#include <string>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace tessarel::x11 {
+
+namespace {
+
+constexpr std::string_view kWindowOfElement = "AXWindow";
+constexpr std::uintptr_t kApplicationKey = 0x80000000; // the server never gives out this bit
+
+/// What an element is: a process, or one of its windows.
+struct NativeElement {
+    ProcessId pid = 0;
+    xcb_window_t window = XCB_WINDOW_NONE;
+};
+
+Element makeElement(ProcessId pid, xcb_window_t window) {
+    return {std::make_shared<const NativeElement>(NativeElement{pid, window})};
+}
+
+NativeElement nativeElement(const Element& element) {
+    return element.handle ? *static_cast<const NativeElement*>(element.handle.get()) : NativeElement{};
+}
+
+bool isOwn(ProcessId pid) {
+    return pid == getpid();
+}
+
+std::string role(const WindowTraits& traits) {
+    return traits.type == WindowType::Other ? "AXUnknown" : "AXWindow";
+}
+
+std::optional<AttributeValue> subrole(const WindowTraits& traits) {
+    switch (traits.type) {
+    case WindowType::Unspecified:
+        return traits.isTransient ? "AXDialog" : "AXStandardWindow";
+    case WindowType::Normal:
+        return "AXStandardWindow";
+    case WindowType::Dialog:
+        return "AXDialog";
+    case WindowType::Utility:
+    case WindowType::Splash:
+    case WindowType::Toolbar:
+    case WindowType::Menu:
+        return "AXFloatingWindow";
+    case WindowType::Other:
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+/// Managers also call a window hidden that is merely rolled up.
+bool isMinimized(const WindowStates& states) {
+    return states.hidden && !states.shaded;
+}
+
+} // namespace
+
+X11Accessibility::X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows)
+    : m_connection(connection), m_monitors(monitors), m_windows(windows), m_placement(connection, windows),
+      m_endOfTurn(connection.onEndTurn([this] { finishWrites(); })) {}
+
+Element X11Accessibility::application(ProcessId pid) {
+    return makeElement(pid, XCB_WINDOW_NONE);
+}
+
+std::optional<AttributeValue> X11Accessibility::copyAttribute(const Element& element,
+                                                              std::string_view attribute) {
+    const auto [pid, window] = nativeElement(element);
+    if (pid <= 0 || isOwn(pid))
+        return std::nullopt;
+    return window == XCB_WINDOW_NONE ? applicationAttribute(pid, attribute)
+                                     : windowAttribute(window, attribute);
+}
+
+std::optional<AttributeValue> X11Accessibility::applicationAttribute(ProcessId pid,
+                                                                     std::string_view attribute) {
+    if (attribute == attribute::kFocusedWindow)
+        return focusedWindow(pid);
+    if (attribute == attribute::kWindows)
+        return windowsOf(pid);
+    return std::nullopt;
+}
+
+std::optional<AttributeValue> X11Accessibility::focusedWindow(ProcessId pid) {
+    const xcb_window_t active = m_windows.activeWindow();
+    if (active == XCB_WINDOW_NONE || m_windows.pid(active) != pid)
+        return std::nullopt;
+    return makeElement(pid, active);
+}
+
+std::optional<AttributeValue> X11Accessibility::windowsOf(ProcessId pid) {
+    std::vector<Element> elements;
+    for (const xcb_window_t window : m_windows.windowsOf(pid))
+        elements.push_back(makeElement(pid, window));
+    return elements.empty() ? std::nullopt : std::optional<AttributeValue>(std::move(elements));
+}
+
+std::optional<AttributeValue> X11Accessibility::windowAttribute(xcb_window_t window,
+                                                                std::string_view attribute) {
+    if (window == m_written)
+        finishWrites();
+    const auto frame = m_windows.frame(window);
+    if (!frame)
+        return std::nullopt;
+    if (attribute == attribute::kPosition)
+        return axFromRoot(frame->outer(), m_monitors.primaryOrigin()).origin();
+    if (attribute == attribute::kSize)
+        return frame->outer().size();
+    if (attribute == attribute::kMinimized)
+        return isMinimized(frame->states);
+    if (attribute == attribute::kFullScreen)
+        return frame->states.fullScreen;
+    if (attribute == attribute::kRole)
+        return role(m_windows.traits(window));
+    if (attribute == attribute::kSubrole)
+        return subrole(m_windows.traits(window));
+    if (attribute == kWindowOfElement)
+        return makeElement(m_windows.pid(window).value_or(0), window);
+    return std::nullopt;
+}
+
+void X11Accessibility::setAttribute(const Element& element, std::string_view attribute,
+                                    const AttributeValue& value) {
+    const auto [pid, window] = nativeElement(element);
+    if (window == XCB_WINDOW_NONE || isOwn(pid))
+        return;
+    const auto* const position = std::get_if<Point>(&value);
+    const auto* const size = std::get_if<Size>(&value);
+    const auto origin = attribute == attribute::kPosition && position
+                            ? rootFromAx(*position, m_monitors.primaryOrigin())
+                            : std::nullopt;
+    const auto extent = attribute == attribute::kSize && size ? rootFromAx(*size) : std::nullopt;
+    if (!origin && !extent)
+        return;
+    if (m_written != window)
+        finishWrites();
+    m_written = window;
+    if (origin)
+        m_wish.origin = origin;
+    if (extent)
+        m_wish.size = extent;
+    m_connection.beginTurn();
+}
+
+void X11Accessibility::finishWrites() {
+    const xcb_window_t window = std::exchange(m_written, XCB_WINDOW_NONE);
+    const FrameWish wish = std::exchange(m_wish, {});
+    if (window != XCB_WINDOW_NONE)
+        m_placement.place(window, wish);
+}
+
+bool X11Accessibility::canExpress(const Rect& axFrame) {
+    return rootFromAx(axFrame.origin(), m_monitors.primaryOrigin()) && rootFromAx(axFrame.size());
+}
+
+std::uintptr_t X11Accessibility::key(const Element& element) {
+    const auto [pid, window] = nativeElement(element);
+    return window != XCB_WINDOW_NONE ? window : kApplicationKey | static_cast<std::uint32_t>(pid);
+}
+
+std::optional<ProcessId> X11Accessibility::pid(const Element& element) {
+    const auto [pid, window] = nativeElement(element);
+    const bool isThere =
+        window != XCB_WINDOW_NONE ? m_windows.frame(window).has_value() : !m_windows.windowsOf(pid).empty();
+    return isThere ? std::optional(pid) : std::nullopt;
+}
+
+} // namespace tessarel::x11

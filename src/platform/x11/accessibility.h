@@ -1,0 +1,51 @@
+#pragma once
+
+#include "platform/x11/client_windows.h"
+#include "platform/x11/connection.h"
+#include "platform/x11/monitors.h"
+#include "platform/x11/placement.h"
+#include "ports/accessibility_port.h"
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace tessarel::x11 {
+
+/// Other programs' windows by the conventions between clients and window managers.
+///
+/// An element is a process, or a managed window of a process. Writes of position and size to a window are
+/// collected and asked of the manager in one step, when that window is read next or the turn ends; a read
+/// after a write is the settled truth. Windows of this program are not answered.
+class X11Accessibility : public AccessibilityPort {
+public:
+    X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows);
+
+    [[nodiscard]] Element application(ProcessId pid) override;
+    [[nodiscard]] std::optional<AttributeValue> copyAttribute(const Element& element,
+                                                              std::string_view attribute) override;
+    void setAttribute(const Element& element, std::string_view attribute,
+                      const AttributeValue& value) override;
+    [[nodiscard]] bool canExpress(const Rect& axFrame) override;
+    [[nodiscard]] std::uintptr_t key(const Element& element) override;
+    [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
+
+private:
+    [[nodiscard]] std::optional<AttributeValue> applicationAttribute(ProcessId pid,
+                                                                     std::string_view attribute);
+    [[nodiscard]] std::optional<AttributeValue> focusedWindow(ProcessId pid);
+    [[nodiscard]] std::optional<AttributeValue> windowsOf(ProcessId pid);
+    [[nodiscard]] std::optional<AttributeValue> windowAttribute(xcb_window_t window,
+                                                                std::string_view attribute);
+    void finishWrites();
+
+    Connection& m_connection;
+    Monitors& m_monitors;
+    ClientWindows& m_windows;
+    Placement m_placement;
+    xcb_window_t m_written = XCB_WINDOW_NONE; // the window that the wish is for
+    FrameWish m_wish;
+    SubscriptionPtr m_endOfTurn;
+};
+
+} // namespace tessarel::x11

@@ -1,0 +1,65 @@
+#include "platform/x11/displays.h"
+
+#include "platform/x11/conversions.h"
+#include "platform/x11/usable_area.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <iterator>
+
+namespace tessarel::x11 {
+
+namespace {
+
+double commonArea(const Rect& a, const Rect& b) {
+    const Rect common = a.intersection(b);
+    return common.isNull() ? 0 : common.width * common.height;
+}
+
+} // namespace
+
+X11Displays::X11Displays(Connection& connection, Monitors& monitors, ClientWindows& windows)
+    : m_connection(connection), m_monitors(monitors), m_windows(windows), m_reserved(connection) {}
+
+std::vector<Screen> X11Displays::screens() {
+    const std::vector<Monitor>& monitors = m_monitors.all();
+    std::vector<Rect> frames;
+    std::transform(monitors.begin(), monitors.end(), std::back_inserter(frames),
+                   [](const Monitor& monitor) { return monitor.rootFrame; });
+    const std::vector<Rect> areas = usableAreas(frames, m_monitors.rootSize(), m_reserved.current());
+    std::vector<Screen> screens;
+    for (std::size_t i = 0; i < monitors.size(); ++i)
+        screens.push_back({monitors[i].id, screenFromRoot(frames[i], frames.front()),
+                           screenFromRoot(areas[i], frames.front())});
+    return screens;
+}
+
+std::optional<Screen> X11Displays::mainScreen() {
+    std::optional<Rect> attention = activeFrame();
+    if (!attention)
+        attention = pointerFrame();
+    const std::vector<Screen> all = screens();
+    if (!attention || all.empty())
+        return std::nullopt;
+    const Rect frame = screenFromRoot(*attention, m_monitors.all().front().rootFrame);
+    return *std::max_element(all.begin(), all.end(), [&](const Screen& a, const Screen& b) {
+        return commonArea(a.frame, frame) < commonArea(b.frame, frame);
+    });
+}
+
+std::optional<Rect> X11Displays::activeFrame() {
+    const xcb_window_t active = m_windows.activeWindow();
+    const auto frame = active == XCB_WINDOW_NONE ? std::nullopt : m_windows.frame(active);
+    return frame ? std::optional(frame->outer()) : std::nullopt;
+}
+
+/// The pixel under the pointer.
+std::optional<Rect> X11Displays::pointerFrame() {
+    const auto pointer = m_connection.reply<xcb_query_pointer_reply>(
+        xcb_query_pointer(m_connection.xcb(), m_connection.root()));
+    if (!pointer)
+        return std::nullopt;
+    return Rect{static_cast<double>(pointer->root_x), static_cast<double>(pointer->root_y), 1, 1};
+}
+
+} // namespace tessarel::x11
