@@ -1,0 +1,33 @@
+#pragma once
+
+#include "app/ports.h"
+#include "engine/action_runner.h"
+#include "engine/ax.h"
+#include "engine/geo.h"
+#include "engine/hot_keys.h"
+#include "engine/permissions.h"
+#include "engine/runtime.h"
+#include "engine/window_engine.h"
+#include "model/store.h"
+#include "model/subscription.h"
+
+namespace tessarel {
+
+/// The services of the running program, each built once from those above it.
+struct Services {
+    explicit Services(const Ports& ports);
+    Services(const Services&) = delete;
+    Services& operator=(const Services&) = delete;
+
+    Store store;
+    SubscriptionPtr storeSharing; ///< makes `store` the one that `Store::shared()` answers
+    Runtime runtime;
+    Permissions permissions;
+    Geo geo;
+    AX ax;
+    WindowEngine windowEngine;
+    ActionRunner actionRunner;
+    HotKeys hotKeys;
+};
+
+} // namespace tessarel

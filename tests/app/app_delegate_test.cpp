@@ -1,0 +1,217 @@
+#include "app/app_delegate.h"
+
+#include "model/action_id.h"
+#include "platform/sim/sim_desktop.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tessarel {
+namespace {
+
+using testing::ElementsAre;
+using Launch = AppDelegate::Launch;
+
+constexpr std::uint32_t kVirtual1 = 18;
+constexpr std::uint32_t kCtrlOpt = 4096 + 2048;
+
+class AppDelegateTest : public testing::Test {
+protected:
+    [[nodiscard]] Ports ports(SingleInstancePort& instance) {
+        return {desktop.accessibility(), desktop.alertSound(),  desktop.displays(),
+                desktop.hotKeys(),       desktop.preferences(), instance,
+                desktop.trust(),         desktop.workspace()};
+    }
+
+    sim::SimDesktop desktop;
+    sim::SimSingleInstance copy = desktop.makeCopy();
+    std::unique_ptr<AppDelegate> delegate = std::make_unique<AppDelegate>(ports(copy));
+};
+
+TEST_F(AppDelegateTest, LaunchingClaimsTheHotKeysOfAllActionsButThoseOfDisabledZones) {
+    EXPECT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+
+    EXPECT_EQ(desktop.hotKeys().registered().size(), 15U);
+    EXPECT_EQ(desktop.hotKeys().handlersInstalled(), 1);
+    EXPECT_EQ(desktop.trust().prompts, 0);
+}
+
+TEST_F(AppDelegateTest, NothingIsClaimedBeforeLaunching) {
+    EXPECT_TRUE(desktop.hotKeys().registered().empty());
+    EXPECT_EQ(desktop.hotKeys().handlersInstalled(), 0);
+}
+
+TEST_F(AppDelegateTest, AHotKeyPutsTheFocusedWindowIntoItsZone) {
+    desktop.addScreen({.frame = {0, 0, 1200, 800}});
+    const auto editor = desktop.openWindow("org.example.editor", {200, 150, 640, 480});
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+
+    EXPECT_TRUE(desktop.hotKeys().press(kVirtual1, kCtrlOpt));
+
+    EXPECT_EQ(desktop.frame(editor), (Rect{0, 0, 400, 400}));
+}
+
+TEST_F(AppDelegateTest, TheStoreOfTheRunningProgramIsShared) {
+    desktop.preferences().setData(Store::key, R"({"gap": 8})");
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+
+    EXPECT_EQ(Store::shared().settings.gap, 8);
+}
+
+TEST_F(AppDelegateTest, LaunchingWritesNoSettings) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+
+    EXPECT_EQ(desktop.preferencesStorage().writes, 0);
+}
+
+TEST_F(AppDelegateTest, ChangedSettingsClaimTheHotKeysAnew) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    Store& store = Store::shared();
+
+    store.settings.bindings.clear();
+    store.setBinding(Binding{kVirtual1, kCtrlOpt}, ActionID::center);
+    EXPECT_EQ(desktop.hotKeys().registered().size(), 15U);
+    store.saveAndNotify();
+
+    ASSERT_EQ(desktop.hotKeys().registered().size(), 1U);
+    EXPECT_EQ(desktop.hotKeys().registered()[0].keyCode, kVirtual1);
+    EXPECT_EQ(desktop.hotKeys().handlersInstalled(), 1);
+}
+
+TEST_F(AppDelegateTest, WithoutTrustTheUserIsAskedOnceAndTheHotKeysAreClaimedAllTheSame) {
+    desktop.trust().trusted = false;
+
+    EXPECT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+
+    EXPECT_EQ(desktop.trust().prompts, 1);
+    EXPECT_EQ(desktop.trust().settingsOpened, 0);
+    EXPECT_EQ(desktop.hotKeys().registered().size(), 15U);
+}
+
+TEST_F(AppDelegateTest, ASecondCopyEndsAtOnceAndLeavesTheFirstAlone) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    desktop.trust().trusted = false;
+    Store& store = Store::shared();
+    sim::SimSingleInstance secondCopy = desktop.makeCopy();
+    AppDelegate second(ports(secondCopy));
+
+    EXPECT_EQ(second.applicationDidFinishLaunching(), Launch::AnotherCopyRuns);
+
+    EXPECT_EQ(&Store::shared(), &store);
+    EXPECT_EQ(desktop.hotKeys().registered().size(), 15U);
+    EXPECT_EQ(desktop.hotKeys().handlersInstalled(), 1);
+    EXPECT_EQ(desktop.trust().prompts, 0);
+}
+
+TEST_F(AppDelegateTest, TheEndLetsGoOfTheHotKeysAndOfTheDesktop) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+
+    delegate.reset();
+
+    EXPECT_TRUE(desktop.hotKeys().registered().empty());
+    EXPECT_FALSE(desktop.hotKeys().press(kVirtual1, kCtrlOpt));
+    sim::SimSingleInstance next = desktop.makeCopy();
+    EXPECT_EQ(AppDelegate(ports(next)).applicationDidFinishLaunching(), Launch::Running);
+}
+
+/// Writes down in which order a launch asks for what.
+class LaunchOrderTest : public AppDelegateTest {
+protected:
+    struct Instance : SingleInstancePort {
+        explicit Instance(LaunchOrderTest& test) : test(test) {}
+        SubscriptionPtr claim(std::function<void()> reopened) override {
+            test.order.emplace_back("claim the desktop");
+            return test.copy.claim(std::move(reopened));
+        }
+        LaunchOrderTest& test;
+    };
+
+    struct Preferences : PreferencesPort {
+        explicit Preferences(LaunchOrderTest& test) : test(test) {}
+        std::optional<std::string> data(std::string_view) override {
+            test.order.emplace_back("read settings");
+            return std::nullopt;
+        }
+        void setData(std::string_view, std::string_view) override {}
+        void keepRejected(std::string_view) override {}
+        LaunchOrderTest& test;
+    };
+
+    struct Keys : HotKeyPort {
+        explicit Keys(LaunchOrderTest& test) : test(test) {}
+        SubscriptionPtr installHandler(std::function<void(std::uint32_t)>) override { return nullptr; }
+        std::vector<SubscriptionPtr> registerHotKeys(std::span<const HotKeyRequest> requests) override {
+            test.order.emplace_back("claim hot keys");
+            if (test.changesSettingsMeanwhile)
+                Store::shared().tessarelSettingsChanged.post();
+            return std::vector<SubscriptionPtr>(requests.size());
+        }
+        LaunchOrderTest& test;
+    };
+
+    struct Trust : TrustPort {
+        explicit Trust(LaunchOrderTest& test) : test(test) {}
+        bool isTrusted() override {
+            test.order.emplace_back("ask for trust");
+            return false;
+        }
+        void prompt() override { test.order.emplace_back("prompt"); }
+        void openSettings() override {}
+        LaunchOrderTest& test;
+    };
+
+    [[nodiscard]] Launch launch() {
+        const Ports recorded{desktop.accessibility(),
+                             desktop.alertSound(),
+                             desktop.displays(),
+                             keys,
+                             preferences,
+                             instance,
+                             trust,
+                             desktop.workspace()};
+        recording.emplace(recorded);
+        return recording->applicationDidFinishLaunching();
+    }
+
+    std::vector<std::string> order;
+    bool changesSettingsMeanwhile = false;
+    Instance instance{*this};
+    Preferences preferences{*this};
+    Keys keys{*this};
+    Trust trust{*this};
+    std::optional<AppDelegate> recording;
+};
+
+TEST_F(LaunchOrderTest, TheDesktopComesFirstThenTheHotKeysThenThePrompt) {
+    EXPECT_EQ(launch(), Launch::Running);
+
+    EXPECT_THAT(order, ElementsAre("claim the desktop", "read settings", "claim hot keys", "ask for trust",
+                                   "prompt"));
+}
+
+TEST_F(LaunchOrderTest, ASecondCopyAsksForTheDesktopAndForNothingElse) {
+    const auto other = copy.claim([] {});
+
+    EXPECT_EQ(launch(), Launch::AnotherCopyRuns);
+
+    EXPECT_THAT(order, ElementsAre("claim the desktop"));
+}
+
+TEST_F(LaunchOrderTest, SettingsAreWatchedOnlyAfterTheFirstClaim) {
+    changesSettingsMeanwhile = true;
+    EXPECT_EQ(launch(), Launch::Running);
+    changesSettingsMeanwhile = false;
+
+    EXPECT_THAT(order, ElementsAre("claim the desktop", "read settings", "claim hot keys", "ask for trust",
+                                   "prompt"));
+    Store::shared().tessarelSettingsChanged.post();
+    EXPECT_EQ(order.back(), "claim hot keys");
+}
+
+} // namespace
+} // namespace tessarel
