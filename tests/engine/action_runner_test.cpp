@@ -62,6 +62,7 @@ TEST_F(ActionRunnerTest, ADisabledZoneDoesNothing) {
 }
 
 TEST_F(ActionRunnerTest, AZoneBeyondTheListDoesNothing) {
+    settings.zones[8] = kRightHalf;
     settings.zones.resize(2);
 
     runner.run(ActionID::zone9);

@@ -27,8 +27,8 @@ TEST_F(MoveToDisplayTest, TheWindowKeepsItsRelativePlaceAndSize) {
 
 TEST_F(MoveToDisplayTest, DisplaysFollowEachOtherFromLeftToRightAndRoundAbout) {
     const Screen b = desktop.addScreen({.frame = {0, 0, 1000, 800}});
-    const Screen c = desktop.addScreen({.frame = {1000, 0, 1000, 800}});
     const Screen a = desktop.addScreen({.frame = {-1000, 0, 1000, 800}});
+    const Screen c = desktop.addScreen({.frame = {1000, 0, 1000, 800}});
     const auto window = openWindow({1200, 100, 500, 400});
     const auto shownOn = [&] { return geo.screen(desktop.frame(window)); };
 
@@ -44,14 +44,14 @@ TEST_F(MoveToDisplayTest, DisplaysFollowEachOtherFromLeftToRightAndRoundAbout) {
 }
 
 TEST_F(MoveToDisplayTest, DisplaysAboveEachOtherFollowTheSystemsOrder) {
-    const Screen first = desktop.addScreen({.frame = {0, 0, 1000, 800}});
-    const Screen second = desktop.addScreen({.frame = {0, 800, 1000, 800}});
-    const Screen third = desktop.addScreen({.frame = {0, -800, 1000, 800}});
+    std::vector<Screen> screens;
+    for (int n = 0; n < 20; ++n) // so many that a sort that is not stable would show
+        screens.push_back(desktop.addScreen({.frame = {0, (n % 2 == 0 ? n : -n) * 800.0, 1000, 800}}));
     const auto window = openWindow({200, 100, 500, 400});
 
-    for (const Screen& screen : {second, third, first}) {
+    for (std::size_t n = 1; n <= screens.size(); ++n) {
         engine.moveFocusedToDisplay(1);
-        EXPECT_EQ(geo.screen(desktop.frame(window)), screen);
+        EXPECT_EQ(geo.screen(desktop.frame(window)), screens[n % screens.size()]);
     }
 }
 
