@@ -65,6 +65,31 @@ private:
     xcb_get_property_cookie_t m_type{};
 };
 
+/// The questions for what the manager tells about a desktop.
+class ReservedSpaceWatch::ManagersAreasRequest {
+public:
+    ManagersAreasRequest(Connection& connection, xcb_atom_t areasOfDesktop)
+        : m_connection(connection), m_perMonitor(requestNumbers(connection, connection.root(), areasOfDesktop,
+                                                                kValuesPerRectangle * kMostMonitors)),
+          m_perDesktop(requestNumbers(connection, connection.root(), connection.atom(Atom::NetWorkarea),
+                                      kValuesPerRectangle * kMostDesktops)) {}
+
+    void collect(std::uint32_t desktop, ReservedSpace& space) const {
+        const auto perMonitor = propertyReply(m_connection, m_perMonitor);
+        const auto perDesktop = propertyReply(m_connection, m_perDesktop);
+        space.areaPerMonitor = rectanglesFrom(values(perMonitor));
+        const std::vector<Rect> commonAreas = rectanglesFrom(values(perDesktop));
+        space.commonArea.reset();
+        if (desktop < commonAreas.size())
+            space.commonArea = commonAreas[desktop];
+    }
+
+private:
+    Connection& m_connection;
+    xcb_get_property_cookie_t m_perMonitor;
+    xcb_get_property_cookie_t m_perDesktop;
+};
+
 ReservedSpaceWatch::ReservedSpaceWatch(Connection& connection)
     : m_connection(connection),
       m_observer(connection.onRead([this](const Connection::Event& event) { note(event); })) {
@@ -112,8 +137,10 @@ void ReservedSpaceWatch::refresh() {
         requestNumbers(m_connection, root, m_connection.atom(Atom::NetCurrentDesktop), 1);
     const auto clients = propertyReply(m_connection, clientsCookie);
     const auto desktop = propertyReply(m_connection, desktopCookie);
+
+    const ManagersAreasRequest areas(m_connection, areasAtom(value(desktop).value_or(0)));
     readStruts(values(clients));
-    readManagersAreas(value(desktop).value_or(0));
+    areas.collect(value(desktop).value_or(0), m_space);
 }
 
 void ReservedSpaceWatch::readStruts(std::span<const std::uint32_t> clients) {
@@ -134,25 +161,10 @@ void ReservedSpaceWatch::readStruts(std::span<const std::uint32_t> clients) {
         m_space.struts.insert(m_space.struts.end(), m_struts[window].begin(), m_struts[window].end());
 }
 
-void ReservedSpaceWatch::readManagersAreas(std::uint32_t desktop) {
-    m_space.areaPerMonitor.clear();
-    m_space.commonArea.reset();
-    if (desktop >= kMostDesktops)
-        return;
-    const xcb_window_t root = m_connection.root();
-    const auto areasCookie =
-        requestNumbers(m_connection, root, areasAtom(desktop), kValuesPerRectangle * kMostMonitors);
-    const auto commonCookie = requestNumbers(m_connection, root, m_connection.atom(Atom::NetWorkarea),
-                                             kValuesPerRectangle * kMostDesktops);
-    const auto areas = propertyReply(m_connection, areasCookie);
-    const auto common = propertyReply(m_connection, commonCookie);
-    m_space.areaPerMonitor = rectanglesFrom(values(areas));
-    const std::vector<Rect> commonAreas = rectanglesFrom(values(common));
-    if (desktop < commonAreas.size())
-        m_space.commonArea = commonAreas[desktop];
-}
-
+/// No atom for desktops that nobody can have: the server never forgets one.
 xcb_atom_t ReservedSpaceWatch::areasAtom(std::uint32_t desktop) {
+    if (desktop >= kMostDesktops)
+        return XCB_ATOM_NONE;
     const auto known = m_areasAtoms.find(desktop);
     if (known != m_areasAtoms.end())
         return known->second;

@@ -21,11 +21,11 @@ public:
 
 private:
     class StrutRequest;
+    class ManagersAreasRequest;
 
     void note(const Connection::Event& event);
     void noteRoot(xcb_atom_t property);
     void refresh();
-    void readManagersAreas(std::uint32_t desktop);
     void readStruts(std::span<const std::uint32_t> clients);
     [[nodiscard]] xcb_atom_t areasAtom(std::uint32_t desktop);
 

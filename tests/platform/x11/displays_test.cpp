@@ -1,0 +1,202 @@
+#include "platform/x11/x11_fixture.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <vector>
+
+namespace tessarel::x11 {
+namespace {
+
+using x11test::WindowOptions;
+
+/// Twelve values of a strut along the top edge.
+std::vector<std::uint32_t> topStrut(std::uint32_t depth, std::uint32_t start, std::uint32_t end) {
+    return {0, 0, depth, 0, 0, 0, 0, 0, start, end, 0, 0};
+}
+
+class DisplaysTest : public X11Test {
+protected:
+    ~DisplaysTest() override { desktop.server.setMonitors({}); }
+
+    [[nodiscard]] xcb_window_t openPanel(const std::vector<std::uint32_t>& strut) {
+        const xcb_window_t panel =
+            client.open({.client = {0, 0, 100, 20}, .type = "_NET_WM_WINDOW_TYPE_DOCK", .strut = strut});
+        EXPECT_TRUE(observer.waitUntil([&] { return observer.managed(panel); }));
+        settle();
+        return panel;
+    }
+
+    void splitInTwo() {
+        desktop.server.setMonitors(
+            {{.name = "L", .x = 0, .y = 0, .width = 900, .height = 800, .primary = true},
+             {.name = "R", .x = 900, .y = 0, .width = 700, .height = 900, .primary = false}});
+        settle();
+    }
+};
+
+TEST_F(DisplaysTest, TheRootWindowIsTheOneDisplayOfAPlainServer) {
+    const auto screens = displays.screens();
+
+    ASSERT_EQ(screens.size(), 1U);
+    EXPECT_EQ(screens[0].frame, (Rect{0, 0, 1600, 900}));
+    EXPECT_EQ(screens[0].visibleFrame, screens[0].frame);
+}
+
+TEST_F(DisplaysTest, MonitorsThatComeAreThereAtTheNextCall) {
+    const auto before = displays.screens();
+    ASSERT_EQ(before.size(), 1U);
+
+    splitInTwo();
+
+    const auto screens = displays.screens();
+    ASSERT_EQ(screens.size(), 2U);
+    EXPECT_EQ(screens[0].frame, (Rect{0, 0, 900, 800}));
+    EXPECT_EQ(screens[1].frame, (Rect{900, -100, 700, 900}));
+}
+
+TEST_F(DisplaysTest, ThePrimaryMonitorComesFirstWhereverItIs) {
+    desktop.server.setMonitors(
+        {{.name = "A", .x = 0, .y = 0, .width = 800, .height = 900, .primary = false},
+         {.name = "B", .x = 800, .y = 0, .width = 800, .height = 600, .primary = true}});
+    settle();
+
+    const auto screens = displays.screens();
+
+    ASSERT_EQ(screens.size(), 2U);
+    EXPECT_EQ(screens[0].frame, (Rect{0, 0, 800, 600}));
+    EXPECT_EQ(screens[1].frame, (Rect{-800, -300, 800, 900}));
+}
+
+TEST_F(DisplaysTest, AMonitorKeepsItsIdWhenItsGeometryChanges) {
+    splitInTwo();
+    const auto before = displays.screens();
+    desktop.server.setMonitors(
+        {{.name = "L", .x = 0, .y = 0, .width = 700, .height = 800, .primary = false},
+         {.name = "R", .x = 700, .y = 0, .width = 900, .height = 900, .primary = true}});
+    settle();
+
+    const auto after = displays.screens();
+
+    ASSERT_EQ(before.size(), 2U);
+    ASSERT_EQ(after.size(), 2U);
+    EXPECT_EQ(after[0].id, before[1].id);
+    EXPECT_EQ(after[1].id, before[0].id);
+}
+
+TEST_F(DisplaysTest, APanelOnOneMonitorLeavesTheOtherAlone) {
+    splitInTwo();
+    (void)openPanel(topStrut(30, 900, 1599));
+
+    const auto screens = displays.screens();
+
+    ASSERT_EQ(screens.size(), 2U);
+    EXPECT_EQ(screens[0].visibleFrame, screens[0].frame);
+    EXPECT_EQ(screens[1].visibleFrame, (Rect{900, -100, 700, 870}));
+}
+
+TEST_F(DisplaysTest, APanelThatGrowsOrGoesIsNoticed) {
+    const xcb_window_t panel = openPanel(topStrut(30, 0, 1599));
+    EXPECT_EQ(displays.screens().at(0).visibleFrame, (Rect{0, 0, 1600, 870}));
+
+    client.setCardinals(panel, "_NET_WM_STRUT_PARTIAL", topStrut(50, 0, 1599));
+    settle();
+    EXPECT_EQ(displays.screens().at(0).visibleFrame, (Rect{0, 0, 1600, 850}));
+
+    client.destroy(panel);
+    settle();
+    EXPECT_EQ(displays.screens().at(0).visibleFrame, (Rect{0, 0, 1600, 900}));
+}
+
+TEST_F(DisplaysTest, ADockThatReservesLateIsNoticed) {
+    const xcb_window_t panel = openPanel({});
+    EXPECT_EQ(displays.screens().at(0).visibleFrame, (Rect{0, 0, 1600, 900}));
+
+    client.setCardinals(panel, "_NET_WM_STRUT", {0, 0, 0, 40});
+    settle();
+
+    EXPECT_EQ(displays.screens().at(0).visibleFrame, (Rect{0, 40, 1600, 860}));
+}
+
+TEST_F(DisplaysTest, AnOldStrutCountsWhereThereIsNoNewOne) {
+    const xcb_window_t panel = openPanel({});
+    client.setCardinals(panel, "_NET_WM_STRUT", {60, 0, 0, 0});
+    client.setCardinals(panel, "_NET_WM_STRUT_PARTIAL", {1, 2, 3});
+    settle();
+
+    EXPECT_EQ(displays.screens().at(0).visibleFrame, (Rect{60, 0, 1540, 900}));
+}
+
+TEST_F(DisplaysTest, MalformedStrutsNeverHarmTheVisibleFrame) {
+    const xcb_window_t panel = openPanel({});
+    splitInTwo(); // so that the manager's own sum of them does not count
+    const Rect whole = displays.screens().at(0).frame;
+    const std::vector<std::vector<std::uint32_t>> bad = {
+        {},
+        {1},
+        {0, 0, 30},
+        {0, 0, 0xFFFFFFFF, 0},
+        {0, 0, 0x80000000, 0, 0, 0, 0, 0, 0, 1599, 0, 0},
+        {0, 0, 5000, 0, 0, 0, 0, 0, 0, 1599, 0, 0},
+        {0, 0, 800, 0, 0, 0, 0, 0, 0, 1599, 0, 0},
+        {0, 0, 30, 0, 0, 0, 0, 0, 1599, 0, 0, 0},
+        {0, 0, 30, 0, 0, 0, 0, 0, 0, 1599, 0, 0, 0},
+    };
+    for (const auto& values : bad) {
+        client.setCardinals(panel, "_NET_WM_STRUT_PARTIAL", values);
+        settle();
+        EXPECT_EQ(displays.screens().at(0).visibleFrame, whole);
+    }
+    client.setProperty(panel, "_NET_WM_STRUT_PARTIAL", "CARDINAL", 8, std::string(48, '\1'));
+    client.setProperty(panel, "_NET_WM_STRUT", "ATOM", 32, std::string(16, '\1'));
+    settle();
+    EXPECT_EQ(displays.screens().at(0).visibleFrame, whole);
+}
+
+TEST_F(DisplaysTest, TheManagersAreasOfEachMonitorComeFirst) {
+    splitInTwo();
+    (void)displays.screens();
+    client.setCardinals(observer.root(), "_GTK_WORKAREAS_D0", {900, 20, 700, 880, 0, 10, 900, 790});
+    settle();
+
+    const auto screens = displays.screens();
+    client.setCardinals(observer.root(), "_GTK_WORKAREAS_D0", {});
+    settle();
+
+    ASSERT_EQ(screens.size(), 2U);
+    EXPECT_EQ(screens[0].visibleFrame, (Rect{0, 0, 900, 790}));
+    EXPECT_EQ(screens[1].visibleFrame, (Rect{900, -100, 700, 880}));
+    EXPECT_EQ(displays.screens().at(0).visibleFrame, screens[0].frame);
+}
+
+TEST_F(DisplaysTest, TheMainScreenIsThatOfTheActiveWindow) {
+    splitInTwo();
+    const xcb_window_t window = open();
+    writeFrame(elementOf(window), {1000, 100, 300, 200});
+    settle();
+
+    EXPECT_EQ(displays.mainScreen(), displays.screens().at(1));
+}
+
+TEST_F(DisplaysTest, WithoutAnActiveWindowTheMainScreenIsThatOfThePointer) {
+    splitInTwo();
+    for (const std::int16_t x : {std::int16_t{100}, std::int16_t{1000}}) {
+        xcb_warp_pointer(observer.x().get(), XCB_NONE, observer.root(), 0, 0, 0, 0, x, 50);
+        observer.x().roundTrip();
+        EXPECT_EQ(displays.mainScreen(), displays.screens().at(x < 900 ? 0 : 1));
+    }
+}
+
+TEST_F(DisplaysTest, AsLongAsNothingChangesNothingIsAsked) {
+    (void)displays.screens();
+    settle();
+    const auto before = connection.roundTrips();
+
+    for (int i = 0; i < 3; ++i)
+        (void)displays.screens();
+
+    EXPECT_EQ(connection.roundTrips(), before);
+}
+
+} // namespace
+} // namespace tessarel::x11

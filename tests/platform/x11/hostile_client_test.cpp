@@ -1,0 +1,138 @@
+#include "platform/x11/x11_fixture.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace tessarel::x11 {
+namespace {
+
+constexpr Rect kTarget{333, 222, 600, 450};
+constexpr double kThickestDecoration = 40;
+
+/// Properties of a window that the back end reads, and what a client may have put there instead.
+class HostileClientTest : public X11Test {
+protected:
+    static const std::vector<const char*>& properties() {
+        static const std::vector<const char*> kNames = {"_NET_FRAME_EXTENTS", "_GTK_FRAME_EXTENTS",
+                                                        "_NET_WM_STATE",      "_NET_WM_WINDOW_TYPE",
+                                                        "WM_TRANSIENT_FOR",   "_NET_WM_PID",
+                                                        "WM_CLASS",           "_GTK_APPLICATION_ID",
+                                                        "WM_NORMAL_HINTS",    "_KDE_NET_WM_DESKTOP_FILE",
+                                                        "_NET_WM_STRUT",      "_NET_WM_STRUT_PARTIAL"};
+        return kNames;
+    }
+
+    /// Reads everything and moves the window. It has to end at the target, but for a decoration that the
+    /// client has made invisible.
+    void useWindow(xcb_window_t window) {
+        settle();
+        const Element element = elementOf(window);
+        for (const auto name : {attribute::kRole, attribute::kSubrole, attribute::kMinimized,
+                                attribute::kFullScreen, attribute::kPosition, attribute::kSize})
+            EXPECT_TRUE(accessibility.copyAttribute(element, name)) << name;
+        EXPECT_EQ(accessibility.pid(element), client.pid());
+        EXPECT_EQ(workspace.frontmostApplication()->processIdentifier, client.pid());
+        for (const Screen& screen : displays.screens())
+            EXPECT_GE(screen.visibleFrame.width * screen.visibleFrame.height, 1600 * 900 / 16);
+        writeFrame(element, kTarget);
+        EXPECT_NEAR(readFrame(element).x, kTarget.x, kThickestDecoration);
+        EXPECT_NEAR(readFrame(element).y, kTarget.y, kThickestDecoration);
+        EXPECT_FALSE(connection.isLost());
+    }
+};
+
+TEST_F(HostileClientTest, PropertiesOfTheWrongTypeAreNoValues) {
+    const xcb_window_t window = open();
+    for (const char* name : properties())
+        client.setProperty(window, name, "PIXMAP", 32, std::string(72, '\x7F'));
+
+    useWindow(window);
+}
+
+TEST_F(HostileClientTest, PropertiesOfTheWrongFormatAreNoValues) {
+    for (const int format : {8, 16}) {
+        const xcb_window_t window = open();
+        for (const char* name : properties())
+            client.setProperty(window, name, "CARDINAL", format, std::string(72, '\x7F'));
+        useWindow(window);
+    }
+}
+
+TEST_F(HostileClientTest, PropertiesOfTheWrongLengthAreNoValues) {
+    for (const std::size_t length : {0U, 4U, 12U, 20U, 4000U}) {
+        const xcb_window_t window = open();
+        for (const char* name : properties())
+            client.setProperty(window, name, "CARDINAL", 32, std::string(length, '\0'));
+        useWindow(window);
+    }
+}
+
+TEST_F(HostileClientTest, NegativeAndHugeNumbersAreNoValues) {
+    for (const char byte : {'\xFF', '\x7F', '\x80'}) {
+        const xcb_window_t window = open();
+        for (const char* name : properties())
+            if (std::string_view(name) != "WM_NORMAL_HINTS") // the manager may well believe these
+                client.setProperty(window, name, "CARDINAL", 32, std::string(16, byte));
+        client.setProperty(window, "WM_TRANSIENT_FOR", "WINDOW", 32, std::string(4, byte));
+        useWindow(window);
+    }
+}
+
+TEST_F(HostileClientTest, ListsOfStatesAndTypesMayBeEndless) {
+    const xcb_window_t window = open();
+    for (const char* name : {"_NET_WM_STATE", "_NET_WM_WINDOW_TYPE"})
+        client.setProperty(window, name, "ATOM", 32, std::string(8000, '\1'));
+
+    useWindow(window);
+}
+
+TEST_F(HostileClientTest, ShadowsThatSwallowTheWindowDoNotCount) {
+    const xcb_window_t window = open({.client = {300, 200, 600, 400}});
+    client.setCardinals(window, "_GTK_FRAME_EXTENTS", {300, 300, 200, 200});
+
+    useWindow(window);
+}
+
+TEST_F(HostileClientTest, AMalformedRootWindowHasNoWindows) {
+    SharedDesktop& bare = SharedDesktop::withoutManager();
+    x11test::TestClient liar(bare.server);
+    ConnectionDriver listener(bare.server.display());
+    ClientWindows clientWindows(listener.connection());
+    const std::vector<const char*> names = {"_NET_ACTIVE_WINDOW",        "_NET_CLIENT_LIST",
+                                            "_NET_CLIENT_LIST_STACKING", "_NET_SUPPORTED",
+                                            "_NET_SUPPORTING_WM_CHECK",  "_NET_WORKAREA"};
+    for (const int format : {8, 16, 32}) {
+        for (const char* name : names)
+            liar.setProperty(bare.observer.root(), name, "CARDINAL", format, std::string(40, '\x7F'));
+        listener.hear();
+        EXPECT_EQ(clientWindows.activeWindow(), xcb_window_t{XCB_WINDOW_NONE});
+        EXPECT_TRUE(clientWindows.frontToBack().empty());
+    }
+    for (const char* name : names)
+        liar.setProperty(bare.observer.root(), name, "WINDOW", 32, "");
+    listener.hear();
+}
+
+TEST_F(HostileClientTest, WindowsThatDoNotExistHaveNoValues) {
+    SharedDesktop& bare = SharedDesktop::withoutManager();
+    x11test::TestClient liar(bare.server);
+    ConnectionDriver listener(bare.server.display());
+    ClientWindows clientWindows(listener.connection());
+    Placement placement(listener.connection(), clientWindows);
+    constexpr xcb_window_t kNoSuchWindow = 0x7F7F7F7F;
+    liar.setProperty(bare.observer.root(), "_NET_ACTIVE_WINDOW", "WINDOW", 32, "\x7F\x7F\x7F\x7F");
+    listener.hear();
+
+    EXPECT_EQ(clientWindows.activeWindow(), kNoSuchWindow);
+    EXPECT_FALSE(clientWindows.frame(kNoSuchWindow));
+    EXPECT_FALSE(clientWindows.pid(kNoSuchWindow));
+    EXPECT_EQ(clientWindows.traits(kNoSuchWindow).type, WindowType::Unspecified);
+    placement.place(kNoSuchWindow, {.origin = Point{1, 2}, .size = Size{3, 4}});
+
+    liar.setProperty(bare.observer.root(), "_NET_ACTIVE_WINDOW", "WINDOW", 32, "");
+}
+
+} // namespace
+} // namespace tessarel::x11

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "platform/x11/accessibility.h"
+#include "platform/x11/client_windows.h"
+#include "platform/x11/connection.h"
+#include "platform/x11/displays.h"
+#include "platform/x11/manual_queue.h"
+#include "platform/x11/monitors.h"
+#include "platform/x11/workspace.h"
+#include "support/x11/observer.h"
+#include "support/x11/test_client.h"
+#include "support/x11/window_manager.h"
+#include "support/x11/x_server.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string_view>
+
+namespace tessarel::x11 {
+
+/// An X server with a window manager that all cases of a program share.
+struct SharedDesktop {
+    x11test::XServer server{{.width = 1600, .height = 900, .monitors = {}}};
+    std::unique_ptr<x11test::WindowManager> manager;
+    x11test::Observer observer{server.display()};
+
+    /// Openbox, or what $TESSAREL_TEST_WINDOW_MANAGER names.
+    [[nodiscard]] static SharedDesktop& withManager();
+    [[nodiscard]] static SharedDesktop& withoutManager();
+};
+
+/// The connection under test, pumped by hand.
+class ConnectionDriver {
+public:
+    explicit ConnectionDriver(const std::string& display);
+
+    [[nodiscard]] Connection& connection() { return *m_connection; }
+    [[nodiscard]] ManualQueue& queue() { return m_queue; }
+
+    /// Reads and delivers everything that the server has sent for what has been done so far.
+    void hear();
+
+private:
+    ManualQueue m_queue;
+    std::unique_ptr<Connection> m_connection;
+};
+
+/// The back end beside one other program on an otherwise empty desktop.
+class X11Test : public ::testing::Test {
+protected:
+    explicit X11Test(SharedDesktop& shared = SharedDesktop::withManager());
+    ~X11Test() override;
+
+    /// Opens a window that has the focus when this returns.
+    [[nodiscard]] xcb_window_t open(const x11test::WindowOptions& options = {});
+    /// Everybody has heard of everything.
+    void settle();
+
+    /// The element of a managed window of the client.
+    [[nodiscard]] Element elementOf(xcb_window_t window);
+    [[nodiscard]] Rect readFrame(const Element& window);
+    void writeFrame(const Element& window, const Rect& axFrame);
+    /// Where the window is, seen without the back end.
+    [[nodiscard]] Rect actualFrame(xcb_window_t window);
+
+    template <class Value>
+    [[nodiscard]] std::optional<Value> read(const Element& element, std::string_view attribute) {
+        const auto value = accessibility.copyAttribute(element, attribute);
+        const auto* typed = value ? std::get_if<Value>(&*value) : nullptr;
+        return typed ? std::optional(*typed) : std::nullopt;
+    }
+
+    SharedDesktop& desktop;
+    x11test::Observer& observer = desktop.observer;
+    x11test::TestClient client{desktop.server};
+    ConnectionDriver driver{desktop.server.display()};
+    Connection& connection = driver.connection();
+    Monitors monitors{connection};
+    ClientWindows windows{connection};
+    X11Displays displays{connection, monitors, windows};
+    X11Accessibility accessibility{connection, monitors, windows};
+    X11Workspace workspace{windows};
+};
+
+} // namespace tessarel::x11
