@@ -91,7 +91,7 @@ bool Instance::takeSelection() {
 xcb_window_t Instance::owner() {
     const auto reply = m_connection.reply<xcb_get_selection_owner_reply>(
         xcb_get_selection_owner(m_connection.xcb(), m_selection));
-    return reply ? reply->owner : XCB_WINDOW_NONE;
+    return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 /// The moment of a change to a property of ours: the server tells its time with nothing else.
