@@ -28,7 +28,8 @@ public:
 
     WindowEngine(AX& ax, Geo& geo, DisplaysPort& displays, AlertSoundPort& alertSound, Store& store);
 
-    /// What the memory knows the window by. Equal elements have equal keys.
+    /// What the memory knows the window by. Equal elements have equal keys; windows whose keys happen to be
+    /// equal cannot be told apart.
     [[nodiscard]] WindowKey key(const Element& window) const;
 
     /// Whether left edge, top edge, width and height each differ by at most `tolerance`.
@@ -77,10 +78,9 @@ private:
     DisplaysPort& m_displays;
     AlertSoundPort& m_alertSound;
     Store& m_store;
-    /// The frame that a window had before the first of a chain of placements.
-    std::unordered_map<WindowKey, Rect> m_original;
-    /// The frame that a window really had after the last placement.
-    std::unordered_map<WindowKey, Rect> m_lastSnapped;
+    // The restore memory lasts for the run of the program; entries of windows that have closed simply stay.
+    std::unordered_map<WindowKey, Rect> m_original;    ///< frame before the first of a chain of placements
+    std::unordered_map<WindowKey, Rect> m_lastSnapped; ///< frame that the last placement really led to
 };
 
 } // namespace tessarel

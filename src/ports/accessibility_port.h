@@ -58,8 +58,7 @@ public:
     virtual void setAttribute(const Element& element, std::string_view attribute,
                               const AttributeValue& value) = 0;
 
-    /// Whether a point or a size can be handed over at all: finite, and within what the system's numbers
-    /// hold.
+    /// Whether a frame can be handed over at all: finite, and within what the system's numbers hold.
     [[nodiscard]] virtual bool canExpress(const Rect& axFrame) = 0;
 
     /// A number that stays with the element for as long as it exists; equal elements have equal keys.

@@ -21,7 +21,8 @@ class WorkspacePort {
 public:
     virtual ~WorkspacePort() = default;
 
-    /// The application whose window has the keyboard focus; none when no window has it.
+    /// The application whose window has the keyboard focus. Where an application can be in front without a
+    /// window, that one; otherwise none when no window has the focus.
     [[nodiscard]] virtual std::optional<RunningApplication> frontmostApplication() = 0;
 
     /// The application of process `pid`; none when it has ended or is no application.
