@@ -73,7 +73,9 @@ TEST_P(ActionIDTest, HasTheDefaultBindingOfItsRow) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Table, ActionIDTest, testing::Range<std::size_t>(0, kTable.size()),
-                         [](const auto& info) { return std::string(kTable.at(info.param).rawValue); });
+                         [](const auto& instance) {
+                             return std::string(kTable.at(instance.param).rawValue);
+                         });
 
 TEST(ActionIDsTest, AreNineteen) {
     EXPECT_EQ(ActionID::allCases.size(), 19U);

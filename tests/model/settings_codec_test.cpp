@@ -170,7 +170,7 @@ INSTANTIATE_TEST_SUITE_P(
         Member{"rememberApps", {"0", "1", "\"\"", "[]", "{}"}},
         Member{"appZones",
                {"[]", "1", "\"a\"", R"({"a":1.5})", R"({"a":"1"})", R"({"a":null})", R"({"a":true})"}}),
-    [](const auto& info) { return std::string(info.param.name); });
+    [](const auto& instance) { return std::string(instance.param.name); });
 
 TEST(DecodeSettingsTest, AnIntegerMayBeWrittenWithAFractionOfZero) {
     EXPECT_EQ(appZone("18"), 18);

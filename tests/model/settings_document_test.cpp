@@ -182,7 +182,7 @@ TEST_P(LocaleTest, NumbersAreReadAndWrittenTheSame) {
 
 // A decimal comma, and a decimal point of two bytes.
 INSTANTIATE_TEST_SUITE_P(DecimalPoints, LocaleTest, testing::Values("de_DE.UTF-8", "ps_AF.UTF-8"),
-                         [](const auto& info) { return std::string(info.param.substr(0, 5)); });
+                         [](const auto& instance) { return std::string(instance.param.substr(0, 5)); });
 
 } // namespace
 } // namespace tessarel
