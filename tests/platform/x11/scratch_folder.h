@@ -1,0 +1,57 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessarel::x11 {
+
+/// An empty folder that is gone with this object, together with what is in it.
+class ScratchFolder {
+public:
+    ScratchFolder() {
+        std::string name = (std::filesystem::temp_directory_path() / "tessarel-test-XXXXXX").string();
+        m_path = ::mkdtemp(name.data());
+    }
+    ScratchFolder(const ScratchFolder&) = delete;
+    ScratchFolder& operator=(const ScratchFolder&) = delete;
+    ~ScratchFolder() {
+        std::error_code error;
+        std::filesystem::remove_all(m_path, error);
+    }
+
+    [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
+
+    static void write(const std::filesystem::path& file, std::string_view bytes) {
+        std::ofstream(file, std::ios::binary) << bytes;
+    }
+
+    /// The file's content; none if there is no file.
+    [[nodiscard]] static std::optional<std::string> read(const std::filesystem::path& file) {
+        std::ifstream stream(file, std::ios::binary);
+        if (!stream)
+            return std::nullopt;
+        return std::string(std::istreambuf_iterator<char>(stream), {});
+    }
+
+    /// Names of what is in the folder, in order of the alphabet.
+    [[nodiscard]] static std::vector<std::string> names(const std::filesystem::path& folder) {
+        std::vector<std::string> names;
+        std::error_code error;
+        for (const auto& entry : std::filesystem::directory_iterator(folder, error))
+            names.push_back(entry.path().filename().string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+private:
+    std::filesystem::path m_path;
+};
+
+} // namespace tessarel::x11
