@@ -1,5 +1,6 @@
 #include "platform/x11/file_preferences.h"
 
+#include "model/store.h"
 #include "platform/x11/document_file.h"
 #include "scratch_folder.h"
 
@@ -236,6 +237,21 @@ TEST_F(FilePreferencesTest, ARejectedDocumentThatIsGoneAtTheSaveIsNoHindrance) {
     preferences.setData(kKey, "new");
 
     EXPECT_EQ(names(), Names{"settings.json"});
+}
+
+TEST_F(FilePreferencesTest, SettingsThatCannotBeDecodedOutliveTheNextSave) {
+    const fs::path document = folder / "tessarel.settings.v1.json";
+    fs::create_directories(folder);
+    ScratchFolder::write(document, R"({"gap": "8"})");
+
+    Store store(preferences);
+    EXPECT_EQ(store.settings, AppSettings());
+    EXPECT_EQ(ScratchFolder::read(document), R"({"gap": "8"})");
+    store.settings.gap = 8;
+    store.save();
+
+    EXPECT_EQ(Store(preferences).settings.gap, 8);
+    EXPECT_EQ(storedAs("tessarel.settings.v1.json.rejected"), R"({"gap": "8"})");
 }
 
 TEST_F(FilePreferencesTest, AFileThatIsTooLargeIsNotReadAndNotLost) {
