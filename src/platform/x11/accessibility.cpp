@@ -2,6 +2,7 @@
 
 #include "platform/x11/conversions.h"
 
+#include <limits>
 #include <memory>
 #include <string>
 #include <unistd.h>
@@ -13,7 +14,7 @@ namespace tessarel::x11 {
 namespace {
 
 constexpr std::string_view kWindowOfElement = "AXWindow";
-constexpr std::uintptr_t kApplicationKey = 0x80000000; // the server never gives out this bit
+constexpr auto kHalfAKey = std::numeric_limits<std::uintptr_t>::digits / 2;
 
 /// What an element is: a process, or one of its windows.
 struct NativeElement {
@@ -76,8 +77,11 @@ std::optional<AttributeValue> X11Accessibility::copyAttribute(const Element& ele
     const auto [pid, window] = nativeElement(element);
     if (pid <= 0 || isOwn(pid))
         return std::nullopt;
-    return window == XCB_WINDOW_NONE ? applicationAttribute(pid, attribute)
-                                     : windowAttribute(window, attribute);
+    if (window == XCB_WINDOW_NONE)
+        return applicationAttribute(pid, attribute);
+    if (window == m_written)
+        finishWrites();
+    return isWindowOf(window, pid) ? windowAttribute(element, attribute) : std::nullopt;
 }
 
 std::optional<AttributeValue> X11Accessibility::applicationAttribute(ProcessId pid,
@@ -103,10 +107,9 @@ std::optional<AttributeValue> X11Accessibility::windowsOf(ProcessId pid) {
     return elements.empty() ? std::nullopt : std::optional<AttributeValue>(std::move(elements));
 }
 
-std::optional<AttributeValue> X11Accessibility::windowAttribute(xcb_window_t window,
+std::optional<AttributeValue> X11Accessibility::windowAttribute(const Element& element,
                                                                 std::string_view attribute) {
-    if (window == m_written)
-        finishWrites();
+    const xcb_window_t window = nativeElement(element).window;
     const auto frame = m_windows.frame(window);
     if (!frame)
         return std::nullopt;
@@ -123,7 +126,7 @@ std::optional<AttributeValue> X11Accessibility::windowAttribute(xcb_window_t win
     if (attribute == attribute::kSubrole)
         return subrole(m_windows.traits(window));
     if (attribute == kWindowOfElement)
-        return makeElement(m_windows.pid(window).value_or(0), window);
+        return element;
     return std::nullopt;
 }
 
@@ -138,7 +141,7 @@ void X11Accessibility::setAttribute(const Element& element, std::string_view att
                             ? rootFromAx(*position, m_monitors.primaryOrigin())
                             : std::nullopt;
     const auto extent = attribute == attribute::kSize && size ? rootFromAx(*size) : std::nullopt;
-    if (!origin && !extent)
+    if ((!origin && !extent) || !isWindowOf(window, pid))
         return;
     if (m_written != window)
         finishWrites();
@@ -161,16 +164,21 @@ bool X11Accessibility::canExpress(const Rect& axFrame) {
     return rootFromAx(axFrame.origin(), m_monitors.primaryOrigin()) && rootFromAx(axFrame.size());
 }
 
+/// The server gives numbers of windows again once their program has ended, so the process belongs to the key.
 std::uintptr_t X11Accessibility::key(const Element& element) {
     const auto [pid, window] = nativeElement(element);
-    return window != XCB_WINDOW_NONE ? window : kApplicationKey | static_cast<std::uint32_t>(pid);
+    return (static_cast<std::uintptr_t>(pid) << kHalfAKey) + window;
 }
 
 std::optional<ProcessId> X11Accessibility::pid(const Element& element) {
     const auto [pid, window] = nativeElement(element);
     const bool isThere =
-        window != XCB_WINDOW_NONE ? m_windows.frame(window).has_value() : !m_windows.windowsOf(pid).empty();
+        window != XCB_WINDOW_NONE ? isWindowOf(window, pid) : !m_windows.windowsOf(pid).empty();
     return isThere ? std::optional(pid) : std::nullopt;
+}
+
+bool X11Accessibility::isWindowOf(xcb_window_t window, ProcessId pid) {
+    return m_windows.pid(window) == pid && m_windows.frame(window);
 }
 
 } // namespace tessarel::x11

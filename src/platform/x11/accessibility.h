@@ -35,8 +35,10 @@ private:
                                                                      std::string_view attribute);
     [[nodiscard]] std::optional<AttributeValue> focusedWindow(ProcessId pid);
     [[nodiscard]] std::optional<AttributeValue> windowsOf(ProcessId pid);
-    [[nodiscard]] std::optional<AttributeValue> windowAttribute(xcb_window_t window,
+    [[nodiscard]] std::optional<AttributeValue> windowAttribute(const Element& element,
                                                                 std::string_view attribute);
+    /// Whether the window is there and still that process's.
+    [[nodiscard]] bool isWindowOf(xcb_window_t window, ProcessId pid);
     void finishWrites();
 
     Connection& m_connection;

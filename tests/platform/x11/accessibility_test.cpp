@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -146,7 +147,7 @@ TEST_F(AccessibilityTest, AForgedProcessIdIsNotBelieved) {
     client.setCardinals(window, "_NET_WM_PID", {static_cast<std::uint32_t>(getpid())});
     settle();
 
-    EXPECT_EQ(accessibility.key(elementOf(window)), window);
+    EXPECT_EQ(accessibility.pid(elementOf(window)), client.pid());
     EXPECT_FALSE(accessibility.copyAttribute(accessibility.application(getpid()), attribute::kWindows));
 }
 
@@ -172,12 +173,43 @@ TEST_F(AccessibilityTest, OwnWindowsAreNotAnswered) {
 
 TEST_F(AccessibilityTest, KeysOfApplicationsAndWindowsNeverMeet) {
     const xcb_window_t window = open();
+    const Element application = accessibility.application(client.pid());
     const Element sameNumber = accessibility.application(static_cast<ProcessId>(window));
 
-    EXPECT_EQ(accessibility.key(elementOf(window)), window);
+    EXPECT_NE(accessibility.key(application), accessibility.key(elementOf(window)));
     EXPECT_NE(accessibility.key(sameNumber), accessibility.key(elementOf(window)));
-    EXPECT_EQ(accessibility.key(accessibility.application(client.pid())),
-              accessibility.key(accessibility.application(client.pid())));
+    EXPECT_EQ(accessibility.key(application), accessibility.key(accessibility.application(client.pid())));
+}
+
+TEST_F(AccessibilityTest, AWindowNumberThatComesBackIsAnotherWindow) {
+    auto first = std::make_unique<x11test::TestClient>(desktop.server);
+    const auto openIn = [&](x11test::TestClient& program) {
+        const xcb_window_t window = program.open();
+        EXPECT_TRUE(observer.waitUntil([&] { return observer.managed(window); }));
+        settle();
+        return window;
+    };
+    const xcb_window_t window = openIn(*first);
+    const auto elements =
+        read<std::vector<Element>>(accessibility.application(first->pid()), attribute::kWindows);
+    ASSERT_TRUE(elements);
+    const Element gone = elements->front();
+    const auto goneKey = accessibility.key(gone);
+    first.reset();
+    ASSERT_TRUE(observer.waitUntil([&] { return !observer.managed(window); }));
+    x11test::TestClient second(desktop.server);
+    ASSERT_EQ(openIn(second), window) << "the server gives the lowest free numbers";
+    const Rect before = actualFrame(window);
+
+    writeFrame(gone, {10, 40, 300, 200});
+
+    EXPECT_TRUE(readFrame(gone).isNull());
+    EXPECT_FALSE(accessibility.pid(gone));
+    EXPECT_EQ(actualFrame(window), before);
+    const auto present =
+        read<std::vector<Element>>(accessibility.application(second.pid()), attribute::kWindows);
+    ASSERT_TRUE(present);
+    EXPECT_NE(accessibility.key(present->front()), goneKey);
 }
 
 TEST_F(AccessibilityTest, WhatIsReadStaysTheSameForOneTurn) {

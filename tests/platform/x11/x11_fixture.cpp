@@ -1,31 +1,17 @@
 #include "platform/x11/x11_fixture.h"
 
-#include <algorithm>
-#include <cstdlib>
+#include "support/x11/chosen_window_manager.h"
+
 #include <stdexcept>
 #include <string>
 
 namespace tessarel::x11 {
 
-namespace {
-
-x11test::WindowManagerKind chosenManager() {
-    const char* const name = std::getenv("TESSAREL_TEST_WINDOW_MANAGER");
-    const auto& all = x11test::kAllWindowManagers;
-    const auto* const chosen = std::find_if(all.begin(), all.end(), [&](x11test::WindowManagerKind kind) {
-        return name && x11test::name(kind) == name;
-    });
-    if (name && chosen == all.end())
-        throw std::runtime_error("no such window manager: " + std::string(name));
-    return name ? *chosen : x11test::WindowManagerKind::Openbox;
-}
-
-} // namespace
-
 SharedDesktop& SharedDesktop::withManager() {
     static SharedDesktop desktop;
     if (!desktop.manager)
-        desktop.manager = std::make_unique<x11test::WindowManager>(desktop.server, chosenManager());
+        desktop.manager =
+            std::make_unique<x11test::WindowManager>(desktop.server, x11test::chosenWindowManager());
     return desktop;
 }
 
@@ -76,7 +62,7 @@ Element X11Test::elementOf(xcb_window_t window) {
     const auto elements =
         read<std::vector<Element>>(accessibility.application(client.pid()), attribute::kWindows);
     for (const Element& element : elements.value_or(std::vector<Element>{})) {
-        if (accessibility.key(element) == window)
+        if (static_cast<xcb_window_t>(accessibility.key(element)) == window)
             return element;
     }
     ADD_FAILURE() << "no element for the window";
