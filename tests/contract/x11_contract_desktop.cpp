@@ -1,0 +1,404 @@
+#include "contract/contract_desktop.h"
+#include "platform/qt/qt_main_queue.h"
+#include "platform/sim/sim_services.h"
+#include "platform/x11/accessibility.h"
+#include "platform/x11/bell.h"
+#include "platform/x11/client_windows.h"
+#include "platform/x11/connection.h"
+#include "platform/x11/displays.h"
+#include "platform/x11/file_preferences.h"
+#include "platform/x11/hot_keys.h"
+#include "platform/x11/key_codes.h"
+#include "platform/x11/monitors.h"
+#include "platform/x11/single_instance.h"
+#include "platform/x11/trust.h"
+#include "platform/x11/workspace.h"
+#include "support/x11/chosen_window_manager.h"
+#include "support/x11/keyboard.h"
+#include "support/x11/observer.h"
+#include "support/x11/test_client.h"
+#include "support/x11/window_manager.h"
+#include "support/x11/x_server.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QTimer>
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <map>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+namespace tessarel::contract {
+
+namespace {
+
+using x11test::Extents;
+using x11test::Frame;
+using x11test::Observer;
+using x11test::StateChange;
+using x11test::TestClient;
+
+void require(bool holds, const char* what) {
+    if (!holds)
+        throw std::runtime_error(std::string("it never came to pass: ") + what);
+}
+
+int pixels(double value) {
+    return static_cast<int>(std::lround(value));
+}
+
+Frame frameFrom(const Rect& rect) {
+    return {pixels(rect.x), pixels(rect.y), pixels(rect.width), pixels(rect.height)};
+}
+
+x11test::WindowOptions::Pair clientSize(const Size& outer, const Extents& decoration) {
+    return {pixels(outer.width) - decoration.left - decoration.right,
+            pixels(outer.height) - decoration.top - decoration.bottom};
+}
+
+/// The event loop of the program.
+QCoreApplication& application() {
+    static int argc = 1;
+    static char name[] = "x11_contract_test";
+    static char* argv[] = {name, nullptr};
+    static QCoreApplication instance(argc, argv);
+    return instance;
+}
+
+/// Two monitors under a window manager, shared by all cases.
+class Stage {
+public:
+    static Stage& shared() {
+        static Stage stage;
+        return stage;
+    }
+
+    void reset() {
+        if (!std::exchange(m_complete, true))
+            server.setMonitors(x11test::twoMonitors());
+    }
+
+    void disconnectSecondDisplay() {
+        m_complete = false;
+        server.setMonitors({x11test::twoMonitors().front()});
+    }
+
+    x11test::XServer server{{.width = 2560, .height = 1024, .monitors = x11test::twoMonitors()}};
+    x11test::WindowManager manager{server, x11test::chosenWindowManager()};
+    Observer observer{server.display()};
+    x11test::Keyboard keyboard{server, observer};
+    // What windows are larger than their clients by; some managers leave parts of it out where there is
+    // nothing to resize.
+    const Extents decoration = measureDecoration({});
+    const Extents fixedDecoration = measureDecoration({.minimum = {{500, 400}}, .maximum = {{500, 400}}});
+
+private:
+    Extents measureDecoration(const x11test::WindowOptions& options) {
+        TestClient client(server);
+        const xcb_window_t window = client.open(options);
+        observer.watch(window);
+        const auto extents = [&] { return observer.extents(window, "_NET_FRAME_EXTENTS"); };
+        require(observer.waitUntil([&] { return observer.managed(window) && extents(); }), "a window");
+        const Extents measured = extents().value_or(Extents{});
+        client.process().kill();
+        require(observer.waitUntil([&] { return observer.clients().empty(); }), "an empty desktop");
+        return measured;
+    }
+
+    bool m_complete = true;
+};
+
+/// A connection that lives on the event loop.
+class Line {
+public:
+    explicit Line(const std::string& display) : m_connection(open(display, m_queue)) {
+        m_readable = m_queue.onReadable(m_connection->fileDescriptor(), [this] { m_connection->dispatch(); });
+    }
+
+    [[nodiscard]] x11::Connection& connection() { return *m_connection; }
+    [[nodiscard]] MainQueuePort& queue() { return m_queue; }
+
+    /// Reads all that the server has sent before it answers.
+    void roundTrip() { (void)m_connection->internAtom("PRIMARY"); }
+
+private:
+    static std::unique_ptr<x11::Connection> open(const std::string& display, MainQueuePort& queue) {
+        auto opened = x11::Connection::open(display.c_str(), queue);
+        if (!opened.connection)
+            throw std::runtime_error(opened.failure);
+        return std::move(opened.connection);
+    }
+
+    qt::QtMainQueue m_queue;
+    std::unique_ptr<x11::Connection> m_connection;
+    SubscriptionPtr m_readable;
+};
+
+class CallOnEnd : public Subscription {
+public:
+    explicit CallOnEnd(std::function<void()> ended) : m_ended(std::move(ended)) {}
+    ~CallOnEnd() override { m_ended(); }
+
+private:
+    std::function<void()> m_ended;
+};
+
+/// The suite's stage on X11: real programs on a private server, all of them gone after the case.
+class X11ContractDesktop : public ContractDesktop {
+public:
+    X11ContractDesktop() {
+        m_stage.reset();
+        settle();
+    }
+
+    ~X11ContractDesktop() override {
+        m_applications.clear();
+        m_panel.reset();
+        m_holder.reset();
+        (void)m_observer.waitUntil([this] { return m_observer.clients().empty(); });
+    }
+
+    AccessibilityPort& accessibility() override { return m_accessibility; }
+    AlertSoundPort& alertSound() override { return m_bell; }
+    DisplaysPort& displays() override { return m_displays; }
+    HotKeyPort& hotKeys() override { return m_hotKeys; }
+    TrustPort& trust() override { return m_trust; }
+    WorkspacePort& workspace() override { return m_workspace; }
+    std::unique_ptr<MainQueuePort> makeMainQueue() override { return std::make_unique<qt::QtMainQueue>(); }
+    std::unique_ptr<PreferencesPort> makePreferences() override {
+        return std::make_unique<x11::FilePreferences>(m_folder.path());
+    }
+    std::unique_ptr<SingleInstancePort> makeCopy() override {
+        m_copies.push_back(std::make_unique<Line>(m_stage.server.display()));
+        return std::make_unique<x11::X11SingleInstance>(m_copies.back()->connection());
+    }
+
+    AppHandle launchApplication(const std::optional<std::string>& bundleIdentifier) override {
+        m_applications.push_back({std::make_unique<TestClient>(m_stage.server), bundleIdentifier, {}});
+        return {static_cast<int>(m_applications.size()) - 1};
+    }
+    ProcessId pid(AppHandle application) override { return client(application).pid(); }
+    Element element(WindowHandle window) override;
+    Rect actualFrame(WindowHandle window) override {
+        const auto frame = m_observer.outerFrame(id(window)).value_or(Frame{});
+        return {static_cast<double>(frame.x), static_cast<double>(frame.y), static_cast<double>(frame.width),
+                static_cast<double>(frame.height)};
+    }
+
+    WindowHandle openWindow(AppHandle application, const WindowOptions& options) override;
+    void focus(WindowHandle window) override;
+    void minimize(WindowHandle window) override;
+    void enterFullScreen(WindowHandle window) override;
+    void closeWindow(WindowHandle window) override;
+    void killApplication(AppHandle application) override;
+
+    void addPanel(double height) override;
+    void disconnectSecondDisplay() override {
+        m_stage.disconnectSecondDisplay();
+        settle();
+    }
+
+    void pressKeys(std::uint32_t keyCode, std::uint32_t mods) override {
+        m_stage.keyboard.press(combination(keyCode, mods));
+    }
+    SubscriptionPtr holdByAnotherProgram(std::uint32_t keyCode, std::uint32_t mods) override;
+
+    std::optional<std::string> rejectedCopy(std::string_view key) override;
+
+    void settle() override;
+    void advance(MainQueuePort::Duration duration) override;
+
+private:
+    struct Application {
+        std::unique_ptr<TestClient> client;
+        std::optional<std::string> bundleIdentifier;
+        std::vector<xcb_window_t> windows;
+    };
+
+    [[nodiscard]] static xcb_window_t id(WindowHandle window) {
+        return static_cast<xcb_window_t>(window.number);
+    }
+    [[nodiscard]] TestClient& client(AppHandle application) {
+        return *m_applications.at(static_cast<std::size_t>(application.number)).client;
+    }
+    [[nodiscard]] Application& owner(xcb_window_t window);
+    [[nodiscard]] static x11test::Combination combination(std::uint32_t keyCode, std::uint32_t mods);
+    void waitFor(const char* what, const std::function<bool()>& holds);
+
+    QCoreApplication& m_application = application();
+    Stage& m_stage = Stage::shared();
+    Observer& m_observer = m_stage.observer;
+    x11test::TemporaryFolder m_folder;
+    Line m_line{m_stage.server.display()};
+    std::vector<std::unique_ptr<Line>> m_copies;
+    std::vector<Application> m_applications;
+    std::unique_ptr<TestClient> m_panel;
+    std::unique_ptr<TestClient> m_holder; // of key combinations
+
+    sim::SimAlerts m_alerts;
+    sim::SimOpenUrl m_openUrl;
+    x11::Monitors m_monitors{m_line.connection()};
+    x11::ClientWindows m_windows{m_line.connection()};
+    x11::X11Displays m_displays{m_line.connection(), m_monitors, m_windows};
+    x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows};
+    x11::X11Workspace m_workspace{m_windows};
+    x11::X11HotKeys m_hotKeys{m_line.connection()};
+    x11::X11Bell m_bell{m_line.connection()};
+    x11::X11Trust m_trust{m_line.connection(), x11::Session::X11, m_line.queue(), m_alerts, m_openUrl};
+};
+
+X11ContractDesktop::Application& X11ContractDesktop::owner(xcb_window_t window) {
+    const auto found =
+        std::find_if(m_applications.begin(), m_applications.end(), [&](const Application& one) {
+            return std::find(one.windows.begin(), one.windows.end(), window) != one.windows.end();
+        });
+    require(found != m_applications.end(), "a window that somebody owns");
+    return *found;
+}
+
+void X11ContractDesktop::waitFor(const char* what, const std::function<bool()>& holds) {
+    require(m_observer.waitUntil(holds), what);
+    settle();
+}
+
+Element X11ContractDesktop::element(WindowHandle window) {
+    const Element application = m_accessibility.application(owner(id(window)).client->pid());
+    const auto value = m_accessibility.copyAttribute(application, attribute::kWindows);
+    const auto* const windows = value ? std::get_if<std::vector<Element>>(&*value) : nullptr;
+    require(windows != nullptr, "a list of windows");
+    const auto found = std::find_if(windows->begin(), windows->end(), [&](const Element& element) {
+        return static_cast<xcb_window_t>(m_accessibility.key(element)) == id(window);
+    });
+    require(found != windows->end(), "an element for the window");
+    return *found;
+}
+
+WindowHandle X11ContractDesktop::openWindow(AppHandle application, const WindowOptions& options) {
+    const Extents decoration = options.resizable ? m_stage.decoration : m_stage.fixedDecoration;
+    const auto size = clientSize(options.axFrame.size(), decoration);
+    x11test::WindowOptions made{.className = {}, .client = {10, 10, size.width, size.height}};
+    if (options.minimumSize.width > 0)
+        made.minimum = clientSize(options.minimumSize, decoration);
+    if (!options.resizable)
+        made.minimum = made.maximum = size;
+    Application& opener = m_applications.at(static_cast<std::size_t>(application.number));
+    made.gtkApplicationId = opener.bundleIdentifier.value_or("");
+
+    const xcb_window_t window = opener.client->open(made);
+    opener.windows.push_back(window);
+    m_observer.watch(window);
+    waitFor("a managed window", [&] { return m_observer.managed(window); });
+    m_observer.moveOuterFrame(window, frameFrom(options.axFrame));
+    waitFor("a window in its place",
+            [&] { return m_observer.outerFrame(window) == frameFrom(options.axFrame); });
+    return {static_cast<int>(window)};
+}
+
+void X11ContractDesktop::focus(WindowHandle window) {
+    m_observer.activate(id(window));
+    waitFor("the focus", [&] {
+        const auto stack = m_observer.values(m_observer.root(), "_NET_CLIENT_LIST_STACKING");
+        const bool isOnTop = stack.empty() || stack.back() == id(window); // a single window may have no stack
+        return m_observer.activeWindow() == id(window) && isOnTop;
+    });
+}
+
+void X11ContractDesktop::minimize(WindowHandle window) {
+    m_observer.iconify(id(window));
+    waitFor("a minimised window", [&] { return m_observer.hasState(id(window), "_NET_WM_STATE_HIDDEN"); });
+}
+
+void X11ContractDesktop::enterFullScreen(WindowHandle window) {
+    m_observer.changeState(id(window), StateChange::Add, "_NET_WM_STATE_FULLSCREEN");
+    waitFor("full screen", [&] { return m_observer.hasState(id(window), "_NET_WM_STATE_FULLSCREEN"); });
+}
+
+void X11ContractDesktop::closeWindow(WindowHandle window) {
+    owner(id(window)).client->destroy(id(window));
+    waitFor("a closed window", [&] { return !m_observer.managed(id(window)); });
+}
+
+void X11ContractDesktop::killApplication(AppHandle application) {
+    // The server may give their numbers to the next program's windows.
+    const auto windows =
+        std::exchange(m_applications.at(static_cast<std::size_t>(application.number)).windows, {});
+    client(application).process().kill();
+    waitFor("an end of its windows", [&] {
+        return std::none_of(windows.begin(), windows.end(),
+                            [&](xcb_window_t window) { return m_observer.managed(window); });
+    });
+}
+
+void X11ContractDesktop::addPanel(double height) {
+    m_panel = std::make_unique<TestClient>(m_stage.server);
+    const auto depth = static_cast<std::uint32_t>(height);
+    const auto lastPixel = static_cast<std::uint32_t>(kPrimary.width) - 1;
+    const xcb_window_t panel = m_panel->open({.client = {0, 0, pixels(kPrimary.width), pixels(height)},
+                                              .type = "_NET_WM_WINDOW_TYPE_DOCK",
+                                              .strut = {0, 0, depth, 0, 0, 0, 0, 0, 0, lastPixel, 0, 0}});
+    waitFor("a panel", [&] { return m_observer.managed(panel); });
+}
+
+x11test::Combination X11ContractDesktop::combination(std::uint32_t keyCode, std::uint32_t mods) {
+    static const std::map<std::uint32_t, std::uint16_t> kModifiers = {{256, XCB_MOD_MASK_4},
+                                                                      {512, XCB_MOD_MASK_SHIFT},
+                                                                      {2048, XCB_MOD_MASK_1},
+                                                                      {4096, XCB_MOD_MASK_CONTROL}};
+    const auto keycode = x11::keycodeOf(keyCode);
+    require(keycode.has_value(), "a key of that number");
+    unsigned state = 0;
+    for (const auto& [bit, mask] : kModifiers)
+        state |= (mods & bit) != 0 ? mask : 0U;
+    return {*keycode, static_cast<std::uint16_t>(state)};
+}
+
+SubscriptionPtr X11ContractDesktop::holdByAnotherProgram(std::uint32_t keyCode, std::uint32_t mods) {
+    if (!m_holder)
+        m_holder = std::make_unique<TestClient>(m_stage.server);
+    const auto keys = combination(keyCode, mods);
+    if (!m_holder->grabKey(keys))
+        return nullptr;
+    return std::make_unique<CallOnEnd>([this, keys] { m_holder->ungrabKey(keys); });
+}
+
+std::optional<std::string> X11ContractDesktop::rejectedCopy(std::string_view key) {
+    std::ifstream file(m_folder.path() / (std::string(key) + ".json.rejected"), std::ios::binary);
+    if (!file)
+        return std::nullopt;
+    return std::string(std::istreambuf_iterator<char>(file), {});
+}
+
+void X11ContractDesktop::settle() {
+    require(m_observer.settle(), "an answer of the window manager");
+    for (const auto& copy : m_copies)
+        copy->roundTrip();
+    for (const auto& copy : m_copies)
+        copy->roundTrip(); // what the others have just sent
+    m_line.roundTrip();
+    QEventLoop loop;
+    while (loop.processEvents())
+        continue;
+}
+
+void X11ContractDesktop::advance(MainQueuePort::Duration duration) {
+    QEventLoop loop;
+    QTimer::singleShot(std::chrono::ceil<std::chrono::milliseconds>(duration), Qt::PreciseTimer, &loop,
+                       [&loop] { loop.quit(); });
+    loop.exec();
+    while (loop.processEvents())
+        continue;
+}
+
+} // namespace
+
+std::unique_ptr<ContractDesktop> makeContractDesktop() {
+    return std::make_unique<X11ContractDesktop>();
+}
+
+} // namespace tessarel::contract
