@@ -1,0 +1,47 @@
+#pragma once
+
+#include "model/subscription.h"
+#include "ports/rect.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace tessarel {
+
+enum class MouseEventKind { LeftDown, LeftDragged, LeftUp };
+
+/// Bits of `MouseEvent::modifierFlags`; there may be others.
+namespace modifier_flag {
+inline constexpr std::uint64_t kShift = 1U << 17U;
+inline constexpr std::uint64_t kControl = 1U << 18U;
+inline constexpr std::uint64_t kOption = 1U << 19U;
+inline constexpr std::uint64_t kCommand = 1U << 20U;
+} // namespace modifier_flag
+
+/// What the user has done with the left button of the mouse.
+struct MouseEvent {
+    MouseEventKind kind = MouseEventKind::LeftDown;
+    /// The pointer, in screen coordinates: origin at the bottom-left corner of the primary display, y up.
+    Point screenLocation;
+    std::uint64_t modifierFlags = 0; ///< the modifier keys that are held
+
+    bool operator==(const MouseEvent&) const = default;
+};
+
+/// The mouse over other programs' windows: watched, never touched.
+class MousePort {
+public:
+    virtual ~MousePort() = default;
+
+    /// Calls `handler` with every event of `kind` that is meant for another program, on the main thread,
+    /// until the answer ends. Null when the system refuses.
+    ///
+    /// Pointer and modifiers are those of the moment at which the event is delivered. Several movements may
+    /// come as one. A release follows every press that has been delivered, even when another program has
+    /// swallowed it, at the latest with the next event of the mouse; two presses may come without one when
+    /// that cannot be told.
+    [[nodiscard]] virtual SubscriptionPtr
+    addGlobalMonitor(MouseEventKind kind, std::function<void(const MouseEvent&)> handler) = 0;
+};
+
+} // namespace tessarel
