@@ -1,7 +1,8 @@
 #include "platform/x11/window_manager_check.h"
 
 #include "platform/x11/atoms.h"
-#include "platform/x11/reply.h"
+#include "platform/x11/event.h"
+#include "platform/x11/property.h"
 
 #include <algorithm>
 #include <array>
@@ -27,26 +28,7 @@ constexpr std::array kNeededHints = std::to_array<Hint>({
     {Atom::NetWmState, "_NET_WM_STATE"},
 });
 
-using PropertyReply = Reply<xcb_get_property_reply_t>;
-
-xcb_get_property_cookie_t askFor(Connection& connection, xcb_window_t window, Atom property,
-                                 xcb_atom_t type) {
-    constexpr std::uint32_t kMostValues = 4096;
-    return xcb_get_property(connection.xcb(), 0, window, connection.atom(property), type, 0, kMostValues);
-}
-
-/// The values of a property of 32-bit values; none when it has another form.
-std::span<const std::uint32_t> values(const PropertyReply& reply) {
-    if (!reply || reply->format != 32)
-        return {};
-    const auto* const first = static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get()));
-    return {first, reply->value_len};
-}
-
-xcb_window_t firstOf(const PropertyReply& reply) {
-    const auto windows = values(reply);
-    return windows.empty() ? xcb_window_t{XCB_WINDOW_NONE} : windows.front();
-}
+constexpr std::uint32_t kMostHints = 4096;
 
 } // namespace
 
@@ -66,14 +48,15 @@ const WindowManagerState& WindowManagerCheck::state() {
 
 WindowManagerState WindowManagerCheck::ask() {
     const xcb_window_t root = m_connection.root();
-    const auto window = askFor(m_connection, root, Atom::NetSupportingWmCheck, XCB_ATOM_WINDOW);
-    const auto supported = askFor(m_connection, root, Atom::NetSupported, XCB_ATOM_ATOM);
-    m_window = firstOf(m_connection.reply<xcb_get_property_reply>(window));
-    const PropertyReply supportedReply = m_connection.reply<xcb_get_property_reply>(supported);
+    const auto window = askForWindow(root);
+    const auto supported =
+        requestProperty(m_connection, root, m_connection.atom(Atom::NetSupported), XCB_ATOM_ATOM, kMostHints);
+    m_window = value(propertyReply(m_connection, window)).value_or(XCB_WINDOW_NONE);
+    const PropertyReply supportedReply = propertyReply(m_connection, supported);
 
     WindowManagerState state;
-    state.running = m_window != XCB_WINDOW_NONE && namesItself(m_window);
-    const auto atoms = values(supportedReply);
+    state.running = namesItself(m_window);
+    const std::span<const std::uint32_t> atoms = values(supportedReply);
     for (const auto& [atom, name] : kNeededHints) {
         if (std::ranges::find(atoms, m_connection.atom(atom)) == atoms.end())
             state.missingHints.push_back(name);
@@ -82,24 +65,26 @@ WindowManagerState WindowManagerCheck::ask() {
 }
 
 bool WindowManagerCheck::namesItself(xcb_window_t window) {
+    if (window == XCB_WINDOW_NONE || window == m_connection.root())
+        return false;                                             // the root has events of its own to report
     const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY; // its end, of which the root tells nothing
     xcb_change_window_attributes(m_connection.xcb(), window, XCB_CW_EVENT_MASK, &events);
-    const auto itself = askFor(m_connection, window, Atom::NetSupportingWmCheck, XCB_ATOM_WINDOW);
-    return firstOf(m_connection.reply<xcb_get_property_reply>(itself)) == window;
+    return value(propertyReply(m_connection, askForWindow(window))) == window;
+}
+
+xcb_get_property_cookie_t WindowManagerCheck::askForWindow(xcb_window_t namedBy) {
+    return requestProperty(m_connection, namedBy, m_connection.atom(Atom::NetSupportingWmCheck),
+                           XCB_ATOM_WINDOW, 1);
 }
 
 void WindowManagerCheck::watch(const Connection::Event& event) {
-    if (event.response_type == XCB_DESTROY_NOTIFY) {
-        const auto& destroyed = reinterpret_cast<const xcb_destroy_notify_event_t&>(event);
-        m_current = m_current && destroyed.window != m_window;
-    }
-    if (event.response_type == XCB_PROPERTY_NOTIFY) {
-        const auto& changed = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-        const bool ours = changed.window == m_connection.root() &&
-                          (changed.atom == m_connection.atom(Atom::NetSupportingWmCheck) ||
-                           changed.atom == m_connection.atom(Atom::NetSupported));
-        m_current = m_current && !ours;
-    }
+    const bool gone = event.response_type == XCB_DESTROY_NOTIFY &&
+                      eventAs<xcb_destroy_notify_event_t>(event).window == m_window;
+    const auto changed = changedProperty(event, m_connection.root());
+    const bool changedItself = changed == m_connection.atom(Atom::NetSupportingWmCheck) ||
+                               changed == m_connection.atom(Atom::NetSupported);
+    if (gone || changedItself)
+        m_current = false;
 }
 
 } // namespace tessarel::x11

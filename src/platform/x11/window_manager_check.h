@@ -35,6 +35,7 @@ public:
 private:
     [[nodiscard]] WindowManagerState ask();
     [[nodiscard]] bool namesItself(xcb_window_t window);
+    [[nodiscard]] xcb_get_property_cookie_t askForWindow(xcb_window_t namedBy);
     void watch(const Connection::Event& event);
 
     Connection& m_connection;

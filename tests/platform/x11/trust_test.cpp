@@ -161,6 +161,7 @@ TEST_F(X11TrustTest, WhatOthersWriteWrongIsNoWindowManager) {
         EXPECT_FALSE(holdsFor(window, XCB_ATOM_WINDOW, {}));
         EXPECT_FALSE(holdsFor(window, XCB_ATOM_WINDOW, {0xffffffff}));
         EXPECT_FALSE(holdsFor(window, XCB_ATOM_WINDOW, {XCB_WINDOW_NONE}));
+        EXPECT_FALSE(holdsFor(window, XCB_ATOM_WINDOW, {observer.root()}));
     }
     EXPECT_TRUE(makeTrust(Session::X11)->isTrusted());
 }
