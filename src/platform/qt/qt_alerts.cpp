@@ -49,7 +49,8 @@ std::size_t QtAlerts::runModal(const Alert& alert) {
     box.raise();
     box.activateWindow();
     box.exec();
-    return static_cast<std::size_t>(buttons.indexOf(box.clickedButton()));
+    const auto clicked = buttons.indexOf(box.clickedButton());
+    return static_cast<std::size_t>(clicked >= 0 ? clicked : buttons.size() - 1); // the program is ending
 }
 
 } // namespace tessarel::qt

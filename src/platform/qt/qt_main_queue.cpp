@@ -85,11 +85,13 @@ private:
     /// One piece of work per turn; the next one is armed before, because this one may run a loop of its own
     /// or destroy the queue.
     void runFirst() {
-        if (m_work.empty() || m_work.begin()->first > TimePoint::clock::now()) {
+        const auto first = m_work.begin();
+        if (first == m_work.end() || first->first > TimePoint::clock::now()) {
             arm();
             return;
         }
-        const auto work = std::move(m_work.extract(m_work.begin()).mapped());
+        const auto work = std::move(first->second);
+        m_work.erase(first);
         arm();
         work();
     }

@@ -61,6 +61,13 @@ TEST_F(QtAlertsTest, ClosingTheBoxCountsAsTheLastButton) {
     EXPECT_EQ(chosen, 1U);
 }
 
+TEST_F(QtAlertsTest, TheEndOfTheProgramCountsAsTheLastButton) {
+    const auto chosen =
+        runModal({"Question", "", {"Download", "Later"}}, [](QMessageBox&) { QApplication::exit(); });
+
+    EXPECT_EQ(chosen, 1U);
+}
+
 TEST_F(QtAlertsTest, AnAlertWithoutButtonsGetsOne) {
     const auto chosen = runModal({"Done", "", {}}, [](QMessageBox& box) {
         EXPECT_EQ(box.buttons().size(), 1);
