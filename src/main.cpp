@@ -1,0 +1,95 @@
+#include "app/app_delegate.h"
+#include "model/config.h"
+#include "platform/qt/qt_alerts.h"
+#include "platform/qt/qt_main_queue.h"
+#include "platform/qt/qt_messages.h"
+#include "platform/qt/qt_open_url.h"
+#include "platform/qt/termination_signals.h"
+#include "platform/x11/connection.h"
+#include "platform/x11/desktop.h"
+
+#include <QApplication>
+#include <QString>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace tessarel {
+
+namespace {
+
+void say(const std::string& line) {
+    std::fprintf(stderr, "tessarel: %s\n", line.c_str());
+}
+
+/// A server that has gone has let go of all that was claimed; and Qt cannot be taken down in order without
+/// it.
+[[noreturn]] void endWithoutDisplay() {
+    say("lost the connection to the X display");
+    std::_Exit(EXIT_FAILURE);
+}
+
+QString qString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+/// Runs Qt's loop on `connection` until the program is asked to end or the display goes: its exit code.
+int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSignals& terminationSignals,
+            x11::Connection& connection) {
+    // Not what the session offers or the user passes: overlay, hot keys and placement are X11's.
+    std::array<std::string, 5> options{programName, "-platform", "xcb", "-platformtheme", "generic"};
+    std::array<char*, 6> arguments{};
+    std::ranges::transform(options, arguments.begin(), [](std::string& option) { return option.data(); });
+    int argumentCount = options.size();
+
+    QApplication::setDesktopSettingsAware(false);
+    QApplication::setStyle("Fusion");
+    QApplication::setApplicationName(qString(Config::appName));
+    QApplication::setApplicationVersion(qString(Config::version));
+    QApplication::setQuitOnLastWindowClosed(false);
+    const QApplication application(argumentCount, arguments.data());
+
+    const auto events =
+        queue.onReadable(connection.fileDescriptor(), [&connection] { connection.dispatch(); });
+    const auto loss = connection.onLost(endWithoutDisplay);
+    const auto termination = terminationSignals.onReceived(queue, [] { QApplication::exit(EXIT_SUCCESS); });
+    return QApplication::exec();
+}
+
+/// Claims what belongs to the desktop first and starts Qt, which takes its time, afterwards: keys pressed
+/// meanwhile are ours and wait for the loop.
+int run(const char* programName) {
+    qt::installMessageHandler(endWithoutDisplay);
+    qt::TerminationSignals terminationSignals;
+    qt::QtMainQueue queue;
+    const auto [connection, failure] = x11::Connection::open(nullptr, queue);
+    if (!connection) {
+        say("cannot open the X display: " + failure);
+        return EXIT_FAILURE;
+    }
+
+    const x11::Session session =
+        x11::sessionOf(std::getenv("WAYLAND_DISPLAY"), std::getenv("XDG_SESSION_TYPE"));
+    qt::QtAlerts alerts;
+    qt::QtOpenUrl openUrl;
+    x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl);
+    AppDelegate delegate({desktop.accessibility, desktop.alertSound, desktop.displays, desktop.hotKeys,
+                          desktop.preferences, desktop.singleInstance, desktop.trust, desktop.workspace});
+    if (delegate.applicationDidFinishLaunching() == AppDelegate::Launch::AnotherCopyRuns)
+        return EXIT_SUCCESS;
+    if (session == x11::Session::Wayland)
+        say("this is a Wayland session, where only XWayland windows could be moved; use an X11 session");
+    return runLoop(programName, queue, terminationSignals, *connection);
+}
+
+} // namespace
+
+} // namespace tessarel
+
+int main(int, char** arguments) {
+    return tessarel::run(arguments[0]);
+}

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/x11/accessibility.h"
+#include "platform/x11/bell.h"
+#include "platform/x11/client_windows.h"
+#include "platform/x11/connection.h"
+#include "platform/x11/displays.h"
+#include "platform/x11/file_preferences.h"
+#include "platform/x11/hot_keys.h"
+#include "platform/x11/monitors.h"
+#include "platform/x11/single_instance.h"
+#include "platform/x11/trust.h"
+#include "platform/x11/workspace.h"
+#include "ports/alerts_port.h"
+#include "ports/main_queue_port.h"
+#include "ports/open_url_port.h"
+
+namespace tessarel::x11 {
+
+/// An X11 desktop: every port of this back end, on one connection.
+struct X11Desktop {
+    /// All references outlive the desktop.
+    X11Desktop(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
+               OpenUrlPort& openUrl)
+        : monitors(connection), windows(connection), accessibility(connection, monitors, windows),
+          alertSound(connection), displays(connection, monitors, windows), hotKeys(connection),
+          preferences(FilePreferences::userFolder()), singleInstance(connection),
+          trust(connection, session, queue, alerts, openUrl), workspace(windows) {}
+    X11Desktop(const X11Desktop&) = delete;
+    X11Desktop& operator=(const X11Desktop&) = delete;
+
+    Monitors monitors;
+    ClientWindows windows;
+    X11Accessibility accessibility;
+    X11Bell alertSound;
+    X11Displays displays;
+    X11HotKeys hotKeys;
+    FilePreferences preferences;
+    X11SingleInstance singleInstance;
+    X11Trust trust;
+    X11Workspace workspace;
+};
+
+} // namespace tessarel::x11
