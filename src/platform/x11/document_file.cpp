@@ -218,7 +218,7 @@ fs::path DocumentFile::temporaryPath() const {
 }
 
 std::string DocumentFile::temporaryPrefix() const {
-    return "." + m_path.filename().string() + ".";
+    return std::string(".") + m_path.filename().string() + ".";
 }
 
 std::optional<pid_t> DocumentFile::temporaryWriter(std::string_view name) const {
