@@ -219,6 +219,10 @@ private:
         std::unique_ptr<TestClient> client;
         std::optional<std::string> bundleIdentifier;
         std::vector<xcb_window_t> windows;
+
+        [[nodiscard]] bool has(xcb_window_t window) const {
+            return std::find(windows.begin(), windows.end(), window) != windows.end();
+        }
     };
 
     [[nodiscard]] static xcb_window_t id(WindowHandle window) {
@@ -228,6 +232,8 @@ private:
         return *m_applications.at(static_cast<std::size_t>(application.number)).client;
     }
     [[nodiscard]] Application& owner(xcb_window_t window);
+    /// Whether a case has opened it, and not the window manager for itself.
+    [[nodiscard]] bool isOurs(xcb_window_t window) const;
     [[nodiscard]] static x11test::Combination combination(std::uint32_t keyCode, std::uint32_t mods);
     void waitFor(const char* what, const std::function<bool()>& holds);
 
@@ -254,12 +260,15 @@ private:
 };
 
 X11ContractDesktop::Application& X11ContractDesktop::owner(xcb_window_t window) {
-    const auto found =
-        std::find_if(m_applications.begin(), m_applications.end(), [&](const Application& one) {
-            return std::find(one.windows.begin(), one.windows.end(), window) != one.windows.end();
-        });
+    const auto found = std::find_if(m_applications.begin(), m_applications.end(),
+                                    [&](const Application& one) { return one.has(window); });
     require(found != m_applications.end(), "a window that somebody owns");
     return *found;
+}
+
+bool X11ContractDesktop::isOurs(xcb_window_t window) const {
+    return std::any_of(m_applications.begin(), m_applications.end(),
+                       [&](const Application& one) { return one.has(window); });
 }
 
 void X11ContractDesktop::waitFor(const char* what, const std::function<bool()>& holds) {
@@ -304,7 +313,9 @@ void X11ContractDesktop::focus(WindowHandle window) {
     m_observer.activate(id(window));
     waitFor("the focus", [&] {
         const auto stack = m_observer.values(m_observer.root(), "_NET_CLIENT_LIST_STACKING");
-        const bool isOnTop = stack.empty() || stack.back() == id(window); // a single window may have no stack
+        const auto top =
+            std::find_if(stack.rbegin(), stack.rend(), [&](xcb_window_t one) { return isOurs(one); });
+        const bool isOnTop = top == stack.rend() || *top == id(window); // a single window may have no stack
         return m_observer.activeWindow() == id(window) && isOnTop;
     });
 }

@@ -12,6 +12,7 @@ namespace tessarel::x11 {
 namespace {
 
 constexpr std::uint32_t kMostWindows = 4096;
+constexpr std::uint32_t kMostActiveWindows = 16; // there is one, but some managers add an empty second
 
 xcb_get_property_cookie_t requestWindows(Connection& connection, Atom list) {
     return requestProperty(connection, connection.root(), connection.atom(list), XCB_ATOM_WINDOW,
@@ -20,7 +21,12 @@ xcb_get_property_cookie_t requestWindows(Connection& connection, Atom list) {
 
 xcb_get_property_cookie_t requestActiveWindow(Connection& connection) {
     return requestProperty(connection, connection.root(), connection.atom(Atom::NetActiveWindow),
-                           XCB_ATOM_WINDOW, 1);
+                           XCB_ATOM_WINDOW, kMostActiveWindows);
+}
+
+xcb_window_t activeWindowIn(const PropertyReply& reply) {
+    const auto active = values(reply);
+    return active.empty() ? xcb_window_t{XCB_WINDOW_NONE} : active.front();
 }
 
 } // namespace
@@ -74,7 +80,7 @@ void ClientWindows::note(const Connection::Event& event) {
 void ClientWindows::follow(const Connection::Event& event) {
     if (changedProperty(event, m_connection.root()) == m_connection.atom(Atom::NetActiveWindow)) {
         const auto active = propertyReply(m_connection, requestActiveWindow(m_connection));
-        m_lastActive = value(active).value_or(XCB_WINDOW_NONE);
+        m_lastActive = activeWindowIn(active);
     }
 }
 
@@ -100,7 +106,7 @@ xcb_window_t ClientWindows::activeWindow() {
     const auto active = propertyReply(m_connection, cookie);
     if (guess)
         guess->collect();
-    m_lastActive = value(active).value_or(XCB_WINDOW_NONE);
+    m_lastActive = activeWindowIn(active);
     m_active = m_lastActive;
     return m_lastActive;
 }

@@ -92,14 +92,22 @@ private:
 
 ReservedSpaceWatch::ReservedSpaceWatch(Connection& connection)
     : m_connection(connection),
-      m_observer(connection.onRead([this](const Connection::Event& event) { note(event); })) {
+      m_observer(connection.onRead([this](const Connection::Event& event) { note(event); })),
+      m_handler(connection.onEvent([this](const Connection::Event&) { follow(); })) {
     connection.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
 }
 
 const ReservedSpace& ReservedSpaceWatch::current() {
+    m_isWanted = true;
     if (!m_isCurrent)
         refresh();
     return m_space;
+}
+
+/// Catches up with changes while there is time, so that a key press does not have to.
+void ReservedSpaceWatch::follow() {
+    if (m_isWanted && !m_isCurrent)
+        refresh();
 }
 
 void ReservedSpaceWatch::note(const Connection::Event& event) {
@@ -135,12 +143,15 @@ void ReservedSpaceWatch::refresh() {
                                                XCB_ATOM_WINDOW, kMostWindows);
     const auto desktopCookie =
         requestNumbers(m_connection, root, m_connection.atom(Atom::NetCurrentDesktop), 1);
+    const ManagersAreasRequest areasOfLast(m_connection, areasAtom(m_desktop));
     const auto clients = propertyReply(m_connection, clientsCookie);
     const auto desktop = propertyReply(m_connection, desktopCookie);
+    areasOfLast.collect(m_desktop, m_space);
 
-    const ManagersAreasRequest areas(m_connection, areasAtom(value(desktop).value_or(0)));
+    const std::uint32_t last = std::exchange(m_desktop, value(desktop).value_or(0));
+    if (m_desktop != last)
+        ManagersAreasRequest(m_connection, areasAtom(m_desktop)).collect(m_desktop, m_space);
     readStruts(values(clients));
-    areas.collect(value(desktop).value_or(0), m_space);
 }
 
 void ReservedSpaceWatch::readStruts(std::span<const std::uint32_t> clients) {

@@ -25,17 +25,21 @@ private:
 
     void note(const Connection::Event& event);
     void noteRoot(xcb_atom_t property);
+    void follow();
     void refresh();
     void readStruts(std::span<const std::uint32_t> clients);
     [[nodiscard]] xcb_atom_t areasAtom(std::uint32_t desktop);
 
     Connection& m_connection;
+    bool m_isWanted = false; // somebody has asked at least once
     bool m_isCurrent = false;
     bool m_strutsOutdated = false;
+    std::uint32_t m_desktop = 0; // the current one, when last read
     ReservedSpace m_space;
     std::unordered_map<xcb_window_t, std::vector<Strut>> m_struts; // of every managed window
     std::unordered_map<std::uint32_t, xcb_atom_t> m_areasAtoms;    // by desktop
     SubscriptionPtr m_observer;
+    SubscriptionPtr m_handler;
 };
 
 } // namespace tessarel::x11

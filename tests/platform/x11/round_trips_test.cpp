@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <string>
+#include <vector>
+
 namespace tessarel::x11 {
 namespace {
 
@@ -18,6 +21,11 @@ protected:
         (void)snap({100, 100, 400, 300});
         client.destroy(window);
         settle();
+    }
+
+    [[nodiscard]] std::string listOfClients() {
+        const auto clients = observer.clients();
+        return {reinterpret_cast<const char*>(clients.data()), clients.size() * sizeof(clients[0])};
     }
 
     struct Cost {
@@ -51,13 +59,21 @@ protected:
 
 TEST_F(RoundTripsTest, ASnapReadsOnceWritesOnceAndReadsBackOnce) {
     (void)open();
-    (void)displays.screens(); // knows the new window's struts
     settle();
 
     const Cost cost = snap({200, 150, 600, 400});
 
     EXPECT_EQ(cost.untilWritten, 1U);
     EXPECT_EQ(cost.inAll, 3U) << "the reads, the manager's answer and the read-back";
+}
+
+TEST_F(RoundTripsTest, AManagerThatTellsItsOldNewsAgainCostsNothing) {
+    (void)open();
+    client.setProperty(observer.root(), "_NET_CLIENT_LIST", "WINDOW", 32, listOfClients());
+    client.setCardinals(observer.root(), "_NET_CURRENT_DESKTOP", {0});
+    settle();
+
+    EXPECT_EQ(snap({200, 150, 600, 400}).untilWritten, 1U);
 }
 
 TEST_F(RoundTripsTest, ASnapThatChangesNothingCostsNoMore) {
