@@ -24,9 +24,18 @@ protected:
         return kNames;
     }
 
-    /// Reads everything and moves the window. It has to end at the target, but for a decoration that the
-    /// client has made invisible.
-    void useWindow(xcb_window_t window) {
+    [[nodiscard]] Rect actualFrameWithoutShadows(xcb_window_t window) {
+        const auto frame = observer.clientFrame(window).value_or(x11test::Frame{});
+        const auto border = observer.extents(window, "_NET_FRAME_EXTENTS").value_or(x11test::Extents{});
+        const WindowFrame known{{static_cast<double>(frame.x), static_cast<double>(frame.y),
+                                 static_cast<double>(frame.width), static_cast<double>(frame.height)},
+                                {border.left, border.right, border.top, border.bottom},
+                                {}};
+        return known.outer();
+    }
+
+    /// Reads everything there is to know about the window.
+    void readWindow(xcb_window_t window) {
         settle();
         const Element element = elementOf(window);
         for (const auto name : {attribute::kRole, attribute::kSubrole, attribute::kMinimized,
@@ -36,10 +45,17 @@ protected:
         EXPECT_EQ(workspace.frontmostApplication()->processIdentifier, client.pid());
         for (const Screen& screen : displays.screens())
             EXPECT_GE(screen.visibleFrame.width * screen.visibleFrame.height, 1600 * 900 / 16);
+        EXPECT_FALSE(connection.isLost());
+    }
+
+    /// Reads and moves the window. It has to end at the target, but for a decoration that the client has made
+    /// invisible.
+    void useWindow(xcb_window_t window) {
+        readWindow(window);
+        const Element element = elementOf(window);
         writeFrame(element, kTarget);
         EXPECT_NEAR(readFrame(element).x, kTarget.x, kThickestDecoration);
         EXPECT_NEAR(readFrame(element).y, kTarget.y, kThickestDecoration);
-        EXPECT_FALSE(connection.isLost());
     }
 };
 
@@ -73,9 +89,21 @@ TEST_F(HostileClientTest, NegativeAndHugeNumbersAreNoValues) {
     for (const char byte : {'\xFF', '\x7F', '\x80'}) {
         const xcb_window_t window = open();
         for (const char* name : properties())
-            client.setProperty(window, name, "CARDINAL", 32, std::string(16, byte));
+            if (std::string_view(name) != "_GTK_FRAME_EXTENTS") // managers may believe it
+                client.setProperty(window, name, "CARDINAL", 32, std::string(16, byte));
         client.setProperty(window, "WM_TRANSIENT_FOR", "WINDOW", 32, std::string(4, byte));
         useWindow(window);
+    }
+}
+
+TEST_F(HostileClientTest, AbsurdShadowsAreNoneWhateverTheManagerMakesOfThem) {
+    for (const char byte : {'\xFF', '\x7F', '\x80'}) {
+        const xcb_window_t window = open();
+        client.setProperty(window, "_GTK_FRAME_EXTENTS", "CARDINAL", 32, std::string(16, byte));
+        readWindow(window);
+        const Element element = elementOf(window);
+        writeFrame(element, kTarget);
+        EXPECT_EQ(readFrame(element), actualFrameWithoutShadows(window));
     }
 }
 
