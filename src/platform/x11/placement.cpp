@@ -59,10 +59,13 @@ bool wasIgnored(const WindowFrame& before, const WindowFrame& after, const Frame
 Placement::Placement(Connection& connection, ClientWindows& windows)
     : m_connection(connection), m_windows(windows), m_barrier(connection), m_manager(connection) {}
 
-void Placement::place(xcb_window_t window, const FrameWish& wish) {
+void Placement::place(xcb_window_t window, FrameWish wish) {
     const auto before = m_windows.frame(window);
     if (!before)
         return;
+    // A manager was seen to make windows higher that were only to be moved.
+    if (!wish.size && before->states == WindowStates{})
+        wish.size = before->outer().size();
     normalize(window, before->states);
     bool settled = ask(window, wish, before->extents);
     auto after = readBack(window);

@@ -24,7 +24,7 @@ public:
     /// Asks for the frame in one step and comes back when the manager has settled it, or has not answered in
     /// time. Maximised and shaded windows are brought back to normal first; where a manager holds on to a
     /// window that it has tiled, it is made to let go. Does nothing when the window has gone.
-    void place(xcb_window_t window, const FrameWish& wish);
+    void place(xcb_window_t window, FrameWish wish);
 
 private:
     /// Sends the wish and waits; false when nobody has answered.

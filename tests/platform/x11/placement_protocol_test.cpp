@@ -150,12 +150,27 @@ TEST_F(PlacementProtocolTest, BothKindsOfExtentsNeverAddUp) {
     EXPECT_EQ(manager.heard(), (std::vector{moveResize(kOrigin | kSize, {100, 120, 621, 475})}));
 }
 
-TEST_F(PlacementProtocolTest, OnlyWhatWasWrittenIsAskedFor) {
-    placement.place(window, {.origin = Point{101, 121}, .size = std::nullopt});
-    EXPECT_EQ(manager.heard(), (std::vector{moveResize(kOrigin, {101, 121, 0, 0})}));
-
+TEST_F(PlacementProtocolTest, ASizeAloneSaysNothingOfThePlace) {
     placement.place(window, {.origin = std::nullopt, .size = Size{300, 200}});
+
     EXPECT_EQ(manager.heard(), (std::vector{moveResize(kSize, {0, 0, 300, 200})}));
+}
+
+TEST_F(PlacementProtocolTest, APositionAloneInsistsOnThePresentSize) {
+    setExtents("_NET_FRAME_EXTENTS", {1, 2, 20, 4});
+
+    placement.place(window, {.origin = Point{100, 101}, .size = std::nullopt});
+
+    EXPECT_EQ(manager.heard(), (std::vector{moveResize(kOrigin | kSize, {100, 101, 500, 400})}));
+}
+
+TEST_F(PlacementProtocolTest, APositionAloneLeavesTheSizeToAWindowThatWasMaximised) {
+    setStates({"_NET_WM_STATE_MAXIMIZED_VERT"});
+
+    placement.place(window, {.origin = Point{101, 121}, .size = std::nullopt});
+
+    EXPECT_EQ(manager.heard(),
+              (std::vector{changeMaximized(kRemove), moveResize(kOrigin, {101, 121, 0, 0})}));
 }
 
 TEST_F(PlacementProtocolTest, NegativePositionsTravelAsTheyAre) {
