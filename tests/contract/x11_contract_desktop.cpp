@@ -310,7 +310,11 @@ WindowHandle X11ContractDesktop::openWindow(AppHandle application, const WindowO
 }
 
 void X11ContractDesktop::focus(WindowHandle window) {
+    constexpr std::uint32_t kPager = 2;
     m_observer.activate(id(window));
+    // Not every manager raises what it activates.
+    m_observer.sendToRoot(id(window), "_NET_RESTACK_WINDOW",
+                          {kPager, XCB_WINDOW_NONE, XCB_STACK_MODE_ABOVE, 0, 0});
     waitFor("the focus", [&] {
         const auto stack = m_observer.values(m_observer.root(), "_NET_CLIENT_LIST_STACKING");
         const auto top =
