@@ -4,16 +4,6 @@
 #include <utility>
 
 namespace tessarel {
-namespace {
-
-constexpr std::array<std::pair<std::int64_t, std::string_view>, 4> kModifierNames{{
-    {kCtrlKey, "Ctrl"},
-    {kOptKey, "Opt"},
-    {kShiftKey, "Shift"},
-    {kCmdKey, "Cmd"},
-}};
-
-} // namespace
 
 constexpr std::array<KeyNames::Entry, 68> KeyNames::names{{
     {0, "A"},       {1, "S"},       {2, "D"},      {3, "F"},       {4, "H"},     {5, "G"},   {6, "Z"},
@@ -43,12 +33,18 @@ std::string KeyNames::name(std::int64_t keyCode) {
     return std::string(entry->name);
 }
 
-std::string KeyNames::describe(const std::optional<Binding>& binding) {
+std::string KeyNames::describe(const std::optional<Binding>& binding, const ModifierNames& modifierNames) {
     if (!binding)
         return "None";
 
+    const std::array<std::pair<std::int64_t, std::string_view>, 4> modifiers{{
+        {kCtrlKey, modifierNames.ctrl},
+        {kOptKey, modifierNames.opt},
+        {kShiftKey, modifierNames.shift},
+        {kCmdKey, modifierNames.cmd},
+    }};
     std::string text;
-    for (const auto& [bit, modifierName] : kModifierNames) {
+    for (const auto& [bit, modifierName] : modifiers) {
         if ((binding->mods & bit) != 0)
             text.append(modifierName).append("+");
     }

@@ -10,6 +10,14 @@
 
 namespace tessarel {
 
+/// How the four modifiers are called on this system.
+struct ModifierNames {
+    std::string_view ctrl = "Ctrl";
+    std::string_view opt = "Opt";
+    std::string_view shift = "Shift";
+    std::string_view cmd = "Cmd";
+};
+
 /// The short names of keys and hot keys that the user sees.
 class KeyNames {
 public:
@@ -26,7 +34,8 @@ public:
 
     /// Text for a hot key, as in "Ctrl+Opt+Return"; "None" without one. Modifier bits other than the four are
     /// ignored.
-    [[nodiscard]] static std::string describe(const std::optional<Binding>& binding);
+    [[nodiscard]] static std::string describe(const std::optional<Binding>& binding,
+                                              const ModifierNames& modifierNames = {});
 };
 
 } // namespace tessarel
