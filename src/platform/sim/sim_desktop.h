@@ -3,11 +3,14 @@
 #include "platform/sim/sim_accessibility.h"
 #include "platform/sim/sim_displays.h"
 #include "platform/sim/sim_hot_keys.h"
+#include "platform/sim/sim_login_item.h"
 #include "platform/sim/sim_main_queue.h"
 #include "platform/sim/sim_preferences.h"
 #include "platform/sim/sim_services.h"
 #include "platform/sim/sim_single_instance.h"
 #include "platform/sim/sim_state.h"
+#include "platform/sim/sim_status_item.h"
+#include "platform/sim/sim_window_list.h"
 #include "platform/sim/sim_workspace.h"
 
 #include <cstdint>
@@ -90,11 +93,16 @@ public:
     [[nodiscard]] SimAlerts& alerts() { return m_alerts; }
     [[nodiscard]] SimDisplays& displays() { return m_displays; }
     [[nodiscard]] SimHotKeys& hotKeys() { return m_hotKeys; }
+    [[nodiscard]] SimLoginItem& loginItem() { return m_loginItem; }
+    [[nodiscard]] SimMainMenu& mainMenu() { return m_mainMenu; }
     [[nodiscard]] SimMainQueue& mainQueue() { return m_mainQueue; }
     [[nodiscard]] SimOpenUrl& openUrl() { return m_openUrl; }
+    [[nodiscard]] SimOwnApplication& ownApplication() { return m_ownApplication; }
     [[nodiscard]] SimPreferences& preferences() { return m_preferences; }
     [[nodiscard]] SimPreferencesStorage& preferencesStorage() { return m_preferencesStorage; }
+    [[nodiscard]] SimStatusItem& statusItem() { return m_statusItem; }
     [[nodiscard]] SimTrust& trust() { return m_trust; }
+    [[nodiscard]] SimWindowList& windowList() { return m_windowList; }
     [[nodiscard]] SimWorkspace& workspace() { return m_workspace; }
     /// A copy of the program.
     [[nodiscard]] SimSingleInstance makeCopy() { return SimSingleInstance(m_instanceHolder); }
@@ -112,10 +120,15 @@ private:
     SimAlerts m_alerts;
     SimDisplays m_displays{m_state};
     SimHotKeys m_hotKeys;
+    SimLoginItem m_loginItem;
+    SimMainMenu m_mainMenu;
     SimMainQueue m_mainQueue{m_state.clock};
     SimOpenUrl m_openUrl;
+    SimOwnApplication m_ownApplication;
     SimPreferences m_preferences{m_preferencesStorage};
+    SimStatusItem m_statusItem;
     SimTrust m_trust;
+    SimWindowList m_windowList{m_state};
     SimWorkspace m_workspace{m_state};
 };
 

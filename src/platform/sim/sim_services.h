@@ -2,6 +2,8 @@
 
 #include "ports/alert_sound_port.h"
 #include "ports/alerts_port.h"
+#include "ports/application_port.h"
+#include "ports/main_menu_port.h"
 #include "ports/open_url_port.h"
 #include "ports/trust_port.h"
 
@@ -27,6 +29,24 @@ public:
 
     std::vector<Alert> shown;        ///< in order
     std::deque<std::size_t> answers; ///< buttons that the user will press, next one first
+};
+
+/// Counts what the program has had the system do with it.
+class SimOwnApplication : public ApplicationPort {
+public:
+    void activate() override { ++activations; }
+    void terminate() override { ++terminations; }
+
+    int activations = 0;
+    int terminations = 0;
+};
+
+/// Keeps the main menu that was set last.
+class SimMainMenu : public MainMenuPort {
+public:
+    void setMainMenu(const std::vector<MainMenu>& newMenus) override { menus = newMenus; }
+
+    std::vector<MainMenu> menus;
 };
 
 /// Keeps the addresses that would have been opened.

@@ -3,6 +3,7 @@
 #include "ports/accessibility_port.h"
 #include "ports/main_queue_port.h"
 #include "ports/process_id.h"
+#include "ports/window_list_port.h"
 
 #include <cstdint>
 #include <limits>
@@ -32,6 +33,8 @@ struct SimWindow {
     std::optional<std::string> role = "AXWindow";
     std::optional<std::string> subrole = "AXStandardWindow";
     AttributeOverrides overrides = {};
+    std::optional<double> alpha = 1;
+    std::optional<ListedWindow> listed = {}; ///< what the window list says instead of the truth
 
     Rect axFrameBefore = {}; ///< where it is seen until `settledAt`
     MainQueuePort::TimePoint settledAt = {};
