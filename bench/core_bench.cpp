@@ -32,7 +32,8 @@ struct Core {
     Store store{desktop.preferences()};
     Geo geo{desktop.displays(), store};
     AX ax{desktop.accessibility(), desktop.workspace()};
-    WindowEngine engine{ax, geo, desktop.displays(), desktop.alertSound(), store};
+    WindowEngine engine{
+        ax, geo, desktop.displays(), desktop.workspace(), desktop.windowList(), desktop.alertSound(), store};
 };
 
 void zoneFrame(benchmark::State& state) {

@@ -78,7 +78,8 @@ int run(const char* programName) {
     qt::QtOpenUrl openUrl;
     x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl);
     AppDelegate delegate({desktop.accessibility, desktop.alertSound, desktop.displays, desktop.hotKeys,
-                          desktop.preferences, desktop.singleInstance, desktop.trust, desktop.workspace});
+                          desktop.preferences, desktop.singleInstance, desktop.trust, desktop.windowList,
+                          desktop.workspace});
     if (delegate.applicationDidFinishLaunching() == AppDelegate::Launch::AnotherCopyRuns)
         return EXIT_SUCCESS;
     if (session == x11::Session::Wayland)

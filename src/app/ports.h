@@ -7,6 +7,7 @@
 #include "ports/hot_key_port.h"
 #include "ports/single_instance_port.h"
 #include "ports/trust_port.h"
+#include "ports/window_list_port.h"
 #include "ports/workspace_port.h"
 
 namespace tessarel {
@@ -20,6 +21,7 @@ struct Ports {
     PreferencesPort& preferences;
     SingleInstancePort& singleInstance;
     TrustPort& trust;
+    WindowListPort& windowList;
     WorkspacePort& workspace;
 };
 

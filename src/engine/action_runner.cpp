@@ -31,9 +31,10 @@ void ActionRunner::dispatch(ActionID action) {
         return m_engine.moveFocusedToDisplay(+1);
     case ActionID::previousDisplay:
         return m_engine.moveFocusedToDisplay(-1);
+    case ActionID::arrangeAll:
+        return m_engine.arrangeAll();
     default:
-        // `arrangeAll` is the one left: it arrives with the window list port and does nothing until then.
-        return;
+        return; // the zone actions are dealt with above
     }
 }
 

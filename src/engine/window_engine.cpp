@@ -40,8 +40,10 @@ struct WindowEngine::Target {
     Rect axFrame;
 };
 
-WindowEngine::WindowEngine(AX& ax, Geo& geo, DisplaysPort& displays, AlertSoundPort& alertSound, Store& store)
-    : m_ax(ax), m_geo(geo), m_displays(displays), m_alertSound(alertSound), m_store(store) {}
+WindowEngine::WindowEngine(AX& ax, Geo& geo, DisplaysPort& displays, WorkspacePort& workspace,
+                           WindowListPort& windowList, AlertSoundPort& alertSound, Store& store)
+    : m_ax(ax), m_geo(geo), m_displays(displays), m_workspace(workspace), m_windowList(windowList),
+      m_alertSound(alertSound), m_store(store) {}
 
 WindowEngine::WindowKey WindowEngine::key(const Element& window) const {
     return m_ax.key(window);

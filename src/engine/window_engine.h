@@ -1,17 +1,22 @@
 #pragma once
 
 #include "engine/ax.h"
+#include "engine/found_window.h"
 #include "engine/geo.h"
 #include "model/store.h"
 #include "model/zone.h"
 #include "ports/alert_sound_port.h"
 #include "ports/displays_port.h"
+#include "ports/window_list_port.h"
+#include "ports/workspace_port.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
+#include <vector>
 
 namespace tessarel {
 
@@ -26,7 +31,8 @@ public:
     /// By how much two frames may differ and still be taken for the same one.
     static constexpr double kTolerance = 3;
 
-    WindowEngine(AX& ax, Geo& geo, DisplaysPort& displays, AlertSoundPort& alertSound, Store& store);
+    WindowEngine(AX& ax, Geo& geo, DisplaysPort& displays, WorkspacePort& workspace,
+                 WindowListPort& windowList, AlertSoundPort& alertSound, Store& store);
 
     /// What the memory knows the window by. Equal elements have equal keys; windows whose keys happen to be
     /// equal cannot be told apart.
@@ -67,15 +73,29 @@ public:
     /// sound.
     void moveFocusedToDisplay(int offset);
 
+    /// The windows that can be seen in the area `on` and may be moved, front to back, at most `limit`. A
+    /// window counts where its middle lies; small or transparent ones, those of this program and of ignored
+    /// programs do not count. A program is asked for its windows only when one of them may be among them.
+    [[nodiscard]] std::vector<FoundWindow> visibleWindows(const Rect& on, std::size_t limit) const;
+
+    /// Puts the visible windows of the focused window's screen, else of the main screen, front to back into
+    /// the enabled zones in their order. What there is no zone for stays where it is.
+    void arrangeAll();
+
 private:
     struct Target;
 
     [[nodiscard]] std::optional<FocusedWindow> usableFocusedWindow() const;
     [[nodiscard]] std::optional<Target> target() const;
+    [[nodiscard]] std::optional<Element> match(const Rect& axBounds, ProcessId pid,
+                                               const std::unordered_set<WindowKey>& seen) const;
+    [[nodiscard]] std::optional<Screen> attendedScreen() const;
 
     AX& m_ax;
     Geo& m_geo;
     DisplaysPort& m_displays;
+    WorkspacePort& m_workspace;
+    WindowListPort& m_windowList;
     AlertSoundPort& m_alertSound;
     Store& m_store;
     // The restore memory lasts for the run of the program; entries of windows that have closed simply stay.

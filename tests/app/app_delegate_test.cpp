@@ -25,7 +25,7 @@ protected:
     [[nodiscard]] Ports ports(SingleInstancePort& instance) {
         return {desktop.accessibility(), desktop.alertSound(),  desktop.displays(),
                 desktop.hotKeys(),       desktop.preferences(), instance,
-                desktop.trust(),         desktop.workspace()};
+                desktop.trust(),         desktop.windowList(),  desktop.workspace()};
     }
 
     sim::SimDesktop desktop;
@@ -173,6 +173,7 @@ protected:
                              preferences,
                              instance,
                              trust,
+                             desktop.windowList(),
                              desktop.workspace()};
         recording.emplace(recorded);
         return recording->applicationDidFinishLaunching();

@@ -44,7 +44,8 @@ protected:
     AppSettings& settings = store.settings;
     Geo geo{desktop.displays(), store};
     AX ax{desktop.accessibility(), desktop.workspace()};
-    WindowEngine engine{ax, geo, desktop.displays(), desktop.alertSound(), store};
+    WindowEngine engine{
+        ax, geo, desktop.displays(), desktop.workspace(), desktop.windowList(), desktop.alertSound(), store};
     Runtime runtime;
     Permissions permissions{desktop.trust()};
     ActionRunner runner{engine, store, permissions, runtime};

@@ -248,7 +248,9 @@ TEST_F(WindowActionsTest, SavingComesAfterTheWindowHasBeenPlaced) {
     Rect seen;
     LookingPreferences preferences{[&] { seen = desktop.frame(window); }};
     Store looking{preferences};
-    WindowEngine lookingEngine{ax, geo, desktop.displays(), desktop.alertSound(), looking};
+    WindowEngine lookingEngine{
+        ax,     geo, desktop.displays(), desktop.workspace(), desktop.windowList(), desktop.alertSound(),
+        looking};
 
     lookingEngine.snapFocused(kRightHalf, 1);
 

@@ -152,6 +152,16 @@ const ClientWindows::Known& ClientWindows::learn(xcb_window_t window) {
     return Questions(*this, window).collect();
 }
 
+void ClientWindows::learnAll(const std::vector<xcb_window_t>& windows) {
+    startTurn();
+    std::vector<Questions> all;
+    all.reserve(windows.size());
+    for (const xcb_window_t window : windows)
+        all.emplace_back(*this, window);
+    for (Questions& questions : all)
+        questions.collect();
+}
+
 std::optional<ProcessId> ClientWindows::pid(xcb_window_t window) {
     learn(window);
     return m_pids[window];

@@ -32,6 +32,9 @@ public:
     [[nodiscard]] std::optional<WindowFrame> frame(xcb_window_t window);
     [[nodiscard]] WindowTraits traits(xcb_window_t window);
 
+    /// Asks for all about `windows` in one round trip; the calls above then answer from memory.
+    void learnAll(const std::vector<xcb_window_t>& windows);
+
     /// Makes `frame` ask again: the window has been written to.
     void forgetFrame(xcb_window_t window);
 

@@ -10,6 +10,7 @@
 #include "platform/x11/monitors.h"
 #include "platform/x11/single_instance.h"
 #include "platform/x11/trust.h"
+#include "platform/x11/window_list.h"
 #include "platform/x11/workspace.h"
 #include "ports/alerts_port.h"
 #include "ports/main_queue_port.h"
@@ -25,7 +26,8 @@ struct X11Desktop {
         : monitors(connection), windows(connection), accessibility(connection, monitors, windows),
           alertSound(connection), displays(connection, monitors, windows), hotKeys(connection),
           preferences(FilePreferences::userFolder()), singleInstance(connection),
-          trust(connection, session, queue, alerts, openUrl), workspace(windows) {}
+          trust(connection, session, queue, alerts, openUrl), windowList(connection, monitors, windows),
+          workspace(windows) {}
     X11Desktop(const X11Desktop&) = delete;
     X11Desktop& operator=(const X11Desktop&) = delete;
 
@@ -38,6 +40,7 @@ struct X11Desktop {
     FilePreferences preferences;
     X11SingleInstance singleInstance;
     X11Trust trust;
+    X11WindowList windowList;
     X11Workspace workspace;
 };
 

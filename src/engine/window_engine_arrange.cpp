@@ -1,0 +1,95 @@
+#include "engine/window_engine.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <limits>
+#include <unordered_set>
+#include <utility>
+
+namespace tessarel {
+
+namespace {
+
+/// Smaller windows are palettes and the like.
+constexpr Size kSmallestArranged{120, 80};
+/// Windows that let more through than this are not seen.
+constexpr double kFaintest = 0.05;
+/// By how much the window server's and the application's word for a frame may differ.
+constexpr double kMatchTolerance = 4;
+
+/// The process that owns the listed window; none for what is not an ordinary window seen in `axArea`.
+std::optional<ProcessId> ownerOfVisible(const ListedWindow& listed, const Rect& axArea) {
+    if (listed.layer != 0 || !listed.ownerPid || !listed.axBounds)
+        return {};
+    using Limits = std::numeric_limits<ProcessId>;
+    if (*listed.ownerPid < Limits::min() || *listed.ownerPid > Limits::max())
+        return {};
+    const Rect& axBounds = *listed.axBounds;
+    if (axBounds.absWidth() < kSmallestArranged.width || axBounds.absHeight() < kSmallestArranged.height)
+        return {};
+    if (listed.alpha && *listed.alpha < kFaintest)
+        return {};
+    if (!axArea.contains({axBounds.midX(), axBounds.midY()}))
+        return {};
+    return static_cast<ProcessId>(*listed.ownerPid);
+}
+
+} // namespace
+
+std::vector<FoundWindow> WindowEngine::visibleWindows(const Rect& on, std::size_t limit) const {
+    std::vector<FoundWindow> found;
+    std::unordered_set<WindowKey> seen;
+    for (const ListedWindow& listed : m_windowList.onScreenWindows()) {
+        if (found.size() == limit)
+            break;
+        const auto owner = ownerOfVisible(listed, on);
+        if (!owner || *owner == m_workspace.ownProcessIdentifier() ||
+            isIgnored(m_workspace.runningApplication(*owner)))
+            continue;
+        if (auto window = match(*listed.axBounds, *owner, seen)) {
+            seen.insert(key(*window));
+            found.push_back({*std::move(window), *owner});
+        }
+    }
+    return found;
+}
+
+/// The first window of process `pid` that may be moved, stands at `axBounds` and is none of `seen`.
+std::optional<Element> WindowEngine::match(const Rect& axBounds, ProcessId pid,
+                                           const std::unordered_set<WindowKey>& seen) const {
+    for (Element& window : m_ax.windows(pid)) {
+        if (!m_ax.isUsable(window))
+            continue;
+        const auto axFrame = m_ax.frame(window);
+        if (axFrame && approx(*axFrame, axBounds, kMatchTolerance) && !seen.contains(key(window)))
+            return std::move(window);
+    }
+    return {};
+}
+
+void WindowEngine::arrangeAll() {
+    std::vector<Zone> zones = m_store.settings.zones;
+    std::erase_if(zones, [](const Zone& zone) { return !zone.enabled; });
+    if (zones.empty())
+        return;
+    const auto screen = attendedScreen();
+    if (!screen)
+        return;
+    const Rect visible = m_geo.axVisible(*screen);
+    auto zone = zones.cbegin();
+    for (const FoundWindow& found : visibleWindows(m_geo.axFrame(*screen), zones.size()))
+        place(found.element, found.pid, m_geo.zoneFrame(*zone++, visible), visible, {});
+}
+
+/// The screen of the focused window, whatever window it is, else the main one.
+std::optional<Screen> WindowEngine::attendedScreen() const {
+    if (const auto focused = m_ax.focusedWindow()) {
+        if (const auto axFrame = m_ax.frame(focused->window)) {
+            if (auto screen = m_geo.screen(*axFrame))
+                return screen;
+        }
+    }
+    return m_displays.mainScreen();
+}
+
+} // namespace tessarel
