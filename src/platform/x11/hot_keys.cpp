@@ -88,6 +88,7 @@ SubscriptionPtr X11HotKeys::installHandler(std::function<void(std::uint32_t id)>
 std::vector<SubscriptionPtr> X11HotKeys::registerHotKeys(std::span<const HotKeyRequest> requests) {
     const std::size_t heldBefore = m_grabs.size();
     std::vector<std::optional<std::size_t>> serials;
+    serials.reserve(requests.size());
     for (const HotKeyRequest& request : requests) {
         const auto wanted = combination(request);
         serials.push_back(std::nullopt);
@@ -99,6 +100,7 @@ std::vector<SubscriptionPtr> X11HotKeys::registerHotKeys(std::span<const HotKeyR
     acquire(heldBefore);
 
     std::vector<SubscriptionPtr> claims;
+    claims.reserve(serials.size());
     for (const auto& serial : serials)
         claims.push_back(serial && holds(*serial) ? std::make_unique<Claim>(m_self, *serial) : nullptr);
     return claims;
