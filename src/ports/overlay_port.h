@@ -51,8 +51,8 @@ public:
     virtual void setFrame(const Rect& screenFrame) = 0;
 
     /// From now on the window shows `figures`, painted in this order, and nothing anywhere else. `changed`
-    /// covers all that looks different from before, in local coordinates; the rest need not be painted anew.
-    /// Every number is finite, except for those of a null shape.
+    /// holds the bounds of those that have come, gone or changed, as they were and as they are; all other
+    /// figures look as before. Every number is finite, except for those of a null shape.
     virtual void setFigures(const std::vector<OverlayFigure>& figures, const std::vector<Rect>& changed) = 0;
 
     /// Shows the window in front of all others, or brings it there again. Nothing else loses its focus.
