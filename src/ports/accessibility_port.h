@@ -3,6 +3,7 @@
 #include "ports/process_id.h"
 #include "ports/rect.h"
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -29,9 +30,10 @@ inline constexpr std::string_view kSize = "AXSize";                   ///< Size,
 inline constexpr std::string_view kWindows = "AXWindows";             ///< elements, application
 inline constexpr std::string_view kFocusedWindow = "AXFocusedWindow"; ///< element, application
 inline constexpr std::string_view kRole = "AXRole";                   ///< string
-inline constexpr std::string_view kSubrole = "AXSubrole";             ///< string, window
-inline constexpr std::string_view kMinimized = "AXMinimized";         ///< bool, window
-inline constexpr std::string_view kFullScreen = "AXFullScreen";       ///< bool, window
+inline constexpr std::string_view kWindow = "AXWindow"; ///< element: the window that a part of it belongs to
+inline constexpr std::string_view kSubrole = "AXSubrole";                             ///< string, window
+inline constexpr std::string_view kMinimized = "AXMinimized";                         ///< bool, window
+inline constexpr std::string_view kFullScreen = "AXFullScreen";                       ///< bool, window
 inline constexpr std::string_view kEnhancedUserInterface = "AXEnhancedUserInterface"; ///< bool, application
 } // namespace attribute
 
@@ -48,6 +50,20 @@ public:
     /// The element of the application with process id `pid`. Never fails: an element of a process that does
     /// not exist simply has no attributes.
     [[nodiscard]] virtual Element application(ProcessId pid) = 0;
+
+    /// The element that stands for the whole desktop.
+    [[nodiscard]] virtual Element systemWide() = 0;
+
+    /// Bounds how long a call about `element` may block. The limit belongs to this very element, copies of it
+    /// included, and not to others that are equal to it; that of the system-wide element holds for all
+    /// elements without one of their own. Systems on which no program is waited for need none.
+    virtual void setMessagingTimeout(const Element& element, std::chrono::milliseconds limit) = 0;
+
+    /// What is on top at `axPoint` among all windows, or among those of the application that `within` is: a
+    /// window, or a part of one. Empty when there is nothing that could be moved, or its owner does not
+    /// answer. Whether windows of this program are found is not said.
+    [[nodiscard]] virtual std::optional<Element> elementAtPosition(const Element& within,
+                                                                   const Point& axPoint) = 0;
 
     /// Value of `attribute` in the type its owner gives it; empty when it has none or does not answer.
     [[nodiscard]] virtual std::optional<AttributeValue> copyAttribute(const Element& element,

@@ -11,35 +11,19 @@ namespace tessarel::sim {
 
 namespace {
 
-/// What an element's handle points at.
-struct Name {
-    ProcessId pid = 0;
-    std::optional<WindowId> window;
-};
-
-const Name* nameOf(const Element& element) {
-    return static_cast<const Name*>(element.handle.get());
-}
-
-Element elementOf(const Name& name) {
-    return {std::make_shared<const Name>(name)};
-}
-
 std::string text(double number) {
     std::array<char, 32> digits{};
     const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
     return {digits.data(), end};
 }
 
-std::string text(const Name& name) {
-    if (name.window)
-        return "window " + std::to_string(static_cast<std::uint32_t>(*name.window));
-    return "application " + std::to_string(name.pid);
+std::string text(const Point& point) {
+    return text(point.x) + "," + text(point.y);
 }
 
 std::string text(const AttributeValue& value) {
     if (const auto* point = std::get_if<Point>(&value))
-        return text(point->x) + "," + text(point->y);
+        return text(*point);
     if (const auto* size = std::get_if<Size>(&value))
         return text(size->width) + "x" + text(size->height);
     if (const auto* boolean = std::get_if<bool>(&value))
@@ -69,13 +53,75 @@ std::optional<AttributeValue> asValue(const std::optional<std::string>& string) 
 
 } // namespace
 
+/// What an element's handle points at.
+struct SimAccessibility::Name {
+    enum class Kind { Application, Window, PartOfWindow, Desktop };
+
+    Kind kind = Kind::Application;
+    ProcessId pid = 0;
+    WindowId window = {};
+    mutable std::optional<SimClock::Duration> timeLimit = {}; // of this handle, whatever it names
+};
+
+const SimAccessibility::Name* SimAccessibility::nameOf(const Element& element) {
+    return static_cast<const Name*>(element.handle.get());
+}
+
+Element SimAccessibility::elementOf(const Name& name) {
+    return {std::make_shared<const Name>(name)};
+}
+
+std::string SimAccessibility::text(const Name& name) {
+    const std::string window = "window " + std::to_string(static_cast<std::uint32_t>(name.window));
+    switch (name.kind) {
+    case Name::Kind::Application:
+        return "application " + std::to_string(name.pid);
+    case Name::Kind::Window:
+        return window;
+    case Name::Kind::PartOfWindow:
+        return "part of " + window;
+    case Name::Kind::Desktop:
+        return "desktop";
+    }
+    return {};
+}
+
 Element SimAccessibility::application(ProcessId pid) {
-    return elementOf({pid, {}});
+    return elementOf({Name::Kind::Application, pid});
 }
 
 Element SimAccessibility::window(WindowId id) {
     const SimWindow* window = m_state.window(id);
-    return elementOf({window ? window->pid : 0, id});
+    return elementOf({Name::Kind::Window, window ? window->pid : 0, id});
+}
+
+Element SimAccessibility::systemWide() {
+    return elementOf({Name::Kind::Desktop});
+}
+
+void SimAccessibility::setMessagingTimeout(const Element& element, std::chrono::milliseconds limit) {
+    const Name* name = nameOf(element);
+    if (!name)
+        return;
+    m_state.requests.push_back("limit " + text(*name) + " " + std::to_string(limit.count()));
+    if (name->kind == Name::Kind::Desktop)
+        m_timeLimit = limit;
+    else
+        name->timeLimit = limit;
+}
+
+std::optional<Element> SimAccessibility::elementAtPosition(const Element& within, const Point& axPoint) {
+    const Name* name = nameOf(within);
+    if (!name)
+        return {};
+    m_state.requests.push_back("find " + tessarel::sim::text(axPoint));
+    const SimWindow* window = m_state.windowAt(axPoint);
+    const bool isWithin = name->kind == Name::Kind::Desktop || (window && window->pid == name->pid);
+    if (!window || !isWithin)
+        return {};
+    const Name found{window->partRole ? Name::Kind::PartOfWindow : Name::Kind::Window, window->pid,
+                     window->id};
+    return ask(*name, found.pid) ? std::optional(elementOf(found)) : std::nullopt;
 }
 
 std::optional<AttributeValue> SimAccessibility::copyAttribute(const Element& element,
@@ -84,10 +130,19 @@ std::optional<AttributeValue> SimAccessibility::copyAttribute(const Element& ele
     if (!name)
         return {};
     m_state.requests.push_back("read " + text(*name) + " " + std::string(attribute));
-    if (!ask(name->pid))
+    if (!ask(*name, name->pid))
         return {};
-    return name->window ? windowAttribute(*name->window, attribute)
-                        : applicationAttribute(name->pid, attribute);
+    switch (name->kind) {
+    case Name::Kind::Application:
+        return applicationAttribute(name->pid, attribute);
+    case Name::Kind::Window:
+        return windowAttribute(name->window, attribute);
+    case Name::Kind::PartOfWindow:
+        return partAttribute(name->window, attribute);
+    case Name::Kind::Desktop:
+        return {};
+    }
+    return {};
 }
 
 void SimAccessibility::setAttribute(const Element& element, std::string_view attribute,
@@ -95,18 +150,19 @@ void SimAccessibility::setAttribute(const Element& element, std::string_view att
     const Name* name = nameOf(element);
     if (!name)
         return;
-    m_state.requests.push_back("write " + text(*name) + " " + std::string(attribute) + " " + text(value));
-    SimApplication* application = ask(name->pid);
+    m_state.requests.push_back("write " + text(*name) + " " + std::string(attribute) + " " +
+                               tessarel::sim::text(value));
+    SimApplication* application = ask(*name, name->pid);
     if (!application)
         return;
 
-    if (!name->window) {
+    if (name->kind == Name::Kind::Application) {
         const auto* on = std::get_if<bool>(&value);
         if (on && attribute == attribute::kEnhancedUserInterface && application->enhancedInterface)
             application->enhancedInterface = *on;
         return;
     }
-    SimWindow* window = m_state.window(*name->window);
+    SimWindow* window = name->kind == Name::Kind::Window ? m_state.window(name->window) : nullptr;
     if (!window || window->fullScreen)
         return;
     const auto* point = std::get_if<Point>(&value);
@@ -122,23 +178,35 @@ bool SimAccessibility::canExpress(const Rect& axFrame) {
 }
 
 std::uintptr_t SimAccessibility::key(const Element& element) {
+    constexpr std::uintptr_t kPart = std::uintptr_t{1} << 30U;
     constexpr std::uintptr_t kApplication = std::uintptr_t{1} << 31U;
     const Name* name = nameOf(element);
     if (!name)
         return 0;
-    return name->window ? static_cast<std::uintptr_t>(*name->window)
-                        : static_cast<std::uintptr_t>(name->pid) | kApplication;
+    switch (name->kind) {
+    case Name::Kind::Application:
+        return static_cast<std::uintptr_t>(name->pid) | kApplication;
+    case Name::Kind::Window:
+        return static_cast<std::uintptr_t>(name->window);
+    case Name::Kind::PartOfWindow:
+        return static_cast<std::uintptr_t>(name->window) | kPart;
+    case Name::Kind::Desktop:
+        return kApplication;
+    }
+    return 0;
 }
 
 std::optional<ProcessId> SimAccessibility::pid(const Element& element) {
     const Name* name = nameOf(element);
-    const bool exists = name && (name->window ? m_state.window(*name->window) != nullptr
-                                              : m_state.application(name->pid) != nullptr);
+    if (!name)
+        return {};
+    const bool exists = name->kind == Name::Kind::Application ? m_state.application(name->pid) != nullptr
+                                                              : m_state.window(name->window) != nullptr;
     return exists ? std::optional(name->pid) : std::nullopt;
 }
 
 /// The application, when it is there to answer; time passes until it has, or until nobody waits any longer.
-SimApplication* SimAccessibility::ask(ProcessId pid) {
+SimApplication* SimAccessibility::ask(const Name& asked, ProcessId pid) {
     SimApplication* application = m_state.application(pid);
     if (!application)
         return nullptr;
@@ -146,8 +214,9 @@ SimApplication* SimAccessibility::ask(ProcessId pid) {
         m_state.endApplication(pid);
         return nullptr;
     }
-    m_state.clock.block(std::min(application->answerTime, SimApplication::kTimeLimit));
-    return application->answerTime < SimApplication::kTimeLimit ? application : nullptr;
+    const auto limit = asked.timeLimit.value_or(m_timeLimit);
+    m_state.clock.block(std::min(application->answerTime, limit));
+    return application->answerTime < limit ? application : nullptr;
 }
 
 std::optional<AttributeValue> SimAccessibility::applicationAttribute(ProcessId pid,
@@ -156,7 +225,7 @@ std::optional<AttributeValue> SimAccessibility::applicationAttribute(ProcessId p
     if (const auto* said = overrideOf(application.overrides, attribute))
         return *said;
     if (attribute == attribute::kFocusedWindow && application.focusedWindow)
-        return elementOf({pid, application.focusedWindow});
+        return elementOf({Name::Kind::Window, pid, *application.focusedWindow});
     if (attribute == attribute::kEnhancedUserInterface && application.enhancedInterface)
         return *application.enhancedInterface;
     if (attribute == attribute::kRole)
@@ -166,7 +235,7 @@ std::optional<AttributeValue> SimAccessibility::applicationAttribute(ProcessId p
     std::vector<Element> windows;
     for (const SimWindow& window : m_state.windows) {
         if (window.pid == pid)
-            windows.push_back(elementOf({pid, window.id}));
+            windows.push_back(elementOf({Name::Kind::Window, pid, window.id}));
     }
     return windows;
 }
@@ -191,6 +260,19 @@ std::optional<AttributeValue> SimAccessibility::windowAttribute(WindowId id, std
     if (attribute == attribute::kFullScreen)
         return window->fullScreen;
     return {};
+}
+
+/// A part says of itself only what it is and whose.
+std::optional<AttributeValue> SimAccessibility::partAttribute(WindowId id, std::string_view attribute) {
+    const SimWindow* window = m_state.window(id);
+    if (!window)
+        return {};
+    if (attribute == attribute::kRole)
+        return asValue(window->partRole);
+    if (attribute != attribute::kWindow)
+        return {};
+    const auto* said = overrideOf(window->overrides, attribute);
+    return said ? *said : elementOf({Name::Kind::Window, window->pid, id});
 }
 
 void SimAccessibility::setPosition(SimWindow& window, const Point& position) {

@@ -3,19 +3,26 @@
 #include "platform/sim/sim_state.h"
 #include "ports/accessibility_port.h"
 
+#include <chrono>
+#include <string>
+
 namespace tessarel::sim {
 
 /// The windows of the simulated desktop's applications.
 ///
-/// Every read and write is recorded in the order of asking, as a line like "read window 3 AXSize" or
-/// "write window 3 AXSize 640x480". A write to a window of a program whose enhanced interface is on is seen
-/// only after a while, as on a system that animates it.
+/// Every request is recorded in the order of asking, as a line like "read window 3 AXSize",
+/// "write window 3 AXSize 640x480", "find 300,160" or "limit window 3 250". A write to a window of a program
+/// whose enhanced interface is on is seen only after a while, as on a system that animates it.
 class SimAccessibility : public AccessibilityPort {
 public:
     explicit SimAccessibility(SimState& state) : m_state(state) {}
 
     [[nodiscard]] Element application(ProcessId pid) override;
     [[nodiscard]] Element window(WindowId id);
+    [[nodiscard]] Element systemWide() override;
+    void setMessagingTimeout(const Element& element, std::chrono::milliseconds limit) override;
+    [[nodiscard]] std::optional<Element> elementAtPosition(const Element& within,
+                                                           const Point& axPoint) override;
 
     [[nodiscard]] std::optional<AttributeValue> copyAttribute(const Element& element,
                                                               std::string_view attribute) override;
@@ -26,16 +33,24 @@ public:
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
 
 private:
-    [[nodiscard]] SimApplication* ask(ProcessId pid);
+    struct Name;
+
+    [[nodiscard]] static const Name* nameOf(const Element& element);
+    [[nodiscard]] static Element elementOf(const Name& name);
+    [[nodiscard]] static std::string text(const Name& name);
+
+    [[nodiscard]] SimApplication* ask(const Name& asked, ProcessId pid);
     [[nodiscard]] std::optional<AttributeValue> applicationAttribute(ProcessId pid,
                                                                      std::string_view attribute);
     [[nodiscard]] std::optional<AttributeValue> windowAttribute(WindowId id, std::string_view attribute);
+    [[nodiscard]] std::optional<AttributeValue> partAttribute(WindowId id, std::string_view attribute);
     void setPosition(SimWindow& window, const Point& position);
     void setSize(SimWindow& window, const Size& size);
     [[nodiscard]] Size cut(const Size& size, const Point& axOrigin) const;
     void show(SimWindow& window, const Rect& axFrame);
 
     SimState& m_state;
+    SimClock::Duration m_timeLimit = SimApplication::kTimeLimit; ///< of elements without their own
 };
 
 } // namespace tessarel::sim

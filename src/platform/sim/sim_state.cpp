@@ -15,6 +15,14 @@ SimWindow* SimState::window(WindowId id) {
     return found == windows.end() ? nullptr : &*found;
 }
 
+SimWindow* SimState::windowAt(const Point& axPoint) {
+    const auto shows = [&](const SimWindow& window) {
+        return !window.minimized && window.shownAxFrame(clock.now()).contains(axPoint);
+    };
+    const auto found = std::find_if(windows.begin(), windows.end(), shows);
+    return found == windows.end() ? nullptr : &*found;
+}
+
 Rect SimState::axFrame(const Screen& screen) const {
     const Rect& frame = screen.frame;
     return {frame.minX(), screens.front().frame.absHeight() - frame.maxY(), frame.absWidth(),

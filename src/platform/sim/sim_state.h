@@ -30,6 +30,8 @@ struct SimState {
     [[nodiscard]] SimApplication* application(ProcessId pid);
     /// The window with number `id`, or null.
     [[nodiscard]] SimWindow* window(WindowId id);
+    /// The window on top at the point, or null.
+    [[nodiscard]] SimWindow* windowAt(const Point& axPoint);
     /// The screen's whole area in accessibility coordinates.
     [[nodiscard]] Rect axFrame(const Screen& screen) const;
     /// The display that shows the point, else the primary one; null when there is none.

@@ -32,6 +32,8 @@ struct SimWindow {
     bool fullScreen = false; ///< and then it keeps its frame
     std::optional<std::string> role = "AXWindow";
     std::optional<std::string> subrole = "AXStandardWindow";
+    std::optional<std::string> partRole =
+        {}; ///< of the part found at any point of it; empty: itself is found
     AttributeOverrides overrides = {};
     std::optional<double> alpha = 1;
     std::optional<ListedWindow> listed = {}; ///< what the window list says instead of the truth

@@ -1,6 +1,7 @@
 #include "platform/x11/accessibility.h"
 
 #include "platform/x11/conversions.h"
+#include "platform/x11/window_at_point.h"
 
 #include <limits>
 #include <memory>
@@ -13,12 +14,13 @@ namespace tessarel::x11 {
 
 namespace {
 
-constexpr std::string_view kWindowOfElement = "AXWindow";
 constexpr auto kHalfAKey = std::numeric_limits<std::uintptr_t>::digits / 2;
 
-/// What an element is: a process, or one of its windows.
+constexpr ProcessId kNoProcess = 0;
+
+/// What an element is: a process, or one of its windows; without either the whole desktop.
 struct NativeElement {
-    ProcessId pid = 0;
+    ProcessId pid = kNoProcess;
     xcb_window_t window = XCB_WINDOW_NONE;
 };
 
@@ -70,6 +72,24 @@ X11Accessibility::X11Accessibility(Connection& connection, Monitors& monitors, C
 
 Element X11Accessibility::application(ProcessId pid) {
     return makeElement(pid, XCB_WINDOW_NONE);
+}
+
+Element X11Accessibility::systemWide() {
+    return makeElement(kNoProcess, XCB_WINDOW_NONE);
+}
+
+void X11Accessibility::setMessagingTimeout(const Element& /*element*/, std::chrono::milliseconds /*limit*/) {}
+
+std::optional<Element> X11Accessibility::elementAtPosition(const Element& within, const Point& axPoint) {
+    const auto rootPoint = rootFromAx(axPoint, m_monitors.primaryOrigin());
+    if (!within.handle || !rootPoint)
+        return std::nullopt;
+    const auto window = windowAtPoint(m_connection, m_windows, *rootPoint);
+    const auto pid = window ? m_windows.pid(*window) : std::nullopt;
+    const ProcessId wanted = nativeElement(within).pid;
+    if (!pid || isOwn(*pid) || (wanted != kNoProcess && wanted != *pid))
+        return std::nullopt;
+    return makeElement(*pid, *window);
 }
 
 std::optional<AttributeValue> X11Accessibility::copyAttribute(const Element& element,
@@ -125,7 +145,7 @@ std::optional<AttributeValue> X11Accessibility::windowAttribute(const Element& e
         return role(m_windows.traits(window));
     if (attribute == attribute::kSubrole)
         return subrole(m_windows.traits(window));
-    if (attribute == kWindowOfElement)
+    if (attribute == attribute::kWindow)
         return element;
     return std::nullopt;
 }

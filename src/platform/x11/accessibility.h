@@ -6,6 +6,7 @@
 #include "platform/x11/placement.h"
 #include "ports/accessibility_port.h"
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string_view>
@@ -22,6 +23,12 @@ public:
     X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows);
 
     [[nodiscard]] Element application(ProcessId pid) override;
+    [[nodiscard]] Element systemWide() override;
+    /// Nothing to bound: the server answers for the programs, and the manager is never waited for long.
+    void setMessagingTimeout(const Element& element, std::chrono::milliseconds limit) override;
+    /// A managed window, wherever within its visible frame the point is.
+    [[nodiscard]] std::optional<Element> elementAtPosition(const Element& within,
+                                                           const Point& axPoint) override;
     [[nodiscard]] std::optional<AttributeValue> copyAttribute(const Element& element,
                                                               std::string_view attribute) override;
     void setAttribute(const Element& element, std::string_view attribute,

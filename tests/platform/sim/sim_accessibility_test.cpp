@@ -195,5 +195,64 @@ TEST_F(SimAccessibilityTest, OnlyWritesMayBeTaken) {
     EXPECT_THAT(desktop.takeWrites(), ElementsAre("write window 1 AXPosition 0,0"));
 }
 
+TEST_F(SimAccessibilityTest, APartOfAWindowSaysWhatItIsAndWhose) {
+    desktop.window(window).partRole = "AXButton";
+    SimAccessibility& port = desktop.accessibility();
+    const auto part = port.elementAtPosition(port.systemWide(), {300, 160});
+    ASSERT_TRUE(part);
+
+    const auto role = port.copyAttribute(*part, attribute::kRole);
+    ASSERT_TRUE(role);
+    EXPECT_EQ(std::get<std::string>(*role), "AXButton");
+    const auto owner = port.copyAttribute(*part, attribute::kWindow);
+    ASSERT_TRUE(owner);
+    EXPECT_EQ(port.key(std::get<Element>(*owner)), port.key(desktop.element(window)));
+    EXPECT_NE(port.key(*part), port.key(desktop.element(window)));
+    EXPECT_FALSE(port.copyAttribute(*part, attribute::kPosition));
+}
+
+TEST_F(SimAccessibilityTest, APartMayKeepItsWindowToItself) {
+    desktop.window(window).partRole = "AXButton";
+    desktop.window(window).overrides["AXWindow"] = std::nullopt;
+    SimAccessibility& port = desktop.accessibility();
+
+    const auto part = port.elementAtPosition(port.systemWide(), {300, 160});
+
+    EXPECT_FALSE(port.copyAttribute(*part, attribute::kWindow));
+}
+
+TEST_F(SimAccessibilityTest, ATimeLimitBelongsToTheElementThatItWasGivenTo) {
+    editor().answerTime = 1s;
+    const Element limited = desktop.element(window);
+    const Element copy = limited;
+    desktop.accessibility().setMessagingTimeout(limited, 250ms);
+
+    EXPECT_FALSE(desktop.accessibility().copyAttribute(copy, attribute::kPosition));
+    EXPECT_EQ(desktop.mainQueue().now().time_since_epoch(), 250ms);
+    EXPECT_TRUE(desktop.accessibility().copyAttribute(desktop.element(window), attribute::kPosition));
+    EXPECT_EQ(desktop.mainQueue().now().time_since_epoch(), 1250ms);
+}
+
+TEST_F(SimAccessibilityTest, TheTimeLimitOfTheDesktopHoldsForAllWithoutTheirOwn) {
+    editor().answerTime = 1s;
+    SimAccessibility& port = desktop.accessibility();
+    port.setMessagingTimeout(port.systemWide(), 250ms);
+
+    EXPECT_FALSE(position());
+    EXPECT_FALSE(port.elementAtPosition(port.systemWide(), {300, 160}));
+    EXPECT_EQ(desktop.mainQueue().now().time_since_epoch(), 500ms);
+}
+
+TEST_F(SimAccessibilityTest, FindingAndLimitsAreRecordedToo) {
+    SimAccessibility& port = desktop.accessibility();
+    port.setMessagingTimeout(port.systemWide(), 250ms);
+    const auto found = port.elementAtPosition(port.systemWide(), {300.5, 160});
+    ASSERT_TRUE(found);
+    port.setMessagingTimeout(*found, 100ms);
+
+    EXPECT_THAT(desktop.takeRequests(),
+                ElementsAre("limit desktop 250", "find 300.5,160", "limit window 1 100"));
+}
+
 } // namespace
 } // namespace tessarel::sim
