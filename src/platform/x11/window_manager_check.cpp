@@ -25,7 +25,6 @@ constexpr std::array kNeededHints = std::to_array<Hint>({
     {Atom::NetActiveWindow, "_NET_ACTIVE_WINDOW"},
     {Atom::NetClientList, "_NET_CLIENT_LIST"},
     {Atom::NetClientListStacking, "_NET_CLIENT_LIST_STACKING"},
-    {Atom::NetWmState, "_NET_WM_STATE"},
 });
 
 constexpr std::uint32_t kMostHints = 4096;

@@ -78,9 +78,8 @@ private:
     xcb_window_t m_window;
 };
 
-const std::vector<const char*> kAllHints{"_NET_MOVERESIZE_WINDOW",    "_NET_FRAME_EXTENTS",
-                                         "_NET_ACTIVE_WINDOW",        "_NET_CLIENT_LIST",
-                                         "_NET_CLIENT_LIST_STACKING", "_NET_WM_STATE"};
+const std::vector<const char*> kAllHints{"_NET_MOVERESIZE_WINDOW", "_NET_FRAME_EXTENTS", "_NET_ACTIVE_WINDOW",
+                                         "_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING"};
 
 class X11TrustTest : public testing::Test {
 protected:
@@ -178,7 +177,7 @@ TEST_F(X11TrustTest, PromptingReturnsAtOnceAndTellsWhatIsMissing) {
 
 TEST_F(X11TrustTest, PromptingNamesTheHintsThatTheWindowManagerLacks) {
     const PretendedWindowManager manager(
-        observer, {"_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING", "_NET_WM_STATE"});
+        observer, {"_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST", "_NET_CLIENT_LIST_STACKING"});
 
     trust->prompt();
     loop.turn();
