@@ -131,7 +131,8 @@ std::optional<AttributeValue> X11Accessibility::windowAttribute(const Element& e
                                                                 std::string_view attribute) {
     const xcb_window_t window = nativeElement(element).window;
     const auto frame = m_windows.frame(window);
-    if (!frame)
+    if (!frame ||
+        (isOnItsWay(window) && (attribute == attribute::kPosition || attribute == attribute::kSize)))
         return std::nullopt;
     if (attribute == attribute::kPosition)
         return axFromRoot(frame->outer(), m_monitors.primaryOrigin()).origin();
@@ -176,8 +177,12 @@ void X11Accessibility::setAttribute(const Element& element, std::string_view att
 void X11Accessibility::finishWrites() {
     const xcb_window_t window = std::exchange(m_written, XCB_WINDOW_NONE);
     const FrameWish wish = std::exchange(m_wish, {});
-    if (window != XCB_WINDOW_NONE)
-        m_placement.place(window, wish);
+    if (window != XCB_WINDOW_NONE && !m_placement.place(window, wish))
+        m_unsettled = {window, m_connection.turn()};
+}
+
+bool X11Accessibility::isOnItsWay(xcb_window_t window) const {
+    return m_unsettled.window == window && m_unsettled.turn == m_connection.turn();
 }
 
 bool X11Accessibility::canExpress(const Rect& axFrame) {

@@ -17,7 +17,8 @@ namespace tessarel::x11 {
 ///
 /// An element is a process, or a managed window of a process. Writes of position and size to a window are
 /// collected and asked of the manager in one step, when that window is read next or the turn ends; a read
-/// after a write is the settled truth. Windows of this program are not answered.
+/// after a write is the settled truth, and has no value when the manager does not answer in time. Windows of
+/// this program are not answered.
 class X11Accessibility : public AccessibilityPort {
 public:
     X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows);
@@ -47,6 +48,8 @@ private:
     /// Whether the window is there and still that process's.
     [[nodiscard]] bool isWindowOf(xcb_window_t window, ProcessId pid);
     void finishWrites();
+    /// Whether the manager has not said in this turn where the window is to be.
+    [[nodiscard]] bool isOnItsWay(xcb_window_t window) const;
 
     Connection& m_connection;
     Monitors& m_monitors;
@@ -54,6 +57,10 @@ private:
     Placement m_placement;
     xcb_window_t m_written = XCB_WINDOW_NONE; // the window that the wish is for
     FrameWish m_wish;
+    struct {
+        xcb_window_t window = XCB_WINDOW_NONE;
+        std::uint64_t turn = 0;
+    } m_unsettled; // the window, and the turn, in which the manager has not answered
     SubscriptionPtr m_endOfTurn;
 };
 

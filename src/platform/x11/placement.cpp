@@ -59,10 +59,10 @@ bool wasIgnored(const WindowFrame& before, const WindowFrame& after, const Frame
 Placement::Placement(Connection& connection, ClientWindows& windows)
     : m_connection(connection), m_windows(windows), m_barrier(connection), m_manager(connection) {}
 
-void Placement::place(xcb_window_t window, FrameWish wish) {
+bool Placement::place(xcb_window_t window, FrameWish wish) {
     const auto before = m_windows.frame(window);
     if (!before)
-        return;
+        return true;
     // A manager was seen to make windows higher that were only to be moved.
     if (!wish.size && before->states == WindowStates{})
         wish.size = before->outer().size();
@@ -75,9 +75,10 @@ void Placement::place(xcb_window_t window, FrameWish wish) {
     }
     if (settled && after && wasIgnored(*before, *after, wish)) {
         releaseFromTile(window);
-        ask(window, wish, after->extents);
+        settled = ask(window, wish, after->extents);
         m_windows.forgetFrame(window);
     }
+    return settled;
 }
 
 bool Placement::ask(xcb_window_t window, const FrameWish& wish, const Extents& extents) {

@@ -23,8 +23,9 @@ public:
 
     /// Asks for the frame in one step and comes back when the manager has settled it, or has not answered in
     /// time. Maximised and shaded windows are brought back to normal first; where a manager holds on to a
-    /// window that it has tiled, it is made to let go. Does nothing when the window has gone.
-    void place(xcb_window_t window, FrameWish wish);
+    /// window that it has tiled, it is made to let go. Does nothing when the window has gone. False when the
+    /// manager has not answered: then the window may still be on its way.
+    bool place(xcb_window_t window, FrameWish wish);
 
 private:
     /// Sends the wish and waits; false when nobody has answered.
