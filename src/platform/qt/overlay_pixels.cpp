@@ -1,0 +1,41 @@
+#include "platform/qt/overlay_pixels.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tessarel::qt {
+
+namespace {
+
+/// Far beyond the 16 bits of the largest desktop, and safe to reckon with.
+constexpr double kLimit = 1 << 20;
+
+int lower(double edge) {
+    return static_cast<int>(std::floor(std::clamp(edge, -kLimit, kLimit)));
+}
+
+int upper(double edge) {
+    return static_cast<int>(std::ceil(std::clamp(edge, -kLimit, kLimit)));
+}
+
+QRect fromEdges(int left, int top, int right, int bottom) {
+    return {left, top, right - left, bottom - top};
+}
+
+} // namespace
+
+QRect pixels(const Rect& rect) {
+    if (rect.isNull())
+        return {};
+    return fromEdges(lower(rect.minX()), lower(rect.minY()), upper(rect.maxX()), upper(rect.maxY()));
+}
+
+QRect pixels(const QRect& rect, double scale) {
+    return pixels(Rect{rect.x() * scale, rect.y() * scale, rect.width() * scale, rect.height() * scale});
+}
+
+QRect units(const QRect& pixels, double scale) {
+    return qt::pixels(pixels, 1 / scale);
+}
+
+} // namespace tessarel::qt

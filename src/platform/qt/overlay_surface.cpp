@@ -1,0 +1,98 @@
+#include "platform/qt/overlay_surface.h"
+
+#include "platform/qt/overlay_native.h"
+#include "platform/qt/overlay_outline.h"
+#include "platform/qt/overlay_pixels.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+
+namespace tessarel::qt {
+
+namespace {
+
+constexpr Qt::WindowFlags kFlags = Qt::Window | Qt::FramelessWindowHint | Qt::WindowTransparentForInput |
+                                   Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
+                                   Qt::BypassWindowManagerHint;
+
+} // namespace
+
+OverlaySurface::OverlaySurface(Kind kind, const std::vector<OverlayFigure>& figures)
+    : QWidget(nullptr, kFlags), m_kind(kind), m_figures(figures) {
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setAttribute(Qt::WA_OpaquePaintEvent, kind == Kind::Outlined);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setAttribute(Qt::WA_TranslucentBackground, kind == Kind::Translucent);
+    create();
+    if (kind == Kind::Translucent)
+        clearWhenShown(*this);
+}
+
+void OverlaySurface::cover(const QRect& frame) {
+    m_frame = frame;
+    coverPixels(*this, frame);
+}
+
+void OverlaySurface::appear() {
+    cutOutFigures();
+    show();
+    raise();
+}
+
+void OverlaySurface::repaintPixels(const QRegion& changed) {
+    cutOutFigures();
+    QRegion region;
+    for (const QRect& part : changed& windowPixels())
+        region += units(part, devicePixelRatioF());
+    if (!region.isEmpty())
+        repaint(region);
+}
+
+QRect OverlaySurface::extent(const OverlayFigure& figure) {
+    if (m_kind == Kind::Translucent)
+        return m_translucent.extent(figure, devicePixelRatioF());
+    return OutlineFigures(windowPixels(), devicePixelRatioF()).extent(figure);
+}
+
+void OverlaySurface::cutOutFigures() {
+    if (m_kind == Kind::Translucent)
+        return;
+    const OutlineFigures outlines(windowPixels(), devicePixelRatioF());
+    QRegion region;
+    for (const OverlayFigure& figure : m_figures)
+        region += outlines.region(figure);
+    if (region == m_cutOut && !m_cutOut.isEmpty())
+        return;
+    m_cutOut = region;
+    cutOut(*this, region);
+}
+
+void OverlaySurface::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    const double scale = devicePixelRatioF();
+    painter.scale(1 / scale, 1 / scale);
+    for (const QRect& part : event->region())
+        paintFigures(painter, pixels(part, scale) & windowPixels());
+}
+
+void OverlaySurface::paintFigures(QPainter& painter, const QRect& area) {
+    const double scale = devicePixelRatioF();
+    const OutlineFigures outlines(windowPixels(), scale);
+    painter.setClipRect(area);
+    if (m_kind == Kind::Translucent) {
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+        painter.fillRect(area, Qt::transparent);
+        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    }
+    for (const OverlayFigure& figure : m_figures) {
+        if (!extent(figure).intersects(area))
+            continue;
+        if (m_kind == Kind::Translucent)
+            m_translucent.paint(painter, figure, scale);
+        else
+            outlines.paint(painter, figure);
+    }
+}
+
+} // namespace tessarel::qt

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "ports/overlay_port.h"
+
+#include <QImage>
+#include <QPainter>
+#include <QRect>
+
+#include <map>
+#include <string>
+#include <tuple>
+
+namespace tessarel::qt {
+
+/// Figures as they look where windows may be translucent, in pixels from the top-left corner of the window.
+///
+/// Labels have a soft dark halo, so that they read on white as well. Their size follows the scale factor that
+/// the user has set for all text; everything else is given in pixels.
+class TranslucentFigures {
+public:
+    /// `scale`: pixels per unit of the user's text sizes.
+    void paint(QPainter& painter, const OverlayFigure& figure, double scale);
+
+    /// All pixels that `paint` may touch.
+    [[nodiscard]] QRect extent(const OverlayFigure& figure, double scale);
+
+private:
+    using LabelKey = std::tuple<std::string, double, int, double, double>;
+
+    [[nodiscard]] const QImage& labelImage(const OverlayLabel& label, double scale);
+
+    std::map<LabelKey, QImage> m_labels; // drawing one takes longer than drawing a zone
+};
+
+} // namespace tessarel::qt
