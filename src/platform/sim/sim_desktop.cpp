@@ -56,9 +56,9 @@ WindowId SimDesktop::openWindow(const std::string& bundleIdentifier, const Rect&
 
 WindowId SimDesktop::openWindow(ProcessId pid, const SimWindow& window) {
     const WindowId id{++m_lastWindow};
-    const auto opened = m_state.windows.insert(m_state.windows.begin(), window);
-    opened->id = id;
-    opened->pid = pid;
+    SimWindow& opened = m_state.windows.emplace_back(window);
+    opened.id = id;
+    opened.pid = pid;
     focus(id);
     return id;
 }
