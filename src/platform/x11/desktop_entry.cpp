@@ -1,0 +1,104 @@
+#include "platform/x11/desktop_entry.h"
+
+#include <optional>
+#include <utility>
+
+namespace tessarel::x11::desktop_entry {
+
+namespace {
+
+constexpr std::string_view kGroup = "[Desktop Entry]";
+constexpr std::string_view kBlanks = " \t\r";
+
+std::string_view trimmed(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+/// Cuts the first line off `text`.
+std::string_view takeLine(std::string_view& text) {
+    const std::size_t end = text.find('\n');
+    const std::string_view line = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    return trimmed(line);
+}
+
+/// The value of `key` in the main group; empty when it is missing.
+std::optional<std::string_view> value(std::string_view content, std::string_view key) {
+    bool inGroup = false;
+    while (!content.empty()) {
+        const std::string_view line = takeLine(content);
+        if (line.starts_with('['))
+            inGroup = line == kGroup;
+        const std::size_t equals = line.find('=');
+        if (inGroup && equals != std::string_view::npos && trimmed(line.substr(0, equals)) == key)
+            return trimmed(line.substr(equals + 1));
+    }
+    return std::nullopt;
+}
+
+/// `text` as the value of a string key: what would end the line, or be taken for an escape, is escaped.
+std::string escaped(std::string_view text) {
+    std::string result;
+    for (const char character : text) {
+        switch (character) {
+        case '\\':
+            result += "\\\\";
+            break;
+        case '\n':
+            result += "\\n";
+            break;
+        case '\r':
+            result += "\\r";
+            break;
+        case '\t':
+            result += "\\t";
+            break;
+        default:
+            result += character;
+        }
+    }
+    return result;
+}
+
+std::string entry(std::string_view name, std::string_view rest) {
+    std::string content(kGroup);
+    content += "\nType=Application\nName=";
+    content += escaped(name);
+    content += '\n';
+    content += rest;
+    return content;
+}
+
+} // namespace
+
+std::string execWord(std::string_view argument) {
+    constexpr std::string_view kReserved = " \t\n\r\"'\\><~|&;$*?#()`";
+    constexpr std::string_view kEscapedInQuotes = "\"`$\\";
+    const bool quoted = argument.empty() || argument.find_first_of(kReserved) != std::string_view::npos;
+    std::string word;
+    for (const char character : argument) {
+        if (kEscapedInQuotes.find(character) != std::string_view::npos)
+            word += '\\';
+        word += character;
+        if (character == '%') // else it would start a field code
+            word += character;
+    }
+    return escaped(quoted ? '"' + word + '"' : word);
+}
+
+std::string autostart(std::string_view name, std::string_view path) {
+    return entry(name, "Exec=" + execWord(path) + "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n");
+}
+
+std::string hidden(std::string_view name) {
+    return entry(name, "Hidden=true\n");
+}
+
+bool isEnabled(std::string_view content) {
+    return value(content, "Hidden") != "true" && value(content, "X-GNOME-Autostart-enabled") != "false";
+}
+
+} // namespace tessarel::x11::desktop_entry

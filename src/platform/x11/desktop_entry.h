@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tessarel::x11::desktop_entry {
+
+/// `argument` as one word of an Exec line, read back as it stands whatever characters it has.
+[[nodiscard]] std::string execWord(std::string_view argument);
+
+/// An entry that starts the program at `path` at login.
+[[nodiscard]] std::string autostart(std::string_view name, std::string_view path);
+
+/// An entry that hides every less important one of its file name.
+[[nodiscard]] std::string hidden(std::string_view name);
+
+/// Whether a session starts what the entry with this content stands for.
+[[nodiscard]] bool isEnabled(std::string_view content);
+
+} // namespace tessarel::x11::desktop_entry
