@@ -1,0 +1,114 @@
+#include "platform/qt/tray_watch.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QGuiApplication>
+#include <QObject>
+#include <qguiapplication_platform.h>
+#include <xcb/xcb.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace tessarel::qt {
+
+namespace {
+
+const QString kWatcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
+
+/// A watcher that does not answer must not keep the program from starting.
+constexpr std::chrono::milliseconds kPatience{500};
+
+struct Free {
+    void operator()(void* pointer) const { std::free(pointer); }
+};
+
+/// Qt's connection to the X server; null where there is none.
+xcb_connection_t* xConnection() {
+    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 != nullptr ? x11->connection() : nullptr;
+}
+
+xcb_atom_t atom(xcb_connection_t* xcb, std::string_view name) {
+    const auto cookie = xcb_intern_atom(xcb, 0, static_cast<std::uint16_t>(name.size()), name.data());
+    const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply(xcb_intern_atom_reply(xcb, cookie, nullptr));
+    return reply ? reply->atom : XCB_ATOM_NONE;
+}
+
+/// The screen that $DISPLAY means.
+int screenNumber() {
+    char* host = nullptr;
+    int display = 0;
+    int screen = 0;
+    if (xcb_parse_display(nullptr, &host, &display, &screen) == 0)
+        return 0;
+    std::free(host);
+    return screen;
+}
+
+bool isOwned(xcb_atom_t selection) {
+    xcb_connection_t* const xcb = xConnection();
+    if (xcb == nullptr || selection == XCB_ATOM_NONE)
+        return false;
+    const auto cookie = xcb_get_selection_owner(xcb, selection);
+    const std::unique_ptr<xcb_get_selection_owner_reply_t, Free> reply(
+        xcb_get_selection_owner_reply(xcb, cookie, nullptr));
+    return reply && reply->owner != XCB_WINDOW_NONE;
+}
+
+bool statusNotifierHostRegistered() {
+    QDBusMessage question = QDBusMessage::createMethodCall(kWatcherService, kWatcherPath,
+                                                           QStringLiteral("org.freedesktop.DBus.Properties"),
+                                                           QStringLiteral("Get"));
+    question.setAutoStartService(false);
+    question << kWatcherService << QStringLiteral("IsStatusNotifierHostRegistered");
+    const QDBusMessage answer =
+        QDBusConnection::sessionBus().call(question, QDBus::Block, static_cast<int>(kPatience.count()));
+    return answer.arguments().value(0).value<QDBusVariant>().variant().toBool();
+}
+
+} // namespace
+
+TrayWatch::TrayWatch(std::function<void()> sign)
+    : m_sign(std::move(sign)), m_busWatcher(kWatcherService, QDBusConnection::sessionBus(),
+                                            QDBusServiceWatcher::WatchForRegistration) {
+    QObject::connect(&m_busWatcher, &QDBusServiceWatcher::serviceRegistered, &m_busWatcher,
+                     [this] { m_sign(); });
+    if (xcb_connection_t* const xcb = xConnection()) {
+        m_managerAtom = atom(xcb, "MANAGER");
+        m_selectionAtom = atom(xcb, "_NET_SYSTEM_TRAY_S" + std::to_string(screenNumber()));
+        qGuiApp->installNativeEventFilter(this);
+    }
+}
+
+TrayWatch::~TrayWatch() {
+    if (qGuiApp != nullptr)
+        qGuiApp->removeNativeEventFilter(this);
+}
+
+TrayWatch::Place TrayWatch::place() const {
+    if (statusNotifierHostRegistered())
+        return Place::StatusNotifierHost;
+    return isOwned(m_selectionAtom) ? Place::SystemTray : Place::None;
+}
+
+bool TrayWatch::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
+    if (eventType != "xcb_generic_event_t")
+        return false;
+    constexpr std::uint8_t kSentBySomebody = 0x80;
+    const auto* const event = static_cast<const xcb_generic_event_t*>(message);
+    if ((event->response_type & ~kSentBySomebody) != XCB_CLIENT_MESSAGE)
+        return false;
+    const auto* const news = static_cast<const xcb_client_message_event_t*>(message);
+    if (news->type == m_managerAtom && news->data.data32[1] == m_selectionAtom)
+        m_sign();
+    return false;
+}
+
+} // namespace tessarel::qt
