@@ -1,0 +1,181 @@
+#include "desktop/tray_desktop.h"
+
+#include <xcb/xtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+namespace tessarel::x11test {
+
+namespace {
+
+constexpr int kPanelHeight = 30; // as the configurations below say
+constexpr int kSmallestIcon = 16;
+
+void writeFile(const std::filesystem::path& file, std::string_view content) {
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file) << content;
+}
+
+std::string tint2Config(PanelColour colour) {
+    const std::string background = colour == PanelColour::Light ? "#f0f0f0 100" : "#181818 100";
+    return "rounded = 0\nborder_width = 0\nbackground_color = " + background +
+           "\npanel_items = S\npanel_size = 100% 30\npanel_position = bottom center horizontal\n"
+           "panel_background_id = 1\nsystray_padding = 4 2 4\nsystray_icon_size = 22\n";
+}
+
+constexpr std::string_view kXfce4PanelConfig = R"(<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=8;x=0;y=0"/>
+      <property name="length" type="uint" value="100"/>
+      <property name="size" type="uint" value="30"/>
+      <property name="plugin-ids" type="array"><value type="int" value="1"/></property>
+    </property>
+  </property>
+  <property name="plugins" type="empty"><property name="plugin-1" type="string" value="systray"/></property>
+</channel>
+)";
+
+std::vector<xcb_window_t> children(XConnection& x, xcb_window_t window) {
+    const auto tree = own(xcb_query_tree_reply(x.get(), xcb_query_tree(x.get(), window), nullptr));
+    if (!tree)
+        return {};
+    const xcb_window_t* const first = xcb_query_tree_children(tree.get());
+    return {first, first + xcb_query_tree_children_length(tree.get())};
+}
+
+/// Every window below `window`, at any depth.
+std::vector<xcb_window_t> descendants(XConnection& x, xcb_window_t window) {
+    std::vector<xcb_window_t> all;
+    for (const xcb_window_t child : children(x, window)) {
+        all.push_back(child);
+        const std::vector<xcb_window_t> below = descendants(x, child);
+        all.insert(all.end(), below.begin(), below.end());
+    }
+    return all;
+}
+
+struct Appearance {
+    bool viewable = false;
+    bool overrideRedirect = false;
+};
+
+Appearance appearance(XConnection& x, xcb_window_t window) {
+    const auto attributes =
+        own(xcb_get_window_attributes_reply(x.get(), xcb_get_window_attributes(x.get(), window), nullptr));
+    if (!attributes)
+        return {};
+    return {attributes->map_state == XCB_MAP_STATE_VIEWABLE, attributes->override_redirect != 0};
+}
+
+bool isOfProbe(Observer& observer, xcb_window_t window) {
+    return observer.text(window, "WM_CLASS").find("status_item_probe") != std::string::npos;
+}
+
+} // namespace
+
+void Mouse::fake(std::uint8_t type, std::uint8_t detail, int x, int y) {
+    xcb_test_fake_input(m_observer.x().get(), type, detail, XCB_CURRENT_TIME, m_observer.root(),
+                        static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 0);
+    m_observer.x().roundTrip();
+}
+
+void Mouse::move(int x, int y) {
+    fake(XCB_MOTION_NOTIFY, 0, x, y);
+}
+
+void Mouse::click(std::uint8_t button) {
+    fake(XCB_BUTTON_PRESS, button);
+    fake(XCB_BUTTON_RELEASE, button);
+}
+
+void Mouse::clickCentre(const Frame& frame, std::uint8_t button) {
+    // From its edge to its centre: menus take a row only once the pointer has moved in it.
+    move(frame.x + 2, frame.y + frame.height / 2);
+    move(frame.x + frame.width / 2, frame.y + frame.height / 2);
+    click(button);
+}
+
+DesktopBus::DesktopBus(const Environment& environment)
+    : m_process({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address",
+                 "--address=unix:dir=" + environment.at("XDG_RUNTIME_DIR")},
+                environment),
+      m_address(m_process.readLine()) {}
+
+std::unique_ptr<ChildProcess> startTint2(const XServer& server, const Environment& environment,
+                                         PanelColour colour) {
+    const std::filesystem::path config = server.configHome() / "tint2rc";
+    writeFile(config, tint2Config(colour));
+    return std::make_unique<ChildProcess>(std::vector<std::string>{"tint2", "-c", config}, environment);
+}
+
+std::unique_ptr<ChildProcess> startXfce4Panel(const XServer& server, const Environment& environment) {
+    writeFile(server.configHome() / "xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml", kXfce4PanelConfig);
+    return std::make_unique<ChildProcess>(std::vector<std::string>{"xfce4-panel", "--disable-wm-check"},
+                                          environment);
+}
+
+StatusItemProbe::StatusItemProbe(const Environment& environment, Observer& observer)
+    : m_process({TESSAREL_STATUS_ITEM_PROBE}, environment), m_observer(observer) {
+    if (heardUpTo("ready").empty())
+        throw std::runtime_error("the probe does not start: " + m_process.errors());
+}
+
+void StatusItemProbe::tell(std::string_view line) {
+    m_process.writeLine(line);
+    if (heardUpTo("done").empty())
+        throw std::runtime_error("the probe has gone: " + m_process.errors());
+}
+
+std::vector<std::string> StatusItemProbe::heardUpTo(std::string_view line) {
+    std::vector<std::string> heard;
+    while (auto next = m_process.nextLine()) {
+        heard.push_back(std::move(*next));
+        if (heard.back() == line)
+            return heard;
+    }
+    return {};
+}
+
+std::optional<Frame> StatusItemProbe::icon() {
+    XConnection& x = m_observer.x();
+    for (const xcb_window_t topLevel : children(x, m_observer.root()))
+        for (const xcb_window_t inner : descendants(x, topLevel))
+            if (isOfProbe(m_observer, inner) && appearance(x, inner).viewable)
+                return m_observer.clientFrame(inner);
+    return std::nullopt;
+}
+
+Frame StatusItemProbe::waitForIcon() {
+    // The panel takes the icon in first and finds a place for it then.
+    const int panelTop = m_observer.x().screen().height_in_pixels - kPanelHeight;
+    std::optional<Frame> found;
+    if (!m_observer.waitUntil(
+            [&] { return (found = icon()) && found->y >= panelTop && found->width >= kSmallestIcon; }))
+        throw std::runtime_error("no icon appears");
+    return *found;
+}
+
+std::vector<Frame> StatusItemProbe::menus() {
+    std::vector<Frame> found;
+    for (const xcb_window_t topLevel : children(m_observer.x(), m_observer.root())) {
+        const Appearance seen = appearance(m_observer.x(), topLevel);
+        if (!seen.viewable || !seen.overrideRedirect || !isOfProbe(m_observer, topLevel))
+            continue;
+        if (const auto frame = m_observer.clientFrame(topLevel))
+            found.push_back(*frame);
+    }
+    return found;
+}
+
+Frame StatusItemProbe::row(const Frame& menu, int position, int count) {
+    const int height = menu.height / count;
+    return {menu.x, menu.y + position * height, menu.width, height};
+}
+
+} // namespace tessarel::x11test

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "support/x11/child_process.h"
+#include "support/x11/observer.h"
+#include "support/x11/x_server.h"
+
+#include <xcb/xcb.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessarel::x11test {
+
+/// The mouse of an X server, moved and pressed for real.
+class Mouse {
+public:
+    static constexpr std::uint8_t kLeft = 1;
+    static constexpr std::uint8_t kRight = 3;
+
+    explicit Mouse(Observer& observer) : m_observer(observer) {}
+
+    void move(int x, int y);
+    void click(std::uint8_t button);
+    void clickCentre(const Frame& frame, std::uint8_t button);
+
+private:
+    void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
+
+    Observer& m_observer;
+};
+
+/// A session bus on which services of the machine may be started.
+class DesktopBus {
+public:
+    explicit DesktopBus(const Environment& environment);
+
+    [[nodiscard]] const std::string& address() const { return m_address; }
+    void kill() { m_process.kill(); }
+
+private:
+    ChildProcess m_process;
+    std::string m_address;
+};
+
+/// A panel at the bottom of the screen with nothing in it but status icons.
+enum class PanelColour { Light, Dark };
+/// One that takes in icons as windows.
+[[nodiscard]] std::unique_ptr<ChildProcess> startTint2(const XServer& server, const Environment& environment,
+                                                       PanelColour colour = PanelColour::Dark);
+/// One that is told on the session bus what to draw, and draws menus itself.
+[[nodiscard]] std::unique_ptr<ChildProcess> startXfce4Panel(const XServer& server,
+                                                            const Environment& environment);
+
+/// The program with a status item, and what the desktop shows of it.
+class StatusItemProbe {
+public:
+    StatusItemProbe(const Environment& environment, Observer& observer);
+
+    [[nodiscard]] ChildProcess& process() { return m_process; }
+
+    /// Has the program do to its item what `line` says.
+    void tell(std::string_view line);
+    /// What the program has told since, up to and with `line`; empty when it does not tell that.
+    [[nodiscard]] std::vector<std::string> heardUpTo(std::string_view line);
+
+    /// The window in which the icon stands; none while it does not.
+    [[nodiscard]] std::optional<Frame> icon();
+    /// The icon in its place in the panel, waited for; throws when it does not get there.
+    Frame waitForIcon();
+    /// The menus that are open, the first opened first.
+    [[nodiscard]] std::vector<Frame> menus();
+    /// The frame of row `position` of `count` rows of equal height.
+    [[nodiscard]] static Frame row(const Frame& menu, int position, int count);
+
+private:
+    ChildProcess m_process;
+    Observer& m_observer;
+};
+
+} // namespace tessarel::x11test

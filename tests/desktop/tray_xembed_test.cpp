@@ -1,0 +1,159 @@
+#include "desktop/tray_desktop.h"
+#include "support/x11/keyboard.h"
+#include "support/x11/window_manager.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+
+namespace tessarel::x11test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::SizeIs;
+
+constexpr int kRows = 5; // of the probe's menu
+
+/// A desktop without a session bus, whose panel takes icons in as windows.
+class TrayXEmbedTest : public testing::Test {
+protected:
+    static Environment withoutBus(Environment environment) {
+        environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
+        return environment;
+    }
+
+    void startPanel() { panel = startTint2(server, environment); }
+    void startProbe() { probe.emplace(environment, observer); }
+
+    Frame openMenu(std::uint8_t button) {
+        mouse.clickCentre(probe->waitForIcon(), button);
+        EXPECT_TRUE(observer.waitUntil([&] { return !probe->menus().empty(); })) << "no menu opens";
+        return probe->menus().at(0);
+    }
+    bool waitUntilClosed() {
+        return observer.waitUntil([&] { return probe->menus().empty(); });
+    }
+
+    XServer server{{.width = 800, .height = 600}};
+    Environment environment = withoutBus(server.environment());
+    WindowManager manager{server, WindowManagerKind::Openbox};
+    Observer observer{server.display()};
+    Keyboard keyboard{server, observer};
+    Mouse mouse{observer};
+    std::unique_ptr<ChildProcess> panel;
+    std::optional<StatusItemProbe> probe;
+};
+
+class TrayXEmbedButtonTest : public TrayXEmbedTest, public testing::WithParamInterface<std::uint8_t> {};
+
+TEST_P(TrayXEmbedButtonTest, OpensTheMenuAndChoosesARow) {
+    startPanel();
+    startProbe();
+    const Frame menu = openMenu(GetParam());
+
+    mouse.clickCentre(StatusItemProbe::row(menu, 1, kRows), Mouse::kLeft);
+
+    EXPECT_THAT(probe->heardUpTo("selected Alpha"), ElementsAre("asked 1", "selected Alpha"));
+    EXPECT_TRUE(waitUntilClosed());
+}
+
+INSTANTIATE_TEST_SUITE_P(Either, TrayXEmbedButtonTest, testing::Values(Mouse::kLeft, Mouse::kRight));
+
+TEST_F(TrayXEmbedTest, TheMenuIsAskedForEachTimeItOpens) {
+    startPanel();
+    startProbe();
+
+    for (const char* asked : {"asked 1", "asked 2", "asked 3"}) {
+        openMenu(Mouse::kLeft);
+        EXPECT_THAT(probe->heardUpTo(asked), SizeIs(1));
+        keyboard.press({.key = 9}); // Escape
+        ASSERT_TRUE(waitUntilClosed());
+    }
+}
+
+TEST_F(TrayXEmbedTest, ARowIsChosenByKeys) {
+    startPanel();
+    startProbe();
+    openMenu(Mouse::kLeft);
+
+    keyboard.press({.key = key::kUp}); // from the end
+    keyboard.press({.key = key::kReturn});
+
+    EXPECT_THAT(probe->heardUpTo("selected Quit"), Contains("selected Quit"));
+}
+
+TEST_F(TrayXEmbedTest, AnIconAppearsWhenAPanelDoes) {
+    startProbe();
+    EXPECT_EQ(probe->icon(), std::nullopt);
+
+    startPanel();
+
+    EXPECT_NO_THROW(probe->waitForIcon());
+}
+
+TEST_F(TrayXEmbedTest, APanelThatStartsAgainGetsTheIconBack) {
+    startPanel();
+    startProbe();
+    for (int i = 0; i < 3; ++i) {
+        probe->waitForIcon();
+        panel->kill();
+        EXPECT_TRUE(observer.waitUntil([&] { return !probe->icon(); }));
+        startPanel();
+    }
+
+    const Frame menu = openMenu(Mouse::kLeft);
+    mouse.clickCentre(StatusItemProbe::row(menu, 2, kRows), Mouse::kLeft);
+
+    EXPECT_THAT(probe->heardUpTo("selected Beta"), Contains("selected Beta"));
+    EXPECT_TRUE(probe->process().running());
+}
+
+TEST_F(TrayXEmbedTest, ThePanelMayGoWhileTheMenuIsOpen) {
+    startPanel();
+    startProbe();
+    const Frame menu = openMenu(Mouse::kLeft);
+
+    panel->kill();
+    mouse.clickCentre(StatusItemProbe::row(menu, 1, kRows), Mouse::kLeft);
+
+    EXPECT_THAT(probe->heardUpTo("selected Alpha"), Contains("selected Alpha"));
+}
+
+TEST_F(TrayXEmbedTest, TheIconGoesWithItsItem) {
+    startPanel();
+    startProbe();
+    probe->waitForIcon();
+
+    probe->tell("remove");
+
+    EXPECT_TRUE(observer.waitUntil([&] { return !probe->icon(); }));
+}
+
+TEST_F(TrayXEmbedTest, ATitleStandsInForAMissingImage) {
+    startPanel();
+    startProbe();
+    probe->waitForIcon();
+
+    probe->tell("clear");
+    EXPECT_TRUE(observer.waitUntil([&] { return !probe->icon(); }));
+    probe->tell("title TS");
+
+    EXPECT_NO_THROW(probe->waitForIcon());
+}
+
+TEST_F(TrayXEmbedTest, TheServerMayGo) {
+    startPanel();
+    startProbe();
+    probe->waitForIcon();
+
+    server.kill();
+
+    const auto exitCode = probe->process().waitForExit();
+    ASSERT_TRUE(exitCode.has_value());
+    EXPECT_LT(*exitCode, 128) << probe->process().errors();
+}
+
+} // namespace
+} // namespace tessarel::x11test
