@@ -7,9 +7,9 @@
 #include <QApplication>
 
 #include <iostream>
-#include <sstream>
 #include <string>
 #include <unistd.h>
+#include <utility>
 
 using namespace tessarel;
 
@@ -24,8 +24,8 @@ MenuItem row(std::string title, bool checked = false) {
 }
 
 /// Rows of equal height, so that a test finds each by its position; the first tells how often the menu was
-/// asked for.
-Menu menuAskedFor(int times) {
+/// asked for, and `layouts` more names stand in the submenu.
+Menu menuAskedFor(int times, int layouts) {
     MenuItem title = row("Asked " + std::to_string(times));
     title.isEnabled = false;
     MenuItem names = row("Names");
@@ -38,6 +38,8 @@ Menu menuAskedFor(int times) {
                      row(std::string(10'000, 'W')),
                      row("R&"),
                      row("")};
+    for (int i = 1; i <= layouts; ++i)
+        names.submenu.push_back(row("Layout " + std::to_string(i)));
     MenuItem quit = row("Quit");
     quit.keyEquivalent = "q";
     return {title, row("Alpha"), row("Beta", true), names, quit};
@@ -50,7 +52,7 @@ public:
               m_item.create({.menuNeedsUpdate =
                                  [this] {
                                      tell("asked " + std::to_string(++m_asked));
-                                     return menuAskedFor(m_asked);
+                                     return menuAskedFor(m_asked, m_layouts);
                                  },
                              .itemSelected = [](const MenuItem& item) { tell("selected " + item.title); }})),
           m_input(m_queue.onReadable(STDIN_FILENO, [this] { readCommands(); })) {
@@ -83,6 +85,8 @@ private:
             m_item.setTitle(argument);
         else if (command == "disabled")
             m_item.setAppearsDisabled(argument == "yes");
+        else if (command == "layouts")
+            m_layouts = std::stoi(argument);
         else if (command == "remove")
             m_subscription.reset();
         tell("done");
@@ -91,6 +95,7 @@ private:
     qt::QtMainQueue m_queue;
     qt::QtStatusItem m_item{m_queue};
     int m_asked = 0;
+    int m_layouts = 0;
     std::string m_line;
     SubscriptionPtr m_subscription;
     SubscriptionPtr m_input;

@@ -65,8 +65,9 @@ bool StatusNotifierPanel::choose(const std::string& menu, std::string_view label
     return true;
 }
 
-void StatusNotifierPanel::activate(int x, int y) const {
-    call(item(), kItemPath, std::string(kItem) + ".Activate", {std::to_string(x), std::to_string(y)});
+void StatusNotifierPanel::clickOn(std::string_view method, int x, int y) const {
+    call(item(), kItemPath, std::string(kItem).append(".").append(method),
+         {std::to_string(x), std::to_string(y)});
 }
 
 } // namespace tessarel::x11test

@@ -28,10 +28,13 @@ public:
     [[nodiscard]] std::string menu() const;
     /// Chooses the row with this label out of `menu`; false when it has none.
     [[nodiscard]] bool choose(const std::string& menu, std::string_view label) const;
-    /// Presses the main button on the item, as at this place of the screen.
-    void activate(int x, int y) const;
+    /// Clicks on the item at this place of the screen, with the first or the second button; a panel that
+    /// cannot draw menus hands the second one on too.
+    void activate(int x, int y) const { clickOn("Activate", x, y); }
+    void contextMenu(int x, int y) const { clickOn("ContextMenu", x, y); }
 
 private:
+    void clickOn(std::string_view method, int x, int y) const;
     /// What gdbus prints as the answer; empty when there is none.
     std::string call(const std::string& destination, const std::string& path, const std::string& method,
                      const std::vector<std::string>& arguments) const;

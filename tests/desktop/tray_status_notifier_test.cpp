@@ -117,6 +117,16 @@ TEST_F(TrayStatusNotifierTest, TheMainButtonOpensTheMenuToo) {
     EXPECT_THAT(probe->heardUpTo("selected Beta"), Contains("selected Beta"));
 }
 
+TEST_F(TrayStatusNotifierTest, APanelThatCannotDrawMenusGetsOursAtTheSecondButton) {
+    startPanel();
+    startProbe();
+    mouse.move(200, 100);
+
+    desktop.contextMenu(200, 100);
+
+    EXPECT_TRUE(observer.waitUntil([&] { return !probe->menus().empty(); }));
+}
+
 TEST_F(TrayStatusNotifierTest, ADisabledItemHasOtherIcons) {
     startPanel();
     startProbe();

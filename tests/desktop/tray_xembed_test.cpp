@@ -143,6 +143,16 @@ TEST_F(TrayXEmbedTest, ATitleStandsInForAMissingImage) {
     EXPECT_NO_THROW(probe->waitForIcon());
 }
 
+TEST_F(TrayXEmbedTest, WithoutAPanelTheProgramStaysUsable) {
+    startProbe();
+
+    for (const char* command : {"disabled yes", "clear", "title TS", "symbol square.grid.2x2", "remove"})
+        probe->tell(command);
+
+    EXPECT_TRUE(probe->process().running());
+    EXPECT_EQ(probe->process().errors(), "");
+}
+
 TEST_F(TrayXEmbedTest, TheServerMayGo) {
     startPanel();
     startProbe();

@@ -132,11 +132,10 @@ private:
         });
     }
 
+    /// A panel that draws the menu itself tells nothing of the second button.
     void activated(QSystemTrayIcon::ActivationReason reason) {
-        const bool drawnByPanel = reason == QSystemTrayIcon::Context && m_panelMenu != nullptr;
-        if (drawnByPanel || (reason != QSystemTrayIcon::Trigger && reason != QSystemTrayIcon::Context))
-            return;
-        m_menu.widget().popup(QCursor::pos());
+        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context)
+            m_menu.widget().popup(QCursor::pos());
     }
 
     [[nodiscard]] QIcon picture() const {

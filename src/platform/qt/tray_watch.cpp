@@ -38,7 +38,7 @@ xcb_connection_t* xConnection() {
 xcb_atom_t atom(xcb_connection_t* xcb, std::string_view name) {
     const auto cookie = xcb_intern_atom(xcb, 0, static_cast<std::uint16_t>(name.size()), name.data());
     const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply(xcb_intern_atom_reply(xcb, cookie, nullptr));
-    return reply ? reply->atom : XCB_ATOM_NONE;
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
 }
 
 /// The screen that $DISPLAY means.
