@@ -33,17 +33,10 @@ QString toQString(std::string_view text) {
 /// One item put up: what it shows, and its icon once there is a place for it.
 class QtStatusItem::Item : public std::enable_shared_from_this<Item> {
 public:
-    Item(MainQueuePort& queue, Delegate delegate)
-        : m_queue(queue), m_delegate(std::move(delegate)),
-          m_menu(MenuView::DrawnBy::Qt, [this](const MenuItem& row) { choose(row); }) {
-        QObject::connect(&m_menu.widget(), &QMenu::aboutToShow, &m_menu.widget(), [this] { fill(m_menu); });
-    }
+    Item(MainQueuePort& queue, Delegate delegate) : m_queue(queue), m_delegate(std::move(delegate)) {}
 
     /// Needs to be in a shared pointer already.
-    void appear() {
-        m_watch = std::make_unique<TrayWatch>([this] { later(&Item::lookAfterSign); });
-        lookAfterSign();
-    }
+    void appearInTheLoop() { later(&Item::appear); }
 
     void setSymbol(std::string_view name, std::string_view description) {
         m_symbol = name;
@@ -70,6 +63,20 @@ private:
             if (const auto self = weak.lock())
                 (self.get()->*work)();
         });
+    }
+
+    void appear() {
+        m_menu = makeMenu(MenuView::DrawnBy::Qt);
+        m_watch = std::make_unique<TrayWatch>([this] { later(&Item::lookAfterSign); });
+        lookAfterSign();
+    }
+
+    /// A menu that asks for its rows each time it is about to open.
+    std::unique_ptr<MenuView> makeMenu(MenuView::DrawnBy drawnBy) {
+        auto menu = std::make_unique<MenuView>(drawnBy, [this](const MenuItem& row) { choose(row); });
+        QObject::connect(&menu->widget(), &QMenu::aboutToShow, &menu->widget(),
+                         [this, opened = menu.get()] { fill(*opened); });
+        return menu;
     }
 
     void lookAfterSign() {
@@ -112,11 +119,8 @@ private:
     void stopWatching() { m_watch.reset(); }
 
     void handMenuToPanel() {
-        m_panelMenu = std::make_unique<MenuView>(MenuView::DrawnBy::Panel,
-                                                 [this](const MenuItem& row) { choose(row); });
-        QMenu& menu = m_panelMenu->widget();
-        QObject::connect(&menu, &QMenu::aboutToShow, &menu, [this] { fill(*m_panelMenu); });
-        m_icon->setContextMenu(&menu);
+        m_panelMenu = makeMenu(MenuView::DrawnBy::Panel);
+        m_icon->setContextMenu(&m_panelMenu->widget());
         // A panel may not offer a menu that was empty when it first saw it.
         later(&Item::fillPanelMenu);
     }
@@ -135,7 +139,7 @@ private:
     /// A panel that draws the menu itself tells nothing of the second button.
     void activated(QSystemTrayIcon::ActivationReason reason) {
         if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context)
-            m_menu.widget().popup(QCursor::pos());
+            m_menu->widget().popup(QCursor::pos());
     }
 
     [[nodiscard]] QIcon picture() const {
@@ -160,7 +164,7 @@ private:
     status_symbols::Appearance m_appearance = status_symbols::Appearance::Normal;
     int m_looksLeft = 0;
     std::unique_ptr<TrayWatch> m_watch; // while there is no icon
-    MenuView m_menu;
+    std::unique_ptr<MenuView> m_menu;
     std::unique_ptr<MenuView> m_panelMenu;   // only where the panel draws the menu
     std::unique_ptr<QSystemTrayIcon> m_icon; // goes before the menu that it shows
 };
@@ -179,7 +183,7 @@ QtStatusItem::~QtStatusItem() = default;
 
 SubscriptionPtr QtStatusItem::create(Delegate delegate) {
     auto item = std::make_shared<Item>(m_queue, std::move(delegate));
-    item->appear();
+    item->appearInTheLoop();
     m_item = item;
     return std::make_unique<ItemSubscription>(std::move(item));
 }

@@ -21,8 +21,9 @@ public:
     QtStatusItem& operator=(const QtStatusItem&) = delete;
     ~QtStatusItem() override;
 
-    /// Needs the application object, for as long as the answer lives. A row that was chosen is told at the
-    /// next turn of the queue, when the menu has closed.
+    /// The icon appears when the loop runs; the application object may be made after this call, and has to
+    /// outlive the answer. A row that was chosen is told at the next turn of the queue, when the menu has
+    /// closed.
     [[nodiscard]] SubscriptionPtr create(Delegate delegate) override;
 
     bool setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) override;
