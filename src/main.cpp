@@ -4,6 +4,8 @@
 #include "platform/qt/qt_main_queue.h"
 #include "platform/qt/qt_messages.h"
 #include "platform/qt/qt_open_url.h"
+#include "platform/qt/qt_own_application.h"
+#include "platform/qt/qt_status_item.h"
 #include "platform/qt/termination_signals.h"
 #include "platform/x11/connection.h"
 #include "platform/x11/desktop.h"
@@ -15,6 +17,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -37,9 +40,10 @@ QString qString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-/// Runs Qt's loop on `connection` until the program is asked to end or the display goes: its exit code.
+/// Runs Qt's loop on `connection` until the program is asked to end or the display goes: its exit code. The
+/// delegate, whose windows need Qt, ends with the loop.
 int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSignals& terminationSignals,
-            x11::Connection& connection) {
+            x11::Connection& connection, std::optional<AppDelegate>& delegate) {
     // Not what the session offers or the user passes: overlay, hot keys and placement are X11's.
     std::array<std::string, 5> options{programName, "-platform", "xcb", "-platformtheme", "generic"};
     std::array<char*, 6> arguments{};
@@ -57,7 +61,9 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
         queue.onReadable(connection.fileDescriptor(), [&connection] { connection.dispatch(); });
     const auto loss = connection.onLost(endWithoutDisplay);
     const auto termination = terminationSignals.onReceived(queue, [] { QApplication::exit(EXIT_SUCCESS); });
-    return QApplication::exec();
+    const int exitCode = QApplication::exec();
+    delegate.reset();
+    return exitCode;
 }
 
 /// Claims what belongs to the desktop first and starts Qt, which takes its time, afterwards: keys pressed
@@ -77,14 +83,30 @@ int run(const char* programName) {
     qt::QtAlerts alerts;
     qt::QtOpenUrl openUrl;
     x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl);
-    AppDelegate delegate({desktop.accessibility, desktop.alertSound, desktop.displays, desktop.hotKeys,
-                          desktop.preferences, desktop.singleInstance, desktop.trust, desktop.windowList,
-                          desktop.workspace});
-    if (delegate.applicationDidFinishLaunching() == AppDelegate::Launch::AnotherCopyRuns)
+    qt::QtOwnApplication application;
+    qt::QtStatusItem statusItem(queue);
+    std::optional<AppDelegate> delegate;
+    delegate.emplace(Ports{.accessibility = desktop.accessibility,
+                           .alertSound = desktop.alertSound,
+                           .alerts = alerts,
+                           .application = application,
+                           .displays = desktop.displays,
+                           .hotKeys = desktop.hotKeys,
+                           .mainMenu = desktop.mainMenu,
+                           .mainQueue = queue,
+                           .preferences = desktop.preferences,
+                           .singleInstance = desktop.singleInstance,
+                           .statusItem = statusItem,
+                           .trust = desktop.trust,
+                           .windowList = desktop.windowList,
+                           .workspace = desktop.workspace,
+                           .words = desktop.words},
+                     nullptr);
+    if (delegate->applicationDidFinishLaunching() == AppDelegate::Launch::AnotherCopyRuns)
         return EXIT_SUCCESS;
     if (session == x11::Session::Wayland)
         say("this is a Wayland session, where only XWayland windows could be moved; use an X11 session");
-    return runLoop(programName, queue, terminationSignals, *connection);
+    return runLoop(programName, queue, terminationSignals, *connection, delegate);
 }
 
 } // namespace

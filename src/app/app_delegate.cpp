@@ -1,21 +1,120 @@
 #include "app/app_delegate.h"
 
+#include "app/main_menu.h"
+#include "app/welcome.h"
+#include "model/presets.h"
+
+#include <utility>
+
 namespace tessarel {
 
-AppDelegate::AppDelegate(const Ports& ports) : m_ports(ports) {}
+AppDelegate::AppDelegate(const Ports& ports, SettingsWindow* settingsWindow)
+    : m_ports(ports), m_settingsWindow(settingsWindow), m_alive(std::make_shared<int>()) {}
+
+AppDelegate::~AppDelegate() = default;
 
 AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
-    m_instance = m_ports.singleInstance.claim([] {}); // there is no window to bring back to the user
+    m_instance = m_ports.singleInstance.claim([this] { applicationShouldHandleReopen(); });
     if (!m_instance)
         return Launch::AnotherCopyRuns;
 
     Services& services = m_services.emplace(m_ports);
+    m_ports.mainMenu.setMainMenu(mainMenu());
+    m_statusMenu.emplace(services.store, services.permissions, services.runtime, m_ports.words.modifierNames);
+    m_statusItem.emplace(m_ports.statusItem, *m_statusMenu, services.runtime,
+                         [this](const MenuItem& item) { itemSelected(item); });
     services.hotKeys.registerAll();
-    m_settingsObserver =
-        services.store.tessarelSettingsChanged.addObserver([&services] { services.hotKeys.registerAll(); });
-    if (!services.permissions.isTrusted())
-        services.permissions.prompt();
+    m_settingsObserver = services.store.tessarelSettingsChanged.addObserver([this] {
+        m_services->hotKeys.registerAll();
+        m_statusItem->refreshStatusIcon();
+    });
+    greetUser();
     return Launch::Running;
+}
+
+void AppDelegate::greetUser() {
+    if (!m_services->store.settings.hasOnboarded)
+        m_ports.mainQueue.async(whileAlive([this] { welcome(); }));
+    else if (!m_services->permissions.isTrusted())
+        m_services->permissions.prompt();
+}
+
+void AppDelegate::welcome() {
+    m_ports.application.activate();
+    const std::weak_ptr<void> alive = m_alive;
+    const std::size_t button = m_ports.alerts.runModal(welcomeAlert(m_ports.words));
+    if (alive.expired()) // the program has been ended meanwhile
+        return;
+    m_services->store.settings.hasOnboarded = true;
+    m_services->store.save();
+    m_services->permissions.prompt();
+    if (button == kWelcomeOpenSettings)
+        openSettings();
+}
+
+void AppDelegate::applicationShouldHandleReopen() {
+    openSettings();
+}
+
+void AppDelegate::itemSelected(const MenuItem& item) {
+    switch (item.command) {
+    case MenuCommand::None:
+        return;
+    case MenuCommand::GrantAccess:
+        return grantAccess();
+    case MenuCommand::RunMenuAction:
+        return runMenuAction(item.tag);
+    case MenuCommand::ApplyLayout:
+        return applyLayout(item.tag);
+    case MenuCommand::TogglePause:
+        return togglePause();
+    case MenuCommand::OpenSettings:
+        return openSettings();
+    case MenuCommand::CheckUpdates:
+        return; // nobody to ask yet
+    case MenuCommand::Quit:
+        return m_ports.application.terminate();
+    }
+}
+
+void AppDelegate::runMenuAction(int tag) {
+    if (const auto action = StatusMenu::action(tag)) {
+        m_ports.mainQueue.asyncAfter(kMenuActionDelay,
+                                     whileAlive([this, action] { m_services->actionRunner.run(*action); }));
+    }
+}
+
+void AppDelegate::applyLayout(int tag) {
+    auto zones = m_statusMenu->layoutZones(tag);
+    if (!zones)
+        return;
+    m_services->store.settings.zones = Presets::pad(*std::move(zones));
+    m_services->store.saveAndNotify();
+    if (m_settingsWindow)
+        m_settingsWindow->refreshAll();
+}
+
+void AppDelegate::togglePause() {
+    m_services->runtime.paused = !m_services->runtime.paused;
+    m_statusItem->refreshStatusIcon();
+}
+
+void AppDelegate::grantAccess() {
+    m_services->permissions.prompt();
+    m_services->permissions.openSettings();
+}
+
+void AppDelegate::openSettings() {
+    if (m_settingsWindow)
+        m_settingsWindow->show();
+}
+
+/// `work`, unless this delegate has gone by then.
+std::function<void()> AppDelegate::whileAlive(std::function<void()> work) const {
+    return [alive = std::weak_ptr<void>(m_alive), work = std::move(work)] {
+        if (!alive.expired())
+            work();
+    };
 }
 
 } // namespace tessarel

@@ -2,13 +2,20 @@
 
 #include "app/ports.h"
 #include "app/services.h"
+#include "app/settings_window.h"
+#include "app/status_item.h"
+#include "app/status_menu.h"
 #include "model/subscription.h"
+#include "ports/menu.h"
 
+#include <chrono>
+#include <functional>
+#include <memory>
 #include <optional>
 
 namespace tessarel {
 
-/// What the application does when it starts and when it ends.
+/// What the application does when it starts, when its menu is used and when it ends.
 ///
 /// Its end lets go of everything that it has claimed of the desktop.
 class AppDelegate {
@@ -18,16 +25,44 @@ public:
         AnotherCopyRuns, ///< that copy has been told; nothing has been read, created or claimed
     };
 
-    explicit AppDelegate(const Ports& ports);
+    /// From the choice of an action in the menu to the action: time for the menu to close and for the window
+    /// below it to get the focus back.
+    static constexpr std::chrono::milliseconds kMenuActionDelay{150};
 
-    /// The launch sequence; call it once, before the loop runs.
+    /// `settingsWindow` may be null: then commands that concern it do nothing.
+    AppDelegate(const Ports& ports, SettingsWindow* settingsWindow);
+    AppDelegate(const AppDelegate&) = delete;
+    AppDelegate& operator=(const AppDelegate&) = delete;
+    ~AppDelegate();
+
+    /// The launch sequence; call it once. Messages to the user wait for the loop to run.
     [[nodiscard]] Launch applicationDidFinishLaunching();
 
+    /// The user has started the program once more.
+    void applicationShouldHandleReopen();
+
+    /// Carries out the command of a row of the status menu. A tag that means nothing (any more) is ignored.
+    void itemSelected(const MenuItem& item);
+
 private:
+    void greetUser();
+    void welcome();
+
+    void runMenuAction(int tag);
+    void applyLayout(int tag);
+    void togglePause();
+    void grantAccess();
+    void openSettings();
+    [[nodiscard]] std::function<void()> whileAlive(std::function<void()> work) const;
+
     Ports m_ports;
+    SettingsWindow* m_settingsWindow;
     SubscriptionPtr m_instance;
     std::optional<Services> m_services; // none before this copy has the desktop
+    std::optional<StatusMenu> m_statusMenu;
+    std::optional<StatusItem> m_statusItem;
     SubscriptionPtr m_settingsObserver;
+    std::shared_ptr<void> m_alive; // shared with no one: work still due looks whether it exists
 };
 
 } // namespace tessarel

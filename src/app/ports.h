@@ -3,9 +3,15 @@
 #include "model/preferences_port.h"
 #include "ports/accessibility_port.h"
 #include "ports/alert_sound_port.h"
+#include "ports/alerts_port.h"
+#include "ports/application_port.h"
 #include "ports/displays_port.h"
 #include "ports/hot_key_port.h"
+#include "ports/main_menu_port.h"
+#include "ports/main_queue_port.h"
+#include "ports/platform_words.h"
 #include "ports/single_instance_port.h"
+#include "ports/status_item_port.h"
 #include "ports/trust_port.h"
 #include "ports/window_list_port.h"
 #include "ports/workspace_port.h"
@@ -16,13 +22,19 @@ namespace tessarel {
 struct Ports {
     AccessibilityPort& accessibility;
     AlertSoundPort& alertSound;
+    AlertsPort& alerts;
+    ApplicationPort& application;
     DisplaysPort& displays;
     HotKeyPort& hotKeys;
+    MainMenuPort& mainMenu;
+    MainQueuePort& mainQueue;
     PreferencesPort& preferences;
     SingleInstancePort& singleInstance;
+    StatusItemPort& statusItem;
     TrustPort& trust;
     WindowListPort& windowList;
     WorkspacePort& workspace;
+    const PlatformWords& words;
 };
 
 } // namespace tessarel

@@ -2,6 +2,7 @@
 
 #include "model/action_id.h"
 #include "platform/sim/sim_desktop.h"
+#include "support/sim_ports.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,15 +23,13 @@ constexpr std::uint32_t kCtrlOpt = 4096 + 2048;
 
 class AppDelegateTest : public testing::Test {
 protected:
-    [[nodiscard]] Ports ports(SingleInstancePort& instance) {
-        return {desktop.accessibility(), desktop.alertSound(),  desktop.displays(),
-                desktop.hotKeys(),       desktop.preferences(), instance,
-                desktop.trust(),         desktop.windowList(),  desktop.workspace()};
-    }
+    AppDelegateTest() { desktop.preferences().setData(Store::key, R"({"hasOnboarded": true})"); }
+
+    [[nodiscard]] Ports ports(SingleInstancePort& instance) { return simPorts(desktop, instance); }
 
     sim::SimDesktop desktop;
     sim::SimSingleInstance copy = desktop.makeCopy();
-    std::unique_ptr<AppDelegate> delegate = std::make_unique<AppDelegate>(ports(copy));
+    std::unique_ptr<AppDelegate> delegate = std::make_unique<AppDelegate>(ports(copy), nullptr);
 };
 
 TEST_F(AppDelegateTest, LaunchingClaimsTheHotKeysOfAllActionsButThoseOfDisabledZones) {
@@ -57,16 +56,18 @@ TEST_F(AppDelegateTest, AHotKeyPutsTheFocusedWindowIntoItsZone) {
 }
 
 TEST_F(AppDelegateTest, TheStoreOfTheRunningProgramIsShared) {
-    desktop.preferences().setData(Store::key, R"({"gap": 8})");
+    desktop.preferences().setData(Store::key, R"({"gap": 8, "hasOnboarded": true})");
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
 
     EXPECT_EQ(Store::shared().settings.gap, 8);
 }
 
 TEST_F(AppDelegateTest, LaunchingWritesNoSettings) {
+    const int before = desktop.preferencesStorage().writes;
+
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
 
-    EXPECT_EQ(desktop.preferencesStorage().writes, 0);
+    EXPECT_EQ(desktop.preferencesStorage().writes, before);
 }
 
 TEST_F(AppDelegateTest, ChangedSettingsClaimTheHotKeysAnew) {
@@ -98,7 +99,7 @@ TEST_F(AppDelegateTest, ASecondCopyEndsAtOnceAndLeavesTheFirstAlone) {
     desktop.trust().trusted = false;
     Store& store = Store::shared();
     sim::SimSingleInstance secondCopy = desktop.makeCopy();
-    AppDelegate second(ports(secondCopy));
+    AppDelegate second(ports(secondCopy), nullptr);
 
     EXPECT_EQ(second.applicationDidFinishLaunching(), Launch::AnotherCopyRuns);
 
@@ -116,7 +117,7 @@ TEST_F(AppDelegateTest, TheEndLetsGoOfTheHotKeysAndOfTheDesktop) {
     EXPECT_TRUE(desktop.hotKeys().registered().empty());
     EXPECT_FALSE(desktop.hotKeys().press(kVirtual1, kCtrlOpt));
     sim::SimSingleInstance next = desktop.makeCopy();
-    EXPECT_EQ(AppDelegate(ports(next)).applicationDidFinishLaunching(), Launch::Running);
+    EXPECT_EQ(AppDelegate(ports(next), nullptr).applicationDidFinishLaunching(), Launch::Running);
 }
 
 /// Writes down in which order a launch asks for what.
@@ -135,10 +136,25 @@ protected:
         explicit Preferences(LaunchOrderTest& test) : test(test) {}
         std::optional<std::string> data(std::string_view) override {
             test.order.emplace_back("read settings");
-            return std::nullopt;
+            return R"({"hasOnboarded": true})";
         }
         void setData(std::string_view, std::string_view) override {}
         void keepRejected(std::string_view) override {}
+        LaunchOrderTest& test;
+    };
+
+    struct Menus : MainMenuPort {
+        explicit Menus(LaunchOrderTest& test) : test(test) {}
+        void setMainMenu(const std::vector<MainMenu>&) override { test.order.emplace_back("set main menu"); }
+        LaunchOrderTest& test;
+    };
+
+    struct Item : sim::SimStatusItem {
+        explicit Item(LaunchOrderTest& test) : test(test) {}
+        SubscriptionPtr create(Delegate delegate) override {
+            test.order.emplace_back("create status item");
+            return SimStatusItem::create(std::move(delegate));
+        }
         LaunchOrderTest& test;
     };
 
@@ -166,16 +182,23 @@ protected:
     };
 
     [[nodiscard]] Launch launch() {
-        const Ports recorded{desktop.accessibility(),
-                             desktop.alertSound(),
-                             desktop.displays(),
-                             keys,
-                             preferences,
-                             instance,
-                             trust,
-                             desktop.windowList(),
-                             desktop.workspace()};
-        recording.emplace(recorded);
+        const Ports all = ports(copy);
+        const Ports recorded{.accessibility = all.accessibility,
+                             .alertSound = all.alertSound,
+                             .alerts = all.alerts,
+                             .application = all.application,
+                             .displays = all.displays,
+                             .hotKeys = keys,
+                             .mainMenu = mainMenu,
+                             .mainQueue = all.mainQueue,
+                             .preferences = preferences,
+                             .singleInstance = instance,
+                             .statusItem = statusItem,
+                             .trust = trust,
+                             .windowList = all.windowList,
+                             .workspace = all.workspace,
+                             .words = all.words};
+        recording.emplace(recorded, nullptr);
         return recording->applicationDidFinishLaunching();
     }
 
@@ -183,16 +206,18 @@ protected:
     bool changesSettingsMeanwhile = false;
     Instance instance{*this};
     Preferences preferences{*this};
+    Menus mainMenu{*this};
+    Item statusItem{*this};
     Keys keys{*this};
     Trust trust{*this};
     std::optional<AppDelegate> recording;
 };
 
-TEST_F(LaunchOrderTest, TheDesktopComesFirstThenTheHotKeysThenThePrompt) {
+TEST_F(LaunchOrderTest, TheDesktopComesFirstThenMenusThenTheHotKeysThenThePrompt) {
     EXPECT_EQ(launch(), Launch::Running);
 
-    EXPECT_THAT(order, ElementsAre("claim the desktop", "read settings", "claim hot keys", "ask for trust",
-                                   "prompt"));
+    EXPECT_THAT(order, ElementsAre("claim the desktop", "read settings", "set main menu",
+                                   "create status item", "claim hot keys", "ask for trust", "prompt"));
 }
 
 TEST_F(LaunchOrderTest, ASecondCopyAsksForTheDesktopAndForNothingElse) {
@@ -208,8 +233,8 @@ TEST_F(LaunchOrderTest, SettingsAreWatchedOnlyAfterTheFirstClaim) {
     EXPECT_EQ(launch(), Launch::Running);
     changesSettingsMeanwhile = false;
 
-    EXPECT_THAT(order, ElementsAre("claim the desktop", "read settings", "claim hot keys", "ask for trust",
-                                   "prompt"));
+    EXPECT_THAT(order, ElementsAre("claim the desktop", "read settings", "set main menu",
+                                   "create status item", "claim hot keys", "ask for trust", "prompt"));
     Store::shared().tessarelSettingsChanged.post();
     EXPECT_EQ(order.back(), "claim hot keys");
 }

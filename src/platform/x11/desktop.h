@@ -7,10 +7,12 @@
 #include "platform/x11/displays.h"
 #include "platform/x11/file_preferences.h"
 #include "platform/x11/hot_keys.h"
+#include "platform/x11/main_menu.h"
 #include "platform/x11/monitors.h"
 #include "platform/x11/single_instance.h"
 #include "platform/x11/trust.h"
 #include "platform/x11/window_list.h"
+#include "platform/x11/words.h"
 #include "platform/x11/workspace.h"
 #include "ports/alerts_port.h"
 #include "ports/main_queue_port.h"
@@ -37,11 +39,13 @@ struct X11Desktop {
     X11Bell alertSound;
     X11Displays displays;
     X11HotKeys hotKeys;
+    X11MainMenu mainMenu;
     FilePreferences preferences;
     X11SingleInstance singleInstance;
     X11Trust trust;
     X11WindowList windowList;
     X11Workspace workspace;
+    PlatformWords words = x11::words();
 };
 
 } // namespace tessarel::x11

@@ -1,0 +1,37 @@
+#include "app/status_item.h"
+
+#include "model/config.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <utility>
+
+namespace tessarel {
+
+namespace {
+
+constexpr std::array<std::string_view, 3> kSymbols{"rectangle.3.group", "square.grid.2x2",
+                                                   "rectangle.split.3x1"};
+constexpr std::string_view kInitials = "TS";
+
+} // namespace
+
+StatusItem::StatusItem(StatusItemPort& port, const StatusMenu& menu, const Runtime& runtime,
+                       std::function<void(const MenuItem&)> itemSelected)
+    : m_port(port), m_runtime(runtime),
+      m_item(port.create({[&menu] { return menu.rebuild(); }, std::move(itemSelected)})) {
+    refreshStatusIcon();
+}
+
+void StatusItem::refreshStatusIcon() {
+    const bool hasSymbol = std::any_of(kSymbols.begin(), kSymbols.end(), [this](std::string_view symbol) {
+        return m_port.setSymbol(symbol, Config::appName);
+    });
+    if (!hasSymbol)
+        m_port.clearImage();
+    m_port.setTitle(hasSymbol ? "" : kInitials);
+    m_port.setAppearsDisabled(m_runtime.paused);
+}
+
+} // namespace tessarel

@@ -1,0 +1,21 @@
+#include "app/welcome.h"
+
+#include "model/config.h"
+
+#include <string>
+
+namespace tessarel {
+
+Alert welcomeAlert(const PlatformWords& words) {
+    const std::string ctrlOpt =
+        std::string(words.modifierNames.ctrl) + "+" + std::string(words.modifierNames.opt);
+    return {
+        "Welcome to " + std::string(Config::appName),
+        words.welcomeFirst + "\n\nTry it: press " + ctrlOpt +
+            "+1 to 5 to snap the front window into a zone, or hold Shift while dragging a window to see the "
+            "zones. Click the " +
+            words.statusItem + ", then Settings, to design your own layout.",
+        {"Continue", "Open Settings"}};
+}
+
+} // namespace tessarel

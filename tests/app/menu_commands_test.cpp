@@ -1,0 +1,206 @@
+#include "app/app_delegate.h"
+#include "model/presets.h"
+#include "platform/sim/sim_desktop.h"
+#include "support/sim_ports.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <optional>
+
+namespace tessarel {
+namespace {
+
+using namespace std::chrono_literals;
+
+struct RecordingSettingsWindow : SettingsWindow {
+    void show() override { ++shown; }
+    void refreshAll() override { ++refreshed; }
+
+    int shown = 0;
+    int refreshed = 0;
+};
+
+/// The running program on a simulated desktop with one display and one window.
+class MenuCommandsTest : public ::testing::Test {
+protected:
+    static constexpr Rect kSomewhere{200, 150, 640, 480};
+    static constexpr Rect kLeftHalf{0, 0, 720, 900};
+
+    MenuCommandsTest() {
+        desktop.preferences().setData(Store::key, R"({"hasOnboarded": true})");
+        desktop.addScreen({.frame = {0, 0, 1440, 900}});
+        window = desktop.openWindow("org.example.editor", kSomewhere);
+        delegate.emplace(simPorts(desktop, copy), &settingsWindow);
+        EXPECT_EQ(delegate->applicationDidFinishLaunching(), AppDelegate::Launch::Running);
+    }
+
+    void choose(MenuCommand command, int tag = 0) {
+        MenuItem item;
+        item.command = command;
+        item.tag = tag;
+        desktop.statusItem().choose(item);
+    }
+
+    void chooseAction(ActionID::Case action) { choose(MenuCommand::RunMenuAction, static_cast<int>(action)); }
+
+    const AppSettings& settings() { return Store::shared().settings; }
+
+    sim::SimDesktop desktop;
+    sim::SimSingleInstance copy = desktop.makeCopy();
+    sim::WindowId window{};
+    RecordingSettingsWindow settingsWindow;
+    std::optional<AppDelegate> delegate;
+};
+
+TEST_F(MenuCommandsTest, AnActionRunsAfterTheMenuHasClosed) {
+    chooseAction(ActionID::leftHalf);
+
+    desktop.advance(149ms);
+    EXPECT_EQ(desktop.frame(window), kSomewhere);
+    desktop.advance(1ms);
+    EXPECT_EQ(desktop.frame(window), kLeftHalf);
+}
+
+TEST_F(MenuCommandsTest, AnActionsTagIsItsPosition) {
+    choose(MenuCommand::RunMenuAction, 9);
+    desktop.advance(150ms);
+
+    EXPECT_EQ(desktop.frame(window), kLeftHalf);
+}
+
+TEST_F(MenuCommandsTest, TagsOfNoActionAreIgnored) {
+    choose(MenuCommand::RunMenuAction, -1);
+    choose(MenuCommand::RunMenuAction, 19);
+    desktop.advance(1s);
+
+    EXPECT_EQ(desktop.frame(window), kSomewhere);
+}
+
+TEST_F(MenuCommandsTest, AnActionStillDueAtTheEndDoesNotRun) {
+    chooseAction(ActionID::leftHalf);
+
+    delegate.reset();
+    desktop.advance(1s);
+
+    EXPECT_EQ(desktop.frame(window), kSomewhere);
+}
+
+TEST_F(MenuCommandsTest, ApplyingALayoutMakesItsZonesActive) {
+    choose(MenuCommand::ApplyLayout, 1);
+
+    EXPECT_EQ(settings().zones, Presets::all()[1].zones);
+    EXPECT_EQ(Store(desktop.preferences()).settings.zones, Presets::all()[1].zones);
+    EXPECT_EQ(settingsWindow.refreshed, 1);
+}
+
+TEST_F(MenuCommandsTest, ApplyingALayoutMovesNoWindow) {
+    choose(MenuCommand::ApplyLayout, 1);
+    desktop.advance(1s);
+
+    EXPECT_EQ(desktop.frame(window), kSomewhere);
+}
+
+TEST_F(MenuCommandsTest, ApplyingALayoutClaimsTheHotKeysOfItsZones) {
+    const std::size_t before = desktop.hotKeys().registered().size();
+
+    choose(MenuCommand::ApplyLayout, 1); // two zones instead of five
+
+    EXPECT_EQ(desktop.hotKeys().registered().size(), before - 3);
+}
+
+TEST_F(MenuCommandsTest, ASavedLayoutIsFilledUpWhenApplied) {
+    Store::shared().settings.userLayouts = {{"Mine", {Presets::z(0, 0, 30, 100)}}};
+
+    choose(MenuCommand::ApplyLayout, 1000);
+
+    EXPECT_EQ(settings().zones, Presets::pad({Presets::z(0, 0, 30, 100)}));
+}
+
+TEST_F(MenuCommandsTest, ALayoutThatIsNoLongerThereIsIgnored) {
+    const auto before = settings().zones;
+
+    for (const int tag : {-1, 9, 999, 1000, 2147483647})
+        choose(MenuCommand::ApplyLayout, tag);
+
+    EXPECT_EQ(settings().zones, before);
+    EXPECT_EQ(settingsWindow.refreshed, 0);
+}
+
+TEST_F(MenuCommandsTest, ReopeningTheMenuShowsTheAppliedLayoutChecked) {
+    choose(MenuCommand::ApplyLayout, 1);
+
+    const Menu menu = desktop.statusItem().openMenu();
+
+    EXPECT_FALSE(menu[6].submenu[0].isChecked); // the layouts follow two zones, arrange and move
+    EXPECT_TRUE(menu[6].submenu[1].isChecked);
+}
+
+TEST_F(MenuCommandsTest, PausingDimsTheIconAndKeysDoNothing) {
+    choose(MenuCommand::TogglePause);
+
+    EXPECT_TRUE(desktop.statusItem().appearsDisabled);
+    EXPECT_TRUE(desktop.hotKeys().press(123, 6144)); // swallowed
+    EXPECT_EQ(desktop.frame(window), kSomewhere);
+}
+
+TEST_F(MenuCommandsTest, PausingHoldsForTheMenusActionsToo) {
+    chooseAction(ActionID::leftHalf);
+    choose(MenuCommand::TogglePause);
+    desktop.advance(1s);
+
+    EXPECT_EQ(desktop.frame(window), kSomewhere);
+}
+
+TEST_F(MenuCommandsTest, PausingAgainGoesOn) {
+    choose(MenuCommand::TogglePause);
+    choose(MenuCommand::TogglePause);
+
+    EXPECT_FALSE(desktop.statusItem().appearsDisabled);
+    EXPECT_TRUE(desktop.hotKeys().press(123, 6144));
+    EXPECT_EQ(desktop.frame(window), kLeftHalf);
+}
+
+TEST_F(MenuCommandsTest, SettingsOpenTheirWindow) {
+    choose(MenuCommand::OpenSettings);
+
+    EXPECT_EQ(settingsWindow.shown, 1);
+}
+
+TEST_F(MenuCommandsTest, GrantingAccessPromptsAndOpensTheSystemsSettings) {
+    desktop.trust().trusted = false;
+
+    choose(MenuCommand::GrantAccess);
+
+    EXPECT_EQ(desktop.trust().prompts, 1);
+    EXPECT_EQ(desktop.trust().settingsOpened, 1);
+}
+
+TEST_F(MenuCommandsTest, QuitTerminates) {
+    choose(MenuCommand::Quit);
+
+    EXPECT_EQ(desktop.ownApplication().terminations, 1);
+}
+
+TEST_F(MenuCommandsTest, TitlesAndParentsDoNothing) {
+    desktop.takeRequests().clear();
+
+    choose(MenuCommand::None);
+    desktop.advance(1s);
+
+    EXPECT_TRUE(desktop.takeRequests().empty());
+    EXPECT_EQ(desktop.ownApplication().terminations, 0);
+    EXPECT_EQ(settingsWindow.shown, 0);
+}
+
+TEST_F(MenuCommandsTest, AnotherStartOfTheProgramShowsTheSettings) {
+    sim::SimSingleInstance second = desktop.makeCopy();
+
+    EXPECT_EQ(second.claim([] {}), nullptr);
+    desktop.advance(0s);
+
+    EXPECT_EQ(settingsWindow.shown, 1);
+}
+
+} // namespace
+} // namespace tessarel

@@ -1,0 +1,198 @@
+#include "app/app_delegate.h"
+#include "app/login_item.h"
+#include "app/main_menu.h"
+#include "app/status_item.h"
+#include "platform/sim/sim_desktop.h"
+#include "support/sim_ports.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <string>
+
+namespace tessarel {
+namespace {
+
+using namespace std::chrono_literals;
+
+struct CountingSettingsWindow : SettingsWindow {
+    void show() override { ++shown; }
+    void refreshAll() override {}
+
+    int shown = 0;
+};
+
+/// A program that has not been started on this desktop before.
+class FirstRunTest : public ::testing::Test {
+protected:
+    void launch() {
+        ASSERT_EQ(delegate.applicationDidFinishLaunching(), AppDelegate::Launch::Running);
+        desktop.advance(0s);
+    }
+
+    sim::SimDesktop desktop;
+    sim::SimSingleInstance copy = desktop.makeCopy();
+    CountingSettingsWindow settingsWindow;
+    AppDelegate delegate{simPorts(desktop, copy), &settingsWindow};
+};
+
+TEST_F(FirstRunTest, TheUserIsWelcomedOnce) {
+    launch();
+
+    ASSERT_EQ(desktop.alerts().shown.size(), 1U);
+    const Alert& alert = desktop.alerts().shown[0];
+    EXPECT_EQ(alert.messageText, "Welcome to Tessarel");
+    EXPECT_EQ(
+        alert.informativeText,
+        "macOS only lets an app move other apps' windows after you allow it under Privacy & Security > "
+        "Accessibility. Click Continue, then switch Tessarel on in the list.\n\n"
+        "Try it: press Ctrl+Opt+1 to 5 to snap the front window into a zone, or hold Shift while dragging "
+        "a window to see the zones. Click the menu bar icon, then Settings, to design your own layout.");
+    EXPECT_EQ(alert.buttons, (std::vector<std::string>{"Continue", "Open Settings"}));
+    EXPECT_EQ(desktop.ownApplication().activations, 1);
+    EXPECT_TRUE(Store(desktop.preferences()).settings.hasOnboarded);
+}
+
+TEST_F(FirstRunTest, TheWelcomeIsFollowedByThePromptWhateverTheButton) {
+    desktop.trust().trusted = false;
+    desktop.alerts().answers = {0};
+
+    launch();
+
+    EXPECT_EQ(desktop.trust().prompts, 1);
+    EXPECT_EQ(settingsWindow.shown, 0);
+}
+
+TEST_F(FirstRunTest, TheSecondButtonOpensTheSettings) {
+    desktop.alerts().answers = {1};
+
+    launch();
+
+    EXPECT_EQ(settingsWindow.shown, 1);
+}
+
+TEST_F(FirstRunTest, HotKeysWorkBeforeTheWelcomeIsRead) {
+    ASSERT_EQ(delegate.applicationDidFinishLaunching(), AppDelegate::Launch::Running);
+
+    EXPECT_FALSE(desktop.hotKeys().registered().empty());
+    EXPECT_TRUE(desktop.alerts().shown.empty());
+}
+
+TEST_F(FirstRunTest, TheNextStartWelcomesNobody) {
+    desktop.preferences().setData(Store::key, R"({"hasOnboarded": true})");
+
+    launch();
+
+    EXPECT_TRUE(desktop.alerts().shown.empty());
+}
+
+TEST_F(FirstRunTest, SettingsAreNotAnnouncedAsChangedByTheWelcome) {
+    ASSERT_EQ(delegate.applicationDidFinishLaunching(), AppDelegate::Launch::Running);
+    int announcements = 0;
+    const auto observer = Store::shared().tessarelSettingsChanged.addObserver([&] { ++announcements; });
+
+    desktop.advance(0s);
+
+    ASSERT_TRUE(Store::shared().settings.hasOnboarded);
+    EXPECT_EQ(announcements, 0);
+}
+
+class StatusIconTest : public ::testing::Test {
+protected:
+    sim::SimDesktop desktop;
+    Store store{desktop.preferences()};
+    Runtime runtime;
+    Permissions permissions{desktop.trust()};
+    StatusMenu menu{store, permissions, runtime, {}};
+    StatusItem item{desktop.statusItem(), menu, runtime, [](const MenuItem&) {}};
+};
+
+TEST_F(StatusIconTest, TheFirstSymbolThatTheSystemHasIsShown) {
+    EXPECT_EQ(desktop.statusItem().symbol, "rectangle.3.group");
+    EXPECT_EQ(desktop.statusItem().accessibilityDescription, "Tessarel");
+    EXPECT_EQ(desktop.statusItem().title, "");
+
+    desktop.statusItem().symbols.erase("rectangle.3.group");
+    item.refreshStatusIcon();
+    EXPECT_EQ(desktop.statusItem().symbol, "square.grid.2x2");
+
+    desktop.statusItem().symbols.erase("square.grid.2x2");
+    item.refreshStatusIcon();
+    EXPECT_EQ(desktop.statusItem().symbol, "rectangle.split.3x1");
+}
+
+TEST_F(StatusIconTest, WithoutAnySymbolTheInitialsAreShown) {
+    desktop.statusItem().symbols.clear();
+
+    item.refreshStatusIcon();
+
+    EXPECT_EQ(desktop.statusItem().symbol, "");
+    EXPECT_EQ(desktop.statusItem().title, "TS");
+}
+
+TEST_F(StatusIconTest, TheIconIsDimmedWhilePaused) {
+    EXPECT_FALSE(desktop.statusItem().appearsDisabled);
+
+    runtime.paused = true;
+    item.refreshStatusIcon();
+
+    EXPECT_TRUE(desktop.statusItem().appearsDisabled);
+}
+
+TEST(MainMenuTest, HoldsTheUsualEditingKeys) {
+    const std::vector<MainMenu> menus = mainMenu();
+
+    ASSERT_EQ(menus.size(), 2U);
+    EXPECT_EQ(menus[0].title, "Tessarel");
+    EXPECT_EQ(menus[0].items, (std::vector<MainMenuItem>{{"Close Window", "performClose:", 'w'},
+                                                         {"Quit Tessarel", "terminate:", 'q'}}));
+    EXPECT_EQ(menus[1].title, "Edit");
+    EXPECT_EQ(menus[1].items, (std::vector<MainMenuItem>{{"Undo", "undo:", 'z'},
+                                                         {"Redo", "redo:", 'z', true},
+                                                         {},
+                                                         {"Cut", "cut:", 'x'},
+                                                         {"Copy", "copy:", 'c'},
+                                                         {"Paste", "paste:", 'v'},
+                                                         {"Select All", "selectAll:", 'a'}}));
+}
+
+class LoginItemTest : public ::testing::Test {
+protected:
+    using Status = LoginItemPort::Status;
+
+    sim::SimDesktop desktop;
+    LoginItem loginItem{desktop.loginItem()};
+};
+
+TEST_F(LoginItemTest, IsTurnedOnAndOff) {
+    EXPECT_FALSE(loginItem.isEnabled());
+    EXPECT_EQ(loginItem.set(true), std::nullopt);
+    EXPECT_TRUE(loginItem.isEnabled());
+    EXPECT_EQ(loginItem.set(false), std::nullopt);
+    EXPECT_FALSE(loginItem.isEnabled());
+}
+
+TEST_F(LoginItemTest, AFailureIsToldAndTheStateIsTheSystems) {
+    desktop.loginItem().failure = "The folder cannot be written to.";
+
+    EXPECT_EQ(loginItem.set(true), "The folder cannot be written to.");
+
+    EXPECT_FALSE(loginItem.isEnabled());
+}
+
+TEST_F(LoginItemTest, IsNotEnabledWhileItWaitsForApproval) {
+    desktop.loginItem().statusAfterRegistering = Status::RequiresApproval;
+
+    EXPECT_EQ(loginItem.set(true), std::nullopt);
+
+    EXPECT_FALSE(loginItem.isEnabled());
+}
+
+TEST_F(LoginItemTest, IsNotEnabledWhenTheSystemDoesNotFindIt) {
+    desktop.loginItem().currentStatus = Status::NotFound;
+
+    EXPECT_FALSE(loginItem.isEnabled());
+}
+
+} // namespace
+} // namespace tessarel

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "app/ports.h"
+#include "platform/sim/sim_desktop.h"
+
+namespace tessarel {
+
+/// All ports of a simulated desktop, for the copy of the program that has `instance`.
+inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance) {
+    static const PlatformWords words;
+    return {.accessibility = desktop.accessibility(),
+            .alertSound = desktop.alertSound(),
+            .alerts = desktop.alerts(),
+            .application = desktop.ownApplication(),
+            .displays = desktop.displays(),
+            .hotKeys = desktop.hotKeys(),
+            .mainMenu = desktop.mainMenu(),
+            .mainQueue = desktop.mainQueue(),
+            .preferences = desktop.preferences(),
+            .singleInstance = instance,
+            .statusItem = desktop.statusItem(),
+            .trust = desktop.trust(),
+            .windowList = desktop.windowList(),
+            .workspace = desktop.workspace(),
+            .words = words};
+}
+
+} // namespace tessarel
