@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QCoreApplication>
+#include <QFont>
 #include <QLabel>
 #include <QList>
 #include <QMessageBox>
@@ -33,6 +34,16 @@ void addButtons(QMessageBox& box, const Alert& alert) {
     box.setEscapeButton(buttons.last());
 }
 
+/// The message stands out from what informs about it, as a heading does.
+void emphasizeMessage(QMessageBox& box) {
+    auto* const message = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+    if (!message)
+        return;
+    QFont font = message->font();
+    font.setBold(true);
+    message->setFont(font);
+}
+
 } // namespace
 
 std::size_t QtAlerts::runModal(const Alert& alert) {
@@ -43,6 +54,7 @@ std::size_t QtAlerts::runModal(const Alert& alert) {
     // The box's own text format leaves out the informative text.
     for (QLabel* const label : box.findChildren<QLabel*>())
         label->setTextFormat(Qt::PlainText);
+    emphasizeMessage(box);
     addButtons(box, alert);
     const QList<QAbstractButton*> buttons = box.buttons();
     box.show();
