@@ -72,17 +72,6 @@ TEST_F(TrayXEmbedTest, TheMenuIsAskedForEachTimeItOpens) {
     }
 }
 
-TEST_F(TrayXEmbedTest, ARowIsChosenByKeys) {
-    startPanel();
-    startProbe();
-    openMenu(Mouse::kLeft);
-
-    keyboard.press({.key = key::kUp}); // from the end
-    keyboard.press({.key = key::kReturn});
-
-    EXPECT_THAT(probe->heardUpTo("selected Quit"), Contains("selected Quit"));
-}
-
 TEST_F(TrayXEmbedTest, AnIconAppearsWhenAPanelDoes) {
     startProbe();
     EXPECT_EQ(probe->icon(), std::nullopt);
