@@ -5,6 +5,8 @@
 #include "platform/sim/sim_hot_keys.h"
 #include "platform/sim/sim_login_item.h"
 #include "platform/sim/sim_main_queue.h"
+#include "platform/sim/sim_mouse.h"
+#include "platform/sim/sim_overlay.h"
 #include "platform/sim/sim_preferences.h"
 #include "platform/sim/sim_services.h"
 #include "platform/sim/sim_single_instance.h"
@@ -96,7 +98,9 @@ public:
     [[nodiscard]] SimLoginItem& loginItem() { return m_loginItem; }
     [[nodiscard]] SimMainMenu& mainMenu() { return m_mainMenu; }
     [[nodiscard]] SimMainQueue& mainQueue() { return m_mainQueue; }
+    [[nodiscard]] SimMouse& mouse() { return m_mouse; }
     [[nodiscard]] SimOpenUrl& openUrl() { return m_openUrl; }
+    [[nodiscard]] SimOverlay& overlay() { return m_overlay; }
     [[nodiscard]] SimOwnApplication& ownApplication() { return m_ownApplication; }
     [[nodiscard]] SimPreferences& preferences() { return m_preferences; }
     [[nodiscard]] SimPreferencesStorage& preferencesStorage() { return m_preferencesStorage; }
@@ -123,7 +127,9 @@ private:
     SimLoginItem m_loginItem;
     SimMainMenu m_mainMenu;
     SimMainQueue m_mainQueue{m_state.clock};
+    SimMouse m_mouse{m_state};
     SimOpenUrl m_openUrl;
+    SimOverlay m_overlay;
     SimOwnApplication m_ownApplication;
     SimPreferences m_preferences{m_preferencesStorage};
     SimStatusItem m_statusItem;

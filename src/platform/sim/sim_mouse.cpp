@@ -1,0 +1,98 @@
+#include "platform/sim/sim_mouse.h"
+
+#include "platform/sim/call_on_end.h"
+
+#include <map>
+#include <utility>
+
+namespace tessarel::sim {
+
+struct SimMouse::Monitors {
+    struct Monitor {
+        MouseEventKind kind;
+        std::function<void(const MouseEvent&)> handler;
+    };
+
+    int next = 0;
+    std::map<int, Monitor> all;
+};
+
+SimMouse::SimMouse(SimState& state) : m_state(state), m_monitors(std::make_shared<Monitors>()) {}
+
+SubscriptionPtr SimMouse::addGlobalMonitor(MouseEventKind kind,
+                                           std::function<void(const MouseEvent&)> handler) {
+    if (m_refused.contains(kind))
+        return nullptr;
+    const int number = m_monitors->next++;
+    m_monitors->all.emplace(number, Monitors::Monitor{kind, std::move(handler)});
+    return std::make_unique<CallOnEnd>([monitors = m_monitors, number] { monitors->all.erase(number); });
+}
+
+std::vector<MouseEventKind> SimMouse::monitored() const {
+    std::vector<MouseEventKind> kinds;
+    for (const auto& [number, monitor] : m_monitors->all)
+        kinds.push_back(monitor.kind);
+    return kinds;
+}
+
+void SimMouse::moveTo(const Point& axPoint) {
+    m_pointer = axPoint;
+    moveHeldWindow();
+    if (!m_isReported)
+        return;
+    if (m_isDown)
+        return report(MouseEventKind::LeftDragged);
+    m_isReported = false;
+    report(MouseEventKind::LeftUp);
+}
+
+void SimMouse::moveHeldWindow() {
+    SimWindow* const window = m_held ? m_state.window(m_held->window) : nullptr;
+    if (!window)
+        return;
+    Rect& axFrame = window->axFrame;
+    const double top = m_pointer.y - m_held->grip.y;
+    if (m_held->grip.y < kTopEdge)
+        axFrame.height = axFrame.maxY() - top;
+    else
+        axFrame.x = m_pointer.x - m_held->grip.x;
+    axFrame.y = top;
+    window->settledAt = m_state.clock.now();
+}
+
+void SimMouse::press() {
+    const SimWindow* const window = m_state.windowAt(m_pointer);
+    m_isDown = true;
+    m_held.reset();
+    const bool isByItsTop = window && m_pointer.y - window->axFrame.minY() <= kTitleBar;
+    if (isByItsTop && !window->fullScreen)
+        m_held = {window->id, {m_pointer.x - window->axFrame.minX(), m_pointer.y - window->axFrame.minY()}};
+    m_isReported = !(window && window->pid == SimState::kOwnPid);
+    if (m_isReported)
+        report(MouseEventKind::LeftDown);
+}
+
+void SimMouse::release() {
+    m_isDown = false;
+    m_held.reset();
+    if (std::exchange(m_isReported, false))
+        report(MouseEventKind::LeftUp);
+}
+
+void SimMouse::loseRelease() {
+    m_isDown = false;
+    m_held.reset();
+}
+
+void SimMouse::report(MouseEventKind kind) {
+    const double primaryHeight = m_state.screens.empty() ? 0 : m_state.screens.front().frame.absHeight();
+    const MouseEvent event{kind, {m_pointer.x, primaryHeight - m_pointer.y}, m_modifierFlags};
+    const auto monitors = m_monitors; // a handler may end this port
+    const auto present = monitors->all;
+    for (const auto& [number, monitor] : present) {
+        if (monitor.kind == kind && monitors->all.contains(number)) // or an earlier one has ended it
+            monitor.handler(event);
+    }
+}
+
+} // namespace tessarel::sim

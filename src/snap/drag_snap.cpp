@@ -1,0 +1,158 @@
+#include "snap/drag_snap.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+namespace tessarel {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr MainQueuePort::Duration kReadInterval = 30ms;
+/// By then the system has finished the drag and does not move the window any more.
+constexpr MainQueuePort::Duration kPlacementDelay = 30ms;
+constexpr double kMoveTolerance = 3;
+constexpr double kResizeTolerance = 3;
+
+bool isMoved(const Rect& axFrame, const Rect& start) {
+    return std::abs(axFrame.minX() - start.minX()) > kMoveTolerance ||
+           std::abs(axFrame.minY() - start.minY()) > kMoveTolerance;
+}
+
+bool isResized(const Rect& axFrame, const Rect& start) {
+    return std::abs(axFrame.absWidth() - start.absWidth()) >= kResizeTolerance ||
+           std::abs(axFrame.absHeight() - start.absHeight()) >= kResizeTolerance;
+}
+
+/// Whether the pointer is on the screen. With y up the top edge belongs to it, not the bottom one.
+bool shows(const Rect& screenFrame, const Point& pointer) {
+    return pointer.x >= screenFrame.minX() && pointer.x < screenFrame.maxX() &&
+           pointer.y > screenFrame.minY() && pointer.y <= screenFrame.maxY();
+}
+
+} // namespace
+
+struct DragSnap::Placement {
+    Candidate candidate;
+    Rect target;
+    std::optional<Rect> bounds;
+    std::optional<std::size_t> index;
+};
+
+DragSnap::DragSnap(const Uses& uses)
+    : m_uses(uses), m_picker(uses.accessibility, uses.workspace, uses.ax, uses.engine),
+      m_offers(uses.geo, uses.store), m_self(std::make_shared<DragSnap*>(this)) {}
+
+DragSnap::~DragSnap() {
+    stop();
+    *m_self = nullptr;
+}
+
+void DragSnap::start() {
+    stop();
+    watch(MouseEventKind::LeftDown, &DragSnap::mouseDown);
+    watch(MouseEventKind::LeftDragged, &DragSnap::mouseDragged);
+    watch(MouseEventKind::LeftUp, &DragSnap::mouseUp);
+}
+
+void DragSnap::stop() {
+    m_monitors.clear();
+    reset();
+}
+
+void DragSnap::watch(MouseEventKind kind, Handler handler) {
+    auto monitor = m_uses.mouse.addGlobalMonitor(
+        kind, [this, handler](const MouseEvent& event) { (this->*handler)(event); });
+    if (monitor)
+        m_monitors.push_back(std::move(monitor));
+}
+
+void DragSnap::reset() {
+    m_candidate.reset();
+    m_dragging = false;
+    m_target.reset();
+    m_targetBounds.reset();
+    m_targetIndex.reset();
+    m_uses.overlay.hide();
+}
+
+void DragSnap::mouseDown(const MouseEvent& event) {
+    reset();
+    const bool isWanted = m_uses.store.settings.dragEnabled && !m_uses.runtime.paused;
+    if (isWanted && m_uses.permissions.isTrusted())
+        m_candidate = m_picker.pick(m_uses.geo.axPoint(event.screenLocation));
+}
+
+void DragSnap::mouseDragged(const MouseEvent& event) {
+    if (!m_candidate)
+        return;
+    if (!m_dragging && !candidateMoves())
+        return;
+    m_dragging = true;
+    follow(event);
+}
+
+/// A window whose size changes is being resized by its frame.
+bool DragSnap::candidateMoves() {
+    const auto now = m_uses.mainQueue.now();
+    if (now < m_lastRead + kReadInterval)
+        return false;
+    m_lastRead = now;
+    const auto axFrame = m_uses.ax.frame(m_candidate->window);
+    return axFrame && isMoved(*axFrame, m_candidate->axFrame) && !isResized(*axFrame, m_candidate->axFrame);
+}
+
+std::optional<Screen> DragSnap::screenAt(const Point& screenPoint) const {
+    const std::vector<Screen> screens = m_uses.displays.screens();
+    const auto found = std::find_if(screens.begin(), screens.end(),
+                                    [&](const Screen& screen) { return shows(screen.frame, screenPoint); });
+    return found == screens.end() ? std::nullopt : std::optional(*found);
+}
+
+void DragSnap::follow(const MouseEvent& event) {
+    const auto screen = screenAt(event.screenLocation);
+    if (!screen) {
+        m_target.reset();
+        m_uses.overlay.hide();
+        return;
+    }
+    SnapOffer offer = m_offers.offer(*screen, m_uses.geo.axPoint(event.screenLocation), event.modifierFlags);
+    m_target = offer.target;
+    m_targetBounds = m_uses.geo.axVisible(*screen);
+    m_targetIndex = offer.zoneNumber;
+    if (offer.items.empty())
+        m_uses.overlay.hide();
+    else
+        m_uses.overlay.show(*screen, std::move(offer.items));
+}
+
+void DragSnap::mouseUp(const MouseEvent& /*event*/) {
+    const bool wasDragging = m_dragging;
+    const auto candidate = m_candidate;
+    const auto target = m_target;
+    const auto bounds = m_targetBounds;
+    const auto index = m_targetIndex;
+    reset();
+    if (!wasDragging || !candidate || !target)
+        return;
+    m_uses.mainQueue.asyncAfter(kPlacementDelay,
+                                [self = m_self, placement = Placement{*candidate, *target, bounds, index}] {
+                                    if (DragSnap* const dragSnap = *self)
+                                        dragSnap->place(placement);
+                                });
+}
+
+void DragSnap::place(const Placement& placement) {
+    const Candidate& candidate = placement.candidate;
+    m_uses.engine.place(candidate.window, candidate.pid, placement.target, placement.bounds,
+                        candidate.axFrame);
+    if (!placement.index)
+        return;
+    const auto app = m_uses.workspace.runningApplication(candidate.pid);
+    m_uses.engine.remember(app ? app->bundleIdentifier : std::nullopt, *placement.index);
+}
+
+} // namespace tessarel

@@ -1,0 +1,59 @@
+#include "snap/overlay_view.h"
+
+#include <cmath>
+
+namespace tessarel {
+
+namespace {
+
+constexpr double kInset = 2;
+constexpr double kCornerRadius = 10;
+constexpr double kFontSize = 28;
+constexpr int kSemibold = 600;
+
+struct Look {
+    double fillAlpha;
+    double strokeAlpha;
+    double strokeWidth;
+    double labelAlpha;
+};
+
+constexpr Look kPlain{.fillAlpha = 0.1, .strokeAlpha = 0.45, .strokeWidth = 1.5, .labelAlpha = 0.6};
+constexpr Look kHighlighted{.fillAlpha = 0.35, .strokeAlpha = 0.95, .strokeWidth = 3, .labelAlpha = 0.95};
+
+bool isFinite(const Rect& rect) {
+    return std::isfinite(rect.x) && std::isfinite(rect.y) && std::isfinite(rect.width) &&
+           std::isfinite(rect.height);
+}
+
+OverlayFigure figure(const OverlayItem& item, const Rect& local) {
+    const Look& look = item.highlighted ? kHighlighted : kPlain;
+    return {.bounds = local,
+            .shape = local.inset(kInset, kInset),
+            .cornerRadius = kCornerRadius,
+            .fillAlpha = look.fillAlpha,
+            .strokeAlpha = look.strokeAlpha,
+            .strokeWidth = look.strokeWidth,
+            .label = {.text = item.label,
+                      .center = {local.midX(), local.midY()},
+                      .fontSize = kFontSize,
+                      .fontWeight = kSemibold,
+                      .alpha = look.labelAlpha},
+            .highlighted = item.highlighted};
+}
+
+} // namespace
+
+std::vector<OverlayFigure> OverlayView::draw() const {
+    std::vector<OverlayFigure> figures;
+    figures.reserve(items.size());
+    for (const OverlayItem& item : items) {
+        const Rect local{item.rect.minX() - origin.x, item.rect.minY() - origin.y, item.rect.absWidth(),
+                         item.rect.absHeight()};
+        if (isFinite(local))
+            figures.push_back(figure(item, local));
+    }
+    return figures;
+}
+
+} // namespace tessarel

@@ -1,0 +1,85 @@
+#include "snap/snap_offers.h"
+
+#include "ports/mouse_port.h"
+#include "snap/edge_zones.h"
+
+#include <limits>
+#include <string>
+#include <utility>
+
+namespace tessarel {
+
+namespace {
+
+/// How far beyond half the gap a zone still catches the pointer.
+constexpr double kReach = 1;
+
+struct NumberedFrame {
+    std::size_t number;
+    Rect axFrame;
+};
+
+/// The smallest frame that holds the point when grown by `reach`; of equal ones the first.
+const NumberedFrame* hit(const std::vector<NumberedFrame>& frames, const Point& axPoint, double reach) {
+    const NumberedFrame* best = nullptr;
+    double bestArea = std::numeric_limits<double>::max();
+    for (const NumberedFrame& candidate : frames) {
+        const double area = candidate.axFrame.absWidth() * candidate.axFrame.absHeight();
+        if (candidate.axFrame.inset(-reach, -reach).contains(axPoint) && area < bestArea) {
+            best = &candidate;
+            bestArea = area;
+        }
+    }
+    return best;
+}
+
+} // namespace
+
+SnapOffers::SnapOffers(const Geo& geo, const Store& store) : m_geo(geo), m_store(store) {}
+
+SnapOffer SnapOffers::offer(const Screen& screen, const Point& axPoint, std::uint64_t modifierFlags) const {
+    const Rect axVisible = m_geo.axVisible(screen);
+    if (isTriggerHeld(modifierFlags))
+        return zones(axVisible, axPoint);
+    return m_store.settings.edgeSnap ? edge(screen, axVisible, axPoint) : SnapOffer{};
+}
+
+/// There is on purpose no trigger by the option key.
+bool SnapOffers::isTriggerHeld(std::uint64_t modifierFlags) const {
+    const std::string& trigger = m_store.settings.dragTrigger;
+    if (trigger == "always")
+        return true;
+    if (trigger == "control")
+        return (modifierFlags & modifier_flag::kControl) != 0;
+    if (trigger == "command")
+        return (modifierFlags & modifier_flag::kCommand) != 0;
+    return (modifierFlags & modifier_flag::kShift) != 0;
+}
+
+SnapOffer SnapOffers::zones(const Rect& axVisible, const Point& axPoint) const {
+    const AppSettings& settings = m_store.settings;
+    std::vector<NumberedFrame> frames;
+    for (std::size_t i = 0; i < settings.zones.size(); ++i) {
+        if (settings.zones[i].enabled)
+            frames.push_back({i, m_geo.zoneFrame(settings.zones[i], axVisible)});
+    }
+    const NumberedFrame* chosen = hit(frames, axPoint, settings.gap * 0.5 + kReach);
+    SnapOffer offer;
+    for (const NumberedFrame& frame : frames)
+        offer.items.push_back({frame.axFrame, &frame == chosen, std::to_string(frame.number + 1)});
+    if (chosen) {
+        offer.target = chosen->axFrame;
+        offer.zoneNumber = chosen->number;
+    }
+    return offer;
+}
+
+SnapOffer SnapOffers::edge(const Screen& screen, const Rect& axVisible, const Point& axPoint) const {
+    const auto zone = edgeZone(m_geo.axFrame(screen), axPoint);
+    if (!zone)
+        return {};
+    const Rect axFrame = m_geo.zoneFrame(*zone, axVisible);
+    return {.items = {{axFrame, true, {}}}, .target = axFrame, .zoneNumber = {}};
+}
+
+} // namespace tessarel

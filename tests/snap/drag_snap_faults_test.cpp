@@ -1,0 +1,252 @@
+#include "snap/snap_test.h"
+
+#include <gmock/gmock.h>
+
+namespace tessarel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+/// What goes wrong in the middle of a drag, and that the next one works.
+class DragSnapFaultsTest : public SnapTest {
+protected:
+    DragSnapFaultsTest() { mouse.hold(kShift); }
+
+    void beginDrag() {
+        grab(window);
+        dragTo({1000, 500});
+        ASSERT_TRUE(picture.isVisible);
+    }
+    void expectThatTheNextDragWorks() {
+        desktop.drag(window, kStart);
+        grab(window);
+        dragTo({100, 500});
+        drop();
+        EXPECT_EQ(desktop.frame(window), kLeft);
+    }
+};
+
+TEST_F(DragSnapFaultsTest, ALostReleaseIsMadeUpForByTheNextMovement) {
+    beginDrag();
+    mouse.loseRelease();
+
+    dragTo({1001, 500});
+
+    EXPECT_FALSE(picture.isVisible);
+    dragTo({1002, 500});
+    EXPECT_FALSE(picture.isVisible) << "the button is up";
+    desktop.advance(1s);
+    expectThatTheNextDragWorks();
+}
+
+TEST_F(DragSnapFaultsTest, ASecondPressWithoutAReleaseStartsOver) {
+    beginDrag();
+
+    mouse.moveTo({1200, 850});
+    mouse.press();
+
+    EXPECT_FALSE(picture.isVisible);
+    drop();
+    desktop.advance(1s);
+    EXPECT_THAT(desktop.takeWrites(), IsEmpty());
+    expectThatTheNextDragWorks();
+}
+
+TEST_F(DragSnapFaultsTest, AWindowClosedInTheMiddleOfADragIsNotPlaced) {
+    beginDrag();
+    desktop.close(window);
+    dragTo({1001, 500});
+
+    drop();
+
+    EXPECT_FALSE(picture.isVisible);
+    window = desktop.openWindow("org.example.viewer", kStart);
+    expectThatTheNextDragWorks();
+}
+
+TEST_F(DragSnapFaultsTest, AProgramThatEndsInTheMiddleOfADragIsNotRemembered) {
+    beginDrag();
+    desktop.kill(desktop.window(window).pid);
+
+    drop();
+
+    EXPECT_TRUE(settings.appZones.empty());
+    window = desktop.openWindow("org.example.viewer", kStart);
+    expectThatTheNextDragWorks();
+}
+
+TEST_F(DragSnapFaultsTest, AProgramThatEndsBetweenReleaseAndPlacementIsNotRemembered) {
+    beginDrag();
+    mouse.release();
+    desktop.kill(desktop.window(window).pid);
+
+    desktop.advance(30ms);
+
+    EXPECT_TRUE(settings.appZones.empty());
+}
+
+TEST_F(DragSnapFaultsTest, AWindowClosedBeforeItIsSeenToMoveShowsNoOverlay) {
+    grab(window);
+    desktop.close(window);
+
+    dragTo({1000, 500});
+    drop();
+
+    EXPECT_EQ(picture.windows, 0);
+}
+
+TEST_F(DragSnapFaultsTest, AProgramThatStopsInTheMiddleOfADragDoesNotHoldUpTheOverlay) {
+    beginDrag();
+    desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
+    const auto before = desktop.mainQueue().now();
+
+    mouse.moveTo({100, 500});
+    mouse.release();
+
+    EXPECT_EQ(desktop.mainQueue().now(), before);
+    EXPECT_FALSE(picture.isVisible);
+    desktop.advance(30ms);
+    desktop.applicationOf(window).answerTime = {};
+    expectThatTheNextDragWorks();
+}
+
+TEST_F(DragSnapFaultsTest, AProgramThatStopsBeforeTheMoveIsSeenHoldsUpEachReadForAQuarterOfASecond) {
+    grab(window);
+    desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
+    desktop.advance(30ms);
+    const auto before = desktop.mainQueue().now();
+
+    mouse.moveTo({1000, 500});
+
+    EXPECT_EQ(desktop.mainQueue().now() - before, 250ms);
+    EXPECT_FALSE(picture.isVisible);
+}
+
+TEST_F(DragSnapFaultsTest, ADisplayRemovedUnderTheOverlayTakesItAwayWithTheNextMovement) {
+    const auto second = desktop.addScreen({.frame = {1440, 0, 1120, 900}});
+    grab(window);
+    dragTo({2000, 500});
+    ASSERT_EQ(picture.screenFrame, second.frame);
+    desktop.removeScreen(second.id);
+
+    dragTo({2001, 500});
+    EXPECT_FALSE(picture.isVisible);
+
+    dragTo({1000, 500});
+    EXPECT_EQ(picture.screenFrame, screen.frame);
+    drop();
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(DragSnapFaultsTest, WithoutAnyDisplayNothingIsShownOrPlaced) {
+    beginDrag();
+    desktop.removeScreen(screen.id);
+
+    mouse.moveTo({1001, 500});
+    drop();
+
+    EXPECT_FALSE(picture.isVisible);
+    EXPECT_THAT(desktop.takeWrites(), IsEmpty());
+}
+
+TEST_F(DragSnapFaultsTest, SettingsChangedInTheMiddleOfADragCountFromTheNextMovement) {
+    beginDrag();
+    settings.zones = zones({kWhole, {true, 50, 0, 50, 50}});
+    settings.dragTrigger = "always";
+    settings.gap = 10;
+    mouse.hold(0);
+
+    dragTo({1001, 300});
+
+    EXPECT_EQ(labels(), "1[2]");
+    const Rect target = geo.zoneFrame(settings.zones[1], geo.axVisible(screen));
+    drop();
+    EXPECT_EQ(desktop.frame(window), target);
+    EXPECT_EQ(settings.appZones.at("org.example.editor"), 1);
+}
+
+TEST_F(DragSnapFaultsTest, SwitchingOffCountsFromTheNextPress) {
+    beginDrag();
+    settings.dragEnabled = false;
+    runtime.paused = true;
+
+    dragTo({100, 500});
+    EXPECT_EQ(labels(), "[1]2");
+    drop();
+    EXPECT_EQ(desktop.frame(window), kLeft);
+
+    grab(window);
+    dragTo({1000, 500});
+    EXPECT_FALSE(picture.isVisible);
+}
+
+TEST_F(DragSnapFaultsTest, FewerZonesThanBeforeDoNotMatterToTheRelease) {
+    beginDrag();
+    settings.zones.clear();
+
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(DragSnapFaultsTest, ItsEndInTheMiddleOfADragTakesTheOverlayAway) {
+    beginDrag();
+
+    dragSnap.reset();
+
+    EXPECT_FALSE(picture.isVisible);
+    EXPECT_THAT(mouse.monitored(), IsEmpty());
+    drop();
+    EXPECT_THAT(desktop.takeWrites(), IsEmpty());
+}
+
+TEST_F(DragSnapFaultsTest, ItsEndBetweenReleaseAndPlacementCallsThePlacementOff) {
+    beginDrag();
+    mouse.release();
+    const Rect dropped = desktop.frame(window);
+
+    dragSnap.reset();
+    desktop.advance(1s);
+
+    EXPECT_EQ(desktop.frame(window), dropped);
+}
+
+TEST_F(DragSnapFaultsTest, ANewDragBetweenReleaseAndPlacementLeavesThePlacementAlone) {
+    beginDrag();
+    mouse.release();
+    mouse.moveTo({10, 890});
+    mouse.press();
+
+    desktop.advance(30ms);
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(DragSnapFaultsTest, ADragBegunBeforeTheProgramIsNotJoined) {
+    dragSnap->stop();
+    grab(window);
+    mouse.moveTo({600, 300});
+
+    dragSnap->start();
+    dragTo({1000, 500});
+    EXPECT_EQ(picture.windows, 0);
+    drop();
+
+    expectThatTheNextDragWorks();
+}
+
+TEST_F(DragSnapFaultsTest, AProgramThatRefusesToMoveLosesNothing) {
+    beginDrag();
+    desktop.applicationOf(window).refusesPosition = true;
+    desktop.applicationOf(window).refusesSize = true;
+    const Rect dropped = desktop.frame(window);
+
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), dropped);
+    EXPECT_FALSE(picture.isVisible);
+}
+
+} // namespace
+} // namespace tessarel

@@ -1,0 +1,163 @@
+#include "snap/snap_test.h"
+
+#include <gmock/gmock.h>
+
+namespace tessarel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+/// What a press makes a candidate of.
+class DragSnapPressTest : public SnapTest {
+protected:
+    DragSnapPressTest() { mouse.hold(kShift); }
+
+    /// Whether a drag that begins with a press at the point brings up the overlay, though the window moves
+    /// with it.
+    bool startsADrag(const Point& axPoint) {
+        mouse.moveTo(axPoint);
+        mouse.press();
+        const Rect frame = desktop.frame(window);
+        desktop.drag(window, {frame.x + 50, frame.y, frame.width, frame.height});
+        dragTo({axPoint.x + 50, axPoint.y});
+        const bool started = picture.isVisible;
+        mouse.hold(0);
+        dragTo({axPoint.x + 50, axPoint.y});
+        drop();
+        mouse.hold(kShift);
+        desktop.drag(window, kStart);
+        return started;
+    }
+};
+
+TEST_F(DragSnapPressTest, APressOnTheTitleBarStartsADrag) {
+    EXPECT_TRUE(startsADrag({520, 160}));
+}
+
+TEST_F(DragSnapPressTest, APressMoreThanSixtyPointsBelowTheTopStartsNothing) {
+    EXPECT_TRUE(startsADrag({520, 210}));
+    EXPECT_FALSE(startsADrag({520, 210.01}));
+    EXPECT_FALSE(startsADrag({520, 500}));
+    EXPECT_FALSE(startsADrag({520, 629}));
+}
+
+TEST_F(DragSnapPressTest, APressBesideEveryWindowStartsNothing) {
+    EXPECT_FALSE(startsADrag({520, 149}));
+    EXPECT_FALSE(startsADrag({840, 160}));
+}
+
+TEST_F(DragSnapPressTest, APressOutsideTheFrameThatTheWindowSaysStartsNothing) {
+    desktop.window(window).overrides["AXPosition"] = Point{500, 500};
+
+    mouse.moveTo({520, 160});
+    mouse.press();
+    desktop.window(window).overrides.clear();
+    dragTo({600, 160});
+
+    EXPECT_FALSE(picture.isVisible);
+}
+
+TEST_F(DragSnapPressTest, APartOfAWindowLeadsToItsWindow) {
+    desktop.window(window).partRole = "AXToolbar";
+
+    EXPECT_TRUE(startsADrag({520, 160}));
+}
+
+TEST_F(DragSnapPressTest, APartWithoutAWindowStartsNothing) {
+    desktop.window(window).partRole = "AXMenuBar";
+    desktop.window(window).overrides["AXWindow"] = std::nullopt;
+
+    EXPECT_FALSE(startsADrag({520, 160}));
+}
+
+TEST_F(DragSnapPressTest, AWindowOfAnIgnoredApplicationIsNeverSnapped) {
+    settings.ignoredApps = {"org.example.editor"};
+
+    EXPECT_FALSE(startsADrag({520, 160}));
+}
+
+TEST_F(DragSnapPressTest, AWindowThatCannotBeMovedStartsNothing) {
+    desktop.window(window).fullScreen = true;
+    EXPECT_FALSE(startsADrag({520, 160}));
+    desktop.window(window).fullScreen = false;
+
+    desktop.window(window).overrides["AXMinimized"] = true;
+    EXPECT_FALSE(startsADrag({520, 160}));
+}
+
+TEST_F(DragSnapPressTest, AWindowThatDoesNotSayWhereItIsStartsNothing) {
+    desktop.window(window).overrides["AXSize"] = std::nullopt;
+
+    mouse.moveTo({520, 160});
+    mouse.press();
+    desktop.window(window).overrides.clear();
+    dragTo({600, 160});
+
+    EXPECT_FALSE(picture.isVisible);
+}
+
+TEST_F(DragSnapPressTest, AWindowOfTheProgramItselfIsNeverSnapped) {
+    window = desktop.openOwnWindow(kStart);
+    (void)desktop.takeRequests();
+
+    EXPECT_FALSE(startsADrag({520, 160}));
+    EXPECT_THAT(desktop.takeRequests(), IsEmpty());
+}
+
+TEST_F(DragSnapPressTest, SwitchedOffPausedOrNotTrustedNothingIsAsked) {
+    settings.dragEnabled = false;
+    EXPECT_FALSE(startsADrag({520, 160}));
+    settings.dragEnabled = true;
+
+    runtime.paused = true;
+    EXPECT_FALSE(startsADrag({520, 160}));
+    runtime.paused = false;
+
+    desktop.trust().trusted = false;
+    EXPECT_FALSE(startsADrag({520, 160}));
+    EXPECT_EQ(desktop.trust().prompts, 0);
+    EXPECT_THAT(desktop.takeRequests(), IsEmpty());
+
+    desktop.trust().trusted = true;
+    EXPECT_TRUE(startsADrag({520, 160}));
+}
+
+TEST_F(DragSnapPressTest, ThePressAsksInThisOrderAndInBoundedTime) {
+    mouse.moveTo({520, 160});
+
+    mouse.press();
+
+    EXPECT_THAT(desktop.takeRequests(),
+                ElementsAre("limit desktop 250", "find 520,160", "read window 1 AXRole", "limit window 1 250",
+                            "read window 1 AXRole", "read window 1 AXMinimized", "read window 1 AXFullScreen",
+                            "read window 1 AXPosition", "read window 1 AXSize"));
+}
+
+TEST_F(DragSnapPressTest, AProgramThatDoesNotAnswerHoldsUpThePressForAQuarterOfASecond) {
+    desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
+    mouse.moveTo({520, 160});
+    const auto before = desktop.mainQueue().now();
+
+    mouse.press();
+
+    EXPECT_EQ(desktop.mainQueue().now() - before, 250ms);
+}
+
+TEST_F(DragSnapPressTest, AnotherPressStartsOver) {
+    const auto other = desktop.openWindow("org.example.viewer", {900, 150, 400, 300});
+    grab(window);
+    dragTo({600, 300});
+    ASSERT_TRUE(picture.isVisible);
+
+    grab(other, {50, 10});
+
+    EXPECT_FALSE(picture.isVisible);
+    dragTo({960, 200});
+    drop();
+    EXPECT_EQ(desktop.frame(other), kRight);
+    EXPECT_NE(desktop.frame(window), kRight);
+}
+
+} // namespace
+} // namespace tessarel

@@ -1,0 +1,435 @@
+#include "snap/drag_snap.h"
+
+#include "snap/snap_test.h"
+
+#include <gmock/gmock.h>
+
+namespace tessarel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class DragSnapTest : public SnapTest {
+protected:
+    /// Where restoring takes the window.
+    Rect restored() {
+        engine.restoreFocused();
+        return desktop.frame(window);
+    }
+};
+
+TEST_F(DragSnapTest, AWindowDroppedInAZoneWithTheTriggerHeldIsSetToIt) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    EXPECT_EQ(labels(), "1[2]");
+    EXPECT_EQ(picture.screenFrame, screen.frame);
+
+    mouse.release();
+    EXPECT_FALSE(picture.isVisible) << "the overlay goes at once";
+    EXPECT_NE(desktop.frame(window), kRight);
+    desktop.advance(30ms);
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(DragSnapTest, ThePlacementComesThirtyMillisecondsAfterTheRelease) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    mouse.release();
+
+    desktop.advance(30ms - 1ns);
+    EXPECT_NE(desktop.frame(window), kRight);
+
+    desktop.advance(1ns);
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(DragSnapTest, RestoreGoesBackToTheFrameBeforeTheDrag) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    drop();
+
+    EXPECT_EQ(restored(), kStart);
+}
+
+TEST_F(DragSnapTest, TheApplicationIsRememberedForTheZone) {
+    settings.zones = zones({{false, 0, 0, 50, 100}, kLeftHalf, kRightHalf});
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    EXPECT_TRUE(settings.appZones.empty());
+
+    drop();
+
+    EXPECT_EQ(settings.appZones.at("org.example.editor"), 2);
+    EXPECT_EQ(desktop.preferencesStorage().writes, 1);
+}
+
+TEST_F(DragSnapTest, AnApplicationWithoutANameIsNotRemembered) {
+    window = desktop.openWindow(desktop.launch({}), {.axFrame = kStart});
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+    EXPECT_TRUE(settings.appZones.empty());
+}
+
+TEST_F(DragSnapTest, AnEdgeSnapIsNeverRemembered) {
+    settings.edgeSnap = true;
+    grab(window);
+    dragTo({0, 450});
+    EXPECT_THAT(shown(), ElementsAre(kLeft));
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), kLeft);
+    EXPECT_TRUE(settings.appZones.empty());
+}
+
+TEST_F(DragSnapTest, AWindowThatCannotShrinkIsPulledIntoTheUsableArea) {
+    desktop.window(window).minimum = {900, 480};
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), (Rect{540, 25, 900, 875}));
+}
+
+TEST_F(DragSnapTest, LettingGoOfTheTriggerBeforeTheReleaseLeavesTheWindowWhereItIs) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    mouse.hold(0);
+    dragTo({1001, 500});
+    EXPECT_FALSE(picture.isVisible);
+    const Rect dropped = desktop.frame(window);
+
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), dropped);
+    EXPECT_TRUE(settings.appZones.empty());
+    EXPECT_THAT(desktop.takeWrites(), IsEmpty());
+}
+
+TEST_F(DragSnapTest, LettingGoOfTheTriggerWithoutAFurtherMovementStillSnaps) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    mouse.hold(0);
+
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(DragSnapTest, TheTriggerMayBePressedInTheMiddleOfADrag) {
+    grab(window);
+    dragTo({1000, 500});
+    EXPECT_FALSE(picture.isVisible);
+
+    mouse.hold(kShift);
+    dragTo({1001, 500});
+
+    EXPECT_EQ(labels(), "1[2]");
+}
+
+TEST_F(DragSnapTest, WithTheTriggerAlwaysEveryDragShowsTheZonesAndEdgesNeverSnap) {
+    settings.dragTrigger = "always";
+    settings.edgeSnap = true;
+    settings.zones = zones({{true, 25, 25, 50, 50}});
+    grab(window);
+    dragTo({0, 450});
+    EXPECT_EQ(labels(), "1");
+    const Rect dropped = desktop.frame(window);
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), dropped);
+}
+
+TEST_F(DragSnapTest, ThePointerOutsideEveryZoneShowsThemAndSnapsNothing) {
+    settings.zones = zones({{true, 0, 0, 25, 25}});
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    EXPECT_EQ(labels(), "1");
+    const Rect dropped = desktop.frame(window);
+
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), dropped);
+}
+
+TEST_F(DragSnapTest, TheBottomEdgeOffersNothingAndHidesTheOverlay) {
+    settings.edgeSnap = true;
+    grab(window);
+    dragTo({0, 450});
+    ASSERT_TRUE(picture.isVisible);
+
+    dragTo({720, 899});
+
+    EXPECT_FALSE(picture.isVisible);
+    const Rect dropped = desktop.frame(window);
+    drop();
+    EXPECT_EQ(desktop.frame(window), dropped);
+}
+
+TEST_F(DragSnapTest, WithEveryZoneDisabledThereIsNoOverlay) {
+    settings.zones = zones({});
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+
+    EXPECT_FALSE(picture.isVisible);
+}
+
+TEST_F(DragSnapTest, AClickOnATitleBarDoesNothing) {
+    mouse.hold(kShift);
+    grab(window);
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+    EXPECT_EQ(picture.windows, 0);
+}
+
+TEST_F(DragSnapTest, ThreePointsAreNoMove) {
+    mouse.hold(kShift);
+    for (const Point& step : {Point{3, 0}, Point{-3, 0}, Point{0, 3}, Point{3, -3}}) {
+        grab(window);
+        dragTo({520 + step.x, 160 + step.y});
+        EXPECT_FALSE(picture.isVisible) << step.x << ", " << step.y;
+        drop();
+        desktop.drag(window, kStart);
+    }
+}
+
+TEST_F(DragSnapTest, MoreThanThreePointsOnEitherAxisAreAMove) {
+    mouse.hold(kShift);
+    for (const Point& step : {Point{3.01, 0}, Point{-4, 0}, Point{0, 3.01}, Point{1, -4}}) {
+        grab(window);
+        dragTo({520 + step.x, 160 + step.y});
+        EXPECT_TRUE(picture.isVisible) << step.x << ", " << step.y;
+        drop();
+        desktop.drag(window, kStart);
+    }
+}
+
+TEST_F(DragSnapTest, SlowMovesAddUp) {
+    mouse.hold(kShift);
+    grab(window);
+    for (const double x : {521.0, 522.0, 523.0})
+        dragTo({x, 160});
+    EXPECT_FALSE(picture.isVisible);
+
+    dragTo({524, 160});
+
+    EXPECT_TRUE(picture.isVisible);
+}
+
+TEST_F(DragSnapTest, AWindowResizedByItsTopEdgeShowsNoOverlay) {
+    mouse.hold(kShift);
+    grab(window, {320, 2});
+    dragTo({520, 100});
+    dragTo({520, 90});
+
+    EXPECT_EQ(picture.windows, 0);
+    drop();
+    EXPECT_EQ(desktop.frame(window), (Rect{200, 88, 640, 542}));
+}
+
+TEST_F(DragSnapTest, ASizeThatChangesByThreePointsIsAResizeAndOneThatChangesByLessIsNot) {
+    mouse.hold(kShift);
+    for (const auto& [size, isDrag] : {std::pair(Size{643, 480}, false),
+                                       {{637, 480}, false},
+                                       {{640, 483}, false},
+                                       {{640, 477}, false},
+                                       {{642.99, 477.01}, true}}) {
+        grab(window);
+        desktop.drag(window, {kStart.x, kStart.y, size.width, size.height});
+        dragTo({600, 300});
+        EXPECT_EQ(picture.isVisible, isDrag) << size.width << "x" << size.height;
+        drop();
+        desktop.drag(window, kStart);
+    }
+}
+
+TEST_F(DragSnapTest, AWindowThatHasItsSizeAgainIsDragged) {
+    mouse.hold(kShift);
+    grab(window);
+    desktop.drag(window, {kStart.x, kStart.y, 700, 500});
+    dragTo({600, 300});
+    ASSERT_FALSE(picture.isVisible);
+
+    desktop.drag(window, kStart);
+    dragTo({601, 300});
+
+    EXPECT_TRUE(picture.isVisible);
+}
+
+TEST_F(DragSnapTest, AFrameIsReadAtMostEveryThirtyMillisecondsUntilTheWindowMoves) {
+    mouse.hold(kShift);
+    grab(window);
+    (void)desktop.takeRequests();
+    for (int millisecond = 0; millisecond < 300; ++millisecond) {
+        mouse.moveTo({520 + (millisecond % 2 == 0 ? 1.0 : 0.0), 160});
+        desktop.advance(1ms);
+    }
+
+    EXPECT_EQ(desktop.takeRequests().size(), 2U * 10U);
+}
+
+TEST_F(DragSnapTest, AReadExactlyThirtyMillisecondsAfterTheLastOneIsMade) {
+    grab(window);
+    mouse.moveTo({521, 160});
+    (void)desktop.takeRequests();
+
+    desktop.advance(30ms - 1ns);
+    mouse.moveTo({520, 160});
+    EXPECT_THAT(desktop.takeRequests(), IsEmpty());
+
+    desktop.advance(1ns);
+    mouse.moveTo({521, 160});
+    EXPECT_EQ(desktop.takeRequests().size(), 2U);
+}
+
+TEST_F(DragSnapTest, TheLastReadCountsAcrossDrags) {
+    mouse.hold(kShift);
+    grab(window);
+    mouse.moveTo({521, 160});
+    mouse.release();
+    mouse.press();
+
+    mouse.moveTo({600, 160});
+    EXPECT_FALSE(picture.isVisible);
+
+    dragTo({601, 160});
+    EXPECT_TRUE(picture.isVisible);
+}
+
+TEST_F(DragSnapTest, TheEventThatShowsTheMoveIsFollowedAlready) {
+    mouse.hold(kShift);
+    grab(window);
+    mouse.moveTo({1000, 500});
+
+    EXPECT_EQ(labels(), "1[2]");
+}
+
+TEST_F(DragSnapTest, OnceTheMoveIsSeenNobodyIsAskedUntilTheRelease) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({600, 160});
+    ASSERT_TRUE(picture.isVisible);
+    (void)desktop.takeRequests();
+
+    for (int n = 0; n < 100; ++n)
+        dragTo({600.0 + n, 300});
+    mouse.release();
+    EXPECT_THAT(desktop.takeRequests(), IsEmpty());
+
+    desktop.advance(30ms);
+    EXPECT_FALSE(desktop.takeRequests().empty());
+}
+
+TEST_F(DragSnapTest, OnlyAnotherHighlightIsPainted) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({600, 300});
+    dragTo({601, 300});
+    dragTo({602, 300});
+    EXPECT_EQ(picture.drawings, 1);
+
+    dragTo({1000, 300});
+    EXPECT_EQ(picture.drawings, 2);
+    EXPECT_EQ(labels(), "1[2]");
+}
+
+TEST_F(DragSnapTest, TheOverlayFollowsThePointerToAnotherScreen) {
+    desktop.addScreen({.frame = {-1920, 900, 1920, 1080}});
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({600, 300});
+
+    dragTo({-100, -500});
+
+    EXPECT_EQ(picture.screenFrame, (Rect{-1920, 900, 1920, 1080}));
+    EXPECT_THAT(shown(), ElementsAre(Rect{0, 0, 960, 1080}, Rect{960, 0, 960, 1080}));
+    drop();
+    EXPECT_EQ(desktop.frame(window), (Rect{-960, -1080, 960, 1080}));
+}
+
+TEST_F(DragSnapTest, AScreenHasItsTopEdgeAndNotItsBottomOne) {
+    desktop.addScreen({.frame = {0, 900, 1440, 900}});
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({600, 0});
+    EXPECT_EQ(picture.screenFrame, screen.frame) << "y 900 in screen coordinates";
+
+    dragTo({600, -1});
+    EXPECT_EQ(picture.screenFrame, (Rect{0, 900, 1440, 900}));
+}
+
+TEST_F(DragSnapTest, APointerOnNoScreenHidesTheOverlayAndHasNoTarget) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({600, 300});
+
+    dragTo({2000, 300});
+
+    EXPECT_FALSE(picture.isVisible);
+    const Rect dropped = desktop.frame(window);
+    drop();
+    EXPECT_EQ(desktop.frame(window), dropped);
+}
+
+TEST_F(DragSnapTest, MovementsWithoutAPressDoNothing) {
+    mouse.hold(kShift);
+    mouse.moveTo({600, 300});
+    mouse.release();
+    desktop.advance(1s);
+
+    EXPECT_THAT(desktop.takeRequests(), IsEmpty());
+    EXPECT_EQ(picture.windows, 0);
+}
+
+TEST_F(DragSnapTest, StartWatchesThreeKindsInOrderAndNeverStacksUp) {
+    dragSnap->start();
+    dragSnap->start();
+
+    EXPECT_THAT(mouse.monitored(),
+                ElementsAre(MouseEventKind::LeftDown, MouseEventKind::LeftDragged, MouseEventKind::LeftUp));
+}
+
+TEST_F(DragSnapTest, ARefusedMonitorIsNotKept) {
+    mouse.refuse(MouseEventKind::LeftDragged);
+
+    dragSnap->start();
+
+    EXPECT_THAT(mouse.monitored(), ElementsAre(MouseEventKind::LeftDown, MouseEventKind::LeftUp));
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    drop();
+    EXPECT_EQ(picture.windows, 0);
+}
+
+TEST_F(DragSnapTest, StopWatchesNothingAndGivesUpTheDrag) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+
+    dragSnap->stop();
+
+    EXPECT_THAT(mouse.monitored(), IsEmpty());
+    EXPECT_FALSE(picture.isVisible);
+    const Rect dropped = desktop.frame(window);
+    drop();
+    EXPECT_EQ(desktop.frame(window), dropped);
+}
+
+} // namespace
+} // namespace tessarel

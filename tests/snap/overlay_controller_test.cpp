@@ -1,0 +1,151 @@
+#include "snap/overlay_controller.h"
+
+#include "snap/snap_test.h"
+
+#include <gmock/gmock.h>
+
+namespace tessarel {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::UnorderedElementsAre;
+
+class OverlayControllerTest : public SnapTest {
+protected:
+    const OverlayItem left{kLeft, false, "1"};
+    const OverlayItem right{kRight, false, "2"};
+    const OverlayItem target{kRight, true, "2"};
+};
+
+TEST_F(OverlayControllerTest, ThereIsNoWindowBeforeTheFirstShow) {
+    EXPECT_EQ(picture.windows, 0);
+    overlay.hide();
+    EXPECT_EQ(picture.windows, 0);
+    EXPECT_EQ(picture.ordersOut, 0);
+}
+
+TEST_F(OverlayControllerTest, ShowCoversTheScreenAndDrawsTheItems) {
+    overlay.show(screen, {left, target});
+
+    EXPECT_TRUE(picture.isVisible);
+    EXPECT_EQ(picture.screenFrame, screen.frame);
+    EXPECT_THAT(shown(), ElementsAre(kLeft, kRight));
+    EXPECT_EQ(labels(), "1[2]");
+}
+
+TEST_F(OverlayControllerTest, TheWindowIsMadeOnceAndKept) {
+    overlay.show(screen, {left});
+    overlay.hide();
+    overlay.show(screen, {right});
+
+    EXPECT_EQ(picture.windows, 1);
+    EXPECT_TRUE(picture.isVisible);
+}
+
+TEST_F(OverlayControllerTest, HideTakesItOffTheScreenAndKeepsThePicture) {
+    overlay.show(screen, {left, right});
+
+    overlay.hide();
+    EXPECT_FALSE(picture.isVisible);
+    EXPECT_EQ(picture.figures.size(), 2U);
+
+    overlay.show(screen, {left, right});
+    EXPECT_TRUE(picture.isVisible);
+    EXPECT_EQ(picture.drawings, 1) << "nothing has changed meanwhile";
+}
+
+TEST_F(OverlayControllerTest, ShowingTheSameAgainTouchesNothing) {
+    overlay.show(screen, {left, target});
+    for (int n = 0; n < 100; ++n)
+        overlay.show(screen, {left, target});
+
+    EXPECT_EQ(picture.framesSet, 1);
+    EXPECT_EQ(picture.drawings, 1);
+    EXPECT_EQ(picture.ordersFront, 1);
+}
+
+TEST_F(OverlayControllerTest, EveryOtherShowBringsItToTheFront) {
+    overlay.show(screen, {left});
+    overlay.show(screen, {right});
+    overlay.hide();
+    overlay.show(screen, {right});
+
+    EXPECT_EQ(picture.ordersFront, 3);
+}
+
+TEST_F(OverlayControllerTest, OnlyItemsThatLookDifferentAreChanged) {
+    overlay.show(screen, {left, right});
+    EXPECT_THAT(picture.changed, UnorderedElementsAre(kLeft, kRight));
+
+    overlay.show(screen, {left, target});
+    EXPECT_THAT(picture.changed, UnorderedElementsAre(kRight));
+}
+
+TEST_F(OverlayControllerTest, AnItemThatMovesChangesBothPlaces) {
+    overlay.show(screen, {left});
+
+    overlay.show(screen, {right});
+
+    EXPECT_THAT(picture.changed, UnorderedElementsAre(kLeft, kRight));
+}
+
+TEST_F(OverlayControllerTest, ItemsThatComeOrGoChangeTheirPlace) {
+    overlay.show(screen, {left});
+
+    overlay.show(screen, {left, right});
+    EXPECT_THAT(picture.changed, UnorderedElementsAre(kRight));
+
+    overlay.show(screen, {left});
+    EXPECT_THAT(picture.changed, UnorderedElementsAre(kRight));
+    EXPECT_EQ(picture.figures.size(), 1U);
+}
+
+TEST_F(OverlayControllerTest, WithoutItemsItIsThereAndDrawsNothing) {
+    overlay.show(screen, {});
+    EXPECT_TRUE(picture.isVisible);
+    EXPECT_TRUE(picture.figures.empty());
+
+    overlay.show(screen, {left});
+    overlay.show(screen, {});
+    EXPECT_TRUE(picture.isVisible);
+    EXPECT_TRUE(picture.figures.empty());
+    EXPECT_THAT(picture.changed, ElementsAre(kLeft));
+}
+
+TEST_F(OverlayControllerTest, AnotherScreenIsAnotherFrameOfTheSameWindow) {
+    const Screen second = desktop.addScreen({.frame = {-1920, 900, 1920, 1080}});
+    overlay.show(screen, {left});
+
+    overlay.show(second, {{{-1920, -1080, 960, 1080}, false, "1"}});
+
+    EXPECT_EQ(picture.windows, 1);
+    EXPECT_EQ(picture.screenFrame, (Rect{-1920, 900, 1920, 1080}));
+    EXPECT_THAT(shown(), ElementsAre(Rect{0, 0, 960, 1080}));
+}
+
+TEST_F(OverlayControllerTest, TheFrameIsSetOnlyWhenItIsAnother) {
+    overlay.show(screen, {left});
+    overlay.show(screen, {right});
+    overlay.hide();
+    overlay.show(screen, {left});
+    EXPECT_EQ(picture.framesSet, 1);
+
+    const Screen second = desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
+    overlay.show(second, {left});
+    EXPECT_EQ(picture.framesSet, 2);
+}
+
+TEST_F(OverlayControllerTest, APrimaryDisplayOfAnotherHeightMovesThePictureOnTheOthers) {
+    const Screen second = desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
+    const OverlayItem item{{1440, -180, 960, 1080}, false, "1"};
+    overlay.show(second, {item});
+    ASSERT_THAT(shown(), ElementsAre(Rect{0, 0, 960, 1080}));
+    desktop.removeScreen(screen.id);
+
+    overlay.show(second, {item});
+
+    EXPECT_THAT(shown(), ElementsAre(Rect{0, -180, 960, 1080}));
+}
+
+} // namespace
+} // namespace tessarel
