@@ -1,5 +1,4 @@
 #include "desktop/tray_desktop.h"
-#include "support/x11/keyboard.h"
 #include "support/x11/window_manager.h"
 
 #include <gmock/gmock.h>
@@ -39,7 +38,6 @@ protected:
     Environment environment = withoutBus(server.environment());
     WindowManager manager{server, WindowManagerKind::Openbox};
     Observer observer{server.display()};
-    Keyboard keyboard{server, observer};
     Mouse mouse{observer};
     std::unique_ptr<ChildProcess> panel;
     std::optional<StatusItemProbe> probe;
