@@ -32,6 +32,8 @@ OverlaySurface::OverlaySurface(Kind kind, const std::vector<OverlayFigure>& figu
 void OverlaySurface::cover(const QRect& frame) {
     m_frame = frame;
     coverPixels(*this, frame);
+    if (isVisible())
+        cutOutFigures();
 }
 
 void OverlaySurface::appear() {

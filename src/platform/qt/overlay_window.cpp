@@ -16,8 +16,10 @@ QtOverlayWindow::~QtOverlayWindow() {
 
 void QtOverlayWindow::setFrame(const Rect& screenFrame) {
     m_frame = pixels(m_desktopPixels(screenFrame));
-    if (m_isFront)
-        m_surface->cover(m_frame);
+    if (!m_isFront)
+        return;
+    m_surface->cover(m_frame);
+    m_nextRepaint = m_queue.now(); // the picture of another screen must not stay
 }
 
 void QtOverlayWindow::setFigures(const std::vector<OverlayFigure>& figures,

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "platform/qt/overlay_figures.h"
+#include "platform/qt/overlay_surface.h"
+#include "platform/qt/qt_overlay.h"
+#include "platform/sim/sim_clock.h"
+#include "platform/sim/sim_main_queue.h"
+#include "support/x11/child_process.h"
+#include "support/x11/observer.h"
+#include "support/x11/window_manager.h"
+#include "support/x11/x_server.h"
+
+#include <QApplication>
+#include <QColor>
+#include <QImage>
+#include <QRect>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tessarel::qt {
+
+/// A desktop with an overlay on it, seen through the eyes of the X server.
+///
+/// The frames that the overlay is given are pixels of the root window.
+class OverlayDesktopTest : public testing::Test {
+protected:
+    /// The scale factor of the user, as the environment tells it to Qt; none when empty.
+    explicit OverlayDesktopTest(const std::string& scaleFactor = {});
+    ~OverlayDesktopTest() override;
+
+    void startCompositor();
+    void stopCompositor();
+
+    /// Shows `list` on `rootFrame`, and waits until the server has heard of it.
+    void show(const Rect& rootFrame, const std::vector<OverlayFigure>& list);
+    /// Shows `list` where the overlay is, in place of what was there.
+    void change(const std::vector<OverlayFigure>& list);
+    void hide();
+    /// Lets Qt and the server deal with all that has happened.
+    void turn();
+    /// Waits until `holds`, while Qt's loop turns.
+    [[nodiscard]] bool waitUntil(const std::function<bool()>& holds);
+
+    /// What stands on the screen.
+    [[nodiscard]] QImage screen(const QRect& area);
+    [[nodiscard]] QColor screenPixel(int x, int y);
+    /// Waits until a pixel of the screen has `color`, give or take a little.
+    testing::AssertionResult becomes(int x, int y, const QColor& color);
+
+    /// The surface that is shown; null without one.
+    [[nodiscard]] static OverlaySurface* surface();
+    [[nodiscard]] static xcb_window_t surfaceWindow();
+
+    static x11test::XServer& server();
+    x11test::Observer observer{server().display()};
+    sim::SimClock clock;
+    sim::SimMainQueue queue{clock};
+
+private:
+    int m_argumentCount = 1;
+    std::array<char, 5> m_programName{"test"};
+    std::array<char*, 2> m_arguments{m_programName.data(), nullptr};
+    std::optional<QApplication> m_application;
+    std::unique_ptr<x11test::ChildProcess> m_compositor;
+
+protected:
+    QtOverlay overlay{queue, [](const Rect& rootFrame) { return rootFrame; }};
+    std::unique_ptr<OverlayWindow> window = overlay.createWindow();
+    std::vector<Rect> shownBounds;
+};
+
+} // namespace tessarel::qt
