@@ -19,7 +19,7 @@ declare -A sees=(
     [platform/qt]="model ports snap app"
 )
 no_qt_and_no_system="model ports engine snap placer app"
-json_home="model/settings_codec.cpp"
+json_home="model/json_document.cpp"
 
 offences=0
 offence() {

@@ -1,0 +1,160 @@
+#include "model/json_document.h"
+
+// strtod's end is checked by the library with an assertion that fails under a C locale whose decimal point
+// has several bytes. `DocumentBuilder` reads the number's text itself.
+#define JSON_ASSERT(condition) static_cast<void>(condition)
+#include <nlohmann/json.hpp>
+
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <system_error>
+
+namespace tessarel {
+namespace {
+
+using nlohmann::json;
+
+/// No document of ours is nested deeper than four; the rest is room for members unknown today.
+constexpr std::size_t kDeepestNesting = 64;
+
+/// Builds the value that the parser reads, and gives up on what is nested too deep.
+class DocumentBuilder : public nlohmann::json_sax<json> {
+public:
+    [[nodiscard]] JsonValue takeDocument() { return std::move(m_document); }
+
+    bool null() override { return add({}); }
+    bool boolean(bool value) override { return add(value); }
+    bool number_integer(number_integer_t value) override { return add(std::int64_t{value}); }
+    bool number_unsigned(number_unsigned_t value) override {
+        constexpr auto kLargest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+        return value <= kLargest ? add(static_cast<std::int64_t>(value)) : add(static_cast<double>(value));
+    }
+    // The parser's own value has gone through the C locale, and so has the decimal point in its text.
+    bool number_float(number_float_t, const string_t& text) override {
+        const auto value = number(text);
+        return value && add(*value);
+    }
+    bool string(string_t& value) override { return add(std::move(value)); }
+    bool binary(binary_t&) override { return false; }
+
+    bool start_object(std::size_t) override { return open(JsonObject()); }
+    bool key(string_t& name) override {
+        m_key = std::move(name);
+        return true;
+    }
+    bool end_object() override { return close(); }
+    bool start_array(std::size_t) override { return open(JsonArray()); }
+    bool end_array() override { return close(); }
+
+    bool parse_error(std::size_t, const std::string&, const nlohmann::detail::exception&) override {
+        return false;
+    }
+
+private:
+    static std::optional<double> number(std::string text) {
+        constexpr std::string_view kOthers = "0123456789+-eE";
+        const auto point = text.find_first_not_of(kOthers);
+        if (point != std::string::npos)
+            text[point] = '.';
+
+        double value = 0;
+        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+        if (error != std::errc() || end != text.data() + text.size())
+            return std::nullopt;
+        return value;
+    }
+
+    JsonValue& place(JsonValue value) {
+        if (m_open.empty())
+            return m_document = std::move(value);
+        JsonValue& parent = *m_open.back();
+        if (auto* const object = parent.as<JsonObject>())
+            return (*object)[m_key] = std::move(value);
+        return parent.as<JsonArray>()->emplace_back(std::move(value));
+    }
+
+    bool add(JsonValue value) {
+        place(std::move(value));
+        return true;
+    }
+
+    bool open(JsonValue container) {
+        if (m_open.size() == kDeepestNesting)
+            return false;
+        m_open.push_back(&place(std::move(container)));
+        return true;
+    }
+
+    bool close() {
+        m_open.pop_back();
+        return true;
+    }
+
+    JsonValue m_document;
+    std::vector<JsonValue*> m_open;
+    std::string m_key;
+};
+
+/// Turns a value into the library's; false if a number is not finite, for which the library would write null.
+/// Members of one class, so that containers and the values in them find each other whatever their order.
+struct Writer {
+    static bool write(const JsonValue& from, json& to) {
+        if (const auto* const array = from.as<JsonArray>())
+            return write(*array, to);
+        if (const auto* const object = from.as<JsonObject>())
+            return write(*object, to);
+        if (const auto* const number = from.as<double>())
+            return std::isfinite(*number) && assign(number, to);
+        return from.isNull() || assign(from.as<bool>(), to) || assign(from.as<std::int64_t>(), to) ||
+               assign(from.as<std::string>(), to);
+    }
+
+    static bool write(const JsonArray& from, json& to) {
+        to = json::array();
+        for (const JsonValue& item : from) {
+            if (!write(item, to.emplace_back(nullptr)))
+                return false;
+        }
+        return true;
+    }
+
+    static bool write(const JsonObject& from, json& to) {
+        to = json::object();
+        for (const auto& [name, value] : from) {
+            if (!write(value, to[name]))
+                return false;
+        }
+        return true;
+    }
+
+    template <typename T>
+    static bool assign(const T* from, json& to) {
+        if (from)
+            to = *from;
+        return from != nullptr;
+    }
+};
+
+} // namespace
+
+std::optional<JsonValue> readJson(std::string_view document) {
+    DocumentBuilder builder;
+    if (!json::sax_parse(document, &builder))
+        return std::nullopt;
+    return builder.takeDocument();
+}
+
+std::optional<std::string> writeJson(const JsonValue& value) {
+    json root;
+    if (!Writer::write(value, root))
+        return std::nullopt;
+    try {
+        return root.dump();
+    } catch (const json::type_error&) { // a text that is not UTF-8
+        return std::nullopt;
+    }
+}
+
+} // namespace tessarel

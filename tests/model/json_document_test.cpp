@@ -1,0 +1,90 @@
+#include "model/json_document.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+namespace tessarel {
+namespace {
+
+std::string nested(std::size_t depth) {
+    return std::string(depth, '[') + std::string(depth, ']');
+}
+
+TEST(JsonDocumentTest, EachKindOfValueIsReadAsItself) {
+    const auto root = readJson(R"({"n": null, "b": true, "i": -3, "d": 0.5, "s": "x", "a": [1], "o": {}})");
+
+    ASSERT_TRUE(root);
+    EXPECT_TRUE(root->member("n")->isNull());
+    EXPECT_TRUE(*root->member("b")->as<bool>());
+    EXPECT_EQ(*root->member("i")->as<std::int64_t>(), -3);
+    EXPECT_EQ(*root->member("d")->as<double>(), 0.5);
+    EXPECT_EQ(*root->member("s")->as<std::string>(), "x");
+    EXPECT_EQ(root->member("a")->as<JsonArray>()->size(), 1U);
+    EXPECT_TRUE(root->member("o")->as<JsonObject>()->empty());
+}
+
+TEST(JsonDocumentTest, AValueOfAnotherTypeIsNone) {
+    const auto root = readJson(R"({"i": 1})");
+
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->member("i")->as<std::string>(), nullptr);
+    EXPECT_EQ(root->member("i")->as<double>(), nullptr);
+    EXPECT_FALSE(root->member("i")->isNull());
+}
+
+TEST(JsonDocumentTest, OnlyAnObjectHasMembers) {
+    EXPECT_EQ(readJson(R"({"a": 1})")->member("b"), nullptr);
+    EXPECT_EQ(readJson(R"(["a"])")->member("a"), nullptr);
+    EXPECT_EQ(JsonValue().member("a"), nullptr);
+}
+
+TEST(JsonDocumentTest, OfMembersOfOneNameTheLastCounts) {
+    const auto root = readJson(R"({"a": [1, {"b": 2}], "a": "last"})");
+
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->as<JsonObject>()->size(), 1U);
+    EXPECT_EQ(*root->member("a")->as<std::string>(), "last");
+}
+
+TEST(JsonDocumentTest, AnIntegerThatNeedsMoreThan64BitsIsADouble) {
+    EXPECT_EQ(*readJson("9223372036854775807")->as<std::int64_t>(), std::numeric_limits<std::int64_t>::max());
+    EXPECT_EQ(*readJson("9223372036854775808")->as<double>(), 9223372036854775808.0);
+    EXPECT_EQ(*readJson("-9223372036854775809")->as<double>(), -9223372036854775808.0);
+    EXPECT_EQ(*readJson("123456789012345678901234567890")->as<double>(), 123456789012345678901234567890.0);
+}
+
+TEST(JsonDocumentTest, WhatIsNotJsonIsNone) {
+    for (const char* document :
+         {"", " ", "{", "[1,]", "{\"a\"}", "nul", "1 2", "NaN", "'a'", "1e400", "\"\xFF\""})
+        EXPECT_FALSE(readJson(document)) << document;
+}
+
+TEST(JsonDocumentTest, NestingIsReadTo64AndNoFurther) {
+    EXPECT_TRUE(readJson(nested(64)));
+    EXPECT_FALSE(readJson(nested(65)));
+    EXPECT_FALSE(readJson(nested(1'000'000)));
+}
+
+TEST(JsonDocumentTest, ADocumentIsWrittenOnOneLineInTheOrderOfNames) {
+    const JsonValue root = JsonObject{
+        {"z", JsonValue()}, {"b", JsonArray{true, 0.5, std::int64_t{-3}}}, {"a", std::string("x\"y")}};
+
+    EXPECT_EQ(writeJson(root), R"({"a":"x\"y","b":[true,0.5,-3],"z":null})");
+}
+
+TEST(JsonDocumentTest, ANumberThatIsNotFiniteCannotBeWrittenHoweverDeep) {
+    const double infinity = std::numeric_limits<double>::infinity();
+
+    EXPECT_EQ(writeJson(infinity), std::nullopt);
+    EXPECT_EQ(writeJson(JsonArray{1.0, std::numeric_limits<double>::quiet_NaN()}), std::nullopt);
+    EXPECT_EQ(writeJson(JsonObject{{"a", JsonArray{-infinity}}}), std::nullopt);
+}
+
+TEST(JsonDocumentTest, TextThatIsNotUtf8CannotBeWritten) {
+    EXPECT_EQ(writeJson(std::string("\xC3")), std::nullopt);
+    EXPECT_EQ(writeJson(JsonObject{{"\xFF", true}}), std::nullopt);
+}
+
+} // namespace
+} // namespace tessarel
