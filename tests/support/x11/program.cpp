@@ -2,13 +2,13 @@
 
 #include <csignal>
 #include <fstream>
+#include <utility>
 
 namespace tessarel::x11test {
 
 namespace {
 
-Environment programEnvironment(const XServer& server) {
-    Environment environment = server.environment();
+Environment withoutSessionBus(Environment environment) {
     environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
     return environment;
 }
@@ -24,7 +24,10 @@ void writeSettings(const XServer& server, std::string_view document) {
     std::ofstream(settingsFile(server)) << document;
 }
 
-Program::Program(const XServer& server) : m_process({TESSAREL_PROGRAM}, programEnvironment(server)) {}
+Program::Program(const XServer& server) : Program(server.environment()) {}
+
+Program::Program(Environment environment)
+    : m_process({TESSAREL_PROGRAM}, withoutSessionBus(std::move(environment))) {}
 
 bool Program::waitUntilReady(Observer& observer, Keyboard& keyboard, const Combination& last) {
     const bool ready = observer.waitUntil([&] { return !running() || keyboard.held(last); });

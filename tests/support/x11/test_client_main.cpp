@@ -168,8 +168,10 @@ void Client::setAppearance(xcb_window_t window, const Options& options) {
     Numbers strut;
     for (const std::string& value : options.all("strut"))
         strut.push_back(number(value));
-    if (!strut.empty())
-        setNumbers(window, "_NET_WM_STRUT_PARTIAL", "CARDINAL", strut);
+    if (strut.empty())
+        return;
+    setNumbers(window, "_NET_WM_STRUT_PARTIAL", "CARDINAL", strut);
+    setNumbers(window, "_NET_WM_STRUT", "CARDINAL", Numbers(strut.begin(), strut.begin() + 4));
 }
 
 std::string Client::open(const Options& options) {

@@ -63,6 +63,7 @@ void dropIcewmKeys(const XServer& server) {
     for (const char* key : {"Last", "Next", "Prev", "1", "2", "3", "4", "5", "6", "7", "8", "9", "10"})
         for (const char* suffix : {"", "TakeWin"})
             settings += std::string("KeySysWorkspace") + key + suffix + "=\"\"\n";
+    settings += "Win95Keys=0\n";
     writeFile(server.home() / ".icewm/preferences", settings);
     writeFile(server.home() / ".icewm/keys", "");
 }
@@ -131,8 +132,11 @@ constexpr std::string_view kBusConfiguration = R"(<!DOCTYPE busconfig PUBLIC
 </busconfig>
 )";
 
-std::vector<std::string> busCommand(const fs::path& folder) {
+std::vector<std::string> busCommand(const fs::path& folder, OwnKeys keys) {
     std::string configuration(kBusConfiguration);
+    // Some keep their keys with a service, which the bus starts on demand.
+    if (keys == OwnKeys::Kept)
+        configuration.insert(configuration.find("  <auth>"), "  <standard_session_servicedirs/>\n");
     const std::string_view placeholder = "FOLDER";
     configuration.replace(configuration.find(placeholder), placeholder.size(), folder.string());
     writeFile(folder / "bus.conf", configuration);
@@ -145,16 +149,17 @@ std::vector<std::string> busCommand(const fs::path& folder) {
 bool takesCharge(Observer& observer, const Deadline& deadline) {
     constexpr std::chrono::milliseconds kOneTry{500};
     xcb_connection_t* x = observer.x().get();
+    xcb_window_t window = XCB_WINDOW_NONE;
     bool listed = false;
     while (!listed && !deadline.passed()) {
-        const xcb_window_t window = xcb_generate_id(x);
+        window = xcb_generate_id(x);
         xcb_create_window(x, XCB_COPY_FROM_PARENT, window, observer.root(), 0, 0, 200, 100, 0,
                           XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
         xcb_map_window(x, window);
         listed = observer.waitUntil([&] { return observer.managed(window); }, Deadline(kOneTry));
         xcb_destroy_window(x, window);
     }
-    return listed && observer.waitUntil([&] { return observer.clients().empty(); }, deadline) &&
+    return listed && observer.waitUntil([&] { return !observer.managed(window); }, deadline) &&
            observer.settle(deadline);
 }
 
@@ -168,15 +173,15 @@ std::ostream& operator<<(std::ostream& stream, WindowManagerKind kind) {
     return stream << name(kind);
 }
 
-SessionBus::SessionBus(const Environment& environment)
-    : m_process(busCommand(m_folder.path()), environment), m_address(m_process.readLine()) {}
+SessionBus::SessionBus(const Environment& environment, OwnKeys keys)
+    : m_process(busCommand(m_folder.path(), keys), environment), m_address(m_process.readLine()) {}
 
 WindowManager::WindowManager(const XServer& server, WindowManagerKind kind, OwnKeys keys) : m_kind(kind) {
     const Traits& traits = traitsOf(kind);
     if (keys == OwnKeys::Dropped)
         dropKeys(server, kind);
     if (traits.needsBus)
-        m_bus = std::make_unique<SessionBus>(server.environment());
+        m_bus = std::make_unique<SessionBus>(server.environment(), keys);
     m_process = std::make_unique<ChildProcess>(traits.command, environmentFor(server, m_bus.get()));
 
     const Deadline deadline;

@@ -23,10 +23,10 @@ std::ostream& operator<<(std::ostream& stream, WindowManagerKind kind);
 /// Whether a window manager keeps the key combinations that it comes with.
 enum class OwnKeys { Kept, Dropped };
 
-/// A session bus of its own on which nothing can be started.
+/// A session bus of its own, on which services can be started only for a window manager that keeps its keys.
 class SessionBus {
 public:
-    explicit SessionBus(const Environment& environment);
+    SessionBus(const Environment& environment, OwnKeys keys);
 
     [[nodiscard]] const std::string& address() const { return m_address; }
 

@@ -1,0 +1,180 @@
+#include "desktop/desktop.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+
+namespace tessarel::x11test {
+
+namespace {
+
+constexpr int kPanelHeight = 30;
+/// Longer than any placement takes, short enough for a table of failures.
+constexpr std::chrono::seconds kPlacementPatience{10};
+
+std::vector<Monitor> monitorsOf(const XServerOptions& options) {
+    if (!options.monitors.empty())
+        return options.monitors;
+    return {{.name = "", .x = 0, .y = 0, .width = options.width, .height = options.height, .primary = true}};
+}
+
+const Monitor& rightmost(const std::vector<Monitor>& monitors) {
+    return *std::max_element(monitors.begin(), monitors.end(),
+                             [](const Monitor& a, const Monitor& b) { return a.x < b.x; });
+}
+
+/// A bar along the bottom edge of `monitor`, in a root window of height `rootHeight`.
+WindowOptions panelOptions(const Monitor& monitor, int rootHeight) {
+    const int top = monitor.y + monitor.height - kPanelHeight;
+    const auto value = [](int pixels) { return static_cast<std::uint32_t>(pixels); };
+    std::vector<std::uint32_t> strut(12, 0);
+    strut[3] = value(rootHeight - top);
+    strut[10] = value(monitor.x);
+    strut[11] = value(monitor.x + monitor.width - 1);
+    return {.title = "panel",
+            .className = "Panel",
+            .client = {monitor.x, top, monitor.width, kPanelHeight},
+            .decorated = false,
+            .type = "_NET_WM_WINDOW_TYPE_DOCK",
+            .strut = strut};
+}
+
+bool reportsSanitizer(const std::string& errors) {
+    return errors.find("Sanitizer") != std::string::npos || errors.find("runtime error") != std::string::npos;
+}
+
+/// Ends the shared desktops before the test program ends.
+class SharedDesktops : public testing::Environment {
+public:
+    Desktop& desktop(WindowManagerKind kind) {
+        std::unique_ptr<Desktop>& desktop = m_desktops[kind];
+        if (!desktop) {
+            desktop = std::make_unique<Desktop>(DesktopOptions{.manager = kind});
+            EXPECT_TRUE(desktop->start());
+        }
+        return *desktop;
+    }
+
+    void TearDown() override {
+        for (auto& [kind, desktop] : m_desktops)
+            EXPECT_TRUE(desktop->stop()) << kind;
+        m_desktops.clear();
+    }
+
+private:
+    std::map<WindowManagerKind, std::unique_ptr<Desktop>> m_desktops;
+};
+
+SharedDesktops& sharedDesktops() {
+    // Owned by the test framework from here on.
+    static auto* const desktops = new SharedDesktops;
+    static const bool added = testing::AddGlobalTestEnvironment(desktops) != nullptr;
+    static_cast<void>(added);
+    return *desktops;
+}
+
+[[maybe_unused]] const SharedDesktops& kRegistered = sharedDesktops();
+
+} // namespace
+
+Desktop::Desktop(const DesktopOptions& options)
+    : m_server(options.server), m_monitors(monitorsOf(options.server)),
+      m_manager(std::make_unique<WindowManager>(m_server, options.manager, options.managersKeys)),
+      m_observer(m_server.display()), m_keyboard(m_server, m_observer), m_panel(m_server) {
+    writeSettings(m_server, options.settings);
+    m_panelWindow = m_panel.open(panelOptions(rightmost(m_monitors), options.server.height));
+    EXPECT_TRUE(waitForPanel());
+}
+
+bool Desktop::waitForPanel() {
+    const int free = m_monitors.front().height - kPanelHeight;
+    const auto takesEffect = [this, free] {
+        const std::optional<Frame> area = m_observer.workArea();
+        return m_monitors.size() > 1 ? m_observer.managed(m_panelWindow) : area && area->bottom() <= free;
+    };
+    return m_observer.waitUntil(takesEffect) && m_observer.settle();
+}
+
+bool Desktop::start() {
+    m_program = std::make_unique<Program>(m_server);
+    if (m_program->waitUntilReady(m_observer, m_keyboard))
+        return true;
+    std::cerr << m_program->errors();
+    return false;
+}
+
+bool Desktop::stop() {
+    const std::optional<int> exitCode = m_program->terminate();
+    const std::string errors = m_program->errors();
+    if (exitCode == 0 && !reportsSanitizer(errors))
+        return true;
+    std::cerr << "exit code " << exitCode.value_or(-1) << "\n" << errors;
+    return false;
+}
+
+void Desktop::replaceManager(WindowManagerKind kind) {
+    m_manager.reset();
+    m_manager = std::make_unique<WindowManager>(m_server, kind);
+    EXPECT_TRUE(waitForPanel());
+}
+
+Frame Desktop::usableArea(std::size_t index) {
+    const Monitor& monitor = m_monitors.at(index);
+    if (m_monitors.size() == 1)
+        return m_observer.workArea().value_or(Frame{});
+    const bool hasPanel = &monitor == &rightmost(m_monitors);
+    return {monitor.x, monitor.y, monitor.width, monitor.height - (hasPanel ? kPanelHeight : 0)};
+}
+
+xcb_window_t Desktop::open(TestClient& client, const WindowOptions& options) {
+    const xcb_window_t window = client.open(options);
+    EXPECT_TRUE(m_observer.waitUntil([&] { return m_observer.managed(window); }));
+    EXPECT_TRUE(activate(window));
+    m_observer.watch(window);
+    return window;
+}
+
+bool Desktop::activate(xcb_window_t window) {
+    m_observer.activate(window);
+    return m_observer.waitUntil([&] { return m_observer.activeWindow() == window; }) && m_observer.settle();
+}
+
+bool Desktop::addStates(xcb_window_t window, const std::vector<std::string>& states) {
+    const auto has = [&](const std::string& state) { return m_observer.hasState(window, state); };
+    m_observer.changeState(window, StateChange::Add, states.front(),
+                           states.size() > 1 ? states.back() : std::string());
+    if (!m_observer.waitUntil([&] { return std::all_of(states.begin(), states.end(), has); }))
+        return false;
+    // Some managers tell the state first and put off the rest until they have nothing else to do.
+    return m_observer.settle() && m_observer.settle() && m_observer.settle();
+}
+
+bool Desktop::waitUntilWithout(xcb_window_t window, const std::vector<std::string>& states) {
+    const auto has = [&](const std::string& state) { return m_observer.hasState(window, state); };
+    return m_observer.waitUntil([&] { return std::none_of(states.begin(), states.end(), has); },
+                                Deadline(kPlacementPatience));
+}
+
+Frame Desktop::settledFrame(xcb_window_t window, const Frame& expected) {
+    // On the way, while the window manager changes decoration and size one after the other, a frame may look
+    // right by chance.
+    const auto settled = [&] {
+        return frame(window) == expected && m_observer.settle() && frame(window) == expected;
+    };
+    return m_observer.waitUntil(settled, Deadline(kPlacementPatience)) ? expected : frame(window);
+}
+
+bool Desktop::waitUntilOnlyPanel() {
+    return m_observer.waitUntil([this] {
+        const std::vector<xcb_window_t> clients = m_observer.clients();
+        return clients.empty() || (clients.size() == 1 && clients.front() == m_panelWindow);
+    });
+}
+
+Desktop& sharedDesktop(WindowManagerKind kind) {
+    return sharedDesktops().desktop(kind);
+}
+
+} // namespace tessarel::x11test

@@ -1,0 +1,101 @@
+#include "desktop/snap_fixture.h"
+
+namespace tessarel::x11test {
+namespace {
+
+/// A plain window under each window manager.
+class SnapTest : public SnapFixture {
+protected:
+    const xcb_window_t window = desktop.open(client);
+};
+
+TEST_P(SnapTest, RestoreAfterAChainOfSnapsGoesBackToBeforeTheFirst) {
+    const Frame before = desktop.frame(window);
+    snap(window, 1);
+    snap(window, 2);
+    snap(window, 4);
+
+    desktop.press(hotkey::kRestore);
+
+    EXPECT_EQ(desktop.settledFrame(window, before), before);
+}
+
+TEST_P(SnapTest, RestoreAfterAMoveByHandGoesBackToTheHandMovedFrame) {
+    const Frame byHand{300, 200, 620, 410};
+    snap(window, 1);
+    expectNextPressWorks();
+    ASSERT_TRUE(desktop.activate(window));
+    desktop.observer().moveOuterFrame(window, byHand);
+    ASSERT_EQ(desktop.settledFrame(window, byHand), byHand);
+    snap(window, 2);
+
+    desktop.press(hotkey::kRestore);
+
+    EXPECT_EQ(desktop.settledFrame(window, byHand), byHand);
+}
+
+TEST_P(SnapTest, SecondRestoreMovesNothing) {
+    const Frame before = desktop.frame(window);
+    snap(window, 3);
+    desktop.press(hotkey::kRestore);
+    ASSERT_EQ(desktop.settledFrame(window, before), before);
+
+    desktop.press(hotkey::kRestore);
+
+    expectNextPressWorks();
+    EXPECT_EQ(desktop.frame(window), before);
+}
+
+TEST_P(SnapTest, APressIsOneVisibleStep) {
+    const ConfigureCount before = client.configures(window);
+    snap(window, 5);
+    snap(window, 1); // whatever the first press has caused comes before what this one causes
+
+    const ConfigureCount after = client.configures(window);
+    EXPECT_EQ(after.real - before.real, 2);
+    EXPECT_LE(after.all() - before.all(), 4);
+}
+
+TEST_P(SnapTest, APressThatChangesNothingIsNoVisibleStep) {
+    snap(window, 5);
+    const ConfigureCount before = client.configures(window);
+    snap(window, 5);
+    snap(window, 1);
+
+    EXPECT_EQ(client.configures(window).real - before.real, 1);
+}
+
+TEST_P(SnapTest, OnlyTheActiveWindowMoves) {
+    const Frame first = desktop.frame(window);
+    const xcb_window_t second = desktop.open(client, {.client = {400, 300, 450, 350}});
+
+    snap(second, 1);
+
+    EXPECT_EQ(desktop.frame(window), first);
+}
+
+TEST_P(SnapTest, ATerminalFillsItsZoneToTheLastWholeStep) {
+    ChildProcess terminal({"xterm", "-geometry", "80x24+200+150", "-class", "Terminal", "-e", "cat"},
+                          desktop.server().environment());
+    Observer& observer = desktop.observer();
+    ASSERT_TRUE(observer.waitUntil([&] { return observer.clients().back() != window; }));
+    const xcb_window_t xterm = observer.clients().back();
+    ASSERT_TRUE(desktop.activate(xterm));
+    const std::vector<std::uint32_t> hints = observer.values(xterm, "WM_NORMAL_HINTS");
+    const Frame zone = zoneFrame(5);
+    const auto fits = [&] {
+        const Frame frame = desktop.frame(xterm);
+        return frame.x == zone.x && frame.y == zone.y && frame.width <= zone.width &&
+               frame.height <= zone.height && frame.width > zone.width - static_cast<int>(hints.at(9)) &&
+               frame.height > zone.height - static_cast<int>(hints.at(10));
+    };
+
+    desktop.press(hotkey::zone(5));
+
+    EXPECT_TRUE(observer.waitUntil(fits)) << desktop.frame(xterm) << " in " << zone;
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, SnapTest, testing::ValuesIn(kAllWindowManagers), managerName);
+
+} // namespace
+} // namespace tessarel::x11test
