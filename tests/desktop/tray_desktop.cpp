@@ -73,10 +73,6 @@ Appearance appearance(XConnection& x, xcb_window_t window) {
     return {attributes->map_state == XCB_MAP_STATE_VIEWABLE, attributes->override_redirect != 0};
 }
 
-bool isOfProbe(Observer& observer, xcb_window_t window) {
-    return observer.text(window, "WM_CLASS").find("status_item_probe") != std::string::npos;
-}
-
 } // namespace
 
 void Mouse::fake(std::uint8_t type, std::uint8_t detail, int x, int y) {
@@ -120,8 +116,48 @@ std::unique_ptr<ChildProcess> startXfce4Panel(const XServer& server, const Envir
                                           environment);
 }
 
+bool ShownStatusItem::isOfProgram(xcb_window_t window) {
+    return m_observer.text(window, "WM_CLASS").find(m_windowClass) != std::string::npos;
+}
+
+std::optional<Frame> ShownStatusItem::icon() {
+    XConnection& x = m_observer.x();
+    for (const xcb_window_t topLevel : children(x, m_observer.root()))
+        for (const xcb_window_t inner : descendants(x, topLevel))
+            if (isOfProgram(inner) && appearance(x, inner).viewable)
+                return m_observer.clientFrame(inner);
+    return std::nullopt;
+}
+
+Frame ShownStatusItem::waitForIcon() {
+    // The panel takes the icon in first and finds a place for it then.
+    const int panelTop = m_observer.x().screen().height_in_pixels - kPanelHeight;
+    std::optional<Frame> found;
+    if (!m_observer.waitUntil(
+            [&] { return (found = icon()) && found->y >= panelTop && found->width >= kSmallestIcon; }))
+        throw std::runtime_error("no icon appears");
+    return *found;
+}
+
+std::vector<Frame> ShownStatusItem::menus() {
+    std::vector<Frame> found;
+    for (const xcb_window_t topLevel : children(m_observer.x(), m_observer.root())) {
+        const Appearance seen = appearance(m_observer.x(), topLevel);
+        if (!seen.viewable || !seen.overrideRedirect || !isOfProgram(topLevel))
+            continue;
+        if (const auto frame = m_observer.clientFrame(topLevel))
+            found.push_back(*frame);
+    }
+    return found;
+}
+
+Frame ShownStatusItem::row(const Frame& menu, int position, int count) {
+    const int height = menu.height / count;
+    return {menu.x, menu.y + position * height, menu.width, height};
+}
+
 StatusItemProbe::StatusItemProbe(const Environment& environment, Observer& observer)
-    : m_process({TESSAREL_STATUS_ITEM_PROBE}, environment), m_observer(observer) {
+    : ShownStatusItem(observer, "status_item_probe"), m_process({TESSAREL_STATUS_ITEM_PROBE}, environment) {
     if (heardUpTo("ready").empty())
         throw std::runtime_error("the probe does not start: " + m_process.errors());
 }
@@ -140,42 +176,6 @@ std::vector<std::string> StatusItemProbe::heardUpTo(std::string_view line) {
             return heard;
     }
     return {};
-}
-
-std::optional<Frame> StatusItemProbe::icon() {
-    XConnection& x = m_observer.x();
-    for (const xcb_window_t topLevel : children(x, m_observer.root()))
-        for (const xcb_window_t inner : descendants(x, topLevel))
-            if (isOfProbe(m_observer, inner) && appearance(x, inner).viewable)
-                return m_observer.clientFrame(inner);
-    return std::nullopt;
-}
-
-Frame StatusItemProbe::waitForIcon() {
-    // The panel takes the icon in first and finds a place for it then.
-    const int panelTop = m_observer.x().screen().height_in_pixels - kPanelHeight;
-    std::optional<Frame> found;
-    if (!m_observer.waitUntil(
-            [&] { return (found = icon()) && found->y >= panelTop && found->width >= kSmallestIcon; }))
-        throw std::runtime_error("no icon appears");
-    return *found;
-}
-
-std::vector<Frame> StatusItemProbe::menus() {
-    std::vector<Frame> found;
-    for (const xcb_window_t topLevel : children(m_observer.x(), m_observer.root())) {
-        const Appearance seen = appearance(m_observer.x(), topLevel);
-        if (!seen.viewable || !seen.overrideRedirect || !isOfProbe(m_observer, topLevel))
-            continue;
-        if (const auto frame = m_observer.clientFrame(topLevel))
-            found.push_back(*frame);
-    }
-    return found;
-}
-
-Frame StatusItemProbe::row(const Frame& menu, int position, int count) {
-    const int height = menu.height / count;
-    return {menu.x, menu.y + position * height, menu.width, height};
 }
 
 } // namespace tessarel::x11test

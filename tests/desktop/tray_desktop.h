@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tessarel::x11test {
@@ -54,17 +55,12 @@ enum class PanelColour { Light, Dark };
 [[nodiscard]] std::unique_ptr<ChildProcess> startXfce4Panel(const XServer& server,
                                                             const Environment& environment);
 
-/// The program with a status item, and what the desktop shows of it.
-class StatusItemProbe {
+/// What an X desktop shows of a program's status item.
+class ShownStatusItem {
 public:
-    StatusItemProbe(const Environment& environment, Observer& observer);
-
-    [[nodiscard]] ChildProcess& process() { return m_process; }
-
-    /// Has the program do to its item what `line` says.
-    void tell(std::string_view line);
-    /// What the program has told since, up to and with `line`; empty when it does not tell that.
-    [[nodiscard]] std::vector<std::string> heardUpTo(std::string_view line);
+    /// `windowClass` is found in the class of every window of the program, and of no other's.
+    ShownStatusItem(Observer& observer, std::string windowClass)
+        : m_observer(observer), m_windowClass(std::move(windowClass)) {}
 
     /// The window in which the icon stands; none while it does not.
     [[nodiscard]] std::optional<Frame> icon();
@@ -76,8 +72,26 @@ public:
     [[nodiscard]] static Frame row(const Frame& menu, int position, int count);
 
 private:
-    ChildProcess m_process;
+    [[nodiscard]] bool isOfProgram(xcb_window_t window);
+
     Observer& m_observer;
+    std::string m_windowClass;
+};
+
+/// The program with a status item that does as it is told.
+class StatusItemProbe : public ShownStatusItem {
+public:
+    StatusItemProbe(const Environment& environment, Observer& observer);
+
+    [[nodiscard]] ChildProcess& process() { return m_process; }
+
+    /// Has the program do to its item what `line` says.
+    void tell(std::string_view line);
+    /// What the program has told since, up to and with `line`; empty when it does not tell that.
+    [[nodiscard]] std::vector<std::string> heardUpTo(std::string_view line);
+
+private:
+    ChildProcess m_process;
 };
 
 } // namespace tessarel::x11test

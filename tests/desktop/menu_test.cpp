@@ -1,0 +1,232 @@
+#include "desktop/desktop.h"
+#include "desktop/expected.h"
+#include "desktop/tray_desktop.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <fstream>
+#include <iterator>
+
+namespace tessarel::x11test {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+// Places of rows in the menu of a program that may do everything, separators not counted: hardly any height.
+constexpr int kRows = 13;
+constexpr int kZone1Row = 1;
+constexpr int kArrangeRow = 6;
+constexpr int kMoveWindowRow = 7;
+constexpr int kLayoutsRow = 8;
+constexpr int kPauseRow = 9;
+constexpr int kQuitRow = 12;
+constexpr int kSubmenuRows = 9; // of either submenu
+constexpr int kLeftHalfRow = 0;
+constexpr int kHalvesRow = 1;
+constexpr Combination kEscape{9};
+constexpr Combination kReturn{key::kReturn};
+
+/// The program with its icon in a panel that takes icons in as windows, driven by the mouse.
+class MenuTest : public testing::Test {
+protected:
+    static Environment withoutBus(Environment environment) {
+        environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
+        return environment;
+    }
+
+    MenuTest() {
+        const Frame all = observer.clientFrame(observer.root()).value_or(Frame{});
+        EXPECT_TRUE(observer.waitUntil([&] {
+            area = observer.workArea().value_or(all);
+            return area.height < all.height;
+        })) << "the panel has no room of its own";
+    }
+
+    void start(std::string_view settings = kUsualSettings) {
+        writeSettings(server, settings);
+        program.emplace(server);
+        ASSERT_TRUE(program->waitUntilReady(observer, keyboard)) << program->errors();
+    }
+
+    xcb_window_t openWindow(const WindowOptions& options = {}) {
+        const xcb_window_t window = client.open(options);
+        EXPECT_TRUE(observer.waitUntil([&] { return observer.activeWindow() == window; }));
+        EXPECT_TRUE(observer.settle());
+        observer.watch(window);
+        return window;
+    }
+
+    bool waitForMenus(std::size_t count) {
+        return observer.waitUntil([&] { return item.menus().size() == count; });
+    }
+    void openMenu() {
+        mouse.clickCentre(item.waitForIcon(), Mouse::kLeft);
+        ASSERT_TRUE(waitForMenus(1)) << "no menu opens";
+    }
+    void choose(int row) {
+        openMenu();
+        mouse.clickCentre(ShownStatusItem::row(item.menus().at(0), row, kRows), Mouse::kLeft);
+        EXPECT_TRUE(waitForMenus(0)) << "the menu stays open";
+    }
+    void choose(int parentRow, int row) {
+        openMenu();
+        mouse.clickCentre(ShownStatusItem::row(item.menus().at(0), parentRow, kRows), Mouse::kLeft);
+        ASSERT_TRUE(waitForMenus(2)) << "no submenu opens";
+        mouse.clickCentre(ShownStatusItem::row(item.menus().at(1), row, kSubmenuRows), Mouse::kLeft);
+        EXPECT_TRUE(waitForMenus(0)) << "the menu stays open";
+    }
+
+    /// Whether `window` gets to `wanted` and stays there.
+    testing::AssertionResult goesTo(xcb_window_t window, const Frame& wanted) {
+        const auto there = [&] { return observer.outerFrame(window) == wanted; };
+        if (observer.waitUntil([&] { return there() && observer.settle() && there(); }))
+            return testing::AssertionSuccess();
+        return testing::AssertionFailure() << "it is at " << observer.outerFrame(window).value_or(Frame{});
+    }
+
+    [[nodiscard]] std::string settings() const {
+        std::ifstream file(settingsFile(server));
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    XServer server{{.width = 1000, .height = 700}};
+    WindowManager manager{server, WindowManagerKind::Openbox};
+    Observer observer{server.display()};
+    Keyboard keyboard{server, observer};
+    Mouse mouse{observer};
+    TestClient client{server};
+    std::unique_ptr<ChildProcess> panel = startTint2(server, withoutBus(server.environment()));
+    ShownStatusItem item{observer, "tessarel"};
+    std::optional<Program> program;
+    Frame area;
+};
+
+TEST_F(MenuTest, AZoneOfTheMenuTakesTheWindowBelow) {
+    start();
+    const xcb_window_t window = openWindow();
+
+    choose(kZone1Row);
+
+    EXPECT_TRUE(goesTo(window, frameIn(area, kZones[0])));
+}
+
+TEST_F(MenuTest, AMoveOfTheSubmenuMovesTheWindowBelow) {
+    start();
+    const xcb_window_t window = openWindow();
+
+    choose(kMoveWindowRow, kLeftHalfRow);
+
+    EXPECT_TRUE(goesTo(window, frameIn(area, kLeftHalf)));
+    EXPECT_EQ(observer.activeWindow(), window);
+}
+
+TEST_F(MenuTest, ArrangingPutsTheFrontWindowFirst) {
+    start();
+    const xcb_window_t back = openWindow({.client = {60, 60, 400, 300}});
+    const xcb_window_t front = openWindow({.client = {120, 120, 410, 310}});
+
+    choose(kArrangeRow);
+
+    EXPECT_TRUE(goesTo(front, frameIn(area, kZones[0])));
+    EXPECT_TRUE(goesTo(back, frameIn(area, kZones[1])));
+}
+
+TEST_F(MenuTest, ALayoutIsAppliedKeptAndMovesNothingYet) {
+    start();
+    const xcb_window_t window = openWindow();
+    const auto before = observer.outerFrame(window);
+
+    choose(kLayoutsRow, kHalvesRow);
+
+    const auto kept = [&] { return settings().find(R"("zones")") != std::string::npos; };
+    EXPECT_TRUE(observer.waitUntil(kept)) << settings();
+    EXPECT_EQ(observer.outerFrame(window), before);
+    keyboard.press(hotkey::zone(2));
+    EXPECT_TRUE(goesTo(window, frameIn(area, kRightHalf)));
+}
+
+TEST_F(MenuTest, TheMenuHasARowForEachZoneOfTheLayout) {
+    start();
+    openMenu();
+    const int rowHeight = item.menus().at(0).height / kRows;
+    mouse.clickCentre(ShownStatusItem::row(item.menus().at(0), 0, kRows), Mouse::kLeft); // the title: nothing
+    EXPECT_EQ(item.menus().size(), 1U);
+    const int before = item.menus().at(0).height;
+    keyboard.press(kEscape);
+    ASSERT_TRUE(waitForMenus(0));
+
+    choose(kLayoutsRow, kHalvesRow);
+    openMenu();
+
+    EXPECT_EQ(item.menus().at(0).height, before - 3 * rowHeight);
+}
+
+TEST_F(MenuTest, PauseStopsTheHotKeysUntilItIsChosenAgain) {
+    start();
+    const xcb_window_t window = openWindow();
+    const auto before = observer.outerFrame(window);
+
+    choose(kPauseRow);
+    keyboard.press(hotkey::zone(1));
+    choose(kPauseRow);
+
+    EXPECT_EQ(observer.outerFrame(window), before);
+    keyboard.press(hotkey::zone(2));
+    EXPECT_TRUE(goesTo(window, frameIn(area, kZones[1])));
+}
+
+TEST_F(MenuTest, QuitEndsTheProgramInGoodOrder) {
+    start();
+
+    choose(kQuitRow);
+
+    EXPECT_EQ(program->process().waitForExit(), 0);
+    EXPECT_EQ(program->errors(), "");
+    EXPECT_FALSE(keyboard.held(hotkey::zone(1)));
+    EXPECT_EQ(settings(), kUsualSettings);
+    EXPECT_TRUE(observer.waitUntil([&] { return !item.icon(); }));
+}
+
+TEST_F(MenuTest, AnOpenMenuDoesNotKeepTheProgramFromEnding) {
+    start();
+    openMenu();
+
+    EXPECT_EQ(program->terminate(), 0);
+
+    EXPECT_EQ(program->errors(), "");
+    EXPECT_FALSE(keyboard.held(hotkey::zone(1)));
+    EXPECT_TRUE(waitForMenus(0));
+}
+
+TEST_F(MenuTest, AnOpenMenuEndsWithTheServer) {
+    start();
+    openMenu();
+
+    server.kill();
+
+    EXPECT_EQ(program->process().waitForExit(), 1);
+    EXPECT_EQ(program->errors(), "tessarel: lost the connection to the X display\n");
+}
+
+TEST_F(MenuTest, TheFirstStartWelcomesOnceAndLeavesTheMenu) {
+    start("{}");
+    const auto welcomes = [&] {
+        return observer.text(observer.activeWindow(), "WM_CLASS").find("tessarel") != std::string::npos;
+    };
+    ASSERT_TRUE(observer.waitUntil(welcomes) && observer.settle());
+
+    keyboard.press(kReturn);
+
+    const auto welcomed = [&] { return settings().find(R"("hasOnboarded":true)") != std::string::npos; };
+    ASSERT_TRUE(observer.waitUntil(welcomed)) << settings();
+    EXPECT_TRUE(observer.waitUntil([&] { return observer.clients().size() == 1; }))
+        << "only the panel is left";
+    choose(kQuitRow);
+    EXPECT_EQ(program->process().waitForExit(), 0);
+}
+
+} // namespace
+} // namespace tessarel::x11test
