@@ -8,8 +8,9 @@ namespace tessarel::x11test {
 
 namespace {
 
-Environment withoutSessionBus(Environment environment) {
-    environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
+/// Qt looks for a bus by itself where it is told of none.
+Environment withoutForeignBus(Environment environment) {
+    environment.try_emplace("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     return environment;
 }
 
@@ -27,7 +28,7 @@ void writeSettings(const XServer& server, std::string_view document) {
 Program::Program(const XServer& server) : Program(server.environment()) {}
 
 Program::Program(Environment environment)
-    : m_process({TESSAREL_PROGRAM}, withoutSessionBus(std::move(environment))) {}
+    : m_process({TESSAREL_PROGRAM}, withoutForeignBus(std::move(environment))) {}
 
 bool Program::waitUntilReady(Observer& observer, Keyboard& keyboard, const Combination& last) {
     const bool ready = observer.waitUntil([&] { return !running() || keyboard.held(last); });

@@ -21,6 +21,7 @@ class Program {
 public:
     /// Starts it and does not wait for anything.
     explicit Program(const XServer& server);
+    /// With the session bus that `environment` names, or with none.
     explicit Program(Environment environment);
 
     /// Waits until it holds all of its hot keys, of which `last` is the one that it claims last. False when

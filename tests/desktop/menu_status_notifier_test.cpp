@@ -1,0 +1,122 @@
+#include "desktop/desktop.h"
+#include "desktop/expected.h"
+#include "desktop/status_notifier_panel.h"
+#include "desktop/tray_desktop.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <regex>
+#include <string>
+
+namespace tessarel::x11test {
+namespace {
+
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::Not;
+
+/// The program on a desktop with a session bus, whose panel asks there for the menu and draws it itself.
+class MenuStatusNotifierTest : public testing::Test {
+protected:
+    static Environment withBus(const XServer& server, const DesktopBus& bus) {
+        Environment environment = server.environment();
+        environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
+        // Qt drops calls that nobody has answered by the end of the program.
+        const std::filesystem::path suppressions = server.configHome() / "leaks";
+        std::filesystem::create_directories(suppressions.parent_path());
+        std::ofstream(suppressions) << "leak:libQt6DBus\n";
+        environment["LSAN_OPTIONS"] = "print_suppressions=0:suppressions=" + suppressions.string();
+        return environment;
+    }
+
+    MenuStatusNotifierTest() {
+        writeSettings(server, kUsualSettings);
+        EXPECT_TRUE(observer.waitUntil([&] { return desktop.isThere(); })) << panel->errors();
+        program.emplace(environment);
+        EXPECT_TRUE(program->waitUntilReady(observer, keyboard)) << program->errors();
+        EXPECT_TRUE(observer.waitUntil([&] { return !desktop.item().empty(); })) << "no item";
+    }
+
+    std::string openedMenu() {
+        desktop.aboutToShowMenu();
+        return desktop.menu();
+    }
+
+    /// Whether the row of that label has a mark in the menu as it opens.
+    bool isMarked(const std::string& label) {
+        const std::string menu = openedMenu();
+        const std::regex row("\\{[^{}]*'label': <'" + label + "'>[^{}]*\\}");
+        std::smatch match;
+        return std::regex_search(menu, match, row) &&
+               match.str().find("'toggle-state': <1>") != std::string::npos;
+    }
+
+    XServer server{{.width = 1000, .height = 700}};
+    DesktopBus bus{server.environment()};
+    Environment environment = withBus(server, bus);
+    WindowManager manager{server, WindowManagerKind::Openbox};
+    Observer observer{server.display()};
+    Keyboard keyboard{server, observer};
+    StatusNotifierPanel desktop{environment};
+    std::unique_ptr<ChildProcess> panel = startXfce4Panel(server, environment);
+    std::optional<Program> program;
+};
+
+TEST_F(MenuStatusNotifierTest, TheMenuReachesThePanel) {
+    const std::string menu = openedMenu();
+
+    for (const char* label :
+         {"Tessarel 1.0.0", "Snap to Zone 1   \\(Ctrl\\+Alt\\+1\\)", "Arrange windows into zones",
+          "Move window", "Left half   \\(Ctrl\\+Alt\\+Left\\)", "Layouts", "Halves", "Pause Tessarel",
+          "Quit Tessarel"})
+        EXPECT_THAT(menu, ContainsRegex("'label': <'" + std::string(label)));
+    EXPECT_THAT(menu, Not(HasSubstr("Snap to Zone 6")));
+}
+
+TEST_F(MenuStatusNotifierTest, AnAppliedLayoutIsMarkedAtTheNextOpening) {
+    EXPECT_TRUE(isMarked("3 top \\+ 2 bottom"));
+    EXPECT_FALSE(isMarked("Halves"));
+
+    ASSERT_TRUE(desktop.choose(openedMenu(), "Halves"));
+
+    EXPECT_TRUE(observer.waitUntil([&] { return isMarked("Halves"); }));
+    EXPECT_FALSE(isMarked("3 top \\+ 2 bottom"));
+    EXPECT_THAT(openedMenu(), Not(HasSubstr("Snap to Zone 3")));
+}
+
+TEST_F(MenuStatusNotifierTest, PausingIsMarkedAndShowsInTheIcon) {
+    const std::string icon = desktop.property("IconPixmap");
+
+    ASSERT_TRUE(desktop.choose(openedMenu(), "Pause Tessarel"));
+
+    EXPECT_TRUE(observer.waitUntil([&] { return isMarked("Pause Tessarel"); }));
+    EXPECT_NE(desktop.property("IconPixmap"), icon);
+}
+
+TEST_F(MenuStatusNotifierTest, AMoveOfTheMenuMovesTheActiveWindow) {
+    TestClient client{server};
+    const xcb_window_t window = client.open();
+    ASSERT_TRUE(observer.waitUntil([&] { return observer.activeWindow() == window; }));
+    observer.watch(window);
+
+    ASSERT_TRUE(desktop.choose(openedMenu(), "Left half   \\(Ctrl\\+Alt\\+Left\\)"));
+
+    const Frame wanted = frameIn(observer.workArea().value_or(Frame{}), kLeftHalf);
+    EXPECT_TRUE(observer.waitUntil([&] { return observer.outerFrame(window) == wanted; }))
+        << observer.outerFrame(window).value_or(Frame{});
+}
+
+TEST_F(MenuStatusNotifierTest, QuitEndsTheProgramAndTakesTheItemAway) {
+    ASSERT_TRUE(desktop.choose(openedMenu(), "Quit Tessarel"));
+
+    EXPECT_EQ(program->process().waitForExit(), 0);
+    EXPECT_EQ(program->errors(), "");
+    EXPECT_FALSE(keyboard.held(hotkey::zone(1)));
+    EXPECT_TRUE(observer.waitUntil([&] { return desktop.item().empty(); }));
+}
+
+} // namespace
+} // namespace tessarel::x11test
