@@ -74,26 +74,28 @@ void OverlaySurface::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     const double scale = devicePixelRatioF();
     painter.scale(1 / scale, 1 / scale);
+    QRegion areas; // which do not overlap, as pixels of neighbouring parts may
     for (const QRect& part : event->region())
-        paintFigures(painter, pixels(part, scale) & windowPixels());
+        areas += pixels(part, scale);
+    for (const QRect& area : areas& windowPixels())
+        paintFigures(painter, area);
 }
 
+/// Qt has made a translucent window transparent there.
 void OverlaySurface::paintFigures(QPainter& painter, const QRect& area) {
     const double scale = devicePixelRatioF();
     const OutlineFigures outlines(windowPixels(), scale);
     painter.setClipRect(area);
-    if (m_kind == Kind::Translucent) {
-        painter.setCompositionMode(QPainter::CompositionMode_Source);
-        painter.fillRect(area, Qt::transparent);
-        painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    }
+    QRegion painted;
     for (const OverlayFigure& figure : m_figures) {
-        if (!extent(figure).intersects(area))
+        const QRect pixelsOfFigure = extent(figure);
+        if (!pixelsOfFigure.intersects(area))
             continue;
         if (m_kind == Kind::Translucent)
-            m_translucent.paint(painter, figure, scale);
+            m_translucent.paint(painter, figure, scale, !painted.intersects(pixelsOfFigure));
         else
             outlines.paint(painter, figure);
+        painted += pixelsOfFigure;
     }
 }
 

@@ -18,8 +18,9 @@ namespace tessarel::qt {
 /// the user has set for all text; everything else is given in pixels.
 class TranslucentFigures {
 public:
-    /// `scale`: pixels per unit of the user's text sizes.
-    void paint(QPainter& painter, const OverlayFigure& figure, double scale);
+    /// `scale`: pixels per unit of the user's text sizes. `onNothing`: the pixels of the shape are known to
+    /// be transparent, which makes it faster.
+    void paint(QPainter& painter, const OverlayFigure& figure, double scale, bool onNothing = false);
 
     /// All pixels that `paint` may touch.
     [[nodiscard]] QRect extent(const OverlayFigure& figure, double scale);

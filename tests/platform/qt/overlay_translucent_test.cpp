@@ -211,6 +211,49 @@ TEST_F(TranslucentFiguresTest, AZoneFarBeyondTheWindowIsClipped) {
     EXPECT_EQ(image.pixelColor(120, 50).alpha(), 0);
 }
 
+TEST_F(TranslucentFiguresTest, OnNothingAZoneLooksTheSame) {
+    for (const Rect& zone : {kZone, Rect{20, 30, 40, 12}, Rect{20.5, 30.25, 200, 160}}) {
+        const OverlayFigure figure = zoneFigure(zone, "1", true);
+        QImage image(400, 300, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        figures.paint(painter, figure, 1, true);
+        painter.end();
+
+        EXPECT_EQ(image, painted({figure}));
+    }
+}
+
+TEST_F(TranslucentFiguresTest, TheFastWayLooksAsOneRoundedRectangle) {
+    for (const bool highlighted : {false, true}) {
+        const OverlayFigure figure = zoneFigure(kZone, {}, highlighted);
+        QImage expected(400, 300, QImage::Format_ARGB32_Premultiplied);
+        expected.fill(Qt::transparent);
+        QPainter painter(&expected);
+        painter.setRenderHint(QPainter::Antialiasing);
+        QColor color(0x0a, 0x84, 0xff);
+        color.setAlphaF(static_cast<float>(figure.fillAlpha));
+        painter.setBrush(color);
+        color.setAlphaF(static_cast<float>(figure.strokeAlpha));
+        painter.setPen(QPen(color, figure.strokeWidth));
+        painter.drawRoundedRect(QRectF(22, 32, 196, 156), 10, 10);
+        painter.end();
+
+        const QImage image = painted({figure});
+
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                ASSERT_NEAR(qAlpha(image.pixel(x, y)), qAlpha(expected.pixel(x, y)), 8) << x << ' ' << y;
+    }
+}
+
+TEST_F(TranslucentFiguresTest, AZoneBetweenPixelsIsPaintedWhole) {
+    const QImage image = painted({zoneFigure({20.5, 30.5, 200, 160}, {}, true)});
+
+    for (int y = 35; y < 185; ++y)
+        expectAccent(image.pixelColor(120, y), 0.35);
+}
+
 TEST_F(TranslucentFiguresTest, ManyLabelsAreNotAllKept) {
     for (int number = 0; number < 200; ++number)
         EXPECT_FALSE(inkOf(painted({onlyLabel(zoneFigure(kZone, std::to_string(number)))})).isEmpty());
