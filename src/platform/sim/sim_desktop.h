@@ -12,6 +12,8 @@
 #include "platform/sim/sim_single_instance.h"
 #include "platform/sim/sim_state.h"
 #include "platform/sim/sim_status_item.h"
+#include "platform/sim/sim_url_loading.h"
+#include "platform/sim/sim_wall_clock.h"
 #include "platform/sim/sim_window_list.h"
 #include "platform/sim/sim_workspace.h"
 
@@ -106,6 +108,8 @@ public:
     [[nodiscard]] SimPreferencesStorage& preferencesStorage() { return m_preferencesStorage; }
     [[nodiscard]] SimStatusItem& statusItem() { return m_statusItem; }
     [[nodiscard]] SimTrust& trust() { return m_trust; }
+    [[nodiscard]] SimUrlLoading& urlLoading() { return m_urlLoading; }
+    [[nodiscard]] SimWallClock& wallClock() { return m_wallClock; }
     [[nodiscard]] SimWindowList& windowList() { return m_windowList; }
     [[nodiscard]] SimWorkspace& workspace() { return m_workspace; }
     /// A copy of the program.
@@ -134,6 +138,8 @@ private:
     SimPreferences m_preferences{m_preferencesStorage};
     SimStatusItem m_statusItem;
     SimTrust m_trust;
+    SimUrlLoading m_urlLoading;
+    SimWallClock m_wallClock{m_state.clock};
     SimWindowList m_windowList{m_state};
     SimWorkspace m_workspace{m_state};
 };

@@ -1,0 +1,127 @@
+#include "app/updater.h"
+
+#include "app/update_feed.h"
+#include "model/web_address.h"
+
+#include <algorithm>
+#include <compare>
+#include <utility>
+
+namespace tessarel {
+namespace {
+
+constexpr const char* kDownload = "Download";
+constexpr const char* kLater = "Later";
+constexpr const char* kOk = "OK";
+
+/// One number of a version, of any length.
+struct Component {
+    bool isNegative = false;
+    std::string_view digits; ///< without leading zeros; empty for 0
+};
+
+std::strong_ordering operator<=>(const Component& a, const Component& b) {
+    if (a.isNegative != b.isNegative)
+        return a.isNegative ? std::strong_ordering::less : std::strong_ordering::greater;
+    const auto magnitude =
+        a.digits.size() != b.digits.size() ? a.digits.size() <=> b.digits.size() : a.digits <=> b.digits;
+    return a.isNegative ? 0 <=> magnitude : magnitude;
+}
+
+Component component(std::string_view text) {
+    constexpr std::string_view kDigits = "0123456789";
+    const bool hasSign = text.starts_with('-') || text.starts_with('+');
+    std::string_view digits = text.substr(hasSign ? 1 : 0);
+    if (digits.find_first_not_of(kDigits) != std::string_view::npos)
+        return {};
+    digits.remove_prefix(std::min(digits.find_first_not_of('0'), digits.size()));
+    return {text.starts_with('-') && !digits.empty(), digits};
+}
+
+/// Takes the first component that is not empty off `version`; 0 when there is none.
+Component takeComponent(std::string_view& version) {
+    version.remove_prefix(std::min(version.find_first_not_of('.'), version.size()));
+    const std::string_view text = version.substr(0, version.find('.'));
+    version.remove_prefix(text.size());
+    return component(text);
+}
+
+std::string text(std::string_view view) {
+    return std::string(view);
+}
+
+std::string failureMessage(const std::optional<UrlResponse>& response) {
+    if (!response)
+        return "Please check your internet connection and try again.";
+    return "The update information is not available right now (code " + std::to_string(response->statusCode) +
+           "). Please try again later.";
+}
+
+} // namespace
+
+Updater::Updater(Store& store, UrlLoadingPort& urlLoading, WallClockPort& wallClock, AlertsPort& alerts,
+                 ApplicationPort& application, OpenUrlPort& openUrl, UpdateSource source)
+    : m_store(store), m_urlLoading(urlLoading), m_wallClock(wallClock), m_alerts(alerts),
+      m_application(application), m_openUrl(openUrl), m_source(std::move(source)) {}
+
+void Updater::check(bool manual) {
+    if (!isWebAddress(m_source.feedURL))
+        return;
+    const UrlRequest request{.url = m_source.feedURL,
+                             .userAgent = text(Config::appName) + "/" + m_source.runningVersion,
+                             .timeLimit = m_source.timeLimit,
+                             .largestBody = kLargestFeed};
+    const int load = ++m_lastLoad;
+    m_loads[load] = m_urlLoading.load(request, [this, load, manual](std::optional<UrlResponse> response) {
+        const auto ended = m_loads.extract(load); // what is captured lives as long as it
+        finish(manual, response);
+    });
+}
+
+void Updater::checkIfDue() {
+    if (m_wallClock.secondsSince1970() - m_store.settings.lastUpdateCheck > kInterval)
+        check(false);
+}
+
+bool Updater::isNewer(std::string_view a, std::string_view than) {
+    while (!a.empty() || !than.empty()) {
+        const auto order = takeComponent(a) <=> takeComponent(than);
+        if (order != 0)
+            return order > 0;
+    }
+    return false;
+}
+
+void Updater::finish(bool manual, const std::optional<UrlResponse>& response) {
+    const auto feed = response && response->body ? decodeUpdateFeed(*response->body) : std::nullopt;
+    if (!feed) {
+        if (manual)
+            alert("Could not check for updates", failureMessage(response));
+        return;
+    }
+    m_store.settings.lastUpdateCheck = m_wallClock.secondsSince1970();
+    m_store.save();
+    if (isNewer(feed->version, m_source.runningVersion)) {
+        alert(text(Config::appName) + " " + feed->version + " is available",
+              "You have version " + m_source.runningVersion + ". " + feed->notes,
+              feed->url.value_or(m_source.websiteURL));
+    } else if (manual) {
+        alert("You are up to date",
+              text(Config::appName) + " " + m_source.runningVersion + " is the latest version.");
+    }
+}
+
+void Updater::alert(const std::string& title, const std::string& message,
+                    const std::optional<std::string>& downloadURL) {
+    OpenUrlPort& openUrl = m_openUrl; // the program may end, and the updater with it, before the user answers
+    m_application.activate();
+    if (!downloadURL) {
+        m_alerts.runModal({title, message, {kOk}});
+        return;
+    }
+    const std::size_t button = m_alerts.runModal({title, message, {kDownload, kLater}});
+    if (button == 0 && isWebAddress(*downloadURL))
+        openUrl.open(*downloadURL);
+}
+
+} // namespace tessarel

@@ -1,0 +1,45 @@
+#include "model/web_address.h"
+
+#include <algorithm>
+
+namespace tessarel {
+namespace {
+
+constexpr std::string_view kNotInAnAddress = "\"<>\\^`{|}";
+
+bool isMisplaced(char c) {
+    const bool isControlOrSpace = static_cast<unsigned char>(c) <= 0x20 || c == 0x7F;
+    return isControlOrSpace || kNotInAnAddress.find(c) != std::string_view::npos;
+}
+
+bool startsWithScheme(std::string_view text, std::string_view lowerCaseScheme) {
+    return text.size() >= lowerCaseScheme.size() &&
+           std::equal(lowerCaseScheme.begin(), lowerCaseScheme.end(), text.begin(),
+                      [](char expected, char c) {
+                          return expected == c || (c >= 'A' && c <= 'Z' && expected == c + ('a' - 'A'));
+                      });
+}
+
+/// What stands between the scheme and the path, without a user's name before and a port behind.
+std::string_view host(std::string_view afterScheme) {
+    std::string_view authority = afterScheme.substr(0, afterScheme.find_first_of("/?#"));
+    if (const auto at = authority.rfind('@'); at != std::string_view::npos)
+        authority.remove_prefix(at + 1);
+    if (authority.starts_with('['))
+        return authority;
+    return authority.substr(0, authority.find(':'));
+}
+
+} // namespace
+
+bool isWebAddress(std::string_view text) {
+    if (std::ranges::any_of(text, isMisplaced))
+        return false;
+    for (const std::string_view scheme : {"http://", "https://"}) {
+        if (startsWithScheme(text, scheme))
+            return !host(text.substr(scheme.size())).empty();
+    }
+    return false;
+}
+
+} // namespace tessarel

@@ -1,0 +1,382 @@
+#include "app/updater.h"
+
+#include "model/settings_codec.h"
+#include "platform/sim/sim_desktop.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tessarel {
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr bool kManual = true;
+constexpr bool kAutomatic = false;
+constexpr const char* kNewer = R"({"version": "1.3", "notes": "Faster.", "url": "https://a.example/1.3"})";
+constexpr const char* kFailed = "Could not check for updates";
+
+class UpdaterTest : public testing::Test {
+protected:
+    std::unique_ptr<Updater> makeUpdater() {
+        return std::make_unique<Updater>(store, web, desktop.wallClock(), desktop.alerts(),
+                                         desktop.ownApplication(), desktop.openUrl(), source);
+    }
+
+    /// A check that the server answers with `response`.
+    void check(bool manual, std::optional<UrlResponse> response) {
+        updater->check(manual);
+        web.answer(web.requests.size() - 1, std::move(response));
+    }
+    void check(bool manual, const std::string& body) { check(manual, UrlResponse{200, body}); }
+
+    [[nodiscard]] const std::vector<Alert>& alerts() { return desktop.alerts().shown; }
+    [[nodiscard]] std::optional<AppSettings> savedSettings() {
+        const auto document = desktop.preferences().data(Store::key);
+        return document ? decodeSettings(*document) : std::nullopt;
+    }
+
+    sim::SimDesktop desktop;
+    Store store{desktop.preferences()};
+    sim::SimUrlLoading& web = desktop.urlLoading();
+    UpdateSource source{.feedURL = "https://tessarel.example/feed",
+                        .websiteURL = "https://tessarel.example/home",
+                        .runningVersion = "1.2"};
+    std::unique_ptr<Updater> updater = makeUpdater();
+};
+
+TEST_F(UpdaterTest, AsksTheFeedOnceAndSaysNoMoreThanNameAndVersion) {
+    updater->check(kManual);
+
+    EXPECT_THAT(web.requests, ElementsAre(UrlRequest{.url = "https://tessarel.example/feed",
+                                                     .userAgent = "Tessarel/1.2",
+                                                     .timeLimit = std::chrono::seconds(15),
+                                                     .largestBody = 1'048'576}));
+}
+
+TEST_F(UpdaterTest, TheFeedOfTheBuildIsAskedByHttps) {
+    EXPECT_EQ(UpdateSource().feedURL, Config::updateFeedURL);
+    EXPECT_EQ(UpdateSource().websiteURL, Config::websiteURL);
+    EXPECT_EQ(UpdateSource().runningVersion, Config::version);
+    EXPECT_TRUE(UpdateSource().feedURL.starts_with("https://"));
+}
+
+TEST_F(UpdaterTest, AFeedAddressThatIsNoneIsNotAskedAndNotSpokenOf) {
+    for (const char* address : {"", "tessarel.example/feed", "file:///etc/passwd", "https://"}) {
+        source.feedURL = address;
+        makeUpdater()->check(kManual);
+    }
+
+    EXPECT_THAT(web.requests, IsEmpty());
+    EXPECT_THAT(alerts(), IsEmpty());
+}
+
+TEST_F(UpdaterTest, ANewerVersionIsOfferedWhoeverAsked) {
+    check(kManual, kNewer);
+    check(kAutomatic, kNewer);
+
+    const Alert offer{"Tessarel 1.3 is available", "You have version 1.2. Faster.", {"Download", "Later"}};
+    EXPECT_THAT(alerts(), ElementsAre(offer, offer));
+}
+
+TEST_F(UpdaterTest, WithoutNotesTheMessageEndsInTheSameWay) {
+    check(kManual, R"({"version": "1.3"})");
+
+    EXPECT_EQ(alerts().at(0).informativeText, "You have version 1.2. ");
+}
+
+TEST_F(UpdaterTest, TheSameVersionIsReportedToWhoAskedOnly) {
+    check(kAutomatic, R"({"version": "1.2.0"})");
+    EXPECT_THAT(alerts(), IsEmpty());
+
+    check(kManual, R"({"version": "1.2.0"})");
+    EXPECT_THAT(alerts(),
+                ElementsAre(Alert{"You are up to date", "Tessarel 1.2 is the latest version.", {"OK"}}));
+}
+
+TEST_F(UpdaterTest, AnOlderVersionIsNoUpdate) {
+    check(kAutomatic, R"({"version": "1.1.9"})");
+    check(kManual, R"({"version": "1.1.9"})");
+
+    ASSERT_EQ(alerts().size(), 1U);
+    EXPECT_EQ(alerts()[0].messageText, "You are up to date");
+}
+
+TEST_F(UpdaterTest, TheProgramComesToTheFrontWithAMessageAndOnlyThen) {
+    check(kAutomatic, R"({"version": "1.2"})");
+    EXPECT_EQ(desktop.ownApplication().activations, 0);
+
+    check(kManual, R"({"version": "1.2"})");
+    EXPECT_EQ(desktop.ownApplication().activations, 1);
+}
+
+TEST_F(UpdaterTest, DownloadOpensTheAddressOfTheFeed) {
+    desktop.alerts().answers = {0};
+
+    check(kManual, kNewer);
+
+    EXPECT_THAT(desktop.openUrl().opened, ElementsAre("https://a.example/1.3"));
+}
+
+TEST_F(UpdaterTest, DownloadOpensTheWebsiteWhenTheFeedNamesNoAddress) {
+    desktop.alerts().answers = {0, 0};
+
+    check(kManual, R"({"version": "1.3"})");
+    check(kManual, R"({"version": "1.3", "url": 3})");
+
+    EXPECT_THAT(desktop.openUrl().opened,
+                ElementsAre("https://tessarel.example/home", "https://tessarel.example/home"));
+}
+
+TEST_F(UpdaterTest, LaterOpensNothing) {
+    desktop.alerts().answers = {1};
+
+    check(kManual, kNewer);
+
+    EXPECT_THAT(desktop.openUrl().opened, IsEmpty());
+}
+
+TEST_F(UpdaterTest, DownloadOpensNothingButTheWeb) {
+    for (const char* url : {"", "file:///etc/passwd", "javascript:alert(1)", "example.org/1.3",
+                            "//example.org", "https://a b", "mailto:a@example.org"}) {
+        desktop.alerts().answers = {0};
+        check(kManual, std::string(R"({"version": "1.3", "url": ")") + url + R"("})");
+    }
+
+    EXPECT_EQ(alerts().size(), 7U);
+    EXPECT_THAT(desktop.openUrl().opened, IsEmpty());
+}
+
+TEST_F(UpdaterTest, TheTimeOfASuccessIsSavedWhateverTheFeedSays) {
+    for (const char* version : {"1.1", "1.2", "1.3"}) {
+        desktop.advance(std::chrono::seconds(10));
+        check(kAutomatic, std::string(R"({"version": ")") + version + R"("})");
+
+        EXPECT_EQ(store.settings.lastUpdateCheck, desktop.wallClock().secondsSince1970());
+        EXPECT_EQ(savedSettings()->lastUpdateCheck, desktop.wallClock().secondsSince1970());
+    }
+}
+
+/// Notes what was saved at the moment of a message.
+class SavedWhenShown : public AlertsPort {
+public:
+    explicit SavedWhenShown(PreferencesPort& preferences) : m_preferences(preferences) {}
+
+    std::size_t runModal(const Alert&) override {
+        document = m_preferences.data(Store::key);
+        return 0;
+    }
+
+    std::optional<std::string> document;
+
+private:
+    PreferencesPort& m_preferences;
+};
+
+TEST_F(UpdaterTest, TheTimeOfASuccessIsSavedBeforeAnythingIsShown) {
+    SavedWhenShown message(desktop.preferences());
+    Updater other(store, web, desktop.wallClock(), message, desktop.ownApplication(), desktop.openUrl(),
+                  source);
+
+    other.check(kManual);
+    web.answer(0, UrlResponse{200, kNewer});
+
+    ASSERT_TRUE(message.document);
+    EXPECT_EQ(decodeSettings(*message.document)->lastUpdateCheck, desktop.wallClock().secondsSince1970());
+}
+
+TEST_F(UpdaterTest, ObserversOfTheSettingsAreNotTold) {
+    int told = 0;
+    const auto observer = store.tessarelSettingsChanged.addObserver([&] { ++told; });
+
+    check(kManual, kNewer);
+
+    EXPECT_EQ(told, 0);
+}
+
+TEST_F(UpdaterTest, TheStatusOfAGoodFeedDoesNotMatter) {
+    check(kManual, UrlResponse{404, kNewer});
+    check(kManual, UrlResponse{500, kNewer});
+    check(kManual, UrlResponse{0, kNewer});
+
+    ASSERT_EQ(alerts().size(), 3U);
+    for (const Alert& alert : alerts())
+        EXPECT_EQ(alert.messageText, "Tessarel 1.3 is available");
+}
+
+TEST_F(UpdaterTest, AnAnswerThatIsNoFeedIsReportedWithItsStatus) {
+    check(kManual, UrlResponse{500, "<html>Internal error</html>"});
+
+    EXPECT_THAT(alerts(), ElementsAre(Alert{kFailed,
+                                            "The update information is not available right now (code 500). "
+                                            "Please try again later.",
+                                            {"OK"}}));
+}
+
+TEST_F(UpdaterTest, AVersionThatIsANumberIsNoFeed) {
+    check(kManual, R"({"version": 1.3})");
+
+    EXPECT_THAT(alerts().at(0).informativeText, testing::HasSubstr("(code 200)"));
+}
+
+TEST_F(UpdaterTest, ABodyThatIsTooLargeIsReportedWithItsStatus) {
+    check(kManual, UrlResponse{200, std::nullopt});
+
+    EXPECT_EQ(alerts().at(0).messageText, kFailed);
+    EXPECT_THAT(alerts().at(0).informativeText, testing::HasSubstr("(code 200)"));
+}
+
+TEST_F(UpdaterTest, WithoutAnAnswerTheConnectionIsSuspected) {
+    check(kManual, std::nullopt);
+
+    EXPECT_THAT(alerts(),
+                ElementsAre(Alert{kFailed, "Please check your internet connection and try again.", {"OK"}}));
+}
+
+TEST_F(UpdaterTest, AnAutomaticCheckFailsInSilenceAndIsNotCounted) {
+    store.settings.lastUpdateCheck = 5;
+    const int writes = desktop.preferencesStorage().writes;
+
+    check(kAutomatic, std::nullopt);
+    check(kAutomatic, "[]");
+    check(kAutomatic, UrlResponse{500, "<html>"});
+    check(kAutomatic, UrlResponse{200, std::nullopt});
+
+    EXPECT_THAT(alerts(), IsEmpty());
+    EXPECT_EQ(store.settings.lastUpdateCheck, 5);
+    EXPECT_EQ(desktop.preferencesStorage().writes, writes);
+}
+
+TEST_F(UpdaterTest, AManualCheckThatFailsIsNotCountedEither) {
+    check(kManual, "{}");
+
+    EXPECT_EQ(store.settings.lastUpdateCheck, 0);
+    EXPECT_FALSE(savedSettings());
+}
+
+TEST_F(UpdaterTest, AFailureIsNotTriedAgain) {
+    check(kAutomatic, std::nullopt);
+    desktop.advance(std::chrono::hours(48));
+
+    EXPECT_EQ(web.requests.size(), 1U);
+}
+
+TEST_F(UpdaterTest, TheFirstLaunchChecks) {
+    updater->checkIfDue();
+
+    EXPECT_EQ(web.waiting(), 1U);
+}
+
+TEST_F(UpdaterTest, ACheckIsDueAfterMoreThanADay) {
+    store.settings.lastUpdateCheck = desktop.wallClock().secondsSince1970();
+
+    desktop.advance(std::chrono::seconds(86'400));
+    updater->checkIfDue();
+    EXPECT_EQ(web.requests.size(), 0U);
+
+    desktop.advance(std::chrono::seconds(1));
+    updater->checkIfDue();
+    EXPECT_EQ(web.requests.size(), 1U);
+}
+
+TEST_F(UpdaterTest, ACheckThatIsDueIsAnAutomaticOne) {
+    updater->checkIfDue();
+    web.answer(0, std::nullopt);
+
+    EXPECT_THAT(alerts(), IsEmpty());
+}
+
+TEST_F(UpdaterTest, AManualCheckIsNeverTooEarly) {
+    store.settings.lastUpdateCheck = desktop.wallClock().secondsSince1970();
+
+    updater->check(kManual);
+
+    EXPECT_EQ(web.requests.size(), 1U);
+}
+
+TEST_F(UpdaterTest, ChecksAtTheSameTimeAreEachReportedInTheOrderOfTheirAnswers) {
+    updater->check(kManual);
+    updater->check(kAutomatic);
+    updater->check(kManual);
+
+    web.answer(2, UrlResponse{200, R"({"version": "1.2"})"});
+    web.answer(0, std::nullopt);
+    web.answer(1, UrlResponse{200, kNewer});
+
+    ASSERT_EQ(alerts().size(), 3U);
+    EXPECT_EQ(alerts()[0].messageText, "You are up to date");
+    EXPECT_EQ(alerts()[1].messageText, kFailed);
+    EXPECT_EQ(alerts()[2].messageText, "Tessarel 1.3 is available");
+}
+
+/// A user who does something else while a message waits.
+class Interrupted : public sim::SimAlerts {
+public:
+    std::size_t runModal(const Alert& alert) override {
+        if (meanwhile)
+            std::exchange(meanwhile, nullptr)();
+        return SimAlerts::runModal(alert);
+    }
+
+    std::function<void()> meanwhile;
+};
+
+class InterruptedUpdaterTest : public UpdaterTest {
+protected:
+    InterruptedUpdaterTest() {
+        updater = std::make_unique<Updater>(store, web, desktop.wallClock(), message,
+                                            desktop.ownApplication(), desktop.openUrl(), source);
+    }
+
+    Interrupted message;
+};
+
+TEST_F(InterruptedUpdaterTest, AnAnswerThatComesWhileAMessageWaitsHasItsOwnMessage) {
+    updater->check(kManual);
+    updater->check(kManual);
+    message.meanwhile = [&] { web.answer(1, UrlResponse{200, kNewer}); };
+
+    web.answer(0, std::nullopt);
+
+    ASSERT_EQ(message.shown.size(), 2U);
+    EXPECT_EQ(message.shown[0].messageText, "Tessarel 1.3 is available");
+    EXPECT_EQ(message.shown[1].messageText, kFailed);
+}
+
+TEST_F(InterruptedUpdaterTest, TheProgramMayEndWhileAMessageWaits) {
+    updater->check(kManual);
+    message.meanwhile = [&] { updater.reset(); };
+    message.answers = {0};
+
+    web.answer(0, UrlResponse{200, kNewer});
+
+    EXPECT_THAT(desktop.openUrl().opened, ElementsAre("https://a.example/1.3"));
+}
+
+TEST_F(UpdaterTest, ChecksEndWithTheUpdater) {
+    updater->check(kManual);
+    updater->check(kAutomatic);
+
+    updater.reset();
+
+    EXPECT_EQ(web.waiting(), 0U);
+}
+
+TEST_F(UpdaterTest, ACheckThatIsAnsweredIsForgotten) {
+    check(kManual, kNewer);
+
+    web.answer(0, UrlResponse{200, kNewer});
+
+    EXPECT_EQ(alerts().size(), 1U);
+}
+
+} // namespace
+} // namespace tessarel
