@@ -37,9 +37,9 @@ public:
     /// until the answer ends. Null when the system refuses.
     ///
     /// Pointer and modifiers are those of the moment at which the event is delivered. Several movements may
-    /// come as one. A release follows every press that has been delivered, even when another program has
-    /// swallowed it, at the latest with the next event of the mouse; two presses may come without one when
-    /// that cannot be told.
+    /// come as one, and a click that is over at once may not be reported at all. A release follows every
+    /// press that has been delivered, even when another program has swallowed it, at the latest with the next
+    /// event of the mouse; two presses may come without one when that cannot be told.
     [[nodiscard]] virtual SubscriptionPtr
     addGlobalMonitor(MouseEventKind kind, std::function<void(const MouseEvent&)> handler) = 0;
 };

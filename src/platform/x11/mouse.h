@@ -1,0 +1,82 @@
+#pragma once
+
+#include "platform/x11/callback_list.h"
+#include "platform/x11/client_windows.h"
+#include "platform/x11/connection.h"
+#include "platform/x11/monitors.h"
+#include "platform/x11/raw_mouse.h"
+#include "ports/main_queue_port.h"
+#include "ports/mouse_port.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace tessarel::x11 {
+
+/// The mouse by raw events, which come also while another program has grabbed it.
+///
+/// At rest only presses are reported to us, so a moving mouse wakes nobody; movements and releases only
+/// between a press of the left button and its release. For all events that have been read together the server
+/// is asked once: pointer, buttons and modifiers are those of that moment. A release that was lost shows in
+/// the buttons. A click that is over before it could be looked at is not reported.
+class X11Mouse : public MousePort {
+public:
+    /// All of them outlive the mouse.
+    X11Mouse(Connection& connection, Monitors& monitors, ClientWindows& windows, MainQueuePort& queue);
+    X11Mouse(const X11Mouse&) = delete;
+    X11Mouse& operator=(const X11Mouse&) = delete;
+    ~X11Mouse() override;
+
+    /// Null on servers without raw events.
+    [[nodiscard]] SubscriptionPtr addGlobalMonitor(MouseEventKind kind,
+                                                   std::function<void(const MouseEvent&)> handler) override;
+
+private:
+    class Monitor;
+    using PointerReply = Reply<xcb_query_pointer_reply_t>;
+
+    /// What has been read and not looked into yet.
+    struct News {
+        std::vector<std::uint32_t> presses; ///< physical buttons
+        bool heldReleased = false;
+        bool moved = false;
+
+        [[nodiscard]] bool any() const { return !presses.empty() || heldReleased || moved; }
+    };
+
+    void note(const RawMouseEvent& event);
+    void hear(const Connection::Event& event);
+    void lookLater();
+    void look();
+    void takePress(const News& news, const xcb_query_pointer_reply_t& pointer);
+    void follow(const News& news, const xcb_query_pointer_reply_t& pointer);
+    void deliver(MouseEventKind kind, const xcb_query_pointer_reply_t& pointer);
+    [[nodiscard]] bool isOverOwnWindow(const xcb_query_pointer_reply_t& pointer);
+    void updateSelection();
+
+    Connection& m_connection;
+    Monitors& m_monitors;
+    ClientWindows& m_windows;
+    MainQueuePort& m_queue;
+    RawMouse m_raw;
+    std::array<CallbackList<const MouseEvent&>, 3> m_handlers; ///< by kind
+    int m_monitorCount = 0;
+
+    std::optional<std::uint32_t> m_held; ///< the physical button that is the left one, while it is down
+    bool m_isOurs = false;               ///< it went down over a window of this program
+    News m_news;
+    std::size_t m_unheard = 0; ///< raw events read and not delivered yet
+    bool m_isLooking = false;
+    bool m_hasMore = false; ///< some of them were read while looking
+    bool m_lookScheduled = false;
+    std::shared_ptr<X11Mouse*> m_self; // shared with monitors and work, which may outlive us
+    SubscriptionPtr m_observer;
+    SubscriptionPtr m_events;
+};
+
+} // namespace tessarel::x11
