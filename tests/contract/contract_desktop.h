@@ -7,6 +7,7 @@
 #include "ports/displays_port.h"
 #include "ports/hot_key_port.h"
 #include "ports/main_queue_port.h"
+#include "ports/mouse_port.h"
 #include "ports/single_instance_port.h"
 #include "ports/trust_port.h"
 #include "ports/workspace_port.h"
@@ -55,6 +56,7 @@ public:
     virtual AlertSoundPort& alertSound() = 0;
     virtual DisplaysPort& displays() = 0;
     virtual HotKeyPort& hotKeys() = 0;
+    virtual MousePort& mouse() = 0;
     virtual TrustPort& trust() = 0;
     virtual WorkspacePort& workspace() = 0;
     /// A main queue of its own, on the clock that `advance` turns.
@@ -89,6 +91,12 @@ public:
 
     /// Presses and releases a key, given as in `HotKeyRequest`.
     virtual void pressKeys(std::uint32_t keyCode, std::uint32_t mods) = 0;
+    /// Moves the pointer, with whatever buttons are down. At first none is, nor any modifier.
+    virtual void movePointer(const Point& axPoint) = 0;
+    virtual void pressLeftButton() = 0;
+    virtual void releaseLeftButton() = 0;
+    /// Holds exactly the modifiers of `modifierFlags`, bits as in `modifier_flag`.
+    virtual void holdModifiers(std::uint64_t modifierFlags) = 0;
     /// Another program claims the combination, until the answer ends.
     [[nodiscard]] virtual SubscriptionPtr holdByAnotherProgram(std::uint32_t keyCode, std::uint32_t mods) = 0;
 

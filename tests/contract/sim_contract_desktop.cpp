@@ -20,6 +20,7 @@ public:
     AlertSoundPort& alertSound() override { return m_desktop.alertSound(); }
     DisplaysPort& displays() override { return m_desktop.displays(); }
     HotKeyPort& hotKeys() override { return m_desktop.hotKeys(); }
+    MousePort& mouse() override { return m_desktop.mouse(); }
     TrustPort& trust() override { return m_desktop.trust(); }
     WorkspacePort& workspace() override { return m_desktop.workspace(); }
     std::unique_ptr<MainQueuePort> makeMainQueue() override {
@@ -59,6 +60,10 @@ public:
     void pressKeys(std::uint32_t keyCode, std::uint32_t mods) override {
         m_desktop.hotKeys().press(keyCode, mods);
     }
+    void movePointer(const Point& axPoint) override { m_desktop.mouse().moveTo(axPoint); }
+    void pressLeftButton() override { m_desktop.mouse().press(); }
+    void releaseLeftButton() override { m_desktop.mouse().release(); }
+    void holdModifiers(std::uint64_t modifierFlags) override { m_desktop.mouse().hold(modifierFlags); }
     SubscriptionPtr holdByAnotherProgram(std::uint32_t keyCode, std::uint32_t mods) override {
         return m_desktop.hotKeys().holdByAnotherProgram(keyCode, mods);
     }

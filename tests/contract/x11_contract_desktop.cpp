@@ -10,11 +10,13 @@
 #include "platform/x11/hot_keys.h"
 #include "platform/x11/key_codes.h"
 #include "platform/x11/monitors.h"
+#include "platform/x11/mouse.h"
 #include "platform/x11/single_instance.h"
 #include "platform/x11/trust.h"
 #include "platform/x11/workspace.h"
 #include "support/x11/chosen_window_manager.h"
 #include "support/x11/keyboard.h"
+#include "support/x11/mouse.h"
 #include "support/x11/observer.h"
 #include "support/x11/test_client.h"
 #include "support/x11/window_manager.h"
@@ -62,6 +64,18 @@ x11test::WindowOptions::Pair clientSize(const Size& outer, const Extents& decora
             pixels(outer.height) - decoration.top - decoration.bottom};
 }
 
+std::uint16_t modifierMask(std::uint64_t modifierFlags) {
+    static const std::map<std::uint64_t, std::uint16_t> kModifiers = {
+        {modifier_flag::kShift, XCB_MOD_MASK_SHIFT},
+        {modifier_flag::kControl, XCB_MOD_MASK_CONTROL},
+        {modifier_flag::kOption, XCB_MOD_MASK_1},
+        {modifier_flag::kCommand, XCB_MOD_MASK_4}};
+    unsigned mask = 0;
+    for (const auto& [flag, bit] : kModifiers)
+        mask |= (modifierFlags & flag) != 0 ? bit : 0U;
+    return static_cast<std::uint16_t>(mask);
+}
+
 /// The event loop of the program.
 QCoreApplication& application() {
     static int argc = 1;
@@ -93,6 +107,7 @@ public:
     x11test::WindowManager manager{server, x11test::chosenWindowManager()};
     Observer observer{server.display()};
     x11test::Keyboard keyboard{server, observer};
+    x11test::Mouse mouse{observer};
     // What windows are larger than their clients by; some managers leave parts of it out where there is
     // nothing to resize.
     const Extents decoration = measureDecoration({});
@@ -158,6 +173,8 @@ public:
     }
 
     ~X11ContractDesktop() override {
+        m_stage.mouse.release();
+        m_stage.mouse.hold(0);
         m_applications.clear();
         m_panel.reset();
         m_holder.reset();
@@ -168,6 +185,7 @@ public:
     AlertSoundPort& alertSound() override { return m_bell; }
     DisplaysPort& displays() override { return m_displays; }
     HotKeyPort& hotKeys() override { return m_hotKeys; }
+    MousePort& mouse() override { return m_mouse; }
     TrustPort& trust() override { return m_trust; }
     WorkspacePort& workspace() override { return m_workspace; }
     std::unique_ptr<MainQueuePort> makeMainQueue() override { return std::make_unique<qt::QtMainQueue>(); }
@@ -206,6 +224,22 @@ public:
 
     void pressKeys(std::uint32_t keyCode, std::uint32_t mods) override {
         m_stage.keyboard.press(combination(keyCode, mods));
+    }
+    void movePointer(const Point& axPoint) override {
+        m_stage.mouse.moveTo(pixels(axPoint.x), pixels(axPoint.y));
+        settle();
+    }
+    void pressLeftButton() override {
+        m_stage.mouse.press();
+        settle();
+    }
+    void releaseLeftButton() override {
+        m_stage.mouse.release();
+        settle();
+    }
+    void holdModifiers(std::uint64_t modifierFlags) override {
+        m_stage.mouse.hold(modifierMask(modifierFlags));
+        settle();
     }
     SubscriptionPtr holdByAnotherProgram(std::uint32_t keyCode, std::uint32_t mods) override;
 
@@ -255,6 +289,7 @@ private:
     x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows};
     x11::X11Workspace m_workspace{m_windows};
     x11::X11HotKeys m_hotKeys{m_line.connection()};
+    x11::X11Mouse m_mouse{m_line.connection(), m_monitors, m_windows, m_line.queue()};
     x11::X11Bell m_bell{m_line.connection()};
     x11::X11Trust m_trust{m_line.connection(), x11::Session::X11, m_line.queue(), m_alerts, m_openUrl};
 };

@@ -1,0 +1,166 @@
+#include "contract/contract_test.h"
+
+#include <ostream>
+#include <utility>
+#include <vector>
+
+namespace tessarel {
+
+void PrintTo(const MouseEvent& event, std::ostream* out) {
+    *out << "{" << static_cast<int>(event.kind) << ", " << event.screenLocation.x << ", "
+         << event.screenLocation.y << ", " << event.modifierFlags << "}";
+}
+
+namespace contract {
+namespace {
+
+using enum MouseEventKind;
+using Events = std::vector<MouseEvent>;
+
+/// The mouse over a window of another program.
+class MouseContract : public ContractTest {
+protected:
+    MouseContract() { desktop->movePointer({500, 400}); }
+
+    [[nodiscard]] SubscriptionPtr watch(MouseEventKind kind) {
+        return desktop->mouse().addGlobalMonitor(
+            kind, [this](const MouseEvent& event) { events.push_back(event); });
+    }
+    [[nodiscard]] std::vector<SubscriptionPtr> watchAll() {
+        std::vector<SubscriptionPtr> all;
+        for (const auto kind : {LeftDown, LeftDragged, LeftUp})
+            all.push_back(watch(kind));
+        return all;
+    }
+    void press() { desktop->pressLeftButton(); }
+    void release() { desktop->releaseLeftButton(); }
+    void moveTo(const Point& axPoint) { desktop->movePointer(axPoint); }
+
+    WindowHandle window = openWindow({.axFrame = {200, 150, 640, 480}});
+    Events events;
+};
+
+TEST_F(MouseContract, ADragIsReportedInScreenCoordinates) {
+    const auto monitors = watchAll();
+
+    press();
+    moveTo({510, 390});
+    moveTo({0, 0});
+    release();
+
+    EXPECT_EQ(events, (Events{{LeftDown, {500, 500}, 0},
+                              {LeftDragged, {510, 510}, 0},
+                              {LeftDragged, {0, 900}, 0},
+                              {LeftUp, {0, 900}, 0}}));
+}
+
+TEST_F(MouseContract, ADragMayLeadToTheOtherDisplay) {
+    const auto monitors = watchAll();
+
+    press();
+    moveTo({2000, 1000});
+
+    EXPECT_EQ(events.back(), (MouseEvent{LeftDragged, {2000, -100}, 0}));
+}
+
+TEST_F(MouseContract, AMovementWithoutAButtonIsNoDrag) {
+    const auto monitors = watchAll();
+
+    moveTo({510, 390});
+    press();
+    release();
+    events.clear();
+    moveTo({520, 380});
+
+    EXPECT_EQ(events, Events{});
+}
+
+TEST_F(MouseContract, ModifiersAreReportedAsTheyAreHeld) {
+    const auto monitors = watchAll();
+    press();
+
+    double x = 500;
+    for (const std::uint64_t flags :
+         {modifier_flag::kShift, modifier_flag::kControl, modifier_flag::kOption, modifier_flag::kCommand,
+          modifier_flag::kShift | modifier_flag::kCommand, std::uint64_t{0}}) {
+        desktop->holdModifiers(flags);
+        moveTo({++x, 400});
+        EXPECT_EQ(events.back().modifierFlags, flags);
+    }
+}
+
+TEST_F(MouseContract, AMonitorHearsOfItsOwnKindOnly) {
+    for (const auto kind : {LeftDown, LeftDragged, LeftUp}) {
+        events.clear();
+        const auto monitor = watch(kind);
+        press();
+        moveTo({510, 390});
+        moveTo({500, 400});
+        release();
+        EXPECT_EQ(events.size(), kind == LeftDragged ? 2U : 1U);
+        for (const MouseEvent& event : events)
+            EXPECT_EQ(event.kind, kind);
+    }
+}
+
+TEST_F(MouseContract, EveryMonitorOfAKindHearsOfIt) {
+    const auto first = watch(LeftDown);
+    const auto second = watch(LeftDown);
+
+    press();
+
+    EXPECT_EQ(events.size(), 2U);
+}
+
+TEST_F(MouseContract, AfterItsEndAMonitorHearsNothing) {
+    auto monitors = watchAll();
+    press();
+    events.clear();
+
+    monitors.clear();
+    moveTo({510, 390});
+    release();
+
+    EXPECT_EQ(events, Events{});
+}
+
+TEST_F(MouseContract, AMonitorMayEndItselfWhenCalled) {
+    const auto others = watchAll();
+    int calls = 0;
+    SubscriptionPtr monitor;
+    monitor = desktop->mouse().addGlobalMonitor(LeftDragged, [&](const MouseEvent&) {
+        ++calls;
+        monitor.reset();
+    });
+
+    press();
+    moveTo({510, 390});
+    moveTo({520, 380});
+
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(events.size(), 3U);
+}
+
+TEST_F(MouseContract, ADragUnderWayWhenTheWatchBeginsIsNotReportedAsAPress) {
+    press();
+    const auto monitor = watch(LeftDown);
+
+    moveTo({510, 390});
+    release();
+
+    EXPECT_EQ(events, Events{});
+}
+
+TEST_F(MouseContract, TheBareDesktopBelongsToOthersToo) {
+    auto monitors = watchAll();
+    desktop->closeWindow(window);
+
+    press();
+    release();
+
+    EXPECT_EQ(events.size(), 2U);
+}
+
+} // namespace
+} // namespace contract
+} // namespace tessarel
