@@ -27,6 +27,11 @@ Rect screenFromRoot(const Rect& rootFrame, const Rect& primary) {
     return {rootFrame.x - primary.x, primary.maxY() - rootFrame.maxY(), rootFrame.width, rootFrame.height};
 }
 
+Rect rootFromScreen(const Rect& screenFrame, const Rect& primary) {
+    return {screenFrame.x + primary.x, primary.maxY() - screenFrame.maxY(), screenFrame.width,
+            screenFrame.height};
+}
+
 std::optional<Point> rootFromAx(const Point& axPoint, const Point& primaryOrigin) {
     const auto x = whole<std::int16_t>(axPoint.x + primaryOrigin.x);
     const auto y = whole<std::int16_t>(axPoint.y + primaryOrigin.y);

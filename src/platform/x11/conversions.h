@@ -11,6 +11,7 @@ namespace tessarel::x11 {
 
 [[nodiscard]] Rect axFromRoot(const Rect& rootFrame, const Point& primaryOrigin);
 [[nodiscard]] Rect screenFromRoot(const Rect& rootFrame, const Rect& primary);
+[[nodiscard]] Rect rootFromScreen(const Rect& screenFrame, const Rect& primary);
 
 /// Whole pixels of the root window; empty when the point is not finite or beyond what the protocol's numbers
 /// hold.

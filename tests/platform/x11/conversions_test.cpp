@@ -23,6 +23,13 @@ TEST(ConversionsTest, ScreenCoordinatesRiseFromTheBottomOfThePrimaryMonitor) {
     EXPECT_EQ(screenFromRoot({1440, 900, 10, 24}, primary), (Rect{0, -24, 10, 24}));
 }
 
+TEST(ConversionsTest, AFrameInScreenCoordinatesIsTheSameAreaOfTheRootWindow) {
+    const Rect primary{1440, 100, 1120, 800};
+
+    for (const Rect& root : {primary, Rect{0, 0, 1440, 900}, Rect{1440, 900, 10, 24}})
+        EXPECT_EQ(rootFromScreen(screenFromRoot(root, primary), primary), root);
+}
+
 TEST(ConversionsTest, PartsOfPixelsAreRoundedHalvesAwayFromZero) {
     EXPECT_EQ(rootFromAx(Point{10.5, -10.5}, {}), (Point{11, -11}));
     EXPECT_EQ(rootFromAx(Point{10.4, -10.4}, {}), (Point{10, -10}));
