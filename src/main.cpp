@@ -4,6 +4,7 @@
 #include "platform/qt/qt_main_queue.h"
 #include "platform/qt/qt_messages.h"
 #include "platform/qt/qt_open_url.h"
+#include "platform/qt/qt_overlay.h"
 #include "platform/qt/qt_own_application.h"
 #include "platform/qt/qt_status_item.h"
 #include "platform/qt/termination_signals.h"
@@ -84,6 +85,8 @@ int run(const char* programName) {
     qt::QtOpenUrl openUrl;
     x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl);
     qt::QtOwnApplication application;
+    qt::QtOverlay overlay(queue,
+                          [&desktop](const Rect& screenFrame) { return desktop.rootPixels(screenFrame); });
     qt::QtStatusItem statusItem(queue);
     std::optional<AppDelegate> delegate;
     delegate.emplace(Ports{.accessibility = desktop.accessibility,
@@ -94,6 +97,8 @@ int run(const char* programName) {
                            .hotKeys = desktop.hotKeys,
                            .mainMenu = desktop.mainMenu,
                            .mainQueue = queue,
+                           .mouse = desktop.mouse,
+                           .overlay = overlay,
                            .preferences = desktop.preferences,
                            .singleInstance = desktop.singleInstance,
                            .statusItem = statusItem,

@@ -24,6 +24,7 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
     m_statusItem.emplace(m_ports.statusItem, *m_statusMenu, services.runtime,
                          [this](const MenuItem& item) { itemSelected(item); });
     services.hotKeys.registerAll();
+    services.dragSnap.start();
     m_settingsObserver = services.store.tessarelSettingsChanged.addObserver([this] {
         m_services->hotKeys.registerAll();
         m_statusItem->refreshStatusIcon();

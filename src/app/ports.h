@@ -9,6 +9,8 @@
 #include "ports/hot_key_port.h"
 #include "ports/main_menu_port.h"
 #include "ports/main_queue_port.h"
+#include "ports/mouse_port.h"
+#include "ports/overlay_port.h"
 #include "ports/platform_words.h"
 #include "ports/single_instance_port.h"
 #include "ports/status_item_port.h"
@@ -28,6 +30,8 @@ struct Ports {
     HotKeyPort& hotKeys;
     MainMenuPort& mainMenu;
     MainQueuePort& mainQueue;
+    MousePort& mouse;
+    OverlayPort& overlay;
     PreferencesPort& preferences;
     SingleInstancePort& singleInstance;
     StatusItemPort& statusItem;

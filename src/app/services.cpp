@@ -6,6 +6,18 @@ Services::Services(const Ports& ports)
     : store(ports.preferences), storeSharing(store.share()), permissions(ports.trust),
       geo(ports.displays, store), ax(ports.accessibility, ports.workspace),
       windowEngine(ax, geo, ports.displays, ports.workspace, ports.windowList, ports.alertSound, store),
-      actionRunner(windowEngine, store, permissions, runtime), hotKeys(ports.hotKeys, actionRunner, store) {}
+      actionRunner(windowEngine, store, permissions, runtime), hotKeys(ports.hotKeys, actionRunner, store),
+      overlay(ports.overlay, geo), dragSnap({.mouse = ports.mouse,
+                                             .mainQueue = ports.mainQueue,
+                                             .accessibility = ports.accessibility,
+                                             .displays = ports.displays,
+                                             .workspace = ports.workspace,
+                                             .store = store,
+                                             .runtime = runtime,
+                                             .permissions = permissions,
+                                             .geo = geo,
+                                             .ax = ax,
+                                             .engine = windowEngine,
+                                             .overlay = overlay}) {}
 
 } // namespace tessarel

@@ -10,6 +10,8 @@
 #include "engine/window_engine.h"
 #include "model/store.h"
 #include "model/subscription.h"
+#include "snap/drag_snap.h"
+#include "snap/overlay_controller.h"
 
 namespace tessarel {
 
@@ -28,6 +30,8 @@ struct Services {
     WindowEngine windowEngine;
     ActionRunner actionRunner;
     HotKeys hotKeys;
+    OverlayController overlay;
+    DragSnap dragSnap;
 };
 
 } // namespace tessarel

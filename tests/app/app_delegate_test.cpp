@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <utility>
@@ -120,6 +121,33 @@ TEST_F(AppDelegateTest, TheEndLetsGoOfTheHotKeysAndOfTheDesktop) {
     EXPECT_EQ(AppDelegate(ports(next), nullptr).applicationDidFinishLaunching(), Launch::Running);
 }
 
+TEST_F(AppDelegateTest, ADraggedWindowGoesIntoAZone) {
+    desktop.addScreen({.frame = {0, 0, 1200, 800}});
+    const auto editor = desktop.openWindow("org.example.editor", {200, 150, 640, 480});
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+
+    desktop.mouse().hold(modifier_flag::kShift);
+    desktop.mouse().moveTo({500, 160});
+    desktop.mouse().press();
+    desktop.mouse().moveTo({400, 170});
+    desktop.advance(std::chrono::milliseconds(30));
+    desktop.mouse().moveTo({100, 100});
+    desktop.mouse().release();
+    desktop.advance(std::chrono::milliseconds(30));
+
+    EXPECT_EQ(desktop.frame(editor), (Rect{0, 0, 400, 400}));
+    EXPECT_EQ(Store::shared().settings.appZones.at("org.example.editor"), 0);
+}
+
+TEST_F(AppDelegateTest, TheEndStopsWatchingTheMouse) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    ASSERT_EQ(desktop.mouse().monitored().size(), 3U);
+
+    delegate.reset();
+
+    EXPECT_TRUE(desktop.mouse().monitored().empty());
+}
+
 /// Writes down in which order a launch asks for what.
 class LaunchOrderTest : public AppDelegateTest {
 protected:
@@ -170,6 +198,16 @@ protected:
         LaunchOrderTest& test;
     };
 
+    struct Mouse : MousePort {
+        explicit Mouse(LaunchOrderTest& test) : test(test) {}
+        SubscriptionPtr addGlobalMonitor(MouseEventKind, std::function<void(const MouseEvent&)>) override {
+            if (test.order.back() != "watch the mouse")
+                test.order.emplace_back("watch the mouse");
+            return nullptr;
+        }
+        LaunchOrderTest& test;
+    };
+
     struct Trust : TrustPort {
         explicit Trust(LaunchOrderTest& test) : test(test) {}
         bool isTrusted() override {
@@ -191,6 +229,8 @@ protected:
                              .hotKeys = keys,
                              .mainMenu = mainMenu,
                              .mainQueue = all.mainQueue,
+                             .mouse = mouse,
+                             .overlay = all.overlay,
                              .preferences = preferences,
                              .singleInstance = instance,
                              .statusItem = statusItem,
@@ -209,6 +249,7 @@ protected:
     Menus mainMenu{*this};
     Item statusItem{*this};
     Keys keys{*this};
+    Mouse mouse{*this};
     Trust trust{*this};
     std::optional<AppDelegate> recording;
 };
@@ -216,8 +257,9 @@ protected:
 TEST_F(LaunchOrderTest, TheDesktopComesFirstThenMenusThenTheHotKeysThenThePrompt) {
     EXPECT_EQ(launch(), Launch::Running);
 
-    EXPECT_THAT(order, ElementsAre("claim the desktop", "read settings", "set main menu",
-                                   "create status item", "claim hot keys", "ask for trust", "prompt"));
+    EXPECT_THAT(order,
+                ElementsAre("claim the desktop", "read settings", "set main menu", "create status item",
+                            "claim hot keys", "watch the mouse", "ask for trust", "prompt"));
 }
 
 TEST_F(LaunchOrderTest, ASecondCopyAsksForTheDesktopAndForNothingElse) {
@@ -233,8 +275,9 @@ TEST_F(LaunchOrderTest, SettingsAreWatchedOnlyAfterTheFirstClaim) {
     EXPECT_EQ(launch(), Launch::Running);
     changesSettingsMeanwhile = false;
 
-    EXPECT_THAT(order, ElementsAre("claim the desktop", "read settings", "set main menu",
-                                   "create status item", "claim hot keys", "ask for trust", "prompt"));
+    EXPECT_THAT(order,
+                ElementsAre("claim the desktop", "read settings", "set main menu", "create status item",
+                            "claim hot keys", "watch the mouse", "ask for trust", "prompt"));
     Store::shared().tessarelSettingsChanged.post();
     EXPECT_EQ(order.back(), "claim hot keys");
 }

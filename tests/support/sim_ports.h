@@ -16,6 +16,8 @@ inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance) {
             .hotKeys = desktop.hotKeys(),
             .mainMenu = desktop.mainMenu(),
             .mainQueue = desktop.mainQueue(),
+            .mouse = desktop.mouse(),
+            .overlay = desktop.overlay(),
             .preferences = desktop.preferences(),
             .singleInstance = instance,
             .statusItem = desktop.statusItem(),

@@ -4,11 +4,13 @@
 #include "platform/x11/bell.h"
 #include "platform/x11/client_windows.h"
 #include "platform/x11/connection.h"
+#include "platform/x11/conversions.h"
 #include "platform/x11/displays.h"
 #include "platform/x11/file_preferences.h"
 #include "platform/x11/hot_keys.h"
 #include "platform/x11/main_menu.h"
 #include "platform/x11/monitors.h"
+#include "platform/x11/mouse.h"
 #include "platform/x11/single_instance.h"
 #include "platform/x11/trust.h"
 #include "platform/x11/window_list.h"
@@ -27,11 +29,17 @@ struct X11Desktop {
                OpenUrlPort& openUrl)
         : monitors(connection), windows(connection), accessibility(connection, monitors, windows),
           alertSound(connection), displays(connection, monitors, windows), hotKeys(connection),
-          preferences(FilePreferences::userFolder()), singleInstance(connection),
-          trust(connection, session, queue, alerts, openUrl), windowList(connection, monitors, windows),
-          workspace(windows) {}
+          mouse(connection, monitors, windows, queue), preferences(FilePreferences::userFolder()),
+          singleInstance(connection), trust(connection, session, queue, alerts, openUrl),
+          windowList(connection, monitors, windows), workspace(windows) {}
     X11Desktop(const X11Desktop&) = delete;
     X11Desktop& operator=(const X11Desktop&) = delete;
+
+    /// The pixels of the root window, y down, that a rectangle in screen coordinates covers.
+    [[nodiscard]] Rect rootPixels(const Rect& screenFrame) {
+        const auto& all = monitors.all();
+        return rootFromScreen(screenFrame, all.empty() ? Rect{} : all.front().rootFrame);
+    }
 
     Monitors monitors;
     ClientWindows windows;
@@ -40,6 +48,7 @@ struct X11Desktop {
     X11Displays displays;
     X11HotKeys hotKeys;
     X11MainMenu mainMenu;
+    X11Mouse mouse;
     FilePreferences preferences;
     X11SingleInstance singleInstance;
     X11Trust trust;
