@@ -11,6 +11,7 @@ row 'Ctrl+Alt+Up, Down' 'top and bottom half'
 row 'Ctrl+Alt+Return' 'the whole screen'
 row 'Ctrl+Alt+C' 'the middle of the screen'
 row 'Ctrl+Alt+Backspace' 'back to where it was'
+row 'Ctrl+Alt+A' 'all windows into the zones'
 row 'Ctrl+Alt+Super+Right' 'next display'
 row 'Ctrl+Alt+Super+Left' 'previous display'
 printf '\n  %sDefault layout%s\n\n' "$title" "$text"
