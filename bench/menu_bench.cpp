@@ -1,0 +1,66 @@
+// What a click at the icon costs before the menu can be painted, with as many layouts as nobody has: the menu
+// as a value, and the rows of the widget made from it anew.
+
+#include "app/services.h"
+#include "app/status_menu.h"
+#include "model/presets.h"
+#include "model/store.h"
+#include "platform/qt/menu_view.h"
+#include "platform/sim/sim_desktop.h"
+
+#include <QApplication>
+#include <benchmark/benchmark.h>
+
+#include <cstdint>
+#include <string>
+
+namespace tessarel::bench {
+
+namespace {
+
+/// The menu of somebody with `layouts` layouts of their own.
+struct Shell {
+    explicit Shell(std::int64_t layouts) {
+        desktop.trust().trusted = true;
+        for (std::int64_t number = 0; number < layouts; ++number)
+            store.settings.userLayouts.push_back(
+                {"Layout " + std::to_string(number), Presets::all()[0].zones});
+    }
+
+    sim::SimDesktop desktop;
+    Store store{desktop.preferences()};
+    Runtime runtime;
+    Permissions permissions{desktop.trust()};
+    StatusMenu statusMenu{store, permissions, runtime, {}};
+};
+
+void rebuildMenu(benchmark::State& state) {
+    const Shell shell(state.range(0));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(shell.statusMenu.rebuild());
+}
+BENCHMARK(rebuildMenu)->Arg(0)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+/// Every time with another mark and another name, so that no row may stay.
+void rebuildMenuAndWidget(benchmark::State& state) {
+    Shell shell(state.range(0));
+    qt::MenuView view(qt::MenuView::DrawnBy::Qt, {});
+    for (auto _ : state) {
+        shell.runtime.paused = !shell.runtime.paused;
+        for (Layout& layout : shell.store.settings.userLayouts)
+            layout.name.back() = shell.runtime.paused ? 'a' : 'b';
+        view.show(shell.statusMenu.rebuild());
+        benchmark::DoNotOptimize(view.widget().sizeHint());
+    }
+}
+BENCHMARK(rebuildMenuAndWidget)->Arg(0)->Arg(1000)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+} // namespace tessarel::bench
+
+int main(int count, char** arguments) {
+    const QApplication application(count, arguments);
+    benchmark::Initialize(&count, arguments);
+    benchmark::RunSpecifiedBenchmarks();
+}
