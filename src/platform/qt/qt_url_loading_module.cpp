@@ -1,0 +1,53 @@
+#include "platform/qt/qt_url_loading_module.h"
+
+#include <QCoreApplication>
+#include <QLatin1String>
+#include <QLibrary>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <utility>
+
+namespace tessarel::qt {
+
+namespace {
+
+/// A request that nobody answers.
+class NoLoad : public Subscription {
+public:
+    explicit NoLoad(UrlLoadingPort::Done done) {
+        QTimer::singleShot(0, &m_receiver, [done = std::move(done)] {
+            const auto outliving = done; // it may end us, and what is captured with us
+            outliving(std::nullopt);
+        });
+    }
+
+private:
+    QObject m_receiver;
+};
+
+/// Null when there is no module. It is not unloaded again: its objects may be anywhere.
+std::unique_ptr<UrlLoadingPort> loadModule() {
+    using Make = UrlLoadingPort*();
+    const QString program = QCoreApplication::applicationDirPath();
+    for (const QString& folder : {program, program + QLatin1String("/../lib/tessarel")}) {
+        const auto make =
+            QLibrary::resolve(folder + QLatin1String("/tessarel_url_loading"), "tessarelMakeUrlLoading");
+        if (make)
+            return std::unique_ptr<UrlLoadingPort>(reinterpret_cast<Make*>(make)());
+    }
+    return nullptr;
+}
+
+} // namespace
+
+SubscriptionPtr QtUrlLoadingModule::load(const UrlRequest& request, Done done) {
+    if (!m_module)
+        m_module = loadModule();
+    if (!m_module)
+        return std::make_unique<NoLoad>(std::move(done));
+    return m_module->load(request, std::move(done));
+}
+
+} // namespace tessarel::qt
