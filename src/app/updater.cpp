@@ -25,7 +25,11 @@ std::strong_ordering operator<=>(const Component& a, const Component& b) {
         return a.isNegative ? std::strong_ordering::less : std::strong_ordering::greater;
     const auto magnitude =
         a.digits.size() != b.digits.size() ? a.digits.size() <=> b.digits.size() : a.digits <=> b.digits;
-    return a.isNegative ? 0 <=> magnitude : magnitude;
+    if (!a.isNegative)
+        return magnitude;
+    return std::is_gt(magnitude)   ? std::strong_ordering::less
+           : std::is_lt(magnitude) ? std::strong_ordering::greater
+                                   : magnitude;
 }
 
 Component component(std::string_view text) {
@@ -72,10 +76,11 @@ void Updater::check(bool manual) {
                              .timeLimit = m_source.timeLimit,
                              .largestBody = kLargestFeed};
     const int load = ++m_lastLoad;
-    m_loads[load] = m_urlLoading.load(request, [this, load, manual](std::optional<UrlResponse> response) {
-        const auto ended = m_loads.extract(load); // what is captured lives as long as it
-        finish(manual, response);
-    });
+    m_loads[load] =
+        m_urlLoading.load(request, [this, load, manual](const std::optional<UrlResponse>& response) {
+            const auto ended = m_loads.extract(load); // what is captured lives as long as it
+            finish(manual, response);
+        });
 }
 
 void Updater::checkIfDue() {
@@ -86,8 +91,8 @@ void Updater::checkIfDue() {
 bool Updater::isNewer(std::string_view a, std::string_view than) {
     while (!a.empty() || !than.empty()) {
         const auto order = takeComponent(a) <=> takeComponent(than);
-        if (order != 0)
-            return order > 0;
+        if (std::is_neq(order))
+            return std::is_gt(order);
     }
     return false;
 }
