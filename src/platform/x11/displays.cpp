@@ -22,7 +22,8 @@ X11Displays::X11Displays(Connection& connection, Monitors& monitors, ClientWindo
     : m_connection(connection), m_monitors(monitors), m_windows(windows), m_reserved(connection) {}
 
 std::vector<Screen> X11Displays::screens() {
-    const std::vector<Monitor>& monitors = m_monitors.all();
+    // A copy: asking for the space reserved may bring word of other monitors.
+    const std::vector<Monitor> monitors = m_monitors.all();
     std::vector<Rect> frames;
     std::transform(monitors.begin(), monitors.end(), std::back_inserter(frames),
                    [](const Monitor& monitor) { return monitor.rootFrame; });
