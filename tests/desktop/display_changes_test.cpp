@@ -131,6 +131,7 @@ TEST_F(DisplayChangesTest, AThousandChangesBetweenPressesDoNoHarm) {
         hotkey::kLeftHalf,    hotkey::kBottomHalf,      hotkey::kMaximize,
         hotkey::kCenter,      hotkey::kRestore,         hotkey::kNextDisplay,
         hotkey::kNextDisplay, hotkey::kPreviousDisplay, Combination{key::kA, kControlAlt}};
+    const Frame area = desktop.usableArea();
     ASSERT_TRUE(desktop.start());
     const std::string before = settings();
 
@@ -145,8 +146,9 @@ TEST_F(DisplayChangesTest, AThousandChangesBetweenPressesDoNoHarm) {
 
     EXPECT_GE(most, 4) << "the monitors do not change";
     monitors.removeAll();
-    expectAfter(hotkey::kLeftHalf, frameIn(desktop.usableArea(), kLeftHalf));
-    expectAfter(hotkey::kBottomHalf, frameIn(desktop.usableArea(), kBottomHalf));
+    ASSERT_TRUE(desktop.observer().waitUntil([&] { return desktop.usableArea() == area; }));
+    expectAfter(hotkey::kLeftHalf, frameIn(area, kLeftHalf));
+    expectAfter(hotkey::kBottomHalf, frameIn(area, kBottomHalf));
     EXPECT_EQ(settings(), before);
     EXPECT_TRUE(desktop.stop());
     EXPECT_EQ(desktop.program().errors(), "");
