@@ -1,10 +1,12 @@
 #pragma once
 
+#include "model/subscription.h"
 #include "ports/process_id.h"
 #include "ports/rect.h"
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -79,6 +81,13 @@ public:
 
     /// A number that stays with the element for as long as it exists; equal elements have equal keys.
     [[nodiscard]] virtual std::uintptr_t key(const Element& element) = 0;
+
+    /// Calls `created` with every window that `application` opens from now on, on the main thread, until the
+    /// answer ends. Null when the application is this program, has gone, does not answer or refuses.
+    ///
+    /// The window may still be on its way to its size and place. The same one may be reported twice.
+    [[nodiscard]] virtual SubscriptionPtr
+    onWindowCreated(const Element& application, std::function<void(const Element& window)> created) = 0;
 
     /// The process that owns the element; empty when it has gone.
     [[nodiscard]] virtual std::optional<ProcessId> pid(const Element& element) = 0;

@@ -286,8 +286,10 @@ private:
     x11::Monitors m_monitors{m_line.connection()};
     x11::ClientWindows m_windows{m_line.connection()};
     x11::X11Displays m_displays{m_line.connection(), m_monitors, m_windows};
-    x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows};
-    x11::X11Workspace m_workspace{m_windows};
+    x11::Applications m_applicationsSeen{m_windows};
+    x11::ApplicationWatch m_watch{m_line.connection(), m_windows, m_applicationsSeen};
+    x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows, m_watch};
+    x11::X11Workspace m_workspace{m_applicationsSeen, m_watch};
     x11::X11HotKeys m_hotKeys{m_line.connection()};
     x11::X11Mouse m_mouse{m_line.connection(), m_monitors, m_windows, m_line.queue()};
     x11::X11Bell m_bell{m_line.connection()};

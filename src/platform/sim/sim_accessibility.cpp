@@ -6,6 +6,7 @@
 #include <cmath>
 #include <memory>
 #include <string>
+#include <utility>
 
 namespace tessarel::sim {
 
@@ -203,6 +204,23 @@ std::optional<ProcessId> SimAccessibility::pid(const Element& element) {
     const bool exists = name->kind == Name::Kind::Application ? m_state.application(name->pid) != nullptr
                                                               : m_state.window(name->window) != nullptr;
     return exists ? std::optional(name->pid) : std::nullopt;
+}
+
+SubscriptionPtr SimAccessibility::onWindowCreated(const Element& application,
+                                                  std::function<void(const Element& window)> created) {
+    const Name* name = nameOf(application);
+    if (!name || name->kind != Name::Kind::Application || name->pid == SimState::kOwnPid)
+        return nullptr;
+    m_state.requests.push_back("observe " + text(*name));
+    const SimApplication* observed = ask(*name, name->pid);
+    if (!observed || observed->refusesObservers)
+        return nullptr;
+    return m_state.windowObservers.add(name->pid, std::move(created));
+}
+
+void SimAccessibility::reportCreated(WindowId id) {
+    if (const SimWindow* opened = m_state.window(id))
+        m_state.windowObservers.call(opened->pid, window(id));
 }
 
 /// The application, when it is there to answer; time passes until it has, or until nobody waits any longer.

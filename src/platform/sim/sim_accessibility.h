@@ -4,6 +4,8 @@
 #include "ports/accessibility_port.h"
 
 #include <chrono>
+#include <cstddef>
+#include <functional>
 #include <string>
 
 namespace tessarel::sim {
@@ -11,8 +13,9 @@ namespace tessarel::sim {
 /// The windows of the simulated desktop's applications.
 ///
 /// Every request is recorded in the order of asking, as a line like "read window 3 AXSize",
-/// "write window 3 AXSize 640x480", "find 300,160" or "limit window 3 250". A write to a window of a program
-/// whose enhanced interface is on is seen only after a while, as on a system that animates it.
+/// "write window 3 AXSize 640x480", "find 300,160", "limit window 3 250" or "observe application 101". A
+/// write to a window of a program whose enhanced interface is on is seen only after a while, as on a system
+/// that animates it.
 class SimAccessibility : public AccessibilityPort {
 public:
     explicit SimAccessibility(SimState& state) : m_state(state) {}
@@ -30,7 +33,14 @@ public:
                       const AttributeValue& value) override;
     [[nodiscard]] bool canExpress(const Rect& axFrame) override;
     [[nodiscard]] std::uintptr_t key(const Element& element) override;
+    [[nodiscard]] SubscriptionPtr
+    onWindowCreated(const Element& application, std::function<void(const Element& window)> created) override;
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
+
+    /// Tells whoever observes the window's application that it has been opened.
+    void reportCreated(WindowId id);
+    /// How many observers of applications there are.
+    [[nodiscard]] std::size_t observers() const { return m_state.windowObservers.count(); }
 
 private:
     struct Name;

@@ -18,6 +18,8 @@ struct SimApplication {
     static constexpr MainQueuePort::Duration kAnimation = std::chrono::milliseconds(200);
 
     std::optional<std::string> bundleIdentifier = {};
+    bool isRegular = true;                      ///< false: a panel, or a helper in the background
+    bool refusesObservers = false;              ///< nobody hears of its windows
     std::optional<bool> enhancedInterface = {}; ///< empty: it has no such attribute
     bool refusesPosition = false;
     bool refusesSize = false;

@@ -2,6 +2,7 @@
 
 #include "ports/main_queue_port.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -25,6 +26,8 @@ public:
     /// Hands over work of `owner`, who can call all of it off.
     void schedule(const void* owner, Duration delay, std::function<void()> work);
     void cancelAll(const void* owner);
+    /// How much work waits for its time.
+    [[nodiscard]] std::size_t waiting() const { return m_scheduled.size(); }
 
 private:
     struct Scheduled {

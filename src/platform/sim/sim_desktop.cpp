@@ -40,7 +40,7 @@ void SimDesktop::makePrimary(std::uint64_t id) {
 
 ProcessId SimDesktop::launch(const SimApplication& application) {
     const ProcessId pid = ++m_lastPid;
-    m_state.applications.emplace(pid, application);
+    m_state.launchApplication(pid, application);
     return pid;
 }
 
@@ -60,6 +60,7 @@ WindowId SimDesktop::openWindow(ProcessId pid, const SimWindow& window) {
     opened.id = id;
     opened.pid = pid;
     focus(id);
+    m_accessibility.reportCreated(id);
     return id;
 }
 
@@ -94,7 +95,7 @@ void SimDesktop::focus(WindowId id) {
     std::rotate(windows.begin(), focused, focused + 1);
     const ProcessId pid = windows.front().pid;
     application(pid).focusedWindow = id;
-    m_state.frontmost = pid;
+    m_state.activateApplication(pid);
 }
 
 std::vector<std::string> SimDesktop::takeRequests() {

@@ -55,9 +55,13 @@ public:
 
     // Programs.
     ProcessId launch(const SimApplication& application);
+    /// The system gives the new process the number of one that has ended.
+    void launchAs(ProcessId pid, const SimApplication& application) {
+        m_state.launchApplication(pid, application);
+    }
     SimApplication& application(ProcessId pid) { return m_state.applications.at(pid); }
     /// Brings the program to the front with whatever window of it had the focus last.
-    void activate(ProcessId pid) { m_state.frontmost = pid; }
+    void activate(ProcessId pid) { m_state.activateApplication(pid); }
     /// No program is in front.
     void deactivateAll() { m_state.frontmost.reset(); }
     void kill(ProcessId pid) { m_state.endApplication(pid); }

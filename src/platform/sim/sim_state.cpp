@@ -1,6 +1,7 @@
 #include "platform/sim/sim_state.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace tessarel::sim {
 
@@ -37,6 +38,25 @@ const Screen* SimState::screenAt(const Point& axPoint) const {
     return screens.empty() ? nullptr : &screens.front();
 }
 
+std::optional<RunningApplication> SimState::running(ProcessId pid) {
+    const SimApplication* found = application(pid);
+    if (!found)
+        return {};
+    return RunningApplication{pid, found->bundleIdentifier, found->isRegular};
+}
+
+void SimState::launchApplication(ProcessId pid, const SimApplication& application) {
+    applications.emplace(pid, application);
+    applicationObservers.call(ApplicationEvent::Launched, *running(pid));
+}
+
+void SimState::activateApplication(ProcessId pid) {
+    if (std::exchange(frontmost, pid) == pid)
+        return;
+    if (const auto app = running(pid))
+        applicationObservers.call(ApplicationEvent::Activated, *app);
+}
+
 void SimState::closeWindow(WindowId id) {
     std::erase_if(windows, [&](const SimWindow& window) { return window.id == id; });
     for (auto& [pid, application] : applications) {
@@ -50,10 +70,13 @@ void SimState::closeWindow(WindowId id) {
 }
 
 void SimState::endApplication(ProcessId pid) {
+    const auto ended = running(pid);
     applications.erase(pid);
     std::erase_if(windows, [&](const SimWindow& window) { return window.pid == pid; });
     if (frontmost == pid)
         frontmost.reset();
+    if (ended)
+        applicationObservers.call(ApplicationEvent::Terminated, *ended);
 }
 
 } // namespace tessarel::sim

@@ -2,9 +2,12 @@
 
 #include "platform/sim/sim_application.h"
 #include "platform/sim/sim_clock.h"
+#include "platform/sim/sim_observers.h"
 #include "platform/sim/sim_window.h"
+#include "ports/accessibility_port.h"
 #include "ports/displays_port.h"
 #include "ports/process_id.h"
+#include "ports/workspace_port.h"
 
 #include <map>
 #include <optional>
@@ -25,6 +28,8 @@ struct SimState {
     std::vector<SimWindow> windows; ///< front to back
     std::optional<ProcessId> frontmost;
     std::vector<std::string> requests; ///< reads and writes of attributes, in order
+    SimObservers<ApplicationEvent, RunningApplication> applicationObservers;
+    SimObservers<ProcessId, Element> windowObservers; ///< by the process that opens the window
 
     /// The application of process `pid`, or null.
     [[nodiscard]] SimApplication* application(ProcessId pid);
@@ -37,6 +42,12 @@ struct SimState {
     /// The display that shows the point, else the primary one; null when there is none.
     [[nodiscard]] const Screen* screenAt(const Point& axPoint) const;
 
+    /// The application of process `pid` as the workspace knows it.
+    [[nodiscard]] std::optional<RunningApplication> running(ProcessId pid);
+
+    void launchApplication(ProcessId pid, const SimApplication& application);
+    /// Brings the application to the front, with whatever window of it had the focus last.
+    void activateApplication(ProcessId pid);
     void closeWindow(WindowId id);
     void endApplication(ProcessId pid);
 };

@@ -3,6 +3,11 @@
 #include "platform/sim/sim_state.h"
 #include "ports/workspace_port.h"
 
+#include <functional>
+#include <optional>
+#include <utility>
+#include <vector>
+
 namespace tessarel::sim {
 
 /// The programs of the simulated desktop.
@@ -14,10 +19,17 @@ public:
         return m_state.frontmost ? runningApplication(*m_state.frontmost) : std::nullopt;
     }
     [[nodiscard]] std::optional<RunningApplication> runningApplication(ProcessId pid) override {
-        const SimApplication* application = m_state.application(pid);
-        if (!application)
-            return {};
-        return RunningApplication{pid, application->bundleIdentifier};
+        return m_state.running(pid);
+    }
+    [[nodiscard]] std::vector<RunningApplication> runningApplications() override {
+        std::vector<RunningApplication> all;
+        for (const auto& [pid, application] : m_state.applications)
+            all.push_back({pid, application.bundleIdentifier, application.isRegular});
+        return all;
+    }
+    [[nodiscard]] SubscriptionPtr
+    addObserver(ApplicationEvent event, std::function<void(const RunningApplication&)> handler) override {
+        return m_state.applicationObservers.add(event, std::move(handler));
     }
     [[nodiscard]] ProcessId ownProcessIdentifier() override { return SimState::kOwnPid; }
 

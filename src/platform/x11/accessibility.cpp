@@ -66,9 +66,10 @@ bool isMinimized(const WindowStates& states) {
 
 } // namespace
 
-X11Accessibility::X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows)
-    : m_connection(connection), m_monitors(monitors), m_windows(windows), m_placement(connection, windows),
-      m_endOfTurn(connection.onEndTurn([this] { finishWrites(); })) {}
+X11Accessibility::X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows,
+                                   ApplicationWatch& watch)
+    : m_connection(connection), m_monitors(monitors), m_windows(windows), m_watch(watch),
+      m_placement(connection, windows), m_endOfTurn(connection.onEndTurn([this] { finishWrites(); })) {}
 
 Element X11Accessibility::application(ProcessId pid) {
     return makeElement(pid, XCB_WINDOW_NONE);
@@ -193,6 +194,16 @@ bool X11Accessibility::canExpress(const Rect& axFrame) {
 std::uintptr_t X11Accessibility::key(const Element& element) {
     const auto [pid, window] = nativeElement(element);
     return (static_cast<std::uintptr_t>(pid) << kHalfAKey) + window;
+}
+
+SubscriptionPtr X11Accessibility::onWindowCreated(const Element& application,
+                                                  std::function<void(const Element& window)> created) {
+    const ProcessId owner = nativeElement(application).pid;
+    if (isOwn(owner) || !pid(makeElement(owner, XCB_WINDOW_NONE)))
+        return nullptr;
+    return m_watch.onWindow(owner, [owner, created = std::move(created)](xcb_window_t window) {
+        created(makeElement(owner, window));
+    });
 }
 
 std::optional<ProcessId> X11Accessibility::pid(const Element& element) {

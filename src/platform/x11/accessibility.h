@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/x11/application_watch.h"
 #include "platform/x11/client_windows.h"
 #include "platform/x11/connection.h"
 #include "platform/x11/monitors.h"
@@ -8,6 +9,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string_view>
 
@@ -21,7 +23,8 @@ namespace tessarel::x11 {
 /// this program are not answered.
 class X11Accessibility : public AccessibilityPort {
 public:
-    X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows);
+    X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows,
+                     ApplicationWatch& watch);
 
     [[nodiscard]] Element application(ProcessId pid) override;
     [[nodiscard]] Element systemWide() override;
@@ -36,6 +39,8 @@ public:
                       const AttributeValue& value) override;
     [[nodiscard]] bool canExpress(const Rect& axFrame) override;
     [[nodiscard]] std::uintptr_t key(const Element& element) override;
+    [[nodiscard]] SubscriptionPtr
+    onWindowCreated(const Element& application, std::function<void(const Element& window)> created) override;
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
 
 private:
@@ -54,6 +59,7 @@ private:
     Connection& m_connection;
     Monitors& m_monitors;
     ClientWindows& m_windows;
+    ApplicationWatch& m_watch;
     Placement m_placement;
     xcb_window_t m_written = XCB_WINDOW_NONE; // the window that the wish is for
     FrameWish m_wish;

@@ -130,6 +130,12 @@ const std::vector<xcb_window_t>& ClientWindows::frontToBack() {
     return *m_frontToBack;
 }
 
+std::vector<xcb_window_t> ClientWindows::managed() {
+    const auto list = propertyReply(m_connection, requestWindows(m_connection, Atom::NetClientList));
+    const auto windows = values(list);
+    return {windows.begin(), windows.end()};
+}
+
 std::vector<xcb_window_t> ClientWindows::windowsOf(ProcessId pid) {
     std::vector<xcb_window_t> windows = frontToBack();
     learnPids(windows);

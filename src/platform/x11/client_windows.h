@@ -25,6 +25,8 @@ public:
     [[nodiscard]] xcb_window_t activeWindow();
     /// All managed windows, the front-most first.
     [[nodiscard]] const std::vector<xcb_window_t>& frontToBack();
+    /// All managed windows, the oldest first.
+    [[nodiscard]] std::vector<xcb_window_t> managed();
     /// The managed windows of a process, the front-most first.
     [[nodiscard]] std::vector<xcb_window_t> windowsOf(ProcessId pid);
 

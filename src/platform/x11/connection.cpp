@@ -114,6 +114,7 @@ void Connection::dispatch() {
     while (Reply<Event> event{xcb_poll_for_event(m_xcb.get())})
         take(std::move(event), nullptr);
     while (!m_events.empty()) {
+        endTurn(); // what was known before the event may not be true any more
         const Reply<Event> event = std::move(m_events.front());
         m_events.pop_front();
         m_handlers.call(*event);

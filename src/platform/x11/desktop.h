@@ -1,6 +1,8 @@
 #pragma once
 
 #include "platform/x11/accessibility.h"
+#include "platform/x11/application_watch.h"
+#include "platform/x11/applications.h"
 #include "platform/x11/bell.h"
 #include "platform/x11/client_windows.h"
 #include "platform/x11/connection.h"
@@ -27,11 +29,12 @@ struct X11Desktop {
     /// All references outlive the desktop.
     X11Desktop(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
                OpenUrlPort& openUrl)
-        : monitors(connection), windows(connection), accessibility(connection, monitors, windows),
+        : monitors(connection), windows(connection), applications(windows),
+          watch(connection, windows, applications), accessibility(connection, monitors, windows, watch),
           alertSound(connection), displays(connection, monitors, windows), hotKeys(connection),
           mouse(connection, monitors, windows, queue), preferences(FilePreferences::userFolder()),
           singleInstance(connection), trust(connection, session, queue, alerts, openUrl),
-          windowList(connection, monitors, windows), workspace(windows) {}
+          windowList(connection, monitors, windows), workspace(applications, watch) {}
     X11Desktop(const X11Desktop&) = delete;
     X11Desktop& operator=(const X11Desktop&) = delete;
 
@@ -43,6 +46,8 @@ struct X11Desktop {
 
     Monitors monitors;
     ClientWindows windows;
+    Applications applications;
+    ApplicationWatch watch;
     X11Accessibility accessibility;
     X11Bell alertSound;
     X11Displays displays;

@@ -1,24 +1,28 @@
 #include "platform/x11/workspace.h"
 
 #include <unistd.h>
+#include <utility>
 
 namespace tessarel::x11 {
 
-X11Workspace::X11Workspace(ClientWindows& windows) : m_windows(windows) {}
+X11Workspace::X11Workspace(Applications& applications, ApplicationWatch& watch)
+    : m_applications(applications), m_watch(watch) {}
 
 std::optional<RunningApplication> X11Workspace::frontmostApplication() {
-    const xcb_window_t active = m_windows.activeWindow();
-    const auto pid = active == XCB_WINDOW_NONE ? std::nullopt : m_windows.pid(active);
-    if (!pid)
-        return std::nullopt;
-    return RunningApplication{*pid, m_windows.traits(active).applicationId};
+    return m_applications.frontmost();
 }
 
 std::optional<RunningApplication> X11Workspace::runningApplication(ProcessId pid) {
-    const auto windows = m_windows.windowsOf(pid);
-    if (windows.empty())
-        return std::nullopt;
-    return RunningApplication{pid, m_windows.traits(windows.front()).applicationId};
+    return m_applications.ofProcess(pid);
+}
+
+std::vector<RunningApplication> X11Workspace::runningApplications() {
+    return m_applications.all();
+}
+
+SubscriptionPtr X11Workspace::addObserver(ApplicationEvent event,
+                                          std::function<void(const RunningApplication&)> handler) {
+    return m_watch.onApplication(event, std::move(handler));
 }
 
 ProcessId X11Workspace::ownProcessIdentifier() {

@@ -1,24 +1,31 @@
 #pragma once
 
-#include "platform/x11/client_windows.h"
+#include "platform/x11/application_watch.h"
+#include "platform/x11/applications.h"
 #include "ports/workspace_port.h"
 
+#include <functional>
 #include <optional>
+#include <vector>
 
 namespace tessarel::x11 {
 
 /// The programs on the desktop: processes that own managed windows.
 class X11Workspace : public WorkspacePort {
 public:
-    explicit X11Workspace(ClientWindows& windows);
+    X11Workspace(Applications& applications, ApplicationWatch& watch);
 
     /// The owner of the active window.
     [[nodiscard]] std::optional<RunningApplication> frontmostApplication() override;
     [[nodiscard]] std::optional<RunningApplication> runningApplication(ProcessId pid) override;
+    [[nodiscard]] std::vector<RunningApplication> runningApplications() override;
+    [[nodiscard]] SubscriptionPtr
+    addObserver(ApplicationEvent event, std::function<void(const RunningApplication&)> handler) override;
     [[nodiscard]] ProcessId ownProcessIdentifier() override;
 
 private:
-    ClientWindows& m_windows;
+    Applications& m_applications;
+    ApplicationWatch& m_watch;
 };
 
 } // namespace tessarel::x11

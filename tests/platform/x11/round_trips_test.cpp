@@ -151,8 +151,10 @@ TEST(LostServerTest, EveryReadIsEmptyAndNothingHangs) {
     Monitors monitors(connection);
     ClientWindows windows(connection);
     X11Displays displays(connection, monitors, windows);
-    X11Accessibility accessibility(connection, monitors, windows);
-    X11Workspace workspace(windows);
+    Applications applications(windows);
+    ApplicationWatch watch(connection, windows, applications);
+    X11Accessibility accessibility(connection, monitors, windows, watch);
+    X11Workspace workspace(applications, watch);
     server.kill();
 
     EXPECT_FALSE(workspace.frontmostApplication());

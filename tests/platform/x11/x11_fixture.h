@@ -80,8 +80,10 @@ protected:
     Monitors monitors{connection};
     ClientWindows windows{connection};
     X11Displays displays{connection, monitors, windows};
-    X11Accessibility accessibility{connection, monitors, windows};
-    X11Workspace workspace{windows};
+    Applications applications{windows};
+    ApplicationWatch watch{connection, windows, applications};
+    X11Accessibility accessibility{connection, monitors, windows, watch};
+    X11Workspace workspace{applications, watch};
 };
 
 } // namespace tessarel::x11

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "platform/x11/client_windows.h"
+#include "ports/workspace_port.h"
+
+#include <optional>
+#include <vector>
+
+namespace tessarel::x11 {
+
+/// The programs on the desktop as they are in this turn: processes that own managed windows.
+///
+/// A process that owns nothing but panels and the like is not a regular application. Windows whose process
+/// nobody knows belong to none.
+class Applications {
+public:
+    explicit Applications(ClientWindows& windows) : m_windows(windows) {}
+
+    /// The owner of the active window, called as that window says.
+    [[nodiscard]] std::optional<RunningApplication> frontmost();
+    /// The application of process `pid`, called as its front-most window says.
+    [[nodiscard]] std::optional<RunningApplication> ofProcess(ProcessId pid);
+    [[nodiscard]] std::vector<RunningApplication> all();
+
+    /// The application of process `pid` whose windows, front to back, are `windows`; there is at least one.
+    [[nodiscard]] RunningApplication ofWindows(ProcessId pid, const std::vector<xcb_window_t>& windows);
+
+private:
+    [[nodiscard]] bool isForWork(xcb_window_t window);
+
+    ClientWindows& m_windows;
+};
+
+} // namespace tessarel::x11

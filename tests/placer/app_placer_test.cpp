@@ -1,0 +1,188 @@
+#include "placer/placer_test.h"
+
+namespace tessarel {
+namespace {
+
+class AppPlacerTest : public PlacerTest {
+protected:
+    AppPlacerTest() { placer->start(); }
+};
+
+TEST_F(AppPlacerTest, ANewWindowGoesIntoTheZoneOfItsApplicationAfterAMoment) {
+    const auto window = open(editor);
+
+    desktop.advance(kWindowDelay - 1ms);
+    EXPECT_EQ(desktop.frame(window), kStart);
+
+    desktop.advance(1ms);
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(AppPlacerTest, AWindowIsReadOnlyAfterItsMoment) {
+    (void)desktop.takeRequests();
+    (void)open(editor);
+
+    EXPECT_EQ(desktop.takeRequests(), Lines{});
+}
+
+TEST_F(AppPlacerTest, TheApplicationIsWatchedFromItsLaunchOn) {
+    const ProcessId again = desktop.launch({.bundleIdentifier = "org.example.editor"});
+
+    EXPECT_EQ(desktop.frame(openAndWait(again)), kRight);
+}
+
+TEST_F(AppPlacerTest, AWindowStaysOnTheScreenWhereItOpened) {
+    (void)desktop.addScreen({.frame = {1440, 0, 1000, 900}});
+
+    const auto window = openAndWait(editor, {.axFrame = {1500, 100, 400, 300}});
+
+    EXPECT_EQ(desktop.frame(window), (Rect{1940, 0, 500, 900}));
+}
+
+TEST_F(AppPlacerTest, AWindowBesideAllScreensGoesToTheFirst) {
+    const auto window = openAndWait(editor, {.axFrame = {5000, 5000, 400, 300}});
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(AppPlacerTest, WithoutAnyScreenNothingIsPlaced) {
+    desktop.removeScreen(screen.id);
+
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kStart);
+}
+
+TEST_F(AppPlacerTest, AWindowThatRefusesTheSizeIsPulledIntoTheVisibleArea) {
+    const auto window = openAndWait(editor, {.axFrame = kStart, .minimum = {900, 400}});
+
+    EXPECT_EQ(desktop.frame(window), (Rect{540, 25, 900, 875}));
+}
+
+TEST_F(AppPlacerTest, RestoringUndoesAPlacement) {
+    const auto window = openAndWait(editor);
+
+    engine.restoreFocused();
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
+TEST_F(AppPlacerTest, PlacingRemembersAndSavesNothing) {
+    const auto before = settings.appZones;
+
+    (void)openAndWait(editor);
+
+    EXPECT_EQ(settings.appZones, before);
+    EXPECT_TRUE(desktop.preferencesStorage().documents.empty());
+}
+
+TEST_F(AppPlacerTest, AWindowThatIsReportedTwiceIsPlacedOnce) {
+    const auto window = openAndWait(editor);
+    desktop.drag(window, kStart);
+
+    accessibility.reportCreated(window);
+    desktop.advance(kWindowDelay);
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
+TEST_F(AppPlacerTest, AWindowIsPlacedOnceWhenItsLaunchReportsItToo) {
+    const ProcessId again = desktop.launch({.bundleIdentifier = "org.example.editor"});
+    const auto window = openAndWait(again);
+    desktop.drag(window, kStart);
+
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
+TEST_F(AppPlacerTest, TwoWindowsOpenedAtOnceShareTheZone) {
+    const auto first = open(editor);
+    const auto second = openAndWait(editor);
+
+    EXPECT_EQ(desktop.frame(first), kRight);
+    EXPECT_EQ(desktop.frame(second), kRight);
+}
+
+TEST_F(AppPlacerTest, ASkippedWindowIsTriedAgainWhenItIsReportedAgain) {
+    const auto window = openAndWait(editor, {.axFrame = kStart, .minimized = true});
+    desktop.window(window).minimized = false;
+
+    accessibility.reportCreated(window);
+    desktop.advance(kWindowDelay);
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(AppPlacerTest, AWindowThatHasClosedMeanwhileIsLeftAlone) {
+    desktop.close(open(editor));
+
+    desktop.advance(kWindowDelay);
+
+    EXPECT_EQ(desktop.takeWrites(), Lines{});
+}
+
+TEST_F(AppPlacerTest, NothingIsPlacedOnceThePlacerHasGone) {
+    const auto window = open(editor);
+    const ProcessId again = desktop.launch({.bundleIdentifier = "org.example.editor"});
+    const auto existing = open(again);
+
+    placer.reset();
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+    EXPECT_EQ(desktop.frame(existing), kStart);
+    EXPECT_EQ(accessibility.observers(), 0U);
+}
+
+/// An application that is not heard of opening its windows.
+class AppPlacerLaunchTest : public AppPlacerTest {
+protected:
+    const ProcessId pid =
+        desktop.launch({.bundleIdentifier = "org.example.editor", .refusesObservers = true});
+    const sim::WindowId first = open(pid);
+    const sim::WindowId second = open(pid);
+};
+
+TEST_F(AppPlacerLaunchTest, AllWindowsGoIntoTheZoneASecondAfterTheLaunch) {
+    desktop.advance(kLaunchDelay - 1ms);
+    EXPECT_EQ(desktop.frame(first), kStart);
+
+    desktop.advance(1ms);
+    EXPECT_EQ(desktop.frame(first), kRight);
+    EXPECT_EQ(desktop.frame(second), kRight);
+}
+
+TEST_F(AppPlacerLaunchTest, ADialogAmongThemStaysWhereItIs) {
+    desktop.window(second).subrole = "AXDialog";
+
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.frame(first), kRight);
+    EXPECT_EQ(desktop.frame(second), kStart);
+}
+
+TEST_F(AppPlacerLaunchTest, TheZoneIsTheOneRememberedByThen) {
+    settings.appZones["org.example.editor"] = 0;
+
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.frame(first), kLeft);
+}
+
+TEST_F(AppPlacerLaunchTest, ForgettingTheApplicationMeanwhileCancelsIt) {
+    settings.appZones.clear();
+
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.frame(first), kStart);
+}
+
+TEST_F(AppPlacerLaunchTest, AnApplicationThatHasEndedMeanwhileIsLeftAlone) {
+    desktop.kill(pid);
+
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.takeWrites(), Lines{});
+}
+
+} // namespace
+} // namespace tessarel

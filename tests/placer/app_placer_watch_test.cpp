@@ -1,0 +1,175 @@
+#include "placer/placer_test.h"
+
+#include <gmock/gmock.h>
+
+namespace tessarel {
+namespace {
+
+using ::testing::Contains;
+using ::testing::IsEmpty;
+
+class AppPlacerWatchTest : public PlacerTest {};
+
+TEST_F(AppPlacerWatchTest, WhatRunsAlreadyIsWatchedFromTheStart) {
+    placer->start();
+
+    EXPECT_EQ(accessibility.observers(), 1U);
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
+}
+
+TEST_F(AppPlacerWatchTest, WindowsThatWereThereBeforeAreLeftAlone) {
+    const auto window = open(editor);
+
+    placer->start();
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
+TEST_F(AppPlacerWatchTest, NothingIsWatchedBeforeTheStart) {
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kStart);
+}
+
+TEST_F(AppPlacerWatchTest, AProgramInTheBackgroundIsNotWatched) {
+    desktop.application(editor).isRegular = false;
+    placer->start();
+
+    EXPECT_EQ(accessibility.observers(), 0U);
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kStart);
+}
+
+TEST_F(AppPlacerWatchTest, AProgramThatLeavesTheBackgroundIsWatchedOnceItIsActivated) {
+    desktop.application(editor).isRegular = false;
+    placer->start();
+    desktop.application(editor).isRegular = true;
+
+    desktop.activate(editor);
+
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
+}
+
+TEST_F(AppPlacerWatchTest, ThisProgramIsNotWatched) {
+    (void)desktop.openOwnWindow(kStart);
+    placer->start();
+
+    EXPECT_EQ(accessibility.observers(), 1U);
+    EXPECT_EQ(desktop.frame(desktop.openOwnWindow(kStart)), kStart);
+}
+
+TEST_F(AppPlacerWatchTest, AnApplicationIsWatchedOnceHoweverOftenItIsMet) {
+    placer->start();
+
+    desktop.activate(editor);
+    desktop.deactivateAll();
+    desktop.activate(editor);
+    store.saveAndNotify();
+    placer->watchAll();
+
+    EXPECT_EQ(accessibility.observers(), 1U);
+}
+
+TEST_F(AppPlacerWatchTest, OnlyANeededWatchIsAskedFor) {
+    placer->start();
+    EXPECT_THAT(desktop.takeRequests(), Contains("observe application " + std::to_string(editor)));
+
+    store.saveAndNotify();
+    EXPECT_THAT(desktop.takeRequests(), IsEmpty());
+}
+
+TEST_F(AppPlacerWatchTest, AnApplicationThatHangsHoldsUsUpForAQuarterOfASecond) {
+    desktop.application(editor).answerTime = 10s;
+    const auto before = desktop.clock().now();
+
+    placer->start();
+
+    EXPECT_EQ(desktop.clock().now() - before, 250ms);
+    EXPECT_EQ(accessibility.observers(), 0U);
+}
+
+TEST_F(AppPlacerWatchTest, AnApplicationThatRefusedIsTriedAgainWhenActivated) {
+    desktop.application(editor).refusesObservers = true;
+    placer->start();
+    desktop.application(editor).refusesObservers = false;
+
+    desktop.activate(editor);
+
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
+}
+
+TEST_F(AppPlacerWatchTest, AWatchEndsWithItsApplication) {
+    placer->start();
+
+    desktop.kill(editor);
+
+    EXPECT_EQ(accessibility.observers(), 0U);
+}
+
+TEST_F(AppPlacerWatchTest, AProcessIdThatComesBackIsWatchedForTheNewProgram) {
+    placer->start();
+    desktop.kill(editor);
+    settings.appZones["org.example.mail"] = 0;
+
+    desktop.launchAs(editor, {.bundleIdentifier = "org.example.mail"});
+
+    EXPECT_EQ(accessibility.observers(), 1U);
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kLeft);
+}
+
+TEST_F(AppPlacerWatchTest, SeveralProcessesOfOneProgramAreAllWatched) {
+    placer->start();
+    const ProcessId second = desktop.launch({.bundleIdentifier = "org.example.editor"});
+
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
+    EXPECT_EQ(desktop.frame(openAndWait(second)), kRight);
+
+    desktop.kill(editor);
+    EXPECT_EQ(desktop.frame(openAndWait(second)), kRight);
+}
+
+/// A start without access to other programs.
+class AppPlacerAccessTest : public PlacerTest {
+protected:
+    AppPlacerAccessTest() {
+        desktop.trust().trusted = false;
+        placer->start();
+    }
+
+    void grant() { desktop.trust().trusted = true; }
+};
+
+TEST_F(AppPlacerAccessTest, NobodyIsAskedForAnything) {
+    (void)desktop.launch({.bundleIdentifier = "org.example.mail"});
+
+    EXPECT_THAT(desktop.takeRequests(), IsEmpty());
+}
+
+TEST_F(AppPlacerAccessTest, OnceGrantedTheNextSettingsChangePicksUpAllThatRuns) {
+    const ProcessId launched = desktop.launch({.bundleIdentifier = "org.example.editor"});
+    grant();
+
+    store.saveAndNotify();
+
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
+    EXPECT_EQ(desktop.frame(openAndWait(launched)), kRight);
+}
+
+TEST_F(AppPlacerAccessTest, OnceGrantedAnActivationPicksUpThatApplication) {
+    grant();
+
+    desktop.activate(editor);
+
+    EXPECT_EQ(accessibility.observers(), 1U);
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
+}
+
+TEST_F(AppPlacerAccessTest, OnceGrantedALaunchPicksUpThatApplication) {
+    grant();
+
+    const ProcessId launched = desktop.launch({.bundleIdentifier = "org.example.editor"});
+
+    EXPECT_EQ(accessibility.observers(), 1U);
+    EXPECT_EQ(desktop.frame(openAndWait(launched)), kRight);
+}
+
+} // namespace
+} // namespace tessarel

@@ -1,0 +1,193 @@
+#include "platform/x11/x11_fixture.h"
+#include "support/x11/child_process.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tessarel::x11 {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+/// Writes down what is heard of applications and of the windows that the client opens.
+class ApplicationWatchTest : public X11Test {
+protected:
+    ApplicationWatchTest() {
+        listen(ApplicationEvent::Launched, "launched");
+        listen(ApplicationEvent::Activated, "activated");
+        listen(ApplicationEvent::Terminated, "terminated");
+        observers.push_back(
+            watch.onWindow(client.pid(), [this](xcb_window_t) { heard.emplace_back("opened"); }));
+    }
+
+    void listen(ApplicationEvent event, const std::string& word) {
+        observers.push_back(watch.onApplication(event, [this, word](const RunningApplication& application) {
+            heard.push_back(word + " " + application.bundleIdentifier.value_or("?") +
+                            (application.isRegular ? "" : " in the background"));
+        }));
+    }
+
+    /// Opens a window that does not take the focus.
+    [[nodiscard]] xcb_window_t openUnfocused(x11test::TestClient& owner,
+                                             const x11test::WindowOptions& options) {
+        const xcb_window_t window = owner.open(options);
+        observer.watch(window);
+        EXPECT_TRUE(observer.waitUntil([&] { return observer.managed(window); }));
+        settle();
+        return window;
+    }
+
+    void close(xcb_window_t window) {
+        client.destroy(window);
+        EXPECT_TRUE(observer.waitUntil([&] { return !observer.managed(window); }));
+        settle();
+    }
+
+    Lines take() { return std::exchange(heard, {}); }
+
+    Lines heard;
+    std::vector<SubscriptionPtr> observers;
+};
+
+TEST_F(ApplicationWatchTest, AnApplicationIsLaunchedWithItsFirstWindowAndThenActivated) {
+    (void)open({.className = "Editor"});
+
+    EXPECT_EQ(take(), (Lines{"launched Editor", "activated Editor"}));
+}
+
+TEST_F(ApplicationWatchTest, AFurtherWindowIsOpened) {
+    (void)open({.className = "Editor"});
+    (void)take();
+
+    (void)open({.className = "Editor"});
+
+    EXPECT_EQ(take(), Lines{"opened"});
+}
+
+TEST_F(ApplicationWatchTest, AProcessIsKnownWithoutItsSayingSo) {
+    (void)open({.className = "Editor", .processId = false});
+
+    EXPECT_EQ(take(), (Lines{"launched Editor", "activated Editor"}));
+}
+
+TEST_F(ApplicationWatchTest, AProcessThatHasClosedItsLastWindowStillRuns) {
+    close(open({.className = "Editor"}));
+    (void)take();
+
+    (void)open({.className = "Editor"});
+
+    EXPECT_EQ(take().front(), "opened");
+}
+
+TEST_F(ApplicationWatchTest, AnEndWithoutWindowsIsNoticedWhenTheNextWindowComes) {
+    auto other = std::make_unique<x11test::TestClient>(desktop.server);
+    const xcb_window_t window = openUnfocused(*other, {.className = "Other"});
+    other->destroy(window);
+    ASSERT_TRUE(observer.waitUntil([&] { return !observer.managed(window); }));
+    settle();
+    other.reset();
+    (void)take();
+
+    (void)open({.className = "Editor"});
+
+    EXPECT_EQ(take(), (Lines{"terminated Other", "launched Editor", "activated Editor"}));
+}
+
+TEST_F(ApplicationWatchTest, AProcessWithNothingButAPanelIsInTheBackground) {
+    (void)openUnfocused(client, {.className = "Panel", .type = "_NET_WM_WINDOW_TYPE_DOCK"});
+
+    EXPECT_EQ(take().front(), "launched Panel in the background");
+    EXPECT_FALSE(workspace.runningApplication(client.pid()).value().isRegular);
+}
+
+TEST_F(ApplicationWatchTest, APanelWithAWindowIsNotInTheBackground) {
+    (void)openUnfocused(client, {.className = "Panel", .type = "_NET_WM_WINDOW_TYPE_DOCK"});
+    (void)take();
+
+    (void)open({.className = "Panel"});
+
+    EXPECT_EQ(take(), (Lines{"opened", "activated Panel"}));
+    EXPECT_TRUE(workspace.runningApplication(client.pid()).value().isRegular);
+}
+
+TEST_F(ApplicationWatchTest, ADialogIsAWindowToo) {
+    const xcb_window_t parent = open();
+    (void)take();
+
+    (void)open({.type = "_NET_WM_WINDOW_TYPE_DIALOG", .transientFor = parent});
+
+    EXPECT_EQ(take(), Lines{"opened"});
+}
+
+TEST_F(ApplicationWatchTest, AtRestNothingIsAskedAndNothingWaits) {
+    (void)open();
+    close(open());
+    settle();
+    const auto before = connection.roundTrips();
+
+    driver.queue().runTurn();
+    connection.dispatch();
+
+    EXPECT_EQ(connection.roundTrips(), before);
+    EXPECT_EQ(driver.queue().waiting(), 0U);
+}
+
+TEST_F(ApplicationWatchTest, WhatRunsAlreadyIsNotLaunched) {
+    (void)open();
+    ConnectionDriver latecomer(desktop.server.display());
+    ClientWindows windows(latecomer.connection());
+    Applications applications(windows);
+    ApplicationWatch late(latecomer.connection(), windows, applications);
+    int launches = 0;
+    const auto subscription =
+        late.onApplication(ApplicationEvent::Launched, [&](const RunningApplication&) { ++launches; });
+
+    (void)open();
+    latecomer.hear();
+
+    EXPECT_EQ(launches, 0);
+}
+
+/// A desktop whose window manager comes and goes.
+class ReplacedManagerTest : public ApplicationWatchTest {
+protected:
+    ~ReplacedManagerTest() override {
+        client.process().kill(); // while there is a manager that takes its windows off the list
+        EXPECT_TRUE(observer.waitUntil([&] { return observer.clients().empty(); }));
+        desktop.manager.reset(); // the next case starts its own
+    }
+
+    void replaceManager() {
+        replacement = std::make_unique<x11test::ChildProcess>(
+            std::vector<std::string>{"openbox", "--replace", "--sm-disable"}, desktop.server.environment());
+        EXPECT_TRUE(desktop.manager->process().waitForExit());
+    }
+    /// The window is listed and handled, and so is all before it.
+    void waitUntilManaged(xcb_window_t window) {
+        const auto isListed = [&] { return observer.managed(window); };
+        EXPECT_TRUE(observer.waitUntil([&] { return !observer.windowManagerName().empty() && isListed(); }));
+        settle();
+    }
+
+    std::unique_ptr<x11test::ChildProcess> replacement;
+};
+
+TEST_F(ReplacedManagerTest, NothingIsLaunchedOrOpenedAgain) {
+    (void)open();
+    const xcb_window_t second = open();
+    (void)take();
+
+    replaceManager();
+    const xcb_window_t third = client.open();
+    waitUntilManaged(second);
+    waitUntilManaged(third);
+
+    EXPECT_EQ(take(), Lines{"opened"});
+}
+
+} // namespace
+} // namespace tessarel::x11
