@@ -2,8 +2,12 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 namespace tessarel::x11 {
+
+Applications::Applications(ClientWindows& windows, std::vector<std::filesystem::path> entryFolders)
+    : m_windows(windows), m_entries(std::move(entryFolders)) {}
 
 std::optional<RunningApplication> Applications::frontmost() {
     const xcb_window_t active = m_windows.activeWindow();
@@ -35,7 +39,15 @@ std::vector<RunningApplication> Applications::all() {
 RunningApplication Applications::ofWindows(ProcessId pid, const std::vector<xcb_window_t>& windows) {
     const bool isRegular = std::any_of(windows.begin(), windows.end(),
                                        [this](xcb_window_t window) { return isForWork(window); });
-    return {pid, m_windows.traits(windows.front()).applicationId, isRegular};
+    return {pid, identifier(windows.front()), isRegular};
+}
+
+std::optional<std::string> Applications::identifier(xcb_window_t window) {
+    const WindowTraits traits = m_windows.traits(window);
+    if (traits.applicationId || !traits.windowClass)
+        return traits.applicationId;
+    const auto installed = m_entries.identifier(*traits.windowClass);
+    return installed ? installed : traits.windowClass;
 }
 
 bool Applications::isForWork(xcb_window_t window) {

@@ -1,9 +1,12 @@
 #pragma once
 
 #include "platform/x11/client_windows.h"
+#include "platform/x11/desktop_entries.h"
 #include "ports/workspace_port.h"
 
+#include <filesystem>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace tessarel::x11 {
@@ -11,10 +14,13 @@ namespace tessarel::x11 {
 /// The programs on the desktop as they are in this turn: processes that own managed windows.
 ///
 /// A process that owns nothing but panels and the like is not a regular application. Windows whose process
-/// nobody knows belong to none.
+/// nobody knows belong to none. An application is called as its windows say, else like the installed one
+/// whose class they carry, else like that class.
 class Applications {
 public:
-    explicit Applications(ClientWindows& windows) : m_windows(windows) {}
+    /// `entryFolders` is where applications are installed.
+    explicit Applications(ClientWindows& windows,
+                          std::vector<std::filesystem::path> entryFolders = DesktopEntries::installed());
 
     /// The owner of the active window, called as that window says.
     [[nodiscard]] std::optional<RunningApplication> frontmost();
@@ -26,9 +32,11 @@ public:
     [[nodiscard]] RunningApplication ofWindows(ProcessId pid, const std::vector<xcb_window_t>& windows);
 
 private:
+    [[nodiscard]] std::optional<std::string> identifier(xcb_window_t window);
     [[nodiscard]] bool isForWork(xcb_window_t window);
 
     ClientWindows& m_windows;
+    DesktopEntries m_entries;
 };
 
 } // namespace tessarel::x11

@@ -97,8 +97,16 @@ std::string hidden(std::string_view name) {
     return entry(name, "Hidden=true\n");
 }
 
+std::string windowClass(std::string_view content) {
+    return std::string(value(content, "StartupWMClass").value_or(""));
+}
+
+bool isShown(std::string_view content) {
+    return value(content, "Hidden") != "true";
+}
+
 bool isEnabled(std::string_view content) {
-    return value(content, "Hidden") != "true" && value(content, "X-GNOME-Autostart-enabled") != "false";
+    return isShown(content) && value(content, "X-GNOME-Autostart-enabled") != "false";
 }
 
 } // namespace tessarel::x11::desktop_entry

@@ -14,6 +14,12 @@ namespace tessarel::x11::desktop_entry {
 /// An entry that hides every less important one of its file name.
 [[nodiscard]] std::string hidden(std::string_view name);
 
+/// The class that the windows of the entry's program carry, as far as it says.
+[[nodiscard]] std::string windowClass(std::string_view content);
+
+/// Whether the entry stands for a program at all: one may be there only to hide less important ones.
+[[nodiscard]] bool isShown(std::string_view content);
+
 /// Whether a session starts what the entry with this content stands for.
 [[nodiscard]] bool isEnabled(std::string_view content);
 

@@ -81,19 +81,23 @@ WindowTraits TraitsRequest::collect() {
     const auto type = propertyReply(*m_connection, m_type);
     const auto transientFor = propertyReply(*m_connection, m_transientFor);
     return {typeFrom(*m_connection, values(type)), value(transientFor).value_or(XCB_WINDOW_NONE) != 0,
-            collectApplicationId()};
+            collectApplicationId(), collectClass()};
 }
 
 std::optional<std::string> TraitsRequest::collectApplicationId() {
     const auto gtkApplicationId = propertyReply(*m_connection, m_gtkApplicationId);
     const auto desktopFile = propertyReply(*m_connection, m_desktopFile);
-    const auto wmClass = propertyReply(*m_connection, m_class);
-    for (const std::string& name :
-         {toUtf8(bytes(gtkApplicationId)), toUtf8(bytes(desktopFile)), classFrom(bytes(wmClass))}) {
+    for (const std::string& name : {toUtf8(bytes(gtkApplicationId)), toUtf8(bytes(desktopFile))}) {
         if (!name.empty())
             return name;
     }
     return std::nullopt;
+}
+
+std::optional<std::string> TraitsRequest::collectClass() {
+    const auto wmClass = propertyReply(*m_connection, m_class);
+    const std::string name = classFrom(bytes(wmClass));
+    return name.empty() ? std::nullopt : std::optional(name);
 }
 
 PidRequest::PidRequest(Connection& connection, xcb_window_t window)

@@ -15,11 +15,12 @@ namespace tessarel::x11 {
 /// What a client says its window is for.
 enum class WindowType { Unspecified, Normal, Dialog, Utility, Splash, Toolbar, Menu, Other };
 
-/// What stays the same about a window while it is open.
+/// What stays the same about a window while it is open. Names are UTF-8.
 struct WindowTraits {
     WindowType type = WindowType::Unspecified;
     bool isTransient = false;                 ///< belongs to another window
-    std::optional<std::string> applicationId; ///< name of its application, UTF-8, never empty
+    std::optional<std::string> applicationId; ///< what it says that its application is called; never empty
+    std::optional<std::string> windowClass;   ///< never empty
 };
 
 /// The first type in a client's list that we know, most wanted first.
@@ -38,6 +39,7 @@ public:
 
 private:
     [[nodiscard]] std::optional<std::string> collectApplicationId();
+    [[nodiscard]] std::optional<std::string> collectClass();
 
     Connection* m_connection;
     xcb_get_property_cookie_t m_type;

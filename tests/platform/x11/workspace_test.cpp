@@ -1,3 +1,4 @@
+#include "platform/x11/scratch_folder.h"
 #include "platform/x11/x11_fixture.h"
 
 #include <gtest/gtest.h>
@@ -35,6 +36,18 @@ TEST_F(WorkspaceTest, AnApplicationIsKnownByTheNameThatItGivesItself) {
 
     setText(window, "_GTK_APPLICATION_ID", "org.example.editor");
     EXPECT_EQ(identifier(), "org.example.editor");
+}
+
+TEST_F(WorkspaceTest, AClassIsTakenForTheInstalledApplicationThatNamesIt) {
+    const ScratchFolder folder;
+    ScratchFolder::write(folder.path() / "org.example.editor.desktop",
+                         "[Desktop Entry]\nStartupWMClass=Editor\n");
+    Applications installed(windows, {folder.path()});
+    const xcb_window_t window = open({.className = "Editor"});
+    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.editor");
+
+    setText(window, "_GTK_APPLICATION_ID", "org.example.other");
+    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.other");
 }
 
 TEST_F(WorkspaceTest, AnEmptyNameIsNone) {

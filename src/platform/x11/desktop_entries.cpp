@@ -1,0 +1,119 @@
+#include "platform/x11/desktop_entries.h"
+
+#include "platform/x11/desktop_entry.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <system_error>
+#include <utility>
+
+namespace tessarel::x11 {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::uintmax_t kLargestEntry = 256 * 1024;
+constexpr std::string_view kEnding = ".desktop";
+
+std::optional<fs::file_time_type> changeOf(const fs::path& folder) {
+    std::error_code failure;
+    const auto time = fs::last_write_time(folder, failure);
+    return failure ? std::nullopt : std::optional(time);
+}
+
+std::string lowered(std::string_view text) {
+    std::string result(text);
+    std::ranges::transform(result, result.begin(), [](char character) {
+        const bool isUpper = character >= 'A' && character <= 'Z';
+        return isUpper ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    return result;
+}
+
+/// The entry's name for ever: its place below the folder of entries, without the ending.
+std::string identifierOf(const fs::path& file, const fs::path& folder) {
+    std::string identifier = file.lexically_relative(folder).generic_string();
+    std::ranges::replace(identifier, '/', '-');
+    identifier.resize(identifier.size() - kEnding.size());
+    return identifier;
+}
+
+std::string valueOf(const char* variable, const std::string& otherwise) {
+    const char* const value = std::getenv(variable);
+    return value && *value ? value : otherwise;
+}
+
+} // namespace
+
+DesktopEntries::DesktopEntries(std::vector<fs::path> folders) : m_folders(std::move(folders)) {}
+
+std::vector<fs::path> DesktopEntries::installed() {
+    const std::string home = valueOf("HOME", "/");
+    std::istringstream list(valueOf("XDG_DATA_HOME", home + "/.local/share") + ":" +
+                            valueOf("XDG_DATA_DIRS", "/usr/local/share:/usr/share"));
+    std::vector<fs::path> folders;
+    for (std::string folder; std::getline(list, folder, ':');) {
+        if (fs::path(folder).is_absolute())
+            folders.push_back(fs::path(folder) / "applications");
+    }
+    return folders;
+}
+
+std::optional<std::string> DesktopEntries::identifier(std::string_view windowClass) {
+    if (m_changed.empty() || !isCurrent())
+        read();
+    const std::string wanted = lowered(windowClass);
+    for (const Identifiers* identifiers : {&m_byClass, &m_byName}) {
+        if (const auto found = identifiers->find(wanted); found != identifiers->end())
+            return found->second;
+    }
+    return std::nullopt;
+}
+
+bool DesktopEntries::isCurrent() const {
+    return std::ranges::all_of(m_changed,
+                               [](const auto& folder) { return changeOf(folder.first) == folder.second; });
+}
+
+void DesktopEntries::read() {
+    m_changed.clear();
+    m_seen.clear();
+    m_byClass.clear();
+    m_byName.clear();
+    for (const fs::path& folder : m_folders)
+        readFolder(folder);
+}
+
+void DesktopEntries::readFolder(const fs::path& folder) {
+    m_changed[folder] = changeOf(folder); // before it is read: what comes later is a change
+    std::error_code failure;
+    fs::recursive_directory_iterator file(folder, fs::directory_options::skip_permission_denied, failure);
+    for (; !failure && file != fs::recursive_directory_iterator(); file.increment(failure)) {
+        std::error_code unreadable;
+        if (file->is_directory(unreadable))
+            m_changed[file->path()] = changeOf(file->path());
+        else if (file->path().extension() == kEnding)
+            readEntry(file->path(), identifierOf(file->path(), folder));
+    }
+}
+
+void DesktopEntries::readEntry(const fs::path& file, const std::string& identifier) {
+    std::error_code failure;
+    const bool isNew = m_seen.insert(identifier).second; // else a more important one stands for it
+    if (!isNew || !fs::is_regular_file(file, failure) || fs::file_size(file, failure) > kLargestEntry)
+        return;
+    std::ifstream stream(file, std::ios::binary);
+    const std::string content(std::istreambuf_iterator<char>(stream), {});
+    if (!desktop_entry::isShown(content))
+        return;
+    m_byName.try_emplace(lowered(identifier), identifier);
+    if (const std::string windowClass = desktop_entry::windowClass(content); !windowClass.empty())
+        m_byClass.try_emplace(lowered(windowClass), identifier);
+}
+
+} // namespace tessarel::x11

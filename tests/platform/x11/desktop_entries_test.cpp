@@ -1,0 +1,124 @@
+#include "platform/x11/desktop_entries.h"
+
+#include "platform/x11/scratch_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <sys/stat.h>
+
+namespace tessarel::x11 {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Two folders of entries, the user's and the system's.
+class DesktopEntriesTest : public ::testing::Test {
+protected:
+    static void write(const fs::path& file, const std::string& lines) {
+        fs::create_directories(file.parent_path());
+        std::ofstream(file) << "[Desktop Entry]\nType=Application\nName=Program\n" << lines;
+        // Folders tell of changes with a clock too coarse for two in a row.
+        fs::last_write_time(file.parent_path(), nextChange += std::chrono::seconds(1));
+    }
+
+    static inline fs::file_time_type nextChange = fs::file_time_type::clock::now();
+    ScratchFolder scratch;
+    fs::path users = scratch.path() / "users";
+    fs::path systems = scratch.path() / "systems";
+    DesktopEntries entries{{users, systems}};
+};
+
+TEST_F(DesktopEntriesTest, WithoutFoldersThereAreNone) {
+    EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
+}
+
+TEST_F(DesktopEntriesTest, AnEntryIsFoundByTheClassThatItNames) {
+    write(systems / "org.example.editor.desktop", "StartupWMClass=Editor\n");
+
+    EXPECT_EQ(entries.identifier("Editor"), "org.example.editor");
+    EXPECT_EQ(entries.identifier("editor"), "org.example.editor");
+    EXPECT_EQ(entries.identifier("Edit"), std::nullopt);
+}
+
+TEST_F(DesktopEntriesTest, AnEntryIsFoundByItsOwnName) {
+    write(systems / "firefox-esr.desktop", "");
+
+    EXPECT_EQ(entries.identifier("Firefox-esr"), "firefox-esr");
+}
+
+TEST_F(DesktopEntriesTest, TheNamedClassComesBeforeTheName) {
+    write(systems / "editor.desktop", "");
+    write(systems / "org.example.editor.desktop", "StartupWMClass=Editor\n");
+
+    EXPECT_EQ(entries.identifier("Editor"), "org.example.editor");
+}
+
+TEST_F(DesktopEntriesTest, ASubfolderIsPartOfTheIdentifier) {
+    write(systems / "kde" / "editor.desktop", "StartupWMClass=Editor\n");
+
+    EXPECT_EQ(entries.identifier("Editor"), "kde-editor");
+}
+
+TEST_F(DesktopEntriesTest, TheUsersEntryStandsForTheSystemsOne) {
+    write(systems / "editor.desktop", "StartupWMClass=Editor\n");
+    write(users / "editor.desktop", "StartupWMClass=MyEditor\n");
+
+    EXPECT_EQ(entries.identifier("MyEditor"), "editor");
+
+    write(users / "editor.desktop", "Hidden=true\n");
+    EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
+}
+
+TEST_F(DesktopEntriesTest, OnlyTheMainGroupCounts) {
+    write(systems / "editor.desktop", "[Desktop Action New]\nStartupWMClass=Other\n");
+
+    EXPECT_EQ(entries.identifier("Other"), std::nullopt);
+}
+
+TEST_F(DesktopEntriesTest, AnEntryThatIsInstalledLaterIsFound) {
+    EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
+
+    write(systems / "editor.desktop", "");
+    EXPECT_EQ(entries.identifier("Editor"), "editor");
+
+    fs::remove(systems / "editor.desktop");
+    EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
+}
+
+TEST_F(DesktopEntriesTest, WhatIsNoRealEntryIsPassedOver) {
+    write(systems / "good.desktop", "");
+    write(systems / "large.desktop", "StartupWMClass=Large\n" + std::string(1 << 20, 'x'));
+    write(systems / "bytes.desktop", std::string("\0\xFF=\n[[[\n===\n", 11));
+    fs::create_symlink(systems / "nowhere", systems / "broken.desktop");
+    mkfifo((systems / "pipe.desktop").c_str(), 0600);
+    fs::create_directory(systems / "folder.desktop");
+
+    EXPECT_EQ(entries.identifier("good"), "good");
+    EXPECT_EQ(entries.identifier("Large"), std::nullopt);
+    EXPECT_EQ(entries.identifier("pipe"), std::nullopt);
+}
+
+TEST_F(DesktopEntriesTest, FiveThousandEntriesAreFoundInOneGo) {
+    fs::create_directories(systems);
+    for (int i = 0; i < 5000; ++i) {
+        const std::string number = std::to_string(i);
+        std::ofstream(systems / (number + ".desktop"))
+            << "[Desktop Entry]\nType=Application\nName=Program\nStartupWMClass=Class" + number + "\n" +
+                   std::string(1000, '#') + "\n";
+    }
+    const auto start = std::chrono::steady_clock::now();
+
+    EXPECT_EQ(entries.identifier("Class4999"), "4999");
+
+    const auto spent = std::chrono::steady_clock::now() - start;
+    RecordProperty("milliseconds",
+                   static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(spent).count()));
+}
+
+} // namespace
+} // namespace tessarel::x11
