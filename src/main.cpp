@@ -7,6 +7,8 @@
 #include "platform/qt/qt_overlay.h"
 #include "platform/qt/qt_own_application.h"
 #include "platform/qt/qt_status_item.h"
+#include "platform/qt/qt_url_loading_module.h"
+#include "platform/qt/system_wall_clock.h"
 #include "platform/qt/termination_signals.h"
 #include "platform/x11/connection.h"
 #include "platform/x11/desktop.h"
@@ -88,6 +90,8 @@ int run(const char* programName) {
     qt::QtOverlay overlay(queue,
                           [&desktop](const Rect& screenFrame) { return desktop.rootPixels(screenFrame); });
     qt::QtStatusItem statusItem(queue);
+    qt::QtUrlLoadingModule urlLoading;
+    qt::SystemWallClock wallClock;
     std::optional<AppDelegate> delegate;
     delegate.emplace(Ports{.accessibility = desktop.accessibility,
                            .alertSound = desktop.alertSound,
@@ -98,11 +102,14 @@ int run(const char* programName) {
                            .mainMenu = desktop.mainMenu,
                            .mainQueue = queue,
                            .mouse = desktop.mouse,
+                           .openUrl = openUrl,
                            .overlay = overlay,
                            .preferences = desktop.preferences,
                            .singleInstance = desktop.singleInstance,
                            .statusItem = statusItem,
                            .trust = desktop.trust,
+                           .urlLoading = urlLoading,
+                           .wallClock = wallClock,
                            .windowList = desktop.windowList,
                            .workspace = desktop.workspace,
                            .words = desktop.words},

@@ -29,6 +29,7 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
         m_services->hotKeys.registerAll();
         m_statusItem->refreshStatusIcon();
     });
+    services.updater.checkIfDue();
     greetUser();
     return Launch::Running;
 }
@@ -72,7 +73,7 @@ void AppDelegate::itemSelected(const MenuItem& item) {
     case MenuCommand::OpenSettings:
         return openSettings();
     case MenuCommand::CheckUpdates:
-        return; // nobody to ask yet
+        return m_services->updater.check(true);
     case MenuCommand::Quit:
         return m_ports.application.terminate();
     }

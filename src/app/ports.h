@@ -10,11 +10,14 @@
 #include "ports/main_menu_port.h"
 #include "ports/main_queue_port.h"
 #include "ports/mouse_port.h"
+#include "ports/open_url_port.h"
 #include "ports/overlay_port.h"
 #include "ports/platform_words.h"
 #include "ports/single_instance_port.h"
 #include "ports/status_item_port.h"
 #include "ports/trust_port.h"
+#include "ports/url_loading_port.h"
+#include "ports/wall_clock_port.h"
 #include "ports/window_list_port.h"
 #include "ports/workspace_port.h"
 
@@ -31,11 +34,14 @@ struct Ports {
     MainMenuPort& mainMenu;
     MainQueuePort& mainQueue;
     MousePort& mouse;
+    OpenUrlPort& openUrl;
     OverlayPort& overlay;
     PreferencesPort& preferences;
     SingleInstancePort& singleInstance;
     StatusItemPort& statusItem;
     TrustPort& trust;
+    UrlLoadingPort& urlLoading;
+    WallClockPort& wallClock;
     WindowListPort& windowList;
     WorkspacePort& workspace;
     const PlatformWords& words;

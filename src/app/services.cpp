@@ -18,6 +18,7 @@ Services::Services(const Ports& ports)
                                              .geo = geo,
                                              .ax = ax,
                                              .engine = windowEngine,
-                                             .overlay = overlay}) {}
+                                             .overlay = overlay}),
+      updater(store, ports.urlLoading, ports.wallClock, ports.alerts, ports.application, ports.openUrl) {}
 
 } // namespace tessarel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ports.h"
+#include "app/updater.h"
 #include "engine/action_runner.h"
 #include "engine/ax.h"
 #include "engine/geo.h"
@@ -32,6 +33,7 @@ struct Services {
     HotKeys hotKeys;
     OverlayController overlay;
     DragSnap dragSnap;
+    Updater updater;
 };
 
 } // namespace tessarel

@@ -139,6 +139,15 @@ TEST_F(AppDelegateTest, ADraggedWindowGoesIntoAZone) {
     EXPECT_EQ(Store::shared().settings.appZones.at("org.example.editor"), 0);
 }
 
+TEST_F(AppDelegateTest, LaunchingAsksForANewVersionWhenThatIsDueAndFailsInSilence) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    ASSERT_EQ(desktop.urlLoading().requests.size(), 1U);
+
+    desktop.urlLoading().answer(0, {});
+
+    EXPECT_TRUE(desktop.alerts().shown.empty());
+}
+
 TEST_F(AppDelegateTest, TheEndStopsWatchingTheMouse) {
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
     ASSERT_EQ(desktop.mouse().monitored().size(), 3U);
@@ -230,11 +239,14 @@ protected:
                              .mainMenu = mainMenu,
                              .mainQueue = all.mainQueue,
                              .mouse = mouse,
+                             .openUrl = all.openUrl,
                              .overlay = all.overlay,
                              .preferences = preferences,
                              .singleInstance = instance,
                              .statusItem = statusItem,
                              .trust = trust,
+                             .urlLoading = all.urlLoading,
+                             .wallClock = all.wallClock,
                              .windowList = all.windowList,
                              .workspace = all.workspace,
                              .words = all.words};

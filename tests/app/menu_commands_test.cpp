@@ -176,6 +176,16 @@ TEST_F(MenuCommandsTest, GrantingAccessPromptsAndOpensTheSystemsSettings) {
     EXPECT_EQ(desktop.trust().settingsOpened, 1);
 }
 
+TEST_F(MenuCommandsTest, CheckingForUpdatesTellsTheUserWhateverComesOut) {
+    const std::size_t before = desktop.urlLoading().requests.size();
+
+    choose(MenuCommand::CheckUpdates);
+    ASSERT_EQ(desktop.urlLoading().requests.size(), before + 1);
+    desktop.urlLoading().answer(before, {});
+
+    EXPECT_EQ(desktop.alerts().shown.size(), 1U);
+}
+
 TEST_F(MenuCommandsTest, QuitTerminates) {
     choose(MenuCommand::Quit);
 
