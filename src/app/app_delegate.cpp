@@ -25,6 +25,7 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
                          [this](const MenuItem& item) { itemSelected(item); });
     services.hotKeys.registerAll();
     services.dragSnap.start();
+    services.appPlacer.start();
     m_settingsObserver = services.store.tessarelSettingsChanged.addObserver([this] {
         m_services->hotKeys.registerAll();
         m_statusItem->refreshStatusIcon();

@@ -19,6 +19,15 @@ Services::Services(const Ports& ports)
                                              .ax = ax,
                                              .engine = windowEngine,
                                              .overlay = overlay}),
+      appPlacer({.workspace = ports.workspace,
+                 .accessibility = ports.accessibility,
+                 .mainQueue = ports.mainQueue,
+                 .store = store,
+                 .runtime = runtime,
+                 .permissions = permissions,
+                 .geo = geo,
+                 .ax = ax,
+                 .engine = windowEngine}),
       updater(store, ports.urlLoading, ports.wallClock, ports.alerts, ports.application, ports.openUrl) {}
 
 } // namespace tessarel

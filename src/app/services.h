@@ -11,6 +11,7 @@
 #include "engine/window_engine.h"
 #include "model/store.h"
 #include "model/subscription.h"
+#include "placer/app_placer.h"
 #include "snap/drag_snap.h"
 #include "snap/overlay_controller.h"
 
@@ -33,6 +34,7 @@ struct Services {
     HotKeys hotKeys;
     OverlayController overlay;
     DragSnap dragSnap;
+    AppPlacer appPlacer;
     Updater updater;
 };
 

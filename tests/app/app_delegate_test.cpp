@@ -148,6 +148,18 @@ TEST_F(AppDelegateTest, LaunchingAsksForANewVersionWhenThatIsDueAndFailsInSilenc
     EXPECT_TRUE(desktop.alerts().shown.empty());
 }
 
+TEST_F(AppDelegateTest, ANewWindowOfARememberedApplicationOpensInItsZone) {
+    desktop.addScreen({.frame = {0, 0, 1200, 800}});
+    desktop.preferences().setData(Store::key,
+                                  R"({"hasOnboarded": true, "appZones": {"org.example.editor": 1}})");
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+
+    const auto editor = desktop.openWindow("org.example.editor", {200, 150, 640, 480});
+    desktop.advance(std::chrono::seconds(1));
+
+    EXPECT_EQ(desktop.frame(editor), (Rect{400, 0, 400, 400}));
+}
+
 TEST_F(AppDelegateTest, TheEndStopsWatchingTheMouse) {
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
     ASSERT_EQ(desktop.mouse().monitored().size(), 3U);
