@@ -30,7 +30,7 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
         m_services->hotKeys.registerAll();
         m_statusItem->refreshStatusIcon();
     });
-    services.updater.checkIfDue();
+    m_ports.mainQueue.async(whileAlive([this] { m_services->updater.checkIfDue(); }));
     greetUser();
     return Launch::Running;
 }

@@ -35,7 +35,8 @@ public:
     AppDelegate& operator=(const AppDelegate&) = delete;
     ~AppDelegate();
 
-    /// The launch sequence; call it once. Messages to the user wait for the loop to run.
+    /// The launch sequence; call it once. Messages to the user and the look for a new version wait for the
+    /// loop to run.
     [[nodiscard]] Launch applicationDidFinishLaunching();
 
     /// The user has started the program once more.

@@ -141,6 +141,7 @@ TEST_F(AppDelegateTest, ADraggedWindowGoesIntoAZone) {
 
 TEST_F(AppDelegateTest, LaunchingAsksForANewVersionWhenThatIsDueAndFailsInSilence) {
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    desktop.advance(std::chrono::seconds(0));
     ASSERT_EQ(desktop.urlLoading().requests.size(), 1U);
 
     desktop.urlLoading().answer(0, {});
