@@ -5,6 +5,7 @@
 #include "platform/x11/window_traits.h"
 
 #include <algorithm>
+#include <chrono>
 #include <unistd.h>
 #include <utility>
 
@@ -13,6 +14,9 @@ namespace tessarel::x11 {
 namespace {
 
 /// Those above are wheels and side buttons.
+/// Another program that holds the mouse back after a press is given so many looks to let it go.
+constexpr int kLooksForPress = 10;
+constexpr std::chrono::milliseconds kBetweenLooks{25};
 constexpr std::uint32_t kLastOrdinaryButton = 3;
 
 struct ModifierBit {
@@ -32,6 +36,10 @@ std::uint64_t modifierFlags(std::uint16_t state) {
     for (const auto& [server, flag] : kModifierBits)
         flags |= (state & server) != 0 ? flag : 0;
     return flags;
+}
+
+bool isAnyDown(const xcb_query_pointer_reply_t& pointer) {
+    return (pointer.mask & (XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3)) != 0;
 }
 
 bool isLeftDown(const xcb_query_pointer_reply_t& pointer) {
@@ -110,7 +118,7 @@ void X11Mouse::hear(const Connection::Event& event) {
         return;
     // A fast mouse always has more to say when an answer has been waited for. The loop has other work, too.
     if (std::exchange(m_hasMore, false))
-        lookLater();
+        lookLater({});
     else
         look();
 }
@@ -119,15 +127,25 @@ void X11Mouse::note(const RawMouseEvent& event) {
     if (event.kind == RawMouseKind::Motion)
         m_news.moved = true;
     else if (event.kind == RawMouseKind::Release)
-        m_news.heldReleased |= event.button == m_held;
+        noteRelease(event.button);
     else if (event.button <= kLastOrdinaryButton)
-        m_news.presses.push_back(event.button);
+        notePress(event.button);
 }
 
-void X11Mouse::lookLater() {
+void X11Mouse::notePress(std::uint32_t button) {
+    m_news.presses.push_back(button);
+    m_looksLeft = kLooksForPress;
+}
+
+void X11Mouse::noteRelease(std::uint32_t button) {
+    m_news.heldReleased |= button == m_held;
+    std::erase(m_news.presses, button);
+}
+
+void X11Mouse::lookLater(MainQueuePort::Duration delay) {
     if (std::exchange(m_lookScheduled, true))
         return;
-    m_queue.async([self = m_self] {
+    m_queue.asyncAfter(delay, [self = m_self] {
         if (X11Mouse* const mouse = *self) {
             mouse->m_lookScheduled = false;
             mouse->look();
@@ -159,12 +177,27 @@ void X11Mouse::look() {
 /// Which physical button is the left one is the user's choice; that it is down says that it was among those
 /// pressed.
 void X11Mouse::takePress(const News& news, const xcb_query_pointer_reply_t& pointer) {
-    if (news.presses.empty() || !isLeftDown(pointer))
+    if (news.presses.empty())
         return;
+    if (!isLeftDown(pointer)) {
+        if (!isAnyDown(pointer))
+            keepInMind(news.presses);
+        return;
+    }
     const bool isFirst = std::ranges::find(news.presses, 1U) != news.presses.end();
     m_held = isFirst ? 1U : news.presses.front();
     m_isOurs = isOverOwnWindow(pointer);
     deliver(MouseEventKind::LeftDown, pointer);
+}
+
+/// While another program holds the mouse back, a button that is down does not look so. It may also be up
+/// again already: so this is for a moment only, and a moving mouse still wakes nobody.
+void X11Mouse::keepInMind(const std::vector<std::uint32_t>& presses) {
+    if (m_looksLeft == 0)
+        return;
+    --m_looksLeft;
+    m_news.presses.insert(m_news.presses.begin(), presses.begin(), presses.end());
+    lookLater(kBetweenLooks);
 }
 
 void X11Mouse::follow(const News& news, const xcb_query_pointer_reply_t& pointer) {

@@ -50,10 +50,13 @@ private:
     };
 
     void note(const RawMouseEvent& event);
+    void notePress(std::uint32_t button);
+    void noteRelease(std::uint32_t button);
     void hear(const Connection::Event& event);
-    void lookLater();
+    void lookLater(MainQueuePort::Duration delay);
     void look();
     void takePress(const News& news, const xcb_query_pointer_reply_t& pointer);
+    void keepInMind(const std::vector<std::uint32_t>& presses);
     void follow(const News& news, const xcb_query_pointer_reply_t& pointer);
     void deliver(MouseEventKind kind, const xcb_query_pointer_reply_t& pointer);
     [[nodiscard]] bool isOverOwnWindow(const xcb_query_pointer_reply_t& pointer);
@@ -70,6 +73,7 @@ private:
     std::optional<std::uint32_t> m_held; ///< the physical button that is the left one, while it is down
     bool m_isOurs = false;               ///< it went down over a window of this program
     News m_news;
+    int m_looksLeft = 0;       ///< for a press that the buttons do not show yet
     std::size_t m_unheard = 0; ///< raw events read and not delivered yet
     bool m_isLooking = false;
     bool m_hasMore = false; ///< some of them were read while looking

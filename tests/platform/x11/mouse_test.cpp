@@ -130,6 +130,24 @@ protected:
 using Kinds = std::vector<MouseEventKind>;
 using Events = std::vector<MouseEvent>;
 
+TEST_F(X11MouseTest, APressIsHeardOfThoughAnotherProgramHoldsTheMouseBack) {
+    xcb_connection_t* const other = observer.x().get();
+    xcb_grab_pointer(other, 0, observer.root(), XCB_EVENT_MASK_BUTTON_PRESS, XCB_GRAB_MODE_SYNC,
+                     XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+    hand.press();
+    (void)connection.internAtom("PRIMARY"); // any answer comes after the press
+    connection.dispatch();
+    EXPECT_TRUE(takeKinds().empty());
+
+    xcb_allow_events(other, XCB_ALLOW_ASYNC_POINTER, XCB_CURRENT_TIME);
+    xcb_ungrab_pointer(other, XCB_CURRENT_TIME);
+    (void)hand.state(); // the server has seen to it
+    driver.hear();
+    moveTo(1020, 620);
+
+    EXPECT_EQ(takeKinds(), (std::vector{LeftDown, LeftDragged}));
+}
+
 TEST_F(X11MouseTest, ADragIsReportedWithItsPlacesFromTheBottomLeftCorner) {
     press();
     moveTo(1010, 590);
