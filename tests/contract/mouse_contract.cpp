@@ -23,8 +23,10 @@ protected:
     MouseContract() { desktop->movePointer({500, 400}); }
 
     [[nodiscard]] SubscriptionPtr watch(MouseEventKind kind) {
-        return desktop->mouse().addGlobalMonitor(
+        auto monitor = desktop->mouse().addGlobalMonitor(
             kind, [this](const MouseEvent& event) { events.push_back(event); });
+        desktop->settle(); // the mouse is moved by another program, which must not be faster
+        return monitor;
     }
     [[nodiscard]] std::vector<SubscriptionPtr> watchAll() {
         std::vector<SubscriptionPtr> all;

@@ -14,10 +14,11 @@ namespace tessarel::x11 {
 namespace {
 
 /// Those above are wheels and side buttons.
+constexpr std::uint32_t kLastOrdinaryButton = 3;
+
 /// Another program that holds the mouse back after a press is given so many looks to let it go.
 constexpr int kLooksForPress = 10;
 constexpr std::chrono::milliseconds kBetweenLooks{25};
-constexpr std::uint32_t kLastOrdinaryButton = 3;
 
 struct ModifierBit {
     std::uint16_t server;
