@@ -1,0 +1,119 @@
+#include "settings_ui/kit.h"
+
+#include "settings_ui/fitted_text.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QPalette>
+#include <QPushButton>
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <utility>
+
+namespace tessarel {
+namespace {
+
+QLabel* makePlainLabel(QWidget& parent, const QRect& frame, const QFont& font, bool secondary) {
+    auto* const label = new QLabel(&parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setFont(font);
+    label->setForegroundRole(secondary ? QPalette::PlaceholderText : QPalette::WindowText);
+    label->setGeometry(frame);
+    return label;
+}
+
+} // namespace
+
+QLabel* makeLabel(QWidget& parent, const QString& text, const QRect& frame, const LabelStyle& style) {
+    const QFont font = systemFont(style.size, style.bold ? QFont::Bold : QFont::Normal);
+    QLabel* const label = makePlainLabel(parent, frame, font, style.secondary);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    fitted_text::init(*label, text);
+    return label;
+}
+
+QLabel* makeWrap(QWidget& parent, const QString& text, const QRect& frame, const WrapStyle& style) {
+    QLabel* const label = makePlainLabel(parent, frame, systemFont(style.size), style.secondary);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    label->setWordWrap(true);
+    fitted_text::init(*label, text);
+    return label;
+}
+
+QPushButton* makeButton(QWidget& parent, const QString& title, const QRect& frame,
+                        std::function<void()> action) {
+    auto* const button = new QPushButton(&parent);
+    button->setFont(systemFont(13));
+    button->setGeometry(frame);
+    fitted_text::init(*button, title);
+    if (action)
+        QObject::connect(button, &QPushButton::clicked, button, [action = std::move(action)] { action(); });
+    return button;
+}
+
+QCheckBox* makeCheckBox(QWidget& parent, const QString& title, const QRect& frame,
+                        std::function<void(bool)> action) {
+    auto* const box = new QCheckBox(&parent);
+    box->setFont(systemFont(13));
+    box->setGeometry(frame);
+    fitted_text::init(*box, title);
+    if (action)
+        QObject::connect(box, &QCheckBox::clicked, box, std::move(action));
+    return box;
+}
+
+void setFittedText(QLabel& label, const QString& text) {
+    fitted_text::change(label, text);
+}
+
+void setFittedText(QPushButton& button, const QString& title) {
+    fitted_text::change(button, title);
+}
+
+QString fullText(const QWidget& control) {
+    return fitted_text::whole(control);
+}
+
+QString fmtNum(double value) {
+    constexpr int kDigits = 6;
+    const double rounded = std::round(value * 100) / 100;
+    std::array<char, 32> text{};
+    const auto result = std::to_chars(text.begin(), text.end(), rounded, std::chars_format::general, kDigits);
+    return QString::fromLatin1(text.data(), result.ptr - text.data());
+}
+
+void showMessage(const Ports& ports, const QString& title, const QString& text) {
+    ports.application.activate();
+    ports.alerts.runModal({title.toStdString(), text.toStdString(), {"OK"}});
+}
+
+QFont systemFont(int size, QFont::Weight weight) {
+    QFont font;
+    font.setPixelSize(size);
+    font.setWeight(weight);
+    return font;
+}
+
+QColor labelColor(const QPalette& palette) {
+    return palette.color(QPalette::WindowText);
+}
+
+QColor secondaryLabelColor(const QPalette& palette) {
+    return palette.color(QPalette::PlaceholderText);
+}
+
+QColor separatorColor(const QPalette& palette) {
+    return palette.color(QPalette::Mid);
+}
+
+QColor controlBackgroundColor(const QPalette& palette) {
+    return palette.color(QPalette::Base);
+}
+
+QColor controlAccentColor(const QPalette& palette) {
+    return palette.color(QPalette::Highlight);
+}
+
+} // namespace tessarel

@@ -1,0 +1,153 @@
+#include "settings_ui/kit.h"
+
+#include "settings_ui/settings_ui_test.h"
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QPalette>
+#include <QPushButton>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+namespace tessarel {
+namespace {
+
+const QRect kFrame(16, 14, 200, 20);
+
+class KitTest : public SettingsUiTest {
+protected:
+    FlippedView view;
+};
+
+std::string text(double value) {
+    return fmtNum(value).toStdString();
+}
+
+TEST(FmtNumTest, WholeNumbersHaveNoDecimals) {
+    EXPECT_EQ(text(0), "0");
+    EXPECT_EQ(text(8), "8");
+    EXPECT_EQ(text(100), "100");
+}
+
+TEST(FmtNumTest, RoundsToTwoDecimals) {
+    EXPECT_EQ(text(7.999), "8");
+    EXPECT_EQ(text(33.333333), "33.33");
+    EXPECT_EQ(text(66.666667), "66.67");
+}
+
+TEST(FmtNumTest, AHalfIsRoundedAwayFromZero) {
+    EXPECT_EQ(text(0.125), "0.13");
+    EXPECT_EQ(text(-0.125), "-0.13");
+    EXPECT_EQ(text(2.345), "2.35");
+}
+
+TEST(FmtNumTest, HasNoTrailingZeros) {
+    EXPECT_EQ(text(12.5), "12.5");
+    EXPECT_EQ(text(-1.5), "-1.5");
+    EXPECT_EQ(text(12.50001), "12.5");
+}
+
+TEST(FmtNumTest, TellsSixDigits) {
+    EXPECT_EQ(text(1234.56), "1234.56");
+    EXPECT_EQ(text(12345.67), "12345.7");
+    EXPECT_EQ(text(1234567), "1.23457e+06");
+}
+
+TEST(FmtNumTest, TakesWhatIsNoNumber) {
+    EXPECT_EQ(text(std::numeric_limits<double>::infinity()), "inf");
+    EXPECT_EQ(text(std::numeric_limits<double>::quiet_NaN()), "nan");
+}
+
+TEST_F(KitTest, ALabelIsOneLineInThirteenPixelsUnlessToldOtherwise) {
+    const QLabel& label = *makeLabel(view, "Gap between windows", kFrame);
+
+    EXPECT_EQ(label.parentWidget(), &view);
+    EXPECT_EQ(label.text(), "Gap between windows");
+    EXPECT_EQ(label.geometry(), kFrame);
+    EXPECT_EQ(label.font().pixelSize(), 13);
+    EXPECT_EQ(label.font().weight(), QFont::Normal);
+    EXPECT_FALSE(label.wordWrap());
+}
+
+TEST_F(KitTest, AHeadingIsBoldAndAsLargeAsAskedFor) {
+    const QLabel& heading = *makeLabel(view, "Spacing", kFrame, {.bold = true, .size = 14});
+
+    EXPECT_EQ(heading.font().pixelSize(), 14);
+    EXPECT_EQ(heading.font().weight(), QFont::Bold);
+}
+
+TEST_F(KitTest, AWrappingLabelIsTwelvePixelsFromTheTopOfItsFrame) {
+    const QLabel& note = *makeWrap(view, "Edges give halves, corners give quarters.", {0, 0, 120, 60});
+
+    EXPECT_TRUE(note.wordWrap());
+    EXPECT_EQ(note.font().pixelSize(), 12);
+    EXPECT_TRUE(note.alignment() & Qt::AlignTop);
+    EXPECT_EQ(note.text(), "Edges give halves, corners give quarters.");
+}
+
+TEST_F(KitTest, LabelsShowTheirTextAsItStands) {
+    EXPECT_EQ(makeLabel(view, "<b>Work</b>", kFrame)->textFormat(), Qt::PlainText);
+    EXPECT_EQ(makeWrap(view, "<b>Work</b>", kFrame)->textFormat(), Qt::PlainText);
+}
+
+TEST_F(KitTest, SecondaryLabelsFollowThePalette) {
+    const QLabel& plain = *makeLabel(view, "8 px", kFrame);
+    const QLabel& secondary = *makeLabel(view, "8 px", kFrame, {.secondary = true});
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, Qt::red);
+    palette.setColor(QPalette::PlaceholderText, Qt::green);
+
+    view.setPalette(palette);
+
+    EXPECT_EQ(plain.palette().color(plain.foregroundRole()), labelColor(palette));
+    EXPECT_EQ(secondary.palette().color(secondary.foregroundRole()), secondaryLabelColor(palette));
+    EXPECT_NE(labelColor(palette), secondaryLabelColor(palette));
+}
+
+TEST_F(KitTest, AButtonCallsItsAction) {
+    int calls = 0;
+    QPushButton& button = *makeButton(view, "Website", {0, 0, 110, 28}, [&] { ++calls; });
+
+    QTest::mouseClick(&button, Qt::LeftButton);
+
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(button.text(), "Website");
+    EXPECT_EQ(button.geometry(), QRect(0, 0, 110, 28));
+}
+
+TEST_F(KitTest, AButtonWithoutAnActionDoesNothing) {
+    QTest::mouseClick(makeButton(view, "Website", {0, 0, 110, 28}, nullptr), Qt::LeftButton);
+}
+
+TEST_F(KitTest, AButtonShowsAnAmpersandAsItStands) {
+    const QPushButton& button = *makeButton(view, "Save & close", {0, 0, 200, 28}, nullptr);
+
+    EXPECT_EQ(button.text(), "Save && close");
+    EXPECT_EQ(fullText(button), "Save & close");
+    EXPECT_TRUE(button.shortcut().isEmpty());
+}
+
+TEST_F(KitTest, ACheckBoxTellsWhatTheUserMadeOfItAndNotWhatTheProgramDid) {
+    std::vector<bool> states;
+    QCheckBox& box = *makeCheckBox(view, "Remember", kFrame, [&](bool on) { states.push_back(on); });
+
+    box.setChecked(true);
+    QTest::mouseClick(&box, Qt::LeftButton, {}, {5, 10});
+    QTest::mouseClick(&box, Qt::LeftButton, {}, {5, 10});
+
+    EXPECT_EQ(states, (std::vector<bool>{false, true}));
+}
+
+TEST_F(KitTest, AMessageIsShownInFrontWithOneButton) {
+    showMessage(ports, "Name in use", "Choose another one.");
+
+    EXPECT_EQ(desktop.ownApplication().activations, 1);
+    EXPECT_EQ(desktop.alerts().shown, (std::vector<Alert>{{"Name in use", "Choose another one.", {"OK"}}}));
+}
+
+} // namespace
+} // namespace tessarel
