@@ -6,6 +6,12 @@
 
 namespace tessarel {
 
+namespace {
+
+constexpr std::size_t kContinue = 0;
+
+} // namespace
+
 Alert welcomeAlert(const PlatformWords& words) {
     const std::string ctrlOpt =
         std::string(words.modifierNames.ctrl) + "+" + std::string(words.modifierNames.opt);
@@ -15,7 +21,8 @@ Alert welcomeAlert(const PlatformWords& words) {
             "+1 to 5 to snap the front window into a zone, or hold Shift while dragging a window to see the "
             "zones. Click the " +
             words.statusItem + ", then Settings, to design your own layout.",
-        {"Continue", "Open Settings"}};
+        {"Continue", "Open Settings"},
+        kContinue};
 }
 
 } // namespace tessarel

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,6 +12,8 @@ struct Alert {
     std::string messageText;
     std::string informativeText;
     std::vector<std::string> buttons; ///< in order; the first is the default
+    /// The position of the button that closing it in another way counts as; none: the last.
+    std::optional<std::size_t> dismissedAs = std::nullopt;
 
     bool operator==(const Alert&) const = default;
 };
@@ -20,8 +23,7 @@ class AlertsPort {
 public:
     virtual ~AlertsPort() = default;
 
-    /// Brings the program to the front, shows `alert` and returns the position of the button that closed it;
-    /// closing it in another way counts as the last button.
+    /// Brings the program to the front, shows `alert` and returns the position of the button that closed it.
     virtual std::size_t runModal(const Alert& alert) = 0;
 };
 

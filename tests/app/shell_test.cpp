@@ -49,6 +49,7 @@ TEST_F(FirstRunTest, TheUserIsWelcomedOnce) {
         "Try it: press Ctrl+Opt+1 to 5 to snap the front window into a zone, or hold Shift while dragging "
         "a window to see the zones. Click the menu bar icon, then Settings, to design your own layout.");
     EXPECT_EQ(alert.buttons, (std::vector<std::string>{"Continue", "Open Settings"}));
+    EXPECT_EQ(alert.dismissedAs, 0U) << "closing it opens no settings";
     EXPECT_EQ(desktop.ownApplication().activations, 1);
     EXPECT_TRUE(Store(desktop.preferences()).settings.hasOnboarded);
 }

@@ -6,7 +6,7 @@ std::size_t SimAlerts::runModal(const Alert& alert) {
     shown.push_back(alert);
     const std::size_t last = alert.buttons.empty() ? 0 : alert.buttons.size() - 1;
     if (answers.empty())
-        return last;
+        return alert.dismissedAs.value_or(last);
     const std::size_t answer = answers.front();
     answers.pop_front();
     return answer;

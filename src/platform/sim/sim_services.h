@@ -22,7 +22,7 @@ public:
     int beeps = 0;
 };
 
-/// A user who answers messages as told beforehand, and with the last button when not told.
+/// A user who answers messages as told beforehand, and closes them without a button when not told.
 class SimAlerts : public AlertsPort {
 public:
     std::size_t runModal(const Alert& alert) override;

@@ -1,13 +1,16 @@
 #include "platform/qt/qt_alerts.h"
 
+#include "platform/qt/alert_dialog.h"
 #include "platform/qt/qt_main_queue.h"
 
-#include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
 #include <QList>
-#include <QMessageBox>
 #include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QTest>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -23,9 +26,19 @@ protected:
     static void SetUpTestSuite() { qputenv("QT_QPA_PLATFORM", "offscreen"); }
 
     /// Runs `alert`, hands its box to `use` and answers what `runModal` does.
-    std::size_t runModal(const Alert& alert, const std::function<void(QMessageBox&)>& use) {
-        queue.async([&] { use(dynamic_cast<QMessageBox&>(*QApplication::activeModalWidget())); });
+    std::size_t runModal(const Alert& alert, const std::function<void(AlertDialog&)>& use) {
+        queue.async([&] { use(dynamic_cast<AlertDialog&>(*QApplication::activeModalWidget())); });
         return alerts.runModal(alert);
+    }
+
+    static const QScrollArea& areaOf(const AlertDialog& box) { return *box.findChild<QScrollArea*>(); }
+
+    static void expectOnScreen(const AlertDialog& box) {
+        const QRect screen = box.screen()->availableGeometry();
+        EXPECT_LE(box.width(), screen.width());
+        EXPECT_LE(box.height(), screen.height());
+        for (const QPushButton* const button : box.buttons())
+            EXPECT_TRUE(box.rect().contains(button->geometry()));
     }
 
     int argumentCount = 1;
@@ -40,36 +53,81 @@ TEST_F(QtAlertsTest, AnswersThePositionOfTheButtonThatWasChosen) {
     const Alert alert{"Question", "Why?", {"Continue", "Open Settings", "Later"}};
 
     for (int position = 0; position < 3; ++position) {
-        const auto chosen = runModal(alert, [&](QMessageBox& box) { box.buttons().at(position)->click(); });
+        const auto chosen = runModal(alert, [&](AlertDialog& box) { box.buttons().at(position)->click(); });
         EXPECT_EQ(chosen, static_cast<std::size_t>(position));
     }
 }
 
 TEST_F(QtAlertsTest, ButtonsStandInTheirOrderAndTheFirstIsTheDefault) {
-    runModal({"Question", "", {"Continue", "Later"}}, [](QMessageBox& box) {
+    runModal({"Question", "", {"Continue", "Later"}}, [](AlertDialog& box) {
         EXPECT_EQ(box.buttons().first()->text(), "Continue");
         EXPECT_EQ(box.buttons().last()->text(), "Later");
-        EXPECT_EQ(box.defaultButton(), box.buttons().first());
+        EXPECT_TRUE(box.buttons().first()->isDefault());
         box.close();
     });
 }
 
 TEST_F(QtAlertsTest, ClosingTheBoxCountsAsTheLastButton) {
     const auto chosen =
-        runModal({"Question", "", {"Download", "Later"}}, [](QMessageBox& box) { box.close(); });
+        runModal({"Question", "", {"Download", "Later"}}, [](AlertDialog& box) { box.close(); });
 
     EXPECT_EQ(chosen, 1U);
 }
 
+TEST_F(QtAlertsTest, EscapeCountsAsTheButtonThatTheAlertNames) {
+    const auto chosen = runModal({"Welcome", "", {"Continue", "Open Settings"}, 0},
+                                 [](AlertDialog& box) { QTest::keyClick(&box, Qt::Key_Escape); });
+
+    EXPECT_EQ(chosen, 0U);
+}
+
+TEST_F(QtAlertsTest, ReturnPressesTheFirstButton) {
+    const auto chosen = runModal({"Question", "", {"Download", "Later"}},
+                                 [](AlertDialog& box) { QTest::keyClick(&box, Qt::Key_Return); });
+
+    EXPECT_EQ(chosen, 0U);
+}
+
+TEST_F(QtAlertsTest, AShortTextIsShownWholeWithoutAScrollBar) {
+    runModal({"Question", "One line.\nAnother one.", {"OK"}}, [](AlertDialog& box) {
+        EXPECT_GE(areaOf(box).height(), box.information().heightForWidth(areaOf(box).width()));
+        EXPECT_FALSE(areaOf(box).verticalScrollBar()->isVisible());
+        box.close();
+    });
+}
+
+TEST_F(QtAlertsTest, LongNotesScrollAndTheButtonsStayOnTheScreen) {
+    std::string notes;
+    for (int line = 0; line < 200; ++line)
+        notes += "Something has become better.\n";
+
+    runModal({"Tessarel 9.9 is available", notes, {"Download", "Later"}}, [](AlertDialog& box) {
+        EXPECT_TRUE(areaOf(box).verticalScrollBar()->isVisible());
+        expectOnScreen(box);
+        box.close();
+    });
+}
+
+TEST_F(QtAlertsTest, AFloodOfTextWithoutSpacesStaysOnTheScreen) {
+    const std::string flood(1 << 20, 'x');
+
+    runModal({flood, flood, {"Download", "Later"}}, [](AlertDialog& box) {
+        expectOnScreen(box);
+        EXPECT_TRUE(box.message().text().endsWith(QChar(0x2026)));
+        EXPECT_LE(box.message().sizeHint().width(), box.message().width());
+        box.close();
+    });
+}
+
 TEST_F(QtAlertsTest, TheEndOfTheProgramCountsAsTheLastButton) {
     const auto chosen =
-        runModal({"Question", "", {"Download", "Later"}}, [](QMessageBox&) { QApplication::exit(); });
+        runModal({"Question", "", {"Download", "Later"}}, [](AlertDialog&) { QApplication::exit(); });
 
     EXPECT_EQ(chosen, 1U);
 }
 
 TEST_F(QtAlertsTest, AnAlertWithoutButtonsGetsOne) {
-    const auto chosen = runModal({"Done", "", {}}, [](QMessageBox& box) {
+    const auto chosen = runModal({"Done", "", {}}, [](AlertDialog& box) {
         EXPECT_EQ(box.buttons().size(), 1);
         box.close();
     });
@@ -80,23 +138,17 @@ TEST_F(QtAlertsTest, AnAlertWithoutButtonsGetsOne) {
 TEST_F(QtAlertsTest, MarkupIsShownAsItStands) {
     const Alert alert{"<b>bold</b>", "<img src=\"file:///x\"> & <i>more</i>", {"OK"}};
 
-    runModal(alert, [](QMessageBox& box) {
-        int texts = 0;
-        for (const QLabel* label : box.findChildren<QLabel*>()) {
-            if (label->text().isEmpty())
-                continue;
-            ++texts;
+    runModal(alert, [](AlertDialog& box) {
+        for (const QLabel* const label : {&box.message(), &box.information()})
             EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->text().toStdString();
-        }
-        EXPECT_EQ(texts, 2);
-        EXPECT_EQ(box.text(), "<b>bold</b>");
-        EXPECT_EQ(box.informativeText(), "<img src=\"file:///x\"> & <i>more</i>");
+        EXPECT_EQ(box.message().text(), "<b>bold</b>");
+        EXPECT_EQ(box.information().text(), "<img src=\"file:///x\"> & <i>more</i>");
         box.close();
     });
 }
 
 TEST_F(QtAlertsTest, AnAmpersandInAButtonIsNoMnemonic) {
-    runModal({"Question", "", {"Save & Quit"}}, [](QMessageBox& box) {
+    runModal({"Question", "", {"Save & Quit"}}, [](AlertDialog& box) {
         EXPECT_EQ(box.buttons().first()->text(), "Save && Quit");
         EXPECT_TRUE(box.buttons().first()->shortcut().isEmpty());
         box.close();

@@ -1,0 +1,137 @@
+#include "platform/qt/alert_dialog.h"
+
+#include <QCoreApplication>
+#include <QFont>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace tessarel::qt {
+
+namespace {
+
+constexpr int kTextWidth = 420;
+constexpr int kMargin = 20;
+constexpr int kSpacing = 12;
+constexpr int kButtonPadding = 16; // beside a title, beyond the style's
+constexpr double kLargestShareOfScreen = 0.5; // for the part that scrolls
+// More than anyone reads, and less than takes time to lay out.
+constexpr qsizetype kLongestMessage = 200;
+constexpr qsizetype kLongestInformation = 10'000;
+
+QString plainText(const std::string& text, qsizetype longest) {
+    const QString whole = QString::fromStdString(text);
+    return whole.size() <= longest ? whole : whole.left(longest - 1) + QChar(0x2026);
+}
+
+/// A single '&' would underline the next letter instead of showing itself.
+QString buttonText(const std::string& text) {
+    return QString::fromStdString(text).replace(QLatin1Char('&'), QLatin1String("&&"));
+}
+
+/// A text without spaces would else widen the dialog beyond every screen.
+QString breakable(QString text) {
+    constexpr qsizetype kLongestWord = 40;
+    qsizetype word = 0;
+    for (qsizetype at = 0; at < text.size(); ++at) {
+        word = text.at(at).isSpace() ? 0 : word + 1;
+        if (word < kLongestWord)
+            continue;
+        text.insert(at + 1, QChar(QChar::SpecialCharacter(0x200b))); // a place to break, without a width
+        word = 0;
+    }
+    return text;
+}
+
+QLabel* makeText(QDialog& dialog, const QString& text) {
+    auto* const label = new QLabel(&dialog);
+    label->setTextFormat(Qt::PlainText); // before the text is looked at
+    label->setText(breakable(text));
+    label->setWordWrap(true);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    return label;
+}
+
+} // namespace
+
+AlertDialog::AlertDialog(const Alert& alert)
+    : m_message(makeText(*this, plainText(alert.messageText, kLongestMessage))),
+      m_information(makeText(*this, plainText(alert.informativeText, kLongestInformation))),
+      m_dismissedAs(alert.dismissedAs.value_or(alert.buttons.empty() ? 0 : alert.buttons.size() - 1)) {
+    setModal(true);
+    setWindowTitle(QCoreApplication::applicationName());
+    QFont heading = m_message->font();
+    heading.setBold(true);
+    m_message->setFont(heading);
+    addButtons(alert);
+    layOut();
+}
+
+void AlertDialog::addButtons(const Alert& alert) {
+    std::vector<std::string> titles = alert.buttons;
+    if (titles.empty())
+        titles.emplace_back("OK");
+    for (const std::string& title : titles) {
+        auto* const button = new QPushButton(buttonText(title), this);
+        button->setMinimumWidth(button->sizeHint().width() + kButtonPadding);
+        m_buttons.append(button);
+        connect(button, &QPushButton::clicked, this, [this, result = static_cast<int>(m_buttons.size())] {
+            done(result);
+        }); // from 1: 0 is Rejected
+    }
+    m_buttons.first()->setDefault(true);
+    m_buttons.first()->setFocus();
+}
+
+void AlertDialog::layOut() {
+    auto* const row = new QHBoxLayout;
+    row->addStretch();
+    for (QPushButton* const button : m_buttons)
+        row->addWidget(button);
+    auto* const column = new QVBoxLayout(this);
+    column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+    column->setSpacing(kSpacing);
+    column->setSizeConstraint(QLayout::SetFixedSize);
+    m_message->setFixedWidth(kTextWidth);
+    column->addWidget(m_message);
+    if (m_information->text().isEmpty())
+        m_information->hide();
+    else
+        column->addWidget(scrolled(*m_information));
+    column->addSpacing(kSpacing);
+    column->addLayout(row);
+}
+
+/// As high as its text where there is room for it, else with a scroll bar.
+QWidget* AlertDialog::scrolled(QLabel& label) const {
+    auto* const area = new QScrollArea;
+    area->setFrameShape(QFrame::NoFrame);
+    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    area->setWidgetResizable(true);
+    area->setWidget(&label);
+    const int limit = static_cast<int>(screen()->availableSize().height() * kLargestShareOfScreen);
+    const int whole = label.heightForWidth(kTextWidth);
+    const int bar = whole > limit ? area->verticalScrollBar()->sizeHint().width() : 0;
+    area->setFixedSize(kTextWidth + bar, std::min(whole, limit));
+    area->setFocusPolicy(whole > limit ? Qt::StrongFocus : Qt::NoFocus);
+    return area;
+}
+
+std::size_t AlertDialog::run() {
+    show();
+    raise();
+    activateWindow();
+    const int result = exec();
+    return result == Rejected ? m_dismissedAs : static_cast<std::size_t>(result - 1);
+}
+
+} // namespace tessarel::qt
