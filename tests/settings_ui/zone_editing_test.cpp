@@ -1,0 +1,567 @@
+#include "settings_ui/zone_editing.h"
+
+#include "model/presets.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+namespace tessarel {
+namespace {
+
+using Mode = ZoneEditing::Mode;
+using Snapping = ZoneEditing::Snapping;
+
+constexpr Size kBounds{500, 400};
+
+/// A picture of 500 x 400 points: a percent is 5 points across and 4 down.
+class ZoneEditingTest : public testing::Test {
+protected:
+    ZoneEditingTest() { settings.gridStep = 0; }
+
+    void put(std::vector<Zone> zones) { settings.zones = Presets::pad(std::move(zones)); }
+    Zone& zone(std::size_t i) { return settings.zones.at(i); }
+
+    static Point at(double xPercent, double yPercent) { return {xPercent * 5, yPercent * 4}; }
+    bool press(double xPercent, double yPercent) { return editing.press(at(xPercent, yPercent), kBounds); }
+    bool drag(double xPercent, double yPercent, Snapping snapping = Snapping::On) {
+        return editing.drag(at(xPercent, yPercent), kBounds, snapping);
+    }
+    ZoneEdges edgesAt(const Point& point) { return editing.gripAt(point, kBounds).edges; }
+
+    AppSettings settings;
+    ZoneEditing editing{settings};
+};
+
+// What is taken hold of
+
+TEST_F(ZoneEditingTest, APressInAZoneSelectsItAndHoldsIt) {
+    put({Presets::z(0, 0, 30, 50), Presets::z(50, 0, 30, 50)});
+
+    EXPECT_TRUE(press(60, 20));
+
+    EXPECT_EQ(editing.selected, 1);
+    EXPECT_EQ(editing.grip(), (ZoneEditing::Grip{Mode::Move, {}, 1}));
+}
+
+TEST_F(ZoneEditingTest, APressInTheSelectedZoneHoldsItWithoutSelectingAnew) {
+    put({Presets::z(0, 0, 30, 50)});
+
+    EXPECT_FALSE(press(10, 20));
+
+    EXPECT_EQ(editing.grip().mode, Mode::Move);
+}
+
+TEST_F(ZoneEditingTest, APressOnEmptySpaceHoldsNothingAndKeepsTheSelection) {
+    put({Presets::z(0, 0, 30, 50), Presets::z(50, 0, 30, 50)});
+    editing.selected = 1;
+
+    EXPECT_FALSE(press(40, 80));
+
+    EXPECT_EQ(editing.selected, 1);
+    EXPECT_EQ(editing.grip().mode, Mode::None);
+    EXPECT_FALSE(drag(50, 90));
+    EXPECT_FALSE(editing.release());
+}
+
+TEST_F(ZoneEditingTest, OfOverlappingZonesTheSmallerOneIsHit) {
+    put({Presets::z(0, 0, 100, 100), Presets::z(20, 20, 60, 60), Presets::z(30, 30, 61, 60)});
+    editing.selected = 8;
+
+    press(50, 50);
+
+    EXPECT_EQ(editing.selected, 1);
+}
+
+TEST_F(ZoneEditingTest, OfOverlappingZonesOfOneSizeTheEarlierOneIsHit) {
+    put({Presets::z(0, 0, 100, 100), Presets::z(30, 30, 50, 40), Presets::z(20, 20, 40, 50)});
+    editing.selected = 8;
+
+    press(50, 50);
+
+    EXPECT_EQ(editing.selected, 1);
+}
+
+TEST_F(ZoneEditingTest, ADisabledZoneIsNotHit) {
+    put({Presets::z(0, 0, 100, 100), {false, 20, 20, 60, 60}});
+    editing.selected = 8;
+
+    press(50, 50);
+
+    EXPECT_EQ(editing.selected, 0);
+}
+
+TEST_F(ZoneEditingTest, AZoneHoldsItsFirstEdgesAndNotItsLast) {
+    put({Presets::z(20, 20, 40, 40)});
+    editing.selected = 8;
+
+    EXPECT_EQ(editing.gripAt(at(20, 20), kBounds).mode, Mode::Move);
+    EXPECT_EQ(editing.gripAt(at(60, 40), kBounds).mode, Mode::None);
+    EXPECT_EQ(editing.gripAt(at(40, 60), kBounds).mode, Mode::None);
+}
+
+TEST_F(ZoneEditingTest, EdgesAreGrabbedUpToEightPointsAway) {
+    put({Presets::z(20, 20, 40, 40)}); // 100 to 300 and 80 to 240 points
+
+    EXPECT_EQ(edgesAt({92, 160}), (ZoneEdges{.left = true}));
+    EXPECT_EQ(edgesAt({108, 160}), (ZoneEdges{.left = true}));
+    EXPECT_EQ(edgesAt({91.9, 160}), ZoneEdges{});
+    EXPECT_EQ(edgesAt({108.1, 160}), ZoneEdges{});
+    EXPECT_EQ(edgesAt({308, 160}), (ZoneEdges{.right = true}));
+    EXPECT_EQ(edgesAt({308.1, 160}), ZoneEdges{});
+    EXPECT_EQ(edgesAt({200, 72}), (ZoneEdges{.top = true}));
+    EXPECT_EQ(edgesAt({200, 71.9}), ZoneEdges{});
+    EXPECT_EQ(edgesAt({200, 248}), (ZoneEdges{.bottom = true}));
+    EXPECT_EQ(edgesAt({200, 248.1}), ZoneEdges{});
+}
+
+TEST_F(ZoneEditingTest, ACornerIsGrabbedByBothItsEdgesAlsoFromOutside) {
+    put({Presets::z(20, 20, 40, 40)});
+
+    EXPECT_EQ(edgesAt({92, 72}), (ZoneEdges{.left = true, .top = true}));
+    EXPECT_EQ(edgesAt({308, 72}), (ZoneEdges{.right = true, .top = true}));
+    EXPECT_EQ(edgesAt({92, 248}), (ZoneEdges{.left = true, .bottom = true}));
+    EXPECT_EQ(edgesAt({308, 248}), (ZoneEdges{.right = true, .bottom = true}));
+    EXPECT_EQ(edgesAt({92, 71.9}), ZoneEdges{}) << "beyond the band beside the zone";
+}
+
+TEST_F(ZoneEditingTest, ANarrowZoneIsGrabbedAtTheNearerSide) {
+    put({Presets::z(20, 20, 2, 40)}); // 100 to 110 points
+
+    EXPECT_EQ(edgesAt({104, 160}), (ZoneEdges{.left = true}));
+    EXPECT_EQ(edgesAt({106, 160}), (ZoneEdges{.right = true}));
+    EXPECT_EQ(edgesAt({105, 160}), (ZoneEdges{.left = true})) << "exactly midway";
+}
+
+TEST_F(ZoneEditingTest, ALowZoneIsGrabbedAtTheNearerSide) {
+    put({Presets::z(20, 20, 40, 2)}); // 80 to 88 points
+
+    EXPECT_EQ(edgesAt({200, 83}), (ZoneEdges{.top = true}));
+    EXPECT_EQ(edgesAt({200, 85}), (ZoneEdges{.bottom = true}));
+    EXPECT_EQ(edgesAt({200, 84}), (ZoneEdges{.top = true})) << "exactly midway";
+}
+
+TEST_F(ZoneEditingTest, AnEdgeOfTheSelectedZoneGoesBeforeAZoneAbove) {
+    put({Presets::z(0, 0, 50, 100), Presets::z(50, 0, 50, 100)});
+
+    EXPECT_FALSE(press(51, 40));
+
+    EXPECT_EQ(editing.selected, 0);
+    EXPECT_EQ(editing.grip(), (ZoneEditing::Grip{Mode::Resize, {.right = true}, 0}));
+}
+
+TEST_F(ZoneEditingTest, OnlyTheSelectedZoneHasEdgesToGrab) {
+    put({Presets::z(0, 0, 30, 100), Presets::z(50, 0, 50, 100)});
+
+    press(51, 40);
+
+    EXPECT_EQ(editing.selected, 1);
+    EXPECT_EQ(editing.grip().mode, Mode::Move);
+}
+
+TEST_F(ZoneEditingTest, ADisabledSelectionHasNoEdgesToGrab) {
+    put({{false, 20, 20, 40, 40}});
+
+    EXPECT_EQ(edgesAt({100, 160}), ZoneEdges{});
+    EXPECT_EQ(editing.selectedZone(), nullptr);
+}
+
+TEST_F(ZoneEditingTest, ASelectionBeyondTheListHoldsNothing) {
+    for (const int beyond : {-1, 9, 1000}) {
+        editing.selected = beyond;
+        EXPECT_EQ(editing.selectedZone(), nullptr);
+        EXPECT_EQ(edgesAt({0, 0}), ZoneEdges{});
+        EXPECT_FALSE(editing.disableSelected());
+    }
+}
+
+TEST_F(ZoneEditingTest, ADragWhoseSelectionHasGoneDoesNothing) {
+    put({Presets::z(20, 20, 40, 40)});
+    press(40, 40);
+    const AppSettings before = settings;
+    editing.selected = 9;
+
+    EXPECT_FALSE(drag(50, 50));
+
+    EXPECT_EQ(settings, before);
+    EXPECT_TRUE(editing.release()) << "what was held is let go nevertheless";
+}
+
+TEST_F(ZoneEditingTest, APictureWithoutExtentCannotBeDraggedOn) {
+    put({Presets::z(20, 20, 40, 40)});
+    press(40, 40);
+
+    EXPECT_FALSE(editing.drag({1, 1}, {0, 400}, Snapping::On));
+    EXPECT_FALSE(editing.drag({1, 1}, {500, 0}, Snapping::On));
+    EXPECT_FALSE(editing.drag({1, 1}, {-500, -400}, Snapping::On));
+    EXPECT_EQ(zone(0), Presets::z(20, 20, 40, 40));
+}
+
+TEST_F(ZoneEditingTest, AClickWithoutADragIsLetGoOnce) {
+    put({Presets::z(20, 20, 40, 40)});
+    press(40, 40);
+
+    EXPECT_TRUE(editing.release());
+    EXPECT_FALSE(editing.release());
+    EXPECT_EQ(zone(0), Presets::z(20, 20, 40, 40));
+}
+
+// Moving
+
+TEST_F(ZoneEditingTest, AMoveIsMeasuredFromTheZoneAsItWasPressed) {
+    put({Presets::z(10, 10, 30, 30)});
+    press(20, 20);
+
+    drag(60, 60, Snapping::Off);
+    drag(22.5, 17, Snapping::Off);
+
+    EXPECT_EQ(zone(0), Presets::z(12.5, 7, 30, 30));
+}
+
+TEST_F(ZoneEditingTest, AMovedZoneStopsAtEveryBorder) {
+    put({Presets::z(10, 10, 30, 40)});
+    press(20, 20);
+
+    drag(150, 20, Snapping::Off);
+    EXPECT_EQ(zone(0), Presets::z(70, 10, 30, 40));
+    drag(-150, 20, Snapping::Off);
+    EXPECT_EQ(zone(0), Presets::z(0, 10, 30, 40));
+    drag(20, 150, Snapping::Off);
+    EXPECT_EQ(zone(0), Presets::z(10, 60, 30, 40));
+    drag(20, -150, Snapping::Off);
+    EXPECT_EQ(zone(0), Presets::z(10, 0, 30, 40));
+}
+
+TEST_F(ZoneEditingTest, AZoneLargerThanTheScreenEndsWhereTheScreenEnds) {
+    put({Presets::z(0, 0, 120, 130)});
+    press(50, 50);
+
+    drag(60, 60);
+
+    EXPECT_EQ(zone(0), Presets::z(-20, -30, 120, 130));
+}
+
+TEST_F(ZoneEditingTest, AMovedZoneSnapsByTheEdgeThatIsNearer) {
+    put({Presets::z(10, 10, 31, 31)});
+    settings.gridStep = 10;
+    press(20, 20);
+
+    drag(33.5, 20); // from 23.5 to 54.5: 1.5 to the guide at 25, 4.5 to the grid at 50
+    EXPECT_EQ(zone(0).x, 25);
+
+    drag(28.5, 20); // from 18.5 to 49.5: 1.5 to the grid at 20, 0.5 to the guide at 50
+    EXPECT_EQ(zone(0).x, 50 - 31);
+    EXPECT_EQ(zone(0).w, 31);
+}
+
+TEST_F(ZoneEditingTest, WithoutAGridAnEdgeThatNothingAttractsIsTheNearest) {
+    put({Presets::z(10, 10, 31, 31)});
+    press(20, 20);
+
+    drag(33.5, 20);
+    EXPECT_EQ(zone(0).x, 23.5) << "the right edge is where it wants to be";
+
+    put({Presets::z(10, 10, 25, 31)});
+    press(20, 20);
+    drag(33.5, 20);
+    EXPECT_EQ(zone(0).x, 25) << "both edges are attracted";
+}
+
+TEST_F(ZoneEditingTest, ATieBetweenTheEdgesGoesToTheLeftAndTheTop) {
+    put({Presets::z(10, 10, 26, 26)}); // from 24.5 to 50.5: half a percent to each of two guides
+    press(20, 20);
+
+    drag(34.5, 34.5);
+
+    EXPECT_EQ(zone(0), Presets::z(25, 25, 26, 26));
+}
+
+TEST_F(ZoneEditingTest, AMovedZoneSnapsToItsNeighbours) {
+    put({Presets::z(10, 10, 10, 10), Presets::z(42, 0, 12, 61)});
+    settings.gridStep = 10;
+    press(15, 15);
+
+    drag(60, 67); // to 55 and 62
+
+    EXPECT_EQ(zone(0), Presets::z(54, 61, 10, 10));
+}
+
+TEST_F(ZoneEditingTest, ADisabledNeighbourDoesNotAttract) {
+    put({Presets::z(10, 10, 10, 10), {false, 42, 0, 12, 61}});
+    settings.gridStep = 10;
+    press(15, 15);
+
+    drag(60, 67);
+
+    EXPECT_EQ(zone(0), Presets::z(60, 60, 10, 10));
+}
+
+TEST_F(ZoneEditingTest, AZoneDoesNotAttractItself) {
+    put({Presets::z(10, 10, 10, 10)});
+    press(15, 15);
+
+    drag(16, 16);
+
+    EXPECT_EQ(zone(0), Presets::z(11, 11, 10, 10));
+}
+
+// Resizing
+
+TEST_F(ZoneEditingTest, EveryEdgeFollowsThePointer) {
+    put({Presets::z(20, 20, 40, 40)});
+    struct Case {
+        Point from;
+        Zone expected;
+    };
+    for (const auto& [from, expected] :
+         {Case{at(20, 40), Presets::z(17, 20, 43, 40)}, Case{at(60, 40), Presets::z(20, 20, 37, 40)},
+          Case{at(40, 20), Presets::z(20, 17, 40, 43)}, Case{at(40, 60), Presets::z(20, 20, 40, 37)},
+          Case{at(20, 20), Presets::z(17, 17, 43, 43)}, Case{at(60, 60), Presets::z(20, 20, 37, 37)},
+          Case{at(60, 20), Presets::z(20, 17, 37, 43)}, Case{at(20, 60), Presets::z(17, 20, 43, 37)}}) {
+        put({Presets::z(20, 20, 40, 40)});
+        editing.press(from, kBounds);
+        editing.drag({from.x - 15, from.y - 12}, kBounds, Snapping::Off);
+        EXPECT_EQ(zone(0), expected) << from.x << ' ' << from.y;
+    }
+}
+
+TEST_F(ZoneEditingTest, ALeftOrTopEdgePulledPastItsOppositeLeavesTwoPercentThere) {
+    put({Presets::z(20, 20, 40, 40)});
+    press(20, 20);
+
+    drag(90, 90);
+
+    EXPECT_EQ(zone(0), Presets::z(58, 58, 2, 2)) << "ends at the edges that it started with";
+}
+
+TEST_F(ZoneEditingTest, ARightOrBottomEdgePulledPastItsOppositeTakesItAlong) {
+    put({Presets::z(20, 20, 40, 40)});
+    press(60, 60);
+
+    drag(5, 10);
+    EXPECT_EQ(zone(0), Presets::z(3, 8, 2, 2));
+
+    drag(-50, -50);
+    EXPECT_EQ(zone(0), Presets::z(-52, -52, 2, 2)) << "wherever it goes";
+}
+
+TEST_F(ZoneEditingTest, AResizedZoneStaysOnTheScreen) {
+    put({Presets::z(20, 20, 40, 40)});
+    press(20, 20);
+    drag(-50, -50);
+    EXPECT_EQ(zone(0), Presets::z(0, 0, 60, 60));
+
+    put({Presets::z(20, 20, 40, 40)});
+    press(60, 60);
+    drag(150, 150);
+    EXPECT_EQ(zone(0), Presets::z(20, 20, 80, 80));
+}
+
+TEST_F(ZoneEditingTest, EdgesThatStayTakePartInTheLimits) {
+    put({Presets::z(-20, 20, 60, 40)});
+    press(40, 40);
+
+    drag(45, 40, Snapping::Off);
+
+    EXPECT_EQ(zone(0), Presets::z(0, 20, 45, 40)) << "the left edge comes onto the screen";
+}
+
+TEST_F(ZoneEditingTest, AResizeKeepsItsCornerWhateverThePointerComesNear) {
+    put({Presets::z(20, 20, 40, 40)});
+    press(20, 40);
+
+    drag(58, 40, Snapping::Off);
+    drag(30, 40, Snapping::Off);
+
+    EXPECT_EQ(zone(0), Presets::z(30, 20, 30, 40));
+}
+
+// Snapping and rounding, of the left edge of a zone that ends at 90
+
+class EdgeSnapTest : public ZoneEditingTest {
+protected:
+    EdgeSnapTest() {
+        put({Presets::z(60, 10, 30, 30)});
+        press(60, 25);
+    }
+
+    double leftEdgeAt(double percent, Snapping snapping = Snapping::On) {
+        drag(percent, 25, snapping);
+        return zone(0).x;
+    }
+};
+
+TEST_F(EdgeSnapTest, TheGridRoundsHalvesAwayFromZero) {
+    settings.gridStep = 5;
+
+    EXPECT_EQ(leftEdgeAt(12.5), 15);
+    EXPECT_EQ(leftEdgeAt(12.4), 10);
+}
+
+TEST_F(EdgeSnapTest, WithoutAGridTheValueIsKept) {
+    for (const double step : {0.0, -5.0}) {
+        settings.gridStep = step;
+        EXPECT_EQ(leftEdgeAt(12.5), 12.5);
+    }
+}
+
+TEST_F(EdgeSnapTest, AGuideAttractsFromLessThanItsReach) {
+    settings.gridStep = 1;
+
+    EXPECT_EQ(leftEdgeAt(24), 25);
+    EXPECT_EQ(leftEdgeAt(26.4), 25);
+    EXPECT_EQ(leftEdgeAt(26.6), 27) << "1.6 is not below 1.6";
+    EXPECT_EQ(leftEdgeAt(23.25), 23);
+}
+
+TEST_F(EdgeSnapTest, EveryGuideAttracts) {
+    EXPECT_EQ(leftEdgeAt(1), 0);
+    EXPECT_EQ(leftEdgeAt(32), 33.33);
+    EXPECT_EQ(leftEdgeAt(51), 50);
+    EXPECT_EQ(leftEdgeAt(66), 66.67);
+    EXPECT_EQ(leftEdgeAt(76), 75);
+}
+
+TEST_F(EdgeSnapTest, TheLastGuideIsTheEndOfTheScreen) {
+    put({Presets::z(60, 10, 30, 30)});
+    press(90, 25);
+
+    drag(99, 25);
+
+    EXPECT_EQ(zone(0), Presets::z(60, 10, 40, 30));
+}
+
+TEST_F(EdgeSnapTest, AGuideGoesBeforeAnEdgeThatIsAsNear) {
+    zone(1) = Presets::z(52, 50, 20, 20);
+
+    EXPECT_EQ(leftEdgeAt(51), 50);
+    EXPECT_EQ(leftEdgeAt(51.5), 52);
+}
+
+TEST_F(EdgeSnapTest, AnEarlierZoneGoesBeforeALaterOneThatIsAsNear) {
+    zone(1) = Presets::z(12, 50, 20, 20);
+    zone(2) = Presets::z(10, 50, 20, 20);
+
+    EXPECT_EQ(leftEdgeAt(11), 12);
+}
+
+TEST_F(EdgeSnapTest, TheNearestAttractsAndNotTheFirst) {
+    zone(1) = Presets::z(12, 50, 20, 20);
+    zone(2) = Presets::z(10.5, 50, 20, 20);
+
+    EXPECT_EQ(leftEdgeAt(11), 10.5);
+}
+
+TEST_F(EdgeSnapTest, ThirdsSnapExactlyAndAreKeptToTwoDecimals) {
+    EXPECT_EQ(leftEdgeAt(33), 33.33);
+    EXPECT_EQ(zone(0).w, 56.67) << "90 less the exact third, rounded by itself";
+}
+
+TEST_F(EdgeSnapTest, WithoutSnappingTheValueIsStillLimitedAndRounded) {
+    settings.gridStep = 5;
+
+    EXPECT_EQ(leftEdgeAt(24.876, Snapping::Off), 24.88);
+    EXPECT_EQ(leftEdgeAt(-3, Snapping::Off), 0);
+    EXPECT_EQ(leftEdgeAt(95, Snapping::Off), 88);
+}
+
+TEST_F(EdgeSnapTest, SnappingCanBeSwitchedOffAndOnWithinOneDrag) {
+    EXPECT_EQ(leftEdgeAt(24, Snapping::Off), 24);
+    EXPECT_EQ(leftEdgeAt(24, Snapping::On), 25);
+}
+
+TEST_F(ZoneEditingTest, HalvesOfAHundredthAreRoundedAwayFromZero) {
+    put({Presets::z(0, 0, 120, 30)});
+    zone(0).w = 100.125; // ends on the screen at x = -0.125
+    press(50, 15);
+
+    drag(60, 15);
+
+    EXPECT_EQ(zone(0).x, -0.13);
+    EXPECT_EQ(zone(0).w, 100.13);
+}
+
+TEST_F(ZoneEditingTest, ADragKeepsWhetherTheZoneIsEnabled) {
+    put({Presets::z(20, 20, 40, 40)});
+    press(40, 40);
+    zone(0).enabled = false; // from elsewhere, meanwhile
+
+    drag(42, 40);
+
+    EXPECT_TRUE(zone(0).enabled) << "as it was when it was pressed";
+}
+
+// Delete
+
+TEST_F(ZoneEditingTest, DeleteDisablesTheZoneInItsPlace) {
+    put({Presets::z(0, 0, 30, 50), Presets::z(50, 0, 30, 50)});
+    editing.selected = 1;
+
+    EXPECT_TRUE(editing.disableSelected());
+
+    EXPECT_EQ(zone(1), (Zone{false, 50, 0, 30, 50}));
+    EXPECT_EQ(settings.zones.size(), kZoneSlots);
+    EXPECT_EQ(editing.selected, 1);
+}
+
+TEST_F(ZoneEditingTest, DeleteOfADisabledZoneIsAnEditToo) {
+    put({});
+
+    EXPECT_TRUE(editing.disableSelected());
+}
+
+// Settings from a document that somebody has spoilt
+
+TEST_F(ZoneEditingTest, AbsurdNumbersAreNeitherSpreadNorStumbledOver) {
+    constexpr double kHuge = std::numeric_limits<double>::max();
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    const double absurd[] = {kHuge, -kHuge, kInfinity, -kInfinity, std::nan(""), 1e300, -1e17, 5e-324, -0.0};
+    for (const double one : absurd) {
+        for (const double other : absurd) {
+            put({{true, one, 20, other, 40}, {true, 20, one, 40, other}, Presets::z(20, 20, 40, 40)});
+            settings.gridStep = other;
+            editing.selected = 2;
+            press(60, 40);
+            drag(70, 40);
+            EXPECT_TRUE(std::isfinite(zone(2).x) && std::isfinite(zone(2).w)) << one << ' ' << other;
+            for (editing.selected = 0; editing.selected < 2; ++editing.selected) {
+                press(40, 40);
+                drag(70, 70);
+                editing.release();
+            }
+        }
+    }
+}
+
+TEST_F(ZoneEditingTest, AnEditThatEndsBeyondAllNumbersIsNotMade) {
+    const Zone huge{true, 0, 0, std::numeric_limits<double>::max(), std::numeric_limits<double>::max()};
+    put({huge});
+    press(50, 50);
+
+    drag(60, 60);
+
+    EXPECT_TRUE(std::isfinite(zone(0).x));
+    EXPECT_EQ(zone(0).w, huge.w) << "too large to have decimals";
+}
+
+TEST_F(ZoneEditingTest, AGridTooFineToReckonWithIsNone) {
+    put({Presets::z(60, 10, 30, 30)});
+    settings.gridStep = 5e-324;
+    press(60, 25);
+
+    drag(12.5, 25);
+
+    EXPECT_EQ(zone(0).x, 12.5);
+}
+
+TEST_F(ZoneEditingTest, AnEmptyListHasNothingToEdit) {
+    settings.zones.clear();
+
+    EXPECT_FALSE(press(50, 50));
+    EXPECT_FALSE(drag(60, 60));
+    EXPECT_FALSE(editing.disableSelected());
+}
+
+} // namespace
+} // namespace tessarel
