@@ -1,6 +1,7 @@
 #include "platform/qt/qt_url_loading_module.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QLatin1String>
 #include <QLibrary>
 #include <QObject>
@@ -27,20 +28,9 @@ private:
     QObject m_receiver;
 };
 
-/// Null when there is no module. It is not unloaded again: its objects may be anywhere.
-std::unique_ptr<UrlLoadingPort> loadModule() {
-    using Make = UrlLoadingPort*();
-    const QString program = QCoreApplication::applicationDirPath();
-    for (const QString& folder : {program, program + QLatin1String("/../lib/tessarel")}) {
-        const auto make =
-            QLibrary::resolve(folder + QLatin1String("/tessarel_url_loading"), "tessarelMakeUrlLoading");
-        if (make)
-            return std::unique_ptr<UrlLoadingPort>(reinterpret_cast<Make*>(make)());
-    }
-    return nullptr;
-}
-
 } // namespace
+
+QtUrlLoadingModule::QtUrlLoadingModule(std::vector<std::string> folders) : m_folders(std::move(folders)) {}
 
 SubscriptionPtr QtUrlLoadingModule::load(const UrlRequest& request, Done done) {
     if (!m_module)
@@ -48,6 +38,19 @@ SubscriptionPtr QtUrlLoadingModule::load(const UrlRequest& request, Done done) {
     if (!m_module)
         return std::make_unique<NoLoad>(std::move(done));
     return m_module->load(request, std::move(done));
+}
+
+/// Null when there is no module. It is not unloaded again: its objects may be anywhere.
+std::unique_ptr<UrlLoadingPort> QtUrlLoadingModule::loadModule() const {
+    using Make = UrlLoadingPort*();
+    const QDir program(QCoreApplication::applicationDirPath());
+    for (const std::string& folder : m_folders) {
+        const QString module =
+            program.filePath(QString::fromStdString(folder) + QLatin1String("/tessarel_url_loading"));
+        if (const auto make = QLibrary::resolve(module, "tessarelMakeUrlLoading"))
+            return std::unique_ptr<UrlLoadingPort>(reinterpret_cast<Make*>(make)());
+    }
+    return nullptr;
 }
 
 } // namespace tessarel::qt

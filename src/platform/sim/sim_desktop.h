@@ -142,7 +142,7 @@ private:
     SimPreferences m_preferences{m_preferencesStorage};
     SimStatusItem m_statusItem;
     SimTrust m_trust;
-    SimUrlLoading m_urlLoading;
+    SimUrlLoading m_urlLoading{m_state.clock};
     SimWallClock m_wallClock{m_state.clock};
     SimWindowList m_windowList{m_state};
     SimWorkspace m_workspace{m_state};

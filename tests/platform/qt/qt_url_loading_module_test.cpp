@@ -29,5 +29,21 @@ TEST_F(WebTest, TheModuleIsEnteredByTheFirstRequestAndAnswers) {
     EXPECT_EQ(answer, (UrlResponse{200, "x"}));
 }
 
+TEST_F(WebTest, WithoutTheModuleNoRequestIsAnswered) {
+    QtUrlLoadingModule loading({"no/such/folder"});
+    int answers = 0;
+    std::optional<UrlResponse> answer;
+
+    const auto load =
+        loading.load({.url = "https://127.0.0.1/", .userAgent = "Test/1.0"}, [&](const auto& response) {
+            ++answers;
+            answer = response;
+        });
+    EXPECT_EQ(answers, 0) << "not before the call has returned";
+
+    EXPECT_TRUE(loopUntil([&] { return answers == 1; }));
+    EXPECT_EQ(answer, std::nullopt);
+}
+
 } // namespace
 } // namespace tessarel::qt
