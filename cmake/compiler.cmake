@@ -20,6 +20,10 @@ if(TESSAREL_SANITIZE)
     add_link_options(-fsanitize=address,undefined)
 endif()
 
+if(TESSAREL_FUZZ)
+    add_compile_options(-fsanitize=fuzzer-no-link)
+endif()
+
 # One library per folder of src/, linked only to what its sources may include:
 #   tessarel_library(<name> SOURCES <files...> [SEES <targets...>] [USES <targets...>])
 # SEES is part of its interface (its headers include theirs); USES stays inside its sources.

@@ -1,5 +1,5 @@
 #include "app/update_feed.h"
-#include "app/updater.h"
+#include "update_check_properties.h"
 
 #include <gtest/gtest.h>
 
@@ -50,9 +50,8 @@ TEST(UpdateFeedMutationTest, ASpoiltFeedIsReadAgainTheSameOrNotAtAll) {
     for (int round = 0; round < kRounds; ++round) {
         const std::string document = mutator.mutated(
             R"({"version": "1.10.2", "notes": "a\u00e4\n", "url": "https://a.example/", "x": [1e3, {}]})");
-        const auto feed = decodeUpdateFeed(document);
-        ASSERT_EQ(feed, decodeUpdateFeed(document)) << document;
-        feeds += feed ? 1 : 0;
+        ASSERT_TRUE(fuzz::isReadTheSameAgain(document)) << document;
+        feeds += decodeUpdateFeed(document) ? 1 : 0;
     }
     EXPECT_GT(feeds, 0);
     EXPECT_LT(feeds, kRounds);
@@ -64,11 +63,7 @@ TEST(UpdateFeedMutationTest, VersionsAreInAnOrderHoweverSpoiltTheyAre) {
         const std::string a = mutator.mutated("1.10.2");
         const std::string b = mutator.mutated("1.10.2");
         const std::string c = mutator.mutated("1.9.-3");
-        ASSERT_FALSE(Updater::isNewer(a, a)) << a;
-        ASSERT_FALSE(Updater::isNewer(a, b) && Updater::isNewer(b, a)) << a << " " << b;
-        if (Updater::isNewer(a, b) && Updater::isNewer(b, c)) {
-            ASSERT_TRUE(Updater::isNewer(a, c)) << a << " " << b << " " << c;
-        }
+        ASSERT_TRUE(fuzz::areInAnOrder(a, b, c)) << a << " " << b << " " << c;
     }
 }
 
