@@ -43,6 +43,10 @@ public:
     /// Every application that runs, in no particular order. This program may be among them.
     [[nodiscard]] virtual std::vector<RunningApplication> runningApplications() = 0;
 
+    /// What the user sees as the name of the installed application called `bundleIdentifier`; none when none
+    /// is installed.
+    [[nodiscard]] virtual std::optional<std::string> displayName(const std::string& bundleIdentifier) = 0;
+
     /// Calls `handler` with the application that each `event` is about, on the main thread, until the answer
     /// ends. An application that has terminated is told as it was last known; its process id may be another
     /// one's by then.

@@ -66,6 +66,8 @@ public:
     /// One more copy of the program on this desktop.
     [[nodiscard]] virtual std::unique_ptr<SingleInstancePort> makeCopy() = 0;
 
+    /// Installs an application that goes by `displayName`.
+    virtual void installApplication(const std::string& bundleIdentifier, const std::string& displayName) = 0;
     /// A program whose windows carry `bundleIdentifier`, or nothing to know it by. It counts as running once
     /// it has a window.
     virtual AppHandle launchApplication(const std::optional<std::string>& bundleIdentifier) = 0;

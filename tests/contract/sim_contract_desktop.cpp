@@ -33,6 +33,9 @@ public:
         return std::make_unique<sim::SimSingleInstance>(m_desktop.makeCopy());
     }
 
+    void installApplication(const std::string& bundleIdentifier, const std::string& displayName) override {
+        m_desktop.install(bundleIdentifier, displayName);
+    }
     AppHandle launchApplication(const std::optional<std::string>& bundleIdentifier) override {
         return {m_desktop.launch({.bundleIdentifier = bundleIdentifier})};
     }

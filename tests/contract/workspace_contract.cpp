@@ -53,6 +53,20 @@ TEST_F(WorkspaceContract, AProcessThatNeverWasIsNotRunning) {
     EXPECT_FALSE(desktop->workspace().runningApplication(-1));
 }
 
+TEST_F(WorkspaceContract, AnInstalledApplicationHasAName) {
+    desktop->installApplication("org.example.editor", "Editor");
+    desktop->installApplication("org.example.mail", "Letters & More");
+
+    EXPECT_EQ(desktop->workspace().displayName("org.example.editor"), "Editor");
+    EXPECT_EQ(desktop->workspace().displayName("org.example.mail"), "Letters & More");
+}
+
+TEST_F(WorkspaceContract, AnApplicationThatOnlyRunsHasNoName) {
+    (void)desktop->openWindow(desktop->launchApplication("org.example.editor"), {});
+
+    EXPECT_EQ(desktop->workspace().displayName("org.example.editor"), std::nullopt);
+}
+
 TEST_F(WorkspaceContract, TheProgramKnowsItself) {
     const auto editor = desktop->launchApplication("org.example.editor");
     (void)desktop->openWindow(editor, {});

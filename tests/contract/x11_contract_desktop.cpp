@@ -197,6 +197,10 @@ public:
         return std::make_unique<x11::X11SingleInstance>(m_copies.back()->connection());
     }
 
+    void installApplication(const std::string& bundleIdentifier, const std::string& displayName) override {
+        std::ofstream(m_entries.path() / (bundleIdentifier + ".desktop"))
+            << "[Desktop Entry]\nType=Application\nName=" << displayName << '\n';
+    }
     AppHandle launchApplication(const std::optional<std::string>& bundleIdentifier) override {
         m_applications.push_back({std::make_unique<TestClient>(m_stage.server), bundleIdentifier, {}});
         return {static_cast<int>(m_applications.size()) - 1};
@@ -275,6 +279,7 @@ private:
     Stage& m_stage = Stage::shared();
     Observer& m_observer = m_stage.observer;
     x11test::TemporaryFolder m_folder;
+    x11test::TemporaryFolder m_entries; // of installed applications
     Line m_line{m_stage.server.display()};
     std::vector<std::unique_ptr<Line>> m_copies;
     std::vector<Application> m_applications;
@@ -286,7 +291,7 @@ private:
     x11::Monitors m_monitors{m_line.connection()};
     x11::ClientWindows m_windows{m_line.connection()};
     x11::X11Displays m_displays{m_line.connection(), m_monitors, m_windows};
-    x11::Applications m_applicationsSeen{m_windows};
+    x11::Applications m_applicationsSeen{m_windows, {m_entries.path()}};
     x11::ApplicationWatch m_watch{m_line.connection(), m_windows, m_applicationsSeen};
     x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows, m_watch};
     x11::X11Workspace m_workspace{m_applicationsSeen, m_watch};

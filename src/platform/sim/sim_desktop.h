@@ -54,6 +54,10 @@ public:
     void setMainScreen(const Screen& screen) { m_state.mainScreen = screen; }
 
     // Programs.
+    /// The application is installed and goes by `displayName`; it need not run.
+    void install(const std::string& bundleIdentifier, const std::string& displayName) {
+        m_state.installed[bundleIdentifier] = displayName;
+    }
     ProcessId launch(const SimApplication& application);
     /// The system gives the new process the number of one that has ended.
     void launchAs(ProcessId pid, const SimApplication& application) {

@@ -27,7 +27,8 @@ struct SimState {
     std::map<ProcessId, SimApplication> applications;
     std::vector<SimWindow> windows; ///< front to back
     std::optional<ProcessId> frontmost;
-    std::vector<std::string> requests; ///< reads and writes of attributes, in order
+    std::map<std::string, std::string> installed; ///< names of applications, by bundle identifier
+    std::vector<std::string> requests;            ///< reads and writes of attributes, in order
     SimObservers<ApplicationEvent, RunningApplication> applicationObservers;
     SimObservers<ProcessId, Element> windowObservers; ///< by the process that opens the window
 

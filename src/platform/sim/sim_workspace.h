@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -26,6 +27,10 @@ public:
         for (const auto& [pid, application] : m_state.applications)
             all.push_back({pid, application.bundleIdentifier, application.isRegular});
         return all;
+    }
+    [[nodiscard]] std::optional<std::string> displayName(const std::string& bundleIdentifier) override {
+        const auto found = m_state.installed.find(bundleIdentifier);
+        return found == m_state.installed.end() ? std::nullopt : std::optional(found->second);
     }
     [[nodiscard]] SubscriptionPtr
     addObserver(ApplicationEvent event, std::function<void(const RunningApplication&)> handler) override {

@@ -36,6 +36,10 @@ std::vector<RunningApplication> Applications::all() {
     return applications;
 }
 
+std::optional<std::string> Applications::displayName(const std::string& identifier) {
+    return m_entries.displayName(identifier);
+}
+
 RunningApplication Applications::ofWindows(ProcessId pid, const std::vector<xcb_window_t>& windows) {
     const bool isRegular = std::any_of(windows.begin(), windows.end(),
                                        [this](xcb_window_t window) { return isForWork(window); });

@@ -27,6 +27,8 @@ public:
     /// The application of process `pid`, called as its front-most window says.
     [[nodiscard]] std::optional<RunningApplication> ofProcess(ProcessId pid);
     [[nodiscard]] std::vector<RunningApplication> all();
+    /// The name of the installed application called `identifier`, in the user's language.
+    [[nodiscard]] std::optional<std::string> displayName(const std::string& identifier);
 
     /// The application of process `pid` whose windows, front to back, are `windows`; there is at least one.
     [[nodiscard]] RunningApplication ofWindows(ProcessId pid, const std::vector<xcb_window_t>& windows);

@@ -43,6 +43,15 @@ std::string identifierOf(const fs::path& file, const fs::path& folder) {
     return identifier;
 }
 
+/// None unless it is a file of a sensible size.
+std::optional<std::string> contentOf(const fs::path& file) {
+    std::error_code failure;
+    if (!fs::is_regular_file(file, failure) || fs::file_size(file, failure) > kLargestEntry)
+        return std::nullopt;
+    std::ifstream stream(file, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(stream), {});
+}
+
 std::string valueOf(const char* variable, const std::string& otherwise) {
     const char* const value = std::getenv(variable);
     return value && *value ? value : otherwise;
@@ -50,7 +59,8 @@ std::string valueOf(const char* variable, const std::string& otherwise) {
 
 } // namespace
 
-DesktopEntries::DesktopEntries(std::vector<fs::path> folders) : m_folders(std::move(folders)) {}
+DesktopEntries::DesktopEntries(std::vector<fs::path> folders, std::vector<std::string> languages)
+    : m_folders(std::move(folders)), m_languages(std::move(languages)) {}
 
 std::vector<fs::path> DesktopEntries::installed() {
     const std::string home = valueOf("HOME", "/");
@@ -65,14 +75,27 @@ std::vector<fs::path> DesktopEntries::installed() {
 }
 
 std::optional<std::string> DesktopEntries::identifier(std::string_view windowClass) {
-    if (m_changed.empty() || !isCurrent())
-        read();
+    bringUpToDate();
     const std::string wanted = lowered(windowClass);
     for (const Identifiers* identifiers : {&m_byClass, &m_byName}) {
         if (const auto found = identifiers->find(wanted); found != identifiers->end())
             return found->second;
     }
     return std::nullopt;
+}
+
+std::optional<std::string> DesktopEntries::displayName(const std::string& identifier) {
+    bringUpToDate();
+    const auto file = m_files.find(identifier);
+    const auto content = file == m_files.end() ? std::nullopt : contentOf(file->second);
+    if (!content || !desktop_entry::isShown(*content))
+        return std::nullopt;
+    return desktop_entry::name(*content, m_languages);
+}
+
+void DesktopEntries::bringUpToDate() {
+    if (m_changed.empty() || !isCurrent())
+        read();
 }
 
 bool DesktopEntries::isCurrent() const {
@@ -82,7 +105,7 @@ bool DesktopEntries::isCurrent() const {
 
 void DesktopEntries::read() {
     m_changed.clear();
-    m_seen.clear();
+    m_files.clear();
     m_byClass.clear();
     m_byName.clear();
     for (const fs::path& folder : m_folders)
@@ -103,16 +126,14 @@ void DesktopEntries::readFolder(const fs::path& folder) {
 }
 
 void DesktopEntries::readEntry(const fs::path& file, const std::string& identifier) {
-    std::error_code failure;
-    const bool isNew = m_seen.insert(identifier).second; // else a more important one stands for it
-    if (!isNew || !fs::is_regular_file(file, failure) || fs::file_size(file, failure) > kLargestEntry)
+    const bool isNew = m_files.try_emplace(identifier, file).second;
+    if (!isNew) // a more important one stands for it
         return;
-    std::ifstream stream(file, std::ios::binary);
-    const std::string content(std::istreambuf_iterator<char>(stream), {});
-    if (!desktop_entry::isShown(content))
+    const auto content = contentOf(file);
+    if (!content || !desktop_entry::isShown(*content))
         return;
     m_byName.try_emplace(lowered(identifier), identifier);
-    if (const std::string windowClass = desktop_entry::windowClass(content); !windowClass.empty())
+    if (const std::string windowClass = desktop_entry::windowClass(*content); !windowClass.empty())
         m_byClass.try_emplace(lowered(windowClass), identifier);
 }
 

@@ -1,24 +1,27 @@
 #pragma once
 
+#include "platform/x11/user_languages.h"
+
 #include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 namespace tessarel::x11 {
 
-/// The applications that are installed, by the class that their windows carry.
+/// The applications that are installed: by the class that their windows carry, and by name.
 ///
 /// They are looked through when first asked for, and again when one is asked for after a folder has changed.
 /// Entries that cannot be read, or are larger than any real one, are passed over.
 class DesktopEntries {
 public:
-    /// Folders of entries, the most important first; they need not exist.
-    explicit DesktopEntries(std::vector<std::filesystem::path> folders);
+    /// Folders of entries, the most important first; they need not exist. Names are told in the first of
+    /// `languages` that an entry speaks.
+    explicit DesktopEntries(std::vector<std::filesystem::path> folders,
+                            std::vector<std::string> languages = userLanguages());
 
     /// Those of the user and of the system, as the environment tells.
     [[nodiscard]] static std::vector<std::filesystem::path> installed();
@@ -28,18 +31,24 @@ public:
     /// whatever their case.
     [[nodiscard]] std::optional<std::string> identifier(std::string_view windowClass);
 
+    /// What the application with this identifier is called; none when it is not installed.
+    [[nodiscard]] std::optional<std::string> displayName(const std::string& identifier);
+
 private:
     using Time = std::filesystem::file_time_type;
     using Identifiers = std::unordered_map<std::string, std::string>;
 
+    void bringUpToDate();
     [[nodiscard]] bool isCurrent() const;
     void read();
     void readFolder(const std::filesystem::path& folder);
     void readEntry(const std::filesystem::path& file, const std::string& identifier);
 
     std::vector<std::filesystem::path> m_folders;
+    std::vector<std::string> m_languages;
     std::map<std::filesystem::path, std::optional<Time>> m_changed; ///< of every folder looked through
-    std::unordered_set<std::string> m_seen;                         ///< identifiers, in any folder
+    /// The entry that stands for each identifier, whether it is of use or not.
+    std::unordered_map<std::string, std::filesystem::path> m_files;
     Identifiers m_byClass;
     Identifiers m_byName;
 };

@@ -1,6 +1,7 @@
 #include "platform/x11/desktop_entry.h"
 
-#include <optional>
+#include "platform/x11/property.h"
+
 #include <utility>
 
 namespace tessarel::x11::desktop_entry {
@@ -63,6 +64,22 @@ std::string escaped(std::string_view text) {
     return result;
 }
 
+/// The text that an escaped value stands for, on one line: all that is blank in it is a space.
+std::string oneLine(std::string_view value) {
+    constexpr std::string_view kEscapedBlanks = "sntr";
+    std::string result;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        const bool isEscape = value[i] == '\\' && i + 1 < value.size();
+        if (!isEscape)
+            result += value[i];
+        else if (const char escaped = value[++i]; kEscapedBlanks.find(escaped) != std::string_view::npos)
+            result += ' ';
+        else
+            result += escaped;
+    }
+    return result;
+}
+
 std::string entry(std::string_view name, std::string_view rest) {
     std::string content(kGroup);
     content += "\nType=Application\nName=";
@@ -95,6 +112,16 @@ std::string autostart(std::string_view name, std::string_view path) {
 
 std::string hidden(std::string_view name) {
     return entry(name, "Hidden=true\n");
+}
+
+std::optional<std::string> name(std::string_view content, const std::vector<std::string>& languages) {
+    std::optional<std::string_view> name;
+    for (auto language = languages.begin(); language != languages.end() && !name; ++language)
+        name = value(content, "Name[" + *language + "]");
+    if (!name)
+        name = value(content, "Name");
+    const std::string text = toUtf8(oneLine(name.value_or("")));
+    return text.empty() ? std::nullopt : std::optional(text);
 }
 
 std::string windowClass(std::string_view content) {

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tessarel::x11::desktop_entry {
 
@@ -13,6 +15,11 @@ namespace tessarel::x11::desktop_entry {
 
 /// An entry that hides every less important one of its file name.
 [[nodiscard]] std::string hidden(std::string_view name);
+
+/// What the entry's program is called in the first of `languages` that the entry speaks, else as it is called
+/// everywhere; none when it says neither.
+[[nodiscard]] std::optional<std::string> name(std::string_view content,
+                                              const std::vector<std::string>& languages);
 
 /// The class that the windows of the entry's program carry, as far as it says.
 [[nodiscard]] std::string windowClass(std::string_view content);

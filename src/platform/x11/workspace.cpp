@@ -20,6 +20,10 @@ std::vector<RunningApplication> X11Workspace::runningApplications() {
     return m_applications.all();
 }
 
+std::optional<std::string> X11Workspace::displayName(const std::string& bundleIdentifier) {
+    return m_applications.displayName(bundleIdentifier);
+}
+
 SubscriptionPtr X11Workspace::addObserver(ApplicationEvent event,
                                           std::function<void(const RunningApplication&)> handler) {
     return m_watch.onApplication(event, std::move(handler));

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace tessarel::x11 {
@@ -19,6 +20,8 @@ public:
     [[nodiscard]] std::optional<RunningApplication> frontmostApplication() override;
     [[nodiscard]] std::optional<RunningApplication> runningApplication(ProcessId pid) override;
     [[nodiscard]] std::vector<RunningApplication> runningApplications() override;
+    /// The name that its desktop entry gives it in the user's language.
+    [[nodiscard]] std::optional<std::string> displayName(const std::string& bundleIdentifier) override;
     [[nodiscard]] SubscriptionPtr
     addObserver(ApplicationEvent event, std::function<void(const RunningApplication&)> handler) override;
     [[nodiscard]] ProcessId ownProcessIdentifier() override;

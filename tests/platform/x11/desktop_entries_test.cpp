@@ -30,7 +30,7 @@ protected:
     ScratchFolder scratch;
     fs::path users = scratch.path() / "users";
     fs::path systems = scratch.path() / "systems";
-    DesktopEntries entries{{users, systems}};
+    DesktopEntries entries{{users, systems}, {"de_AT", "de"}};
 };
 
 TEST_F(DesktopEntriesTest, WithoutFoldersThereAreNone) {
@@ -101,6 +101,44 @@ TEST_F(DesktopEntriesTest, WhatIsNoRealEntryIsPassedOver) {
     EXPECT_EQ(entries.identifier("good"), "good");
     EXPECT_EQ(entries.identifier("Large"), std::nullopt);
     EXPECT_EQ(entries.identifier("pipe"), std::nullopt);
+}
+
+TEST_F(DesktopEntriesTest, WhatIsInstalledHasAName) {
+    write(systems / "kde" / "editor.desktop", "");
+
+    EXPECT_EQ(entries.displayName("kde-editor"), "Program");
+    EXPECT_EQ(entries.displayName("editor"), std::nullopt);
+    EXPECT_EQ(entries.displayName(""), std::nullopt);
+}
+
+TEST_F(DesktopEntriesTest, ANameIsInTheUsersLanguageWhereThereIsOne) {
+    write(systems / "both.desktop", "Name[fr]=Programme\nName[de]=Programm\nName[de_AT]=Programmerl\n");
+    write(systems / "one.desktop", "Name[fr]=Programme\nName[de]=Programm\n");
+    write(systems / "none.desktop", "Name[fr]=Programme\n");
+
+    EXPECT_EQ(entries.displayName("both"), "Programmerl");
+    EXPECT_EQ(entries.displayName("one"), "Programm");
+    EXPECT_EQ(entries.displayName("none"), "Program");
+}
+
+TEST_F(DesktopEntriesTest, TheUsersEntryNamesTheApplication) {
+    write(systems / "editor.desktop", "");
+    write(users / "editor.desktop", "Name[de]=Meiner\n");
+    EXPECT_EQ(entries.displayName("editor"), "Meiner");
+
+    write(users / "editor.desktop", "Hidden=true\n");
+    EXPECT_EQ(entries.displayName("editor"), std::nullopt);
+
+    fs::remove(users / "editor.desktop");
+    EXPECT_EQ(entries.displayName("editor"), "Program");
+}
+
+TEST_F(DesktopEntriesTest, AnEntryThatCannotBeReadNamesNothing) {
+    write(systems / "large.desktop", std::string(1 << 20, 'x'));
+    fs::create_symlink(systems / "nowhere", systems / "broken.desktop");
+
+    EXPECT_EQ(entries.displayName("large"), std::nullopt);
+    EXPECT_EQ(entries.displayName("broken"), std::nullopt);
 }
 
 TEST_F(DesktopEntriesTest, FiveThousandEntriesAreFoundInOneGo) {
