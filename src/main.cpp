@@ -12,6 +12,7 @@
 #include "platform/qt/termination_signals.h"
 #include "platform/x11/connection.h"
 #include "platform/x11/desktop.h"
+#include "settings_ui/settings_window_controller.h"
 
 #include <QApplication>
 #include <QString>
@@ -20,6 +21,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -113,7 +115,9 @@ int run(const char* programName) {
                            .windowList = desktop.windowList,
                            .workspace = desktop.workspace,
                            .words = desktop.words},
-                     nullptr);
+                     [](Services& services, const Ports& ports) {
+                         return std::make_unique<SettingsWindowController>(services, ports);
+                     });
     if (delegate->applicationDidFinishLaunching() == AppDelegate::Launch::AnotherCopyRuns)
         return EXIT_SUCCESS;
     if (session == x11::Session::Wayland)

@@ -8,8 +8,8 @@
 
 namespace tessarel {
 
-AppDelegate::AppDelegate(const Ports& ports, SettingsWindow* settingsWindow)
-    : m_ports(ports), m_settingsWindow(settingsWindow), m_alive(std::make_shared<int>()) {}
+AppDelegate::AppDelegate(const Ports& ports, SettingsWindowFactory makeSettingsWindow)
+    : m_ports(ports), m_makeSettingsWindow(std::move(makeSettingsWindow)), m_alive(std::make_shared<int>()) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -108,6 +108,8 @@ void AppDelegate::grantAccess() {
 }
 
 void AppDelegate::openSettings() {
+    if (!m_settingsWindow && m_makeSettingsWindow)
+        m_settingsWindow = m_makeSettingsWindow(*m_services, m_ports);
     if (m_settingsWindow)
         m_settingsWindow->show();
 }

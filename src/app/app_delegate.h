@@ -29,8 +29,8 @@ public:
     /// below it to get the focus back.
     static constexpr std::chrono::milliseconds kMenuActionDelay{150};
 
-    /// `settingsWindow` may be null: then commands that concern it do nothing.
-    AppDelegate(const Ports& ports, SettingsWindow* settingsWindow);
+    /// Without `makeSettingsWindow` the commands that concern the settings window do nothing.
+    AppDelegate(const Ports& ports, SettingsWindowFactory makeSettingsWindow);
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
     ~AppDelegate();
@@ -57,12 +57,13 @@ private:
     [[nodiscard]] std::function<void()> whileAlive(std::function<void()> work) const;
 
     Ports m_ports;
-    SettingsWindow* m_settingsWindow;
+    SettingsWindowFactory m_makeSettingsWindow;
     SubscriptionPtr m_instance;
     std::optional<Services> m_services; // none before this copy has the desktop
     std::optional<StatusMenu> m_statusMenu;
     std::optional<StatusItem> m_statusItem;
     SubscriptionPtr m_settingsObserver;
+    std::unique_ptr<SettingsWindow> m_settingsWindow; // none before it is first asked for
     std::shared_ptr<void> m_alive; // shared with no one: work still due looks whether it exists
 };
 

@@ -8,8 +8,7 @@
 namespace tessarel {
 
 /// What each tab of the settings window works with. A tab is a class with a constructor that takes this, a
-/// `QWidget* view()` of 780 x 480, owned by the tab until it is shown in the window, and a `refresh()` that
-/// shows the present settings.
+/// `QWidget* view()` of 780 x 480 that stays its own, and a `refresh()` that shows the present settings.
 struct TabContext {
     Services& services;
     const Ports& ports;

@@ -1,6 +1,7 @@
 #include "app/app_delegate.h"
 #include "model/presets.h"
 #include "platform/sim/sim_desktop.h"
+#include "support/settings_window_record.h"
 #include "support/sim_ports.h"
 
 #include <gtest/gtest.h>
@@ -13,14 +14,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-struct RecordingSettingsWindow : SettingsWindow {
-    void show() override { ++shown; }
-    void refreshAll() override { ++refreshed; }
-
-    int shown = 0;
-    int refreshed = 0;
-};
-
 /// The running program on a simulated desktop with one display and one window.
 class MenuCommandsTest : public ::testing::Test {
 protected:
@@ -31,7 +24,7 @@ protected:
         desktop.preferences().setData(Store::key, R"({"hasOnboarded": true})");
         desktop.addScreen({.frame = {0, 0, 1440, 900}});
         window = desktop.openWindow("org.example.editor", kSomewhere);
-        delegate.emplace(simPorts(desktop, copy), &settingsWindow);
+        delegate.emplace(simPorts(desktop, copy), settingsWindow.factory());
         EXPECT_EQ(delegate->applicationDidFinishLaunching(), AppDelegate::Launch::Running);
     }
 
@@ -49,7 +42,7 @@ protected:
     sim::SimDesktop desktop;
     sim::SimSingleInstance copy = desktop.makeCopy();
     sim::WindowId window{};
-    RecordingSettingsWindow settingsWindow;
+    SettingsWindowRecord settingsWindow;
     std::optional<AppDelegate> delegate;
 };
 
@@ -91,7 +84,20 @@ TEST_F(MenuCommandsTest, ApplyingALayoutMakesItsZonesActive) {
 
     EXPECT_EQ(settings().zones, Presets::all()[1].zones);
     EXPECT_EQ(Store(desktop.preferences()).settings.zones, Presets::all()[1].zones);
+}
+
+TEST_F(MenuCommandsTest, ApplyingALayoutShowsItInTheSettingsWindow) {
+    choose(MenuCommand::OpenSettings);
+
+    choose(MenuCommand::ApplyLayout, 1);
+
     EXPECT_EQ(settingsWindow.refreshed, 1);
+}
+
+TEST_F(MenuCommandsTest, ApplyingALayoutMakesNoSettingsWindow) {
+    choose(MenuCommand::ApplyLayout, 1);
+
+    EXPECT_EQ(settingsWindow.made, 0);
 }
 
 TEST_F(MenuCommandsTest, ApplyingALayoutMovesNoWindow) {
@@ -119,6 +125,7 @@ TEST_F(MenuCommandsTest, ASavedLayoutIsFilledUpWhenApplied) {
 
 TEST_F(MenuCommandsTest, ALayoutThatIsNoLongerThereIsIgnored) {
     const auto before = settings().zones;
+    choose(MenuCommand::OpenSettings);
 
     for (const int tag : {-1, 9, 999, 1000, 2147483647})
         choose(MenuCommand::ApplyLayout, tag);
@@ -165,6 +172,24 @@ TEST_F(MenuCommandsTest, SettingsOpenTheirWindow) {
     choose(MenuCommand::OpenSettings);
 
     EXPECT_EQ(settingsWindow.shown, 1);
+}
+
+TEST_F(MenuCommandsTest, TheSettingsWindowIsMadeWhenItIsFirstAskedFor) {
+    EXPECT_EQ(settingsWindow.made, 0);
+
+    choose(MenuCommand::OpenSettings);
+    choose(MenuCommand::OpenSettings);
+
+    EXPECT_EQ(settingsWindow.made, 1);
+    EXPECT_EQ(settingsWindow.shown, 2);
+}
+
+TEST_F(MenuCommandsTest, TheSettingsWindowEndsWithTheProgram) {
+    choose(MenuCommand::OpenSettings);
+
+    delegate.reset();
+
+    EXPECT_EQ(settingsWindow.ended, 1);
 }
 
 TEST_F(MenuCommandsTest, GrantingAccessPromptsAndOpensTheSystemsSettings) {

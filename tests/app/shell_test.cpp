@@ -3,6 +3,7 @@
 #include "app/main_menu.h"
 #include "app/status_item.h"
 #include "platform/sim/sim_desktop.h"
+#include "support/settings_window_record.h"
 #include "support/sim_ports.h"
 
 #include <gtest/gtest.h>
@@ -15,13 +16,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-struct CountingSettingsWindow : SettingsWindow {
-    void show() override { ++shown; }
-    void refreshAll() override {}
-
-    int shown = 0;
-};
-
 /// A program that has not been started on this desktop before.
 class FirstRunTest : public ::testing::Test {
 protected:
@@ -32,8 +26,8 @@ protected:
 
     sim::SimDesktop desktop;
     sim::SimSingleInstance copy = desktop.makeCopy();
-    CountingSettingsWindow settingsWindow;
-    AppDelegate delegate{simPorts(desktop, copy), &settingsWindow};
+    SettingsWindowRecord settingsWindow;
+    AppDelegate delegate{simPorts(desktop, copy), settingsWindow.factory()};
 };
 
 TEST_F(FirstRunTest, TheUserIsWelcomedOnce) {

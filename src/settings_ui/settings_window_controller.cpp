@@ -1,0 +1,106 @@
+#include "settings_ui/settings_window_controller.h"
+
+#include "model/config.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QKeySequence>
+#include <QRect>
+#include <QScreen>
+#include <QShortcut>
+#include <QSize>
+#include <QString>
+#include <QTabWidget>
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+namespace tessarel {
+namespace {
+
+constexpr QSize kWindowSize(820, 540);
+constexpr QRect kTabsFrame(10, 10, 800, 520);
+constexpr QRect kViewFrame(8, 4, 780, 480); // in the middle of what the tabs leave
+
+constexpr Qt::WindowFlags kWindowFlags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                         Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
+                                         Qt::WindowCloseButtonHint;
+
+QString title() {
+    return QString::fromUtf8(Config::appName.data(), static_cast<qsizetype>(Config::appName.size())) +
+           QLatin1String(" Settings");
+}
+
+/// Moves `window` into the middle of the screen that the pointer is on, its title in any case on it.
+void center(QWidget& window) {
+    const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        return;
+    const QRect room = screen->availableGeometry();
+    QRect frame(QPoint(), window.size());
+    frame.moveCenter(room.center());
+    window.move(std::max(frame.left(), room.left()), std::max(frame.top(), room.top()));
+}
+
+void addShortcut(QWidget& window, QKeyCombination keys, std::function<void()> action) {
+    auto* const shortcut = new QShortcut(QKeySequence(keys), &window);
+    QObject::connect(shortcut, &QShortcut::activated, shortcut, std::move(action));
+}
+
+} // namespace
+
+SettingsWindowController::SettingsWindowController(Services& services, const Ports& ports)
+    : m_ports(ports), m_context{services, ports, [this] { refreshAll(); }} {}
+
+SettingsWindowController::~SettingsWindowController() = default;
+
+std::optional<SettingsWindowController::Tab> SettingsWindowController::tab(int rawValue) {
+    if (rawValue < 0 || rawValue > static_cast<int>(Tab::About))
+        return std::nullopt;
+    return static_cast<Tab>(rawValue);
+}
+
+void SettingsWindowController::show(std::optional<Tab> tab) {
+    if (!m_window)
+        makeWindow();
+    refreshAll();
+    if (tab)
+        m_tabs->setCurrentIndex(static_cast<int>(*tab));
+    m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
+    m_window->show();
+    m_ports.application.activate();
+    m_window->raise();
+    m_window->activateWindow();
+}
+
+void SettingsWindowController::refreshAll() {}
+
+void SettingsWindowController::makeWindow() {
+    m_window = std::make_unique<QWidget>(nullptr, kWindowFlags);
+    m_window->setWindowTitle(title());
+    m_window->setFont(systemFont(13));
+    m_window->setFixedSize(kWindowSize);
+    m_tabs = new QTabWidget(m_window.get());
+    m_tabs->setGeometry(kTabsFrame);
+    addTab(m_layouts, QStringLiteral("Layouts"));
+    addTab(m_shortcuts, QStringLiteral("Shortcuts"));
+    addTab(m_general, QStringLiteral("General"));
+    addTab(m_about, QStringLiteral("About"));
+    addShortcut(*m_window, Qt::CTRL | Qt::Key_W, [this] { m_window->close(); });
+    addShortcut(*m_window, Qt::CTRL | Qt::Key_Q, [this] { m_ports.application.terminate(); });
+    center(*m_window);
+}
+
+/// Appends a tab that is called `label`, for the user and for the program.
+void SettingsWindowController::addTab(QWidget& view, const QString& label) {
+    auto* const page = new QWidget(m_tabs);
+    page->setObjectName(label);
+    view.setParent(page);
+    view.setGeometry(kViewFrame);
+    m_tabs->addTab(page, label);
+}
+
+} // namespace tessarel

@@ -1,0 +1,176 @@
+#include "settings_ui/settings_window_controller.h"
+
+#include "settings_ui/settings_ui_test.h"
+
+#include <QApplication>
+#include <QList>
+#include <QRect>
+#include <QScreen>
+#include <QTabWidget>
+#include <QTest>
+#include <QWidget>
+#include <gtest/gtest.h>
+
+#include <optional>
+
+namespace tessarel {
+namespace {
+
+using Tab = SettingsWindowController::Tab;
+
+class SettingsWindowControllerTest : public SettingsUiTest {
+protected:
+    /// The windows that exist, shown or not.
+    static QList<QWidget*> windows() {
+        QList<QWidget*> windows;
+        for (QWidget* const widget : QApplication::topLevelWidgets()) {
+            if (widget->windowTitle() == "Tessarel Settings")
+                windows.append(widget);
+        }
+        return windows;
+    }
+
+    static QWidget& window() { return *windows().first(); }
+    static QTabWidget& tabs() { return *window().findChild<QTabWidget*>(); }
+
+    SettingsWindowController controller{services, ports};
+};
+
+TEST(SettingsTabTest, ThereAreFourTabs) {
+    EXPECT_EQ(SettingsWindowController::tab(0), Tab::Layouts);
+    EXPECT_EQ(SettingsWindowController::tab(1), Tab::Shortcuts);
+    EXPECT_EQ(SettingsWindowController::tab(2), Tab::General);
+    EXPECT_EQ(SettingsWindowController::tab(3), Tab::About);
+    EXPECT_EQ(SettingsWindowController::tab(-1), std::nullopt);
+    EXPECT_EQ(SettingsWindowController::tab(4), std::nullopt);
+}
+
+TEST_F(SettingsWindowControllerTest, ThereIsNoWindowBeforeItIsShown) {
+    EXPECT_TRUE(windows().isEmpty());
+}
+
+TEST_F(SettingsWindowControllerTest, ARefreshMakesNoWindow) {
+    controller.refreshAll();
+
+    EXPECT_TRUE(windows().isEmpty());
+}
+
+TEST_F(SettingsWindowControllerTest, TheWindowHasItsSizeAndTitleAndCannotBeResized) {
+    controller.show();
+
+    EXPECT_TRUE(window().isVisible());
+    EXPECT_EQ(window().windowTitle(), "Tessarel Settings");
+    EXPECT_EQ(window().minimumSize(), QSize(820, 540));
+    EXPECT_EQ(window().maximumSize(), QSize(820, 540));
+    EXPECT_FALSE(window().windowFlags() & Qt::WindowMaximizeButtonHint);
+    EXPECT_TRUE(window().windowFlags() & Qt::WindowMinimizeButtonHint);
+    EXPECT_TRUE(window().windowFlags() & Qt::WindowCloseButtonHint);
+}
+
+TEST_F(SettingsWindowControllerTest, TheTabsStandInOrder) {
+    controller.show();
+
+    ASSERT_EQ(tabs().count(), 4);
+    EXPECT_EQ(tabs().geometry(), QRect(10, 10, 800, 520));
+    const QStringList labels{"Layouts", "Shortcuts", "General", "About"};
+    for (int position = 0; position < 4; ++position) {
+        EXPECT_EQ(tabs().tabText(position), labels[position]);
+        EXPECT_EQ(tabs().widget(position)->objectName(), labels[position]);
+    }
+}
+
+TEST_F(SettingsWindowControllerTest, EachViewIsWhollyInsideItsTab) {
+    controller.show();
+
+    for (int position = 0; position < 4; ++position) {
+        tabs().setCurrentIndex(position);
+        const QWidget& page = *tabs().widget(position);
+        const auto* const view = page.findChild<QWidget*>({}, Qt::FindDirectChildrenOnly);
+        EXPECT_EQ(view->size(), QSize(780, 480));
+        EXPECT_TRUE(page.rect().contains(view->geometry())) << position;
+    }
+}
+
+TEST_F(SettingsWindowControllerTest, TheWindowStandsInTheMiddleOfTheScreenAsFarAsThereIsRoom) {
+    const QRect room = QApplication::primaryScreen()->availableGeometry();
+    ASSERT_LT(room.width(), 820);
+    ASSERT_GT(room.height(), 540);
+
+    controller.show();
+
+    EXPECT_EQ(window().x(), room.x());
+    EXPECT_EQ(window().y(), room.y() + (room.height() - 540) / 2);
+}
+
+TEST_F(SettingsWindowControllerTest, ShowingTwiceMakesOneWindowAndKeepsItsTab) {
+    controller.show(Tab::General);
+
+    controller.show();
+
+    EXPECT_EQ(windows().size(), 1);
+    EXPECT_EQ(tabs().currentIndex(), 2);
+}
+
+TEST_F(SettingsWindowControllerTest, ClosingHidesTheWindowAndShowingBringsTheSameOneBack) {
+    controller.show();
+    const QWidget* const first = &window();
+
+    window().close();
+    EXPECT_FALSE(window().isVisible());
+    controller.show();
+
+    EXPECT_EQ(&window(), first);
+    EXPECT_TRUE(window().isVisible());
+}
+
+TEST_F(SettingsWindowControllerTest, AWindowClosedOnOneTabOpensOnTheTabThatIsAskedFor) {
+    controller.show(Tab::Layouts);
+    window().close();
+
+    controller.show(Tab::About);
+
+    EXPECT_EQ(tabs().currentIndex(), 3);
+}
+
+TEST_F(SettingsWindowControllerTest, ShowingBringsTheProgramToTheFront) {
+    controller.show();
+
+    EXPECT_EQ(desktop.ownApplication().activations, 1);
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
+}
+
+TEST_F(SettingsWindowControllerTest, AMinimizedWindowComesBack) {
+    controller.show();
+    window().showMinimized();
+
+    controller.show();
+
+    EXPECT_FALSE(window().isMinimized());
+}
+
+TEST_F(SettingsWindowControllerTest, TheUsualKeysCloseTheWindowAndEndTheProgram) {
+    controller.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+
+    QTest::keyClick(&window(), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(window().isVisible());
+    EXPECT_EQ(desktop.ownApplication().terminations, 0);
+
+    controller.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    QTest::keyClick(&window(), Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_EQ(desktop.ownApplication().terminations, 1);
+}
+
+TEST_F(SettingsWindowControllerTest, TheWindowEndsWithItsController) {
+    {
+        SettingsWindowController other(services, ports);
+        other.show();
+        ASSERT_EQ(windows().size(), 1);
+    }
+
+    EXPECT_TRUE(windows().isEmpty());
+}
+
+} // namespace
+} // namespace tessarel

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "app/settings_window.h"
+
+#include <memory>
+
+namespace tessarel {
+
+/// What the program has done with a settings window that shows nothing.
+struct SettingsWindowRecord {
+    /// It outlives the windows that are made.
+    [[nodiscard]] SettingsWindowFactory factory() {
+        return [this](Services&, const Ports&) {
+            ++made;
+            return std::make_unique<Window>(*this);
+        };
+    }
+
+    int made = 0;
+    int shown = 0;
+    int refreshed = 0;
+    int ended = 0;
+
+private:
+    class Window : public SettingsWindow {
+    public:
+        explicit Window(SettingsWindowRecord& record) : m_record(record) {}
+        ~Window() override { ++m_record.ended; }
+
+        void show() override { ++m_record.shown; }
+        void refreshAll() override { ++m_record.refreshed; }
+
+    private:
+        SettingsWindowRecord& m_record;
+    };
+};
+
+} // namespace tessarel
