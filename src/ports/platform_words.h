@@ -16,6 +16,16 @@ struct PlatformWords {
         "Accessibility. Click Continue, then switch Tessarel on in the list.";
     /// How the welcome calls the status item.
     std::string statusItem = "menu bar icon";
+    /// Where the usable area of a screen lies.
+    std::string usableArea = "below the menu bar, beside the Dock";
+    /// Who else may snap a window at the screen's edge.
+    std::string otherEdgeTiling = "macOS has its own edge tiling (System Settings > Desktop & Dock)";
+    /// The modifiers that a drag may wait for, where they stand alone.
+    std::string controlKey = "Control";
+    std::string commandKey = "Command";
+    /// What to do while the program is not trusted.
+    std::string notTrusted = "Not granted yet. Switch Tessarel on in the Accessibility list.";
+    std::string thisComputer = "this Mac";
 };
 
 } // namespace tessarel

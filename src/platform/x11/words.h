@@ -9,7 +9,13 @@ namespace tessarel::x11 {
     return {.modifierNames = {.ctrl = "Ctrl", .opt = "Alt", .shift = "Shift", .cmd = "Super"},
             .welcomeFirst = "Tessarel moves other programs' windows with the help of your window manager and "
                             "needs no permission for it.",
-            .statusItem = "icon in the panel"};
+            .statusItem = "icon in the panel",
+            .usableArea = "what panels and docks leave free",
+            .otherEdgeTiling = "Your window manager may have its own edge tiling",
+            .controlKey = "Control",
+            .commandKey = "Super",
+            .notTrusted = "Not possible yet. The button below tells what is missing.",
+            .thisComputer = "this computer"};
 }
 
 } // namespace tessarel::x11

@@ -1,0 +1,36 @@
+#include "platform/x11/words.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace tessarel::x11 {
+namespace {
+
+using testing::AllOf;
+using testing::Each;
+using testing::HasSubstr;
+using testing::Not;
+
+std::vector<std::string> texts(const PlatformWords& words) {
+    const ModifierNames& names = words.modifierNames;
+    return {std::string(names.ctrl), std::string(names.opt), std::string(names.shift), std::string(names.cmd),
+            words.welcomeFirst,      words.statusItem,       words.usableArea,         words.otherEdgeTiling,
+            words.controlKey,        words.commandKey,       words.notTrusted,         words.thisComputer};
+}
+
+TEST(WordsTest, NameNothingThatOnlyMacOSHas) {
+    EXPECT_THAT(texts(words()),
+                Each(AllOf(Not(HasSubstr("Mac")), Not(HasSubstr("macOS")), Not(HasSubstr("Dock")),
+                           Not(HasSubstr("menu bar")), Not(HasSubstr("Opt")), Not(HasSubstr("Cmd")),
+                           Not(HasSubstr("Command")), Not(HasSubstr("System Settings")))));
+}
+
+TEST(WordsTest, NoneIsMissing) {
+    EXPECT_THAT(texts(words()), Each(Not("")));
+}
+
+} // namespace
+} // namespace tessarel::x11
