@@ -1,0 +1,54 @@
+#include "settings_ui/pixel_grid.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace tessarel {
+namespace {
+
+PixelGrid gridAt(double scale, double dx = 0, double dy = 0) {
+    return PixelGrid(QTransform(scale, 0, 0, scale, dx, dy));
+}
+
+bool isWhole(double value) {
+    return std::abs(value - std::round(value)) < 1e-9;
+}
+
+TEST(PixelGridTest, ALineOfOnePixelRunsThroughTheMiddleOfOne) {
+    EXPECT_EQ(gridAt(1).lineX(0.5, 1), 0.5);
+    EXPECT_EQ(gridAt(1).lineX(125, 0.5), 125.5);
+    EXPECT_EQ(gridAt(1).lineY(166.67, 1.2), 166.5);
+}
+
+TEST(PixelGridTest, ALineOfTwoPixelsRunsBetweenThem) {
+    EXPECT_EQ(gridAt(2).lineX(0.5, 1), 0.5);
+    EXPECT_EQ(gridAt(2).lineX(166.67, 1.2), 166.5);
+    EXPECT_EQ(gridAt(2).lineX(166.8, 1.2), 167);
+}
+
+TEST(PixelGridTest, LinesOfWholeWidthCoverWholePixelsAtEveryScale) {
+    for (const double scale : {1.0, 1.25, 1.5, 1.75, 2.0, 3.0}) {
+        const PixelGrid grid = gridAt(scale, 7.25, 3.5);
+        for (const double width : {0.5, 1.0, 1.2, 1.5, 2.5}) {
+            const double whole = grid.wholeWidth(width);
+            EXPECT_TRUE(isWhole(whole * scale)) << scale << ' ' << width;
+            EXPECT_GE(whole * scale, 1);
+            for (double at = 0; at < 10; at += 0.3) {
+                EXPECT_TRUE(isWhole((grid.lineX(at, width) - whole / 2) * scale + 7.25));
+                EXPECT_TRUE(isWhole((grid.lineY(at, width) - whole / 2) * scale + 3.5));
+            }
+        }
+    }
+}
+
+TEST(PixelGridTest, NothingMovesByMoreThanHalfAPixel) {
+    for (const double scale : {1.0, 1.25, 1.5, 2.0}) {
+        for (double at = -3; at < 10; at += 0.07) {
+            EXPECT_LE(std::abs(gridAt(scale, 0.3).lineX(at, 1) - at) * scale, 0.5 + 1e-9);
+        }
+    }
+}
+
+} // namespace
+} // namespace tessarel

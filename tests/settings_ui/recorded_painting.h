@@ -1,0 +1,124 @@
+#pragma once
+
+#include <QColor>
+#include <QPaintDevice>
+#include <QPaintEngine>
+#include <QPainterPath>
+#include <QPen>
+#include <QRectF>
+#include <QString>
+
+#include <vector>
+
+namespace tessarel {
+
+/// One thing that has been painted, as it was ordered: lines, rectangles, paths and texts.
+struct Painted {
+    enum class What { Line, Rectangle, Path, Text };
+
+    What what = What::Rectangle;
+    QRectF bounds; ///< of the outline; for a text its origin on the base line, without extent
+    QColor fill;   ///< invalid when nothing is filled
+    QColor stroke; ///< invalid when nothing is stroked; for a text its colour
+    double strokeWidth = 0;
+    QList<double> dashes; ///< in points; empty for a solid line
+    QString text;
+    int fontSize = 0;
+    int fontWeight = 0;
+};
+
+/// A paint device without pixels that keeps what is painted on it, in order.
+class RecordedPainting : public QPaintDevice {
+public:
+    std::vector<Painted> painted;
+
+    [[nodiscard]] QPaintEngine* paintEngine() const override { return &m_engine; }
+
+    /// Those of a kind, in order.
+    [[nodiscard]] std::vector<Painted> all(Painted::What what) const {
+        std::vector<Painted> some;
+        for (const Painted& one : painted)
+            if (one.what == what)
+                some.push_back(one);
+        return some;
+    }
+
+protected:
+    [[nodiscard]] int metric(PaintDeviceMetric which) const override {
+        switch (which) {
+        case PdmWidth:
+        case PdmHeight:
+            return 4096;
+        case PdmDevicePixelRatio:
+            return 1;
+        case PdmDevicePixelRatioScaled:
+            return static_cast<int>(devicePixelRatioFScale());
+        case PdmDepth:
+            return 32;
+        default:
+            return 96;
+        }
+    }
+
+private:
+    class Engine : public QPaintEngine {
+    public:
+        explicit Engine(RecordedPainting& painting) : QPaintEngine(AllFeatures), m_painting(painting) {}
+
+        bool begin(QPaintDevice* /*device*/) override { return true; }
+        bool end() override { return true; }
+        [[nodiscard]] Type type() const override { return User; }
+        void drawPixmap(const QRectF&, const QPixmap&, const QRectF&) override {}
+
+        void updateState(const QPaintEngineState& state) override {
+            if (state.state() & DirtyPen)
+                m_pen = state.pen();
+            if (state.state() & DirtyBrush)
+                m_brush = state.brush();
+        }
+        void drawLines(const QLineF* lines, int count) override {
+            for (int i = 0; i < count; ++i)
+                add(Painted::What::Line, QRectF(lines[i].p1(), lines[i].p2()), {});
+        }
+        void drawRects(const QRectF* rects, int count) override {
+            for (int i = 0; i < count; ++i)
+                add(Painted::What::Rectangle, rects[i], m_brush);
+        }
+        void drawPath(const QPainterPath& path) override {
+            add(Painted::What::Path, path.boundingRect(), m_brush);
+        }
+        void drawTextItem(const QPointF& origin, const QTextItem& item) override {
+            Painted one{.what = Painted::What::Text,
+                        .bounds = QRectF(origin, QSizeF()),
+                        .fill = {},
+                        .stroke = m_pen.color(),
+                        .dashes = {},
+                        .text = item.text(),
+                        .fontSize = item.font().pixelSize(),
+                        .fontWeight = item.font().weight()};
+            m_painting.painted.push_back(one);
+        }
+
+    private:
+        void add(Painted::What what, const QRectF& bounds, const QBrush& brush) {
+            Painted one{.what = what, .bounds = bounds, .fill = {}, .stroke = {}, .dashes = {}, .text = {}};
+            if (brush.style() != Qt::NoBrush)
+                one.fill = brush.color();
+            if (m_pen.style() != Qt::NoPen) {
+                one.stroke = m_pen.color();
+                one.strokeWidth = m_pen.widthF();
+                for (const double dash : m_pen.dashPattern())
+                    one.dashes.append(dash * m_pen.widthF());
+            }
+            m_painting.painted.push_back(one);
+        }
+
+        RecordedPainting& m_painting;
+        QPen m_pen;
+        QBrush m_brush;
+    };
+
+    mutable Engine m_engine{*this};
+};
+
+} // namespace tessarel

@@ -1,0 +1,355 @@
+#include "settings_ui/zone_editor_view.h"
+
+#include "model/presets.h"
+#include "settings_ui/settings_ui_test.h"
+
+#include <QApplication>
+#include <QFocusEvent>
+#include <QImage>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QRegion>
+#include <QTest>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tessarel {
+namespace {
+
+/// A picture of 500 x 400 points: a percent is 5 points across and 4 down.
+class ZoneEditorViewTest : public SettingsUiTest {
+protected:
+    ZoneEditorViewTest() {
+        settings.gridStep = 0;
+        put({Presets::z(20, 20, 20, 20), Presets::z(60, 60, 20, 20)});
+        view->resize(500, 400);
+        view->onSelect = [this](int index) { selections.push_back(index); };
+        view->onEdit = [this] { ++edits; };
+        view->onCommit = [this] { ++commits; };
+        view->show();
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(view.get()));
+    }
+
+    void put(std::vector<Zone> zones) { settings.zones = Presets::pad(std::move(zones)); }
+    const Zone& zone(std::size_t i) { return settings.zones.at(i); }
+    static QPoint at(double xPercent, double yPercent) {
+        return QPointF(xPercent * 5, yPercent * 4).toPoint();
+    }
+
+    void press(double x, double y) { QTest::mousePress(view.get(), Qt::LeftButton, {}, at(x, y)); }
+    void release(double x, double y) { QTest::mouseRelease(view.get(), Qt::LeftButton, {}, at(x, y)); }
+    void move(double x, double y, Qt::KeyboardModifiers modifiers = {},
+              Qt::MouseButtons down = Qt::LeftButton) {
+        const QPointF place = at(x, y);
+        QMouseEvent event(QEvent::MouseMove, place, view->mapToGlobal(place), Qt::NoButton, down, modifiers);
+        QApplication::sendEvent(view.get(), &event);
+    }
+
+    std::unique_ptr<ZoneEditorView> view = std::make_unique<ZoneEditorView>(settings);
+    std::vector<int> selections;
+    int edits = 0;
+    int commits = 0;
+};
+
+TEST_F(ZoneEditorViewTest, ADragMovesAZoneAndCommitsOnce) {
+    press(70, 70);
+    move(65, 70);
+    move(60, 72);
+    EXPECT_EQ(commits, 0);
+    release(60, 72);
+
+    EXPECT_EQ(zone(1), Presets::z(50, 62, 20, 20));
+    EXPECT_EQ(selections, std::vector{1});
+    EXPECT_EQ(edits, 2);
+    EXPECT_EQ(commits, 1);
+}
+
+TEST_F(ZoneEditorViewTest, ADragIsNeverSavedByTheView) {
+    press(70, 70);
+    move(65, 70);
+    release(65, 70);
+    QTest::keyClick(view.get(), Qt::Key_Delete);
+
+    EXPECT_EQ(saved(), std::nullopt);
+    EXPECT_EQ(announcements, 0);
+}
+
+TEST_F(ZoneEditorViewTest, AnEdgeIsResized) {
+    press(40, 30);
+    move(46, 30);
+    release(46, 30);
+
+    EXPECT_EQ(zone(0), Presets::z(20, 20, 26, 20));
+    EXPECT_TRUE(selections.empty());
+}
+
+TEST_F(ZoneEditorViewTest, AClickCommitsWithoutAnEdit) {
+    press(30, 30);
+    release(30, 30);
+
+    EXPECT_EQ(edits, 0);
+    EXPECT_EQ(commits, 1);
+    EXPECT_TRUE(selections.empty());
+}
+
+TEST_F(ZoneEditorViewTest, AClickOnEmptySpaceSaysNothing) {
+    press(5, 90);
+    move(10, 90);
+    release(10, 90);
+
+    EXPECT_EQ(edits + commits, 0);
+    EXPECT_EQ(view->selected(), 0);
+}
+
+TEST_F(ZoneEditorViewTest, ASecondPressOfADoubleClickCanDrag) {
+    press(30, 30);
+    release(30, 30);
+    QMouseEvent second(QEvent::MouseButtonDblClick, at(30, 30), view->mapToGlobal(at(30, 30)), Qt::LeftButton,
+                       Qt::LeftButton, {});
+    QApplication::sendEvent(view.get(), &second);
+    move(36, 30);
+
+    EXPECT_EQ(zone(0).x, 26);
+}
+
+TEST_F(ZoneEditorViewTest, ShiftHeldDuringTheDragTurnsSnappingOff) {
+    press(20, 30);
+
+    move(24, 30);
+    EXPECT_EQ(zone(0).x, 25) << "drawn to the guide";
+    move(24, 30, Qt::ShiftModifier);
+    EXPECT_EQ(zone(0).x, 24);
+    move(24, 30, Qt::ControlModifier);
+    EXPECT_EQ(zone(0).x, 25);
+}
+
+TEST_F(ZoneEditorViewTest, OtherButtonsTakeHoldOfNothing) {
+    QTest::mousePress(view.get(), Qt::RightButton, {}, at(70, 70));
+    move(75, 75, {}, Qt::RightButton);
+    QTest::mouseRelease(view.get(), Qt::RightButton, {}, at(75, 75));
+
+    EXPECT_EQ(zone(1), Presets::z(60, 60, 20, 20));
+    EXPECT_EQ(view->selected(), 0);
+    EXPECT_EQ(commits, 0);
+}
+
+TEST_F(ZoneEditorViewTest, AnotherButtonDuringADragDoesNotEndIt) {
+    press(30, 30);
+    QTest::mousePress(view.get(), Qt::RightButton, {}, at(30, 30));
+    QTest::mouseRelease(view.get(), Qt::RightButton, {}, at(30, 30));
+    move(38, 30);
+
+    EXPECT_EQ(commits, 0);
+    EXPECT_EQ(zone(0).x, 28);
+}
+
+TEST_F(ZoneEditorViewTest, ALostReleaseEndsTheDragAtTheNextMove) {
+    press(30, 30);
+    move(40, 30);
+    move(80, 30, {}, Qt::NoButton);
+
+    EXPECT_EQ(commits, 1);
+    EXPECT_EQ(zone(0).x, 30);
+}
+
+TEST_F(ZoneEditorViewTest, HidingTheViewEndsTheDrag) {
+    press(30, 30);
+    move(40, 30);
+
+    view->hide();
+
+    EXPECT_EQ(commits, 1);
+}
+
+TEST_F(ZoneEditorViewTest, APressTakesTheKeyboard) {
+    view->clearFocus();
+
+    press(5, 90);
+
+    EXPECT_TRUE(view->hasFocus());
+}
+
+TEST_F(ZoneEditorViewTest, DeleteAndBackspaceDisableTheSelectedZone) {
+    for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Backspace}) {
+        put({Presets::z(20, 20, 20, 20), Presets::z(60, 60, 20, 20)});
+        view->setSelected(1);
+        selections.clear();
+        commits = 0;
+
+        QTest::keyClick(view.get(), key);
+
+        EXPECT_EQ(zone(1), (Zone{false, 60, 60, 20, 20}));
+        EXPECT_EQ(commits, 1);
+        EXPECT_EQ(selections, std::vector{1});
+    }
+}
+
+TEST_F(ZoneEditorViewTest, DeleteCommitsBeforeItSelects) {
+    std::string order;
+    view->onCommit = [&] { order += 'c'; };
+    view->onSelect = [&](int) { order += 's'; };
+
+    QTest::keyClick(view.get(), Qt::Key_Delete);
+
+    EXPECT_EQ(order, "cs");
+}
+
+TEST_F(ZoneEditorViewTest, DeleteWithoutAValidSelectionDoesNothing) {
+    for (const int beyond : {-1, 9}) {
+        view->setSelected(beyond);
+        const AppSettings before = settings;
+
+        QTest::keyClick(view.get(), Qt::Key_Delete);
+
+        EXPECT_EQ(settings, before);
+        EXPECT_EQ(commits, 0);
+        EXPECT_TRUE(selections.empty());
+    }
+}
+
+TEST_F(ZoneEditorViewTest, EveryOtherKeyIsLeftToTheParent) {
+    QKeyEvent other(QEvent::KeyPress, Qt::Key_A, {}, QStringLiteral("a"));
+    QApplication::sendEvent(view.get(), &other);
+    EXPECT_FALSE(other.isAccepted());
+
+    QKeyEvent remove(QEvent::KeyPress, Qt::Key_Delete, {});
+    QApplication::sendEvent(view.get(), &remove);
+    EXPECT_TRUE(remove.isAccepted());
+}
+
+TEST_F(ZoneEditorViewTest, ItWorksWithoutCallbacks) {
+    view->onSelect = nullptr;
+    view->onEdit = nullptr;
+    view->onCommit = nullptr;
+
+    press(70, 70);
+    move(65, 70);
+    release(65, 70);
+    QTest::keyClick(view.get(), Qt::Key_Delete);
+
+    EXPECT_EQ(zone(1), (Zone{false, 55, 60, 20, 20}));
+}
+
+TEST_F(ZoneEditorViewTest, ThePointerShowsWhatAPressWouldDo) {
+    struct Case {
+        QPointF place;
+        Qt::CursorShape shape;
+    };
+    for (const auto& [place, shape] :
+         {Case{{20, 30}, Qt::SizeHorCursor}, Case{{40, 30}, Qt::SizeHorCursor},
+          Case{{30, 20}, Qt::SizeVerCursor}, Case{{30, 40}, Qt::SizeVerCursor},
+          Case{{20, 20}, Qt::SizeFDiagCursor}, Case{{40, 40}, Qt::SizeFDiagCursor},
+          Case{{40, 20}, Qt::SizeBDiagCursor}, Case{{20, 40}, Qt::SizeBDiagCursor},
+          Case{{30, 30}, Qt::OpenHandCursor}, Case{{60, 70}, Qt::OpenHandCursor},
+          Case{{5, 90}, Qt::ArrowCursor}}) {
+        move(place.x(), place.y(), {}, Qt::NoButton);
+        EXPECT_EQ(view->cursor().shape(), shape) << place.x() << ' ' << place.y();
+    }
+}
+
+TEST_F(ZoneEditorViewTest, ThePointerHoldsWhileAZoneIsMoved) {
+    press(30, 30);
+    EXPECT_EQ(view->cursor().shape(), Qt::ClosedHandCursor);
+    move(95, 95);
+    EXPECT_EQ(view->cursor().shape(), Qt::ClosedHandCursor);
+    release(95, 95);
+    EXPECT_EQ(view->cursor().shape(), Qt::OpenHandCursor);
+}
+
+/// Keeps what the screen shows: of each new picture only the part that the view has painted anew.
+class ZoneEditorRepaintTest : public ZoneEditorViewTest, public QObject {
+protected:
+    ZoneEditorRepaintTest() {
+        QApplication::processEvents();
+        screen = whole();
+        view->installEventFilter(this);
+    }
+
+    QImage whole() {
+        isGrabbing = true;
+        const QImage image = view->grab().toImage();
+        isGrabbing = false;
+        return image;
+    }
+
+    /// Whether it is what the view looks like.
+    void expectScreenIsUpToDate() {
+        QApplication::processEvents();
+        const QImage now = whole();
+        QPainter painter(&screen);
+        for (const QRect& part : painted)
+            painter.drawImage(part, now, part);
+        painter.end();
+        painted = {};
+        EXPECT_EQ(screen, now);
+    }
+
+    QImage screen;
+    QRegion painted;
+
+private:
+    bool eventFilter(QObject* /*receiver*/, QEvent* event) override {
+        if (event->type() == QEvent::Paint && !isGrabbing)
+            painted += dynamic_cast<QPaintEvent&>(*event).region();
+        return false;
+    }
+
+    bool isGrabbing = false;
+};
+
+TEST_F(ZoneEditorRepaintTest, WhateverIsDraggedTheScreenShowsIt) {
+    for (const auto& [x, y] : {std::pair{70, 70}, {80, 80}, {95, 50}, {33, 20}, {0, 0}, {100, 100}}) {
+        press(x, y);
+        expectScreenIsUpToDate();
+        for (const int step : {3, -7, 30, -60}) {
+            move(x + step, y + step / 2);
+            expectScreenIsUpToDate();
+        }
+        release(x, y);
+        expectScreenIsUpToDate();
+    }
+}
+
+TEST_F(ZoneEditorRepaintTest, OnlyThePartThatChangesIsPaintedAnew) {
+    press(70, 70);
+    expectScreenIsUpToDate();
+
+    move(75, 70);
+    QApplication::processEvents();
+
+    EXPECT_LT(painted.boundingRect().width(), 200);
+    EXPECT_LT(painted.boundingRect().height(), 150);
+}
+
+TEST_F(ZoneEditorRepaintTest, ANewSelectionIsShownAtOnce) {
+    view->setSelected(1);
+    expectScreenIsUpToDate();
+    view->setSelected(-1);
+    expectScreenIsUpToDate();
+}
+
+TEST_F(ZoneEditorRepaintTest, KeyboardFocusIsSeenAndMouseFocusIsNot) {
+    const QImage without = whole();
+    QFocusEvent byKey(QEvent::FocusIn, Qt::TabFocusReason);
+    QApplication::sendEvent(view.get(), &byKey);
+    EXPECT_NE(whole(), without);
+
+    QFocusEvent byMouse(QEvent::FocusIn, Qt::MouseFocusReason);
+    QApplication::sendEvent(view.get(), &byMouse);
+    EXPECT_EQ(whole(), without);
+}
+
+TEST_F(ZoneEditorRepaintTest, ADeletedZoneDisappears) {
+    const QRgb inZone = whole().pixel(at(30, 30));
+    QTest::keyClick(view.get(), Qt::Key_Delete);
+
+    EXPECT_NE(whole().pixel(at(30, 30)), inZone);
+    EXPECT_EQ(whole().pixel(at(31, 31)), whole().pixel(at(90, 31))) << "as where no zone has been";
+}
+
+} // namespace
+} // namespace tessarel
