@@ -2,10 +2,12 @@
 
 #include "platform/x11/conversions.h"
 #include "platform/x11/property.h"
+#include "platform/x11/stacking.h"
 
 #include <cstdint>
 #include <limits>
 #include <optional>
+#include <unordered_map>
 
 namespace tessarel::x11 {
 
@@ -71,25 +73,25 @@ X11WindowList::X11WindowList(Connection& connection, Monitors& monitors, ClientW
     : m_connection(connection), m_monitors(monitors), m_windows(windows) {}
 
 std::vector<ListedWindow> X11WindowList::onScreenWindows() {
-    const std::vector<xcb_window_t> windows = m_windows.frontToBack();
+    const std::vector<xcb_window_t> announced = m_windows.frontToBack();
+    StackingRequest stacking(m_connection, announced);
     const auto currentCookie = requestNumber(m_connection, m_connection.root(), Atom::NetCurrentDesktop);
-    std::vector<AppearanceRequest> appearances;
-    appearances.reserve(windows.size());
-    for (const xcb_window_t window : windows)
-        appearances.emplace_back(m_connection, window);
-    m_windows.learnAll(windows);
+    std::unordered_map<xcb_window_t, AppearanceRequest> appearances;
+    for (const xcb_window_t window : announced)
+        appearances.try_emplace(window, m_connection, window);
+    m_windows.learnAll(announced);
     const auto currentReply = propertyReply(m_connection, currentCookie);
     const auto current = value(currentReply);
 
     std::vector<ListedWindow> listed;
-    for (std::size_t i = 0; i < windows.size(); ++i) {
-        AppearanceRequest& appearance = appearances[i];
+    for (const xcb_window_t window : stacking.collect()) {
+        AppearanceRequest& appearance = appearances.at(window);
         appearance.collect();
-        const auto frame = m_windows.frame(windows[i]);
+        const auto frame = m_windows.frame(window);
         const bool isMinimized = frame && frame->states.hidden && !frame->states.shaded;
         if (!frame || isMinimized || !appearance.isOn(current))
             continue;
-        listed.push_back({layerOf(m_windows.traits(windows[i]).type), m_windows.pid(windows[i]),
+        listed.push_back({layerOf(m_windows.traits(window).type), m_windows.pid(window),
                           axFromRoot(frame->outer(), m_monitors.primaryOrigin()), appearance.alpha()});
     }
     return listed;

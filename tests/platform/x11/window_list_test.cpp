@@ -34,6 +34,15 @@ protected:
         }));
     }
 
+    /// Spoils what the window manager has announced, until it announces it again.
+    void setRootWindows(const std::string& property, const std::vector<xcb_window_t>& windowsThen) {
+        xcb_change_property(observer.x().get(), XCB_PROP_MODE_REPLACE, observer.root(),
+                            observer.x().atom(property), XCB_ATOM_WINDOW, 32,
+                            static_cast<std::uint32_t>(windowsThen.size()), windowsThen.data());
+        observer.x().roundTrip();
+        connection.flush();
+    }
+
     X11WindowList windowList{connection, monitors, windows};
 };
 
@@ -65,6 +74,21 @@ TEST_F(WindowListTest, WindowsAreListedFrontToBack) {
     EXPECT_EQ(all[0].axBounds, actualFrame(first));
     EXPECT_EQ(all[1].axBounds, actualFrame(third));
     EXPECT_EQ(all[2].axBounds, actualFrame(second));
+}
+
+TEST_F(WindowListTest, TheServersOrderIsRightWhereTheManagersIsOutdated) {
+    const xcb_window_t first = open({.client = {100, 100, 300, 200}});
+    const xcb_window_t second = open({.client = {200, 200, 310, 210}});
+    const xcb_window_t third = open({.client = {300, 300, 320, 220}});
+    settle();
+    setRootWindows("_NET_CLIENT_LIST_STACKING", {third, first, second});
+
+    const auto all = windowList.onScreenWindows();
+
+    ASSERT_EQ(all.size(), 3U);
+    EXPECT_EQ(all[0].axBounds, actualFrame(third));
+    EXPECT_EQ(all[1].axBounds, actualFrame(second));
+    EXPECT_EQ(all[2].axBounds, actualFrame(first));
 }
 
 TEST_F(WindowListTest, AMinimizedWindowIsNotOnTheScreen) {
