@@ -48,10 +48,10 @@ bool reportsSanitizer(const std::string& errors) {
 /// Ends the shared desktops before the test program ends.
 class SharedDesktops : public testing::Environment {
 public:
-    Desktop& desktop(WindowManagerKind kind) {
+    Desktop& desktop(WindowManagerKind kind, std::string_view settings) {
         std::unique_ptr<Desktop>& desktop = m_desktops[kind];
         if (!desktop) {
-            desktop = std::make_unique<Desktop>(DesktopOptions{.manager = kind});
+            desktop = std::make_unique<Desktop>(DesktopOptions{.manager = kind, .settings = settings});
             EXPECT_TRUE(desktop->start());
         }
         return *desktop;
@@ -173,8 +173,8 @@ bool Desktop::waitUntilOnlyPanel() {
     });
 }
 
-Desktop& sharedDesktop(WindowManagerKind kind) {
-    return sharedDesktops().desktop(kind);
+Desktop& sharedDesktop(WindowManagerKind kind, std::string_view settings) {
+    return sharedDesktops().desktop(kind, settings);
 }
 
 } // namespace tessarel::x11test

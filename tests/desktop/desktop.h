@@ -17,6 +17,9 @@ namespace tessarel::x11test {
 /// Settings of somebody who has started the program before.
 inline constexpr std::string_view kUsualSettings = R"({"hasOnboarded":true})";
 
+/// Those of somebody who lets windows open where they want to.
+inline constexpr std::string_view kNoHomes = R"({"hasOnboarded":true,"rememberApps":false})";
+
 /// The hot keys that the program comes with.
 namespace hotkey {
 [[nodiscard]] constexpr Combination zone(int number) {
@@ -93,8 +96,9 @@ private:
     std::unique_ptr<Program> m_program;
 };
 
-/// The desktop of a window manager with one display, on which the program runs; started at first use, kept
-/// for the tests that follow, and ended in good order after the last one.
-[[nodiscard]] Desktop& sharedDesktop(WindowManagerKind kind);
+/// The desktop of a window manager with one display, on which the program runs; started at first use with
+/// `settings`, kept for the tests that follow, and ended in good order after the last one. Windows of one
+/// test open where they want to whatever another has done, unless the settings say otherwise.
+[[nodiscard]] Desktop& sharedDesktop(WindowManagerKind kind, std::string_view settings = kNoHomes);
 
 } // namespace tessarel::x11test

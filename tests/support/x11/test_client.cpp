@@ -79,8 +79,20 @@ void addAppearance(Command& command, const WindowOptions& options) {
         command.option("transient-for", std::to_string(options.transientFor));
     if (options.overrideRedirect)
         command.option("override", "1");
+    if (options.desktop)
+        command.option("desktop", std::to_string(*options.desktop));
+    if (options.comesBackAfter)
+        command.option("comes-back-after", std::to_string(options.comesBackAfter->count()));
     for (const std::uint32_t value : options.strut)
         command.option("strut", std::to_string(value));
+}
+
+void addWindow(Command& command, const WindowOptions& options) {
+    const Frame& client = options.client;
+    command.option("client", list({client.x, client.y, client.width, client.height}));
+    addIdentity(command, options);
+    addSizeHints(command, options);
+    addAppearance(command, options);
 }
 
 std::string hexadecimal(std::string_view bytes) {
@@ -105,16 +117,19 @@ std::string TestClient::ask(const std::string& command) {
 
 xcb_window_t TestClient::open(const WindowOptions& options) {
     Command command("open");
-    const Frame& client = options.client;
-    command.option("client", list({client.x, client.y, client.width, client.height}));
-    addIdentity(command, options);
-    addSizeHints(command, options);
-    addAppearance(command, options);
+    addWindow(command, options);
     return static_cast<xcb_window_t>(std::stoul(ask(command.text())));
 }
 
 void TestClient::destroy(xcb_window_t window) {
     ask(Command("destroy").add(window).text());
+}
+
+void TestClient::openAndClose(const WindowOptions& options, int count) {
+    Command command("open-and-close");
+    command.option("count", std::to_string(count));
+    addWindow(command, options);
+    ask(command.text());
 }
 
 ConfigureCount TestClient::configures(xcb_window_t window) {

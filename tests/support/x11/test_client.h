@@ -6,6 +6,7 @@
 
 #include <xcb/xcb.h>
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -39,7 +40,11 @@ struct WindowOptions {
     xcb_window_t transientFor = XCB_WINDOW_NONE;
     bool processId = true;
     bool overrideRedirect = false;
-    std::vector<std::uint32_t> strut = {}; ///< the twelve values of a panel
+    std::vector<std::uint32_t> strut = {};     ///< the twelve values of a panel
+    std::optional<std::uint32_t> desktop = {}; ///< number of the desktop that it asks to open on
+    /// How long after it has come up the client moves it back to `client`, as programs do that remember where
+    /// they were.
+    std::optional<std::chrono::milliseconds> comesBackAfter = {};
 };
 
 /// How many ConfigureNotify events a window has had from the server, and from the window manager.
@@ -61,6 +66,8 @@ public:
     /// Makes a window and maps it; whether it has come up is for the caller to wait for.
     [[nodiscard]] xcb_window_t open(const WindowOptions& options = {});
     void destroy(xcb_window_t window);
+    /// Opens so many windows one after the other, each as soon as the one before has been shown and closed.
+    void openAndClose(const WindowOptions& options, int count);
 
     [[nodiscard]] ConfigureCount configures(xcb_window_t window);
 

@@ -2,9 +2,13 @@
 // answers each with one line. Knows no Tessarel.
 #include "support/x11/x_connection.h"
 
+#include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstring>
 #include <iostream>
+#include <map>
+#include <optional>
 #include <poll.h>
 #include <sstream>
 #include <string>
@@ -63,6 +67,18 @@ private:
     std::map<std::string, Words> m_values;
 };
 
+constexpr std::uint16_t kPlace =
+    XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
+
+using Clock = std::chrono::steady_clock;
+
+/// A window that its program moves back to where it had been before.
+struct Return {
+    std::chrono::milliseconds delay;
+    Numbers frame;
+    std::optional<Clock::time_point> due; ///< once the window has been shown
+};
+
 struct Counters {
     int real = 0;
     int synthetic = 0;
@@ -75,6 +91,9 @@ public:
 private:
     std::string answer(const Words& words);
     std::string open(const Options& options);
+    xcb_window_t make(const Options& options);
+    void openAndClose(const Options& options);
+    void waitUntilShown(xcb_window_t window);
     void setIdentity(xcb_window_t window, const Options& options);
     void setSizeHints(xcb_window_t window, const Options& options);
     void setAppearance(xcb_window_t window, const Options& options);
@@ -86,9 +105,12 @@ private:
     void setProperty(const Words& words);
     void drainEvents();
     void take(const xcb_generic_event_t& event);
+    int moveBack();
 
     XConnection m_x{std::getenv("DISPLAY")};
     std::map<xcb_window_t, Counters> m_counters;
+    std::map<xcb_window_t, Return> m_returns;
+    std::optional<xcb_window_t> m_lastShown;
     int m_keyPresses = 0;
 };
 
@@ -165,6 +187,8 @@ void Client::setAppearance(xcb_window_t window, const Options& options) {
         states.push_back(m_x.atom(name));
     if (!states.empty())
         setNumbers(window, "_NET_WM_STATE", "ATOM", states);
+    if (options.has("desktop"))
+        setNumbers(window, "_NET_WM_DESKTOP", "CARDINAL", options.list("desktop"));
     Numbers strut;
     for (const std::string& value : options.all("strut"))
         strut.push_back(number(value));
@@ -174,7 +198,7 @@ void Client::setAppearance(xcb_window_t window, const Options& options) {
     setNumbers(window, "_NET_WM_STRUT", "CARDINAL", Numbers(strut.begin(), strut.begin() + 4));
 }
 
-std::string Client::open(const Options& options) {
+xcb_window_t Client::make(const Options& options) {
     const Numbers client = options.list("client");
     const xcb_window_t window = xcb_generate_id(m_x.get());
     const Numbers attributes = {m_x.screen().white_pixel, options.has("override") ? 1U : 0U,
@@ -188,7 +212,35 @@ std::string Client::open(const Options& options) {
     setSizeHints(window, options);
     setAppearance(window, options);
     xcb_map_window(m_x.get(), window);
+    return window;
+}
+
+std::string Client::open(const Options& options) {
+    const xcb_window_t window = make(options);
+    if (options.has("comes-back-after")) {
+        const std::chrono::milliseconds delay(number(options.one("comes-back-after")));
+        m_returns[window] = {delay, options.list("client"), std::nullopt};
+    }
     return std::to_string(window);
+}
+
+void Client::openAndClose(const Options& options) {
+    for (std::uint32_t left = number(options.one("count")); left > 0; --left) {
+        const xcb_window_t window = make(options);
+        waitUntilShown(window);
+        xcb_destroy_window(m_x.get(), window);
+    }
+    m_counters.clear();
+}
+
+void Client::waitUntilShown(xcb_window_t window) {
+    xcb_flush(m_x.get());
+    while (m_lastShown != window) {
+        const auto event = own(xcb_wait_for_event(m_x.get()));
+        if (!event)
+            return;
+        take(*event);
+    }
 }
 
 std::string Client::grab(const Words& words) {
@@ -211,6 +263,8 @@ std::string Client::answer(const Words& words) {
         return open(Options(words));
     if (command == "destroy")
         xcb_destroy_window(m_x.get(), number(words.at(1)));
+    else if (command == "open-and-close")
+        openAndClose(Options(words));
     else if (command == "property")
         setProperty(words);
     else if (command == "grab")
@@ -235,6 +289,11 @@ void Client::take(const xcb_generic_event_t& event) {
     const auto type = event.response_type & 0x7f;
     if (type == XCB_KEY_PRESS)
         ++m_keyPresses;
+    if (type == XCB_MAP_NOTIFY) {
+        m_lastShown = reinterpret_cast<const xcb_map_notify_event_t&>(event).window;
+        if (const auto one = m_returns.find(*m_lastShown); one != m_returns.end() && !one->second.due)
+            one->second.due = Clock::now() + one->second.delay;
+    }
     if (type != XCB_CONFIGURE_NOTIFY)
         return;
     Counters& counters = m_counters[reinterpret_cast<const xcb_configure_notify_event_t&>(event).window];
@@ -247,14 +306,35 @@ void Client::drainEvents() {
         take(*event);
 }
 
+/// Moves back what is due; answers how many milliseconds the next one has time, as poll() takes it.
+int Client::moveBack() {
+    const auto now = Clock::now();
+    int wait = -1;
+    std::erase_if(m_returns, [&](const auto& entry) {
+        const auto& [window, back] = entry;
+        if (!back.due)
+            return false;
+        if (*back.due <= now) {
+            xcb_configure_window(m_x.get(), window, kPlace, back.frame.data());
+            return true;
+        }
+        const auto left =
+            static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(*back.due - now).count());
+        wait = wait < 0 ? left : std::min(wait, left);
+        return false;
+    });
+    return wait;
+}
+
 int Client::run() {
     std::string unread;
     while (xcb_connection_has_error(m_x.get()) == 0) {
+        const int wait = moveBack();
         xcb_flush(m_x.get());
         std::array<pollfd, 2> files = {
             {{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0},
              {.fd = xcb_get_file_descriptor(m_x.get()), .events = POLLIN, .revents = 0}}};
-        ::poll(files.data(), files.size(), -1);
+        ::poll(files.data(), files.size(), wait);
         drainEvents();
         if (files[0].revents == 0)
             continue;
