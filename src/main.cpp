@@ -1,6 +1,7 @@
 #include "app/app_delegate.h"
 #include "model/config.h"
 #include "platform/qt/qt_alerts.h"
+#include "platform/qt/qt_local_keys.h"
 #include "platform/qt/qt_main_queue.h"
 #include "platform/qt/qt_messages.h"
 #include "platform/qt/qt_open_url.h"
@@ -12,6 +13,7 @@
 #include "platform/qt/termination_signals.h"
 #include "platform/x11/connection.h"
 #include "platform/x11/desktop.h"
+#include "platform/x11/key_down.h"
 #include "settings_ui/settings_window_controller.h"
 
 #include <QApplication>
@@ -88,6 +90,7 @@ int run(const char* programName) {
     qt::QtAlerts alerts;
     qt::QtOpenUrl openUrl;
     x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl);
+    qt::QtLocalKeys localKeys(x11::keyDown);
     qt::QtOwnApplication application;
     qt::QtOverlay overlay(queue,
                           [&desktop](const Rect& screenFrame) { return desktop.rootPixels(screenFrame); });
@@ -101,6 +104,7 @@ int run(const char* programName) {
                            .application = application,
                            .displays = desktop.displays,
                            .hotKeys = desktop.hotKeys,
+                           .localKeys = localKeys,
                            .mainMenu = desktop.mainMenu,
                            .mainQueue = queue,
                            .mouse = desktop.mouse,

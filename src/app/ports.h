@@ -7,6 +7,7 @@
 #include "ports/application_port.h"
 #include "ports/displays_port.h"
 #include "ports/hot_key_port.h"
+#include "ports/local_keys_port.h"
 #include "ports/main_menu_port.h"
 #include "ports/main_queue_port.h"
 #include "ports/mouse_port.h"
@@ -31,6 +32,7 @@ struct Ports {
     ApplicationPort& application;
     DisplaysPort& displays;
     HotKeyPort& hotKeys;
+    LocalKeysPort& localKeys;
     MainMenuPort& mainMenu;
     MainQueuePort& mainQueue;
     MousePort& mouse;

@@ -6,6 +6,7 @@
 #include "ports/alert_sound_port.h"
 #include "ports/displays_port.h"
 #include "ports/hot_key_port.h"
+#include "ports/local_keys_port.h"
 #include "ports/main_queue_port.h"
 #include "ports/mouse_port.h"
 #include "ports/single_instance_port.h"
@@ -56,6 +57,7 @@ public:
     virtual AlertSoundPort& alertSound() = 0;
     virtual DisplaysPort& displays() = 0;
     virtual HotKeyPort& hotKeys() = 0;
+    virtual LocalKeysPort& localKeys() = 0;
     virtual MousePort& mouse() = 0;
     virtual TrustPort& trust() = 0;
     virtual WorkspacePort& workspace() = 0;
@@ -81,6 +83,8 @@ public:
     virtual WindowHandle openWindow(AppHandle application, const WindowOptions& options) = 0;
     /// Gives the window the keyboard focus and brings it to the front.
     virtual void focus(WindowHandle window) = 0;
+    /// Gives the keyboard focus to a window of the program under test, which is opened when there is none.
+    virtual void focusOwnWindow() = 0;
     virtual void minimize(WindowHandle window) = 0;
     virtual void enterFullScreen(WindowHandle window) = 0;
     virtual void closeWindow(WindowHandle window) = 0;

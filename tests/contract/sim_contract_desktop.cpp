@@ -20,6 +20,7 @@ public:
     AlertSoundPort& alertSound() override { return m_desktop.alertSound(); }
     DisplaysPort& displays() override { return m_desktop.displays(); }
     HotKeyPort& hotKeys() override { return m_desktop.hotKeys(); }
+    LocalKeysPort& localKeys() override { return m_desktop.localKeys(); }
     MousePort& mouse() override { return m_desktop.mouse(); }
     TrustPort& trust() override { return m_desktop.trust(); }
     WorkspacePort& workspace() override { return m_desktop.workspace(); }
@@ -52,6 +53,7 @@ public:
         return {static_cast<int>(m_desktop.openWindow(application.number, window))};
     }
     void focus(WindowHandle window) override { m_desktop.focus(id(window)); }
+    void focusOwnWindow() override { m_desktop.openOwnWindow({100, 100, 400, 300}); }
     void minimize(WindowHandle window) override { m_desktop.window(id(window)).minimized = true; }
     void enterFullScreen(WindowHandle window) override { m_desktop.window(id(window)).fullScreen = true; }
     void closeWindow(WindowHandle window) override { m_desktop.close(id(window)); }
@@ -60,9 +62,7 @@ public:
     void addPanel(double height) override { m_desktop.setMenuBar(height); }
     void disconnectSecondDisplay() override { m_desktop.removeScreen(m_second); }
 
-    void pressKeys(std::uint32_t keyCode, std::uint32_t mods) override {
-        m_desktop.hotKeys().press(keyCode, mods);
-    }
+    void pressKeys(std::uint32_t keyCode, std::uint32_t mods) override { m_desktop.pressKeys(keyCode, mods); }
     void movePointer(const Point& axPoint) override { m_desktop.mouse().moveTo(axPoint); }
     void pressLeftButton() override { m_desktop.mouse().press(); }
     void releaseLeftButton() override { m_desktop.mouse().release(); }

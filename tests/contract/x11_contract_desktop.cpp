@@ -1,4 +1,5 @@
 #include "contract/contract_desktop.h"
+#include "platform/qt/qt_local_keys.h"
 #include "platform/qt/qt_main_queue.h"
 #include "platform/sim/sim_services.h"
 #include "platform/x11/accessibility.h"
@@ -9,6 +10,7 @@
 #include "platform/x11/file_preferences.h"
 #include "platform/x11/hot_keys.h"
 #include "platform/x11/key_codes.h"
+#include "platform/x11/key_down.h"
 #include "platform/x11/monitors.h"
 #include "platform/x11/mouse.h"
 #include "platform/x11/single_instance.h"
@@ -18,20 +20,24 @@
 #include "support/x11/keyboard.h"
 #include "support/x11/mouse.h"
 #include "support/x11/observer.h"
+#include "support/x11/qt_barrier.h"
 #include "support/x11/test_client.h"
 #include "support/x11/window_manager.h"
 #include "support/x11/x_server.h"
 
-#include <QCoreApplication>
 #include <QEventLoop>
+#include <QGuiApplication>
+#include <QRasterWindow>
 #include <QTimer>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <fstream>
 #include <functional>
 #include <iterator>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <utility>
 #include <vector>
@@ -76,15 +82,6 @@ std::uint16_t modifierMask(std::uint64_t modifierFlags) {
     return static_cast<std::uint16_t>(mask);
 }
 
-/// The event loop of the program.
-QCoreApplication& application() {
-    static int argc = 1;
-    static char name[] = "x11_contract_test";
-    static char* argv[] = {name, nullptr};
-    static QCoreApplication instance(argc, argv);
-    return instance;
-}
-
 /// Two monitors under a window manager, shared by all cases.
 class Stage {
 public:
@@ -127,6 +124,52 @@ private:
     }
 
     bool m_complete = true;
+};
+
+/// The program's windows on the stage, and its event loop.
+class Program {
+public:
+    static Program& shared() {
+        static Program program(Stage::shared());
+        return program;
+    }
+
+    void focusOwnWindow() {
+        m_window.emplace();
+        m_window->setGeometry(300, 200, 200, 100);
+        m_window->show();
+        m_window->requestActivate();
+        require(m_barrier->waitUntil([this] { return QGuiApplication::focusWindow() == &*m_window; }),
+                "the focus in a window of ours");
+        settle();
+    }
+    void waitUntilWithoutFocus() {
+        require(m_barrier->waitUntil([] { return QGuiApplication::focusWindow() == nullptr; }),
+                "the focus elsewhere");
+        settle(); // Qt lets go of the keyboard
+    }
+    void closeWindow() {
+        m_window.reset();
+        settle();
+    }
+    void settle() { require(m_barrier->pass(), "an answer of Qt"); }
+
+private:
+    explicit Program(Stage& stage) {
+        for (const auto& [name, value] : stage.server.environment())
+            qputenv(name.c_str(), value.c_str());
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+        qputenv("QT_QPA_PLATFORM", "xcb");
+        m_application.emplace(m_argumentCount, m_arguments.data());
+        m_barrier.emplace(stage.observer);
+    }
+
+    int m_argumentCount = 1;
+    std::array<char, 5> m_programName{"test"};
+    std::array<char*, 2> m_arguments{m_programName.data(), nullptr};
+    std::optional<QGuiApplication> m_application;
+    std::optional<x11test::QtBarrier> m_barrier;
+    std::optional<QRasterWindow> m_window;
 };
 
 /// A connection that lives on the event loop.
@@ -175,6 +218,7 @@ public:
     ~X11ContractDesktop() override {
         m_stage.mouse.release();
         m_stage.mouse.hold(0);
+        m_program.closeWindow();
         m_applications.clear();
         m_panel.reset();
         m_holder.reset();
@@ -185,6 +229,7 @@ public:
     AlertSoundPort& alertSound() override { return m_bell; }
     DisplaysPort& displays() override { return m_displays; }
     HotKeyPort& hotKeys() override { return m_hotKeys; }
+    LocalKeysPort& localKeys() override { return m_localKeys; }
     MousePort& mouse() override { return m_mouse; }
     TrustPort& trust() override { return m_trust; }
     WorkspacePort& workspace() override { return m_workspace; }
@@ -215,6 +260,10 @@ public:
 
     WindowHandle openWindow(AppHandle application, const WindowOptions& options) override;
     void focus(WindowHandle window) override;
+    void focusOwnWindow() override {
+        m_program.focusOwnWindow();
+        settle();
+    }
     void minimize(WindowHandle window) override;
     void enterFullScreen(WindowHandle window) override;
     void closeWindow(WindowHandle window) override;
@@ -275,8 +324,8 @@ private:
     [[nodiscard]] static x11test::Combination combination(std::uint32_t keyCode, std::uint32_t mods);
     void waitFor(const char* what, const std::function<bool()>& holds);
 
-    QCoreApplication& m_application = application();
     Stage& m_stage = Stage::shared();
+    Program& m_program = Program::shared();
     Observer& m_observer = m_stage.observer;
     x11test::TemporaryFolder m_folder;
     x11test::TemporaryFolder m_entries; // of installed applications
@@ -296,6 +345,7 @@ private:
     x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows, m_watch};
     x11::X11Workspace m_workspace{m_applicationsSeen, m_watch};
     x11::X11HotKeys m_hotKeys{m_line.connection()};
+    qt::QtLocalKeys m_localKeys{x11::keyDown};
     x11::X11Mouse m_mouse{m_line.connection(), m_monitors, m_windows, m_line.queue()};
     x11::X11Bell m_bell{m_line.connection()};
     x11::X11Trust m_trust{m_line.connection(), x11::Session::X11, m_line.queue(), m_alerts, m_openUrl};
@@ -364,6 +414,7 @@ void X11ContractDesktop::focus(WindowHandle window) {
         const bool isOnTop = top == stack.rend() || *top == id(window); // a single window may have no stack
         return m_observer.activeWindow() == id(window) && isOnTop;
     });
+    m_program.waitUntilWithoutFocus();
 }
 
 void X11ContractDesktop::minimize(WindowHandle window) {
@@ -438,9 +489,7 @@ void X11ContractDesktop::settle() {
     for (const auto& copy : m_copies)
         copy->roundTrip(); // what the others have just sent
     m_line.roundTrip();
-    QEventLoop loop;
-    while (loop.processEvents())
-        continue;
+    m_program.settle();
 }
 
 void X11ContractDesktop::advance(MainQueuePort::Duration duration) {

@@ -14,6 +14,7 @@ inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance) {
             .application = desktop.ownApplication(),
             .displays = desktop.displays(),
             .hotKeys = desktop.hotKeys(),
+            .localKeys = desktop.localKeys(),
             .mainMenu = desktop.mainMenu(),
             .mainQueue = desktop.mainQueue(),
             .mouse = desktop.mouse(),

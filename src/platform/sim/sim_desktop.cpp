@@ -1,10 +1,24 @@
 #include "platform/sim/sim_desktop.h"
 
+#include "model/carbon_mods.h"
+
 #include <algorithm>
 #include <stdexcept>
 #include <utility>
 
 namespace tessarel::sim {
+
+namespace {
+
+/// The flags of an event for which `carbonMods` gives `mods`.
+ModifierFlags modifierFlags(std::uint32_t mods) {
+    ModifierFlags flags = 0;
+    for (const ModifierFlags flag : {kShiftFlag, kControlFlag, kOptionFlag, kCommandFlag})
+        flags |= (carbonMods(flag) & mods) != 0 ? flag : 0;
+    return flags;
+}
+
+} // namespace
 
 Screen SimDesktop::addScreen(const ScreenOptions& options) {
     const Rect& frame = options.frame;
@@ -96,6 +110,13 @@ void SimDesktop::focus(WindowId id) {
     const ProcessId pid = windows.front().pid;
     application(pid).focusedWindow = id;
     m_state.activateApplication(pid);
+}
+
+void SimDesktop::pressKeys(std::uint32_t keyCode, std::uint32_t mods) {
+    if (m_state.frontmost == SimState::kOwnPid && m_localKeys.monitors() > 0)
+        m_localKeys.press({keyCode, modifierFlags(mods)});
+    else
+        m_hotKeys.press(keyCode, mods);
 }
 
 std::vector<std::string> SimDesktop::takeRequests() {

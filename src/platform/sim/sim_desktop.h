@@ -3,6 +3,7 @@
 #include "platform/sim/sim_accessibility.h"
 #include "platform/sim/sim_displays.h"
 #include "platform/sim/sim_hot_keys.h"
+#include "platform/sim/sim_local_keys.h"
 #include "platform/sim/sim_login_item.h"
 #include "platform/sim/sim_main_queue.h"
 #include "platform/sim/sim_mouse.h"
@@ -88,6 +89,10 @@ public:
     void focus(WindowId id);
     void close(WindowId id) { m_state.closeWindow(id); }
 
+    /// The user presses a key together with modifiers, bits as in `HotKeyRequest`. Monitors of the program
+    /// under test have it while a window of that program is in front, hot keys otherwise.
+    void pressKeys(std::uint32_t keyCode, std::uint32_t mods);
+
     /// The reads and writes of attributes since the last call, in order.
     [[nodiscard]] std::vector<std::string> takeRequests();
     /// Those of them that are writes.
@@ -105,6 +110,7 @@ public:
     [[nodiscard]] SimAlerts& alerts() { return m_alerts; }
     [[nodiscard]] SimDisplays& displays() { return m_displays; }
     [[nodiscard]] SimHotKeys& hotKeys() { return m_hotKeys; }
+    [[nodiscard]] SimLocalKeys& localKeys() { return m_localKeys; }
     [[nodiscard]] SimLoginItem& loginItem() { return m_loginItem; }
     [[nodiscard]] SimMainMenu& mainMenu() { return m_mainMenu; }
     [[nodiscard]] SimMainQueue& mainQueue() { return m_mainQueue; }
@@ -136,6 +142,7 @@ private:
     SimAlerts m_alerts;
     SimDisplays m_displays{m_state};
     SimHotKeys m_hotKeys;
+    SimLocalKeys m_localKeys;
     SimLoginItem m_loginItem;
     SimMainMenu m_mainMenu;
     SimMainQueue m_mainQueue{m_state.clock};

@@ -1,6 +1,7 @@
 #include "platform/x11/mouse.h"
 
 #include "platform/x11/conversions.h"
+#include "platform/x11/modifier_flags.h"
 #include "platform/x11/window_at_point.h"
 #include "platform/x11/window_traits.h"
 
@@ -19,25 +20,6 @@ constexpr std::uint32_t kLastOrdinaryButton = 3;
 /// Another program that holds the mouse back after a press is given so many looks to let it go.
 constexpr int kLooksForPress = 10;
 constexpr std::chrono::milliseconds kBetweenLooks{25};
-
-struct ModifierBit {
-    std::uint16_t server;
-    std::uint64_t flag;
-};
-
-constexpr std::array kModifierBits = std::to_array<ModifierBit>({
-    {XCB_MOD_MASK_SHIFT, modifier_flag::kShift},
-    {XCB_MOD_MASK_CONTROL, modifier_flag::kControl},
-    {XCB_MOD_MASK_1, modifier_flag::kOption},
-    {XCB_MOD_MASK_4, modifier_flag::kCommand},
-});
-
-std::uint64_t modifierFlags(std::uint16_t state) {
-    std::uint64_t flags = 0;
-    for (const auto& [server, flag] : kModifierBits)
-        flags |= (state & server) != 0 ? flag : 0;
-    return flags;
-}
 
 bool isAnyDown(const xcb_query_pointer_reply_t& pointer) {
     return (pointer.mask & (XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3)) != 0;

@@ -1,0 +1,17 @@
+#include "platform/x11/key_down.h"
+
+#include "platform/x11/key_codes.h"
+#include "platform/x11/modifier_flags.h"
+
+#include <limits>
+
+namespace tessarel::x11 {
+
+std::optional<KeyDown> keyDown(std::uint32_t keycode, std::uint32_t state) {
+    if (keycode > std::numeric_limits<std::uint8_t>::max())
+        return std::nullopt;
+    const auto keyCode = virtualKeyOf(static_cast<std::uint8_t>(keycode));
+    return keyCode ? std::optional(KeyDown{*keyCode, modifierFlags(state)}) : std::nullopt;
+}
+
+} // namespace tessarel::x11
