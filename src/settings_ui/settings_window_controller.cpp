@@ -76,7 +76,9 @@ void SettingsWindowController::show(std::optional<Tab> tab) {
     m_window->activateWindow();
 }
 
-void SettingsWindowController::refreshAll() {}
+void SettingsWindowController::refreshAll() {
+    m_shortcuts.refresh();
+}
 
 void SettingsWindowController::makeWindow() {
     m_window = std::make_unique<QWidget>(nullptr, kWindowFlags);
@@ -86,7 +88,7 @@ void SettingsWindowController::makeWindow() {
     m_tabs = new QTabWidget(m_window.get());
     m_tabs->setGeometry(kTabsFrame);
     addTab(m_layouts, QStringLiteral("Layouts"));
-    addTab(m_shortcuts, QStringLiteral("Shortcuts"));
+    addTab(*m_shortcuts.view(), QStringLiteral("Shortcuts"));
     addTab(m_general, QStringLiteral("General"));
     addTab(m_about, QStringLiteral("About"));
     addShortcut(*m_window, Qt::CTRL | Qt::Key_W, [this] { m_window->close(); });

@@ -2,6 +2,7 @@
 
 #include "app/settings_window.h"
 #include "settings_ui/kit.h"
+#include "settings_ui/shortcuts_tab.h"
 #include "settings_ui/tab_context.h"
 
 #include <memory>
@@ -44,7 +45,7 @@ private:
     QTabWidget* m_tabs = nullptr;
     TabContext m_context;
     FlippedView m_layouts;
-    FlippedView m_shortcuts;
+    ShortcutsTab m_shortcuts{m_context};
     FlippedView m_general;
     FlippedView m_about;
 };

@@ -1,0 +1,364 @@
+#include "settings_ui/recorder_button.h"
+
+#include "settings_ui/kit.h"
+#include "settings_ui/settings_ui_test.h"
+
+#include <QPushButton>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tessarel {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr KeyDown kEscape{53};
+constexpr KeyDown kFree{11, kControlFlag | kOptionFlag};         // Ctrl+Opt+B
+constexpr KeyDown kZone1Default{18, kControlFlag | kOptionFlag}; // Ctrl+Opt+1
+constexpr KeyDown kCenterDefault{8, kControlFlag | kOptionFlag};
+constexpr Binding kFreeBinding{11, kCtrlKey + kOptKey};
+
+class RecorderButtonTest : public SettingsUiTest {
+protected:
+    std::unique_ptr<RecorderButton> makeRecorder(ActionID action) {
+        auto made = std::make_unique<RecorderButton>(view, QRect(0, 0, 200, 26), context);
+        made->configure(action);
+        made->onChange = [this] { ++changes; };
+        return made;
+    }
+
+    /// The user presses a key in one of the program's windows.
+    bool press(const KeyDown& key) { return desktop.localKeys().press(key); }
+    [[nodiscard]] std::string title() const { return fullText(*recorder).toStdString(); }
+    [[nodiscard]] std::optional<Binding> binding(ActionID action = ActionID::center) const {
+        return services.store.binding(action);
+    }
+
+    FlippedView view;
+    int changes = 0;
+    std::unique_ptr<RecorderButton> recorder = makeRecorder(ActionID::center);
+};
+
+TEST_F(RecorderButtonTest, StartsOutForTheFirstAction) {
+    const RecorderButton fresh(view, {0, 0, 200, 26}, context);
+
+    EXPECT_EQ(fresh.actionID(), ActionID::zone1);
+    EXPECT_EQ(fullText(fresh), "Ctrl+Opt+1");
+}
+
+TEST_F(RecorderButtonTest, ShowsTheHotKeyOfItsAction) {
+    EXPECT_EQ(title(), "Ctrl+Opt+C");
+
+    recorder->configure(ActionID::nextDisplay);
+    EXPECT_EQ(recorder->actionID(), ActionID::nextDisplay);
+    EXPECT_EQ(title(), "Ctrl+Opt+Cmd+Right");
+
+    services.store.setBinding(std::nullopt, ActionID::nextDisplay);
+    recorder->refresh();
+    EXPECT_EQ(title(), "None");
+}
+
+TEST_F(RecorderButtonTest, WaitsForKeysOnceItHasBeenClicked) {
+    QTest::mouseClick(recorder.get(), Qt::LeftButton);
+
+    EXPECT_EQ(title(), "Press keys...");
+    EXPECT_TRUE(recorder->isRecording());
+    EXPECT_EQ(desktop.localKeys().monitors(), 1U);
+}
+
+TEST_F(RecorderButtonTest, ListensToNothingBeforeAndAfterRecording) {
+    EXPECT_EQ(desktop.localKeys().monitors(), 0U);
+    recorder->click();
+    press(kEscape);
+
+    EXPECT_EQ(desktop.localKeys().monitors(), 0U);
+    EXPECT_FALSE(press(kFree));
+    EXPECT_EQ(title(), "Ctrl+Opt+C");
+}
+
+TEST_F(RecorderButtonTest, StoresSavesAndAnnouncesAFreeCombination) {
+    recorder->click();
+
+    EXPECT_TRUE(press(kFree));
+
+    EXPECT_EQ(binding(), kFreeBinding);
+    ASSERT_TRUE(saved());
+    EXPECT_EQ(saved()->bindings.at("center"), kFreeBinding);
+    EXPECT_EQ(announcements, 1);
+    EXPECT_EQ(changes, 1);
+    EXPECT_EQ(title(), "Ctrl+Opt+B");
+    EXPECT_FALSE(recorder->isRecording());
+}
+
+TEST_F(RecorderButtonTest, HasStoredAndShownTheHotKeyWhenItTellsOfTheChange) {
+    std::string shown;
+    recorder->onChange = [&] { shown = title(); };
+    recorder->click();
+
+    press(kFree);
+
+    EXPECT_EQ(shown, "Ctrl+Opt+B");
+}
+
+TEST_F(RecorderButtonTest, NeedsNobodyToTellOfAChange) {
+    recorder->onChange = nullptr;
+    recorder->click();
+
+    press(kFree);
+
+    EXPECT_EQ(binding(), kFreeBinding);
+}
+
+TEST_F(RecorderButtonTest, ANewHotKeyIsRegisteredAtOnceAndTheOldOneNoMore) {
+    services.hotKeys.registerAll();
+    const auto follow =
+        services.store.tessarelSettingsChanged.addObserver([this] { services.hotKeys.registerAll(); });
+    recorder->click();
+
+    press(kFree);
+
+    EXPECT_TRUE(desktop.hotKeys().press(11, 4096 + 2048));
+    EXPECT_FALSE(desktop.hotKeys().press(8, 4096 + 2048));
+}
+
+TEST_F(RecorderButtonTest, EscapeCancels) {
+    recorder->click();
+
+    EXPECT_TRUE(press(kEscape));
+
+    EXPECT_EQ(title(), "Ctrl+Opt+C");
+    EXPECT_FALSE(recorder->isRecording());
+    EXPECT_FALSE(saved());
+    EXPECT_EQ(announcements, 0);
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(RecorderButtonTest, EscapeWithModifiersCancelsToo) {
+    recorder->click();
+
+    EXPECT_TRUE(press({53, kControlFlag | kOptionFlag}));
+
+    EXPECT_EQ(binding(), ActionID(ActionID::center).defaultBinding());
+    EXPECT_FALSE(recorder->isRecording());
+}
+
+TEST_F(RecorderButtonTest, ASecondClickCancels) {
+    recorder->click();
+    recorder->click();
+
+    EXPECT_EQ(title(), "Ctrl+Opt+C");
+    EXPECT_EQ(desktop.localKeys().monitors(), 0U);
+    EXPECT_FALSE(saved());
+}
+
+TEST_F(RecorderButtonTest, AKeyWithoutModifiersIsRefusedWithABeep) {
+    recorder->click();
+
+    EXPECT_TRUE(press({11}));
+
+    EXPECT_EQ(desktop.beeps(), 1);
+    EXPECT_EQ(title(), "Add Ctrl, Opt or Cmd");
+    EXPECT_TRUE(recorder->isRecording());
+    EXPECT_FALSE(saved());
+}
+
+TEST_F(RecorderButtonTest, OtherModifiersThanTheFourAreNone) {
+    recorder->click();
+
+    press({11, 0x10000 | 0x800000}); // Caps Lock and Fn
+
+    EXPECT_EQ(desktop.beeps(), 1);
+    EXPECT_TRUE(recorder->isRecording());
+}
+
+TEST_F(RecorderButtonTest, ShiftAloneIsEnough) {
+    recorder->click();
+
+    press({11, kShiftFlag});
+
+    EXPECT_EQ(binding(), (Binding{11, kShiftKey}));
+    EXPECT_EQ(title(), "Shift+B");
+    EXPECT_EQ(desktop.beeps(), 0);
+}
+
+TEST_F(RecorderButtonTest, AKeyWithoutANameIsRecordedByItsNumber) {
+    recorder->click();
+
+    press({105, kCommandFlag});
+
+    EXPECT_EQ(title(), "Cmd+Key105");
+}
+
+TEST_F(RecorderButtonTest, DeleteWithAModifierIsAKeyLikeAnyOther) {
+    recorder->click();
+
+    press({51, kCommandFlag});
+
+    EXPECT_EQ(title(), "Cmd+Delete");
+}
+
+TEST_F(RecorderButtonTest, ACombinationInUseIsRefusedAndItsActionNamed) {
+    recorder->click();
+
+    EXPECT_TRUE(press(kZone1Default));
+
+    EXPECT_EQ(title(), "In use: Snap to Zone 1");
+    EXPECT_TRUE(recorder->isRecording());
+    EXPECT_EQ(desktop.beeps(), 0);
+    EXPECT_FALSE(saved());
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(RecorderButtonTest, OfTwoActionsOnTheSameKeysTheFirstIsNamed) {
+    services.store.setBinding(kFreeBinding, ActionID::arrangeAll);
+    services.store.setBinding(kFreeBinding, ActionID::leftHalf);
+    recorder->click();
+
+    press(kFree);
+
+    EXPECT_EQ(title(), "In use: Left half");
+}
+
+TEST_F(RecorderButtonTest, ItsOwnCombinationIsStoredAgainWithoutComplaint) {
+    recorder->click();
+
+    press(kCenterDefault);
+
+    EXPECT_EQ(title(), "Ctrl+Opt+C");
+    EXPECT_FALSE(recorder->isRecording());
+    EXPECT_EQ(announcements, 1);
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(RecorderButtonTest, TheSameKeyWithOtherModifiersIsFree) {
+    recorder->click();
+
+    press({18, kControlFlag | kOptionFlag | kShiftFlag});
+
+    EXPECT_EQ(title(), "Ctrl+Opt+Shift+1");
+}
+
+TEST_F(RecorderButtonTest, AnotherTryNeedsNoClick) {
+    recorder->click();
+    press({11});
+    press(kZone1Default);
+
+    press(kFree);
+
+    EXPECT_EQ(binding(), kFreeBinding);
+    EXPECT_EQ(title(), "Ctrl+Opt+B");
+}
+
+TEST_F(RecorderButtonTest, AMessageStandsForOnePointThreeSeconds) {
+    recorder->click();
+    press(kZone1Default);
+
+    desktop.advance(1299ms);
+    EXPECT_EQ(title(), "In use: Snap to Zone 1");
+
+    desktop.advance(1ms);
+    EXPECT_EQ(title(), "Press keys...");
+}
+
+TEST_F(RecorderButtonTest, AMessageThatIsCutShortByEscapeDoesNotComeBack) {
+    recorder->click();
+    press(kZone1Default);
+    desktop.advance(1s);
+    press(kEscape);
+    EXPECT_EQ(title(), "Ctrl+Opt+C");
+
+    desktop.advance(1s);
+
+    EXPECT_EQ(title(), "Ctrl+Opt+C");
+}
+
+TEST_F(RecorderButtonTest, AMessageMayOutliveTheButton) {
+    recorder->click();
+    press(kZone1Default);
+
+    recorder.reset();
+
+    desktop.advance(2s);
+    EXPECT_EQ(desktop.localKeys().monitors(), 0U);
+}
+
+TEST_F(RecorderButtonTest, ItsEndInTheMiddleOfARecordingLetsGoOfTheKeys) {
+    recorder->click();
+
+    recorder.reset();
+
+    EXPECT_FALSE(press(kFree));
+    EXPECT_EQ(binding(), ActionID(ActionID::center).defaultBinding());
+}
+
+TEST_F(RecorderButtonTest, RefreshLeavesTheTitleAloneWhileRecording) {
+    recorder->click();
+    recorder->refresh();
+    EXPECT_EQ(title(), "Press keys...");
+
+    press(kZone1Default);
+    recorder->refresh();
+    EXPECT_EQ(title(), "In use: Snap to Zone 1");
+}
+
+TEST_F(RecorderButtonTest, ConfiguringEndsTheRecordingEvenForTheSameAction) {
+    for (const ActionID action : {ActionID::maximize, ActionID::maximize}) {
+        recorder->click();
+
+        recorder->configure(action);
+
+        EXPECT_FALSE(recorder->isRecording());
+        EXPECT_EQ(title(), "Ctrl+Opt+Return");
+        EXPECT_EQ(desktop.localKeys().monitors(), 0U);
+    }
+}
+
+TEST_F(RecorderButtonTest, AConfiguredRecorderRecordsForTheNewAction) {
+    recorder->configure(ActionID::maximize);
+    recorder->click();
+
+    press(kFree);
+
+    EXPECT_EQ(binding(ActionID::maximize), kFreeBinding);
+    EXPECT_EQ(binding(ActionID::center), ActionID(ActionID::center).defaultBinding());
+}
+
+TEST_F(RecorderButtonTest, TwoRecordersForOneActionAgreeAfterARefresh) {
+    const auto other = makeRecorder(ActionID::center);
+    recorder->click();
+    press(kFree);
+    EXPECT_EQ(fullText(*other), "Ctrl+Opt+C");
+
+    other->refresh();
+
+    EXPECT_EQ(fullText(*other), "Ctrl+Opt+B");
+}
+
+TEST_F(RecorderButtonTest, ALongMessageIsCutShortAndTheTooltipHasItWhole) {
+    recorder->click();
+
+    press({0, kControlFlag | kOptionFlag});
+
+    EXPECT_EQ(title(), "In use: Arrange windows into zones");
+    EXPECT_TRUE(recorder->text() == title().c_str() || recorder->toolTip() == title().c_str());
+}
+
+TEST_F(RecorderButtonTest, ScreenReadersHearTheActionAndThenItsHotKey) {
+    EXPECT_EQ(recorder->accessibleName(), "Center");
+    EXPECT_EQ(recorder->accessibleDescription(), "Ctrl+Opt+C");
+
+    recorder->click();
+    EXPECT_EQ(recorder->accessibleName(), "Center");
+    EXPECT_EQ(recorder->accessibleDescription(), "Press keys...");
+
+    recorder->configure(ActionID::zone3);
+    EXPECT_EQ(recorder->accessibleName(), "Snap to Zone 3");
+}
+
+} // namespace
+} // namespace tessarel
