@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iostream>
 #include <map>
+#include <utility>
 
 namespace tessarel::x11test {
 
@@ -49,7 +50,7 @@ bool reportsSanitizer(const std::string& errors) {
 class SharedDesktops : public testing::Environment {
 public:
     Desktop& desktop(WindowManagerKind kind, std::string_view settings) {
-        std::unique_ptr<Desktop>& desktop = m_desktops[kind];
+        std::unique_ptr<Desktop>& desktop = m_desktops[{kind, std::string(settings)}];
         if (!desktop) {
             desktop = std::make_unique<Desktop>(DesktopOptions{.manager = kind, .settings = settings});
             EXPECT_TRUE(desktop->start());
@@ -58,13 +59,13 @@ public:
     }
 
     void TearDown() override {
-        for (auto& [kind, desktop] : m_desktops)
-            EXPECT_TRUE(desktop->stop()) << kind;
+        for (auto& [key, desktop] : m_desktops)
+            EXPECT_TRUE(desktop->stop()) << key.first;
         m_desktops.clear();
     }
 
 private:
-    std::map<WindowManagerKind, std::unique_ptr<Desktop>> m_desktops;
+    std::map<std::pair<WindowManagerKind, std::string>, std::unique_ptr<Desktop>> m_desktops;
 };
 
 SharedDesktops& sharedDesktops() {

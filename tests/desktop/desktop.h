@@ -96,9 +96,9 @@ private:
     std::unique_ptr<Program> m_program;
 };
 
-/// The desktop of a window manager with one display, on which the program runs; started at first use with
-/// `settings`, kept for the tests that follow, and ended in good order after the last one. Windows of one
-/// test open where they want to whatever another has done, unless the settings say otherwise.
+/// The desktop of a window manager with one display, on which the program runs with `settings`; started at
+/// first use, kept for the tests that follow, and ended in good order after the last one. Without homes, no
+/// test finds its windows moved by what another has done.
 [[nodiscard]] Desktop& sharedDesktop(WindowManagerKind kind, std::string_view settings = kNoHomes);
 
 } // namespace tessarel::x11test

@@ -11,6 +11,8 @@ namespace {
 /// Windows dragged by their title bars, under each window manager, with Shift as the trigger.
 class DragTest : public SnapFixture {
 protected:
+    DragTest() : SnapFixture(kUsualSettings) {}
+
     /// Drags `window` into a zone and expects it to stay there.
     void dragInto(xcb_window_t window, int number) {
         const Frame zone = zoneFrame(number);

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "desktop/desktop.h"
-#include "desktop/expected.h"
 #include "desktop/snap_fixture.h"
 
 #include <gtest/gtest.h>
@@ -16,26 +14,15 @@ inline constexpr std::array kManagersForHomes = {WindowManagerKind::Openbox, Win
                                                  WindowManagerKind::Kwin};
 
 /// A program of which nobody but the test knows, and which gets a home once one of its windows is snapped.
-class HomesFixture : public testing::TestWithParam<WindowManagerKind> {
+class HomesFixture : public SnapFixture {
 protected:
-    ~HomesFixture() override {
-        client.process().kill();
-        EXPECT_TRUE(desktop.waitUntilOnlyPanel());
-    }
+    HomesFixture() : SnapFixture(kUsualSettings) {}
 
     /// What the windows of the program are like.
     [[nodiscard]] WindowOptions own() const { return {.className = m_className}; }
 
-    [[nodiscard]] Frame zoneFrame(int number) {
-        return frameIn(desktop.usableArea(), kZones.at(static_cast<std::size_t>(number - 1)));
-    }
     void expectInZone(xcb_window_t window, int number) {
         EXPECT_EQ(desktop.settledFrame(window, zoneFrame(number)), zoneFrame(number)) << "zone " << number;
-    }
-    void snap(xcb_window_t window, int number) {
-        ASSERT_TRUE(desktop.activate(window));
-        desktop.press(hotkey::zone(number));
-        expectInZone(window, number);
     }
     /// Snaps a window of the program by hand and ends it.
     void giveHome(int number) {
@@ -56,9 +43,6 @@ protected:
     /// Waits until all that was opened before has had its turn: windows have it in the order they come in,
     /// so the next one of the same running program has it last.
     void waitForTurnOfAllBefore(int number) { expectInZone(open(client, own()), number); }
-
-    Desktop& desktop = sharedDesktop(GetParam(), kUsualSettings);
-    TestClient client{desktop.server()};
 
 private:
     std::string m_className = testing::UnitTest::GetInstance()->current_test_info()->name();

@@ -6,12 +6,15 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 
 namespace tessarel::x11test {
 
 /// A window of another program on the shared desktop of each window manager.
 class SnapFixture : public testing::TestWithParam<WindowManagerKind> {
 protected:
+    explicit SnapFixture(std::string_view settings = kNoHomes)
+        : desktop(sharedDesktop(GetParam(), settings)) {}
     ~SnapFixture() override {
         client.process().kill();
         EXPECT_TRUE(desktop.waitUntilOnlyPanel());
@@ -36,7 +39,7 @@ protected:
         EXPECT_TRUE(desktop.program().running());
     }
 
-    Desktop& desktop = sharedDesktop(GetParam());
+    Desktop& desktop;
     TestClient client{desktop.server()};
 };
 
