@@ -187,8 +187,10 @@ void X11Mouse::follow(const News& news, const xcb_query_pointer_reply_t& pointer
     const auto self = m_self;
     const bool isDown = isLeftDown(pointer);
     const bool isPressedAgain = std::ranges::find(news.presses, *m_held) != news.presses.end();
+    // A program may have put the pointer somewhere else, which is no movement of the mouse.
+    const bool hasMoved = news.moved || rootPoint(pointer) != m_lastPlace;
     // Where a lost release happened nobody knows: not here.
-    if (news.moved && !isPressedAgain && (isDown || news.heldReleased))
+    if (hasMoved && !isPressedAgain && (isDown || news.heldReleased))
         deliver(MouseEventKind::LeftDragged, pointer);
     // A manager may hold the mouse back for a moment: then the button looks down though it is up.
     if (*self && (!isDown || news.heldReleased)) {
@@ -203,6 +205,7 @@ void X11Mouse::deliver(MouseEventKind kind, const xcb_query_pointer_reply_t& poi
     if (m_isOurs || m_monitors.all().empty())
         return;
     const Point root = rootPoint(pointer);
+    m_lastPlace = root;
     const Rect primary = m_monitors.all().front().rootFrame;
     const MouseEvent event{kind, screenFromRoot({root.x, root.y, 0, 0}, primary).origin(),
                            modifierFlags(pointer.mask)};

@@ -65,6 +65,13 @@ protected:
         driver.hear();
     }
 
+    /// As programs do it, which is no movement of the mouse.
+    void warpTo(std::int16_t x, std::int16_t y) {
+        xcb_warp_pointer(observer.x().get(), XCB_NONE, observer.root(), 0, 0, 0, 0, x, y);
+        observer.x().roundTrip();
+        driver.hear();
+    }
+
     /// What the server sends us between now and the end of `work`, unread.
     template <class Work>
     bool wakesUs(Work work) {
@@ -228,6 +235,28 @@ TEST_F(X11MouseTest, AMovementReadTogetherWithTheReleaseIsReportedBeforeIt) {
     driver.hear();
 
     EXPECT_EQ(takeKinds(), (Kinds{LeftDown, LeftDragged, LeftUp}));
+}
+
+TEST_F(X11MouseTest, WhereAProgramHasPutThePointerIsReportedBeforeTheRelease) {
+    press();
+    moveTo(1010, 590);
+    warpTo(700, 500);
+    release();
+
+    EXPECT_EQ(events, (Events{{LeftDown, {1000, 300}, 0},
+                              {LeftDragged, {1010, 310}, 0},
+                              {LeftDragged, {700, 400}, 0},
+                              {LeftUp, {700, 400}, 0}}));
+}
+
+TEST_F(X11MouseTest, AReleaseThatIsLostWhereAProgramHasPutThePointerIsNoMovementThere) {
+    press();
+    loseRelease();
+    warpTo(700, 500);
+
+    moveTo(701, 500);
+
+    EXPECT_EQ(takeKinds(), (Kinds{LeftDown, LeftUp}));
 }
 
 TEST_F(X11MouseTest, OtherButtonsInTheMiddleOfADragChangeNothing) {
