@@ -89,6 +89,13 @@ public:
     [[nodiscard]] virtual SubscriptionPtr
     onWindowCreated(const Element& application, std::function<void(const Element& window)> created) = 0;
 
+    /// Calls `closed` once `window` has closed, on the main thread, until the answer ends; not when it is
+    /// minimised, and not twice. Null when the element is no window of another program.
+    ///
+    /// Told by what the system reports anyway: neither the window's program nor anybody else is asked.
+    [[nodiscard]] virtual SubscriptionPtr onWindowClosed(const Element& window,
+                                                         std::function<void()> closed) = 0;
+
     /// The process that owns the element; empty when it has gone.
     [[nodiscard]] virtual std::optional<ProcessId> pid(const Element& element) = 0;
 };

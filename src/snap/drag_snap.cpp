@@ -72,6 +72,7 @@ void DragSnap::watch(MouseEventKind kind, Handler handler) {
 
 void DragSnap::reset() {
     m_candidate.reset();
+    m_candidateClosed.reset();
     m_dragging = false;
     m_target.reset();
     m_targetBounds.reset();
@@ -84,6 +85,8 @@ void DragSnap::mouseDown(const MouseEvent& event) {
     const bool isWanted = m_uses.store.settings.dragEnabled && !m_uses.runtime.paused;
     if (isWanted && m_uses.permissions.isTrusted())
         m_candidate = m_picker.pick(m_uses.geo.axPoint(event.screenLocation));
+    if (m_candidate)
+        m_candidateClosed = m_uses.accessibility.onWindowClosed(m_candidate->window, [this] { reset(); });
 }
 
 void DragSnap::mouseDragged(const MouseEvent& event) {

@@ -28,7 +28,8 @@ namespace tessarel {
 ///
 /// The drag itself is never touched. A press picks a candidate; once that has been seen to move without
 /// changing its size it is being dragged, and from then on until the release only the pointer is looked at.
-/// Every failure is silent: what cannot be read or moved is left alone.
+/// Every failure is silent: what cannot be read or moved is left alone. A window that closes in the middle of
+/// it all ends its drag.
 class DragSnap {
 public:
     /// What it works with; all of it outlives it.
@@ -79,7 +80,8 @@ private:
     SnapOffers m_offers;
     std::vector<SubscriptionPtr> m_monitors; ///< none while stopped
     std::optional<Candidate> m_candidate;    ///< grabbed at the last press
-    bool m_dragging = false;                 ///< the candidate has been seen to move
+    SubscriptionPtr m_candidateClosed;
+    bool m_dragging = false; ///< the candidate has been seen to move
     MainQueuePort::TimePoint m_lastRead = MainQueuePort::TimePoint::min(); ///< of a candidate's frame
     std::optional<Rect> m_target;                                          ///< where it goes when released
     std::optional<Rect> m_targetBounds;                                    ///< the visible area around that

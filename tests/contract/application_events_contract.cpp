@@ -191,5 +191,76 @@ TEST_F(WindowCreatedContract, ThisProgramCannotBeObserved) {
     EXPECT_FALSE(accessibility.onWindowCreated(own, [](const Element&) {}));
 }
 
+/// Hears of the end of one window of an application that has two.
+class WindowClosedContract : public ContractTest {
+protected:
+    [[nodiscard]] SubscriptionPtr observe(WindowHandle observed) {
+        return desktop->accessibility().onWindowClosed(desktop->element(observed), [this] { ++closed; });
+    }
+
+    AppHandle editor = desktop->launchApplication("org.example.editor");
+    WindowHandle other = desktop->openWindow(editor, {});
+    WindowHandle window = desktop->openWindow(editor, {});
+    int closed = 0;
+};
+
+TEST_F(WindowClosedContract, TheEndOfTheWindowIsReportedOnce) {
+    const auto observer = observe(window);
+    ASSERT_TRUE(observer);
+
+    desktop->closeWindow(window);
+    desktop->closeWindow(other);
+
+    EXPECT_EQ(closed, 1);
+}
+
+TEST_F(WindowClosedContract, TheEndOfItsProcessIsTheEndOfTheWindow) {
+    const auto observer = observe(window);
+
+    desktop->killApplication(editor);
+
+    EXPECT_EQ(closed, 1);
+}
+
+TEST_F(WindowClosedContract, NothingElseThatHappensIsReported) {
+    const auto observer = observe(window);
+
+    desktop->closeWindow(other);
+    desktop->focus(window);
+    (void)desktop->openWindow(editor, {});
+    desktop->minimize(window);
+
+    EXPECT_EQ(closed, 0);
+}
+
+TEST_F(WindowClosedContract, AnObserverThatHasGoneHearsNothing) {
+    auto observer = observe(window);
+    observer.reset();
+
+    desktop->closeWindow(window);
+
+    EXPECT_EQ(closed, 0);
+}
+
+TEST_F(WindowClosedContract, AnObserverMayEndItselfWhenCalled) {
+    SubscriptionPtr observer;
+    observer = desktop->accessibility().onWindowClosed(desktop->element(window), [&] {
+        ++closed;
+        observer.reset();
+    });
+
+    desktop->closeWindow(window);
+
+    EXPECT_EQ(closed, 1);
+}
+
+TEST_F(WindowClosedContract, OnlyWindowsClose) {
+    AccessibilityPort& accessibility = desktop->accessibility();
+
+    for (const Element& element :
+         {accessibility.application(desktop->pid(editor)), accessibility.systemWide(), Element{}})
+        EXPECT_FALSE(accessibility.onWindowClosed(element, [] {}));
+}
+
 } // namespace
 } // namespace tessarel::contract

@@ -55,19 +55,34 @@ TEST_F(DragSnapFaultsTest, ASecondPressWithoutAReleaseStartsOver) {
 
 TEST_F(DragSnapFaultsTest, AWindowClosedInTheMiddleOfADragIsNotPlaced) {
     beginDrag();
+
     desktop.close(window);
-    dragTo({1001, 500});
-
-    drop();
-
     EXPECT_FALSE(picture.isVisible);
+
+    dragTo({1001, 500});
+    EXPECT_FALSE(picture.isVisible);
+    (void)desktop.takeRequests();
+    drop();
+    EXPECT_THAT(desktop.takeRequests(), IsEmpty());
     window = desktop.openWindow("org.example.viewer", kStart);
     expectThatTheNextDragWorks();
+}
+
+TEST_F(DragSnapFaultsTest, AnotherWindowThatClosesInTheMiddleOfADragDoesNotMatter) {
+    const auto other = desktop.openWindow("org.example.viewer", {900, 300, 200, 100});
+    beginDrag();
+
+    desktop.close(other);
+
+    EXPECT_TRUE(picture.isVisible);
+    drop();
+    EXPECT_EQ(desktop.frame(window), kRight);
 }
 
 TEST_F(DragSnapFaultsTest, AProgramThatEndsInTheMiddleOfADragIsNotRemembered) {
     beginDrag();
     desktop.kill(desktop.window(window).pid);
+    EXPECT_FALSE(picture.isVisible);
 
     drop();
 

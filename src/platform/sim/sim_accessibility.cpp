@@ -218,6 +218,14 @@ SubscriptionPtr SimAccessibility::onWindowCreated(const Element& application,
     return m_state.windowObservers.add(name->pid, std::move(created));
 }
 
+SubscriptionPtr SimAccessibility::onWindowClosed(const Element& window, std::function<void()> closed) {
+    const Name* name = nameOf(window);
+    if (!name || name->kind != Name::Kind::Window || name->pid == SimState::kOwnPid)
+        return nullptr;
+    return m_state.closeObservers.add(name->window,
+                                      [closed = std::move(closed)](const WindowId& /*id*/) { closed(); });
+}
+
 void SimAccessibility::reportCreated(WindowId id) {
     if (const SimWindow* opened = m_state.window(id))
         m_state.windowObservers.call(opened->pid, window(id));

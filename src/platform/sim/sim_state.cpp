@@ -67,14 +67,22 @@ void SimState::closeWindow(WindowId id) {
                          [owner = pid](const SimWindow& window) { return window.pid == owner; });
         application.focusedWindow = next == windows.end() ? std::nullopt : std::optional(next->id);
     }
+    closeObservers.call(id, id);
 }
 
 void SimState::endApplication(ProcessId pid) {
     const auto ended = running(pid);
     applications.erase(pid);
+    std::vector<WindowId> closed;
+    for (const SimWindow& window : windows) {
+        if (window.pid == pid)
+            closed.push_back(window.id);
+    }
     std::erase_if(windows, [&](const SimWindow& window) { return window.pid == pid; });
     if (frontmost == pid)
         frontmost.reset();
+    for (const WindowId id : closed)
+        closeObservers.call(id, id);
     if (ended)
         applicationObservers.call(ApplicationEvent::Terminated, *ended);
 }

@@ -31,6 +31,7 @@ struct SimState {
     std::vector<std::string> requests;            ///< reads and writes of attributes, in order
     SimObservers<ApplicationEvent, RunningApplication> applicationObservers;
     SimObservers<ProcessId, Element> windowObservers; ///< by the process that opens the window
+    SimObservers<WindowId, WindowId> closeObservers;
 
     /// The application of process `pid`, or null.
     [[nodiscard]] SimApplication* application(ProcessId pid);

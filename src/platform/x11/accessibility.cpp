@@ -206,6 +206,13 @@ SubscriptionPtr X11Accessibility::onWindowCreated(const Element& application,
     });
 }
 
+SubscriptionPtr X11Accessibility::onWindowClosed(const Element& window, std::function<void()> closed) {
+    const auto [owner, number] = nativeElement(window);
+    if (number == XCB_WINDOW_NONE || isOwn(owner))
+        return nullptr;
+    return m_watch.onClosed(number, std::move(closed));
+}
+
 std::optional<ProcessId> X11Accessibility::pid(const Element& element) {
     const auto [pid, window] = nativeElement(element);
     const bool isThere =

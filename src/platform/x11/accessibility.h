@@ -41,6 +41,8 @@ public:
     [[nodiscard]] std::uintptr_t key(const Element& element) override;
     [[nodiscard]] SubscriptionPtr
     onWindowCreated(const Element& application, std::function<void(const Element& window)> created) override;
+    [[nodiscard]] SubscriptionPtr onWindowClosed(const Element& window,
+                                                 std::function<void()> closed) override;
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
 
 private:

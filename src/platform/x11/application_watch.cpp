@@ -12,6 +12,7 @@ namespace tessarel::x11 {
 
 /// What an update has found.
 struct ApplicationWatch::Changes {
+    std::vector<xcb_window_t> closed;
     std::vector<RunningApplication> terminated;
     std::vector<RunningApplication> launched;
     std::vector<xcb_window_t> opened; ///< by processes that ran before
@@ -33,6 +34,14 @@ SubscriptionPtr ApplicationWatch::onWindow(ProcessId pid, std::function<void(xcb
     return m_windowHandlers.add([pid, opened = std::move(opened)](ProcessId opener, xcb_window_t window) {
         if (opener == pid)
             opened(window);
+    });
+}
+
+SubscriptionPtr ApplicationWatch::onClosed(xcb_window_t window, std::function<void()> closed) {
+    begin();
+    return m_closedHandlers.add([window, closed = std::move(closed)](xcb_window_t gone) {
+        if (gone == window)
+            closed();
     });
 }
 
@@ -74,7 +83,7 @@ ApplicationWatch::Changes ApplicationWatch::update() {
     m_isOutdated = false;
     const std::vector<xcb_window_t> listed = m_windows.managed();
     Changes changes;
-    forgetClosed(listed);
+    changes.closed = takeClosed(listed);
     sortIn(takeOpened(listed), changes);
     terminateEnded(changes);
     return changes;
@@ -82,7 +91,7 @@ ApplicationWatch::Changes ApplicationWatch::update() {
 
 /// A window that is not listed any more has been closed, unless it is still to be seen: then it was the
 /// manager that has gone.
-void ApplicationWatch::forgetClosed(const std::vector<xcb_window_t>& listed) {
+std::vector<xcb_window_t> ApplicationWatch::takeClosed(const std::vector<xcb_window_t>& listed) {
     const std::unordered_set<xcb_window_t> present(listed.begin(), listed.end());
     std::vector<std::pair<xcb_window_t, xcb_get_window_attributes_cookie_t>> missing;
     for (auto& [window, known] : m_known) {
@@ -91,11 +100,15 @@ void ApplicationWatch::forgetClosed(const std::vector<xcb_window_t>& listed) {
         known.isListed = false;
         missing.emplace_back(window, xcb_get_window_attributes(m_connection.xcb(), window));
     }
+    std::vector<xcb_window_t> closed;
     for (const auto& [window, cookie] : missing) {
         const auto attributes = m_connection.reply<xcb_get_window_attributes_reply>(cookie);
         if (!attributes || attributes->map_state == XCB_MAP_STATE_UNMAPPED)
-            m_known.erase(window);
+            closed.push_back(window);
     }
+    for (const xcb_window_t window : closed)
+        m_known.erase(window);
+    return closed;
 }
 
 /// The listed windows that are new, and notes whose they are.
@@ -152,6 +165,8 @@ void ApplicationWatch::terminateEnded(Changes& changes) {
 }
 
 void ApplicationWatch::tell(const Changes& changes) {
+    for (const xcb_window_t window : changes.closed)
+        m_closedHandlers.call(window);
     for (const RunningApplication& application : changes.terminated)
         m_applicationHandlers[ApplicationEvent::Terminated].call(application);
     for (const RunningApplication& application : changes.launched)

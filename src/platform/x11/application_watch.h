@@ -33,6 +33,8 @@ public:
                                                 std::function<void(const RunningApplication&)> handler);
     /// Calls `opened` with every window that process `pid`, which runs already, opens from now on.
     [[nodiscard]] SubscriptionPtr onWindow(ProcessId pid, std::function<void(xcb_window_t)> opened);
+    /// Calls `closed` when `window`, which is managed, closes.
+    [[nodiscard]] SubscriptionPtr onClosed(xcb_window_t window, std::function<void()> closed);
 
 private:
     struct Window {
@@ -49,7 +51,7 @@ private:
     void note(const Connection::Event& event);
     void follow(const Connection::Event& event);
     [[nodiscard]] Changes update();
-    void forgetClosed(const std::vector<xcb_window_t>& listed);
+    [[nodiscard]] std::vector<xcb_window_t> takeClosed(const std::vector<xcb_window_t>& listed);
     [[nodiscard]] std::vector<xcb_window_t> takeOpened(const std::vector<xcb_window_t>& listed);
     void sortIn(const std::vector<xcb_window_t>& opened, Changes& changes);
     void launch(ProcessId pid, const std::vector<xcb_window_t>& windows, Changes& changes);
@@ -67,6 +69,7 @@ private:
     ProcessId m_active = 0;
     std::map<ApplicationEvent, CallbackList<const RunningApplication&>> m_applicationHandlers;
     CallbackList<ProcessId, xcb_window_t> m_windowHandlers;
+    CallbackList<xcb_window_t> m_closedHandlers;
     SubscriptionPtr m_observer;
     SubscriptionPtr m_handler;
 };
