@@ -1,5 +1,7 @@
 #include "desktop/window_drag.h"
 
+#include <gtest/gtest.h>
+
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -26,10 +28,11 @@ bool WindowDrag::begin(xcb_window_t window) {
 
 void WindowDrag::press(int x, int y) {
     step(x, y);
-    const long before = wakeUps();
+    EXPECT_TRUE(waitUntilAsleep(0));
+    const long before = wakeUpsOfSleeper().value_or(0);
     m_mouse.press();
     // A place that has been left before the program looks is not where it sees the press.
-    static_cast<void>(settle(before));
+    EXPECT_TRUE(waitUntilAsleep(before));
 }
 
 void WindowDrag::moveTo(int x, int y) {
@@ -58,22 +61,30 @@ void WindowDrag::step(int x, int y) {
     m_mouse.moveTo(x, y);
 }
 
-/// It has woken up since, and then slept for as long as the window manager takes for a few answers.
-bool WindowDrag::settle(long wakeUpsBefore) {
-    long last = wakeUpsBefore;
+/// It is asleep when it has nothing to read, and it may want to look again in a moment.
+bool WindowDrag::waitUntilAsleep(long wakeUps) {
+    constexpr int kLooks = 5;
+    int looks = 0;
+    long last = wakeUps;
     return m_observer.waitUntil([&] {
-        const long before = std::exchange(last, wakeUps());
-        return m_observer.settle() && m_observer.settle() && m_observer.settle() && before == last &&
-               last > wakeUpsBefore && wakeUps() == last;
+        const bool isSettled = m_observer.settle();
+        const auto now = wakeUpsOfSleeper();
+        looks = isSettled && now > wakeUps && now == last ? looks + 1 : 0;
+        last = now.value_or(last);
+        return looks >= kLooks;
     });
 }
 
-long WindowDrag::wakeUps() {
+std::optional<long> WindowDrag::wakeUpsOfSleeper() {
     std::ifstream status("/proc/" + std::to_string(m_desktop.program().process().pid()) + "/status");
-    for (std::string word; status >> word;)
+    bool isAsleep = false;
+    for (std::string word; status >> word;) {
+        if (std::string state; word == "State:" && status >> state)
+            isAsleep = state == "S";
         if (long count = 0; word == "voluntary_ctxt_switches:" && status >> count)
-            return count;
-    return 0;
+            return isAsleep ? std::optional(count) : std::nullopt;
+    }
+    return std::nullopt;
 }
 
 std::optional<Frame> WindowDrag::overlay() {
@@ -102,9 +113,10 @@ std::optional<Frame> WindowDrag::overlayFrame(xcb_window_t window) {
 }
 
 bool WindowDrag::waitForOverlay(const Frame& area) {
-    int side = 1;
+    int side = 4;
     return m_observer.waitUntil([&] {
-        // The program looks at a window that may move at most every 30 ms, when the mouse moves.
+        // The program looks at a window that may move at most every 30 ms, when the mouse moves, and lets it
+        // move a little.
         step(m_x + std::exchange(side, -side), m_y);
         const auto frame = overlay();
         return frame && frame->x <= area.x && frame->y <= area.y && frame->right() >= area.right() &&

@@ -37,9 +37,10 @@ public:
 
 private:
     void step(int x, int y);
-    /// Waits until window manager and program have dealt with what the mouse has done.
-    [[nodiscard]] bool settle(long wakeUpsBefore);
-    [[nodiscard]] long wakeUps();
+    /// Waits until the program has woken up more often than `wakeUps` times, and then sleeps.
+    [[nodiscard]] bool waitUntilAsleep(long wakeUps);
+    /// How often the program has woken up; empty while it is at work.
+    [[nodiscard]] std::optional<long> wakeUpsOfSleeper();
     [[nodiscard]] std::optional<Frame> overlayFrame(xcb_window_t window);
 
     Desktop& m_desktop;
