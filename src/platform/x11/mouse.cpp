@@ -55,12 +55,7 @@ private:
 X11Mouse::X11Mouse(Connection& connection, Monitors& monitors, ClientWindows& windows, MainQueuePort& queue)
     : m_connection(connection), m_monitors(monitors), m_windows(windows), m_queue(queue), m_raw(connection),
       m_self(std::make_shared<X11Mouse*>(this)),
-      m_observer(connection.onRead([this](const Connection::Event& event) {
-          if (!m_raw.read(event))
-              return;
-          ++m_unheard;
-          m_hasMore |= m_isLooking;
-      })),
+      m_observer(connection.onRead([this](const Connection::Event& event) { noteRead(event); })),
       m_events(connection.onEvent([this](const Connection::Event& event) { hear(event); })) {}
 
 X11Mouse::~X11Mouse() {
@@ -83,12 +78,22 @@ SubscriptionPtr X11Mouse::addGlobalMonitor(MouseEventKind kind,
 void X11Mouse::updateSelection() {
     if (m_monitorCount == 0) {
         m_held.reset();
+        m_releaseIsNear = false;
         m_news = {};
     }
     m_raw.select(m_monitorCount == 0 ? RawMouse::Selection::Nothing
                  : m_held            ? RawMouse::Selection::Everything
                                      : RawMouse::Selection::Presses);
     m_connection.flush();
+}
+
+void X11Mouse::noteRead(const Connection::Event& event) {
+    const auto raw = m_raw.read(event);
+    if (!raw)
+        return;
+    ++m_unheard;
+    m_hasMore |= m_isLooking;
+    m_releaseIsNear |= raw->kind == RawMouseKind::Release && raw->button == m_held;
 }
 
 void X11Mouse::hear(const Connection::Event& event) {
@@ -121,7 +126,10 @@ void X11Mouse::notePress(std::uint32_t button) {
 }
 
 void X11Mouse::noteRelease(std::uint32_t button) {
-    m_news.heldReleased |= button == m_held;
+    if (button == m_held) {
+        m_news.heldReleased = true;
+        m_releaseIsNear = false;
+    }
     std::erase(m_news.presses, button);
 }
 
@@ -186,6 +194,10 @@ void X11Mouse::keepInMind(const std::vector<std::uint32_t>& presses) {
 void X11Mouse::follow(const News& news, const xcb_query_pointer_reply_t& pointer) {
     const auto self = m_self;
     const bool isDown = isLeftDown(pointer);
+    if (!isDown && !news.heldReleased && m_releaseIsNear) {
+        m_news = news; // it is not lost, and comes with the rest
+        return;
+    }
     const bool isPressedAgain = std::ranges::find(news.presses, *m_held) != news.presses.end();
     // A program may have put the pointer somewhere else, which is no movement of the mouse.
     const bool hasMoved = news.moved || rootPoint(pointer) != m_lastPlace;
@@ -195,6 +207,7 @@ void X11Mouse::follow(const News& news, const xcb_query_pointer_reply_t& pointer
     // A manager may hold the mouse back for a moment: then the button looks down though it is up.
     if (*self && (!isDown || news.heldReleased)) {
         m_held.reset();
+        m_releaseIsNear = false;
         deliver(MouseEventKind::LeftUp, pointer);
     }
     if (*self && isPressedAgain)

@@ -52,6 +52,7 @@ private:
     void note(const RawMouseEvent& event);
     void notePress(std::uint32_t button);
     void noteRelease(std::uint32_t button);
+    void noteRead(const Connection::Event& event);
     void hear(const Connection::Event& event);
     void lookLater(MainQueuePort::Duration delay);
     void look();
@@ -73,6 +74,7 @@ private:
     std::optional<std::uint32_t> m_held; ///< the physical button that is the left one, while it is down
     bool m_isOurs = false;               ///< it went down over a window of this program
     Point m_lastPlace;                   ///< of the pointer in the root window, at the last event
+    bool m_releaseIsNear = false;        ///< its release has been read and not delivered yet
     News m_news;
     int m_looksLeft = 0;       ///< for a press that the buttons do not show yet
     std::size_t m_unheard = 0; ///< raw events read and not delivered yet

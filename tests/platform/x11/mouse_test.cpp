@@ -249,6 +249,21 @@ TEST_F(X11MouseTest, WhereAProgramHasPutThePointerIsReportedBeforeTheRelease) {
                               {LeftUp, {700, 400}, 0}}));
 }
 
+TEST_F(X11MouseTest, AReleaseWhileAMovementIsLookedIntoIsNotTakenForALostOne) {
+    press();
+    bool isReleased = false;
+    const auto releaser = connection.onRead([&](const Connection::Event& event) {
+        if (event.response_type == XCB_GE_GENERIC && !std::exchange(isReleased, true))
+            hand.release();
+    });
+
+    moveTo(700, 500);
+    settle();
+
+    EXPECT_EQ(events,
+              (Events{{LeftDown, {1000, 300}, 0}, {LeftDragged, {700, 400}, 0}, {LeftUp, {700, 400}, 0}}));
+}
+
 TEST_F(X11MouseTest, AReleaseThatIsLostWhereAProgramHasPutThePointerIsNoMovementThere) {
     press();
     loseRelease();
