@@ -5,8 +5,9 @@
 
 namespace tessarel {
 
-/// All ports of a simulated desktop, for the copy of the program that has `instance`.
-inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance) {
+/// All ports of a simulated desktop, for the copy of the program that has `instance`; but for its windows'
+/// keys, which come from `localKeys`.
+inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance, LocalKeysPort& localKeys) {
     static const PlatformWords words;
     return {.accessibility = desktop.accessibility(),
             .alertSound = desktop.alertSound(),
@@ -14,7 +15,7 @@ inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance) {
             .application = desktop.ownApplication(),
             .displays = desktop.displays(),
             .hotKeys = desktop.hotKeys(),
-            .localKeys = desktop.localKeys(),
+            .localKeys = localKeys,
             .mainMenu = desktop.mainMenu(),
             .mainQueue = desktop.mainQueue(),
             .mouse = desktop.mouse(),
@@ -29,6 +30,11 @@ inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance) {
             .windowList = desktop.windowList(),
             .workspace = desktop.workspace(),
             .words = words};
+}
+
+/// All ports of a simulated desktop.
+inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance) {
+    return simPorts(desktop, instance, desktop.localKeys());
 }
 
 } // namespace tessarel

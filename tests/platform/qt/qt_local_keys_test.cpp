@@ -1,0 +1,176 @@
+#include "platform/qt/qt_local_keys.h"
+
+#include "platform/qt/offscreen_test.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+#include <QKeySequence>
+#include <QLineEdit>
+#include <QShortcut>
+#include <QTest>
+#include <QWidget>
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace tessarel::qt {
+namespace {
+
+constexpr quint32 kMeaningless = 37;
+
+/// Numbers of keys mean themselves here, and modifiers too.
+std::optional<KeyDown> translate(std::uint32_t nativeScanCode, std::uint32_t nativeModifiers) {
+    if (nativeScanCode == kMeaningless)
+        return std::nullopt;
+    return KeyDown{nativeScanCode, nativeModifiers};
+}
+
+class QtLocalKeysTest : public OffscreenTest {
+protected:
+    void SetUp() override {
+        window.show();
+        window.activateWindow();
+        field.setFocus();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+
+    [[nodiscard]] SubscriptionPtr monitor(bool consumes = true) {
+        return localKeys->monitorKeyDown([this, consumes](const KeyDown& key) {
+            keys.push_back(key);
+            return consumes;
+        });
+    }
+
+    /// The key "b" goes down in a window, where the window system delivers it.
+    static void press(const QWidget& target, quint32 nativeScanCode, bool isRepetition = false) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_B, Qt::NoModifier, nativeScanCode, Qt::Key_B, 4, "b",
+                        isRepetition);
+        QApplication::sendEvent(target.windowHandle(), &event);
+    }
+
+    std::optional<QtLocalKeys> localKeys{translate};
+    QWidget window;
+    QLineEdit field{&window};
+    std::vector<KeyDown> keys;
+};
+
+using Keys = std::vector<KeyDown>;
+
+TEST_F(QtLocalKeysTest, AKeyComesByTheNumbersOfTheSystem) {
+    const auto monitored = monitor();
+
+    press(window, 56);
+
+    EXPECT_EQ(keys, (Keys{{56, 4}}));
+}
+
+TEST_F(QtLocalKeysTest, AConsumedKeyReachesNoControl) {
+    const auto monitored = monitor();
+
+    press(window, 56);
+
+    EXPECT_EQ(field.text(), "");
+}
+
+TEST_F(QtLocalKeysTest, AKeyThatIsNotConsumedIsToldOnceAndGoesItsUsualWay) {
+    const auto monitored = monitor(false);
+
+    press(window, 56);
+
+    EXPECT_EQ(keys.size(), 1U);
+    EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, ARepetitionIsConsumedAndNotTold) {
+    const auto monitored = monitor(false);
+
+    press(window, 56, true);
+
+    EXPECT_TRUE(keys.empty());
+    EXPECT_EQ(field.text(), "");
+}
+
+TEST_F(QtLocalKeysTest, AKeyThatMeansNothingIsConsumedAndNotTold) {
+    const auto monitored = monitor(false);
+
+    press(window, kMeaningless);
+
+    EXPECT_TRUE(keys.empty());
+    EXPECT_EQ(field.text(), "");
+}
+
+TEST_F(QtLocalKeysTest, ShortcutsOfTheWindowRest) {
+    int closed = 0;
+    const QShortcut shortcut(QKeySequence(Qt::CTRL | Qt::Key_W), &window, [&] { ++closed; });
+    auto monitored = monitor();
+
+    QTest::keyClick(window.windowHandle(), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_EQ(closed, 0);
+    EXPECT_FALSE(keys.empty());
+
+    monitored.reset();
+    QTest::keyClick(window.windowHandle(), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_EQ(closed, 1);
+}
+
+TEST_F(QtLocalKeysTest, KeysThatMoveTheFocusComeTooAndDoNotMoveIt) {
+    const QLineEdit next(&window);
+    const auto monitored = monitor();
+
+    QTest::keyClick(window.windowHandle(), Qt::Key_Tab);
+
+    EXPECT_EQ(keys.size(), 1U);
+    EXPECT_TRUE(field.hasFocus());
+}
+
+TEST_F(QtLocalKeysTest, TheKeysOfEveryWindowCome) {
+    const auto monitored = monitor();
+    QWidget other;
+    other.show();
+
+    press(other, 56);
+    press(window, 57);
+
+    EXPECT_EQ(keys, (Keys{{56, 4}, {57, 4}}));
+}
+
+TEST_F(QtLocalKeysTest, AfterTheEndOfTheMonitorKeysGoTheirUsualWay) {
+    auto monitored = monitor();
+    monitored.reset();
+
+    press(window, 56);
+
+    EXPECT_TRUE(keys.empty());
+    EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, AMonitorMayEndItselfAndTheKeyIsStillConsumed) {
+    SubscriptionPtr monitored;
+    monitored = localKeys->monitorKeyDown([&](const KeyDown&) {
+        monitored.reset();
+        return true;
+    });
+
+    press(window, 56);
+    EXPECT_EQ(field.text(), "");
+
+    press(window, 56);
+    EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, AMonitorMayOutliveThePort) {
+    auto monitored = monitor();
+    localKeys.reset();
+
+    press(window, 56);
+    EXPECT_EQ(keys.size(), 1U);
+
+    monitored.reset();
+    press(window, 56);
+    EXPECT_EQ(keys.size(), 1U);
+}
+
+} // namespace
+} // namespace tessarel::qt
