@@ -1,11 +1,9 @@
 #include "platform/x11/application_watch.h"
 
-#include "platform/x11/process_start.h"
 #include "platform/x11/property.h"
 
 #include <algorithm>
 #include <iterator>
-#include <unordered_set>
 #include <utility>
 
 namespace tessarel::x11 {
@@ -18,8 +16,10 @@ struct ApplicationWatch::Changes {
     std::vector<xcb_window_t> opened; ///< by processes that ran before
 };
 
-ApplicationWatch::ApplicationWatch(Connection& connection, ClientWindows& windows, Applications& applications)
+ApplicationWatch::ApplicationWatch(Connection& connection, ClientWindows& windows, Applications& applications,
+                                   StartOf startOf)
     : m_connection(connection), m_windows(windows), m_applications(applications),
+      m_startOf(std::move(startOf)),
       m_observer(connection.onRead([this](const Connection::Event& event) { note(event); })),
       m_handler(connection.onEvent([this](const Connection::Event& event) { follow(event); })) {}
 
@@ -111,12 +111,24 @@ std::vector<xcb_window_t> ApplicationWatch::takeClosed(const std::vector<xcb_win
     return closed;
 }
 
-/// The listed windows that are new, and notes whose they are.
+/// The processes that have ended since they were launched, though a child may go on with their windows.
+std::unordered_set<ProcessId> ApplicationWatch::ended() const {
+    std::unordered_set<ProcessId> ended;
+    for (const auto& [pid, process] : m_processes) {
+        if (process.start && m_startOf(pid) != process.start)
+            ended.insert(pid);
+    }
+    return ended;
+}
+
+/// The listed windows that are new, and notes whose they are. The number of a window whose process has ended
+/// may be another's by now, even if it has never been seen to go.
 std::vector<xcb_window_t> ApplicationWatch::takeOpened(const std::vector<xcb_window_t>& listed) {
     std::vector<xcb_window_t> unsure;
-    std::copy_if(listed.begin(), listed.end(), std::back_inserter(unsure), [this](xcb_window_t window) {
+    const auto hasEnded = ended();
+    std::copy_if(listed.begin(), listed.end(), std::back_inserter(unsure), [&](xcb_window_t window) {
         const auto known = m_known.find(window);
-        return known == m_known.end() || !known->second.isListed;
+        return known == m_known.end() || !known->second.isListed || hasEnded.contains(known->second.pid);
     });
     m_windows.learnAll(unsure);
     std::erase_if(unsure, [this](xcb_window_t window) {
@@ -135,7 +147,9 @@ void ApplicationWatch::sortIn(const std::vector<xcb_window_t>& opened, Changes& 
         byProcess[m_known[window].pid].push_back(window);
     for (const auto& [pid, windows] : byProcess) {
         const auto running = m_processes.find(pid);
-        if (running != m_processes.end() && running->second.start == processStart(pid)) {
+        const auto start = m_startOf(pid);
+        // One that cannot be seen has not been replaced either: a child of it goes on.
+        if (running != m_processes.end() && (!start || start == running->second.start)) {
             changes.opened.insert(changes.opened.end(), windows.begin(), windows.end());
             continue;
         }
@@ -147,7 +161,7 @@ void ApplicationWatch::sortIn(const std::vector<xcb_window_t>& opened, Changes& 
 
 void ApplicationWatch::launch(ProcessId pid, const std::vector<xcb_window_t>& windows, Changes& changes) {
     const RunningApplication application = m_applications.ofWindows(pid, windows);
-    m_processes.insert_or_assign(pid, Process{application, processStart(pid)});
+    m_processes.insert_or_assign(pid, Process{application, m_startOf(pid)});
     changes.launched.push_back(application);
 }
 
@@ -157,7 +171,7 @@ void ApplicationWatch::terminateEnded(Changes& changes) {
         owners.insert(known.pid);
     std::erase_if(m_processes, [&](const auto& entry) {
         const auto& [pid, process] = entry;
-        const bool hasEnded = !owners.contains(pid) && (!process.start || processStart(pid) != process.start);
+        const bool hasEnded = !owners.contains(pid) && (!process.start || m_startOf(pid) != process.start);
         if (hasEnded)
             changes.terminated.push_back(process.application);
         return hasEnded;

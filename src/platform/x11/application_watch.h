@@ -4,6 +4,7 @@
 #include "platform/x11/callback_list.h"
 #include "platform/x11/client_windows.h"
 #include "platform/x11/connection.h"
+#include "platform/x11/process_start.h"
 #include "ports/workspace_port.h"
 
 #include <cstdint>
@@ -11,6 +12,7 @@
 #include <map>
 #include <optional>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace tessarel::x11 {
@@ -24,7 +26,11 @@ namespace tessarel::x11 {
 /// while there is no window manager and when the next one takes it over.
 class ApplicationWatch {
 public:
-    ApplicationWatch(Connection& connection, ClientWindows& windows, Applications& applications);
+    /// Tells when a process was started, as `processStart` does.
+    using StartOf = std::function<std::optional<std::uint64_t>(ProcessId)>;
+
+    ApplicationWatch(Connection& connection, ClientWindows& windows, Applications& applications,
+                     StartOf startOf = processStart);
     ApplicationWatch(const ApplicationWatch&) = delete;
     ApplicationWatch& operator=(const ApplicationWatch&) = delete;
     ~ApplicationWatch() = default;
@@ -52,6 +58,7 @@ private:
     void follow(const Connection::Event& event);
     [[nodiscard]] Changes update();
     [[nodiscard]] std::vector<xcb_window_t> takeClosed(const std::vector<xcb_window_t>& listed);
+    [[nodiscard]] std::unordered_set<ProcessId> ended() const;
     [[nodiscard]] std::vector<xcb_window_t> takeOpened(const std::vector<xcb_window_t>& listed);
     void sortIn(const std::vector<xcb_window_t>& opened, Changes& changes);
     void launch(ProcessId pid, const std::vector<xcb_window_t>& windows, Changes& changes);
@@ -62,6 +69,7 @@ private:
     Connection& m_connection;
     ClientWindows& m_windows;
     Applications& m_applications;
+    StartOf m_startOf;
     bool m_isWanted = false; ///< somebody has asked at least once
     bool m_isOutdated = false;
     std::unordered_map<xcb_window_t, Window> m_known;

@@ -3,7 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -16,16 +19,19 @@ using Lines = std::vector<std::string>;
 /// Writes down what is heard of applications and of the windows that the client opens.
 class ApplicationWatchTest : public X11Test {
 protected:
-    ApplicationWatchTest() {
-        listen(ApplicationEvent::Launched, "launched");
-        listen(ApplicationEvent::Activated, "activated");
-        listen(ApplicationEvent::Terminated, "terminated");
+    ApplicationWatchTest() { listenTo(watch); }
+
+    void listenTo(ApplicationWatch& told) {
+        observers.clear();
+        listen(told, ApplicationEvent::Launched, "launched");
+        listen(told, ApplicationEvent::Activated, "activated");
+        listen(told, ApplicationEvent::Terminated, "terminated");
         observers.push_back(
-            watch.onWindow(client.pid(), [this](xcb_window_t) { heard.emplace_back("opened"); }));
+            told.onWindow(client.pid(), [this](xcb_window_t) { heard.emplace_back("opened"); }));
     }
 
-    void listen(ApplicationEvent event, const std::string& word) {
-        observers.push_back(watch.onApplication(event, [this, word](const RunningApplication& application) {
+    void listen(ApplicationWatch& told, ApplicationEvent event, const std::string& word) {
+        observers.push_back(told.onApplication(event, [this, word](const RunningApplication& application) {
             heard.push_back(word + " " + application.bundleIdentifier.value_or("?") +
                             (application.isRegular ? "" : " in the background"));
         }));
@@ -97,6 +103,31 @@ TEST_F(ApplicationWatchTest, AnEndWithoutWindowsIsNoticedWhenTheNextWindowComes)
     EXPECT_EQ(take(), (Lines{"terminated Other", "launched Editor", "activated Editor"}));
 }
 
+TEST_F(ApplicationWatchTest, ANumberThatHasGoneOverToAnotherProgramUnseenIsANewWindow) {
+    auto before = std::make_unique<x11test::TestClient>(desktop.server);
+    const xcb_window_t window = openUnfocused(*before, {.className = "Before"});
+    (void)take();
+    before->process().kill();
+    ASSERT_TRUE(observer.waitUntil([&] { return !observer.managed(window); }));
+
+    x11test::TestClient after(desktop.server); // the server gives it what it gave the one that has gone
+    ASSERT_EQ(openUnfocused(after, {.className = "After"}), window);
+
+    const Lines lines = take();
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "terminated Before"), 1);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "launched After"), 1);
+}
+
+TEST_F(ApplicationWatchTest, AProcessNumberThatAWindowClaimsDoesNotCount) {
+    const std::string somebodyElse(sizeof(std::uint32_t), '\1');
+    const xcb_window_t window = client.open({.className = "Editor"});
+    client.setProperty(window, "_NET_WM_PID", "CARDINAL", 32, somebodyElse);
+    (void)openUnfocused(client, {.className = "Editor"});
+
+    EXPECT_EQ(workspace.runningApplications().size(), 1U);
+    EXPECT_TRUE(workspace.runningApplication(client.pid()));
+}
+
 TEST_F(ApplicationWatchTest, AProcessWithNothingButAPanelIsInTheBackground) {
     (void)openUnfocused(client, {.className = "Panel", .type = "_NET_WM_WINDOW_TYPE_DOCK"});
 
@@ -150,6 +181,49 @@ TEST_F(ApplicationWatchTest, WhatRunsAlreadyIsNotLaunched) {
     latecomer.hear();
 
     EXPECT_EQ(launches, 0);
+}
+
+/// Hears of applications whose processes start and end as the test says.
+class ProcessStartTest : public ApplicationWatchTest {
+protected:
+    ProcessStartTest() { listenTo(m_watch); }
+
+    std::optional<std::uint64_t> start = 1;
+
+private:
+    ApplicationWatch m_watch{connection, windows, applications, [this](ProcessId) { return start; }};
+};
+
+TEST_F(ProcessStartTest, AWindowOutlivesTheProcessThatItsConnectionWasMadeBy) {
+    (void)open({.className = "Editor"});
+    start.reset(); // as of a program that goes on as its own child
+    (void)take();
+
+    (void)open({.className = "Editor"});
+
+    EXPECT_EQ(take(), Lines{"opened"});
+}
+
+TEST_F(ProcessStartTest, AProcessThatCannotBeSeenLastsAsLongAsItsWindows) {
+    start.reset();
+    const xcb_window_t first = open({.className = "Editor"});
+    const xcb_window_t second = open({.className = "Editor"});
+    EXPECT_EQ(take(), (Lines{"launched Editor", "activated Editor", "opened"}));
+
+    close(first);
+    EXPECT_EQ(take(), Lines{});
+    close(second);
+    EXPECT_EQ(take(), Lines{"terminated Editor"});
+}
+
+TEST_F(ProcessStartTest, AProcessNumberThatIsUsedAgainIsAnotherProgram) {
+    close(open({.className = "Before"}));
+    ++*start;
+    (void)take();
+
+    (void)open({.className = "After"});
+
+    EXPECT_EQ(take(), (Lines{"terminated Before", "launched After"}));
 }
 
 /// A desktop whose window manager comes and goes.
