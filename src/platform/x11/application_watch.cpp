@@ -84,7 +84,10 @@ ApplicationWatch::Changes ApplicationWatch::update() {
     const std::vector<xcb_window_t> listed = m_windows.managed();
     Changes changes;
     changes.closed = takeClosed(listed);
-    sortIn(takeOpened(listed), changes);
+    const std::vector<xcb_window_t> opened = takeOpened(listed);
+    if (!opened.empty()) // by what may have been installed a moment ago
+        m_applications.refresh();
+    sortIn(opened, changes);
     terminateEnded(changes);
     return changes;
 }

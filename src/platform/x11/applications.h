@@ -15,7 +15,8 @@ namespace tessarel::x11 {
 ///
 /// A process that owns nothing but panels and the like is not a regular application. Windows whose process
 /// nobody knows belong to none. An application is called as its windows say, else like the installed one
-/// whose class they carry, else like that class.
+/// whose class they carry, else like that class. No question but `displayName` looks for what has been
+/// installed since `refresh`: a key press waits for the answer.
 class Applications {
 public:
     /// `entryFolders` is where applications are installed.
@@ -29,6 +30,9 @@ public:
     [[nodiscard]] std::vector<RunningApplication> all();
     /// The name of the installed application called `identifier`, in the user's language.
     [[nodiscard]] std::optional<std::string> displayName(const std::string& identifier);
+
+    /// Learns of applications that have been installed or removed.
+    void refresh() { m_entries.refresh(); }
 
     /// The application of process `pid` whose windows, front to back, are `windows`; there is at least one.
     [[nodiscard]] RunningApplication ofWindows(ProcessId pid, const std::vector<xcb_window_t>& windows);

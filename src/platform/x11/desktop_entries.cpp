@@ -3,12 +3,14 @@
 #include "platform/x11/desktop_entry.h"
 
 #include <algorithm>
-#include <cstdint>
+#include <cstddef>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
+#include <fcntl.h>
 #include <sstream>
+#include <sys/stat.h>
+#include <sys/types.h>
 #include <system_error>
+#include <unistd.h>
 #include <utility>
 
 namespace tessarel::x11 {
@@ -17,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::uintmax_t kLargestEntry = 256 * 1024;
+constexpr off_t kLargestEntry = off_t{256} * 1024;
 constexpr std::string_view kEnding = ".desktop";
 
 std::optional<fs::file_time_type> changeOf(const fs::path& folder) {
@@ -37,19 +39,43 @@ std::string lowered(std::string_view text) {
 
 /// The entry's name for ever: its place below the folder of entries, without the ending.
 std::string identifierOf(const fs::path& file, const fs::path& folder) {
-    std::string identifier = file.lexically_relative(folder).generic_string();
+    std::string identifier = file.native().substr(folder.native().size());
+    identifier.erase(0, identifier.find_first_not_of('/'));
     std::ranges::replace(identifier, '/', '-');
     identifier.resize(identifier.size() - kEnding.size());
     return identifier;
 }
 
-/// None unless it is a file of a sensible size.
-std::optional<std::string> contentOf(const fs::path& file) {
-    std::error_code failure;
-    if (!fs::is_regular_file(file, failure) || fs::file_size(file, failure) > kLargestEntry)
+/// An open file that closes itself.
+class File {
+public:
+    /// Does not wait for the other end of a pipe.
+    explicit File(const fs::path& path)
+        : m_descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    ~File() {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+    }
+
+    [[nodiscard]] int get() const { return m_descriptor; }
+
+private:
+    int m_descriptor;
+};
+
+/// None unless it is a file of a sensible size. One that changes meanwhile will be read again.
+std::optional<std::string> contentOf(const fs::path& path) {
+    const File file(path);
+    struct stat status {};
+    const bool isFile = ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
+    if (!isFile || status.st_size > kLargestEntry)
         return std::nullopt;
-    std::ifstream stream(file, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(stream), {});
+    std::string content(static_cast<std::size_t>(status.st_size), '\0');
+    const ssize_t length = ::read(file.get(), content.data(), content.size());
+    content.resize(static_cast<std::size_t>(std::max<ssize_t>(length, 0)));
+    return content;
 }
 
 std::string valueOf(const char* variable, const std::string& otherwise) {
@@ -75,7 +101,8 @@ std::vector<fs::path> DesktopEntries::installed() {
 }
 
 std::optional<std::string> DesktopEntries::identifier(std::string_view windowClass) {
-    bringUpToDate();
+    if (m_changed.empty())
+        read();
     const std::string wanted = lowered(windowClass);
     for (const Identifiers* identifiers : {&m_byClass, &m_byName}) {
         if (const auto found = identifiers->find(wanted); found != identifiers->end())
@@ -85,7 +112,7 @@ std::optional<std::string> DesktopEntries::identifier(std::string_view windowCla
 }
 
 std::optional<std::string> DesktopEntries::displayName(const std::string& identifier) {
-    bringUpToDate();
+    refresh();
     const auto file = m_files.find(identifier);
     const auto content = file == m_files.end() ? std::nullopt : contentOf(file->second);
     if (!content || !desktop_entry::isShown(*content))
@@ -93,7 +120,7 @@ std::optional<std::string> DesktopEntries::displayName(const std::string& identi
     return desktop_entry::name(*content, m_languages);
 }
 
-void DesktopEntries::bringUpToDate() {
+void DesktopEntries::refresh() {
     if (m_changed.empty() || !isCurrent())
         read();
 }

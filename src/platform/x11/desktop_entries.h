@@ -14,7 +14,7 @@ namespace tessarel::x11 {
 
 /// The applications that are installed: by the class that their windows carry, and by name.
 ///
-/// They are looked through when first asked for, and again when one is asked for after a folder has changed.
+/// They are looked through when first asked for, and again by `refresh` after a folder has changed.
 /// Entries that cannot be read, or are larger than any real one, are passed over.
 class DesktopEntries {
 public:
@@ -26,19 +26,22 @@ public:
     /// Those of the user and of the system, as the environment tells.
     [[nodiscard]] static std::vector<std::filesystem::path> installed();
 
+    /// Makes what was installed or removed meanwhile known. Looks at the folders, and at their entries only
+    /// if one has changed.
+    void refresh();
+
     /// The identifier of the application whose windows carry `windowClass`: the name of its entry, without
     /// the ending. An entry that names the class comes before one that is called like it; letters match
     /// whatever their case.
     [[nodiscard]] std::optional<std::string> identifier(std::string_view windowClass);
 
-    /// What the application with this identifier is called; none when it is not installed.
+    /// What the application with this identifier is called; none when it is not installed now.
     [[nodiscard]] std::optional<std::string> displayName(const std::string& identifier);
 
 private:
     using Time = std::filesystem::file_time_type;
     using Identifiers = std::unordered_map<std::string, std::string>;
 
-    void bringUpToDate();
     [[nodiscard]] bool isCurrent() const;
     void read();
     void readFolder(const std::filesystem::path& folder);

@@ -28,6 +28,8 @@ std::string_view takeLine(std::string_view& text) {
 
 /// The value of `key` in the main group; empty when it is missing.
 std::optional<std::string_view> value(std::string_view content, std::string_view key) {
+    if (content.find(key) == std::string_view::npos) // most entries lack most keys
+        return std::nullopt;
     bool inGroup = false;
     while (!content.empty()) {
         const std::string_view line = takeLine(content);

@@ -71,6 +71,7 @@ TEST_F(DesktopEntriesTest, TheUsersEntryStandsForTheSystemsOne) {
     EXPECT_EQ(entries.identifier("MyEditor"), "editor");
 
     write(users / "editor.desktop", "Hidden=true\n");
+    entries.refresh();
     EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
 }
 
@@ -80,14 +81,24 @@ TEST_F(DesktopEntriesTest, OnlyTheMainGroupCounts) {
     EXPECT_EQ(entries.identifier("Other"), std::nullopt);
 }
 
-TEST_F(DesktopEntriesTest, AnEntryThatIsInstalledLaterIsFound) {
+TEST_F(DesktopEntriesTest, AnEntryThatIsInstalledLaterIsFoundByTheNextLook) {
     EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
 
+    write(systems / "editor.desktop", "");
+    entries.refresh();
+    EXPECT_EQ(entries.identifier("Editor"), "editor");
+
+    fs::remove(systems / "editor.desktop");
+    entries.refresh();
+    EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
+}
+
+TEST_F(DesktopEntriesTest, NobodyLooksWhoOnlyAsksForAnIdentifier) {
     write(systems / "editor.desktop", "");
     EXPECT_EQ(entries.identifier("Editor"), "editor");
 
     fs::remove(systems / "editor.desktop");
-    EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
+    EXPECT_EQ(entries.identifier("Editor"), "editor");
 }
 
 TEST_F(DesktopEntriesTest, WhatIsNoRealEntryIsPassedOver) {
@@ -145,17 +156,11 @@ TEST_F(DesktopEntriesTest, FiveThousandEntriesAreFoundInOneGo) {
     fs::create_directories(systems);
     for (int i = 0; i < 5000; ++i) {
         const std::string number = std::to_string(i);
-        std::ofstream(systems / (number + ".desktop"))
-            << "[Desktop Entry]\nType=Application\nName=Program\nStartupWMClass=Class" + number + "\n" +
-                   std::string(1000, '#') + "\n";
+        std::ofstream(systems / (number + ".desktop")) << "[Desktop Entry]\nStartupWMClass=Class" << number;
     }
-    const auto start = std::chrono::steady_clock::now();
 
     EXPECT_EQ(entries.identifier("Class4999"), "4999");
-
-    const auto spent = std::chrono::steady_clock::now() - start;
-    RecordProperty("milliseconds",
-                   static_cast<int>(std::chrono::duration_cast<std::chrono::milliseconds>(spent).count()));
+    EXPECT_EQ(entries.identifier("Class0"), "0");
 }
 
 } // namespace

@@ -50,6 +50,21 @@ TEST_F(WorkspaceTest, AClassIsTakenForTheInstalledApplicationThatNamesIt) {
     EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.other");
 }
 
+TEST_F(WorkspaceTest, WhatIsInstalledMeanwhileIsKnownWhenItOpensItsWindow) {
+    const ScratchFolder folder;
+    Applications installed(windows, {folder.path()});
+    ApplicationWatch launches(connection, windows, installed);
+    const auto launched = launches.onApplication(ApplicationEvent::Launched, [](const auto&) {});
+    (void)open({.className = "Editor"});
+    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "Editor");
+
+    ScratchFolder::write(folder.path() / "org.example.editor.desktop",
+                         "[Desktop Entry]\nStartupWMClass=Editor\n");
+    (void)open({.className = "Editor"});
+
+    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.editor");
+}
+
 TEST_F(WorkspaceTest, AnEmptyNameIsNone) {
     const xcb_window_t window = open({.className = ""});
     setText(window, "_GTK_APPLICATION_ID", "");
