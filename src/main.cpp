@@ -4,6 +4,7 @@
 #include "platform/qt/qt_local_keys.h"
 #include "platform/qt/qt_main_queue.h"
 #include "platform/qt/qt_messages.h"
+#include "platform/qt/qt_open_panel.h"
 #include "platform/qt/qt_open_url.h"
 #include "platform/qt/qt_overlay.h"
 #include "platform/qt/qt_own_application.h"
@@ -23,6 +24,7 @@
 #include <array>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -91,6 +93,10 @@ int run(const char* programName) {
     qt::QtOpenUrl openUrl;
     x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl);
     qt::QtLocalKeys localKeys(x11::keyDown);
+    qt::QtOpenPanel openPanel(x11::DesktopEntries::installed(),
+                              [&desktop](const std::filesystem::path& file) {
+                                  return desktop.applications.identifierOfEntry(file);
+                              });
     qt::QtOwnApplication application;
     qt::QtOverlay overlay(queue,
                           [&desktop](const Rect& screenFrame) { return desktop.rootPixels(screenFrame); });
@@ -105,9 +111,11 @@ int run(const char* programName) {
                            .displays = desktop.displays,
                            .hotKeys = desktop.hotKeys,
                            .localKeys = localKeys,
+                           .loginItem = desktop.loginItem,
                            .mainMenu = desktop.mainMenu,
                            .mainQueue = queue,
                            .mouse = desktop.mouse,
+                           .openPanel = openPanel,
                            .openUrl = openUrl,
                            .overlay = overlay,
                            .preferences = desktop.preferences,

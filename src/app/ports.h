@@ -8,9 +8,11 @@
 #include "ports/displays_port.h"
 #include "ports/hot_key_port.h"
 #include "ports/local_keys_port.h"
+#include "ports/login_item_port.h"
 #include "ports/main_menu_port.h"
 #include "ports/main_queue_port.h"
 #include "ports/mouse_port.h"
+#include "ports/open_panel_port.h"
 #include "ports/open_url_port.h"
 #include "ports/overlay_port.h"
 #include "ports/platform_words.h"
@@ -33,9 +35,11 @@ struct Ports {
     DisplaysPort& displays;
     HotKeyPort& hotKeys;
     LocalKeysPort& localKeys;
+    LoginItemPort& loginItem;
     MainMenuPort& mainMenu;
     MainQueuePort& mainQueue;
     MousePort& mouse;
+    OpenPanelPort& openPanel;
     OpenUrlPort& openUrl;
     OverlayPort& overlay;
     PreferencesPort& preferences;

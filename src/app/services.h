@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/login_item.h"
 #include "app/ports.h"
 #include "app/updater.h"
 #include "engine/action_runner.h"
@@ -27,6 +28,7 @@ struct Services {
     SubscriptionPtr storeSharing; ///< makes `store` the one that `Store::shared()` answers
     Runtime runtime;
     Permissions permissions;
+    LoginItem loginItem;
     Geo geo;
     AX ax;
     WindowEngine windowEngine;

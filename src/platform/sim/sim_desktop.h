@@ -115,6 +115,7 @@ public:
     [[nodiscard]] SimMainMenu& mainMenu() { return m_mainMenu; }
     [[nodiscard]] SimMainQueue& mainQueue() { return m_mainQueue; }
     [[nodiscard]] SimMouse& mouse() { return m_mouse; }
+    [[nodiscard]] SimOpenPanel& openPanel() { return m_openPanel; }
     [[nodiscard]] SimOpenUrl& openUrl() { return m_openUrl; }
     [[nodiscard]] SimOverlay& overlay() { return m_overlay; }
     [[nodiscard]] SimOwnApplication& ownApplication() { return m_ownApplication; }
@@ -147,6 +148,7 @@ private:
     SimMainMenu m_mainMenu;
     SimMainQueue m_mainQueue{m_state.clock};
     SimMouse m_mouse{m_state};
+    SimOpenPanel m_openPanel;
     SimOpenUrl m_openUrl;
     SimOverlay m_overlay;
     SimOwnApplication m_ownApplication;

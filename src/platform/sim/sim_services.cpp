@@ -1,5 +1,7 @@
 #include "platform/sim/sim_services.h"
 
+#include <utility>
+
 namespace tessarel::sim {
 
 std::size_t SimAlerts::runModal(const Alert& alert) {
@@ -10,6 +12,15 @@ std::size_t SimAlerts::runModal(const Alert& alert) {
     const std::size_t answer = answers.front();
     answers.pop_front();
     return answer;
+}
+
+std::optional<std::string> SimOpenPanel::chooseApplication(const std::string& prompt) {
+    prompts.push_back(prompt);
+    if (choices.empty())
+        return std::nullopt;
+    auto choice = std::move(choices.front());
+    choices.pop_front();
+    return choice;
 }
 
 } // namespace tessarel::sim

@@ -4,11 +4,13 @@
 #include "ports/alerts_port.h"
 #include "ports/application_port.h"
 #include "ports/main_menu_port.h"
+#include "ports/open_panel_port.h"
 #include "ports/open_url_port.h"
 #include "ports/trust_port.h"
 
 #include <cstddef>
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -47,6 +49,15 @@ public:
     void setMainMenu(const std::vector<MainMenu>& newMenus) override { menus = newMenus; }
 
     std::vector<MainMenu> menus;
+};
+
+/// A user who chooses applications as told beforehand, and closes the panel when not told.
+class SimOpenPanel : public OpenPanelPort {
+public:
+    std::optional<std::string> chooseApplication(const std::string& prompt) override;
+
+    std::vector<std::string> prompts;               ///< of the panels that were shown, in order
+    std::deque<std::optional<std::string>> choices; ///< that the user will make, next one first
 };
 
 /// Keeps the addresses that would have been opened.

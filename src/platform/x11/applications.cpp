@@ -40,6 +40,10 @@ std::optional<std::string> Applications::displayName(const std::string& identifi
     return m_entries.displayName(identifier);
 }
 
+std::optional<std::string> Applications::identifierOfEntry(const std::filesystem::path& file) const {
+    return m_entries.identifierOfEntry(file);
+}
+
 RunningApplication Applications::ofWindows(ProcessId pid, const std::vector<xcb_window_t>& windows) {
     const bool isRegular = std::any_of(windows.begin(), windows.end(),
                                        [this](xcb_window_t window) { return isForWork(window); });

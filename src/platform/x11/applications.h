@@ -34,6 +34,9 @@ public:
     /// Learns of applications that have been installed or removed.
     void refresh() { m_entries.refresh(); }
 
+    /// The identifier of the application whose desktop entry is `file`; none when it is not one.
+    [[nodiscard]] std::optional<std::string> identifierOfEntry(const std::filesystem::path& file) const;
+
     /// The application of process `pid` whose windows, front to back, are `windows`; there is at least one.
     [[nodiscard]] RunningApplication ofWindows(ProcessId pid, const std::vector<xcb_window_t>& windows);
 

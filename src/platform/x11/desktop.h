@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/config.h"
 #include "platform/x11/accessibility.h"
 #include "platform/x11/application_watch.h"
 #include "platform/x11/applications.h"
@@ -10,6 +11,7 @@
 #include "platform/x11/displays.h"
 #include "platform/x11/file_preferences.h"
 #include "platform/x11/hot_keys.h"
+#include "platform/x11/login_item.h"
 #include "platform/x11/main_menu.h"
 #include "platform/x11/monitors.h"
 #include "platform/x11/mouse.h"
@@ -32,6 +34,7 @@ struct X11Desktop {
         : monitors(connection), windows(connection), applications(windows),
           watch(connection, windows, applications), accessibility(connection, monitors, windows, watch),
           alertSound(connection), displays(connection, monitors, windows), hotKeys(connection),
+          loginItem(XdgLoginItem::ofThisProgram(std::string(Config::appName))),
           mouse(connection, monitors, windows, queue), preferences(FilePreferences::userFolder()),
           singleInstance(connection), trust(connection, session, queue, alerts, openUrl),
           windowList(connection, monitors, windows), workspace(applications, watch) {}
@@ -52,6 +55,7 @@ struct X11Desktop {
     X11Bell alertSound;
     X11Displays displays;
     X11HotKeys hotKeys;
+    XdgLoginItem loginItem;
     X11MainMenu mainMenu;
     X11Mouse mouse;
     FilePreferences preferences;

@@ -120,6 +120,17 @@ std::optional<std::string> DesktopEntries::displayName(const std::string& identi
     return desktop_entry::name(*content, m_languages);
 }
 
+std::optional<std::string> DesktopEntries::identifierOfEntry(const fs::path& file) const {
+    const auto content = file.extension() == kEnding ? contentOf(file) : std::nullopt;
+    if (!content || !desktop_entry::isShown(*content) || !desktop_entry::name(*content, m_languages))
+        return std::nullopt;
+    const auto folder = std::ranges::find_if(m_folders, [&file](const fs::path& candidate) {
+        const fs::path place = file.lexically_relative(candidate);
+        return !place.empty() && *place.begin() != "..";
+    });
+    return identifierOf(file, folder == m_folders.end() ? file.parent_path() : *folder);
+}
+
 void DesktopEntries::refresh() {
     if (m_changed.empty() || !isCurrent())
         read();

@@ -38,6 +38,10 @@ public:
     /// What the application with this identifier is called; none when it is not installed now.
     [[nodiscard]] std::optional<std::string> displayName(const std::string& identifier);
 
+    /// The identifier of the application whose entry is `file`; none when it is not an entry that stands for
+    /// one. An entry from elsewhere is called like its file.
+    [[nodiscard]] std::optional<std::string> identifierOfEntry(const std::filesystem::path& file) const;
+
 private:
     using Time = std::filesystem::file_time_type;
     using Identifiers = std::unordered_map<std::string, std::string>;

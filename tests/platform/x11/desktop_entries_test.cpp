@@ -163,5 +163,32 @@ TEST_F(DesktopEntriesTest, FiveThousandEntriesAreFoundInOneGo) {
     EXPECT_EQ(entries.identifier("Class0"), "0");
 }
 
+TEST_F(DesktopEntriesTest, AnEntryIsCalledByItsPlaceBelowItsFolder) {
+    write(systems / "org.example.editor.desktop", "");
+    write(users / "vendor" / "viewer.desktop", "");
+
+    EXPECT_EQ(entries.identifierOfEntry(systems / "org.example.editor.desktop"), "org.example.editor");
+    EXPECT_EQ(entries.identifierOfEntry(users / "vendor" / "viewer.desktop"), "vendor-viewer");
+}
+
+TEST_F(DesktopEntriesTest, AnEntryFromElsewhereIsCalledLikeItsFile) {
+    write(scratch.path() / "home" / "org.example.editor.desktop", "");
+
+    EXPECT_EQ(entries.identifierOfEntry(scratch.path() / "home" / "org.example.editor.desktop"),
+              "org.example.editor");
+}
+
+TEST_F(DesktopEntriesTest, WhatStandsForNoApplicationHasNoIdentifier) {
+    write(systems / "picture.png", "");
+    write(systems / "hidden.desktop", "Hidden=true\n");
+    std::ofstream(systems / "text.desktop") << "Nothing of the kind\n";
+
+    EXPECT_EQ(entries.identifierOfEntry(systems / "picture.png"), std::nullopt);
+    EXPECT_EQ(entries.identifierOfEntry(systems / "hidden.desktop"), std::nullopt);
+    EXPECT_EQ(entries.identifierOfEntry(systems / "text.desktop"), std::nullopt);
+    EXPECT_EQ(entries.identifierOfEntry(systems / "missing.desktop"), std::nullopt);
+    EXPECT_EQ(entries.identifierOfEntry(systems), std::nullopt);
+}
+
 } // namespace
 } // namespace tessarel::x11
