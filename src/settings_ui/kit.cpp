@@ -64,6 +64,11 @@ QCheckBox* makeCheckBox(QWidget& parent, const QString& title, const QRect& fram
     return box;
 }
 
+void nameAfter(QLabel& label, QWidget& control) {
+    label.setBuddy(&control);
+    control.setAccessibleName(fullText(label));
+}
+
 void setFittedText(QLabel& label, const QString& text) {
     fitted_text::change(label, text);
 }

@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QFont>
 #include <QRect>
+#include <QSize>
 #include <QString>
 #include <QWidget>
 
@@ -22,6 +23,9 @@ namespace tessarel {
 ///
 /// A text that is larger than its frame is set smaller, pixel by pixel down to 11, and then ends in an
 /// ellipsis, with the whole text as tooltip. Texts are plain: no markup, no mnemonics.
+
+/// How large each tab's view is.
+inline constexpr QSize kTabSize(780, 480);
 
 /// A view whose origin is its top-left corner, y down: a plain widget.
 using FlippedView = QWidget;
@@ -50,6 +54,9 @@ QPushButton* makeButton(QWidget& parent, const QString& title, const QRect& fram
 /// A check box that calls `action` with its new state when the user changes it, not when the program does.
 QCheckBox* makeCheckBox(QWidget& parent, const QString& title, const QRect& frame,
                         std::function<void(bool)> action);
+
+/// Makes `label` say what `control` is, also to those who hear the window instead of seeing it.
+void nameAfter(QLabel& label, QWidget& control);
 
 /// Changes the text of a control of this kit, which is fitted into its frame again.
 void setFittedText(QLabel& label, const QString& text);

@@ -21,7 +21,7 @@ namespace {
 
 constexpr QSize kWindowSize(820, 540);
 constexpr QRect kTabsFrame(10, 10, 800, 520);
-constexpr QRect kViewFrame(8, 4, 780, 480); // in the middle of what the tabs leave
+constexpr QPoint kViewOrigin(8, 4); // in the middle of what the tabs leave
 
 constexpr Qt::WindowFlags kWindowFlags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                                          Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
@@ -53,7 +53,8 @@ void addShortcut(QWidget& window, QKeyCombination keys, std::function<void()> ac
 } // namespace
 
 SettingsWindowController::SettingsWindowController(Services& services, const Ports& ports)
-    : m_ports(ports), m_context{services, ports, [this] { refreshAll(); }} {}
+    : m_ports(ports), m_context{services, ports, [this] { refreshAll(); }}, m_shortcuts(m_context),
+      m_general(m_context), m_about(m_context) {}
 
 SettingsWindowController::~SettingsWindowController() = default;
 
@@ -78,6 +79,7 @@ void SettingsWindowController::show(std::optional<Tab> tab) {
 
 void SettingsWindowController::refreshAll() {
     m_shortcuts.refresh();
+    m_general.refresh();
 }
 
 void SettingsWindowController::makeWindow() {
@@ -89,8 +91,8 @@ void SettingsWindowController::makeWindow() {
     m_tabs->setGeometry(kTabsFrame);
     addTab(m_layouts, QStringLiteral("Layouts"));
     addTab(*m_shortcuts.view(), QStringLiteral("Shortcuts"));
-    addTab(m_general, QStringLiteral("General"));
-    addTab(m_about, QStringLiteral("About"));
+    addTab(*m_general.view(), QStringLiteral("General"));
+    addTab(*m_about.view(), QStringLiteral("About"));
     addShortcut(*m_window, Qt::CTRL | Qt::Key_W, [this] { m_window->close(); });
     addShortcut(*m_window, Qt::CTRL | Qt::Key_Q, [this] { m_ports.application.terminate(); });
     center(*m_window);
@@ -101,7 +103,7 @@ void SettingsWindowController::addTab(QWidget& view, const QString& label) {
     auto* const page = new QWidget(m_tabs);
     page->setObjectName(label);
     view.setParent(page);
-    view.setGeometry(kViewFrame);
+    view.setGeometry(QRect(kViewOrigin, kTabSize));
     m_tabs->addTab(page, label);
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "app/settings_window.h"
+#include "settings_ui/about_tab.h"
+#include "settings_ui/general_tab.h"
 #include "settings_ui/kit.h"
 #include "settings_ui/shortcuts_tab.h"
 #include "settings_ui/tab_context.h"
@@ -45,9 +47,9 @@ private:
     QTabWidget* m_tabs = nullptr;
     TabContext m_context;
     FlippedView m_layouts;
-    ShortcutsTab m_shortcuts{m_context};
-    FlippedView m_general;
-    FlippedView m_about;
+    ShortcutsTab m_shortcuts;
+    GeneralTab m_general;
+    AboutTab m_about;
 };
 
 } // namespace tessarel

@@ -6,7 +6,12 @@
 #include "settings_ui/tab_context.h"
 #include "support/sim_ports.h"
 
+#include <QList>
+#include <QRect>
+#include <QWidget>
+
 #include <optional>
+#include <stdexcept>
 
 namespace tessarel {
 
@@ -18,6 +23,15 @@ protected:
         if (!desktop.preferences().data(Store::key))
             return std::nullopt;
         return Store(desktop.preferences()).settings;
+    }
+
+    /// The control of `view` that has this frame; there must be one.
+    template <class Control>
+    static Control& at(QWidget& view, const QRect& frame) {
+        for (Control* const control : view.findChildren<Control*>())
+            if (control->geometry() == frame)
+                return *control;
+        throw std::out_of_range("no such control");
     }
 
     sim::SimDesktop desktop;

@@ -6,12 +6,14 @@
 #include <QList>
 #include <QRect>
 #include <QScreen>
+#include <QSlider>
 #include <QTabWidget>
 #include <QTest>
 #include <QWidget>
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <stdexcept>
 
 namespace tessarel {
 namespace {
@@ -33,6 +35,15 @@ protected:
     static QWidget& window() { return *windows().first(); }
     static QTabWidget& tabs() { return *window().findChild<QTabWidget*>(); }
 
+    /// A control of a tab, whether in a window or not.
+    static QSlider& gapSlider() {
+        for (QWidget* const widget : QApplication::allWidgets()) {
+            if (widget->accessibleName() == "Gap between windows" && widget->inherits("QSlider"))
+                return dynamic_cast<QSlider&>(*widget);
+        }
+        throw std::out_of_range("no gap slider");
+    }
+
     SettingsWindowController controller{services, ports};
 };
 
@@ -49,10 +60,23 @@ TEST_F(SettingsWindowControllerTest, ThereIsNoWindowBeforeItIsShown) {
     EXPECT_TRUE(windows().isEmpty());
 }
 
-TEST_F(SettingsWindowControllerTest, ARefreshMakesNoWindow) {
+TEST_F(SettingsWindowControllerTest, ARefreshShowsThePresentSettingsWithoutMakingAWindow) {
+    settings.gap = 8;
+
     controller.refreshAll();
 
     EXPECT_TRUE(windows().isEmpty());
+    EXPECT_EQ(gapSlider().value(), 8);
+}
+
+TEST_F(SettingsWindowControllerTest, ShowingShowsThePresentSettings) {
+    controller.show();
+    window().close();
+    settings.gap = 8;
+
+    controller.show();
+
+    EXPECT_EQ(gapSlider().value(), 8);
 }
 
 TEST_F(SettingsWindowControllerTest, TheWindowHasItsSizeAndTitleAndCannotBeResized) {

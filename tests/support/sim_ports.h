@@ -5,10 +5,13 @@
 
 namespace tessarel {
 
+/// What is true on the simulated desktop.
+inline const PlatformWords kSimWords;
+
 /// All ports of a simulated desktop, for the copy of the program that has `instance`; but for its windows'
 /// keys, which come from `localKeys`.
-inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance, LocalKeysPort& localKeys) {
-    static const PlatformWords words;
+inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance, LocalKeysPort& localKeys,
+                      const PlatformWords& words = kSimWords) {
     return {.accessibility = desktop.accessibility(),
             .alertSound = desktop.alertSound(),
             .alerts = desktop.alerts(),
@@ -34,9 +37,10 @@ inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance, Lo
             .words = words};
 }
 
-/// All ports of a simulated desktop.
-inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance) {
-    return simPorts(desktop, instance, desktop.localKeys());
+/// All ports of a simulated desktop, on which `words` are true.
+inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance,
+                      const PlatformWords& words = kSimWords) {
+    return simPorts(desktop, instance, desktop.localKeys(), words);
 }
 
 } // namespace tessarel

@@ -1,0 +1,289 @@
+#include "settings_ui/general_tab.h"
+
+#include "model/config.h"
+#include "settings_ui/qt_text.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QListWidget>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QSlider>
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <vector>
+
+namespace tessarel {
+namespace {
+
+constexpr LabelStyle kHeading{.bold = true, .size = 14};
+constexpr WrapStyle kNote{.size = 12, .secondary = true};
+constexpr int kRowHeight = 22;
+
+QString appName() {
+    return toQString(Config::appName);
+}
+
+/// Whole points, as far as the slider goes, a half rounded up.
+int position(const QSlider& slider, double points) {
+    const double rounded = std::round(points);
+    return static_cast<int>(std::clamp<double>(rounded, slider.minimum(), slider.maximum()));
+}
+
+/// `points` without its fraction, for the user.
+QString readout(double points) {
+    const double whole = std::trunc(points) + 0.0; // no sign before a zero
+    return QString::number(whole, 'f', 0) + QStringLiteral(" px");
+}
+
+void show(QSlider& slider, double points) {
+    const QSignalBlocker silence(slider);
+    slider.setValue(position(slider, points));
+}
+
+} // namespace
+
+GeneralTab::GeneralTab(const TabContext& context) : m_context(context) {
+    m_view.resize(kTabSize);
+    buildLogin();
+    buildSpacing();
+    buildDragging();
+    buildPermission();
+    buildIgnored();
+    buildRemembering();
+}
+
+void GeneralTab::buildLogin() {
+    m_loginBox = makeCheckBox(m_view, QStringLiteral("Launch %1 at login").arg(appName()), {16, 14, 320, 20},
+                              [this](bool on) { loginToggled(on); });
+}
+
+void GeneralTab::buildSpacing() {
+    makeLabel(m_view, QStringLiteral("Spacing"), {16, 50, 200, 20}, kHeading);
+    QLabel* const gap = makeLabel(m_view, QStringLiteral("Gap between windows"), {16, 78, 170, 18});
+    m_gapSlider = makeSlider(*gap, {190, 76, 190, 22}, 40);
+    m_gapLabel = makeLabel(m_view, readout(0), {390, 78, 60, 18}, {.secondary = true});
+    QLabel* const margin = makeLabel(m_view, QStringLiteral("Margin around the screen"), {16, 110, 170, 18});
+    m_marginSlider = makeSlider(*margin, {190, 108, 190, 22}, 60);
+    m_marginLabel = makeLabel(m_view, readout(0), {390, 110, 60, 18}, {.secondary = true});
+}
+
+/// A slider from 0 to `maximum` that `label` belongs to.
+QSlider* GeneralTab::makeSlider(QLabel& label, const QRect& frame, int maximum) {
+    auto* const slider = new QSlider(Qt::Horizontal, &m_view);
+    slider->setGeometry(frame);
+    slider->setRange(0, maximum);
+    slider->setPageStep(5);
+    nameAfter(label, *slider);
+    QObject::connect(slider, &QSlider::valueChanged, slider, [this] { spacingChanged(); });
+    return slider;
+}
+
+void GeneralTab::buildDragging() {
+    makeLabel(m_view, QStringLiteral("Drag to snap"), {16, 154, 200, 20}, kHeading);
+    m_dragBox = makeCheckBox(m_view, QStringLiteral("Show zones while dragging a window"), {16, 182, 380, 20},
+                             [this](bool on) { dragToggled(on); });
+    QLabel* const trigger =
+        makeLabel(m_view, QStringLiteral("Zones appear while you hold:"), {36, 212, 180, 18});
+    buildTriggerPopup(*trigger);
+    m_edgeBox = makeCheckBox(m_view, QStringLiteral("Also snap at screen edges and corners"),
+                             {16, 246, 380, 20}, [this](bool on) { edgeToggled(on); });
+    makeWrap(
+        m_view,
+        QStringLiteral("Edges give halves, corners give quarters, the top edge maximizes. %1; turn one of "
+                       "the two off to avoid double snapping.")
+            .arg(toQString(m_context.ports.words.otherEdgeTiling)),
+        {36, 270, 400, 50}, kNote);
+}
+
+void GeneralTab::buildTriggerPopup(QLabel& label) {
+    const PlatformWords& words = m_context.ports.words;
+    m_triggerPopup = new QComboBox(&m_view);
+    m_triggerPopup->setFont(systemFont(13));
+    m_triggerPopup->setGeometry(222, 208, 150, 26);
+    m_triggerPopup->addItem(QStringLiteral("Shift"), QStringLiteral("shift"));
+    m_triggerPopup->addItem(toQString(words.controlKey), QStringLiteral("control"));
+    m_triggerPopup->addItem(toQString(words.commandKey), QStringLiteral("command"));
+    m_triggerPopup->addItem(QStringLiteral("Nothing (always)"), QStringLiteral("always"));
+    nameAfter(label, *m_triggerPopup);
+    QObject::connect(m_triggerPopup, &QComboBox::activated, m_triggerPopup, [this] { triggerChosen(); });
+}
+
+void GeneralTab::buildPermission() {
+    makeLabel(m_view, QStringLiteral("Accessibility permission"), {16, 346, 250, 20}, kHeading);
+    m_accLabel = makeLabel(m_view, {}, {16, 374, 440, 18});
+    makeButton(m_view, QStringLiteral("Open Accessibility settings"), {16, 400, 210, 28},
+               [this] { openAccessibility(); });
+}
+
+void GeneralTab::buildIgnored() {
+    QLabel* const heading = makeLabel(m_view, QStringLiteral("Ignored apps"), {470, 50, 200, 20}, kHeading);
+    m_table = new QListWidget(&m_view);
+    m_table->setFont(systemFont(13));
+    m_table->setGeometry(470, 78, 290, 190);
+    m_table->setUniformItemSizes(true);
+    m_table->setTextElideMode(Qt::ElideMiddle);
+    m_table->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    nameAfter(*heading, *m_table);
+    makeButton(m_view, QStringLiteral("Add app..."), {470, 276, 100, 28}, [this] { addIgnored(); });
+    makeButton(m_view, QStringLiteral("Remove"), {576, 276, 80, 28}, [this] { removeIgnored(); });
+    makeWrap(m_view, appName() + QStringLiteral(" will not move or snap windows of these apps."),
+             {470, 310, 290, 34}, kNote);
+}
+
+void GeneralTab::buildRemembering() {
+    makeLabel(m_view, QStringLiteral("Remember app positions"), {470, 350, 290, 20}, kHeading);
+    m_rememberBox = makeCheckBox(m_view, QStringLiteral("Reopen apps in their last zone"),
+                                 {470, 376, 290, 20}, [this](bool on) { rememberToggled(on); });
+    m_forgetButton = makeButton(m_view, QStringLiteral("Forget remembered apps"), {470, 402, 200, 28},
+                                [this] { forgetApps(); });
+    makeWrap(m_view,
+             QStringLiteral("When an app opens a window, it goes to the zone you last snapped that app to."),
+             {470, 436, 290, 34}, kNote);
+}
+
+void GeneralTab::refresh() {
+    m_loginBox->setChecked(m_context.services.loginItem.isEnabled());
+    show(*m_gapSlider, settings().gap);
+    show(*m_marginSlider, settings().margin);
+    showReadouts();
+    showDragging();
+    m_rememberBox->setChecked(settings().rememberApps);
+    showRemembered();
+    showPermission();
+    reloadTable();
+}
+
+void GeneralTab::showReadouts() {
+    setFittedText(*m_gapLabel, readout(settings().gap));
+    setFittedText(*m_marginLabel, readout(settings().margin));
+}
+
+void GeneralTab::showDragging() {
+    m_dragBox->setChecked(settings().dragEnabled);
+    m_edgeBox->setChecked(settings().edgeSnap);
+    m_triggerPopup->setEnabled(settings().dragEnabled);
+    m_edgeBox->setEnabled(settings().dragEnabled);
+    const int trigger = m_triggerPopup->findData(toQString(settings().dragTrigger));
+    if (trigger >= 0)
+        m_triggerPopup->setCurrentIndex(trigger);
+}
+
+void GeneralTab::showRemembered() {
+    const auto count = settings().appZones.size();
+    setFittedText(*m_forgetButton, QStringLiteral("Forget remembered apps (%1)").arg(count));
+    m_forgetButton->setEnabled(count > 0);
+}
+
+void GeneralTab::showPermission() {
+    const bool isTrusted = m_context.services.permissions.isTrusted();
+    setFittedText(*m_accLabel, isTrusted
+                                   ? QStringLiteral("Granted. %1 can move and resize windows.").arg(appName())
+                                   : toQString(m_context.ports.words.notTrusted));
+}
+
+void GeneralTab::reloadTable() {
+    const int selected = selectedRow();
+    m_table->clear();
+    for (const std::string& bundleIdentifier : settings().ignoredApps) {
+        auto* const row = new QListWidgetItem(displayName(bundleIdentifier), m_table);
+        row->setSizeHint({0, kRowHeight});
+    }
+    m_table->setCurrentRow(selected < m_table->count() ? selected : -1);
+}
+
+/// -1 without a selection; the keyboard may be on a row that is not selected.
+int GeneralTab::selectedRow() const {
+    const auto selected = m_table->selectedItems();
+    return selected.isEmpty() ? -1 : m_table->row(selected.first());
+}
+
+/// What the user calls the application, and its identifier; or, if it is not installed, the identifier alone.
+QString GeneralTab::displayName(const std::string& bundleIdentifier) const {
+    const QString identifier = toQString(bundleIdentifier);
+    const auto name = m_context.ports.workspace.displayName(bundleIdentifier);
+    if (!name)
+        return identifier;
+    const QString bare = toQString(*name).remove(QStringLiteral(".app"));
+    return bare + QStringLiteral("  (") + identifier + QLatin1Char(')');
+}
+
+void GeneralTab::loginToggled(bool on) {
+    LoginItem& loginItem = m_context.services.loginItem;
+    const auto failure = loginItem.set(on);
+    if (!failure)
+        return;
+    showMessage(m_context.ports, QStringLiteral("Could not change the login item"), toQString(*failure));
+    m_loginBox->setChecked(loginItem.isEnabled());
+}
+
+void GeneralTab::spacingChanged() {
+    settings().gap = m_gapSlider->value();
+    settings().margin = m_marginSlider->value();
+    showReadouts();
+    save();
+}
+
+void GeneralTab::dragToggled(bool on) {
+    settings().dragEnabled = on;
+    save();
+    refresh();
+}
+
+void GeneralTab::triggerChosen() {
+    settings().dragTrigger = m_triggerPopup->currentData().toString().toStdString();
+    save();
+}
+
+void GeneralTab::edgeToggled(bool on) {
+    settings().edgeSnap = on;
+    save();
+}
+
+void GeneralTab::rememberToggled(bool on) {
+    settings().rememberApps = on;
+    save();
+}
+
+void GeneralTab::forgetApps() {
+    settings().appZones.clear();
+    save();
+    refresh();
+}
+
+void GeneralTab::openAccessibility() {
+    m_context.services.permissions.prompt();
+    m_context.services.permissions.openSettings();
+}
+
+void GeneralTab::addIgnored() {
+    const auto chosen = m_context.ports.openPanel.chooseApplication("Ignore");
+    if (!chosen || std::ranges::count(settings().ignoredApps, *chosen) > 0)
+        return;
+    settings().ignoredApps.push_back(*chosen);
+    save();
+    reloadTable();
+}
+
+void GeneralTab::removeIgnored() {
+    const int row = selectedRow();
+    auto& ignored = settings().ignoredApps;
+    if (row < 0 || row >= static_cast<int>(ignored.size()))
+        return;
+    ignored.erase(ignored.begin() + row);
+    save();
+    reloadTable();
+}
+
+AppSettings& GeneralTab::settings() const {
+    return m_context.services.store.settings;
+}
+
+void GeneralTab::save() {
+    m_context.services.store.save();
+}
+
+} // namespace tessarel
