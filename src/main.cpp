@@ -1,6 +1,7 @@
 #include "app/app_delegate.h"
 #include "model/config.h"
 #include "platform/qt/qt_alerts.h"
+#include "platform/qt/qt_appearance.h"
 #include "platform/qt/qt_local_keys.h"
 #include "platform/qt/qt_main_queue.h"
 #include "platform/qt/qt_messages.h"
@@ -103,6 +104,7 @@ int run(const char* programName) {
     qt::QtStatusItem statusItem(queue);
     qt::QtUrlLoadingModule urlLoading;
     qt::SystemWallClock wallClock;
+    qt::QtAppearance appearance;
     std::optional<AppDelegate> delegate;
     delegate.emplace(Ports{.accessibility = desktop.accessibility,
                            .alertSound = desktop.alertSound,
@@ -127,7 +129,8 @@ int run(const char* programName) {
                            .windowList = desktop.windowList,
                            .workspace = desktop.workspace,
                            .words = desktop.words},
-                     [](Services& services, const Ports& ports) {
+                     [&appearance](Services& services, const Ports& ports) {
+                         appearance.apply();
                          return std::make_unique<SettingsWindowController>(services, ports);
                      });
     if (delegate->applicationDidFinishLaunching() == AppDelegate::Launch::AnotherCopyRuns)
