@@ -23,7 +23,7 @@ constexpr int kEntries = 5000;
 constexpr int kLanguages = 20;
 constexpr int kSubfolders = 4;
 
-/// A folder with entries like those that programs install, translations and all: 1.5 KiB each.
+/// A folder with entries like those that programs install, translations and all: 1.8 kB each.
 class Folder {
 public:
     Folder() {
