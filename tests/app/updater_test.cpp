@@ -174,6 +174,7 @@ public:
         document = m_preferences.data(Store::key);
         return 0;
     }
+    std::optional<std::string> runModalForText(const Alert&) override { return std::nullopt; }
 
     std::optional<std::string> document;
 

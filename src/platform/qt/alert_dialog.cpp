@@ -5,10 +5,12 @@
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSize>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -20,9 +22,10 @@ namespace tessarel::qt {
 namespace {
 
 constexpr int kTextWidth = 420;
+constexpr QSize kFieldSize(260, 24);
 constexpr int kMargin = 20;
 constexpr int kSpacing = 12;
-constexpr int kButtonPadding = 16; // beside a title, beyond the style's
+constexpr int kButtonPadding = 16;            // beside a title, beyond the style's
 constexpr double kLargestShareOfScreen = 0.5; // for the part that scrolls
 // More than anyone reads, and less than takes time to lay out.
 constexpr qsizetype kLongestMessage = 200;
@@ -98,15 +101,18 @@ void AlertDialog::layOut() {
     for (QPushButton* const button : m_buttons)
         row->addWidget(button);
     auto* const column = new QVBoxLayout(this);
+    m_texts = new QVBoxLayout;
+    m_texts->setSpacing(kSpacing);
+    column->addLayout(m_texts);
     column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     column->setSpacing(kSpacing);
     column->setSizeConstraint(QLayout::SetFixedSize);
     m_message->setFixedWidth(kTextWidth);
-    column->addWidget(m_message);
+    m_texts->addWidget(m_message);
     if (m_information->text().isEmpty())
         m_information->hide();
     else
-        column->addWidget(scrolled(*m_information));
+        m_texts->addWidget(scrolled(*m_information));
     column->addSpacing(kSpacing);
     column->addLayout(row);
 }
@@ -124,6 +130,16 @@ QWidget* AlertDialog::scrolled(QLabel& label) const {
     area->setFixedSize(kTextWidth + bar, std::min(whole, limit));
     area->setFocusPolicy(whole > limit ? Qt::StrongFocus : Qt::NoFocus);
     return area;
+}
+
+QLineEdit& AlertDialog::addField() {
+    auto* const field = new QLineEdit(this);
+    field->setFixedSize(kFieldSize);
+    field->setAccessibleName(m_information->text());
+    m_texts->addWidget(field);
+    setTabOrder(field, m_buttons.first());
+    field->setFocus();
+    return *field;
 }
 
 std::size_t AlertDialog::run() {

@@ -9,7 +9,9 @@
 #include <cstddef>
 
 class QLabel;
+class QLineEdit;
 class QPushButton;
+class QVBoxLayout;
 
 namespace tessarel::qt {
 
@@ -20,6 +22,9 @@ namespace tessarel::qt {
 class AlertDialog : public QDialog {
 public:
     explicit AlertDialog(const Alert& alert);
+
+    /// Adds a line to type into below the texts, with the keyboard. Return presses the first button.
+    QLineEdit& addField();
 
     /// Shows the dialog until it is closed: the position of the button, or of the one that closing it in
     /// another way counts as.
@@ -36,6 +41,7 @@ private:
 
     QLabel* m_message;
     QLabel* m_information;
+    QVBoxLayout* m_texts;
     QList<QPushButton*> m_buttons;
     std::size_t m_dismissedAs;
 };

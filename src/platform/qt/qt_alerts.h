@@ -3,6 +3,8 @@
 #include "ports/alerts_port.h"
 
 #include <cstddef>
+#include <optional>
+#include <string>
 
 namespace tessarel::qt {
 
@@ -11,6 +13,7 @@ class QtAlerts : public AlertsPort {
 public:
     /// Runs a loop of its own until the box is closed. An alert without buttons gets "OK", and answers 0.
     std::size_t runModal(const Alert& alert) override;
+    std::optional<std::string> runModalForText(const Alert& alert) override;
 };
 
 } // namespace tessarel::qt

@@ -14,6 +14,15 @@ std::size_t SimAlerts::runModal(const Alert& alert) {
     return answer;
 }
 
+std::optional<std::string> SimAlerts::runModalForText(const Alert& alert) {
+    shown.push_back(alert);
+    if (texts.empty())
+        return std::nullopt;
+    std::string text = std::move(texts.front());
+    texts.pop_front();
+    return text;
+}
+
 std::optional<std::string> SimOpenPanel::chooseApplication(const std::string& prompt) {
     prompts.push_back(prompt);
     if (choices.empty())

@@ -28,9 +28,11 @@ public:
 class SimAlerts : public AlertsPort {
 public:
     std::size_t runModal(const Alert& alert) override;
+    std::optional<std::string> runModalForText(const Alert& alert) override;
 
-    std::vector<Alert> shown;        ///< in order
+    std::vector<Alert> shown;        ///< in order, those that ask for a text too
     std::deque<std::size_t> answers; ///< buttons that the user will press, next one first
+    std::deque<std::string> texts;   ///< what the user will type and accept; not told, nothing is accepted
 };
 
 /// Counts what the program has had the system do with it.

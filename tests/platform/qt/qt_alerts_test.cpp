@@ -5,17 +5,20 @@
 
 #include <QApplication>
 #include <QLabel>
+#include <QLineEdit>
 #include <QList>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QSize>
 #include <QTest>
 #include <gtest/gtest.h>
 
 #include <array>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace tessarel::qt {
@@ -29,6 +32,12 @@ protected:
     std::size_t runModal(const Alert& alert, const std::function<void(AlertDialog&)>& use) {
         queue.async([&] { use(dynamic_cast<AlertDialog&>(*QApplication::activeModalWidget())); });
         return alerts.runModal(alert);
+    }
+
+    /// The same for an alert that asks for a text.
+    std::optional<std::string> runModalForText(const std::function<void(AlertDialog&)>& use) {
+        queue.async([&] { use(dynamic_cast<AlertDialog&>(*QApplication::activeModalWidget())); });
+        return alerts.runModalForText({"Save layout", "Name for this layout:", {"Save", "Cancel"}});
     }
 
     static const QScrollArea& areaOf(const AlertDialog& box) { return *box.findChild<QScrollArea*>(); }
@@ -151,6 +160,58 @@ TEST_F(QtAlertsTest, AnAmpersandInAButtonIsNoMnemonic) {
     runModal({"Question", "", {"Save & Quit"}}, [](AlertDialog& box) {
         EXPECT_EQ(box.buttons().first()->text(), "Save && Quit");
         EXPECT_TRUE(box.buttons().first()->shortcut().isEmpty());
+        box.close();
+    });
+}
+
+TEST_F(QtAlertsTest, WhatIsTypedIsAnsweredWhenTheFirstButtonIsPressed) {
+    const auto text = runModalForText([](AlertDialog& box) {
+        QTest::keyClicks(box.findChild<QLineEdit*>(), "Coding & <b>more</b>");
+        QTest::mouseClick(box.buttons().first(), Qt::LeftButton);
+    });
+
+    EXPECT_EQ(text, "Coding & <b>more</b>");
+}
+
+TEST_F(QtAlertsTest, TheFieldHasTheKeyboardAndReturnPressesTheFirstButton) {
+    const auto text = runModalForText([](AlertDialog& box) {
+        ASSERT_EQ(box.focusWidget(), box.findChild<QLineEdit*>());
+        QTest::keyClicks(box.focusWidget(), "  Wide ");
+        QTest::keyClick(box.focusWidget(), Qt::Key_Return);
+    });
+
+    EXPECT_EQ(text, "  Wide ");
+}
+
+TEST_F(QtAlertsTest, EscapeAndTheOtherButtonsAnswerNoText) {
+    for (const bool byKey : {true, false}) {
+        const auto text = runModalForText([&](AlertDialog& box) {
+            auto* const field = box.findChild<QLineEdit*>();
+            QTest::keyClicks(field, "Wide");
+            byKey ? QTest::keyClick(field, Qt::Key_Escape)
+                  : QTest::mouseClick(box.buttons().last(), Qt::LeftButton);
+        });
+        EXPECT_EQ(text, std::nullopt);
+    }
+}
+
+TEST_F(QtAlertsTest, NothingTypedIsAnEmptyText) {
+    const auto text =
+        runModalForText([](AlertDialog& box) { QTest::keyClick(box.focusWidget(), Qt::Key_Return); });
+
+    EXPECT_EQ(text, "");
+}
+
+TEST_F(QtAlertsTest, ThePromptShowsItsFieldAndNamesIt) {
+    runModalForText([](AlertDialog& box) {
+        auto* const field = box.findChild<QLineEdit*>();
+        EXPECT_EQ(field->size(), QSize(260, 24));
+        EXPECT_EQ(field->accessibleName(), "Name for this layout:");
+        EXPECT_TRUE(box.rect().contains(field->geometry()));
+        EXPECT_GT(field->y(), box.message().geometry().bottom());
+        EXPECT_LT(field->geometry().bottom(), box.buttons().first()->y());
+        QTest::keyClick(field, Qt::Key_Tab);
+        EXPECT_EQ(box.focusWidget(), box.buttons().first());
         box.close();
     });
 }
