@@ -1,0 +1,109 @@
+#include "settings_ui/pop_up_button.h"
+
+#include "settings_ui/kit.h"
+
+#include <QChar>
+#include <QEvent>
+#include <QFontMetrics>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QStyle>
+#include <QStyleOptionComboBox>
+#include <QStylePainter>
+#include <QTextDocument>
+#include <QToolTip>
+#include <QWheelEvent>
+
+#include <algorithm>
+#include <utility>
+
+namespace tessarel {
+
+namespace {
+
+constexpr int kWidestInCharacters = 60; // of average width
+constexpr int kLongestMeasured = 512;   // more is never shown, and takes its time
+constexpr int kTextMargin = 2;          // between the field and its text
+
+bool isLineBreakOrControl(QChar character) {
+    return character.category() == QChar::Other_Control || character.category() == QChar::Separator_Line ||
+           character.category() == QChar::Separator_Paragraph;
+}
+
+/// A tooltip takes what looks like markup for markup.
+QString plainToolTip(const QString& text) {
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
+}
+
+QString oneLine(QString text, const QFontMetrics& metrics) {
+    if (text.size() > kLongestMeasured)
+        text = text.left(kLongestMeasured) + QChar(0x2026);
+    std::ranges::replace_if(text, isLineBreakOrControl, QChar(u' '));
+    return metrics.elidedText(text, Qt::ElideRight, kWidestInCharacters * metrics.averageCharWidth());
+}
+
+} // namespace
+
+PopUpButton::PopUpButton(QWidget& parent, const QRect& frame, std::function<void()> action)
+    : QComboBox(&parent) {
+    setFont(systemFont(13));
+    setGeometry(frame);
+    connect(this, &QComboBox::activated, this, [action = std::move(action)] { action(); });
+}
+
+void PopUpButton::append(const QString& title, const QVariant& value) {
+    addItem(oneLine(title, fontMetrics()), value);
+}
+
+void PopUpButton::appendSeparator() {
+    insertSeparator(count());
+}
+
+void PopUpButton::select(const QVariant& value) {
+    if (const int index = findData(value); index >= 0)
+        setCurrentIndex(index);
+}
+
+void PopUpButton::keyPressEvent(QKeyEvent* event) {
+    switch (event->key()) {
+    case Qt::Key_Space:
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_F4:
+        return showPopup();
+    default:
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void PopUpButton::wheelEvent(QWheelEvent* event) {
+    event->ignore();
+}
+
+QString PopUpButton::shownText() const {
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    const QRect field =
+        style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, this);
+    return fontMetrics().elidedText(currentText(), Qt::ElideRight, field.width() - 2 * kTextMargin);
+}
+
+void PopUpButton::paintEvent(QPaintEvent* /*event*/) {
+    QStylePainter painter(this);
+    QStyleOptionComboBox option;
+    initStyleOption(&option);
+    option.currentText = shownText();
+    painter.drawComplexControl(QStyle::CC_ComboBox, option);
+    painter.drawControl(QStyle::CE_ComboBoxLabel, option);
+}
+
+bool PopUpButton::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip)
+        return QComboBox::event(event);
+    const bool isWhole = shownText() == currentText();
+    QToolTip::showText(dynamic_cast<QHelpEvent&>(*event).globalPos(),
+                       isWhole ? QString() : plainToolTip(currentText()), this);
+    return true;
+}
+
+} // namespace tessarel

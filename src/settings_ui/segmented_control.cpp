@@ -1,0 +1,119 @@
+#include "settings_ui/segmented_control.h"
+
+#include "settings_ui/kit.h"
+#include "settings_ui/pixel_grid.h"
+
+#include <QColor>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPalette>
+#include <QPen>
+#include <QRadioButton>
+#include <QRectF>
+
+#include <cmath>
+#include <cstddef>
+#include <utility>
+
+namespace tessarel {
+
+namespace {
+
+constexpr double kCornerRadius = 4;
+constexpr double kFocusWidth = 2;
+constexpr double kFocusInset = 3;
+
+/// One choice of several to keys and screen readers, one part of a bar to the eye.
+class Segment : public QRadioButton {
+public:
+    enum class Place { First, Middle, Last };
+
+    Segment(QWidget& parent, const QString& label, Place place)
+        : QRadioButton(label, &parent), m_place(place) {
+        setFont(systemFont(13));
+    }
+
+protected:
+    [[nodiscard]] bool hitButton(const QPoint& point) const override { return rect().contains(point); }
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    [[nodiscard]] QRectF bar(double stroke) const;
+    [[nodiscard]] QColor fill() const;
+    void paintFocus(QPainter& painter) const;
+
+    Place m_place;
+};
+
+/// The bar as far as this segment sees it: its rounded ends lie outside the segments in the middle.
+QRectF Segment::bar(double stroke) const {
+    QRectF area(rect());
+    area.adjust(stroke / 2, stroke / 2, -stroke / 2, -stroke / 2);
+    const double beyond = 2 * kCornerRadius;
+    return area.adjusted(m_place == Place::First ? 0 : -beyond, 0, m_place == Place::Last ? 0 : beyond, 0);
+}
+
+QColor Segment::fill() const {
+    if (isChecked())
+        return controlAccentColor(palette());
+    const QColor button = palette().color(QPalette::Button);
+    return isDown() ? button.darker(115) : button;
+}
+
+void Segment::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const PixelGrid grid(painter.deviceTransform());
+    const double stroke = grid.wholeWidth(1);
+    painter.setPen(QPen(separatorColor(palette()), stroke));
+    painter.setBrush(fill());
+    painter.drawRoundedRect(bar(stroke), kCornerRadius, kCornerRadius);
+    if (m_place != Place::Last) {
+        const double x = grid.lineX(width() - stroke / 2, stroke);
+        painter.drawLine(QPointF(x, stroke), QPointF(x, height() - stroke));
+    }
+    painter.setPen(palette().color(isChecked() ? QPalette::HighlightedText : QPalette::ButtonText));
+    painter.drawText(rect(), Qt::AlignCenter, text());
+    if (hasFocus())
+        paintFocus(painter);
+}
+
+void Segment::paintFocus(QPainter& painter) const {
+    painter.setPen(QPen(palette().color(isChecked() ? QPalette::HighlightedText : QPalette::Highlight),
+                        kFocusWidth / 2));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(rect()).adjusted(kFocusInset, kFocusInset, -kFocusInset, -kFocusInset),
+                            kCornerRadius / 2, kCornerRadius / 2);
+}
+
+} // namespace
+
+SegmentedControl::SegmentedControl(QWidget& parent, const QStringList& labels, const QRect& frame,
+                                   std::function<void()> action)
+    : QWidget(&parent) {
+    setGeometry(frame);
+    const auto edge = [&](qsizetype i) { return static_cast<int>(i * frame.width() / labels.size()); };
+    for (qsizetype i = 0; i < labels.size(); ++i) {
+        const auto place = i == 0                   ? Segment::Place::First
+                           : i + 1 == labels.size() ? Segment::Place::Last
+                                                    : Segment::Place::Middle;
+        auto* const segment = new Segment(*this, labels.at(i), place);
+        segment->setGeometry(edge(i), 0, edge(i + 1) - edge(i), frame.height());
+        m_segments.push_back(segment);
+        connect(segment, &QRadioButton::clicked, this, [action] { action(); });
+    }
+    setSelectedSegment(0);
+}
+
+int SegmentedControl::selectedSegment() const {
+    for (std::size_t i = 0; i < m_segments.size(); ++i)
+        if (m_segments[i]->isChecked())
+            return static_cast<int>(i);
+    return 0;
+}
+
+void SegmentedControl::setSelectedSegment(int segment) {
+    m_segments.at(static_cast<std::size_t>(segment))->setChecked(true);
+}
+
+} // namespace tessarel

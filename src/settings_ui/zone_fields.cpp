@@ -1,0 +1,86 @@
+#include "settings_ui/zone_fields.h"
+
+#include "settings_ui/kit.h"
+
+#include <QByteArray>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRect>
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+#include <system_error>
+
+namespace tessarel {
+
+namespace {
+
+constexpr double kSmallest = 1; // percent
+constexpr std::array<double Zone::*, 4> kNumbers = {&Zone::x, &Zone::y, &Zone::w, &Zone::h};
+
+} // namespace
+
+ZoneFields::ZoneFields(QWidget& parent) {
+    for (int i = 0; const char* const title : {"X", "Y", "W", "H"})
+        add(parent, i++, QString::fromLatin1(title));
+}
+
+void ZoneFields::add(QWidget& parent, int index, const QString& title) {
+    const int left = index % 2 == 0 ? 540 : 658;
+    const int top = 176 + 34 * (index / 2);
+    auto* const label = makeLabel(parent, title, {left, top + 3, 16, 18});
+    auto* const field = new QLineEdit(&parent);
+    field->setFont(systemFont(13));
+    field->setGeometry(left + 18, top, 76, 24);
+    field->setAccessibleName(title);
+    label->setBuddy(field);
+    m_fields.at(static_cast<std::size_t>(index)) = field;
+    QObject::connect(field, &QLineEdit::textEdited, field, [this] { onType(); });
+    QObject::connect(field, &QLineEdit::editingFinished, field, [this, field] { end(*field); });
+}
+
+/// Also leaving an unchanged field ends its editing, which is nobody's business.
+void ZoneFields::end(QLineEdit& field) {
+    if (!field.isModified())
+        return;
+    field.setModified(false);
+    onEnd();
+}
+
+void ZoneFields::show(const Zone& zone) {
+    for (std::size_t i = 0; i < m_fields.size(); ++i) {
+        QLineEdit& field = *m_fields[i];
+        if (!field.isModified())
+            field.setText(fmtNum(zone.*kNumbers[i]));
+        field.setEnabled(zone.enabled);
+    }
+}
+
+std::optional<double> ZoneFields::number(const QString& text) {
+    QByteArray digits = text.trimmed().replace(QLatin1Char(','), QLatin1Char('.')).toLatin1();
+    if (digits.startsWith('+') && !digits.startsWith("+-"))
+        digits.remove(0, 1);
+    double value = 0;
+    const auto [end, error] = std::from_chars(digits.begin(), digits.end(), value);
+    if (error != std::errc() || end != digits.end() || !std::isfinite(value))
+        return std::nullopt;
+    return value;
+}
+
+Zone ZoneFields::typed(const Zone& current) const {
+    Zone zone = current;
+    for (std::size_t i = 0; i < m_fields.size(); ++i)
+        if (const auto value = number(m_fields[i]->text()))
+            zone.*kNumbers[i] = std::clamp(*value, 0.0, 100.0);
+    zone.w = std::max(zone.w, kSmallest);
+    zone.h = std::max(zone.h, kSmallest);
+    if (zone.x + zone.w > 100)
+        zone.w = 100 - zone.x;
+    if (zone.y + zone.h > 100)
+        zone.h = 100 - zone.y;
+    return zone;
+}
+
+} // namespace tessarel

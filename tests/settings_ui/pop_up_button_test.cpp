@@ -1,0 +1,132 @@
+#include "settings_ui/pop_up_button.h"
+
+#include "platform/qt/offscreen_test.h"
+
+#include <QAbstractItemView>
+#include <QApplication>
+#include <QHelpEvent>
+#include <QImage>
+#include <QTest>
+#include <QToolTip>
+#include <QWheelEvent>
+
+#include <string>
+
+namespace tessarel {
+namespace {
+
+class PopUpButtonTest : public qt::OffscreenTest {
+protected:
+    PopUpButtonTest() {
+        QApplication::setDoubleClickInterval(0); // for which the list waits before it believes in a click
+        popUp.append("Off", 0);
+        popUp.appendSeparator();
+        popUp.append("Halves", 7);
+        popUp.append("Thirds", 8);
+        window.resize(300, 200);
+        window.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+
+    void sendWheel() {
+        QWheelEvent wheel({5, 5}, popUp.mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {}, {}, Qt::NoScrollPhase,
+                          false);
+        QApplication::sendEvent(&popUp, &wheel);
+    }
+
+    QWidget window;
+    int choices = 0;
+    PopUpButton popUp{window, {10, 10, 250, 26}, [this] { ++choices; }};
+};
+
+TEST_F(PopUpButtonTest, ATitleIsChosenWithTheMouse) {
+    QTest::mouseClick(&popUp, Qt::LeftButton);
+    ASSERT_TRUE(popUp.view()->isVisible());
+    QApplication::processEvents();
+    const QRect row = popUp.view()->visualRect(popUp.model()->index(3, 0));
+    QTest::mouseMove(popUp.view()->viewport(), row.center());
+    QTest::mouseClick(popUp.view()->viewport(), Qt::LeftButton, {}, row.center());
+
+    EXPECT_EQ(popUp.currentData(), 8);
+    EXPECT_EQ(choices, 1);
+}
+
+TEST_F(PopUpButtonTest, ATitleIsChosenWithTheKeyboard) {
+    QTest::keyClick(&popUp, Qt::Key_Down);
+    ASSERT_TRUE(popUp.view()->isVisible());
+    EXPECT_EQ(choices, 0) << "the first key only opens";
+    QTest::keyClick(popUp.view(), Qt::Key_Down);
+    EXPECT_EQ(choices, 0);
+    QTest::keyClick(popUp.view(), Qt::Key_Return);
+
+    EXPECT_EQ(popUp.currentData(), 7) << "past the separator";
+    EXPECT_EQ(choices, 1);
+}
+
+TEST_F(PopUpButtonTest, EscapeChoosesNothing) {
+    QTest::keyClick(&popUp, Qt::Key_Space);
+    QTest::keyClick(popUp.view(), Qt::Key_Down);
+    QTest::keyClick(popUp.view(), Qt::Key_Escape);
+
+    EXPECT_FALSE(popUp.view()->isVisible());
+    EXPECT_EQ(popUp.currentData(), 0);
+    EXPECT_EQ(choices, 0);
+}
+
+TEST_F(PopUpButtonTest, NeitherWheelNorLettersChoose) {
+    sendWheel();
+    QTest::keyClick(&popUp, Qt::Key_T);
+    QTest::keyClick(&popUp, Qt::Key_PageDown);
+    QTest::keyClick(&popUp, Qt::Key_End);
+
+    EXPECT_EQ(popUp.currentData(), 0);
+    EXPECT_EQ(choices, 0);
+}
+
+TEST_F(PopUpButtonTest, TheProgramSelectsSilently) {
+    popUp.select(8);
+    EXPECT_EQ(popUp.currentText(), "Thirds");
+    popUp.select(12345);
+    EXPECT_EQ(popUp.currentText(), "Thirds") << "nothing stands for this";
+    EXPECT_EQ(choices, 0);
+}
+
+TEST_F(PopUpButtonTest, TitlesStayOnOneLine) {
+    popUp.append("one\ntwo\r\tthree", 20);
+
+    EXPECT_EQ(popUp.itemText(popUp.findData(20)), "one two  three");
+}
+
+TEST_F(PopUpButtonTest, MarkupAndAmpersandsAreShownAsTheyStand) {
+    popUp.append("<b>Code</b> && &Mail", 20);
+
+    EXPECT_EQ(popUp.itemText(popUp.findData(20)), "<b>Code</b> && &Mail");
+}
+
+TEST_F(PopUpButtonTest, EndlessTitlesEndInAnEllipsis) {
+    popUp.append(QString(1 << 20, 'x'), 20);
+
+    const QString title = popUp.itemText(popUp.findData(20));
+    EXPECT_TRUE(title.endsWith(QChar(0x2026)));
+    EXPECT_LT(title.size(), 100);
+    popUp.showPopup();
+    EXPECT_LT(popUp.view()->window()->width(), 600);
+    popUp.hidePopup();
+}
+
+TEST_F(PopUpButtonTest, ATitleWiderThanTheButtonIsToldInATooltip) {
+    const auto ask = [this] {
+        QHelpEvent help(QEvent::ToolTip, {5, 5}, popUp.mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(&popUp, &help);
+        return QToolTip::text();
+    };
+    EXPECT_EQ(ask(), "");
+
+    popUp.append("Mine: Writing in the library <b>while</b> nobody is there", 20);
+    popUp.select(20);
+    EXPECT_TRUE(ask().contains("while")) << ask().toStdString();
+    EXPECT_FALSE(ask().contains("<b>"));
+}
+
+} // namespace
+} // namespace tessarel

@@ -1,0 +1,174 @@
+#include "settings_ui/zone_fields.h"
+
+#include "model/presets.h"
+#include "platform/qt/offscreen_test.h"
+
+#include <QLineEdit>
+#include <QList>
+#include <QLocale>
+#include <QTest>
+
+namespace tessarel {
+namespace {
+
+class ZoneFieldsTest : public qt::OffscreenTest {
+protected:
+    ZoneFieldsTest() {
+        fields.onType = [this] { zone = fields.typed(zone); };
+        fields.onEnd = [this] {
+            ++ends;
+            fields.show(zone);
+        };
+        window.resize(780, 480);
+        window.show();
+        EXPECT_TRUE(QTest::qWaitForWindowActive(&window));
+        fields.show(zone);
+    }
+
+    QLineEdit& field(int index) { return *window.findChildren<QLineEdit*>().at(index); }
+    QLineEdit& x() { return field(0); }
+    QLineEdit& w() { return field(2); }
+
+    void type(QLineEdit& into, const char* text) {
+        QTest::mouseClick(&into, Qt::LeftButton);
+        into.selectAll();
+        QTest::keyClick(&into, Qt::Key_Backspace);
+        QTest::keyClicks(&into, text);
+    }
+
+    QWidget window;
+    ZoneFields fields{window};
+    Zone zone = Presets::z(20, 30, 40, 50);
+    int ends = 0;
+};
+
+TEST_F(ZoneFieldsTest, TheFieldsStandInTheirPlacesAndOrder) {
+    const QRect frames[] = {{558, 176, 76, 24}, {676, 176, 76, 24}, {558, 210, 76, 24}, {676, 210, 76, 24}};
+    const char* const names[] = {"X", "Y", "W", "H"};
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(field(i).geometry(), frames[i]);
+        EXPECT_EQ(field(i).accessibleName(), names[i]);
+    }
+}
+
+TEST_F(ZoneFieldsTest, NumbersAreShownWithoutTrailingZeros) {
+    fields.show(Presets::z(100.0 / 3, 12.5, 8, 0));
+
+    EXPECT_EQ(field(0).text(), "33.33");
+    EXPECT_EQ(field(1).text(), "12.5");
+    EXPECT_EQ(field(2).text(), "8");
+    EXPECT_EQ(field(3).text(), "0");
+}
+
+TEST_F(ZoneFieldsTest, OnlyAnEnabledZoneCanBeTypedUpon) {
+    fields.show({false, 25, 25, 50, 50});
+    for (int i = 0; i < 4; ++i)
+        EXPECT_FALSE(field(i).isEnabled());
+
+    fields.show(Presets::z(25, 25, 50, 50));
+    for (int i = 0; i < 4; ++i)
+        EXPECT_TRUE(field(i).isEnabled());
+}
+
+TEST_F(ZoneFieldsTest, ADecimalCommaIsAccepted) {
+    type(x(), "12,5");
+
+    EXPECT_EQ(zone, Presets::z(12.5, 30, 40, 50));
+}
+
+TEST_F(ZoneFieldsTest, LettersLeaveTheNumberAsItIs) {
+    type(x(), "abc");
+    EXPECT_EQ(zone.x, 20);
+    type(x(), "12 %");
+    EXPECT_EQ(zone.x, 12) << "after the first two digits";
+    type(x(), "");
+    EXPECT_EQ(zone.x, 12);
+}
+
+TEST_F(ZoneFieldsTest, TooLargeANumberIsCutAndTheZoneLosesItsWidth) {
+    type(x(), "150");
+
+    EXPECT_EQ(zone, Presets::z(100, 30, 0, 50));
+}
+
+TEST_F(ZoneFieldsTest, ANegativeNumberIsZero) {
+    type(x(), "-5");
+
+    EXPECT_EQ(zone.x, 0);
+}
+
+TEST_F(ZoneFieldsTest, AZoneIsAtLeastOneWideAndHigh) {
+    type(w(), "0");
+    type(field(3), "0.2");
+
+    EXPECT_EQ(zone, Presets::z(20, 30, 1, 1));
+}
+
+TEST_F(ZoneFieldsTest, AZoneEndsOnTheScreen) {
+    type(w(), "90");
+    EXPECT_EQ(zone, Presets::z(20, 30, 80, 50));
+    type(field(1), "60");
+    EXPECT_EQ(zone, Presets::z(20, 60, 80, 40));
+}
+
+TEST_F(ZoneFieldsTest, WhatIsTypedStaysAsItIsTypedUntilItIsDone) {
+    type(x(), "007,50");
+    fields.show(zone);
+    EXPECT_EQ(x().text(), "007,50");
+    EXPECT_EQ(ends, 0);
+
+    QTest::keyClick(&x(), Qt::Key_Return);
+    EXPECT_EQ(x().text(), "7.5");
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(ZoneFieldsTest, TheOtherFieldsFollowWhileOneIsTypedInto) {
+    type(x(), "70");
+    fields.show(zone);
+
+    EXPECT_EQ(x().text(), "70");
+    EXPECT_EQ(w().text(), "30");
+}
+
+TEST_F(ZoneFieldsTest, LeavingAChangedFieldEndsItOnce) {
+    type(x(), "10");
+    QTest::keyClick(&x(), Qt::Key_Tab);
+
+    EXPECT_TRUE(field(1).hasFocus());
+    EXPECT_EQ(ends, 1);
+    QTest::keyClick(&field(1), Qt::Key_Tab);
+    EXPECT_EQ(ends, 1) << "nothing has been typed there";
+}
+
+TEST_F(ZoneFieldsTest, AFieldThatOnlyHasTheKeyboardFollows) {
+    x().setFocus();
+
+    fields.show(Presets::z(50, 50, 50, 50));
+
+    EXPECT_EQ(x().text(), "50");
+}
+
+TEST_F(ZoneFieldsTest, ATextIsANumberAsAWholeOrNotAtAll) {
+    EXPECT_EQ(ZoneFields::number("12.5"), 12.5);
+    EXPECT_EQ(ZoneFields::number(" 12,5\t"), 12.5);
+    EXPECT_EQ(ZoneFields::number("-3"), -3);
+    EXPECT_EQ(ZoneFields::number("+3"), 3);
+    EXPECT_EQ(ZoneFields::number(".5"), 0.5);
+    EXPECT_EQ(ZoneFields::number("5."), 5);
+    EXPECT_EQ(ZoneFields::number("1e1"), 10);
+    for (const char* const text : {"", " ", ",", "1,2,3", "1 2", "12x", "+-3", "++3", "0x10", "inf", "-inf",
+                                   "nan", "1e999", "\xd9\xa1\xd9\xa2"})
+        EXPECT_EQ(ZoneFields::number(text), std::nullopt) << text;
+}
+
+TEST_F(ZoneFieldsTest, TheUsersLocaleChangesNothing) {
+    QLocale::setDefault(QLocale::German);
+    fields.show(Presets::z(12.5, 30, 40, 50));
+    EXPECT_EQ(x().text(), "12.5");
+    type(x(), "1.5");
+    EXPECT_EQ(zone.x, 1.5);
+    QLocale::setDefault(QLocale::c());
+}
+
+} // namespace
+} // namespace tessarel
