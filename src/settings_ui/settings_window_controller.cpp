@@ -53,8 +53,8 @@ void addShortcut(QWidget& window, QKeyCombination keys, std::function<void()> ac
 } // namespace
 
 SettingsWindowController::SettingsWindowController(Services& services, const Ports& ports)
-    : m_ports(ports), m_context{services, ports, [this] { refreshAll(); }}, m_shortcuts(m_context),
-      m_general(m_context), m_about(m_context) {}
+    : m_ports(ports), m_context{services, ports, [this] { refreshAll(); }}, m_layouts(m_context),
+      m_shortcuts(m_context), m_general(m_context), m_about(m_context) {}
 
 SettingsWindowController::~SettingsWindowController() = default;
 
@@ -78,6 +78,7 @@ void SettingsWindowController::show(std::optional<Tab> tab) {
 }
 
 void SettingsWindowController::refreshAll() {
+    m_layouts.refresh();
     m_shortcuts.refresh();
     m_general.refresh();
 }
@@ -89,7 +90,7 @@ void SettingsWindowController::makeWindow() {
     m_window->setFixedSize(kWindowSize);
     m_tabs = new QTabWidget(m_window.get());
     m_tabs->setGeometry(kTabsFrame);
-    addTab(m_layouts, QStringLiteral("Layouts"));
+    addTab(*m_layouts.view(), QStringLiteral("Layouts"));
     addTab(*m_shortcuts.view(), QStringLiteral("Shortcuts"));
     addTab(*m_general.view(), QStringLiteral("General"));
     addTab(*m_about.view(), QStringLiteral("About"));

@@ -4,6 +4,7 @@
 #include "settings_ui/about_tab.h"
 #include "settings_ui/general_tab.h"
 #include "settings_ui/kit.h"
+#include "settings_ui/layouts_tab.h"
 #include "settings_ui/shortcuts_tab.h"
 #include "settings_ui/tab_context.h"
 
@@ -46,7 +47,7 @@ private:
     std::unique_ptr<QWidget> m_window; // none before it is first shown
     QTabWidget* m_tabs = nullptr;
     TabContext m_context;
-    FlippedView m_layouts;
+    LayoutsTab m_layouts;
     ShortcutsTab m_shortcuts;
     GeneralTab m_general;
     AboutTab m_about;

@@ -1,0 +1,279 @@
+#include "settings_ui/layouts_tab.h"
+
+#include "model/action_id.h"
+#include "model/presets.h"
+#include "settings_ui/pop_up_button.h"
+#include "settings_ui/recorder_button.h"
+#include "settings_ui/segmented_control.h"
+#include "settings_ui/zone_editor_view.h"
+#include "settings_ui/zone_fields.h"
+
+#include <QCheckBox>
+#include <QPushButton>
+#include <QStringList>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tessarel {
+
+namespace {
+
+constexpr QSize kViewSize(780, 480);
+
+// What the titles of the layouts stand for: presets from 0, the user's own from 1000.
+constexpr int kCustomTag = -1;
+constexpr int kFirstUserTag = 1000;
+
+struct GridStep {
+    const char* title;
+    double percent;
+};
+constexpr std::array<GridStep, 5> kGridSteps = {
+    {{"Off", 0}, {"1%", 1}, {"2.5%", 2.5}, {"5%", 5}, {"10%", 10}}};
+constexpr double kSameStep = 0.001; // percent
+
+QStringList zoneNumbers() {
+    QStringList numbers;
+    for (std::size_t i = 1; i <= kZoneSlots; ++i)
+        numbers.append(QString::number(i));
+    return numbers;
+}
+
+} // namespace
+
+LayoutsTab::LayoutsTab(const TabContext& context) : m_context(context), m_store(context.services.store) {
+    m_view.resize(kViewSize);
+    addLayoutRow();
+    addEditor();
+    addGrid();
+    addZoneControls();
+    addHotkey();
+    refresh();
+}
+
+LayoutsTab::~LayoutsTab() {
+    m_view.hide(); // ends what is being edited while there is somebody to hear of it
+}
+
+void LayoutsTab::addLayoutRow() {
+    makeLabel(m_view, QStringLiteral("Layout:"), {16, 15, 50, 18});
+    m_popup = new PopUpButton(m_view, {70, 11, 250, 26}, [this] { layoutChosen(); });
+    m_popup->setAccessibleName(QStringLiteral("Layout"));
+    makeButton(m_view, QStringLiteral("Save as..."), {330, 11, 90, 28}, [this] { saveLayout(); });
+    m_deleteLayoutButton =
+        makeButton(m_view, QStringLiteral("Delete"), {426, 11, 70, 28}, [this] { deleteLayout(); });
+}
+
+void LayoutsTab::addEditor() {
+    m_editor = new ZoneEditorView(m_store.settings, &m_view);
+    m_editor->setGeometry(16, 56, 500, 312);
+    m_editor->onSelect = [this](int index) { selectZone(index); };
+    m_editor->onEdit = [this] { refreshFields(); };
+    m_editor->onCommit = [this] {
+        m_store.saveAndNotify();
+        syncSelection();
+        selectZone(m_selected);
+    };
+}
+
+void LayoutsTab::addGrid() {
+    makeLabel(m_view, QStringLiteral("Snap to grid:"), {16, 382, 90, 18});
+    m_gridPopup = new PopUpButton(m_view, {110, 378, 90, 26}, [this] { gridChosen(); });
+    m_gridPopup->setAccessibleName(QStringLiteral("Snap to grid"));
+    for (const GridStep& step : kGridSteps)
+        m_gridPopup->append(QString::fromLatin1(step.title), step.percent);
+    makeWrap(
+        m_view,
+        QStringLiteral("Click a zone to select it. Drag it to move, drag its edges or corners to resize. "
+                       "Hold Shift to turn snapping off. Press Delete to remove the selected zone."),
+        {16, 414, 500, 44}, {.size = 12, .secondary = true});
+}
+
+void LayoutsTab::addZoneControls() {
+    makeLabel(m_view, QStringLiteral("Zone"), {540, 56, 100, 20}, {.bold = true, .size = 14});
+    m_segments = new SegmentedControl(m_view, zoneNumbers(), {540, 82, 230, 26},
+                                      [this] { selectZone(m_segments->selectedSegment()); });
+    m_segments->setAccessibleName(QStringLiteral("Zone"));
+    m_enabledBox = makeCheckBox(m_view, QStringLiteral("Enabled"), {540, 120, 120, 20},
+                                [this](bool isEnabled) { enabledToggled(isEnabled); });
+    makeLabel(m_view, QStringLiteral("Position and size (% of screen)"), {540, 152, 230, 16},
+              {.size = 11, .secondary = true});
+    m_fields = std::make_unique<ZoneFields>(m_view);
+    m_fields->onType = [this] { fieldsTyped(); };
+    m_fields->onEnd = [this] { fieldsEnded(); };
+}
+
+void LayoutsTab::addHotkey() {
+    makeLabel(m_view, QStringLiteral("Hotkey for this zone"), {540, 246, 230, 16},
+              {.size = 11, .secondary = true});
+    m_recorder = new RecorderButton(m_view, {540, 268, 150, 26}, m_context);
+    m_recorder->onChange = m_context.refreshAll;
+    makeButton(m_view, QStringLiteral("Clear"), {698, 266, 60, 28}, [this] {
+        clearHotkey();
+    })->setAccessibleName(QStringLiteral("Clear hotkey"));
+    makeButton(m_view, QStringLiteral("Add zone"), {540, 316, 110, 28}, [this] { addZone(); });
+    makeWrap(m_view,
+             QStringLiteral("Zones are percentages of the usable screen area (%1).")
+                 .arg(QString::fromStdString(m_context.ports.words.usableArea)),
+             {540, 356, 230, 50}, {.size = 12, .secondary = true});
+}
+
+void LayoutsTab::refresh() {
+    rebuildPopup();
+    for (const GridStep& step : kGridSteps)
+        if (std::abs(step.percent - m_store.settings.gridStep) <= kSameStep)
+            m_gridPopup->select(step.percent);
+    selectZone(m_selected);
+}
+
+Zone& LayoutsTab::selectedZone() {
+    return m_store.settings.zones.at(static_cast<std::size_t>(m_selected));
+}
+
+void LayoutsTab::selectZone(int index) {
+    m_selected = std::clamp(index, 0, static_cast<int>(kZoneSlots) - 1);
+    m_editor->setSelected(m_selected);
+    m_segments->setSelectedSegment(m_selected);
+    m_recorder->configure(ActionID::zoneActions.at(static_cast<std::size_t>(m_selected)));
+    refreshFields();
+}
+
+void LayoutsTab::refreshFields() {
+    m_fields->show(selectedZone());
+    m_enabledBox->setChecked(selectedZone().enabled);
+}
+
+// Layouts
+
+void LayoutsTab::rebuildPopup() {
+    m_popup->clear();
+    m_popup->append(QStringLiteral("Custom (current)"), kCustomTag);
+    m_popup->appendSeparator();
+    for (int tag = 0; const Layout& preset : Presets::all())
+        m_popup->append(QString::fromStdString(preset.name), tag++);
+    if (!m_store.settings.userLayouts.empty())
+        m_popup->appendSeparator();
+    for (int tag = kFirstUserTag; const Layout& layout : m_store.settings.userLayouts)
+        m_popup->append(QStringLiteral("Mine: ") + QString::fromStdString(layout.name), tag++);
+    syncSelection();
+}
+
+void LayoutsTab::syncSelection() {
+    m_popup->select(matchingTag());
+    m_deleteLayoutButton->setEnabled(m_popup->currentData().toInt() >= kFirstUserTag);
+}
+
+int LayoutsTab::matchingTag() const {
+    const auto tagIn = [this](const std::vector<Layout>& layouts, int firstTag) -> std::optional<int> {
+        const auto isCurrent = [this](const Layout& layout) {
+            return Presets::pad(layout.zones) == m_store.settings.zones;
+        };
+        const auto found = std::ranges::find_if(layouts, isCurrent);
+        if (found == layouts.end())
+            return std::nullopt;
+        return firstTag + static_cast<int>(found - layouts.begin());
+    };
+    if (const auto tag = tagIn(Presets::all(), 0))
+        return *tag;
+    return tagIn(m_store.settings.userLayouts, kFirstUserTag).value_or(kCustomTag);
+}
+
+const Layout* LayoutsTab::layoutOf(int tag) const {
+    if (tag < 0)
+        return nullptr;
+    const bool isPreset = tag < kFirstUserTag;
+    const std::vector<Layout>& layouts = isPreset ? Presets::all() : m_store.settings.userLayouts;
+    const auto index = static_cast<std::size_t>(isPreset ? tag : tag - kFirstUserTag);
+    return index < layouts.size() ? &layouts[index] : nullptr;
+}
+
+void LayoutsTab::layoutChosen() {
+    const Layout* const layout = layoutOf(m_popup->currentData().toInt());
+    if (!layout)
+        return syncSelection(); // what is shown stays what is in use
+    m_store.settings.zones = Presets::pad(layout->zones);
+    m_store.saveAndNotify();
+    m_selected = 0;
+    refresh();
+}
+
+void LayoutsTab::saveLayout() {
+    m_context.ports.application.activate();
+    const auto typed =
+        m_context.ports.alerts.runModalForText({"Save layout", "Name for this layout:", {"Save", "Cancel"}});
+    const std::string name = QString::fromStdString(typed.value_or("")).trimmed().toStdString();
+    if (name.empty())
+        return;
+    std::vector<Layout>& layouts = m_store.settings.userLayouts;
+    const auto same = std::ranges::find(layouts, name, &Layout::name);
+    if (same != layouts.end())
+        same->zones = m_store.settings.zones;
+    else
+        layouts.push_back({name, m_store.settings.zones});
+    m_store.saveAndNotify();
+    rebuildPopup();
+}
+
+void LayoutsTab::deleteLayout() {
+    const int index = m_popup->currentData().toInt() - kFirstUserTag;
+    std::vector<Layout>& layouts = m_store.settings.userLayouts;
+    if (index < 0 || static_cast<std::size_t>(index) >= layouts.size())
+        return;
+    layouts.erase(layouts.begin() + index);
+    m_store.saveAndNotify();
+    rebuildPopup();
+}
+
+void LayoutsTab::gridChosen() {
+    m_store.settings.gridStep = m_gridPopup->currentData().toDouble();
+    m_store.save(); // concerns nobody else
+}
+
+// The selected zone
+
+void LayoutsTab::enabledToggled(bool isEnabled) {
+    selectedZone().enabled = isEnabled;
+    m_store.saveAndNotify();
+    syncSelection();
+    selectZone(m_selected);
+}
+
+void LayoutsTab::addZone() {
+    std::vector<Zone>& zones = m_store.settings.zones;
+    const auto free = std::ranges::find(zones, false, &Zone::enabled);
+    if (free == zones.end())
+        return showMessage(m_context.ports, QStringLiteral("All 9 zones are in use"),
+                           QStringLiteral("Remove a zone first (select it and press Delete)."));
+    *free = Presets::z(25, 25, 50, 50);
+    const auto index = static_cast<int>(free - zones.begin());
+    m_store.saveAndNotify();
+    syncSelection();
+    selectZone(index);
+}
+
+void LayoutsTab::clearHotkey() {
+    m_store.setBinding(std::nullopt, ActionID::zoneActions.at(static_cast<std::size_t>(m_selected)));
+    m_store.saveAndNotify();
+    m_context.refreshAll();
+}
+
+void LayoutsTab::fieldsTyped() {
+    selectedZone() = m_fields->typed(selectedZone());
+    m_store.save(); // hot keys and menu follow when the field is done
+    m_editor->update();
+}
+
+void LayoutsTab::fieldsEnded() {
+    m_store.saveAndNotify();
+    syncSelection();
+    refreshFields();
+}
+
+} // namespace tessarel

@@ -1,0 +1,324 @@
+#include "settings_ui/layouts_tab_test.h"
+
+#include <QLabel>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tessarel {
+namespace {
+
+// What there is
+
+TEST_F(LayoutsTabTest, HasItsLabelsAndButtons) {
+    EXPECT_EQ(tab->view()->size(), QSize(780, 480));
+    EXPECT_EQ(at<QLabel>(16, 15, 50, 18)->text(), "Layout:");
+    EXPECT_EQ(at<QLabel>(16, 382, 90, 18)->text(), "Snap to grid:");
+    EXPECT_EQ(at<QLabel>(540, 56, 100, 20)->text(), "Zone");
+    EXPECT_TRUE(at<QLabel>(540, 56, 100, 20)->font().bold());
+    EXPECT_EQ(at<QLabel>(540, 56, 100, 20)->font().pixelSize(), 14);
+    EXPECT_EQ(fullText(*at<QLabel>(540, 152, 230, 16)), "Position and size (% of screen)");
+    EXPECT_EQ(fullText(*at<QLabel>(540, 246, 230, 16)), "Hotkey for this zone");
+    EXPECT_EQ(fullText(*saveAs()), "Save as...");
+    EXPECT_EQ(fullText(*deleteLayout()), "Delete");
+    EXPECT_EQ(fullText(*clear()), "Clear");
+    EXPECT_EQ(fullText(*addZone()), "Add zone");
+    EXPECT_EQ(fullText(*enabledBox()), "Enabled");
+}
+
+TEST_F(LayoutsTabTest, ExplainsItself) {
+    EXPECT_EQ(
+        fullText(*at<QLabel>(16, 414, 500, 44)),
+        "Click a zone to select it. Drag it to move, drag its edges or corners to resize. Hold Shift to "
+        "turn snapping off. Press Delete to remove the selected zone.");
+    EXPECT_EQ(fullText(*at<QLabel>(540, 356, 230, 50)),
+              "Zones are percentages of the usable screen area (below the menu bar, beside the Dock).");
+}
+
+TEST_F(LayoutsTabTest, FieldsAreLabelled) {
+    const std::pair<QRect, const char*> labels[] = {{{540, 179, 16, 18}, "X"},
+                                                    {{658, 179, 16, 18}, "Y"},
+                                                    {{540, 213, 16, 18}, "W"},
+                                                    {{658, 213, 16, 18}, "H"}};
+    for (const auto& [frame, text] : labels)
+        EXPECT_EQ(at<QLabel>(frame.x(), frame.y(), frame.width(), frame.height())->text(), text);
+}
+
+TEST_F(LayoutsTabTest, TheGridHasItsSteps) {
+    const std::pair<const char*, double> steps[] = {
+        {"Off", 0}, {"1%", 1}, {"2.5%", 2.5}, {"5%", 5}, {"10%", 10}};
+    ASSERT_EQ(gridPopUp()->count(), 5);
+    for (int i = 0; i < 5; ++i) {
+        EXPECT_EQ(gridPopUp()->itemText(i), steps[i].first);
+        EXPECT_EQ(gridPopUp()->itemData(i).toDouble(), steps[i].second);
+    }
+}
+
+TEST_F(LayoutsTabTest, LayoutsAreListedWithTheirTags) {
+    settings.userLayouts = {{"Code", {}}, {"Mail & <b>more</b>", {}}};
+    tab->refresh();
+
+    const PopUpButton& list = *popUp();
+    ASSERT_EQ(list.count(), 1 + 1 + 9 + 1 + 2);
+    EXPECT_EQ(list.itemText(0), "Custom (current)");
+    EXPECT_EQ(list.itemData(0), -1);
+    for (int i = 0; i < 9; ++i) {
+        EXPECT_EQ(list.itemText(2 + i).toStdString(), Presets::all().at(static_cast<std::size_t>(i)).name);
+        EXPECT_EQ(list.itemData(2 + i), i);
+    }
+    EXPECT_EQ(list.itemText(12), "Mine: Code");
+    EXPECT_EQ(list.itemData(12), 1000);
+    EXPECT_EQ(list.itemText(13), "Mine: Mail & <b>more</b>");
+    EXPECT_EQ(list.itemData(13), 1001);
+    for (const int separator : {1, 11})
+        EXPECT_EQ(list.itemData(separator, Qt::AccessibleDescriptionRole), "separator");
+}
+
+TEST_F(LayoutsTabTest, WithoutLayoutsOfOnesOwnThereIsOneSeparator) {
+    EXPECT_EQ(popUp()->count(), 1 + 1 + 9);
+}
+
+TEST_F(LayoutsTabTest, EveryControlHasANameAndTheKeyboardVisitsThemInReadingOrder) {
+    settings.userLayouts = {{"Mine", std::vector<Zone>(9, Presets::z(1, 2, 3, 4))}};
+    settings.zones = settings.userLayouts[0].zones; // so that all controls are enabled
+    tab->refresh();
+    const std::vector<QWidget*> order = {popUp(),      saveAs(),    deleteLayout(),
+                                         editor(),     gridPopUp(), segments()->segments()[0],
+                                         enabledBox(), x(),         y(),
+                                         w(),          h(),         recorder(),
+                                         clear(),      addZone()};
+    popUp()->setFocus();
+    for (QWidget* const control : order) {
+        EXPECT_EQ(tab->view()->focusWidget(), control) << control->accessibleName().toStdString();
+        EXPECT_TRUE(!control->accessibleName().isEmpty() || control == segments()->segments()[0]);
+        QTest::keyClick(tab->view()->focusWidget(), Qt::Key_Tab);
+    }
+}
+
+// Which layout is shown
+
+TEST_F(LayoutsTabTest, ThePresetThatIsInUseIsShown) {
+    EXPECT_EQ(chosen(), "3 top + 2 bottom");
+
+    settings.zones = Presets::all()[3].zones;
+    tab->refresh();
+
+    EXPECT_EQ(chosen(), "Quarters");
+    EXPECT_FALSE(deleteLayout()->isEnabled());
+}
+
+TEST_F(LayoutsTabTest, ALayoutOfOnesOwnIsShownAndCanBeDeleted) {
+    settings.userLayouts = {{"Code", {Presets::z(0, 0, 70, 100)}}};
+    settings.zones = Presets::pad(settings.userLayouts[0].zones);
+    tab->refresh();
+
+    EXPECT_EQ(chosen(), "Mine: Code");
+    EXPECT_TRUE(deleteLayout()->isEnabled());
+}
+
+TEST_F(LayoutsTabTest, ALayoutOfOnesOwnThatEqualsAPresetShowsAsThePreset) {
+    settings.userLayouts = {{"My halves", Presets::all()[1].zones}};
+    settings.zones = Presets::all()[1].zones;
+    tab->refresh();
+
+    EXPECT_EQ(chosen(), "Halves");
+}
+
+TEST_F(LayoutsTabTest, ZonesOfNoLayoutAreCustom) {
+    zone(8).w = 49;
+    tab->refresh();
+
+    EXPECT_EQ(chosen(), "Custom (current)") << "disabled zones count too";
+    EXPECT_FALSE(deleteLayout()->isEnabled());
+}
+
+// Choosing a layout
+
+TEST_F(LayoutsTabTest, AChosenPresetIsAppliedSavedAndAnnounced) {
+    clickSegment(3);
+
+    choose(popUp(), "Halves");
+
+    EXPECT_EQ(settings.zones, Presets::all()[1].zones);
+    EXPECT_EQ(saved()->zones, Presets::all()[1].zones);
+    EXPECT_EQ(announcements, 1);
+    EXPECT_EQ(tab->selected(), 0) << "the first zone is selected";
+    EXPECT_EQ(editor()->selected(), 0);
+    EXPECT_EQ(w()->text(), "50");
+}
+
+TEST_F(LayoutsTabTest, AChosenLayoutOfOnesOwnIsPadded) {
+    settings.userLayouts = {{"Code", {Presets::z(0, 0, 70, 100)}}};
+    tab->refresh();
+
+    choose(popUp(), "Mine: Code");
+
+    EXPECT_EQ(settings.zones, Presets::pad({Presets::z(0, 0, 70, 100)}));
+    EXPECT_EQ(chosen(), "Mine: Code");
+}
+
+TEST_F(LayoutsTabTest, ALayoutThatHasGoneMeanwhileIsNotApplied) {
+    settings.userLayouts = {{"Code", {Presets::z(0, 0, 70, 100)}}};
+    tab->refresh();
+    settings.userLayouts.clear();
+    const AppSettings before = settings;
+
+    choose(popUp(), "Mine: Code");
+
+    EXPECT_EQ(settings, before);
+    EXPECT_EQ(announcements, 0);
+}
+
+TEST_F(LayoutsTabTest, ChoosingCustomDoesNothing) {
+    const AppSettings before = settings;
+
+    choose(popUp(), "Custom (current)");
+
+    EXPECT_EQ(settings, before);
+    EXPECT_EQ(saved(), std::nullopt);
+    EXPECT_EQ(chosen(), "3 top + 2 bottom") << "as it is";
+}
+
+TEST_F(LayoutsTabTest, SeparatorsCannotBeChosen) {
+    EXPECT_FALSE(popUp()->model()->flags(popUp()->model()->index(1, 0)).testFlag(Qt::ItemIsEnabled));
+}
+
+// Saving and deleting layouts
+
+TEST_F(LayoutsTabTest, ALayoutIsSavedUnderItsTrimmedName) {
+    zone(0) = Presets::z(1, 2, 30, 40);
+    desktop.alerts().texts = {" \t Coding \n"};
+
+    click(saveAs());
+
+    EXPECT_EQ(desktop.alerts().shown,
+              (std::vector<Alert>{{"Save layout", "Name for this layout:", {"Save", "Cancel"}}}));
+    EXPECT_EQ(desktop.ownApplication().activations, 1);
+    EXPECT_EQ(saved()->userLayouts, (std::vector<Layout>{{"Coding", settings.zones}}));
+    EXPECT_EQ(announcements, 1);
+    EXPECT_EQ(chosen(), "Mine: Coding");
+    EXPECT_TRUE(deleteLayout()->isEnabled());
+}
+
+TEST_F(LayoutsTabTest, ALayoutThatEqualsAPresetIsSavedAndThePresetShown) {
+    desktop.alerts().texts = {"Coding"};
+
+    click(saveAs());
+
+    EXPECT_EQ(settings.userLayouts.size(), 1U);
+    EXPECT_EQ(chosen(), "3 top + 2 bottom");
+    EXPECT_GE(popUp()->findText("Mine: Coding"), 0);
+}
+
+TEST_F(LayoutsTabTest, AKnownNameReplacesTheLayoutInItsPlace) {
+    settings.userLayouts = {{"A", {}}, {"B", {}}, {"B", {}}, {"b", {}}};
+    zone(0) = Presets::z(1, 2, 30, 40);
+    desktop.alerts().texts = {"B"};
+
+    click(saveAs());
+
+    EXPECT_EQ(settings.userLayouts,
+              (std::vector<Layout>{{"A", {}}, {"B", settings.zones}, {"B", {}}, {"b", {}}}));
+}
+
+TEST_F(LayoutsTabTest, CapitalLettersMakeAnotherName) {
+    settings.userLayouts = {{"code", {}}};
+    desktop.alerts().texts = {"Code"};
+
+    click(saveAs());
+
+    ASSERT_EQ(settings.userLayouts.size(), 2U);
+    EXPECT_EQ(settings.userLayouts[1].name, "Code");
+}
+
+TEST_F(LayoutsTabTest, WithoutANameNothingIsSaved) {
+    desktop.alerts().texts = {"", " \n\t "};
+    click(saveAs());
+    click(saveAs());
+    click(saveAs()); // and the user cancels
+
+    EXPECT_EQ(desktop.alerts().shown.size(), 3U) << "and nothing is said about it";
+    EXPECT_TRUE(settings.userLayouts.empty());
+    EXPECT_EQ(saved(), std::nullopt);
+    EXPECT_EQ(announcements, 0);
+}
+
+TEST_F(LayoutsTabTest, NamesAreKeptWithoutALoss) {
+    const std::string name = "Büro & \"Größe\" \xf0\x9f\x92\xbb";
+    desktop.alerts().texts = {name};
+
+    click(saveAs());
+
+    EXPECT_EQ(saved()->userLayouts.at(0).name, name);
+}
+
+TEST_F(LayoutsTabTest, DeletingALayoutKeepsTheZones) {
+    settings.userLayouts = {{"A", {}}, {"Code", {Presets::z(0, 0, 70, 100)}}, {"C", {}}};
+    settings.zones = Presets::pad(settings.userLayouts[1].zones);
+    tab->refresh();
+    const std::vector<Zone> zones = settings.zones;
+
+    click(deleteLayout());
+
+    EXPECT_EQ(saved()->userLayouts, (std::vector<Layout>{{"A", {}}, {"C", {}}}));
+    EXPECT_EQ(settings.zones, zones);
+    EXPECT_EQ(announcements, 1);
+    EXPECT_EQ(chosen(), "Custom (current)");
+    EXPECT_FALSE(deleteLayout()->isEnabled());
+}
+
+TEST_F(LayoutsTabTest, APresetCannotBeDeleted) {
+    settings.userLayouts = {{"A", {}}};
+    tab->refresh();
+    deleteLayout()->setEnabled(true); // even if it could be clicked
+
+    click(deleteLayout());
+
+    EXPECT_EQ(settings.userLayouts.size(), 1U);
+    EXPECT_EQ(announcements, 0);
+}
+
+TEST_F(LayoutsTabTest, ALayoutThatHasGoneMeanwhileIsNotDeletedAgain) {
+    settings.userLayouts = {{"Code", {Presets::z(0, 0, 70, 100)}}};
+    settings.zones = Presets::pad(settings.userLayouts[0].zones);
+    tab->refresh();
+    settings.userLayouts.clear();
+
+    click(deleteLayout());
+
+    EXPECT_EQ(announcements, 0);
+}
+
+// The grid
+
+TEST_F(LayoutsTabTest, AGridStepIsSavedQuietly) {
+    choose(gridPopUp(), "2.5%");
+
+    EXPECT_EQ(settings.gridStep, 2.5);
+    EXPECT_EQ(saved()->gridStep, 2.5);
+    EXPECT_EQ(announcements, 0);
+}
+
+TEST_F(LayoutsTabTest, AStoredStepIsShownWithinATolerance) {
+    EXPECT_EQ(gridPopUp()->currentText(), "5%");
+    settings.gridStep = 2.5004;
+    tab->refresh();
+    EXPECT_EQ(gridPopUp()->currentText(), "2.5%");
+    settings.gridStep = 0;
+    tab->refresh();
+    EXPECT_EQ(gridPopUp()->currentText(), "Off");
+}
+
+TEST_F(LayoutsTabTest, AStepThatIsNotListedLeavesTheGridAsItWasShown) {
+    settings.gridStep = 10;
+    tab->refresh();
+    settings.gridStep = 3;
+    tab->refresh();
+
+    EXPECT_EQ(gridPopUp()->currentText(), "10%");
+    EXPECT_EQ(settings.gridStep, 3);
+}
+
+} // namespace
+} // namespace tessarel

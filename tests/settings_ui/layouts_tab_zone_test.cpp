@@ -1,0 +1,224 @@
+#include "model/action_id.h"
+#include "settings_ui/layouts_tab_test.h"
+
+#include <string>
+#include <vector>
+
+namespace tessarel {
+namespace {
+
+constexpr double kThird = 100.0 / 3;
+
+// Selecting
+
+TEST_F(LayoutsTabTest, ASegmentSelectsItsZoneEverywhere) {
+    clickSegment(3);
+
+    EXPECT_EQ(tab->selected(), 3);
+    EXPECT_EQ(editor()->selected(), 3);
+    EXPECT_EQ(recorder()->actionID(), ActionID::zone4);
+    EXPECT_EQ(fullText(*recorder()), "Ctrl+Opt+4");
+    EXPECT_EQ(y()->text(), "50");
+    EXPECT_TRUE(enabledBox()->isChecked());
+    EXPECT_EQ(saved(), std::nullopt);
+}
+
+TEST_F(LayoutsTabTest, ADisabledZoneCanBeSelectedAndNotTypedUpon) {
+    clickSegment(8);
+
+    EXPECT_FALSE(enabledBox()->isChecked());
+    for (const QLineEdit* const field : {x(), y(), w(), h()})
+        EXPECT_FALSE(field->isEnabled());
+    EXPECT_EQ(x()->text(), "25");
+}
+
+TEST_F(LayoutsTabTest, AClickInTheEditorSelectsEverywhere) {
+    QTest::mouseClick(editor(), Qt::LeftButton, {}, QPoint(400, 250));
+
+    EXPECT_EQ(tab->selected(), 4);
+    EXPECT_EQ(segments()->selectedSegment(), 4);
+    EXPECT_EQ(recorder()->actionID(), ActionID::zone5);
+    EXPECT_EQ(x()->text(), "50");
+}
+
+TEST_F(LayoutsTabTest, TheSelectionOutlivesARefresh) {
+    clickSegment(4);
+    tab->refresh();
+
+    EXPECT_EQ(tab->selected(), 4);
+}
+
+TEST_F(LayoutsTabTest, TheEditorsSelectionIsKeptWithinTheNineZones) {
+    editor()->onSelect(-3);
+    EXPECT_EQ(tab->selected(), 0);
+    editor()->onSelect(12);
+    EXPECT_EQ(tab->selected(), 8);
+    EXPECT_EQ(editor()->selected(), 8);
+}
+
+// The editor
+
+TEST_F(LayoutsTabTest, AFieldFollowsWhileAZoneIsDraggedAndNothingIsSaved) {
+    dragInEditor({400, 250}, {390, 250});
+
+    EXPECT_EQ(zone(4).x, 48);
+    EXPECT_EQ(x()->text(), "48");
+    EXPECT_EQ(saved(), std::nullopt);
+    EXPECT_EQ(announcements, 0);
+    EXPECT_EQ(chosen(), "3 top + 2 bottom") << "until the edit is finished";
+}
+
+TEST_F(LayoutsTabTest, ADragIsSavedAndAnnouncedAtItsEnd) {
+    dragInEditor({400, 250}, {390, 250});
+    releaseInEditor({390, 250});
+
+    EXPECT_EQ(saved()->zones, settings.zones);
+    EXPECT_EQ(announcements, 1);
+    EXPECT_EQ(chosen(), "Custom (current)");
+}
+
+TEST_F(LayoutsTabTest, DeleteInTheEditorDisablesTheZoneAndItsControls) {
+    editor()->setFocus();
+    QTest::keyClick(editor(), Qt::Key_Delete);
+
+    EXPECT_EQ(saved()->zones[0], (Zone{false, 0, 0, kThird, 50}));
+    EXPECT_EQ(announcements, 1);
+    EXPECT_FALSE(enabledBox()->isChecked());
+    EXPECT_FALSE(x()->isEnabled());
+    EXPECT_EQ(tab->selected(), 0);
+    EXPECT_EQ(chosen(), "Custom (current)");
+}
+
+// Enabled and added zones
+
+TEST_F(LayoutsTabTest, TheBoxDisablesAndEnablesTheZone) {
+    toggleEnabled();
+    EXPECT_FALSE(saved()->zones[0].enabled);
+    EXPECT_FALSE(w()->isEnabled());
+    EXPECT_EQ(chosen(), "Custom (current)");
+
+    toggleEnabled();
+    EXPECT_TRUE(saved()->zones[0].enabled);
+    EXPECT_TRUE(w()->isEnabled());
+    EXPECT_EQ(chosen(), "3 top + 2 bottom");
+    EXPECT_EQ(announcements, 2);
+}
+
+TEST_F(LayoutsTabTest, AnAddedZoneTakesTheFirstFreePlaceAndIsSelected) {
+    zone(2) = {false, 1, 2, 3, 4};
+
+    click(addZone());
+
+    EXPECT_EQ(saved()->zones[2], Presets::z(25, 25, 50, 50));
+    EXPECT_EQ(announcements, 1);
+    EXPECT_EQ(tab->selected(), 2);
+    EXPECT_EQ(segments()->selectedSegment(), 2);
+    EXPECT_TRUE(enabledBox()->isChecked());
+    EXPECT_EQ(chosen(), "Custom (current)");
+    EXPECT_TRUE(desktop.alerts().shown.empty());
+}
+
+TEST_F(LayoutsTabTest, ATenthZoneIsRefused) {
+    for (Zone& one : settings.zones)
+        one.enabled = true;
+    const AppSettings before = settings;
+
+    click(addZone());
+
+    EXPECT_EQ(desktop.alerts().shown,
+              (std::vector<Alert>{
+                  {"All 9 zones are in use", "Remove a zone first (select it and press Delete).", {"OK"}}}));
+    EXPECT_EQ(desktop.ownApplication().activations, 1);
+    EXPECT_EQ(settings, before);
+    EXPECT_EQ(announcements, 0);
+}
+
+// Numbers
+
+TEST_F(LayoutsTabTest, ATypedNumberHoldsAtOnceAndIsAnnouncedWhenItIsDone) {
+    type(x(), "12,5");
+
+    EXPECT_EQ(zone(0).x, 12.5);
+    EXPECT_EQ(saved()->zones[0].x, 12.5);
+    EXPECT_EQ(announcements, 0);
+    EXPECT_EQ(x()->text(), "12,5");
+
+    QTest::keyClick(x(), Qt::Key_Return);
+    EXPECT_EQ(announcements, 1);
+    EXPECT_EQ(x()->text(), "12.5");
+    EXPECT_EQ(chosen(), "Custom (current)");
+}
+
+TEST_F(LayoutsTabTest, ATypedNumberIsSeenInTheEditor) {
+    const QImage before = editor()->grab().toImage();
+    type(x(), "50");
+    EXPECT_NE(editor()->grab().toImage(), before);
+}
+
+TEST_F(LayoutsTabTest, LeavingTheFieldForAnotherZoneEndsItForTheZoneItWasTypedFor) {
+    type(x(), "7");
+    clickSegment(1);
+
+    EXPECT_EQ(zone(0).x, 7);
+    EXPECT_EQ(zone(1).x, kThird);
+    EXPECT_EQ(x()->text(), "33.33");
+    EXPECT_EQ(announcements, 1);
+}
+
+TEST_F(LayoutsTabTest, ARefreshDoesNotTouchWhatIsBeingTyped) {
+    type(x(), "1");
+    settings.zones = Presets::all()[8].zones;
+    tab->refresh();
+
+    EXPECT_EQ(x()->text(), "1");
+    EXPECT_EQ(w()->text(), "25") << "the others follow";
+}
+
+// Hot keys
+
+TEST_F(LayoutsTabTest, ClearTakesTheHotKeyFromTheZoneAndTellsAllTabs) {
+    clickSegment(1);
+    click(clear());
+
+    EXPECT_FALSE(saved()->bindings.contains("zone2"));
+    EXPECT_TRUE(saved()->bindings.contains("zone1"));
+    EXPECT_EQ(announcements, 1);
+    EXPECT_EQ(refreshes, 1);
+    EXPECT_EQ(fullText(*recorder()), "None");
+}
+
+TEST_F(LayoutsTabTest, ARecordedHotKeyIsShownInAllTabs) {
+    recorder()->onChange();
+
+    EXPECT_EQ(refreshes, 1);
+}
+
+TEST_F(LayoutsTabTest, SelectingAnotherZoneEndsARecording) {
+    click(recorder());
+    ASSERT_TRUE(recorder()->isRecording());
+
+    clickSegment(1);
+
+    EXPECT_FALSE(recorder()->isRecording());
+    EXPECT_EQ(fullText(*recorder()), "Ctrl+Opt+2");
+}
+
+// Documents that somebody has spoilt
+
+TEST_F(LayoutsTabTest, AbsurdZonesAreShownAndCanBeRepaired) {
+    settings.zones[0] = {true, -1e300, 1e308, 1e308, -1};
+    settings.gridStep = -1e308;
+    tab->refresh();
+    (void)tab->view()->grab();
+    dragInEditor({100, 100}, {200, 200});
+    releaseInEditor({200, 200});
+
+    clickSegment(0);
+    for (QLineEdit* const field : {x(), y(), w(), h()})
+        type(field, "10");
+
+    EXPECT_EQ(zone(0), Presets::z(10, 10, 10, 10));
+}
+
+} // namespace
+} // namespace tessarel
