@@ -170,9 +170,9 @@ TEST_F(ApplicationWatchTest, AtRestNothingIsAskedAndNothingWaits) {
 TEST_F(ApplicationWatchTest, WhatRunsAlreadyIsNotLaunched) {
     (void)open();
     ConnectionDriver latecomer(desktop.server.display());
-    ClientWindows windows(latecomer.connection());
-    Applications applications(windows);
-    ApplicationWatch late(latecomer.connection(), windows, applications);
+    ClientWindows lateWindows(latecomer.connection());
+    Applications lateApplications(lateWindows);
+    ApplicationWatch late(latecomer.connection(), lateWindows, lateApplications);
     int launches = 0;
     const auto subscription =
         late.onApplication(ApplicationEvent::Launched, [&](const RunningApplication&) { ++launches; });

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstddef>
 #include <cstring>
 #include <iostream>
 #include <map>
@@ -155,8 +156,9 @@ void Client::setSizeHints(xcb_window_t window, const Options& options) {
         if (!options.has(name))
             return;
         hints[Flags] |= flag;
-        hints[field] = options.list(name).at(0);
-        hints[field + 1U] = options.list(name).at(1);
+        const auto place = static_cast<std::size_t>(field);
+        hints[place] = options.list(name).at(0);
+        hints[place + 1] = options.list(name).at(1);
     };
     setPair("minimum", MinimumWidth, 1U << 4U);
     setPair("maximum", MaximumWidth, 1U << 5U);
