@@ -82,7 +82,8 @@ SharedDesktops& sharedDesktops() {
 
 Desktop::Desktop(const DesktopOptions& options)
     : m_server(options.server), m_monitors(monitorsOf(options.server)),
-      m_manager(std::make_unique<WindowManager>(m_server, options.manager, options.managersKeys)),
+      m_manager(std::make_unique<WindowManager>(m_server, options.manager, options.managersKeys,
+                                                options.compositing)),
       m_observer(m_server.display()), m_keyboard(m_server, m_observer), m_panel(m_server) {
     writeSettings(m_server, options.settings);
     m_panelWindow = m_panel.open(panelOptions(rightmost(m_monitors), options.server.height));
@@ -113,6 +114,12 @@ bool Desktop::stop() {
         return true;
     std::cerr << "exit code " << exitCode.value_or(-1) << "\n" << errors;
     return false;
+}
+
+bool Desktop::restart(std::string_view settings) {
+    const bool hasEnded = stop();
+    writeSettings(m_server, settings);
+    return start() && hasEnded;
 }
 
 void Desktop::replaceManager(WindowManagerKind kind) {

@@ -41,6 +41,7 @@ struct DesktopOptions {
     XServerOptions server = {};
     OwnKeys managersKeys = OwnKeys::Dropped;
     std::string_view settings = kUsualSettings;
+    Compositing compositing = Compositing::Off;
 };
 
 /// A desktop as somebody works on it: a window manager, a panel at the bottom of the right-most display, a
@@ -53,6 +54,10 @@ public:
     [[nodiscard]] bool start();
     /// Ends the program in good order. False, with the reason on the standard error, when it does not end so.
     [[nodiscard]] bool stop();
+    /// Starts the program again, with other settings. False when it does not end or come up well.
+    [[nodiscard]] bool restart(std::string_view settings);
+    /// Waits until the window manager ends by itself. False when it does not.
+    [[nodiscard]] bool waitUntilManagerEnds() { return m_manager->process().waitForExit().has_value(); }
     /// Ends the window manager and starts another one in its place.
     void replaceManager(WindowManagerKind kind);
 

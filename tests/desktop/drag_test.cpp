@@ -1,65 +1,48 @@
-#include "desktop/snap_fixture.h"
-#include "desktop/window_drag.h"
+#include "desktop/drag_fixture.h"
 
 #include <array>
-#include <fstream>
-#include <iterator>
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace tessarel::x11test {
 namespace {
 
-/// Windows dragged by their title bars, under each window manager, with Shift as the trigger.
-class DragTest : public SnapFixture {
+/// All but mutter, which does not take up every press of the test's mouse on a title bar.
+constexpr std::array kManagers = {WindowManagerKind::Openbox,  WindowManagerKind::Xfwm4,
+                                  WindowManagerKind::Metacity, WindowManagerKind::Marco,
+                                  WindowManagerKind::Icewm,    WindowManagerKind::Fluxbox,
+                                  WindowManagerKind::Kwin};
+
+/// Under every window manager.
+class DragTest : public DragFixture {};
+
+/// A program that remembers zones.
+class RememberedDragTest : public DragFixture {
 protected:
-    DragTest() : SnapFixture(kUsualSettings) {}
-
-    /// Drags `window` into a zone and expects it to stay there.
-    void dragInto(xcb_window_t window, int number) {
-        const Frame zone = zoneFrame(number);
-        ASSERT_TRUE(drag.begin(window));
-        drag.hold(XCB_MOD_MASK_SHIFT);
-        drag.moveInto(zone);
-        ASSERT_TRUE(drag.waitForOverlay(desktop.usableArea())) << "zone " << number;
-        drag.release();
-        EXPECT_TRUE(drag.waitUntilNoOverlay());
-        EXPECT_EQ(desktop.settledFrame(window, zone), zone) << "zone " << number;
-        drag.hold(0);
-    }
-
-    void expectNextDragWorks() {
-        TestClient otherClient{desktop.server()};
-        dragInto(desktop.open(otherClient), 5);
-        EXPECT_TRUE(desktop.program().running());
-    }
-
-    [[nodiscard]] bool remembered(const std::string& entry) {
-        return desktop.observer().waitUntil([&] {
-            std::ifstream file(settingsFile(desktop.server()));
-            const std::string settings{std::istreambuf_iterator<char>(file), {}};
-            return settings.find(entry) != std::string::npos;
-        });
-    }
-
-    WindowDrag drag{desktop};
+    RememberedDragTest() : DragFixture(kUsualSettings) {}
 };
 
 TEST_P(DragTest, ADraggedWindowGoesToTheZoneUnderThePointer) {
-    const xcb_window_t window = desktop.open(client, {.className = "Dragged"});
+    const xcb_window_t window = desktop.open(client);
 
-    dragInto(window, 2);
-    EXPECT_TRUE(remembered(R"("Dragged":1)"));
+    dragInto(window, zoneFrame(2));
+    dragInto(window, zoneFrame(4));
+}
 
-    dragInto(window, 4);
+TEST_P(RememberedDragTest, TheZoneOfTheApplicationIsRemembered) {
+    dragInto(desktop.open(client, {.className = "Dragged"}), zoneFrame(4));
+
     EXPECT_TRUE(remembered(R"("Dragged":3)"));
 }
 
+INSTANTIATE_TEST_SUITE_P(One, RememberedDragTest, testing::Values(WindowManagerKind::Openbox), managerName);
+
 TEST_P(DragTest, AWindowStaysWhereItIsDroppedWhenTheTriggerIsReleasedFirst) {
-    const xcb_window_t window = desktop.open(client, {.className = "Dropped"});
+    const xcb_window_t window = desktop.open(client);
     const Frame before = desktop.frame(window);
-    ASSERT_TRUE(drag.begin(window));
-    drag.hold(XCB_MOD_MASK_SHIFT);
-    drag.moveInto(zoneFrame(5));
-    ASSERT_TRUE(drag.waitForOverlay(desktop.usableArea()));
+    dragOver(window, zoneFrame(5));
 
     drag.hold(0);
     EXPECT_TRUE(drag.waitUntilNoOverlay());
@@ -73,9 +56,10 @@ TEST_P(DragTest, AWindowStaysWhereItIsDroppedWhenTheTriggerIsReleasedFirst) {
 }
 
 TEST_P(DragTest, RestoreGoesBackToTheFrameBeforeTheDrag) {
-    const xcb_window_t window = desktop.open(client, {.className = "Restored"});
+    const xcb_window_t window = desktop.open(client);
+    ASSERT_TRUE(desktop.activate(window)); // some decorate it once more then
     const Frame before = desktop.frame(window);
-    dragInto(window, 4);
+    dragInto(window, zoneFrame(4));
 
     ASSERT_TRUE(desktop.activate(window));
     desktop.press(hotkey::kRestore);
@@ -84,7 +68,7 @@ TEST_P(DragTest, RestoreGoesBackToTheFrameBeforeTheDrag) {
 }
 
 TEST_P(DragTest, APressInTheContentNeverSnaps) {
-    const xcb_window_t window = desktop.open(client, {.className = "Content"});
+    const xcb_window_t window = desktop.open(client);
     const Frame before = desktop.frame(window);
     drag.press(before.x + before.width / 2, before.y + before.height / 2);
     drag.hold(XCB_MOD_MASK_SHIFT);
@@ -98,27 +82,168 @@ TEST_P(DragTest, APressInTheContentNeverSnaps) {
     EXPECT_EQ(desktop.frame(window), before);
 }
 
-TEST_P(DragTest, AWindowThatGoesWhileItIsDraggedLeavesNoOverlayBehind) {
-    const xcb_window_t window = desktop.open(client, {.className = "Doomed"});
-    ASSERT_TRUE(drag.begin(window));
-    drag.hold(XCB_MOD_MASK_SHIFT);
-    drag.moveInto(zoneFrame(2));
-    ASSERT_TRUE(drag.waitForOverlay(desktop.usableArea()));
+TEST_P(DragTest, AWindowThatGoesWhileItIsDraggedTakesTheOverlayWithIt) {
+    const xcb_window_t window = desktop.open(client);
+    dragOver(window, zoneFrame(2));
 
     client.destroy(window);
-    drag.release();
 
     EXPECT_TRUE(drag.waitUntilNoOverlay());
-    drag.hold(0);
+    drag.release();
     expectNextDragWorks();
 }
 
-/// Those under which title bars have been dragged with the same outcome every time.
-constexpr std::array kProven = {WindowManagerKind::Openbox,  WindowManagerKind::Xfwm4,
-                                WindowManagerKind::Metacity, WindowManagerKind::Marco,
-                                WindowManagerKind::Icewm,    WindowManagerKind::Kwin};
+TEST_P(DragTest, AProgramThatStopsWhileItsWindowIsDraggedLeavesNoOverlayBehind) {
+    const xcb_window_t window = desktop.open(client);
+    dragOver(window, zoneFrame(2));
 
-INSTANTIATE_TEST_SUITE_P(Most, DragTest, testing::ValuesIn(kProven), managerName);
+    client.stop();
+    drag.release();
+
+    expectNextDragWorks();
+    client.resume();
+    EXPECT_EQ(desktop.settledFrame(window, zoneFrame(2)), zoneFrame(2));
+}
+
+INSTANTIATE_TEST_SUITE_P(Most, DragTest, testing::ValuesIn(kManagers), managerName);
+
+/// A program that runs with settings of its own.
+class DragSettingsTest : public DragFixture {
+protected:
+    ~DragSettingsTest() override { EXPECT_TRUE(desktop.restart(kNoHomes)); }
+
+    [[nodiscard]] bool use(const std::string& settings) {
+        return desktop.restart(R"({"hasOnboarded":true,"rememberApps":false,)" + settings + "}");
+    }
+
+    /// A pixel of the screen, and what is offered there.
+    struct Place {
+        int x = 0;
+        int y = 0;
+        Share share;
+    };
+
+    /// It takes a window at an edge to the next desktop as long as there is one.
+    [[nodiscard]] bool leaveXfwm4OneDesktop() {
+        Observer& observer = desktop.observer();
+        if (desktop.manager() != WindowManagerKind::Xfwm4)
+            return true;
+        observer.sendToRoot(observer.root(), "_NET_NUMBER_OF_DESKTOPS", {1});
+        return observer.waitUntil(
+            [&] { return observer.values(observer.root(), "_NET_NUMBER_OF_DESKTOPS").at(0) == 1; });
+    }
+
+    /// Expects that windows dropped at these places go where they are offered to.
+    void expectParts(const std::vector<Place>& places) {
+        ASSERT_TRUE(leaveXfwm4OneDesktop());
+        for (const Place& place : places) {
+            TestClient fresh{desktop.server()};
+            const xcb_window_t window = desktop.open(fresh, {.client = {500, 300, 500, 300}});
+            const Frame part = frameIn(desktop.usableArea(), place.share);
+            ASSERT_TRUE(drag.begin(window));
+            drag.moveTo(place.x, place.y);
+            ASSERT_TRUE(drag.waitForOverlay(desktop.usableArea())) << part;
+            drag.release();
+            EXPECT_TRUE(drag.waitUntilNoOverlay());
+            EXPECT_EQ(desktop.settledFrame(window, part), part);
+        }
+    }
+};
+
+/// Settings that no window manager has a say in.
+class DragZonesTest : public DragSettingsTest {};
+
+TEST_P(DragSettingsTest, EachTriggerShowsTheZones) {
+    const xcb_window_t window = desktop.open(client);
+    int zone = 4;
+    constexpr std::array kTriggers = std::to_array<std::pair<const char*, std::uint16_t>>(
+        {{"control", XCB_MOD_MASK_CONTROL}, {"command", XCB_MOD_MASK_4}, {"always", 0}});
+    for (const auto& [trigger, modifiers] : kTriggers) {
+        SCOPED_TRACE(trigger);
+        ASSERT_TRUE(use(R"("dragTrigger":")" + std::string(trigger) + "\""));
+        dragInto(window, zoneFrame(zone), modifiers);
+        zone = 9 - zone;
+    }
+}
+
+TEST_P(DragSettingsTest, EachEdgeOffersItsPartOfTheScreen) {
+    ASSERT_TRUE(use(R"("edgeSnap":true)"));
+    expectParts({{0, 450, kLeftHalf}, {1599, 450, kRightHalf}, {800, 0, kWhole}});
+}
+
+TEST_P(DragSettingsTest, EachCornerOffersItsQuarterOfTheScreen) {
+    if (desktop.manager() == WindowManagerKind::Metacity || desktop.manager() == WindowManagerKind::Kwin)
+        GTEST_SKIP() << "keeps a window that it has tiled in a corner itself";
+    ASSERT_TRUE(use(R"("edgeSnap":true)"));
+    expectParts({{0, 0, {0, 0, 50, 50}},
+                 {1599, 0, {50, 0, 50, 50}},
+                 {0, 899, {0, 50, 50, 50}},
+                 {1599, 899, {50, 50, 50, 50}}});
+}
+
+INSTANTIATE_TEST_SUITE_P(Most, DragSettingsTest, testing::ValuesIn(kManagers), managerName);
+
+TEST_P(DragZonesTest, OfZonesThatOverlapTheSmallerOneWins) {
+    ASSERT_TRUE(use(R"("zones":[{"enabled":true,"x":0,"y":0,"w":100,"h":100},)"
+                    R"({"enabled":true,"x":50,"y":50,"w":25,"h":25}])"));
+    const xcb_window_t window = desktop.open(client);
+
+    dragInto(window, frameIn(desktop.usableArea(), {50, 50, 25, 25}));
+
+    ASSERT_TRUE(drag.begin(window));
+    drag.hold(XCB_MOD_MASK_SHIFT);
+    drag.moveTo(200, 700);
+    ASSERT_TRUE(drag.waitForOverlay(desktop.usableArea()));
+    drag.release();
+    EXPECT_EQ(desktop.settledFrame(window, desktop.usableArea()), desktop.usableArea());
+}
+
+TEST_P(DragZonesTest, ADisabledZoneTakesNoWindow) {
+    ASSERT_TRUE(use(R"("zones":[{"enabled":false,"x":0,"y":0,"w":50,"h":100},)"
+                    R"({"enabled":true,"x":50,"y":0,"w":50,"h":100}])"));
+    const xcb_window_t window = desktop.open(client);
+    dragOver(window, frameIn(desktop.usableArea(), kLeftHalf));
+    const Frame before = desktop.frame(window);
+
+    drag.release();
+    drag.hold(0);
+
+    dragInto(desktop.open(client), frameIn(desktop.usableArea(), kRightHalf));
+    EXPECT_EQ(desktop.frame(window).width, before.width);
+}
+
+TEST_P(DragZonesTest, AnIgnoredApplicationIsDraggedAsIfNothingWereThere) {
+    ASSERT_TRUE(use(R"("ignoredApps":["Ignored"])"));
+    const xcb_window_t window = desktop.open(client, {.className = "Ignored"});
+    const Frame before = desktop.frame(window);
+    ASSERT_TRUE(drag.begin(window));
+    drag.hold(XCB_MOD_MASK_SHIFT);
+    drag.moveInto(zoneFrame(5));
+    EXPECT_FALSE(drag.overlay());
+    drag.release();
+    drag.hold(0);
+
+    dragInto(desktop.open(client, {.className = "Other"}), zoneFrame(4));
+    EXPECT_EQ(desktop.frame(window).width, before.width);
+}
+
+TEST_P(DragZonesTest, TheMiddleOfTheBottomEdgeOffersNothing) {
+    ASSERT_TRUE(use(R"("edgeSnap":true)"));
+    const xcb_window_t window = desktop.open(client);
+    const Frame before = desktop.frame(window);
+    ASSERT_TRUE(drag.begin(window));
+    drag.moveTo(1599, 450);
+    ASSERT_TRUE(drag.waitForOverlay(desktop.usableArea()));
+
+    drag.moveTo(800, 899);
+
+    EXPECT_TRUE(drag.waitUntilNoOverlay());
+    drag.release();
+    expectNextDragWorks();
+    EXPECT_EQ(desktop.frame(window).width, before.width);
+}
+
+INSTANTIATE_TEST_SUITE_P(One, DragZonesTest, testing::Values(WindowManagerKind::Openbox), managerName);
 
 } // namespace
 } // namespace tessarel::x11test

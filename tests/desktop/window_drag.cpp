@@ -14,16 +14,36 @@ WindowDrag::~WindowDrag() {
     m_mouse.release();
 }
 
-bool WindowDrag::begin(xcb_window_t window) {
-    const Frame before = m_desktop.frame(window);
+/// A place in the middle of the title bar, and each time another one: two presses on the same are a double
+/// click.
+WindowDrag::Place WindowDrag::gripOf(xcb_window_t window) {
+    const Frame frame = m_desktop.frame(window);
     const Extents borders = m_observer.extents(window, "_NET_FRAME_EXTENTS").value_or(Extents{});
-    press(before.x + before.width / 2, before.y + borders.top / 2);
+    static int aside = 0;
+    aside = (aside + 20) % 100;
+    return {frame.x + frame.width / 2 + aside, frame.y + borders.top / 2};
+}
+
+bool WindowDrag::begin(xcb_window_t window) {
+    const Place grip = gripOf(window);
+    press(grip.x, grip.y);
+    return pull(window);
+}
+
+bool WindowDrag::beginUnseen(xcb_window_t window) {
+    const Place grip = gripOf(window);
+    step(grip.x, grip.y);
+    m_mouse.press();
+    return pull(window);
+}
+
+bool WindowDrag::pull(xcb_window_t window) {
+    const Frame before = m_desktop.frame(window);
     moveTo(m_x + 40, m_y + 30);
-    const auto follows = [&] {
+    return m_observer.waitUntil([&] {
         const Frame now = m_desktop.frame(window);
         return std::abs(now.x - before.x) > 3 && now.width == before.width;
-    };
-    return m_observer.waitUntil(follows);
+    });
 }
 
 void WindowDrag::press(int x, int y) {
@@ -53,6 +73,11 @@ void WindowDrag::hold(std::uint16_t modifiers) {
 void WindowDrag::release() {
     m_mouse.release();
     static_cast<void>(m_observer.settle());
+}
+
+void WindowDrag::click() {
+    m_mouse.press();
+    m_mouse.release();
 }
 
 void WindowDrag::step(int x, int y) {
@@ -88,19 +113,30 @@ std::optional<long> WindowDrag::wakeUpsOfSleeper() {
 }
 
 std::optional<Frame> WindowDrag::overlay() {
+    const auto found = find();
+    return found ? std::optional(found->frame) : std::nullopt;
+}
+
+bool WindowDrag::isOverlayTranslucent() {
+    constexpr int kDepthWithAlpha = 32;
+    const auto found = find();
+    return found && found->depth == kDepthWithAlpha;
+}
+
+std::optional<WindowDrag::Overlay> WindowDrag::find() {
     xcb_connection_t* x = m_observer.x().get();
     const auto tree = own(xcb_query_tree_reply(x, xcb_query_tree(x, m_observer.root()), nullptr));
     if (!tree)
         return std::nullopt;
     const xcb_window_t* const windows = xcb_query_tree_children(tree.get());
     for (int i = 0; i < xcb_query_tree_children_length(tree.get()); ++i)
-        if (const auto frame = overlayFrame(windows[i]))
-            return frame;
+        if (const auto found = asOverlay(windows[i]))
+            return found;
     return std::nullopt;
 }
 
 /// The overlay is the only window of the program that no manager decorates.
-std::optional<Frame> WindowDrag::overlayFrame(xcb_window_t window) {
+std::optional<WindowDrag::Overlay> WindowDrag::asOverlay(xcb_window_t window) {
     xcb_connection_t* x = m_observer.x().get();
     const auto attributes =
         own(xcb_get_window_attributes_reply(x, xcb_get_window_attributes(x, window), nullptr));
@@ -109,11 +145,14 @@ std::optional<Frame> WindowDrag::overlayFrame(xcb_window_t window) {
     const auto owner = m_observer.values(window, "_NET_WM_PID");
     if (owner.empty() || static_cast<pid_t>(owner.front()) != m_desktop.program().process().pid())
         return std::nullopt;
-    return m_observer.clientFrame(window);
+    const auto geometry = own(xcb_get_geometry_reply(x, xcb_get_geometry(x, window), nullptr));
+    if (!geometry)
+        return std::nullopt;
+    return Overlay{{geometry->x, geometry->y, geometry->width, geometry->height}, geometry->depth};
 }
 
 bool WindowDrag::waitForOverlay(const Frame& area) {
-    int side = 4;
+    int side = m_x < 4 ? 4 : -4; // the pointer of the server ends at the edges
     return m_observer.waitUntil([&] {
         // The program looks at a window that may move at most every 30 ms, when the mouse moves, and lets it
         // move a little.
@@ -125,7 +164,30 @@ bool WindowDrag::waitForOverlay(const Frame& area) {
 }
 
 bool WindowDrag::waitUntilNoOverlay() {
-    return m_observer.waitUntil([this] { return !overlay(); });
+    return m_observer.waitUntil([this] { return !find(); });
+}
+
+bool WindowDrag::waitUntilNothingIsGrabbed() {
+    return m_observer.waitUntil([this] { return grabsAndLetsGo(); });
+}
+
+bool WindowDrag::grabsAndLetsGo() {
+    xcb_connection_t* x = m_observer.x().get();
+    const auto mouse = own(
+        xcb_grab_pointer_reply(x,
+                               xcb_grab_pointer(x, 0, m_observer.root(), 0, XCB_GRAB_MODE_ASYNC,
+                                                XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
+                               nullptr));
+    const auto keyboard =
+        own(xcb_grab_keyboard_reply(x,
+                                    xcb_grab_keyboard(x, 0, m_observer.root(), XCB_CURRENT_TIME,
+                                                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+                                    nullptr));
+    xcb_ungrab_pointer(x, XCB_CURRENT_TIME);
+    xcb_ungrab_keyboard(x, XCB_CURRENT_TIME);
+    m_observer.x().roundTrip();
+    return mouse && mouse->status == XCB_GRAB_STATUS_SUCCESS && keyboard &&
+           keyboard->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
 } // namespace tessarel::x11test

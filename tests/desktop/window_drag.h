@@ -19,6 +19,8 @@ public:
     /// Presses the button on the middle of the title bar of `window` and pulls until the window follows.
     /// False when it does not.
     [[nodiscard]] bool begin(xcb_window_t window);
+    /// The same while the program does not run.
+    [[nodiscard]] bool beginUnseen(xcb_window_t window);
     /// Presses the button on a pixel of the root window.
     void press(int x, int y);
     /// To a pixel of the root window, in a few steps.
@@ -28,20 +30,39 @@ public:
     /// Holds exactly these modifiers, and moves by a pixel: it is with the mouse that the program looks.
     void hold(std::uint16_t modifiers);
     void release();
+    /// Presses the button where the pointer is and lets go of it at once.
+    void click();
 
     /// Where the overlay is; none when it is not on the screen.
     [[nodiscard]] std::optional<Frame> overlay();
     /// Waits until the overlay covers `area`.
     [[nodiscard]] bool waitForOverlay(const Frame& area);
     [[nodiscard]] bool waitUntilNoOverlay();
+    /// Whether what is behind the overlay shines through it, and not only past its lines.
+    [[nodiscard]] bool isOverlayTranslucent();
+    /// Waits until no program holds the mouse or the keyboard.
+    [[nodiscard]] bool waitUntilNothingIsGrabbed();
 
 private:
+    struct Place {
+        int x = 0;
+        int y = 0;
+    };
+    struct Overlay {
+        Frame frame;
+        int depth = 0;
+    };
+
+    [[nodiscard]] Place gripOf(xcb_window_t window);
+    [[nodiscard]] bool pull(xcb_window_t window);
     void step(int x, int y);
     /// Waits until the program has woken up more often than `wakeUps` times, and then sleeps.
     [[nodiscard]] bool waitUntilAsleep(long wakeUps);
     /// How often the program has woken up; empty while it is at work.
     [[nodiscard]] std::optional<long> wakeUpsOfSleeper();
-    [[nodiscard]] std::optional<Frame> overlayFrame(xcb_window_t window);
+    [[nodiscard]] std::optional<Overlay> find();
+    [[nodiscard]] std::optional<Overlay> asOverlay(xcb_window_t window);
+    [[nodiscard]] bool grabsAndLetsGo();
 
     Desktop& m_desktop;
     Observer& m_observer = m_desktop.observer();

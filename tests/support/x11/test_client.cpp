@@ -169,6 +169,14 @@ void TestClient::ungrabKeyboard() {
     ask("ungrab-keyboard");
 }
 
+bool TestClient::grabMouse() {
+    return ask("grab-mouse") == "yes";
+}
+
+void TestClient::ungrabMouse() {
+    ask("ungrab-mouse");
+}
+
 int TestClient::keyPresses() {
     return std::stoi(ask("presses"));
 }

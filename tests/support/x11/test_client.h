@@ -82,6 +82,9 @@ public:
     /// Takes the whole keyboard, as an open menu does.
     [[nodiscard]] bool grabKeyboard();
     void ungrabKeyboard();
+    /// Takes the mouse, wherever it is.
+    [[nodiscard]] bool grabMouse();
+    void ungrabMouse();
     /// How many key presses its grabs have brought so far.
     [[nodiscard]] int keyPresses();
 

@@ -100,6 +100,7 @@ private:
     void setAppearance(xcb_window_t window, const Options& options);
     std::string grab(const Words& words);
     std::string grabKeyboard();
+    std::string grabMouse();
 
     void setNumbers(xcb_window_t window, const char* name, const char* type, const Numbers& values);
     void setText(xcb_window_t window, const char* name, const char* type, const std::string& text);
@@ -259,6 +260,13 @@ std::string Client::grabKeyboard() {
     return reply && reply->status == XCB_GRAB_STATUS_SUCCESS ? "yes" : "no";
 }
 
+std::string Client::grabMouse() {
+    const auto cookie = xcb_grab_pointer(m_x.get(), 0, m_x.root(), 0, XCB_GRAB_MODE_ASYNC,
+                                         XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
+    const auto reply = own(xcb_grab_pointer_reply(m_x.get(), cookie, nullptr));
+    return reply && reply->status == XCB_GRAB_STATUS_SUCCESS ? "yes" : "no";
+}
+
 std::string Client::answer(const Words& words) {
     const std::string& command = words.at(0);
     if (command == "open")
@@ -278,6 +286,10 @@ std::string Client::answer(const Words& words) {
         return grabKeyboard();
     else if (command == "ungrab-keyboard")
         xcb_ungrab_keyboard(m_x.get(), XCB_CURRENT_TIME);
+    else if (command == "grab-mouse")
+        return grabMouse();
+    else if (command == "ungrab-mouse")
+        xcb_ungrab_pointer(m_x.get(), XCB_CURRENT_TIME);
     else if (command == "presses")
         return std::to_string(m_keyPresses);
     else if (command == "count") {

@@ -2,6 +2,7 @@
 
 #include "support/x11/observer.h"
 
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -55,6 +56,9 @@ void dropOpenboxKeys(const XServer& server) {
     const std::size_t end = settings.find("</keyboard>");
     if (begin != std::string::npos && end != std::string::npos)
         settings.erase(begin, end + std::string_view("</keyboard>").size() - begin);
+    // It takes a window that lingers at an edge to the next desktop.
+    if (const std::size_t warp = settings.find("<screenEdgeWarpTime>400<"); warp != std::string::npos)
+        settings.replace(settings.find("400", warp), 3, "0");
     writeFile(server.configHome() / "openbox/rc.xml", settings);
 }
 
@@ -76,7 +80,10 @@ void dropFluxboxKeys(const XServer& server) {
         if (!line.starts_with("Control Mod1") && !line.starts_with("Mod1 Control"))
             keys += line + "\n";
     writeFile(server.home() / ".fluxbox/keys", keys);
-    writeFile(server.home() / ".fluxbox/init", "session.keyFile: ~/.fluxbox/keys\n");
+    // It takes a window at an edge to the next desktop, and rolls up one that is pressed twice.
+    writeFile(server.home() / ".fluxbox/init", "session.keyFile: ~/.fluxbox/keys\n"
+                                               "session.screen0.workspacewarping: false\n"
+                                               "session.doubleClickInterval: 0\n");
 }
 
 /// Settings of the GNOME and MATE window managers, in the file that the key-file store of GSettings reads.
@@ -108,10 +115,18 @@ void dropKeys(const XServer& server, WindowManagerKind kind) {
     }
 }
 
-Environment environmentFor(const XServer& server, const SessionBus* bus) {
+std::vector<std::string> commandOf(const Traits& traits, Compositing compositing) {
+    std::vector<std::string> command = traits.command;
+    if (compositing == Compositing::On)
+        std::ranges::replace(command, "--compositor=off", "--compositor=on");
+    return command;
+}
+
+Environment environmentFor(const XServer& server, const SessionBus* bus, Compositing compositing) {
     Environment environment = server.environment();
     environment["GSETTINGS_BACKEND"] = "keyfile";
-    environment["KWIN_COMPOSE"] = "N";
+    if (compositing == Compositing::Off)
+        environment["KWIN_COMPOSE"] = "N";
     environment["QT_QPA_PLATFORM"] = "xcb";
     environment["DBUS_SESSION_BUS_ADDRESS"] = bus != nullptr ? bus->address() : "disabled:";
     return environment;
@@ -176,13 +191,16 @@ std::ostream& operator<<(std::ostream& stream, WindowManagerKind kind) {
 SessionBus::SessionBus(const Environment& environment, OwnKeys keys)
     : m_process(busCommand(m_folder.path(), keys), environment), m_address(m_process.readLine()) {}
 
-WindowManager::WindowManager(const XServer& server, WindowManagerKind kind, OwnKeys keys) : m_kind(kind) {
+WindowManager::WindowManager(const XServer& server, WindowManagerKind kind, OwnKeys keys,
+                             Compositing compositing)
+    : m_kind(kind) {
     const Traits& traits = traitsOf(kind);
     if (keys == OwnKeys::Dropped)
         dropKeys(server, kind);
     if (traits.needsBus)
         m_bus = std::make_unique<SessionBus>(server.environment(), keys);
-    m_process = std::make_unique<ChildProcess>(traits.command, environmentFor(server, m_bus.get()));
+    m_process = std::make_unique<ChildProcess>(commandOf(traits, compositing),
+                                               environmentFor(server, m_bus.get(), compositing));
 
     const Deadline deadline;
     Observer observer(server.display());
@@ -190,7 +208,11 @@ WindowManager::WindowManager(const XServer& server, WindowManagerKind kind, OwnK
         return !m_process->running() ||
                (!observer.windowManagerName().empty() && observer.supports("_NET_MOVERESIZE_WINDOW"));
     };
-    if (!observer.waitUntil(announced, deadline) || !m_process->running() || !takesCharge(observer, deadline))
+    const auto composes = [&] {
+        return compositing == Compositing::Off || observer.selectionOwner("_NET_WM_CM_S0") != XCB_WINDOW_NONE;
+    };
+    if (!observer.waitUntil(announced, deadline) || !observer.waitUntil(composes, deadline) ||
+        !m_process->running() || !takesCharge(observer, deadline))
         throw std::runtime_error(std::string(traits.name) + " does not start\n" + m_process->errors());
 }
 

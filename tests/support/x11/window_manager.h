@@ -23,6 +23,9 @@ std::ostream& operator<<(std::ostream& stream, WindowManagerKind kind);
 /// Whether a window manager keeps the key combinations that it comes with.
 enum class OwnKeys { Kept, Dropped };
 
+/// Whether a window manager that can do so puts the picture of the desktop together.
+enum class Compositing { Off, On };
+
 /// A session bus of its own, on which services can be started only for a window manager that keeps its keys.
 class SessionBus {
 public:
@@ -36,11 +39,12 @@ private:
     std::string m_address;
 };
 
-/// A window manager with the configuration that it comes with, without compositing; started, and ready.
+/// A window manager with the configuration that it comes with; started, and ready.
 class WindowManager {
 public:
     /// Throws std::runtime_error when it does not come up.
-    WindowManager(const XServer& server, WindowManagerKind kind, OwnKeys keys = OwnKeys::Dropped);
+    WindowManager(const XServer& server, WindowManagerKind kind, OwnKeys keys = OwnKeys::Dropped,
+                  Compositing compositing = Compositing::Off);
 
     [[nodiscard]] WindowManagerKind kind() const { return m_kind; }
     [[nodiscard]] ChildProcess& process() { return *m_process; }
