@@ -119,7 +119,17 @@ bool Desktop::stop() {
 bool Desktop::restart(std::string_view settings) {
     const bool hasEnded = stop();
     writeSettings(m_server, settings);
-    return start() && hasEnded;
+    return startForDrags() && hasEnded;
+}
+
+bool Desktop::startForDrags() {
+    if (!start())
+        return false;
+    TestClient client(m_server);
+    const xcb_window_t window = open(client);
+    const Frame before = frame(window);
+    press(hotkey::kMaximize);
+    return m_observer.waitUntil([&] { return frame(window) != before; });
 }
 
 void Desktop::replaceManager(WindowManagerKind kind) {

@@ -54,7 +54,9 @@ public:
     [[nodiscard]] bool start();
     /// Ends the program in good order. False, with the reason on the standard error, when it does not end so.
     [[nodiscard]] bool stop();
-    /// Starts the program again, with other settings. False when it does not end or come up well.
+    /// Starts the program and waits until it answers a key: hot keys are held before the mouse is watched.
+    [[nodiscard]] bool startForDrags();
+    /// Starts the program again for drags, with other settings. False when it does not end or come up well.
     [[nodiscard]] bool restart(std::string_view settings);
     /// Waits until the window manager ends by itself. False when it does not.
     [[nodiscard]] bool waitUntilManagerEnds() { return m_manager->process().waitForExit().has_value(); }

@@ -30,7 +30,7 @@ protected:
 
     void expectDragsUnderCompositor(WindowManagerKind manager) {
         Desktop desktop{{.manager = manager, .settings = kNoHomes, .compositing = Compositing::On}};
-        ASSERT_TRUE(desktop.start());
+        ASSERT_TRUE(desktop.startForDrags());
         TestClient client{desktop.server()};
         const Frame area = desktop.usableArea();
         const xcb_window_t window = desktop.open(client);
@@ -51,7 +51,7 @@ TEST_F(DragDesktopTest, TheCompositorOfKwinLetsTheDesktopShineThroughTheOverlay)
 
 TEST_F(DragDesktopTest, ACompositorMayComeAndGoBetweenDrags) {
     Desktop desktop{{.settings = kNoHomes}};
-    ASSERT_TRUE(desktop.start());
+    ASSERT_TRUE(desktop.startForDrags());
     TestClient client{desktop.server()};
     const Frame area = desktop.usableArea();
     const xcb_window_t window = desktop.open(client);
@@ -78,7 +78,7 @@ class DragDisplaysTest : public DragDesktopTest,
 TEST_P(DragDisplaysTest, AWindowIsDraggedIntoTheZonesOfEither) {
     const std::vector<Monitor>& monitors = GetParam().second;
     Desktop desktop{{.server = {.width = 2560, .height = 1900, .monitors = monitors}, .settings = kNoHomes}};
-    ASSERT_TRUE(desktop.start());
+    ASSERT_TRUE(desktop.startForDrags());
     TestClient client{desktop.server()};
     const xcb_window_t window =
         desktop.open(client, {.client = {monitors[0].x + 200, monitors[0].y + 150, 500, 300}});

@@ -103,7 +103,7 @@ protected:
 };
 
 TEST_F(DragOnLostDesktopTest, TheWindowManagerMayBeReplacedInTheMiddleOfADrag) {
-    ASSERT_TRUE(desktop.start());
+    ASSERT_TRUE(desktop.startForDrags());
     const xcb_window_t window = desktop.open(client);
     dragOver(window, 2);
 
@@ -137,7 +137,7 @@ TEST_F(DragOnLostDesktopTest, ADragThatBeganBeforeTheProgramIsNotJoined) {
 }
 
 TEST_F(DragOnLostDesktopTest, TheServerMayGoUnderTheOverlay) {
-    ASSERT_TRUE(desktop.start());
+    ASSERT_TRUE(desktop.startForDrags());
     dragOver(desktop.open(client), 2);
 
     desktop.server().kill();
@@ -149,7 +149,7 @@ TEST_F(DragOnLostDesktopTest, TheServerMayGoUnderTheOverlay) {
 TEST_F(DragOnLostDesktopTest, ADisplayTakenAwayUnderTheOverlayTakesItAlong) {
     Desktop wide{
         {.server = {.width = 2560, .height = 1024, .monitors = twoMonitors()}, .settings = kNoHomes}};
-    ASSERT_TRUE(wide.start());
+    ASSERT_TRUE(wide.startForDrags());
     TestClient other{wide.server()};
     const xcb_window_t window = wide.open(other);
     WindowDrag hand{wide};

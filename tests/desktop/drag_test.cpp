@@ -110,7 +110,10 @@ INSTANTIATE_TEST_SUITE_P(Most, DragTest, testing::ValuesIn(kManagers), managerNa
 /// A program that runs with settings of its own.
 class DragSettingsTest : public DragFixture {
 protected:
-    ~DragSettingsTest() override { EXPECT_TRUE(desktop.restart(kNoHomes)); }
+    ~DragSettingsTest() override {
+        drag.hold(0);
+        EXPECT_TRUE(desktop.restart(kNoHomes));
+    }
 
     [[nodiscard]] bool use(const std::string& settings) {
         return desktop.restart(R"({"hasOnboarded":true,"rememberApps":false,)" + settings + "}");

@@ -25,6 +25,12 @@ WindowDrag::Place WindowDrag::gripOf(xcb_window_t window) {
 }
 
 bool WindowDrag::begin(xcb_window_t window) {
+    // Some managers decorate a new window once more, and what changes its size is not dragged.
+    Frame last;
+    EXPECT_TRUE(m_observer.waitUntil([&] {
+        const Frame before = std::exchange(last, m_desktop.frame(window));
+        return before == last && waitUntilAsleep(0) && m_desktop.frame(window) == last;
+    }));
     const Place grip = gripOf(window);
     press(grip.x, grip.y);
     return pull(window);
@@ -152,7 +158,7 @@ std::optional<WindowDrag::Overlay> WindowDrag::asOverlay(xcb_window_t window) {
 }
 
 bool WindowDrag::waitForOverlay(const Frame& area) {
-    int side = m_x < 4 ? 4 : -4; // the pointer of the server ends at the edges
+    int side = m_x < 5 ? 5 : -5; // the pointer of the server ends at the edges
     return m_observer.waitUntil([&] {
         // The program looks at a window that may move at most every 30 ms, when the mouse moves, and lets it
         // move a little.
