@@ -92,11 +92,13 @@ public:
     /// Calls `closed` once `window` has closed, on the main thread, until the answer ends; not when it is
     /// minimised, and not twice. Null when the element is no window of another program.
     ///
-    /// Told by what the system reports anyway: neither the window's program nor anybody else is asked.
+    /// Told by what the system reports: once this call has returned, neither the window's program nor anybody
+    /// else is asked.
     [[nodiscard]] virtual SubscriptionPtr onWindowClosed(const Element& window,
                                                          std::function<void()> closed) = 0;
 
-    /// The process that owns the element; empty when it has gone.
+    /// The process that owns the element; empty when it names none. Of an element that has gone it is the
+    /// process that had it, or empty.
     [[nodiscard]] virtual std::optional<ProcessId> pid(const Element& element) = 0;
 };
 

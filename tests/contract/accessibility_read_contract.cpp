@@ -126,7 +126,16 @@ TEST_F(AccessibilityReadContract, AClosedWindowHasNoValues) {
 
     for (const auto name : {attribute::kPosition, attribute::kSize, attribute::kRole, attribute::kMinimized})
         EXPECT_FALSE(desktop->accessibility().copyAttribute(element, name)) << name;
-    EXPECT_FALSE(desktop->accessibility().pid(element));
+}
+
+TEST_F(AccessibilityReadContract, AClosedWindowIsNobodyElses) {
+    const auto application = desktop->launchApplication("org.example.editor");
+    const auto window = desktop->openWindow(application, {});
+    const Element element = desktop->element(window);
+    desktop->closeWindow(window);
+
+    const ProcessId owner = desktop->pid(application);
+    EXPECT_EQ(desktop->accessibility().pid(element).value_or(owner), owner);
 }
 
 TEST_F(AccessibilityReadContract, AKilledApplicationHasNoValues) {

@@ -103,6 +103,8 @@ public:
     virtual void releaseLeftButton() = 0;
     /// Holds exactly the modifiers of `modifierFlags`, bits as in `modifier_flag`.
     virtual void holdModifiers(std::uint64_t modifierFlags) = 0;
+    /// Whether a combination that one program has claimed is then that program's alone.
+    [[nodiscard]] virtual bool hotKeysAreExclusive() const { return true; }
     /// Another program claims the combination, until the answer ends.
     [[nodiscard]] virtual SubscriptionPtr holdByAnotherProgram(std::uint32_t keyCode, std::uint32_t mods) = 0;
 

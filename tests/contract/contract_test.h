@@ -20,6 +20,12 @@ inline constexpr std::uint32_t kKeyC = 8;
 /// A fresh desktop per case, with short ways to read what the cases ask for again and again.
 class ContractTest : public ::testing::Test {
 protected:
+    /// For cases about combinations that another program has claimed.
+    void skipUnlessHotKeysAreExclusive() {
+        if (!desktop->hotKeysAreExclusive())
+            GTEST_SKIP() << "programs share their hot keys on this desktop";
+    }
+
     [[nodiscard]] WindowHandle openWindow(const WindowOptions& options = {}) {
         return desktop->openWindow(desktop->launchApplication("org.example.editor"), options);
     }

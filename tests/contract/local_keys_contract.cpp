@@ -58,7 +58,12 @@ TEST_F(LocalKeysContract, AHotKeyOfOursComesToTheMonitorAndDoesNotFire) {
     EXPECT_EQ(hotKeysPressed, 0);
 }
 
-TEST_F(LocalKeysContract, AHotKeyOfAnotherProgramComesToTheMonitorToo) {
+class ExclusiveLocalKeysContract : public LocalKeysContract {
+protected:
+    void SetUp() override { skipUnlessHotKeysAreExclusive(); }
+};
+
+TEST_F(ExclusiveLocalKeysContract, AHotKeyOfAnotherProgramComesToTheMonitorToo) {
     const auto held = desktop->holdByAnotherProgram(kKey1, kCtrlOpt);
     ASSERT_TRUE(held);
     desktop->focusOwnWindow();
