@@ -47,14 +47,14 @@ while IFS= read -r file; do
         [ -f "$include" ] || { offence "$file: \"$include\" is not under src/"; continue; }
         target=$(folder_of "$include")
         [[ " $folder ${sees[$folder]} " == *" $target "* ]] || offence "$file: $folder may not include $include"
-    done < <(sed -nE 's/^ *#\s*include\s*"([^"]+)".*/\1/p' "$file")
+    done < <(sed -nE 's/^ *#\s*(include|import)\s*"([^"]+)".*/\2/p' "$file")
     while IFS= read -r include; do
         [[ $include != nlohmann/* || $file == "$json_home" ]] || offence "$file: JSON stays in $json_home"
         is_core "$folder" || continue
         # The C++ standard library has no header with a dot or a slash in its name.
         [[ $include != */* && $include != *.* && $include != Q* || $include == nlohmann/* ]] ||
             offence "$file: $folder may not include <$include>"
-    done < <(sed -nE 's/^ *#\s*include\s*<([^>]+)>.*/\1/p' "$file")
+    done < <(sed -nE 's/^ *#\s*(include|import)\s*<([^>]+)>.*/\2/p' "$file")
     [[ $folder == platform/* ]] ||
         while IFS= read -r line; do
             offence "$file:$line: conditional on the operating system outside platform/"

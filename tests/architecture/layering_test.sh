@@ -27,6 +27,7 @@ plant model/zone.cpp '#include "engine/geo.h"' "model may not include engine/geo
 plant engine/ax.cpp '#include "platform/x11/connection.h"' "engine may not include platform/x11/connection.h"
 plant platform/sim/windows.cpp '#include "platform/x11/connection.h"' "platform/sim may not include"
 plant platform/x11/windows.cpp '#include "engine/geo.h"' "platform/x11 may not include engine/geo.h"
+plant platform/macos/mouse.mm '#import "engine/geo.h"' "platform/macos may not include engine/geo.h"
 plant engine/ax.cpp '#include <QString>' "engine may not include <QString>"
 plant engine/ax.cpp '#include <xcb/xcb.h>' "engine may not include <xcb/xcb.h>"
 plant app/signals.cpp '#include <unistd.h>' "app may not include <unistd.h>"
