@@ -1,0 +1,67 @@
+# Objective-C++ away from a Mac: the sources of the macOS back end, compiled for this machine by clang over
+# GNU's Objective-C runtime and GNUstep's Foundation, whatever compiler builds the rest.
+find_program(TESSAREL_CLANGXX NAMES clang++)
+find_program(GNUSTEP_CONFIG gnustep-config)
+find_program(LLVM_CONFIG llvm-config)
+find_program(LLVM_NM llvm-nm)
+find_library(BLOCKS_RUNTIME BlocksRuntime)
+find_library(GNUSTEP_BASE gnustep-base)
+execute_process(COMMAND gcc -print-file-name=include OUTPUT_VARIABLE GCC_INCLUDE OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+execute_process(COMMAND gcc -print-file-name=libobjc.so OUTPUT_VARIABLE GNU_OBJC OUTPUT_STRIP_TRAILING_WHITESPACE ERROR_QUIET)
+set(OBJECTIVE_CXX_MISSING "")
+foreach(part TESSAREL_CLANGXX GNUSTEP_CONFIG LLVM_CONFIG LLVM_NM BLOCKS_RUNTIME GNUSTEP_BASE)
+    if(NOT ${part})
+        list(APPEND OBJECTIVE_CXX_MISSING ${part})
+    endif()
+endforeach()
+if(NOT EXISTS "${GCC_INCLUDE}/objc/objc.h" OR NOT EXISTS "${GNU_OBJC}")
+    list(APPEND OBJECTIVE_CXX_MISSING libobjc)
+endif()
+if(OBJECTIVE_CXX_MISSING)
+    message(FATAL_ERROR "The tests of the macOS back end cannot be built here, for want of: "
+        "${OBJECTIVE_CXX_MISSING}. script/bootstrap test installs it all.")
+endif()
+execute_process(COMMAND ${GNUSTEP_CONFIG} --variable=GNUSTEP_SYSTEM_HEADERS OUTPUT_VARIABLE GNUSTEP_INCLUDE OUTPUT_STRIP_TRAILING_WHITESPACE)
+
+# The runtime's own headers alone, without the compiler's beside them, which are not for clang; and the one
+# that GNUstep asks clang for.
+set(OBJC_INCLUDE ${CMAKE_BINARY_DIR}/objc)
+file(GLOB OBJC_HEADERS ${GCC_INCLUDE}/objc/*.h)
+file(MAKE_DIRECTORY ${OBJC_INCLUDE}/objc)
+foreach(header ${OBJC_HEADERS})
+    get_filename_component(header_name ${header} NAME)
+    file(CREATE_LINK ${header} ${OBJC_INCLUDE}/objc/${header_name} SYMBOLIC)
+endforeach()
+file(CONFIGURE OUTPUT ${OBJC_INCLUDE}/objc/blocks_runtime.h CONTENT "#pragma once\n#include <Block.h>\n")
+
+set(OBJECTIVE_CXX_FLAGS
+    -x objective-c++ -std=c++20 -g1 -O1 -fblocks -fobjc-runtime=gcc -fno-objc-exceptions
+    -fconstant-string-class=NSConstantString -DGNUSTEP -DGNUSTEP_BASE_LIBRARY=1
+    -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror
+    -isystem ${OBJC_INCLUDE} -isystem ${GNUSTEP_INCLUDE})
+if(TESSAREL_SANITIZE)
+    list(APPEND OBJECTIVE_CXX_FLAGS -fsanitize=address,undefined -fno-sanitize-recover=undefined
+         -fno-omit-frame-pointer)
+endif()
+
+# objective_cxx_objects(<variable> <source...>): the objects that the sources become.
+function(objective_cxx_objects variable)
+    set(objects "")
+    foreach(source ${ARGN})
+        get_filename_component(source ${source} ABSOLUTE)
+        file(RELATIVE_PATH name ${PROJECT_SOURCE_DIR} ${source})
+        set(object ${CMAKE_BINARY_DIR}/objc/${name}.o)
+        get_filename_component(folder ${object} DIRECTORY)
+        file(MAKE_DIRECTORY ${folder})
+        add_custom_command(OUTPUT ${object}
+            COMMAND ${CMAKE_CXX_COMPILER_LAUNCHER} ${TESSAREL_CLANGXX} ${OBJECTIVE_CXX_FLAGS}
+                    -I${PROJECT_SOURCE_DIR}/src -I${PROJECT_SOURCE_DIR}/tests
+                    -isystem ${PROJECT_SOURCE_DIR}/tests/macos/sdk
+                    -MD -MF ${object}.d -MT ${object} -c ${source} -o ${object}
+            DEPENDS ${source} DEPFILE ${object}.d
+            COMMENT "Building Objective-C++ object ${name}.o"
+            COMMAND_EXPAND_LISTS VERBATIM)
+        list(APPEND objects ${object})
+    endforeach()
+    set(${variable} ${objects} PARENT_SCOPE)
+endfunction()

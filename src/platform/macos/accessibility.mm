@@ -1,0 +1,138 @@
+#include "platform/macos/accessibility.h"
+
+#include "platform/macos/conversions.h"
+#include "platform/macos/element_observer.h"
+#include "platform/macos/elements.h"
+
+#include <cmath>
+#include <utility>
+
+namespace tessarel::macos {
+
+namespace {
+
+constexpr std::string_view kWindowCreated = "AXWindowCreated";
+constexpr std::string_view kElementDestroyed = "AXUIElementDestroyed";
+
+/// Tells once that a window has closed, whoever notices first.
+struct WindowEnd : Subscription {
+    explicit WindowEnd(std::function<void()> function)
+        : closed(std::make_shared<std::function<void()>>(std::move(function))) {}
+
+    static void tell(const std::shared_ptr<std::function<void()>>& closed) {
+        if (const auto once = std::exchange(*closed, nullptr))
+            once();
+    }
+
+    std::shared_ptr<std::function<void()>> closed; // empty once it has been called
+    SubscriptionPtr destroyed;
+    SubscriptionPtr terminated;
+};
+
+} // namespace
+
+Element MacAccessibility::application(ProcessId pid) {
+    @autoreleasepool {
+        return elementFrom(CfRef<AXUIElementRef>::adopt(AXUIElementCreateApplication(pid)));
+    }
+}
+
+Element MacAccessibility::systemWide() {
+    @autoreleasepool {
+        return elementFrom(CfRef<AXUIElementRef>::adopt(AXUIElementCreateSystemWide()));
+    }
+}
+
+void MacAccessibility::setMessagingTimeout(const Element& element, std::chrono::milliseconds limit) {
+    @autoreleasepool {
+        if (element.handle)
+            AXUIElementSetMessagingTimeout(axElement(element), std::chrono::duration<float>(limit).count());
+    }
+}
+
+std::optional<Element> MacAccessibility::elementAtPosition(const Element& within, const Point& axPoint) {
+    @autoreleasepool {
+        if (!within.handle)
+            return {};
+        AXUIElementRef found = nullptr;
+        const AXError error = AXUIElementCopyElementAtPosition(
+            axElement(within), static_cast<float>(axPoint.x), static_cast<float>(axPoint.y), &found);
+        if (error != kAXErrorSuccess || !found)
+            return {};
+        return elementFrom(CfRef<AXUIElementRef>::adopt(found));
+    }
+}
+
+std::optional<AttributeValue> MacAccessibility::copyAttribute(const Element& element,
+                                                              std::string_view attribute) {
+    @autoreleasepool {
+        const auto name = nsString(attribute);
+        if (!element.handle || !name)
+            return {};
+        CFTypeRef copied = nullptr;
+        const AXError error = AXUIElementCopyAttributeValue(axElement(element), cfString(name), &copied);
+        if (error != kAXErrorSuccess || !copied)
+            return {};
+        const auto value = CfRef<CFTypeRef>::adopt(copied);
+        return attributeValueFrom(value.get());
+    }
+}
+
+void MacAccessibility::setAttribute(const Element& element, std::string_view attribute,
+                                    const AttributeValue& value) {
+    @autoreleasepool {
+        const auto name = nsString(attribute);
+        const auto written = cfValue(value);
+        if (element.handle && name && written)
+            AXUIElementSetAttributeValue(axElement(element), cfString(name), written.get());
+    }
+}
+
+bool MacAccessibility::canExpress(const Rect& axFrame) {
+    return std::isfinite(axFrame.x) && std::isfinite(axFrame.y) && std::isfinite(axFrame.width) &&
+           std::isfinite(axFrame.height);
+}
+
+std::uintptr_t MacAccessibility::key(const Element& element) {
+    @autoreleasepool {
+        return element.handle ? CFHash(element.handle.get()) : 0;
+    }
+}
+
+SubscriptionPtr MacAccessibility::onWindowCreated(const Element& application,
+                                                  std::function<void(const Element& window)> created) {
+    const auto owner = pid(application);
+    if (!owner || *owner == m_workspace.ownProcessIdentifier())
+        return nullptr;
+    return observeElement(*owner, application, kWindowCreated, std::move(created));
+}
+
+SubscriptionPtr MacAccessibility::onWindowClosed(const Element& window, std::function<void()> closed) {
+    const auto owner = pid(window);
+    if (!owner || *owner == m_workspace.ownProcessIdentifier() ||
+        CFEqual(window.handle.get(), application(*owner).handle.get()))
+        return nullptr;
+    auto end = std::make_unique<WindowEnd>(std::move(closed));
+    end->destroyed = observeElement(*owner, window, kElementDestroyed,
+                                    [told = end->closed](const Element&) { WindowEnd::tell(told); });
+    if (!end->destroyed)
+        return nullptr;
+    // A program that dies has nobody left to send the notification.
+    end->terminated = m_workspace.addObserver(
+        ApplicationEvent::Terminated, [told = end->closed, pid = *owner](const RunningApplication& app) {
+            if (app.processIdentifier == pid)
+                WindowEnd::tell(told);
+        });
+    return end;
+}
+
+std::optional<ProcessId> MacAccessibility::pid(const Element& element) {
+    @autoreleasepool {
+        pid_t owner = 0; // stays so for the whole desktop
+        if (!element.handle || AXUIElementGetPid(axElement(element), &owner) != kAXErrorSuccess || owner <= 0)
+            return {};
+        return owner;
+    }
+}
+
+} // namespace tessarel::macos

@@ -1,0 +1,18 @@
+# The sources of the back end, for the library on a Mac and for its tests elsewhere.
+set(MACOS_SOURCES
+    accessibility.mm
+    conversions.mm
+    displays.mm
+    element_observer.mm
+    elements.mm
+    hot_keys.mm
+    local_keys.mm
+    mouse.mm
+    notification_observer.mm
+    preferences.mm
+    services.mm
+    single_instance.mm
+    trust.mm
+    window_list.mm
+    workspace.mm)
+list(TRANSFORM MACOS_SOURCES PREPEND ${CMAKE_CURRENT_LIST_DIR}/)

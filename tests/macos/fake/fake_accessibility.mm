@@ -1,0 +1,345 @@
+#include "macos/fake/fake_objects.h"
+
+#include <algorithm>
+#include <sstream>
+
+// The accessibility interface as it is documented: equal elements are different objects, results of Copy
+// belong to the caller, arguments of callbacks do not.
+
+using namespace tessarel;
+using namespace tessarel::fakemac;
+
+namespace {
+
+enum : CFTypeID { kElementType = 257, kValueType = 258 };
+
+constexpr double kUsualTimeLimit = 6;
+
+std::vector<TSLFakeObserver*> observers; // all there are, owned by whoever has created them
+float systemTimeLimit = 0;
+
+TSLFakeElement* fake(AXUIElementRef element) {
+    return (TSLFakeElement*)element;
+}
+
+Window* windowOf(const TSLFakeElement* element) {
+    const auto found = mac().windows.find(element->window);
+    return found == mac().windows.end() ? nullptr : &found->second;
+}
+
+/// Whether the application that the element belongs to answers.
+AXError ask(const TSLFakeElement* element) {
+    if (!mac().trusted)
+        return kAXErrorAPIDisabled;
+    const auto found = mac().applications.find(element->pid);
+    if (found == mac().applications.end())
+        return element->kind == FakeElementKind::Desktop ? kAXErrorAttributeUnsupported
+                                                         : kAXErrorInvalidUIElement;
+    if (found->second.answers)
+        return kAXErrorSuccess;
+    const double limit = element->timeLimit > 0 ? element->timeLimit : systemTimeLimit;
+    mac().waits.push_back(limit > 0 ? limit : kUsualTimeLimit);
+    return kAXErrorCannotComplete;
+}
+
+AXError give(CFTypeRef* result, CFTypeRef value) {
+    *result = value;
+    return value ? kAXErrorSuccess : kAXErrorAttributeUnsupported;
+}
+
+CFTypeRef newBoolean(bool value) {
+    return CFRetain(value ? kCFBooleanTrue : kCFBooleanFalse);
+}
+
+CFTypeRef newText(const std::optional<std::string>& text) {
+    return text ? (CFTypeRef)newString(*text) : nullptr;
+}
+
+CFTypeRef newPair(AXValueType type, CGFloat first, CGFloat second) {
+    TSLFakeValue* const pair = [[TSLFakeValue alloc] init];
+    pair->type = type;
+    pair->first = first;
+    pair->second = second;
+    return (CFTypeRef)pair;
+}
+
+CFTypeRef newWindows(pid_t pid) {
+    std::vector<id> windows;
+    for (const WindowNumber number : mac().stacking) {
+        if (mac().windows.at(number).pid == pid)
+            windows.push_back(newElement(FakeElementKind::Window, pid, number));
+    }
+    return (CFTypeRef)newArray(std::move(windows));
+}
+
+CFTypeRef newApplicationAttribute(pid_t pid, const std::string& attribute) {
+    const Application& application = mac().applications.at(pid);
+    if (attribute == "AXWindows")
+        return newWindows(pid);
+    if (attribute == "AXRole")
+        return (CFTypeRef)newString("AXApplication");
+    if (attribute == "AXFocusedWindow" && application.focusedWindow != 0)
+        return (CFTypeRef)newElement(FakeElementKind::Window, pid, application.focusedWindow);
+    if (attribute == "AXEnhancedUserInterface" && application.enhancedInterface)
+        return newBoolean(*application.enhancedInterface);
+    const auto number = application.numbers.find(attribute);
+    return number == application.numbers.end() ? nullptr
+                                               : (CFTypeRef)[[NSNumber alloc] initWithDouble:number->second];
+}
+
+CFTypeRef newWindowAttribute(const Window& window, const std::string& attribute) {
+    if (attribute == "AXPosition")
+        return newPair(kAXValueTypeCGPoint, window.axFrame.x, window.axFrame.y);
+    if (attribute == "AXSize")
+        return newPair(kAXValueTypeCGSize, window.axFrame.width, window.axFrame.height);
+    if (attribute == "AXRole")
+        return newText(window.role);
+    if (attribute == "AXSubrole")
+        return newText(window.subrole);
+    if (attribute == "AXMinimized")
+        return newBoolean(window.minimized);
+    if (attribute == "AXFullScreen")
+        return newBoolean(window.fullScreen);
+    return nullptr;
+}
+
+CFTypeRef newPartAttribute(const TSLFakeElement* part, const Window& window, const std::string& attribute) {
+    if (attribute == "AXRole")
+        return newText(window.partRole);
+    if (attribute == "AXWindow")
+        return (CFTypeRef)newElement(FakeElementKind::Window, part->pid, part->window);
+    return nullptr;
+}
+
+void resize(Window& window, double width, double height) {
+    Rect& axFrame = window.axFrame;
+    axFrame.width = std::max(width, window.minimum.width);
+    axFrame.height = std::max(height, window.minimum.height);
+    if (window.maximum) {
+        axFrame.width = std::min(axFrame.width, window.maximum->width);
+        axFrame.height = std::min(axFrame.height, window.maximum->height);
+    }
+}
+
+AXError writeWindow(TSLFakeElement* element, const std::string& attribute, CFTypeRef value) {
+    Window* const window = windowOf(element);
+    if (!window)
+        return kAXErrorInvalidUIElement;
+    if (CFGetTypeID(value) != AXValueGetTypeID())
+        return kAXErrorIllegalArgument;
+    TSLFakeValue* const pair = (TSLFakeValue*)value;
+    const bool isPosition = attribute == "AXPosition" && pair->type == kAXValueTypeCGPoint;
+    const bool isSize = attribute == "AXSize" && pair->type == kAXValueTypeCGSize;
+    if (!isPosition && !isSize)
+        return kAXErrorIllegalArgument;
+    std::ostringstream line;
+    line << "window " << element->window << ' ' << attribute << ' ' << pair->first << ' ' << pair->second;
+    mac().writes.push_back(line.str());
+    if (window->fullScreen)
+        return kAXErrorFailure;
+    if (isSize) {
+        resize(*window, pair->first, pair->second);
+    } else {
+        window->axFrame.x = pair->first;
+        window->axFrame.y = pair->second;
+    }
+    return kAXErrorSuccess;
+}
+
+AXError writeApplication(TSLFakeElement* element, const std::string& attribute, CFTypeRef value) {
+    Application& application = mac().applications.at(element->pid);
+    if (attribute != "AXEnhancedUserInterface" || !application.enhancedInterface)
+        return kAXErrorAttributeUnsupported;
+    if (CFGetTypeID(value) != CFBooleanGetTypeID())
+        return kAXErrorIllegalArgument;
+    application.enhancedInterface = CFEqual(value, kCFBooleanTrue) != 0;
+    return kAXErrorSuccess;
+}
+
+} // namespace
+
+@implementation TSLFakeObserver
+- (instancetype)init {
+    if ((self = [super init])) {
+        source = [[TSLFakeSource alloc] init];
+        observers.push_back(self);
+    }
+    return self;
+}
+- (void)dealloc {
+    std::erase(observers, self);
+    [element release];
+    [source release];
+    [super dealloc];
+}
+@end
+
+namespace tessarel::fakemac {
+
+void notify(TSLFakeElement* element, const std::string& notification) {
+    const auto present = observers;
+    for (TSLFakeObserver* observer : present) {
+        const bool isThere = std::ranges::find(observers, observer) != observers.end();
+        if (!isThere || !isServed(observer->source) || observer->notification != notification)
+            continue;
+        TSLFakeElement* const observed = observer->element;
+        if (!observed || observed->pid != element->pid ||
+            (observed->kind == FakeElementKind::Window && observed->window != element->window))
+            continue;
+        [observer retain];
+        observer->callback((AXObserverRef)observer, (AXUIElementRef)element,
+                           (__bridge CFStringRef)autoreleased(notification), observer->context);
+        [observer release];
+    }
+}
+
+} // namespace tessarel::fakemac
+
+const CFStringRef kAXTrustedCheckOptionPrompt = CFSTR("AXTrustedCheckOptionPrompt");
+
+Boolean AXIsProcessTrusted() {
+    return mac().trusted ? 1 : 0;
+}
+
+Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
+    for (NSString* key in (NSDictionary*)options) {
+        const bool on = [[(NSDictionary*)options objectForKey:key] boolValue];
+        mac().prompted.push_back(std::string([key UTF8String]) + (on ? " on" : " off"));
+    }
+    return AXIsProcessTrusted();
+}
+
+CFTypeID AXUIElementGetTypeID() {
+    return kElementType;
+}
+
+CFTypeID AXValueGetTypeID() {
+    return kValueType;
+}
+
+AXUIElementRef AXUIElementCreateApplication(pid_t pid) {
+    return (AXUIElementRef)newElement(FakeElementKind::Application, pid, 0);
+}
+
+AXUIElementRef AXUIElementCreateSystemWide() {
+    return (AXUIElementRef)newElement(FakeElementKind::Desktop, 0, 0);
+}
+
+AXError AXUIElementCopyAttributeValue(AXUIElementRef reference, CFStringRef name, CFTypeRef* result) {
+    TSLFakeElement* const element = fake(reference);
+    if (const AXError error = ask(element))
+        return error;
+    const std::string attribute = [(NSString*)name UTF8String];
+    if (element->kind == FakeElementKind::Application)
+        return give(result, newApplicationAttribute(element->pid, attribute));
+    const Window* const window = windowOf(element);
+    if (!window)
+        return kAXErrorInvalidUIElement;
+    return give(result, element->kind == FakeElementKind::Part ? newPartAttribute(element, *window, attribute)
+                                                               : newWindowAttribute(*window, attribute));
+}
+
+AXError AXUIElementSetAttributeValue(AXUIElementRef reference, CFStringRef name, CFTypeRef value) {
+    TSLFakeElement* const element = fake(reference);
+    if (const AXError error = ask(element))
+        return error;
+    const std::string attribute = [(NSString*)name UTF8String];
+    return element->kind == FakeElementKind::Application ? writeApplication(element, attribute, value)
+                                                         : writeWindow(element, attribute, value);
+}
+
+AXError AXUIElementCopyElementAtPosition(AXUIElementRef reference, float x, float y, AXUIElementRef* result) {
+    const TSLFakeElement* const within = fake(reference);
+    if (!mac().trusted)
+        return kAXErrorAPIDisabled;
+    if (within->kind != FakeElementKind::Desktop && within->kind != FakeElementKind::Application)
+        return kAXErrorIllegalArgument;
+    const WindowNumber number = windowAt({x, y});
+    if (number == 0)
+        return kAXErrorNoValue;
+    const Window& window = mac().windows.at(number);
+    if (within->kind == FakeElementKind::Application && within->pid != window.pid)
+        return kAXErrorNoValue;
+    const auto kind = window.partRole ? FakeElementKind::Part : FakeElementKind::Window;
+    TSLFakeElement* const found = newElement(kind, window.pid, number);
+    const AXError error = ask(within->kind == FakeElementKind::Desktop ? found : within);
+    if (error)
+        [found release];
+    else
+        *result = (AXUIElementRef)found;
+    return error;
+}
+
+AXError AXUIElementGetPid(AXUIElementRef element, pid_t* result) {
+    *result = fake(element)->pid;
+    return kAXErrorSuccess;
+}
+
+AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float seconds) {
+    if (seconds < 0)
+        return kAXErrorIllegalArgument;
+    if (fake(element)->kind == FakeElementKind::Desktop)
+        systemTimeLimit = seconds;
+    else
+        fake(element)->timeLimit = seconds;
+    return kAXErrorSuccess;
+}
+
+AXValueRef AXValueCreate(AXValueType type, const void* value) {
+    const auto* const numbers = static_cast<const CGFloat*>(value); // a point and a size are two of them
+    return (AXValueRef)newPair(type, numbers[0], numbers[1]);
+}
+
+AXValueType AXValueGetType(AXValueRef value) {
+    return ((TSLFakeValue*)value)->type;
+}
+
+Boolean AXValueGetValue(AXValueRef value, AXValueType type, void* result) {
+    const TSLFakeValue* const pair = (TSLFakeValue*)value;
+    if (pair->type != type)
+        return 0;
+    static_cast<CGFloat*>(result)[0] = pair->first;
+    static_cast<CGFloat*>(result)[1] = pair->second;
+    return 1;
+}
+
+AXError AXObserverCreate(pid_t pid, AXObserverCallback callback, AXObserverRef* result) {
+    TSLFakeObserver* const observer = [[TSLFakeObserver alloc] init];
+    observer->pid = pid;
+    observer->callback = callback;
+    *result = (AXObserverRef)observer;
+    return kAXErrorSuccess;
+}
+
+AXError AXObserverAddNotification(AXObserverRef reference, AXUIElementRef element, CFStringRef notification,
+                                  void* context) {
+    TSLFakeObserver* const observer = (TSLFakeObserver*)reference;
+    TSLFakeElement* const observed = fake(element);
+    if (observed->pid != observer->pid)
+        return kAXErrorIllegalArgument;
+    if (const AXError error = ask(observed))
+        return error;
+    if (!mac().applications.at(observed->pid).allowsObservers)
+        return kAXErrorNotificationUnsupported;
+    if (observed->kind == FakeElementKind::Window && !windowOf(observed))
+        return kAXErrorInvalidUIElement;
+    if (observer->element)
+        return kAXErrorNotificationAlreadyRegistered;
+    observer->element = [observed retain];
+    observer->notification = [(NSString*)notification UTF8String];
+    observer->context = context;
+    return kAXErrorSuccess;
+}
+
+AXError AXObserverRemoveNotification(AXObserverRef reference, AXUIElementRef, CFStringRef notification) {
+    TSLFakeObserver* const observer = (TSLFakeObserver*)reference;
+    if (!observer->element || observer->notification != [(NSString*)notification UTF8String])
+        return kAXErrorNotificationNotRegistered;
+    [observer->element release];
+    observer->element = nil;
+    return kAXErrorSuccess;
+}
+
+CFRunLoopSourceRef AXObserverGetRunLoopSource(AXObserverRef observer) {
+    return (CFRunLoopSourceRef)((TSLFakeObserver*)observer)->source;
+}

@@ -1,0 +1,136 @@
+#include "macos/fake/fake_objects.h"
+#include "model/carbon_mods.h"
+
+#import <Carbon/Carbon.h>
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+// Hot keys. A combination is refused only to the process that has it already; other programs' claims and ours
+// live beside each other.
+
+using namespace tessarel;
+using namespace tessarel::fakemac;
+
+struct OpaqueEventTargetRef {};
+struct OpaqueEventRef {
+    EventHotKeyID hotKey;
+};
+struct OpaqueEventHandlerRef {
+    EventHandlerUPP function;
+    void* userData;
+};
+struct OpaqueEventHotKeyRef {
+    UInt32 keyCode;
+    UInt32 modifiers;
+    EventHotKeyID hotKey;
+};
+
+namespace {
+
+constexpr OSStatus kParameterError = -50;
+
+OpaqueEventTargetRef applicationTarget;
+std::vector<std::unique_ptr<OpaqueEventHandlerRef>> handlers;
+std::vector<std::unique_ptr<OpaqueEventHotKeyRef>> hotKeys;
+std::set<std::pair<std::uint32_t, std::uint32_t>> claimsOfOthers;
+
+template <class Entry>
+OSStatus take(std::vector<std::unique_ptr<Entry>>& entries, Entry* entry, OSStatus missing) {
+    const auto removed = std::erase_if(entries, [&](const auto& one) { return one.get() == entry; });
+    return removed == 1 ? noErr : missing;
+}
+
+const OpaqueEventHotKeyRef* claimOf(std::uint32_t keyCode, std::uint32_t mods) {
+    for (const auto& hotKey : hotKeys) {
+        if (hotKey->keyCode == keyCode && hotKey->modifiers == mods)
+            return hotKey.get();
+    }
+    return nullptr;
+}
+
+} // namespace
+
+EventTargetRef GetApplicationEventTarget() {
+    return &applicationTarget;
+}
+
+OSStatus InstallEventHandler(EventTargetRef target, EventHandlerUPP handler, ItemCount typeCount,
+                             const EventTypeSpec* types, void* userData, EventHandlerRef* result) {
+    if (target != &applicationTarget || typeCount != 1 || types[0].eventClass != 0x6B657962 ||
+        types[0].eventKind != 5)
+        return kParameterError;
+    handlers.push_back(std::make_unique<OpaqueEventHandlerRef>(OpaqueEventHandlerRef{handler, userData}));
+    *result = handlers.back().get();
+    return noErr;
+}
+
+OSStatus RemoveEventHandler(EventHandlerRef handler) {
+    return take(handlers, handler, kParameterError);
+}
+
+OSStatus RegisterEventHotKey(UInt32 keyCode, UInt32 modifiers, EventHotKeyID hotKey, EventTargetRef target,
+                             OptionBits options, EventHotKeyRef* result) {
+    if (target != &applicationTarget || options != 0)
+        return kParameterError;
+    if (claimOf(keyCode, modifiers))
+        return eventHotKeyExistsErr;
+    hotKeys.push_back(
+        std::make_unique<OpaqueEventHotKeyRef>(OpaqueEventHotKeyRef{keyCode, modifiers, hotKey}));
+    *result = hotKeys.back().get();
+    return noErr;
+}
+
+OSStatus UnregisterEventHotKey(EventHotKeyRef hotKey) {
+    return take(hotKeys, hotKey, eventHotKeyInvalidErr);
+}
+
+OSStatus GetEventParameter(EventRef event, EventParamName name, EventParamType type, EventParamType*,
+                           ByteCount size, ByteCount*, void* result) {
+    if (name != 0x2D2D2D2D || type != 0x686B6964 || size != sizeof(EventHotKeyID))
+        return kParameterError;
+    *static_cast<EventHotKeyID*>(result) = event->hotKey;
+    return noErr;
+}
+
+namespace tessarel::fakemac {
+
+bool pressHotKey(std::uint32_t keyCode, std::uint32_t mods) {
+    const bool isOthers = claimsOfOthers.contains({keyCode, mods});
+    if (isOthers)
+        ++mac().pressesForOthers;
+    const OpaqueEventHotKeyRef* const claim = claimOf(keyCode, mods);
+    if (!claim)
+        return isOthers;
+    OpaqueEventRef event{claim->hotKey};
+    if (!handlers.empty())
+        handlers.back()->function(nullptr, &event, handlers.back()->userData);
+    return true;
+}
+
+void claimForAnotherProgram(std::uint32_t keyCode, std::uint32_t mods) {
+    claimsOfOthers.insert({keyCode, mods});
+}
+
+std::vector<std::string> claims() {
+    std::vector<std::string> lines;
+    for (const auto& claim : hotKeys)
+        lines.push_back(std::to_string(claim->keyCode) + ' ' + std::to_string(claim->modifiers) + ' ' +
+                        std::to_string(claim->hotKey.signature) + ' ' + std::to_string(claim->hotKey.id));
+    return lines;
+}
+
+void describeHotKeys(std::vector<std::string>& lines) {
+    if (!handlers.empty())
+        lines.push_back(std::to_string(handlers.size()) + " event handlers");
+    for (const std::string& claim : claims())
+        lines.push_back("hot key " + claim);
+}
+
+void resetHotKeys() {
+    handlers.clear();
+    hotKeys.clear();
+    claimsOfOthers.clear();
+}
+
+} // namespace tessarel::fakemac

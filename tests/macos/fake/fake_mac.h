@@ -1,0 +1,110 @@
+#pragma once
+
+#include "ports/mouse_port.h"
+#include "ports/process_id.h"
+#include "ports/rect.h"
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+/// The Mac that the fake frameworks show to the back end. Plain C++: what a test sets up, what the user and
+/// other programs do, and what the back end has asked the system for.
+namespace tessarel::fakemac {
+
+using WindowNumber = std::uint32_t;
+
+struct Window {
+    ProcessId pid = 0;
+    Rect axFrame = {};
+    Size minimum = {};
+    std::optional<Size> maximum = {};
+    std::optional<std::string> role = "AXWindow";
+    std::optional<std::string> subrole = "AXStandardWindow";
+    std::optional<std::string> partRole = {}; ///< of the part found at any point of it; empty: itself is
+    bool minimized = false;
+    bool fullScreen = false;
+    int layer = 0;
+    double alpha = 1;
+    std::set<std::string> unlisted = {};  ///< keys that the window server's list leaves out
+    std::set<std::string> mislisted = {}; ///< keys under which it has a text
+};
+
+struct Application {
+    std::optional<std::string> bundleIdentifier = {};
+    bool isRegular = true;
+    bool answers = true;         ///< false: whoever asks it something waits until the time limit
+    bool allowsObservers = true; ///< false: it refuses to send notifications
+    std::optional<bool> enhancedInterface = {};
+    std::map<std::string, double> numbers = {}; ///< attributes of its element that hold numbers
+    WindowNumber focusedWindow = 0;
+};
+
+struct Display {
+    std::uint32_t number = 0;
+    Rect frame = {};
+    Rect visibleFrame = {};
+};
+
+/// A run loop's turn as long as the user does something with our own program.
+enum class LoopMode { Default, EventTracking };
+
+struct Mac {
+    ProcessId ownPid = 4242;
+    std::optional<std::string> ownBundleIdentifier = {};
+    bool trusted = true;
+    bool allowsMonitors = true;
+    bool windowServerAnswers = true;
+    LoopMode loopMode = LoopMode::Default;
+    std::vector<Display> displays;
+    std::map<ProcessId, Application> applications;
+    std::map<WindowNumber, Window> windows;
+    std::vector<WindowNumber> stacking; ///< front to back
+    ProcessId frontmost = 0;
+    Point axPointer;
+    std::uint64_t modifierFlags = 0;
+    std::map<std::string, std::string> installed; ///< file names by bundle identifier
+    std::map<std::string, std::string> defaults;
+    long loginItemStatus = 0;
+    std::optional<std::string> loginItemRefusal;
+
+    std::vector<std::string> writes;   ///< attributes written, as in "window 3 AXSize 640x480"
+    std::vector<double> waits;         ///< seconds waited for applications that do not answer
+    std::vector<std::string> prompted; ///< options with which the permission was asked for
+    std::vector<std::string> opened;   ///< addresses
+    int beeps = 0;
+    int loginItemChanges = 0;
+    int pressesForOthers = 0; ///< of keys that another program has claimed
+};
+
+[[nodiscard]] Mac& mac();
+/// A Mac as it comes: no display, no program, nothing remembered.
+void reset();
+/// What the back end still holds of the system: a line each. Nothing, when all its objects have gone.
+[[nodiscard]] std::vector<std::string> heldObjects();
+
+void launch(ProcessId pid, const Application& application);
+/// Its windows go without a word, its notifications with it.
+void terminate(ProcessId pid);
+WindowNumber openWindow(const Window& window);
+void closeWindow(WindowNumber number);
+void focus(WindowNumber number);
+/// The window found at the point; 0 when there is none.
+[[nodiscard]] WindowNumber windowAt(const Point& axPoint);
+
+void movePointer(const Point& axPoint);
+void pressLeftButton();
+void releaseLeftButton();
+
+/// A key, by virtual key code, with Carbon's modifier bits. `repeats`: it is held down.
+void pressKeys(std::uint32_t keyCode, std::uint32_t mods, bool repeats = false);
+void claimForAnotherProgram(std::uint32_t keyCode, std::uint32_t mods);
+/// Claims of this program, as "keyCode mods signature id".
+[[nodiscard]] std::vector<std::string> claims();
+/// How many global monitors this program has.
+[[nodiscard]] std::size_t globalMonitors();
+
+} // namespace tessarel::fakemac

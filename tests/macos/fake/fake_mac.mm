@@ -1,0 +1,100 @@
+#include "macos/fake/fake_objects.h"
+
+#import <AppKit/AppKit.h>
+#include <algorithm>
+#include <utility>
+
+namespace tessarel::fakemac {
+
+namespace {
+
+WindowNumber lastWindow = 0;
+
+TSLFakeElement* windowElement(WindowNumber number) {
+    return [newElement(FakeElementKind::Window, mac().windows.at(number).pid, number) autorelease];
+}
+
+/// Has GNUstep's classes make what they keep for ever; the list of leaks to overlook names this function.
+__attribute__((noinline)) bool initializeClasses() {
+    @autoreleasepool {
+        return [@{@"key" : @"value"} count] == 1;
+    }
+}
+
+} // namespace
+
+Mac& mac() {
+    static Mac theOnlyOne;
+    return theOnlyOne;
+}
+
+void reset() {
+    [[maybe_unused]] static const bool once = initializeClasses();
+    mac() = {};
+    resetHotKeys();
+}
+
+std::vector<std::string> heldObjects() {
+    std::vector<std::string> lines;
+    describeObjects(lines);
+    describeHotKeys(lines);
+    describeMonitors(lines);
+    return lines;
+}
+
+void launch(ProcessId pid, const Application& application) {
+    mac().applications[pid] = application;
+    postApplicationNotification(NSWorkspaceDidLaunchApplicationNotification, pid);
+}
+
+void terminate(ProcessId pid) {
+    const auto isIts = [&](WindowNumber number) { return mac().windows.at(number).pid == pid; };
+    std::erase_if(mac().stacking, isIts);
+    std::erase_if(mac().windows, [&](const auto& entry) { return entry.second.pid == pid; });
+    if (mac().frontmost == pid)
+        mac().frontmost = 0;
+    postTermination(pid);
+}
+
+WindowNumber openWindow(const Window& window) {
+    @autoreleasepool {
+        const WindowNumber number = ++lastWindow;
+        mac().windows[number] = window;
+        mac().stacking.insert(mac().stacking.begin(), number);
+        notify(windowElement(number), "AXWindowCreated");
+        return number;
+    }
+}
+
+void closeWindow(WindowNumber number) {
+    @autoreleasepool {
+        TSLFakeElement* const element = windowElement(number);
+        std::erase(mac().stacking, number);
+        mac().windows.erase(number);
+        for (auto& [pid, application] : mac().applications) {
+            if (application.focusedWindow == number)
+                application.focusedWindow = 0;
+        }
+        notify(element, "AXUIElementDestroyed");
+    }
+}
+
+void focus(WindowNumber number) {
+    const ProcessId pid = mac().windows.at(number).pid;
+    std::erase(mac().stacking, number);
+    mac().stacking.insert(mac().stacking.begin(), number);
+    mac().applications.at(pid).focusedWindow = number;
+    if (std::exchange(mac().frontmost, pid) != pid)
+        postApplicationNotification(NSWorkspaceDidActivateApplicationNotification, pid);
+}
+
+WindowNumber windowAt(const Point& axPoint) {
+    for (const WindowNumber number : mac().stacking) {
+        const Window& window = mac().windows.at(number);
+        if (!window.minimized && window.axFrame.contains(axPoint))
+            return number;
+    }
+    return 0;
+}
+
+} // namespace tessarel::fakemac

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "macos/fake/fake_mac.h"
+
+#import <ApplicationServices/ApplicationServices.h>
+#import <Foundation/Foundation.h>
+#include <set>
+#include <string>
+#include <vector>
+
+// What stands behind the references that the fake frameworks give out. Every one of these objects is counted
+// while it lives.
+
+@interface TSLFakeObject : NSObject
+- (CFTypeID)fakeTypeID;
+@end
+
+enum class FakeElementKind { Desktop, Application, Window, Part };
+
+@interface TSLFakeElement : TSLFakeObject {
+@public
+    FakeElementKind kind;
+    pid_t pid;
+    tessarel::fakemac::WindowNumber window;
+    float timeLimit; // of this very object; 0: none of its own
+}
+@end
+
+@interface TSLFakeValue : TSLFakeObject {
+@public
+    AXValueType type;
+    CGFloat first;
+    CGFloat second;
+}
+@end
+
+@interface TSLFakeSource : TSLFakeObject {
+@public
+    std::set<std::string> modes;
+}
+@end
+
+@interface TSLFakeObserver : TSLFakeObject {
+@public
+    pid_t pid;
+    AXObserverCallback callback;
+    TSLFakeSource* source;
+    TSLFakeElement* element; // nil: nothing is observed
+    std::string notification;
+    void* context;
+}
+@end
+
+@interface TSLFakeArray : NSArray {
+@public
+    std::vector<id> entries;
+}
+@end
+
+@interface TSLFakeString : NSString {
+@public
+    std::string text; // ASCII
+}
+@end
+
+namespace tessarel::fakemac {
+
+/// The caller owns the answer.
+[[nodiscard]] TSLFakeElement* newElement(FakeElementKind kind, pid_t pid, WindowNumber window);
+[[nodiscard]] TSLFakeString* newString(const std::string& text);
+/// Takes over the references to the entries.
+[[nodiscard]] TSLFakeArray* newArray(std::vector<id> entries);
+
+[[nodiscard]] NSString* autoreleased(const std::string& text);
+
+/// Sends what observers of the element wait for, as far as the run loop lets it through now.
+void notify(TSLFakeElement* element, const std::string& notification);
+/// Whether the run loop looks at the source in the mode that it is in.
+[[nodiscard]] bool isServed(TSLFakeSource* source);
+/// Lets the applications' notifications about `pid` out.
+void postApplicationNotification(NSString* name, pid_t pid);
+/// Ends the application, then tells of it.
+void postTermination(pid_t pid);
+
+/// Whether somebody has claimed the keys, who then is told.
+bool pressHotKey(std::uint32_t keyCode, std::uint32_t mods);
+
+// Parts of `heldObjects` and of `reset`.
+void describeObjects(std::vector<std::string>& lines);
+void describeHotKeys(std::vector<std::string>& lines);
+void describeMonitors(std::vector<std::string>& lines);
+void resetHotKeys();
+
+} // namespace tessarel::fakemac

@@ -1,0 +1,181 @@
+#include "macos/fake/fake_objects.h"
+
+#import <Foundation/Foundation.h>
+#import <ServiceManagement/ServiceManagement.h>
+
+// The window server's list, the user's defaults, login items, and who this program is.
+
+using namespace tessarel;
+using namespace tessarel::fakemac;
+
+const CFStringRef kCGWindowLayer = CFSTR("kCGWindowLayer");
+const CFStringRef kCGWindowOwnerPID = CFSTR("kCGWindowOwnerPID");
+const CFStringRef kCGWindowBounds = CFSTR("kCGWindowBounds");
+const CFStringRef kCGWindowAlpha = CFSTR("kCGWindowAlpha");
+
+namespace {
+
+NSDictionary* listed(const Window& window) {
+    const Rect& axFrame = window.axFrame;
+    NSMutableDictionary* const entry = [NSMutableDictionary dictionary];
+    [entry setObject:[NSNumber numberWithInt:window.layer] forKey:(NSString*)kCGWindowLayer];
+    [entry setObject:[NSNumber numberWithInt:window.pid] forKey:(NSString*)kCGWindowOwnerPID];
+    [entry setObject:[NSNumber numberWithDouble:window.alpha] forKey:(NSString*)kCGWindowAlpha];
+    [entry setObject:@{
+        @"X" : [NSNumber numberWithDouble:axFrame.x],
+        @"Y" : [NSNumber numberWithDouble:axFrame.y],
+        @"Width" : [NSNumber numberWithDouble:axFrame.width],
+        @"Height" : [NSNumber numberWithDouble:axFrame.height]
+    }
+              forKey:(NSString*)kCGWindowBounds];
+    for (const std::string& key : window.mislisted)
+        [entry setObject:@"a text" forKey:autoreleased(key)];
+    for (const std::string& key : window.unlisted)
+        [entry removeObjectForKey:autoreleased(key)];
+    return entry;
+}
+
+} // namespace
+
+CFArrayRef CGWindowListCopyWindowInfo(CGWindowListOption options, CGWindowID relativeTo) {
+    constexpr CGWindowListOption kOnScreen = 1;
+    constexpr CGWindowListOption kWithoutDesktop = 16;
+    if (!mac().windowServerAnswers || relativeTo != 0)
+        return nullptr;
+    @autoreleasepool {
+        std::vector<id> entries;
+        for (const WindowNumber number : mac().stacking) {
+            const Window& window = mac().windows.at(number);
+            if (!window.minimized || (options & kOnScreen) == 0)
+                entries.push_back([listed(window) retain]);
+        }
+        if ((options & kWithoutDesktop) == 0) // the desktop's own windows are below all others
+            entries.push_back([listed({.pid = 1, .layer = -2147483623}) retain]);
+        return (CFArrayRef)newArray(std::move(entries));
+    }
+}
+
+bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* rect) {
+    NSDictionary* const values = (NSDictionary*)dictionary;
+    for (NSString* key in @[ @"X", @"Y", @"Width", @"Height" ]) {
+        if (![[values objectForKey:key] isKindOfClass:[NSNumber class]])
+            return false;
+    }
+    *rect = NSMakeRect([[values objectForKey:@"X"] doubleValue], [[values objectForKey:@"Y"] doubleValue],
+                       [[values objectForKey:@"Width"] doubleValue],
+                       [[values objectForKey:@"Height"] doubleValue]);
+    return true;
+}
+
+// GNUstep's Foundation knows the machine that it really runs on; here it answers for the fake one.
+#pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
+
+@interface NSFileManager (TSLFake)
+@end
+@implementation NSFileManager (TSLFake)
+- (NSString*)displayNameAtPath:(NSString*)path {
+    return [path lastPathComponent];
+}
+@end
+
+@interface TSLFakeDefaults : NSUserDefaults
+@end
+@implementation TSLFakeDefaults
+- (instancetype)init {
+    return self; // without the files that the real ones read
+}
+- (id)objectForKey:(NSString*)key {
+    const auto found = mac().defaults.find([key UTF8String]);
+    if (found == mac().defaults.end())
+        return nil;
+    return [NSData dataWithBytes:found->second.data() length:found->second.size()];
+}
+- (NSData*)dataForKey:(NSString*)key {
+    return [self objectForKey:key];
+}
+- (void)setObject:(id)value forKey:(NSString*)key {
+    NSData* const data = value;
+    mac().defaults[[key UTF8String]] = std::string(static_cast<const char*>([data bytes]), [data length]);
+}
+@end
+
+@interface NSUserDefaults (TSLFake)
+@end
+@implementation NSUserDefaults (TSLFake)
++ (NSUserDefaults*)standardUserDefaults {
+    static TSLFakeDefaults* const defaults = [[TSLFakeDefaults alloc] init];
+    return defaults;
+}
+@end
+
+@interface NSBundle (TSLFake)
+@end
+@implementation NSBundle (TSLFake)
+- (NSString*)bundleIdentifier {
+    return mac().ownBundleIdentifier ? autoreleased(*mac().ownBundleIdentifier) : nil;
+}
+@end
+
+@interface NSProcessInfo (TSLFake)
+@end
+@implementation NSProcessInfo (TSLFake)
+- (int)processIdentifier {
+    return mac().ownPid;
+}
+@end
+
+/// Reaches all copies of the program at once, as they are all this process.
+@interface TSLFakeDistributedCenter : NSNotificationCenter
+@end
+@implementation TSLFakeDistributedCenter
+- (void)postNotificationName:(NSString*)name
+                      object:(NSString*)object
+                    userInfo:(NSDictionary*)userInfo
+          deliverImmediately:(BOOL)immediately {
+    if (immediately) // a program in the background would wait for the others for ever
+        [self postNotificationName:name object:object userInfo:userInfo];
+}
+@end
+
+@interface NSDistributedNotificationCenter (TSLFake)
+@end
+@implementation NSDistributedNotificationCenter (TSLFake)
++ (id)defaultCenter {
+    static TSLFakeDistributedCenter* const center = [[TSLFakeDistributedCenter alloc] init];
+    return center;
+}
+@end
+
+@interface TSLFakeError : NSError
+@end
+@implementation TSLFakeError
+- (NSString*)localizedDescription {
+    return autoreleased(*mac().loginItemRefusal);
+}
+@end
+
+@implementation SMAppService
++ (SMAppService*)mainAppService {
+    static SMAppService* const service = [[SMAppService alloc] init];
+    return service;
+}
+- (SMAppServiceStatus)status {
+    return mac().loginItemStatus;
+}
+- (BOOL)changeTo:(SMAppServiceStatus)status error:(NSError**)error {
+    ++mac().loginItemChanges;
+    if (mac().loginItemRefusal) {
+        *error = [[[TSLFakeError alloc] initWithDomain:@"SMAppServiceErrorDomain" code:1
+                                              userInfo:nil] autorelease];
+        return NO;
+    }
+    mac().loginItemStatus = status;
+    return YES;
+}
+- (BOOL)registerAndReturnError:(NSError**)error {
+    return [self changeTo:SMAppServiceStatusEnabled error:error];
+}
+- (BOOL)unregisterAndReturnError:(NSError**)error {
+    return [self changeTo:SMAppServiceStatusNotRegistered error:error];
+}
+@end
