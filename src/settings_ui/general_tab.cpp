@@ -123,7 +123,7 @@ void GeneralTab::buildIgnored() {
     QLabel* const heading = makeLabel(m_view, QStringLiteral("Ignored apps"), {470, 50, 200, 20}, kHeading);
     m_table = new QListWidget(&m_view);
     m_table->setFont(systemFont(13));
-    m_table->setGeometry(470, 78, 290, 190);
+    setBezeled(*m_table, {470, 78, 290, 190});
     m_table->setUniformItemSizes(true);
     m_table->setTextElideMode(Qt::ElideMiddle);
     m_table->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);

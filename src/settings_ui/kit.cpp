@@ -2,7 +2,9 @@
 
 #include "settings_ui/fitted_text.h"
 
+#include <QAbstractScrollArea>
 #include <QCheckBox>
+#include <QFrame>
 #include <QLabel>
 #include <QPalette>
 #include <QPushButton>
@@ -62,6 +64,18 @@ QCheckBox* makeCheckBox(QWidget& parent, const QString& title, const QRect& fram
     if (action)
         QObject::connect(box, &QCheckBox::clicked, box, std::move(action));
     return box;
+}
+
+void setBezeled(QAbstractScrollArea& area, const QRect& frame) {
+    // What the area leaves of a filled widget behind it: of a line of its own, fractions of a pixel may cut
+    // off a side.
+    auto* const border = new QWidget(area.parentWidget());
+    border->setAutoFillBackground(true);
+    border->setBackgroundRole(QPalette::Mid);
+    border->setGeometry(frame);
+    border->stackUnder(&area);
+    area.setFrameShape(QFrame::NoFrame);
+    area.setGeometry(frame.adjusted(1, 1, -1, -1));
 }
 
 void nameAfter(QLabel& label, QWidget& control) {

@@ -11,6 +11,7 @@
 
 #include <functional>
 
+class QAbstractScrollArea;
 class QCheckBox;
 class QLabel;
 class QPalette;
@@ -54,6 +55,9 @@ QPushButton* makeButton(QWidget& parent, const QString& title, const QRect& fram
 /// A check box that calls `action` with its new state when the user changes it, not when the program does.
 QCheckBox* makeCheckBox(QWidget& parent, const QString& title, const QRect& frame,
                         std::function<void(bool)> action);
+
+/// Gives `area` this frame, with a line around it that is whole at every scale.
+void setBezeled(QAbstractScrollArea& area, const QRect& frame);
 
 /// Makes `label` say what `control` is, also to those who hear the window instead of seeing it.
 void nameAfter(QLabel& label, QWidget& control);

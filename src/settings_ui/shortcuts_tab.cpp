@@ -43,7 +43,7 @@ ShortcutsTab::ShortcutsTab(const TabContext& context) : m_context(context) {
     makeWrap(m_view, help(m_context.ports.words.modifierNames), {16, 42, 740, 34}, {.secondary = true});
 
     auto* const scrollView = new QScrollArea(&m_view);
-    scrollView->setGeometry(16, 84, 740, 340);
+    setBezeled(*scrollView, {16, 84, 740, 340});
     scrollView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     scrollView->setFocusPolicy(Qt::NoFocus); // it follows the focus of its rows
     auto* const document = new FlippedView;

@@ -3,8 +3,11 @@
 #include "settings_ui/settings_ui_test.h"
 
 #include <QCheckBox>
+#include <QImage>
 #include <QLabel>
+#include <QListWidget>
 #include <QPalette>
+#include <QPixmap>
 #include <QPushButton>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -140,6 +143,18 @@ TEST_F(KitTest, ACheckBoxTellsWhatTheUserMadeOfItAndNotWhatTheProgramDid) {
     QTest::mouseClick(&box, Qt::LeftButton, {}, {5, 10});
 
     EXPECT_EQ(states, (std::vector<bool>{false, true}));
+}
+
+TEST_F(KitTest, AScrollAreaStandsInsideItsLine) {
+    QListWidget list(&view);
+
+    setBezeled(list, {10, 20, 100, 50});
+
+    EXPECT_EQ(list.geometry(), QRect(11, 21, 98, 48));
+    EXPECT_EQ(list.frameShape(), QFrame::NoFrame);
+    const QImage picture = view.grab().toImage();
+    for (const QPoint corner : {QPoint(10, 20), QPoint(109, 20), QPoint(10, 69), QPoint(109, 69)})
+        EXPECT_EQ(picture.pixel(corner), separatorColor(view.palette()).rgb());
 }
 
 TEST_F(KitTest, AMessageIsShownInFrontWithOneButton) {

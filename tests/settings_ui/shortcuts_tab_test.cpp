@@ -81,7 +81,7 @@ TEST_F(ShortcutsTabTest, HasARowForEachActionInTheirOrder) {
 TEST_F(ShortcutsTabTest, RowsScrollUpAndDownOnly) {
     tab->view()->show();
 
-    const auto* const scrollView = at<QScrollArea>(16, 84, 740, 340);
+    const auto* const scrollView = at<QScrollArea>(17, 85, 738, 338);
     EXPECT_EQ(scrollView->widget()->size(), QSize(720, 32 * kActions + 10));
     EXPECT_TRUE(scrollView->verticalScrollBar()->isVisible());
     EXPECT_FALSE(scrollView->horizontalScrollBar()->isVisible());
@@ -200,7 +200,7 @@ TEST_F(ShortcutsTabTest, ARowThatGetsTheFocusScrollsIntoSight) {
     tab->view()->show();
     tab->view()->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(tab->view()));
-    const auto* const scrollView = at<QScrollArea>(16, 84, 740, 340);
+    const auto* const scrollView = at<QScrollArea>(17, 85, 738, 338);
 
     recorder(0)->setFocus();
     for (int step = 0; step < 2 * (kActions - 1); ++step)

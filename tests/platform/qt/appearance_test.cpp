@@ -2,7 +2,10 @@
 
 #include "platform/qt/offscreen_test.h"
 
+#include <QImage>
 #include <QPalette>
+#include <QPixmap>
+#include <QTabWidget>
 #include <QVariantMap>
 #include <gtest/gtest.h>
 
@@ -67,6 +70,20 @@ TEST_F(PaletteTest, TextCanBeReadInLightAndDark) {
         EXPECT_GT(contrast(colors.color(QPalette::ButtonText), colors.color(QPalette::Button)), 7) << isDark;
         const QColor secondary = colors.color(QPalette::PlaceholderText);
         EXPECT_GT(contrast(over(window, secondary), window), 4.5) << isDark;
+    }
+}
+
+TEST_F(PaletteTest, SecondaryTextCanBeReadOnATab) {
+    for (const bool isDark : {false, true}) {
+        QTabWidget tabs;
+        tabs.setPalette(palette({.isDark = isDark}));
+        tabs.addTab(new QWidget, "General");
+        tabs.resize(200, 200);
+        const QColor page = tabs.grab().toImage().pixelColor(100, 150);
+
+        const QColor secondary = tabs.palette().color(QPalette::PlaceholderText);
+
+        EXPECT_GT(contrast(over(page, secondary), page), 4.5) << isDark;
     }
 }
 
