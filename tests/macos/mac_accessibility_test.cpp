@@ -1,0 +1,162 @@
+#include "macos/mac_test.h"
+
+#include <chrono>
+#include <limits>
+#include <stdexcept>
+
+namespace tessarel::macos {
+namespace {
+
+using namespace std::chrono_literals;
+
+class MacAccessibilityTest : public MacTest {
+protected:
+    [[nodiscard]] Element found(const Point& axPoint) {
+        return accessibility().elementAtPosition(accessibility().systemWide(), axPoint).value();
+    }
+    [[nodiscard]] MacAccessibility& accessibility() { return desktop->accessibility; }
+
+    fakemac::WindowNumber window = fakemac::openWindow({.pid = kEditor, .axFrame = {200, 150, 640, 480}});
+    Element editor = desktop->accessibility.application(kEditor);
+};
+
+TEST_F(MacAccessibilityTest, APositionIsWrittenAsAPointAndASizeAsASize) {
+    const Element element = found({300, 200});
+
+    accessibility().setAttribute(element, attribute::kPosition, Point{10, 20});
+    accessibility().setAttribute(element, attribute::kSize, Size{300, 400});
+
+    const std::string name = "window " + std::to_string(window);
+    EXPECT_EQ(fakemac::mac().writes, (Lines{name + " AXPosition 10 20", name + " AXSize 300 400"}));
+}
+
+TEST_F(MacAccessibilityTest, ATimeLimitHoldsForTheVeryElementAndItsCopies) {
+    const Element limited = found({300, 200});
+    const Element copy = limited;
+    const Element equal = found({300, 200});
+    fakemac::mac().applications.at(kEditor).answers = false;
+
+    accessibility().setMessagingTimeout(limited, 250ms);
+    (void)accessibility().copyAttribute(copy, attribute::kRole);
+    (void)accessibility().copyAttribute(equal, attribute::kRole);
+
+    EXPECT_EQ(fakemac::mac().waits, (std::vector<double>{0.25, 6}));
+}
+
+TEST_F(MacAccessibilityTest, TheDesktopsTimeLimitHoldsForAllOthers) {
+    fakemac::mac().applications.at(kEditor).answers = false;
+    accessibility().setMessagingTimeout(accessibility().systemWide(), 500ms);
+
+    (void)accessibility().copyAttribute(editor, attribute::kRole);
+
+    EXPECT_EQ(fakemac::mac().waits, std::vector<double>{0.5});
+    accessibility().setMessagingTimeout(accessibility().systemWide(), 0ms);
+}
+
+TEST_F(MacAccessibilityTest, APartLeadsToItsWindow) {
+    fakemac::mac().windows.at(window).partRole = "AXButton";
+
+    const Element part = found({300, 200});
+    const auto whole = accessibility().copyAttribute(part, attribute::kWindow);
+
+    ASSERT_TRUE(whole);
+    const auto role = accessibility().copyAttribute(part, attribute::kRole);
+    ASSERT_TRUE(role);
+    EXPECT_EQ(std::get<std::string>(*role), "AXButton");
+    EXPECT_NE(accessibility().key(std::get<Element>(*whole)), accessibility().key(part));
+}
+
+TEST_F(MacAccessibilityTest, ANumberComesAsANumberAndATruthValueAsOne) {
+    fakemac::mac().applications.at(kEditor).numbers["AXMinimized"] = 1;
+    fakemac::mac().applications.at(kEditor).enhancedInterface = true;
+
+    const auto number = accessibility().copyAttribute(editor, attribute::kMinimized);
+    const auto truth = accessibility().copyAttribute(editor, attribute::kEnhancedUserInterface);
+    ASSERT_TRUE(number && truth);
+    EXPECT_EQ(std::get<double>(*number), 1);
+    EXPECT_TRUE(std::get<bool>(*truth));
+}
+
+TEST_F(MacAccessibilityTest, TheEnhancedInterfaceCanBeSwitched) {
+    fakemac::mac().applications.at(kEditor).enhancedInterface = true;
+
+    accessibility().setAttribute(editor, attribute::kEnhancedUserInterface, false);
+
+    EXPECT_EQ(fakemac::mac().applications.at(kEditor).enhancedInterface, false);
+}
+
+TEST_F(MacAccessibilityTest, ValuesOfEveryKindAreHandedOverOrLeftOut) {
+    const AttributeValue values[] = {1.5,
+                                     std::numeric_limits<double>::infinity(),
+                                     std::string("text"),
+                                     std::string("\xff not UTF-8"),
+                                     editor,
+                                     Element{},
+                                     std::vector<Element>{editor}};
+    for (const AttributeValue& value : values)
+        accessibility().setAttribute(found({300, 200}), attribute::kPosition, value);
+
+    EXPECT_EQ(fakemac::mac().writes, Lines());
+    EXPECT_EQ(fakemac::mac().windows.at(window).axFrame, (Rect{200, 150, 640, 480}));
+}
+
+TEST_F(MacAccessibilityTest, WithoutPermissionNothingIsSeen) {
+    const Element element = found({300, 200});
+    fakemac::mac().trusted = false;
+
+    EXPECT_FALSE(accessibility().copyAttribute(element, attribute::kRole));
+    EXPECT_FALSE(accessibility().elementAtPosition(accessibility().systemWide(), {300, 200}));
+    EXPECT_FALSE(accessibility().onWindowCreated(editor, [](const Element&) {}));
+}
+
+TEST_F(MacAccessibilityTest, AProgramMayRefuseToBeObserved) {
+    fakemac::mac().applications.at(kEditor).allowsObservers = false;
+
+    EXPECT_FALSE(accessibility().onWindowCreated(editor, [](const Element&) {}));
+    EXPECT_FALSE(accessibility().onWindowClosed(found({300, 200}), [] {}));
+}
+
+TEST_F(MacAccessibilityTest, NewWindowsAreReportedWhileAMenuIsOpen) {
+    int created = 0;
+    const auto observer = accessibility().onWindowCreated(editor, [&](const Element&) { ++created; });
+
+    fakemac::mac().loopMode = fakemac::LoopMode::EventTracking;
+    fakemac::openWindow({.pid = kEditor, .axFrame = {0, 0, 100, 100}});
+
+    EXPECT_EQ(created, 1);
+}
+
+TEST_F(MacAccessibilityTest, AnObserverMayEndItselfWhenCalled) {
+    int created = 0;
+    SubscriptionPtr observer;
+    observer = accessibility().onWindowCreated(editor, [&](const Element&) {
+        ++created;
+        observer.reset();
+    });
+
+    for (int i = 0; i < 2; ++i)
+        fakemac::openWindow({.pid = kEditor, .axFrame = {0, 0, 100, 100}});
+
+    EXPECT_EQ(created, 1);
+}
+
+TEST_F(MacAccessibilityTest, AnObserverMayOutliveTheBackEnd) {
+    int created = 0;
+    const auto observer = accessibility().onWindowCreated(editor, [&](const Element&) { ++created; });
+    editor = {};
+    desktop.reset();
+
+    fakemac::openWindow({.pid = kEditor, .axFrame = {0, 0, 100, 100}});
+
+    EXPECT_EQ(created, 1);
+}
+
+TEST_F(MacAccessibilityTest, NoExceptionLeavesACallback) {
+    const auto observer = accessibility().onWindowCreated(
+        editor, [](const Element&) { throw std::runtime_error("of a test"); });
+
+    EXPECT_NO_THROW(fakemac::openWindow({.pid = kEditor, .axFrame = {0, 0, 100, 100}}));
+}
+
+} // namespace
+} // namespace tessarel::macos

@@ -1,0 +1,121 @@
+#include "macos/mac_test.h"
+
+#include <memory>
+#include <stdexcept>
+
+namespace tessarel::macos {
+namespace {
+
+constexpr std::uint32_t kCtrlOpt = 4096 + 2048;
+constexpr std::uint32_t kKey1 = 18;
+
+class MacHotKeysTest : public MacTest {
+protected:
+    [[nodiscard]] SubscriptionPtr claim(std::uint32_t id) {
+        const HotKeyRequest request{kKey1, kCtrlOpt, {0x47575744, id}};
+        return std::move(desktop->hotKeys.registerHotKeys({&request, 1}).at(0));
+    }
+
+    int pressed = 0;
+    SubscriptionPtr handler = desktop->hotKeys.installHandler([this](std::uint32_t) { ++pressed; });
+};
+
+TEST_F(MacHotKeysTest, AClaimCarriesSignatureAndNumber) {
+    const auto hotKey = claim(7);
+
+    EXPECT_EQ(fakemac::claims(), Lines{"18 6144 1196906308 7"});
+}
+
+TEST_F(MacHotKeysTest, AnotherProgramsClaimDoesNotKeepUsFromOurs) {
+    fakemac::claimForAnotherProgram(kKey1, kCtrlOpt);
+    const auto hotKey = claim(7);
+    ASSERT_TRUE(hotKey);
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+
+    EXPECT_EQ(pressed, 1);
+    EXPECT_EQ(fakemac::mac().pressesForOthers, 1);
+}
+
+TEST_F(MacHotKeysTest, EveryHandlerHearsOfAPress) {
+    int second = 0;
+    const auto other = desktop->hotKeys.installHandler([&](std::uint32_t) { ++second; });
+    const auto hotKey = claim(7);
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+
+    EXPECT_EQ(pressed, 1);
+    EXPECT_EQ(second, 1);
+}
+
+TEST_F(MacHotKeysTest, ClaimsAndHandlersMayOutliveTheBackEnd) {
+    const auto hotKey = claim(7);
+    desktop.reset();
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+
+    EXPECT_EQ(pressed, 0);
+}
+
+TEST_F(MacHotKeysTest, NoExceptionLeavesTheHandler) {
+    handler = desktop->hotKeys.installHandler([](std::uint32_t) { throw std::runtime_error("of a test"); });
+    const auto hotKey = claim(7);
+
+    EXPECT_NO_THROW(fakemac::pressKeys(kKey1, kCtrlOpt));
+}
+
+class MacLocalKeysTest : public MacTest {
+protected:
+    MacLocalKeysTest() {
+        fakemac::launch(fakemac::mac().ownPid, {});
+        fakemac::focus(fakemac::openWindow({.pid = fakemac::mac().ownPid, .axFrame = {0, 0, 400, 300}}));
+    }
+
+    std::vector<KeyDown> keys;
+    SubscriptionPtr monitor = desktop->localKeys.monitorKeyDown([this](const KeyDown& key) {
+        keys.push_back(key);
+        return true;
+    });
+};
+
+TEST_F(MacLocalKeysTest, AKeyThatIsHeldDownComesOnce) {
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+    fakemac::pressKeys(kKey1, kCtrlOpt, true);
+
+    EXPECT_EQ(keys.size(), 1U);
+}
+
+TEST_F(MacLocalKeysTest, OnlyTheFourModifiersAreReported) {
+    fakemac::pressKeys(kKey1, 256); // the fake's Caps Lock is on
+
+    EXPECT_EQ(keys, (std::vector<KeyDown>{{kKey1, kCommandFlag}}));
+}
+
+class MacMouseTest : public MacTest {};
+
+TEST_F(MacMouseTest, ASystemThatRefusesGivesNoMonitor) {
+    fakemac::mac().allowsMonitors = false;
+
+    EXPECT_FALSE(desktop->mouse.addGlobalMonitor(MouseEventKind::LeftDown, [](const MouseEvent&) {}));
+}
+
+TEST_F(MacMouseTest, EachMonitorIsRemovedWithItsSubscription) {
+    auto first = desktop->mouse.addGlobalMonitor(MouseEventKind::LeftDown, [](const MouseEvent&) {});
+    const auto second = desktop->mouse.addGlobalMonitor(MouseEventKind::LeftUp, [](const MouseEvent&) {});
+    EXPECT_EQ(fakemac::globalMonitors(), 2U);
+
+    first.reset();
+
+    EXPECT_EQ(fakemac::globalMonitors(), 1U);
+}
+
+TEST_F(MacMouseTest, NoExceptionLeavesAMonitor) {
+    const auto monitor = desktop->mouse.addGlobalMonitor(
+        MouseEventKind::LeftDown, [](const MouseEvent&) { throw std::runtime_error("of a test"); });
+
+    EXPECT_NO_THROW(fakemac::pressLeftButton());
+    fakemac::releaseLeftButton();
+}
+
+} // namespace
+} // namespace tessarel::macos

@@ -1,0 +1,180 @@
+#include "macos/mac_test.h"
+
+namespace tessarel::macos {
+namespace {
+
+class MacWindowListTest : public MacTest {};
+
+TEST_F(MacWindowListTest, WindowsAreListedFrontToBack) {
+    const auto back = fakemac::openWindow({.pid = kEditor, .axFrame = {0, 25, 300, 200}, .layer = 3});
+    fakemac::openWindow({.pid = kEditor, .axFrame = {200, 150, 640, 480}, .alpha = 0.5});
+
+    EXPECT_EQ(desktop->windowList.onScreenWindows(),
+              (std::vector<ListedWindow>{{0, kEditor, Rect{200, 150, 640, 480}, 0.5},
+                                         {3, kEditor, Rect{0, 25, 300, 200}, 1}}));
+    fakemac::focus(back);
+    EXPECT_EQ(desktop->windowList.onScreenWindows().front().layer, 3);
+}
+
+TEST_F(MacWindowListTest, WhatIsNotOnTheScreenAndTheDesktopItselfAreNotListed) {
+    fakemac::openWindow({.pid = kEditor, .axFrame = {0, 25, 300, 200}, .minimized = true});
+
+    EXPECT_TRUE(desktop->windowList.onScreenWindows().empty());
+}
+
+TEST_F(MacWindowListTest, WhatIsMissingOrMakesNoSenseIsEmpty) {
+    const fakemac::Window window{.pid = kEditor, .axFrame = {0, 25, 300, 200}};
+    for (const char* key : {"kCGWindowLayer", "kCGWindowOwnerPID", "kCGWindowBounds", "kCGWindowAlpha"}) {
+        fakemac::Window without = window;
+        without.unlisted = {key};
+        fakemac::openWindow(without);
+        fakemac::Window odd = window;
+        odd.mislisted = {key};
+        fakemac::openWindow(odd);
+    }
+
+    const auto listed = desktop->windowList.onScreenWindows();
+
+    ASSERT_EQ(listed.size(), 8U);
+    for (const std::size_t i : {0U, 1U}) {
+        EXPECT_FALSE(listed[i].alpha);
+        EXPECT_FALSE(listed[2 + i].axBounds);
+        EXPECT_FALSE(listed[4 + i].ownerPid);
+        EXPECT_FALSE(listed[6 + i].layer);
+        EXPECT_TRUE(listed[i].layer && listed[i].ownerPid && listed[i].axBounds);
+    }
+}
+
+TEST_F(MacWindowListTest, AServerThatDoesNotAnswerGivesNoWindows) {
+    fakemac::openWindow({.pid = kEditor, .axFrame = {0, 25, 300, 200}});
+    fakemac::mac().windowServerAnswers = false;
+
+    EXPECT_TRUE(desktop->windowList.onScreenWindows().empty());
+}
+
+class MacLoginItemTest : public MacTest {
+protected:
+    using Status = LoginItemPort::Status;
+};
+
+TEST_F(MacLoginItemTest, ItCanBeRegisteredAndTakenBack) {
+    EXPECT_EQ(desktop->loginItem.status(), Status::NotRegistered);
+
+    EXPECT_EQ(desktop->loginItem.registerItem(), std::nullopt);
+    EXPECT_EQ(desktop->loginItem.status(), Status::Enabled);
+
+    EXPECT_EQ(desktop->loginItem.unregisterItem(), std::nullopt);
+    EXPECT_EQ(desktop->loginItem.status(), Status::NotRegistered);
+}
+
+TEST_F(MacLoginItemTest, EveryStatusIsToldApart) {
+    for (const auto status :
+         {Status::NotRegistered, Status::Enabled, Status::RequiresApproval, Status::NotFound}) {
+        fakemac::mac().loginItemStatus = static_cast<long>(status);
+        EXPECT_EQ(desktop->loginItem.status(), status);
+    }
+}
+
+TEST_F(MacLoginItemTest, ARefusalIsToldInTheSystemsWords) {
+    fakemac::mac().loginItemRefusal = "Operation not permitted";
+    EXPECT_EQ(desktop->loginItem.registerItem(), "Operation not permitted");
+
+    fakemac::mac().loginItemStatus = static_cast<long>(Status::Enabled);
+    EXPECT_EQ(desktop->loginItem.unregisterItem(), "Operation not permitted");
+}
+
+TEST_F(MacLoginItemTest, WhatIsNotRegisteredNeedsNoTakingBack) {
+    fakemac::mac().loginItemRefusal = "Operation not permitted";
+    for (const auto status : {Status::NotRegistered, Status::NotFound}) {
+        fakemac::mac().loginItemStatus = static_cast<long>(status);
+        EXPECT_EQ(desktop->loginItem.unregisterItem(), std::nullopt);
+    }
+
+    EXPECT_EQ(fakemac::mac().loginItemChanges, 0);
+}
+
+class MacServicesTest : public MacTest {};
+
+TEST_F(MacServicesTest, TrustIsAskedForWithThePromptOn) {
+    fakemac::mac().trusted = false;
+    EXPECT_FALSE(desktop->trust.isTrusted());
+
+    desktop->trust.prompt();
+
+    EXPECT_EQ(fakemac::mac().prompted, Lines{"AXTrustedCheckOptionPrompt on"});
+}
+
+TEST_F(MacServicesTest, TheSettingsOfThePermissionAreOpened) {
+    desktop->trust.openSettings();
+
+    EXPECT_EQ(fakemac::mac().opened,
+              Lines{"x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"});
+}
+
+TEST_F(MacServicesTest, OnlyAddressesAreOpened) {
+    for (const char* text : {"https://example.org/a?b=c#d", "", "no scheme", "\xff"})
+        desktop->openUrl.open(text);
+
+    EXPECT_EQ(fakemac::mac().opened, Lines{"https://example.org/a?b=c#d"});
+}
+
+TEST_F(MacServicesTest, TheAlertSoundIsHeard) {
+    desktop->alertSound.beep();
+
+    EXPECT_EQ(fakemac::mac().beeps, 1);
+}
+
+TEST_F(MacServicesTest, AHelperIsNoRegularApplication) {
+    fakemac::launch(8, {.isRegular = false});
+
+    EXPECT_EQ(desktop->workspace.runningApplication(8), (RunningApplication{8, std::nullopt, false}));
+}
+
+TEST_F(MacServicesTest, AnApplicationWithoutAProcessIsNone) {
+    std::vector<ProcessId> told;
+    const auto observer =
+        desktop->workspace.addObserver(ApplicationEvent::Launched, [&](const RunningApplication& app) {
+            told.push_back(app.processIdentifier);
+        });
+
+    fakemac::launch(-1, {});
+    fakemac::launch(8, {});
+
+    EXPECT_EQ(told, std::vector<ProcessId>{8});
+    EXPECT_EQ(desktop->workspace.runningApplications().size(), 2U);
+}
+
+TEST_F(MacServicesTest, AWorkspaceObserverMayEndItselfWhenCalled) {
+    int told = 0;
+    SubscriptionPtr observer;
+    observer = desktop->workspace.addObserver(ApplicationEvent::Launched, [&](const RunningApplication&) {
+        ++told;
+        observer.reset();
+    });
+
+    fakemac::launch(8, {});
+    fakemac::launch(9, {});
+
+    EXPECT_EQ(told, 1);
+}
+
+TEST_F(MacServicesTest, WithoutDisplaysThereIsNoMainScreen) {
+    fakemac::mac().displays.clear();
+
+    EXPECT_TRUE(desktop->displays.screens().empty());
+    EXPECT_FALSE(desktop->displays.mainScreen());
+}
+
+TEST_F(MacServicesTest, ABareExecutableFindsNoOtherCopy) {
+    fakemac::launch(8, {.bundleIdentifier = ""});
+
+    EXPECT_TRUE(desktop->singleInstance.claim([] {}));
+}
+
+TEST_F(MacServicesTest, TheWordsAreThoseOfAMac) {
+    EXPECT_EQ(desktop->words.thisComputer, "this Mac");
+    EXPECT_EQ(desktop->words.modifierNames.cmd, "Cmd");
+}
+
+} // namespace
+} // namespace tessarel::macos
