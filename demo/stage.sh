@@ -68,9 +68,14 @@ open_stage() {
     start dbus dbus-daemon --session --nofork --nopidfile --address="unix:path=$stage_home/run/bus"
     start openbox openbox
     wait_until 10 has_window_manager || fail "openbox does not come up, see $out/log/openbox.log"
-    start picom picom --config "$stage_home/config/picom.conf"
+    start_compositor
     start tint2 tint2
     wait_until 10 has_panel || fail "tint2 does not come up, see $out/log/tint2.log"
+}
+
+start_compositor() {
+    start picom picom --config "$stage_home/config/picom.conf"
+    picom=$!
 }
 
 # The programs warn a super-user in their windows; so, where the machine lets it, nobody plays.
