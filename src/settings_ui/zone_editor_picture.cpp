@@ -63,10 +63,13 @@ QRectF fromEdges(double left, double top, double right, double bottom) {
     return {QPointF(left, top), QPointF(right, bottom)};
 }
 
-/// The outline of `rect` on whole pixels, so that all edges of one width look alike.
+/// The outline of `rect` on whole pixels, so that all edges of one width look alike. An edge midway between
+/// two pixels goes inwards, on every side.
 QRectF onPixels(const PixelGrid& grid, const QRectF& rect, double stroke) {
+    constexpr double kHardlyInwards = 1e-3;
     return fromEdges(grid.lineX(rect.left(), stroke), grid.lineY(rect.top(), stroke),
-                     grid.lineX(rect.right(), stroke), grid.lineY(rect.bottom(), stroke));
+                     grid.lineX(rect.right() - kHardlyInwards, stroke),
+                     grid.lineY(rect.bottom() - kHardlyInwards, stroke));
 }
 
 /// `rect` without what is far outside a view of `size`: painters do not reckon with numbers of any size.

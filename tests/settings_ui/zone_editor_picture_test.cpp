@@ -120,6 +120,13 @@ TEST_F(ZoneEditorPictureTest, ZonesAreInsetByOnePointAndTheSelectedOneStandsOut)
     EXPECT_NEAR(shapes[1].bounds.bottom(), 99, 0.51);
 }
 
+TEST_F(ZoneEditorPictureTest, AZoneKeepsTheSameDistanceFromAllBorders) {
+    zones = {Presets::z(0, 0, 100, 100)};
+    draw();
+
+    EXPECT_EQ(painting.all(What::Path)[0].bounds, QRectF(1.5, 1.5, 397, 197));
+}
+
 TEST_F(ZoneEditorPictureTest, ZonesAreNumberedFromOneAtTheirCorner) {
     draw();
 
