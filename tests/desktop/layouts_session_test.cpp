@@ -1,0 +1,124 @@
+#include "desktop/desktop.h"
+#include "desktop/expected.h"
+#include "support/x11/mouse.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+namespace tessarel::x11test {
+namespace {
+
+/// One zone, from 10 to 50 percent in both directions.
+constexpr std::string_view kOneZone = R"({"hasOnboarded":true,"rememberApps":false,"gridStep":5,)"
+                                      R"("zones":[{"enabled":true,"x":10,"y":10,"w":40,"h":40}]})";
+constexpr Combination kOwnKey{key::kC, kControlAltSuper};
+
+/// Somebody designs a layout in the settings window. Places are points of the Layouts tab.
+class LayoutsSessionTest : public testing::Test {
+protected:
+    xcb_window_t windowTitled(const std::string& title) {
+        Observer& observer = desktop.observer();
+        const auto clients = observer.clients();
+        const auto found = std::ranges::find_if(
+            clients, [&](xcb_window_t window) { return observer.text(window, "_NET_WM_NAME") == title; });
+        return found == clients.end() ? XCB_WINDOW_NONE : *found;
+    }
+
+    /// Waits until the window with this title is the one that is worked in.
+    bool waitForActive(const std::string& title) {
+        return desktop.observer().waitUntil([&] {
+            const xcb_window_t window = windowTitled(title);
+            return window != XCB_WINDOW_NONE && desktop.observer().activeWindow() == window;
+        });
+    }
+
+    /// By starting the program once more.
+    void openSettings() {
+        Program second(desktop.server());
+        EXPECT_EQ(second.process().waitForExit(), 0);
+        ASSERT_TRUE(waitForActive("Tessarel Settings"));
+        ASSERT_TRUE(desktop.observer().settle());
+    }
+
+    void moveTo(int x, int y) {
+        constexpr int kTabX = 20; // of the tab in its window
+        constexpr int kTabY = 40;
+        const Frame window = *desktop.observer().clientFrame(windowTitled("Tessarel Settings"));
+        mouse.moveTo(window.x + kTabX + x, window.y + kTabY + y);
+    }
+    void click(int x, int y) {
+        moveTo(x, y);
+        mouse.press();
+        mouse.release();
+    }
+    void dragInEditor(int fromX, int fromY, int toX, int toY) {
+        constexpr int kEditorX = 16;
+        constexpr int kEditorY = 56;
+        moveTo(kEditorX + fromX, kEditorY + fromY);
+        mouse.press();
+        moveTo(kEditorX + (fromX + toX) / 2, kEditorY + (fromY + toY) / 2);
+        moveTo(kEditorX + toX, kEditorY + toY);
+        mouse.release();
+    }
+
+    bool waitUntilStored(const std::string& text) {
+        return desktop.observer().waitUntil([&] { return stored().find(text) != std::string::npos; });
+    }
+    std::string stored() {
+        std::ifstream file(settingsFile(desktop.server()));
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    void saveLayoutAs(const std::vector<xcb_keycode_t>& keys) {
+        click(375, 25);
+        ASSERT_TRUE(waitForActive("Tessarel")) << "the question for a name";
+        for (const xcb_keycode_t letter : keys)
+            desktop.press({letter, 0});
+        desktop.press({key::kReturn, 0});
+    }
+
+    Desktop desktop{{.settings = kOneZone}};
+    TestClient client{desktop.server()};
+    Mouse mouse{desktop.observer()};
+};
+
+TEST_F(LayoutsSessionTest, ALayoutIsDesignedSavedBoundUsedAndFoundAgain) {
+    ASSERT_TRUE(desktop.start());
+    const xcb_window_t window = desktop.open(client);
+    const Frame designed = frameIn(desktop.usableArea(), {10, 10, 50, 55});
+    openSettings();
+
+    dragInEditor(250, 156, 300, 203); // the lower right corner, to 60 and 65 percent
+    ASSERT_TRUE(waitUntilStored(R"("h":55)")) << stored();
+    saveLayoutAs({key::kC, key::kA, key::kC});
+    ASSERT_TRUE(waitUntilStored(R"("name":"cac")")) << stored();
+    click(615, 281); // the hot key of the zone
+    const auto isBound = [&] {
+        desktop.press(kOwnKey);
+        return stored().find(R"("zone1":{"keyCode":8,)") != std::string::npos;
+    };
+    ASSERT_TRUE(desktop.observer().waitUntil(isBound)) << stored();
+    ASSERT_TRUE(desktop.observer().waitUntil([&] { return desktop.keyboard().held(kOwnKey); }));
+
+    ASSERT_TRUE(desktop.activate(window));
+    desktop.press(kOwnKey);
+    EXPECT_EQ(desktop.settledFrame(window, designed), designed);
+
+    ASSERT_TRUE(desktop.stop());
+    desktop.observer().moveOuterFrame(window, {300, 200, 500, 300});
+    ASSERT_TRUE(desktop.start());
+    ASSERT_TRUE(desktop.activate(window));
+    desktop.press(kOwnKey);
+    EXPECT_EQ(desktop.settledFrame(window, designed), designed);
+    openSettings();
+    click(461, 25); // deletes the layout that is shown as being in use
+    EXPECT_TRUE(waitUntilStored(R"("userLayouts":[])")) << stored();
+    EXPECT_TRUE(desktop.stop());
+}
+
+} // namespace
+} // namespace tessarel::x11test
