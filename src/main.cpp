@@ -93,7 +93,8 @@ int run(const char* programName) {
     qt::QtAlerts alerts;
     qt::QtOpenUrl openUrl;
     x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl);
-    qt::QtLocalKeys localKeys(x11::keyDown);
+    qt::QtLocalKeys localKeys(
+        x11::keyDown, [&link = *connection](std::uint32_t keycode) { return x11::isKeyHeld(link, keycode); });
     qt::QtOpenPanel openPanel(x11::DesktopEntries::installed(),
                               [&desktop](const std::filesystem::path& file) {
                                   return desktop.applications.identifierOfEntry(file);

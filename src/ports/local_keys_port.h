@@ -28,9 +28,10 @@ public:
     /// window of this program has the keyboard focus. Combinations that are claimed as hot keys, by whomever,
     /// come to the handler too instead of doing their work, as far as the system lets us have them.
     ///
-    /// A key that is held down comes once, and modifier keys do not come by themselves, nor keys without a
-    /// virtual key code: all those are consumed. Of several handlers the one added first is asked first, and
-    /// the others only if it has not consumed the key.
+    /// A key that is held down comes once; if it has been consumed it does nothing else until it is released,
+    /// even when its handler has ended. Modifier keys do not come by themselves, nor keys without a virtual
+    /// key code: all those are consumed. Of several handlers the one added first is asked first, and the
+    /// others only if it has not consumed the key.
     [[nodiscard]] virtual SubscriptionPtr monitorKeyDown(Handler handler) = 0;
 };
 

@@ -345,7 +345,8 @@ private:
     x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows, m_watch};
     x11::X11Workspace m_workspace{m_applicationsSeen, m_watch};
     x11::X11HotKeys m_hotKeys{m_line.connection()};
-    qt::QtLocalKeys m_localKeys{x11::keyDown};
+    qt::QtLocalKeys m_localKeys{
+        x11::keyDown, [this](std::uint32_t keycode) { return x11::isKeyHeld(m_line.connection(), keycode); }};
     x11::X11Mouse m_mouse{m_line.connection(), m_monitors, m_windows, m_line.queue()};
     x11::X11Bell m_bell{m_line.connection()};
     x11::X11Trust m_trust{m_line.connection(), x11::Session::X11, m_line.queue(), m_alerts, m_openUrl};

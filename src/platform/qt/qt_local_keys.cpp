@@ -1,6 +1,5 @@
 #include "platform/qt/qt_local_keys.h"
 
-#include <QCoreApplication>
 #include <QEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -9,6 +8,7 @@
 #include <QWindow>
 
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace tessarel::qt {
@@ -25,6 +25,8 @@ public:
 
     /// For `window` from now on; null lets go.
     void holdFor(QWindow* window) {
+        if (m_window == window)
+            return;
         if (m_window)
             m_window->setKeyboardGrabEnabled(false);
         m_window = window;
@@ -38,40 +40,68 @@ private:
 
 } // namespace
 
-/// Sees every event of the application before its receiver, for as long as there is a monitor.
+/// Sees every event of the application before its receiver, while there is a monitor, and then until the key
+/// that was consumed last is released: its repetitions are nobody else's.
 class QtLocalKeys::Filter : public QObject, public std::enable_shared_from_this<Filter> {
 public:
-    explicit Filter(Translation translation) : m_translation(std::move(translation)) {
-        QCoreApplication::instance()->installEventFilter(this);
-        QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, this,
-                         [this](QWindow* window) { m_grab.holdFor(window); });
-        m_grab.holdFor(QGuiApplication::focusWindow());
+    Filter(Translation translation, Look isHeld)
+        : m_translation(std::move(translation)), m_isHeld(std::move(isHeld)) {
+        QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this] {
+            m_heldKey.reset(); // others hear of its release
+            update();
+        });
     }
 
     [[nodiscard]] int add(Handler handler) {
         m_handlers.emplace(m_next, std::move(handler));
+        update();
         return m_next++;
     }
-    void remove(int number) { m_handlers.erase(number); }
+    void remove(int number) {
+        m_handlers.erase(number);
+        update();
+    }
 
     bool eventFilter(QObject* receiver, QEvent* event) override {
         if (!receiver->isWindowType()) // keys come to a window first, and from there to its controls
             return false;
-        if (event->type() == QEvent::ShortcutOverride) {
+        switch (event->type()) {
+        case QEvent::ShortcutOverride:
             event->accept(); // and do not look for a shortcut: the press itself follows
             return true;
+        case QEvent::KeyPress:
+            return handlePress(static_cast<const QKeyEvent&>(*event));
+        case QEvent::KeyRelease:
+            handleRelease(static_cast<const QKeyEvent&>(*event));
+            return false;
+        default:
+            return false;
         }
-        return event->type() == QEvent::KeyPress && isConsumed(static_cast<const QKeyEvent&>(*event));
     }
 
 private:
-    [[nodiscard]] bool isConsumed(const QKeyEvent& press) {
+    bool handlePress(const QKeyEvent& press) {
         const auto key = m_translation(press.nativeScanCode(), press.nativeModifiers());
-        return !key || press.isAutoRepeat() || isConsumed(*key);
+        if (!key || press.isAutoRepeat() || m_heldKey == press.nativeScanCode())
+            return true;
+        const auto self = shared_from_this(); // a handler may end the port
+        m_heldKey = press.nativeScanCode();   // or the last monitor
+        if (isConsumed(*key))
+            return true;
+        m_heldKey.reset();
+        update();
+        return false;
+    }
+
+    void handleRelease(const QKeyEvent& release) {
+        // Qt takes the release before a repetition for the real one when the press behind it comes late.
+        if (m_heldKey != release.nativeScanCode() || m_isHeld(release.nativeScanCode()))
+            return;
+        m_heldKey.reset();
+        update();
     }
 
     [[nodiscard]] bool isConsumed(const KeyDown& key) {
-        const auto self = shared_from_this(); // a handler may end the last monitor
         const auto present = m_handlers;
         for (const auto& [number, handler] : present) {
             if (m_handlers.contains(number) && handler(key)) // or an earlier one has ended it
@@ -80,10 +110,26 @@ private:
         return false;
     }
 
+    /// Takes the keyboard and sees events, or no more, as needed now.
+    void update() {
+        if (qGuiApp == nullptr) // the program is ending
+            return;
+        const bool isNeeded = !m_handlers.empty() || m_heldKey;
+        if (isNeeded && !m_isInstalled)
+            qGuiApp->installEventFilter(this);
+        else if (!isNeeded && m_isInstalled)
+            qGuiApp->removeEventFilter(this);
+        m_isInstalled = isNeeded;
+        m_grab.holdFor(isNeeded ? QGuiApplication::focusWindow() : nullptr);
+    }
+
     Translation m_translation;
+    Look m_isHeld;
     KeyboardGrab m_grab;
     int m_next = 0;
     std::map<int, Handler> m_handlers;
+    std::optional<quint32> m_heldKey; ///< consumed, and not released yet
+    bool m_isInstalled = false;
 };
 
 class QtLocalKeys::Monitor : public Subscription {
@@ -97,15 +143,15 @@ private:
     int m_number;
 };
 
-QtLocalKeys::QtLocalKeys(Translation translation) : m_translation(std::move(translation)) {}
+QtLocalKeys::QtLocalKeys(Translation translation, Look isHeld)
+    : m_translation(std::move(translation)), m_isHeld(std::move(isHeld)) {}
+
+QtLocalKeys::~QtLocalKeys() = default;
 
 SubscriptionPtr QtLocalKeys::monitorKeyDown(Handler handler) {
-    std::shared_ptr<Filter> filter = m_filter.lock();
-    if (!filter) {
-        filter = std::make_shared<Filter>(m_translation);
-        m_filter = filter;
-    }
-    return std::make_unique<Monitor>(std::move(filter), std::move(handler));
+    if (!m_filter)
+        m_filter = std::make_shared<Filter>(m_translation, m_isHeld);
+    return std::make_unique<Monitor>(m_filter, std::move(handler));
 }
 
 } // namespace tessarel::qt

@@ -21,7 +21,13 @@ public:
     using Translation =
         std::function<std::optional<KeyDown>(std::uint32_t nativeScanCode, std::uint32_t nativeModifiers)>;
 
-    explicit QtLocalKeys(Translation translation);
+    /// Tells whether the key is down at this moment.
+    using Look = std::function<bool(std::uint32_t nativeScanCode)>;
+
+    QtLocalKeys(Translation translation, Look isHeld);
+    QtLocalKeys(const QtLocalKeys&) = delete;
+    QtLocalKeys& operator=(const QtLocalKeys&) = delete;
+    ~QtLocalKeys() override;
 
     [[nodiscard]] SubscriptionPtr monitorKeyDown(Handler handler) override;
 
@@ -30,7 +36,9 @@ private:
     class Monitor;
 
     Translation m_translation;
-    std::weak_ptr<Filter> m_filter; // kept by the monitors
+    Look m_isHeld;
+    std::shared_ptr<Filter>
+        m_filter; // none before the first monitor; shared with monitors, which may outlive us
 };
 
 } // namespace tessarel::qt

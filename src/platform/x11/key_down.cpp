@@ -14,4 +14,11 @@ std::optional<KeyDown> keyDown(std::uint32_t keycode, std::uint32_t state) {
     return keyCode ? std::optional(KeyDown{*keyCode, modifierFlags(state)}) : std::nullopt;
 }
 
+bool isKeyHeld(Connection& connection, std::uint32_t keycode) {
+    if (keycode > std::numeric_limits<std::uint8_t>::max())
+        return false;
+    const auto keys = connection.reply<xcb_query_keymap_reply>(xcb_query_keymap(connection.xcb()));
+    return keys && (keys->keys[keycode / 8] >> (keycode % 8) & 1) != 0;
+}
+
 } // namespace tessarel::x11

@@ -50,10 +50,17 @@ protected:
         QApplication::sendEvent(target.windowHandle(), &event);
     }
 
-    std::optional<QtLocalKeys> localKeys{translate};
+    static void release(const QWidget& target, quint32 nativeScanCode) {
+        QKeyEvent event(QEvent::KeyRelease, Qt::Key_B, Qt::NoModifier, nativeScanCode, Qt::Key_B, 4);
+        QApplication::sendEvent(target.windowHandle(), &event);
+    }
+
+    std::optional<QtLocalKeys> localKeys{std::in_place, translate,
+                                         [this](std::uint32_t key) { return held == key; }};
     QWidget window;
     QLineEdit field{&window};
     std::vector<KeyDown> keys;
+    std::optional<std::uint32_t> held; ///< the key that is down, as the system says
 };
 
 using Keys = std::vector<KeyDown>;
@@ -154,9 +161,56 @@ TEST_F(QtLocalKeysTest, AMonitorMayEndItselfAndTheKeyIsStillConsumed) {
     });
 
     press(window, 56);
+    release(window, 56);
     EXPECT_EQ(field.text(), "");
 
     press(window, 56);
+    EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, AConsumedKeyDoesNothingElseUntilItIsReleased) {
+    auto monitored = monitor();
+    press(window, 56);
+    monitored.reset();
+
+    press(window, 56, true);
+    EXPECT_EQ(field.text(), "");
+
+    release(window, 56);
+    press(window, 56, true);
+    EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, ARepetitionThatLooksLikeAReleaseAndAPressIsNone) {
+    auto monitored = monitor();
+    held = 56;
+    press(window, 56);
+    release(window, 56);
+    press(window, 56);
+    EXPECT_EQ(keys.size(), 1U);
+    monitored.reset();
+
+    release(window, 56);
+    press(window, 56);
+    EXPECT_EQ(field.text(), "");
+
+    held.reset();
+    release(window, 56);
+    press(window, 56);
+    EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, AKeyThatIsReleasedElsewhereIsNotWaitedFor) {
+    auto monitored = monitor();
+    press(window, 56);
+    monitored.reset();
+    QWidget front;
+    front.show();
+    front.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&front));
+
+    press(window, 56, true);
+
     EXPECT_EQ(field.text(), "b");
 }
 
