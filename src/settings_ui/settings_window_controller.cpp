@@ -90,6 +90,7 @@ void SettingsWindowController::makeWindow() {
     m_window->setFixedSize(kWindowSize);
     m_tabs = new QTabWidget(m_window.get());
     m_tabs->setGeometry(kTabsFrame);
+    m_tabs->setFocusPolicy(Qt::NoFocus); // its row of tabs has the focus, and a name for each
     addTab(*m_layouts.view(), QStringLiteral("Layouts"));
     addTab(*m_shortcuts.view(), QStringLiteral("Shortcuts"));
     addTab(*m_general.view(), QStringLiteral("General"));

@@ -1,0 +1,203 @@
+#include "desktop/settings_fixture.h"
+
+#include <xcb/xtest.h>
+
+#include <chrono>
+#include <fstream>
+#include <initializer_list>
+#include <iterator>
+
+namespace tessarel::x11test {
+namespace {
+
+constexpr xcb_keycode_t kEscape = 9;
+constexpr xcb_keycode_t kB = 56;
+constexpr Combination kFree{kB, kControlAlt};
+constexpr Combination kZone1{key::kDigit1, kControlAlt};
+
+/// A recorder on the Shortcuts tab, by the keyboard and the mouse of a real server.
+class RecorderDesktopTest : public SettingsDesktopTest {
+protected:
+    void SetUp() override {
+        ASSERT_NO_FATAL_FAILURE(SettingsDesktopTest::SetUp());
+        ASSERT_NO_FATAL_FAILURE(showTab("Shortcuts"));
+        recorder = button("Snap to Zone 2");
+    }
+
+    void record() {
+        click(recorder);
+        ASSERT_TRUE(comesToSay(recorder, "Press keys..."));
+        ASSERT_TRUE(waitUntil([this] { return !isKeyboardFree(); }));
+    }
+
+    /// Whether another program could have the whole keyboard.
+    [[nodiscard]] bool isKeyboardFree() {
+        const bool isFree = other.grabKeyboard();
+        if (isFree)
+            other.ungrabKeyboard();
+        return isFree;
+    }
+    [[nodiscard]] bool becomesFree() {
+        return waitUntil([this] { return isKeyboardFree(); });
+    }
+
+    void fake(std::uint8_t type, std::initializer_list<xcb_keycode_t> keys) {
+        for (const xcb_keycode_t key : keys)
+            xcb_test_fake_input(observer.x().get(), type, key, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
+        observer.x().roundTrip();
+    }
+
+    std::string storedSettings() {
+        std::ifstream file(settingsFile(server));
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    TestClient other{server};
+    Accessible recorder;
+};
+
+TEST_F(RecorderDesktopTest, ACombinationThatIsAHotKeyReachesTheRecorder) {
+    record();
+
+    keyboard.press(kZone1);
+
+    EXPECT_TRUE(comesToSay(recorder, "In use: Snap to Zone 1"));
+    EXPECT_TRUE(comesToSay(recorder, "Press keys..."));
+    EXPECT_FALSE(isKeyboardFree());
+}
+
+TEST_F(RecorderDesktopTest, ANewHotKeyWorksAtOnceAndTheOldOneNoMore) {
+    record();
+
+    keyboard.press(kFree);
+
+    EXPECT_TRUE(comesToSay(recorder, "Ctrl+Alt+B"));
+    EXPECT_TRUE(becomesFree());
+    EXPECT_TRUE(waitUntil([&] { return keyboard.held(kFree); }));
+    EXPECT_FALSE(keyboard.held({key::kDigit1 + 1, kControlAlt}));
+    EXPECT_NE(storedSettings().find(R"("zone2":{"keyCode":11,"mods":6144})"), std::string::npos)
+        << storedSettings();
+}
+
+TEST_F(RecorderDesktopTest, ANewHotKeyMovesAWindow) {
+    record();
+    keyboard.press(kFree);
+    ASSERT_TRUE(waitUntil([&] { return keyboard.held(kFree); }));
+    ASSERT_TRUE(becomesFree());
+    const xcb_window_t target = other.open();
+    observer.activate(target);
+    ASSERT_TRUE(waitUntil([&] { return observer.activeWindow() == target; }));
+    ASSERT_TRUE(observer.settle());
+    observer.watch(target);
+
+    keyboard.press(kFree);
+
+    const Frame zone2{533, 0, 533, 450};
+    EXPECT_TRUE(waitUntil([&] { return observer.outerFrame(target) == zone2; }))
+        << testing::PrintToString(observer.outerFrame(target).value_or(Frame{}).x);
+}
+
+TEST_F(RecorderDesktopTest, TheSuperKeyIsRecordedAsSuch) {
+    record();
+
+    keyboard.press({kB, XCB_MOD_MASK_4 | XCB_MOD_MASK_SHIFT});
+
+    EXPECT_TRUE(comesToSay(recorder, "Shift+Super+B"));
+}
+
+TEST_F(RecorderDesktopTest, AShortcutOfTheWindowIsRecordedAndDoesNotCloseIt) {
+    record();
+    constexpr xcb_keycode_t kW = 25;
+
+    keyboard.press({kW, XCB_MOD_MASK_CONTROL});
+
+    EXPECT_TRUE(comesToSay(recorder, "Ctrl+W"));
+    EXPECT_EQ(observer.activeWindow(), window);
+}
+
+TEST_F(RecorderDesktopTest, ACombinationThatIsHeldDoesNothingBeforeItIsPressedAnew) {
+    const Accessible arranging = button("Arrange windows into zones");
+    const xcb_window_t bystander = other.open();
+    ASSERT_TRUE(waitUntil([&] { return observer.activeWindow() == bystander; }));
+    observer.activate(window);
+    ASSERT_TRUE(waitUntil([&] { return observer.activeWindow() == window; }));
+    ASSERT_TRUE(observer.settle());
+    const auto before = observer.outerFrame(bystander);
+    const auto hasMoved = [&] { return observer.outerFrame(bystander) != before; };
+    runToEnd({"xset", "r", "rate", "30", "100"}, server.environment());
+    ASSERT_TRUE(reader.act(arranging));
+    ASSERT_TRUE(comesToSay(arranging, "Press keys..."));
+
+    fake(XCB_KEY_PRESS, {key::kControl, key::kAlt, kB});
+    EXPECT_TRUE(comesToSay(arranging, "Ctrl+Alt+B"));
+    EXPECT_FALSE(observer.waitUntil(hasMoved, Deadline(std::chrono::milliseconds(300))));
+    fake(XCB_KEY_RELEASE, {kB});
+    ASSERT_TRUE(becomesFree());
+    fake(XCB_KEY_PRESS, {kB});
+    fake(XCB_KEY_RELEASE, {kB, key::kAlt, key::kControl});
+
+    EXPECT_TRUE(waitUntil(hasMoved));
+}
+
+TEST_F(RecorderDesktopTest, TheKeyboardStartsARecordingToo) {
+    keyboard.press({key::kReturn, 0}); // not yet: the focus is on the tab
+    constexpr xcb_keycode_t kTab = 23;
+    constexpr xcb_keycode_t kSpace = 65;
+    keyboard.press({kTab, 0});
+    const Accessible first = button("Snap to Zone 1");
+    ASSERT_TRUE(waitUntil([&] { return reader.look(first).isFocused; }));
+
+    for (const xcb_keycode_t starter : {kSpace, key::kReturn}) {
+        keyboard.press({starter, 0});
+        EXPECT_TRUE(comesToSay(first, "Press keys..."));
+        keyboard.press({kEscape, 0});
+        EXPECT_TRUE(comesToSay(first, "Ctrl+Alt+1"));
+    }
+}
+
+TEST_F(RecorderDesktopTest, EscapeLetsGoOfTheKeyboard) {
+    record();
+
+    keyboard.press({kEscape, 0});
+
+    EXPECT_TRUE(becomesFree());
+    EXPECT_TRUE(comesToSay(recorder, "Ctrl+Alt+2"));
+}
+
+TEST_F(RecorderDesktopTest, AnotherTabLetsGoOfTheKeyboard) {
+    record();
+
+    showTab("General");
+
+    EXPECT_TRUE(becomesFree());
+}
+
+TEST_F(RecorderDesktopTest, AnotherWindowLetsGoOfTheKeyboard) {
+    record();
+
+    observer.activate(other.open());
+
+    EXPECT_TRUE(becomesFree());
+    EXPECT_TRUE(comesToSay(recorder, "Ctrl+Alt+2"));
+}
+
+TEST_F(RecorderDesktopTest, ClosingTheWindowLetsGoOfTheKeyboardAndEndsTheRecording) {
+    record();
+
+    observer.sendToRoot(window, "_NET_CLOSE_WINDOW", {XCB_CURRENT_TIME, 2, 0, 0, 0});
+
+    EXPECT_TRUE(becomesFree());
+    openSettings();
+    EXPECT_TRUE(comesToSay(button("Snap to Zone 2"), "Ctrl+Alt+2"));
+}
+
+TEST_F(RecorderDesktopTest, AKilledProgramLetsGoOfTheKeyboard) {
+    record();
+
+    program->process().kill();
+
+    EXPECT_TRUE(becomesFree());
+}
+
+} // namespace
+} // namespace tessarel::x11test

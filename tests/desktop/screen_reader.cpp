@@ -1,0 +1,165 @@
+#include "desktop/screen_reader.h"
+
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusVariant>
+
+#include <algorithm>
+#include <cstdint>
+#include <stdexcept>
+#include <utility>
+
+namespace tessarel::x11test {
+
+namespace {
+
+constexpr const char* kAccessible = "org.a11y.atspi.Accessible";
+constexpr const char* kAction = "org.a11y.atspi.Action";
+constexpr const char* kComponent = "org.a11y.atspi.Component";
+constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
+constexpr std::uint32_t kOfTheScreen = 0;
+
+// Positions of the states.
+constexpr unsigned kEnabled = 8;
+constexpr unsigned kFocusable = 11;
+constexpr unsigned kFocused = 12;
+constexpr unsigned kShowing = 25;
+
+QDBusConnection connect(const QString& address) {
+    const QDBusConnection connection = QDBusConnection::connectToBus(address, address);
+    if (!connection.isConnected())
+        throw std::runtime_error("no bus at " + address.toStdString());
+    return connection;
+}
+
+/// The words that stand in a list on the bus.
+std::vector<std::uint32_t> words(const QVariant& list) {
+    std::vector<std::uint32_t> all;
+    const auto argument = list.value<QDBusArgument>();
+    if (argument.currentType() != QDBusArgument::ArrayType)
+        return all;
+    argument.beginArray();
+    while (!argument.atEnd()) {
+        quint32 word = 0;
+        argument >> word;
+        all.push_back(word);
+    }
+    argument.endArray();
+    return all;
+}
+
+Frame frameOf(const QVariant& extents) {
+    Frame frame;
+    const auto argument = extents.value<QDBusArgument>();
+    if (argument.currentType() != QDBusArgument::StructureType)
+        return frame;
+    argument.beginStructure();
+    argument >> frame.x >> frame.y >> frame.width >> frame.height;
+    argument.endStructure();
+    return frame;
+}
+
+} // namespace
+
+ScreenReader::ScreenReader(Environment environment)
+    : m_environment(std::move(environment)),
+      m_sessionBus({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address",
+                    "--address=unix:dir=" + m_environment.at("XDG_RUNTIME_DIR")},
+                   m_environment),
+      m_connection(connect(QString::fromStdString(m_sessionBus.readLine()))) {
+    m_environment["DBUS_SESSION_BUS_ADDRESS"] = m_connection.name().toStdString();
+    m_environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1";
+    const QVariant address = call({"org.a11y.Bus", "/org/a11y/bus"}, "org.a11y.Bus", "GetAddress");
+    m_connection = connect(address.toString());
+}
+
+ScreenReader::~ScreenReader() {
+    QDBusConnection::disconnectFromBus(m_connection.name());
+}
+
+QVariant ScreenReader::call(const Reference& object, const char* interface, const char* method,
+                            const QList<QVariant>& arguments) const {
+    auto message = QDBusMessage::createMethodCall(object.service, object.path, QLatin1String(interface),
+                                                  QLatin1String(method));
+    message.setArguments(arguments);
+    return m_connection.call(message).arguments().value(0); // none from what has gone meanwhile
+}
+
+std::string ScreenReader::property(const Reference& object, const char* name) const {
+    const QVariant value =
+        call(object, kProperties, "Get", {QLatin1String(kAccessible), QLatin1String(name)});
+    return value.value<QDBusVariant>().variant().toString().toStdString();
+}
+
+std::vector<ScreenReader::Reference> ScreenReader::children(const Reference& object) const {
+    std::vector<Reference> all;
+    const auto list = call(object, kAccessible, "GetChildren").value<QDBusArgument>();
+    if (list.currentType() != QDBusArgument::ArrayType)
+        return all;
+    list.beginArray();
+    while (!list.atEnd()) {
+        Reference child;
+        QDBusObjectPath path;
+        list.beginStructure();
+        list >> child.service >> path;
+        list.endStructure();
+        child.path = path.path();
+        all.push_back(child);
+    }
+    list.endArray();
+    return all;
+}
+
+Accessible ScreenReader::describe(const Reference& object) const {
+    const std::vector<std::uint32_t> states = words(call(object, kAccessible, "GetState"));
+    const auto has = [&](unsigned state) { return !states.empty() && (states.front() >> state & 1U) != 0; };
+    return {.service = object.service.toStdString(),
+            .path = object.path.toStdString(),
+            .name = property(object, "Name"),
+            .description = property(object, "Description"),
+            .role = call(object, kAccessible, "GetRoleName").toString().toStdString(),
+            .isEnabled = has(kEnabled),
+            .isFocusable = has(kFocusable),
+            .isFocused = has(kFocused),
+            .isShowing = has(kShowing),
+            .frame = frameOf(call(object, kComponent, "GetExtents", {kOfTheScreen}))};
+}
+
+void ScreenReader::readInto(std::vector<Accessible>& parts, const Reference& object) const {
+    parts.push_back(describe(object));
+    for (const Reference& child : children(object))
+        readInto(parts, child);
+}
+
+std::vector<Accessible> ScreenReader::read(std::string_view application) const {
+    std::vector<Accessible> parts;
+    for (const Reference& program :
+         children({"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"})) {
+        if (property(program, "Name") != application)
+            continue;
+        for (const Reference& window : children(program))
+            readInto(parts, window);
+    }
+    return parts;
+}
+
+std::optional<Accessible> ScreenReader::find(std::string_view application, std::string_view role,
+                                             std::string_view name) const {
+    const std::vector<Accessible> parts = read(application);
+    const auto found = std::ranges::find_if(parts, [&](const Accessible& part) {
+        return part.isShowing && part.role == role && part.name == name;
+    });
+    return found == parts.end() ? std::nullopt : std::optional(*found);
+}
+
+Accessible ScreenReader::look(const Accessible& before) const {
+    return describe({QString::fromStdString(before.service), QString::fromStdString(before.path)});
+}
+
+bool ScreenReader::act(const Accessible& part) const {
+    const Reference object{QString::fromStdString(part.service), QString::fromStdString(part.path)};
+    return call(object, kAction, "DoAction", {0}).toBool();
+}
+
+} // namespace tessarel::x11test

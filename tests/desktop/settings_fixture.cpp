@@ -1,0 +1,70 @@
+#include "desktop/settings_fixture.h"
+
+#include <stdexcept>
+
+namespace tessarel::x11test {
+
+namespace {
+
+constexpr const char* kApplication = "Tessarel";
+constexpr const char* kWindowTitle = "Tessarel Settings";
+
+} // namespace
+
+SettingsDesktopTest::SettingsDesktopTest() {
+    writeSettings(server, R"({"hasOnboarded":true})");
+    program.emplace(reader.environment());
+}
+
+SettingsDesktopTest::~SettingsDesktopTest() {
+    if (program->running())
+        EXPECT_EQ(program->terminate(), 0) << program->errors();
+    EXPECT_EQ(program->errors().find("Sanitizer"), std::string::npos) << program->errors();
+}
+
+void SettingsDesktopTest::SetUp() {
+    ASSERT_TRUE(program->waitUntilReady(observer, keyboard)) << program->errors();
+    ASSERT_NO_FATAL_FAILURE(openSettings());
+}
+
+void SettingsDesktopTest::openSettings() {
+    Program second(reader.environment());
+    ASSERT_EQ(second.process().waitForExit(), 0);
+    ASSERT_TRUE(waitUntil([this] {
+        window = observer.activeWindow();
+        return window != XCB_WINDOW_NONE && observer.text(window, "_NET_WM_NAME") == kWindowTitle;
+    }));
+    ASSERT_TRUE(observer.settle());
+}
+
+void SettingsDesktopTest::showTab(const std::string& name) {
+    const Accessible tab = part("page tab", name);
+    click(tab);
+    ASSERT_TRUE(waitUntil([&] { return reader.look(tab).isFocused; })) << name;
+}
+
+Accessible SettingsDesktopTest::part(const std::string& role, const std::string& name) {
+    std::optional<Accessible> found;
+    const auto isFound = [&] {
+        found = reader.find(kApplication, role, name);
+        return found.has_value();
+    };
+    if (!waitUntil(isFound))
+        throw std::runtime_error("there is no " + role + " called " + name);
+    return *found;
+}
+
+void SettingsDesktopTest::click(const Accessible& target) {
+    mouse.moveTo(target.frame.x + target.frame.width / 2, target.frame.y + target.frame.height / 2);
+    mouse.press();
+    mouse.release();
+}
+
+testing::AssertionResult SettingsDesktopTest::comesToSay(const Accessible& target,
+                                                         const std::string& description) {
+    if (waitUntil([&] { return reader.look(target).description == description; }))
+        return testing::AssertionSuccess();
+    return testing::AssertionFailure() << target.name << " says " << reader.look(target).description;
+}
+
+} // namespace tessarel::x11test

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "desktop/screen_reader.h"
+#include "support/x11/keyboard.h"
+#include "support/x11/mouse.h"
+#include "support/x11/observer.h"
+#include "support/x11/program.h"
+#include "support/x11/test_client.h"
+#include "support/x11/window_manager.h"
+#include "support/x11/x_server.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tessarel::x11test {
+
+/// The running program and its settings window on a desktop, used with real keys and a real mouse, and read
+/// by a screen reader.
+class SettingsDesktopTest : public testing::Test {
+protected:
+    SettingsDesktopTest();
+    /// Ends the program in good order if it still runs.
+    ~SettingsDesktopTest() override;
+
+    void SetUp() override;
+
+    /// Starts the program once more, which opens the window, and waits until that has the focus.
+    void openSettings();
+    /// Shows a tab of the window.
+    void showTab(const std::string& name);
+
+    /// A showing part of the program's windows; waited for. Throws std::runtime_error when it does not come.
+    Accessible part(const std::string& role, const std::string& name);
+    Accessible button(const std::string& name) { return part("push button", name); }
+    void click(const Accessible& target);
+    /// Waits until `target` is described by `description`.
+    testing::AssertionResult comesToSay(const Accessible& target, const std::string& description);
+    /// Waits until `holds`.
+    [[nodiscard]] bool waitUntil(const std::function<bool()>& holds) { return observer.waitUntil(holds); }
+
+    XServer server;
+    WindowManager manager{server, WindowManagerKind::Openbox};
+    Observer observer{server.display()};
+    Keyboard keyboard{server, observer};
+    Mouse mouse{observer};
+    ScreenReader reader{server.environment()};
+    std::optional<Program> program;
+    xcb_window_t window = XCB_WINDOW_NONE; ///< that of the settings
+};
+
+} // namespace tessarel::x11test
