@@ -4,6 +4,7 @@
 #include "model/key_names.h"
 #include "settings_ui/fitted_text.h"
 #include "settings_ui/kit.h"
+#include "settings_ui/qt_text.h"
 
 #include <QFocusEvent>
 #include <QHideEvent>
@@ -12,18 +13,12 @@
 
 #include <algorithm>
 #include <optional>
-#include <string>
-#include <string_view>
 
 namespace tessarel {
 
 namespace {
 
 constexpr std::int64_t kEscape = 53;
-
-QString toQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 QString prompt() {
     return QStringLiteral("Press keys...");

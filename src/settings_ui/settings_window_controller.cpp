@@ -1,6 +1,7 @@
 #include "settings_ui/settings_window_controller.h"
 
 #include "model/config.h"
+#include "settings_ui/qt_text.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -28,7 +29,7 @@ constexpr Qt::WindowFlags kWindowFlags = Qt::Window | Qt::CustomizeWindowHint | 
                                          Qt::WindowCloseButtonHint;
 
 QString title() {
-    return QString::fromUtf8(Config::appName.data(), static_cast<qsizetype>(Config::appName.size())) +
+    return toQString(Config::appName) +
            QLatin1String(" Settings");
 }
 

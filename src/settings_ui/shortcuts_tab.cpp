@@ -4,6 +4,7 @@
 #include "model/app_settings.h"
 #include "model/key_names.h"
 #include "settings_ui/kit.h"
+#include "settings_ui/qt_text.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -12,7 +13,6 @@
 
 #include <cstddef>
 #include <optional>
-#include <string_view>
 
 namespace tessarel {
 
@@ -23,10 +23,6 @@ constexpr int kActions = static_cast<int>(ActionID::allCases.size());
 
 ActionID actionAt(int tag) {
     return ActionID::allCases.at(static_cast<std::size_t>(tag));
-}
-
-QString toQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 QString help(const ModifierNames& names) {
