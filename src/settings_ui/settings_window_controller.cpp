@@ -29,8 +29,7 @@ constexpr Qt::WindowFlags kWindowFlags = Qt::Window | Qt::CustomizeWindowHint | 
                                          Qt::WindowCloseButtonHint;
 
 QString title() {
-    return toQString(Config::appName) +
-           QLatin1String(" Settings");
+    return toQString(Config::appName) + QLatin1String(" Settings");
 }
 
 /// Moves `window` into the middle of the screen that the pointer is on, its title in any case on it.
