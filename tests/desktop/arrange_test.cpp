@@ -16,16 +16,15 @@ protected:
         EXPECT_EQ(desktop.settledFrame(window, zoneFrame(number)), zoneFrame(number)) << "zone " << number;
     }
 
-    /// Expects that arranging leaves `excluded` where it is, and the window in front of it does not.
-    void expectLeftAlone(xcb_window_t excluded) {
+    /// Expects that arranging leaves `excluded` at `home`, and the window in front of it not where it is.
+    void expectLeftAlone(xcb_window_t excluded, const Frame& home) {
         const xcb_window_t other = openAt(300, 250);
-        ASSERT_TRUE(desktop.observer().settle());
-        const auto before = desktop.observer().clientFrame(excluded);
 
         desktop.press(kArrange);
 
         expectInZone(other, 1);
-        EXPECT_EQ(desktop.observer().clientFrame(excluded), before);
+        // A manager that shows how a window is minimised moves its frame about for a while.
+        EXPECT_TRUE(desktop.observer().waitUntil([&] { return desktop.frame(excluded) == home; }));
     }
 };
 
@@ -67,11 +66,12 @@ TEST_P(ArrangeTest, EachWindowGoesBackToItsOwnPlace) {
 
 TEST_P(ArrangeTest, AMinimizedWindowIsLeftAlone) {
     const xcb_window_t minimized = openAt(100, 100);
+    const Frame home = desktop.frame(minimized);
     desktop.observer().iconify(minimized);
     ASSERT_TRUE(desktop.observer().waitUntil(
         [&] { return desktop.observer().hasState(minimized, "_NET_WM_STATE_HIDDEN"); }));
 
-    expectLeftAlone(minimized);
+    expectLeftAlone(minimized, home);
 
     EXPECT_TRUE(desktop.observer().hasState(minimized, "_NET_WM_STATE_HIDDEN"));
 }
@@ -80,7 +80,7 @@ TEST_P(ArrangeTest, AWindowThatCannotBeSeenIsLeftAlone) {
     const xcb_window_t transparent = openAt(100, 100);
     client.setCardinals(transparent, "_NET_WM_WINDOW_OPACITY", {0});
 
-    expectLeftAlone(transparent);
+    expectLeftAlone(transparent, desktop.frame(transparent));
 }
 
 TEST_P(ArrangeTest, WindowsTakeTheZonesFrontToBack) {
@@ -108,7 +108,7 @@ TEST_P(ArrangeDesktopsTest, AWindowOfAnotherDesktopIsLeftAlone) {
         return desktop.observer().values(elsewhere, "_NET_WM_DESKTOP") == std::vector<std::uint32_t>{1};
     }));
 
-    expectLeftAlone(elsewhere);
+    expectLeftAlone(elsewhere, desktop.frame(elsewhere));
 }
 
 INSTANTIATE_TEST_SUITE_P(Several, ArrangeDesktopsTest,

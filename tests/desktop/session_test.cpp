@@ -46,7 +46,26 @@ TEST_F(SessionTest, ASecondStartEndsAtOnceAndTheFirstGoesOn) {
     Program second(desktop.server());
     EXPECT_EQ(second.process().waitForExit(), 0);
 
+    ASSERT_TRUE(desktop.observer().waitUntil([&] { return desktop.observer().activeWindow() != window; }));
+    ASSERT_TRUE(desktop.activate(window));
     expectSnap(window, 1);
+    EXPECT_TRUE(desktop.stop());
+}
+
+TEST_F(SessionTest, TheProgramsOwnWindowIsNotSnapped) {
+    ASSERT_TRUE(desktop.start());
+    const xcb_window_t window = desktop.open(client);
+    Program second(desktop.server());
+    EXPECT_EQ(second.process().waitForExit(), 0);
+    ASSERT_TRUE(desktop.observer().waitUntil([&] { return desktop.observer().activeWindow() != window; }));
+    const xcb_window_t settings = desktop.observer().activeWindow();
+    const Frame before = desktop.frame(settings);
+
+    desktop.press(hotkey::zone(1));
+    ASSERT_TRUE(desktop.activate(window));
+    expectSnap(window, 2); // by when the first press has been answered, too
+
+    EXPECT_EQ(desktop.frame(settings), before);
     EXPECT_TRUE(desktop.stop());
 }
 
