@@ -22,6 +22,18 @@ protected:
         EXPECT_EQ(desktop.settledFrame(window, wanted), wanted) << "zone " << number;
     }
 
+    /// Goes back from the program's own window to `window` and snaps that one, as often as it takes: Qt may
+    /// ask for the focus once more when its window has come up.
+    void expectSnapInFront(xcb_window_t window, int number) {
+        const Frame wanted = zoneFrame(number);
+        EXPECT_TRUE(desktop.observer().waitUntil([&] {
+            EXPECT_TRUE(desktop.activate(window));
+            desktop.press(hotkey::zone(number));
+            return desktop.frame(window) == wanted;
+        })) << "zone "
+            << number;
+    }
+
     std::string storedSettings() {
         std::ifstream file(settingsFile(desktop.server()));
         return {std::istreambuf_iterator<char>(file), {}};
@@ -47,8 +59,7 @@ TEST_F(SessionTest, ASecondStartEndsAtOnceAndTheFirstGoesOn) {
     EXPECT_EQ(second.process().waitForExit(), 0);
 
     ASSERT_TRUE(desktop.observer().waitUntil([&] { return desktop.observer().activeWindow() != window; }));
-    ASSERT_TRUE(desktop.activate(window));
-    expectSnap(window, 1);
+    expectSnapInFront(window, 1);
     EXPECT_TRUE(desktop.stop());
 }
 
@@ -62,8 +73,7 @@ TEST_F(SessionTest, TheProgramsOwnWindowIsNotSnapped) {
     const Frame before = desktop.frame(settings);
 
     desktop.press(hotkey::zone(1));
-    ASSERT_TRUE(desktop.activate(window));
-    expectSnap(window, 2); // by when the first press has been answered, too
+    expectSnapInFront(window, 2); // by when the first press has been answered, too
 
     EXPECT_EQ(desktop.frame(settings), before);
     EXPECT_TRUE(desktop.stop());
