@@ -33,7 +33,7 @@ Qt::CursorShape cursorFor(const ZoneEdges& edges) {
 /// To a screen reader a bare widget is empty space; this one is a picture.
 QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* object) {
     auto* const view = dynamic_cast<ZoneEditorView*>(object);
-    return view ? new QAccessibleWidget(view, QAccessible::Canvas) : nullptr;
+    return view ? new QAccessibleWidget(view, QAccessible::Graphic) : nullptr;
 }
 
 template <class... Arguments>
