@@ -50,7 +50,6 @@ void ApplicationWatch::begin() {
     if (std::exchange(m_isWanted, true))
         return;
     (void)update();
-    // A number that the manager still tells of a closed window may be another program's by now.
     const auto active = m_known.find(m_windows.activeWindow());
     m_active = active == m_known.end() ? 0 : active->second.pid;
 }
@@ -60,14 +59,15 @@ void ApplicationWatch::note(const Connection::Event& event) {
         m_isOutdated = true;
 }
 
-/// Managers may name a window as the active one before they list it, so the list comes first.
+/// Managers may name a window as the active one before they list it: nobody is in front of it until then.
 void ApplicationWatch::follow(const Connection::Event& event) {
     const auto changed = changedProperty(event, m_connection.root());
     if (!m_isWanted || !changed)
         return;
     if (m_isOutdated)
         tell(update());
-    if (changed == m_connection.atom(Atom::NetActiveWindow))
+    if (changed == m_connection.atom(Atom::NetActiveWindow) ||
+        changed == m_connection.atom(Atom::NetClientList))
         followActive();
 }
 

@@ -11,13 +11,7 @@ namespace tessarel::x11 {
 
 namespace {
 
-constexpr std::uint32_t kMostWindows = 4096;
 constexpr std::uint32_t kMostActiveWindows = 16; // there is one, but some managers add an empty second
-
-xcb_get_property_cookie_t requestWindows(Connection& connection, Atom list) {
-    return requestProperty(connection, connection.root(), connection.atom(list), XCB_ATOM_WINDOW,
-                           kMostWindows);
-}
 
 xcb_get_property_cookie_t requestActiveWindow(Connection& connection) {
     return requestProperty(connection, connection.root(), connection.atom(Atom::NetActiveWindow),
@@ -28,6 +22,33 @@ xcb_window_t activeWindowIn(const PropertyReply& reply) {
     const auto active = values(reply);
     return active.empty() ? xcb_window_t{XCB_WINDOW_NONE} : active.front();
 }
+
+/// The question which windows are managed, sent and not answered yet. Collected once.
+class ListRequest {
+public:
+    explicit ListRequest(Connection& connection)
+        : m_connection(connection), m_stacking(requestWindowList(connection, Atom::NetClientListStacking)),
+          m_list(requestWindowList(connection, Atom::NetClientList)) {}
+
+    /// The front-most first.
+    [[nodiscard]] std::vector<xcb_window_t> collect() {
+        const auto stacking = propertyReply(m_connection, m_stacking);
+        const auto list = propertyReply(m_connection, m_list);
+        // Both, for a manager may leave the first one out while there is a single window.
+        std::vector<xcb_window_t> windows;
+        std::unordered_set<xcb_window_t> seen{XCB_WINDOW_NONE};
+        for (const auto bottomToTop : {values(stacking), values(list)}) {
+            std::copy_if(bottomToTop.rbegin(), bottomToTop.rend(), std::back_inserter(windows),
+                         [&](xcb_window_t window) { return seen.insert(window).second; });
+        }
+        return windows;
+    }
+
+private:
+    Connection& m_connection;
+    xcb_get_property_cookie_t m_stacking;
+    xcb_get_property_cookie_t m_list;
+};
 
 } // namespace
 
@@ -95,43 +116,38 @@ void ClientWindows::startTurn() {
         m_pids.clear();
 }
 
+/// A manager may go on naming a window that has closed, whose number may be another one's by now.
 xcb_window_t ClientWindows::activeWindow() {
     startTurn();
     if (m_active)
         return *m_active;
     const auto cookie = requestActiveWindow(m_connection);
+    std::optional<ListRequest> list;
+    if (!m_frontToBack)
+        list.emplace(m_connection);
     std::optional<Questions> guess;
     if (m_lastActive != XCB_WINDOW_NONE)
         guess.emplace(*this, m_lastActive);
     const auto active = propertyReply(m_connection, cookie);
+    if (list)
+        m_frontToBack = list->collect();
     if (guess)
         guess->collect();
     m_lastActive = activeWindowIn(active);
-    m_active = m_lastActive;
-    return m_lastActive;
+    const bool isManaged = std::ranges::find(*m_frontToBack, m_lastActive) != m_frontToBack->end();
+    m_active = isManaged ? m_lastActive : xcb_window_t{XCB_WINDOW_NONE};
+    return *m_active;
 }
 
 const std::vector<xcb_window_t>& ClientWindows::frontToBack() {
     startTurn();
-    if (m_frontToBack)
-        return *m_frontToBack;
-    const auto stackingCookie = requestWindows(m_connection, Atom::NetClientListStacking);
-    const auto listCookie = requestWindows(m_connection, Atom::NetClientList);
-    const auto stacking = propertyReply(m_connection, stackingCookie);
-    const auto list = propertyReply(m_connection, listCookie);
-
-    // Both, for a manager may leave the first one out while there is a single window.
-    std::vector<xcb_window_t>& windows = m_frontToBack.emplace();
-    std::unordered_set<xcb_window_t> seen{XCB_WINDOW_NONE};
-    for (const auto bottomToTop : {values(stacking), values(list)}) {
-        std::copy_if(bottomToTop.rbegin(), bottomToTop.rend(), std::back_inserter(windows),
-                     [&](xcb_window_t window) { return seen.insert(window).second; });
-    }
+    if (!m_frontToBack)
+        m_frontToBack = ListRequest(m_connection).collect();
     return *m_frontToBack;
 }
 
 std::vector<xcb_window_t> ClientWindows::managed() {
-    const auto list = propertyReply(m_connection, requestWindows(m_connection, Atom::NetClientList));
+    const auto list = propertyReply(m_connection, requestWindowList(m_connection, Atom::NetClientList));
     const auto windows = values(list);
     return {windows.begin(), windows.end()};
 }

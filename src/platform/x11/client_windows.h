@@ -20,8 +20,8 @@ public:
     ClientWindows& operator=(const ClientWindows&) = delete;
     ~ClientWindows() = default;
 
-    /// The window with the keyboard focus, or XCB_WINDOW_NONE. All about it comes along with the answer,
-    /// unless the focus has moved since it was last heard of.
+    /// The managed window with the keyboard focus, or XCB_WINDOW_NONE. All about it comes along with the
+    /// answer, unless the focus has moved since it was last heard of.
     [[nodiscard]] xcb_window_t activeWindow();
     /// All managed windows, the front-most first.
     [[nodiscard]] const std::vector<xcb_window_t>& frontToBack();

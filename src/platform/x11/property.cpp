@@ -12,6 +12,7 @@ namespace {
 
 constexpr std::uint8_t kWords = 32;
 constexpr std::uint8_t kBytes = 8;
+constexpr std::uint32_t kMostWindows = 0x10000;
 
 bool isWhole(const PropertyReply& reply, std::uint8_t format) {
     return reply && reply->format == format && reply->bytes_after == 0;
@@ -83,6 +84,11 @@ std::string latin1ToUtf8(const std::string& text) {
 xcb_get_property_cookie_t requestProperty(Connection& connection, xcb_window_t window, xcb_atom_t property,
                                           xcb_atom_t type, std::uint32_t maximum) {
     return xcb_get_property(connection.xcb(), 0, window, property, type, 0, maximum);
+}
+
+xcb_get_property_cookie_t requestWindowList(Connection& connection, Atom list) {
+    return requestProperty(connection, connection.root(), connection.atom(list), XCB_ATOM_WINDOW,
+                           kMostWindows);
 }
 
 PropertyReply propertyReply(Connection& connection, xcb_get_property_cookie_t cookie) {

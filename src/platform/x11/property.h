@@ -16,6 +16,10 @@ using PropertyReply = Reply<xcb_get_property_reply_t>;
                                                         xcb_atom_t property, xcb_atom_t type,
                                                         std::uint32_t maximum);
 
+/// Asks for a list of windows that the manager keeps on the root window; longer than on any real desktop, it
+/// has no values.
+[[nodiscard]] xcb_get_property_cookie_t requestWindowList(Connection& connection, Atom list);
+
 [[nodiscard]] PropertyReply propertyReply(Connection& connection, xcb_get_property_cookie_t cookie);
 
 /// The 32-bit values of a property. Anybody may set anything: a property of another type or format, or longer

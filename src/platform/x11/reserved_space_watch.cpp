@@ -12,7 +12,6 @@ namespace tessarel::x11 {
 
 namespace {
 
-constexpr std::uint32_t kMostWindows = 4096;
 constexpr std::uint32_t kMostTypes = 64;
 constexpr std::uint32_t kMostDesktops = 64;
 constexpr std::uint32_t kValuesPerRectangle = 4;
@@ -138,11 +137,9 @@ void ReservedSpaceWatch::refresh() {
     m_isCurrent = true; // an event in the middle of the answers makes it false again
     if (std::exchange(m_strutsOutdated, false))
         m_struts.clear();
-    const xcb_window_t root = m_connection.root();
-    const auto clientsCookie = requestProperty(m_connection, root, m_connection.atom(Atom::NetClientList),
-                                               XCB_ATOM_WINDOW, kMostWindows);
+    const auto clientsCookie = requestWindowList(m_connection, Atom::NetClientList);
     const auto desktopCookie =
-        requestNumbers(m_connection, root, m_connection.atom(Atom::NetCurrentDesktop), 1);
+        requestNumbers(m_connection, m_connection.root(), m_connection.atom(Atom::NetCurrentDesktop), 1);
     const ManagersAreasRequest areasOfLast(m_connection, areasAtom(m_desktop));
     const auto clients = propertyReply(m_connection, clientsCookie);
     const auto desktop = propertyReply(m_connection, desktopCookie);

@@ -65,6 +65,19 @@ TEST_F(ApplicationWatchTest, AnApplicationIsLaunchedWithItsFirstWindowAndThenAct
     EXPECT_EQ(take(), (Lines{"launched Editor", "activated Editor"}));
 }
 
+TEST_F(ApplicationWatchTest, AWindowThatIsActiveBeforeItIsListedIsLaunchedBeforeItIsActivated) {
+    const xcb_window_t window = client.open({.className = "Editor", .overrideRedirect = true});
+    const std::string number(reinterpret_cast<const char*>(&window), sizeof(window));
+    client.setProperty(observer.root(), "_NET_ACTIVE_WINDOW", "WINDOW", 32, number);
+    settle();
+    EXPECT_EQ(take(), Lines{});
+
+    client.setProperty(observer.root(), "_NET_CLIENT_LIST", "WINDOW", 32, number);
+    settle();
+    EXPECT_EQ(take(), (Lines{"launched Editor", "activated Editor"}));
+    client.setProperty(observer.root(), "_NET_CLIENT_LIST", "WINDOW", 32, "");
+}
+
 TEST_F(ApplicationWatchTest, AFurtherWindowIsOpened) {
     (void)open({.className = "Editor"});
     (void)take();

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -149,7 +150,8 @@ TEST_F(HostileClientTest, WindowsThatDoNotExistHaveNoValues) {
     ClientWindows clientWindows(listener.connection());
     Placement placement(listener.connection(), clientWindows);
     constexpr xcb_window_t kNoSuchWindow = 0x7F7F7F7F;
-    liar.setProperty(bare.observer.root(), "_NET_ACTIVE_WINDOW", "WINDOW", 32, "\x7F\x7F\x7F\x7F");
+    for (const char* name : {"_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST"})
+        liar.setProperty(bare.observer.root(), name, "WINDOW", 32, "\x7F\x7F\x7F\x7F");
     listener.hear();
 
     EXPECT_EQ(clientWindows.activeWindow(), kNoSuchWindow);
@@ -158,7 +160,37 @@ TEST_F(HostileClientTest, WindowsThatDoNotExistHaveNoValues) {
     EXPECT_EQ(clientWindows.traits(kNoSuchWindow).type, WindowType::Unspecified);
     placement.place(kNoSuchWindow, {.origin = Point{1, 2}, .size = Size{3, 4}});
 
-    liar.setProperty(bare.observer.root(), "_NET_ACTIVE_WINDOW", "WINDOW", 32, "");
+    for (const char* name : {"_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST"})
+        liar.setProperty(bare.observer.root(), name, "WINDOW", 32, "");
+}
+
+/// A desktop whose lists of windows hold one hundred times as many as any screen.
+class LongListTest : public HostileClientTest {
+protected:
+    LongListTest() : last(liar.open()) {
+        std::vector<xcb_window_t> windows(10'000);
+        std::iota(windows.begin(), windows.end(), xcb_window_t{0x7F000000});
+        windows.push_back(last);
+        listWindows({reinterpret_cast<const char*>(windows.data()), windows.size() * sizeof(xcb_window_t)});
+    }
+    ~LongListTest() override { listWindows(""); }
+
+    void listWindows(const std::string& bytes) {
+        liar.setProperty(bare.observer.root(), "_NET_CLIENT_LIST", "WINDOW", 32, bytes);
+        listener.hear();
+    }
+
+    SharedDesktop& bare = SharedDesktop::withoutManager();
+    x11test::TestClient liar{bare.server};
+    ConnectionDriver listener{bare.server.display()};
+    ClientWindows clientWindows{listener.connection()};
+    xcb_window_t last;
+};
+
+TEST_F(LongListTest, EveryWindowOfItIsKnown) {
+    EXPECT_EQ(clientWindows.managed().size(), 10'001U);
+    EXPECT_EQ(clientWindows.frontToBack().size(), 10'001U);
+    EXPECT_EQ(clientWindows.windowsOf(liar.pid()), std::vector{last});
 }
 
 } // namespace

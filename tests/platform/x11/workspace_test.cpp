@@ -96,6 +96,15 @@ TEST_F(WorkspaceTest, AnApplicationIsKnownByItsFrontWindow) {
     EXPECT_EQ(workspace.runningApplication(client.pid()), (RunningApplication{client.pid(), "Second"}));
 }
 
+TEST_F(WorkspaceTest, AWindowThatNobodyManagesIsNotInFront) {
+    const xcb_window_t menu = client.open({.overrideRedirect = true});
+    const std::string bytes(reinterpret_cast<const char*>(&menu), sizeof(menu));
+    client.setProperty(observer.root(), "_NET_ACTIVE_WINDOW", "WINDOW", 32, bytes);
+    settle();
+
+    EXPECT_FALSE(workspace.frontmostApplication());
+}
+
 TEST_F(WorkspaceTest, AProcessWithoutWindowsIsNoApplication) {
     EXPECT_FALSE(workspace.runningApplication(client.pid()));
     EXPECT_FALSE(workspace.runningApplication(0));
