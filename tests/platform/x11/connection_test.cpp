@@ -28,6 +28,7 @@ protected:
     ConnectionTest() {
         xcb_grab_key(connection->xcb(), 1, connection->root(), XCB_MOD_MASK_ANY, XCB_GRAB_ANY,
                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+        roundTrip(); // the hand presses over another connection
         settleQueue();
     }
 
