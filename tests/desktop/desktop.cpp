@@ -163,10 +163,19 @@ bool Desktop::addStates(xcb_window_t window, const std::vector<std::string>& sta
     const auto has = [&](const std::string& state) { return m_observer.hasState(window, state); };
     m_observer.changeState(window, StateChange::Add, states.front(),
                            states.size() > 1 ? states.back() : std::string());
-    if (!m_observer.waitUntil([&] { return std::all_of(states.begin(), states.end(), has); }))
-        return false;
+    const auto hasAll = [&] { return std::all_of(states.begin(), states.end(), has); };
     // Some managers tell the state first and put off the rest until they have nothing else to do.
-    return m_observer.settle() && m_observer.settle() && m_observer.settle();
+    return m_observer.waitUntil([&] { return hasAll() && isAsLargeAsItsStates(window); }) &&
+           m_observer.settle();
+}
+
+bool Desktop::isAsLargeAsItsStates(xcb_window_t window) {
+    const Frame area = usableArea();
+    const Frame now = frame(window);
+    const bool isWide = now.x <= area.x && now.right() >= area.right();
+    const bool isHigh = now.y <= area.y && now.bottom() >= area.bottom();
+    return (isWide || !m_observer.hasState(window, "_NET_WM_STATE_MAXIMIZED_HORZ")) &&
+           (isHigh || !m_observer.hasState(window, "_NET_WM_STATE_MAXIMIZED_VERT"));
 }
 
 bool Desktop::waitUntilWithout(xcb_window_t window, const std::vector<std::string>& states) {

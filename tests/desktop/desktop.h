@@ -92,6 +92,8 @@ public:
 
 private:
     [[nodiscard]] bool waitForPanel();
+    /// Whether a window reaches as far as it has to where it is maximised.
+    [[nodiscard]] bool isAsLargeAsItsStates(xcb_window_t window);
 
     XServer m_server;
     std::vector<Monitor> m_monitors;
