@@ -18,6 +18,9 @@ namespace tessarel::macos {
 /// Holds nothing when `text` is not UTF-8.
 [[nodiscard]] ObjcRef<NSString*> nsString(std::string_view text);
 
+/// Always a text: what is not UTF-8 is read as Latin-1, and control characters are spaces.
+[[nodiscard]] ObjcRef<NSString*> shownText(std::string_view text);
+
 /// UTF-8; empty for nil.
 [[nodiscard]] std::string stringFrom(NSString* text);
 

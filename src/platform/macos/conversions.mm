@@ -1,11 +1,33 @@
 #include "platform/macos/conversions.h"
 
+#include <algorithm>
+
 namespace tessarel::macos {
 
-ObjcRef<NSString*> nsString(std::string_view text) {
+namespace {
+
+ObjcRef<NSString*> decoded(std::string_view text, NSStringEncoding encoding) {
     return ObjcRef<NSString*>::adopt([[NSString alloc] initWithBytes:text.data()
                                                               length:text.size()
-                                                            encoding:NSUTF8StringEncoding]);
+                                                            encoding:encoding]);
+}
+
+bool isControl(char character) {
+    constexpr char kDelete = 0x7f;
+    return (character >= 0 && character < ' ') || character == kDelete;
+}
+
+} // namespace
+
+ObjcRef<NSString*> nsString(std::string_view text) {
+    return decoded(text, NSUTF8StringEncoding);
+}
+
+ObjcRef<NSString*> shownText(std::string_view text) {
+    std::string line(text);
+    std::replace_if(line.begin(), line.end(), isControl, ' ');
+    auto shown = decoded(line, NSUTF8StringEncoding);
+    return shown ? std::move(shown) : decoded(line, NSISOLatin1StringEncoding);
 }
 
 std::string stringFrom(NSString* text) {

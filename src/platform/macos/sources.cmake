@@ -7,11 +7,14 @@ set(MACOS_SOURCES
     elements.mm
     hot_keys.mm
     local_keys.mm
+    main_menu.mm
+    menu_rows.mm
     mouse.mm
     notification_observer.mm
     preferences.mm
     services.mm
     single_instance.mm
+    status_item.mm
     trust.mm
     window_list.mm
     workspace.mm)

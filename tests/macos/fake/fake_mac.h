@@ -70,11 +70,14 @@ struct Mac {
     std::map<std::string, std::string> defaults;
     long loginItemStatus = 0;
     std::optional<std::string> loginItemRefusal;
+    std::set<std::string> symbols; ///< names of the system's pictures
+    bool hasStatusButtons = true;
 
     std::vector<std::string> writes;   ///< attributes written, as in "window 3 AXSize 640x480"
     std::vector<double> waits;         ///< seconds waited for applications that do not answer
     std::vector<std::string> prompted; ///< options with which the permission was asked for
     std::vector<std::string> opened;   ///< addresses
+    std::vector<std::string> actions;  ///< sent to whatever has the keyboard focus
     int beeps = 0;
     int loginItemChanges = 0;
     int pressesForOthers = 0; ///< of keys that another program has claimed

@@ -39,6 +39,7 @@ std::vector<std::string> heldObjects() {
     describeObjects(lines);
     describeHotKeys(lines);
     describeMonitors(lines);
+    describeStatusItems(lines);
     return lines;
 }
 

@@ -11,6 +11,18 @@
 // What stands behind the references that the fake frameworks give out. Every one of these objects is counted
 // while it lives.
 
+namespace tessarel::fakemac {
+
+/// What makes the object that it is part of count.
+struct Counted {
+    Counted();
+    Counted(const Counted&) = delete;
+    Counted& operator=(const Counted&) = delete;
+    ~Counted();
+};
+
+} // namespace tessarel::fakemac
+
 @interface TSLFakeObject : NSObject
 - (CFTypeID)fakeTypeID;
 @end
@@ -89,6 +101,7 @@ bool pressHotKey(std::uint32_t keyCode, std::uint32_t mods);
 void describeObjects(std::vector<std::string>& lines);
 void describeHotKeys(std::vector<std::string>& lines);
 void describeMonitors(std::vector<std::string>& lines);
+void describeStatusItems(std::vector<std::string>& lines);
 void resetHotKeys();
 
 } // namespace tessarel::fakemac

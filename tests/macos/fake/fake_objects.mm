@@ -24,6 +24,17 @@ TSLFakeSource* checked(CFRunLoopRef loop, CFRunLoopSourceRef source) {
 
 } // namespace
 
+namespace tessarel::fakemac {
+
+Counted::Counted() {
+    ++liveObjects;
+}
+Counted::~Counted() {
+    --liveObjects;
+}
+
+} // namespace tessarel::fakemac
+
 @implementation TSLFakeObject
 - (instancetype)init {
     if ((self = [super init]))

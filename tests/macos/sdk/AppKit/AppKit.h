@@ -11,6 +11,10 @@ enum : NSEventMask {
     NSEventMaskKeyDown = 1ULL << 10,
 };
 typedef NSUInteger NSEventModifierFlags;
+enum : NSUInteger {
+    NSEventModifierFlagShift = 1UL << 17,
+    NSEventModifierFlagCommand = 1UL << 20,
+};
 @interface NSEvent : NSObject
 + (id)addGlobalMonitorForEventsMatchingMask:(NSEventMask)mask handler:(void (^)(NSEvent*))handler;
 + (id)addLocalMonitorForEventsMatchingMask:(NSEventMask)mask handler:(NSEvent* (^)(NSEvent*))handler;
@@ -56,3 +60,63 @@ SDK_EXTERN NSString* const NSWorkspaceDidTerminateApplicationNotification;
 @end
 
 SDK_EXTERN void NSBeep(void);
+
+@interface NSImage : NSObject
++ (NSImage*)imageWithSystemSymbolName:(NSString*)name
+             accessibilityDescription:(NSString*)description SDK_SINCE(11.0);
+- (BOOL)isTemplate; // as a property its name would be a keyword
+- (void)setTemplate:(BOOL)isTemplate;
+@end
+
+@class NSMenu;
+typedef NSInteger NSControlStateValue;
+enum : NSInteger { NSControlStateValueOff = 0, NSControlStateValueOn = 1 };
+@interface NSMenuItem : NSObject
++ (NSMenuItem*)separatorItem;
+- (instancetype)initWithTitle:(NSString*)title action:(SEL)action keyEquivalent:(NSString*)keyEquivalent;
+@property(assign) id target;
+@property SEL action;
+@property(strong) id representedObject;
+@property(getter=isEnabled) BOOL enabled;
+@property NSControlStateValue state;
+@property(strong) NSMenu* submenu;
+@property(copy) NSString* keyEquivalent;
+@property NSEventModifierFlags keyEquivalentModifierMask;
+@end
+
+@protocol NSMenuDelegate <NSObject>
+@optional
+- (void)menuNeedsUpdate:(NSMenu*)menu;
+@end
+
+@interface NSMenu : NSObject
+- (instancetype)initWithTitle:(NSString*)title;
+- (void)addItem:(NSMenuItem*)item;
+- (void)removeAllItems;
+@property BOOL autoenablesItems;
+@property(assign) id<NSMenuDelegate> delegate;
+@end
+
+@interface NSStatusBarButton : NSObject
+@property(strong) NSImage* image;
+@property(copy) NSString* title;
+@property BOOL appearsDisabled;
+@end
+
+@interface NSStatusItem : NSObject
+@property(readonly, strong) NSStatusBarButton* button SDK_SINCE(10.10);
+@property(strong) NSMenu* menu;
+@end
+
+static const CGFloat NSVariableStatusItemLength = -1;
+@interface NSStatusBar : NSObject
+@property(class, readonly, strong) NSStatusBar* systemStatusBar;
+- (NSStatusItem*)statusItemWithLength:(CGFloat)length;
+- (void)removeStatusItem:(NSStatusItem*)item;
+@end
+
+@interface NSApplication : NSObject
+@property(class, readonly, strong) NSApplication* sharedApplication;
+@property(strong) NSMenu* mainMenu;
+- (BOOL)sendAction:(SEL)action to:(id)target from:(id)sender;
+@end

@@ -19,7 +19,10 @@ typedef CGRect NSRect;
 typedef CGPoint NSPoint;
 typedef CGSize NSSize;
 typedef NSUInteger NSStringEncoding;
-enum : NSStringEncoding { NSUTF8StringEncoding = 4 };
+enum : NSStringEncoding {
+    NSUTF8StringEncoding = 4,
+    NSISOLatin1StringEncoding = 5,
+};
 
 @class NSArray, NSDictionary, NSString;
 
@@ -60,6 +63,8 @@ __attribute__((objc_root_class))
                        length:(NSUInteger)length
                      encoding:(NSStringEncoding)encoding;
 @end
+
+SDK_EXTERN SEL NSSelectorFromString(NSString* name);
 
 @interface NSNumber : NSObject <NSCopying>
 @property(readonly) BOOL boolValue;
