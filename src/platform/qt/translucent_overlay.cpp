@@ -1,0 +1,75 @@
+#include "platform/qt/translucent_overlay.h"
+
+#include "platform/qt/overlay_pixels.h"
+#include "platform/qt/translucent_surface.h"
+
+#include <QRect>
+
+#include <utility>
+#include <vector>
+
+namespace tessarel::qt {
+
+class TranslucentOverlay::Window : public OverlayWindow {
+public:
+    Window(MainQueuePort& queue, Conversion place, Preparation prepare)
+        : m_queue(queue), m_place(std::move(place)), m_prepare(std::move(prepare)),
+          m_self(std::make_shared<Window*>(this)) {}
+    ~Window() override { *m_self = nullptr; }
+
+    void setFrame(const Rect& screenFrame) override {
+        m_frame = pixels(m_place(screenFrame));
+        if (m_surface)
+            m_surface->setGeometry(m_frame);
+    }
+
+    void setFigures(const std::vector<OverlayFigure>& figures, const std::vector<Rect>& changed) override {
+        m_figures = figures;
+        if (m_surface)
+            m_surface->setFigures(figures, changed);
+    }
+
+    void orderFront() override {
+        ++m_showings;
+        if (!m_surface)
+            makeSurface();
+        m_surface->show();
+        m_surface->raise();
+    }
+
+    void orderOut() override {
+        if (!m_surface || !m_surface->isVisible())
+            return;
+        m_surface->hide();
+        m_queue.asyncAfter(kQuietTime, [self = m_self, showings = m_showings] {
+            if (*self && (*self)->m_showings == showings)
+                (*self)->m_surface.reset();
+        });
+    }
+
+private:
+    void makeSurface() {
+        m_surface = std::make_unique<TranslucentSurface>();
+        m_prepare(*m_surface);
+        m_surface->setGeometry(m_frame);
+        m_surface->setFigures(m_figures, {});
+    }
+
+    MainQueuePort& m_queue;
+    Conversion m_place;
+    Preparation m_prepare;
+    QRect m_frame;
+    std::vector<OverlayFigure> m_figures;
+    std::unique_ptr<TranslucentSurface> m_surface; // none before the first showing, or after a quiet time
+    unsigned m_showings = 0;
+    std::shared_ptr<Window*> m_self; // shared with work on the queue, which may outlive us
+};
+
+TranslucentOverlay::TranslucentOverlay(MainQueuePort& queue, Conversion place, Preparation prepare)
+    : m_queue(queue), m_place(std::move(place)), m_prepare(std::move(prepare)) {}
+
+std::unique_ptr<OverlayWindow> TranslucentOverlay::createWindow() {
+    return std::make_unique<Window>(m_queue, m_place, m_prepare);
+}
+
+} // namespace tessarel::qt

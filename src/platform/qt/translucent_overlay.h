@@ -1,0 +1,42 @@
+#pragma once
+
+#include "ports/main_queue_port.h"
+#include "ports/overlay_port.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+
+class QWidget;
+
+namespace tessarel::qt {
+
+/// Overlay windows of Qt's for a system on which every window may be translucent and which counts in the same
+/// units as Qt does, however many pixels a display has for each. Needs the application object from the first
+/// time that a window is shown.
+///
+/// The memory of what was shown is given back some time after a window has gone out.
+class TranslucentOverlay : public OverlayPort {
+public:
+    /// Answers where a rectangle in screen coordinates is for Qt, y down.
+    using Conversion = std::function<Rect(const Rect& screenFrame)>;
+
+    /// Gives a window, which has been made and not been shown, what Qt cannot give it.
+    using Preparation = std::function<void(QWidget& window)>;
+
+    static constexpr MainQueuePort::Duration kQuietTime = std::chrono::seconds(30);
+
+    /// `queue` and all that the functions use outlive the overlay and its windows.
+    TranslucentOverlay(MainQueuePort& queue, Conversion place, Preparation prepare);
+
+    [[nodiscard]] std::unique_ptr<OverlayWindow> createWindow() override;
+
+private:
+    class Window;
+
+    MainQueuePort& m_queue;
+    Conversion m_place;
+    Preparation m_prepare;
+};
+
+} // namespace tessarel::qt

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/qt/overlay_translucent.h"
+#include "ports/overlay_port.h"
+
+#include <QRegion>
+#include <QWidget>
+
+#include <vector>
+
+namespace tessarel::qt {
+
+/// A translucent window that figures are painted in: above all others, out of reach of mouse and keyboard.
+/// Its figures are in units of Qt's and painted as finely as the display can show them.
+class TranslucentSurface : public QWidget {
+public:
+    TranslucentSurface();
+
+    /// From now on shows `figures`; only those whose bounds touch `changed` are painted anew.
+    void setFigures(const std::vector<OverlayFigure>& figures, const std::vector<Rect>& changed);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    [[nodiscard]] QRect extent(const OverlayFigure& figure);
+    [[nodiscard]] QRegion extents(const std::vector<Rect>& areas);
+
+    std::vector<OverlayFigure> m_figures;
+    TranslucentFigures m_painted;
+};
+
+} // namespace tessarel::qt
