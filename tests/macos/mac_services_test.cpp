@@ -124,51 +124,11 @@ TEST_F(MacServicesTest, TheAlertSoundIsHeard) {
     EXPECT_EQ(fakemac::mac().beeps, 1);
 }
 
-TEST_F(MacServicesTest, AHelperIsNoRegularApplication) {
-    fakemac::launch(8, {.isRegular = false});
-
-    EXPECT_EQ(desktop->workspace.runningApplication(8), (RunningApplication{8, std::nullopt, false}));
-}
-
-TEST_F(MacServicesTest, AnApplicationWithoutAProcessIsNone) {
-    std::vector<ProcessId> told;
-    const auto observer =
-        desktop->workspace.addObserver(ApplicationEvent::Launched, [&](const RunningApplication& app) {
-            told.push_back(app.processIdentifier);
-        });
-
-    fakemac::launch(-1, {});
-    fakemac::launch(8, {});
-
-    EXPECT_EQ(told, std::vector<ProcessId>{8});
-    EXPECT_EQ(desktop->workspace.runningApplications().size(), 2U);
-}
-
-TEST_F(MacServicesTest, AWorkspaceObserverMayEndItselfWhenCalled) {
-    int told = 0;
-    SubscriptionPtr observer;
-    observer = desktop->workspace.addObserver(ApplicationEvent::Launched, [&](const RunningApplication&) {
-        ++told;
-        observer.reset();
-    });
-
-    fakemac::launch(8, {});
-    fakemac::launch(9, {});
-
-    EXPECT_EQ(told, 1);
-}
-
 TEST_F(MacServicesTest, WithoutDisplaysThereIsNoMainScreen) {
     fakemac::mac().displays.clear();
 
     EXPECT_TRUE(desktop->displays.screens().empty());
     EXPECT_FALSE(desktop->displays.mainScreen());
-}
-
-TEST_F(MacServicesTest, ABareExecutableFindsNoOtherCopy) {
-    fakemac::launch(8, {.bundleIdentifier = ""});
-
-    EXPECT_TRUE(desktop->singleInstance.claim([] {}));
 }
 
 TEST_F(MacServicesTest, TheWordsAreThoseOfAMac) {

@@ -6,6 +6,7 @@
 #include "platform/macos/local_keys.h"
 #include "platform/macos/main_menu.h"
 #include "platform/macos/mouse.h"
+#include "platform/macos/open_panel.h"
 #include "platform/macos/preferences.h"
 #include "platform/macos/services.h"
 #include "platform/macos/single_instance.h"
@@ -34,6 +35,7 @@ struct MacDesktop {
     MacLoginItem loginItem;
     MacMainMenu mainMenu;
     MacMouse mouse;
+    MacOpenPanel openPanel;
     MacOpenUrl openUrl;
     MacPreferences preferences;
     MacSingleInstance singleInstance;

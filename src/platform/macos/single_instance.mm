@@ -3,29 +3,52 @@
 #include "model/config.h"
 #include "platform/macos/conversions.h"
 #include "platform/macos/notification_observer.h"
+#include "platform/macos/reopen_requests.h"
 
 #import <AppKit/AppKit.h>
+#include <cstdint>
+#include <libproc.h>
 #include <memory>
+#include <optional>
 #include <string>
+#include <tuple>
 #include <utility>
 
 namespace tessarel::macos {
 
 namespace {
 
-bool anotherCopyRuns() {
+/// When a process started, to the microsecond, and its number: the lesser one was first.
+using Start = std::tuple<std::uint64_t, std::uint64_t, pid_t>;
+
+/// None for a process that has gone.
+std::optional<Start> startOf(pid_t pid) {
+    proc_bsdinfo info{};
+    if (proc_pidinfo(pid, PROC_PIDTBSDINFO, 0, &info, sizeof info) != static_cast<int>(sizeof info))
+        return {};
+    return Start{info.pbi_start_tvsec, info.pbi_start_tvusec, pid};
+}
+
+/// Copies that start together see each other: the first of them stays, and no other.
+bool anOlderCopyRuns() {
     NSString* const identifier = [[NSBundle mainBundle] bundleIdentifier];
     if (!identifier) // a bare executable, for which the system knows no others
         return false;
-    const pid_t own = [[NSProcessInfo processInfo] processIdentifier];
+    const auto own = startOf([[NSProcessInfo processInfo] processIdentifier]);
     for (NSRunningApplication* copy in
          [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier]) {
-        const pid_t pid = [copy processIdentifier];
-        if (pid > 0 && pid != own)
+        const auto start = startOf([copy processIdentifier]);
+        if (start && (!own || *start < *own))
             return true;
     }
     return false;
 }
+
+/// Whoever has opened the program again, it is told.
+struct Claim : Subscription {
+    SubscriptionPtr toldByCopies;
+    SubscriptionPtr toldBySystem;
+};
 
 } // namespace
 
@@ -33,13 +56,16 @@ SubscriptionPtr MacSingleInstance::claim(std::function<void()> reopened) {
     @autoreleasepool {
         const auto name = nsString(std::string(Config::bundleID) + ".reopen");
         NSDistributedNotificationCenter* const center = [NSDistributedNotificationCenter defaultCenter];
-        if (anotherCopyRuns()) {
+        if (anOlderCopyRuns()) {
             // At once: a program in the background would otherwise hear of it when it comes to the front.
             [center postNotificationName:name.get() object:nil userInfo:nil deliverImmediately:YES];
             return nullptr;
         }
-        return std::make_unique<NotificationObserver>(
-            center, name.get(), [reopened = std::move(reopened)](NSNotification*) { reopened(); });
+        auto claim = std::make_unique<Claim>();
+        claim->toldByCopies = std::make_unique<NotificationObserver>(
+            center, name.get(), [reopened](NSNotification*) { reopened(); });
+        claim->toldBySystem = onReopenRequested(std::move(reopened));
+        return claim;
     }
 }
 

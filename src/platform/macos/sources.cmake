@@ -11,7 +11,12 @@ set(MACOS_SOURCES
     menu_rows.mm
     mouse.mm
     notification_observer.mm
+    open_panel.mm
+    overlay_properties.mm
+    own_application.mm
     preferences.mm
+    reopen_requests.mm
+    running_applications.mm
     services.mm
     single_instance.mm
     status_item.mm

@@ -2,8 +2,8 @@
 
 #include "platform/macos/conversions.h"
 #include "platform/macos/notification_observer.h"
+#include "platform/macos/running_applications.h"
 
-#import <AppKit/AppKit.h>
 #include <string_view>
 #include <utility>
 
@@ -11,24 +11,9 @@ namespace tessarel::macos {
 
 namespace {
 
-std::optional<RunningApplication> runningFrom(NSRunningApplication* application) {
-    const pid_t pid = [application processIdentifier]; // 0 of nil, -1 of one that has no process
-    if (pid <= 0)
-        return {};
-    return RunningApplication{pid, optionalStringFrom([application bundleIdentifier]),
-                              [application activationPolicy] == NSApplicationActivationPolicyRegular};
-}
-
 NSString* nameOf(ApplicationEvent event) {
-    switch (event) {
-    case ApplicationEvent::Launched:
-        return NSWorkspaceDidLaunchApplicationNotification;
-    case ApplicationEvent::Activated:
-        return NSWorkspaceDidActivateApplicationNotification;
-    case ApplicationEvent::Terminated:
-        return NSWorkspaceDidTerminateApplicationNotification;
-    }
-    return nil;
+    return event == ApplicationEvent::Launched ? NSWorkspaceDidLaunchApplicationNotification
+                                               : NSWorkspaceDidActivateApplicationNotification;
 }
 
 std::string withoutExtension(std::string name) {
@@ -80,15 +65,23 @@ std::optional<std::string> MacWorkspace::displayName(const std::string& bundleId
 SubscriptionPtr MacWorkspace::addObserver(ApplicationEvent event,
                                           std::function<void(const RunningApplication&)> handler) {
     @autoreleasepool {
+        if (event == ApplicationEvent::Terminated)
+            return terminations()->add(std::move(handler));
         // Not the default centre: the workspace has its own.
         return std::make_unique<NotificationObserver>(
             [[NSWorkspace sharedWorkspace] notificationCenter], nameOf(event),
             [handler = std::move(handler)](NSNotification* notification) {
-                id const subject = [[notification userInfo] objectForKey:NSWorkspaceApplicationKey];
-                if (const auto running = runningFrom(as<NSRunningApplication>(subject)))
+                if (const auto running = runningFrom(subjectOf(notification)))
                     handler(*running);
             });
     }
+}
+
+std::shared_ptr<Terminations> MacWorkspace::terminations() {
+    auto present = m_terminations.lock();
+    if (!present)
+        m_terminations = present = std::make_shared<Terminations>();
+    return present;
 }
 
 ProcessId MacWorkspace::ownProcessIdentifier() {

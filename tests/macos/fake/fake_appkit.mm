@@ -73,6 +73,7 @@ NSString* const NSWorkspaceDidTerminateApplicationNotification =
 
 @interface TSLFakeApplication : NSRunningApplication {
 @public
+    pid_t started; // the process as which it was started
     pid_t pid;
     Application application;
 }
@@ -84,7 +85,7 @@ NSString* const NSWorkspaceDidTerminateApplicationNotification =
     if (found == mac().applications.end())
         return nil;
     TSLFakeApplication* const application = [[[TSLFakeApplication alloc] init] autorelease];
-    application->pid = pid;
+    application->started = application->pid = pid;
     application->application = found->second;
     return application;
 }
@@ -110,6 +111,13 @@ NSString* const NSWorkspaceDidTerminateApplicationNotification =
 @end
 
 @implementation TSLFakeApplication
+- (NSUInteger)hash {
+    return static_cast<NSUInteger>(started);
+}
+- (BOOL)isEqual:(id)other {
+    return
+        [other isKindOfClass:[TSLFakeApplication class]] && ((TSLFakeApplication*)other)->started == started;
+}
 @end
 
 @implementation NSWorkspace
@@ -316,11 +324,13 @@ void postApplicationNotification(NSString* name, pid_t pid) {
     }
 }
 
-void postTermination(pid_t pid) {
+void postTermination(pid_t pid, bool isNumbered) {
     @autoreleasepool {
         // The object is from before the end: it still knows what it was.
-        NSRunningApplication* const application =
-            [NSRunningApplication runningApplicationWithProcessIdentifier:pid];
+        TSLFakeApplication* const application =
+            (TSLFakeApplication*)[NSRunningApplication runningApplicationWithProcessIdentifier:pid];
+        if (!isNumbered)
+            application->pid = -1;
         mac().applications.erase(pid);
         [[[NSWorkspace sharedWorkspace] notificationCenter]
             postNotificationName:NSWorkspaceDidTerminateApplicationNotification

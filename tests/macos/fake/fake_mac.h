@@ -34,6 +34,7 @@ struct Window {
 };
 
 struct Application {
+    std::uint64_t startedAt = 0; ///< in microseconds; 0: at its launch
     std::optional<std::string> bundleIdentifier = {};
     bool isRegular = true;
     bool answers = true;         ///< false: whoever asks it something waits until the time limit
@@ -72,6 +73,8 @@ struct Mac {
     std::optional<std::string> loginItemRefusal;
     std::set<std::string> symbols; ///< names of the system's pictures
     bool hasStatusButtons = true;
+    std::optional<std::string> panelChoice;     ///< path that the user picks in a panel; none: cancels it
+    std::map<std::string, std::string> bundles; ///< identifiers, which may be empty, by path
 
     std::vector<std::string> writes;   ///< attributes written, as in "window 3 AXSize 640x480"
     std::vector<double> waits;         ///< seconds waited for applications that do not answer
@@ -80,7 +83,10 @@ struct Mac {
     std::vector<std::string> actions;  ///< sent to whatever has the keyboard focus
     int beeps = 0;
     int loginItemChanges = 0;
-    int pressesForOthers = 0; ///< of keys that another program has claimed
+    int activations = 0;                       ///< how often this program has come to the front
+    std::optional<long> activationPolicy = {}; ///< as this program has set it
+    std::vector<std::string> panels;           ///< shown, with what they offered
+    int pressesForOthers = 0;                  ///< of keys that another program has claimed
 };
 
 [[nodiscard]] Mac& mac();
@@ -90,8 +96,9 @@ void reset();
 [[nodiscard]] std::vector<std::string> heldObjects();
 
 void launch(ProcessId pid, const Application& application);
-/// Its windows go without a word, its notifications with it.
-void terminate(ProcessId pid);
+/// Its windows go without a word, its notifications with it. The system may not know its number any more when
+/// it tells of the end.
+void terminate(ProcessId pid, bool isNumbered = true);
 WindowNumber openWindow(const Window& window);
 void closeWindow(WindowNumber number);
 void focus(WindowNumber number);
@@ -104,6 +111,10 @@ void releaseLeftButton();
 
 /// A key, by virtual key code, with Carbon's modifier bits. `repeats`: it is held down.
 void pressKeys(std::uint32_t keyCode, std::uint32_t mods, bool repeats = false);
+/// The user opens this program, which runs already, once more: false when it does not care.
+bool openAgain();
+/// This program's loop has begun, and with it what the system itself does about events.
+void finishLaunching();
 void claimForAnotherProgram(std::uint32_t keyCode, std::uint32_t mods);
 /// Claims of this program, as "keyCode mods signature id".
 [[nodiscard]] std::vector<std::string> claims();

@@ -32,6 +32,7 @@ void reset() {
     [[maybe_unused]] static const bool once = initializeClasses();
     mac() = {};
     resetHotKeys();
+    resetReopening();
 }
 
 std::vector<std::string> heldObjects() {
@@ -40,21 +41,25 @@ std::vector<std::string> heldObjects() {
     describeHotKeys(lines);
     describeMonitors(lines);
     describeStatusItems(lines);
+    describeReopening(lines);
     return lines;
 }
 
 void launch(ProcessId pid, const Application& application) {
-    mac().applications[pid] = application;
+    static std::uint64_t now = 1'700'000'000'000'000;
+    Application& launched = mac().applications[pid] = application;
+    if (launched.startedAt == 0)
+        launched.startedAt = ++now;
     postApplicationNotification(NSWorkspaceDidLaunchApplicationNotification, pid);
 }
 
-void terminate(ProcessId pid) {
+void terminate(ProcessId pid, bool isNumbered) {
     const auto isIts = [&](WindowNumber number) { return mac().windows.at(number).pid == pid; };
     std::erase_if(mac().stacking, isIts);
     std::erase_if(mac().windows, [&](const auto& entry) { return entry.second.pid == pid; });
     if (mac().frontmost == pid)
         mac().frontmost = 0;
-    postTermination(pid);
+    postTermination(pid, isNumbered);
 }
 
 WindowNumber openWindow(const Window& window) {

@@ -144,6 +144,13 @@ std::vector<NSStatusItem*> statusItemsUp;
     mac().actions.push_back([NSStringFromSelector(action) UTF8String]);
     return YES;
 }
+- (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy {
+    mac().activationPolicy = policy;
+    return YES;
+}
+- (void)activateIgnoringOtherApps:(BOOL)ignoringOtherApps {
+    mac().activations += ignoringOtherApps ? 1 : 0; // it would wait for the user otherwise
+}
 @end
 
 #pragma clang diagnostic pop

@@ -92,7 +92,7 @@ void notify(TSLFakeElement* element, const std::string& notification);
 /// Lets the applications' notifications about `pid` out.
 void postApplicationNotification(NSString* name, pid_t pid);
 /// Ends the application, then tells of it.
-void postTermination(pid_t pid);
+void postTermination(pid_t pid, bool isNumbered);
 
 /// Whether somebody has claimed the keys, who then is told.
 bool pressHotKey(std::uint32_t keyCode, std::uint32_t mods);
@@ -102,6 +102,8 @@ void describeObjects(std::vector<std::string>& lines);
 void describeHotKeys(std::vector<std::string>& lines);
 void describeMonitors(std::vector<std::string>& lines);
 void describeStatusItems(std::vector<std::string>& lines);
+void describeReopening(std::vector<std::string>& lines);
 void resetHotKeys();
+void resetReopening();
 
 } // namespace tessarel::fakemac

@@ -1,7 +1,9 @@
 #include "macos/fake/fake_objects.h"
 
-#import <Foundation/Foundation.h>
+#import <AppKit/AppKit.h>
 #import <ServiceManagement/ServiceManagement.h>
+#include <cstdlib>
+#include <libproc.h>
 
 // The window server's list, the user's defaults, login items, and who this program is.
 
@@ -108,9 +110,32 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
 }
 @end
 
+/// Of a program on the disk, not of the one that runs.
+@interface TSLFakeBundle : NSBundle {
+@public
+    std::string identifier;
+}
+@end
+@implementation TSLFakeBundle
+- (instancetype)init {
+    return self; // without the files that the real one reads
+}
+- (NSString*)bundleIdentifier {
+    return identifier.empty() ? nil : autoreleased(identifier);
+}
+@end
+
 @interface NSBundle (TSLFake)
 @end
 @implementation NSBundle (TSLFake)
++ (instancetype)bundleWithURL:(NSURL*)url {
+    const auto found = mac().bundles.find([[url path] UTF8String]);
+    if (found == mac().bundles.end())
+        return nil;
+    TSLFakeBundle* const bundle = [[[TSLFakeBundle alloc] init] autorelease];
+    bundle->identifier = found->second;
+    return bundle;
+}
 - (NSString*)bundleIdentifier {
     return mac().ownBundleIdentifier ? autoreleased(*mac().ownBundleIdentifier) : nil;
 }
@@ -179,3 +204,83 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
     return [self changeTo:SMAppServiceStatusNotRegistered error:error];
 }
 @end
+
+int proc_pidinfo(int pid, int flavor, uint64_t argument, void* buffer, int size) {
+    const auto found = mac().applications.find(pid);
+    if (flavor != 3 || argument != 0 || size != static_cast<int>(sizeof(proc_bsdinfo)))
+        abort();
+    if (pid <= 0 || found == mac().applications.end())
+        return 0;
+    constexpr std::uint64_t kMicrosecondsPerSecond = 1'000'000;
+    *static_cast<proc_bsdinfo*>(buffer) = {found->second.startedAt / kMicrosecondsPerSecond,
+                                           found->second.startedAt % kMicrosecondsPerSecond};
+    return size;
+}
+
+NSString* const NSApplicationDidFinishLaunchingNotification = @"NSApplicationDidFinishLaunchingNotification";
+
+namespace {
+
+/// Who is told that the user opens the program again; it is not kept. The application itself when it is
+/// empty.
+struct Reopening {
+    id target = nil;
+    SEL selector = nullptr;
+};
+Reopening reopening;
+
+void checkIsReopening(uint32_t eventClass, uint32_t eventID) {
+    if (eventClass != 0x61657674 || eventID != 0x72617070)
+        abort();
+}
+
+} // namespace
+
+@implementation NSAppleEventManager (Events)
++ (NSAppleEventManager*)sharedAppleEventManager {
+    static NSAppleEventManager* const manager = [[NSAppleEventManager alloc] init];
+    return manager;
+}
+- (void)setEventHandler:(id)handler
+            andSelector:(SEL)selector
+          forEventClass:(uint32_t)eventClass
+             andEventID:(uint32_t)eventID {
+    checkIsReopening(eventClass, eventID);
+    reopening = {handler, selector};
+}
+- (void)removeEventHandlerForEventClass:(uint32_t)eventClass andEventID:(uint32_t)eventID {
+    checkIsReopening(eventClass, eventID);
+    reopening = {};
+}
+@end
+
+namespace tessarel::fakemac {
+
+bool openAgain() {
+    @autoreleasepool {
+        if (!reopening.target)
+            return false;
+        NSAppleEventDescriptor* const event = [[[NSAppleEventDescriptor alloc] init] autorelease];
+        [reopening.target performSelector:reopening.selector withObject:event withObject:event];
+        return true;
+    }
+}
+
+void finishLaunching() {
+    @autoreleasepool {
+        reopening = {}; // the application sets its own handlers
+        [[NSNotificationCenter defaultCenter] postNotificationName:NSApplicationDidFinishLaunchingNotification
+                                                            object:nil];
+    }
+}
+
+void describeReopening(std::vector<std::string>& lines) {
+    if (reopening.target)
+        lines.push_back("a handler for opening again");
+}
+
+void resetReopening() {
+    reopening = {};
+}
+
+} // namespace tessarel::fakemac

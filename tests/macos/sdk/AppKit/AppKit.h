@@ -115,8 +115,54 @@ static const CGFloat NSVariableStatusItemLength = -1;
 - (void)removeStatusItem:(NSStatusItem*)item;
 @end
 
+SDK_EXTERN NSString* const NSApplicationDidFinishLaunchingNotification;
 @interface NSApplication : NSObject
 @property(class, readonly, strong) NSApplication* sharedApplication;
 @property(strong) NSMenu* mainMenu;
 - (BOOL)sendAction:(SEL)action to:(id)target from:(id)sender;
+- (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy;
+- (void)activateIgnoringOtherApps:(BOOL)ignoringOtherApps;
+@end
+
+typedef NSInteger NSWindowLevel;
+enum : NSInteger { NSStatusWindowLevel = 25 };
+typedef NSUInteger NSWindowCollectionBehavior;
+enum : NSUInteger {
+    NSWindowCollectionBehaviorCanJoinAllSpaces = 1 << 0,
+    NSWindowCollectionBehaviorStationary = 1 << 4,
+    NSWindowCollectionBehaviorIgnoresCycle = 1 << 6,
+    NSWindowCollectionBehaviorFullScreenAuxiliary = 1 << 8,
+};
+@interface NSWindow : NSObject
+@property NSWindowLevel level;
+@property NSWindowCollectionBehavior collectionBehavior;
+@property BOOL ignoresMouseEvents;
+@property BOOL hasShadow;
+@end
+
+@interface NSView : NSObject
+@property(readonly, assign) NSWindow* window;
+@end
+
+typedef NSInteger NSModalResponse;
+enum : NSInteger { NSModalResponseOK = 1 };
+@interface NSOpenPanel : NSObject
++ (NSOpenPanel*)openPanel;
+@property(copy) NSArray* allowedContentTypes SDK_SINCE(11.0);
+@property(copy) NSURL* directoryURL;
+@property(copy) NSString* prompt;
+@property BOOL canChooseDirectories;
+@property BOOL allowsMultipleSelection;
+@property(readonly, copy) NSArray* URLs;
+- (NSModalResponse)runModal;
+@end
+
+// Foundation's, of which GNUstep has but the name.
+@interface NSAppleEventManager (Events)
++ (NSAppleEventManager*)sharedAppleEventManager;
+- (void)setEventHandler:(id)handler
+            andSelector:(SEL)selector
+          forEventClass:(uint32_t)eventClass
+             andEventID:(uint32_t)eventID;
+- (void)removeEventHandlerForEventClass:(uint32_t)eventClass andEventID:(uint32_t)eventID;
 @end

@@ -2,6 +2,8 @@
 
 #include <CoreGraphics/CoreGraphics.h>
 
+enum : uint32_t { kCoreEventClass = 'aevt', kAEReopenApplication = 'rapp' };
+
 typedef int32_t AXError;
 enum : int32_t {
     kAXErrorSuccess = 0,

@@ -77,6 +77,8 @@ SDK_EXTERN SEL NSSelectorFromString(NSString* name);
 
 @interface NSArray : NSObject <NSCopying, NSFastEnumeration>
 @property(readonly) NSUInteger count;
+@property(readonly) id firstObject;
++ (instancetype)arrayWithObjects:(const id[])objects count:(NSUInteger)count;
 @end
 
 @interface NSDictionary : NSObject <NSCopying, NSFastEnumeration>
@@ -98,6 +100,7 @@ SDK_EXTERN SEL NSSelectorFromString(NSString* name);
 
 @interface NSURL : NSObject
 + (instancetype)URLWithString:(NSString*)text;
++ (NSURL*)fileURLWithPath:(NSString*)path;
 @property(readonly, copy) NSString* path;
 @property(readonly, copy) NSString* scheme;
 @end
@@ -107,6 +110,7 @@ SDK_EXTERN SEL NSSelectorFromString(NSString* name);
 @end
 
 @interface NSNotificationCenter : NSObject
+@property(class, readonly, strong) NSNotificationCenter* defaultCenter;
 - (void)addObserver:(id)observer selector:(SEL)selector name:(NSString*)name object:(id)object;
 - (void)removeObserver:(id)observer;
 @end
@@ -134,6 +138,7 @@ enum : NSUInteger { NSNotificationSuspensionBehaviorDeliverImmediately = 4 };
 
 @interface NSBundle : NSObject
 @property(class, readonly, strong) NSBundle* mainBundle;
++ (NSBundle*)bundleWithURL:(NSURL*)url;
 @property(readonly, copy) NSString* bundleIdentifier;
 @end
 
@@ -145,5 +150,11 @@ enum : NSUInteger { NSNotificationSuspensionBehaviorDeliverImmediately = 4 };
 @interface NSFileManager : NSObject
 @property(class, readonly, strong) NSFileManager* defaultManager;
 - (NSString*)displayNameAtPath:(NSString*)path;
+@end
+
+@interface NSAppleEventDescriptor : NSObject
+@end
+
+@interface NSAppleEventManager : NSObject
 @end
 #endif

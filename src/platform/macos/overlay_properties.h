@@ -1,0 +1,11 @@
+#pragma once
+
+namespace tessarel::macos {
+
+/// Makes the window that shows `nativeView`, an NSView, one for zones: above status items, on every space and
+/// beside a full-screen program, no part of what the user cycles through, out of reach of the mouse, without
+/// a shadow. That it is borderless, transparent and without the keyboard is the toolkit's to do. Nothing
+/// happens to a view that is null or in no window.
+void becomeOverlay(void* nativeView);
+
+} // namespace tessarel::macos

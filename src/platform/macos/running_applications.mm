@@ -1,0 +1,75 @@
+#include "platform/macos/running_applications.h"
+
+#include "platform/macos/callback_edge.h"
+#include "platform/macos/conversions.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tessarel::macos {
+
+std::optional<RunningApplication> runningFrom(NSRunningApplication* application) {
+    const pid_t pid = [application processIdentifier]; // 0 of nil, -1 of one that has no process
+    if (pid <= 0)
+        return {};
+    return RunningApplication{pid, optionalStringFrom([application bundleIdentifier]),
+                              [application activationPolicy] == NSApplicationActivationPolicyRegular};
+}
+
+NSRunningApplication* subjectOf(NSNotification* notification) {
+    return as<NSRunningApplication>([[notification userInfo] objectForKey:NSWorkspaceApplicationKey]);
+}
+
+Terminations::Terminations()
+    : m_launched([[NSWorkspace sharedWorkspace] notificationCenter],
+                 NSWorkspaceDidLaunchApplicationNotification,
+                 [this](NSNotification* notification) { note(subjectOf(notification)); }),
+      m_terminated([[NSWorkspace sharedWorkspace] notificationCenter],
+                   NSWorkspaceDidTerminateApplicationNotification,
+                   [this](NSNotification* notification) { tell(subjectOf(notification)); }) {
+    for (NSRunningApplication* application in [[NSWorkspace sharedWorkspace] runningApplications])
+        note(application);
+}
+
+SubscriptionPtr Terminations::add(std::function<void(const RunningApplication&)> terminated) {
+    struct Registration : Subscription {
+        std::shared_ptr<Terminations> terminations;
+        SubscriptionPtr handler;
+    };
+    auto registration = std::make_unique<Registration>();
+    registration->terminations = shared_from_this();
+    registration->handler = m_handlers.add(std::move(terminated));
+    return registration;
+}
+
+std::vector<Terminations::Known>::iterator Terminations::find(NSRunningApplication* application) {
+    return std::find_if(m_known.begin(), m_known.end(), [application](const Known& known) {
+        return [known.application.get() isEqual:application] != NO;
+    });
+}
+
+void Terminations::note(NSRunningApplication* application) {
+    auto running = runningFrom(application);
+    if (!running)
+        return;
+    if (const auto known = find(application); known != m_known.end())
+        known->running = std::move(*running); // started anew by the system, as another process
+    else
+        m_known.push_back({ObjcRef<NSRunningApplication*>::share(application), std::move(*running)});
+}
+
+void Terminations::tell(NSRunningApplication* application) {
+    auto ended = runningFrom(application);
+    if (const auto known = find(application); known != m_known.end()) {
+        ended = std::move(known->running);
+        m_known.erase(known);
+    }
+    if (!ended)
+        return;
+    for (const auto& weak : m_handlers.present()) {
+        if (const auto handler = weak.lock())
+            atCallbackEdge([&] { (*handler)(*ended); });
+    }
+}
+
+} // namespace tessarel::macos

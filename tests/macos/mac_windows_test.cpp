@@ -1,0 +1,97 @@
+#include "macos/fake/fake_windows.h"
+#include "macos/mac_test.h"
+#include "platform/macos/overlay_properties.h"
+#include "platform/macos/own_application.h"
+
+namespace tessarel::macos {
+namespace {
+
+class MacOverlayTest : public MacTest {};
+
+TEST_F(MacOverlayTest, TheWindowIsAboveAllOnEverySpaceAndOutOfReach) {
+    const fakemac::View view;
+
+    becomeOverlay(view.native());
+
+    EXPECT_EQ(view.window(),
+              (fakemac::WindowSight{
+                  .level = 25, .collectionBehavior = 337, .ignoresMouseEvents = true, .hasShadow = false}));
+}
+
+TEST_F(MacOverlayTest, AViewWithoutAWindowIsLeftAlone) {
+    const fakemac::View view(false);
+
+    becomeOverlay(view.native());
+    becomeOverlay(nullptr);
+
+    EXPECT_EQ(view.window().level, 0);
+}
+
+class MacOwnApplicationTest : public MacTest {
+protected:
+    struct Toolkit : ApplicationPort {
+        void activate() override { ++activations; }
+        void terminate() override { ++terminations; }
+
+        int activations = 0;
+        int terminations = 0;
+    };
+
+    Toolkit toolkit;
+    MacOwnApplication application{toolkit};
+};
+
+TEST_F(MacOwnApplicationTest, TheProgramComesToTheFrontAndThenItsWindows) {
+    application.activate();
+
+    EXPECT_EQ(fakemac::mac().activations, 1);
+    EXPECT_EQ(toolkit.activations, 1);
+}
+
+TEST_F(MacOwnApplicationTest, TheToolkitEndsItsLoop) {
+    application.terminate();
+
+    EXPECT_EQ(toolkit.terminations, 1);
+}
+
+TEST_F(MacOwnApplicationTest, TheProgramHasNoPlaceInTheDock) {
+    EXPECT_EQ(fakemac::mac().activationPolicy, std::nullopt);
+
+    MacOwnApplication::becomeAccessory();
+
+    EXPECT_EQ(fakemac::mac().activationPolicy, 1);
+}
+
+class MacOpenPanelTest : public MacTest {
+protected:
+    void SetUp() override {
+        fakemac::mac().bundles = {{"/Applications/Editor.app", "org.example.editor"},
+                                  {"/Applications/Nameless.app", ""}};
+    }
+};
+
+TEST_F(MacOpenPanelTest, ItOffersOneOfTheApplications) {
+    (void)desktop->openPanel.chooseApplication("Ignore");
+
+    EXPECT_EQ(fakemac::mac().panels, Lines{"one application in /Applications, Ignore"});
+}
+
+TEST_F(MacOpenPanelTest, TheChosenApplicationIsKnownByItsIdentifier) {
+    fakemac::mac().panelChoice = "/Applications/Editor.app";
+
+    EXPECT_EQ(desktop->openPanel.chooseApplication("Ignore"), "org.example.editor");
+}
+
+TEST_F(MacOpenPanelTest, NothingComesOfAPanelThatIsCancelled) {
+    EXPECT_EQ(desktop->openPanel.chooseApplication("Ignore"), std::nullopt);
+}
+
+TEST_F(MacOpenPanelTest, NothingComesOfWhatIsNoApplicationOrHasNoIdentifier) {
+    for (const char* path : {"/Applications/Nameless.app", "/Applications/Broken.app"}) {
+        fakemac::mac().panelChoice = path;
+        EXPECT_EQ(desktop->openPanel.chooseApplication("Ignore"), std::nullopt);
+    }
+}
+
+} // namespace
+} // namespace tessarel::macos

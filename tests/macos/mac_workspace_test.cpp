@@ -1,0 +1,129 @@
+#include "macos/mac_test.h"
+
+#include <stdexcept>
+
+namespace tessarel::macos {
+namespace {
+
+class MacWorkspaceTest : public MacTest {
+protected:
+    [[nodiscard]] SubscriptionPtr observeEnds() {
+        return desktop->workspace.addObserver(
+            ApplicationEvent::Terminated, [this](const RunningApplication& app) { ended.push_back(app); });
+    }
+
+    const RunningApplication editor{kEditor, "org.example.editor"};
+    std::vector<RunningApplication> ended;
+};
+
+TEST_F(MacWorkspaceTest, AHelperIsNoRegularApplication) {
+    fakemac::launch(8, {.isRegular = false});
+
+    EXPECT_EQ(desktop->workspace.runningApplication(8), (RunningApplication{8, std::nullopt, false}));
+}
+
+TEST_F(MacWorkspaceTest, AnApplicationWithoutAProcessIsNone) {
+    std::vector<ProcessId> told;
+    const auto observer =
+        desktop->workspace.addObserver(ApplicationEvent::Launched, [&](const RunningApplication& app) {
+            told.push_back(app.processIdentifier);
+        });
+
+    fakemac::launch(-1, {});
+    fakemac::launch(8, {});
+
+    EXPECT_EQ(told, std::vector<ProcessId>{8});
+    EXPECT_EQ(desktop->workspace.runningApplications().size(), 2U);
+}
+
+TEST_F(MacWorkspaceTest, AnObserverMayEndItselfWhenCalled) {
+    int told = 0;
+    SubscriptionPtr observer;
+    observer = desktop->workspace.addObserver(ApplicationEvent::Launched, [&](const RunningApplication&) {
+        ++told;
+        observer.reset();
+    });
+
+    fakemac::launch(8, {});
+    fakemac::launch(9, {});
+
+    EXPECT_EQ(told, 1);
+}
+
+TEST_F(MacWorkspaceTest, AnEndWithoutAProcessIsToldWithTheOneThatTheApplicationHad) {
+    const auto observer = observeEnds();
+    fakemac::launch(8, {.bundleIdentifier = "org.example.mail"});
+
+    fakemac::terminate(8, false);
+    fakemac::terminate(kEditor, false);
+
+    EXPECT_EQ(ended, (std::vector<RunningApplication>{{8, "org.example.mail"}, editor}));
+}
+
+TEST_F(MacWorkspaceTest, AnEndIsToldOnce) {
+    const auto first = observeEnds();
+    const auto second =
+        desktop->workspace.addObserver(ApplicationEvent::Terminated, [](const RunningApplication&) {});
+
+    fakemac::terminate(kEditor);
+
+    EXPECT_EQ(ended, std::vector<RunningApplication>{editor});
+}
+
+TEST_F(MacWorkspaceTest, AProcessNumberThatIsUsedAgainStandsForTheLaterApplication) {
+    const auto observer = observeEnds();
+    fakemac::terminate(kEditor);
+    fakemac::launch(kEditor, {.bundleIdentifier = "org.example.mail"});
+
+    fakemac::terminate(kEditor, false);
+
+    EXPECT_EQ(ended, (std::vector<RunningApplication>{editor, {kEditor, "org.example.mail"}}));
+}
+
+TEST_F(MacWorkspaceTest, AnEndThatNobodyKnowsAnythingOfIsNotTold) {
+    fakemac::launch(-1, {});
+    const auto observer = observeEnds();
+
+    fakemac::terminate(-1);
+
+    EXPECT_TRUE(ended.empty());
+}
+
+TEST_F(MacWorkspaceTest, ThePlaceOfAWindowsEndIsKnownThoughItsProgramHasNoProcess) {
+    int closed = 0;
+    fakemac::openWindow({.pid = kEditor, .axFrame = {200, 150, 640, 480}});
+    const auto window =
+        desktop->accessibility.elementAtPosition(desktop->accessibility.systemWide(), {300, 200});
+    const auto observer = desktop->accessibility.onWindowClosed(window.value(), [&] { ++closed; });
+
+    fakemac::terminate(kEditor, false);
+
+    EXPECT_EQ(closed, 1);
+}
+
+TEST_F(MacWorkspaceTest, AnObserverOfEndsMayEndItselfAndTheBackEnd) {
+    SubscriptionPtr observer;
+    observer = desktop->workspace.addObserver(ApplicationEvent::Terminated, [&](const RunningApplication&) {
+        observer.reset();
+        desktop.reset();
+    });
+
+    fakemac::terminate(kEditor);
+
+    EXPECT_FALSE(desktop);
+}
+
+TEST_F(MacWorkspaceTest, AnObserverThatThrowsDoesNotKeepTheOthersFromHearing) {
+    const auto first =
+        desktop->workspace.addObserver(ApplicationEvent::Terminated, [](const RunningApplication&) {
+            throw std::runtime_error("of a test");
+        });
+    const auto second = observeEnds();
+
+    EXPECT_NO_THROW(fakemac::terminate(kEditor));
+
+    EXPECT_EQ(ended.size(), 1U);
+}
+
+} // namespace
+} // namespace tessarel::macos
