@@ -14,9 +14,9 @@ namespace tessarel::macos {
 /// To be set when the toolkit of the windows has been started, which puts up a menu of its own.
 class MacMainMenu : public MainMenuPort {
 public:
-    /// Lets what has the keyboard focus inside a window of the toolkit's carry out a row; false when there is
-    /// none, or when it wants nothing of it. The system sees such a window as a whole: asked by the system
-    /// itself for "copy:", Qt's says that it can and then raises an exception.
+    /// Carries out a row in the window of the toolkit's that has the keyboard; false when none has it, or
+    /// when the row is for the window or the program as a whole, for the system to carry out. The system must
+    /// not be asked to edit in such a window: of Qt's it hears that it can, and then it raises an exception.
     using Toolkit = std::function<bool(const MainMenuItem&)>;
 
     /// Without `toolkit` the system alone looks for who carries out a row.
