@@ -129,7 +129,24 @@ bool Desktop::startForDrags() {
     const xcb_window_t window = open(client);
     const Frame before = frame(window);
     press(hotkey::kMaximize);
-    return m_observer.waitUntil([&] { return frame(window) != before; });
+    return m_observer.waitUntil([&] { return frame(window) != before; }) && waitUntilProgramRests();
+}
+
+/// A program that waits for an answer sleeps as well, but no longer once the window manager has come to the
+/// end of what it was asked.
+bool Desktop::waitUntilProgramRests(long timesAsleep) {
+    if (!m_program || !m_program->running())
+        return true;
+    constexpr int kLooks = 5; // it may want to look again in a moment
+    int looks = 0;
+    long last = timesAsleep;
+    return m_observer.waitUntil([&] {
+        const bool isSettled = m_observer.settle();
+        const auto now = m_program->timesAsleep();
+        looks = isSettled && now > timesAsleep && now == last ? looks + 1 : 0;
+        last = now.value_or(last);
+        return looks >= kLooks;
+    });
 }
 
 void Desktop::replaceManager(WindowManagerKind kind) {
@@ -188,7 +205,8 @@ Frame Desktop::settledFrame(xcb_window_t window, const Frame& expected) {
     // On the way, while the window manager changes decoration and size one after the other, a frame may look
     // right by chance.
     const auto settled = [&] {
-        return frame(window) == expected && m_observer.settle() && frame(window) == expected;
+        return frame(window) == expected && m_observer.settle() && waitUntilProgramRests() &&
+               frame(window) == expected;
     };
     return m_observer.waitUntil(settled, Deadline(kPlacementPatience)) ? expected : frame(window);
 }

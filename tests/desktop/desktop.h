@@ -58,6 +58,9 @@ public:
     [[nodiscard]] bool startForDrags();
     /// Starts the program again for drags, with other settings. False when it does not end or come up well.
     [[nodiscard]] bool restart(std::string_view settings);
+    /// Waits until the program has fallen asleep more often than `timesAsleep` and has nothing to do any
+    /// more: what a test sees of its work is not the end of it. False when it finds no rest.
+    [[nodiscard]] bool waitUntilProgramRests(long timesAsleep = 0);
     /// Waits until the window manager ends by itself. False when it does not.
     [[nodiscard]] bool waitUntilManagerEnds() { return m_manager->process().waitForExit().has_value(); }
     /// Ends the window manager and starts another one in its place.
@@ -85,7 +88,8 @@ public:
     void press(const Combination& combination) { m_keyboard.press(combination); }
 
     [[nodiscard]] Frame frame(xcb_window_t window) { return m_observer.outerFrame(window).value_or(Frame{}); }
-    /// The frame that a window has once it has settled at `expected`, or the one it has at the deadline.
+    /// The frame that a window has once it has settled at `expected` and the program rests, or the one it has
+    /// at the deadline.
     [[nodiscard]] Frame settledFrame(xcb_window_t window, const Frame& expected);
     /// Waits until the windows of the test before have gone.
     [[nodiscard]] bool waitUntilOnlyPanel();

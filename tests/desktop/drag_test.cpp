@@ -112,6 +112,7 @@ class DragSettingsTest : public DragFixture {
 protected:
     ~DragSettingsTest() override {
         drag.hold(0);
+        drag.release();
         EXPECT_TRUE(desktop.restart(kNoHomes));
     }
 

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <fstream>
 #include <string>
 #include <utility>
 
@@ -29,7 +28,7 @@ bool WindowDrag::begin(xcb_window_t window) {
     Frame last;
     EXPECT_TRUE(m_observer.waitUntil([&] {
         const Frame before = std::exchange(last, m_desktop.frame(window));
-        return before == last && waitUntilAsleep(0) && m_desktop.frame(window) == last;
+        return before == last && m_desktop.waitUntilProgramRests() && m_desktop.frame(window) == last;
     }));
     const Place grip = gripOf(window);
     press(grip.x, grip.y);
@@ -54,11 +53,11 @@ bool WindowDrag::pull(xcb_window_t window) {
 
 void WindowDrag::press(int x, int y) {
     step(x, y);
-    EXPECT_TRUE(waitUntilAsleep(0));
-    const long before = wakeUpsOfSleeper().value_or(0);
+    EXPECT_TRUE(m_desktop.waitUntilProgramRests());
+    const long before = m_desktop.program().timesAsleep().value_or(0);
     m_mouse.press();
     // A place that has been left before the program looks is not where it sees the press.
-    EXPECT_TRUE(waitUntilAsleep(before));
+    EXPECT_TRUE(m_desktop.waitUntilProgramRests(before));
 }
 
 void WindowDrag::moveTo(int x, int y) {
@@ -90,32 +89,6 @@ void WindowDrag::step(int x, int y) {
     m_x = x;
     m_y = y;
     m_mouse.moveTo(x, y);
-}
-
-/// It is asleep when it has nothing to read, and it may want to look again in a moment.
-bool WindowDrag::waitUntilAsleep(long wakeUps) {
-    constexpr int kLooks = 5;
-    int looks = 0;
-    long last = wakeUps;
-    return m_observer.waitUntil([&] {
-        const bool isSettled = m_observer.settle();
-        const auto now = wakeUpsOfSleeper();
-        looks = isSettled && now > wakeUps && now == last ? looks + 1 : 0;
-        last = now.value_or(last);
-        return looks >= kLooks;
-    });
-}
-
-std::optional<long> WindowDrag::wakeUpsOfSleeper() {
-    std::ifstream status("/proc/" + std::to_string(m_desktop.program().process().pid()) + "/status");
-    bool isAsleep = false;
-    for (std::string word; status >> word;) {
-        if (std::string state; word == "State:" && status >> state)
-            isAsleep = state == "S";
-        if (long count = 0; word == "voluntary_ctxt_switches:" && status >> count)
-            return isAsleep ? std::optional(count) : std::nullopt;
-    }
-    return std::nullopt;
 }
 
 std::optional<Frame> WindowDrag::overlay() {

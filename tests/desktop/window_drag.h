@@ -56,10 +56,6 @@ private:
     [[nodiscard]] Place gripOf(xcb_window_t window);
     [[nodiscard]] bool pull(xcb_window_t window);
     void step(int x, int y);
-    /// Waits until the program has woken up more often than `wakeUps` times, and then sleeps.
-    [[nodiscard]] bool waitUntilAsleep(long wakeUps);
-    /// How often the program has woken up; empty while it is at work.
-    [[nodiscard]] std::optional<long> wakeUpsOfSleeper();
     [[nodiscard]] std::optional<Overlay> find();
     [[nodiscard]] std::optional<Overlay> asOverlay(xcb_window_t window);
     [[nodiscard]] bool grabsAndLetsGo();

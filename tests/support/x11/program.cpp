@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <fstream>
+#include <string>
 #include <utility>
 
 namespace tessarel::x11test {
@@ -33,6 +34,18 @@ Program::Program(Environment environment)
 bool Program::waitUntilReady(Observer& observer, Keyboard& keyboard, const Combination& last) {
     const bool ready = observer.waitUntil([&] { return !running() || keyboard.held(last); });
     return ready && running();
+}
+
+std::optional<long> Program::timesAsleep() const {
+    std::ifstream status("/proc/" + std::to_string(m_process.pid()) + "/status");
+    bool isAwake = false;
+    for (std::string word; status >> word;) {
+        if (std::string state; word == "State:" && status >> state)
+            isAwake = state == "R" || state == "D";
+        if (long count = 0; word == "voluntary_ctxt_switches:" && status >> count)
+            return isAwake ? std::nullopt : std::optional(count);
+    }
+    return std::nullopt;
 }
 
 std::optional<int> Program::terminate() {
