@@ -132,8 +132,6 @@ bool Desktop::startForDrags() {
     return m_observer.waitUntil([&] { return frame(window) != before; }) && waitUntilProgramRests();
 }
 
-/// A program that waits for an answer sleeps as well, but no longer once the window manager has come to the
-/// end of what it was asked.
 bool Desktop::waitUntilProgramRests(long timesAsleep) {
     if (!m_program || !m_program->running())
         return true;

@@ -2,7 +2,9 @@
 
 #include <csignal>
 #include <fstream>
+#include <ios>
 #include <string>
+#include <sys/syscall.h>
 #include <utility>
 
 namespace tessarel::x11test {
@@ -13,6 +15,21 @@ namespace {
 Environment withoutForeignBus(Environment environment) {
     environment.try_emplace("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     return environment;
+}
+
+/// Whether the file names a call that waits for one of several files, as the loop of a program does.
+bool waitsInLoop(const std::string& syscallFile) {
+    std::ifstream file(syscallFile);
+    long call = 0;
+    std::string files;
+    unsigned long count = 0;
+    if (!(file >> call >> files >> std::hex >> count)) // "running", then
+        return false;
+#ifdef SYS_poll // newer kinds of machine have only the other one
+    if (call == SYS_poll)
+        return count > 1;
+#endif
+    return call == SYS_ppoll && count > 1;
 }
 
 } // namespace
@@ -37,13 +54,13 @@ bool Program::waitUntilReady(Observer& observer, Keyboard& keyboard, const Combi
 }
 
 std::optional<long> Program::timesAsleep() const {
-    std::ifstream status("/proc/" + std::to_string(m_process.pid()) + "/status");
-    bool isAwake = false;
+    const std::string process = "/proc/" + std::to_string(m_process.pid());
+    if (!waitsInLoop(process + "/syscall"))
+        return std::nullopt;
+    std::ifstream status(process + "/status");
     for (std::string word; status >> word;) {
-        if (std::string state; word == "State:" && status >> state)
-            isAwake = state == "R" || state == "D";
         if (long count = 0; word == "voluntary_ctxt_switches:" && status >> count)
-            return isAwake ? std::nullopt : std::optional(count);
+            return count;
     }
     return std::nullopt;
 }

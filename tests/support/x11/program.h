@@ -32,7 +32,8 @@ public:
     [[nodiscard]] ChildProcess& process() { return m_process; }
     [[nodiscard]] bool running() { return m_process.running(); }
     [[nodiscard]] std::string errors() const { return m_process.errors(); }
-    /// How often it has fallen asleep since it was started; empty while it is at work.
+    /// How often it has fallen asleep since it was started; empty unless it waits for whatever comes: one
+    /// that waits for a single answer, or for the disk, is at work.
     [[nodiscard]] std::optional<long> timesAsleep() const;
 
     /// Asks it to end, as a session does that is closed: its exit code, or none when it does not end.
