@@ -1,5 +1,4 @@
 #include "app/app_delegate.h"
-#include "model/config.h"
 #include "platform/qt/qt_alerts.h"
 #include "platform/qt/qt_appearance.h"
 #include "platform/qt/qt_local_keys.h"
@@ -16,38 +15,28 @@
 #include "platform/x11/connection.h"
 #include "platform/x11/desktop.h"
 #include "platform/x11/key_down.h"
+#include "qt_program.h"
 #include "settings_ui/settings_window_controller.h"
 
 #include <QApplication>
-#include <QString>
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace tessarel {
 
 namespace {
-
-void say(const std::string& line) {
-    std::fprintf(stderr, "tessarel: %s\n", line.c_str());
-}
 
 /// A server that has gone has let go of all that was claimed; and Qt cannot be taken down in order without
 /// it.
 [[noreturn]] void endWithoutDisplay() {
     say("lost the connection to the X display");
     std::_Exit(EXIT_FAILURE);
-}
-
-QString qString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 /// Runs Qt's loop on `connection` until the program is asked to end or the display goes: its exit code. The
@@ -61,10 +50,7 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
     int argumentCount = options.size();
 
     QApplication::setDesktopSettingsAware(false);
-    QApplication::setStyle("Fusion");
-    QApplication::setApplicationName(qString(Config::appName));
-    QApplication::setApplicationVersion(qString(Config::version));
-    QApplication::setQuitOnLastWindowClosed(false);
+    describeProgramToQt();
     const QApplication application(argumentCount, arguments.data());
 
     const auto events =

@@ -1,0 +1,62 @@
+#include "mac_program.h"
+
+#include "platform/macos/overlay_properties.h"
+#include "platform/qt/focus_editing.h"
+#include "settings_ui/settings_window_controller.h"
+
+#include <memory>
+#include <utility>
+
+namespace tessarel {
+
+MacProgram::MacProgram(NativeView nativeView)
+    : m_desktop(qt::editInFocus),
+      m_overlay(
+          m_queue, [this](const Rect& screenFrame) { return placeForQt(screenFrame); },
+          [nativeView = std::move(nativeView)](QWidget& window) {
+              macos::becomeOverlay(nativeView(window));
+          }),
+      m_delegate(ports(), [](Services& services, const Ports& all) {
+          return std::make_unique<SettingsWindowController>(services, all);
+      }) {}
+
+AppDelegate::Launch MacProgram::launch() {
+    macos::MacOwnApplication::becomeAccessory();
+    return m_delegate.applicationDidFinishLaunching();
+}
+
+/// Qt counts in points, as AppKit does, but from the top-left corner of the primary display.
+Rect MacProgram::placeForQt(const Rect& screenFrame) {
+    const auto screens = m_desktop.displays.screens();
+    const double primaryHeight = screens.empty() ? 0 : screens.front().frame.absHeight();
+    return {screenFrame.minX(), primaryHeight - screenFrame.maxY(), screenFrame.absWidth(),
+            screenFrame.absHeight()};
+}
+
+Ports MacProgram::ports() {
+    return {.accessibility = m_desktop.accessibility,
+            .alertSound = m_desktop.alertSound,
+            .alerts = m_alerts,
+            .application = m_application,
+            .displays = m_desktop.displays,
+            .hotKeys = m_desktop.hotKeys,
+            .localKeys = m_desktop.localKeys,
+            .loginItem = m_desktop.loginItem,
+            .mainMenu = m_desktop.mainMenu,
+            .mainQueue = m_queue,
+            .mouse = m_desktop.mouse,
+            .openPanel = m_desktop.openPanel,
+            .openUrl = m_desktop.openUrl,
+            .overlay = m_overlay,
+            .preferences = m_desktop.preferences,
+            .singleInstance = m_desktop.singleInstance,
+            .statusItem = m_desktop.statusItem,
+            .trust = m_desktop.trust,
+            .urlLoading = m_urlLoading,
+            .wallClock = m_wallClock,
+            .windowList = m_desktop.windowList,
+            .workspace = m_desktop.workspace,
+            .words = m_desktop.words};
+}
+
+} // namespace tessarel

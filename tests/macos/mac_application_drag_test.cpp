@@ -1,0 +1,113 @@
+#include "macos/mac_application_test.h"
+
+namespace tessarel {
+namespace {
+
+constexpr Rect kZone1{0, 25, 480, 438};
+constexpr Point kTitleBar{500, 210};
+
+/// The user drags the editor's window by its title bar.
+class MacApplicationDragTest : public MacApplicationTest {
+protected:
+    MacApplicationDragTest() { launch(); }
+    ~MacApplicationDragTest() override { fakemac::releaseLeftButton(); }
+
+    void press() {
+        fakemac::movePointer(kTitleBar);
+        fakemac::pressLeftButton();
+    }
+
+    /// The window follows the pointer before anybody is told of it.
+    void drag(const Point& axPoint) {
+        Rect& axFrame = fakemac::mac().windows.at(window).axFrame;
+        axFrame.x = kWindow.x + axPoint.x - kTitleBar.x;
+        axFrame.y = kWindow.y + axPoint.y - kTitleBar.y;
+        fakemac::movePointer(axPoint);
+    }
+
+    fakemac::WindowNumber window = openEditorWindow();
+};
+
+TEST_F(MacApplicationDragTest, WithShiftTheZonesAreShownUntilTheWindowIsInOne) {
+    press();
+    EXPECT_EQ(overlay(), nullptr);
+
+    fakemac::mac().modifierFlags = kShiftFlag;
+    drag({100, 100});
+    ASSERT_NE(overlay(), nullptr);
+    EXPECT_EQ(overlay()->geometry(), QRect(0, 0, 1440, 900));
+    fakemac::releaseLeftButton();
+
+    EXPECT_EQ(overlay(), nullptr);
+    EXPECT_TRUE(until([&] { return frameOf(window) == kZone1; }));
+}
+
+TEST_F(MacApplicationDragTest, TheZoneUnderThePointerStandsOut) {
+    press();
+    fakemac::mac().modifierFlags = kShiftFlag;
+    drag({100, 100});
+
+    ASSERT_NE(overlay(), nullptr);
+    const QImage picture = overlay()->grab().toImage();
+    EXPECT_NEAR(picture.pixelColor(40, 60).alphaF(), 0.35, 0.01);
+    EXPECT_NEAR(picture.pixelColor(520, 60).alphaF(), 0.1, 0.01);
+    EXPECT_EQ(picture.pixelColor(480, 60).alpha(), 0);
+    EXPECT_EQ(picture.pixelColor(40, 10).alpha(), 0) << "under the menu bar there is no zone";
+}
+
+TEST_F(MacApplicationDragTest, TheOverlayIsAboveStatusItemsOnEverySpaceAndOutOfReach) {
+    press();
+    fakemac::mac().modifierFlags = kShiftFlag;
+    drag({100, 100});
+
+    EXPECT_EQ(overlayView->window(),
+              (fakemac::WindowSight{
+                  .level = 25, .collectionBehavior = 337, .ignoresMouseEvents = true, .hasShadow = false}));
+}
+
+TEST_F(MacApplicationDragTest, TheOverlayFollowsThePointerToTheOtherDisplay) {
+    press();
+    fakemac::mac().modifierFlags = kShiftFlag;
+    drag({100, 100});
+    drag({1500, 300});
+
+    ASSERT_NE(overlay(), nullptr);
+    EXPECT_EQ(overlay()->geometry(), QRect(1440, 0, 1120, 1024));
+    fakemac::releaseLeftButton();
+    EXPECT_TRUE(until([&] { return frameOf(window).x == 1440; }));
+}
+
+TEST_F(MacApplicationDragTest, WithoutShiftNothingIsShownAndTheWindowStaysWhereItWasLet) {
+    press();
+    drag({100, 100});
+    EXPECT_EQ(overlay(), nullptr);
+    fakemac::releaseLeftButton();
+    drain();
+
+    EXPECT_EQ(frameOf(window), (Rect{-100, 90, 500, 400}));
+}
+
+TEST_F(MacApplicationDragTest, AWindowThatIsClosedDuringItsDragTakesTheZonesWithIt) {
+    press();
+    fakemac::mac().modifierFlags = kShiftFlag;
+    drag({100, 100});
+    ASSERT_NE(overlay(), nullptr);
+
+    fakemac::closeWindow(window);
+
+    EXPECT_EQ(overlay(), nullptr);
+}
+
+TEST_F(MacApplicationDragTest, TheProgramMayEndInTheMiddleOfADrag) {
+    press();
+    fakemac::mac().modifierFlags = kShiftFlag;
+    drag({100, 100});
+
+    program.reset();
+
+    EXPECT_EQ(overlay(), nullptr);
+    EXPECT_EQ(fakemac::globalMonitors(), 0U);
+}
+
+} // namespace
+} // namespace tessarel

@@ -1,0 +1,193 @@
+#include "macos/mac_application_test.h"
+#include "platform/macos/single_instance.h"
+#include "settings_ui/recorder_button.h"
+
+#include <QClipboard>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+
+#include <memory>
+
+namespace tessarel {
+namespace {
+
+using Launch = AppDelegate::Launch;
+using Lines = std::vector<std::string>;
+
+class MacApplicationShellTest : public MacApplicationTest {
+protected:
+    static constexpr const char* kPrivacySettings =
+        "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
+
+    /// The control that takes the keys for the first zone.
+    [[nodiscard]] static RecorderButton* firstRecorder() {
+        for (auto* const button : settingsWindow()->findChildren<QPushButton*>()) {
+            auto* const recorder = dynamic_cast<RecorderButton*>(button);
+            if (recorder && recorder->actionID() == ActionID::allCases.front())
+                return recorder;
+        }
+        return nullptr;
+    }
+
+    /// Presses the button of the message that will be shown by then.
+    void answer(const QString& title) {
+        program->mainQueue().async([title] {
+            const QWidget* const message = QApplication::activeModalWidget();
+            ASSERT_NE(message, nullptr);
+            for (auto* const button : message->findChildren<QPushButton*>()) {
+                if (button->text() == title)
+                    button->click();
+            }
+        });
+    }
+};
+
+TEST_F(MacApplicationShellTest, TheStartPutsUpEverything) {
+    EXPECT_EQ(launch(), Launch::Running);
+
+    EXPECT_EQ(fakemac::statusItems(), (std::vector<fakemac::StatusItemSight>{{.symbol = "rectangle.3.group",
+                                                                              .description = "Tessarel",
+                                                                              .isTemplate = true,
+                                                                              .title = "",
+                                                                              .appearsDisabled = false}}));
+    EXPECT_EQ(fakemac::globalMonitors(), 3U);
+    EXPECT_EQ(fakemac::claims().size(), 15U) << "all actions but those of the four zones that are not used";
+    EXPECT_FALSE(fakemac::mainMenuRows().empty());
+    EXPECT_EQ(fakemac::mac().activationPolicy, 1) << "no place in the Dock";
+    EXPECT_EQ(fakemac::mac().prompted, Lines());
+}
+
+TEST_F(MacApplicationShellTest, QuittingLeavesNothingBehind) {
+    launch();
+    openEditorWindow();
+    choose({"Settings..."});
+    EXPECT_TRUE(until([] { return settingsWindow() != nullptr; }));
+
+    program->mainQueue().async([] { choose({"Quit Tessarel"}); });
+    EXPECT_EQ(QApplication::exec(), 0);
+    program.reset();
+
+    EXPECT_EQ(fakemac::statusItems().size(), 0U);
+    EXPECT_EQ(fakemac::globalMonitors(), 0U);
+    EXPECT_EQ(fakemac::claims(), Lines());
+    EXPECT_EQ(fakemac::mainMenuRows(), Lines());
+    EXPECT_EQ(QApplication::topLevelWidgets().size(), 0);
+    overlayView.reset();
+    EXPECT_EQ(fakemac::heldObjects(), Lines());
+}
+
+TEST_F(MacApplicationShellTest, TheFirstStartWelcomesAndThenAsksForThePermission) {
+    fakemac::mac().defaults.clear();
+    fakemac::mac().trusted = false;
+    launch();
+    EXPECT_EQ(fakemac::mac().prompted, Lines());
+
+    answer(QStringLiteral("Open Settings"));
+
+    EXPECT_TRUE(until([] { return settingsWindow() != nullptr; }));
+    EXPECT_EQ(fakemac::mac().prompted.size(), 1U);
+    EXPECT_GT(fakemac::mac().activations, 0);
+    EXPECT_NE(fakemac::mac().defaults[kSettingsKey].find(R"("hasOnboarded":true)"), std::string::npos)
+        << fakemac::mac().defaults[kSettingsKey];
+}
+
+TEST_F(MacApplicationShellTest, WithoutThePermissionItIsAskedForAndOnceItIsGivenAllWorks) {
+    fakemac::mac().trusted = false;
+    launch();
+    EXPECT_EQ(fakemac::mac().prompted.size(), 1U);
+    const auto window = openEditorWindow();
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+    EXPECT_EQ(frameOf(window), kWindow);
+
+    fakemac::mac().trusted = true;
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+
+    EXPECT_NE(frameOf(window), kWindow);
+}
+
+TEST_F(MacApplicationShellTest, TheMenuLeadsToThePermission) {
+    fakemac::mac().trusted = false;
+    launch();
+
+    choose({"Grant Accessibility access..."});
+    EXPECT_TRUE(until([] { return fakemac::mac().opened == Lines{kPrivacySettings}; }));
+    EXPECT_EQ(fakemac::mac().prompted.size(), 2U);
+
+    fakemac::mac().trusted = true;
+    ASSERT_FALSE(fakemac::openStatusMenu().empty());
+    EXPECT_FALSE(fakemac::clickAt({"Grant Accessibility access..."}));
+}
+
+TEST_F(MacApplicationShellTest, ASecondCopyShowsTheSettingsOfTheFirst) {
+    launch();
+
+    fakemac::mac().ownPid = 4343;
+    fakemac::launch(4343, {.bundleIdentifier = kOwnIdentifier});
+    EXPECT_EQ(macos::MacSingleInstance().claim([] {}), nullptr);
+
+    EXPECT_TRUE(until([] { return settingsWindow() != nullptr; }));
+}
+
+TEST_F(MacApplicationShellTest, OpeningTheProgramAgainShowsTheSettings) {
+    launch();
+
+    EXPECT_TRUE(fakemac::openAgain());
+
+    EXPECT_TRUE(until([] { return settingsWindow() != nullptr; }));
+}
+
+TEST_F(MacApplicationShellTest, ASecondCopyTouchesNothing) {
+    fakemac::launch(1, {.startedAt = 1, .bundleIdentifier = kOwnIdentifier});
+
+    EXPECT_EQ(launch(), Launch::AnotherCopyRuns);
+
+    EXPECT_EQ(fakemac::claims(), Lines());
+    EXPECT_EQ(fakemac::globalMonitors(), 0U);
+    EXPECT_EQ(fakemac::statusItems().size(), 0U);
+    EXPECT_EQ(fakemac::mac().prompted, Lines());
+}
+
+TEST_F(MacApplicationShellTest, TheEditMenuServesTheFieldsOfOurWindows) {
+    launch();
+    QLineEdit field(QStringLiteral("zone"));
+    field.show();
+    field.activateWindow();
+    field.setFocus();
+    drain();
+
+    EXPECT_TRUE(fakemac::pressMenuKey('a'));
+    EXPECT_TRUE(fakemac::pressMenuKey('c'));
+
+    EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("zone"));
+    EXPECT_EQ(fakemac::mac().actions, Lines()) << "the system has not been asked";
+}
+
+TEST_F(MacApplicationShellTest, AShortcutThatIsRecordedWorksAtOnce) {
+    constexpr std::uint32_t kKeyK = 40;
+    launch();
+    const auto window = openEditorWindow();
+    choose({"Settings..."});
+    EXPECT_TRUE(until([] { return settingsWindow() != nullptr; }));
+    settingsWindow()->findChild<QTabWidget*>()->setCurrentIndex(1);
+    fakemac::focus(fakemac::openWindow({.pid = fakemac::mac().ownPid, .axFrame = {0, 0, 400, 300}}));
+
+    ASSERT_NE(firstRecorder(), nullptr);
+    firstRecorder()->click();
+    fakemac::pressKeys(kKeyK, kCtrlOpt);
+    fakemac::focus(window);
+    fakemac::pressKeys(kKeyK, kCtrlOpt);
+
+    EXPECT_EQ(frameOf(window), (Rect{0, 25, 480, 438}));
+}
+
+TEST_F(MacApplicationShellTest, ClosingAWindowIsTheSystems) {
+    launch();
+
+    EXPECT_TRUE(fakemac::pressMenuKey('w'));
+
+    EXPECT_EQ(fakemac::mac().actions, Lines{"performClose:"});
+}
+
+} // namespace
+} // namespace tessarel

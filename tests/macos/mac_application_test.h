@@ -1,0 +1,132 @@
+#pragma once
+
+#include "mac_program.h"
+#include "macos/fake/fake_mac.h"
+#include "macos/fake/fake_menus.h"
+#include "macos/fake/fake_windows.h"
+#include "qt_program.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QTimer>
+#include <QWidget>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tessarel {
+
+/// The whole program, put together as on a Mac, on a fake Mac with two displays and an editor. Nothing of it
+/// may be left when it has ended.
+class MacApplicationTest : public ::testing::Test {
+protected:
+    static constexpr ProcessId kEditor = 7;
+    static constexpr const char* kEditorIdentifier = "org.example.editor";
+    static constexpr const char* kOwnIdentifier = "org.example.Tessarel";
+    static constexpr const char* kSettingsKey = "tessarel.settings.v1";
+    static constexpr std::uint32_t kCtrlOpt = 4096 + 2048;
+    static constexpr std::uint32_t kKey1 = 18;
+    static constexpr Rect kWindow{300, 200, 500, 400};
+
+    static void SetUpTestSuite() {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        describeProgramToQt();
+    }
+
+    MacApplicationTest() {
+        fakemac::reset();
+        fakemac::mac().ownBundleIdentifier = kOwnIdentifier;
+        fakemac::mac().symbols = {"rectangle.3.group"};
+        fakemac::mac().displays = {
+            {.number = 1, .frame = {0, 0, 1440, 900}, .visibleFrame = {0, 0, 1440, 875}},
+            {.number = 2, .frame = {1440, -124, 1120, 1024}, .visibleFrame = {1440, -124, 1120, 1024}}};
+        fakemac::launch(fakemac::mac().ownPid, {.bundleIdentifier = kOwnIdentifier, .isRegular = false});
+        fakemac::launch(kEditor, {.bundleIdentifier = kEditorIdentifier});
+        overlayView.emplace();
+        settings();
+    }
+    ~MacApplicationTest() override {
+        program.reset();
+        overlayView.reset();
+        EXPECT_EQ(fakemac::heldObjects(), std::vector<std::string>());
+    }
+
+    /// What the last start of the program has left: the welcome has been seen, no version is looked for
+    /// before the year 2100, and `more`.
+    static void settings(const std::string& more = {}) {
+        fakemac::mac().defaults[kSettingsKey] =
+            R"({"hasOnboarded": true, "lastUpdateCheck": 4102444800)" + more + "}";
+    }
+
+    AppDelegate::Launch launch() {
+        return program.emplace([this](QWidget&) { return overlayView->native(); }).launch();
+    }
+
+    /// A window of the editor's, in front.
+    static fakemac::WindowNumber openEditorWindow(const Rect& axFrame = kWindow) {
+        const auto window = fakemac::openWindow({.pid = kEditor, .axFrame = axFrame});
+        fakemac::focus(window);
+        return window;
+    }
+
+    [[nodiscard]] static Rect frameOf(fakemac::WindowNumber window) {
+        return fakemac::mac().windows.at(window).axFrame;
+    }
+
+    /// Opens the menu of the status item and clicks on the row that these titles lead to.
+    static void choose(const std::vector<std::string>& titles) {
+        ASSERT_FALSE(fakemac::openStatusMenu().empty());
+        const auto click = fakemac::clickAt(titles);
+        ASSERT_TRUE(click) << titles.back();
+        click();
+    }
+
+    /// The window of the program's with this title, as long as it is shown.
+    [[nodiscard]] static QWidget* shownWindow(const QString& title) {
+        for (QWidget* const window : QApplication::topLevelWidgets()) {
+            if (window->isVisible() && window->windowTitle() == title)
+                return window;
+        }
+        return nullptr;
+    }
+    [[nodiscard]] static QWidget* settingsWindow() {
+        return shownWindow(QStringLiteral("Tessarel Settings"));
+    }
+    /// Alone among the windows it has no title.
+    [[nodiscard]] static QWidget* overlay() { return shownWindow(QString()); }
+
+    /// Turns the loop until `holds` does; false when that takes longer than it ever should.
+    template <class Condition>
+    [[nodiscard]] static bool until(Condition holds) {
+        QTimer safety;
+        safety.setSingleShot(true);
+        safety.start(std::chrono::seconds(20));
+        while (!holds() && safety.isActive())
+            QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        return holds();
+    }
+
+    /// Turns the loop until all that was due has been done.
+    void drain() {
+        bool last = false;
+        program->mainQueue().async([&last] { last = true; });
+        EXPECT_TRUE(until([&last] { return last; }));
+    }
+
+    std::optional<fakemac::View> overlayView;
+
+private:
+    int m_argumentCount = 1;
+    std::array<char, 9> m_programName{"Tessarel"};
+    std::array<char*, 2> m_arguments{m_programName.data(), nullptr};
+    QApplication m_application{m_argumentCount, m_arguments.data()};
+
+protected:
+    std::optional<MacProgram> program; // ends before Qt does
+};
+
+} // namespace tessarel
