@@ -40,6 +40,10 @@ struct WindowEngine::Target {
     Rect axFrame;
 };
 
+struct WindowEngine::TargetOnScreen : Target {
+    Rect axVisible; ///< what windows may fill of its screen
+};
+
 WindowEngine::WindowEngine(AX& ax, Geo& geo, DisplaysPort& displays, WorkspacePort& workspace,
                            WindowListPort& windowList, AlertSoundPort& alertSound, Store& store)
     : m_ax(ax), m_geo(geo), m_displays(displays), m_workspace(workspace), m_windowList(windowList),
@@ -88,26 +92,20 @@ void WindowEngine::remember(const std::optional<std::string>& bundleID, std::siz
 }
 
 void WindowEngine::snapFocused(const Zone& zone, std::optional<std::size_t> index) {
-    const auto focused = target();
+    const auto focused = targetOnScreen();
     if (!focused)
         return;
-    const auto screen = m_geo.screen(focused->axFrame);
-    if (!screen)
-        return;
-    const Rect visible = m_geo.axVisible(*screen);
+    const Rect& visible = focused->axVisible;
     place(focused->window, focused->app.processIdentifier, m_geo.zoneFrame(zone, visible), visible, {});
     if (index)
         remember(focused->app.bundleIdentifier, *index);
 }
 
 void WindowEngine::centerFocused() {
-    const auto focused = target();
+    const auto focused = targetOnScreen();
     if (!focused)
         return;
-    const auto screen = m_geo.screen(focused->axFrame);
-    if (!screen)
-        return;
-    const Rect visible = m_geo.axVisible(*screen);
+    const Rect& visible = focused->axVisible;
     const double width = std::min(focused->axFrame.absWidth(), visible.absWidth());
     const double height = std::min(focused->axFrame.absHeight(), visible.absHeight());
     const Rect centred{std::round(visible.midX() - width * 0.5), std::round(visible.midY() - height * 0.5),
@@ -166,6 +164,14 @@ std::optional<WindowEngine::Target> WindowEngine::target() const {
     if (!axFrame)
         return {};
     return Target{std::move(focused->window), std::move(focused->app), *axFrame};
+}
+
+std::optional<WindowEngine::TargetOnScreen> WindowEngine::targetOnScreen() const {
+    auto focused = target();
+    const auto screen = focused ? m_geo.screen(focused->axFrame) : std::nullopt;
+    if (!screen)
+        return {};
+    return TargetOnScreen{{std::move(*focused)}, m_geo.axVisible(*screen)};
 }
 
 } // namespace tessarel

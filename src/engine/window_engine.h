@@ -84,9 +84,11 @@ public:
 
 private:
     struct Target;
+    struct TargetOnScreen;
 
     [[nodiscard]] std::optional<FocusedWindow> usableFocusedWindow() const;
     [[nodiscard]] std::optional<Target> target() const;
+    [[nodiscard]] std::optional<TargetOnScreen> targetOnScreen() const;
     [[nodiscard]] std::optional<Element> match(const Rect& axBounds, ProcessId pid,
                                                const std::unordered_set<WindowKey>& seen) const;
     [[nodiscard]] std::optional<Screen> attendedScreen() const;
