@@ -1,11 +1,10 @@
 #include "contract/contract_desktop.h"
+#include "contract/x11_contract_stage.h"
 #include "platform/qt/qt_local_keys.h"
-#include "platform/qt/qt_main_queue.h"
 #include "platform/sim/sim_services.h"
 #include "platform/x11/accessibility.h"
 #include "platform/x11/bell.h"
 #include "platform/x11/client_windows.h"
-#include "platform/x11/connection.h"
 #include "platform/x11/displays.h"
 #include "platform/x11/file_preferences.h"
 #include "platform/x11/hot_keys.h"
@@ -16,29 +15,17 @@
 #include "platform/x11/single_instance.h"
 #include "platform/x11/trust.h"
 #include "platform/x11/workspace.h"
-#include "support/x11/chosen_window_manager.h"
-#include "support/x11/keyboard.h"
-#include "support/x11/mouse.h"
-#include "support/x11/observer.h"
-#include "support/x11/qt_barrier.h"
-#include "support/x11/test_client.h"
-#include "support/x11/window_manager.h"
-#include "support/x11/x_server.h"
 
 #include <QEventLoop>
-#include <QGuiApplication>
-#include <QRasterWindow>
 #include <QTimer>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <fstream>
 #include <functional>
 #include <iterator>
 #include <map>
 #include <optional>
-#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -51,11 +38,6 @@ using x11test::Frame;
 using x11test::Observer;
 using x11test::StateChange;
 using x11test::TestClient;
-
-void require(bool holds, const char* what) {
-    if (!holds)
-        throw std::runtime_error(std::string("it never came to pass: ") + what);
-}
 
 int pixels(double value) {
     return static_cast<int>(std::lround(value));
@@ -81,122 +63,6 @@ std::uint16_t modifierMask(std::uint64_t modifierFlags) {
         mask |= (modifierFlags & flag) != 0 ? bit : 0U;
     return static_cast<std::uint16_t>(mask);
 }
-
-/// Two monitors under a window manager, shared by all cases.
-class Stage {
-public:
-    static Stage& shared() {
-        static Stage stage;
-        return stage;
-    }
-
-    void reset() {
-        if (!std::exchange(m_complete, true))
-            server.setMonitors(x11test::twoMonitors());
-    }
-
-    void disconnectSecondDisplay() {
-        m_complete = false;
-        server.setMonitors({x11test::twoMonitors().front()});
-    }
-
-    x11test::XServer server{{.width = 2560, .height = 1024, .monitors = x11test::twoMonitors()}};
-    x11test::WindowManager manager{server, x11test::chosenWindowManager()};
-    Observer observer{server.display()};
-    x11test::Keyboard keyboard{server, observer};
-    x11test::Mouse mouse{observer};
-    // What windows are larger than their clients by; some managers leave parts of it out where there is
-    // nothing to resize.
-    const Extents decoration = measureDecoration({});
-    const Extents fixedDecoration = measureDecoration({.minimum = {{500, 400}}, .maximum = {{500, 400}}});
-
-private:
-    Extents measureDecoration(const x11test::WindowOptions& options) {
-        TestClient client(server);
-        const xcb_window_t window = client.open(options);
-        observer.watch(window);
-        const auto extents = [&] { return observer.extents(window, "_NET_FRAME_EXTENTS"); };
-        require(observer.waitUntil([&] { return observer.managed(window) && extents(); }), "a window");
-        const Extents measured = extents().value_or(Extents{});
-        client.process().kill();
-        require(observer.waitUntil([&] { return observer.clients().empty(); }), "an empty desktop");
-        return measured;
-    }
-
-    bool m_complete = true;
-};
-
-/// The program's windows on the stage, and its event loop.
-class Program {
-public:
-    static Program& shared() {
-        static Program program(Stage::shared());
-        return program;
-    }
-
-    void focusOwnWindow() {
-        m_window.emplace();
-        m_window->setGeometry(300, 200, 200, 100);
-        m_window->show();
-        m_window->requestActivate();
-        require(m_barrier->waitUntil([this] { return QGuiApplication::focusWindow() == &*m_window; }),
-                "the focus in a window of ours");
-        settle();
-    }
-    void waitUntilWithoutFocus() {
-        require(m_barrier->waitUntil([] { return QGuiApplication::focusWindow() == nullptr; }),
-                "the focus elsewhere");
-        settle(); // Qt lets go of the keyboard
-    }
-    void closeWindow() {
-        m_window.reset();
-        settle();
-    }
-    void settle() { require(m_barrier->pass(), "an answer of Qt"); }
-
-private:
-    explicit Program(Stage& stage) {
-        for (const auto& [name, value] : stage.server.environment())
-            qputenv(name.c_str(), value.c_str());
-        qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
-        qputenv("QT_QPA_PLATFORM", "xcb");
-        m_application.emplace(m_argumentCount, m_arguments.data());
-        m_barrier.emplace(stage.observer);
-    }
-
-    int m_argumentCount = 1;
-    std::array<char, 5> m_programName{"test"};
-    std::array<char*, 2> m_arguments{m_programName.data(), nullptr};
-    std::optional<QGuiApplication> m_application;
-    std::optional<x11test::QtBarrier> m_barrier;
-    std::optional<QRasterWindow> m_window;
-};
-
-/// A connection that lives on the event loop.
-class Line {
-public:
-    explicit Line(const std::string& display) : m_connection(open(display, m_queue)) {
-        m_readable = m_queue.onReadable(m_connection->fileDescriptor(), [this] { m_connection->dispatch(); });
-    }
-
-    [[nodiscard]] x11::Connection& connection() { return *m_connection; }
-    [[nodiscard]] MainQueuePort& queue() { return m_queue; }
-
-    /// Reads all that the server has sent before it answers.
-    void roundTrip() { (void)m_connection->internAtom("PRIMARY"); }
-
-private:
-    static std::unique_ptr<x11::Connection> open(const std::string& display, MainQueuePort& queue) {
-        auto opened = x11::Connection::open(display.c_str(), queue);
-        if (!opened.connection)
-            throw std::runtime_error(opened.failure);
-        return std::move(opened.connection);
-    }
-
-    qt::QtMainQueue m_queue;
-    std::unique_ptr<x11::Connection> m_connection;
-    SubscriptionPtr m_readable;
-};
 
 class CallOnEnd : public Subscription {
 public:
