@@ -19,7 +19,9 @@ using Lines = std::vector<std::string>;
 /// Writes down what is heard of applications and of the windows that the client opens.
 class ApplicationWatchTest : public X11Test {
 protected:
-    ApplicationWatchTest() { listenTo(watch); }
+    explicit ApplicationWatchTest(SharedDesktop& shared = SharedDesktop::withManager()) : X11Test(shared) {
+        listenTo(watch);
+    }
 
     void listenTo(ApplicationWatch& told) {
         observers.clear();
@@ -194,6 +196,70 @@ TEST_F(ApplicationWatchTest, WhatRunsAlreadyIsNotLaunched) {
     latecomer.hear();
 
     EXPECT_EQ(launches, 0);
+}
+
+/// Programs whose connections are all made by one process in between, which is what the server knows.
+class ProxyTest : public ApplicationWatchTest {
+protected:
+    ProxyTest() {
+        (void)open({.className = "Editor"});
+        (void)open({.className = "Mail"});
+    }
+};
+
+TEST_F(ProxyTest, TheyAreOneApplicationThatIsLaunchedOnce) {
+    EXPECT_EQ(take(), (Lines{"launched Editor", "activated Editor", "opened"}));
+    EXPECT_EQ(workspace.runningApplications().size(), 1U);
+}
+
+TEST_F(ProxyTest, TheOneInFrontGivesTheApplicationItsName) {
+    EXPECT_EQ(workspace.frontmostApplication(), (RunningApplication{client.pid(), "Mail"}));
+    EXPECT_EQ(workspace.runningApplication(client.pid()), (RunningApplication{client.pid(), "Mail"}));
+
+    (void)open({.className = "Editor"});
+    EXPECT_EQ(workspace.frontmostApplication(), (RunningApplication{client.pid(), "Editor"}));
+}
+
+TEST_F(ProxyTest, TheyTerminateTogether) {
+    (void)take();
+    client.process().kill();
+    ASSERT_TRUE(observer.waitUntil([&] { return observer.clients().empty(); }));
+    settle();
+
+    EXPECT_EQ(take(), Lines{"terminated Editor"});
+}
+
+/// A server that cannot tell whose a client is, as with programs on another machine.
+class UnknownProcessTest : public ApplicationWatchTest {
+protected:
+    UnknownProcessTest() : ApplicationWatchTest(SharedDesktop::withoutProcesses()) {}
+
+    [[nodiscard]] xcb_window_t openNobodys() { return open({.className = "Editor", .processId = false}); }
+};
+
+TEST_F(UnknownProcessTest, AWindowThatDoesNotSayItEitherIsNobodys) {
+    const xcb_window_t window = openNobodys();
+
+    EXPECT_EQ(windows.activeWindow(), window);
+    EXPECT_EQ(windows.pid(window), std::nullopt);
+    EXPECT_FALSE(workspace.frontmostApplication());
+    EXPECT_TRUE(workspace.runningApplications().empty());
+    EXPECT_FALSE(accessibility.elementAtPosition(accessibility.systemWide(), actualFrame(window).origin()));
+}
+
+TEST_F(UnknownProcessTest, NobodyHearsOfIt) {
+    close(openNobodys());
+    (void)openNobodys();
+
+    EXPECT_EQ(take(), Lines{});
+}
+
+TEST_F(UnknownProcessTest, WhatAWindowSaysIsBelieved) {
+    (void)openNobodys();
+    (void)open({.className = "Mail"});
+
+    EXPECT_EQ(take(), (Lines{"launched Mail", "activated Mail"}));
+    EXPECT_EQ(workspace.frontmostApplication(), (RunningApplication{client.pid(), "Mail"}));
 }
 
 /// Hears of applications whose processes start and end as the test says.

@@ -7,17 +7,32 @@
 
 namespace tessarel::x11 {
 
-SharedDesktop& SharedDesktop::withManager() {
-    static SharedDesktop desktop;
+namespace {
+
+/// `desktop`, with a manager even if the case before has ended it.
+SharedDesktop& managed(SharedDesktop& desktop) {
     if (!desktop.manager)
         desktop.manager =
             std::make_unique<x11test::WindowManager>(desktop.server, x11test::chosenWindowManager());
     return desktop;
 }
 
+} // namespace
+
+SharedDesktop& SharedDesktop::withManager() {
+    static SharedDesktop desktop;
+    return managed(desktop);
+}
+
 SharedDesktop& SharedDesktop::withoutManager() {
     static SharedDesktop desktop;
     return desktop;
+}
+
+SharedDesktop& SharedDesktop::withoutProcesses() {
+    static SharedDesktop desktop{
+        .server = x11test::XServer{{.width = 1600, .height = 900, .monitors = {}, .tellsProcesses = false}}};
+    return managed(desktop);
 }
 
 ConnectionDriver::ConnectionDriver(const std::string& display)

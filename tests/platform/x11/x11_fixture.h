@@ -29,6 +29,8 @@ struct SharedDesktop {
     /// Openbox, or what $TESSAREL_TEST_WINDOW_MANAGER names.
     [[nodiscard]] static SharedDesktop& withManager();
     [[nodiscard]] static SharedDesktop& withoutManager();
+    /// With a manager, on a server that cannot tell which process a client is.
+    [[nodiscard]] static SharedDesktop& withoutProcesses();
 };
 
 /// The connection under test, pumped by hand.

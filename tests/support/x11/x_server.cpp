@@ -37,7 +37,11 @@ Environment privateEnvironment(const std::filesystem::path& folder) {
 
 std::vector<std::string> serverCommand(const XServerOptions& options) {
     const std::string screen = std::to_string(options.width) + "x" + std::to_string(options.height) + "x24";
-    return {"Xvfb", "-displayfd", "1", "-screen", "0", screen, "-noreset", "-nolisten", "tcp", "-dpi", "96"};
+    std::vector<std::string> command = {"Xvfb",     "-displayfd", "1",   "-screen", "0", screen,
+                                        "-noreset", "-nolisten",  "tcp", "-dpi",    "96"};
+    if (!options.tellsProcesses)
+        command.insert(command.end(), {"-extension", "X-Resource"});
+    return command;
 }
 
 int millimetres(int pixels) {

@@ -42,6 +42,7 @@ struct XServerOptions {
     int height = 900;
     /// Without any, the server offers the whole root window as its one monitor.
     std::vector<Monitor> monitors = {};
+    bool tellsProcesses = true; ///< whether it can be asked which process a client is
 };
 
 /// A private X server without a screen, and a private home for everything that runs on it.
