@@ -1,30 +1,12 @@
 #include "desktop/homes_fixture.h"
+#include "desktop/real_program.h"
 
 #include <algorithm>
-#include <memory>
-#include <ostream>
 #include <tuple>
 #include <vector>
 
 namespace tessarel::x11test {
 namespace {
-
-/// A program as it is installed.
-struct RealProgram {
-    const char* name;
-    std::vector<std::string> arguments;
-};
-
-std::ostream& operator<<(std::ostream& stream, const RealProgram& program) {
-    return stream << program.name;
-}
-
-const std::vector<RealProgram> kPrograms = {
-    {"xterm", {"xterm", "-geometry", "60x12+200+150", "-e", "cat"}},
-    {"gtk3", {"mousepad", "--disable-server"}},
-    {"gtk4", {"gtk4-print-editor"}},
-    {"qt", {"featherpad", "--standalone"}},
-};
 
 using Cell = std::tuple<WindowManagerKind, RealProgram>;
 
@@ -32,22 +14,14 @@ using Cell = std::tuple<WindowManagerKind, RealProgram>;
 class RealProgramTest : public testing::TestWithParam<Cell> {
 protected:
     ~RealProgramTest() override {
-        process.reset();
+        program.process.reset();
         EXPECT_TRUE(desktop.waitUntilOnlyPanel());
     }
 
     /// Starts the program and waits for its window.
     [[nodiscard]] xcb_window_t start() {
-        const std::size_t before = observer.clients().size();
-        Environment environment = desktop.server().environment();
-        environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
-        environment["GSK_RENDERER"] = "cairo"; // there is no graphics card
-        process = std::make_unique<ChildProcess>(std::get<1>(GetParam()).arguments, environment);
-        EXPECT_TRUE(observer.waitUntil([&] { return observer.clients().size() > before; }))
-            << process->errors();
-        const xcb_window_t window = observer.clients().back();
-        observer.watch(window);
-        return window;
+        program = x11test::start(std::get<1>(GetParam()), desktop);
+        return program.window;
     }
 
     /// Whether the window fills the zone, but for what is left of a character at the right and below.
@@ -71,7 +45,7 @@ protected:
     Desktop& desktop = sharedDesktop(std::get<0>(GetParam()), kUsualSettings);
     Observer& observer = desktop.observer();
     const Frame zone = frameIn(desktop.usableArea(), kZones[4]);
-    std::unique_ptr<ChildProcess> process;
+    StartedProgram program;
 };
 
 TEST_P(RealProgramTest, OpensInItsZoneWhenItIsStartedAgain) {
@@ -80,7 +54,7 @@ TEST_P(RealProgramTest, OpensInItsZoneWhenItIsStartedAgain) {
     ASSERT_FALSE(isInZone(first));
     desktop.press(hotkey::zone(5));
     expectInZone(first);
-    process.reset();
+    program.process.reset();
     ASSERT_TRUE(desktop.waitUntilOnlyPanel());
 
     expectInZone(start());
@@ -91,7 +65,8 @@ std::string cellName(const testing::TestParamInfo<Cell>& info) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Some, RealProgramTest,
-                         testing::Combine(testing::ValuesIn(kManagersForHomes), testing::ValuesIn(kPrograms)),
+                         testing::Combine(testing::ValuesIn(kManagersForHomes),
+                                          testing::Values(kXterm, kGtk3Program, kGtk4Program, kQtProgram)),
                          cellName);
 
 } // namespace

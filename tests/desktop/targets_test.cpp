@@ -1,3 +1,4 @@
+#include "desktop/real_program.h"
 #include "desktop/snap_fixture.h"
 
 namespace tessarel::x11test {
@@ -6,10 +7,10 @@ namespace {
 /// Windows of programs that do not behave, under each window manager.
 class TargetsTest : public SnapFixture {};
 
-TEST_P(TargetsTest, AStoppedProgramDoesNotStopOthersFromBeingMoved) {
+TEST_P(TargetsTest, AStoppedProgramIsMovedAndDoesNotStopOthersFromBeingMoved) {
     const xcb_window_t window = desktop.open(client);
     client.stop();
-    desktop.press(hotkey::zone(1));
+    snap(window, 1);
 
     expectNextPressWorks();
 
@@ -89,6 +90,25 @@ TEST_P(TargetsTest, AnActiveWindowThatDoesNotExistHarmsNobody) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, TargetsTest, testing::ValuesIn(kAllWindowManagers), managerName);
+
+TEST(IgnoredProgramTest, IsLeftAloneWhenItWasChosenByAnEntryOfAnotherNameThanItsWindows) {
+    Desktop& desktop =
+        sharedDesktop(WindowManagerKind::Openbox,
+                      R"({"hasOnboarded":true,"rememberApps":false,"ignoredApps":["debian-xterm"]})");
+    ASSERT_TRUE(desktop.waitUntilOnlyPanel());
+    const StartedProgram ignored = start(kXterm, desktop);
+    ASSERT_TRUE(desktop.activate(ignored.window));
+    const Frame before = desktop.frame(ignored.window);
+
+    desktop.press(hotkey::zone(1));
+
+    TestClient client(desktop.server());
+    const xcb_window_t other = desktop.open(client);
+    const Frame zone = frameIn(desktop.usableArea(), kZones[3]);
+    desktop.press(hotkey::zone(4));
+    EXPECT_EQ(desktop.settledFrame(other, zone), zone);
+    EXPECT_EQ(desktop.frame(ignored.window), before);
+}
 
 } // namespace
 } // namespace tessarel::x11test

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "desktop/desktop.h"
+#include "support/x11/child_process.h"
+
+#include <xcb/xcb.h>
+
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace tessarel::x11test {
+
+/// A program as it is installed.
+struct RealProgram {
+    const char* name;
+    std::vector<std::string> arguments;
+};
+
+inline const RealProgram kXterm{"xterm", {"xterm", "-geometry", "60x12+200+150", "-e", "cat"}};
+inline const RealProgram kGtk3Program{"gtk3", {"mousepad", "--disable-server"}};
+inline const RealProgram kGtk4Program{"gtk4", {"gtk4-print-editor"}};
+inline const RealProgram kQtProgram{"qt", {"featherpad", "--standalone"}};
+
+std::ostream& operator<<(std::ostream& stream, const RealProgram& program);
+
+/// A program that runs on a desktop, and its window; it ends with this.
+struct StartedProgram {
+    std::unique_ptr<ChildProcess> process;
+    xcb_window_t window = XCB_WINDOW_NONE; ///< managed
+};
+
+[[nodiscard]] StartedProgram start(const RealProgram& program, Desktop& desktop);
+
+} // namespace tessarel::x11test

@@ -1,0 +1,71 @@
+#include "desktop/real_program.h"
+#include "desktop/snap_fixture.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <csignal>
+#include <tuple>
+#include <vector>
+
+namespace tessarel::x11test {
+namespace {
+
+using Cell = std::tuple<WindowManagerKind, RealProgram>;
+
+/// A program of a toolkit whose windows agree with the window manager about each new size, and that has been
+/// stopped.
+class StoppedProgramTest : public testing::TestWithParam<Cell> {
+protected:
+    ~StoppedProgramTest() override {
+        program.process.reset();
+        client.process().kill();
+        EXPECT_TRUE(desktop.waitUntilOnlyPanel());
+    }
+
+    /// Whether the window manager waits until the program has drawn itself at a new size.
+    [[nodiscard]] bool isSynchronised() {
+        const auto protocols = observer.values(program.window, "WM_PROTOCOLS");
+        return std::ranges::find(protocols, observer.x().atom("_NET_WM_SYNC_REQUEST")) != protocols.end();
+    }
+
+    void expectInZone(xcb_window_t window, int number) {
+        const Frame zone = frameIn(desktop.usableArea(), kZones.at(static_cast<std::size_t>(number - 1)));
+        EXPECT_EQ(desktop.settledFrame(window, zone), zone) << "zone " << number;
+    }
+
+    Desktop& desktop = sharedDesktop(std::get<0>(GetParam()), kNoHomes);
+    Observer& observer = desktop.observer();
+    TestClient client{desktop.server()};
+    StartedProgram program = start(std::get<1>(GetParam()), desktop);
+};
+
+TEST_P(StoppedProgramTest, GoesToItsZoneAllTheSameAndKeepsNobodyWaiting) {
+    ASSERT_TRUE(isSynchronised());
+    ASSERT_TRUE(desktop.activate(program.window));
+    desktop.press(hotkey::zone(5));
+    expectInZone(program.window, 5);
+
+    program.process->signal(SIGSTOP);
+    desktop.press(hotkey::zone(4));
+    expectInZone(program.window, 4);
+    const xcb_window_t other = desktop.open(client);
+    desktop.press(hotkey::zone(5));
+    expectInZone(other, 5);
+
+    program.process->signal(SIGCONT);
+    expectInZone(program.window, 4);
+    EXPECT_TRUE(desktop.program().running());
+}
+
+std::string cellName(const testing::TestParamInfo<Cell>& info) {
+    return std::string(name(std::get<0>(info.param))) + "_" + std::get<1>(info.param).name;
+}
+
+INSTANTIATE_TEST_SUITE_P(Every, StoppedProgramTest,
+                         testing::Combine(testing::ValuesIn(kAllWindowManagers),
+                                          testing::Values(kGtk3Program, kQtProgram)),
+                         cellName);
+
+} // namespace
+} // namespace tessarel::x11test
