@@ -5,6 +5,7 @@
 #import <AppKit/AppKit.h>
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 // Menus, the status bar, and the application that the main menu belongs to.
 
@@ -86,6 +87,7 @@ using namespace tessarel::fakemac;
 namespace {
 
 std::vector<NSStatusItem*> statusItemsUp;
+std::size_t statusItemsForgotten = 0; // let go of, and not taken down
 
 } // namespace
 
@@ -223,7 +225,7 @@ std::vector<NSStatusItem*> statusItemsUp;
     return self;
 }
 - (void)dealloc {
-    std::erase(statusItemsUp, self); // the bar does not keep it
+    statusItemsForgotten += std::erase(statusItemsUp, self); // the bar does not keep it
     self.button = nil;
     self.menu = nil;
     [super dealloc];
@@ -390,6 +392,8 @@ bool pressMenuKey(char key, bool withShift) {
 void describeStatusItems(std::vector<std::string>& lines) {
     if (!statusItemsUp.empty())
         lines.push_back(std::to_string(statusItemsUp.size()) + " status items");
+    if (const std::size_t forgotten = std::exchange(statusItemsForgotten, 0); forgotten != 0)
+        lines.push_back(std::to_string(forgotten) + " status items that nobody has taken down");
 }
 
 } // namespace tessarel::fakemac
