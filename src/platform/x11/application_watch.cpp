@@ -125,13 +125,15 @@ std::unordered_set<ProcessId> ApplicationWatch::ended() const {
 }
 
 /// The listed windows that are new, and notes whose they are. The number of a window whose process has ended
-/// may be another's by now, even if it has never been seen to go.
+/// may be another's by now, even if it has never been seen to go; so may that of a window of nobody, which
+/// may have gone before it was asked.
 std::vector<xcb_window_t> ApplicationWatch::takeOpened(const std::vector<xcb_window_t>& listed) {
     std::vector<xcb_window_t> unsure;
     const auto hasEnded = ended();
     std::copy_if(listed.begin(), listed.end(), std::back_inserter(unsure), [&](xcb_window_t window) {
         const auto known = m_known.find(window);
-        return known == m_known.end() || !known->second.isListed || hasEnded.contains(known->second.pid);
+        return known == m_known.end() || !known->second.isListed || known->second.pid == 0 ||
+               hasEnded.contains(known->second.pid);
     });
     m_windows.learnAll(unsure);
     std::erase_if(unsure, [this](xcb_window_t window) {

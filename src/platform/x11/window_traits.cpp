@@ -113,7 +113,9 @@ std::optional<ProcessId> PidRequest::collect() {
     const auto claim = propertyReply(*m_connection, m_claim);
     if (m_client) {
         const auto ids = m_connection->reply<xcb_res_query_client_ids_reply>(*m_client);
-        if (const auto pid = plausiblePid(pidIn(ids.get())))
+        const auto pid = plausiblePid(pidIn(ids.get()));
+        // The server tells whose a number would be before there is a window of that number.
+        if (pid && claim)
             return pid;
     }
     return plausiblePid(value(claim));

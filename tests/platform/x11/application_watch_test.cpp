@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -53,6 +54,14 @@ protected:
         client.destroy(window);
         EXPECT_TRUE(observer.waitUntil([&] { return !observer.managed(window); }));
         settle();
+    }
+
+    /// Adds nothing to the list, of which the server tells all the same.
+    void sayAgainWhatIsListed() {
+        xcb_connection_t* x = observer.x().get();
+        xcb_change_property(x, XCB_PROP_MODE_APPEND, observer.root(), observer.x().atom("_NET_CLIENT_LIST"),
+                            XCB_ATOM_WINDOW, 32, 0, nullptr);
+        observer.x().roundTrip();
     }
 
     Lines take() { return std::exchange(heard, {}); }
@@ -130,6 +139,25 @@ TEST_F(ApplicationWatchTest, ANumberThatHasGoneOverToAnotherProgramUnseenIsANewW
 
     const Lines lines = take();
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "terminated Before"), 1);
+    EXPECT_EQ(std::count(lines.begin(), lines.end(), "launched After"), 1);
+}
+
+TEST_F(ApplicationWatchTest, ANumberThatIsStillListedIsNoWindowOfTheProgramThatGetsItNext) {
+    auto before = std::make_unique<x11test::TestClient>(desktop.server);
+    const xcb_window_t window = openUnfocused(*before, {.className = "Before"});
+    desktop.manager->process().signal(SIGSTOP);
+    before->process().kill();
+    ASSERT_TRUE(observer.waitUntil([&] { return !observer.clientFrame(window); }));
+    x11test::TestClient after(desktop.server);
+    after.destroy(window); // of which there is none: it answers once it is connected
+    sayAgainWhatIsListed();
+    driver.hear();
+    (void)take();
+
+    desktop.manager->process().signal(SIGCONT);
+    ASSERT_EQ(openUnfocused(after, {.className = "After"}), window);
+
+    const Lines lines = take();
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "launched After"), 1);
 }
 
