@@ -1,19 +1,30 @@
 // From exec to readiness: Tessarel holding all its keys against an empty Qt tray program in its loop. Keys
-// that are held are no use before they are answered, so one is pressed at that very moment.
+// that are held are no use before they are answered, so one is pressed at that very moment. Then Tessarel
+// alone: among no and among many installed programs, and with and without an update check that is due.
 //
 //   start DIRECTORY [REPETITIONS]
 
+#include "support/entry_folder.h"
 #include "support/keyboard.h"
 #include "support/resident.h"
+#include "support/scratch_folder.h"
 #include "support/statistics.h"
 #include "support/table.h"
 #include "support/target.h"
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <random>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace tessarel::bench {
 
@@ -76,9 +87,9 @@ void report(const std::vector<Resident>& programs, const std::vector<Times>& tim
     table.print("Start, exec to ready, " + std::to_string(repetitions) + " starts each");
 }
 
-void measure(const std::string& directory, int repetitions) {
+/// Every program `repetitions` times, in shuffled order.
+std::vector<Times> timesOf(const std::vector<Resident>& programs, int repetitions) {
     Desktop desktop;
-    const auto programs = residents(directory);
     std::vector<std::size_t> order;
     for (std::size_t program = 0; program < programs.size(); ++program) {
         Times unused; // the files come from the disk this time
@@ -91,7 +102,71 @@ void measure(const std::string& directory, int repetitions) {
     std::vector<Times> times(programs.size());
     for (const auto program : order)
         desktop.start(programs[program], times[program]);
-    report(programs, times, repetitions);
+    return times;
+}
+
+/// Tessarel with more or less to do once it has started.
+class Surroundings {
+public:
+    explicit Surroundings(std::string program) : m_program(std::move(program)) {
+        const std::filesystem::path usual = std::getenv("XDG_CONFIG_HOME");
+        std::filesystem::copy(usual / "tessarel", m_checked.path() / "tessarel");
+        std::string settings = contentOf(m_checked.path() / kSettings);
+        const auto now = std::chrono::system_clock::now().time_since_epoch();
+        settings.insert(settings.find('{') + 1,
+                        "\"lastUpdateCheck\": " +
+                            std::to_string(std::chrono::duration_cast<std::chrono::seconds>(now).count()) +
+                            ",");
+        std::ofstream(m_checked.path() / kSettings) << settings;
+    }
+
+    /// In pairs: without something, and with it.
+    [[nodiscard]] std::vector<Resident> pairs() const {
+        const std::string nothing = m_nothing.path();
+        const std::string noneOfSystem = "XDG_DATA_DIRS=" + nothing;
+        return {program("no program installed", {"XDG_DATA_HOME=" + nothing, noneOfSystem}),
+                program("5,000 installed", {"XDG_DATA_HOME=" + m_many.dataHome().string(), noneOfSystem}),
+                program("no update check due", {"XDG_CONFIG_HOME=" + m_checked.path().string()}),
+                program("one due", {"XDG_CONFIG_HOME=" + std::string(std::getenv("XDG_CONFIG_HOME"))})};
+    }
+
+private:
+    static constexpr const char* kSettings = "tessarel/tessarel.settings.v1.json";
+
+    static std::string contentOf(const std::filesystem::path& file) {
+        std::ifstream stream(file);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+    [[nodiscard]] Resident program(std::string name, std::vector<std::string> environment) const {
+        return {.name = std::move(name), .path = m_program, .environment = std::move(environment)};
+    }
+
+    std::string m_program;
+    ScratchFolder m_nothing;
+    ScratchFolder m_checked; // settings of somebody whose last check was a moment ago
+    EntryFolder m_many{5000};
+};
+
+void reportPairs(const std::vector<Resident>& pairs, const std::vector<Times>& times, int repetitions) {
+    Table table({"tessarel with", "measured", "ready p50 ms", "ready / without", "first answer p50 ms",
+                 "first answer / without"});
+    for (std::size_t with = 0; with < pairs.size(); ++with) {
+        const std::size_t without = with - with % 2;
+        const double ready = median(times[with].ready);
+        const double answer = median(times[with].firstAnswer);
+        table.add({pairs[with].name, std::to_string(times[with].ready.size()), number(ready, 1),
+                   number(ready / median(times[without].ready)), number(answer, 1),
+                   number(answer / median(times[without].firstAnswer))});
+    }
+    table.print("Start, with more to do, " + std::to_string(repetitions) + " starts each");
+}
+
+void measure(const std::string& directory, int repetitions) {
+    const auto programs = residents(directory);
+    report(programs, timesOf(programs, repetitions), repetitions);
+    const Surroundings surroundings(programs.back().path);
+    const auto pairs = surroundings.pairs();
+    reportPairs(pairs, timesOf(pairs, repetitions), repetitions);
 }
 
 } // namespace

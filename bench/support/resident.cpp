@@ -46,7 +46,11 @@ std::vector<Resident> residents(const std::filesystem::path& directory) {
 }
 
 std::unique_ptr<ChildProcess> startAndAwait(const Resident& resident, const Connection& connection) {
-    auto program = std::make_unique<ChildProcess>(std::vector{resident.path});
+    std::vector<std::string> command = resident.environment;
+    if (!command.empty())
+        command.insert(command.begin(), "env");
+    command.push_back(resident.path);
+    auto program = std::make_unique<ChildProcess>(command);
     const auto end = Clock::now() + kStartTimeout;
     for (;;) {
         const bool held = allHeld(connection, kDefaultBindings);

@@ -16,6 +16,8 @@ struct Resident {
     std::string path;
     /// Whether it is ready when it says so; otherwise when it holds all its keys.
     bool saysSo = false;
+    /// `NAME=value` each, in place of what the bench has itself.
+    std::vector<std::string> environment = {};
 };
 
 /// Tessarel, and a Qt program in the tray that does nothing; both lie in `directory`.
