@@ -98,10 +98,16 @@ void Mouse::clickCentre(const Frame& frame, std::uint8_t button) {
 }
 
 DesktopBus::DesktopBus(const Environment& environment)
-    : m_process({"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address",
-                 "--address=unix:dir=" + environment.at("XDG_RUNTIME_DIR")},
-                environment),
-      m_address(m_process.readLine()) {}
+    : m_environment(environment), m_address("unix:path=" + environment.at("XDG_RUNTIME_DIR") + "/bus") {
+    start();
+}
+
+void DesktopBus::start() {
+    m_process.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
+                                               "--print-address", "--address=" + m_address},
+                      m_environment);
+    (void)m_process->readLine(); // it listens by then
+}
 
 std::unique_ptr<ChildProcess> startTint2(const XServer& server, const Environment& environment,
                                          PanelColour colour) {

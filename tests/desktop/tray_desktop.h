@@ -38,12 +38,15 @@ class DesktopBus {
 public:
     explicit DesktopBus(const Environment& environment);
 
+    /// Stays the same when the bus starts again, as in a session.
     [[nodiscard]] const std::string& address() const { return m_address; }
-    void kill() { m_process.kill(); }
+    void kill() { m_process.reset(); }
+    void start();
 
 private:
-    ChildProcess m_process;
+    Environment m_environment;
     std::string m_address;
+    std::optional<ChildProcess> m_process;
 };
 
 /// A panel at the bottom of the screen with nothing in it but status icons.

@@ -5,6 +5,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <ctime>
+
 namespace tessarel::x11test {
 namespace {
 
@@ -31,6 +34,14 @@ protected:
     }
     bool waitForProperty(std::string_view name, const std::string& content) {
         return observer.waitUntil([&] { return desktop.property(name).find(content) != std::string::npos; });
+    }
+    /// What the probe has used so far.
+    std::chrono::nanoseconds processorTime() {
+        clockid_t clock{};
+        timespec used{};
+        EXPECT_EQ(::clock_getcpuclockid(probe->process().pid(), &clock), 0);
+        EXPECT_EQ(::clock_gettime(clock, &used), 0);
+        return std::chrono::seconds(used.tv_sec) + std::chrono::nanoseconds(used.tv_nsec);
     }
     std::string openedMenu() {
         desktop.aboutToShowMenu();
@@ -169,6 +180,23 @@ TEST_F(TrayStatusNotifierTest, TheBusMayGo) {
     probe->tell("title TS");
     probe->tell("clear");
 
+    EXPECT_TRUE(probe->process().running()) << probe->process().errors();
+}
+
+TEST_F(TrayStatusNotifierTest, TheBusMayComeBackAndNobodyHasRunRoundInCirclesMeanwhile) {
+    startPanel();
+    startProbe();
+    const auto since = std::chrono::steady_clock::now();
+    const std::chrono::nanoseconds busyBefore = processorTime();
+    bus.kill();
+    panel->kill();
+    probe->tell("disabled yes");
+
+    bus.start();
+    startPanel();
+    probe->tell("disabled no");
+
+    EXPECT_LT(processorTime() - busyBefore, (std::chrono::steady_clock::now() - since) / 2);
     EXPECT_TRUE(probe->process().running()) << probe->process().errors();
 }
 
