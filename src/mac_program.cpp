@@ -1,21 +1,36 @@
 #include "mac_program.h"
 
+#include "platform/macos/accent_color.h"
 #include "platform/macos/overlay_properties.h"
 #include "platform/qt/focus_editing.h"
+#include "platform/qt/overlay_colors.h"
 #include "settings_ui/settings_window_controller.h"
+
+#include <QColor>
 
 #include <memory>
 #include <utility>
 
 namespace tessarel {
 
+namespace {
+
+QColor accent() {
+    const auto color = macos::accentColor();
+    if (!color)
+        return {qt::kAccent};
+    return QColor::fromRgbF(static_cast<float>(color->red), static_cast<float>(color->green),
+                            static_cast<float>(color->blue));
+}
+
+} // namespace
+
 MacProgram::MacProgram(NativeView nativeView)
     : m_desktop(qt::editInFocus),
-      m_overlay(
-          m_queue, [this](const Rect& screenFrame) { return placeForQt(screenFrame); },
-          [nativeView = std::move(nativeView)](QWidget& window) {
-              macos::becomeOverlay(nativeView(window));
-          }),
+      m_overlay(m_queue, {.place = [this](const Rect& screenFrame) { return placeForQt(screenFrame); },
+                          .prepare = [view = std::move(nativeView)](
+                                         QWidget& window) { macos::becomeOverlay(view(window)); },
+                          .accent = accent}),
       m_delegate(ports(), [](Services& services, const Ports& all) {
           return std::make_unique<SettingsWindowController>(services, all);
       }) {}

@@ -55,6 +55,27 @@ TEST_F(MacApplicationDragTest, TheZoneUnderThePointerStandsOut) {
     EXPECT_EQ(picture.pixelColor(40, 10).alpha(), 0) << "under the menu bar there is no zone";
 }
 
+TEST_F(MacApplicationDragTest, TheZonesHaveTheUsersAccentColour) {
+    fakemac::mac().accent = {1, 0, 0};
+    press();
+    fakemac::mac().modifierFlags = kShiftFlag;
+    drag({100, 100});
+
+    ASSERT_NE(overlay(), nullptr);
+    const QColor color = overlay()->grab().toImage().pixelColor(40, 60);
+    EXPECT_GT(color.red(), 200);
+    EXPECT_LT(color.blue(), 50);
+}
+
+TEST_F(MacApplicationDragTest, WithoutSuchAColourTheyAreBlue) {
+    press();
+    fakemac::mac().modifierFlags = kShiftFlag;
+    drag({100, 100});
+
+    ASSERT_NE(overlay(), nullptr);
+    EXPECT_GT(overlay()->grab().toImage().pixelColor(40, 60).blue(), 200);
+}
+
 TEST_F(MacApplicationDragTest, TheOverlayIsAboveStatusItemsOnEverySpaceAndOutOfReach) {
     press();
     fakemac::mac().modifierFlags = kShiftFlag;

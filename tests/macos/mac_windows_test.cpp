@@ -1,5 +1,6 @@
 #include "macos/fake/fake_windows.h"
 #include "macos/mac_test.h"
+#include "platform/macos/accent_color.h"
 #include "platform/macos/overlay_properties.h"
 #include "platform/macos/own_application.h"
 
@@ -60,6 +61,18 @@ TEST_F(MacOwnApplicationTest, TheProgramHasNoPlaceInTheDock) {
     MacOwnApplication::becomeAccessory();
 
     EXPECT_EQ(fakemac::mac().activationPolicy, 1);
+}
+
+class MacAccentColorTest : public MacTest {};
+
+TEST_F(MacAccentColorTest, ItIsTheUsers) {
+    fakemac::mac().accent = {0.25, 0.5, 1};
+
+    EXPECT_EQ(accentColor(), (Color{0.25, 0.5, 1}));
+}
+
+TEST_F(MacAccentColorTest, OneThatCannotBeExpressedIsNone) {
+    EXPECT_EQ(accentColor(), std::nullopt);
 }
 
 class MacOpenPanelTest : public MacTest {

@@ -1,5 +1,6 @@
 # The sources of the back end, for the library on a Mac and for its tests elsewhere.
 set(MACOS_SOURCES
+    accent_color.mm
     accessibility.mm
     conversions.mm
     displays.mm

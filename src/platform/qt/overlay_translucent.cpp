@@ -1,6 +1,5 @@
 #include "platform/qt/overlay_translucent.h"
 
-#include "platform/qt/overlay_colors.h"
 #include "platform/qt/overlay_pixels.h"
 #include "platform/qt/overlay_text.h"
 
@@ -30,8 +29,7 @@ constexpr double kHaloReach = 3;
 constexpr std::array kHaloStrokes = {2.0, 4.0, 6.0};
 constexpr double kHaloStrokeAlpha = 0.13; // 1 - (1 - 0.13)^3 = 0.35 at the letters
 
-QColor accent(double alpha) {
-    QColor color(kAccent);
+QColor translucent(QColor color, double alpha) {
     color.setAlphaF(static_cast<float>(alpha));
     return color;
 }
@@ -95,13 +93,13 @@ void paintRounded(QPainter& painter, const OverlayFigure& figure) {
     painter.drawRoundedRect(rectF(figure.shape), figure.cornerRadius, figure.cornerRadius);
 }
 
-QPen linePen(const OverlayFigure& figure) {
-    return {accent(figure.strokeAlpha), figure.strokeWidth, Qt::SolidLine, Qt::FlatCap};
+QPen linePen(const OverlayFigure& figure, const QColor& accent) {
+    return {translucent(accent, figure.strokeAlpha), figure.strokeWidth, Qt::SolidLine, Qt::FlatCap};
 }
 
 /// Rows from edge to edge as a plain rectangle, which is several times faster than a path.
-void paintFill(QPainter& painter, const OverlayFigure& figure, const QRect& rows, bool onNothing) {
-    const QColor color = accent(figure.fillAlpha);
+void paintFill(QPainter& painter, const OverlayFigure& figure, const QColor& color, const QRect& rows,
+               bool onNothing) {
     painter.save();
     if (onNothing)
         painter.setCompositionMode(QPainter::CompositionMode_Source);
@@ -128,12 +126,12 @@ void paintSide(QPainter& painter, double center, double width, const QRect& rows
     painter.drawImage(left, rows.top(), image);
 }
 
-void paintCorners(QPainter& painter, const OverlayFigure& figure) {
+void paintCorners(QPainter& painter, const OverlayFigure& figure, const QColor& accent) {
     constexpr int kQuarter = 90 * 16; // in the sixteenths of a degree that Qt counts in, from the right
     const QRectF shape = rectF(figure.shape);
     QRectF circle(shape.topLeft(), QSizeF(2, 2) * figure.cornerRadius);
     painter.setBrush(Qt::NoBrush);
-    painter.setPen(linePen(figure));
+    painter.setPen(linePen(figure, accent));
     painter.drawArc(circle, kQuarter, kQuarter);
     circle.moveRight(shape.right());
     painter.drawArc(circle, 0, kQuarter);
@@ -143,11 +141,11 @@ void paintCorners(QPainter& painter, const OverlayFigure& figure) {
     painter.drawArc(circle, 2 * kQuarter, kQuarter);
 }
 
-void paintLine(QPainter& painter, const OverlayFigure& figure, const QRect& rows) {
+void paintLine(QPainter& painter, const OverlayFigure& figure, const QColor& accent, const QRect& rows) {
     const QRectF shape = rectF(figure.shape);
-    const QColor color = accent(figure.strokeAlpha);
+    const QColor color = translucent(accent, figure.strokeAlpha);
     const double width = figure.strokeWidth;
-    paintCorners(painter, figure);
+    paintCorners(painter, figure, accent);
     for (const double y : {shape.top(), shape.bottom()})
         painter.fillRect(QRectF(shape.left() + figure.cornerRadius, y - width / 2,
                                 shape.width() - 2 * figure.cornerRadius, width),
@@ -156,14 +154,15 @@ void paintLine(QPainter& painter, const OverlayFigure& figure, const QRect& rows
         paintSide(painter, x, width, rows, color);
 }
 
-void paintShape(QPainter& painter, const OverlayFigure& figure, bool onNothing) {
+void paintShape(QPainter& painter, const OverlayFigure& figure, const QColor& accent, bool onNothing) {
+    const QColor fill = translucent(accent, figure.fillAlpha);
     if (const QRect rows = wholeRows(figure); rows.isValid()) {
-        paintFill(painter, figure, rows, onNothing);
-        paintLine(painter, figure, rows);
+        paintFill(painter, figure, fill, rows, onNothing);
+        paintLine(painter, figure, accent, rows);
         return;
     }
-    painter.setBrush(accent(figure.fillAlpha));
-    painter.setPen(linePen(figure));
+    painter.setBrush(fill);
+    painter.setPen(linePen(figure, accent));
     paintRounded(painter, figure);
 }
 
@@ -172,7 +171,7 @@ void paintShape(QPainter& painter, const OverlayFigure& figure, bool onNothing) 
 void TranslucentFigures::paint(QPainter& painter, const OverlayFigure& figure, double scale, bool onNothing) {
     painter.setRenderHint(QPainter::Antialiasing);
     if (!figure.shape.isNull())
-        paintShape(painter, figure, onNothing);
+        paintShape(painter, figure, m_accent, onNothing);
     if (figure.label.text.empty())
         return;
     const QImage& image = labelImage(figure.label, scale);

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "platform/qt/overlay_colors.h"
 #include "ports/overlay_port.h"
 
+#include <QColor>
 #include <QImage>
 #include <QPainter>
 #include <QRect>
@@ -18,6 +20,10 @@ namespace tessarel::qt {
 /// the user has set for all text; everything else is given in pixels.
 class TranslucentFigures {
 public:
+    explicit TranslucentFigures(const QColor& accent = QColor(kAccent)) : m_accent(accent) {}
+
+    [[nodiscard]] const QColor& accent() const { return m_accent; }
+
     /// `scale`: pixels per unit of the user's text sizes. `onNothing`: the pixels of the shape are known to
     /// be transparent, which makes it faster.
     void paint(QPainter& painter, const OverlayFigure& figure, double scale, bool onNothing = false);
@@ -30,6 +36,7 @@ private:
 
     [[nodiscard]] const QImage& labelImage(const OverlayLabel& label, double scale);
 
+    QColor m_accent;
     std::map<LabelKey, QImage> m_labels; // drawing one takes longer than drawing a zone
 };
 

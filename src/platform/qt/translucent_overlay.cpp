@@ -12,13 +12,12 @@ namespace tessarel::qt {
 
 class TranslucentOverlay::Window : public OverlayWindow {
 public:
-    Window(MainQueuePort& queue, Conversion place, Preparation prepare)
-        : m_queue(queue), m_place(std::move(place)), m_prepare(std::move(prepare)),
-          m_self(std::make_shared<Window*>(this)) {}
+    Window(MainQueuePort& queue, System system)
+        : m_queue(queue), m_system(std::move(system)), m_self(std::make_shared<Window*>(this)) {}
     ~Window() override { *m_self = nullptr; }
 
     void setFrame(const Rect& screenFrame) override {
-        m_frame = pixels(m_place(screenFrame));
+        m_frame = pixels(m_system.place(screenFrame));
         if (m_surface)
             m_surface->setGeometry(m_frame);
     }
@@ -33,6 +32,8 @@ public:
         ++m_showings;
         if (!m_surface)
             makeSurface();
+        if (!m_surface->isVisible())
+            m_surface->setAccent(m_system.accent());
         m_surface->show();
         m_surface->raise();
     }
@@ -50,14 +51,13 @@ public:
 private:
     void makeSurface() {
         m_surface = std::make_unique<TranslucentSurface>();
-        m_prepare(*m_surface);
+        m_system.prepare(*m_surface);
         m_surface->setGeometry(m_frame);
         m_surface->setFigures(m_figures, {});
     }
 
     MainQueuePort& m_queue;
-    Conversion m_place;
-    Preparation m_prepare;
+    System m_system;
     QRect m_frame;
     std::vector<OverlayFigure> m_figures;
     std::unique_ptr<TranslucentSurface> m_surface; // none before the first showing, or after a quiet time
@@ -65,11 +65,11 @@ private:
     std::shared_ptr<Window*> m_self; // shared with work on the queue, which may outlive us
 };
 
-TranslucentOverlay::TranslucentOverlay(MainQueuePort& queue, Conversion place, Preparation prepare)
-    : m_queue(queue), m_place(std::move(place)), m_prepare(std::move(prepare)) {}
+TranslucentOverlay::TranslucentOverlay(MainQueuePort& queue, System system)
+    : m_queue(queue), m_system(std::move(system)) {}
 
 std::unique_ptr<OverlayWindow> TranslucentOverlay::createWindow() {
-    return std::make_unique<Window>(m_queue, m_place, m_prepare);
+    return std::make_unique<Window>(m_queue, m_system);
 }
 
 } // namespace tessarel::qt

@@ -3,6 +3,8 @@
 #include "ports/main_queue_port.h"
 #include "ports/overlay_port.h"
 
+#include <QColor>
+
 #include <chrono>
 #include <functional>
 #include <memory>
@@ -18,16 +20,20 @@ namespace tessarel::qt {
 /// The memory of what was shown is given back some time after a window has gone out.
 class TranslucentOverlay : public OverlayPort {
 public:
-    /// Answers where a rectangle in screen coordinates is for Qt, y down.
-    using Conversion = std::function<Rect(const Rect& screenFrame)>;
-
-    /// Gives a window, which has been made and not been shown, what Qt cannot give it.
-    using Preparation = std::function<void(QWidget& window)>;
+    /// What the system knows and Qt does not.
+    struct System {
+        /// Where a rectangle in screen coordinates is for Qt, y down.
+        std::function<Rect(const Rect& screenFrame)> place;
+        /// Gives a window, which has been made and not been shown, what Qt cannot give it.
+        std::function<void(QWidget& window)> prepare;
+        /// The colour for zones, asked for whenever a window is shown.
+        std::function<QColor()> accent;
+    };
 
     static constexpr MainQueuePort::Duration kQuietTime = std::chrono::seconds(30);
 
     /// `queue` and all that the functions use outlive the overlay and its windows.
-    TranslucentOverlay(MainQueuePort& queue, Conversion place, Preparation prepare);
+    TranslucentOverlay(MainQueuePort& queue, System system);
 
     [[nodiscard]] std::unique_ptr<OverlayWindow> createWindow() override;
 
@@ -35,8 +41,7 @@ private:
     class Window;
 
     MainQueuePort& m_queue;
-    Conversion m_place;
-    Preparation m_prepare;
+    System m_system;
 };
 
 } // namespace tessarel::qt

@@ -39,6 +39,13 @@ TranslucentSurface::TranslucentSurface() : QWidget(nullptr, kFlags) {
     create();
 }
 
+void TranslucentSurface::setAccent(const QColor& accent) {
+    if (accent == m_painted.accent())
+        return;
+    m_painted = TranslucentFigures(accent);
+    update();
+}
+
 void TranslucentSurface::setFigures(const std::vector<OverlayFigure>& figures,
                                     const std::vector<Rect>& changed) {
     QRegion region = extents(changed); // what was there

@@ -3,6 +3,7 @@
 #include "platform/qt/overlay_translucent.h"
 #include "ports/overlay_port.h"
 
+#include <QColor>
 #include <QRegion>
 #include <QWidget>
 
@@ -15,6 +16,9 @@ namespace tessarel::qt {
 class TranslucentSurface : public QWidget {
 public:
     TranslucentSurface();
+
+    /// The colour of all figures that are painted from now on.
+    void setAccent(const QColor& accent);
 
     /// From now on shows `figures`; only those whose bounds touch `changed` are painted anew.
     void setFigures(const std::vector<OverlayFigure>& figures, const std::vector<Rect>& changed);

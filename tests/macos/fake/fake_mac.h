@@ -4,6 +4,7 @@
 #include "ports/process_id.h"
 #include "ports/rect.h"
 
+#include <array>
 #include <cstdint>
 #include <map>
 #include <optional>
@@ -71,6 +72,8 @@ struct Mac {
     std::map<std::string, std::string> defaults;
     long loginItemStatus = 0;
     std::optional<std::string> loginItemRefusal;
+    std::optional<std::array<double, 3>> accent =
+        {};                        ///< the user's red, green and blue; none: no such colour
     std::set<std::string> symbols; ///< names of the system's pictures
     bool hasStatusButtons = true;
     std::optional<std::string> panelChoice;     ///< path that the user picks in a panel; none: cancels it

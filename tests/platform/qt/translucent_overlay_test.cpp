@@ -40,12 +40,15 @@ protected:
     sim::SimClock clock;
     sim::SimMainQueue queue{clock};
     std::vector<bool> prepared; ///< whether the window was already shown, for each that was made
+    QColor accent = Qt::green;
     TranslucentOverlay overlay{
         queue,
-        [](const Rect& screenFrame) {
-            return Rect{screenFrame.x, 1000 - screenFrame.maxY(), screenFrame.width, screenFrame.height};
-        },
-        [this](QWidget& made) { prepared.push_back(made.isVisible()); }};
+        {.place =
+             [](const Rect& screenFrame) {
+                 return Rect{screenFrame.x, 1000 - screenFrame.maxY(), screenFrame.width, screenFrame.height};
+             },
+         .prepare = [this](QWidget& made) { prepared.push_back(made.isVisible()); },
+         .accent = [this] { return accent; }}};
     std::unique_ptr<OverlayWindow> window = overlay.createWindow();
 };
 
@@ -80,6 +83,21 @@ TEST_F(TranslucentOverlayTest, ZonesArePaintedAndNothingBetweenThem) {
     EXPECT_NEAR(colorAt(50, 60).alphaF(), 0.35, 0.01);
     EXPECT_NEAR(colorAt(250, 60).alphaF(), 0.1, 0.01);
     EXPECT_EQ(colorAt(200, 150).alpha(), 0);
+}
+
+TEST_F(TranslucentOverlayTest, ZonesHaveTheUsersColourOfTheMomentTheyAreShownAt) {
+    showTwoZones();
+    EXPECT_GT(colorAt(50, 60).green(), 200);
+    EXPECT_LT(colorAt(50, 60).red(), 20);
+
+    accent = Qt::red;
+    window->orderFront();
+    EXPECT_LT(colorAt(50, 60).red(), 20) << "not in the middle of a drag";
+    window->orderOut();
+    window->orderFront();
+
+    EXPECT_GT(colorAt(50, 60).red(), 200);
+    EXPECT_LT(colorAt(50, 60).green(), 20);
 }
 
 TEST_F(TranslucentOverlayTest, AFigureThatGoesLeavesNothingBehind) {

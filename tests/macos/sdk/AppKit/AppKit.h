@@ -166,3 +166,15 @@ enum : NSInteger { NSModalResponseOK = 1 };
              andEventID:(uint32_t)eventID;
 - (void)removeEventHandlerForEventClass:(uint32_t)eventClass andEventID:(uint32_t)eventID;
 @end
+
+@interface NSColorSpace : NSObject
+@property(class, readonly, strong) NSColorSpace* sRGBColorSpace;
+@end
+
+@interface NSColor : NSObject
+@property(class, readonly, strong) NSColor* controlAccentColor SDK_SINCE(10.14);
+- (NSColor*)colorUsingColorSpace:(NSColorSpace*)space;
+@property(readonly) CGFloat redComponent;
+@property(readonly) CGFloat greenComponent;
+@property(readonly) CGFloat blueComponent;
+@end
