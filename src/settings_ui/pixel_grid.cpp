@@ -23,7 +23,8 @@ double PixelGrid::lineY(double y, double width) const {
 
 double PixelGrid::line(double at, double width, double offset) const {
     const double middleOfPixel = wholePixels(width) % 2 == 0 ? 0 : 0.5;
-    const double pixel = std::round(at * scale() + offset - middleOfPixel) + middleOfPixel;
+    // Halves go one way on either side of zero: wherever the painter begins, the lines keep their distances.
+    const double pixel = std::floor(at * scale() + offset - middleOfPixel + 0.5) + middleOfPixel;
     return (pixel - offset) / scale();
 }
 

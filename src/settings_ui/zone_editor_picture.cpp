@@ -49,6 +49,10 @@ struct Look {
 constexpr Look kPlain{.fillAlpha = 0.14, .strokeAlpha = 0.6, .strokeWidth = 1.2};
 constexpr Look kSelected{.fillAlpha = 0.3, .strokeAlpha = 1, .strokeWidth = 2.5};
 
+const Look& lookOf(std::size_t index, int selected) {
+    return static_cast<int>(index) == selected ? kSelected : kPlain;
+}
+
 QColor withAlpha(QColor color, double alpha) {
     color.setAlphaF(static_cast<float>(alpha));
     return color;
@@ -84,18 +88,30 @@ QRectF withinReach(const QRectF& rect, const QSizeF& size) {
 } // namespace
 
 void ZoneEditorPicture::draw(QPainter& painter, const QRectF& dirty) const {
-    painter.fillRect(dirty, controlBackgroundColor(palette));
-    painter.setRenderHint(QPainter::Antialiasing);
-    drawGuides(painter);
-    for (std::size_t i = 0; i < zones.size(); ++i)
-        if (zones[i].enabled && extent(zones[i]).intersects(dirty))
-            drawZone(painter, i);
-    if (selected >= 0 && static_cast<std::size_t>(selected) < zones.size()) {
-        const Zone& zone = zones[static_cast<std::size_t>(selected)];
-        if (zone.enabled && extent(zone).intersects(dirty))
-            drawHandles(painter, zone);
-    }
+    drawScreen(painter, dirty);
+    drawZones(painter, dirty, 0, zones.size());
+    drawHandles(painter, dirty);
     drawFrame(painter);
+}
+
+void ZoneEditorPicture::drawZones(QPainter& painter, const QRectF& dirty, std::size_t first,
+                                  std::size_t end) const {
+    const PixelGrid grid(painter.deviceTransform());
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (std::size_t i = first; i < end; ++i) {
+        const auto line = outline(i, grid);
+        if (!line || !extent(zones[i]).intersects(dirty))
+            continue;
+        drawOutline(painter, i, *line);
+        drawNumber(painter, i);
+    }
+}
+
+std::optional<std::size_t> ZoneEditorPicture::selectedZone() const {
+    const auto index = static_cast<std::size_t>(selected);
+    if (selected < 0 || index >= zones.size() || !zones[index].enabled || !isFinite(rect(zones[index])))
+        return std::nullopt;
+    return index;
 }
 
 QRectF ZoneEditorPicture::rect(const Zone& zone) const {
@@ -112,7 +128,9 @@ QRectF ZoneEditorPicture::extent(const Zone& zone) const {
         .united(QRectF(within.topLeft(), kNumberExtent));
 }
 
-void ZoneEditorPicture::drawGuides(QPainter& painter) const {
+void ZoneEditorPicture::drawScreen(QPainter& painter, const QRectF& dirty) const {
+    painter.fillRect(dirty, controlBackgroundColor(palette));
+    painter.setRenderHint(QPainter::Antialiasing);
     const PixelGrid grid(painter.deviceTransform());
     QList<QLineF> lines;
     for (const double share : kVerticalGuides) {
@@ -129,48 +147,77 @@ void ZoneEditorPicture::drawGuides(QPainter& painter) const {
     painter.drawLines(lines);
 }
 
-void ZoneEditorPicture::drawZone(QPainter& painter, std::size_t index) const {
-    const QRectF inset = rect(zones[index]).adjusted(kInset, kInset, -kInset, -kInset);
-    if (inset.width() < 0 || inset.height() < 0)
-        return;
-    const Look& look = static_cast<int>(index) == selected ? kSelected : kPlain;
+QRectF ZoneEditorPicture::inset(std::size_t index) const {
+    return rect(zones[index]).adjusted(kInset, kInset, -kInset, -kInset);
+}
+
+std::optional<QRectF> ZoneEditorPicture::outline(std::size_t index, const PixelGrid& grid) const {
+    const QRectF area = inset(index);
+    if (!zones[index].enabled || !isFinite(area) || area.width() < 0 || area.height() < 0)
+        return std::nullopt;
+    return onPixels(grid, withinReach(area, size), lookOf(index, selected).strokeWidth);
+}
+
+void ZoneEditorPicture::drawOutline(QPainter& painter, std::size_t index, const QRectF& outline) const {
+    const Look& look = lookOf(index, selected);
     const QColor accent = controlAccentColor(palette);
-    const PixelGrid grid(painter.deviceTransform());
     painter.setPen(QPen(withAlpha(accent, look.strokeAlpha), look.strokeWidth));
     painter.setBrush(withAlpha(accent, look.fillAlpha));
-    painter.drawRoundedRect(onPixels(grid, withinReach(inset, size), look.strokeWidth), kCornerRadius,
-                            kCornerRadius);
+    painter.drawRoundedRect(outline, kCornerRadius, kCornerRadius);
+}
+
+void ZoneEditorPicture::drawNumber(QPainter& painter, std::size_t index) const {
     const QFont font = systemFont(kNumberSize, QFont::DemiBold);
-    const QPointF corner = withinReach(inset, size).topLeft() + kNumberOffset;
+    const QPointF corner = withinReach(inset(index), size).topLeft() + kNumberOffset;
     painter.setFont(font);
     painter.setPen(withAlpha(labelColor(palette), kNumberAlpha));
     painter.drawText(corner + QPointF(0, QFontMetricsF(font).ascent()), QString::number(index + 1));
 }
 
-void ZoneEditorPicture::drawHandles(QPainter& painter, const Zone& zone) const {
-    const QRectF area = rect(zone);
+QList<QRectF> ZoneEditorPicture::handles(const PixelGrid& grid) const {
+    const auto index = selectedZone();
+    if (!index)
+        return {};
+    const QRectF area = rect(zones[*index]);
     const QRectF view = QRectF(QPointF(), size).adjusted(-kOutside, -kOutside, kOutside, kOutside);
-    const PixelGrid grid(painter.deviceTransform());
     const double side = grid.wholeWidth(kHandleSize);
+    QList<QRectF> all;
+    for (const QPointF& place : kHandlePlaces) {
+        const QPointF centre = area.topLeft() + QPointF(place.x() * area.width(), place.y() * area.height());
+        if (view.contains(centre))
+            all.append(QRectF(grid.lineX(centre.x() - kHandleSize / 2, kHandleStroke),
+                              grid.lineY(centre.y() - kHandleSize / 2, kHandleStroke), side, side));
+    }
+    return all;
+}
+
+void ZoneEditorPicture::drawHandle(QPainter& painter, const QRectF& handle) const {
     painter.setPen(
         QPen(controlAccentColor(palette), kHandleStroke, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter.setBrush(Qt::white);
-    for (const QPointF& place : kHandlePlaces) {
-        const QPointF centre = area.topLeft() + QPointF(place.x() * area.width(), place.y() * area.height());
-        if (!view.contains(centre))
-            continue;
-        painter.drawRect(QRectF(grid.lineX(centre.x() - kHandleSize / 2, kHandleStroke),
-                                grid.lineY(centre.y() - kHandleSize / 2, kHandleStroke), side, side));
-    }
+    painter.drawRect(handle);
+}
+
+void ZoneEditorPicture::drawHandles(QPainter& painter, const QRectF& dirty) const {
+    const PixelGrid grid(painter.deviceTransform());
+    painter.setRenderHint(QPainter::Antialiasing);
+    for (const QRectF& handle : handles(grid))
+        if (handle.adjusted(-kHandleStroke, -kHandleStroke, kHandleStroke, kHandleStroke).intersects(dirty))
+            drawHandle(painter, handle);
+}
+
+QRectF ZoneEditorPicture::frame(const PixelGrid& grid) const {
+    const double inset = grid.wholeWidth(1) / 2;
+    return onPixels(grid, QRectF(QPointF(), size).adjusted(inset, inset, -inset, -inset), 2 * inset);
 }
 
 void ZoneEditorPicture::drawFrame(QPainter& painter) const {
     const PixelGrid grid(painter.deviceTransform());
-    const double width = grid.wholeWidth(1);
-    const QRectF whole(QPointF(), size);
-    painter.setPen(QPen(separatorColor(palette), width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    painter.setRenderHint(QPainter::Antialiasing, false); // it is on whole pixels, also at its corners
+    painter.setPen(
+        QPen(separatorColor(palette), grid.wholeWidth(1), Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRect(onPixels(grid, whole.adjusted(width / 2, width / 2, -width / 2, -width / 2), width));
+    painter.drawRect(frame(grid));
 }
 
 } // namespace tessarel

@@ -2,15 +2,20 @@
 
 #include "model/zone.h"
 
+#include <QList>
 #include <QPalette>
 #include <QRectF>
 #include <QSizeF>
 
+#include <cstddef>
+#include <optional>
 #include <vector>
 
 class QPainter;
 
 namespace tessarel {
+
+class PixelGrid;
 
 /// What the zone editor shows: the screen with its guides, the enabled zones with their numbers, the handles
 /// of the selected one. Units are points of the view, from its top-left corner.
@@ -26,12 +31,32 @@ struct ZoneEditorPicture {
     /// All that `zone` paints upon, whether it is selected or not; empty for a zone that cannot be painted.
     [[nodiscard]] QRectF extent(const Zone& zone) const;
 
-private:
-    void drawGuides(QPainter& painter) const;
-    void drawZone(QPainter& painter, std::size_t index) const;
-    void drawHandles(QPainter& painter, const Zone& zone) const;
+    // The layers of it, from below. Each paints what reaches into `dirty`.
+
+    void drawScreen(QPainter& painter, const QRectF& dirty) const;
+    /// Those from the position `first` to before `end`.
+    void drawZones(QPainter& painter, const QRectF& dirty, std::size_t first, std::size_t end) const;
+    void drawHandles(QPainter& painter, const QRectF& dirty) const;
+    /// Paints all of it.
     void drawFrame(QPainter& painter) const;
+
+    // What the layers consist of.
+
+    /// The position of the selected zone, if it can be seen.
+    [[nodiscard]] std::optional<std::size_t> selectedZone() const;
+    /// The middle of the line around a zone, on whole pixels; none when it has no room for it.
+    [[nodiscard]] std::optional<QRectF> outline(std::size_t index, const PixelGrid& grid) const;
+    void drawOutline(QPainter& painter, std::size_t index, const QRectF& outline) const;
+    void drawNumber(QPainter& painter, std::size_t index) const;
+    /// The middles of the lines around the handles, on whole pixels.
+    [[nodiscard]] QList<QRectF> handles(const PixelGrid& grid) const;
+    void drawHandle(QPainter& painter, const QRectF& handle) const;
+    /// The middle of the line around the view, on whole pixels.
+    [[nodiscard]] QRectF frame(const PixelGrid& grid) const;
+
+private:
     [[nodiscard]] QRectF rect(const Zone& zone) const;
+    [[nodiscard]] QRectF inset(std::size_t index) const;
 };
 
 } // namespace tessarel

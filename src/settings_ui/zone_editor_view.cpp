@@ -90,6 +90,7 @@ void ZoneEditorView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void ZoneEditorView::letGo() {
+    m_pixels.drop();
     if (m_editing.release())
         call(onCommit);
 }
@@ -137,7 +138,9 @@ void ZoneEditorView::showKeyboardFocus(bool shows) {
 
 void ZoneEditorView::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    picture().draw(painter, QRectF(event->rect()));
+    m_pixels.draw(painter, picture(), QRectF(event->rect()));
+    if (m_editing.grip().mode == Mode::None)
+        m_pixels.drop();
     if (!m_showsKeyboardFocus)
         return;
     painter.setPen(QPen(controlAccentColor(palette()), 2, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
