@@ -2,6 +2,8 @@
 
 #include "settings_ui/kit.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QCursor>
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -28,6 +30,12 @@ Qt::CursorShape cursorFor(const ZoneEdges& edges) {
     return edges.left == edges.top ? Qt::SizeFDiagCursor : Qt::SizeBDiagCursor;
 }
 
+/// To a screen reader a bare widget is empty space; this one is a picture.
+QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* object) {
+    auto* const view = dynamic_cast<ZoneEditorView*>(object);
+    return view ? new QAccessibleWidget(view, QAccessible::Graphic) : nullptr;
+}
+
 template <class... Arguments>
 void call(const std::function<void(Arguments...)>& callback, Arguments... arguments) {
     if (callback)
@@ -41,6 +49,8 @@ ZoneEditorView::ZoneEditorView(AppSettings& settings, QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     setMouseTracking(true); // for the shape of the pointer
     setAttribute(Qt::WA_OpaquePaintEvent);
+    QAccessible::installFactory(
+        makeAccessible); // once for all views, and before this one is first asked about
     setAccessibleName(QStringLiteral("Zones"));
 }
 

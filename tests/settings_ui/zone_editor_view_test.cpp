@@ -3,6 +3,7 @@
 #include "model/presets.h"
 #include "settings_ui/settings_ui_test.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QFocusEvent>
 #include <QImage>
@@ -232,6 +233,14 @@ TEST_F(ZoneEditorViewTest, ItWorksWithoutCallbacks) {
     QTest::keyClick(view.get(), Qt::Key_Delete);
 
     EXPECT_EQ(zone(1), (Zone{false, 55, 60, 20, 20}));
+}
+
+TEST_F(ZoneEditorViewTest, ItIsAPictureToThoseWhoDoNotSeeIt) {
+    const QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(view.get());
+
+    ASSERT_NE(told, nullptr);
+    EXPECT_EQ(told->role(), QAccessible::Graphic);
+    EXPECT_EQ(told->text(QAccessible::Name), "Zones");
 }
 
 TEST_F(ZoneEditorViewTest, ThePointerShowsWhatAPressWouldDo) {
