@@ -1,5 +1,7 @@
 #include "platform/qt/qt_local_keys.h"
 
+#include "platform/qt/keyboard_focus_watch.h"
+
 #include <QEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -80,7 +82,17 @@ public:
     }
 
 private:
+    /// The focus has come to a window of ours or left it, which Qt may not have told of yet.
+    void focusChanged(KeyboardFocusWatch::Change change, WId window) {
+        m_isFocusLost = change == KeyboardFocusWatch::Change::Lost;
+        const QWindow* const known = QGuiApplication::focusWindow();
+        if (m_isFocusLost || (known && known->winId() == window))
+            update();
+    }
+
     bool handlePress(const QKeyEvent& press) {
+        if (m_isFocusLost)
+            return true; // typed for another window while the keyboard was still ours
         const auto key = m_translation(press.nativeScanCode(), press.nativeModifiers());
         if (!key || press.isAutoRepeat() || m_heldKey == press.nativeScanCode())
             return true;
@@ -115,12 +127,15 @@ private:
         if (qGuiApp == nullptr) // the program is ending
             return;
         const bool isNeeded = !m_handlers.empty() || m_heldKey;
-        if (isNeeded && !m_isInstalled)
+        if (isNeeded && !m_focusWatch) {
             qGuiApp->installEventFilter(this);
-        else if (!isNeeded && m_isInstalled)
+            m_isFocusLost = false;
+            m_focusWatch.emplace([this](auto change, WId window) { focusChanged(change, window); });
+        } else if (!isNeeded && m_focusWatch) {
             qGuiApp->removeEventFilter(this);
-        m_isInstalled = isNeeded;
-        m_grab.holdFor(isNeeded ? QGuiApplication::focusWindow() : nullptr);
+            m_focusWatch.reset();
+        }
+        m_grab.holdFor(isNeeded && !m_isFocusLost ? QGuiApplication::focusWindow() : nullptr);
     }
 
     Translation m_translation;
@@ -128,8 +143,9 @@ private:
     KeyboardGrab m_grab;
     int m_next = 0;
     std::map<int, Handler> m_handlers;
-    std::optional<quint32> m_heldKey; ///< consumed, and not released yet
-    bool m_isInstalled = false;
+    std::optional<quint32> m_heldKey;               ///< consumed, and not released yet
+    std::optional<KeyboardFocusWatch> m_focusWatch; ///< while events are seen
+    bool m_isFocusLost = false;
 };
 
 class QtLocalKeys::Monitor : public Subscription {

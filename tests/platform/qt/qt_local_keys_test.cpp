@@ -2,6 +2,7 @@
 
 #include "platform/qt/offscreen_test.h"
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QKeySequence>
@@ -10,6 +11,7 @@
 #include <QTest>
 #include <QWidget>
 #include <gtest/gtest.h>
+#include <xcb/xproto.h>
 
 #include <cstdint>
 #include <optional>
@@ -53,6 +55,18 @@ protected:
     static void release(const QWidget& target, quint32 nativeScanCode) {
         QKeyEvent event(QEvent::KeyRelease, Qt::Key_B, Qt::NoModifier, nativeScanCode, Qt::Key_B, 4);
         QApplication::sendEvent(target.windowHandle(), &event);
+    }
+
+    /// The server tells of the focus, which Qt does not do yet.
+    static void tellOfFocus(std::uint8_t type, const QWidget& target, std::uint8_t mode = 0,
+                            std::uint8_t detail = XCB_NOTIFY_DETAIL_NONLINEAR) {
+        xcb_focus_in_event_t event{};
+        event.response_type = type;
+        event.event = static_cast<xcb_window_t>(target.winId());
+        event.mode = mode;
+        event.detail = detail;
+        qintptr result = 0;
+        QAbstractEventDispatcher::instance()->filterNativeEvent("xcb_generic_event_t", &event, &result);
     }
 
     std::optional<QtLocalKeys> localKeys{std::in_place, translate,
@@ -212,6 +226,49 @@ TEST_F(QtLocalKeysTest, AKeyThatIsReleasedElsewhereIsNotWaitedFor) {
     press(window, 56, true);
 
     EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, KeysTypedForAnotherWindowBeforeQtKnowsOfItAreNobodysHere) {
+    const auto monitored = monitor();
+    tellOfFocus(XCB_FOCUS_OUT, window);
+
+    press(window, 56);
+
+    EXPECT_TRUE(keys.empty());
+    EXPECT_EQ(field.text(), "");
+}
+
+TEST_F(QtLocalKeysTest, KeysComeAgainWhenTheFocusComesBackBeforeQtHasMissedIt) {
+    const auto monitored = monitor();
+    tellOfFocus(XCB_FOCUS_OUT, window);
+    tellOfFocus(XCB_FOCUS_IN, window);
+
+    press(window, 56);
+
+    EXPECT_EQ(keys.size(), 1U);
+}
+
+TEST_F(QtLocalKeysTest, ALostFocusConcernsNoLaterMonitor) {
+    auto monitored = monitor();
+    tellOfFocus(XCB_FOCUS_OUT, window);
+    monitored.reset();
+    monitored = monitor();
+
+    press(window, 56);
+
+    EXPECT_EQ(keys.size(), 1U);
+}
+
+TEST_F(QtLocalKeysTest, WhatLeavesTheFocusWhereItIsIsNoLoss) {
+    const auto monitored = monitor();
+    tellOfFocus(XCB_FOCUS_OUT, window, XCB_NOTIFY_MODE_GRAB);
+    tellOfFocus(XCB_FOCUS_OUT, window, XCB_NOTIFY_MODE_UNGRAB);
+    tellOfFocus(XCB_FOCUS_OUT, window, XCB_NOTIFY_MODE_NORMAL, XCB_NOTIFY_DETAIL_POINTER);
+    tellOfFocus(XCB_FOCUS_OUT, window, XCB_NOTIFY_MODE_NORMAL, XCB_NOTIFY_DETAIL_INFERIOR);
+
+    press(window, 56);
+
+    EXPECT_EQ(keys.size(), 1U);
 }
 
 TEST_F(QtLocalKeysTest, AMonitorMayOutliveThePort) {
