@@ -41,7 +41,7 @@ protected:
         Program second(desktop.server());
         EXPECT_EQ(second.process().waitForExit(), 0);
         ASSERT_TRUE(waitForActive("Tessarel Settings"));
-        ASSERT_TRUE(desktop.observer().settle());
+        ASSERT_TRUE(desktop.observer().settleProgram(windowTitled("Tessarel Settings")));
     }
 
     void moveTo(int x, int y) {
@@ -97,20 +97,16 @@ TEST_F(LayoutsSessionTest, ALayoutIsDesignedSavedBoundUsedAndFoundAgain) {
     saveLayoutAs({key::kC, key::kA, key::kC});
     ASSERT_TRUE(waitUntilStored(R"("name":"cac")")) << stored();
     click(615, 281); // the hot key of the zone
-    const auto isBound = [&] {
-        desktop.press(kOwnKey);
-        return stored().find(R"("zone1":{"keyCode":8,)") != std::string::npos;
-    };
-    ASSERT_TRUE(desktop.observer().waitUntil(isBound)) << stored();
+    ASSERT_TRUE(desktop.observer().waitUntil([&] { return !desktop.keyboard().isFree(); }));
+    desktop.press(kOwnKey);
+    ASSERT_TRUE(waitUntilStored(R"("zone1":{"keyCode":8,)")) << stored();
     ASSERT_TRUE(desktop.observer().waitUntil([&] { return desktop.keyboard().held(kOwnKey); }));
+    // The recorder keeps the keyboard until the key that it has taken is up.
+    ASSERT_TRUE(desktop.observer().waitUntil([&] { return desktop.keyboard().isFree(); }));
 
-    // The recorder keeps a key that it has taken until it is really up, which the program learns a moment
-    // later.
-    EXPECT_TRUE(desktop.observer().waitUntil([&] {
-        EXPECT_TRUE(desktop.activate(window));
-        desktop.press(kOwnKey);
-        return desktop.frame(window) == designed;
-    }));
+    EXPECT_TRUE(desktop.activate(window));
+    desktop.press(kOwnKey);
+    EXPECT_EQ(desktop.settledFrame(window, designed), designed);
 
     ASSERT_TRUE(desktop.stop());
     desktop.observer().moveOuterFrame(window, {300, 200, 500, 300});

@@ -27,18 +27,11 @@ protected:
     void record() {
         click(recorder);
         ASSERT_TRUE(comesToSay(recorder, "Press keys..."));
-        ASSERT_TRUE(waitUntil([this] { return !isKeyboardFree(); }));
+        ASSERT_TRUE(waitUntil([this] { return !keyboard.isFree(); }));
     }
 
-    /// Whether another program could have the whole keyboard.
-    [[nodiscard]] bool isKeyboardFree() {
-        const bool isFree = other.grabKeyboard();
-        if (isFree)
-            other.ungrabKeyboard();
-        return isFree;
-    }
     [[nodiscard]] bool becomesFree() {
-        return waitUntil([this] { return isKeyboardFree(); });
+        return waitUntil([this] { return keyboard.isFree(); });
     }
 
     void fake(std::uint8_t type, std::initializer_list<xcb_keycode_t> keys) {
@@ -63,7 +56,7 @@ TEST_F(RecorderDesktopTest, ACombinationThatIsAHotKeyReachesTheRecorder) {
 
     EXPECT_TRUE(comesToSay(recorder, "In use: Snap to Zone 1"));
     EXPECT_TRUE(comesToSay(recorder, "Press keys..."));
-    EXPECT_FALSE(isKeyboardFree());
+    EXPECT_FALSE(keyboard.isFree());
 }
 
 TEST_F(RecorderDesktopTest, ANewHotKeyWorksAtOnceAndTheOldOneNoMore) {

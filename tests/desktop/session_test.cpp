@@ -22,16 +22,18 @@ protected:
         EXPECT_EQ(desktop.settledFrame(window, wanted), wanted) << "zone " << number;
     }
 
-    /// Goes back from the program's own window to `window` and snaps that one, as often as it takes: Qt may
-    /// ask for the focus once more when its window has come up.
-    void expectSnapInFront(xcb_window_t window, int number) {
-        const Frame wanted = zoneFrame(number);
-        EXPECT_TRUE(desktop.observer().waitUntil([&] {
-            EXPECT_TRUE(desktop.activate(window));
-            desktop.press(hotkey::zone(number));
-            return desktop.frame(window) == wanted;
-        })) << "zone "
-            << number;
+    /// Starts the program once more: the first copy shows its window.
+    xcb_window_t openSettings() {
+        Observer& observer = desktop.observer();
+        Program second(desktop.server());
+        EXPECT_EQ(second.process().waitForExit(), 0);
+        EXPECT_TRUE(observer.waitUntil(
+            [&] { return observer.text(observer.activeWindow(), "_NET_WM_NAME") == "Tessarel Settings"; }));
+        const xcb_window_t settings = observer.activeWindow();
+        // The window manager has activated it as a new window, and Qt asks for it once more when it hears
+        // that the window is mapped.
+        EXPECT_TRUE(observer.settleProgram(settings));
+        return settings;
     }
 
     std::string storedSettings() {
@@ -55,25 +57,22 @@ TEST_F(SessionTest, ASecondStartEndsAtOnceAndTheFirstGoesOn) {
     ASSERT_TRUE(desktop.start());
     const xcb_window_t window = desktop.open(client);
 
-    Program second(desktop.server());
-    EXPECT_EQ(second.process().waitForExit(), 0);
+    openSettings();
 
-    ASSERT_TRUE(desktop.observer().waitUntil([&] { return desktop.observer().activeWindow() != window; }));
-    expectSnapInFront(window, 1);
+    EXPECT_TRUE(desktop.activate(window));
+    expectSnap(window, 1);
     EXPECT_TRUE(desktop.stop());
 }
 
 TEST_F(SessionTest, TheProgramsOwnWindowIsNotSnapped) {
     ASSERT_TRUE(desktop.start());
     const xcb_window_t window = desktop.open(client);
-    Program second(desktop.server());
-    EXPECT_EQ(second.process().waitForExit(), 0);
-    ASSERT_TRUE(desktop.observer().waitUntil([&] { return desktop.observer().activeWindow() != window; }));
-    const xcb_window_t settings = desktop.observer().activeWindow();
+    const xcb_window_t settings = openSettings();
     const Frame before = desktop.frame(settings);
 
     desktop.press(hotkey::zone(1));
-    expectSnapInFront(window, 2); // by when the first press has been answered, too
+    EXPECT_TRUE(desktop.activate(window));
+    expectSnap(window, 2); // by when the first press has been answered, too
 
     EXPECT_EQ(desktop.frame(settings), before);
     EXPECT_TRUE(desktop.stop());

@@ -62,6 +62,17 @@ void Keyboard::setLayout(const std::string& layout) {
     runToEnd({"setxkbmap", layout}, m_server.environment());
 }
 
+bool Keyboard::isFree() {
+    xcb_connection_t* x = m_observer.x().get();
+    xcb_grab_server(x);
+    const auto attempt = xcb_grab_keyboard(x, 0, m_observer.root(), XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC,
+                                           XCB_GRAB_MODE_ASYNC);
+    xcb_ungrab_keyboard(x, XCB_CURRENT_TIME);
+    xcb_ungrab_server(x);
+    const auto reply = own(xcb_grab_keyboard_reply(x, attempt, nullptr));
+    return reply && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
 bool Keyboard::held(const Combination& combination) {
     xcb_connection_t* x = m_observer.x().get();
     std::vector<xcb_void_cookie_t> claims;

@@ -59,6 +59,9 @@ public:
     /// without coming in between another client's claims.
     [[nodiscard]] bool held(const Combination& combination);
 
+    /// Whether no client has taken the whole keyboard. Looks without coming in between another one's attempt.
+    [[nodiscard]] bool isFree();
+
 private:
     void fake(std::uint8_t type, xcb_keycode_t key);
     [[nodiscard]] bool setLock(xcb_keycode_t key, std::uint16_t mask, bool on);

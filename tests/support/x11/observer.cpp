@@ -21,7 +21,9 @@ Observer::Observer(const std::string& display) : m_x(display), m_barrier(xcb_gen
     xcb_create_window(m_x.get(), XCB_COPY_FROM_PARENT, m_barrier, root(), 0, 0, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
     watch(m_barrier);
-    const std::uint32_t mask = XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    // Answers to pings come as structure events of the root window.
+    const std::uint32_t mask =
+        XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_x.get(), root(), XCB_CW_EVENT_MASK, &mask);
     m_x.roundTrip();
 }
@@ -49,8 +51,10 @@ void Observer::drainEvents(const Deadline& deadline) {
         ::poll(&poll, 1, deadline.remaining(kLookAgain));
         event = own(xcb_poll_for_event(m_x.get()));
     }
-    for (; event; event = own(xcb_poll_for_queued_event(m_x.get())))
+    for (; event; event = own(xcb_poll_for_queued_event(m_x.get()))) {
         m_barrierAnswered = m_barrierAnswered || isBarrierAnswer(*event);
+        m_pingAnswered = m_pingAnswered || isPingAnswer(*event);
+    }
 }
 
 bool Observer::isBarrierAnswer(const xcb_generic_event_t& event) const {
@@ -73,6 +77,28 @@ bool Observer::settle(const Deadline& deadline) {
             return true;
     }
     return false;
+}
+
+bool Observer::isPingAnswer(const xcb_generic_event_t& event) {
+    if ((event.response_type & 0x7f) != XCB_CLIENT_MESSAGE)
+        return false;
+    const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
+    return message.window == root() && message.data.data32[0] == m_x.atom("_NET_WM_PING") &&
+           message.data.data32[1] == m_ping;
+}
+
+bool Observer::settleProgram(xcb_window_t window, const Deadline& deadline) {
+    xcb_client_message_event_t ping{};
+    ping.response_type = XCB_CLIENT_MESSAGE;
+    ping.format = 32;
+    ping.window = window;
+    ping.type = m_x.atom("WM_PROTOCOLS");
+    ping.data.data32[0] = m_x.atom("_NET_WM_PING");
+    ping.data.data32[1] = ++m_ping;
+    ping.data.data32[2] = window;
+    m_pingAnswered = false;
+    xcb_send_event(m_x.get(), 0, window, XCB_EVENT_MASK_NO_EVENT, reinterpret_cast<const char*>(&ping));
+    return waitUntil([this] { return m_pingAnswered; }, deadline) && settle(deadline);
 }
 
 std::optional<Frame> Observer::clientFrame(xcb_window_t window) {

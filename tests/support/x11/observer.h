@@ -35,6 +35,9 @@ public:
     /// Waits until the window manager has handled all that was asked of it before, by any connection whose
     /// requests the server has already seen. False when it does not answer.
     [[nodiscard]] bool settle(const Deadline& deadline = Deadline());
+    /// The same after the program of `window` has handled all events that have come to it: what they make it
+    /// ask for has been done, too. False when one of the two does not answer.
+    [[nodiscard]] bool settleProgram(xcb_window_t window, const Deadline& deadline = Deadline());
 
     /// The visible outer frame: with the window manager's decoration, without the shadows that a client
     /// draws itself. Empty when there is no such window.
@@ -74,6 +77,7 @@ private:
     [[nodiscard]] Owned<xcb_get_property_reply_t> property(xcb_window_t window, std::string_view name,
                                                            std::uint32_t maximum);
     [[nodiscard]] bool isBarrierAnswer(const xcb_generic_event_t& event) const;
+    [[nodiscard]] bool isPingAnswer(const xcb_generic_event_t& event);
     /// Takes every event that has come; waits for one until `deadline`, but not long.
     void drainEvents(const Deadline& deadline);
 
@@ -81,6 +85,8 @@ private:
     xcb_window_t m_barrier = XCB_WINDOW_NONE;
     std::int16_t m_barrierX = 0;
     bool m_barrierAnswered = false;
+    std::uint32_t m_ping = 0;
+    bool m_pingAnswered = false;
 };
 
 } // namespace tessarel::x11test
