@@ -76,7 +76,8 @@ int run(const char* programName) {
 
     const x11::Session session =
         x11::sessionOf(std::getenv("WAYLAND_DISPLAY"), std::getenv("XDG_SESSION_TYPE"));
-    qt::QtAlerts alerts;
+    qt::QtAppearance appearance;
+    qt::QtAlerts alerts([&appearance] { appearance.apply(); });
     qt::QtOpenUrl openUrl;
     x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl);
     qt::QtLocalKeys localKeys(
@@ -91,7 +92,6 @@ int run(const char* programName) {
     qt::QtStatusItem statusItem(queue);
     qt::QtUrlLoadingModule urlLoading;
     qt::SystemWallClock wallClock;
-    qt::QtAppearance appearance;
     std::optional<AppDelegate> delegate;
     delegate.emplace(Ports{.accessibility = desktop.accessibility,
                            .alertSound = desktop.alertSound,

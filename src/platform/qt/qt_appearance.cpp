@@ -1,5 +1,7 @@
 #include "platform/qt/qt_appearance.h"
 
+#include "platform/qt/application_icon.h"
+
 #include <QApplication>
 #include <QDBusArgument>
 #include <QDBusMessage>
@@ -26,15 +28,19 @@ constexpr std::chrono::milliseconds kPatience{50};
 
 QtAppearance::QtAppearance(std::function<QDBusConnection()> bus) : m_bus(std::move(bus)) {
     m_changed.setSingleShot(true);
-    QObject::connect(&m_changed, &QTimer::timeout, &m_changed, [this] { apply(); });
+    QObject::connect(&m_changed, &QTimer::timeout, &m_changed, [this] { read(); });
 }
 
 void QtAppearance::apply() {
-    if (!m_follows) {
-        m_follows = true;
-        m_bus().connect(kService, kPath, kInterface, QStringLiteral("SettingChanged"), &m_changed,
-                        SLOT(start()));
-    }
+    if (m_follows)
+        return;
+    m_follows = true;
+    m_bus().connect(kService, kPath, kInterface, QStringLiteral("SettingChanged"), &m_changed, SLOT(start()));
+    QApplication::setWindowIcon(applicationIcon());
+    read();
+}
+
+void QtAppearance::read() {
     QApplication::setPalette(palette(appearance(settings(), qEnvironmentVariable("GTK_THEME"))));
 }
 

@@ -58,6 +58,21 @@ protected:
     QtAlerts alerts;
 };
 
+TEST_F(QtAlertsTest, WhatIsToBeDoneBeforeABoxIsMadeIsDone) {
+    int done = 0;
+    QtAlerts prepared([&] { ++done; });
+    for (const int before : {1, 2}) {
+        queue.async([&] {
+            EXPECT_EQ(done, before);
+            QApplication::activeModalWidget()->close();
+        });
+        if (before == 1)
+            (void)prepared.runModal({"Question", "Why?", {}});
+        else
+            (void)prepared.runModalForText({"Question", "Why?", {}});
+    }
+}
+
 TEST_F(QtAlertsTest, AnswersThePositionOfTheButtonThatWasChosen) {
     const Alert alert{"Question", "Why?", {"Continue", "Open Settings", "Later"}};
 

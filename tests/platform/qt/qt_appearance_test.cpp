@@ -123,6 +123,24 @@ TEST_F(QtAppearanceTest, FollowsTheDesktop) {
     EXPECT_TRUE(QTest::qWaitFor([] { return !isDark(); }));
 }
 
+TEST_F(QtAppearanceTest, TheDesktopIsAskedOnlyOnce) {
+    startPortal();
+    appearance.apply();
+    portal.scheme = 2;
+
+    appearance.apply();
+
+    EXPECT_TRUE(isDark());
+}
+
+TEST_F(QtAppearanceTest, WindowsGetTheProgramsIcon) {
+    EXPECT_TRUE(QApplication::windowIcon().isNull());
+
+    appearance.apply();
+
+    EXPECT_FALSE(QApplication::windowIcon().isNull());
+}
+
 TEST_F(QtAppearanceTest, WithoutAPortalItIsLight) {
     appearance.apply();
 
