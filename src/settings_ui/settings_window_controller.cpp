@@ -1,16 +1,22 @@
 #include "settings_ui/settings_window_controller.h"
 
 #include "model/config.h"
+#include "settings_ui/pixel_grid.h"
 #include "settings_ui/qt_text.h"
 
 #include <QCursor>
 #include <QGuiApplication>
 #include <QKeySequence>
+#include <QPainter>
+#include <QPalette>
 #include <QRect>
+#include <QRectF>
 #include <QScreen>
 #include <QShortcut>
 #include <QSize>
 #include <QString>
+#include <QStyle>
+#include <QStyleOptionTabWidgetFrame>
 #include <QTabWidget>
 
 #include <algorithm>
@@ -44,6 +50,28 @@ void center(QWidget& window) {
     frame.moveCenter(room.center());
     window.move(std::max(frame.left(), room.left()), std::max(frame.top(), room.top()));
 }
+
+/// Tabs whose pages have a line on their left at every scale: the style paints its own outside of the tabs
+/// when they do not begin at a whole pixel.
+class Tabs : public QTabWidget {
+public:
+    using QTabWidget::QTabWidget;
+
+protected:
+    void paintEvent(QPaintEvent* event) override {
+        QTabWidget::paintEvent(event);
+        constexpr int kLikeTheStyle = 140; // percent
+        QStyleOptionTabWidgetFrame option;
+        initStyleOption(&option);
+        const QRectF pane = style()->subElementRect(QStyle::SE_TabWidgetTabPane, &option, this);
+        QPainter painter(this);
+        const PixelGrid grid(painter.deviceTransform());
+        const double width = grid.wholeWidth(1);
+        const double left = grid.lineX(pane.left() + width / 2, width) - width / 2;
+        painter.fillRect(QRectF(left, pane.top(), width, pane.height() - 1), // above the style's shadow
+                         palette().color(QPalette::Window).darker(kLikeTheStyle));
+    }
+};
 
 void addShortcut(QWidget& window, QKeyCombination keys, std::function<void()> action) {
     auto* const shortcut = new QShortcut(QKeySequence(keys), &window);
@@ -88,7 +116,7 @@ void SettingsWindowController::makeWindow() {
     m_window->setWindowTitle(title());
     m_window->setFont(systemFont(13));
     m_window->setFixedSize(kWindowSize);
-    m_tabs = new QTabWidget(m_window.get());
+    m_tabs = new Tabs(m_window.get());
     m_tabs->setGeometry(kTabsFrame);
     m_tabs->setFocusPolicy(Qt::NoFocus); // its row of tabs has the focus, and a name for each
     addTab(*m_layouts.view(), QStringLiteral("Layouts"));

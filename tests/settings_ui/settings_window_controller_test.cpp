@@ -3,7 +3,9 @@
 #include "settings_ui/settings_ui_test.h"
 
 #include <QApplication>
+#include <QImage>
 #include <QList>
+#include <QPoint>
 #include <QRect>
 #include <QScreen>
 #include <QSlider>
@@ -12,6 +14,7 @@
 #include <QWidget>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <optional>
 #include <stdexcept>
 
@@ -194,6 +197,41 @@ TEST_F(SettingsWindowControllerTest, TheWindowEndsWithItsController) {
     }
 
     EXPECT_TRUE(windows().isEmpty());
+}
+
+/// The window on a screen on which a point is one and a quarter pixels.
+class ScaledSettingsWindowTest : public SettingsWindowControllerTest {
+protected:
+    static constexpr double kScale = 1.25;
+
+    ScaledSettingsWindowTest() {
+        QApplication::setStyle("Fusion");
+        controller.show();
+        screen.setDevicePixelRatio(kScale);
+        window().render(&screen);
+    }
+
+    /// The darkest pixel of some that lie side by side.
+    [[nodiscard]] int darkest(int x, int y, QPoint step, int count) const {
+        int darkest = 255;
+        for (int i = 0; i < count; ++i)
+            darkest = std::min(darkest, qGray(screen.pixel(QPoint(x, y) + i * step)));
+        return darkest;
+    }
+    static int pixels(int points) { return static_cast<int>(points * kScale); }
+
+    QImage screen{QSize(pixels(820), pixels(540)), QImage::Format_RGB32};
+};
+
+TEST_F(ScaledSettingsWindowTest, ThePagesHaveALineOnEverySide) {
+    constexpr int kLine = 200; // darker than the window and the page
+    const int middle = pixels(300);
+
+    EXPECT_LT(darkest(pixels(8), middle, QPoint(1, 0), 6), kLine) << "left";
+    EXPECT_LT(darkest(pixels(806), middle, QPoint(1, 0), 6), kLine) << "right";
+    EXPECT_LT(darkest(middle, pixels(526), QPoint(0, 1), 6), kLine) << "below";
+    EXPECT_LT(darkest(pixels(700), pixels(30), QPoint(0, 1), 12), kLine) << "above";
+    EXPECT_GT(darkest(pixels(12), middle, QPoint(1, 0), 6), kLine) << "in the page";
 }
 
 } // namespace
