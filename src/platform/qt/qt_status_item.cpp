@@ -19,8 +19,8 @@ namespace tessarel::qt {
 
 namespace {
 
-/// A panel that starts is ready a little after its first sign: it is looked for again this often, then no
-/// more until the next sign.
+/// A panel that is expected on the session bus comes without a sign of its own: it is looked for again this
+/// often, then no more until the next sign. Where none is expected, nothing is looked for.
 constexpr int kLooks = 15;
 constexpr std::chrono::seconds kBetweenLooks{2};
 
@@ -89,20 +89,19 @@ private:
     }
 
     void look() {
-        if (settle() || --m_looksLeft <= 0)
-            return;
-        later(&Item::look, kBetweenLooks);
+        m_looksLeft = settle() ? m_looksLeft - 1 : 0;
+        if (m_looksLeft > 0)
+            later(&Item::look, kBetweenLooks);
     }
 
-    /// Puts the icon where there is a place for it; true when it stands somewhere.
+    /// Puts the icon where there is a place for it; true when it has to be looked for again.
     bool settle() {
         if (m_icon)
-            return true;
-        const TrayWatch::Place place = m_watch->place();
-        if (place == TrayWatch::Place::None)
             return false;
-        putUp(place);
-        return true;
+        const TrayWatch::Place place = m_watch->place();
+        if (place == TrayWatch::Place::SystemTray || place == TrayWatch::Place::StatusNotifierHost)
+            putUp(place);
+        return place == TrayWatch::Place::Expected;
     }
 
     void putUp(TrayWatch::Place place) {

@@ -1,6 +1,7 @@
 #include "platform/qt/tray_watch.h"
 
 #include <QDBusConnection>
+#include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QGuiApplication>
@@ -62,7 +63,20 @@ bool isOwned(xcb_atom_t selection) {
     return reply && reply->owner != XCB_WINDOW_NONE;
 }
 
-bool statusNotifierHostRegistered() {
+/// Whether there is a watcher, though it may not have had an answer for us.
+bool isThereSomebody(const QDBusMessage& answer) {
+    switch (QDBusError(answer).type()) {
+    case QDBusError::Disconnected:
+    case QDBusError::ServiceUnknown:
+    case QDBusError::Other: // the bus says so of a name that nobody has, and that it may not start anybody
+                            // for
+        return false;
+    default:
+        return true;
+    }
+}
+
+TrayWatch::Place placeOnBus() {
     QDBusMessage question = QDBusMessage::createMethodCall(kWatcherService, kWatcherPath,
                                                            QStringLiteral("org.freedesktop.DBus.Properties"),
                                                            QStringLiteral("Get"));
@@ -70,7 +84,9 @@ bool statusNotifierHostRegistered() {
     question << kWatcherService << QStringLiteral("IsStatusNotifierHostRegistered");
     const QDBusMessage answer =
         QDBusConnection::sessionBus().call(question, QDBus::Block, static_cast<int>(kPatience.count()));
-    return answer.arguments().value(0).value<QDBusVariant>().variant().toBool();
+    if (answer.arguments().value(0).value<QDBusVariant>().variant().toBool())
+        return TrayWatch::Place::StatusNotifierHost;
+    return isThereSomebody(answer) ? TrayWatch::Place::Expected : TrayWatch::Place::None;
 }
 
 } // namespace
@@ -93,9 +109,10 @@ TrayWatch::~TrayWatch() {
 }
 
 TrayWatch::Place TrayWatch::place() const {
-    if (statusNotifierHostRegistered())
-        return Place::StatusNotifierHost;
-    return isOwned(m_selectionAtom) ? Place::SystemTray : Place::None;
+    const Place onBus = placeOnBus();
+    if (onBus == Place::StatusNotifierHost || !isOwned(m_selectionAtom))
+        return onBus;
+    return Place::SystemTray;
 }
 
 bool TrayWatch::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {

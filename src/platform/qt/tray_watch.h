@@ -16,12 +16,13 @@ class TrayWatch : private QAbstractNativeEventFilter {
 public:
     enum class Place : std::uint8_t {
         None,
+        Expected,           ///< somebody on the session bus waits for a panel, which will not be announced
         SystemTray,         ///< a window of the panel's that takes windows of other programs in
         StatusNotifierHost, ///< a panel that is told on the session bus what to draw
     };
 
-    /// Calls `sign`, from inside the loop, at everything that may mean a new place. A place may take a moment
-    /// longer to be ready. Needs the application object; the callback may not destroy the watch.
+    /// Calls `sign`, from inside the loop, at everything that may mean a new place, or that one is expected
+    /// from now on. Needs the application object; the callback may not destroy the watch.
     explicit TrayWatch(std::function<void()> sign);
     TrayWatch(const TrayWatch&) = delete;
     TrayWatch& operator=(const TrayWatch&) = delete;
