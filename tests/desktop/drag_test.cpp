@@ -177,8 +177,8 @@ TEST_P(DragSettingsTest, EachEdgeOffersItsPartOfTheScreen) {
 
 INSTANTIATE_TEST_SUITE_P(Most, DragSettingsTest, testing::ValuesIn(kManagers), managerName);
 
-/// Window managers that do not tile in the corners; metacity and kwin keep hold of what they have tiled
-/// there.
+/// Window managers that do not tile in the corners, or let go of what they have tiled there; metacity does
+/// not.
 class DragCornersTest : public DragSettingsTest {};
 
 TEST_P(DragCornersTest, EachCornerOffersItsQuarterOfTheScreen) {
@@ -192,7 +192,7 @@ TEST_P(DragCornersTest, EachCornerOffersItsQuarterOfTheScreen) {
 INSTANTIATE_TEST_SUITE_P(Most, DragCornersTest,
                          testing::Values(WindowManagerKind::Openbox, WindowManagerKind::Xfwm4,
                                          WindowManagerKind::Marco, WindowManagerKind::Icewm,
-                                         WindowManagerKind::Fluxbox),
+                                         WindowManagerKind::Fluxbox, WindowManagerKind::Kwin),
                          managerName);
 
 TEST_P(DragZonesTest, OfZonesThatOverlapTheSmallerOneWins) {

@@ -1,5 +1,7 @@
 #include "platform/x11/placement.h"
 
+#include "platform/x11/size_hints.h"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -23,10 +25,6 @@ std::uint32_t wire(double value) {
     return static_cast<std::uint32_t>(static_cast<std::int32_t>(std::round(value)));
 }
 
-std::uint32_t wireExtent(double value) {
-    return wire(std::max(value, 1.0)); // no window is empty
-}
-
 void sendToManager(Connection& connection, xcb_window_t window, Atom type,
                    const std::array<std::uint32_t, 5>& data) {
     xcb_client_message_event_t event{};
@@ -46,12 +44,14 @@ void changeStates(Connection& connection, xcb_window_t window, StateChange chang
                   {static_cast<std::uint32_t>(change), first, second, kFromUser, 0});
 }
 
-/// Whether the manager has left everything as it was although the window was to go elsewhere.
-bool wasIgnored(const WindowFrame& before, const WindowFrame& after, const FrameWish& wish) {
-    if (!wish.origin || before.outer() != after.outer())
-        return false;
-    const Rect frame = after.outer();
-    return std::abs(frame.x - wish.origin->x) > kNear || std::abs(frame.y - wish.origin->y) > kNear;
+bool isFar(double actual, double wished) {
+    return std::abs(actual - wished) > kNear;
+}
+
+/// The client's window in a frame of that size.
+Size clientSize(const Size& outer, const Extents& extents) {
+    return {std::max(outer.width - extents.left - extents.right, 1.0), // no window is empty
+            std::max(outer.height - extents.top - extents.bottom, 1.0)};
 }
 
 } // namespace
@@ -73,7 +73,7 @@ bool Placement::place(xcb_window_t window, FrameWish wish) {
         settled = ask(window, wish, after->extents);
         after = readBack(window);
     }
-    if (settled && after && wasIgnored(*before, *after, wish)) {
+    if (settled && after && before->outer() == after->outer() && isHeldFrom(window, *after, wish)) {
         releaseFromTile(window);
         settled = ask(window, wish, after->extents);
         m_windows.forgetFrame(window);
@@ -101,8 +101,9 @@ void Placement::askManager(xcb_window_t window, const FrameWish& wish, const Ext
     }
     if (wish.size) {
         data[0] |= kHasSize;
-        data[3] = wireExtent(wish.size->width - extents.left - extents.right);
-        data[4] = wireExtent(wish.size->height - extents.top - extents.bottom);
+        const Size client = clientSize(*wish.size, extents);
+        data[3] = wire(client.width);
+        data[4] = wire(client.height);
     }
     sendToManager(m_connection, window, Atom::NetMoveResizeWindow, data);
 }
@@ -119,8 +120,9 @@ void Placement::askServer(xcb_window_t window, const FrameWish& wish, const Exte
     }
     if (wish.size) {
         mask |= XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
-        list[count++] = wireExtent(wish.size->width - extents.left - extents.right);
-        list[count++] = wireExtent(wish.size->height - extents.top - extents.bottom);
+        const Size client = clientSize(*wish.size, extents);
+        list[count++] = wire(client.width);
+        list[count++] = wire(client.height);
     }
     xcb_configure_window(m_connection.xcb(), window, mask, list.data());
 }
@@ -132,6 +134,20 @@ void Placement::normalize(xcb_window_t window, const WindowStates& states) {
                      m_connection.atom(Atom::NetWmStateMaximizedVert));
     if (states.shaded)
         changeStates(m_connection, window, StateChange::Remove, m_connection.atom(Atom::NetWmStateShaded), 0);
+}
+
+/// Whether a window that has not stirred is elsewhere than wished, or of another size and not for its
+/// client's sake.
+bool Placement::isHeldFrom(xcb_window_t window, const WindowFrame& frame, const FrameWish& wish) {
+    if (!wish.origin)
+        return false;
+    const Rect outer = frame.outer();
+    if (isFar(outer.x, wish.origin->x) || isFar(outer.y, wish.origin->y))
+        return true;
+    if (!wish.size || (!isFar(outer.width, wish.size->width) && !isFar(outer.height, wish.size->height)))
+        return false;
+    return !readSizeHints(m_connection, window)
+                .explain(frame.client.size(), clientSize(*wish.size, frame.extents));
 }
 
 /// Some managers hold on to a window that they have tiled and tell nobody; one maximised in between is free.

@@ -33,6 +33,7 @@ private:
     void askManager(xcb_window_t window, const FrameWish& wish, const Extents& extents);
     void askServer(xcb_window_t window, const FrameWish& wish, const Extents& extents);
     void normalize(xcb_window_t window, const WindowStates& states);
+    [[nodiscard]] bool isHeldFrom(xcb_window_t window, const WindowFrame& frame, const FrameWish& wish);
     void releaseFromTile(xcb_window_t window);
     [[nodiscard]] std::optional<WindowFrame> readBack(xcb_window_t window);
 

@@ -9,11 +9,13 @@
 #include <cstdint>
 #include <ostream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tessarel::x11 {
 namespace {
 
+using x11test::WindowOptions;
 using Data = std::array<std::uint32_t, 5>;
 
 struct Message {
@@ -94,6 +96,8 @@ protected:
     static constexpr std::uint32_t kUser = 2;
     static constexpr std::uint32_t kRemove = 0;
     static constexpr std::uint32_t kAdd = 1;
+    static constexpr x11test::Frame kClient{100, 120, 500, 400};
+    static constexpr WindowOptions::Pair kFixed{500, 400};
 
     [[nodiscard]] Message moveResize(std::uint32_t flags, const std::array<std::uint32_t, 4>& frame) const {
         return {"_NET_MOVERESIZE_WINDOW",
@@ -119,7 +123,8 @@ protected:
     SharedDesktop& desktop = SharedDesktop::withoutManager();
     DeafManager manager{desktop.server.display()};
     x11test::TestClient client{desktop.server};
-    xcb_window_t window = client.open({.client = {100, 120, 500, 400}});
+    // Nobody wonders when such a window keeps its size.
+    xcb_window_t window = client.open({.client = kClient, .minimum = kFixed, .maximum = kFixed});
     ConnectionDriver driver{desktop.server.display()};
     ClientWindows windows{driver.connection()};
     Placement placement{driver.connection(), windows};
@@ -209,6 +214,33 @@ TEST_F(PlacementProtocolTest, AManagerThatHoldsOnToAWindowIsMadeToLetGoOnce) {
 
     EXPECT_EQ(manager.heard(),
               (std::vector{request, changeMaximized(kAdd), changeMaximized(kRemove), request}));
+}
+
+TEST_F(PlacementProtocolTest, AManagerThatHoldsOnToASizeIsMadeToLetGoOnce) {
+    window = client.open({.client = kClient, .step = {{10, 10}}, .minimum = {{500, 100}}});
+    const Message request = moveResize(kOrigin | kSize, {100, 120, 500, 385});
+
+    placement.place(window, {.origin = Point{100, 120}, .size = Size{500, 385}});
+
+    EXPECT_EQ(manager.heard(),
+              (std::vector{request, changeMaximized(kAdd), changeMaximized(kRemove), request}));
+}
+
+TEST_F(PlacementProtocolTest, AManagerThatKeepsAClientsHintsIsLeftAlone) {
+    const WindowOptions fixed{.client = kClient, .minimum = kFixed, .maximum = kFixed};
+    const WindowOptions atMinimum{.client = kClient, .minimum = kFixed};
+    const WindowOptions atMaximum{.client = kClient, .maximum = kFixed};
+    const WindowOptions inSteps{.client = kClient, .step = {{100, 100}}};
+    const std::vector<std::pair<WindowOptions, Size>> kept{
+        {fixed, {600, 300}}, {atMinimum, {300, 200}}, {atMaximum, {1600, 870}}, {inSteps, {550, 480}}};
+    for (const auto& [options, size] : kept) {
+        window = client.open(options);
+        (void)manager.heard();
+
+        placement.place(window, {.origin = Point{100, 120}, .size = size});
+
+        EXPECT_EQ(manager.heard().size(), 1U) << size.width;
+    }
 }
 
 TEST_F(PlacementProtocolTest, AManagerThatMissesByAFewPixelsIsLeftAlone) {
