@@ -1,4 +1,5 @@
 #include "app/app_delegate.h"
+#include "platform/qt/pointer_crossings.h"
 #include "platform/qt/qt_alerts.h"
 #include "platform/qt/qt_appearance.h"
 #include "platform/qt/qt_local_keys.h"
@@ -52,6 +53,7 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
     QApplication::setDesktopSettingsAware(false);
     describeProgramToQt();
     const QApplication application(argumentCount, arguments.data());
+    qt::ignorePointerCrossings();
 
     const auto events =
         queue.onReadable(connection.fileDescriptor(), [&connection] { connection.dispatch(); });
