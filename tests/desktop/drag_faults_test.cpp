@@ -26,6 +26,39 @@ TEST_P(DragFaultsTest, AScreenLockerThatTakesTheInputTakesNoOverlayWithIt) {
     expectNextDragWorks();
 }
 
+TEST_P(DragFaultsTest, AReleaseThatAnotherProgramsGrabTakesAwayEndsTheDrag) {
+    dragOver(desktop.open(client), zoneFrame(2));
+    constexpr Combination kEscape{9, 0}; // the manager lets go of the window, the hand not of the button
+    desktop.press(kEscape);
+    TestClient locker{desktop.server()};
+    ASSERT_TRUE(desktop.observer().waitUntil([&] { return locker.grabMouse() && locker.grabKeyboard(); }));
+    ASSERT_TRUE(drag.overlay());
+
+    drag.release();
+
+    EXPECT_TRUE(drag.waitUntilNoOverlay());
+    locker.ungrabMouse();
+    locker.ungrabKeyboard();
+    expectNextDragWorks();
+}
+
+TEST_P(DragFaultsTest, AReleaseWhileTheServerIsHeldEndsTheDragWhenItIsLetGo) {
+    const xcb_window_t window = desktop.open(client);
+    dragOver(window, zoneFrame(2));
+    XConnection& holder = desktop.observer().x(); // no other is answered from here on
+    xcb_grab_server(holder.get());
+    Mouse(desktop.observer()).release();
+    const bool staysMeanwhile = drag.overlay().has_value();
+
+    xcb_ungrab_server(holder.get());
+    holder.roundTrip();
+
+    EXPECT_TRUE(staysMeanwhile);
+    EXPECT_TRUE(drag.waitUntilNoOverlay());
+    EXPECT_EQ(desktop.settledFrame(window, zoneFrame(2)), zoneFrame(2));
+    expectNextDragWorks();
+}
+
 TEST_P(DragFaultsTest, ATriggerKeyThatIsStuckHoldsNoOverlay) {
     const xcb_window_t window = desktop.open(client);
     dragOver(window, zoneFrame(2));
