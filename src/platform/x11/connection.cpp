@@ -83,14 +83,14 @@ xcb_atom_t Connection::internAtom(std::string_view name) {
 
 bool Connection::succeeds(xcb_void_cookie_t cookie) {
     beginReply();
-    const Reply<xcb_generic_error_t> error(xcb_request_check(xcb(), cookie));
+    const Reply<xcb_generic_error_t> error(xcb_request_check(m_xcb.get(), cookie));
     endReply();
     return !error && !isLost();
 }
 
 void Connection::beginReply() {
-    xcb_flush(xcb());
-    const std::uint64_t written = xcb_total_written(xcb());
+    xcb_flush(m_xcb.get());
+    const std::uint64_t written = xcb_total_written(m_xcb.get());
     if (written != m_writtenBeforeLastWait)
         ++m_roundTrips;
     m_writtenBeforeLastWait = written;
@@ -101,7 +101,7 @@ void Connection::endReply() {
 }
 
 void Connection::flush() {
-    xcb_flush(xcb());
+    xcb_flush(m_xcb.get());
     readQueued(); // a full socket makes xcb read while it writes
 }
 

@@ -48,9 +48,10 @@ public:
     Connection& operator=(const Connection&) = delete;
     ~Connection();
 
-    /// For requests; their replies and errors are taken through `reply` and `succeeds` only, for xcb reads
-    /// events along with them.
+    /// For requests. Replies and errors only by `reply` and `succeeds`: xcb reads events along with them.
     [[nodiscard]] xcb_connection_t* xcb();
+    /// The same without a turn, whose end would cost another round of the loop: for what nobody keeps.
+    [[nodiscard]] xcb_connection_t* xcbWithoutTurn() const { return m_xcb.get(); }
     [[nodiscard]] int fileDescriptor() const;
     [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
     [[nodiscard]] int screenNumber() const { return m_screenNumber; }
@@ -67,14 +68,13 @@ public:
     [[nodiscard]] auto reply(Cookie cookie) {
         beginReply();
         xcb_generic_error_t* error = nullptr;
-        auto* const answer = kReplyFunction(xcb(), cookie, &error);
+        auto* const answer = kReplyFunction(m_xcb.get(), cookie, &error);
         const Reply<xcb_generic_error_t> swallowed(error);
         endReply();
         return Reply<std::remove_pointer_t<decltype(answer)>>(answer);
     }
 
-    /// Whether a checked request without a reply went through. Costs a round trip at most once for any number
-    /// of requests that were sent before.
+    /// Whether a checked request without a reply went through: one round trip for all that were sent before.
     [[nodiscard]] bool succeeds(xcb_void_cookie_t cookie);
 
     /// Sends what has been requested so far.

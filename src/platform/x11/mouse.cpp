@@ -153,7 +153,7 @@ void X11Mouse::look() {
     const News news = std::exchange(m_news, {});
     m_isLooking = true;
     const auto pointer = m_connection.reply<xcb_query_pointer_reply>(
-        xcb_query_pointer(m_connection.xcb(), m_connection.root()));
+        xcb_query_pointer(m_connection.xcbWithoutTurn(), m_connection.root()));
     const auto self = m_self;
     if (pointer && m_held)
         follow(news, *pointer);

@@ -205,6 +205,18 @@ TEST_F(ConnectionTest, ATurnBegunOutsideAnEventEndsAtTheNextTurnOfTheQueue) {
     EXPECT_EQ(connection->turn(), turn + 1);
 }
 
+TEST_F(ConnectionTest, AQuestionWithoutATurnLeavesTheQueueAlone) {
+    const auto turn = connection->turn();
+
+    const auto focus =
+        connection->reply<xcb_get_input_focus_reply>(xcb_get_input_focus(connection->xcbWithoutTurn()));
+    connection->flush();
+
+    EXPECT_NE(focus, nullptr);
+    EXPECT_EQ(queue.waiting(), 0U);
+    EXPECT_EQ(connection->turn(), turn);
+}
+
 TEST_F(ConnectionTest, AHookThatUsesTheConnectionBeginsNoFurtherTurn) {
     const auto hook = connection->onEndTurn([&] { roundTrip(); });
     (void)connection->xcb();
