@@ -36,6 +36,8 @@ constexpr int kHighlights = 200;
 constexpr auto kTimeToNotice = 50ms; ///< a press, also right after a placement
 constexpr auto kFastMouse = 10s;
 constexpr auto kPatience = 10s;
+constexpr auto kPatienceWithPress = 2s;
+constexpr int kTries = 5;
 constexpr auto kTimeToSettle = 2s; ///< of a program that has just claimed its keys
 constexpr auto kRest = 500ms;      ///< after which nothing is under way any more
 
@@ -75,13 +77,19 @@ private:
     Place m_place;
 };
 
-void await(const char* what, const std::function<bool()>& holds) {
-    const auto end = Clock::now() + kPatience;
+bool becomesTrue(const std::function<bool()>& holds, Clock::duration patience) {
+    const auto end = Clock::now() + patience;
     while (!holds()) {
         if (Clock::now() > end)
-            throw std::runtime_error(std::string("in vain: ") + what);
+            return false;
         std::this_thread::sleep_for(2ms);
     }
+    return true;
+}
+
+void await(const char* what, const std::function<bool()>& holds) {
+    if (!becomesTrue(holds, kPatience))
+        throw std::runtime_error(std::string("in vain: ") + what);
 }
 
 /// The overlay, as it is seen on the screen.
@@ -141,21 +149,23 @@ private:
 /// Windows dragged by their title bars while a program watches.
 class Drags {
 public:
-    /// Takes the window by its title bar, Shift held, until the zones show.
+    /// Takes the window by its title bar, Shift held, until the zones show. A machine that is busy with other
+    /// things may notice the press too late; then it begins anew.
     void begin() {
-        const Frame frame = m_target.frame();
-        m_aside = (m_aside + 40) % 120; // two presses on the same place are a double click
-        const Place grip{frame.x + frame.width / 2 + m_aside, frame.y + 8};
-        m_hand.moveTo(grip);
-        m_hand.press();
-        std::this_thread::sleep_for(kTimeToNotice);
-        m_hand.moveTo({grip.x + 30, grip.y + 30});
-        m_hand.holdShift();
-        m_hand.moveTo(kLeft);
-        await("the overlay", [&] {
-            m_hand.tremble();
-            return m_overlay.find() != XCB_NONE;
-        });
+        for (int i = 0; i < kTries; ++i) {
+            take();
+            if (becomesTrue(
+                    [&] {
+                        m_hand.tremble();
+                        return m_overlay.find() != XCB_NONE;
+                    },
+                    kPatienceWithPress))
+                return;
+            m_hand.release();
+            m_hand.releaseShift();
+            std::this_thread::sleep_for(kRest);
+        }
+        throw std::runtime_error("in vain: the overlay");
     }
     void end() {
         m_hand.release();
@@ -190,6 +200,18 @@ public:
     }
 
 private:
+    void take() {
+        const Frame frame = m_target.frame();
+        m_aside = (m_aside + 40) % 120; // two presses on the same place are a double click
+        const Place grip{frame.x + frame.width / 2 + m_aside, frame.y + 8};
+        m_hand.moveTo(grip);
+        m_hand.press();
+        std::this_thread::sleep_for(kTimeToNotice);
+        m_hand.moveTo({grip.x + 30, grip.y + 30});
+        m_hand.holdShift();
+        m_hand.moveTo(kLeft);
+    }
+
     Hand m_hand;
     OverlayWatch m_overlay;
     Target m_target;
