@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <string>
 #include <utility>
 #include <vector>
@@ -77,16 +79,23 @@ class DragDisplaysTest : public DragDesktopTest,
 
 TEST_P(DragDisplaysTest, AWindowIsDraggedIntoTheZonesOfEither) {
     const std::vector<Monitor>& monitors = GetParam().second;
-    Desktop desktop{{.server = {.width = 2560, .height = 1900, .monitors = monitors}, .settings = kNoHomes}};
+    XServerOptions server{.width = 0, .height = 0, .monitors = monitors};
+    for (const Monitor& monitor : monitors) {
+        server.width = std::max(server.width, monitor.x + monitor.width);
+        server.height = std::max(server.height, monitor.y + monitor.height);
+    }
+    Desktop desktop{{.server = server, .settings = kNoHomes}};
     ASSERT_TRUE(desktop.startForDrags());
     TestClient client{desktop.server()};
     const xcb_window_t window =
         desktop.open(client, {.client = {monitors[0].x + 200, monitors[0].y + 150, 500, 300}});
 
-    for (const std::size_t display : {1U, 0U, 1U}) {
+    constexpr std::array kRounds =
+        std::to_array<std::pair<std::size_t, Share>>({{1, kZones[0]}, {0, kZones[4]}, {1, kZones[4]}});
+    for (const auto& [display, zone] : kRounds) {
         SCOPED_TRACE(display);
         const Frame area = desktop.usableArea(display);
-        dragInto(desktop, window, frameIn(area, kZones[0]), area);
+        dragInto(desktop, window, frameIn(area, zone), area);
     }
     EXPECT_TRUE(desktop.stop());
 }
