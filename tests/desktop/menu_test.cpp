@@ -66,6 +66,16 @@ protected:
         mouse.clickCentre(item.waitForIcon(), Mouse::kLeft);
         ASSERT_TRUE(waitForMenus(1)) << "no menu opens";
     }
+    /// A menu that has just come up may not hold the keyboard yet.
+    void closeMenu() {
+        ASSERT_TRUE(observer.waitUntil([&] {
+            keyboard.press(kEscape);
+            return item.menus().empty();
+        }));
+    }
+    bool waitUntilLayoutIsKept() {
+        return observer.waitUntil([&] { return settings().find(R"("zones")") != std::string::npos; });
+    }
     void choose(int row) {
         openMenu();
         mouse.clickCentre(ShownStatusItem::row(item.menus().at(0), row, kRows), Mouse::kLeft);
@@ -141,8 +151,7 @@ TEST_F(MenuTest, ALayoutIsAppliedKeptAndMovesNothingYet) {
 
     choose(kLayoutsRow, kHalvesRow);
 
-    const auto kept = [&] { return settings().find(R"("zones")") != std::string::npos; };
-    EXPECT_TRUE(observer.waitUntil(kept)) << settings();
+    EXPECT_TRUE(waitUntilLayoutIsKept()) << settings();
     EXPECT_EQ(observer.outerFrame(window), before);
     keyboard.press(hotkey::zone(2));
     EXPECT_TRUE(goesTo(window, frameIn(area, kRightHalf)));
@@ -155,10 +164,10 @@ TEST_F(MenuTest, TheMenuHasARowForEachZoneOfTheLayout) {
     mouse.clickCentre(ShownStatusItem::row(item.menus().at(0), 0, kRows), Mouse::kLeft); // the title: nothing
     EXPECT_EQ(item.menus().size(), 1U);
     const int before = item.menus().at(0).height;
-    keyboard.press(kEscape);
-    ASSERT_TRUE(waitForMenus(0));
+    closeMenu();
 
     choose(kLayoutsRow, kHalvesRow);
+    ASSERT_TRUE(waitUntilLayoutIsKept());
     openMenu();
 
     EXPECT_EQ(item.menus().at(0).height, before - 3 * rowHeight);
