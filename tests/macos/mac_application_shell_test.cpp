@@ -168,7 +168,7 @@ TEST_F(MacApplicationShellTest, AShortcutThatIsRecordedWorksAtOnce) {
     launch();
     const auto window = openEditorWindow();
     choose({"Settings..."});
-    EXPECT_TRUE(until([] { return settingsWindow() != nullptr; }));
+    ASSERT_TRUE(until([] { return settingsWindow() != nullptr; }));
     settingsWindow()->findChild<QTabWidget*>()->setCurrentIndex(1);
     fakemac::focus(fakemac::openWindow({.pid = fakemac::mac().ownPid, .axFrame = {0, 0, 400, 300}}));
 
