@@ -6,6 +6,7 @@
 #include <QApplication>
 #include <QWidget>
 
+#include <bit>
 #include <cstdlib>
 
 namespace tessarel {
@@ -20,7 +21,7 @@ int run(int argumentCount, char** arguments) {
     // Else Qt brings to the front what is to start without a word.
     qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
     const QApplication application(argumentCount, arguments);
-    MacProgram program([](QWidget& widget) { return reinterpret_cast<void*>(widget.winId()); });
+    MacProgram program([](QWidget& widget) { return std::bit_cast<void*>(widget.winId()); });
     if (program.launch() == AppDelegate::Launch::AnotherCopyRuns)
         return EXIT_SUCCESS;
     const auto termination =

@@ -8,7 +8,8 @@
 
 namespace tessarel::qt {
 
-/// Overlay windows of Qt's on X11, in pixels. Needs the application object from the first time that a window is shown.
+/// Overlay windows of Qt's on X11, in pixels. Needs the application object from the first time that a window
+/// is shown.
 class QtOverlay : public OverlayPort {
 public:
     /// Answers the pixels of the desktop, y down, that a rectangle in screen coordinates covers.
