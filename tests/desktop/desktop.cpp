@@ -46,6 +46,17 @@ bool reportsSanitizer(const std::string& errors) {
     return errors.find("Sanitizer") != std::string::npos || errors.find("runtime error") != std::string::npos;
 }
 
+/// Of what the window manager shows of a window: its frame, where it has one.
+int heightOnScreen(XConnection& x, xcb_window_t window) {
+    auto tree = own(xcb_query_tree_reply(x.get(), xcb_query_tree(x.get(), window), nullptr));
+    while (tree && tree->parent != tree->root && tree->parent != XCB_WINDOW_NONE) {
+        window = tree->parent;
+        tree = own(xcb_query_tree_reply(x.get(), xcb_query_tree(x.get(), window), nullptr));
+    }
+    const auto geometry = own(xcb_get_geometry_reply(x.get(), xcb_get_geometry(x.get(), window), nullptr));
+    return geometry ? geometry->height : 0;
+}
+
 /// Ends the shared desktops before the test program ends.
 class SharedDesktops : public testing::Environment {
 public:
@@ -189,8 +200,10 @@ bool Desktop::isAsLargeAsItsStates(xcb_window_t window) {
     const Frame now = frame(window);
     const bool isWide = now.x <= area.x && now.right() >= area.right();
     const bool isHigh = now.y <= area.y && now.bottom() >= area.bottom();
+    const bool isRolledUp = heightOnScreen(m_observer.x(), window) < now.height / 2;
     return (isWide || !m_observer.hasState(window, "_NET_WM_STATE_MAXIMIZED_HORZ")) &&
-           (isHigh || !m_observer.hasState(window, "_NET_WM_STATE_MAXIMIZED_VERT"));
+           (isHigh || !m_observer.hasState(window, "_NET_WM_STATE_MAXIMIZED_VERT")) &&
+           (isRolledUp || !m_observer.hasState(window, "_NET_WM_STATE_SHADED"));
 }
 
 bool Desktop::waitUntilWithout(xcb_window_t window, const std::vector<std::string>& states) {
