@@ -26,8 +26,8 @@ public:
     /// Brings the program to the front, shows `alert` and returns the position of the button that closed it.
     virtual std::size_t runModal(const Alert& alert) = 0;
 
-    /// The same with a line to type into, which has the keyboard at once: what was typed, as it stands, if the
-    /// first button closed the message; none otherwise.
+    /// The same with a line to type into, which has the keyboard at once: what was typed, as it stands, if
+    /// the first button closed the message; none otherwise.
     virtual std::optional<std::string> runModalForText(const Alert& alert) = 0;
 };
 

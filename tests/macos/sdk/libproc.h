@@ -8,5 +8,5 @@ struct proc_bsdinfo {
     uint64_t pbi_start_tvusec;
 };
 
-SDK_EXTERN int proc_pidinfo(int pid, int flavor, uint64_t argument, void* _Nonnull buffer,
-                            int size) SDK_SINCE(10.5);
+SDK_EXTERN int proc_pidinfo(int pid, int flavor, uint64_t argument, void* _Nonnull buffer, int size)
+    SDK_SINCE(10.5);
