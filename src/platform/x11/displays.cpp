@@ -22,15 +22,24 @@ X11Displays::X11Displays(Connection& connection, Monitors& monitors, ClientWindo
     : m_connection(connection), m_monitors(monitors), m_windows(windows), m_reserved(connection) {}
 
 std::vector<Screen> X11Displays::screens() {
-    // A copy: asking for the space reserved may bring word of other monitors.
-    const std::vector<Monitor> monitors = m_monitors.all();
+    const ReservedSpace& reserved = m_reserved.current();
+    const Size rootSize = m_monitors.rootSize();
+    const std::vector<Monitor>& monitors = m_monitors.all();
+    if (m_basis.monitors != monitors || m_basis.rootSize != rootSize || m_basis.reserved != reserved) {
+        m_basis = {monitors, rootSize, reserved};
+        m_screens = screensOn(m_basis);
+    }
+    return m_screens;
+}
+
+std::vector<Screen> X11Displays::screensOn(const Basis& basis) {
     std::vector<Rect> frames;
-    std::transform(monitors.begin(), monitors.end(), std::back_inserter(frames),
+    std::transform(basis.monitors.begin(), basis.monitors.end(), std::back_inserter(frames),
                    [](const Monitor& monitor) { return monitor.rootFrame; });
-    const std::vector<Rect> areas = usableAreas(frames, m_monitors.rootSize(), m_reserved.current());
+    const std::vector<Rect> areas = usableAreas(frames, basis.rootSize, basis.reserved);
     std::vector<Screen> screens;
-    for (std::size_t i = 0; i < monitors.size(); ++i)
-        screens.push_back({monitors[i].id, screenFromRoot(frames[i], frames.front()),
+    for (std::size_t i = 0; i < frames.size(); ++i)
+        screens.push_back({basis.monitors[i].id, screenFromRoot(frames[i], frames.front()),
                            screenFromRoot(areas[i], frames.front())});
     return screens;
 }

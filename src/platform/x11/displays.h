@@ -20,6 +20,14 @@ public:
     [[nodiscard]] std::optional<Screen> mainScreen() override;
 
 private:
+    /// What the screens are reckoned from. A drag asks for them several times at each movement.
+    struct Basis {
+        std::vector<Monitor> monitors;
+        Size rootSize;
+        ReservedSpace reserved;
+    };
+
+    [[nodiscard]] static std::vector<Screen> screensOn(const Basis& basis);
     [[nodiscard]] std::optional<Rect> activeFrame();
     [[nodiscard]] std::optional<Rect> pointerFrame();
 
@@ -27,6 +35,8 @@ private:
     Monitors& m_monitors;
     ClientWindows& m_windows;
     ReservedSpaceWatch m_reserved;
+    Basis m_basis;
+    std::vector<Screen> m_screens; // on that basis
 };
 
 } // namespace tessarel::x11
