@@ -9,11 +9,11 @@
 namespace tessarel::x11test {
 namespace {
 
-/// All but mutter, which does not take up every press of the test's mouse on a title bar.
-constexpr std::array kManagers = {WindowManagerKind::Openbox,  WindowManagerKind::Xfwm4,
-                                  WindowManagerKind::Metacity, WindowManagerKind::Marco,
-                                  WindowManagerKind::Icewm,    WindowManagerKind::Fluxbox,
-                                  WindowManagerKind::Kwin};
+constexpr std::array kManagers = {
+    WindowManagerKind::Openbox, WindowManagerKind::Xfwm4,  WindowManagerKind::Metacity,
+    WindowManagerKind::Marco,   WindowManagerKind::Icewm,  WindowManagerKind::Fluxbox,
+    WindowManagerKind::Kwin,    WindowManagerKind::Mutter,
+};
 
 /// Under every window manager.
 class DragTest : public DragFixture {};
@@ -105,7 +105,7 @@ TEST_P(DragTest, AProgramThatStopsWhileItsWindowIsDraggedLeavesNoOverlayBehind) 
     EXPECT_EQ(desktop.settledFrame(window, zoneFrame(2)), zoneFrame(2));
 }
 
-INSTANTIATE_TEST_SUITE_P(Most, DragTest, testing::ValuesIn(kManagers), managerName);
+INSTANTIATE_TEST_SUITE_P(All, DragTest, testing::ValuesIn(kManagers), managerName);
 
 /// A program that runs with settings of its own.
 class DragSettingsTest : public DragFixture {
@@ -175,7 +175,7 @@ TEST_P(DragSettingsTest, EachEdgeOffersItsPartOfTheScreen) {
     expectParts({{0, 450, kLeftHalf}, {1599, 450, kRightHalf}, {800, 0, kWhole}});
 }
 
-INSTANTIATE_TEST_SUITE_P(Most, DragSettingsTest, testing::ValuesIn(kManagers), managerName);
+INSTANTIATE_TEST_SUITE_P(All, DragSettingsTest, testing::ValuesIn(kManagers), managerName);
 
 /// Window managers that do not tile in the corners, or let go of what they have tiled there; metacity does
 /// not.
@@ -192,7 +192,8 @@ TEST_P(DragCornersTest, EachCornerOffersItsQuarterOfTheScreen) {
 INSTANTIATE_TEST_SUITE_P(Most, DragCornersTest,
                          testing::Values(WindowManagerKind::Openbox, WindowManagerKind::Xfwm4,
                                          WindowManagerKind::Marco, WindowManagerKind::Icewm,
-                                         WindowManagerKind::Fluxbox, WindowManagerKind::Kwin),
+                                         WindowManagerKind::Fluxbox, WindowManagerKind::Kwin,
+                                         WindowManagerKind::Mutter),
                          managerName);
 
 TEST_P(DragZonesTest, OfZonesThatOverlapTheSmallerOneWins) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "desktop/desktop.h"
+#include "support/x11/deadline.h"
 #include "support/x11/mouse.h"
 
 #include <optional>
@@ -54,7 +55,7 @@ private:
     };
 
     [[nodiscard]] Place gripOf(xcb_window_t window);
-    [[nodiscard]] bool pull(xcb_window_t window);
+    [[nodiscard]] bool pull(xcb_window_t window, const Deadline& deadline = Deadline());
     void step(int x, int y);
     [[nodiscard]] std::optional<Overlay> find();
     [[nodiscard]] std::optional<Overlay> asOverlay(xcb_window_t window);
