@@ -1,5 +1,6 @@
 #include "macos/fake/fake_menus.h"
 #include "macos/mac_test.h"
+#include "support/menu_rows.h"
 
 #include <stdexcept>
 #include <utility>
@@ -8,20 +9,6 @@ namespace tessarel::macos {
 namespace {
 
 using fakemac::StatusItemSight;
-
-MenuItem row(std::string title, MenuCommand command = MenuCommand::RunMenuAction, int tag = 0) {
-    MenuItem item;
-    item.title = std::move(title);
-    item.command = command;
-    item.tag = tag;
-    return item;
-}
-
-MenuItem submenu(std::string title, Menu rows) {
-    MenuItem item = row(std::move(title), MenuCommand::None);
-    item.submenu = std::move(rows);
-    return item;
-}
 
 Menu everyKindOfRow() {
     MenuItem heading = row("Tessarel 1.0", MenuCommand::None);

@@ -1,5 +1,6 @@
 #include "platform/qt/menu_title.h"
 #include "platform/qt/menu_view.h"
+#include "support/menu_rows.h"
 
 #include <QAction>
 #include <QApplication>
@@ -22,20 +23,6 @@ namespace tessarel::qt {
 namespace {
 
 using testing::ElementsAre;
-
-MenuItem row(std::string title, MenuCommand command = MenuCommand::RunMenuAction, int tag = 0) {
-    MenuItem item;
-    item.title = std::move(title);
-    item.command = command;
-    item.tag = tag;
-    return item;
-}
-
-MenuItem submenu(std::string title, Menu rows) {
-    MenuItem item = row(std::move(title), MenuCommand::None);
-    item.submenu = std::move(rows);
-    return item;
-}
 
 class MenuViewTest : public testing::Test {
 protected:

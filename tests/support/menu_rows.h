@@ -1,0 +1,26 @@
+#pragma once
+
+#include "ports/menu.h"
+
+#include <string>
+#include <utility>
+
+namespace tessarel {
+
+/// A row of a status menu that can be chosen, unless `command` is none.
+inline MenuItem row(std::string title, MenuCommand command = MenuCommand::RunMenuAction, int tag = 0) {
+    MenuItem item;
+    item.title = std::move(title);
+    item.command = command;
+    item.tag = tag;
+    return item;
+}
+
+/// A row that opens `rows`.
+inline MenuItem submenu(std::string title, Menu rows) {
+    MenuItem item = row(std::move(title), MenuCommand::None);
+    item.submenu = std::move(rows);
+    return item;
+}
+
+} // namespace tessarel
