@@ -1,6 +1,6 @@
 #include "platform/qt/overlay_native.h"
 
-#include "platform/qt/overlay_connection.h"
+#include "platform/qt/qt_connection.h"
 #include "platform/qt/overlay_pixels.h"
 
 #include <QWidget>

@@ -1,27 +1,21 @@
 #include "platform/qt/pointer_crossings.h"
 
-#include "platform/qt/overlay_connection.h"
+#include "platform/qt/qt_connection.h"
 
 #include <xcb/xcb.h>
 
 #include <cstdint>
-#include <cstdlib>
-#include <memory>
 
 namespace tessarel::qt {
 
 namespace {
-
-struct Free {
-    void operator()(void* pointer) const { std::free(pointer); }
-};
 
 /// Qt asks for them on the root window and makes nothing of them there.
 constexpr std::uint32_t kCrossings = XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW;
 
 void ignoreCrossingsOf(xcb_connection_t* xcb, xcb_window_t window) {
     const auto cookie = xcb_get_window_attributes(xcb, window);
-    const std::unique_ptr<xcb_get_window_attributes_reply_t, Free> attributes(
+    const Reply<xcb_get_window_attributes_reply_t> attributes(
         xcb_get_window_attributes_reply(xcb, cookie, nullptr));
     if (!attributes)
         return;

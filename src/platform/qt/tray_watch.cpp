@@ -1,19 +1,17 @@
 #include "platform/qt/tray_watch.h"
 
+#include "platform/qt/qt_connection.h"
+
 #include <QDBusConnection>
 #include <QDBusError>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QGuiApplication>
 #include <QObject>
-#include <qguiapplication_platform.h>
 #include <xcb/xcb.h>
 
 #include <chrono>
-#include <cstdlib>
-#include <memory>
 #include <string>
-#include <string_view>
 #include <utility>
 
 namespace tessarel::qt {
@@ -26,41 +24,9 @@ const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
 /// A watcher that does not answer must not keep the program from starting.
 constexpr std::chrono::milliseconds kPatience{500};
 
-struct Free {
-    void operator()(void* pointer) const { std::free(pointer); }
-};
-
-/// Qt's connection to the X server; null where there is none.
-xcb_connection_t* xConnection() {
-    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 != nullptr ? x11->connection() : nullptr;
-}
-
-xcb_atom_t atom(xcb_connection_t* xcb, std::string_view name) {
-    const auto cookie = xcb_intern_atom(xcb, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const std::unique_ptr<xcb_intern_atom_reply_t, Free> reply(xcb_intern_atom_reply(xcb, cookie, nullptr));
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
-/// The screen that $DISPLAY means.
-int screenNumber() {
-    char* host = nullptr;
-    int display = 0;
-    int screen = 0;
-    if (xcb_parse_display(nullptr, &host, &display, &screen) == 0)
-        return 0;
-    std::free(host);
-    return screen;
-}
-
 bool isOwned(xcb_atom_t selection) {
-    xcb_connection_t* const xcb = xConnection();
-    if (xcb == nullptr || selection == XCB_ATOM_NONE)
-        return false;
-    const auto cookie = xcb_get_selection_owner(xcb, selection);
-    const std::unique_ptr<xcb_get_selection_owner_reply_t, Free> reply(
-        xcb_get_selection_owner_reply(xcb, cookie, nullptr));
-    return reply && reply->owner != XCB_WINDOW_NONE;
+    xcb_connection_t* const xcb = qtConnection();
+    return xcb != nullptr && selection != XCB_ATOM_NONE && ownerOf(xcb, selection) != XCB_WINDOW_NONE;
 }
 
 /// Whether there is a watcher, though it may not have had an answer for us.
@@ -68,8 +34,7 @@ bool isThereSomebody(const QDBusMessage& answer) {
     switch (QDBusError(answer).type()) {
     case QDBusError::Disconnected:
     case QDBusError::ServiceUnknown:
-    case QDBusError::Other: // the bus says so of a name that nobody has, and that it may not start anybody
-                            // for
+    case QDBusError::Other: // so the bus calls a name that nobody has and that it may start nobody for
         return false;
     default:
         return true;
@@ -96,9 +61,9 @@ TrayWatch::TrayWatch(std::function<void()> sign)
                                             QDBusServiceWatcher::WatchForRegistration) {
     QObject::connect(&m_busWatcher, &QDBusServiceWatcher::serviceRegistered, &m_busWatcher,
                      [this] { m_sign(); });
-    if (xcb_connection_t* const xcb = xConnection()) {
-        m_managerAtom = atom(xcb, "MANAGER");
-        m_selectionAtom = atom(xcb, "_NET_SYSTEM_TRAY_S" + std::to_string(screenNumber()));
+    if (xcb_connection_t* const xcb = qtConnection()) {
+        m_managerAtom = internAtom(xcb, "MANAGER");
+        m_selectionAtom = internAtom(xcb, "_NET_SYSTEM_TRAY_S" + std::to_string(screenNumber()));
         qGuiApp->installNativeEventFilter(this);
     }
 }
