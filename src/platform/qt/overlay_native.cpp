@@ -1,7 +1,7 @@
 #include "platform/qt/overlay_native.h"
 
-#include "platform/qt/qt_connection.h"
 #include "platform/qt/overlay_pixels.h"
+#include "platform/qt/qt_connection.h"
 
 #include <QWidget>
 #include <xcb/shape.h>
