@@ -174,71 +174,73 @@ TEST_F(AppDelegateTest, TheEndStopsWatchingTheMouse) {
 class LaunchOrderTest : public AppDelegateTest {
 protected:
     struct Instance : SingleInstancePort {
-        explicit Instance(LaunchOrderTest& test) : test(test) {}
+        explicit Instance(LaunchOrderTest& test) : m_test(test) {}
         SubscriptionPtr claim(std::function<void()> reopened) override {
-            test.order.emplace_back("claim the desktop");
-            return test.copy.claim(std::move(reopened));
+            m_test.order.emplace_back("claim the desktop");
+            return m_test.copy.claim(std::move(reopened));
         }
-        LaunchOrderTest& test;
+        LaunchOrderTest& m_test;
     };
 
     struct Preferences : PreferencesPort {
-        explicit Preferences(LaunchOrderTest& test) : test(test) {}
+        explicit Preferences(LaunchOrderTest& test) : m_test(test) {}
         std::optional<std::string> data(std::string_view) override {
-            test.order.emplace_back("read settings");
+            m_test.order.emplace_back("read settings");
             return R"({"hasOnboarded": true})";
         }
         void setData(std::string_view, std::string_view) override {}
         void keepRejected(std::string_view) override {}
-        LaunchOrderTest& test;
+        LaunchOrderTest& m_test;
     };
 
     struct Menus : MainMenuPort {
-        explicit Menus(LaunchOrderTest& test) : test(test) {}
-        void setMainMenu(const std::vector<MainMenu>&) override { test.order.emplace_back("set main menu"); }
-        LaunchOrderTest& test;
+        explicit Menus(LaunchOrderTest& test) : m_test(test) {}
+        void setMainMenu(const std::vector<MainMenu>&) override {
+            m_test.order.emplace_back("set main menu");
+        }
+        LaunchOrderTest& m_test;
     };
 
     struct Item : sim::SimStatusItem {
-        explicit Item(LaunchOrderTest& test) : test(test) {}
+        explicit Item(LaunchOrderTest& test) : m_test(test) {}
         SubscriptionPtr create(Delegate delegate) override {
-            test.order.emplace_back("create status item");
+            m_test.order.emplace_back("create status item");
             return SimStatusItem::create(std::move(delegate));
         }
-        LaunchOrderTest& test;
+        LaunchOrderTest& m_test;
     };
 
     struct Keys : HotKeyPort {
-        explicit Keys(LaunchOrderTest& test) : test(test) {}
+        explicit Keys(LaunchOrderTest& test) : m_test(test) {}
         SubscriptionPtr installHandler(std::function<void(std::uint32_t)>) override { return nullptr; }
         std::vector<SubscriptionPtr> registerHotKeys(std::span<const HotKeyRequest> requests) override {
-            test.order.emplace_back("claim hot keys");
-            if (test.changesSettingsMeanwhile)
+            m_test.order.emplace_back("claim hot keys");
+            if (m_test.changesSettingsMeanwhile)
                 Store::shared().tessarelSettingsChanged.post();
             return std::vector<SubscriptionPtr>(requests.size());
         }
-        LaunchOrderTest& test;
+        LaunchOrderTest& m_test;
     };
 
     struct Mouse : MousePort {
-        explicit Mouse(LaunchOrderTest& test) : test(test) {}
+        explicit Mouse(LaunchOrderTest& test) : m_test(test) {}
         SubscriptionPtr addGlobalMonitor(MouseEventKind, std::function<void(const MouseEvent&)>) override {
-            if (test.order.back() != "watch the mouse")
-                test.order.emplace_back("watch the mouse");
+            if (m_test.order.back() != "watch the mouse")
+                m_test.order.emplace_back("watch the mouse");
             return nullptr;
         }
-        LaunchOrderTest& test;
+        LaunchOrderTest& m_test;
     };
 
     struct Trust : TrustPort {
-        explicit Trust(LaunchOrderTest& test) : test(test) {}
+        explicit Trust(LaunchOrderTest& test) : m_test(test) {}
         bool isTrusted() override {
-            test.order.emplace_back("ask for trust");
+            m_test.order.emplace_back("ask for trust");
             return false;
         }
-        void prompt() override { test.order.emplace_back("prompt"); }
+        void prompt() override { m_test.order.emplace_back("prompt"); }
         void openSettings() override {}
-        LaunchOrderTest& test;
+        LaunchOrderTest& m_test;
     };
 
     [[nodiscard]] Launch launch() {

@@ -70,11 +70,11 @@ private:
         [[nodiscard]] Type type() const override { return User; }
         void drawPixmap(const QRectF&, const QPixmap&, const QRectF&) override {}
 
-        void updateState(const QPaintEngineState& state) override {
-            if (state.state() & DirtyPen)
-                m_pen = state.pen();
-            if (state.state() & DirtyBrush)
-                m_brush = state.brush();
+        void updateState(const QPaintEngineState& changed) override {
+            if (changed.state() & DirtyPen)
+                m_pen = changed.pen();
+            if (changed.state() & DirtyBrush)
+                m_brush = changed.brush();
         }
         void drawLines(const QLineF* lines, int count) override {
             for (int i = 0; i < count; ++i)

@@ -217,9 +217,11 @@ TEST_F(ZoneEditorPictureTest, NothingOfAZoneLiesOutsideItsExtent) {
         const QImage with = image(1.25);
         const QRectF extent = picture().extent(zone);
         for (int y = 0; y < with.height(); ++y)
-            for (int x = 0; x < with.width(); ++x)
-                if (!extent.contains(QPointF(x + 0.5, y + 0.5) / 1.25))
+            for (int x = 0; x < with.width(); ++x) {
+                if (!extent.contains(QPointF(x + 0.5, y + 0.5) / 1.25)) {
                     ASSERT_EQ(with.pixel(x, y), without.pixel(x, y)) << x << ' ' << y;
+                }
+            }
     }
 }
 
