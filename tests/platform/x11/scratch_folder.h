@@ -12,18 +12,31 @@
 
 namespace tessarel::x11 {
 
-/// An empty folder that is gone with this object, together with what is in it.
+/// An empty folder that is gone with this object, together with what is in it. It is in memory where the
+/// system has a file system there, so that no test waits for a disk.
 class ScratchFolder {
 public:
     ScratchFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "tessarel-test-XXXXXX").string();
-        m_path = ::mkdtemp(name.data());
+        for (const auto& parent :
+             {std::filesystem::path("/dev/shm"), std::filesystem::temp_directory_path()}) {
+            std::string name = (parent / "tessarel-test-XXXXXX").string();
+            if (::mkdtemp(name.data())) {
+                m_path = name;
+                return;
+            }
+        }
     }
     ScratchFolder(const ScratchFolder&) = delete;
     ScratchFolder& operator=(const ScratchFolder&) = delete;
     ~ScratchFolder() {
         std::error_code error;
         std::filesystem::remove_all(m_path, error);
+    }
+
+    /// Removes what is in it.
+    void clear() const {
+        for (const auto& entry : std::filesystem::directory_iterator(m_path))
+            std::filesystem::remove_all(entry.path());
     }
 
     [[nodiscard]] const std::filesystem::path& path() const { return m_path; }

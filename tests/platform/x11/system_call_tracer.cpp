@@ -25,9 +25,10 @@ TracedWork::TracedWork(const std::function<void()>& work) : m_process(::fork()) 
     if (m_process == 0) {
         ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
         ::raise(SIGSTOP); // the beginning
-        work();
-        ::raise(SIGSTOP); // the end
-        ::_exit(0);
+        while (true) {
+            work();
+            ::raise(SIGSTOP); // the end
+        }
     }
     m_halted = waitForHalt(m_process) == SIGSTOP && ::ptrace(PTRACE_SETOPTIONS, m_process, nullptr,
                                                              PTRACE_O_TRACESYSGOOD | PTRACE_O_EXITKILL) == 0;
@@ -45,6 +46,7 @@ std::optional<TracedWork::Halt> TracedWork::next() {
     const int signal = waitForHalt(m_process);
     m_halted = signal != 0;
     m_isDone = signal != kSystemCallStop;
+    m_isInOrder = !m_isDone || signal == SIGSTOP;
     if (m_isDone)
         return std::nullopt;
 
@@ -74,15 +76,14 @@ void TracedWork::kill() {
 }
 
 bool TracedWork::finish() {
-    while (next()) {
+    if (!m_isDone) {
+        ::ptrace(PTRACE_CONT, m_process, nullptr, nullptr);
+        const int signal = waitForHalt(m_process);
+        m_halted = signal != 0;
+        m_isInOrder = signal == SIGSTOP;
+        m_isDone = true;
     }
-    if (!m_halted)
-        return false;
-    m_halted = false;
-    ::ptrace(PTRACE_DETACH, m_process, nullptr, nullptr);
-    int status = 0;
-    ::waitpid(m_process, &status, 0);
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return m_isInOrder;
 }
 
 } // namespace tessarel::x11

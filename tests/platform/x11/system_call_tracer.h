@@ -7,7 +7,8 @@
 namespace tessarel::x11 {
 
 /// A forked copy of this process that runs some work, halted at the beginning and at the end of every system
-/// call it makes. Ends with this object at the latest.
+/// call it makes. The copy can run the work again, which spares a fork of a large process. Ends with this
+/// object at the latest.
 class TracedWork {
 public:
     struct Halt {
@@ -33,13 +34,17 @@ public:
     /// Ends the process where it stands.
     void kill();
 
-    /// Lets the rest run. True if the work is done and the process ends in order.
+    /// Lets the rest run without halts. True if the work is done and the process still runs.
     [[nodiscard]] bool finish();
+
+    /// After the work is done: the next call of `next()` or `finish()` begins it again.
+    void again() { m_isDone = false; }
 
 private:
     pid_t m_process = -1;
     bool m_halted = false;
     bool m_isDone = false;
+    bool m_isInOrder = true; ///< once done: it came to its end, and to no other signal
 };
 
 } // namespace tessarel::x11
