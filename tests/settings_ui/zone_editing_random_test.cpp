@@ -1,5 +1,6 @@
 #include "model/presets.h"
 #include "settings_ui/zone_editing.h"
+#include "support/long_run.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +13,6 @@
 
 namespace tessarel {
 namespace {
-
-constexpr int kDrags = 100'000;
 
 /// The editor once more, written down as one reads about it: four numbers per zone, in lists.
 struct NaiveEditor {
@@ -253,8 +252,9 @@ protected:
 };
 
 TEST_F(ZoneEditingRandomTest, AnyDragsEndWhereTheNaiveEditorHasThem) {
+    const int drags = rounds(20'000, 1'000'000);
     int changed = 0;
-    for (int i = 0; i < kDrags; ++i) {
+    for (int i = 0; i < drags; ++i) {
         if (i % 20 == 0)
             startAnew();
         const std::vector<Zone> before = settings.zones;
@@ -262,8 +262,8 @@ TEST_F(ZoneEditingRandomTest, AnyDragsEndWhereTheNaiveEditorHasThem) {
         ASSERT_NO_FATAL_FAILURE(compare()) << "drag " << i;
         changed += settings.zones == before ? 0 : 1;
     }
-    EXPECT_GT(changed, kDrags / 4) << "most of the drags were at nothing";
-    EXPECT_GT(selections, kDrags / 20);
+    EXPECT_GT(changed, drags / 4) << "most of the drags were at nothing";
+    EXPECT_GT(selections, drags / 20);
 }
 
 } // namespace
