@@ -168,7 +168,7 @@ TEST_P(DefaultKeysTest, TheWindowManagerHoldsTheseOfItsOwnAccord) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, DefaultKeysTest, testing::ValuesIn(defaultKeys()),
-                         [](const auto& info) { return std::string(name(info.param.manager)); });
+                         [](const auto& instance) { return std::string(name(instance.param.manager)); });
 
 } // namespace
 } // namespace tessarel::x11test

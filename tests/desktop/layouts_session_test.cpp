@@ -25,7 +25,7 @@ protected:
         const auto clients = observer.clients();
         const auto found = std::ranges::find_if(
             clients, [&](xcb_window_t window) { return observer.text(window, "_NET_WM_NAME") == title; });
-        return found == clients.end() ? XCB_WINDOW_NONE : *found;
+        return found == clients.end() ? xcb_window_t{XCB_WINDOW_NONE} : *found;
     }
 
     /// Waits until the window with this title is the one that is worked in.

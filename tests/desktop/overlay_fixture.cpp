@@ -147,7 +147,7 @@ OverlaySurface* OverlayDesktopTest::surface() {
 }
 
 xcb_window_t OverlayDesktopTest::surfaceWindow() {
-    return surface() ? static_cast<xcb_window_t>(surface()->winId()) : XCB_WINDOW_NONE;
+    return surface() ? static_cast<xcb_window_t>(surface()->winId()) : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 } // namespace tessarel::qt

@@ -140,8 +140,8 @@ std::vector<Cell> possibleCells() {
     return cells;
 }
 
-INSTANTIATE_TEST_SUITE_P(Matrix, PlacementTest, testing::ValuesIn(possibleCells()), [](const auto& info) {
-    return std::string(name(std::get<0>(info.param))) + "_" + std::get<1>(info.param).name;
+INSTANTIATE_TEST_SUITE_P(Matrix, PlacementTest, testing::ValuesIn(possibleCells()), [](const auto& instance) {
+    return std::string(name(std::get<0>(instance.param))) + "_" + std::get<1>(instance.param).name;
 });
 
 } // namespace

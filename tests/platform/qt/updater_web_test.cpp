@@ -150,7 +150,7 @@ TEST_P(UpdaterWebTest, EndsByHttpsAsItShould) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Answers, UpdaterWebTest, testing::ValuesIn(cases()),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& instance) { return instance.param.name; });
 
 /// Servers that are not what they should be.
 class UpdaterImpostorTest : public UpdaterWebTest {};
@@ -172,7 +172,7 @@ TEST_P(UpdaterImpostorTest, ABadCertificateIsNotTrusted) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Impostors, UpdaterImpostorTest, testing::Values(Case{"NoConnection", nullptr}),
-                         [](const auto& info) { return info.param.name; });
+                         [](const auto& instance) { return instance.param.name; });
 
 } // namespace
 } // namespace tessarel::qt

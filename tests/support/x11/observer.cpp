@@ -155,7 +155,7 @@ std::string Observer::text(xcb_window_t window, std::string_view name) {
 
 xcb_window_t Observer::activeWindow() {
     const std::vector<std::uint32_t> found = values(root(), "_NET_ACTIVE_WINDOW");
-    return found.empty() ? XCB_WINDOW_NONE : found.front();
+    return found.empty() ? xcb_window_t{XCB_WINDOW_NONE} : found.front();
 }
 
 std::vector<xcb_window_t> Observer::clients() {
@@ -204,7 +204,7 @@ std::string Observer::windowManagerName() {
 xcb_window_t Observer::selectionOwner(std::string_view selection) {
     const auto reply = own(xcb_get_selection_owner_reply(
         m_x.get(), xcb_get_selection_owner(m_x.get(), m_x.atom(selection)), nullptr));
-    return reply ? reply->owner : XCB_WINDOW_NONE;
+    return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
 }
 
 void Observer::activate(xcb_window_t window) {
@@ -213,7 +213,7 @@ void Observer::activate(xcb_window_t window) {
 
 void Observer::changeState(xcb_window_t window, StateChange change, std::string_view first,
                            std::string_view second) {
-    const xcb_atom_t secondAtom = second.empty() ? XCB_ATOM_NONE : m_x.atom(second);
+    const xcb_atom_t secondAtom = second.empty() ? xcb_atom_t{XCB_ATOM_NONE} : m_x.atom(second);
     sendToRoot(window, "_NET_WM_STATE",
                {static_cast<std::uint32_t>(change), m_x.atom(first), secondAtom, kSourcePager, 0});
 }

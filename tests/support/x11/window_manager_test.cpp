@@ -69,7 +69,7 @@ TEST_P(WindowManagerTest, LetsPressesOfAGrabbedCombinationThrough) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, WindowManagerTest, testing::ValuesIn(kAllWindowManagers),
-                         [](const auto& info) { return std::string(name(info.param)); });
+                         [](const auto& instance) { return std::string(name(instance.param)); });
 
 } // namespace
 } // namespace tessarel::x11test

@@ -28,7 +28,7 @@ xcb_atom_t XConnection::atom(std::string_view name) {
     const auto cookie =
         xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
     const auto reply = own(xcb_intern_atom_reply(m_connection, cookie, nullptr));
-    const xcb_atom_t atom = reply ? reply->atom : XCB_ATOM_NONE;
+    const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
     m_atoms.emplace(name, atom);
     return atom;
 }
