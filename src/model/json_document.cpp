@@ -1,13 +1,15 @@
 #include "model/json_document.h"
 
 // strtod's end is checked by the library with an assertion that fails under a C locale whose decimal point
-// has several bytes. `DocumentBuilder` reads the number's text itself.
+// has several bytes. `DocumentBuilder` parses the number's text itself.
 #define JSON_ASSERT(condition) static_cast<void>(condition)
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 #include <limits>
 #include <system_error>
 
@@ -31,10 +33,14 @@ public:
         constexpr auto kLargest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
         return value <= kLargest ? add(static_cast<std::int64_t>(value)) : add(static_cast<double>(value));
     }
-    // The parser's own value has gone through the C locale, and so has the decimal point in its text.
-    bool number_float(number_float_t, const string_t& text) override {
-        const auto value = number(text);
-        return value && add(*value);
+    // If the number has a decimal point, the parser has put the C locale's in its place, and its value is
+    // wrong where that has several bytes.
+    bool number_float(number_float_t value, const string_t& text) override {
+        const auto point = text.find_first_not_of("0123456789+-eE");
+        if (point == std::string::npos)
+            return add(value);
+        const auto number = parseDecimals(text, point);
+        return number && add(*number);
     }
     bool string(string_t& value) override { return add(std::move(value)); }
     bool binary(binary_t&) override { return false; }
@@ -53,17 +59,24 @@ public:
     }
 
 private:
-    static std::optional<double> number(std::string text) {
-        constexpr std::string_view kOthers = "0123456789+-eE";
-        const auto point = text.find_first_not_of(kOthers);
-        if (point != std::string::npos)
-            text[point] = '.';
-
-        double value = 0;
-        const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-        if (error != std::errc() || end != text.data() + text.size())
-            return std::nullopt;
-        return value;
+    /// Parses a JSON number that has its decimal point at `point`, whatever character that is. Returns
+    /// nothing if the number is too large. macOS 13 has no std::from_chars for doubles, and std::strtod()
+    /// gives the same under every C locale only for a text without a decimal point: so "12.5e3" is parsed as
+    /// "125e2".
+    static std::optional<double> parseDecimals(const std::string& text, std::size_t point) {
+        const auto digitsEnd = std::min(text.find_first_of("eE", point), text.size());
+        int exponent = 0;
+        if (digitsEnd < text.size()) {
+            const auto sign = digitsEnd + 1;
+            const char* const begin = text.data() + sign + (text[sign] == '+' ? 1 : 0);
+            if (std::from_chars(begin, text.data() + text.size(), exponent).ec != std::errc())
+                return std::nullopt;
+        }
+        const std::string decimals = text.substr(point + 1, digitsEnd - point - 1);
+        const auto shifted = std::int64_t{exponent} - static_cast<std::int64_t>(decimals.size());
+        const double value =
+            std::strtod((text.substr(0, point) + decimals + 'e' + std::to_string(shifted)).c_str(), nullptr);
+        return std::isfinite(value) ? std::optional(value) : std::nullopt;
     }
 
     JsonValue& place(JsonValue value) {

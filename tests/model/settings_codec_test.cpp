@@ -200,6 +200,12 @@ TEST(DecodeSettingsTest, ANumberIsReadToItsLastDigit) {
     EXPECT_EQ(gap("0.1"), 0.1);
     EXPECT_EQ(gap("-12.5e-3"), -0.0125);
     EXPECT_EQ(gap("1E2"), 100);
+    EXPECT_EQ(gap("1.25E+2"), 125);
+    EXPECT_EQ(gap("0.00625e0004"), 62.5);
+    EXPECT_EQ(gap("-0.5"), -0.5);
+    EXPECT_EQ(gap("4.9406564584124654e-324"), std::numeric_limits<double>::denorm_min());
+    EXPECT_EQ(gap("1." + std::string(400, '0')), 1);
+    EXPECT_EQ(gap(std::string(400, '9') + ".5e-400"), 1);
     EXPECT_EQ(gap("18446744073709551615"), 18446744073709551615.0);
     EXPECT_EQ(gap("1.7976931348623157e308"), std::numeric_limits<double>::max());
 }
@@ -207,6 +213,8 @@ TEST(DecodeSettingsTest, ANumberIsReadToItsLastDigit) {
 TEST(DecodeSettingsTest, ANumberBeyondADoubleFailsTheDocument) {
     EXPECT_EQ(gap("1e309"), std::nullopt);
     EXPECT_EQ(gap("-1e309"), std::nullopt);
+    EXPECT_EQ(gap("1.5e309"), std::nullopt);
+    EXPECT_EQ(gap("1.5e99999999999"), std::nullopt);
     EXPECT_EQ(gap(std::string(400, '9')), std::nullopt);
 }
 

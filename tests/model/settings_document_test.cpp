@@ -174,6 +174,8 @@ TEST_P(LocaleTest, NumbersAreReadAndWrittenTheSame) {
     ASSERT_TRUE(document);
     EXPECT_NE(document->find("\"gap\":1234567.75"), std::string::npos) << *document;
     EXPECT_EQ(decodeSettings(*document), settings);
+    EXPECT_EQ(decodeSettings(R"({"gap": 12.5e3})")->gap, 12500);
+    EXPECT_EQ(decodeSettings(R"({"gap": 1.5e309})"), std::nullopt);
     EXPECT_EQ(decodeSettings(R"({"gap": 1,5})"), std::nullopt);
     EXPECT_EQ(decodeSettings("{\"gap\": 1\xd9\xab"
                              "5}"),
