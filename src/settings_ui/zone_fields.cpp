@@ -2,16 +2,14 @@
 
 #include "settings_ui/kit.h"
 
-#include <QByteArray>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QRect>
 
 #include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstddef>
-#include <system_error>
 
 namespace tessarel {
 
@@ -59,14 +57,10 @@ void ZoneFields::show(const Zone& zone) {
 }
 
 std::optional<double> ZoneFields::number(const QString& text) {
-    QByteArray digits = text.trimmed().replace(QLatin1Char(','), QLatin1Char('.')).toLatin1();
-    if (digits.startsWith('+') && !digits.startsWith("+-"))
-        digits.remove(0, 1);
-    double value = 0;
-    const auto [end, error] = std::from_chars(digits.begin(), digits.end(), value);
-    if (error != std::errc() || end != digits.end() || !std::isfinite(value))
-        return std::nullopt;
-    return value;
+    bool whole = false;
+    const double value =
+        QLocale::c().toDouble(text.trimmed().replace(QLatin1Char(','), QLatin1Char('.')), &whole);
+    return whole && std::isfinite(value) ? std::optional(value) : std::nullopt;
 }
 
 Zone ZoneFields::typed(const Zone& current) const {
