@@ -3,14 +3,13 @@
 #include "settings_ui/fitted_text.h"
 
 #include <QAbstractScrollArea>
+#include <QByteArray>
 #include <QCheckBox>
 #include <QFrame>
 #include <QLabel>
 #include <QPalette>
 #include <QPushButton>
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <utility>
 
@@ -98,9 +97,7 @@ QString fullText(const QWidget& control) {
 QString fmtNum(double value) {
     constexpr int kDigits = 6;
     const double rounded = std::round(value * 100) / 100;
-    std::array<char, 32> text{};
-    const auto result = std::to_chars(text.begin(), text.end(), rounded, std::chars_format::general, kDigits);
-    return QString::fromLatin1(text.data(), result.ptr - text.data());
+    return QString::fromLatin1(QByteArray::number(rounded, 'g', kDigits));
 }
 
 void showMessage(const Ports& ports, const QString& title, const QString& text) {
