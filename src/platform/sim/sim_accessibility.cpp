@@ -1,10 +1,12 @@
 #include "platform/sim/sim_accessibility.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cmath>
+#include <iomanip>
+#include <limits>
+#include <locale>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <utility>
 
@@ -13,9 +15,10 @@ namespace tessarel::sim {
 namespace {
 
 std::string text(double number) {
-    std::array<char, 32> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-    return {digits.data(), end};
+    std::ostringstream digits;
+    digits.imbue(std::locale::classic());
+    digits << std::setprecision(std::numeric_limits<double>::digits10) << number;
+    return digits.str();
 }
 
 std::string text(const Point& point) {
