@@ -25,6 +25,18 @@ void setHandler(int signal, void (*handler)(int)) {
     ::sigaction(signal, &action, nullptr);
 }
 
+/// Opens a pipe of which neither end blocks or is passed on to other programs. pipe2() would do that in one
+/// call, but not every system has it; no other thread starts a program meanwhile.
+bool openPipe(std::array<int, 2>& ends) {
+    if (::pipe(ends.data()) != 0)
+        return false;
+    for (const int end : ends) {
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
+        ::fcntl(end, F_SETFL, O_NONBLOCK);
+    }
+    return true;
+}
+
 bool isIgnored(int signal) {
     struct sigaction present {};
     return ::sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN;
@@ -33,7 +45,7 @@ bool isIgnored(int signal) {
 } // namespace
 
 TerminationSignals::TerminationSignals() {
-    if (::pipe2(m_pipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
+    if (!openPipe(m_pipe))
         return; // the signals keep their usual effect
     wakeUpPipe = m_pipe[1];
     for (const int signal : kSignals) {

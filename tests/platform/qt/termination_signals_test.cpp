@@ -6,6 +6,7 @@
 
 #include <array>
 #include <csignal>
+#include <fcntl.h>
 #include <memory>
 #include <string>
 
@@ -67,6 +68,22 @@ TEST_P(TerminationSignalsTest, SignalsWithoutNumberBlockNobody) {
     drain();
 
     EXPECT_EQ(received, 1);
+}
+
+TEST_P(TerminationSignalsTest, NoOtherProgramInheritsThePipe) {
+    const auto inheritable = [] {
+        int count = 0;
+        for (int descriptor = 0; descriptor < 256; ++descriptor) {
+            const int flags = ::fcntl(descriptor, F_GETFD);
+            count += flags >= 0 && (flags & FD_CLOEXEC) == 0 ? 1 : 0;
+        }
+        return count;
+    };
+    const int before = inheritable();
+
+    const TerminationSignals terminationSignals;
+
+    EXPECT_EQ(inheritable(), before);
 }
 
 TEST_P(TerminationSignalsTest, AnIgnoredSignalStaysIgnored) {
