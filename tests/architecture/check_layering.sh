@@ -27,38 +27,57 @@ offence() {
     offences=$((offences + 1))
 }
 
-folder_of() {
+# Sets `folder` to the folder of a file, or to nothing for a file directly under src/.
+set_folder() {
     case $1 in
-    platform/*) cut -d/ -f1-2 <<<"$1" ;;
-    */*) cut -d/ -f1 <<<"$1" ;;
+    platform/*/*) folder=${1#platform/} folder=platform/${folder%%/*} ;;
+    */*) folder=${1%%/*} ;;
+    *) folder= ;;
     esac
 }
 
 is_core() { [[ " $no_qt_and_no_system " == *" $1 "* ]]; }
 
-while IFS= read -r file; do
-    folder=$(folder_of "$file")
-    [ -n "$folder" ] || continue # main.cpp picks the back end and may see everything
-    if [ -z "${sees[$folder]+known}" ]; then
-        offence "$file: the folder $folder has no place in the house"
+check_own_include() { # FILE FOLDER INCLUDE
+    [ -f "$3" ] || { offence "$1: \"$3\" is not under src/"; return; }
+    set_folder "$3"
+    [[ " $2 ${sees[$2]} " == *" $folder "* ]] || offence "$1: $2 may not include $3"
+}
+
+check_foreign_include() { # FILE FOLDER INCLUDE
+    [[ $3 != nlohmann/* || $1 == "$json_home" ]] || offence "$1: JSON stays in $json_home"
+    is_core "$2" || return 0
+    # The C++ standard library has no header with a dot or a slash in its name.
+    [[ $3 != */* && $3 != *.* && $3 != Q* || $3 == nlohmann/* ]] || offence "$1: $2 may not include <$3>"
+}
+
+# One line for each thing to check: kind, file, line number and what is included.
+facts() {
+    find . -name '*.h' -o -name '*.cpp' -o -name '*.mm' | sed 's|^\./||' | sort | xargs awk '
+        FNR == 1 { print "file", FILENAME, FNR, "" }
+        /^ *#[ \t]*(include|import)[ \t]*"[^"]+"/ { split($0, part, "\""); print "own", FILENAME, FNR, part[2] }
+        /^ *#[ \t]*(include|import)[ \t]*<[^>]+>/ { split($0, part, "[<>]"); print "foreign", FILENAME, FNR, part[2] }
+        /^[ \t]*#[ \t]*(if|ifdef|ifndef|elif).*(__linux|__unix|__APPLE__|_WIN32|__MACH__|Q_OS_)/ {
+            print "system", FILENAME, FNR, ""
+        }'
+}
+
+while read -r kind file line include; do
+    set_folder "$file"
+    own=$folder
+    [ -n "$own" ] || continue # main.cpp picks the back end and may see everything
+    if [ -z "${sees[$own]+known}" ]; then
+        [ "$kind" != file ] || offence "$file: the folder $own has no place in the house"
         continue
     fi
-    while IFS= read -r include; do
-        [ -f "$include" ] || { offence "$file: \"$include\" is not under src/"; continue; }
-        target=$(folder_of "$include")
-        [[ " $folder ${sees[$folder]} " == *" $target "* ]] || offence "$file: $folder may not include $include"
-    done < <(sed -nE 's/^ *#\s*(include|import)\s*"([^"]+)".*/\2/p' "$file")
-    while IFS= read -r include; do
-        [[ $include != nlohmann/* || $file == "$json_home" ]] || offence "$file: JSON stays in $json_home"
-        is_core "$folder" || continue
-        # The C++ standard library has no header with a dot or a slash in its name.
-        [[ $include != */* && $include != *.* && $include != Q* || $include == nlohmann/* ]] ||
-            offence "$file: $folder may not include <$include>"
-    done < <(sed -nE 's/^ *#\s*(include|import)\s*<([^>]+)>.*/\2/p' "$file")
-    [[ $folder == platform/* ]] ||
-        while IFS= read -r line; do
+    case $kind in
+    own) check_own_include "$file" "$own" "$include" ;;
+    foreign) check_foreign_include "$file" "$own" "$include" ;;
+    system)
+        [[ $own == platform/* ]] ||
             offence "$file:$line: conditional on the operating system outside platform/"
-        done < <(grep -nE '^\s*#\s*(if|ifdef|ifndef|elif).*(__linux|__unix|__APPLE__|_WIN32|__MACH__|Q_OS_)' "$file" | cut -d: -f1)
-done < <(find . -name '*.h' -o -name '*.cpp' -o -name '*.mm' | sed 's|^\./||' | sort)
+        ;;
+    esac
+done < <(facts)
 
 [ "$offences" = 0 ]
