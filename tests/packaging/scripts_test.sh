@@ -58,4 +58,35 @@ ctest --preset debug -R engine" "$(on_mac script/test -R engine)"
 play xcode-select 'exit 2'
 ! on_mac script/bootstrap >/dev/null || { echo "FAILED: the compiler is not missed"; failed=1; }
 
+# On Debian and Ubuntu: the lock of another package manager is waited for, but not for ever.
+: >"$scratch/locks"
+play uname 'echo Linux'
+play id 'echo 0'
+play dpkg-query 'exit 1'
+play sleep "sed -i 1d $scratch/locks"
+play apt-get "[ ! -s $scratch/locks ] || { echo 'E: Could not get lock /var/lib/dpkg/lock-frontend.' >&2; exit 100; }" \
+    "case \"\$*\" in *--assume-no*) echo 'Need to get 12.3 MB/45.6 MB of archives.'; exit 1 ;; esac"
+on_debian() {
+    : >"$scratch/calls"
+    PATH=$scratch/bin:$PATH "$@" >"$scratch/said" 2>&1
+}
+# times WHAT: how often it was called.
+times() { grep -c -e "^$1" "$scratch/calls" || true; }
+
+printf 'held\n%.0s' 1 2 3 >"$scratch/locks"
+on_debian script/bootstrap format || { echo "FAILED: the lock is not waited for"; failed=1; }
+expect "waits for the lock" "3 sleep 5, 1 installed" "$(times 'sleep 5') sleep 5, $(times 'apt-get -q install -y') installed"
+expect "says what it waits for and does" \
+    "bootstrap: another package manager is at work; waiting up to 5 minutes for it
+bootstrap: installing 2 packages and what they need (12.3 MB/45.6 MB to download): clang-format clang-tidy" \
+    "$(cat "$scratch/said")"
+printf 'held\n%.0s' {1..100} >"$scratch/locks"
+! on_debian script/bootstrap format || { echo "FAILED: a lock that stays is passed over"; failed=1; }
+expect "gives up after five minutes" "60 sleep 5, 0 installed" \
+    "$(times 'sleep 5') sleep 5, $(times 'apt-get -q install') installed"
+: >"$scratch/locks"
+play apt-get "echo 'E: Unable to locate package' >&2; exit 100"
+! on_debian script/bootstrap format || { echo "FAILED: a package that is missing is passed over"; failed=1; }
+expect "does not wait for what is not there" "0" "$(times 'sleep')"
+
 exit "$failed"
