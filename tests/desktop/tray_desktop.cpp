@@ -75,28 +75,6 @@ Appearance appearance(XConnection& x, xcb_window_t window) {
 
 } // namespace
 
-void Mouse::fake(std::uint8_t type, std::uint8_t detail, int x, int y) {
-    xcb_test_fake_input(m_observer.x().get(), type, detail, XCB_CURRENT_TIME, m_observer.root(),
-                        static_cast<std::int16_t>(x), static_cast<std::int16_t>(y), 0);
-    m_observer.x().roundTrip();
-}
-
-void Mouse::move(int x, int y) {
-    fake(XCB_MOTION_NOTIFY, 0, x, y);
-}
-
-void Mouse::click(std::uint8_t button) {
-    fake(XCB_BUTTON_PRESS, button);
-    fake(XCB_BUTTON_RELEASE, button);
-}
-
-void Mouse::clickCentre(const Frame& frame, std::uint8_t button) {
-    // From its edge to its centre: menus take a row only once the pointer has moved in it.
-    move(frame.x + 2, frame.y + frame.height / 2);
-    move(frame.x + frame.width / 2, frame.y + frame.height / 2);
-    click(button);
-}
-
 DesktopBus::DesktopBus(const Environment& environment)
     : m_environment(environment), m_address("unix:path=" + environment.at("XDG_RUNTIME_DIR") + "/bus") {
     start();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/x11/child_process.h"
+#include "support/x11/mouse.h"
 #include "support/x11/observer.h"
 #include "support/x11/x_server.h"
 
@@ -14,24 +15,6 @@
 #include <vector>
 
 namespace tessarel::x11test {
-
-/// The mouse of an X server, moved and pressed for real.
-class Mouse {
-public:
-    static constexpr std::uint8_t kLeft = 1;
-    static constexpr std::uint8_t kRight = 3;
-
-    explicit Mouse(Observer& observer) : m_observer(observer) {}
-
-    void move(int x, int y);
-    void click(std::uint8_t button);
-    void clickCentre(const Frame& frame, std::uint8_t button);
-
-private:
-    void fake(std::uint8_t type, std::uint8_t detail, int x = 0, int y = 0);
-
-    Observer& m_observer;
-};
 
 /// A session bus on which services of the machine may be started.
 class DesktopBus {

@@ -117,7 +117,7 @@ TEST_F(TrayStatusNotifierTest, TitlesReachThePanelAsPlainText) {
 TEST_F(TrayStatusNotifierTest, TheMainButtonOpensTheMenuToo) {
     startPanel();
     startProbe();
-    mouse.move(300, 300);
+    mouse.moveTo(300, 300);
 
     desktop.activate(300, 300);
 
@@ -131,7 +131,7 @@ TEST_F(TrayStatusNotifierTest, TheMainButtonOpensTheMenuToo) {
 TEST_F(TrayStatusNotifierTest, APanelThatCannotDrawMenusGetsOursAtTheSecondButton) {
     startPanel();
     startProbe();
-    mouse.move(200, 100);
+    mouse.moveTo(200, 100);
 
     desktop.contextMenu(200, 100);
 

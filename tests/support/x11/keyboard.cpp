@@ -4,19 +4,11 @@
 
 #include <array>
 #include <stdexcept>
-#include <utility>
 #include <vector>
 
 namespace tessarel::x11test {
 
 namespace {
-
-constexpr std::array<std::pair<std::uint16_t, xcb_keycode_t>, 4> kModifierKeys = {{
-    {XCB_MOD_MASK_CONTROL, key::kControl},
-    {XCB_MOD_MASK_1, key::kAlt},
-    {XCB_MOD_MASK_SHIFT, key::kShift},
-    {XCB_MOD_MASK_4, key::kSuper},
-}};
 
 constexpr std::array<std::uint16_t, 4> kLockStates = {0, XCB_MOD_MASK_LOCK, XCB_MOD_MASK_2,
                                                       XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2};

@@ -3,8 +3,10 @@
 #include "support/x11/observer.h"
 #include "support/x11/x_server.h"
 
+#include <array>
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace tessarel::x11test {
 
@@ -26,6 +28,14 @@ inline constexpr xcb_keycode_t kRight = 114;
 inline constexpr xcb_keycode_t kDown = 116;
 inline constexpr xcb_keycode_t kSuper = 133;
 } // namespace key
+
+/// The modifiers of the core protocol and the key that holds each.
+inline constexpr std::array<std::pair<std::uint16_t, xcb_keycode_t>, 4> kModifierKeys = {{
+    {XCB_MOD_MASK_CONTROL, key::kControl},
+    {XCB_MOD_MASK_1, key::kAlt},
+    {XCB_MOD_MASK_SHIFT, key::kShift},
+    {XCB_MOD_MASK_4, key::kSuper},
+}};
 
 /// A key with the modifiers held: any of XCB_MOD_MASK_CONTROL, _1 (Alt), _4 (Super), _SHIFT.
 struct Combination {

@@ -4,22 +4,9 @@
 
 #include <xcb/xtest.h>
 
-#include <array>
 #include <stdexcept>
-#include <utility>
 
 namespace tessarel::x11test {
-
-namespace {
-
-constexpr std::array<std::pair<std::uint16_t, xcb_keycode_t>, 4> kModifierKeys = {{
-    {XCB_MOD_MASK_CONTROL, key::kControl},
-    {XCB_MOD_MASK_1, key::kAlt},
-    {XCB_MOD_MASK_SHIFT, key::kShift},
-    {XCB_MOD_MASK_4, key::kSuper},
-}};
-
-} // namespace
 
 Mouse::Mouse(Observer& observer) : m_observer(observer) {
     xcb_connection_t* x = m_observer.x().get();
@@ -44,6 +31,18 @@ void Mouse::press(std::uint8_t button) {
 
 void Mouse::release(std::uint8_t button) {
     fake(XCB_BUTTON_RELEASE, button);
+}
+
+void Mouse::click(std::uint8_t button) {
+    press(button);
+    release(button);
+}
+
+void Mouse::clickCentre(const Frame& frame, std::uint8_t button) {
+    // From its edge to its centre: menus take a row only once the pointer has moved in it.
+    moveTo(frame.x + 2, frame.y + frame.height / 2);
+    moveTo(frame.x + frame.width / 2, frame.y + frame.height / 2);
+    click(button);
 }
 
 void Mouse::hold(std::uint16_t mask) {

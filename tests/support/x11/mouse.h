@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/x11/frame.h"
 #include "support/x11/observer.h"
 
 #include <cstdint>
@@ -21,6 +22,10 @@ public:
     void moveTo(int x, int y);
     void press(std::uint8_t button = kLeft);
     void release(std::uint8_t button = kLeft);
+    /// Presses and releases a button where the pointer is.
+    void click(std::uint8_t button = kLeft);
+    /// Clicks in the middle of `frame`, having moved there within it.
+    void clickCentre(const Frame& frame, std::uint8_t button = kLeft);
 
     /// Holds exactly the modifiers of `mask` from now on: any of XCB_MOD_MASK_CONTROL, _1 (Alt), _4 (Super),
     /// _SHIFT.
