@@ -18,10 +18,6 @@ struct Entry {
 constexpr std::int64_t kCtrlOpt = kCtrlKey + kOptKey;
 constexpr std::int64_t kCtrlOptCmd = kCtrlKey + kOptKey + kCmdKey;
 
-constexpr Zone z(double x, double y, double w, double h) {
-    return Presets::z(x, y, w, h);
-}
-
 constexpr std::array<Entry, 19> kEntries{{
     {ActionID::zone1, "zone1", "Snap to Zone 1", {}, {18, kCtrlOpt}},
     {ActionID::zone2, "zone2", "Snap to Zone 2", {}, {19, kCtrlOpt}},
@@ -32,11 +28,11 @@ constexpr std::array<Entry, 19> kEntries{{
     {ActionID::zone7, "zone7", "Snap to Zone 7", {}, {26, kCtrlOpt}},
     {ActionID::zone8, "zone8", "Snap to Zone 8", {}, {28, kCtrlOpt}},
     {ActionID::zone9, "zone9", "Snap to Zone 9", {}, {25, kCtrlOpt}},
-    {ActionID::leftHalf, "leftHalf", "Left half", z(0, 0, 50, 100), {123, kCtrlOpt}},
-    {ActionID::rightHalf, "rightHalf", "Right half", z(50, 0, 50, 100), {124, kCtrlOpt}},
-    {ActionID::topHalf, "topHalf", "Top half", z(0, 0, 100, 50), {126, kCtrlOpt}},
-    {ActionID::bottomHalf, "bottomHalf", "Bottom half", z(0, 50, 100, 50), {125, kCtrlOpt}},
-    {ActionID::maximize, "maximize", "Maximize", z(0, 0, 100, 100), {36, kCtrlOpt}},
+    {ActionID::leftHalf, "leftHalf", "Left half", Presets::z(0, 0, 50, 100), {123, kCtrlOpt}},
+    {ActionID::rightHalf, "rightHalf", "Right half", Presets::z(50, 0, 50, 100), {124, kCtrlOpt}},
+    {ActionID::topHalf, "topHalf", "Top half", Presets::z(0, 0, 100, 50), {126, kCtrlOpt}},
+    {ActionID::bottomHalf, "bottomHalf", "Bottom half", Presets::z(0, 50, 100, 50), {125, kCtrlOpt}},
+    {ActionID::maximize, "maximize", "Maximize", Presets::z(0, 0, 100, 100), {36, kCtrlOpt}},
     {ActionID::center, "center", "Center", {}, {8, kCtrlOpt}},
     {ActionID::restore, "restore", "Restore previous size", {}, {51, kCtrlOpt}},
     {ActionID::nextDisplay, "nextDisplay", "Move to next display", {}, {124, kCtrlOptCmd}},

@@ -20,7 +20,7 @@ namespace tessarel {
 namespace {
 
 constexpr double kInset = 1;
-constexpr double kCornerRadius = 6;
+constexpr double kZoneCornerRadius = 6;
 constexpr int kNumberSize = 22;
 constexpr double kNumberAlpha = 0.8;
 constexpr QPointF kNumberOffset(10, 6);
@@ -163,7 +163,7 @@ void ZoneEditorPicture::drawOutline(QPainter& painter, std::size_t index, const 
     const QColor accent = controlAccentColor(palette);
     painter.setPen(QPen(withAlpha(accent, look.strokeAlpha), look.strokeWidth));
     painter.setBrush(withAlpha(accent, look.fillAlpha));
-    painter.drawRoundedRect(outline, kCornerRadius, kCornerRadius);
+    painter.drawRoundedRect(outline, kZoneCornerRadius, kZoneCornerRadius);
 }
 
 void ZoneEditorPicture::drawNumber(QPainter& painter, std::size_t index) const {

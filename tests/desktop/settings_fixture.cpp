@@ -17,8 +17,9 @@ SettingsDesktopTest::SettingsDesktopTest() {
 }
 
 SettingsDesktopTest::~SettingsDesktopTest() {
-    if (program->running())
+    if (program->running()) {
         EXPECT_EQ(program->terminate(), 0) << program->errors();
+    }
     EXPECT_EQ(program->errors().find("Sanitizer"), std::string::npos) << program->errors();
 }
 

@@ -3,7 +3,6 @@
 namespace tessarel {
 namespace {
 
-constexpr Rect kZone1{0, 25, 480, 438};
 constexpr Point kTitleBar{500, 210};
 
 /// The user drags the editor's window by its title bar.

@@ -3,8 +3,6 @@
 namespace tessarel {
 namespace {
 
-constexpr Rect kZone1{0, 25, 480, 438}; // of three columns above and two below
-
 TEST_F(MacApplicationTest, AHotKeySnapsTheFrontWindowIntoItsZone) {
     launch();
     const auto window = openEditorWindow();

@@ -31,6 +31,7 @@ protected:
     static constexpr std::uint32_t kCtrlOpt = 4096 + 2048;
     static constexpr std::uint32_t kKey1 = 18;
     static constexpr Rect kWindow{300, 200, 500, 400};
+    static constexpr Rect kZone1{0, 25, 480, 438}; ///< of three columns above and two below
 
     static void SetUpTestSuite() {
         qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -20,7 +20,7 @@ struct Row {
 };
 
 // What the actions are, written out.
-const std::array<Row, 19> kTable{{
+const std::array<Row, 19> kActions{{
     {"zone1", "Snap to Zone 1", 0, {}, 18, 6144},
     {"zone2", "Snap to Zone 2", 1, {}, 19, 6144},
     {"zone3", "Snap to Zone 3", 2, {}, 20, 6144},
@@ -44,7 +44,7 @@ const std::array<Row, 19> kTable{{
 
 class ActionIDTest : public testing::TestWithParam<std::size_t> {
 protected:
-    const Row& row = kTable.at(GetParam());
+    const Row& row = kActions.at(GetParam());
     const ActionID action = ActionID::allCases.at(GetParam());
 };
 
@@ -72,9 +72,9 @@ TEST_P(ActionIDTest, HasTheDefaultBindingOfItsRow) {
     EXPECT_EQ(action.defaultBinding(), (Binding{row.keyCode, row.mods}));
 }
 
-INSTANTIATE_TEST_SUITE_P(Table, ActionIDTest, testing::Range<std::size_t>(0, kTable.size()),
+INSTANTIATE_TEST_SUITE_P(Table, ActionIDTest, testing::Range<std::size_t>(0, kActions.size()),
                          [](const auto& instance) {
-                             return std::string(kTable.at(instance.param).rawValue);
+                             return std::string(kActions.at(instance.param).rawValue);
                          });
 
 TEST(ActionIDsTest, AreNineteen) {

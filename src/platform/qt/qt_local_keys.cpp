@@ -15,10 +15,8 @@
 
 namespace tessarel::qt {
 
-namespace {
-
 /// The keyboard, held for at most one window at a time.
-class KeyboardGrab {
+class QtLocalKeys::KeyboardGrab {
 public:
     KeyboardGrab() = default;
     KeyboardGrab(const KeyboardGrab&) = delete;
@@ -39,8 +37,6 @@ public:
 private:
     QPointer<QWindow> m_window;
 };
-
-} // namespace
 
 /// Sees every event of the application before its receiver, while there is a monitor, and then until the key
 /// that was consumed last is released: its repetitions are nobody else's.

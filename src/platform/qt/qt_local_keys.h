@@ -33,6 +33,7 @@ public:
 
 private:
     class Filter;
+    class KeyboardGrab;
     class Monitor;
 
     Translation m_translation;

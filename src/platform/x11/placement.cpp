@@ -16,7 +16,7 @@ constexpr std::uint32_t kHasOrigin = 1U << 8 | 1U << 9;
 constexpr std::uint32_t kHasSize = 1U << 10 | 1U << 11;
 constexpr std::uint32_t kFromUser = 2; // as a pager speaks
 constexpr std::uint32_t kFromUserShifted = kFromUser << 12;
-constexpr double kNear = 3; // pixels: closer than that nobody has ignored anything
+constexpr double kObeyed = 3; // pixels: a difference up to this is not a refusal
 
 enum class StateChange : std::uint32_t { Remove = 0, Add = 1 };
 
@@ -45,7 +45,7 @@ void changeStates(Connection& connection, xcb_window_t window, StateChange chang
 }
 
 bool isFar(double actual, double wished) {
-    return std::abs(actual - wished) > kNear;
+    return std::abs(actual - wished) > kObeyed;
 }
 
 /// The client's window in a frame of that size.

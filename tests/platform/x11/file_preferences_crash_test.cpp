@@ -17,7 +17,7 @@
 namespace tessarel::x11 {
 namespace {
 
-constexpr std::string_view kKey = "settings";
+constexpr std::string_view kSettingsKey = "settings";
 const std::string kOld(20'000, 'o');
 const std::string kNew(30'000, 'n');
 
@@ -52,9 +52,9 @@ protected:
 
     void save(const std::string& bytes) const {
         FilePreferences preferences(folder());
-        if (GetParam().isRejected && preferences.data(kKey) == kOld)
-            preferences.keepRejected(kKey);
-        preferences.setData(kKey, bytes);
+        if (GetParam().isRejected && preferences.data(kSettingsKey) == kOld)
+            preferences.keepRejected(kSettingsKey);
+        preferences.setData(kSettingsKey, bytes);
     }
 
     std::vector<std::string> names() const { return ScratchFolder::names(realFolder()); }

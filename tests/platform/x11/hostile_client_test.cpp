@@ -9,7 +9,6 @@
 namespace tessarel::x11 {
 namespace {
 
-constexpr Rect kTarget{333, 222, 600, 450};
 constexpr double kThickestDecoration = 60;
 
 /// Properties of a window that the back end reads, and what a client may have put there instead.
@@ -168,10 +167,10 @@ TEST_F(HostileClientTest, WindowsThatDoNotExistHaveNoValues) {
 class LongListTest : public HostileClientTest {
 protected:
     LongListTest() : last(liar.open()) {
-        std::vector<xcb_window_t> windows(10'000);
-        std::iota(windows.begin(), windows.end(), xcb_window_t{0x7F000000});
-        windows.push_back(last);
-        listWindows({reinterpret_cast<const char*>(windows.data()), windows.size() * sizeof(xcb_window_t)});
+        std::vector<xcb_window_t> ids(10'000);
+        std::iota(ids.begin(), ids.end(), xcb_window_t{0x7F000000});
+        ids.push_back(last);
+        listWindows({reinterpret_cast<const char*>(ids.data()), ids.size() * sizeof(xcb_window_t)});
     }
     ~LongListTest() override { listWindows(""); }
 

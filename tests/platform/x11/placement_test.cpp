@@ -13,8 +13,6 @@ using namespace std::chrono_literals;
 using x11test::StateChange;
 using x11test::WindowOptions;
 
-constexpr Rect kTarget{333, 222, 600, 450};
-
 class PlacementTest : public X11Test {
 protected:
     [[nodiscard]] xcb_window_t openIn(const std::string& state) {

@@ -50,10 +50,10 @@ TEST_F(WindowAtPointTest, AMenuOnTopHidesTheWindowBelow) {
 TEST_F(WindowAtPointTest, AShadowAroundAClientIsNotTheWindow) {
     const xcb_window_t window =
         open({.client = {300, 200, 600, 400}, .shadow = {{20, 20, 20, 20}}, .decorated = false});
-    const auto client = observer.clientFrame(window);
-    ASSERT_TRUE(client);
-    const auto left = static_cast<double>(client->x);
-    const auto top = static_cast<double>(client->y);
+    const auto clientFrame = observer.clientFrame(window);
+    ASSERT_TRUE(clientFrame);
+    const auto left = static_cast<double>(clientFrame->x);
+    const auto top = static_cast<double>(clientFrame->y);
 
     EXPECT_EQ(at({left + 10, top + 200}), std::nullopt);
     EXPECT_EQ(at({left + 20, top + 20}), window);

@@ -31,7 +31,8 @@ SharedDesktop& SharedDesktop::withoutManager() {
 
 SharedDesktop& SharedDesktop::withoutProcesses() {
     static SharedDesktop desktop{
-        .server = x11test::XServer{{.width = 1600, .height = 900, .monitors = {}, .tellsProcesses = false}}};
+        .server = x11test::XServer{{.width = 1600, .height = 900, .monitors = {}, .tellsProcesses = false}},
+        .manager = nullptr};
     return managed(desktop);
 }
 

@@ -20,6 +20,9 @@
 
 namespace tessarel::x11 {
 
+/// A frame that no window has before a test sets it, in accessibility coordinates.
+inline constexpr Rect kTarget{333, 222, 600, 450};
+
 /// An X server with a window manager that all cases of a program share.
 struct SharedDesktop {
     x11test::XServer server{{.width = 1600, .height = 900, .monitors = {}}};
