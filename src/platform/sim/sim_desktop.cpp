@@ -32,6 +32,13 @@ void SimDesktop::setMenuBar(double height) {
     primary.visibleFrame.height = primary.frame.maxY() - primary.visibleFrame.y - height;
 }
 
+void SimDesktop::changeScreen(const Screen& screen) {
+    for (Screen& connected : m_state.screens) {
+        if (connected.id == screen.id)
+            connected = screen;
+    }
+}
+
 void SimDesktop::removeScreen(std::uint64_t id) {
     std::erase_if(m_state.screens, [&](const Screen& screen) { return screen.id == id; });
 }

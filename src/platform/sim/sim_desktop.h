@@ -48,6 +48,8 @@ public:
     Screen addScreen(const ScreenOptions& options);
     /// The bar along the top edge of the primary display is `height` high from now on.
     void setMenuBar(double height);
+    /// The display with the id of `screen` has its frames from now on.
+    void changeScreen(const Screen& screen);
     void removeScreen(std::uint64_t id);
     /// Makes the display the primary one; the frames of all others are then relative to it.
     void makePrimary(std::uint64_t id);

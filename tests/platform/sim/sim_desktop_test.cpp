@@ -39,6 +39,17 @@ TEST_F(SimDesktopTest, DisplaysComeAndGo) {
     EXPECT_FALSE(desktop.displays().mainScreen());
 }
 
+TEST_F(SimDesktopTest, ADisplayThatChangesKeepsItsIdAndItsPlaceInTheList) {
+    Screen first = desktop.addScreen({.frame = {0, 0, 1440, 900}});
+    const Screen second = desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
+
+    first.frame = {0, 0, 1280, 720};
+    first.visibleFrame = {60, 0, 1180, 720};
+    desktop.changeScreen(first);
+
+    EXPECT_EQ(desktop.displays().screens(), (std::vector{first, second}));
+}
+
 TEST_F(SimDesktopTest, AnotherPrimaryDisplayMovesTheOrigin) {
     const Screen first = desktop.addScreen({.frame = {0, 0, 1440, 900}, .menuBar = 25});
     const Screen second = desktop.addScreen({.frame = {1440, -100, 1920, 1080}});
