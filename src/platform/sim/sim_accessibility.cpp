@@ -154,19 +154,26 @@ void SimAccessibility::setAttribute(const Element& element, std::string_view att
     const Name* name = nameOf(element);
     if (!name)
         return;
-    m_state.requests.push_back("write " + text(*name) + " " + std::string(attribute) + " " +
-                               tessarel::sim::text(value));
-    SimApplication* application = ask(*name, name->pid);
+    const std::string line =
+        "write " + text(*name) + " " + std::string(attribute) + " " + tessarel::sim::text(value);
+    m_state.requests.push_back(line);
+    write(*name, attribute, value);
+    if (m_afterWrite)
+        m_afterWrite(line);
+}
+
+void SimAccessibility::write(const Name& name, std::string_view attribute, const AttributeValue& value) {
+    SimApplication* application = ask(name, name.pid);
     if (!application)
         return;
 
-    if (name->kind == Name::Kind::Application) {
+    if (name.kind == Name::Kind::Application) {
         const auto* on = std::get_if<bool>(&value);
         if (on && attribute == attribute::kEnhancedUserInterface && application->enhancedInterface)
             application->enhancedInterface = *on;
         return;
     }
-    SimWindow* window = name->kind == Name::Kind::Window ? m_state.window(name->window) : nullptr;
+    SimWindow* window = name.kind == Name::Kind::Window ? m_state.window(name.window) : nullptr;
     if (!window || window->fullScreen)
         return;
     const auto* point = std::get_if<Point>(&value);
@@ -191,7 +198,7 @@ std::uintptr_t SimAccessibility::key(const Element& element) {
     case Name::Kind::Application:
         return static_cast<std::uintptr_t>(name->pid) | kApplication;
     case Name::Kind::Window:
-        return static_cast<std::uintptr_t>(name->window);
+        return m_state.windowKey(name->window);
     case Name::Kind::PartOfWindow:
         return static_cast<std::uintptr_t>(name->window) | kPart;
     case Name::Kind::Desktop:
@@ -335,7 +342,8 @@ void SimAccessibility::show(SimWindow& window, const Rect& axFrame) {
     const auto now = m_state.clock.now();
     const bool animated = m_state.application(window.pid)->enhancedInterface.value_or(false);
     window.axFrameBefore = window.shownAxFrame(now);
-    window.settledAt = animated ? now + SimApplication::kAnimation : now;
+    window.settledAt =
+        now + std::max(window.settlingTime, animated ? SimApplication::kAnimation : SimClock::Duration{});
     window.axFrame = axFrame;
 }
 

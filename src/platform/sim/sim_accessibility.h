@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <utility>
 
 namespace tessarel::sim {
 
@@ -41,6 +42,10 @@ public:
 
     /// Tells whoever observes the window's application that it has been opened.
     void reportCreated(WindowId id);
+    /// Calls `handler` after every write with its line in the record; it may do anything to the desktop.
+    void setWriteHandler(std::function<void(const std::string& line)> handler) {
+        m_afterWrite = std::move(handler);
+    }
     /// How many observers of applications there are.
     [[nodiscard]] std::size_t observers() const { return m_state.windowObservers.count(); }
 
@@ -56,12 +61,14 @@ private:
                                                                      std::string_view attribute);
     [[nodiscard]] std::optional<AttributeValue> windowAttribute(WindowId id, std::string_view attribute);
     [[nodiscard]] std::optional<AttributeValue> partAttribute(WindowId id, std::string_view attribute);
+    void write(const Name& name, std::string_view attribute, const AttributeValue& value);
     void setPosition(SimWindow& window, const Point& position);
     void setSize(SimWindow& window, const Size& size);
     [[nodiscard]] Size cut(const Size& size, const Point& axOrigin) const;
     void show(SimWindow& window, const Rect& axFrame);
 
     SimState& m_state;
+    std::function<void(const std::string& line)> m_afterWrite;
     SimClock::Duration m_timeLimit = SimApplication::kTimeLimit; ///< of elements without their own
 };
 

@@ -84,6 +84,8 @@ public:
     /// The program that the window belongs to.
     SimApplication& applicationOf(WindowId id) { return application(window(id).pid); }
     [[nodiscard]] Element element(WindowId id) { return m_accessibility.window(id); }
+    /// The window's element has this key from now on, like a hash that another window may share.
+    void setKey(WindowId id, std::uintptr_t key) { m_state.windowKeys[id] = key; }
     /// Where the window is seen now.
     [[nodiscard]] Rect frame(WindowId id);
     /// The user moves or resizes the window.

@@ -16,6 +16,11 @@ SimWindow* SimState::window(WindowId id) {
     return found == windows.end() ? nullptr : &*found;
 }
 
+std::uintptr_t SimState::windowKey(WindowId id) const {
+    const auto found = windowKeys.find(id);
+    return found == windowKeys.end() ? static_cast<std::uintptr_t>(id) : found->second;
+}
+
 SimWindow* SimState::windowAt(const Point& axPoint) {
     const auto shows = [&](const SimWindow& window) {
         return !window.minimized && window.shownAxFrame(clock.now()).contains(axPoint);

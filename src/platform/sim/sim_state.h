@@ -9,6 +9,7 @@
 #include "ports/process_id.h"
 #include "ports/workspace_port.h"
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -25,7 +26,8 @@ struct SimState {
     std::vector<Screen> screens;      ///< the primary one first
     std::optional<Screen> mainScreen; ///< said instead of the display of the focused window
     std::map<ProcessId, SimApplication> applications;
-    std::vector<SimWindow> windows; ///< front to back
+    std::vector<SimWindow> windows;                ///< front to back
+    std::map<WindowId, std::uintptr_t> windowKeys; ///< of elements whose key is not their window's id
     std::optional<ProcessId> frontmost;
     std::map<std::string, std::string> installed; ///< names of applications, by bundle identifier
     std::vector<std::string> requests;            ///< reads and writes of attributes, in order
@@ -37,6 +39,8 @@ struct SimState {
     [[nodiscard]] SimApplication* application(ProcessId pid);
     /// The window with number `id`, or null.
     [[nodiscard]] SimWindow* window(WindowId id);
+    /// The key of the window's element, whether it is still open or not.
+    [[nodiscard]] std::uintptr_t windowKey(WindowId id) const;
     /// The window on top at the point, or null.
     [[nodiscard]] SimWindow* windowAt(const Point& axPoint);
     /// The screen's whole area in accessibility coordinates.

@@ -36,7 +36,8 @@ struct SimWindow {
         {}; ///< of the part found at any point of it; empty: itself is found
     AttributeOverrides overrides = {};
     std::optional<double> alpha = 1;
-    std::optional<ListedWindow> listed = {}; ///< what the window list says instead of the truth
+    std::optional<ListedWindow> listed = {};   ///< what the window list says instead of the truth
+    MainQueuePort::Duration settlingTime = {}; ///< how long it is on its way after a write
 
     Rect axFrameBefore = {}; ///< where it is seen until `settledAt`
     MainQueuePort::TimePoint settledAt = {};

@@ -54,6 +54,41 @@ TEST_F(SimAccessibilityTest, SizesAreWholeStepsRoundedDown) {
     EXPECT_EQ(desktop.frame(window), (Rect{200, 150, 707, 854}));
 }
 
+TEST_F(SimAccessibilityTest, AWindowMayTakeItsTimeAfterAWrite) {
+    desktop.window(window).settlingTime = 50ms;
+
+    resize({300, 200});
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+    desktop.advance(50ms);
+    EXPECT_EQ(desktop.frame(window).size(), (Size{300, 200}));
+}
+
+TEST_F(SimAccessibilityTest, WindowsMayHaveTheSameKeyAndKeepItWhenTheyClose) {
+    const WindowId other = desktop.openWindow("org.example.editor", kStart);
+    const Element element = desktop.element(window);
+    desktop.setKey(window, 7);
+    desktop.setKey(other, 7);
+
+    EXPECT_EQ(desktop.accessibility().key(element), 7U);
+    EXPECT_EQ(desktop.accessibility().key(desktop.element(other)), 7U);
+    desktop.close(window);
+    EXPECT_EQ(desktop.accessibility().key(element), 7U);
+}
+
+TEST_F(SimAccessibilityTest, TheDesktopMayChangeAfterAnyWrite) {
+    std::vector<std::string> lines;
+    desktop.accessibility().setWriteHandler([&](const std::string& line) {
+        lines.push_back(line);
+        desktop.close(window);
+    });
+
+    resize({300, 200});
+
+    EXPECT_THAT(lines, ElementsAre("write window 1 AXSize 300x200"));
+    EXPECT_FALSE(position());
+}
+
 TEST_F(SimAccessibilityTest, SizesMayBeCutAtTheEdgeOfTheDisplay) {
     desktop.addScreen({.frame = {1440, 0, 1920, 900}});
     desktop.window(window).cutAtDisplayEdge = true;
