@@ -1,0 +1,83 @@
+#pragma once
+
+#include "engine/action_runner.h"
+#include "engine/ax.h"
+#include "engine/dice.h"
+#include "engine/geo.h"
+#include "engine/hot_keys.h"
+#include "engine/journal_desktop.h"
+#include "engine/permissions.h"
+#include "engine/reference_engine.h"
+#include "engine/runtime.h"
+#include "engine/window_engine.h"
+#include "model/store.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tessarel {
+
+/// One session of a user with a random desktop, twice: with the engine of the program and with the reference
+/// engine, each on a simulated desktop of its own to which the same things happen.
+class EngineSession {
+public:
+    explicit EngineSession(std::uint64_t seed);
+
+    /// Lets one random thing happen on both desktops.
+    void step();
+    /// What the last step has done differently on the two desktops, for a person; empty when nothing.
+    [[nodiscard]] std::optional<std::string> difference();
+
+    [[nodiscard]] const ReferenceEngine::Branches& branches() const { return m_reference.branches(); }
+
+private:
+    using Work = std::function<void(JournalDesktop&)>;
+
+    void onBoth(const Work& work);
+    [[nodiscard]] sim::WindowId anyWindow() { return m_dice.pick(m_windows); }
+    [[nodiscard]] std::vector<Screen> screens() { return m_desktop.displays().screens(); }
+    void forgetWhatHasGone();
+
+    // Steps.
+    void useHotKey();
+    void placeDirectly();
+    void changeWindow();
+    void changeStack();
+    void changeDisplays();
+    void changeApplication();
+    void changeSettingsAndRegister();
+    void changeProgram();
+    void openWindow();
+    void addScreen();
+    [[nodiscard]] Work incident();
+
+    Dice m_dice;
+    JournalDesktop m_desktop;
+    Store m_store{m_desktop.journalPreferences()};
+    Geo m_geo{m_desktop.displays(), m_store};
+    AX m_ax{m_desktop.accessibility(), m_desktop.workspace()};
+    WindowEngine m_engine{m_ax,
+                          m_geo,
+                          m_desktop.displays(),
+                          m_desktop.workspace(),
+                          m_desktop.windowList(),
+                          m_desktop.journalAlertSound(),
+                          m_store};
+    Runtime m_runtime;
+    Permissions m_permissions{m_desktop.journalTrust()};
+    ActionRunner m_runner{m_engine, m_store, m_permissions, m_runtime};
+    HotKeys m_hotKeys{m_desktop.journalHotKeys(), m_runner, m_store};
+
+    JournalDesktop m_referenceDesktop;
+    ReferenceEngine m_reference;
+
+    const char* m_what = "beginning";
+    std::vector<sim::WindowId> m_windows;
+    std::vector<ProcessId> m_pids;
+    std::vector<SubscriptionPtr> m_heldByOthers;
+};
+
+} // namespace tessarel

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "model/preferences_port.h"
+#include "platform/sim/sim_desktop.h"
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tessarel {
+
+/// A simulated desktop that keeps one journal of everything that an engine has it do, in order: writes, alert
+/// sounds, saved documents, hot keys and prompts.
+class JournalDesktop : public sim::SimDesktop {
+public:
+    JournalDesktop();
+
+    /// Something that happens to the desktop right after the write with this number, counted from now.
+    void afterWrite(int number, std::function<void(JournalDesktop&)> incident);
+    void withoutIncident() { m_writesUntilIncident = 0; }
+
+    /// The entries since the last call, and behind them which programs were asked for their windows.
+    [[nodiscard]] std::vector<std::string> takeJournal();
+
+    [[nodiscard]] bool isOpen(sim::WindowId window) {
+        return accessibility().pid(element(window)).has_value();
+    }
+    [[nodiscard]] bool isRunning(ProcessId pid) { return workspace().runningApplication(pid).has_value(); }
+
+    // Ports that write the journal; the other ports are the simulation's own.
+    [[nodiscard]] AlertSoundPort& journalAlertSound() { return m_journalAlertSound; }
+    [[nodiscard]] HotKeyPort& journalHotKeys() { return m_journalHotKeys; }
+    [[nodiscard]] PreferencesPort& journalPreferences() { return m_journalPreferences; }
+    [[nodiscard]] TrustPort& journalTrust() { return m_journalTrust; }
+
+private:
+    struct AlertSound : AlertSoundPort {
+        explicit AlertSound(JournalDesktop& owner) : desktop(owner) {}
+        void beep() override { desktop.m_journal.emplace_back("beep"); }
+        JournalDesktop& desktop;
+    };
+    struct HotKeys : HotKeyPort {
+        explicit HotKeys(JournalDesktop& owner) : desktop(owner) {}
+        [[nodiscard]] SubscriptionPtr installHandler(std::function<void(std::uint32_t id)> pressed) override;
+        [[nodiscard]] std::vector<SubscriptionPtr>
+        registerHotKeys(std::span<const HotKeyRequest> requests) override;
+        JournalDesktop& desktop;
+    };
+    struct Preferences : PreferencesPort {
+        explicit Preferences(JournalDesktop& owner) : desktop(owner) {}
+        [[nodiscard]] std::optional<std::string> data(std::string_view /*key*/) override { return {}; }
+        void setData(std::string_view key, std::string_view bytes) override;
+        void keepRejected(std::string_view /*key*/) override {}
+        JournalDesktop& desktop;
+    };
+    struct Trust : TrustPort {
+        explicit Trust(JournalDesktop& owner) : desktop(owner) {}
+        [[nodiscard]] bool isTrusted() override { return desktop.trust().trusted; }
+        void prompt() override { desktop.m_journal.emplace_back("prompt"); }
+        void openSettings() override { desktop.m_journal.emplace_back("open settings"); }
+        JournalDesktop& desktop;
+    };
+
+    void written(const std::string& line);
+
+    std::vector<std::string> m_journal;
+    std::function<void(JournalDesktop&)> m_incident;
+    int m_writesUntilIncident = 0;
+    AlertSound m_journalAlertSound{*this};
+    HotKeys m_journalHotKeys{*this};
+    Preferences m_journalPreferences{*this};
+    Trust m_journalTrust{*this};
+};
+
+} // namespace tessarel

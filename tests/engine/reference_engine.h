@@ -1,0 +1,111 @@
+#pragma once
+
+#include "model/app_settings.h"
+#include "model/subscription.h"
+#include "ports/accessibility_port.h"
+#include "ports/alert_sound_port.h"
+#include "ports/displays_port.h"
+#include "ports/hot_key_port.h"
+#include "ports/trust_port.h"
+#include "ports/window_list_port.h"
+#include "ports/workspace_port.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessarel {
+
+/// A second, naive engine: placement and its restore memory, the actions on the focused window, arrange all
+/// and the hot keys, in one class that reads like the rules it follows.
+///
+/// It shares no code with `src/engine` and not the rectangle arithmetic either, so that the same mistake is
+/// unlikely to be in both. Rectangles of windows are in accessibility coordinates unless a name says
+/// otherwise.
+class ReferenceEngine {
+public:
+    struct Ports {
+        AccessibilityPort& accessibility;
+        AlertSoundPort& alertSound;
+        DisplaysPort& displays;
+        HotKeyPort& hotKeys;
+        TrustPort& trust;
+        WindowListPort& windowList;
+        WorkspacePort& workspace;
+        /// Stores the settings.
+        std::function<void(const AppSettings&)> save;
+    };
+    using Branches = std::map<std::string_view, long>;
+
+    explicit ReferenceEngine(Ports ports) : m_ports(std::move(ports)) {}
+
+    AppSettings settings;
+    bool paused = false;
+
+    void registerAll();
+    /// Runs the action with this number; numbers beyond the last one are ignored.
+    void handle(std::uint32_t id);
+    void place(const Element& window, ProcessId pid, const Rect& frame, const std::optional<Rect>& within,
+               const std::optional<Rect>& previous);
+
+    /// How often each branch was taken, by its name.
+    [[nodiscard]] const Branches& branches() const { return m_branches; }
+
+private:
+    struct Focused {
+        Element window;
+        RunningApplication application;
+    };
+    struct Found {
+        Element window;
+        ProcessId pid = 0;
+    };
+
+    void took(std::string_view branch) { ++m_branches[branch]; }
+    void beep(std::string_view why);
+
+    // Coordinates.
+    [[nodiscard]] Rect flipped(const Rect& rect);
+    [[nodiscard]] std::optional<Screen> screenOf(const Rect& frame);
+    [[nodiscard]] Rect zoneFrame(const Zone& zone, const Rect& area);
+
+    // Other programs' windows.
+    [[nodiscard]] std::optional<Point> point(const Element& element, std::string_view attribute);
+    [[nodiscard]] std::optional<Size> size(const Element& element, std::string_view attribute);
+    [[nodiscard]] std::optional<bool> truth(const Element& element, std::string_view attribute);
+    [[nodiscard]] std::optional<Rect> frameOf(const Element& window);
+    [[nodiscard]] std::vector<Element> windowsOf(ProcessId pid);
+    [[nodiscard]] std::optional<Focused> focusedWindow();
+    [[nodiscard]] bool isUsable(const Element& window);
+    [[nodiscard]] bool isIgnored(const std::optional<RunningApplication>& application) const;
+    void setFrame(const Element& window, ProcessId pid, const Rect& frame, const std::optional<Rect>& within);
+    void writeFrame(const Element& window, const Rect& frame, const std::optional<Rect>& within);
+
+    // Actions.
+    [[nodiscard]] std::optional<Focused> focusedUsableWindow();
+    void run(std::size_t action);
+    void snapFocused(const Zone& zone, std::optional<int> zoneNumber);
+    void centerFocused();
+    void restoreFocused();
+    void moveFocused(int step);
+    void remember(const std::optional<std::string>& bundleIdentifier, int zoneNumber);
+    void arrangeAll();
+    [[nodiscard]] std::vector<Found> visibleWindows(const Rect& area, std::size_t limit);
+    [[nodiscard]] std::optional<Element> match(const ListedWindow& listed,
+                                               const std::set<std::uintptr_t>& seen);
+
+    Ports m_ports;
+    std::map<std::uintptr_t, Rect> m_original;
+    std::map<std::uintptr_t, Rect> m_lastSnapped;
+    SubscriptionPtr m_handler;
+    std::vector<SubscriptionPtr> m_hotKeys;
+    Branches m_branches;
+};
+
+} // namespace tessarel
