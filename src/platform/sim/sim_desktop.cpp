@@ -22,7 +22,8 @@ ModifierFlags modifierFlags(std::uint32_t mods) {
 
 Screen SimDesktop::addScreen(const ScreenOptions& options) {
     const Rect& frame = options.frame;
-    const Rect visibleFrame{frame.x, frame.y + options.dock, frame.width,
+    const Rect visibleFrame{frame.x + options.leftBar, frame.y + options.dock,
+                            frame.width - options.leftBar - options.rightBar,
                             frame.height - options.menuBar - options.dock};
     return m_state.screens.emplace_back(Screen{++m_lastScreen, frame, visibleFrame});
 }
@@ -76,13 +77,26 @@ WindowId SimDesktop::openWindow(const std::string& bundleIdentifier, const Rect&
 }
 
 WindowId SimDesktop::openWindow(ProcessId pid, const SimWindow& window) {
-    const WindowId id{++m_lastWindow};
-    SimWindow& opened = m_state.windows.emplace_back(window);
-    opened.id = id;
-    opened.pid = pid;
+    const WindowId id = add(pid, window);
     focus(id);
     m_accessibility.reportCreated(id);
     return id;
+}
+
+WindowId SimDesktop::openWindowBehind(ProcessId pid, const SimWindow& window) {
+    const WindowId id = add(pid, window);
+    auto& focused = application(pid).focusedWindow;
+    focused = focused.value_or(id);
+    m_accessibility.reportCreated(id);
+    return id;
+}
+
+/// Adds a window at the back, and tells nobody.
+WindowId SimDesktop::add(ProcessId pid, const SimWindow& window) {
+    SimWindow& added = m_state.windows.emplace_back(window);
+    added.id = WindowId{++m_lastWindow};
+    added.pid = pid;
+    return added.id;
 }
 
 WindowId SimDesktop::openOwnWindow(const Rect& axFrame) {

@@ -31,6 +31,8 @@ struct ScreenOptions {
     Rect frame = {};    ///< in screen coordinates: bottom-left origin, y up
     double menuBar = 0; ///< height of the bar along its top edge
     double dock = 0;    ///< height of the dock along its bottom edge
+    double leftBar = 0; ///< width of the bar along its left edge
+    double rightBar = 0;
 };
 
 /// A whole desktop in memory that answers like the real thing and behaves: its ports, and what a user and
@@ -53,8 +55,9 @@ public:
     void removeScreen(std::uint64_t id);
     /// Makes the display the primary one; the frames of all others are then relative to it.
     void makePrimary(std::uint64_t id);
-    /// What the displays port calls the main screen from now on, whatever has the focus.
-    void setMainScreen(const Screen& screen) { m_state.mainScreen = screen; }
+    /// What the displays port calls the main screen from now on, whatever has the focus; empty: that of the
+    /// focused window again.
+    void setMainScreen(const std::optional<Screen>& screen) { m_state.mainScreen = screen; }
 
     // Programs.
     /// The application is installed and goes by `displayName`; it need not run.
@@ -78,6 +81,8 @@ public:
     /// the focus.
     WindowId openWindow(const std::string& bundleIdentifier, const Rect& axFrame);
     WindowId openWindow(ProcessId pid, const SimWindow& window);
+    /// Opens a window behind all others. The program in front stays there, and its window keeps the focus.
+    WindowId openWindowBehind(ProcessId pid, const SimWindow& window);
     /// Opens a window of the program under test and gives it the focus.
     WindowId openOwnWindow(const Rect& axFrame);
     SimWindow& window(WindowId id);
@@ -141,6 +146,8 @@ private:
     std::uint64_t m_lastScreen = 0;
     std::uint32_t m_lastWindow = 0;
     ProcessId m_lastPid = 100;
+
+    WindowId add(ProcessId pid, const SimWindow& window);
 
     SimAccessibility m_accessibility{m_state};
     SimAlertSound m_alertSound;

@@ -74,11 +74,15 @@ public:
 class SimTrust : public TrustPort {
 public:
     [[nodiscard]] bool isTrusted() override { return trusted; }
-    void prompt() override { prompts += trusted ? 0 : 1; }
+    void prompt() override {
+        ++promptCalls;
+        prompts += trusted ? 0 : 1;
+    }
     void openSettings() override { ++settingsOpened; }
 
     bool trusted = true;
-    int prompts = 0; ///< how often the user has been told what to do
+    int promptCalls = 0; ///< how often the program has asked for it, needed or not
+    int prompts = 0;     ///< how often the user has been told what to do
     int settingsOpened = 0;
 };
 

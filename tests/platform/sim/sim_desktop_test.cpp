@@ -26,6 +26,13 @@ TEST_F(SimDesktopTest, MenuBarAndDockTakeTheirShareOfADisplay) {
     EXPECT_EQ(desktop.displays().screens().front().visibleFrame, (Rect{0, 70, 1440, 790}));
 }
 
+TEST_F(SimDesktopTest, BarsAtTheSidesTakeTheirShareToo) {
+    const Screen screen = desktop.addScreen(
+        {.frame = {-1440, 500, 1440, 900}, .menuBar = 25, .dock = 55, .leftBar = 40, .rightBar = 100});
+
+    EXPECT_EQ(screen.visibleFrame, (Rect{-1400, 555, 1300, 820}));
+}
+
 TEST_F(SimDesktopTest, DisplaysComeAndGo) {
     const Screen first = desktop.addScreen({.frame = {0, 0, 1440, 900}});
     const Screen second = desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
@@ -87,6 +94,37 @@ TEST_F(SimDesktopTest, ANewWindowHasTheFocus) {
 
     EXPECT_EQ(desktop.workspace().frontmostApplication()->bundleIdentifier, "org.example.mail");
     EXPECT_EQ(desktop.applicationOf(mail).focusedWindow, mail);
+}
+
+TEST_F(SimDesktopTest, AWindowOpenedBehindLeavesTheFocusWhereItIs) {
+    const auto editor = desktop.openWindow("org.example.editor", {0, 0, 100, 100});
+    const ProcessId mail = desktop.launch({.bundleIdentifier = "org.example.mail"});
+    int activations = 0;
+    const auto observer = desktop.workspace().addObserver(ApplicationEvent::Activated,
+                                                          [&](const auto& /*app*/) { ++activations; });
+
+    const auto first = desktop.openWindowBehind(mail, {.axFrame = {0, 0, 200, 200}});
+    desktop.openWindowBehind(mail, {.axFrame = {0, 0, 300, 300}});
+
+    EXPECT_EQ(activations, 0);
+    EXPECT_EQ(desktop.workspace().frontmostApplication()->bundleIdentifier, "org.example.editor");
+    EXPECT_EQ(desktop.applicationOf(editor).focusedWindow, editor);
+    EXPECT_EQ(desktop.application(mail).focusedWindow, first) << "for when the program comes to the front";
+    const auto listed = desktop.windowList().onScreenWindows();
+    ASSERT_EQ(listed.size(), 3U);
+    EXPECT_EQ(listed[0].axBounds, (Rect{0, 0, 100, 100}));
+    EXPECT_EQ(listed[2].axBounds, (Rect{0, 0, 300, 300}));
+}
+
+TEST_F(SimDesktopTest, AWindowOpenedBehindIsReportedToWhoWatchesItsProgram) {
+    const ProcessId mail = desktop.launch({.bundleIdentifier = "org.example.mail"});
+    int created = 0;
+    const auto observer = desktop.accessibility().onWindowCreated(
+        desktop.accessibility().application(mail), [&](const Element& /*window*/) { ++created; });
+
+    desktop.openWindowBehind(mail, {.axFrame = {0, 0, 200, 200}});
+
+    EXPECT_EQ(created, 1);
 }
 
 TEST_F(SimDesktopTest, AProgramKeepsItsFocusedWindowWhileInTheBackground) {
@@ -160,6 +198,7 @@ TEST_F(SimDesktopTest, ServicesCountWhatIsAskedOfThem) {
     desktop.openUrl().open("https://example.org");
     desktop.trust().prompt();
     EXPECT_EQ(desktop.trust().prompts, 0) << "nothing to ask for while trusted";
+    EXPECT_EQ(desktop.trust().promptCalls, 1);
 
     desktop.trust().trusted = false;
     desktop.trust().prompt();
