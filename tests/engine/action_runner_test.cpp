@@ -10,19 +10,17 @@ namespace {
 
 class ActionRunnerTest : public EngineTest {
 protected:
-    static constexpr Rect kStart{200, 150, 640, 480};
-
-    ActionRunnerTest() { addScreen(); }
+    ActionRunnerTest() { addScreens(); }
 
     sim::WindowId window = desktop.openWindow("org.example.editor", kStart);
 };
 
 TEST_F(ActionRunnerTest, FixedZonesGoToTheirPartOfTheScreen) {
-    const std::array<std::pair<ActionID, Rect>, 5> expected{{{ActionID::leftHalf, {0, 25, 720, 875}},
-                                                             {ActionID::rightHalf, {720, 25, 720, 875}},
-                                                             {ActionID::topHalf, {0, 25, 1440, 438}},
-                                                             {ActionID::bottomHalf, {0, 463, 1440, 438}},
-                                                             {ActionID::maximize, {0, 25, 1440, 875}}}};
+    const std::array<std::pair<ActionID, Rect>, 5> expected{{{ActionID::leftHalf, kLeft},
+                                                             {ActionID::rightHalf, kRight},
+                                                             {ActionID::topHalf, {-1400, -575, 1300, 410}},
+                                                             {ActionID::bottomHalf, {-1400, -165, 1300, 410}},
+                                                             {ActionID::maximize, kUsable}}};
     for (const auto& [action, frame] : expected) {
         runner.run(action);
         EXPECT_EQ(desktop.frame(window), frame) << action.title();
@@ -37,18 +35,18 @@ TEST_F(ActionRunnerTest, MaximizeKeepsGapAndMarginAndIsNotRemembered) {
 
     runner.run(ActionID::maximize);
 
-    EXPECT_EQ(desktop.frame(window), (Rect{8, 33, 1424, 859}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-1392, -567, 1284, 804}));
     EXPECT_EQ(settings.appZones.at("org.example.editor"), 3);
 }
 
 TEST_F(ActionRunnerTest, ZoneActionsUseTheUsersZonesAndAreRememberedByNumber) {
     runner.run(ActionID::zone1);
-    EXPECT_EQ(desktop.frame(window), (Rect{0, 25, 480, 438}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-1400, -575, 433, 410}));
     EXPECT_EQ(settings.appZones.at("org.example.editor"), 0);
 
     settings.zones[8] = kRightHalf;
     runner.run(ActionID::zone9);
-    EXPECT_EQ(desktop.frame(window), (Rect{720, 25, 720, 875}));
+    EXPECT_EQ(desktop.frame(window), kRight);
     EXPECT_EQ(settings.appZones.at("org.example.editor"), 8);
 }
 
@@ -72,7 +70,7 @@ TEST_F(ActionRunnerTest, AZoneBeyondTheListDoesNothing) {
 
 TEST_F(ActionRunnerTest, CentreAndRestoreActOnTheFocusedWindow) {
     runner.run(ActionID::center);
-    EXPECT_EQ(desktop.frame(window), (Rect{400, 223, 640, 480}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-1070, -405, 640, 480}));
 
     runner.run(ActionID::restore);
     EXPECT_EQ(desktop.frame(window), kStart);
@@ -82,11 +80,11 @@ TEST_F(ActionRunnerTest, CentreAndRestoreActOnTheFocusedWindow) {
 }
 
 TEST_F(ActionRunnerTest, NextAndPreviousDisplayGoOppositeWays) {
-    const Screen second = desktop.addScreen({.frame = {1440, 0, 1440, 900}});
-    const Screen third = desktop.addScreen({.frame = {2880, 0, 1440, 900}});
+    const Screen primary = desktop.displays().screens().front();
+    const Screen third = desktop.addScreen({.frame = {1280, -70, 1440, 900}});
 
     runner.run(ActionID::nextDisplay);
-    EXPECT_EQ(geo.screen(desktop.frame(window)), second);
+    EXPECT_EQ(geo.screen(desktop.frame(window)), primary);
 
     runner.run(ActionID::previousDisplay);
     runner.run(ActionID::previousDisplay);
@@ -123,7 +121,7 @@ TEST_F(ActionRunnerTest, PermissionGivenLaterIsSeenAtOnce) {
 
     runner.run(ActionID::maximize);
 
-    EXPECT_EQ(desktop.frame(window), (Rect{0, 25, 1440, 875}));
+    EXPECT_EQ(desktop.frame(window), kUsable);
     EXPECT_EQ(desktop.trust().prompts, 1);
 }
 

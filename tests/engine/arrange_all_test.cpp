@@ -1,6 +1,8 @@
 #include "engine_test.h"
 #include "ports/window_list_port.h"
 
+#include <gmock/gmock.h>
+
 #include <cstdint>
 #include <limits>
 
@@ -8,15 +10,18 @@ namespace tessarel {
 namespace {
 
 using sim::WindowId;
+using ::testing::Contains;
+using ::testing::HasSubstr;
+using ::testing::Not;
 
-/// A display of 1440 by 900 without bars, whose enabled zones are three columns of 480.
+/// Three columns as the enabled zones, of which the middle one is twice as wide as each of the others.
 class ArrangeAllTest : public EngineTest {
 protected:
     static constexpr Zone kOff{false, 25, 25, 50, 50};
 
     ArrangeAllTest() {
-        desktop.addScreen({.frame = {0, 0, 1440, 900}});
-        settings.zones = Presets::pad(Presets::all().at(2).zones);
+        addScreens();
+        settings.zones = Presets::pad(Presets::all().at(8).zones);
     }
 
     WindowId open(const Rect& axFrame) { return desktop.openWindow("org.example.editor", axFrame); }
@@ -24,32 +29,33 @@ protected:
     /// The window, as it is seen and never moved.
     bool isUntouched(WindowId window, const Rect& axFrame) { return desktop.frame(window) == axFrame; }
 
-    static constexpr Rect kColumn1{0, 0, 480, 900};
-    static constexpr Rect kColumn2{480, 0, 480, 900};
-    static constexpr Rect kColumn3{960, 0, 480, 900};
-    static constexpr Rect kSomewhere{200, 150, 640, 480};
+    static constexpr Rect kColumn1{-1400, -575, 325, 820};
+    static constexpr Rect kColumn2{-1075, -575, 650, 820};
+    static constexpr Rect kColumn3{-425, -575, 325, 820};
+    /// The first column of the primary display.
+    static constexpr Rect kPrimaryColumn1{12, 31, 310, 725};
 };
 
 TEST_F(ArrangeAllTest, TheFrontmostWindowsTakeTheEnabledZonesInOrder) {
-    const auto fifth = open(kSomewhere);
-    const auto fourth = open({10, 10, 300, 300});
-    const auto third = open({20, 20, 300, 300});
-    const auto second = open({30, 30, 300, 300});
-    const auto first = open({40, 40, 300, 300});
+    const auto fifth = open(kStart);
+    const auto fourth = open(at({10, 10, 300, 300}));
+    const auto third = open(at({20, 20, 300, 300}));
+    const auto second = open(at({30, 30, 300, 300}));
+    const auto first = open(at({40, 40, 300, 300}));
 
     engine.arrangeAll();
 
     EXPECT_EQ(desktop.frame(first), kColumn1);
     EXPECT_EQ(desktop.frame(second), kColumn2);
     EXPECT_EQ(desktop.frame(third), kColumn3);
-    EXPECT_TRUE(isUntouched(fourth, {10, 10, 300, 300}));
-    EXPECT_TRUE(isUntouched(fifth, kSomewhere));
+    EXPECT_TRUE(isUntouched(fourth, at({10, 10, 300, 300})));
+    EXPECT_TRUE(isUntouched(fifth, kStart));
 }
 
 TEST_F(ArrangeAllTest, ADisabledZoneIsPassedOver) {
     settings.zones[1].enabled = false;
-    const auto second = open({30, 30, 300, 300});
-    const auto first = open({40, 40, 300, 300});
+    const auto second = open(at({30, 30, 300, 300}));
+    const auto first = open(at({40, 40, 300, 300}));
 
     engine.arrangeAll();
 
@@ -58,7 +64,7 @@ TEST_F(ArrangeAllTest, ADisabledZoneIsPassedOver) {
 }
 
 TEST_F(ArrangeAllTest, ZonesWithoutAWindowStayEmpty) {
-    const auto only = open(kSomewhere);
+    const auto only = open(kStart);
 
     engine.arrangeAll();
 
@@ -68,7 +74,7 @@ TEST_F(ArrangeAllTest, ZonesWithoutAWindowStayEmpty) {
 
 TEST_F(ArrangeAllTest, WithoutEnabledZonesNothingIsAsked) {
     settings.zones.assign(9, kOff);
-    open(kSomewhere);
+    open(kStart);
     static_cast<void>(desktop.takeRequests());
 
     engine.arrangeAll();
@@ -77,7 +83,7 @@ TEST_F(ArrangeAllTest, WithoutEnabledZonesNothingIsAsked) {
 }
 
 TEST_F(ArrangeAllTest, SmallWindowsAreLeftAlone) {
-    for (const Rect& small : {Rect{0, 0, 100, 400}, Rect{0, 0, 119.9, 400}, Rect{0, 0, 400, 79.9}}) {
+    for (const Rect& small : {at({9, 9, 100, 400}), at({9, 9, 119.9, 400}), at({9, 9, 400, 79.9})}) {
         const auto window = open(small);
         engine.arrangeAll();
         EXPECT_TRUE(isUntouched(window, small));
@@ -86,7 +92,7 @@ TEST_F(ArrangeAllTest, SmallWindowsAreLeftAlone) {
 }
 
 TEST_F(ArrangeAllTest, AWindowOfTheSmallestSizeCounts) {
-    const auto window = open({10, 10, 120, 80});
+    const auto window = open(at({10, 10, 120, 80}));
 
     engine.arrangeAll();
 
@@ -94,10 +100,9 @@ TEST_F(ArrangeAllTest, AWindowOfTheSmallestSizeCounts) {
 }
 
 TEST_F(ArrangeAllTest, AWindowCountsOnTheDisplayOfItsMiddle) {
-    desktop.addScreen({.frame = {1440, 0, 1440, 900}});
-    const Rect mostlyRight{1200, 100, 500, 300};
+    const Rect mostlyRight{-200, 20, 500, 250};
     const auto right = open(mostlyRight);
-    const auto left = open(kSomewhere);
+    const auto left = open(kStart);
 
     engine.arrangeAll();
 
@@ -106,27 +111,46 @@ TEST_F(ArrangeAllTest, AWindowCountsOnTheDisplayOfItsMiddle) {
 }
 
 TEST_F(ArrangeAllTest, TheMiddleOnTheAreasFarEdgeIsOutside) {
-    const auto window = open({1340, 100, 200, 200}); // its middle is at x = 1440
+    open({1340, 100, 200, 200}); // its middle is at (1440, 200)
 
-    EXPECT_TRUE(engine.visibleWindows({0, 0, 1440, 900}, 9).empty());
-    EXPECT_EQ(engine.visibleWindows({0, 0, 1440.5, 900}, 9).size(), 1U);
-    desktop.close(window);
+    EXPECT_TRUE(engine.visibleWindows({1000, 0, 440, 900}, 9).empty());
+    EXPECT_EQ(engine.visibleWindows({1000, 0, 440.5, 900}, 9).size(), 1U);
+    EXPECT_TRUE(engine.visibleWindows({1000, -100, 900, 300}, 9).empty());
+    EXPECT_EQ(engine.visibleWindows({1000, -100, 900, 300.5}, 9).size(), 1U);
+}
+
+TEST_F(ArrangeAllTest, TheMiddleOnTheAreasNearEdgeIsInside) {
+    open({1340, 100, 200, 200});
+
+    EXPECT_EQ(engine.visibleWindows({1440, 200, 100, 100}, 9).size(), 1U);
+    EXPECT_TRUE(engine.visibleWindows({1440.5, 200, 100, 100}, 9).empty());
+    EXPECT_TRUE(engine.visibleWindows({1440, 200.5, 100, 100}, 9).empty());
+}
+
+TEST_F(ArrangeAllTest, AWindowWhoseMiddleIsBehindABarCounts) {
+    for (const Rect& behind : {at({-100, 300, 210, 200}), at({500, -90, 300, 200}), at({1300, 300, 220, 200}),
+                               at({500, 800, 300, 180})}) {
+        const auto window = open(behind);
+        engine.arrangeAll();
+        EXPECT_EQ(desktop.frame(window), kColumn1) << behind.x << ", " << behind.y;
+        desktop.close(window);
+    }
 }
 
 TEST_F(ArrangeAllTest, NearlyTransparentWindowsAreLeftAlone) {
-    const auto faint = open({10, 10, 300, 300});
-    const auto fainter = open(kSomewhere);
+    const auto faint = open(at({10, 10, 300, 300}));
+    const auto fainter = open(kStart);
     desktop.window(faint).alpha = 0.05;
     desktop.window(fainter).alpha = 0.04;
 
     engine.arrangeAll();
 
     EXPECT_EQ(desktop.frame(faint), kColumn1);
-    EXPECT_TRUE(isUntouched(fainter, kSomewhere));
+    EXPECT_TRUE(isUntouched(fainter, kStart));
 }
 
 TEST_F(ArrangeAllTest, AWindowWithoutAWordAboutItsOpacityCounts) {
-    const auto window = open(kSomewhere);
+    const auto window = open(kStart);
     desktop.window(window).alpha.reset();
 
     engine.arrangeAll();
@@ -135,89 +159,134 @@ TEST_F(ArrangeAllTest, AWindowWithoutAWordAboutItsOpacityCounts) {
 }
 
 TEST_F(ArrangeAllTest, ThisProgramsOwnWindowsAreLeftAlone) {
-    const auto own = open(kSomewhere);
-    const auto listed = ListedWindow{0, sim::SimState::kOwnPid, kSomewhere, 1};
-    desktop.window(own).listed = listed;
+    const auto editor = open(kStart);
+    const auto own = desktop.openOwnWindow(at({10, 10, 820, 540}));
+    desktop.focus(editor);
+    desktop.focus(own);
+    desktop.setMainScreen(desktop.displays().screens().at(1));
+    static_cast<void>(desktop.takeRequests());
 
     engine.arrangeAll();
 
-    EXPECT_TRUE(isUntouched(own, kSomewhere));
+    EXPECT_TRUE(isUntouched(own, at({10, 10, 820, 540})));
+    EXPECT_EQ(desktop.frame(editor), kColumn1);
+    const std::string self = "application " + std::to_string(sim::SimState::kOwnPid);
+    EXPECT_THAT(desktop.takeRequests(), Not(Contains(HasSubstr(self)))) << "nor is it asked for them";
 }
 
 TEST_F(ArrangeAllTest, IgnoredProgramsAreLeftAlone) {
     settings.ignoredApps = {"org.example.editor"};
-    const auto ignored = open(kSomewhere);
-    const auto other = desktop.openWindow("org.example.viewer", {10, 10, 300, 300});
+    const auto ignored = open(kStart);
+    const auto other = desktop.openWindow("org.example.viewer", at({10, 10, 300, 300}));
 
     engine.arrangeAll();
 
-    EXPECT_TRUE(isUntouched(ignored, kSomewhere));
+    EXPECT_TRUE(isUntouched(ignored, kStart));
     EXPECT_EQ(desktop.frame(other), kColumn1);
 }
 
 TEST_F(ArrangeAllTest, WithoutAFocusedWindowTheMainScreenIsArranged) {
-    const Screen second = desktop.addScreen({.frame = {1440, 0, 1440, 900}});
-    const auto left = open(kSomewhere);
-    const auto right = open({1600, 100, 300, 300});
+    const auto onPrimary = open({600, 100, 300, 300});
+    const auto left = open(kStart);
     desktop.deactivateAll();
-    desktop.setMainScreen(second);
 
     engine.arrangeAll();
 
-    EXPECT_EQ(desktop.frame(right), (Rect{1440, 0, 480, 900}));
-    EXPECT_TRUE(isUntouched(left, kSomewhere));
+    EXPECT_EQ(desktop.frame(onPrimary), kPrimaryColumn1);
+    EXPECT_TRUE(isUntouched(left, kStart));
+}
+
+TEST_F(ArrangeAllTest, WithAFocusedWindowThatCannotBeReadTheMainScreenIsArranged) {
+    const auto onPrimary = desktop.openWindow("org.example.viewer", {600, 100, 300, 300});
+    const auto left = open(kStart);
+    desktop.window(left).overrides["AXSize"] = std::nullopt;
+
+    engine.arrangeAll();
+
+    EXPECT_EQ(desktop.frame(onPrimary), kPrimaryColumn1);
+    EXPECT_TRUE(isUntouched(left, kStart));
+}
+
+TEST_F(ArrangeAllTest, WithAFocusedWindowOfThisProgramTheMainScreenIsArranged) {
+    const auto onPrimary = open({600, 100, 300, 300});
+    const auto left = open(kStart);
+    desktop.openOwnWindow(at({10, 10, 820, 540}));
+
+    engine.arrangeAll();
+
+    EXPECT_EQ(desktop.frame(onPrimary), kPrimaryColumn1);
+    EXPECT_TRUE(isUntouched(left, kStart));
+}
+
+TEST_F(ArrangeAllTest, AFocusedWindowThatCannotBeMovedPicksTheScreenAllTheSame) {
+    const auto below = open(kStart);
+    const auto focused = open(at({10, 10, 300, 300}));
+    desktop.window(focused).role = "AXSheet";
+
+    engine.arrangeAll();
+
+    EXPECT_EQ(desktop.frame(below), kColumn1);
+    EXPECT_TRUE(isUntouched(focused, at({10, 10, 300, 300})));
 }
 
 TEST_F(ArrangeAllTest, WithoutAnyDisplayNothingHappens) {
-    const auto window = open(kSomewhere);
-    desktop.removeScreen(desktop.displays().screens().front().id);
+    const auto window = open(kStart);
+    for (const Screen& screen : desktop.displays().screens())
+        desktop.removeScreen(screen.id);
+    desktop.setMainScreen(std::nullopt);
 
     engine.arrangeAll();
 
-    EXPECT_TRUE(isUntouched(window, kSomewhere));
+    EXPECT_TRUE(isUntouched(window, kStart));
 }
 
 TEST_F(ArrangeAllTest, TheFocusedWindowPicksTheScreenEvenWhenItsProgramIsIgnored) {
-    desktop.addScreen({.frame = {1440, 0, 1440, 900}});
-    const auto right = desktop.openWindow("org.example.viewer", {1700, 100, 300, 300});
-    const auto ignored = open({1600, 100, 300, 300});
+    const auto other = desktop.openWindow("org.example.viewer", at({10, 10, 300, 300}));
+    const auto ignored = open(kStart);
     settings.ignoredApps = {"org.example.editor"};
 
     engine.arrangeAll();
 
-    EXPECT_EQ(desktop.frame(right), (Rect{1440, 0, 480, 900}));
-    EXPECT_TRUE(isUntouched(ignored, {1600, 100, 300, 300}));
+    EXPECT_EQ(desktop.frame(other), kColumn1);
+    EXPECT_TRUE(isUntouched(ignored, kStart));
 }
 
 TEST_F(ArrangeAllTest, EntriesThatMakeNoSenseAreSkipped) {
-    const auto window = open(kSomewhere);
+    const auto window = open(kStart);
     const auto skipped = [&](const ListedWindow& listed) {
         desktop.window(window).listed = listed;
-        return engine.visibleWindows({0, 0, 1440, 900}, 9).empty();
+        return engine.visibleWindows(kScreen, 9).empty();
     };
     const ProcessId pid = desktop.window(window).pid;
 
-    EXPECT_TRUE(skipped({{}, pid, kSomewhere, 1}));
-    EXPECT_TRUE(skipped({3, pid, kSomewhere, 1}));
-    EXPECT_TRUE(skipped({0, {}, kSomewhere, 1}));
-    EXPECT_TRUE(skipped({0, std::int64_t{std::numeric_limits<ProcessId>::max()} + 1, kSomewhere, 1}));
+    EXPECT_TRUE(skipped({{}, pid, kStart, 1}));
+    EXPECT_TRUE(skipped({3, pid, kStart, 1}));
+    EXPECT_TRUE(skipped({0, {}, kStart, 1}));
+    EXPECT_TRUE(skipped({0, std::int64_t{std::numeric_limits<ProcessId>::max()} + 1, kStart, 1}));
     EXPECT_TRUE(skipped({0, pid, {}, 1}));
-    EXPECT_FALSE(skipped({0, pid, kSomewhere, 1}));
+    EXPECT_FALSE(skipped({0, pid, kStart, 1}));
 }
 
 TEST_F(ArrangeAllTest, AWindowIsFoundByItsFrameWithinFourPoints) {
-    const auto window = open(kSomewhere);
+    const auto window = open(kStart);
     const ProcessId pid = desktop.window(window).pid;
 
-    desktop.window(window).listed = ListedWindow{0, pid, Rect{204, 146, 644, 476}, 1};
-    EXPECT_EQ(engine.visibleWindows({0, 0, 1440, 900}, 9).size(), 1U);
-    desktop.window(window).listed = ListedWindow{0, pid, Rect{204.5, 150, 640, 480}, 1};
-    EXPECT_TRUE(engine.visibleWindows({0, 0, 1440, 900}, 9).empty());
+    const auto isFoundAs = [&](const Rect& axBounds) {
+        desktop.window(window).listed = ListedWindow{0, pid, axBounds, 1};
+        return !engine.visibleWindows(kScreen, 9).empty();
+    };
+
+    EXPECT_TRUE(isFoundAs(at({204, 146, 644, 476})));
+    EXPECT_TRUE(isFoundAs(at({196, 154, 636, 484})));
+    EXPECT_FALSE(isFoundAs(at({204.5, 150, 640, 480})));
+    EXPECT_FALSE(isFoundAs(at({200, 145.5, 640, 480})));
+    EXPECT_FALSE(isFoundAs(at({200, 150, 644.5, 480})));
+    EXPECT_FALSE(isFoundAs(at({200, 150, 640, 475.5})));
 }
 
 TEST_F(ArrangeAllTest, TwoWindowsOfOneProgramInOnePlaceAreBothArranged) {
-    const auto below = open(kSomewhere);
-    const auto above = open(kSomewhere);
+    const auto below = open(kStart);
+    const auto above = open(kStart);
 
     engine.arrangeAll();
 
@@ -226,11 +295,11 @@ TEST_F(ArrangeAllTest, TwoWindowsOfOneProgramInOnePlaceAreBothArranged) {
 }
 
 TEST_F(ArrangeAllTest, AProgramThatDoesNotAnswerUsesUpNoZone) {
-    const auto other = desktop.openWindow("org.example.viewer", {10, 10, 300, 300});
-    const auto silent = open(kSomewhere);
+    const auto silent = open(kStart);
+    const auto other = desktop.openWindow("org.example.viewer", at({10, 10, 300, 300}));
     desktop.applicationOf(silent).answerTime = sim::SimApplication::kTimeLimit;
-    desktop.focus(other);
     desktop.focus(silent);
+    desktop.activate(desktop.window(other).pid); // the silent one stays on top
 
     engine.arrangeAll();
 
@@ -238,32 +307,32 @@ TEST_F(ArrangeAllTest, AProgramThatDoesNotAnswerUsesUpNoZone) {
 }
 
 TEST_F(ArrangeAllTest, AProgramIsAskedOnlyWhenTheWindowListSpeaksForItsWindow) {
-    open({10, 10, 100, 100});
+    open(at({10, 10, 100, 100}));
     static_cast<void>(desktop.takeRequests());
 
-    EXPECT_TRUE(engine.visibleWindows({0, 0, 1440, 900}, 9).empty());
+    EXPECT_TRUE(engine.visibleWindows(kScreen, 9).empty());
 
     EXPECT_TRUE(desktop.takeRequests().empty());
 }
 
 TEST_F(ArrangeAllTest, ALimitOfNothingFindsNothing) {
-    open(kSomewhere);
+    open(kStart);
 
-    EXPECT_TRUE(engine.visibleWindows({0, 0, 1440, 900}, 0).empty());
+    EXPECT_TRUE(engine.visibleWindows(kScreen, 0).empty());
 }
 
 TEST_F(ArrangeAllTest, EachWindowCanBeRestored) {
-    open(kSomewhere);
-    const auto first = open({40, 40, 300, 300});
+    open(kStart);
+    const auto first = open(at({40, 40, 300, 300}));
 
     engine.arrangeAll();
     engine.restoreFocused();
 
-    EXPECT_EQ(desktop.frame(first), (Rect{40, 40, 300, 300}));
+    EXPECT_EQ(desktop.frame(first), at({40, 40, 300, 300}));
 }
 
 TEST_F(ArrangeAllTest, NothingIsRememberedForTheProgram) {
-    open(kSomewhere);
+    open(kStart);
 
     engine.arrangeAll();
 
@@ -272,16 +341,16 @@ TEST_F(ArrangeAllTest, NothingIsRememberedForTheProgram) {
 
 TEST_F(ArrangeAllTest, AWindowThatRefusesItsSizeIsKeptInside) {
     settings.zones = {Zone{true, 75, 0, 25, 100}};
-    const auto window = open(kSomewhere);
+    const auto window = open(kStart);
     desktop.window(window).minimum = {600, 100};
 
     engine.arrangeAll();
 
-    EXPECT_EQ(desktop.frame(window), (Rect{840, 0, 600, 900}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-700, -575, 600, 820}));
 }
 
 TEST_F(ArrangeAllTest, TheHotKeyArranges) {
-    const auto window = open(kSomewhere);
+    const auto window = open(kStart);
 
     runner.run(ActionID::arrangeAll);
 

@@ -9,7 +9,7 @@ namespace {
 
 class AXTest : public EngineTest {
 protected:
-    AXTest() { addScreen(); }
+    AXTest() { addScreens(); }
 
     sim::SimApplication& editor() { return desktop.applicationOf(window); }
     [[nodiscard]] ProcessId pid() { return desktop.window(window).pid; }
@@ -19,7 +19,7 @@ protected:
         desktop.window(window).overrides.insert_or_assign(std::string(attribute), std::move(value));
     }
 
-    sim::WindowId window = desktop.openWindow("org.example.editor", {200, 150, 640, 480});
+    sim::WindowId window = desktop.openWindow("org.example.editor", kStart);
 };
 
 TEST_F(AXTest, ReadsGiveTheValueInItsOwnType) {
@@ -65,7 +65,7 @@ TEST_F(AXTest, ANumberIsReadAsATruthValue) {
 }
 
 TEST_F(AXTest, AFrameIsPositionThenSize) {
-    EXPECT_EQ(ax.frame(element()), (Rect{200, 150, 640, 480}));
+    EXPECT_EQ(ax.frame(element()), kStart);
     EXPECT_EQ(desktop.takeRequests(),
               (Lines{"read " + name(window) + " AXPosition", "read " + name(window) + " AXSize"}));
 }
@@ -176,9 +176,11 @@ TEST_F(AXTest, DialogsAndPanelsAreUsable) {
 
 class AXSetFrameTest : public AXTest {
 protected:
-    static constexpr Rect kBounds{0, 25, 1440, 875};
+    /// The right third of the usable area, and its bottom half.
+    static constexpr Rect kRightThird{-533, -575, 433, 820};
+    static constexpr Rect kBottomHalf{-1400, -165, 1300, 410};
 
-    void setFrame(const Rect& axFrame, const std::optional<Rect>& bounds = kBounds) {
+    void setFrame(const Rect& axFrame, const std::optional<Rect>& bounds = kUsable) {
         ax.setFrame(element(), pid(), axFrame, bounds);
     }
 };
@@ -195,7 +197,7 @@ TEST_F(AXSetFrameTest, SizePositionAndSizeAreWrittenInThisOrder) {
 }
 
 TEST_F(AXSetFrameTest, WithBoundsTheWindowIsReadBack) {
-    setFrame({725, 33, 707, 859});
+    setFrame(kRight);
 
     const auto requests = desktop.takeRequests();
     ASSERT_EQ(requests.size(), 6U);
@@ -204,13 +206,12 @@ TEST_F(AXSetFrameTest, WithBoundsTheWindowIsReadBack) {
 }
 
 TEST_F(AXSetFrameTest, TheSecondSizeMakesUpForTheFirstOneCutAtTheOldPlace) {
-    desktop.addScreen({.frame = {1440, 0, 1920, 900}});
     desktop.window(window).cutAtDisplayEdge = true;
-    desktop.drag(window, {1000, 150, 400, 480});
+    desktop.drag(window, at({1000, 150, 400, 480}));
 
-    setFrame({1440, 0, 1800, 900}, std::nullopt);
+    setFrame(kPrimaryUsable, std::nullopt);
 
-    EXPECT_EQ(desktop.frame(window), (Rect{1440, 0, 1800, 900}));
+    EXPECT_EQ(desktop.frame(window), kPrimaryUsable);
 }
 
 TEST_F(AXSetFrameTest, AFrameThatCannotBeExpressedIsNotWrittenAtAll) {
@@ -222,76 +223,78 @@ TEST_F(AXSetFrameTest, AFrameThatCannotBeExpressedIsNotWrittenAtAll) {
         setFrame(bad);
 
     EXPECT_TRUE(desktop.takeWrites().empty());
-    EXPECT_EQ(desktop.frame(window), (Rect{200, 150, 640, 480}));
+    EXPECT_EQ(desktop.frame(window), kStart);
 }
 
 TEST_F(AXSetFrameTest, AWindowThatStaysTooWideEndsAtTheRightEdge) {
     desktop.window(window).minimum = {900, 1};
 
-    setFrame({960, 25, 480, 875});
+    setFrame(kRightThird);
 
-    EXPECT_EQ(desktop.frame(window), (Rect{540, 25, 900, 875}));
-    EXPECT_EQ(desktop.takeWrites().back(), "write " + name(window) + " AXPosition 540,25");
+    EXPECT_EQ(desktop.frame(window), (Rect{-1000, -575, 900, 820}));
+    EXPECT_EQ(desktop.takeWrites().back(), "write " + name(window) + " AXPosition -1000,-575");
 }
 
 TEST_F(AXSetFrameTest, AWindowThatStaysTooHighEndsAtTheBottomEdge) {
     desktop.window(window).minimum = {1, 600};
 
-    setFrame({0, 463, 720, 437});
+    setFrame(kBottomHalf);
 
-    EXPECT_EQ(desktop.frame(window), (Rect{0, 300, 720, 600}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-1400, -355, 1300, 600}));
 }
 
 TEST_F(AXSetFrameTest, AWindowTooLargeBothWaysIsPulledBackByOneWrite) {
     desktop.window(window).minimum = {900, 600};
 
-    setFrame({960, 463, 480, 437});
+    setFrame({-533, -165, 433, 410});
 
-    EXPECT_EQ(desktop.frame(window), (Rect{540, 300, 900, 600}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-1000, -355, 900, 600}));
     EXPECT_EQ(desktop.takeWrites().size(), 4U);
 }
 
-TEST_F(AXSetFrameTest, AWindowWiderThanTheBoundsStartsAtTheirLeftEdge) {
+TEST_F(AXSetFrameTest, AWindowLargerThanTheBoundsStartsAtTheirLeftAndTopEdge) {
     desktop.window(window).minimum = {1600, 1000};
 
-    setFrame({960, 463, 480, 437});
+    setFrame({-533, -165, 433, 410});
 
-    EXPECT_EQ(desktop.frame(window), (Rect{0, 25, 1600, 1000}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-1400, -575, 1600, 1000}));
 }
 
 TEST_F(AXSetFrameTest, AnOvershootOfOnePointIsLeftAlone) {
-    setFrame({961, 463, 480, 438});
+    setFrame({-579, -192, 480, 438}); // to (-99, 246)
 
-    EXPECT_EQ(desktop.frame(window), (Rect{961, 463, 480, 438}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-579, -192, 480, 438}));
     EXPECT_EQ(desktop.takeWrites().size(), 3U);
 }
 
 TEST_F(AXSetFrameTest, AnOvershootBeyondOnePointIsPulledBack) {
-    setFrame({961.5, 463, 480, 437});
+    setFrame({-578.5, -192.5, 480, 438});
+    EXPECT_EQ(desktop.frame(window), (Rect{-580, -192.5, 480, 438})) << "on the right only";
 
-    EXPECT_EQ(desktop.frame(window), (Rect{960, 463, 480, 437}));
+    setFrame({-579.5, -191.5, 480, 438});
+    EXPECT_EQ(desktop.frame(window), (Rect{-579.5, -193, 480, 438})) << "at the bottom only";
 }
 
 TEST_F(AXSetFrameTest, AWindowSticksOutOnTheLeftOrTopUncorrected) {
-    setFrame({-50, -10, 480, 437});
+    setFrame({-1450, -610, 480, 437});
 
-    EXPECT_EQ(desktop.frame(window), (Rect{-50, -10, 480, 437}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-1450, -610, 480, 437}));
     EXPECT_EQ(desktop.takeWrites().size(), 3U);
 }
 
 TEST_F(AXSetFrameTest, WithoutBoundsNothingIsCorrected) {
     desktop.window(window).minimum = {900, 1};
 
-    setFrame({960, 25, 480, 875}, std::nullopt);
+    setFrame(kRightThird, std::nullopt);
 
-    EXPECT_EQ(desktop.frame(window), (Rect{960, 25, 900, 875}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-533, -575, 900, 820}));
 }
 
 TEST_F(AXSetFrameTest, AWindowThatCannotBeReadBackIsNotCorrected) {
     desktop.window(window).minimum = {900, 1};
     say("AXSize", std::nullopt);
 
-    setFrame({960, 25, 480, 875});
+    setFrame(kRightThird);
 
     EXPECT_EQ(desktop.takeWrites().size(), 3U);
 }
@@ -300,10 +303,10 @@ TEST_F(AXSetFrameTest, TheEnhancedInterfaceIsOffMeanwhileAndOnAgain) {
     editor().enhancedInterface = true;
     desktop.window(window).minimum = {900, 1};
 
-    setFrame({960, 25, 480, 875});
+    setFrame(kRightThird);
 
     // Left on, the frame read back would be the one from before, and nothing would be pulled back.
-    EXPECT_EQ(desktop.frame(window), (Rect{540, 25, 900, 875}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-1000, -575, 900, 820}));
     EXPECT_EQ(editor().enhancedInterface, true);
     const auto writes = desktop.takeWrites();
     const std::string app = "application " + std::to_string(pid());
@@ -314,7 +317,7 @@ TEST_F(AXSetFrameTest, TheEnhancedInterfaceIsOffMeanwhileAndOnAgain) {
 TEST_F(AXSetFrameTest, AnEnhancedInterfaceThatIsOffOrUnknownIsNeverWritten) {
     for (const auto state : {std::optional<bool>{}, std::optional<bool>{false}}) {
         editor().enhancedInterface = state;
-        setFrame({0, 25, 720, 875});
+        setFrame(kLeft);
         EXPECT_EQ(desktop.takeWrites().size(), 3U);
         EXPECT_EQ(editor().enhancedInterface, state);
     }
@@ -334,14 +337,14 @@ TEST_F(AXSetFrameTest, AnApplicationThatEndsAtAnyPointIsLeftAlone) {
     const Element gone = element();
     for (int requests = 0; requests < 7; ++requests) {
         const ProcessId dying = desktop.launch({.requestsUntilDeath = requests});
-        const auto victim = desktop.openWindow(dying, {.axFrame = {200, 150, 640, 480}, .minimum = {900, 1}});
+        const auto victim = desktop.openWindow(dying, {.axFrame = kStart, .minimum = {900, 1}});
         const Element victimElement = desktop.element(victim);
 
-        ax.setFrame(victimElement, dying, {960, 25, 480, 875}, kBounds);
+        ax.setFrame(victimElement, dying, kRightThird, kUsable);
 
         EXPECT_FALSE(ax.frame(victimElement)) << requests;
     }
-    EXPECT_EQ(desktop.frame(window), (Rect{200, 150, 640, 480}));
+    EXPECT_EQ(desktop.frame(window), kStart);
     EXPECT_EQ(desktop.accessibility().pid(gone), editorPid);
 }
 

@@ -23,16 +23,50 @@ inline void PrintTo(const Rect& rect, std::ostream* out) {
 }
 
 /// The engine on an empty simulated desktop.
+///
+/// The displays that it can be given are awkward ones: the screen that windows are on is not the primary
+/// display, nor the main screen; it lies at negative coordinates, and bars narrow it at all four sides, at
+/// each by another width.
 class EngineTest : public ::testing::Test {
 protected:
     using Lines = std::vector<std::string>;
+
+    /// The whole of the screen that windows are on, and what bars leave of it.
+    static constexpr Rect kScreen{-1440, -600, 1440, 900};
+    static constexpr Rect kUsable{-1400, -575, 1300, 820};
+    /// The halves of `kUsable`.
+    static constexpr Rect kLeft{-1400, -575, 650, 820};
+    static constexpr Rect kRight{-750, -575, 650, 820};
+    /// Where a window stands that has not been placed yet.
+    static constexpr Rect kStart{-1240, -450, 640, 480};
+    /// The whole of the primary display, and what bars leave of it.
+    static constexpr Rect kPrimary{0, 0, 1280, 800};
+    static constexpr Rect kPrimaryUsable{12, 31, 1240, 725};
 
     static constexpr Zone kLeftHalf{true, 0, 0, 50, 100};
     static constexpr Zone kRightHalf{true, 50, 0, 50, 100};
     static constexpr Zone kWhole{true, 0, 0, 100, 100};
 
-    /// A display of 1440 by 900 whose menu bar leaves (0, 25, 1440, 875) to windows.
-    Screen addScreen() { return desktop.addScreen({.frame = {0, 0, 1440, 900}, .menuBar = 25}); }
+    /// Connects the primary display, which is also the main screen.
+    Screen addPrimary() {
+        const Screen primary = desktop.addScreen(
+            {.frame = {0, 0, 1280, 800}, .menuBar = 31, .dock = 44, .leftBar = 12, .rightBar = 28});
+        desktop.setMainScreen(primary);
+        return primary;
+    }
+    /// Connects the primary display and, left of it and further up, the screen that windows are on.
+    Screen addScreens() {
+        addPrimary();
+        return desktop.addScreen(
+            {.frame = {-1440, 500, 1440, 900}, .menuBar = 25, .dock = 55, .leftBar = 40, .rightBar = 100});
+    }
+
+    /// What is (x, y) from the top-left corner of the screen that windows are on.
+    static constexpr Point at(double x, double y) { return {kScreen.x + x, kScreen.y + y}; }
+    /// The frame that is at `local` from the same corner.
+    static constexpr Rect at(const Rect& local) {
+        return {kScreen.x + local.x, kScreen.y + local.y, local.width, local.height};
+    }
 
     /// How the record of requests calls the window.
     static std::string name(sim::WindowId window) {

@@ -21,10 +21,9 @@ protected:
 };
 
 TEST_F(GeoTest, ThePrimaryHeightIsThatOfTheFirstDisplay) {
-    addScreen();
-    desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
+    addScreens();
 
-    EXPECT_EQ(geo.primaryHeight(), 900);
+    EXPECT_EQ(geo.primaryHeight(), 800);
 }
 
 TEST_F(GeoTest, WithoutDisplaysThePrimaryHeightIsZero) {
@@ -32,42 +31,45 @@ TEST_F(GeoTest, WithoutDisplaysThePrimaryHeightIsZero) {
 }
 
 TEST_F(GeoTest, ThePrimaryDisplayFlippedStartsAtTheOrigin) {
-    const Screen primary = addScreen();
+    const Screen primary = addPrimary();
 
-    EXPECT_EQ(geo.flip(primary.frame), (Rect{0, 0, 1440, 900}));
-    EXPECT_EQ(geo.axFrame(primary), (Rect{0, 0, 1440, 900}));
+    EXPECT_EQ(geo.flip(primary.frame), kPrimary);
+    EXPECT_EQ(geo.axFrame(primary), kPrimary);
 }
 
-TEST_F(GeoTest, TheVisibleAreaLiesBelowTheMenuBarAndAboveTheDock) {
-    const Screen screen = desktop.addScreen({.frame = {0, 0, 1440, 900}, .menuBar = 25, .dock = 70});
+TEST_F(GeoTest, TheVisibleAreaLiesBetweenTheBars) {
+    EXPECT_EQ(geo.axVisible(addPrimary()), kPrimaryUsable);
+    const Screen above =
+        desktop.addScreen({.frame = {-200, 800, 1000, 700}, .menuBar = 20, .dock = 70, .leftBar = 5});
 
-    EXPECT_EQ(geo.axVisible(screen), (Rect{0, 25, 1440, 805}));
+    EXPECT_EQ(geo.axFrame(above), (Rect{-200, -700, 1000, 700}));
+    EXPECT_EQ(geo.axVisible(above), (Rect{-195, -680, 995, 610}));
 }
 
 TEST_F(GeoTest, ADisplayAboveThePrimaryOneHasANegativeTop) {
-    addScreen();
+    addPrimary();
     const Screen above = desktop.addScreen({.frame = {200, 900, 1280, 720}});
 
-    EXPECT_EQ(geo.axFrame(above), (Rect{200, -720, 1280, 720}));
+    EXPECT_EQ(geo.axFrame(above), (Rect{200, -820, 1280, 720}));
 }
 
 TEST_F(GeoTest, FlippingTwiceGivesTheRectangleBack) {
-    addScreen();
+    addPrimary();
     const Rect rect{-30, 125.5, 200, 77.25};
 
     EXPECT_EQ(geo.flip(geo.flip(rect)), rect);
 }
 
 TEST_F(GeoTest, FlippingStandardisesNegativeSizes) {
-    addScreen();
+    addPrimary();
 
-    EXPECT_EQ(geo.flip({300, 400, -100, -50}), (Rect{200, 500, 100, 50}));
+    EXPECT_EQ(geo.flip({300, 400, -100, -50}), (Rect{200, 400, 100, 50}));
 }
 
 TEST_F(GeoTest, AChangeOfDisplaysIsPickedUpAtOnce) {
-    addScreen();
+    addPrimary();
     const Screen other = desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
-    EXPECT_EQ(geo.flip({0, 0, 10, 10}), (Rect{0, 890, 10, 10}));
+    EXPECT_EQ(geo.flip({0, 0, 10, 10}), (Rect{0, 790, 10, 10}));
 
     desktop.makePrimary(other.id);
 
@@ -75,10 +77,10 @@ TEST_F(GeoTest, AChangeOfDisplaysIsPickedUpAtOnce) {
 }
 
 TEST_F(GeoTest, APlaceIsMeasuredFromTheTop) {
-    addScreen();
+    addPrimary();
 
-    EXPECT_EQ(geo.axPoint({100, 250}), (Point{100, 650}));
-    EXPECT_EQ(geo.axPoint({-20, 1000}), (Point{-20, -100}));
+    EXPECT_EQ(geo.axPoint({100, 250}), (Point{100, 550}));
+    EXPECT_EQ(geo.axPoint({-20, 1000}), (Point{-20, -200}));
 }
 
 TEST_F(GeoTest, WithoutDisplaysAPlaceIsMirroredAtTheOrigin) {
@@ -86,27 +88,27 @@ TEST_F(GeoTest, WithoutDisplaysAPlaceIsMirroredAtTheOrigin) {
 }
 
 TEST_F(GeoTest, AWindowBelongsToTheScreenThatShowsMostOfIt) {
-    const Screen left = addScreen();
-    const Screen right = desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
+    const Screen left = addScreens();
+    const Screen primary = desktop.displays().screens().front();
 
-    EXPECT_EQ(geo.screen({1200, 100, 400, 300}), left);
-    EXPECT_EQ(geo.screen({1300, 100, 400, 300}), right);
+    EXPECT_EQ(geo.screen({-210, 0, 400, 300}), left);
+    EXPECT_EQ(geo.screen({-190, 0, 400, 300}), primary);
+    EXPECT_EQ(geo.screen({-250, 0, 400, 500}), primary) << "250 by 300 against 150 by 500";
 }
 
 TEST_F(GeoTest, OfScreensThatShowEqualSharesTheEarlierOneWins) {
-    const Screen left = addScreen();
-    const Screen right = desktop.addScreen({.frame = {1440, 0, 1920, 900}});
+    const Screen left = addScreens();
+    const Screen primary = desktop.displays().screens().front();
 
-    EXPECT_EQ(geo.screen({1240, 100, 400, 300}), left);
+    EXPECT_EQ(geo.screen({-200, 0, 400, 300}), primary);
 
-    desktop.makePrimary(right.id);
-    EXPECT_EQ(geo.screen({-200, 100, 400, 300})->id, right.id);
+    desktop.makePrimary(left.id);
+    EXPECT_EQ(geo.screen({1240, 600, 400, 300})->id, left.id);
 }
 
 TEST_F(GeoTest, AWindowWhollyOffScreenBelongsToTheFirstScreenNotTheMainOne) {
-    const Screen first = addScreen();
-    const Screen main = desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
-    desktop.setMainScreen(main);
+    desktop.setMainScreen(addScreens());
+    const Screen first = desktop.displays().screens().front();
 
     EXPECT_EQ(geo.screen({-5000, -5000, 100, 100}), first);
     EXPECT_EQ(geo.screen(Rect::null()), first);

@@ -4,16 +4,17 @@
 
 #include <algorithm>
 #include <limits>
+#include <set>
+#include <utility>
 
 namespace tessarel {
 namespace {
 
 class HotKeysTest : public EngineTest {
 protected:
-    static constexpr Rect kStart{200, 150, 640, 480};
     static constexpr std::uint32_t kCtrlOpt = 6144;
 
-    HotKeysTest() { addScreen(); }
+    HotKeysTest() { addScreens(); }
 
     /// The ids of the actions that have a hot key now, ascending.
     [[nodiscard]] std::vector<std::uint32_t> registeredIds() const {
@@ -49,7 +50,7 @@ TEST_F(HotKeysTest, APressRunsItsAction) {
     hotKeys.registerAll();
 
     EXPECT_TRUE(keys.press(36, kCtrlOpt));
-    EXPECT_EQ(desktop.frame(window), (Rect{0, 25, 1440, 875}));
+    EXPECT_EQ(desktop.frame(window), kUsable);
 
     EXPECT_TRUE(keys.press(51, kCtrlOpt));
     EXPECT_EQ(desktop.frame(window), kStart);
@@ -71,7 +72,7 @@ TEST_F(HotKeysTest, OfTwoActionsOnTheSameKeysTheFirstKeepsThem) {
 
     EXPECT_EQ(registeredIds(), (std::vector<std::uint32_t>{9}));
     keys.press(123, kCtrlOpt);
-    EXPECT_EQ(desktop.frame(window), (Rect{0, 25, 720, 875}));
+    EXPECT_EQ(desktop.frame(window), kLeft);
 }
 
 TEST_F(HotKeysTest, RegisteringTwiceLeavesOneHotKeyPerActionAndOneHandler) {
@@ -81,7 +82,7 @@ TEST_F(HotKeysTest, RegisteringTwiceLeavesOneHotKeyPerActionAndOneHandler) {
 
     EXPECT_EQ(registered(), once);
     EXPECT_EQ(keys.handlersInstalled(), 1);
-    keys.press(124, kCtrlOpt + 256); // one display: one alert per run of the action
+    keys.press(51, kCtrlOpt); // nothing to restore: one alert per run of the action
     EXPECT_EQ(desktop.beeps(), 1);
 }
 
@@ -140,19 +141,27 @@ TEST_F(HotKeysTest, ASettingsListThatIsTooShortIsAListOfDisabledZones) {
 }
 
 TEST_F(HotKeysTest, EveryIdRunsTheActionAtItsPosition) {
-    desktop.addScreen({.frame = {1440, 0, 1440, 900}});
-    for (Zone& zone : settings.zones)
-        zone.enabled = true;
-    for (std::uint32_t id = 0; id < ActionID::allCases.size(); ++id) {
+    desktop.addScreen({.frame = {1280, 0, 1440, 900}});
+    settings.zones.clear();
+    for (int n = 0; n < 9; ++n)
+        settings.zones.push_back({true, n * 5.0, 0, 31, 50});
+    const auto placeSomewhere = [&] {
         desktop.drag(window, kStart);
+        engine.snapFocused({true, 10, 10, 30, 30}, {});
+    };
+    std::set<std::pair<double, double>> places;
+    for (std::uint32_t id = 0; id < ActionID::allCases.size(); ++id) {
+        placeSomewhere();
         runner.run(ActionID::allCases[id]);
         const Rect expected = desktop.frame(window);
-        desktop.drag(window, kStart);
+        placeSomewhere();
 
         hotKeys.handle(id);
 
         EXPECT_EQ(desktop.frame(window), expected) << id;
+        places.emplace(expected.midX(), expected.midY());
     }
+    EXPECT_EQ(places.size(), 17U) << "arranging is zone 1, centring is maximizing, by their middles";
 }
 
 TEST_F(HotKeysTest, IdsBeyondTheActionsDoNothing) {

@@ -6,13 +6,22 @@ namespace {
 
 class MoveToDisplayTest : public EngineTest {
 protected:
+    static constexpr sim::ScreenOptions kBars{
+        .frame = {}, .menuBar = 20, .dock = 80, .leftBar = 30, .rightBar = 70};
+
+    /// A display of 1000 by 800 that bars narrow to 900 by 700, from (30, 20).
+    Screen addDisplay(double x, double y = 0) {
+        sim::ScreenOptions options = kBars;
+        options.frame = {x, y, 1000, 800};
+        return desktop.addScreen(options);
+    }
     sim::WindowId openWindow(const Rect& axFrame) {
         return desktop.openWindow("org.example.editor", axFrame);
     }
 };
 
 TEST_F(MoveToDisplayTest, TheWindowKeepsItsRelativePlaceAndSize) {
-    addScreen();
+    desktop.addScreen({.frame = {0, 0, 1440, 900}, .menuBar = 25});
     desktop.addScreen({.frame = {1440, -155, 1920, 1055}});
     const auto window = openWindow({360, 225, 720, 437.5});
 
@@ -25,10 +34,30 @@ TEST_F(MoveToDisplayTest, TheWindowKeepsItsRelativePlaceAndSize) {
     EXPECT_EQ(desktop.frame(window), (Rect{1920, 241, 960, 528}));
 }
 
+TEST_F(MoveToDisplayTest, PlaceAndSizeAreMeasuredBetweenTheBars) {
+    addScreens();
+    const auto window = openWindow({-1140, -370, 650, 410});
+
+    engine.moveFocusedToDisplay(1);
+
+    // A fifth of the way from the left, a quarter from the top, half as large: 212.25, 362.5.
+    EXPECT_EQ(desktop.frame(window), (Rect{260, 212, 620, 363}));
+}
+
+TEST_F(MoveToDisplayTest, HalvesAreRoundedAwayFromZero) {
+    addScreens();
+    const auto window = openWindow({167, 121.625, 155, 90.625}); // an eighth of everything
+
+    engine.moveFocusedToDisplay(1);
+
+    // (-1237.5, -472.5, 162.5, 102.5)
+    EXPECT_EQ(desktop.frame(window), (Rect{-1238, -473, 163, 103}));
+}
+
 TEST_F(MoveToDisplayTest, DisplaysFollowEachOtherFromLeftToRightAndRoundAbout) {
-    const Screen b = desktop.addScreen({.frame = {0, 0, 1000, 800}});
-    const Screen a = desktop.addScreen({.frame = {-1000, 0, 1000, 800}});
-    const Screen c = desktop.addScreen({.frame = {1000, 0, 1000, 800}});
+    const Screen b = addDisplay(0);
+    const Screen a = addDisplay(-1000);
+    const Screen c = addDisplay(1000);
     const auto window = openWindow({1200, 100, 500, 400});
     const auto shownOn = [&] { return geo.screen(desktop.frame(window)); };
 
@@ -55,8 +84,32 @@ TEST_F(MoveToDisplayTest, DisplaysAboveEachOtherFollowTheSystemsOrder) {
     }
 }
 
+TEST_F(MoveToDisplayTest, TheOrderIsThatOfTheWholeDisplaysNotOfWhatBarsLeave) {
+    desktop.addScreen({.frame = {0, 0, 1000, 800}, .leftBar = 300}); // from 300
+    const Screen above = desktop.addScreen({.frame = {100, 800, 1000, 800}});
+    const Screen right = addDisplay(1100);
+    const auto window = openWindow({400, 100, 200, 200});
+
+    engine.moveFocusedToDisplay(1);
+    EXPECT_EQ(geo.screen(desktop.frame(window)), above);
+    engine.moveFocusedToDisplay(1);
+    EXPECT_EQ(geo.screen(desktop.frame(window)), right);
+}
+
+TEST_F(MoveToDisplayTest, TheMainScreenPlaysNoPart) {
+    addDisplay(0);
+    const Screen second = addDisplay(1000);
+    const Screen third = addDisplay(2000);
+    desktop.setMainScreen(third);
+    const auto window = openWindow({200, 100, 500, 400});
+
+    engine.moveFocusedToDisplay(1);
+
+    EXPECT_EQ(geo.screen(desktop.frame(window)), second);
+}
+
 TEST_F(MoveToDisplayTest, WithOneDisplayTheAlertSounds) {
-    addScreen();
+    addDisplay(0);
     const auto window = openWindow({200, 150, 640, 480});
 
     engine.moveFocusedToDisplay(1);
@@ -85,38 +138,39 @@ TEST_F(MoveToDisplayTest, AWindowWiderThanItsDisplayBecomesAsWideAsTheOther) {
 }
 
 TEST_F(MoveToDisplayTest, AWindowPartlyLeftOfItsDisplayLandsAtTheLeftEdge) {
-    desktop.addScreen({.frame = {0, 0, 1000, 800}});
-    desktop.addScreen({.frame = {1000, 0, 1000, 800}});
+    addDisplay(0);
+    addDisplay(1000);
     const auto window = openWindow({-200, -50, 600, 400});
 
     engine.moveFocusedToDisplay(1);
 
-    EXPECT_EQ(desktop.frame(window), (Rect{1000, 0, 600, 400}));
+    EXPECT_EQ(desktop.frame(window), (Rect{1030, 20, 600, 400}));
 }
 
 TEST_F(MoveToDisplayTest, AWindowThatWouldStickOutIsPulledBack) {
-    desktop.addScreen({.frame = {0, 0, 1000, 800}});
-    desktop.addScreen({.frame = {1000, 0, 1000, 800}});
+    addDisplay(0);
+    addDisplay(1000);
     const auto window = openWindow({700, 600, 500, 400});
 
     engine.moveFocusedToDisplay(1);
 
-    EXPECT_EQ(desktop.frame(window), (Rect{1500, 400, 500, 400}));
+    EXPECT_EQ(desktop.frame(window), (Rect{1430, 320, 500, 400}));
 }
 
 TEST_F(MoveToDisplayTest, AWindowFarOffScreenIsTakenForOneOfTheFirstDisplay) {
-    desktop.addScreen({.frame = {0, 0, 1000, 800}});
-    desktop.addScreen({.frame = {1000, 0, 1000, 800}});
+    addDisplay(0);
+    addDisplay(1000);
+    addDisplay(2000);
     const auto window = openWindow({5000, 5000, 500, 400});
 
     engine.moveFocusedToDisplay(1);
 
-    EXPECT_EQ(desktop.frame(window), (Rect{1500, 400, 500, 400}));
+    EXPECT_EQ(desktop.frame(window), (Rect{1430, 320, 500, 400}));
 }
 
 TEST_F(MoveToDisplayTest, TheMoveCanBeRestoredAndIsNotRemembered) {
-    desktop.addScreen({.frame = {0, 0, 1000, 800}});
-    desktop.addScreen({.frame = {1000, 0, 1000, 800}});
+    addDisplay(0);
+    addDisplay(1000, -300);
     const auto window = openWindow({100, 100, 500, 400});
 
     engine.moveFocusedToDisplay(1);

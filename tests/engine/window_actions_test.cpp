@@ -9,9 +9,7 @@ namespace {
 /// The actions on the focused window.
 class WindowActionsTest : public EngineTest {
 protected:
-    static constexpr Rect kStart{200, 150, 640, 480};
-
-    WindowActionsTest() { addScreen(); }
+    WindowActionsTest() { addScreens(); }
 
     /// The actions, on two displays, so that each of them would move the window.
     [[nodiscard]] std::vector<std::function<void()>> actions() {
@@ -20,12 +18,12 @@ protected:
     }
     /// Whether every action leaves everything alone, and does so without a sound.
     void expectAllActionsEndSilently() {
-        desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
         for (const auto& action : actions())
             action();
         EXPECT_TRUE(desktop.takeWrites().empty());
         EXPECT_EQ(desktop.beeps(), 0);
         EXPECT_TRUE(settings.appZones.empty());
+        EXPECT_EQ(desktop.preferencesStorage().writes, 0);
     }
 
     sim::WindowId window = desktop.openWindow("org.example.editor", kStart);
@@ -91,7 +89,7 @@ TEST_F(WindowActionsTest, AnApplicationThatAnswersLateIsActedOn) {
 
     engine.snapFocused(kRightHalf, 1);
 
-    EXPECT_EQ(desktop.frame(window), (Rect{720, 25, 720, 875}));
+    EXPECT_EQ(desktop.frame(window), kRight);
 }
 
 TEST_F(WindowActionsTest, AnApplicationMayEndAtAnyPointOfASnap) {
@@ -105,16 +103,15 @@ TEST_F(WindowActionsTest, AnApplicationMayEndAtAnyPointOfASnap) {
     }
     desktop.focus(window);
     engine.snapFocused(kRightHalf, 1);
-    EXPECT_EQ(desktop.frame(window), (Rect{720, 25, 720, 875}));
+    EXPECT_EQ(desktop.frame(window), kRight);
 }
 
 TEST_F(WindowActionsTest, SnapUsesTheScreenThatShowsMostOfTheWindow) {
-    desktop.addScreen({.frame = {1440, 0, 1920, 1080}, .menuBar = 25});
-    desktop.drag(window, {1300, 150, 640, 480});
+    desktop.drag(window, {-310, 0, 640, 250}); // 310 of it left of the primary display, 330 on it
 
     engine.snapFocused(kLeftHalf, {});
 
-    EXPECT_EQ(desktop.frame(window), (Rect{1440, -155, 960, 1055}));
+    EXPECT_EQ(desktop.frame(window), (Rect{12, 31, 620, 725}));
 }
 
 TEST_F(WindowActionsTest, SnapPullsAWindowWithAMinimumSizeIntoTheVisibleArea) {
@@ -122,7 +119,7 @@ TEST_F(WindowActionsTest, SnapPullsAWindowWithAMinimumSizeIntoTheVisibleArea) {
 
     engine.snapFocused(kRightHalf, {});
 
-    EXPECT_EQ(desktop.frame(window), (Rect{540, 25, 900, 875}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-1000, -575, 900, 820}));
 }
 
 TEST_F(WindowActionsTest, SnapKeepsAWindowOfFixedSizeInTheVisibleArea) {
@@ -130,7 +127,7 @@ TEST_F(WindowActionsTest, SnapKeepsAWindowOfFixedSizeInTheVisibleArea) {
 
     engine.snapFocused({true, 75, 75, 25, 25}, {});
 
-    EXPECT_EQ(desktop.frame(window), (Rect{800, 420, 640, 480}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-740, -235, 640, 480}));
 }
 
 TEST_F(WindowActionsTest, SnapLeavesAWindowWithSizeStepsSmallerThanItsZone) {
@@ -138,11 +135,13 @@ TEST_F(WindowActionsTest, SnapLeavesAWindowWithSizeStepsSmallerThanItsZone) {
 
     engine.snapFocused(kRightHalf, {});
 
-    EXPECT_EQ(desktop.frame(window), (Rect{720, 25, 714, 868}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-750, -575, 644, 812}));
 }
 
 TEST_F(WindowActionsTest, SnapWithoutAnyScreenLeavesTheWindow) {
-    desktop.removeScreen(desktop.displays().screens().front().id);
+    for (const Screen& screen : desktop.displays().screens())
+        desktop.removeScreen(screen.id);
+    desktop.setMainScreen(std::nullopt);
 
     engine.snapFocused(kRightHalf, 1);
     engine.centerFocused();
@@ -161,25 +160,44 @@ TEST_F(WindowActionsTest, SnapIntoAZoneEatenByTheGapLeavesTheWindow) {
 TEST_F(WindowActionsTest, CentreKeepsTheSize) {
     engine.centerFocused();
 
-    EXPECT_EQ(desktop.frame(window), (Rect{400, 223, 640, 480}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-1070, -405, 640, 480}));
     EXPECT_TRUE(settings.appZones.empty());
 }
 
 TEST_F(WindowActionsTest, CentreShrinksAWindowLargerThanTheVisibleArea) {
-    desktop.drag(window, {-100, -50, 1600, 1000});
+    desktop.drag(window, {-1500, -700, 1600, 1000});
 
     engine.centerFocused();
 
-    EXPECT_EQ(desktop.frame(window), (Rect{0, 25, 1440, 875}));
+    EXPECT_EQ(desktop.frame(window), kUsable);
+}
+
+TEST_F(WindowActionsTest, CentreShrinksOnlyTheSideThatIsTooLarge) {
+    desktop.drag(window, {-1240, -700, 640, 1000});
+    engine.centerFocused();
+    EXPECT_EQ(desktop.frame(window), (Rect{-1070, -575, 640, 820}));
+
+    desktop.drag(window, {-1500, -450, 1400, 480});
+    engine.centerFocused();
+    EXPECT_EQ(desktop.frame(window), (Rect{-1400, -405, 1300, 480}));
 }
 
 TEST_F(WindowActionsTest, CentreRoundsThePlaceAwayFromZeroAndNotTheSize) {
-    desktop.drag(window, {100, 100, 639.5, 480});
+    desktop.drag(window, at({100, 100, 641, 480.5}));
 
     engine.centerFocused();
 
-    // 720 - 319.75 = 400.25, 462.5 - 240 = 222.5
-    EXPECT_EQ(desktop.frame(window), (Rect{400, 223, 639.5, 480}));
+    // -750 - 320.5 = -1070.5, -165 - 240.25 = -405.25
+    EXPECT_EQ(desktop.frame(window), (Rect{-1071, -405, 641, 480.5}));
+}
+
+TEST_F(WindowActionsTest, CentreKeepsAWindowThatRefusesToShrinkInTheVisibleArea) {
+    desktop.window(window).minimum = {1350, 100};
+    desktop.drag(window, at({0, 100, 1350, 480}));
+
+    engine.centerFocused();
+
+    EXPECT_EQ(desktop.frame(window), (Rect{-1400, -405, 1350, 480}));
 }
 
 TEST_F(WindowActionsTest, CentreCanBeRestored) {
@@ -219,8 +237,9 @@ TEST_F(WindowActionsTest, NothingIsRememberedWhenRememberingIsOff) {
 
     engine.snapFocused(kLeftHalf, 4);
 
-    EXPECT_EQ(desktop.frame(window), (Rect{0, 25, 720, 875}));
+    EXPECT_EQ(desktop.frame(window), kLeft);
     EXPECT_TRUE(settings.appZones.empty());
+    EXPECT_EQ(desktop.preferencesStorage().writes, 0);
 }
 
 TEST_F(WindowActionsTest, AnApplicationWithoutAnIdentifierIsMovedButNotRemembered) {
@@ -228,7 +247,7 @@ TEST_F(WindowActionsTest, AnApplicationWithoutAnIdentifierIsMovedButNotRemembere
 
     engine.snapFocused(kLeftHalf, 4);
 
-    EXPECT_EQ(desktop.frame(nameless), (Rect{0, 25, 720, 875}));
+    EXPECT_EQ(desktop.frame(nameless), kLeft);
     EXPECT_TRUE(settings.appZones.empty());
     EXPECT_EQ(desktop.preferencesStorage().writes, 0);
 }
@@ -254,7 +273,7 @@ TEST_F(WindowActionsTest, SavingComesAfterTheWindowHasBeenPlaced) {
 
     lookingEngine.snapFocused(kRightHalf, 1);
 
-    EXPECT_EQ(seen, (Rect{720, 25, 720, 875}));
+    EXPECT_EQ(seen, kRight);
 }
 
 } // namespace

@@ -48,12 +48,12 @@ private:
 class WindowEngineRandomTest : public EngineTest {
 protected:
     WindowEngineRandomTest() {
-        addScreen();
-        desktop.addScreen({.frame = {1440, -180, 1920, 1080}});
+        addScreens();
+        desktop.addScreen({.frame = {1280, -180, 1920, 1080}, .dock = 40, .rightBar = 60});
         settings.rememberApps = false;
         for (int n = 0; n < 4; ++n)
             windows.push_back(
-                desktop.openWindow("org.example." + std::to_string(n), {100.0 * n, 100, 600, 400}));
+                desktop.openWindow("org.example." + std::to_string(n), at({100.0 * n, 100, 600, 400})));
         desktop.window(windows[1]).minimum = {900, 500};
         desktop.window(windows[2]).step = {7, 14};
     }

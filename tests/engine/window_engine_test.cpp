@@ -8,9 +8,7 @@ namespace {
 /// The placement routine and its memory.
 class WindowEngineTest : public EngineTest {
 protected:
-    static constexpr Rect kStart{200, 150, 640, 480};
-
-    WindowEngineTest() { addScreen(); }
+    WindowEngineTest() { addScreens(); }
 
     void place(const Rect& axFrame, const std::optional<Rect>& previous = {}) {
         engine.place(desktop.element(window), desktop.window(window).pid, axFrame, std::nullopt, previous);
@@ -30,7 +28,7 @@ TEST_F(WindowEngineTest, RestoreGoesBackToTheFrameBeforeTheFirstSnap) {
     settings.margin = 8;
     engine.snapFocused(kLeftHalf, 0);
     engine.snapFocused(kRightHalf, 1);
-    ASSERT_EQ(desktop.frame(window), (Rect{725, 33, 707, 859}));
+    ASSERT_EQ(desktop.frame(window), (Rect{-745, -567, 637, 804}));
 
     engine.restoreFocused();
 
@@ -39,7 +37,7 @@ TEST_F(WindowEngineTest, RestoreGoesBackToTheFrameBeforeTheFirstSnap) {
 }
 
 TEST_F(WindowEngineTest, ASecondRestoreFindsNothing) {
-    place({0, 25, 720, 875});
+    place(kLeft);
     EXPECT_EQ(restored(), kStart);
 
     EXPECT_EQ(restored(), std::nullopt);
@@ -49,14 +47,13 @@ TEST_F(WindowEngineTest, ASecondRestoreFindsNothing) {
 TEST_F(WindowEngineTest, RestoringForgetsThePlacementToo) {
     // The window stands in its zone before it is ever placed: a placement remembered beyond the restore
     // would make the next one look like part of the old chain.
-    const Rect zone = geo.zoneFrame(kLeftHalf, {0, 25, 1440, 875});
-    desktop.drag(window, zone);
-    place(zone);
-    EXPECT_EQ(restored(), zone);
+    desktop.drag(window, kLeft);
+    place(kLeft);
+    EXPECT_EQ(restored(), kLeft);
 
-    place({720, 25, 720, 875});
+    place(kRight);
 
-    EXPECT_EQ(restored(), zone);
+    EXPECT_EQ(restored(), kLeft);
 }
 
 TEST_F(WindowEngineTest, RestoringAWindowNeverPlacedSoundsTheAlert) {
@@ -68,63 +65,64 @@ TEST_F(WindowEngineTest, RestoringAWindowNeverPlacedSoundsTheAlert) {
 }
 
 TEST_F(WindowEngineTest, AWindowMovedByHandStartsANewChain) {
-    place({0, 25, 720, 875});
-    desktop.drag(window, {10, 25, 720, 875});
-    place({720, 25, 720, 875});
+    place(kLeft);
+    const Rect moved{kLeft.x + 10, kLeft.y, kLeft.width, kLeft.height};
+    desktop.drag(window, moved);
+    place(kRight);
 
-    EXPECT_EQ(restored(), (Rect{10, 25, 720, 875}));
+    EXPECT_EQ(restored(), moved);
 }
 
 TEST_F(WindowEngineTest, ThreePointsAreNoMove) {
-    for (const Rect& nudged :
-         {Rect{3, 25, 720, 875}, Rect{0, 28, 720, 875}, Rect{0, 25, 717, 875}, Rect{-3, 22, 723, 872}}) {
+    for (const Rect& nudged : {Rect{-1397, -575, 650, 820}, Rect{-1400, -572, 650, 820},
+                               Rect{-1400, -575, 647, 820}, Rect{-1403, -578, 653, 817}}) {
         desktop.drag(window, kStart);
-        place({0, 25, 720, 875});
+        place(kLeft);
         desktop.drag(window, nudged);
-        place({720, 25, 720, 875});
+        place(kRight);
         EXPECT_EQ(restored(), kStart);
     }
 }
 
 TEST_F(WindowEngineTest, MoreThanThreePointsAreAMove) {
-    for (const Rect& moved :
-         {Rect{3.5, 25, 720, 875}, Rect{0, 29, 720, 875}, Rect{0, 25, 716, 875}, Rect{0, 25, 720, 879}}) {
+    for (const Rect& moved : {Rect{-1396.5, -575, 650, 820}, Rect{-1400, -579, 650, 820},
+                              Rect{-1400, -575, 646, 820}, Rect{-1400, -575, 650, 824}}) {
         desktop.drag(window, kStart);
-        place({0, 25, 720, 875});
+        place(kLeft);
         desktop.drag(window, moved);
-        place({720, 25, 720, 875});
+        place(kRight);
         EXPECT_EQ(restored(), moved);
     }
 }
 
 TEST_F(WindowEngineTest, ARefusedSizeStillCountsAsUnmoved) {
     desktop.applicationOf(window).refusesSize = true;
-    place({0, 25, 720, 875});
-    ASSERT_EQ(desktop.frame(window), (Rect{0, 25, 640, 480}));
-    place({720, 25, 720, 875});
+    place(kLeft);
+    ASSERT_EQ(desktop.frame(window), (Rect{-1400, -575, 640, 480}));
+    place(kRight);
 
     EXPECT_EQ(restored(), kStart);
 }
 
 TEST_F(WindowEngineTest, TheFrameBeforeMayBeHandedOver) {
-    desktop.drag(window, {500, 300, 640, 480});
+    desktop.drag(window, at({500, 300, 640, 480}));
 
-    place({0, 25, 720, 875}, kStart);
+    place(kLeft, kStart);
 
     EXPECT_EQ(restored(), kStart);
 }
 
 TEST_F(WindowEngineTest, AFrameHandedOverIsComparedWithTheLastPlacement) {
-    place({0, 25, 720, 875});
+    place(kLeft);
 
-    place({720, 25, 720, 875}, Rect{2, 25, 720, 875});
+    place(kRight, Rect{kLeft.x + 2, kLeft.y, kLeft.width, kLeft.height});
 
     EXPECT_EQ(restored(), kStart);
 }
 
 TEST_F(WindowEngineTest, WithoutAReadableFrameNothingIsRememberedForRestoring) {
     desktop.window(window).overrides["AXSize"] = std::nullopt;
-    place({0, 25, 720, 875});
+    place(kLeft);
     EXPECT_EQ(desktop.takeWrites().size(), 3U);
 
     desktop.window(window).overrides.clear();
@@ -133,10 +131,10 @@ TEST_F(WindowEngineTest, WithoutAReadableFrameNothingIsRememberedForRestoring) {
 
 TEST_F(WindowEngineTest, WithoutAReadableFrameAfterwardsTheOneAskedForIsRemembered) {
     desktop.window(window).overrides["AXPosition"] = std::nullopt;
-    place({0, 25, 720, 875}, kStart);
+    place(kLeft, kStart);
     desktop.window(window).overrides.clear();
 
-    place({720, 25, 720, 875});
+    place(kRight);
 
     EXPECT_EQ(restored(), kStart);
 }
@@ -145,28 +143,28 @@ TEST_F(WindowEngineTest, AFrameThatCannotBeExpressedLeavesTheWindowAndIsAChainAl
     place(Rect::null());
     EXPECT_EQ(desktop.frame(window), kStart);
 
-    place({720, 25, 720, 875});
+    place(kRight);
 
     EXPECT_EQ(restored(), kStart);
 }
 
 TEST_F(WindowEngineTest, WindowsAreRememberedEachForItself) {
-    const auto other = desktop.openWindow("org.example.editor", {50, 60, 300, 200});
+    const auto other = desktop.openWindow("org.example.editor", at({50, 60, 300, 200}));
     engine.snapFocused(kLeftHalf, {});
     desktop.focus(window);
     engine.snapFocused(kRightHalf, {});
 
     engine.restoreFocused();
     EXPECT_EQ(desktop.frame(window), kStart);
-    EXPECT_EQ(desktop.frame(other), (Rect{0, 25, 720, 875}));
+    EXPECT_EQ(desktop.frame(other), kLeft);
 
     desktop.focus(other);
     engine.restoreFocused();
-    EXPECT_EQ(desktop.frame(other), (Rect{50, 60, 300, 200}));
+    EXPECT_EQ(desktop.frame(other), at({50, 60, 300, 200}));
 }
 
 TEST_F(WindowEngineTest, RestoringDoesNotPullTheWindowIntoTheScreen) {
-    const Rect outside{1200, 700, 640, 480};
+    const Rect outside = at({1200, 700, 640, 480});
     desktop.drag(window, outside);
     engine.snapFocused(kLeftHalf, {});
 
@@ -176,15 +174,15 @@ TEST_F(WindowEngineTest, RestoringDoesNotPullTheWindowIntoTheScreen) {
 }
 
 TEST_F(WindowEngineTest, TheSameFrameIsReadWrittenAndReadInThisOrder) {
-    place({0, 25, 720, 875});
+    place(kLeft);
 
     const std::string app = "application " + std::to_string(desktop.window(window).pid);
-    EXPECT_EQ(
-        desktop.takeRequests(),
-        (Lines{"read " + name(window) + " AXPosition", "read " + name(window) + " AXSize",
-               "read " + app + " AXEnhancedUserInterface", "write " + name(window) + " AXSize 720x875",
-               "write " + name(window) + " AXPosition 0,25", "write " + name(window) + " AXSize 720x875",
-               "read " + name(window) + " AXPosition", "read " + name(window) + " AXSize"}));
+    EXPECT_EQ(desktop.takeRequests(),
+              (Lines{"read " + name(window) + " AXPosition", "read " + name(window) + " AXSize",
+                     "read " + app + " AXEnhancedUserInterface", "write " + name(window) + " AXSize 650x820",
+                     "write " + name(window) + " AXPosition -1400,-575",
+                     "write " + name(window) + " AXSize 650x820", "read " + name(window) + " AXPosition",
+                     "read " + name(window) + " AXSize"}));
 }
 
 TEST_F(WindowEngineTest, TheKeyIsThatOfTheElement) {

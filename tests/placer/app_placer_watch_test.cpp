@@ -6,7 +6,9 @@ namespace tessarel {
 namespace {
 
 using ::testing::Contains;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
+using ::testing::Not;
 
 class AppPlacerWatchTest : public PlacerTest {};
 
@@ -49,11 +51,12 @@ TEST_F(AppPlacerWatchTest, AProgramThatLeavesTheBackgroundIsWatchedOnceItIsActiv
 }
 
 TEST_F(AppPlacerWatchTest, ThisProgramIsNotWatched) {
-    (void)desktop.openOwnWindow(kStart);
     placer->start();
+    desktop.activate(sim::SimState::kOwnPid);
 
-    EXPECT_EQ(accessibility.observers(), 1U);
-    EXPECT_EQ(desktop.frame(desktop.openOwnWindow(kStart)), kStart);
+    EXPECT_EQ(desktop.frame(openAndWait(sim::SimState::kOwnPid)), kStart);
+    const std::string self = "application " + std::to_string(sim::SimState::kOwnPid);
+    EXPECT_THAT(desktop.takeRequests(), Not(Contains(HasSubstr(self)))) << "it is not even tried";
 }
 
 TEST_F(AppPlacerWatchTest, AnApplicationIsWatchedOnceHoweverOftenItIsMet) {

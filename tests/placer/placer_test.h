@@ -11,13 +11,14 @@ namespace tessarel {
 
 using namespace std::chrono_literals;
 
-/// The placer on a desktop with one display, whose zones are the two halves. The editor is remembered for
-/// the right one.
+/// The placer, with the two halves of a screen as zones. The editor, and even this program, are remembered
+/// for the right one.
+///
+/// Windows open behind all others: nobody is activated by that.
 class PlacerTest : public EngineTest {
 protected:
-    static constexpr Rect kStart{200, 150, 640, 480};
-    static constexpr Rect kLeft{0, 25, 720, 875};
-    static constexpr Rect kRight{720, 25, 720, 875};
+    /// The right half of the primary display.
+    static constexpr Rect kPrimaryRight{632, 31, 620, 725};
     static constexpr std::size_t kRightZone = 1;
     static constexpr auto kWindowDelay = 400ms;
     static constexpr auto kLaunchDelay = 1000ms;
@@ -25,18 +26,19 @@ protected:
     PlacerTest() {
         settings.zones = {kLeftHalf, kRightHalf};
         settings.zones.resize(kZoneSlots);
-        settings.appZones["org.example.editor"] = kRightZone;
+        settings.appZones = {{"org.example.editor", kRightZone}, {"org.example.self", kRightZone}};
+        desktop.launchAs(sim::SimState::kOwnPid, {.bundleIdentifier = "org.example.self"});
     }
 
-    sim::WindowId open(ProcessId pid) { return desktop.openWindow(pid, {.axFrame = kStart}); }
+    sim::WindowId open(ProcessId pid) { return desktop.openWindowBehind(pid, {.axFrame = kStart}); }
     /// Opens a window and lets its moment pass.
     sim::WindowId openAndWait(ProcessId pid, const sim::SimWindow& window = {.axFrame = kStart}) {
-        const auto opened = desktop.openWindow(pid, window);
+        const auto opened = desktop.openWindowBehind(pid, window);
         desktop.advance(kWindowDelay);
         return opened;
     }
 
-    Screen screen = addScreen();
+    Screen screen = addScreens();
     sim::SimAccessibility& accessibility = desktop.accessibility();
     ProcessId editor = desktop.launch({.bundleIdentifier = "org.example.editor"});
     std::unique_ptr<AppPlacer> placer =

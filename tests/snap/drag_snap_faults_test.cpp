@@ -43,7 +43,7 @@ TEST_F(DragSnapFaultsTest, ALostReleaseIsMadeUpForByTheNextMovement) {
 TEST_F(DragSnapFaultsTest, ASecondPressWithoutAReleaseStartsOver) {
     beginDrag();
 
-    mouse.moveTo({1200, 850});
+    moveTo({1200, 850});
     mouse.press();
 
     EXPECT_FALSE(picture.isVisible);
@@ -69,7 +69,7 @@ TEST_F(DragSnapFaultsTest, AWindowClosedInTheMiddleOfADragIsNotPlaced) {
 }
 
 TEST_F(DragSnapFaultsTest, AnotherWindowThatClosesInTheMiddleOfADragDoesNotMatter) {
-    const auto other = desktop.openWindow("org.example.viewer", {900, 300, 200, 100});
+    const auto other = desktop.openWindow("org.example.viewer", at({900, 300, 200, 100}));
     beginDrag();
 
     desktop.close(other);
@@ -116,7 +116,7 @@ TEST_F(DragSnapFaultsTest, AProgramThatStopsInTheMiddleOfADragDoesNotHoldUpTheOv
     desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
     const auto before = desktop.mainQueue().now();
 
-    mouse.moveTo({100, 500});
+    moveTo({100, 500});
     mouse.release();
 
     EXPECT_EQ(desktop.mainQueue().now(), before);
@@ -132,20 +132,20 @@ TEST_F(DragSnapFaultsTest, AProgramThatStopsBeforeTheMoveIsSeenHoldsUpEachReadFo
     desktop.advance(30ms);
     const auto before = desktop.mainQueue().now();
 
-    mouse.moveTo({1000, 500});
+    moveTo({1000, 500});
 
     EXPECT_EQ(desktop.mainQueue().now() - before, 250ms);
     EXPECT_FALSE(picture.isVisible);
 }
 
 TEST_F(DragSnapFaultsTest, ADisplayRemovedUnderTheOverlayTakesItAwayWithTheNextMovement) {
-    const auto second = desktop.addScreen({.frame = {1440, 0, 1120, 900}});
+    const auto second = desktop.addScreen({.frame = {-2560, 500, 1120, 900}});
     grab(window);
-    dragTo({2000, 500});
+    dragTo({-500, 500});
     ASSERT_EQ(picture.screenFrame, second.frame);
     desktop.removeScreen(second.id);
 
-    dragTo({2001, 500});
+    dragTo({-501, 500});
     EXPECT_FALSE(picture.isVisible);
 
     dragTo({1000, 500});
@@ -156,9 +156,10 @@ TEST_F(DragSnapFaultsTest, ADisplayRemovedUnderTheOverlayTakesItAwayWithTheNextM
 
 TEST_F(DragSnapFaultsTest, WithoutAnyDisplayNothingIsShownOrPlaced) {
     beginDrag();
-    desktop.removeScreen(screen.id);
+    for (const Screen& one : desktop.displays().screens())
+        desktop.removeScreen(one.id);
 
-    mouse.moveTo({1001, 500});
+    moveTo({1001, 500});
     drop();
 
     EXPECT_FALSE(picture.isVisible);
@@ -230,7 +231,7 @@ TEST_F(DragSnapFaultsTest, ItsEndBetweenReleaseAndPlacementCallsThePlacementOff)
 TEST_F(DragSnapFaultsTest, ANewDragBetweenReleaseAndPlacementLeavesThePlacementAlone) {
     beginDrag();
     mouse.release();
-    mouse.moveTo({10, 890});
+    moveTo({10, 890});
     mouse.press();
 
     desktop.advance(30ms);
@@ -241,7 +242,7 @@ TEST_F(DragSnapFaultsTest, ANewDragBetweenReleaseAndPlacementLeavesThePlacementA
 TEST_F(DragSnapFaultsTest, ADragBegunBeforeTheProgramIsNotJoined) {
     dragSnap->stop();
     grab(window);
-    mouse.moveTo({600, 300});
+    moveTo({600, 300});
 
     dragSnap->start();
     dragTo({1000, 500});

@@ -13,17 +13,17 @@ class DragSnapPressTest : public SnapTest {
 protected:
     DragSnapPressTest() { mouse.hold(kShift); }
 
-    /// Whether a drag that begins with a press at the point brings up the overlay, though the window moves
-    /// with it.
-    bool startsADrag(const Point& axPoint) {
-        mouse.moveTo(axPoint);
+    /// Whether a drag that begins with a press at that place of the screen brings up the overlay, though the
+    /// window moves with it.
+    bool startsADrag(const Point& local) {
+        moveTo(local);
         mouse.press();
         const Rect frame = desktop.frame(window);
         desktop.drag(window, {frame.x + 50, frame.y, frame.width, frame.height});
-        dragTo({axPoint.x + 50, axPoint.y});
+        dragTo({local.x + 50, local.y});
         const bool started = picture.isVisible;
         mouse.hold(0);
-        dragTo({axPoint.x + 50, axPoint.y});
+        dragTo({local.x + 50, local.y});
         drop();
         mouse.hold(kShift);
         desktop.drag(window, kStart);
@@ -48,9 +48,9 @@ TEST_F(DragSnapPressTest, APressBesideEveryWindowStartsNothing) {
 }
 
 TEST_F(DragSnapPressTest, APressOutsideTheFrameThatTheWindowSaysStartsNothing) {
-    desktop.window(window).overrides["AXPosition"] = Point{500, 500};
+    desktop.window(window).overrides["AXPosition"] = at(500, 500);
 
-    mouse.moveTo({520, 160});
+    moveTo({520, 160});
     mouse.press();
     desktop.window(window).overrides.clear();
     dragTo({600, 160});
@@ -89,7 +89,7 @@ TEST_F(DragSnapPressTest, AWindowThatCannotBeMovedStartsNothing) {
 TEST_F(DragSnapPressTest, AWindowThatDoesNotSayWhereItIsStartsNothing) {
     desktop.window(window).overrides["AXSize"] = std::nullopt;
 
-    mouse.moveTo({520, 160});
+    moveTo({520, 160});
     mouse.press();
     desktop.window(window).overrides.clear();
     dragTo({600, 160});
@@ -124,19 +124,20 @@ TEST_F(DragSnapPressTest, SwitchedOffPausedOrNotTrustedNothingIsAsked) {
 }
 
 TEST_F(DragSnapPressTest, ThePressAsksInThisOrderAndInBoundedTime) {
-    mouse.moveTo({520, 160});
+    moveTo({520, 160});
 
     mouse.press();
 
     EXPECT_THAT(desktop.takeRequests(),
-                ElementsAre("limit desktop 250", "find 520,160", "read window 1 AXRole", "limit window 1 250",
-                            "read window 1 AXRole", "read window 1 AXMinimized", "read window 1 AXFullScreen",
-                            "read window 1 AXPosition", "read window 1 AXSize"));
+                ElementsAre("limit desktop 250", "find -920,-440", "read window 1 AXRole",
+                            "limit window 1 250", "read window 1 AXRole", "read window 1 AXMinimized",
+                            "read window 1 AXFullScreen", "read window 1 AXPosition",
+                            "read window 1 AXSize"));
 }
 
 TEST_F(DragSnapPressTest, AProgramThatDoesNotAnswerHoldsUpThePressForAQuarterOfASecond) {
     desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
-    mouse.moveTo({520, 160});
+    moveTo({520, 160});
     const auto before = desktop.mainQueue().now();
 
     mouse.press();
@@ -145,7 +146,7 @@ TEST_F(DragSnapPressTest, AProgramThatDoesNotAnswerHoldsUpThePressForAQuarterOfA
 }
 
 TEST_F(DragSnapPressTest, AnotherPressStartsOver) {
-    const auto other = desktop.openWindow("org.example.viewer", {900, 150, 400, 300});
+    const auto other = desktop.openWindow("org.example.viewer", at({900, 150, 400, 300}));
     grab(window);
     dragTo({600, 300});
     ASSERT_TRUE(picture.isVisible);

@@ -70,8 +70,8 @@ Zone naiveEdgeZone(const Rect& s, double px, double py) {
 class DragSnapRandomTest : public SnapTest {
 protected:
     DragSnapRandomTest() {
-        windows = {desktop.openWindow("org.example.viewer", {700, 300, 500, 400}), window};
-        ownWindow = desktop.openOwnWindow({1100, 40, 300, 200});
+        windows = {desktop.openWindow("org.example.viewer", at({700, 300, 500, 400})), window};
+        ownWindow = desktop.openOwnWindow(at({1100, 40, 300, 200}));
         for (const auto kind :
              {MouseEventKind::LeftDown, MouseEventKind::LeftDragged, MouseEventKind::LeftUp})
             monitors.push_back(
@@ -196,7 +196,7 @@ protected:
 
     Point somewhere() {
         static constexpr std::array<double, 12> kXs = {-1,  0,   6,   7,      80,   81,
-                                                       715, 720, 726, 1432.5, 1433, 1439};
+                                                       685, 690, 696, 1432.5, 1433, 1439};
         static constexpr std::array<double, 10> kYs = {-1, 0, 6, 7, 81, 450, 819, 892, 893, 899};
         switch (whole(0, 3)) {
         case 0: {
@@ -206,9 +206,9 @@ protected:
         case 1:
             return {pointer.x + whole(-4, 4), pointer.y + whole(-4, 4)};
         case 2:
-            return {anyOf(kXs), anyOf(kYs)};
+            return at(anyOf(kXs), anyOf(kYs));
         default:
-            return {static_cast<double>(whole(-50, 2700)), static_cast<double>(whole(-50, 1000))};
+            return {static_cast<double>(whole(-2700, 1400)), static_cast<double>(whole(-700, 900))};
         }
     }
 
@@ -295,7 +295,8 @@ protected:
             if (second)
                 desktop.removeScreen(std::exchange(second, std::nullopt)->id);
             else
-                second = desktop.addScreen({.frame = {1440, -124, 1120, 1024}, .dock = 40});
+                second = desktop.addScreen(
+                    {.frame = {-2560, 376, 1120, 1024}, .dock = 40, .leftBar = 30, .rightBar = 20});
         }
     }
 
@@ -339,7 +340,7 @@ protected:
     void beginSequence() {
         mouse.release();
         pass(1s);
-        desktop.drag(windows[0], {700, 300, 500, 400});
+        desktop.drag(windows[0], at({700, 300, 500, 400}));
         desktop.drag(windows[1], kStart);
         (void)desktop.takeRequests(); // the record would grow for ever
         mouse.hold(oneIn(2) ? kShift : 0);
@@ -347,7 +348,7 @@ protected:
     }
 
     std::mt19937 random{20261121};
-    const double heightWhenDrawn = 900;
+    const double heightWhenDrawn = kPrimary.height;
     std::array<sim::WindowId, 2> windows{};
     sim::WindowId ownWindow{};
     std::optional<Screen> second;

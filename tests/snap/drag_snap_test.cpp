@@ -84,7 +84,7 @@ TEST_F(DragSnapTest, AnEdgeSnapIsNeverRemembered) {
     settings.edgeSnap = true;
     grab(window);
     dragTo({0, 450});
-    EXPECT_THAT(shown(), ElementsAre(kLeft));
+    EXPECT_THAT(shown(), ElementsAre(kLeftShown));
     drop();
 
     EXPECT_EQ(desktop.frame(window), kLeft);
@@ -98,7 +98,7 @@ TEST_F(DragSnapTest, AWindowThatCannotShrinkIsPulledIntoTheUsableArea) {
     dragTo({1000, 500});
     drop();
 
-    EXPECT_EQ(desktop.frame(window), (Rect{540, 25, 900, 875}));
+    EXPECT_EQ(desktop.frame(window), (Rect{-1000, -575, 900, 820}));
 }
 
 TEST_F(DragSnapTest, LettingGoOfTheTriggerBeforeTheReleaseLeavesTheWindowWhereItIs) {
@@ -239,7 +239,7 @@ TEST_F(DragSnapTest, AWindowResizedByItsTopEdgeShowsNoOverlay) {
 
     EXPECT_EQ(picture.windows, 0);
     drop();
-    EXPECT_EQ(desktop.frame(window), (Rect{200, 88, 640, 542}));
+    EXPECT_EQ(desktop.frame(window), at({200, 88, 640, 542}));
 }
 
 TEST_F(DragSnapTest, ASizeThatChangesByThreePointsIsAResizeAndOneThatChangesByLessIsNot) {
@@ -276,7 +276,7 @@ TEST_F(DragSnapTest, AFrameIsReadAtMostEveryThirtyMillisecondsUntilTheWindowMove
     grab(window);
     (void)desktop.takeRequests();
     for (int millisecond = 0; millisecond < 300; ++millisecond) {
-        mouse.moveTo({520 + (millisecond % 2 == 0 ? 1.0 : 0.0), 160});
+        moveTo({520 + (millisecond % 2 == 0 ? 1.0 : 0.0), 160});
         desktop.advance(1ms);
     }
 
@@ -285,26 +285,26 @@ TEST_F(DragSnapTest, AFrameIsReadAtMostEveryThirtyMillisecondsUntilTheWindowMove
 
 TEST_F(DragSnapTest, AReadExactlyThirtyMillisecondsAfterTheLastOneIsMade) {
     grab(window);
-    mouse.moveTo({521, 160});
+    moveTo({521, 160});
     (void)desktop.takeRequests();
 
     desktop.advance(30ms - 1ns);
-    mouse.moveTo({520, 160});
+    moveTo({520, 160});
     EXPECT_THAT(desktop.takeRequests(), IsEmpty());
 
     desktop.advance(1ns);
-    mouse.moveTo({521, 160});
+    moveTo({521, 160});
     EXPECT_EQ(desktop.takeRequests().size(), 2U);
 }
 
 TEST_F(DragSnapTest, TheLastReadCountsAcrossDrags) {
     mouse.hold(kShift);
     grab(window);
-    mouse.moveTo({521, 160});
+    moveTo({521, 160});
     mouse.release();
     mouse.press();
 
-    mouse.moveTo({600, 160});
+    moveTo({600, 160});
     EXPECT_FALSE(picture.isVisible);
 
     dragTo({601, 160});
@@ -314,7 +314,7 @@ TEST_F(DragSnapTest, TheLastReadCountsAcrossDrags) {
 TEST_F(DragSnapTest, TheEventThatShowsTheMoveIsFollowedAlready) {
     mouse.hold(kShift);
     grab(window);
-    mouse.moveTo({1000, 500});
+    moveTo({1000, 500});
 
     EXPECT_EQ(labels(), "1[2]");
 }
@@ -349,28 +349,56 @@ TEST_F(DragSnapTest, OnlyAnotherHighlightIsPainted) {
 }
 
 TEST_F(DragSnapTest, TheOverlayFollowsThePointerToAnotherScreen) {
-    desktop.addScreen({.frame = {-1920, 900, 1920, 1080}});
     mouse.hold(kShift);
     grab(window);
     dragTo({600, 300});
 
-    dragTo({-100, -500});
+    desktop.advance(30ms);
+    mouse.moveTo({1000, 700});
 
-    EXPECT_EQ(picture.screenFrame, (Rect{-1920, 900, 1920, 1080}));
-    EXPECT_THAT(shown(), ElementsAre(Rect{0, 0, 960, 1080}, Rect{960, 0, 960, 1080}));
+    EXPECT_EQ(picture.screenFrame, (Rect{0, 0, 1280, 800}));
+    EXPECT_THAT(shown(), ElementsAre(Rect{12, 31, 620, 725}, Rect{632, 31, 620, 725}));
     drop();
-    EXPECT_EQ(desktop.frame(window), (Rect{-960, -1080, 960, 1080}));
+    EXPECT_EQ(desktop.frame(window), (Rect{632, 31, 620, 725}));
 }
 
 TEST_F(DragSnapTest, AScreenHasItsTopEdgeAndNotItsBottomOne) {
-    desktop.addScreen({.frame = {0, 900, 1440, 900}});
+    desktop.addScreen({.frame = {-1440, 1400, 1440, 900}});
     mouse.hold(kShift);
     grab(window);
     dragTo({600, 0});
-    EXPECT_EQ(picture.screenFrame, screen.frame) << "y 900 in screen coordinates";
+    EXPECT_EQ(picture.screenFrame, screen.frame) << "y 1400 in screen coordinates";
 
     dragTo({600, -1});
-    EXPECT_EQ(picture.screenFrame, (Rect{0, 900, 1440, 900}));
+    EXPECT_EQ(picture.screenFrame, (Rect{-1440, 1400, 1440, 900}));
+    dragTo({600, 899});
+    EXPECT_EQ(picture.screenFrame, screen.frame);
+    dragTo({600, 900});
+    EXPECT_FALSE(picture.isVisible) << "y 500, below which there is no screen";
+}
+
+TEST_F(DragSnapTest, AScreenHasItsLeftEdgeAndNotItsRightOne) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({0, 700});
+    EXPECT_EQ(picture.screenFrame, screen.frame);
+    dragTo({-1, 700});
+    EXPECT_FALSE(picture.isVisible);
+
+    dragTo({1439, 700});
+    EXPECT_EQ(picture.screenFrame, screen.frame);
+    dragTo({1440, 700});
+    EXPECT_EQ(picture.screenFrame, (Rect{0, 0, 1280, 800})) << "the left edge of the primary display";
+}
+
+TEST_F(DragSnapTest, OfScreensThatBothShowThePointerTheFirstIsUsed) {
+    desktop.addScreen({.frame = screen.frame});
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), kRight);
 }
 
 TEST_F(DragSnapTest, APointerOnNoScreenHidesTheOverlayAndHasNoTarget) {
@@ -378,7 +406,7 @@ TEST_F(DragSnapTest, APointerOnNoScreenHidesTheOverlayAndHasNoTarget) {
     grab(window);
     dragTo({600, 300});
 
-    dragTo({2000, 300});
+    dragTo({2000, 300}); // above the primary display
 
     EXPECT_FALSE(picture.isVisible);
     const Rect dropped = desktop.frame(window);
@@ -388,7 +416,7 @@ TEST_F(DragSnapTest, APointerOnNoScreenHidesTheOverlayAndHasNoTarget) {
 
 TEST_F(DragSnapTest, MovementsWithoutAPressDoNothing) {
     mouse.hold(kShift);
-    mouse.moveTo({600, 300});
+    moveTo({600, 300});
     mouse.release();
     desktop.advance(1s);
 

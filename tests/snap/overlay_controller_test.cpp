@@ -29,7 +29,7 @@ TEST_F(OverlayControllerTest, ShowCoversTheScreenAndDrawsTheItems) {
 
     EXPECT_TRUE(picture.isVisible);
     EXPECT_EQ(picture.screenFrame, screen.frame);
-    EXPECT_THAT(shown(), ElementsAre(kLeft, kRight));
+    EXPECT_THAT(shown(), ElementsAre(kLeftShown, kRightShown));
     EXPECT_EQ(labels(), "1[2]");
 }
 
@@ -75,10 +75,10 @@ TEST_F(OverlayControllerTest, EveryOtherShowBringsItToTheFront) {
 
 TEST_F(OverlayControllerTest, OnlyItemsThatLookDifferentAreChanged) {
     overlay.show(screen, {left, right});
-    EXPECT_THAT(picture.changed, UnorderedElementsAre(kLeft, kRight));
+    EXPECT_THAT(picture.changed, UnorderedElementsAre(kLeftShown, kRightShown));
 
     overlay.show(screen, {left, target});
-    EXPECT_THAT(picture.changed, UnorderedElementsAre(kRight));
+    EXPECT_THAT(picture.changed, UnorderedElementsAre(kRightShown));
 }
 
 TEST_F(OverlayControllerTest, AnItemThatMovesChangesBothPlaces) {
@@ -86,17 +86,17 @@ TEST_F(OverlayControllerTest, AnItemThatMovesChangesBothPlaces) {
 
     overlay.show(screen, {right});
 
-    EXPECT_THAT(picture.changed, UnorderedElementsAre(kLeft, kRight));
+    EXPECT_THAT(picture.changed, UnorderedElementsAre(kLeftShown, kRightShown));
 }
 
 TEST_F(OverlayControllerTest, ItemsThatComeOrGoChangeTheirPlace) {
     overlay.show(screen, {left});
 
     overlay.show(screen, {left, right});
-    EXPECT_THAT(picture.changed, UnorderedElementsAre(kRight));
+    EXPECT_THAT(picture.changed, UnorderedElementsAre(kRightShown));
 
     overlay.show(screen, {left});
-    EXPECT_THAT(picture.changed, UnorderedElementsAre(kRight));
+    EXPECT_THAT(picture.changed, UnorderedElementsAre(kRightShown));
     EXPECT_EQ(picture.figures.size(), 1U);
 }
 
@@ -109,18 +109,18 @@ TEST_F(OverlayControllerTest, WithoutItemsItIsThereAndDrawsNothing) {
     overlay.show(screen, {});
     EXPECT_TRUE(picture.isVisible);
     EXPECT_TRUE(picture.figures.empty());
-    EXPECT_THAT(picture.changed, ElementsAre(kLeft));
+    EXPECT_THAT(picture.changed, ElementsAre(kLeftShown));
 }
 
 TEST_F(OverlayControllerTest, AnotherScreenIsAnotherFrameOfTheSameWindow) {
-    const Screen second = desktop.addScreen({.frame = {-1920, 900, 1920, 1080}});
+    const Screen second = desktop.addScreen({.frame = {1280, -300, 1920, 1080}});
     overlay.show(screen, {left});
 
-    overlay.show(second, {{{-1920, -1080, 960, 1080}, false, "1"}});
+    overlay.show(second, {{{1290, 40, 960, 1000}, false, "1"}});
 
     EXPECT_EQ(picture.windows, 1);
-    EXPECT_EQ(picture.screenFrame, (Rect{-1920, 900, 1920, 1080}));
-    EXPECT_THAT(shown(), ElementsAre(Rect{0, 0, 960, 1080}));
+    EXPECT_EQ(picture.screenFrame, (Rect{1280, -300, 1920, 1080}));
+    EXPECT_THAT(shown(), ElementsAre(Rect{10, 20, 960, 1000}));
 }
 
 TEST_F(OverlayControllerTest, TheFrameIsSetOnlyWhenItIsAnother) {
@@ -130,21 +130,18 @@ TEST_F(OverlayControllerTest, TheFrameIsSetOnlyWhenItIsAnother) {
     overlay.show(screen, {left});
     EXPECT_EQ(picture.framesSet, 1);
 
-    const Screen second = desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
-    overlay.show(second, {left});
+    overlay.show(desktop.displays().screens().front(), {left});
     EXPECT_EQ(picture.framesSet, 2);
 }
 
 TEST_F(OverlayControllerTest, APrimaryDisplayOfAnotherHeightMovesThePictureOnTheOthers) {
-    const Screen second = desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
-    const OverlayItem item{{1440, -180, 960, 1080}, false, "1"};
-    overlay.show(second, {item});
-    ASSERT_THAT(shown(), ElementsAre(Rect{0, 0, 960, 1080}));
-    desktop.removeScreen(screen.id);
+    overlay.show(screen, {left});
+    ASSERT_THAT(shown(), ElementsAre(kLeftShown));
+    desktop.removeScreen(desktop.displays().screens().front().id); // of 800 points, where this one has 900
 
-    overlay.show(second, {item});
+    overlay.show(screen, {left});
 
-    EXPECT_THAT(shown(), ElementsAre(Rect{0, -180, 960, 1080}));
+    EXPECT_THAT(shown(), ElementsAre(Rect{40, -75, 650, 820}));
 }
 
 } // namespace

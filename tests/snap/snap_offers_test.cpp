@@ -11,11 +11,15 @@ using ::testing::ElementsAre;
 
 class SnapOffersTest : public SnapTest {
 protected:
-    static constexpr Point kMiddle{720, 450};
+    static constexpr Point kMiddle{690, 435}; // of the usable area
 
     SnapOffersTest() { settings.edgeSnap = false; }
 
-    SnapOffer offer(const Point& axPoint, std::uint64_t modifierFlags = kShift) {
+    /// The offer at a place of the screen, measured from its top-left corner.
+    SnapOffer offer(const Point& local, std::uint64_t modifierFlags = kShift) {
+        return offerAt(at(local.x, local.y), modifierFlags);
+    }
+    SnapOffer offerAt(const Point& axPoint, std::uint64_t modifierFlags = kShift) {
         return SnapOffers(geo, store).offer(screen, axPoint, modifierFlags);
     }
     bool isHeld(const std::string& trigger, std::uint64_t modifierFlags) {
@@ -83,7 +87,7 @@ TEST_F(SnapOffersTest, OfOverlappingZonesTheSmallerOneWins) {
 
     EXPECT_EQ(offer({700, 450}).zoneNumber, 1U);
     EXPECT_EQ(offer({100, 100}).zoneNumber, 2U);
-    EXPECT_EQ(offer({1400, 100}).zoneNumber, 0U);
+    EXPECT_EQ(offer({1300, 100}).zoneNumber, 0U);
 }
 
 TEST_F(SnapOffersTest, OfEqualZonesTheFirstWins) {
@@ -102,8 +106,8 @@ TEST_F(SnapOffersTest, ThePointerBetweenTwoZonesStillHitsOne) {
     const Rect right = geo.zoneFrame(kRightHalf, geo.axVisible(screen));
     ASSERT_EQ(right.minX() - left.maxX(), 20);
 
-    EXPECT_EQ(offer({left.maxX() + 5, 450}).zoneNumber, 0U);
-    EXPECT_EQ(offer({right.minX() - 5, 450}).zoneNumber, 1U);
+    EXPECT_EQ(offerAt({left.maxX() + 5, 0}).zoneNumber, 0U);
+    EXPECT_EQ(offerAt({right.minX() - 5, 0}).zoneNumber, 1U);
 }
 
 TEST_F(SnapOffersTest, AZoneReachesHalfTheGapAndOnePointBeyondItself) {
@@ -111,12 +115,14 @@ TEST_F(SnapOffersTest, AZoneReachesHalfTheGapAndOnePointBeyondItself) {
     settings.zones = zones({{true, 25, 25, 50, 50}});
     const Rect zone = geo.zoneFrame(settings.zones[0], geo.axVisible(screen));
 
-    EXPECT_TRUE(offer({zone.minX() - 11, zone.midY()}).target);
-    EXPECT_FALSE(offer({zone.minX() - 11.01, zone.midY()}).target);
-    EXPECT_TRUE(offer({zone.maxX() + 10.99, zone.midY()}).target);
-    EXPECT_FALSE(offer({zone.maxX() + 11, zone.midY()}).target);
-    EXPECT_TRUE(offer({zone.midX(), zone.minY() - 11}).target);
-    EXPECT_FALSE(offer({zone.midX(), zone.maxY() + 11}).target);
+    EXPECT_TRUE(offerAt({zone.minX() - 11, zone.midY()}).target);
+    EXPECT_FALSE(offerAt({zone.minX() - 11.01, zone.midY()}).target);
+    EXPECT_TRUE(offerAt({zone.maxX() + 10.99, zone.midY()}).target);
+    EXPECT_FALSE(offerAt({zone.maxX() + 11, zone.midY()}).target);
+    EXPECT_TRUE(offerAt({zone.midX(), zone.minY() - 11}).target);
+    EXPECT_FALSE(offerAt({zone.midX(), zone.minY() - 11.01}).target);
+    EXPECT_TRUE(offerAt({zone.midX(), zone.maxY() + 10.99}).target);
+    EXPECT_FALSE(offerAt({zone.midX(), zone.maxY() + 11}).target);
 }
 
 TEST_F(SnapOffersTest, AGapThatEatsTheZonesLeavesNoTarget) {
@@ -151,15 +157,21 @@ TEST_F(SnapOffersTest, EdgesObeyGapAndMargin) {
     settings.gap = 10;
     settings.margin = 8;
 
-    EXPECT_EQ(offer({1439, 450}, 0).target, geo.zoneFrame(kRightHalf, geo.axVisible(screen)));
-    EXPECT_EQ(offer({720, 3}, 0).target, (Rect{8, 33, 1424, 859}));
+    EXPECT_EQ(offer({1439, 450}, 0).target, (Rect{-745, -567, 637, 804}));
+    EXPECT_EQ(offer({720, 3}, 0).target, (Rect{-1392, -567, 1284, 804}));
 }
 
 TEST_F(SnapOffersTest, EdgesAreThoseOfTheWholeScreenNotOfItsUsableArea) {
     settings.edgeSnap = true;
 
-    EXPECT_EQ(offer({720, 6}, 0).target, (Rect{0, 25, 1440, 875}));
+    EXPECT_EQ(offer({720, 6}, 0).target, kUsable);
     EXPECT_FALSE(offer({720, 27}, 0).target);
+    EXPECT_EQ(offer({6, 450}, 0).target, kLeft);
+    EXPECT_FALSE(offer({42, 450}, 0).target);
+    EXPECT_EQ(offer({1433, 450}, 0).target, kRight);
+    EXPECT_FALSE(offer({1338, 450}, 0).target);
+    EXPECT_EQ(offer({6, 893}, 0).target, (Rect{-1400, -165, 650, 410}));
+    EXPECT_FALSE(offer({60, 843}, 0).target);
 }
 
 TEST_F(SnapOffersTest, WithTheTriggerHeldEdgesAreJustPlacesInZones) {
@@ -169,12 +181,12 @@ TEST_F(SnapOffersTest, WithTheTriggerHeldEdgesAreJustPlacesInZones) {
     EXPECT_FALSE(offer({0, 450}).target);
 }
 
-TEST_F(SnapOffersTest, OnAScreenAboveAndLeftOfThePrimaryOneEverythingIsTheSame) {
+TEST_F(SnapOffersTest, OnThePrimaryDisplayEverythingIsTheSame) {
     settings.edgeSnap = true;
-    screen = desktop.addScreen({.frame = {-1920, 900, 1920, 1080}});
+    screen = desktop.displays().screens().front();
 
-    EXPECT_EQ(offer({-1900, -500}).target, (Rect{-1920, -1080, 960, 1080}));
-    EXPECT_EQ(offer({-1, -500}, 0).target, (Rect{-960, -1080, 960, 1080}));
+    EXPECT_EQ(offerAt({100, 500}).target, (Rect{12, 31, 620, 725}));
+    EXPECT_EQ(offerAt({1279, 500}, 0).target, (Rect{632, 31, 620, 725}));
 }
 
 } // namespace

@@ -16,12 +16,9 @@ namespace tessarel {
 
 using namespace std::chrono_literals;
 
-/// Drag snapping on a desktop with one display and one window, whose zones are the two halves.
+/// Drag snapping of one window, whose zones are the two halves of its screen.
 class SnapTest : public EngineTest {
 protected:
-    static constexpr Rect kStart{200, 150, 640, 480};
-    static constexpr Rect kLeft{0, 25, 720, 875};
-    static constexpr Rect kRight{720, 25, 720, 875};
     static constexpr std::uint64_t kShift = modifier_flag::kShift;
 
     SnapTest() {
@@ -41,10 +38,12 @@ protected:
         mouse.moveTo({frame.x + grip.x, frame.y + grip.y});
         mouse.press();
     }
-    /// A display's frame later the pointer is somewhere else.
-    void dragTo(const Point& axPoint) {
+    /// The user moves the pointer to a place of the screen, measured from its top-left corner.
+    void moveTo(const Point& local) { mouse.moveTo(at(local.x, local.y)); }
+    /// A display's frame later the pointer is somewhere else, measured in the same way.
+    void dragTo(const Point& local) {
         desktop.advance(30ms);
-        mouse.moveTo(axPoint);
+        moveTo(local);
     }
     /// The button goes up, and what follows from it has happened.
     void drop() {
@@ -52,7 +51,11 @@ protected:
         desktop.advance(30ms);
     }
 
-    /// The frames that the overlay shows, in screen-local coordinates; empty when it is not to be seen.
+    /// What the overlay shows of `kLeft` and `kRight`, in its own coordinates.
+    static constexpr Rect kLeftShown{40, 25, 650, 820};
+    static constexpr Rect kRightShown{690, 25, 650, 820};
+
+    /// The frames that the overlay shows, in its own coordinates; empty when it is not to be seen.
     std::vector<Rect> shown() {
         std::vector<Rect> frames;
         for (const OverlayFigure& figure : figures())
@@ -67,7 +70,7 @@ protected:
         return all;
     }
 
-    Screen screen = addScreen();
+    Screen screen = addScreens();
     sim::WindowId window = desktop.openWindow("org.example.editor", kStart);
     sim::SimMouse& mouse = desktop.mouse();
     sim::SimOverlay& picture = desktop.overlay();
