@@ -39,6 +39,8 @@ set(OBJECTIVE_CXX_FLAGS
     -fconstant-string-class=NSConstantString -DGNUSTEP -DGNUSTEP_BASE_LIBRARY=1
     -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror
     -isystem ${OBJC_INCLUDE} -isystem ${GNUSTEP_INCLUDE})
+separate_arguments(GIVEN_FLAGS UNIX_COMMAND "${CMAKE_CXX_FLAGS}")
+list(APPEND OBJECTIVE_CXX_FLAGS ${GIVEN_FLAGS})
 if(TESSAREL_SANITIZE)
     list(APPEND OBJECTIVE_CXX_FLAGS -fsanitize=address,undefined -fno-sanitize-recover=undefined
          -fno-omit-frame-pointer)

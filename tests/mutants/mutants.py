@@ -1,0 +1,284 @@
+"""Makes small faults in the product and looks whether its tests notice. script/mutants starts it."""
+
+import argparse
+import os
+import random
+import subprocess
+import sys
+import threading
+import time
+from collections import Counter
+from collections.abc import Iterator
+from dataclasses import dataclass
+from pathlib import Path
+
+from faults import Fault, accepted_faults, faults_of
+from workshop import Suite, Workshop
+
+HERE = Path(__file__).resolve().parent
+CHECKOUT = HERE.parent.parent
+PLACE = CHECKOUT / "build" / "mutants"
+CHUNK = 12  # faults of one file that one job takes at a time
+
+KILLED, SURVIVED, DROPPED = "killed", "survived", "dropped"
+
+
+@dataclass(frozen=True)
+class Folder:
+    sources: tuple[str, ...]
+    suites: tuple[str, ...]  # the one that is most likely to notice, and costs least, first
+
+
+MACOS_SUITES = ("macos_test", "macos_contract_test", "macos_application_test")
+FOLDERS = {
+    "model": Folder(("src/model",), ("model_test",)),
+    "ports": Folder(("src/ports",), ("ports_test", "sim_test", "engine_test", "snap_test")),
+    "engine": Folder(("src/engine",), ("engine_test",)),
+    "snap": Folder(("src/snap",), ("snap_test",)),
+    "placer": Folder(("src/placer",), ("placer_test",)),
+    "app": Folder(("src/app",), ("app_test",)),
+    "settings_ui": Folder(("src/settings_ui",), ("settings_ui_test",)),
+    "platform/macos": Folder(("src/platform/macos", "src/mac_program.cpp"), MACOS_SUITES),
+}
+
+
+@dataclass(frozen=True)
+class Outcome:
+    folder: str
+    fault: Fault
+    result: str
+    suite: str = ""
+
+
+class Trial:
+    """Tries faults in several workshops at once."""
+
+    def __init__(self, jobs: int, folders: list[str]):
+        self._targets = {name: list(FOLDERS[name].suites) for name in folders}
+        self._workshops = [Workshop(CHECKOUT, PLACE / f"job-{number}") for number in range(jobs)]
+        self._suites: dict[str, Suite] = {}
+        self._lock = threading.Lock()
+
+    def prepare(self) -> None:
+        names = list(dict.fromkeys(name for suites in self._targets.values() for name in suites))
+        for number, workshop in enumerate(self._workshops, 1):
+            print(f"Building {', '.join(names)} ({number} of {len(self._workshops)})", flush=True)
+            workshop.prepare(names)
+        self._suites = self._workshops[0].suites(names)
+        for suite in self._suites.values():
+            self._workshops[0].measure(suite)
+
+    def run(self, chosen: list[tuple[str, Fault]]) -> list[Outcome]:
+        by_file: dict[str, list[tuple[str, Fault]]] = {}
+        for folder, fault in chosen:
+            by_file.setdefault(fault.path, []).append((folder, fault))
+        chunks = [each[at : at + CHUNK] for each in by_file.values() for at in range(0, len(each), CHUNK)]
+        outcomes: list[Outcome] = []
+        failures: list[BaseException] = []
+
+        def work(workshop: Workshop) -> None:
+            try:
+                while not failures:
+                    with self._lock:
+                        if not chunks:
+                            return
+                        chunk = chunks.pop(0)
+                    for folder, fault in chunk:
+                        outcome = self._try(workshop, folder, fault)
+                        with self._lock:
+                            outcomes.append(outcome)
+                            show(outcome)
+            except BaseException as failure:
+                failures.append(failure)
+
+        threads = [threading.Thread(target=work, args=(workshop,)) for workshop in self._workshops]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+        if failures:
+            raise failures[0]
+        return outcomes
+
+    def _try(self, workshop: Workshop, folder: str, fault: Fault) -> Outcome:
+        workshop.change(fault.path, fault.applied((CHECKOUT / fault.path).read_text()))
+        for name in self._targets[folder]:
+            if not workshop.builds([name]):
+                return Outcome(folder, fault, DROPPED)
+            if workshop.notices(self._suites[name], fault.path):
+                return Outcome(folder, fault, KILLED, name)
+        return Outcome(folder, fault, SURVIVED)
+
+
+def show(outcome: Outcome) -> None:
+    fault = outcome.fault
+    head = f"{fault.path}:{fault.line}: {fault.operator}"
+    with (PLACE / "outcomes.txt").open("a") as log:
+        log.write(f"{outcome.result} {head} {outcome.suite}\n{difference(fault)}")
+    if outcome.result == SURVIVED:
+        print(f"survived {head}\n{difference(fault)}", end="", flush=True)
+
+
+def difference(fault: Fault) -> str:
+    lines = [f"    - {line}" for line in fault.before.splitlines()]
+    lines += [f"    + {line}" for line in fault.after.splitlines()]
+    return "\n".join(lines) + "\n"
+
+
+def try_patches() -> int:
+    """Applies the faults that no operator makes, one after the other. Returns how many nobody notices."""
+    checks = ("macos_analyze", "macos_compile")
+    workshop = Workshop(CHECKOUT, PLACE / "patches", sanitized=True)
+    print(f"Building {', '.join(MACOS_SUITES)} with the sanitizers", flush=True)
+    workshop.prepare(list(MACOS_SUITES))
+    suites = workshop.suites([*MACOS_SUITES, *checks])
+    for suite in suites.values():
+        workshop.measure(suite)
+    unnoticed = 0
+    for patch in sorted((HERE / "patches").glob("*.patch")):
+        result = _try_patch(workshop, patch, [suites[name] for name in (*MACOS_SUITES, *checks)])
+        workshop.synchronize()
+        unnoticed += not result.startswith("killed")
+        print(f"{patch.stem}: {result}", flush=True)
+    return unnoticed
+
+
+def _try_patch(workshop: Workshop, patch: Path, suites: list[Suite]) -> str:
+    if not workshop.apply(patch):
+        return "does not apply any more"
+    if not workshop.builds(list(MACOS_SUITES)):
+        return "does not compile"
+    for suite in suites:
+        if workshop.notices(suite, ""):
+            return f"killed by {suite.name}"
+    return "survived"
+
+
+def all_faults(folders: list[str]) -> list[tuple[str, Fault]]:
+    listed = subprocess.run(
+        ["git", "ls-files", "--cached", "--others", "--exclude-standard", "src"],
+        cwd=CHECKOUT, capture_output=True, text=True, check=True,
+    )  # fmt: skip
+    found = []
+    for path in map(Path, sorted(set(listed.stdout.splitlines()))):
+        if path.suffix not in (".cpp", ".h", ".mm") or not (CHECKOUT / path).exists():
+            continue
+        for name in folders:
+            if str(path) in FOLDERS[name].sources or str(path.parent) in FOLDERS[name].sources:
+                text = (CHECKOUT / path).read_text()
+                found += [(name, fault) for fault in faults_of(str(path), text)]
+    return found
+
+
+def selected(arguments: list[str]) -> list[tuple[str, Fault]]:
+    """Returns the faults of the named folders, files and lines; without a name, all."""
+    wanted: list[tuple[str, Fault]] = []
+    every = all_faults(list(FOLDERS))
+    for argument in arguments or list(FOLDERS):
+        name, _, line = argument.partition(":")
+        if not name.startswith("src/") and name not in FOLDERS:
+            name = os.path.relpath(Path.cwd() / name, CHECKOUT)
+        name = name.removeprefix("src/").rstrip("/")
+        some = [
+            (folder, fault)
+            for folder, fault in every
+            if (folder == name or fault.path == f"src/{name}") and line in ("", str(fault.line))
+        ]
+        if not some:
+            raise SystemExit(f"mutants: no fault can be made in {argument}")
+        wanted += some
+    return list(dict.fromkeys(wanted))
+
+
+def drawn(faults: list[tuple[str, Fault]], seed: int) -> Iterator[tuple[str, Fault]]:
+    """Yields the faults at random: each folder in turn, and within it a line, of which one fault is taken."""
+    chance = random.Random(seed)
+    folders: dict[str, dict[tuple[str, int], list[Fault]]] = {}
+    for folder, fault in faults:
+        folders.setdefault(folder, {}).setdefault((fault.path, fault.line), []).append(fault)
+    orders = []
+    for folder, lines in folders.items():
+        for faults_of_line in lines.values():
+            chance.shuffle(faults_of_line)
+        order = list(lines.values())
+        chance.shuffle(order)
+        deepest = max(map(len, order))
+        orders.append([(folder, each[depth]) for depth in range(deepest) for each in order if depth < len(each)])
+    for turn in range(max(map(len, orders))):
+        for order in orders:
+            if turn < len(order):
+                yield order[turn]
+
+
+def run_sample(trial: Trial, faults: list[tuple[str, Fault]], count: int, seed: int) -> list[Outcome]:
+    """Tries as many faults as are asked for, and another for each that does not compile."""
+    order = drawn(faults, seed)
+    outcomes: list[Outcome] = []
+    while True:
+        missing = count - sum(outcome.result != DROPPED for outcome in outcomes)
+        batch = [next(order, None) for _ in range(missing)]
+        batch = [each for each in batch if each]
+        if not batch:
+            return outcomes
+        outcomes += trial.run(batch)
+
+
+def summarize(outcomes: list[Outcome], accepted: Counter) -> int:
+    counts = Counter((outcome.folder, outcome.result) for outcome in outcomes)
+    print(f"\n{'folder':<16}{'killed':>8}{'survived':>10}{'killed %':>10}{'accepted':>10}")
+    folders = [name for name in FOLDERS if any(outcome.folder == name for outcome in outcomes)]
+    rows = [(name, counts[name, KILLED], counts[name, SURVIVED], accepted[name]) for name in folders]
+    rows.append(("all", *(sum(row[column] for row in rows) for column in (1, 2, 3))))
+    for name, killed, survived, equivalent in rows:
+        share = f"{100 * killed / (killed + survived):.1f}" if killed + survived else "-"
+        print(f"{name:<16}{killed:>8}{survived:>10}{share:>10}{equivalent:>10}")
+    return rows[-1][2]
+
+
+def main() -> int:
+    parser = argparse.ArgumentParser(prog="script/mutants", description=__doc__)
+    parser.add_argument("sources", nargs="*", metavar="FILE", help="folder, file or file:line; else all")
+    parser.add_argument("--sample", type=int, metavar="N", help="try N faults drawn at random")
+    parser.add_argument("--seed", type=int, help="draw as in an earlier run")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count() or 1, help="faults to try at once")
+    parser.add_argument("--list", action="store_true", help="print the faults and try none")
+    parser.add_argument("--patches", action="store_true", help="try the faults of tests/mutants/patches")
+    options = parser.parse_args()
+    if options.patches:
+        return 1 if try_patches() else 0
+
+    faults = selected(options.sources)
+    accepted = accepted_faults(HERE / "accepted.txt")
+    stale = accepted.keys() - {fault.key for _, fault in all_faults(list(FOLDERS))}
+    for path, line, becomes in sorted(stale):
+        print(f"accepted.txt: no such fault in {path}: {line} -> {becomes}")
+    skipped = Counter(folder for folder, fault in faults if fault.key in accepted)
+    faults = [(folder, fault) for folder, fault in faults if fault.key not in accepted]
+    if options.list:
+        for _, fault in faults:
+            print(f"{fault.path}:{fault.line}: {fault.operator}\n{difference(fault)}", end="")
+        return 0
+
+    begin = time.monotonic()
+    PLACE.mkdir(parents=True, exist_ok=True)
+    (PLACE / "outcomes.txt").unlink(missing_ok=True)
+    trial = Trial(options.jobs, list(dict.fromkeys(folder for folder, _ in faults)))
+    trial.prepare()
+    prepared = time.monotonic()
+    if options.sample is None:
+        outcomes = trial.run(faults)
+    else:
+        seed = random.randrange(10**6) if options.seed is None else options.seed
+        print(f"Trying {options.sample} of {len(faults)} faults, seed {seed}", flush=True)
+        outcomes = run_sample(trial, faults, options.sample, seed)
+    survived = summarize(outcomes, skipped)
+    dropped = sum(outcome.result == DROPPED for outcome in outcomes)
+    print(
+        f"{dropped} more did not compile. {prepared - begin:.0f} s to build, "
+        f"{time.monotonic() - prepared:.0f} s to try. All outcomes: build/mutants/outcomes.txt"
+    )
+    return 1 if survived or stale else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

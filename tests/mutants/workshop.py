@@ -1,0 +1,201 @@
+"""A copy of the tree with a build of its own, in which faults are tried."""
+
+import json
+import os
+import re
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+from dataclasses import dataclass, field
+from pathlib import Path
+
+_FLAGS = (
+    "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_COMPILER=clang++", "-DCMAKE_UNITY_BUILD=OFF",
+    "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld",
+)  # fmt: skip
+# Warnings are no concern here: a fault that only a warning shows is still a fault.
+_QUICK = ("-DCMAKE_CXX_FLAGS=-O0 -w -D_GLIBCXX_ASSERTIONS",)
+_SANITIZED = ("-DCMAKE_CXX_FLAGS=-O0 -g1 -w", "-DTESSAREL_SANITIZE=ON")
+_MEMORY_LIMIT = 4 << 20  # KiB: a loop without an end is not to take the machine with it
+_LEAST_TIME = 10.0
+
+
+@dataclass
+class Suite:
+    """A test program, or a check, as CTest would run it."""
+
+    name: str
+    command: list[str]
+    environment: dict[str, str]
+    fails_on: list[str]
+    folder: str
+    duration: float = 0  # without a fault
+    tests: dict[str, tuple[str, float]] = field(default_factory=dict)  # the file and duration of each
+
+    @property
+    def is_program(self) -> bool:
+        """Whether it is a test program, which takes the options of such, and no script."""
+        return len(self.command) == 1
+
+
+class Workshop:
+    def __init__(self, checkout: Path, place: Path, sanitized: bool = False):
+        self._checkout = checkout
+        self.tree = place / "tree"
+        self._build = place / "build"
+        self._scratch = place / "tmp"
+        self._sanitized = sanitized
+        self._changed: Path | None = None
+        self._environment = {
+            **os.environ,
+            "CCACHE_BASEDIR": str(place),
+            "CCACHE_NOHASHDIR": "1",
+            "QT_QPA_PLATFORM": "offscreen",
+            "TMPDIR": str(self._scratch),
+            "GTEST_FAIL_FAST": "1",
+            "GTEST_BRIEF": "1",
+        }
+
+    def prepare(self, targets: list[str]) -> None:
+        """Makes the copy equal to the checkout and builds the targets. Exits when they do not build."""
+        shutil.rmtree(self._scratch, ignore_errors=True)
+        for folder in (self.tree, self._build, self._scratch):
+            folder.mkdir(parents=True, exist_ok=True)
+        self._copy_checkout()
+        flags = _SANITIZED if self._sanitized else _QUICK
+        self._run_or_exit(["cmake", "-S", str(self.tree), "-B", str(self._build), *_FLAGS, *flags])
+        self._run_or_exit(["ninja", "-C", str(self._build), *targets])
+
+    def suites(self, names: list[str]) -> dict[str, Suite]:
+        listed = self._run_or_exit(["ctest", "--test-dir", str(self._build), "--show-only=json-v1"])
+        suites = {}
+        for entry in json.loads(listed)["tests"]:
+            if entry["name"] in names and "command" in entry:
+                properties = {each["name"]: each["value"] for each in entry["properties"]}
+                environment = dict(each.split("=", 1) for each in properties.get("ENVIRONMENT", []))
+                fails_on = properties.get("FAIL_REGULAR_EXPRESSION", [])
+                folder = properties.get("WORKING_DIRECTORY", str(self._build))
+                suites[entry["name"]] = Suite(entry["name"], entry["command"], environment, fails_on, folder)
+        return suites
+
+    def measure(self, suite: Suite) -> None:
+        """Runs the suite without a fault. Exits when it fails."""
+        report = self._scratch / "report.json"
+        begin = time.monotonic()
+        output = self._failure(suite, [f"--gtest_output=json:{report}"], limit=None)
+        suite.duration = time.monotonic() - begin
+        if output is not None:
+            raise SystemExit(f"{suite.name} fails without any fault:\n{output[-4000:]}")
+        if report.exists():
+            for group in json.loads(report.read_text())["testsuites"]:
+                for test in group["testsuite"]:
+                    name = f"{group['name']}.{test['name']}"
+                    suite.tests[name] = Path(test["file"]).name, float(test["time"].rstrip("s"))
+            report.unlink()
+
+    def change(self, path: str, text: str) -> None:
+        """Writes a source of the copy, after undoing the last change of another one."""
+        changed = self.tree / path
+        if self._changed not in (None, changed):
+            self.restore()
+        changed.write_text(text)
+        # Only the right object of the last source is worth a look into the compiler's cache.
+        if self._changed == changed:
+            self._environment["CCACHE_DISABLE"] = "1"
+        else:
+            self._environment.pop("CCACHE_DISABLE", None)
+        self._changed = changed
+
+    def restore(self) -> None:
+        if self._changed:
+            shutil.copyfile(self._checkout / self._changed.relative_to(self.tree), self._changed)
+            self._changed = None
+
+    def builds(self, targets: list[str]) -> bool:
+        return self._run(["ninja", "-C", str(self._build), *targets]).returncode == 0
+
+    def notices(self, suite: Suite, source: str) -> bool:
+        """Returns whether the suite fails, the tests of the changed source first."""
+        stem = re.escape(Path(source).stem)
+        near = [name for name, (file, _) in suite.tests.items() if re.search(rf"(^|_){stem}(_|\.)", file)]
+        if near:
+            limit = sum(suite.tests[name][1] for name in near)
+            if self._failure(suite, ["--gtest_filter=" + ":".join(near)], limit) is not None:
+                return True
+        arguments = ["--gtest_filter=-" + ":".join(near)] if near else []
+        return self._failure(suite, arguments, suite.duration) is not None
+
+    def apply(self, patch: Path) -> bool:
+        return self._run(["git", "apply", "--whitespace=nowarn", str(patch)], cwd=self.tree).returncode == 0
+
+    def synchronize(self) -> None:
+        self._copy_checkout()
+
+    def _failure(self, suite: Suite, arguments: list[str], limit: float | None) -> str | None:
+        """Runs a suite. Returns its output when it fails or takes far longer than `limit` seconds."""
+        memory = "unlimited" if self._sanitized else str(_MEMORY_LIMIT)
+        limited = ["bash", "-c", f'ulimit -c 0 -v {memory}; exec "$@"', "bash"]
+        command = limited + suite.command + (arguments if suite.is_program else [])
+        patience = None if limit is None else max(_LEAST_TIME, 5 * limit)
+        with tempfile.TemporaryFile(dir=self._scratch) as output:
+            process = subprocess.Popen(
+                command,
+                cwd=suite.folder,
+                env={**self._environment, **suite.environment},
+                stdin=subprocess.DEVNULL,
+                stdout=output,
+                stderr=subprocess.STDOUT,
+                start_new_session=True,
+            )
+            try:
+                failed = process.wait(patience) != 0
+            except subprocess.TimeoutExpired:
+                failed = True
+            finally:
+                _end_group(process)
+            output.seek(0)
+            text = output.read().decode(errors="replace")
+        failed = failed or any(re.search(expression, text) for expression in suite.fails_on)
+        return text if failed else None
+
+    def _copy_checkout(self) -> None:
+        """Copies what git would see of the checkout, and only files that differ: their times count."""
+        listed = subprocess.run(
+            ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
+            cwd=self._checkout,
+            capture_output=True,
+            check=True,
+        )
+        wanted = {Path(os.fsdecode(name)) for name in listed.stdout.split(b"\0") if name}
+        wanted = {path for path in wanted if (self._checkout / path).is_file()}
+        for path in list(self.tree.rglob("*")):
+            if path.is_file() and path.relative_to(self.tree) not in wanted:
+                path.unlink()
+        for path in wanted:
+            source, copy = self._checkout / path, self.tree / path
+            if not copy.exists() or copy.read_bytes() != source.read_bytes():
+                copy.parent.mkdir(parents=True, exist_ok=True)
+                shutil.copy(source, copy)
+        self._changed = None
+
+    def _run(self, command: list[str], cwd: Path | None = None) -> subprocess.CompletedProcess:
+        # The copy is below the checkout, whose repository is none of its business.
+        environment = {**self._environment, "GIT_CEILING_DIRECTORIES": str(self.tree.parent)}
+        return subprocess.run(command, cwd=cwd, env=environment, text=True, capture_output=True)
+
+    def _run_or_exit(self, command: list[str]) -> str:
+        done = self._run(command)
+        if done.returncode != 0:
+            raise SystemExit(f"{' '.join(command)} failed:\n{(done.stdout + done.stderr)[-4000:]}")
+        return done.stdout
+
+
+def _end_group(process: subprocess.Popen) -> None:
+    """Ends what a test program has left running."""
+    try:
+        os.killpg(process.pid, signal.SIGKILL)
+    except ProcessLookupError:
+        pass
+    process.wait()
