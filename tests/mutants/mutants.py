@@ -13,7 +13,7 @@ from dataclasses import dataclass
 from pathlib import Path
 
 from faults import Fault, accepted_faults, faults_of
-from workshop import Suite, Workshop
+from workshop import Measure, Workshop
 
 HERE = Path(__file__).resolve().parent
 CHECKOUT = HERE.parent.parent
@@ -56,7 +56,7 @@ class Trial:
     def __init__(self, jobs: int, folders: list[str]):
         self._targets = {name: list(FOLDERS[name].suites) for name in folders}
         self._workshops = [Workshop(CHECKOUT, PLACE / f"job-{number}") for number in range(jobs)]
-        self._suites: dict[str, Suite] = {}
+        self._measured: dict[str, Measure] = {}
         self._lock = threading.Lock()
 
     def prepare(self) -> None:
@@ -64,9 +64,7 @@ class Trial:
         for number, workshop in enumerate(self._workshops, 1):
             print(f"Building {', '.join(names)} ({number} of {len(self._workshops)})", flush=True)
             workshop.prepare(names)
-        self._suites = self._workshops[0].suites(names)
-        for suite in self._suites.values():
-            self._workshops[0].measure(suite)
+        self._measured = {name: self._workshops[0].measure(name) for name in names}
 
     def run(self, chosen: list[tuple[str, Fault]]) -> list[Outcome]:
         by_file: dict[str, list[tuple[str, Fault]]] = {}
@@ -105,7 +103,7 @@ class Trial:
         for name in self._targets[folder]:
             if not workshop.builds([name]):
                 return Outcome(folder, fault, DROPPED)
-            if workshop.notices(self._suites[name], fault.path):
+            if workshop.notices(name, self._measured[name], fault.path):
                 return Outcome(folder, fault, KILLED, name)
         return Outcome(folder, fault, SURVIVED)
 
@@ -131,26 +129,24 @@ def try_patches() -> int:
     workshop = Workshop(CHECKOUT, PLACE / "patches", sanitized=True)
     print(f"Building {', '.join(MACOS_SUITES)} with the sanitizers", flush=True)
     workshop.prepare(list(MACOS_SUITES))
-    suites = workshop.suites([*MACOS_SUITES, *checks])
-    for suite in suites.values():
-        workshop.measure(suite)
+    measured = {name: workshop.measure(name) for name in (*MACOS_SUITES, *checks)}
     unnoticed = 0
     for patch in sorted((HERE / "patches").glob("*.patch")):
-        result = _try_patch(workshop, patch, [suites[name] for name in (*MACOS_SUITES, *checks)])
+        result = _try_patch(workshop, patch, measured)
         workshop.synchronize()
         unnoticed += not result.startswith("killed")
         print(f"{patch.stem}: {result}", flush=True)
     return unnoticed
 
 
-def _try_patch(workshop: Workshop, patch: Path, suites: list[Suite]) -> str:
+def _try_patch(workshop: Workshop, patch: Path, measured: dict[str, Measure]) -> str:
     if not workshop.apply(patch):
         return "does not apply any more"
     if not workshop.builds(list(MACOS_SUITES)):
         return "does not compile"
-    for suite in suites:
-        if workshop.notices(suite, ""):
-            return f"killed by {suite.name}"
+    for name in measured:
+        if workshop.notices(name, measured[name], ""):
+            return f"killed by {name}"
     return "survived"
 
 

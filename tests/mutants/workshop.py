@@ -1,6 +1,7 @@
 """A copy of the tree with a build of its own, in which faults are tried."""
 
 import json
+import math
 import os
 import re
 import shutil
@@ -19,25 +20,40 @@ _FLAGS = (
 _QUICK = ("-DCMAKE_CXX_FLAGS=-O0 -w -D_GLIBCXX_ASSERTIONS",)
 _SANITIZED = ("-DCMAKE_CXX_FLAGS=-O0 -g1 -w", "-DTESSAREL_SANITIZE=ON")
 _MEMORY_LIMIT = 4 << 20  # KiB: a loop without an end is not to take the machine with it
-_LEAST_TIME = 10.0
+_LEAST_TIME = 5  # seconds of the processor
+_PATIENCE = 60.0  # for what waits instead
+_SLOW = 0.5  # seconds that make a test a slow one
 
 
-@dataclass
+@dataclass(frozen=True)
 class Suite:
     """A test program, or a check, as CTest would run it."""
 
-    name: str
     command: list[str]
     environment: dict[str, str]
     fails_on: list[str]
     folder: str
-    duration: float = 0  # without a fault
-    tests: dict[str, tuple[str, float]] = field(default_factory=dict)  # the file and duration of each
 
     @property
     def is_program(self) -> bool:
         """Whether it is a test program, which takes the options of such, and no script."""
         return len(self.command) == 1
+
+
+@dataclass
+class Measure:
+    """How long a suite takes without a fault."""
+
+    duration: float
+    tests: dict[str, tuple[str, float]] = field(default_factory=dict)  # the file and duration of each
+
+    def stages(self, source: str) -> list[list[str]]:
+        """Returns the tests as they are best run to find a fault of the source."""
+        near = re.compile(rf"(^|_){re.escape(Path(source).stem)}(_|\.)")
+        stages: list[list[str]] = [[], [], []]
+        for name, (file, duration) in self.tests.items():
+            stages[0 if near.search(file) else 1 if duration < _SLOW else 2].append(name)
+        return [stage for stage in stages if stage]
 
 
 class Workshop:
@@ -48,6 +64,7 @@ class Workshop:
         self._scratch = place / "tmp"
         self._sanitized = sanitized
         self._changed: Path | None = None
+        self._suites: dict[str, Suite] = {}
         self._environment = {
             **os.environ,
             "CCACHE_BASEDIR": str(place),
@@ -67,33 +84,23 @@ class Workshop:
         flags = _SANITIZED if self._sanitized else _QUICK
         self._run_or_exit(["cmake", "-S", str(self.tree), "-B", str(self._build), *_FLAGS, *flags])
         self._run_or_exit(["ninja", "-C", str(self._build), *targets])
+        self._find_suites()
 
-    def suites(self, names: list[str]) -> dict[str, Suite]:
-        listed = self._run_or_exit(["ctest", "--test-dir", str(self._build), "--show-only=json-v1"])
-        suites = {}
-        for entry in json.loads(listed)["tests"]:
-            if entry["name"] in names and "command" in entry:
-                properties = {each["name"]: each["value"] for each in entry["properties"]}
-                environment = dict(each.split("=", 1) for each in properties.get("ENVIRONMENT", []))
-                fails_on = properties.get("FAIL_REGULAR_EXPRESSION", [])
-                folder = properties.get("WORKING_DIRECTORY", str(self._build))
-                suites[entry["name"]] = Suite(entry["name"], entry["command"], environment, fails_on, folder)
-        return suites
-
-    def measure(self, suite: Suite) -> None:
+    def measure(self, name: str) -> Measure:
         """Runs the suite without a fault. Exits when it fails."""
         report = self._scratch / "report.json"
         begin = time.monotonic()
-        output = self._failure(suite, [f"--gtest_output=json:{report}"], limit=None)
-        suite.duration = time.monotonic() - begin
+        output = self._failure(name, [f"--gtest_output=json:{report}"], limit=None)
+        measured = Measure(time.monotonic() - begin)
         if output is not None:
-            raise SystemExit(f"{suite.name} fails without any fault:\n{output[-4000:]}")
+            raise SystemExit(f"{name} fails without any fault:\n{output[-4000:]}")
         if report.exists():
             for group in json.loads(report.read_text())["testsuites"]:
                 for test in group["testsuite"]:
-                    name = f"{group['name']}.{test['name']}"
-                    suite.tests[name] = Path(test["file"]).name, float(test["time"].rstrip("s"))
+                    test_name = f"{group['name']}.{test['name']}"
+                    measured.tests[test_name] = Path(test["file"]).name, float(test["time"].rstrip("s"))
             report.unlink()
+        return measured
 
     def change(self, path: str, text: str) -> None:
         """Writes a source of the copy, after undoing the last change of another one."""
@@ -116,16 +123,13 @@ class Workshop:
     def builds(self, targets: list[str]) -> bool:
         return self._run(["ninja", "-C", str(self._build), *targets]).returncode == 0
 
-    def notices(self, suite: Suite, source: str) -> bool:
-        """Returns whether the suite fails, the tests of the changed source first."""
-        stem = re.escape(Path(source).stem)
-        near = [name for name, (file, _) in suite.tests.items() if re.search(rf"(^|_){stem}(_|\.)", file)]
-        if near:
-            limit = sum(suite.tests[name][1] for name in near)
-            if self._failure(suite, ["--gtest_filter=" + ":".join(near)], limit) is not None:
+    def notices(self, name: str, measured: Measure, source: str) -> bool:
+        """Returns whether the suite fails: first the tests of the changed source, and those that are slow last."""
+        for tests in measured.stages(source):
+            arguments = ["--gtest_filter=" + ":".join(tests)]
+            if self._failure(name, arguments, sum(measured.tests[test][1] for test in tests)) is not None:
                 return True
-        arguments = ["--gtest_filter=-" + ":".join(near)] if near else []
-        return self._failure(suite, arguments, suite.duration) is not None
+        return not measured.tests and self._failure(name, [], measured.duration) is not None
 
     def apply(self, patch: Path) -> bool:
         return self._run(["git", "apply", "--whitespace=nowarn", str(patch)], cwd=self.tree).returncode == 0
@@ -133,12 +137,28 @@ class Workshop:
     def synchronize(self) -> None:
         self._copy_checkout()
 
-    def _failure(self, suite: Suite, arguments: list[str], limit: float | None) -> str | None:
-        """Runs a suite. Returns its output when it fails or takes far longer than `limit` seconds."""
+    def _find_suites(self) -> None:
+        listed = self._run_or_exit(["ctest", "--test-dir", str(self._build), "--show-only=json-v1"])
+        for entry in json.loads(listed)["tests"]:
+            properties = {each["name"]: each["value"] for each in entry["properties"]}
+            self._suites[entry["name"]] = Suite(
+                entry.get("command", []),
+                dict(each.split("=", 1) for each in properties.get("ENVIRONMENT", [])),
+                properties.get("FAIL_REGULAR_EXPRESSION", []),
+                properties.get("WORKING_DIRECTORY", str(self._build)),
+            )
+
+    def _failure(self, name: str, arguments: list[str], limit: float | None) -> str | None:
+        """Runs a suite. Returns its output when it fails or takes far longer than `limit` seconds.
+
+        What counts is the processor's time, since the machine may be busy with something else.
+        """
+        suite = self._suites[name]
         memory = "unlimited" if self._sanitized else str(_MEMORY_LIMIT)
-        limited = ["bash", "-c", f'ulimit -c 0 -v {memory}; exec "$@"', "bash"]
+        seconds = "unlimited" if limit is None else str(math.ceil(max(_LEAST_TIME, 5 * limit)))
+        limited = ["bash", "-c", f'ulimit -c 0 -v {memory} -t {seconds}; exec "$@"', "bash"]
         command = limited + suite.command + (arguments if suite.is_program else [])
-        patience = None if limit is None else max(_LEAST_TIME, 5 * limit)
+        patience = None if limit is None else _PATIENCE + 10 * limit
         with tempfile.TemporaryFile(dir=self._scratch) as output:
             process = subprocess.Popen(
                 command,
