@@ -18,7 +18,7 @@ inline constexpr std::uint64_t kOption = 1U << 19U;
 inline constexpr std::uint64_t kCommand = 1U << 20U;
 } // namespace modifier_flag
 
-/// What the user has done with the left button of the mouse.
+/// What the user has done with the left button of the mouse, or with the modifier keys while it is held.
 struct MouseEvent {
     MouseEventKind kind = MouseEventKind::LeftDown;
     /// The pointer, in screen coordinates: origin at the bottom-left corner of the primary display, y up.
@@ -37,9 +37,12 @@ public:
     /// until the answer ends. Null when the system refuses.
     ///
     /// Pointer and modifiers are those of the moment at which the event is delivered. Several movements may
-    /// come as one, and a click that is over at once may not be reported at all. A release follows every
-    /// press that has been delivered, even when another program has swallowed it, at the latest with the next
-    /// event of the mouse; two presses may come without one when that cannot be told.
+    /// come as one, and a click that is over at once may not be reported at all. A modifier key that goes
+    /// down or up between a press and its release counts as a movement, at the place where the pointer rests,
+    /// and is delivered before the release. It may be missed while a program has made the keyboard private,
+    /// as for a password; then the next movement brings it. A release follows every press that has been
+    /// delivered, even when another program has swallowed it, at the latest with the next event of the mouse;
+    /// two presses may come without one when that cannot be told.
     [[nodiscard]] virtual SubscriptionPtr
     addGlobalMonitor(MouseEventKind kind, std::function<void(const MouseEvent&)> handler) = 0;
 };

@@ -91,6 +91,56 @@ TEST_F(MouseContract, ModifiersAreReportedAsTheyAreHeld) {
     }
 }
 
+TEST_F(MouseContract, AChangeOfTheModifiersUnderARestingPointerIsAMovement) {
+    const auto monitors = watchAll();
+    press();
+    for (const std::uint64_t flags : {modifier_flag::kShift, modifier_flag::kShift | modifier_flag::kCommand,
+                                      modifier_flag::kCommand, std::uint64_t{0}})
+        desktop->holdModifiers(flags);
+    release();
+
+    EXPECT_EQ(events, (Events{{LeftDown, {500, 500}, 0},
+                              {LeftDragged, {500, 500}, modifier_flag::kShift},
+                              {LeftDragged, {500, 500}, modifier_flag::kShift | modifier_flag::kCommand},
+                              {LeftDragged, {500, 500}, modifier_flag::kCommand},
+                              {LeftDragged, {500, 500}, 0},
+                              {LeftUp, {500, 500}, 0}}));
+}
+
+TEST_F(MouseContract, AChangeOfTheModifiersWithoutAButtonIsNoMovement) {
+    const auto monitors = watch(LeftDragged);
+
+    desktop->holdModifiers(modifier_flag::kShift);
+    press();
+    release();
+    desktop->holdModifiers(0);
+    press();
+    release();
+
+    EXPECT_EQ(events, Events{});
+}
+
+TEST_F(MouseContract, AKeyThatIsNoModifierIsNoMovement) {
+    constexpr std::uint32_t kKeyA = 0;
+    const auto monitors = watch(LeftDragged);
+    press();
+
+    desktop->pressKeys(kKeyA, 0);
+    desktop->settle();
+
+    EXPECT_EQ(events, Events{});
+}
+
+TEST_F(MouseContract, AfterTheEndOfAMonitorOfMovementsAChangeOfTheModifiersIsNotReported) {
+    auto monitor = watch(LeftDragged);
+    press();
+
+    monitor.reset();
+    desktop->holdModifiers(modifier_flag::kShift);
+
+    EXPECT_EQ(events, Events{});
+}
+
 TEST_F(MouseContract, AMonitorHearsOfItsOwnKindOnly) {
     for (const auto kind : {LeftDown, LeftDragged, LeftUp}) {
         events.clear();

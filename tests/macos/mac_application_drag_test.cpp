@@ -31,7 +31,7 @@ TEST_F(MacApplicationDragTest, WithShiftTheZonesAreShownUntilTheWindowIsInOne) {
     press();
     EXPECT_EQ(overlay(), nullptr);
 
-    fakemac::mac().modifierFlags = kShiftFlag;
+    fakemac::holdModifiers(kShiftFlag);
     drag({100, 100});
     ASSERT_NE(overlay(), nullptr);
     EXPECT_EQ(overlay()->geometry(), QRect(0, 0, 1440, 900));
@@ -43,7 +43,7 @@ TEST_F(MacApplicationDragTest, WithShiftTheZonesAreShownUntilTheWindowIsInOne) {
 
 TEST_F(MacApplicationDragTest, TheZoneUnderThePointerStandsOut) {
     press();
-    fakemac::mac().modifierFlags = kShiftFlag;
+    fakemac::holdModifiers(kShiftFlag);
     drag({100, 100});
 
     ASSERT_NE(overlay(), nullptr);
@@ -57,7 +57,7 @@ TEST_F(MacApplicationDragTest, TheZoneUnderThePointerStandsOut) {
 TEST_F(MacApplicationDragTest, TheZonesHaveTheUsersAccentColour) {
     fakemac::mac().accent = {1, 0, 0};
     press();
-    fakemac::mac().modifierFlags = kShiftFlag;
+    fakemac::holdModifiers(kShiftFlag);
     drag({100, 100});
 
     ASSERT_NE(overlay(), nullptr);
@@ -68,7 +68,7 @@ TEST_F(MacApplicationDragTest, TheZonesHaveTheUsersAccentColour) {
 
 TEST_F(MacApplicationDragTest, WithoutSuchAColourTheyAreBlue) {
     press();
-    fakemac::mac().modifierFlags = kShiftFlag;
+    fakemac::holdModifiers(kShiftFlag);
     drag({100, 100});
 
     ASSERT_NE(overlay(), nullptr);
@@ -77,7 +77,7 @@ TEST_F(MacApplicationDragTest, WithoutSuchAColourTheyAreBlue) {
 
 TEST_F(MacApplicationDragTest, TheOverlayIsAboveStatusItemsOnEverySpaceAndOutOfReach) {
     press();
-    fakemac::mac().modifierFlags = kShiftFlag;
+    fakemac::holdModifiers(kShiftFlag);
     drag({100, 100});
 
     EXPECT_EQ(overlayView->window(),
@@ -87,7 +87,7 @@ TEST_F(MacApplicationDragTest, TheOverlayIsAboveStatusItemsOnEverySpaceAndOutOfR
 
 TEST_F(MacApplicationDragTest, TheOverlayFollowsThePointerToTheOtherDisplay) {
     press();
-    fakemac::mac().modifierFlags = kShiftFlag;
+    fakemac::holdModifiers(kShiftFlag);
     drag({100, 100});
     drag({1500, 300});
 
@@ -107,9 +107,24 @@ TEST_F(MacApplicationDragTest, WithoutShiftNothingIsShownAndTheWindowStaysWhereI
     EXPECT_EQ(frameOf(window), (Rect{-100, 90, 500, 400}));
 }
 
+TEST_F(MacApplicationDragTest, ZonesAppearAndVanishUnderARestingPointer) {
+    press();
+    drag({100, 100});
+    EXPECT_EQ(overlay(), nullptr);
+
+    fakemac::holdModifiers(kShiftFlag);
+    EXPECT_NE(overlay(), nullptr);
+    fakemac::holdModifiers(0);
+    EXPECT_EQ(overlay(), nullptr);
+    fakemac::releaseLeftButton();
+    drain();
+
+    EXPECT_EQ(frameOf(window), (Rect{-100, 90, 500, 400}));
+}
+
 TEST_F(MacApplicationDragTest, AWindowThatIsClosedDuringItsDragTakesTheZonesWithIt) {
     press();
-    fakemac::mac().modifierFlags = kShiftFlag;
+    fakemac::holdModifiers(kShiftFlag);
     drag({100, 100});
     ASSERT_NE(overlay(), nullptr);
 
@@ -120,7 +135,7 @@ TEST_F(MacApplicationDragTest, AWindowThatIsClosedDuringItsDragTakesTheZonesWith
 
 TEST_F(MacApplicationDragTest, TheProgramMayEndInTheMiddleOfADrag) {
     press();
-    fakemac::mac().modifierFlags = kShiftFlag;
+    fakemac::holdModifiers(kShiftFlag);
     drag({100, 100});
 
     program.reset();

@@ -131,7 +131,7 @@ public:
     void movePointer(const Point& axPoint) override { fakemac::movePointer(axPoint); }
     void pressLeftButton() override { fakemac::pressLeftButton(); }
     void releaseLeftButton() override { fakemac::releaseLeftButton(); }
-    void holdModifiers(std::uint64_t modifierFlags) override { fakemac::mac().modifierFlags = modifierFlags; }
+    void holdModifiers(std::uint64_t modifierFlags) override { fakemac::holdModifiers(modifierFlags); }
     [[nodiscard]] bool hotKeysAreExclusive() const override { return false; }
     SubscriptionPtr holdByAnotherProgram(std::uint32_t keyCode, std::uint32_t mods) override {
         fakemac::claimForAnotherProgram(keyCode, mods);

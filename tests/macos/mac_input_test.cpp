@@ -109,6 +109,60 @@ TEST_F(MacMouseTest, EachMonitorIsRemovedWithItsSubscription) {
     EXPECT_EQ(fakemac::globalMonitors(), 1U);
 }
 
+TEST_F(MacMouseTest, TheRightButtonIsNotTheLeftOne) {
+    int events = 0;
+    std::vector<SubscriptionPtr> monitors;
+    for (const auto kind : {MouseEventKind::LeftDown, MouseEventKind::LeftDragged, MouseEventKind::LeftUp})
+        monitors.push_back(desktop->mouse.addGlobalMonitor(kind, [&](const MouseEvent&) { ++events; }));
+
+    fakemac::pressRightButton();
+    fakemac::movePointer({10, 10});
+    fakemac::holdModifiers(kShiftFlag);
+    fakemac::releaseRightButton();
+
+    EXPECT_EQ(events, 0);
+}
+
+TEST_F(MacMouseTest, ModifiersAreReportedWhenThePermissionIsGivenLater) {
+    fakemac::mac().trusted = false;
+    int movements = 0;
+    const auto monitor =
+        desktop->mouse.addGlobalMonitor(MouseEventKind::LeftDragged, [&](const MouseEvent&) { ++movements; });
+    fakemac::mac().trusted = true;
+
+    fakemac::pressLeftButton();
+    fakemac::holdModifiers(kShiftFlag);
+    fakemac::releaseLeftButton();
+
+    EXPECT_EQ(movements, 1);
+}
+
+TEST_F(MacMouseTest, ModifiersAreReportedWhileAWindowOfOursHasTheKeyboard) {
+    fakemac::launch(fakemac::mac().ownPid, {});
+    fakemac::focus(fakemac::openWindow({.pid = fakemac::mac().ownPid, .axFrame = {500, 500, 400, 300}}));
+    int movements = 0;
+    const auto monitor =
+        desktop->mouse.addGlobalMonitor(MouseEventKind::LeftDragged, [&](const MouseEvent&) { ++movements; });
+
+    fakemac::pressLeftButton();
+    fakemac::holdModifiers(kCommandFlag);
+    fakemac::releaseLeftButton();
+
+    EXPECT_EQ(movements, 1);
+}
+
+TEST_F(MacMouseTest, KeysAreWatchedOnlyWhileTheButtonIsHeld) {
+    const auto monitor =
+        desktop->mouse.addGlobalMonitor(MouseEventKind::LeftDragged, [](const MouseEvent&) {});
+    EXPECT_EQ(fakemac::heldObjects(), Lines{"1 event monitors"});
+
+    fakemac::pressLeftButton();
+    EXPECT_EQ(fakemac::heldObjects(), Lines{"3 event monitors"});
+    fakemac::releaseLeftButton();
+
+    EXPECT_EQ(fakemac::heldObjects(), Lines{"1 event monitors"});
+}
+
 TEST_F(MacMouseTest, NoExceptionLeavesAMonitor) {
     const auto monitor = desktop->mouse.addGlobalMonitor(
         MouseEventKind::LeftDown, [](const MouseEvent&) { throw std::runtime_error("of a test"); });

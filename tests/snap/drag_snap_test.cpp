@@ -117,15 +117,50 @@ TEST_F(DragSnapTest, LettingGoOfTheTriggerBeforeTheReleaseLeavesTheWindowWhereIt
     EXPECT_THAT(desktop.takeWrites(), IsEmpty());
 }
 
-TEST_F(DragSnapTest, LettingGoOfTheTriggerWithoutAFurtherMovementStillSnaps) {
+TEST_F(DragSnapTest, LettingGoOfTheTriggerUnderARestingPointerLeavesTheWindowWhereItIs) {
     mouse.hold(kShift);
     grab(window);
     dragTo({1000, 500});
-    mouse.hold(0);
+    const Rect dropped = desktop.frame(window);
 
+    mouse.hold(0);
+    EXPECT_FALSE(picture.isVisible);
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), dropped);
+    EXPECT_TRUE(settings.appZones.empty());
+    EXPECT_THAT(desktop.takeWrites(), IsEmpty());
+}
+
+TEST_F(DragSnapTest, LettingGoOfTheTriggerAfterTheReleaseStillSnaps) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    mouse.release();
+    mouse.hold(0);
+    desktop.advance(30ms);
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(DragSnapTest, TheTriggerPressedUnderARestingPointerShowsTheZonesAndSnaps) {
+    grab(window);
+    dragTo({1000, 500});
+    EXPECT_FALSE(picture.isVisible);
+
+    mouse.hold(kShift);
+    EXPECT_EQ(labels(), "1[2]");
     drop();
 
     EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(DragSnapTest, TheTriggerAloneDoesNotShowZonesForAWindowThatHasNotMoved) {
+    grab(window);
+    desktop.advance(30ms);
+    mouse.hold(kShift);
+
+    EXPECT_FALSE(picture.isVisible);
 }
 
 TEST_F(DragSnapTest, TheTriggerMayBePressedInTheMiddleOfADrag) {

@@ -1,9 +1,7 @@
 #include "platform/macos/local_keys.h"
 
-#include "platform/macos/callback_edge.h"
-#include "platform/macos/refs.h"
+#include "platform/macos/event_monitor.h"
 
-#import <AppKit/AppKit.h>
 #include <utility>
 
 namespace tessarel::macos {
@@ -20,21 +18,13 @@ public:
     Monitor() = default;
     Monitor(const Monitor&) = delete;
     Monitor& operator=(const Monitor&) = delete;
-    ~Monitor() {
-        @autoreleasepool {
-            if (m_monitor)
-                [NSEvent removeMonitor:m_monitor.get()];
-        }
-    }
+    ~Monitor() = default;
 
     void start() {
-        const std::weak_ptr<Monitor> self = weak_from_this();
-        m_monitor = ObjcRef<id>::share([NSEvent
-            addLocalMonitorForEventsMatchingMask:NSEventMaskKeyDown
-                                         handler:^NSEvent*(NSEvent* event) {
-                                           const auto monitor = self.lock();
-                                           return monitor && monitor->consumes(event) ? nil : event;
-                                         }]);
+        m_monitor = monitorOwnEvents(NSEventMaskKeyDown, [weak = weak_from_this()](NSEvent* event) {
+            const auto self = weak.lock();
+            return self && self->consumes(event);
+        });
     }
 
     [[nodiscard]] SubscriptionPtr add(Handler handler);
@@ -49,15 +39,11 @@ public:
 
 private:
     [[nodiscard]] bool consumes(NSEvent* event) {
-        bool consumed = true;
-        atCallbackEdge([&] {
-            consumed = [event isARepeat] || ask({[event keyCode], [event modifierFlags] & kModifiers});
-        });
-        return consumed;
+        return [event isARepeat] || ask({[event keyCode], [event modifierFlags] & kModifiers});
     }
 
     Callbacks<bool(const KeyDown&)> m_handlers;
-    ObjcRef<id> m_monitor;
+    SubscriptionPtr m_monitor;
 };
 
 SubscriptionPtr MacLocalKeys::Monitor::add(Handler handler) {

@@ -6,7 +6,7 @@
 
 namespace tessarel::macos {
 
-/// The mouse as AppKit's global monitors tell of it.
+/// The mouse, and the modifier keys during a drag, by AppKit's event monitors.
 class MacMouse : public MousePort {
 public:
     [[nodiscard]] SubscriptionPtr addGlobalMonitor(MouseEventKind kind,

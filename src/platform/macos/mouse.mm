@@ -1,9 +1,7 @@
 #include "platform/macos/mouse.h"
 
-#include "platform/macos/callback_edge.h"
-#include "platform/macos/refs.h"
+#include "platform/macos/event_monitor.h"
 
-#import <AppKit/AppKit.h>
 #include <memory>
 #include <utility>
 
@@ -13,53 +11,75 @@ namespace {
 
 using Handler = std::function<void(const MouseEvent&)>;
 
-NSEventMask maskOf(MouseEventKind kind) {
-    switch (kind) {
-    case MouseEventKind::LeftDown:
-        return NSEventMaskLeftMouseDown;
-    case MouseEventKind::LeftDragged:
-        return NSEventMaskLeftMouseDragged;
-    case MouseEventKind::LeftUp:
-        return NSEventMaskLeftMouseUp;
-    }
-    return 0;
-}
-
 void deliver(MouseEventKind kind, NSEvent* event, const Handler& handler) {
     const NSPoint location = [NSEvent mouseLocation];
     handler({kind, {location.x, location.y}, [event modifierFlags]});
 }
 
-/// Removes the system's monitor; the handler goes with it, unless it is being called.
-struct Monitor : Subscription {
-    Monitor(id systemMonitor, std::shared_ptr<const Handler> function)
-        : monitor(ObjcRef<id>::share(systemMonitor)), handler(std::move(function)) {}
-    ~Monitor() override {
-        @autoreleasepool {
-            [NSEvent removeMonitor:monitor.get()];
-        }
+/// Movements with the left button held, changes of the modifier keys included.
+///
+/// The keys are watched from each press to its release, not all the time: typing then wakes nobody, and a
+/// monitor of keys that was made without the permission might stay deaf when it is given.
+class DragMonitor : public Subscription {
+public:
+    explicit DragMonitor(Handler handler) : m_handler(std::make_shared<const Handler>(std::move(handler))) {}
+
+    [[nodiscard]] bool start() {
+        m_mouse = monitorOthersEvents(NSEventMaskLeftMouseDown | NSEventMaskLeftMouseDragged |
+                                          NSEventMaskLeftMouseUp,
+                                      [this](NSEvent* event) { receive(event); });
+        return m_mouse != nullptr;
     }
 
-    ObjcRef<id> monitor;
-    std::shared_ptr<const Handler> handler;
+private:
+    void receive(NSEvent* event) {
+        if ([event type] == NSEventTypeLeftMouseDown)
+            watchModifiers();
+        else if ([event type] == NSEventTypeLeftMouseUp)
+            ignoreModifiers();
+        else
+            deliverMovement(event);
+    }
+
+    /// A window of another program may be dragged while one of ours has the keyboard.
+    void watchModifiers() {
+        m_modifiers =
+            monitorOthersEvents(NSEventMaskFlagsChanged, [this](NSEvent* event) { deliverMovement(event); });
+        m_ownModifiers = monitorOwnEvents(NSEventMaskFlagsChanged, [this](NSEvent* event) {
+            deliverMovement(event);
+            return false;
+        });
+    }
+
+    void ignoreModifiers() {
+        m_modifiers.reset();
+        m_ownModifiers.reset();
+    }
+
+    void deliverMovement(NSEvent* event) {
+        const auto handler = m_handler; // which may see the end of us
+        deliver(MouseEventKind::LeftDragged, event, *handler);
+    }
+
+    std::shared_ptr<const Handler> m_handler;
+    SubscriptionPtr m_mouse;
+    SubscriptionPtr m_modifiers;    ///< while another program has the keyboard
+    SubscriptionPtr m_ownModifiers; ///< while we have
 };
+
+SubscriptionPtr monitorDrags(Handler handler) {
+    auto monitor = std::make_unique<DragMonitor>(std::move(handler));
+    return monitor->start() ? std::move(monitor) : nullptr;
+}
 
 } // namespace
 
 SubscriptionPtr MacMouse::addGlobalMonitor(MouseEventKind kind, Handler handler) {
-    @autoreleasepool {
-        auto shared = std::make_shared<const Handler>(std::move(handler));
-        const std::weak_ptr<const Handler> weak = shared;
-        id const monitor = [NSEvent
-            addGlobalMonitorForEventsMatchingMask:maskOf(kind)
-                                          handler:^(NSEvent* event) {
-                                            @autoreleasepool {
-                                                if (const auto present = weak.lock())
-                                                    atCallbackEdge([&] { deliver(kind, event, *present); });
-                                            }
-                                          }];
-        return monitor ? std::make_unique<Monitor>(monitor, std::move(shared)) : nullptr;
-    }
+    if (kind == MouseEventKind::LeftDragged)
+        return monitorDrags(std::move(handler));
+    return monitorOthersEvents(
+        kind == MouseEventKind::LeftDown ? NSEventMaskLeftMouseDown : NSEventMaskLeftMouseUp,
+        [kind, handler = std::move(handler)](NSEvent* event) { deliver(kind, event, handler); });
 }
 
 } // namespace tessarel::macos

@@ -6,6 +6,7 @@ set(MACOS_SOURCES
     displays.mm
     element_observer.mm
     elements.mm
+    event_monitor.mm
     hot_keys.mm
     local_keys.mm
     main_menu.mm

@@ -35,6 +35,11 @@ std::vector<MouseEventKind> SimMouse::monitored() const {
     return kinds;
 }
 
+void SimMouse::hold(std::uint64_t modifierFlags) {
+    if (std::exchange(m_modifierFlags, modifierFlags) != modifierFlags && m_isDown && m_isReported)
+        report(MouseEventKind::LeftDragged);
+}
+
 void SimMouse::moveTo(const Point& axPoint) {
     m_pointer = axPoint;
     moveHeldWindow();

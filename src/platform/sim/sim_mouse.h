@@ -35,7 +35,7 @@ public:
     [[nodiscard]] std::vector<MouseEventKind> monitored() const;
 
     /// The modifier keys that the user holds from now on.
-    void hold(std::uint64_t modifierFlags) { m_modifierFlags = modifierFlags; }
+    void hold(std::uint64_t modifierFlags);
 
     void moveTo(const Point& axPoint);
     /// The button goes down, also when it is down already: its release has been lost for good.

@@ -114,6 +114,8 @@ void X11Mouse::hear(const Connection::Event& event) {
 void X11Mouse::note(const RawMouseEvent& event) {
     if (event.kind == RawMouseKind::Motion)
         m_news.moved = true;
+    else if (event.kind == RawMouseKind::Key)
+        m_news.typed |= !m_news.heldReleased;
     else if (event.kind == RawMouseKind::Release)
         noteRelease(event.button);
     else if (event.button <= kLastOrdinaryButton)
@@ -178,7 +180,7 @@ void X11Mouse::takePress(const News& news, const xcb_query_pointer_reply_t& poin
     const bool isFirst = std::ranges::find(news.presses, 1U) != news.presses.end();
     m_held = isFirst ? 1U : news.presses.front();
     m_isOurs = isOverOwnWindow(pointer);
-    deliver(MouseEventKind::LeftDown, pointer);
+    deliver(MouseEventKind::LeftDown, rootPoint(pointer), modifierFlags(pointer.mask));
 }
 
 /// While another program holds the mouse back, a button that is down does not look so. It may also be up
@@ -199,29 +201,32 @@ void X11Mouse::follow(const News& news, const xcb_query_pointer_reply_t& pointer
         return;
     }
     const bool isPressedAgain = std::ranges::find(news.presses, *m_held) != news.presses.end();
+    // Without a key before the release they are as they were: what looks otherwise has changed since.
+    const ModifierFlags modifiers =
+        news.heldReleased && !news.typed ? m_lastModifiers : modifierFlags(pointer.mask);
     // A program may have put the pointer somewhere else, which is no movement of the mouse.
-    const bool hasMoved = news.moved || rootPoint(pointer) != m_lastPlace;
+    const bool hasMoved = news.moved || rootPoint(pointer) != m_lastPlace || modifiers != m_lastModifiers;
     // Where a lost release happened nobody knows: not here.
     if (hasMoved && !isPressedAgain && (isDown || news.heldReleased))
-        deliver(MouseEventKind::LeftDragged, pointer);
+        deliver(MouseEventKind::LeftDragged, rootPoint(pointer), modifiers);
     // A manager may hold the mouse back for a moment: then the button looks down though it is up.
     if (*self && (!isDown || news.heldReleased)) {
         m_held.reset();
         m_releaseIsNear = false;
-        deliver(MouseEventKind::LeftUp, pointer);
+        deliver(MouseEventKind::LeftUp, rootPoint(pointer), modifiers);
     }
     if (*self && isPressedAgain)
         takePress(news, pointer);
 }
 
-void X11Mouse::deliver(MouseEventKind kind, const xcb_query_pointer_reply_t& pointer) {
+void X11Mouse::deliver(MouseEventKind kind, const Point& rootPoint, ModifierFlags modifiers) {
     if (m_isOurs || m_monitors.all().empty())
         return;
-    const Point root = rootPoint(pointer);
-    m_lastPlace = root;
+    m_lastPlace = rootPoint;
+    m_lastModifiers = modifiers;
     const Rect primary = m_monitors.all().front().rootFrame;
-    const MouseEvent event{kind, screenFromRoot({root.x, root.y, 0, 0}, primary).origin(),
-                           modifierFlags(pointer.mask)};
+    const MouseEvent event{kind, screenFromRoot({rootPoint.x, rootPoint.y, 0, 0}, primary).origin(),
+                           modifiers};
     m_handlers[static_cast<std::size_t>(kind)].call(event);
 }
 

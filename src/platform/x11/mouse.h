@@ -20,10 +20,11 @@ namespace tessarel::x11 {
 
 /// The mouse by raw events, which come also while another program has grabbed it.
 ///
-/// At rest only presses are reported to us, so a moving mouse wakes nobody; movements and releases only
-/// between a press of the left button and its release. For all events that have been read together the server
-/// is asked once: pointer, buttons and modifiers are those of that moment. A release that was lost shows in
-/// the buttons. A click that is over before it could be looked at is not reported.
+/// At rest only presses are reported to us, so a moving mouse or a typing user wakes nobody; movements,
+/// releases and keys only between a press of the left button and its release. For all events that have been
+/// read together the server is asked once: pointer, buttons and modifiers are those of that moment, but a
+/// modifier key that goes after the button does not count. A release that was lost shows in the buttons. A
+/// click that is over before it could be looked at is not reported.
 class X11Mouse : public MousePort {
 public:
     /// All of them outlive the mouse.
@@ -45,8 +46,9 @@ private:
         std::vector<std::uint32_t> presses; ///< physical buttons
         bool heldReleased = false;
         bool moved = false;
+        bool typed = false; ///< before the held button was released
 
-        [[nodiscard]] bool any() const { return !presses.empty() || heldReleased || moved; }
+        [[nodiscard]] bool any() const { return !presses.empty() || heldReleased || moved || typed; }
     };
 
     void note(const RawMouseEvent& event);
@@ -59,7 +61,7 @@ private:
     void takePress(const News& news, const xcb_query_pointer_reply_t& pointer);
     void keepInMind(const std::vector<std::uint32_t>& presses);
     void follow(const News& news, const xcb_query_pointer_reply_t& pointer);
-    void deliver(MouseEventKind kind, const xcb_query_pointer_reply_t& pointer);
+    void deliver(MouseEventKind kind, const Point& rootPoint, ModifierFlags modifiers);
     [[nodiscard]] bool isOverOwnWindow(const xcb_query_pointer_reply_t& pointer);
     void updateSelection();
 
@@ -74,6 +76,7 @@ private:
     std::optional<std::uint32_t> m_held; ///< the physical button that is the left one, while it is down
     bool m_isOurs = false;               ///< it went down over a window of this program
     Point m_lastPlace;                   ///< of the pointer in the root window, at the last event
+    ModifierFlags m_lastModifiers = 0;   ///< at the last event
     bool m_releaseIsNear = false;        ///< its release has been read and not delivered yet
     News m_news;
     int m_looksLeft = 0;       ///< for a press that the buttons do not show yet

@@ -19,7 +19,8 @@ std::uint32_t eventMask(RawMouse::Selection selection) {
         return XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS;
     case RawMouse::Selection::Everything:
         return XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE |
-               XCB_INPUT_XI_EVENT_MASK_RAW_MOTION;
+               XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS |
+               XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
     }
     return 0;
 }
@@ -50,7 +51,7 @@ void RawMouse::select(Selection selection) {
 std::optional<RawMouseEvent> RawMouse::read(const Connection::Event& event) const {
     if (!m_opcode || event.response_type != XCB_GE_GENERIC)
         return std::nullopt;
-    const auto& raw = eventAs<xcb_input_raw_button_press_event_t>(event); // the three look the same
+    const auto& raw = eventAs<xcb_input_raw_button_press_event_t>(event); // they all look the same
     if (raw.extension != *m_opcode)
         return std::nullopt;
     switch (raw.event_type) {
@@ -60,6 +61,9 @@ std::optional<RawMouseEvent> RawMouse::read(const Connection::Event& event) cons
         return RawMouseEvent{RawMouseKind::Release, raw.detail};
     case XCB_INPUT_RAW_MOTION:
         return RawMouseEvent{RawMouseKind::Motion, 0};
+    case XCB_INPUT_RAW_KEY_PRESS:
+    case XCB_INPUT_RAW_KEY_RELEASE:
+        return RawMouseEvent{RawMouseKind::Key, 0};
     default:
         return std::nullopt;
     }

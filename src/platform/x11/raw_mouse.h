@@ -7,16 +7,16 @@
 
 namespace tessarel::x11 {
 
-enum class RawMouseKind { Press, Release, Motion };
+enum class RawMouseKind { Press, Release, Motion, Key };
 
-/// What the mouse has done, whatever window it was meant for and whoever has grabbed it. Neither the
-/// pointer's place nor modifiers are known.
+/// What the mouse has done, or that a key has gone down or up, whatever window it was meant for and whoever
+/// has grabbed it. Neither the pointer's place nor modifiers are known, nor which key it was.
 struct RawMouseEvent {
     RawMouseKind kind = RawMouseKind::Motion;
-    std::uint32_t button = 0; ///< a physical one, from 1; none of a motion
+    std::uint32_t button = 0; ///< a physical one, from 1; none of a motion or a key
 };
 
-/// The server's raw events of the mouse, as far as they are asked for.
+/// The server's raw events of the mouse and, among everything, of the keyboard, as far as they are asked for.
 class RawMouse {
 public:
     enum class Selection { Nothing, Presses, Everything };

@@ -111,6 +111,10 @@ void focus(WindowNumber number);
 void movePointer(const Point& axPoint);
 void pressLeftButton();
 void releaseLeftButton();
+void pressRightButton();
+void releaseRightButton();
+/// The modifier keys are held as in `flags` from now on, whichever those are that go down or up for it.
+void holdModifiers(std::uint64_t flags);
 
 /// A key, by virtual key code, with Carbon's modifier bits. `repeats`: it is held down.
 void pressKeys(std::uint32_t keyCode, std::uint32_t mods, bool repeats = false);

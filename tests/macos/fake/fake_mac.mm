@@ -32,6 +32,7 @@ void reset() {
     [[maybe_unused]] static const bool once = initializeClasses();
     mac() = {};
     resetHotKeys();
+    resetInput();
     resetReopening();
 }
 

@@ -104,6 +104,7 @@ void describeMonitors(std::vector<std::string>& lines);
 void describeStatusItems(std::vector<std::string>& lines);
 void describeReopening(std::vector<std::string>& lines);
 void resetHotKeys();
+void resetInput();
 void resetReopening();
 
 } // namespace tessarel::fakemac

@@ -205,6 +205,43 @@ TEST_F(X11MouseTest, AMovingMouseWakesNobodyWhileAnotherButtonIsHeld) {
     EXPECT_EQ(events, Events{});
 }
 
+TEST_F(X11MouseTest, KeysWakeNobodyAtRest) {
+    const auto pressShift = [&] {
+        hand.hold(XCB_MOD_MASK_SHIFT);
+        hand.hold(0);
+    };
+    EXPECT_FALSE(wakesUs(pressShift));
+
+    press();
+    release();
+    EXPECT_FALSE(wakesUs(pressShift)) << "after a drag";
+}
+
+TEST_F(X11MouseTest, AModifierReleasedBeforeTheButtonIsReportedBeforeItThoughTheyAreReadTogether) {
+    hand.hold(XCB_MOD_MASK_SHIFT);
+    press();
+    hand.hold(0);
+    hand.release();
+    driver.hear();
+
+    EXPECT_EQ(events, (Events{{LeftDown, {1000, 300}, modifier_flag::kShift},
+                              {LeftDragged, {1000, 300}, 0},
+                              {LeftUp, {1000, 300}, 0}}));
+}
+
+TEST_F(X11MouseTest, AModifierReleasedAfterTheButtonWasHeldUntilThenThoughTheyAreReadTogether) {
+    hand.hold(XCB_MOD_MASK_SHIFT);
+    press();
+    hand.moveTo(700, 500);
+    hand.release();
+    hand.hold(0);
+    driver.hear();
+
+    EXPECT_EQ(events, (Events{{LeftDown, {1000, 300}, modifier_flag::kShift},
+                              {LeftDragged, {700, 400}, modifier_flag::kShift},
+                              {LeftUp, {700, 400}, modifier_flag::kShift}}));
+}
+
 TEST_F(X11MouseTest, AllThatIsReadTogetherIsAskedAboutOnce) {
     press();
     events.clear();

@@ -9,6 +9,18 @@ enum : NSEventMask {
     NSEventMaskLeftMouseUp = 1ULL << 2,
     NSEventMaskLeftMouseDragged = 1ULL << 6,
     NSEventMaskKeyDown = 1ULL << 10,
+    NSEventMaskFlagsChanged = 1ULL << 12,
+};
+typedef NSUInteger NSEventType;
+enum : NSUInteger {
+    NSEventTypeLeftMouseDown = 1,
+    NSEventTypeLeftMouseUp = 2,
+    NSEventTypeRightMouseDown = 3,
+    NSEventTypeRightMouseUp = 4,
+    NSEventTypeLeftMouseDragged = 6,
+    NSEventTypeRightMouseDragged = 7,
+    NSEventTypeKeyDown = 10,
+    NSEventTypeFlagsChanged = 12,
 };
 typedef NSUInteger NSEventModifierFlags;
 enum : NSUInteger {
@@ -20,6 +32,7 @@ enum : NSUInteger {
 + (id)addLocalMonitorForEventsMatchingMask:(NSEventMask)mask handler:(NSEvent* (^)(NSEvent*))handler;
 + (void)removeMonitor:(id)monitor;
 @property(class, readonly) NSPoint mouseLocation;
+@property(readonly) NSEventType type;
 @property(readonly) NSEventModifierFlags modifierFlags;
 @property(readonly) unsigned short keyCode;
 @property(readonly, getter=isARepeat) BOOL ARepeat;

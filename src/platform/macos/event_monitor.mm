@@ -1,0 +1,66 @@
+#include "platform/macos/event_monitor.h"
+
+#include "platform/macos/callback_edge.h"
+#include "platform/macos/refs.h"
+
+#include <memory>
+#include <utility>
+
+namespace tessarel::macos {
+
+namespace {
+
+/// Removes the system's monitor; the handler goes with it, unless it is being called.
+template <class Handler>
+struct Monitor : Subscription {
+    Monitor(id systemMonitor, std::shared_ptr<const Handler> function)
+        : monitor(ObjcRef<id>::share(systemMonitor)), handler(std::move(function)) {}
+    ~Monitor() override {
+        @autoreleasepool {
+            [NSEvent removeMonitor:monitor.get()];
+        }
+    }
+
+    ObjcRef<id> monitor;
+    std::shared_ptr<const Handler> handler;
+};
+
+} // namespace
+
+SubscriptionPtr monitorOthersEvents(NSEventMask mask, std::function<void(NSEvent*)> handler) {
+    using Handler = std::function<void(NSEvent*)>;
+    @autoreleasepool {
+        auto shared = std::make_shared<const Handler>(std::move(handler));
+        const std::weak_ptr<const Handler> weak = shared;
+        id const monitor =
+            [NSEvent addGlobalMonitorForEventsMatchingMask:mask
+                                                   handler:^(NSEvent* event) {
+                                                     @autoreleasepool {
+                                                         if (const auto present = weak.lock())
+                                                             atCallbackEdge([&] { (*present)(event); });
+                                                     }
+                                                   }];
+        return monitor ? std::make_unique<Monitor<Handler>>(monitor, std::move(shared)) : nullptr;
+    }
+}
+
+SubscriptionPtr monitorOwnEvents(NSEventMask mask, std::function<bool(NSEvent*)> consumes) {
+    using Handler = std::function<bool(NSEvent*)>;
+    @autoreleasepool {
+        auto shared = std::make_shared<const Handler>(std::move(consumes));
+        const std::weak_ptr<const Handler> weak = shared;
+        id const monitor =
+            [NSEvent addLocalMonitorForEventsMatchingMask:mask
+                                                  handler:^NSEvent*(NSEvent* event) {
+                                                    bool consumed = false;
+                                                    if (const auto present = weak.lock()) {
+                                                        consumed = true;
+                                                        atCallbackEdge([&] { consumed = (*present)(event); });
+                                                    }
+                                                    return consumed ? nil : event;
+                                                  }];
+        return monitor ? std::make_unique<Monitor<Handler>>(monitor, std::move(shared)) : nullptr;
+    }
+}
+
+} // namespace tessarel::macos

@@ -1,0 +1,229 @@
+#include "macos/fake/fake_objects.h"
+
+#import <AppKit/AppKit.h>
+#include <Block.h>
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+#include <utility>
+
+// The user's mouse and keyboard, and the monitors of events.
+
+using namespace tessarel;
+using namespace tessarel::fakemac;
+
+@interface TSLFakeEvent : NSEvent {
+@public
+    NSEventType type;
+    std::uint64_t flags;
+    unsigned short code;
+    BOOL repeats;
+}
+@end
+
+@interface TSLFakeMonitor : NSObject {
+@public
+    BOOL local;
+    BOOL seesKeys; // it was added with the permission, without which keys never come
+    NSEventMask mask;
+    id block; // of one kind or the other
+}
+@end
+
+namespace {
+
+std::vector<TSLFakeMonitor*> monitors;
+
+id addMonitor(BOOL local, NSEventMask mask, id block) {
+    if (!mac().allowsMonitors)
+        return nil;
+    TSLFakeMonitor* const monitor = [[TSLFakeMonitor alloc] init];
+    monitor->local = local;
+    monitor->seesKeys = local || mac().trusted;
+    monitor->mask = mask;
+    monitor->block = (id)Block_copy((const void*)block);
+    monitors.push_back(monitor);
+    return [[monitor retain] autorelease];
+}
+
+constexpr NSEventMask kKeys = NSEventMaskKeyDown | NSEventMaskFlagsChanged;
+
+NSEventMask maskOf(const TSLFakeEvent* event) {
+    return NSEventMask{1} << event->type;
+}
+
+/// Lets every monitor of the kind that is still there by then see the event; false when one swallows it.
+bool show(BOOL local, TSLFakeEvent* event) {
+    const NSEventMask mask = maskOf(event);
+    const auto present = monitors;
+    for (TSLFakeMonitor* monitor : present) {
+        const bool isThere = std::ranges::find(monitors, monitor) != monitors.end();
+        if (!isThere || monitor->local != local || (monitor->mask & mask) == 0 ||
+            (!monitor->seesKeys && (mask & kKeys) != 0))
+            continue;
+        [monitor retain];
+        const bool goesOn = local ? ((NSEvent * (^)(NSEvent*)) monitor->block)(event) != nil
+                                  : (((void (^)(NSEvent*))monitor->block)(event), true);
+        [monitor release];
+        if (!goesOn)
+            return false;
+    }
+    return true;
+}
+
+TSLFakeEvent* fakeEvent(NSEventType type, std::uint64_t flags) {
+    TSLFakeEvent* const event = [[[TSLFakeEvent alloc] init] autorelease];
+    event->type = type;
+    event->flags = flags;
+    return event;
+}
+
+void showMouse(NSEventType type) {
+    @autoreleasepool {
+        show(NO, fakeEvent(type, mac().modifierFlags));
+    }
+}
+
+} // namespace
+
+@implementation TSLFakeMonitor
+- (void)dealloc {
+    Block_release((const void*)block);
+    [super dealloc];
+}
+@end
+
+@implementation NSEvent
++ (id)addGlobalMonitorForEventsMatchingMask:(NSEventMask)mask handler:(void (^)(NSEvent*))handler {
+    return addMonitor(NO, mask, (id)handler);
+}
++ (id)addLocalMonitorForEventsMatchingMask:(NSEventMask)mask handler:(NSEvent* (^)(NSEvent*))handler {
+    return addMonitor(YES, mask, (id)handler);
+}
++ (void)removeMonitor:(id)monitor {
+    const auto found = std::ranges::find(monitors, monitor);
+    if (found == monitors.end())
+        abort(); // the real one releases it once too often
+    monitors.erase(found);
+    [monitor release];
+}
++ (NSPoint)mouseLocation {
+    const double height = mac().displays.empty() ? 0 : mac().displays.front().frame.height;
+    return NSMakePoint(mac().axPointer.x, height - mac().axPointer.y);
+}
+- (NSEventModifierFlags)modifierFlags {
+    return ((TSLFakeEvent*)self)->flags;
+}
+- (NSEventType)type {
+    return ((TSLFakeEvent*)self)->type;
+}
+- (unsigned short)keyCode {
+    if ((maskOf((TSLFakeEvent*)self) & kKeys) == 0)
+        abort(); // the real one raises an exception
+    return ((TSLFakeEvent*)self)->code;
+}
+- (BOOL)isARepeat {
+    if (((TSLFakeEvent*)self)->type != NSEventTypeKeyDown)
+        abort(); // as above
+    return ((TSLFakeEvent*)self)->repeats;
+}
+@end
+
+@implementation TSLFakeEvent
+@end
+
+namespace tessarel::fakemac {
+
+namespace {
+
+constexpr std::uint64_t kCapsLock = 1U << 16U;
+
+/// Those that are down, by what has put them down; true: over a window of ours, so that nobody else is told.
+std::map<NSEventType, bool> buttons;
+
+bool isHeld(NSEventType button) {
+    const auto held = buttons.find(button);
+    return held != buttons.end() && !held->second;
+}
+
+void press(NSEventType button) {
+    const auto window = mac().windows.find(windowAt(mac().axPointer));
+    buttons[button] = window != mac().windows.end() && window->second.pid == mac().ownPid;
+    if (isHeld(button))
+        showMouse(button);
+}
+
+void release(NSEventType button, NSEventType up) {
+    const bool isOthers = isHeld(button);
+    buttons.erase(button);
+    if (isOthers)
+        showMouse(up);
+}
+
+std::uint64_t flagsOf(std::uint32_t mods) {
+    return ((mods & 256U) != 0 ? modifier_flag::kCommand : 0U) |
+           ((mods & 512U) != 0 ? modifier_flag::kShift : 0U) |
+           ((mods & 2048U) != 0 ? modifier_flag::kOption : 0U) |
+           ((mods & 4096U) != 0 ? modifier_flag::kControl : 0U);
+}
+
+} // namespace
+
+void movePointer(const Point& axPoint) {
+    mac().axPointer = axPoint;
+    if (isHeld(NSEventTypeLeftMouseDown))
+        showMouse(NSEventTypeLeftMouseDragged);
+    if (isHeld(NSEventTypeRightMouseDown))
+        showMouse(NSEventTypeRightMouseDragged);
+}
+
+void pressLeftButton() {
+    press(NSEventTypeLeftMouseDown);
+}
+
+void releaseLeftButton() {
+    release(NSEventTypeLeftMouseDown, NSEventTypeLeftMouseUp);
+}
+
+void pressRightButton() {
+    press(NSEventTypeRightMouseDown);
+}
+
+void releaseRightButton() {
+    release(NSEventTypeRightMouseDown, NSEventTypeRightMouseUp);
+}
+
+void holdModifiers(std::uint64_t flags) {
+    if (std::exchange(mac().modifierFlags, flags) == flags)
+        return;
+    @autoreleasepool {
+        // Keys go to the program in front, wherever the pointer is.
+        show(mac().frontmost == mac().ownPid ? YES : NO, fakeEvent(NSEventTypeFlagsChanged, flags));
+    }
+}
+
+void pressKeys(std::uint32_t keyCode, std::uint32_t mods, bool repeats) {
+    @autoreleasepool {
+        if (pressHotKey(keyCode, mods) || mac().frontmost != mac().ownPid)
+            return;
+        TSLFakeEvent* const event = fakeEvent(NSEventTypeKeyDown, flagsOf(mods) | kCapsLock);
+        event->code = static_cast<unsigned short>(keyCode);
+        event->repeats = repeats ? YES : NO;
+        show(YES, event);
+    }
+}
+
+std::size_t globalMonitors() {
+    return static_cast<std::size_t>(std::ranges::count_if(monitors, [](auto* one) { return !one->local; }));
+}
+
+void resetInput() {
+    buttons.clear();
+}
+
+void describeMonitors(std::vector<std::string>& lines) {
+    if (!monitors.empty())
+        lines.push_back(std::to_string(monitors.size()) + " event monitors");
+}
+
+} // namespace tessarel::fakemac
