@@ -14,6 +14,8 @@ using namespace std::chrono_literals;
 constexpr MainQueuePort::Duration kReadInterval = 30ms;
 /// By then the system has finished the drag and does not move the window any more.
 constexpr MainQueuePort::Duration kPlacementDelay = 30ms;
+/// A window that cannot be read so often in a row has gone, and nobody has told, or its program hangs.
+constexpr int kMostFailedReads = 2;
 constexpr double kMoveTolerance = 3;
 constexpr double kResizeTolerance = 3;
 
@@ -73,6 +75,7 @@ void DragSnap::watch(MouseEventKind kind, Handler handler) {
 void DragSnap::reset() {
     m_candidate.reset();
     m_candidateClosed.reset();
+    m_failedReads = 0;
     m_dragging = false;
     m_target.reset();
     m_targetBounds.reset();
@@ -105,6 +108,9 @@ bool DragSnap::candidateMoves() {
         return false;
     m_lastRead = now;
     const auto axFrame = m_uses.ax.frame(m_candidate->window);
+    m_failedReads = axFrame ? 0 : m_failedReads + 1;
+    if (m_failedReads == kMostFailedReads)
+        reset();
     return axFrame && isMoved(*axFrame, m_candidate->axFrame) && !isResized(*axFrame, m_candidate->axFrame);
 }
 

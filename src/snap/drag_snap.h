@@ -83,8 +83,9 @@ private:
     SubscriptionPtr m_candidateClosed;
     bool m_dragging = false; ///< the candidate has been seen to move
     MainQueuePort::TimePoint m_lastRead = MainQueuePort::TimePoint::min(); ///< of a candidate's frame
-    std::optional<Rect> m_target;                                          ///< where it goes when released
-    std::optional<Rect> m_targetBounds;                                    ///< the visible area around that
+    int m_failedReads = 0;                    ///< of the candidate's frame, in a row
+    std::optional<Rect> m_target;             ///< where it goes when released
+    std::optional<Rect> m_targetBounds;       ///< the visible area around that
     std::optional<std::size_t> m_targetIndex; ///< of the target among the user's zones
     std::shared_ptr<DragSnap*> m_self;        // shared with work on the main queue, which may outlive us
 };

@@ -138,6 +138,37 @@ TEST_F(DragSnapFaultsTest, AProgramThatStopsBeforeTheMoveIsSeenHoldsUpEachReadFo
     EXPECT_FALSE(picture.isVisible);
 }
 
+TEST_F(DragSnapFaultsTest, AWindowThatCannotBeReadTwiceInARowIsGivenUp) {
+    grab(window);
+    desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
+    dragTo({1000, 500});
+    dragTo({1001, 500});
+    desktop.applicationOf(window).answerTime = {};
+    (void)desktop.takeRequests();
+
+    dragTo({1002, 500});
+
+    EXPECT_FALSE(picture.isVisible);
+    EXPECT_THAT(desktop.takeRequests(), IsEmpty());
+    drop();
+    expectThatTheNextDragWorks();
+}
+
+TEST_F(DragSnapFaultsTest, AWindowThatCanBeReadInBetweenIsNotGivenUp) {
+    grab(window);
+    desktop.drag(window, kStart);
+    for (const double x : {521.0, 522.0, 523.0}) {
+        desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
+        dragTo({x, 160});
+        desktop.applicationOf(window).answerTime = {};
+        dragTo({x, 161});
+    }
+
+    dragTo({1000, 500});
+
+    EXPECT_EQ(labels(), "1[2]");
+}
+
 TEST_F(DragSnapFaultsTest, ADisplayRemovedUnderTheOverlayTakesItAwayWithTheNextMovement) {
     const auto second = desktop.addScreen({.frame = {-2560, 500, 1120, 900}});
     grab(window);
