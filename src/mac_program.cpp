@@ -6,8 +6,11 @@
 #include "platform/qt/overlay_colors.h"
 #include "settings_ui/settings_window_controller.h"
 
+#include <QApplication>
 #include <QColor>
+#include <QWidget>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -26,14 +29,23 @@ QColor accent() {
 } // namespace
 
 MacProgram::MacProgram(NativeView nativeView)
-    : m_desktop(qt::editInFocus),
-      m_overlay(m_queue, {.place = [this](const Rect& screenFrame) { return placeForQt(screenFrame); },
-                          .prepare = [view = std::move(nativeView)](
-                                         QWidget& window) { macos::becomeOverlay(view(window)); },
-                          .accent = accent}),
+    : m_nativeView(std::move(nativeView)), m_desktop(m_queue, qt::editInFocus),
+      m_alerts(
+          {.shown = [this](QWidget& box) { macos::MacOwnApplication::bringToFront(m_nativeView(box)); }}),
+      m_application(m_toolkit, [this] { return shownWindows(); }),
+      m_overlay(m_queue,
+                {.place = [this](const Rect& screenFrame) { return placeForQt(screenFrame); },
+                 .prepare = [this](QWidget& window) { macos::becomeOverlay(m_nativeView(window)); },
+                 .orderFront = [this](QWidget& window) { macos::orderOverlayFront(m_nativeView(window)); },
+                 .accent = accent}),
       m_delegate(ports(), [](Services& services, const Ports& all) {
           return std::make_unique<SettingsWindowController>(services, all);
       }) {}
+
+void MacProgram::prepareToolkit() {
+    qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
+    qputenv("QT_MAC_SET_RAISE_PROCESS", "0");
+}
 
 AppDelegate::Launch MacProgram::launch() {
     macos::MacOwnApplication::becomeAccessory();
@@ -46,6 +58,20 @@ Rect MacProgram::placeForQt(const Rect& screenFrame) {
     const double primaryHeight = screens.empty() ? 0 : screens.front().frame.absHeight();
     return {screenFrame.minX(), primaryHeight - screenFrame.maxY(), screenFrame.absWidth(),
             screenFrame.absHeight()};
+}
+
+/// A message stands in front of the window that it is about.
+std::vector<void*> MacProgram::shownWindows() const {
+    QWidgetList windows = QApplication::topLevelWidgets();
+    windows.removeIf([](const QWidget* window) {
+        return !window->isVisible() || window->windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus);
+    });
+    std::stable_partition(windows.begin(), windows.end(),
+                          [](const QWidget* window) { return !window->isModal(); });
+    std::vector<void*> views;
+    for (QWidget* const window : windows)
+        views.push_back(m_nativeView(*window));
+    return views;
 }
 
 Ports MacProgram::ports() {

@@ -11,6 +11,7 @@
 #include "platform/qt/translucent_overlay.h"
 
 #include <functional>
+#include <vector>
 
 class QWidget;
 
@@ -23,6 +24,10 @@ public:
     /// Answers the NSView that a widget, whose window has been made, stands for; null when there is none.
     using NativeView = std::function<void*(QWidget& widget)>;
 
+    /// Has Qt never bring the program to the front by itself, neither when it starts nor when it raises a
+    /// window. To be called before the application object is made.
+    static void prepareToolkit();
+
     explicit MacProgram(NativeView nativeView);
 
     /// Call it once, and let the application's loop run unless another copy runs.
@@ -32,13 +37,15 @@ public:
 
 private:
     [[nodiscard]] Rect placeForQt(const Rect& screenFrame);
+    [[nodiscard]] std::vector<void*> shownWindows() const;
     [[nodiscard]] Ports ports();
 
+    NativeView m_nativeView;
     qt::QtMainQueue m_queue;
     macos::MacDesktop m_desktop;
     qt::QtAlerts m_alerts;
     qt::QtOwnApplication m_toolkit;
-    macos::MacOwnApplication m_application{m_toolkit};
+    macos::MacOwnApplication m_application;
     qt::TranslucentOverlay m_overlay;
     qt::QtUrlLoadingModule m_urlLoading{{"../PlugIns"}};
     qt::SystemWallClock m_wallClock;

@@ -79,7 +79,7 @@ int run(const char* programName) {
     const x11::Session session =
         x11::sessionOf(std::getenv("WAYLAND_DISPLAY"), std::getenv("XDG_SESSION_TYPE"));
     qt::QtAppearance appearance;
-    qt::QtAlerts alerts([&appearance] { appearance.apply(); });
+    qt::QtAlerts alerts({.beforeMaking = [&appearance] { appearance.apply(); }});
     qt::QtOpenUrl openUrl;
     x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl);
     qt::QtLocalKeys localKeys(

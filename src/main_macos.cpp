@@ -18,8 +18,7 @@ int run(int argumentCount, char** arguments) {
     qt::installMessageHandler([] {}); // a Mac does not lose its display
     qt::TerminationSignals terminationSignals;
     describeProgramToQt();
-    // Else Qt brings to the front what is to start without a word.
-    qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
+    MacProgram::prepareToolkit();
     const QApplication application(argumentCount, arguments);
     MacProgram program([](QWidget& widget) { return std::bit_cast<void*>(widget.winId()); });
     if (program.launch() == AppDelegate::Launch::AnotherCopyRuns)

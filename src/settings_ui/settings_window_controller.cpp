@@ -100,9 +100,9 @@ void SettingsWindowController::show(std::optional<Tab> tab) {
         m_tabs->setCurrentIndex(static_cast<int>(*tab));
     m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
     m_window->show();
-    m_ports.application.activate();
     m_window->raise();
     m_window->activateWindow();
+    m_ports.application.activate(); // last: it knows more than Qt does of how to come to the front
 }
 
 void SettingsWindowController::refreshAll() {

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 namespace tessarel::macos {
 namespace {
@@ -114,6 +115,121 @@ TEST_F(MacAccessibilityTest, AProgramMayRefuseToBeObserved) {
 
     EXPECT_FALSE(accessibility().onWindowCreated(editor, [](const Element&) {}));
     EXPECT_FALSE(accessibility().onWindowClosed(found({300, 200}), [] {}));
+}
+
+/// How often, and when, a program is asked that cannot answer yet.
+class MacPatienceTest : public MacAccessibilityTest {
+protected:
+    [[nodiscard]] SubscriptionPtr observe() {
+        return accessibility().onWindowCreated(editor, [this](const Element&) { ++created; });
+    }
+    [[nodiscard]] static fakemac::Application& program() { return fakemac::mac().applications.at(kEditor); }
+    [[nodiscard]] static int requests() { return std::exchange(fakemac::mac().observationRequests, 0); }
+    static void openWindow() { fakemac::openWindow({.pid = kEditor, .axFrame = {0, 0, 100, 100}}); }
+
+    int created = 0;
+};
+
+TEST_F(MacPatienceTest, AProgramThatHasJustBeenLaunchedIsAskedFiveTimesMore) {
+    program().failures = 5;
+    const auto observer = observe();
+    ASSERT_TRUE(observer);
+    EXPECT_EQ(requests(), 1);
+
+    for (const auto delay : {20ms, 40ms, 80ms, 160ms, 320ms}) {
+        openWindow();
+        turn(delay - 1ns);
+        EXPECT_EQ(requests(), 0) << delay.count();
+        turn(1ns);
+        EXPECT_EQ(requests(), 1) << delay.count();
+    }
+
+    EXPECT_EQ(created, 0);
+    openWindow();
+    EXPECT_EQ(created, 1);
+    turn(1min);
+    EXPECT_EQ(requests(), 0);
+}
+
+TEST_F(MacPatienceTest, ThenItIsLeftAloneUntilItIsActivated) {
+    program().failures = 7;
+    const auto observer = observe();
+    turn(1min);
+    EXPECT_EQ(requests(), 6);
+
+    fakemac::focus(window);
+    EXPECT_EQ(requests(), 1);
+    turn(20ms);
+    EXPECT_EQ(requests(), 1);
+    openWindow();
+
+    EXPECT_EQ(created, 1);
+    fakemac::launch(8, {});
+    fakemac::focus(fakemac::openWindow({.pid = 8, .axFrame = {0, 0, 100, 100}}));
+    fakemac::focus(window);
+    EXPECT_EQ(requests(), 0) << "it is observed already";
+}
+
+TEST_F(MacPatienceTest, AnotherProgramsActivationDoesNotMatter) {
+    program().failures = 7;
+    const auto observer = observe();
+    turn(1min);
+    (void)requests();
+
+    fakemac::launch(8, {});
+    fakemac::focus(fakemac::openWindow({.pid = 8, .axFrame = {0, 0, 100, 100}}));
+
+    EXPECT_EQ(requests(), 0);
+}
+
+TEST_F(MacPatienceTest, AProgramThatHangsIsNotAskedAgainUntilItIsActivated) {
+    program().answers = false;
+    fakemac::mac().waited = [this](double seconds) {
+        clock.block(
+            std::chrono::duration_cast<sim::SimClock::Duration>(std::chrono::duration<double>(seconds)));
+    };
+    accessibility().setMessagingTimeout(editor, 250ms);
+    const auto observer = observe();
+    ASSERT_TRUE(observer);
+    turn(1min);
+    EXPECT_EQ(fakemac::mac().waits.size(), 1U);
+
+    program().answers = true;
+    fakemac::focus(window);
+    openWindow();
+
+    EXPECT_EQ(created, 1);
+}
+
+TEST_F(MacPatienceTest, ARefusalIsTakenForOne) {
+    program().allowsObservers = false;
+
+    EXPECT_FALSE(observe());
+
+    turn(1min);
+    EXPECT_EQ(requests(), 1);
+}
+
+TEST_F(MacPatienceTest, AfterTheEndOfItsSubscriptionAProgramIsNotAskedAgain) {
+    program().failures = 3;
+    auto observer = observe();
+    turn(20ms);
+    (void)requests();
+
+    observer.reset();
+    turn(1min);
+    fakemac::focus(window);
+
+    EXPECT_EQ(requests(), 0);
+}
+
+TEST_F(MacPatienceTest, ADraggedWindowsProgramIsAskedOnce) {
+    program().failures = 1;
+
+    EXPECT_FALSE(accessibility().onWindowClosed(found({300, 200}), [] {}));
+
+    turn(1min);
+    EXPECT_EQ(requests(), 1);
 }
 
 TEST_F(MacAccessibilityTest, NewWindowsAreReportedWhileAMenuIsOpen) {

@@ -79,10 +79,42 @@ TEST_F(MacApplicationDragTest, TheOverlayIsAboveStatusItemsOnEverySpaceAndOutOfR
     press();
     fakemac::holdModifiers(kShiftFlag);
     drag({100, 100});
+    ASSERT_NE(overlay(), nullptr);
+    fakemac::WindowSight expected{.level = 25,
+                                  .collectionBehavior = 337,
+                                  .ignoresMouseEvents = true,
+                                  .hasShadow = false,
+                                  .isVisible = true,
+                                  .isInFront = true,
+                                  .hasKeyboard = false,
+                                  .frame = {0, 0, 1440, 900}};
+    EXPECT_EQ(windows->sight(*overlay()), expected);
 
-    EXPECT_EQ(overlayView->window(),
-              (fakemac::WindowSight{
-                  .level = 25, .collectionBehavior = 337, .ignoresMouseEvents = true, .hasShadow = false}));
+    drag({600, 100});
+    EXPECT_EQ(windows->sight(*overlay()), expected) << "with another picture";
+
+    drag({1500, 300});
+    expected.frame = {1440, -124, 1120, 1024};
+    EXPECT_EQ(windows->sight(*overlay()), expected) << "on another display";
+
+    fakemac::holdModifiers(0);
+    fakemac::holdModifiers(kShiftFlag);
+    EXPECT_EQ(windows->sight(*overlay()), expected) << "shown again";
+}
+
+TEST_F(MacApplicationDragTest, AHotKeyRightAfterTheDropFindsTheDroppedWindowInFront) {
+    press();
+    fakemac::holdModifiers(kShiftFlag);
+    drag({100, 100});
+    drag({600, 100});
+    EXPECT_EQ(fakemac::mac().frontmost, kEditor);
+    fakemac::releaseLeftButton();
+    EXPECT_TRUE(until([&] { return frameOf(window) == (Rect{480, 25, 480, 438}); }));
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+
+    EXPECT_EQ(frameOf(window), kZone1);
+    EXPECT_EQ(fakemac::mac().activationRequests, 0);
 }
 
 TEST_F(MacApplicationDragTest, TheOverlayFollowsThePointerToTheOtherDisplay) {
@@ -131,6 +163,41 @@ TEST_F(MacApplicationDragTest, AWindowThatIsClosedDuringItsDragTakesTheZonesWith
     fakemac::closeWindow(window);
 
     EXPECT_EQ(overlay(), nullptr);
+}
+
+TEST_F(MacApplicationDragTest, AWindowWhoseEndNobodyTellsTakesTheZonesWithItAtTheRelease) {
+    fakemac::mac().windows.at(window).tellsItsEnd = false;
+    press();
+    fakemac::holdModifiers(kShiftFlag);
+    drag({100, 100});
+    ASSERT_NE(overlay(), nullptr);
+
+    fakemac::closeWindow(window);
+    fakemac::releaseLeftButton();
+
+    EXPECT_EQ(overlay(), nullptr);
+    drain();
+    window = openEditorWindow();
+    press();
+    drag({100, 100});
+    EXPECT_NE(overlay(), nullptr) << "the next drag";
+}
+
+TEST_F(MacApplicationDragTest, DisplaysMayGoBetweenTwoQuestionsOfOneMovement) {
+    const auto displays = fakemac::mac().displays;
+    press();
+    fakemac::holdModifiers(kShiftFlag);
+    drag({100, 100});
+    ASSERT_NE(overlay(), nullptr);
+
+    fakemac::mac().nextDisplays.emplace();
+    drag({600, 100});
+    drag({601, 100});
+    EXPECT_EQ(overlay(), nullptr);
+
+    fakemac::mac().displays = displays;
+    drag({602, 100});
+    EXPECT_NE(overlay(), nullptr);
 }
 
 TEST_F(MacApplicationDragTest, TheProgramMayEndInTheMiddleOfADrag) {

@@ -3,6 +3,7 @@
 #include "settings_ui/recorder_button.h"
 
 #include <QClipboard>
+#include <QDialog>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
@@ -33,6 +34,7 @@ protected:
     /// Presses the button of the message that will be shown by then.
     void answer(const QString& title) {
         program->mainQueue().async([title] {
+            fakemac::turn();
             const QWidget* const message = QApplication::activeModalWidget();
             ASSERT_NE(message, nullptr);
             for (auto* const button : message->findChildren<QPushButton*>()) {
@@ -73,7 +75,7 @@ TEST_F(MacApplicationShellTest, QuittingLeavesNothingBehind) {
     EXPECT_EQ(fakemac::claims(), Lines());
     EXPECT_EQ(fakemac::mainMenuRows(), Lines());
     EXPECT_EQ(QApplication::topLevelWidgets().size(), 0);
-    overlayView.reset();
+    windows.reset();
     EXPECT_EQ(fakemac::heldObjects(), Lines());
 }
 
@@ -127,6 +129,67 @@ TEST_F(MacApplicationShellTest, ASecondCopyShowsTheSettingsOfTheFirst) {
     EXPECT_EQ(macos::MacSingleInstance().claim([] {}), nullptr);
 
     EXPECT_TRUE(until([] { return settingsWindow() != nullptr; }));
+}
+
+TEST_F(MacApplicationShellTest, TheSettingsComeToTheFrontThoughTheProgramMayNot) {
+    launch();
+    openEditorWindow();
+    fakemac::mac().grantsActivation = false;
+
+    choose({"Settings..."});
+    ASSERT_TRUE(until([] { return settingsWindow() != nullptr; }));
+    drain();
+
+    EXPECT_GT(fakemac::mac().activationRequests, 0);
+    EXPECT_TRUE(windows->sight(*settingsWindow()).isInFront);
+    EXPECT_TRUE(windows->sight(*settingsWindow()).hasKeyboard);
+}
+
+TEST_F(MacApplicationShellTest, SettingsThatAreShownAlreadyComeToTheFrontAgain) {
+    launch();
+    choose({"Settings..."});
+    ASSERT_TRUE(until([] { return settingsWindow() != nullptr; }));
+    openEditorWindow();
+    drain();
+    EXPECT_FALSE(windows->sight(*settingsWindow()).isInFront);
+    fakemac::mac().grantsActivation = false;
+
+    choose({"Settings..."});
+
+    EXPECT_TRUE(until([&] { return windows->sight(*settingsWindow()).isInFront; }));
+}
+
+TEST_F(MacApplicationShellTest, AMessageComesToTheFrontThoughTheProgramMayNot) {
+    fakemac::mac().defaults.clear();
+    fakemac::mac().grantsActivation = false;
+    launch();
+    openEditorWindow();
+
+    program->mainQueue().async([this] {
+        QWidget* const message = QApplication::activeModalWidget();
+        ASSERT_NE(message, nullptr);
+        EXPECT_TRUE(windows->sight(*message).isInFront);
+        EXPECT_TRUE(windows->sight(*message).hasKeyboard);
+        message->close();
+    });
+
+    EXPECT_TRUE(until([] {
+        return fakemac::mac().defaults[kSettingsKey].find(R"("hasOnboarded":true)") != std::string::npos;
+    }));
+}
+
+TEST_F(MacApplicationShellTest, AMessageStandsBeforeTheSettingsWhenBothComeToTheFront) {
+    launch();
+    choose({"Settings..."});
+    ASSERT_TRUE(until([] { return settingsWindow() != nullptr; }));
+    QDialog message;
+    message.setModal(true);
+    message.show();
+
+    choose({"Settings..."});
+    drain();
+
+    EXPECT_TRUE(windows->sight(message).hasKeyboard);
 }
 
 TEST_F(MacApplicationShellTest, OpeningTheProgramAgainShowsTheSettings) {

@@ -70,6 +70,21 @@ TEST_F(MacApplicationTest, AnApplicationThatIsStartedIsRememberedAsWell) {
     EXPECT_TRUE(until([&] { return frameOf(second) == kZone1; }));
 }
 
+TEST_F(MacApplicationTest, AnApplicationThatCannotBeObservedYetIsRememberedAsWell) {
+    settings(R"(, "appZones": {"org.example.terminal": 0})");
+    launch();
+    fakemac::launch(8, {.bundleIdentifier = "org.example.terminal", .failures = 3});
+    EXPECT_TRUE(until([] { return fakemac::mac().applications.at(8).failures == 0; }));
+    const int before = fakemac::mac().observationRequests;
+    EXPECT_TRUE(until([&] { return fakemac::mac().observationRequests > before; }));
+
+    const auto window = fakemac::openWindow({.pid = 8, .axFrame = kWindow, .hasAttributes = false});
+    program->mainQueue().asyncAfter(std::chrono::milliseconds(200),
+                                    [&] { fakemac::mac().windows.at(window).hasAttributes = true; });
+
+    EXPECT_TRUE(until([&] { return frameOf(window) == kZone1; }));
+}
+
 TEST_F(MacApplicationTest, WindowsAreArrangedAsTheWindowServerListsThem) {
     launch();
     const auto behind = openEditorWindow();

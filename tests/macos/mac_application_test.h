@@ -1,9 +1,9 @@
 #pragma once
 
 #include "mac_program.h"
+#include "macos/cocoa_windows.h"
 #include "macos/fake/fake_mac.h"
 #include "macos/fake/fake_menus.h"
-#include "macos/fake/fake_windows.h"
 #include "qt_program.h"
 
 #include <QApplication>
@@ -35,6 +35,7 @@ protected:
 
     static void SetUpTestSuite() {
         qputenv("QT_QPA_PLATFORM", "offscreen");
+        MacProgram::prepareToolkit();
         describeProgramToQt();
     }
 
@@ -47,12 +48,12 @@ protected:
             {.number = 2, .frame = {1440, -124, 1120, 1024}, .visibleFrame = {1440, -124, 1120, 1024}}};
         fakemac::launch(fakemac::mac().ownPid, {.bundleIdentifier = kOwnIdentifier, .isRegular = false});
         fakemac::launch(kEditor, {.bundleIdentifier = kEditorIdentifier});
-        overlayView.emplace();
+        windows.emplace();
         settings();
     }
     ~MacApplicationTest() override {
         program.reset();
-        overlayView.reset();
+        windows.reset();
         EXPECT_EQ(fakemac::heldObjects(), std::vector<std::string>());
     }
 
@@ -64,7 +65,7 @@ protected:
     }
 
     AppDelegate::Launch launch() {
-        return program.emplace([this](QWidget&) { return overlayView->native(); }).launch();
+        return program.emplace([this](QWidget& widget) { return windows->view(widget); }).launch();
     }
 
     /// A window of the editor's, in front.
@@ -106,8 +107,10 @@ protected:
         QTimer safety;
         safety.setSingleShot(true);
         safety.start(std::chrono::seconds(20));
-        while (!holds() && safety.isActive())
+        while (!holds() && safety.isActive()) {
+            fakemac::turn();
             QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
         return holds();
     }
 
@@ -118,8 +121,6 @@ protected:
         EXPECT_TRUE(until([&last] { return last; }));
     }
 
-    std::optional<fakemac::View> overlayView;
-
 private:
     int m_argumentCount = 1;
     std::array<char, 9> m_programName{"Tessarel"};
@@ -127,6 +128,7 @@ private:
     QApplication m_application{m_argumentCount, m_arguments.data()};
 
 protected:
+    std::optional<CocoaWindows> windows;
     std::optional<MacProgram> program; // ends before Qt does
 };
 

@@ -53,7 +53,7 @@ public:
                                    {.number = 724045133,
                                     .frame = {1440, -124, 1120, 1024},
                                     .visibleFrame = {1440, -124, 1120, 1024}}};
-        m_mac.emplace();
+        m_mac.emplace(m_queue);
     }
     ~MacContractDesktop() override {
         m_mac.reset();
@@ -143,7 +143,10 @@ public:
         return found == fakemac::mac().defaults.end() ? std::nullopt : std::optional(found->second);
     }
 
-    void settle() override {}
+    void settle() override {
+        fakemac::turn();
+        m_clock.advance({});
+    }
     void advance(MainQueuePort::Duration duration) override { m_clock.advance(duration); }
 
 private:
@@ -152,6 +155,7 @@ private:
     }
 
     sim::SimClock m_clock;
+    sim::SimMainQueue m_queue{m_clock};
     std::optional<macos::MacDesktop> m_mac;
     ProcessId m_lastPid = 100;
 };

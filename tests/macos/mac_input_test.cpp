@@ -1,3 +1,4 @@
+#include "macos/fake/fake_menus.h"
 #include "macos/mac_test.h"
 
 #include <memory>
@@ -46,6 +47,49 @@ TEST_F(MacHotKeysTest, EveryHandlerHearsOfAPress) {
 
     EXPECT_EQ(pressed, 1);
     EXPECT_EQ(second, 1);
+}
+
+TEST_F(MacHotKeysTest, APressReachesOneHandlerOfTheProgram) {
+    fakemac::installLibraryHandler();
+    const auto hotKey = claim(7);
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+
+    EXPECT_EQ(pressed, 1);
+    EXPECT_TRUE(fakemac::mac().libraryHotKeys.empty());
+}
+
+TEST_F(MacHotKeysTest, AHotKeyOfALibraryIsLeftToTheLibrary) {
+    fakemac::installLibraryHandler();
+    const auto hotKey = claim(7);
+
+    fakemac::pressLibraryHotKey(0x4c494252, 7);
+
+    EXPECT_EQ(pressed, 0);
+    EXPECT_EQ(fakemac::mac().libraryHotKeys, std::vector<std::uint32_t>{7});
+}
+
+TEST_F(MacHotKeysTest, APressCountsWhileAMenuIsOpen) {
+    const auto item = desktop->statusItem.create({[] { return Menu(); }, [](const MenuItem&) {}});
+    const auto hotKey = claim(7);
+    (void)fakemac::openStatusMenu();
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+
+    EXPECT_EQ(pressed, 1);
+}
+
+TEST_F(MacHotKeysTest, AHandlerMayEndItselfWhenCalled) {
+    handler = desktop->hotKeys.installHandler([this](std::uint32_t) {
+        handler.reset();
+        ++pressed;
+    });
+    const auto hotKey = claim(7);
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+
+    EXPECT_EQ(pressed, 1);
 }
 
 TEST_F(MacHotKeysTest, ClaimsAndHandlersMayOutliveTheBackEnd) {

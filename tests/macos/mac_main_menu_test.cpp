@@ -12,7 +12,7 @@ class MacMainMenuTest : public MacTest {
 protected:
     /// The back end of a program whose windows are a toolkit's.
     void startWith(MacMainMenu::Toolkit toolkit) {
-        desktop.emplace(std::move(toolkit));
+        makeDesktop(std::move(toolkit));
         desktop->mainMenu.setMainMenu(mainMenu());
     }
 };

@@ -1,5 +1,7 @@
 #include "macos/mac_test.h"
 
+#include <thread>
+
 namespace tessarel::macos {
 namespace {
 
@@ -43,6 +45,12 @@ TEST_F(MacWindowListTest, WhatIsMissingOrMakesNoSenseIsEmpty) {
         EXPECT_FALSE(listed[6 + i].layer);
         EXPECT_TRUE(listed[i].layer && listed[i].ownerPid && listed[i].axBounds);
     }
+}
+
+TEST_F(MacWindowListTest, AnEntryThatIsNoDictionaryIsEmpty) {
+    fakemac::mac().listsAText = true;
+
+    EXPECT_EQ(desktop->windowList.onScreenWindows(), std::vector<ListedWindow>{{}});
 }
 
 TEST_F(MacWindowListTest, AServerThatDoesNotAnswerGivesNoWindows) {
@@ -129,6 +137,23 @@ TEST_F(MacServicesTest, WithoutDisplaysThereIsNoMainScreen) {
 
     EXPECT_TRUE(desktop->displays.screens().empty());
     EXPECT_FALSE(desktop->displays.mainScreen());
+}
+
+TEST_F(MacServicesTest, ADisplayThatGoesWhileItIsAskedForIsLeftOut) {
+    const auto first = fakemac::mac().displays.at(0);
+    fakemac::mac().displays.push_back(
+        {.number = 2, .frame = {1440, 0, 800, 600}, .visibleFrame = {1440, 0, 800, 600}});
+    fakemac::mac().nextDisplays = {{first}};
+    const auto screens = desktop->displays.screens();
+    ASSERT_EQ(screens.size(), 1U);
+    EXPECT_EQ(screens.front().id, first.number);
+
+    fakemac::mac().nextDisplays.emplace();
+    EXPECT_FALSE(desktop->displays.mainScreen());
+}
+
+TEST_F(MacServicesTest, TheFakeEndsWhoCallsAFrameworkOffTheMainThread) {
+    EXPECT_DEATH(std::thread([this] { (void)desktop->trust.isTrusted(); }).join(), "off the main thread");
 }
 
 TEST_F(MacServicesTest, TheWordsAreThoseOfAMac) {

@@ -146,8 +146,31 @@ TEST_F(MacStatusItemTest, ChoosingARowTellsThatRow) {
 
     fakemac::clickAt({"Layouts", "Mine & <b>yours"})();
     fakemac::clickAt({"Pause Tessarel"})();
+    turn();
 
     EXPECT_EQ(chosen, (std::vector<MenuItem>{menu[2].submenu[2], menu[3]}));
+}
+
+TEST_F(MacStatusItemTest, ARowIsToldAtTheNextTurnWhenTheMenuHasGone) {
+    const auto item = create();
+    (void)fakemac::openStatusMenu();
+
+    fakemac::clickAt({"Pause Tessarel"})();
+    EXPECT_TRUE(chosen.empty());
+    turn();
+
+    EXPECT_EQ(chosen, std::vector<MenuItem>{menu[3]});
+}
+
+TEST_F(MacStatusItemTest, ARowWhoseItemEndsBeforeTheNextTurnIsToldToNobody) {
+    auto item = create();
+    (void)fakemac::openStatusMenu();
+    fakemac::clickAt({"Pause Tessarel"})();
+
+    item.reset();
+    turn();
+
+    EXPECT_TRUE(chosen.empty());
 }
 
 TEST_F(MacStatusItemTest, TitlesAndParentsCannotBeChosen) {
@@ -168,6 +191,7 @@ TEST_F(MacStatusItemTest, ARowOfAnEarlierMenuIsToldAsItWas) {
     (void)fakemac::openStatusMenu();
 
     click();
+    turn();
 
     EXPECT_EQ(chosen, std::vector<MenuItem>{stale});
 }
@@ -179,6 +203,7 @@ TEST_F(MacStatusItemTest, ARowChosenAfterTheEndOfItsItemIsToldToNobody) {
 
     item.reset();
     click();
+    turn();
 
     EXPECT_TRUE(chosen.empty());
 }
@@ -190,6 +215,7 @@ TEST_F(MacStatusItemTest, ARowMayEndTheItem) {
     (void)fakemac::openStatusMenu();
 
     fakemac::clickAt({"Quit Tessarel"})();
+    turn();
 
     EXPECT_TRUE(fakemac::statusItems().empty());
 }
@@ -221,6 +247,7 @@ TEST_F(MacStatusItemTest, AnItemMayOutliveTheBackEnd) {
 
     (void)fakemac::openStatusMenu();
     fakemac::clickAt({"Settings..."})();
+    turn();
 
     EXPECT_EQ(chosen, std::vector<MenuItem>{menu[4]});
 }
@@ -247,6 +274,7 @@ TEST_F(MacStatusItemTest, NoExceptionLeavesTheMenu) {
 
     EXPECT_EQ(fakemac::openStatusMenu(), looksOf(everyKindOfRow()));
     EXPECT_NO_THROW(fakemac::clickAt({"Settings..."})());
+    EXPECT_NO_THROW(turn());
 }
 
 } // namespace

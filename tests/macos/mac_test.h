@@ -2,11 +2,15 @@
 
 #include "macos/fake/fake_mac.h"
 #include "platform/macos/desktop.h"
+#include "platform/sim/sim_clock.h"
+#include "platform/sim/sim_main_queue.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tessarel::macos {
@@ -23,13 +27,29 @@ protected:
         fakemac::mac().displays = {
             {.number = 1, .frame = {0, 0, 1440, 900}, .visibleFrame = {0, 0, 1440, 875}}};
         fakemac::launch(kEditor, {.bundleIdentifier = "org.example.editor"});
-        desktop.emplace();
+        makeDesktop();
     }
     ~MacTest() override {
         desktop.reset();
         EXPECT_EQ(fakemac::heldObjects(), Lines());
     }
 
+    void makeDesktop(MacMainMenu::Toolkit toolkit = nullptr) {
+        desktop.emplace(queue, std::move(toolkit), [this](std::chrono::milliseconds time) {
+            waited += time;
+            fakemac::passTime(std::chrono::duration<double>(time).count());
+        });
+    }
+
+    /// The loop turns, and time passes meanwhile.
+    void turn(sim::SimClock::Duration duration = {}) {
+        fakemac::turn();
+        clock.advance(duration);
+    }
+
+    std::chrono::milliseconds waited{0}; ///< for windows that are late
+    sim::SimClock clock;
+    sim::SimMainQueue queue{clock};
     std::optional<MacDesktop> desktop;
 };
 

@@ -19,11 +19,29 @@ TEST_F(MacOverlayTest, TheWindowIsAboveAllOnEverySpaceAndOutOfReach) {
                   .level = 25, .collectionBehavior = 337, .ignoresMouseEvents = true, .hasShadow = false}));
 }
 
+TEST_F(MacOverlayTest, TheWindowComesToTheFrontWithoutItsProgram) {
+    fakemac::View view;
+    fakemac::focus(fakemac::openWindow({.pid = kEditor, .axFrame = {0, 0, 400, 300}}));
+    becomeOverlay(view.native());
+    view.makeWindowAnew();
+    view.orderFront(false);
+    EXPECT_FALSE(view.window().isInFront);
+
+    orderOverlayFront(view.native());
+
+    EXPECT_TRUE(view.window().isInFront);
+    EXPECT_EQ(view.window().level, 25);
+    EXPECT_EQ(view.window().collectionBehavior, 337U);
+    EXPECT_EQ(fakemac::mac().frontmost, kEditor);
+}
+
 TEST_F(MacOverlayTest, AViewWithoutAWindowIsLeftAlone) {
     const fakemac::View view(false);
 
     becomeOverlay(view.native());
     becomeOverlay(nullptr);
+    orderOverlayFront(view.native());
+    orderOverlayFront(nullptr);
 
     EXPECT_EQ(view.window().level, 0);
 }
@@ -39,7 +57,8 @@ protected:
     };
 
     Toolkit toolkit;
-    MacOwnApplication application{toolkit};
+    std::vector<void*> windows;
+    MacOwnApplication application{toolkit, [this] { return windows; }};
 };
 
 TEST_F(MacOwnApplicationTest, TheProgramComesToTheFrontAndThenItsWindows) {
@@ -47,6 +66,22 @@ TEST_F(MacOwnApplicationTest, TheProgramComesToTheFrontAndThenItsWindows) {
 
     EXPECT_EQ(fakemac::mac().activations, 1);
     EXPECT_EQ(toolkit.activations, 1);
+}
+
+TEST_F(MacOwnApplicationTest, ItsWindowsComeToTheFrontThoughTheSystemDoesNotLetTheProgram) {
+    fakemac::mac().grantsActivation = false;
+    fakemac::focus(fakemac::openWindow({.pid = kEditor, .axFrame = {0, 0, 400, 300}}));
+    const fakemac::View first;
+    const fakemac::View second;
+    windows = {first.native(), second.native()};
+
+    application.activate();
+
+    EXPECT_EQ(fakemac::mac().activationRequests, 1);
+    EXPECT_EQ(fakemac::mac().frontmost, kEditor);
+    EXPECT_TRUE(first.window().isInFront);
+    EXPECT_TRUE(second.window().isInFront);
+    EXPECT_TRUE(second.window().hasKeyboard) << "the last one";
 }
 
 TEST_F(MacOwnApplicationTest, TheToolkitEndsItsLoop) {

@@ -29,7 +29,14 @@ struct WindowEnd : Subscription {
     SubscriptionPtr terminated;
 };
 
+bool isOfFrame(std::string_view attribute) {
+    return attribute == attribute::kPosition || attribute == attribute::kSize;
+}
+
 } // namespace
+
+MacAccessibility::MacAccessibility(MacWorkspace& workspace, MainQueuePort& queue, LateFrames::Wait wait)
+    : m_workspace(workspace), m_queue(queue), m_lateFrames(readFrame, std::move(wait)) {}
 
 Element MacAccessibility::application(ProcessId pid) {
     @autoreleasepool {
@@ -65,6 +72,20 @@ std::optional<Element> MacAccessibility::elementAtPosition(const Element& within
 
 std::optional<AttributeValue> MacAccessibility::copyAttribute(const Element& element,
                                                               std::string_view attribute) {
+    if (isOfFrame(attribute))
+        m_lateFrames.willRead(key(element));
+    return read(element, attribute);
+}
+
+std::optional<Rect> MacAccessibility::readFrame(const Element& window) {
+    const auto position = read(window, attribute::kPosition);
+    const auto* const origin = position ? std::get_if<Point>(&*position) : nullptr;
+    const auto extent = origin ? read(window, attribute::kSize) : std::nullopt;
+    const auto* const size = extent ? std::get_if<Size>(&*extent) : nullptr;
+    return size ? std::optional(Rect{origin->x, origin->y, size->width, size->height}) : std::nullopt;
+}
+
+std::optional<AttributeValue> MacAccessibility::read(const Element& element, std::string_view attribute) {
     @autoreleasepool {
         const auto name = nsString(attribute);
         if (!element.handle || !name)
@@ -83,8 +104,11 @@ void MacAccessibility::setAttribute(const Element& element, std::string_view att
     @autoreleasepool {
         const auto name = nsString(attribute);
         const auto written = cfValue(value);
-        if (element.handle && name && written)
-            AXUIElementSetAttributeValue(axElement(element), cfString(name), written.get());
+        if (!element.handle || !name || !written)
+            return;
+        if (isOfFrame(attribute))
+            m_lateFrames.willWrite(element, key(element), value);
+        AXUIElementSetAttributeValue(axElement(element), cfString(name), written.get());
     }
 }
 
@@ -104,7 +128,8 @@ SubscriptionPtr MacAccessibility::onWindowCreated(const Element& application,
     const auto owner = pid(application);
     if (!owner || *owner == m_workspace.ownProcessIdentifier())
         return nullptr;
-    return observeElement(*owner, application, kWindowCreated, std::move(created));
+    return observeElementPatiently(m_workspace, m_queue,
+                                   {*owner, application, kWindowCreated, std::move(created)});
 }
 
 SubscriptionPtr MacAccessibility::onWindowClosed(const Element& window, std::function<void()> closed) {
@@ -113,8 +138,8 @@ SubscriptionPtr MacAccessibility::onWindowClosed(const Element& window, std::fun
         CFEqual(window.handle.get(), application(*owner).handle.get()))
         return nullptr;
     auto end = std::make_unique<WindowEnd>(std::move(closed));
-    end->destroyed = observeElement(*owner, window, kElementDestroyed,
-                                    [told = end->closed](const Element&) { WindowEnd::tell(told); });
+    end->destroyed = observeElement(
+        {*owner, window, kElementDestroyed, [told = end->closed](const Element&) { WindowEnd::tell(told); }});
     if (!end->destroyed)
         return nullptr;
     // A program that dies has nobody left to send the notification.

@@ -16,18 +16,24 @@
 #include "platform/macos/words.h"
 #include "platform/macos/workspace.h"
 
+#include <cstdint>
+#include <ratio>
+#include <thread>
 #include <utility>
 
 namespace tessarel::macos {
 
 /// A macOS desktop: every port of this back end.
 struct MacDesktop {
-    explicit MacDesktop(MacMainMenu::Toolkit toolkit = nullptr) : mainMenu(std::move(toolkit)) {}
+    /// `queue` outlives the desktop.
+    explicit MacDesktop(MainQueuePort& queue, MacMainMenu::Toolkit toolkit = nullptr,
+                        LateFrames::Wait wait = std::this_thread::sleep_for<std::int64_t, std::milli>)
+        : accessibility(workspace, queue, std::move(wait)), mainMenu(std::move(toolkit)), statusItem(queue) {}
     MacDesktop(const MacDesktop&) = delete;
     MacDesktop& operator=(const MacDesktop&) = delete;
 
     MacWorkspace workspace;
-    MacAccessibility accessibility{workspace};
+    MacAccessibility accessibility;
     MacAlertSound alertSound;
     MacDisplays displays;
     MacLocalKeys localKeys{workspace};

@@ -8,10 +8,14 @@ namespace tessarel::macos {
 
 namespace {
 
-Screen screenFrom(NSScreen* screen) {
+/// Empty for the object of a display that has gone meanwhile.
+std::optional<Screen> screenFrom(NSScreen* screen) {
     // The objects are made anew whenever displays change; only the number stays with the display.
     NSNumber* const number = as<NSNumber>([[screen deviceDescription] objectForKey:@"NSScreenNumber"]);
-    return {[number unsignedLongLongValue], rectFrom([screen frame]), rectFrom([screen visibleFrame])};
+    const Rect frame = rectFrom([screen frame]);
+    if (frame.absWidth() == 0)
+        return {};
+    return Screen{[number unsignedLongLongValue], frame, rectFrom([screen visibleFrame])};
 }
 
 } // namespace
@@ -19,8 +23,10 @@ Screen screenFrom(NSScreen* screen) {
 std::vector<Screen> MacDisplays::screens() {
     @autoreleasepool {
         std::vector<Screen> all;
-        for (NSScreen* screen in [NSScreen screens])
-            all.push_back(screenFrom(screen));
+        for (NSScreen* screen in [NSScreen screens]) {
+            if (const auto connected = screenFrom(screen))
+                all.push_back(*connected);
+        }
         return all;
     }
 }
@@ -28,7 +34,7 @@ std::vector<Screen> MacDisplays::screens() {
 std::optional<Screen> MacDisplays::mainScreen() {
     @autoreleasepool {
         NSScreen* const screen = [NSScreen mainScreen];
-        return screen ? std::optional(screenFrom(screen)) : std::nullopt;
+        return screen ? screenFrom(screen) : std::nullopt;
     }
 }
 

@@ -80,8 +80,11 @@ private:
             if (GetEventParameter(event, kEventParamDirectObject, typeEventHotKeyID, nullptr, sizeof hotKey,
                                   nullptr, &hotKey) != noErr)
                 return eventNotHandledErr;
-            atCallbackEdge([&] { static_cast<Keyboard*>(keyboard)->press({hotKey.signature, hotKey.id}); });
-            return noErr;
+            bool isOurs = true;
+            atCallbackEdge([&] {
+                isOurs = static_cast<Keyboard*>(keyboard)->press({hotKey.signature, hotKey.id});
+            });
+            return isOurs ? noErr : eventNotHandledErr; // a library may have hot keys of its own
         }
     }
 
@@ -94,14 +97,18 @@ private:
         return {};
     }
 
-    void press(const HotKeyId& hotKey) {
+    /// False when the hot key is none of ours.
+    [[nodiscard]] bool press(const HotKeyId& hotKey) {
         const auto request = claimOf(hotKey);
-        if (!request || m_localKeys.takeHotKey({request->keyCode, modifierFlags(request->mods)}))
-            return;
+        if (!request)
+            return false;
+        if (m_localKeys.takeHotKey({request->keyCode, modifierFlags(request->mods)}))
+            return true;
         for (const auto& weak : m_handlers.present()) {
             if (const auto handler = weak.lock())
                 (*handler)(hotKey.id);
         }
+        return true;
     }
 
     MacLocalKeys& m_localKeys;

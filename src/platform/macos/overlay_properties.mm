@@ -17,4 +17,11 @@ void becomeOverlay(void* nativeView) {
     }
 }
 
+void orderOverlayFront(void* nativeView) {
+    @autoreleasepool {
+        becomeOverlay(nativeView);
+        [[(__bridge NSView*)nativeView window] orderFrontRegardless];
+    }
+}
+
 } // namespace tessarel::macos

@@ -10,11 +10,21 @@ void MacOwnApplication::becomeAccessory() {
     }
 }
 
+void MacOwnApplication::bringToFront(void* nativeView) {
+    @autoreleasepool {
+        NSWindow* const window = [(__bridge NSView*)nativeView window];
+        [window orderFrontRegardless];
+        [window makeKeyWindow];
+    }
+}
+
 void MacOwnApplication::activate() {
     @autoreleasepool {
         [[NSApplication sharedApplication] activateIgnoringOtherApps:YES];
     }
     m_toolkit.activate();
+    for (void* const view : m_windows())
+        bringToFront(view);
 }
 
 void MacOwnApplication::terminate() {

@@ -8,6 +8,7 @@ set(MACOS_SOURCES
     elements.mm
     event_monitor.mm
     hot_keys.mm
+    late_frames.mm
     local_keys.mm
     main_menu.mm
     menu_rows.mm

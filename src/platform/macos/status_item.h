@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ports/main_queue_port.h"
 #include "ports/status_item_port.h"
 
 #include <memory>
@@ -7,10 +8,14 @@
 
 namespace tessarel::macos {
 
-/// The item in the menu bar. Its menu is filled whenever the user opens it; a row that was chosen is told
-/// when the menu has closed.
+/// The item in the menu bar. Its menu is filled whenever the user opens it. A row that was chosen is told at
+/// a later turn of the loop: the system sends its action while the menu is still fading out, and what comes
+/// to the front then does not stay there.
 class MacStatusItem : public StatusItemPort {
 public:
+    /// `queue` outlives the status item.
+    explicit MacStatusItem(MainQueuePort& queue) : m_queue(queue) {}
+
     [[nodiscard]] SubscriptionPtr create(Delegate delegate) override;
 
     bool setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) override;
@@ -21,6 +26,7 @@ public:
 private:
     class Item;
 
+    MainQueuePort& m_queue;
     std::weak_ptr<Item> m_item; // kept by its subscription
 };
 

@@ -35,7 +35,7 @@ namespace tessarel::macos {
 /// One item put up; whatever the system still holds of it when it has gone finds nobody.
 class MacStatusItem::Item : public std::enable_shared_from_this<Item> {
 public:
-    explicit Item(Delegate delegate) : m_delegate(std::move(delegate)) {}
+    Item(MainQueuePort& queue, Delegate delegate) : m_queue(queue), m_delegate(std::move(delegate)) {}
     Item(const Item&) = delete;
     Item& operator=(const Item&) = delete;
     ~Item() {
@@ -63,10 +63,18 @@ private:
     void fill(NSMenu* menu) {
         showRows(menu, m_delegate.menuNeedsUpdate(), [weak = weak_from_this()](const MenuItem& row) {
             if (const auto self = weak.lock())
-                self->m_delegate.itemSelected(row);
+                self->tellLater(row);
         });
     }
 
+    void tellLater(const MenuItem& row) {
+        m_queue.async([weak = weak_from_this(), row] {
+            if (const auto self = weak.lock())
+                atCallbackEdge([&] { self->m_delegate.itemSelected(row); });
+        });
+    }
+
+    MainQueuePort& m_queue;
     Delegate m_delegate;
     ObjcRef<NSStatusItem*> m_item = ObjcRef<NSStatusItem*>::share(
         [[NSStatusBar systemStatusBar] statusItemWithLength:NSVariableStatusItemLength]);
@@ -80,7 +88,7 @@ SubscriptionPtr MacStatusItem::create(Delegate delegate) {
     };
     @autoreleasepool {
         auto end = std::make_unique<End>();
-        end->item = std::make_shared<Item>(std::move(delegate));
+        end->item = std::make_shared<Item>(m_queue, std::move(delegate));
         end->item->appear();
         m_item = end->item;
         return end;

@@ -142,10 +142,11 @@ QLineEdit& AlertDialog::addField() {
     return *field;
 }
 
-std::size_t AlertDialog::run() {
+std::size_t AlertDialog::run(const std::function<void(QWidget&)>& shown) {
     show();
     raise();
     activateWindow();
+    shown(*this);
     const int result = exec();
     return result == Rejected ? m_dismissedAs : static_cast<std::size_t>(result - 1);
 }

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <cstddef>
+#include <functional>
 
 class QLabel;
 class QLineEdit;
@@ -27,8 +28,8 @@ public:
     QLineEdit& addField();
 
     /// Shows the dialog until it is closed: the position of the button, or of the one that closing it in
-    /// another way counts as.
-    [[nodiscard]] std::size_t run();
+    /// another way counts as. `shown` is called with it before its loop begins.
+    [[nodiscard]] std::size_t run(const std::function<void(QWidget&)>& shown);
 
     [[nodiscard]] const QLabel& message() const { return *m_message; }
     [[nodiscard]] const QLabel& information() const { return *m_information; }

@@ -9,18 +9,18 @@
 
 namespace tessarel::qt {
 
-QtAlerts::QtAlerts(std::function<void()> beforeShowing) : m_beforeShowing(std::move(beforeShowing)) {}
+QtAlerts::QtAlerts(Hooks hooks) : m_hooks(std::move(hooks)) {}
 
 std::size_t QtAlerts::runModal(const Alert& alert) {
-    m_beforeShowing();
-    return AlertDialog(alert).run();
+    m_hooks.beforeMaking();
+    return AlertDialog(alert).run(m_hooks.shown);
 }
 
 std::optional<std::string> QtAlerts::runModalForText(const Alert& alert) {
-    m_beforeShowing();
+    m_hooks.beforeMaking();
     AlertDialog dialog(alert);
     const QLineEdit& field = dialog.addField();
-    if (dialog.run() != 0)
+    if (dialog.run(m_hooks.shown) != 0)
         return std::nullopt;
     return field.text().toStdString();
 }

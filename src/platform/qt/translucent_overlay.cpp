@@ -35,7 +35,7 @@ public:
         if (!m_surface->isVisible())
             m_surface->setAccent(m_system.accent());
         m_surface->show();
-        m_surface->raise();
+        m_system.orderFront(*m_surface);
     }
 
     void orderOut() override {

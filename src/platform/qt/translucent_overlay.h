@@ -26,6 +26,9 @@ public:
         std::function<Rect(const Rect& screenFrame)> place;
         /// Gives a window, which has been made and not been shown, what Qt cannot give it.
         std::function<void(QWidget& window)> prepare;
+        /// Puts a window that Qt has just shown, or shows already, in front of all others. Qt's own `raise`
+        /// is not used: on some systems it brings the whole program to the front.
+        std::function<void(QWidget& window)> orderFront;
         /// The colour for zones, asked for whenever a window is shown.
         std::function<QColor()> accent;
     };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <utility>
 
 // The accessibility interface as it is documented: equal elements are different objects, results of Copy
 // belong to the caller, arguments of callbacks do not.
@@ -17,6 +18,8 @@ constexpr double kUsualTimeLimit = 6;
 
 std::vector<TSLFakeObserver*> observers; // all there are, owned by whoever has created them
 float systemTimeLimit = 0;
+int registrationsLeft = 0; // of observers that have gone
+int sourcesLeft = 0;       // as above, in the run loop
 
 TSLFakeElement* fake(AXUIElementRef element) {
     return (TSLFakeElement*)element;
@@ -39,6 +42,8 @@ AXError ask(const TSLFakeElement* element) {
         return kAXErrorSuccess;
     const double limit = element->timeLimit > 0 ? element->timeLimit : systemTimeLimit;
     mac().waits.push_back(limit > 0 ? limit : kUsualTimeLimit);
+    if (mac().waited)
+        mac().waited(mac().waits.back());
     return kAXErrorCannotComplete;
 }
 
@@ -121,6 +126,28 @@ void resize(Window& window, double width, double height) {
     }
 }
 
+struct LateWrite {
+    WindowNumber window;
+    bool isSize;
+    double first;
+    double second;
+    double left; ///< seconds until the window follows it
+};
+std::vector<LateWrite> lateWrites;
+
+void follow(const LateWrite& write) {
+    const auto found = mac().windows.find(write.window);
+    if (found == mac().windows.end())
+        return;
+    Window& window = found->second;
+    if (write.isSize) {
+        resize(window, write.first, write.second);
+    } else {
+        window.axFrame.x = write.first;
+        window.axFrame.y = write.second;
+    }
+}
+
 AXError writeWindow(TSLFakeElement* element, const std::string& attribute, CFTypeRef value) {
     Window* const window = windowOf(element);
     if (!window)
@@ -137,12 +164,11 @@ AXError writeWindow(TSLFakeElement* element, const std::string& attribute, CFTyp
     mac().writes.push_back(line.str());
     if (window->fullScreen)
         return kAXErrorFailure;
-    if (isSize) {
-        resize(*window, pair->first, pair->second);
-    } else {
-        window->axFrame.x = pair->first;
-        window->axFrame.y = pair->second;
-    }
+    const LateWrite write{element->window, isSize, pair->first, pair->second, window->lateness};
+    if (window->lateness > 0)
+        lateWrites.push_back(write);
+    else
+        follow(write);
     return kAXErrorSuccess;
 }
 
@@ -168,6 +194,10 @@ AXError writeApplication(TSLFakeElement* element, const std::string& attribute, 
 }
 - (void)dealloc {
     std::erase(observers, self);
+    if (element)
+        ++registrationsLeft;
+    if (!source->modes.empty())
+        ++sourcesLeft;
     [element release];
     [source release];
     [super dealloc];
@@ -193,15 +223,45 @@ void notify(TSLFakeElement* element, const std::string& notification) {
     }
 }
 
+void describeAccessibility(std::vector<std::string>& lines) {
+    for (const TSLFakeObserver* observer : observers) {
+        registrationsLeft += observer->element ? 1 : 0;
+        sourcesLeft += observer->source->modes.empty() ? 0 : 1;
+    }
+    if (const int left = std::exchange(registrationsLeft, 0); left != 0)
+        lines.push_back(std::to_string(left) + " notifications that nobody has removed");
+    if (const int left = std::exchange(sourcesLeft, 0); left != 0)
+        lines.push_back(std::to_string(left) + " sources that nobody has removed");
+}
+
+void passTime(double seconds) {
+    for (LateWrite& write : lateWrites)
+        write.left -= seconds;
+    const auto isDue = [](const LateWrite& write) { return write.left <= 1e-9; };
+    for (const LateWrite& write : lateWrites) {
+        if (isDue(write))
+            follow(write);
+    }
+    std::erase_if(lateWrites, isDue);
+}
+
+void resetAccessibility() {
+    lateWrites.clear();
+    registrationsLeft = sourcesLeft = 0;
+    systemTimeLimit = 0;
+}
+
 } // namespace tessarel::fakemac
 
 const CFStringRef kAXTrustedCheckOptionPrompt = CFSTR("AXTrustedCheckOptionPrompt");
 
 Boolean AXIsProcessTrusted() {
+    checkThread();
     return mac().trusted ? 1 : 0;
 }
 
 Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
+    checkThread();
     for (NSString* key in (NSDictionary*)options) {
         const bool on = [[(NSDictionary*)options objectForKey:key] boolValue];
         mac().prompted.push_back(std::string([key UTF8String]) + (on ? " on" : " off"));
@@ -210,22 +270,27 @@ Boolean AXIsProcessTrustedWithOptions(CFDictionaryRef options) {
 }
 
 CFTypeID AXUIElementGetTypeID() {
+    checkThread();
     return kElementType;
 }
 
 CFTypeID AXValueGetTypeID() {
+    checkThread();
     return kValueType;
 }
 
 AXUIElementRef AXUIElementCreateApplication(pid_t pid) {
+    checkThread();
     return (AXUIElementRef)newElement(FakeElementKind::Application, pid, 0);
 }
 
 AXUIElementRef AXUIElementCreateSystemWide() {
+    checkThread();
     return (AXUIElementRef)newElement(FakeElementKind::Desktop, 0, 0);
 }
 
 AXError AXUIElementCopyAttributeValue(AXUIElementRef reference, CFStringRef name, CFTypeRef* result) {
+    checkThread();
     TSLFakeElement* const element = fake(reference);
     if (const AXError error = ask(element))
         return error;
@@ -235,11 +300,14 @@ AXError AXUIElementCopyAttributeValue(AXUIElementRef reference, CFStringRef name
     const Window* const window = windowOf(element);
     if (!window)
         return kAXErrorInvalidUIElement;
+    if (!window->hasAttributes)
+        return kAXErrorAttributeUnsupported;
     return give(result, element->kind == FakeElementKind::Part ? newPartAttribute(element, *window, attribute)
                                                                : newWindowAttribute(*window, attribute));
 }
 
 AXError AXUIElementSetAttributeValue(AXUIElementRef reference, CFStringRef name, CFTypeRef value) {
+    checkThread();
     TSLFakeElement* const element = fake(reference);
     if (const AXError error = ask(element))
         return error;
@@ -249,6 +317,7 @@ AXError AXUIElementSetAttributeValue(AXUIElementRef reference, CFStringRef name,
 }
 
 AXError AXUIElementCopyElementAtPosition(AXUIElementRef reference, float x, float y, AXUIElementRef* result) {
+    checkThread();
     const TSLFakeElement* const within = fake(reference);
     if (!mac().trusted)
         return kAXErrorAPIDisabled;
@@ -271,11 +340,13 @@ AXError AXUIElementCopyElementAtPosition(AXUIElementRef reference, float x, floa
 }
 
 AXError AXUIElementGetPid(AXUIElementRef element, pid_t* result) {
+    checkThread();
     *result = fake(element)->pid;
     return kAXErrorSuccess;
 }
 
 AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float seconds) {
+    checkThread();
     if (seconds < 0)
         return kAXErrorIllegalArgument;
     if (fake(element)->kind == FakeElementKind::Desktop)
@@ -286,15 +357,18 @@ AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float seconds) {
 }
 
 AXValueRef AXValueCreate(AXValueType type, const void* value) {
+    checkThread();
     const auto* const numbers = static_cast<const CGFloat*>(value); // a point and a size are two of them
     return (AXValueRef)newPair(type, numbers[0], numbers[1]);
 }
 
 AXValueType AXValueGetType(AXValueRef value) {
+    checkThread();
     return ((TSLFakeValue*)value)->type;
 }
 
 Boolean AXValueGetValue(AXValueRef value, AXValueType type, void* result) {
+    checkThread();
     const TSLFakeValue* const pair = (TSLFakeValue*)value;
     if (pair->type != type)
         return 0;
@@ -304,6 +378,7 @@ Boolean AXValueGetValue(AXValueRef value, AXValueType type, void* result) {
 }
 
 AXError AXObserverCreate(pid_t pid, AXObserverCallback callback, AXObserverRef* result) {
+    checkThread();
     TSLFakeObserver* const observer = [[TSLFakeObserver alloc] init];
     observer->pid = pid;
     observer->callback = callback;
@@ -313,12 +388,20 @@ AXError AXObserverCreate(pid_t pid, AXObserverCallback callback, AXObserverRef* 
 
 AXError AXObserverAddNotification(AXObserverRef reference, AXUIElementRef element, CFStringRef notification,
                                   void* context) {
+    checkThread();
     TSLFakeObserver* const observer = (TSLFakeObserver*)reference;
     TSLFakeElement* const observed = fake(element);
     if (observed->pid != observer->pid)
         return kAXErrorIllegalArgument;
+    ++mac().observationRequests;
+    if (observed->pid == mac().ownPid)
+        noteFault("the program observes itself");
     if (const AXError error = ask(observed))
         return error;
+    if (int& failures = mac().applications.at(observed->pid).failures; failures > 0) {
+        --failures;
+        return kAXErrorCannotComplete;
+    }
     if (!mac().applications.at(observed->pid).allowsObservers)
         return kAXErrorNotificationUnsupported;
     if (observed->kind == FakeElementKind::Window && !windowOf(observed))
@@ -332,6 +415,7 @@ AXError AXObserverAddNotification(AXObserverRef reference, AXUIElementRef elemen
 }
 
 AXError AXObserverRemoveNotification(AXObserverRef reference, AXUIElementRef, CFStringRef notification) {
+    checkThread();
     TSLFakeObserver* const observer = (TSLFakeObserver*)reference;
     if (!observer->element || observer->notification != [(NSString*)notification UTF8String])
         return kAXErrorNotificationNotRegistered;
@@ -341,5 +425,6 @@ AXError AXObserverRemoveNotification(AXObserverRef reference, AXUIElementRef, CF
 }
 
 CFRunLoopSourceRef AXObserverGetRunLoopSource(AXObserverRef observer) {
+    checkThread();
     return (CFRunLoopSourceRef)((TSLFakeObserver*)observer)->source;
 }

@@ -1,6 +1,8 @@
 #include "macos/fake/fake_objects.h"
 
 #import <AppKit/AppKit.h>
+#include <algorithm>
+#include <utility>
 
 // Displays, programs and sounds. What the back end does not call is not there.
 
@@ -21,17 +23,33 @@ NSRect nsRect(const Rect& rect) {
 }
 @end
 
+namespace {
+
+/// The object of a display that has gone says nothing of it any more.
+bool isConnected(NSScreen* screen) {
+    return std::ranges::any_of(mac().displays, [&](const Display& display) {
+        return display.number == ((TSLFakeScreen*)screen)->display.number;
+    });
+}
+
+} // namespace
+
 @implementation NSScreen
 + (NSArray*)screens {
+    checkThread();
     NSMutableArray* const all = [NSMutableArray array];
     for (const Display& display : mac().displays) {
         TSLFakeScreen* const screen = [[[TSLFakeScreen alloc] init] autorelease]; // another one every time
         screen->display = display;
         [all addObject:screen];
     }
+    if (const auto next = std::exchange(mac().nextDisplays, std::nullopt))
+        mac().displays = *next;
     return all;
 }
 + (NSScreen*)mainScreen {
+    checkThread();
+    const auto present = mac().displays;
     NSArray* const all = [self screens];
     const auto frontmost = mac().applications.find(mac().frontmost);
     const auto window = frontmost == mac().applications.end()
@@ -39,7 +57,7 @@ NSRect nsRect(const Rect& rect) {
                             : mac().windows.find(frontmost->second.focusedWindow);
     if (window != mac().windows.end()) {
         const Rect& axFrame = window->second.axFrame;
-        const double y = mac().displays.at(0).frame.height - axFrame.midY();
+        const double y = present.at(0).frame.height - axFrame.midY();
         for (TSLFakeScreen* screen in all) {
             if (screen->display.frame.contains({axFrame.midX(), y}))
                 return screen;
@@ -48,12 +66,15 @@ NSRect nsRect(const Rect& rect) {
     return [all count] > 0 ? [all objectAtIndex:0] : nil;
 }
 - (NSRect)frame {
-    return nsRect(((TSLFakeScreen*)self)->display.frame);
+    checkThread();
+    return isConnected(self) ? nsRect(((TSLFakeScreen*)self)->display.frame) : NSRect{};
 }
 - (NSRect)visibleFrame {
-    return nsRect(((TSLFakeScreen*)self)->display.visibleFrame);
+    checkThread();
+    return isConnected(self) ? nsRect(((TSLFakeScreen*)self)->display.visibleFrame) : NSRect{};
 }
 - (NSDictionary*)deviceDescription {
+    checkThread();
     return @{@"NSScreenNumber" : [NSNumber numberWithUnsignedInt:((TSLFakeScreen*)self)->display.number]};
 }
 @end
@@ -78,6 +99,7 @@ NSString* const NSWorkspaceDidTerminateApplicationNotification =
 
 @implementation NSRunningApplication
 + (NSRunningApplication*)runningApplicationWithProcessIdentifier:(pid_t)pid {
+    checkThread();
     const auto found = mac().applications.find(pid);
     if (found == mac().applications.end())
         return nil;
@@ -87,6 +109,7 @@ NSString* const NSWorkspaceDidTerminateApplicationNotification =
     return application;
 }
 + (NSArray*)runningApplicationsWithBundleIdentifier:(NSString*)bundleIdentifier {
+    checkThread();
     NSMutableArray* const all = [NSMutableArray array];
     for (const auto& [pid, application] : mac().applications) {
         if (application.bundleIdentifier == [bundleIdentifier UTF8String])
@@ -95,13 +118,16 @@ NSString* const NSWorkspaceDidTerminateApplicationNotification =
     return all;
 }
 - (pid_t)processIdentifier {
+    checkThread();
     return ((TSLFakeApplication*)self)->pid;
 }
 - (NSString*)bundleIdentifier {
+    checkThread();
     const auto& identifier = ((TSLFakeApplication*)self)->application.bundleIdentifier;
     return identifier ? autoreleased(*identifier) : nil;
 }
 - (NSApplicationActivationPolicy)activationPolicy {
+    checkThread();
     return ((TSLFakeApplication*)self)->application.isRegular ? NSApplicationActivationPolicyRegular
                                                               : NSApplicationActivationPolicyAccessory;
 }
@@ -119,27 +145,33 @@ NSString* const NSWorkspaceDidTerminateApplicationNotification =
 
 @implementation NSWorkspace
 + (NSWorkspace*)sharedWorkspace {
+    checkThread();
     static NSWorkspace* const workspace = [[NSWorkspace alloc] init];
     return workspace;
 }
 - (NSNotificationCenter*)notificationCenter {
-    static NSNotificationCenter* const center = [[NSNotificationCenter alloc] init];
+    checkThread();
+    static NSNotificationCenter* const center = newCenter();
     return center;
 }
 - (NSRunningApplication*)frontmostApplication {
+    checkThread();
     return [NSRunningApplication runningApplicationWithProcessIdentifier:mac().frontmost];
 }
 - (NSArray*)runningApplications {
+    checkThread();
     NSMutableArray* const all = [NSMutableArray array];
     for (const auto& [pid, application] : mac().applications)
         [all addObject:[NSRunningApplication runningApplicationWithProcessIdentifier:pid]];
     return all;
 }
 - (BOOL)openURL:(NSURL*)url {
+    checkThread();
     mac().opened.push_back([[url absoluteString] UTF8String]);
     return YES;
 }
 - (NSURL*)URLForApplicationWithBundleIdentifier:(NSString*)bundleIdentifier {
+    checkThread();
     const auto found = mac().installed.find([bundleIdentifier UTF8String]);
     if (found == mac().installed.end())
         return nil;
@@ -148,6 +180,7 @@ NSString* const NSWorkspaceDidTerminateApplicationNotification =
 @end
 
 void NSBeep() {
+    checkThread();
     ++mac().beeps;
 }
 

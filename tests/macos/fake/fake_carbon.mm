@@ -3,6 +3,7 @@
 
 #import <Carbon/Carbon.h>
 #include <algorithm>
+#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -52,11 +53,13 @@ const OpaqueEventHotKeyRef* claimOf(std::uint32_t keyCode, std::uint32_t mods) {
 } // namespace
 
 EventTargetRef GetApplicationEventTarget() {
+    checkThread();
     return &applicationTarget;
 }
 
 OSStatus InstallEventHandler(EventTargetRef target, EventHandlerUPP handler, ItemCount typeCount,
                              const EventTypeSpec* types, void* userData, EventHandlerRef* result) {
+    checkThread();
     if (target != &applicationTarget || typeCount != 1 || types[0].eventClass != 0x6B657962 ||
         types[0].eventKind != 5)
         return kParameterError;
@@ -66,11 +69,13 @@ OSStatus InstallEventHandler(EventTargetRef target, EventHandlerUPP handler, Ite
 }
 
 OSStatus RemoveEventHandler(EventHandlerRef handler) {
+    checkThread();
     return take(handlers, handler, kParameterError);
 }
 
 OSStatus RegisterEventHotKey(UInt32 keyCode, UInt32 modifiers, EventHotKeyID hotKey, EventTargetRef target,
                              OptionBits options, EventHotKeyRef* result) {
+    checkThread();
     if (target != &applicationTarget || options != 0)
         return kParameterError;
     if (claimOf(keyCode, modifiers))
@@ -82,11 +87,13 @@ OSStatus RegisterEventHotKey(UInt32 keyCode, UInt32 modifiers, EventHotKeyID hot
 }
 
 OSStatus UnregisterEventHotKey(EventHotKeyRef hotKey) {
+    checkThread();
     return take(hotKeys, hotKey, eventHotKeyInvalidErr);
 }
 
 OSStatus GetEventParameter(EventRef event, EventParamName name, EventParamType type, EventParamType*,
                            ByteCount size, ByteCount*, void* result) {
+    checkThread();
     if (name != 0x2D2D2D2D || type != 0x686B6964 || size != sizeof(EventHotKeyID))
         return kParameterError;
     *static_cast<EventHotKeyID*>(result) = event->hotKey;
@@ -94,6 +101,40 @@ OSStatus GetEventParameter(EventRef event, EventParamName name, EventParamType t
 }
 
 namespace tessarel::fakemac {
+
+namespace {
+
+/// The handler that was installed last is asked first; one that has not handled the event leaves it to the
+/// next.
+void dispatch(OpaqueEventRef& event) {
+    std::vector<OpaqueEventHandlerRef*> chain;
+    for (const auto& handler : handlers)
+        chain.insert(chain.begin(), handler.get());
+    for (OpaqueEventHandlerRef* const handler : chain) {
+        const bool isThere =
+            std::ranges::any_of(handlers, [&](const auto& one) { return one.get() == handler; });
+        if (isThere && handler->function(nullptr, &event, handler->userData) != eventNotHandledErr)
+            return;
+    }
+}
+
+OSStatus receiveForLibrary(EventHandlerCallRef, EventRef event, void*) {
+    mac().libraryHotKeys.push_back(event->hotKey.id);
+    return noErr;
+}
+
+} // namespace
+
+void installLibraryHandler() {
+    handlers.push_back(
+        std::make_unique<OpaqueEventHandlerRef>(OpaqueEventHandlerRef{receiveForLibrary, nullptr}));
+    std::rotate(handlers.begin(), std::prev(handlers.end()), handlers.end()); // asked after ours
+}
+
+void pressLibraryHotKey(std::uint32_t signature, std::uint32_t id) {
+    OpaqueEventRef event{{signature, id}};
+    dispatch(event);
+}
 
 bool pressHotKey(std::uint32_t keyCode, std::uint32_t mods) {
     const bool isOthers = claimsOfOthers.contains({keyCode, mods});
@@ -103,8 +144,7 @@ bool pressHotKey(std::uint32_t keyCode, std::uint32_t mods) {
     if (!claim)
         return isOthers;
     OpaqueEventRef event{claim->hotKey};
-    if (!handlers.empty())
-        handlers.back()->function(nullptr, &event, handlers.back()->userData);
+    dispatch(event);
     return true;
 }
 
@@ -121,8 +161,10 @@ std::vector<std::string> claims() {
 }
 
 void describeHotKeys(std::vector<std::string>& lines) {
-    if (!handlers.empty())
-        lines.push_back(std::to_string(handlers.size()) + " event handlers");
+    const auto left =
+        std::ranges::count_if(handlers, [](const auto& one) { return one->function != receiveForLibrary; });
+    if (left != 0)
+        lines.push_back(std::to_string(left) + " event handlers");
     for (const std::string& claim : claims())
         lines.push_back("hot key " + claim);
 }

@@ -14,15 +14,18 @@ using tessarel::fakemac::mac;
 
 @implementation NSColorSpace
 + (NSColorSpace*)sRGBColorSpace {
+    tessarel::fakemac::checkThread();
     return [[[NSColorSpace alloc] init] autorelease];
 }
 @end
 
 @implementation NSColor
 + (NSColor*)controlAccentColor {
+    tessarel::fakemac::checkThread();
     return [[[TSLFakeColor alloc] init] autorelease];
 }
 - (NSColor*)colorUsingColorSpace:(NSColorSpace*)space {
+    tessarel::fakemac::checkThread();
     if (!space || !mac().accent)
         return nil;
     TSLFakeColor* const converted = [[[TSLFakeColor alloc] init] autorelease];
@@ -30,17 +33,21 @@ using tessarel::fakemac::mac;
     return converted;
 }
 - (CGFloat)part:(std::size_t)number {
+    tessarel::fakemac::checkThread();
     if (!((TSLFakeColor*)self)->isConverted)
         abort();
     return mac().accent->at(number);
 }
 - (CGFloat)redComponent {
+    tessarel::fakemac::checkThread();
     return [self part:0];
 }
 - (CGFloat)greenComponent {
+    tessarel::fakemac::checkThread();
     return [self part:1];
 }
 - (CGFloat)blueComponent {
+    tessarel::fakemac::checkThread();
     return [self part:2];
 }
 @end

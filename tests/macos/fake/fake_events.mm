@@ -95,12 +95,15 @@ void showMouse(NSEventType type) {
 
 @implementation NSEvent
 + (id)addGlobalMonitorForEventsMatchingMask:(NSEventMask)mask handler:(void (^)(NSEvent*))handler {
+    checkThread();
     return addMonitor(NO, mask, (id)handler);
 }
 + (id)addLocalMonitorForEventsMatchingMask:(NSEventMask)mask handler:(NSEvent* (^)(NSEvent*))handler {
+    checkThread();
     return addMonitor(YES, mask, (id)handler);
 }
 + (void)removeMonitor:(id)monitor {
+    checkThread();
     const auto found = std::ranges::find(monitors, monitor);
     if (found == monitors.end())
         abort(); // the real one releases it once too often
@@ -108,21 +111,26 @@ void showMouse(NSEventType type) {
     [monitor release];
 }
 + (NSPoint)mouseLocation {
+    checkThread();
     const double height = mac().displays.empty() ? 0 : mac().displays.front().frame.height;
     return NSMakePoint(mac().axPointer.x, height - mac().axPointer.y);
 }
 - (NSEventModifierFlags)modifierFlags {
+    checkThread();
     return ((TSLFakeEvent*)self)->flags;
 }
 - (NSEventType)type {
+    checkThread();
     return ((TSLFakeEvent*)self)->type;
 }
 - (unsigned short)keyCode {
+    checkThread();
     if ((maskOf((TSLFakeEvent*)self) & kKeys) == 0)
         abort(); // the real one raises an exception
     return ((TSLFakeEvent*)self)->code;
 }
 - (BOOL)isARepeat {
+    checkThread();
     if (((TSLFakeEvent*)self)->type != NSEventTypeKeyDown)
         abort(); // as above
     return ((TSLFakeEvent*)self)->repeats;

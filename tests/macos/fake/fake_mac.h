@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <set>
@@ -32,6 +33,9 @@ struct Window {
     double alpha = 1;
     std::set<std::string> unlisted = {};  ///< keys that the window server's list leaves out
     std::set<std::string> mislisted = {}; ///< keys under which it has a text
+    bool hasAttributes = true;            ///< false: it is so new that its program knows nothing of it
+    double lateness = 0;                  ///< seconds that pass until it follows a write
+    bool tellsItsEnd = true;              ///< false: observers are not told when it closes
 };
 
 struct Application {
@@ -40,6 +44,7 @@ struct Application {
     bool isRegular = true;
     bool answers = true;         ///< false: whoever asks it something waits until the time limit
     bool allowsObservers = true; ///< false: it refuses to send notifications
+    int failures = 0;            ///< how often more it cannot be observed, for it has not finished its launch
     std::optional<bool> enhancedInterface = {};
     std::map<std::string, double> numbers = {}; ///< attributes of its element that hold numbers
     WindowNumber focusedWindow = 0;
@@ -60,8 +65,10 @@ struct Mac {
     bool trusted = true;
     bool allowsMonitors = true;
     bool windowServerAnswers = true;
+    bool listsAText = false; ///< the window server's list ends with something that is no window
     LoopMode loopMode = LoopMode::Default;
     std::vector<Display> displays;
+    std::optional<std::vector<Display>> nextDisplays = {}; ///< the displays, once they have been asked for
     std::map<ProcessId, Application> applications;
     std::map<WindowNumber, Window> windows;
     std::vector<WindowNumber> stacking; ///< front to back
@@ -76,20 +83,25 @@ struct Mac {
         {};                        ///< the user's red, green and blue; none: no such colour
     std::set<std::string> symbols; ///< names of the system's pictures
     bool hasStatusButtons = true;
+    bool grantsActivation = true; ///< false: the program in front does not yield to one that asks for it
     std::optional<std::string> panelChoice;     ///< path that the user picks in a panel; none: cancels it
     std::map<std::string, std::string> bundles; ///< identifiers, which may be empty, by path
 
-    std::vector<std::string> writes;   ///< attributes written, as in "window 3 AXSize 640x480"
-    std::vector<double> waits;         ///< seconds waited for applications that do not answer
-    std::vector<std::string> prompted; ///< options with which the permission was asked for
-    std::vector<std::string> opened;   ///< addresses
-    std::vector<std::string> actions;  ///< sent to whatever has the keyboard focus
+    std::vector<std::string> writes;                 ///< attributes written, as in "window 3 AXSize 640x480"
+    std::vector<double> waits;                       ///< seconds waited for applications that do not answer
+    std::function<void(double seconds)> waited = {}; ///< called with each of these
+    int observationRequests = 0;                     ///< of this program, made of other programs
+    std::vector<std::string> prompted;               ///< options with which the permission was asked for
+    std::vector<std::string> opened;                 ///< addresses
+    std::vector<std::string> actions;                ///< sent to whatever has the keyboard focus
     int beeps = 0;
     int loginItemChanges = 0;
-    int activations = 0;                       ///< how often this program has come to the front
+    int activationRequests = 0;                ///< of this program, to come to the front
+    int activations = 0;                       ///< how often it has
     std::optional<long> activationPolicy = {}; ///< as this program has set it
     std::vector<std::string> panels;           ///< shown, with what they offered
     int pressesForOthers = 0;                  ///< of keys that another program has claimed
+    std::vector<std::uint32_t> libraryHotKeys; ///< that have come to a library's own handler
 };
 
 [[nodiscard]] Mac& mac();
@@ -118,10 +130,18 @@ void holdModifiers(std::uint64_t flags);
 
 /// A key, by virtual key code, with Carbon's modifier bits. `repeats`: it is held down.
 void pressKeys(std::uint32_t keyCode, std::uint32_t mods, bool repeats = false);
+/// Time passes for windows that are late.
+void passTime(double seconds);
+/// A turn of this program's loop: what comes only with one, comes.
+void turn();
 /// The user opens this program, which runs already, once more: false when it does not care.
 bool openAgain();
 /// This program's loop has begun, and with it what the system itself does about events.
 void finishLaunching();
+/// A library that this program uses has a handler of its own for hot keys, from before ours, and presses of
+/// hot keys of its own.
+void installLibraryHandler();
+void pressLibraryHotKey(std::uint32_t signature, std::uint32_t id);
 void claimForAnotherProgram(std::uint32_t keyCode, std::uint32_t mods);
 /// Claims of this program, as "keyCode mods signature id".
 [[nodiscard]] std::vector<std::string> claims();

@@ -34,6 +34,8 @@ void reset() {
     resetHotKeys();
     resetInput();
     resetReopening();
+    resetLoop();
+    resetAccessibility();
 }
 
 std::vector<std::string> heldObjects() {
@@ -43,6 +45,8 @@ std::vector<std::string> heldObjects() {
     describeMonitors(lines);
     describeStatusItems(lines);
     describeReopening(lines);
+    describeAccessibility(lines);
+    describeLoop(lines);
     return lines;
 }
 
@@ -76,13 +80,15 @@ WindowNumber openWindow(const Window& window) {
 void closeWindow(WindowNumber number) {
     @autoreleasepool {
         TSLFakeElement* const element = windowElement(number);
+        const bool tellsItsEnd = mac().windows.at(number).tellsItsEnd;
         std::erase(mac().stacking, number);
         mac().windows.erase(number);
         for (auto& [pid, application] : mac().applications) {
             if (application.focusedWindow == number)
                 application.focusedWindow = 0;
         }
-        notify(element, "AXUIElementDestroyed");
+        if (tellsItsEnd)
+            notify(element, "AXUIElementDestroyed");
     }
 }
 
@@ -91,7 +97,15 @@ void focus(WindowNumber number) {
     std::erase(mac().stacking, number);
     mac().stacking.insert(mac().stacking.begin(), number);
     mac().applications.at(pid).focusedWindow = number;
-    if (std::exchange(mac().frontmost, pid) != pid)
+    bringToFront(pid);
+}
+
+void bringToFront(pid_t pid) {
+    if (std::exchange(mac().frontmost, pid) == pid)
+        return;
+    if (pid != mac().ownPid)
+        sendOwnWindowsBack();
+    if (mac().applications.contains(pid))
         postApplicationNotification(NSWorkspaceDidActivateApplicationNotification, pid);
 }
 

@@ -22,11 +22,13 @@ struct StatusItemSight {
 /// Those of this program.
 [[nodiscard]] std::vector<StatusItemSight> statusItems();
 
-/// Opens the menu of the status item put up last: its rows as they look.
+/// Opens the menu of the status item put up last: its rows as they look. It is tracked from then on.
 [[nodiscard]] Menu openStatusMenu();
+/// Ends that without a choice.
+void closeStatusMenu();
 
-/// A click on the row of that menu to which these titles lead; it may come at any time, and keeps the row
-/// until then. Empty when there is no such row, or when nothing comes of a click on it.
+/// A click on the row of that menu to which these titles lead, which closes it; it may come at any time, and
+/// keeps the row until then. Empty when there is no such row, or when nothing comes of a click on it.
 [[nodiscard]] std::function<void()> clickAt(const std::vector<std::string>& titles);
 
 /// The rows of the main menu, as in "Edit > Redo Shift+Cmd+z".

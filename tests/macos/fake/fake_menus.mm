@@ -1,6 +1,7 @@
 #include "macos/fake/fake_menus.h"
 
 #include "macos/fake/fake_objects.h"
+#include "macos/fake/fake_windows.h"
 
 #import <AppKit/AppKit.h>
 #include <algorithm>
@@ -96,6 +97,7 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
 
 @implementation NSImage
 + (NSImage*)imageWithSystemSymbolName:(NSString*)name accessibilityDescription:(NSString*)description {
+    checkThread();
     if (!mac().symbols.contains([name UTF8String]))
         return nil;
     TSLFakeImage* const image = [[[TSLFakeImage alloc] init] autorelease];
@@ -111,6 +113,7 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
     return self == [NSMenuItem class] ? [TSLFakeMenuItem alloc] : [super alloc];
 }
 + (NSMenuItem*)separatorItem {
+    checkThread();
     TSLFakeMenuItem* const item = [[[TSLFakeMenuItem alloc] initWithTitle:@""
                                                                    action:nullptr
                                                             keyEquivalent:@""] autorelease];
@@ -137,21 +140,26 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
 @implementation NSApplication
 @dynamic mainMenu;
 + (NSApplication*)sharedApplication {
+    checkThread();
     static NSApplication* const application = [[TSLFakeApp alloc] init];
     return application;
 }
 - (BOOL)sendAction:(SEL)action to:(id)target from:(id)sender {
+    checkThread();
     if (target || sender)
         abort(); // nobody needs the application for that
     mac().actions.push_back([NSStringFromSelector(action) UTF8String]);
     return YES;
 }
 - (BOOL)setActivationPolicy:(NSApplicationActivationPolicy)policy {
+    checkThread();
     mac().activationPolicy = policy;
     return YES;
 }
 - (void)activateIgnoringOtherApps:(BOOL)ignoringOtherApps {
-    mac().activations += ignoringOtherApps ? 1 : 0; // it would wait for the user otherwise
+    checkThread();
+    if (ignoringOtherApps) // it would wait for the user otherwise
+        activateOwnProgram();
 }
 @end
 
@@ -159,9 +167,11 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
 
 @implementation TSLFakeImage
 - (BOOL)isTemplate {
+    checkThread();
     return isTemplate;
 }
 - (void)setTemplate:(BOOL)value {
+    checkThread();
     isTemplate = value;
 }
 @end
@@ -170,6 +180,7 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
 @synthesize target, action, representedObject, enabled, state, submenu, keyEquivalent,
     keyEquivalentModifierMask;
 - (instancetype)initWithTitle:(NSString*)text action:(SEL)selector keyEquivalent:(NSString*)key {
+    checkThread();
     if ((self = [super init])) {
         title = [text UTF8String]; // ends the test for nil, as the real one would
         self.action = selector;
@@ -190,6 +201,7 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
 @implementation TSLFakeMenu
 @synthesize autoenablesItems, delegate;
 - (instancetype)initWithTitle:(NSString*)title {
+    checkThread();
     if ((self = [super init]) && title) {
         items = [[NSMutableArray alloc] init];
         self.autoenablesItems = YES;
@@ -201,9 +213,11 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
     [super dealloc];
 }
 - (void)addItem:(NSMenuItem*)item {
+    checkThread();
     [items addObject:item];
 }
 - (void)removeAllItems {
+    checkThread();
     [items removeAllObjects];
 }
 @end
@@ -238,10 +252,12 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
 
 @implementation NSStatusBar
 + (NSStatusBar*)systemStatusBar {
+    checkThread();
     static NSStatusBar* const bar = [[NSStatusBar alloc] init];
     return bar;
 }
 - (NSStatusItem*)statusItemWithLength:(CGFloat)length {
+    checkThread();
     if (length != -1) // another one would not grow with what it shows
         abort();
     NSStatusItem* const item = [[[TSLFakeStatusItem alloc] init] autorelease];
@@ -249,6 +265,7 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
     return item;
 }
 - (void)removeStatusItem:(NSStatusItem*)item {
+    checkThread();
     if (std::erase(statusItemsUp, item) != 1)
         abort();
 }
@@ -307,6 +324,18 @@ void perform(NSMenuItem* item) {
     }
 }
 
+void tellDelegate(NSMenu* menu, SEL selector) {
+    if ([(id)menu.delegate respondsToSelector:selector])
+        [(id)menu.delegate performSelector:selector withObject:menu];
+}
+
+/// The menu is told first, then its window begins to fade, and only then comes what was chosen.
+void closeAndPerform(NSMenuItem* item) {
+    closeStatusMenu();
+    letMenuFade();
+    perform(item);
+}
+
 std::string keyOf(NSMenuItem* item) {
     if ([item.keyEquivalent length] == 0)
         return "";
@@ -340,8 +369,16 @@ std::vector<StatusItemSight> statusItems() {
 Menu openStatusMenu() {
     @autoreleasepool {
         NSMenu* const menu = statusMenu();
-        [menu.delegate menuNeedsUpdate:menu];
+        mac().loopMode = LoopMode::EventTracking;
+        tellDelegate(menu, @selector(menuNeedsUpdate:));
         return menu ? sightOf(menu) : Menu();
+    }
+}
+
+void closeStatusMenu() {
+    @autoreleasepool {
+        if (std::exchange(mac().loopMode, LoopMode::Default) == LoopMode::EventTracking)
+            tellDelegate(statusMenu(), @selector(menuDidClose:));
     }
 }
 
@@ -356,7 +393,7 @@ std::function<void()> clickAt(const std::vector<std::string>& titles) {
         if (!item.action)
             return nullptr;
         const std::shared_ptr<NSMenuItem> kept([item retain], [](NSMenuItem* one) { [one release]; });
-        return [kept] { perform(kept.get()); };
+        return [kept] { closeAndPerform(kept.get()); };
     }
 }
 

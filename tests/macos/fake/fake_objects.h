@@ -91,6 +91,19 @@ void notify(TSLFakeElement* element, const std::string& notification);
 [[nodiscard]] bool isServed(TSLFakeSource* source);
 /// Lets the applications' notifications about `pid` out.
 void postApplicationNotification(NSString* name, pid_t pid);
+/// Makes the program the one in front, then lets that out.
+void bringToFront(pid_t pid);
+/// Another program comes to the front, and its windows with it.
+void sendOwnWindowsBack();
+/// Ends the process off the main thread, where no framework that the back end uses may be called.
+void checkThread();
+[[nodiscard]] NSNotificationCenter* newCenter();
+/// Something that the system would punish in its own way, to be told at the end of the test.
+void noteFault(const std::string& fault);
+/// A menu's window stays on the screen until the next turn.
+void letMenuFade();
+/// Fails the test that does `what` while a menu is tracked or has not faded out.
+void checkMenusAreGone(const char* what);
 /// Ends the application, then tells of it.
 void postTermination(pid_t pid, bool isNumbered);
 
@@ -103,8 +116,12 @@ void describeHotKeys(std::vector<std::string>& lines);
 void describeMonitors(std::vector<std::string>& lines);
 void describeStatusItems(std::vector<std::string>& lines);
 void describeReopening(std::vector<std::string>& lines);
+void describeAccessibility(std::vector<std::string>& lines);
+void describeLoop(std::vector<std::string>& lines);
 void resetHotKeys();
 void resetInput();
 void resetReopening();
+void resetLoop();
+void resetAccessibility();
 
 } // namespace tessarel::fakemac

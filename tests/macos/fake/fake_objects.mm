@@ -170,26 +170,31 @@ const CFRunLoopMode kCFRunLoopDefaultMode = CFSTR("kCFRunLoopDefaultMode");
 const CFRunLoopMode kCFRunLoopCommonModes = CFSTR("kCFRunLoopCommonModes");
 
 CFTypeRef CFRetain(CFTypeRef object) {
+    tessarel::fakemac::checkThread();
     if (!object)
         abort();
     return (CFTypeRef)[(id)object retain];
 }
 
 void CFRelease(CFTypeRef object) {
+    tessarel::fakemac::checkThread();
     if (!object)
         abort();
     [(id)object release];
 }
 
 Boolean CFEqual(CFTypeRef first, CFTypeRef second) {
+    tessarel::fakemac::checkThread();
     return [(id)first isEqual:(id)second] ? 1 : 0;
 }
 
 CFHashCode CFHash(CFTypeRef object) {
+    tessarel::fakemac::checkThread();
     return [(id)object hash];
 }
 
 CFTypeID CFGetTypeID(CFTypeRef reference) {
+    tessarel::fakemac::checkThread();
     const id object = (id)reference;
     if ([object isKindOfClass:[TSLFakeObject class]])
         return [(TSLFakeObject*)object fakeTypeID];
@@ -203,31 +208,40 @@ CFTypeID CFGetTypeID(CFTypeRef reference) {
 }
 
 CFTypeID CFStringGetTypeID() {
+    tessarel::fakemac::checkThread();
     return kString;
 }
 CFTypeID CFArrayGetTypeID() {
+    tessarel::fakemac::checkThread();
     return kArray;
 }
 CFTypeID CFBooleanGetTypeID() {
+    tessarel::fakemac::checkThread();
     return kBoolean;
 }
 CFTypeID CFNumberGetTypeID() {
+    tessarel::fakemac::checkThread();
     return kNumber;
 }
 
 CFIndex CFArrayGetCount(CFArrayRef array) {
+    tessarel::fakemac::checkThread();
     return static_cast<CFIndex>([(NSArray*)array count]);
 }
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index) {
+    tessarel::fakemac::checkThread();
     return (const void*)[(NSArray*)array objectAtIndex:static_cast<NSUInteger>(index)];
 }
 
 CFRunLoopRef CFRunLoopGetMain() {
+    tessarel::fakemac::checkThread();
     return reinterpret_cast<CFRunLoopRef>(&mainLoop);
 }
 void CFRunLoopAddSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+    tessarel::fakemac::checkThread();
     checked(loop, source)->modes.insert(nameOf(mode));
 }
 void CFRunLoopRemoveSource(CFRunLoopRef loop, CFRunLoopSourceRef source, CFRunLoopMode mode) {
+    tessarel::fakemac::checkThread();
     checked(loop, source)->modes.erase(nameOf(mode));
 }

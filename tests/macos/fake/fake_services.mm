@@ -40,6 +40,7 @@ NSDictionary* listed(const Window& window) {
 } // namespace
 
 CFArrayRef CGWindowListCopyWindowInfo(CGWindowListOption options, CGWindowID relativeTo) {
+    checkThread();
     constexpr CGWindowListOption kOnScreen = 1;
     constexpr CGWindowListOption kWithoutDesktop = 16;
     if (!mac().windowServerAnswers || relativeTo != 0)
@@ -53,11 +54,14 @@ CFArrayRef CGWindowListCopyWindowInfo(CGWindowListOption options, CGWindowID rel
         }
         if ((options & kWithoutDesktop) == 0) // the desktop's own windows are below all others
             entries.push_back([listed({.pid = 1, .layer = -2147483623}) retain]);
+        if (mac().listsAText)
+            entries.push_back(newString("a text"));
         return (CFArrayRef)newArray(std::move(entries));
     }
 }
 
 bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* rect) {
+    checkThread();
     NSDictionary* const values = (NSDictionary*)dictionary;
     for (NSString* key in @[ @"X", @"Y", @"Width", @"Height" ]) {
         if (![[values objectForKey:key] isKindOfClass:[NSNumber class]])
@@ -76,6 +80,7 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
 @end
 @implementation NSFileManager (TSLFake)
 - (NSString*)displayNameAtPath:(NSString*)path {
+    checkThread();
     return [path lastPathComponent];
 }
 @end
@@ -87,15 +92,18 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
     return self; // without the files that the real ones read
 }
 - (id)objectForKey:(NSString*)key {
+    checkThread();
     const auto found = mac().defaults.find([key UTF8String]);
     if (found == mac().defaults.end())
         return nil;
     return [NSData dataWithBytes:found->second.data() length:found->second.size()];
 }
 - (NSData*)dataForKey:(NSString*)key {
+    checkThread();
     return [self objectForKey:key];
 }
 - (void)setObject:(id)value forKey:(NSString*)key {
+    checkThread();
     NSData* const data = value;
     mac().defaults[[key UTF8String]] = std::string(static_cast<const char*>([data bytes]), [data length]);
 }
@@ -105,6 +113,7 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
 @end
 @implementation NSUserDefaults (TSLFake)
 + (NSUserDefaults*)standardUserDefaults {
+    checkThread();
     static TSLFakeDefaults* const defaults = [[TSLFakeDefaults alloc] init];
     return defaults;
 }
@@ -121,6 +130,7 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
     return self; // without the files that the real one reads
 }
 - (NSString*)bundleIdentifier {
+    checkThread();
     return identifier.empty() ? nil : autoreleased(identifier);
 }
 @end
@@ -129,6 +139,7 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
 @end
 @implementation NSBundle (TSLFake)
 + (instancetype)bundleWithURL:(NSURL*)url {
+    checkThread();
     const auto found = mac().bundles.find([[url path] UTF8String]);
     if (found == mac().bundles.end())
         return nil;
@@ -137,6 +148,7 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
     return bundle;
 }
 - (NSString*)bundleIdentifier {
+    checkThread();
     return mac().ownBundleIdentifier ? autoreleased(*mac().ownBundleIdentifier) : nil;
 }
 @end
@@ -145,29 +157,8 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
 @end
 @implementation NSProcessInfo (TSLFake)
 - (int)processIdentifier {
+    checkThread();
     return mac().ownPid;
-}
-@end
-
-/// Reaches all copies of the program at once, as they are all this process.
-@interface TSLFakeDistributedCenter : NSNotificationCenter
-@end
-@implementation TSLFakeDistributedCenter
-- (void)postNotificationName:(NSString*)name
-                      object:(NSString*)object
-                    userInfo:(NSDictionary*)userInfo
-          deliverImmediately:(BOOL)immediately {
-    if (immediately) // a program in the background would wait for the others for ever
-        [self postNotificationName:name object:object userInfo:userInfo];
-}
-@end
-
-@interface NSDistributedNotificationCenter (TSLFake)
-@end
-@implementation NSDistributedNotificationCenter (TSLFake)
-+ (id)defaultCenter {
-    static TSLFakeDistributedCenter* const center = [[TSLFakeDistributedCenter alloc] init];
-    return center;
 }
 @end
 
@@ -175,19 +166,23 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
 @end
 @implementation TSLFakeError
 - (NSString*)localizedDescription {
+    checkThread();
     return autoreleased(*mac().loginItemRefusal);
 }
 @end
 
 @implementation SMAppService
 + (SMAppService*)mainAppService {
+    checkThread();
     static SMAppService* const service = [[SMAppService alloc] init];
     return service;
 }
 - (SMAppServiceStatus)status {
+    checkThread();
     return mac().loginItemStatus;
 }
 - (BOOL)changeTo:(SMAppServiceStatus)status error:(NSError**)error {
+    checkThread();
     ++mac().loginItemChanges;
     if (mac().loginItemRefusal) {
         *error = [[[TSLFakeError alloc] initWithDomain:@"SMAppServiceErrorDomain" code:1
@@ -198,14 +193,17 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
     return YES;
 }
 - (BOOL)registerAndReturnError:(NSError**)error {
+    checkThread();
     return [self changeTo:SMAppServiceStatusEnabled error:error];
 }
 - (BOOL)unregisterAndReturnError:(NSError**)error {
+    checkThread();
     return [self changeTo:SMAppServiceStatusNotRegistered error:error];
 }
 @end
 
 int proc_pidinfo(int pid, int flavor, uint64_t argument, void* buffer, int size) {
+    checkThread();
     const auto found = mac().applications.find(pid);
     if (flavor != 3 || argument != 0 || size != static_cast<int>(sizeof(proc_bsdinfo)))
         abort();
@@ -238,6 +236,7 @@ void checkIsReopening(uint32_t eventClass, uint32_t eventID) {
 
 @implementation NSAppleEventManager (Events)
 + (NSAppleEventManager*)sharedAppleEventManager {
+    checkThread();
     static NSAppleEventManager* const manager = [[NSAppleEventManager alloc] init];
     return manager;
 }
@@ -245,10 +244,12 @@ void checkIsReopening(uint32_t eventClass, uint32_t eventID) {
             andSelector:(SEL)selector
           forEventClass:(uint32_t)eventClass
              andEventID:(uint32_t)eventID {
+    checkThread();
     checkIsReopening(eventClass, eventID);
     reopening = {handler, selector};
 }
 - (void)removeEventHandlerForEventClass:(uint32_t)eventClass andEventID:(uint32_t)eventID {
+    checkThread();
     checkIsReopening(eventClass, eventID);
     reopening = {};
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ports/rect.h"
+
 namespace tessarel::fakemac {
 
 struct WindowSight {
@@ -7,6 +9,10 @@ struct WindowSight {
     unsigned long collectionBehavior = 0;
     bool ignoresMouseEvents = false;
     bool hasShadow = true;
+    bool isVisible = false;
+    bool isInFront = false;   ///< of the windows of its level, those of the program in front included
+    bool hasKeyboard = false; ///< once its program is in front
+    Rect frame = {};          ///< in screen coordinates
     bool operator==(const WindowSight&) const = default;
 };
 
@@ -21,8 +27,20 @@ public:
     [[nodiscard]] void* native() const { return m_view; }
     [[nodiscard]] WindowSight window() const;
 
+    // What the toolkit does with the window.
+
+    /// Gives the window the toolkit's own properties, as it does when it makes the window anew.
+    void makeWindowAnew();
+    /// Shows the window: in front only when its program is.
+    void orderFront(bool makesKey);
+    void orderOut();
+    void setFrame(const Rect& screenFrame);
+
 private:
     void* m_view;
 };
+
+/// What `-[NSApplication activateIgnoringOtherApps:]` does, whoever calls it.
+void activateOwnProgram();
 
 } // namespace tessarel::fakemac

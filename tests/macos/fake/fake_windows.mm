@@ -4,6 +4,8 @@
 
 #import <AppKit/AppKit.h>
 #import <UniformTypeIdentifiers/UniformTypeIdentifiers.h>
+#include <algorithm>
+#include <vector>
 
 // This program's own windows, and the panel in which files are chosen.
 
@@ -16,6 +18,10 @@ using namespace tessarel::fakemac;
     NSWindowCollectionBehavior collectionBehavior;
     BOOL ignoresMouseEvents;
     BOOL hasShadow;
+@public
+    BOOL isVisible;
+    BOOL isInFront;
+    Rect frame;
 }
 @property NSWindowLevel level;
 @property NSWindowCollectionBehavior collectionBehavior;
@@ -45,6 +51,17 @@ using namespace tessarel::fakemac;
 @property BOOL allowsMultipleSelection;
 @end
 
+namespace {
+
+std::vector<TSLFakeWindow*> windows; // all there are, owned by their views
+TSLFakeWindow* keyWindow = nil;
+
+bool isOwnProgramInFront() {
+    return mac().frontmost == mac().ownPid;
+}
+
+} // namespace
+
 #pragma clang diagnostic push
 #pragma clang diagnostic ignored "-Wincomplete-implementation"
 
@@ -59,6 +76,7 @@ using namespace tessarel::fakemac;
 @implementation NSOpenPanel
 @dynamic allowedContentTypes, directoryURL, prompt, canChooseDirectories, allowsMultipleSelection, URLs;
 + (NSOpenPanel*)openPanel {
+    checkThread();
     return [[[TSLFakePanel alloc] init] autorelease];
 }
 @end
@@ -67,6 +85,28 @@ using namespace tessarel::fakemac;
 
 @implementation TSLFakeWindow
 @synthesize level, collectionBehavior, ignoresMouseEvents, hasShadow;
+- (instancetype)init {
+    if ((self = [super init])) {
+        self.hasShadow = YES;
+        windows.push_back(self);
+    }
+    return self;
+}
+- (void)dealloc {
+    std::erase(windows, self);
+    if (keyWindow == self)
+        keyWindow = nil;
+    [super dealloc];
+}
+- (void)orderFrontRegardless {
+    checkThread();
+    checkMenusAreGone("orders a window front");
+    isVisible = isInFront = YES;
+}
+- (void)makeKeyWindow {
+    checkThread();
+    keyWindow = self;
+}
 @end
 
 @implementation TSLFakeView
@@ -75,6 +115,7 @@ using namespace tessarel::fakemac;
     [super dealloc];
 }
 - (NSWindow*)window {
+    checkThread();
     return ownWindow;
 }
 @end
@@ -93,6 +134,7 @@ using namespace tessarel::fakemac;
     [super dealloc];
 }
 - (NSModalResponse)runModal {
+    checkThread();
     const bool onlyApplications = [self.allowedContentTypes isEqual:@[ UTTypeApplicationBundle ]];
     mac().panels.push_back(std::string(self.allowsMultipleSelection ? "several " : "one ") +
                            (onlyApplications ? "application" : "file") +
@@ -101,6 +143,7 @@ using namespace tessarel::fakemac;
     return mac().panelChoice ? 1 : 0;
 }
 - (NSArray*)URLs {
+    checkThread();
     return mac().panelChoice ? @[ [NSURL fileURLWithPath:autoreleased(*mac().panelChoice)] ] : @[];
 }
 @end
@@ -119,10 +162,8 @@ namespace tessarel::fakemac {
 
 View::View(bool isInWindow) {
     TSLFakeView* const view = [[TSLFakeView alloc] init];
-    if (isInWindow) {
+    if (isInWindow)
         view->ownWindow = [[TSLFakeWindow alloc] init];
-        view->ownWindow.hasShadow = YES;
-    }
     m_view = view;
 }
 
@@ -132,7 +173,64 @@ View::~View() {
 
 WindowSight View::window() const {
     TSLFakeWindow* const window = ((TSLFakeView*)m_view)->ownWindow;
-    return {window.level, window.collectionBehavior, window.ignoresMouseEvents != NO, window.hasShadow != NO};
+    if (!window)
+        return {};
+    return {window.level,
+            window.collectionBehavior,
+            window.ignoresMouseEvents != NO,
+            window.hasShadow != NO,
+            window->isVisible != NO,
+            window->isInFront != NO,
+            window == keyWindow,
+            window->frame};
+}
+
+void View::makeWindowAnew() {
+    constexpr NSWindowLevel kToolkitsTopLevel = 8;
+    constexpr NSWindowCollectionBehavior kFullScreenPrimary = 1U << 7U;
+    TSLFakeWindow* const window = ((TSLFakeView*)m_view)->ownWindow;
+    window.level = kToolkitsTopLevel;
+    window.collectionBehavior = kFullScreenPrimary;
+    window.ignoresMouseEvents = NO;
+    window.hasShadow = YES;
+}
+
+void View::orderFront(bool makesKey) {
+    checkMenusAreGone("orders a window front");
+    TSLFakeWindow* const window = ((TSLFakeView*)m_view)->ownWindow;
+    window->isVisible = YES;
+    window->isInFront = isOwnProgramInFront() ? YES : NO; // else behind those of the program that is
+    if (makesKey)
+        keyWindow = window;
+}
+
+void View::orderOut() {
+    TSLFakeWindow* const window = ((TSLFakeView*)m_view)->ownWindow;
+    window->isVisible = window->isInFront = NO;
+    if (keyWindow == window)
+        keyWindow = nil;
+}
+
+void View::setFrame(const Rect& screenFrame) {
+    ((TSLFakeView*)m_view)->ownWindow->frame = screenFrame;
+}
+
+void activateOwnProgram() {
+    checkMenusAreGone("asks to come to the front");
+    ++mac().activationRequests;
+    if (!mac().grantsActivation)
+        return;
+    ++mac().activations;
+    bringToFront(mac().ownPid);
+    for (TSLFakeWindow* window : windows)
+        window->isInFront = window->isVisible;
+}
+
+void sendOwnWindowsBack() {
+    for (TSLFakeWindow* window : windows) {
+        if (window.level < NSStatusWindowLevel)
+            window->isInFront = NO;
+    }
 }
 
 } // namespace tessarel::fakemac

@@ -20,6 +20,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tessarel::qt {
 namespace {
@@ -58,9 +59,28 @@ protected:
     QtAlerts alerts;
 };
 
+TEST_F(QtAlertsTest, ABoxIsHandedOutWhenItIsShownAndBeforeItsLoopBegins) {
+    std::vector<QWidget*> shown;
+    QtAlerts watched({.shown = [&](QWidget& box) {
+        EXPECT_TRUE(box.isVisible());
+        shown.push_back(&box);
+    }});
+    const auto close = [&] {
+        EXPECT_EQ(shown.back(), QApplication::activeModalWidget());
+        QApplication::activeModalWidget()->close();
+    };
+
+    queue.async(close);
+    (void)watched.runModal({"Question", "Why?", {}});
+    queue.async(close);
+    (void)watched.runModalForText({"Question", "Why?", {}});
+
+    EXPECT_EQ(shown.size(), 2U);
+}
+
 TEST_F(QtAlertsTest, WhatIsToBeDoneBeforeABoxIsMadeIsDone) {
     int done = 0;
-    QtAlerts prepared([&] { ++done; });
+    QtAlerts prepared({.beforeMaking = [&] { ++done; }});
     for (const int before : {1, 2}) {
         queue.async([&] {
             EXPECT_EQ(done, before);

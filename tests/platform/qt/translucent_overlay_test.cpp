@@ -40,6 +40,7 @@ protected:
     sim::SimClock clock;
     sim::SimMainQueue queue{clock};
     std::vector<bool> prepared; ///< whether the window was already shown, for each that was made
+    std::vector<bool> ordered;  ///< whether the window was shown, for each time it was ordered to the front
     QColor accent = Qt::green;
     TranslucentOverlay overlay{
         queue,
@@ -48,6 +49,7 @@ protected:
                  return Rect{screenFrame.x, 1000 - screenFrame.maxY(), screenFrame.width, screenFrame.height};
              },
          .prepare = [this](QWidget& made) { prepared.push_back(made.isVisible()); },
+         .orderFront = [this](QWidget& shown) { ordered.push_back(shown.isVisible()); },
          .accent = [this] { return accent; }}};
     std::unique_ptr<OverlayWindow> window = overlay.createWindow();
 };
@@ -66,6 +68,24 @@ TEST_F(TranslucentOverlayTest, TheWindowIsPreparedOnceAndBeforeItIsShown) {
 
     EXPECT_EQ(prepared, std::vector<bool>{false});
     EXPECT_TRUE(surface()->isVisible());
+}
+
+TEST_F(TranslucentOverlayTest, TheSystemOrdersTheWindowToTheFrontAndQtDoesNotRaiseIt) {
+    struct Raises : QObject {
+        bool eventFilter(QObject*, QEvent* event) override {
+            count += event->type() == QEvent::ZOrderChange ? 1 : 0;
+            return false;
+        }
+
+        int count = 0;
+    } raises;
+    qApp->installEventFilter(&raises);
+
+    window->orderFront();
+    window->orderFront();
+
+    EXPECT_EQ(ordered, (std::vector<bool>{true, true}));
+    EXPECT_EQ(raises.count, 0);
 }
 
 TEST_F(TranslucentOverlayTest, TheWindowCoversTheFrameWhereItIsForQt) {

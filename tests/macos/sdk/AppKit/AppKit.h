@@ -100,6 +100,7 @@ enum : NSInteger { NSControlStateValueOff = 0, NSControlStateValueOn = 1 };
 @protocol NSMenuDelegate <NSObject>
 @optional
 - (void)menuNeedsUpdate:(NSMenu*)menu;
+- (void)menuDidClose:(NSMenu*)menu;
 @end
 
 @interface NSMenu : NSObject
@@ -151,6 +152,8 @@ enum : NSUInteger {
 @property NSWindowCollectionBehavior collectionBehavior;
 @property BOOL ignoresMouseEvents;
 @property BOOL hasShadow;
+- (void)orderFrontRegardless;
+- (void)makeKeyWindow;
 @end
 
 @interface NSView : NSObject
