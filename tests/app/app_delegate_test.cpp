@@ -1,6 +1,8 @@
 #include "app/app_delegate.h"
 
+#include "app/main_menu.h"
 #include "model/action_id.h"
+#include "model/presets.h"
 #include "platform/sim/sim_desktop.h"
 #include "support/sim_ports.h"
 
@@ -16,7 +18,6 @@
 namespace tessarel {
 namespace {
 
-using testing::ElementsAre;
 using Launch = AppDelegate::Launch;
 
 constexpr std::uint32_t kVirtual1 = 18;
@@ -38,7 +39,19 @@ TEST_F(AppDelegateTest, LaunchingClaimsTheHotKeysOfAllActionsButThoseOfDisabledZ
 
     EXPECT_EQ(desktop.hotKeys().registered().size(), 15U);
     EXPECT_EQ(desktop.hotKeys().handlersInstalled(), 1);
-    EXPECT_EQ(desktop.trust().prompts, 0);
+}
+
+TEST_F(AppDelegateTest, WithTrustNobodyIsAskedForIt) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    desktop.advance(std::chrono::seconds(1));
+
+    EXPECT_EQ(desktop.trust().promptCalls, 0);
+}
+
+TEST_F(AppDelegateTest, LaunchingSetsTheMainMenu) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+
+    EXPECT_EQ(desktop.mainMenu().menus, mainMenu());
 }
 
 TEST_F(AppDelegateTest, NothingIsClaimedBeforeLaunching) {
@@ -85,6 +98,49 @@ TEST_F(AppDelegateTest, ChangedSettingsClaimTheHotKeysAnew) {
     EXPECT_EQ(desktop.hotKeys().handlersInstalled(), 1);
 }
 
+TEST_F(AppDelegateTest, ChangedSettingsShowTheStatusIconAnew) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    ASSERT_EQ(desktop.statusItem().symbol, "rectangle.3.group");
+    desktop.statusItem().symbols.erase("rectangle.3.group");
+
+    Store::shared().saveAndNotify();
+
+    EXPECT_EQ(desktop.statusItem().symbol, "square.grid.2x2");
+}
+
+TEST_F(AppDelegateTest, APauseEndsWithTheProgram) {
+    desktop.addScreen({.frame = {0, 0, 1200, 800}});
+    const auto editor = desktop.openWindow("org.example.editor", {200, 150, 640, 480});
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    MenuItem pause;
+    pause.command = MenuCommand::TogglePause;
+    delegate->itemSelected(pause);
+    Store::shared().save();
+    ASSERT_TRUE(desktop.statusItem().appearsDisabled);
+    delegate.reset();
+
+    delegate = std::make_unique<AppDelegate>(ports(copy), nullptr);
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+
+    EXPECT_FALSE(desktop.statusItem().appearsDisabled);
+    desktop.hotKeys().press(kVirtual1, kCtrlOpt);
+    EXPECT_EQ(desktop.frame(editor), (Rect{0, 0, 400, 400}));
+}
+
+TEST_F(AppDelegateTest, WithoutASettingsWindowItsCommandsDoNothing) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    MenuItem item;
+
+    delegate->applicationShouldHandleReopen();
+    item.command = MenuCommand::OpenSettings;
+    delegate->itemSelected(item);
+    item.command = MenuCommand::ApplyLayout;
+    item.tag = 1;
+    delegate->itemSelected(item);
+
+    EXPECT_EQ(Store::shared().settings.zones, Presets::all()[1].zones);
+}
+
 TEST_F(AppDelegateTest, WithoutTrustTheUserIsAskedOnceAndTheHotKeysAreClaimedAllTheSame) {
     desktop.trust().trusted = false;
 
@@ -107,7 +163,8 @@ TEST_F(AppDelegateTest, ASecondCopyEndsAtOnceAndLeavesTheFirstAlone) {
     EXPECT_EQ(&Store::shared(), &store);
     EXPECT_EQ(desktop.hotKeys().registered().size(), 15U);
     EXPECT_EQ(desktop.hotKeys().handlersInstalled(), 1);
-    EXPECT_EQ(desktop.trust().prompts, 0);
+    EXPECT_EQ(desktop.mouse().monitored().size(), 3U);
+    EXPECT_EQ(desktop.trust().promptCalls, 0);
 }
 
 TEST_F(AppDelegateTest, TheEndLetsGoOfTheHotKeysAndOfTheDesktop) {
@@ -149,6 +206,24 @@ TEST_F(AppDelegateTest, LaunchingAsksForANewVersionWhenThatIsDueAndFailsInSilenc
     EXPECT_TRUE(desktop.alerts().shown.empty());
 }
 
+TEST_F(AppDelegateTest, LaunchingAsksForNoNewVersionWhenThatIsNotDue) {
+    desktop.preferences().setData(Store::key, R"({"hasOnboarded": true, "lastUpdateCheck": 1799990000})");
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+
+    desktop.advance(std::chrono::hours(72));
+
+    EXPECT_TRUE(desktop.urlLoading().requests.empty());
+}
+
+TEST_F(AppDelegateTest, AProgramThatEndsAtOnceAsksForNoNewVersion) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+
+    delegate.reset();
+    desktop.advance(std::chrono::seconds(1));
+
+    EXPECT_TRUE(desktop.urlLoading().requests.empty());
+}
+
 TEST_F(AppDelegateTest, ANewWindowOfARememberedApplicationOpensInItsZone) {
     desktop.addScreen({.frame = {0, 0, 1200, 800}});
     desktop.preferences().setData(Store::key,
@@ -168,148 +243,7 @@ TEST_F(AppDelegateTest, TheEndStopsWatchingTheMouse) {
     delegate.reset();
 
     EXPECT_TRUE(desktop.mouse().monitored().empty());
-}
-
-/// Writes down in which order a launch asks for what.
-class LaunchOrderTest : public AppDelegateTest {
-protected:
-    struct Instance : SingleInstancePort {
-        explicit Instance(LaunchOrderTest& test) : m_test(test) {}
-        SubscriptionPtr claim(std::function<void()> reopened) override {
-            m_test.order.emplace_back("claim the desktop");
-            return m_test.copy.claim(std::move(reopened));
-        }
-        LaunchOrderTest& m_test;
-    };
-
-    struct Preferences : PreferencesPort {
-        explicit Preferences(LaunchOrderTest& test) : m_test(test) {}
-        std::optional<std::string> data(std::string_view) override {
-            m_test.order.emplace_back("read settings");
-            return R"({"hasOnboarded": true})";
-        }
-        void setData(std::string_view, std::string_view) override {}
-        void keepRejected(std::string_view) override {}
-        LaunchOrderTest& m_test;
-    };
-
-    struct Menus : MainMenuPort {
-        explicit Menus(LaunchOrderTest& test) : m_test(test) {}
-        void setMainMenu(const std::vector<MainMenu>&) override {
-            m_test.order.emplace_back("set main menu");
-        }
-        LaunchOrderTest& m_test;
-    };
-
-    struct Item : sim::SimStatusItem {
-        explicit Item(LaunchOrderTest& test) : m_test(test) {}
-        SubscriptionPtr create(Delegate delegate) override {
-            m_test.order.emplace_back("create status item");
-            return SimStatusItem::create(std::move(delegate));
-        }
-        LaunchOrderTest& m_test;
-    };
-
-    struct Keys : HotKeyPort {
-        explicit Keys(LaunchOrderTest& test) : m_test(test) {}
-        SubscriptionPtr installHandler(std::function<void(std::uint32_t)>) override { return nullptr; }
-        std::vector<SubscriptionPtr> registerHotKeys(std::span<const HotKeyRequest> requests) override {
-            m_test.order.emplace_back("claim hot keys");
-            if (m_test.changesSettingsMeanwhile)
-                Store::shared().tessarelSettingsChanged.post();
-            return std::vector<SubscriptionPtr>(requests.size());
-        }
-        LaunchOrderTest& m_test;
-    };
-
-    struct Mouse : MousePort {
-        explicit Mouse(LaunchOrderTest& test) : m_test(test) {}
-        SubscriptionPtr addGlobalMonitor(MouseEventKind, std::function<void(const MouseEvent&)>) override {
-            if (m_test.order.back() != "watch the mouse")
-                m_test.order.emplace_back("watch the mouse");
-            return nullptr;
-        }
-        LaunchOrderTest& m_test;
-    };
-
-    struct Trust : TrustPort {
-        explicit Trust(LaunchOrderTest& test) : m_test(test) {}
-        bool isTrusted() override {
-            m_test.order.emplace_back("ask for trust");
-            return false;
-        }
-        void prompt() override { m_test.order.emplace_back("prompt"); }
-        void openSettings() override {}
-        LaunchOrderTest& m_test;
-    };
-
-    [[nodiscard]] Launch launch() {
-        const Ports all = ports(copy);
-        const Ports recorded{.accessibility = all.accessibility,
-                             .alertSound = all.alertSound,
-                             .alerts = all.alerts,
-                             .application = all.application,
-                             .displays = all.displays,
-                             .hotKeys = keys,
-                             .localKeys = all.localKeys,
-                             .loginItem = all.loginItem,
-                             .mainMenu = mainMenu,
-                             .mainQueue = all.mainQueue,
-                             .mouse = mouse,
-                             .openPanel = all.openPanel,
-                             .openUrl = all.openUrl,
-                             .overlay = all.overlay,
-                             .preferences = preferences,
-                             .singleInstance = instance,
-                             .statusItem = statusItem,
-                             .trust = trust,
-                             .urlLoading = all.urlLoading,
-                             .wallClock = all.wallClock,
-                             .windowList = all.windowList,
-                             .workspace = all.workspace,
-                             .words = all.words};
-        recording.emplace(recorded, nullptr);
-        return recording->applicationDidFinishLaunching();
-    }
-
-    std::vector<std::string> order;
-    bool changesSettingsMeanwhile = false;
-    Instance instance{*this};
-    Preferences preferences{*this};
-    Menus mainMenu{*this};
-    Item statusItem{*this};
-    Keys keys{*this};
-    Mouse mouse{*this};
-    Trust trust{*this};
-    std::optional<AppDelegate> recording;
-};
-
-TEST_F(LaunchOrderTest, TheDesktopComesFirstThenMenusThenTheHotKeysThenThePrompt) {
-    EXPECT_EQ(launch(), Launch::Running);
-
-    EXPECT_THAT(order,
-                ElementsAre("claim the desktop", "read settings", "set main menu", "create status item",
-                            "claim hot keys", "watch the mouse", "ask for trust", "prompt"));
-}
-
-TEST_F(LaunchOrderTest, ASecondCopyAsksForTheDesktopAndForNothingElse) {
-    const auto other = copy.claim([] {});
-
-    EXPECT_EQ(launch(), Launch::AnotherCopyRuns);
-
-    EXPECT_THAT(order, ElementsAre("claim the desktop"));
-}
-
-TEST_F(LaunchOrderTest, SettingsAreWatchedOnlyAfterTheFirstClaim) {
-    changesSettingsMeanwhile = true;
-    EXPECT_EQ(launch(), Launch::Running);
-    changesSettingsMeanwhile = false;
-
-    EXPECT_THAT(order,
-                ElementsAre("claim the desktop", "read settings", "set main menu", "create status item",
-                            "claim hot keys", "watch the mouse", "ask for trust", "prompt"));
-    Store::shared().tessarelSettingsChanged.post();
-    EXPECT_EQ(order.back(), "claim hot keys");
+    EXPECT_FALSE(desktop.statusItem().isUp());
 }
 
 } // namespace

@@ -18,11 +18,12 @@ using namespace std::chrono_literals;
 class MenuCommandsTest : public ::testing::Test {
 protected:
     static constexpr Rect kSomewhere{200, 150, 640, 480};
-    static constexpr Rect kLeftHalf{0, 0, 720, 900};
+    static constexpr Rect kLeftHalf{40, 25, 650, 820};
 
     MenuCommandsTest() {
         desktop.preferences().setData(Store::key, R"({"hasOnboarded": true})");
-        desktop.addScreen({.frame = {0, 0, 1440, 900}});
+        desktop.addScreen(
+            {.frame = {0, 0, 1440, 900}, .menuBar = 25, .dock = 55, .leftBar = 40, .rightBar = 100});
         window = desktop.openWindow("org.example.editor", kSomewhere);
         delegate.emplace(simPorts(desktop, copy), settingsWindow.factory());
         EXPECT_EQ(delegate->applicationDidFinishLaunching(), AppDelegate::Launch::Running);
@@ -70,6 +71,17 @@ TEST_F(MenuCommandsTest, TagsOfNoActionAreIgnored) {
     EXPECT_EQ(desktop.frame(window), kSomewhere);
 }
 
+TEST_F(MenuCommandsTest, TheFirstAndTheLastActionRunToo) {
+    choose(MenuCommand::RunMenuAction, 0);
+    desktop.advance(150ms);
+    EXPECT_EQ(desktop.frame(window), (Rect{40, 25, 433, 410}));
+
+    choose(MenuCommand::ApplyLayout, 1);
+    choose(MenuCommand::RunMenuAction, 18);
+    desktop.advance(150ms);
+    EXPECT_EQ(desktop.frame(window), kLeftHalf) << "arranged into the first zone";
+}
+
 TEST_F(MenuCommandsTest, AnActionStillDueAtTheEndDoesNotRun) {
     chooseAction(ActionID::leftHalf);
 
@@ -84,6 +96,7 @@ TEST_F(MenuCommandsTest, ApplyingALayoutMakesItsZonesActive) {
 
     EXPECT_EQ(settings().zones, Presets::all()[1].zones);
     EXPECT_EQ(Store(desktop.preferences()).settings.zones, Presets::all()[1].zones);
+    EXPECT_EQ(desktop.preferencesStorage().writes, 2) << "one of them the fixture's";
 }
 
 TEST_F(MenuCommandsTest, ApplyingALayoutShowsItInTheSettingsWindow) {
@@ -92,6 +105,7 @@ TEST_F(MenuCommandsTest, ApplyingALayoutShowsItInTheSettingsWindow) {
     choose(MenuCommand::ApplyLayout, 1);
 
     EXPECT_EQ(settingsWindow.refreshed, 1);
+    EXPECT_EQ(settingsWindow.shown, 1) << "it is not brought to the front again";
 }
 
 TEST_F(MenuCommandsTest, ApplyingALayoutMakesNoSettingsWindow) {
@@ -132,6 +146,7 @@ TEST_F(MenuCommandsTest, ALayoutThatIsNoLongerThereIsIgnored) {
 
     EXPECT_EQ(settings().zones, before);
     EXPECT_EQ(settingsWindow.refreshed, 0);
+    EXPECT_EQ(desktop.preferencesStorage().writes, 1) << "the fixture's";
 }
 
 TEST_F(MenuCommandsTest, ReopeningTheMenuShowsTheAppliedLayoutChecked) {

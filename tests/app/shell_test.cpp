@@ -8,7 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <optional>
 #include <string>
 
 namespace tessarel {
@@ -58,12 +60,30 @@ TEST_F(FirstRunTest, TheWelcomeIsFollowedByThePromptWhateverTheButton) {
     EXPECT_EQ(settingsWindow.shown, 0);
 }
 
+TEST_F(FirstRunTest, ThePromptIsAskedForEvenWhenTrusted) {
+    launch();
+
+    EXPECT_EQ(desktop.trust().promptCalls, 1) << "the system knows best";
+    EXPECT_EQ(desktop.trust().prompts, 0);
+}
+
 TEST_F(FirstRunTest, TheSecondButtonOpensTheSettings) {
     desktop.alerts().answers = {1};
 
     launch();
 
     EXPECT_EQ(settingsWindow.shown, 1);
+}
+
+TEST_F(FirstRunTest, TheWelcomeClosedWithoutAButtonIsKeptInMindToo) {
+    desktop.trust().trusted = false;
+    desktop.alerts().answers = {};
+
+    launch();
+
+    EXPECT_TRUE(Store(desktop.preferences()).settings.hasOnboarded);
+    EXPECT_EQ(desktop.trust().prompts, 1);
+    EXPECT_EQ(settingsWindow.made, 0);
 }
 
 TEST_F(FirstRunTest, HotKeysWorkBeforeTheWelcomeIsRead) {
@@ -79,6 +99,7 @@ TEST_F(FirstRunTest, TheNextStartWelcomesNobody) {
     launch();
 
     EXPECT_TRUE(desktop.alerts().shown.empty());
+    EXPECT_EQ(desktop.ownApplication().activations, 0);
 }
 
 TEST_F(FirstRunTest, SettingsAreNotAnnouncedAsChangedByTheWelcome) {
@@ -90,6 +111,48 @@ TEST_F(FirstRunTest, SettingsAreNotAnnouncedAsChangedByTheWelcome) {
 
     ASSERT_TRUE(Store::shared().settings.hasOnboarded);
     EXPECT_EQ(announcements, 0);
+}
+
+/// A user who ends the program while the welcome waits.
+class EndingAlerts : public sim::SimAlerts {
+public:
+    std::size_t runModal(const Alert& alert) override {
+        delegate.reset();
+        return SimAlerts::runModal(alert);
+    }
+
+    std::optional<AppDelegate> delegate;
+};
+
+TEST(FirstRunEndTest, TheProgramMayEndWhileTheWelcomeWaits) {
+    sim::SimDesktop desktop;
+    sim::SimSingleInstance copy = desktop.makeCopy();
+    SettingsWindowRecord settingsWindow;
+    EndingAlerts alerts;
+    alerts.answers = {1};
+    const Ports simulated = simPorts(desktop, copy);
+    alerts.delegate.emplace(withAlerts(simulated, alerts), settingsWindow.factory());
+    ASSERT_EQ(alerts.delegate->applicationDidFinishLaunching(), AppDelegate::Launch::Running);
+
+    desktop.advance(0s);
+
+    EXPECT_EQ(alerts.shown.size(), 1U);
+    EXPECT_TRUE(desktop.preferencesStorage().documents.empty());
+    EXPECT_EQ(desktop.trust().promptCalls, 0);
+    EXPECT_EQ(settingsWindow.made, 0);
+}
+
+TEST(FirstRunEndTest, AProgramThatEndsAtOnceWelcomesNobody) {
+    sim::SimDesktop desktop;
+    sim::SimSingleInstance copy = desktop.makeCopy();
+    {
+        AppDelegate delegate{simPorts(desktop, copy), nullptr};
+        ASSERT_EQ(delegate.applicationDidFinishLaunching(), AppDelegate::Launch::Running);
+    }
+
+    desktop.advance(1s);
+
+    EXPECT_TRUE(desktop.alerts().shown.empty());
 }
 
 class StatusIconTest : public ::testing::Test {
@@ -123,6 +186,12 @@ TEST_F(StatusIconTest, WithoutAnySymbolTheInitialsAreShown) {
 
     EXPECT_EQ(desktop.statusItem().symbol, "");
     EXPECT_EQ(desktop.statusItem().title, "TS");
+
+    desktop.statusItem().symbols = {"rectangle.split.3x1"};
+    item.refreshStatusIcon();
+
+    EXPECT_EQ(desktop.statusItem().symbol, "rectangle.split.3x1");
+    EXPECT_EQ(desktop.statusItem().title, "") << "the initials go when there is a symbol again";
 }
 
 TEST_F(StatusIconTest, TheIconIsDimmedWhilePaused) {
@@ -132,6 +201,33 @@ TEST_F(StatusIconTest, TheIconIsDimmedWhilePaused) {
     item.refreshStatusIcon();
 
     EXPECT_TRUE(desktop.statusItem().appearsDisabled);
+    EXPECT_EQ(desktop.statusItem().symbol, "rectangle.3.group") << "the same one";
+
+    runtime.paused = false;
+    item.refreshStatusIcon();
+
+    EXPECT_FALSE(desktop.statusItem().appearsDisabled);
+}
+
+TEST_F(StatusIconTest, WithoutAnySymbolTheInitialsAreDimmedToo) {
+    desktop.statusItem().symbols.clear();
+    runtime.paused = true;
+
+    item.refreshStatusIcon();
+
+    EXPECT_TRUE(desktop.statusItem().appearsDisabled);
+}
+
+TEST_F(StatusIconTest, TheMenuIsBuiltEachTimeItOpens) {
+    const auto isPauseChecked = [this] {
+        const Menu opened = desktop.statusItem().openMenu();
+        return std::any_of(opened.begin(), opened.end(), [](const MenuItem& row) { return row.isChecked; });
+    };
+    EXPECT_FALSE(isPauseChecked());
+
+    runtime.paused = true;
+
+    EXPECT_TRUE(isPauseChecked());
 }
 
 TEST(MainMenuTest, HoldsTheUsualEditingKeys) {

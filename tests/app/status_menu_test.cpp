@@ -3,6 +3,7 @@
 #include "model/config.h"
 #include "model/presets.h"
 #include "platform/sim/sim_desktop.h"
+#include "support/menu_rows.h"
 
 #include <gtest/gtest.h>
 
@@ -28,12 +29,12 @@ protected:
         return result;
     }
 
-    static const MenuItem& row(const Menu& menu, const std::string& title) {
+    static const MenuItem& rowOf(const Menu& menu, const std::string& title) {
         return *std::find_if(menu.begin(), menu.end(),
                              [&](const MenuItem& item) { return item.title == title; });
     }
 
-    Menu layouts() { return row(statusMenu.rebuild(), "Layouts").submenu; }
+    Menu layouts() { return rowOf(statusMenu.rebuild(), "Layouts").submenu; }
 
     Titles checkedLayouts() {
         Menu menu = layouts();
@@ -58,20 +59,57 @@ TEST_F(StatusMenuTest, TheWholeMenuOfAFreshInstallation) {
                       "Arrange windows into zones", "Move window", "Layouts", "-", "Pause Tessarel",
                       "Settings...", "Check for updates...", "-", "Quit Tessarel"}));
     EXPECT_EQ(
-        titles(row(menu, "Move window").submenu),
+        titles(rowOf(menu, "Move window").submenu),
         (Titles{"Left half   (Ctrl+Opt+Left)", "Right half   (Ctrl+Opt+Right)", "Top half   (Ctrl+Opt+Up)",
                 "Bottom half   (Ctrl+Opt+Down)", "Maximize   (Ctrl+Opt+Return)", "Center   (Ctrl+Opt+C)",
                 "Restore previous size   (Ctrl+Opt+Delete)", "Move to next display   (Ctrl+Opt+Cmd+Right)",
                 "Move to previous display   (Ctrl+Opt+Cmd+Left)"}));
     EXPECT_EQ(
-        titles(row(menu, "Layouts").submenu),
+        titles(rowOf(menu, "Layouts").submenu),
         (Titles{"3 top + 2 bottom", "Halves", "Thirds", "Quarters", "Two thirds + one third",
                 "One third + two thirds", "Grid 3 x 2", "Main + two stacked", "Ultrawide 25 / 50 / 25"}));
 }
 
+TEST_F(StatusMenuTest, EveryRowOfAMenuIsAsTabled) {
+    desktop.trust().trusted = false;
+    runtime.paused = true;
+    store.settings.zones = Presets::pad({Presets::z(0, 0, 30, 100), {}, Presets::z(30, 0, 70, 100)});
+    store.settings.bindings = {{"zone3", {20, 6144}}, {"restore", {51, 6144}}, {"arrangeAll", {0, 6144}}};
+    store.settings.userLayouts = {{"Mine", store.settings.zones}};
+    MenuItem heading = row("Tessarel " + std::string(Config::version), MenuCommand::None);
+    heading.isEnabled = false;
+    Menu layouts;
+    for (const Layout& layout : Presets::all())
+        layouts.push_back(row(layout.name, MenuCommand::ApplyLayout, static_cast<int>(layouts.size())));
+    layouts.push_back(MenuItem::separator());
+    layouts.push_back(row("Mine", MenuCommand::ApplyLayout, 1000));
+    layouts.back().isChecked = true;
+    MenuItem pause = row("Pause Tessarel", MenuCommand::TogglePause);
+    pause.isChecked = true;
+    MenuItem settings = row("Settings...", MenuCommand::OpenSettings);
+    settings.keyEquivalent = ",";
+    MenuItem quit = row("Quit Tessarel", MenuCommand::Quit);
+    quit.keyEquivalent = "q";
+    constexpr auto kAction = MenuCommand::RunMenuAction;
+
+    EXPECT_EQ(statusMenu.rebuild(),
+              (Menu{heading, MenuItem::separator(),
+                    row("Grant Accessibility access...", MenuCommand::GrantAccess), MenuItem::separator(),
+                    row("Snap to Zone 1", kAction, 0), row("Snap to Zone 3   (Ctrl+Opt+3)", kAction, 2),
+                    row("Arrange windows into zones", kAction, 18),
+                    submenu("Move window", {row("Left half", kAction, 9), row("Right half", kAction, 10),
+                                            row("Top half", kAction, 11), row("Bottom half", kAction, 12),
+                                            row("Maximize", kAction, 13), row("Center", kAction, 14),
+                                            row("Restore previous size   (Ctrl+Opt+Delete)", kAction, 15),
+                                            row("Move to next display", kAction, 16),
+                                            row("Move to previous display", kAction, 17)}),
+                    submenu("Layouts", layouts), MenuItem::separator(), pause, settings,
+                    row("Check for updates...", MenuCommand::CheckUpdates), MenuItem::separator(), quit}));
+}
+
 TEST_F(StatusMenuTest, CommandsAndKeyEquivalentsAreAsTabled) {
     const Menu menu = statusMenu.rebuild();
-    const auto command = [&](const std::string& title) { return row(menu, title).command; };
+    const auto command = [&](const std::string& title) { return rowOf(menu, title).command; };
 
     EXPECT_EQ(menu.front().command, MenuCommand::None);
     EXPECT_EQ(command("Snap to Zone 1   (Ctrl+Opt+1)"), MenuCommand::RunMenuAction);
@@ -82,8 +120,8 @@ TEST_F(StatusMenuTest, CommandsAndKeyEquivalentsAreAsTabled) {
     EXPECT_EQ(command("Settings..."), MenuCommand::OpenSettings);
     EXPECT_EQ(command("Check for updates..."), MenuCommand::CheckUpdates);
     EXPECT_EQ(command("Quit Tessarel"), MenuCommand::Quit);
-    EXPECT_EQ(row(menu, "Settings...").keyEquivalent, ",");
-    EXPECT_EQ(row(menu, "Quit Tessarel").keyEquivalent, "q");
+    EXPECT_EQ(rowOf(menu, "Settings...").keyEquivalent, ",");
+    EXPECT_EQ(rowOf(menu, "Quit Tessarel").keyEquivalent, "q");
     const auto withKey = std::count_if(menu.begin(), menu.end(),
                                        [](const MenuItem& item) { return !item.keyEquivalent.empty(); });
     EXPECT_EQ(withKey, 2);
@@ -133,11 +171,11 @@ TEST_F(StatusMenuTest, EachZoneKeepsItsTagWhenOneBeforeItIsDisabled) {
 TEST_F(StatusMenuTest, TagsOfTheOtherActionsAreTheirPositions) {
     const Menu menu = statusMenu.rebuild();
     std::vector<int> tags;
-    for (const MenuItem& item : row(menu, "Move window").submenu)
+    for (const MenuItem& item : rowOf(menu, "Move window").submenu)
         tags.push_back(item.tag);
 
     EXPECT_EQ(tags, (std::vector<int>{9, 10, 11, 12, 13, 14, 15, 16, 17}));
-    EXPECT_EQ(row(menu, "Arrange windows into zones").tag, 18);
+    EXPECT_EQ(rowOf(menu, "Arrange windows into zones").tag, 18);
 }
 
 TEST_F(StatusMenuTest, AnUnboundActionShowsItsBareTitle) {
@@ -147,7 +185,7 @@ TEST_F(StatusMenuTest, AnUnboundActionShowsItsBareTitle) {
     const Menu menu = statusMenu.rebuild();
 
     EXPECT_EQ(menu[2].title, "Snap to Zone 1");
-    EXPECT_EQ(row(menu, "Move window").submenu[5].title, "Center");
+    EXPECT_EQ(rowOf(menu, "Move window").submenu[5].title, "Center");
 }
 
 TEST_F(StatusMenuTest, ArrangingShowsNoShortcutEvenWhenBound) {
@@ -159,16 +197,16 @@ TEST_F(StatusMenuTest, ArrangingShowsNoShortcutEvenWhenBound) {
 TEST_F(StatusMenuTest, ModifiersAreCalledAsTheSystemCallsThem) {
     const StatusMenu elsewhere{store, permissions, runtime, {"Ctrl", "Alt", "Shift", "Super"}};
 
-    EXPECT_EQ(row(elsewhere.rebuild(), "Move window").submenu[7].title,
+    EXPECT_EQ(rowOf(elsewhere.rebuild(), "Move window").submenu[7].title,
               "Move to next display   (Ctrl+Alt+Super+Right)");
 }
 
 TEST_F(StatusMenuTest, PauseIsCheckedWhilePaused) {
-    EXPECT_FALSE(row(statusMenu.rebuild(), "Pause Tessarel").isChecked);
+    EXPECT_FALSE(rowOf(statusMenu.rebuild(), "Pause Tessarel").isChecked);
 
     runtime.paused = true;
 
-    EXPECT_TRUE(row(statusMenu.rebuild(), "Pause Tessarel").isChecked);
+    EXPECT_TRUE(rowOf(statusMenu.rebuild(), "Pause Tessarel").isChecked);
 }
 
 TEST_F(StatusMenuTest, SavedLayoutsFollowTheBuiltInOnes) {

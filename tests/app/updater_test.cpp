@@ -165,25 +165,29 @@ TEST_F(UpdaterTest, TheTimeOfASuccessIsSavedWhateverTheFeedSays) {
     }
 }
 
-/// Notes what was saved at the moment of a message.
-class SavedWhenShown : public AlertsPort {
+/// Notes what has happened by the moment of a message.
+class DoneWhenShown : public AlertsPort {
 public:
-    explicit SavedWhenShown(PreferencesPort& preferences) : m_preferences(preferences) {}
+    DoneWhenShown(PreferencesPort& preferences, const sim::SimOwnApplication& application)
+        : m_preferences(preferences), m_application(application) {}
 
     std::size_t runModal(const Alert&) override {
         document = m_preferences.data(Store::key);
+        activations = m_application.activations;
         return 0;
     }
     std::optional<std::string> runModalForText(const Alert&) override { return std::nullopt; }
 
     std::optional<std::string> document;
+    int activations = 0; ///< of the program until then
 
 private:
     PreferencesPort& m_preferences;
+    const sim::SimOwnApplication& m_application;
 };
 
-TEST_F(UpdaterTest, TheTimeOfASuccessIsSavedBeforeAnythingIsShown) {
-    SavedWhenShown message(desktop.preferences());
+TEST_F(UpdaterTest, ASuccessIsSavedAndTheProgramInFrontBeforeAnythingIsShown) {
+    DoneWhenShown message(desktop.preferences(), desktop.ownApplication());
     Updater other(store, web, desktop.wallClock(), message, desktop.ownApplication(), desktop.openUrl(),
                   source);
 
@@ -192,6 +196,7 @@ TEST_F(UpdaterTest, TheTimeOfASuccessIsSavedBeforeAnythingIsShown) {
 
     ASSERT_TRUE(message.document);
     EXPECT_EQ(decodeSettings(*message.document)->lastUpdateCheck, desktop.wallClock().secondsSince1970());
+    EXPECT_EQ(message.activations, 1);
 }
 
 TEST_F(UpdaterTest, ObserversOfTheSettingsAreNotTold) {
@@ -286,6 +291,14 @@ TEST_F(UpdaterTest, ACheckIsDueAfterMoreThanADay) {
     desktop.advance(std::chrono::seconds(1));
     updater->checkIfDue();
     EXPECT_EQ(web.requests.size(), 1U);
+}
+
+TEST_F(UpdaterTest, AClockThatWasSetBackChecksNothingUntilItHasCaughtUp) {
+    store.settings.lastUpdateCheck = desktop.wallClock().secondsSince1970() + 1e9;
+
+    updater->checkIfDue();
+
+    EXPECT_THAT(web.requests, IsEmpty());
 }
 
 TEST_F(UpdaterTest, ACheckThatIsDueIsAnAutomaticOne) {

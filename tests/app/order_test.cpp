@@ -1,0 +1,140 @@
+#include "app/recorded_ports.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <memory>
+
+namespace tessarel {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using Launch = AppDelegate::Launch;
+
+/// In which order the program asks the desktop for things; the document has `settings` to begin with.
+class OrderTest : public testing::Test {
+protected:
+    explicit OrderTest(const char* settings) : record(desktop, settings) {}
+
+    void launch() { ASSERT_EQ(delegate.applicationDidFinishLaunching(), Launch::Running); }
+    /// The loop runs once; returns what the program asks for meanwhile.
+    RecordedPorts::Order turn() {
+        static_cast<void>(record.takeOrder());
+        desktop.advance(0s);
+        return record.takeOrder();
+    }
+    RecordedPorts::Order choose(MenuCommand command, int tag = 0) {
+        static_cast<void>(record.takeOrder());
+        MenuItem item;
+        item.command = command;
+        item.tag = tag;
+        delegate.itemSelected(item);
+        return record.takeOrder();
+    }
+
+    sim::SimDesktop desktop;
+    RecordedPorts record;
+    AppDelegate delegate{record.ports(), record.settingsWindow()};
+};
+
+class LaunchOrderTest : public OrderTest {
+protected:
+    LaunchOrderTest() : OrderTest(R"({"hasOnboarded": true})") {}
+};
+
+class FirstLaunchOrderTest : public OrderTest {
+protected:
+    FirstLaunchOrderTest() : OrderTest("{}") {}
+};
+
+TEST_F(LaunchOrderTest, TheHotKeysComeAsEarlyAsTheyCanAndWhatTheUserIsAskedLast) {
+    launch();
+
+    EXPECT_THAT(record.takeOrder(),
+                ElementsAre("claim the desktop", "read settings", "set main menu", "create status item",
+                            "show icon", "listen to hot keys", "claim hot keys", "watch the mouse",
+                            "watch programs", "list programs", "ask for trust", "prompt"));
+}
+
+TEST_F(LaunchOrderTest, ANewVersionIsAskedForOnceTheLoopRuns) {
+    launch();
+
+    EXPECT_THAT(turn(), ElementsAre("ask the web"));
+}
+
+TEST_F(LaunchOrderTest, ASecondCopyAsksForTheDesktopAndForNothingElse) {
+    const auto other = desktop.makeCopy().claim([] {});
+
+    EXPECT_EQ(delegate.applicationDidFinishLaunching(), Launch::AnotherCopyRuns);
+
+    EXPECT_THAT(record.takeOrder(), ElementsAre("claim the desktop"));
+    desktop.advance(1s);
+    EXPECT_THAT(record.takeOrder(), ElementsAre());
+}
+
+TEST_F(LaunchOrderTest, ChangedSettingsClaimTheHotKeysBeforeTheIconIsShownAnew) {
+    launch();
+    static_cast<void>(record.takeOrder());
+
+    Store::shared().tessarelSettingsChanged.post();
+
+    EXPECT_THAT(record.takeOrder(), ElementsAre("list programs", "claim hot keys", "show icon"));
+}
+
+TEST_F(LaunchOrderTest, SettingsThatChangeWhileItStartsClaimNothingTwice) {
+    record.whileListingPrograms = [&] {
+        record.whileListingPrograms = nullptr;
+        Store::shared().tessarelSettingsChanged.post();
+    };
+
+    launch();
+
+    const auto order = record.takeOrder();
+    EXPECT_EQ(std::count(order.begin(), order.end(), "claim hot keys"), 1);
+}
+
+TEST_F(FirstLaunchOrderTest, NobodyIsAskedAnythingBeforeTheLoopRuns) {
+    launch();
+
+    EXPECT_THAT(record.takeOrder(),
+                ElementsAre("claim the desktop", "read settings", "set main menu", "create status item",
+                            "show icon", "listen to hot keys", "claim hot keys", "watch the mouse",
+                            "watch programs", "list programs"));
+}
+
+TEST_F(FirstLaunchOrderTest, TheWelcomeIsKeptInMindBeforeThePromptAndTheSettingsComeLast) {
+    launch();
+
+    EXPECT_THAT(turn(),
+                ElementsAre("ask the web", "come to the front", "Welcome to Tessarel", "save settings",
+                            "prompt", "make settings window", "show settings window"));
+}
+
+TEST_F(LaunchOrderTest, GrantingAccessPromptsAndThenOpensTheSystemsSettings) {
+    launch();
+
+    EXPECT_THAT(choose(MenuCommand::GrantAccess), ElementsAre("prompt", "open the system's settings"));
+}
+
+TEST_F(LaunchOrderTest, ALayoutIsSavedThenAnnouncedThenShown) {
+    launch();
+    EXPECT_THAT(choose(MenuCommand::OpenSettings),
+                ElementsAre("make settings window", "show settings window"));
+
+    EXPECT_THAT(choose(MenuCommand::ApplyLayout, 1),
+                ElementsAre("save settings", "list programs", "claim hot keys", "show icon",
+                            "refresh settings window"));
+}
+
+TEST_F(LaunchOrderTest, PausingChangesTheIconAndSavesNothing) {
+    launch();
+
+    EXPECT_THAT(choose(MenuCommand::TogglePause), ElementsAre("dim icon"));
+    EXPECT_THAT(choose(MenuCommand::TogglePause), ElementsAre("show icon"));
+}
+
+} // namespace
+} // namespace tessarel
