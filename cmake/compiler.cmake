@@ -13,13 +13,15 @@ if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
 endif()
 
-add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wnon-virtual-dtor
                     -Wold-style-cast -Woverloaded-virtual)
 if(NOT APPLE) # where compilers and headers differ from those that all is tried with
     add_compile_options(-Werror)
 endif()
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-    add_compile_options(-Wnull-dereference) # gcc's guesses at paths through inlined library code, and guesses wrong
+    add_compile_options(-Wshadow -Wnull-dereference) # gcc reports false positives in inlined library code
+else()
+    add_compile_options(-Wshadow=local) # more would reject constructor parameters named like their fields
 endif()
 if(TESSAREL_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)

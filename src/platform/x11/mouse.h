@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/carbon_mods.h"
 #include "platform/x11/callback_list.h"
 #include "platform/x11/client_windows.h"
 #include "platform/x11/connection.h"
