@@ -13,7 +13,7 @@ namespace tessarel::macos {
 
 namespace {
 
-using Handler = std::function<void(const Element&)>;
+using ElementHandler = std::function<void(const Element&)>;
 
 class ElementObserver : public Subscription {
 public:
@@ -28,7 +28,7 @@ public:
         }
     }
 
-    [[nodiscard]] AXError listen(std::shared_ptr<const Handler> handler) {
+    [[nodiscard]] AXError listen(std::shared_ptr<const ElementHandler> handler) {
         AXObserverRef const observer = m_observer.get();
         const AXError error =
             AXObserverAddNotification(observer, axElement(m_element), cfString(m_notification), nullptr);
@@ -63,8 +63,8 @@ private:
 
     /// A table instead of the context pointer: a notification that is under way when its observer ends has to
     /// find nothing, not what was there.
-    static std::map<AXObserverRef, std::shared_ptr<const Handler>>& handlers() {
-        static std::map<AXObserverRef, std::shared_ptr<const Handler>> all;
+    static std::map<AXObserverRef, std::shared_ptr<const ElementHandler>>& handlers() {
+        static std::map<AXObserverRef, std::shared_ptr<const ElementHandler>> all;
         return all;
     }
 
@@ -79,7 +79,7 @@ class Attempts {
 public:
     explicit Attempts(Observation observation)
         : m_observation(std::move(observation)),
-          m_handler(std::make_shared<const Handler>(std::move(m_observation.handler))) {}
+          m_handler(std::make_shared<const ElementHandler>(std::move(m_observation.handler))) {}
 
     [[nodiscard]] ProcessId pid() const { return m_observation.pid; }
 
@@ -102,7 +102,7 @@ public:
 
 private:
     Observation m_observation;
-    std::shared_ptr<const Handler> m_handler;
+    std::shared_ptr<const ElementHandler> m_handler;
 };
 
 constexpr int kRetries = 5;

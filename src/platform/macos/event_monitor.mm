@@ -28,10 +28,10 @@ struct Monitor : Subscription {
 } // namespace
 
 SubscriptionPtr monitorOthersEvents(NSEventMask mask, std::function<void(NSEvent*)> handler) {
-    using Handler = std::function<void(NSEvent*)>;
+    using Watching = std::function<void(NSEvent*)>;
     @autoreleasepool {
-        auto shared = std::make_shared<const Handler>(std::move(handler));
-        const std::weak_ptr<const Handler> weak = shared;
+        auto shared = std::make_shared<const Watching>(std::move(handler));
+        const std::weak_ptr<const Watching> weak = shared;
         id const monitor =
             [NSEvent addGlobalMonitorForEventsMatchingMask:mask
                                                    handler:^(NSEvent* event) {
@@ -40,26 +40,28 @@ SubscriptionPtr monitorOthersEvents(NSEventMask mask, std::function<void(NSEvent
                                                              atCallbackEdge([&] { (*present)(event); });
                                                      }
                                                    }];
-        return monitor ? std::make_unique<Monitor<Handler>>(monitor, std::move(shared)) : nullptr;
+        return monitor ? std::make_unique<Monitor<Watching>>(monitor, std::move(shared)) : nullptr;
     }
 }
 
 SubscriptionPtr monitorOwnEvents(NSEventMask mask, std::function<bool(NSEvent*)> consumes) {
-    using Handler = std::function<bool(NSEvent*)>;
+    using Consuming = std::function<bool(NSEvent*)>;
     @autoreleasepool {
-        auto shared = std::make_shared<const Handler>(std::move(consumes));
-        const std::weak_ptr<const Handler> weak = shared;
-        id const monitor =
-            [NSEvent addLocalMonitorForEventsMatchingMask:mask
-                                                  handler:^NSEvent*(NSEvent* event) {
-                                                    bool consumed = false;
-                                                    if (const auto present = weak.lock()) {
-                                                        consumed = true;
-                                                        atCallbackEdge([&] { consumed = (*present)(event); });
-                                                    }
-                                                    return consumed ? nil : event;
-                                                  }];
-        return monitor ? std::make_unique<Monitor<Handler>>(monitor, std::move(shared)) : nullptr;
+        auto shared = std::make_shared<const Consuming>(std::move(consumes));
+        const std::weak_ptr<const Consuming> weak = shared;
+        id const monitor = [NSEvent
+            addLocalMonitorForEventsMatchingMask:mask
+                                         handler:^NSEvent*(NSEvent* event) {
+                                           bool consumed = false;
+                                           @autoreleasepool {
+                                               if (const auto present = weak.lock()) {
+                                                   consumed = true;
+                                                   atCallbackEdge([&] { consumed = (*present)(event); });
+                                               }
+                                           }
+                                           return consumed ? nil : event;
+                                         }];
+        return monitor ? std::make_unique<Monitor<Consuming>>(monitor, std::move(shared)) : nullptr;
     }
 }
 

@@ -9,9 +9,9 @@ namespace tessarel::macos {
 
 namespace {
 
-using Handler = std::function<void(const MouseEvent&)>;
+using MouseHandler = std::function<void(const MouseEvent&)>;
 
-void deliver(MouseEventKind kind, NSEvent* event, const Handler& handler) {
+void deliver(MouseEventKind kind, NSEvent* event, const MouseHandler& handler) {
     const NSPoint location = [NSEvent mouseLocation];
     handler({kind, {location.x, location.y}, [event modifierFlags]});
 }
@@ -22,7 +22,8 @@ void deliver(MouseEventKind kind, NSEvent* event, const Handler& handler) {
 /// monitor of keys that was made without the permission might stay deaf when it is given.
 class DragMonitor : public Subscription {
 public:
-    explicit DragMonitor(Handler handler) : m_handler(std::make_shared<const Handler>(std::move(handler))) {}
+    explicit DragMonitor(MouseHandler handler)
+        : m_handler(std::make_shared<const MouseHandler>(std::move(handler))) {}
 
     [[nodiscard]] bool start() {
         m_mouse = monitorOthersEvents(NSEventMaskLeftMouseDown | NSEventMaskLeftMouseDragged |
@@ -61,20 +62,20 @@ private:
         deliver(MouseEventKind::LeftDragged, event, *handler);
     }
 
-    std::shared_ptr<const Handler> m_handler;
+    std::shared_ptr<const MouseHandler> m_handler;
     SubscriptionPtr m_mouse;
     SubscriptionPtr m_modifiers;    ///< while another program has the keyboard
     SubscriptionPtr m_ownModifiers; ///< while we have
 };
 
-SubscriptionPtr monitorDrags(Handler handler) {
+SubscriptionPtr monitorDrags(MouseHandler handler) {
     auto monitor = std::make_unique<DragMonitor>(std::move(handler));
     return monitor->start() ? std::move(monitor) : nullptr;
 }
 
 } // namespace
 
-SubscriptionPtr MacMouse::addGlobalMonitor(MouseEventKind kind, Handler handler) {
+SubscriptionPtr MacMouse::addGlobalMonitor(MouseEventKind kind, MouseHandler handler) {
     if (kind == MouseEventKind::LeftDragged)
         return monitorDrags(std::move(handler));
     return monitorOthersEvents(
