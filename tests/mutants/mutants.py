@@ -1,6 +1,7 @@
 """Makes small faults in the product and looks whether its tests notice. script/mutants starts it."""
 
 import argparse
+import fcntl
 import os
 import random
 import subprocess
@@ -240,6 +241,10 @@ def main() -> int:
     parser.add_argument("--list", action="store_true", help="print the faults and try none")
     parser.add_argument("--patches", action="store_true", help="try the faults of tests/mutants/patches")
     options = parser.parse_args()
+    PLACE.mkdir(parents=True, exist_ok=True)
+    lock = (PLACE / "lock").open("w")
+    if not options.list:
+        fcntl.flock(lock, fcntl.LOCK_EX)  # the copies of the tree are those of one run
     if options.patches:
         return 1 if try_patches() else 0
 
@@ -256,7 +261,6 @@ def main() -> int:
         return 0
 
     begin = time.monotonic()
-    PLACE.mkdir(parents=True, exist_ok=True)
     (PLACE / "outcomes.txt").unlink(missing_ok=True)
     trial = Trial(options.jobs, list(dict.fromkeys(folder for folder, _ in faults)))
     trial.prepare()

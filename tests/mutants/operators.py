@@ -15,7 +15,7 @@ _COMPARISONS = {
     "==": ("!=",),
     "!=": ("==",),
 }
-_ARITHMETIC = {"+": "-", "-": "+", "*": "/", "/": "*", "%": "*", "&": "|", "|": "&", "<<": ">>", ">>": "<<"}
+_ARITHMETIC = {"+": "-", "-": "+", "*": "/", "/": "*", "%": "*", "&": "|", "<<": ">>", ">>": "<<"}
 _ASSIGNMENTS = {"+=": "-=", "-=": "+=", "*=": "/=", "/=": "*=", "|=": "&=", "&=": "|=", "++": "--", "--": "++"}
 _CONSTANTS = {"true": "false", "false": "true", "YES": "NO", "NO": "YES"}
 _CALLS = {
@@ -53,7 +53,8 @@ def arithmetic(source: Source) -> Iterator[Edit]:
     for index, token in _signs(source, _ARITHMETIC):
         neighbours = source.tokens[index - 1], source.tokens[index + 1]
         is_text = any(neighbour.kind == "string" for neighbour in neighbours)
-        if not is_text and not source.is_at(index - 1, ";", "}", "@end"):  # which precede a method
+        is_method = source.is_at(index - 1, ";", "}") or source.is_at(index - 2, "@implementation")
+        if not is_text and not is_method:
             yield token.start, token.end, _ARITHMETIC[token.text]
     for index, token in enumerate(source.tokens):
         if token.text in _ASSIGNMENTS and index not in source.skipped and not _in_for(source, index):
@@ -83,12 +84,14 @@ def calls(source: Source) -> Iterator[Edit]:
 
 
 def booleans(source: Source) -> Iterator[Edit]:
-    """Exchanges a logical operator, or leaves out one of its operands."""
-    for index, token in _signs(source, _LOGICAL):
-        yield token.start, token.end, "||" if token.text == "&&" else "&&"
-        stops = _AROUND_OPERANDS + (_LOGICAL if token.text == "&&" else ("||",))
+    """Exchanges a logical operator, or leaves out one of its operands; of flags, one."""
+    for index, token in _signs(source, (*_LOGICAL, "|")):
+        if token.text != "|":
+            yield token.start, token.end, "||" if token.text == "&&" else "&&"
+        weaker = ("||",) if token.text == "||" else _LOGICAL
+        stops = (*_AROUND_OPERANDS, *weaker, token.text)
         left = _operand_end(source, index, -1, stops)
-        right = _operand_end(source, index, 1, _AROUND_OPERANDS + _LOGICAL)
+        right = _operand_end(source, index, 1, stops)
         yield source.tokens[index - 1].end, source.tokens[right].end, ""
         if not source.is_at(left - 1, token.text):
             yield source.tokens[left].start, source.tokens[index + 1].start, ""

@@ -162,6 +162,8 @@ class Source:
         in_initialisers = ":" in texts[texts.index("(") :] and not self.is_at(start, "@implementation", "-", "+")
         if in_initialisers and (self.tokens[opening - 1].kind == "word" or opening - 1 in self.skipped):
             return False
+        if in_initialisers:
+            self._lambdas(start, opening)
         self._body(opening, self._returned(head, texts))
         return True
 

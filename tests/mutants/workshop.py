@@ -13,7 +13,7 @@ from dataclasses import dataclass, field
 from pathlib import Path
 
 _FLAGS = (
-    "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_COMPILER=clang++", "-DCMAKE_UNITY_BUILD=OFF",
+    "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_COMPILER=clang++",
     "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld",
 )  # fmt: skip
 # Warnings are no concern here: a fault that only a warning shows is still a fault.
@@ -82,7 +82,8 @@ class Workshop:
             folder.mkdir(parents=True, exist_ok=True)
         self._copy_checkout()
         flags = _SANITIZED if self._sanitized else _QUICK
-        self._run_or_exit(["cmake", "-S", str(self.tree), "-B", str(self._build), *_FLAGS, *flags])
+        added = f"-DCMAKE_PROJECT_INCLUDE={self.tree}/tests/mutants/build.cmake"
+        self._run_or_exit(["cmake", "-S", str(self.tree), "-B", str(self._build), added, *_FLAGS, *flags])
         self._run_or_exit(["ninja", "-C", str(self._build), *targets])
         self._find_suites()
 
