@@ -1,4 +1,5 @@
 #include "settings_ui/general_tab_fixture.h"
+#include "settings_ui/looks.h"
 
 #include <gtest/gtest.h>
 
@@ -9,39 +10,47 @@
 namespace tessarel {
 namespace {
 
-TEST_F(GeneralTabTest, SaysWhatEachControlIs) {
-    EXPECT_EQ(fullText(loginBox), "Launch Tessarel at login");
-    EXPECT_EQ(fullText(dragBox), "Show zones while dragging a window");
-    EXPECT_EQ(fullText(edgeBox), "Also snap at screen edges and corners");
-    EXPECT_EQ(fullText(rememberBox), "Reopen apps in their last zone");
-    EXPECT_EQ(fullText(accessButton), "Open Accessibility settings");
-    EXPECT_EQ(fullText(addButton), "Add app...");
-    EXPECT_EQ(fullText(removeButton), "Remove");
+TEST_F(GeneralTabTest, EverythingStandsInItsPlaceInItsSizeAndColour) {
+    EXPECT_EQ(looks(*tab.view()),
+              "16 14 320x20 box 13: Launch Tessarel at login\n"
+              "16 50 200x20 label 14 bold: Spacing\n"
+              "16 78 170x18 label 13: Gap between windows\n"
+              "190 76 190x22 control\n"
+              "390 78 60x18 label 13 secondary: 0 px\n"
+              "16 110 170x18 label 13: Margin around the screen\n"
+              "190 108 190x22 control\n"
+              "390 110 60x18 label 13 secondary: 0 px\n"
+              "16 154 200x20 label 14 bold: Drag to snap\n"
+              "16 182 380x20 box 13: Show zones while dragging a window\n"
+              "36 212 180x18 label 13: Zones appear while you hold:\n"
+              "222 208 150x26 control 13\n"
+              "16 246 380x20 box 13: Also snap at screen edges and corners\n"
+              "36 270 400x50 wrap 12 secondary: Edges give halves, corners give quarters, the top edge "
+              "maximizes. macOS has its own edge tiling (System Settings > Desktop & Dock); turn one of the "
+              "two off to avoid double snapping.\n"
+              "16 346 250x20 label 14 bold: Accessibility permission\n"
+              "16 374 440x18 label 13: Granted. Tessarel can move and resize windows.\n"
+              "16 400 210x28 button 13: Open Accessibility settings\n"
+              "470 50 200x20 label 14 bold: Ignored apps\n"
+              "470 78 290x190 control\n"
+              "471 79 288x188 control 13\n"
+              "470 276 100x28 button 13: Add app...\n"
+              "576 276 80x28 button 13: Remove\n"
+              "470 310 290x34 wrap 12 secondary: Tessarel will not move or snap windows of these apps.\n"
+              "470 350 290x20 label 14 bold: Remember app positions\n"
+              "470 376 290x20 box 13: Reopen apps in their last zone\n"
+              "470 402 200x28 button 13: Forget remembered apps (0)\n"
+              "470 436 290x34 wrap 12 secondary: When an app opens a window, it goes to the zone you last "
+              "snapped that app to.\n");
 }
 
-TEST_F(GeneralTabTest, HasHeadingsInBold) {
-    const std::vector<std::pair<QRect, QString>> headings{{{16, 50, 200, 20}, "Spacing"},
-                                                          {{16, 154, 200, 20}, "Drag to snap"},
-                                                          {{16, 346, 250, 20}, "Accessibility permission"},
-                                                          {{470, 50, 200, 20}, "Ignored apps"},
-                                                          {{470, 350, 290, 20}, "Remember app positions"}};
-    for (const auto& [frame, text] : headings) {
-        EXPECT_EQ(label(frame).text(), text);
-        EXPECT_EQ(label(frame).font().weight(), QFont::Bold);
-    }
-}
+TEST_F(GeneralTabTest, BeforeItIsRefreshedItShowsDefaultsAndNoPermission) {
+    GeneralTab fresh(context);
 
-TEST_F(GeneralTabTest, HasLabelsAndNotes) {
-    EXPECT_EQ(fullText(label({16, 78, 170, 18})), "Gap between windows");
-    EXPECT_EQ(fullText(label({16, 110, 170, 18})), "Margin around the screen");
-    EXPECT_EQ(fullText(label({36, 212, 180, 18})), "Zones appear while you hold:");
-    EXPECT_EQ(
-        fullText(label({36, 270, 400, 50})),
-        "Edges give halves, corners give quarters, the top edge maximizes. macOS has its own edge tiling "
-        "(System Settings > Desktop & Dock); turn one of the two off to avoid double snapping.");
-    EXPECT_EQ(fullText(label({470, 310, 290, 34})), "Tessarel will not move or snap windows of these apps.");
-    EXPECT_EQ(fullText(label({470, 436, 290, 34})),
-              "When an app opens a window, it goes to the zone you last snapped that app to.");
+    EXPECT_EQ(fresh.view()->size(), kTabSize);
+    EXPECT_EQ(at<QLabel>(*fresh.view(), {390, 78, 60, 18}).text(), "0 px");
+    EXPECT_EQ(at<QLabel>(*fresh.view(), {16, 374, 440, 18}).text(), "");
+    EXPECT_EQ(fullText(at<QPushButton>(*fresh.view(), {470, 402, 200, 28})), "Forget remembered apps");
 }
 
 TEST_F(GeneralTabTest, NothingIsWrittenByShowingSettings) {
