@@ -39,7 +39,8 @@ public:
     [[nodiscard]] xcb_atom_t atom(std::string_view name);
     [[nodiscard]] std::string atomName(xcb_atom_t atom);
 
-    /// Waits until the server has handled every request made so far.
+    /// Waits until the server has handled every request made so far, and has written the events that came of
+    /// them to every client.
     void roundTrip();
 
 private:
