@@ -12,8 +12,6 @@ namespace tessarel::x11test {
 namespace {
 
 constexpr int kPanelHeight = 30;
-/// Longer than any placement takes, short enough for a table of failures.
-constexpr std::chrono::seconds kPlacementPatience{10};
 
 std::vector<Monitor> monitorsOf(const XServerOptions& options) {
     if (!options.monitors.empty())
@@ -140,22 +138,14 @@ bool Desktop::startForDrags() {
     const xcb_window_t window = open(client);
     const Frame before = frame(window);
     press(hotkey::kMaximize);
-    return m_observer.waitUntil([&] { return frame(window) != before; }) && waitUntilProgramRests();
+    const bool answers = m_observer.waitUntil([&] { return frame(window) != before; });
+    client.process().kill();
+    const bool hasGone = m_observer.waitUntil([&] { return !m_observer.managed(window); });
+    return answers && hasGone && waitUntilProgramRests();
 }
 
 bool Desktop::waitUntilProgramRests(long timesAsleep) {
-    if (!m_program || !m_program->running())
-        return true;
-    constexpr int kLooks = 5; // it may want to look again in a moment
-    int looks = 0;
-    long last = timesAsleep;
-    return m_observer.waitUntil([&] {
-        const bool isSettled = m_observer.settle();
-        const auto now = m_program->timesAsleep();
-        looks = isSettled && now > timesAsleep && now == last ? looks + 1 : 0;
-        last = now.value_or(last);
-        return looks >= kLooks;
-    });
+    return !m_program || !m_program->running() || m_program->waitUntilAtRest(m_observer, timesAsleep);
 }
 
 void Desktop::replaceManager(WindowManagerKind kind) {
@@ -178,6 +168,12 @@ xcb_window_t Desktop::open(TestClient& client, const WindowOptions& options) {
     EXPECT_TRUE(activate(window));
     m_observer.watch(window);
     return window;
+}
+
+Desktop::Opened Desktop::openUnseen(TestClient& client, const WindowOptions& options) {
+    const Program::Hold hold = m_program->hold();
+    const xcb_window_t window = open(client, options);
+    return {window, frame(window)};
 }
 
 bool Desktop::activate(xcb_window_t window) {
@@ -208,8 +204,7 @@ bool Desktop::isAsLargeAsItsStates(xcb_window_t window) {
 
 bool Desktop::waitUntilWithout(xcb_window_t window, const std::vector<std::string>& states) {
     const auto has = [&](const std::string& state) { return m_observer.hasState(window, state); };
-    return m_observer.waitUntil([&] { return std::none_of(states.begin(), states.end(), has); },
-                                Deadline(kPlacementPatience));
+    return m_observer.waitUntil([&] { return std::none_of(states.begin(), states.end(), has); });
 }
 
 Frame Desktop::settledFrame(xcb_window_t window, const Frame& expected) {
@@ -219,7 +214,7 @@ Frame Desktop::settledFrame(xcb_window_t window, const Frame& expected) {
         return frame(window) == expected && m_observer.settle() && waitUntilProgramRests() &&
                frame(window) == expected;
     };
-    return m_observer.waitUntil(settled, Deadline(kPlacementPatience)) ? expected : frame(window);
+    return m_observer.waitUntil(settled) ? expected : frame(window);
 }
 
 bool Desktop::waitUntilOnlyPanel() {

@@ -79,6 +79,12 @@ public:
 
     /// Opens a window, waits until it is managed and the active one.
     [[nodiscard]] xcb_window_t open(TestClient& client, const WindowOptions& options = {});
+    /// The same while the program is held still, and where the window has opened.
+    struct Opened {
+        xcb_window_t window = XCB_WINDOW_NONE;
+        Frame frame;
+    };
+    [[nodiscard]] Opened openUnseen(TestClient& client, const WindowOptions& options = {});
     /// Makes a window the active one. False when the window manager does not do it.
     [[nodiscard]] bool activate(xcb_window_t window);
     /// Gives a window one or two states at once and waits until it has them. False when they do not come.

@@ -3,8 +3,6 @@
 #include "desktop/snap_fixture.h"
 #include "desktop/window_drag.h"
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 namespace tessarel::x11test {
@@ -45,11 +43,7 @@ protected:
     }
 
     [[nodiscard]] bool remembered(const std::string& entry) {
-        return desktop.observer().waitUntil([&] {
-            std::ifstream file(settingsFile(desktop.server()));
-            const std::string settings{std::istreambuf_iterator<char>(file), {}};
-            return settings.find(entry) != std::string::npos;
-        });
+        return waitUntilStored(desktop.observer(), desktop.server(), entry);
     }
 
     WindowDrag drag{desktop};

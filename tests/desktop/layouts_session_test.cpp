@@ -5,9 +5,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <string>
+#include <vector>
 
 namespace tessarel::x11test {
 namespace {
@@ -28,20 +27,20 @@ protected:
         return found == clients.end() ? xcb_window_t{XCB_WINDOW_NONE} : *found;
     }
 
-    /// Waits until the window with this title is the one that is worked in.
+    /// Waits until the window with this title is the one that is worked in, and stays so.
     bool waitForActive(const std::string& title) {
-        return desktop.observer().waitUntil([&] {
-            const xcb_window_t window = windowTitled(title);
+        xcb_window_t window = XCB_WINDOW_NONE;
+        const auto isActive = [&] {
+            window = windowTitled(title);
             return window != XCB_WINDOW_NONE && desktop.observer().activeWindow() == window;
-        });
+        };
+        return desktop.observer().waitUntil(isActive) && desktop.observer().settleProgram(window);
     }
 
     /// By starting the program once more.
     void openSettings() {
-        Program second(desktop.server());
-        EXPECT_EQ(second.process().waitForExit(), 0);
-        ASSERT_TRUE(waitForActive("Tessarel Settings"));
-        ASSERT_TRUE(desktop.observer().settleProgram(windowTitled("Tessarel Settings")));
+        ASSERT_NE(openSettingsWindow(desktop.observer(), desktop.server().environment()),
+                  xcb_window_t{XCB_WINDOW_NONE});
     }
 
     void moveTo(int x, int y) {
@@ -66,12 +65,9 @@ protected:
     }
 
     bool waitUntilStored(const std::string& text) {
-        return desktop.observer().waitUntil([&] { return stored().find(text) != std::string::npos; });
+        return x11test::waitUntilStored(desktop.observer(), desktop.server(), text);
     }
-    std::string stored() {
-        std::ifstream file(settingsFile(desktop.server()));
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string stored() { return storedSettings(desktop.server()); }
 
     void saveLayoutAs(const std::vector<xcb_keycode_t>& keys) {
         click(375, 25);
@@ -96,7 +92,8 @@ TEST_F(LayoutsSessionTest, ALayoutIsDesignedSavedBoundUsedAndFoundAgain) {
     ASSERT_TRUE(waitUntilStored(R"("h":55)")) << stored();
     saveLayoutAs({key::kC, key::kA, key::kC});
     ASSERT_TRUE(waitUntilStored(R"("name":"cac")")) << stored();
-    click(615, 281); // the hot key of the zone
+    ASSERT_TRUE(waitForActive("Tessarel Settings")); // the question has gone from above the row
+    click(615, 281);                                 // the hot key of the zone
     ASSERT_TRUE(desktop.observer().waitUntil([&] { return !desktop.keyboard().isFree(); }));
     desktop.press(kOwnKey);
     ASSERT_TRUE(waitUntilStored(R"("zone1":{"keyCode":8,)")) << stored();

@@ -89,17 +89,19 @@ TEST_F(MenuStatusNotifierTest, AnAppliedLayoutIsMarkedAtTheNextOpening) {
 
 TEST_F(MenuStatusNotifierTest, PausingIsMarkedAndShowsInTheIcon) {
     const std::string icon = desktop.property("IconPixmap");
+    ASSERT_NE(icon, "");
 
     ASSERT_TRUE(desktop.choose(openedMenu(), "Pause Tessarel"));
 
     EXPECT_TRUE(observer.waitUntil([&] { return isMarked("Pause Tessarel"); }));
-    EXPECT_NE(desktop.property("IconPixmap"), icon);
+    EXPECT_TRUE(observer.waitUntil([&] { return desktop.property("IconPixmap") != icon; }));
 }
 
 TEST_F(MenuStatusNotifierTest, AMoveOfTheMenuMovesTheActiveWindow) {
     TestClient client{server};
     const xcb_window_t window = client.open();
     ASSERT_TRUE(observer.waitUntil([&] { return observer.activeWindow() == window; }));
+    ASSERT_TRUE(observer.settle());
     observer.watch(window);
 
     ASSERT_TRUE(desktop.choose(openedMenu(), "Left half   \\(Ctrl\\+Alt\\+Left\\)"));
@@ -114,7 +116,7 @@ TEST_F(MenuStatusNotifierTest, QuitEndsTheProgramAndTakesTheItemAway) {
 
     EXPECT_EQ(program->process().waitForExit(), 0);
     EXPECT_EQ(program->errors(), "");
-    EXPECT_FALSE(keyboard.held(hotkey::zone(1)));
+    EXPECT_TRUE(keyboard.waitUntilNotHeld(hotkey::zone(1)));
     EXPECT_TRUE(observer.waitUntil([&] { return desktop.item().empty(); }));
 }
 

@@ -5,10 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <fstream>
-#include <iterator>
-
 namespace tessarel::x11test {
 namespace {
 
@@ -26,6 +22,7 @@ constexpr int kQuitRow = 12;
 constexpr int kSubmenuRows = 9; // of either submenu
 constexpr int kLeftHalfRow = 0;
 constexpr int kHalvesRow = 1;
+constexpr int kDimmed = 150; // contrast between that of a usual icon and that of a dimmed one
 constexpr Combination kEscape{9};
 constexpr Combination kReturn{key::kReturn};
 
@@ -62,7 +59,10 @@ protected:
     bool waitForMenus(std::size_t count) {
         return observer.waitUntil([&] { return item.menus().size() == count; });
     }
+    /// Waits until the program has dealt with all that was done to it.
+    bool waitUntilAtRest() { return program->waitUntilAtRest(observer); }
     void openMenu() {
+        ASSERT_TRUE(waitUntilAtRest());
         mouse.clickCentre(item.waitForIcon(), Mouse::kLeft);
         ASSERT_TRUE(waitForMenus(1)) << "no menu opens";
     }
@@ -73,8 +73,16 @@ protected:
             return item.menus().empty();
         }));
     }
+    /// Waits until the layout is on the disk and in use: the hot keys are claimed anew after it is stored.
     bool waitUntilLayoutIsKept() {
-        return observer.waitUntil([&] { return settings().find(R"("zones")") != std::string::npos; });
+        return waitUntilStored(observer, server, R"("zones")") && waitUntilAtRest();
+    }
+    /// A paused program dims its icon to two fifths.
+    bool waitUntilDimmed() {
+        return observer.waitUntil([&] { return item.contrast() > 0 && item.contrast() < kDimmed; });
+    }
+    bool waitUntilNotDimmed() {
+        return observer.waitUntil([&] { return item.contrast() > kDimmed; });
     }
     void choose(int row) {
         openMenu();
@@ -97,10 +105,7 @@ protected:
         return testing::AssertionFailure() << "it is at " << observer.outerFrame(window).value_or(Frame{});
     }
 
-    [[nodiscard]] std::string settings() const {
-        std::ifstream file(settingsFile(server));
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    [[nodiscard]] std::string settings() const { return storedSettings(server); }
 
     XServer server{{.width = 1000, .height = 700}};
     WindowManager manager{server, WindowManagerKind::Openbox};
@@ -151,7 +156,7 @@ TEST_F(MenuTest, ALayoutIsAppliedKeptAndMovesNothingYet) {
 
     choose(kLayoutsRow, kHalvesRow);
 
-    EXPECT_TRUE(waitUntilLayoutIsKept()) << settings();
+    ASSERT_TRUE(waitUntilLayoutIsKept()) << settings();
     EXPECT_EQ(observer.outerFrame(window), before);
     keyboard.press(hotkey::zone(2));
     EXPECT_TRUE(goesTo(window, frameIn(area, kRightHalf)));
@@ -162,7 +167,8 @@ TEST_F(MenuTest, TheMenuHasARowForEachZoneOfTheLayout) {
     openMenu();
     const int rowHeight = item.menus().at(0).height / kRows;
     mouse.clickCentre(ShownStatusItem::row(item.menus().at(0), 0, kRows), Mouse::kLeft); // the title: nothing
-    EXPECT_EQ(item.menus().size(), 1U);
+    ASSERT_TRUE(waitUntilAtRest());
+    ASSERT_EQ(item.menus().size(), 1U);
     const int before = item.menus().at(0).height;
     closeMenu();
 
@@ -177,11 +183,16 @@ TEST_F(MenuTest, PauseStopsTheHotKeysUntilItIsChosenAgain) {
     start();
     const xcb_window_t window = openWindow();
     const auto before = observer.outerFrame(window);
+    ASSERT_TRUE(waitUntilNotDimmed());
 
     choose(kPauseRow);
+    ASSERT_TRUE(waitUntilDimmed());
     keyboard.press(hotkey::zone(1));
-    choose(kPauseRow);
+    ASSERT_TRUE(waitUntilAtRest());
+    EXPECT_EQ(observer.outerFrame(window), before);
 
+    choose(kPauseRow);
+    ASSERT_TRUE(waitUntilNotDimmed());
     EXPECT_EQ(observer.outerFrame(window), before);
     keyboard.press(hotkey::zone(2));
     EXPECT_TRUE(goesTo(window, frameIn(area, kZones[1])));
@@ -194,7 +205,7 @@ TEST_F(MenuTest, QuitEndsTheProgramInGoodOrder) {
 
     EXPECT_EQ(program->process().waitForExit(), 0);
     EXPECT_EQ(program->errors(), "");
-    EXPECT_FALSE(keyboard.held(hotkey::zone(1)));
+    EXPECT_TRUE(keyboard.waitUntilNotHeld(hotkey::zone(1)));
     EXPECT_EQ(settings(), kUsualSettings);
     EXPECT_TRUE(observer.waitUntil([&] { return !item.icon(); }));
 }
@@ -206,7 +217,7 @@ TEST_F(MenuTest, AnOpenMenuDoesNotKeepTheProgramFromEnding) {
     EXPECT_EQ(program->terminate(), 0);
 
     EXPECT_EQ(program->errors(), "");
-    EXPECT_FALSE(keyboard.held(hotkey::zone(1)));
+    EXPECT_TRUE(keyboard.waitUntilNotHeld(hotkey::zone(1)));
     EXPECT_TRUE(waitForMenus(0));
 }
 
@@ -229,8 +240,7 @@ TEST_F(MenuTest, TheFirstStartWelcomesOnceAndLeavesTheMenu) {
 
     keyboard.press(kReturn);
 
-    const auto welcomed = [&] { return settings().find(R"("hasOnboarded":true)") != std::string::npos; };
-    ASSERT_TRUE(observer.waitUntil(welcomed)) << settings();
+    ASSERT_TRUE(waitUntilStored(observer, server, R"("hasOnboarded":true)")) << settings();
     EXPECT_TRUE(observer.waitUntil([&] { return observer.clients().size() == 1; }))
         << "only the panel is left";
     choose(kQuitRow);

@@ -3,9 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
-
 namespace tessarel::x11test {
 namespace {
 
@@ -24,21 +21,9 @@ protected:
 
     /// Starts the program once more: the first copy shows its window.
     xcb_window_t openSettings() {
-        Observer& observer = desktop.observer();
-        Program second(desktop.server());
-        EXPECT_EQ(second.process().waitForExit(), 0);
-        EXPECT_TRUE(observer.waitUntil(
-            [&] { return observer.text(observer.activeWindow(), "_NET_WM_NAME") == "Tessarel Settings"; }));
-        const xcb_window_t settings = observer.activeWindow();
-        // The window manager has activated it as a new window, and Qt asks for it once more when it hears
-        // that the window is mapped.
-        EXPECT_TRUE(observer.settleProgram(settings));
-        return settings;
-    }
-
-    std::string storedSettings() {
-        std::ifstream file(settingsFile(desktop.server()));
-        return {std::istreambuf_iterator<char>(file), {}};
+        const xcb_window_t window = openSettingsWindow(desktop.observer(), desktop.server().environment());
+        EXPECT_NE(window, xcb_window_t{XCB_WINDOW_NONE});
+        return window;
     }
 
     Desktop desktop{{}};
@@ -93,8 +78,8 @@ TEST_F(SessionTest, TheZoneOfAnApplicationIsRemembered) {
     const xcb_window_t window = desktop.open(client, {.className = "Editor"});
     expectSnap(window, 5);
 
-    const auto remembered = [this] { return storedSettings().find(R"("Editor":4)") != std::string::npos; };
-    EXPECT_TRUE(desktop.observer().waitUntil(remembered)) << storedSettings();
+    EXPECT_TRUE(waitUntilStored(desktop.observer(), desktop.server(), R"("Editor":4)"))
+        << storedSettings(desktop.server());
     EXPECT_TRUE(desktop.stop());
 }
 

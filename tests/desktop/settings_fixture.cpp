@@ -7,7 +7,6 @@ namespace tessarel::x11test {
 namespace {
 
 constexpr const char* kApplication = "Tessarel";
-constexpr const char* kWindowTitle = "Tessarel Settings";
 
 } // namespace
 
@@ -29,19 +28,15 @@ void SettingsDesktopTest::SetUp() {
 }
 
 void SettingsDesktopTest::openSettings() {
-    Program second(reader.environment());
-    ASSERT_EQ(second.process().waitForExit(), 0);
-    ASSERT_TRUE(waitUntil([this] {
-        window = observer.activeWindow();
-        return window != XCB_WINDOW_NONE && observer.text(window, "_NET_WM_NAME") == kWindowTitle;
-    }));
-    ASSERT_TRUE(observer.settle());
+    window = openSettingsWindow(observer, reader.environment());
+    ASSERT_NE(window, xcb_window_t{XCB_WINDOW_NONE});
 }
 
 void SettingsDesktopTest::showTab(const std::string& name) {
     const Accessible tab = part("page tab", name);
     click(tab);
     ASSERT_TRUE(waitUntil([&] { return reader.look(tab).isFocused; })) << name;
+    ASSERT_TRUE(waitUntilAtRest()) << "what is on the tab has no place yet";
 }
 
 Accessible SettingsDesktopTest::part(const std::string& role, const std::string& name) {

@@ -39,6 +39,8 @@ protected:
     void click(const Accessible& target);
     /// Waits until `target` is described by `description`.
     testing::AssertionResult comesToSay(const Accessible& target, const std::string& description);
+    /// Waits until the program has dealt with all that was done to it.
+    [[nodiscard]] bool waitUntilAtRest() { return program->waitUntilAtRest(observer); }
     /// Waits until `holds`.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& holds) { return observer.waitUntil(holds); }
 

@@ -20,9 +20,10 @@ const std::string kMenu = "com.canonical.dbusmenu.";
 std::string StatusNotifierPanel::call(const std::string& destination, const std::string& path,
                                       const std::string& method,
                                       const std::vector<std::string>& arguments) const {
-    std::vector<std::string> command = {"gdbus", "call",     "--session", "--timeout",
-                                        "10",    "--dest",   destination, "--object-path",
-                                        path,    "--method", method,      "--"};
+    const std::string patience = std::to_string(kPatience.count());
+    std::vector<std::string> command = {"gdbus",  "call",     "--session", "--timeout",
+                                        patience, "--dest",   destination, "--object-path",
+                                        path,     "--method", method,      "--"};
     command.insert(command.end(), arguments.begin(), arguments.end());
     try {
         return runToEnd(command, m_environment);

@@ -1,9 +1,9 @@
 #include "desktop/tray_desktop.h"
 
-#include <xcb/xtest.h>
-
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <span>
 #include <stdexcept>
 
 namespace tessarel::x11test {
@@ -57,6 +57,26 @@ std::vector<xcb_window_t> descendants(XConnection& x, xcb_window_t window) {
         const std::vector<xcb_window_t> below = descendants(x, child);
         all.insert(all.end(), below.begin(), below.end());
     }
+    return all;
+}
+
+/// The brightness of each pixel of an area of the screen, from 0 to 255.
+std::vector<int> brightnesses(XConnection& x, const Frame& area) {
+    constexpr std::uint32_t kAllPlanes = ~0U;
+    constexpr std::size_t kBytesPerPixel = 4;
+    const auto image = own(xcb_get_image_reply(
+        x.get(),
+        xcb_get_image(x.get(), XCB_IMAGE_FORMAT_Z_PIXMAP, x.root(), static_cast<std::int16_t>(area.x),
+                      static_cast<std::int16_t>(area.y), static_cast<std::uint16_t>(area.width),
+                      static_cast<std::uint16_t>(area.height), kAllPlanes),
+        nullptr));
+    if (!image)
+        return {};
+    const std::span bytes(xcb_get_image_data(image.get()),
+                          static_cast<std::size_t>(xcb_get_image_data_length(image.get())));
+    std::vector<int> all;
+    for (std::size_t first = 0; first + kBytesPerPixel <= bytes.size(); first += kBytesPerPixel)
+        all.push_back((bytes[first] + bytes[first + 1] + bytes[first + 2]) / 3);
     return all;
 }
 
@@ -121,6 +141,15 @@ Frame ShownStatusItem::waitForIcon() {
             [&] { return (found = icon()) && found->y >= panelTop && found->width >= kSmallestIcon; }))
         throw std::runtime_error("no icon appears");
     return *found;
+}
+
+int ShownStatusItem::contrast() {
+    const std::optional<Frame> place = icon();
+    const std::vector<int> seen = place ? brightnesses(m_observer.x(), *place) : std::vector<int>();
+    if (seen.empty())
+        return 0;
+    const auto [darkest, brightest] = std::minmax_element(seen.begin(), seen.end());
+    return *brightest - *darkest;
 }
 
 std::vector<Frame> ShownStatusItem::menus() {

@@ -52,6 +52,8 @@ public:
     [[nodiscard]] std::optional<Frame> icon();
     /// The icon in its place in the panel, waited for; throws when it does not get there.
     Frame waitForIcon();
+    /// How far the icon stands out from the panel, from 0 to 255; 0 while there is none.
+    [[nodiscard]] int contrast();
     /// The menus that are open, the first opened first.
     [[nodiscard]] std::vector<Frame> menus();
     /// The frame of row `position` of `count` rows of equal height.

@@ -11,8 +11,6 @@
 
 #include <algorithm>
 #include <csignal>
-#include <fstream>
-#include <iterator>
 #include <span>
 #include <string>
 #include <vector>
@@ -63,11 +61,6 @@ protected:
         });
     }
 
-    [[nodiscard]] std::string settings() const {
-        std::ifstream file(settingsFile(server));
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
-
     XServer server;
     Observer observer{server.display()};
     Keyboard keyboard{server, observer};
@@ -91,8 +84,8 @@ TEST_P(ProgramSignalTest, EndsItCleanlyAndFreesTheHotKeys) {
 
     EXPECT_EQ(program.waitForExit(), 0);
     EXPECT_EQ(program.errors(), "");
-    EXPECT_FALSE(keyboard.held(kFirstHotKey));
-    EXPECT_EQ(settings(), document);
+    EXPECT_TRUE(keyboard.waitUntilNotHeld(kFirstHotKey));
+    EXPECT_EQ(storedSettings(server), document);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ProgramSignalTest, testing::Values(SIGTERM, SIGINT, SIGHUP));
@@ -165,7 +158,7 @@ TEST_F(ProgramTest, AnAlertThatStandsDoesNotKeepItFromEnding) {
     program.signal(SIGTERM);
 
     EXPECT_EQ(program.waitForExit(), 0);
-    EXPECT_FALSE(keyboard.held(kFirstHotKey));
+    EXPECT_TRUE(keyboard.waitUntilNotHeld(kFirstHotKey));
 }
 
 TEST_F(ProgramTest, ADisplayThatDoesNotAnswerIsToldInOneLine) {

@@ -69,6 +69,12 @@ public:
     /// without coming in between another client's claims.
     [[nodiscard]] bool held(const Combination& combination);
 
+    /// Waits until the combination is held no more: the server lets go of the claims of a program some time
+    /// after that has ended. False when it stays held.
+    [[nodiscard]] bool waitUntilNotHeld(const Combination& combination) {
+        return m_observer.waitUntil([&] { return !held(combination); });
+    }
+
     /// Whether no client has taken the whole keyboard. Looks without coming in between another one's attempt.
     [[nodiscard]] bool isFree();
 

@@ -3,6 +3,7 @@
 #include <csignal>
 #include <fstream>
 #include <ios>
+#include <iterator>
 #include <string>
 #include <sys/syscall.h>
 #include <utility>
@@ -43,6 +44,15 @@ void writeSettings(const XServer& server, std::string_view document) {
     std::ofstream(settingsFile(server)) << document;
 }
 
+std::string storedSettings(const XServer& server) {
+    std::ifstream file(settingsFile(server));
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+bool waitUntilStored(Observer& observer, const XServer& server, std::string_view text) {
+    return observer.waitUntil([&] { return storedSettings(server).find(text) != std::string::npos; });
+}
+
 Program::Program(const XServer& server) : Program(server.environment()) {}
 
 Program::Program(Environment environment)
@@ -65,9 +75,49 @@ std::optional<long> Program::timesAsleep() const {
     return std::nullopt;
 }
 
+bool Program::waitUntilAtRest(Observer& observer, long timesAsleep) {
+    constexpr int kLooks = 5; // it may want to look again in a moment
+    int looks = 0;
+    long last = timesAsleep;
+    const auto isAtRest = [&] {
+        const bool isSettled = observer.settle();
+        const std::optional<long> now = this->timesAsleep();
+        looks = isSettled && now > timesAsleep && now == last ? looks + 1 : 0;
+        last = now.value_or(last);
+        return looks >= kLooks;
+    };
+    return observer.waitUntil([&] { return !running() || isAtRest(); }) && running();
+}
+
+Program::Hold::Hold(const ChildProcess& process) : m_process(process) {
+    m_process.signal(SIGSTOP);
+}
+
+Program::Hold::~Hold() {
+    m_process.signal(SIGCONT);
+}
+
+Program::Hold Program::hold() const {
+    return Hold(m_process);
+}
+
 std::optional<int> Program::terminate() {
     m_process.signal(SIGTERM);
     return m_process.waitForExit();
+}
+
+xcb_window_t openSettingsWindow(Observer& observer, const Environment& environment) {
+    Program second(environment);
+    if (second.process().waitForExit() != 0)
+        return XCB_WINDOW_NONE;
+    xcb_window_t window = XCB_WINDOW_NONE;
+    const auto isActive = [&] {
+        window = observer.activeWindow();
+        return window != XCB_WINDOW_NONE && observer.text(window, "_NET_WM_NAME") == "Tessarel Settings";
+    };
+    // The window manager activates it as a new window, and Qt asks for that once more when it hears that the
+    // window is mapped.
+    return observer.waitUntil(isActive) && observer.settleProgram(window) ? window : XCB_WINDOW_NONE;
 }
 
 } // namespace tessarel::x11test
