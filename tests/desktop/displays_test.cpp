@@ -16,8 +16,9 @@ protected:
         EXPECT_EQ(desktop.settledFrame(window, wanted), wanted);
     }
 
-    Desktop desktop{
-        {.manager = GetParam(), .server = {.width = 2560, .height = 1024, .monitors = twoMonitors()}}};
+    Desktop desktop{{.manager = GetParam(),
+                     .server = {.width = 2560, .height = 1024, .monitors = twoMonitors()},
+                     .settings = kNoHomes}};
     const Frame left = desktop.usableArea(0);
     const Frame right = desktop.usableArea(1);
     TestClient client{desktop.server()};

@@ -74,7 +74,7 @@ TEST_P(DragTest, APressInTheContentNeverSnaps) {
     drag.hold(XCB_MOD_MASK_SHIFT);
     drag.moveInto(zoneFrame(5));
 
-    EXPECT_FALSE(drag.overlay());
+    EXPECT_TRUE(drag.staysWithoutOverlay());
     drag.release();
     drag.hold(0);
 
@@ -232,7 +232,7 @@ TEST_P(DragZonesTest, AnIgnoredApplicationIsDraggedAsIfNothingWereThere) {
     ASSERT_TRUE(drag.begin(window));
     drag.hold(XCB_MOD_MASK_SHIFT);
     drag.moveInto(zoneFrame(5));
-    EXPECT_FALSE(drag.overlay());
+    EXPECT_TRUE(drag.staysWithoutOverlay());
     drag.release();
     drag.hold(0);
 

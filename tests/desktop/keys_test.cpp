@@ -33,6 +33,7 @@ TEST_P(KeysTest, WorkWithEveryStateOfTheLocks) {
 TEST_P(KeysTest, AreTheSamePhysicalKeysOnEveryLayout) {
     for (const char* layout : {"us", "de", "fr"}) {
         desktop.keyboard().setLayout(layout);
+        ASSERT_TRUE(desktop.waitUntilProgramRests());
         for (const int number : {1, 5, 2})
             snap(window, number);
         const Frame centre = centred(desktop.usableArea(), desktop.frame(window));
@@ -49,6 +50,7 @@ TEST_P(KeysTest, StillWorkAfterAMenuHasHeldTheWholeKeyboard) {
     desktop.press(hotkey::zone(1));
     client.ungrabKeyboard();
 
+    ASSERT_TRUE(desktop.waitUntilProgramRests());
     EXPECT_EQ(desktop.frame(window), before);
     snap(window, 2);
 }
@@ -74,7 +76,8 @@ TEST_F(HeldKeysTest, ACombinationThatAnotherProgramHoldsStaysItsAndTheOthersWork
     const Frame before = desktop.frame(window);
 
     desktop.press(hotkey::zone(2));
-    EXPECT_EQ(holder.keyPresses(), 1);
+    EXPECT_TRUE(desktop.observer().waitUntil([&] { return holder.keyPresses() == 1; }));
+    ASSERT_TRUE(desktop.waitUntilProgramRests());
     EXPECT_EQ(desktop.frame(window), before);
 
     desktop.press(hotkey::zone(3));
@@ -109,8 +112,8 @@ TEST_F(HeldKeysTest, AllAreFreeAgainOnceTheProgramHasEnded) {
 
     ASSERT_TRUE(desktop.stop());
 
-    EXPECT_FALSE(desktop.keyboard().held(hotkey::kMaximize));
-    EXPECT_FALSE(desktop.keyboard().held(hotkey::zone(1)));
+    EXPECT_TRUE(desktop.keyboard().waitUntilNotHeld(hotkey::kMaximize));
+    EXPECT_TRUE(desktop.keyboard().waitUntilNotHeld(hotkey::zone(1)));
 }
 
 /// What a window manager holds of its own accord, as far as it is a hot key that the program comes with.

@@ -41,10 +41,12 @@ TEST_F(LimitsTest, MarcoAndIcewmKeepTheShadowOfAClientInsideTheScreen) {
         start(kind);
         const xcb_window_t window = open(kindNamed("ClientDecorated"));
         const Extents shadow = *kindNamed("ClientDecorated").options.shadow;
+        const auto before = observer->clientFrame(window);
 
         // The visible frame at the right edge of the screen, the shadow beyond it.
         observer->moveOuterFrame(window, {1600 - 500 + shadow.right, 300, 500, 400});
 
+        ASSERT_TRUE(observer->waitUntil([&] { return observer->clientFrame(window) != before; })) << kind;
         ASSERT_TRUE(observer->settle());
         EXPECT_LE(observer->clientFrame(window)->right(), 1600) << kind;
         client.destroy(window);

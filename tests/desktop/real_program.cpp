@@ -2,7 +2,18 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace tessarel::x11test {
+
+namespace {
+
+bool speaksPing(Observer& observer, xcb_window_t window) {
+    const auto protocols = observer.values(window, "WM_PROTOCOLS");
+    return std::ranges::find(protocols, observer.x().atom("_NET_WM_PING")) != protocols.end();
+}
+
+} // namespace
 
 std::ostream& operator<<(std::ostream& stream, const RealProgram& program) {
     return stream << program.name;
@@ -18,6 +29,9 @@ StartedProgram start(const RealProgram& program, Desktop& desktop) {
     EXPECT_TRUE(observer.waitUntil([&] { return observer.clients().size() > before; })) << process->errors();
     const xcb_window_t window = observer.clients().back();
     observer.watch(window);
+    // Until it answers, it may still give its window another size.
+    if (speaksPing(observer, window))
+        EXPECT_TRUE(observer.settleProgram(window)) << process->errors();
     return {std::move(process), window};
 }
 

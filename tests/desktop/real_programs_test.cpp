@@ -37,7 +37,7 @@ protected:
                fits(frame.height, zone.height, hasSteps ? hints[10] : 1);
     }
     void expectInZone(xcb_window_t window) {
-        EXPECT_TRUE(observer.waitUntil([&] { return isInZone(window); }, Deadline(std::chrono::seconds(10))))
+        EXPECT_TRUE(observer.waitUntil([&] { return isInZone(window); }))
             << desktop.frame(window) << " in " << zone;
     }
 

@@ -155,6 +155,10 @@ bool WindowDrag::waitUntilNoOverlay() {
     return m_observer.waitUntil([this] { return !find(); });
 }
 
+bool WindowDrag::staysWithoutOverlay() {
+    return m_desktop.waitUntilProgramRests() && !find();
+}
+
 bool WindowDrag::waitUntilNothingIsGrabbed() {
     return m_observer.waitUntil([this] { return grabsAndLetsGo(); });
 }

@@ -39,6 +39,8 @@ public:
     /// Waits until the overlay covers `area`.
     [[nodiscard]] bool waitForOverlay(const Frame& area);
     [[nodiscard]] bool waitUntilNoOverlay();
+    /// Whether there is no overlay although the program has seen all that the hand has done.
+    [[nodiscard]] bool staysWithoutOverlay();
     /// Whether what is behind the overlay shines through it, and not only past its lines.
     [[nodiscard]] bool isOverlayTranslucent();
     /// Waits until no program holds the mouse or the keyboard.

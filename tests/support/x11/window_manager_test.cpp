@@ -37,6 +37,7 @@ TEST_P(WindowManagerTest, OuterFrameIsTheOneAskedForByHand) {
 
     observer.moveOuterFrame(window, wanted);
 
+    EXPECT_TRUE(observer.waitUntil([&] { return observer.outerFrame(window) == wanted; }));
     ASSERT_TRUE(observer.settle());
     EXPECT_EQ(observer.outerFrame(window), wanted);
     EXPECT_GT(observer.clientFrame(window)->y, wanted.y) << "no title bar";
@@ -65,7 +66,7 @@ TEST_P(WindowManagerTest, LetsPressesOfAGrabbedCombinationThrough) {
 
     keyboard.press({key::kReturn, kControlAlt});
 
-    EXPECT_EQ(client.keyPresses(), 1);
+    EXPECT_TRUE(observer.waitUntil([&] { return client.keyPresses() == 1; }));
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, WindowManagerTest, testing::ValuesIn(kAllWindowManagers),
