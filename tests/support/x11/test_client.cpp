@@ -132,6 +132,15 @@ void TestClient::openAndClose(const WindowOptions& options, int count) {
     ask(command.text());
 }
 
+ComeBack TestClient::comeBack(xcb_window_t window) {
+    const std::string answer = ask(Command("come-back").add(window).text());
+    return answer == "first" ? ComeBack::First : answer == "late" ? ComeBack::Late : ComeBack::NotYet;
+}
+
+void TestClient::moveBack(xcb_window_t window, const Frame& client) {
+    ask(Command("move-back").add(window).add(list({client.x, client.y, client.width, client.height})).text());
+}
+
 ConfigureCount TestClient::configures(xcb_window_t window) {
     const std::string answer = ask(Command("count").add(window).text());
     const std::size_t space = answer.find(' ');

@@ -55,6 +55,13 @@ struct ConfigureCount {
     [[nodiscard]] int all() const { return real + synthetic; }
 };
 
+/// What has become of a window with `WindowOptions::comesBackAfter`.
+enum class ComeBack {
+    NotYet,
+    First, ///< it has come back before it was given another size
+    Late,  ///< it was given another size before it came back
+};
+
 /// Another program on the desktop, with windows made to order.
 class TestClient {
 public:
@@ -68,6 +75,10 @@ public:
     void destroy(xcb_window_t window);
     /// Opens so many windows one after the other, each as soon as the one before has been shown and closed.
     void openAndClose(const WindowOptions& options, int count);
+
+    [[nodiscard]] ComeBack comeBack(xcb_window_t window);
+    /// Has the client move a window to where it was opened, as by its own decision.
+    void moveBack(xcb_window_t window, const Frame& client);
 
     [[nodiscard]] ConfigureCount configures(xcb_window_t window);
 

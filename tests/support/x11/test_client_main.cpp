@@ -78,6 +78,8 @@ struct Return {
     std::chrono::milliseconds delay;
     Numbers frame;
     std::optional<Clock::time_point> due; ///< once the window has been shown
+    bool isLate = false;                  ///< it has had another size meanwhile
+    bool isDone = false;
 };
 
 struct Counters {
@@ -108,6 +110,7 @@ private:
     void drainEvents();
     void take(const xcb_generic_event_t& event);
     int moveBack();
+    [[nodiscard]] std::string comeBack(xcb_window_t window) const;
 
     XConnection m_x{std::getenv("DISPLAY")};
     std::map<xcb_window_t, Counters> m_counters;
@@ -222,7 +225,7 @@ std::string Client::open(const Options& options) {
     const xcb_window_t window = make(options);
     if (options.has("comes-back-after")) {
         const std::chrono::milliseconds delay(number(options.one("comes-back-after")));
-        m_returns[window] = {delay, options.list("client"), std::nullopt};
+        m_returns[window] = {.delay = delay, .frame = options.list("client"), .due = std::nullopt};
     }
     return std::to_string(window);
 }
@@ -292,6 +295,10 @@ std::string Client::answer(const Words& words) {
         xcb_ungrab_pointer(m_x.get(), XCB_CURRENT_TIME);
     else if (command == "presses")
         return std::to_string(m_keyPresses);
+    else if (command == "come-back")
+        return comeBack(number(words.at(1)));
+    else if (command == "move-back")
+        xcb_configure_window(m_x.get(), number(words.at(1)), kPlace, numbers(words.at(2)).data());
     else if (command == "count") {
         const Counters& counters = m_counters[number(words.at(1))];
         return std::to_string(counters.real) + " " + std::to_string(counters.synthetic);
@@ -313,6 +320,10 @@ void Client::take(const xcb_generic_event_t& event) {
     Counters& counters = m_counters[reinterpret_cast<const xcb_configure_notify_event_t&>(event).window];
     const bool sent = (event.response_type & 0x80) != 0;
     ++(sent ? counters.synthetic : counters.real);
+    const auto& configured = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
+    if (const auto one = m_returns.find(configured.window); one != m_returns.end() && !one->second.isDone)
+        one->second.isLate |=
+            configured.width != one->second.frame.at(2) || configured.height != one->second.frame.at(3);
 }
 
 void Client::drainEvents() {
@@ -324,20 +335,28 @@ void Client::drainEvents() {
 int Client::moveBack() {
     const auto now = Clock::now();
     int wait = -1;
-    std::erase_if(m_returns, [&](const auto& entry) {
-        const auto& [window, back] = entry;
-        if (!back.due)
-            return false;
+    for (auto& [window, back] : m_returns) {
+        if (!back.due || back.isDone)
+            continue;
         if (*back.due <= now) {
+            m_x.roundTrip();
+            drainEvents();
+            back.isDone = true;
             xcb_configure_window(m_x.get(), window, kPlace, back.frame.data());
-            return true;
+            continue;
         }
         const auto left =
             static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(*back.due - now).count());
         wait = wait < 0 ? left : std::min(wait, left);
-        return false;
-    });
+    }
     return wait;
+}
+
+std::string Client::comeBack(xcb_window_t window) const {
+    const auto one = m_returns.find(window);
+    if (one == m_returns.end() || !one->second.isDone)
+        return "not yet";
+    return one->second.isLate ? "late" : "first";
 }
 
 int Client::run() {
