@@ -283,11 +283,10 @@ TEST_P(OverlayScaleTest, WhatIsRepaintedLooksAsIfItWereShownForTheFirstTime) {
     const std::vector<OverlayFigure> others = {zoneFigure({3, 3, 677, 761}, "1", true),
                                                zoneFigure({391, 77, 501, 333}, "7"), zones.back()};
     constexpr QRect kAll(0, 0, 1600, 900);
-    const QImage empty = screen(kAll);
+    const QImage empty = settledScreen(kAll);
     show({233, 31, 1363, 769}, zones);
     ASSERT_TRUE(waitUntil([&] { return screenPixel(920, 400) != QColor(Qt::black); }));
-    turn();
-    const QImage fresh = screen(kAll);
+    const QImage fresh = settledScreen(kAll);
 
     change(others);
     change(zones);

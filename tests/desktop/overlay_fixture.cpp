@@ -59,6 +59,7 @@ OverlayDesktopTest::OverlayDesktopTest(const std::string& scaleFactor) {
     qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     scaleFactor.empty() ? qunsetenv("QT_SCALE_FACTOR") : qputenv("QT_SCALE_FACTOR", scaleFactor.c_str());
     m_application.emplace(m_argumentCount, m_arguments.data());
+    m_barrier.emplace(observer);
 }
 
 OverlayDesktopTest::~OverlayDesktopTest() {
@@ -102,17 +103,12 @@ void OverlayDesktopTest::hide() {
 }
 
 void OverlayDesktopTest::turn() {
-    QApplication::processEvents();
-    observer.x().roundTrip();
-    QApplication::processEvents();
+    EXPECT_TRUE(m_barrier->pass());
     clock.advance(std::chrono::seconds(1));
 }
 
 bool OverlayDesktopTest::waitUntil(const std::function<bool()>& holds) {
-    return observer.waitUntil([&] {
-        QApplication::processEvents();
-        return holds();
-    });
+    return m_barrier->waitUntil(holds);
 }
 
 QImage OverlayDesktopTest::screen(const QRect& area) {
@@ -129,6 +125,23 @@ QImage OverlayDesktopTest::screen(const QRect& area) {
 
 QColor OverlayDesktopTest::screenPixel(int x, int y) {
     return screen({x, y, 1, 1}).pixelColor(0, 0);
+}
+
+QImage OverlayDesktopTest::settledScreen(const QRect& area) {
+    turn();
+    // A compositor shows what was drawn before along with a window that comes up afterwards.
+    const QColor before = screenPixel(0, 0);
+    const std::uint32_t values[] = {observer.x().screen().white_pixel, 1};
+    xcb_connection_t* const xcb = observer.x().get();
+    const xcb_window_t marker = xcb_generate_id(xcb);
+    xcb_create_window(xcb, XCB_COPY_FROM_PARENT, marker, observer.root(), 0, 0, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+    xcb_map_window(xcb, marker);
+    EXPECT_TRUE(waitUntil([&] { return screenPixel(0, 0) == QColor(Qt::white); }));
+    xcb_destroy_window(xcb, marker);
+    EXPECT_TRUE(waitUntil([&] { return screenPixel(0, 0) == before; }));
+    return screen(area);
 }
 
 testing::AssertionResult OverlayDesktopTest::becomes(int x, int y, const QColor& color) {

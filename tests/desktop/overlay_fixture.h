@@ -7,6 +7,7 @@
 #include "platform/sim/sim_main_queue.h"
 #include "support/x11/child_process.h"
 #include "support/x11/observer.h"
+#include "support/x11/qt_barrier.h"
 #include "support/x11/window_manager.h"
 #include "support/x11/x_server.h"
 
@@ -42,7 +43,7 @@ protected:
     /// Shows `list` where the overlay is, in place of what was there.
     void change(const std::vector<OverlayFigure>& list);
     void hide();
-    /// Lets Qt and the server deal with all that has happened.
+    /// Waits until Qt and the server have dealt with all that has happened.
     void turn();
     /// Waits until `holds`, while Qt's loop turns.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& holds);
@@ -50,6 +51,8 @@ protected:
     /// What stands on the screen.
     [[nodiscard]] QImage screen(const QRect& area);
     [[nodiscard]] QColor screenPixel(int x, int y);
+    /// The same once a compositor has put on the screen all that has been drawn.
+    [[nodiscard]] QImage settledScreen(const QRect& area);
     /// Waits until a pixel of the screen has `color`, give or take a little.
     testing::AssertionResult becomes(int x, int y, const QColor& color);
 
@@ -67,6 +70,7 @@ private:
     std::array<char, 5> m_programName{"test"};
     std::array<char*, 2> m_arguments{m_programName.data(), nullptr};
     std::optional<QApplication> m_application;
+    std::optional<x11test::QtBarrier> m_barrier;
     std::unique_ptr<x11test::ChildProcess> m_compositor;
 
 protected:
