@@ -18,8 +18,8 @@ using namespace std::chrono_literals;
 using testing::Eq;
 using testing::Optional;
 
-constexpr auto kLong = 15s;
-constexpr auto kShort = 150ms;
+constexpr std::chrono::milliseconds kLong = 15s;
+constexpr std::chrono::milliseconds kShort = 150ms;
 
 class QtUrlLoadingTest : public WebTest {
 protected:
@@ -40,11 +40,19 @@ protected:
     }
     std::optional<UrlResponse> get(const std::string& path) { return get(request(server.url(path))); }
 
-    /// What comes of `path`, where the server takes longer than it has.
-    std::optional<UrlResponse> getInAHurry(const std::string& path) {
+    /// What comes of `path`, where the server takes longer than it has, after it has had so many requests.
+    /// The time limit is doubled until it is long enough for them to arrive on a busy machine.
+    std::optional<UrlResponse> getInAHurry(const std::string& path, std::size_t requests = 1) {
         UrlRequest hurried = request(server.url(path));
-        hurried.timeLimit = kShort;
-        return get(hurried);
+        std::optional<UrlResponse> response;
+        for (hurried.timeLimit = kShort; hurried.timeLimit < kLong; hurried.timeLimit *= 2) {
+            server.requests.clear();
+            response = get(hurried);
+            if (response || server.requests.size() >= requests)
+                break;
+        }
+        EXPECT_GE(server.requests.size(), requests);
+        return response;
     }
 
     WebServer server;
@@ -145,7 +153,6 @@ TEST_F(QtUrlLoadingTest, AFloodIsTurnedOff) {
 
 TEST_F(QtUrlLoadingTest, AServerThatNeverAnswersIsGivenUp) {
     EXPECT_EQ(getInAHurry("/silent"), std::nullopt);
-    EXPECT_EQ(server.requests.size(), 1U);
 }
 
 TEST_F(QtUrlLoadingTest, TheTimeLimitIsForTheWholeAnswer) {
@@ -160,8 +167,7 @@ TEST_F(QtUrlLoadingTest, TheTimeLimitIsForAllRedirectsTogether) {
     server.at("/", redirect("/next"));
     server.at("/next", trickle("HTTP/1.1 200 OK\r\n"));
 
-    EXPECT_EQ(getInAHurry("/"), std::nullopt);
-    EXPECT_EQ(server.requests.size(), 2U);
+    EXPECT_EQ(getInAHurry("/", 2), std::nullopt);
 }
 
 TEST_F(QtUrlLoadingTest, AServerThatIsNotThereDoesNotAnswer) {

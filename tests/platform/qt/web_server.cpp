@@ -21,7 +21,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kPatience = 20s;
+constexpr auto kPatience = 60s; // far beyond what anything needs
 constexpr auto kTrickle = 5ms;
 constexpr qsizetype kChunk = 256LL * 1024;
 
