@@ -8,7 +8,8 @@ namespace tessarel::x11 {
 
 namespace {
 
-constexpr std::chrono::milliseconds kBound{250};
+/// On a busy machine, window managers that compose the screen were seen to take more than a quarter of this.
+constexpr std::chrono::seconds kBound{1};
 // Many places, so that a late answer is not taken for that of a later question.
 constexpr std::int32_t kNearest = -10;
 constexpr std::int32_t kFarthest = -1000;
