@@ -30,8 +30,9 @@ StartedProgram start(const RealProgram& program, Desktop& desktop) {
     const xcb_window_t window = observer.clients().back();
     observer.watch(window);
     // Until it answers, it may still give its window another size.
-    if (speaksPing(observer, window))
+    if (speaksPing(observer, window)) {
         EXPECT_TRUE(observer.settleProgram(window)) << process->errors();
+    }
     return {std::move(process), window};
 }
 

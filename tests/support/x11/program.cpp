@@ -117,7 +117,9 @@ xcb_window_t openSettingsWindow(Observer& observer, const Environment& environme
     };
     // The window manager activates it as a new window, and Qt asks for that once more when it hears that the
     // window is mapped.
-    return observer.waitUntil(isActive) && observer.settleProgram(window) ? window : XCB_WINDOW_NONE;
+    if (!observer.waitUntil(isActive) || !observer.settleProgram(window))
+        return XCB_WINDOW_NONE;
+    return window;
 }
 
 } // namespace tessarel::x11test
