@@ -24,14 +24,21 @@ protected:
         fakemac::movePointer(axPoint);
     }
 
+    /// The program reads a window's frame only every 30 ms until the window has moved.
+    void letFrameBeReadAgain() {
+        bool isTime = false;
+        program->mainQueue().asyncAfter(std::chrono::milliseconds(30), [&isTime] { isTime = true; });
+        EXPECT_TRUE(until([&isTime] { return isTime; }));
+    }
+
     fakemac::WindowNumber window = openEditorWindow();
 };
 
 TEST_F(MacApplicationDragTest, WithShiftTheZonesAreShownUntilTheWindowIsInOne) {
+    fakemac::holdModifiers(kShiftFlag);
     press();
     EXPECT_EQ(overlay(), nullptr);
 
-    fakemac::holdModifiers(kShiftFlag);
     drag({100, 100});
     ASSERT_NE(overlay(), nullptr);
     EXPECT_EQ(overlay()->geometry(), QRect(0, 0, 1440, 900));
@@ -42,8 +49,8 @@ TEST_F(MacApplicationDragTest, WithShiftTheZonesAreShownUntilTheWindowIsInOne) {
 }
 
 TEST_F(MacApplicationDragTest, TheZoneUnderThePointerStandsOut) {
-    press();
     fakemac::holdModifiers(kShiftFlag);
+    press();
     drag({100, 100});
 
     ASSERT_NE(overlay(), nullptr);
@@ -56,8 +63,8 @@ TEST_F(MacApplicationDragTest, TheZoneUnderThePointerStandsOut) {
 
 TEST_F(MacApplicationDragTest, TheZonesHaveTheUsersAccentColour) {
     fakemac::mac().accent = {1, 0, 0};
-    press();
     fakemac::holdModifiers(kShiftFlag);
+    press();
     drag({100, 100});
 
     ASSERT_NE(overlay(), nullptr);
@@ -67,8 +74,8 @@ TEST_F(MacApplicationDragTest, TheZonesHaveTheUsersAccentColour) {
 }
 
 TEST_F(MacApplicationDragTest, WithoutSuchAColourTheyAreBlue) {
-    press();
     fakemac::holdModifiers(kShiftFlag);
+    press();
     drag({100, 100});
 
     ASSERT_NE(overlay(), nullptr);
@@ -76,8 +83,8 @@ TEST_F(MacApplicationDragTest, WithoutSuchAColourTheyAreBlue) {
 }
 
 TEST_F(MacApplicationDragTest, TheOverlayIsAboveStatusItemsOnEverySpaceAndOutOfReach) {
-    press();
     fakemac::holdModifiers(kShiftFlag);
+    press();
     drag({100, 100});
     ASSERT_NE(overlay(), nullptr);
     fakemac::WindowSight expected{.level = 25,
@@ -103,8 +110,8 @@ TEST_F(MacApplicationDragTest, TheOverlayIsAboveStatusItemsOnEverySpaceAndOutOfR
 }
 
 TEST_F(MacApplicationDragTest, AHotKeyRightAfterTheDropFindsTheDroppedWindowInFront) {
-    press();
     fakemac::holdModifiers(kShiftFlag);
+    press();
     drag({100, 100});
     drag({600, 100});
     EXPECT_EQ(fakemac::mac().frontmost, kEditor);
@@ -118,8 +125,8 @@ TEST_F(MacApplicationDragTest, AHotKeyRightAfterTheDropFindsTheDroppedWindowInFr
 }
 
 TEST_F(MacApplicationDragTest, TheOverlayFollowsThePointerToTheOtherDisplay) {
-    press();
     fakemac::holdModifiers(kShiftFlag);
+    press();
     drag({100, 100});
     drag({1500, 300});
 
@@ -155,8 +162,8 @@ TEST_F(MacApplicationDragTest, ZonesAppearAndVanishUnderARestingPointer) {
 }
 
 TEST_F(MacApplicationDragTest, AWindowThatIsClosedDuringItsDragTakesTheZonesWithIt) {
-    press();
     fakemac::holdModifiers(kShiftFlag);
+    press();
     drag({100, 100});
     ASSERT_NE(overlay(), nullptr);
 
@@ -167,8 +174,8 @@ TEST_F(MacApplicationDragTest, AWindowThatIsClosedDuringItsDragTakesTheZonesWith
 
 TEST_F(MacApplicationDragTest, AWindowWhoseEndNobodyTellsTakesTheZonesWithItAtTheRelease) {
     fakemac::mac().windows.at(window).tellsItsEnd = false;
-    press();
     fakemac::holdModifiers(kShiftFlag);
+    press();
     drag({100, 100});
     ASSERT_NE(overlay(), nullptr);
 
@@ -176,17 +183,17 @@ TEST_F(MacApplicationDragTest, AWindowWhoseEndNobodyTellsTakesTheZonesWithItAtTh
     fakemac::releaseLeftButton();
 
     EXPECT_EQ(overlay(), nullptr);
-    drain();
     window = openEditorWindow();
     press();
+    letFrameBeReadAgain();
     drag({100, 100});
     EXPECT_NE(overlay(), nullptr) << "the next drag";
 }
 
 TEST_F(MacApplicationDragTest, DisplaysMayGoBetweenTwoQuestionsOfOneMovement) {
     const auto displays = fakemac::mac().displays;
-    press();
     fakemac::holdModifiers(kShiftFlag);
+    press();
     drag({100, 100});
     ASSERT_NE(overlay(), nullptr);
 
@@ -201,8 +208,8 @@ TEST_F(MacApplicationDragTest, DisplaysMayGoBetweenTwoQuestionsOfOneMovement) {
 }
 
 TEST_F(MacApplicationDragTest, TheProgramMayEndInTheMiddleOfADrag) {
-    press();
     fakemac::holdModifiers(kShiftFlag);
+    press();
     drag({100, 100});
 
     program.reset();
