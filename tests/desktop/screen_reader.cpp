@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <stdexcept>
 #include <utility>
 
@@ -111,6 +112,10 @@ std::vector<ScreenReader::Reference> ScreenReader::children(const Reference& obj
     return all;
 }
 
+std::string ScreenReader::roleOf(const Reference& object) const {
+    return call(object, kAccessible, "GetRoleName").toString().toStdString();
+}
+
 Accessible ScreenReader::describe(const Reference& object) const {
     const std::vector<std::uint32_t> states = words(call(object, kAccessible, "GetState"));
     const auto has = [&](unsigned state) { return !states.empty() && (states.front() >> state & 1U) != 0; };
@@ -118,7 +123,7 @@ Accessible ScreenReader::describe(const Reference& object) const {
             .path = object.path.toStdString(),
             .name = property(object, "Name"),
             .description = property(object, "Description"),
-            .role = call(object, kAccessible, "GetRoleName").toString().toStdString(),
+            .role = roleOf(object),
             .isEnabled = has(kEnabled),
             .isFocusable = has(kFocusable),
             .isFocused = has(kFocused),
@@ -132,25 +137,42 @@ void ScreenReader::readInto(std::vector<Accessible>& parts, const Reference& obj
         readInto(parts, child);
 }
 
-std::vector<Accessible> ScreenReader::read(std::string_view application) const {
-    std::vector<Accessible> parts;
+std::vector<ScreenReader::Reference> ScreenReader::windowsOf(std::string_view application) const {
+    std::vector<Reference> windows;
     for (const Reference& program :
          children({"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"})) {
-        if (property(program, "Name") != application)
-            continue;
-        for (const Reference& window : children(program))
-            readInto(parts, window);
+        if (property(program, "Name") == application)
+            std::ranges::copy(children(program), std::back_inserter(windows));
     }
+    return windows;
+}
+
+std::vector<Accessible> ScreenReader::read(std::string_view application) const {
+    std::vector<Accessible> parts;
+    for (const Reference& window : windowsOf(application))
+        readInto(parts, window);
     return parts;
+}
+
+std::optional<Accessible> ScreenReader::findIn(const Reference& object, std::string_view role,
+                                               std::string_view name) const {
+    if (property(object, "Name") == name && roleOf(object) == role) {
+        const Accessible part = describe(object);
+        if (part.isShowing)
+            return part;
+    }
+    for (const Reference& child : children(object))
+        if (auto found = findIn(child, role, name))
+            return found;
+    return std::nullopt;
 }
 
 std::optional<Accessible> ScreenReader::find(std::string_view application, std::string_view role,
                                              std::string_view name) const {
-    const std::vector<Accessible> parts = read(application);
-    const auto found = std::ranges::find_if(parts, [&](const Accessible& part) {
-        return part.isShowing && part.role == role && part.name == name;
-    });
-    return found == parts.end() ? std::nullopt : std::optional(*found);
+    for (const Reference& window : windowsOf(application))
+        if (auto found = findIn(window, role, name))
+            return found;
+    return std::nullopt;
 }
 
 Accessible ScreenReader::look(const Accessible& before) const {

@@ -62,7 +62,12 @@ private:
                                 const QList<QVariant>& arguments = {}) const;
     [[nodiscard]] std::string property(const Reference& object, const char* name) const;
     [[nodiscard]] std::vector<Reference> children(const Reference& object) const;
+    [[nodiscard]] std::string roleOf(const Reference& object) const;
     [[nodiscard]] Accessible describe(const Reference& object) const;
+    [[nodiscard]] std::vector<Reference> windowsOf(std::string_view application) const;
+    /// The first showing part with this role and name among `object` and what is in it.
+    [[nodiscard]] std::optional<Accessible> findIn(const Reference& object, std::string_view role,
+                                                   std::string_view name) const;
     void readInto(std::vector<Accessible>& parts, const Reference& object) const;
 
     Environment m_environment;

@@ -166,12 +166,12 @@ TEST_F(PlacementTest, AStoppedManagerIsWaitedForOncePerTurn) {
     desktop.manager->process().signal(SIGSTOP);
     const auto start = std::chrono::steady_clock::now();
 
-    const auto first = waits(kTarget);
+    static_cast<void>(waits(kTarget));
     EXPECT_GE(std::chrono::steady_clock::now() - start, 1s);
     const auto second = waits({10, 40, 300, 200});
 
     desktop.manager->process().signal(SIGCONT);
-    EXPECT_EQ(second, first - 1);
+    EXPECT_EQ(second, 1U) << "the frame is read back, and nobody waited for";
     EXPECT_TRUE(observer.waitUntil([&] { return actualFrame(window) == Rect{10, 40, 300, 200}; }));
     settle();
     expectPlaced(window, kTarget);
