@@ -81,7 +81,11 @@ void dropFluxboxKeys(const XServer& server) {
             keys += line + "\n";
     writeFile(server.home() / ".fluxbox/keys", keys);
     // It takes a window at an edge to the next desktop, and rolls up one that is pressed twice.
+    // Its wallpaper is set by a script that reports a failure in a window, on whatever server has the display
+    // number of one that has ended.
+    writeFile(server.home() / ".fluxbox/overlay", "background: none\n");
     writeFile(server.home() / ".fluxbox/init", "session.keyFile: ~/.fluxbox/keys\n"
+                                               "session.styleOverlay: ~/.fluxbox/overlay\n"
                                                "session.screen0.workspacewarping: false\n"
                                                "session.doubleClickInterval: 0\n");
 }

@@ -1,7 +1,11 @@
 #include "support/x11/x_server.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
+#include <fstream>
+#include <random>
 #include <stdexcept>
 
 namespace tessarel::x11test {
@@ -12,6 +16,34 @@ namespace {
 /// are told.
 constexpr auto kInherited = {"PATH",         "LD_LIBRARY_PATH", "ASAN_OPTIONS",
                              "LSAN_OPTIONS", "UBSAN_OPTIONS",   "TMPDIR"};
+
+/// The key to the servers of this test process. Display numbers are used again: without a key, a program that
+/// outlives its server would reach the server of another test.
+class ServerKey {
+public:
+    ServerKey() {
+        std::random_device random;
+        std::string cookie(16, '\0');
+        std::ranges::generate(cookie, [&] { return static_cast<char>(random()); });
+        std::ofstream file(path());
+        file.write("\xff\xff", 2); // for every address and display
+        for (const std::string& field :
+             {std::string(), std::string(), std::string("MIT-MAGIC-COOKIE-1"), cookie}) {
+            const std::array<char, 2> length = {'\0', static_cast<char>(field.size())};
+            file.write(length.data(), length.size()) << field;
+        }
+        ::setenv("XAUTHORITY", path().c_str(), 1); // for this process's own connections
+    }
+    [[nodiscard]] std::filesystem::path path() const { return m_folder.path() / "authority"; }
+
+private:
+    TemporaryFolder m_folder;
+};
+
+const ServerKey& serverKey() {
+    static const ServerKey key;
+    return key;
+}
 
 Environment privateEnvironment(const std::filesystem::path& folder) {
     Environment environment;
@@ -32,13 +64,15 @@ Environment privateEnvironment(const std::filesystem::path& folder) {
     environment["LANG"] = "C.UTF-8";
     environment["XDG_SESSION_TYPE"] = "x11";
     environment["NO_AT_BRIDGE"] = "1";
+    environment["XAUTHORITY"] = serverKey().path();
     return environment;
 }
 
 std::vector<std::string> serverCommand(const XServerOptions& options) {
     const std::string screen = std::to_string(options.width) + "x" + std::to_string(options.height) + "x24";
-    std::vector<std::string> command = {"Xvfb",     "-displayfd", "1",   "-screen", "0", screen,
-                                        "-noreset", "-nolisten",  "tcp", "-dpi",    "96"};
+    std::vector<std::string> command = {
+        "Xvfb", "-displayfd", "1",     "-screen",         "0", screen, "-noreset", "-nolisten", "tcp",
+        "-dpi", "96",         "-auth", serverKey().path()};
     if (!options.tellsProcesses)
         command.insert(command.end(), {"-extension", "X-Resource"});
     return command;
