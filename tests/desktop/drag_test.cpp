@@ -113,6 +113,7 @@ protected:
     ~DragSettingsTest() override {
         drag.hold(0);
         drag.release();
+        EXPECT_TRUE(setDesktops(m_desktops));
         EXPECT_TRUE(desktop.restart(kNoHomes));
     }
 
@@ -127,14 +128,9 @@ protected:
         Share share;
     };
 
-    /// It takes a window at an edge to the next desktop as long as there is one.
+    /// xfwm4 takes a window at an edge to the next desktop as long as there is one.
     [[nodiscard]] bool leaveXfwm4OneDesktop() {
-        Observer& observer = desktop.observer();
-        if (desktop.manager() != WindowManagerKind::Xfwm4)
-            return true;
-        observer.sendToRoot(observer.root(), "_NET_NUMBER_OF_DESKTOPS", {1});
-        return observer.waitUntil(
-            [&] { return observer.values(observer.root(), "_NET_NUMBER_OF_DESKTOPS").at(0) == 1; });
+        return desktop.manager() != WindowManagerKind::Xfwm4 || setDesktops({1});
     }
 
     /// Expects that windows dropped at these places go where they are offered to.
@@ -152,6 +148,19 @@ protected:
             EXPECT_EQ(desktop.settledFrame(window, part), part);
         }
     }
+
+private:
+    [[nodiscard]] std::vector<std::uint32_t> desktops() {
+        return desktop.observer().values(desktop.observer().root(), "_NET_NUMBER_OF_DESKTOPS");
+    }
+    [[nodiscard]] bool setDesktops(const std::vector<std::uint32_t>& number) {
+        if (desktops() == number)
+            return true;
+        desktop.observer().sendToRoot(desktop.observer().root(), "_NET_NUMBER_OF_DESKTOPS", {number.at(0)});
+        return desktop.observer().waitUntil([&] { return desktops() == number; });
+    }
+
+    const std::vector<std::uint32_t> m_desktops = desktops();
 };
 
 /// Settings that no window manager has a say in.
