@@ -34,7 +34,7 @@ MACOS_SUITES = ("macos_test", "macos_contract_test", "macos_application_test")
 FOLDERS = {
     "model": Folder(("src/model",), ("model_test",)),
     "ports": Folder(("src/ports",), ("ports_test", "sim_test", "engine_test", "snap_test")),
-    "engine": Folder(("src/engine",), ("engine_test",)),
+    "engine": Folder(("src/engine",), ("engine_test", "engine_session_test")),
     "snap": Folder(("src/snap",), ("snap_test",)),
     "placer": Folder(("src/placer",), ("placer_test",)),
     "app": Folder(("src/app",), ("app_test",)),
@@ -66,6 +66,7 @@ class Trial:
             print(f"Building {', '.join(names)} ({number} of {len(self._workshops)})", flush=True)
             workshop.prepare(names)
         self._measured = {name: self._workshops[0].measure(name) for name in names}
+        print(", ".join(f"{name} {each.duration:.1f} s" for name, each in self._measured.items()), flush=True)
 
     def run(self, chosen: list[tuple[str, Fault]]) -> list[Outcome]:
         by_file: dict[str, list[tuple[str, Fault]]] = {}
@@ -100,7 +101,7 @@ class Trial:
         return outcomes
 
     def _try(self, workshop: Workshop, folder: str, fault: Fault) -> Outcome:
-        workshop.change(fault.path, fault.applied((CHECKOUT / fault.path).read_text()))
+        workshop.inject(fault)
         for name in self._targets[folder]:
             if not workshop.builds([name]):
                 return Outcome(folder, fault, DROPPED)

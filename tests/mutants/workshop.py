@@ -4,6 +4,7 @@ import json
 import math
 import os
 import re
+import resource
 import shutil
 import signal
 import subprocess
@@ -11,6 +12,8 @@ import tempfile
 import time
 from dataclasses import dataclass, field
 from pathlib import Path
+
+from faults import Fault
 
 _FLAGS = (
     "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_COMPILER=clang++",
@@ -21,7 +24,7 @@ _QUICK = ("-DCMAKE_CXX_FLAGS=-O0 -w -D_GLIBCXX_ASSERTIONS",)
 _SANITIZED = ("-DCMAKE_CXX_FLAGS=-O0 -g1 -w", "-DTESSAREL_SANITIZE=ON")
 _MEMORY_LIMIT = 4 << 20  # KiB: a loop without an end is not to take the machine with it
 _LEAST_TIME = 5  # seconds of the processor
-_PATIENCE = 60.0  # for what waits instead
+_PATIENCE = 120  # seconds for what waits instead, or has to wait for the processor
 _SLOW = 0.5  # seconds that make a test a slow one
 
 
@@ -42,7 +45,7 @@ class Suite:
 
 @dataclass
 class Measure:
-    """How long a suite takes without a fault."""
+    """How long a suite keeps the processor busy without a fault."""
 
     duration: float
     tests: dict[str, tuple[str, float]] = field(default_factory=dict)  # the file and duration of each
@@ -63,7 +66,8 @@ class Workshop:
         self._build = place / "build"
         self._scratch = place / "tmp"
         self._sanitized = sanitized
-        self._changed: Path | None = None
+        self._changed = ""  # the source that has a fault
+        self._original = ""
         self._suites: dict[str, Suite] = {}
         self._environment = {
             **os.environ,
@@ -90,36 +94,39 @@ class Workshop:
     def measure(self, name: str) -> Measure:
         """Runs the suite without a fault. Exits when it fails."""
         report = self._scratch / "report.json"
-        begin = time.monotonic()
+        begin, used = time.monotonic(), _processor_time()
         output = self._failure(name, [f"--gtest_output=json:{report}"], limit=None)
-        measured = Measure(time.monotonic() - begin)
+        used = _processor_time() - used
         if output is not None:
             raise SystemExit(f"{name} fails without any fault:\n{output[-4000:]}")
+        measured = Measure(used)
         if report.exists():
+            share = used / (time.monotonic() - begin)
             for group in json.loads(report.read_text())["testsuites"]:
                 for test in group["testsuite"]:
                     test_name = f"{group['name']}.{test['name']}"
-                    measured.tests[test_name] = Path(test["file"]).name, float(test["time"].rstrip("s"))
+                    duration = share * float(test["time"].rstrip("s"))
+                    measured.tests[test_name] = Path(test["file"]).name, duration
             report.unlink()
         return measured
 
-    def change(self, path: str, text: str) -> None:
-        """Writes a source of the copy, after undoing the last change of another one."""
-        changed = self.tree / path
-        if self._changed not in (None, changed):
+    def inject(self, fault: Fault) -> None:
+        """Changes a source of the copy, after undoing the last change."""
+        is_same = self._changed == fault.path
+        if not is_same:
             self.restore()
-        changed.write_text(text)
+            self._changed, self._original = fault.path, (self.tree / fault.path).read_text()
+        (self.tree / fault.path).write_text(fault.applied(self._original))
         # Only the right object of the last source is worth a look into the compiler's cache.
-        if self._changed == changed:
+        if is_same:
             self._environment["CCACHE_DISABLE"] = "1"
         else:
             self._environment.pop("CCACHE_DISABLE", None)
-        self._changed = changed
 
     def restore(self) -> None:
         if self._changed:
-            shutil.copyfile(self._checkout / self._changed.relative_to(self.tree), self._changed)
-            self._changed = None
+            (self.tree / self._changed).write_text(self._original)
+        self._changed = ""
 
     def builds(self, targets: list[str]) -> bool:
         return self._run(["ninja", "-C", str(self._build), *targets]).returncode == 0
@@ -150,16 +157,13 @@ class Workshop:
             )
 
     def _failure(self, name: str, arguments: list[str], limit: float | None) -> str | None:
-        """Runs a suite. Returns its output when it fails or takes far longer than `limit` seconds.
-
-        What counts is the processor's time, since the machine may be busy with something else.
-        """
+        """Runs a suite. Returns its output when it fails or computes for far longer than `limit` seconds."""
         suite = self._suites[name]
         memory = "unlimited" if self._sanitized else str(_MEMORY_LIMIT)
         seconds = "unlimited" if limit is None else str(math.ceil(max(_LEAST_TIME, 5 * limit)))
         limited = ["bash", "-c", f'ulimit -c 0 -v {memory} -t {seconds}; exec "$@"', "bash"]
         command = limited + suite.command + (arguments if suite.is_program else [])
-        patience = None if limit is None else _PATIENCE + 10 * limit
+        patience = None if limit is None else _PATIENCE + 50 * limit
         with tempfile.TemporaryFile(dir=self._scratch) as output:
             process = subprocess.Popen(
                 command,
@@ -199,7 +203,7 @@ class Workshop:
             if not copy.exists() or copy.read_bytes() != source.read_bytes():
                 copy.parent.mkdir(parents=True, exist_ok=True)
                 shutil.copy(source, copy)
-        self._changed = None
+        self._changed = ""
 
     def _run(self, command: list[str], cwd: Path | None = None) -> subprocess.CompletedProcess:
         # The copy is below the checkout, whose repository is none of its business.
@@ -211,6 +215,12 @@ class Workshop:
         if done.returncode != 0:
             raise SystemExit(f"{' '.join(command)} failed:\n{(done.stdout + done.stderr)[-4000:]}")
         return done.stdout
+
+
+def _processor_time() -> float:
+    """Returns how long all processes that have ended here were computing."""
+    used = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return used.ru_utime + used.ru_stime
 
 
 def _end_group(process: subprocess.Popen) -> None:
