@@ -10,7 +10,7 @@
 
 namespace tessarel::macos {
 
-/// Accessibility notifications to be told of.
+/// Accessibility notifications to observe.
 struct Observation {
     ProcessId pid = 0;
     Element element;                             ///< of that process

@@ -8,9 +8,9 @@
 
 namespace tessarel::macos {
 
-/// The item in the menu bar. Its menu is filled whenever the user opens it. A row that was chosen is told at
-/// a later turn of the loop: the system sends its action while the menu is still fading out, and what comes
-/// to the front then does not stay there.
+/// The item in the menu bar. Its menu is filled whenever the user opens it. A chosen row is reported one
+/// turn of the main queue later: the system sends its action while the menu is still fading out, and what is
+/// ordered to the front then does not stay there.
 class MacStatusItem : public StatusItemPort {
 public:
     /// `queue` outlives the status item.

@@ -206,15 +206,11 @@ TEST_F(X11MouseTest, AMovingMouseWakesNobodyWhileAnotherButtonIsHeld) {
 }
 
 TEST_F(X11MouseTest, KeysWakeNobodyAtRest) {
-    const auto pressShift = [&] {
-        hand.hold(XCB_MOD_MASK_SHIFT);
-        hand.hold(0);
-    };
-    EXPECT_FALSE(wakesUs(pressShift));
+    EXPECT_FALSE(wakesUs([&] { hand.hold(XCB_MOD_MASK_SHIFT); }));
 
     press();
     release();
-    EXPECT_FALSE(wakesUs(pressShift)) << "after a drag";
+    EXPECT_FALSE(wakesUs([&] { hand.hold(0); })) << "after a drag";
 }
 
 TEST_F(X11MouseTest, AModifierReleasedBeforeTheButtonIsReportedBeforeItThoughTheyAreReadTogether) {
