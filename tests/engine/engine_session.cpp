@@ -179,7 +179,7 @@ void EngineSession::placeDirectly() {
 
 void EngineSession::changeWindow() {
     const sim::WindowId id = anyWindow();
-    switch (m_dice.below(5)) {
+    switch (m_dice.below(6)) {
     case 0: {
         m_what = "a window changes its kind";
         sim::SimWindow traits = m_desktop.window(id);
@@ -192,6 +192,11 @@ void EngineSession::changeWindow() {
         const auto key = static_cast<std::uintptr_t>(m_dice.below(3));
         onBoth([&](JournalDesktop& desktop) { desktop.setKey(id, key); });
         return;
+    }
+    case 2: {
+        m_what = "the window list is wrong";
+        const ListedWindow listed = randomlyListed(m_dice, m_desktop.window(id));
+        return onBoth([&](JournalDesktop& desktop) { desktop.window(id).listed = listed; });
     }
     default: {
         m_what = "the user moves a window";

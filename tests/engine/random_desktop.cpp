@@ -124,34 +124,6 @@ void overrideOneAttribute(Dice& dice, sim::SimWindow& window) {
     window.overrides[std::string(attribute)] = said;
 }
 
-ListedWindow randomlyListed(Dice& dice, const sim::SimWindow& window) {
-    ListedWindow listed{0, window.pid, randomlyMoved(dice, window.axFrame), window.alpha};
-    switch (dice.below(9)) {
-    case 0:
-        listed.layer = dice.pick({-1, 3, 25});
-        break;
-    case 1:
-        listed.layer.reset();
-        break;
-    case 2:
-        listed.ownerPid.reset();
-        break;
-    case 3:
-        listed.ownerPid = dice.pick({99, 101, 102, 103, 4242});
-        break;
-    case 4:
-        listed.axBounds.reset();
-        break;
-    case 5: // the same rectangle from another corner
-        listed.axBounds =
-            Rect{window.axFrame.maxX(), window.axFrame.y, -window.axFrame.width, window.axFrame.height};
-        break;
-    default:
-        break;
-    }
-    return listed;
-}
-
 } // namespace
 
 Screen randomScreen(Dice& dice, const std::vector<Screen>& others) {
@@ -177,6 +149,9 @@ Rect randomFrame(Dice& dice, const std::vector<Screen>& screens) {
         return {dice.between(-9000, 9000) + 0.0, dice.between(-9000, 9000) + 0.0, size.width, size.height};
     const Rect& frame = dice.pick(screens).frame;
     const double axTop = screens.front().frame.height - frame.maxY();
+    if (dice.oneIn(16)) // the middle right on an edge or a corner
+        return {(dice.oneIn(2) ? frame.minX() : frame.maxX()) - size.width / 2,
+                axTop + dice.pick({0.0, 0.5, 1.0}) * frame.height - size.height / 2, size.width, size.height};
     const int width = static_cast<int>(frame.width);
     const int height = static_cast<int>(frame.height);
     return {frame.x + dice.between(-300, width - 50) + half(dice),
@@ -235,10 +210,36 @@ void giveRandomTraits(Dice& dice, sim::SimWindow& window) {
         window.role.reset();
     if (dice.oneIn(10))
         window.alpha.reset();
-    if (dice.oneIn(8))
-        window.listed = randomlyListed(dice, window);
     while (dice.oneIn(7))
         overrideOneAttribute(dice, window);
+}
+
+ListedWindow randomlyListed(Dice& dice, const sim::SimWindow& window) {
+    ListedWindow listed{0, window.pid, randomlyMoved(dice, window.axFrame), window.alpha};
+    switch (dice.below(9)) {
+    case 0:
+        listed.layer = dice.pick({-1, 3, 25});
+        break;
+    case 1:
+        listed.layer.reset();
+        break;
+    case 2:
+        listed.ownerPid.reset();
+        break;
+    case 3:
+        listed.ownerPid = dice.pick({99, 101, 102, 103, 4242});
+        break;
+    case 4:
+        listed.axBounds.reset();
+        break;
+    case 5: // the same rectangle from another corner
+        listed.axBounds =
+            Rect{window.axFrame.maxX(), window.axFrame.y, -window.axFrame.width, window.axFrame.height};
+        break;
+    default:
+        break;
+    }
+    return listed;
 }
 
 sim::SimApplication randomApplication(Dice& dice) {

@@ -19,8 +19,11 @@ namespace tessarel {
 [[nodiscard]] Rect randomlyMoved(Dice& dice, const Rect& frame);
 
 /// Makes the window of one of the kinds that there are: small, of fixed size, a dialog, minimised, late,
-/// unreadable, wrongly listed and so on. Its frame stays.
+/// unreadable and so on. Its frame stays.
 void giveRandomTraits(Dice& dice, sim::SimWindow& window);
+
+/// An entry of the window list that is a little or entirely wrong about `window`.
+[[nodiscard]] ListedWindow randomlyListed(Dice& dice, const sim::SimWindow& window);
 
 [[nodiscard]] sim::SimApplication randomApplication(Dice& dice);
 
