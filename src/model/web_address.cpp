@@ -20,14 +20,12 @@ bool startsWithScheme(std::string_view text, std::string_view lowerCaseScheme) {
                       });
 }
 
-/// What stands between the scheme and the path, without a user's name before and a port behind.
-std::string_view host(std::string_view afterScheme) {
+/// Returns whether more than a user's name and a port stands before the path.
+bool hasHost(std::string_view afterScheme) {
     std::string_view authority = afterScheme.substr(0, afterScheme.find_first_of("/?#"));
     if (const auto at = authority.rfind('@'); at != std::string_view::npos)
         authority.remove_prefix(at + 1);
-    if (authority.starts_with('['))
-        return authority;
-    return authority.substr(0, authority.find(':'));
+    return !authority.empty() && !authority.starts_with(':');
 }
 
 } // namespace
@@ -37,7 +35,7 @@ bool isWebAddress(std::string_view text) {
         return false;
     for (const std::string_view scheme : {"http://", "https://"}) {
         if (startsWithScheme(text, scheme))
-            return !host(text.substr(scheme.size())).empty();
+            return hasHost(text.substr(scheme.size()));
     }
     return false;
 }

@@ -10,7 +10,8 @@ namespace {
 TEST(WebAddressTest, AbsoluteHttpAndHttpsAddressesAreWebAddresses) {
     for (const char* text : {"https://example.org", "http://example.org/", "HTTPS://Example.ORG/a?b=c#d",
                              "https://user@example.org:8443/", "http://127.0.0.1:80", "https://[::1]/",
-                             "https://m\xC3\xBCller.example/%20", "https://example.org?url=file:///etc"})
+                             "https://m\xC3\xBCller.example/%20", "https://example.org?url=file:///etc",
+                             "https://example.org/!a@b:c", "https://one@two@example.org", "http://[::1]:80"})
         EXPECT_TRUE(isWebAddress(text)) << text;
 }
 
@@ -29,7 +30,7 @@ TEST(WebAddressTest, WhatIsNotAbsoluteIsNot) {
 
 TEST(WebAddressTest, AnAddressNeedsAHost) {
     for (const char* text : {"https://", "https:///path", "http://?a", "http://#a", "https://:443/",
-                             "https://user@/", "https://user@:1/"})
+                             "https://user@/", "https://user@:1/", "https://one@two@/", "https://user@?a"})
         EXPECT_FALSE(isWebAddress(text)) << text;
 }
 
