@@ -64,6 +64,24 @@ TEST(JsonDocumentTest, NestingIsReadTo64AndNoFurther) {
     EXPECT_TRUE(readJson(nested(64)));
     EXPECT_FALSE(readJson(nested(65)));
     EXPECT_FALSE(readJson(nested(1'000'000)));
+
+    const auto objects = [](std::size_t depth) {
+        std::string document;
+        for (std::size_t level = 1; level < depth; ++level)
+            document += "{\"a\":";
+        return document + "{}" + std::string(depth - 1, '}');
+    };
+    EXPECT_TRUE(readJson(objects(64)));
+    EXPECT_FALSE(readJson(objects(65)));
+}
+
+TEST(JsonDocumentTest, MembersAfterANestedValueKeepTheirNames) {
+    const auto root = readJson(R"({"a": {"b": [{"c": 1}], "d": 2}, "e": 3})");
+
+    ASSERT_TRUE(root);
+    EXPECT_EQ(*root->member("a")->member("d")->as<std::int64_t>(), 2);
+    EXPECT_EQ(*root->member("e")->as<std::int64_t>(), 3);
+    EXPECT_EQ(root->as<JsonObject>()->size(), 2U);
 }
 
 TEST(JsonDocumentTest, ADocumentIsWrittenOnOneLineInTheOrderOfNames) {

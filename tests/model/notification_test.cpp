@@ -65,6 +65,62 @@ TEST(NotificationTest, AnObserverAddedDuringAPostWaitsForTheNext) {
     EXPECT_EQ(calls, 1);
 }
 
+TEST(NotificationTest, AnObserverOutlivesItsOwnRemovalUntilItReturns) {
+    Notification notification;
+    const auto held = std::make_shared<int>(0);
+    SubscriptionPtr observer;
+    long holders = 0;
+    observer = notification.addObserver([&, held] {
+        observer.reset();
+        holders = held.use_count();
+    });
+
+    notification.post();
+
+    EXPECT_EQ(holders, 2);
+    EXPECT_EQ(held.use_count(), 1) << "and no longer";
+}
+
+TEST(NotificationTest, AnObserverMayDestroyTheNotification) {
+    auto notification = std::make_unique<Notification>();
+    int laterCalls = 0;
+    const auto first = notification->addObserver([&] { notification.reset(); });
+    const auto second = notification->addObserver([&] { ++laterCalls; });
+
+    notification->post();
+
+    EXPECT_EQ(laterCalls, 1) << "those who are still subscribed are called";
+}
+
+TEST(NotificationTest, AnObserverMayPostAgain) {
+    Notification notification;
+    std::string called;
+    const auto first = notification.addObserver([&] {
+        called += "a";
+        if (called == "a")
+            notification.post();
+    });
+    const auto second = notification.addObserver([&] { called += "b"; });
+
+    notification.post();
+
+    EXPECT_EQ(called, "aabb");
+}
+
+TEST(NotificationTest, TheEndOfOneObserverIsNotThatOfAnother) {
+    Notification notification;
+    std::string called;
+    auto first = notification.addObserver([&] { called += "a"; });
+    const auto second = notification.addObserver([&] { called += "b"; });
+
+    first.reset();
+    auto third = notification.addObserver([&] { called += "c"; });
+    third.reset();
+    notification.post();
+
+    EXPECT_EQ(called, "b");
+}
+
 TEST(NotificationTest, ASubscriptionMayOutliveTheNotification) {
     auto notification = std::make_unique<Notification>();
     auto observer = notification->addObserver([] {});

@@ -99,6 +99,15 @@ TEST(DecodeSettingsTest, BindingsOfUnknownActionsAreKept) {
     EXPECT_EQ(settings->bindings, (AppSettings::Bindings{{"future", {1, 2}}}));
 }
 
+TEST(DecodeSettingsTest, AListMayBeOfAnyLength) {
+    const auto settings = decodeSettings(
+        R"({"zones": [], "ignoredApps": ["a", "b", "a"], "userLayouts": [{"name": "", "zones": []}]})");
+
+    ASSERT_TRUE(settings);
+    EXPECT_EQ(settings->ignoredApps, (std::vector<std::string>{"a", "b", "a"}));
+    EXPECT_EQ(settings->userLayouts, (std::vector<Layout>{{"", {}}}));
+}
+
 TEST(DecodeSettingsTest, WhatIsNotAnObjectIsNoDocument) {
     for (const std::string_view text : {"",
                                         " ",
@@ -270,6 +279,31 @@ TEST(EncodeSettingsTest, IsCompactAndWritesWholeNumbersWithoutAFraction) {
               R"("hasOnboarded":false,"ignoredApps":[],"lastUpdateCheck":1700000000.25,"margin":0,)"
               R"("rememberApps":true,"userLayouts":[{"name":"Mine","zones":[]}],)"
               R"("zones":[{"enabled":true,"h":100,"w":50,"x":33.333333333333336,"y":0}]})");
+}
+
+TEST(EncodeSettingsTest, WholeNumbersAreWrittenAsSuchWhileEveryOneIsADouble) {
+    AppSettings settings;
+    settings.gap = 9007199254740991;
+    settings.margin = -9007199254740991;
+    settings.gridStep = 9007199254740992;
+
+    const std::string document = encodeSettings(settings).value();
+
+    EXPECT_NE(document.find("\"gap\":9007199254740991,"), std::string::npos) << document;
+    EXPECT_NE(document.find("\"margin\":-9007199254740991,"), std::string::npos) << document;
+    EXPECT_EQ(document.find("\"gridStep\":9007199254740992,"), std::string::npos) << document;
+    EXPECT_EQ(decodeSettings(document), settings);
+}
+
+TEST(EncodeSettingsTest, KeepsTheSignOfAZero) {
+    AppSettings settings;
+    settings.gap = -0.0;
+    settings.margin = 0.0;
+
+    const AppSettings read = decodeSettings(encodeSettings(settings).value()).value();
+
+    EXPECT_TRUE(std::signbit(read.gap));
+    EXPECT_FALSE(std::signbit(read.margin));
 }
 
 TEST(EncodeSettingsTest, WritesEmptyListsAndMapsAsSuch) {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <bit>
 #include <clocale>
 #include <cmath>
@@ -104,9 +105,11 @@ TEST(SettingsDocumentTest, WhatIsWrittenIsReadBack) {
 }
 
 std::string damaged(std::string document, RandomSettings& random) {
-    constexpr std::string_view kTokens[] = {"{",    "}",        "[",    "]",     ",",    ":",   "\"", "null",
-                                            "true", "-1",       "1e99", "1e999", "0.5",  "\\u", "\\", "\xff",
-                                            "\xc3", "\"gap\":", "{}",   "[]",    "\"\"", "\0x", " "};
+    using namespace std::literals;
+    constexpr std::string_view kTokens[] = {
+        "{",   "}",   "[",  "]",    ",",    ":",        "\"", "null", "true", "-1",    "1e99", "1e999",
+        "0.5", "\\u", "\\", "\xff", "\xc3", "\"gap\":", "{}", "[]",   "\"\"", "\0x"sv, " "};
+    static_assert(std::ranges::none_of(kTokens, &std::string_view::empty));
     for (std::size_t changes = 1 + random.below(3); changes > 0; --changes) {
         const auto at = random.below(document.size() + 1);
         switch (random.below(4)) {
