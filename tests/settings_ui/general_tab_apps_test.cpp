@@ -51,6 +51,24 @@ TEST_F(GeneralTabAppsTest, ANameIsShownWithoutWhatABundleIsCalledBy) {
     EXPECT_EQ(rows(), (Identifiers{"My Editor  (org.example.editor)"}));
 }
 
+TEST_F(GeneralTabAppsTest, LongRowsAreCutInTheMiddleAndNotScrolledSideways) {
+    ignore({kEditor});
+
+    EXPECT_EQ(table.item(0)->sizeHint().height(), 22);
+    EXPECT_EQ(table.textElideMode(), Qt::ElideMiddle);
+    EXPECT_EQ(table.horizontalScrollBarPolicy(), Qt::ScrollBarAlwaysOff);
+}
+
+TEST_F(GeneralTabAppsTest, AfterARemovalTheNextApplicationIsSelected) {
+    ignore({kEditor, kViewer, "org.example.third"});
+    table.setCurrentRow(1);
+
+    removeButton.click();
+    EXPECT_EQ(table.currentRow(), 1);
+    removeButton.click();
+    EXPECT_EQ(table.currentRow(), -1) << "nothing follows the last one";
+}
+
 TEST_F(GeneralTabAppsTest, AddingAsksForAnApplicationToIgnore) {
     add(std::nullopt);
 

@@ -82,13 +82,20 @@ TEST_F(GeneralTabTest, TheLoginBoxTurnsTheLoginItemOnAndOff) {
 
 TEST_F(GeneralTabTest, ALoginItemThatCannotBeChangedIsToldAndTheBoxShowsTheTruth) {
     desktop.loginItem().failure = "The folder cannot be written to.";
+    bool wasChecked = false;
+    int activations = 0;
+    desktop.alerts().whileShown = [&] {
+        wasChecked = loginBox.isChecked();
+        activations = desktop.ownApplication().activations;
+    };
 
     toggle(loginBox);
 
     EXPECT_EQ(desktop.alerts().shown,
               (std::vector<Alert>{
                   {"Could not change the login item", "The folder cannot be written to.", {"OK"}}}));
-    EXPECT_EQ(desktop.ownApplication().activations, 1);
+    EXPECT_EQ(activations, 1) << "in front before it says anything";
+    EXPECT_TRUE(wasChecked) << "only afterwards the box goes back";
     EXPECT_FALSE(loginBox.isChecked());
 }
 
@@ -128,6 +135,23 @@ TEST_F(GeneralTabTest, ValuesBeyondASliderAreStillRead) {
 
     EXPECT_EQ(gapSlider.value(), 40);
     EXPECT_EQ(fullText(gapLabel), "100000000000000000000 px");
+}
+
+TEST_F(GeneralTabTest, ValuesFarBelowZeroAreStillRead) {
+    settings.margin = -1e20;
+
+    tab.refresh();
+
+    EXPECT_EQ(marginSlider.value(), 0);
+    EXPECT_EQ(fullText(marginLabel), "-100000000000000000000 px");
+}
+
+TEST_F(GeneralTabTest, PageKeysMoveASliderByFive) {
+    press(gapSlider, Qt::Key_PageUp);
+    press(marginSlider, Qt::Key_PageUp);
+
+    EXPECT_EQ(settings.gap, 5);
+    EXPECT_EQ(settings.margin, 5);
 }
 
 TEST_F(GeneralTabTest, MovingASliderChangesAndSavesBothAtOnceAndTellsNobody) {
@@ -211,6 +235,16 @@ TEST_F(GeneralTabTest, WithoutDragSnappingItsOptionsAreDisabledButKeepTheirValue
     EXPECT_TRUE(edgeBox.isChecked());
 }
 
+TEST_F(GeneralTabTest, TheDragBoxShowsAllSettingsAnew) {
+    settings.gap = 8;
+    settings.rememberApps = false;
+
+    toggle(dragBox);
+
+    EXPECT_EQ(gapLabel.text(), "8 px");
+    EXPECT_FALSE(at<QCheckBox>(*tab.view(), {470, 376, 290, 20}).isChecked());
+}
+
 TEST_F(GeneralTabTest, TurningDragSnappingOnEnablesItsOptions) {
     settings.dragEnabled = false;
     tab.refresh();
@@ -246,6 +280,7 @@ TEST_F(GeneralTabTest, TheAccessButtonPromptsAndOpensTheSystemsSettings) {
 
     EXPECT_EQ(desktop.trust().prompts, 1);
     EXPECT_EQ(desktop.trust().settingsOpened, 1);
+    EXPECT_EQ(desktop.trust().promptsBeforeSettings, 1) << "the prompt comes first";
 }
 
 TEST_F(GeneralTabTest, SlidersAndListsAreCalledByTheirLabels) {
@@ -258,11 +293,17 @@ TEST_F(GeneralTabTest, SlidersAndListsAreCalledByTheirLabels) {
 TEST_F(GeneralTabTest, TheWordsAreThoseOfTheSystem) {
     PlatformWords words;
     words.otherEdgeTiling = "Your window manager may have its own edge tiling";
+    words.controlKey = "Ctrl";
     words.commandKey = "Super";
+    words.notTrusted = "There is no display.";
     const Ports here = simPorts(desktop, copy, words);
     GeneralTab elsewhere({services, here, {}});
+    desktop.trust().trusted = false;
+    elsewhere.refresh();
 
+    EXPECT_EQ(at<QComboBox>(*elsewhere.view(), {222, 208, 150, 26}).itemText(1), "Ctrl");
     EXPECT_EQ(at<QComboBox>(*elsewhere.view(), {222, 208, 150, 26}).itemText(2), "Super");
+    EXPECT_EQ(fullText(at<QLabel>(*elsewhere.view(), {16, 374, 440, 18})), "There is no display.");
     EXPECT_EQ(
         fullText(at<QLabel>(*elsewhere.view(), {36, 270, 400, 50})),
         "Edges give halves, corners give quarters, the top edge maximizes. Your window manager may have its "

@@ -73,6 +73,7 @@ TEST_F(KitTest, ALabelIsOneLineInThirteenPixelsUnlessToldOtherwise) {
     EXPECT_EQ(label.geometry(), kFrame);
     EXPECT_EQ(label.font().pixelSize(), 13);
     EXPECT_EQ(label.font().weight(), QFont::Normal);
+    EXPECT_EQ(label.alignment(), Qt::AlignLeft | Qt::AlignVCenter);
     EXPECT_FALSE(label.wordWrap());
 }
 
@@ -88,7 +89,9 @@ TEST_F(KitTest, AWrappingLabelIsTwelvePixelsFromTheTopOfItsFrame) {
 
     EXPECT_TRUE(note.wordWrap());
     EXPECT_EQ(note.font().pixelSize(), 12);
-    EXPECT_TRUE(note.alignment() & Qt::AlignTop);
+    EXPECT_EQ(note.font().weight(), QFont::Normal);
+    EXPECT_EQ(note.alignment(), Qt::AlignLeft | Qt::AlignTop);
+    EXPECT_EQ(note.foregroundRole(), QPalette::WindowText);
     EXPECT_EQ(note.text(), "Edges give halves, corners give quarters.");
 }
 
@@ -145,6 +148,36 @@ TEST_F(KitTest, ACheckBoxTellsWhatTheUserMadeOfItAndNotWhatTheProgramDid) {
     EXPECT_EQ(states, (std::vector<bool>{false, true}));
 }
 
+TEST(FmtNumTest, ANumberThatRoundsToNothingHasNoDecimals) {
+    EXPECT_EQ(text(0.004), "0");
+    EXPECT_EQ(text(0.005), "0.01");
+}
+
+TEST_F(KitTest, AControlIsCalledByTheLabelThatLeadsToIt) {
+    QLabel& label = *makeLabel(view, "Gap & margin", kFrame);
+    QWidget control(&view);
+
+    nameAfter(label, control);
+
+    EXPECT_EQ(label.buddy(), &control);
+    EXPECT_EQ(control.accessibleName(), "Gap & margin");
+}
+
+TEST_F(KitTest, TheNamedColoursAreThoseOfThePalette) {
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, QColor(1, 0, 0));
+    palette.setColor(QPalette::PlaceholderText, QColor(2, 0, 0));
+    palette.setColor(QPalette::Mid, QColor(3, 0, 0));
+    palette.setColor(QPalette::Base, QColor(4, 0, 0));
+    palette.setColor(QPalette::Highlight, QColor(5, 0, 0));
+
+    EXPECT_EQ(labelColor(palette), QColor(1, 0, 0));
+    EXPECT_EQ(secondaryLabelColor(palette), QColor(2, 0, 0));
+    EXPECT_EQ(separatorColor(palette), QColor(3, 0, 0));
+    EXPECT_EQ(controlBackgroundColor(palette), QColor(4, 0, 0));
+    EXPECT_EQ(controlAccentColor(palette), QColor(5, 0, 0));
+}
+
 TEST_F(KitTest, AScrollAreaStandsInsideItsLine) {
     QListWidget list(&view);
 
@@ -155,12 +188,17 @@ TEST_F(KitTest, AScrollAreaStandsInsideItsLine) {
     const QImage picture = view.grab().toImage();
     for (const QPoint corner : {QPoint(10, 20), QPoint(109, 20), QPoint(10, 69), QPoint(109, 69)})
         EXPECT_EQ(picture.pixel(corner), separatorColor(view.palette()).rgb());
+    for (const QPoint outside : {QPoint(9, 20), QPoint(10, 19), QPoint(110, 69), QPoint(109, 70)})
+        EXPECT_NE(picture.pixel(outside), separatorColor(view.palette()).rgb());
 }
 
 TEST_F(KitTest, AMessageIsShownInFrontWithOneButton) {
+    int activations = 0;
+    desktop.alerts().whileShown = [&] { activations = desktop.ownApplication().activations; };
+
     showMessage(ports, "Name in use", "Choose another one.");
 
-    EXPECT_EQ(desktop.ownApplication().activations, 1);
+    EXPECT_EQ(activations, 1);
     EXPECT_EQ(desktop.alerts().shown, (std::vector<Alert>{{"Name in use", "Choose another one.", {"OK"}}}));
 }
 

@@ -2,6 +2,8 @@
 
 #include "settings_ui/looks.h"
 
+#include <QLabel>
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -93,6 +95,25 @@ TEST_F(LayoutsTabTest, EveryControlHasANameAndTheKeyboardVisitsThemInReadingOrde
         EXPECT_TRUE(!control->accessibleName().isEmpty() || control == segments()->segments()[0]);
         QTest::keyClick(tab->view()->focusWidget(), Qt::Key_Tab);
     }
+}
+
+TEST_F(LayoutsTabTest, ControlsWithoutATextOfTheirOwnHaveAName) {
+    EXPECT_EQ(popUp()->accessibleName(), "Layout");
+    EXPECT_EQ(gridPopUp()->accessibleName(), "Snap to grid");
+    EXPECT_EQ(segments()->accessibleName(), "Zone");
+    EXPECT_EQ(clear()->accessibleName(), "Clear hotkey");
+}
+
+TEST_F(LayoutsTabTest, TheWordsAreThoseOfTheSystem) {
+    PlatformWords words;
+    words.usableArea = "without the panels";
+    words.modifierNames.opt = "Alt";
+    const Ports here = simPorts(desktop, copy, words);
+    tab = std::make_unique<LayoutsTab>(TabContext{services, here, {}});
+
+    EXPECT_EQ(fullText(*at<QLabel>(540, 356, 230, 50)),
+              "Zones are percentages of the usable screen area (without the panels).");
+    EXPECT_EQ(fullText(*recorder()), "Ctrl+Alt+1");
 }
 
 // Which layout is shown
@@ -188,12 +209,14 @@ TEST_F(LayoutsTabTest, SeparatorsCannotBeChosen) {
 TEST_F(LayoutsTabTest, ALayoutIsSavedUnderItsTrimmedName) {
     zone(0) = Presets::z(1, 2, 30, 40);
     desktop.alerts().texts = {" \t Coding \n"};
+    int activations = 0;
+    desktop.alerts().whileShown = [&] { activations = desktop.ownApplication().activations; };
 
     click(saveAs());
 
     EXPECT_EQ(desktop.alerts().shown,
               (std::vector<Alert>{{"Save layout", "Name for this layout:", {"Save", "Cancel"}}}));
-    EXPECT_EQ(desktop.ownApplication().activations, 1);
+    EXPECT_EQ(activations, 1) << "in front before it asks";
     EXPECT_EQ(saved()->userLayouts, (std::vector<Layout>{{"Coding", settings.zones}}));
     EXPECT_EQ(announcements, 1);
     EXPECT_EQ(chosen(), "Mine: Coding");
@@ -307,6 +330,12 @@ TEST_F(LayoutsTabTest, AStoredStepIsShownWithinATolerance) {
     settings.gridStep = 0;
     tab->refresh();
     EXPECT_EQ(gridPopUp()->currentText(), "Off");
+    settings.gridStep = 9.9991;
+    tab->refresh();
+    EXPECT_EQ(gridPopUp()->currentText(), "10%");
+    settings.gridStep = 1.0011;
+    tab->refresh();
+    EXPECT_EQ(gridPopUp()->currentText(), "10%") << "beyond a thousandth";
 }
 
 TEST_F(LayoutsTabTest, AStepThatIsNotListedLeavesTheGridAsItWasShown) {

@@ -1,6 +1,9 @@
 #include "model/action_id.h"
 #include "settings_ui/layouts_tab_test.h"
 
+#include <QEvent>
+#include <QObject>
+
 #include <string>
 #include <vector>
 
@@ -66,6 +69,15 @@ TEST_F(LayoutsTabTest, AFieldFollowsWhileAZoneIsDraggedAndNothingIsSaved) {
     EXPECT_EQ(saved(), std::nullopt);
     EXPECT_EQ(announcements, 0);
     EXPECT_EQ(chosen(), "3 top + 2 bottom") << "until the edit is finished";
+}
+
+TEST_F(LayoutsTabTest, ADragThatTheEndOfTheTabCutsShortIsSaved) {
+    dragInEditor({400, 250}, {390, 250});
+
+    tab.reset();
+
+    EXPECT_EQ(saved()->zones[4].x, 48);
+    EXPECT_EQ(announcements, 1);
 }
 
 TEST_F(LayoutsTabTest, ADragIsSavedAndAnnouncedAtItsEnd) {
@@ -149,10 +161,39 @@ TEST_F(LayoutsTabTest, ATypedNumberHoldsAtOnceAndIsAnnouncedWhenItIsDone) {
     EXPECT_EQ(chosen(), "Custom (current)");
 }
 
-TEST_F(LayoutsTabTest, ATypedNumberIsSeenInTheEditor) {
-    const QImage before = editor()->grab().toImage();
-    type(x(), "50");
-    EXPECT_NE(editor()->grab().toImage(), before);
+/// Counts how often a widget is painted.
+class PaintCount : public QObject {
+public:
+    explicit PaintCount(QWidget& widget) {
+        QApplication::processEvents();
+        widget.installEventFilter(this);
+    }
+
+    /// Lets the widget be painted if it wants to be.
+    int afterEvents() {
+        QApplication::processEvents();
+        return m_count;
+    }
+
+protected:
+    bool eventFilter(QObject* /*receiver*/, QEvent* event) override {
+        m_count += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
+    }
+
+private:
+    int m_count = 0;
+};
+
+TEST_F(LayoutsTabTest, ATypedNumberIsSeenInTheEditorAtOnce) {
+    click(x());
+    x()->selectAll();
+    PaintCount paintings(*editor());
+    ASSERT_EQ(paintings.afterEvents(), 0);
+
+    QTest::keyClick(x(), Qt::Key_7);
+
+    EXPECT_EQ(paintings.afterEvents(), 1);
 }
 
 TEST_F(LayoutsTabTest, LeavingTheFieldForAnotherZoneEndsItForTheZoneItWasTypedFor) {
@@ -178,7 +219,13 @@ TEST_F(LayoutsTabTest, ARefreshDoesNotTouchWhatIsBeingTyped) {
 
 TEST_F(LayoutsTabTest, ClearTakesTheHotKeyFromTheZoneAndTellsAllTabs) {
     clickSegment(1);
+    int refreshesBefore = -1;
+    const auto order = services.store.tessarelSettingsChanged.addObserver([&] {
+        refreshesBefore = refreshes;
+        EXPECT_FALSE(saved()->bindings.contains("zone2"));
+    });
     click(clear());
+    EXPECT_EQ(refreshesBefore, 0) << "saved and announced first";
 
     EXPECT_FALSE(saved()->bindings.contains("zone2"));
     EXPECT_TRUE(saved()->bindings.contains("zone1"));

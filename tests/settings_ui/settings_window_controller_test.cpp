@@ -1,8 +1,11 @@
 #include "settings_ui/settings_window_controller.h"
 
+#include "model/presets.h"
+#include "settings_ui/kit.h"
 #include "settings_ui/settings_ui_test.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QImage>
 #include <QList>
 #include <QPoint>
@@ -17,6 +20,7 @@
 #include <algorithm>
 #include <optional>
 #include <stdexcept>
+#include <string>
 
 namespace tessarel {
 namespace {
@@ -72,6 +76,27 @@ TEST_F(SettingsWindowControllerTest, ARefreshShowsThePresentSettingsWithoutMakin
     EXPECT_EQ(gapSlider().value(), 8);
 }
 
+TEST_F(SettingsWindowControllerTest, EveryTabIsRefreshed) {
+    controller.show();
+    settings.zones = Presets::all()[1].zones;
+    settings.gap = 8;
+    services.store.setBinding(std::nullopt, ActionID::leftHalf);
+
+    controller.refreshAll();
+
+    EXPECT_EQ(gapSlider().value(), 8);
+    std::string leftHalf;
+    std::string layout;
+    for (QWidget* const widget : window().findChildren<QWidget*>()) {
+        if (widget->accessibleName() == "Left half" && widget->inherits("QPushButton"))
+            leftHalf = fullText(*widget).toStdString();
+        if (widget->accessibleName() == "Layout")
+            layout = dynamic_cast<QComboBox&>(*widget).currentText().toStdString();
+    }
+    EXPECT_EQ(leftHalf, "None");
+    EXPECT_EQ(layout, "Halves");
+}
+
 TEST_F(SettingsWindowControllerTest, ShowingShowsThePresentSettings) {
     controller.show();
     window().close();
@@ -92,6 +117,9 @@ TEST_F(SettingsWindowControllerTest, TheWindowHasItsSizeAndTitleAndCannotBeResiz
     EXPECT_FALSE(window().windowFlags() & Qt::WindowMaximizeButtonHint);
     EXPECT_TRUE(window().windowFlags() & Qt::WindowMinimizeButtonHint);
     EXPECT_TRUE(window().windowFlags() & Qt::WindowCloseButtonHint);
+    EXPECT_TRUE(window().windowFlags() & Qt::WindowTitleHint);
+    EXPECT_TRUE(window().windowFlags() & Qt::WindowSystemMenuHint);
+    EXPECT_EQ(window().font().pixelSize(), 13);
 }
 
 TEST_F(SettingsWindowControllerTest, TheTabsStandInOrder) {
@@ -99,6 +127,7 @@ TEST_F(SettingsWindowControllerTest, TheTabsStandInOrder) {
 
     ASSERT_EQ(tabs().count(), 4);
     EXPECT_EQ(tabs().geometry(), QRect(10, 10, 800, 520));
+    EXPECT_EQ(tabs().focusPolicy(), Qt::NoFocus) << "its row of tabs has the keyboard";
     const QStringList labels{"Layouts", "Shortcuts", "General", "About"};
     for (int position = 0; position < 4; ++position) {
         EXPECT_EQ(tabs().tabText(position), labels[position]);
@@ -113,7 +142,7 @@ TEST_F(SettingsWindowControllerTest, EachViewIsWhollyInsideItsTab) {
         tabs().setCurrentIndex(position);
         const QWidget& page = *tabs().widget(position);
         const auto* const view = page.findChild<QWidget*>({}, Qt::FindDirectChildrenOnly);
-        EXPECT_EQ(view->size(), QSize(780, 480));
+        EXPECT_EQ(view->geometry(), QRect(8, 4, 780, 480));
         EXPECT_TRUE(page.rect().contains(view->geometry())) << position;
     }
 }

@@ -79,6 +79,21 @@ TEST_F(ShortcutsTabTest, HasARowForEachActionInTheirOrder) {
     EXPECT_EQ(looks(*at<QScrollArea>(17, 85, 738, 338)->widget()), rows);
 }
 
+TEST_F(ShortcutsTabTest, TheModifiersAreCalledAsTheSystemCallsThem) {
+    PlatformWords words;
+    words.modifierNames = {"Control", "Alt", "Umschalt", "Super"};
+    const Ports here = simPorts(desktop, copy, words);
+    tab = std::make_unique<ShortcutsTab>(TabContext{services, here, {}});
+
+    EXPECT_EQ(fullText(*at<QLabel>(16, 42, 740, 34)),
+              "Click a shortcut, then press the new key combination (include Control, Alt or Super). Zone "
+              "shortcuts only work for zones that are enabled in the Layouts tab.");
+    EXPECT_EQ(title(16), "Control+Alt+Super+Right");
+    recorder(0)->click();
+    desktop.localKeys().press({11});
+    EXPECT_EQ(title(0), "Add Control, Alt or Super");
+}
+
 TEST_F(ShortcutsTabTest, RowsScrollUpAndDownOnly) {
     tab->view()->show();
 
@@ -96,6 +111,21 @@ TEST_F(ShortcutsTabTest, RecordingShowsTheNewHotKeyEverywhere) {
     EXPECT_EQ(title(14), "Ctrl+B");
     EXPECT_EQ(services.store.binding(ActionID::center), (Binding{11, kCtrlKey}));
     EXPECT_EQ(refreshes, 1);
+}
+
+TEST_F(ShortcutsTabTest, TabsAreRefreshedOnceAChangeIsSavedAndAnnounced) {
+    std::string order;
+    const auto announced = services.store.tessarelSettingsChanged.addObserver([&] {
+        order += saved()->bindings == settings.bindings ? "saved, announced; " : "not saved, announced; ";
+    });
+    context.refreshAll = [&] { order += "refreshed; "; };
+    tab = std::make_unique<ShortcutsTab>(context);
+
+    clear(9)->click();
+    EXPECT_EQ(order, "saved, announced; refreshed; ");
+    order.clear();
+    reset()->click();
+    EXPECT_EQ(order, "saved, announced; refreshed; ");
 }
 
 TEST_F(ShortcutsTabTest, ClearTakesTheHotKeyAway) {

@@ -6,6 +6,8 @@ namespace tessarel::sim {
 
 std::size_t SimAlerts::runModal(const Alert& alert) {
     shown.push_back(alert);
+    if (whileShown)
+        whileShown();
     const std::size_t last = alert.buttons.empty() ? 0 : alert.buttons.size() - 1;
     if (answers.empty())
         return alert.dismissedAs.value_or(last);
@@ -16,6 +18,8 @@ std::size_t SimAlerts::runModal(const Alert& alert) {
 
 std::optional<std::string> SimAlerts::runModalForText(const Alert& alert) {
     shown.push_back(alert);
+    if (whileShown)
+        whileShown();
     if (texts.empty())
         return std::nullopt;
     std::string text = std::move(texts.front());

@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,9 +31,10 @@ public:
     std::size_t runModal(const Alert& alert) override;
     std::optional<std::string> runModalForText(const Alert& alert) override;
 
-    std::vector<Alert> shown;        ///< in order, those that ask for a text too
-    std::deque<std::size_t> answers; ///< buttons that the user will press, next one first
-    std::deque<std::string> texts;   ///< what the user will type and accept; not told, nothing is accepted
+    std::function<void()> whileShown; ///< called while a message is up
+    std::vector<Alert> shown;         ///< in order, those that ask for a text too
+    std::deque<std::size_t> answers;  ///< buttons that the user will press, next one first
+    std::deque<std::string> texts;    ///< what the user will type and accept; not told, nothing is accepted
 };
 
 /// Counts what the program has had the system do with it.
@@ -78,12 +80,16 @@ public:
         ++promptCalls;
         prompts += trusted ? 0 : 1;
     }
-    void openSettings() override { ++settingsOpened; }
+    void openSettings() override {
+        ++settingsOpened;
+        promptsBeforeSettings = prompts;
+    }
 
     bool trusted = true;
     int promptCalls = 0; ///< how often the program has asked for it, needed or not
     int prompts = 0;     ///< how often the user has been told what to do
     int settingsOpened = 0;
+    int promptsBeforeSettings = 0; ///< how many prompts there had been when the settings were opened last
 };
 
 } // namespace tessarel::sim
