@@ -3,6 +3,7 @@
 #include "settings_ui/kit.h"
 #include "settings_ui/settings_ui_test.h"
 
+#include <QCheckBox>
 #include <QFontMetrics>
 #include <QLabel>
 #include <QPushButton>
@@ -32,6 +33,31 @@ TEST_F(FittedTextTest, ATextThatFitsKeepsItsSizeAndNeedsNoTooltip) {
     EXPECT_EQ(label.font().pixelSize(), 13);
     EXPECT_EQ(label.text(), kText);
     EXPECT_EQ(label.toolTip(), "");
+}
+
+TEST_F(FittedTextTest, ATextExactlyAsLargeAsItsFrameKeepsItsSize) {
+    const QSize size(widthOf(kText, 13), QFontMetrics(systemFont(13)).height());
+
+    EXPECT_EQ(makeLabel(view, kText, {QPoint(), size})->font().pixelSize(), 13);
+    EXPECT_EQ(makeLabel(view, kText, {QPoint(), size - QSize(1, 0)})->font().pixelSize(), 12);
+    EXPECT_EQ(makeLabel(view, kText, {QPoint(), size - QSize(0, 1)})->font().pixelSize(), 12);
+}
+
+TEST_F(FittedTextTest, AWordWiderThanItsWrappedLabelIsSetSmaller) {
+    const QString word = "Accessibility";
+    const int width = widthOf(word, 12);
+
+    EXPECT_EQ(makeWrap(view, word, {0, 0, width, 60})->font().pixelSize(), 12);
+    EXPECT_EQ(makeWrap(view, word, {0, 0, width - 1, 60})->font().pixelSize(), 11);
+}
+
+TEST_F(FittedTextTest, ACheckBoxLeavesRoomForItsMark) {
+    const QString title = "Also snap at screen edges and corners";
+    const int width = widthOf(title, 13);
+
+    const QCheckBox& box = *makeCheckBox(view, title, {0, 0, width + 5, 20}, nullptr);
+
+    EXPECT_LT(box.font().pixelSize(), 13) << "the text alone would fit";
 }
 
 TEST_F(FittedTextTest, ATextThatIsTooWideIsSetAPixelSmaller) {

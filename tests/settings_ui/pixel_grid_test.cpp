@@ -42,6 +42,21 @@ TEST(PixelGridTest, LinesOfWholeWidthCoverWholePixelsAtEveryScale) {
     }
 }
 
+TEST(PixelGridTest, HalvesGoOneWayOnEitherSideOfZero) {
+    for (int at = -3; at <= 3; ++at) {
+        EXPECT_EQ(gridAt(1).lineX(at, 1), at + 0.5) << "midway between the middles of two pixels";
+        EXPECT_EQ(gridAt(1).lineY(at + 0.5, 2), at + 1) << "midway between two pixels";
+    }
+}
+
+TEST(PixelGridTest, AWidthIsRoundedToWholePixelsAndIsNeverNone) {
+    EXPECT_EQ(gridAt(1).wholeWidth(0), 1);
+    EXPECT_EQ(gridAt(1).wholeWidth(1.49), 1);
+    EXPECT_EQ(gridAt(1).wholeWidth(1.5), 2);
+    EXPECT_EQ(gridAt(2).wholeWidth(0.2), 0.5);
+    EXPECT_EQ(gridAt(2).wholeWidth(1.2), 1);
+}
+
 TEST(PixelGridTest, NothingMovesByMoreThanHalfAPixel) {
     for (const double scale : {1.0, 1.25, 1.5, 2.0}) {
         for (double at = -3; at < 10; at += 0.07) {

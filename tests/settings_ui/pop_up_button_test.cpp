@@ -4,6 +4,7 @@
 
 #include <QAbstractItemView>
 #include <QApplication>
+#include <QFontMetrics>
 #include <QHelpEvent>
 #include <QImage>
 #include <QTest>
@@ -63,6 +64,15 @@ TEST_F(PopUpButtonTest, ATitleIsChosenWithTheKeyboard) {
     EXPECT_EQ(choices, 1);
 }
 
+TEST_F(PopUpButtonTest, TheArrowsSpaceAndF4OpenTheList) {
+    for (const Qt::Key key : {Qt::Key_Up, Qt::Key_Down, Qt::Key_Space, Qt::Key_F4}) {
+        QTest::keyClick(&popUp, key);
+        EXPECT_TRUE(popUp.view()->isVisible()) << key;
+        popUp.hidePopup();
+    }
+    EXPECT_EQ(choices, 0);
+}
+
 TEST_F(PopUpButtonTest, EscapeChoosesNothing) {
     QTest::keyClick(&popUp, Qt::Key_Space);
     QTest::keyClick(popUp.view(), Qt::Key_Down);
@@ -109,6 +119,9 @@ TEST_F(PopUpButtonTest, EndlessTitlesEndInAnEllipsis) {
     const QString title = popUp.itemText(popUp.findData(20));
     EXPECT_TRUE(title.endsWith(QChar(0x2026)));
     EXPECT_LT(title.size(), 100);
+    const QFontMetrics metrics = popUp.fontMetrics();
+    EXPECT_LE(metrics.horizontalAdvance(title), 60 * metrics.averageCharWidth());
+    EXPECT_GT(metrics.horizontalAdvance(title + "xx"), 60 * metrics.averageCharWidth());
     popUp.showPopup();
     EXPECT_LT(popUp.view()->window()->width(), 600);
     popUp.hidePopup();

@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QPaintDevice>
 #include <QPaintEngine>
+#include <QPainter>
 #include <QPainterPath>
 #include <QPen>
 #include <QRectF>
@@ -17,11 +18,15 @@ struct Painted {
     enum class What { Line, Rectangle, Path, Text };
 
     What what = What::Rectangle;
-    QRectF bounds; ///< of the outline; for a text its origin on the base line, without extent
-    QColor fill;   ///< invalid when nothing is filled
-    QColor stroke; ///< invalid when nothing is stroked; for a text its colour
+    QRectF bounds;     ///< of the outline; for a text its origin on the base line, without extent
+    QPainterPath path; ///< of a path
+    QColor fill;       ///< invalid when nothing is filled
+    QColor stroke;     ///< invalid when nothing is stroked; for a text its colour
     double strokeWidth = 0;
     QList<double> dashes; ///< in points; empty for a solid line
+    Qt::PenCapStyle cap = Qt::SquareCap;
+    Qt::PenJoinStyle join = Qt::BevelJoin;
+    bool smooth = false; ///< with antialiasing
     QString text;
     int fontSize = 0;
     int fontWeight = 0;
@@ -75,6 +80,8 @@ private:
                 m_pen = changed.pen();
             if (changed.state() & DirtyBrush)
                 m_brush = changed.brush();
+            if (changed.state() & DirtyHints)
+                m_hints = changed.renderHints();
         }
         void drawLines(const QLineF* lines, int count) override {
             for (int i = 0; i < count; ++i)
@@ -86,27 +93,32 @@ private:
         }
         void drawPath(const QPainterPath& path) override {
             add(Painted::What::Path, path.boundingRect(), m_brush);
+            m_painting.painted.back().path = path;
         }
         void drawTextItem(const QPointF& origin, const QTextItem& item) override {
-            Painted one{.what = Painted::What::Text,
-                        .bounds = QRectF(origin, QSizeF()),
-                        .fill = {},
-                        .stroke = m_pen.color(),
-                        .dashes = {},
-                        .text = item.text(),
-                        .fontSize = item.font().pixelSize(),
-                        .fontWeight = item.font().weight()};
+            Painted one;
+            one.what = Painted::What::Text;
+            one.bounds = QRectF(origin, QSizeF());
+            one.stroke = m_pen.color();
+            one.text = item.text();
+            one.fontSize = item.font().pixelSize();
+            one.fontWeight = item.font().weight();
             m_painting.painted.push_back(one);
         }
 
     private:
         void add(Painted::What what, const QRectF& bounds, const QBrush& brush) {
-            Painted one{.what = what, .bounds = bounds, .fill = {}, .stroke = {}, .dashes = {}, .text = {}};
+            Painted one;
+            one.what = what;
+            one.bounds = bounds;
+            one.smooth = m_hints.testFlag(QPainter::Antialiasing);
             if (brush.style() != Qt::NoBrush)
                 one.fill = brush.color();
             if (m_pen.style() != Qt::NoPen) {
                 one.stroke = m_pen.color();
                 one.strokeWidth = m_pen.widthF();
+                one.cap = m_pen.capStyle();
+                one.join = m_pen.joinStyle();
                 for (const double dash : m_pen.dashPattern())
                     one.dashes.append(dash * m_pen.widthF());
             }
@@ -116,6 +128,7 @@ private:
         RecordedPainting& m_painting;
         QPen m_pen;
         QBrush m_brush;
+        QPainter::RenderHints m_hints;
     };
 
     mutable Engine m_engine{*this};

@@ -2,14 +2,20 @@
 
 #include "platform/qt/offscreen_test.h"
 #include "settings_ui/kit.h"
+#include "settings_ui/recorded_painting.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
 #include <QImage>
+#include <QPainterPath>
 #include <QTest>
+
+#include <vector>
 
 namespace tessarel {
 namespace {
+
+using What = Painted::What;
 
 class SegmentedControlTest : public qt::OffscreenTest {
 protected:
@@ -23,6 +29,18 @@ protected:
     /// The colour beside the label of a segment.
     QColor fillOf(std::size_t i) { return segment(i).grab().toImage().pixelColor(4, 13); }
 
+    std::vector<Painted> painted(std::size_t i, Painted::What what) {
+        painting.painted.clear();
+        segment(i).render(&painting, {}, {}, {});
+        return painting.all(what);
+    }
+    static QPainterPath rounded(const QRectF& frame, double radius) {
+        QPainterPath path;
+        path.addRoundedRect(frame, radius, radius);
+        return path;
+    }
+
+    RecordedPainting painting;
     QWidget window;
     int choices = 0;
     SegmentedControl control{
@@ -82,6 +100,74 @@ TEST_F(SegmentedControlTest, TheSelectedSegmentStandsOutInLightAndDark) {
         EXPECT_EQ(fillOf(4), controlAccentColor(palette));
         EXPECT_EQ(fillOf(3), palette.color(QPalette::Button));
     }
+}
+
+TEST_F(SegmentedControlTest, TogetherTheSegmentsAreOneBarWithRoundEnds) {
+    const int width = segment(0).width();
+    const double last = segment(8).width();
+
+    EXPECT_EQ(painted(0, What::Path)[0].path, rounded({0.5, 0.5, width - 1 + 8.0, 25}, 4));
+    EXPECT_EQ(painted(4, What::Path)[0].path, rounded({0.5 - 8, 0.5, segment(4).width() - 1 + 16.0, 25}, 4));
+    EXPECT_EQ(painted(8, What::Path)[0].path, rounded({0.5 - 8, 0.5, last - 1 + 8, 25}, 4));
+    for (std::size_t i = 0; i < 9; ++i) {
+        const Painted bar = painted(i, What::Path)[0];
+        EXPECT_EQ(bar.stroke, separatorColor(window.palette()));
+        EXPECT_EQ(bar.strokeWidth, 1);
+        EXPECT_TRUE(bar.smooth);
+    }
+}
+
+TEST_F(SegmentedControlTest, ALinePartsEachSegmentFromTheNext) {
+    for (std::size_t i = 0; i < 8; ++i) {
+        const std::vector<Painted> lines = painted(i, What::Line);
+        ASSERT_EQ(lines.size(), 1U);
+        EXPECT_EQ(lines[0].bounds,
+                  QRectF(QPointF(segment(i).width() - 0.5, 1), QPointF(segment(i).width() - 0.5, 25)));
+        EXPECT_EQ(lines[0].stroke, separatorColor(window.palette()));
+    }
+    EXPECT_TRUE(painted(8, What::Line).empty());
+}
+
+TEST_F(SegmentedControlTest, LabelsAreThirteenPixelsInTheColourForTheirGround) {
+    QPalette palette = window.palette();
+    palette.setColor(QPalette::ButtonText, QColor(1, 2, 3));
+    palette.setColor(QPalette::HighlightedText, QColor(4, 5, 6));
+    window.setPalette(palette);
+
+    const Painted selected = painted(0, What::Text).at(0);
+    const Painted other = painted(1, What::Text).at(0);
+
+    EXPECT_EQ(selected.text, "1");
+    EXPECT_EQ(selected.stroke, QColor(4, 5, 6));
+    EXPECT_EQ(other.text, "2");
+    EXPECT_EQ(other.stroke, QColor(1, 2, 3));
+    EXPECT_EQ(other.fontSize, 13);
+    EXPECT_NEAR(other.bounds.x(), segment(1).width() / 2.0, 6);
+}
+
+TEST_F(SegmentedControlTest, APressedSegmentIsDarkerUntilItIsLetGo) {
+    QTest::mousePress(&segment(2), Qt::LeftButton);
+    EXPECT_EQ(painted(2, What::Path)[0].fill, window.palette().color(QPalette::Button).darker(115));
+
+    QTest::mouseRelease(&segment(2), Qt::LeftButton);
+    EXPECT_EQ(painted(2, What::Path)[0].fill, controlAccentColor(window.palette()));
+}
+
+TEST_F(SegmentedControlTest, TheSegmentWithTheKeyboardHasARing) {
+    QPalette palette = window.palette();
+    palette.setColor(QPalette::HighlightedText, QColor(4, 5, 6));
+    window.setPalette(palette);
+    segment(0).clearFocus();
+    EXPECT_EQ(painted(0, What::Path).size(), 1U);
+
+    segment(0).setFocus();
+    const std::vector<Painted> shapes = painted(0, What::Path);
+
+    ASSERT_EQ(shapes.size(), 2U);
+    EXPECT_EQ(shapes[1].path, rounded({3, 3, segment(0).width() - 6.0, 20}, 2));
+    EXPECT_EQ(shapes[1].stroke, QColor(4, 5, 6)) << "on the accent colour";
+    EXPECT_EQ(shapes[1].strokeWidth, 1);
+    EXPECT_FALSE(shapes[1].fill.isValid());
 }
 
 TEST_F(SegmentedControlTest, ScreenReadersMeetOneChoiceOfSeveral) {

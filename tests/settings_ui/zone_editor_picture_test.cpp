@@ -8,6 +8,7 @@
 #include <QFontMetricsF>
 #include <QImage>
 #include <QPainter>
+#include <QPainterPath>
 
 #include <cmath>
 #include <limits>
@@ -66,6 +67,7 @@ TEST_F(ZoneEditorPictureTest, TheBackgroundComesFirstAndTheFrameLast) {
     EXPECT_EQ(last.bounds, QRectF(0.5, 0.5, 399, 199));
     EXPECT_EQ(last.stroke, palette.color(QPalette::Mid));
     EXPECT_EQ(last.strokeWidth, 1);
+    EXPECT_EQ(last.join, Qt::MiterJoin) << "its corners are square";
     EXPECT_FALSE(last.fill.isValid());
 }
 
@@ -100,6 +102,7 @@ TEST_F(ZoneEditorPictureTest, GuidesAreDashedLinesAtQuartersThirdsAndHalves) {
         EXPECT_EQ(line.stroke, faded(palette.color(QPalette::Mid), 0.6));
         EXPECT_EQ(line.strokeWidth, 0.5);
         EXPECT_EQ(line.dashes, (QList<double>{3, 3}));
+        EXPECT_EQ(line.cap, Qt::FlatCap) << "else each dash is longer by its width";
     }
 }
 
@@ -118,6 +121,28 @@ TEST_F(ZoneEditorPictureTest, ZonesAreInsetByOnePointAndTheSelectedOneStandsOut)
     EXPECT_NEAR(shapes[1].bounds.right(), 399, 0.51);
     EXPECT_NEAR(shapes[1].bounds.top(), 1, 0.51);
     EXPECT_NEAR(shapes[1].bounds.bottom(), 99, 0.51);
+}
+
+TEST_F(ZoneEditorPictureTest, ZonesHaveRoundCornersOfSixPoints) {
+    draw();
+
+    for (const Painted& shape : painting.all(What::Path)) {
+        QPainterPath rounded;
+        rounded.addRoundedRect(shape.bounds, 6, 6);
+        EXPECT_EQ(shape.path, rounded);
+    }
+}
+
+TEST_F(ZoneEditorPictureTest, AllButTheFrameIsSmooth) {
+    draw();
+
+    for (const What what : {What::Line, What::Path})
+        for (const Painted& one : painting.all(what))
+            EXPECT_TRUE(one.smooth);
+    const std::vector<Painted> rectangles = painting.all(What::Rectangle);
+    for (std::size_t handle = 1; handle + 1 < rectangles.size(); ++handle)
+        EXPECT_TRUE(rectangles[handle].smooth);
+    EXPECT_FALSE(rectangles.back().smooth);
 }
 
 TEST_F(ZoneEditorPictureTest, AZoneKeepsTheSameDistanceFromAllBorders) {
@@ -160,6 +185,7 @@ TEST_F(ZoneEditorPictureTest, TheSelectedZoneHasEightHandles) {
         EXPECT_EQ(handle.fill, QColor(Qt::white));
         EXPECT_EQ(handle.stroke, accent);
         EXPECT_EQ(handle.strokeWidth, 1.5);
+        EXPECT_EQ(handle.join, Qt::MiterJoin);
     }
 }
 
@@ -206,6 +232,26 @@ TEST_F(ZoneEditorPictureTest, OnlyWhatReachesIntoTheDirtyPartIsPainted) {
 
     EXPECT_TRUE(painting.all(What::Path).empty());
     EXPECT_EQ(painting.painted.front().bounds, QRectF(210, 120, 10, 10));
+    EXPECT_EQ(painting.all(What::Rectangle).size(), 2U) << "background and frame, but no handle";
+}
+
+TEST_F(ZoneEditorPictureTest, AHandleIsPaintedWhenItsStrokeReachesIntoTheDirtyPart) {
+    const auto handlesIn = [this](const QRectF& dirty) {
+        painting.painted.clear();
+        QPainter painter(&painting);
+        picture().draw(painter, dirty);
+        return painting.all(What::Rectangle).size() - 2;
+    };
+
+    // In the middle of the right edge is one from 196 to 204 and from 96 to 104 points.
+    EXPECT_EQ(handlesIn({205, 90, 20, 20}), 1U);
+    EXPECT_EQ(handlesIn({206, 90, 20, 20}), 0U);
+    EXPECT_EQ(handlesIn({175, 90, 20, 20}), 1U);
+    EXPECT_EQ(handlesIn({174, 90, 20, 20}), 0U);
+    EXPECT_EQ(handlesIn({190, 105, 20, 20}), 1U);
+    EXPECT_EQ(handlesIn({190, 106, 20, 20}), 0U);
+    EXPECT_EQ(handlesIn({190, 75, 20, 20}), 1U);
+    EXPECT_EQ(handlesIn({190, 74, 20, 20}), 0U);
 }
 
 TEST_F(ZoneEditorPictureTest, NothingOfAZoneLiesOutsideItsExtent) {

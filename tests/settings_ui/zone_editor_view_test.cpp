@@ -1,6 +1,8 @@
 #include "settings_ui/zone_editor_view.h"
 
 #include "model/presets.h"
+#include "settings_ui/kit.h"
+#include "settings_ui/recorded_painting.h"
 #include "settings_ui/settings_ui_test.h"
 
 #include <QAccessible>
@@ -299,6 +301,7 @@ protected:
 
     QImage screen;
     QRegion painted;
+    bool isGrabbing = false;
 
 private:
     bool eventFilter(QObject* /*receiver*/, QEvent* event) override {
@@ -306,8 +309,6 @@ private:
             painted += dynamic_cast<QPaintEvent&>(*event).region();
         return false;
     }
-
-    bool isGrabbing = false;
 };
 
 TEST_F(ZoneEditorRepaintTest, WhateverIsDraggedTheScreenShowsIt) {
@@ -350,6 +351,22 @@ TEST_F(ZoneEditorRepaintTest, KeyboardFocusIsSeenAndMouseFocusIsNot) {
     QFocusEvent byMouse(QEvent::FocusIn, Qt::MouseFocusReason);
     QApplication::sendEvent(view.get(), &byMouse);
     EXPECT_EQ(whole(), without);
+}
+
+TEST_F(ZoneEditorRepaintTest, KeyboardFocusIsALineOfTwoPointsAlongTheBorder) {
+    QFocusEvent byKey(QEvent::FocusIn, Qt::BacktabFocusReason);
+    QApplication::sendEvent(view.get(), &byKey);
+    RecordedPainting painting;
+
+    isGrabbing = true;
+    view->render(&painting, {}, {}, {});
+
+    const Painted ring = painting.painted.back();
+    EXPECT_EQ(ring.bounds, QRectF(1, 1, 498, 398));
+    EXPECT_EQ(ring.stroke, controlAccentColor(view->palette()));
+    EXPECT_EQ(ring.strokeWidth, 2);
+    EXPECT_EQ(ring.join, Qt::MiterJoin);
+    EXPECT_FALSE(ring.fill.isValid());
 }
 
 TEST_F(ZoneEditorRepaintTest, ADeletedZoneDisappears) {
