@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The build for a Mac can be set up: CMake takes its branch for that system to the end, from here, with
-# stand-ins for the packages, and what it would run is what makes a bundle. Nothing is compiled.
+# Runs CMake's branch for a Mac to the end, with stand-ins for the packages, and the build with stand-ins for the tools:
+# what is compiled and linked, and that the bundle is complete and signed after every change of one of its parts.
 #   mac_configure_test.sh ROOT CMAKE
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
@@ -13,7 +13,7 @@ fail() {
     failed=1
 }
 
-# configure FOLDER OPTION...: as on a Mac, whose compiler and tools are not here to be tried.
+# configure FOLDER OPTION...: as on a Mac, whose compiler and tools are not available here.
 configure() {
     local folder=$1
     shift
@@ -21,6 +21,9 @@ configure() {
         -DCMAKE_CXX_COMPILER="$(command -v clang++)" -DCMAKE_CXX_COMPILER_WORKS=ON \
         -DCMAKE_OBJCXX_COMPILER="$(command -v clang++)" -DCMAKE_OBJCXX_COMPILER_WORKS=ON \
         -DCMAKE_TRY_COMPILE_TARGET_TYPE=STATIC_LIBRARY -DCMAKE_INSTALL_NAME_TOOL="$(command -v true)" \
+        -DCMAKE_CXX_COMPILER_LAUNCHER="$here/mac_tools/compiler" -DCMAKE_OBJCXX_COMPILER_LAUNCHER="$here/mac_tools/compiler" \
+        -DCMAKE_CXX_LINKER_LAUNCHER="$here/mac_tools/compiler" -DCMAKE_OBJCXX_LINKER_LAUNCHER="$here/mac_tools/compiler" \
+        -DCMAKE_AR="$here/mac_tools/ar" -DCMAKE_RANLIB="$(command -v true)" -DCMAKE_CROSSCOMPILING_EMULATOR="$(command -v env)" \
         -DCMAKE_PREFIX_PATH="$here/mac_packages" -DCMAKE_DISABLE_FIND_PACKAGE_PkgConfig=ON \
         -DCMAKE_DISABLE_FIND_PACKAGE_X11=ON "$@" >"$scratch/log" 2>&1 || {
         cat "$scratch/log"
@@ -40,17 +43,12 @@ configure "$scratch/tests" -DCMAKE_BUILD_TYPE=Debug
 
 bundle=$scratch/program/Tessarel.app
 parts=$scratch/program/packaging/macos
-sign="codesign --force --sign -"
 expect "build Tessarel.app/Contents/MacOS/Tessarel:"
-expect "build Tessarel.app/Contents/Resources/Tessarel.icns:"
-expect "$scratch/program/draw_icon $parts/Tessarel.iconset && iconutil --convert icns"
-expect "$sign $bundle/Contents/PlugIns/tessarel_url_loading.so && $sign $bundle"
 expect "-fno-objc-arc"
 for framework in AppKit ApplicationServices Carbon CoreFoundation CoreGraphics Foundation ServiceManagement \
     UniformTypeIdentifiers; do
     expect "-framework $framework"
 done
-cmp "$bundle/Contents/Info.plist" "$parts/Info.plist" || fail "the bundle has another property list"
 ! grep -q -e xcb -e X11 -e x11 "$scratch/program/build.ninja" || fail "X11 is asked for"
 for mine in main_macos mac_program; do
     expect "$root/src/$mine.cpp"
@@ -58,5 +56,42 @@ done
 for test in engine_test settings_ui_test sim_contract_test qt_test bundle_test; do
     grep -q "build $test:" "$scratch/tests/build.ninja" || fail "no $test on a Mac"
 done
+
+# build: leaves the calls of codesign in $scratch/signed.
+build() {
+    : >"$scratch/signed"
+    SIGNED=$scratch/signed PATH=$here/mac_tools:$PATH "$cmake" --build "$scratch/program" >"$scratch/log" 2>&1 || {
+        cat "$scratch/log"
+        exit 1
+    }
+}
+
+# expect_bundle CHANGE: the bundle has been made of the present parts, and signed from the inside to the outside.
+expect_bundle() {
+    cmp "$bundle/Contents/PlugIns/tessarel_url_loading.so" "$scratch/program/tessarel_url_loading.so" || fail "$1: old module"
+    cmp "$bundle/Contents/Resources/Tessarel.icns" "$parts/Tessarel.icns" || fail "$1: old icon"
+    cmp "$bundle/Contents/Info.plist" "$parts/Info.plist" || fail "$1: old property list"
+    cmp - "$scratch/signed" <<EOF || fail "$1: not signed"
+--force --sign - $bundle/Contents/PlugIns/tessarel_url_loading.so
+--force --sign - $bundle
+EOF
+}
+
+build
+expect_bundle "the first build"
+build
+[ ! -s "$scratch/signed" ] || fail "signed again without a change"
+for part in tessarel_url_loading.so draw_icon Tessarel.app/Contents/MacOS/Tessarel; do
+    rm "$scratch/program/$part"
+    build
+    expect_bundle "$part has changed"
+done
+touch "$parts/Info.plist"
+build
+expect_bundle "the property list is newer"
+configure "$scratch/program" -DTESSAREL_BUNDLE_ID=org.example.Other
+build
+expect_bundle "the property list has changed"
+grep -q org.example.Other "$bundle/Contents/Info.plist" || fail "the bundle has the old identifier"
 
 exit "$failed"
