@@ -31,13 +31,19 @@ play xcode-select
 play cmake
 play ctest
 play open
-play brew 'case $1 in list) test "$3" = ninja ;; --prefix) echo /opt/homebrew ;; esac'
+play pkill 'exit 1'
+play sleep
+# brew_has PACKAGE...: what Homebrew has; only ninja is installed.
+brew_has() {
+    play brew "case \$1 in list) test \"\$3\" = ninja ;; --prefix) echo /opt/homebrew ;; info) echo \" $* \" | grep -q \" \$3 \" ;; esac"
+}
+brew_has qt
 
 # on_mac SCRIPT ARGUMENT...: what a Mac's tools are asked to do by it, but for looking around.
 on_mac() {
     : >"$scratch/calls"
     PATH=$scratch/bin:$PATH "$@" >"$scratch/said" 2>&1 || return
-    grep -v -e '^uname' -e '^xcode-select' -e '^brew list' -e '^brew --prefix' "$scratch/calls" || true
+    grep -v -e '^uname' -e '^xcode-select' -e '^brew list' -e '^brew --prefix' -e '^brew info' "$scratch/calls" || true
 }
 
 # expect WHAT EXPECTED GOT
@@ -45,11 +51,26 @@ expect() {
     [ "$2" = "$3" ] || { printf 'FAILED: %s:\n%s\ninstead of:\n%s\n' "$1" "$3" "$2"; failed=1; }
 }
 expect "bootstrap" "brew install cmake nlohmann-json qt" "$(on_mac script/bootstrap)"
+brew_has qt qtbase
+expect "bootstrap where Qt's base is a package" "brew install cmake nlohmann-json qtbase" "$(on_mac script/bootstrap)"
+play brew 'case $1 in list) test "$3" = qt ;; esac'
+expect "bootstrap where Qt is installed" "brew install cmake ninja nlohmann-json" "$(on_mac script/bootstrap)"
+brew_has qt
 expect "bootstrap for tests" "brew install bash googletest" "$(on_mac script/bootstrap test)"
 expect "run" "brew install cmake nlohmann-json qt
 cmake --preset release
 cmake --build --preset release
+pkill -x -U $(id -u) Tessarel
 open build/release/Tessarel.app" "$(on_mac script/run)"
+play pkill "echo >>$scratch/attempts; test \$(wc -l <$scratch/attempts) -lt 3"
+expect "run beside a running copy" "pkill -x -U $(id -u) Tessarel
+sleep 0.1
+pkill -x -U $(id -u) Tessarel
+sleep 0.1
+pkill -x -U $(id -u) Tessarel
+open build/release/Tessarel.app" "$(on_mac script/run | tail -6)"
+play pkill
+! on_mac script/run | grep '^open' || { echo "FAILED: a second copy is started"; failed=1; }
 expect "test" "brew install cmake nlohmann-json qt bash googletest
 cmake --preset debug
 cmake --build --preset debug
