@@ -48,6 +48,8 @@ public:
     }
     /// How many observers of applications there are.
     [[nodiscard]] std::size_t observers() const { return m_state.windowObservers.count(); }
+    /// How many observers of windows that may close there are.
+    [[nodiscard]] std::size_t closeObservers() const { return m_state.closeObservers.count(); }
 
 private:
     struct Name;

@@ -13,6 +13,8 @@ void SimPreferences::setData(std::string_view key, std::string_view bytes) {
         m_storage.rejected[name] = m_storage.documents[name];
     m_storage.documents[name] = bytes;
     ++m_storage.writes;
+    if (m_storage.whileWriting)
+        m_storage.whileWriting();
 }
 
 void SimPreferences::keepRejected(std::string_view key) {

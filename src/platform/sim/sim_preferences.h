@@ -2,6 +2,7 @@
 
 #include "model/preferences_port.h"
 
+#include <functional>
 #include <map>
 #include <set>
 #include <string>
@@ -12,7 +13,8 @@ namespace tessarel::sim {
 struct SimPreferencesStorage {
     std::map<std::string, std::string, std::less<>> documents;
     std::map<std::string, std::string, std::less<>> rejected;
-    int writes = 0; ///< how often a document has been stored
+    int writes = 0;                     ///< how often a document has been stored
+    std::function<void()> whileWriting; ///< what happens when one has just been stored; may be empty
 };
 
 /// The preferences of one run of the program.
