@@ -4,13 +4,15 @@
 #include <gmock/gmock.h>
 
 #include <cstdint>
-#include <limits>
+#include <string>
+#include <vector>
 
 namespace tessarel {
 namespace {
 
 using sim::WindowId;
 using ::testing::Contains;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -50,6 +52,33 @@ TEST_F(ArrangeAllTest, TheFrontmostWindowsTakeTheEnabledZonesInOrder) {
     EXPECT_EQ(desktop.frame(third), kColumn3);
     EXPECT_TRUE(isUntouched(fourth, at({10, 10, 300, 300})));
     EXPECT_TRUE(isUntouched(fifth, kStart));
+}
+
+TEST_F(ArrangeAllTest, TheFrontmostWindowIsPlacedFirst) {
+    const auto third = open(at({20, 20, 300, 300}));
+    const auto second = desktop.openWindow("org.example.viewer", at({30, 30, 300, 300}));
+    const auto first = open(at({40, 40, 300, 300}));
+
+    engine.arrangeAll();
+
+    auto writes = desktop.takeWrites();
+    std::erase_if(writes, [](const std::string& write) { return !write.ends_with("x820"); });
+    EXPECT_EQ(
+        writes,
+        (Lines{"write " + name(first) + " AXSize 325x820", "write " + name(first) + " AXSize 325x820",
+               "write " + name(second) + " AXSize 650x820", "write " + name(second) + " AXSize 650x820",
+               "write " + name(third) + " AXSize 325x820", "write " + name(third) + " AXSize 325x820"}));
+}
+
+TEST_F(ArrangeAllTest, ZonesKeepGapAndMargin) {
+    settings.gap = 10;
+    settings.margin = 8;
+    const auto first = open(kStart);
+
+    engine.arrangeAll();
+
+    EXPECT_EQ(desktop.frame(first), geo.zoneFrame(settings.zones[0], kUsable));
+    EXPECT_EQ(desktop.frame(first).origin(), (Point{-1392, -567}));
 }
 
 TEST_F(ArrangeAllTest, ADisabledZoneIsPassedOver) {
@@ -257,12 +286,15 @@ TEST_F(ArrangeAllTest, EntriesThatMakeNoSenseAreSkipped) {
         desktop.window(window).listed = listed;
         return engine.visibleWindows(kScreen, 9).empty();
     };
+    constexpr std::int64_t kProcessIds = std::int64_t{1} << 32;
     const ProcessId pid = desktop.window(window).pid;
 
     EXPECT_TRUE(skipped({{}, pid, kStart, 1}));
     EXPECT_TRUE(skipped({3, pid, kStart, 1}));
     EXPECT_TRUE(skipped({0, {}, kStart, 1}));
-    EXPECT_TRUE(skipped({0, std::int64_t{std::numeric_limits<ProcessId>::max()} + 1, kStart, 1}));
+    EXPECT_TRUE(skipped({-1, pid, kStart, 1}));
+    EXPECT_TRUE(skipped({0, pid + kProcessIds, kStart, 1})) << "not the process with the same last bits";
+    EXPECT_TRUE(skipped({0, pid - kProcessIds, kStart, 1}));
     EXPECT_TRUE(skipped({0, pid, {}, 1}));
     EXPECT_FALSE(skipped({0, pid, kStart, 1}));
 }
@@ -315,6 +347,58 @@ TEST_F(ArrangeAllTest, AProgramIsAskedOnlyWhenTheWindowListSpeaksForItsWindow) {
     EXPECT_TRUE(desktop.takeRequests().empty());
 }
 
+TEST_F(ArrangeAllTest, NoProgramIsAskedOnceThereAreEnoughWindows) {
+    open(kStart);
+    const auto first = desktop.openWindow("org.example.viewer", at({10, 10, 300, 300}));
+    static_cast<void>(desktop.takeRequests());
+
+    const auto found = engine.visibleWindows(kScreen, 1);
+
+    ASSERT_EQ(found.size(), 1U);
+    EXPECT_EQ(found[0].pid, desktop.window(first).pid);
+    EXPECT_EQ(engine.key(found[0].element), engine.key(desktop.element(first)));
+    const std::string viewer = "read application " + std::to_string(desktop.window(first).pid);
+    EXPECT_THAT(desktop.takeRequests(),
+                ElementsAre(viewer + " AXWindows", "read " + name(first) + " AXRole",
+                            "read " + name(first) + " AXMinimized", "read " + name(first) + " AXFullScreen",
+                            "read " + name(first) + " AXPosition", "read " + name(first) + " AXSize"));
+}
+
+TEST_F(ArrangeAllTest, WindowsThatCannotBeMovedAreLeftAlone) {
+    const auto other = open(at({10, 10, 300, 300}));
+    const auto stays = open(kStart);
+    for (const char* const attribute : {"AXMinimized", "AXFullScreen"}) {
+        desktop.window(stays).overrides = {{attribute, true}};
+        engine.arrangeAll();
+        EXPECT_TRUE(isUntouched(stays, kStart)) << attribute;
+        EXPECT_EQ(desktop.frame(other), kColumn1);
+    }
+    desktop.window(stays).overrides = {{"AXRole", "AXSheet"}};
+    engine.arrangeAll();
+    EXPECT_TRUE(isUntouched(stays, kStart));
+}
+
+TEST_F(ArrangeAllTest, AWindowWithoutARoleCounts) {
+    const auto window = open(kStart);
+    desktop.window(window).role.reset();
+
+    engine.arrangeAll();
+
+    EXPECT_EQ(desktop.frame(window), kColumn1);
+}
+
+TEST_F(ArrangeAllTest, AWindowThatCannotBeReadIsPassedOverForTheNextInItsPlace) {
+    const auto readable = open(kStart);
+    const auto silent = open(kStart);
+    desktop.window(silent).overrides["AXPosition"] = std::nullopt;
+    desktop.applicationOf(silent).focusedWindow = readable;
+
+    engine.arrangeAll();
+
+    EXPECT_EQ(desktop.frame(readable), kColumn1);
+    EXPECT_TRUE(isUntouched(silent, kStart));
+}
+
 TEST_F(ArrangeAllTest, ALimitOfNothingFindsNothing) {
     open(kStart);
 
@@ -337,6 +421,8 @@ TEST_F(ArrangeAllTest, NothingIsRememberedForTheProgram) {
     engine.arrangeAll();
 
     EXPECT_TRUE(settings.appZones.empty());
+    EXPECT_EQ(desktop.preferencesStorage().writes, 0);
+    EXPECT_EQ(desktop.beeps(), 0);
 }
 
 TEST_F(ArrangeAllTest, AWindowThatRefusesItsSizeIsKeptInside) {

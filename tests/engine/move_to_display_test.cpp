@@ -166,6 +166,18 @@ TEST_F(MoveToDisplayTest, AWindowFarOffScreenIsTakenForOneOfTheFirstDisplay) {
     engine.moveFocusedToDisplay(1);
 
     EXPECT_EQ(desktop.frame(window), (Rect{1430, 320, 500, 400}));
+    EXPECT_EQ(desktop.takeWrites().at(1), "write " + name(window) + " AXPosition 1930,720")
+        << "the far corner, and no further, before it is pulled back";
+}
+
+TEST_F(MoveToDisplayTest, AWindowHigherThanItsDisplayBecomesAsHighAsTheOther) {
+    desktop.addScreen({.frame = {0, 0, 1000, 800}});
+    desktop.addScreen({.frame = {1000, 0, 1000, 400}});
+    const auto window = openWindow({100, 0, 500, 900});
+
+    engine.moveFocusedToDisplay(1);
+
+    EXPECT_EQ(desktop.frame(window), (Rect{1100, 400, 500, 400}));
 }
 
 TEST_F(MoveToDisplayTest, TheMoveCanBeRestoredAndIsNotRemembered) {

@@ -253,25 +253,10 @@ TEST_F(WindowActionsTest, AnApplicationWithoutAnIdentifierIsMovedButNotRemembere
 }
 
 TEST_F(WindowActionsTest, SavingComesAfterTheWindowHasBeenPlaced) {
-    /// Preferences that look where the window is when they are written.
-    class LookingPreferences : public PreferencesPort {
-    public:
-        explicit LookingPreferences(std::function<void()> look) : m_look(std::move(look)) {}
-        std::optional<std::string> data(std::string_view) override { return {}; }
-        void setData(std::string_view, std::string_view) override { m_look(); }
-        void keepRejected(std::string_view) override {}
-
-    private:
-        std::function<void()> m_look;
-    };
     Rect seen;
-    LookingPreferences preferences{[&] { seen = desktop.frame(window); }};
-    Store looking{preferences};
-    WindowEngine lookingEngine{
-        ax,     geo, desktop.displays(), desktop.workspace(), desktop.windowList(), desktop.alertSound(),
-        looking};
+    desktop.preferencesStorage().whileWriting = [&] { seen = desktop.frame(window); };
 
-    lookingEngine.snapFocused(kRightHalf, 1);
+    engine.snapFocused(kRightHalf, 1);
 
     EXPECT_EQ(seen, kRight);
 }
