@@ -79,6 +79,48 @@ TEST_F(DragSnapFaultsTest, AnotherWindowThatClosesInTheMiddleOfADragDoesNotMatte
     EXPECT_EQ(desktop.frame(window), kRight);
 }
 
+TEST_F(DragSnapFaultsTest, TheWindowOfAnEarlierDragMayCloseDuringTheNextOne) {
+    beginDrag();
+    drop();
+    const auto earlier = window;
+    window = desktop.openWindow("org.example.viewer", at({900, 100, 400, 300}));
+    grab(window, {200, 10});
+    dragTo({1000, 500});
+    ASSERT_TRUE(picture.isVisible);
+
+    desktop.close(earlier);
+
+    EXPECT_TRUE(picture.isVisible);
+    drop();
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(DragSnapFaultsTest, NobodyWaitsForAWindowToCloseBetweenDrags) {
+    beginDrag();
+    EXPECT_EQ(desktop.accessibility().closeObservers(), 1U);
+
+    mouse.release();
+
+    EXPECT_EQ(desktop.accessibility().closeObservers(), 0U);
+}
+
+TEST_F(DragSnapFaultsTest, AProgramMayEndAtAnyPointOfAPress) {
+    for (int requests = 0; requests < 8; ++requests) {
+        const ProcessId dying = desktop.launch({.bundleIdentifier = "org.example.dying"});
+        window = desktop.openWindow(dying, {.axFrame = kStart});
+        desktop.application(dying).requestsUntilDeath = requests;
+
+        grab(window);
+        dragTo({1000, 500});
+        drop();
+
+        EXPECT_FALSE(picture.isVisible) << requests;
+        EXPECT_EQ(desktop.accessibility().closeObservers(), 0U) << requests;
+        desktop.kill(dying);
+    }
+    EXPECT_THAT(desktop.takeWrites(), IsEmpty());
+}
+
 TEST_F(DragSnapFaultsTest, AProgramThatEndsInTheMiddleOfADragIsNotRemembered) {
     beginDrag();
     desktop.kill(desktop.window(window).pid);

@@ -9,7 +9,7 @@
 namespace tessarel {
 namespace {
 
-constexpr int kSequences = 100'000;
+constexpr int kSequences = 25'000;
 constexpr int kSteps = 10;
 
 /// One rectangle of the overlay, in accessibility coordinates.

@@ -78,6 +78,30 @@ TEST_F(DragSnapTest, AnApplicationWithoutANameIsNotRemembered) {
 
     EXPECT_EQ(desktop.frame(window), kRight);
     EXPECT_TRUE(settings.appZones.empty());
+    EXPECT_EQ(desktop.preferencesStorage().writes, 0);
+}
+
+TEST_F(DragSnapTest, SavingComesAfterTheWindowHasBeenPlaced) {
+    Rect seen;
+    desktop.preferencesStorage().whileWriting = [&] { seen = desktop.frame(window); };
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    drop();
+
+    EXPECT_EQ(seen, kRight);
+}
+
+TEST_F(DragSnapTest, NothingIsRememberedWhenRememberingIsOff) {
+    settings.rememberApps = false;
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+    EXPECT_TRUE(settings.appZones.empty());
+    EXPECT_EQ(desktop.preferencesStorage().writes, 0);
 }
 
 TEST_F(DragSnapTest, AnEdgeSnapIsNeverRemembered) {
@@ -85,6 +109,20 @@ TEST_F(DragSnapTest, AnEdgeSnapIsNeverRemembered) {
     grab(window);
     dragTo({0, 450});
     EXPECT_THAT(shown(), ElementsAre(kLeftShown));
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), kLeft);
+    EXPECT_TRUE(settings.appZones.empty());
+    EXPECT_EQ(desktop.preferencesStorage().writes, 0);
+}
+
+TEST_F(DragSnapTest, AZoneLeftForAnEdgeIsNotRemembered) {
+    settings.edgeSnap = true;
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    mouse.hold(0);
+    dragTo({0, 450});
     drop();
 
     EXPECT_EQ(desktop.frame(window), kLeft);
@@ -252,6 +290,21 @@ TEST_F(DragSnapTest, MoreThanThreePointsOnEitherAxisAreAMove) {
         drop();
         desktop.drag(window, kStart);
     }
+}
+
+TEST_F(DragSnapTest, AClickAfterADragIsNoDrag) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    drop();
+    ASSERT_EQ(desktop.frame(window), kRight);
+
+    grab(window);
+    dragTo({1011, 36}); // one point further, title bar and all
+    EXPECT_FALSE(picture.isVisible);
+    drop();
+
+    EXPECT_EQ(picture.ordersFront, 1);
 }
 
 TEST_F(DragSnapTest, SlowMovesAddUp) {

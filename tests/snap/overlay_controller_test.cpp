@@ -4,6 +4,10 @@
 
 #include <gmock/gmock.h>
 
+#include <memory>
+#include <string>
+#include <vector>
+
 namespace tessarel {
 namespace {
 
@@ -31,6 +35,52 @@ TEST_F(OverlayControllerTest, ShowCoversTheScreenAndDrawsTheItems) {
     EXPECT_EQ(picture.screenFrame, screen.frame);
     EXPECT_THAT(shown(), ElementsAre(kLeftShown, kRightShown));
     EXPECT_EQ(labels(), "1[2]");
+}
+
+/// An overlay that writes down in which order it is touched.
+class RecordedOverlay : public OverlayPort {
+public:
+    std::unique_ptr<OverlayWindow> createWindow() override {
+        order.emplace_back("make");
+        return std::make_unique<Window>(order);
+    }
+
+    std::vector<std::string> order;
+
+private:
+    class Window : public OverlayWindow {
+    public:
+        explicit Window(std::vector<std::string>& order) : m_order(order) {}
+        void setFrame(const Rect&) override { m_order.emplace_back("frame"); }
+        void setFigures(const std::vector<OverlayFigure>&, const std::vector<Rect>&) override {
+            m_order.emplace_back("figures");
+        }
+        void orderFront() override { m_order.emplace_back("front"); }
+        void orderOut() override { m_order.emplace_back("out"); }
+
+    private:
+        std::vector<std::string>& m_order;
+    };
+};
+
+TEST_F(OverlayControllerTest, WhatIsSeenIsRightFromTheFirstMomentOn) {
+    RecordedOverlay recorded;
+    OverlayController controller{recorded, geo};
+
+    controller.show(screen, {left});
+    controller.show(desktop.displays().screens().front(), {right});
+    controller.hide();
+
+    EXPECT_THAT(recorded.order,
+                ElementsAre("make", "frame", "figures", "front", "frame", "figures", "front", "out"));
+}
+
+TEST_F(OverlayControllerTest, HidingTwiceTouchesItOnce) {
+    overlay.show(screen, {left});
+    overlay.hide();
+    overlay.hide();
+
+    EXPECT_EQ(picture.ordersOut, 1);
 }
 
 TEST_F(OverlayControllerTest, TheWindowIsMadeOnceAndKept) {

@@ -91,6 +91,7 @@ TEST(OverlayViewTest, ARectangleThatIsNotFiniteIsLeftOut) {
         {},
         {{{kInfinity, 0, 40, 40}, false, "1"},
          {{0, kNotANumber, 40, 40}, false, "2"},
+         {{0, 0, kInfinity, 40}, false, "3"},
          {{0, 0, 40, kInfinity}, false, "3"},
          whole}}.draw();
 
