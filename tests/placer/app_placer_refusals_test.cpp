@@ -19,6 +19,7 @@ protected:
 TEST_F(AppPlacerRefusalsTest, NothingIsScheduledWhenZonesAreNotRemembered) {
     settings.rememberApps = false;
     const auto window = open(editor);
+    EXPECT_EQ(desktop.clock().waiting(), 0U);
     settings.rememberApps = true;
 
     desktop.advance(kLaunchDelay);
@@ -30,6 +31,7 @@ TEST_F(AppPlacerRefusalsTest, NothingIsScheduledAtALaunchWhenZonesAreNotRemember
     settings.rememberApps = false;
     const auto window =
         open(desktop.launch({.bundleIdentifier = "org.example.editor", .refusesObservers = true}));
+    EXPECT_EQ(desktop.clock().waiting(), 0U);
     settings.rememberApps = true;
 
     desktop.advance(kLaunchDelay);
@@ -103,6 +105,10 @@ TEST_F(AppPlacerRefusalsTest, OnlyStandardWindowsArePlaced) {
 
 TEST_F(AppPlacerRefusalsTest, AWindowWithoutASubroleIsPlaced) {
     EXPECT_TRUE(isPlaced({.axFrame = kStart, .subrole = {}}));
+}
+
+TEST_F(AppPlacerRefusalsTest, AWindowWhoseSubroleIsNoTextIsPlaced) {
+    EXPECT_TRUE(isPlaced({.axFrame = kStart, .overrides = {{"AXSubrole", 3.0}}}));
 }
 
 TEST_F(AppPlacerRefusalsTest, AWindowThatIsNotUsableIsLeftAlone) {

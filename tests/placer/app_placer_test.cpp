@@ -25,6 +25,50 @@ TEST_F(AppPlacerTest, AWindowIsReadOnlyAfterItsMoment) {
     EXPECT_EQ(desktop.takeRequests(), Lines{});
 }
 
+TEST_F(AppPlacerTest, AWindowIsTestedAndReadAndThenPlaced) {
+    const auto window = open(editor);
+    (void)desktop.takeRequests();
+
+    desktop.advance(kWindowDelay);
+
+    const std::string read = "read " + name(window);
+    const std::string write = "write " + name(window);
+    EXPECT_EQ(desktop.takeRequests(),
+              (Lines{read + " AXRole", read + " AXMinimized", read + " AXFullScreen", read + " AXSubrole",
+                     read + " AXPosition", read + " AXSize", read + " AXPosition", read + " AXSize",
+                     "read application " + std::to_string(editor) + " AXEnhancedUserInterface",
+                     write + " AXSize 650x820", write + " AXPosition -750,-575", write + " AXSize 650x820",
+                     read + " AXPosition", read + " AXSize", read + " AXPosition", read + " AXSize"}));
+}
+
+TEST_F(AppPlacerTest, TheZoneKeepsGapAndMargin) {
+    settings.gap = 10;
+    settings.margin = 8;
+
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), (Rect{-745, -567, 637, 804}));
+}
+
+TEST_F(AppPlacerTest, TheProgramInFrontStaysThere) {
+    const auto mail = desktop.openWindow("org.example.mail", kStart);
+
+    (void)openAndWait(editor);
+
+    EXPECT_EQ(desktop.workspace().frontmostApplication()->bundleIdentifier, "org.example.mail");
+    EXPECT_EQ(desktop.frame(mail), kStart);
+}
+
+TEST_F(AppPlacerTest, AWindowThatRefusesToMoveIsNotTriedAgain) {
+    desktop.application(editor).refusesPosition = true;
+    const auto window = openAndWait(editor);
+    desktop.application(editor).refusesPosition = false;
+    (void)desktop.takeRequests();
+
+    accessibility.reportCreated(window);
+    desktop.advance(kWindowDelay);
+
+    EXPECT_EQ(desktop.takeRequests(), Lines{});
+}
+
 TEST_F(AppPlacerTest, TheApplicationIsWatchedFromItsLaunchOn) {
     const ProcessId again = desktop.launch({.bundleIdentifier = "org.example.editor"});
 
@@ -152,6 +196,40 @@ TEST_F(AppPlacerLaunchTest, AllWindowsGoIntoTheZoneASecondAfterTheLaunch) {
     desktop.advance(1ms);
     EXPECT_EQ(desktop.frame(first), kRight);
     EXPECT_EQ(desktop.frame(second), kRight);
+}
+
+TEST_F(AppPlacerLaunchTest, WindowsArePlacedInTheOrderInWhichTheApplicationGivesThem) {
+    desktop.advance(kLaunchDelay);
+
+    auto writes = desktop.takeWrites();
+    std::erase_if(writes, [](const std::string& write) { return write.find("AXPosition") == write.npos; });
+    EXPECT_EQ(writes, (Lines{"write " + name(first) + " AXPosition -750,-575",
+                             "write " + name(second) + " AXPosition -750,-575"}));
+}
+
+TEST_F(AppPlacerLaunchTest, NobodyIsAskedBeforeThatMoment) {
+    (void)desktop.takeRequests();
+    desktop.advance(kLaunchDelay - 1ms);
+
+    EXPECT_EQ(desktop.takeRequests(), Lines{});
+}
+
+TEST_F(AppPlacerLaunchTest, AProgramInTheBackgroundHasItsWindowsPlacedToo) {
+    const ProcessId background =
+        desktop.launch({.bundleIdentifier = "org.example.editor", .isRegular = false});
+    const auto window = open(background);
+
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(AppPlacerLaunchTest, PausingMeanwhileCancelsIt) {
+    runtime.paused = true;
+
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.takeWrites(), Lines{});
 }
 
 TEST_F(AppPlacerLaunchTest, ADialogAmongThemStaysWhereItIs) {

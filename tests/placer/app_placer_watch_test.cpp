@@ -28,6 +28,17 @@ TEST_F(AppPlacerWatchTest, WindowsThatWereThereBeforeAreLeftAlone) {
     EXPECT_EQ(desktop.frame(window), kStart);
 }
 
+TEST_F(AppPlacerWatchTest, WindowsThatAreThereWhenTheirProgramIsActivatedOrSettingsChangeAreLeftAlone) {
+    const auto window = open(editor);
+    placer->start();
+
+    desktop.activate(editor);
+    store.saveAndNotify();
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
 TEST_F(AppPlacerWatchTest, NothingIsWatchedBeforeTheStart) {
     EXPECT_EQ(desktop.frame(openAndWait(editor)), kStart);
 }
@@ -150,8 +161,11 @@ TEST_F(AppPlacerAccessTest, OnceGrantedTheNextSettingsChangePicksUpAllThatRuns) 
     const ProcessId launched = desktop.launch({.bundleIdentifier = "org.example.editor"});
     grant();
 
+    EXPECT_EQ(accessibility.observers(), 0U);
+
     store.saveAndNotify();
 
+    EXPECT_EQ(accessibility.observers(), 2U);
     EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
     EXPECT_EQ(desktop.frame(openAndWait(launched)), kRight);
 }
