@@ -29,6 +29,9 @@ TEST(RectTest, ContainsItsMinimumEdgesAndNotItsMaximumEdges) {
     EXPECT_FALSE(rect.contains({40, 30}));
     EXPECT_FALSE(rect.contains({20, 60}));
     EXPECT_FALSE(rect.contains({9.9, 30}));
+    EXPECT_FALSE(rect.contains({20, 19.9}));
+    EXPECT_TRUE((Rect{40, 60, -30, -40}.contains({10, 20})));
+    EXPECT_FALSE((Rect{40, 60, -30, -40}.contains({40, 30})));
     EXPECT_FALSE(Rect::null().contains({0, 0}));
 }
 
@@ -44,16 +47,20 @@ TEST(RectTest, IntersectionOfDisjointRectanglesIsNull) {
     const Rect rect{0, 0, 100, 100};
 
     EXPECT_TRUE(rect.intersection({100.5, 0, 10, 10}).isNull());
+    EXPECT_TRUE(rect.intersection({-20, 0, 10, 10}).isNull());
     EXPECT_TRUE(rect.intersection({0, -20, 10, 10}).isNull());
+    EXPECT_TRUE(rect.intersection({0, 100.5, 10, 10}).isNull());
     EXPECT_TRUE(rect.intersection(Rect::null()).isNull());
     EXPECT_TRUE(Rect::null().intersection(rect).isNull());
 }
 
 TEST(RectTest, TouchingRectanglesShareAnAreaOfNoExtent) {
-    const Rect touching = Rect{0, 0, 100, 100}.intersection({100, 0, 50, 100});
+    const Rect rect{0, 0, 100, 100};
 
-    EXPECT_FALSE(touching.isNull());
-    EXPECT_EQ(touching.absWidth() * touching.absHeight(), 0);
+    EXPECT_EQ(rect.intersection({100, 0, 50, 100}), (Rect{100, 0, 0, 100}));
+    EXPECT_EQ(rect.intersection({-50, 0, 50, 100}), (Rect{0, 0, 0, 100}));
+    EXPECT_EQ(rect.intersection({0, 100, 100, 50}), (Rect{0, 100, 100, 0}));
+    EXPECT_EQ(rect.intersection({0, -50, 100, 50}), (Rect{0, 0, 100, 0}));
 }
 
 TEST(RectTest, InsetMovesEveryEdge) {
@@ -70,6 +77,7 @@ TEST(RectTest, InsetBelowNothingIsNull) {
 
     EXPECT_TRUE(rect.inset(50.5, 0).isNull());
     EXPECT_TRUE(rect.inset(0, 40.5).isNull());
+    EXPECT_FALSE(rect.inset(50, 40).isNull()) << "nothing is left, but not less";
     EXPECT_TRUE(Rect::null().inset(-10, -10).isNull());
 }
 
@@ -81,6 +89,13 @@ TEST(RectTest, TheNullRectangleHasAnInfiniteOriginAndNoSize) {
     EXPECT_EQ(null.size(), (Size{0, 0}));
     EXPECT_TRUE(null.isNull());
     EXPECT_TRUE(null.standardized().isNull());
+}
+
+TEST(RectTest, OneInfiniteCoordinateOfTheOriginIsEnoughForNull) {
+    EXPECT_TRUE((Rect{HUGE_VAL, 0, 10, 10}.isNull()));
+    EXPECT_TRUE((Rect{0, HUGE_VAL, 10, 10}.isNull()));
+    EXPECT_FALSE((Rect{-HUGE_VAL, -HUGE_VAL, 10, 10}.isNull()));
+    EXPECT_FALSE((Rect{0, 0, 0, 0}.isNull()));
 }
 
 } // namespace
