@@ -1,14 +1,13 @@
 #!/usr/bin/env bash
 # Looks at the sources of the macOS back end with Apple's targets, from Linux and without Apple's headers.
 #   check.sh compile SOURCE...    they compile for both kinds of Mac, without a warning, and need of the system
-#                                 exactly what symbols.txt lists; --update after `compile` writes that list
+#                                 exactly what symbols.txt lists, each name after the library that has it
 #   check.sh analyze SOURCE...    clang's analyser finds no mistake, of ownership above all
 set -euo pipefail
+export LC_ALL=C # the order of symbols.txt
 here=$(cd "$(dirname "$0")" && pwd)
 mode=$1
 shift
-update=false
-[ "${1:-}" != --update ] || { update=true; shift; }
 
 libcxx=$(llvm-config --includedir)/c++/v1
 [ -f "$libcxx/vector" ] || { echo "$0: no libc++ headers in $libcxx; see script/bootstrap" >&2; exit 2; }
@@ -39,8 +38,7 @@ compile)
     llvm-nm --undefined-only --just-symbol-name "$scratch/macos.o" |
         sed '/:$/d; /^$/d' | grep -v -e '^__Z' -e '^___cxa' -e '^___gxx' -e '^__Unwind' |
         sort -u >"$scratch/symbols.txt"
-    ! "$update" || cp "$scratch/symbols.txt" "$here/symbols.txt"
-    diff "$here/symbols.txt" "$scratch/symbols.txt"
+    diff <(cut -d ' ' -f 2 "$here/symbols.txt" | sort -u) "$scratch/symbols.txt"
     ;;
 analyze)
     for_target x86_64-apple-macos13 --analyze -Xclang -analyzer-output=text -Xclang -analyzer-werror \

@@ -1,0 +1,17 @@
+# Builds for a Mac on Linux, to check that everything compiles and links there; tests/macos/cross.sh calls it and makes
+# build/apple/sdk. What it builds cannot be run here.
+set(sdk ${CMAKE_CURRENT_LIST_DIR}/../build/apple/sdk)
+set(CMAKE_SYSTEM_NAME Darwin)
+set(CMAKE_SYSTEM_VERSION 22)
+set(CMAKE_OSX_SYSROOT "" CACHE STRING "")
+foreach(language C CXX OBJCXX)
+    set(CMAKE_${language}_COMPILER ${sdk}/bin/c++)
+endforeach()
+set(CMAKE_AR ${sdk}/bin/ar CACHE FILEPATH "")
+set(CMAKE_RANLIB ${sdk}/bin/ranlib CACHE FILEPATH "")
+set(CMAKE_INSTALL_NAME_TOOL true CACHE FILEPATH "")
+set(CMAKE_CROSSCOMPILING_EMULATOR true)
+
+# Nothing of this machine's own libraries.
+set(CMAKE_PREFIX_PATH ${sdk}/packages)
+set(CMAKE_FIND_USE_CMAKE_SYSTEM_PATH OFF)
