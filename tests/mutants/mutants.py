@@ -221,7 +221,7 @@ def run_sample(trial: Trial, faults: list[tuple[str, Fault]], count: int, seed: 
         outcomes += trial.run(batch)
 
 
-def summarize(outcomes: list[Outcome], accepted: Counter) -> int:
+def summarize(outcomes: list[Outcome], accepted: Counter) -> tuple[int, int]:
     counts = Counter((outcome.folder, outcome.result) for outcome in outcomes)
     print(f"\n{'folder':<16}{'killed':>8}{'survived':>10}{'killed %':>10}{'accepted':>10}")
     folders = [name for name in FOLDERS if any(outcome.folder == name for outcome in outcomes)]
@@ -230,13 +230,16 @@ def summarize(outcomes: list[Outcome], accepted: Counter) -> int:
     for name, killed, survived, equivalent in rows:
         share = f"{100 * killed / (killed + survived):.1f}" if killed + survived else "-"
         print(f"{name:<16}{killed:>8}{survived:>10}{share:>10}{equivalent:>10}")
-    return rows[-1][2]
+    return rows[-1][1], rows[-1][2]
 
 
 def main() -> int:
     parser = argparse.ArgumentParser(prog="script/mutants", description=__doc__)
     parser.add_argument("sources", nargs="*", metavar="FILE", help="folder, file or file:line; else all")
     parser.add_argument("--sample", type=int, metavar="N", help="try N faults drawn at random")
+    parser.add_argument(
+        "--at-least", type=float, default=100, metavar="PERCENT", help="fail only if fewer are killed"
+    )
     parser.add_argument("--seed", type=int, help="draw as in an earlier run")
     parser.add_argument("--jobs", type=int, default=os.cpu_count() or 1, help="faults to try at once")
     parser.add_argument("--list", action="store_true", help="print the faults and try none")
@@ -272,13 +275,13 @@ def main() -> int:
         seed = random.randrange(10**6) if options.seed is None else options.seed
         print(f"Trying {options.sample} of {len(faults)} faults, seed {seed}", flush=True)
         outcomes = run_sample(trial, faults, options.sample, seed)
-    survived = summarize(outcomes, skipped)
+    killed, survived = summarize(outcomes, skipped)
     dropped = sum(outcome.result == DROPPED for outcome in outcomes)
     print(
         f"{dropped} more did not compile. {prepared - begin:.0f} s to build, "
         f"{time.monotonic() - prepared:.0f} s to try. All outcomes: build/mutants/outcomes.txt"
     )
-    return 1 if survived or stale else 0
+    return 1 if stale or 100 * killed < options.at_least * (killed + survived) else 0
 
 
 if __name__ == "__main__":
