@@ -73,11 +73,24 @@ bool Placement::place(xcb_window_t window, FrameWish wish) {
         settled = ask(window, wish, after->extents);
         after = readBack(window);
     }
-    if (settled && after && before->outer() == after->outer() && isHeldFrom(window, *after, wish)) {
-        releaseFromTile(window);
-        settled = ask(window, wish, after->extents);
-        m_windows.forgetFrame(window);
+    if (settled && after && isHeldFrom(window, *after, wish))
+        settled = insist(window, wish, before->outer(), *after);
+    return settled;
+}
+
+bool Placement::insist(xcb_window_t window, const FrameWish& wish, const Rect& before,
+                       const WindowFrame& after) {
+    if (before != after.outer()) {
+        // A busy manager may tile a window that has just been dropped, after the frame before was read and
+        // before it sees the wish.
+        const bool settled = ask(window, wish, after.extents);
+        const auto again = readBack(window);
+        if (!settled || !again || again->outer() != after.outer())
+            return settled;
     }
+    releaseFromTile(window);
+    const bool settled = ask(window, wish, after.extents);
+    m_windows.forgetFrame(window);
     return settled;
 }
 
@@ -136,8 +149,7 @@ void Placement::normalize(xcb_window_t window, const WindowStates& states) {
         changeStates(m_connection, window, StateChange::Remove, m_connection.atom(Atom::NetWmStateShaded), 0);
 }
 
-/// Whether a window that has not stirred is elsewhere than wished, or of another size and not for its
-/// client's sake.
+/// Whether a window is elsewhere than wished, or of another size and not for its client's sake.
 bool Placement::isHeldFrom(xcb_window_t window, const WindowFrame& frame, const FrameWish& wish) {
     if (!wish.origin)
         return false;

@@ -33,6 +33,9 @@ private:
     void askManager(xcb_window_t window, const FrameWish& wish, const Extents& extents);
     void askServer(xcb_window_t window, const FrameWish& wish, const Extents& extents);
     void normalize(xcb_window_t window, const WindowStates& states);
+    /// Asks again where the manager has moved the window elsewhere, and makes it let go where it holds on to
+    /// it; false when nobody has answered.
+    bool insist(xcb_window_t window, const FrameWish& wish, const Rect& before, const WindowFrame& after);
     [[nodiscard]] bool isHeldFrom(xcb_window_t window, const WindowFrame& frame, const FrameWish& wish);
     void releaseFromTile(xcb_window_t window);
     [[nodiscard]] std::optional<WindowFrame> readBack(xcb_window_t window);

@@ -65,6 +65,11 @@ public:
         m_x.roundTrip();
     }
 
+    void move(xcb_window_t window, const std::array<std::uint32_t, 2>& origin) {
+        xcb_configure_window(m_x.get(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, origin.data());
+        m_x.roundTrip();
+    }
+
     [[nodiscard]] xcb_atom_t atom(const char* name) { return m_x.atom(name); }
 
     /// What it has been asked for since the last time.
@@ -224,6 +229,20 @@ TEST_F(PlacementProtocolTest, AManagerThatHoldsOnToASizeIsMadeToLetGoOnce) {
 
     EXPECT_EQ(manager.heard(),
               (std::vector{request, changeMaximized(kAdd), changeMaximized(kRemove), request}));
+}
+
+TEST_F(PlacementProtocolTest, AManagerThatTilesAWindowMeanwhileIsMadeToLetGo) {
+    const Message request = moveResize(kOrigin | kSize, {300, 200, 600, 450});
+    bool isTiled = false;
+    const auto tiler = driver.connection().onRead([&](const Connection::Event&) {
+        if (!std::exchange(isTiled, true))
+            manager.move(window, {404, 4});
+    });
+
+    placement.place(window, {.origin = Point{300, 200}, .size = Size{600, 450}});
+
+    EXPECT_EQ(manager.heard(),
+              (std::vector{request, request, changeMaximized(kAdd), changeMaximized(kRemove), request}));
 }
 
 TEST_F(PlacementProtocolTest, AManagerThatKeepsAClientsHintsIsLeftAlone) {
