@@ -110,6 +110,14 @@ TEST_F(MacAccessibilityTest, WithoutPermissionNothingIsSeen) {
     EXPECT_FALSE(accessibility().onWindowCreated(editor, [](const Element&) {}));
 }
 
+TEST_F(MacAccessibilityTest, ASuccessWithoutAResultIsAFailure) {
+    fakemac::mac().givesNothing = true;
+
+    EXPECT_FALSE(accessibility().copyAttribute(editor, attribute::kRole));
+    EXPECT_FALSE(accessibility().elementAtPosition(accessibility().systemWide(), {300, 200}));
+    EXPECT_FALSE(accessibility().onWindowCreated(editor, [](const Element&) {}));
+}
+
 TEST_F(MacAccessibilityTest, AProgramMayRefuseToBeObserved) {
     fakemac::mac().applications.at(kEditor).allowsObservers = false;
 
@@ -126,6 +134,12 @@ protected:
     [[nodiscard]] static fakemac::Application& program() { return fakemac::mac().applications.at(kEditor); }
     [[nodiscard]] static int requests() { return std::exchange(fakemac::mac().observationRequests, 0); }
     static void openWindow() { fakemac::openWindow({.pid = kEditor, .axFrame = {0, 0, 100, 100}}); }
+    void letWaitsTakeTime() {
+        fakemac::mac().waited = [this](double seconds) {
+            clock.block(
+                std::chrono::round<std::chrono::milliseconds>(std::chrono::duration<double>(seconds)));
+        };
+    }
 
     int created = 0;
 };
@@ -183,12 +197,9 @@ TEST_F(MacPatienceTest, AnotherProgramsActivationDoesNotMatter) {
 }
 
 TEST_F(MacPatienceTest, AProgramThatHangsIsNotAskedAgainUntilItIsActivated) {
+    letWaitsTakeTime();
     program().answers = false;
-    fakemac::mac().waited = [this](double seconds) {
-        clock.block(
-            std::chrono::duration_cast<sim::SimClock::Duration>(std::chrono::duration<double>(seconds)));
-    };
-    accessibility().setMessagingTimeout(editor, 250ms);
+    accessibility().setMessagingTimeout(editor, 100ms);
     const auto observer = observe();
     ASSERT_TRUE(observer);
     turn(1min);
@@ -199,6 +210,17 @@ TEST_F(MacPatienceTest, AProgramThatHangsIsNotAskedAgainUntilItIsActivated) {
     openWindow();
 
     EXPECT_EQ(created, 1);
+}
+
+TEST_F(MacPatienceTest, AProgramThatTakesLessTimeToRefuseDoesNotHang) {
+    letWaitsTakeTime();
+    program().answers = false;
+    accessibility().setMessagingTimeout(editor, 99ms);
+    const auto observer = observe();
+
+    turn(1min);
+
+    EXPECT_EQ(fakemac::mac().waits.size(), 6U);
 }
 
 TEST_F(MacPatienceTest, ARefusalIsTakenForOne) {

@@ -36,6 +36,17 @@ TEST_F(MacLateFramesTest, TheFrameIsReadWhenTheWindowHasFollowed) {
     EXPECT_EQ(waited, 50ms);
 }
 
+TEST_F(MacLateFramesTest, AWindowThatIsOnlyMovedOrOnlyResizedIsWaitedForAsWell) {
+    const Element placed = element();
+
+    desktop->accessibility.setAttribute(placed, attribute::kPosition, kTarget.origin());
+    EXPECT_EQ(ax.frame(placed), (Rect{0, 25, 640, 480}));
+    desktop->accessibility.setAttribute(placed, attribute::kSize, kTarget.size());
+    EXPECT_EQ(ax.frame(placed), kTarget);
+
+    EXPECT_EQ(waited, 100ms);
+}
+
 TEST_F(MacLateFramesTest, AWindowThatWasOutsideItsBoundsIsNotPulledBackFromThere) {
     its().axFrame = {250, 150, 1400, 480};
 

@@ -8,6 +8,7 @@
 #import <AppKit/AppKit.h>
 #include <cstdint>
 #include <libproc.h>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
@@ -29,16 +30,19 @@ std::optional<Start> startOf(pid_t pid) {
     return Start{info.pbi_start_tvsec, info.pbi_start_tvusec, pid};
 }
 
+/// Of a copy that does not know when it has started; it gives way to all others.
+constexpr Start kLast{std::numeric_limits<std::uint64_t>::max(), 0, 0};
+
 /// Copies that start together see each other: the first of them stays, and no other.
 bool anOlderCopyRuns() {
     NSString* const identifier = [[NSBundle mainBundle] bundleIdentifier];
     if (!identifier) // a bare executable, for which the system knows no others
         return false;
-    const auto own = startOf([[NSProcessInfo processInfo] processIdentifier]);
+    const Start own = startOf([[NSProcessInfo processInfo] processIdentifier]).value_or(kLast);
     for (NSRunningApplication* copy in
          [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier]) {
         const auto start = startOf([copy processIdentifier]);
-        if (start && (!own || *start < *own))
+        if (start && *start < own)
             return true;
     }
     return false;

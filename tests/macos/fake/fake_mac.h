@@ -65,6 +65,7 @@ struct Mac {
     bool trusted = true;
     bool allowsMonitors = true;
     bool windowServerAnswers = true;
+    bool givesNothing = false; ///< what is asked of other programs succeeds without a result
     bool listsAText = false; ///< the window server's list ends with something that is no window
     LoopMode loopMode = LoopMode::Default;
     std::vector<Display> displays;
