@@ -4,6 +4,7 @@ import argparse
 import fcntl
 import os
 import random
+import signal
 import subprocess
 import sys
 import threading
@@ -94,8 +95,12 @@ class Trial:
         threads = [threading.Thread(target=work, args=(workshop,)) for workshop in self._workshops]
         for thread in threads:
             thread.start()
-        for thread in threads:
-            thread.join()
+        try:
+            for thread in threads:
+                thread.join()
+        except BaseException as interruption:
+            failures.append(interruption)
+            raise
         if failures:
             raise failures[0]
         return outcomes
@@ -245,6 +250,7 @@ def main() -> int:
     parser.add_argument("--list", action="store_true", help="print the faults and try none")
     parser.add_argument("--patches", action="store_true", help="try the faults of tests/mutants/patches")
     options = parser.parse_args()
+    signal.signal(signal.SIGTERM, signal.default_int_handler)
     PLACE.mkdir(parents=True, exist_ok=True)
     lock = (PLACE / "lock").open("w")
     if not options.list:
