@@ -15,13 +15,13 @@ from pathlib import Path
 
 from faults import Fault
 
-_FLAGS = (
+_OPTIONS = (
     "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_COMPILER=clang++",
     "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld",
 )  # fmt: skip
 # Warnings are no concern here: a fault that only a warning shows is still a fault.
-_QUICK = ("-DCMAKE_CXX_FLAGS=-O0 -w -D_GLIBCXX_ASSERTIONS",)
-_SANITIZED = ("-DCMAKE_CXX_FLAGS=-O0 -g1 -w", "-DTESSAREL_SANITIZE=ON")
+_QUICK = "-O0 -w -D_GLIBCXX_ASSERTIONS"
+_SANITIZED = "-O0 -g1 -w"
 _MEMORY_LIMIT = 4 << 20  # KiB: a loop without an end is not to take the machine with it
 _LEAST_TIME = 5  # seconds of the processor
 _PATIENCE = 120  # seconds for what waits instead, or has to wait for the processor
@@ -78,6 +78,7 @@ class Workshop:
             "GTEST_FAIL_FAST": "1",
             "GTEST_BRIEF": "1",
         }
+        self._environment.pop("TESSAREL_TEST_LONG", None)
 
     def prepare(self, targets: list[str]) -> None:
         """Makes the copy equal to the checkout and builds the targets. Exits when they do not build."""
@@ -86,8 +87,11 @@ class Workshop:
             folder.mkdir(parents=True, exist_ok=True)
         self._copy_checkout()
         flags = _SANITIZED if self._sanitized else _QUICK
+        options = [*_OPTIONS, f"-DTESSAREL_SANITIZE={'ON' if self._sanitized else 'OFF'}"]
+        # Without the place in it, an object in the compiler's cache is as good for the next job.
+        compiling = f"-DCMAKE_CXX_FLAGS={flags} -ffile-prefix-map={self.tree.parent}/="
         added = f"-DCMAKE_PROJECT_INCLUDE={self.tree}/tests/mutants/build.cmake"
-        self._run_or_exit(["cmake", "-S", str(self.tree), "-B", str(self._build), added, *_FLAGS, *flags])
+        self._run_or_exit(["cmake", "-S", str(self.tree), "-B", str(self._build), added, compiling, *options])
         self._run_or_exit(["ninja", "-C", str(self._build), *targets])
         self._find_suites()
 
