@@ -3,6 +3,7 @@
 #include "platform/qt/menu_title.h"
 
 #include <QAction>
+#include <QKeyEvent>
 #include <QKeySequence>
 #include <QObject>
 
@@ -22,8 +23,13 @@ void setKeyEquivalent(QAction& action, const std::string& key) {
 
 } // namespace
 
-MenuView::MenuView(DrawnBy drawnBy, std::function<void(const MenuItem&)> chosen)
-    : m_drawnBy(drawnBy), m_chosen(std::move(chosen)) {}
+void KeyMenu::keyPressEvent(QKeyEvent* event) {
+    if (!m_choose(event->keyCombination()))
+        QMenu::keyPressEvent(event);
+}
+
+MenuView::MenuView(DrawnBy drawnBy, std::function<void(const MenuItem&)> chosen, MenuView* parent)
+    : m_drawnBy(drawnBy), m_chosen(std::move(chosen)), m_parent(parent) {}
 
 void MenuView::show(const Menu& menu) {
     if (m_shown == menu)
@@ -60,8 +66,8 @@ QAction* MenuView::add(const MenuItem& item, std::size_t& usedSubmenus) {
 
 QAction* MenuView::addSubmenu(const MenuItem& item, std::size_t& usedSubmenus) {
     if (usedSubmenus == m_submenus.size())
-        m_submenus.push_back(
-            std::make_unique<MenuView>(m_drawnBy, [this](const MenuItem& row) { choose(row); }));
+        m_submenus.push_back(std::make_unique<MenuView>(
+            m_drawnBy, [this](const MenuItem& row) { choose(row); }, this));
     MenuView& submenu = *m_submenus[usedSubmenus++];
     submenu.show(item.submenu);
     QAction* const action = submenu.widget().menuAction();
@@ -74,6 +80,17 @@ QString MenuView::titleOf(const MenuItem& item) const {
     QString line = menu_title::oneLine(item.title, m_widget.fontMetrics());
     return m_drawnBy == DrawnBy::Qt ? menu_title::forWidget(std::move(line))
                                     : menu_title::forPanel(std::move(line));
+}
+
+bool MenuView::chooseByKeys(QKeyCombination keys) {
+    for (QAction* const action : m_widget.actions()) {
+        if (!action->isEnabled() || action->shortcut() != QKeySequence(keys))
+            continue;
+        m_widget.close(); // and the submenus that are open
+        action->trigger();
+        return true;
+    }
+    return m_parent && m_parent->chooseByKeys(keys);
 }
 
 void MenuView::choose(const MenuItem& item) {

@@ -2,15 +2,30 @@
 
 #include "ports/menu.h"
 
+#include <QKeyCombination>
 #include <QMenu>
 
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace tessarel::qt {
+
+/// A menu of Qt's whose rows can also be chosen by keys while it is open; Qt's own shows those keys only.
+class KeyMenu : public QMenu {
+public:
+    /// `choose` returns whether it knows the keys.
+    explicit KeyMenu(std::function<bool(QKeyCombination)> choose) : m_choose(std::move(choose)) {}
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    std::function<bool(QKeyCombination)> m_choose;
+};
 
 /// A menu of Qt's that shows a `Menu`.
 class MenuView {
@@ -20,7 +35,8 @@ public:
 
     /// Calls `chosen` with the row that was chosen, while the menu is still busy with it: no place to destroy
     /// this view or to show another menu.
-    MenuView(DrawnBy drawnBy, std::function<void(const MenuItem&)> chosen);
+    /// A submenu leaves keys that it does not know to `parent`, which outlives it.
+    MenuView(DrawnBy drawnBy, std::function<void(const MenuItem&)> chosen, MenuView* parent = nullptr);
 
     /// Makes the rows those of `menu`. Rows that are right already stay, so that a panel which asks again and
     /// again is not given another menu each time.
@@ -34,10 +50,12 @@ private:
     [[nodiscard]] QAction* addSubmenu(const MenuItem& item, std::size_t& usedSubmenus);
     [[nodiscard]] QString titleOf(const MenuItem& item) const;
     void choose(const MenuItem& item);
+    [[nodiscard]] bool chooseByKeys(QKeyCombination keys);
 
     DrawnBy m_drawnBy;
     std::function<void(const MenuItem&)> m_chosen;
-    QMenu m_widget;
+    MenuView* m_parent;
+    KeyMenu m_widget{[this](QKeyCombination keys) { return chooseByKeys(keys); }};
     std::vector<std::unique_ptr<MenuView>> m_submenus; // made once: clearing a menu would leave them behind
     std::optional<Menu> m_shown;                       // none when a row has changed by itself
 };

@@ -7,6 +7,7 @@
 #include <QFontMetrics>
 #include <QMenu>
 #include <QObject>
+#include <QTest>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -103,6 +104,51 @@ TEST_F(MenuViewTest, KeyEquivalentsShowAsKeysOfTheOpenMenuOnly) {
     EXPECT_EQ(action(5).shortcut().toString(), "Ctrl+Q");
     EXPECT_TRUE(action(5).isShortcutVisibleInContextMenu());
     EXPECT_EQ(action(5).shortcutContext(), Qt::WidgetShortcut);
+}
+
+TEST_F(MenuViewTest, AKeyEquivalentChoosesItsRowInTheOpenMenu) {
+    view.show(everyKindOfRow());
+    view.widget().popup({});
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view.widget()));
+
+    QTest::keyClick(&view.widget(), Qt::Key_Comma, Qt::ControlModifier);
+
+    ASSERT_EQ(chosen.size(), 1U);
+    EXPECT_EQ(chosen[0].title, "Settings...");
+    EXPECT_FALSE(view.widget().isVisible());
+}
+
+TEST_F(MenuViewTest, AKeyEquivalentWorksWhileASubmenuIsOpen) {
+    view.show(everyKindOfRow());
+    view.widget().popup({});
+    view.widget().setActiveAction(&action(2));
+    QMenu& submenu = *action(2).menu();
+    submenu.popup({});
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&submenu));
+
+    QTest::keyClick(&submenu, Qt::Key_Q, Qt::ControlModifier);
+
+    ASSERT_EQ(chosen.size(), 1U);
+    EXPECT_EQ(chosen[0].title, "Quit Tessarel");
+    EXPECT_FALSE(view.widget().isVisible());
+    EXPECT_FALSE(submenu.isVisible());
+}
+
+TEST_F(MenuViewTest, OtherKeysOfTheOpenMenuChooseNothing) {
+    Menu menu = everyKindOfRow();
+    menu[5].isEnabled = false;
+    view.show(menu);
+    view.widget().popup({});
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&view.widget()));
+
+    QTest::keyClick(&view.widget(), Qt::Key_Q, Qt::ControlModifier); // its row is disabled
+    QTest::keyClick(&view.widget(), Qt::Key_Comma);
+    QTest::keyClick(&view.widget(), Qt::Key_Comma, Qt::ControlModifier | Qt::ShiftModifier);
+
+    EXPECT_TRUE(chosen.empty());
+    EXPECT_TRUE(view.widget().isVisible());
+    QTest::keyClick(&view.widget(), Qt::Key_Escape);
+    EXPECT_FALSE(view.widget().isVisible()) << "keys that Qt knows still work";
 }
 
 TEST_F(MenuViewTest, ChoosingARowTellsThatRow) {
