@@ -61,15 +61,18 @@ bool Observer::isBarrierAnswer(const xcb_generic_event_t& event) const {
     if ((event.response_type & 0x7f) != XCB_CONFIGURE_NOTIFY)
         return false;
     const auto& configure = reinterpret_cast<const xcb_configure_notify_event_t&>(event);
-    return configure.window == m_barrier && configure.x == m_barrierX;
+    return configure.window == m_barrier && m_barrierPlaces.contains(configure.x);
 }
 
 bool Observer::settle(const Deadline& deadline) {
     // A window manager must pass on the move of a window that is not mapped, and it does so after all that
-    // came before. One that has only just started may lose the first.
+    // came before. One that has only just started may lose the first; a slow one may answer it after the
+    // next.
+    m_barrierPlaces.clear();
+    m_barrierAnswered = false;
     while (!deadline.passed()) {
         m_barrierX = static_cast<std::int16_t>(m_barrierX > -1000 ? m_barrierX - 1 : -1);
-        m_barrierAnswered = false;
+        m_barrierPlaces.insert(m_barrierX);
         const std::uint32_t x = static_cast<std::uint32_t>(std::int32_t{m_barrierX});
         xcb_configure_window(m_x.get(), m_barrier, XCB_CONFIG_WINDOW_X, &x);
         const Deadline beforeNext(std::chrono::milliseconds(deadline.remaining(kAskAgain)));

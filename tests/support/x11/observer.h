@@ -84,6 +84,7 @@ private:
     XConnection m_x;
     xcb_window_t m_barrier = XCB_WINDOW_NONE;
     std::int16_t m_barrierX = 0;
+    std::set<std::int16_t> m_barrierPlaces; // where it has been sent since settle() was called
     bool m_barrierAnswered = false;
     std::uint32_t m_ping = 0;
     bool m_pingAnswered = false;

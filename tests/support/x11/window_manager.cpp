@@ -166,7 +166,7 @@ std::vector<std::string> busCommand(const fs::path& folder, OwnKeys keys) {
 /// Whether a window that appears now is taken in charge. One that has appeared while a window manager starts
 /// may be overlooked, or managed without being listed.
 bool takesCharge(Observer& observer, const Deadline& deadline) {
-    constexpr std::chrono::milliseconds kOneTry{500};
+    std::chrono::milliseconds patience{500}; // on a busy machine the next window needs more
     xcb_connection_t* x = observer.x().get();
     xcb_window_t window = XCB_WINDOW_NONE;
     bool listed = false;
@@ -175,8 +175,9 @@ bool takesCharge(Observer& observer, const Deadline& deadline) {
         xcb_create_window(x, XCB_COPY_FROM_PARENT, window, observer.root(), 0, 0, 200, 100, 0,
                           XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
         xcb_map_window(x, window);
-        listed = observer.waitUntil([&] { return observer.managed(window); }, Deadline(kOneTry));
+        listed = observer.waitUntil([&] { return observer.managed(window); }, Deadline(patience));
         xcb_destroy_window(x, window);
+        patience *= 2;
     }
     return listed && observer.waitUntil([&] { return !observer.managed(window); }, deadline) &&
            observer.settle(deadline);
