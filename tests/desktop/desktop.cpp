@@ -164,7 +164,7 @@ Frame Desktop::usableArea(std::size_t index) {
 
 xcb_window_t Desktop::open(TestClient& client, const WindowOptions& options) {
     const xcb_window_t window = client.open(options);
-    EXPECT_TRUE(m_observer.waitUntil([&] { return m_observer.managed(window); }));
+    EXPECT_TRUE(m_observer.waitUntil([&] { return m_observer.hasTakenCharge(window); }));
     EXPECT_TRUE(activate(window));
     m_observer.watch(window);
     return window;

@@ -36,7 +36,7 @@ protected:
     [[nodiscard]] xcb_window_t open(TestClient& owner, const WindowOptions& options) {
         const xcb_window_t window = owner.open(options);
         desktop.observer().watch(window);
-        EXPECT_TRUE(desktop.observer().waitUntil([&] { return desktop.observer().managed(window); }));
+        EXPECT_TRUE(desktop.observer().waitUntil([&] { return desktop.observer().hasTakenCharge(window); }));
         EXPECT_TRUE(desktop.observer().settle());
         return window;
     }

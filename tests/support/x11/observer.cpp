@@ -170,6 +170,10 @@ bool Observer::managed(xcb_window_t window) {
     return std::find(all.begin(), all.end(), window) != all.end();
 }
 
+bool Observer::hasTakenCharge(xcb_window_t window) {
+    return managed(window) && !values(window, "WM_STATE").empty();
+}
+
 std::set<std::string> Observer::states(xcb_window_t window) {
     std::set<std::string> names;
     for (const xcb_atom_t state : values(window, "_NET_WM_STATE"))

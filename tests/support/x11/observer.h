@@ -54,6 +54,9 @@ public:
     /// The managed windows, the oldest first.
     [[nodiscard]] std::vector<xcb_window_t> clients();
     [[nodiscard]] bool managed(xcb_window_t window);
+    /// Whether the window manager has taken charge of a new window. It may still list, and call active, one
+    /// that has gone and whose number the new one was given.
+    [[nodiscard]] bool hasTakenCharge(xcb_window_t window);
     /// Names of the states, such as "_NET_WM_STATE_SHADED".
     [[nodiscard]] std::set<std::string> states(xcb_window_t window);
     [[nodiscard]] bool hasState(xcb_window_t window, std::string_view state);
