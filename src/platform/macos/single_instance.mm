@@ -10,7 +10,6 @@
 #include <libproc.h>
 #include <limits>
 #include <memory>
-#include <optional>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -22,27 +21,25 @@ namespace {
 /// When a process started, to the microsecond, and its number: the lesser one was first.
 using Start = std::tuple<std::uint64_t, std::uint64_t, pid_t>;
 
-/// None for a process that has gone.
-std::optional<Start> startOf(pid_t pid) {
+/// Of a process that has gone, or is not known: after all others.
+constexpr Start kNever{std::numeric_limits<std::uint64_t>::max(), 0, 0};
+
+Start startOf(pid_t pid) {
     proc_bsdinfo info{};
     if (proc_pidinfo(pid, PROC_PIDTBSDINFO, 0, &info, sizeof info) != static_cast<int>(sizeof info))
-        return {};
-    return Start{info.pbi_start_tvsec, info.pbi_start_tvusec, pid};
+        return kNever;
+    return {info.pbi_start_tvsec, info.pbi_start_tvusec, pid};
 }
-
-/// Of a copy that does not know when it has started; it gives way to all others.
-constexpr Start kLast{std::numeric_limits<std::uint64_t>::max(), 0, 0};
 
 /// Copies that start together see each other: the first of them stays, and no other.
 bool anOlderCopyRuns() {
     NSString* const identifier = [[NSBundle mainBundle] bundleIdentifier];
     if (!identifier) // a bare executable, for which the system knows no others
         return false;
-    const Start own = startOf([[NSProcessInfo processInfo] processIdentifier]).value_or(kLast);
+    const Start own = startOf([[NSProcessInfo processInfo] processIdentifier]);
     for (NSRunningApplication* copy in
          [NSRunningApplication runningApplicationsWithBundleIdentifier:identifier]) {
-        const auto start = startOf([copy processIdentifier]);
-        if (start && *start < own)
+        if (startOf([copy processIdentifier]) < own)
             return true;
     }
     return false;

@@ -47,6 +47,12 @@ AXError ask(const TSLFakeElement* element) {
     return kAXErrorCannotComplete;
 }
 
+/// A reference that its receiver does not own.
+CFTypeRef nobodysObject() {
+    static NSObject* const object = [[NSObject alloc] init];
+    return (CFTypeRef)object;
+}
+
 AXError give(CFTypeRef* result, CFTypeRef value) {
     *result = value;
     return value ? kAXErrorSuccess : kAXErrorAttributeUnsupported;
@@ -292,8 +298,10 @@ AXUIElementRef AXUIElementCreateSystemWide() {
 AXError AXUIElementCopyAttributeValue(AXUIElementRef reference, CFStringRef name, CFTypeRef* result) {
     checkThread();
     TSLFakeElement* const element = fake(reference);
-    if (const AXError error = ask(element))
+    if (const AXError error = ask(element)) {
+        *result = nobodysObject(); // what is there after an error is not said
         return error;
+    }
     if (mac().givesNothing)
         return kAXErrorSuccess;
     const std::string attribute = [(NSString*)name UTF8String];

@@ -195,6 +195,8 @@ CFHashCode CFHash(CFTypeRef object) {
 
 CFTypeID CFGetTypeID(CFTypeRef reference) {
     tessarel::fakemac::checkThread();
+    if (!reference)
+        abort();
     const id object = (id)reference;
     if ([object isKindOfClass:[TSLFakeObject class]])
         return [(TSLFakeObject*)object fakeTypeID];
