@@ -35,6 +35,9 @@ bool WindowDrag::begin(xcb_window_t window) {
     const bool isMutter = m_desktop.manager() == WindowManagerKind::Mutter;
     for (int triesLeft = isMutter ? 8 : 1; triesLeft > 0; --triesLeft) {
         const Place grip = gripOf(window);
+        step(grip.x, grip.y);
+        // A compositor that starts covers the screen for a moment before it lets the pointer through.
+        EXPECT_TRUE(m_observer.waitUntil([&] { return m_observer.isUnderPointer(window); }));
         press(grip.x, grip.y);
         if (pull(window, isMutter ? Deadline(std::chrono::seconds(1)) : Deadline()))
             return true;

@@ -122,6 +122,18 @@ std::optional<Extents> Observer::extents(xcb_window_t window, std::string_view p
     return Extents{pixels(0), pixels(1), pixels(2), pixels(3)};
 }
 
+bool Observer::isUnderPointer(xcb_window_t window) {
+    const auto pointer =
+        own(xcb_query_pointer_reply(m_x.get(), xcb_query_pointer(m_x.get(), root()), nullptr));
+    while (pointer && window != XCB_WINDOW_NONE && window != pointer->child) {
+        const auto tree = own(xcb_query_tree_reply(m_x.get(), xcb_query_tree(m_x.get(), window), nullptr));
+        if (!tree)
+            return false;
+        window = tree->parent;
+    }
+    return pointer && window != XCB_WINDOW_NONE;
+}
+
 std::optional<Frame> Observer::outerFrame(xcb_window_t window) {
     const std::optional<Frame> client = clientFrame(window);
     if (!client)

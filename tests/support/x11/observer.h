@@ -48,6 +48,9 @@ public:
 
     /// The 32-bit values of a property; empty when it is missing or has another format.
     [[nodiscard]] std::vector<std::uint32_t> values(xcb_window_t window, std::string_view property);
+    /// Returns whether a press where the pointer is would go to `window` or its decoration.
+    [[nodiscard]] bool isUnderPointer(xcb_window_t window);
+
     [[nodiscard]] std::string text(xcb_window_t window, std::string_view property);
 
     [[nodiscard]] xcb_window_t activeWindow();
