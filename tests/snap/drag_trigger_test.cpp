@@ -1,0 +1,87 @@
+#include "snap/snap_test.h"
+
+#include <gmock/gmock.h>
+
+namespace tessarel {
+namespace {
+
+using ::testing::IsEmpty;
+
+/// The trigger is pressed or released in the middle of a drag.
+class DragTriggerTest : public SnapTest {};
+
+TEST_F(DragTriggerTest, LettingGoOfTheTriggerBeforeTheReleaseLeavesTheWindowWhereItIs) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    mouse.hold(0);
+    dragTo({1001, 500});
+    EXPECT_FALSE(picture.isVisible);
+    const Rect dropped = desktop.frame(window);
+
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), dropped);
+    EXPECT_TRUE(settings.appZones.empty());
+    EXPECT_THAT(desktop.takeWrites(), IsEmpty());
+}
+
+TEST_F(DragTriggerTest, LettingGoOfTheTriggerUnderARestingPointerLeavesTheWindowWhereItIs) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    const Rect dropped = desktop.frame(window);
+
+    mouse.hold(0);
+    EXPECT_FALSE(picture.isVisible);
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), dropped);
+    EXPECT_TRUE(settings.appZones.empty());
+    EXPECT_THAT(desktop.takeWrites(), IsEmpty());
+}
+
+TEST_F(DragTriggerTest, LettingGoOfTheTriggerAfterTheReleaseStillSnaps) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    mouse.release();
+    mouse.hold(0);
+    desktop.advance(30ms);
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(DragTriggerTest, TheTriggerPressedUnderARestingPointerShowsTheZonesAndSnaps) {
+    grab(window);
+    dragTo({1000, 500});
+    EXPECT_FALSE(picture.isVisible);
+
+    mouse.hold(kShift);
+    EXPECT_EQ(labels(), "1[2]");
+    drop();
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(DragTriggerTest, TheTriggerAloneDoesNotShowZonesForAWindowThatHasNotMoved) {
+    grab(window);
+    desktop.advance(30ms);
+    mouse.hold(kShift);
+
+    EXPECT_FALSE(picture.isVisible);
+}
+
+TEST_F(DragTriggerTest, TheTriggerMayBePressedInTheMiddleOfADrag) {
+    grab(window);
+    dragTo({1000, 500});
+    EXPECT_FALSE(picture.isVisible);
+
+    mouse.hold(kShift);
+    dragTo({1001, 500});
+
+    EXPECT_EQ(labels(), "1[2]");
+}
+
+} // namespace
+} // namespace tessarel
