@@ -37,13 +37,6 @@ bool shows(const Rect& screenFrame, const Point& pointer) {
 
 } // namespace
 
-struct DragSnap::Placement {
-    Candidate candidate;
-    Rect target;
-    std::optional<Rect> bounds;
-    std::optional<std::size_t> index;
-};
-
 DragSnap::DragSnap(const Uses& uses)
     : m_uses(uses), m_picker(uses.accessibility, uses.workspace, uses.ax, uses.engine),
       m_offers(uses.geo, uses.store), m_self(std::make_shared<DragSnap*>(this)) {}
@@ -78,8 +71,6 @@ void DragSnap::reset() {
     m_failedReads = 0;
     m_dragging = false;
     m_target.reset();
-    m_targetBounds.reset();
-    m_targetIndex.reset();
     m_uses.overlay.hide();
 }
 
@@ -122,16 +113,15 @@ std::optional<Screen> DragSnap::screenAt(const Point& screenPoint) const {
 }
 
 void DragSnap::follow(const MouseEvent& event) {
+    m_target.reset();
     const auto screen = screenAt(event.screenLocation);
     if (!screen) {
-        m_target.reset();
         m_uses.overlay.hide();
         return;
     }
     SnapOffer offer = m_offers.offer(*screen, m_uses.geo.axPoint(event.screenLocation), event.modifierFlags);
-    m_target = offer.target;
-    m_targetBounds = m_uses.geo.axVisible(*screen);
-    m_targetIndex = offer.zoneNumber;
+    if (offer.target)
+        m_target = Target{*offer.target, m_uses.geo.axVisible(*screen), offer.zoneNumber};
     if (offer.items.empty())
         m_uses.overlay.hide();
     else
@@ -139,29 +129,23 @@ void DragSnap::follow(const MouseEvent& event) {
 }
 
 void DragSnap::mouseUp(const MouseEvent& /*event*/) {
-    const bool wasDragging = m_dragging;
     const auto candidate = m_candidate;
     const auto target = m_target;
-    const auto bounds = m_targetBounds;
-    const auto index = m_targetIndex;
     reset();
-    if (!wasDragging || !candidate || !target)
+    if (!target)
         return;
-    m_uses.mainQueue.asyncAfter(kPlacementDelay,
-                                [self = m_self, placement = Placement{*candidate, *target, bounds, index}] {
-                                    if (DragSnap* const dragSnap = *self)
-                                        dragSnap->place(placement);
-                                });
+    m_uses.mainQueue.asyncAfter(kPlacementDelay, [self = m_self, candidate = *candidate, target = *target] {
+        if (DragSnap* const dragSnap = *self)
+            dragSnap->place(candidate, target);
+    });
 }
 
-void DragSnap::place(const Placement& placement) {
-    const Candidate& candidate = placement.candidate;
-    m_uses.engine.place(candidate.window, candidate.pid, placement.target, placement.bounds,
-                        candidate.axFrame);
-    if (!placement.index)
+void DragSnap::place(const Candidate& candidate, const Target& target) {
+    m_uses.engine.place(candidate.window, candidate.pid, target.axFrame, target.axBounds, candidate.axFrame);
+    if (!target.zoneNumber)
         return;
     const auto app = m_uses.workspace.runningApplication(candidate.pid);
-    m_uses.engine.remember(app ? app->bundleIdentifier : std::nullopt, *placement.index);
+    m_uses.engine.remember(app ? app->bundleIdentifier : std::nullopt, *target.zoneNumber);
 }
 
 } // namespace tessarel

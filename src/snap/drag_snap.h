@@ -66,14 +66,18 @@ private:
     void mouseUp(const MouseEvent& event);
 
     using Handler = void (DragSnap::*)(const MouseEvent&);
-    struct Placement;
+    struct Target {
+        Rect axFrame;
+        Rect axBounds;                         ///< the visible area around it
+        std::optional<std::size_t> zoneNumber; ///< among the user's zones, from 0; none at an edge
+    };
 
     void watch(MouseEventKind kind, Handler handler);
     void reset();
     [[nodiscard]] bool candidateMoves();
     [[nodiscard]] std::optional<Screen> screenAt(const Point& screenPoint) const;
     void follow(const MouseEvent& event);
-    void place(const Placement& placement);
+    void place(const Candidate& candidate, const Target& target);
 
     Uses m_uses;
     CandidatePicker m_picker;
@@ -83,11 +87,9 @@ private:
     SubscriptionPtr m_candidateClosed;
     bool m_dragging = false; ///< the candidate has been seen to move
     MainQueuePort::TimePoint m_lastRead = MainQueuePort::TimePoint::min(); ///< of a candidate's frame
-    int m_failedReads = 0;                    ///< of the candidate's frame, in a row
-    std::optional<Rect> m_target;             ///< where it goes when released
-    std::optional<Rect> m_targetBounds;       ///< the visible area around that
-    std::optional<std::size_t> m_targetIndex; ///< of the target among the user's zones
-    std::shared_ptr<DragSnap*> m_self;        // shared with work on the main queue, which may outlive us
+    int m_failedReads = 0;             ///< of the candidate's frame, in a row
+    std::optional<Target> m_target;    ///< where the candidate goes when released; empty without a drag
+    std::shared_ptr<DragSnap*> m_self; // shared with work on the main queue, which may outlive us
 };
 
 } // namespace tessarel

@@ -211,6 +211,22 @@ TEST_F(DragSnapFaultsTest, AWindowThatCanBeReadInBetweenIsNotGivenUp) {
     EXPECT_EQ(labels(), "1[2]");
 }
 
+TEST_F(DragSnapFaultsTest, AReadThatFailedBeforeThePressDoesNotCount) {
+    for (int press = 0; press < 2; ++press) {
+        grab(window);
+        desktop.drag(window, kStart);
+        desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
+        dragTo({521, 160});
+        desktop.applicationOf(window).answerTime = {};
+        if (press == 0)
+            mouse.release();
+    }
+
+    dragTo({1000, 500});
+
+    EXPECT_EQ(labels(), "1[2]");
+}
+
 TEST_F(DragSnapFaultsTest, ADisplayRemovedUnderTheOverlayTakesItAwayWithTheNextMovement) {
     const auto second = desktop.addScreen({.frame = {-2560, 500, 1120, 900}});
     grab(window);

@@ -71,6 +71,16 @@ TEST_F(DragSnapPressTest, APartWithoutAWindowStartsNothing) {
     EXPECT_FALSE(startsADrag({520, 160}));
 }
 
+TEST_F(DragSnapPressTest, APartThatNamesAWindowThatHasClosedStartsNothing) {
+    const auto closed = desktop.openWindow("org.example.viewer", at({900, 500, 100, 100}));
+    const Element gone = desktop.element(closed);
+    desktop.close(closed);
+    desktop.window(window).partRole = "AXToolbar";
+    desktop.window(window).overrides["AXWindow"] = gone;
+
+    EXPECT_FALSE(startsADrag({520, 160}));
+}
+
 TEST_F(DragSnapPressTest, AWindowOfAnIgnoredApplicationIsNeverSnapped) {
     settings.ignoredApps = {"org.example.editor"};
 

@@ -173,6 +173,17 @@ TEST_F(OverlayControllerTest, AnotherScreenIsAnotherFrameOfTheSameWindow) {
     EXPECT_THAT(shown(), ElementsAre(Rect{10, 20, 960, 1000}));
 }
 
+TEST_F(OverlayControllerTest, ADisplayThatHasBecomeLargerIsCoveredWhole) {
+    overlay.show(screen, {left});
+    Screen larger = screen;
+    larger.frame = {screen.frame.x, screen.frame.y - 100, screen.frame.width, screen.frame.height + 100};
+
+    overlay.show(larger, {left}); // its top-left corner is where it was
+
+    EXPECT_EQ(picture.screenFrame, larger.frame);
+    EXPECT_EQ(picture.drawings, 1);
+}
+
 TEST_F(OverlayControllerTest, TheFrameIsSetOnlyWhenItIsAnother) {
     overlay.show(screen, {left});
     overlay.show(screen, {right});
