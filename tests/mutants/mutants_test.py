@@ -98,6 +98,7 @@ class OperatorsTest(unittest.TestCase):
         self.assertEqual(faults("Rect a{b, c};", "arguments"), ["Rect a{c, b};"])
         for text in ("void f(int a, int b);", 'f("a", true);', "f(a, a);", "std::min(a, b);", "f(a, [] {});"):
             self.assertEqual(faults(text, "arguments"), [], text)
+        self.assertEqual(faults("namespace a::b { A::A() : c(d), e(f) {} }", "arguments"), [])
 
     def test_methods_are_no_differences(self):
         self.assertEqual(faults("@implementation A\n- (void)f:(int)a {\n}\n@end", "arithmetic"), [])

@@ -147,7 +147,7 @@ def arguments(source: Source) -> Iterator[Edit]:
         before = source.tokens[index - 1]
         if token.text == "(" and (before.kind != "word" or before.text in _CONTROL) and not _is_angle(source, index):
             continue
-        if before.text in _COMMUTATIVE:
+        if before.text in _COMMUTATIVE or _opens_namespace(source, index):
             continue
         inside = source.tokens[index + 1 : source.partner[index]]
         if token.text == "{" and any(part.text == ";" for part in inside):
@@ -179,6 +179,16 @@ def _signs(source: Source, texts):
     for index, token in enumerate(source.tokens):
         if token.text in texts and token.is_binary and index not in source.skipped:
             yield index, token
+
+
+def _opens_namespace(source: Source, index: int) -> bool:
+    """Whether a brace opens a namespace, in which commas only separate the initialisers of constructors."""
+    at = index - 1
+    while at >= 0 and (source.tokens[at].kind == "word" or source.is_at(at, "::")):
+        if source.is_at(at, "namespace"):
+            return source.is_at(index, "{")
+        at -= 1
+    return False
 
 
 def _in_for(source: Source, index: int) -> bool:
