@@ -1,0 +1,77 @@
+#include "ports/displays_port.h"
+#include "ports/hot_key_port.h"
+#include "ports/local_keys_port.h"
+#include "ports/login_item_port.h"
+#include "ports/main_menu_port.h"
+#include "ports/main_queue_port.h"
+#include "ports/menu.h"
+#include "ports/rect.h"
+#include "ports/url_loading_port.h"
+#include "ports/workspace_port.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <vector>
+
+namespace tessarel {
+namespace {
+
+TEST(ValuesTest, RectanglesPointsAndSizesAreAtTheOriginWithoutExtent) {
+    EXPECT_EQ(Point{}, (Point{0, 0}));
+    EXPECT_EQ(Size{}, (Size{0, 0}));
+    EXPECT_EQ(Rect{}, (Rect{0, 0, 0, 0}));
+    EXPECT_EQ(Screen{}, (Screen{0, {0, 0, 0, 0}, {0, 0, 0, 0}}));
+}
+
+TEST(ValuesTest, KeysAreWithoutModifiers) {
+    EXPECT_EQ(HotKeyRequest{}, (HotKeyRequest{0, 0, {0, 0}}));
+    EXPECT_EQ(KeyDown{}, (KeyDown{0, 0}));
+}
+
+TEST(ValuesTest, ARowOfAMenuCanBeChosenAndDoesNothing) {
+    EXPECT_EQ(MenuItem{}, (MenuItem{"", MenuCommand::None, 0, true, false, false, "", {}}));
+    EXPECT_EQ(MenuItem::separator(), (MenuItem{"", MenuCommand::None, 0, true, false, true, "", {}}));
+    EXPECT_EQ(MainMenuItem{}, (MainMenuItem{"", "", 0, false})) << "a separator, without a key";
+}
+
+TEST(ValuesTest, AnApplicationIsOneThatAUserWorksIn) {
+    EXPECT_EQ(RunningApplication{}, (RunningApplication{0, std::nullopt, true}));
+}
+
+TEST(ValuesTest, ARequestWaitsForNothingAndAResponseHasNoStatus) {
+    EXPECT_EQ(UrlRequest{}, (UrlRequest{"", "", std::chrono::milliseconds(0), 0}));
+    EXPECT_EQ(UrlResponse{}, (UrlResponse{0, std::nullopt}));
+}
+
+TEST(ValuesTest, TheStatusOfTheLoginItemHasTheSystemsNumbers) {
+    using Status = LoginItemPort::Status;
+
+    EXPECT_EQ(static_cast<int>(Status::NotRegistered), 0);
+    EXPECT_EQ(static_cast<int>(Status::Enabled), 1);
+    EXPECT_EQ(static_cast<int>(Status::RequiresApproval), 2);
+    EXPECT_EQ(static_cast<int>(Status::NotFound), 3);
+}
+
+TEST(ValuesTest, WorkForTheNextTurnIsHandedOverWithoutADelay) {
+    struct Queue : MainQueuePort {
+        TimePoint now() override { return {}; }
+        void asyncAfter(Duration delay, std::function<void()> work) override {
+            delays.push_back(delay);
+            work();
+        }
+        std::vector<Duration> delays;
+    };
+    Queue queue;
+    int runs = 0;
+
+    queue.async([&] { ++runs; });
+
+    EXPECT_EQ(queue.delays, (std::vector{MainQueuePort::Duration::zero()}));
+    EXPECT_EQ(runs, 1);
+}
+
+} // namespace
+} // namespace tessarel
