@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -297,6 +298,16 @@ TEST_F(ArrangeAllTest, EntriesThatMakeNoSenseAreSkipped) {
     EXPECT_TRUE(skipped({0, pid - kProcessIds, kStart, 1}));
     EXPECT_TRUE(skipped({0, pid, {}, 1}));
     EXPECT_FALSE(skipped({0, pid, kStart, 1}));
+}
+
+TEST_F(ArrangeAllTest, ProcessIdsAtTheEndsOfTheirRangeAreLikeAnyOther) {
+    using Limits = std::numeric_limits<ProcessId>;
+    for (const ProcessId pid : {Limits::min(), Limits::max()}) {
+        desktop.launchAs(pid, {});
+        const auto window = desktop.openWindow(pid, {.axFrame = kStart});
+        engine.arrangeAll();
+        EXPECT_EQ(desktop.frame(window), kColumn1) << pid;
+    }
 }
 
 TEST_F(ArrangeAllTest, AWindowIsFoundByItsFrameWithinFourPoints) {

@@ -54,6 +54,16 @@ TEST_F(MoveToDisplayTest, HalvesAreRoundedAwayFromZero) {
     EXPECT_EQ(desktop.frame(window), (Rect{-1238, -473, 163, 103}));
 }
 
+TEST_F(MoveToDisplayTest, HalvesAreRoundedAwayFromZeroBeyondTheOriginToo) {
+    desktop.addScreen({.frame = {0, 0, 1024, 1024}});
+    desktop.addScreen({.frame = {1024, 124, 900, 900}});
+    const auto window = openWindow({128, 128, 256, 256}); // an eighth from the corner
+
+    engine.moveFocusedToDisplay(1);
+
+    EXPECT_EQ(desktop.frame(window), (Rect{1137, 113, 225, 225})) << "from (1136.5, 112.5)";
+}
+
 TEST_F(MoveToDisplayTest, DisplaysFollowEachOtherFromLeftToRightAndRoundAbout) {
     const Screen b = addDisplay(0);
     const Screen a = addDisplay(-1000);

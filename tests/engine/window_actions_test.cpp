@@ -189,6 +189,10 @@ TEST_F(WindowActionsTest, CentreRoundsThePlaceAwayFromZeroAndNotTheSize) {
 
     // -750 - 320.5 = -1070.5, -165 - 240.25 = -405.25
     EXPECT_EQ(desktop.frame(window), (Rect{-1071, -405, 641, 480.5}));
+
+    desktop.drag(window, at({100, 100, 640.5, 481}));
+    engine.centerFocused();
+    EXPECT_EQ(desktop.frame(window), (Rect{-1070, -406, 640.5, 481}));
 }
 
 TEST_F(WindowActionsTest, CentreKeepsAWindowThatRefusesToShrinkInTheVisibleArea) {
