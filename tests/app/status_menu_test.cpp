@@ -154,6 +154,16 @@ TEST_F(StatusMenuTest, WithAllZonesDisabledWindowsCanStillBeArranged) {
     EXPECT_EQ(Titles(all.begin() + 1, all.begin() + 3), (Titles{"-", "Arrange windows into zones"}));
 }
 
+TEST_F(StatusMenuTest, AListOfZonesThatIsTooShortIsOneOfDisabledZones) {
+    store.settings.zones.resize(2);
+
+    const Titles all = titles(statusMenu.rebuild());
+
+    EXPECT_EQ(Titles(all.begin() + 2, all.begin() + 5),
+              (Titles{"Snap to Zone 1   (Ctrl+Opt+1)", "Snap to Zone 2   (Ctrl+Opt+2)",
+                      "Arrange windows into zones"}));
+}
+
 TEST_F(StatusMenuTest, EachZoneKeepsItsTagWhenOneBeforeItIsDisabled) {
     for (Zone& zone : store.settings.zones)
         zone.enabled = true;
