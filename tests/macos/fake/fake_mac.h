@@ -66,7 +66,7 @@ struct Mac {
     bool allowsMonitors = true;
     bool windowServerAnswers = true;
     bool givesNothing = false; ///< what is asked of other programs succeeds without a result
-    bool listsAText = false; ///< the window server's list ends with something that is no window
+    bool listsAText = false;   ///< the window server's list ends with something that is no window
     LoopMode loopMode = LoopMode::Default;
     std::vector<Display> displays;
     std::optional<std::vector<Display>> nextDisplays = {}; ///< the displays, once they have been asked for
