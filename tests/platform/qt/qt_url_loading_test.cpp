@@ -9,12 +9,14 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace tessarel::qt {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::ElementsAre;
 using testing::Eq;
 using testing::Optional;
 
@@ -215,7 +217,11 @@ TEST_F(QtUrlLoadingRedirectTest, SixAreNot) {
     leadAstray(6);
 
     EXPECT_EQ(get("/1"), std::nullopt);
-    EXPECT_EQ(server.requests.size(), 6U);
+    // Qt sends a request once more if the connection for it was just being closed.
+    std::set<QByteArray> paths;
+    for (const QByteArray& sent : server.requests)
+        paths.insert(sent.split(' ').value(1));
+    EXPECT_THAT(paths, ElementsAre("/1", "/2", "/3", "/4", "/5", "/6"));
 }
 
 TEST_F(QtUrlLoadingRedirectTest, ALoopEnds) {
