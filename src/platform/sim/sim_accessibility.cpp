@@ -76,7 +76,7 @@ Element SimAccessibility::elementOf(const Name& name) {
 }
 
 std::string SimAccessibility::text(const Name& name) {
-    const std::string window = "window " + std::to_string(static_cast<std::uint32_t>(name.window));
+    std::string window = "window " + std::to_string(static_cast<std::uint32_t>(name.window));
     switch (name.kind) {
     case Name::Kind::Application:
         return "application " + std::to_string(name.pid);
