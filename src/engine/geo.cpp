@@ -16,8 +16,9 @@ Rect flipped(const Rect& rect, double primaryHeight) {
     return {rect.minX(), primaryHeight - rect.maxY(), rect.absWidth(), rect.absHeight()};
 }
 
+/// 0 for the null rectangle.
 double area(const Rect& rect) {
-    return rect.isNull() ? 0 : rect.absWidth() * rect.absHeight();
+    return rect.absWidth() * rect.absHeight();
 }
 
 } // namespace

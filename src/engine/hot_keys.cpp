@@ -11,7 +11,6 @@ void HotKeys::registerAll() {
     installHandler();
     m_refs.clear(); // before claiming anew, or our own old claims would be in the way
     m_refs = m_port.registerHotKeys(requests());
-    std::erase(m_refs, nullptr);
 }
 
 void HotKeys::handle(std::uint32_t id) {

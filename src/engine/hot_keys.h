@@ -40,7 +40,7 @@ private:
     const Store& m_store;
     bool m_installed = false;
     SubscriptionPtr m_handlerRef;
-    std::vector<SubscriptionPtr> m_refs;
+    std::vector<SubscriptionPtr> m_refs; ///< null for a combination that could not be had
 };
 
 } // namespace tessarel
