@@ -5,6 +5,8 @@
 #include "ports/main_menu_port.h"
 #include "ports/main_queue_port.h"
 #include "ports/menu.h"
+#include "ports/mouse_port.h"
+#include "ports/overlay_port.h"
 #include "ports/rect.h"
 #include "ports/url_loading_port.h"
 #include "ports/workspace_port.h"
@@ -29,6 +31,22 @@ TEST(ValuesTest, RectanglesPointsAndSizesAreAtTheOriginWithoutExtent) {
 TEST(ValuesTest, KeysAreWithoutModifiers) {
     EXPECT_EQ(HotKeyRequest{}, (HotKeyRequest{0, 0, {0, 0}}));
     EXPECT_EQ(KeyDown{}, (KeyDown{0, 0}));
+}
+
+TEST(ValuesTest, AnEventOfTheMouseIsAPressWithoutModifiers) {
+    EXPECT_EQ(MouseEvent{}, (MouseEvent{MouseEventKind::LeftDown, {0, 0}, 0}));
+}
+
+TEST(ValuesTest, ModifiersHaveTheSystemsBits) {
+    EXPECT_EQ(modifier_flag::kShift, 0x20000U);
+    EXPECT_EQ(modifier_flag::kControl, 0x40000U);
+    EXPECT_EQ(modifier_flag::kOption, 0x80000U);
+    EXPECT_EQ(modifier_flag::kCommand, 0x100000U);
+}
+
+TEST(ValuesTest, AFigureOfTheOverlayIsNotSeen) {
+    EXPECT_EQ(OverlayLabel{}, (OverlayLabel{"", {0, 0}, 0, 0, 0}));
+    EXPECT_EQ(OverlayFigure{}, (OverlayFigure{{}, {}, 0, 0, 0, 0, OverlayLabel{}, false}));
 }
 
 TEST(ValuesTest, ARowOfAMenuCanBeChosenAndDoesNothing) {
