@@ -99,6 +99,8 @@ class OperatorsTest(unittest.TestCase):
         for text in ("void f(int a, int b);", 'f("a", true);', "f(a, a);", "std::min(a, b);", "f(a, [] {});"):
             self.assertEqual(faults(text, "arguments"), [], text)
         self.assertEqual(faults("namespace a::b { A::A() : c(d), e(f) {} }", "arguments"), [])
+        self.assertEqual(faults("enum class A : std::uint8_t { B, C };", "arguments"), [])
+        self.assertEqual(faults("enum A { B, C };", "arguments"), ["enum A { C, B };"])
 
     def test_methods_are_no_differences(self):
         self.assertEqual(faults("@implementation A\n- (void)f:(int)a {\n}\n@end", "arithmetic"), [])

@@ -147,7 +147,7 @@ def arguments(source: Source) -> Iterator[Edit]:
         before = source.tokens[index - 1]
         if token.text == "(" and (before.kind != "word" or before.text in _CONTROL) and not _is_angle(source, index):
             continue
-        if before.text in _COMMUTATIVE or _opens_namespace(source, index):
+        if before.text in _COMMUTATIVE or _opens_names(source, index):
             continue
         inside = source.tokens[index + 1 : source.partner[index]]
         if token.text == "{" and any(part.text == ";" for part in inside):
@@ -181,11 +181,12 @@ def _signs(source: Source, texts):
             yield index, token
 
 
-def _opens_namespace(source: Source, index: int) -> bool:
-    """Whether a brace opens a namespace, in which commas only separate the initialisers of constructors."""
+def _opens_names(source: Source, index: int) -> bool:
+    """Whether a brace opens a namespace, in which commas only separate the initialisers of constructors, or a
+    scoped enumeration, on whose order nothing depends without a cast."""
     at = index - 1
-    while at >= 0 and (source.tokens[at].kind == "word" or source.is_at(at, "::")):
-        if source.is_at(at, "namespace"):
+    while at >= 0 and (source.tokens[at].kind == "word" or source.is_at(at, ":", "::")):
+        if source.is_at(at, "namespace") or source.is_at(at, "enum") and source.is_at(at + 1, "class"):
             return source.is_at(index, "{")
         at -= 1
     return False
