@@ -139,6 +139,7 @@ TEST_F(GeoTest, WithoutGapAndMarginAZoneIsItsShareRounded) {
 
 TEST_F(GeoTest, HalvesAreRoundedAwayFromZero) {
     EXPECT_EQ(geo.zoneFrame(kWhole, {2.5, -2.5, 100.5, 99.5}), (Rect{3, -3, 101, 100}));
+    EXPECT_EQ(geo.zoneFrame(kWhole, {-2.5, 2.5, 99.5, 100.5}), (Rect{-3, 3, 100, 101}));
 }
 
 TEST_F(GeoTest, AMarginSmallerThanHalfTheGapEnlargesTheArea) {
