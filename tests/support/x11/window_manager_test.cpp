@@ -6,11 +6,33 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+
 namespace tessarel::x11test {
 namespace {
 
+/// A window manager on a server of its own, which all cases about it share.
+struct Stage {
+    explicit Stage(WindowManagerKind kind) : manager(server, kind) {}
+
+    static Stage& of(WindowManagerKind kind) {
+        static std::map<WindowManagerKind, Stage> stages;
+        return stages.try_emplace(kind, kind).first->second;
+    }
+
+    XServer server;
+    WindowManager manager;
+    Observer observer{server.display()};
+    Keyboard keyboard{server, observer};
+};
+
 class WindowManagerTest : public testing::TestWithParam<WindowManagerKind> {
 protected:
+    ~WindowManagerTest() override {
+        client.process().kill();
+        EXPECT_TRUE(observer.waitUntil([this] { return observer.clients().empty(); }));
+    }
+
     xcb_window_t openAndWait(const WindowOptions& options = {}) {
         const xcb_window_t window = client.open(options);
         EXPECT_TRUE(observer.waitUntil([&] { return observer.managed(window); }));
@@ -18,17 +40,16 @@ protected:
         return window;
     }
 
-    XServer server;
-    WindowManager manager{server, GetParam()};
-    Observer observer{server.display()};
-    Keyboard keyboard{server, observer};
-    TestClient client{server};
+    Stage& stage = Stage::of(GetParam());
+    Observer& observer = stage.observer;
+    Keyboard& keyboard = stage.keyboard;
+    TestClient client{stage.server};
 };
 
 TEST_P(WindowManagerTest, StartsAndCanMoveWindows) {
     EXPECT_FALSE(observer.windowManagerName().empty());
     EXPECT_TRUE(observer.supports("_NET_MOVERESIZE_WINDOW"));
-    EXPECT_TRUE(manager.process().running());
+    EXPECT_TRUE(stage.manager.process().running());
 }
 
 TEST_P(WindowManagerTest, OuterFrameIsTheOneAskedForByHand) {
