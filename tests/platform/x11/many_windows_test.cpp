@@ -44,7 +44,7 @@ protected:
 
     /// The client opens and closes windows as fast as the window manager lets it, while the placer watches.
     void openAndClose(int count) {
-        constexpr int kAtOnce = 250;
+        constexpr int kAtOnce = 50; // the client answers once for so many
         std::atomic<bool> isOver = false;
         std::thread hand([&] {
             for (int done = 0; done < count; done += kAtOnce)
