@@ -197,7 +197,11 @@ bool Desktop::isAsLargeAsItsStates(xcb_window_t window) {
     const bool isWide = now.x <= area.x && now.right() >= area.right();
     const bool isHigh = now.y <= area.y && now.bottom() >= area.bottom();
     const bool isRolledUp = heightOnScreen(m_observer.x(), window) < now.height / 2;
-    return (isWide || !m_observer.hasState(window, "_NET_WM_STATE_MAXIMIZED_HORZ")) &&
+    const bool isFull = std::ranges::any_of(m_monitors, [&](const Monitor& monitor) {
+        return now == Frame{monitor.x, monitor.y, monitor.width, monitor.height};
+    });
+    return (isFull || !m_observer.hasState(window, "_NET_WM_STATE_FULLSCREEN")) &&
+           (isWide || !m_observer.hasState(window, "_NET_WM_STATE_MAXIMIZED_HORZ")) &&
            (isHigh || !m_observer.hasState(window, "_NET_WM_STATE_MAXIMIZED_VERT")) &&
            (isRolledUp || !m_observer.hasState(window, "_NET_WM_STATE_SHADED"));
 }

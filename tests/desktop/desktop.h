@@ -102,7 +102,8 @@ public:
 
 private:
     [[nodiscard]] bool waitForPanel();
-    /// Whether a window reaches as far as it has to where it is maximised, and is low where it is rolled up.
+    /// Returns whether a window reaches as far as it has to where it is maximised or fills a monitor, and is
+    /// low where it is rolled up.
     [[nodiscard]] bool isAsLargeAsItsStates(xcb_window_t window);
 
     XServer m_server;

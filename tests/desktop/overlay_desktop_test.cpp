@@ -39,6 +39,7 @@ protected:
         observer.activate(target->window());
         ASSERT_TRUE(waitUntil([&] { return observer.activeWindow() == target->window(); }));
         ASSERT_TRUE(observer.settle());
+        ASSERT_TRUE(becomes(400, 300, kWhite)); // a compositor paints later
     }
 
     void TearDown() override {

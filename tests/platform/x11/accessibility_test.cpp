@@ -198,7 +198,7 @@ TEST_F(AccessibilityTest, AWindowNumberThatComesBackIsAnotherWindow) {
     first.reset();
     ASSERT_TRUE(observer.waitUntil([&] { return !observer.managed(window); }));
     x11test::TestClient second(desktop.server);
-    ASSERT_EQ(openIn(second), window) << "the server gives the lowest free numbers";
+    ASSERT_EQ(openIn(second), window) << "the server gives the lowest free ids";
     const Rect before = actualFrame(window);
 
     writeFrame(gone, {10, 40, 300, 200});

@@ -134,7 +134,7 @@ TEST_F(ApplicationWatchTest, ANumberThatHasGoneOverToAnotherProgramUnseenIsANewW
     before->process().kill();
     ASSERT_TRUE(observer.waitUntil([&] { return !observer.managed(window); }));
 
-    x11test::TestClient after(desktop.server); // the server gives it what it gave the one that has gone
+    x11test::TestClient after(desktop.server); // to which the server gives the ids of `before`
     ASSERT_EQ(openUnfocused(after, {.className = "After"}), window);
 
     const Lines lines = take();
@@ -149,7 +149,6 @@ TEST_F(ApplicationWatchTest, ANumberThatIsStillListedIsNoWindowOfTheProgramThatG
     before->process().kill();
     ASSERT_TRUE(observer.waitUntil([&] { return !observer.clientFrame(window); }));
     x11test::TestClient after(desktop.server);
-    after.destroy(window); // of which there is none: it answers once it is connected
     sayAgainWhatIsListed();
     driver.hear();
     (void)take();

@@ -108,7 +108,9 @@ std::string hexadecimal(std::string_view bytes) {
 
 } // namespace
 
-TestClient::TestClient(const XServer& server) : m_process({TESSAREL_TEST_CLIENT}, server.environment()) {}
+TestClient::TestClient(const XServer& server) : m_process({TESSAREL_TEST_CLIENT}, server.environment()) {
+    ask("connect");
+}
 
 std::string TestClient::ask(const std::string& command) {
     m_process.writeLine(command);

@@ -65,6 +65,8 @@ enum class ComeBack {
 /// Another program on the desktop, with windows made to order.
 class TestClient {
 public:
+    /// Starts the client and waits until it is connected: the server gives the ids of a client that has
+    /// exited to the next one that connects.
     explicit TestClient(const XServer& server);
 
     [[nodiscard]] pid_t pid() const { return m_process.pid(); }
