@@ -70,10 +70,8 @@ Zone ZoneFields::typed(const Zone& current) const {
             zone.*kNumbers[i] = std::clamp(*value, 0.0, 100.0);
     zone.w = std::max(zone.w, kSmallest);
     zone.h = std::max(zone.h, kSmallest);
-    if (zone.x + zone.w > 100)
-        zone.w = 100 - zone.x;
-    if (zone.y + zone.h > 100)
-        zone.h = 100 - zone.y;
+    zone.w = std::min(zone.w, 100 - zone.x);
+    zone.h = std::min(zone.h, 100 - zone.y);
     return zone;
 }
 

@@ -95,7 +95,7 @@ void DragSnap::mouseDragged(const MouseEvent& event) {
 /// A window whose size changes is being resized by its frame.
 bool DragSnap::candidateMoves() {
     const auto now = m_uses.mainQueue.now();
-    if (now < m_lastRead + kReadInterval)
+    if (m_lastRead && now < *m_lastRead + kReadInterval)
         return false;
     m_lastRead = now;
     const auto axFrame = m_uses.ax.frame(m_candidate->window);

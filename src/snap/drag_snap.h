@@ -85,9 +85,9 @@ private:
     std::vector<SubscriptionPtr> m_monitors; ///< none while stopped
     std::optional<Candidate> m_candidate;    ///< grabbed at the last press
     SubscriptionPtr m_candidateClosed;
-    bool m_dragging = false; ///< the candidate has been seen to move
-    MainQueuePort::TimePoint m_lastRead = MainQueuePort::TimePoint::min(); ///< of a candidate's frame
-    int m_failedReads = 0;             ///< of the candidate's frame, in a row
+    bool m_dragging = false;                            ///< the candidate has been seen to move
+    std::optional<MainQueuePort::TimePoint> m_lastRead; ///< of a candidate's frame
+    int m_failedReads = 0;                              ///< of the candidate's frame, in a row
     std::optional<Target> m_target;    ///< where the candidate goes when released; empty without a drag
     std::shared_ptr<DragSnap*> m_self; // shared with work on the main queue, which may outlive us
 };

@@ -97,6 +97,7 @@ TEST_F(MacAccessibilityTest, ValuesOfEveryKindAreHandedOverOrLeftOut) {
     for (const AttributeValue& value : values)
         accessibility().setAttribute(found({300, 200}), attribute::kPosition, value);
 
+    EXPECT_EQ(fakemac::mac().valuesGiven, 2) << "1.5 and \"text\"";
     EXPECT_EQ(fakemac::mac().writes, Lines());
     EXPECT_EQ(fakemac::mac().windows.at(window).axFrame, (Rect{200, 150, 640, 480}));
 }
@@ -116,6 +117,10 @@ TEST_F(MacAccessibilityTest, ASuccessWithoutAResultIsAFailure) {
     EXPECT_FALSE(accessibility().copyAttribute(editor, attribute::kRole));
     EXPECT_FALSE(accessibility().elementAtPosition(accessibility().systemWide(), {300, 200}));
     EXPECT_FALSE(accessibility().onWindowCreated(editor, [](const Element&) {}));
+}
+
+TEST_F(MacAccessibilityTest, TheWholeDesktopHasNoOwner) {
+    EXPECT_FALSE(accessibility().pid(accessibility().systemWide()));
 }
 
 TEST_F(MacAccessibilityTest, AProgramMayRefuseToBeObserved) {

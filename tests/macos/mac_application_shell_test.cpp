@@ -45,6 +45,10 @@ protected:
     }
 };
 
+TEST_F(MacApplicationShellTest, QtNeverBringsTheProgramToTheFront) {
+    EXPECT_EQ(qgetenv("QT_MAC_SET_RAISE_PROCESS"), "0");
+}
+
 TEST_F(MacApplicationShellTest, TheStartPutsUpEverything) {
     EXPECT_EQ(launch(), Launch::Running);
 

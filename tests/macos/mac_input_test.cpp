@@ -102,10 +102,12 @@ TEST_F(MacHotKeysTest, ClaimsAndHandlersMayOutliveTheBackEnd) {
 }
 
 TEST_F(MacHotKeysTest, NoExceptionLeavesTheHandler) {
+    fakemac::installLibraryHandler();
     handler = desktop->hotKeys.installHandler([](std::uint32_t) { throw std::runtime_error("of a test"); });
     const auto hotKey = claim(7);
 
     EXPECT_NO_THROW(fakemac::pressKeys(kKey1, kCtrlOpt));
+    EXPECT_EQ(fakemac::mac().libraryHotKeys, std::vector<std::uint32_t>{}) << "the press was dealt with";
 }
 
 class MacLocalKeysTest : public MacTest {
@@ -133,6 +135,15 @@ TEST_F(MacLocalKeysTest, OnlyTheFourModifiersAreReported) {
     fakemac::pressKeys(kKey1, 256); // the fake's Caps Lock is on
 
     EXPECT_EQ(keys, (std::vector<KeyDown>{{kKey1, kCommandFlag}}));
+}
+
+TEST_F(MacLocalKeysTest, OnlyAKeyThatNoMonitorTakesReachesTheWindow) {
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+    EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 0);
+
+    monitor = desktop->localKeys.monitorKeyDown([](const KeyDown&) { return false; });
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+    EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 1);
 }
 
 class MacMouseTest : public MacTest {};

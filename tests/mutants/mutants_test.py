@@ -102,6 +102,10 @@ class OperatorsTest(unittest.TestCase):
         self.assertEqual(faults("enum class A : std::uint8_t { B, C };", "arguments"), [])
         self.assertEqual(faults("enum A { B, C };", "arguments"), ["enum A { C, B };"])
 
+    def test_an_equal_result_is_no_fault(self):
+        for result in ("nullptr", "std::nullopt", "0", "false", "{}"):
+            self.assertEqual(faults("T f() { return %s; }" % result, "return"), [], result)
+
     def test_methods_are_no_differences(self):
         self.assertEqual(faults("@implementation A\n- (void)f:(int)a {\n}\n@end", "arithmetic"), [])
 

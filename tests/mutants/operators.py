@@ -30,7 +30,8 @@ _CALLS = {
     "all_of": "any_of",
     "none_of": "any_of",
 }
-_COMMUTATIVE = {"min", "max", "swap"}
+_EQUAL_RESULTS = {"{}": ("{}", "nullptr", "std::nullopt", "0", "false")}
+_COMMUTATIVE = {"CFEqual", "max", "min", "swap"}
 _LOGICAL = ("&&", "||")
 _AROUND_OPERANDS = (",", ";", "=", "+=", "-=", "return", "?", ":", "(", "[", "{", ")", "]", "}")
 _CONTROL = ("if", "while", "for", "switch", "catch", "return", "sizeof", "alignof", "@selector", "decltype")
@@ -135,7 +136,7 @@ def returns(source: Source) -> Iterator[Edit]:
             begin = source.tokens[statement.first].end
             end = source.tokens[statement.last].start
             for value in _other_results(source, statement):
-                if source.text[begin:end].strip() not in (value.strip(), "nullptr", "std::nullopt", "0"):
+                if source.text[begin:end].strip() not in _EQUAL_RESULTS.get(value.strip(), (value.strip(),)):
                     yield begin, end, value
 
 

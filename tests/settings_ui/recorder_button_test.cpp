@@ -3,6 +3,8 @@
 #include "settings_ui/kit.h"
 #include "settings_ui/settings_ui_test.h"
 
+#include <QApplication>
+#include <QFocusEvent>
 #include <QPushButton>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -294,6 +296,16 @@ TEST_F(RecorderButtonTest, ItsEndInTheMiddleOfARecordingLetsGoOfTheKeys) {
 
     EXPECT_FALSE(press(kFree));
     EXPECT_EQ(binding(), ActionID(ActionID::center).defaultBinding());
+}
+
+TEST_F(RecorderButtonTest, TheSpaceBarIsReleasedWithTheFocus) {
+    QTest::keyPress(recorder.get(), Qt::Key_Space);
+    ASSERT_TRUE(recorder->isDown());
+
+    QFocusEvent focusOut(QEvent::FocusOut);
+    QApplication::sendEvent(recorder.get(), &focusOut);
+
+    EXPECT_FALSE(recorder->isDown());
 }
 
 TEST_F(RecorderButtonTest, RefreshLeavesTheTitleAloneWhileRecording) {

@@ -61,9 +61,8 @@ struct Expression {
     CfRef<CFTypeRef> operator()(const std::string& value) const {
         return CfRef<CFTypeRef>::share((__bridge CFTypeRef)nsString(value).get());
     }
-    CfRef<CFTypeRef> operator()(const Element& value) const {
-        return CfRef<CFTypeRef>::share(axElement(value));
-    }
+    // Attributes of these types are only read.
+    CfRef<CFTypeRef> operator()(const Element& /*value*/) const { return {}; }
     CfRef<CFTypeRef> operator()(const std::vector<Element>& /*value*/) const { return {}; }
 };
 

@@ -321,6 +321,9 @@ AXError AXUIElementSetAttributeValue(AXUIElementRef reference, CFStringRef name,
     TSLFakeElement* const element = fake(reference);
     if (const AXError error = ask(element))
         return error;
+    if (value == nullptr)
+        abort();
+    ++mac().valuesGiven;
     const std::string attribute = [(NSString*)name UTF8String];
     return element->kind == FakeElementKind::Application ? writeApplication(element, attribute, value)
                                                          : writeWindow(element, attribute, value);
@@ -353,7 +356,8 @@ AXError AXUIElementCopyElementAtPosition(AXUIElementRef reference, float x, floa
 
 AXError AXUIElementGetPid(AXUIElementRef element, pid_t* result) {
     checkThread();
-    *result = fake(element)->pid;
+    if (fake(element)->kind != FakeElementKind::Desktop) // for which the documentation promises none
+        *result = fake(element)->pid;
     return kAXErrorSuccess;
 }
 

@@ -169,10 +169,8 @@ void release(NSEventType button, NSEventType up) {
 }
 
 std::uint64_t flagsOf(std::uint32_t mods) {
-    return ((mods & 256U) != 0 ? modifier_flag::kCommand : 0U) |
-           ((mods & 512U) != 0 ? modifier_flag::kShift : 0U) |
-           ((mods & 2048U) != 0 ? modifier_flag::kOption : 0U) |
-           ((mods & 4096U) != 0 ? modifier_flag::kControl : 0U);
+    return ((mods & 256U) != 0 ? kCommandFlag : 0U) | ((mods & 512U) != 0 ? kShiftFlag : 0U) |
+           ((mods & 2048U) != 0 ? kOptionFlag : 0U) | ((mods & 4096U) != 0 ? kControlFlag : 0U);
 }
 
 } // namespace
@@ -217,7 +215,8 @@ void pressKeys(std::uint32_t keyCode, std::uint32_t mods, bool repeats) {
         TSLFakeEvent* const event = fakeEvent(NSEventTypeKeyDown, flagsOf(mods) | kCapsLock);
         event->code = static_cast<unsigned short>(keyCode);
         event->repeats = repeats ? YES : NO;
-        show(YES, event);
+        if (show(YES, event))
+            ++mac().keysOfOwnWindows;
     }
 }
 

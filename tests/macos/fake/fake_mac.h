@@ -89,6 +89,8 @@ struct Mac {
     std::map<std::string, std::string> bundles; ///< identifiers, which may be empty, by path
 
     std::vector<std::string> writes;                 ///< attributes written, as in "window 3 AXSize 640x480"
+    int keysOfOwnWindows = 0;                        ///< pressed and not swallowed by a monitor
+    int valuesGiven = 0;                             ///< to attributes, whether they could be written or not
     std::vector<double> waits;                       ///< seconds waited for applications that do not answer
     std::function<void(double seconds)> waited = {}; ///< called with each of these
     int observationRequests = 0;                     ///< of this program, made of other programs
