@@ -1,7 +1,7 @@
 // What it costs to know an application: looking through the entries of all that is installed, beside merely
 // reading the same files, and the questions that are then answered from memory.
 
-#include "platform/x11/desktop_entries.h"
+#include "platform/xdg/installed_applications.h"
 #include "support/entry_folder.h"
 
 #include <benchmark/benchmark.h>
@@ -45,21 +45,21 @@ BENCHMARK(readFilesOnce)->Unit(benchmark::kMillisecond);
 void indexEntries(benchmark::State& state) {
     const fs::path& path = folder().path();
     for (auto _ : state) {
-        x11::DesktopEntries entries({path}, {"l7"});
+        xdg::InstalledApplications entries({path}, {"l7"});
         benchmark::DoNotOptimize(entries.identifier("program4999"));
     }
 }
 BENCHMARK(indexEntries)->Unit(benchmark::kMillisecond);
 
 void identify(benchmark::State& state) {
-    x11::DesktopEntries entries({folder().path()}, {"l7"});
+    xdg::InstalledApplications entries({folder().path()}, {"l7"});
     for (auto _ : state)
         benchmark::DoNotOptimize(entries.identifier("Program4999"));
 }
 BENCHMARK(identify);
 
 void lookForChanges(benchmark::State& state) {
-    x11::DesktopEntries entries({folder().path()}, {"l7"});
+    xdg::InstalledApplications entries({folder().path()}, {"l7"});
     entries.refresh();
     for (auto _ : state)
         entries.refresh();
@@ -67,7 +67,7 @@ void lookForChanges(benchmark::State& state) {
 BENCHMARK(lookForChanges);
 
 void displayName(benchmark::State& state) {
-    x11::DesktopEntries entries({folder().path()}, {"l7"});
+    xdg::InstalledApplications entries({folder().path()}, {"l7"});
     for (auto _ : state)
         benchmark::DoNotOptimize(entries.displayName("1-org.example.program1"));
 }

@@ -13,9 +13,9 @@
 #include "platform/qt/qt_url_loading_module.h"
 #include "platform/qt/system_wall_clock.h"
 #include "platform/qt/termination_signals.h"
-#include "platform/x11/connection.h"
-#include "platform/x11/desktop.h"
-#include "platform/x11/key_down.h"
+#include "platform/x11/input/key_lookup.h"
+#include "platform/x11/server/connection.h"
+#include "platform/x11/x11_desktop.h"
 #include "qt_program.h"
 #include "settings_ui/settings_window_controller.h"
 
@@ -84,7 +84,7 @@ int run(const char* programName) {
     x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl);
     qt::QtLocalKeys localKeys(
         x11::keyDown, [&link = *connection](std::uint32_t keycode) { return x11::isKeyHeld(link, keycode); });
-    qt::QtOpenPanel openPanel(x11::DesktopEntries::installed(),
+    qt::QtOpenPanel openPanel(xdg::InstalledApplications::folders(),
                               [&desktop](const std::filesystem::path& file) {
                                   return desktop.applications.identifierOfEntry(file);
                               });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/carbon_mods.h"
 #include "model/subscription.h"
 #include "ports/rect.h"
 
@@ -10,20 +11,12 @@ namespace tessarel {
 
 enum class MouseEventKind { LeftDown, LeftDragged, LeftUp };
 
-/// Bits of `MouseEvent::modifierFlags`; there may be others.
-namespace modifier_flag {
-inline constexpr std::uint64_t kShift = 1U << 17U;
-inline constexpr std::uint64_t kControl = 1U << 18U;
-inline constexpr std::uint64_t kOption = 1U << 19U;
-inline constexpr std::uint64_t kCommand = 1U << 20U;
-} // namespace modifier_flag
-
 /// What the user has done with the left button of the mouse, or with the modifier keys while it is held.
 struct MouseEvent {
     MouseEventKind kind = MouseEventKind::LeftDown;
     /// The pointer, in screen coordinates: origin at the bottom-left corner of the primary display, y up.
     Point screenLocation;
-    std::uint64_t modifierFlags = 0; ///< the modifier keys that are held
+    ModifierFlags modifierFlags = 0; ///< the modifier keys that are held
 
     bool operator==(const MouseEvent&) const = default;
 };

@@ -50,10 +50,10 @@ bool SnapOffers::isTriggerHeld(std::uint64_t modifierFlags) const {
     if (trigger == "always")
         return true;
     if (trigger == "control")
-        return (modifierFlags & modifier_flag::kControl) != 0;
+        return (modifierFlags & kControlFlag) != 0;
     if (trigger == "command")
-        return (modifierFlags & modifier_flag::kCommand) != 0;
-    return (modifierFlags & modifier_flag::kShift) != 0;
+        return (modifierFlags & kCommandFlag) != 0;
+    return (modifierFlags & kShiftFlag) != 0;
 }
 
 SnapOffer SnapOffers::zones(const Rect& axVisible, const Point& axPoint) const {

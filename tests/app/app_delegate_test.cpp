@@ -183,7 +183,7 @@ TEST_F(AppDelegateTest, ADraggedWindowGoesIntoAZone) {
     const auto editor = desktop.openWindow("org.example.editor", {200, 150, 640, 480});
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
 
-    desktop.mouse().hold(modifier_flag::kShift);
+    desktop.mouse().hold(kShiftFlag);
     desktop.mouse().moveTo({500, 160});
     desktop.mouse().press();
     desktop.mouse().moveTo({400, 170});

@@ -14,7 +14,12 @@ declare -A sees=(
     [app]="model ports engine snap placer"
     [settings_ui]="model ports engine snap placer app"
     [platform/sim]="model ports"
-    [platform/x11]="model ports"
+    [platform/xdg]="model ports"
+    [platform/x11/server]="model ports"
+    [platform/x11/displays]="model ports platform/x11/server"
+    [platform/x11/windows]="model ports platform/xdg platform/x11/server platform/x11/displays"
+    [platform/x11/input]="model ports platform/x11/server platform/x11/displays platform/x11/windows"
+    [platform/x11]="model ports platform/xdg platform/x11/server platform/x11/displays platform/x11/windows platform/x11/input"
     [platform/macos]="model ports"
     [platform/qt]="model ports snap app"
 )
@@ -30,8 +35,7 @@ offence() {
 # Sets `folder` to the folder of a file, or to nothing for a file directly under src/.
 set_folder() {
     case $1 in
-    platform/*/*) folder=${1#platform/} folder=platform/${folder%%/*} ;;
-    */*) folder=${1%%/*} ;;
+    */*) folder=${1%/*} ;;
     *) folder= ;;
     esac
 }

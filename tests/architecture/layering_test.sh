@@ -12,8 +12,8 @@ failed=0
 # plant PATH TEXT EXPECTED: a tree with this one file is refused, with EXPECTED in the message.
 plant() {
     rm -rf "$scratch/src"
-    mkdir -p "$scratch/src/model" "$scratch/src/engine" "$scratch/src/platform/x11" "$scratch/src/$(dirname "$1")"
-    touch "$scratch/src/engine/geo.h" "$scratch/src/model/zone.h" "$scratch/src/platform/x11/connection.h"
+    mkdir -p "$scratch/src/model" "$scratch/src/engine" "$scratch/src/platform/x11/server" "$scratch/src/$(dirname "$1")"
+    touch "$scratch/src/engine/geo.h" "$scratch/src/model/zone.h" "$scratch/src/platform/x11/server/connection.h"
     printf '%b\n' "$2" >"$scratch/src/$1"
     if message=$("$here/check_layering.sh" "$scratch"); then
         echo "FAILED: not noticed in $1: $2"
@@ -24,9 +24,11 @@ plant() {
     fi
 }
 plant model/zone.cpp '#include "engine/geo.h"' "model may not include engine/geo.h"
-plant engine/ax.cpp '#include "platform/x11/connection.h"' "engine may not include platform/x11/connection.h"
-plant platform/sim/windows.cpp '#include "platform/x11/connection.h"' "platform/sim may not include"
-plant platform/x11/windows.cpp '#include "engine/geo.h"' "platform/x11 may not include engine/geo.h"
+plant engine/ax.cpp '#include "platform/x11/server/connection.h"' "engine may not include platform/x11/server/connection.h"
+plant platform/sim/windows.cpp '#include "platform/x11/server/connection.h"' "platform/sim may not include"
+plant platform/x11/windows/a.cpp '#include "engine/geo.h"' "platform/x11/windows may not include engine/geo.h"
+plant platform/x11/server/a.cpp '#include "platform/x11/windows/b.h"' "is not under src/"
+plant platform/x11/windows/older/a.cpp 'int x;' "has no place in the house"
 plant platform/macos/mouse.mm '#import "engine/geo.h"' "platform/macos may not include engine/geo.h"
 plant engine/ax.cpp '#include <QString>' "engine may not include <QString>"
 plant engine/ax.cpp '#include <xcb/xcb.h>' "engine may not include <xcb/xcb.h>"

@@ -101,7 +101,7 @@ public:
     virtual void movePointer(const Point& axPoint) = 0;
     virtual void pressLeftButton() = 0;
     virtual void releaseLeftButton() = 0;
-    /// Holds exactly the modifiers of `modifierFlags`, bits as in `modifier_flag`.
+    /// Holds exactly the modifiers of `modifierFlags`, the flags of `ModifierFlags`.
     virtual void holdModifiers(std::uint64_t modifierFlags) = 0;
     /// Whether a combination that one program has claimed is then that program's alone.
     [[nodiscard]] virtual bool hotKeysAreExclusive() const { return true; }

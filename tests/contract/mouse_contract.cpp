@@ -83,8 +83,7 @@ TEST_F(MouseContract, ModifiersAreReportedAsTheyAreHeld) {
 
     double x = 500;
     for (const std::uint64_t flags :
-         {modifier_flag::kShift, modifier_flag::kControl, modifier_flag::kOption, modifier_flag::kCommand,
-          modifier_flag::kShift | modifier_flag::kCommand, std::uint64_t{0}}) {
+         {kShiftFlag, kControlFlag, kOptionFlag, kCommandFlag, kShiftFlag | kCommandFlag, std::uint64_t{0}}) {
         desktop->holdModifiers(flags);
         moveTo({++x, 400});
         EXPECT_EQ(events.back().modifierFlags, flags);
@@ -94,15 +93,14 @@ TEST_F(MouseContract, ModifiersAreReportedAsTheyAreHeld) {
 TEST_F(MouseContract, AChangeOfTheModifiersUnderARestingPointerIsAMovement) {
     const auto monitors = watchAll();
     press();
-    for (const std::uint64_t flags : {modifier_flag::kShift, modifier_flag::kShift | modifier_flag::kCommand,
-                                      modifier_flag::kCommand, std::uint64_t{0}})
+    for (const std::uint64_t flags : {kShiftFlag, kShiftFlag | kCommandFlag, kCommandFlag, std::uint64_t{0}})
         desktop->holdModifiers(flags);
     release();
 
     EXPECT_EQ(events, (Events{{LeftDown, {500, 500}, 0},
-                              {LeftDragged, {500, 500}, modifier_flag::kShift},
-                              {LeftDragged, {500, 500}, modifier_flag::kShift | modifier_flag::kCommand},
-                              {LeftDragged, {500, 500}, modifier_flag::kCommand},
+                              {LeftDragged, {500, 500}, kShiftFlag},
+                              {LeftDragged, {500, 500}, kShiftFlag | kCommandFlag},
+                              {LeftDragged, {500, 500}, kCommandFlag},
                               {LeftDragged, {500, 500}, 0},
                               {LeftUp, {500, 500}, 0}}));
 }
@@ -110,7 +108,7 @@ TEST_F(MouseContract, AChangeOfTheModifiersUnderARestingPointerIsAMovement) {
 TEST_F(MouseContract, AChangeOfTheModifiersWithoutAButtonIsNoMovement) {
     const auto monitors = watch(LeftDragged);
 
-    desktop->holdModifiers(modifier_flag::kShift);
+    desktop->holdModifiers(kShiftFlag);
     press();
     release();
     desktop->holdModifiers(0);
@@ -136,7 +134,7 @@ TEST_F(MouseContract, AfterTheEndOfAMonitorOfMovementsAChangeOfTheModifiersIsNot
     press();
 
     monitor.reset();
-    desktop->holdModifiers(modifier_flag::kShift);
+    desktop->holdModifiers(kShiftFlag);
 
     EXPECT_EQ(events, Events{});
 }

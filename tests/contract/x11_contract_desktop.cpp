@@ -2,19 +2,19 @@
 #include "contract/x11_contract_stage.h"
 #include "platform/qt/qt_local_keys.h"
 #include "platform/sim/sim_services.h"
-#include "platform/x11/accessibility.h"
-#include "platform/x11/bell.h"
-#include "platform/x11/client_windows.h"
-#include "platform/x11/displays.h"
-#include "platform/x11/file_preferences.h"
-#include "platform/x11/hot_keys.h"
-#include "platform/x11/key_codes.h"
-#include "platform/x11/key_down.h"
-#include "platform/x11/monitors.h"
-#include "platform/x11/mouse.h"
-#include "platform/x11/single_instance.h"
-#include "platform/x11/trust.h"
-#include "platform/x11/workspace.h"
+#include "platform/x11/displays/displays.h"
+#include "platform/x11/displays/monitors.h"
+#include "platform/x11/input/hot_keys.h"
+#include "platform/x11/input/key_lookup.h"
+#include "platform/x11/input/keycode_table.h"
+#include "platform/x11/input/mouse.h"
+#include "platform/x11/server/bell.h"
+#include "platform/x11/server/single_instance.h"
+#include "platform/x11/server/trust.h"
+#include "platform/x11/windows/accessibility.h"
+#include "platform/x11/windows/client_windows.h"
+#include "platform/x11/windows/workspace.h"
+#include "platform/xdg/file_preferences.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -53,11 +53,10 @@ x11test::WindowOptions::Pair clientSize(const Size& outer, const Extents& decora
 }
 
 std::uint16_t modifierMask(std::uint64_t modifierFlags) {
-    static const std::map<std::uint64_t, std::uint16_t> kModifiers = {
-        {modifier_flag::kShift, XCB_MOD_MASK_SHIFT},
-        {modifier_flag::kControl, XCB_MOD_MASK_CONTROL},
-        {modifier_flag::kOption, XCB_MOD_MASK_1},
-        {modifier_flag::kCommand, XCB_MOD_MASK_4}};
+    static const std::map<std::uint64_t, std::uint16_t> kModifiers = {{kShiftFlag, XCB_MOD_MASK_SHIFT},
+                                                                      {kControlFlag, XCB_MOD_MASK_CONTROL},
+                                                                      {kOptionFlag, XCB_MOD_MASK_1},
+                                                                      {kCommandFlag, XCB_MOD_MASK_4}};
     unsigned mask = 0;
     for (const auto& [flag, bit] : kModifiers)
         mask |= (modifierFlags & flag) != 0 ? bit : 0U;
@@ -101,7 +100,7 @@ public:
     WorkspacePort& workspace() override { return m_workspace; }
     std::unique_ptr<MainQueuePort> makeMainQueue() override { return std::make_unique<qt::QtMainQueue>(); }
     std::unique_ptr<PreferencesPort> makePreferences() override {
-        return std::make_unique<x11::FilePreferences>(m_folder.path());
+        return std::make_unique<xdg::FilePreferences>(m_folder.path());
     }
     std::unique_ptr<SingleInstancePort> makeCopy() override {
         m_copies.push_back(std::make_unique<Line>(m_stage.server.display()));
@@ -205,7 +204,7 @@ private:
     sim::SimOpenUrl m_openUrl;
     x11::Monitors m_monitors{m_line.connection()};
     x11::ClientWindows m_windows{m_line.connection()};
-    x11::X11Displays m_displays{m_line.connection(), m_monitors, m_windows};
+    x11::X11Displays m_displays{m_line.connection(), m_monitors, [this] { return m_windows.activeFrame(); }};
     x11::Applications m_applicationsSeen{m_windows, {m_entries.path()}};
     x11::ApplicationWatch m_watch{m_line.connection(), m_windows, m_applicationsSeen};
     x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows, m_watch};

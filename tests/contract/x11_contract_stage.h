@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/qt/qt_main_queue.h"
-#include "platform/x11/connection.h"
+#include "platform/x11/server/connection.h"
 #include "support/x11/keyboard.h"
 #include "support/x11/mouse.h"
 #include "support/x11/observer.h"

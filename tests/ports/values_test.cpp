@@ -38,10 +38,10 @@ TEST(ValuesTest, AnEventOfTheMouseIsAPressWithoutModifiers) {
 }
 
 TEST(ValuesTest, ModifiersHaveTheSystemsBits) {
-    EXPECT_EQ(modifier_flag::kShift, 0x20000U);
-    EXPECT_EQ(modifier_flag::kControl, 0x40000U);
-    EXPECT_EQ(modifier_flag::kOption, 0x80000U);
-    EXPECT_EQ(modifier_flag::kCommand, 0x100000U);
+    EXPECT_EQ(kShiftFlag, 0x20000U);
+    EXPECT_EQ(kControlFlag, 0x40000U);
+    EXPECT_EQ(kOptionFlag, 0x80000U);
+    EXPECT_EQ(kCommandFlag, 0x100000U);
 }
 
 TEST(ValuesTest, AFigureOfTheOverlayIsNotSeen) {

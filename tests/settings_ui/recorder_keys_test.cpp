@@ -1,5 +1,5 @@
 #include "platform/qt/qt_local_keys.h"
-#include "platform/x11/key_down.h"
+#include "platform/x11/input/key_lookup.h"
 #include "settings_ui/kit.h"
 #include "settings_ui/recorder_button.h"
 #include "settings_ui/settings_ui_test.h"

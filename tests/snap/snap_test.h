@@ -19,7 +19,7 @@ using namespace std::chrono_literals;
 /// Drag snapping of one window, whose zones are the two halves of its screen.
 class SnapTest : public EngineTest {
 protected:
-    static constexpr std::uint64_t kShift = modifier_flag::kShift;
+    static constexpr std::uint64_t kShift = kShiftFlag;
 
     SnapTest() {
         settings.zones = zones({kLeftHalf, kRightHalf});

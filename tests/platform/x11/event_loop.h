@@ -2,7 +2,7 @@
 
 #include "platform/sim/sim_clock.h"
 #include "platform/sim/sim_main_queue.h"
-#include "platform/x11/connection.h"
+#include "platform/x11/server/connection.h"
 
 #include <xcb/xcb.h>
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "platform/x11/accessibility.h"
-#include "platform/x11/client_windows.h"
-#include "platform/x11/connection.h"
-#include "platform/x11/displays.h"
+#include "platform/x11/displays/displays.h"
+#include "platform/x11/displays/monitors.h"
 #include "platform/x11/manual_queue.h"
-#include "platform/x11/monitors.h"
-#include "platform/x11/workspace.h"
+#include "platform/x11/server/connection.h"
+#include "platform/x11/windows/accessibility.h"
+#include "platform/x11/windows/client_windows.h"
+#include "platform/x11/windows/workspace.h"
 #include "support/x11/observer.h"
 #include "support/x11/test_client.h"
 #include "support/x11/window_manager.h"
@@ -84,7 +84,7 @@ protected:
     Connection& connection = driver.connection();
     Monitors monitors{connection};
     ClientWindows windows{connection};
-    X11Displays displays{connection, monitors, windows};
+    X11Displays displays{connection, monitors, [this] { return windows.activeFrame(); }};
     Applications applications{windows};
     ApplicationWatch watch{connection, windows, applications};
     X11Accessibility accessibility{connection, monitors, windows, watch};

@@ -1,0 +1,89 @@
+#include "platform/x11/displays/monitors.h"
+
+#include "platform/x11/server/event.h"
+
+#include <xcb/randr.h>
+
+#include <algorithm>
+#include <optional>
+
+namespace tessarel::x11 {
+
+namespace {
+
+/// Every monitor that shows something, the primary one first.
+std::vector<Monitor> monitorsIn(const xcb_randr_get_monitors_reply_t* reply) {
+    std::vector<Monitor> monitors;
+    for (auto infos = xcb_randr_get_monitors_monitors_iterator(reply); infos.rem > 0;
+         xcb_randr_monitor_info_next(&infos)) {
+        const xcb_randr_monitor_info_t& info = *infos.data;
+        if (info.width == 0 || info.height == 0)
+            continue;
+        const Monitor monitor{info.name,
+                              {static_cast<double>(info.x), static_cast<double>(info.y),
+                               static_cast<double>(info.width), static_cast<double>(info.height)}};
+        monitors.insert(info.primary ? monitors.begin() : monitors.end(), monitor);
+    }
+    return monitors;
+}
+
+} // namespace
+
+Monitors::Monitors(Connection& connection)
+    : m_connection(connection),
+      m_observer(connection.onRead([this](const Connection::Event& event) { note(event); })) {
+    connection.selectRootEvents(XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    if (connection.extensions().randrMonitors)
+        xcb_randr_select_input(connection.xcb(), connection.root(),
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE);
+}
+
+const std::vector<Monitor>& Monitors::all() {
+    refresh();
+    return m_monitors;
+}
+
+Size Monitors::rootSize() {
+    refresh();
+    return m_rootSize;
+}
+
+Point Monitors::primaryOrigin() {
+    refresh();
+    return m_monitors.empty() ? Point{} : m_monitors.front().rootFrame.origin();
+}
+
+void Monitors::note(const Connection::Event& event) {
+    const Extensions& extensions = m_connection.extensions();
+    const std::uint8_t type = eventType(event);
+    const bool isRandr =
+        extensions.randrMonitors && (type == extensions.randrFirstEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+                                     type == extensions.randrFirstEvent + XCB_RANDR_NOTIFY);
+    const bool isRoot = type == XCB_CONFIGURE_NOTIFY &&
+                        eventAs<xcb_configure_notify_event_t>(event).window == m_connection.root();
+    if (isRandr || isRoot)
+        m_isCurrent = false;
+}
+
+void Monitors::refresh() {
+    if (m_isCurrent)
+        return;
+    m_isCurrent = true; // an event in the middle of the answers makes it false again
+    const auto geometryCookie = xcb_get_geometry(m_connection.xcb(), m_connection.root());
+    std::optional<xcb_randr_get_monitors_cookie_t> monitorsCookie;
+    if (m_connection.extensions().randrMonitors)
+        monitorsCookie = xcb_randr_get_monitors(m_connection.xcb(), m_connection.root(), 1);
+    const auto geometry = m_connection.reply<xcb_get_geometry_reply>(geometryCookie);
+    m_rootSize =
+        geometry ? Size{static_cast<double>(geometry->width), static_cast<double>(geometry->height)} : Size{};
+    m_monitors.clear();
+    if (monitorsCookie) {
+        if (const auto monitors = m_connection.reply<xcb_randr_get_monitors_reply>(*monitorsCookie))
+            m_monitors = monitorsIn(monitors.get());
+    }
+    if (m_monitors.empty() && geometry)
+        m_monitors = {{m_connection.root(), {0, 0, m_rootSize.width, m_rootSize.height}}};
+}
+
+} // namespace tessarel::x11

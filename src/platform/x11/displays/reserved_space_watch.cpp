@@ -1,0 +1,180 @@
+#include "platform/x11/displays/reserved_space_watch.h"
+
+#include "platform/x11/server/event.h"
+#include "platform/x11/server/property.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace tessarel::x11 {
+
+namespace {
+
+constexpr std::uint32_t kMostTypes = 64;
+constexpr std::uint32_t kMostDesktops = 64;
+constexpr std::uint32_t kMostMonitors = 64;
+
+xcb_get_property_cookie_t requestNumbers(Connection& connection, xcb_window_t window, xcb_atom_t property,
+                                         std::uint32_t maximum) {
+    return requestProperty(connection, window, property, XCB_ATOM_CARDINAL, maximum);
+}
+
+void selectPropertyChanges(Connection& connection, xcb_window_t window, std::uint32_t mask) {
+    xcb_change_window_attributes(connection.xcb(), window, XCB_CW_EVENT_MASK, &mask);
+}
+
+} // namespace
+
+/// The questions for a window's struts. The window is watched from before they are sent, so that no change
+/// goes unnoticed; one that is no panel is not watched any longer than that.
+class ReservedSpaceWatch::StrutRequest {
+public:
+    StrutRequest(Connection& connection, xcb_window_t window) : m_connection(&connection), m_window(window) {
+        selectPropertyChanges(connection, window, XCB_EVENT_MASK_PROPERTY_CHANGE);
+        m_partial = requestNumbers(connection, window, connection.atom(Atom::NetWmStrutPartial), 12);
+        m_whole = requestNumbers(connection, window, connection.atom(Atom::NetWmStrut), 4);
+        m_type = requestProperty(connection, window, connection.atom(Atom::NetWmWindowType), XCB_ATOM_ATOM,
+                                 kMostTypes);
+    }
+
+    [[nodiscard]] xcb_window_t window() const { return m_window; }
+
+    [[nodiscard]] std::vector<Strut> collect() {
+        const auto partial = propertyReply(*m_connection, m_partial);
+        const auto whole = propertyReply(*m_connection, m_whole);
+        const auto type = propertyReply(*m_connection, m_type);
+        const bool hasPartial = values(partial).size() == 12;
+        std::vector<Strut> struts = strutsFrom(values(hasPartial ? partial : whole));
+        const auto types = values(type);
+        const bool isDock = std::find(types.begin(), types.end(),
+                                      m_connection->atom(Atom::NetWmWindowTypeDock)) != types.end();
+        if (!isDock && struts.empty())
+            selectPropertyChanges(*m_connection, m_window, XCB_EVENT_MASK_NO_EVENT);
+        return struts;
+    }
+
+private:
+    Connection* m_connection;
+    xcb_window_t m_window;
+    xcb_get_property_cookie_t m_partial{};
+    xcb_get_property_cookie_t m_whole{};
+    xcb_get_property_cookie_t m_type{};
+};
+
+/// The questions for what the manager tells about a desktop.
+class ReservedSpaceWatch::ManagersAreasRequest {
+public:
+    ManagersAreasRequest(Connection& connection, xcb_atom_t areasOfDesktop)
+        : m_connection(connection), m_perMonitor(requestNumbers(connection, connection.root(), areasOfDesktop,
+                                                                kValuesPerRectangle * kMostMonitors)),
+          m_perDesktop(requestNumbers(connection, connection.root(), connection.atom(Atom::NetWorkarea),
+                                      kValuesPerRectangle * kMostDesktops)) {}
+
+    void collect(std::uint32_t desktop, ReservedSpace& space) const {
+        const auto perMonitor = propertyReply(m_connection, m_perMonitor);
+        const auto perDesktop = propertyReply(m_connection, m_perDesktop);
+        space.areaPerMonitor = rectanglesFrom(values(perMonitor));
+        const std::vector<Rect> commonAreas = rectanglesFrom(values(perDesktop));
+        space.commonArea.reset();
+        if (desktop < commonAreas.size())
+            space.commonArea = commonAreas[desktop];
+    }
+
+private:
+    Connection& m_connection;
+    xcb_get_property_cookie_t m_perMonitor;
+    xcb_get_property_cookie_t m_perDesktop;
+};
+
+ReservedSpaceWatch::ReservedSpaceWatch(Connection& connection)
+    : m_connection(connection),
+      m_observer(connection.onRead([this](const Connection::Event& event) { note(event); })),
+      m_handler(connection.onEvent([this](const Connection::Event&) { follow(); })) {
+    connection.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
+}
+
+const ReservedSpace& ReservedSpaceWatch::current() {
+    m_isWanted = true;
+    if (!m_isCurrent)
+        refresh();
+    return m_space;
+}
+
+/// Catches up with changes while there is time, so that a key press does not have to.
+void ReservedSpaceWatch::follow() {
+    if (m_isWanted && !m_isCurrent)
+        refresh();
+}
+
+void ReservedSpaceWatch::note(const Connection::Event& event) {
+    if (eventType(event) != XCB_PROPERTY_NOTIFY)
+        return;
+    const auto& change = eventAs<xcb_property_notify_event_t>(event);
+    if (change.window == m_connection.root()) {
+        noteRoot(change.atom);
+    } else if (change.atom == m_connection.atom(Atom::NetWmStrut) ||
+               change.atom == m_connection.atom(Atom::NetWmStrutPartial)) {
+        m_strutsOutdated = true;
+        m_isCurrent = false;
+    }
+}
+
+void ReservedSpaceWatch::noteRoot(xcb_atom_t property) {
+    const bool isWorkarea = property == m_connection.atom(Atom::NetWorkarea);
+    const bool isAreas = std::any_of(m_areasAtoms.begin(), m_areasAtoms.end(),
+                                     [&](const auto& known) { return known.second == property; });
+    if (isWorkarea) // the manager has heard of a strut that we may not be watching
+        m_strutsOutdated = true;
+    if (isWorkarea || isAreas || property == m_connection.atom(Atom::NetClientList) ||
+        property == m_connection.atom(Atom::NetCurrentDesktop))
+        m_isCurrent = false;
+}
+
+void ReservedSpaceWatch::refresh() {
+    m_isCurrent = true; // an event in the middle of the answers makes it false again
+    if (std::exchange(m_strutsOutdated, false))
+        m_struts.clear();
+    const auto clientsCookie = requestWindowList(m_connection, Atom::NetClientList);
+    const auto desktopCookie =
+        requestNumbers(m_connection, m_connection.root(), m_connection.atom(Atom::NetCurrentDesktop), 1);
+    const ManagersAreasRequest areasOfLast(m_connection, areasAtom(m_desktop));
+    const auto clients = propertyReply(m_connection, clientsCookie);
+    const auto desktop = propertyReply(m_connection, desktopCookie);
+    areasOfLast.collect(m_desktop, m_space);
+
+    const std::uint32_t last = std::exchange(m_desktop, value(desktop).value_or(0));
+    if (m_desktop != last)
+        ManagersAreasRequest(m_connection, areasAtom(m_desktop)).collect(m_desktop, m_space);
+    readStruts(values(clients));
+}
+
+void ReservedSpaceWatch::readStruts(std::span<const std::uint32_t> clients) {
+    std::unordered_map<xcb_window_t, std::vector<Strut>> struts;
+    std::vector<StrutRequest> requests;
+    for (const xcb_window_t window : clients) {
+        if (auto known = m_struts.find(window); known != m_struts.end())
+            struts.insert(m_struts.extract(known));
+        else
+            requests.emplace_back(m_connection, window);
+    }
+    for (StrutRequest& request : requests)
+        struts[request.window()] = request.collect();
+    m_struts = std::move(struts);
+
+    m_space.struts.clear();
+    for (const xcb_window_t window : clients)
+        m_space.struts.insert(m_space.struts.end(), m_struts[window].begin(), m_struts[window].end());
+}
+
+/// No atom for desktops that nobody can have: the server never forgets one.
+xcb_atom_t ReservedSpaceWatch::areasAtom(std::uint32_t desktop) {
+    if (desktop >= kMostDesktops)
+        return XCB_ATOM_NONE;
+    const auto known = m_areasAtoms.find(desktop);
+    if (known != m_areasAtoms.end())
+        return known->second;
+    return m_areasAtoms[desktop] = m_connection.internAtom("_GTK_WORKAREAS_D" + std::to_string(desktop));
+}
+
+} // namespace tessarel::x11

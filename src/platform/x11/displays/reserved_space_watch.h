@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/x11/displays/usable_area.h"
+#include "platform/x11/server/connection.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <unordered_map>
+#include <vector>
+
+namespace tessarel::x11 {
+
+/// What panels and the window manager keep from windows on the current desktop, read again only after
+/// something about it has changed.
+class ReservedSpaceWatch {
+public:
+    explicit ReservedSpaceWatch(Connection& connection);
+
+    [[nodiscard]] const ReservedSpace& current();
+
+private:
+    class StrutRequest;
+    class ManagersAreasRequest;
+
+    void note(const Connection::Event& event);
+    void noteRoot(xcb_atom_t property);
+    void follow();
+    void refresh();
+    void readStruts(std::span<const std::uint32_t> clients);
+    [[nodiscard]] xcb_atom_t areasAtom(std::uint32_t desktop);
+
+    Connection& m_connection;
+    bool m_isWanted = false; // somebody has asked at least once
+    bool m_isCurrent = false;
+    bool m_strutsOutdated = false;
+    std::uint32_t m_desktop = 0; // the current one, when last read
+    ReservedSpace m_space;
+    std::unordered_map<xcb_window_t, std::vector<Strut>> m_struts; // of every managed window
+    std::unordered_map<std::uint32_t, xcb_atom_t> m_areasAtoms;    // by desktop
+    SubscriptionPtr m_observer;
+    SubscriptionPtr m_handler;
+};
+
+} // namespace tessarel::x11

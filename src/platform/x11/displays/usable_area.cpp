@@ -1,0 +1,142 @@
+#include "platform/x11/displays/usable_area.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+namespace tessarel::x11 {
+
+namespace {
+
+using Edge = Strut::Edge;
+
+constexpr std::array kEdges = {Edge::Left, Edge::Right, Edge::Top, Edge::Bottom};
+constexpr std::uint32_t kFarthest = 65535; // pixels: as far as a root window can reach
+constexpr double kLeastShare = 0.25;
+
+/// Whether `area` leaves enough of `monitor` to be believed.
+bool isPlausible(const Rect& area, const Rect& monitor) {
+    return !area.isNull() && area.width >= monitor.width * kLeastShare &&
+           area.height >= monitor.height * kLeastShare;
+}
+
+/// The whole space that a strut keeps, in a root window of size `root`.
+Rect spaceOf(const Strut& strut, const Size& root) {
+    const double length = strut.end - strut.start + 1;
+    switch (strut.edge) {
+    case Edge::Left:
+        return {0, strut.start, strut.depth, length};
+    case Edge::Right:
+        return {root.width - strut.depth, strut.start, strut.depth, length};
+    case Edge::Top:
+        return {strut.start, 0, length, strut.depth};
+    case Edge::Bottom:
+        return {strut.start, root.height - strut.depth, length, strut.depth};
+    }
+    return Rect::null();
+}
+
+/// `area` without the strip along `edge` that `space` takes of it; may be reversed where nothing is left.
+Rect without(const Rect& area, const Rect& space, Edge edge) {
+    double left = area.x;
+    double right = area.maxX();
+    double top = area.y;
+    double bottom = area.maxY();
+    switch (edge) {
+    case Edge::Left:
+        left = std::max(left, space.maxX());
+        break;
+    case Edge::Right:
+        right = std::min(right, space.x);
+        break;
+    case Edge::Top:
+        top = std::max(top, space.maxY());
+        break;
+    case Edge::Bottom:
+        bottom = std::min(bottom, space.y);
+        break;
+    }
+    return {left, top, right - left, bottom - top};
+}
+
+bool overlap(const Rect& a, const Rect& b) {
+    const Rect common = a.intersection(b);
+    return !common.isNull() && common.width > 0 && common.height > 0;
+}
+
+Rect withoutStruts(const Rect& monitor, const Size& root, std::span<const Strut> struts) {
+    Rect area = monitor;
+    for (const Strut& strut : struts) {
+        const Rect space = spaceOf(strut, root);
+        const Rect rest = without(area, space, strut.edge);
+        if (overlap(space, monitor) && isPlausible(rest, monitor))
+            area = rest;
+    }
+    return area;
+}
+
+/// The manager's areas in the order of `monitors`; empty unless each monitor has exactly one.
+std::vector<Rect> areasPerMonitor(std::span<const Rect> monitors, std::span<const Rect> told) {
+    if (told.size() != monitors.size())
+        return {};
+    std::vector<Rect> areas;
+    for (const Rect& monitor : monitors) {
+        const auto isInside = [&](const Rect& area) {
+            return monitor.intersection(area) == area && isPlausible(area, monitor);
+        };
+        if (std::count_if(told.begin(), told.end(), isInside) != 1)
+            return {};
+        areas.push_back(*std::find_if(told.begin(), told.end(), isInside));
+    }
+    return areas;
+}
+
+} // namespace
+
+std::vector<Strut> strutsFrom(std::span<const std::uint32_t> values) {
+    constexpr std::size_t kPartial = 12;
+    const bool isPartial = values.size() == kPartial;
+    if (!isPartial && values.size() != kEdges.size())
+        return {};
+    std::vector<Strut> struts;
+    for (std::size_t i = 0; i < kEdges.size(); ++i) {
+        const std::uint32_t depth = values[i];
+        const std::uint32_t start = isPartial ? values[kEdges.size() + 2 * i] : 0;
+        const std::uint32_t end = isPartial ? values[kEdges.size() + 2 * i + 1] : kFarthest;
+        if (depth > 0 && depth <= kFarthest && start <= end)
+            struts.push_back({kEdges[i], static_cast<double>(depth), static_cast<double>(start),
+                              static_cast<double>(end)});
+    }
+    return struts;
+}
+
+std::vector<Rect> rectanglesFrom(std::span<const std::uint32_t> values) {
+    if (values.size() % kValuesPerRectangle != 0)
+        return {};
+    const auto number = [](std::uint32_t value) {
+        return static_cast<double>(
+            static_cast<std::int32_t>(value)); // may be left of or above the root's origin
+    };
+    std::vector<Rect> rectangles;
+    for (std::size_t i = 0; i < values.size(); i += kValuesPerRectangle)
+        rectangles.push_back(
+            {number(values[i]), number(values[i + 1]), number(values[i + 2]), number(values[i + 3])});
+    return rectangles;
+}
+
+std::vector<Rect> usableAreas(std::span<const Rect> monitors, const Size& root,
+                              const ReservedSpace& reserved) {
+    std::vector<Rect> areas = areasPerMonitor(monitors, reserved.areaPerMonitor);
+    if (!areas.empty())
+        return areas;
+    for (const Rect& monitor : monitors)
+        areas.push_back(withoutStruts(monitor, root, reserved.struts));
+    if (areas.size() == 1 && reserved.commonArea && isPlausible(*reserved.commonArea, monitors.front())) {
+        const Rect common = areas.front().intersection(*reserved.commonArea);
+        if (isPlausible(common, monitors.front()))
+            areas.front() = common;
+    }
+    return areas;
+}
+
+} // namespace tessarel::x11

@@ -1,0 +1,174 @@
+#include "platform/x11/input/hot_keys.h"
+
+#include "platform/x11/input/keycode_table.h"
+#include "platform/x11/input/lock_modifiers.h"
+#include "platform/x11/input/modifier_flags.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tessarel::x11 {
+
+namespace {
+
+/// The modifiers of the locking keys that a hot key does not look at.
+std::uint16_t ignoredLocks(Connection& connection) {
+    return static_cast<std::uint16_t>(lockModifiers(connection) & ~kAllModifiers);
+}
+
+/// Calls `use` with every combination of the bits of `mask`, none of them included.
+template <class Use>
+void forEachSubset(std::uint16_t mask, Use use) {
+    std::uint16_t subset = 0;
+    do {
+        use(subset);
+        subset = static_cast<std::uint16_t>((subset - mask) & mask);
+    } while (subset != 0);
+}
+
+} // namespace
+
+class X11HotKeys::Claim : public Subscription {
+public:
+    Claim(std::shared_ptr<X11HotKeys*> hotKeys, std::size_t serial)
+        : m_hotKeys(std::move(hotKeys)), m_serial(serial) {}
+    ~Claim() override {
+        if (*m_hotKeys)
+            (*m_hotKeys)->releaseClaim(m_serial);
+    }
+
+private:
+    std::shared_ptr<X11HotKeys*> m_hotKeys;
+    std::size_t m_serial;
+};
+
+X11HotKeys::X11HotKeys(Connection& connection)
+    : m_connection(connection), m_keyboard(connection), m_locks(ignoredLocks(connection)),
+      m_self(std::make_shared<X11HotKeys*>(this)),
+      m_events(connection.onEvent([this](const Connection::Event& event) { handle(event); })) {}
+
+X11HotKeys::~X11HotKeys() {
+    *m_self = nullptr;
+    for (const Grab& grab : m_grabs)
+        release(grab);
+    m_connection.flush();
+}
+
+SubscriptionPtr X11HotKeys::installHandler(std::function<void(std::uint32_t id)> pressed) {
+    return m_handlers.add(std::move(pressed));
+}
+
+std::vector<SubscriptionPtr> X11HotKeys::registerHotKeys(std::span<const HotKeyRequest> requests) {
+    const std::size_t heldBefore = m_grabs.size();
+    std::vector<std::optional<std::size_t>> serials;
+    serials.reserve(requests.size());
+    for (const HotKeyRequest& request : requests) {
+        const auto wanted = combination(request);
+        serials.push_back(std::nullopt);
+        if (!wanted || holds(*wanted))
+            continue;
+        serials.back() = m_nextSerial;
+        m_grabs.push_back({m_nextSerial++, *wanted, request.hotKey.id});
+    }
+    acquire(heldBefore);
+
+    std::vector<SubscriptionPtr> claims;
+    claims.reserve(serials.size());
+    for (const auto& serial : serials)
+        claims.push_back(serial && holds(*serial) ? std::make_unique<Claim>(m_self, *serial) : nullptr);
+    return claims;
+}
+
+std::optional<X11HotKeys::Combination> X11HotKeys::combination(const HotKeyRequest& request) {
+    const auto keycode = keycodeOf(request.keyCode);
+    const auto modifiers = modifierMask(request.mods);
+    if (!keycode || !modifiers)
+        return std::nullopt;
+    return Combination{*keycode, *modifiers};
+}
+
+bool X11HotKeys::holds(const Combination& combination) const {
+    return std::ranges::find(m_grabs, combination, &Grab::combination) != m_grabs.end();
+}
+
+bool X11HotKeys::holds(std::size_t serial) const {
+    return std::ranges::find(m_grabs, serial, &Grab::serial) != m_grabs.end();
+}
+
+/// Grabs all from position `first` on and forgets those that are refused. Everything is sent before the
+/// first answer is waited for.
+void X11HotKeys::acquire(std::size_t first) {
+    const std::span<const Grab> wanted = std::span(m_grabs).subspan(first);
+    std::vector<xcb_void_cookie_t> cookies;
+    for (const Grab& grab : wanted)
+        send(grab, cookies);
+
+    std::vector<Grab> held(m_grabs.begin(), m_grabs.begin() + static_cast<std::ptrdiff_t>(first));
+    auto cookie = cookies.begin();
+    for (const Grab& grab : wanted) {
+        bool granted = true;
+        forEachSubset(m_locks, [&](std::uint16_t) { granted &= m_connection.succeeds(*cookie++); });
+        if (granted)
+            held.push_back(grab);
+        else
+            release(grab);
+    }
+    m_grabs = std::move(held);
+}
+
+void X11HotKeys::send(const Grab& grab, std::vector<xcb_void_cookie_t>& cookies) {
+    forEachSubset(m_locks, [&](std::uint16_t locks) {
+        const auto modifiers = static_cast<std::uint16_t>(grab.combination.modifiers | locks);
+        cookies.push_back(xcb_grab_key_checked(m_connection.xcb(), 0, m_connection.root(), modifiers,
+                                               grab.combination.keycode, XCB_GRAB_MODE_ASYNC,
+                                               XCB_GRAB_MODE_ASYNC));
+    });
+}
+
+void X11HotKeys::release(const Grab& grab) {
+    forEachSubset(m_locks, [&](std::uint16_t locks) {
+        xcb_ungrab_key(m_connection.xcb(), grab.combination.keycode, m_connection.root(),
+                       static_cast<std::uint16_t>(grab.combination.modifiers | locks));
+    });
+}
+
+void X11HotKeys::releaseClaim(std::size_t serial) {
+    const auto grab = std::ranges::find(m_grabs, serial, &Grab::serial);
+    if (grab == m_grabs.end())
+        return;
+    release(*grab);
+    m_connection.flush();
+    m_grabs.erase(grab);
+}
+
+void X11HotKeys::handle(const Connection::Event& event) {
+    // Events that another client has made up carry a further bit and are nobody's key presses.
+    if (event.response_type == XCB_KEY_PRESS)
+        handlePress(reinterpret_cast<const xcb_key_press_event_t&>(event));
+    else if (event.response_type == XCB_KEY_RELEASE)
+        m_keysDown.release(reinterpret_cast<const xcb_key_release_event_t&>(event).detail);
+    else if (m_keyboard.isMappingChange(event))
+        handleMappingChange();
+}
+
+void X11HotKeys::handlePress(const xcb_key_press_event_t& press) {
+    if (!m_keysDown.press(press.detail))
+        return;
+    const Combination pressed{press.detail, static_cast<std::uint16_t>(press.state & kAllModifiers)};
+    const auto grab = std::ranges::find(m_grabs, pressed, &Grab::combination);
+    if (grab != m_grabs.end())
+        m_handlers.call(grab->id);
+}
+
+/// Grabs hold physical keys, which no mapping moves; but the locking keys may stand for other modifiers now.
+void X11HotKeys::handleMappingChange() {
+    const std::uint16_t locks = ignoredLocks(m_connection);
+    if (locks == m_locks)
+        return;
+    for (const Grab& grab : m_grabs)
+        release(grab);
+    m_locks = locks;
+    acquire(0);
+}
+
+} // namespace tessarel::x11

@@ -1,0 +1,245 @@
+#include "platform/x11/input/mouse.h"
+
+#include "platform/x11/displays/conversions.h"
+#include "platform/x11/input/modifier_flags.h"
+#include "platform/x11/windows/window_at_point.h"
+#include "platform/x11/windows/window_traits.h"
+
+#include <algorithm>
+#include <chrono>
+#include <unistd.h>
+#include <utility>
+
+namespace tessarel::x11 {
+
+namespace {
+
+/// Those above are wheels and side buttons.
+constexpr std::uint32_t kLastOrdinaryButton = 3;
+
+/// Another program that holds the mouse back after a press is given so many looks to let it go.
+constexpr int kLooksForPress = 10;
+constexpr std::chrono::milliseconds kBetweenLooks{25};
+
+bool isAnyDown(const xcb_query_pointer_reply_t& pointer) {
+    return (pointer.mask & (XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3)) != 0;
+}
+
+bool isLeftDown(const xcb_query_pointer_reply_t& pointer) {
+    return (pointer.mask & XCB_BUTTON_MASK_1) != 0;
+}
+
+Point rootPoint(const xcb_query_pointer_reply_t& pointer) {
+    return {static_cast<double>(pointer.root_x), static_cast<double>(pointer.root_y)};
+}
+
+} // namespace
+
+class X11Mouse::Monitor : public Subscription {
+public:
+    Monitor(std::shared_ptr<X11Mouse*> mouse, SubscriptionPtr handler)
+        : m_mouse(std::move(mouse)), m_handler(std::move(handler)) {}
+    ~Monitor() override {
+        m_handler.reset();
+        if (X11Mouse* const mouse = *m_mouse) {
+            --mouse->m_monitorCount;
+            mouse->updateSelection();
+        }
+    }
+
+private:
+    std::shared_ptr<X11Mouse*> m_mouse;
+    SubscriptionPtr m_handler;
+};
+
+X11Mouse::X11Mouse(Connection& connection, Monitors& monitors, ClientWindows& windows, MainQueuePort& queue)
+    : m_connection(connection), m_monitors(monitors), m_windows(windows), m_queue(queue), m_raw(connection),
+      m_self(std::make_shared<X11Mouse*>(this)),
+      m_observer(connection.onRead([this](const Connection::Event& event) { noteRead(event); })),
+      m_events(connection.onEvent([this](const Connection::Event& event) { hear(event); })) {}
+
+X11Mouse::~X11Mouse() {
+    *m_self = nullptr;
+    m_raw.select(RawMouse::Selection::Nothing);
+    m_connection.flush();
+}
+
+SubscriptionPtr X11Mouse::addGlobalMonitor(MouseEventKind kind,
+                                           std::function<void(const MouseEvent&)> handler) {
+    if (!m_raw.isAvailable())
+        return nullptr;
+    ++m_monitorCount;
+    updateSelection();
+    return std::make_unique<Monitor>(m_self,
+                                     m_handlers[static_cast<std::size_t>(kind)].add(std::move(handler)));
+}
+
+/// Nobody is left to tell of the drag under way when the last monitor goes.
+void X11Mouse::updateSelection() {
+    if (m_monitorCount == 0) {
+        m_held.reset();
+        m_releaseIsNear = false;
+        m_news = {};
+    }
+    m_raw.select(m_monitorCount == 0 ? RawMouse::Selection::Nothing
+                 : m_held            ? RawMouse::Selection::Everything
+                                     : RawMouse::Selection::Presses);
+    m_connection.flush();
+}
+
+void X11Mouse::noteRead(const Connection::Event& event) {
+    const auto raw = m_raw.read(event);
+    if (!raw)
+        return;
+    ++m_unheard;
+    m_hasMore |= m_isLooking;
+    m_releaseIsNear |= raw->kind == RawMouseKind::Release && raw->button == m_held;
+}
+
+void X11Mouse::hear(const Connection::Event& event) {
+    const auto raw = m_raw.read(event);
+    if (!raw)
+        return;
+    m_unheard -= m_unheard > 0 ? 1 : 0;
+    note(*raw);
+    if (m_unheard > 0)
+        return;
+    // A fast mouse always has more to say when an answer has been waited for. The loop has other work, too.
+    if (std::exchange(m_hasMore, false))
+        lookLater({});
+    else
+        look();
+}
+
+void X11Mouse::note(const RawMouseEvent& event) {
+    if (event.kind == RawMouseKind::Motion)
+        m_news.moved = true;
+    else if (event.kind == RawMouseKind::Key)
+        m_news.typed |= !m_news.heldReleased;
+    else if (event.kind == RawMouseKind::Release)
+        noteRelease(event.button);
+    else if (event.button <= kLastOrdinaryButton)
+        notePress(event.button);
+}
+
+void X11Mouse::notePress(std::uint32_t button) {
+    m_news.presses.push_back(button);
+    m_looksLeft = kLooksForPress;
+}
+
+void X11Mouse::noteRelease(std::uint32_t button) {
+    if (button == m_held) {
+        m_news.heldReleased = true;
+        m_releaseIsNear = false;
+    }
+    std::erase(m_news.presses, button);
+}
+
+void X11Mouse::lookLater(MainQueuePort::Duration delay) {
+    if (std::exchange(m_lookScheduled, true))
+        return;
+    m_queue.asyncAfter(delay, [self = m_self] {
+        if (X11Mouse* const mouse = *self) {
+            mouse->m_lookScheduled = false;
+            mouse->look();
+        }
+    });
+}
+
+void X11Mouse::look() {
+    if (m_monitorCount == 0 || !m_news.any() || m_isLooking)
+        return;
+    // Before the question, so that no release falls between its answer and the selection.
+    if (!m_news.presses.empty())
+        m_raw.select(RawMouse::Selection::Everything);
+    const News news = std::exchange(m_news, {});
+    m_isLooking = true;
+    const auto pointer = m_connection.reply<xcb_query_pointer_reply>(
+        xcb_query_pointer(m_connection.xcbWithoutTurn(), m_connection.root()));
+    const auto self = m_self;
+    if (pointer && m_held)
+        follow(news, *pointer);
+    else if (pointer)
+        takePress(news, *pointer);
+    if (!*self)
+        return;
+    m_isLooking = false;
+    updateSelection();
+}
+
+/// Which physical button is the left one is the user's choice; that it is down says that it was among those
+/// pressed.
+void X11Mouse::takePress(const News& news, const xcb_query_pointer_reply_t& pointer) {
+    if (news.presses.empty())
+        return;
+    if (!isLeftDown(pointer)) {
+        if (!isAnyDown(pointer))
+            keepInMind(news.presses);
+        return;
+    }
+    const bool isFirst = std::ranges::find(news.presses, 1U) != news.presses.end();
+    m_held = isFirst ? 1U : news.presses.front();
+    m_isOurs = isOverOwnWindow(pointer);
+    deliver(MouseEventKind::LeftDown, rootPoint(pointer), modifierFlags(pointer.mask));
+}
+
+/// While another program holds the mouse back, a button that is down does not look so. It may also be up
+/// again already: so this is for a moment only, and a moving mouse still wakes nobody.
+void X11Mouse::keepInMind(const std::vector<std::uint32_t>& presses) {
+    if (m_looksLeft == 0)
+        return;
+    --m_looksLeft;
+    m_news.presses.insert(m_news.presses.begin(), presses.begin(), presses.end());
+    lookLater(kBetweenLooks);
+}
+
+void X11Mouse::follow(const News& news, const xcb_query_pointer_reply_t& pointer) {
+    const auto self = m_self;
+    const bool isDown = isLeftDown(pointer);
+    if (!isDown && !news.heldReleased && m_releaseIsNear) {
+        m_news = news; // it is not lost, and comes with the rest
+        return;
+    }
+    const bool isPressedAgain = std::ranges::find(news.presses, *m_held) != news.presses.end();
+    // Without a key before the release they are as they were: what looks otherwise has changed since.
+    const ModifierFlags modifiers =
+        news.heldReleased && !news.typed ? m_lastModifiers : modifierFlags(pointer.mask);
+    // A program may have put the pointer somewhere else, which is no movement of the mouse.
+    const bool hasMoved = news.moved || rootPoint(pointer) != m_lastPlace || modifiers != m_lastModifiers;
+    // Where a lost release happened nobody knows: not here.
+    if (hasMoved && !isPressedAgain && (isDown || news.heldReleased))
+        deliver(MouseEventKind::LeftDragged, rootPoint(pointer), modifiers);
+    // A manager may hold the mouse back for a moment: then the button looks down though it is up.
+    if (*self && (!isDown || news.heldReleased)) {
+        m_held.reset();
+        m_releaseIsNear = false;
+        deliver(MouseEventKind::LeftUp, rootPoint(pointer), modifiers);
+    }
+    if (*self && isPressedAgain)
+        takePress(news, pointer);
+}
+
+void X11Mouse::deliver(MouseEventKind kind, const Point& rootPoint, ModifierFlags modifiers) {
+    if (m_isOurs || m_monitors.all().empty())
+        return;
+    m_lastPlace = rootPoint;
+    m_lastModifiers = modifiers;
+    const Rect primary = m_monitors.all().front().rootFrame;
+    const MouseEvent event{kind, screenFromRoot({rootPoint.x, rootPoint.y, 0, 0}, primary).origin(),
+                           modifiers};
+    m_handlers[static_cast<std::size_t>(kind)].call(event);
+}
+
+bool X11Mouse::isOverOwnWindow(const xcb_query_pointer_reply_t& pointer) {
+    const ProcessId own = getpid();
+    if (pointer.child == XCB_WINDOW_NONE)
+        return false;
+    if (PidRequest(m_connection, pointer.child).collect() == own)
+        return true;
+    if (m_windows.windowsOf(own).empty())
+        return false;
+    const auto window = windowAtPoint(m_connection, m_windows, rootPoint(pointer));
+    return window && m_windows.pid(*window) == own;
+}
+
+} // namespace tessarel::x11

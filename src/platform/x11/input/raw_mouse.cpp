@@ -1,0 +1,72 @@
+#include "platform/x11/input/raw_mouse.h"
+
+#include "platform/x11/server/event.h"
+
+#include <xcb/xinput.h>
+
+namespace tessarel::x11 {
+
+namespace {
+
+constexpr std::uint16_t kMajorVersion = 2;
+constexpr std::uint16_t kMinorVersion = 2;
+
+std::uint32_t eventMask(RawMouse::Selection selection) {
+    switch (selection) {
+    case RawMouse::Selection::Nothing:
+        return 0;
+    case RawMouse::Selection::Presses:
+        return XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS;
+    case RawMouse::Selection::Everything:
+        return XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_PRESS | XCB_INPUT_XI_EVENT_MASK_RAW_BUTTON_RELEASE |
+               XCB_INPUT_XI_EVENT_MASK_RAW_MOTION | XCB_INPUT_XI_EVENT_MASK_RAW_KEY_PRESS |
+               XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
+    }
+    return 0;
+}
+
+} // namespace
+
+RawMouse::RawMouse(Connection& connection) : m_connection(connection) {
+    const auto* const extension = xcb_get_extension_data(connection.xcb(), &xcb_input_id);
+    if (!extension || !extension->present)
+        return;
+    const auto version = connection.reply<xcb_input_xi_query_version_reply>(
+        xcb_input_xi_query_version(connection.xcb(), kMajorVersion, kMinorVersion));
+    if (version && version->major_version >= kMajorVersion)
+        m_opcode = extension->major_opcode;
+}
+
+void RawMouse::select(Selection selection) {
+    if (!m_opcode || m_selection == selection)
+        return;
+    m_selection = selection;
+    struct {
+        xcb_input_event_mask_t head;
+        std::uint32_t mask;
+    } const wanted{{XCB_INPUT_DEVICE_ALL_MASTER, 1}, eventMask(selection)};
+    xcb_input_xi_select_events(m_connection.xcb(), m_connection.root(), 1, &wanted.head);
+}
+
+std::optional<RawMouseEvent> RawMouse::read(const Connection::Event& event) const {
+    if (!m_opcode || event.response_type != XCB_GE_GENERIC)
+        return std::nullopt;
+    const auto& raw = eventAs<xcb_input_raw_button_press_event_t>(event); // they all look the same
+    if (raw.extension != *m_opcode)
+        return std::nullopt;
+    switch (raw.event_type) {
+    case XCB_INPUT_RAW_BUTTON_PRESS:
+        return RawMouseEvent{RawMouseKind::Press, raw.detail};
+    case XCB_INPUT_RAW_BUTTON_RELEASE:
+        return RawMouseEvent{RawMouseKind::Release, raw.detail};
+    case XCB_INPUT_RAW_MOTION:
+        return RawMouseEvent{RawMouseKind::Motion, 0};
+    case XCB_INPUT_RAW_KEY_PRESS:
+    case XCB_INPUT_RAW_KEY_RELEASE:
+        return RawMouseEvent{RawMouseKind::Key, 0};
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace tessarel::x11

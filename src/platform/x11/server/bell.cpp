@@ -1,0 +1,12 @@
+#include "platform/x11/server/bell.h"
+
+#include <xcb/xcb.h>
+
+namespace tessarel::x11 {
+
+void X11Bell::beep() {
+    xcb_bell(m_connection.xcb(), 0);
+    m_connection.flush();
+}
+
+} // namespace tessarel::x11

@@ -1,0 +1,224 @@
+#include "platform/x11/server/connection.h"
+
+#include <cstdlib>
+#include <poll.h>
+#include <utility>
+
+namespace tessarel::x11 {
+
+namespace {
+
+const xcb_screen_t* screenOf(xcb_connection_t* xcb, int number) {
+    xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(xcb));
+    for (; screens.rem > 0 && number > 0; --number)
+        xcb_screen_next(&screens);
+    return screens.rem > 0 ? screens.data : nullptr;
+}
+
+using Clock = std::chrono::steady_clock; // the time of poll(), whatever the main queue's clock says
+
+bool waitUntilReadable(int fileDescriptor, Clock::time_point deadline) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+    pollfd watched{fileDescriptor, POLLIN, 0};
+    return left.count() > 0 && poll(&watched, 1, static_cast<int>(left.count())) != 0;
+}
+
+std::string nameOf(const char* displayName) {
+    if (displayName)
+        return displayName;
+    const char* const inherited = std::getenv("DISPLAY");
+    return inherited ? inherited : "";
+}
+
+} // namespace
+
+Connection::Opened Connection::open(const char* displayName, MainQueuePort& queue) {
+    int screenNumber = 0;
+    xcb_connection_t* const xcb = xcb_connect(displayName, &screenNumber);
+    if (xcb_connection_has_error(xcb) || !screenOf(xcb, screenNumber)) {
+        xcb_disconnect(xcb);
+        const std::string name = nameOf(displayName);
+        return {nullptr, name.empty() ? "No X display: $DISPLAY is not set."
+                                      : "The X display \"" + name + "\" does not answer."};
+    }
+    Extensions::prefetch(xcb);
+    std::unique_ptr<Connection> connection(new Connection(xcb, screenNumber, queue));
+    connection->readQueued();
+    return {std::move(connection), {}};
+}
+
+Connection::Connection(xcb_connection_t* xcb, int screenNumber, MainQueuePort& queue)
+    : m_xcb(xcb), m_queue(queue), m_screenNumber(screenNumber), m_screen(screenOf(xcb, screenNumber)),
+      m_atoms(xcb), m_extensions(Extensions::query(xcb)), m_self(std::make_shared<Connection*>(this)) {}
+
+Connection::~Connection() {
+    *m_self = nullptr;
+}
+
+xcb_connection_t* Connection::xcb() {
+    beginTurn();
+    return m_xcb.get();
+}
+
+void Connection::beginTurn() {
+    if (m_turnOpen)
+        return;
+    m_turnOpen = true;
+    scheduleEndTurn();
+}
+
+int Connection::fileDescriptor() const {
+    return xcb_get_file_descriptor(m_xcb.get());
+}
+
+bool Connection::isLost() const {
+    return xcb_connection_has_error(m_xcb.get()) != 0;
+}
+
+xcb_atom_t Connection::internAtom(std::string_view name) {
+    const auto answer = reply<xcb_intern_atom_reply>(
+        xcb_intern_atom(xcb(), 0, static_cast<std::uint16_t>(name.size()), name.data()));
+    return answer ? answer->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+bool Connection::succeeds(xcb_void_cookie_t cookie) {
+    beginReply();
+    const Reply<xcb_generic_error_t> error(xcb_request_check(m_xcb.get(), cookie));
+    endReply();
+    return !error && !isLost();
+}
+
+void Connection::beginReply() {
+    xcb_flush(m_xcb.get());
+    const std::uint64_t written = xcb_total_written(m_xcb.get());
+    if (written != m_writtenBeforeLastWait)
+        ++m_roundTrips;
+    m_writtenBeforeLastWait = written;
+}
+
+void Connection::endReply() {
+    readQueued();
+}
+
+void Connection::flush() {
+    xcb_flush(m_xcb.get());
+    readQueued(); // a full socket makes xcb read while it writes
+}
+
+void Connection::selectRootEvents(std::uint32_t mask) {
+    m_rootEventMask |= mask;
+    xcb_change_window_attributes(xcb(), root(), XCB_CW_EVENT_MASK, &m_rootEventMask);
+}
+
+void Connection::dispatch() {
+    while (Reply<Event> event{xcb_poll_for_event(m_xcb.get())})
+        take(std::move(event), nullptr);
+    while (!m_events.empty()) {
+        endTurn(); // what was known before the event may not be true any more
+        const Reply<Event> event = std::move(m_events.front());
+        m_events.pop_front();
+        m_handlers.call(*event);
+        endTurn();
+    }
+    if (isLost())
+        reportLoss();
+}
+
+bool Connection::waitFor(const std::function<bool(const Event&)>& isExpected,
+                         std::chrono::milliseconds bound) {
+    const auto deadline = Clock::now() + bound;
+    xcb_flush(xcb());
+    ++m_roundTrips;
+    bool came = false;
+    do {
+        if (Reply<Event> event{xcb_poll_for_event(xcb())})
+            came = take(std::move(event), isExpected);
+        else if (isLost() || !waitUntilReadable(fileDescriptor(), deadline))
+            break;
+    } while (!came && Clock::now() < deadline);
+    comeBackForTheRest();
+    return came;
+}
+
+/// Hands an event that has just been read to the observers and queues it, unless it is the expected one.
+bool Connection::take(Reply<Event> event, const std::function<bool(const Event&)>& isExpected) {
+    constexpr std::uint8_t kError = 0;
+    if (event->response_type == kError)
+        return false; // of a request that nobody asks about: its window has gone
+    m_observers.call(*event);
+    if (isExpected && isExpected(*event))
+        return true;
+    m_events.push_back(std::move(event));
+    return false;
+}
+
+void Connection::readQueued() {
+    while (Reply<Event> event{xcb_poll_for_queued_event(m_xcb.get())})
+        take(std::move(event), nullptr);
+    comeBackForTheRest();
+}
+
+/// The file descriptor stays silent about what xcb has already read.
+void Connection::comeBackForTheRest() {
+    if (!m_events.empty() || isLost())
+        scheduleDispatch();
+}
+
+void Connection::scheduleDispatch() {
+    if (m_dispatchScheduled || m_lossReported)
+        return;
+    m_dispatchScheduled = true;
+    m_queue.async([self = m_self] {
+        if (Connection* const connection = *self) {
+            connection->m_dispatchScheduled = false;
+            connection->dispatch();
+        }
+    });
+}
+
+void Connection::scheduleEndTurn() {
+    if (m_endTurnScheduled)
+        return;
+    m_endTurnScheduled = true;
+    m_queue.async([self = m_self] {
+        if (Connection* const connection = *self) {
+            connection->m_endTurnScheduled = false;
+            connection->endTurn();
+        }
+    });
+}
+
+void Connection::endTurn() {
+    if (!m_turnOpen || m_endingTurn)
+        return;
+    m_endingTurn = true;
+    m_endTurnHooks.call();
+    flush();
+    m_turnOpen = false;
+    m_endingTurn = false;
+    ++m_turn;
+}
+
+void Connection::reportLoss() {
+    if (std::exchange(m_lossReported, true))
+        return;
+    m_lossHandlers.call();
+}
+
+SubscriptionPtr Connection::onEvent(std::function<void(const Event&)> handler) {
+    return m_handlers.add(std::move(handler));
+}
+
+SubscriptionPtr Connection::onRead(std::function<void(const Event&)> observer) {
+    return m_observers.add(std::move(observer));
+}
+
+SubscriptionPtr Connection::onEndTurn(std::function<void()> hook) {
+    return m_endTurnHooks.add(std::move(hook));
+}
+
+SubscriptionPtr Connection::onLost(std::function<void()> lost) {
+    return m_lossHandlers.add(std::move(lost));
+}
+
+} // namespace tessarel::x11

@@ -1,0 +1,57 @@
+#include "platform/x11/server/property.h"
+
+#include "platform/x11/server/event.h"
+
+namespace tessarel::x11 {
+
+namespace {
+
+constexpr std::uint8_t kWords = 32;
+constexpr std::uint8_t kBytes = 8;
+constexpr std::uint32_t kMostWindows = 0x10000;
+
+bool isWhole(const PropertyReply& reply, std::uint8_t format) {
+    return reply && reply->format == format && reply->bytes_after == 0;
+}
+
+} // namespace
+
+xcb_get_property_cookie_t requestProperty(Connection& connection, xcb_window_t window, xcb_atom_t property,
+                                          xcb_atom_t type, std::uint32_t maximum) {
+    return xcb_get_property(connection.xcb(), 0, window, property, type, 0, maximum);
+}
+
+xcb_get_property_cookie_t requestWindowList(Connection& connection, Atom list) {
+    return requestProperty(connection, connection.root(), connection.atom(list), XCB_ATOM_WINDOW,
+                           kMostWindows);
+}
+
+PropertyReply propertyReply(Connection& connection, xcb_get_property_cookie_t cookie) {
+    return connection.reply<xcb_get_property_reply>(cookie);
+}
+
+std::span<const std::uint32_t> values(const PropertyReply& reply) {
+    if (!isWhole(reply, kWords))
+        return {};
+    return {static_cast<const std::uint32_t*>(xcb_get_property_value(reply.get())), reply->value_len};
+}
+
+std::optional<std::uint32_t> value(const PropertyReply& reply) {
+    const auto all = values(reply);
+    return all.size() == 1 ? std::optional(all.front()) : std::nullopt;
+}
+
+std::string bytes(const PropertyReply& reply) {
+    if (!isWhole(reply, kBytes))
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())), reply->value_len};
+}
+
+std::optional<xcb_atom_t> changedProperty(const Connection::Event& event, xcb_window_t window) {
+    if (eventType(event) != XCB_PROPERTY_NOTIFY)
+        return std::nullopt;
+    const auto& change = eventAs<xcb_property_notify_event_t>(event);
+    return change.window == window ? std::optional(change.atom) : std::nullopt;
+}
+
+} // namespace tessarel::x11

@@ -1,0 +1,83 @@
+#include "platform/x11/server/trust.h"
+
+#include "model/config.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessarel::x11 {
+
+namespace {
+
+std::string joined(const std::vector<std::string_view>& words) {
+    std::string text;
+    for (const std::string_view word : words) {
+        if (!text.empty())
+            text += ", ";
+        text += word;
+    }
+    return text;
+}
+
+} // namespace
+
+Session sessionOf(const char* waylandDisplay, const char* sessionType) {
+    const std::string_view display = waylandDisplay ? waylandDisplay : "";
+    const std::string_view type = sessionType ? sessionType : "";
+    return type == "wayland" || !display.empty() ? Session::Wayland : Session::X11;
+}
+
+X11Trust::X11Trust(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
+                   OpenUrlPort& openUrl)
+    : m_windowManager(connection), m_session(session), m_queue(queue), m_alerts(alerts), m_openUrl(openUrl),
+      m_self(std::make_shared<X11Trust*>(this)) {}
+
+X11Trust::~X11Trust() {
+    *m_self = nullptr;
+}
+
+bool X11Trust::isTrusted() {
+    return m_session == Session::X11 && m_windowManager.state().suffices();
+}
+
+void X11Trust::prompt() {
+    if (m_prompting || isTrusted())
+        return;
+    m_prompting = true;
+    m_queue.async([self = m_self] {
+        if (*self)
+            (*self)->explain();
+    });
+}
+
+void X11Trust::explain() {
+    const auto self = m_self; // the alert's own loop may see the end of us
+    if (!isTrusted())
+        m_alerts.runModal(explanation());
+    if (*self)
+        m_prompting = false;
+}
+
+Alert X11Trust::explanation() {
+    const std::string appName(Config::appName);
+    Alert alert{appName + " cannot move windows yet", {}, {"OK"}};
+    if (m_session == Session::Wayland) {
+        alert.informativeText = "This is a Wayland session, in which no program may move the windows of "
+                                "others. Log out, choose an X11 (Xorg) session and start " +
+                                appName + " again.";
+    } else if (!m_windowManager.state().running) {
+        alert.informativeText = "No window manager is running on this display. " + appName +
+                                " works as soon as one has been started.";
+    } else {
+        alert.informativeText = "The window manager of this display does not offer what " + appName +
+                                " needs: " + joined(m_windowManager.state().missingHints) + ".";
+    }
+    return alert;
+}
+
+void X11Trust::openSettings() {
+    m_openUrl.open(std::string(Config::websiteURL) + "docs/platforms");
+}
+
+} // namespace tessarel::x11

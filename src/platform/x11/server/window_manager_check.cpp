@@ -1,0 +1,89 @@
+#include "platform/x11/server/window_manager_check.h"
+
+#include "platform/x11/server/atoms.h"
+#include "platform/x11/server/event.h"
+#include "platform/x11/server/property.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace tessarel::x11 {
+
+namespace {
+
+struct Hint {
+    Atom atom;
+    std::string_view name;
+};
+
+constexpr std::array kNeededHints = std::to_array<Hint>({
+    {Atom::NetMoveResizeWindow, "_NET_MOVERESIZE_WINDOW"},
+    {Atom::NetFrameExtents, "_NET_FRAME_EXTENTS"},
+    {Atom::NetActiveWindow, "_NET_ACTIVE_WINDOW"},
+    {Atom::NetClientList, "_NET_CLIENT_LIST"},
+    {Atom::NetClientListStacking, "_NET_CLIENT_LIST_STACKING"},
+});
+
+constexpr std::uint32_t kMostHints = 4096;
+
+} // namespace
+
+WindowManagerCheck::WindowManagerCheck(Connection& connection)
+    : m_connection(connection),
+      m_reads(connection.onRead([this](const Connection::Event& event) { watch(event); })) {
+    connection.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
+}
+
+const WindowManagerState& WindowManagerCheck::state() {
+    if (!m_current) {
+        m_current = true; // set before asking: what changes in between makes it false again
+        m_state = ask();
+    }
+    return m_state;
+}
+
+WindowManagerState WindowManagerCheck::ask() {
+    const xcb_window_t root = m_connection.root();
+    const auto window = askForWindow(root);
+    const auto supported =
+        requestProperty(m_connection, root, m_connection.atom(Atom::NetSupported), XCB_ATOM_ATOM, kMostHints);
+    m_window = value(propertyReply(m_connection, window)).value_or(XCB_WINDOW_NONE);
+    const PropertyReply supportedReply = propertyReply(m_connection, supported);
+
+    WindowManagerState state;
+    state.running = namesItself(m_window);
+    const std::span<const std::uint32_t> atoms = values(supportedReply);
+    for (const auto& [atom, name] : kNeededHints) {
+        if (std::ranges::find(atoms, m_connection.atom(atom)) == atoms.end())
+            state.missingHints.push_back(name);
+    }
+    return state;
+}
+
+bool WindowManagerCheck::namesItself(xcb_window_t window) {
+    if (window == XCB_WINDOW_NONE || window == m_connection.root())
+        return false;                                             // the root has events of its own to report
+    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY; // its end, of which the root tells nothing
+    xcb_change_window_attributes(m_connection.xcb(), window, XCB_CW_EVENT_MASK, &events);
+    return value(propertyReply(m_connection, askForWindow(window))) == window;
+}
+
+xcb_get_property_cookie_t WindowManagerCheck::askForWindow(xcb_window_t namedBy) {
+    return requestProperty(m_connection, namedBy, m_connection.atom(Atom::NetSupportingWmCheck),
+                           XCB_ATOM_WINDOW, 1);
+}
+
+void WindowManagerCheck::watch(const Connection::Event& event) {
+    const bool gone = event.response_type == XCB_DESTROY_NOTIFY &&
+                      eventAs<xcb_destroy_notify_event_t>(event).window == m_window;
+    const auto changed = changedProperty(event, m_connection.root());
+    const bool changedItself = changed == m_connection.atom(Atom::NetSupportingWmCheck) ||
+                               changed == m_connection.atom(Atom::NetSupported);
+    if (gone || changedItself)
+        m_current = false;
+}
+
+} // namespace tessarel::x11

@@ -1,0 +1,227 @@
+#include "platform/x11/windows/accessibility.h"
+
+#include "platform/x11/displays/conversions.h"
+#include "platform/x11/windows/window_at_point.h"
+
+#include <limits>
+#include <memory>
+#include <string>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace tessarel::x11 {
+
+namespace {
+
+constexpr auto kHalfAKey = std::numeric_limits<std::uintptr_t>::digits / 2;
+
+constexpr ProcessId kNoProcess = 0;
+
+/// What an element is: a process, or one of its windows; without either the whole desktop.
+struct NativeElement {
+    ProcessId pid = kNoProcess;
+    xcb_window_t window = XCB_WINDOW_NONE;
+};
+
+Element makeElement(ProcessId pid, xcb_window_t window) {
+    return {std::make_shared<const NativeElement>(NativeElement{pid, window})};
+}
+
+NativeElement nativeElement(const Element& element) {
+    return element.handle ? *static_cast<const NativeElement*>(element.handle.get()) : NativeElement{};
+}
+
+bool isOwn(ProcessId pid) {
+    return pid == getpid();
+}
+
+std::string role(const WindowTraits& traits) {
+    return traits.type == WindowType::Other ? "AXUnknown" : "AXWindow";
+}
+
+std::optional<AttributeValue> subrole(const WindowTraits& traits) {
+    switch (traits.type) {
+    case WindowType::Unspecified:
+        return traits.isTransient ? "AXDialog" : "AXStandardWindow";
+    case WindowType::Normal:
+        return "AXStandardWindow";
+    case WindowType::Dialog:
+        return "AXDialog";
+    case WindowType::Utility:
+    case WindowType::Splash:
+    case WindowType::Toolbar:
+    case WindowType::Menu:
+        return "AXFloatingWindow";
+    case WindowType::Other:
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
+/// Managers also call a window hidden that is merely rolled up.
+bool isMinimized(const WindowStates& states) {
+    return states.hidden && !states.shaded;
+}
+
+} // namespace
+
+X11Accessibility::X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows,
+                                   ApplicationWatch& watch)
+    : m_connection(connection), m_monitors(monitors), m_windows(windows), m_watch(watch),
+      m_placement(connection, windows), m_endOfTurn(connection.onEndTurn([this] { finishWrites(); })) {}
+
+Element X11Accessibility::application(ProcessId pid) {
+    return makeElement(pid, XCB_WINDOW_NONE);
+}
+
+Element X11Accessibility::systemWide() {
+    return makeElement(kNoProcess, XCB_WINDOW_NONE);
+}
+
+void X11Accessibility::setMessagingTimeout(const Element& /*element*/, std::chrono::milliseconds /*limit*/) {}
+
+std::optional<Element> X11Accessibility::elementAtPosition(const Element& within, const Point& axPoint) {
+    const auto rootPoint = rootFromAx(axPoint, m_monitors.primaryOrigin());
+    if (!within.handle || !rootPoint)
+        return std::nullopt;
+    const auto window = windowAtPoint(m_connection, m_windows, *rootPoint);
+    const auto pid = window ? m_windows.pid(*window) : std::nullopt;
+    const ProcessId wanted = nativeElement(within).pid;
+    if (!pid || isOwn(*pid) || (wanted != kNoProcess && wanted != *pid))
+        return std::nullopt;
+    return makeElement(*pid, *window);
+}
+
+std::optional<AttributeValue> X11Accessibility::copyAttribute(const Element& element,
+                                                              std::string_view attribute) {
+    const auto [pid, window] = nativeElement(element);
+    if (pid <= 0 || isOwn(pid))
+        return std::nullopt;
+    if (window == XCB_WINDOW_NONE)
+        return applicationAttribute(pid, attribute);
+    if (window == m_written)
+        finishWrites();
+    return isWindowOf(window, pid) ? windowAttribute(element, attribute) : std::nullopt;
+}
+
+std::optional<AttributeValue> X11Accessibility::applicationAttribute(ProcessId pid,
+                                                                     std::string_view attribute) {
+    if (attribute == attribute::kFocusedWindow)
+        return focusedWindow(pid);
+    if (attribute == attribute::kWindows)
+        return windowsOf(pid);
+    return std::nullopt;
+}
+
+std::optional<AttributeValue> X11Accessibility::focusedWindow(ProcessId pid) {
+    const xcb_window_t active = m_windows.activeWindow();
+    if (active == XCB_WINDOW_NONE || m_windows.pid(active) != pid)
+        return std::nullopt;
+    return makeElement(pid, active);
+}
+
+std::optional<AttributeValue> X11Accessibility::windowsOf(ProcessId pid) {
+    std::vector<Element> elements;
+    for (const xcb_window_t window : m_windows.windowsOf(pid))
+        elements.push_back(makeElement(pid, window));
+    return elements.empty() ? std::nullopt : std::optional<AttributeValue>(std::move(elements));
+}
+
+std::optional<AttributeValue> X11Accessibility::windowAttribute(const Element& element,
+                                                                std::string_view attribute) {
+    const xcb_window_t window = nativeElement(element).window;
+    const auto frame = m_windows.frame(window);
+    if (!frame ||
+        (isOnItsWay(window) && (attribute == attribute::kPosition || attribute == attribute::kSize)))
+        return std::nullopt;
+    if (attribute == attribute::kPosition)
+        return axFromRoot(frame->outer(), m_monitors.primaryOrigin()).origin();
+    if (attribute == attribute::kSize)
+        return frame->outer().size();
+    if (attribute == attribute::kMinimized)
+        return isMinimized(frame->states);
+    if (attribute == attribute::kFullScreen)
+        return frame->states.fullScreen;
+    if (attribute == attribute::kRole)
+        return role(m_windows.traits(window));
+    if (attribute == attribute::kSubrole)
+        return subrole(m_windows.traits(window));
+    if (attribute == attribute::kWindow)
+        return element;
+    return std::nullopt;
+}
+
+void X11Accessibility::setAttribute(const Element& element, std::string_view attribute,
+                                    const AttributeValue& value) {
+    const auto [pid, window] = nativeElement(element);
+    if (window == XCB_WINDOW_NONE || isOwn(pid))
+        return;
+    const auto* const position = std::get_if<Point>(&value);
+    const auto* const size = std::get_if<Size>(&value);
+    const auto origin = attribute == attribute::kPosition && position
+                            ? rootFromAx(*position, m_monitors.primaryOrigin())
+                            : std::nullopt;
+    const auto extent = attribute == attribute::kSize && size ? rootFromAx(*size) : std::nullopt;
+    if ((!origin && !extent) || !isWindowOf(window, pid))
+        return;
+    if (m_written != window)
+        finishWrites();
+    m_written = window;
+    if (origin)
+        m_wish.origin = origin;
+    if (extent)
+        m_wish.size = extent;
+    m_connection.beginTurn();
+}
+
+void X11Accessibility::finishWrites() {
+    const xcb_window_t window = std::exchange(m_written, XCB_WINDOW_NONE);
+    const FrameWish wish = std::exchange(m_wish, {});
+    if (window != XCB_WINDOW_NONE && !m_placement.place(window, wish))
+        m_unsettled = {window, m_connection.turn()};
+}
+
+bool X11Accessibility::isOnItsWay(xcb_window_t window) const {
+    return m_unsettled.window == window && m_unsettled.turn == m_connection.turn();
+}
+
+bool X11Accessibility::canExpress(const Rect& axFrame) {
+    return rootFromAx(axFrame.origin(), m_monitors.primaryOrigin()) && rootFromAx(axFrame.size());
+}
+
+/// The server gives numbers of windows again once their program has ended, so the process belongs to the key.
+std::uintptr_t X11Accessibility::key(const Element& element) {
+    const auto [pid, window] = nativeElement(element);
+    return (static_cast<std::uintptr_t>(pid) << kHalfAKey) + window;
+}
+
+SubscriptionPtr X11Accessibility::onWindowCreated(const Element& application,
+                                                  std::function<void(const Element& window)> created) {
+    const ProcessId owner = nativeElement(application).pid;
+    if (isOwn(owner) || !pid(makeElement(owner, XCB_WINDOW_NONE)))
+        return nullptr;
+    return m_watch.onWindow(owner, [owner, created = std::move(created)](xcb_window_t window) {
+        created(makeElement(owner, window));
+    });
+}
+
+SubscriptionPtr X11Accessibility::onWindowClosed(const Element& window, std::function<void()> closed) {
+    const auto [owner, number] = nativeElement(window);
+    if (number == XCB_WINDOW_NONE || isOwn(owner))
+        return nullptr;
+    return m_watch.onClosed(number, std::move(closed));
+}
+
+std::optional<ProcessId> X11Accessibility::pid(const Element& element) {
+    const auto [pid, window] = nativeElement(element);
+    const bool isThere =
+        window != XCB_WINDOW_NONE ? isWindowOf(window, pid) : !m_windows.windowsOf(pid).empty();
+    return isThere ? std::optional(pid) : std::nullopt;
+}
+
+bool X11Accessibility::isWindowOf(xcb_window_t window, ProcessId pid) {
+    return m_windows.pid(window) == pid && m_windows.frame(window);
+}
+
+} // namespace tessarel::x11

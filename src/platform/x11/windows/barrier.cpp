@@ -1,0 +1,59 @@
+#include "platform/x11/windows/barrier.h"
+
+#include "platform/x11/server/event.h"
+
+#include <chrono>
+
+namespace tessarel::x11 {
+
+namespace {
+
+/// On a busy machine, window managers that compose the screen were seen to take more than a quarter of this.
+constexpr std::chrono::seconds kBound{1};
+// Many places, so that a late answer is not taken for that of a later question.
+constexpr std::int32_t kNearest = -10;
+constexpr std::int32_t kFarthest = -1000;
+
+} // namespace
+
+Barrier::Barrier(Connection& connection) : m_connection(connection) {}
+
+Barrier::~Barrier() {
+    if (m_window != XCB_WINDOW_NONE)
+        xcb_destroy_window(m_connection.xcb(), m_window);
+}
+
+void Barrier::create() {
+    m_x = kNearest;
+    m_window = xcb_generate_id(m_connection.xcb());
+    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_create_window(m_connection.xcb(), XCB_COPY_FROM_PARENT, m_window, m_connection.root(),
+                      static_cast<std::int16_t>(m_x), kNearest, 1, 1, 0, XCB_WINDOW_CLASS_INPUT_ONLY,
+                      XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
+}
+
+bool Barrier::wait() {
+    if (m_window == XCB_WINDOW_NONE)
+        create();
+    m_x = m_x > kFarthest ? m_x - 1 : kNearest;
+    const auto x = static_cast<std::uint32_t>(m_x);
+    xcb_configure_window(m_connection.xcb(), m_window, XCB_CONFIG_WINDOW_X, &x);
+    if (m_silentTurn == m_connection.turn()) {
+        m_connection.flush();
+        return false;
+    }
+    const bool answered =
+        m_connection.waitFor([this](const Connection::Event& event) { return isAnswer(event); }, kBound);
+    if (!answered)
+        m_silentTurn = m_connection.turn();
+    return answered;
+}
+
+bool Barrier::isAnswer(const Connection::Event& event) const {
+    if (event.response_type != XCB_CONFIGURE_NOTIFY) // one that the server itself has sent
+        return false;
+    const auto& move = eventAs<xcb_configure_notify_event_t>(event);
+    return move.window == m_window && move.x == m_x;
+}
+
+} // namespace tessarel::x11

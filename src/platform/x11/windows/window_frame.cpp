@@ -1,0 +1,79 @@
+#include "platform/x11/windows/window_frame.h"
+
+#include "platform/x11/server/property.h"
+
+#include <algorithm>
+
+namespace tessarel::x11 {
+
+namespace {
+
+constexpr std::uint32_t kExtentsLength = 4;
+constexpr std::uint32_t kLargestExtent = 4096; // pixels: no frame is wider, a negative number is
+constexpr std::uint32_t kMostStates = 256;
+
+WindowStates statesFrom(const Connection& connection, std::span<const std::uint32_t> atoms) {
+    const auto has = [&](Atom state) {
+        return std::find(atoms.begin(), atoms.end(), connection.atom(state)) != atoms.end();
+    };
+    return {.maximizedHorizontally = has(Atom::NetWmStateMaximizedHorz),
+            .maximizedVertically = has(Atom::NetWmStateMaximizedVert),
+            .shaded = has(Atom::NetWmStateShaded),
+            .hidden = has(Atom::NetWmStateHidden),
+            .fullScreen = has(Atom::NetWmStateFullscreen)};
+}
+
+} // namespace
+
+Rect WindowFrame::outer() const {
+    return {client.x - extents.left, client.y - extents.top, client.width + extents.left + extents.right,
+            client.height + extents.top + extents.bottom};
+}
+
+std::optional<Extents> extentsFrom(std::span<const std::uint32_t> values) {
+    const bool isPlausible = values.size() == kExtentsLength &&
+                             std::all_of(values.begin(), values.end(),
+                                         [](std::uint32_t extent) { return extent <= kLargestExtent; });
+    if (!isPlausible)
+        return std::nullopt;
+    return Extents{static_cast<int>(values[0]), static_cast<int>(values[1]), static_cast<int>(values[2]),
+                   static_cast<int>(values[3])};
+}
+
+Extents effectiveExtents(std::optional<Extents> decoration, std::optional<Extents> shadows,
+                         const Size& client) {
+    const bool hasShadows = shadows && *shadows != Extents{} &&
+                            shadows->left + shadows->right < client.width &&
+                            shadows->top + shadows->bottom < client.height;
+    if (hasShadows)
+        return {-shadows->left, -shadows->right, -shadows->top, -shadows->bottom};
+    return decoration.value_or(Extents{});
+}
+
+FrameRequest::FrameRequest(Connection& connection, xcb_window_t window)
+    : m_connection(&connection), m_geometry(xcb_get_geometry(connection.xcb(), window)),
+      m_origin(xcb_translate_coordinates(connection.xcb(), window, connection.root(), 0, 0)),
+      m_decoration(requestProperty(connection, window, connection.atom(Atom::NetFrameExtents),
+                                   XCB_ATOM_CARDINAL, kExtentsLength)),
+      m_shadows(requestProperty(connection, window, connection.atom(Atom::GtkFrameExtents), XCB_ATOM_CARDINAL,
+                                kExtentsLength)),
+      m_states(requestProperty(connection, window, connection.atom(Atom::NetWmState), XCB_ATOM_ATOM,
+                               kMostStates)) {}
+
+std::optional<WindowFrame> FrameRequest::collect() {
+    const auto geometry = m_connection->reply<xcb_get_geometry_reply>(m_geometry);
+    const auto origin = m_connection->reply<xcb_translate_coordinates_reply>(m_origin);
+    const auto decoration = propertyReply(*m_connection, m_decoration);
+    const auto shadows = propertyReply(*m_connection, m_shadows);
+    const auto states = propertyReply(*m_connection, m_states);
+    if (!geometry || !origin)
+        return std::nullopt;
+    const Rect client{static_cast<double>(origin->dst_x), static_cast<double>(origin->dst_y),
+                      static_cast<double>(geometry->width), static_cast<double>(geometry->height)};
+    return WindowFrame{
+        client,
+        effectiveExtents(extentsFrom(values(decoration)), extentsFrom(values(shadows)), client.size()),
+        statesFrom(*m_connection, values(states))};
+}
+
+} // namespace tessarel::x11

@@ -1,0 +1,100 @@
+#include "platform/x11/windows/window_list.h"
+
+#include "platform/x11/displays/conversions.h"
+#include "platform/x11/server/property.h"
+#include "platform/x11/windows/stacking.h"
+
+#include <cstdint>
+#include <limits>
+#include <optional>
+#include <unordered_map>
+
+namespace tessarel::x11 {
+
+namespace {
+
+constexpr std::uint32_t kAllDesktops = 0xFFFFFFFF;
+constexpr std::int64_t kApplicationLayer = 0;
+constexpr std::int64_t kFloatingLayer = 3;
+
+xcb_get_property_cookie_t requestNumber(Connection& connection, xcb_window_t window, Atom property) {
+    return requestProperty(connection, window, connection.atom(property), XCB_ATOM_CARDINAL, 1);
+}
+
+/// The question where and how visibly a window stands, sent and not answered yet. Collected once.
+class AppearanceRequest {
+public:
+    AppearanceRequest(Connection& connection, xcb_window_t window)
+        : m_connection(connection), m_desktop(requestNumber(connection, window, Atom::NetWmDesktop)),
+          m_opacity(requestNumber(connection, window, Atom::NetWmWindowOpacity)) {}
+
+    void collect() {
+        const auto desktop = propertyReply(m_connection, m_desktop);
+        const auto opacity = propertyReply(m_connection, m_opacity);
+        m_desktopNumber = value(desktop);
+        if (const auto opaque = value(opacity))
+            m_alpha = *opaque / static_cast<double>(std::numeric_limits<std::uint32_t>::max());
+    }
+
+    /// Whether the window can be seen while `current` is shown. What is not said on either side excludes
+    /// nothing.
+    [[nodiscard]] bool isOn(std::optional<std::uint32_t> current) const {
+        return !current || !m_desktopNumber || m_desktopNumber == current || m_desktopNumber == kAllDesktops;
+    }
+    [[nodiscard]] std::optional<double> alpha() const { return m_alpha; }
+
+private:
+    Connection& m_connection;
+    xcb_get_property_cookie_t m_desktop;
+    xcb_get_property_cookie_t m_opacity;
+    std::optional<std::uint32_t> m_desktopNumber;
+    std::optional<double> m_alpha;
+};
+
+std::int64_t layerOf(WindowType type) {
+    switch (type) {
+    case WindowType::Unspecified:
+    case WindowType::Normal:
+    case WindowType::Dialog:
+    case WindowType::Utility:
+        return kApplicationLayer;
+    case WindowType::Splash:
+    case WindowType::Toolbar:
+    case WindowType::Menu:
+    case WindowType::Other:
+        break;
+    }
+    return kFloatingLayer;
+}
+
+} // namespace
+
+X11WindowList::X11WindowList(Connection& connection, Monitors& monitors, ClientWindows& windows)
+    : m_connection(connection), m_monitors(monitors), m_windows(windows) {}
+
+std::vector<ListedWindow> X11WindowList::onScreenWindows() {
+    const std::vector<xcb_window_t> announced = m_windows.frontToBack();
+    StackingRequest stacking(m_connection, announced);
+    const auto currentCookie = requestNumber(m_connection, m_connection.root(), Atom::NetCurrentDesktop);
+    std::unordered_map<xcb_window_t, AppearanceRequest> appearances;
+    for (const xcb_window_t window : announced)
+        appearances.try_emplace(window, m_connection, window);
+    m_windows.learnAll(announced);
+    const auto currentReply = propertyReply(m_connection, currentCookie);
+    const auto current = value(currentReply);
+
+    std::vector<ListedWindow> listed;
+    for (const xcb_window_t window : stacking.collect()) {
+        AppearanceRequest& appearance = appearances.at(window);
+        appearance.collect();
+        const auto frame = m_windows.frame(window);
+        const bool isMinimized = frame && frame->states.hidden && !frame->states.shaded;
+        if (!frame || isMinimized || !appearance.isOn(current))
+            continue;
+        listed.push_back({layerOf(m_windows.traits(window).type), m_windows.pid(window),
+                          axFromRoot(frame->outer(), m_monitors.primaryOrigin()), appearance.alpha()});
+    }
+    return listed;
+}
+
+} // namespace tessarel::x11

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "model/config.h"
+#include "platform/x11/displays/conversions.h"
+#include "platform/x11/displays/displays.h"
+#include "platform/x11/displays/monitors.h"
+#include "platform/x11/input/hot_keys.h"
+#include "platform/x11/input/mouse.h"
+#include "platform/x11/main_menu.h"
+#include "platform/x11/server/bell.h"
+#include "platform/x11/server/connection.h"
+#include "platform/x11/server/single_instance.h"
+#include "platform/x11/server/trust.h"
+#include "platform/x11/windows/accessibility.h"
+#include "platform/x11/windows/application_watch.h"
+#include "platform/x11/windows/applications.h"
+#include "platform/x11/windows/client_windows.h"
+#include "platform/x11/windows/window_list.h"
+#include "platform/x11/windows/workspace.h"
+#include "platform/x11/words.h"
+#include "platform/xdg/file_preferences.h"
+#include "platform/xdg/login_item.h"
+#include "ports/alerts_port.h"
+#include "ports/main_queue_port.h"
+#include "ports/open_url_port.h"
+
+namespace tessarel::x11 {
+
+/// An X11 desktop: every port of this back end, on one connection.
+struct X11Desktop {
+    /// All references outlive the desktop.
+    X11Desktop(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
+               OpenUrlPort& openUrl)
+        : monitors(connection), windows(connection), applications(windows),
+          watch(connection, windows, applications), accessibility(connection, monitors, windows, watch),
+          alertSound(connection), displays(connection, monitors, [this] { return windows.activeFrame(); }),
+          hotKeys(connection), loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
+          mouse(connection, monitors, windows, queue), preferences(xdg::FilePreferences::userFolder()),
+          singleInstance(connection), trust(connection, session, queue, alerts, openUrl),
+          windowList(connection, monitors, windows), workspace(applications, watch) {}
+    X11Desktop(const X11Desktop&) = delete;
+    X11Desktop& operator=(const X11Desktop&) = delete;
+
+    /// The pixels of the root window, y down, that a rectangle in screen coordinates covers.
+    [[nodiscard]] Rect rootPixels(const Rect& screenFrame) {
+        const auto& all = monitors.all();
+        return rootFromScreen(screenFrame, all.empty() ? Rect{} : all.front().rootFrame);
+    }
+
+    Monitors monitors;
+    ClientWindows windows;
+    Applications applications;
+    ApplicationWatch watch;
+    X11Accessibility accessibility;
+    X11Bell alertSound;
+    X11Displays displays;
+    X11HotKeys hotKeys;
+    xdg::XdgLoginItem loginItem;
+    X11MainMenu mainMenu;
+    X11Mouse mouse;
+    xdg::FilePreferences preferences;
+    X11SingleInstance singleInstance;
+    X11Trust trust;
+    X11WindowList windowList;
+    X11Workspace workspace;
+    PlatformWords words = x11::words();
+};
+
+} // namespace tessarel::x11

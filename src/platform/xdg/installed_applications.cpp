@@ -1,0 +1,142 @@
+#include "platform/xdg/installed_applications.h"
+
+#include "platform/xdg/desktop_entry.h"
+#include "platform/xdg/small_file.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <sstream>
+#include <system_error>
+#include <utility>
+
+namespace tessarel::xdg {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kEnding = ".desktop";
+
+std::optional<fs::file_time_type> changeOf(const fs::path& folder) {
+    std::error_code failure;
+    const auto time = fs::last_write_time(folder, failure);
+    return failure ? std::nullopt : std::optional(time);
+}
+
+std::string lowered(std::string_view text) {
+    std::string result(text);
+    std::ranges::transform(result, result.begin(), [](char character) {
+        const bool isUpper = character >= 'A' && character <= 'Z';
+        return isUpper ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    return result;
+}
+
+/// The entry's name for ever: its place below the folder of entries, without the ending.
+std::string identifierOf(const fs::path& file, const fs::path& folder) {
+    std::string identifier = file.native().substr(folder.native().size());
+    identifier.erase(0, identifier.find_first_not_of('/'));
+    std::ranges::replace(identifier, '/', '-');
+    identifier.resize(identifier.size() - kEnding.size());
+    return identifier;
+}
+
+std::string valueOf(const char* variable, const std::string& otherwise) {
+    const char* const value = std::getenv(variable);
+    return value && *value ? value : otherwise;
+}
+
+} // namespace
+
+InstalledApplications::InstalledApplications(std::vector<fs::path> folders,
+                                             std::vector<std::string> languages)
+    : m_folders(std::move(folders)), m_languages(std::move(languages)) {}
+
+std::vector<fs::path> InstalledApplications::folders() {
+    const std::string home = valueOf("HOME", "/");
+    std::istringstream list(valueOf("XDG_DATA_HOME", home + "/.local/share") + ":" +
+                            valueOf("XDG_DATA_DIRS", "/usr/local/share:/usr/share"));
+    std::vector<fs::path> folders;
+    for (std::string folder; std::getline(list, folder, ':');) {
+        if (fs::path(folder).is_absolute())
+            folders.push_back(fs::path(folder) / "applications");
+    }
+    return folders;
+}
+
+std::optional<std::string> InstalledApplications::identifier(std::string_view windowClass) {
+    if (m_changed.empty())
+        read();
+    const std::string wanted = lowered(windowClass);
+    for (const Identifiers* identifiers : {&m_byClass, &m_byName}) {
+        if (const auto found = identifiers->find(wanted); found != identifiers->end())
+            return found->second;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> InstalledApplications::displayName(const std::string& identifier) {
+    refresh();
+    const auto file = m_files.find(identifier);
+    const auto content = file == m_files.end() ? std::nullopt : readSmallFile(file->second);
+    if (!content || !desktop_entry::isShown(*content))
+        return std::nullopt;
+    return desktop_entry::name(*content, m_languages);
+}
+
+std::optional<std::string> InstalledApplications::identifierOfEntry(const fs::path& file) const {
+    const auto content = file.extension() == kEnding ? readSmallFile(file) : std::nullopt;
+    if (!content || !desktop_entry::isShown(*content) || !desktop_entry::name(*content, m_languages))
+        return std::nullopt;
+    const auto folder = std::ranges::find_if(m_folders, [&file](const fs::path& candidate) {
+        const fs::path place = file.lexically_relative(candidate);
+        return !place.empty() && *place.begin() != "..";
+    });
+    return identifierOf(file, folder == m_folders.end() ? file.parent_path() : *folder);
+}
+
+void InstalledApplications::refresh() {
+    if (m_changed.empty() || !isCurrent())
+        read();
+}
+
+bool InstalledApplications::isCurrent() const {
+    return std::ranges::all_of(m_changed,
+                               [](const auto& folder) { return changeOf(folder.first) == folder.second; });
+}
+
+void InstalledApplications::read() {
+    m_changed.clear();
+    m_files.clear();
+    m_byClass.clear();
+    m_byName.clear();
+    for (const fs::path& folder : m_folders)
+        readFolder(folder);
+}
+
+void InstalledApplications::readFolder(const fs::path& folder) {
+    m_changed[folder] = changeOf(folder); // before it is read: what comes later is a change
+    std::error_code failure;
+    fs::recursive_directory_iterator file(folder, fs::directory_options::skip_permission_denied, failure);
+    for (; !failure && file != fs::recursive_directory_iterator(); file.increment(failure)) {
+        std::error_code unreadable;
+        if (file->is_directory(unreadable))
+            m_changed[file->path()] = changeOf(file->path());
+        else if (file->path().extension() == kEnding)
+            readEntry(file->path(), identifierOf(file->path(), folder));
+    }
+}
+
+void InstalledApplications::readEntry(const fs::path& file, const std::string& identifier) {
+    const bool isNew = m_files.try_emplace(identifier, file).second;
+    if (!isNew) // a more important one stands for it
+        return;
+    const auto content = readSmallFile(file);
+    if (!content || !desktop_entry::isShown(*content))
+        return;
+    m_byName.try_emplace(lowered(identifier), identifier);
+    if (const std::string windowClass = desktop_entry::windowClass(*content); !windowClass.empty())
+        m_byClass.try_emplace(lowered(windowClass), identifier);
+}
+
+} // namespace tessarel::xdg

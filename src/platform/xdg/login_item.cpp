@@ -1,0 +1,136 @@
+#include "platform/xdg/login_item.h"
+
+#include "platform/xdg/desktop_entry.h"
+#include "platform/xdg/small_file.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+#include <sstream>
+#include <string_view>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+namespace tessarel::xdg {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::string_view kEntryName = "autostart/tessarel.desktop";
+
+/// The folder that an environment variable names; relative ones are to be ignored.
+std::optional<fs::path> folderFrom(const char* variable) {
+    const char* const text = std::getenv(variable);
+    if (text == nullptr || !fs::path(text).is_absolute())
+        return std::nullopt;
+    return fs::path(text);
+}
+
+std::vector<fs::path> systemConfigFolders() {
+    const char* const list = std::getenv("XDG_CONFIG_DIRS");
+    if (list == nullptr || *list == '\0')
+        return {"/etc/xdg"};
+    std::vector<fs::path> folders;
+    std::istringstream parts(list);
+    for (std::string part; std::getline(parts, part, ':');)
+        if (fs::path(part).is_absolute())
+            folders.emplace_back(part);
+    return folders;
+}
+
+/// The file that runs now, under the name that a newer version of it has taken in the meantime.
+fs::path runningProgram() {
+    constexpr std::string_view kReplaced = " (deleted)";
+    std::error_code error;
+    std::string path = fs::read_symlink("/proc/self/exe", error).string();
+    if (path.ends_with(kReplaced) && !fs::exists(path, error))
+        path.resize(path.size() - kReplaced.size());
+    return path;
+}
+
+std::string sentence(std::string_view subject, const fs::path& path, std::string_view what, int error) {
+    return std::string("The ").append(subject).append(" ").append(path.string()).append(" ").append(what) +
+           ": " + std::generic_category().message(error) + ".";
+}
+
+/// Writes and closes `fd`; 0, or what went wrong.
+int writeAndClose(int fd, std::string_view content) {
+    int error = 0;
+    while (!content.empty() && error == 0) {
+        const ssize_t written = ::write(fd, content.data(), content.size());
+        if (written >= 0)
+            content.remove_prefix(static_cast<std::size_t>(written));
+        else if (errno != EINTR)
+            error = errno;
+    }
+    if (error == 0 && (::fchmod(fd, 0644) != 0 || ::fsync(fd) != 0))
+        error = errno;
+    if (::close(fd) != 0 && error == 0)
+        error = errno;
+    return error;
+}
+
+} // namespace
+
+XdgLoginItem::XdgLoginItem(Setup setup)
+    : m_setup(std::move(setup)), m_entry(m_setup.configHome / kEntryName) {}
+
+XdgLoginItem::Setup XdgLoginItem::ofThisProgram(std::string name) {
+    const fs::path home = folderFrom("HOME").value_or("/");
+    return {.configHome = folderFrom("XDG_CONFIG_HOME").value_or(home / ".config"),
+            .configFolders = systemConfigFolders(),
+            .program = runningProgram(),
+            .name = std::move(name)};
+}
+
+LoginItemPort::Status XdgLoginItem::status() {
+    const auto own = readSmallFile(m_entry);
+    const bool enabled = own ? desktop_entry::isEnabled(*own) : startedForAllUsers();
+    return enabled ? Status::Enabled : Status::NotRegistered;
+}
+
+bool XdgLoginItem::startedForAllUsers() const {
+    for (const fs::path& folder : m_setup.configFolders)
+        if (const auto entry = readSmallFile(folder / kEntryName))
+            return desktop_entry::isEnabled(*entry); // it hides those of the folders after it
+    return false;
+}
+
+std::optional<std::string> XdgLoginItem::registerItem() {
+    return write(desktop_entry::autostart(m_setup.name, m_setup.program.string()));
+}
+
+std::optional<std::string> XdgLoginItem::unregisterItem() {
+    if (startedForAllUsers())
+        return write(desktop_entry::hidden(m_setup.name));
+    if (::unlink(m_entry.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR)
+        return std::nullopt;
+    return sentence("file", m_entry, "cannot be removed", errno);
+}
+
+std::optional<std::string> XdgLoginItem::write(const std::string& content) const {
+    const fs::path folder = m_entry.parent_path();
+    std::error_code failure;
+    fs::create_directories(folder, failure);
+    if (failure || !fs::is_directory(folder, failure))
+        return sentence("folder", folder, "cannot be created", failure ? failure.value() : ENOTDIR);
+
+    // A session that starts now finds the old entry or the new one, never half of one.
+    std::string temporary = m_entry.string() + ".XXXXXX";
+    const int fd = ::mkstemp(temporary.data());
+    if (fd < 0)
+        return sentence("folder", folder, "cannot be written to", errno);
+    int error = writeAndClose(fd, content);
+    if (error == 0 && ::rename(temporary.c_str(), m_entry.c_str()) != 0)
+        error = errno;
+    if (error == 0)
+        return std::nullopt;
+    ::unlink(temporary.c_str());
+    return sentence("file", m_entry, "cannot be written", error);
+}
+
+} // namespace tessarel::xdg

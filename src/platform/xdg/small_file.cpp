@@ -1,0 +1,50 @@
+#include "platform/xdg/small_file.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/types.h>
+#include <unistd.h>
+
+namespace tessarel::xdg {
+
+namespace {
+
+constexpr off_t kLargest = off_t{256} * 1024;
+
+/// An open file that closes itself.
+class File {
+public:
+    explicit File(const std::filesystem::path& path)
+        : m_descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {}
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    ~File() {
+        if (m_descriptor >= 0)
+            ::close(m_descriptor);
+    }
+
+    [[nodiscard]] int get() const { return m_descriptor; }
+
+private:
+    int m_descriptor;
+};
+
+} // namespace
+
+std::optional<std::string> readSmallFile(const std::filesystem::path& path) {
+    const File file(path);
+    struct stat status {};
+    const bool isFile = ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
+    if (!isFile || status.st_size > kLargest)
+        return std::nullopt;
+    std::string content(static_cast<std::size_t>(status.st_size), '\0');
+    const ssize_t length = ::read(file.get(), content.data(), content.size());
+    if (length < 0)
+        return std::nullopt;
+    content.resize(static_cast<std::size_t>(length));
+    return content;
+}
+
+} // namespace tessarel::xdg

@@ -1,0 +1,56 @@
+#include "platform/xdg/user_languages.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <initializer_list>
+#include <sstream>
+#include <string_view>
+
+namespace tessarel::xdg {
+
+namespace {
+
+/// The value of the first of the variables that has one.
+std::string firstValue(std::initializer_list<const char*> variables) {
+    for (const char* const variable : variables) {
+        if (const char* const value = std::getenv(variable); value && *value)
+            return value;
+    }
+    return {};
+}
+
+/// What stands before the first of `marks`.
+std::string_view before(std::string_view text, std::string_view marks) {
+    return text.substr(0, text.find_first_of(marks));
+}
+
+/// Appends the languages that stand for `locale`, like "de_AT.UTF-8@euro", the closest first.
+void appendLanguages(std::string_view locale, std::vector<std::string>& languages) {
+    const std::string_view place = before(locale, ".@");
+    const std::string_view language = before(place, "_");
+    const std::size_t at = locale.find('@');
+    const std::string modifier(at == std::string_view::npos ? "" : locale.substr(at));
+    for (const std::string_view name : {place, language}) {
+        if (!modifier.empty())
+            languages.push_back(std::string(name) + modifier);
+        languages.emplace_back(name); // a language without a place stands there twice, which does no harm
+    }
+}
+
+} // namespace
+
+std::vector<std::string> userLanguages() {
+    const std::string locale = firstValue({"LC_ALL", "LC_MESSAGES", "LANG"});
+    const std::string_view plain = before(locale, ".@");
+    if (plain.empty() || plain == "C" || plain == "POSIX")
+        return {};
+    std::vector<std::string> languages;
+    std::istringstream list(firstValue({"LANGUAGE"}) + ":" + locale);
+    for (std::string one; std::getline(list, one, ':');) {
+        if (!one.empty())
+            appendLanguages(one, languages);
+    }
+    return languages;
+}
+
+} // namespace tessarel::xdg

@@ -1,0 +1,113 @@
+#include "engine/ax.h"
+#include "engine/geo.h"
+#include "engine/permissions.h"
+#include "engine/runtime.h"
+#include "engine/window_engine.h"
+#include "model/store.h"
+#include "placer/app_placer.h"
+#include "platform/sim/sim_desktop.h"
+#include "platform/x11/windows/window_list.h"
+#include "platform/x11/x11_fixture.h"
+#include "support/long_run.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <malloc.h>
+#include <poll.h>
+#include <thread>
+
+// There only where the sanitizer keeps the heap.
+extern "C" [[gnu::weak]] std::size_t __sanitizer_get_current_allocated_bytes(); // NOLINT
+
+namespace tessarel::x11 {
+namespace {
+
+using namespace std::chrono_literals;
+
+/// Bytes of the heap that are in use.
+std::size_t heapInUse() {
+    return __sanitizer_get_current_allocated_bytes ? __sanitizer_get_current_allocated_bytes()
+                                                   : ::mallinfo2().uordblks;
+}
+
+/// The placer on a real desktop, with a clock that the test turns.
+class ManyWindowsTest : public X11Test {
+protected:
+    ManyWindowsTest() {
+        store.settings.appZones["Busy"] = 0;
+        placer.start();
+        settle();
+    }
+
+    /// The client opens and closes windows as fast as the window manager lets it, while the placer watches.
+    void openAndClose(int count) {
+        constexpr int kAtOnce = 50; // the client answers once for so many
+        std::atomic<bool> isOver = false;
+        std::thread hand([&] {
+            for (int done = 0; done < count; done += kAtOnce)
+                client.openAndClose({.className = "Busy"}, kAtOnce);
+            isOver = true;
+        });
+        while (!isOver)
+            runLoop();
+        hand.join();
+        EXPECT_TRUE(observer.waitUntil([&] { return observer.clients().empty(); }));
+        settle();
+        simulated.advance(2s);
+        settle();
+    }
+
+    /// What the program's loop does in a moment.
+    void runLoop() {
+        pollfd line{.fd = connection.fileDescriptor(), .events = POLLIN, .revents = 0};
+        constexpr int kMoment = 10;
+        ::poll(&line, 1, kMoment);
+        connection.dispatch();
+        if (driver.queue().waiting() > 0)
+            driver.queue().runTurn();
+        simulated.advance(std::chrono::milliseconds(kMoment));
+    }
+
+    sim::SimDesktop simulated; // all but windows and displays
+    Store store{simulated.preferences()};
+    Runtime runtime;
+    Permissions permissions{simulated.trust()};
+    Geo geo{displays, store};
+    AX ax{accessibility, workspace};
+    X11WindowList windowList{connection, monitors, windows};
+    WindowEngine engine{ax, geo, displays, workspace, windowList, simulated.alertSound(), store};
+    AppPlacer placer{{.workspace = workspace,
+                      .accessibility = accessibility,
+                      .mainQueue = simulated.mainQueue(),
+                      .store = store,
+                      .runtime = runtime,
+                      .permissions = permissions,
+                      .geo = geo,
+                      .ax = ax,
+                      .engine = engine}};
+};
+
+TEST_F(ManyWindowsTest, WindowsThatOpenAndCloseLeaveNothingBehind) {
+    constexpr std::size_t kWhatMapsMayGrowBy = std::size_t{32} * 1024;
+    openAndClose(rounds(500, 1'000));
+    const std::size_t before = heapInUse();
+
+    openAndClose(rounds(1'500, 9'000));
+
+    EXPECT_LT(heapInUse(), before + kWhatMapsMayGrowBy);
+    EXPECT_EQ(simulated.clock().waiting(), 0U);
+    EXPECT_EQ(driver.queue().waiting(), 0U);
+    pollfd line{.fd = connection.fileDescriptor(), .events = POLLIN, .revents = 0};
+    EXPECT_EQ(::poll(&line, 1, 0), 0);
+
+    const xcb_window_t window = open({.className = "Busy"});
+    simulated.advance(400ms);
+    const Rect visible = geo.axVisible(displays.screens().front());
+    EXPECT_EQ(actualFrame(window), geo.zoneFrame(store.settings.zones.front(), visible));
+}
+
+} // namespace
+} // namespace tessarel::x11

@@ -1,0 +1,114 @@
+#include "platform/x11/x11_fixture.h"
+#include "support/scratch_folder.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <unistd.h>
+
+namespace tessarel::x11 {
+namespace {
+
+class WorkspaceTest : public X11Test {
+protected:
+    void setText(xcb_window_t window, const char* name, const std::string& text) {
+        client.setProperty(window, name, "UTF8_STRING", 8, text);
+        settle();
+    }
+
+    [[nodiscard]] std::optional<std::string> identifier() {
+        const auto application = workspace.frontmostApplication();
+        EXPECT_TRUE(application);
+        return application ? application->bundleIdentifier : std::nullopt;
+    }
+};
+
+TEST_F(WorkspaceTest, TheProgramKnowsItself) {
+    EXPECT_EQ(workspace.ownProcessIdentifier(), getpid());
+}
+
+TEST_F(WorkspaceTest, AnApplicationIsKnownByTheNameThatItGivesItself) {
+    const xcb_window_t window = open({.className = "Editor"});
+    EXPECT_EQ(identifier(), "Editor");
+
+    setText(window, "_KDE_NET_WM_DESKTOP_FILE", "org.example.kde-editor");
+    EXPECT_EQ(identifier(), "org.example.kde-editor");
+
+    setText(window, "_GTK_APPLICATION_ID", "org.example.editor");
+    EXPECT_EQ(identifier(), "org.example.editor");
+}
+
+TEST_F(WorkspaceTest, AClassIsTakenForTheInstalledApplicationThatNamesIt) {
+    const ScratchFolder folder;
+    ScratchFolder::write(folder.path() / "org.example.editor.desktop",
+                         "[Desktop Entry]\nStartupWMClass=Editor\n");
+    Applications installed(windows, {folder.path()});
+    const xcb_window_t window = open({.className = "Editor"});
+    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.editor");
+
+    setText(window, "_GTK_APPLICATION_ID", "org.example.other");
+    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.other");
+}
+
+TEST_F(WorkspaceTest, WhatIsInstalledMeanwhileIsKnownWhenItOpensItsWindow) {
+    const ScratchFolder folder;
+    Applications installed(windows, {folder.path()});
+    ApplicationWatch launches(connection, windows, installed);
+    const auto launched = launches.onApplication(ApplicationEvent::Launched, [](const auto&) {});
+    (void)open({.className = "Editor"});
+    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "Editor");
+
+    ScratchFolder::write(folder.path() / "org.example.editor.desktop",
+                         "[Desktop Entry]\nStartupWMClass=Editor\n");
+    (void)open({.className = "Editor"});
+
+    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.editor");
+}
+
+TEST_F(WorkspaceTest, AnEmptyNameIsNone) {
+    const xcb_window_t window = open({.className = ""});
+    setText(window, "_GTK_APPLICATION_ID", "");
+    setText(window, "_KDE_NET_WM_DESKTOP_FILE", "");
+
+    EXPECT_EQ(identifier(), std::nullopt);
+}
+
+TEST_F(WorkspaceTest, ANameIsAlwaysGoodUtf8) {
+    const xcb_window_t window = open();
+
+    setText(window, "_GTK_APPLICATION_ID", "caf\xE9");
+
+    EXPECT_EQ(identifier(), "caf\xC3\xA9");
+}
+
+TEST_F(WorkspaceTest, AnEndlessNameIsNone) {
+    const xcb_window_t window = open({.className = "Editor"});
+
+    setText(window, "_GTK_APPLICATION_ID", std::string(3000, 'x'));
+
+    EXPECT_EQ(identifier(), "Editor");
+}
+
+TEST_F(WorkspaceTest, AnApplicationIsKnownByItsFrontWindow) {
+    (void)open({.className = "First"});
+    (void)open({.className = "Second"});
+
+    EXPECT_EQ(workspace.runningApplication(client.pid()), (RunningApplication{client.pid(), "Second"}));
+}
+
+TEST_F(WorkspaceTest, AWindowThatNobodyManagesIsNotInFront) {
+    const xcb_window_t menu = client.open({.overrideRedirect = true});
+    const std::string bytes(reinterpret_cast<const char*>(&menu), sizeof(menu));
+    client.setProperty(observer.root(), "_NET_ACTIVE_WINDOW", "WINDOW", 32, bytes);
+    settle();
+
+    EXPECT_FALSE(workspace.frontmostApplication());
+}
+
+TEST_F(WorkspaceTest, AProcessWithoutWindowsIsNoApplication) {
+    EXPECT_FALSE(workspace.runningApplication(client.pid()));
+    EXPECT_FALSE(workspace.runningApplication(0));
+}
+
+} // namespace
+} // namespace tessarel::x11

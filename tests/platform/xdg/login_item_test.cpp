@@ -1,0 +1,352 @@
+#include "platform/xdg/login_item.h"
+
+#include "platform/xdg/desktop_entry.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace tessarel::xdg {
+namespace {
+
+namespace fs = std::filesystem;
+using Status = LoginItemPort::Status;
+using testing::HasSubstr;
+
+/// Rights of a user who is not the administrator, for as long as it lives.
+class OrdinaryUser {
+public:
+    OrdinaryUser() {
+        constexpr uid_t kNobody = 65534;
+        if (::geteuid() == 0 && ::seteuid(kNobody) != 0)
+            throw std::runtime_error("cannot become an ordinary user");
+    }
+    OrdinaryUser(const OrdinaryUser&) = delete;
+    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
+    ~OrdinaryUser() { EXPECT_EQ(::seteuid(::getuid()), 0); }
+};
+
+/// No file may grow, as on a full disk, for as long as it lives.
+class NoRoomForFiles {
+public:
+    NoRoomForFiles() {
+        ::getrlimit(RLIMIT_FSIZE, &m_before);
+        rlimit none = m_before;
+        none.rlim_cur = 0;
+        ::setrlimit(RLIMIT_FSIZE, &none);
+    }
+    NoRoomForFiles(const NoRoomForFiles&) = delete;
+    NoRoomForFiles& operator=(const NoRoomForFiles&) = delete;
+    ~NoRoomForFiles() {
+        ::setrlimit(RLIMIT_FSIZE, &m_before);
+        std::signal(SIGXFSZ, m_handler); // NOLINT(cert-err33-c)
+    }
+
+private:
+    rlimit m_before{};
+    void (*m_handler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+};
+
+class LoginItemTest : public testing::Test {
+protected:
+    LoginItemTest() {
+        std::string pattern = fs::temp_directory_path() / "tessarel-login-XXXXXX";
+        if (::mkdtemp(pattern.data()) == nullptr)
+            throw std::runtime_error("no temporary folder");
+        folder = pattern;
+        fs::permissions(folder, fs::perms::owner_all | fs::perms::group_exec | fs::perms::others_exec);
+    }
+    ~LoginItemTest() override { fs::remove_all(folder); }
+
+    [[nodiscard]] XdgLoginItem::Setup setup() const {
+        return {.configHome = folder / "config",
+                .configFolders = {folder / "first", folder / "second"},
+                .program = program,
+                .name = "Tessarel"};
+    }
+
+    [[nodiscard]] fs::path entry() const { return folder / "config/autostart/tessarel.desktop"; }
+
+    static void put(const fs::path& file, std::string_view content) {
+        fs::create_directories(file.parent_path());
+        std::ofstream(file) << content;
+    }
+    static std::string read(const fs::path& file) {
+        std::ifstream stream(file);
+        return {std::istreambuf_iterator<char>(stream), {}};
+    }
+    void putOwn(std::string_view lines) const {
+        put(entry(), "[Desktop Entry]\nType=Application\nExec=x\n" + std::string(lines) + "\n");
+    }
+    void putForAllUsers(std::string_view where, std::string_view lines) const {
+        put(folder / where / "autostart/tessarel.desktop",
+            "[Desktop Entry]\nType=Application\nExec=x\n" + std::string(lines) + "\n");
+    }
+
+    fs::path folder;
+    fs::path program = "/usr/bin/tessarel";
+};
+
+TEST_F(LoginItemTest, IsNotRegisteredAtFirst) {
+    EXPECT_EQ(XdgLoginItem(setup()).status(), Status::NotRegistered);
+}
+
+TEST_F(LoginItemTest, RegisteringMakesTheFoldersAndTheEntry) {
+    XdgLoginItem item(setup());
+
+    EXPECT_EQ(item.registerItem(), std::nullopt);
+
+    EXPECT_EQ(item.status(), Status::Enabled);
+    EXPECT_EQ(read(entry()), "[Desktop Entry]\nType=Application\nName=Tessarel\nExec=/usr/bin/tessarel\n"
+                             "Terminal=false\nX-GNOME-Autostart-enabled=true\n");
+}
+
+TEST_F(LoginItemTest, TheEntryIsReadableForEverybodyAndNothingElseIsLeft) {
+    ASSERT_EQ(XdgLoginItem(setup()).registerItem(), std::nullopt);
+
+    EXPECT_EQ(fs::status(entry()).permissions(), fs::perms::owner_read | fs::perms::owner_write |
+                                                     fs::perms::group_read | fs::perms::others_read);
+    EXPECT_EQ(std::distance(fs::directory_iterator(entry().parent_path()), fs::directory_iterator()), 1);
+}
+
+TEST_F(LoginItemTest, RegisteringTwiceStartsTheProgramThatRanLast) {
+    ASSERT_EQ(XdgLoginItem(setup()).registerItem(), std::nullopt);
+    program = "/opt/tessarel";
+
+    ASSERT_EQ(XdgLoginItem(setup()).registerItem(), std::nullopt);
+
+    EXPECT_THAT(read(entry()), HasSubstr("\nExec=/opt/tessarel\n"));
+    EXPECT_THAT(read(entry()), testing::Not(HasSubstr("/usr/bin")));
+}
+
+TEST_F(LoginItemTest, UnregisteringRemovesTheEntry) {
+    XdgLoginItem item(setup());
+    ASSERT_EQ(item.registerItem(), std::nullopt);
+
+    EXPECT_EQ(item.unregisterItem(), std::nullopt);
+
+    EXPECT_EQ(item.status(), Status::NotRegistered);
+    EXPECT_FALSE(fs::exists(entry()));
+}
+
+TEST_F(LoginItemTest, UnregisteringWhatIsNotThereSucceeds) {
+    XdgLoginItem item(setup());
+
+    EXPECT_EQ(item.unregisterItem(), std::nullopt);
+    put(folder / "config", "a file where the folder would be");
+    EXPECT_EQ(item.unregisterItem(), std::nullopt);
+}
+
+TEST_F(LoginItemTest, AnEntryThatSaysNoIsNotRegistered) {
+    for (const char* no :
+         {"Hidden=true", "X-GNOME-Autostart-enabled=false", "Hidden = true ",
+          "X-GNOME-Autostart-enabled=false\r", "X-GNOME-Autostart-enabled=true\nHidden=true"}) {
+        putOwn(no);
+        EXPECT_EQ(XdgLoginItem(setup()).status(), Status::NotRegistered) << no;
+    }
+}
+
+TEST_F(LoginItemTest, AnEntryThatDoesNotSayNoIsRegistered) {
+    for (const char* yes : {"", "Hidden=false", "X-GNOME-Autostart-enabled=true", "#Hidden=true",
+                            "X-Hidden=true", "[Desktop Action quit]\nHidden=true"}) {
+        putOwn(yes);
+        EXPECT_EQ(XdgLoginItem(setup()).status(), Status::Enabled) << yes;
+    }
+}
+
+TEST_F(LoginItemTest, WhatTheDesktopSwitchesOffShowsAtOnce) {
+    XdgLoginItem item(setup());
+    ASSERT_EQ(item.registerItem(), std::nullopt);
+
+    putOwn("X-GNOME-Autostart-enabled=false");
+
+    EXPECT_EQ(item.status(), Status::NotRegistered);
+}
+
+TEST_F(LoginItemTest, AnEntryForAllUsersCountsUntilTheUserHasOne) {
+    XdgLoginItem item(setup());
+
+    putForAllUsers("second", "");
+    EXPECT_EQ(item.status(), Status::Enabled);
+    putOwn("Hidden=true");
+    EXPECT_EQ(item.status(), Status::NotRegistered);
+}
+
+TEST_F(LoginItemTest, TheMostImportantEntryForAllUsersDecides) {
+    putForAllUsers("first", "Hidden=true");
+    putForAllUsers("second", "");
+
+    EXPECT_EQ(XdgLoginItem(setup()).status(), Status::NotRegistered);
+}
+
+TEST_F(LoginItemTest, UnregisteringBeneathAnEntryForAllUsersHidesIt) {
+    XdgLoginItem item(setup());
+    putForAllUsers("first", "");
+
+    EXPECT_EQ(item.unregisterItem(), std::nullopt);
+
+    EXPECT_EQ(item.status(), Status::NotRegistered);
+    EXPECT_EQ(read(entry()), "[Desktop Entry]\nType=Application\nName=Tessarel\nHidden=true\n");
+    EXPECT_EQ(item.registerItem(), std::nullopt);
+    EXPECT_EQ(item.status(), Status::Enabled);
+}
+
+TEST_F(LoginItemTest, AFolderThatCannotBeWrittenToIsToldAsASentence) {
+    fs::create_directories(entry().parent_path());
+    ::chmod(entry().parent_path().c_str(), 0555);
+    const OrdinaryUser user;
+    XdgLoginItem item(setup());
+
+    const auto failure = item.registerItem();
+
+    EXPECT_EQ(failure,
+              "The folder " + entry().parent_path().string() + " cannot be written to: Permission denied.");
+    EXPECT_EQ(item.status(), Status::NotRegistered);
+}
+
+TEST_F(LoginItemTest, AFolderThatCannotBeMadeIsToldAsASentence) {
+    ::chmod(folder.c_str(), 0555);
+    const OrdinaryUser user;
+
+    EXPECT_EQ(XdgLoginItem(setup()).registerItem(),
+              "The folder " + entry().parent_path().string() + " cannot be created: Permission denied.");
+}
+
+TEST_F(LoginItemTest, AFileInPlaceOfTheFolderIsToldAsASentence) {
+    put(entry().parent_path(), "a file");
+
+    EXPECT_EQ(XdgLoginItem(setup()).registerItem(),
+              "The folder " + entry().parent_path().string() + " cannot be created: Not a directory.");
+    EXPECT_EQ(read(entry().parent_path()), "a file");
+}
+
+TEST_F(LoginItemTest, AFolderInPlaceOfTheEntryIsToldAsASentence) {
+    fs::create_directories(entry());
+    XdgLoginItem item(setup());
+
+    EXPECT_EQ(item.registerItem(), "The file " + entry().string() + " cannot be written: Is a directory.");
+    EXPECT_EQ(item.unregisterItem(), "The file " + entry().string() + " cannot be removed: Is a directory.");
+
+    EXPECT_EQ(item.status(), Status::NotRegistered);
+    EXPECT_EQ(std::distance(fs::directory_iterator(entry().parent_path()), fs::directory_iterator()), 1);
+}
+
+TEST_F(LoginItemTest, AFullDiskIsToldAndLeavesTheOldEntryWhole) {
+    putOwn("Hidden=true");
+    const std::string before = read(entry());
+    XdgLoginItem item(setup());
+    std::optional<std::string> failure;
+    {
+        const NoRoomForFiles full;
+        failure = item.registerItem();
+    }
+
+    EXPECT_EQ(failure, "The file " + entry().string() + " cannot be written: File too large.");
+    EXPECT_EQ(read(entry()), before);
+    EXPECT_EQ(std::distance(fs::directory_iterator(entry().parent_path()), fs::directory_iterator()), 1);
+}
+
+TEST_F(LoginItemTest, AnEntryThatMayNotBeReadDoesNotCount) {
+    putOwn("");
+    ::chmod(entry().c_str(), 0);
+    const OrdinaryUser user;
+
+    EXPECT_EQ(XdgLoginItem(setup()).status(), Status::NotRegistered);
+}
+
+class LoginItemEnvironmentTest : public LoginItemTest {
+protected:
+    static constexpr std::array kVariables = {"HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"};
+
+    LoginItemEnvironmentTest() {
+        for (std::size_t i = 0; i < kVariables.size(); ++i) {
+            if (const char* value = std::getenv(kVariables[i]))
+                before[i] = value;
+            ::unsetenv(kVariables[i]);
+        }
+    }
+    ~LoginItemEnvironmentTest() override {
+        for (std::size_t i = 0; i < kVariables.size(); ++i) {
+            ::unsetenv(kVariables[i]);
+            if (before[i])
+                ::setenv(kVariables[i], before[i]->c_str(), 1);
+        }
+    }
+
+    std::array<std::optional<std::string>, kVariables.size()> before;
+};
+
+TEST_F(LoginItemEnvironmentTest, TheConfigFoldersAreThoseOfTheEnvironment) {
+    ::setenv("XDG_CONFIG_HOME", "/conf", 1);
+    ::setenv("XDG_CONFIG_DIRS", "/a::relative:/b", 1);
+
+    const auto own = XdgLoginItem::ofThisProgram("Tessarel");
+
+    EXPECT_EQ(own.configHome, "/conf");
+    EXPECT_THAT(own.configFolders, testing::ElementsAre("/a", "/b"));
+}
+
+TEST_F(LoginItemEnvironmentTest, WithoutAnEnvironmentTheUsualFoldersServe) {
+    ::setenv("HOME", "/home/somebody", 1);
+    ::setenv("XDG_CONFIG_HOME", "relative/is/ignored", 1);
+
+    const auto own = XdgLoginItem::ofThisProgram("Tessarel");
+
+    EXPECT_EQ(own.configHome, "/home/somebody/.config");
+    EXPECT_THAT(own.configFolders, testing::ElementsAre("/etc/xdg"));
+}
+
+TEST_F(LoginItemEnvironmentTest, TheProgramIsTheOneThatRuns) {
+    const auto own = XdgLoginItem::ofThisProgram("Tessarel");
+
+    EXPECT_TRUE(own.program.is_absolute());
+    EXPECT_TRUE(fs::equivalent(own.program, "/proc/self/exe"));
+}
+
+TEST(DesktopEntryTest, APlainPathStandsAsItIs) {
+    EXPECT_EQ(desktop_entry::execWord("/usr/bin/tessarel-1.0_x"), "/usr/bin/tessarel-1.0_x");
+}
+
+TEST(DesktopEntryTest, ReservedCharactersStandInQuotes) {
+    EXPECT_EQ(desktop_entry::execWord("/my programs/it's"), R"("/my programs/it's")");
+    EXPECT_EQ(desktop_entry::execWord("/a(b)&c;d"), R"("/a(b)&c;d")");
+    EXPECT_EQ(desktop_entry::execWord(""), R"("")");
+}
+
+TEST(DesktopEntryTest, WhatMeansSomethingInQuotesIsEscapedOnceForTheWordAndOnceForTheFile) {
+    EXPECT_EQ(desktop_entry::execWord(R"(/a"b)"), R"("/a\\"b")");
+    EXPECT_EQ(desktop_entry::execWord("/a$b`c"), R"("/a\\$b\\`c")");
+    EXPECT_EQ(desktop_entry::execWord(R"(/a\b)"), R"("/a\\\\b")");
+}
+
+TEST(DesktopEntryTest, APercentSignIsNoFieldCode) {
+    EXPECT_EQ(desktop_entry::execWord("/100%u"), "/100%%u");
+}
+
+TEST(DesktopEntryTest, ALineFeedDoesNotEndTheLine) {
+    EXPECT_EQ(desktop_entry::execWord("/a\nHidden=true\tb"), R"("/a\nHidden=true\tb")");
+    EXPECT_THAT(desktop_entry::autostart("A\nHidden=true", "/x"), HasSubstr("\nName=A\\nHidden=true\n"));
+}
+
+TEST(DesktopEntryTest, WhatIsNoEntryAtAllIsReadWithoutHarm) {
+    for (const std::string_view content :
+         {"", "=", "[", "\n\n", "[Desktop Entry]", "Hidden=true", "\xff\xfe="})
+        EXPECT_TRUE(desktop_entry::isEnabled(content)) << content;
+}
+
+} // namespace
+} // namespace tessarel::xdg
