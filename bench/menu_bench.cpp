@@ -5,7 +5,7 @@
 #include "app/status_menu.h"
 #include "model/presets.h"
 #include "model/store.h"
-#include "platform/qt/menu_view.h"
+#include "platform/qt_x11/tray/menu_view.h"
 #include "platform/sim/sim_desktop.h"
 
 #include <QApplication>

@@ -4,7 +4,7 @@
 //   overlay_bench [ROUNDS]
 
 #include "platform/qt/qt_main_queue.h"
-#include "platform/qt/qt_overlay.h"
+#include "platform/qt_x11/overlay/x11_overlay.h"
 #include "support/clock.h"
 #include "support/statistics.h"
 #include "support/table.h"
@@ -138,7 +138,7 @@ class Overlay : public Contender {
 public:
     Overlay(MainQueuePort& queue, const QSize& size)
         : m_width(size.width() / 2), m_height(size.height()),
-          m_window(qt::QtOverlay(queue, [](const Rect& frame) { return frame; }).createWindow()) {
+          m_window(qt::X11Overlay(queue, [](const Rect& frame) { return frame; }).createWindow()) {
         m_window->setFrame({0, 0, 2 * m_width, m_height});
         highlight(0);
     }

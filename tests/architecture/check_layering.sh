@@ -21,7 +21,13 @@ declare -A sees=(
     [platform/x11/input]="model ports platform/x11/server platform/x11/displays platform/x11/windows"
     [platform/x11]="model ports platform/xdg platform/x11/server platform/x11/displays platform/x11/windows platform/x11/input"
     [platform/macos]="model ports"
-    [platform/qt]="model ports snap app"
+    [platform/qt]="model ports"
+    [platform/qt_web]="model ports"
+    [platform/posix]="model ports platform/qt"
+    [platform/qt_xdg]="model ports platform/qt"
+    [platform/qt_x11]="model ports platform/qt"
+    [platform/qt_x11/overlay]="model ports platform/qt platform/qt_x11"
+    [platform/qt_x11/tray]="model ports platform/qt platform/qt_x11"
 )
 no_qt_and_no_system="model ports engine snap placer app"
 json_home="model/json_document.cpp"
@@ -69,7 +75,7 @@ facts() {
 while read -r kind file line include; do
     set_folder "$file"
     own=$folder
-    [ -n "$own" ] || continue # main.cpp picks the back end and may see everything
+    [ "$own" != program ] || continue # puts a back end and the core together, and may see everything
     if [ -z "${sees[$own]+known}" ]; then
         [ "$kind" != file ] || offence "$file: the folder $own has no place in the house"
         continue

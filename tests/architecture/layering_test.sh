@@ -39,10 +39,10 @@ plant engine/ax.cpp '#include "engine/nowhere.h"' "is not under src/"
 plant attic/old.cpp 'int x;' "has no place in the house"
 
 rm -rf "$scratch/src"
-mkdir -p "$scratch/src/model" "$scratch/src/platform/x11"
+mkdir -p "$scratch/src/model" "$scratch/src/platform/x11" "$scratch/src/program"
 touch "$scratch/src/model/zone.h"
 printf '#include "model/zone.h"\n#include <xcb/xcb.h>\n#ifdef __linux__\n#endif\n' >"$scratch/src/platform/x11/windows.cpp"
-printf '#include "platform/x11/windows.cpp"\n' >"$scratch/src/main.cpp"
+printf '#include "platform/x11/windows.cpp"\n' >"$scratch/src/program/main.cpp"
 "$here/check_layering.sh" "$scratch" || { echo "FAILED: a tree in order is refused"; failed=1; }
 
 exit "$failed"

@@ -1,6 +1,6 @@
 #include "contract/contract_desktop.h"
 #include "contract/x11_contract_stage.h"
-#include "platform/qt/qt_local_keys.h"
+#include "platform/qt_x11/qt_local_keys.h"
 #include "platform/sim/sim_services.h"
 #include "platform/x11/displays/displays.h"
 #include "platform/x11/displays/monitors.h"

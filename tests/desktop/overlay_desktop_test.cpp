@@ -165,13 +165,13 @@ TEST_F(OverlayDesktopTest, TheOutlinedWindowIsNowhereButOnItsLines) {
 TEST_F(OverlayDesktopTest, TheLookFollowsACompositorThatComesAndGoesBetweenDrags) {
     for (int round = 0; round < 2; ++round) {
         show(kDesktop, kLeftHighlighted);
-        EXPECT_EQ(surface()->kind(), OverlaySurface::Kind::Outlined);
+        EXPECT_EQ(surface()->kind(), X11OverlayWidget::Kind::Outlined);
         EXPECT_TRUE(becomes(6, 300, kAccentColor));
         hide();
 
         startCompositor();
         show(kDesktop, kLeftHighlighted);
-        EXPECT_EQ(surface()->kind(), OverlaySurface::Kind::Translucent);
+        EXPECT_EQ(surface()->kind(), X11OverlayWidget::Kind::Translucent);
         EXPECT_TRUE(becomes(400, 300, tinted(Qt::black, 0.35)));
         hide();
         stopCompositor();
@@ -186,7 +186,7 @@ TEST_F(OverlayDesktopTest, WhenTheCompositorEndsDuringADragTheOutlinesTakeOver) 
     stopCompositor();
 
     EXPECT_TRUE(becomes(6, 300, kAccentColor));
-    EXPECT_EQ(surface()->kind(), OverlaySurface::Kind::Outlined);
+    EXPECT_EQ(surface()->kind(), X11OverlayWidget::Kind::Outlined);
     change(kRightHighlighted);
     EXPECT_TRUE(becomes(806, 300, kAccentColor));
     hide();
@@ -201,7 +201,7 @@ TEST_F(OverlayDesktopTest, ACompositorThatStartsDuringADragDoesNotDisturbIt) {
     change(kRightHighlighted);
 
     EXPECT_TRUE(becomes(806, 300, kAccentColor));
-    EXPECT_EQ(surface()->kind(), OverlaySurface::Kind::Outlined);
+    EXPECT_EQ(surface()->kind(), X11OverlayWidget::Kind::Outlined);
 }
 
 TEST_F(OverlayDesktopTest, TheOverlayMovesFromScreenToScreen) {

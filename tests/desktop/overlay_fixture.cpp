@@ -152,9 +152,9 @@ testing::AssertionResult OverlayDesktopTest::becomes(int x, int y, const QColor&
            << color.name().toStdString();
 }
 
-OverlaySurface* OverlayDesktopTest::surface() {
+X11OverlayWidget* OverlayDesktopTest::surface() {
     for (QWidget* const widget : QApplication::topLevelWidgets())
-        if (auto* const found = dynamic_cast<OverlaySurface*>(widget); found && found->isVisible())
+        if (auto* const found = dynamic_cast<X11OverlayWidget*>(widget); found && found->isVisible())
             return found;
     return nullptr;
 }

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "platform/qt/overlay_figures.h"
-#include "platform/qt/overlay_surface.h"
-#include "platform/qt/qt_overlay.h"
+#include "platform/qt_x11/overlay/x11_overlay.h"
+#include "platform/qt_x11/overlay/x11_overlay_widget.h"
 #include "platform/sim/sim_clock.h"
 #include "platform/sim/sim_main_queue.h"
+#include "support/overlay_figures.h"
 #include "support/x11/child_process.h"
 #include "support/x11/observer.h"
 #include "support/x11/qt_barrier.h"
@@ -57,7 +57,7 @@ protected:
     testing::AssertionResult becomes(int x, int y, const QColor& color);
 
     /// The surface that is shown; null without one.
-    [[nodiscard]] static OverlaySurface* surface();
+    [[nodiscard]] static X11OverlayWidget* surface();
     [[nodiscard]] static xcb_window_t surfaceWindow();
 
     static x11test::XServer& server();
@@ -74,7 +74,7 @@ private:
     std::unique_ptr<x11test::ChildProcess> m_compositor;
 
 protected:
-    QtOverlay overlay{queue, [](const Rect& rootFrame) { return rootFrame; }};
+    X11Overlay overlay{queue, [](const Rect& rootFrame) { return rootFrame; }};
     std::unique_ptr<OverlayWindow> window = overlay.createWindow();
     std::vector<Rect> shownBounds;
 };

@@ -2,7 +2,7 @@
 // on its standard output what the desktop does with it.
 
 #include "platform/qt/qt_main_queue.h"
-#include "platform/qt/qt_status_item.h"
+#include "platform/qt_x11/tray/qt_status_item.h"
 
 #include <QApplication>
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "mac_program.h"
 #include "macos/cocoa_windows.h"
 #include "macos/fake/fake_mac.h"
 #include "macos/fake/fake_menus.h"
-#include "qt_program.h"
+#include "program/mac_program.h"
+#include "program/qt_program.h"
 
 #include <QApplication>
 #include <QEventLoop>

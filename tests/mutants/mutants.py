@@ -40,7 +40,7 @@ FOLDERS = {
     "placer": Folder(("src/placer",), ("placer_test",)),
     "app": Folder(("src/app",), ("app_test",)),
     "settings_ui": Folder(("src/settings_ui",), ("settings_ui_test", "recorder_keys_test")),
-    "platform/macos": Folder(("src/platform/macos", "src/mac_program.cpp"), MACOS_SUITES),
+    "platform/macos": Folder(("src/platform/macos", "src/program/mac_program.cpp"), MACOS_SUITES),
 }
 
 

@@ -51,7 +51,7 @@ for framework in AppKit ApplicationServices Carbon CoreFoundation CoreGraphics F
 done
 ! grep -q -e xcb -e X11 -e x11 "$scratch/program/build.ninja" || fail "X11 is asked for"
 for mine in main_macos mac_program; do
-    expect "$root/src/$mine.cpp"
+    expect "$root/src/program/$mine.cpp"
 done
 for test in engine_test settings_ui_test sim_contract_test qt_test bundle_test; do
     grep -q "build $test:" "$scratch/tests/build.ninja" || fail "no $test on a Mac"

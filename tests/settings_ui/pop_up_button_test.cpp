@@ -1,6 +1,6 @@
 #include "settings_ui/pop_up_button.h"
 
-#include "platform/qt/offscreen_test.h"
+#include "support/offscreen_test.h"
 
 #include <QAbstractItemView>
 #include <QApplication>

@@ -1,4 +1,4 @@
-#include "platform/qt/qt_local_keys.h"
+#include "platform/qt_x11/qt_local_keys.h"
 #include "platform/x11/input/key_lookup.h"
 #include "settings_ui/kit.h"
 #include "settings_ui/recorder_button.h"

@@ -1,8 +1,8 @@
 #include "settings_ui/segmented_control.h"
 
-#include "platform/qt/offscreen_test.h"
 #include "settings_ui/kit.h"
 #include "settings_ui/recorded_painting.h"
+#include "support/offscreen_test.h"
 
 #include <QAbstractButton>
 #include <QAccessible>

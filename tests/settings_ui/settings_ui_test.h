@@ -1,9 +1,9 @@
 #pragma once
 
 #include "app/services.h"
-#include "platform/qt/offscreen_test.h"
 #include "platform/sim/sim_desktop.h"
 #include "settings_ui/tab_context.h"
+#include "support/offscreen_test.h"
 #include "support/sim_ports.h"
 
 #include <QList>

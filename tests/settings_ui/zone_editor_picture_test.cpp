@@ -1,9 +1,9 @@
 #include "settings_ui/zone_editor_picture.h"
 
 #include "model/presets.h"
-#include "platform/qt/offscreen_test.h"
 #include "settings_ui/kit.h"
 #include "settings_ui/recorded_painting.h"
+#include "support/offscreen_test.h"
 
 #include <QFontMetricsF>
 #include <QImage>

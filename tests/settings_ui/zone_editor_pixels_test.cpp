@@ -1,8 +1,8 @@
 #include "settings_ui/zone_editor_pixels.h"
 
 #include "model/presets.h"
-#include "platform/qt/offscreen_test.h"
 #include "support/long_run.h"
+#include "support/offscreen_test.h"
 
 #include <QPainter>
 

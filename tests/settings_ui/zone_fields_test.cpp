@@ -1,7 +1,7 @@
 #include "settings_ui/zone_fields.h"
 
 #include "model/presets.h"
-#include "platform/qt/offscreen_test.h"
+#include "support/offscreen_test.h"
 
 #include <QLineEdit>
 #include <QList>

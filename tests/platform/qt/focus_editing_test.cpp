@@ -1,7 +1,7 @@
 #include "platform/qt/focus_editing.h"
 
 #include "app/main_menu.h"
-#include "platform/qt/offscreen_test.h"
+#include "support/offscreen_test.h"
 
 #include <QApplication>
 #include <QClipboard>

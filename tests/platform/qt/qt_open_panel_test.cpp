@@ -1,7 +1,7 @@
 #include "platform/qt/qt_open_panel.h"
 
-#include "platform/qt/offscreen_test.h"
 #include "platform/qt/qt_main_queue.h"
+#include "support/offscreen_test.h"
 
 #include <QApplication>
 #include <QDialogButtonBox>

@@ -1,0 +1,80 @@
+#include "platform/posix/termination_signals.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace tessarel::qt {
+
+namespace {
+
+volatile std::sig_atomic_t wakeUpPipe = -1; // all that a handler can reach
+
+void wakeUp(int) {
+    const int errorBefore = errno;
+    // A full pipe wakes the main thread as well as one more byte.
+    [[maybe_unused]] const auto written = ::write(wakeUpPipe, "", 1);
+    errno = errorBefore;
+}
+
+void setHandler(int signal, void (*handler)(int)) {
+    struct sigaction action {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    ::sigaction(signal, &action, nullptr);
+}
+
+/// Opens a pipe of which neither end blocks or is passed on to other programs. pipe2() would do that in one
+/// call, but not every system has it; no other thread starts a program meanwhile.
+bool openPipe(std::array<int, 2>& ends) {
+    if (::pipe(ends.data()) != 0)
+        return false;
+    for (const int end : ends) {
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
+        ::fcntl(end, F_SETFL, O_NONBLOCK);
+    }
+    return true;
+}
+
+bool isIgnored(int signal) {
+    struct sigaction present {};
+    return ::sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN;
+}
+
+} // namespace
+
+TerminationSignals::TerminationSignals() {
+    if (!openPipe(m_pipe))
+        return; // the signals keep their usual effect
+    wakeUpPipe = m_pipe[1];
+    for (const int signal : kSignals) {
+        if (!isIgnored(signal))
+            setHandler(signal, wakeUp);
+    }
+}
+
+TerminationSignals::~TerminationSignals() {
+    if (m_pipe[0] < 0)
+        return;
+    for (const int signal : kSignals) {
+        if (!isIgnored(signal))
+            setHandler(signal, SIG_DFL);
+    }
+    wakeUpPipe = -1;
+    ::close(m_pipe[0]);
+    ::close(m_pipe[1]);
+}
+
+SubscriptionPtr TerminationSignals::onReceived(QtMainQueue& queue, std::function<void()> received) {
+    if (m_pipe[0] < 0)
+        return nullptr;
+    return queue.onReadable(m_pipe[0], [pipe = m_pipe[0], received = std::move(received)] {
+        std::array<char, 64> bytes{};
+        while (::read(pipe, bytes.data(), bytes.size()) > 0) {
+        }
+        received();
+    });
+}
+
+} // namespace tessarel::qt

@@ -1,0 +1,75 @@
+#include "platform/qt/composed_overlay.h"
+
+#include "platform/qt/composed_overlay_widget.h"
+#include "platform/qt/overlay_pixels.h"
+
+#include <QRect>
+
+#include <utility>
+#include <vector>
+
+namespace tessarel::qt {
+
+class ComposedOverlay::Window : public OverlayWindow {
+public:
+    Window(MainQueuePort& queue, System system)
+        : m_queue(queue), m_system(std::move(system)), m_self(std::make_shared<Window*>(this)) {}
+    ~Window() override { *m_self = nullptr; }
+
+    void setFrame(const Rect& screenFrame) override {
+        m_frame = pixels(m_system.place(screenFrame));
+        if (m_surface)
+            m_surface->setGeometry(m_frame);
+    }
+
+    void setFigures(const std::vector<OverlayFigure>& figures, const std::vector<Rect>& changed) override {
+        m_figures = figures;
+        if (m_surface)
+            m_surface->setFigures(figures, changed);
+    }
+
+    void orderFront() override {
+        ++m_showings;
+        if (!m_surface)
+            makeSurface();
+        if (!m_surface->isVisible())
+            m_surface->setAccent(m_system.accent());
+        m_surface->show();
+        m_system.orderFront(*m_surface);
+    }
+
+    void orderOut() override {
+        if (!m_surface || !m_surface->isVisible())
+            return;
+        m_surface->hide();
+        m_queue.asyncAfter(kQuietTime, [self = m_self, showings = m_showings] {
+            if (*self && (*self)->m_showings == showings)
+                (*self)->m_surface.reset();
+        });
+    }
+
+private:
+    void makeSurface() {
+        m_surface = std::make_unique<ComposedOverlayWidget>();
+        m_system.prepare(*m_surface);
+        m_surface->setGeometry(m_frame);
+        m_surface->setFigures(m_figures, {});
+    }
+
+    MainQueuePort& m_queue;
+    System m_system;
+    QRect m_frame;
+    std::vector<OverlayFigure> m_figures;
+    std::unique_ptr<ComposedOverlayWidget> m_surface; // none before the first showing, or after a quiet time
+    unsigned m_showings = 0;
+    std::shared_ptr<Window*> m_self; // shared with work on the queue, which may outlive us
+};
+
+ComposedOverlay::ComposedOverlay(MainQueuePort& queue, System system)
+    : m_queue(queue), m_system(std::move(system)) {}
+
+std::unique_ptr<OverlayWindow> ComposedOverlay::createWindow() {
+    return std::make_unique<Window>(m_queue, m_system);
+}
+
+} // namespace tessarel::qt

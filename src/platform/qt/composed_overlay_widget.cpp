@@ -1,0 +1,86 @@
+#include "platform/qt/composed_overlay_widget.h"
+
+#include "platform/qt/overlay_pixels.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+
+namespace tessarel::qt {
+
+namespace {
+
+constexpr Qt::WindowFlags kFlags = Qt::Window | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint |
+                                   Qt::WindowTransparentForInput | Qt::WindowStaysOnTopHint |
+                                   Qt::WindowDoesNotAcceptFocus;
+
+Rect magnified(const Rect& rect, double scale) {
+    if (rect.isNull())
+        return rect;
+    return {rect.x * scale, rect.y * scale, rect.width * scale, rect.height * scale};
+}
+
+/// The figure in pixels. The size of its text stays: that is magnified where it is painted.
+OverlayFigure magnified(OverlayFigure figure, double scale) {
+    figure.bounds = magnified(figure.bounds, scale);
+    figure.shape = magnified(figure.shape, scale);
+    figure.cornerRadius *= scale;
+    figure.strokeWidth *= scale;
+    figure.label.center = {figure.label.center.x * scale, figure.label.center.y * scale};
+    return figure;
+}
+
+} // namespace
+
+ComposedOverlayWidget::ComposedOverlayWidget() : QWidget(nullptr, kFlags) {
+    setAttribute(Qt::WA_ShowWithoutActivating);
+    setAttribute(Qt::WA_QuitOnClose, false);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setAttribute(Qt::WA_TranslucentBackground);
+    create();
+}
+
+void ComposedOverlayWidget::setAccent(const QColor& accent) {
+    if (accent == m_painted.accent())
+        return;
+    m_painted = TranslucentFigures(accent);
+    update();
+}
+
+void ComposedOverlayWidget::setFigures(const std::vector<OverlayFigure>& figures,
+                                       const std::vector<Rect>& changed) {
+    QRegion region = extents(changed); // what was there
+    m_figures = figures;
+    region += extents(changed);
+    update(region);
+}
+
+void ComposedOverlayWidget::paintEvent(QPaintEvent* event) {
+    QPainter painter(this);
+    const double scale = devicePixelRatioF();
+    painter.scale(1 / scale, 1 / scale);
+    for (const OverlayFigure& figure : m_figures) {
+        if (event->region().intersects(extent(figure)))
+            m_painted.paint(painter, magnified(figure, scale), scale);
+    }
+}
+
+/// All units that the figure touches.
+QRect ComposedOverlayWidget::extent(const OverlayFigure& figure) {
+    const double scale = devicePixelRatioF();
+    return units(m_painted.extent(magnified(figure, scale), scale), scale);
+}
+
+/// The units of `areas`, and of labels that reach out of the figures there.
+QRegion ComposedOverlayWidget::extents(const std::vector<Rect>& areas) {
+    QRegion region;
+    for (const Rect& area : areas)
+        region += pixels(area);
+    QRegion labels;
+    for (const OverlayFigure& figure : m_figures) {
+        if (region.intersects(pixels(figure.bounds)))
+            labels += extent(figure);
+    }
+    return region + labels;
+}
+
+} // namespace tessarel::qt

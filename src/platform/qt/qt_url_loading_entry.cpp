@@ -1,8 +1,0 @@
-#include "platform/qt/qt_url_loading.h"
-
-#include <QtGlobal>
-
-/// Where `QtUrlLoadingModule` enters the module: a new port, the caller's.
-extern "C" Q_DECL_EXPORT tessarel::UrlLoadingPort* tessarelMakeUrlLoading() {
-    return new tessarel::qt::QtUrlLoading;
-}

@@ -1,0 +1,197 @@
+#include "platform/qt/translucent_figures.h"
+
+#include "platform/qt/overlay_pixels.h"
+#include "platform/qt/overlay_text.h"
+
+#include <QColor>
+#include <QFontMetricsF>
+#include <QPainterPath>
+#include <QPen>
+#include <QRectF>
+#include <QRegion>
+#include <QString>
+#include <QtMath>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstddef>
+
+namespace tessarel::qt {
+
+namespace {
+
+/// More than all zones have labels, plain and highlighted.
+constexpr std::size_t kMostLabels = 64;
+
+constexpr double kHaloReach = 3;
+/// Three strokes over each other: dark at the letters, fading away from them.
+constexpr std::array kHaloStrokes = {2.0, 4.0, 6.0};
+constexpr double kHaloStrokeAlpha = 0.13; // 1 - (1 - 0.13)^3 = 0.35 at the letters
+
+QColor translucent(QColor color, double alpha) {
+    color.setAlphaF(static_cast<float>(alpha));
+    return color;
+}
+
+QColor gray(int level, double alpha) {
+    return {level, level, level, qRound(alpha * 255)};
+}
+
+void paintHalo(QPainter& painter, const QPainterPath& letters, double scale) {
+    for (const double width : kHaloStrokes)
+        painter.strokePath(letters, QPen(gray(0, kHaloStrokeAlpha), width * scale, Qt::SolidLine,
+                                         Qt::RoundCap, Qt::RoundJoin));
+    // The letters themselves keep the colour that they would have without it.
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
+    painter.fillPath(letters, Qt::black);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+}
+
+/// The text in the middle of an image, as measured, with room for the halo around it.
+QImage drawLabel(const OverlayLabel& label, double scale) {
+    const QFont font = labelFont(label, scale);
+    const QFontMetricsF metrics(font);
+    const QString text = QString::fromStdString(label.text);
+    const double width = metrics.horizontalAdvance(text);
+    const double room = std::ceil(kHaloReach * scale);
+    QImage image(qCeil(width + 2 * room), qCeil(metrics.height() + 2 * room),
+                 QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+
+    QPainterPath letters;
+    letters.addText((image.width() - width) / 2, (image.height() - metrics.height()) / 2 + metrics.ascent(),
+                    font, text);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintHalo(painter, letters, scale);
+    painter.fillPath(letters, gray(255, label.alpha));
+    return image;
+}
+
+QRect placed(const QImage& image, const Point& center) {
+    const QPointF corner(center.x - image.width() / 2.0, center.y - image.height() / 2.0);
+    return {corner.toPoint(), image.size()};
+}
+
+QRectF rectF(const Rect& rect) {
+    return {rect.minX(), rect.minY(), rect.absWidth(), rect.absHeight()};
+}
+
+/// The rows of the shape that its corners leave whole. Empty unless it consists of whole pixels, with room
+/// for its corners, and is no longer than a picture may be.
+QRect wholeRows(const OverlayFigure& figure) {
+    constexpr int kLongest = 1 << 15;
+    const QRect all = pixels(figure.shape);
+    const int corner = qCeil(figure.cornerRadius);
+    const bool isPlain = rectF(figure.shape) == QRectF(all) && figure.cornerRadius == corner;
+    const bool hasRoom = all.width() > 2 * corner && all.height() > 2 * corner && all.height() < kLongest;
+    return isPlain && hasRoom ? all.adjusted(0, corner, 0, -corner) : QRect();
+}
+
+void paintRounded(QPainter& painter, const OverlayFigure& figure) {
+    painter.drawRoundedRect(rectF(figure.shape), figure.cornerRadius, figure.cornerRadius);
+}
+
+QPen linePen(const OverlayFigure& figure, const QColor& accent) {
+    return {translucent(accent, figure.strokeAlpha), figure.strokeWidth, Qt::SolidLine, Qt::FlatCap};
+}
+
+/// Rows from edge to edge as a plain rectangle, which is several times faster than a path.
+void paintFill(QPainter& painter, const OverlayFigure& figure, const QColor& color, const QRect& rows,
+               bool onNothing) {
+    painter.save();
+    if (onNothing)
+        painter.setCompositionMode(QPainter::CompositionMode_Source);
+    painter.fillRect(rows, color);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+    painter.setClipRegion(QRegion(pixels(figure.shape)) - rows, Qt::IntersectClip);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    paintRounded(painter, figure);
+    painter.restore();
+}
+
+/// A vertical line, as a picture: row by row it would take as long as the fill of a whole zone.
+void paintSide(QPainter& painter, double center, double width, const QRect& rows, const QColor& color) {
+    const int left = qFloor(center - width / 2);
+    QImage image(qCeil(center + width / 2) - left, rows.height(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter firstRow(&image);
+    firstRow.setRenderHint(QPainter::Antialiasing);
+    firstRow.fillRect(QRectF(center - width / 2 - left, 0, width, 1), color);
+    firstRow.end();
+    for (int y = 1; y < image.height(); ++y)
+        std::copy_n(image.constScanLine(0), image.bytesPerLine(), image.scanLine(y));
+    painter.drawImage(left, rows.top(), image);
+}
+
+void paintCorners(QPainter& painter, const OverlayFigure& figure, const QColor& accent) {
+    constexpr int kQuarter = 90 * 16; // in the sixteenths of a degree that Qt counts in, from the right
+    const QRectF shape = rectF(figure.shape);
+    QRectF circle(shape.topLeft(), QSizeF(2, 2) * figure.cornerRadius);
+    painter.setBrush(Qt::NoBrush);
+    painter.setPen(linePen(figure, accent));
+    painter.drawArc(circle, kQuarter, kQuarter);
+    circle.moveRight(shape.right());
+    painter.drawArc(circle, 0, kQuarter);
+    circle.moveBottom(shape.bottom());
+    painter.drawArc(circle, 3 * kQuarter, kQuarter);
+    circle.moveLeft(shape.left());
+    painter.drawArc(circle, 2 * kQuarter, kQuarter);
+}
+
+void paintLine(QPainter& painter, const OverlayFigure& figure, const QColor& accent, const QRect& rows) {
+    const QRectF shape = rectF(figure.shape);
+    const QColor color = translucent(accent, figure.strokeAlpha);
+    const double width = figure.strokeWidth;
+    paintCorners(painter, figure, accent);
+    for (const double y : {shape.top(), shape.bottom()})
+        painter.fillRect(QRectF(shape.left() + figure.cornerRadius, y - width / 2,
+                                shape.width() - 2 * figure.cornerRadius, width),
+                         color);
+    for (const double x : {shape.left(), shape.right()})
+        paintSide(painter, x, width, rows, color);
+}
+
+void paintShape(QPainter& painter, const OverlayFigure& figure, const QColor& accent, bool onNothing) {
+    const QColor fill = translucent(accent, figure.fillAlpha);
+    if (const QRect rows = wholeRows(figure); rows.isValid()) {
+        paintFill(painter, figure, fill, rows, onNothing);
+        paintLine(painter, figure, accent, rows);
+        return;
+    }
+    painter.setBrush(fill);
+    painter.setPen(linePen(figure, accent));
+    paintRounded(painter, figure);
+}
+
+} // namespace
+
+void TranslucentFigures::paint(QPainter& painter, const OverlayFigure& figure, double scale, bool onNothing) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (!figure.shape.isNull())
+        paintShape(painter, figure, m_accent, onNothing);
+    if (figure.label.text.empty())
+        return;
+    const QImage& image = labelImage(figure.label, scale);
+    painter.drawImage(placed(image, figure.label.center), image);
+}
+
+QRect TranslucentFigures::extent(const OverlayFigure& figure, double scale) {
+    const QRect shape = pixels(figure.bounds);
+    if (figure.label.text.empty())
+        return shape;
+    return shape.united(placed(labelImage(figure.label, scale), figure.label.center));
+}
+
+const QImage& TranslucentFigures::labelImage(const OverlayLabel& label, double scale) {
+    const LabelKey key(label.text, label.fontSize, label.fontWeight, label.alpha, scale);
+    if (const auto known = m_labels.find(key); known != m_labels.end())
+        return known->second;
+    if (m_labels.size() >= kMostLabels)
+        m_labels.clear();
+    return m_labels.emplace(key, drawLabel(label, scale)).first->second;
+}
+
+} // namespace tessarel::qt

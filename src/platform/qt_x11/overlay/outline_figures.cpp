@@ -1,0 +1,112 @@
+#include "platform/qt_x11/overlay/outline_figures.h"
+
+#include "platform/qt/overlay_colors.h"
+#include "platform/qt/overlay_pixels.h"
+#include "platform/qt/overlay_text.h"
+
+#include <QColor>
+#include <QString>
+
+#include <algorithm>
+
+namespace tessarel::qt {
+
+namespace {
+
+// In lines.
+constexpr int kEdge = 1;
+constexpr int kPlainRing = kEdge + 2;
+constexpr int kHighlightedRing = kEdge + 6;
+constexpr int kHatchStep = 6;
+constexpr int kBadge = 44;
+
+constexpr QRgb kDark = qRgb(0x2b, 0x34, 0x45);
+
+QRect inset(const QRect& rect, int by) {
+    return rect.adjusted(by, by, -by, -by);
+}
+
+/// What lies within `rect`, but not within `hole`, which may be less than nothing.
+QRegion frame(const QRect& rect, const QRect& hole) {
+    return QRegion(rect) - QRegion(hole.isValid() ? hole : QRect());
+}
+
+void fill(QPainter& painter, const QRegion& region, const QColor& color) {
+    for (const QRect& part : region)
+        painter.fillRect(part, color);
+}
+
+} // namespace
+
+OutlineFigures::OutlineFigures(const QRect& window, double scale)
+    : m_window(window), m_scale(scale), m_line(std::max(1, qRound(scale))) {}
+
+int OutlineFigures::ringWidth(const OverlayFigure& figure) const {
+    return m_line * (figure.highlighted ? kHighlightedRing : kPlainRing);
+}
+
+QRegion OutlineFigures::ring(const OverlayFigure& figure) const {
+    const QRect shape = pixels(figure.shape);
+    return frame(shape, inset(shape, ringWidth(figure)));
+}
+
+QRegion OutlineFigures::hatch(const OverlayFigure& figure) const {
+    QRegion lines;
+    if (!figure.highlighted)
+        return lines;
+    const QRect inside = inset(pixels(figure.shape), ringWidth(figure));
+    const QRect seen = inside & m_window;
+    const int step = m_line * kHatchStep;
+    // A line that has left the window at the top does not move those that follow.
+    const int skipped = std::max(0, seen.top() - inside.top()) / step * step;
+    for (int y = inside.top() + skipped + step - m_line; y <= seen.bottom(); y += step)
+        lines += QRect(seen.left(), y, seen.width(), m_line) & seen;
+    return lines;
+}
+
+QRect OutlineFigures::badge(const OverlayFigure& figure) const {
+    if (figure.label.text.empty())
+        return {};
+    const QString text = QString::fromStdString(figure.label.text);
+    const int height = kBadge * m_line;
+    const int needed = QFontMetrics(labelFont(figure.label, m_scale)).horizontalAdvance(text) + height / 3;
+    QRect rect(0, 0, std::max(height, needed), height);
+    rect.moveTo(qRound(figure.label.center.x - rect.width() / 2.0),
+                qRound(figure.label.center.y - rect.height() / 2.0));
+    return rect;
+}
+
+QRegion OutlineFigures::region(const OverlayFigure& figure) const {
+    return (ring(figure) + hatch(figure) + badge(figure)) & m_window;
+}
+
+QRect OutlineFigures::extent(const OverlayFigure& figure) const {
+    return pixels(figure.shape).united(badge(figure)) & m_window;
+}
+
+/// Every other line of the hatch is.
+bool OutlineFigures::isWhite(const QRect& line, const QRect& shape) const {
+    return (line.top() - shape.top()) / (m_line * kHatchStep) % 2 != 0;
+}
+
+void OutlineFigures::paint(QPainter& painter, const OverlayFigure& figure) const {
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    const QRect shape = pixels(figure.shape);
+    fill(painter, ring(figure), QColor(kAccent));
+    fill(painter, frame(shape, inset(shape, m_line * kEdge)), Qt::white);
+    for (const QRect& line : hatch(figure))
+        painter.fillRect(line, isWhite(line, shape) ? QColor(Qt::white) : QColor(kAccent));
+    if (!figure.label.text.empty())
+        paintBadge(painter, figure);
+}
+
+void OutlineFigures::paintBadge(QPainter& painter, const OverlayFigure& figure) const {
+    const QRect rect = badge(figure);
+    painter.fillRect(rect, Qt::white);
+    painter.fillRect(inset(rect, m_line), QColor(figure.highlighted ? kAccent : kDark));
+    painter.setPen(Qt::white);
+    painter.setFont(labelFont(figure.label, m_scale));
+    painter.drawText(rect, Qt::AlignCenter, QString::fromStdString(figure.label.text));
+}
+
+} // namespace tessarel::qt

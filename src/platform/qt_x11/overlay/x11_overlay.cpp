@@ -1,0 +1,16 @@
+#include "platform/qt_x11/overlay/x11_overlay.h"
+
+#include "platform/qt_x11/overlay/x11_overlay_window.h"
+
+#include <utility>
+
+namespace tessarel::qt {
+
+X11Overlay::X11Overlay(MainQueuePort& queue, Conversion desktopPixels)
+    : m_queue(queue), m_desktopPixels(std::move(desktopPixels)) {}
+
+std::unique_ptr<OverlayWindow> X11Overlay::createWindow() {
+    return std::make_unique<X11OverlayWindow>(m_queue, m_desktopPixels);
+}
+
+} // namespace tessarel::qt

@@ -1,0 +1,36 @@
+#include "platform/qt_x11/qt_connection.h"
+
+#include <QGuiApplication>
+#include <xcb/xcb.h>
+
+#include <cstdint>
+
+namespace tessarel::qt {
+
+xcb_connection_t* qtConnection() {
+    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 ? x11->connection() : nullptr;
+}
+
+int screenNumber() {
+    char* host = nullptr;
+    int display = 0;
+    int screen = 0;
+    const bool isValid = xcb_parse_display(nullptr, &host, &display, &screen) != 0;
+    const std::unique_ptr<char, FreeDeleter> owned(host);
+    return isValid ? screen : 0;
+}
+
+xcb_atom_t internAtom(xcb_connection_t* xcb, std::string_view name) {
+    const auto cookie = xcb_intern_atom(xcb, 0, static_cast<std::uint16_t>(name.size()), name.data());
+    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(xcb, cookie, nullptr));
+    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+}
+
+xcb_window_t ownerOf(xcb_connection_t* xcb, xcb_atom_t selection) {
+    const auto cookie = xcb_get_selection_owner(xcb, selection);
+    const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(xcb, cookie, nullptr));
+    return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+} // namespace tessarel::qt

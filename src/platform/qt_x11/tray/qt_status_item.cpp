@@ -1,0 +1,213 @@
+#include "platform/qt_x11/tray/qt_status_item.h"
+
+#include "platform/qt_x11/tray/menu_view.h"
+#include "platform/qt_x11/tray/status_symbols.h"
+#include "platform/qt_x11/tray/tray_watch.h"
+
+#include <QCursor>
+#include <QIcon>
+#include <QMenu>
+#include <QObject>
+#include <QString>
+#include <QSystemTrayIcon>
+
+#include <chrono>
+#include <string>
+#include <utility>
+
+namespace tessarel::qt {
+
+namespace {
+
+/// A panel that is expected on the session bus comes without a sign of its own: it is looked for again this
+/// often, then no more until the next sign. Where none is expected, nothing is looked for.
+constexpr int kLooks = 15;
+constexpr std::chrono::seconds kBetweenLooks{2};
+
+QString toQString(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+} // namespace
+
+/// One item put up: what it shows, and its icon once there is a place for it.
+class QtStatusItem::Item : public std::enable_shared_from_this<Item> {
+public:
+    Item(MainQueuePort& queue, Delegate delegate) : m_queue(queue), m_delegate(std::move(delegate)) {}
+
+    /// Needs to be in a shared pointer already.
+    void appearInTheLoop() { later(&Item::appear); }
+
+    void setSymbol(std::string_view name, std::string_view description) {
+        m_symbol = name;
+        m_description = toQString(description);
+        refresh();
+    }
+    void clearSymbol() {
+        m_symbol.clear();
+        refresh();
+    }
+    void setTitle(std::string_view title) {
+        m_title = toQString(title);
+        refresh();
+    }
+    void setAppearsDisabled(bool appearsDisabled) {
+        m_appearance =
+            appearsDisabled ? status_symbols::Appearance::Disabled : status_symbols::Appearance::Normal;
+        refresh();
+    }
+
+private:
+    void later(void (Item::*work)(), MainQueuePort::Duration delay = {}) {
+        m_queue.asyncAfter(delay, [work, weak = weak_from_this()] {
+            if (const auto self = weak.lock())
+                (self.get()->*work)();
+        });
+    }
+
+    void appear() {
+        m_menu = makeMenu(MenuView::DrawnBy::Qt);
+        m_watch = std::make_unique<TrayWatch>([this] { later(&Item::lookAfterSign); });
+        lookAfterSign();
+    }
+
+    /// A menu that asks for its rows each time it is about to open.
+    std::unique_ptr<MenuView> makeMenu(MenuView::DrawnBy drawnBy) {
+        auto menu = std::make_unique<MenuView>(drawnBy, [this](const MenuItem& row) { choose(row); });
+        QObject::connect(&menu->widget(), &QMenu::aboutToShow, &menu->widget(),
+                         [this, opened = menu.get()] { fill(*opened); });
+        return menu;
+    }
+
+    void lookAfterSign() {
+        const bool looking = m_looksLeft > 0;
+        m_looksLeft = kLooks;
+        if (!looking)
+            look();
+        else
+            settle();
+    }
+
+    void look() {
+        m_looksLeft = settle() ? m_looksLeft - 1 : 0;
+        if (m_looksLeft > 0)
+            later(&Item::look, kBetweenLooks);
+    }
+
+    /// Puts the icon where there is a place for it; true when it has to be looked for again.
+    bool settle() {
+        if (m_icon)
+            return false;
+        const TrayWatch::Place place = m_watch->place();
+        if (place == TrayWatch::Place::SystemTray || place == TrayWatch::Place::StatusNotifierHost)
+            putUp(place);
+        return place == TrayWatch::Place::Expected;
+    }
+
+    void putUp(TrayWatch::Place place) {
+        m_icon = std::make_unique<QSystemTrayIcon>();
+        QObject::connect(m_icon.get(), &QSystemTrayIcon::activated, m_icon.get(),
+                         [this](QSystemTrayIcon::ActivationReason reason) { activated(reason); });
+        if (place == TrayWatch::Place::StatusNotifierHost)
+            handMenuToPanel();
+        later(&Item::stopWatching);
+        refresh();
+    }
+
+    /// Qt finds a panel that starts again by itself.
+    void stopWatching() { m_watch.reset(); }
+
+    void handMenuToPanel() {
+        m_panelMenu = makeMenu(MenuView::DrawnBy::Panel);
+        m_icon->setContextMenu(&m_panelMenu->widget());
+        // A panel may not offer a menu that was empty when it first saw it.
+        later(&Item::fillPanelMenu);
+    }
+
+    void fillPanelMenu() { fill(*m_panelMenu); }
+
+    void fill(MenuView& menu) { menu.show(m_delegate.menuNeedsUpdate()); }
+
+    void choose(const MenuItem& row) {
+        m_queue.async([row, weak = weak_from_this()] {
+            if (const auto self = weak.lock())
+                self->m_delegate.itemSelected(row);
+        });
+    }
+
+    /// A panel that draws the menu itself tells nothing of the second button.
+    void activated(QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context)
+            m_menu->widget().popup(QCursor::pos());
+    }
+
+    [[nodiscard]] QIcon picture() const {
+        return m_symbol.empty() ? status_symbols::text(m_title, m_appearance)
+                                : status_symbols::symbol(m_symbol, m_appearance);
+    }
+
+    void refresh() {
+        if (!m_icon)
+            return;
+        const QIcon icon = picture();
+        m_icon->setIcon(icon);
+        m_icon->setToolTip(m_description);
+        m_icon->setVisible(!icon.isNull());
+    }
+
+    MainQueuePort& m_queue;
+    Delegate m_delegate;
+    std::string m_symbol;
+    QString m_description;
+    QString m_title;
+    status_symbols::Appearance m_appearance = status_symbols::Appearance::Normal;
+    int m_looksLeft = 0;
+    std::unique_ptr<TrayWatch> m_watch; // while there is no icon
+    std::unique_ptr<MenuView> m_menu;
+    std::unique_ptr<MenuView> m_panelMenu;   // only where the panel draws the menu
+    std::unique_ptr<QSystemTrayIcon> m_icon; // goes before the menu that it shows
+};
+
+class QtStatusItem::ItemSubscription : public Subscription {
+public:
+    explicit ItemSubscription(std::shared_ptr<Item> item) : m_item(std::move(item)) {}
+
+private:
+    std::shared_ptr<Item> m_item;
+};
+
+QtStatusItem::QtStatusItem(MainQueuePort& queue) : m_queue(queue) {}
+
+QtStatusItem::~QtStatusItem() = default;
+
+SubscriptionPtr QtStatusItem::create(Delegate delegate) {
+    auto item = std::make_shared<Item>(m_queue, std::move(delegate));
+    item->appearInTheLoop();
+    m_item = item;
+    return std::make_unique<ItemSubscription>(std::move(item));
+}
+
+bool QtStatusItem::setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) {
+    if (!status_symbols::exists(symbolName))
+        return false;
+    if (const auto item = m_item.lock())
+        item->setSymbol(symbolName, accessibilityDescription);
+    return true;
+}
+
+void QtStatusItem::clearImage() {
+    if (const auto item = m_item.lock())
+        item->clearSymbol();
+}
+
+void QtStatusItem::setTitle(std::string_view title) {
+    if (const auto item = m_item.lock())
+        item->setTitle(title);
+}
+
+void QtStatusItem::setAppearsDisabled(bool appearsDisabled) {
+    if (const auto item = m_item.lock())
+        item->setAppearsDisabled(appearsDisabled);
+}
+
+} // namespace tessarel::qt

@@ -1,0 +1,137 @@
+#include "platform/qt_x11/tray/status_symbols.h"
+
+#include <QColor>
+#include <QFont>
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPainterPath>
+#include <QPen>
+#include <QPixmap>
+#include <QRect>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <functional>
+#include <span>
+
+namespace tessarel::qt::status_symbols {
+
+namespace {
+
+constexpr std::array kSizes = {16, 22, 24, 32, 48};
+
+constexpr QColor kGlyph(0xfa, 0xfa, 0xfa);
+constexpr QColor kEdge(0x20, 0x20, 0x20);
+constexpr double kDisabledOpacity = 0.4;
+
+/// Symbols are designed on a grid of this many units.
+constexpr int kGrid = 16;
+
+/// A tile of a symbol, edges in units of the grid.
+struct Tile {
+    int left;
+    int top;
+    int right;
+    int bottom;
+};
+
+constexpr std::array kGroup = {Tile{1, 2, 7, 14}, Tile{9, 2, 15, 7}, Tile{9, 9, 15, 14}};
+constexpr std::array kGridOfFour = {Tile{1, 1, 7, 7}, Tile{9, 1, 15, 7}, Tile{1, 9, 7, 15},
+                                    Tile{9, 9, 15, 15}};
+constexpr std::array kColumns = {Tile{1, 2, 5, 14}, Tile{6, 2, 10, 14}, Tile{11, 2, 15, 14}};
+
+struct Symbol {
+    std::string_view name;
+    std::span<const Tile> tiles;
+};
+
+constexpr std::array kSymbols = {Symbol{"rectangle.3.group", kGroup}, Symbol{"square.grid.2x2", kGridOfFour},
+                                 Symbol{"rectangle.split.3x1", kColumns}};
+
+int edgeWidth(int size) {
+    return std::max(1, size / kGrid);
+}
+
+/// The tile on an icon of `size` pixels. Whole pixels, or it would be blurred.
+QRect pixels(const Tile& tile, int size) {
+    const auto scaled = [size](int units) {
+        return static_cast<int>(std::lround(static_cast<double>(units) * size / kGrid));
+    };
+    const QPoint topLeft(scaled(tile.left), scaled(tile.top));
+    return {topLeft, QSize(scaled(tile.right) - topLeft.x(), scaled(tile.bottom) - topLeft.y())};
+}
+
+void drawTiles(QPainter& painter, std::span<const Tile> tiles, int size) {
+    const int edge = edgeWidth(size);
+    for (const Tile& tile : tiles)
+        painter.fillRect(pixels(tile, size).adjusted(-edge, -edge, edge, edge), kEdge);
+    for (const Tile& tile : tiles)
+        painter.fillRect(pixels(tile, size), kGlyph);
+}
+
+void drawText(QPainter& painter, const QString& text, int size) {
+    QFont font = QGuiApplication::font();
+    font.setBold(true);
+    font.setPixelSize(size);
+    QPainterPath path;
+    path.addText(0, 0, font, text);
+    const QRectF bounds = path.boundingRect();
+    if (bounds.isEmpty())
+        return;
+    const double edge = edgeWidth(size);
+    const double room = size - 2 * edge;
+    const double scale = std::min(room / bounds.width(), room / bounds.height());
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.translate(size / 2.0, size / 2.0);
+    painter.scale(scale, scale);
+    painter.translate(-bounds.center());
+    painter.strokePath(path, QPen(kEdge, 2 * edge / scale, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.fillPath(path, kGlyph);
+}
+
+QIcon drawn(Appearance appearance, const std::function<void(QPainter&, int size)>& draw) {
+    QIcon icon;
+    for (const int size : kSizes) {
+        QPixmap glyph(size, size);
+        glyph.fill(Qt::transparent);
+        QPainter painter(&glyph);
+        draw(painter, size);
+        painter.end();
+        if (appearance == Appearance::Normal) {
+            icon.addPixmap(glyph);
+            continue;
+        }
+        // Dimmed as a whole: dimming glyph and edge one by one would let the edge shine through.
+        QPixmap dimmed(size, size);
+        dimmed.fill(Qt::transparent);
+        QPainter dimmer(&dimmed);
+        dimmer.setOpacity(kDisabledOpacity);
+        dimmer.drawPixmap(0, 0, glyph);
+        dimmer.end();
+        icon.addPixmap(dimmed);
+    }
+    return icon;
+}
+
+} // namespace
+
+bool exists(std::string_view symbolName) {
+    return std::ranges::find(kSymbols, symbolName, &Symbol::name) != kSymbols.end();
+}
+
+QIcon symbol(std::string_view name, Appearance appearance) {
+    const auto* const found = std::ranges::find(kSymbols, name, &Symbol::name);
+    if (found == kSymbols.end())
+        return {};
+    return drawn(appearance,
+                 [found](QPainter& painter, int size) { drawTiles(painter, found->tiles, size); });
+}
+
+QIcon text(const QString& text, Appearance appearance) {
+    if (text.isEmpty())
+        return {};
+    return drawn(appearance, [&text](QPainter& painter, int size) { drawText(painter, text, size); });
+}
+
+} // namespace tessarel::qt::status_symbols

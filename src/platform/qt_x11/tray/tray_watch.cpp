@@ -1,0 +1,96 @@
+#include "platform/qt_x11/tray/tray_watch.h"
+
+#include "platform/qt_x11/qt_connection.h"
+
+#include <QDBusConnection>
+#include <QDBusError>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QGuiApplication>
+#include <QObject>
+#include <xcb/xcb.h>
+
+#include <chrono>
+#include <string>
+#include <utility>
+
+namespace tessarel::qt {
+
+namespace {
+
+const QString kWatcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
+const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
+
+/// A watcher that does not answer must not keep the program from starting.
+constexpr std::chrono::milliseconds kPatience{500};
+
+bool isOwned(xcb_atom_t selection) {
+    xcb_connection_t* const xcb = qtConnection();
+    return xcb != nullptr && selection != XCB_ATOM_NONE && ownerOf(xcb, selection) != XCB_WINDOW_NONE;
+}
+
+/// Whether there is a watcher, though it may not have had an answer for us.
+bool isThereSomebody(const QDBusMessage& answer) {
+    switch (QDBusError(answer).type()) {
+    case QDBusError::Disconnected:
+    case QDBusError::ServiceUnknown:
+    case QDBusError::Other: // so the bus calls a name that nobody has and that it may start nobody for
+        return false;
+    default:
+        return true;
+    }
+}
+
+TrayWatch::Place placeOnBus() {
+    QDBusMessage question = QDBusMessage::createMethodCall(kWatcherService, kWatcherPath,
+                                                           QStringLiteral("org.freedesktop.DBus.Properties"),
+                                                           QStringLiteral("Get"));
+    question.setAutoStartService(false);
+    question << kWatcherService << QStringLiteral("IsStatusNotifierHostRegistered");
+    const QDBusMessage answer =
+        QDBusConnection::sessionBus().call(question, QDBus::Block, static_cast<int>(kPatience.count()));
+    if (answer.arguments().value(0).value<QDBusVariant>().variant().toBool())
+        return TrayWatch::Place::StatusNotifierHost;
+    return isThereSomebody(answer) ? TrayWatch::Place::Expected : TrayWatch::Place::None;
+}
+
+} // namespace
+
+TrayWatch::TrayWatch(std::function<void()> sign)
+    : m_sign(std::move(sign)), m_busWatcher(kWatcherService, QDBusConnection::sessionBus(),
+                                            QDBusServiceWatcher::WatchForRegistration) {
+    QObject::connect(&m_busWatcher, &QDBusServiceWatcher::serviceRegistered, &m_busWatcher,
+                     [this] { m_sign(); });
+    if (xcb_connection_t* const xcb = qtConnection()) {
+        m_managerAtom = internAtom(xcb, "MANAGER");
+        m_selectionAtom = internAtom(xcb, "_NET_SYSTEM_TRAY_S" + std::to_string(screenNumber()));
+        qGuiApp->installNativeEventFilter(this);
+    }
+}
+
+TrayWatch::~TrayWatch() {
+    if (qGuiApp != nullptr)
+        qGuiApp->removeNativeEventFilter(this);
+}
+
+TrayWatch::Place TrayWatch::place() const {
+    const Place onBus = placeOnBus();
+    if (onBus == Place::StatusNotifierHost || !isOwned(m_selectionAtom))
+        return onBus;
+    return Place::SystemTray;
+}
+
+bool TrayWatch::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
+    if (eventType != "xcb_generic_event_t")
+        return false;
+    constexpr std::uint8_t kSentBySomebody = 0x80;
+    const auto* const event = static_cast<const xcb_generic_event_t*>(message);
+    if ((event->response_type & ~kSentBySomebody) != XCB_CLIENT_MESSAGE)
+        return false;
+    const auto* const news = static_cast<const xcb_client_message_event_t*>(message);
+    if (news->type == m_managerAtom && news->data.data32[1] == m_selectionAtom)
+        m_sign();
+    return false;
+}
+
+} // namespace tessarel::qt

@@ -1,0 +1,103 @@
+#include "program/mac_program.h"
+
+#include "platform/macos/accent_color.h"
+#include "platform/macos/overlay_properties.h"
+#include "platform/qt/focus_editing.h"
+#include "platform/qt/overlay_colors.h"
+#include "settings_ui/settings_window_controller.h"
+
+#include <QApplication>
+#include <QColor>
+#include <QWidget>
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+namespace tessarel {
+
+namespace {
+
+QColor accent() {
+    const auto color = macos::accentColor();
+    if (!color)
+        return {qt::kAccent};
+    return QColor::fromRgbF(static_cast<float>(color->red), static_cast<float>(color->green),
+                            static_cast<float>(color->blue));
+}
+
+} // namespace
+
+MacProgram::MacProgram(NativeView nativeView)
+    : m_nativeView(std::move(nativeView)), m_desktop(m_queue, qt::editInFocus),
+      m_alerts(
+          {.shown = [this](QWidget& box) { macos::MacOwnApplication::bringToFront(m_nativeView(box)); }}),
+      m_application(m_toolkit, [this] { return shownWindows(); }),
+      m_overlay(m_queue,
+                {.place = [this](const Rect& screenFrame) { return placeForQt(screenFrame); },
+                 .prepare = [this](QWidget& window) { macos::becomeOverlay(m_nativeView(window)); },
+                 .orderFront = [this](QWidget& window) { macos::orderOverlayFront(m_nativeView(window)); },
+                 .accent = accent}),
+      m_delegate(ports(), [](Services& services, const Ports& all) {
+          return std::make_unique<SettingsWindowController>(services, all);
+      }) {}
+
+void MacProgram::prepareToolkit() {
+    qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
+    qputenv("QT_MAC_SET_RAISE_PROCESS", "0");
+}
+
+AppDelegate::Launch MacProgram::launch() {
+    macos::MacOwnApplication::becomeAccessory();
+    return m_delegate.applicationDidFinishLaunching();
+}
+
+/// Qt counts in points, as AppKit does, but from the top-left corner of the primary display.
+Rect MacProgram::placeForQt(const Rect& screenFrame) {
+    const auto screens = m_desktop.displays.screens();
+    const double primaryHeight = screens.empty() ? 0 : screens.front().frame.absHeight();
+    return {screenFrame.minX(), primaryHeight - screenFrame.maxY(), screenFrame.absWidth(),
+            screenFrame.absHeight()};
+}
+
+/// A message stands in front of the window that it is about.
+std::vector<void*> MacProgram::shownWindows() const {
+    QWidgetList windows = QApplication::topLevelWidgets();
+    windows.removeIf([](const QWidget* window) {
+        return !window->isVisible() || window->windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus);
+    });
+    std::stable_partition(windows.begin(), windows.end(),
+                          [](const QWidget* window) { return !window->isModal(); });
+    std::vector<void*> views;
+    for (QWidget* const window : windows)
+        views.push_back(m_nativeView(*window));
+    return views;
+}
+
+Ports MacProgram::ports() {
+    return {.accessibility = m_desktop.accessibility,
+            .alertSound = m_desktop.alertSound,
+            .alerts = m_alerts,
+            .application = m_application,
+            .displays = m_desktop.displays,
+            .hotKeys = m_desktop.hotKeys,
+            .localKeys = m_desktop.localKeys,
+            .loginItem = m_desktop.loginItem,
+            .mainMenu = m_desktop.mainMenu,
+            .mainQueue = m_queue,
+            .mouse = m_desktop.mouse,
+            .openPanel = m_desktop.openPanel,
+            .openUrl = m_desktop.openUrl,
+            .overlay = m_overlay,
+            .preferences = m_desktop.preferences,
+            .singleInstance = m_desktop.singleInstance,
+            .statusItem = m_desktop.statusItem,
+            .trust = m_desktop.trust,
+            .urlLoading = m_urlLoading,
+            .wallClock = m_wallClock,
+            .windowList = m_desktop.windowList,
+            .workspace = m_desktop.workspace,
+            .words = m_desktop.words};
+}
+
+} // namespace tessarel

@@ -1,0 +1,138 @@
+#include "app/app_delegate.h"
+#include "platform/posix/termination_signals.h"
+#include "platform/qt/qt_alerts.h"
+#include "platform/qt/qt_main_queue.h"
+#include "platform/qt/qt_messages.h"
+#include "platform/qt/qt_open_panel.h"
+#include "platform/qt/qt_open_url.h"
+#include "platform/qt/qt_own_application.h"
+#include "platform/qt/qt_url_loading_module.h"
+#include "platform/qt/system_wall_clock.h"
+#include "platform/qt_x11/overlay/x11_overlay.h"
+#include "platform/qt_x11/pointer_crossings.h"
+#include "platform/qt_x11/qt_local_keys.h"
+#include "platform/qt_x11/tray/qt_status_item.h"
+#include "platform/qt_xdg/qt_appearance.h"
+#include "platform/x11/input/key_lookup.h"
+#include "platform/x11/server/connection.h"
+#include "platform/x11/x11_desktop.h"
+#include "program/qt_program.h"
+#include "settings_ui/settings_window_controller.h"
+
+#include <QApplication>
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tessarel {
+
+namespace {
+
+/// A server that has gone has let go of all that was claimed; and Qt cannot be taken down in order without
+/// it.
+[[noreturn]] void endWithoutDisplay() {
+    say("lost the connection to the X display");
+    std::_Exit(EXIT_FAILURE);
+}
+
+/// Runs Qt's loop on `connection` until the program is asked to end or the display goes: its exit code. The
+/// delegate, whose windows need Qt, ends with the loop.
+int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSignals& terminationSignals,
+            x11::Connection& connection, std::optional<AppDelegate>& delegate) {
+    // Not what the session offers or the user passes: overlay, hot keys and placement are X11's.
+    std::array<std::string, 5> options{programName, "-platform", "xcb", "-platformtheme", "generic"};
+    std::array<char*, 6> arguments{};
+    std::ranges::transform(options, arguments.begin(), [](std::string& option) { return option.data(); });
+    int argumentCount = options.size();
+
+    QApplication::setDesktopSettingsAware(false);
+    describeProgramToQt();
+    const QApplication application(argumentCount, arguments.data());
+    qt::ignorePointerCrossings();
+
+    const auto events =
+        queue.onReadable(connection.fileDescriptor(), [&connection] { connection.dispatch(); });
+    const auto loss = connection.onLost(endWithoutDisplay);
+    const auto termination = terminationSignals.onReceived(queue, [] { QApplication::exit(EXIT_SUCCESS); });
+    const int exitCode = QApplication::exec();
+    delegate.reset();
+    return exitCode;
+}
+
+/// Claims what belongs to the desktop first and starts Qt, which takes its time, afterwards: keys pressed
+/// meanwhile are ours and wait for the loop.
+int run(const char* programName) {
+    qt::installMessageHandler(endWithoutDisplay);
+    qt::TerminationSignals terminationSignals;
+    qt::QtMainQueue queue;
+    const auto [connection, failure] = x11::Connection::open(nullptr, queue);
+    if (!connection) {
+        say("cannot open the X display: " + failure);
+        return EXIT_FAILURE;
+    }
+
+    const x11::Session session =
+        x11::sessionOf(std::getenv("WAYLAND_DISPLAY"), std::getenv("XDG_SESSION_TYPE"));
+    qt::QtAppearance appearance;
+    qt::QtAlerts alerts({.beforeMaking = [&appearance] { appearance.apply(); }});
+    qt::QtOpenUrl openUrl;
+    x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl);
+    qt::QtLocalKeys localKeys(
+        x11::keyDown, [&link = *connection](std::uint32_t keycode) { return x11::isKeyHeld(link, keycode); });
+    qt::QtOpenPanel openPanel(xdg::InstalledApplications::folders(),
+                              [&desktop](const std::filesystem::path& file) {
+                                  return desktop.applications.identifierOfEntry(file);
+                              });
+    qt::QtOwnApplication application;
+    qt::X11Overlay overlay(queue,
+                           [&desktop](const Rect& screenFrame) { return desktop.rootPixels(screenFrame); });
+    qt::QtStatusItem statusItem(queue);
+    qt::QtUrlLoadingModule urlLoading;
+    qt::SystemWallClock wallClock;
+    std::optional<AppDelegate> delegate;
+    delegate.emplace(Ports{.accessibility = desktop.accessibility,
+                           .alertSound = desktop.alertSound,
+                           .alerts = alerts,
+                           .application = application,
+                           .displays = desktop.displays,
+                           .hotKeys = desktop.hotKeys,
+                           .localKeys = localKeys,
+                           .loginItem = desktop.loginItem,
+                           .mainMenu = desktop.mainMenu,
+                           .mainQueue = queue,
+                           .mouse = desktop.mouse,
+                           .openPanel = openPanel,
+                           .openUrl = openUrl,
+                           .overlay = overlay,
+                           .preferences = desktop.preferences,
+                           .singleInstance = desktop.singleInstance,
+                           .statusItem = statusItem,
+                           .trust = desktop.trust,
+                           .urlLoading = urlLoading,
+                           .wallClock = wallClock,
+                           .windowList = desktop.windowList,
+                           .workspace = desktop.workspace,
+                           .words = desktop.words},
+                     [&appearance](Services& services, const Ports& ports) {
+                         appearance.apply();
+                         return std::make_unique<SettingsWindowController>(services, ports);
+                     });
+    if (delegate->applicationDidFinishLaunching() == AppDelegate::Launch::AnotherCopyRuns)
+        return EXIT_SUCCESS;
+    if (session == x11::Session::Wayland)
+        say("this is a Wayland session, where only XWayland windows could be moved; use an X11 session");
+    return runLoop(programName, queue, terminationSignals, *connection, delegate);
+}
+
+} // namespace
+
+} // namespace tessarel
+
+int main(int, char** arguments) {
+    return tessarel::run(arguments[0]);
+}

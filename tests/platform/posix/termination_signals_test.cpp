@@ -1,0 +1,112 @@
+#include "platform/posix/termination_signals.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <csignal>
+#include <fcntl.h>
+#include <memory>
+#include <string>
+
+namespace tessarel::qt {
+namespace {
+
+class TerminationSignalsTest : public testing::TestWithParam<int> {
+protected:
+    /// Turns the loop until what was under way has been done.
+    void drain() {
+        bool last = false;
+        queue.async([&last] { last = true; });
+        while (!last)
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QCoreApplication::processEvents();
+    }
+
+    [[nodiscard]] static auto handlerOf(int signal) {
+        struct sigaction present {};
+        ::sigaction(signal, nullptr, &present);
+        return present.sa_handler;
+    }
+
+    int argumentCount = 1;
+    std::array<char, 5> programName{"test"};
+    std::array<char*, 2> arguments{programName.data(), nullptr};
+    QCoreApplication application{argumentCount, arguments.data()};
+    QtMainQueue queue;
+    int received = 0;
+};
+
+TEST_P(TerminationSignalsTest, ASignalIsToldOnTheMainThread) {
+    TerminationSignals terminationSignals;
+    const auto subscription = terminationSignals.onReceived(queue, [this] { ++received; });
+
+    ::raise(GetParam());
+    EXPECT_EQ(received, 0);
+    drain();
+
+    EXPECT_EQ(received, 1);
+}
+
+TEST_P(TerminationSignalsTest, ASignalThatCameBeforeAnybodyListenedIsNotLost) {
+    TerminationSignals terminationSignals;
+    ::raise(GetParam());
+
+    const auto subscription = terminationSignals.onReceived(queue, [this] { ++received; });
+    drain();
+
+    EXPECT_EQ(received, 1);
+}
+
+TEST_P(TerminationSignalsTest, SignalsWithoutNumberBlockNobody) {
+    TerminationSignals terminationSignals;
+    for (int i = 0; i < 100'000; ++i)
+        ::raise(GetParam());
+
+    const auto subscription = terminationSignals.onReceived(queue, [this] { ++received; });
+    drain();
+
+    EXPECT_EQ(received, 1);
+}
+
+TEST_P(TerminationSignalsTest, NoOtherProgramInheritsThePipe) {
+    const auto inheritable = [] {
+        int count = 0;
+        for (int descriptor = 0; descriptor < 256; ++descriptor) {
+            const int flags = ::fcntl(descriptor, F_GETFD);
+            count += flags >= 0 && (flags & FD_CLOEXEC) == 0 ? 1 : 0;
+        }
+        return count;
+    };
+    const int before = inheritable();
+
+    const TerminationSignals terminationSignals;
+
+    EXPECT_EQ(inheritable(), before);
+}
+
+TEST_P(TerminationSignalsTest, AnIgnoredSignalStaysIgnored) {
+    std::signal(GetParam(), SIG_IGN);
+    {
+        TerminationSignals terminationSignals;
+        const auto subscription = terminationSignals.onReceived(queue, [this] { ++received; });
+        ::raise(GetParam());
+        drain();
+    }
+
+    EXPECT_EQ(received, 0);
+    EXPECT_EQ(handlerOf(GetParam()), SIG_IGN);
+    std::signal(GetParam(), SIG_DFL);
+}
+
+TEST_P(TerminationSignalsTest, TheEndGivesTheSignalItsUsualEffect) {
+    { const TerminationSignals terminationSignals; }
+
+    EXPECT_EQ(handlerOf(GetParam()), SIG_DFL);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, TerminationSignalsTest, testing::Values(SIGTERM, SIGINT, SIGHUP));
+
+} // namespace
+} // namespace tessarel::qt

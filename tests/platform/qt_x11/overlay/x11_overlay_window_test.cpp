@@ -1,0 +1,320 @@
+#include "platform/qt_x11/overlay/x11_overlay_window.h"
+
+#include "platform/qt_x11/overlay/x11_overlay.h"
+#include "platform/sim/sim_clock.h"
+#include "platform/sim/sim_main_queue.h"
+#include "support/offscreen_test.h"
+#include "support/overlay_figures.h"
+
+#include <QEvent>
+#include <QPaintEvent>
+#include <QWidget>
+
+#include <memory>
+#include <vector>
+
+namespace tessarel::qt {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr Rect kLeft{0, 0, 200, 300};
+constexpr Rect kRight{200, 0, 200, 300};
+
+/// Writes down what every widget of the program has been asked to paint.
+class PaintLog : public QObject {
+public:
+    PaintLog() { qApp->installEventFilter(this); }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint)
+            painted.push_back(static_cast<QPaintEvent*>(event)->region());
+        return false;
+    }
+
+    std::vector<QRegion> painted;
+};
+
+class X11OverlayWindowTest : public OffscreenTest {
+protected:
+    /// The surface, as long as there is one.
+    [[nodiscard]] static QWidget* surface() {
+        const auto all = QApplication::topLevelWidgets();
+        return all.isEmpty() ? nullptr : all.first();
+    }
+
+    /// The window with two zones, the left one highlighted, in front and painted, long ago.
+    void showTwoZones() {
+        window->setFrame({100, 50, 400, 300});
+        window->setFigures(leftHighlighted, {kLeft, kRight});
+        window->orderFront();
+        turn();
+        clock.advance(1s);
+        log.painted.clear();
+    }
+
+    void highlightRight() { window->setFigures(rightHighlighted, {kLeft, kRight}); }
+    void highlightLeft() { window->setFigures(leftHighlighted, {kLeft, kRight}); }
+
+    /// Lets Qt and the main queue do what is due.
+    void turn() {
+        QApplication::processEvents();
+        clock.advance(0s);
+        QApplication::processEvents();
+    }
+
+    const std::vector<OverlayFigure> leftHighlighted = {zoneFigure(kLeft, "1", true),
+                                                        zoneFigure(kRight, "2")};
+    const std::vector<OverlayFigure> rightHighlighted = {zoneFigure(kLeft, "1"),
+                                                         zoneFigure(kRight, "2", true)};
+    sim::SimClock clock;
+    sim::SimMainQueue queue{clock};
+    X11Overlay overlay{queue, [](const Rect& screenFrame) { return screenFrame; }};
+    std::unique_ptr<OverlayWindow> window = overlay.createWindow();
+    PaintLog log;
+};
+
+TEST_F(X11OverlayWindowTest, NothingIsMadeBeforeTheWindowIsShown) {
+    window->setFrame({0, 0, 400, 300});
+    window->setFigures(leftHighlighted, {kLeft, kRight});
+    turn();
+
+    EXPECT_EQ(surface(), nullptr);
+}
+
+TEST_F(X11OverlayWindowTest, TheSurfaceCoversTheFrame) {
+    showTwoZones();
+
+    ASSERT_NE(surface(), nullptr);
+    EXPECT_TRUE(surface()->isVisible());
+    EXPECT_EQ(surface()->geometry(), QRect(100, 50, 400, 300));
+}
+
+TEST_F(X11OverlayWindowTest, TheSurfaceFollowsTheFrameToAnotherScreen) {
+    showTwoZones();
+
+    window->setFrame({-300, 20, 300, 200});
+
+    EXPECT_EQ(surface()->geometry(), QRect(-300, 20, 300, 200));
+}
+
+TEST_F(X11OverlayWindowTest, TheFirstShowPaintsAllFigures) {
+    showTwoZones();
+    const QImage image = surface()->grab().toImage();
+
+    EXPECT_NEAR(image.pixelColor(50, 60).alphaF(), 0.35, 0.01);
+    EXPECT_NEAR(image.pixelColor(250, 60).alphaF(), 0.1, 0.01);
+}
+
+TEST_F(X11OverlayWindowTest, WithoutFiguresTheWindowIsTransparent) {
+    window->setFrame({100, 50, 400, 300});
+    window->orderFront();
+    turn();
+
+    ASSERT_TRUE(surface()->isVisible());
+    const QImage image = surface()->grab().toImage();
+    for (int x = 0; x < 400; x += 10)
+        EXPECT_EQ(image.pixelColor(x, 150).alpha(), 0);
+}
+
+TEST_F(X11OverlayWindowTest, AFigureThatGoesLeavesNothingBehind) {
+    showTwoZones();
+
+    window->setFigures({zoneFigure(kLeft, "1", true)}, {kRight});
+    turn();
+
+    const QImage image = surface()->grab().toImage();
+    EXPECT_EQ(image.pixelColor(250, 60).alpha(), 0);
+    EXPECT_NEAR(image.pixelColor(50, 60).alphaF(), 0.35, 0.01);
+}
+
+TEST_F(X11OverlayWindowTest, OnlyWhatHasChangedIsPainted) {
+    showTwoZones();
+
+    window->setFigures({zoneFigure(kLeft, "1", true), zoneFigure(kRight, "3")}, {kRight});
+
+    ASSERT_EQ(log.painted.size(), 1U);
+    EXPECT_EQ(log.painted.front(), QRegion(200, 0, 200, 300));
+}
+
+TEST_F(X11OverlayWindowTest, ALabelThatReachesOutOfItsZoneIsPaintedWhole) {
+    const Rect small{100, 100, 40, 40};
+    showTwoZones();
+
+    window->setFigures({zoneFigure(small, "123456")}, {small});
+
+    ASSERT_EQ(log.painted.size(), 1U);
+    EXPECT_LT(log.painted.front().boundingRect().left(), 90);
+    EXPECT_GT(log.painted.front().boundingRect().right(), 150);
+}
+
+TEST_F(X11OverlayWindowTest, WithoutAChangeNothingIsPainted) {
+    showTwoZones();
+
+    window->setFigures(leftHighlighted, {});
+    window->orderFront();
+    turn();
+    clock.advance(1s);
+
+    EXPECT_TRUE(log.painted.empty());
+}
+
+TEST_F(X11OverlayWindowTest, AChangeAfterAQuietWhileIsPaintedAtOnce) {
+    showTwoZones();
+
+    highlightRight();
+
+    EXPECT_EQ(log.painted.size(), 1U);
+}
+
+TEST_F(X11OverlayWindowTest, ChangesThatComeCloseArePaintedTogether) {
+    showTwoZones();
+    highlightRight();
+
+    highlightLeft();
+    highlightRight();
+    highlightLeft();
+    EXPECT_EQ(log.painted.size(), 1U);
+    clock.advance(8ms);
+
+    EXPECT_EQ(log.painted.size(), 2U);
+    EXPECT_NEAR(surface()->grab().toImage().pixelColor(50, 60).alphaF(), 0.35, 0.01);
+}
+
+TEST_F(X11OverlayWindowTest, AStreamOfChangesIsPaintedAtASteadyPace) {
+    showTwoZones();
+
+    for (int millisecond = 0; millisecond < 1000; ++millisecond) {
+        millisecond % 2 == 0 ? highlightRight() : highlightLeft();
+        clock.advance(1ms);
+    }
+
+    EXPECT_EQ(log.painted.size(), 1000U / 8 + 1);
+}
+
+TEST_F(X11OverlayWindowTest, GoingOutTakesTheWindowOffTheScreenAtOnce) {
+    showTwoZones();
+
+    window->orderOut();
+
+    EXPECT_FALSE(surface()->isVisible());
+}
+
+TEST_F(X11OverlayWindowTest, AChangeThatWaitsIsNotPaintedOnceTheWindowIsOut) {
+    showTwoZones();
+    highlightRight();
+    highlightLeft();
+    window->orderOut();
+    log.painted.clear();
+
+    clock.advance(1s);
+    turn();
+
+    EXPECT_TRUE(log.painted.empty());
+    EXPECT_FALSE(surface()->isVisible());
+}
+
+TEST_F(X11OverlayWindowTest, FiguresSetWhileTheWindowIsOutAreThereWhenItComesBack) {
+    showTwoZones();
+    window->orderOut();
+
+    highlightRight();
+    window->orderFront();
+    turn();
+
+    EXPECT_NEAR(surface()->grab().toImage().pixelColor(250, 60).alphaF(), 0.35, 0.01);
+}
+
+TEST_F(X11OverlayWindowTest, TheSameSurfaceServesTheNextDrag) {
+    showTwoZones();
+    const QWidget* const first = surface();
+    window->orderOut();
+    clock.advance(29s);
+
+    window->orderFront();
+
+    EXPECT_EQ(surface(), first);
+    EXPECT_TRUE(surface()->isVisible());
+}
+
+TEST_F(X11OverlayWindowTest, AfterAQuietTimeTheSurfaceIsGivenBack) {
+    showTwoZones();
+    window->orderOut();
+
+    clock.advance(X11OverlayWindow::kQuietTime);
+
+    EXPECT_EQ(surface(), nullptr);
+}
+
+TEST_F(X11OverlayWindowTest, TheQuietTimeCountsFromTheLastDrag) {
+    showTwoZones();
+    window->orderOut();
+    clock.advance(20s);
+    window->orderFront();
+    window->orderOut();
+
+    clock.advance(29s);
+    EXPECT_NE(surface(), nullptr);
+    clock.advance(1s);
+    EXPECT_EQ(surface(), nullptr);
+}
+
+TEST_F(X11OverlayWindowTest, AWindowThatIsShownIsKeptForAsLongAsItIs) {
+    showTwoZones();
+    window->orderOut();
+    window->orderFront();
+
+    clock.advance(10min);
+
+    ASSERT_NE(surface(), nullptr);
+    EXPECT_TRUE(surface()->isVisible());
+}
+
+TEST_F(X11OverlayWindowTest, AfterItsSurfaceIsGivenBackTheWindowShowsTheSame) {
+    showTwoZones();
+    window->orderOut();
+    clock.advance(1min);
+
+    window->orderFront();
+    turn();
+
+    ASSERT_NE(surface(), nullptr);
+    EXPECT_EQ(surface()->geometry(), QRect(100, 50, 400, 300));
+    EXPECT_NEAR(surface()->grab().toImage().pixelColor(50, 60).alphaF(), 0.35, 0.01);
+}
+
+TEST_F(X11OverlayWindowTest, AWindowThatIsDestroyedLeavesNoWorkBehind) {
+    showTwoZones();
+    highlightRight();
+    highlightLeft();
+    window->orderOut();
+
+    window.reset();
+    clock.advance(1min);
+
+    EXPECT_EQ(surface(), nullptr);
+}
+
+TEST_F(X11OverlayWindowTest, GoingOutTwiceOrBeforeTheFirstShowDoesNothing) {
+    window->orderOut();
+    showTwoZones();
+    window->orderOut();
+    window->orderOut();
+
+    EXPECT_FALSE(surface()->isVisible());
+}
+
+TEST_F(X11OverlayWindowTest, ShowingAndHidingNeverEndsTheProgram) {
+    bool hasQuit = false;
+    QObject::connect(qApp, &QGuiApplication::lastWindowClosed, qApp, [&] { hasQuit = true; });
+
+    showTwoZones();
+    window->orderOut();
+    clock.advance(1min);
+    turn();
+
+    EXPECT_FALSE(hasQuit);
+}
+
+} // namespace
+} // namespace tessarel::qt

@@ -1,0 +1,287 @@
+#include "platform/qt_x11/qt_local_keys.h"
+
+#include "support/offscreen_test.h"
+
+#include <QAbstractEventDispatcher>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QKeySequence>
+#include <QLineEdit>
+#include <QShortcut>
+#include <QTest>
+#include <QWidget>
+#include <gtest/gtest.h>
+#include <xcb/xproto.h>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace tessarel::qt {
+namespace {
+
+constexpr quint32 kMeaningless = 37;
+
+/// Numbers of keys mean themselves here, and modifiers too.
+std::optional<KeyDown> translate(std::uint32_t nativeScanCode, std::uint32_t nativeModifiers) {
+    if (nativeScanCode == kMeaningless)
+        return std::nullopt;
+    return KeyDown{nativeScanCode, nativeModifiers};
+}
+
+class QtLocalKeysTest : public OffscreenTest {
+protected:
+    void SetUp() override {
+        window.show();
+        window.activateWindow();
+        field.setFocus();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+
+    [[nodiscard]] SubscriptionPtr monitor(bool consumes = true) {
+        return localKeys->monitorKeyDown([this, consumes](const KeyDown& key) {
+            keys.push_back(key);
+            return consumes;
+        });
+    }
+
+    /// The key "b" goes down in a window, where the window system delivers it.
+    static void press(const QWidget& target, quint32 nativeScanCode, bool isRepetition = false) {
+        QKeyEvent event(QEvent::KeyPress, Qt::Key_B, Qt::NoModifier, nativeScanCode, Qt::Key_B, 4, "b",
+                        isRepetition);
+        QApplication::sendEvent(target.windowHandle(), &event);
+    }
+
+    static void release(const QWidget& target, quint32 nativeScanCode) {
+        QKeyEvent event(QEvent::KeyRelease, Qt::Key_B, Qt::NoModifier, nativeScanCode, Qt::Key_B, 4);
+        QApplication::sendEvent(target.windowHandle(), &event);
+    }
+
+    /// The server tells of the focus, which Qt does not do yet.
+    static void tellOfFocus(std::uint8_t type, const QWidget& target, std::uint8_t mode = 0,
+                            std::uint8_t detail = XCB_NOTIFY_DETAIL_NONLINEAR) {
+        xcb_focus_in_event_t event{};
+        event.response_type = type;
+        event.event = static_cast<xcb_window_t>(target.winId());
+        event.mode = mode;
+        event.detail = detail;
+        qintptr result = 0;
+        QAbstractEventDispatcher::instance()->filterNativeEvent("xcb_generic_event_t", &event, &result);
+    }
+
+    std::optional<QtLocalKeys> localKeys{std::in_place, translate,
+                                         [this](std::uint32_t key) { return held == key; }};
+    QWidget window;
+    QLineEdit field{&window};
+    std::vector<KeyDown> keys;
+    std::optional<std::uint32_t> held; ///< the key that is down, as the system says
+};
+
+using Keys = std::vector<KeyDown>;
+
+TEST_F(QtLocalKeysTest, AKeyComesByTheNumbersOfTheSystem) {
+    const auto monitored = monitor();
+
+    press(window, 56);
+
+    EXPECT_EQ(keys, (Keys{{56, 4}}));
+}
+
+TEST_F(QtLocalKeysTest, AConsumedKeyReachesNoControl) {
+    const auto monitored = monitor();
+
+    press(window, 56);
+
+    EXPECT_EQ(field.text(), "");
+}
+
+TEST_F(QtLocalKeysTest, AKeyThatIsNotConsumedIsToldOnceAndGoesItsUsualWay) {
+    const auto monitored = monitor(false);
+
+    press(window, 56);
+
+    EXPECT_EQ(keys.size(), 1U);
+    EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, ARepetitionIsConsumedAndNotTold) {
+    const auto monitored = monitor(false);
+
+    press(window, 56, true);
+
+    EXPECT_TRUE(keys.empty());
+    EXPECT_EQ(field.text(), "");
+}
+
+TEST_F(QtLocalKeysTest, AKeyThatMeansNothingIsConsumedAndNotTold) {
+    const auto monitored = monitor(false);
+
+    press(window, kMeaningless);
+
+    EXPECT_TRUE(keys.empty());
+    EXPECT_EQ(field.text(), "");
+}
+
+TEST_F(QtLocalKeysTest, ShortcutsOfTheWindowRest) {
+    int closed = 0;
+    const QShortcut shortcut(QKeySequence(Qt::CTRL | Qt::Key_W), &window, [&] { ++closed; });
+    auto monitored = monitor();
+
+    QTest::keyClick(window.windowHandle(), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_EQ(closed, 0);
+    EXPECT_FALSE(keys.empty());
+
+    monitored.reset();
+    QTest::keyClick(window.windowHandle(), Qt::Key_W, Qt::ControlModifier);
+    EXPECT_EQ(closed, 1);
+}
+
+TEST_F(QtLocalKeysTest, KeysThatMoveTheFocusComeTooAndDoNotMoveIt) {
+    const QLineEdit next(&window);
+    const auto monitored = monitor();
+
+    QTest::keyClick(window.windowHandle(), Qt::Key_Tab);
+
+    EXPECT_EQ(keys.size(), 1U);
+    EXPECT_TRUE(field.hasFocus());
+}
+
+TEST_F(QtLocalKeysTest, TheKeysOfEveryWindowCome) {
+    const auto monitored = monitor();
+    QWidget other;
+    other.show();
+
+    press(other, 56);
+    press(window, 57);
+
+    EXPECT_EQ(keys, (Keys{{56, 4}, {57, 4}}));
+}
+
+TEST_F(QtLocalKeysTest, AfterTheEndOfTheMonitorKeysGoTheirUsualWay) {
+    auto monitored = monitor();
+    monitored.reset();
+
+    press(window, 56);
+
+    EXPECT_TRUE(keys.empty());
+    EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, AMonitorMayEndItselfAndTheKeyIsStillConsumed) {
+    SubscriptionPtr monitored;
+    monitored = localKeys->monitorKeyDown([&](const KeyDown&) {
+        monitored.reset();
+        return true;
+    });
+
+    press(window, 56);
+    release(window, 56);
+    EXPECT_EQ(field.text(), "");
+
+    press(window, 56);
+    EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, AConsumedKeyDoesNothingElseUntilItIsReleased) {
+    auto monitored = monitor();
+    press(window, 56);
+    monitored.reset();
+
+    press(window, 56, true);
+    EXPECT_EQ(field.text(), "");
+
+    release(window, 56);
+    press(window, 56, true);
+    EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, ARepetitionThatLooksLikeAReleaseAndAPressIsNone) {
+    auto monitored = monitor();
+    held = 56;
+    press(window, 56);
+    release(window, 56);
+    press(window, 56);
+    EXPECT_EQ(keys.size(), 1U);
+    monitored.reset();
+
+    release(window, 56);
+    press(window, 56);
+    EXPECT_EQ(field.text(), "");
+
+    held.reset();
+    release(window, 56);
+    press(window, 56);
+    EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, AKeyThatIsReleasedElsewhereIsNotWaitedFor) {
+    auto monitored = monitor();
+    press(window, 56);
+    monitored.reset();
+    QWidget front;
+    front.show();
+    front.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&front));
+
+    press(window, 56, true);
+
+    EXPECT_EQ(field.text(), "b");
+}
+
+TEST_F(QtLocalKeysTest, KeysTypedForAnotherWindowBeforeQtKnowsOfItAreNobodysHere) {
+    const auto monitored = monitor();
+    tellOfFocus(XCB_FOCUS_OUT, window);
+
+    press(window, 56);
+
+    EXPECT_TRUE(keys.empty());
+    EXPECT_EQ(field.text(), "");
+}
+
+TEST_F(QtLocalKeysTest, KeysComeAgainWhenTheFocusComesBackBeforeQtHasMissedIt) {
+    const auto monitored = monitor();
+    tellOfFocus(XCB_FOCUS_OUT, window);
+    tellOfFocus(XCB_FOCUS_IN, window);
+
+    press(window, 56);
+
+    EXPECT_EQ(keys.size(), 1U);
+}
+
+TEST_F(QtLocalKeysTest, ALostFocusConcernsNoLaterMonitor) {
+    auto monitored = monitor();
+    tellOfFocus(XCB_FOCUS_OUT, window);
+    monitored.reset();
+    monitored = monitor();
+
+    press(window, 56);
+
+    EXPECT_EQ(keys.size(), 1U);
+}
+
+TEST_F(QtLocalKeysTest, WhatLeavesTheFocusWhereItIsIsNoLoss) {
+    const auto monitored = monitor();
+    tellOfFocus(XCB_FOCUS_OUT, window, XCB_NOTIFY_MODE_GRAB);
+    tellOfFocus(XCB_FOCUS_OUT, window, XCB_NOTIFY_MODE_UNGRAB);
+    tellOfFocus(XCB_FOCUS_OUT, window, XCB_NOTIFY_MODE_NORMAL, XCB_NOTIFY_DETAIL_POINTER);
+    tellOfFocus(XCB_FOCUS_OUT, window, XCB_NOTIFY_MODE_NORMAL, XCB_NOTIFY_DETAIL_INFERIOR);
+
+    press(window, 56);
+
+    EXPECT_EQ(keys.size(), 1U);
+}
+
+TEST_F(QtLocalKeysTest, AMonitorMayOutliveThePort) {
+    auto monitored = monitor();
+    localKeys.reset();
+
+    press(window, 56);
+    EXPECT_EQ(keys.size(), 1U);
+
+    monitored.reset();
+    press(window, 56);
+    EXPECT_EQ(keys.size(), 1U);
+}
+
+} // namespace
+} // namespace tessarel::qt

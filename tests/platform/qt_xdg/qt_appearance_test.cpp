@@ -1,0 +1,163 @@
+#include "platform/qt_xdg/qt_appearance.h"
+
+#include "support/offscreen_test.h"
+
+#include <QApplication>
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
+#include <QDBusVirtualObject>
+#include <QPalette>
+#include <QProcess>
+#include <QTest>
+#include <QThread>
+#include <QVariantMap>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+
+namespace tessarel::qt {
+namespace {
+
+const QString kService = "org.freedesktop.portal.Desktop";
+const QString kPath = "/org/freedesktop/portal/desktop";
+const QString kInterface = "org.freedesktop.portal.Settings";
+const QString kNamespace = "org.freedesktop.appearance";
+
+/// A desktop's settings as its portal tells them: the accent colour is red.
+class Portal : public QDBusVirtualObject {
+public:
+    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
+        if (message.member() != "ReadAll")
+            return false;
+        return isSilent || bus.send(message.createReply(settings()));
+    }
+
+    std::atomic<uint> scheme = 1;
+    std::atomic<bool> isSilent = false;
+
+private:
+    [[nodiscard]] QVariant settings() const {
+        QDBusArgument red;
+        red.beginStructure();
+        red << 1.0 << 0.0 << 0.0;
+        red.endStructure();
+        QDBusArgument all;
+        all.beginMap(QMetaType::fromType<QString>(), QMetaType::fromType<QVariantMap>());
+        all.beginMapEntry();
+        all << kNamespace
+            << QVariantMap{{"color-scheme", scheme.load()}, {"accent-color", QVariant::fromValue(red)}};
+        all.endMapEntry();
+        all.endMap();
+        return QVariant::fromValue(all);
+    }
+};
+
+/// A session bus of its own, and the portal on it in a thread of its own, as if in another program.
+class QtAppearanceTest : public OffscreenTest {
+protected:
+    QtAppearanceTest() {
+        qunsetenv("GTK_THEME");
+        daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
+        EXPECT_TRUE(daemon.waitForReadyRead());
+        address = QString::fromUtf8(daemon.readLine()).trimmed();
+        portal.moveToThread(&thread);
+        thread.start();
+    }
+    ~QtAppearanceTest() override {
+        QDBusConnection::disconnectFromBus("ours");
+        QDBusConnection::disconnectFromBus("portal");
+        thread.quit();
+        thread.wait();
+        daemon.kill();
+        daemon.waitForFinished();
+    }
+    QtAppearanceTest(const QtAppearanceTest&) = delete;
+    QtAppearanceTest& operator=(const QtAppearanceTest&) = delete;
+
+    void startPortal() {
+        QDBusConnection bus = QDBusConnection::connectToBus(address, "portal");
+        ASSERT_TRUE(bus.registerVirtualObject(kPath, &portal));
+        ASSERT_TRUE(bus.registerService(kService));
+    }
+
+    [[nodiscard]] static bool isDark() {
+        return QApplication::palette().color(QPalette::Window).lightness() < 80;
+    }
+    [[nodiscard]] static QColor accent() { return QApplication::palette().color(QPalette::Highlight); }
+
+    QProcess daemon;
+    QString address;
+    QThread thread;
+    Portal portal;
+    QtAppearance appearance{[this] { return QDBusConnection::connectToBus(address, "ours"); }};
+};
+
+TEST_F(QtAppearanceTest, TakesOnWhatTheDesktopPrefers) {
+    startPortal();
+
+    appearance.apply();
+
+    EXPECT_TRUE(isDark());
+    EXPECT_EQ(accent(), QColor(Qt::red));
+}
+
+TEST_F(QtAppearanceTest, NothingIsAskedBeforeItIsApplied) {
+    startPortal();
+
+    EXPECT_FALSE(isDark());
+}
+
+TEST_F(QtAppearanceTest, FollowsTheDesktop) {
+    startPortal();
+    appearance.apply();
+    portal.scheme = 2;
+
+    QDBusMessage change = QDBusMessage::createSignal(kPath, kInterface, "SettingChanged");
+    change << kNamespace << "color-scheme" << QVariant::fromValue(QDBusVariant(2U));
+    QDBusConnection("portal").send(change);
+
+    EXPECT_TRUE(QTest::qWaitFor([] { return !isDark(); }));
+}
+
+TEST_F(QtAppearanceTest, TheDesktopIsAskedOnlyOnce) {
+    startPortal();
+    appearance.apply();
+    portal.scheme = 2;
+
+    appearance.apply();
+
+    EXPECT_TRUE(isDark());
+}
+
+TEST_F(QtAppearanceTest, WindowsGetTheProgramsIcon) {
+    EXPECT_TRUE(QApplication::windowIcon().isNull());
+
+    appearance.apply();
+
+    EXPECT_FALSE(QApplication::windowIcon().isNull());
+}
+
+TEST_F(QtAppearanceTest, WithoutAPortalItIsLight) {
+    appearance.apply();
+
+    EXPECT_FALSE(isDark());
+    EXPECT_EQ(accent(), QColor("#0a84ff"));
+}
+
+TEST_F(QtAppearanceTest, DoesNotWaitForADesktopThatDoesNotAnswer) {
+    startPortal();
+    portal.isSilent = true;
+    const auto start = std::chrono::steady_clock::now();
+
+    appearance.apply();
+
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5)); // the bus waits for 25
+    EXPECT_FALSE(isDark());
+}
+
+} // namespace
+} // namespace tessarel::qt
