@@ -89,16 +89,15 @@ QRectF withinReach(const QRectF& rect, const QSizeF& size) {
 
 void ZoneEditorPicture::draw(QPainter& painter, const QRectF& dirty) const {
     drawScreen(painter, dirty);
-    drawZones(painter, dirty, 0, zones.size());
+    drawZones(painter, dirty);
     drawHandles(painter, dirty);
     drawFrame(painter);
 }
 
-void ZoneEditorPicture::drawZones(QPainter& painter, const QRectF& dirty, std::size_t first,
-                                  std::size_t end) const {
+void ZoneEditorPicture::drawZones(QPainter& painter, const QRectF& dirty) const {
     const PixelGrid grid(painter.deviceTransform());
     painter.setRenderHint(QPainter::Antialiasing);
-    for (std::size_t i = first; i < end; ++i) {
+    for (std::size_t i = 0; i < zones.size(); ++i) {
         const auto line = outline(i, grid);
         if (!line || !extent(zones[i]).intersects(dirty))
             continue;

@@ -31,16 +31,12 @@ struct ZoneEditorPicture {
     /// All that `zone` paints upon, whether it is selected or not; empty for a zone that cannot be painted.
     [[nodiscard]] QRectF extent(const Zone& zone) const;
 
-    // The layers of it, from below. Each paints what reaches into `dirty`.
-
+private:
+    // The layers, from below.
     void drawScreen(QPainter& painter, const QRectF& dirty) const;
-    /// Those from the position `first` to before `end`.
-    void drawZones(QPainter& painter, const QRectF& dirty, std::size_t first, std::size_t end) const;
+    void drawZones(QPainter& painter, const QRectF& dirty) const;
     void drawHandles(QPainter& painter, const QRectF& dirty) const;
-    /// Paints all of it.
     void drawFrame(QPainter& painter) const;
-
-    // What the layers consist of.
 
     /// The position of the selected zone, if it can be seen.
     [[nodiscard]] std::optional<std::size_t> selectedZone() const;
@@ -53,8 +49,6 @@ struct ZoneEditorPicture {
     void drawHandle(QPainter& painter, const QRectF& handle) const;
     /// The middle of the line around the view, on whole pixels.
     [[nodiscard]] QRectF frame(const PixelGrid& grid) const;
-
-private:
     [[nodiscard]] QRectF rect(const Zone& zone) const;
     [[nodiscard]] QRectF inset(std::size_t index) const;
 };

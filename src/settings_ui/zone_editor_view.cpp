@@ -100,7 +100,6 @@ void ZoneEditorView::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void ZoneEditorView::letGo() {
-    m_pixels.drop();
     if (m_editing.release())
         call(onCommit);
 }
@@ -148,9 +147,7 @@ void ZoneEditorView::showKeyboardFocus(bool shows) {
 
 void ZoneEditorView::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    m_pixels.draw(painter, picture(), QRectF(event->rect()));
-    if (m_editing.grip().mode == Mode::None)
-        m_pixels.drop();
+    picture().draw(painter, QRectF(event->rect()));
     if (!m_showsKeyboardFocus)
         return;
     painter.setPen(QPen(controlAccentColor(palette()), 2, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));

@@ -3,7 +3,6 @@
 #include "model/app_settings.h"
 #include "settings_ui/zone_editing.h"
 #include "settings_ui/zone_editor_picture.h"
-#include "settings_ui/zone_editor_pixels.h"
 
 #include <QWidget>
 
@@ -49,7 +48,6 @@ private:
 
     AppSettings& m_settings;
     ZoneEditing m_editing;
-    ZoneEditorPixels m_pixels; ///< kept while the mouse holds something
     bool m_showsKeyboardFocus = false;
 };
 
