@@ -101,6 +101,16 @@ TEST_F(MacHotKeysTest, ClaimsAndHandlersMayOutliveTheBackEnd) {
     EXPECT_EQ(pressed, 0);
 }
 
+TEST_F(MacHotKeysTest, TheLastKeyCodeIs127) {
+    const std::vector<HotKeyRequest> requests{{127, kCtrlOpt, {0x47575744, 1}},
+                                              {128, kCtrlOpt, {0x47575744, 2}}};
+
+    const auto claimed = desktop->hotKeys.registerHotKeys(requests);
+
+    EXPECT_TRUE(claimed.at(0));
+    EXPECT_FALSE(claimed.at(1));
+}
+
 TEST_F(MacHotKeysTest, NoExceptionLeavesTheHandler) {
     fakemac::installLibraryHandler();
     handler = desktop->hotKeys.installHandler([](std::uint32_t) { throw std::runtime_error("of a test"); });

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QFocusEvent>
+#include <QHideEvent>
 #include <QPushButton>
 #include <QTest>
 #include <gtest/gtest.h>
@@ -306,6 +307,17 @@ TEST_F(RecorderButtonTest, TheSpaceBarIsReleasedWithTheFocus) {
     QApplication::sendEvent(recorder.get(), &focusOut);
 
     EXPECT_FALSE(recorder->isDown());
+}
+
+TEST_F(RecorderButtonTest, ARecordingEndsWhenTheButtonIsHiddenWithoutHavingTheFocus) {
+    recorder->click();
+    ASSERT_TRUE(recorder->isRecording());
+    ASSERT_FALSE(recorder->hasFocus());
+
+    QHideEvent hidden;
+    QApplication::sendEvent(recorder.get(), &hidden);
+
+    EXPECT_FALSE(recorder->isRecording());
 }
 
 TEST_F(RecorderButtonTest, RefreshLeavesTheTitleAloneWhileRecording) {

@@ -101,6 +101,7 @@ TEST_F(ShortcutsTabTest, RowsScrollUpAndDownOnly) {
     EXPECT_EQ(scrollView->widget()->size(), QSize(720, 32 * kActions + 10));
     EXPECT_TRUE(scrollView->verticalScrollBar()->isVisible());
     EXPECT_FALSE(scrollView->horizontalScrollBar()->isVisible());
+    EXPECT_EQ(scrollView->focusPolicy(), Qt::NoFocus) << "the Tab key goes from row to row";
     EXPECT_GE(scrollView->viewport()->width(), 720) << "part of the rows would be out of reach";
 }
 

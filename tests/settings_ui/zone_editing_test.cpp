@@ -18,6 +18,14 @@ TEST_F(ZoneEditingTest, AMoveIsMeasuredFromTheZoneAsItWasPressed) {
     EXPECT_EQ(zone(0), Presets::z(12.5, 7, 30, 30));
 }
 
+TEST_F(ZoneEditingTest, ADragWithoutAPlaceChangesNothing) {
+    put({Presets::z(10, 10, 30, 30)});
+    press(20, 20);
+
+    EXPECT_FALSE(drag(std::numeric_limits<double>::quiet_NaN(), 20));
+    EXPECT_EQ(zone(0), Presets::z(10, 10, 30, 30));
+}
+
 TEST_F(ZoneEditingTest, AMovedZoneStopsAtEveryBorder) {
     put({Presets::z(10, 10, 30, 40)});
     press(20, 20);
