@@ -66,29 +66,28 @@ void DragSnap::watch(MouseEventKind kind, Handler handler) {
 }
 
 void DragSnap::reset() {
-    m_candidate.reset();
-    m_candidateClosed.reset();
-    m_failedReads = 0;
-    m_dragging = false;
-    m_target.reset();
+    m_drag.reset();
     m_uses.overlay.hide();
 }
 
 void DragSnap::mouseDown(const MouseEvent& event) {
     reset();
     const bool isWanted = m_uses.store.settings.dragEnabled && !m_uses.runtime.paused;
-    if (isWanted && m_uses.permissions.isTrusted())
-        m_candidate = m_picker.pick(m_uses.geo.axPoint(event.screenLocation));
-    if (m_candidate)
-        m_candidateClosed = m_uses.accessibility.onWindowClosed(m_candidate->window, [this] { reset(); });
+    if (!isWanted || !m_uses.permissions.isTrusted())
+        return;
+    const auto candidate = m_picker.pick(m_uses.geo.axPoint(event.screenLocation));
+    if (!candidate)
+        return;
+    auto closed = m_uses.accessibility.onWindowClosed(candidate->window, [this] { reset(); });
+    m_drag = Drag{.candidate = *candidate, .candidateClosed = std::move(closed), .target = {}};
 }
 
 void DragSnap::mouseDragged(const MouseEvent& event) {
-    if (!m_candidate)
+    if (!m_drag)
         return;
-    if (!m_dragging && !candidateMoves())
+    if (!m_drag->isMoving && !candidateMoves())
         return;
-    m_dragging = true;
+    m_drag->isMoving = true;
     follow(event);
 }
 
@@ -98,11 +97,12 @@ bool DragSnap::candidateMoves() {
     if (m_lastRead && now < *m_lastRead + kReadInterval)
         return false;
     m_lastRead = now;
-    const auto axFrame = m_uses.ax.frame(m_candidate->window);
-    m_failedReads = axFrame ? 0 : m_failedReads + 1;
-    if (m_failedReads == kMostFailedReads)
+    const Rect start = m_drag->candidate.axFrame;
+    const auto axFrame = m_uses.ax.frame(m_drag->candidate.window);
+    m_drag->failedReads = axFrame ? 0 : m_drag->failedReads + 1;
+    if (m_drag->failedReads == kMostFailedReads)
         reset();
-    return axFrame && isMoved(*axFrame, m_candidate->axFrame) && !isResized(*axFrame, m_candidate->axFrame);
+    return axFrame && isMoved(*axFrame, start) && !isResized(*axFrame, start);
 }
 
 std::optional<Screen> DragSnap::screenAt(const Point& screenPoint) const {
@@ -113,7 +113,7 @@ std::optional<Screen> DragSnap::screenAt(const Point& screenPoint) const {
 }
 
 void DragSnap::follow(const MouseEvent& event) {
-    m_target.reset();
+    m_drag->target.reset();
     const auto screen = screenAt(event.screenLocation);
     if (!screen) {
         m_uses.overlay.hide();
@@ -121,7 +121,7 @@ void DragSnap::follow(const MouseEvent& event) {
     }
     SnapOffer offer = m_offers.offer(*screen, m_uses.geo.axPoint(event.screenLocation), event.modifierFlags);
     if (offer.target)
-        m_target = Target{*offer.target, m_uses.geo.axVisible(*screen), offer.zoneNumber};
+        m_drag->target = Target{*offer.target, m_uses.geo.axVisible(*screen), offer.zoneNumber};
     if (offer.items.empty())
         m_uses.overlay.hide();
     else
@@ -129,15 +129,15 @@ void DragSnap::follow(const MouseEvent& event) {
 }
 
 void DragSnap::mouseUp(const MouseEvent& /*event*/) {
-    const auto candidate = m_candidate;
-    const auto target = m_target;
-    reset();
-    if (!target)
+    const auto drag = std::exchange(m_drag, std::nullopt);
+    m_uses.overlay.hide();
+    if (!drag || !drag->target)
         return;
-    m_uses.mainQueue.asyncAfter(kPlacementDelay, [self = m_self, candidate = *candidate, target = *target] {
-        if (DragSnap* const dragSnap = *self)
-            dragSnap->place(candidate, target);
-    });
+    m_uses.mainQueue.asyncAfter(kPlacementDelay,
+                                [self = m_self, candidate = drag->candidate, target = *drag->target] {
+                                    if (DragSnap* const dragSnap = *self)
+                                        dragSnap->place(candidate, target);
+                                });
 }
 
 void DragSnap::place(const Candidate& candidate, const Target& target) {

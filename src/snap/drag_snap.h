@@ -71,6 +71,14 @@ private:
         Rect axBounds;                         ///< the visible area around it
         std::optional<std::size_t> zoneNumber; ///< among the user's zones, from 0; none at an edge
     };
+    /// From a press on a title bar until the release.
+    struct Drag {
+        Candidate candidate;
+        SubscriptionPtr candidateClosed;
+        bool isMoving = false;        ///< the candidate has been seen to move
+        int failedReads = 0;          ///< of the candidate's frame, in a row
+        std::optional<Target> target; ///< where the candidate goes when released
+    };
 
     void watch(MouseEventKind kind, Handler handler);
     void reset();
@@ -83,12 +91,9 @@ private:
     CandidatePicker m_picker;
     SnapOffers m_offers;
     std::vector<SubscriptionPtr> m_monitors; ///< none while stopped
-    std::optional<Candidate> m_candidate;    ///< grabbed at the last press
-    SubscriptionPtr m_candidateClosed;
-    bool m_dragging = false;                            ///< the candidate has been seen to move
-    std::optional<MainQueuePort::TimePoint> m_lastRead; ///< of a candidate's frame
-    int m_failedReads = 0;                              ///< of the candidate's frame, in a row
-    std::optional<Target> m_target;    ///< where the candidate goes when released; empty without a drag
+    std::optional<Drag> m_drag;
+    std::optional<MainQueuePort::TimePoint>
+        m_lastRead;                    ///< of a candidate's frame, in this drag or an earlier one
     std::shared_ptr<DragSnap*> m_self; // shared with work on the main queue, which may outlive us
 };
 
