@@ -18,10 +18,6 @@ bool Rect::isNull() const {
     return x == kInfinity || y == kInfinity;
 }
 
-Rect Rect::standardized() const {
-    return {minX(), minY(), absWidth(), absHeight()};
-}
-
 double Rect::minX() const {
     return width < 0 ? x + width : x;
 }

@@ -30,8 +30,6 @@ struct Rect {
     [[nodiscard]] static Rect null();
 
     [[nodiscard]] bool isNull() const;
-    /// The same area with a positive size; the null rectangle stays null.
-    [[nodiscard]] Rect standardized() const;
 
     [[nodiscard]] double minX() const;
     [[nodiscard]] double minY() const;

@@ -40,7 +40,6 @@ public:
 
 private:
     class Monitor;
-    using PointerReply = Reply<xcb_query_pointer_reply_t>;
 
     /// What has been read and not looked into yet.
     struct News {
