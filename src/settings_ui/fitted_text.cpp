@@ -6,6 +6,7 @@
 #include <QRect>
 #include <QStyle>
 #include <QStyleOptionButton>
+#include <QTextDocument>
 #include <QVariant>
 
 #include <algorithm>
@@ -50,20 +51,15 @@ QSize wrappedSize(const QString& text, const QFontMetrics& metrics, int width) {
     return metrics.boundingRect(QRect(0, 0, width, kEndless), Qt::TextWordWrap, text).size();
 }
 
-/// A tooltip takes what looks like markup for markup.
-QString plainToolTip(const QString& text) {
-    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
-}
-
 /// Sets font, tooltip and name of `control`; answers what it is to show.
 QString fit(QWidget& control, const QString& text, const Fits& fits) {
     QFont font = control.font();
     font.setPixelSize(control.property(kLargestSize).toInt());
     font = fittedFont(font, text, fits);
     control.setFont(font);
-    const QString shown = fittedText(text, QFontMetrics(font), fits);
+    QString shown = fittedText(text, QFontMetrics(font), fits);
     control.setProperty(kWholeText, text);
-    control.setToolTip(shown == text ? QString() : plainToolTip(text));
+    control.setToolTip(shown == text ? QString() : toolTip(text));
     control.setAccessibleName(text);
     return shown;
 }
@@ -114,6 +110,10 @@ void change(QAbstractButton& button, const QString& text) {
         return metrics.horizontalAdvance(some) <= room.width();
     };
     button.setText(withoutMnemonics(fit(button, text, fits)));
+}
+
+QString toolTip(const QString& text) {
+    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
 }
 
 QString whole(const QWidget& control) {

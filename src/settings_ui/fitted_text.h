@@ -25,6 +25,9 @@ void change(QAbstractButton& button, const QString& text);
 /// What the control stands for, also where only a part of it is shown.
 [[nodiscard]] QString whole(const QWidget& control);
 
+/// A tooltip that shows `text` as it stands, also what looks like markup.
+[[nodiscard]] QString toolTip(const QString& text);
+
 } // namespace fitted_text
 
 } // namespace tessarel

@@ -203,7 +203,7 @@ int GeneralTab::selectedRow() const {
 
 /// What the user calls the application, and its identifier; or, if it is not installed, the identifier alone.
 QString GeneralTab::displayName(const std::string& bundleIdentifier) const {
-    const QString identifier = toQString(bundleIdentifier);
+    QString identifier = toQString(bundleIdentifier);
     const auto name = m_context.ports.workspace.displayName(bundleIdentifier);
     if (!name)
         return identifier;

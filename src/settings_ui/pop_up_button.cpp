@@ -1,5 +1,6 @@
 #include "settings_ui/pop_up_button.h"
 
+#include "settings_ui/fitted_text.h"
 #include "settings_ui/kit.h"
 
 #include <QChar>
@@ -10,7 +11,6 @@
 #include <QStyle>
 #include <QStyleOptionComboBox>
 #include <QStylePainter>
-#include <QTextDocument>
 #include <QToolTip>
 #include <QWheelEvent>
 
@@ -28,11 +28,6 @@ constexpr int kTextMargin = 2;          // between the field and its text
 bool isLineBreakOrControl(QChar character) {
     return character.category() == QChar::Other_Control || character.category() == QChar::Separator_Line ||
            character.category() == QChar::Separator_Paragraph;
-}
-
-/// A tooltip takes what looks like markup for markup.
-QString plainToolTip(const QString& text) {
-    return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
 }
 
 QString oneLine(QString text, const QFontMetrics& metrics) {
@@ -72,7 +67,7 @@ void PopUpButton::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_F4:
         return showPopup();
     default:
-        QWidget::keyPressEvent(event);
+        event->ignore();
     }
 }
 
@@ -102,7 +97,7 @@ bool PopUpButton::event(QEvent* event) {
         return QComboBox::event(event);
     const bool isWhole = shownText() == currentText();
     QToolTip::showText(dynamic_cast<QHelpEvent&>(*event).globalPos(),
-                       isWhole ? QString() : plainToolTip(currentText()), this);
+                       isWhole ? QString() : fitted_text::toolTip(currentText()), this);
     return true;
 }
 

@@ -89,7 +89,7 @@ void Segment::paintFocus(QPainter& painter) const {
 } // namespace
 
 SegmentedControl::SegmentedControl(QWidget& parent, const QStringList& labels, const QRect& frame,
-                                   std::function<void()> action)
+                                   const std::function<void()>& action)
     : QWidget(&parent) {
     setGeometry(frame);
     const auto edge = [&](qsizetype i) { return static_cast<int>(i * frame.width() / labels.size()); };
@@ -100,7 +100,7 @@ SegmentedControl::SegmentedControl(QWidget& parent, const QStringList& labels, c
         auto* const segment = new Segment(*this, labels.at(i), place);
         segment->setGeometry(edge(i), 0, edge(i + 1) - edge(i), frame.height());
         m_segments.push_back(segment);
-        connect(segment, &QRadioButton::clicked, this, [action] { action(); });
+        connect(segment, &QRadioButton::clicked, this, action);
     }
     setSelectedSegment(0);
 }

@@ -17,7 +17,7 @@ public:
     /// Segments share the width of `frame`. `action` is called when the user selects another segment, not
     /// when the program does.
     SegmentedControl(QWidget& parent, const QStringList& labels, const QRect& frame,
-                     std::function<void()> action);
+                     const std::function<void()>& action);
 
     /// Position of the selected segment, the first one to begin with.
     [[nodiscard]] int selectedSegment() const;

@@ -273,12 +273,26 @@ TEST_F(MacAccessibilityTest, AnObserverMayEndItselfWhenCalled) {
     int created = 0;
     SubscriptionPtr observer;
     observer = accessibility().onWindowCreated(editor, [&](const Element&) {
-        ++created;
         observer.reset();
+        ++created; // the handler is still there
     });
 
     for (int i = 0; i < 2; ++i)
         fakemac::openWindow({.pid = kEditor, .axFrame = {0, 0, 100, 100}});
+
+    EXPECT_EQ(created, 1);
+}
+
+TEST_F(MacAccessibilityTest, AnObserverThatHasEndedDoesNotHearWhatWasUnderWay) {
+    int created = 0;
+    SubscriptionPtr observer;
+    observer = accessibility().onWindowCreated(editor, [&](const Element&) {
+        observer.reset();
+        ++created;
+    });
+
+    fakemac::mac().notificationsComeTwice = true;
+    fakemac::openWindow({.pid = kEditor, .axFrame = {0, 0, 100, 100}});
 
     EXPECT_EQ(created, 1);
 }

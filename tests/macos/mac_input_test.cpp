@@ -156,6 +156,19 @@ TEST_F(MacLocalKeysTest, OnlyAKeyThatNoMonitorTakesReachesTheWindow) {
     EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 1);
 }
 
+TEST_F(MacLocalKeysTest, AMonitorThatEndsWhileAKeyIsUnderWayLetsItPass) {
+    SubscriptionPtr later;
+    monitor = desktop->localKeys.monitorKeyDown([&](const KeyDown&) {
+        later.reset();
+        return false;
+    });
+    later = desktop->localKeys.monitorKeyDown([](const KeyDown&) { return true; });
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+
+    EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 1);
+}
+
 class MacMouseTest : public MacTest {};
 
 TEST_F(MacMouseTest, ASystemThatRefusesGivesNoMonitor) {

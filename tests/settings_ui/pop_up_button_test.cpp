@@ -7,6 +7,8 @@
 #include <QFontMetrics>
 #include <QHelpEvent>
 #include <QImage>
+#include <QStyle>
+#include <QStyleOptionComboBox>
 #include <QTest>
 #include <QToolTip>
 #include <QWheelEvent>
@@ -139,6 +141,25 @@ TEST_F(PopUpButtonTest, ATitleWiderThanTheButtonIsToldInATooltip) {
     popUp.select(20);
     EXPECT_TRUE(ask().contains("while")) << ask().toStdString();
     EXPECT_FALSE(ask().contains("<b>"));
+}
+
+TEST_F(PopUpButtonTest, ATitleKeepsTwoPointsFromBothEndsOfItsField) {
+    popUp.append("Mine: Writing", 20);
+    popUp.select(20);
+    const auto hasTooltipAt = [this](int widthOfText) {
+        QStyleOptionComboBox option;
+        option.initFrom(&popUp);
+        const QRect field =
+            popUp.style()->subControlRect(QStyle::CC_ComboBox, &option, QStyle::SC_ComboBoxEditField, &popUp);
+        popUp.resize(popUp.width() - field.width() + 4 + widthOfText, popUp.height());
+        QHelpEvent help(QEvent::ToolTip, {5, 5}, popUp.mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(&popUp, &help);
+        return !QToolTip::text().isEmpty();
+    };
+    const int width = popUp.fontMetrics().horizontalAdvance("Mine: Writing");
+
+    EXPECT_FALSE(hasTooltipAt(width));
+    EXPECT_TRUE(hasTooltipAt(width - 1));
 }
 
 } // namespace

@@ -223,8 +223,9 @@ void notify(TSLFakeElement* element, const std::string& notification) {
             (observed->kind == FakeElementKind::Window && observed->window != element->window))
             continue;
         [observer retain];
-        observer->callback((AXObserverRef)observer, (AXUIElementRef)element,
-                           (__bridge CFStringRef)autoreleased(notification), observer->context);
+        for (int i = 0; i < (mac().notificationsComeTwice ? 2 : 1); ++i)
+            observer->callback((AXObserverRef)observer, (AXUIElementRef)element,
+                               (__bridge CFStringRef)autoreleased(notification), observer->context);
         [observer release];
     }
 }

@@ -52,19 +52,19 @@ NSEventMask maskOf(const TSLFakeEvent* event) {
     return NSEventMask{1} << event->type;
 }
 
-/// Lets every monitor of the kind that is still there by then see the event; false when one swallows it.
+/// Lets every monitor of the kind see the event, those too that another one removes meanwhile; false when one
+/// swallows it.
 bool show(BOOL local, TSLFakeEvent* event) {
     const NSEventMask mask = maskOf(event);
-    const auto present = monitors;
-    for (TSLFakeMonitor* monitor : present) {
-        const bool isThere = std::ranges::find(monitors, monitor) != monitors.end();
-        if (!isThere || monitor->local != local || (monitor->mask & mask) == 0 ||
+    NSMutableArray* const present = [NSMutableArray array];
+    for (TSLFakeMonitor* monitor : monitors)
+        [present addObject:monitor];
+    for (TSLFakeMonitor* monitor in present) {
+        if (monitor->local != local || (monitor->mask & mask) == 0 ||
             (!monitor->seesKeys && (mask & kKeys) != 0))
             continue;
-        [monitor retain];
         const bool goesOn = local ? ((NSEvent * (^)(NSEvent*)) monitor->block)(event) != nil
                                   : (((void (^)(NSEvent*))monitor->block)(event), true);
-        [monitor release];
         if (!goesOn)
             return false;
     }

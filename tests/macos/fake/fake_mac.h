@@ -65,8 +65,9 @@ struct Mac {
     bool trusted = true;
     bool allowsMonitors = true;
     bool windowServerAnswers = true;
-    bool givesNothing = false; ///< what is asked of other programs succeeds without a result
-    bool listsAText = false;   ///< the window server's list ends with something that is no window
+    bool givesNothing = false;           ///< what is asked of other programs succeeds without a result
+    bool listsAText = false;             ///< the window server's list ends with something that is no window
+    bool notificationsComeTwice = false; ///< a second one is under way while the first is dealt with
     LoopMode loopMode = LoopMode::Default;
     std::vector<Display> displays;
     std::optional<std::vector<Display>> nextDisplays = {}; ///< the displays, once they have been asked for

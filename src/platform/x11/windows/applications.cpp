@@ -31,6 +31,7 @@ std::vector<RunningApplication> Applications::all() {
             byProcess[*pid].push_back(window);
     }
     std::vector<RunningApplication> applications;
+    applications.reserve(byProcess.size());
     for (const auto& [pid, owned] : byProcess)
         applications.push_back(ofWindows(pid, owned));
     return applications;

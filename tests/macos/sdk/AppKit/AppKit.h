@@ -8,6 +8,7 @@ enum : NSEventMask {
     NSEventMaskLeftMouseDown = 1ULL << 1,
     NSEventMaskLeftMouseUp = 1ULL << 2,
     NSEventMaskLeftMouseDragged = 1ULL << 6,
+    NSEventMaskRightMouseDragged = 1ULL << 7,
     NSEventMaskKeyDown = 1ULL << 10,
     NSEventMaskFlagsChanged = 1ULL << 12,
 };
