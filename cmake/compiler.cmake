@@ -26,6 +26,7 @@ endif()
 if(TESSAREL_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
+    add_compile_definitions(_GLIBCXX_ASSERTIONS) # an empty optional that is read, an index beyond the end
 endif()
 
 if(TESSAREL_FUZZ)

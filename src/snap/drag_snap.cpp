@@ -91,7 +91,8 @@ void DragSnap::mouseDragged(const MouseEvent& event) {
     follow(event);
 }
 
-/// A window whose size changes is being resized by its frame.
+/// A window whose size changes is being resized by its frame. The drag may end here: with the second read
+/// that fails, or because the window turns out to be closed while its frame is read.
 bool DragSnap::candidateMoves() {
     const auto now = m_uses.mainQueue.now();
     if (m_lastRead && now < *m_lastRead + kReadInterval)
@@ -99,6 +100,8 @@ bool DragSnap::candidateMoves() {
     m_lastRead = now;
     const Rect start = m_drag->candidate.axFrame;
     const auto axFrame = m_uses.ax.frame(m_drag->candidate.window);
+    if (!m_drag)
+        return false;
     m_drag->failedReads = axFrame ? 0 : m_drag->failedReads + 1;
     if (m_drag->failedReads == kMostFailedReads)
         reset();

@@ -169,6 +169,15 @@ TEST_F(MacLocalKeysTest, AMonitorThatEndsWhileAKeyIsUnderWayLetsItPass) {
     EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 1);
 }
 
+TEST_F(MacLocalKeysTest, AKeyWhoseMonitorThrowsIsDealtWith) {
+    monitor = desktop->localKeys.monitorKeyDown(
+        [](const KeyDown&) -> bool { throw std::runtime_error("of a test"); });
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+
+    EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 0);
+}
+
 class MacMouseTest : public MacTest {};
 
 TEST_F(MacMouseTest, ASystemThatRefusesGivesNoMonitor) {
