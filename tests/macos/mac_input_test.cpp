@@ -59,6 +59,19 @@ TEST_F(MacHotKeysTest, APressReachesOneHandlerOfTheProgram) {
     EXPECT_TRUE(fakemac::mac().libraryHotKeys.empty());
 }
 
+TEST_F(MacHotKeysTest, APressThatIsRecordedReachesNoHandlerAtAll) {
+    fakemac::installLibraryHandler();
+    fakemac::launch(fakemac::mac().ownPid, {});
+    fakemac::focus(fakemac::openWindow({.pid = fakemac::mac().ownPid, .axFrame = {0, 0, 400, 300}}));
+    const auto hotKey = claim(7);
+    const auto recorder = desktop->localKeys.monitorKeyDown([](const KeyDown&) { return true; });
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+
+    EXPECT_EQ(pressed, 0);
+    EXPECT_TRUE(fakemac::mac().libraryHotKeys.empty());
+}
+
 TEST_F(MacHotKeysTest, AHotKeyOfALibraryIsLeftToTheLibrary) {
     fakemac::installLibraryHandler();
     const auto hotKey = claim(7);

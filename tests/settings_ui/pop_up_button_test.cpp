@@ -143,6 +143,14 @@ TEST_F(PopUpButtonTest, ATitleWiderThanTheButtonIsToldInATooltip) {
     EXPECT_FALSE(ask().contains("<b>"));
 }
 
+TEST_F(PopUpButtonTest, TheChosenTitleIsPainted) {
+    const QImage off = popUp.grab().toImage();
+
+    popUp.select(7);
+
+    EXPECT_NE(popUp.grab().toImage(), off);
+}
+
 TEST_F(PopUpButtonTest, ATitleKeepsTwoPointsFromBothEndsOfItsField) {
     popUp.append("Mine: Writing", 20);
     popUp.select(20);
