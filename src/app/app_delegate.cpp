@@ -14,6 +14,7 @@ AppDelegate::AppDelegate(const Ports& ports, SettingsWindowFactory makeSettingsW
 AppDelegate::~AppDelegate() = default;
 
 AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
+    // First, because a second copy must not read, create or register anything.
     m_instance = m_ports.singleInstance.claim([this] { applicationShouldHandleReopen(); });
     if (!m_instance)
         return Launch::AnotherCopyRuns;
@@ -30,11 +31,13 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
         m_services->hotKeys.registerAll();
         m_statusItem->refreshStatusIcon();
     });
+    // From the event loop, which does not run yet.
     m_ports.mainQueue.async(whileAlive([this] { m_services->updater.checkIfDue(); }));
     greetUser();
     return Launch::Running;
 }
 
+/// Shows the welcome message on the first run. On later runs, asks for the permission if it is missing.
 void AppDelegate::greetUser() {
     if (!m_services->store.settings.hasOnboarded)
         m_ports.mainQueue.async(whileAlive([this] { welcome(); }));
@@ -46,8 +49,10 @@ void AppDelegate::welcome() {
     m_ports.application.activate();
     const std::weak_ptr<void> alive = m_alive;
     const std::size_t button = m_ports.alerts.runModal(welcomeAlert(m_ports.words));
-    if (alive.expired()) // the program has been ended meanwhile
+    // The program may have quit while the message was shown.
+    if (alive.expired())
         return;
+    // Only now, so that a user who has not closed the message sees it again at the next start.
     m_services->store.settings.hasOnboarded = true;
     m_services->store.save();
     m_services->permissions.prompt();
@@ -93,6 +98,7 @@ void AppDelegate::applyLayout(int tag) {
         return;
     m_services->store.settings.zones = Presets::pad(*std::move(zones));
     m_services->store.saveAndNotify();
+    // The settings window does not observe the notification.
     if (m_settingsWindow)
         m_settingsWindow->refreshAll();
 }
@@ -114,7 +120,7 @@ void AppDelegate::openSettings() {
         m_settingsWindow->show();
 }
 
-/// `work`, unless this delegate has gone by then.
+/// Returns `work`, wrapped so that it does nothing once this delegate is destroyed.
 std::function<void()> AppDelegate::whileAlive(std::function<void()> work) const {
     return [alive = std::weak_ptr<void>(m_alive), work = std::move(work)] {
         if (!alive.expired())

@@ -15,43 +15,48 @@
 
 namespace tessarel {
 
-/// What the application does when it starts, when its menu is used and when it ends.
+/// Runs the application: the launch sequence and the commands of the menu.
 ///
-/// Its end lets go of everything that it has claimed of the desktop.
+/// The destructor releases everything that the program has registered with the desktop.
 class AppDelegate {
 public:
+    /// Result of the launch sequence.
     enum class Launch {
         Running,
-        AnotherCopyRuns, ///< that copy has been told; nothing has been read, created or claimed
+        /// The other copy has been notified; nothing has been read, created or registered.
+        AnotherCopyRuns,
     };
 
-    /// From the choice of an action in the menu to the action: time for the menu to close and for the window
-    /// below it to get the focus back.
+    /// Delay between choosing an action in the menu and running it, so that the menu can close and the window
+    /// below can get the focus back.
     static constexpr std::chrono::milliseconds kMenuActionDelay{150};
 
-    /// Without `makeSettingsWindow` the commands that concern the settings window do nothing.
+    /// The ports must outlive the delegate. Without `makeSettingsWindow`, commands for the settings window do
+    /// nothing.
     AppDelegate(const Ports& ports, SettingsWindowFactory makeSettingsWindow);
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
     ~AppDelegate();
 
-    /// The launch sequence; call it once. Messages to the user and the look for a new version wait for the
-    /// loop to run.
+    /// Runs the launch sequence. Call once. The welcome message and the update check wait for the event loop.
     [[nodiscard]] Launch applicationDidFinishLaunching();
 
-    /// The user has started the program once more.
+    /// Opens the settings window. Called when the user starts the program again.
     void applicationShouldHandleReopen();
 
-    /// Carries out the command of a row of the status menu. A tag that means nothing (any more) is ignored.
+    /// Runs the command of a row of the status menu. Ignores unknown tags, such as that of a layout that has
+    /// been deleted meanwhile.
     void itemSelected(const MenuItem& item);
 
 private:
     void greetUser();
+    /// Shows the welcome message and waits until the user closes it.
     void welcome();
 
     void runMenuAction(int tag);
     void applyLayout(int tag);
     void togglePause();
+    /// Explains how to grant the permission and opens the place to do so.
     void grantAccess();
     void openSettings();
     [[nodiscard]] std::function<void()> whileAlive(std::function<void()> work) const;
@@ -59,12 +64,15 @@ private:
     Ports m_ports;
     SettingsWindowFactory m_makeSettingsWindow;
     SubscriptionPtr m_instance;
-    std::optional<Services> m_services; // none before this copy has the desktop
+    /// Empty until this copy has claimed the desktop.
+    std::optional<Services> m_services;
     std::optional<StatusMenu> m_statusMenu;
     std::optional<StatusItem> m_statusItem;
     SubscriptionPtr m_settingsObserver;
-    std::unique_ptr<SettingsWindow> m_settingsWindow; // none before it is first asked for
-    std::shared_ptr<void> m_alive; // shared with no one: work still due looks whether it exists
+    /// Created on first use.
+    std::unique_ptr<SettingsWindow> m_settingsWindow;
+    /// Pending work holds a weak reference and does nothing once this object is destroyed.
+    std::shared_ptr<void> m_alive;
 };
 
 } // namespace tessarel

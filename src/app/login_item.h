@@ -7,16 +7,16 @@
 
 namespace tessarel {
 
-/// Start of the program at login, for the user to turn on and off.
+/// The user's setting whether the program starts at login.
 class LoginItem {
 public:
     explicit LoginItem(LoginItemPort& loginItem) : m_loginItem(loginItem) {}
 
-    /// False also while the system waits for the user's approval.
+    /// Returns whether the program starts at login. False while the system waits for the user's approval.
     [[nodiscard]] bool isEnabled() const { return m_loginItem.status() == LoginItemPort::Status::Enabled; }
 
-    /// Turns it on or off; empty on success, else why not, for the user. Afterwards `isEnabled` tells what
-    /// holds.
+    /// Turns the login item on or off. Returns `std::nullopt` on success, otherwise an error text for the
+    /// user. `isEnabled` returns the resulting state.
     [[nodiscard]] std::optional<std::string> set(bool enabled) {
         return enabled ? m_loginItem.registerItem() : m_loginItem.unregisterItem();
     }

@@ -6,7 +6,7 @@
 
 namespace tessarel {
 
-/// The program's main menu: closing and quitting, and the usual editing keys for the text fields of the
+/// Returns the program's main menu: closing, quitting, and the usual editing keys for the text fields of the
 /// settings window.
 [[nodiscard]] std::vector<MainMenu> mainMenu();
 

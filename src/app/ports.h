@@ -26,7 +26,7 @@
 
 namespace tessarel {
 
-/// All that the program asks of a desktop, from one back end. What they refer to outlives the program.
+/// References to all ports of one back end. The ports must outlive the objects that use them.
 struct Ports {
     AccessibilityPort& accessibility;
     AlertSoundPort& alertSound;

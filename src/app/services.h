@@ -18,14 +18,19 @@
 
 namespace tessarel {
 
-/// The services of the running program, each built once from those above it.
+/// The services of the running program.
+///
+/// Each member uses only members declared above it, so the order of declaration is also the order in which
+/// they can be safely created and, in reverse, destroyed.
 struct Services {
+    /// Creates all services. Does not register anything with the desktop yet.
     explicit Services(const Ports& ports);
     Services(const Services&) = delete;
     Services& operator=(const Services&) = delete;
 
     Store store;
-    SubscriptionPtr storeSharing; ///< makes `store` the one that `Store::shared()` answers
+    /// Makes `Store::shared()` return `store`.
+    SubscriptionPtr storeSharing;
     Runtime runtime;
     Permissions permissions;
     LoginItem loginItem;

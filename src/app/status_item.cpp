@@ -11,8 +11,10 @@ namespace tessarel {
 
 namespace {
 
+/// Names of system symbols, in order of preference.
 constexpr std::array<std::string_view, 3> kSymbols{"rectangle.3.group", "square.grid.2x2",
                                                    "rectangle.split.3x1"};
+/// Shown if the system has none of the symbols.
 constexpr std::string_view kInitials = "TS";
 
 } // namespace

@@ -9,19 +9,22 @@
 
 namespace tessarel {
 
-/// The program's icon among the status icons, with the menu that opens from it.
+/// The program's icon in the status area, and the menu that it opens.
 class StatusItem {
 public:
-    /// Shows the item; `itemSelected` is called with each row that the user chooses.
+    /// Shows the item and calls `itemSelected` with each row that the user chooses. The other arguments must
+    /// outlive this object.
     StatusItem(StatusItemPort& port, const StatusMenu& menu, const Runtime& runtime,
                std::function<void(const MenuItem&)> itemSelected);
 
-    /// Shows the first of our symbols that the system has, else our initials, dimmed while paused.
+    /// Updates the icon: the first of our symbols that the system has, otherwise the program's initials;
+    /// dimmed while paused.
     void refreshStatusIcon();
 
 private:
     StatusItemPort& m_port;
     const Runtime& m_runtime;
+    /// Keeps the item visible.
     SubscriptionPtr m_item;
 };
 

@@ -30,7 +30,7 @@ std::string withAppName(std::string_view verb) {
     return std::string(verb) + " " + std::string(Config::appName);
 }
 
-/// Position in the declared order of all actions.
+/// Returns the tag of a row that runs `action`: the action's index in `ActionID::allCases`.
 int tagOf(ActionID action) {
     return static_cast<int>(ActionID::Case(action));
 }
@@ -67,6 +67,7 @@ Menu StatusMenu::rebuild() const {
     return menu;
 }
 
+/// Adds a row for each enabled zone.
 void StatusMenu::addZoneItems(Menu& menu) const {
     const std::vector<Zone>& zones = m_store.settings.zones;
     for (const ActionID action : ActionID::zoneActions) {
@@ -76,6 +77,8 @@ void StatusMenu::addZoneItems(Menu& menu) const {
     }
 }
 
+/// Returns a row that runs `action`. The hot key is part of the title, because a key equivalent has no
+/// modifiers of its own.
 MenuItem StatusMenu::actionItem(ActionID action) const {
     std::string title(action.title());
     if (const std::optional<Binding> binding = m_store.binding(action))
@@ -83,6 +86,7 @@ MenuItem StatusMenu::actionItem(ActionID action) const {
     return item(std::move(title), MenuCommand::RunMenuAction, tagOf(action));
 }
 
+/// Returns a submenu with all actions that have no row of their own.
 MenuItem StatusMenu::moveWindowItem() const {
     MenuItem parent = item("Move window");
     for (const ActionID action : ActionID::allCases) {
@@ -108,6 +112,7 @@ MenuItem StatusMenu::layoutsItem() const {
 
 MenuItem StatusMenu::layoutItem(const Layout& layout, int tag) const {
     MenuItem result = item(layout.name, MenuCommand::ApplyLayout, tag);
+    // Padded for the comparison, because there are always nine active zones.
     result.isChecked = m_store.settings.zones == Presets::pad(layout.zones);
     return result;
 }

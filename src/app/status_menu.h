@@ -13,24 +13,25 @@
 
 namespace tessarel {
 
-/// What the menu of the status item shows, built afresh each time it opens, and what the tags of its rows
-/// mean.
+/// Builds the menu of the status item and interprets the tags of its rows. The menu is built anew each time
+/// it opens, so it always shows the current state.
 class StatusMenu {
 public:
-    /// Tag of the first layout that the user saved; built-in layouts have their position as tag.
+    /// Tag of the first user layout. The tag of a built-in layout is its index.
     static constexpr int kFirstUserLayoutTag = 1000;
 
+    /// `store`, `permissions` and `runtime` must outlive the menu.
     StatusMenu(const Store& store, const Permissions& permissions, const Runtime& runtime,
                const ModifierNames& modifierNames);
 
-    /// The whole menu for the present settings, pause and trust.
+    /// Returns the whole menu for the current settings, pause and permission.
     [[nodiscard]] Menu rebuild() const;
 
-    /// The action that a row tagged `tag` runs; none for a tag that no action has.
+    /// Returns the action of rows with tag `tag`, or `std::nullopt` if there is no such action.
     [[nodiscard]] static std::optional<ActionID> action(int tag);
 
-    /// The zones of the layout that a row tagged `tag` applies, as they were saved; none when there is no
-    /// such layout (any more).
+    /// Returns the zones of the layout with tag `tag` as saved, not padded to nine, or `std::nullopt` if
+    /// there is no such layout.
     [[nodiscard]] std::optional<std::vector<Zone>> layoutZones(int tag) const;
 
 private:

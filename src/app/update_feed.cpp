@@ -5,6 +5,7 @@
 namespace tessarel {
 namespace {
 
+/// Returns the member if it is a string.
 std::optional<std::string> text(const JsonValue& object, std::string_view name) {
     const JsonValue* const member = object.member(name);
     const auto* const value = member ? member->as<std::string>() : nullptr;

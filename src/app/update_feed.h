@@ -6,17 +6,21 @@
 
 namespace tessarel {
 
-/// What the maker's website says about the newest version.
+/// The content of the version feed on the product's website.
 struct UpdateFeed {
-    std::string version;            ///< dotted numbers, or whatever stands there
-    std::string notes;              ///< for the user; may be empty
-    std::optional<std::string> url; ///< of the download page, as it stands there
+    /// Expected to be numbers separated by dots, but not checked.
+    std::string version;
+    /// Text for the user; may be empty.
+    std::string notes;
+    /// Address of the download page, not checked.
+    std::optional<std::string> url;
 
     bool operator==(const UpdateFeed&) const = default;
 };
 
-/// The feed in a document, a JSON object with the text "version". "notes" and "url" count as missing when
-/// they are no texts; other members are ignored. Anything else is no feed: none.
+/// Decodes the feed from a JSON object that has at least the string "version". The members "notes" and "url"
+/// are ignored unless they are strings; other members are ignored, too. Returns `std::nullopt` for any other
+/// document.
 [[nodiscard]] std::optional<UpdateFeed> decodeUpdateFeed(std::string_view document);
 
 } // namespace tessarel

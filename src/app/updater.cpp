@@ -14,10 +14,12 @@ constexpr const char* kDownload = "Download";
 constexpr const char* kLater = "Later";
 constexpr const char* kOk = "OK";
 
-/// One number of a version, of any length.
+/// A number of a version, with any number of digits. Compared as text, because it may exceed every integer
+/// type.
 struct Component {
     bool isNegative = false;
-    std::string_view digits; ///< without leading zeros; empty for 0
+    /// Without leading zeros; empty for 0.
+    std::string_view digits;
 };
 
 std::strong_ordering operator<=>(const Component& a, const Component& b) {
@@ -32,6 +34,7 @@ std::strong_ordering operator<=>(const Component& a, const Component& b) {
                                    : magnitude;
 }
 
+/// Parses a number with an optional sign. Returns 0 for any other text.
 Component component(std::string_view text) {
     constexpr std::string_view kDigits = "0123456789";
     const bool hasSign = text.starts_with('-') || text.starts_with('+');
@@ -42,7 +45,7 @@ Component component(std::string_view text) {
     return {text.starts_with('-') && !digits.empty(), digits};
 }
 
-/// Takes the first component that is not empty off `version`; 0 when there is none.
+/// Removes the first non-empty component from `version` and returns it; 0 if there is none.
 Component takeComponent(std::string_view& version) {
     version.remove_prefix(std::min(version.find_first_not_of('.'), version.size()));
     const std::string_view text = version.substr(0, version.find('.'));
@@ -78,7 +81,9 @@ void Updater::check(bool manual) {
     const int load = ++m_lastLoad;
     m_loads[load] =
         m_urlLoading.load(request, [this, load, manual](const std::optional<UrlResponse>& response) {
-            const auto ended = m_loads.extract(load); // what is captured lives as long as it
+            // Removes the load, but keeps it, and with it this callback's captures, alive until the callback
+            // returns.
+            const auto ended = m_loads.extract(load);
             finish(manual, response);
         });
 }
@@ -104,6 +109,7 @@ void Updater::finish(bool manual, const std::optional<UrlResponse>& response) {
             alert("Could not check for updates", failureMessage(response));
         return;
     }
+    // A failed check does not count, so that the next start tries again.
     m_store.settings.lastUpdateCheck = m_wallClock.secondsSince1970();
     m_store.save();
     if (isNewer(feed->version, m_source.runningVersion)) {
@@ -118,7 +124,9 @@ void Updater::finish(bool manual, const std::optional<UrlResponse>& response) {
 
 void Updater::alert(const std::string& title, const std::string& message,
                     const std::optional<std::string>& downloadURL) {
-    OpenUrlPort& openUrl = m_openUrl; // the program may end, and the updater with it, before the user answers
+    // The program may quit, and destroy this object, while the message is shown: only locals are used
+    // afterwards.
+    OpenUrlPort& openUrl = m_openUrl;
     m_application.activate();
     if (!downloadURL) {
         m_alerts.runModal({title, message, {kOk}});

@@ -18,45 +18,51 @@
 
 namespace tessarel {
 
-/// Where the updater asks, and for whom.
+/// Where the updater looks for a new version, and which version it compares it with.
 struct UpdateSource {
     std::string feedURL{Config::updateFeedURL};
-    std::string websiteURL{Config::websiteURL}; ///< the download page of a feed that names none
+    /// Download page for a feed that has no address of its own.
+    std::string websiteURL{Config::websiteURL};
     std::string runningVersion{Config::version};
+    /// Limit for loading the feed.
     std::chrono::milliseconds timeLimit = std::chrono::seconds(15);
 };
 
-/// Tells the user when there is a newer version, and opens its download page. Nothing is downloaded or
-/// installed.
+/// Tells the user about a newer version and opens its download page. Downloads and installs nothing.
 ///
-/// Each check stands for itself, however many are on their way; those on their way end with the updater.
+/// Checks are independent of each other; several may run at the same time. Destroying the updater cancels
+/// them.
 class Updater {
 public:
-    /// The largest feed that is read, in bytes.
+    /// Maximum size of the feed, in bytes.
     static constexpr std::size_t kLargestFeed = 1024UL * 1024;
-    /// More than this since the last successful check, in seconds, and the next one is due.
+    /// Minimum time between a successful check and the next automatic one, in seconds.
     static constexpr double kInterval = 86'400;
 
+    /// The store and all ports must outlive the updater.
     Updater(Store& store, UrlLoadingPort& urlLoading, WallClockPort& wallClock, AlertsPort& alerts,
             ApplicationPort& application, OpenUrlPort& openUrl, UpdateSource source = {});
     Updater(const Updater&) = delete;
     Updater& operator=(const Updater&) = delete;
     ~Updater() = default;
 
-    /// Asks once which version is current. A newer one is always reported to the user; that there is none, or
-    /// that it could not be found out, only when the check is `manual`. Does nothing when the feed's address
-    /// is none.
+    /// Loads the feed once. Always tells the user about a newer version. That there is none, or that the
+    /// check failed, is shown only if the check is `manual`. Does nothing if the address of the feed is not a
+    /// web address. A successful check stores its time in the settings.
     void check(bool manual);
 
-    /// An automatic check, if the last successful one is more than a day ago.
+    /// Starts an automatic check if the last successful one is more than a day ago.
     void checkIfDue();
 
-    /// Whether version `a` is newer than version `b`. Both are numbers separated by dots, compared from the
-    /// left; a missing one, or one that is no number, counts as 0. Numbers may have a sign and any length.
+    /// Returns whether version `a` is newer than version `than`. Both consist of numbers separated by dots,
+    /// which are compared from the left. Empty components are skipped; missing and non-numeric ones count as
+    /// 0. A number may have a sign and any number of digits.
     [[nodiscard]] static bool isNewer(std::string_view a, std::string_view than);
 
 private:
+    /// Handles the response to a check.
     void finish(bool manual, const std::optional<UrlResponse>& response);
+    /// Shows a message, with a button that opens `downloadURL` if it is given.
     void alert(const std::string& title, const std::string& message,
                const std::optional<std::string>& downloadURL = std::nullopt);
 
@@ -67,7 +73,8 @@ private:
     ApplicationPort& m_application;
     OpenUrlPort& m_openUrl;
     UpdateSource m_source;
-    std::map<int, SubscriptionPtr> m_loads; // those on their way, numbered
+    /// Loads in progress, by number.
+    std::map<int, SubscriptionPtr> m_loads;
     int m_lastLoad = 0;
 };
 

@@ -8,6 +8,7 @@ namespace tessarel {
 
 namespace {
 
+/// Index of the button that only closes the message.
 constexpr std::size_t kContinue = 0;
 
 } // namespace

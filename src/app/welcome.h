@@ -7,10 +7,10 @@
 
 namespace tessarel {
 
-/// Position of the button that leads on to the settings.
+/// Index of the button that also opens the settings window.
 inline constexpr std::size_t kWelcomeOpenSettings = 1;
 
-/// What a user reads when the program runs for the first time.
+/// Returns the message for the first run of the program.
 [[nodiscard]] Alert welcomeAlert(const PlatformWords& words);
 
 } // namespace tessarel

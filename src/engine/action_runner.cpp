@@ -34,7 +34,8 @@ void ActionRunner::dispatch(ActionID action) {
     case ActionID::arrangeAll:
         return m_engine.arrangeAll();
     default:
-        return; // the zone actions are dealt with above
+        // Zone actions and fixed zones are handled above.
+        return;
     }
 }
 

@@ -10,13 +10,14 @@
 
 namespace tessarel {
 
-/// Turns actions into calls of the window engine: the one entry for hot keys and menu commands.
+/// Runs actions on the window engine. Hot keys and menu commands both go through it.
 class ActionRunner {
 public:
+    /// All arguments must outlive the runner.
     ActionRunner(WindowEngine& engine, const Store& store, Permissions& permissions, const Runtime& runtime);
 
-    /// Performs `action` on the focused window. Does nothing while paused; without permission asks for it
-    /// instead. The action of a disabled zone does nothing.
+    /// Runs `action` on the focused window. Does nothing while paused. Without permission, asks the user for
+    /// it instead. The action of a disabled zone does nothing.
     void run(ActionID action);
 
 private:

@@ -8,9 +8,10 @@ namespace tessarel {
 
 namespace {
 
-/// How far a window may stick out of its bounds before it is pulled back.
+/// How far a window may extend beyond its bounds before it is pulled back, in the unit of the coordinates.
 constexpr double kOverflowTolerance = 1;
 
+/// Returns the value if it is of type `Value`.
 template <typename Value>
 std::optional<Value> as(std::optional<AttributeValue> value) {
     auto* typed = value ? std::get_if<Value>(&*value) : nullptr;
@@ -103,13 +104,14 @@ void AX::setFrame(const Element& window, ProcessId pid, const Rect& axFrame,
 }
 
 void AX::writeFrame(const Element& window, const Rect& axFrame) {
-    // The first size makes room for the move, which may depend on it; the second makes up for what the place
-    // before the move did not allow.
+    // Some systems clip the first size to the display that the window is still on. Writing it again after the
+    // move corrects that.
     m_accessibility.setAttribute(window, attribute::kSize, axFrame.size());
     m_accessibility.setAttribute(window, attribute::kPosition, axFrame.origin());
     m_accessibility.setAttribute(window, attribute::kSize, axFrame.size());
 }
 
+/// Reads the frame back, because the program may have refused the size.
 void AX::pullInto(const Rect& bounds, const Element& window) {
     const auto axFrame = frame(window);
     if (!axFrame)

@@ -12,61 +12,67 @@
 
 namespace tessarel {
 
-/// The window that has the keyboard focus, and the program that it belongs to.
+/// The window that has the keyboard focus and its application.
 struct FocusedWindow {
     Element window;
     RunningApplication app;
 };
 
-/// Access to other programs' windows. Rectangles are in accessibility coordinates.
+/// Typed access to other programs' windows. Rectangles are in accessibility coordinates.
 ///
-/// Nothing here reports a failure: a read that fails has no value, a write that fails is ignored. A call may
-/// block until the other program has answered.
+/// No function reports a failure: a read that fails returns an empty value, a write that fails is ignored. A
+/// call may block until the other program replies or a time limit passes.
 class AX {
 public:
+    /// Both ports must outlive this object.
     AX(AccessibilityPort& accessibility, WorkspacePort& workspace);
 
-    /// The attribute's value, whatever its kind.
+    /// Returns the attribute's value, whatever its type.
     [[nodiscard]] std::optional<AttributeValue> copy(const Element& element,
                                                      std::string_view attribute) const;
-    /// These are empty also when the value is of another kind.
+    /// The typed reads below also return an empty value if the attribute has another type.
     [[nodiscard]] std::optional<Element> element(const Element& element, std::string_view attribute) const;
     [[nodiscard]] std::optional<Point> point(const Element& element, std::string_view attribute) const;
     [[nodiscard]] std::optional<Size> size(const Element& element, std::string_view attribute) const;
     [[nodiscard]] std::optional<std::string> string(const Element& element, std::string_view attribute) const;
-    /// A truth value, or a number read as one.
+    /// Returns a boolean value, or a number as a boolean: false if it is 0.
     [[nodiscard]] std::optional<bool> boolean(const Element& element, std::string_view attribute) const;
 
-    /// Where the window is; empty when it does not say.
+    /// Returns the window's visible outer frame; empty if position or size cannot be read.
     [[nodiscard]] std::optional<Rect> frame(const Element& window) const;
 
-    /// The windows of process `pid`, in the order that it gives; none when it does not answer.
+    /// Returns the windows of process `pid` in the order that the process reports. Empty if it does not
+    /// reply.
     [[nodiscard]] std::vector<Element> windows(ProcessId pid) const;
 
-    /// The focused window of the frontmost program; empty when there is none or the program is this one.
+    /// Returns the focused window of the frontmost application. Empty if there is none or the application is
+    /// this program.
     [[nodiscard]] std::optional<FocusedWindow> focusedWindow() const;
 
-    /// Whether the window may be moved: not when it says that it is no window, minimised or full screen.
+    /// Returns whether the window may be moved: it is neither minimised nor full screen, and its role is that
+    /// of a window. An attribute that cannot be read does not exclude the window.
     [[nodiscard]] bool isUsable(const Element& window) const;
 
-    /// A number that stays with the element for as long as it exists; equal elements have equal keys.
+    /// Returns the key of an element (see `AccessibilityPort::key`).
     [[nodiscard]] std::uintptr_t key(const Element& element) const;
 
-    /// Does `work` while the enhanced interface of process `pid` is off, which is on again afterwards if it
-    /// was on before. Programs animate their windows while it is on, and a frame read back would be wrong.
+    /// Calls `work` while the enhanced user interface of process `pid` is off, and restores it afterwards.
+    /// While it is on, programs animate their windows, so a frame that is read back would not be settled.
     template <typename Work>
     void withEnhancedUIOff(ProcessId pid, Work&& work);
 
-    /// Moves and resizes the window. With `bounds`, a window that then sticks out of them on the right or at
-    /// the bottom by more than a point, because it refused the size, is pulled back until its far edge meets
-    /// theirs, but not past their left or top edge.
+    /// Moves and resizes the window. Writes nothing if the system cannot represent `axFrame`.
     ///
-    /// Nothing is written when the system cannot express `axFrame`.
+    /// If `bounds` is given and the window then extends beyond the right or bottom edge of the bounds by more
+    /// than a point, because it has refused the size, moves it back to that edge, but not beyond the left or
+    /// top edge.
     void setFrame(const Element& window, ProcessId pid, const Rect& axFrame,
                   const std::optional<Rect>& bounds);
 
 private:
+    /// Writes size, position and size again.
     void writeFrame(const Element& window, const Rect& axFrame);
+    /// Moves the window back into `bounds` as described for `setFrame`.
     void pullInto(const Rect& bounds, const Element& window);
 
     AccessibilityPort& m_accessibility;

@@ -5,7 +5,7 @@
 
 namespace tessarel {
 
-/// A window of another program, and the process that it belongs to.
+/// A window of another program and the process that owns it.
 struct FoundWindow {
     Element element;
     ProcessId pid = 0;

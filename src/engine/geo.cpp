@@ -16,7 +16,7 @@ Rect flipped(const Rect& rect, double primaryHeight) {
     return {rect.minX(), primaryHeight - rect.maxY(), rect.absWidth(), rect.absHeight()};
 }
 
-/// 0 for the null rectangle.
+/// Returns 0 for the null rectangle.
 double area(const Rect& rect) {
     return rect.absWidth() * rect.absHeight();
 }
@@ -49,6 +49,7 @@ std::optional<Screen> Geo::screen(const Rect& containing) const {
     const std::vector<Screen> screens = m_displays.screens();
     const double height = heightOfPrimary(screens);
     const Screen* best = nullptr;
+    // Less than any area, so that the first screen wins if none shows the window.
     double bestArea = -1;
     for (const Screen& candidate : screens) {
         const double shown = area(flipped(candidate.frame, height).intersection(containing));
@@ -62,6 +63,7 @@ std::optional<Screen> Geo::screen(const Rect& containing) const {
 
 Rect Geo::zoneFrame(const Zone& zone, const Rect& axArea) const {
     const double half = m_store.settings.gap * 0.5;
+    // Less than the margin, because every edge of a zone is inset by half the gap below.
     const double edge = m_store.settings.margin - half;
     const Rect outer = axArea.inset(edge, edge);
     const Rect share{outer.minX() + outer.absWidth() * (zone.x / 100),

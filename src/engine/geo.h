@@ -9,42 +9,46 @@
 
 namespace tessarel {
 
-/// Where two coordinate systems meet: screen coordinates (origin at the bottom-left corner of the primary
-/// display, y up), in which displays are reported, and accessibility coordinates (origin at its top-left
-/// corner, y down), in which windows are read and moved. Both share the left edge of the primary display.
+/// Converts between screen coordinates (origin at the bottom-left corner of the primary display, y up), in
+/// which displays are reported, and accessibility coordinates (origin at its top-left corner, y down), in
+/// which windows are read and moved. Both share the left edge of the primary display. Also computes the
+/// frames of zones.
 ///
-/// Displays and settings are looked up afresh at every call, so a change of either is seen at once.
+/// Reads displays and settings at every call, so changes take effect at once.
 class Geo {
 public:
-    /// Width and height that a zone's frame has at least.
+    /// Minimum width and height of a zone's frame.
     static constexpr double kMinimumExtent = 40;
 
+    /// `displays` and `store` must outlive this object.
     Geo(DisplaysPort& displays, const Store& store);
 
-    /// Height of the primary display; 0 without displays.
+    /// Returns the height of the primary display; 0 without displays.
     [[nodiscard]] double primaryHeight() const;
 
-    /// The same rectangle in the other coordinate system, whichever it is in.
+    /// Converts a rectangle from either coordinate system to the other.
     [[nodiscard]] Rect flip(const Rect& rect) const;
 
-    /// The whole area of `screen`.
+    /// Returns the whole area of `screen` in accessibility coordinates.
     [[nodiscard]] Rect axFrame(const Screen& screen) const;
-    /// The area of `screen` that bars and docks leave to windows.
+    /// Returns the usable area of `screen` in accessibility coordinates.
     [[nodiscard]] Rect axVisible(const Screen& screen) const;
-    /// A place in screen coordinates, such as that of the pointer, in accessibility coordinates.
+    /// Converts a point from screen to accessibility coordinates.
     [[nodiscard]] Point axPoint(const Point& screenPoint) const;
 
-    /// The screen that shows most of the window frame `axFrame`. Of screens that show equal shares, none at
-    /// all included, the one listed first. Without displays the main screen, if there is one.
+    /// Returns the screen that shows the largest part of a frame in accessibility coordinates; of several
+    /// equal ones, or if none shows it, the first in the list. Without displays, returns the main screen, if
+    /// there is one.
     [[nodiscard]] std::optional<Screen> screen(const Rect& containing) const;
 
-    /// The frame that a window gets in `zone` of `axArea`, which is normally the visible area of a screen.
+    /// Returns the frame for a window in `zone` of `axArea`, which is normally the usable area of a screen.
     ///
-    /// Neighbouring zones end up one gap apart, outer zones one margin from the edge of the area. Values are
-    /// rounded to whole points, halves away from zero. Width and height are at least `kMinimumExtent`; the
-    /// origin does not move to make room for them. Whether the zone is enabled plays no part.
+    /// Neighbouring zones are one gap apart, outer zones one margin away from the edge of the area. Values
+    /// are rounded to whole points, halves away from zero. Width and height are at least `kMinimumExtent`;
+    /// the origin does not change to make room for them. Whether the zone is enabled does not matter.
     ///
-    /// When the gap eats the whole share, the origin is infinite; callers pass it on unchanged.
+    /// If gap or margin leaves no room for the zone, the origin is infinite. `AX::setFrame` does not write
+    /// such a frame.
     [[nodiscard]] Rect zoneFrame(const Zone& zone, const Rect& axArea) const;
 
 private:

@@ -9,7 +9,8 @@ HotKeys::HotKeys(HotKeyPort& port, ActionRunner& runner, const Store& store)
 
 void HotKeys::registerAll() {
     installHandler();
-    m_refs.clear(); // before claiming anew, or our own old claims would be in the way
+    // First, because our own earlier registrations would make the new ones fail.
+    m_refs.clear();
     m_refs = m_port.registerHotKeys(requests());
 }
 
@@ -35,7 +36,8 @@ std::vector<HotKeyRequest> HotKeys::requests() const {
     return all;
 }
 
-/// Empty when the action is to have no hot key, or its binding is nothing that could be asked for.
+/// Returns an empty value if the action has no hot key, or if its binding is outside the port's number range,
+/// as in a hand-edited settings document.
 std::optional<HotKeyRequest> HotKeys::request(std::uint32_t id, ActionID action) const {
     if (isOfDisabledZone(action))
         return {};

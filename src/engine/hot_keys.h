@@ -12,21 +12,22 @@
 
 namespace tessarel {
 
-/// The system-wide hot keys: one per bound action, known by the action's position in `ActionID::allCases`.
+/// The system-wide hot keys: one per bound action. The id of a hot key is the action's index in
+/// `ActionID::allCases`.
 ///
-/// A combination that cannot be had, for whatever reason, is left out until the next registration: the action
-/// simply has no hot key.
+/// If a combination is unavailable, its action has no hot key until the next registration.
 class HotKeys {
 public:
-    /// Four-character code under which all hot keys of the program are registered: "GWWD".
+    /// Four-character code of all hot keys of the program: "GWWD".
     static constexpr std::uint32_t kSignature = 0x47575744;
 
+    /// All arguments must outlive the hot keys.
     HotKeys(HotKeyPort& port, ActionRunner& runner, const Store& store);
 
-    /// Lets go of all hot keys and claims those of the present settings. Disabled zones have none.
+    /// Releases all hot keys and registers those of the current settings. Actions of disabled zones get none.
     void registerAll();
 
-    /// Runs the action known by `id`; does nothing when there is none.
+    /// Runs the action with hot key id `id`; does nothing if there is no such action.
     void handle(std::uint32_t id);
 
 private:
@@ -40,7 +41,8 @@ private:
     const Store& m_store;
     bool m_installed = false;
     SubscriptionPtr m_handlerRef;
-    std::vector<SubscriptionPtr> m_refs; ///< null for a combination that could not be had
+    /// One per request of the last registration; null if the combination was unavailable.
+    std::vector<SubscriptionPtr> m_refs;
 };
 
 } // namespace tessarel

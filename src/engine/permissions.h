@@ -4,15 +4,16 @@
 
 namespace tessarel {
 
-/// The user's permission to see and move other programs' windows, without which nothing works.
+/// The user's permission to see and move other programs' windows, without which no action works.
 class Permissions {
 public:
     explicit Permissions(TrustPort& trust) : m_trust(trust) {}
 
+    /// Returns whether the permission is granted now.
     [[nodiscard]] bool isTrusted() const { return m_trust.isTrusted(); }
-    /// Lets the system ask the user for it.
+    /// Lets the system explain to the user how to grant it.
     void prompt() { m_trust.prompt(); }
-    /// Opens the place where the user gives it, if the system has one.
+    /// Opens the place where the user can grant it, if the system has one.
     void openSettings() { m_trust.openSettings(); }
 
 private:

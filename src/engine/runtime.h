@@ -2,9 +2,9 @@
 
 namespace tessarel {
 
-/// What holds for this run of the program only and is never saved.
+/// State of this run of the program. Never saved.
 struct Runtime {
-    /// The user wants no window moved for now. Hot keys stay claimed.
+    /// While true, no window is moved. Hot keys stay registered.
     bool paused = false;
 };
 

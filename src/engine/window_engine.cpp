@@ -10,12 +10,13 @@ namespace tessarel {
 
 namespace {
 
-/// `value` between 0 and 1.
+/// Returns `value` clamped to [0, 1].
 double share(double value) {
     return std::clamp(value, 0.0, 1.0);
 }
 
-/// The frame that stands in `to` as `axFrame` stands in `from`, whole points.
+/// Returns the frame with the same relative position and size in `to` as `axFrame` has in `from`, rounded to
+/// whole points. The origin is clamped to `to`, and the size to that of `to`.
 Rect transferred(const Rect& axFrame, const Rect& from, const Rect& to) {
     const double x = share((axFrame.minX() - from.minX()) / from.absWidth());
     const double y = share((axFrame.minY() - from.minY()) / from.absHeight());
@@ -25,7 +26,7 @@ Rect transferred(const Rect& axFrame, const Rect& from, const Rect& to) {
             std::round(width * to.absWidth()), std::round(height * to.absHeight())};
 }
 
-/// The position `offset` after `index` in a ring of `count`.
+/// Returns the index `offset` steps after `index` in a ring of `count` elements.
 std::size_t stepped(std::size_t index, int offset, std::size_t count) {
     const auto size = static_cast<std::ptrdiff_t>(count);
     const auto step = (static_cast<std::ptrdiff_t>(index) + offset) % size;
@@ -34,6 +35,7 @@ std::size_t stepped(std::size_t index, int offset, std::size_t count) {
 
 } // namespace
 
+/// A window that an action applies to.
 struct WindowEngine::Target {
     Element window;
     RunningApplication app;
@@ -41,7 +43,7 @@ struct WindowEngine::Target {
 };
 
 struct WindowEngine::TargetOnScreen : Target {
-    Rect axVisible; ///< what windows may fill of its screen
+    Rect axVisible; ///< usable area of its screen
 };
 
 WindowEngine::WindowEngine(AX& ax, Geo& geo, DisplaysPort& displays, WorkspacePort& workspace,
@@ -71,11 +73,13 @@ void WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFra
     const WindowKey windowKey = key(window);
     if (const auto current = previous ? previous : m_ax.frame(window)) {
         const auto last = m_lastSnapped.find(windowKey);
+        // Still where the last placement left it: the restore chain goes on and keeps its first frame.
         const bool inChain = last != m_lastSnapped.end() && approx(*current, last->second);
         if (!inChain)
             m_original[windowKey] = *current;
     }
     m_ax.setFrame(window, pid, axFrame, bounds);
+    // The program may have adjusted the frame, so the one to compare with is read back.
     m_lastSnapped[windowKey] = m_ax.frame(window).value_or(axFrame);
 }
 
@@ -123,6 +127,7 @@ void WindowEngine::restoreFocused() {
         m_alertSound.beep();
         return;
     }
+    // Not through `place`, which would start a new restore chain.
     m_ax.setFrame(focused->window, focused->app.processIdentifier, original->second, {});
     m_original.erase(original);
     m_lastSnapped.erase(windowKey);
@@ -148,7 +153,7 @@ void WindowEngine::moveFocusedToDisplay(int offset) {
     place(focused->window, focused->app.processIdentifier, transferred(focused->axFrame, from, to), to, {});
 }
 
-/// The focused window, if the user wants its program's windows moved and it can be.
+/// Returns the focused window unless its application is ignored or it may not be moved.
 std::optional<FocusedWindow> WindowEngine::usableFocusedWindow() const {
     auto focused = m_ax.focusedWindow();
     if (!focused || isIgnored(focused->app) || !m_ax.isUsable(focused->window))

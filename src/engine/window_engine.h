@@ -20,66 +20,70 @@
 
 namespace tessarel {
 
-/// Moves windows, and remembers where they were. Rectangles are in accessibility coordinates.
+/// Moves windows and remembers their original frames. Rectangles are in accessibility coordinates.
 ///
-/// The actions on the focused window end silently when there is none, its program is this one or one of the
-/// ignored ones, or the window cannot be moved or read. The alert sound is heard only where stated.
+/// The actions on the focused window do nothing, without a message, if there is no focused window, if it
+/// belongs to this program or an ignored one, or if it cannot be moved or read. The alert sound is played
+/// only where stated.
 class WindowEngine {
 public:
     using WindowKey = std::uintptr_t;
 
-    /// By how much two frames may differ and still be taken for the same one.
+    /// Maximum difference per value for two frames to count as equal.
     static constexpr double kTolerance = 3;
 
+    /// All arguments must outlive the engine.
     WindowEngine(AX& ax, Geo& geo, DisplaysPort& displays, WorkspacePort& workspace,
                  WindowListPort& windowList, AlertSoundPort& alertSound, Store& store);
 
-    /// What the memory knows the window by. Equal elements have equal keys; windows whose keys happen to be
-    /// equal cannot be told apart.
+    /// Returns the key by which the engine remembers the window. Windows with the same key, which is rare,
+    /// cannot be told apart.
     [[nodiscard]] WindowKey key(const Element& window) const;
 
-    /// Whether left edge, top edge, width and height each differ by at most `tolerance`.
+    /// Returns whether left edge, top edge, width and height each differ by at most `tolerance`.
     [[nodiscard]] static bool approx(const Rect& a, const Rect& b, double tolerance = kTolerance);
 
-    /// Whether the user wants the program's windows left alone.
+    /// Returns whether the user has excluded the application. False without an application or identifier.
     [[nodiscard]] bool isIgnored(const std::optional<RunningApplication>& app) const;
 
-    /// The one way in which windows are moved, but for `restoreFocused`.
+    /// Moves the window of process `pid` to `axFrame`, within `bounds` if given (see `AX::setFrame`). Every
+    /// window move except `restoreFocused` goes through this function.
     ///
-    /// Puts the window of process `pid` at `axFrame`, within `bounds` when given (see `AX::setFrame`).
-    /// Remembers for restoring the frame it had before, which is `previous` when given: not when the window
-    /// still stands where it was last put, so that a chain of placements leads back to its beginning. Tests
-    /// nothing about the window or its program.
+    /// Remembers the frame before the move, which is `previous` if given, for restoring. If the window is
+    /// still where it was last placed, keeps the frame remembered earlier: a restore chain leads back to its
+    /// beginning. Does not check whether the window may be moved.
     void place(const Element& window, ProcessId pid, const Rect& axFrame, const std::optional<Rect>& bounds,
                const std::optional<Rect>& previous);
 
-    /// Records zone number `zoneIndex`, from 0, as the program's own and saves the settings, when zones are
-    /// remembered at all and this is news.
+    /// Stores `zoneIndex`, from 0, as the application's last zone and saves the settings. Does nothing if the
+    /// user does not want zones remembered, if there is no identifier, or if nothing changes.
     void remember(const std::optional<std::string>& bundleID, std::size_t zoneIndex);
 
-    /// Puts the focused window into `zone` of its screen, and remembers its program for zone number `index`
-    /// when there is one.
+    /// Places the focused window in `zone` of its screen. If `index` is given, remembers it as the last zone
+    /// of the application.
     void snapFocused(const Zone& zone, std::optional<std::size_t> index);
 
-    /// Puts the focused window into the middle of its screen, no larger than the visible area.
+    /// Places the focused window in the middle of its screen, reduced to the usable area if it is larger.
     void centerFocused();
 
-    /// Puts the focused window back to where it was before the last chain of placements, once. Nothing
-    /// remembered: alert sound.
+    /// Moves the focused window back to its frame before the last restore chain, and forgets the chain. Plays
+    /// the alert sound if no frame is remembered.
     void restoreFocused();
 
-    /// Moves the focused window to the display that comes `offset` after its own from left to right, round
-    /// about, keeping its relative place and size. Fewer than two displays, or its own not among them: alert
-    /// sound.
+    /// Moves the focused window to the display `offset` steps to the right of its own, wrapping around, with
+    /// the same relative position and size. Plays the alert sound if there are fewer than two displays or if
+    /// the window's display is not among them.
     void moveFocusedToDisplay(int offset);
 
-    /// The windows that can be seen in the area `on` and may be moved, front to back, at most `limit`. A
-    /// window counts where its middle lies; small or transparent ones, those of this program and of ignored
-    /// programs do not count. A program is asked for its windows only when one of them may be among them.
+    /// Returns the visible windows in the area `on` that may be moved, front to back, at most `limit`. A
+    /// window is in the area if its centre is. Excludes small and transparent windows, and those of this
+    /// program and of ignored applications. Sends requests only to programs that own a suitable window in the
+    /// list of the window server.
     [[nodiscard]] std::vector<FoundWindow> visibleWindows(const Rect& on, std::size_t limit) const;
 
-    /// Puts the visible windows of the focused window's screen, else of the main screen, front to back into
-    /// the enabled zones in their order. What there is no zone for stays where it is.
+    /// Places the visible windows of the focused window's screen, or of the main screen without a focused
+    /// window, front to back in the enabled zones in their order. Windows beyond the number of zones stay
+    /// where they are.
     void arrangeAll();
 
 private:
@@ -89,6 +93,7 @@ private:
     [[nodiscard]] std::optional<FocusedWindow> usableFocusedWindow() const;
     [[nodiscard]] std::optional<Target> target() const;
     [[nodiscard]] std::optional<TargetOnScreen> targetOnScreen() const;
+    /// Finds the element of a window that the window server has listed.
     [[nodiscard]] std::optional<Element> match(const Rect& axBounds, ProcessId pid,
                                                const std::unordered_set<WindowKey>& seen) const;
     [[nodiscard]] std::optional<Screen> attendedScreen() const;
@@ -100,9 +105,9 @@ private:
     WindowListPort& m_windowList;
     AlertSoundPort& m_alertSound;
     Store& m_store;
-    // The restore memory lasts for the run of the program; entries of windows that have closed simply stay.
-    std::unordered_map<WindowKey, Rect> m_original;    ///< frame before the first of a chain of placements
-    std::unordered_map<WindowKey, Rect> m_lastSnapped; ///< frame that the last placement really led to
+    // The restore chains. They last for the run of the program; entries of closed windows are not removed.
+    std::unordered_map<WindowKey, Rect> m_original;    ///< frame before the first placement of a chain
+    std::unordered_map<WindowKey, Rect> m_lastSnapped; ///< frame after the last placement, as read back
 };
 
 } // namespace tessarel

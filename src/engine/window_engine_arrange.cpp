@@ -12,12 +12,14 @@ namespace {
 
 /// Smaller windows are palettes and the like.
 constexpr Size kSmallestArranged{120, 80};
-/// Windows that let more through than this are not seen.
+/// Windows with a lower alpha count as invisible.
 constexpr double kFaintest = 0.05;
-/// By how much the window server's and the application's word for a frame may differ.
+/// Maximum difference per value between the frames that window server and application report for the same
+/// window.
 constexpr double kMatchTolerance = 4;
 
-/// The process that owns the listed window; none for what is not an ordinary window seen in `axArea`.
+/// Returns the process that owns the listed window; empty unless it is an ordinary window that is visible in
+/// `axArea`.
 std::optional<ProcessId> ownerOfVisible(const ListedWindow& listed, const Rect& axArea) {
     if (listed.layer != 0 || !listed.ownerPid || !listed.axBounds)
         return {};
@@ -54,7 +56,9 @@ std::vector<FoundWindow> WindowEngine::visibleWindows(const Rect& on, std::size_
     return found;
 }
 
-/// The first window of process `pid` that may be moved, stands at `axBounds` and is none of `seen`.
+/// Returns the first window of process `pid` that may be moved, has the frame `axBounds` and is not in
+/// `seen`. The window server and the accessibility interface have no common window id, so the frame
+/// identifies the window.
 std::optional<Element> WindowEngine::match(const Rect& axBounds, ProcessId pid,
                                            const std::unordered_set<WindowKey>& seen) const {
     for (Element& window : m_ax.windows(pid)) {
@@ -81,7 +85,7 @@ void WindowEngine::arrangeAll() {
         place(found.element, found.pid, m_geo.zoneFrame(*zone++, visible), visible, {});
 }
 
-/// The screen of the focused window, whatever window it is, else the main one.
+/// Returns the screen of the focused window, even if that window may not be moved, otherwise the main screen.
 std::optional<Screen> WindowEngine::attendedScreen() const {
     if (const auto focused = m_ax.focusedWindow()) {
         if (const auto axFrame = m_ax.frame(focused->window)) {

@@ -40,6 +40,7 @@ constexpr std::array<Entry, 19> kEntries{{
     {ActionID::arrangeAll, "arrangeAll", "Arrange windows into zones", {}, {0, kCtrlOpt}},
 }};
 
+/// Returns whether both tables hold every action at the index of its case.
 constexpr bool entriesStandAtTheirCase() {
     for (std::size_t index = 0; index < kEntries.size(); ++index) {
         if (kEntries[index].action != index || ActionID::allCases[index] != index)

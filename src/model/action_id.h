@@ -13,7 +13,9 @@ namespace tessarel {
 
 /// A command that the user can give by hot key or from the menu.
 ///
-/// Behaves like its enumeration: cases are written `ActionID::leftHalf`, compared, and used in a `switch`.
+/// Behaves like its enumeration: write a case as `ActionID::leftHalf`, compare it, use it in a `switch`. The
+/// order of the cases is the order of the settings window and fixes the ids of hot keys and the tags of menu
+/// rows.
 class ActionID {
 public:
     enum Case : std::uint8_t {
@@ -38,7 +40,7 @@ public:
         arrangeAll,
     };
 
-    /// All nineteen cases in the order of their declaration.
+    /// All cases in the order of declaration.
     static const std::array<ActionID, 19> allCases;
     /// `zone1` to `zone9`.
     static const std::array<ActionID, kZoneSlots> zoneActions;
@@ -48,23 +50,23 @@ public:
     // NOLINTNEXTLINE(google-explicit-constructor)
     constexpr operator Case() const { return m_case; }
 
-    /// The case whose raw value equals `rawValue` exactly; none for any other string.
+    /// Returns the case whose raw value is exactly `rawValue`, or `std::nullopt` for any other string.
     [[nodiscard]] static std::optional<ActionID> fromRawValue(std::string_view rawValue);
 
-    /// Name of the case as the settings document stores it.
+    /// Returns the name of the case as stored in the settings document.
     [[nodiscard]] std::string_view rawValue() const;
 
-    /// Position in `zoneActions`; none for the actions that are not about a numbered zone.
+    /// Returns the index in `zoneActions`, from 0, or `std::nullopt` for actions without a numbered zone.
     [[nodiscard]] std::optional<std::size_t> zoneIndex() const;
 
-    /// Text shown to the user.
+    /// Returns the text that is shown to the user.
     [[nodiscard]] std::string_view title() const;
 
-    /// The zone of the halves and of `maximize`, enabled and independent of the user's zones; none for all
-    /// others.
+    /// Returns the zone of a half or of `maximize`, which is enabled and independent of the user's zones, or
+    /// `std::nullopt` for any other action.
     [[nodiscard]] std::optional<Zone> fixedZone() const;
 
-    /// The hot key that the action has until the user changes it; no two actions share one.
+    /// Returns the hot key that the action has until the user changes it. No two actions share one.
     [[nodiscard]] Binding defaultBinding() const;
 
 private:

@@ -12,42 +12,43 @@
 
 namespace tessarel {
 
-/// All user settings; a fresh value holds the defaults.
+/// All settings of the user. A default-constructed value holds the defaults.
 struct AppSettings {
     using Bindings = std::map<std::string, Binding, std::less<>>;
 
-    /// The active zone set: always nine once loaded.
+    /// The active zones; always nine once loaded.
     std::vector<Zone> zones = defaultZones();
-    /// Raw value of an action to its hot key; an action without an entry has none.
+    /// Hot keys by the raw value of their action. An action without an entry has no hot key.
     Bindings bindings = defaultBindings();
-    /// Layouts that the user saved under a name, as they were saved.
+    /// Layouts that the user has saved. A layout may have any number of zones.
     std::vector<Layout> userLayouts;
     /// Space between neighbouring zones, in points.
     double gap = 0;
-    /// Space between zones and the edge of the usable area, in points.
+    /// Space between the zones and the edge of the usable area, in points.
     double margin = 0;
-    /// Drag-to-snap on or off.
+    /// Whether windows snap into zones when dragged.
     bool dragEnabled = true;
-    /// Modifier that shows the zones during a drag: "shift", "control", "command" or "always".
+    /// The trigger, which shows the zones during a drag: "shift", "control", "command" or "always". Any other
+    /// value acts as "shift".
     std::string dragTrigger = "shift";
-    /// Snapping by dragging a window against a screen edge.
+    /// Whether windows also snap when dragged to a screen edge.
     bool edgeSnap = false;
-    /// Identifiers of applications whose windows are left alone.
+    /// Identifiers of applications whose windows are never moved.
     std::vector<std::string> ignoredApps;
-    /// The first-run welcome has been shown.
+    /// Whether the welcome message has been shown.
     bool hasOnboarded = false;
-    /// Snapping step of the zone editor, in percent.
+    /// Grid step of the zone editor, in percent.
     double gridStep = 5;
-    /// Time of the last automatic update check, in seconds since 1970-01-01 00:00 UTC.
+    /// Unix time of the last successful update check, in seconds.
     double lastUpdateCheck = 0;
-    /// Remember each application's last zone and place its new windows there.
+    /// Whether to remember the last zone of each application and place its new windows there.
     bool rememberApps = true;
-    /// Application identifier to the index (0 to 8) of the zone it used last.
+    /// Index (0 to 8) of the last used zone, by application identifier.
     std::map<std::string, std::int64_t, std::less<>> appZones;
 
-    /// The first preset.
+    /// Returns the zones of the first preset.
     [[nodiscard]] static std::vector<Zone> defaultZones();
-    /// Every action with its default binding.
+    /// Returns the default binding of every action.
     [[nodiscard]] static Bindings defaultBindings();
 
     bool operator==(const AppSettings&) const = default;

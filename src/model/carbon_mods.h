@@ -4,7 +4,8 @@
 
 namespace tessarel {
 
-/// Modifier flags of a key event: the device-independent bits and any others.
+/// Modifier flags of a keyboard or mouse event, with the bit values of AppKit's `NSEventModifierFlags`. Bits
+/// other than the four below may be set.
 using ModifierFlags = std::uint64_t;
 
 inline constexpr ModifierFlags kShiftFlag = 0x20000;
@@ -12,7 +13,7 @@ inline constexpr ModifierFlags kControlFlag = 0x40000;
 inline constexpr ModifierFlags kOptionFlag = 0x80000;
 inline constexpr ModifierFlags kCommandFlag = 0x100000;
 
-/// The modifier bits of a `Binding` for an event's flags. Flags other than the four above are ignored.
+/// Returns the modifier bits of a `Binding` for the flags of an event. Other flags are ignored.
 [[nodiscard]] std::int64_t carbonMods(ModifierFlags from);
 
 } // namespace tessarel

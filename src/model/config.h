@@ -4,7 +4,7 @@
 
 namespace tessarel {
 
-/// Fixed facts about the application. All but its name are set when it is built.
+/// Fixed facts about the application. All except the name are set at build time.
 class Config {
 public:
     static constexpr std::string_view appName = "Tessarel";

@@ -1,7 +1,7 @@
 #include "model/json_document.h"
 
-// strtod's end is checked by the library with an assertion that fails under a C locale whose decimal point
-// has several bytes. `DocumentBuilder` parses the number's text itself.
+// The library asserts that strtod consumed the whole number, which fails in a C locale whose decimal point
+// has several bytes. `DocumentBuilder` parses such numbers itself, so assertions are disabled.
 #define JSON_ASSERT(condition) static_cast<void>(condition)
 #include <nlohmann/json.hpp>
 
@@ -18,10 +18,10 @@ namespace {
 
 using nlohmann::json;
 
-/// No document of ours is nested deeper than four; the rest is room for members unknown today.
+/// Our own documents have at most five levels; the rest leaves room for unknown members.
 constexpr std::size_t kDeepestNesting = 64;
 
-/// Builds the value that the parser reads, and gives up on what is nested too deep.
+/// Builds the value that the parser reads. Rejects documents that are nested too deeply.
 class DocumentBuilder : public nlohmann::json_sax<json> {
 public:
     [[nodiscard]] JsonValue takeDocument() { return std::move(m_document); }
@@ -33,8 +33,8 @@ public:
         constexpr auto kLargest = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
         return value <= kLargest ? add(static_cast<std::int64_t>(value)) : add(static_cast<double>(value));
     }
-    // If the number has a decimal point, the parser has put the C locale's in its place, and its value is
-    // wrong where that has several bytes.
+    // The parser has replaced a decimal point with that of the C locale. If that one has several bytes,
+    // `value` is wrong.
     bool number_float(number_float_t value, const string_t& text) override {
         const auto point = text.find_first_not_of("0123456789+-eE");
         if (point == std::string::npos)
@@ -59,10 +59,11 @@ public:
     }
 
 private:
-    /// Parses a JSON number that has its decimal point at `point`, whatever character that is. Returns
-    /// nothing if the number is too large. macOS 13 has no std::from_chars for doubles, and std::strtod()
-    /// gives the same under every C locale only for a text without a decimal point: so "12.5e3" is parsed as
-    /// "125e2".
+    /// Parses a JSON number whose decimal point, whatever character it is, is at index `point`. Returns
+    /// `std::nullopt` if the number is too large for a double.
+    ///
+    /// macOS 13 lacks std::from_chars for doubles, and the result of std::strtod depends on the C locale
+    /// unless the text has no decimal point. So "12.5e3" is parsed as "125e2".
     static std::optional<double> parseDecimals(const std::string& text, std::size_t point) {
         const auto digitsEnd = std::min(text.find_first_of("eE", point), text.size());
         int exponent = 0;
@@ -79,6 +80,8 @@ private:
         return std::isfinite(value) ? std::optional(value) : std::nullopt;
     }
 
+    /// Stores `value` in the innermost open container, or as the document itself, and returns the stored
+    /// value.
     JsonValue& place(JsonValue value) {
         if (m_open.empty())
             return m_document = std::move(value);
@@ -110,8 +113,10 @@ private:
     std::string m_key;
 };
 
-/// Turns a value into the library's; false if a number is not finite, for which the library would write null.
-/// Members of one class, so that containers and the values in them find each other whatever their order.
+/// Converts a value to the library's type. Returns false if a number is not finite, because the library would
+/// write null for it.
+///
+/// Member functions instead of free ones, because they can call each other regardless of their order.
 struct Writer {
     static bool write(const JsonValue& from, json& to) {
         if (const auto* const array = from.as<JsonArray>())
@@ -164,8 +169,9 @@ std::optional<std::string> writeJson(const JsonValue& value) {
     if (!Writer::write(value, root))
         return std::nullopt;
     try {
+        // Throws for a text that is not UTF-8.
         return root.dump();
-    } catch (const json::type_error&) { // a text that is not UTF-8
+    } catch (const json::type_error&) {
         return std::nullopt;
     }
 }

@@ -14,26 +14,27 @@ namespace tessarel {
 
 class JsonValue;
 using JsonArray = std::vector<JsonValue>;
-/// Each name once.
+/// Members by name. A name occurs only once.
 using JsonObject = std::map<std::string, JsonValue, std::less<>>;
 
-/// A value of a JSON document; null unless made from something else.
+/// A value of a JSON document; null by default.
 class JsonValue {
 public:
     JsonValue() = default;
-    // Not explicit: a document is written down the way it reads.
+    // Implicit, so that nested documents can be written as plain initialiser lists.
     JsonValue(bool value) : m_value(value) {}
     JsonValue(std::int64_t value) : m_value(value) {}
     JsonValue(double value) : m_value(value) {}
     JsonValue(std::string value) : m_value(std::move(value)) {}
     JsonValue(JsonArray value) : m_value(std::move(value)) {}
     JsonValue(JsonObject value) : m_value(std::move(value)) {}
-    /// Text that is not owned, a pointer above all, would be taken for true or false.
+    /// Rejects string literals and other pointers, which would convert to bool.
     JsonValue(const void*) = delete;
 
     [[nodiscard]] bool isNull() const { return std::holds_alternative<std::monostate>(m_value); }
 
-    /// The value as a `T`, which is one of the types above; null when it is of another.
+    /// Returns the value as a `T`, one of the types above, or null if it has another type. A number is either
+    /// a `std::int64_t` or a `double`, never both.
     template <typename T>
     [[nodiscard]] const T* as() const {
         return std::get_if<T>(&m_value);
@@ -43,7 +44,7 @@ public:
         return std::get_if<T>(&m_value);
     }
 
-    /// The member of that name; null when there is none or this is no object.
+    /// Returns the member of that name, or null if there is none or this is not an object.
     [[nodiscard]] const JsonValue* member(std::string_view name) const {
         const auto* const object = as<JsonObject>();
         if (!object)
@@ -56,13 +57,15 @@ private:
     std::variant<std::monostate, bool, std::int64_t, double, std::string, JsonArray, JsonObject> m_value;
 };
 
-/// The value that `document`, JSON in UTF-8, stands for. A number written without fraction and exponent is an
-/// integer if 64 bits with a sign hold it, else a double; of members of one name the last one counts. None if
-/// the document is not JSON, a number in it is beyond a double, or it is nested deeper than 64.
+/// Parses a JSON document in UTF-8. Returns `std::nullopt` if it is not valid JSON, contains a number too
+/// large for a double, or is nested more than 64 levels deep.
+///
+/// A number without fraction and exponent becomes a 64-bit signed integer if it fits, otherwise a double. If
+/// a name occurs repeatedly in an object, the last member counts.
 [[nodiscard]] std::optional<JsonValue> readJson(std::string_view document);
 
-/// The document for `value`, on one line and with members in the order of their names; none if a number is
-/// not finite or a text is not UTF-8.
+/// Returns the document for `value`, on one line and with members sorted by name. Returns `std::nullopt` if a
+/// number is not finite or a text is not UTF-8.
 [[nodiscard]] std::optional<std::string> writeJson(const JsonValue& value);
 
 } // namespace tessarel

@@ -10,7 +10,7 @@
 
 namespace tessarel {
 
-/// How the four modifiers are called on this system.
+/// Names of the four modifiers on this system.
 struct ModifierNames {
     std::string_view ctrl = "Ctrl";
     std::string_view opt = "Opt";
@@ -18,7 +18,7 @@ struct ModifierNames {
     std::string_view cmd = "Cmd";
 };
 
-/// The short names of keys and hot keys that the user sees.
+/// Short names of keys and hot keys, as shown to the user.
 class KeyNames {
 public:
     struct Entry {
@@ -26,14 +26,14 @@ public:
         std::string_view name;
     };
 
-    /// Every key that has a name, by virtual key code.
+    /// All keys that have a name.
     static const std::array<Entry, 68> names;
 
-    /// Name of the key; "Key" and the number for a code without one, as in "Key57".
+    /// Returns the name of the key, or "Key" and the code if it has none, as in "Key57".
     [[nodiscard]] static std::string name(std::int64_t keyCode);
 
-    /// Text for a hot key, as in "Ctrl+Opt+Return"; "None" without one. Modifier bits other than the four are
-    /// ignored.
+    /// Returns the text for a hot key, as in "Ctrl+Opt+Return", or "None" without a binding. Ignores modifier
+    /// bits other than the four.
     [[nodiscard]] static std::string describe(const std::optional<Binding>& binding,
                                               const ModifierNames& modifierNames = {});
 };

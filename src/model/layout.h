@@ -7,7 +7,7 @@
 
 namespace tessarel {
 
-/// A named list of zones; position k is zone k + 1. The list may have any length.
+/// A named list of zones; the element at index k is zone k + 1. The list may have any length.
 struct Layout {
     std::string name;
     std::vector<Zone> zones;

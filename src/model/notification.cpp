@@ -10,8 +10,8 @@ namespace tessarel {
 struct Notification::Observers {
     struct Entry {
         std::size_t id = 0;
-        std::shared_ptr<std::function<void()>>
-            observer; // shared: an observer may remove itself while it runs
+        // Shared, because an observer may remove itself while it runs.
+        std::shared_ptr<std::function<void()>> observer;
     };
 
     std::vector<Entry> entries;
@@ -48,7 +48,9 @@ SubscriptionPtr Notification::addObserver(std::function<void()> observer) {
 }
 
 void Notification::post() {
-    const auto observers = m_observers; // keeps them if an observer destroys this notification
+    // An observer may destroy this notification.
+    const auto observers = m_observers;
+    // A copy, because observers may add and remove entries.
     const auto present = observers->entries;
     for (const auto& [id, observer] : present) {
         if (observers->has(id))

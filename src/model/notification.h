@@ -7,11 +7,11 @@
 
 namespace tessarel {
 
-/// An in-process broadcast without arguments.
+/// A broadcast without arguments within the process.
 ///
-/// Observers are called in the order in which they were added, on the poster's stack. An observer may add or
-/// remove observers, itself included, while a post is under way: removed ones are not called any more, added
-/// ones wait for the next post.
+/// Observers are called synchronously, in the order in which they were added. An observer may add or remove
+/// observers, including itself, during a post: removed observers are not called, added ones are called from
+/// the next post on. It may also destroy the notification.
 class Notification {
 public:
     Notification();
@@ -19,14 +19,16 @@ public:
     Notification& operator=(const Notification&) = delete;
     ~Notification();
 
-    /// Calls `observer` at every post until the returned subscription ends.
+    /// Calls `observer` at every post until the returned subscription is destroyed.
     [[nodiscard]] SubscriptionPtr addObserver(std::function<void()> observer);
 
+    /// Calls the observers before it returns.
     void post();
 
 private:
     struct Observers;
-    std::shared_ptr<Observers> m_observers; // shared with subscriptions, which may outlive the notification
+    // Shared with subscriptions, which may outlive the notification.
+    std::shared_ptr<Observers> m_observers;
 };
 
 } // namespace tessarel

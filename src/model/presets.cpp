@@ -10,6 +10,7 @@ namespace {
 
 constexpr double kThird = 100.0 / 3;
 constexpr double kTwoThirds = 200.0 / 3;
+/// Zone that pads a short list to nine.
 constexpr Zone kFiller{false, 25, 25, 50, 50};
 constexpr std::size_t kMostZones = 6;
 

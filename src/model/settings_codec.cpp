@@ -11,14 +11,16 @@
 namespace tessarel {
 namespace {
 
-/// 2^63: a double in [-limit, limit) without a fraction is an integer of 64 bits.
+/// 2^63. A double without a fraction in [-limit, limit) fits into a signed 64-bit integer.
 constexpr double kIntegerLimit = 9223372036854775808.0;
 
-/// Below it every integer is a double of its own, so it may be written without a fraction.
+/// 2^53. Below it, every integer is exactly representable as a double, so writing it without a fraction loses
+/// nothing.
 constexpr double kExactIntegerLimit = 9007199254740992.0;
 
-/// Reads a value of each type that occurs in the document; false if the JSON value is of another type.
-/// Members of one class, so that lists, maps and the values in them find each other whatever their order.
+/// Decodes each type that occurs in the document. Returns false if the JSON value has another type.
+///
+/// Member functions instead of free ones, because they can call each other regardless of their order.
 struct Decoder {
     static bool decode(const JsonValue& from, bool& value) { return copy(from.as<bool>(), value); }
     static bool decode(const JsonValue& from, std::string& value) {
@@ -78,6 +80,7 @@ struct Decoder {
         return true;
     }
 
+    /// Decodes a required member of an object; false if it is missing.
     template <typename T>
     static bool member(const JsonValue& from, std::string_view name, T& value) {
         const JsonValue* const found = from.member(name);
@@ -99,13 +102,14 @@ struct Decoder {
     }
 };
 
-/// The JSON value of each type that occurs in the document.
+/// Encodes each type that occurs in the document.
 struct Encoder {
     static JsonValue encode(bool value) { return value; }
     static JsonValue encode(std::int64_t value) { return value; }
     static JsonValue encode(const std::string& value) { return value; }
 
     static JsonValue encode(double value) {
+        // A whole number is written without a fraction, except -0, whose sign would be lost.
         const bool whole = std::trunc(value) == value && std::abs(value) < kExactIntegerLimit;
         if (whole && !(value == 0 && std::signbit(value)))
             return static_cast<std::int64_t>(value);

@@ -8,15 +8,16 @@
 
 namespace tessarel {
 
-/// The settings in a document, a JSON object.
+/// Decodes the settings from a JSON object.
 ///
-/// A member that is missing or null takes its default and an unknown one is ignored. A present one replaces
-/// the default entirely and must have the right type in all its parts; a number without a fraction is an
-/// integer however it is written. Anything else is no document: none. Zones are answered as they stand,
-/// however many they are.
+/// A member that is missing or null gets its default; an unknown member is ignored. Any other member replaces
+/// the default entirely, and all its parts must be present and have the right type. A number without a
+/// fraction counts as an integer, however it is written. Returns `std::nullopt` for any other document. Zones
+/// are returned as they are, in any number.
 [[nodiscard]] std::optional<AppSettings> decodeSettings(std::string_view document);
 
-/// The document for `settings`, with every member; none if a number is not finite or a text is not UTF-8.
+/// Returns the document for `settings`, with every member, or `std::nullopt` if a number is not finite or a
+/// text is not UTF-8.
 [[nodiscard]] std::optional<std::string> encodeSettings(const AppSettings& settings);
 
 } // namespace tessarel

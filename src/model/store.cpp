@@ -11,8 +11,10 @@
 namespace tessarel {
 namespace {
 
+/// The store returned by `Store::shared()`.
 Store* sharedStore = nullptr;
 
+/// Shares a store and restores the previously shared one when it is destroyed.
 class Sharing : public Subscription {
 public:
     explicit Sharing(Store& store) : m_before(std::exchange(sharedStore, &store)) {}
@@ -22,6 +24,7 @@ private:
     Store* m_before;
 };
 
+/// Returns the stored settings, or the defaults if they are missing or cannot be decoded.
 AppSettings load(PreferencesPort& preferences) {
     const auto bytes = preferences.data(Store::key);
     if (!bytes)

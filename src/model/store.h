@@ -12,14 +12,13 @@
 
 namespace tessarel {
 
-/// Holds the current settings and keeps them in the user's preferences, as one document.
+/// Holds the current settings and stores them in the user's preferences as one document.
 ///
-/// The document is read once, when the store is made; what another process writes later is not seen. A
-/// document that is missing or cannot be decoded gives the defaults. Nothing is written before the first
-/// save.
+/// The document is read once, in the constructor; later changes by another process are not noticed. If it is
+/// missing or cannot be decoded, the defaults apply. Nothing is written before the first save.
 class Store {
 public:
-    /// Under which the preferences keep the document.
+    /// Key of the document in the preferences.
     static constexpr std::string_view key = "tessarel.settings.v1";
 
     /// `preferences` must outlive the store.
@@ -28,27 +27,29 @@ public:
     Store& operator=(const Store&) = delete;
     ~Store() = default;
 
-    /// The store of the running application. One must have been shared.
+    /// Returns the store of the running application. Requires that a store is shared.
     [[nodiscard]] static Store& shared();
-    /// Makes this store the one that `shared()` answers, until the subscription ends. The store must outlive
-    /// the subscription.
+    /// Makes `shared()` return this store until the returned subscription is destroyed. The store must
+    /// outlive the subscription.
     [[nodiscard]] SubscriptionPtr share();
 
-    /// Read and written directly; a change lasts beyond this run once it is saved.
+    /// Read and modified directly. A change lasts beyond this run only once it is saved.
     AppSettings settings;
 
     /// Posted when hot keys, menu and windows should follow changed settings.
     Notification tessarelSettingsChanged;
 
-    /// Stores the settings. A failure is not reported and leaves the stored document as it was, as do
-    /// settings that a document cannot hold: numbers that are not finite, text that is not UTF-8.
+    /// Stores the settings. On failure the stored document stays as it was and nothing is reported. That
+    /// includes settings that the document cannot hold: numbers that are not finite, text that is not UTF-8.
     void save();
-    /// `save()`, then tells the observers of `tessarelSettingsChanged`, before it returns.
+    /// Calls `save()` and then posts `tessarelSettingsChanged`.
     void saveAndNotify();
 
-    /// The hot key of an action; none if it is unbound. There is no fall-back to the default.
+    /// Returns the hot key of an action, or `std::nullopt` if it is unbound. Does not fall back to the
+    /// default.
     [[nodiscard]] std::optional<Binding> binding(ActionID forAction) const;
-    /// Binds or, without a binding, unbinds an action. Neither saves nor tells, nor looks at other actions.
+    /// Binds an action, or unbinds it if `binding` is empty. Does not save, notify, or check for conflicts
+    /// with other actions.
     void setBinding(std::optional<Binding> binding, ActionID forAction);
 
 private:

@@ -4,10 +4,10 @@
 
 namespace tessarel {
 
-/// Something registered, for as long as this object lives: destroying it unregisters.
+/// A handle for a registration. Destroying it unregisters.
 ///
-/// A subscription may be destroyed from inside the very callback it stands for, and before or after the
-/// service that gave it.
+/// It may be destroyed inside the callback that it was returned for, and before or after the object that
+/// returned it.
 class Subscription {
 public:
     Subscription() = default;

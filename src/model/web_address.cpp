@@ -5,6 +5,7 @@
 namespace tessarel {
 namespace {
 
+/// Printable ASCII characters that a URL contains only in percent-encoded form.
 constexpr std::string_view kNotInAnAddress = "\"<>\\^`{|}";
 
 bool isMisplaced(char c) {
@@ -20,7 +21,7 @@ bool startsWithScheme(std::string_view text, std::string_view lowerCaseScheme) {
                       });
 }
 
-/// Returns whether more than a user's name and a port stands before the path.
+/// Returns whether the authority has a host, not just user information and a port.
 bool hasHost(std::string_view afterScheme) {
     std::string_view authority = afterScheme.substr(0, afterScheme.find_first_of("/?#"));
     if (const auto at = authority.rfind('@'); at != std::string_view::npos)

@@ -4,8 +4,9 @@
 
 namespace tessarel {
 
-/// Whether `text` is an absolute http or https address with a host, and without a character that addresses
-/// only have in an encoded form. Nothing else that comes from outside is handed on to be opened.
+/// Returns whether `text` is an absolute http or https address with a host, without spaces, control
+/// characters and other ASCII characters that a URL contains only in percent-encoded form. Addresses from
+/// outside the program are opened only if they pass this check.
 [[nodiscard]] bool isWebAddress(std::string_view text);
 
 } // namespace tessarel

@@ -11,13 +11,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A new window takes a while until it can be moved and has the size that its program wants.
+/// Time for a new window to become movable and reach the size that its program wants.
 constexpr MainQueuePort::Duration kWindowDelay = 400ms;
-/// A new application takes a while until it has opened its windows.
+/// Time for a new application to open its first windows.
 constexpr MainQueuePort::Duration kLaunchDelay = 1s;
-/// How long a program that does not answer may hold us up.
+/// Limits how long a program that hangs can block the main thread.
 constexpr std::chrono::milliseconds kMessagingTimeout = 250ms;
-/// Beyond this the memory of placed windows starts afresh, so that it does not grow for ever.
+/// When more windows are remembered than this, all are forgotten, so that the set cannot grow without limit.
 constexpr std::size_t kMostPlaced = 500;
 
 } // namespace
@@ -47,6 +47,8 @@ void AppPlacer::watchAll() {
         watch(app);
 }
 
+/// Observes the application's new windows, unless it is already observed, is not a regular application, is
+/// this program, or access is missing.
 void AppPlacer::watch(const RunningApplication& app) {
     const ProcessId pid = app.processIdentifier;
     if (!app.isRegular || pid == m_uses.workspace.ownProcessIdentifier())
@@ -62,6 +64,7 @@ void AppPlacer::watch(const RunningApplication& app) {
         m_observers.emplace(pid, std::move(observer));
 }
 
+/// Schedules the placement of a new window if its application has a remembered zone.
 void AppPlacer::windowCreated(const Element& window) {
     const auto pid = m_uses.accessibility.pid(window);
     const auto app = pid ? m_uses.workspace.runningApplication(*pid) : std::nullopt;
@@ -72,6 +75,7 @@ void AppPlacer::windowCreated(const Element& window) {
           [window, app = *app, index = *index](AppPlacer& self) { self.place(window, app, index); });
 }
 
+/// Schedules the placement of the windows that a new application opens before its windows can be observed.
 void AppPlacer::placeExisting(const RunningApplication& app) {
     if (zoneIndex(app))
         later(kLaunchDelay, [app](AppPlacer& self) { self.placeWindows(app); });
@@ -85,8 +89,8 @@ void AppPlacer::placeWindows(const RunningApplication& app) {
         place(window, app, *index);
 }
 
-/// The remembered zone of the application; none when its windows are not to be placed. A zone that has been
-/// disabled meanwhile stays remembered.
+/// Returns the index of the application's remembered zone; empty if its windows are not to be placed. A zone
+/// that has been disabled meanwhile stays remembered.
 std::optional<std::size_t> AppPlacer::zoneIndex(const RunningApplication& app) const {
     const AppSettings& settings = m_uses.store.settings;
     if (!settings.rememberApps || !app.bundleIdentifier)
@@ -104,7 +108,8 @@ std::optional<std::size_t> AppPlacer::zoneIndex(const RunningApplication& app) c
     return index;
 }
 
-/// Places the window unless something has changed since `index` was found.
+/// Places the window unless it has been placed before, may not be placed, or settings or pause have changed
+/// since `index` was determined.
 void AppPlacer::place(const Element& window, const RunningApplication& app, std::size_t index) {
     if (zoneIndex(app) != index)
         return;
@@ -121,7 +126,8 @@ void AppPlacer::place(const Element& window, const RunningApplication& app, std:
     m_uses.engine.place(window, app.processIdentifier, target, visible, {});
 }
 
-/// Dialogs, panels and the like open where they belong.
+/// Returns whether the window is a standard window or reports no subrole. Dialogs and panels stay where they
+/// open.
 bool AppPlacer::isPlaceable(const Element& window) const {
     if (!m_uses.ax.isUsable(window))
         return false;
@@ -134,6 +140,7 @@ void AppPlacer::notePlaced(WindowEngine::WindowKey window) {
     m_placed.insert(window);
 }
 
+/// Runs `work` after `delay`, unless this object is destroyed before.
 void AppPlacer::later(MainQueuePort::Duration delay, std::function<void(AppPlacer&)> work) {
     m_uses.mainQueue.asyncAfter(delay, [self = m_self, work = std::move(work)] {
         if (AppPlacer* const placer = *self)

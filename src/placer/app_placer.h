@@ -22,14 +22,14 @@
 
 namespace tessarel {
 
-/// Puts new windows of an application into the zone that one of its windows was last snapped into.
+/// Places new windows of an application in the zone that it used last.
 ///
-/// A window is placed once, a moment after it has been opened; what the user does to it afterwards stays.
-/// Only standard windows are placed, on the screen where they opened. Every failure is silent: what cannot
-/// be watched, read or moved is left alone.
+/// A window is placed only once, shortly after it has opened, so it stays where the user moves it afterwards.
+/// Only standard windows are placed, on the screen where they open. All failures are silent: what cannot be
+/// observed, read or moved is left alone.
 class AppPlacer {
 public:
-    /// What it works with; all of it outlives it.
+    /// What this class works with. All of it must outlive this object.
     struct Uses {
         WorkspacePort& workspace;
         AccessibilityPort& accessibility;
@@ -45,14 +45,14 @@ public:
     explicit AppPlacer(const Uses& uses);
     AppPlacer(const AppPlacer&) = delete;
     AppPlacer& operator=(const AppPlacer&) = delete;
-    /// Safe at any moment; a placement that waits does not happen any more.
+    /// Discards pending placements.
     ~AppPlacer();
 
-    /// Begins to watch applications, those that run already included. To be called once.
+    /// Starts to observe applications, including those already running. Call once.
     void start();
 
-    /// Watches every application that runs and can be watched. An application that could not be, because
-    /// access was missing, is tried again.
+    /// Observes every running application that can be observed. Tries again for those that could not be
+    /// observed earlier because access was missing.
     void watchAll();
 
 private:
@@ -67,10 +67,14 @@ private:
     void later(MainQueuePort::Duration delay, std::function<void(AppPlacer&)> work);
 
     Uses m_uses;
-    std::unordered_map<ProcessId, SubscriptionPtr> m_observers; ///< of new windows
-    std::unordered_set<WindowEngine::WindowKey> m_placed;       ///< windows that are never placed again
-    std::vector<SubscriptionPtr> m_events;                      ///< what `start` has registered
-    std::shared_ptr<AppPlacer*> m_self; // shared with work on the main queue, which may outlive us
+    /// Observers of new windows, by application.
+    std::unordered_map<ProcessId, SubscriptionPtr> m_observers;
+    /// Windows that are not placed again.
+    std::unordered_set<WindowEngine::WindowKey> m_placed;
+    /// Subscriptions made by `start`.
+    std::vector<SubscriptionPtr> m_events;
+    /// Shared with pending work on the main queue, which finds a null pointer once this object is destroyed.
+    std::shared_ptr<AppPlacer*> m_self;
 };
 
 } // namespace tessarel

@@ -16,89 +16,100 @@
 
 namespace tessarel {
 
-/// An application or a window of another program, as the desktop names it. Opaque: `AccessibilityPort::key`
-/// tells whether two elements are the same one.
+/// An opaque reference to an application, a window or part of a window, or to the whole desktop.
+///
+/// Two references to the same object may hold different handles; compare them by `AccessibilityPort::key`.
 struct Element {
-    std::shared_ptr<const void> handle; // shared because some desktops' own handles are reference-counted
+    /// Shared, because the native handles of some desktops are reference-counted.
+    std::shared_ptr<const void> handle;
 };
 
-/// What an attribute may hold. Truth values that a program gives as a number come as a number.
+/// Value of an attribute. A boolean that a program reports as a number arrives as a `double`.
 using AttributeValue = std::variant<bool, double, Point, Size, std::string, Element, std::vector<Element>>;
 
 /// Names of the attributes that Tessarel reads or writes.
 namespace attribute {
-inline constexpr std::string_view kPosition = "AXPosition";           ///< Point, window
-inline constexpr std::string_view kSize = "AXSize";                   ///< Size, window
-inline constexpr std::string_view kWindows = "AXWindows";             ///< elements, application
-inline constexpr std::string_view kFocusedWindow = "AXFocusedWindow"; ///< element, application
+inline constexpr std::string_view kPosition = "AXPosition"; ///< `Point`, of a window
+inline constexpr std::string_view kSize = "AXSize";         ///< `Size`, of a window
+inline constexpr std::string_view kWindows = "AXWindows";   ///< list of `Element`, of an application
+inline constexpr std::string_view kFocusedWindow = "AXFocusedWindow"; ///< `Element`, of an application
 inline constexpr std::string_view kRole = "AXRole";                   ///< string
-inline constexpr std::string_view kWindow = "AXWindow"; ///< element: the window that a part of it belongs to
-inline constexpr std::string_view kSubrole = "AXSubrole";                             ///< string, window
-inline constexpr std::string_view kMinimized = "AXMinimized";                         ///< bool, window
-inline constexpr std::string_view kFullScreen = "AXFullScreen";                       ///< bool, window
-inline constexpr std::string_view kEnhancedUserInterface = "AXEnhancedUserInterface"; ///< bool, application
+inline constexpr std::string_view kWindow = "AXWindow";       ///< `Element`: the window that contains a part
+inline constexpr std::string_view kSubrole = "AXSubrole";     ///< string, of a window
+inline constexpr std::string_view kMinimized = "AXMinimized"; ///< bool, of a window
+inline constexpr std::string_view kFullScreen = "AXFullScreen"; ///< bool, of a window
+/// bool, of an application: whether assistive technology has asked it for an enhanced interface.
+inline constexpr std::string_view kEnhancedUserInterface = "AXEnhancedUserInterface";
 } // namespace attribute
 
-/// Other applications and their windows, as far as the system lets us see and move them.
+/// Reads and writes other applications' windows, as far as the system allows.
 ///
 /// Points and sizes are in accessibility coordinates: origin at the top-left corner of the primary display, y
-/// down; a window's rectangle is its visible outer frame. Call on the main thread; a call may block until the
-/// owner has answered or a time limit has passed. A refused read is empty. A write may be refused or bent by
-/// the owner and reports nothing: who must know reads back.
+/// down. A window's rectangle is its visible outer frame.
+///
+/// Call on the main thread. A call may block until the owning program replies or a time limit passes. A read
+/// that fails returns an empty value. The owning program may refuse or adjust a write, and no result is
+/// reported; read the attribute back to learn it.
 class AccessibilityPort {
 public:
     virtual ~AccessibilityPort() = default;
 
-    /// The element of the application with process id `pid`. Never fails: an element of a process that does
-    /// not exist simply has no attributes.
+    /// Returns the element for the application with process id `pid`. Never fails: if there is no such
+    /// process, the element has no attributes.
     [[nodiscard]] virtual Element application(ProcessId pid) = 0;
 
-    /// The element that stands for the whole desktop.
+    /// Returns the element that represents the whole desktop.
     [[nodiscard]] virtual Element systemWide() = 0;
 
-    /// Bounds how long a call about `element` may block. The limit belongs to this very element, copies of it
-    /// included, and not to others that are equal to it; that of the system-wide element holds for all
-    /// elements without one of their own. Systems on which no program is waited for need none.
+    /// Limits how long a call about `element` may block. The limit applies to this element and its copies,
+    /// but not to other references to the same object. The limit of the system-wide element applies to all
+    /// elements without a limit of their own. Back ends that never wait for another program ignore it.
     virtual void setMessagingTimeout(const Element& element, std::chrono::milliseconds limit) = 0;
 
-    /// What is on top at `axPoint` among all windows, or among those of the application that `within` is: a
-    /// window, or a part of one. Empty when there is nothing that could be moved, or its owner does not
-    /// answer. Whether windows of this program are found is not said.
+    /// Returns the topmost window, or part of a window, at `axPoint`. Pass the system-wide element as
+    /// `within` to search all windows, or an application to search its windows only. Empty if nothing there
+    /// can be moved or its owner does not reply. Whether windows of this program are found depends on the
+    /// back end.
     [[nodiscard]] virtual std::optional<Element> elementAtPosition(const Element& within,
                                                                    const Point& axPoint) = 0;
 
-    /// Value of `attribute` in the type its owner gives it; empty when it has none or does not answer.
+    /// Returns the value of `attribute` in the type that its owner reports. Empty if the element lacks the
+    /// attribute or its owner does not reply.
     [[nodiscard]] virtual std::optional<AttributeValue> copyAttribute(const Element& element,
                                                                       std::string_view attribute) = 0;
 
-    /// Asks the owner for `value`. Writes to one element take effect in order, at the latest at its next
-    /// read. A value that the system cannot express is not written.
+    /// Requests that the owner set `attribute` to `value`. Writes to one element take effect in order, at the
+    /// latest before the next read of that element. A value that the system cannot represent is not written.
     virtual void setAttribute(const Element& element, std::string_view attribute,
                               const AttributeValue& value) = 0;
 
-    /// Whether a frame can be handed over at all: finite, and within what the system's numbers hold.
+    /// Returns whether the system can represent `axFrame`: every value is finite and within the range of the
+    /// system's number type.
     [[nodiscard]] virtual bool canExpress(const Rect& axFrame) = 0;
 
-    /// A number that stays with the element for as long as it exists; equal elements have equal keys.
+    /// Returns a key that stays the same for as long as the element exists. Equal elements have equal keys;
+    /// on some systems different elements may, rarely, share a key.
     [[nodiscard]] virtual std::uintptr_t key(const Element& element) = 0;
 
-    /// Calls `created` with every window that `application` opens from now on, on the main thread, until the
-    /// answer ends. Null when the application is this program, has gone, does not answer or refuses.
+    /// Calls `created` on the main thread for every window that `application` opens from now on, until the
+    /// returned subscription is destroyed. Returns null if the application is this program, has exited, does
+    /// not reply or refuses.
     ///
-    /// The window may still be on its way to its size and place. The same one may be reported twice.
+    /// The window may not have its final size and position yet. The same window may be reported twice.
     [[nodiscard]] virtual SubscriptionPtr
     onWindowCreated(const Element& application, std::function<void(const Element& window)> created) = 0;
 
-    /// Calls `closed` once `window` has closed, on the main thread, until the answer ends; not when it is
-    /// minimised, and not twice. Null when the element is no window of another program.
+    /// Calls `closed` once on the main thread when `window` closes, unless the returned subscription is
+    /// destroyed first. Minimising a window does not count. Returns null if the element is not a window of
+    /// another program, or if it cannot be observed.
     ///
-    /// Told by what the system reports: once this call has returned, neither the window's program nor anybody
-    /// else is asked.
+    /// Relies on events only: after this call has returned, it sends no request to the window's program or
+    /// any other.
     [[nodiscard]] virtual SubscriptionPtr onWindowClosed(const Element& window,
                                                          std::function<void()> closed) = 0;
 
-    /// The process that owns the element; empty when it names none. Of an element that has gone it is the
-    /// process that had it, or empty.
+    /// Returns the process that owns the element; empty if there is none. For an element that has ceased to
+    /// exist, returns its former owner or an empty value.
     [[nodiscard]] virtual std::optional<ProcessId> pid(const Element& element) = 0;
 };
 

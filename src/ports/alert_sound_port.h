@@ -7,6 +7,7 @@ class AlertSoundPort {
 public:
     virtual ~AlertSoundPort() = default;
 
+    /// Plays the sound once, without waiting for it to end.
     virtual void beep() = 0;
 };
 

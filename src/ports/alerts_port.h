@@ -7,27 +7,30 @@
 
 namespace tessarel {
 
-/// A modal message. Every text is shown as it stands: no markup, no mnemonics.
+/// Content of a modal message. All texts are plain: no markup, no mnemonics.
 struct Alert {
     std::string messageText;
     std::string informativeText;
-    std::vector<std::string> buttons; ///< in order; the first is the default
-    /// The position of the button that closing it in another way counts as; none: the last.
+    /// Titles in order; the first button is the default.
+    std::vector<std::string> buttons;
+    /// Index of the button that is reported when the user closes the message without a button, for example
+    /// with Esc. Empty: the last button.
     std::optional<std::size_t> dismissedAs = std::nullopt;
 
     bool operator==(const Alert&) const = default;
 };
 
-/// Messages that wait for the user.
+/// Shows modal messages and waits for the user's choice.
 class AlertsPort {
 public:
     virtual ~AlertsPort() = default;
 
-    /// Brings the program to the front, shows `alert` and returns the position of the button that closed it.
+    /// Brings the program to the front, shows `alert` and returns the index of the button that closed it. The
+    /// event loop goes on meanwhile, so the caller may be destroyed before this returns.
     virtual std::size_t runModal(const Alert& alert) = 0;
 
-    /// The same with a line to type into, which has the keyboard at once: what was typed, as it stands, if
-    /// the first button closed the message; none otherwise.
+    /// Like `runModal`, with a text field that has the keyboard focus. Returns the text, untrimmed, if the
+    /// first button closed the message; `std::nullopt` otherwise.
     virtual std::optional<std::string> runModalForText(const Alert& alert) = 0;
 };
 

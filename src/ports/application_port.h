@@ -10,7 +10,8 @@ public:
     /// Brings the program and its windows to the front.
     virtual void activate() = 0;
 
-    /// Ends the program the way the system would at the end of a session, soon after this call has returned.
+    /// Quits the program in the same way as at the end of a session. The call returns first; the program ends
+    /// soon afterwards.
     virtual void terminate() = 0;
 };
 

@@ -8,12 +8,12 @@
 
 namespace tessarel {
 
-/// One display. Both rectangles are in screen coordinates: origin at the bottom-left corner of the primary
+/// A display. Both rectangles are in screen coordinates: origin at the bottom-left corner of the primary
 /// display, y up.
 struct Screen {
-    std::uint64_t id = 0; ///< the same display keeps its id while it is connected
+    std::uint64_t id = 0; ///< stays the same while the display is connected
     Rect frame;           ///< the whole area
-    Rect visibleFrame;    ///< the area that panels, bars and docks leave to windows
+    Rect visibleFrame;    ///< the usable area, without panels, bars and docks
 
     bool operator==(const Screen&) const = default;
 };
@@ -23,10 +23,11 @@ class DisplaysPort {
 public:
     virtual ~DisplaysPort() = default;
 
-    /// All displays as they are now, the primary one first; may be empty.
+    /// Returns the current displays, the primary one first. May be empty.
     [[nodiscard]] virtual std::vector<Screen> screens() = 0;
 
-    /// The display that has the user's attention (of the active window, else of the pointer), or none.
+    /// Returns the display of the active window; without an active window, the display that the system
+    /// regards as current, such as that of the pointer. Empty if it cannot be determined.
     [[nodiscard]] virtual std::optional<Screen> mainScreen() = 0;
 };
 

@@ -9,7 +9,7 @@
 
 namespace tessarel {
 
-/// What a hot key is known by when it is pressed.
+/// Identifies a registered hot key when it is pressed.
 struct HotKeyId {
     std::uint32_t signature = 0; ///< four-character code of the program
     std::uint32_t id = 0;
@@ -17,25 +17,28 @@ struct HotKeyId {
     bool operator==(const HotKeyId&) const = default;
 };
 
+/// A key combination to register.
 struct HotKeyRequest {
-    std::uint32_t keyCode = 0; ///< virtual key code, a physical key whatever the layout
+    std::uint32_t keyCode = 0; ///< virtual key code: a physical key, whatever the keyboard layout
     std::uint32_t mods = 0;    ///< modifier bits: Cmd 256, Shift 512, Opt 2048, Ctrl 4096
     HotKeyId hotKey;
 
     bool operator==(const HotKeyRequest&) const = default;
 };
 
-/// System-wide keyboard shortcuts.
+/// Registers system-wide hot keys.
 class HotKeyPort {
 public:
     virtual ~HotKeyPort() = default;
 
-    /// Calls `pressed` with the id of every registered hot key when it goes down, on the main thread.
+    /// Calls `pressed` on the main thread with the `HotKeyId::id` of each registered hot key when its key
+    /// goes down, until the returned subscription is destroyed.
     [[nodiscard]] virtual SubscriptionPtr installHandler(std::function<void(std::uint32_t id)> pressed) = 0;
 
-    /// Claims the combinations in order. The answer has one entry per request: the claim, which ends with it,
-    /// or null when the combination cannot be had (another program or an earlier claim holds it, there is no
-    /// such key, bits beyond the four modifiers). A combination refused stays refused until asked for again.
+    /// Registers the combinations in order and returns one entry per request: a subscription that keeps the
+    /// combination registered, or null if the combination is unavailable. That is the case if another program
+    /// or an earlier request has registered it, if there is no such key, or if `mods` has bits beyond the
+    /// four modifiers. A failed registration is not retried.
     [[nodiscard]] virtual std::vector<SubscriptionPtr>
     registerHotKeys(std::span<const HotKeyRequest> requests) = 0;
 };

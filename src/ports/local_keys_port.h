@@ -8,7 +8,7 @@
 
 namespace tessarel {
 
-/// A key that goes down.
+/// A key press.
 struct KeyDown {
     std::int64_t keyCode = 0;        ///< virtual key code, as in `Binding`
     ModifierFlags modifierFlags = 0; ///< the modifier keys that are held
@@ -16,22 +16,22 @@ struct KeyDown {
     bool operator==(const KeyDown&) const = default;
 };
 
-/// The keyboard, as far as this program's own windows have it.
+/// The keyboard input of this program's own windows.
 class LocalKeysPort {
 public:
-    /// Answers whether the key has been consumed: then nothing else in the program hears of it.
+    /// Returns whether the key press is consumed. A consumed key press reaches no other part of the program.
     using Handler = std::function<bool(const KeyDown&)>;
 
     virtual ~LocalKeysPort() = default;
 
-    /// Calls `handler`, on the main thread and until the answer ends, with every key that goes down while a
-    /// window of this program has the keyboard focus. Combinations that are claimed as hot keys, by whomever,
-    /// come to the handler too instead of doing their work, as far as the system lets us have them.
+    /// Calls `handler` on the main thread for every key press while a window of this program has the keyboard
+    /// focus, until the returned subscription is destroyed. As far as the system allows, combinations that
+    /// this or another program has registered as hot keys go to the handler instead of triggering.
     ///
-    /// A key that is held down comes once; if it has been consumed it does nothing else until it is released,
-    /// even when its handler has ended. Modifier keys do not come by themselves, nor keys without a virtual
-    /// key code: all those are consumed. Of several handlers the one added first is asked first, and the
-    /// others only if it has not consumed the key.
+    /// A key that is held down is delivered once. If it is consumed, it has no other effect until it is
+    /// released, even if its handler has been removed by then. Modifier keys alone and keys without a virtual
+    /// key code are consumed without being delivered. Several handlers are called in the order in which they
+    /// were added, until one consumes the key press.
     [[nodiscard]] virtual SubscriptionPtr monitorKeyDown(Handler handler) = 0;
 };
 

@@ -6,20 +6,24 @@
 
 namespace tessarel {
 
-/// Start of this program when the user logs in.
+/// Starts this program when the user logs in.
 class LoginItemPort {
 public:
+    /// State of the login item. `RequiresApproval`: it is registered, but the user has not allowed it in the
+    /// system's settings yet.
     enum class Status : std::uint8_t { NotRegistered = 0, Enabled = 1, RequiresApproval = 2, NotFound = 3 };
 
     virtual ~LoginItemPort() = default;
 
+    /// Returns the current state, which the user can also change outside the program.
     [[nodiscard]] virtual Status status() = 0;
 
-    /// Makes the program start at login; empty on success, else a sentence for the user that says why not.
+    /// Makes the program start at login. Returns `std::nullopt` on success, otherwise an error text for the
+    /// user.
     [[nodiscard]] virtual std::optional<std::string> registerItem() = 0;
 
-    /// Takes that back; empty on success or when there was nothing to take back, else a sentence for the
-    /// user.
+    /// Removes the login item. Returns `std::nullopt` on success or when there was none, otherwise an error
+    /// text for the user.
     [[nodiscard]] virtual std::optional<std::string> unregisterItem() = 0;
 };
 

@@ -5,16 +5,18 @@
 
 namespace tessarel {
 
-/// A row of the program's main menu, carried out by whatever has the keyboard focus.
+/// A row of the program's main menu. It goes to the control with the keyboard focus first, then to the
+/// program.
 struct MainMenuItem {
     std::string_view title;  ///< empty for a separator
-    std::string_view action; ///< name of the system's own operation, as in "copy:"
+    std::string_view action; ///< selector of the system's own operation, such as "copy:"
     char key = 0;            ///< pressed with the system's menu modifier
     bool withShift = false;
 
     bool operator==(const MainMenuItem&) const = default;
 };
 
+/// One menu of the main menu.
 struct MainMenu {
     std::string_view title;
     std::vector<MainMenuItem> items;
@@ -22,13 +24,14 @@ struct MainMenu {
     bool operator==(const MainMenu&) const = default;
 };
 
-/// The menu that some systems show for the program in front. Where there is none, text fields have the usual
-/// editing keys by themselves.
+/// The menu that some systems show for the program in front. On other systems, text fields handle the usual
+/// editing keys themselves.
 class MainMenuPort {
 public:
     virtual ~MainMenuPort() = default;
 
-    /// Makes `menus` the program's main menu, the application's own first; does nothing where there is none.
+    /// Replaces the program's main menu with `menus`, the application's own menu first. Does nothing on
+    /// systems without a main menu.
     virtual void setMainMenu(const std::vector<MainMenu>& menus) = 0;
 };
 

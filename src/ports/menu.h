@@ -6,12 +6,12 @@
 
 namespace tessarel {
 
-/// What choosing a menu item does.
+/// The effect of choosing a menu item.
 enum class MenuCommand : std::uint8_t {
     None, ///< a title, a separator or the parent of a submenu
     GrantAccess,
-    RunMenuAction,
-    ApplyLayout,
+    RunMenuAction, ///< `tag` identifies the action
+    ApplyLayout,   ///< `tag` identifies the layout
     TogglePause,
     OpenSettings,
     CheckUpdates,
@@ -20,9 +20,9 @@ enum class MenuCommand : std::uint8_t {
 
 /// One row of a menu, as a plain value.
 struct MenuItem {
-    std::string title; ///< shown as it stands: no mnemonics, no markup; empty for a separator
+    std::string title; ///< plain text: no mnemonics, no markup; empty for a separator
     MenuCommand command = MenuCommand::None;
-    int tag = 0; ///< which one, for commands that stand in several rows
+    int tag = 0; ///< distinguishes items with the same command
     bool isEnabled = true;
     bool isChecked = false;
     bool isSeparator = false;

@@ -9,9 +9,10 @@
 
 namespace tessarel {
 
+/// What the left mouse button has done; `LeftDragged` is a movement while the button is held.
 enum class MouseEventKind { LeftDown, LeftDragged, LeftUp };
 
-/// What the user has done with the left button of the mouse, or with the modifier keys while it is held.
+/// An event of the left mouse button.
 struct MouseEvent {
     MouseEventKind kind = MouseEventKind::LeftDown;
     /// The pointer, in screen coordinates: origin at the bottom-left corner of the primary display, y up.
@@ -21,21 +22,22 @@ struct MouseEvent {
     bool operator==(const MouseEvent&) const = default;
 };
 
-/// The mouse over other programs' windows: watched, never touched.
+/// Observes the mouse over other programs' windows without consuming any event.
 class MousePort {
 public:
     virtual ~MousePort() = default;
 
-    /// Calls `handler` with every event of `kind` that is meant for another program, on the main thread,
-    /// until the answer ends. Null when the system refuses.
+    /// Calls `handler` on the main thread for every event of `kind` that is meant for another program, until
+    /// the returned subscription is destroyed. Returns null if the system refuses.
     ///
-    /// Pointer and modifiers are those of the moment at which the event is delivered. Several movements may
-    /// come as one, and a click that is over at once may not be reported at all. A modifier key that goes
-    /// down or up between a press and its release counts as a movement, at the place where the pointer rests,
-    /// and is delivered before the release. It may be missed while a program has made the keyboard private,
-    /// as for a password; then the next movement brings it. A release follows every press that has been
-    /// delivered, even when another program has swallowed it, at the latest with the next event of the mouse;
-    /// two presses may come without one when that cannot be told.
+    /// - The pointer position and the modifiers are those at delivery.
+    /// - Movements may be coalesced, and a very short click may not be reported at all.
+    /// - A modifier key that goes down or up while the button is held counts as a movement at the current
+    ///   pointer position, and is delivered before the release. It may be missed while a program reads the
+    ///   keyboard exclusively, as for a password; the next movement then has the current modifiers.
+    /// - Every delivered press is followed by a release, at the latest with the next mouse event, even if
+    ///   another program consumes the release. Where a lost release cannot be detected, two presses may
+    ///   arrive in a row.
     [[nodiscard]] virtual SubscriptionPtr
     addGlobalMonitor(MouseEventKind kind, std::function<void(const MouseEvent&)> handler) = 0;
 };

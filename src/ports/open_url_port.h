@@ -4,12 +4,13 @@
 
 namespace tessarel {
 
-/// Opens an address in the program that the user has chosen for it.
+/// Opens addresses, such as web pages, outside this program.
 class OpenUrlPort {
 public:
     virtual ~OpenUrlPort() = default;
 
-    /// Does nothing when `url` is no address or nobody opens it.
+    /// Opens `url` in the program that the user has set for such addresses. Does nothing if `url` is
+    /// malformed or no program can open it.
     virtual void open(const std::string& url) = 0;
 };
 

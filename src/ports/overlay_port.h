@@ -8,66 +8,66 @@
 
 namespace tessarel {
 
-/// White text in the middle of a figure, in the system's own font.
+/// White text in the middle of a figure, in the system font.
 struct OverlayLabel {
     std::string text;    ///< plain; empty: nothing is drawn
-    Point center;        ///< of the text as it is measured
+    Point center;        ///< of the text as measured
     double fontSize = 0; ///< in points
     int fontWeight = 0;  ///< 400 is regular, 600 semibold, 700 bold
-    double alpha = 0;
+    double alpha = 0;    ///< from 0, transparent, to 1, opaque
 
     bool operator==(const OverlayLabel&) const = default;
 };
 
-/// One zone as it is painted: a rounded rectangle, filled and then stroked in the accent colour, and its
-/// label on top.
+/// A zone as it is painted: a rounded rectangle, filled and then stroked in the accent colour, with its label
+/// on top.
 ///
-/// In local coordinates: origin at the top-left corner of the overlay window, y down. What reaches beyond the
-/// window is clipped; nothing is moved.
+/// In local coordinates: origin at the top-left corner of the overlay window, y down. Parts beyond the window
+/// are clipped; nothing is moved to fit.
 struct OverlayFigure {
-    Rect bounds; ///< the zone; all of the figure lies within, but for a label that is too large
-    Rect shape;  ///< of the path; null: neither filled nor stroked
+    Rect bounds; ///< the zone; contains the whole figure, except for an oversized label
+    Rect shape;  ///< the path; if null, nothing is filled or stroked
     double cornerRadius = 0;
     double fillAlpha = 0;
     double strokeAlpha = 0;
-    double strokeWidth = 0; ///< half of it inside `shape`, half outside
+    double strokeWidth = 0; ///< half inside `shape`, half outside
     OverlayLabel label;
-    /// The zone that the drag would snap to, for surfaces that have to tell it in another way than by alpha.
+    /// The zone that the drag would snap to. Back ends that cannot paint with alpha mark it in another way.
     bool highlighted = false;
 
     bool operator==(const OverlayFigure&) const = default;
 };
 
-/// A transparent window above all others, through which every click goes to the window below and which never
-/// takes the focus. It is on no desktop in particular and in no list of windows.
+/// A transparent window above all others. It passes every click to the window below and never takes the
+/// keyboard focus. It appears on every virtual desktop and in no list of windows.
 ///
-/// It is made out of sight, without extent and without figures.
+/// A new overlay window is hidden, has an empty frame and shows no figures.
 class OverlayWindow {
 public:
     virtual ~OverlayWindow() = default;
 
-    /// Lets the window cover `screenFrame`, in screen coordinates: origin at the bottom-left corner of the
-    /// primary display, y up. What it shows stays at the same place of its top-left corner.
+    /// Makes the window cover `screenFrame`, in screen coordinates: origin at the bottom-left corner of the
+    /// primary display, y up. The figures keep their position relative to the window's top-left corner.
     virtual void setFrame(const Rect& screenFrame) = 0;
 
-    /// From now on the window shows `figures`, painted in this order, and nothing anywhere else. `changed`
-    /// holds the bounds of those that have come, gone or changed, as they were and as they are; all other
-    /// figures look as before. Every number is finite, except for those of a null shape.
+    /// Replaces the content with `figures`, painted in this order. `changed` holds the old and the new bounds
+    /// of all figures that were added, removed or changed; everything else stays as it is, so only these
+    /// areas need repainting. All values are finite, except those of a null shape.
     virtual void setFigures(const std::vector<OverlayFigure>& figures, const std::vector<Rect>& changed) = 0;
 
-    /// Shows the window in front of all others, or brings it there again. Nothing else loses its focus.
+    /// Shows the window in front of all others, or raises it again. Does not change the keyboard focus.
     virtual void orderFront() = 0;
 
-    /// Takes the window off the screen at once; frame and figures are kept.
+    /// Hides the window at once. Keeps the frame and the figures.
     virtual void orderOut() = 0;
 };
 
-/// Makes the window that zones are shown in during a drag.
+/// Creates the window in which zones are shown during a drag.
 class OverlayPort {
 public:
     virtual ~OverlayPort() = default;
 
-    /// Never null.
+    /// Returns a new overlay window. Never null.
     [[nodiscard]] virtual std::unique_ptr<OverlayWindow> createWindow() = 0;
 };
 

@@ -6,25 +6,26 @@
 
 namespace tessarel {
 
-/// The few texts that would not be true on every system: each back end supplies its own. As they stand here
-/// they are the simulation's. Everything else that the user reads stands in the code once.
+/// User-visible texts that differ between systems. Each back end supplies its own; the defaults are those of
+/// macOS. All other texts are written directly where they are used.
 struct PlatformWords {
     ModifierNames modifierNames;
-    /// What the welcome says the user has to do first, up to the empty line.
+    /// First paragraph of the welcome message: what the user has to do before the program can move windows.
     std::string welcomeFirst =
         "macOS only lets an app move other apps' windows after you allow it under Privacy & Security > "
         "Accessibility. Click Continue, then switch Tessarel on in the list.";
-    /// How the welcome calls the status item.
+    /// Name of the status item within a sentence.
     std::string statusItem = "menu bar icon";
-    /// Where the usable area of a screen lies.
+    /// Explanation of "usable screen area", within a sentence.
     std::string usableArea = "below the menu bar, beside the Dock";
-    /// Who else may snap a window at the screen's edge.
+    /// Beginning of a sentence that names what else may snap windows at the screen edges.
     std::string otherEdgeTiling = "macOS has its own edge tiling (System Settings > Desktop & Dock)";
-    /// The modifiers that a drag may wait for, where they stand alone.
+    /// Full names of the modifiers that can be chosen as trigger.
     std::string controlKey = "Control";
     std::string commandKey = "Command";
     /// What to do while the program is not trusted.
     std::string notTrusted = "Not granted yet. Switch Tessarel on in the Accessibility list.";
+    /// Name of the user's computer within a sentence.
     std::string thisComputer = "this Mac";
 };
 

@@ -2,6 +2,7 @@
 
 namespace tessarel {
 
+/// A point in any of the coordinate systems; the variable name says which.
 struct Point {
     double x = 0;
     double y = 0;
@@ -9,6 +10,7 @@ struct Point {
     bool operator==(const Point&) const = default;
 };
 
+/// An extent in the unit of its coordinate system.
 struct Size {
     double width = 0;
     double height = 0;
@@ -16,19 +18,22 @@ struct Size {
     bool operator==(const Size&) const = default;
 };
 
-/// A rectangle in any of the coordinate systems; names of variables say which.
+/// A rectangle in any of the coordinate systems; the variable name says which.
 ///
-/// Sizes may be negative: the edges and extents below are those of the standardised rectangle, whose size is
-/// made positive. A rectangle contains its minimum edges and not its maximum edges. The null rectangle
-/// (infinite origin, no size) stands for "no area at all": what is disjoint or inset away.
+/// Width and height may be negative. The functions below work on the standardised rectangle: the same area
+/// with a positive size. A rectangle contains its minimum edges, but not its maximum edges. The null
+/// rectangle (infinite origin, no size) stands for "no area at all": the intersection of disjoint rectangles,
+/// or a rectangle inset by more than its size.
 struct Rect {
     double x = 0;
     double y = 0;
     double width = 0;
     double height = 0;
 
+    /// Returns the null rectangle.
     [[nodiscard]] static Rect null();
 
+    /// Returns whether this is the null rectangle. A rectangle of zero size is not null.
     [[nodiscard]] bool isNull() const;
 
     [[nodiscard]] double minX() const;
@@ -37,25 +42,26 @@ struct Rect {
     [[nodiscard]] double maxY() const;
     [[nodiscard]] double midX() const;
     [[nodiscard]] double midY() const;
-    /// Extent along x, never negative.
+    /// Returns the extent along x, never negative.
     [[nodiscard]] double absWidth() const;
-    /// Extent along y, never negative.
+    /// Returns the extent along y, never negative.
     [[nodiscard]] double absHeight() const;
 
     [[nodiscard]] bool contains(const Point& point) const;
 
-    /// The common area; null when there is none. Rectangles that only touch share an area of no extent, which
-    /// is not null.
+    /// Returns the common area, or the null rectangle if there is none. Rectangles that only touch share an
+    /// area without extent, which is not null.
     [[nodiscard]] Rect intersection(const Rect& other) const;
 
-    /// Every edge moved inwards by `dx` or `dy` (outwards when negative); null when less than nothing is
-    /// left.
+    /// Moves the left and right edges inwards by `dx`, the other two by `dy`; outwards if negative. Returns
+    /// the null rectangle if the resulting width or height would be negative.
     [[nodiscard]] Rect inset(double dx, double dy) const;
 
+    /// Returns `x` and `y` as stored: not the minimum edges if the size is negative.
     [[nodiscard]] Point origin() const { return {x, y}; }
     [[nodiscard]] Size size() const { return {width, height}; }
 
-    /// Member by member: two rectangles of the same area, one with a negative size, are not equal.
+    /// Compares member by member: a rectangle with a negative size does not equal its standardised form.
     bool operator==(const Rect&) const = default;
 };
 

@@ -9,26 +9,32 @@
 
 namespace tessarel {
 
-/// The program's item among the status icons of the desktop.
+/// The program's item in the status area of the desktop.
 class StatusItemPort {
 public:
+    /// Callbacks of an item.
     struct Delegate {
-        std::function<Menu()> menuNeedsUpdate; ///< the menu, asked for each time it is about to open
-        std::function<void(const MenuItem&)> itemSelected; ///< a row was chosen
+        /// Returns the menu. Called each time the menu is about to open.
+        std::function<Menu()> menuNeedsUpdate;
+        /// Called with the row that the user has chosen.
+        std::function<void(const MenuItem&)> itemSelected;
     };
 
     virtual ~StatusItemPort() = default;
 
-    /// Puts the item up; it goes with the answer. Where the desktop has no place for it now, it appears as
-    /// soon as there is one. The calls below mean the item put up last and do nothing before the first.
+    /// Shows an item until the returned subscription is destroyed. If the desktop has no status area yet, the
+    /// item appears as soon as there is one. The functions below apply to the item created last, and do
+    /// nothing before the first.
     [[nodiscard]] virtual SubscriptionPtr create(Delegate delegate) = 0;
 
-    /// Shows the system's symbol of that name as a template image; false, and no change, when the system has
-    /// none.
+    /// Shows the system's symbol of that name as a template image and returns true. Returns false, and
+    /// changes nothing, if the system has no such symbol.
     virtual bool setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) = 0;
+    /// Removes the image.
     virtual void clearImage() = 0;
-    /// Text beside the image or in its place; may be empty.
+    /// Sets the text beside the image, or in place of a missing image. May be empty.
     virtual void setTitle(std::string_view title) = 0;
+    /// Dims the item. Its menu still opens.
     virtual void setAppearsDisabled(bool appearsDisabled) = 0;
 };
 

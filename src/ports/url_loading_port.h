@@ -10,39 +10,42 @@
 
 namespace tessarel {
 
-/// A document of the web to get.
+/// An HTTP GET request.
 struct UrlRequest {
-    std::string url;       ///< absolute, http or https
-    std::string userAgent; ///< who asks; the server learns nothing else of the user and the machine
-    std::chrono::milliseconds timeLimit{0}; ///< from the call until the last byte, whatever holds it up
+    std::string url; ///< absolute, http or https
+    /// Value of the User-Agent header. The server learns nothing else about the user and the computer.
+    std::string userAgent;
+    std::chrono::milliseconds timeLimit{0}; ///< from the call until the last byte, including redirects
     std::size_t largestBody = 0;            ///< in bytes
 
     bool operator==(const UrlRequest&) const = default;
 };
 
-/// What a server has answered.
+/// An HTTP response.
 struct UrlResponse {
-    int statusCode = 0;              ///< of HTTP
-    std::optional<std::string> body; ///< may be empty; none when it is larger than asked for
+    int statusCode = 0; ///< HTTP status code, after redirects
+    /// May be empty; `std::nullopt` if the body is larger than `UrlRequest::largestBody`.
+    std::optional<std::string> body;
 
     bool operator==(const UrlResponse&) const = default;
 };
 
-/// Gets documents from the web.
+/// Loads documents from the web.
 class UrlLoadingPort {
 public:
-    /// Empty when no answer came: the server cannot be reached or trusted, breaks off, takes too long or
-    /// leads astray.
+    /// Receives the response, or `std::nullopt` if there is none: the server is unreachable or not trusted,
+    /// closes the connection early, exceeds the time limit, or redirects too often or to a forbidden address.
     using Done = std::function<void(std::optional<UrlResponse>)>;
 
     virtual ~UrlLoadingPort() = default;
 
-    /// Sends one GET and calls `done` once, on the main thread and after this call has returned; never once
-    /// the answer has ended. Never null.
+    /// Sends one GET request and calls `done` once, on the main thread and after this call has returned.
+    /// Destroying the returned subscription cancels the request; `done` is not called then. Never returns
+    /// null.
     ///
-    /// Nothing is read from a cache, written to one, or kept for the next request. Certificates are checked.
-    /// Up to five redirects are followed, each to http or https and none from https to http. A status that
-    /// speaks of an error is an answer like any other.
+    /// Uses no cache and keeps nothing, such as cookies, for later requests. Verifies certificates. Follows
+    /// up to five redirects, to http or https only and never from https to http. An HTTP error status counts
+    /// as a response.
     [[nodiscard]] virtual SubscriptionPtr load(const UrlRequest& request, Done done) = 0;
 };
 

@@ -2,13 +2,13 @@
 
 namespace tessarel {
 
-/// The date and time of day, as the user or a time server sets it: it may jump either way. What has to wait
-/// goes by the main queue's clock.
+/// The date and time of day. It may jump in either direction when the user or a time server sets it; use the
+/// main queue's clock to measure delays.
 class WallClockPort {
 public:
     virtual ~WallClockPort() = default;
 
-    /// Unix time: seconds since 1 January 1970, 00:00 UTC.
+    /// Returns Unix time: seconds since 1 January 1970, 00:00 UTC.
     [[nodiscard]] virtual double secondsSince1970() = 0;
 };
 

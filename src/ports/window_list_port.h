@@ -8,24 +8,25 @@
 
 namespace tessarel {
 
-/// A window on the screen as the window server lists it. What the server does not tell, or tells in a way
-/// that makes no sense, is empty.
+/// A window on the screen, as listed by the window server. A value that the server does not report, or
+/// reports in an invalid form, is empty.
 struct ListedWindow {
-    std::optional<std::int64_t> layer; ///< 0 for the windows of ordinary applications
-    std::optional<std::int64_t> ownerPid;
-    std::optional<Rect> axBounds; ///< visible outer frame, origin top-left of the primary display, y down
-    std::optional<double> alpha;  ///< 0 transparent, 1 opaque
+    std::optional<std::int64_t> layer;    ///< 0 for windows of ordinary applications
+    std::optional<std::int64_t> ownerPid; ///< not checked to be within the range of `ProcessId`
+    /// Visible outer frame: origin at the top-left corner of the primary display, y down.
+    std::optional<Rect> axBounds;
+    std::optional<double> alpha; ///< from 0, transparent, to 1, opaque
 
     bool operator==(const ListedWindow&) const = default;
 };
 
-/// The windows of all programs in their stacking order.
+/// The windows of all programs in stacking order.
 class WindowListPort {
 public:
     virtual ~WindowListPort() = default;
 
-    /// The windows that are on the screen now, front to back, without the desktop's own; empty when the
-    /// window server does not answer. Asks no application.
+    /// Returns the windows that are on the screen now, front to back, without those of the desktop itself.
+    /// Empty if the window server does not reply. Sends no request to any application.
     [[nodiscard]] virtual std::vector<ListedWindow> onScreenWindows() = 0;
 };
 

@@ -10,50 +10,51 @@
 
 namespace tessarel {
 
-/// A program that has windows on this desktop.
+/// An application that is running on this desktop.
 struct RunningApplication {
     ProcessId processIdentifier = 0;
-    std::optional<std::string>
-        bundleIdentifier; ///< the application's name for ever, e.g. "org.example.editor"
-    /// It has windows that a user works in, unlike panels and helpers in the background.
+    /// Permanent identifier of the application, such as "org.example.editor".
+    std::optional<std::string> bundleIdentifier;
+    /// Whether the user works in its windows; false for panels and background helpers.
     bool isRegular = true;
 
     bool operator==(const RunningApplication&) const = default;
 };
 
-/// What happens to an application as a whole.
+/// A change in the life of an application.
 enum class ApplicationEvent {
-    Launched,  ///< it has come to run; what ran before is not launched again
+    Launched,  ///< it has started; not reported for applications that already run
     Activated, ///< it has come to the front
-    Terminated ///< its process has ended, or this has been noticed
+    Terminated ///< its process has exited, as far as the back end can observe it
 };
 
-/// The programs running on this desktop.
+/// The applications running on this desktop.
 class WorkspacePort {
 public:
     virtual ~WorkspacePort() = default;
 
-    /// The application whose window has the keyboard focus. Where an application can be in front without a
-    /// window, that one; otherwise none when no window has the focus.
+    /// Returns the application whose window has the keyboard focus, or `std::nullopt` if no window has it. On
+    /// systems where an application can be in front without a window, returns that application.
     [[nodiscard]] virtual std::optional<RunningApplication> frontmostApplication() = 0;
 
-    /// The application of process `pid`; none when it has ended or is no application.
+    /// Returns the application of process `pid`, or `std::nullopt` if the process has exited or is not an
+    /// application.
     [[nodiscard]] virtual std::optional<RunningApplication> runningApplication(ProcessId pid) = 0;
 
-    /// Every application that runs, in no particular order. This program may be among them.
+    /// Returns all running applications, in no particular order. This program may be among them.
     [[nodiscard]] virtual std::vector<RunningApplication> runningApplications() = 0;
 
-    /// What the user sees as the name of the installed application called `bundleIdentifier`; none when none
-    /// is installed.
+    /// Returns the user-visible name of the installed application with identifier `bundleIdentifier`, or
+    /// `std::nullopt` if none is installed.
     [[nodiscard]] virtual std::optional<std::string> displayName(const std::string& bundleIdentifier) = 0;
 
-    /// Calls `handler` with the application that each `event` is about, on the main thread, until the answer
-    /// ends. An application that has terminated is told as it was last known; its process id may be another
-    /// one's by then.
+    /// Calls `handler` on the main thread with the application of each `event`, until the returned
+    /// subscription is destroyed. A terminated application is passed as it was last known; its process id may
+    /// already be reused.
     [[nodiscard]] virtual SubscriptionPtr
     addObserver(ApplicationEvent event, std::function<void(const RunningApplication&)> handler) = 0;
 
-    /// This program.
+    /// Returns the process id of this program.
     [[nodiscard]] virtual ProcessId ownProcessIdentifier() = 0;
 };
 

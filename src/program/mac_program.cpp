@@ -18,6 +18,7 @@ namespace tessarel {
 
 namespace {
 
+/// Returns the user's accent colour, or the default colour if the system reports none.
 QColor accent() {
     const auto color = macos::accentColor();
     if (!color)
@@ -43,16 +44,21 @@ MacProgram::MacProgram(NativeView nativeView)
       }) {}
 
 void MacProgram::prepareToolkit() {
+    // Otherwise Qt makes the program an ordinary one at startup and activates it.
     qputenv("QT_MAC_DISABLE_FOREGROUND_APPLICATION_TRANSFORM", "1");
+    // Otherwise Qt activates the program whenever it raises a window, and the dragged program loses the
+    // focus.
     qputenv("QT_MAC_SET_RAISE_PROCESS", "0");
 }
 
 AppDelegate::Launch MacProgram::launch() {
+    // After Qt's startup, which may set another activation policy.
     macos::MacOwnApplication::becomeAccessory();
     return m_delegate.applicationDidFinishLaunching();
 }
 
-/// Qt counts in points, as AppKit does, but from the top-left corner of the primary display.
+/// Converts screen coordinates to Qt's. Both are in points, but Qt's origin is the top-left corner of the
+/// primary display, y down.
 Rect MacProgram::placeForQt(const Rect& screenFrame) {
     const auto screens = m_desktop.displays.screens();
     const double primaryHeight = screens.empty() ? 0 : screens.front().frame.absHeight();
@@ -60,7 +66,8 @@ Rect MacProgram::placeForQt(const Rect& screenFrame) {
             screenFrame.absHeight()};
 }
 
-/// A message stands in front of the window that it is about.
+/// Returns the views of the visible windows that can have the keyboard focus, which excludes the overlay.
+/// Modal windows come last, so that a message ends up in front of the window that it is about.
 std::vector<void*> MacProgram::shownWindows() const {
     QWidgetList windows = QApplication::topLevelWidgets();
     windows.removeIf([](const QWidget* window) {

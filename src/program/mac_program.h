@@ -17,22 +17,26 @@ class QWidget;
 
 namespace tessarel {
 
-/// The whole program on a Mac: the back end, what Qt does beside it, and the delegate over both. Needs the
-/// application object for all of its life; its end lets go of everything that has been claimed.
+/// The whole program on macOS: the back end, the parts that Qt provides, and the application delegate.
+///
+/// Requires the application object during its whole life. The destructor releases everything that the program
+/// has registered.
 class MacProgram {
 public:
-    /// Answers the NSView that a widget, whose window has been made, stands for; null when there is none.
+    /// Returns the NSView of a widget whose native window exists; null if there is none.
     using NativeView = std::function<void*(QWidget& widget)>;
 
-    /// Has Qt never bring the program to the front by itself, neither when it starts nor when it raises a
-    /// window. To be called before the application object is made.
+    /// Configures Qt so that it never brings the program to the front by itself, neither at startup nor when
+    /// it raises a window. Call before creating the application object.
     static void prepareToolkit();
 
     explicit MacProgram(NativeView nativeView);
 
-    /// Call it once, and let the application's loop run unless another copy runs.
+    /// Runs the launch sequence. Call once; then run the application's event loop unless another copy is
+    /// running.
     [[nodiscard]] AppDelegate::Launch launch();
 
+    /// Returns the queue by which all parts of the program schedule work.
     [[nodiscard]] qt::QtMainQueue& mainQueue() { return m_queue; }
 
 private:
@@ -44,11 +48,14 @@ private:
     qt::QtMainQueue m_queue;
     macos::MacDesktop m_desktop;
     qt::QtAlerts m_alerts;
+    /// The program as Qt sees it, which owns the event loop.
     qt::QtOwnApplication m_toolkit;
     macos::MacOwnApplication m_application;
     qt::ComposedOverlay m_overlay;
+    /// The folder is relative to the executable, within the bundle.
     qt::QtUrlLoadingModule m_urlLoading{{"../PlugIns"}};
     qt::SystemWallClock m_wallClock;
+    // Last, because it uses all of the above and must be destroyed first.
     AppDelegate m_delegate;
 };
 

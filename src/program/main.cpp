@@ -33,23 +33,26 @@ namespace tessarel {
 
 namespace {
 
-/// A server that has gone has let go of all that was claimed; and Qt cannot be taken down in order without
-/// it.
+/// Exits at once. The server has already released everything that was registered, and Qt cannot shut down in
+/// order without its connection.
 [[noreturn]] void endWithoutDisplay() {
     say("lost the connection to the X display");
     std::_Exit(EXIT_FAILURE);
 }
 
-/// Runs Qt's loop on `connection` until the program is asked to end or the display goes: its exit code. The
-/// delegate, whose windows need Qt, ends with the loop.
+/// Runs Qt's event loop on `connection` until the program is asked to quit or the display is lost. Returns
+/// the exit code. Destroys the delegate before the application object, because the delegate's windows need
+/// Qt.
 int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSignals& terminationSignals,
             x11::Connection& connection, std::optional<AppDelegate>& delegate) {
-    // Not what the session offers or the user passes: overlay, hot keys and placement are X11's.
+    // Fixed, whatever the session suggests or the user passes: overlay, hot keys and placement need X11.
     std::array<std::string, 5> options{programName, "-platform", "xcb", "-platformtheme", "generic"};
+    // Ends with a null pointer, like the arguments of `main`.
     std::array<char*, 6> arguments{};
     std::ranges::transform(options, arguments.begin(), [](std::string& option) { return option.data(); });
     int argumentCount = options.size();
 
+    // Without the colours and fonts that Qt would take from the desktop: `QtAppearance` sets the palette.
     QApplication::setDesktopSettingsAware(false);
     describeProgramToQt();
     const QApplication application(argumentCount, arguments.data());
@@ -64,8 +67,8 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
     return exitCode;
 }
 
-/// Claims what belongs to the desktop first and starts Qt, which takes its time, afterwards: keys pressed
-/// meanwhile are ours and wait for the loop.
+/// Builds the program and runs it. Registers with the desktop first and starts Qt, which takes longer,
+/// afterwards: hot keys pressed meanwhile wait on the connection until the event loop runs.
 int run(const char* programName) {
     qt::installMessageHandler(endWithoutDisplay);
     qt::TerminationSignals terminationSignals;
@@ -94,6 +97,7 @@ int run(const char* programName) {
     qt::QtStatusItem statusItem(queue);
     qt::QtUrlLoadingModule urlLoading;
     qt::SystemWallClock wallClock;
+    // Optional, so that `runLoop` can destroy it before the application object.
     std::optional<AppDelegate> delegate;
     delegate.emplace(Ports{.accessibility = desktop.accessibility,
                            .alertSound = desktop.alertSound,
@@ -124,6 +128,7 @@ int run(const char* programName) {
                      });
     if (delegate->applicationDidFinishLaunching() == AppDelegate::Launch::AnotherCopyRuns)
         return EXIT_SUCCESS;
+    // Not fatal: the program shows in its menu and settings that it cannot move windows.
     if (session == x11::Session::Wayland)
         say("this is a Wayland session, where only XWayland windows could be moved; use an X11 session");
     return runLoop(programName, queue, terminationSignals, *connection, delegate);

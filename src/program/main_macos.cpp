@@ -13,9 +13,11 @@ namespace tessarel {
 
 namespace {
 
-/// Qt is started first: it makes the system's application object, without which there is no menu bar.
+/// Builds the program and runs it. Starts Qt first, because Qt creates the system's application object,
+/// without which there is no menu bar.
 int run(int argumentCount, char** arguments) {
-    qt::installMessageHandler([] {}); // a Mac does not lose its display
+    // macOS has no display connection that could be lost.
+    qt::installMessageHandler([] {});
     qt::TerminationSignals terminationSignals;
     describeProgramToQt();
     MacProgram::prepareToolkit();

@@ -23,9 +23,11 @@ void say(const std::string& line) {
 }
 
 void describeProgramToQt() {
+    // The same style on every system; it takes its colours from the palette.
     QApplication::setStyle("Fusion");
     QApplication::setApplicationName(qString(Config::appName));
     QApplication::setApplicationVersion(qString(Config::version));
+    // The program goes on in the status area when its windows are closed.
     QApplication::setQuitOnLastWindowClosed(false);
 }
 

@@ -4,10 +4,11 @@
 
 namespace tessarel {
 
-/// A line on the standard error stream, under the program's name.
+/// Writes a line to the standard error stream, prefixed with the program's name.
 void say(const std::string& line);
 
-/// Tells Qt what it has to know of this program. Call it before the application object is made.
+/// Sets Qt's style, the name and version of the program, and keeps the program running without windows. Call
+/// before creating the application object.
 void describeProgramToQt();
 
 } // namespace tessarel

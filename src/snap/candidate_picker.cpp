@@ -7,9 +7,10 @@ namespace tessarel {
 
 namespace {
 
-/// A program that does not answer must not hold up the mouse.
+/// Limits how long a program that hangs can delay the handling of mouse events.
 constexpr std::chrono::milliseconds kMessagingTimeout(250);
-/// How far below its top a window can be grabbed, in points.
+/// Maximum distance, in points, between the pointer and the top edge of a grabbed window. Stands for the
+/// height of the title bar, which is not known.
 constexpr double kGrabHeight = 60;
 
 } // namespace
@@ -32,6 +33,7 @@ std::optional<Candidate> CandidatePicker::pick(const Point& axPoint) {
     return Candidate{std::move(*window), *pid, *axFrame};
 }
 
+/// Returns the window at the point, also if a part of it, such as a button, is found there.
 std::optional<Element> CandidatePicker::windowAt(const Point& axPoint) {
     const Element systemWide = m_accessibility.systemWide();
     m_accessibility.setMessagingTimeout(systemWide, kMessagingTimeout);

@@ -15,17 +15,19 @@ namespace tessarel {
 struct Candidate {
     Element window;
     ProcessId pid = 0;
-    Rect axFrame; ///< where it stood when it was grabbed
+    /// Frame at the press, in accessibility coordinates.
+    Rect axFrame;
 };
 
-/// Finds the window that a press of the mouse has grabbed by its title bar.
+/// Finds the window that a mouse press has grabbed by its title bar.
 class CandidatePicker {
 public:
+    /// All arguments must outlive the picker.
     CandidatePicker(AccessibilityPort& accessibility, WorkspacePort& workspace, const AX& ax,
                     const WindowEngine& engine);
 
-    /// The usable, not ignored window whose upper end is at `axPoint`; none when there is no such window or
-    /// its program does not answer in time.
+    /// Returns the window whose top 60 points contain `axPoint`. Empty if there is none, if it may not be
+    /// moved, if its application is ignored, or if its program does not reply in time.
     [[nodiscard]] std::optional<Candidate> pick(const Point& axPoint);
 
 private:

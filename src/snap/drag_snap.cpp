@@ -11,12 +11,15 @@ namespace {
 
 using namespace std::chrono_literals;
 
+/// Minimum time between two reads of the candidate's frame: movements are far more frequent.
 constexpr MainQueuePort::Duration kReadInterval = 30ms;
-/// By then the system has finished the drag and does not move the window any more.
+/// Time for the system to finish its own drag, after which it does not move the window again.
 constexpr MainQueuePort::Duration kPlacementDelay = 30ms;
-/// A window that cannot be read so often in a row has gone, and nobody has told, or its program hangs.
+/// After this many consecutive failures the window is assumed to be closed, or its program to hang.
 constexpr int kMostFailedReads = 2;
+/// Movement that does not count as a drag yet, in the unit of the coordinates.
 constexpr double kMoveTolerance = 3;
+/// Change of size from which the window counts as resized, in the unit of the coordinates.
 constexpr double kResizeTolerance = 3;
 
 bool isMoved(const Rect& axFrame, const Rect& start) {
@@ -29,7 +32,8 @@ bool isResized(const Rect& axFrame, const Rect& start) {
            std::abs(axFrame.absHeight() - start.absHeight()) >= kResizeTolerance;
 }
 
-/// Whether the pointer is on the screen. With y up the top edge belongs to it, not the bottom one.
+/// Returns whether the pointer is on the screen. Both are in screen coordinates: with y up, the top edge
+/// belongs to the screen and the bottom edge does not.
 bool shows(const Rect& screenFrame, const Point& pointer) {
     return pointer.x >= screenFrame.minX() && pointer.x < screenFrame.maxX() &&
            pointer.y > screenFrame.minY() && pointer.y <= screenFrame.maxY();
@@ -65,12 +69,14 @@ void DragSnap::watch(MouseEventKind kind, Handler handler) {
         m_monitors.push_back(std::move(monitor));
 }
 
+/// Ends the drag, if there is one, without placing the window.
 void DragSnap::reset() {
     m_drag.reset();
     m_uses.overlay.hide();
 }
 
 void DragSnap::mouseDown(const MouseEvent& event) {
+    // The release of an earlier press may have been lost.
     reset();
     const bool isWanted = m_uses.store.settings.dragEnabled && !m_uses.runtime.paused;
     if (!isWanted || !m_uses.permissions.isTrusted())
@@ -91,8 +97,9 @@ void DragSnap::mouseDragged(const MouseEvent& event) {
     follow(event);
 }
 
-/// A window whose size changes is being resized by its frame. The drag may end here: with the second read
-/// that fails, or because the window turns out to be closed while its frame is read.
+/// Returns whether the candidate has moved without changing its size; a window that changes its size is being
+/// resized. Returns false without reading the frame if the last read is less than `kReadInterval` ago. May
+/// end the drag.
 bool DragSnap::candidateMoves() {
     const auto now = m_uses.mainQueue.now();
     if (m_lastRead && now < *m_lastRead + kReadInterval)
@@ -100,6 +107,7 @@ bool DragSnap::candidateMoves() {
     m_lastRead = now;
     const Rect start = m_drag->candidate.axFrame;
     const auto axFrame = m_uses.ax.frame(m_drag->candidate.window);
+    // The read may have revealed that the window has closed.
     if (!m_drag)
         return false;
     m_drag->failedReads = axFrame ? 0 : m_drag->failedReads + 1;
@@ -116,6 +124,7 @@ std::optional<Screen> DragSnap::screenAt(const Point& screenPoint) const {
 }
 
 void DragSnap::follow(const MouseEvent& event) {
+    // Set again below only if there is a zone, so that a release elsewhere leaves the window alone.
     m_drag->target.reset();
     const auto screen = screenAt(event.screenLocation);
     if (!screen) {
@@ -143,6 +152,8 @@ void DragSnap::mouseUp(const MouseEvent& /*event*/) {
                                 });
 }
 
+/// Places the window. For restoring, its frame before the drag counts as the previous one, not where it was
+/// dropped.
 void DragSnap::place(const Candidate& candidate, const Target& target) {
     m_uses.engine.place(candidate.window, candidate.pid, target.axFrame, target.axBounds, candidate.axFrame);
     if (!target.zoneNumber)

@@ -23,16 +23,16 @@
 
 namespace tessarel {
 
-/// Watches the user drag other programs' windows by their title bars, shows the zones that they could go to
-/// and puts them there after the button has been released.
+/// Watches the user drag other programs' windows by their title bars, shows the zones, and places the window
+/// in the chosen zone after the release.
 ///
-/// The drag itself is never touched. A press picks a candidate; once that has been seen to move without
-/// changing its size it is being dragged, and from then on until the release only the pointer is looked at.
-/// Every failure is silent: what cannot be read or moved is left alone. A window that closes in the middle of
-/// it all ends its drag.
+/// Only observes the drag, which the system carries out. A press picks a candidate. Once the candidate has
+/// moved without changing its size, it counts as dragged, and is not read again before the release. If the
+/// window closes, its drag ends. All failures are silent: a window that cannot be read or moved is left
+/// alone.
 class DragSnap {
 public:
-    /// What it works with; all of it outlives it.
+    /// What this class works with. All of it must outlive this object.
     struct Uses {
         MousePort& mouse;
         MainQueuePort& mainQueue;
@@ -51,13 +51,12 @@ public:
     explicit DragSnap(const Uses& uses);
     DragSnap(const DragSnap&) = delete;
     DragSnap& operator=(const DragSnap&) = delete;
-    /// Safe at any moment, in the middle of a drag too; a placement that waits does not happen any more.
+    /// May be called during a drag. A pending placement is discarded.
     ~DragSnap();
 
-    /// Begins to watch the mouse, afresh when it does so already. What the system refuses to tell is not
-    /// watched.
+    /// Starts to observe the mouse, or restarts. Events that the system refuses to report are not observed.
     void start();
-    /// Watches no longer and gives up the drag under way.
+    /// Stops observing the mouse and abandons a drag in progress.
     void stop();
 
 private:
@@ -66,18 +65,25 @@ private:
     void mouseUp(const MouseEvent& event);
 
     using Handler = void (DragSnap::*)(const MouseEvent&);
+    /// A frame to snap to, in accessibility coordinates.
     struct Target {
         Rect axFrame;
-        Rect axBounds;                         ///< the visible area around it
-        std::optional<std::size_t> zoneNumber; ///< among the user's zones, from 0; none at an edge
+        /// The usable area of the screen.
+        Rect axBounds;
+        /// Index among the user's zones, from 0; empty for a screen edge.
+        std::optional<std::size_t> zoneNumber;
     };
-    /// From a press on a title bar until the release.
+    /// State from a press on a title bar until the release.
     struct Drag {
         Candidate candidate;
+        /// Ends the drag when the candidate closes.
         SubscriptionPtr candidateClosed;
-        bool isMoving = false;        ///< the candidate has been seen to move
-        int failedReads = 0;          ///< of the candidate's frame, in a row
-        std::optional<Target> target; ///< where the candidate goes when released
+        /// Whether the candidate has been seen to move.
+        bool isMoving = false;
+        /// Consecutive failures to read the candidate's frame.
+        int failedReads = 0;
+        /// Where the candidate goes when it is released; empty if it stays.
+        std::optional<Target> target;
     };
 
     void watch(MouseEventKind kind, Handler handler);
@@ -90,11 +96,13 @@ private:
     Uses m_uses;
     CandidatePicker m_picker;
     SnapOffers m_offers;
-    std::vector<SubscriptionPtr> m_monitors; ///< none while stopped
+    /// Empty while stopped.
+    std::vector<SubscriptionPtr> m_monitors;
     std::optional<Drag> m_drag;
-    std::optional<MainQueuePort::TimePoint>
-        m_lastRead;                    ///< of a candidate's frame, in this drag or an earlier one
-    std::shared_ptr<DragSnap*> m_self; // shared with work on the main queue, which may outlive us
+    /// Time of the last read of a candidate's frame, in this drag or an earlier one.
+    std::optional<MainQueuePort::TimePoint> m_lastRead;
+    /// Shared with pending work on the main queue, which finds a null pointer once this object is destroyed.
+    std::shared_ptr<DragSnap*> m_self;
 };
 
 } // namespace tessarel

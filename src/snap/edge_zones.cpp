@@ -6,8 +6,11 @@ namespace tessarel {
 
 namespace {
 
+/// Width of the bands along the screen edges, in the unit of the coordinates. The pointer stops one unit
+/// before the right and bottom edges, so the bands there are one unit wider.
 constexpr double kLeftAndTopBand = 6;
 constexpr double kRightAndBottomBand = 7;
+/// Length of the part of a band that belongs to a corner.
 constexpr double kCornerReach = 80;
 
 constexpr Zone kWhole{true, 0, 0, 100, 100};
@@ -18,7 +21,7 @@ constexpr Zone kTopRight{true, 50, 0, 50, 50};
 constexpr Zone kBottomLeft{true, 0, 50, 50, 50};
 constexpr Zone kBottomRight{true, 50, 50, 50, 50};
 
-/// Where a pointer is along one axis of the screen, each end of which has a band and a corner.
+/// Position of the pointer along one axis of the screen.
 struct Position {
     bool inFirstBand;
     bool inLastBand;
@@ -26,6 +29,7 @@ struct Position {
     bool nearLastEnd;
 };
 
+/// Returns the position of `value` on an axis from `first` to `last`.
 Position position(double value, double first, double last) {
     return {.inFirstBand = value <= first + kLeftAndTopBand,
             .inLastBand = value >= last - kRightAndBottomBand,
@@ -33,7 +37,7 @@ Position position(double value, double first, double last) {
             .nearLastEnd = value >= last - kCornerReach};
 }
 
-/// What the parts of one band offer.
+/// The zones that one band offers: at each end, and between them.
 struct Band {
     bool applies;
     const Position& along;
@@ -47,6 +51,7 @@ struct Band {
 std::optional<Zone> edgeZone(const Rect& axScreen, const Point& axPoint) {
     const Position x = position(axPoint.x, axScreen.minX(), axScreen.maxX());
     const Position y = position(axPoint.y, axScreen.minY(), axScreen.maxY());
+    // In order of precedence: at a corner two bands apply.
     const std::array bands{
         Band{y.inFirstBand, x, kTopLeft, kTopRight, kWhole},
         Band{y.inLastBand, x, kBottomLeft, kBottomRight, std::nullopt},

@@ -8,7 +8,7 @@ namespace tessarel {
 
 namespace {
 
-/// Where the picture changes when `after` takes the place of `before`.
+/// Returns the areas to repaint when `after` replaces `before`.
 std::vector<Rect> changes(const std::vector<OverlayFigure>& before, const std::vector<OverlayFigure>& after) {
     std::vector<Rect> changed;
     for (std::size_t i = 0; i < std::max(before.size(), after.size()); ++i) {

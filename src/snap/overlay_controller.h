@@ -12,28 +12,34 @@
 
 namespace tessarel {
 
-/// Shows zones on top of one screen at a time, in a window that is made when first needed and then kept.
+/// Shows zones on one screen at a time, in a window that is created on first use and then kept.
 class OverlayController {
 public:
+    /// `port` and `geo` must outlive this object.
     OverlayController(OverlayPort& port, const Geo& geo);
 
-    /// Makes the overlay cover `screen` and draw `items`; without items it is there and invisible. Costs next
-    /// to nothing when all of this is so already.
+    /// Makes the overlay cover `screen` and draw `items`; without items it is visible but empty. Called at
+    /// every mouse movement: does nothing if nothing has changed.
     void show(const Screen& screen, std::vector<OverlayItem> items);
 
-    /// Takes the overlay off the screen; the window is kept.
+    /// Hides the overlay. Keeps its window.
     void hide();
 
 private:
+    /// Moves the window if its frame changes.
     void setFrame(const Rect& screenFrame);
+    /// Sends the window the figures and the areas that have changed.
     void draw();
 
     OverlayPort& m_port;
     const Geo& m_geo;
+    /// Null before the first use.
     std::unique_ptr<OverlayWindow> m_window;
-    std::optional<Rect> m_screenFrame; ///< what the window covers
+    /// Frame of the window, in screen coordinates.
+    std::optional<Rect> m_screenFrame;
     OverlayView m_view;
-    std::vector<OverlayFigure> m_figures; ///< what the window shows
+    /// Figures that the window shows.
+    std::vector<OverlayFigure> m_figures;
     bool m_isShown = false;
 };
 

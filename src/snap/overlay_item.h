@@ -6,11 +6,14 @@
 
 namespace tessarel {
 
-/// One rectangle to draw on the overlay.
+/// A rectangle to draw on the overlay.
 struct OverlayItem {
-    Rect rect;                ///< in accessibility coordinates
-    bool highlighted = false; ///< the zone that the drag would snap to
-    std::string label;        ///< in the middle of the rectangle; empty: none
+    /// In accessibility coordinates.
+    Rect rect;
+    /// Whether the drag would snap to this rectangle.
+    bool highlighted = false;
+    /// Text in the middle; may be empty.
+    std::string label;
 
     bool operator==(const OverlayItem&) const = default;
 };

@@ -6,11 +6,14 @@ namespace tessarel {
 
 namespace {
 
+/// Distance between a zone's frame and the shape that is drawn for it, in points. Keeps the stroke inside the
+/// frame and adjacent zones apart.
 constexpr double kInset = 2;
 constexpr double kCornerRadius = 10;
 constexpr double kFontSize = 28;
 constexpr int kSemibold = 600;
 
+/// Style of a zone. Alpha values are from 0 to 1, widths in points.
 struct Look {
     double fillAlpha;
     double strokeAlpha;
@@ -26,6 +29,7 @@ bool isFinite(const Rect& rect) {
            std::isfinite(rect.height);
 }
 
+/// Returns the figure for an item whose rectangle is `local`, in coordinates of the overlay window.
 OverlayFigure figure(const OverlayItem& item, const Rect& local) {
     const Look& look = item.highlighted ? kHighlighted : kPlain;
     return {.bounds = local,

@@ -8,13 +8,14 @@
 
 namespace tessarel {
 
-/// The picture on the overlay: how items look, and nothing about when.
+/// Turns items into figures: the appearance of zones, without any state.
 struct OverlayView {
-    Point origin; ///< top-left corner of the shown screen, in accessibility coordinates
+    /// Top-left corner of the screen, in accessibility coordinates.
+    Point origin;
     std::vector<OverlayItem> items;
 
-    /// What is painted for the items, in their order. Nothing is clamped to the screen; an item whose
-    /// rectangle is not finite cannot be painted and is left out.
+    /// Returns the figures for the items, in the same order. Nothing is clamped to the screen. Items whose
+    /// rectangle is not finite are left out, because they cannot be painted.
     [[nodiscard]] std::vector<OverlayFigure> draw() const;
 };
 

@@ -11,15 +11,18 @@ namespace tessarel {
 
 namespace {
 
-/// How far beyond half the gap a zone still catches the pointer.
+/// How far beyond half the gap a zone still catches the pointer, so that rounding leaves no dead line between
+/// adjacent zones. In points.
 constexpr double kReach = 1;
 
+/// The frame of an enabled zone, and the zone's index among the user's zones.
 struct NumberedFrame {
     std::size_t number;
     Rect axFrame;
 };
 
-/// The smallest frame that holds the point when grown by `reach`; of equal ones the first.
+/// Returns the smallest frame that contains the point when extended by `reach` on every side; of equally
+/// small ones the first. Null if there is none.
 const NumberedFrame* hit(const std::vector<NumberedFrame>& frames, const Point& axPoint, double reach) {
     const NumberedFrame* best = nullptr;
     double bestArea = std::numeric_limits<double>::max();
@@ -44,7 +47,8 @@ SnapOffer SnapOffers::offer(const Screen& screen, const Point& axPoint, std::uin
     return m_store.settings.edgeSnap ? edge(screen, axVisible, axPoint) : SnapOffer{};
 }
 
-/// There is on purpose no trigger by the option key.
+/// Returns whether the trigger is held. An unknown value in the settings means Shift. The Option key is
+/// deliberately not available as trigger.
 bool SnapOffers::isTriggerHeld(std::uint64_t modifierFlags) const {
     const std::string& trigger = m_store.settings.dragTrigger;
     if (trigger == "always")
@@ -56,6 +60,7 @@ bool SnapOffers::isTriggerHeld(std::uint64_t modifierFlags) const {
     return (modifierFlags & kShiftFlag) != 0;
 }
 
+/// Returns all enabled zones, with the one under the pointer as target.
 SnapOffer SnapOffers::zones(const Rect& axVisible, const Point& axPoint) const {
     const AppSettings& settings = m_store.settings;
     std::vector<NumberedFrame> frames;
@@ -74,6 +79,7 @@ SnapOffer SnapOffers::zones(const Rect& axVisible, const Point& axPoint) const {
     return offer;
 }
 
+/// Returns the zone of the screen edge at the pointer, if there is one.
 SnapOffer SnapOffers::edge(const Screen& screen, const Rect& axVisible, const Point& axPoint) const {
     const auto zone = edgeZone(m_geo.axFrame(screen), axPoint);
     if (!zone)

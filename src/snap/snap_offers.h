@@ -13,20 +13,24 @@
 
 namespace tessarel {
 
-/// What a drag offers with the pointer at one place: the rectangles to show, and where the window would go.
+/// What a drag offers for one pointer position: the rectangles to show, and the frame for the window.
 struct SnapOffer {
     std::vector<OverlayItem> items;
-    std::optional<Rect> target;            ///< in accessibility coordinates; empty: the window stays
-    std::optional<std::size_t> zoneNumber; ///< of the target among the user's zones, from 0; none at an edge
+    /// In accessibility coordinates; empty if the window would stay where it is dropped.
+    std::optional<Rect> target;
+    /// Index of the target among the user's zones, from 0; empty for a screen edge.
+    std::optional<std::size_t> zoneNumber;
 };
 
-/// Decides by the settings of the moment, from the pointer alone.
+/// Decides what a drag offers. Depends only on the pointer, the modifiers and the current settings.
 class SnapOffers {
 public:
+    /// `geo` and `store` must outlive this object.
     SnapOffers(const Geo& geo, const Store& store);
 
-    /// The offer with the pointer at `axPoint` of `screen` and the modifiers `modifierFlags` held: the user's
-    /// zones while the trigger is held, else, when the user wants it, what the screen's edges offer.
+    /// Returns the offer for the pointer at `axPoint` of `screen` while the modifiers `modifierFlags` are
+    /// held: the user's zones if the trigger is held, otherwise the zone of a screen edge if the user has
+    /// enabled edge snapping.
     [[nodiscard]] SnapOffer offer(const Screen& screen, const Point& axPoint,
                                   std::uint64_t modifierFlags) const;
 
