@@ -25,6 +25,7 @@ void AboutTab::buildProgram() {
 void AboutTab::buildActions() {
     makeButton(m_view, QStringLiteral("Website"), {16, 120, 110, 28}, [this] { openSite(); });
     makeButton(m_view, QStringLiteral("Email support"), {134, 120, 120, 28}, [this] { emailSupport(); });
+    // true: reports the result to the user, even if there is no update.
     makeButton(m_view, QStringLiteral("Check for updates"), {262, 120, 150, 28},
                [this] { m_context.services.updater.check(true); });
 }

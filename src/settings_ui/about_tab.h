@@ -5,11 +5,13 @@
 
 namespace tessarel {
 
-/// Tells what the program is, and where to turn to.
+/// The "About" tab: version, website, support, update check and privacy statement.
 class AboutTab {
 public:
+    /// Builds the controls. Everything that `context` refers to must outlive the tab.
     explicit AboutTab(const TabContext& context);
 
+    /// Returns the tab's view, which the tab owns.
     [[nodiscard]] FlippedView* view() { return &m_view; }
 
 private:
@@ -18,6 +20,7 @@ private:
     void buildPrivacy();
 
     void openSite();
+    /// Opens a new e-mail whose subject is the program's name and version.
     void emailSupport();
 
     TabContext m_context;

@@ -15,14 +15,16 @@
 namespace tessarel::fitted_text {
 namespace {
 
+// Dynamic properties that keep the full text and the largest font size with the control itself.
 constexpr const char* kWholeText = "tessarelWholeText";
 constexpr const char* kLargestSize = "tessarelLargestSize";
+/// Height in which wrapped text is measured, larger than that of any text.
 constexpr int kEndless = 100'000;
 
-/// Tells whether a text in a font is no larger than the control has room for.
+/// Returns whether a text fits a control when it is set in the font of `metrics`.
 using Fits = std::function<bool(const QString& text, const QFontMetrics& metrics)>;
 
-/// `font`, smaller if that makes `text` fit.
+/// Returns `font`, made smaller until `text` fits, but not smaller than `kSmallest`.
 QFont fittedFont(QFont font, const QString& text, const Fits& fits) {
     while (font.pixelSize() > kSmallest && !fits(text, QFontMetrics(font)))
         font.setPixelSize(font.pixelSize() - 1);
@@ -33,25 +35,28 @@ QString ellipsis() {
     return QString(QChar(0x2026));
 }
 
-/// The longest beginning of `text` that fits with an ellipsis behind it; `text` if it fits as it is.
+/// Returns `text` if it fits, otherwise its longest beginning that fits together with an ellipsis.
 QString fittedText(const QString& text, const QFontMetrics& metrics, const Fits& fits) {
     if (fits(text, metrics))
         return text;
+    // A binary search: `fitting` code units fit, `tooLong` do not.
     qsizetype fitting = 0;
     for (qsizetype tooLong = text.size(); tooLong - fitting > 1;) {
         const qsizetype middle = (fitting + tooLong) / 2;
         (fits(text.first(middle).trimmed() + ellipsis(), metrics) ? fitting : tooLong) = middle;
     }
+    // Do not cut a surrogate pair in half.
     if (fitting > 0 && text.at(fitting - 1).isHighSurrogate())
         --fitting;
     return text.first(fitting).trimmed() + ellipsis();
 }
 
+/// Returns the size of `text` if its lines are wrapped at `width`.
 QSize wrappedSize(const QString& text, const QFontMetrics& metrics, int width) {
     return metrics.boundingRect(QRect(0, 0, width, kEndless), Qt::TextWordWrap, text).size();
 }
 
-/// Sets font, tooltip and name of `control`; answers what it is to show.
+/// Sets the font, tooltip and accessible name of `control`. Returns the text that it has to show.
 QString fit(QWidget& control, const QString& text, const Fits& fits) {
     QFont font = control.font();
     font.setPixelSize(control.property(kLargestSize).toInt());
@@ -64,10 +69,12 @@ QString fit(QWidget& control, const QString& text, const Fits& fits) {
     return shown;
 }
 
+/// Stores the present font size of `control`, which must have been set in pixels.
 void rememberLargestSize(QWidget& control) {
     control.setProperty(kLargestSize, control.font().pixelSize());
 }
 
+/// Returns the room for the text of `button`, without its frame or check mark.
 QSize contents(const QAbstractButton& button) {
     QStyleOptionButton option;
     option.initFrom(&button);
@@ -76,7 +83,7 @@ QSize contents(const QAbstractButton& button) {
     return button.style()->subElementRect(element, &option, &button).size();
 }
 
-/// A single '&' would underline the next letter instead of showing itself.
+/// Returns `text` with every '&' doubled: Qt takes a single one for the mark of a mnemonic and hides it.
 QString withoutMnemonics(QString text) {
     return text.replace(QLatin1Char('&'), QLatin1String("&&"));
 }

@@ -7,25 +7,26 @@
 
 namespace tessarel {
 
-/// Texts that fit the frame of their control, whatever font the user has: smaller than asked for if need be,
-/// and with an ellipsis when the smallest size is still too large.
+/// Fits texts into the frames of their controls, whatever font the user has. A text that is too large is set
+/// in a smaller size; one that does not fit in the smallest size either ends in an ellipsis.
 namespace fitted_text {
 
-/// The smallest size that a text is set in, in pixels at scale 1.
+/// The smallest font size, in device-independent pixels.
 inline constexpr int kSmallest = 11;
 
-/// Shows `text` in the font that the control has now, which is the largest it will ever be set in.
+/// Shows `text`. Call it once, when the control has its frame and its font, whose size must be set in pixels:
+/// that size is the largest one for this text and for later ones.
 void init(QLabel& label, const QString& text);
 void init(QAbstractButton& button, const QString& text);
 
-/// Shows another text in a control that has been through `init`.
+/// Shows another text in a control that `init` has been called for.
 void change(QLabel& label, const QString& text);
 void change(QAbstractButton& button, const QString& text);
 
-/// What the control stands for, also where only a part of it is shown.
+/// Returns the full text of a control, even if it is shown with an ellipsis.
 [[nodiscard]] QString whole(const QWidget& control);
 
-/// A tooltip that shows `text` as it stands, also what looks like markup.
+/// Returns a tooltip that shows `text` literally, even if it looks like markup.
 [[nodiscard]] QString toolTip(const QString& text);
 
 } // namespace fitted_text

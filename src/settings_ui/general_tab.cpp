@@ -27,18 +27,20 @@ QString appName() {
     return toQString(Config::appName);
 }
 
-/// Whole points, as far as the slider goes, a half rounded up.
+/// Returns the position of `slider` for `points`: rounded to whole points, halves up, and limited to the
+/// range of the slider.
 int position(const QSlider& slider, double points) {
     const double rounded = std::round(points);
     return static_cast<int>(std::clamp<double>(rounded, slider.minimum(), slider.maximum()));
 }
 
-/// `points` without its fraction, for the user.
+/// Returns the text beside a slider: `points` without its fraction.
 QString readout(double points) {
-    const double whole = std::trunc(points) + 0.0; // no sign before a zero
+    const double whole = std::trunc(points) + 0.0; // turns -0 into 0, which has no sign
     return QString::number(whole, 'f', 0) + QStringLiteral(" px");
 }
 
+/// Moves `slider` without a signal, which would store the rounded value in the settings.
 void show(QSlider& slider, double points) {
     const QSignalBlocker silence(slider);
     slider.setValue(position(slider, points));
@@ -57,6 +59,7 @@ GeneralTab::GeneralTab(const TabContext& context) : m_context(context) {
 }
 
 void GeneralTab::buildLogin() {
+    // The box shows what the system has stored, not a setting of the document.
     m_loginBox = makeCheckBox(m_view, QStringLiteral("Launch %1 at login").arg(appName()), {16, 14, 320, 20},
                               [this](bool on) { loginToggled(on); });
 }
@@ -71,7 +74,7 @@ void GeneralTab::buildSpacing() {
     m_marginLabel = makeLabel(m_view, readout(0), {390, 110, 60, 18}, {.secondary = true});
 }
 
-/// A slider from 0 to `maximum` that `label` belongs to.
+/// Returns a slider from 0 to `maximum` points that screen readers announce by the text of `label`.
 QSlider* GeneralTab::makeSlider(QLabel& label, const QRect& frame, int maximum) {
     auto* const slider = new QSlider(Qt::Horizontal, &m_view);
     slider->setGeometry(frame);
@@ -104,6 +107,7 @@ void GeneralTab::buildTriggerPopup(QLabel& label) {
     m_triggerPopup = new QComboBox(&m_view);
     m_triggerPopup->setFont(systemFont(13));
     m_triggerPopup->setGeometry(222, 208, 150, 26);
+    // Only the titles depend on the platform; the values are those of the document.
     m_triggerPopup->addItem(QStringLiteral("Shift"), QStringLiteral("shift"));
     m_triggerPopup->addItem(toQString(words.controlKey), QStringLiteral("control"));
     m_triggerPopup->addItem(toQString(words.commandKey), QStringLiteral("command"));
@@ -167,6 +171,7 @@ void GeneralTab::showDragging() {
     m_edgeBox->setChecked(settings().edgeSnap);
     m_triggerPopup->setEnabled(settings().dragEnabled);
     m_edgeBox->setEnabled(settings().dragEnabled);
+    // An unknown trigger, which an edited document may contain, leaves the shown one as it is.
     const int trigger = m_triggerPopup->findData(toQString(settings().dragTrigger));
     if (trigger >= 0)
         m_triggerPopup->setCurrentIndex(trigger);
@@ -179,6 +184,7 @@ void GeneralTab::showRemembered() {
 }
 
 void GeneralTab::showPermission() {
+    // The back end supplies the text for a missing permission, because the remedy differs by platform.
     const bool isTrusted = m_context.services.permissions.isTrusted();
     setFittedText(*m_accLabel, isTrusted
                                    ? QStringLiteral("Granted. %1 can move and resize windows.").arg(appName())
@@ -192,16 +198,18 @@ void GeneralTab::reloadTable() {
         auto* const row = new QListWidgetItem(displayName(bundleIdentifier), m_table);
         row->setSizeHint({0, kRowHeight});
     }
+    // The same row: after a removal, the next application is selected.
     m_table->setCurrentRow(selected < m_table->count() ? selected : -1);
 }
 
-/// -1 without a selection; the keyboard may be on a row that is not selected.
+/// Returns the selected row, or -1. Not `currentRow()`, because the current row need not be selected.
 int GeneralTab::selectedRow() const {
     const auto selected = m_table->selectedItems();
     return selected.isEmpty() ? -1 : m_table->row(selected.first());
 }
 
-/// What the user calls the application, and its identifier; or, if it is not installed, the identifier alone.
+/// Returns the name of an application with its identifier in parentheses, or the identifier alone if the
+/// application is not installed.
 QString GeneralTab::displayName(const std::string& bundleIdentifier) const {
     QString identifier = toQString(bundleIdentifier);
     const auto name = m_context.ports.workspace.displayName(bundleIdentifier);
@@ -217,7 +225,7 @@ void GeneralTab::loginToggled(bool on) {
     if (!failure)
         return;
     showMessage(m_context.ports, QStringLiteral("Could not change the login item"), toQString(*failure));
-    m_loginBox->setChecked(loginItem.isEnabled());
+    m_loginBox->setChecked(loginItem.isEnabled()); // the change failed: show what applies
 }
 
 void GeneralTab::spacingChanged() {

@@ -11,17 +11,20 @@ class QSlider;
 
 namespace tessarel {
 
-/// The options that hold for the whole program, and whether it is allowed to do its work.
+/// The "General" tab: start at login, spacing, drag to snap, permission, ignored applications, and remembered
+/// positions.
 ///
-/// A change is in the settings, and saved, at once. Nobody is told: what reads these settings reads them at
-/// the moment of use.
+/// Every change is saved at once. No notification is sent, because these settings are read at the moment of
+/// use.
 class GeneralTab {
 public:
+    /// Builds the controls. Everything that `context` refers to must outlive the tab.
     explicit GeneralTab(const TabContext& context);
 
+    /// Returns the tab's view, which the tab owns.
     [[nodiscard]] FlippedView* view() { return &m_view; }
 
-    /// Shows the present settings, and what the system says about login and permission.
+    /// Shows the current settings, and the states of the login item and the permission.
     void refresh();
 
 private:
@@ -34,6 +37,7 @@ private:
     void buildTriggerPopup(QLabel& label);
     QSlider* makeSlider(QLabel& label, const QRect& frame, int maximum);
 
+    // Called when the user changes a control.
     void loginToggled(bool on);
     void spacingChanged();
     void dragToggled(bool on);
@@ -45,6 +49,7 @@ private:
     void addIgnored();
     void removeIgnored();
 
+    // Update parts of the tab from the settings and the system.
     void showReadouts();
     void showDragging();
     void showRemembered();
@@ -56,7 +61,7 @@ private:
     void save();
 
     TabContext m_context;
-    FlippedView m_view;
+    FlippedView m_view; // owns the controls
     QCheckBox* m_loginBox = nullptr;
     QSlider* m_gapSlider = nullptr;
     QLabel* m_gapLabel = nullptr;

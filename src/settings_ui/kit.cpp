@@ -16,6 +16,7 @@
 namespace tessarel {
 namespace {
 
+/// Creates a label without text, which must be set after its font and frame.
 QLabel* makePlainLabel(QWidget& parent, const QRect& frame, const QFont& font, bool secondary) {
     auto* const label = new QLabel(&parent);
     label->setTextFormat(Qt::PlainText);
@@ -60,14 +61,15 @@ QCheckBox* makeCheckBox(QWidget& parent, const QString& title, const QRect& fram
     box->setFont(systemFont(13));
     box->setGeometry(frame);
     fitted_text::init(*box, title);
+    // clicked(), because the program's own changes emit toggled() as well.
     if (action)
         QObject::connect(box, &QCheckBox::clicked, box, std::move(action));
     return box;
 }
 
 void setBezeled(QAbstractScrollArea& area, const QRect& frame) {
-    // What the area leaves of a filled widget behind it: of a line of its own, fractions of a pixel may cut
-    // off a side.
+    // The border is the rim of a filled widget behind the area. At fractional scales, a line that the area
+    // paints itself may lose a side.
     auto* const border = new QWidget(area.parentWidget());
     border->setAutoFillBackground(true);
     border->setBackgroundRole(QPalette::Mid);
@@ -95,7 +97,7 @@ QString fullText(const QWidget& control) {
 }
 
 QString fmtNum(double value) {
-    constexpr int kDigits = 6;
+    constexpr int kDigits = 6; // significant ones
     const double rounded = std::round(value * 100) / 100;
     return QString::fromLatin1(QByteArray::number(rounded, 'g', kDigits));
 }
@@ -106,7 +108,7 @@ void showMessage(const Ports& ports, const QString& title, const QString& text) 
 }
 
 QFont systemFont(int size, QFont::Weight weight) {
-    QFont font;
+    QFont font; // starts with the application's default font
     font.setPixelSize(size);
     font.setWeight(weight);
     return font;

@@ -19,66 +19,73 @@ class QPushButton;
 
 namespace tessarel {
 
-/// What every tab of the settings window is made of. All frames are (x, y, width, height) in points from the
-/// top-left corner of the parent; font sizes are pixels at scale 1. The parent owns what is made.
-///
-/// A text that is larger than its frame is set smaller, pixel by pixel down to 11, and then ends in an
-/// ellipsis, with the whole text as tooltip. Texts are plain: no markup, no mnemonics.
+// The controls of the settings window. Frames are (x, y, width, height) in device-independent pixels from the
+// top-left corner of the parent, y down. Font sizes are device-independent pixels. The parent owns the
+// control.
+//
+// A text that does not fit its frame is set in a smaller font, down to 11 pixels. If it still does not fit,
+// it ends in an ellipsis, and the tooltip shows the full text. Texts are shown literally, without markup or
+// mnemonics.
 
-/// How large each tab's view is.
+/// Size of the view of every tab.
 inline constexpr QSize kTabSize(780, 480);
 
-/// A view whose origin is its top-left corner, y down: a plain widget.
+/// A view whose origin is its top-left corner, y down. Every Qt widget is one.
 using FlippedView = QWidget;
 
+/// Appearance of a one-line label.
 struct LabelStyle {
     bool bold = false;
     int size = 13;
-    bool secondary = false;
+    bool secondary = false; ///< in the dimmed colour of less important texts
 };
 
+/// Appearance of a label that wraps its text.
 struct WrapStyle {
     int size = 12;
-    bool secondary = false;
+    bool secondary = false; ///< in the dimmed colour of less important texts
 };
 
-/// A label of one line, centred vertically in its frame.
+/// Creates a one-line label, centred vertically in its frame.
 QLabel* makeLabel(QWidget& parent, const QString& text, const QRect& frame, const LabelStyle& style = {});
 
-/// A label of several lines from the top of its frame.
+/// Creates a label that wraps its text, aligned with the top of its frame.
 QLabel* makeWrap(QWidget& parent, const QString& text, const QRect& frame, const WrapStyle& style = {});
 
-/// A push button that calls `action` when it is clicked; none is allowed.
+/// Creates a push button that calls `action`, which may be empty, when it is clicked.
 QPushButton* makeButton(QWidget& parent, const QString& title, const QRect& frame,
                         std::function<void()> action);
 
-/// A check box that calls `action` with its new state when the user changes it, not when the program does.
+/// Creates a check box that calls `action` with the new state when the user changes it, but not when the
+/// program does. `action` may be empty.
 QCheckBox* makeCheckBox(QWidget& parent, const QString& title, const QRect& frame,
                         std::function<void(bool)> action);
 
-/// Gives `area` this frame, with a line around it that is whole at every scale.
+/// Sets the frame of `area` and surrounds it with a border that is complete at every scale. The border is a
+/// sibling of `area`, whose parent must be set.
 void setBezeled(QAbstractScrollArea& area, const QRect& frame);
 
-/// Makes `label` say what `control` is, also to those who hear the window instead of seeing it.
+/// Makes the text of `label` the accessible name of `control`, so that screen readers announce it.
 void nameAfter(QLabel& label, QWidget& control);
 
-/// Changes the text of a control of this kit, which is fitted into its frame again.
+/// Changes the text of a control of this kit and fits it into the frame again.
 void setFittedText(QLabel& label, const QString& text);
 void setFittedText(QPushButton& button, const QString& title);
-/// The whole text of a control of this kit, also while it is shown with an ellipsis.
+/// Returns the full text of a control of this kit, even if it is shown with an ellipsis.
 [[nodiscard]] QString fullText(const QWidget& control);
 
-/// `value` with at most two decimals, a half rounded away from zero, and no trailing zeros: "12.5", "0.13".
-/// From a million on only six digits are told, with an exponent.
+/// Returns `value` with at most two decimals and six significant digits, without trailing zeros: "12.5",
+/// "0.13". Halves are rounded away from zero. Values from a million on have an exponent.
 [[nodiscard]] QString fmtNum(double value);
 
-/// Brings the program to the front and shows a message until the user dismisses it.
+/// Brings the program to the front and shows a modal message. Returns when the user has dismissed it.
 void showMessage(const Ports& ports, const QString& title, const QString& text);
 
-/// The font of the window in `size` pixels at scale 1.
+/// Returns the application's font in `size` device-independent pixels.
 [[nodiscard]] QFont systemFont(int size, QFont::Weight weight = QFont::Normal);
 
-/// The colours that the platform's named ones stand for.
+/// Return the colours of `palette` that correspond to AppKit's colours of these names: of texts, of less
+/// important texts, of lines, of the background of lists and fields, and of the selection.
 [[nodiscard]] QColor labelColor(const QPalette& palette);
 [[nodiscard]] QColor secondaryLabelColor(const QPalette& palette);
 [[nodiscard]] QColor separatorColor(const QPalette& palette);

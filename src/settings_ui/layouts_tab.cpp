@@ -27,7 +27,7 @@ namespace {
 
 constexpr QSize kViewSize(780, 480);
 
-// What the titles of the layouts stand for: presets from 0, the user's own from 1000.
+// Values of the rows in the layout menu: presets count from 0, the user's layouts from 1000.
 constexpr int kCustomTag = -1;
 constexpr int kFirstUserTag = 1000;
 
@@ -37,7 +37,8 @@ struct GridStep {
 };
 constexpr std::array<GridStep, 5> kGridSteps = {
     {{"Off", 0}, {"1%", 1}, {"2.5%", 2.5}, {"5%", 5}, {"10%", 10}}};
-constexpr double kSameStep = 0.001; // percent
+/// A stored grid step selects a row of the menu if it differs by no more than this, in percent.
+constexpr double kSameStep = 0.001;
 
 QStringList zoneNumbers() {
     QStringList numbers;
@@ -59,7 +60,7 @@ LayoutsTab::LayoutsTab(const TabContext& context) : m_context(context), m_store(
 }
 
 LayoutsTab::~LayoutsTab() {
-    m_view.hide(); // ends what is being edited while there is somebody to hear of it
+    m_view.hide(); // ends a drag in the editor, whose callbacks use this object
 }
 
 void LayoutsTab::addLayoutRow() {
@@ -76,6 +77,7 @@ void LayoutsTab::addEditor() {
     m_editor->setGeometry(16, 56, 500, 312);
     m_editor->onSelect = [this](int index) { selectZone(index); };
     m_editor->onEdit = [this] { refreshFields(); };
+    // Hot keys and the menu depend on which zones are enabled, so the commit sends a notification.
     m_editor->onCommit = [this] {
         m_store.saveAndNotify();
         syncSelection();
@@ -127,6 +129,7 @@ void LayoutsTab::addHotkey() {
 
 void LayoutsTab::refresh() {
     rebuildPopup();
+    // A step that is not in the menu leaves the shown one as it is.
     for (const GridStep& step : kGridSteps)
         if (std::abs(step.percent - m_store.settings.gridStep) <= kSameStep)
             m_gridPopup->select(step.percent);
@@ -171,6 +174,7 @@ void LayoutsTab::syncSelection() {
 }
 
 int LayoutsTab::matchingTag() const {
+    // Stored layouts may have fewer than nine zones, the current set always has nine.
     const auto tagIn = [this](const std::vector<Layout>& layouts, int firstTag) -> std::optional<int> {
         const auto isCurrent = [this](const Layout& layout) {
             return Presets::pad(layout.zones) == m_store.settings.zones;
@@ -197,7 +201,7 @@ const Layout* LayoutsTab::layoutOf(int tag) const {
 void LayoutsTab::layoutChosen() {
     const Layout* const layout = layoutOf(m_popup->currentData().toInt());
     if (!layout)
-        return syncSelection(); // what is shown stays what is in use
+        return syncSelection(); // "Custom" cannot be applied: show the layout in use again
     m_store.settings.zones = Presets::pad(layout->zones);
     m_store.saveAndNotify();
     m_selected = 0;
@@ -209,9 +213,10 @@ void LayoutsTab::saveLayout() {
     const auto typed =
         m_context.ports.alerts.runModalForText({"Save layout", "Name for this layout:", {"Save", "Cancel"}});
     const std::string name = QString::fromStdString(typed.value_or("")).trimmed().toStdString();
-    if (name.empty())
+    if (name.empty()) // cancelled, or a blank name
         return;
     std::vector<Layout>& layouts = m_store.settings.userLayouts;
+    // A layout of the same name is replaced.
     const auto same = std::ranges::find(layouts, name, &Layout::name);
     if (same != layouts.end())
         same->zones = m_store.settings.zones;
@@ -226,6 +231,7 @@ void LayoutsTab::deleteLayout() {
     std::vector<Layout>& layouts = m_store.settings.userLayouts;
     if (index < 0 || static_cast<std::size_t>(index) >= layouts.size())
         return;
+    // The zones in use stay; only the stored layout is removed.
     layouts.erase(layouts.begin() + index);
     m_store.saveAndNotify();
     rebuildPopup();
@@ -233,7 +239,7 @@ void LayoutsTab::deleteLayout() {
 
 void LayoutsTab::gridChosen() {
     m_store.settings.gridStep = m_gridPopup->currentData().toDouble();
-    m_store.save(); // concerns nobody else
+    m_store.save(); // without a notification: only the editor uses the step
 }
 
 // The selected zone
@@ -251,6 +257,7 @@ void LayoutsTab::addZone() {
     if (free == zones.end())
         return showMessage(m_context.ports, QStringLiteral("All 9 zones are in use"),
                            QStringLiteral("Remove a zone first (select it and press Delete)."));
+    // Centred, with half the width and height of the usable area.
     *free = Presets::z(25, 25, 50, 50);
     const auto index = static_cast<int>(free - zones.begin());
     m_store.saveAndNotify();
@@ -266,7 +273,7 @@ void LayoutsTab::clearHotkey() {
 
 void LayoutsTab::fieldsTyped() {
     selectedZone() = m_fields->typed(selectedZone());
-    m_store.save(); // hot keys and menu follow when the field is done
+    m_store.save(); // without a notification, which fieldsEnded() sends
     m_editor->update();
 }
 

@@ -17,20 +17,25 @@ class SegmentedControl;
 class ZoneEditorView;
 class ZoneFields;
 
-/// The zones of the screen: designed with the mouse or by numbers, taken from a layout, saved as one.
+/// The "Layouts" tab: the user designs zones with the mouse or by numbers, applies a layout, or saves the
+/// zones as a layout.
 class LayoutsTab {
 public:
+    /// Builds the controls and shows the current settings. Everything that `context` refers to must outlive
+    /// the tab.
     explicit LayoutsTab(const TabContext& context);
     LayoutsTab(const LayoutsTab&) = delete;
     LayoutsTab& operator=(const LayoutsTab&) = delete;
+    /// Commits a drag that is still in progress.
     ~LayoutsTab();
 
+    /// Returns the tab's view, which the tab owns.
     [[nodiscard]] QWidget* view() { return &m_view; }
 
-    /// Position of the zone that the controls are about, 0 to 8.
+    /// Returns the position of the zone that the controls show, 0 to 8.
     [[nodiscard]] int selected() const { return m_selected; }
 
-    /// Shows the present settings; the selected zone stays selected.
+    /// Shows the current settings. The selected zone stays selected.
     void refresh();
 
 private:
@@ -40,6 +45,7 @@ private:
     void addZoneControls();
     void addHotkey();
 
+    // Called when the user changes a control.
     void layoutChosen();
     void saveLayout();
     void deleteLayout();
@@ -50,11 +56,18 @@ private:
     void fieldsTyped();
     void fieldsEnded();
 
+    /// Shows the zone at `index`, limited to 0 to 8, in all controls.
     void selectZone(int index);
+    /// Shows the numbers of the selected zone and whether it is enabled.
     void refreshFields();
+    /// Fills the layout menu with "Custom", the presets and the user's layouts.
     void rebuildPopup();
+    /// Selects the layout in the menu that equals the current zones.
     void syncSelection();
+    /// Returns the tag of the first layout whose zones equal the current ones, presets first; `kCustomTag` if
+    /// there is none.
     [[nodiscard]] int matchingTag() const;
+    /// Returns the layout for a tag of the menu, null for `kCustomTag` and for unknown tags.
     [[nodiscard]] const Layout* layoutOf(int tag) const;
     [[nodiscard]] Zone& selectedZone();
 

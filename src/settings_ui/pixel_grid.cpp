@@ -22,8 +22,10 @@ double PixelGrid::lineY(double y, double width) const {
 }
 
 double PixelGrid::line(double at, double width, double offset) const {
+    // The centre of a line lies between two pixels if its width is even, in a pixel if it is odd.
     const double middleOfPixel = wholePixels(width) % 2 == 0 ? 0 : 0.5;
-    // Halves go one way on either side of zero: wherever the painter begins, the lines keep their distances.
+    // Halves are rounded up on both sides of zero, so that the distances between lines do not depend on the
+    // painter's origin.
     const double pixel = std::floor(at * scale() + offset - middleOfPixel + 0.5) + middleOfPixel;
     return (pixel - offset) / scale();
 }

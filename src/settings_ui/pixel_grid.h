@@ -4,23 +4,24 @@
 
 namespace tessarel {
 
-/// The pixels under a painter, so that straight lines cover whole ones at any scale.
+/// Aligns straight lines with the device pixels under a painter, so that they are sharp at any scale.
 ///
-/// All coordinates and widths are the painter's; along both axes one unit is the same number of pixels. The
-/// transform is that of `QPainter::deviceTransform()`, without rotation.
+/// Coordinates and widths are in the painter's logical units. The transform is that of
+/// `QPainter::deviceTransform()`; it must not rotate, and must scale both axes equally.
 class PixelGrid {
 public:
     explicit PixelGrid(const QTransform& deviceTransform) : m_transform(deviceTransform) {}
 
-    /// The width nearest to `width` that is a whole number of pixels, at least one.
+    /// Returns the width nearest to `width` that is a whole number of device pixels, at least one.
     [[nodiscard]] double wholeWidth(double width) const;
 
-    /// Where the middle of a line of `width` has to be so that its sharp part covers whole pixels: next to
-    /// `x` or `y`.
+    /// Return the coordinate nearest to `x` or `y` at which the centre of a line has to be, so that its
+    /// width, rounded to whole pixels, coincides with device pixels.
     [[nodiscard]] double lineX(double x, double width) const;
     [[nodiscard]] double lineY(double y, double width) const;
 
 private:
+    /// `offset` is the translation of the transform along the axis, in device pixels.
     [[nodiscard]] double line(double at, double width, double offset) const;
     [[nodiscard]] double scale() const { return m_transform.m11(); }
     [[nodiscard]] int wholePixels(double width) const;

@@ -21,15 +21,19 @@ namespace tessarel {
 
 namespace {
 
-constexpr int kWidestInCharacters = 60; // of average width
-constexpr int kLongestMeasured = 512;   // more is never shown, and takes its time
-constexpr int kTextMargin = 2;          // between the field and its text
+/// Widest title, in characters of average width. The open list is as wide as its widest title.
+constexpr int kWidestInCharacters = 60;
+/// Longest title that is measured, in UTF-16 code units. Measuring takes time, and no more can be shown.
+constexpr int kLongestMeasured = 512;
+/// Distance between the field and its text, in device-independent pixels.
+constexpr int kTextMargin = 2;
 
 bool isLineBreakOrControl(QChar character) {
     return character.category() == QChar::Other_Control || character.category() == QChar::Separator_Line ||
            character.category() == QChar::Separator_Paragraph;
 }
 
+/// Returns `text` with spaces for line breaks and control characters, cut to the widest title.
 QString oneLine(QString text, const QFontMetrics& metrics) {
     if (text.size() > kLongestMeasured)
         text = text.left(kLongestMeasured) + QChar(0x2026);
@@ -59,6 +63,7 @@ void PopUpButton::select(const QVariant& value) {
         setCurrentIndex(index);
 }
 
+/// Keys only open the list; with a plain QComboBox, arrow keys and letters would choose at once.
 void PopUpButton::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
     case Qt::Key_Space:
@@ -75,6 +80,7 @@ void PopUpButton::wheelEvent(QWheelEvent* event) {
     event->ignore();
 }
 
+/// Returns the chosen title, cut with an ellipsis to the width of the button.
 QString PopUpButton::shownText() const {
     QStyleOptionComboBox option;
     initStyleOption(&option);
@@ -83,6 +89,7 @@ QString PopUpButton::shownText() const {
     return fontMetrics().elidedText(currentText(), Qt::ElideRight, field.width() - 2 * kTextMargin);
 }
 
+/// Paints like QComboBox, which would cut a long title off without an ellipsis.
 void PopUpButton::paintEvent(QPaintEvent* /*event*/) {
     QStylePainter painter(this);
     QStyleOptionComboBox option;
@@ -92,6 +99,7 @@ void PopUpButton::paintEvent(QPaintEvent* /*event*/) {
     painter.drawControl(QStyle::CE_ComboBoxLabel, option);
 }
 
+/// Shows a tooltip with the title if it is shown with an ellipsis.
 bool PopUpButton::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip)
         return QComboBox::event(event);

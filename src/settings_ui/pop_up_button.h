@@ -9,21 +9,21 @@
 
 namespace tessarel {
 
-/// A button that shows the chosen one of several titles and opens the list of them.
+/// A button that shows the chosen one of several titles and opens a list of them.
 ///
-/// Nothing is chosen by accident: the wheel does not choose, and keys open the list, where Return chooses.
-/// Titles are plain text, on one line; long ones end in an ellipsis.
+/// The user cannot choose by accident: the mouse wheel does not choose, and keys only open the list, where
+/// Return chooses. Titles are plain text on one line; long ones end in an ellipsis.
 class PopUpButton : public QComboBox {
 public:
-    /// `action` is called when the user chooses a title, also the one that is shown, not when the program
-    /// does.
+    /// Calls `action` when the user chooses a title, even if it is the one that is shown already, but not
+    /// when the program chooses one.
     PopUpButton(QWidget& parent, const QRect& frame, std::function<void()> action);
 
-    /// `value` is what choosing the title stands for: `currentData()` while it is shown.
+    /// Appends a title. While it is chosen, `currentData()` returns `value`.
     void append(const QString& title, const QVariant& value);
     void appendSeparator();
 
-    /// Shows the first title that stands for `value`; keeps the present one when there is none.
+    /// Chooses the first title that was appended with `value`. Does nothing if there is none.
     void select(const QVariant& value);
 
 protected:

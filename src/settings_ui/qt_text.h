@@ -6,7 +6,7 @@
 
 namespace tessarel {
 
-/// The program's own text, which is UTF-8, as the toolkit takes it.
+/// Converts text of the core, which is UTF-8, to a string of Qt.
 [[nodiscard]] inline QString toQString(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }

@@ -18,7 +18,7 @@ namespace tessarel {
 
 namespace {
 
-constexpr std::int64_t kEscape = 53;
+constexpr std::int64_t kEscape = 53; // virtual key code
 
 QString prompt() {
     return QStringLiteral("Press keys...");
@@ -29,7 +29,7 @@ QString addModifier(const ModifierNames& names) {
         .arg(toQString(names.ctrl), toQString(names.opt), toQString(names.cmd));
 }
 
-/// The first other action than `actionID` that has the combination.
+/// Returns the first action other than `actionID` whose hot key is `combination`.
 std::optional<ActionID> holder(const Store& store, const Binding& combination, ActionID actionID) {
     const auto& all = ActionID::allCases;
     const auto found = std::ranges::find_if(
@@ -68,16 +68,18 @@ void RecorderButton::toggleRecording() {
 void RecorderButton::startRecording() {
     m_isRecording = true;
     setTitle(prompt());
-    setFocus(Qt::OtherFocusReason); // not every way to click a button gives it the focus
+    // Losing the focus ends the recording, so the button needs it, and not every click moves it here.
+    setFocus(Qt::OtherFocusReason);
     m_monitor = m_ports.localKeys.monitorKeyDown([self = QPointer(this)](const KeyDown& key) {
         if (!self)
             return false;
         self->keyDown(key);
-        return true;
+        return true; // consumed: the key must not do anything else in the window
     });
 }
 
 void RecorderButton::stopRecording() {
+    // This may run inside the monitor's own callback, which subscriptions allow.
     m_monitor.reset();
     m_isRecording = false;
     refresh();
@@ -87,6 +89,7 @@ void RecorderButton::keyDown(const KeyDown& key) {
     if (key.keyCode == kEscape)
         return stopRecording();
     const Binding candidate{key.keyCode, carbonMods(key.modifierFlags)};
+    // A hot key without a modifier would take the key away from all other programs.
     if (candidate.mods == 0) {
         m_ports.alertSound.beep();
         return flash(addModifier(m_ports.words.modifierNames));
@@ -103,13 +106,15 @@ void RecorderButton::keyDown(const KeyDown& key) {
 
 void RecorderButton::flash(const QString& message) {
     setTitle(message);
+    // The button may be destroyed, or the recording may have ended, in the meantime.
     m_ports.mainQueue.asyncAfter(kFlashTime, [self = QPointer(this)] {
         if (self && self->m_isRecording)
             self->setTitle(prompt());
     });
 }
 
-/// The name that is read out stays the action's, whatever the title says of it.
+/// Changes the visible title. For screen readers the name of the button stays that of the action, and the
+/// title becomes its description.
 void RecorderButton::setTitle(const QString& title) {
     setFittedText(*this, title);
     setAccessibleName(toQString(m_actionID.title()));
@@ -128,7 +133,7 @@ void RecorderButton::hideEvent(QHideEvent* event) {
         stopRecording();
 }
 
-/// Return works like Space; held down, it does not click again and again.
+/// Makes Return click the button, as Space does. The auto-repeat of a held key is ignored.
 void RecorderButton::keyPressEvent(QKeyEvent* event) {
     const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     if (!isReturn)

@@ -15,28 +15,28 @@
 
 namespace tessarel {
 
-/// Shows the hot key of an action and, once clicked, takes the next combination of keys for it.
+/// A button that shows the hot key of an action and, once clicked, records a new one.
 ///
-/// Recording ends with Escape, with a combination that can be had, with another click, and when the button
-/// loses the keyboard focus or is hidden. Whatever else is pressed meanwhile is told not to do, and waited
-/// on.
+/// Recording ends with an acceptable combination, with Escape, with another click, and when the button loses
+/// the keyboard focus or is hidden. Any other combination is rejected with a message, and recording goes on.
 class RecorderButton : public QPushButton {
 public:
-    /// How long a message stands in the place of the prompt.
+    /// How long a message replaces the prompt.
     static constexpr std::chrono::milliseconds kFlashTime{1300};
 
-    /// For the first action. What `context` refers to outlives the button.
+    /// Shows the first action until `configure` is called. Everything that `context` refers to must outlive
+    /// the button.
     RecorderButton(QWidget& parent, const QRect& frame, const TabContext& context);
 
-    /// Is about `newActionID` from now on. A recording ends.
+    /// Switches to the action `newActionID`. Ends a recording without a change.
     void configure(ActionID newActionID);
     [[nodiscard]] ActionID actionID() const { return m_actionID; }
 
-    /// Shows the present hot key; does nothing while recording.
+    /// Shows the current hot key. Does nothing while recording.
     void refresh();
     [[nodiscard]] bool isRecording() const { return m_isRecording; }
 
-    /// Called after a new hot key has been stored; may be empty.
+    /// Called after a new hot key has been saved; may be empty.
     std::function<void()> onChange;
 
 protected:
@@ -48,15 +48,16 @@ private:
     void toggleRecording();
     void startRecording();
     void stopRecording();
+    /// Handles a combination that was pressed while recording: saves it, rejects it, or cancels (Escape).
     void keyDown(const KeyDown& key);
-    /// Shows `message` instead of the prompt for a moment.
+    /// Shows `message` instead of the prompt for `kFlashTime`.
     void flash(const QString& message);
     void setTitle(const QString& title);
 
     Store& m_store;
     const Ports& m_ports;
     ActionID m_actionID = ActionID::allCases.front();
-    SubscriptionPtr m_monitor; ///< while recording
+    SubscriptionPtr m_monitor; ///< not null while recording
     bool m_isRecording = false;
 };
 

@@ -19,13 +19,15 @@ namespace tessarel {
 
 namespace {
 
+// In device-independent pixels.
 constexpr double kCornerRadius = 4;
 constexpr double kFocusWidth = 2;
 constexpr double kFocusInset = 3;
 
-/// One choice of several to keys and screen readers, one part of a bar to the eye.
+/// One segment: a radio button for the keyboard and for screen readers, painted as a part of a bar.
 class Segment : public QRadioButton {
 public:
+    /// The position in the bar, whose ends are rounded.
     enum class Place { First, Middle, Last };
 
     Segment(QWidget& parent, const QString& label, Place place)
@@ -34,18 +36,21 @@ public:
     }
 
 protected:
+    /// Accepts clicks anywhere; a radio button would accept them only on its mark and its text.
     [[nodiscard]] bool hitButton(const QPoint& point) const override { return rect().contains(point); }
     void paintEvent(QPaintEvent* event) override;
 
 private:
     [[nodiscard]] QRectF bar(double stroke) const;
     [[nodiscard]] QColor fill() const;
+    /// Paints a frame inside the segment that shows the keyboard focus.
     void paintFocus(QPainter& painter) const;
 
     Place m_place;
 };
 
-/// The bar as far as this segment sees it: its rounded ends lie outside the segments in the middle.
+/// Returns the outline to paint in this segment, for a line of width `stroke`. At an inner edge it extends
+/// beyond the segment, so that its rounded corners are clipped.
 QRectF Segment::bar(double stroke) const {
     QRectF area(rect());
     area.adjust(stroke / 2, stroke / 2, -stroke / 2, -stroke / 2);
@@ -57,7 +62,7 @@ QColor Segment::fill() const {
     if (isChecked())
         return controlAccentColor(palette());
     const QColor button = palette().color(QPalette::Button);
-    return isDown() ? button.darker(115) : button;
+    return isDown() ? button.darker(115) : button; // percent
 }
 
 void Segment::paintEvent(QPaintEvent* /*event*/) {
@@ -68,6 +73,7 @@ void Segment::paintEvent(QPaintEvent* /*event*/) {
     painter.setPen(QPen(separatorColor(palette()), stroke));
     painter.setBrush(fill());
     painter.drawRoundedRect(bar(stroke), kCornerRadius, kCornerRadius);
+    // The line to the next segment, without the ends that belong to the outline.
     if (m_place != Place::Last) {
         const double x = grid.lineX(width() - stroke / 2, stroke);
         painter.drawLine(QPointF(x, stroke), QPointF(x, height() - stroke));
@@ -92,6 +98,7 @@ SegmentedControl::SegmentedControl(QWidget& parent, const QStringList& labels, c
                                    const std::function<void()>& action)
     : QWidget(&parent) {
     setGeometry(frame);
+    // Edges rather than equal widths: together the segments fill the frame exactly.
     const auto edge = [&](qsizetype i) { return static_cast<int>(i * frame.width() / labels.size()); };
     for (qsizetype i = 0; i < labels.size(); ++i) {
         const auto place = i == 0                   ? Segment::Place::First

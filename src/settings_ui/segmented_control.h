@@ -11,19 +11,20 @@ class QAbstractButton;
 
 namespace tessarel {
 
-/// A row of labelled segments, one of which is selected. Arrow keys select the neighbour.
+/// A row of labelled segments, one of which is selected. Arrow keys select the neighbouring segment.
 class SegmentedControl : public QWidget {
 public:
-    /// Segments share the width of `frame`. `action` is called when the user selects another segment, not
-    /// when the program does.
+    /// Divides `frame` equally among the segments; `labels` must not be empty. Calls `action` when the user
+    /// clicks a segment or selects it with the keyboard, but not when the program selects one.
     SegmentedControl(QWidget& parent, const QStringList& labels, const QRect& frame,
                      const std::function<void()>& action);
 
-    /// Position of the selected segment, the first one to begin with.
+    /// Returns the position of the selected segment, initially 0.
     [[nodiscard]] int selectedSegment() const;
+    /// Selects the segment at a position. Throws `std::out_of_range` if there is none.
     void setSelectedSegment(int segment);
 
-    /// The segments from left to right.
+    /// Returns the segments from left to right.
     [[nodiscard]] const std::vector<QAbstractButton*>& segments() const { return m_segments; }
 
 private:

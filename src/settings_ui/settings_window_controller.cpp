@@ -26,10 +26,12 @@
 namespace tessarel {
 namespace {
 
+// In device-independent pixels.
 constexpr QSize kWindowSize(820, 540);
 constexpr QRect kTabsFrame(10, 10, 800, 520);
-constexpr QPoint kViewOrigin(8, 4); // in the middle of what the tabs leave
+constexpr QPoint kViewOrigin(8, 4); // centres a view in the page of its tab
 
+/// Without a maximise button, because the size of the window is fixed.
 constexpr Qt::WindowFlags kWindowFlags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                                          Qt::WindowSystemMenuHint | Qt::WindowMinimizeButtonHint |
                                          Qt::WindowCloseButtonHint;
@@ -38,7 +40,8 @@ QString title() {
     return toQString(Config::appName) + QLatin1String(" Settings");
 }
 
-/// Moves `window` into the middle of the screen that the pointer is on, its title in any case on it.
+/// Centres `window` on the screen under the pointer. If the window is larger than the screen, its top-left
+/// corner stays visible.
 void center(QWidget& window) {
     const QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
     if (!screen)
@@ -51,8 +54,8 @@ void center(QWidget& window) {
     window.move(std::max(frame.left(), room.left()), std::max(frame.top(), room.top()));
 }
 
-/// Tabs whose pages have a line on their left at every scale: the style paints its own outside of the tabs
-/// when they do not begin at a whole pixel.
+/// A tab widget that paints the left border of its page itself. At fractional scales the style paints that
+/// border outside of the widget.
 class Tabs : public QTabWidget {
 public:
     using QTabWidget::QTabWidget;
@@ -60,7 +63,7 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override {
         QTabWidget::paintEvent(event);
-        constexpr int kLikeTheStyle = 140; // percent
+        constexpr int kLikeTheStyle = 140; // percent, the factor with which the style darkens its border
         QStyleOptionTabWidgetFrame option;
         initStyleOption(&option);
         const QRectF pane = style()->subElementRect(QStyle::SE_TabWidgetTabPane, &option, this);
@@ -68,7 +71,8 @@ protected:
         const PixelGrid grid(painter.deviceTransform());
         const double width = grid.wholeWidth(1);
         const double left = grid.lineX(pane.left() + width / 2, width) - width / 2;
-        painter.fillRect(QRectF(left, pane.top(), width, pane.height() - 1), // above the style's shadow
+        // Ends above the shadow that the style paints at the bottom.
+        painter.fillRect(QRectF(left, pane.top(), width, pane.height() - 1),
                          palette().color(QPalette::Window).darker(kLikeTheStyle));
     }
 };
@@ -102,7 +106,7 @@ void SettingsWindowController::show(std::optional<Tab> tab) {
     m_window->show();
     m_window->raise();
     m_window->activateWindow();
-    m_ports.application.activate(); // last: it knows more than Qt does of how to come to the front
+    m_ports.application.activate(); // last, because a back end may know better than Qt how to come to front
 }
 
 void SettingsWindowController::refreshAll() {
@@ -118,17 +122,19 @@ void SettingsWindowController::makeWindow() {
     m_window->setFixedSize(kWindowSize);
     m_tabs = new Tabs(m_window.get());
     m_tabs->setGeometry(kTabsFrame);
-    m_tabs->setFocusPolicy(Qt::NoFocus); // its row of tabs has the focus, and a name for each
+    // The tab bar takes the focus instead, because it has an accessible name for every tab.
+    m_tabs->setFocusPolicy(Qt::NoFocus);
     addTab(*m_layouts.view(), QStringLiteral("Layouts"));
     addTab(*m_shortcuts.view(), QStringLiteral("Shortcuts"));
     addTab(*m_general.view(), QStringLiteral("General"));
     addTab(*m_about.view(), QStringLiteral("About"));
+    // On a Mac, Qt::CTRL is the Command key.
     addShortcut(*m_window, Qt::CTRL | Qt::Key_W, [this] { m_window->close(); });
     addShortcut(*m_window, Qt::CTRL | Qt::Key_Q, [this] { m_ports.application.terminate(); });
     center(*m_window);
 }
 
-/// Appends a tab that is called `label`, for the user and for the program.
+/// Appends a tab titled `label`, which is also the object name of its page.
 void SettingsWindowController::addTab(QWidget& view, const QString& label) {
     auto* const page = new QWidget(m_tabs);
     page->setObjectName(label);

@@ -15,36 +15,39 @@ class QTabWidget;
 
 namespace tessarel {
 
-/// The settings window with its tabs. The tabs exist from the start; the window is made when it is first
-/// shown, and closing it hides it.
+/// The settings window. Its tabs are created with the controller, the window itself when it is first shown.
+/// Closing the window only hides it.
 class SettingsWindowController : public SettingsWindow {
 public:
     /// The raw value is the position of the tab.
     enum class Tab { Layouts, Shortcuts, General, About };
 
-    /// Both outlive the controller.
+    /// `services` and `ports` must outlive the controller.
     SettingsWindowController(Services& services, const Ports& ports);
     SettingsWindowController(const SettingsWindowController&) = delete;
     SettingsWindowController& operator=(const SettingsWindowController&) = delete;
     ~SettingsWindowController() override;
 
-    /// The tab at a position; none where there is none.
+    /// Returns the tab with a raw value, `std::nullopt` if there is none.
     [[nodiscard]] static std::optional<Tab> tab(int rawValue);
 
     void show() override { show(std::nullopt); }
-    /// Shows the window with the present settings and brings it to the front, on `tab` or, without one, on
-    /// the tab it was left on.
+    /// Shows the window with the current settings and brings it to the front. Switches to `tab`; without one,
+    /// the window shows the tab that was open last.
     void show(std::optional<Tab> tab);
 
+    /// Shows the current settings in every tab.
     void refreshAll() override;
 
 private:
+    /// Creates the window with the views of all tabs, centred on a screen. It is not shown yet.
     void makeWindow();
     void addTab(QWidget& view, const QString& label);
 
     const Ports& m_ports;
-    // Before the tabs, whose views leave it when they end.
-    std::unique_ptr<QWidget> m_window; // none before it is first shown
+    /// Null until the window is first shown. Declared before the tabs, so that it outlives their views, which
+    /// become its descendants.
+    std::unique_ptr<QWidget> m_window;
     QTabWidget* m_tabs = nullptr;
     TabContext m_context;
     LayoutsTab m_layouts;

@@ -21,6 +21,7 @@ namespace {
 constexpr int kRowHeight = 32;
 constexpr int kActions = static_cast<int>(ActionID::allCases.size());
 
+/// Returns the action at position `tag`. Throws `std::out_of_range` if there is none.
 ActionID actionAt(int tag) {
     return ActionID::allCases.at(static_cast<std::size_t>(tag));
 }
@@ -41,7 +42,7 @@ ShortcutsTab::ShortcutsTab(const TabContext& context) : m_context(context) {
     auto* const scrollView = new QScrollArea(&m_view);
     setBezeled(*scrollView, {16, 84, 740, 340});
     scrollView->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scrollView->setFocusPolicy(Qt::NoFocus); // it follows the focus of its rows
+    scrollView->setFocusPolicy(Qt::NoFocus); // its buttons have the focus, and it scrolls to them
     auto* const document = new FlippedView;
     document->resize(720, kRowHeight * kActions + 10);
     for (int tag = 0; tag < kActions; ++tag)
@@ -64,6 +65,7 @@ void ShortcutsTab::addRow(QWidget& document, int tag) {
 
     QPushButton* const clear =
         makeButton(document, "Clear", {540, top - 1, 64, 28}, [this, tag] { clearTapped(tag); });
+    // The visible titles of all these buttons are equal.
     clear->setAccessibleName(QStringLiteral("Clear ") + title);
 }
 

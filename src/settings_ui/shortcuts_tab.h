@@ -8,28 +8,32 @@
 
 namespace tessarel {
 
-/// The hot keys of all actions, each of which can be recorded anew and cleared.
+/// The "Shortcuts" tab: the user records, clears or resets the hot keys of all actions.
 class ShortcutsTab {
 public:
+    /// Builds a row for each action. Everything that `context` refers to must outlive the tab.
     explicit ShortcutsTab(const TabContext& context);
     ShortcutsTab(const ShortcutsTab&) = delete;
     ShortcutsTab& operator=(const ShortcutsTab&) = delete;
 
+    /// Returns the tab's view, which the tab owns.
     [[nodiscard]] QWidget* view() { return &m_view; }
 
-    /// Shows the present hot keys; a recorder that waits for keys goes on doing so.
+    /// Shows the current hot keys. A recording continues.
     void refresh();
 
-    /// Takes the hot key from the action at position `tag`; a tag that no action has does nothing.
+    /// Unbinds the action at position `tag`, counted from 0 as in the list of all actions, and saves. Does
+    /// nothing if there is no such action.
     void clearTapped(int tag);
 
 private:
     void addRow(QWidget& document, int tag);
+    /// Restores the default hot keys of all actions.
     void resetAll();
 
     TabContext m_context;
     FlippedView m_view;
-    std::vector<RecorderButton*> m_recorders; ///< one per action, in their order; part of the view
+    std::vector<RecorderButton*> m_recorders; ///< one per action, in their order; owned by the view
 };
 
 } // namespace tessarel

@@ -7,12 +7,14 @@
 
 namespace tessarel {
 
-/// What each tab of the settings window works with. A tab is a class with a constructor that takes this, a
-/// `QWidget* view()` of 780 x 480 that stays its own, and a `refresh()` that shows the present settings.
+/// What the tabs of the settings window work with.
+///
+/// A tab is a class whose constructor takes a context. It has a `QWidget* view()` of the size `kTabSize`,
+/// which the tab owns, and, if it shows settings, a `refresh()` that shows the current ones.
 struct TabContext {
     Services& services;
     const Ports& ports;
-    /// Shows the present settings in every tab.
+    /// Shows the current settings in every tab.
     std::function<void()> refreshAll;
 };
 

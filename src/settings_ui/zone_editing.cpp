@@ -19,7 +19,7 @@ bool isNear(double edge, double pointer) {
     return std::abs(pointer - edge) <= kGrabDistance;
 }
 
-/// Of two edges that are both near, the nearer one, and the first of equally near ones.
+/// If both edges are near the pointer, keeps only the nearer one; the first one if they are equally near.
 void keepNearer(bool& first, bool& second, double toFirst, double toSecond) {
     if (!first || !second)
         return;
@@ -31,14 +31,15 @@ bool isFinite(const Zone& zone) {
     return std::isfinite(zone.x) && std::isfinite(zone.y) && std::isfinite(zone.w) && std::isfinite(zone.h);
 }
 
-/// To two decimals, halves away from zero. What is too large for decimals stays as it is.
+/// Returns `value` rounded to two decimals, halves away from zero. A value that is too large to have decimals
+/// is returned unchanged.
 double rounded(double value) {
     const double hundredths = value * 100;
     return std::isfinite(hundredths) ? std::round(hundredths) / 100 : value;
 }
 
-/// Start of an extent that begins at `start`, drawn by its start or by its end, whichever needs the smaller
-/// move; the start when both need the same.
+/// Snaps an extent by its start or by its end, whichever moves it less, and returns the new start. The start
+/// decides if both move it equally.
 double snappedStart(const ZoneSnap& snap, double start, double size, Axis axis) {
     const double byStart = snap.snap(start, axis);
     const double byEnd = snap.snap(start + size, axis) - size;
@@ -51,7 +52,8 @@ struct Extent {
     double end;
 };
 
-/// The start gives way to the end before the end gives way to the start.
+/// Limits an extent to 0 to 100 percent and to the minimum size, which takes precedence: an end that is
+/// dragged beyond the start pushes it along, if necessary below 0.
 Extent limited(Extent extent) {
     extent.start = std::min(std::max(extent.start, 0.0), extent.end - kMinimumSize);
     extent.end = std::max(std::min(extent.end, 100.0), extent.start + kMinimumSize);
@@ -81,6 +83,7 @@ ZoneEdges ZoneEditing::edgesAt(const Point& point, const Size& bounds) const {
     if (!zone)
         return {};
     const Rect area = rect(*zone, bounds);
+    // Edges can also be grabbed from outside of the zone.
     const bool isBeside = point.y >= area.minY() - kGrabDistance && point.y <= area.maxY() + kGrabDistance;
     const bool isAbove = point.x >= area.minX() - kGrabDistance && point.x <= area.maxX() + kGrabDistance;
     ZoneEdges edges{.left = isBeside && isNear(area.minX(), point.x),
@@ -128,6 +131,7 @@ bool ZoneEditing::press(const Point& point, const Size& bounds) {
 }
 
 bool ZoneEditing::drag(const Point& point, const Size& bounds, Snapping snapping) {
+    // Always starts from the zone at the time of the press, so that rounding and snapping do not add up.
     const auto index = selectedIndex();
     if (!index || !(bounds.width > 0) || !(bounds.height > 0) || m_grip.mode == Mode::None)
         return false;
@@ -151,7 +155,7 @@ Zone ZoneEditing::moved(double dx, double dy, Snapping snapping) const {
         zone.x = snappedStart(snap, zone.x, zone.w, Axis::Horizontal);
         zone.y = snappedStart(snap, zone.y, zone.h, Axis::Vertical);
     }
-    // A zone that is larger than the screen ends where the screen ends.
+    // A zone that is larger than the screen is aligned with the right or bottom edge.
     zone.x = std::min(std::max(zone.x, 0.0), 100 - zone.w);
     zone.y = std::min(std::max(zone.y, 0.0), 100 - zone.h);
     return zone;

@@ -19,16 +19,18 @@ namespace tessarel {
 
 namespace {
 
+// Lengths are in device-independent pixels.
 constexpr double kInset = 1;
 constexpr double kZoneCornerRadius = 6;
 constexpr int kNumberSize = 22;
 constexpr double kNumberAlpha = 0.8;
 constexpr QPointF kNumberOffset(10, 6);
-constexpr QSizeF kNumberExtent(40, 45); // more than any digit takes, from the corner of its zone
+constexpr QSizeF kNumberExtent(40, 45); // from the corner of the zone; any digit fits into it
 constexpr double kHandleSize = 8;
 constexpr double kHandleStroke = 1.5;
-constexpr double kHandleReach = 6; // with its stroke and its way to whole pixels
-/// In shares of the zone: its corners and the middles of its edges.
+/// How far a handle reaches beyond its zone, with its stroke and its alignment with whole pixels.
+constexpr double kHandleReach = 6;
+/// Corners and centres of the edges, in shares of the size of the zone.
 constexpr std::array<QPointF, 8> kHandlePlaces = {QPointF(0, 0),   QPointF(0.5, 0), QPointF(1, 0),
                                                   QPointF(0, 0.5), QPointF(1, 0.5), QPointF(0, 1),
                                                   QPointF(0.5, 1), QPointF(1, 1)};
@@ -37,9 +39,10 @@ constexpr double kGuideAlpha = 0.6;
 constexpr double kDash = 3;
 constexpr std::array<double, 5> kVerticalGuides = {0.25, 1.0 / 3, 0.5, 2.0 / 3, 0.75};
 constexpr std::array<double, 3> kHorizontalGuides = {0.25, 0.5, 0.75};
-/// How far outside the view edges may lie before they are painted nearer; nothing of them is seen either way.
+/// Coordinates further outside the view than this are moved to this distance, which the user cannot see.
 constexpr double kOutside = 100;
 
+/// Appearance of a zone.
 struct Look {
     double fillAlpha;
     double strokeAlpha;
@@ -67,8 +70,8 @@ QRectF fromEdges(double left, double top, double right, double bottom) {
     return {QPointF(left, top), QPointF(right, bottom)};
 }
 
-/// The outline of `rect` on whole pixels, so that all edges of one width look alike. An edge midway between
-/// two pixels goes inwards, on every side.
+/// Returns the outline of `rect` on whole pixels, so that all edges of one width look alike. An edge midway
+/// between two pixels moves inwards, on every side.
 QRectF onPixels(const PixelGrid& grid, const QRectF& rect, double stroke) {
     constexpr double kHardlyInwards = 1e-3;
     return fromEdges(grid.lineX(rect.left(), stroke), grid.lineY(rect.top(), stroke),
@@ -76,7 +79,8 @@ QRectF onPixels(const PixelGrid& grid, const QRectF& rect, double stroke) {
                      grid.lineY(rect.bottom() - kHardlyInwards, stroke));
 }
 
-/// `rect` without what is far outside a view of `size`: painters do not reckon with numbers of any size.
+/// Limits the edges of `rect` to the surroundings of a view of `size`, because QPainter cannot handle very
+/// large coordinates.
 QRectF withinReach(const QRectF& rect, const QSizeF& size) {
     const double right = size.width() + kOutside;
     const double bottom = size.height() + kOutside;
@@ -123,6 +127,7 @@ QRectF ZoneEditorPicture::extent(const Zone& zone) const {
     if (!isFinite(area))
         return {};
     const QRectF within = withinReach(area, size);
+    // The number may be larger than a small zone.
     return within.adjusted(-kHandleReach, -kHandleReach, kHandleReach, kHandleReach)
         .united(QRectF(within.topLeft(), kNumberExtent));
 }
@@ -141,7 +146,7 @@ void ZoneEditorPicture::drawScreen(QPainter& painter, const QRectF& dirty) const
         lines.append({0, y, size.width(), y});
     }
     QPen pen(withAlpha(separatorColor(palette), kGuideAlpha), kGuideWidth, Qt::SolidLine, Qt::FlatCap);
-    pen.setDashPattern({kDash / kGuideWidth, kDash / kGuideWidth}); // in widths of the pen
+    pen.setDashPattern({kDash / kGuideWidth, kDash / kGuideWidth}); // Qt's unit is the width of the pen
     painter.setPen(pen);
     painter.drawLines(lines);
 }
@@ -170,6 +175,7 @@ void ZoneEditorPicture::drawNumber(QPainter& painter, std::size_t index) const {
     const QPointF corner = withinReach(inset(index), size).topLeft() + kNumberOffset;
     painter.setFont(font);
     painter.setPen(withAlpha(labelColor(palette), kNumberAlpha));
+    // drawText() takes the position of the baseline.
     painter.drawText(corner + QPointF(0, QFontMetricsF(font).ascent()), QString::number(index + 1));
 }
 
@@ -212,7 +218,7 @@ QRectF ZoneEditorPicture::frame(const PixelGrid& grid) const {
 
 void ZoneEditorPicture::drawFrame(QPainter& painter) const {
     const PixelGrid grid(painter.deviceTransform());
-    painter.setRenderHint(QPainter::Antialiasing, false); // it is on whole pixels, also at its corners
+    painter.setRenderHint(QPainter::Antialiasing, false); // the line covers whole pixels, even in the corners
     painter.setPen(
         QPen(separatorColor(palette), grid.wholeWidth(1), Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter.setBrush(Qt::NoBrush);

@@ -17,39 +17,44 @@ namespace tessarel {
 
 class PixelGrid;
 
-/// What the zone editor shows: the screen with its guides, the enabled zones with their numbers, the handles
-/// of the selected one. Units are points of the view, from its top-left corner.
+/// The picture of the zone editor: the screen with its guides, the enabled zones with their numbers, and the
+/// handles of the selected zone. Units are device-independent pixels from the top-left corner of the view, y
+/// down.
 struct ZoneEditorPicture {
     const std::vector<Zone>& zones;
-    int selected; ///< position of the selected zone; none shows as selected when it is beyond the list
-    QSizeF size;
+    int selected; ///< position of the selected zone; no zone is selected if it is not in the list
+    QSizeF size;  ///< size of the view
     const QPalette& palette;
 
-    /// Paints all that reaches into `dirty`. A zone whose numbers are not finite cannot be painted.
+    /// Paints at least everything that reaches into `dirty`. Skips zones whose numbers are not finite.
     void draw(QPainter& painter, const QRectF& dirty) const;
 
-    /// All that `zone` paints upon, whether it is selected or not; empty for a zone that cannot be painted.
+    /// Returns the area that `zone` paints on, including the handles that it has while it is selected. Empty
+    /// if its numbers are not finite.
     [[nodiscard]] QRectF extent(const Zone& zone) const;
 
 private:
-    // The layers, from below.
+    // The layers, from the bottom to the top.
     void drawScreen(QPainter& painter, const QRectF& dirty) const;
     void drawZones(QPainter& painter, const QRectF& dirty) const;
     void drawHandles(QPainter& painter, const QRectF& dirty) const;
     void drawFrame(QPainter& painter) const;
 
-    /// The position of the selected zone, if it can be seen.
+    /// Returns the position of the selected zone if it is enabled and its numbers are finite.
     [[nodiscard]] std::optional<std::size_t> selectedZone() const;
-    /// The middle of the line around a zone, on whole pixels; none when it has no room for it.
+    /// Returns the centre of the line around a zone, aligned with whole pixels. `std::nullopt` if the zone is
+    /// disabled, too small or not finite.
     [[nodiscard]] std::optional<QRectF> outline(std::size_t index, const PixelGrid& grid) const;
     void drawOutline(QPainter& painter, std::size_t index, const QRectF& outline) const;
     void drawNumber(QPainter& painter, std::size_t index) const;
-    /// The middles of the lines around the handles, on whole pixels.
+    /// Returns the centres of the lines around the handles, aligned with whole pixels. Handles far outside of
+    /// the view are left out.
     [[nodiscard]] QList<QRectF> handles(const PixelGrid& grid) const;
     void drawHandle(QPainter& painter, const QRectF& handle) const;
-    /// The middle of the line around the view, on whole pixels.
+    /// Returns the centre of the line around the view, aligned with whole pixels.
     [[nodiscard]] QRectF frame(const PixelGrid& grid) const;
     [[nodiscard]] QRectF rect(const Zone& zone) const;
+    /// Returns the rectangle of a zone without `kInset` on each side, which keeps neighbouring zones apart.
     [[nodiscard]] QRectF inset(std::size_t index) const;
 };
 

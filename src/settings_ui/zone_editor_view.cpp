@@ -22,6 +22,7 @@ Point pointOf(const QMouseEvent& event) {
     return {event.position().x(), event.position().y()};
 }
 
+/// Returns the cursor for resizing by `edges`, at least one of which must be set.
 Qt::CursorShape cursorFor(const ZoneEdges& edges) {
     if (!edges.top && !edges.bottom)
         return Qt::SizeHorCursor;
@@ -30,12 +31,14 @@ Qt::CursorShape cursorFor(const ZoneEdges& edges) {
     return edges.left == edges.top ? Qt::SizeFDiagCursor : Qt::SizeBDiagCursor;
 }
 
-/// To a screen reader a bare widget is empty space; this one is a picture.
+/// Makes a zone editor a picture for screen readers, which would take a bare widget for empty space. Returns
+/// null for all other objects; Qt then uses its own factories.
 QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* object) {
     auto* const view = dynamic_cast<ZoneEditorView*>(object);
     return view ? new QAccessibleWidget(view, QAccessible::Graphic) : nullptr;
 }
 
+/// Calls `callback` unless it is empty.
 template <class... Arguments>
 void call(const std::function<void(Arguments...)>& callback, Arguments... arguments) {
     if (callback)
@@ -47,10 +50,9 @@ void call(const std::function<void(Arguments...)>& callback, Arguments... argume
 ZoneEditorView::ZoneEditorView(AppSettings& settings, QWidget* parent)
     : QWidget(parent), m_settings(settings), m_editing(settings) {
     setFocusPolicy(Qt::StrongFocus);
-    setMouseTracking(true); // for the shape of the pointer
+    setMouseTracking(true); // the cursor changes while no button is pressed, too
     setAttribute(Qt::WA_OpaquePaintEvent);
-    QAccessible::installFactory(
-        makeAccessible); // once for all views, and before this one is first asked about
+    QAccessible::installFactory(makeAccessible); // Qt ignores a factory that is installed already
     setAccessibleName(QStringLiteral("Zones"));
 }
 
@@ -77,7 +79,7 @@ void ZoneEditorView::mousePressEvent(QMouseEvent* event) {
 
 void ZoneEditorView::mouseMoveEvent(QMouseEvent* event) {
     if (!event->buttons().testFlag(Qt::LeftButton))
-        letGo(); // the release has been lost
+        letGo(); // the release was lost
     if (m_editing.grip().mode == Mode::None)
         return showGrip(m_editing.gripAt(pointOf(*event), bounds()));
     dragTo(pointOf(*event), event->modifiers().testFlag(Qt::ShiftModifier) ? Snapping::Off : Snapping::On);
@@ -85,6 +87,7 @@ void ZoneEditorView::mouseMoveEvent(QMouseEvent* event) {
 
 void ZoneEditorView::dragTo(const Point& point, Snapping snapping) {
     const Zone* const zone = m_editing.selectedZone();
+    // Only the old and the new area of the zone are repainted.
     const QRectF before = zone ? picture().extent(*zone) : QRectF();
     if (!m_editing.drag(point, bounds(), snapping))
         return;
@@ -105,7 +108,7 @@ void ZoneEditorView::letGo() {
 }
 
 void ZoneEditorView::hideEvent(QHideEvent* event) {
-    letGo(); // no release will come
+    letGo(); // a hidden view gets no release
     QWidget::hideEvent(event);
 }
 
@@ -124,6 +127,7 @@ void ZoneEditorView::disableSelected() {
 }
 
 void ZoneEditorView::showGrip(const ZoneEditing::Grip& grip) {
+    // The open hand shows that a zone can be moved, the closed one that it is being moved.
     if (grip.mode == Mode::Resize)
         return setCursor(cursorFor(grip.edges));
     if (grip.mode == Mode::None)
@@ -131,6 +135,7 @@ void ZoneEditorView::showGrip(const ZoneEditing::Grip& grip) {
     setCursor(m_editing.grip().mode == Mode::Move ? Qt::ClosedHandCursor : Qt::OpenHandCursor);
 }
 
+/// Shows the focus only after Tab or Shift+Tab: a click shows by itself where the focus is.
 void ZoneEditorView::focusInEvent(QFocusEvent* event) {
     const Qt::FocusReason reason = event->reason();
     showKeyboardFocus(reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason);
@@ -150,6 +155,7 @@ void ZoneEditorView::paintEvent(QPaintEvent* event) {
     picture().draw(painter, QRectF(event->rect()));
     if (!m_showsKeyboardFocus)
         return;
+    // The focus ring, 2 device-independent pixels wide, lies completely inside of the view.
     painter.setPen(QPen(controlAccentColor(palette()), 2, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
     painter.setBrush(Qt::NoBrush);
     painter.drawRect(QRectF(rect()).adjusted(1, 1, -1, -1));

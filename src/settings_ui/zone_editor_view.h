@@ -10,21 +10,28 @@
 
 namespace tessarel {
 
-/// The picture of a screen in which the user selects, moves, resizes and disables zones.
+/// A picture of the screen in which the user selects, moves, resizes and disables zones.
 ///
-/// It edits the zones of the settings in memory and never saves; its owner does, and redraws it by `update()`
-/// after it has changed zones itself.
+/// The view edits the zones of the settings in memory and never saves. Its owner saves them, and calls
+/// `update()` after changing zones itself.
 class ZoneEditorView : public QWidget {
 public:
     /// `settings` must outlive the view.
     explicit ZoneEditorView(AppSettings& settings, QWidget* parent = nullptr);
 
-    std::function<void(int)> onSelect; ///< another zone is selected, or the selected one disabled
-    std::function<void()> onEdit;      ///< a zone has changed, the mouse still being down
-    std::function<void()> onCommit;    ///< an edit is finished; also a click that moved nothing
+    // Callbacks; each of them may be empty.
 
-    /// Position in the list of zones; any number is allowed.
+    /// Called with the position of the selected zone after another zone has been selected, or the selected
+    /// one has been disabled.
+    std::function<void(int)> onSelect;
+    /// Called after each change of a zone during a drag.
+    std::function<void()> onEdit;
+    /// Called after the end of a drag, even if nothing has moved, and after a zone has been disabled.
+    std::function<void()> onCommit;
+
+    /// Returns the position of the selected zone, which need not be in the list.
     [[nodiscard]] int selected() const { return m_editing.selected; }
+    /// Selects a zone without calling `onSelect`.
     void setSelected(int selected);
 
 protected:
@@ -38,9 +45,12 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    /// Applies the drag up to `point` and repaints the zone.
     void dragTo(const Point& point, ZoneEditing::Snapping snapping);
+    /// Ends the drag, if there is one.
     void letGo();
     void disableSelected();
+    /// Shows the cursor for what a press would do, or for the drag in progress.
     void showGrip(const ZoneEditing::Grip& grip);
     void showKeyboardFocus(bool shows);
     [[nodiscard]] Size bounds() const { return {double(width()), double(height())}; }

@@ -26,6 +26,7 @@ ZoneFields::ZoneFields(QWidget& parent) {
 }
 
 void ZoneFields::add(QWidget& parent, int index, const QString& title) {
+    // Two rows: X and Y above W and H.
     const int left = index % 2 == 0 ? 540 : 658;
     const int top = 176 + 34 * (index / 2);
     auto* const label = makeLabel(parent, title, {left, top + 3, 16, 18});
@@ -39,7 +40,7 @@ void ZoneFields::add(QWidget& parent, int index, const QString& title) {
     QObject::connect(field, &QLineEdit::editingFinished, field, [this, field] { end(*field); });
 }
 
-/// Also leaving an unchanged field ends its editing, which is nobody's business.
+/// Calls `onEnd` if the user has changed the field; Qt also reports the end of editing for unchanged fields.
 void ZoneFields::end(QLineEdit& field) {
     if (!field.isModified())
         return;
@@ -50,13 +51,14 @@ void ZoneFields::end(QLineEdit& field) {
 void ZoneFields::show(const Zone& zone) {
     for (std::size_t i = 0; i < m_fields.size(); ++i) {
         QLineEdit& field = *m_fields[i];
-        if (!field.isModified())
+        if (!field.isModified()) // setText() would replace what the user is typing
             field.setText(fmtNum(zone.*kNumbers[i]));
         field.setEnabled(zone.enabled);
     }
 }
 
 std::optional<double> ZoneFields::number(const QString& text) {
+    // The C locale, because fmtNum() formats numbers in it, too.
     bool whole = false;
     const double value =
         QLocale::c().toDouble(text.trimmed().replace(QLatin1Char(','), QLatin1Char('.')), &whole);
@@ -70,6 +72,7 @@ Zone ZoneFields::typed(const Zone& current) const {
             zone.*kNumbers[i] = std::clamp(*value, 0.0, 100.0);
     zone.w = std::max(zone.w, kSmallest);
     zone.h = std::max(zone.h, kSmallest);
+    // The position takes precedence: the zone becomes smaller where it would leave the screen.
     zone.w = std::min(zone.w, 100 - zone.x);
     zone.h = std::min(zone.h, 100 - zone.y);
     return zone;

@@ -14,24 +14,29 @@ class QLineEdit;
 
 namespace tessarel {
 
-/// The four numbers of a zone to be typed: X, Y, W and H in percent.
+/// Four text fields for the numbers of a zone: X, Y, W and H in percent.
 class ZoneFields {
 public:
-    /// The fields stand on `parent`, which owns them.
+    /// Creates the fields on `parent`, which owns them.
     explicit ZoneFields(QWidget& parent);
 
-    std::function<void()> onType; ///< after each change by the user
-    std::function<void()> onEnd;  ///< when the user is done with a field that has been changed
+    // Both callbacks must be set before the user can type.
 
-    /// Shows the numbers of `zone`, which can be changed if it is enabled. A field that the user is changing
-    /// keeps its text.
+    /// Called after each change by the user.
+    std::function<void()> onType;
+    /// Called when the user presses Return in a changed field or leaves it.
+    std::function<void()> onEnd;
+
+    /// Shows the numbers of `zone` and enables the fields if the zone is enabled. A field that the user is
+    /// editing keeps its text.
     void show(const Zone& zone);
 
-    /// `current` with the numbers that have been typed, within 0 to 100 and within the screen, at least 1
-    /// wide and high; a text that is no number leaves the number as it is.
+    /// Returns `current` with the typed numbers, limited to 0 to 100 and to the screen. Width and height are
+    /// at least 1, unless the position leaves less room. Text that is not a number does not change anything.
     [[nodiscard]] Zone typed(const Zone& current) const;
 
-    /// The number that a text stands for; a decimal comma is accepted.
+    /// Parses a finite number with a decimal point or a decimal comma. Returns `std::nullopt` for other
+    /// texts.
     [[nodiscard]] static std::optional<double> number(const QString& text);
 
 private:

@@ -10,10 +10,11 @@ namespace tessarel {
 
 namespace {
 
+// In percent of the screen.
 constexpr double kReach = 1.6;
 constexpr std::array<double, 7> kGuides = {0, 25, 100.0 / 3, 50, 200.0 / 3, 75, 100};
 
-/// Keeps the nearest of the places it is shown; of equally near ones, the first.
+/// Finds the place nearest to a value; the first one of equally near places. Ignores NaN.
 class Nearest {
 public:
     explicit Nearest(double value) : m_value(value) {}
@@ -52,10 +53,10 @@ double ZoneSnap::snap(double value, Axis axis) const {
 
 double ZoneSnap::onGrid(double value) const {
     const double step = m_settings.gridStep;
-    if (!(step > 0))
+    if (!(step > 0)) // 0 is off; also rejects NaN
         return value;
     const double rounded = step * std::round(value / step);
-    return std::isfinite(rounded) ? rounded : value; // a step too small or too large to reckon with
+    return std::isfinite(rounded) ? rounded : value; // an extreme step may overflow
 }
 
 } // namespace tessarel

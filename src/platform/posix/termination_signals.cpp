@@ -9,11 +9,14 @@ namespace tessarel::qt {
 
 namespace {
 
-volatile std::sig_atomic_t wakeUpPipe = -1; // all that a handler can reach
+/// Write end of the pipe. Global, because a signal handler receives no context.
+volatile std::sig_atomic_t wakeUpPipe = -1;
 
+/// The signal handler. Calls only functions that are safe in one, and preserves `errno` of the code that it
+/// interrupts.
 void wakeUp(int) {
     const int errorBefore = errno;
-    // A full pipe wakes the main thread as well as one more byte.
+    // Writing to a full pipe fails, which is harmless: its bytes wake the main thread anyway.
     [[maybe_unused]] const auto written = ::write(wakeUpPipe, "", 1);
     errno = errorBefore;
 }
@@ -25,8 +28,8 @@ void setHandler(int signal, void (*handler)(int)) {
     ::sigaction(signal, &action, nullptr);
 }
 
-/// Opens a pipe of which neither end blocks or is passed on to other programs. pipe2() would do that in one
-/// call, but not every system has it; no other thread starts a program meanwhile.
+/// Opens a pipe whose ends do not block and are not inherited by other programs. pipe2() would do that in one
+/// call, but macOS does not have it; no other thread can start a program in between.
 bool openPipe(std::array<int, 2>& ends) {
     if (::pipe(ends.data()) != 0)
         return false;
@@ -37,6 +40,7 @@ bool openPipe(std::array<int, 2>& ends) {
     return true;
 }
 
+/// Returns whether `signal` is ignored, which the parent process decides: nohup does it with SIGHUP.
 bool isIgnored(int signal) {
     struct sigaction present {};
     return ::sigaction(signal, nullptr, &present) == 0 && present.sa_handler == SIG_IGN;
@@ -46,7 +50,7 @@ bool isIgnored(int signal) {
 
 TerminationSignals::TerminationSignals() {
     if (!openPipe(m_pipe))
-        return; // the signals keep their usual effect
+        return; // the signals keep their default effect
     wakeUpPipe = m_pipe[1];
     for (const int signal : kSignals) {
         if (!isIgnored(signal))

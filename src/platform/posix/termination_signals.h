@@ -9,27 +9,28 @@
 
 namespace tessarel::qt {
 
-/// The signals that ask a program to end: SIGTERM, SIGINT and SIGHUP, as work for the main thread.
+/// Delivers SIGTERM, SIGINT and SIGHUP, which ask the program to end, to the main thread.
 ///
-/// A signal that comes before anybody listens is not lost. One that the parent process has set to be ignored
-/// stays ignored. There is at most one object of this class; programs that are started have the signals as
-/// usual.
+/// A signal that arrives before `onReceived` is called is not lost. A signal that the parent process has set
+/// to be ignored stays ignored. At most one object of this class may exist at a time. Programs that this one
+/// starts get the default effect of the signals.
 class TerminationSignals {
 public:
+    /// Installs the signal handlers. If that fails, the signals keep their default effect.
     TerminationSignals();
     TerminationSignals(const TerminationSignals&) = delete;
     TerminationSignals& operator=(const TerminationSignals&) = delete;
-    /// Gives the signals back their usual effect.
+    /// Restores the default effect of the signals.
     ~TerminationSignals();
 
-    /// Calls `received` on the main thread after one or more signals, until the answer ends. Needs the
-    /// application object.
+    /// Calls `received` on the main thread after one or more signals, until the returned subscription is
+    /// destroyed. Returns null if the handlers could not be installed. Requires the application object.
     [[nodiscard]] SubscriptionPtr onReceived(QtMainQueue& queue, std::function<void()> received);
 
 private:
     static constexpr std::array kSignals = {SIGTERM, SIGINT, SIGHUP};
 
-    std::array<int, 2> m_pipe{-1, -1}; // to read from, to write to
+    std::array<int, 2> m_pipe{-1, -1}; ///< read end and write end; -1 if it could not be opened
 };
 
 } // namespace tessarel::qt

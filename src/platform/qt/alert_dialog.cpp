@@ -21,27 +21,32 @@ namespace tessarel::qt {
 
 namespace {
 
+// Sizes are in Qt's device-independent pixels.
 constexpr int kTextWidth = 420;
 constexpr QSize kFieldSize(260, 24);
 constexpr int kMargin = 20;
 constexpr int kSpacing = 12;
-constexpr int kButtonPadding = 16;            // beside a title, beyond the style's
-constexpr double kLargestShareOfScreen = 0.5; // for the part that scrolls
-// More than anyone reads, and less than takes time to lay out.
+/// Added to the width that the style gives a button.
+constexpr int kButtonPadding = 16;
+/// A taller informative text scrolls. Share of the screen's available height.
+constexpr double kLargestShareOfScreen = 0.5;
+// Lengths in UTF-16 code units. Longer texts are cut, because laying them out would delay the dialog.
 constexpr qsizetype kLongestMessage = 200;
 constexpr qsizetype kLongestInformation = 10'000;
 
+/// Returns `text` if it has at most `longest` code units, otherwise its beginning with an ellipsis.
 QString plainText(const std::string& text, qsizetype longest) {
     const QString whole = QString::fromStdString(text);
     return whole.size() <= longest ? whole : whole.left(longest - 1) + QChar(0x2026);
 }
 
-/// A single '&' would underline the next letter instead of showing itself.
+/// Returns `text` with every '&' doubled: Qt takes a single one for the mark of a mnemonic and hides it.
 QString buttonText(const std::string& text) {
     return QString::fromStdString(text).replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
-/// A text without spaces would else widen the dialog beyond every screen.
+/// Inserts zero-width spaces into words of 40 or more characters. Qt does not break words, and one that is
+/// wider than its label would be cut off at the edge.
 QString breakable(QString text) {
     constexpr qsizetype kLongestWord = 40;
     qsizetype word = 0;
@@ -49,7 +54,7 @@ QString breakable(QString text) {
         word = text.at(at).isSpace() ? 0 : word + 1;
         if (word < kLongestWord)
             continue;
-        text.insert(at + 1, QChar(QChar::SpecialCharacter(0x200b))); // a place to break, without a width
+        text.insert(at + 1, QChar(QChar::SpecialCharacter(0x200b))); // zero-width space
         word = 0;
     }
     return text;
@@ -57,7 +62,7 @@ QString breakable(QString text) {
 
 QLabel* makeText(QDialog& dialog, const QString& text) {
     auto* const label = new QLabel(&dialog);
-    label->setTextFormat(Qt::PlainText); // before the text is looked at
+    label->setTextFormat(Qt::PlainText); // before setText(), which would look for markup in the text
     label->setText(breakable(text));
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
@@ -87,9 +92,9 @@ void AlertDialog::addButtons(const Alert& alert) {
         auto* const button = new QPushButton(buttonText(title), this);
         button->setMinimumWidth(button->sizeHint().width() + kButtonPadding);
         m_buttons.append(button);
-        connect(button, &QPushButton::clicked, this, [this, result = static_cast<int>(m_buttons.size())] {
-            done(result);
-        }); // from 1: 0 is Rejected
+        // Results count from 1, because 0 is QDialog::Rejected.
+        connect(button, &QPushButton::clicked, this,
+                [this, result = static_cast<int>(m_buttons.size())] { done(result); });
     }
     m_buttons.first()->setDefault(true);
     m_buttons.first()->setFocus();
@@ -117,7 +122,8 @@ void AlertDialog::layOut() {
     column->addLayout(row);
 }
 
-/// As high as its text where there is room for it, else with a scroll bar.
+/// Returns a scroll area that is as tall as the text of `label`, or half the available height of the screen,
+/// with a vertical scroll bar, if the text is taller.
 QWidget* AlertDialog::scrolled(QLabel& label) const {
     auto* const area = new QScrollArea;
     area->setFrameShape(QFrame::NoFrame);
@@ -128,6 +134,7 @@ QWidget* AlertDialog::scrolled(QLabel& label) const {
     const int whole = label.heightForWidth(kTextWidth);
     const int bar = whole > limit ? area->verticalScrollBar()->sizeHint().width() : 0;
     area->setFixedSize(kTextWidth + bar, std::min(whole, limit));
+    // The Tab key reaches the area only if there is something to scroll.
     area->setFocusPolicy(whole > limit ? Qt::StrongFocus : Qt::NoFocus);
     return area;
 }

@@ -16,23 +16,28 @@ class QVBoxLayout;
 
 namespace tessarel::qt {
 
-/// The window of an alert: its message, what informs about it, its buttons from left to right.
+/// The window of an alert: a bold message, an informative text, and a row of buttons of which the first is
+/// the default.
 ///
-/// However long the texts are, the dialog stays within its screen with all its buttons: the message ends in
-/// an ellipsis, the rest scrolls. Texts are plain.
+/// The dialog fits its screen however long the texts are: a long message ends in an ellipsis, and a tall
+/// informative text scrolls. All texts are shown literally, without markup or mnemonics.
 class AlertDialog : public QDialog {
 public:
+    /// Builds the dialog without showing it. An alert without buttons gets one titled "OK".
     explicit AlertDialog(const Alert& alert);
 
-    /// Adds a line to type into below the texts, with the keyboard. Return presses the first button.
+    /// Adds a one-line text field below the texts, gives it the keyboard focus and returns it. The dialog
+    /// owns the field. Return presses the first button.
     QLineEdit& addField();
 
-    /// Shows the dialog until it is closed: the position of the button, or of the one that closing it in
-    /// another way counts as. `shown` is called with it before its loop begins.
+    /// Shows the dialog and runs a nested event loop until it is closed. `shown` is called with the visible
+    /// dialog before the loop starts. Returns the position of the clicked button, from 0. If the dialog is
+    /// closed in another way, returns `Alert::dismissedAs` or, without it, the position of the last button.
     [[nodiscard]] std::size_t run(const std::function<void(QWidget&)>& shown);
 
     [[nodiscard]] const QLabel& message() const { return *m_message; }
     [[nodiscard]] const QLabel& information() const { return *m_information; }
+    /// Returns the buttons from left to right.
     [[nodiscard]] const QList<QPushButton*>& buttons() const { return m_buttons; }
 
 private:

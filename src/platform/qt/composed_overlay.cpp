@@ -10,6 +10,8 @@
 
 namespace tessarel::qt {
 
+/// An overlay window that creates its surface when it is shown and frees it when it has been hidden for
+/// `kQuietTime`.
 class ComposedOverlay::Window : public OverlayWindow {
 public:
     Window(MainQueuePort& queue, System system)
@@ -42,6 +44,7 @@ public:
         if (!m_surface || !m_surface->isVisible())
             return;
         m_surface->hide();
+        // Does nothing if the window has been shown again or destroyed in the meantime.
         m_queue.asyncAfter(kQuietTime, [self = m_self, showings = m_showings] {
             if (*self && (*self)->m_showings == showings)
                 (*self)->m_surface.reset();
@@ -60,9 +63,12 @@ private:
     System m_system;
     QRect m_frame;
     std::vector<OverlayFigure> m_figures;
-    std::unique_ptr<ComposedOverlayWidget> m_surface; // none before the first showing, or after a quiet time
+    /// Null before the window is first shown, and after the quiet time.
+    std::unique_ptr<ComposedOverlayWidget> m_surface;
     unsigned m_showings = 0;
-    std::shared_ptr<Window*> m_self; // shared with work on the queue, which may outlive us
+    /// Points to this window, or to null after its destruction. Queued work shares it, because it may run
+    /// later than that.
+    std::shared_ptr<Window*> m_self;
 };
 
 ComposedOverlay::ComposedOverlay(MainQueuePort& queue, System system)

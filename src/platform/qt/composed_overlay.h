@@ -13,29 +13,32 @@ class QWidget;
 
 namespace tessarel::qt {
 
-/// Overlay windows of Qt's for a system on which every window may be translucent and which counts in the same
-/// units as Qt does, however many pixels a display has for each. Needs the application object from the first
-/// time that a window is shown.
+/// Overlay windows made with Qt, for systems that compose all windows and whose desktop has the same units as
+/// Qt, whatever the pixel density of a display.
 ///
-/// The memory of what was shown is given back some time after a window has gone out.
+/// A window may be created before the `QApplication` but not shown before it. Some time after a window has
+/// been hidden, the memory of its surface is freed.
 class ComposedOverlay : public OverlayPort {
 public:
-    /// What the system knows and Qt does not.
+    /// Functions of the system that Qt does not offer.
     struct System {
-        /// Where a rectangle in screen coordinates is for Qt, y down.
+        /// Converts a rectangle from screen coordinates (y up) to Qt's, whose origin is the top-left corner
+        /// of the primary display, y down.
         std::function<Rect(const Rect& screenFrame)> place;
-        /// Gives a window, which has been made and not been shown, what Qt cannot give it.
+        /// Sets native properties of a window that has been created but not shown.
         std::function<void(QWidget& window)> prepare;
-        /// Puts a window that Qt has just shown, or shows already, in front of all others. Qt's own `raise`
-        /// is not used: on some systems it brings the whole program to the front.
+        /// Moves a visible window in front of all others. `QWidget::raise()` is not used, because on some
+        /// systems it brings the whole program to the front.
         std::function<void(QWidget& window)> orderFront;
-        /// The colour for zones, asked for whenever a window is shown.
+        /// Returns the accent colour. Called each time a hidden window is shown.
         std::function<QColor()> accent;
     };
 
+    /// How long a hidden window keeps its surface.
     static constexpr MainQueuePort::Duration kQuietTime = std::chrono::seconds(30);
 
-    /// `queue` and all that the functions use outlive the overlay and its windows.
+    /// `queue`, and everything that the functions of `system` refer to, must outlive the overlay and its
+    /// windows.
     ComposedOverlay(MainQueuePort& queue, System system);
 
     [[nodiscard]] std::unique_ptr<OverlayWindow> createWindow() override;

@@ -19,7 +19,8 @@ Rect magnified(const Rect& rect, double scale) {
     return {rect.x * scale, rect.y * scale, rect.width * scale, rect.height * scale};
 }
 
-/// The figure in pixels. The size of its text stays: that is magnified where it is painted.
+/// Converts `figure` from Qt's units to pixels. The font size stays in points, because `TranslucentFigures`
+/// scales it when it paints.
 OverlayFigure magnified(OverlayFigure figure, double scale) {
     figure.bounds = magnified(figure.bounds, scale);
     figure.shape = magnified(figure.shape, scale);
@@ -48,7 +49,8 @@ void ComposedOverlayWidget::setAccent(const QColor& accent) {
 
 void ComposedOverlayWidget::setFigures(const std::vector<OverlayFigure>& figures,
                                        const std::vector<Rect>& changed) {
-    QRegion region = extents(changed); // what was there
+    // Labels may reach beyond `changed`, in their old state as well as in the new one.
+    QRegion region = extents(changed);
     m_figures = figures;
     region += extents(changed);
     update(region);
@@ -57,6 +59,7 @@ void ComposedOverlayWidget::setFigures(const std::vector<OverlayFigure>& figures
 void ComposedOverlayWidget::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     const double scale = devicePixelRatioF();
+    // Paint in pixels, so that lines and letters are as sharp as the display allows.
     painter.scale(1 / scale, 1 / scale);
     for (const OverlayFigure& figure : m_figures) {
         if (event->region().intersects(extent(figure)))
@@ -64,13 +67,14 @@ void ComposedOverlayWidget::paintEvent(QPaintEvent* event) {
     }
 }
 
-/// All units that the figure touches.
+/// Returns the area that `figure` may paint on, in whole units of Qt's.
 QRect ComposedOverlayWidget::extent(const OverlayFigure& figure) {
     const double scale = devicePixelRatioF();
     return units(m_painted.extent(magnified(figure, scale), scale), scale);
 }
 
-/// The units of `areas`, and of labels that reach out of the figures there.
+/// Returns `areas` in whole units of Qt's, with the labels of all figures there, which may reach beyond
+/// their figures.
 QRegion ComposedOverlayWidget::extents(const std::vector<Rect>& areas) {
     QRegion region;
     for (const Rect& area : areas)

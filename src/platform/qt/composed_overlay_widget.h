@@ -11,16 +11,16 @@
 
 namespace tessarel::qt {
 
-/// A translucent window that figures are painted in: above all others, out of reach of mouse and keyboard.
-/// Its figures are in units of Qt's and painted as finely as the display can show them.
+/// A translucent window above all others that ignores the mouse and never takes the keyboard focus. Figures
+/// are given in Qt's units, from the top-left corner, and painted at the full resolution of the display.
 class ComposedOverlayWidget : public QWidget {
 public:
     ComposedOverlayWidget();
 
-    /// The colour of all figures that are painted from now on.
+    /// Sets the colour of all figures, and repaints them if it is a different one.
     void setAccent(const QColor& accent);
 
-    /// From now on shows `figures`; only those whose bounds touch `changed` are painted anew.
+    /// Replaces the figures and repaints only what `changed` covers, and the labels of figures that touch it.
     void setFigures(const std::vector<OverlayFigure>& figures, const std::vector<Rect>& changed);
 
 protected:

@@ -12,8 +12,10 @@ namespace tessarel::qt {
 
 namespace {
 
+/// Names of the AppKit operations that Qt's text fields support.
 constexpr std::array<std::string_view, 6> kEditing{"undo:", "redo:", "cut:", "copy:", "paste:", "selectAll:"};
 
+/// Returns Qt's key for a letter from 'a' to 'z'.
 int keyOf(char letter) {
     return Qt::Key_A + (letter - 'a');
 }
@@ -25,7 +27,7 @@ bool editInFocus(const MainMenuItem& row) {
         std::ranges::find(kEditing, row.action) == kEditing.end())
         return false;
     if (QWidget* const widget = QApplication::focusWidget()) {
-        Qt::KeyboardModifiers modifiers = Qt::ControlModifier; // what Qt calls Command on a Mac
+        Qt::KeyboardModifiers modifiers = Qt::ControlModifier; // Qt's name for Command on a Mac
         modifiers.setFlag(Qt::ShiftModifier, row.withShift);
         QKeyEvent press(QEvent::KeyPress, keyOf(row.key), modifiers);
         QApplication::sendEvent(widget, &press);

@@ -4,9 +4,11 @@
 
 namespace tessarel::qt {
 
-/// Gives the key of `row`, a row for editing in a menu that Qt has not made, to the widget with the keyboard
-/// focus, which has that key by itself. False, and nothing happens, for other rows and when no window of Qt's
-/// has the keyboard. What the widget makes of the key does not matter: the row has found its window.
+/// Sends the shortcut of `row`, an editing row of a menu that Qt did not build, to the widget with the
+/// keyboard focus: Qt's text fields handle these shortcuts themselves.
+///
+/// Returns false, and sends nothing, for any other row and when no Qt window has the focus. Otherwise returns
+/// true, even if the widget ignores the shortcut or no widget has the focus.
 [[nodiscard]] bool editInFocus(const MainMenuItem& row);
 
 } // namespace tessarel::qt

@@ -7,7 +7,7 @@ namespace tessarel::qt {
 
 namespace {
 
-/// Far beyond the 16 bits of the largest desktop, and safe to reckon with.
+/// Far beyond any desktop (X11 coordinates have 16 bits), and small enough for sums of two edges in an `int`.
 constexpr double kLimit = 1 << 20;
 
 int lower(double edge) {

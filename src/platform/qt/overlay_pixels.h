@@ -6,13 +6,16 @@
 
 namespace tessarel::qt {
 
-/// The whole pixels that `rect` touches. Edges beyond any desktop are cut off there; null has no pixels.
+/// Returns the smallest rectangle of whole pixels that covers `rect`; empty for the null rectangle. Edges are
+/// limited to +-2^20, far outside any desktop.
 [[nodiscard]] QRect pixels(const Rect& rect);
 
-/// The pixels of a rectangle of Qt's, all of them at least in part inside, at `scale` pixels per unit.
+/// Converts a rectangle from Qt's units to pixels, rounding outwards. `scale` is the number of pixels per
+/// unit.
 [[nodiscard]] QRect pixels(const QRect& rect, double scale);
 
-/// The units of Qt's that cover `pixels` at `scale` pixels per unit.
+/// Converts a rectangle from pixels to Qt's units, rounding outwards. `scale` is the number of pixels per
+/// unit.
 [[nodiscard]] QRect units(const QRect& pixels, double scale);
 
 } // namespace tessarel::qt

@@ -6,7 +6,8 @@
 
 namespace tessarel::qt {
 
-/// The system's font for `label`, at `scale` pixels per point.
+/// Returns the system font in the size and weight of `label`, at `scale` pixels per point and at least one
+/// pixel high.
 [[nodiscard]] QFont labelFont(const OverlayLabel& label, double scale);
 
 } // namespace tessarel::qt

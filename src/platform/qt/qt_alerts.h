@@ -11,20 +11,25 @@ class QWidget;
 
 namespace tessarel::qt {
 
-/// Messages in a box of Qt's.
+/// Modal alerts in Qt dialogs.
 class QtAlerts : public AlertsPort {
 public:
-    /// What is to be done beside showing a box.
+    /// Callbacks around the showing of a dialog.
     struct Hooks {
+        /// Called before the dialog's widgets are created.
         std::function<void()> beforeMaking = [] {};
-        std::function<void(QWidget& box)> shown = [](QWidget&) {}; ///< before its loop begins
+        /// Called with the visible dialog before its event loop starts.
+        std::function<void(QWidget& box)> shown = [](QWidget&) {};
     };
 
     QtAlerts() : QtAlerts(Hooks()) {}
     explicit QtAlerts(Hooks hooks);
 
-    /// Runs a loop of its own until the box is closed. An alert without buttons gets "OK", and answers 0.
+    /// Runs a nested event loop until the dialog is closed. An alert without buttons gets one titled "OK",
+    /// which returns 0.
     std::size_t runModal(const Alert& alert) override;
+    /// Runs a nested event loop until the dialog is closed. Returns the typed text if the first button was
+    /// clicked, otherwise `std::nullopt`.
     std::optional<std::string> runModalForText(const Alert& alert) override;
 
 private:

@@ -19,13 +19,14 @@ namespace {
 using TimePoint = MainQueuePort::TimePoint;
 using Duration = MainQueuePort::Duration;
 
-/// The moment `delay` after `start`, or the end of the clock.
+/// Returns `start + delay`, limited to the end of the clock. A negative delay counts as zero.
 TimePoint later(TimePoint start, Duration delay) {
     const Duration left = TimePoint::max() - start;
     return start + std::clamp(delay, Duration::zero(), left);
 }
 
-/// The wait in the milliseconds of Qt's timers, rounded up: work is never early.
+/// Converts `wait` to the milliseconds of Qt's timers, rounded up so that work never runs early. A wait that
+/// is too long for a timer gives the longest interval; the timer is then started again.
 int timerInterval(Duration wait) {
     using std::chrono::ceil;
     using std::chrono::milliseconds;
@@ -33,6 +34,7 @@ int timerInterval(Duration wait) {
     return static_cast<int>(std::clamp(ceil<milliseconds>(wait), milliseconds::zero(), kLongest).count());
 }
 
+/// Calls a function while a file descriptor is readable.
 class ReadableSubscription : public Subscription {
 public:
     ReadableSubscription(int fd, std::function<void()> readable) : m_notifier(fd, QSocketNotifier::Read) {
@@ -45,7 +47,7 @@ private:
 
 } // namespace
 
-/// Work in the order in which it comes due, and the one wake-up for the first of it.
+/// Work in the order of its due times. At most one posted event or timer is pending, for the first entry.
 class QtMainQueue::Schedule : public QObject {
 public:
     void add(TimePoint due, std::function<void()> work) {
@@ -68,7 +70,8 @@ protected:
     }
 
 private:
-    /// What is due, or may be before there is a loop with timers, is posted; the rest waits on the timer.
+    /// Schedules the wake-up for the first entry. Posts an event if the entry is due, or if there is no
+    /// application object yet, which timers need; otherwise starts the timer.
     void arm() {
         if (m_posted || m_work.empty())
             return;
@@ -82,8 +85,8 @@ private:
         QCoreApplication::postEvent(this, new QEvent(QEvent::User)); // owned by the event loop
     }
 
-    /// One piece of work per turn; the next one is armed before, because this one may run a loop of its own
-    /// or destroy the queue.
+    /// Runs the first entry if it is due. The wake-up for the next entry is scheduled before, because the
+    /// work may run a nested event loop or destroy the queue.
     void runFirst() {
         const auto first = m_work.begin();
         if (first == m_work.end() || first->first > TimePoint::clock::now()) {

@@ -8,10 +8,11 @@
 
 namespace tessarel::qt {
 
-/// The main queue on Qt's event loop.
+/// The main queue on top of Qt's event loop.
 ///
-/// May be made, and given work, before the application object: the work waits for the loop. An idle queue has
-/// no timer and wakes nobody. Work goes on while a modal message runs its own loop.
+/// The queue may be created and given work before the application object exists; the work then waits for the
+/// loop. An idle queue has no timer and does not wake the process. Work also runs in nested event loops, such
+/// as that of a modal alert.
 class QtMainQueue : public MainQueuePort {
 public:
     QtMainQueue();
@@ -21,11 +22,12 @@ public:
 
     [[nodiscard]] TimePoint now() override;
 
-    /// A negative delay counts as none; one beyond the end of the clock never comes due.
+    /// Treats a negative delay as zero. Work with a delay beyond the end of the clock never runs.
     void asyncAfter(Duration delay, std::function<void()> work) override;
 
-    /// Calls `readable` at every turn of the loop at which `fd` has something to read, until the answer ends.
-    /// Needs the application object. The file must stay open for as long as the answer lives.
+    /// Calls `readable` in every iteration of the event loop in which `fd` has data to read, until the
+    /// returned subscription is destroyed. Requires the application object. `fd` must stay open for as long
+    /// as the subscription exists.
     [[nodiscard]] SubscriptionPtr onReadable(int fd, std::function<void()> readable);
 
 private:

@@ -11,12 +11,15 @@ namespace tessarel::qt {
 
 namespace {
 
+/// Returns the callback for a lost display. It is global, because Qt accepts only a plain function as a
+/// message handler.
 std::function<void()>& lossHandler() {
-    static std::function<void()> handler; // Qt takes a function without a state
+    static std::function<void()> handler;
     return handler;
 }
 
 void handleMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
+    // Qt reports the loss only by this warning, directly before it ends the process.
     if (message.startsWith(QLatin1String("The X11 connection broke")))
         lossHandler()();
     if (type != QtFatalMsg)

@@ -4,11 +4,11 @@
 
 namespace tessarel::qt {
 
-/// Has the program decide what becomes of Qt's messages, from now on.
+/// Installs the program's own handler for Qt's messages.
 ///
-/// What Qt cannot survive ends the program with exit code 1 and one line, where Qt would dump core. When Qt
-/// says that its display has gone, and would end the program with words of others, `displayLost` is called.
-/// Warnings are left out: they are for those who write programs, not for those who use them.
+/// A fatal message is printed on stderr in one line and ends the process with exit code 1; Qt itself would
+/// abort with a core dump. `displayLost` is called when Qt reports that the connection to the X server broke,
+/// before Qt ends the process. All other messages are dropped, because they address developers.
 void installMessageHandler(std::function<void()> displayLost);
 
 } // namespace tessarel::qt

@@ -14,7 +14,7 @@ namespace tessarel::qt {
 
 namespace {
 
-/// Those that exist.
+/// Returns the existing ones of `folders`.
 QList<QUrl> places(const std::vector<std::filesystem::path>& folders) {
     QList<QUrl> places;
     for (const std::filesystem::path& folder : folders) {
@@ -32,6 +32,7 @@ QtOpenPanel::QtOpenPanel(std::vector<std::filesystem::path> folders, IdentifierO
 
 std::optional<std::string> QtOpenPanel::chooseApplication(const std::string& prompt) {
     QFileDialog dialog(QApplication::activeWindow(), QStringLiteral("Choose an application"));
+    // Native dialogs ignore the side bar. Read-only: the user cannot rename or delete files here.
     dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::ReadOnly);
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setNameFilter(QStringLiteral("Applications (*.desktop)"));

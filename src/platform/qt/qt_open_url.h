@@ -6,10 +6,10 @@
 
 namespace tessarel::qt {
 
-/// Addresses by the desktop's own services.
+/// Opens URLs with the desktop's default programs.
 class QtOpenUrl : public OpenUrlPort {
 public:
-    /// An address needs a scheme: a bare path is none.
+    /// Ignores an invalid URL and one without a scheme, such as a bare path.
     void open(const std::string& url) override;
 };
 

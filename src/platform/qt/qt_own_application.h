@@ -4,11 +4,12 @@
 
 namespace tessarel::qt {
 
-/// This program as Qt runs it.
+/// This program as a Qt application.
 class QtOwnApplication : public ApplicationPort {
 public:
-    /// Does nothing before the application object exists.
+    /// Raises and activates every visible window. Does nothing before the application object exists.
     void activate() override;
+    /// Ends Qt's event loop with exit code 0.
     void terminate() override;
 };
 

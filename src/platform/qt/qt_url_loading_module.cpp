@@ -14,12 +14,12 @@ namespace tessarel::qt {
 
 namespace {
 
-/// A request that nobody answers.
+/// A request that fails in the next iteration of the event loop.
 class NoLoad : public Subscription {
 public:
     explicit NoLoad(UrlLoadingPort::Done done) {
         QTimer::singleShot(0, &m_receiver, [done = std::move(done)] {
-            const auto outliving = done; // it may end us, and what is captured with us
+            const auto outliving = done; // the call may destroy this request, and the captured `done` with it
             outliving(std::nullopt);
         });
     }
@@ -40,7 +40,8 @@ SubscriptionPtr QtUrlLoadingModule::load(const UrlRequest& request, Done done) {
     return m_module->load(request, std::move(done));
 }
 
-/// Null when there is no module. It is not unloaded again: its objects may be anywhere.
+/// Returns null if no folder contains the module. The library is never unloaded, because requests that it
+/// created may outlive this port.
 std::unique_ptr<UrlLoadingPort> QtUrlLoadingModule::loadModule() const {
     using Make = UrlLoadingPort*();
     const QDir program(QCoreApplication::applicationDirPath());

@@ -8,13 +8,13 @@
 
 namespace tessarel::qt {
 
-/// The web, from a module of the program that is brought in with the first request: the network library and
-/// what it needs would otherwise make every start slower and the program larger.
+/// Loads URLs through a module that is loaded with the first request. If the program itself were linked to
+/// Qt's network library, every start would be slower and the process larger.
 ///
-/// Without the module no request is answered.
+/// Every request fails as long as the module cannot be found.
 class QtUrlLoadingModule : public UrlLoadingPort {
 public:
-    /// The module is looked for in `folders`, in order, which are relative to the program's own.
+    /// Looks for the module in `folders`, in order. Relative folders start at that of the executable.
     explicit QtUrlLoadingModule(std::vector<std::string> folders = {".", "../lib/tessarel"});
 
     [[nodiscard]] SubscriptionPtr load(const UrlRequest& request, Done done) override;
@@ -23,7 +23,7 @@ private:
     [[nodiscard]] std::unique_ptr<UrlLoadingPort> loadModule() const;
 
     std::vector<std::string> m_folders;
-    std::unique_ptr<UrlLoadingPort> m_module; // null before the first request
+    std::unique_ptr<UrlLoadingPort> m_module; ///< null until the first request, or if it cannot be loaded
 };
 
 } // namespace tessarel::qt

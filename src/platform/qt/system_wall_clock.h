@@ -6,7 +6,7 @@
 
 namespace tessarel::qt {
 
-/// The computer's date and time.
+/// The real-time clock of the system.
 class SystemWallClock : public WallClockPort {
 public:
     [[nodiscard]] double secondsSince1970() override {

@@ -21,11 +21,12 @@ namespace tessarel::qt {
 
 namespace {
 
-/// More than all zones have labels, plain and highlighted.
+/// Most labels in the cache: more than all zones have, plain and highlighted.
 constexpr std::size_t kMostLabels = 64;
 
+/// How far the halo reaches beyond the letters, in points.
 constexpr double kHaloReach = 3;
-/// Three strokes over each other: dark at the letters, fading away from them.
+/// Widths of three strokes on top of each other, in points: darkest at the letters, fading outwards.
 constexpr std::array kHaloStrokes = {2.0, 4.0, 6.0};
 constexpr double kHaloStrokeAlpha = 0.13; // 1 - (1 - 0.13)^3 = 0.35 at the letters
 
@@ -38,17 +39,19 @@ QColor gray(int level, double alpha) {
     return {level, level, level, qRound(alpha * 255)};
 }
 
+/// Paints the halo around `letters` and clears the pixels of the letters themselves.
 void paintHalo(QPainter& painter, const QPainterPath& letters, double scale) {
     for (const double width : kHaloStrokes)
         painter.strokePath(letters, QPen(gray(0, kHaloStrokeAlpha), width * scale, Qt::SolidLine,
                                          Qt::RoundCap, Qt::RoundJoin));
-    // The letters themselves keep the colour that they would have without it.
+    // Letters may be translucent, and the halo must not shine through them.
     painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
     painter.fillPath(letters, Qt::black);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
 }
 
-/// The text in the middle of an image, as measured, with room for the halo around it.
+/// Returns an image of the label with a margin for its halo. The text is centred by its advance width and its
+/// line height.
 QImage drawLabel(const OverlayLabel& label, double scale) {
     const QFont font = labelFont(label, scale);
     const QFontMetricsF metrics(font);
@@ -69,6 +72,7 @@ QImage drawLabel(const OverlayLabel& label, double scale) {
     return image;
 }
 
+/// Returns the rectangle of `image` when it is centred at `center`, moved to whole pixels.
 QRect placed(const QImage& image, const Point& center) {
     const QPointF corner(center.x - image.width() / 2.0, center.y - image.height() / 2.0);
     return {corner.toPoint(), image.size()};
@@ -78,8 +82,8 @@ QRectF rectF(const Rect& rect) {
     return {rect.minX(), rect.minY(), rect.absWidth(), rect.absHeight()};
 }
 
-/// The rows of the shape that its corners leave whole. Empty unless it consists of whole pixels, with room
-/// for its corners, and is no longer than a picture may be.
+/// Returns the rows of the shape between its rounded corners. Empty unless shape and radius are whole pixels,
+/// the corners fit, and the shape is less than 2^15 pixels high, so that `paintSide` can paint it.
 QRect wholeRows(const OverlayFigure& figure) {
     constexpr int kLongest = 1 << 15;
     const QRect all = pixels(figure.shape);
@@ -97,7 +101,8 @@ QPen linePen(const OverlayFigure& figure, const QColor& accent) {
     return {translucent(accent, figure.strokeAlpha), figure.strokeWidth, Qt::SolidLine, Qt::FlatCap};
 }
 
-/// Rows from edge to edge as a plain rectangle, which is several times faster than a path.
+/// Fills the shape: `rows` as a plain rectangle, which is several times faster than a path, the rest as a
+/// path. If `onNothing` is true, the rectangle replaces the transparent pixels below it instead of blending.
 void paintFill(QPainter& painter, const OverlayFigure& figure, const QColor& color, const QRect& rows,
                bool onNothing) {
     painter.save();
@@ -112,7 +117,8 @@ void paintFill(QPainter& painter, const OverlayFigure& figure, const QColor& col
     painter.restore();
 }
 
-/// A vertical line, as a picture: row by row it would take as long as the fill of a whole zone.
+/// Paints a vertical line as an image whose rows are copies of the first one. An antialiased fill of every
+/// row would take as long as the fill of a whole zone.
 void paintSide(QPainter& painter, double center, double width, const QRect& rows, const QColor& color) {
     const int left = qFloor(center - width / 2);
     QImage image(qCeil(center + width / 2) - left, rows.height(), QImage::Format_ARGB32_Premultiplied);
@@ -127,7 +133,7 @@ void paintSide(QPainter& painter, double center, double width, const QRect& rows
 }
 
 void paintCorners(QPainter& painter, const OverlayFigure& figure, const QColor& accent) {
-    constexpr int kQuarter = 90 * 16; // in the sixteenths of a degree that Qt counts in, from the right
+    constexpr int kQuarter = 90 * 16; // Qt's unit is 1/16 degree, anticlockwise from three o'clock
     const QRectF shape = rectF(figure.shape);
     QRectF circle(shape.topLeft(), QSizeF(2, 2) * figure.cornerRadius);
     painter.setBrush(Qt::NoBrush);
@@ -141,6 +147,8 @@ void paintCorners(QPainter& painter, const OverlayFigure& figure, const QColor& 
     painter.drawArc(circle, 2 * kQuarter, kQuarter);
 }
 
+/// Strokes the shape as four arcs and four straight lines. They do not overlap, because a translucent stroke
+/// would be darker there.
 void paintLine(QPainter& painter, const OverlayFigure& figure, const QColor& accent, const QRect& rows) {
     const QRectF shape = rectF(figure.shape);
     const QColor color = translucent(accent, figure.strokeAlpha);

@@ -14,30 +14,33 @@
 
 namespace tessarel::qt {
 
-/// Figures as they look where windows may be translucent, in pixels from the top-left corner of the window.
+/// Paints figures on translucent windows. Coordinates are pixels from the top-left corner of the window, y
+/// down.
 ///
-/// Labels have a soft dark halo, so that they read on white as well. Their size follows the scale factor that
-/// the user has set for all text; everything else is given in pixels.
+/// Labels have a soft dark halo, which keeps them readable on white. Their font size is multiplied by the
+/// scale factor that the user has set for all text; all other numbers are pixels.
 class TranslucentFigures {
 public:
     explicit TranslucentFigures(const QColor& accent = QColor(kAccent)) : m_accent(accent) {}
 
     [[nodiscard]] const QColor& accent() const { return m_accent; }
 
-    /// `scale`: pixels per unit of the user's text sizes. `onNothing`: the pixels of the shape are known to
-    /// be transparent, which makes it faster.
+    /// Paints `figure`. `scale` is the number of pixels per point of text. `onNothing` says that the pixels
+    /// of the shape are known to be transparent, which is faster to paint on.
     void paint(QPainter& painter, const OverlayFigure& figure, double scale, bool onNothing = false);
 
-    /// All pixels that `paint` may touch.
+    /// Returns a rectangle that contains every pixel that `paint` may change.
     [[nodiscard]] QRect extent(const OverlayFigure& figure, double scale);
 
 private:
+    /// Text, font size, font weight, alpha and scale of a label.
     using LabelKey = std::tuple<std::string, double, int, double, double>;
 
     [[nodiscard]] const QImage& labelImage(const OverlayLabel& label, double scale);
 
     QColor m_accent;
-    std::map<LabelKey, QImage> m_labels; // drawing one takes longer than drawing a zone
+    /// Cache: rendering a label takes longer than painting a zone.
+    std::map<LabelKey, QImage> m_labels;
 };
 
 } // namespace tessarel::qt

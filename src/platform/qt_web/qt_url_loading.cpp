@@ -18,13 +18,17 @@ namespace tessarel::qt {
 namespace {
 
 constexpr int kMostRedirects = 5;
+/// HTTP statuses from here on are errors to Qt.
 constexpr int kFirstErrorStatus = 400;
 
+/// Returns a GET request that tells the server nothing about the user but the user agent, and that leaves no
+/// trace: no cache, no cookies, no stored credentials.
 QNetworkRequest networkRequest(const QUrl& url, const UrlRequest& request) {
     QNetworkRequest asked(url);
     asked.setHeader(QNetworkRequest::UserAgentHeader, QByteArray::fromStdString(request.userAgent));
-    asked.setRawHeader("Accept-Language", "*");        // else Qt tells the user's
-    asked.setRawHeader("Accept-Encoding", "identity"); // so that what arrives is what is counted
+    asked.setRawHeader("Accept-Language", "*"); // by default Qt sends the user's language
+    // Without compression, so that the size limit applies to the bytes that arrive.
+    asked.setRawHeader("Accept-Encoding", "identity");
     asked.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     asked.setAttribute(QNetworkRequest::CacheSaveControlAttribute, false);
     asked.setAttribute(QNetworkRequest::CookieLoadControlAttribute, QNetworkRequest::Manual);
@@ -36,7 +40,7 @@ QNetworkRequest networkRequest(const QUrl& url, const UrlRequest& request) {
     return asked;
 }
 
-/// One request on its way, with a network of its own.
+/// One request in flight. It has its own network access manager, which shares nothing with other requests.
 class Load : public QObject, public Subscription {
 public:
     Load(const UrlRequest& request, UrlLoadingPort::Done done)
@@ -58,7 +62,7 @@ private:
     void get(const QNetworkRequest& request) {
         m_manager = std::make_unique<QNetworkAccessManager>();
         m_reply = m_manager->get(request);
-        m_reply->setReadBufferSize(m_largestBody + 1);
+        m_reply->setReadBufferSize(m_largestBody + 1); // one byte more shows that the body is too large
         connect(m_reply, &QNetworkReply::readyRead, this, [this] { read(); });
         connect(m_reply, &QNetworkReply::finished, this, [this] { replyFinished(); });
     }
@@ -67,11 +71,13 @@ private:
         return m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
     }
 
-    /// Whether the server has said all that it wanted to: to Qt an error status is a failure of its own.
+    /// Returns whether the whole response has arrived. Qt reports HTTP error statuses as network errors, but
+    /// here they are responses.
     [[nodiscard]] bool isAnswered() const {
-        // Qt does not notice each time that the connection broke before the announced end.
+        // Qt does not always report that the connection broke before the announced end of the body.
         if (m_reply->header(QNetworkRequest::ContentLengthHeader).toLongLong() > m_body.size())
             return false;
+        // Codes below ContentAccessDenied stand for a failed connection, not for a status.
         const auto error = m_reply->error();
         return error == QNetworkReply::NoError ||
                (statusCode() >= kFirstErrorStatus && error >= QNetworkReply::ContentAccessDenied);
@@ -88,7 +94,8 @@ private:
         finish(isAnswered() ? std::optional(UrlResponse{statusCode(), m_body.toStdString()}) : std::nullopt);
     }
 
-    /// Only the first end counts. It is told at a later turn, when no code of the network is below us.
+    /// Ends the request; calls after the first one do nothing. `done` is called in a later iteration of the
+    /// event loop, when no code of the network library is on the stack.
     void finish(std::optional<UrlResponse> response) {
         if (std::exchange(m_isFinished, true))
             return;
@@ -100,8 +107,8 @@ private:
     }
 
     void tell(const std::optional<UrlResponse>& response) {
-        m_manager.reset();                   // what is done with the answer may take the user's time
-        const auto done = std::move(m_done); // which may end us
+        m_manager.reset();                   // `done` may show a dialog and return much later
+        const auto done = std::move(m_done); // the call may destroy this object
         done(response);
     }
 
@@ -109,7 +116,7 @@ private:
     UrlLoadingPort::Done m_done;
     QTimer m_timeLimit;
     std::unique_ptr<QNetworkAccessManager> m_manager;
-    QNetworkReply* m_reply = nullptr; // the manager's
+    QNetworkReply* m_reply = nullptr; // owned by m_manager
     QByteArray m_body;
     bool m_isFinished = false;
 };

@@ -4,10 +4,11 @@
 
 namespace tessarel::qt {
 
-/// The web by Qt's network library, of which nothing is left once a request has been answered or ended.
+/// Loads URLs with Qt's network library. Nothing of a request remains in memory once it has been answered or
+/// cancelled.
 ///
-/// Needs the application object, which all requests must end before. It is not to be linked into the program:
-/// `QtUrlLoadingModule` brings it in with the first request.
+/// Requires the application object; all requests must end before it does. Do not link this class into the
+/// program: `QtUrlLoadingModule` loads it with the first request.
 class QtUrlLoading : public UrlLoadingPort {
 public:
     [[nodiscard]] SubscriptionPtr load(const UrlRequest& request, Done done) override;

@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-/// Where `QtUrlLoadingModule` enters the module: a new port, the caller's.
+/// Returns a new port that the caller owns. `QtUrlLoadingModule` looks this function up by its name.
 extern "C" Q_DECL_EXPORT tessarel::UrlLoadingPort* tessarelMakeUrlLoading() {
     return new tessarel::qt::QtUrlLoading;
 }

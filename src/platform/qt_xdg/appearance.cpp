@@ -11,14 +11,17 @@ namespace tessarel::qt {
 
 namespace {
 
+// Values of "color-scheme". Any other value means that the user has no preference.
 constexpr uint kPrefersDark = 1;
 constexpr uint kPrefersLight = 2;
 
+/// Returns whether `value` is a valid component of a colour. False for NaN.
 bool isPart(double value) {
     return value >= 0 && value <= 1;
 }
 
-/// None when the desktop has no accent colour, which it may also say by numbers that are out of range.
+/// Decodes "accent-color". Returns `std::nullopt` if it is missing or has another type, or if a component is
+/// out of range, which is how a desktop says that it has no accent colour.
 std::optional<QColor> accentColor(const QVariant& setting) {
     if (!setting.canConvert<QDBusArgument>())
         return std::nullopt;
@@ -53,9 +56,10 @@ QPalette darkPalette() {
     return palette;
 }
 
-/// What can be read on `background`.
+/// Returns a colour for text that is readable on `background`: black on bright colours, otherwise white.
 QColor readableOn(const QColor& background) {
     constexpr double kBright = 0.7;
+    // The weights of red, green and blue in perceived brightness (ITU-R BT.601).
     const double brightness =
         0.299 * background.redF() + 0.587 * background.greenF() + 0.114 * background.blueF();
     return brightness > kBright ? Qt::black : Qt::white;

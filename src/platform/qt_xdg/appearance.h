@@ -7,7 +7,7 @@
 
 namespace tessarel::qt {
 
-/// How the user likes windows to look.
+/// The user's preferences for the colours of windows. A fresh value holds the defaults.
 struct Appearance {
     bool isDark = false;
     QColor accent{0x0a, 0x84, 0xff};
@@ -15,12 +15,14 @@ struct Appearance {
     bool operator==(const Appearance&) const = default;
 };
 
-/// What a desktop says of it under "org.freedesktop.appearance": "color-scheme", 1 for dark, and
-/// "accent-color", three numbers from 0 to 1. Where it does not tell dark from light, the theme that is named
-/// in `gtkTheme`, as in "Adwaita:dark", does.
+/// Decodes the settings of a desktop under "org.freedesktop.appearance": "color-scheme", which is 1 for dark
+/// and 2 for light, and "accent-color", which is red, green and blue from 0 to 1.
+///
+/// Without a colour scheme, windows are dark if the name of the theme in `gtkTheme` ends in ":dark", as in
+/// "Adwaita:dark". Without a valid accent colour, the default is used.
 [[nodiscard]] Appearance appearance(const QVariantMap& settings, const QString& gtkTheme);
 
-/// The colours of all controls.
+/// Returns the colours of all controls. Requires the application object, whose style has the light palette.
 [[nodiscard]] QPalette palette(const Appearance& appearance);
 
 } // namespace tessarel::qt

@@ -13,12 +13,13 @@ namespace tessarel::qt {
 
 namespace {
 
-constexpr std::array kSizes = {16, 24, 32, 48, 64, 128};
+constexpr std::array kSizes = {16, 24, 32, 48, 64, 128}; // pixels
 constexpr QColor kTile(0x0a, 0x60, 0xc8);
 constexpr QColor kZone(0xfa, 0xfa, 0xfa);
-constexpr double kCornerShare = 0.2; // of the size
+constexpr double kCornerShare = 0.2; // radius of a corner, as a share of the icon's size
 
-/// The left half, and two quarters. Whole pixels, or they would be blurred.
+/// Returns the zones that the icon shows: the left half and the two quarters on the right. Their edges lie on
+/// whole pixels, so that they are not blurred.
 std::array<QRect, 3> zones(int size) {
     const int margin = std::max(3, size * 3 / 16);
     const int gap = std::max(1, size / 16);

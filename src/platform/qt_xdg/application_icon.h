@@ -4,8 +4,8 @@
 
 namespace tessarel::qt {
 
-/// The icon of the program's windows, drawn here so that no icon theme is needed: the zones of the panel's
-/// symbol, on a tile of their own. It holds sizes from 16 to 128 pixels.
+/// Returns the icon of the program's windows: the zones of the status item's symbol, on a tile. It is drawn
+/// at runtime in sizes from 16 to 128 pixels, so that no icon theme is needed.
 [[nodiscard]] QIcon applicationIcon();
 
 } // namespace tessarel::qt

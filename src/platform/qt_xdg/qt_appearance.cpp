@@ -21,7 +21,7 @@ const QString kPath = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString kInterface = QStringLiteral("org.freedesktop.portal.Settings");
 const QString kNamespace = QStringLiteral("org.freedesktop.appearance");
 
-/// The window that waits for the answer is to be there at once.
+/// How long to wait for the portal's reply. Short, because the window that is about to open waits as well.
 constexpr std::chrono::milliseconds kPatience{50};
 
 } // namespace
@@ -44,7 +44,7 @@ void QtAppearance::read() {
     QApplication::setPalette(palette(appearance(settings(), qEnvironmentVariable("GTK_THEME"))));
 }
 
-/// Empty when nobody answers.
+/// Returns the portal's current settings. Empty if no reply arrives in time or it has another type.
 QVariantMap QtAppearance::settings() const {
     QDBusMessage question =
         QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("ReadAll"));

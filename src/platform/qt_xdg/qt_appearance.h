@@ -10,19 +10,20 @@
 
 namespace tessarel::qt {
 
-/// Gives all windows the colours that the user's desktop prefers.
+/// Applies the user's preferred colours, and the program's icon, to all windows.
 ///
-/// The desktop is asked on its bus when the first window is about to be shown, so that a start without
-/// windows does not wait for it. One that does not answer soon has no preference until it tells of one. The
-/// windows have the program's icon, too.
+/// The preferences are read from the desktop portal, over D-Bus, when the first window is about to be shown,
+/// so that a start without windows does not wait for the reply. If no reply arrives in time, the defaults
+/// apply until the portal reports a change.
 class QtAppearance {
 public:
-    /// `bus` is not called before the desktop is asked.
+    /// `bus` is first called by `apply`.
     explicit QtAppearance(std::function<QDBusConnection()> bus = QDBusConnection::sessionBus);
     QtAppearance(const QtAppearance&) = delete;
     QtAppearance& operator=(const QtAppearance&) = delete;
 
-    /// Takes on what the desktop prefers now, and from now on follows it. Does nothing when called again.
+    /// Applies the current preferences, and later changes from then on. Requires the application object.
+    /// Further calls do nothing.
     void apply();
 
 private:
@@ -30,7 +31,8 @@ private:
     [[nodiscard]] QVariantMap settings() const;
 
     std::function<QDBusConnection()> m_bus;
-    QTimer m_changed; ///< runs out when the desktop has told of a change
+    /// Coalesces change signals: each one restarts the timer, which fires once none is pending.
+    QTimer m_changed;
     bool m_follows = false;
 };
 

@@ -7,7 +7,7 @@
 
 namespace tessarel::sim {
 
-/// A subscription whose end is a call.
+/// A subscription that calls a function on destruction.
 class CallOnEnd : public Subscription {
 public:
     explicit CallOnEnd(std::function<void()> end) : m_end(std::move(end)) {}

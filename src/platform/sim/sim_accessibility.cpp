@@ -14,6 +14,7 @@ namespace tessarel::sim {
 
 namespace {
 
+/// Formats a number for the record of requests, independently of the locale.
 std::string text(double number) {
     std::ostringstream digits;
     digits.imbue(std::locale::classic());
@@ -39,12 +40,13 @@ bool isFinite(double first, double second) {
     return std::isfinite(first) && std::isfinite(second);
 }
 
-/// `wanted`, as the window lets it be.
+/// Returns the length that a window takes on when `wanted` is requested: whole steps, then within the limits.
 double allowed(double wanted, double minimum, double maximum, double step) {
     const double whole = step > 0 ? std::floor(wanted / step) * step : wanted;
     return std::max(std::min(whole, maximum), minimum);
 }
 
+/// Returns the override of an attribute, null if it has none. An empty override is a read that fails.
 const std::optional<AttributeValue>* overrideOf(const AttributeOverrides& overrides,
                                                 std::string_view attribute) {
     const auto found = overrides.find(attribute);
@@ -57,14 +59,16 @@ std::optional<AttributeValue> asValue(const std::optional<std::string>& string) 
 
 } // namespace
 
-/// What an element's handle points at.
+/// The content of an element's handle: what the element refers to.
 struct SimAccessibility::Name {
     enum class Kind { Application, Window, PartOfWindow, Desktop };
 
     Kind kind = Kind::Application;
     ProcessId pid = 0;
     WindowId window = {};
-    mutable std::optional<SimClock::Duration> timeLimit = {}; // of this handle, whatever it names
+    /// Belongs to this handle, not to others that refer to the same object. Mutable, because elements share
+    /// a const handle with their copies.
+    mutable std::optional<SimClock::Duration> timeLimit = {};
 };
 
 const SimAccessibility::Name* SimAccessibility::nameOf(const Element& element) {
@@ -123,6 +127,7 @@ std::optional<Element> SimAccessibility::elementAtPosition(const Element& within
     const bool isWithin = name->kind == Name::Kind::Desktop || (window && window->pid == name->pid);
     if (!window || !isWithin)
         return {};
+    // The application that owns the window replies, within the time limit of `within`.
     const Name found{window->partRole ? Name::Kind::PartOfWindow : Name::Kind::Window, window->pid,
                      window->id};
     return ask(*name, found.pid) ? std::optional(elementOf(found)) : std::nullopt;
@@ -167,6 +172,7 @@ void SimAccessibility::write(const Name& name, std::string_view attribute, const
     if (!application)
         return;
 
+    // The only attribute of an application that can be written, provided that it has it.
     if (name.kind == Name::Kind::Application) {
         const auto* on = std::get_if<bool>(&value);
         if (on && attribute == attribute::kEnhancedUserInterface && application->enhancedInterface)
@@ -189,6 +195,7 @@ bool SimAccessibility::canExpress(const Rect& axFrame) {
 }
 
 std::uintptr_t SimAccessibility::key(const Element& element) {
+    // Bits above any window id keep the keys of different kinds of elements apart.
     constexpr std::uintptr_t kPart = std::uintptr_t{1} << 30U;
     constexpr std::uintptr_t kApplication = std::uintptr_t{1} << 31U;
     const Name* name = nameOf(element);
@@ -211,6 +218,7 @@ std::optional<ProcessId> SimAccessibility::pid(const Element& element) {
     const Name* name = nameOf(element);
     if (!name)
         return {};
+    // A local look-up, without a request to the application.
     const bool exists = name->kind == Name::Kind::Application ? m_state.application(name->pid) != nullptr
                                                               : m_state.window(name->window) != nullptr;
     return exists ? std::optional(name->pid) : std::nullopt;
@@ -232,6 +240,7 @@ SubscriptionPtr SimAccessibility::onWindowClosed(const Element& window, std::fun
     const Name* name = nameOf(window);
     if (!name || name->kind != Name::Kind::Window || name->pid == SimState::kOwnPid)
         return nullptr;
+    // Needs no request: the system reports a closed window even if its application does not reply.
     return m_state.closeObservers.add(name->window,
                                       [closed = std::move(closed)](const WindowId& /*id*/) { closed(); });
 }
@@ -241,7 +250,8 @@ void SimAccessibility::reportCreated(WindowId id) {
         m_state.windowObservers.call(opened->pid, window(id));
 }
 
-/// The application, when it is there to answer; time passes until it has, or until nobody waits any longer.
+/// Sends a request to the application of process `pid`. Returns null if it does not exist, ends with this
+/// request or does not answer within the time limit. The clock advances by the time that the caller waits.
 SimApplication* SimAccessibility::ask(const Name& asked, ProcessId pid) {
     SimApplication* application = m_state.application(pid);
     if (!application)
@@ -298,7 +308,7 @@ std::optional<AttributeValue> SimAccessibility::windowAttribute(WindowId id, std
     return {};
 }
 
-/// A part says of itself only what it is and whose.
+/// Parts of windows have only two attributes: their role and the window that they belong to.
 std::optional<AttributeValue> SimAccessibility::partAttribute(WindowId id, std::string_view attribute) {
     const SimWindow* window = m_state.window(id);
     if (!window)
@@ -328,7 +338,7 @@ void SimAccessibility::setSize(SimWindow& window, const Size& size) {
                   allowed(wanted.height, window.minimum.height, window.maximum.height, window.step.height)});
 }
 
-/// The part of a size that stays on the display of the window's corner.
+/// Cuts `size` at the right and bottom edges of the display that contains the top-left corner of the window.
 Size SimAccessibility::cut(const Size& size, const Point& axOrigin) const {
     const Screen* screen = m_state.screenAt(axOrigin);
     if (!screen)
@@ -340,6 +350,7 @@ Size SimAccessibility::cut(const Size& size, const Point& axOrigin) const {
 
 void SimAccessibility::show(SimWindow& window, const Rect& axFrame) {
     const auto now = m_state.clock.now();
+    // Until it has settled, the window is still seen where it is now.
     const bool animated = m_state.application(window.pid)->enhancedInterface.value_or(false);
     window.axFrameBefore = window.shownAxFrame(now);
     window.settledAt =

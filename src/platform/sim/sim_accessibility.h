@@ -11,17 +11,18 @@
 
 namespace tessarel::sim {
 
-/// The windows of the simulated desktop's applications.
+/// The accessibility port of the simulated desktop.
 ///
-/// Every request is recorded in the order of asking, as a line like "read window 3 AXSize",
-/// "write window 3 AXSize 640x480", "find 300,160", "limit window 3 250" or "observe application 101". A
-/// write to a window of a program whose enhanced interface is on is seen only after a while, as on a system
-/// that animates it.
+/// Every request is recorded in order, as a line such as "read window 3 AXSize",
+/// "write window 3 AXSize 640x480", "find 300,160", "limit window 3 250" (in milliseconds) or
+/// "observe application 101". A write to a window of an application whose enhanced interface is on takes
+/// effect after a delay, as on a system that animates it.
 class SimAccessibility : public AccessibilityPort {
 public:
     explicit SimAccessibility(SimState& state) : m_state(state) {}
 
     [[nodiscard]] Element application(ProcessId pid) override;
+    /// Returns the element of a window, which need not exist.
     [[nodiscard]] Element window(WindowId id);
     [[nodiscard]] Element systemWide() override;
     void setMessagingTimeout(const Element& element, std::chrono::milliseconds limit) override;
@@ -40,15 +41,15 @@ public:
                                                  std::function<void()> closed) override;
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
 
-    /// Tells whoever observes the window's application that it has been opened.
+    /// Calls the observers of the window's application, as if the window had just been opened.
     void reportCreated(WindowId id);
-    /// Calls `handler` after every write with its line in the record; it may do anything to the desktop.
+    /// Calls `handler` after every write, with its line in the record. The handler may change the desktop.
     void setWriteHandler(std::function<void(const std::string& line)> handler) {
         m_afterWrite = std::move(handler);
     }
-    /// How many observers of applications there are.
+    /// Returns the number of subscriptions to new windows.
     [[nodiscard]] std::size_t observers() const { return m_state.windowObservers.count(); }
-    /// How many observers of windows that may close there are.
+    /// Returns the number of subscriptions to the closing of windows.
     [[nodiscard]] std::size_t closeObservers() const { return m_state.closeObservers.count(); }
 
 private:
@@ -59,19 +60,22 @@ private:
     [[nodiscard]] static std::string text(const Name& name);
 
     [[nodiscard]] SimApplication* ask(const Name& asked, ProcessId pid);
+    // Return an attribute's override or, without one, its value.
     [[nodiscard]] std::optional<AttributeValue> applicationAttribute(ProcessId pid,
                                                                      std::string_view attribute);
     [[nodiscard]] std::optional<AttributeValue> windowAttribute(WindowId id, std::string_view attribute);
     [[nodiscard]] std::optional<AttributeValue> partAttribute(WindowId id, std::string_view attribute);
+    /// Sends a write to the application. Values of the wrong type and values that are not finite are ignored.
     void write(const Name& name, std::string_view attribute, const AttributeValue& value);
     void setPosition(SimWindow& window, const Point& position);
     void setSize(SimWindow& window, const Size& size);
     [[nodiscard]] Size cut(const Size& size, const Point& axOrigin) const;
+    /// Starts the move of a window to `axFrame`.
     void show(SimWindow& window, const Rect& axFrame);
 
     SimState& m_state;
     std::function<void(const std::string& line)> m_afterWrite;
-    SimClock::Duration m_timeLimit = SimApplication::kTimeLimit; ///< of elements without their own
+    SimClock::Duration m_timeLimit = SimApplication::kTimeLimit; ///< for elements without their own limit
 };
 
 } // namespace tessarel::sim

@@ -10,21 +10,29 @@
 
 namespace tessarel::sim {
 
-/// A program on the simulated desktop, and how it treats whoever asks it for something.
+/// An application on the simulated desktop, and how it reacts to accessibility requests.
 struct SimApplication {
-    /// How long the system waits for an application before it gives up.
+    /// How long the system waits for a reply unless the program sets a limit.
     static constexpr MainQueuePort::Duration kTimeLimit = std::chrono::seconds(6);
-    /// How long a window is on its way when a program with the enhanced interface on moves it.
+    /// How long the move of a window takes while the enhanced interface is on.
     static constexpr MainQueuePort::Duration kAnimation = std::chrono::milliseconds(200);
 
     std::optional<std::string> bundleIdentifier = {};
-    bool isRegular = true;                      ///< false: a panel, or a helper in the background
-    bool refusesObservers = false;              ///< nobody hears of its windows
-    std::optional<bool> enhancedInterface = {}; ///< empty: it has no such attribute
+    /// False for a panel or a helper in the background.
+    bool isRegular = true;
+    /// Subscriptions to its new windows are refused.
+    bool refusesObservers = false;
+    /// Whether windows are animated; empty if the application does not have the attribute.
+    std::optional<bool> enhancedInterface = {};
+    /// Writes of a position have no effect.
     bool refusesPosition = false;
+    /// Writes of a size have no effect.
     bool refusesSize = false;
-    MainQueuePort::Duration answerTime = {};    ///< from `kTimeLimit` on it never answers anybody
-    std::optional<int> requestsUntilDeath = {}; ///< it answers so many reads and writes, then ends
+    /// Time until a reply. A request times out unless this is shorter than its limit.
+    MainQueuePort::Duration answerTime = {};
+    /// The process ends at the request after this many; empty for a process that does not end.
+    std::optional<int> requestsUntilDeath = {};
+    /// The window that gets the keyboard focus when the application comes to the front.
     std::optional<WindowId> focusedWindow = {};
     AttributeOverrides overrides = {};
 };

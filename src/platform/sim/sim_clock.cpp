@@ -7,6 +7,7 @@
 namespace tessarel::sim {
 
 void SimClock::advance(Duration duration) {
+    // Work may schedule or cancel other work, and block() may move the clock beyond `end`.
     const TimePoint end = m_now + duration;
     for (auto item = next(); item != m_scheduled.end() && item->due <= end; item = next()) {
         m_now = std::max(m_now, item->due);

@@ -9,7 +9,8 @@
 
 namespace tessarel::sim {
 
-/// The time of the simulated desktop, which passes only when told to, and the work that waits for it.
+/// The clock of the simulated desktop, with the work scheduled on it. Time passes only when a caller advances
+/// the clock.
 class SimClock {
 public:
     using Duration = MainQueuePort::Duration;
@@ -17,26 +18,29 @@ public:
 
     [[nodiscard]] TimePoint now() const { return m_now; }
 
-    /// Time passes while the main thread is held up: nothing runs.
+    /// Advances the clock without running any work, like a call that blocks the main thread.
     void block(Duration duration) { m_now += duration; }
 
-    /// Time passes while the loop runs: work runs at the moment it is due, in the order of handing over.
+    /// Advances the clock like an event loop: runs each piece of work when it is due. Work that is due at the
+    /// same time runs in the order in which it was scheduled.
     void advance(Duration duration);
 
-    /// Hands over work of `owner`, who can call all of it off.
+    /// Schedules work of `owner`. A negative delay counts as zero.
     void schedule(const void* owner, Duration delay, std::function<void()> work);
+    /// Cancels all work of `owner` that has not run yet.
     void cancelAll(const void* owner);
-    /// How much work waits for its time.
+    /// Returns the number of pieces of work that have not run yet.
     [[nodiscard]] std::size_t waiting() const { return m_scheduled.size(); }
 
 private:
     struct Scheduled {
         TimePoint due;
-        std::uint64_t order = 0;
+        std::uint64_t order = 0; ///< decides between work that is due at the same time
         const void* owner = nullptr;
         std::function<void()> work;
     };
 
+    /// Returns the work that is due first; the end of the list if there is none.
     [[nodiscard]] std::vector<Scheduled>::iterator next();
 
     TimePoint m_now{};

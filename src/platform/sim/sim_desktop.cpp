@@ -10,7 +10,7 @@ namespace tessarel::sim {
 
 namespace {
 
-/// The flags of an event for which `carbonMods` gives `mods`.
+/// Returns the event flags that `carbonMods` converts to `mods`.
 ModifierFlags modifierFlags(std::uint32_t mods) {
     ModifierFlags flags = 0;
     for (const ModifierFlags flag : {kShiftFlag, kControlFlag, kOptionFlag, kCommandFlag})
@@ -50,6 +50,7 @@ void SimDesktop::makePrimary(std::uint64_t id) {
         std::find_if(screens.begin(), screens.end(), [&](const Screen& screen) { return screen.id == id; });
     if (primary == screens.end())
         return;
+    // Screen coordinates start at the bottom-left corner of the primary display.
     const Point origin = primary->frame.origin();
     std::rotate(screens.begin(), primary, primary + 1);
     for (Screen& screen : screens) {
@@ -85,13 +86,14 @@ WindowId SimDesktop::openWindow(ProcessId pid, const SimWindow& window) {
 
 WindowId SimDesktop::openWindowBehind(ProcessId pid, const SimWindow& window) {
     const WindowId id = add(pid, window);
+    // An application without windows takes its first one for the focused one.
     auto& focused = application(pid).focusedWindow;
     focused = focused.value_or(id);
     m_accessibility.reportCreated(id);
     return id;
 }
 
-/// Adds a window at the back, and tells nobody.
+/// Adds a window at the back without calling observers.
 WindowId SimDesktop::add(ProcessId pid, const SimWindow& window) {
     SimWindow& added = m_state.windows.emplace_back(window);
     added.id = WindowId{++m_lastWindow};
@@ -116,6 +118,7 @@ Rect SimDesktop::frame(WindowId id) {
 }
 
 void SimDesktop::drag(WindowId id, const Rect& axFrame) {
+    // Moves the window directly: no write is recorded, and it is seen there at once.
     SimWindow& dragged = window(id);
     dragged.axFrame = axFrame;
     dragged.settledAt = m_state.clock.now();

@@ -26,94 +26,107 @@
 
 namespace tessarel::sim {
 
-/// A display to connect.
+/// A display, and the space that bars reserve on it.
 struct ScreenOptions {
-    Rect frame = {};    ///< in screen coordinates: bottom-left origin, y up
-    double menuBar = 0; ///< height of the bar along its top edge
-    double dock = 0;    ///< height of the dock along its bottom edge
-    double leftBar = 0; ///< width of the bar along its left edge
-    double rightBar = 0;
+    Rect frame = {};     ///< in screen coordinates: bottom-left origin, y up
+    double menuBar = 0;  ///< height of the bar along the top edge
+    double dock = 0;     ///< height of the dock along the bottom edge
+    double leftBar = 0;  ///< width of the bar along the left edge
+    double rightBar = 0; ///< width of the bar along the right edge
 };
 
-/// A whole desktop in memory that answers like the real thing and behaves: its ports, and what a user and
-/// other programs do to it. It is empty at first, and time stands still until `advance`.
+/// A desktop in memory: all ports, and the means for a test to act as the user and as other programs.
 ///
-/// Rectangles of windows are in accessibility coordinates. Numbers of windows and processes handed to it must
-/// be of ones that exist, unless stated.
+/// It is empty at first, and time stands still until `advance`. Frames of windows are in accessibility
+/// coordinates. Window ids and process ids that are passed must exist, unless stated otherwise.
 class SimDesktop {
 public:
     SimDesktop() = default;
     SimDesktop(const SimDesktop&) = delete;
     SimDesktop& operator=(const SimDesktop&) = delete;
 
-    // Displays. The first one connected is the primary one.
+    // Displays
+
+    /// Connects a display with a new id. The first one is the primary one.
     Screen addScreen(const ScreenOptions& options);
-    /// The bar along the top edge of the primary display is `height` high from now on.
+    /// Sets the height of the bar along the top edge of the primary display.
     void setMenuBar(double height);
-    /// The display with the id of `screen` has its frames from now on.
+    /// Replaces the frames of the display that has the id of `screen`. Ignores an unknown id.
     void changeScreen(const Screen& screen);
+    /// Disconnects a display. Ignores an unknown id.
     void removeScreen(std::uint64_t id);
-    /// Makes the display the primary one; the frames of all others are then relative to it.
+    /// Makes a display the primary one and moves the origin of all frames to it. Ignores an unknown id.
     void makePrimary(std::uint64_t id);
-    /// What the displays port calls the main screen from now on, whatever has the focus; empty: that of the
-    /// focused window again.
+    /// Sets the main screen of the displays port. If empty, it is that of the focused window, as initially.
     void setMainScreen(const std::optional<Screen>& screen) { m_state.mainScreen = screen; }
 
-    // Programs.
-    /// The application is installed and goes by `displayName`; it need not run.
+    // Applications
+
+    /// Installs an application under the name `displayName`, without launching it.
     void install(const std::string& bundleIdentifier, const std::string& displayName) {
         m_state.installed[bundleIdentifier] = displayName;
     }
+    /// Launches an application as a new process, whose id is returned.
     ProcessId launch(const SimApplication& application);
-    /// The system gives the new process the number of one that has ended.
+    /// Launches an application with the process id of one that has ended, because systems reuse process ids.
     void launchAs(ProcessId pid, const SimApplication& application) {
         m_state.launchApplication(pid, application);
     }
+    /// Returns the application of a process, which the test may change.
     SimApplication& application(ProcessId pid) { return m_state.applications.at(pid); }
-    /// Brings the program to the front with whatever window of it had the focus last.
+    /// Brings an application to the front. Its window that had the focus last gets it again.
     void activate(ProcessId pid) { m_state.activateApplication(pid); }
-    /// No program is in front.
+    /// Leaves no application in front.
     void deactivateAll() { m_state.frontmost.reset(); }
+    /// Ends a process and closes its windows.
     void kill(ProcessId pid) { m_state.endApplication(pid); }
 
-    // Windows.
-    /// Opens a window of the program called `bundleIdentifier`, which is launched if need be, and gives it
-    /// the focus.
+    // Windows
+
+    /// Opens a window of the application `bundleIdentifier` and gives it the focus. Launches the application
+    /// if it does not run.
     WindowId openWindow(const std::string& bundleIdentifier, const Rect& axFrame);
+    /// Opens a window of a process and gives it the focus.
     WindowId openWindow(ProcessId pid, const SimWindow& window);
-    /// Opens a window behind all others. The program in front stays there, and its window keeps the focus.
+    /// Opens a window behind all others. The application in front and the focused window stay the same.
     WindowId openWindowBehind(ProcessId pid, const SimWindow& window);
     /// Opens a window of the program under test and gives it the focus.
     WindowId openOwnWindow(const Rect& axFrame);
+    /// Returns a window, which the test may change. Throws `std::out_of_range` if it does not exist.
     SimWindow& window(WindowId id);
-    /// The program that the window belongs to.
+    /// Returns the application that a window belongs to.
     SimApplication& applicationOf(WindowId id) { return application(window(id).pid); }
+    /// Returns the accessibility element of a window.
     [[nodiscard]] Element element(WindowId id) { return m_accessibility.window(id); }
-    /// The window's element has this key from now on, like a hash that another window may share.
+    /// Sets the key of a window's element. Two windows may have the same key, as hashes may collide.
     void setKey(WindowId id, std::uintptr_t key) { m_state.windowKeys[id] = key; }
-    /// Where the window is seen now.
+    /// Returns the frame in which a window is seen now.
     [[nodiscard]] Rect frame(WindowId id);
-    /// The user moves or resizes the window.
+    /// Moves and resizes a window as the user would.
     void drag(WindowId id, const Rect& axFrame);
+    /// Brings a window and its application to the front and gives it the focus. Ignores an unknown id.
     void focus(WindowId id);
+    /// Closes a window.
     void close(WindowId id) { m_state.closeWindow(id); }
 
-    /// The user presses a key together with modifiers, bits as in `HotKeyRequest`. Monitors of the program
-    /// under test have it while a window of that program is in front, hot keys otherwise.
+    /// Presses a key together with modifiers, whose bits are those of `HotKeyRequest`. The key goes to the
+    /// monitors of the program under test if that program is in front and has one, otherwise to the hot keys.
     void pressKeys(std::uint32_t keyCode, std::uint32_t mods);
 
-    /// The reads and writes of attributes since the last call, in order.
+    /// Returns the recorded accessibility requests since the last call, in order, and clears the record.
     [[nodiscard]] std::vector<std::string> takeRequests();
-    /// Those of them that are writes.
+    /// Like `takeRequests`, but returns only the writes. The whole record is cleared.
     [[nodiscard]] std::vector<std::string> takeWrites();
 
-    /// The loop runs for `duration`, and with it whatever falls due.
+    /// Runs the event loop for `duration` of simulated time.
     void advance(SimClock::Duration duration) { m_state.clock.advance(duration); }
     [[nodiscard]] SimClock& clock() { return m_state.clock; }
 
+    /// Returns how often the alert sound has been played.
     [[nodiscard]] int beeps() const { return m_alertSound.beeps; }
 
-    // Ports.
+    // Ports
+
     [[nodiscard]] SimAccessibility& accessibility() { return m_accessibility; }
     [[nodiscard]] SimAlertSound& alertSound() { return m_alertSound; }
     [[nodiscard]] SimAlerts& alerts() { return m_alerts; }
@@ -136,7 +149,7 @@ public:
     [[nodiscard]] SimWallClock& wallClock() { return m_wallClock; }
     [[nodiscard]] SimWindowList& windowList() { return m_windowList; }
     [[nodiscard]] SimWorkspace& workspace() { return m_workspace; }
-    /// A copy of the program.
+    /// Returns the port of a new copy of the program. All copies compete for the same desktop.
     [[nodiscard]] SimSingleInstance makeCopy() { return SimSingleInstance(m_instanceHolder); }
 
 private:

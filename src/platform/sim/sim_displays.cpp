@@ -5,6 +5,7 @@ namespace tessarel::sim {
 std::optional<Screen> SimDisplays::mainScreen() {
     if (m_state.mainScreen)
         return m_state.mainScreen;
+    // Without a focused window the origin, which is the corner of the primary display.
     Point middle;
     const SimApplication* frontmost = m_state.frontmost ? m_state.application(*m_state.frontmost) : nullptr;
     const SimWindow* focused =

@@ -7,15 +7,17 @@ namespace tessarel::sim {
 namespace {
 
 constexpr std::uint32_t kKeyCodes = 128;
-constexpr std::uint32_t kModifiers = 256 | 512 | 2048 | 4096;
+constexpr std::uint32_t kModifiers = 256 | 512 | 2048 | 4096; // as in HotKeyRequest
 
 } // namespace
 
+/// The claimed combinations and the installed handlers.
 struct SimHotKeys::Keyboard {
     struct Claim {
         HotKeyRequest request;
-        bool ours = false;
+        bool ours = false; ///< false for a combination that another program holds
     };
+    /// Key code and modifiers.
     using Combination = std::pair<std::uint32_t, std::uint32_t>;
 
     std::map<Combination, Claim> claims;
@@ -43,7 +45,7 @@ bool SimHotKeys::press(std::uint32_t keyCode, std::uint32_t mods) {
     if (found == m_keyboard->claims.end() || !found->second.ours)
         return false;
     const std::uint32_t id = found->second.request.hotKey.id;
-    const auto handlers = m_keyboard->handlers; // a handler may end itself
+    const auto handlers = m_keyboard->handlers; // a copy, because a handler may destroy its subscription
     for (const auto& [number, handler] : handlers)
         handler(id);
     return true;

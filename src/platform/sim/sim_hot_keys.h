@@ -9,7 +9,7 @@
 
 namespace tessarel::sim {
 
-/// The hot keys of the simulated desktop, whose keyboard has the key codes 0 to 127.
+/// The hot keys of the simulated desktop. Its keyboard has the key codes 0 to 127.
 class SimHotKeys : public HotKeyPort {
 public:
     SimHotKeys();
@@ -18,22 +18,25 @@ public:
     [[nodiscard]] std::vector<SubscriptionPtr>
     registerHotKeys(std::span<const HotKeyRequest> requests) override;
 
-    /// The user presses the keys; false when no hot key of this program is on them.
+    /// Presses a combination. Returns false if it is not a hot key of this program.
     bool press(std::uint32_t keyCode, std::uint32_t mods);
-    /// Another program has the combination until the answer ends; null when it is taken.
+    /// Claims a combination for another program until the returned subscription is destroyed. Returns null if
+    /// it is already claimed or does not exist on the keyboard.
     [[nodiscard]] SubscriptionPtr holdByAnotherProgram(std::uint32_t keyCode, std::uint32_t mods);
 
-    /// The claims of this program that hold now, by combination.
+    /// Returns the current hot keys of this program, sorted by key code and modifiers.
     [[nodiscard]] std::vector<HotKeyRequest> registered() const;
-    /// How many handlers have been installed so far.
+    /// Returns the number of handlers that have ever been installed.
     [[nodiscard]] int handlersInstalled() const { return m_handlersInstalled; }
 
 private:
     struct Keyboard;
 
+    /// Claims a combination for this program if `ours` is true, otherwise for another one. Returns null if it
+    /// is already claimed or does not exist on the keyboard.
     [[nodiscard]] SubscriptionPtr claim(const HotKeyRequest& request, bool ours);
 
-    std::shared_ptr<Keyboard> m_keyboard; // shared with claims, which may outlive this port
+    std::shared_ptr<Keyboard> m_keyboard; ///< shared with subscriptions, which may outlive this port
     int m_handlersInstalled = 0;
 };
 

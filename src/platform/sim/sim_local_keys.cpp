@@ -13,10 +13,11 @@ SubscriptionPtr SimLocalKeys::monitorKeyDown(Handler handler) {
 }
 
 bool SimLocalKeys::press(const KeyDown& key) {
-    const auto handlers = m_handlers; // a handler may end this port
+    // Copies, because a handler may destroy subscriptions or this port.
+    const auto handlers = m_handlers;
     const auto present = handlers->all;
     for (const auto& [number, handler] : present) {
-        if (handlers->all.contains(number) && handler(key)) // or an earlier one has ended it
+        if (handlers->all.contains(number) && handler(key)) // not if an earlier handler has unsubscribed it
             return true;
     }
     return false;

@@ -8,14 +8,14 @@
 
 namespace tessarel::sim {
 
-/// The keyboard of the simulated desktop, as far as windows of the program under test have it.
+/// The keyboard of the simulated desktop while a window of the program under test has the focus.
 class SimLocalKeys : public LocalKeysPort {
 public:
     [[nodiscard]] SubscriptionPtr monitorKeyDown(Handler handler) override;
 
-    /// The user presses a key while such a window has the focus; true when it has been consumed.
+    /// Presses a key. Returns true if a handler has consumed it.
     bool press(const KeyDown& key);
-    /// How many handlers wait for keys now.
+    /// Returns the number of subscriptions.
     [[nodiscard]] std::size_t monitors() const { return m_handlers->all.size(); }
 
 private:
@@ -24,7 +24,8 @@ private:
         std::map<int, Handler> all;
     };
 
-    std::shared_ptr<Handlers> m_handlers = std::make_shared<Handlers>(); // monitors may outlive this port
+    /// Shared with subscriptions, which may outlive this port.
+    std::shared_ptr<Handlers> m_handlers = std::make_shared<Handlers>();
 };
 
 } // namespace tessarel::sim

@@ -19,10 +19,13 @@ public:
     }
 
     Status currentStatus = Status::NotRegistered;
+    /// The status that registering leads to. A system may require the user's approval first.
     Status statusAfterRegistering = Status::Enabled;
-    std::optional<std::string> failure; ///< why the system refuses any change
+    /// The error text with which the system refuses any change; empty if it accepts them.
+    std::optional<std::string> failure;
 
 private:
+    /// Changes the status unless the system refuses. Returns the error text.
     std::optional<std::string> change(Status status) {
         if (!failure)
             currentStatus = status;

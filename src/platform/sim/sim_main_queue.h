@@ -5,7 +5,7 @@
 
 namespace tessarel::sim {
 
-/// A main queue on the simulated clock.
+/// A main queue on the simulated clock. Its work is cancelled when the queue is destroyed.
 class SimMainQueue : public MainQueuePort {
 public:
     explicit SimMainQueue(SimClock& clock) : m_clock(clock) {}

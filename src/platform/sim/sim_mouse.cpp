@@ -7,6 +7,7 @@
 
 namespace tessarel::sim {
 
+/// The subscriptions by a running number, which keeps them in the order in which they were made.
 struct SimMouse::Monitors {
     struct Monitor {
         MouseEventKind kind;
@@ -47,6 +48,7 @@ void SimMouse::moveTo(const Point& axPoint) {
         return;
     if (m_isDown)
         return report(MouseEventKind::LeftDragged);
+    // The release was lost: it is reported with this movement.
     m_isReported = false;
     report(MouseEventKind::LeftUp);
 }
@@ -57,6 +59,7 @@ void SimMouse::moveHeldWindow() {
         return;
     Rect& axFrame = window->axFrame;
     const double top = m_pointer.y - m_held->grip.y;
+    // At the top edge the bottom edge stays, otherwise the window moves.
     if (m_held->grip.y < kTopEdge)
         axFrame.height = axFrame.maxY() - top;
     else
@@ -90,12 +93,14 @@ void SimMouse::loseRelease() {
 }
 
 void SimMouse::report(MouseEventKind kind) {
+    // From accessibility coordinates (y down) to screen coordinates (y up).
     const double primaryHeight = m_state.screens.empty() ? 0 : m_state.screens.front().frame.absHeight();
     const MouseEvent event{kind, {m_pointer.x, primaryHeight - m_pointer.y}, m_modifierFlags};
-    const auto monitors = m_monitors; // a handler may end this port
+    // Copies, because a handler may destroy subscriptions or this port.
+    const auto monitors = m_monitors;
     const auto present = monitors->all;
     for (const auto& [number, monitor] : present) {
-        if (monitor.kind == kind && monitors->all.contains(number)) // or an earlier one has ended it
+        if (monitor.kind == kind && monitors->all.contains(number)) // not if an earlier handler removed it
             monitor.handler(event);
     }
 }

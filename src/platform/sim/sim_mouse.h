@@ -12,16 +12,16 @@
 
 namespace tessarel::sim {
 
-/// The mouse of the simulated desktop, and the user's hand on it. Places are in accessibility coordinates.
+/// The mouse of the simulated desktop. Points are in accessibility coordinates.
 ///
-/// A press near the top of a window takes hold of it, and from then on it follows the pointer; one at its
-/// very top resizes it, so that only its top edge follows. Nothing that begins over a window of the program
-/// under test is reported.
+/// A press on the title bar of a window starts a move: the window follows the pointer until the release. A
+/// press on its top edge starts a resize that moves only this edge. Full-screen windows do neither. From a
+/// press on a window of the program under test to its release, no event is reported.
 class SimMouse : public MousePort {
 public:
-    /// Height of the part of a window that it can be taken by.
+    /// Height of the title bar of every window.
     static constexpr double kTitleBar = 60;
-    /// Height of the part that resizes it.
+    /// Height of the top edge, which is the upper part of the title bar.
     static constexpr double kTopEdge = 4;
 
     explicit SimMouse(SimState& state);
@@ -29,39 +29,43 @@ public:
     [[nodiscard]] SubscriptionPtr addGlobalMonitor(MouseEventKind kind,
                                                    std::function<void(const MouseEvent&)> handler) override;
 
-    /// The system refuses to report events of this kind from now on.
+    /// Makes the system refuse subscriptions to events of this kind from now on.
     void refuse(MouseEventKind kind) { m_refused.insert(kind); }
-    /// The kinds being reported, in the order of asking.
+    /// Returns the kinds of the current subscriptions, in the order in which they were made.
     [[nodiscard]] std::vector<MouseEventKind> monitored() const;
 
-    /// The modifier keys that the user holds from now on.
+    /// Sets the modifier keys that are held. While the button is down, a change is reported as a movement.
     void hold(std::uint64_t modifierFlags);
 
+    /// Moves the pointer, and the window that it drags.
     void moveTo(const Point& axPoint);
-    /// The button goes down, also when it is down already: its release has been lost for good.
+    /// Presses the button. If it is down already, the release of the first press is never reported.
     void press();
+    /// Releases the button.
     void release();
-    /// The button goes up while another program has the mouse: the release is heard with the next movement.
+    /// Releases the button while another program has grabbed the mouse: the release is reported with the next
+    /// movement.
     void loseRelease();
 
 private:
     struct Monitors;
     struct Held {
         WindowId window;
-        Point grip; ///< of the pointer within the window
+        Point grip; ///< position of the pointer in the window when the button was pressed
     };
 
     void moveHeldWindow();
+    /// Calls the subscriptions to `kind` with the current pointer and modifiers.
     void report(MouseEventKind kind);
 
     SimState& m_state;
-    std::shared_ptr<Monitors> m_monitors; // shared with registrations, which may outlive this port
+    std::shared_ptr<Monitors> m_monitors; ///< shared with subscriptions, which may outlive this port
     std::set<MouseEventKind> m_refused;
     std::uint64_t m_modifierFlags = 0;
     Point m_pointer;
     bool m_isDown = false;
-    bool m_isReported = false; ///< the press has been, and its release has not
-    std::optional<Held> m_held;
+    bool m_isReported = false;  ///< the press has been reported, and its release has not
+    std::optional<Held> m_held; ///< the window that follows the pointer
 };
 
 } // namespace tessarel::sim

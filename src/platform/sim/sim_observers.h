@@ -11,30 +11,34 @@
 
 namespace tessarel::sim {
 
-/// Callbacks that wait for something with a `Key` to happen, called in the order in which they were added.
+/// A list of callbacks, each of which is registered for one key.
 ///
-/// A callback may add and remove callbacks: removed ones are not called any more, added ones wait for the
-/// next call.
+/// A callback may add and remove callbacks, and destroy the list. Removed callbacks are not called any more;
+/// added ones are called from the next event on.
 template <typename Key, typename Argument>
 class SimObservers {
 public:
     using Callback = std::function<void(const Argument&)>;
 
+    /// Registers `callback` for `key` until the returned subscription is destroyed.
     [[nodiscard]] SubscriptionPtr add(const Key& key, Callback callback) {
         const std::size_t number = m_entries->next++;
         m_entries->all.emplace(number, Entry{key, std::move(callback)});
         return std::make_unique<CallOnEnd>([entries = m_entries, number] { entries->all.erase(number); });
     }
 
+    /// Calls the callbacks for `key` in the order in which they were registered.
     void call(const Key& key, const Argument& argument) {
-        const auto entries = m_entries; // a callback may end the desktop
+        // Copies, because a callback may destroy subscriptions or this list.
+        const auto entries = m_entries;
         const auto present = entries->all;
         for (const auto& [number, entry] : present) {
-            if (entry.key == key && entries->all.contains(number)) // or an earlier one has ended it
+            if (entry.key == key && entries->all.contains(number)) // not if an earlier callback removed it
                 entry.callback(argument);
         }
     }
 
+    /// Returns the number of callbacks for all keys.
     [[nodiscard]] std::size_t count() const { return m_entries->all.size(); }
 
 private:
@@ -48,7 +52,8 @@ private:
         std::map<std::size_t, Entry> all;
     };
 
-    std::shared_ptr<Entries> m_entries = std::make_shared<Entries>(); // registrations may outlive us
+    /// Shared with subscriptions, which may outlive this list.
+    std::shared_ptr<Entries> m_entries = std::make_shared<Entries>();
 };
 
 } // namespace tessarel::sim

@@ -4,6 +4,7 @@ namespace tessarel::sim {
 
 namespace {
 
+/// Records all calls in the port, which tests look at.
 class SimOverlayWindow : public OverlayWindow {
 public:
     explicit SimOverlayWindow(SimOverlay& overlay) : m_overlay(overlay) {}

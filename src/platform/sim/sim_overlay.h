@@ -7,20 +7,23 @@
 
 namespace tessarel::sim {
 
-/// The overlay of the simulated desktop, as a person would see it, and how often it was touched.
+/// The overlay of the simulated desktop. Records what a user would see of the last window, and counts the
+/// calls. The port must outlive its windows.
 class SimOverlay : public OverlayPort {
 public:
     [[nodiscard]] std::unique_ptr<OverlayWindow> createWindow() override;
 
-    int windows = 0; ///< made so far
+    int windows = 0; ///< number of windows created so far
     bool isVisible = false;
-    Rect screenFrame;                   ///< that the window covers
-    std::vector<OverlayFigure> figures; ///< on the window
-    std::vector<Rect> changed;          ///< by the last drawing
-    int framesSet = 0;
-    int drawings = 0;
-    int ordersFront = 0;
-    int ordersOut = 0;
+    /// In screen coordinates: bottom-left origin, y up.
+    Rect screenFrame;
+    /// In local coordinates: top-left origin, y down.
+    std::vector<OverlayFigure> figures;
+    std::vector<Rect> changed; ///< the argument of the last `setFigures`
+    int framesSet = 0;         ///< calls of `setFrame`
+    int drawings = 0;          ///< calls of `setFigures`
+    int ordersFront = 0;       ///< calls of `orderFront`
+    int ordersOut = 0;         ///< calls of `orderOut`
 };
 
 } // namespace tessarel::sim

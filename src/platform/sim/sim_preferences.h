@@ -9,15 +9,17 @@
 
 namespace tessarel::sim {
 
-/// What is stored, for as long as the desktop lives.
+/// The stored documents of the simulated desktop. They outlive a run of the program.
 struct SimPreferencesStorage {
+    /// Documents by key.
     std::map<std::string, std::string, std::less<>> documents;
+    /// The last rejected document of each key.
     std::map<std::string, std::string, std::less<>> rejected;
-    int writes = 0;                     ///< how often a document has been stored
-    std::function<void()> whileWriting; ///< what happens when one has just been stored; may be empty
+    int writes = 0;                     ///< number of times that a document has been stored
+    std::function<void()> whileWriting; ///< called when a document has just been stored; may be empty
 };
 
-/// The preferences of one run of the program.
+/// The preferences of one run of the program. `storage` must outlive them.
 class SimPreferences : public PreferencesPort {
 public:
     explicit SimPreferences(SimPreferencesStorage& storage) : m_storage(storage) {}
@@ -28,7 +30,7 @@ public:
 
 private:
     SimPreferencesStorage& m_storage;
-    std::set<std::string, std::less<>> m_rejected;
+    std::set<std::string, std::less<>> m_rejected; ///< keys whose documents the next `setData` keeps
 };
 
 } // namespace tessarel::sim

@@ -8,6 +8,7 @@ std::size_t SimAlerts::runModal(const Alert& alert) {
     shown.push_back(alert);
     if (whileShown)
         whileShown();
+    // Without an answer the alert is closed in another way than by a button.
     const std::size_t last = alert.buttons.empty() ? 0 : alert.buttons.size() - 1;
     if (answers.empty())
         return alert.dismissedAs.value_or(last);

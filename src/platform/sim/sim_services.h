@@ -17,7 +17,7 @@
 
 namespace tessarel::sim {
 
-/// Counts what would have been heard.
+/// Counts how often the alert sound would have been played.
 class SimAlertSound : public AlertSoundPort {
 public:
     void beep() override { ++beeps; }
@@ -25,19 +25,22 @@ public:
     int beeps = 0;
 };
 
-/// A user who answers messages as told beforehand, and closes them without a button when not told.
+/// A user who answers alerts as a test has prescribed. An alert without a prescribed answer is closed without
+/// a button.
 class SimAlerts : public AlertsPort {
 public:
+    /// Returns the next of `answers`; without one, the position that closing without a button counts as.
     std::size_t runModal(const Alert& alert) override;
+    /// Returns the next of `texts`, `std::nullopt` if there is none.
     std::optional<std::string> runModalForText(const Alert& alert) override;
 
-    std::function<void()> whileShown; ///< called while a message is up
-    std::vector<Alert> shown;         ///< in order, those that ask for a text too
-    std::deque<std::size_t> answers;  ///< buttons that the user will press, next one first
-    std::deque<std::string> texts;    ///< what the user will type and accept; not told, nothing is accepted
+    std::function<void()> whileShown; ///< called while an alert is shown; may be empty
+    std::vector<Alert> shown;         ///< all alerts in order, including those that ask for a text
+    std::deque<std::size_t> answers;  ///< positions of the buttons that the user will press, next one first
+    std::deque<std::string> texts;    ///< texts that the user will type and accept, next one first
 };
 
-/// Counts what the program has had the system do with it.
+/// Counts the requests to activate and to end the program.
 class SimOwnApplication : public ApplicationPort {
 public:
     void activate() override { ++activations; }
@@ -47,7 +50,7 @@ public:
     int terminations = 0;
 };
 
-/// Keeps the main menu that was set last.
+/// Records the main menu that was set last.
 class SimMainMenu : public MainMenuPort {
 public:
     void setMainMenu(const std::vector<MainMenu>& newMenus) override { menus = newMenus; }
@@ -55,16 +58,17 @@ public:
     std::vector<MainMenu> menus;
 };
 
-/// A user who chooses applications as told beforehand, and closes the panel when not told.
+/// A user who chooses applications as a test has prescribed, and otherwise closes the panel.
 class SimOpenPanel : public OpenPanelPort {
 public:
     std::optional<std::string> chooseApplication(const std::string& prompt) override;
 
-    std::vector<std::string> prompts;               ///< of the panels that were shown, in order
-    std::deque<std::optional<std::string>> choices; ///< that the user will make, next one first
+    std::vector<std::string> prompts; ///< prompts of all panels that were shown, in order
+    /// Identifiers that the user will choose, next one first. An empty one closes the panel.
+    std::deque<std::optional<std::string>> choices;
 };
 
-/// Keeps the addresses that would have been opened.
+/// Records the URLs that would have been opened.
 class SimOpenUrl : public OpenUrlPort {
 public:
     void open(const std::string& url) override { opened.push_back(url); }
@@ -72,10 +76,11 @@ public:
     std::vector<std::string> opened; ///< in order
 };
 
-/// A system that trusts the program, or not.
+/// The permission to control other programs' windows, which a test grants and revokes.
 class SimTrust : public TrustPort {
 public:
     [[nodiscard]] bool isTrusted() override { return trusted; }
+    /// Counts the call and, unless the program is trusted, the prompt that the user sees.
     void prompt() override {
         ++promptCalls;
         prompts += trusted ? 0 : 1;
@@ -86,10 +91,10 @@ public:
     }
 
     bool trusted = true;
-    int promptCalls = 0; ///< how often the program has asked for it, needed or not
-    int prompts = 0;     ///< how often the user has been told what to do
-    int settingsOpened = 0;
-    int promptsBeforeSettings = 0; ///< how many prompts there had been when the settings were opened last
+    int promptCalls = 0;           ///< calls of `prompt`, including those while trusted
+    int prompts = 0;               ///< prompts that the user has seen
+    int settingsOpened = 0;        ///< calls of `openSettings`
+    int promptsBeforeSettings = 0; ///< value of `prompts` when the settings were opened last
 };
 
 } // namespace tessarel::sim

@@ -5,6 +5,7 @@
 namespace tessarel::sim {
 
 SubscriptionPtr SimSingleInstance::claim(std::function<void()> reopened) {
+    // A copy of the pointer, because the callback may end the claim that owns it.
     if (const auto holder = m_holder->reopened) {
         (*holder)();
         return nullptr;

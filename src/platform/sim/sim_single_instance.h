@@ -7,9 +7,10 @@
 
 namespace tessarel::sim {
 
-/// Which copy of the program holds the simulated desktop.
+/// The claim that all copies of the program compete for.
 struct SimInstanceHolder {
-    std::shared_ptr<std::function<void()>> reopened; ///< empty: no copy holds it
+    /// The callback of the copy that has the claim; null if there is none.
+    std::shared_ptr<std::function<void()>> reopened;
 };
 
 /// One copy of the program on the simulated desktop.
@@ -20,7 +21,7 @@ public:
     [[nodiscard]] SubscriptionPtr claim(std::function<void()> reopened) override;
 
 private:
-    std::shared_ptr<SimInstanceHolder> m_holder; // shared with claims, which may outlive this port
+    std::shared_ptr<SimInstanceHolder> m_holder; ///< shared with claims, which may outlive this port
 };
 
 } // namespace tessarel::sim

@@ -56,7 +56,7 @@ void SimState::launchApplication(ProcessId pid, const SimApplication& applicatio
 }
 
 void SimState::activateApplication(ProcessId pid) {
-    if (std::exchange(frontmost, pid) == pid)
+    if (std::exchange(frontmost, pid) == pid) // it was in front already
         return;
     if (const auto app = running(pid))
         applicationObservers.call(ApplicationEvent::Activated, *app);
@@ -64,6 +64,7 @@ void SimState::activateApplication(ProcessId pid) {
 
 void SimState::closeWindow(WindowId id) {
     std::erase_if(windows, [&](const SimWindow& window) { return window.id == id; });
+    // The focus goes to the frontmost remaining window of the application.
     for (auto& [pid, application] : applications) {
         if (application.focusedWindow != id)
             continue;
@@ -76,6 +77,7 @@ void SimState::closeWindow(WindowId id) {
 }
 
 void SimState::endApplication(ProcessId pid) {
+    // Observers are called at the end, when neither the process nor its windows exist.
     const auto ended = running(pid);
     applications.erase(pid);
     std::vector<WindowId> closed;

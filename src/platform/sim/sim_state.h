@@ -17,44 +17,48 @@
 
 namespace tessarel::sim {
 
-/// What the simulated desktop consists of; its ports and the test that plays on it share it.
+/// The state of the simulated desktop, which all of its ports share.
 struct SimState {
     /// The process id of the program under test.
     static constexpr ProcessId kOwnPid = 4242;
 
     SimClock clock;
     std::vector<Screen> screens;      ///< the primary one first
-    std::optional<Screen> mainScreen; ///< said instead of the display of the focused window
+    std::optional<Screen> mainScreen; ///< replaces the display of the focused window as the main screen
     std::map<ProcessId, SimApplication> applications;
-    std::vector<SimWindow> windows;                ///< front to back
-    std::map<WindowId, std::uintptr_t> windowKeys; ///< of elements whose key is not their window's id
-    std::optional<ProcessId> frontmost;
+    std::vector<SimWindow> windows; ///< front to back
+    /// Keys of elements by window, where they differ from the window's id.
+    std::map<WindowId, std::uintptr_t> windowKeys;
+    std::optional<ProcessId> frontmost;           ///< the application in front
     std::map<std::string, std::string> installed; ///< names of applications, by bundle identifier
-    std::vector<std::string> requests;            ///< reads and writes of attributes, in order
+    std::vector<std::string> requests;            ///< the record of accessibility requests, in order
     SimObservers<ApplicationEvent, RunningApplication> applicationObservers;
     SimObservers<ProcessId, Element> windowObservers; ///< by the process that opens the window
     SimObservers<WindowId, WindowId> closeObservers;
 
-    /// The application of process `pid`, or null.
+    /// Returns the application of process `pid`, or null.
     [[nodiscard]] SimApplication* application(ProcessId pid);
-    /// The window with number `id`, or null.
+    /// Returns the window with the id `id`, or null.
     [[nodiscard]] SimWindow* window(WindowId id);
-    /// The key of the window's element, whether it is still open or not.
+    /// Returns the key of a window's element, even if the window has closed.
     [[nodiscard]] std::uintptr_t windowKey(WindowId id) const;
-    /// The window on top at the point, or null.
+    /// Returns the frontmost visible window at a point, or null.
     [[nodiscard]] SimWindow* windowAt(const Point& axPoint);
-    /// The screen's whole area in accessibility coordinates.
+    /// Returns the whole area of a display in accessibility coordinates.
     [[nodiscard]] Rect axFrame(const Screen& screen) const;
-    /// The display that shows the point, else the primary one; null when there is none.
+    /// Returns the display that contains a point, otherwise the primary one; null if there is no display.
     [[nodiscard]] const Screen* screenAt(const Point& axPoint) const;
 
-    /// The application of process `pid` as the workspace knows it.
+    /// Returns the application of process `pid` as the workspace port reports it.
     [[nodiscard]] std::optional<RunningApplication> running(ProcessId pid);
 
+    /// Adds a running application and calls the observers.
     void launchApplication(ProcessId pid, const SimApplication& application);
-    /// Brings the application to the front, with whatever window of it had the focus last.
+    /// Brings an application to the front and calls the observers, unless it is in front already.
     void activateApplication(ProcessId pid);
+    /// Removes a window and calls the observers.
     void closeWindow(WindowId id);
+    /// Removes an application with its windows and calls the observers.
     void endApplication(ProcessId pid);
 };
 

@@ -9,25 +9,27 @@
 
 namespace tessarel::sim {
 
-/// The status item of the simulated desktop, with what a user sees of it and does to it.
+/// The status item of the simulated desktop. Records what a user sees of it, and lets a test use the menu.
 class SimStatusItem : public StatusItemPort {
 public:
     [[nodiscard]] SubscriptionPtr create(Delegate delegate) override;
+    /// Fails for a name that is not in `symbols`.
     bool setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) override;
     void clearImage() override;
     void setTitle(std::string_view title) override;
     void setAppearsDisabled(bool appearsDisabled) override;
 
-    /// The user opens the menu. The item must be up.
+    /// Opens the menu. The item must exist.
     [[nodiscard]] Menu openMenu() { return m_delegate->menuNeedsUpdate(); }
-    /// The user chooses a row, which may be one of a menu opened earlier.
+    /// Chooses a row of a menu that was opened now or earlier. The item must exist.
     void choose(const MenuItem& item) { m_delegate->itemSelected(item); }
 
+    /// Returns whether the item exists.
     [[nodiscard]] bool isUp() const { return m_delegate.has_value(); }
 
-    std::set<std::string, std::less<>> symbols{"rectangle.3.group", "square.grid.2x2",
-                                               "rectangle.split.3x1"}; ///< what the system has
-    std::string symbol; ///< what the item shows; empty: no image
+    /// Names of the symbols that the system has.
+    std::set<std::string, std::less<>> symbols{"rectangle.3.group", "square.grid.2x2", "rectangle.split.3x1"};
+    std::string symbol; ///< name of the symbol that the item shows; empty if it shows no image
     std::string accessibilityDescription;
     std::string title;
     bool appearsDisabled = false;

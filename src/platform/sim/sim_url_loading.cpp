@@ -9,6 +9,7 @@ namespace tessarel::sim {
 
 namespace {
 
+/// Returns whether `url` is one that the port promises to load.
 bool isOfTheWeb(std::string_view url) {
     return url.starts_with("http://") || url.starts_with("https://");
 }

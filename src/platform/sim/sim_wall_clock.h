@@ -7,7 +7,7 @@
 
 namespace tessarel::sim {
 
-/// Date and time that go with the simulated clock.
+/// A real-time clock that advances with the simulated clock.
 class SimWallClock : public WallClockPort {
 public:
     explicit SimWallClock(SimClock& clock) : m_clock(clock) {}
@@ -16,7 +16,9 @@ public:
         return start + std::chrono::duration<double>(m_clock.now().time_since_epoch()).count();
     }
 
-    double start = 1'800'000'000; ///< when the simulated clock began; may be set at any time
+    /// Unix time at which the simulated clock started, in seconds. A test may change it at any time, as a
+    /// user may set the clock.
+    double start = 1'800'000'000;
 
 private:
     SimClock& m_clock;

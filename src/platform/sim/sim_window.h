@@ -13,38 +13,43 @@
 
 namespace tessarel::sim {
 
-/// Names a window of the simulated desktop for ever.
+/// The id of a window of the simulated desktop, which is never reused.
 enum class WindowId : std::uint32_t {};
 
-/// What an application says instead of the truth when asked for an attribute; empty: it does not answer.
+/// Values that an application returns for attributes instead of the real ones. An empty value makes the read
+/// fail.
 using AttributeOverrides = std::map<std::string, std::optional<AttributeValue>, std::less<>>;
 
-/// A window of the simulated desktop, and how it takes to being moved.
+/// A window of the simulated desktop, and how it reacts to being moved.
 struct SimWindow {
     static constexpr double kUnlimited = std::numeric_limits<double>::infinity();
 
-    Rect axFrame = {};                    ///< where it stands, or will stand when it has stopped moving
-    Size minimum{1, 1};                   ///< never smaller
-    Size maximum{kUnlimited, kUnlimited}; ///< never larger; equal to `minimum`: of fixed size
-    Size step = {};                       ///< sizes are whole steps, rounded down; none when empty
-    bool cutAtDisplayEdge = false;        ///< no size beyond the right or bottom edge of its display
+    /// The frame in accessibility coordinates that the window has or, while it moves, will have.
+    Rect axFrame = {};
+    Size minimum{1, 1};
+    Size maximum{kUnlimited, kUnlimited}; ///< equal to `minimum` for a window of fixed size
+    Size step = {};                       ///< sizes are multiples of it, rounded down; 0 for any size
+    /// Written sizes are cut at the right and bottom edges of the display.
+    bool cutAtDisplayEdge = false;
     bool minimized = false;
-    bool fullScreen = false; ///< and then it keeps its frame
+    bool fullScreen = false; ///< ignores writes of its frame
     std::optional<std::string> role = "AXWindow";
     std::optional<std::string> subrole = "AXStandardWindow";
-    std::optional<std::string> partRole =
-        {}; ///< of the part found at any point of it; empty: itself is found
+    /// Role of the part that is found at every point of the window. If empty, the window itself is found.
+    std::optional<std::string> partRole = {};
     AttributeOverrides overrides = {};
     std::optional<double> alpha = 1;
-    std::optional<ListedWindow> listed = {};   ///< what the window list says instead of the truth
-    MainQueuePort::Duration settlingTime = {}; ///< how long it is on its way after a write
+    std::optional<ListedWindow> listed = {}; ///< replaces the entry in the window list
+    /// Time after a write until the window is seen in its new frame.
+    MainQueuePort::Duration settlingTime = {};
 
-    Rect axFrameBefore = {}; ///< where it is seen until `settledAt`
+    // Set by the desktop.
+    Rect axFrameBefore = {}; ///< the frame in which the window is seen until `settledAt`
     MainQueuePort::TimePoint settledAt = {};
-    WindowId id = {};  ///< given by the desktop
-    ProcessId pid = 0; ///< given by the desktop
+    WindowId id = {};
+    ProcessId pid = 0;
 
-    /// Where it is seen at `now`.
+    /// Returns the frame in which the window is seen at `now`.
     [[nodiscard]] const Rect& shownAxFrame(MainQueuePort::TimePoint now) const {
         return now < settledAt ? axFrameBefore : axFrame;
     }

@@ -7,12 +7,12 @@
 
 namespace tessarel::sim {
 
-/// The windows of the simulated desktop in their stacking order.
+/// The window list of the simulated desktop.
 class SimWindowList : public WindowListPort {
 public:
     explicit SimWindowList(SimState& state) : m_state(state) {}
 
-    /// Says what `listed` of a window says, and of all others the truth. Minimised windows are not on screen.
+    /// Returns all windows but minimised ones, front to back. `SimWindow::listed` replaces a window's entry.
     [[nodiscard]] std::vector<ListedWindow> onScreenWindows() override;
 
 private:

@@ -11,7 +11,7 @@
 
 namespace tessarel::sim {
 
-/// The programs of the simulated desktop.
+/// The workspace port of the simulated desktop.
 class SimWorkspace : public WorkspacePort {
 public:
     explicit SimWorkspace(SimState& state) : m_state(state) {}
@@ -22,12 +22,14 @@ public:
     [[nodiscard]] std::optional<RunningApplication> runningApplication(ProcessId pid) override {
         return m_state.running(pid);
     }
+    /// Returns all applications, sorted by process id.
     [[nodiscard]] std::vector<RunningApplication> runningApplications() override {
         std::vector<RunningApplication> all;
         for (const auto& [pid, application] : m_state.applications)
             all.push_back({pid, application.bundleIdentifier, application.isRegular});
         return all;
     }
+    /// Returns the name with which the application was installed, whether it runs or not.
     [[nodiscard]] std::optional<std::string> displayName(const std::string& bundleIdentifier) override {
         const auto found = m_state.installed.find(bundleIdentifier);
         return found == m_state.installed.end() ? std::nullopt : std::optional(found->second);

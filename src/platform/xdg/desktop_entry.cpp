@@ -18,7 +18,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-/// Cuts the first line off `text`.
+/// Removes the first line from `text` and returns it without surrounding blanks.
 std::string_view takeLine(std::string_view& text) {
     const std::size_t end = text.find('\n');
     const std::string_view line = text.substr(0, end);
@@ -26,9 +26,10 @@ std::string_view takeLine(std::string_view& text) {
     return trimmed(line);
 }
 
-/// The value of `key` in the main group; empty when it is missing.
+/// Returns the value of `key` in the main group, `std::nullopt` if it is missing.
 std::optional<std::string_view> value(std::string_view content, std::string_view key) {
-    if (content.find(key) == std::string_view::npos) // most entries lack most keys
+    // Most entries lack most keys, and a plain search is faster than a look at every line.
+    if (content.find(key) == std::string_view::npos)
         return std::nullopt;
     bool inGroup = false;
     while (!content.empty()) {
@@ -42,7 +43,7 @@ std::optional<std::string_view> value(std::string_view content, std::string_view
     return std::nullopt;
 }
 
-/// `text` as the value of a string key: what would end the line, or be taken for an escape, is escaped.
+/// Escapes `text` as the value of a string key: backslashes, line breaks and tabs.
 std::string escaped(std::string_view text) {
     std::string result;
     for (const char character : text) {
@@ -66,7 +67,8 @@ std::string escaped(std::string_view text) {
     return result;
 }
 
-/// The text that an escaped value stands for, on one line: all that is blank in it is a space.
+/// Decodes the escapes of a string value. Escaped line breaks and tabs become spaces, so that the result is a
+/// single line. A backslash before any other character is dropped; one at the end stays.
 std::string oneLine(std::string_view value) {
     constexpr std::string_view kEscapedBlanks = "sntr";
     std::string result;
@@ -82,6 +84,7 @@ std::string oneLine(std::string_view value) {
     return result;
 }
 
+/// Returns an entry with the given name, followed by the lines in `rest`.
 std::string entry(std::string_view name, std::string_view rest) {
     std::string content(kGroup);
     content += "\nType=Application\nName=";
@@ -102,9 +105,10 @@ std::string execWord(std::string_view argument) {
         if (kEscapedInQuotes.find(character) != std::string_view::npos)
             word += '\\';
         word += character;
-        if (character == '%') // else it would start a field code
+        if (character == '%') // a single one would start a field code
             word += character;
     }
+    // The quotes are part of the string value, whose own escapes come on top.
     return escaped(quoted ? '"' + word + '"' : word);
 }
 

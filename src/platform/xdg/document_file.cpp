@@ -16,10 +16,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
+/// The mode bits that are kept when a file is replaced.
 constexpr mode_t kPermissions = 0777;
 constexpr std::string_view kTemporarySuffix = ".tmp";
 
-/// Repeats a system call that a signal has interrupted.
+/// Calls `call` until no signal interrupts it, and returns its result.
 template <typename Call>
 auto retried(Call call) {
     auto result = call();
@@ -28,6 +29,7 @@ auto retried(Call call) {
     return result;
 }
 
+/// An open file that is closed on destruction.
 class FileDescriptor {
 public:
     FileDescriptor(const fs::path& path, int flags, mode_t mode = 0)
@@ -60,13 +62,15 @@ bool sync(int descriptor) {
     return retried([&] { return ::fsync(descriptor); }) == 0;
 }
 
-/// Makes new names in the folder last. Some file systems cannot; their names last as they can.
+/// Writes the names of new files in `folder` to the disk. Failures are ignored, because some file systems do
+/// not support it.
 void syncFolder(const fs::path& folder) {
     const FileDescriptor descriptor(folder, O_RDONLY | O_DIRECTORY);
     if (descriptor.isOpen())
         sync(descriptor.get());
 }
 
+/// Creates `folder` and its missing parents for the owner only. Returns true if it exists already.
 bool makeFolder(const fs::path& folder) {
     constexpr mode_t kOwnerOnly = 0700;
     int result = ::mkdir(folder.c_str(), kOwnerOnly);
@@ -78,7 +82,8 @@ bool makeFolder(const fs::path& folder) {
     return true;
 }
 
-/// The path at the end of the symbolic links that begin at `path`; a link if they run in a circle.
+/// Follows the symbolic links that start at `path` and returns the last target, which need not exist. Returns
+/// a link if they form a cycle.
 fs::path followed(fs::path path) {
     constexpr int kMostLinks = 40;
     for (int links = 0; links < kMostLinks; ++links) {
@@ -91,7 +96,7 @@ fs::path followed(fs::path path) {
     return path;
 }
 
-/// A file that is gone with this object, unless it has become another one.
+/// A new file that is deleted on destruction, unless `become` has renamed it.
 class TemporaryFile {
 public:
     explicit TemporaryFile(fs::path path)
@@ -109,6 +114,8 @@ public:
 
     void setPermissions(mode_t permissions) const { ::fchmod(m_descriptor.get(), permissions); }
 
+    /// Renames the file to `path`, atomically. The content is written to the disk first, so that a crash
+    /// cannot leave an empty file under the new name.
     [[nodiscard]] bool become(const fs::path& path) {
         m_hasBecome = sync(m_descriptor.get()) && std::rename(m_path.c_str(), path.c_str()) == 0;
         return m_hasBecome;
@@ -120,6 +127,7 @@ private:
     bool m_hasBecome = false;
 };
 
+/// Returns whether `process` exists. EPERM means that it belongs to another user.
 bool isAlive(pid_t process) {
     return ::kill(process, 0) == 0 || errno == EPERM;
 }
@@ -129,6 +137,7 @@ bool isAlive(pid_t process) {
 DocumentFile::DocumentFile(const fs::path& path) : m_path(followed(path)) {}
 
 std::optional<std::string> DocumentFile::read() const {
+    // O_NONBLOCK: opening a pipe would wait for its writer.
     const FileDescriptor descriptor(m_path, O_RDONLY | O_NONBLOCK | O_NOCTTY);
     struct stat status {};
     if (!descriptor.isOpen() || ::fstat(descriptor.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
@@ -137,7 +146,7 @@ std::optional<std::string> DocumentFile::read() const {
 
     std::string bytes;
     std::vector<char> buffer(static_cast<std::size_t>(status.st_size) + 1);
-    while (bytes.size() <= kLargest) {
+    while (bytes.size() <= kLargest) { // another process may make the file larger meanwhile
         const ssize_t count = retried([&] { return ::read(descriptor.get(), buffer.data(), buffer.size()); });
         if (count < 0)
             return std::nullopt;
@@ -163,11 +172,11 @@ bool DocumentFile::keepRejected() const {
     for (int number = 1; number <= kMostCopies; ++number) {
         fs::path copy = m_path;
         copy += number == 1 ? ".rejected" : ".rejected." + std::to_string(number);
-        // A second name for the same file needs neither space nor the right to read it.
+        // A hard link needs neither disk space nor the permission to read the file.
         if (::link(m_path.c_str(), copy.c_str()) == 0)
             return true;
         if (errno != EEXIST)
-            return copyTo(copy);
+            return copyTo(copy); // the file system may have no hard links
         if (holdsTheSameAs(copy))
             return true;
     }
@@ -186,7 +195,7 @@ bool DocumentFile::replace(std::string_view bytes) const {
     TemporaryFile temporary(temporaryPath());
     if (!temporary.write(bytes))
         return false;
-    // The owner must be able to read it again, whatever the old permissions were.
+    // The owner must be able to read the file again, even if the old one was not readable.
     if (!isNew)
         temporary.setPermissions((old.st_mode & kPermissions) | S_IRUSR);
     if (!temporary.become(m_path))
@@ -240,7 +249,7 @@ void DocumentFile::removeStaleTemporaries() const {
     for (fs::directory_iterator entry(m_path.parent_path(), error), last; !error && entry != last;
          entry.increment(error)) {
         const auto writer = temporaryWriter(entry->path().filename().string());
-        // One of this process is stale as well: it writes one at a time.
+        // A file of this process is stale, too, because it writes only one at a time.
         if (writer && (*writer == ::getpid() || !isAlive(*writer)))
             ::unlink(entry->path().c_str());
     }

@@ -9,45 +9,50 @@
 
 namespace tessarel::xdg {
 
-/// One file that holds a document and is only ever replaced as a whole.
+/// A file that holds one document and is always replaced as a whole.
 ///
-/// A symbolic link stays one: the file that it leads to is read and replaced.
+/// If the path is a symbolic link, its target is read and replaced, and the link stays.
 class DocumentFile {
 public:
-    /// A larger file is not read.
+    /// Largest file that is read, in bytes.
     static constexpr std::size_t kLargest = std::size_t{16} << 20U;
-    /// Copies beyond this number are not made.
+    /// Most rejected documents that are kept beside one file.
     static constexpr int kMostCopies = 99;
 
+    /// Follows symbolic links now; links that change later are not noticed.
     explicit DocumentFile(const std::filesystem::path& path);
 
-    /// The whole file. None if there is no file, if it cannot be read, is larger than `kLargest` or is not a
-    /// regular file; does not wait for the other end of a pipe.
+    /// Returns the content. Returns `std::nullopt` if the file does not exist, cannot be read, is larger than
+    /// `kLargest` or is not a regular file. Does not block on a pipe.
     [[nodiscard]] std::optional<std::string> read() const;
 
-    /// Whether anything stands at the path, readable or not.
+    /// Returns whether anything exists at the path, readable or not. Returns true if that cannot be
+    /// determined.
     [[nodiscard]] bool exists() const;
 
-    /// Keeps what the file holds under a further name beside it that ends in ".rejected", a number following
-    /// if other documents have the name already. True if it is kept, now or before, or if there is nothing to
-    /// keep.
+    /// Keeps the content in a further file beside this one, with the suffix ".rejected" or, if other
+    /// documents have taken that name, ".rejected.2" and so on. Returns true if the content is kept, now or
+    /// by an earlier call, or if there is no file; false if it cannot be kept.
     [[nodiscard]] bool keepRejected() const;
 
-    /// Makes `bytes` the file's content, durably, and keeps its permissions; a new file is the user's alone.
-    /// Missing folders are made. Whatever happens meanwhile, the file is the old or the new one, whole. False
-    /// if it is still the old one.
+    /// Replaces the content with `bytes`, atomically and durably: after a crash the file has the old or the
+    /// new content. Keeps the permissions of an existing file; a new one is accessible to the user only.
+    /// Creates missing folders. Returns false if the old content is still in place.
     [[nodiscard]] bool replace(std::string_view bytes) const;
 
 private:
     [[nodiscard]] bool copyTo(const std::filesystem::path& copy) const;
+    /// Returns whether `copy` is the same file as this one or has the same content.
     [[nodiscard]] bool holdsTheSameAs(const std::filesystem::path& copy) const;
 
-    /// Where this process writes what is to become the file. The name tells the process, so that what a
-    /// killed one has left behind is known for it.
+    /// Returns the path at which this process writes the new content. The name contains the process id, so
+    /// that a file left behind by a killed process can be recognised.
     [[nodiscard]] std::filesystem::path temporaryPath() const;
     [[nodiscard]] std::string temporaryPrefix() const;
-    /// Process that writes the temporary file of this name; none if it is not the name of one.
+    /// Returns the id of the process that writes the temporary file called `name`, `std::nullopt` if it is
+    /// not a temporary file of this document.
     [[nodiscard]] std::optional<pid_t> temporaryWriter(std::string_view name) const;
+    /// Deletes temporary files of this document whose process has exited.
     void removeStaleTemporaries() const;
 
     std::filesystem::path m_path;

@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The variable's value as a path if it is an absolute one, else empty.
+/// Returns the value of an environment variable if it is an absolute path, otherwise an empty path.
 fs::path absoluteFromEnvironment(const char* variable) {
     const char* const value = std::getenv(variable);
     if (value == nullptr || *value != '/')
@@ -20,6 +20,7 @@ fs::path absoluteFromEnvironment(const char* variable) {
     return value;
 }
 
+/// Returns the home folder from $HOME or the user database; empty if neither has an absolute path.
 fs::path home() {
     auto fromEnvironment = absoluteFromEnvironment("HOME");
     if (!fromEnvironment.empty())
@@ -52,6 +53,7 @@ std::optional<std::string> FilePreferences::data(std::string_view key) {
         return std::nullopt;
     const DocumentFile file(path(key));
     auto bytes = file.read();
+    // A file that exists but cannot be read must not be lost in the next save.
     if (!bytes && file.exists())
         keepRejected(key);
     return bytes;

@@ -17,12 +17,14 @@ namespace {
 
 constexpr std::string_view kEnding = ".desktop";
 
+/// Returns when an entry was last added to `folder` or removed from it; `std::nullopt` if it does not exist.
 std::optional<fs::file_time_type> changeOf(const fs::path& folder) {
     std::error_code failure;
     const auto time = fs::last_write_time(folder, failure);
     return failure ? std::nullopt : std::optional(time);
 }
 
+/// Returns `text` with the letters A to Z in lower case, whatever the locale.
 std::string lowered(std::string_view text) {
     std::string result(text);
     std::ranges::transform(result, result.begin(), [](char character) {
@@ -32,7 +34,8 @@ std::string lowered(std::string_view text) {
     return result;
 }
 
-/// The entry's name for ever: its place below the folder of entries, without the ending.
+/// Returns the identifier of the entry `file` in `folder`: its relative path with '-' for every '/', without
+/// the suffix.
 std::string identifierOf(const fs::path& file, const fs::path& folder) {
     std::string identifier = file.native().substr(folder.native().size());
     identifier.erase(0, identifier.find_first_not_of('/'));
@@ -115,7 +118,7 @@ void InstalledApplications::read() {
 }
 
 void InstalledApplications::readFolder(const fs::path& folder) {
-    m_changed[folder] = changeOf(folder); // before it is read: what comes later is a change
+    m_changed[folder] = changeOf(folder); // first, so that a change while it is read is noticed later
     std::error_code failure;
     fs::recursive_directory_iterator file(folder, fs::directory_options::skip_permission_denied, failure);
     for (; !failure && file != fs::recursive_directory_iterator(); file.increment(failure)) {
@@ -129,7 +132,7 @@ void InstalledApplications::readFolder(const fs::path& folder) {
 
 void InstalledApplications::readEntry(const fs::path& file, const std::string& identifier) {
     const bool isNew = m_files.try_emplace(identifier, file).second;
-    if (!isNew) // a more important one stands for it
+    if (!isNew) // an entry in a more important folder takes precedence
         return;
     const auto content = readSmallFile(file);
     if (!content || !desktop_entry::isShown(*content))

@@ -12,34 +12,36 @@
 
 namespace tessarel::xdg {
 
-/// The applications that are installed: by the class that their windows carry, and by name.
+/// The installed applications, as their desktop entries describe them.
 ///
-/// They are looked through when first asked for, and again by `refresh` after a folder has changed.
-/// Entries that cannot be read, or are larger than any real one, are passed over.
+/// The entries are read on first use, and again by `refresh` after a folder has changed. Entries that cannot
+/// be read or are larger than 256 KiB are ignored.
 class InstalledApplications {
 public:
-    /// Folders of entries, the most important first; they need not exist. Names are told in the first of
-    /// `languages` that an entry speaks.
+    /// `folders` contain the desktop entries, the most important folder first; they need not exist.
+    /// `languages` are the languages of display names, the preferred one first.
     explicit InstalledApplications(std::vector<std::filesystem::path> folders,
                                    std::vector<std::string> languages = userLanguages());
 
-    /// Those of the user and of the system, as the environment tells.
+    /// Returns the folders of the user and of the system that the environment names, the most important
+    /// first.
     [[nodiscard]] static std::vector<std::filesystem::path> folders();
 
-    /// Makes what was installed or removed meanwhile known. Looks at the folders, and at their entries only
-    /// if one has changed.
+    /// Reads the entries again if a folder has changed since they were read. Otherwise costs only a look at
+    /// each folder's time stamp.
     void refresh();
 
-    /// The identifier of the application whose windows carry `windowClass`: the name of its entry, without
-    /// the ending. An entry that names the class comes before one that is called like it; letters match
-    /// whatever their case.
+    /// Returns the identifier of the application whose windows have the class `windowClass`; `std::nullopt`
+    /// if none is known. The identifier is the name of the entry without its suffix. An entry that names the
+    /// class takes precedence over one whose identifier equals it. The case of ASCII letters is ignored.
     [[nodiscard]] std::optional<std::string> identifier(std::string_view windowClass);
 
-    /// What the application with this identifier is called; none when it is not installed now.
+    /// Returns the name of an application in the user's language. Returns `std::nullopt` if it is not
+    /// installed now.
     [[nodiscard]] std::optional<std::string> displayName(const std::string& identifier);
 
-    /// The identifier of the application whose entry is `file`; none when it is not an entry that stands for
-    /// one. An entry from elsewhere is called like its file.
+    /// Returns the identifier of the application that the desktop entry `file` describes; `std::nullopt` if
+    /// it describes none or has no name. A file outside the folders is identified by its name alone.
     [[nodiscard]] std::optional<std::string> identifierOfEntry(const std::filesystem::path& file) const;
 
 private:
@@ -53,11 +55,12 @@ private:
 
     std::vector<std::filesystem::path> m_folders;
     std::vector<std::string> m_languages;
-    std::map<std::filesystem::path, std::optional<Time>> m_changed; ///< of every folder looked through
-    /// The entry that stands for each identifier, whether it is of use or not.
+    /// Time stamp of every folder when it was read, empty for a missing one.
+    std::map<std::filesystem::path, std::optional<Time>> m_changed;
+    /// The most important entry of each identifier, even if it is hidden or unreadable.
     std::unordered_map<std::string, std::filesystem::path> m_files;
-    Identifiers m_byClass;
-    Identifiers m_byName;
+    Identifiers m_byClass; ///< identifiers by window class, in lower case
+    Identifiers m_byName;  ///< identifiers by their lower-case form
 };
 
 } // namespace tessarel::xdg

@@ -22,7 +22,7 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view kEntryName = "autostart/tessarel.desktop";
 
-/// The folder that an environment variable names; relative ones are to be ignored.
+/// Returns the folder that an environment variable names; `std::nullopt` if it is unset or relative.
 std::optional<fs::path> folderFrom(const char* variable) {
     const char* const text = std::getenv(variable);
     if (text == nullptr || !fs::path(text).is_absolute())
@@ -30,6 +30,7 @@ std::optional<fs::path> folderFrom(const char* variable) {
     return fs::path(text);
 }
 
+/// Returns the system's configuration folders, the most important first. Relative ones are ignored.
 std::vector<fs::path> systemConfigFolders() {
     const char* const list = std::getenv("XDG_CONFIG_DIRS");
     if (list == nullptr || *list == '\0')
@@ -42,7 +43,8 @@ std::vector<fs::path> systemConfigFolders() {
     return folders;
 }
 
-/// The file that runs now, under the name that a newer version of it has taken in the meantime.
+/// Returns the path of the running executable. The kernel appends " (deleted)" once a newer version has
+/// replaced the file; the path without it then names the newer version.
 fs::path runningProgram() {
     constexpr std::string_view kReplaced = " (deleted)";
     std::error_code error;
@@ -52,12 +54,14 @@ fs::path runningProgram() {
     return path;
 }
 
+/// Returns an error text for the user: "The <subject> <path> <what>: <reason>."
 std::string sentence(std::string_view subject, const fs::path& path, std::string_view what, int error) {
     return std::string("The ").append(subject).append(" ").append(path.string()).append(" ").append(what) +
            ": " + std::generic_category().message(error) + ".";
 }
 
-/// Writes and closes `fd`; 0, or what went wrong.
+/// Writes `content` to `fd`, durably and readable for everyone, and closes it in any case. Returns 0 or the
+/// `errno` of the first failure.
 int writeAndClose(int fd, std::string_view content) {
     int error = 0;
     while (!content.empty() && error == 0) {
@@ -96,7 +100,7 @@ LoginItemPort::Status XdgLoginItem::status() {
 bool XdgLoginItem::startedForAllUsers() const {
     for (const fs::path& folder : m_setup.configFolders)
         if (const auto entry = readSmallFile(folder / kEntryName))
-            return desktop_entry::isEnabled(*entry); // it hides those of the folders after it
+            return desktop_entry::isEnabled(*entry); // it hides the entries in all later folders
     return false;
 }
 
@@ -119,7 +123,7 @@ std::optional<std::string> XdgLoginItem::write(const std::string& content) const
     if (failure || !fs::is_directory(folder, failure))
         return sentence("folder", folder, "cannot be created", failure ? failure.value() : ENOTDIR);
 
-    // A session that starts now finds the old entry or the new one, never half of one.
+    // The entry is replaced atomically: a session that starts now reads the old one or the new one.
     std::string temporary = m_entry.string() + ".XXXXXX";
     const int fd = ::mkstemp(temporary.data());
     if (fd < 0)

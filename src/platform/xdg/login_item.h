@@ -8,28 +8,33 @@
 
 namespace tessarel::xdg {
 
-/// Start at login by an entry in the user's autostart folder, as every desktop's session reads it.
+/// Starts the program at login through an entry in the user's autostart folder, which the session of every
+/// desktop reads.
 ///
-/// Nothing is kept in memory: what the desktop's own settings, or the user by hand, do to the entry shows at
-/// once. An entry of the same name for all users counts until the user has one of their own.
+/// Nothing is cached, so changes made in the desktop's settings or by hand take effect at once. An entry of
+/// the same name for all users applies as long as the user has none.
 class XdgLoginItem : public LoginItemPort {
 public:
-    /// Where autostart entries stand, and what ours starts.
+    /// The folders of autostart entries, and the program that the entry starts.
     struct Setup {
-        std::filesystem::path configHome;                 ///< of the user
-        std::vector<std::filesystem::path> configFolders; ///< of the system, the most important first
-        std::filesystem::path program;                    ///< absolute
-        std::string name;                                 ///< of the program, for the user
+        std::filesystem::path configHome;                 ///< the user's configuration folder
+        std::vector<std::filesystem::path> configFolders; ///< the system's, the most important first
+        std::filesystem::path program;                    ///< absolute path of the executable
+        std::string name;                                 ///< shown in the desktop's settings
     };
 
     explicit XdgLoginItem(Setup setup);
 
-    /// The running program `name`, and the folders that the environment tells.
+    /// Returns a setup for the running executable with the folders that the environment names. `name` is the
+    /// program's name for the user.
     [[nodiscard]] static Setup ofThisProgram(std::string name);
 
+    /// Returns `Enabled` or `NotRegistered`. An entry that exists but is disabled counts as not registered.
     [[nodiscard]] Status status() override;
+    /// Writes the user's entry, replacing one that disables the start.
     [[nodiscard]] std::optional<std::string> registerItem() override;
-    /// Where an entry for all users would start the program, the user's own entry is left, saying no.
+    /// Removes the user's entry. If an entry for all users would then start the program, writes one that
+    /// hides it instead.
     [[nodiscard]] std::optional<std::string> unregisterItem() override;
 
 private:

@@ -11,9 +11,10 @@ namespace tessarel::xdg {
 
 namespace {
 
-constexpr off_t kLargest = off_t{256} * 1024;
+constexpr off_t kLargest = off_t{256} * 1024; // bytes
 
-/// An open file that closes itself.
+/// A file opened for reading, which is closed on destruction. O_NONBLOCK keeps open() from waiting for the
+/// writer of a pipe.
 class File {
 public:
     explicit File(const std::filesystem::path& path)

@@ -5,8 +5,9 @@
 
 namespace tessarel::xdg {
 
-/// The languages that the user wants texts in, the most wanted first, spelled like those of desktop entries:
-/// "de_AT@euro", "de_AT", "de@euro", "de". None when the environment asks for texts as they stand.
+/// Returns the user's languages, the preferred one first, spelled as in desktop entries: "de_AT@euro",
+/// "de_AT", "de@euro", "de". A language may occur twice. Empty if the environment asks for untranslated
+/// texts.
 [[nodiscard]] std::vector<std::string> userLanguages();
 
 } // namespace tessarel::xdg

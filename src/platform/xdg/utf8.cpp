@@ -9,8 +9,8 @@ namespace tessarel::xdg {
 namespace {
 
 bool isUtf8(const QByteArray& text) {
-    QStringDecoder decoder(QStringDecoder::Utf8,
-                           QStringDecoder::Flag::Stateless); // rejects a cut-off character
+    // Stateless: an incomplete character at the end is an error instead of waiting for more input.
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     const QString decoded = decoder(text);
     return !decoder.hasError();
 }
