@@ -10,9 +10,10 @@ namespace tessarel::qt {
 
 namespace {
 
-/// Qt asks for them on the root window and makes nothing of them there.
+/// Qt selects these events on the root window but does not use them there.
 constexpr std::uint32_t kCrossings = XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW;
 
+/// Removes the crossing events from this connection's event mask of `window`.
 void ignoreCrossingsOf(xcb_connection_t* xcb, xcb_window_t window) {
     const auto cookie = xcb_get_window_attributes(xcb, window);
     const Reply<xcb_get_window_attributes_reply_t> attributes(

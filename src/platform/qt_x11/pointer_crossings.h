@@ -2,9 +2,10 @@
 
 namespace tessarel::qt {
 
-/// Keeps Qt from being told each time the pointer passes from the bare desktop to a window or back, which
-/// would wake the program while a mouse merely moves. Needs the application object; does nothing where Qt
-/// does not run on X11.
+/// Deselects EnterNotify and LeaveNotify on the root windows for Qt's connection. Each of these events would
+/// wake the program whenever the pointer moves between the root window and another window.
+///
+/// Requires the application object. Does nothing when Qt does not run on X11.
 void ignorePointerCrossings();
 
 } // namespace tessarel::qt

@@ -13,6 +13,7 @@ xcb_connection_t* qtConnection() {
 }
 
 int screenNumber() {
+    // xcb allocates the host name even though only the screen is needed.
     char* host = nullptr;
     int display = 0;
     int screen = 0;

@@ -8,23 +8,26 @@
 
 namespace tessarel::qt {
 
-/// Qt's own connection to the X server, for requests about windows of Qt's: it never waits for events. Null
-/// when Qt does not run on X11.
+/// Returns Qt's own connection to the X server, or null when Qt does not run on X11.
+///
+/// Use it for requests about Qt's windows. Never wait for an event on this connection: Qt reads it in another
+/// thread.
 [[nodiscard]] xcb_connection_t* qtConnection();
 
+/// Releases memory with std::free(), because xcb allocates replies with malloc().
 struct FreeDeleter {
     void operator()(void* reply) const { std::free(reply); }
 };
 
-/// An answer of the X server.
+/// Owns a reply or an error of xcb; null when there is none.
 template <class T>
 using Reply = std::unique_ptr<T, FreeDeleter>;
 
-/// Number of the screen that $DISPLAY names.
+/// Returns the index of the X screen that $DISPLAY names, or 0 when it is not valid.
 [[nodiscard]] int screenNumber();
-/// XCB_ATOM_NONE when the server does not answer.
+/// Interns an atom. Takes a round trip. Returns XCB_ATOM_NONE when the connection is lost.
 [[nodiscard]] xcb_atom_t internAtom(xcb_connection_t* xcb, std::string_view name);
-/// XCB_WINDOW_NONE when nobody owns the selection.
+/// Returns the window that owns `selection`, or XCB_WINDOW_NONE when it has no owner. Takes a round trip.
 [[nodiscard]] xcb_window_t ownerOf(xcb_connection_t* xcb, xcb_atom_t selection);
 
 } // namespace tessarel::qt

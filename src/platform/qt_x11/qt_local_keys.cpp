@@ -15,7 +15,8 @@
 
 namespace tessarel::qt {
 
-/// The keyboard, held for at most one window at a time.
+/// An active keyboard grab for at most one window at a time. With it, combinations that are registered as hot
+/// keys, by this program or another, come to the window as ordinary key events.
 class QtLocalKeys::KeyboardGrab {
 public:
     KeyboardGrab() = default;
@@ -23,7 +24,7 @@ public:
     KeyboardGrab& operator=(const KeyboardGrab&) = delete;
     ~KeyboardGrab() { holdFor(nullptr); }
 
-    /// For `window` from now on; null lets go.
+    /// Moves the grab to `window`; null releases it.
     void holdFor(QWindow* window) {
         if (m_window == window)
             return;
@@ -35,21 +36,24 @@ public:
     }
 
 private:
-    QPointer<QWindow> m_window;
+    QPointer<QWindow> m_window; // null once the window has been destroyed, which ends the grab
 };
 
-/// Sees every event of the application before its receiver, while there is a monitor, and then until the key
-/// that was consumed last is released: its repetitions are nobody else's.
+/// The application-wide event filter that feeds the monitors.
+///
+/// It is installed while there is a monitor, and afterwards until the last consumed key is released: the
+/// repetitions of that key must not reach other receivers.
 class QtLocalKeys::Filter : public QObject, public std::enable_shared_from_this<Filter> {
 public:
     Filter(Translation translation, Look isHeld)
         : m_translation(std::move(translation)), m_isHeld(std::move(isHeld)) {
         QObject::connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this] {
-            m_heldKey.reset(); // others hear of its release
+            m_heldKey.reset(); // its release goes to another window
             update();
         });
     }
 
+    /// Adds a handler and returns its number. Lower numbers are called first.
     [[nodiscard]] int add(Handler handler) {
         m_handlers.emplace(m_next, std::move(handler));
         update();
@@ -61,11 +65,12 @@ public:
     }
 
     bool eventFilter(QObject* receiver, QEvent* event) override {
-        if (!receiver->isWindowType()) // keys come to a window first, and from there to its controls
+        // Qt delivers key events to the window first and then to the focused widget. The first is enough.
+        if (!receiver->isWindowType())
             return false;
         switch (event->type()) {
         case QEvent::ShortcutOverride:
-            event->accept(); // and do not look for a shortcut: the press itself follows
+            event->accept(); // keeps Qt from triggering a shortcut; the key press itself follows
             return true;
         case QEvent::KeyPress:
             return handlePress(static_cast<const QKeyEvent&>(*event));
@@ -78,7 +83,8 @@ public:
     }
 
 private:
-    /// The focus has come to a window of ours or left it, which Qt may not have told of yet.
+    /// Releases the grab at once when the focus has left, of which Qt reports only later. When it has come,
+    /// grabs only once Qt agrees which window is focused.
     void focusChanged(KeyboardFocusWatch::Change change, WId window) {
         m_isFocusLost = change == KeyboardFocusWatch::Change::Lost;
         const QWindow* const known = QGuiApplication::focusWindow();
@@ -86,14 +92,19 @@ private:
             update();
     }
 
+    /// Returns true when the press was consumed, which also holds for repetitions and for keys without a
+    /// virtual key code.
     bool handlePress(const QKeyEvent& press) {
+        // Typed while this program still held the grab, but meant for another window: discard it.
         if (m_isFocusLost)
-            return true; // typed for another window while the keyboard was still ours
+            return true;
         const auto key = m_translation(press.nativeScanCode(), press.nativeModifiers());
         if (!key || press.isAutoRepeat() || m_heldKey == press.nativeScanCode())
             return true;
-        const auto self = shared_from_this(); // a handler may end the port
-        m_heldKey = press.nativeScanCode();   // or the last monitor
+        const auto self = shared_from_this(); // a handler may destroy the port
+        // Set before the handlers run: one of them may remove the last monitor, and the filter must stay
+        // installed.
+        m_heldKey = press.nativeScanCode();
         if (isConsumed(*key))
             return true;
         m_heldKey.reset();
@@ -102,25 +113,27 @@ private:
     }
 
     void handleRelease(const QKeyEvent& release) {
-        // Qt takes the release before a repetition for the real one when the press behind it comes late.
+        // X11 repeats a key as release and press. When the press arrives late, Qt reports the release as
+        // real, so `m_isHeld` checks whether the key is still down.
         if (m_heldKey != release.nativeScanCode() || m_isHeld(release.nativeScanCode()))
             return;
         m_heldKey.reset();
         update();
     }
 
+    /// Calls the handlers in order until one consumes the key. A handler may remove itself or others.
     [[nodiscard]] bool isConsumed(const KeyDown& key) {
         const auto present = m_handlers;
         for (const auto& [number, handler] : present) {
-            if (m_handlers.contains(number) && handler(key)) // or an earlier one has ended it
+            if (m_handlers.contains(number) && handler(key)) // skips removed handlers
                 return true;
         }
         return false;
     }
 
-    /// Takes the keyboard and sees events, or no more, as needed now.
+    /// Installs or removes the filter, and moves the grab to the focused window, as needed now.
     void update() {
-        if (qGuiApp == nullptr) // the program is ending
+        if (qGuiApp == nullptr) // the program is exiting
             return;
         const bool isNeeded = !m_handlers.empty() || m_heldKey;
         if (isNeeded && !m_focusWatch) {
@@ -139,11 +152,12 @@ private:
     KeyboardGrab m_grab;
     int m_next = 0;
     std::map<int, Handler> m_handlers;
-    std::optional<quint32> m_heldKey;               ///< consumed, and not released yet
-    std::optional<KeyboardFocusWatch> m_focusWatch; ///< while events are seen
-    bool m_isFocusLost = false;
+    std::optional<quint32> m_heldKey;               ///< scan code of a consumed key until its release
+    std::optional<KeyboardFocusWatch> m_focusWatch; ///< set while the filter is installed
+    bool m_isFocusLost = false;                     ///< the server has reported FocusOut, Qt may not have yet
 };
 
+/// Removes its handler on destruction. Shares the filter, because the monitor may outlive the port.
 class QtLocalKeys::Monitor : public Subscription {
 public:
     Monitor(std::shared_ptr<Filter> filter, Handler handler)

@@ -9,26 +9,30 @@
 
 namespace tessarel::qt {
 
-/// The keys of Qt's windows. Needs the application object from the first monitor on.
+/// Monitors key presses in this program's Qt windows. Requires the application object from the first monitor
+/// on.
 ///
-/// While a monitor lives, the window of ours that has the focus has the whole keyboard, so that combinations
-/// claimed as hot keys come to it. The keyboard is free for others whenever none of our windows has the
-/// focus.
+/// While there is a monitor, the focused window of this program grabs the keyboard, so that combinations that
+/// are registered as hot keys come to the monitor instead of triggering their action. The grab is released as
+/// soon as the focus leaves; keys typed until then are discarded.
 class QtLocalKeys : public LocalKeysPort {
 public:
-    /// What the numbers that the system knows a key and the held modifiers by mean; empty for a key without a
-    /// virtual key code.
+    /// Translates the X11 keycode and modifier mask of a key press. Returns `std::nullopt` for a key without
+    /// a virtual key code.
     using Translation =
         std::function<std::optional<KeyDown>(std::uint32_t nativeScanCode, std::uint32_t nativeModifiers)>;
 
-    /// Tells whether the key is down at this moment.
+    /// Returns whether the key is physically down now, as the server reports it.
     using Look = std::function<bool(std::uint32_t nativeScanCode)>;
 
+    /// What the functions use must outlive this object and every monitor.
     QtLocalKeys(Translation translation, Look isHeld);
     QtLocalKeys(const QtLocalKeys&) = delete;
     QtLocalKeys& operator=(const QtLocalKeys&) = delete;
     ~QtLocalKeys() override;
 
+    /// Calls `handler` with every key press until the returned subscription is destroyed. Monitors may
+    /// outlive this object.
     [[nodiscard]] SubscriptionPtr monitorKeyDown(Handler handler) override;
 
 private:
@@ -38,8 +42,8 @@ private:
 
     Translation m_translation;
     Look m_isHeld;
-    std::shared_ptr<Filter>
-        m_filter; // none before the first monitor; shared with monitors, which may outlive us
+    /// Null before the first monitor. Shared with the monitors, which may outlive this object.
+    std::shared_ptr<Filter> m_filter;
 };
 
 } // namespace tessarel::qt

@@ -6,8 +6,8 @@
 
 namespace tessarel::x11 {
 
-/// An X11 desktop shows no menu for the program in front, and text fields have the editing keys by
-/// themselves.
+/// A main menu port that does nothing. X11 desktops have no system-wide menu bar, and Qt's text fields handle
+/// the editing keys without a menu.
 class X11MainMenu : public MainMenuPort {
 public:
     void setMainMenu(const std::vector<MainMenu>&) override {}

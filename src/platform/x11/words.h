@@ -4,7 +4,7 @@
 
 namespace tessarel::x11 {
 
-/// What is true on an X11 desktop.
+/// Returns the texts of the user interface that differ between systems, as they apply to an X11 desktop.
 [[nodiscard]] inline PlatformWords words() {
     return {.modifierNames = {.ctrl = "Ctrl", .opt = "Alt", .shift = "Shift", .cmd = "Super"},
             .welcomeFirst = "Tessarel moves other programs' windows with the help of your window manager and "

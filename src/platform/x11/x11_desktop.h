@@ -26,9 +26,11 @@
 
 namespace tessarel::x11 {
 
-/// An X11 desktop: every port of this back end, on one connection.
+/// All ports of the X11 back end, on one connection.
+///
+/// The members are in order of dependency: each refers only to members above it.
 struct X11Desktop {
-    /// All references outlive the desktop.
+    /// All referenced objects must outlive the desktop.
     X11Desktop(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
                OpenUrlPort& openUrl)
         : monitors(connection), windows(connection), applications(windows),
@@ -41,7 +43,8 @@ struct X11Desktop {
     X11Desktop(const X11Desktop&) = delete;
     X11Desktop& operator=(const X11Desktop&) = delete;
 
-    /// The pixels of the root window, y down, that a rectangle in screen coordinates covers.
+    /// Converts a rectangle in screen coordinates (y up) to pixels of the root window (y down). Without a
+    /// monitor it assumes an empty primary display at the root window's origin.
     [[nodiscard]] Rect rootPixels(const Rect& screenFrame) {
         const auto& all = monitors.all();
         return rootFromScreen(screenFrame, all.empty() ? Rect{} : all.front().rootFrame);

@@ -12,11 +12,13 @@ namespace tessarel::qt {
 
 namespace {
 
+/// Returns the selection that a compositing manager owns while it runs (EWMH).
 xcb_atom_t selection(xcb_connection_t* xcb) {
     return internAtom(xcb, "_NET_WM_CM_S" + std::to_string(screenNumber()));
 }
 
-/// False when there is no such window any more.
+/// Selects DestroyNotify of `window`. Returns false when the window does not exist, which means that the
+/// compositor has just exited.
 bool watchEndOf(xcb_connection_t* xcb, xcb_window_t window) {
     const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     const auto cookie = xcb_change_window_attributes_checked(xcb, window, XCB_CW_EVENT_MASK, &events);
@@ -43,7 +45,7 @@ bool CompositorWatch::nativeEventFilter(const QByteArray& eventType, void* messa
     if (m_owner == XCB_WINDOW_NONE || eventType != "xcb_generic_event_t")
         return false;
     const auto& event = *static_cast<const xcb_destroy_notify_event_t*>(message);
-    constexpr unsigned kSentByClient = 0x80;
+    constexpr unsigned kSentByClient = 0x80; // the SendEvent bit
     if ((event.response_type & ~kSentByClient) != XCB_DESTROY_NOTIFY || event.window != m_owner)
         return false;
     m_owner = XCB_WINDOW_NONE;

@@ -17,16 +17,19 @@ namespace tessarel::qt {
 
 namespace {
 
+/// Returns the window id of the widget. Creates its window if there is none yet.
 xcb_window_t windowOf(const QWidget& widget) {
     return static_cast<xcb_window_t>(widget.winId());
 }
 
+/// Clamps a length to what the protocol allows for a window.
 std::uint32_t extent(int length) {
     constexpr int kLongest = std::numeric_limits<std::uint16_t>::max();
     return static_cast<std::uint32_t>(std::clamp(length, 1, kLongest));
 }
 
-/// The shortest length of at least `length` pixels that Qt, which rounds to whole units, paints all of.
+/// Returns the shortest length of at least `length` pixels that Qt paints completely. Qt rounds the size of a
+/// window to whole device-independent units, which can lose pixels at a fractional scale factor.
 int paintedLength(int length, double scale) {
     int longer = length;
     while (qRound(qRound(longer / scale) * scale) < length)
@@ -52,7 +55,7 @@ void coverPixels(QWidget& widget, const QRect& frame) {
         widget.setGeometry(QRect(frame.topLeft(), size / scale));
         return;
     }
-    widget.resize(size / scale); // what Qt would learn from the server only later
+    widget.resize(size / scale); // in advance: Qt would learn the size only from a later ConfigureNotify
     const std::array values = {static_cast<std::uint32_t>(frame.x()), static_cast<std::uint32_t>(frame.y()),
                                extent(size.width()), extent(size.height())};
     xcb_configure_window(xcb, windowOf(widget),
@@ -70,6 +73,7 @@ void cutOut(QWidget& widget, const QRegion& region) {
         widget.setMask(mask);
         return;
     }
+    // QRegion keeps its rectangles in the order that YX_BANDED promises.
     const auto parts = rectangles(region);
     xcb_shape_rectangles(xcb, XCB_SHAPE_SO_SET, XCB_SHAPE_SK_BOUNDING, XCB_CLIP_ORDERING_YX_BANDED,
                          windowOf(widget), 0, 0, static_cast<std::uint32_t>(parts.size()), parts.data());
@@ -79,7 +83,7 @@ void clearWhenShown(QWidget& widget) {
     xcb_connection_t* const xcb = qtConnection();
     if (xcb == nullptr)
         return;
-    const std::uint32_t transparent = 0;
+    const std::uint32_t transparent = 0; // ARGB; the server fills newly exposed areas with it
     xcb_change_window_attributes(xcb, windowOf(widget), XCB_CW_BACK_PIXEL, &transparent);
 }
 

@@ -7,17 +7,20 @@ class QWidget;
 
 namespace tessarel::qt {
 
-/// What Qt cannot do to the pixel where the user has set a scale factor. On a system without native windows
-/// to speak of, Qt's own means are used.
+// Qt's own functions take device-independent units and are not exact to the pixel at a fractional scale
+// factor. These functions therefore act on the X11 window. Where Qt does not run on X11, they fall back to
+// Qt.
 
-/// Lets the window of `widget`, which need not be shown, cover `frame`, in pixels of the desktop, and a few
-/// pixels more at the right and bottom where Qt would otherwise paint a few less.
+/// Moves and resizes the window of `widget` to `frame`, in pixels of the root window, y down. The widget need
+/// not be shown. The window may become a few pixels larger at the right and bottom, where Qt's rounding would
+/// otherwise leave pixels unpainted.
 void coverPixels(QWidget& widget, const QRect& frame);
 
-/// Cuts `widget` down to `region`, in pixels from its corner.
+/// Sets the bounding shape of `widget` to `region`, in pixels from its top-left corner.
 void cutOut(QWidget& widget, const QRegion& region);
 
-/// Makes the pixels of a translucent `widget` transparent whenever they come up, before they are painted.
+/// Makes the server fill newly exposed pixels of a translucent `widget` with full transparency until Qt
+/// paints them. Does nothing when Qt does not run on X11.
 void clearWhenShown(QWidget& widget);
 
 } // namespace tessarel::qt

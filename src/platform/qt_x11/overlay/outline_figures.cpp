@@ -13,7 +13,7 @@ namespace tessarel::qt {
 
 namespace {
 
-// In lines.
+// In multiples of the thinnest line.
 constexpr int kEdge = 1;
 constexpr int kPlainRing = kEdge + 2;
 constexpr int kHighlightedRing = kEdge + 6;
@@ -26,7 +26,8 @@ QRect inset(const QRect& rect, int by) {
     return rect.adjusted(by, by, -by, -by);
 }
 
-/// What lies within `rect`, but not within `hole`, which may be less than nothing.
+/// Returns the pixels of `rect` outside `hole`. `hole` may be invalid (of negative size) and then counts as
+/// empty.
 QRegion frame(const QRect& rect, const QRect& hole) {
     return QRegion(rect) - QRegion(hole.isValid() ? hole : QRect());
 }
@@ -57,13 +58,15 @@ QRegion OutlineFigures::hatch(const OverlayFigure& figure) const {
     const QRect inside = inset(pixels(figure.shape), ringWidth(figure));
     const QRect seen = inside & m_window;
     const int step = m_line * kHatchStep;
-    // A line that has left the window at the top does not move those that follow.
+    // Lines above the window are skipped in whole steps, so that the visible ones do not shift.
     const int skipped = std::max(0, seen.top() - inside.top()) / step * step;
     for (int y = inside.top() + skipped + step - m_line; y <= seen.bottom(); y += step)
         lines += QRect(seen.left(), y, seen.width(), m_line) & seen;
     return lines;
 }
 
+/// Returns the rectangle behind the label: square for a short text, wider for a long one, empty without a
+/// text.
 QRect OutlineFigures::badge(const OverlayFigure& figure) const {
     if (figure.label.text.empty())
         return {};
@@ -84,12 +87,13 @@ QRect OutlineFigures::extent(const OverlayFigure& figure) const {
     return pixels(figure.shape).united(badge(figure)) & m_window;
 }
 
-/// Every other line of the hatch is.
+/// Returns whether a line of the hatch is white instead of the accent colour. Alternates from line to line.
 bool OutlineFigures::isWhite(const QRect& line, const QRect& shape) const {
     return (line.top() - shape.top()) / (m_line * kHatchStep) % 2 != 0;
 }
 
 void OutlineFigures::paint(QPainter& painter, const OverlayFigure& figure) const {
+    // A shaped window has no translucent pixels, so edges must not be smoothed.
     painter.setRenderHint(QPainter::Antialiasing, false);
     const QRect shape = pixels(figure.shape);
     fill(painter, ring(figure), QColor(kAccent));

@@ -8,24 +8,29 @@
 
 namespace tessarel::qt {
 
-/// Figures as they look where no window can be translucent: opaque lines, and nothing between them.
+/// Draws the overlay's figures for a desktop without a compositor: opaque lines, with the desktop visible
+/// between them.
 ///
-/// A plain zone is a thin outline around a dark badge with its label; the highlighted one a thick outline and
-/// a badge in the accent colour, hatched with horizontal lines. Every outline has a white edge, and every
-/// other line of the hatch is white, so that they are seen on a desktop in the accent colour, too. All in
-/// pixels from the top-left corner of the window; lines and badges grow with `scale`, the user's pixels per
-/// unit, places do not.
+/// A plain zone is a thin outline with its label on a dark badge in the middle. The highlighted zone has a
+/// thick outline, a hatch of horizontal lines and a badge in the accent colour. Outlines have a white edge,
+/// and every other line of the hatch is white, so that both are visible even on a background in the accent
+/// colour.
+///
+/// Positions are in pixels from the top-left corner of the window. Line widths and badges grow with `scale`,
+/// positions do not.
 class OutlineFigures {
 public:
-    /// `window`: the pixels of the window, beyond which nothing is drawn.
+    /// `window` is the area of the window in pixels; drawing is clipped to it. `scale` is the number of
+    /// pixels per device-independent unit.
     OutlineFigures(const QRect& window, double scale);
 
+    /// Paints `figure`. `painter` must be scaled to pixels.
     void paint(QPainter& painter, const OverlayFigure& figure) const;
 
-    /// The pixels that belong to `figure`, exactly those that `paint` paints.
+    /// Returns exactly the pixels that `paint` paints for `figure`, as the shape for the window.
     [[nodiscard]] QRegion region(const OverlayFigure& figure) const;
 
-    /// A rectangle around `region`.
+    /// Returns a rectangle that contains `region`; cheaper to compute.
     [[nodiscard]] QRect extent(const OverlayFigure& figure) const;
 
 private:
@@ -38,7 +43,7 @@ private:
 
     QRect m_window;
     double m_scale;
-    int m_line; // the thinnest line
+    int m_line; // width of the thinnest line, in pixels
 };
 
 } // namespace tessarel::qt

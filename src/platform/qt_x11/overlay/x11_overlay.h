@@ -8,16 +8,17 @@
 
 namespace tessarel::qt {
 
-/// Overlay windows of Qt's on X11, in pixels. Needs the application object from the first time that a window
-/// is shown.
+/// Creates the overlay windows of the X11 desktop. Requires the application object as soon as a window is
+/// shown.
 class X11Overlay : public OverlayPort {
 public:
-    /// Answers the pixels of the desktop, y down, that a rectangle in screen coordinates covers.
+    /// Converts a rectangle in screen coordinates (y up) to pixels of the root window (y down).
     using Conversion = std::function<Rect(const Rect& screenFrame)>;
 
-    /// `queue` and all that `desktopPixels` uses outlive the overlay and its windows.
+    /// `queue` and everything that `desktopPixels` uses must outlive the overlay and its windows.
     X11Overlay(MainQueuePort& queue, Conversion desktopPixels);
 
+    /// Returns a hidden window. The X11 window itself is created when it is first shown.
     [[nodiscard]] std::unique_ptr<OverlayWindow> createWindow() override;
 
 private:

@@ -11,6 +11,8 @@ namespace tessarel::qt {
 
 namespace {
 
+// BypassWindowManagerHint makes the window override-redirect: no frame, no entry in client lists, no focus.
+// WindowTransparentForInput sets an empty input shape, so that clicks go to the window below.
 constexpr Qt::WindowFlags kFlags = Qt::Window | Qt::FramelessWindowHint | Qt::WindowTransparentForInput |
                                    Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
                                    Qt::BypassWindowManagerHint;
@@ -24,7 +26,7 @@ X11OverlayWidget::X11OverlayWidget(Kind kind, const std::vector<OverlayFigure>& 
     setAttribute(Qt::WA_OpaquePaintEvent, kind == Kind::Outlined);
     setAttribute(Qt::WA_NoSystemBackground);
     setAttribute(Qt::WA_TranslucentBackground, kind == Kind::Translucent);
-    create();
+    create(); // the functions in native_window.h need the X11 window before it is shown
     if (kind == Kind::Translucent)
         clearWhenShown(*this);
 }
@@ -57,6 +59,8 @@ QRect X11OverlayWidget::extent(const OverlayFigure& figure) {
     return OutlineFigures(windowPixels(), devicePixelRatioF()).extent(figure);
 }
 
+/// Sets the window's shape to the figures, where the desktop has no compositor. Sends no request when the
+/// shape is the same as before.
 void X11OverlayWidget::cutOutFigures() {
     if (m_kind == Kind::Translucent)
         return;
@@ -74,14 +78,16 @@ void X11OverlayWidget::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     const double scale = devicePixelRatioF();
     painter.scale(1 / scale, 1 / scale);
-    QRegion areas; // which do not overlap, as pixels of neighbouring parts may
+    // Converted to pixels, neighbouring parts may overlap at a fractional scale factor. A QRegion merges
+    // them, so that no translucent pixel is painted twice.
+    QRegion areas;
     for (const QRect& part : event->region())
         areas += pixels(part, scale);
     for (const QRect& area : areas& windowPixels())
         paintFigures(painter, area);
 }
 
-/// Qt has made a translucent window transparent there.
+/// Paints the figures that touch `area`. Qt has already cleared the area of a translucent window.
 void X11OverlayWidget::paintFigures(QPainter& painter, const QRect& area) {
     const double scale = devicePixelRatioF();
     const OutlineFigures outlines(windowPixels(), scale);

@@ -11,30 +11,33 @@
 
 namespace tessarel::qt {
 
-/// A window of the desktop's that figures are painted in: above all others, out of reach of mouse and
-/// keyboard, in nobody's list. All in pixels, whatever the scale factor.
+/// The override-redirect window in which the figures are painted. It is above all other windows, takes
+/// neither mouse nor keyboard input and appears in no window list. All coordinates are in pixels, whatever
+/// the scale factor.
 class X11OverlayWidget : public QWidget {
 public:
+    /// The look of the overlay.
     enum class Kind {
-        Translucent, ///< for a desktop with a compositor
-        Outlined     ///< opaque lines, and no window between them
+        Translucent, ///< an ARGB window, for a desktop with a compositor
+        Outlined     ///< opaque lines; the window is shaped like them
     };
 
-    /// `figures` outlives the surface, which tells no change by itself.
+    /// Creates the hidden window. `figures` must outlive the widget. After a change of `figures`, call
+    /// `repaintPixels`.
     X11OverlayWidget(Kind kind, const std::vector<OverlayFigure>& figures);
 
     [[nodiscard]] Kind kind() const { return m_kind; }
 
-    /// `frame`: pixels of the desktop.
+    /// Moves and resizes the window to `frame`, in pixels of the root window, y down.
     void cover(const QRect& frame);
 
-    /// Shows all figures as they are now, in front of all other windows.
+    /// Shows the window with the current figures, in front of all other windows.
     void appear();
 
-    /// Paints the figures as they are now in `changed` pixels of a surface that is shown, at once.
+    /// Repaints the `changed` pixels of a visible window with the current figures, synchronously.
     void repaintPixels(const QRegion& changed);
 
-    /// All pixels that `figure` touches.
+    /// Returns a rectangle that contains all pixels of `figure`.
     [[nodiscard]] QRect extent(const OverlayFigure& figure);
 
 protected:
@@ -47,9 +50,9 @@ private:
 
     Kind m_kind;
     const std::vector<OverlayFigure>& m_figures;
-    QRect m_frame;
+    QRect m_frame; // in pixels of the root window
     TranslucentFigures m_translucent;
-    QRegion m_cutOut;
+    QRegion m_cutOut; // the current shape, in pixels of the window
 };
 
 } // namespace tessarel::qt

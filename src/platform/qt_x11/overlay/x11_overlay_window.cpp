@@ -19,18 +19,18 @@ void X11OverlayWindow::setFrame(const Rect& screenFrame) {
     if (!m_isFront)
         return;
     m_surface->cover(m_frame);
-    m_nextRepaint = m_queue.now(); // the picture of another screen must not stay
+    m_nextRepaint = m_queue.now(); // no delay: the window still shows the previous screen's zones
 }
 
 void X11OverlayWindow::setFigures(const std::vector<OverlayFigure>& figures,
                                   const std::vector<Rect>& changed) {
     if (!m_isFront) {
-        m_figures = figures; // all of it is painted when the window comes to the front
+        m_figures = figures; // everything is painted when the window is shown
         return;
     }
-    m_changed += extents(changed); // what was there
+    m_changed += extents(changed); // with the old figures
     m_figures = figures;
-    m_changed += extents(changed);
+    m_changed += extents(changed); // with the new figures
     if (!m_changed.isEmpty())
         scheduleRepaint();
 }
@@ -55,12 +55,15 @@ void X11OverlayWindow::orderOut() {
         scheduleRelease(kQuietTime);
 }
 
+/// Returns the look that the desktop supports now.
 X11OverlayWidget::Kind X11OverlayWindow::fittingKind() {
     if (!m_compositor)
         m_compositor = std::make_unique<CompositorWatch>([this] { onCompositorGone(); });
     return m_compositor->isRunning() ? X11OverlayWidget::Kind::Translucent : X11OverlayWidget::Kind::Outlined;
 }
 
+/// Shows a widget of that kind. Reuses the existing widget if it is of that kind; the visual of an X11 window
+/// cannot change.
 void X11OverlayWindow::useSurface(X11OverlayWidget::Kind kind) {
     if (!m_surface || m_surface->kind() != kind)
         m_surface = std::make_unique<X11OverlayWidget>(kind, m_figures);
@@ -69,13 +72,14 @@ void X11OverlayWindow::useSurface(X11OverlayWidget::Kind kind) {
     m_nextRepaint = m_queue.now();
 }
 
-/// Without one a translucent window would hide the whole desktop.
+/// Switches to the outlined look. Without a compositor, a translucent window is opaque and would hide the
+/// desktop.
 void X11OverlayWindow::onCompositorGone() {
     if (m_isFront)
         useSurface(fittingKind());
 }
 
-/// The pixels of `areas`, and of labels that reach out of the figures there.
+/// Returns the pixels of `areas`, plus those of labels that reach beyond the figures in `areas`.
 QRegion X11OverlayWindow::extents(const std::vector<Rect>& areas) {
     QRegion region;
     for (const Rect& area : areas)
@@ -90,6 +94,8 @@ QRegion X11OverlayWindow::extents(const std::vector<Rect>& areas) {
     return region + labels;
 }
 
+/// Repaints at once or, if the last repaint was less than `kRepaintInterval` ago, at the end of that
+/// interval.
 void X11OverlayWindow::scheduleRepaint() {
     if (m_repaintScheduled)
         return;
@@ -114,6 +120,8 @@ void X11OverlayWindow::scheduleRelease(MainQueuePort::Duration delay) {
     later(delay, &X11OverlayWindow::releaseIfQuiet);
 }
 
+/// Frees the widget and the compositor watch if the window has been hidden for `kQuietTime`. If it was shown
+/// in between and hidden again, schedules another check.
 void X11OverlayWindow::releaseIfQuiet() {
     m_releaseScheduled = false;
     if (m_isFront)
@@ -126,6 +134,7 @@ void X11OverlayWindow::releaseIfQuiet() {
     m_compositor.reset();
 }
 
+/// Calls `work` on the main queue after `delay`, unless this object has been destroyed by then.
 void X11OverlayWindow::later(MainQueuePort::Duration delay, void (X11OverlayWindow::*work)()) {
     m_queue.asyncAfter(delay, [self = m_self, work] {
         if (*self)

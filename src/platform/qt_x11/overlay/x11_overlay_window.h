@@ -14,21 +14,22 @@
 
 namespace tessarel::qt {
 
-/// The overlay in whichever look the desktop allows at the time.
+/// The overlay window of the X11 desktop, with or without a compositor.
 ///
-/// The look is chosen when the window comes to the front after it has been out; should the compositor end
-/// while the window is shown, the other look takes over. Changes that come close on each other are painted
-/// together. The memory of what was shown is given back some time after the window has gone out.
+/// The look is chosen each time the hidden window is shown. If the compositor exits while the window is
+/// visible, the look changes. Changes within a short interval are coalesced into one repaint. The widget and
+/// its pixels are freed after the window has been hidden for some time.
 class X11OverlayWindow : public OverlayWindow {
 public:
+    /// Converts a rectangle in screen coordinates (y up) to pixels of the root window (y down).
     using Conversion = std::function<Rect(const Rect& screenFrame)>;
 
-    /// At most one repaint in this time.
+    /// The shortest time between two repaints.
     static constexpr MainQueuePort::Duration kRepaintInterval = std::chrono::milliseconds(8);
+    /// How long the widget is kept after it was hidden.
     static constexpr MainQueuePort::Duration kQuietTime = std::chrono::seconds(30);
 
-    /// `desktopPixels` answers the pixels of the desktop, y down, that a rectangle in screen coordinates
-    /// covers. `queue` outlives the window.
+    /// `queue` and everything that `desktopPixels` uses must outlive the window.
     X11OverlayWindow(MainQueuePort& queue, Conversion desktopPixels);
     ~X11OverlayWindow() override;
 
@@ -50,17 +51,17 @@ private:
 
     MainQueuePort& m_queue;
     Conversion m_desktopPixels;
-    QRect m_frame;
+    QRect m_frame; // in pixels of the root window
     std::vector<OverlayFigure> m_figures;
     std::unique_ptr<CompositorWatch> m_compositor;
-    std::unique_ptr<X11OverlayWidget> m_surface; // shown, or the one that was shown last
+    std::unique_ptr<X11OverlayWidget> m_surface; // the one shown now or last; null after a release
     bool m_isFront = false;
-    QRegion m_changed; // pixels that wait to be painted
+    QRegion m_changed; // pixels of the window that are due for a repaint
     MainQueuePort::TimePoint m_nextRepaint{};
     bool m_repaintScheduled = false;
     MainQueuePort::TimePoint m_quietSince{};
     bool m_releaseScheduled = false;
-    std::shared_ptr<X11OverlayWindow*> m_self; // shared with work on the queue, which may outlive us
+    std::shared_ptr<X11OverlayWindow*> m_self; // for tasks on the main queue, which may outlive this object
 };
 
 } // namespace tessarel::qt

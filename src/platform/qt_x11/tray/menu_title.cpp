@@ -9,10 +9,14 @@ namespace tessarel::qt::menu_title {
 
 namespace {
 
-constexpr int kWidestInCharacters = 60; // of average width
-constexpr int kSurelyFits = 30;         // Latin letters: measuring a thousand titles takes its time
-constexpr int kLongestMeasured = 512;   // UTF-16 units; more of them are never shown
+/// The widest title, in characters of average width.
+constexpr int kWidestInCharacters = 60;
+/// Up to this many Latin letters always fit and are not measured: measuring a thousand titles is slow.
+constexpr int kSurelyFits = 30;
+/// In UTF-16 units. A longer title is truncated before it is measured; more of it is never shown.
+constexpr int kLongestMeasured = 512;
 
+// An isolate keeps right-to-left characters of a title from reordering the text around it.
 constexpr QChar kFirstStrongIsolate(u'\u2068');
 constexpr QChar kPopIsolate(u'\u2069');
 
@@ -26,11 +30,13 @@ bool isPlainLatin(QChar character) {
     return character.unicode() < kFirstBeyondLatin;
 }
 
+/// Returns whether the character is one of the three that open an isolate (U+2066 to U+2068).
 bool opensIsolate(QChar character) {
     return character >= QChar(u'\u2066') && character <= kFirstStrongIsolate;
 }
 
-/// Whether `text` may be shown in another order than it is stored.
+/// Returns whether a character in `text` can change the display order. Plain Latin text is recognised without
+/// decoding.
 bool reorders(const QString& text) {
     if (std::ranges::all_of(text, isPlainLatin))
         return false;
@@ -52,7 +58,8 @@ bool reorders(const QString& text) {
     });
 }
 
-/// `text` between isolates of which none is left open, and none closed that was not opened.
+/// Returns `text` inside an isolate. Isolates that `text` leaves open are closed, and closing characters
+/// without an opening one are dropped, so that `text` cannot break out of the isolate.
 QString isolated(const QString& text) {
     QString result(kFirstStrongIsolate);
     int open = 0;
@@ -66,6 +73,7 @@ QString isolated(const QString& text) {
     return result + QString(open + 1, kPopIsolate);
 }
 
+/// Returns `text` with an ellipsis if it is wider than a menu row should be. Never splits a surrogate pair.
 QString shortened(QString text, const QFontMetrics& metrics) {
     if (text.size() <= kSurelyFits && std::ranges::all_of(text, isPlainLatin))
         return text;
@@ -91,8 +99,8 @@ QString forWidget(QString line) {
 
 QString forPanel(QString line) {
     line.replace(QChar(u'_'), QStringLiteral("__"));
-    // Qt turns the first ampersand into the mark of a mnemonic and leaves the others alone. Marking the
-    // ampersand itself shows it.
+    // On the way to the panel Qt converts only the first ampersand into a mnemonic marker. Doubling it makes
+    // the ampersand itself the marked character, which shows it.
     if (const qsizetype first = line.indexOf(QChar(u'&')); first >= 0)
         line.insert(first, QChar(u'&'));
     return line;

@@ -7,18 +7,19 @@
 
 namespace tessarel::qt {
 
-/// Titles of menu rows, which may hold anything: names come from files and from other people.
+/// Makes titles of menu rows safe to show. Names in them come from files and may contain any character.
 namespace menu_title {
 
-/// `title` on one line, without control characters, shortened with "…" when it is wider than a menu should
-/// be, and closed in itself where it has characters that reorder their neighbours.
+/// Returns `title`, which is UTF-8, on one line: with spaces instead of line breaks and control characters,
+/// shortened with "…" when it is too wide for a menu, and inside a bidirectional isolate when it contains
+/// characters that reorder their neighbours. `metrics` is that of the menu's font.
 [[nodiscard]] QString oneLine(std::string_view title, const QFontMetrics& metrics);
 
-/// `line` so that a menu of Qt's shows it as it stands, without mnemonics.
+/// Escapes `line` so that a menu drawn by Qt shows it literally, without mnemonics.
 [[nodiscard]] QString forWidget(QString line);
 
-/// `line` so that a panel that draws the menu itself shows it as it stands, after what Qt does to titles on
-/// their way there.
+/// Escapes `line` so that a panel that draws the menu shows it literally. Panels take underscores for
+/// mnemonics, and Qt converts ampersands when it exports the menu on the session bus.
 [[nodiscard]] QString forPanel(QString line);
 
 } // namespace menu_title

@@ -13,11 +13,12 @@ namespace tessarel::qt {
 
 namespace {
 
+/// Shows `key` as the row's shortcut with Ctrl; does nothing for an empty key.
 void setKeyEquivalent(QAction& action, const std::string& key) {
     if (key.empty())
         return;
     action.setShortcut(QKeySequence(QStringLiteral("Ctrl+") + QString::fromStdString(key)));
-    action.setShortcutContext(Qt::WidgetShortcut); // keys are the menu's own while it is open
+    action.setShortcutContext(Qt::WidgetShortcut); // not active while the menu is closed
     action.setShortcutVisibleInContextMenu(true);
 }
 
@@ -38,6 +39,7 @@ void MenuView::show(const Menu& menu) {
     rebuild(*m_shown);
 }
 
+/// Replaces all rows. Submenus are reused in order.
 void MenuView::rebuild(const Menu& menu) {
     m_widget.clear();
     std::size_t usedSubmenus = 0;
@@ -56,7 +58,7 @@ QAction* MenuView::add(const MenuItem& item, std::size_t& usedSubmenus) {
     action->setText(titleOf(item));
     action->setEnabled(item.isEnabled);
     action->setMenuRole(QAction::NoRole);
-    // Only a row with a mark is checkable: the others would get an empty box.
+    // Only checked rows are checkable: an unchecked one would show an empty box.
     action->setCheckable(item.isChecked);
     action->setChecked(item.isChecked);
     setKeyEquivalent(*action, item.keyEquivalent);
@@ -82,11 +84,13 @@ QString MenuView::titleOf(const MenuItem& item) const {
                                     : menu_title::forPanel(std::move(line));
 }
 
+/// Chooses the enabled row with the shortcut `keys` in this menu or its parents. Returns whether there was
+/// one.
 bool MenuView::chooseByKeys(QKeyCombination keys) {
     for (QAction* const action : m_widget.actions()) {
         if (!action->isEnabled() || action->shortcut() != QKeySequence(keys))
             continue;
-        m_widget.close(); // and the submenus that are open
+        m_widget.close(); // also closes open submenus
         action->trigger();
         return true;
     }
@@ -94,7 +98,7 @@ bool MenuView::chooseByKeys(QKeyCombination keys) {
 }
 
 void MenuView::choose(const MenuItem& item) {
-    m_shown.reset(); // Qt has toggled the mark of a checkable row
+    m_shown.reset(); // Qt has toggled the mark of a checkable row, so the rows must be rebuilt
     m_chosen(item);
 }
 

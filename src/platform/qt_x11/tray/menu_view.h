@@ -14,10 +14,11 @@
 
 namespace tessarel::qt {
 
-/// A menu of Qt's whose rows can also be chosen by keys while it is open; Qt's own shows those keys only.
+/// A QMenu whose rows can also be chosen by their shortcuts while it is open. A plain QMenu only displays
+/// them.
 class KeyMenu : public QMenu {
 public:
-    /// `choose` returns whether it knows the keys.
+    /// `choose` is called with each key press and returns whether it has handled the keys.
     explicit KeyMenu(std::function<bool(QKeyCombination)> choose) : m_choose(std::move(choose)) {}
 
 protected:
@@ -27,19 +28,20 @@ private:
     std::function<bool(QKeyCombination)> m_choose;
 };
 
-/// A menu of Qt's that shows a `Menu`.
+/// Shows a `Menu` as a QMenu.
 class MenuView {
 public:
-    /// Who draws the rows; it decides how a title must be written to show as it stands.
+    /// Who draws the rows, which determines how titles have to be escaped.
     enum class DrawnBy : std::uint8_t { Qt, Panel };
 
-    /// Calls `chosen` with the row that was chosen, while the menu is still busy with it: no place to destroy
-    /// this view or to show another menu.
-    /// A submenu leaves keys that it does not know to `parent`, which outlives it.
+    /// Calls `chosen` with the row that was chosen. The call comes from inside the menu's event handling, so
+    /// the callback must not destroy this view or show another menu.
+    ///
+    /// A submenu passes keys that it does not handle to `parent`, which must outlive it.
     MenuView(DrawnBy drawnBy, std::function<void(const MenuItem&)> chosen, MenuView* parent = nullptr);
 
-    /// Makes the rows those of `menu`. Rows that are right already stay, so that a panel which asks again and
-    /// again is not given another menu each time.
+    /// Shows the rows of `menu`. Does nothing when they are shown already, so that a panel that requests the
+    /// menu often does not receive a new one each time.
     void show(const Menu& menu);
 
     [[nodiscard]] QMenu& widget() { return m_widget; }
@@ -56,8 +58,8 @@ private:
     std::function<void(const MenuItem&)> m_chosen;
     MenuView* m_parent;
     KeyMenu m_widget{[this](QKeyCombination keys) { return chooseByKeys(keys); }};
-    std::vector<std::unique_ptr<MenuView>> m_submenus; // made once: clearing a menu would leave them behind
-    std::optional<Menu> m_shown;                       // none when a row has changed by itself
+    std::vector<std::unique_ptr<MenuView>> m_submenus; // reused: QMenu::clear() does not delete them
+    std::optional<Menu> m_shown;                       // empty when the rows may differ from it
 };
 
 } // namespace tessarel::qt

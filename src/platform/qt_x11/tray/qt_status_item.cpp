@@ -19,8 +19,9 @@ namespace tessarel::qt {
 
 namespace {
 
-/// A panel that is expected on the session bus comes without a sign of its own: it is looked for again this
-/// often, then no more until the next sign. Where none is expected, nothing is looked for.
+// A panel that registers with an existing watcher on the session bus is not announced. While one is expected,
+// the place is queried this often at this interval, and then not again until the next sign. Nothing polls
+// otherwise.
 constexpr int kLooks = 15;
 constexpr std::chrono::seconds kBetweenLooks{2};
 
@@ -30,12 +31,12 @@ QString toQString(std::string_view text) {
 
 } // namespace
 
-/// One item put up: what it shows, and its icon once there is a place for it.
+/// One created status item: its content, and its icon once a panel has a place for it.
 class QtStatusItem::Item : public std::enable_shared_from_this<Item> {
 public:
     Item(MainQueuePort& queue, Delegate delegate) : m_queue(queue), m_delegate(std::move(delegate)) {}
 
-    /// Needs to be in a shared pointer already.
+    /// Schedules the first look for a place. The object must be owned by a shared pointer already.
     void appearInTheLoop() { later(&Item::appear); }
 
     void setSymbol(std::string_view name, std::string_view description) {
@@ -58,6 +59,7 @@ public:
     }
 
 private:
+    /// Calls `work` on the main queue after `delay`, unless the item has been destroyed by then.
     void later(void (Item::*work)(), MainQueuePort::Duration delay = {}) {
         m_queue.asyncAfter(delay, [work, weak = weak_from_this()] {
             if (const auto self = weak.lock())
@@ -71,7 +73,7 @@ private:
         lookAfterSign();
     }
 
-    /// A menu that asks for its rows each time it is about to open.
+    /// Creates a menu that is filled each time it is about to open.
     std::unique_ptr<MenuView> makeMenu(MenuView::DrawnBy drawnBy) {
         auto menu = std::make_unique<MenuView>(drawnBy, [this](const MenuItem& row) { choose(row); });
         QObject::connect(&menu->widget(), &QMenu::aboutToShow, &menu->widget(),
@@ -79,6 +81,7 @@ private:
         return menu;
     }
 
+    /// Restarts the count of retries. When they are running already, queries the place once more right away.
     void lookAfterSign() {
         const bool looking = m_looksLeft > 0;
         m_looksLeft = kLooks;
@@ -94,7 +97,8 @@ private:
             later(&Item::look, kBetweenLooks);
     }
 
-    /// Puts the icon where there is a place for it; true when it has to be looked for again.
+    /// Shows the icon if there is a place for it. Returns true when a place is expected and has to be queried
+    /// again.
     bool settle() {
         if (m_icon)
             return false;
@@ -114,13 +118,13 @@ private:
         refresh();
     }
 
-    /// Qt finds a panel that starts again by itself.
+    /// Qt itself handles a panel that restarts.
     void stopWatching() { m_watch.reset(); }
 
     void handMenuToPanel() {
         m_panelMenu = makeMenu(MenuView::DrawnBy::Panel);
         m_icon->setContextMenu(&m_panelMenu->widget());
-        // A panel may not offer a menu that was empty when it first saw it.
+        // Some panels do not offer a menu that was empty when they first read it.
         later(&Item::fillPanelMenu);
     }
 
@@ -135,12 +139,14 @@ private:
         });
     }
 
-    /// A panel that draws the menu itself tells nothing of the second button.
+    /// Opens the menu for either mouse button. A panel that draws the menu itself does not report the second
+    /// button.
     void activated(QSystemTrayIcon::ActivationReason reason) {
         if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context)
             m_menu->widget().popup(QCursor::pos());
     }
 
+    /// Returns the symbol or, without one, the title drawn as an icon; null when both are empty.
     [[nodiscard]] QIcon picture() const {
         return m_symbol.empty() ? status_symbols::text(m_title, m_appearance)
                                 : status_symbols::symbol(m_symbol, m_appearance);
@@ -162,10 +168,10 @@ private:
     QString m_title;
     status_symbols::Appearance m_appearance = status_symbols::Appearance::Normal;
     int m_looksLeft = 0;
-    std::unique_ptr<TrayWatch> m_watch; // while there is no icon
+    std::unique_ptr<TrayWatch> m_watch; // only while there is no icon
     std::unique_ptr<MenuView> m_menu;
     std::unique_ptr<MenuView> m_panelMenu;   // only where the panel draws the menu
-    std::unique_ptr<QSystemTrayIcon> m_icon; // goes before the menu that it shows
+    std::unique_ptr<QSystemTrayIcon> m_icon; // declared last, to be destroyed before the menus
 };
 
 class QtStatusItem::ItemSubscription : public Subscription {

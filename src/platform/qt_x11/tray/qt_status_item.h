@@ -7,25 +7,26 @@
 
 namespace tessarel::qt {
 
-/// The status item in the panel of a Linux desktop: as a StatusNotifierItem where a panel on the session bus
-/// shows those, else in the system tray of the X screen. Both mouse buttons open the menu.
+/// The status item of a Linux desktop: a StatusNotifierItem if a panel on the session bus supports it, else
+/// an icon in the system tray of the X screen (XEmbed). Both mouse buttons open the menu.
 ///
-/// A panel that comes later is noticed when it comes; one that ends and starts again gets the icon back.
-/// Panels have no room for a title beside the icon, so a title shows only in place of a missing symbol, drawn
-/// as the icon. The accessibility description is the tool tip.
+/// A panel that starts later gets the icon, and so does one that restarts. Panels have no room for a title
+/// beside the icon, so the title is shown only when there is no symbol, drawn as the icon. The accessibility
+/// description becomes the tool tip.
 class QtStatusItem : public StatusItemPort {
 public:
-    /// `queue` outlives this and every item put up.
+    /// `queue` must outlive this object and every created item.
     explicit QtStatusItem(MainQueuePort& queue);
     QtStatusItem(const QtStatusItem&) = delete;
     QtStatusItem& operator=(const QtStatusItem&) = delete;
     ~QtStatusItem() override;
 
-    /// The icon appears when the loop runs; the application object may be made after this call, and has to
-    /// outlive the answer. A row that was chosen is told at the next turn of the queue, when the menu has
-    /// closed.
+    /// Creates the item; the icon appears once the event loop runs. The application object may be created
+    /// after this call, but must outlive the returned subscription. `itemSelected` is called in the next
+    /// iteration of the main queue, when the menu has closed.
     [[nodiscard]] SubscriptionPtr create(Delegate delegate) override;
 
+    /// Returns false for a name that is not in `status_symbols`, even before `create`.
     bool setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) override;
     void clearImage() override;
     void setTitle(std::string_view title) override;

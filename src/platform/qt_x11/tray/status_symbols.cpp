@@ -19,16 +19,16 @@ namespace tessarel::qt::status_symbols {
 
 namespace {
 
-constexpr std::array kSizes = {16, 22, 24, 32, 48};
+constexpr std::array kSizes = {16, 22, 24, 32, 48}; // in pixels; the sizes that panels request
 
 constexpr QColor kGlyph(0xfa, 0xfa, 0xfa);
 constexpr QColor kEdge(0x20, 0x20, 0x20);
 constexpr double kDisabledOpacity = 0.4;
 
-/// Symbols are designed on a grid of this many units.
+/// The width and height of the grid on which symbols are designed.
 constexpr int kGrid = 16;
 
-/// A tile of a symbol, edges in units of the grid.
+/// A rectangle of a symbol. Its edges are in units of the grid, y down.
 struct Tile {
     int left;
     int top;
@@ -49,11 +49,12 @@ struct Symbol {
 constexpr std::array kSymbols = {Symbol{"rectangle.3.group", kGroup}, Symbol{"square.grid.2x2", kGridOfFour},
                                  Symbol{"rectangle.split.3x1", kColumns}};
 
+/// Returns the width in pixels of the dark edge around the glyph.
 int edgeWidth(int size) {
     return std::max(1, size / kGrid);
 }
 
-/// The tile on an icon of `size` pixels. Whole pixels, or it would be blurred.
+/// Returns the tile on an icon of `size` pixels, rounded to whole pixels so that its edges are sharp.
 QRect pixels(const Tile& tile, int size) {
     const auto scaled = [size](int units) {
         return static_cast<int>(std::lround(static_cast<double>(units) * size / kGrid));
@@ -62,6 +63,7 @@ QRect pixels(const Tile& tile, int size) {
     return {topLeft, QSize(scaled(tile.right) - topLeft.x(), scaled(tile.bottom) - topLeft.y())};
 }
 
+/// Draws all edges before the first glyph, because the edge of a tile may reach into its neighbour.
 void drawTiles(QPainter& painter, std::span<const Tile> tiles, int size) {
     const int edge = edgeWidth(size);
     for (const Tile& tile : tiles)
@@ -70,6 +72,7 @@ void drawTiles(QPainter& painter, std::span<const Tile> tiles, int size) {
         painter.fillRect(pixels(tile, size), kGlyph);
 }
 
+/// Draws the text centred and as large as fits, with its edge inside the icon.
 void drawText(QPainter& painter, const QString& text, int size) {
     QFont font = QGuiApplication::font();
     font.setBold(true);
@@ -90,6 +93,7 @@ void drawText(QPainter& painter, const QString& text, int size) {
     painter.fillPath(path, kGlyph);
 }
 
+/// Returns an icon that holds every size in `kSizes`.
 QIcon drawn(Appearance appearance, const std::function<void(QPainter&, int size)>& draw) {
     QIcon icon;
     for (const int size : kSizes) {
@@ -102,7 +106,8 @@ QIcon drawn(Appearance appearance, const std::function<void(QPainter&, int size)
             icon.addPixmap(glyph);
             continue;
         }
-        // Dimmed as a whole: dimming glyph and edge one by one would let the edge shine through.
+        // The finished picture is dimmed. If the glyph were drawn translucent, the edge would show through
+        // it.
         QPixmap dimmed(size, size);
         dimmed.fill(Qt::transparent);
         QPainter dimmer(&dimmed);

@@ -7,19 +7,20 @@
 
 namespace tessarel::qt {
 
-/// Pictures for the panel, drawn here so that no icon theme is needed: a light glyph with a dark edge, which
-/// reads on light and on dark panels alike. Each icon holds the sizes that panels ask for, 16 to 48 pixels.
+/// Icons for the panel, drawn by the program so that no icon theme is needed. A light glyph with a dark edge
+/// is legible on light and dark panels. Each icon holds the sizes that panels request, from 16 to 48 pixels.
 namespace status_symbols {
 
-/// How an icon is drawn.
+/// How an icon is drawn; `Disabled` is paler.
 enum class Appearance : bool { Normal, Disabled };
 
+/// Returns whether there is a symbol of that name. The names are those of the macOS system symbols.
 [[nodiscard]] bool exists(std::string_view symbolName);
 
-/// The symbol of that name; a null icon when there is none.
+/// Returns the symbol of that name, or a null icon when there is none.
 [[nodiscard]] QIcon symbol(std::string_view name, Appearance appearance);
 
-/// `text` itself as an icon, as large as it fits; an empty text gives a null icon.
+/// Returns an icon that shows `text` as large as it fits, or a null icon for an empty text.
 [[nodiscard]] QIcon text(const QString& text, Appearance appearance);
 
 } // namespace status_symbols

@@ -21,26 +21,29 @@ namespace {
 const QString kWatcherService = QStringLiteral("org.kde.StatusNotifierWatcher");
 const QString kWatcherPath = QStringLiteral("/StatusNotifierWatcher");
 
-/// A watcher that does not answer must not keep the program from starting.
+/// The time limit for a call. A watcher that hangs must not keep the program from starting.
 constexpr std::chrono::milliseconds kPatience{500};
 
+/// Returns whether the selection has an owner. Takes a round trip.
 bool isOwned(xcb_atom_t selection) {
     xcb_connection_t* const xcb = qtConnection();
     return xcb != nullptr && selection != XCB_ATOM_NONE && ownerOf(xcb, selection) != XCB_WINDOW_NONE;
 }
 
-/// Whether there is a watcher, though it may not have had an answer for us.
+/// Returns whether a watcher exists, even if its reply is an error or did not arrive in time.
 bool isThereSomebody(const QDBusMessage& answer) {
     switch (QDBusError(answer).type()) {
     case QDBusError::Disconnected:
     case QDBusError::ServiceUnknown:
-    case QDBusError::Other: // so the bus calls a name that nobody has and that it may start nobody for
+    // This is how the bus reports a name without an owner when it may not start a service for it.
+    case QDBusError::Other:
         return false;
     default:
         return true;
     }
 }
 
+/// Queries the StatusNotifierWatcher whether a panel (a "host") is registered. Does not start the watcher.
 TrayWatch::Place placeOnBus() {
     QDBusMessage question = QDBusMessage::createMethodCall(kWatcherService, kWatcherPath,
                                                            QStringLiteral("org.freedesktop.DBus.Properties"),
@@ -80,10 +83,12 @@ TrayWatch::Place TrayWatch::place() const {
     return Place::SystemTray;
 }
 
+/// Recognises the MANAGER client message, by which a new selection owner announces itself on the root window
+/// (ICCCM 2.8). Qt selects StructureNotify on the root window, with which this message is sent.
 bool TrayWatch::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*) {
     if (eventType != "xcb_generic_event_t")
         return false;
-    constexpr std::uint8_t kSentBySomebody = 0x80;
+    constexpr std::uint8_t kSentBySomebody = 0x80; // the SendEvent bit
     const auto* const event = static_cast<const xcb_generic_event_t*>(message);
     if ((event->response_type & ~kSentBySomebody) != XCB_CLIENT_MESSAGE)
         return false;

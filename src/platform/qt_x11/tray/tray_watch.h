@@ -8,27 +8,33 @@
 
 namespace tessarel::qt {
 
-/// Looks out for a place where a status icon can stand, without asking for it again and again.
+/// Watches for a panel that can show a status icon, without polling.
 ///
-/// Qt decides how it shows status icons when the first one is made, once for the whole run of the program,
-/// and then keeps looking for that one kind of place only. So the first icon had better wait for a place.
+/// Qt chooses between StatusNotifierItem and XEmbed when the program creates its first icon, and keeps to
+/// that choice until exit. The first icon is therefore created only when a place is available.
 class TrayWatch : private QAbstractNativeEventFilter {
 public:
+    /// Where an icon can be shown.
     enum class Place : std::uint8_t {
         None,
-        Expected,           ///< somebody on the session bus waits for a panel, which will not be announced
-        SystemTray,         ///< a window of the panel's that takes windows of other programs in
-        StatusNotifierHost, ///< a panel that is told on the session bus what to draw
+        /// A watcher runs on the session bus, but no panel has registered yet. Its start will not be
+        /// announced.
+        Expected,
+        /// A panel that embeds windows of other programs (XEmbed).
+        SystemTray,
+        /// A panel that draws the icon itself, from data on the session bus.
+        StatusNotifierHost,
     };
 
-    /// Calls `sign`, from inside the loop, at everything that may mean a new place, or that one is expected
-    /// from now on. Needs the application object; the callback may not destroy the watch.
+    /// Calls `sign` from the event loop whenever `place` may have changed, except for the start of a panel in
+    /// state `Expected`. Requires the application object. The callback must not destroy the watch.
     explicit TrayWatch(std::function<void()> sign);
     TrayWatch(const TrayWatch&) = delete;
     TrayWatch& operator=(const TrayWatch&) = delete;
     ~TrayWatch() override;
 
-    /// The place that there is now; of two the one that Qt would choose.
+    /// Returns the available place; if there are two, the one that Qt chooses. Blocks for up to 0.5 s when
+    /// the watcher on the session bus does not reply.
     [[nodiscard]] Place place() const;
 
 private:
@@ -36,8 +42,8 @@ private:
 
     std::function<void()> m_sign;
     QDBusServiceWatcher m_busWatcher;
-    std::uint32_t m_managerAtom = 0;   // type of the message by which a new tray makes itself known
-    std::uint32_t m_selectionAtom = 0; // what the tray of our screen owns
+    std::uint32_t m_managerAtom = 0;   // type of the client message that announces a new tray
+    std::uint32_t m_selectionAtom = 0; // the selection that the tray of this X screen owns
 };
 
 } // namespace tessarel::qt

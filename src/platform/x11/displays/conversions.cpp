@@ -8,7 +8,8 @@ namespace tessarel::x11 {
 
 namespace {
 
-/// `value` as a whole number that fits into `Integer`. Not a number fits nowhere.
+/// Returns `value` rounded to a whole number, or `std::nullopt` when that does not fit into `Integer`. NaN
+/// fails both comparisons and is therefore rejected.
 template <class Integer>
 std::optional<double> whole(double value) {
     const double rounded = std::round(value);
@@ -31,6 +32,8 @@ Rect rootFromScreen(const Rect& screenFrame, const Rect& primary) {
     return {screenFrame.x + primary.x, primary.maxY() - screenFrame.maxY(), screenFrame.width,
             screenFrame.height};
 }
+
+// Core protocol requests carry positions as INT16 and extents as CARD16.
 
 std::optional<Point> rootFromAx(const Point& axPoint, const Point& primaryOrigin) {
     const auto x = whole<std::int16_t>(axPoint.x + primaryOrigin.x);

@@ -12,6 +12,7 @@ namespace tessarel::x11 {
 
 namespace {
 
+/// Returns the area that both rectangles share, in square pixels.
 double commonArea(const Rect& a, const Rect& b) {
     const Rect common = a.intersection(b);
     return common.isNull() ? 0 : common.width * common.height;
@@ -47,6 +48,7 @@ std::vector<Screen> X11Displays::screensOn(const Basis& basis) {
 }
 
 std::optional<Screen> X11Displays::mainScreen() {
+    // Of equal shares the first wins, so a window outside all monitors counts for the primary one.
     std::optional<Rect> attention = m_focusedFrame();
     if (!attention)
         attention = pointerFrame();
@@ -59,7 +61,7 @@ std::optional<Screen> X11Displays::mainScreen() {
     });
 }
 
-/// The pixel under the pointer.
+/// Returns the pixel under the pointer, in root coordinates. Takes a round trip.
 std::optional<Rect> X11Displays::pointerFrame() {
     const auto pointer = m_connection.reply<xcb_query_pointer_reply>(
         xcb_query_pointer(m_connection.xcb(), m_connection.root()));

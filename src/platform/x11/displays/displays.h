@@ -11,19 +11,25 @@
 
 namespace tessarel::x11 {
 
-/// The monitors in pixels, with what panels leave of them. Costs no request as long as nothing has changed.
+/// The monitors and their usable areas, in pixels.
 class X11Displays : public DisplaysPort {
 public:
-    /// Returns the frame of the window that has the focus, in pixels of the root window.
+    /// Returns the outer frame of the active window in pixels of the root window, or `std::nullopt` when no
+    /// window is active.
     using FocusedFrame = std::function<std::optional<Rect>()>;
 
+    /// `connection` and `monitors` must outlive this object.
     X11Displays(Connection& connection, Monitors& monitors, FocusedFrame focusedFrame);
 
+    /// Returns all monitors, the primary one first. Sends no request unless something has changed.
     [[nodiscard]] std::vector<Screen> screens() override;
+    /// Returns the monitor that shares the largest area with the active window or, without an active window,
+    /// the one under the pointer.
     [[nodiscard]] std::optional<Screen> mainScreen() override;
 
 private:
-    /// What the screens are reckoned from. A drag asks for them several times at each movement.
+    /// The input that `m_screens` was computed from. The result is cached because a drag reads the screens
+    /// several times for each movement.
     struct Basis {
         std::vector<Monitor> monitors;
         Size rootSize;
@@ -38,7 +44,7 @@ private:
     FocusedFrame m_focusedFrame;
     ReservedSpaceWatch m_reserved;
     Basis m_basis;
-    std::vector<Screen> m_screens; // on that basis
+    std::vector<Screen> m_screens; // computed from `m_basis`
 };
 
 } // namespace tessarel::x11

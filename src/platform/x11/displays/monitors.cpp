@@ -11,7 +11,7 @@ namespace tessarel::x11 {
 
 namespace {
 
-/// Every monitor that shows something, the primary one first.
+/// Returns every monitor with a non-empty area, the primary one first, in root coordinates.
 std::vector<Monitor> monitorsIn(const xcb_randr_get_monitors_reply_t* reply) {
     std::vector<Monitor> monitors;
     for (auto infos = xcb_randr_get_monitors_monitors_iterator(reply); infos.rem > 0;
@@ -32,6 +32,7 @@ std::vector<Monitor> monitorsIn(const xcb_randr_get_monitors_reply_t* reply) {
 Monitors::Monitors(Connection& connection)
     : m_connection(connection),
       m_observer(connection.onRead([this](const Connection::Event& event) { note(event); })) {
+    // ConfigureNotify of the root window reports a new size also on servers without RandR.
     connection.selectRootEvents(XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     if (connection.extensions().randrMonitors)
         xcb_randr_select_input(connection.xcb(), connection.root(),
@@ -54,6 +55,7 @@ Point Monitors::primaryOrigin() {
     return m_monitors.empty() ? Point{} : m_monitors.front().rootFrame.origin();
 }
 
+/// Invalidates the cache on RandR events and when the root window changes size.
 void Monitors::note(const Connection::Event& event) {
     const Extensions& extensions = m_connection.extensions();
     const std::uint8_t type = eventType(event);
@@ -69,11 +71,11 @@ void Monitors::note(const Connection::Event& event) {
 void Monitors::refresh() {
     if (m_isCurrent)
         return;
-    m_isCurrent = true; // an event in the middle of the answers makes it false again
+    m_isCurrent = true; // set first, so that an event read along with the replies can reset it
     const auto geometryCookie = xcb_get_geometry(m_connection.xcb(), m_connection.root());
     std::optional<xcb_randr_get_monitors_cookie_t> monitorsCookie;
     if (m_connection.extensions().randrMonitors)
-        monitorsCookie = xcb_randr_get_monitors(m_connection.xcb(), m_connection.root(), 1);
+        monitorsCookie = xcb_randr_get_monitors(m_connection.xcb(), m_connection.root(), 1); // active only
     const auto geometry = m_connection.reply<xcb_get_geometry_reply>(geometryCookie);
     m_rootSize =
         geometry ? Size{static_cast<double>(geometry->width), static_cast<double>(geometry->height)} : Size{};

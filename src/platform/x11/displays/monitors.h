@@ -8,25 +8,28 @@
 
 namespace tessarel::x11 {
 
-/// A display as the server describes it.
+/// A monitor as RandR describes it. These are RandR 1.5 monitors rather than CRTCs or outputs, so monitors
+/// that the user has defined (`xrandr --setmonitor`) are included.
 struct Monitor {
-    std::uint64_t id = 0; ///< the number of its name
+    std::uint64_t id = 0; ///< the atom of its name; the root window's id where RandR is missing
     Rect rootFrame;       ///< pixels of the root window, y down
 
     bool operator==(const Monitor&) const = default;
 };
 
-/// The monitors of the desktop, read again only after they have changed.
+/// The monitors of the desktop, cached until RandR or the root window reports a change.
 class Monitors {
 public:
+    /// `connection` must outlive this object.
     explicit Monitors(Connection& connection);
 
-    /// The primary one first, then in the server's order. Where the server does not tell, the whole root
-    /// window is the one monitor; none when it has gone.
+    /// Returns the primary monitor first, then the others in the server's order. Where RandR 1.5 is missing
+    /// or lists no monitor, the whole root window is the only monitor. Empty when the connection is lost.
     [[nodiscard]] const std::vector<Monitor>& all();
-    /// Size of the root window.
+    /// Returns the size of the root window in pixels; empty when the connection is lost.
     [[nodiscard]] Size rootSize();
-    /// Where the two coordinate systems of the desktop meet: the top-left corner of the primary monitor.
+    /// Returns the top-left corner of the primary monitor in pixels of the root window. It is the origin of
+    /// the accessibility coordinates.
     [[nodiscard]] Point primaryOrigin();
 
 private:

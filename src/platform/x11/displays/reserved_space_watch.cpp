@@ -11,23 +11,29 @@ namespace tessarel::x11 {
 
 namespace {
 
+// Upper bounds for what a property may hold; longer values are ignored.
 constexpr std::uint32_t kMostTypes = 64;
 constexpr std::uint32_t kMostDesktops = 64;
 constexpr std::uint32_t kMostMonitors = 64;
 
+/// Requests a property of type CARDINAL.
 xcb_get_property_cookie_t requestNumbers(Connection& connection, xcb_window_t window, xcb_atom_t property,
                                          std::uint32_t maximum) {
     return requestProperty(connection, window, property, XCB_ATOM_CARDINAL, maximum);
 }
 
+/// Replaces the events that this connection selects on `window`.
 void selectPropertyChanges(Connection& connection, xcb_window_t window, std::uint32_t mask) {
     xcb_change_window_attributes(connection.xcb(), window, XCB_CW_EVENT_MASK, &mask);
 }
 
 } // namespace
 
-/// The questions for a window's struts. The window is watched from before they are sent, so that no change
-/// goes unnoticed; one that is no panel is not watched any longer than that.
+/// The pending requests for the struts of one window.
+///
+/// PropertyNotify is selected before the properties are read, so that no change is missed in between. It is
+/// deselected for windows that turn out not to be panels: their properties change often, and each event would
+/// wake the program.
 class ReservedSpaceWatch::StrutRequest {
 public:
     StrutRequest(Connection& connection, xcb_window_t window) : m_connection(&connection), m_window(window) {
@@ -40,6 +46,9 @@ public:
 
     [[nodiscard]] xcb_window_t window() const { return m_window; }
 
+    /// Waits for the replies and returns the struts. Must be called once. `_NET_WM_STRUT_PARTIAL` wins over
+    /// `_NET_WM_STRUT`, as EWMH specifies. Docks stay watched even without struts, because they may set them
+    /// later.
     [[nodiscard]] std::vector<Strut> collect() {
         const auto partial = propertyReply(*m_connection, m_partial);
         const auto whole = propertyReply(*m_connection, m_whole);
@@ -62,7 +71,8 @@ private:
     xcb_get_property_cookie_t m_type{};
 };
 
-/// The questions for what the manager tells about a desktop.
+/// The pending requests for the work areas that the window manager publishes: `_GTK_WORKAREAS_D<n>`, with one
+/// rectangle per monitor, and `_NET_WORKAREA`, with one rectangle per desktop for all monitors together.
 class ReservedSpaceWatch::ManagersAreasRequest {
 public:
     ManagersAreasRequest(Connection& connection, xcb_atom_t areasOfDesktop)
@@ -71,6 +81,7 @@ public:
           m_perDesktop(requestNumbers(connection, connection.root(), connection.atom(Atom::NetWorkarea),
                                       kValuesPerRectangle * kMostDesktops)) {}
 
+    /// Waits for the replies and stores the areas of `desktop` in `space`.
     void collect(std::uint32_t desktop, ReservedSpace& space) const {
         const auto perMonitor = propertyReply(m_connection, m_perMonitor);
         const auto perDesktop = propertyReply(m_connection, m_perDesktop);
@@ -101,12 +112,14 @@ const ReservedSpace& ReservedSpaceWatch::current() {
     return m_space;
 }
 
-/// Catches up with changes while there is time, so that a key press does not have to.
+/// Refreshes the cache right after a change, so that the next key press does not wait for it. Before the
+/// first use there is nothing to keep current.
 void ReservedSpaceWatch::follow() {
     if (m_isWanted && !m_isCurrent)
         refresh();
 }
 
+/// Invalidates the cache as soon as an event is read that concerns it.
 void ReservedSpaceWatch::note(const Connection::Event& event) {
     if (eventType(event) != XCB_PROPERTY_NOTIFY)
         return;
@@ -124,7 +137,7 @@ void ReservedSpaceWatch::noteRoot(xcb_atom_t property) {
     const bool isWorkarea = property == m_connection.atom(Atom::NetWorkarea);
     const bool isAreas = std::any_of(m_areasAtoms.begin(), m_areasAtoms.end(),
                                      [&](const auto& known) { return known.second == property; });
-    if (isWorkarea) // the manager has heard of a strut that we may not be watching
+    if (isWorkarea) // a window that is not watched here may have set a strut
         m_strutsOutdated = true;
     if (isWorkarea || isAreas || property == m_connection.atom(Atom::NetClientList) ||
         property == m_connection.atom(Atom::NetCurrentDesktop))
@@ -132,12 +145,13 @@ void ReservedSpaceWatch::noteRoot(xcb_atom_t property) {
 }
 
 void ReservedSpaceWatch::refresh() {
-    m_isCurrent = true; // an event in the middle of the answers makes it false again
+    m_isCurrent = true; // set first, so that an event read along with the replies can reset it
     if (std::exchange(m_strutsOutdated, false))
         m_struts.clear();
     const auto clientsCookie = requestWindowList(m_connection, Atom::NetClientList);
     const auto desktopCookie =
         requestNumbers(m_connection, m_connection.root(), m_connection.atom(Atom::NetCurrentDesktop), 1);
+    // Reads the areas of the last known desktop in the same round trip; usually it is still the current one.
     const ManagersAreasRequest areasOfLast(m_connection, areasAtom(m_desktop));
     const auto clients = propertyReply(m_connection, clientsCookie);
     const auto desktop = propertyReply(m_connection, desktopCookie);
@@ -149,6 +163,8 @@ void ReservedSpaceWatch::refresh() {
     readStruts(values(clients));
 }
 
+/// Collects the struts of all clients. Reads only windows that are not cached; windows that are no longer
+/// listed drop out of the cache.
 void ReservedSpaceWatch::readStruts(std::span<const std::uint32_t> clients) {
     std::unordered_map<xcb_window_t, std::vector<Strut>> struts;
     std::vector<StrutRequest> requests;
@@ -167,7 +183,9 @@ void ReservedSpaceWatch::readStruts(std::span<const std::uint32_t> clients) {
         m_space.struts.insert(m_space.struts.end(), m_struts[window].begin(), m_struts[window].end());
 }
 
-/// No atom for desktops that nobody can have: the server never forgets one.
+/// Returns the atom of `_GTK_WORKAREAS_D<desktop>`, or XCB_ATOM_NONE for an implausible desktop number: atoms
+/// stay in the server until it resets, so bogus numbers must not create any. The first call for a desktop
+/// takes a round trip.
 xcb_atom_t ReservedSpaceWatch::areasAtom(std::uint32_t desktop) {
     if (desktop >= kMostDesktops)
         return XCB_ATOM_NONE;

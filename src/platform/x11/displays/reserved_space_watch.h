@@ -11,12 +11,17 @@
 
 namespace tessarel::x11 {
 
-/// What panels and the window manager keep from windows on the current desktop, read again only after
-/// something about it has changed.
+/// Watches the space that panels and the window manager reserve on the current desktop.
+///
+/// The sources are the struts of all managed windows and the work areas that the window manager publishes on
+/// the root window. All of them are cached and read again only after a change.
 class ReservedSpaceWatch {
 public:
+    /// `connection` must outlive this object.
     explicit ReservedSpaceWatch(Connection& connection);
 
+    /// Returns the reserved space of the current desktop. Sends requests on the first call and after a
+    /// change. The reference stays valid; later calls change the value.
     [[nodiscard]] const ReservedSpace& current();
 
 private:
@@ -31,10 +36,10 @@ private:
     [[nodiscard]] xcb_atom_t areasAtom(std::uint32_t desktop);
 
     Connection& m_connection;
-    bool m_isWanted = false; // somebody has asked at least once
+    bool m_isWanted = false; // `current` was called at least once
     bool m_isCurrent = false;
     bool m_strutsOutdated = false;
-    std::uint32_t m_desktop = 0; // the current one, when last read
+    std::uint32_t m_desktop = 0; // the current desktop as last read
     ReservedSpace m_space;
     std::unordered_map<xcb_window_t, std::vector<Strut>> m_struts; // of every managed window
     std::unordered_map<std::uint32_t, xcb_atom_t> m_areasAtoms;    // by desktop

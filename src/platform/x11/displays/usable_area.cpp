@@ -11,16 +11,16 @@ namespace {
 using Edge = Strut::Edge;
 
 constexpr std::array kEdges = {Edge::Left, Edge::Right, Edge::Top, Edge::Bottom};
-constexpr std::uint32_t kFarthest = 65535; // pixels: as far as a root window can reach
-constexpr double kLeastShare = 0.25;
+constexpr std::uint32_t kFarthest = 65535; // pixels; the protocol's limit for the size of a window
+constexpr double kLeastShare = 0.25;       // of the monitor's width and height
 
-/// Whether `area` leaves enough of `monitor` to be believed.
+/// Returns whether `area` leaves enough of `monitor` to be plausible.
 bool isPlausible(const Rect& area, const Rect& monitor) {
     return !area.isNull() && area.width >= monitor.width * kLeastShare &&
            area.height >= monitor.height * kLeastShare;
 }
 
-/// The whole space that a strut keeps, in a root window of size `root`.
+/// Returns the whole rectangle that a strut reserves in a root window of size `root`.
 Rect spaceOf(const Strut& strut, const Size& root) {
     const double length = strut.end - strut.start + 1;
     switch (strut.edge) {
@@ -36,7 +36,8 @@ Rect spaceOf(const Strut& strut, const Size& root) {
     return Rect::null();
 }
 
-/// `area` without the strip along `edge` that `space` takes of it; may be reversed where nothing is left.
+/// Returns `area` without the part of it between its `edge` and the inner side of `space`. The width or
+/// height is negative when nothing is left.
 Rect without(const Rect& area, const Rect& space, Edge edge) {
     double left = area.x;
     double right = area.maxX();
@@ -59,11 +60,17 @@ Rect without(const Rect& area, const Rect& space, Edge edge) {
     return {left, top, right - left, bottom - top};
 }
 
+/// Returns whether the rectangles share at least part of a pixel; touching edges do not count.
 bool overlap(const Rect& a, const Rect& b) {
     const Rect common = a.intersection(b);
     return !common.isNull() && common.width > 0 && common.height > 0;
 }
 
+/// Returns `monitor` without the struts that reach into it.
+///
+/// A strut is measured from the edge of the root window, not of its monitor. A panel at an inner edge between
+/// two monitors therefore covers the whole monitor on the other side; such a strut would leave an implausible
+/// area of that monitor and is ignored for it.
 Rect withoutStruts(const Rect& monitor, const Size& root, std::span<const Strut> struts) {
     Rect area = monitor;
     for (const Strut& strut : struts) {
@@ -75,7 +82,8 @@ Rect withoutStruts(const Rect& monitor, const Size& root, std::span<const Strut>
     return area;
 }
 
-/// The manager's areas in the order of `monitors`; empty unless each monitor has exactly one.
+/// Returns the window manager's areas in the order of `monitors`, or an empty list unless exactly one area
+/// lies in each monitor. Areas carry no monitor id, so they are matched by their position.
 std::vector<Rect> areasPerMonitor(std::span<const Rect> monitors, std::span<const Rect> told) {
     if (told.size() != monitors.size())
         return {};
@@ -114,8 +122,8 @@ std::vector<Rect> rectanglesFrom(std::span<const std::uint32_t> values) {
     if (values.size() % kValuesPerRectangle != 0)
         return {};
     const auto number = [](std::uint32_t value) {
-        return static_cast<double>(
-            static_cast<std::int32_t>(value)); // may be left of or above the root's origin
+        // Signed: an area may lie left of or above the root window's origin.
+        return static_cast<double>(static_cast<std::int32_t>(value));
     };
     std::vector<Rect> rectangles;
     for (std::size_t i = 0; i < values.size(); i += kValuesPerRectangle)
@@ -131,6 +139,8 @@ std::vector<Rect> usableAreas(std::span<const Rect> monitors, const Size& root,
         return areas;
     for (const Rect& monitor : monitors)
         areas.push_back(withoutStruts(monitor, root, reserved.struts));
+    // Needed for the built-in bars of icewm and fluxbox, which are no clients and set no struts. With several
+    // monitors the common area is of no use: it is one rectangle around all of them.
     if (areas.size() == 1 && reserved.commonArea && isPlausible(*reserved.commonArea, monitors.front())) {
         const Rect common = areas.front().intersection(*reserved.commonArea);
         if (isPlausible(common, monitors.front()))

@@ -9,44 +9,51 @@
 
 namespace tessarel::x11 {
 
-/// Rectangles here are in pixels of the root window, y down.
+// All rectangles in this header are in pixels of the root window, y down.
 
-/// Space that a panel keeps along an edge of the root window.
+/// Space that a panel reserves along an edge of the root window (`_NET_WM_STRUT_PARTIAL`).
 struct Strut {
     enum class Edge { Left, Right, Top, Bottom };
 
     Edge edge = Edge::Top;
-    double depth = 0; ///< from that edge of the root window
-    double start = 0; ///< the part of the edge it stands at
-    double end = 0;   ///< its last pixel
+    double depth = 0; ///< pixels, measured from that edge of the root window
+    double start = 0; ///< first pixel along the edge
+    double end = 0;   ///< last pixel along the edge, inclusive
 
     bool operator==(const Strut&) const = default;
 };
 
-/// What keeps windows from using the whole of a monitor.
+/// The reserved space of a desktop, as panels and the window manager publish it.
 struct ReservedSpace {
     std::vector<Strut> struts;
-    std::vector<Rect> areaPerMonitor; ///< usable areas the manager tells for each monitor, in any order
-    std::optional<Rect> commonArea;   ///< usable area the manager tells for all monitors together
+    /// `_GTK_WORKAREAS_D<n>`: the usable area of each monitor, in any order. Of the supported window managers
+    /// metacity, mutter and marco publish it.
+    std::vector<Rect> areaPerMonitor;
+    /// `_NET_WORKAREA`: one usable area for all monitors together.
+    std::optional<Rect> commonArea;
 
     bool operator==(const ReservedSpace&) const = default;
 };
 
-/// The struts in the twelve values of _NET_WM_STRUT_PARTIAL, or in the four of _NET_WM_STRUT; none in
-/// anything else. Sides without space, with more than any root window has, or with a reversed part are left
-/// out.
+/// Decodes the twelve values of `_NET_WM_STRUT_PARTIAL` or the four of `_NET_WM_STRUT`; returns an empty list
+/// for any other number of values. Sides with zero depth, with a depth beyond the protocol's limit or with a
+/// reversed range are left out.
 [[nodiscard]] std::vector<Strut> strutsFrom(std::span<const std::uint32_t> values);
 
+/// The number of values that describe a rectangle in the work area properties.
 inline constexpr std::uint32_t kValuesPerRectangle = 4;
 
-/// The rectangles in consecutive groups of x, y, width and height; none when a group is incomplete.
+/// Decodes consecutive groups of x, y, width and height, each a signed 32-bit value. Returns an empty list
+/// when a group is incomplete.
 [[nodiscard]] std::vector<Rect> rectanglesFrom(std::span<const std::uint32_t> values);
 
-/// The part of each of `monitors` that `reserved` leaves to windows.
+/// Returns the usable area of each monitor, in the order of `monitors`. `root` is the size of the root
+/// window.
 ///
-/// The manager's word for each monitor counts if it has one for every one of them; else struts are taken away
-/// and, where there is a single monitor, what lies outside the common area. Whatever would leave less than a
-/// quarter of a monitor's width or height is taken for an error and ignored, so the areas are never empty.
+/// The areas that the window manager publishes per monitor are used if there is one for every monitor.
+/// Otherwise the struts are subtracted, and a single monitor is also intersected with the common area. A
+/// value that would leave less than a quarter of a monitor's width or height is treated as an error and
+/// ignored, so no area is empty.
 [[nodiscard]] std::vector<Rect> usableAreas(std::span<const Rect> monitors, const Size& root,
                                             const ReservedSpace& reserved);
 

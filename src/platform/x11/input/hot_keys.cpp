@@ -11,23 +11,27 @@ namespace tessarel::x11 {
 
 namespace {
 
-/// The modifiers of the locking keys that a hot key does not look at.
+/// Returns the lock modifiers that a hot key ignores: all of them, except those that share a bit with Shift,
+/// Control, Mod1 or Mod4, which would make combinations with that modifier indistinguishable.
 std::uint16_t ignoredLocks(Connection& connection) {
     return static_cast<std::uint16_t>(lockModifiers(connection) & ~kAllModifiers);
 }
 
-/// Calls `use` with every combination of the bits of `mask`, none of them included.
+/// Calls `use` with every subset of the bits of `mask`, including the empty one. The order is always the
+/// same.
 template <class Use>
 void forEachSubset(std::uint16_t mask, Use use) {
     std::uint16_t subset = 0;
     do {
         use(subset);
-        subset = static_cast<std::uint16_t>((subset - mask) & mask);
+        subset = static_cast<std::uint16_t>((subset - mask) & mask); // the next larger subset, then 0
     } while (subset != 0);
 }
 
 } // namespace
 
+/// Releases one grab on destruction. Refers to it by serial number, because the grab may be refused or
+/// released before the claim ends.
 class X11HotKeys::Claim : public Subscription {
 public:
     Claim(std::shared_ptr<X11HotKeys*> hotKeys, std::size_t serial)
@@ -65,6 +69,7 @@ std::vector<SubscriptionPtr> X11HotKeys::registerHotKeys(std::span<const HotKeyR
     for (const HotKeyRequest& request : requests) {
         const auto wanted = combination(request);
         serials.push_back(std::nullopt);
+        // The server lets one client grab the same combination twice, so duplicates are rejected here.
         if (!wanted || holds(*wanted))
             continue;
         serials.back() = m_nextSerial;
@@ -95,8 +100,8 @@ bool X11HotKeys::holds(std::size_t serial) const {
     return std::ranges::find(m_grabs, serial, &Grab::serial) != m_grabs.end();
 }
 
-/// Grabs all from position `first` on and forgets those that are refused. Everything is sent before the
-/// first answer is waited for.
+/// Grabs the entries of `m_grabs` from `first` on and drops those that fail. A grab that another client holds
+/// fails with BadAccess. All requests are sent before the first result is read: one round trip.
 void X11HotKeys::acquire(std::size_t first) {
     const std::span<const Grab> wanted = std::span(m_grabs).subspan(first);
     std::vector<xcb_void_cookie_t> cookies;
@@ -107,11 +112,12 @@ void X11HotKeys::acquire(std::size_t first) {
     auto cookie = cookies.begin();
     for (const Grab& grab : wanted) {
         bool granted = true;
+        // The cookies are in the order in which `send` visited the same subsets.
         forEachSubset(m_locks, [&](std::uint16_t) { granted &= m_connection.succeeds(*cookie++); });
         if (granted)
             held.push_back(grab);
         else
-            release(grab);
+            release(grab); // some of its lock states may have been granted
     }
     m_grabs = std::move(held);
 }
@@ -142,7 +148,7 @@ void X11HotKeys::releaseClaim(std::size_t serial) {
 }
 
 void X11HotKeys::handle(const Connection::Event& event) {
-    // Events that another client has made up carry a further bit and are nobody's key presses.
+    // Synthetic events from SendEvent have the top bit set and are ignored: only real keys trigger actions.
     if (event.response_type == XCB_KEY_PRESS)
         handlePress(reinterpret_cast<const xcb_key_press_event_t&>(event));
     else if (event.response_type == XCB_KEY_RELEASE)
@@ -160,7 +166,8 @@ void X11HotKeys::handlePress(const xcb_key_press_event_t& press) {
         m_handlers.call(grab->id);
 }
 
-/// Grabs hold physical keys, which no mapping moves; but the locking keys may stand for other modifiers now.
+/// Grabs are on keycodes, which a new mapping does not move. The lock keys may have moved to other modifiers,
+/// however; then every combination has to be grabbed again.
 void X11HotKeys::handleMappingChange() {
     const std::uint16_t locks = ignoredLocks(m_connection);
     if (locks == m_locks)
@@ -168,7 +175,7 @@ void X11HotKeys::handleMappingChange() {
     for (const Grab& grab : m_grabs)
         release(grab);
     m_locks = locks;
-    acquire(0);
+    acquire(0); // a combination that is refused now stays lost; its claim no longer refers to a grab
 }
 
 } // namespace tessarel::x11

@@ -19,31 +19,34 @@
 
 namespace tessarel::x11 {
 
-/// Hot keys as passive grabs of physical keys on the root window.
+/// Hot keys as passive grabs of keycodes on the root window.
 ///
-/// Ctrl is the Control modifier, Opt Mod1 (Alt), Cmd Mod4 (Super). A grab stands for one exact modifier
-/// state, so each combination is grabbed once for every state of the locking keys (Caps Lock, Num Lock,
-/// Scroll Lock), and all of them or none are held.
+/// Ctrl maps to the Control modifier, Opt to Mod1 (Alt) and Cmd to Mod4 (Super). A passive grab matches one
+/// exact modifier state, so each combination is grabbed once for every state of Caps Lock, Num Lock and
+/// Scroll Lock. If one of these grabs is refused, the others are released as well.
 ///
-/// A key that is held down fires once, however long it repeats.
+/// A key that is held down fires once, however long it repeats. While another client holds an active keyboard
+/// grab, for an open menu or a screen locker for instance, the server delivers no hot keys.
 class X11HotKeys : public HotKeyPort {
 public:
-    /// `connection` outlives the hot keys.
+    /// `connection` must outlive this object.
     explicit X11HotKeys(Connection& connection);
     X11HotKeys(const X11HotKeys&) = delete;
     X11HotKeys& operator=(const X11HotKeys&) = delete;
-    /// Lets go of every combination; claims that are still around stand for nothing any more.
+    /// Releases all grabs. Claims may outlive this object and then do nothing.
     ~X11HotKeys() override;
 
     [[nodiscard]] SubscriptionPtr installHandler(std::function<void(std::uint32_t id)> pressed) override;
 
-    /// Waits once, for the server's answers to all the requests together.
+    /// Grabs the combinations in one round trip. An entry is null when another client has grabbed the
+    /// combination, when it is registered already, or when it has no keycode or unknown modifier bits.
     [[nodiscard]] std::vector<SubscriptionPtr>
     registerHotKeys(std::span<const HotKeyRequest> requests) override;
 
 private:
     class Claim;
 
+    /// A key with the modifiers that have to be held, without the lock modifiers.
     struct Combination {
         xcb_keycode_t keycode = 0;
         std::uint16_t modifiers = 0;
@@ -51,10 +54,11 @@ private:
         bool operator==(const Combination&) const = default;
     };
 
+    /// A granted combination, or one that is about to be requested.
     struct Grab {
-        std::size_t serial = 0; ///< what its claim knows it by
+        std::size_t serial = 0; ///< identifies the grab to its claim; never reused
         Combination combination;
-        std::uint32_t id = 0;
+        std::uint32_t id = 0; ///< passed to the handlers
     };
 
     [[nodiscard]] static std::optional<Combination> combination(const HotKeyRequest& request);
@@ -72,12 +76,12 @@ private:
 
     Connection& m_connection;
     XkbKeyboard m_keyboard;
-    std::uint16_t m_locks; ///< the modifiers of the locking keys
+    std::uint16_t m_locks; ///< the lock modifiers that hot keys ignore
     std::vector<Grab> m_grabs;
     std::size_t m_nextSerial = 0;
     RepeatFilter m_keysDown;
     CallbackList<std::uint32_t> m_handlers;
-    std::shared_ptr<X11HotKeys*> m_self; // shared with claims, which may outlive us
+    std::shared_ptr<X11HotKeys*> m_self; // shared with claims, which may outlive this object
     SubscriptionPtr m_events;
 };
 

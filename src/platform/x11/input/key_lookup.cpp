@@ -18,6 +18,7 @@ bool isKeyHeld(Connection& connection, std::uint32_t keycode) {
     if (keycode > std::numeric_limits<std::uint8_t>::max())
         return false;
     const auto keys = connection.reply<xcb_query_keymap_reply>(xcb_query_keymap(connection.xcb()));
+    // The reply is a bit vector with one bit per keycode, least significant bit first.
     return keys && (keys->keys[keycode / 8] >> (keycode % 8) & 1) != 0;
 }
 

@@ -8,11 +8,12 @@
 
 namespace tessarel::x11 {
 
-/// What the press of `keycode` means when the server says that `state` is held, by the same tables as hot
-/// keys are claimed; none for a key that bindings cannot name, as every modifier key is.
+/// Translates a key press. `state` is the server's modifier mask at the press. The tables are those of the
+/// hot keys, so a recorded key is the key that is grabbed later. Returns `std::nullopt` for keys that
+/// bindings cannot name, which includes all modifier keys.
 [[nodiscard]] std::optional<KeyDown> keyDown(std::uint32_t keycode, std::uint32_t state);
 
-/// Whether the key is down at this moment; waits for the server.
+/// Returns whether the key is physically down now. Takes a round trip. Returns false for an invalid keycode.
 [[nodiscard]] bool isKeyHeld(Connection& connection, std::uint32_t keycode);
 
 } // namespace tessarel::x11

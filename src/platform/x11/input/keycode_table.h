@@ -6,17 +6,18 @@
 
 namespace tessarel::x11 {
 
-/// A physical key under both of its numbers.
+/// A physical key in both code systems.
 struct PhysicalKey {
-    std::uint8_t virtualKey = 0; ///< virtual key code, as bindings hold it
-    std::uint8_t keycode = 0;    ///< key code of the X server: the kernel's number plus 8
+    std::uint8_t virtualKey = 0; ///< virtual key code, as bindings store it
+    std::uint8_t keycode = 0;    ///< X11 keycode: the kernel's evdev code plus 8
 };
 
-/// Every key that a binding can name. Both numbers stand for a place on the keyboard, not for what is printed
-/// on it, so a binding keeps its place under every layout.
+/// All keys that a binding can name. Both codes identify a position on the keyboard, not the character
+/// printed on it, so a binding stays on its physical key under every keyboard layout. The comments name the
+/// US layout.
 ///
-/// "Delete" (51) is the key that deletes backwards; the one that deletes forwards is 117. Keys that only one
-/// of the two systems knows (Fn, Print, Scroll Lock and the like) are not here.
+/// "Delete" (51) deletes backwards (Backspace); forward delete is 117. Keys that exist in only one of the two
+/// systems (Fn, Print, Scroll Lock and others) are left out.
 inline constexpr std::array kPhysicalKeys = std::to_array<PhysicalKey>({
     // letters
     {0, 38},  // A
@@ -69,7 +70,7 @@ inline constexpr std::array kPhysicalKeys = std::to_array<PhysicalKey>({
     {47, 60}, // .
     {50, 49}, // grave accent
     {10, 94}, // the extra key of ISO keyboards, beside the left Shift
-    // editing and moving
+    // editing and navigation
     {36, 36},   // Return
     {48, 23},   // Tab
     {49, 65},   // Space
@@ -134,10 +135,10 @@ inline constexpr std::array kPhysicalKeys = std::to_array<PhysicalKey>({
     {104, 130}, // Kana
 });
 
-/// The server's key code of a virtual key code; none when no physical key has it.
+/// Returns the X11 keycode for a virtual key code, or `std::nullopt` when no key in the table has it.
 [[nodiscard]] std::optional<std::uint8_t> keycodeOf(std::uint32_t virtualKey);
 
-/// The virtual key code of a key code of the server's; none when bindings cannot name that key.
+/// Returns the virtual key code for an X11 keycode, or `std::nullopt` when bindings cannot name that key.
 [[nodiscard]] std::optional<std::uint8_t> virtualKeyOf(std::uint8_t keycode);
 
 } // namespace tessarel::x11

@@ -11,11 +11,12 @@ namespace tessarel::x11 {
 
 namespace {
 
+// Keysyms. Caps Lock needs none: the core modifier Lock is always included.
 constexpr xcb_keysym_t kNumLock = 0xff7f;
 constexpr xcb_keysym_t kScrollLock = 0xff14;
 constexpr std::size_t kModifiers = 8; // Shift, Lock, Control, Mod1 to Mod5: bit n is modifier n
 
-/// The meanings of every key code of the server's.
+/// A view of the keysyms of every keycode. The reply must outlive it.
 class KeyboardMapping {
 public:
     KeyboardMapping(xcb_keycode_t firstKeycode, const xcb_get_keyboard_mapping_reply_t& reply)
@@ -23,9 +24,10 @@ public:
           m_keysyms(xcb_get_keyboard_mapping_keysyms(&reply),
                     static_cast<std::size_t>(xcb_get_keyboard_mapping_keysyms_length(&reply))) {}
 
+    /// Returns whether Num Lock or Scroll Lock is on the key, in any group or shift level.
     [[nodiscard]] bool isLockKey(xcb_keycode_t keycode) const {
         if (keycode < m_firstKeycode)
-            return false; // empty places of the modifier mapping are zero
+            return false; // unused entries of the modifier mapping are zero
         const std::size_t start = (std::size_t{keycode} - m_firstKeycode) * m_keysymsPerKeycode;
         if (start + m_keysymsPerKeycode > m_keysyms.size())
             return false;
@@ -54,6 +56,8 @@ std::uint16_t lockModifiers(Connection& connection) {
     if (!keyboardReply || !modifierReply)
         return modifiers;
 
+    // Num Lock and Scroll Lock have no fixed modifiers: the user's keymap assigns them, usually Num Lock to
+    // Mod2.
     const KeyboardMapping mapping(setup.min_keycode, *keyboardReply);
     const std::size_t keysPerModifier = modifierReply->keycodes_per_modifier;
     const std::span keys(xcb_get_modifier_mapping_keycodes(modifierReply.get()),

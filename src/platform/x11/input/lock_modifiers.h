@@ -6,8 +6,9 @@
 
 namespace tessarel::x11 {
 
-/// The modifiers that Caps Lock, Num Lock and Scroll Lock switch on under the present keyboard mapping; a key
-/// that locks no modifier adds none. Takes one round trip.
+/// Returns the modifier bits that Caps Lock, Num Lock and Scroll Lock set under the current keyboard mapping.
+/// A lock key without a modifier adds no bit. Takes one round trip; if it fails, returns only Lock (Caps
+/// Lock).
 [[nodiscard]] std::uint16_t lockModifiers(Connection& connection);
 
 } // namespace tessarel::x11

@@ -10,6 +10,7 @@ namespace tessarel::x11 {
 
 namespace {
 
+/// One modifier key in the three encodings: X11 mask, event flag, bit in a binding.
 struct Modifier {
     std::uint16_t mask;
     ModifierFlags flag;

@@ -7,7 +7,7 @@
 
 namespace tessarel::x11 {
 
-/// The server's mask bits of all four modifiers.
+/// The X11 mask of the four modifiers that bindings use: Shift, Control, Mod1 and Mod4.
 inline constexpr std::uint16_t kAllModifiers = 0x4d;
 
 /// Returns the modifier flags for the mask of keys and buttons that the server reports as held: Control is

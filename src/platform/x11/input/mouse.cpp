@@ -14,10 +14,10 @@ namespace tessarel::x11 {
 
 namespace {
 
-/// Those above are wheels and side buttons.
+/// The highest button that can act as the left one. Higher ones are the wheel (4 to 7) and side buttons.
 constexpr std::uint32_t kLastOrdinaryButton = 3;
 
-/// Another program that holds the mouse back after a press is given so many looks to let it go.
+// How often, and at which interval, to query again while another client's grab hides the press.
 constexpr int kLooksForPress = 10;
 constexpr std::chrono::milliseconds kBetweenLooks{25};
 
@@ -35,6 +35,7 @@ Point rootPoint(const xcb_query_pointer_reply_t& pointer) {
 
 } // namespace
 
+/// Removes its handler on destruction and, if it was the last one, deselects the raw events.
 class X11Mouse::Monitor : public Subscription {
 public:
     Monitor(std::shared_ptr<X11Mouse*> mouse, SubscriptionPtr handler)
@@ -74,7 +75,8 @@ SubscriptionPtr X11Mouse::addGlobalMonitor(MouseEventKind kind,
                                      m_handlers[static_cast<std::size_t>(kind)].add(std::move(handler)));
 }
 
-/// Nobody is left to tell of the drag under way when the last monitor goes.
+/// Selects the raw events that are needed now. When the last monitor goes, drops the drag in progress: there
+/// is no handler left for its release.
 void X11Mouse::updateSelection() {
     if (m_monitorCount == 0) {
         m_held.reset();
@@ -87,6 +89,7 @@ void X11Mouse::updateSelection() {
     m_connection.flush();
 }
 
+/// Counts raw events as soon as they are read, so that `hear` knows whether more of them are queued.
 void X11Mouse::noteRead(const Connection::Event& event) {
     const auto raw = m_raw.read(event);
     if (!raw)
@@ -96,6 +99,7 @@ void X11Mouse::noteRead(const Connection::Event& event) {
     m_releaseIsNear |= raw->kind == RawMouseKind::Release && raw->button == m_held;
 }
 
+/// Merges a delivered raw event into `m_news` and queries the pointer after the last event of a batch.
 void X11Mouse::hear(const Connection::Event& event) {
     const auto raw = m_raw.read(event);
     if (!raw)
@@ -104,7 +108,8 @@ void X11Mouse::hear(const Connection::Event& event) {
     note(*raw);
     if (m_unheard > 0)
         return;
-    // A fast mouse always has more to say when an answer has been waited for. The loop has other work, too.
+    // With a fast mouse, more events arrive during every query. Querying again at once would starve the main
+    // queue, so the next query goes through the queue.
     if (std::exchange(m_hasMore, false))
         lookLater({});
     else
@@ -127,6 +132,7 @@ void X11Mouse::notePress(std::uint32_t button) {
     m_looksLeft = kLooksForPress;
 }
 
+/// Drops a press that is over before the query; its button is up again.
 void X11Mouse::noteRelease(std::uint32_t button) {
     if (button == m_held) {
         m_news.heldReleased = true;
@@ -146,17 +152,18 @@ void X11Mouse::lookLater(MainQueuePort::Duration delay) {
     });
 }
 
+/// Queries the pointer and delivers the events that result from it and from `m_news`.
 void X11Mouse::look() {
     if (m_monitorCount == 0 || !m_news.any() || m_isLooking)
         return;
-    // Before the question, so that no release falls between its answer and the selection.
+    // Selected before the query, so that no release is lost between its reply and the selection.
     if (!m_news.presses.empty())
         m_raw.select(RawMouse::Selection::Everything);
     const News news = std::exchange(m_news, {});
     m_isLooking = true;
     const auto pointer = m_connection.reply<xcb_query_pointer_reply>(
         xcb_query_pointer(m_connection.xcbWithoutTurn(), m_connection.root()));
-    const auto self = m_self;
+    const auto self = m_self; // a handler may destroy this object
     if (pointer && m_held)
         follow(news, *pointer);
     else if (pointer)
@@ -167,8 +174,11 @@ void X11Mouse::look() {
     updateSelection();
 }
 
-/// Which physical button is the left one is the user's choice; that it is down says that it was among those
-/// pressed.
+/// Delivers the press of the left button.
+///
+/// Raw events report physical buttons, while the reply's mask is after the user's button mapping. If the mask
+/// shows the left button down, one of the pressed physical buttons acts as the left one: button 1 if it is
+/// among them, else the first.
 void X11Mouse::takePress(const News& news, const xcb_query_pointer_reply_t& pointer) {
     if (news.presses.empty())
         return;
@@ -183,8 +193,10 @@ void X11Mouse::takePress(const News& news, const xcb_query_pointer_reply_t& poin
     deliver(MouseEventKind::LeftDown, rootPoint(pointer), modifierFlags(pointer.mask));
 }
 
-/// While another program holds the mouse back, a button that is down does not look so. It may also be up
-/// again already: so this is for a moment only, and a moving mouse still wakes nobody.
+/// Puts the presses back and schedules another query.
+///
+/// While another client's grab freezes the pointer, the mask does not show a button that is down. The button
+/// may also be up again already, so the retries are limited, and motion is not selected between them.
 void X11Mouse::keepInMind(const std::vector<std::uint32_t>& presses) {
     if (m_looksLeft == 0)
         return;
@@ -193,23 +205,27 @@ void X11Mouse::keepInMind(const std::vector<std::uint32_t>& presses) {
     lookLater(kBetweenLooks);
 }
 
+/// Delivers the movement and the release of the held button.
 void X11Mouse::follow(const News& news, const xcb_query_pointer_reply_t& pointer) {
     const auto self = m_self;
     const bool isDown = isLeftDown(pointer);
     if (!isDown && !news.heldReleased && m_releaseIsNear) {
-        m_news = news; // it is not lost, and comes with the rest
+        m_news = news; // the release was read but is still queued; handle everything together with it
         return;
     }
     const bool isPressedAgain = std::ranges::find(news.presses, *m_held) != news.presses.end();
-    // Without a key before the release they are as they were: what looks otherwise has changed since.
+    // If no key event preceded the release, the modifiers at the release are those of the last event; the
+    // mask in the reply may already show a later change.
     const ModifierFlags modifiers =
         news.heldReleased && !news.typed ? m_lastModifiers : modifierFlags(pointer.mask);
-    // A program may have put the pointer somewhere else, which is no movement of the mouse.
+    // Compares the position too: when a client warps the pointer, the server sends no raw motion.
     const bool hasMoved = news.moved || rootPoint(pointer) != m_lastPlace || modifiers != m_lastModifiers;
-    // Where a lost release happened nobody knows: not here.
+    // When the release event was lost, it is unknown where it happened: do not report a drag to this
+    // position.
     if (hasMoved && !isPressedAgain && (isDown || news.heldReleased))
         deliver(MouseEventKind::LeftDragged, rootPoint(pointer), modifiers);
-    // A manager may hold the mouse back for a moment: then the button looks down though it is up.
+    // Trusts the release event over the mask: while a window manager's grab freezes the pointer, the mask
+    // still shows the button as down.
     if (*self && (!isDown || news.heldReleased)) {
         m_held.reset();
         m_releaseIsNear = false;
@@ -219,6 +235,8 @@ void X11Mouse::follow(const News& news, const xcb_query_pointer_reply_t& pointer
         takePress(news, pointer);
 }
 
+/// Calls the handlers with an event in screen coordinates, unless the press was over a window of this
+/// program.
 void X11Mouse::deliver(MouseEventKind kind, const Point& rootPoint, ModifierFlags modifiers) {
     if (m_isOurs || m_monitors.all().empty())
         return;
@@ -230,6 +248,10 @@ void X11Mouse::deliver(MouseEventKind kind, const Point& rootPoint, ModifierFlag
     m_handlers[static_cast<std::size_t>(kind)].call(event);
 }
 
+/// Returns whether the pointer is over a window of this program.
+///
+/// For an unmanaged window, such as a menu, the child of the root window belongs to this program. For a
+/// managed one it is a frame of the window manager, so the client list has to be searched.
 bool X11Mouse::isOverOwnWindow(const xcb_query_pointer_reply_t& pointer) {
     const ProcessId own = getpid();
     if (pointer.child == XCB_WINDOW_NONE)

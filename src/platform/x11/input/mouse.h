@@ -19,34 +19,38 @@
 
 namespace tessarel::x11 {
 
-/// The mouse by raw events, which come also while another program has grabbed it.
+/// Global mouse monitoring with XInput 2 raw events, which arrive even while the window manager has grabbed
+/// the pointer to move a window.
 ///
-/// At rest only presses are reported to us, so a moving mouse or a typing user wakes nobody; movements,
-/// releases and keys only between a press of the left button and its release. For all events that have been
-/// read together the server is asked once: pointer, buttons and modifiers are those of that moment, but a
-/// modifier key that goes after the button does not count. A release that was lost shows in the buttons. A
-/// click that is over before it could be looked at is not reported.
+/// While the left button is up, only presses are selected, so that neither mouse movement nor typing wakes
+/// the program. Motion, releases and keys are selected between a press of the left button and its release.
+///
+/// Raw events carry no root position and no modifiers. One QueryPointer for each batch of events provides
+/// position, buttons and modifiers as of that moment; a modifier key that changes after the button was
+/// released is ignored. The button mask also reveals a release whose event was lost. A click that is over
+/// before the query is not reported.
 class X11Mouse : public MousePort {
 public:
-    /// All of them outlive the mouse.
+    /// All referenced objects must outlive this one.
     X11Mouse(Connection& connection, Monitors& monitors, ClientWindows& windows, MainQueuePort& queue);
     X11Mouse(const X11Mouse&) = delete;
     X11Mouse& operator=(const X11Mouse&) = delete;
     ~X11Mouse() override;
 
-    /// Null on servers without raw events.
+    /// Calls `handler` with every event of `kind` outside this program's windows, until the returned
+    /// subscription is destroyed. Returns null on servers without XInput 2.
     [[nodiscard]] SubscriptionPtr addGlobalMonitor(MouseEventKind kind,
                                                    std::function<void(const MouseEvent&)> handler) override;
 
 private:
     class Monitor;
 
-    /// What has been read and not looked into yet.
+    /// The raw events since the last query, merged.
     struct News {
-        std::vector<std::uint32_t> presses; ///< physical buttons
-        bool heldReleased = false;
+        std::vector<std::uint32_t> presses; ///< physical buttons, in the order of the presses
+        bool heldReleased = false;          ///< the button in `m_held` was released
         bool moved = false;
-        bool typed = false; ///< before the held button was released
+        bool typed = false; ///< a key went down or up before the held button was released
 
         [[nodiscard]] bool any() const { return !presses.empty() || heldReleased || moved || typed; }
     };
@@ -73,18 +77,18 @@ private:
     std::array<CallbackList<const MouseEvent&>, 3> m_handlers; ///< by kind
     int m_monitorCount = 0;
 
-    std::optional<std::uint32_t> m_held; ///< the physical button that is the left one, while it is down
-    bool m_isOurs = false;               ///< it went down over a window of this program
-    Point m_lastPlace;                   ///< of the pointer in the root window, at the last event
-    ModifierFlags m_lastModifiers = 0;   ///< at the last event
-    bool m_releaseIsNear = false;        ///< its release has been read and not delivered yet
+    std::optional<std::uint32_t> m_held; ///< the physical button that acts as the left one, while it is down
+    bool m_isOurs = false;               ///< the press was over a window of this program
+    Point m_lastPlace;                   ///< pointer at the last delivered event, in root coordinates
+    ModifierFlags m_lastModifiers = 0;   ///< modifiers at the last delivered event
+    bool m_releaseIsNear = false;        ///< the release of `m_held` has been read but not delivered yet
     News m_news;
-    int m_looksLeft = 0;       ///< for a press that the buttons do not show yet
-    std::size_t m_unheard = 0; ///< raw events read and not delivered yet
-    bool m_isLooking = false;
-    bool m_hasMore = false; ///< some of them were read while looking
+    int m_looksLeft = 0;       ///< retries left for a press that the button mask does not show yet
+    std::size_t m_unheard = 0; ///< raw events that were read but not delivered yet
+    bool m_isLooking = false;  ///< a query is in progress
+    bool m_hasMore = false;    ///< raw events were read while a query was in progress
     bool m_lookScheduled = false;
-    std::shared_ptr<X11Mouse*> m_self; // shared with monitors and work, which may outlive us
+    std::shared_ptr<X11Mouse*> m_self; // shared with monitors and tasks, which may outlive this object
     SubscriptionPtr m_observer;
     SubscriptionPtr m_events;
 };

@@ -8,6 +8,7 @@ namespace tessarel::x11 {
 
 namespace {
 
+// A client must announce its XInput version before it may select events.
 constexpr std::uint16_t kMajorVersion = 2;
 constexpr std::uint16_t kMinorVersion = 2;
 
@@ -41,6 +42,7 @@ void RawMouse::select(Selection selection) {
     if (!m_opcode || m_selection == selection)
         return;
     m_selection = selection;
+    // The request is a header followed by the mask words, of which one is enough for all raw events.
     struct {
         xcb_input_event_mask_t head;
         std::uint32_t mask;
@@ -51,7 +53,7 @@ void RawMouse::select(Selection selection) {
 std::optional<RawMouseEvent> RawMouse::read(const Connection::Event& event) const {
     if (!m_opcode || event.response_type != XCB_GE_GENERIC)
         return std::nullopt;
-    const auto& raw = eventAs<xcb_input_raw_button_press_event_t>(event); // they all look the same
+    const auto& raw = eventAs<xcb_input_raw_button_press_event_t>(event); // all raw events have this layout
     if (raw.extension != *m_opcode)
         return std::nullopt;
     switch (raw.event_type) {

@@ -7,30 +7,34 @@
 
 namespace tessarel::x11 {
 
+/// The kind of a raw event; `Key` is a press or release of any key.
 enum class RawMouseKind { Press, Release, Motion, Key };
 
-/// What the mouse has done, or that a key has gone down or up, whatever window it was meant for and whoever
-/// has grabbed it. Neither the pointer's place nor modifiers are known, nor which key it was.
+/// A raw event of the mouse or the keyboard. It is reported for all windows and during other clients' grabs.
+/// It carries neither the pointer position nor the modifiers; which key it was is not decoded.
 struct RawMouseEvent {
     RawMouseKind kind = RawMouseKind::Motion;
-    std::uint32_t button = 0; ///< a physical one, from 1; none of a motion or a key
+    std::uint32_t button = 0; ///< physical button, from 1; 0 for motion and keys
 };
 
-/// The server's raw events of the mouse and, among everything, of the keyboard, as far as they are asked for.
+/// Selects and decodes XInput 2 raw events of all master devices.
 class RawMouse {
 public:
+    /// Which events the server reports. `Everything` adds motion, button releases and keys.
     enum class Selection { Nothing, Presses, Everything };
 
-    /// Waits for the server once, to learn of the extension.
+    /// Queries the extension and its version, which waits for the server. `connection` must outlive this
+    /// object.
     explicit RawMouse(Connection& connection);
 
-    /// Whether the server has such events at all.
+    /// Returns whether the server supports XInput 2.
     [[nodiscard]] bool isAvailable() const { return m_opcode.has_value(); }
 
-    /// What is reported from now on.
+    /// Selects the events that are reported from now on. Sends no request when nothing changes; does not
+    /// flush.
     void select(Selection selection);
 
-    /// `event`, if it is one of these.
+    /// Decodes `event`, or returns `std::nullopt` when it is not a raw event of these kinds.
     [[nodiscard]] std::optional<RawMouseEvent> read(const Connection::Event& event) const;
 
 private:

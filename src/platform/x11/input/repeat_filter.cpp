@@ -15,7 +15,7 @@ void RepeatFilter::release(std::uint8_t keycode) {
     m_down.reset(keycode);
     if (m_grabbed != keycode)
         return;
-    m_down.reset();
+    m_down.reset(); // the grab has ended; releases of other keys go elsewhere from here on
     m_grabbed.reset();
 }
 

@@ -6,20 +6,23 @@
 
 namespace tessarel::x11 {
 
-/// Tells presses of keys from repetitions, as a client can that hears of keys through grabs only.
+/// Distinguishes key presses from auto-repeat, for a client that receives key events only through passive
+/// grabs.
 ///
-/// A grab lasts from the press of a grabbed key to the release of that same key. What is released later goes
-/// to other clients; so when a grab ends, every key counts as up. A press is then never lost; a key that is
-/// still held may count as pressed once more.
+/// A passive grab is active from the press of a grabbed key to the release of that same key. Other keys may
+/// be released after that, and those events go to other clients. When the grab ends, all keys are therefore
+/// assumed to be up: no press is lost, but a key that is still held may be reported as pressed once more.
 class RepeatFilter {
 public:
-    /// True when the key was up, or may have been.
+    /// Records a key press. Returns true when the key was up or is assumed to have been, false for
+    /// auto-repeat.
     [[nodiscard]] bool press(std::uint8_t keycode);
+    /// Records a key release.
     void release(std::uint8_t keycode);
 
 private:
     std::bitset<256> m_down;
-    std::optional<std::uint8_t> m_grabbed; ///< whose press began the grab that lasts
+    std::optional<std::uint8_t> m_grabbed; ///< the key whose press activated the grab
 };
 
 } // namespace tessarel::x11

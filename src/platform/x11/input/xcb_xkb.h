@@ -1,6 +1,6 @@
 #pragma once
 
-// <xcb/xkb.h> is written in C and calls fields by a keyword of C++.
+// Includes <xcb/xkb.h>, a C header with fields named `explicit`, which is a keyword in C++.
 #pragma GCC system_header
 
 #include <xcb/xcb.h>

@@ -17,6 +17,7 @@ XkbKeyboard::XkbKeyboard(Connection& connection) {
     constexpr std::uint16_t kEvents = XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
     constexpr std::uint16_t kMaps = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP;
     constexpr xcb_xkb_device_spec_t kKeyboard = XCB_XKB_ID_USE_CORE_KBD;
+    // The replies are of no interest: without detectable auto-repeat the program still works.
     const auto use = xcb_xkb_use_extension(xcb, 1, 0);
     const auto flags = xcb_xkb_per_client_flags(xcb, kKeyboard, kRepeatFlag, kRepeatFlag, 0, 0, 0);
     xcb_discard_reply(xcb, use.sequence);
@@ -25,6 +26,7 @@ XkbKeyboard::XkbKeyboard(Connection& connection) {
 }
 
 bool XkbKeyboard::isMappingChange(const Connection::Event& event) const {
+    // All XKB events share one event type; the second byte holds their XKB type.
     if (event.response_type == m_eventNumber)
         return event.pad0 == XCB_XKB_NEW_KEYBOARD_NOTIFY || event.pad0 == XCB_XKB_MAP_NOTIFY;
     return event.response_type == XCB_MAPPING_NOTIFY &&

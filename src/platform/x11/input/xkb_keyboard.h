@@ -7,21 +7,21 @@
 
 namespace tessarel::x11 {
 
-/// What the server's keyboard extension tells beyond the core protocol: that a key repeats.
+/// Enables detectable auto-repeat on the connection and recognises keyboard mapping changes.
 ///
-/// From its creation on the server repeats a held key as further presses, without a release before each of
-/// them. A server without the extension goes on as before: then every repetition looks like a press.
+/// With detectable auto-repeat the server repeats a held key as further presses without a release before each
+/// of them. A server without XKB sends releases in between, so every repetition looks like a new press.
 class XkbKeyboard {
 public:
-    /// Waits for the server once, to learn of the extension.
+    /// Takes a round trip to find the extension.
     explicit XkbKeyboard(Connection& connection);
 
-    /// Whether `event` says that keys or modifiers may mean something else now. A client that uses the
-    /// extension hears of it in other words than all the rest.
+    /// Returns whether `event` reports a new mapping of keys or modifiers. With XKB in use the server sends
+    /// `XkbMapNotify` or `XkbNewKeyboardNotify` instead of `MappingNotify`.
     [[nodiscard]] bool isMappingChange(const Connection::Event& event) const;
 
 private:
-    std::optional<std::uint8_t> m_eventNumber; ///< of all its events; none without the extension
+    std::optional<std::uint8_t> m_eventNumber; ///< the type of all XKB events; empty without the extension
 };
 
 } // namespace tessarel::x11

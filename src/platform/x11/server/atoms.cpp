@@ -11,7 +11,7 @@ namespace {
 
 constexpr auto kCount = static_cast<std::size_t>(Atom::kCount);
 
-// In the order of the enumeration.
+// In the order of `Atom`, because `Atoms` indexes by the enumerator's value.
 constexpr std::array<std::string_view, kCount> kNames = {
     "_GTK_APPLICATION_ID",
     "_GTK_FRAME_EXTENTS",
@@ -59,6 +59,8 @@ static_assert(!kNames.back().empty(), "every atom has a name");
 } // namespace
 
 Atoms::Atoms(xcb_connection_t* xcb) {
+    // All requests go out before the first reply is read, which makes this one round trip instead of one
+    // each.
     std::array<xcb_intern_atom_cookie_t, kCount> cookies{};
     for (std::size_t i = 0; i < kCount; ++i)
         cookies[i] = xcb_intern_atom(xcb, 0, static_cast<std::uint16_t>(kNames[i].size()), kNames[i].data());

@@ -7,7 +7,9 @@
 
 namespace tessarel::x11 {
 
-/// Names that clients and window managers speak by.
+/// The atoms that the back end uses: EWMH hints, their values, and the toolkits' own properties.
+///
+/// Sorted by name. Atoms whose name depends on the screen or the desktop are interned at runtime instead.
 enum class Atom : std::size_t {
     GtkApplicationId,
     GtkFrameExtents,
@@ -52,12 +54,13 @@ enum class Atom : std::size_t {
     kCount
 };
 
-/// The server's number of every `Atom`.
+/// The server's atom for every `Atom`.
 class Atoms {
 public:
-    /// Asks the server for all of them in one round trip. Without a server all are XCB_ATOM_NONE.
+    /// Interns all atoms in one round trip. If the connection is lost, all are XCB_ATOM_NONE.
     explicit Atoms(xcb_connection_t* xcb);
 
+    /// Returns the server's atom from memory, without a request.
     [[nodiscard]] xcb_atom_t operator[](Atom atom) const { return m_atoms[static_cast<std::size_t>(atom)]; }
 
 private:

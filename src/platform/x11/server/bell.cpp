@@ -5,7 +5,7 @@
 namespace tessarel::x11 {
 
 void X11Bell::beep() {
-    xcb_bell(m_connection.xcb(), 0);
+    xcb_bell(m_connection.xcb(), 0); // percent relative to the user's base volume
     m_connection.flush();
 }
 

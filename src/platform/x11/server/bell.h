@@ -5,12 +5,13 @@
 
 namespace tessarel::x11 {
 
-/// The server's bell, as loud as the user has set it.
+/// The X server's bell, at the volume that the user has set.
 class X11Bell : public AlertSoundPort {
 public:
-    /// `connection` outlives the bell.
+    /// `connection` must outlive the bell.
     explicit X11Bell(Connection& connection) : m_connection(connection) {}
 
+    /// Rings the bell and flushes the connection, so that it sounds before the turn ends.
     void beep() override;
 
 private:

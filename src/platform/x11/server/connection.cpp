@@ -8,6 +8,7 @@ namespace tessarel::x11 {
 
 namespace {
 
+/// Returns the screen with index `number`, or null when the server has no such screen.
 const xcb_screen_t* screenOf(xcb_connection_t* xcb, int number) {
     xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(xcb));
     for (; screens.rem > 0 && number > 0; --number)
@@ -15,14 +16,17 @@ const xcb_screen_t* screenOf(xcb_connection_t* xcb, int number) {
     return screens.rem > 0 ? screens.data : nullptr;
 }
 
-using Clock = std::chrono::steady_clock; // the time of poll(), whatever the main queue's clock says
+// poll() runs in real time, even when a test drives the clock of the main queue.
+using Clock = std::chrono::steady_clock;
 
+/// Waits until the descriptor is readable or has failed. Returns false after `deadline`.
 bool waitUntilReadable(int fileDescriptor, Clock::time_point deadline) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
     pollfd watched{fileDescriptor, POLLIN, 0};
     return left.count() > 0 && poll(&watched, 1, static_cast<int>(left.count())) != 0;
 }
 
+/// Returns the display name for the error text: `displayName`, else $DISPLAY, else an empty string.
 std::string nameOf(const char* displayName) {
     if (displayName)
         return displayName;
@@ -41,9 +45,10 @@ Connection::Opened Connection::open(const char* displayName, MainQueuePort& queu
         return {nullptr, name.empty() ? "No X display: $DISPLAY is not set."
                                       : "The X display \"" + name + "\" does not answer."};
     }
+    // The constructor first interns the atoms; the extension replies arrive in that same round trip.
     Extensions::prefetch(xcb);
     std::unique_ptr<Connection> connection(new Connection(xcb, screenNumber, queue));
-    connection->readQueued();
+    connection->readQueued(); // xcb may have read events along with the replies
     return {std::move(connection), {}};
 }
 
@@ -88,6 +93,8 @@ bool Connection::succeeds(xcb_void_cookie_t cookie) {
     return !error && !isLost();
 }
 
+/// Flushes and counts a round trip. Only a wait that follows newly written requests counts; the replies to
+/// requests that an earlier wait has flushed come with that earlier round trip.
 void Connection::beginReply() {
     xcb_flush(m_xcb.get());
     const std::uint64_t written = xcb_total_written(m_xcb.get());
@@ -96,13 +103,14 @@ void Connection::beginReply() {
     m_writtenBeforeLastWait = written;
 }
 
+/// Collects the events that xcb has read together with the reply.
 void Connection::endReply() {
     readQueued();
 }
 
 void Connection::flush() {
     xcb_flush(m_xcb.get());
-    readQueued(); // a full socket makes xcb read while it writes
+    readQueued(); // when the socket is full, xcb reads while it writes
 }
 
 void Connection::selectRootEvents(std::uint32_t mask) {
@@ -114,7 +122,7 @@ void Connection::dispatch() {
     while (Reply<Event> event{xcb_poll_for_event(m_xcb.get())})
         take(std::move(event), nullptr);
     while (!m_events.empty()) {
-        endTurn(); // what was known before the event may not be true any more
+        endTurn(); // values cached before this event may be out of date
         const Reply<Event> event = std::move(m_events.front());
         m_events.pop_front();
         m_handlers.call(*event);
@@ -140,11 +148,12 @@ bool Connection::waitFor(const std::function<bool(const Event&)>& isExpected,
     return came;
 }
 
-/// Hands an event that has just been read to the observers and queues it, unless it is the expected one.
+/// Passes an event that has just been read to the observers, then queues it for delivery. Returns true, and
+/// does not queue the event, when it is the expected one.
 bool Connection::take(Reply<Event> event, const std::function<bool(const Event&)>& isExpected) {
     constexpr std::uint8_t kError = 0;
     if (event->response_type == kError)
-        return false; // of a request that nobody asks about: its window has gone
+        return false; // from an unchecked request, usually because its window is gone
     m_observers.call(*event);
     if (isExpected && isExpected(*event))
         return true;
@@ -152,13 +161,15 @@ bool Connection::take(Reply<Event> event, const std::function<bool(const Event&)
     return false;
 }
 
+/// Takes over the events that xcb has already read from the socket, without reading more.
 void Connection::readQueued() {
     while (Reply<Event> event{xcb_poll_for_queued_event(m_xcb.get())})
         take(std::move(event), nullptr);
     comeBackForTheRest();
 }
 
-/// The file descriptor stays silent about what xcb has already read.
+/// Schedules a dispatch for queued events and for a lost connection: the file descriptor does not become
+/// readable for data that xcb has already read.
 void Connection::comeBackForTheRest() {
     if (!m_events.empty() || isLost())
         scheduleDispatch();
@@ -176,6 +187,8 @@ void Connection::scheduleDispatch() {
     });
 }
 
+/// Posts the end of the turn to the main queue, for turns that no event brings to an end. Capturing `m_self`
+/// keeps the task valid after the connection has been destroyed.
 void Connection::scheduleEndTurn() {
     if (m_endTurnScheduled)
         return;
@@ -188,7 +201,9 @@ void Connection::scheduleEndTurn() {
     });
 }
 
+/// Runs the hooks, sends their requests and closes the turn.
 void Connection::endTurn() {
+    // A hook must not end the turn that it runs in.
     if (!m_turnOpen || m_endingTurn)
         return;
     m_endingTurn = true;

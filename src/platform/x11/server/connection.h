@@ -21,49 +21,59 @@
 
 namespace tessarel::x11 {
 
-/// The program's own line to the X server; nobody else reads from it, so waiting on it is safe.
+/// The program's own connection to the X server, separate from Qt's.
 ///
-/// Its owner watches `fileDescriptor()` and calls `dispatch()` whenever it is readable. Nothing else wakes
-/// the program: what is left over from a wait comes back through the main queue, and without events there are
-/// no turns.
+/// Synchronous waits are safe here because no other thread reads this connection. Qt reads its connection in
+/// a second thread, which can take the event that a wait on it expects.
 ///
-/// A *turn* is what happens between two events. What is read from the server may be kept until the turn ends,
-/// and what is written may be collected until then. A turn begins with the first use of `xcb()`; it ends
-/// after the event being delivered, or at the next turn of the main queue.
+/// The owner watches `fileDescriptor()` and calls `dispatch()` whenever it is readable. Events that were read
+/// during a wait are dispatched through the main queue. Nothing polls: without events there are no turns.
 ///
-/// Once the server has gone every reply is null and every wait ends at once.
+/// A *turn* is one delivered event of the X connection. Replies may be cached, and writes collected, until
+/// the turn ends. A turn begins with the first use of `xcb()`. It ends after the event has been delivered or,
+/// outside an event, in the next iteration of the main queue.
+///
+/// Once the connection is lost, every reply is null and every wait returns at once.
 class Connection {
 public:
     using Event = xcb_generic_event_t;
 
+    /// The result of `open`.
     struct Opened {
         std::unique_ptr<Connection> connection; ///< null on failure
-        std::string failure;                    ///< one readable sentence
+        std::string failure;                    ///< one sentence for the user; empty on success
     };
 
-    /// Connects to `displayName`, or to $DISPLAY when it is null. `queue` outlives the connection.
+    /// Connects to `displayName`, or to $DISPLAY when it is null. `queue` must outlive the connection. Fails
+    /// when the server refuses the connection or does not have the screen that the name asks for.
     [[nodiscard]] static Opened open(const char* displayName, MainQueuePort& queue);
 
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
     ~Connection();
 
-    /// For requests. Replies and errors only by `reply` and `succeeds`: xcb reads events along with them.
+    /// Returns the connection for sending requests and opens a turn. Collect replies and errors only through
+    /// `reply()` and `succeeds()`: xcb may read events meanwhile, and those must be queued.
     [[nodiscard]] xcb_connection_t* xcb();
-    /// The same without a turn, whose end would cost another round of the loop: for what nobody keeps.
+    /// Like `xcb()`, but does not open a turn. Use it only for replies that nothing caches; it saves one loop
+    /// iteration.
     [[nodiscard]] xcb_connection_t* xcbWithoutTurn() const { return m_xcb.get(); }
+    /// Returns the socket, which becomes readable when events or replies arrive.
     [[nodiscard]] int fileDescriptor() const;
     [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
+    /// Returns the index of the X screen that the display name asks for, as in `_NET_WM_CM_S<n>`.
     [[nodiscard]] int screenNumber() const { return m_screenNumber; }
     [[nodiscard]] const xcb_screen_t& screen() const { return *m_screen; }
     [[nodiscard]] xcb_atom_t atom(Atom atom) const { return m_atoms[atom]; }
     [[nodiscard]] const Extensions& extensions() const { return m_extensions; }
+    /// Returns whether the connection has failed, for instance because the server has exited.
     [[nodiscard]] bool isLost() const;
 
-    /// Number of an atom by name, asked for on the spot.
+    /// Interns an atom by name. Takes a round trip. Returns XCB_ATOM_NONE when the connection is lost.
     [[nodiscard]] xcb_atom_t internAtom(std::string_view name);
 
-    /// The reply to a request: `reply<xcb_get_geometry_reply>(cookie)`. Null when the request failed.
+    /// Waits for the reply to a request: `reply<xcb_get_geometry_reply>(cookie)`. Returns null when the
+    /// request failed; the error itself is dropped.
     template <auto kReplyFunction, class Cookie>
     [[nodiscard]] auto reply(Cookie cookie) {
         beginReply();
@@ -74,38 +84,47 @@ public:
         return Reply<std::remove_pointer_t<decltype(answer)>>(answer);
     }
 
-    /// Whether a checked request without a reply went through: one round trip for all that were sent before.
+    /// Waits for the outcome of a checked request that has no reply, and returns whether it succeeded. The
+    /// outcomes of all requests that were sent before arrive in the same round trip.
     [[nodiscard]] bool succeeds(xcb_void_cookie_t cookie);
 
-    /// Sends what has been requested so far.
+    /// Sends all buffered requests.
     void flush();
 
-    /// Lets the bits of `mask` report events of the root window, besides those others have asked for.
+    /// Adds `mask` to the events that this connection selects on the root window. A connection has one event
+    /// mask per window, so setting the attribute directly would deselect the events of the other callers.
     void selectRootEvents(std::uint32_t mask);
 
-    /// Reads what has arrived and delivers every event that waits, in order.
+    /// Reads all events that have arrived and delivers every queued event, in order, one turn each. Calls the
+    /// `onLost` callbacks when the connection is lost.
     void dispatch();
 
-    /// Waits for the event that `isExpected` accepts, at most `bound`. The event is used up; all others are
-    /// delivered later, in order. False when it did not come.
+    /// Waits at most `bound` for an event that `isExpected` accepts, and consumes that event. All other
+    /// events are queued and delivered later, in order. Returns false on timeout or when the connection is
+    /// lost.
     bool waitFor(const std::function<bool(const Event&)>& isExpected, std::chrono::milliseconds bound);
 
-    /// Calls `handler` with every event, once its turn has come.
+    /// Calls `handler` with every event when it is delivered, until the returned subscription is destroyed.
     [[nodiscard]] SubscriptionPtr onEvent(std::function<void(const Event&)> handler);
-    /// Calls `observer` with every event the moment it is read, even in the middle of a wait: for caches,
-    /// which must not answer with what the event has made untrue. It may not use the connection.
+    /// Calls `observer` with every event as soon as it is read, even during a wait, until the returned
+    /// subscription is destroyed. Caches use it to invalidate values that the event makes stale. The observer
+    /// must not use the connection.
     [[nodiscard]] SubscriptionPtr onRead(std::function<void(const Event&)> observer);
-    /// Calls `hook` at the end of each turn; it may use the connection.
+    /// Calls `hook` at the end of each turn, until the returned subscription is destroyed. The hook may use
+    /// the connection; what it requests is sent before the turn closes.
     [[nodiscard]] SubscriptionPtr onEndTurn(std::function<void()> hook);
-    /// Calls `lost` once when the server has gone. The file descriptor stays readable: stop watching it.
+    /// Calls `lost` once when the connection is lost. The file descriptor stays readable from then on, so the
+    /// callback must stop watching it.
     [[nodiscard]] SubscriptionPtr onLost(std::function<void()> lost);
 
-    /// Makes sure that a turn is under way, so that its end comes.
+    /// Opens a turn unless one is open, which guarantees that the `onEndTurn` hooks run.
     void beginTurn();
-    /// Number of the turn under way, or of the next one.
+    /// Returns a serial number for the open turn, or for the next one when none is open. Caches compare it to
+    /// find out whether their values are from this turn.
     [[nodiscard]] std::uint64_t turn() const { return m_turn; }
 
-    /// How often an answer had to be waited for so far; replies to requests sent together count once.
+    /// Returns how many round trips were waited for so far. Replies to requests that were sent together count
+    /// once.
     [[nodiscard]] std::size_t roundTrips() const { return m_roundTrips; }
 
 private:
@@ -131,13 +150,13 @@ private:
     const xcb_screen_t* m_screen;
     Atoms m_atoms;
     Extensions m_extensions;
-    std::uint32_t m_rootEventMask = 0;
-    std::deque<Reply<Event>> m_events; // read and not delivered yet
+    std::uint32_t m_rootEventMask = 0; // all events selected on the root window
+    std::deque<Reply<Event>> m_events; // read but not delivered yet
     CallbackList<const Event&> m_handlers;
     CallbackList<const Event&> m_observers;
     CallbackList<> m_endTurnHooks;
     CallbackList<> m_lossHandlers;
-    std::shared_ptr<Connection*> m_self; // shared with work on the main queue, which may outlive us
+    std::shared_ptr<Connection*> m_self; // for tasks on the main queue, which may outlive this object
     bool m_dispatchScheduled = false;
     bool m_endTurnScheduled = false;
     bool m_turnOpen = false;
@@ -145,7 +164,7 @@ private:
     bool m_endingTurn = false;
     bool m_lossReported = false;
     std::size_t m_roundTrips = 0;
-    std::uint64_t m_writtenBeforeLastWait = 0; // bytes
+    std::uint64_t m_writtenBeforeLastWait = 0; // in bytes
 };
 
 } // namespace tessarel::x11

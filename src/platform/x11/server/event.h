@@ -6,13 +6,14 @@
 
 namespace tessarel::x11 {
 
-/// What kind of event it is, whether the server or another client has sent it.
+/// Returns the event type without the SendEvent bit, so that synthetic events, which another client has sent,
+/// count as well. Compare `response_type` itself where only the server's own events may count.
 [[nodiscard]] inline std::uint8_t eventType(const xcb_generic_event_t& event) {
     constexpr std::uint8_t kSentByClient = 0x80;
     return event.response_type & static_cast<std::uint8_t>(~kSentByClient);
 }
 
-/// `event` as the structure that belongs to its type.
+/// Returns `event` as the structure for its type. The caller must have checked the type.
 template <class Specific>
 [[nodiscard]] const Specific& eventAs(const xcb_generic_event_t& event) {
     return reinterpret_cast<const Specific&>(event);

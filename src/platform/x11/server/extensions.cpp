@@ -13,8 +13,8 @@ namespace {
 
 using Version = std::pair<std::uint32_t, std::uint32_t>;
 
-constexpr Version kRandrWithMonitors{1, 5};
-constexpr Version kResourcesWithProcessIds{1, 2};
+constexpr Version kRandrWithMonitors{1, 5};       // first version with GetMonitors
+constexpr Version kResourcesWithProcessIds{1, 2}; // first version with QueryClientIds
 
 } // namespace
 
@@ -28,6 +28,7 @@ Extensions Extensions::query(xcb_connection_t* xcb) {
     const auto* const resources = xcb_get_extension_data(xcb, &xcb_res_id);
     const bool hasRandr = randr && randr->present;
     const bool hasResources = resources && resources->present;
+    // Both version requests are sent before either reply is read: one round trip.
     xcb_randr_query_version_cookie_t randrCookie{};
     xcb_res_query_version_cookie_t resourcesCookie{};
     if (hasRandr)

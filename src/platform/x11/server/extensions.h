@@ -6,17 +6,17 @@
 
 namespace tessarel::x11 {
 
-/// Extensions of the server, as far as they are there in the version we need.
+/// The server's optional extensions, as far as it supports the version that the back end needs.
 struct Extensions {
-    bool randrMonitors = false;       ///< RandR 1.5
-    std::uint8_t randrFirstEvent = 0; ///< number of its first event
-    bool resourceProcessIds = false;  ///< XRes 1.2
+    bool randrMonitors = false;       ///< RandR 1.5: GetMonitors
+    std::uint8_t randrFirstEvent = 0; ///< event type of RandR's first event
+    bool resourceProcessIds = false;  ///< XRes 1.2: the process id of a client
 
-    /// Asks for the presence of all of them without waiting, so that the answers come along with the next
-    /// reply.
+    /// Requests the presence of all extensions without waiting. The replies arrive along with the next reply
+    /// that is waited for, so a later `query` does not need a round trip for them.
     static void prefetch(xcb_connection_t* xcb);
 
-    /// Without a server none is there.
+    /// Negotiates the versions in one round trip. If the connection is lost, no extension is reported.
     [[nodiscard]] static Extensions query(xcb_connection_t* xcb);
 };
 

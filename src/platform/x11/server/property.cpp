@@ -6,10 +6,14 @@ namespace tessarel::x11 {
 
 namespace {
 
+// Property formats, in bits per value.
 constexpr std::uint8_t kWords = 32;
 constexpr std::uint8_t kBytes = 8;
-constexpr std::uint32_t kMostWindows = 0x10000;
 
+constexpr std::uint32_t kMostWindows = 0x10000; // far more than any desktop has
+
+/// Returns whether the reply holds the complete value in that format. A property that is missing, longer than
+/// requested, or of another type than requested does not.
 bool isWhole(const PropertyReply& reply, std::uint8_t format) {
     return reply && reply->format == format && reply->bytes_after == 0;
 }

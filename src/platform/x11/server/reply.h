@@ -5,11 +5,12 @@
 
 namespace tessarel::x11 {
 
+/// Releases memory with std::free(), because xcb allocates replies with malloc().
 struct FreeDeleter {
     void operator()(void* memory) const { std::free(memory); }
 };
 
-/// A reply, an error or an event of xcb, which come from malloc; null when there is none.
+/// Owns a reply, an error or an event of xcb; null when there is none.
 template <class T>
 using Reply = std::unique_ptr<T, FreeDeleter>;
 

@@ -12,11 +12,13 @@ namespace tessarel::x11 {
 
 namespace {
 
+/// Requests an atom without waiting for the reply.
 xcb_intern_atom_cookie_t askForAtom(Connection& connection, std::string_view name) {
     return xcb_intern_atom(connection.xcb(), 0, static_cast<std::uint16_t>(name.size()), name.data());
 }
 
-/// Keeps all other clients waiting, so that nothing changes between a look and an act.
+/// Grabs the server while it lives. No other client's request is processed meanwhile, so the selection owner
+/// cannot change between reading it and claiming the selection.
 class ServerGrab {
 public:
     explicit ServerGrab(Connection& connection) : m_connection(connection) {
@@ -33,14 +35,15 @@ private:
     Connection& m_connection;
 };
 
-/// A window that nobody sees, which owns the selection and receives the messages of later copies.
+/// The claim of this copy: an unmapped window that owns the selection and receives the client messages of
+/// copies that start later.
 class Instance : public Subscription {
 public:
     Instance(Connection& connection, std::function<void()> reopened);
     ~Instance() override;
 
-    /// Takes the selection, unless another copy has it: then that one is told. False when it was not to be
-    /// had.
+    /// Claims the selection. If another copy owns it, sends that copy the reopen message instead and returns
+    /// false. Returns false also when the connection is lost.
     [[nodiscard]] bool takeSelection();
 
 private:
@@ -72,7 +75,7 @@ Instance::Instance(Connection& connection, std::function<void()> reopened)
         m_reopen = reply->atom;
 }
 
-/// The selection goes with its owner's window.
+/// The server releases a selection when its owner window is destroyed.
 Instance::~Instance() {
     xcb_destroy_window(m_connection.xcb(), m_window);
     m_connection.flush();
@@ -94,7 +97,11 @@ xcb_window_t Instance::owner() {
     return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
 }
 
-/// The moment of a change to a property of ours: the server tells its time with nothing else.
+/// Returns a server timestamp, or XCB_CURRENT_TIME when the server does not reply within a second.
+///
+/// ICCCM wants a selection claimed with the timestamp of an event. No event has led to this claim, so an
+/// empty append to a property of this client's window provides one: its PropertyNotify carries the server's
+/// time.
 xcb_timestamp_t Instance::serverTime() {
     xcb_change_property(m_connection.xcb(), XCB_PROP_MODE_APPEND, m_window, m_selection, XCB_ATOM_INTEGER, 32,
                         0, nullptr);
@@ -110,26 +117,26 @@ xcb_timestamp_t Instance::serverTime() {
     return time;
 }
 
-/// False when there is no such window.
+/// Sends the reopen message to `owner`. Returns false when the window does not exist.
 bool Instance::tell(xcb_window_t owner) {
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
     message.format = 32;
     message.window = owner;
     message.type = m_reopen;
-    // Without an event mask a message goes to the client that has made the window.
+    // With an empty event mask the server delivers the message to the client that created the window.
     return m_connection.succeeds(xcb_send_event_checked(m_connection.xcb(), 0, owner, XCB_EVENT_MASK_NO_EVENT,
                                                         reinterpret_cast<const char*>(&message)));
 }
 
 void Instance::handle(const Connection::Event& event) {
-    constexpr std::uint8_t kSentByAClient = 0x80;
+    constexpr std::uint8_t kSentByAClient = 0x80; // set on every event that comes from SendEvent
     if (event.response_type != (XCB_CLIENT_MESSAGE | kSentByAClient))
         return;
     const auto& message = reinterpret_cast<const xcb_client_message_event_t&>(event);
     if (message.window != m_window || message.type != m_reopen)
         return;
-    const auto reopened = m_reopened; // it may end this claim
+    const auto reopened = m_reopened; // a copy, because the callback may destroy this claim
     reopened();
 }
 

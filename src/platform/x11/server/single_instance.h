@@ -8,17 +8,19 @@
 
 namespace tessarel::x11 {
 
-/// One copy per screen of the X server: the one that owns the selection "_TESSAREL_INSTANCE_S<screen>".
+/// Limits Tessarel to one copy per X screen: the copy that owns the selection "_TESSAREL_INSTANCE_S<screen>".
 ///
-/// The server forgets an owner that has gone, however it went. A copy that asks in vain sends the owner's
-/// window a client message "_TESSAREL_REOPEN". Should another program take the selection away, this copy
-/// goes on, but is not told of further ones.
+/// The server releases the selection when the owner disconnects, even if it crashed, so there are no stale
+/// locks. A second copy sends the owner's window the client message "_TESSAREL_REOPEN". If another program
+/// takes the selection, this copy goes on running but no longer receives that message.
 class X11SingleInstance : public SingleInstancePort {
 public:
-    /// `connection` outlives the instance and its claim.
+    /// `connection` must outlive this object and the claim.
     explicit X11SingleInstance(Connection& connection) : m_connection(connection) {}
 
-    /// Null also when the server has gone.
+    /// Claims the selection; `reopened` is called whenever a later copy starts, until the returned
+    /// subscription is destroyed. Returns null when another copy owns the selection, which is then notified,
+    /// and when the connection is lost.
     [[nodiscard]] SubscriptionPtr claim(std::function<void()> reopened) override;
 
 private:

@@ -10,6 +10,7 @@ namespace tessarel::x11 {
 
 namespace {
 
+/// Returns the words separated by commas.
 std::string joined(const std::vector<std::string_view>& words) {
     std::string text;
     for (const std::string_view word : words) {
@@ -52,7 +53,7 @@ void X11Trust::prompt() {
 }
 
 void X11Trust::explain() {
-    const auto self = m_self; // the alert's own loop may see the end of us
+    const auto self = m_self; // the nested event loop of the alert may destroy this object
     if (!isTrusted())
         m_alerts.runModal(explanation());
     if (*self)

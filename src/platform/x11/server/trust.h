@@ -11,32 +11,34 @@
 
 namespace tessarel::x11 {
 
-/// What the user has logged in to.
+/// The kind of desktop session.
 enum class Session { X11, Wayland };
 
-/// The kind of session that the values of $WAYLAND_DISPLAY and $XDG_SESSION_TYPE, each null when there is
-/// none, speak of.
+/// Returns the kind of session for the values of $WAYLAND_DISPLAY and $XDG_SESSION_TYPE; null means unset.
+/// Either one is enough for Wayland: a program on XWayland also has a $DISPLAY.
 [[nodiscard]] Session sessionOf(const char* waylandDisplay, const char* sessionType);
 
-/// X11 asks no permission; what other programs' windows need is a window manager that moves them for us, and
-/// a session in which their windows are those of this display.
+/// Trust on X11: whether other programs' windows can be moved at all.
+///
+/// X11 needs no permission. It takes a window manager with the EWMH hints that Tessarel uses, and a session
+/// that is not Wayland, because native Wayland windows are not on the X display.
 class X11Trust : public TrustPort {
 public:
-    /// All references outlive the trust.
+    /// All referenced objects must outlive this one.
     X11Trust(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
              OpenUrlPort& openUrl);
     X11Trust(const X11Trust&) = delete;
     X11Trust& operator=(const X11Trust&) = delete;
     ~X11Trust() override;
 
-    /// Costs no round trip while the window manager stays the same.
+    /// Returns whether windows can be moved. Takes no round trip unless the window manager has changed.
     [[nodiscard]] bool isTrusted() override;
 
-    /// Returns at once; at the next turn of the main queue an alert tells what is missing, if it still is.
-    /// Does nothing while such an alert waits or stands.
+    /// Shows an alert that explains what is missing, in the next iteration of the main queue and only if it
+    /// is still missing then. Does nothing when trusted, nor while such an alert is pending or open.
     void prompt() override;
 
-    /// Opens the page about what Tessarel needs.
+    /// Opens the web page about supported platforms: there is no system setting to change.
     void openSettings() override;
 
 private:
@@ -48,8 +50,8 @@ private:
     MainQueuePort& m_queue;
     AlertsPort& m_alerts;
     OpenUrlPort& m_openUrl;
-    bool m_prompting = false;
-    std::shared_ptr<X11Trust*> m_self; // shared with work on the main queue, which may outlive us
+    bool m_prompting = false;          // an alert is pending or open
+    std::shared_ptr<X11Trust*> m_self; // for tasks on the main queue, which may outlive this object
 };
 
 } // namespace tessarel::x11

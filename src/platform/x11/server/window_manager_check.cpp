@@ -19,6 +19,7 @@ struct Hint {
     std::string_view name;
 };
 
+// Without these Tessarel cannot find the windows, measure their frames or move them.
 constexpr std::array kNeededHints = std::to_array<Hint>({
     {Atom::NetMoveResizeWindow, "_NET_MOVERESIZE_WINDOW"},
     {Atom::NetFrameExtents, "_NET_FRAME_EXTENTS"},
@@ -27,7 +28,7 @@ constexpr std::array kNeededHints = std::to_array<Hint>({
     {Atom::NetClientListStacking, "_NET_CLIENT_LIST_STACKING"},
 });
 
-constexpr std::uint32_t kMostHints = 4096;
+constexpr std::uint32_t kMostHints = 4096; // atoms; no window manager announces that many
 
 } // namespace
 
@@ -39,7 +40,7 @@ WindowManagerCheck::WindowManagerCheck(Connection& connection)
 
 const WindowManagerState& WindowManagerCheck::state() {
     if (!m_current) {
-        m_current = true; // set before asking: what changes in between makes it false again
+        m_current = true; // set first, so that an event read during the round trips can reset it
         m_state = ask();
     }
     return m_state;
@@ -63,10 +64,12 @@ WindowManagerState WindowManagerCheck::ask() {
     return state;
 }
 
+/// Returns whether the check window exists and names itself, as EWMH requires. Selects its DestroyNotify.
 bool WindowManagerCheck::namesItself(xcb_window_t window) {
     if (window == XCB_WINDOW_NONE || window == m_connection.root())
-        return false;                                             // the root has events of its own to report
-    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY; // its end, of which the root tells nothing
+        return false; // selecting events on the root window here would replace its event mask
+    // The hint on the root window outlives a window manager that dies; only DestroyNotify reports its end.
+    const std::uint32_t events = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_connection.xcb(), window, XCB_CW_EVENT_MASK, &events);
     return value(propertyReply(m_connection, askForWindow(window))) == window;
 }
@@ -76,6 +79,7 @@ xcb_get_property_cookie_t WindowManagerCheck::askForWindow(xcb_window_t namedBy)
                            XCB_ATOM_WINDOW, 1);
 }
 
+/// Invalidates the cached state when the check window is destroyed or the announced hints change.
 void WindowManagerCheck::watch(const Connection::Event& event) {
     const bool gone = event.response_type == XCB_DESTROY_NOTIFY &&
                       eventAs<xcb_destroy_notify_event_t>(event).window == m_window;

@@ -10,26 +10,27 @@
 
 namespace tessarel::x11 {
 
-/// What the window manager of the display has to offer.
+/// What the window manager of the display supports.
 struct WindowManagerState {
     bool running = false;
-    std::vector<std::string_view>
-        missingHints; ///< those of the hints Tessarel lives on that it does not know
+    /// The EWMH hints that Tessarel needs and `_NET_SUPPORTED` does not announce.
+    std::vector<std::string_view> missingHints;
 
+    /// Returns whether Tessarel can move windows with this window manager.
     [[nodiscard]] bool suffices() const { return running && missingHints.empty(); }
 };
 
-/// Watches whether a window manager runs that does what Tessarel needs.
+/// Watches whether a window manager runs that supports the hints Tessarel needs.
 ///
-/// It runs when the window that it names on the root window names itself, so the traces of one that has died
-/// do not count.
+/// A window manager runs when the window in `_NET_SUPPORTING_WM_CHECK` of the root window has the same
+/// property with itself as the value. The property on the root window alone may be left over from one that
+/// died.
 class WindowManagerCheck {
 public:
-    /// `connection` outlives the check.
+    /// `connection` must outlive the check.
     explicit WindowManagerCheck(Connection& connection);
 
-    /// The state as of the last event read. Asks the server, two round trips, only after something has
-    /// changed.
+    /// Returns the state as of the last event read. Takes up to two round trips after a change, else none.
     [[nodiscard]] const WindowManagerState& state();
 
 private:
@@ -41,7 +42,7 @@ private:
     Connection& m_connection;
     WindowManagerState m_state;
     bool m_current = false;
-    xcb_window_t m_window = XCB_WINDOW_NONE; ///< of the window manager
+    xcb_window_t m_window = XCB_WINDOW_NONE; ///< the window manager's check window
     SubscriptionPtr m_reads;
 };
 

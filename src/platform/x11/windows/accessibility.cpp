@@ -14,11 +14,13 @@ namespace tessarel::x11 {
 
 namespace {
 
+/// In bits. The lower half of a key is the window id, the upper half the process id.
 constexpr auto kHalfAKey = std::numeric_limits<std::uintptr_t>::digits / 2;
 
 constexpr ProcessId kNoProcess = 0;
 
-/// What an element is: a process, or one of its windows; without either the whole desktop.
+/// The content of an element's handle: a process, a window of a process, or, without either, the whole
+/// desktop.
 struct NativeElement {
     ProcessId pid = kNoProcess;
     xcb_window_t window = XCB_WINDOW_NONE;
@@ -28,18 +30,24 @@ Element makeElement(ProcessId pid, xcb_window_t window) {
     return {std::make_shared<const NativeElement>(NativeElement{pid, window})};
 }
 
+/// Returns the content of an element, which is the whole desktop for an element without a handle.
 NativeElement nativeElement(const Element& element) {
     return element.handle ? *static_cast<const NativeElement*>(element.handle.get()) : NativeElement{};
 }
 
+/// Returns whether the process is this program, whose own windows the port never reports.
 bool isOwn(ProcessId pid) {
     return pid == getpid();
 }
+
+// The core works with the role names of the macOS accessibility API on every system.
 
 std::string role(const WindowTraits& traits) {
     return traits.type == WindowType::Other ? "AXUnknown" : "AXWindow";
 }
 
+/// Returns the subrole for the EWMH type. Without a type, EWMH treats transient windows as dialogs and all
+/// others as normal windows.
 std::optional<AttributeValue> subrole(const WindowTraits& traits) {
     switch (traits.type) {
     case WindowType::Unspecified:
@@ -59,7 +67,7 @@ std::optional<AttributeValue> subrole(const WindowTraits& traits) {
     return std::nullopt;
 }
 
-/// Managers also call a window hidden that is merely rolled up.
+/// Returns whether the window is minimised. metacity, mutter and marco set HIDDEN for shaded windows as well.
 bool isMinimized(const WindowStates& states) {
     return states.hidden && !states.shaded;
 }
@@ -101,7 +109,7 @@ std::optional<AttributeValue> X11Accessibility::copyAttribute(const Element& ele
     if (window == XCB_WINDOW_NONE)
         return applicationAttribute(pid, attribute);
     if (window == m_written)
-        finishWrites();
+        finishWrites(); // a read after a write returns the settled value
     return isWindowOf(window, pid) ? windowAttribute(element, attribute) : std::nullopt;
 }
 
@@ -121,6 +129,7 @@ std::optional<AttributeValue> X11Accessibility::focusedWindow(ProcessId pid) {
     return makeElement(pid, active);
 }
 
+/// Returns the managed windows of the process, front to back, or `std::nullopt` when it has none.
 std::optional<AttributeValue> X11Accessibility::windowsOf(ProcessId pid) {
     std::vector<Element> elements;
     for (const xcb_window_t window : m_windows.windowsOf(pid))
@@ -132,6 +141,7 @@ std::optional<AttributeValue> X11Accessibility::windowAttribute(const Element& e
                                                                 std::string_view attribute) {
     const xcb_window_t window = nativeElement(element).window;
     const auto frame = m_windows.frame(window);
+    // While a placement is unsettled, the frame in the server may be an intermediate one.
     if (!frame ||
         (isOnItsWay(window) && (attribute == attribute::kPosition || attribute == attribute::kSize)))
         return std::nullopt;
@@ -166,15 +176,16 @@ void X11Accessibility::setAttribute(const Element& element, std::string_view att
     if ((!origin && !extent) || !isWindowOf(window, pid))
         return;
     if (m_written != window)
-        finishWrites();
+        finishWrites(); // writes are collected for one window at a time
     m_written = window;
     if (origin)
         m_wish.origin = origin;
     if (extent)
         m_wish.size = extent;
-    m_connection.beginTurn();
+    m_connection.beginTurn(); // guarantees that the turn's end sends the write
 }
 
+/// Places the window as the collected writes demand. Does nothing when there are none.
 void X11Accessibility::finishWrites() {
     const xcb_window_t window = std::exchange(m_written, XCB_WINDOW_NONE);
     const FrameWish wish = std::exchange(m_wish, {});
@@ -190,7 +201,7 @@ bool X11Accessibility::canExpress(const Rect& axFrame) {
     return rootFromAx(axFrame.origin(), m_monitors.primaryOrigin()) && rootFromAx(axFrame.size());
 }
 
-/// The server gives numbers of windows again once their program has ended, so the process belongs to the key.
+/// The process id is part of the key because the server reuses window ids after a client has exited.
 std::uintptr_t X11Accessibility::key(const Element& element) {
     const auto [pid, window] = nativeElement(element);
     return (static_cast<std::uintptr_t>(pid) << kHalfAKey) + window;

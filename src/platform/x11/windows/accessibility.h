@@ -15,30 +15,37 @@
 
 namespace tessarel::x11 {
 
-/// Other programs' windows by the conventions between clients and window managers.
+/// Other programs' windows, read and moved through ICCCM and EWMH.
 ///
-/// An element is a process, or a managed window of a process. Writes of position and size to a window are
-/// collected and asked of the manager in one step, when that window is read next or the turn ends; a read
-/// after a write is the settled truth, and has no value when the manager does not answer in time. Windows of
-/// this program are not answered.
+/// An element is a process or a managed window of a process. Writes of position and size to a window are
+/// collected and sent to the window manager as one request, when that window is read next or when the turn
+/// ends. A read after a write therefore returns the settled frame; position and size are empty when the
+/// window manager does not process the request in time. This program's own windows are never returned.
 class X11Accessibility : public AccessibilityPort {
 public:
+    /// All referenced objects must outlive this one.
     X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows,
                      ApplicationWatch& watch);
 
     [[nodiscard]] Element application(ProcessId pid) override;
     [[nodiscard]] Element systemWide() override;
-    /// Nothing to bound: the server answers for the programs, and the manager is never waited for long.
+    /// Does nothing. Reads go to the X server, never to the other program, and the wait for the window
+    /// manager has a limit of its own.
     void setMessagingTimeout(const Element& element, std::chrono::milliseconds limit) override;
-    /// A managed window, wherever within its visible frame the point is.
+    /// Returns the top-most managed window whose visible frame contains `axPoint`; never a part of a window.
+    /// Returns `std::nullopt` over windows of this program and unmanaged windows.
     [[nodiscard]] std::optional<Element> elementAtPosition(const Element& within,
                                                            const Point& axPoint) override;
+    /// Returns the value of `attribute`. First places the window if writes to it are collected.
     [[nodiscard]] std::optional<AttributeValue> copyAttribute(const Element& element,
                                                               std::string_view attribute) override;
+    /// Collects a write of the position or the size; other attributes cannot be written on X11 and are
+    /// ignored.
     void setAttribute(const Element& element, std::string_view attribute,
                       const AttributeValue& value) override;
     [[nodiscard]] bool canExpress(const Rect& axFrame) override;
     [[nodiscard]] std::uintptr_t key(const Element& element) override;
+    /// Calls `created` with each window that appears in `_NET_CLIENT_LIST` and belongs to the process.
     [[nodiscard]] SubscriptionPtr
     onWindowCreated(const Element& application, std::function<void(const Element& window)> created) override;
     [[nodiscard]] SubscriptionPtr onWindowClosed(const Element& window,
@@ -52,10 +59,10 @@ private:
     [[nodiscard]] std::optional<AttributeValue> windowsOf(ProcessId pid);
     [[nodiscard]] std::optional<AttributeValue> windowAttribute(const Element& element,
                                                                 std::string_view attribute);
-    /// Whether the window is there and still that process's.
+    /// Returns whether the window exists and still belongs to the process.
     [[nodiscard]] bool isWindowOf(xcb_window_t window, ProcessId pid);
     void finishWrites();
-    /// Whether the manager has not said in this turn where the window is to be.
+    /// Returns whether a placement of the window has timed out in this turn.
     [[nodiscard]] bool isOnItsWay(xcb_window_t window) const;
 
     Connection& m_connection;
@@ -63,12 +70,12 @@ private:
     ClientWindows& m_windows;
     ApplicationWatch& m_watch;
     Placement m_placement;
-    xcb_window_t m_written = XCB_WINDOW_NONE; // the window that the wish is for
+    xcb_window_t m_written = XCB_WINDOW_NONE; // the window that `m_wish` is for
     FrameWish m_wish;
     struct {
         xcb_window_t window = XCB_WINDOW_NONE;
         std::uint64_t turn = 0;
-    } m_unsettled; // the window, and the turn, in which the manager has not answered
+    } m_unsettled; // the window whose placement has timed out, and the turn in which it did
     SubscriptionPtr m_endOfTurn;
 };
 

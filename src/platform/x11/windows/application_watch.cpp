@@ -8,12 +8,12 @@
 
 namespace tessarel::x11 {
 
-/// What an update has found.
+/// The differences that an update has found, in the order in which they are reported.
 struct ApplicationWatch::Changes {
     std::vector<xcb_window_t> closed;
     std::vector<RunningApplication> terminated;
     std::vector<RunningApplication> launched;
-    std::vector<xcb_window_t> opened; ///< by processes that ran before
+    std::vector<xcb_window_t> opened; ///< by processes that were launched before this update
 };
 
 ApplicationWatch::ApplicationWatch(Connection& connection, ClientWindows& windows, Applications& applications,
@@ -45,7 +45,7 @@ SubscriptionPtr ApplicationWatch::onClosed(xcb_window_t window, std::function<vo
     });
 }
 
-/// What is there already is nothing new.
+/// Takes stock on the first subscription. What exists at that time is not reported as new.
 void ApplicationWatch::begin() {
     if (std::exchange(m_isWanted, true))
         return;
@@ -54,12 +54,15 @@ void ApplicationWatch::begin() {
     m_active = active == m_known.end() ? 0 : active->second.pid;
 }
 
+/// Notes a changed client list as soon as the event is read; `follow` compares the lists when it is
+/// delivered.
 void ApplicationWatch::note(const Connection::Event& event) {
     if (changedProperty(event, m_connection.root()) == m_connection.atom(Atom::NetClientList))
         m_isOutdated = true;
 }
 
-/// Managers may name a window as the active one before they list it: nobody is in front of it until then.
+/// Reports the changes. Some window managers set `_NET_ACTIVE_WINDOW` before they add the window to
+/// `_NET_CLIENT_LIST`; it is treated as inactive until it is listed, so a list change is followed up, too.
 void ApplicationWatch::follow(const Connection::Event& event) {
     const auto changed = changedProperty(event, m_connection.root());
     if (!m_isWanted || !changed)
@@ -71,6 +74,8 @@ void ApplicationWatch::follow(const Connection::Event& event) {
         followActive();
 }
 
+/// Reports an activation when the active window belongs to another process than before. When no window is
+/// active, the last process stays the active one, so returning to it is not reported.
 void ApplicationWatch::followActive() {
     const auto application = m_applications.frontmost();
     if (!application || application->processIdentifier == m_active)
@@ -79,21 +84,22 @@ void ApplicationWatch::followActive() {
     m_applicationHandlers[ApplicationEvent::Activated].call(*application);
 }
 
+/// Compares the client list with the known windows and updates the records.
 ApplicationWatch::Changes ApplicationWatch::update() {
     m_isOutdated = false;
     const std::vector<xcb_window_t> listed = m_windows.managed();
     Changes changes;
     changes.closed = takeClosed(listed);
     const std::vector<xcb_window_t> opened = takeOpened(listed);
-    if (!opened.empty()) // by what may have been installed a moment ago
+    if (!opened.empty()) // their application may have just been installed
         m_applications.refresh();
     sortIn(opened, changes);
     terminateEnded(changes);
     return changes;
 }
 
-/// A window that is not listed any more has been closed, unless it is still to be seen: then it was the
-/// manager that has gone.
+/// Removes and returns the windows that have been closed. A window that left the list but is still mapped has
+/// not been closed: the window manager has exited.
 std::vector<xcb_window_t> ApplicationWatch::takeClosed(const std::vector<xcb_window_t>& listed) {
     const std::unordered_set<xcb_window_t> present(listed.begin(), listed.end());
     std::vector<std::pair<xcb_window_t, xcb_get_window_attributes_cookie_t>> missing;
@@ -114,7 +120,8 @@ std::vector<xcb_window_t> ApplicationWatch::takeClosed(const std::vector<xcb_win
     return closed;
 }
 
-/// The processes that have ended since they were launched, though a child may go on with their windows.
+/// Returns the processes that have exited since they were launched. They may still own windows, if a child
+/// process keeps their connection open.
 std::unordered_set<ProcessId> ApplicationWatch::ended() const {
     std::unordered_set<ProcessId> ended;
     for (const auto& [pid, process] : m_processes) {
@@ -124,9 +131,11 @@ std::unordered_set<ProcessId> ApplicationWatch::ended() const {
     return ended;
 }
 
-/// The listed windows that are new, and notes whose they are. The number of a window whose process has ended
-/// may be another's by now, even if it has never been seen to go; so may that of a window of nobody, which
-/// may have gone before it was asked.
+/// Returns the listed windows that are new, and records their owners.
+///
+/// Window ids are reused, even if the old window was never seen to close. The owner is therefore read again
+/// for every window whose process has exited, and for every window without a known owner, which may have been
+/// closed before it could be read.
 std::vector<xcb_window_t> ApplicationWatch::takeOpened(const std::vector<xcb_window_t>& listed) {
     std::vector<xcb_window_t> unsure;
     const auto hasEnded = ended();
@@ -139,13 +148,14 @@ std::vector<xcb_window_t> ApplicationWatch::takeOpened(const std::vector<xcb_win
     std::erase_if(unsure, [this](xcb_window_t window) {
         const ProcessId pid = m_windows.pid(window).value_or(0);
         const auto [known, isNew] = m_known.try_emplace(window);
-        const bool isSame = !isNew && known->second.pid == pid; // else a number that has been used again
+        const bool isSame = !isNew && known->second.pid == pid; // else the id has been reused
         known->second = {pid, true};
         return isSame || pid == 0;
     });
     return unsure;
 }
 
+/// Sorts new windows into launches and further windows of running processes.
 void ApplicationWatch::sortIn(const std::vector<xcb_window_t>& opened, Changes& changes) {
     std::map<ProcessId, std::vector<xcb_window_t>> byProcess;
     for (const xcb_window_t window : opened)
@@ -153,7 +163,8 @@ void ApplicationWatch::sortIn(const std::vector<xcb_window_t>& opened, Changes& 
     for (const auto& [pid, windows] : byProcess) {
         const auto running = m_processes.find(pid);
         const auto start = m_startOf(pid);
-        // One that cannot be seen has not been replaced either: a child of it goes on.
+        // A process without a start time has exited or is invisible from here. It was not replaced by another
+        // one with the same id; a child process goes on with its windows.
         if (running != m_processes.end() && (!start || start == running->second.start)) {
             changes.opened.insert(changes.opened.end(), windows.begin(), windows.end());
             continue;
@@ -164,12 +175,14 @@ void ApplicationWatch::sortIn(const std::vector<xcb_window_t>& opened, Changes& 
     }
 }
 
+/// Records a process as running and adds it to the launches.
 void ApplicationWatch::launch(ProcessId pid, const std::vector<xcb_window_t>& windows, Changes& changes) {
     const RunningApplication application = m_applications.ofWindows(pid, windows);
     m_processes.insert_or_assign(pid, Process{application, m_startOf(pid)});
     changes.launched.push_back(application);
 }
 
+/// Removes processes that own no window any more and have exited, and adds them to the terminations.
 void ApplicationWatch::terminateEnded(Changes& changes) {
     std::unordered_set<ProcessId> owners;
     for (const auto& [window, known] : m_known)
@@ -183,6 +196,8 @@ void ApplicationWatch::terminateEnded(Changes& changes) {
     });
 }
 
+/// Calls the handlers. A handler may cause the records to change, so the owner of each window is looked up
+/// anew.
 void ApplicationWatch::tell(const Changes& changes) {
     for (const xcb_window_t window : changes.closed)
         m_closedHandlers.call(window);

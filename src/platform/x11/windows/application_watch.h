@@ -17,39 +17,45 @@
 
 namespace tessarel::x11 {
 
-/// Applications and windows as they come and go, told by the lists that the window manager keeps: without a
-/// change of these nothing is asked and nobody woken.
+/// Watches applications and windows come and go, driven by `_NET_CLIENT_LIST` and `_NET_ACTIVE_WINDOW`.
+/// Without a change of these properties it sends no requests.
 ///
-/// An application is launched with the first managed window of its process. It has terminated when its
-/// process has ended, which is looked at whenever windows come or go; of a process that cannot be seen from
-/// here, when its last window goes. A window stays the same one, and its application is not launched again,
-/// while there is no window manager and when the next one takes it over.
+/// An application is launched when its process gets its first managed window. It terminates when its last
+/// window has closed and the process has exited, which is checked whenever windows come or go. A process that
+/// is not visible from here (see `processStart`) terminates when its last window closes.
+///
+/// When the window manager is replaced, the client list is empty for a while. Windows that stay mapped keep
+/// their identity then, and their applications are not launched again.
 class ApplicationWatch {
 public:
-    /// Tells when a process was started, as `processStart` does.
+    /// Returns when a process was started, like `processStart`. Tests replace it.
     using StartOf = std::function<std::optional<std::uint64_t>(ProcessId)>;
 
+    /// All referenced objects must outlive the watch.
     ApplicationWatch(Connection& connection, ClientWindows& windows, Applications& applications,
                      StartOf startOf = processStart);
     ApplicationWatch(const ApplicationWatch&) = delete;
     ApplicationWatch& operator=(const ApplicationWatch&) = delete;
     ~ApplicationWatch() = default;
 
+    /// Calls `handler` on each `event`, until the returned subscription is destroyed. The first subscription
+    /// of any kind starts the watch; applications that already run are not reported as launched.
     [[nodiscard]] SubscriptionPtr onApplication(ApplicationEvent event,
                                                 std::function<void(const RunningApplication&)> handler);
-    /// Calls `opened` with every window that process `pid`, which runs already, opens from now on.
+    /// Calls `opened` with every window that process `pid` opens from now on. The windows with which a
+    /// process is launched are part of the `Launched` event and not reported here.
     [[nodiscard]] SubscriptionPtr onWindow(ProcessId pid, std::function<void(xcb_window_t)> opened);
-    /// Calls `closed` when `window`, which is managed, closes.
+    /// Calls `closed` when the managed window `window` closes.
     [[nodiscard]] SubscriptionPtr onClosed(xcb_window_t window, std::function<void()> closed);
 
 private:
     struct Window {
-        ProcessId pid = 0;
-        bool isListed = true; ///< by the manager; false while there is none
+        ProcessId pid = 0;    ///< 0 when unknown
+        bool isListed = true; ///< in `_NET_CLIENT_LIST`; false while no window manager runs
     };
     struct Process {
-        RunningApplication application;
-        std::optional<std::uint64_t> start; ///< empty when it cannot be seen from here
+        RunningApplication application;     ///< as of the launch
+        std::optional<std::uint64_t> start; ///< empty when the process is not visible from here
     };
     struct Changes;
 
@@ -70,11 +76,11 @@ private:
     ClientWindows& m_windows;
     Applications& m_applications;
     StartOf m_startOf;
-    bool m_isWanted = false; ///< somebody has asked at least once
-    bool m_isOutdated = false;
+    bool m_isWanted = false;   ///< there was at least one subscription
+    bool m_isOutdated = false; ///< the client list has changed since the last update
     std::unordered_map<xcb_window_t, Window> m_known;
     std::map<ProcessId, Process> m_processes;
-    ProcessId m_active = 0;
+    ProcessId m_active = 0; ///< owner of the window that was active last; 0 when unknown
     std::map<ApplicationEvent, CallbackList<const RunningApplication&>> m_applicationHandlers;
     CallbackList<ProcessId, xcb_window_t> m_windowHandlers;
     CallbackList<xcb_window_t> m_closedHandlers;

@@ -9,6 +9,8 @@ namespace tessarel::x11 {
 Applications::Applications(ClientWindows& windows, std::vector<std::filesystem::path> entryFolders)
     : m_windows(windows), m_entries(std::move(entryFolders)) {}
 
+/// Prefers the active window itself for the identifier. If that is a panel or the like, the front-most window
+/// of the process is used instead.
 std::optional<RunningApplication> Applications::frontmost() {
     const xcb_window_t active = m_windows.activeWindow();
     const auto pid = active == XCB_WINDOW_NONE ? std::nullopt : m_windows.pid(active);
@@ -51,6 +53,8 @@ RunningApplication Applications::ofWindows(ProcessId pid, const std::vector<xcb_
     return {pid, identifier(windows.front()), isRegular};
 }
 
+/// Returns the identifier of the window's application, or `std::nullopt` when the window has neither an
+/// application id nor a class.
 std::optional<std::string> Applications::identifier(xcb_window_t window) {
     const WindowTraits traits = m_windows.traits(window);
     if (traits.applicationId || !traits.windowClass)
@@ -59,6 +63,7 @@ std::optional<std::string> Applications::identifier(xcb_window_t window) {
     return installed ? installed : traits.windowClass;
 }
 
+/// Returns whether a user works in the window, in contrast to docks, desktops, menus and the like.
 bool Applications::isForWork(xcb_window_t window) {
     return m_windows.traits(window).type != WindowType::Other;
 }

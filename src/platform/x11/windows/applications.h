@@ -11,33 +11,43 @@
 
 namespace tessarel::x11 {
 
-/// The programs on the desktop as they are in this turn: processes that own managed windows.
+/// The applications on the desktop in this turn: processes that own managed windows.
 ///
-/// A process that owns nothing but panels and the like is not a regular application. Windows whose process
-/// nobody knows belong to none. An application is called as its windows say, else like the installed one
-/// whose class they carry, else like that class. No question but `displayName` looks for what has been
-/// installed since `refresh`: a key press waits for the answer.
+/// A process that owns only panels and the like is not a regular application. Windows whose process is
+/// unknown belong to no application.
+///
+/// The identifier is the application id that the window sets (`_GTK_APPLICATION_ID`,
+/// `_KDE_NET_WM_DESKTOP_FILE`), else that of the installed application whose desktop entry matches the class
+/// in WM_CLASS, else that class.
+///
+/// Identifiers come from the desktop entries as of the last `refresh`, because a hot key waits for them. Only
+/// `displayName` looks for applications that were installed later.
 class Applications {
 public:
-    /// `entryFolders` is where applications are installed.
+    /// `windows` must outlive this object. `entryFolders` are the folders that hold desktop entries.
     explicit Applications(ClientWindows& windows, std::vector<std::filesystem::path> entryFolders =
                                                       xdg::InstalledApplications::folders());
 
-    /// The owner of the active window, called as that window says.
+    /// Returns the owner of the active window, identified by that window; `std::nullopt` when no window is
+    /// active or its process is unknown.
     [[nodiscard]] std::optional<RunningApplication> frontmost();
-    /// The application of process `pid`, called as its front-most window says.
+    /// Returns the application of process `pid`, identified by its front-most window; `std::nullopt` when the
+    /// process owns no managed window.
     [[nodiscard]] std::optional<RunningApplication> ofProcess(ProcessId pid);
+    /// Returns all applications, sorted by process id.
     [[nodiscard]] std::vector<RunningApplication> all();
-    /// The name of the installed application called `identifier`, in the user's language.
+    /// Returns the name of an installed application in the user's language, or `std::nullopt` when it is not
+    /// installed.
     [[nodiscard]] std::optional<std::string> displayName(const std::string& identifier);
 
-    /// Learns of applications that have been installed or removed.
+    /// Picks up applications that have been installed or removed.
     void refresh() { m_entries.refresh(); }
 
-    /// The identifier of the application whose desktop entry is `file`; none when it is not one.
+    /// Returns the identifier of the application whose desktop entry is `file`, or `std::nullopt` when the
+    /// file does not describe an application.
     [[nodiscard]] std::optional<std::string> identifierOfEntry(const std::filesystem::path& file) const;
 
-    /// The application of process `pid` whose windows, front to back, are `windows`; there is at least one.
+    /// Returns the application of process `pid`. `windows` are its windows, front to back; must not be empty.
     [[nodiscard]] RunningApplication ofWindows(ProcessId pid, const std::vector<xcb_window_t>& windows);
 
 private:

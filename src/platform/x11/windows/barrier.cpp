@@ -8,9 +8,10 @@ namespace tessarel::x11 {
 
 namespace {
 
-/// On a busy machine, window managers that compose the screen were seen to take more than a quarter of this.
+/// Compositing window managers have been measured to take more than 0.25 s on a busy machine.
 constexpr std::chrono::seconds kBound{1};
-// Many places, so that a late answer is not taken for that of a later question.
+// Each wait uses another x, so that a late event of a wait that timed out is not mistaken for that of a later
+// wait. In pixels, outside the root window.
 constexpr std::int32_t kNearest = -10;
 constexpr std::int32_t kFarthest = -1000;
 
@@ -23,6 +24,8 @@ Barrier::~Barrier() {
         xcb_destroy_window(m_connection.xcb(), m_window);
 }
 
+/// Creates the window: never mapped and not override-redirect, so that its ConfigureRequests are redirected
+/// to the window manager.
 void Barrier::create() {
     m_x = kNearest;
     m_window = xcb_generate_id(m_connection.xcb());
@@ -39,7 +42,7 @@ bool Barrier::wait() {
     const auto x = static_cast<std::uint32_t>(m_x);
     xcb_configure_window(m_connection.xcb(), m_window, XCB_CONFIG_WINDOW_X, &x);
     if (m_silentTurn == m_connection.turn()) {
-        m_connection.flush();
+        m_connection.flush(); // the requests still have to go out
         return false;
     }
     const bool answered =
@@ -49,8 +52,10 @@ bool Barrier::wait() {
     return answered;
 }
 
+/// Returns whether `event` reports the move that the current wait requested.
 bool Barrier::isAnswer(const Connection::Event& event) const {
-    if (event.response_type != XCB_CONFIGURE_NOTIFY) // one that the server itself has sent
+    // Only a real event counts. The window manager may also send synthetic ones (ICCCM 4.1.5).
+    if (event.response_type != XCB_CONFIGURE_NOTIFY)
         return false;
     const auto& move = eventAs<xcb_configure_notify_event_t>(event);
     return move.window == m_window && move.x == m_x;

@@ -6,20 +6,25 @@
 
 namespace tessarel::x11 {
 
-/// Tells when the window manager has dealt with everything we have asked of it.
+/// Waits until the window manager has processed all requests that were sent before on this connection.
 ///
-/// It moves a window of its own that is never shown: the manager has to pass that on, after all that was
-/// requested before on the same connection, and the server then reports the move. Without a manager the
-/// server reports it at once.
+/// It configures a window of its own that is never mapped. The server redirects that request to the window
+/// manager, behind all earlier ones; the window manager has to pass it on (ICCCM 4.1.5), and the server then
+/// reports the move. Without a window manager the server reports it at once.
+///
+/// Waiting for the target's own ConfigureNotify would be simpler, but several window managers send none for a
+/// request that changes nothing, and every such wait would run into the time limit.
 class Barrier {
 public:
+    /// `connection` must outlive the barrier. The window is created by the first wait.
     explicit Barrier(Connection& connection);
     Barrier(const Barrier&) = delete;
     Barrier& operator=(const Barrier&) = delete;
     ~Barrier();
 
-    /// Sends what has been requested and waits. False when the manager has not answered in time; it is not
-    /// waited for again in the same turn.
+    /// Sends all requests and waits. Returns false when the window manager has not processed them within a
+    /// second. After a timeout, further calls in the same turn return false at once, so that a hung window
+    /// manager delays a turn only once.
     bool wait();
 
 private:
@@ -29,7 +34,7 @@ private:
     Connection& m_connection;
     xcb_window_t m_window = XCB_WINDOW_NONE;
     std::int32_t m_x = 0;
-    std::uint64_t m_silentTurn = 0; // the last one in which there was no answer
+    std::uint64_t m_silentTurn = 0; // the last turn in which a wait timed out
 };
 
 } // namespace tessarel::x11

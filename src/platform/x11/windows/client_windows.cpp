@@ -11,30 +11,33 @@ namespace tessarel::x11 {
 
 namespace {
 
-constexpr std::uint32_t kMostActiveWindows = 16; // there is one, but some managers add an empty second
+/// `_NET_ACTIVE_WINDOW` holds one window, but some window managers append an empty second value.
+constexpr std::uint32_t kMostActiveWindows = 16;
 
 xcb_get_property_cookie_t requestActiveWindow(Connection& connection) {
     return requestProperty(connection, connection.root(), connection.atom(Atom::NetActiveWindow),
                            XCB_ATOM_WINDOW, kMostActiveWindows);
 }
 
+/// Returns the first value of `_NET_ACTIVE_WINDOW`, or XCB_WINDOW_NONE.
 xcb_window_t activeWindowIn(const PropertyReply& reply) {
     const auto active = values(reply);
     return active.empty() ? xcb_window_t{XCB_WINDOW_NONE} : active.front();
 }
 
-/// The question which windows are managed, sent and not answered yet. Collected once.
+/// The pending requests for the lists of managed windows. `collect` must be called once.
 class ListRequest {
 public:
     explicit ListRequest(Connection& connection)
         : m_connection(connection), m_stacking(requestWindowList(connection, Atom::NetClientListStacking)),
           m_list(requestWindowList(connection, Atom::NetClientList)) {}
 
-    /// The front-most first.
+    /// Waits for the replies and returns the windows, front to back.
     [[nodiscard]] std::vector<xcb_window_t> collect() {
         const auto stacking = propertyReply(m_connection, m_stacking);
         const auto list = propertyReply(m_connection, m_list);
-        // Both, for a manager may leave the first one out while there is a single window.
+        // Both lists are merged, because a window manager may not set the stacking list while there is only
+        // one window. `_NET_CLIENT_LIST` is oldest first, which stands in for bottom to top.
         std::vector<xcb_window_t> windows;
         std::unordered_set<xcb_window_t> seen{XCB_WINDOW_NONE};
         for (const auto bottomToTop : {values(stacking), values(list)}) {
@@ -52,7 +55,7 @@ private:
 
 } // namespace
 
-/// What is not known about a window yet, asked in one go.
+/// The pending requests for everything that is not cached about one window. `collect` must be called once.
 class ClientWindows::Questions {
 public:
     Questions(ClientWindows& windows, xcb_window_t window) : m_windows(windows), m_window(window) {
@@ -65,6 +68,7 @@ public:
             m_pid.emplace(windows.m_connection, window);
     }
 
+    /// Waits for the replies, stores them in the caches and returns the window's entry.
     const Known& collect() {
         Known& known = m_windows.m_known[m_window];
         if (m_frame)
@@ -91,13 +95,14 @@ ClientWindows::ClientWindows(Connection& connection)
     connection.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
 }
 
-/// The number of a window that has gone may come back as another program's.
+/// Window ids are reused, so the process ids are read again after the client list has changed.
 void ClientWindows::note(const Connection::Event& event) {
     if (changedProperty(event, m_connection.root()) == m_connection.atom(Atom::NetClientList))
         m_pidsOutdated = true;
 }
 
-/// Keeps the guess about the active window right, so that a key press finds it right.
+/// Keeps `m_lastActive` up to date, so that `activeWindow` reads the right window ahead when a hot key is
+/// pressed.
 void ClientWindows::follow(const Connection::Event& event) {
     if (changedProperty(event, m_connection.root()) == m_connection.atom(Atom::NetActiveWindow)) {
         const auto active = propertyReply(m_connection, requestActiveWindow(m_connection));
@@ -105,6 +110,7 @@ void ClientWindows::follow(const Connection::Event& event) {
     }
 }
 
+/// Drops the cached values of an earlier turn. The process ids are kept until the client list changes.
 void ClientWindows::startTurn() {
     if (m_turn == m_connection.turn())
         return;
@@ -116,7 +122,11 @@ void ClientWindows::startTurn() {
         m_pids.clear();
 }
 
-/// A manager may go on naming a window that has closed, whose number may be another one's by now.
+/// Checks the active window against the client list, because a window manager may still name a window that
+/// has closed, and its id may have been reused.
+///
+/// Requests the active window, the list and everything about the window that was active last in one round
+/// trip.
 xcb_window_t ClientWindows::activeWindow() {
     startTurn();
     if (m_active)
@@ -165,6 +175,7 @@ std::vector<xcb_window_t> ClientWindows::windowsOf(ProcessId pid) {
     return windows;
 }
 
+/// Reads the process ids that are not cached, all in one round trip.
 void ClientWindows::learnPids(const std::vector<xcb_window_t>& windows) {
     std::vector<std::pair<xcb_window_t, PidRequest>> requests;
     for (const xcb_window_t window : windows) {
@@ -175,6 +186,7 @@ void ClientWindows::learnPids(const std::vector<xcb_window_t>& windows) {
         m_pids[window] = request.collect();
 }
 
+/// Reads everything that is not cached about one window, in one round trip.
 const ClientWindows::Known& ClientWindows::learn(xcb_window_t window) {
     startTurn();
     return Questions(*this, window).collect();

@@ -11,39 +11,49 @@
 
 namespace tessarel::x11 {
 
-/// The managed windows of all programs, as they are in this turn: asked once, in as few round trips as can
-/// be. A window that has gone answers nothing.
+/// The managed windows of all clients, with a cache for the current turn.
+///
+/// Values are read in as few round trips as possible and, unless noted, cached until the turn ends. Window
+/// ids are those of the clients, not of the frames around them. For a window that does not exist, every value
+/// is empty.
 class ClientWindows {
 public:
+    /// `connection` must outlive this object.
     explicit ClientWindows(Connection& connection);
     ClientWindows(const ClientWindows&) = delete;
     ClientWindows& operator=(const ClientWindows&) = delete;
     ~ClientWindows() = default;
 
-    /// The managed window with the keyboard focus, or XCB_WINDOW_NONE. All about it comes along with the
-    /// answer, unless the focus has moved since it was last heard of.
+    /// Returns the active window (`_NET_ACTIVE_WINDOW`), or XCB_WINDOW_NONE when no managed window is active.
+    /// Its frame, traits and process id arrive in the same round trip, unless the active window has just
+    /// changed.
     [[nodiscard]] xcb_window_t activeWindow();
-    /// Returns the outer frame of that window in pixels of the root window, or `std::nullopt` when there is
-    /// none.
+    /// Returns the outer frame of the active window in pixels of the root window, or `std::nullopt` when no
+    /// window is active.
     [[nodiscard]] std::optional<Rect> activeFrame();
-    /// All managed windows, the front-most first.
+    /// Returns all managed windows, front to back, in the order that the window manager publishes.
     [[nodiscard]] const std::vector<xcb_window_t>& frontToBack();
-    /// All managed windows, the oldest first.
+    /// Returns all managed windows in the order of `_NET_CLIENT_LIST`, oldest first. Not cached.
     [[nodiscard]] std::vector<xcb_window_t> managed();
-    /// The managed windows of a process, the front-most first.
+    /// Returns the managed windows of a process, front to back.
     [[nodiscard]] std::vector<xcb_window_t> windowsOf(ProcessId pid);
 
+    /// Returns the process that owns the window, or `std::nullopt` when it is unknown.
     [[nodiscard]] std::optional<ProcessId> pid(xcb_window_t window);
+    /// Returns the position, extents and states of the window, or `std::nullopt` when it does not exist.
     [[nodiscard]] std::optional<WindowFrame> frame(xcb_window_t window);
+    /// Returns the type, application id and class of the window.
     [[nodiscard]] WindowTraits traits(xcb_window_t window);
 
-    /// Asks for all about `windows` in one round trip; the calls above then answer from memory.
+    /// Reads everything about `windows` in one round trip. The three functions above then need none.
     void learnAll(const std::vector<xcb_window_t>& windows);
 
-    /// Makes `frame` ask again: the window has been written to.
+    /// Drops the cached frame. To be called after a write to the window.
     void forgetFrame(xcb_window_t window);
 
 private:
+    /// The cached values of one window. The inner optional of `frame` is empty when the window does not
+    /// exist.
     struct Known {
         std::optional<std::optional<WindowFrame>> frame;
         std::optional<WindowTraits> traits;
@@ -57,13 +67,13 @@ private:
     void learnPids(const std::vector<xcb_window_t>& windows);
 
     Connection& m_connection;
-    std::uint64_t m_turn = 0; // the one that the following belong to
+    std::uint64_t m_turn = 0; // the turn that the next three members were read in
     std::optional<xcb_window_t> m_active;
     std::optional<std::vector<xcb_window_t>> m_frontToBack;
     std::unordered_map<xcb_window_t, Known> m_known;
 
-    xcb_window_t m_lastActive = XCB_WINDOW_NONE;
-    std::unordered_map<xcb_window_t, std::optional<ProcessId>> m_pids; // kept until windows come or go
+    xcb_window_t m_lastActive = XCB_WINDOW_NONE; // the guess that `activeWindow` reads ahead
+    std::unordered_map<xcb_window_t, std::optional<ProcessId>> m_pids; // until the client list changes
     bool m_pidsOutdated = false;
     SubscriptionPtr m_observer;
     SubscriptionPtr m_handler;

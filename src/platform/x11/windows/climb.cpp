@@ -24,6 +24,8 @@ std::vector<Climb> ClimbStep::collect() {
     std::vector<Climb> higher;
     for (std::size_t i = 0; i < m_climbs.size(); ++i) {
         const auto tree = m_connection.reply<xcb_query_tree_reply>(m_cookies[i]);
+        // A window whose parent is the root window is at the top. It ends its climb, as does a window that is
+        // gone.
         if (tree && tree->parent != m_connection.root())
             higher.push_back({m_climbs[i].window, tree->parent});
     }

@@ -8,24 +8,27 @@
 
 namespace tessarel::x11 {
 
-/// Frames are nested in frames only a few times over.
+/// Upper bound for the number of frames around a client window. Real window managers nest only a few.
 inline constexpr int kDeepestNesting = 8;
 
-/// A window on the way up through the frames that it is nested in.
+/// The progress of a search for the top-level frame of a client window, upwards through its ancestors.
 struct Climb {
-    xcb_window_t window;
-    xcb_window_t ancestor; ///< how far it has come
+    xcb_window_t window;   ///< the client window
+    xcb_window_t ancestor; ///< the ancestor that was reached so far
 };
 
-/// All of `windows` at their start.
+/// Returns a climb for each of `windows`, starting at the window itself.
 [[nodiscard]] std::vector<Climb> startClimbs(const std::vector<xcb_window_t>& windows);
 
-/// One step up for many windows in one round trip: sent and not answered yet. Collected once.
+/// The pending requests for the parents of many windows: one step up in one round trip. `collect` must be
+/// called once.
 class ClimbStep {
 public:
+    /// Sends a request for each climb. `connection` must outlive this object.
     ClimbStep(Connection& connection, std::vector<Climb> climbs);
 
-    /// Those that are at the top already have come to their end, as have windows that are gone.
+    /// Waits for the replies and returns the climbs, each one level higher. Climbs that were at the top
+    /// already are left out, and so are windows that no longer exist.
     [[nodiscard]] std::vector<Climb> collect();
 
 private:

@@ -11,20 +11,29 @@ namespace tessarel::x11 {
 
 namespace {
 
+// Fields of _NET_MOVERESIZE_WINDOW.
+//
+// With gravity NorthWest, x and y are the corner of the frame in all tested window managers. Gravity 0 (the
+// window's own) would be off by the frame extents for windows with win_gravity Static, such as those of Qt.
 constexpr std::uint32_t kNorthWest = 1;
 constexpr std::uint32_t kHasOrigin = 1U << 8 | 1U << 9;
 constexpr std::uint32_t kHasSize = 1U << 10 | 1U << 11;
-constexpr std::uint32_t kFromUser = 2; // as a pager speaks
+constexpr std::uint32_t kFromUser = 2; // source indication of pagers and other direct user actions
 constexpr std::uint32_t kFromUserShifted = kFromUser << 12;
-constexpr double kObeyed = 3; // pixels: a difference up to this is not a refusal
 
+/// In pixels. A difference up to this does not count as a refusal by the window manager.
+constexpr double kObeyed = 3;
+
+/// The actions of a _NET_WM_STATE client message.
 enum class StateChange : std::uint32_t { Remove = 0, Add = 1 };
 
-/// Coordinates travel as the two's complement of their 32 bits.
+/// Rounds to a whole pixel and encodes it for the protocol: negative values as 32-bit two's complement.
 std::uint32_t wire(double value) {
     return static_cast<std::uint32_t>(static_cast<std::int32_t>(std::round(value)));
 }
 
+/// Sends a client message about `window` to the root window, as EWMH prescribes for requests to the window
+/// manager.
 void sendToManager(Connection& connection, xcb_window_t window, Atom type,
                    const std::array<std::uint32_t, 5>& data) {
     xcb_client_message_event_t event{};
@@ -38,6 +47,7 @@ void sendToManager(Connection& connection, xcb_window_t window, Atom type,
                    reinterpret_cast<const char*>(&event));
 }
 
+/// Adds or removes two states at once; pass 0 as `second` for a single one.
 void changeStates(Connection& connection, xcb_window_t window, StateChange change, xcb_atom_t first,
                   xcb_atom_t second) {
     sendToManager(connection, window, Atom::NetWmState,
@@ -48,9 +58,10 @@ bool isFar(double actual, double wished) {
     return std::abs(actual - wished) > kObeyed;
 }
 
-/// The client's window in a frame of that size.
+/// Returns the size of the client window for a frame of size `outer`; at least one pixel, because X11 has no
+/// empty windows.
 Size clientSize(const Size& outer, const Extents& extents) {
-    return {std::max(outer.width - extents.left - extents.right, 1.0), // no window is empty
+    return {std::max(outer.width - extents.left - extents.right, 1.0),
             std::max(outer.height - extents.top - extents.bottom, 1.0)};
 }
 
@@ -63,12 +74,15 @@ bool Placement::place(xcb_window_t window, FrameWish wish) {
     const auto before = m_windows.frame(window);
     if (!before)
         return true;
-    // A manager was seen to make windows higher that were only to be moved.
+    // A request without a size made a window manager increase the window's height, so the current size is
+    // sent along. Not in states such as maximised, whose size is not the one to keep.
     if (!wish.size && before->states == WindowStates{})
         wish.size = before->outer().size();
     normalize(window, before->states);
     bool settled = ask(window, wish, before->extents);
     auto after = readBack(window);
+    // Leaving the maximised or shaded state can change the frame extents. The first request was then computed
+    // with the wrong ones: under openbox, xfwm4, marco and fluxbox the window ends up a few pixels too large.
     if (settled && after && after->extents != before->extents) {
         settled = ask(window, wish, after->extents);
         after = readBack(window);
@@ -78,11 +92,13 @@ bool Placement::place(xcb_window_t window, FrameWish wish) {
     return settled;
 }
 
+/// `before` and `after` are the outer frames before the placement and after the last request.
 bool Placement::insist(xcb_window_t window, const FrameWish& wish, const Rect& before,
                        const WindowFrame& after) {
     if (before != after.outer()) {
-        // A busy manager may tile a window that has just been dropped, after the frame before was read and
-        // before it sees the wish.
+        // The frame has changed, but not to the requested one. A busy window manager may have tiled a window
+        // that was just dropped at an edge, after `before` was read and before it processed the request.
+        // Repeat the request; only if that changes nothing does a tile hold the window.
         const bool settled = ask(window, wish, after.extents);
         const auto again = readBack(window);
         if (!settled || !again || again->outer() != after.outer())
@@ -94,6 +110,7 @@ bool Placement::insist(xcb_window_t window, const FrameWish& wish, const Rect& b
     return settled;
 }
 
+/// Sends the request to the window manager, or straight to the server when none runs that supports the hints.
 bool Placement::ask(xcb_window_t window, const FrameWish& wish, const Extents& extents) {
     if (m_manager.state().suffices())
         askManager(window, wish, extents);
@@ -103,7 +120,8 @@ bool Placement::ask(xcb_window_t window, const FrameWish& wish, const Extents& e
 }
 
 void Placement::askManager(xcb_window_t window, const FrameWish& wish, const Extents& extents) {
-    // The corner asked for is that of the manager's frame, which shadows reach beyond.
+    // The position refers to the window manager's frame. For client-decorated windows that is the X window
+    // including the shadow, so the visible corner lies further in by the negative extents.
     const int shadowLeft = std::min(extents.left, 0);
     const int shadowTop = std::min(extents.top, 0);
     std::array<std::uint32_t, 5> data{kNorthWest | kFromUserShifted};
@@ -121,7 +139,8 @@ void Placement::askManager(xcb_window_t window, const FrameWish& wish, const Ext
     sendToManager(m_connection, window, Atom::NetMoveResizeWindow, data);
 }
 
-/// For a display without a manager, where nothing stands between us and the window.
+/// Configures the window itself, for a display without a suitable window manager. The values must be in the
+/// order of the mask bits.
 void Placement::askServer(xcb_window_t window, const FrameWish& wish, const Extents& extents) {
     std::uint16_t mask = 0;
     std::array<std::uint32_t, 4> list{};
@@ -140,6 +159,8 @@ void Placement::askServer(xcb_window_t window, const FrameWish& wish, const Exte
     xcb_configure_window(m_connection.xcb(), window, mask, list.data());
 }
 
+/// Takes the window out of the states in which window managers ignore or misinterpret a new frame. The state
+/// change is sent right before the placement, without a wait in between.
 void Placement::normalize(xcb_window_t window, const WindowStates& states) {
     if (states.maximizedHorizontally || states.maximizedVertically)
         changeStates(m_connection, window, StateChange::Remove,
@@ -149,7 +170,8 @@ void Placement::normalize(xcb_window_t window, const WindowStates& states) {
         changeStates(m_connection, window, StateChange::Remove, m_connection.atom(Atom::NetWmStateShaded), 0);
 }
 
-/// Whether a window is elsewhere than wished, or of another size and not for its client's sake.
+/// Returns whether the window manager has refused the frame: the position differs, or the size differs and
+/// the client's size hints do not explain it. Wishes without a position are never treated as refused.
 bool Placement::isHeldFrom(xcb_window_t window, const WindowFrame& frame, const FrameWish& wish) {
     if (!wish.origin)
         return false;
@@ -162,13 +184,17 @@ bool Placement::isHeldFrom(xcb_window_t window, const WindowFrame& frame, const 
                 .explain(frame.client.size(), clientSize(*wish.size, frame.extents));
 }
 
-/// Some managers hold on to a window that they have tiled and tell nobody; one maximised in between is free.
+/// Releases a window that the window manager has tiled at a screen edge.
+///
+/// metacity, marco and kwin ignore requests for such a window, and kwin publishes no EWMH state for it at
+/// all. Maximising and restoring it ends the tiling in marco and kwin; in metacity nothing does.
 void Placement::releaseFromTile(xcb_window_t window) {
     for (const StateChange change : {StateChange::Add, StateChange::Remove})
         changeStates(m_connection, window, change, m_connection.atom(Atom::NetWmStateMaximizedHorz),
                      m_connection.atom(Atom::NetWmStateMaximizedVert));
 }
 
+/// Returns the frame that the window really has now.
 std::optional<WindowFrame> Placement::readBack(xcb_window_t window) {
     m_windows.forgetFrame(window);
     return m_windows.frame(window);

@@ -10,31 +10,37 @@
 
 namespace tessarel::x11 {
 
-/// What is to change of a window's visible frame; in pixels of the root window, y down.
+/// The requested position and size of a window's visible frame, in pixels of the root window, y down. An
+/// empty member leaves that part as it is.
 struct FrameWish {
     std::optional<Point> origin;
     std::optional<Size> size;
 };
 
-/// Puts windows where they are wanted, as far as the window manager lets us.
+/// Moves and resizes other clients' windows through the window manager.
 class Placement {
 public:
+    /// Both references must outlive this object.
     Placement(Connection& connection, ClientWindows& windows);
 
-    /// Asks for the frame in one step and comes back when the manager has settled it, or has not answered in
-    /// time. Maximised and shaded windows are brought back to normal first; where a manager holds on to a
-    /// window that it has tiled, it is made to let go. Does nothing when the window has gone. False when the
-    /// manager has not answered: then the window may still be on its way.
+    /// Requests the frame with one message and waits until the window manager has processed it, or times out.
+    ///
+    /// Maximised and shaded windows are restored first, and a window that the window manager has tiled itself
+    /// is released from its tile. The window manager may still choose another size, for instance because of
+    /// the client's size hints, so read the frame back afterwards.
+    ///
+    /// Returns false on a timeout; the window may then still be moving. Returns true without doing anything
+    /// when the window does not exist.
     bool place(xcb_window_t window, FrameWish wish);
 
 private:
-    /// Sends the wish and waits; false when nobody has answered.
+    /// Sends the wish and waits; returns false on a timeout.
     bool ask(xcb_window_t window, const FrameWish& wish, const Extents& extents);
     void askManager(xcb_window_t window, const FrameWish& wish, const Extents& extents);
     void askServer(xcb_window_t window, const FrameWish& wish, const Extents& extents);
     void normalize(xcb_window_t window, const WindowStates& states);
-    /// Asks again where the manager has moved the window elsewhere, and makes it let go where it holds on to
-    /// it; false when nobody has answered.
+    /// Handles a refusal: repeats the request if the window manager has moved the window elsewhere, and
+    /// releases the window from its tile if that does not help. Returns false on a timeout.
     bool insist(xcb_window_t window, const FrameWish& wish, const Rect& before, const WindowFrame& after);
     [[nodiscard]] bool isHeldFrom(xcb_window_t window, const WindowFrame& frame, const FrameWish& wish);
     void releaseFromTile(xcb_window_t window);

@@ -7,8 +7,9 @@
 
 namespace tessarel::x11 {
 
-/// When process `pid` was started, in the system's own units since it was booted: tells it from an earlier
-/// one of the same number. Empty when the process has ended, or cannot be seen from here.
+/// Returns when process `pid` was started, in clock ticks since boot, which distinguishes it from an earlier
+/// process with the same id. Returns `std::nullopt` when the process has exited, is a zombie, or is not
+/// visible from here (for instance in another PID namespace).
 [[nodiscard]] std::optional<std::uint64_t> processStart(ProcessId pid);
 
 } // namespace tessarel::x11

@@ -9,9 +9,9 @@ namespace tessarel::x11 {
 
 namespace {
 
-constexpr double kNear = 3; // pixels: nobody tells such sizes apart
+constexpr double kNear = 3; // pixels; too little to count as a refusal
 
-// The flags and places of WM_NORMAL_HINTS.
+// Flags and value indices of WM_NORMAL_HINTS (ICCCM 4.1.2.3).
 constexpr std::uint32_t kHasMinimum = 1U << 4;
 constexpr std::uint32_t kHasMaximum = 1U << 5;
 constexpr std::uint32_t kHasStep = 1U << 6;
@@ -19,9 +19,10 @@ constexpr std::uint32_t kHasAspect = 1U << 7;
 constexpr std::size_t kMinimum = 5;
 constexpr std::size_t kMaximum = 7;
 constexpr std::size_t kStep = 9;
-constexpr std::uint32_t kLength = 18; // some clients leave the end out
+constexpr std::uint32_t kLength = 18; // the full length; some clients leave out the last values
 
-/// The pair of extents at `place`; `absent` for what the flag does not announce and no window can have.
+/// Returns the pair of extents at `place`, with `absent` for values that the flag does not announce, that are
+/// missing, or that no window can have.
 Size pairAt(std::span<const std::uint32_t> values, std::size_t place, std::uint32_t flag, double absent) {
     const auto extent = [&](std::size_t index) {
         const bool isGiven = index < values.size() && (values[0] & flag) != 0;
@@ -35,6 +36,7 @@ Size pairAt(std::span<const std::uint32_t> values, std::size_t place, std::uint3
 } // namespace
 
 bool ExtentHints::explain(double actual, double wanted) const {
+    // Window managers round down to the step, so the extent may be up to one step short.
     const double allowed = std::max(minimum, std::min(wanted, maximum));
     return actual <= allowed + kNear && actual > allowed - step - kNear;
 }

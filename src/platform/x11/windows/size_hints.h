@@ -8,34 +8,36 @@
 
 namespace tessarel::x11 {
 
-/// What one extent of a client's window may be, in pixels: anything from `minimum` to `maximum`, in steps.
+/// The limits of a client window's width or height, in pixels: from `minimum` to `maximum`, in steps of
+/// `step`.
 struct ExtentHints {
     double minimum = 1;
-    double maximum = 65535; ///< no window of the X protocol is larger
+    double maximum = 65535; ///< the protocol's limit
     double step = 1;
 
-    /// Whether somebody who was asked for `wanted` may well have settled on `actual` for the client's sake.
+    /// Returns whether these limits explain why a window manager chose `actual` when `wanted` was requested.
     [[nodiscard]] bool explain(double actual, double wanted) const;
 
     bool operator==(const ExtentHints&) const = default;
 };
 
-/// Which sizes a client wants its window to have.
+/// The size hints of a client window.
 struct SizeHints {
     ExtentHints width;
     ExtentHints height;
-    bool keepsAspect = false; ///< one extent decides on the other
+    bool keepsAspect = false; ///< the client limits its aspect ratio, so one extent depends on the other
 
-    /// The same for both extents. A client that keeps its aspect explains everything.
+    /// Returns whether the hints explain both extents of `actual`. With an aspect ratio, any size is
+    /// explained.
     [[nodiscard]] bool explain(const Size& actual, const Size& wanted) const;
 
     bool operator==(const SizeHints&) const = default;
 };
 
-/// Hints as WM_NORMAL_HINTS gives them; what is missing or cannot be meant asks for nothing.
+/// Decodes WM_NORMAL_HINTS. Missing and implausible values set no limit.
 [[nodiscard]] SizeHints sizeHintsFrom(std::span<const std::uint32_t> values);
 
-/// Asks for the hints of `window`. One that has gone has none.
+/// Reads the size hints of `window`. Takes a round trip. A window that does not exist has no limits.
 [[nodiscard]] SizeHints readSizeHints(Connection& connection, xcb_window_t window);
 
 } // namespace tessarel::x11

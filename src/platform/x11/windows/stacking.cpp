@@ -8,9 +8,11 @@ namespace tessarel::x11 {
 
 namespace {
 
-using Heights = std::unordered_map<xcb_window_t, int>; // the back-most has 1
+/// Positions in the stacking order, from 1 for the bottom window. A missing entry reads as 0, below all
+/// others.
+using Heights = std::unordered_map<xcb_window_t, int>;
 
-/// Of the root window's children.
+/// Returns the heights of the root window's children, which QueryTree returns bottom to top.
 Heights heightsOf(const xcb_query_tree_reply_t& root) {
     Heights heights;
     const xcb_window_t* const children = xcb_query_tree_children(&root);
@@ -19,7 +21,8 @@ Heights heightsOf(const xcb_query_tree_reply_t& root) {
     return heights;
 }
 
-/// Moves those of `climbs` that have come to the top to `reached`, by their windows.
+/// Removes the climbs that have reached a child of the root window, and stores its height for their client
+/// window in `reached`.
 void takeThoseAtTop(std::vector<Climb>& climbs, const Heights& heights, Heights& reached) {
     std::erase_if(climbs, [&](const Climb& one) {
         const auto height = heights.find(one.ancestor);
@@ -41,6 +44,7 @@ std::vector<xcb_window_t> StackingRequest::collect() {
     const auto root = m_connection.reply<xcb_query_tree_reply>(m_root);
     const Heights heights = root ? heightsOf(*root) : Heights{};
     Heights reached;
+    // Windows without a frame are children of the root window themselves.
     std::vector<Climb> unframed = startClimbs(m_windows);
     takeThoseAtTop(unframed, heights, reached);
     std::vector<Climb> climbs = m_firstStep.collect();

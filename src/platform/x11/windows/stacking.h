@@ -9,16 +9,18 @@
 
 namespace tessarel::x11 {
 
-/// The question in which order windows really lie on each other, sent and not answered yet. Collected once.
+/// The pending requests for the true stacking order of windows. `collect` must be called once.
 ///
-/// The lists that window managers publish are not all kept up when a window is raised; the server's own order
-/// of their frames is.
+/// Not every window manager updates `_NET_CLIENT_LIST_STACKING` when it raises a window. The server's own
+/// order of the frames is always up to date.
 class StackingRequest {
 public:
+    /// Sends the requests. `windows` are client windows. `connection` must outlive this object.
     StackingRequest(Connection& connection, const std::vector<xcb_window_t>& windows);
 
-    /// The windows, the front-most first. Those in the same frame, and those that have gone, which come last,
-    /// keep the order that they were given in.
+    /// Waits for the replies and returns the windows, front to back. Takes one round trip, and one more for
+    /// each further level of nested frames. Windows in the same frame keep the order in which they were
+    /// given, as do windows that no longer exist, which come last.
     [[nodiscard]] std::vector<xcb_window_t> collect();
 
 private:

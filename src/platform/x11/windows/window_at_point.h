@@ -8,9 +8,11 @@
 
 namespace tessarel::x11 {
 
-/// The managed window that is on top at `rootPoint`, in whole pixels of the root window. Empty over the bare
-/// desktop, over windows that nobody manages, such as menus, and over the invisible borders that some
-/// managers draw around their frames.
+/// Returns the top-most managed window at `rootPoint`, which is in whole pixels of the root window, y down.
+///
+/// Returns `std::nullopt` over the bare root window, over unmanaged (override-redirect) windows such as
+/// menus, and over the invisible borders that some window managers, such as mutter and marco, put around
+/// their frames.
 [[nodiscard]] std::optional<xcb_window_t> windowAtPoint(Connection& connection, ClientWindows& windows,
                                                         const Point& rootPoint);
 

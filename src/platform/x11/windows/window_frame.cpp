@@ -9,9 +9,11 @@ namespace tessarel::x11 {
 namespace {
 
 constexpr std::uint32_t kExtentsLength = 4;
-constexpr std::uint32_t kLargestExtent = 4096; // pixels: no frame is wider, a negative number is
+/// In pixels. Rejects nonsense, including negative values, which read as very large unsigned ones.
+constexpr std::uint32_t kLargestExtent = 4096;
 constexpr std::uint32_t kMostStates = 256;
 
+/// Decodes `_NET_WM_STATE`; states of no interest here are ignored.
 WindowStates statesFrom(const Connection& connection, std::span<const std::uint32_t> atoms) {
     const auto has = [&](Atom state) {
         return std::find(atoms.begin(), atoms.end(), connection.atom(state)) != atoms.end();
@@ -42,6 +44,7 @@ std::optional<Extents> extentsFrom(std::span<const std::uint32_t> values) {
 
 Extents effectiveExtents(std::optional<Extents> decoration, std::optional<Extents> shadows,
                          const Size& client) {
+    // Shadows as large as the window are nonsense and would leave nothing to place.
     const bool hasShadows = shadows && *shadows != Extents{} &&
                             shadows->left + shadows->right < client.width &&
                             shadows->top + shadows->bottom < client.height;
@@ -52,6 +55,7 @@ Extents effectiveExtents(std::optional<Extents> decoration, std::optional<Extent
 
 FrameRequest::FrameRequest(Connection& connection, xcb_window_t window)
     : m_connection(&connection), m_geometry(xcb_get_geometry(connection.xcb(), window)),
+      // The geometry is relative to the frame, so the origin is translated to root coordinates.
       m_origin(xcb_translate_coordinates(connection.xcb(), window, connection.root(), 0, 0)),
       m_decoration(requestProperty(connection, window, connection.atom(Atom::NetFrameExtents),
                                    XCB_ATOM_CARDINAL, kExtentsLength)),

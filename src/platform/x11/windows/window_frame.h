@@ -9,8 +9,10 @@
 
 namespace tessarel::x11 {
 
-/// By how many pixels the visible outer frame reaches beyond a client's window, on each side. Negative where
-/// a client draws its own frame and a shadow around it.
+/// The distance in pixels from each edge of the client window to the visible outer frame.
+///
+/// Positive for decorations of the window manager (`_NET_FRAME_EXTENTS`). Negative for client-decorated
+/// windows, whose X window includes an invisible border and a shadow (`_GTK_FRAME_EXTENTS`).
 struct Extents {
     int left = 0;
     int right = 0;
@@ -20,42 +22,47 @@ struct Extents {
     bool operator==(const Extents&) const = default;
 };
 
-/// States that decide whether and how a window can be placed.
+/// The states from `_NET_WM_STATE` that decide whether and how a window can be placed.
 struct WindowStates {
     bool maximizedHorizontally = false;
     bool maximizedVertically = false;
     bool shaded = false;
-    bool hidden = false;
+    bool hidden = false; ///< minimised; metacity, mutter and marco also set it for shaded windows
     bool fullScreen = false;
 
     bool operator==(const WindowStates&) const = default;
 };
 
-/// Where a client's window is; rectangles in pixels of the root window, y down.
+/// The position and state of a client window. Rectangles are in pixels of the root window, y down.
 struct WindowFrame {
-    Rect client;
+    Rect client; ///< the X window itself
     Extents extents;
     WindowStates states;
 
-    /// The visible frame.
+    /// Returns the visible frame: what the user sees as the window, including decorations, without shadows.
+    ///
+    /// Computed from the extents instead of the frame's X window, because that includes invisible borders in
+    /// mutter and marco.
     [[nodiscard]] Rect outer() const;
 };
 
-/// Extents as a property gives them: left, right, top, bottom. Empty when they are not four plausible
-/// numbers.
+/// Decodes left, right, top and bottom extents. Returns `std::nullopt` unless there are exactly four
+/// plausible values.
 [[nodiscard]] std::optional<Extents> extentsFrom(std::span<const std::uint32_t> values);
 
-/// What counts of the two kinds of extents: shadows where the client draws them and they leave something of
-/// the window, else the manager's decoration. Never both.
+/// Returns the extents to use: the negated shadows of a client-decorated window if they are smaller than the
+/// window, else the window manager's decoration, else none. Never the sum, because a client-decorated window
+/// has no decoration by the window manager.
 [[nodiscard]] Extents effectiveExtents(std::optional<Extents> decoration, std::optional<Extents> shadows,
                                        const Size& client);
 
-/// The questions for a `WindowFrame`, sent and not answered yet. Every request is collected once.
+/// The pending requests for a `WindowFrame`. `collect` must be called once.
 class FrameRequest {
 public:
+    /// Sends the requests. `connection` must outlive this object.
     FrameRequest(Connection& connection, xcb_window_t window);
 
-    /// Empty when the window has gone.
+    /// Waits for the replies. Returns `std::nullopt` when the window does not exist.
     [[nodiscard]] std::optional<WindowFrame> collect();
 
 private:

@@ -13,21 +13,24 @@ namespace tessarel::x11 {
 
 namespace {
 
-constexpr std::uint32_t kAllDesktops = 0xFFFFFFFF;
+constexpr std::uint32_t kAllDesktops = 0xFFFFFFFF; // the _NET_WM_DESKTOP of sticky windows
 constexpr std::int64_t kApplicationLayer = 0;
-constexpr std::int64_t kFloatingLayer = 3;
+constexpr std::int64_t kFloatingLayer = 3; // any value other than 0 will do
 
+/// Requests a property that holds a single number.
 xcb_get_property_cookie_t requestNumber(Connection& connection, xcb_window_t window, Atom property) {
     return requestProperty(connection, window, connection.atom(property), XCB_ATOM_CARDINAL, 1);
 }
 
-/// The question where and how visibly a window stands, sent and not answered yet. Collected once.
+/// The pending requests for the desktop and the opacity of a window. `collect` must be called once, before
+/// the other functions.
 class AppearanceRequest {
 public:
     AppearanceRequest(Connection& connection, xcb_window_t window)
         : m_connection(connection), m_desktop(requestNumber(connection, window, Atom::NetWmDesktop)),
           m_opacity(requestNumber(connection, window, Atom::NetWmWindowOpacity)) {}
 
+    /// Waits for the replies.
     void collect() {
         const auto desktop = propertyReply(m_connection, m_desktop);
         const auto opacity = propertyReply(m_connection, m_opacity);
@@ -36,11 +39,12 @@ public:
             m_alpha = *opaque / static_cast<double>(std::numeric_limits<std::uint32_t>::max());
     }
 
-    /// Whether the window can be seen while `current` is shown. What is not said on either side excludes
-    /// nothing.
+    /// Returns whether the window is on desktop `current`. Returns true when either desktop is unknown,
+    /// because some windows and window managers do not set them.
     [[nodiscard]] bool isOn(std::optional<std::uint32_t> current) const {
         return !current || !m_desktopNumber || m_desktopNumber == current || m_desktopNumber == kAllDesktops;
     }
+    /// Returns the opacity from 0 (transparent) to 1 (opaque), or `std::nullopt` when it is not set.
     [[nodiscard]] std::optional<double> alpha() const { return m_alpha; }
 
 private:
@@ -51,6 +55,7 @@ private:
     std::optional<double> m_alpha;
 };
 
+/// Returns layer 0 for windows that a user works in, another layer for the rest.
 std::int64_t layerOf(WindowType type) {
     switch (type) {
     case WindowType::Unspecified:
@@ -73,7 +78,8 @@ X11WindowList::X11WindowList(Connection& connection, Monitors& monitors, ClientW
     : m_connection(connection), m_monitors(monitors), m_windows(windows) {}
 
 std::vector<ListedWindow> X11WindowList::onScreenWindows() {
-    const std::vector<xcb_window_t> announced = m_windows.frontToBack();
+    const std::vector<xcb_window_t> announced = m_windows.frontToBack(); // the first round trip
+    // All requests below are sent before the first reply is read: the second round trip.
     StackingRequest stacking(m_connection, announced);
     const auto currentCookie = requestNumber(m_connection, m_connection.root(), Atom::NetCurrentDesktop);
     std::unordered_map<xcb_window_t, AppearanceRequest> appearances;
@@ -88,6 +94,7 @@ std::vector<ListedWindow> X11WindowList::onScreenWindows() {
         AppearanceRequest& appearance = appearances.at(window);
         appearance.collect();
         const auto frame = m_windows.frame(window);
+        // Some window managers set HIDDEN for shaded windows too; those are still on the screen.
         const bool isMinimized = frame && frame->states.hidden && !frame->states.shaded;
         if (!frame || isMinimized || !appearance.isOn(current))
             continue;

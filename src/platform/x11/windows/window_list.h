@@ -9,13 +9,17 @@
 
 namespace tessarel::x11 {
 
-/// The managed windows of the current desktop in the window manager's stacking order.
+/// The visible managed windows of the current desktop, in the server's stacking order.
 class X11WindowList : public WindowListPort {
 public:
+    /// All referenced objects must outlive this one.
     X11WindowList(Connection& connection, Monitors& monitors, ClientWindows& windows);
 
-    /// Windows of ordinary applications are on layer 0; bars, docks, desktops, menus and the like on others.
-    /// Takes two round trips, however many windows there are.
+    /// Returns the windows front to back. Ordinary application windows are on layer 0; panels, docks,
+    /// desktops, menus and the like on another layer. Minimised windows are left out.
+    ///
+    /// Takes two round trips, however many windows there are, and one more for each further level of nested
+    /// frames.
     [[nodiscard]] std::vector<ListedWindow> onScreenWindows() override;
 
 private:

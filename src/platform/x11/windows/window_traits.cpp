@@ -12,8 +12,9 @@ namespace tessarel::x11 {
 namespace {
 
 constexpr std::uint32_t kMostTypes = 64;
-constexpr std::uint32_t kLongestName = 256; // 32-bit units
+constexpr std::uint32_t kLongestName = 256; // in 32-bit units
 
+// Types that are not in this table are skipped in favour of the next one in the client's list.
 constexpr std::array kTypes = {
     std::pair(Atom::NetWmWindowTypeNormal, WindowType::Normal),
     std::pair(Atom::NetWmWindowTypeDialog, WindowType::Dialog),
@@ -31,12 +32,14 @@ constexpr std::array kTypes = {
     std::pair(Atom::NetWmWindowTypeTooltip, WindowType::Other),
 };
 
+/// Returns the value as a process id if it can be one.
 std::optional<ProcessId> plausiblePid(std::optional<std::uint32_t> value) {
     const bool isPlausible =
         value && *value > 0 && *value <= std::uint32_t{std::numeric_limits<ProcessId>::max()};
     return isPlausible ? std::optional(static_cast<ProcessId>(*value)) : std::nullopt;
 }
 
+/// Returns the first process id in the reply. XRes replies with a list of client ids of any kind.
 std::optional<std::uint32_t> pidIn(const xcb_res_query_client_ids_reply_t* reply) {
     if (!reply)
         return std::nullopt;
@@ -115,7 +118,8 @@ std::optional<ProcessId> PidRequest::collect() {
     if (m_client) {
         const auto ids = m_connection->reply<xcb_res_query_client_ids_reply>(*m_client);
         const auto pid = plausiblePid(pidIn(ids.get()));
-        // The server tells whose a number would be before there is a window of that number.
+        // XRes derives the client from the id's range, so it replies even for an id without a window. The
+        // property's reply is null in that case.
         if (pid && claim)
             return pid;
     }

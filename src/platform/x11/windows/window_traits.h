@@ -12,29 +12,32 @@
 
 namespace tessarel::x11 {
 
-/// What a client says its window is for.
+/// The functional type of a window (`_NET_WM_WINDOW_TYPE`). `Other` covers docks, desktops, pop-up menus,
+/// tooltips and everything else that a user does not work in.
 enum class WindowType { Unspecified, Normal, Dialog, Utility, Splash, Toolbar, Menu, Other };
 
-/// What stays the same about a window while it is open. Names are UTF-8.
+/// Properties of a window that stay the same while it is open. Strings are UTF-8.
 struct WindowTraits {
     WindowType type = WindowType::Unspecified;
-    bool isTransient = false;                 ///< belongs to another window
-    std::optional<std::string> applicationId; ///< what it says that its application is called; never empty
-    std::optional<std::string> windowClass;   ///< never empty
+    bool isTransient = false; ///< WM_TRANSIENT_FOR names another window
+    /// `_GTK_APPLICATION_ID`, else `_KDE_NET_WM_DESKTOP_FILE`; never an empty string.
+    std::optional<std::string> applicationId;
+    std::optional<std::string> windowClass; ///< from WM_CLASS; never an empty string
 };
 
-/// The first type in a client's list that we know, most wanted first.
+/// Returns the first known type in `_NET_WM_WINDOW_TYPE`, which clients sort by preference, or `Unspecified`.
 [[nodiscard]] WindowType typeFrom(const Connection& connection, std::span<const std::uint32_t> atoms);
 
-/// The class, which is the second of the two strings of WM_CLASS; empty when it is missing.
+/// Returns the class, which is the second of the two strings in WM_CLASS; empty when it is missing.
 [[nodiscard]] std::string classFrom(const std::string& wmClass);
 
-/// The questions for `WindowTraits`, sent and not answered yet. Every request is collected once.
+/// The pending requests for `WindowTraits`. `collect` must be called once.
 class TraitsRequest {
 public:
+    /// Sends the requests. `connection` must outlive this object.
     TraitsRequest(Connection& connection, xcb_window_t window);
 
-    /// A window that has gone has no traits.
+    /// Waits for the replies. Returns default values when the window does not exist.
     [[nodiscard]] WindowTraits collect();
 
 private:
@@ -49,19 +52,23 @@ private:
     xcb_get_property_cookie_t m_class;
 };
 
-/// The question for the process that owns a window. Every request is collected once.
+/// The pending requests for the process that owns a window. `collect` must be called once.
 class PidRequest {
 public:
+    /// Sends the requests. `connection` must outlive this object.
     PidRequest(Connection& connection, xcb_window_t window);
 
-    /// The process as the server sees it, which cannot be forged; what the window claims where the server
-    /// cannot tell, as for a client on another machine.
+    /// Waits for the replies and returns the process id.
+    ///
+    /// Prefers the id that the server knows from XRes, which cannot be forged and does not depend on the
+    /// client. Falls back to `_NET_WM_PID` where the server has none, as for a client on another machine.
+    /// Returns `std::nullopt` when neither is known or the window does not exist.
     [[nodiscard]] std::optional<ProcessId> collect();
 
 private:
     Connection* m_connection;
     std::optional<xcb_res_query_client_ids_cookie_t> m_client;
-    xcb_get_property_cookie_t m_claim;
+    xcb_get_property_cookie_t m_claim; ///< `_NET_WM_PID`
 };
 
 } // namespace tessarel::x11

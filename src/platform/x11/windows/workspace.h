@@ -11,16 +11,17 @@
 
 namespace tessarel::x11 {
 
-/// The programs on the desktop: processes that own managed windows.
+/// The applications on the desktop, where an application is a process that owns managed windows.
 class X11Workspace : public WorkspacePort {
 public:
+    /// Both references must outlive this object.
     X11Workspace(Applications& applications, ApplicationWatch& watch);
 
-    /// The owner of the active window.
+    /// Returns the owner of the active window, or `std::nullopt` when no window is active.
     [[nodiscard]] std::optional<RunningApplication> frontmostApplication() override;
     [[nodiscard]] std::optional<RunningApplication> runningApplication(ProcessId pid) override;
     [[nodiscard]] std::vector<RunningApplication> runningApplications() override;
-    /// The name that its desktop entry gives it in the user's language.
+    /// Returns the name from the application's desktop entry, in the user's language.
     [[nodiscard]] std::optional<std::string> displayName(const std::string& bundleIdentifier) override;
     [[nodiscard]] SubscriptionPtr
     addObserver(ApplicationEvent event, std::function<void(const RunningApplication&)> handler) override;
