@@ -10,13 +10,14 @@ namespace tessarel {
 
 namespace {
 
-/// Writes the picture of `points` at `scale` pixels for each, under the name that the maker of icons expects.
+/// Writes the icon of `points` points at `scale` pixels per point, under the file name that iconutil expects.
 bool write(const QDir& folder, int points, int scale) {
     const QString suffix = scale == 1 ? QString() : QStringLiteral("@%1x").arg(scale);
     const QString name = QStringLiteral("icon_%1x%1%2.png").arg(points).arg(suffix);
     return drawIcon(points * scale).save(folder.filePath(name), "PNG");
 }
 
+/// Writes all sizes; returns false when a file cannot be written.
 bool writeAll(const QDir& folder) {
     if (!folder.mkpath(QStringLiteral(".")))
         return false;
@@ -31,7 +32,7 @@ bool writeAll(const QDir& folder) {
 
 } // namespace tessarel
 
-/// draw_icon FOLDER: the program's icon in all sizes that a Mac asks for, as an icon set.
+/// draw_icon FOLDER: writes the program's icon as an icon set, in all sizes that macOS uses.
 int main(int argumentCount, char** arguments) {
     if (argumentCount != 2) {
         std::fputs("usage: draw_icon FOLDER\n", stderr);

@@ -9,7 +9,8 @@ namespace tessarel {
 
 namespace {
 
-/// Icons are designed on a square of this many units, of which the plate leaves a tenth free on all sides.
+/// Side of the square, in units, on which the icon is designed. The plate leaves about a tenth free on each
+/// side.
 constexpr double kDesign = 1024;
 constexpr QRectF kPlate(100, 100, 824, 824);
 constexpr double kPlateRadius = 185;
@@ -18,6 +19,7 @@ constexpr QRectF kUpperTile(532, 262, 262, 230);
 constexpr QRectF kLowerTile(532, 532, 262, 230);
 constexpr double kTileRadius = 44;
 
+/// Fills a rounded rectangle with a vertical gradient.
 void paint(QPainter& painter, const QRectF& shape, double radius, const QColor& top, const QColor& bottom) {
     QLinearGradient gradient(shape.topLeft(), shape.bottomLeft());
     gradient.setColorAt(0, top);

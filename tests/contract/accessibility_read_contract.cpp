@@ -30,13 +30,13 @@ TEST_F(AccessibilityReadContract, AWindowsFrameIsItsVisibleOuterFrame) {
     EXPECT_EQ(axFrame, (Rect{200, 150, 640, 480}));
 }
 
-TEST_F(AccessibilityReadContract, AWindowOfTheSecondDisplayIsMeasuredFromThePrimaryOne) {
+TEST_F(AccessibilityReadContract, PositionsOnTheSecondDisplayAreRelativeToThePrimaryDisplay) {
     const auto window = openWindow({.axFrame = {1600, 500, 640, 480}});
 
     EXPECT_EQ(readFrame(desktop->element(window)), (Rect{1600, 500, 640, 480}));
 }
 
-TEST_F(AccessibilityReadContract, AnOrdinaryWindowSaysThatItIsOne) {
+TEST_F(AccessibilityReadContract, AnOrdinaryWindowHasTheRoleAndSubroleOfAStandardWindow) {
     const Element window = desktop->element(openWindow());
 
     EXPECT_EQ(read<std::string>(window, attribute::kRole), "AXWindow");
@@ -45,14 +45,14 @@ TEST_F(AccessibilityReadContract, AnOrdinaryWindowSaysThatItIsOne) {
     EXPECT_FALSE(read<bool>(window, attribute::kFullScreen).value_or(false));
 }
 
-TEST_F(AccessibilityReadContract, AMinimizedWindowSaysSo) {
+TEST_F(AccessibilityReadContract, AMinimizedWindowReportsThatItIsMinimized) {
     const auto window = openWindow();
     desktop->minimize(window);
 
     EXPECT_EQ(read<bool>(desktop->element(window), attribute::kMinimized), true);
 }
 
-TEST_F(AccessibilityReadContract, AFullScreenWindowSaysSo) {
+TEST_F(AccessibilityReadContract, AFullScreenWindowReportsThatItIsFullScreen) {
     const auto window = openWindow();
     desktop->enterFullScreen(window);
 
@@ -66,14 +66,14 @@ TEST_F(AccessibilityReadContract, AnUnknownAttributeHasNoValue) {
     EXPECT_FALSE(desktop->accessibility().copyAttribute(window, ""));
 }
 
-TEST_F(AccessibilityReadContract, AnElementThatNamesNothingHasNoValue) {
+TEST_F(AccessibilityReadContract, AnElementWithoutAHandleHasNoValues) {
     const Element nothing;
 
     EXPECT_FALSE(desktop->accessibility().copyAttribute(nothing, attribute::kPosition));
     EXPECT_FALSE(desktop->accessibility().pid(nothing));
 }
 
-TEST_F(AccessibilityReadContract, TheFocusedWindowIsTheOneThatTheUserChose) {
+TEST_F(AccessibilityReadContract, TheFocusedWindowIsTheOneWithTheKeyboardFocus) {
     const auto application = desktop->launchApplication("org.example.editor");
     const auto first = desktop->openWindow(application, {});
     const auto second = desktop->openWindow(application, {});
@@ -98,7 +98,7 @@ TEST_F(AccessibilityReadContract, AnApplicationListsItsOwnWindowsFrontToBack) {
     EXPECT_EQ(keysOfWindows(application), (std::vector{key(first), key(second)}));
 }
 
-TEST_F(AccessibilityReadContract, TheSameWindowHasTheSameKeyAndAnotherOneAnother) {
+TEST_F(AccessibilityReadContract, AWindowKeepsItsKeyAndDifferentWindowsHaveDifferentKeys) {
     const auto first = openWindow();
     const auto second = openWindow();
     const auto keyOfFirst = key(first);
@@ -110,7 +110,7 @@ TEST_F(AccessibilityReadContract, TheSameWindowHasTheSameKeyAndAnotherOneAnother
     EXPECT_EQ(key(first), keyOfFirst);
 }
 
-TEST_F(AccessibilityReadContract, AnElementKnowsItsProcess) {
+TEST_F(AccessibilityReadContract, AnElementHasTheProcessIdOfItsOwner) {
     const auto application = desktop->launchApplication("org.example.editor");
     const auto window = desktop->openWindow(application, {});
     const ProcessId pid = desktop->pid(application);
@@ -128,7 +128,7 @@ TEST_F(AccessibilityReadContract, AClosedWindowHasNoValues) {
         EXPECT_FALSE(desktop->accessibility().copyAttribute(element, name)) << name;
 }
 
-TEST_F(AccessibilityReadContract, AClosedWindowIsNobodyElses) {
+TEST_F(AccessibilityReadContract, AClosedWindowIsNotAttributedToAnotherProcess) {
     const auto application = desktop->launchApplication("org.example.editor");
     const auto window = desktop->openWindow(application, {});
     const Element element = desktop->element(window);
@@ -150,7 +150,7 @@ TEST_F(AccessibilityReadContract, AKilledApplicationHasNoValues) {
         read<std::vector<Element>>(element, attribute::kWindows).value_or(std::vector<Element>{}).empty());
 }
 
-TEST_F(AccessibilityReadContract, AProcessThatNeverWasHasNoValues) {
+TEST_F(AccessibilityReadContract, AnInvalidProcessIdHasNoValues) {
     const Element element = desktop->accessibility().application(-1);
 
     EXPECT_FALSE(desktop->accessibility().copyAttribute(element, attribute::kFocusedWindow));

@@ -10,7 +10,7 @@ constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
 class AccessibilityWriteContract : public ContractTest {};
 
-TEST_F(AccessibilityWriteContract, AWindowGoesWhereItIsTold) {
+TEST_F(AccessibilityWriteContract, AWindowTakesTheFrameThatIsWritten) {
     const auto window = openWindow();
 
     writeFrame(desktop->element(window), {725, 33, 707, 859});
@@ -19,7 +19,7 @@ TEST_F(AccessibilityWriteContract, AWindowGoesWhereItIsTold) {
     EXPECT_EQ(desktop->actualFrame(window), (Rect{725, 33, 707, 859}));
 }
 
-TEST_F(AccessibilityWriteContract, AWindowGoesToTheOtherDisplay) {
+TEST_F(AccessibilityWriteContract, AWindowMovesToTheOtherDisplay) {
     const auto window = openWindow();
 
     writeFrame(desktop->element(window), {2000, 512, 560, 512});
@@ -27,7 +27,7 @@ TEST_F(AccessibilityWriteContract, AWindowGoesToTheOtherDisplay) {
     EXPECT_EQ(readFrame(desktop->element(window)), (Rect{2000, 512, 560, 512}));
 }
 
-TEST_F(AccessibilityWriteContract, WritesHappenEvenWhenNobodyReadsBack) {
+TEST_F(AccessibilityWriteContract, WritesTakeEffectWithoutARead) {
     const auto window = openWindow();
 
     writeFrame(desktop->element(window), {100, 120, 700, 500});
@@ -36,7 +36,7 @@ TEST_F(AccessibilityWriteContract, WritesHappenEvenWhenNobodyReadsBack) {
     EXPECT_EQ(desktop->actualFrame(window), (Rect{100, 120, 700, 500}));
 }
 
-TEST_F(AccessibilityWriteContract, TheSameFrameAgainChangesNothing) {
+TEST_F(AccessibilityWriteContract, WritingTheSameFrameAgainChangesNothing) {
     const auto window = openWindow();
     writeFrame(desktop->element(window), {100, 120, 700, 500});
     ASSERT_EQ(readFrame(desktop->element(window)), (Rect{100, 120, 700, 500}));
@@ -46,7 +46,7 @@ TEST_F(AccessibilityWriteContract, TheSameFrameAgainChangesNothing) {
     EXPECT_EQ(readFrame(desktop->element(window)), (Rect{100, 120, 700, 500}));
 }
 
-TEST_F(AccessibilityWriteContract, APositionAloneKeepsTheSize) {
+TEST_F(AccessibilityWriteContract, WritingThePositionKeepsTheSize) {
     const auto window = openWindow({.axFrame = {200, 150, 640, 480}});
 
     desktop->accessibility().setAttribute(desktop->element(window), attribute::kPosition, Point{300, 350});
@@ -54,7 +54,7 @@ TEST_F(AccessibilityWriteContract, APositionAloneKeepsTheSize) {
     EXPECT_EQ(readFrame(desktop->element(window)), (Rect{300, 350, 640, 480}));
 }
 
-TEST_F(AccessibilityWriteContract, ASizeAloneKeepsThePosition) {
+TEST_F(AccessibilityWriteContract, WritingTheSizeKeepsThePosition) {
     const auto window = openWindow({.axFrame = {200, 150, 640, 480}});
 
     desktop->accessibility().setAttribute(desktop->element(window), attribute::kSize, Size{500, 400});
@@ -71,7 +71,7 @@ TEST_F(AccessibilityWriteContract, TheLastWriteWins) {
     EXPECT_EQ(readFrame(window), (Rect{500, 200, 600, 400}));
 }
 
-TEST_F(AccessibilityWriteContract, WritesToTwoWindowsDoNotMix) {
+TEST_F(AccessibilityWriteContract, WritesToTwoWindowsAreIndependent) {
     const Element first = desktop->element(openWindow());
     const Element second = desktop->element(openWindow());
 
@@ -82,7 +82,7 @@ TEST_F(AccessibilityWriteContract, WritesToTwoWindowsDoNotMix) {
     EXPECT_EQ(readFrame(second), (Rect{500, 200, 600, 400}));
 }
 
-TEST_F(AccessibilityWriteContract, AWindowKeepsItsMinimumSize) {
+TEST_F(AccessibilityWriteContract, AWindowIsNotMadeSmallerThanItsMinimumSize) {
     const auto window = openWindow({.axFrame = {200, 150, 640, 480}, .minimumSize = {500, 400}});
 
     writeFrame(desktop->element(window), {20, 40, 300, 200});
@@ -91,7 +91,7 @@ TEST_F(AccessibilityWriteContract, AWindowKeepsItsMinimumSize) {
     EXPECT_EQ(desktop->actualFrame(window), (Rect{20, 40, 500, 400}));
 }
 
-TEST_F(AccessibilityWriteContract, AWindowOfFixedSizeOnlyMoves) {
+TEST_F(AccessibilityWriteContract, AWindowOfFixedSizeMovesButKeepsItsSize) {
     const auto window = openWindow({.axFrame = {200, 150, 640, 480}, .resizable = false});
 
     writeFrame(desktop->element(window), {20, 40, 900, 700});
@@ -99,7 +99,7 @@ TEST_F(AccessibilityWriteContract, AWindowOfFixedSizeOnlyMoves) {
     EXPECT_EQ(readFrame(desktop->element(window)), (Rect{20, 40, 640, 480}));
 }
 
-TEST_F(AccessibilityWriteContract, ValuesThatCannotBeExpressedAreNotWritten) {
+TEST_F(AccessibilityWriteContract, ValuesThatAreNotFiniteAreNotWritten) {
     const auto window = openWindow({.axFrame = {200, 150, 640, 480}});
     const Element element = desktop->element(window);
 
@@ -125,7 +125,7 @@ TEST_F(AccessibilityWriteContract, OnlyFiniteFramesCanBeExpressed) {
     }
 }
 
-TEST_F(AccessibilityWriteContract, AValueOfTheWrongKindIsNotWritten) {
+TEST_F(AccessibilityWriteContract, AValueOfTheWrongTypeIsNotWritten) {
     const auto window = openWindow({.axFrame = {200, 150, 640, 480}});
     const Element element = desktop->element(window);
 
@@ -136,7 +136,7 @@ TEST_F(AccessibilityWriteContract, AValueOfTheWrongKindIsNotWritten) {
     EXPECT_EQ(readFrame(element), (Rect{200, 150, 640, 480}));
 }
 
-TEST_F(AccessibilityWriteContract, WritesToWhatIsGoneAreIgnored) {
+TEST_F(AccessibilityWriteContract, WritesToClosedWindowsAreIgnored) {
     const auto application = desktop->launchApplication("org.example.editor");
     const auto window = desktop->openWindow(application, {});
     const Element closed = desktop->element(window);
@@ -152,7 +152,7 @@ TEST_F(AccessibilityWriteContract, WritesToWhatIsGoneAreIgnored) {
     EXPECT_EQ(readFrame(desktop->element(bystander)), (Rect{200, 150, 640, 480}));
 }
 
-TEST_F(AccessibilityWriteContract, AWindowThatClosesBetweenWriteAndReadIsSimplyGone) {
+TEST_F(AccessibilityWriteContract, AWindowThatClosesBetweenWriteAndReadHasNoFrame) {
     const auto window = openWindow();
     const Element element = desktop->element(window);
 

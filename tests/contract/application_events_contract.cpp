@@ -6,7 +6,7 @@
 namespace tessarel::contract {
 namespace {
 
-/// Hears of everything that happens to applications.
+/// Records all application events.
 class ApplicationEventsContract : public ContractTest {
 protected:
     struct Told {
@@ -24,7 +24,7 @@ protected:
                 }));
     }
 
-    /// How often `event` has been told of the process.
+    /// Returns how often `event` has been reported for the process.
     [[nodiscard]] auto count(ApplicationEvent event, ProcessId pid) const {
         return std::count_if(told.begin(), told.end(), [&](const Told& one) {
             return one.event == event && one.application.processIdentifier == pid;
@@ -35,7 +35,7 @@ protected:
     std::vector<SubscriptionPtr> observers;
 };
 
-TEST_F(ApplicationEventsContract, ALaunchIsToldWithTheFirstWindowAtTheLatest) {
+TEST_F(ApplicationEventsContract, ALaunchIsReportedAtTheFirstWindowAtTheLatest) {
     const auto editor = desktop->launchApplication("org.example.editor");
     (void)desktop->openWindow(editor, {});
 
@@ -43,7 +43,7 @@ TEST_F(ApplicationEventsContract, ALaunchIsToldWithTheFirstWindowAtTheLatest) {
     EXPECT_EQ(std::count(told.begin(), told.end(), launch), 1);
 }
 
-TEST_F(ApplicationEventsContract, AnotherWindowIsNoLaunch) {
+TEST_F(ApplicationEventsContract, ASecondWindowIsNotReportedAsALaunch) {
     const auto editor = desktop->launchApplication("org.example.editor");
     desktop->closeWindow(desktop->openWindow(editor, {}));
     (void)desktop->openWindow(editor, {});
@@ -52,7 +52,7 @@ TEST_F(ApplicationEventsContract, AnotherWindowIsNoLaunch) {
     EXPECT_EQ(count(ApplicationEvent::Terminated, desktop->pid(editor)), 0);
 }
 
-TEST_F(ApplicationEventsContract, EachProcessOfAProgramIsLaunched) {
+TEST_F(ApplicationEventsContract, EachProcessOfAnApplicationIsReportedAsALaunch) {
     const auto first = desktop->launchApplication("org.example.editor");
     const auto second = desktop->launchApplication("org.example.editor");
     (void)desktop->openWindow(first, {});
@@ -62,7 +62,7 @@ TEST_F(ApplicationEventsContract, EachProcessOfAProgramIsLaunched) {
     EXPECT_EQ(count(ApplicationEvent::Launched, desktop->pid(second)), 1);
 }
 
-TEST_F(ApplicationEventsContract, WhatComesToTheFrontIsActivated) {
+TEST_F(ApplicationEventsContract, AnApplicationThatComesToTheFrontIsReportedAsActivated) {
     const auto editor = desktop->launchApplication("org.example.editor");
     const auto mail = desktop->launchApplication("org.example.mail");
     const auto editorWindow = desktop->openWindow(editor, {});
@@ -76,7 +76,7 @@ TEST_F(ApplicationEventsContract, WhatComesToTheFrontIsActivated) {
               (std::vector{Told{ApplicationEvent::Activated, {desktop->pid(mail), "org.example.mail"}}}));
 }
 
-TEST_F(ApplicationEventsContract, AnotherWindowOfTheSameApplicationIsNoActivation) {
+TEST_F(ApplicationEventsContract, AFocusChangeWithinAnApplicationIsNoActivation) {
     const auto editor = desktop->launchApplication("org.example.editor");
     const auto first = desktop->openWindow(editor, {});
     const auto second = desktop->openWindow(editor, {});
@@ -88,7 +88,7 @@ TEST_F(ApplicationEventsContract, AnotherWindowOfTheSameApplicationIsNoActivatio
     EXPECT_TRUE(told.empty());
 }
 
-TEST_F(ApplicationEventsContract, AnEndIsToldOfTheApplicationAsItWas) {
+TEST_F(ApplicationEventsContract, ATerminationIsReportedWithProcessIdAndIdentifier) {
     const auto editor = desktop->launchApplication("org.example.editor");
     (void)desktop->openWindow(editor, {});
     const ProcessId pid = desktop->pid(editor);
@@ -99,7 +99,7 @@ TEST_F(ApplicationEventsContract, AnEndIsToldOfTheApplicationAsItWas) {
     EXPECT_EQ(told, (std::vector{Told{ApplicationEvent::Terminated, {pid, "org.example.editor"}}}));
 }
 
-TEST_F(ApplicationEventsContract, AnObserverThatHasGoneHearsNothing) {
+TEST_F(ApplicationEventsContract, NothingIsReportedAfterTheSubscriptionIsDestroyed) {
     observers.clear();
 
     const auto editor = desktop->launchApplication("org.example.editor");
@@ -109,7 +109,7 @@ TEST_F(ApplicationEventsContract, AnObserverThatHasGoneHearsNothing) {
     EXPECT_TRUE(told.empty());
 }
 
-TEST_F(ApplicationEventsContract, AllThatRunAreListed) {
+TEST_F(ApplicationEventsContract, EveryRunningApplicationIsListedOnce) {
     const auto editor = desktop->launchApplication("org.example.editor");
     const auto mail = desktop->launchApplication("org.example.mail");
     (void)desktop->openWindow(editor, {});
@@ -125,7 +125,7 @@ TEST_F(ApplicationEventsContract, AllThatRunAreListed) {
               1);
 }
 
-/// Hears of the windows that one application opens.
+/// Records the windows that an application with one window opens.
 class WindowCreatedContract : public ContractTest {
 protected:
     [[nodiscard]] SubscriptionPtr observe(AppHandle application) {
@@ -151,7 +151,7 @@ TEST_F(WindowCreatedContract, ANewWindowIsReported) {
     EXPECT_EQ(accessibility.pid(created.front()), desktop->pid(editor));
 }
 
-TEST_F(WindowCreatedContract, WindowsOfOthersAreNotReported) {
+TEST_F(WindowCreatedContract, WindowsOfOtherApplicationsAreNotReported) {
     const auto observer = observe(editor);
 
     (void)desktop->openWindow(desktop->launchApplication("org.example.mail"), {});
@@ -159,7 +159,7 @@ TEST_F(WindowCreatedContract, WindowsOfOthersAreNotReported) {
     EXPECT_TRUE(created.empty());
 }
 
-TEST_F(WindowCreatedContract, NothingElseThatHappensToAWindowIsReported) {
+TEST_F(WindowCreatedContract, FocusMinimizeAndCloseAreNotReported) {
     const auto observer = observe(editor);
 
     desktop->focus(first);
@@ -169,7 +169,7 @@ TEST_F(WindowCreatedContract, NothingElseThatHappensToAWindowIsReported) {
     EXPECT_TRUE(created.empty());
 }
 
-TEST_F(WindowCreatedContract, NothingIsReportedAfterTheEnd) {
+TEST_F(WindowCreatedContract, NothingIsReportedAfterTheSubscriptionIsDestroyed) {
     auto observer = observe(editor);
     observer.reset();
 
@@ -178,7 +178,7 @@ TEST_F(WindowCreatedContract, NothingIsReportedAfterTheEnd) {
     EXPECT_TRUE(created.empty());
 }
 
-TEST_F(WindowCreatedContract, WhoHasGoneCannotBeObserved) {
+TEST_F(WindowCreatedContract, ATerminatedApplicationCannotBeObserved) {
     desktop->killApplication(editor);
 
     EXPECT_FALSE(observe(editor));
@@ -191,7 +191,7 @@ TEST_F(WindowCreatedContract, ThisProgramCannotBeObserved) {
     EXPECT_FALSE(accessibility.onWindowCreated(own, [](const Element&) {}));
 }
 
-/// Hears of the end of one window of an application that has two.
+/// Counts the closes reported for one window of an application that has two.
 class WindowClosedContract : public ContractTest {
 protected:
     [[nodiscard]] SubscriptionPtr observe(WindowHandle observed) {
@@ -204,7 +204,7 @@ protected:
     int closed = 0;
 };
 
-TEST_F(WindowClosedContract, TheEndOfTheWindowIsReportedOnce) {
+TEST_F(WindowClosedContract, TheCloseIsReportedOnce) {
     const auto observer = observe(window);
     ASSERT_TRUE(observer);
 
@@ -214,7 +214,7 @@ TEST_F(WindowClosedContract, TheEndOfTheWindowIsReportedOnce) {
     EXPECT_EQ(closed, 1);
 }
 
-TEST_F(WindowClosedContract, TheEndOfItsProcessIsTheEndOfTheWindow) {
+TEST_F(WindowClosedContract, TheEndOfTheProcessIsReportedAsAClose) {
     const auto observer = observe(window);
 
     desktop->killApplication(editor);
@@ -222,7 +222,7 @@ TEST_F(WindowClosedContract, TheEndOfItsProcessIsTheEndOfTheWindow) {
     EXPECT_EQ(closed, 1);
 }
 
-TEST_F(WindowClosedContract, NothingElseThatHappensIsReported) {
+TEST_F(WindowClosedContract, OtherChangesAreNotReported) {
     const auto observer = observe(window);
 
     desktop->closeWindow(other);
@@ -233,7 +233,7 @@ TEST_F(WindowClosedContract, NothingElseThatHappensIsReported) {
     EXPECT_EQ(closed, 0);
 }
 
-TEST_F(WindowClosedContract, AnObserverThatHasGoneHearsNothing) {
+TEST_F(WindowClosedContract, NothingIsReportedAfterTheSubscriptionIsDestroyed) {
     auto observer = observe(window);
     observer.reset();
 
@@ -242,7 +242,7 @@ TEST_F(WindowClosedContract, AnObserverThatHasGoneHearsNothing) {
     EXPECT_EQ(closed, 0);
 }
 
-TEST_F(WindowClosedContract, AnObserverMayEndItselfWhenCalled) {
+TEST_F(WindowClosedContract, AHandlerMayDestroyItsSubscription) {
     SubscriptionPtr observer;
     observer = desktop->accessibility().onWindowClosed(desktop->element(window), [&] {
         ++closed;
@@ -254,7 +254,7 @@ TEST_F(WindowClosedContract, AnObserverMayEndItselfWhenCalled) {
     EXPECT_EQ(closed, 1);
 }
 
-TEST_F(WindowClosedContract, OnlyWindowsClose) {
+TEST_F(WindowClosedContract, OnlyWindowsCanBeObserved) {
     AccessibilityPort& accessibility = desktop->accessibility();
 
     for (const Element& element :

@@ -21,28 +21,28 @@
 
 namespace tessarel::contract {
 
-/// An application started on the desktop under test.
+/// Handle of an application on the desktop under test.
 struct AppHandle {
     int number = 0;
 };
 
-/// A window opened on the desktop under test.
+/// Handle of a window on the desktop under test.
 struct WindowHandle {
     int number = 0;
 };
 
 struct WindowOptions {
     Rect axFrame{200, 150, 640, 480}; ///< visible outer frame
-    Size minimumSize{};               ///< outer size below which the window does not shrink; none when empty
+    Size minimumSize{};               ///< smallest outer size; no limit when empty
     bool resizable = true;            ///< false: the size never changes
 };
 
-/// A desktop, fresh for every case, that one back end works on: the back end's ports, and what a person and
-/// other programs can do to the desktop without them.
+/// A desktop with the back end under test, new for every test: the back end's ports, and functions that act
+/// as the user and as other programs.
 ///
-/// It has two displays, `kPrimary` and to its right `kSecond`, no panel, no window and no focus. Everything
-/// done through the calls of the lower half has happened, and the back end has heard of it, when the call
-/// returns. Rectangles are in accessibility coordinates.
+/// At first it has two displays, `kPrimary` and to its right `kSecond`, but no panel, no window and no focus.
+/// The functions that act on the desktop return once the change has happened and the back end has received
+/// all events about it. Rectangles are in accessibility coordinates.
 class ContractDesktop {
 public:
     static constexpr Rect kPrimary{0, 0, 1440, 900};
@@ -61,63 +61,64 @@ public:
     virtual MousePort& mouse() = 0;
     virtual TrustPort& trust() = 0;
     virtual WorkspacePort& workspace() = 0;
-    /// A main queue of its own, on the clock that `advance` turns.
+    /// Returns a new main queue on the clock that `advance` moves.
     [[nodiscard]] virtual std::unique_ptr<MainQueuePort> makeMainQueue() = 0;
-    /// The preferences as a start of the program finds them; all of them share what is stored.
+    /// Returns the preferences as the program opens them at launch. All returned objects share one storage.
     [[nodiscard]] virtual std::unique_ptr<PreferencesPort> makePreferences() = 0;
-    /// One more copy of the program on this desktop.
+    /// Returns the single-instance port of one more copy of the program on this desktop.
     [[nodiscard]] virtual std::unique_ptr<SingleInstancePort> makeCopy() = 0;
 
-    /// Installs an application that goes by `displayName`.
+    /// Installs an application with this bundle identifier and display name.
     virtual void installApplication(const std::string& bundleIdentifier, const std::string& displayName) = 0;
-    /// A program whose windows carry `bundleIdentifier`, or nothing to know it by. It counts as running once
-    /// it has a window.
+    /// Starts an application with this bundle identifier, or with none. It may count as running only once it
+    /// has a window.
     virtual AppHandle launchApplication(const std::optional<std::string>& bundleIdentifier) = 0;
     virtual ProcessId pid(AppHandle application) = 0;
-    /// The window's element as the back end under test knows it; may be asked for while the window exists.
+    /// Returns the back end's element for `window`, which must exist.
     virtual Element element(WindowHandle window) = 0;
-    /// Where the window really is, seen without the back end.
+    /// Returns the actual frame of the window, read without the back end.
     virtual Rect actualFrame(WindowHandle window) = 0;
 
-    /// Opens a window on top of the others. Which window has the focus afterwards is not said.
+    /// Opens a window on top of the others. It is unspecified which window has the focus afterwards.
     virtual WindowHandle openWindow(AppHandle application, const WindowOptions& options) = 0;
     /// Gives the window the keyboard focus and brings it to the front.
     virtual void focus(WindowHandle window) = 0;
-    /// Gives the keyboard focus to a window of the program under test, which is opened when there is none.
+    /// Gives the keyboard focus to a window of the program under test. Opens one if there is none.
     virtual void focusOwnWindow() = 0;
     virtual void minimize(WindowHandle window) = 0;
     virtual void enterFullScreen(WindowHandle window) = 0;
     virtual void closeWindow(WindowHandle window) = 0;
-    /// Ends the process without a chance to tidy up.
+    /// Kills the process, which cannot close its windows itself.
     virtual void killApplication(AppHandle application) = 0;
 
-    /// A bar `height` high along the top edge of the primary display, which windows are to leave free.
+    /// Adds a panel of this height along the top edge of the primary display, which reserves its area.
     virtual void addPanel(double height) = 0;
     virtual void disconnectSecondDisplay() = 0;
 
     /// Presses and releases a key, given as in `HotKeyRequest`.
     virtual void pressKeys(std::uint32_t keyCode, std::uint32_t mods) = 0;
-    /// Moves the pointer, with whatever buttons are down. At first none is, nor any modifier.
+    /// Moves the pointer; buttons and modifiers stay as they are. At first none is held.
     virtual void movePointer(const Point& axPoint) = 0;
     virtual void pressLeftButton() = 0;
     virtual void releaseLeftButton() = 0;
     /// Holds exactly the modifiers of `modifierFlags`, the flags of `ModifierFlags`.
     virtual void holdModifiers(std::uint64_t modifierFlags) = 0;
-    /// Whether a combination that one program has claimed is then that program's alone.
+    /// Returns whether only one program at a time can claim a combination.
     [[nodiscard]] virtual bool hotKeysAreExclusive() const { return true; }
-    /// Another program claims the combination, until the answer ends.
+    /// Has another program claim the combination until the returned subscription is destroyed. Null when that
+    /// program's claim is refused.
     [[nodiscard]] virtual SubscriptionPtr holdByAnotherProgram(std::uint32_t keyCode, std::uint32_t mods) = 0;
 
-    /// The bytes that the preferences have kept as a copy of a rejected document; empty when there is none.
+    /// Returns the copy of the rejected document under `key`; empty when there is none.
     virtual std::optional<std::string> rejectedCopy(std::string_view key) = 0;
 
-    /// Runs the loop until all that was asked for has been done and heard of.
+    /// Runs the loop until every pending request has been carried out and its events have been delivered.
     virtual void settle() = 0;
-    /// Runs the loop for `duration` of the main queues' time, and what falls due in it.
+    /// Runs the loop for `duration` on the main queues' clock, with the work that becomes due.
     virtual void advance(MainQueuePort::Duration duration) = 0;
 };
 
-/// The desktop of the back end under test. Each program that runs the suite defines it once.
+/// Returns the desktop of the back end under test. Every test program that links the suite defines it.
 [[nodiscard]] std::unique_ptr<ContractDesktop> makeContractDesktop();
 
 } // namespace tessarel::contract

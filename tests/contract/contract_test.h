@@ -17,10 +17,10 @@ inline constexpr std::uint32_t kKey1 = 18;
 inline constexpr std::uint32_t kKey2 = 19;
 inline constexpr std::uint32_t kKeyC = 8;
 
-/// A fresh desktop per case, with short ways to read what the cases ask for again and again.
+/// Base of the contract tests: a new desktop for every test, with helpers to read and write windows.
 class ContractTest : public ::testing::Test {
 protected:
-    /// For cases about combinations that another program has claimed.
+    /// Skips a test of combinations that another program has claimed, on a desktop where programs share them.
     void skipUnlessHotKeysAreExclusive() {
         if (!desktop->hotKeysAreExclusive())
             GTEST_SKIP() << "programs share their hot keys on this desktop";
@@ -30,6 +30,7 @@ protected:
         return desktop->openWindow(desktop->launchApplication("org.example.editor"), options);
     }
 
+    /// Returns the attribute's value; empty when it has none or is not of type `Value`.
     template <typename Value>
     [[nodiscard]] std::optional<Value> read(const Element& element, std::string_view attribute) {
         const auto value = desktop->accessibility().copyAttribute(element, attribute);
@@ -37,7 +38,7 @@ protected:
         return typed ? std::optional(*typed) : std::nullopt;
     }
 
-    /// The window's frame as the back end reads it; the null rectangle when it cannot.
+    /// Returns the window's frame as the back end reads it; the null rectangle when it cannot be read.
     [[nodiscard]] Rect readFrame(const Element& window) {
         const auto position = read<Point>(window, attribute::kPosition);
         const auto size = read<Size>(window, attribute::kSize);
@@ -46,7 +47,7 @@ protected:
         return {position->x, position->y, size->width, size->height};
     }
 
-    /// Size, position and size again, the way the program moves windows.
+    /// Writes size, position and size again, in the order in which the core places windows.
     void writeFrame(const Element& window, const Rect& axFrame) {
         AccessibilityPort& accessibility = desktop->accessibility();
         accessibility.setAttribute(window, attribute::kSize, axFrame.size());

@@ -11,7 +11,7 @@
 
 namespace tessarel::contract {
 
-/// The web and the time of day as one back end sees them, fresh for every case.
+/// The web and the wall clock of the back end under test, new for every test.
 class ContractWeb {
 public:
     ContractWeb() = default;
@@ -22,20 +22,20 @@ public:
     virtual UrlLoadingPort& urlLoading() = 0;
     virtual WallClockPort& wallClock() = 0;
 
-    /// The address of a page that is answered so.
+    /// Returns the URL of a new page that the server serves with `response`.
     [[nodiscard]] virtual std::string page(const UrlResponse& response) = 0;
-    /// An address whose server takes the request and never answers.
+    /// Returns a URL whose server accepts the request and never responds.
     [[nodiscard]] virtual std::string silentPage() = 0;
-    /// An address without a server.
+    /// Returns a URL at which no server listens.
     [[nodiscard]] virtual std::string nowhere() = 0;
 
-    /// Runs the loop for `duration`, and what falls due in it.
+    /// Runs the loop for `duration`, with the work that becomes due.
     virtual void advance(MainQueuePort::Duration duration) = 0;
-    /// Runs the loop until `holds`; false when that takes unreasonably long.
+    /// Runs the loop until `holds` returns true. Returns false on timeout.
     [[nodiscard]] virtual bool runUntil(const std::function<bool()>& holds) = 0;
 };
 
-/// The web of the back end under test. Each program that runs these cases defines it once.
+/// Returns the web of the back end under test. Every test program that links these tests defines it.
 [[nodiscard]] std::unique_ptr<ContractWeb> makeContractWeb();
 
 } // namespace tessarel::contract

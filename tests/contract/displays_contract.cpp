@@ -5,27 +5,27 @@ namespace {
 
 class DisplaysContract : public ContractTest {};
 
-TEST_F(DisplaysContract, ThePrimaryDisplayComesFirstAtTheOrigin) {
+TEST_F(DisplaysContract, ThePrimaryDisplayIsFirstAndAtTheOrigin) {
     const auto screens = desktop->displays().screens();
 
     ASSERT_EQ(screens.size(), 2U);
     EXPECT_EQ(screens[0].frame, (Rect{0, 0, 1440, 900}));
 }
 
-TEST_F(DisplaysContract, FramesAreMeasuredFromTheBottomLeftOfThePrimaryDisplay) {
+TEST_F(DisplaysContract, FramesAreRelativeToTheBottomLeftOfThePrimaryDisplay) {
     const auto screens = desktop->displays().screens();
 
-    // The tops are level, so the taller display reaches 124 further down.
+    // The top edges are aligned, so the taller display extends 124 below the primary one: 900 - 1024.
     ASSERT_EQ(screens.size(), 2U);
     EXPECT_EQ(screens[1].frame, (Rect{1440, -124, 1120, 1024}));
 }
 
-TEST_F(DisplaysContract, WithoutPanelsTheWholeAreaIsVisible) {
+TEST_F(DisplaysContract, WithoutPanelsTheVisibleFrameIsTheWholeFrame) {
     for (const Screen& screen : desktop->displays().screens())
         EXPECT_EQ(screen.visibleFrame, screen.frame);
 }
 
-TEST_F(DisplaysContract, APanelTakesItsShareOfItsOwnDisplayOnly) {
+TEST_F(DisplaysContract, APanelReducesTheVisibleFrameOfItsOwnDisplayOnly) {
     desktop->addPanel(25);
 
     const auto screens = desktop->displays().screens();
@@ -36,7 +36,7 @@ TEST_F(DisplaysContract, APanelTakesItsShareOfItsOwnDisplayOnly) {
     EXPECT_EQ(screens[1].visibleFrame, screens[1].frame);
 }
 
-TEST_F(DisplaysContract, DisplaysHaveIdsOfTheirOwnThatStay) {
+TEST_F(DisplaysContract, DisplayIdsAreUniqueAndStable) {
     const auto before = desktop->displays().screens();
     const auto after = desktop->displays().screens();
 
@@ -45,7 +45,7 @@ TEST_F(DisplaysContract, DisplaysHaveIdsOfTheirOwnThatStay) {
     EXPECT_EQ(before, after);
 }
 
-TEST_F(DisplaysContract, ADisplayThatIsDisconnectedIsGoneAtTheNextCall) {
+TEST_F(DisplaysContract, ADisconnectedDisplayIsNotListed) {
     const auto before = desktop->displays().screens();
     desktop->disconnectSecondDisplay();
 
@@ -55,7 +55,7 @@ TEST_F(DisplaysContract, ADisplayThatIsDisconnectedIsGoneAtTheNextCall) {
     EXPECT_EQ(after[0], before.at(0));
 }
 
-TEST_F(DisplaysContract, TheMainScreenIsTheOneOfTheFocusedWindow) {
+TEST_F(DisplaysContract, TheMainScreenIsTheScreenOfTheFocusedWindow) {
     const auto left = openWindow({.axFrame = {100, 100, 400, 300}});
     const auto right = openWindow({.axFrame = {1600, 100, 400, 300}});
     const auto screens = desktop->displays().screens();

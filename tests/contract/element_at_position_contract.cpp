@@ -3,10 +3,10 @@
 namespace tessarel::contract {
 namespace {
 
-/// What is found under the pointer.
+/// Looks up elements by position.
 class ElementAtPositionContract : public ContractTest {
 protected:
-    /// The window found at the point, by its key; 0 when there is none.
+    /// Returns the key of the window found at the point; 0 when there is none.
     [[nodiscard]] std::uintptr_t keyAt(const Point& axPoint) {
         AccessibilityPort& accessibility = desktop->accessibility();
         const auto found = accessibility.elementAtPosition(accessibility.systemWide(), axPoint);
@@ -30,7 +30,7 @@ TEST_F(ElementAtPositionContract, AWindowIsFoundAtItsTitleBarAndInItsMiddle) {
     EXPECT_EQ(keyAt({520, 390}), key(window));
 }
 
-TEST_F(ElementAtPositionContract, AFrameEndsBesideItsLastPixel) {
+TEST_F(ElementAtPositionContract, AWindowIsFoundUpToItsLastPixelOnly) {
     const auto window = openWindow({.axFrame = {200, 150, 640, 480}});
 
     EXPECT_EQ(keyAt({200, 150}), key(window));
@@ -39,7 +39,7 @@ TEST_F(ElementAtPositionContract, AFrameEndsBesideItsLastPixel) {
         EXPECT_EQ(keyAt(outside), 0U) << outside.x << ", " << outside.y;
 }
 
-TEST_F(ElementAtPositionContract, TheWindowOnTopIsFound) {
+TEST_F(ElementAtPositionContract, TheTopmostWindowIsFound) {
     const auto below = openWindow({.axFrame = {200, 150, 640, 480}});
     const auto above = openWindow({.axFrame = {400, 300, 640, 480}});
     desktop->focus(above);
@@ -51,13 +51,13 @@ TEST_F(ElementAtPositionContract, TheWindowOnTopIsFound) {
     EXPECT_EQ(keyAt({900, 700}), key(above));
 }
 
-TEST_F(ElementAtPositionContract, AWindowOfTheSecondDisplayIsFoundThere) {
+TEST_F(ElementAtPositionContract, AWindowOnTheSecondDisplayIsFound) {
     const auto window = openWindow({.axFrame = {1600, 500, 640, 480}});
 
     EXPECT_EQ(keyAt({1610, 505}), key(window));
 }
 
-TEST_F(ElementAtPositionContract, OverTheBareDesktopThereIsNothing) {
+TEST_F(ElementAtPositionContract, NoElementIsFoundOnTheBareDesktop) {
     (void)openWindow({.axFrame = {200, 150, 640, 480}});
 
     EXPECT_EQ(keyAt({50, 50}), 0U);
@@ -95,20 +95,20 @@ TEST_F(ElementAtPositionContract, WithinAnApplicationOnlyItsOwnWindowsAreFound) 
     EXPECT_EQ(keyWithin(other), 0U);
 }
 
-TEST_F(ElementAtPositionContract, NothingIsWithinNothing) {
+TEST_F(ElementAtPositionContract, NoElementIsFoundWithinAnElementWithoutAHandle) {
     (void)openWindow({.axFrame = {200, 150, 640, 480}});
 
     EXPECT_FALSE(desktop->accessibility().elementAtPosition(Element{}, {520, 390}));
 }
 
-TEST_F(ElementAtPositionContract, TheWholeDesktopHasNoAttributesAndNoProcess) {
+TEST_F(ElementAtPositionContract, TheSystemWideElementHasNoAttributesAndNoProcess) {
     const Element all = desktop->accessibility().systemWide();
 
     EXPECT_FALSE(desktop->accessibility().copyAttribute(all, attribute::kPosition));
     EXPECT_FALSE(desktop->accessibility().pid(all));
 }
 
-TEST_F(ElementAtPositionContract, ATimeLimitChangesNoAnswer) {
+TEST_F(ElementAtPositionContract, AMessagingTimeoutDoesNotChangeTheResults) {
     const auto window = openWindow({.axFrame = {200, 150, 640, 480}});
     AccessibilityPort& accessibility = desktop->accessibility();
     accessibility.setMessagingTimeout(accessibility.systemWide(), 250ms);

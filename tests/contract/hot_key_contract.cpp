@@ -42,7 +42,7 @@ TEST_F(HotKeyContract, APressDeliversTheIdOnce) {
     EXPECT_EQ(pressed, (std::vector<std::uint32_t>{7, 7}));
 }
 
-TEST_F(HotKeyContract, EveryRequestOfABatchIsAnsweredInOrder) {
+TEST_F(HotKeyContract, ABatchReturnsOneEntryPerRequestInOrder) {
     const std::vector<HotKeyRequest> requests{{kKey1, kCtrlOpt, {kSignature, 0}},
                                               {4000, kCtrlOpt, {kSignature, 1}},
                                               {kKeyC, kCtrlOpt, {kSignature, 14}}};
@@ -58,11 +58,11 @@ TEST_F(HotKeyContract, EveryRequestOfABatchIsAnsweredInOrder) {
     EXPECT_EQ(pressed, (std::vector<std::uint32_t>{14, 0}));
 }
 
-TEST_F(HotKeyContract, NoRequestsGiveNoClaims) {
+TEST_F(HotKeyContract, AnEmptyBatchReturnsNoClaims) {
     EXPECT_TRUE(desktop->hotKeys().registerHotKeys({}).empty());
 }
 
-TEST_F(HotKeyContract, OtherKeysAndModifiersAreNotOurs) {
+TEST_F(HotKeyContract, OtherKeysAndModifiersDoNotTriggerTheHotKey) {
     const auto hotKey = claim(kKey1, kCtrlOpt, 7);
     ASSERT_TRUE(hotKey);
 
@@ -73,7 +73,7 @@ TEST_F(HotKeyContract, OtherKeysAndModifiersAreNotOurs) {
     EXPECT_TRUE(pressed.empty());
 }
 
-TEST_F(HotKeyContract, TheFourModifiersAreToldApart) {
+TEST_F(HotKeyContract, TheFourModifiersAreDistinguished) {
     std::vector<SubscriptionPtr> claims;
     const std::vector<std::uint32_t> modifiers{256, 512 + 4096, 2048, 4096, 256 + 512 + 2048 + 4096};
     for (const std::uint32_t mods : modifiers)
@@ -85,7 +85,7 @@ TEST_F(HotKeyContract, TheFourModifiersAreToldApart) {
     EXPECT_EQ(pressed, modifiers);
 }
 
-TEST_F(ExclusiveHotKeyContract, ACombinationOfAnotherProgramIsRefused) {
+TEST_F(ExclusiveHotKeyContract, ACombinationClaimedByAnotherProgramIsRefused) {
     const auto other = desktop->holdByAnotherProgram(kKey1, kCtrlOpt);
     ASSERT_TRUE(other);
 
@@ -95,7 +95,7 @@ TEST_F(ExclusiveHotKeyContract, ACombinationOfAnotherProgramIsRefused) {
     EXPECT_TRUE(pressed.empty());
 }
 
-TEST_F(ExclusiveHotKeyContract, ARefusedCombinationCanBeHadOnceTheOtherProgramLetsGo) {
+TEST_F(ExclusiveHotKeyContract, ARefusedCombinationCanBeClaimedOnceTheOtherProgramReleasesIt) {
     auto other = desktop->holdByAnotherProgram(kKey1, kCtrlOpt);
     EXPECT_FALSE(claim(kKey1, kCtrlOpt, 7));
     other.reset();
@@ -107,7 +107,7 @@ TEST_F(ExclusiveHotKeyContract, ARefusedCombinationCanBeHadOnceTheOtherProgramLe
     EXPECT_EQ(pressed, (std::vector<std::uint32_t>{8}));
 }
 
-TEST_F(HotKeyContract, ASecondClaimOfOurOwnIsRefusedAndTheFirstKeepsTheKeys) {
+TEST_F(HotKeyContract, ASecondClaimOfTheSameCombinationIsRefusedAndTheFirstStays) {
     const auto first = claim(kKey1, kCtrlOpt, 7);
     ASSERT_TRUE(first);
 
@@ -130,17 +130,17 @@ TEST_F(HotKeyContract, TheSecondOfTwoEqualRequestsOfABatchIsRefused) {
     EXPECT_EQ(pressed, (std::vector<std::uint32_t>{7}));
 }
 
-TEST_F(HotKeyContract, AKeyThatNoKeyboardHasIsRefused) {
+TEST_F(HotKeyContract, AKeyCodeThatNoKeyboardHasIsRefused) {
     for (const std::uint32_t keyCode : {4000U, 0x7fffffffU, 0xffffffffU})
         EXPECT_FALSE(claim(keyCode, kCtrlOpt, 7)) << keyCode;
 }
 
-TEST_F(HotKeyContract, ModifiersBeyondTheFourAreRefused) {
+TEST_F(HotKeyContract, ModifierBitsBeyondTheFourAreRefused) {
     for (const std::uint32_t bit : {1U, 128U, 1024U, 8192U, 0x80000000U})
         EXPECT_FALSE(claim(kKey1, kCtrlOpt + bit, 7)) << bit;
 }
 
-TEST_F(HotKeyContract, EndingTheClaimFreesTheKeys) {
+TEST_F(HotKeyContract, DestroyingAClaimReleasesTheCombination) {
     auto hotKey = claim(kKey1, kCtrlOpt, 7);
     ASSERT_TRUE(hotKey);
     hotKey.reset();
@@ -151,7 +151,7 @@ TEST_F(HotKeyContract, EndingTheClaimFreesTheKeys) {
     EXPECT_TRUE(desktop->holdByAnotherProgram(kKey1, kCtrlOpt));
 }
 
-TEST_F(HotKeyContract, AfterItsEndTheHandlerHearsNothing) {
+TEST_F(HotKeyContract, ADestroyedHandlerIsNotCalled) {
     const auto hotKey = claim(kKey1, kCtrlOpt, 7);
     handler.reset();
 
@@ -160,7 +160,7 @@ TEST_F(HotKeyContract, AfterItsEndTheHandlerHearsNothing) {
     EXPECT_TRUE(pressed.empty());
 }
 
-TEST_F(HotKeyContract, AHotKeyMayEndItselfWhenPressed) {
+TEST_F(HotKeyContract, AHandlerMayDestroyTheClaimOfThePressedHotKey) {
     SubscriptionPtr hotKey;
     handler = desktop->hotKeys().installHandler([&](std::uint32_t id) {
         pressed.push_back(id);

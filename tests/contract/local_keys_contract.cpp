@@ -35,7 +35,7 @@ protected:
 
 using Keys = std::vector<KeyDown>;
 
-TEST_F(LocalKeysContract, AKeyOfOurOwnWindowComesWithItsModifiers) {
+TEST_F(LocalKeysContract, AKeyInAnOwnWindowIsReportedWithItsModifiers) {
     desktop->focusOwnWindow();
     const auto monitored = monitor();
 
@@ -46,7 +46,7 @@ TEST_F(LocalKeysContract, AKeyOfOurOwnWindowComesWithItsModifiers) {
     EXPECT_EQ(keys, (Keys{{kKeyC, 0}, {kKeyC, every}}));
 }
 
-TEST_F(LocalKeysContract, AHotKeyOfOursComesToTheMonitorAndDoesNotFire) {
+TEST_F(LocalKeysContract, AnOwnHotKeyIsReportedToTheMonitorAndDoesNotFire) {
     const auto hotKey = claim(kKey1);
     ASSERT_TRUE(hotKey);
     desktop->focusOwnWindow();
@@ -63,7 +63,7 @@ protected:
     void SetUp() override { skipUnlessHotKeysAreExclusive(); }
 };
 
-TEST_F(ExclusiveLocalKeysContract, AHotKeyOfAnotherProgramComesToTheMonitorToo) {
+TEST_F(ExclusiveLocalKeysContract, AHotKeyOfAnotherProgramIsReportedToTheMonitor) {
     const auto held = desktop->holdByAnotherProgram(kKey1, kCtrlOpt);
     ASSERT_TRUE(held);
     desktop->focusOwnWindow();
@@ -74,7 +74,7 @@ TEST_F(ExclusiveLocalKeysContract, AHotKeyOfAnotherProgramComesToTheMonitorToo) 
     EXPECT_EQ(keys, Keys{kKey1Down});
 }
 
-TEST_F(LocalKeysContract, AfterTheEndOfTheMonitorHotKeysFireAgain) {
+TEST_F(LocalKeysContract, HotKeysFireAgainAfterTheMonitorIsDestroyed) {
     const auto hotKey = claim(kKey1);
     desktop->focusOwnWindow();
     auto monitored = monitor();
@@ -87,7 +87,7 @@ TEST_F(LocalKeysContract, AfterTheEndOfTheMonitorHotKeysFireAgain) {
     EXPECT_EQ(hotKeysPressed, 1);
 }
 
-TEST_F(LocalKeysContract, KeysForAnotherProgramAreNotOurs) {
+TEST_F(LocalKeysContract, KeysForAnotherProgramAreNotReported) {
     const auto hotKey = claim(kKey1);
     desktop->focusOwnWindow();
     const auto monitored = monitor();
@@ -100,7 +100,7 @@ TEST_F(LocalKeysContract, KeysForAnotherProgramAreNotOurs) {
     EXPECT_EQ(hotKeysPressed, 1);
 }
 
-TEST_F(LocalKeysContract, KeysAreOursAgainWhenOurWindowGetsTheFocusBack) {
+TEST_F(LocalKeysContract, KeysAreReportedAgainWhenAnOwnWindowRegainsTheFocus) {
     const auto hotKey = claim(kKey1);
     const auto monitored = monitor();
     desktop->focus(openWindow());
@@ -112,7 +112,7 @@ TEST_F(LocalKeysContract, KeysAreOursAgainWhenOurWindowGetsTheFocusBack) {
     EXPECT_EQ(hotKeysPressed, 0);
 }
 
-TEST_F(LocalKeysContract, TheFirstMonitorThatConsumesAKeyIsTheLastThatHearsOfIt) {
+TEST_F(LocalKeysContract, NoMonitorIsCalledAfterTheOneThatConsumesTheKey) {
     desktop->focusOwnWindow();
     int declined = 0;
     const auto declining = desktop->localKeys().monitorKeyDown([&](const KeyDown&) {
@@ -121,7 +121,7 @@ TEST_F(LocalKeysContract, TheFirstMonitorThatConsumesAKeyIsTheLastThatHearsOfIt)
     });
     const auto consuming = monitor();
     const auto deaf = desktop->localKeys().monitorKeyDown([](const KeyDown&) {
-        ADD_FAILURE() << "a consumed key";
+        ADD_FAILURE() << "the handler was called for a consumed key";
         return true;
     });
 
@@ -131,7 +131,7 @@ TEST_F(LocalKeysContract, TheFirstMonitorThatConsumesAKeyIsTheLastThatHearsOfIt)
     EXPECT_EQ(keys, Keys{kKey1Down});
 }
 
-TEST_F(LocalKeysContract, OneOfTwoMonitorsMayEnd) {
+TEST_F(LocalKeysContract, DestroyingOneOfTwoMonitorsKeepsTheOther) {
     desktop->focusOwnWindow();
     auto first = monitor();
     const auto second = monitor();
@@ -142,7 +142,7 @@ TEST_F(LocalKeysContract, OneOfTwoMonitorsMayEnd) {
     EXPECT_EQ(keys, Keys{kKey1Down});
 }
 
-TEST_F(LocalKeysContract, AMonitorMayEndItselfWhenAKeyComes) {
+TEST_F(LocalKeysContract, AHandlerMayDestroyItsMonitor) {
     desktop->focusOwnWindow();
     SubscriptionPtr monitored;
     monitored = desktop->localKeys().monitorKeyDown([&](const KeyDown& key) {

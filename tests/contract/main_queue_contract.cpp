@@ -16,7 +16,7 @@ protected:
     std::unique_ptr<MainQueuePort> queue = desktop->makeMainQueue();
 };
 
-TEST_F(MainQueueContract, WorkRunsAtALaterTurnOfTheLoop) {
+TEST_F(MainQueueContract, WorkRunsInALaterIterationOfTheLoop) {
     queue->async(note(1));
     EXPECT_TRUE(ran.empty());
 
@@ -33,7 +33,7 @@ TEST_F(MainQueueContract, WorkRunsOnce) {
     EXPECT_EQ(ran, (std::vector{1}));
 }
 
-TEST_F(MainQueueContract, WorkDueAtTheSameMomentRunsInTheOrderOfHandingOver) {
+TEST_F(MainQueueContract, WorkDueAtTheSameTimeRunsInTheOrderOfSubmission) {
     for (const int number : {1, 2, 3, 4})
         queue->async(note(number));
 
@@ -52,7 +52,7 @@ TEST_F(MainQueueContract, WorkRunsInTheOrderOfItsDelays) {
     EXPECT_EQ(ran, (std::vector{1, 2, 3}));
 }
 
-TEST_F(MainQueueContract, WorkNeverRunsBeforeItsTime) {
+TEST_F(MainQueueContract, WorkNeverRunsBeforeItsDelayHasPassed) {
     const auto start = queue->now();
     MainQueuePort::TimePoint ranAt;
     queue->asyncAfter(20ms, [&] { ranAt = queue->now(); });
@@ -62,7 +62,7 @@ TEST_F(MainQueueContract, WorkNeverRunsBeforeItsTime) {
     EXPECT_GE(ranAt - start, 20ms);
 }
 
-TEST_F(MainQueueContract, WorkThatIsNotDueWaits) {
+TEST_F(MainQueueContract, WorkThatIsNotDueDoesNotRun) {
     queue->asyncAfter(1h, note(1));
 
     desktop->advance(5ms);
@@ -70,7 +70,7 @@ TEST_F(MainQueueContract, WorkThatIsNotDueWaits) {
     EXPECT_TRUE(ran.empty());
 }
 
-TEST_F(MainQueueContract, ANegativeDelayIsNone) {
+TEST_F(MainQueueContract, ANegativeDelayCountsAsZero) {
     queue->asyncAfter(-5ms, note(1));
     EXPECT_TRUE(ran.empty());
 
@@ -79,7 +79,7 @@ TEST_F(MainQueueContract, ANegativeDelayIsNone) {
     EXPECT_EQ(ran, (std::vector{1}));
 }
 
-TEST_F(MainQueueContract, WorkMayHandOverWork) {
+TEST_F(MainQueueContract, WorkMaySubmitWork) {
     queue->async([this] {
         queue->async(note(2));
         ran.push_back(1);
@@ -90,14 +90,14 @@ TEST_F(MainQueueContract, WorkMayHandOverWork) {
     EXPECT_EQ(ran, (std::vector{1, 2}));
 }
 
-TEST_F(MainQueueContract, TheClockGoesForwardOnly) {
+TEST_F(MainQueueContract, TheClockAdvances) {
     const auto start = queue->now();
     desktop->advance(10ms);
 
     EXPECT_GE(queue->now() - start, 10ms);
 }
 
-TEST_F(MainQueueContract, NothingRunsOnceTheQueueIsGone) {
+TEST_F(MainQueueContract, NothingRunsAfterTheQueueIsDestroyed) {
     queue->async(note(1));
     queue->asyncAfter(5ms, note(2));
     queue.reset();

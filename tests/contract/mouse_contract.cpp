@@ -17,7 +17,7 @@ namespace {
 using enum MouseEventKind;
 using Events = std::vector<MouseEvent>;
 
-/// The mouse over a window of another program.
+/// The pointer over a window of another program.
 class MouseContract : public ContractTest {
 protected:
     MouseContract() { desktop->movePointer({500, 400}); }
@@ -25,7 +25,7 @@ protected:
     [[nodiscard]] SubscriptionPtr watch(MouseEventKind kind) {
         auto monitor = desktop->mouse().addGlobalMonitor(
             kind, [this](const MouseEvent& event) { events.push_back(event); });
-        desktop->settle(); // the mouse is moved by another program, which must not be faster
+        desktop->settle(); // another client moves the mouse: the monitor must be registered before
         return monitor;
     }
     [[nodiscard]] std::vector<SubscriptionPtr> watchAll() {
@@ -56,7 +56,7 @@ TEST_F(MouseContract, ADragIsReportedInScreenCoordinates) {
                               {LeftUp, {0, 900}, 0}}));
 }
 
-TEST_F(MouseContract, ADragMayLeadToTheOtherDisplay) {
+TEST_F(MouseContract, ADragOntoTheOtherDisplayIsReported) {
     const auto monitors = watchAll();
 
     press();
@@ -65,7 +65,7 @@ TEST_F(MouseContract, ADragMayLeadToTheOtherDisplay) {
     EXPECT_EQ(events.back(), (MouseEvent{LeftDragged, {2000, -100}, 0}));
 }
 
-TEST_F(MouseContract, AMovementWithoutAButtonIsNoDrag) {
+TEST_F(MouseContract, AMovementWithoutAButtonIsNotReported) {
     const auto monitors = watchAll();
 
     moveTo({510, 390});
@@ -90,7 +90,7 @@ TEST_F(MouseContract, ModifiersAreReportedAsTheyAreHeld) {
     }
 }
 
-TEST_F(MouseContract, AChangeOfTheModifiersUnderARestingPointerIsAMovement) {
+TEST_F(MouseContract, AModifierChangeUnderARestingPointerIsReportedAsAMovement) {
     const auto monitors = watchAll();
     press();
     for (const std::uint64_t flags : {kShiftFlag, kShiftFlag | kCommandFlag, kCommandFlag, std::uint64_t{0}})
@@ -105,7 +105,7 @@ TEST_F(MouseContract, AChangeOfTheModifiersUnderARestingPointerIsAMovement) {
                               {LeftUp, {500, 500}, 0}}));
 }
 
-TEST_F(MouseContract, AChangeOfTheModifiersWithoutAButtonIsNoMovement) {
+TEST_F(MouseContract, AModifierChangeWithoutAButtonIsNotReported) {
     const auto monitors = watch(LeftDragged);
 
     desktop->holdModifiers(kShiftFlag);
@@ -118,7 +118,7 @@ TEST_F(MouseContract, AChangeOfTheModifiersWithoutAButtonIsNoMovement) {
     EXPECT_EQ(events, Events{});
 }
 
-TEST_F(MouseContract, AKeyThatIsNoModifierIsNoMovement) {
+TEST_F(MouseContract, AnOrdinaryKeyDuringADragIsNotReported) {
     constexpr std::uint32_t kKeyA = 0;
     const auto monitors = watch(LeftDragged);
     press();
@@ -129,7 +129,7 @@ TEST_F(MouseContract, AKeyThatIsNoModifierIsNoMovement) {
     EXPECT_EQ(events, Events{});
 }
 
-TEST_F(MouseContract, AfterTheEndOfAMonitorOfMovementsAChangeOfTheModifiersIsNotReported) {
+TEST_F(MouseContract, NoModifierChangeIsReportedAfterTheMonitorIsDestroyed) {
     auto monitor = watch(LeftDragged);
     press();
 
@@ -139,7 +139,7 @@ TEST_F(MouseContract, AfterTheEndOfAMonitorOfMovementsAChangeOfTheModifiersIsNot
     EXPECT_EQ(events, Events{});
 }
 
-TEST_F(MouseContract, AMonitorHearsOfItsOwnKindOnly) {
+TEST_F(MouseContract, AMonitorReceivesOnlyEventsOfItsKind) {
     for (const auto kind : {LeftDown, LeftDragged, LeftUp}) {
         events.clear();
         const auto monitor = watch(kind);
@@ -153,7 +153,7 @@ TEST_F(MouseContract, AMonitorHearsOfItsOwnKindOnly) {
     }
 }
 
-TEST_F(MouseContract, EveryMonitorOfAKindHearsOfIt) {
+TEST_F(MouseContract, EveryMonitorOfAKindReceivesTheEvent) {
     const auto first = watch(LeftDown);
     const auto second = watch(LeftDown);
 
@@ -162,7 +162,7 @@ TEST_F(MouseContract, EveryMonitorOfAKindHearsOfIt) {
     EXPECT_EQ(events.size(), 2U);
 }
 
-TEST_F(MouseContract, AfterItsEndAMonitorHearsNothing) {
+TEST_F(MouseContract, ADestroyedMonitorReceivesNothing) {
     auto monitors = watchAll();
     press();
     events.clear();
@@ -174,7 +174,7 @@ TEST_F(MouseContract, AfterItsEndAMonitorHearsNothing) {
     EXPECT_EQ(events, Events{});
 }
 
-TEST_F(MouseContract, AMonitorMayEndItselfWhenCalled) {
+TEST_F(MouseContract, AHandlerMayDestroyItsMonitor) {
     const auto others = watchAll();
     int calls = 0;
     SubscriptionPtr monitor;
@@ -191,7 +191,7 @@ TEST_F(MouseContract, AMonitorMayEndItselfWhenCalled) {
     EXPECT_EQ(events.size(), 3U);
 }
 
-TEST_F(MouseContract, ADragUnderWayWhenTheWatchBeginsIsNotReportedAsAPress) {
+TEST_F(MouseContract, ADragInProgressIsNotReportedToANewMonitorAsAPress) {
     press();
     const auto monitor = watch(LeftDown);
 
@@ -201,7 +201,7 @@ TEST_F(MouseContract, ADragUnderWayWhenTheWatchBeginsIsNotReportedAsAPress) {
     EXPECT_EQ(events, Events{});
 }
 
-TEST_F(MouseContract, TheBareDesktopBelongsToOthersToo) {
+TEST_F(MouseContract, EventsOnTheBareDesktopAreReported) {
     auto monitors = watchAll();
     desktop->closeWindow(window);
 

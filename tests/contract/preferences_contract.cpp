@@ -14,21 +14,21 @@ TEST_F(PreferencesContract, NothingIsStoredAtFirst) {
     EXPECT_FALSE(preferences->data(kKey));
 }
 
-TEST_F(PreferencesContract, WhatIsStoredIsFoundByTheNextStart) {
+TEST_F(PreferencesContract, StoredBytesAreReadAfterARestart) {
     preferences->setData(kKey, "{\"gap\":8}");
 
     EXPECT_EQ(preferences->data(kKey), "{\"gap\":8}");
     EXPECT_EQ(desktop->makePreferences()->data(kKey), "{\"gap\":8}");
 }
 
-TEST_F(PreferencesContract, TheLastBytesReplaceTheOnesBefore) {
+TEST_F(PreferencesContract, NewBytesReplaceTheOldOnes) {
     preferences->setData(kKey, "a long document that comes first");
     preferences->setData(kKey, "short");
 
     EXPECT_EQ(preferences->data(kKey), "short");
 }
 
-TEST_F(PreferencesContract, BytesComeBackAsTheyWere) {
+TEST_F(PreferencesContract, AnyBytesAreStoredUnchanged) {
     std::string bytes(100000, '\0');
     for (std::size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = static_cast<char>(i * 7);
@@ -38,13 +38,13 @@ TEST_F(PreferencesContract, BytesComeBackAsTheyWere) {
     EXPECT_EQ(preferences->data(kKey), bytes);
 }
 
-TEST_F(PreferencesContract, NoBytesAreADocumentToo) {
+TEST_F(PreferencesContract, AnEmptyValueIsStored) {
     preferences->setData(kKey, "");
 
     EXPECT_EQ(preferences->data(kKey), "");
 }
 
-TEST_F(PreferencesContract, KeysDoNotMix) {
+TEST_F(PreferencesContract, KeysAreIndependent) {
     preferences->setData(kKey, "first");
     preferences->setData("tessarel.other", "second");
 
@@ -53,7 +53,7 @@ TEST_F(PreferencesContract, KeysDoNotMix) {
     EXPECT_FALSE(preferences->data("tessarel.settings"));
 }
 
-TEST_F(PreferencesContract, ARejectedDocumentIsKeptWhenItIsReplaced) {
+TEST_F(PreferencesContract, ARejectedDocumentIsCopiedWhenItIsReplaced) {
     preferences->setData(kKey, "not a document");
     preferences = desktop->makePreferences();
     preferences->keepRejected(kKey);
@@ -65,7 +65,7 @@ TEST_F(PreferencesContract, ARejectedDocumentIsKeptWhenItIsReplaced) {
     EXPECT_EQ(desktop->rejectedCopy(kKey), "not a document");
 }
 
-TEST_F(PreferencesContract, OnlyTheRejectedDocumentIsKept) {
+TEST_F(PreferencesContract, OnlyTheRejectedDocumentIsCopied) {
     preferences->setData(kKey, "not a document");
     preferences->keepRejected(kKey);
     preferences->setData(kKey, "{\"gap\":1}");
@@ -81,7 +81,7 @@ TEST_F(PreferencesContract, WithoutARejectionNoCopyIsKept) {
     EXPECT_FALSE(desktop->rejectedCopy(kKey));
 }
 
-TEST_F(PreferencesContract, RejectingWhatIsNotThereKeepsNothing) {
+TEST_F(PreferencesContract, RejectingAMissingValueKeepsNoCopy) {
     preferences->keepRejected(kKey);
     preferences->setData(kKey, "{}");
 

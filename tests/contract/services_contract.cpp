@@ -10,16 +10,16 @@ protected:
     int reopened = 0;
 };
 
-TEST_F(SingleInstanceContract, TheFirstCopyHasTheDesktop) {
+TEST_F(SingleInstanceContract, TheFirstCopyClaimsTheDesktop) {
     EXPECT_TRUE(first->claim([this] { ++reopened; }));
     EXPECT_EQ(reopened, 0);
 }
 
-TEST_F(SingleInstanceContract, TheSecondCopyIsRefusedAndTheFirstIsTold) {
+TEST_F(SingleInstanceContract, ASecondCopyIsRefusedAndTheFirstIsNotified) {
     const auto claim = first->claim([this] { ++reopened; });
     ASSERT_TRUE(claim);
 
-    EXPECT_FALSE(second->claim([] { ADD_FAILURE() << "the wrong copy was told"; }));
+    EXPECT_FALSE(second->claim([] { ADD_FAILURE() << "the wrong copy was notified"; }));
     desktop->settle();
     EXPECT_EQ(reopened, 1);
 
@@ -28,7 +28,7 @@ TEST_F(SingleInstanceContract, TheSecondCopyIsRefusedAndTheFirstIsTold) {
     EXPECT_EQ(reopened, 2);
 }
 
-TEST_F(SingleInstanceContract, ADesktopThatIsLetGoCanBeHadAgain) {
+TEST_F(SingleInstanceContract, AReleasedDesktopCanBeClaimedAgain) {
     auto claim = first->claim([this] { ++reopened; });
     claim.reset();
     desktop->settle();
@@ -38,7 +38,7 @@ TEST_F(SingleInstanceContract, ADesktopThatIsLetGoCanBeHadAgain) {
     EXPECT_EQ(reopened, 0);
 }
 
-TEST_F(SingleInstanceContract, ARefusedCopyDoesNotGetTheDesktopLater) {
+TEST_F(SingleInstanceContract, ARefusedCopyDoesNotClaimTheDesktopLater) {
     auto claim = first->claim([this] { ++reopened; });
     EXPECT_FALSE(second->claim([] {}));
     claim.reset();
@@ -49,11 +49,11 @@ TEST_F(SingleInstanceContract, ARefusedCopyDoesNotGetTheDesktopLater) {
 
 class TrustContract : public ContractTest {};
 
-TEST_F(TrustContract, ADesktopThatCanBeWorkedOnIsTrusted) {
+TEST_F(TrustContract, AUsableDesktopIsTrusted) {
     EXPECT_TRUE(desktop->trust().isTrusted());
 }
 
-TEST_F(TrustContract, AskingWhenTrustedDisturbsNobody) {
+TEST_F(TrustContract, PromptingWhenTrustedChangesNothing) {
     desktop->trust().prompt();
 
     EXPECT_TRUE(desktop->trust().isTrusted());
@@ -61,7 +61,7 @@ TEST_F(TrustContract, AskingWhenTrustedDisturbsNobody) {
 
 class AlertSoundContract : public ContractTest {};
 
-TEST_F(AlertSoundContract, TheSoundHurtsNobody) {
+TEST_F(AlertSoundContract, TheAlertSoundDoesNotDisturbWindows) {
     const auto window = openWindow();
     desktop->alertSound().beep();
     desktop->settle();

@@ -8,7 +8,7 @@ namespace tessarel::contract {
 
 namespace {
 
-/// The suite's stage on the simulation.
+/// The contract's desktop on the simulation.
 class SimContractDesktop : public ContractDesktop {
 public:
     SimContractDesktop() {

@@ -18,19 +18,19 @@ protected:
             [this](const auto& response) { answers.push_back(response); });
     }
 
-    /// What `url` is answered with.
+    /// Loads `url` and returns the response.
     [[nodiscard]] std::optional<UrlResponse> answerOf(const std::string& url,
                                                       std::chrono::milliseconds timeLimit = 15s) {
         const auto request = load(url, timeLimit);
         EXPECT_TRUE(web->runUntil([this] { return !answers.empty(); }));
-        return answers.empty() ? UrlResponse{-1, "none came"} : answers.back();
+        return answers.empty() ? UrlResponse{-1, "no response"} : answers.back();
     }
 
     std::unique_ptr<ContractWeb> web = makeContractWeb();
     std::vector<std::optional<UrlResponse>> answers;
 };
 
-TEST_F(UrlLoadingContract, StatusAndBodyComeOnceAndAfterTheCall) {
+TEST_F(UrlLoadingContract, TheResponseIsDeliveredOnceAndAfterTheCall) {
     const auto request = load(web->page({200, "hello"}));
     EXPECT_TRUE(answers.empty());
 
@@ -40,34 +40,34 @@ TEST_F(UrlLoadingContract, StatusAndBodyComeOnceAndAfterTheCall) {
     EXPECT_EQ(answers, (std::vector<std::optional<UrlResponse>>{{{200, "hello"}}}));
 }
 
-TEST_F(UrlLoadingContract, AStatusThatSpeaksOfAnErrorIsAnAnswer) {
+TEST_F(UrlLoadingContract, AnErrorStatusIsAResponse) {
     EXPECT_EQ(answerOf(web->page({404, "{}"})), (UrlResponse{404, "{}"}));
 }
 
-TEST_F(UrlLoadingContract, ABodyOfTheLargestSizeIsAnsweredAndALargerOneLeftOut) {
+TEST_F(UrlLoadingContract, ABodyLargerThanTheLimitIsOmitted) {
     EXPECT_EQ(answerOf(web->page({200, "0123456789"})), (UrlResponse{200, "0123456789"}));
     answers.clear();
     EXPECT_EQ(answerOf(web->page({200, "0123456789a"})), (UrlResponse{200, std::nullopt}));
 }
 
-TEST_F(UrlLoadingContract, WhereThereIsNoServerThereIsNoAnswer) {
+TEST_F(UrlLoadingContract, ARequestWithoutAServerHasNoResponse) {
     EXPECT_EQ(answerOf(web->nowhere()), std::nullopt);
 }
 
-TEST_F(UrlLoadingContract, AServerThatNeverAnswersIsGivenUp) {
+TEST_F(UrlLoadingContract, ARequestTimesOut) {
     EXPECT_EQ(answerOf(web->silentPage(), 20ms), std::nullopt);
 }
 
-TEST_F(UrlLoadingContract, WhatIsNotOfTheWebIsNotGot) {
+TEST_F(UrlLoadingContract, AFileUrlIsNotLoaded) {
     EXPECT_EQ(answerOf("file:///etc/hostname"), std::nullopt);
 }
 
-TEST_F(UrlLoadingContract, ARequestThatHasEndedIsNotAnswered) {
+TEST_F(UrlLoadingContract, ADestroyedRequestIsNotCompleted) {
     const std::string page = web->page({200, "hello"});
     auto ended = load(page);
     ended.reset();
 
-    (void)answerOf(page); // by when the first would have been answered, too
+    (void)answerOf(page); // the first request would have been completed before this one
 
     EXPECT_EQ(answers.size(), 1U);
 }
@@ -77,7 +77,7 @@ protected:
     std::unique_ptr<ContractWeb> web = makeContractWeb();
 };
 
-TEST_F(WallClockContract, TimeIsCountedInSecondsFromTheYear1970) {
+TEST_F(WallClockContract, TimeIsInSecondsSince1970) {
     constexpr double kYear2026 = 1'767'225'600;
 
     EXPECT_GT(web->wallClock().secondsSince1970(), kYear2026);

@@ -5,11 +5,11 @@ namespace {
 
 class WorkspaceContract : public ContractTest {};
 
-TEST_F(WorkspaceContract, NobodyIsInFrontOfAnEmptyDesktop) {
+TEST_F(WorkspaceContract, AnEmptyDesktopHasNoFrontmostApplication) {
     EXPECT_FALSE(desktop->workspace().frontmostApplication());
 }
 
-TEST_F(WorkspaceContract, TheApplicationOfTheFocusedWindowIsInFront) {
+TEST_F(WorkspaceContract, TheApplicationOfTheFocusedWindowIsFrontmost) {
     const auto editor = desktop->launchApplication("org.example.editor");
     const auto mail = desktop->launchApplication("org.example.mail");
     const auto editorWindow = desktop->openWindow(editor, {});
@@ -24,7 +24,7 @@ TEST_F(WorkspaceContract, TheApplicationOfTheFocusedWindowIsInFront) {
               (RunningApplication{desktop->pid(mail), "org.example.mail"}));
 }
 
-TEST_F(WorkspaceContract, ARunningApplicationIsFoundByItsProcess) {
+TEST_F(WorkspaceContract, ARunningApplicationIsFoundByItsProcessId) {
     const auto editor = desktop->launchApplication("org.example.editor");
     (void)desktop->openWindow(editor, {});
 
@@ -32,7 +32,7 @@ TEST_F(WorkspaceContract, ARunningApplicationIsFoundByItsProcess) {
               (RunningApplication{desktop->pid(editor), "org.example.editor"}));
 }
 
-TEST_F(WorkspaceContract, AnApplicationMayHaveNothingToKnowItBy) {
+TEST_F(WorkspaceContract, AnApplicationMayHaveNoBundleIdentifier) {
     const auto nameless = desktop->launchApplication(std::nullopt);
     (void)desktop->openWindow(nameless, {});
 
@@ -40,7 +40,7 @@ TEST_F(WorkspaceContract, AnApplicationMayHaveNothingToKnowItBy) {
               (RunningApplication{desktop->pid(nameless), std::nullopt}));
 }
 
-TEST_F(WorkspaceContract, AnApplicationThatHasEndedIsNotRunning) {
+TEST_F(WorkspaceContract, ATerminatedApplicationIsNotRunning) {
     const auto editor = desktop->launchApplication("org.example.editor");
     desktop->focus(desktop->openWindow(editor, {}));
     desktop->killApplication(editor);
@@ -49,11 +49,11 @@ TEST_F(WorkspaceContract, AnApplicationThatHasEndedIsNotRunning) {
     EXPECT_FALSE(desktop->workspace().frontmostApplication());
 }
 
-TEST_F(WorkspaceContract, AProcessThatNeverWasIsNotRunning) {
+TEST_F(WorkspaceContract, AnInvalidProcessIdIsNotRunning) {
     EXPECT_FALSE(desktop->workspace().runningApplication(-1));
 }
 
-TEST_F(WorkspaceContract, AnInstalledApplicationHasAName) {
+TEST_F(WorkspaceContract, AnInstalledApplicationHasADisplayName) {
     desktop->installApplication("org.example.editor", "Editor");
     desktop->installApplication("org.example.mail", "Letters & More");
 
@@ -61,13 +61,13 @@ TEST_F(WorkspaceContract, AnInstalledApplicationHasAName) {
     EXPECT_EQ(desktop->workspace().displayName("org.example.mail"), "Letters & More");
 }
 
-TEST_F(WorkspaceContract, AnApplicationThatOnlyRunsHasNoName) {
+TEST_F(WorkspaceContract, AnApplicationThatIsNotInstalledHasNoDisplayName) {
     (void)desktop->openWindow(desktop->launchApplication("org.example.editor"), {});
 
     EXPECT_EQ(desktop->workspace().displayName("org.example.editor"), std::nullopt);
 }
 
-TEST_F(WorkspaceContract, TheProgramKnowsItself) {
+TEST_F(WorkspaceContract, TheOwnProcessIdIsNotThatOfAnotherApplication) {
     const auto editor = desktop->launchApplication("org.example.editor");
     (void)desktop->openWindow(editor, {});
 

@@ -72,7 +72,7 @@ private:
     std::function<void()> m_ended;
 };
 
-/// The suite's stage on X11: real programs on a private server, all of them gone after the case.
+/// The contract's desktop on X11: real client processes on a private server. The destructor ends all of them.
 class X11ContractDesktop : public ContractDesktop {
 public:
     X11ContractDesktop() {
@@ -184,7 +184,7 @@ private:
         return *m_applications.at(static_cast<std::size_t>(application.number)).client;
     }
     [[nodiscard]] Application& owner(xcb_window_t window);
-    /// Whether a case has opened it, and not the window manager for itself.
+    /// Returns whether a test has opened the window; the window manager may list windows of its own.
     [[nodiscard]] bool isOurs(xcb_window_t window) const;
     [[nodiscard]] static x11test::Combination combination(std::uint32_t keyCode, std::uint32_t mods);
     void waitFor(const char* what, const std::function<bool()>& holds);
@@ -193,12 +193,12 @@ private:
     Program& m_program = Program::shared();
     Observer& m_observer = m_stage.observer;
     x11test::TemporaryFolder m_folder;
-    x11test::TemporaryFolder m_entries; // of installed applications
+    x11test::TemporaryFolder m_entries; // desktop entries of installed applications
     Line m_line{m_stage.server.display()};
     std::vector<std::unique_ptr<Line>> m_copies;
     std::vector<Application> m_applications;
     std::unique_ptr<TestClient> m_panel;
-    std::unique_ptr<TestClient> m_holder; // of key combinations
+    std::unique_ptr<TestClient> m_holder; // the client that grabs key combinations
 
     sim::SimAlerts m_alerts;
     sim::SimOpenUrl m_openUrl;
@@ -220,7 +220,7 @@ private:
 X11ContractDesktop::Application& X11ContractDesktop::owner(xcb_window_t window) {
     const auto found = std::find_if(m_applications.begin(), m_applications.end(),
                                     [&](const Application& one) { return one.has(window); });
-    require(found != m_applications.end(), "a window that somebody owns");
+    require(found != m_applications.end(), "application that owns the window");
     return *found;
 }
 
@@ -238,11 +238,11 @@ Element X11ContractDesktop::element(WindowHandle window) {
     const Element application = m_accessibility.application(owner(id(window)).client->pid());
     const auto value = m_accessibility.copyAttribute(application, attribute::kWindows);
     const auto* const windows = value ? std::get_if<std::vector<Element>>(&*value) : nullptr;
-    require(windows != nullptr, "a list of windows");
+    require(windows != nullptr, "list of windows");
     const auto found = std::find_if(windows->begin(), windows->end(), [&](const Element& element) {
         return static_cast<xcb_window_t>(m_accessibility.key(element)) == id(window);
     });
-    require(found != windows->end(), "an element for the window");
+    require(found != windows->end(), "element for the window");
     return *found;
 }
 
@@ -260,9 +260,9 @@ WindowHandle X11ContractDesktop::openWindow(AppHandle application, const WindowO
     const xcb_window_t window = opener.client->open(made);
     opener.windows.push_back(window);
     m_observer.watch(window);
-    waitFor("a managed window", [&] { return m_observer.managed(window); });
+    waitFor("managed window", [&] { return m_observer.managed(window); });
     m_observer.moveOuterFrame(window, frameFrom(options.axFrame));
-    waitFor("a window in its place",
+    waitFor("window at its position",
             [&] { return m_observer.outerFrame(window) == frameFrom(options.axFrame); });
     return {static_cast<int>(window)};
 }
@@ -270,14 +270,15 @@ WindowHandle X11ContractDesktop::openWindow(AppHandle application, const WindowO
 void X11ContractDesktop::focus(WindowHandle window) {
     constexpr std::uint32_t kPager = 2;
     m_observer.activate(id(window));
-    // Not every manager raises what it activates.
+    // Not every window manager raises the window that it activates.
     m_observer.sendToRoot(id(window), "_NET_RESTACK_WINDOW",
                           {kPager, XCB_WINDOW_NONE, XCB_STACK_MODE_ABOVE, 0, 0});
-    waitFor("the focus", [&] {
+    waitFor("focus in the window on top", [&] {
         const auto stack = m_observer.values(m_observer.root(), "_NET_CLIENT_LIST_STACKING");
         const auto top =
             std::find_if(stack.rbegin(), stack.rend(), [&](xcb_window_t one) { return isOurs(one); });
-        const bool isOnTop = top == stack.rend() || *top == id(window); // a single window may have no stack
+        // Some window managers list no stacking order for a single window.
+        const bool isOnTop = top == stack.rend() || *top == id(window);
         return m_observer.activeWindow() == id(window) && isOnTop;
     });
     m_program.waitUntilWithoutFocus();
@@ -285,25 +286,26 @@ void X11ContractDesktop::focus(WindowHandle window) {
 
 void X11ContractDesktop::minimize(WindowHandle window) {
     m_observer.iconify(id(window));
-    waitFor("a minimised window", [&] { return m_observer.hasState(id(window), "_NET_WM_STATE_HIDDEN"); });
+    waitFor("minimised window", [&] { return m_observer.hasState(id(window), "_NET_WM_STATE_HIDDEN"); });
 }
 
 void X11ContractDesktop::enterFullScreen(WindowHandle window) {
     m_observer.changeState(id(window), StateChange::Add, "_NET_WM_STATE_FULLSCREEN");
-    waitFor("full screen", [&] { return m_observer.hasState(id(window), "_NET_WM_STATE_FULLSCREEN"); });
+    waitFor("full-screen window",
+            [&] { return m_observer.hasState(id(window), "_NET_WM_STATE_FULLSCREEN"); });
 }
 
 void X11ContractDesktop::closeWindow(WindowHandle window) {
     owner(id(window)).client->destroy(id(window));
-    waitFor("a closed window", [&] { return !m_observer.managed(id(window)); });
+    waitFor("closed window", [&] { return !m_observer.managed(id(window)); });
 }
 
 void X11ContractDesktop::killApplication(AppHandle application) {
-    // The server may give their numbers to the next program's windows.
+    // The server may reuse their window ids for the next client.
     const auto windows =
         std::exchange(m_applications.at(static_cast<std::size_t>(application.number)).windows, {});
     client(application).process().kill();
-    waitFor("an end of its windows", [&] {
+    waitFor("closed windows of the killed application", [&] {
         return std::none_of(windows.begin(), windows.end(),
                             [&](xcb_window_t window) { return m_observer.managed(window); });
     });
@@ -316,7 +318,7 @@ void X11ContractDesktop::addPanel(double height) {
     const xcb_window_t panel = m_panel->open({.client = {0, 0, pixels(kPrimary.width), pixels(height)},
                                               .type = "_NET_WM_WINDOW_TYPE_DOCK",
                                               .strut = {0, 0, depth, 0, 0, 0, 0, 0, 0, lastPixel, 0, 0}});
-    waitFor("a panel", [&] { return m_observer.managed(panel); });
+    waitFor("panel", [&] { return m_observer.managed(panel); });
 }
 
 x11test::Combination X11ContractDesktop::combination(std::uint32_t keyCode, std::uint32_t mods) {
@@ -325,7 +327,7 @@ x11test::Combination X11ContractDesktop::combination(std::uint32_t keyCode, std:
                                                                       {2048, XCB_MOD_MASK_1},
                                                                       {4096, XCB_MOD_MASK_CONTROL}};
     const auto keycode = x11::keycodeOf(keyCode);
-    require(keycode.has_value(), "a key of that number");
+    require(keycode.has_value(), "key with this virtual key code");
     unsigned state = 0;
     for (const auto& [bit, mask] : kModifiers)
         state |= (mods & bit) != 0 ? mask : 0U;
@@ -349,11 +351,11 @@ std::optional<std::string> X11ContractDesktop::rejectedCopy(std::string_view key
 }
 
 void X11ContractDesktop::settle() {
-    require(m_observer.settle(), "an answer of the window manager");
+    require(m_observer.settle(), "reply from the window manager");
     for (const auto& copy : m_copies)
         copy->roundTrip();
     for (const auto& copy : m_copies)
-        copy->roundTrip(); // what the others have just sent
+        copy->roundTrip(); // reads what the other copies have sent during the first pass
     m_line.roundTrip();
     m_program.settle();
 }

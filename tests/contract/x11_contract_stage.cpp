@@ -23,7 +23,7 @@ std::unique_ptr<x11::Connection> open(const std::string& display, MainQueuePort&
 
 void require(bool holds, const char* what) {
     if (!holds)
-        throw std::runtime_error(std::string("it never came to pass: ") + what);
+        throw std::runtime_error(std::string("the test desktop is not as expected: no ") + what);
 }
 
 Stage& Stage::shared() {
@@ -40,10 +40,10 @@ Extents Stage::measureDecoration(const x11test::WindowOptions& options) {
     const xcb_window_t window = client.open(options);
     observer.watch(window);
     const auto extents = [&] { return observer.extents(window, "_NET_FRAME_EXTENTS"); };
-    require(observer.waitUntil([&] { return observer.managed(window) && extents(); }), "a window");
+    require(observer.waitUntil([&] { return observer.managed(window) && extents(); }), "managed window");
     const Extents measured = extents().value_or(Extents{});
     client.process().kill();
-    require(observer.waitUntil([&] { return observer.clients().empty(); }), "an empty desktop");
+    require(observer.waitUntil([&] { return observer.clients().empty(); }), "empty desktop");
     return measured;
 }
 
@@ -77,14 +77,14 @@ void Program::focusOwnWindow() {
     m_window->show();
     m_window->requestActivate();
     require(m_barrier->waitUntil([this] { return QGuiApplication::focusWindow() == &*m_window; }),
-            "the focus in a window of ours");
+            "focus in an own window");
     settle();
 }
 
 void Program::waitUntilWithoutFocus() {
     require(m_barrier->waitUntil([] { return QGuiApplication::focusWindow() == nullptr; }),
-            "the focus elsewhere");
-    settle(); // Qt lets go of the keyboard
+            "focus in another client");
+    settle(); // Qt releases the keyboard grab
 }
 
 void Program::closeWindow() {
@@ -93,7 +93,7 @@ void Program::closeWindow() {
 }
 
 void Program::settle() {
-    require(m_barrier->pass(), "an answer of Qt");
+    require(m_barrier->pass(), "reply from Qt");
 }
 
 Line::Line(const std::string& display) : m_connection(open(display, m_queue)) {

@@ -20,15 +20,15 @@
 
 namespace tessarel::contract {
 
-/// Throws std::runtime_error, which names `what`, unless it has come to pass.
+/// Throws std::runtime_error with `what` in its text unless `holds` is true.
 void require(bool holds, const char* what);
 
-/// Two monitors under a window manager, shared by all cases.
+/// A private X server with two monitors and a window manager, shared by all tests.
 class Stage {
 public:
     [[nodiscard]] static Stage& shared();
 
-    /// Connects every display again.
+    /// Connects all displays again.
     void reset();
     void disconnectSecondDisplay();
 
@@ -37,26 +37,30 @@ public:
     x11test::Observer observer{server.display()};
     x11test::Keyboard keyboard{server, observer};
     x11test::Mouse mouse{observer};
-    // What windows are larger than their clients by; some managers leave parts of it out where there is
-    // nothing to resize.
+    // Frame extents that the window manager adds to a resizable window and to one of fixed size; some window
+    // managers draw no resize borders for the latter.
     const x11test::Extents decoration;
     const x11test::Extents fixedDecoration;
 
 private:
     Stage();
+    /// Opens a window with these options, returns its frame extents and closes it again.
     [[nodiscard]] x11test::Extents measureDecoration(const x11test::WindowOptions& options);
 
-    bool m_complete = true;
+    bool m_complete = true; ///< all displays are connected
 };
 
-/// The program's windows on the stage, and its event loop.
+/// The Qt application under test on the shared X server: its window and its event loop.
 class Program {
 public:
     [[nodiscard]] static Program& shared();
 
+    /// Opens a new window and waits until it has the focus.
     void focusOwnWindow();
+    /// Waits until no window of this application has the focus, and Qt has processed that.
     void waitUntilWithoutFocus();
     void closeWindow();
+    /// Waits until Qt has processed all events that the server has sent.
     void settle();
 
 private:
@@ -70,7 +74,7 @@ private:
     std::optional<QRasterWindow> m_window;
 };
 
-/// A connection that lives on the event loop.
+/// A connection of the back end to the X server, whose events the Qt event loop delivers.
 class Line {
 public:
     explicit Line(const std::string& display);
@@ -78,7 +82,7 @@ public:
     [[nodiscard]] x11::Connection& connection() { return *m_connection; }
     [[nodiscard]] MainQueuePort& queue() { return m_queue; }
 
-    /// Reads all that the server has sent before it answers.
+    /// Waits for a reply, and so reads every event that the server has sent before it.
     void roundTrip() { (void)m_connection->internAtom("PRIMARY"); }
 
 private:

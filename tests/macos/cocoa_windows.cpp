@@ -54,7 +54,7 @@ bool CocoaWindows::eventFilter(QObject* watched, QEvent* event) {
     return false;
 }
 
-/// It may have to be made anew for that.
+/// Recreates the native window first, as Qt may do whenever it shows a widget.
 void CocoaWindows::show(QWidget& widget) {
     const Qt::WindowFlags flags = widget.windowFlags();
     viewOf(widget).makeWindowAnew();

@@ -11,17 +11,19 @@ class QWidget;
 
 namespace tessarel {
 
-/// What Qt does with the system's windows on a Mac, done with those of the fake one for the windows that Qt
-/// shows here, as far as the program depends on it: a window that is shown or raised comes before the others
-/// only if the program is in front, and raising it brings the program to the front unless Qt has been told
-/// not to.
+/// Imitates Qt's Cocoa platform plug-in: gives every top-level widget a window of the fake Mac and applies to
+/// it what Qt does with the widget.
+///
+/// A window that is shown or raised comes to the front only if the program is active. Raising a window also
+/// activates the program, unless QT_MAC_SET_RAISE_PROCESS is 0.
 class CocoaWindows : public QObject {
 public:
-    /// Begins when the application object exists, and ends before it.
+    /// The application object must exist, and outlive this object.
     CocoaWindows();
 
-    /// The NSView that the widget stands for.
+    /// Returns the fake NSView of the widget.
     [[nodiscard]] void* view(QWidget& widget);
+    /// Returns the state of the widget's window.
     [[nodiscard]] fakemac::WindowSight sight(QWidget& widget);
 
 protected:

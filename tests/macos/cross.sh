@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Compiles and links the program for a Mac on Linux, by CMake's branch for that system, and compares the names that the
-# link takes from the frameworks with symbols.txt. docs/macos.md says what that proves.
-#   cross.sh [arm64|x86_64|all]      without an argument: arm64
-# Without npm, which gets the cross compiler, or without its registry, check.sh checks the back end only.
+# Cross-compiles and links the program for macOS on Linux, with the Apple branch of the CMake files, and
+# compares the symbols imported from the frameworks with symbols.txt. docs/macos.md says what that proves.
+#   cross.sh [arm64|x86_64|all]      default: arm64
+# The cross compiler comes from npm. Without npm, its registry or an x86-64 processor, runs check.sh, which
+# checks the back end only.
 set -euo pipefail
 export LC_ALL=C # the order of symbols.txt
 here=$(cd "$(dirname "$0")" && pwd)
@@ -19,7 +20,7 @@ all) archs="arm64 x86_64" ;;
 *) echo "usage: $0 [arm64|x86_64|all]" >&2; exit 2 ;;
 esac
 
-# check_back_end REASON
+# check_back_end REASON: prints the reason and runs check.sh in place of this script.
 check_back_end() {
     echo "$0: $1: checking the macOS back end by itself, without Qt and without a link"
     exec "$here/check.sh" compile "$root"/src/platform/macos/*.mm
@@ -27,7 +28,7 @@ check_back_end() {
 [ "$(uname -m)" = x86_64 ] || check_back_end "not x86_64"
 command -v npm >/dev/null || [ -x "$compiler/zig" ] || check_back_end "no npm"
 
-# Puts the compiler where all checkouts find it.
+# Downloads the compiler into the user's cache folder, which all checkouts share.
 fetch_compiler() {
     local scratch
     mkdir -p "$(dirname "$compiler")"
@@ -43,12 +44,12 @@ fetch_compiler() {
     }
     tar -xzf "$scratch"/*.tgz -C "$scratch" --exclude='package/doc' --exclude='*/include/*-linux-*' \
         --exclude='*/lib/libc/glibc' --exclude='*/lib/libc/mingw' --exclude='*/lib/libc/musl' --exclude='*/lib/libc/wasi'
-    mv -T "$scratch/package" "$compiler" || [ -x "$compiler/zig" ] # where another run has been faster
+    mv -T "$scratch/package" "$compiler" || [ -x "$compiler/zig" ] # another run may have been faster
     rm -rf "$scratch"
 }
 
-# stub LIBRARY FILE: makes a stub of the library at that place in the system; its names are read from the input. A stub
-# that is the same stays the older file, so that nothing is linked again.
+# stub LIBRARY FILE: writes a text-based stub of the library with this install name; reads the exported
+# symbols from the standard input. An unchanged stub keeps its time stamp, so that nothing is linked again.
 stub() {
     {
         printf '%s\n' '--- !tapi-tbd' 'tbd-version: 4' 'targets: [ arm64-macos, x86_64-macos ]' "install-name: '$1'" \
@@ -59,8 +60,8 @@ stub() {
     cmp --quiet "$2.new" "$2" || mv "$2.new" "$2"
 }
 
-# exported LIBRARY...: the names in this machine's libraries, as they are on a Mac. They are the same but for those that
-# have std::string in them, of which the program uses two.
+# exported LIBRARY...: prints the symbols exported by this machine's libraries, mangled as on a Mac. They
+# differ only where std::string is part of the name; the program uses two of those.
 exported() {
     llvm-nm --dynamic --defined-only --just-symbol-name "$@" | sed -E '/:$|^$/d; s/@.*//; s/^/_/
         s/^(__ZNK10QByteArray11toStdString)B5cxx11Ev$/\1Ev/
@@ -96,12 +97,12 @@ make_sdk() {
 [ -x "$compiler/zig" ] || fetch_compiler
 make_sdk
 cd "$root"
-export PATH=$root/tests/packaging/mac_tools:$PATH SIGNED=/dev/null # stand-ins for what makes an icon and signs
+export PATH=$root/tests/packaging/mac_tools:$PATH SIGNED=/dev/null # stand-ins for iconutil and codesign
 for arch in $archs; do
     [ -f "build/apple-$arch/build.ninja" ] || cmake --preset "apple-$arch" >/dev/null
     cmake --build --preset "apple-$arch"
-    # Not the names of the system's own library, of which the compiler has the list, and of Objective-C's runtime, which
-    # differ between the processors.
+    # Leaves out the symbols of libSystem, which the compiler's own list covers, and those of the Objective-C
+    # runtime, which differ between the processors.
     diff <(grep -v -e '^objc ' -e '^System ' "$here/symbols.txt") <(llvm-nm --undefined-only --format=darwin \
         "build/apple-$arch/Tessarel.app/Contents/MacOS/Tessarel" | sed -n 's/.* \(_.*\) (from \(.*\))$/\2 \1/p' |
         grep -v -e '^Qt' -e '^lib' | sort -u) ||

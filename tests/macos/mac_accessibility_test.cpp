@@ -31,7 +31,7 @@ TEST_F(MacAccessibilityTest, APositionIsWrittenAsAPointAndASizeAsASize) {
     EXPECT_EQ(fakemac::mac().writes, (Lines{name + " AXPosition 10 20", name + " AXSize 300 400"}));
 }
 
-TEST_F(MacAccessibilityTest, ATimeLimitHoldsForTheVeryElementAndItsCopies) {
+TEST_F(MacAccessibilityTest, AMessagingTimeoutAppliesToTheObjectAndItsCopiesOnly) {
     const Element limited = found({300, 200});
     const Element copy = limited;
     const Element equal = found({300, 200});
@@ -44,7 +44,7 @@ TEST_F(MacAccessibilityTest, ATimeLimitHoldsForTheVeryElementAndItsCopies) {
     EXPECT_EQ(fakemac::mac().waits, (std::vector<double>{0.25, 6}));
 }
 
-TEST_F(MacAccessibilityTest, TheDesktopsTimeLimitHoldsForAllOthers) {
+TEST_F(MacAccessibilityTest, TheSystemWideTimeoutAppliesToElementsWithoutTheirOwn) {
     fakemac::mac().applications.at(kEditor).answers = false;
     accessibility().setMessagingTimeout(accessibility().systemWide(), 500ms);
 
@@ -54,7 +54,7 @@ TEST_F(MacAccessibilityTest, TheDesktopsTimeLimitHoldsForAllOthers) {
     accessibility().setMessagingTimeout(accessibility().systemWide(), 0ms);
 }
 
-TEST_F(MacAccessibilityTest, APartLeadsToItsWindow) {
+TEST_F(MacAccessibilityTest, APartOfAWindowHasAnAttributeForItsWindow) {
     fakemac::mac().windows.at(window).partRole = "AXButton";
 
     const Element part = found({300, 200});
@@ -67,7 +67,7 @@ TEST_F(MacAccessibilityTest, APartLeadsToItsWindow) {
     EXPECT_NE(accessibility().key(std::get<Element>(*whole)), accessibility().key(part));
 }
 
-TEST_F(MacAccessibilityTest, ANumberComesAsANumberAndATruthValueAsOne) {
+TEST_F(MacAccessibilityTest, NumbersAndBooleansAreDistinguished) {
     fakemac::mac().applications.at(kEditor).numbers["AXMinimized"] = 1;
     fakemac::mac().applications.at(kEditor).enhancedInterface = true;
 
@@ -78,7 +78,7 @@ TEST_F(MacAccessibilityTest, ANumberComesAsANumberAndATruthValueAsOne) {
     EXPECT_TRUE(std::get<bool>(*truth));
 }
 
-TEST_F(MacAccessibilityTest, TheEnhancedInterfaceCanBeSwitched) {
+TEST_F(MacAccessibilityTest, TheEnhancedUserInterfaceCanBeSwitchedOff) {
     fakemac::mac().applications.at(kEditor).enhancedInterface = true;
 
     accessibility().setAttribute(editor, attribute::kEnhancedUserInterface, false);
@@ -86,7 +86,7 @@ TEST_F(MacAccessibilityTest, TheEnhancedInterfaceCanBeSwitched) {
     EXPECT_EQ(fakemac::mac().applications.at(kEditor).enhancedInterface, false);
 }
 
-TEST_F(MacAccessibilityTest, ValuesOfEveryKindAreHandedOverOrLeftOut) {
+TEST_F(MacAccessibilityTest, ValuesThatTheSystemCannotExpressAreNotWritten) {
     const AttributeValue values[] = {1.5,
                                      std::numeric_limits<double>::infinity(),
                                      std::string("text"),
@@ -102,7 +102,7 @@ TEST_F(MacAccessibilityTest, ValuesOfEveryKindAreHandedOverOrLeftOut) {
     EXPECT_EQ(fakemac::mac().windows.at(window).axFrame, (Rect{200, 150, 640, 480}));
 }
 
-TEST_F(MacAccessibilityTest, WithoutPermissionNothingIsSeen) {
+TEST_F(MacAccessibilityTest, WithoutPermissionReadsAreEmptyAndObserversNull) {
     const Element element = found({300, 200});
     fakemac::mac().trusted = false;
 
@@ -111,7 +111,7 @@ TEST_F(MacAccessibilityTest, WithoutPermissionNothingIsSeen) {
     EXPECT_FALSE(accessibility().onWindowCreated(editor, [](const Element&) {}));
 }
 
-TEST_F(MacAccessibilityTest, ASuccessWithoutAResultIsAFailure) {
+TEST_F(MacAccessibilityTest, ASuccessWithoutAResultCountsAsAFailure) {
     fakemac::mac().givesNothing = true;
 
     EXPECT_FALSE(accessibility().copyAttribute(editor, attribute::kRole));
@@ -119,18 +119,18 @@ TEST_F(MacAccessibilityTest, ASuccessWithoutAResultIsAFailure) {
     EXPECT_FALSE(accessibility().onWindowCreated(editor, [](const Element&) {}));
 }
 
-TEST_F(MacAccessibilityTest, TheWholeDesktopHasNoOwner) {
+TEST_F(MacAccessibilityTest, TheSystemWideElementHasNoProcessId) {
     EXPECT_FALSE(accessibility().pid(accessibility().systemWide()));
 }
 
-TEST_F(MacAccessibilityTest, AProgramMayRefuseToBeObserved) {
+TEST_F(MacAccessibilityTest, AnApplicationThatRefusesNotificationsYieldsNull) {
     fakemac::mac().applications.at(kEditor).allowsObservers = false;
 
     EXPECT_FALSE(accessibility().onWindowCreated(editor, [](const Element&) {}));
     EXPECT_FALSE(accessibility().onWindowClosed(found({300, 200}), [] {}));
 }
 
-/// How often, and when, a program is asked that cannot answer yet.
+/// Counts the requests to an application that cannot be observed yet.
 class MacPatienceTest : public MacAccessibilityTest {
 protected:
     [[nodiscard]] SubscriptionPtr observe() {
@@ -149,7 +149,7 @@ protected:
     int created = 0;
 };
 
-TEST_F(MacPatienceTest, AProgramThatHasJustBeenLaunchedIsAskedFiveTimesMore) {
+TEST_F(MacPatienceTest, AnApplicationThatCannotCompleteIsRetriedFiveTimes) {
     program().failures = 5;
     const auto observer = observe();
     ASSERT_TRUE(observer);
@@ -170,7 +170,7 @@ TEST_F(MacPatienceTest, AProgramThatHasJustBeenLaunchedIsAskedFiveTimesMore) {
     EXPECT_EQ(requests(), 0);
 }
 
-TEST_F(MacPatienceTest, ThenItIsLeftAloneUntilItIsActivated) {
+TEST_F(MacPatienceTest, AfterFiveRetriesItIsRetriedAtItsNextActivation) {
     program().failures = 7;
     const auto observer = observe();
     turn(1min);
@@ -186,10 +186,10 @@ TEST_F(MacPatienceTest, ThenItIsLeftAloneUntilItIsActivated) {
     fakemac::launch(8, {});
     fakemac::focus(fakemac::openWindow({.pid = 8, .axFrame = {0, 0, 100, 100}}));
     fakemac::focus(window);
-    EXPECT_EQ(requests(), 0) << "it is observed already";
+    EXPECT_EQ(requests(), 0) << "the application is observed already";
 }
 
-TEST_F(MacPatienceTest, AnotherProgramsActivationDoesNotMatter) {
+TEST_F(MacPatienceTest, TheActivationOfAnotherApplicationCausesNoRetry) {
     program().failures = 7;
     const auto observer = observe();
     turn(1min);
@@ -201,7 +201,7 @@ TEST_F(MacPatienceTest, AnotherProgramsActivationDoesNotMatter) {
     EXPECT_EQ(requests(), 0);
 }
 
-TEST_F(MacPatienceTest, AProgramThatHangsIsNotAskedAgainUntilItIsActivated) {
+TEST_F(MacPatienceTest, AHangingApplicationIsNotRetriedBeforeItsNextActivation) {
     letWaitsTakeTime();
     program().answers = false;
     accessibility().setMessagingTimeout(editor, 100ms);
@@ -217,7 +217,7 @@ TEST_F(MacPatienceTest, AProgramThatHangsIsNotAskedAgainUntilItIsActivated) {
     EXPECT_EQ(created, 1);
 }
 
-TEST_F(MacPatienceTest, AProgramThatTakesLessTimeToRefuseDoesNotHang) {
+TEST_F(MacPatienceTest, AnErrorWithin100MillisecondsIsRetried) {
     letWaitsTakeTime();
     program().answers = false;
     accessibility().setMessagingTimeout(editor, 99ms);
@@ -228,7 +228,7 @@ TEST_F(MacPatienceTest, AProgramThatTakesLessTimeToRefuseDoesNotHang) {
     EXPECT_EQ(fakemac::mac().waits.size(), 6U);
 }
 
-TEST_F(MacPatienceTest, ARefusalIsTakenForOne) {
+TEST_F(MacPatienceTest, ARefusalIsNotRetried) {
     program().allowsObservers = false;
 
     EXPECT_FALSE(observe());
@@ -237,7 +237,7 @@ TEST_F(MacPatienceTest, ARefusalIsTakenForOne) {
     EXPECT_EQ(requests(), 1);
 }
 
-TEST_F(MacPatienceTest, AfterTheEndOfItsSubscriptionAProgramIsNotAskedAgain) {
+TEST_F(MacPatienceTest, NothingIsRetriedAfterTheSubscriptionIsDestroyed) {
     program().failures = 3;
     auto observer = observe();
     turn(20ms);
@@ -250,7 +250,7 @@ TEST_F(MacPatienceTest, AfterTheEndOfItsSubscriptionAProgramIsNotAskedAgain) {
     EXPECT_EQ(requests(), 0);
 }
 
-TEST_F(MacPatienceTest, ADraggedWindowsProgramIsAskedOnce) {
+TEST_F(MacPatienceTest, ObservingTheCloseOfAWindowIsNotRetried) {
     program().failures = 1;
 
     EXPECT_FALSE(accessibility().onWindowClosed(found({300, 200}), [] {}));
@@ -269,12 +269,12 @@ TEST_F(MacAccessibilityTest, NewWindowsAreReportedWhileAMenuIsOpen) {
     EXPECT_EQ(created, 1);
 }
 
-TEST_F(MacAccessibilityTest, AnObserverMayEndItselfWhenCalled) {
+TEST_F(MacAccessibilityTest, AHandlerMayDestroyItsObserver) {
     int created = 0;
     SubscriptionPtr observer;
     observer = accessibility().onWindowCreated(editor, [&](const Element&) {
         observer.reset();
-        ++created; // the handler is still there
+        ++created; // the captures must still be alive
     });
 
     for (int i = 0; i < 2; ++i)
@@ -283,7 +283,7 @@ TEST_F(MacAccessibilityTest, AnObserverMayEndItselfWhenCalled) {
     EXPECT_EQ(created, 1);
 }
 
-TEST_F(MacAccessibilityTest, AnObserverThatHasEndedDoesNotHearWhatWasUnderWay) {
+TEST_F(MacAccessibilityTest, AQueuedNotificationDoesNotReachADestroyedObserver) {
     int created = 0;
     SubscriptionPtr observer;
     observer = accessibility().onWindowCreated(editor, [&](const Element&) {

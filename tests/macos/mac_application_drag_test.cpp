@@ -5,7 +5,7 @@ namespace {
 
 constexpr Point kTitleBar{500, 210};
 
-/// The user drags the editor's window by its title bar.
+/// Drags the editor's window by its title bar.
 class MacApplicationDragTest : public MacApplicationTest {
 protected:
     MacApplicationDragTest() { launch(); }
@@ -16,7 +16,8 @@ protected:
         fakemac::pressLeftButton();
     }
 
-    /// The window follows the pointer before anybody is told of it.
+    /// Moves window and pointer. The window moves first: its application handles the event before the
+    /// monitors.
     void drag(const Point& axPoint) {
         Rect& axFrame = fakemac::mac().windows.at(window).axFrame;
         axFrame.x = kWindow.x + axPoint.x - kTitleBar.x;
@@ -24,7 +25,7 @@ protected:
         fakemac::movePointer(axPoint);
     }
 
-    /// The program reads a window's frame only every 30 ms until the window has moved.
+    /// Waits 30 ms: at the start of a drag the program reads the window's frame no more often than that.
     void letFrameBeReadAgain() {
         bool isTime = false;
         program->mainQueue().asyncAfter(std::chrono::milliseconds(30), [&isTime] { isTime = true; });
@@ -34,7 +35,7 @@ protected:
     fakemac::WindowNumber window = openEditorWindow();
 };
 
-TEST_F(MacApplicationDragTest, WithShiftTheZonesAreShownUntilTheWindowIsInOne) {
+TEST_F(MacApplicationDragTest, WithShiftTheZonesAreShownUntilTheDropAndTheWindowSnaps) {
     fakemac::holdModifiers(kShiftFlag);
     press();
     EXPECT_EQ(overlay(), nullptr);
@@ -48,7 +49,7 @@ TEST_F(MacApplicationDragTest, WithShiftTheZonesAreShownUntilTheWindowIsInOne) {
     EXPECT_TRUE(until([&] { return frameOf(window) == kZone1; }));
 }
 
-TEST_F(MacApplicationDragTest, TheZoneUnderThePointerStandsOut) {
+TEST_F(MacApplicationDragTest, TheZoneUnderThePointerIsHighlighted) {
     fakemac::holdModifiers(kShiftFlag);
     press();
     drag({100, 100});
@@ -58,10 +59,10 @@ TEST_F(MacApplicationDragTest, TheZoneUnderThePointerStandsOut) {
     EXPECT_NEAR(picture.pixelColor(40, 60).alphaF(), 0.35, 0.01);
     EXPECT_NEAR(picture.pixelColor(520, 60).alphaF(), 0.1, 0.01);
     EXPECT_EQ(picture.pixelColor(480, 60).alpha(), 0);
-    EXPECT_EQ(picture.pixelColor(40, 10).alpha(), 0) << "under the menu bar there is no zone";
+    EXPECT_EQ(picture.pixelColor(40, 10).alpha(), 0) << "a zone is drawn under the menu bar";
 }
 
-TEST_F(MacApplicationDragTest, TheZonesHaveTheUsersAccentColour) {
+TEST_F(MacApplicationDragTest, TheZonesAreDrawnInTheUsersAccentColour) {
     fakemac::mac().accent = {1, 0, 0};
     fakemac::holdModifiers(kShiftFlag);
     press();
@@ -73,7 +74,7 @@ TEST_F(MacApplicationDragTest, TheZonesHaveTheUsersAccentColour) {
     EXPECT_LT(color.blue(), 50);
 }
 
-TEST_F(MacApplicationDragTest, WithoutSuchAColourTheyAreBlue) {
+TEST_F(MacApplicationDragTest, WithoutAnAccentColourTheZonesAreBlue) {
     fakemac::holdModifiers(kShiftFlag);
     press();
     drag({100, 100});
@@ -82,7 +83,7 @@ TEST_F(MacApplicationDragTest, WithoutSuchAColourTheyAreBlue) {
     EXPECT_GT(overlay()->grab().toImage().pixelColor(40, 60).blue(), 200);
 }
 
-TEST_F(MacApplicationDragTest, TheOverlayIsAboveStatusItemsOnEverySpaceAndOutOfReach) {
+TEST_F(MacApplicationDragTest, TheOverlayIsAtStatusLevelOnEverySpaceAndIgnoresTheMouse) {
     fakemac::holdModifiers(kShiftFlag);
     press();
     drag({100, 100});
@@ -98,18 +99,18 @@ TEST_F(MacApplicationDragTest, TheOverlayIsAboveStatusItemsOnEverySpaceAndOutOfR
     EXPECT_EQ(windows->sight(*overlay()), expected);
 
     drag({600, 100});
-    EXPECT_EQ(windows->sight(*overlay()), expected) << "with another picture";
+    EXPECT_EQ(windows->sight(*overlay()), expected) << "after a change of the highlighted zone";
 
     drag({1500, 300});
     expected.frame = {1440, -124, 1120, 1024};
-    EXPECT_EQ(windows->sight(*overlay()), expected) << "on another display";
+    EXPECT_EQ(windows->sight(*overlay()), expected) << "after a move to another display";
 
     fakemac::holdModifiers(0);
     fakemac::holdModifiers(kShiftFlag);
-    EXPECT_EQ(windows->sight(*overlay()), expected) << "shown again";
+    EXPECT_EQ(windows->sight(*overlay()), expected) << "after being hidden and shown again";
 }
 
-TEST_F(MacApplicationDragTest, AHotKeyRightAfterTheDropFindsTheDroppedWindowInFront) {
+TEST_F(MacApplicationDragTest, AHotKeyRightAfterTheDropActsOnTheDroppedWindow) {
     fakemac::holdModifiers(kShiftFlag);
     press();
     drag({100, 100});
@@ -136,7 +137,7 @@ TEST_F(MacApplicationDragTest, TheOverlayFollowsThePointerToTheOtherDisplay) {
     EXPECT_TRUE(until([&] { return frameOf(window).x == 1440; }));
 }
 
-TEST_F(MacApplicationDragTest, WithoutShiftNothingIsShownAndTheWindowStaysWhereItWasLet) {
+TEST_F(MacApplicationDragTest, WithoutShiftNoOverlayIsShownAndTheWindowStaysWhereItIsDropped) {
     press();
     drag({100, 100});
     EXPECT_EQ(overlay(), nullptr);
@@ -146,7 +147,7 @@ TEST_F(MacApplicationDragTest, WithoutShiftNothingIsShownAndTheWindowStaysWhereI
     EXPECT_EQ(frameOf(window), (Rect{-100, 90, 500, 400}));
 }
 
-TEST_F(MacApplicationDragTest, ZonesAppearAndVanishUnderARestingPointer) {
+TEST_F(MacApplicationDragTest, ShiftShowsAndHidesTheZonesUnderARestingPointer) {
     press();
     drag({100, 100});
     EXPECT_EQ(overlay(), nullptr);
@@ -161,7 +162,7 @@ TEST_F(MacApplicationDragTest, ZonesAppearAndVanishUnderARestingPointer) {
     EXPECT_EQ(frameOf(window), (Rect{-100, 90, 500, 400}));
 }
 
-TEST_F(MacApplicationDragTest, AWindowThatIsClosedDuringItsDragTakesTheZonesWithIt) {
+TEST_F(MacApplicationDragTest, ClosingTheDraggedWindowHidesTheZones) {
     fakemac::holdModifiers(kShiftFlag);
     press();
     drag({100, 100});
@@ -172,7 +173,7 @@ TEST_F(MacApplicationDragTest, AWindowThatIsClosedDuringItsDragTakesTheZonesWith
     EXPECT_EQ(overlay(), nullptr);
 }
 
-TEST_F(MacApplicationDragTest, AWindowWhoseEndNobodyTellsTakesTheZonesWithItAtTheRelease) {
+TEST_F(MacApplicationDragTest, WithoutACloseNotificationTheReleaseHidesTheZones) {
     fakemac::mac().windows.at(window).tellsItsEnd = false;
     fakemac::holdModifiers(kShiftFlag);
     press();
@@ -187,10 +188,10 @@ TEST_F(MacApplicationDragTest, AWindowWhoseEndNobodyTellsTakesTheZonesWithItAtTh
     press();
     letFrameBeReadAgain();
     drag({100, 100});
-    EXPECT_NE(overlay(), nullptr) << "the next drag";
+    EXPECT_NE(overlay(), nullptr) << "in the next drag";
 }
 
-TEST_F(MacApplicationDragTest, DisplaysMayGoBetweenTwoQuestionsOfOneMovement) {
+TEST_F(MacApplicationDragTest, DisplaysMayBeDisconnectedBetweenTwoCallsOfOneMovement) {
     const auto displays = fakemac::mac().displays;
     fakemac::holdModifiers(kShiftFlag);
     press();
@@ -207,7 +208,7 @@ TEST_F(MacApplicationDragTest, DisplaysMayGoBetweenTwoQuestionsOfOneMovement) {
     EXPECT_NE(overlay(), nullptr);
 }
 
-TEST_F(MacApplicationDragTest, TheProgramMayEndInTheMiddleOfADrag) {
+TEST_F(MacApplicationDragTest, TheProgramMayExitDuringADrag) {
     fakemac::holdModifiers(kShiftFlag);
     press();
     drag({100, 100});

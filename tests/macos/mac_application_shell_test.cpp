@@ -21,7 +21,7 @@ protected:
     static constexpr const char* kPrivacySettings =
         "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
 
-    /// The control that takes the keys for the first zone.
+    /// Returns the recorder of the first zone's shortcut; null when the window does not show one.
     [[nodiscard]] static RecorderButton* firstRecorder() {
         for (auto* const button : settingsWindow()->findChildren<QPushButton*>()) {
             auto* const recorder = dynamic_cast<RecorderButton*>(button);
@@ -31,7 +31,7 @@ protected:
         return nullptr;
     }
 
-    /// Presses the button of the message that will be shown by then.
+    /// Schedules a click on the button called `title` of the message that is shown next.
     void answer(const QString& title) {
         program->mainQueue().async([title] {
             fakemac::turn();
@@ -45,11 +45,11 @@ protected:
     }
 };
 
-TEST_F(MacApplicationShellTest, QtNeverBringsTheProgramToTheFront) {
+TEST_F(MacApplicationShellTest, QtDoesNotActivateTheProgramWhenItRaisesAWindow) {
     EXPECT_EQ(qgetenv("QT_MAC_SET_RAISE_PROCESS"), "0");
 }
 
-TEST_F(MacApplicationShellTest, TheStartPutsUpEverything) {
+TEST_F(MacApplicationShellTest, LaunchingInstallsStatusItemMonitorsHotKeysAndMainMenu) {
     EXPECT_EQ(launch(), Launch::Running);
 
     EXPECT_EQ(fakemac::statusItems(), (std::vector<fakemac::StatusItemSight>{{.symbol = "rectangle.3.group",
@@ -58,9 +58,9 @@ TEST_F(MacApplicationShellTest, TheStartPutsUpEverything) {
                                                                               .title = "",
                                                                               .appearsDisabled = false}}));
     EXPECT_EQ(fakemac::globalMonitors(), 3U);
-    EXPECT_EQ(fakemac::claims().size(), 15U) << "all actions but those of the four zones that are not used";
+    EXPECT_EQ(fakemac::claims().size(), 15U) << "expected all actions but those of the four unused zones";
     EXPECT_FALSE(fakemac::mainMenuRows().empty());
-    EXPECT_EQ(fakemac::mac().activationPolicy, 1) << "no place in the Dock";
+    EXPECT_EQ(fakemac::mac().activationPolicy, 1) << "the program has a Dock icon";
     EXPECT_EQ(fakemac::mac().prompted, Lines());
 }
 
@@ -83,7 +83,7 @@ TEST_F(MacApplicationShellTest, QuittingLeavesNothingBehind) {
     EXPECT_EQ(fakemac::heldObjects(), Lines());
 }
 
-TEST_F(MacApplicationShellTest, TheFirstStartWelcomesAndThenAsksForThePermission) {
+TEST_F(MacApplicationShellTest, TheFirstLaunchShowsTheWelcomeAndThenRequestsThePermission) {
     fakemac::mac().defaults.clear();
     fakemac::mac().trusted = false;
     launch();
@@ -98,7 +98,7 @@ TEST_F(MacApplicationShellTest, TheFirstStartWelcomesAndThenAsksForThePermission
         << fakemac::mac().defaults[kSettingsKey];
 }
 
-TEST_F(MacApplicationShellTest, WithoutThePermissionItIsAskedForAndOnceItIsGivenAllWorks) {
+TEST_F(MacApplicationShellTest, ThePermissionIsRequestedAndHotKeysWorkOnceItIsGranted) {
     fakemac::mac().trusted = false;
     launch();
     EXPECT_EQ(fakemac::mac().prompted.size(), 1U);
@@ -112,7 +112,7 @@ TEST_F(MacApplicationShellTest, WithoutThePermissionItIsAskedForAndOnceItIsGiven
     EXPECT_NE(frameOf(window), kWindow);
 }
 
-TEST_F(MacApplicationShellTest, TheMenuLeadsToThePermission) {
+TEST_F(MacApplicationShellTest, TheMenuRequestsThePermissionUntilItIsGranted) {
     fakemac::mac().trusted = false;
     launch();
 
@@ -125,7 +125,7 @@ TEST_F(MacApplicationShellTest, TheMenuLeadsToThePermission) {
     EXPECT_FALSE(fakemac::clickAt({"Grant Accessibility access..."}));
 }
 
-TEST_F(MacApplicationShellTest, ASecondCopyShowsTheSettingsOfTheFirst) {
+TEST_F(MacApplicationShellTest, StartingASecondCopyShowsTheSettingsOfTheFirst) {
     launch();
 
     fakemac::mac().ownPid = 4343;
@@ -135,7 +135,7 @@ TEST_F(MacApplicationShellTest, ASecondCopyShowsTheSettingsOfTheFirst) {
     EXPECT_TRUE(until([] { return settingsWindow() != nullptr; }));
 }
 
-TEST_F(MacApplicationShellTest, TheSettingsComeToTheFrontThoughTheProgramMayNot) {
+TEST_F(MacApplicationShellTest, TheSettingsComeToTheFrontWhenActivationIsRefused) {
     launch();
     openEditorWindow();
     fakemac::mac().grantsActivation = false;
@@ -149,7 +149,7 @@ TEST_F(MacApplicationShellTest, TheSettingsComeToTheFrontThoughTheProgramMayNot)
     EXPECT_TRUE(windows->sight(*settingsWindow()).hasKeyboard);
 }
 
-TEST_F(MacApplicationShellTest, SettingsThatAreShownAlreadyComeToTheFrontAgain) {
+TEST_F(MacApplicationShellTest, AnOpenSettingsWindowComesToTheFrontAgain) {
     launch();
     choose({"Settings..."});
     ASSERT_TRUE(until([] { return settingsWindow() != nullptr; }));
@@ -163,7 +163,7 @@ TEST_F(MacApplicationShellTest, SettingsThatAreShownAlreadyComeToTheFrontAgain) 
     EXPECT_TRUE(until([&] { return windows->sight(*settingsWindow()).isInFront; }));
 }
 
-TEST_F(MacApplicationShellTest, AMessageComesToTheFrontThoughTheProgramMayNot) {
+TEST_F(MacApplicationShellTest, AMessageComesToTheFrontWhenActivationIsRefused) {
     fakemac::mac().defaults.clear();
     fakemac::mac().grantsActivation = false;
     launch();
@@ -182,7 +182,7 @@ TEST_F(MacApplicationShellTest, AMessageComesToTheFrontThoughTheProgramMayNot) {
     }));
 }
 
-TEST_F(MacApplicationShellTest, AMessageStandsBeforeTheSettingsWhenBothComeToTheFront) {
+TEST_F(MacApplicationShellTest, AModalMessageBecomesTheKeyWindowInsteadOfTheSettings) {
     launch();
     choose({"Settings..."});
     ASSERT_TRUE(until([] { return settingsWindow() != nullptr; }));
@@ -204,7 +204,7 @@ TEST_F(MacApplicationShellTest, OpeningTheProgramAgainShowsTheSettings) {
     EXPECT_TRUE(until([] { return settingsWindow() != nullptr; }));
 }
 
-TEST_F(MacApplicationShellTest, ASecondCopyTouchesNothing) {
+TEST_F(MacApplicationShellTest, ASecondCopyRegistersNothing) {
     fakemac::launch(1, {.startedAt = 1, .bundleIdentifier = kOwnIdentifier});
 
     EXPECT_EQ(launch(), Launch::AnotherCopyRuns);
@@ -215,7 +215,7 @@ TEST_F(MacApplicationShellTest, ASecondCopyTouchesNothing) {
     EXPECT_EQ(fakemac::mac().prompted, Lines());
 }
 
-TEST_F(MacApplicationShellTest, TheEditMenuServesTheFieldsOfOurWindows) {
+TEST_F(MacApplicationShellTest, TheEditMenuActsOnTextFieldsOfOwnWindows) {
     launch();
     QLineEdit field(QStringLiteral("zone"));
     field.show();
@@ -227,10 +227,10 @@ TEST_F(MacApplicationShellTest, TheEditMenuServesTheFieldsOfOurWindows) {
     EXPECT_TRUE(fakemac::pressMenuKey('c'));
 
     EXPECT_EQ(QApplication::clipboard()->text(), QStringLiteral("zone"));
-    EXPECT_EQ(fakemac::mac().actions, Lines()) << "the system has not been asked";
+    EXPECT_EQ(fakemac::mac().actions, Lines()) << "an action was sent along the responder chain";
 }
 
-TEST_F(MacApplicationShellTest, AShortcutThatIsRecordedWorksAtOnce) {
+TEST_F(MacApplicationShellTest, ARecordedShortcutWorksAtOnce) {
     constexpr std::uint32_t kKeyK = 40;
     launch();
     const auto window = openEditorWindow();
@@ -248,7 +248,7 @@ TEST_F(MacApplicationShellTest, AShortcutThatIsRecordedWorksAtOnce) {
     EXPECT_EQ(frameOf(window), (Rect{0, 25, 480, 438}));
 }
 
-TEST_F(MacApplicationShellTest, ClosingAWindowIsTheSystems) {
+TEST_F(MacApplicationShellTest, CloseWindowIsSentAlongTheResponderChain) {
     launch();
 
     EXPECT_TRUE(fakemac::pressMenuKey('w'));

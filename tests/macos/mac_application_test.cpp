@@ -12,7 +12,7 @@ TEST_F(MacApplicationTest, AHotKeySnapsTheFrontWindowIntoItsZone) {
     EXPECT_EQ(frameOf(window), kZone1);
 }
 
-TEST_F(MacApplicationTest, AnActionOfTheMenuIsDoneWhenTheMenuHasClosed) {
+TEST_F(MacApplicationTest, AMenuActionRunsAfterTheMenuHasClosed) {
     launch();
     const auto window = openEditorWindow();
 
@@ -22,7 +22,7 @@ TEST_F(MacApplicationTest, AnActionOfTheMenuIsDoneWhenTheMenuHasClosed) {
     EXPECT_TRUE(until([&] { return frameOf(window) == Rect{0, 25, 1440, 875}; }));
 }
 
-TEST_F(MacApplicationTest, AWindowGoesToTheOtherDisplayAndBack) {
+TEST_F(MacApplicationTest, AWindowMovesToTheOtherDisplayAndBack) {
     launch();
     const auto window = openEditorWindow();
 
@@ -33,7 +33,7 @@ TEST_F(MacApplicationTest, AWindowGoesToTheOtherDisplayAndBack) {
     EXPECT_TRUE(until([&] { return frameOf(window).x < 1440; }));
 }
 
-TEST_F(MacApplicationTest, ALayoutFromTheMenuIsSavedAndIsTheOneOfTheNextSnap) {
+TEST_F(MacApplicationTest, ALayoutChosenFromTheMenuIsSavedAndUsedByTheNextSnap) {
     launch();
     const auto window = openEditorWindow();
 
@@ -46,10 +46,10 @@ TEST_F(MacApplicationTest, ALayoutFromTheMenuIsSavedAndIsTheOneOfTheNextSnap) {
     launch();
     fakemac::mac().windows.at(window).axFrame = kWindow;
     fakemac::pressKeys(kKey1, kCtrlOpt);
-    EXPECT_EQ(frameOf(window), (Rect{0, 25, 720, 875})) << "after the next start";
+    EXPECT_EQ(frameOf(window), (Rect{0, 25, 720, 875})) << "after a restart";
 }
 
-TEST_F(MacApplicationTest, ANewWindowOfARememberedApplicationGoesHome) {
+TEST_F(MacApplicationTest, ANewWindowOfARememberedApplicationMovesIntoItsZone) {
     settings(R"(, "appZones": {"org.example.editor": 0})");
     launch();
 
@@ -58,7 +58,7 @@ TEST_F(MacApplicationTest, ANewWindowOfARememberedApplicationGoesHome) {
     EXPECT_TRUE(until([&] { return frameOf(window) == kZone1; }));
 }
 
-TEST_F(MacApplicationTest, AnApplicationThatIsStartedIsRememberedAsWell) {
+TEST_F(MacApplicationTest, AnApplicationLaunchedLaterIsRemembered) {
     launch();
     fakemac::launch(8, {.bundleIdentifier = "org.example.terminal"});
     const auto first = fakemac::openWindow({.pid = 8, .axFrame = kWindow});
@@ -70,7 +70,7 @@ TEST_F(MacApplicationTest, AnApplicationThatIsStartedIsRememberedAsWell) {
     EXPECT_TRUE(until([&] { return frameOf(second) == kZone1; }));
 }
 
-TEST_F(MacApplicationTest, AnApplicationThatCannotBeObservedYetIsRememberedAsWell) {
+TEST_F(MacApplicationTest, AnApplicationThatCannotBeObservedAtLaunchIsObservedLater) {
     settings(R"(, "appZones": {"org.example.terminal": 0})");
     launch();
     fakemac::launch(8, {.bundleIdentifier = "org.example.terminal", .failures = 3});
@@ -85,7 +85,7 @@ TEST_F(MacApplicationTest, AnApplicationThatCannotBeObservedYetIsRememberedAsWel
     EXPECT_TRUE(until([&] { return frameOf(window) == kZone1; }));
 }
 
-TEST_F(MacApplicationTest, WindowsAreArrangedAsTheWindowServerListsThem) {
+TEST_F(MacApplicationTest, WindowsAreArrangedInTheWindowServersOrder) {
     launch();
     const auto behind = openEditorWindow();
     const auto front = openEditorWindow({500, 300, 500, 400});
@@ -96,7 +96,7 @@ TEST_F(MacApplicationTest, WindowsAreArrangedAsTheWindowServerListsThem) {
     EXPECT_EQ(frameOf(behind), (Rect{480, 25, 480, 438}));
 }
 
-TEST_F(MacApplicationTest, APauseHoldsUntilTheMenuIsUsedAgain) {
+TEST_F(MacApplicationTest, APauseLastsUntilTheMenuEndsIt) {
     launch();
     const auto window = openEditorWindow();
 

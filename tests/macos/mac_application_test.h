@@ -20,8 +20,8 @@
 
 namespace tessarel {
 
-/// The whole program, put together as on a Mac, on a fake Mac with two displays and an editor. Nothing of it
-/// may be left when it has ended.
+/// The whole program, assembled as on a Mac, on a fake Mac with two displays and a running editor. The
+/// destructor fails the test if the program leaves any object of the system behind.
 class MacApplicationTest : public ::testing::Test {
 protected:
     static constexpr ProcessId kEditor = 7;
@@ -31,7 +31,8 @@ protected:
     static constexpr std::uint32_t kCtrlOpt = 4096 + 2048;
     static constexpr std::uint32_t kKey1 = 18;
     static constexpr Rect kWindow{300, 200, 500, 400};
-    static constexpr Rect kZone1{0, 25, 480, 438}; ///< of three columns above and two below
+    /// First zone of the layout with three columns above and two below.
+    static constexpr Rect kZone1{0, 25, 480, 438};
 
     static void SetUpTestSuite() {
         qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -57,8 +58,8 @@ protected:
         EXPECT_EQ(fakemac::heldObjects(), std::vector<std::string>());
     }
 
-    /// What the last start of the program has left: the welcome has been seen, no version is looked for
-    /// before the year 2100, and `more`.
+    /// Stores a settings document: the welcome has been shown, the next update check is due in the year 2100,
+    /// and `more` is appended.
     static void settings(const std::string& more = {}) {
         fakemac::mac().defaults[kSettingsKey] =
             R"({"hasOnboarded": true, "lastUpdateCheck": 4102444800)" + more + "}";
@@ -68,7 +69,7 @@ protected:
         return program.emplace([this](QWidget& widget) { return windows->view(widget); }).launch();
     }
 
-    /// A window of the editor's, in front.
+    /// Opens a window of the editor and gives it the focus.
     static fakemac::WindowNumber openEditorWindow(const Rect& axFrame = kWindow) {
         const auto window = fakemac::openWindow({.pid = kEditor, .axFrame = axFrame});
         fakemac::focus(window);
@@ -79,7 +80,7 @@ protected:
         return fakemac::mac().windows.at(window).axFrame;
     }
 
-    /// Opens the menu of the status item and clicks on the row that these titles lead to.
+    /// Opens the menu of the status item and clicks the row at the end of this path of titles.
     static void choose(const std::vector<std::string>& titles) {
         ASSERT_FALSE(fakemac::openStatusMenu().empty());
         const auto click = fakemac::clickAt(titles);
@@ -87,7 +88,7 @@ protected:
         click();
     }
 
-    /// The window of the program's with this title, as long as it is shown.
+    /// Returns the visible window with this title; null when there is none.
     [[nodiscard]] static QWidget* shownWindow(const QString& title) {
         for (QWidget* const window : QApplication::topLevelWidgets()) {
             if (window->isVisible() && window->windowTitle() == title)
@@ -98,10 +99,10 @@ protected:
     [[nodiscard]] static QWidget* settingsWindow() {
         return shownWindow(QStringLiteral("Tessarel Settings"));
     }
-    /// Alone among the windows it has no title.
+    /// Returns the visible overlay, the only window without a title; null when none is shown.
     [[nodiscard]] static QWidget* overlay() { return shownWindow(QString()); }
 
-    /// Turns the loop until `holds` does; false when that takes longer than it ever should.
+    /// Runs the loop until `holds` returns true. Returns false after a timeout of 20 s.
     template <class Condition>
     [[nodiscard]] static bool until(Condition holds) {
         QTimer safety;
@@ -114,7 +115,7 @@ protected:
         return holds();
     }
 
-    /// Turns the loop until all that was due has been done.
+    /// Runs the loop until all work that is due now has been done.
     void drain() {
         bool last = false;
         program->mainQueue().async([&last] { last = true; });
@@ -129,7 +130,7 @@ private:
 
 protected:
     std::optional<CocoaWindows> windows;
-    std::optional<MacProgram> program; // ends before Qt does
+    std::optional<MacProgram> program; // destroyed before the application object
 };
 
 } // namespace tessarel

@@ -14,8 +14,8 @@ namespace {
 
 constexpr const char* kOwnIdentifier = "com.example.tessarel-under-test";
 
-/// One more copy of the program: a process that starts when it claims the desktop, and ends when it is
-/// refused or lets go.
+/// One more copy of the program: a process that starts with its claim, and exits when the claim is refused or
+/// destroyed.
 class Copy : public SingleInstancePort {
 public:
     explicit Copy(ProcessId pid) : m_pid(pid) {}
@@ -43,7 +43,7 @@ private:
     ProcessId m_pid;
 };
 
-/// The suite's stage on the back end over the fake frameworks.
+/// The contract's desktop on the macOS back end over the fake frameworks.
 class MacContractDesktop : public ContractDesktop {
 public:
     MacContractDesktop() {
@@ -68,7 +68,7 @@ public:
     MousePort& mouse() override { return m_mac->mouse; }
     TrustPort& trust() override { return m_mac->trust; }
     WorkspacePort& workspace() override { return m_mac->workspace; }
-    // Qt's on a Mac as elsewhere, and tried there.
+    // On macOS the program uses Qt's main queue, which the X11 run of this suite tests.
     std::unique_ptr<MainQueuePort> makeMainQueue() override {
         return std::make_unique<sim::SimMainQueue>(m_clock);
     }

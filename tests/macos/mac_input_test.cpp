@@ -21,13 +21,13 @@ protected:
     SubscriptionPtr handler = desktop->hotKeys.installHandler([this](std::uint32_t) { ++pressed; });
 };
 
-TEST_F(MacHotKeysTest, AClaimCarriesSignatureAndNumber) {
+TEST_F(MacHotKeysTest, AHotKeyIsRegisteredWithSignatureAndId) {
     const auto hotKey = claim(7);
 
     EXPECT_EQ(fakemac::claims(), Lines{"18 6144 1196906308 7"});
 }
 
-TEST_F(MacHotKeysTest, AnotherProgramsClaimDoesNotKeepUsFromOurs) {
+TEST_F(MacHotKeysTest, ACombinationOfAnotherApplicationCanBeRegistered) {
     fakemac::claimForAnotherProgram(kKey1, kCtrlOpt);
     const auto hotKey = claim(7);
     ASSERT_TRUE(hotKey);
@@ -38,7 +38,7 @@ TEST_F(MacHotKeysTest, AnotherProgramsClaimDoesNotKeepUsFromOurs) {
     EXPECT_EQ(fakemac::mac().pressesForOthers, 1);
 }
 
-TEST_F(MacHotKeysTest, EveryHandlerHearsOfAPress) {
+TEST_F(MacHotKeysTest, EveryHandlerIsCalledForAPress) {
     int second = 0;
     const auto other = desktop->hotKeys.installHandler([&](std::uint32_t) { ++second; });
     const auto hotKey = claim(7);
@@ -49,7 +49,7 @@ TEST_F(MacHotKeysTest, EveryHandlerHearsOfAPress) {
     EXPECT_EQ(second, 1);
 }
 
-TEST_F(MacHotKeysTest, APressReachesOneHandlerOfTheProgram) {
+TEST_F(MacHotKeysTest, AnOwnHotKeyIsNotPassedOnToALibrary) {
     fakemac::installLibraryHandler();
     const auto hotKey = claim(7);
 
@@ -59,7 +59,7 @@ TEST_F(MacHotKeysTest, APressReachesOneHandlerOfTheProgram) {
     EXPECT_TRUE(fakemac::mac().libraryHotKeys.empty());
 }
 
-TEST_F(MacHotKeysTest, APressThatIsRecordedReachesNoHandlerAtAll) {
+TEST_F(MacHotKeysTest, ARecordedPressReachesNoHandler) {
     fakemac::installLibraryHandler();
     fakemac::launch(fakemac::mac().ownPid, {});
     fakemac::focus(fakemac::openWindow({.pid = fakemac::mac().ownPid, .axFrame = {0, 0, 400, 300}}));
@@ -72,7 +72,7 @@ TEST_F(MacHotKeysTest, APressThatIsRecordedReachesNoHandlerAtAll) {
     EXPECT_TRUE(fakemac::mac().libraryHotKeys.empty());
 }
 
-TEST_F(MacHotKeysTest, AHotKeyOfALibraryIsLeftToTheLibrary) {
+TEST_F(MacHotKeysTest, AHotKeyOfALibraryIsPassedOnToTheLibrary) {
     fakemac::installLibraryHandler();
     const auto hotKey = claim(7);
 
@@ -82,7 +82,7 @@ TEST_F(MacHotKeysTest, AHotKeyOfALibraryIsLeftToTheLibrary) {
     EXPECT_EQ(fakemac::mac().libraryHotKeys, std::vector<std::uint32_t>{7});
 }
 
-TEST_F(MacHotKeysTest, APressCountsWhileAMenuIsOpen) {
+TEST_F(MacHotKeysTest, AHotKeyWorksWhileAMenuIsOpen) {
     const auto item = desktop->statusItem.create({[] { return Menu(); }, [](const MenuItem&) {}});
     const auto hotKey = claim(7);
     (void)fakemac::openStatusMenu();
@@ -92,7 +92,7 @@ TEST_F(MacHotKeysTest, APressCountsWhileAMenuIsOpen) {
     EXPECT_EQ(pressed, 1);
 }
 
-TEST_F(MacHotKeysTest, AHandlerMayEndItselfWhenCalled) {
+TEST_F(MacHotKeysTest, AHandlerMayDestroyItsSubscription) {
     handler = desktop->hotKeys.installHandler([this](std::uint32_t) {
         handler.reset();
         ++pressed;
@@ -114,7 +114,7 @@ TEST_F(MacHotKeysTest, ClaimsAndHandlersMayOutliveTheBackEnd) {
     EXPECT_EQ(pressed, 0);
 }
 
-TEST_F(MacHotKeysTest, TheLastKeyCodeIs127) {
+TEST_F(MacHotKeysTest, TheLargestKeyCodeIs127) {
     const std::vector<HotKeyRequest> requests{{127, kCtrlOpt, {0x47575744, 1}},
                                               {128, kCtrlOpt, {0x47575744, 2}}};
 
@@ -130,7 +130,8 @@ TEST_F(MacHotKeysTest, NoExceptionLeavesTheHandler) {
     const auto hotKey = claim(7);
 
     EXPECT_NO_THROW(fakemac::pressKeys(kKey1, kCtrlOpt));
-    EXPECT_EQ(fakemac::mac().libraryHotKeys, std::vector<std::uint32_t>{}) << "the press was dealt with";
+    EXPECT_EQ(fakemac::mac().libraryHotKeys, std::vector<std::uint32_t>{})
+        << "the press was passed on to the library";
 }
 
 class MacLocalKeysTest : public MacTest {
@@ -147,7 +148,7 @@ protected:
     });
 };
 
-TEST_F(MacLocalKeysTest, AKeyThatIsHeldDownComesOnce) {
+TEST_F(MacLocalKeysTest, AHeldKeyIsReportedOnce) {
     fakemac::pressKeys(kKey1, kCtrlOpt);
     fakemac::pressKeys(kKey1, kCtrlOpt, true);
 
@@ -160,7 +161,7 @@ TEST_F(MacLocalKeysTest, OnlyTheFourModifiersAreReported) {
     EXPECT_EQ(keys, (std::vector<KeyDown>{{kKey1, kCommandFlag}}));
 }
 
-TEST_F(MacLocalKeysTest, OnlyAKeyThatNoMonitorTakesReachesTheWindow) {
+TEST_F(MacLocalKeysTest, OnlyAKeyThatNoMonitorConsumesReachesTheWindow) {
     fakemac::pressKeys(kKey1, kCtrlOpt);
     EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 0);
 
@@ -169,7 +170,7 @@ TEST_F(MacLocalKeysTest, OnlyAKeyThatNoMonitorTakesReachesTheWindow) {
     EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 1);
 }
 
-TEST_F(MacLocalKeysTest, AMonitorThatEndsWhileAKeyIsUnderWayLetsItPass) {
+TEST_F(MacLocalKeysTest, AMonitorDestroyedDuringTheDeliveryDoesNotConsumeTheKey) {
     SubscriptionPtr later;
     monitor = desktop->localKeys.monitorKeyDown([&](const KeyDown&) {
         later.reset();
@@ -182,7 +183,7 @@ TEST_F(MacLocalKeysTest, AMonitorThatEndsWhileAKeyIsUnderWayLetsItPass) {
     EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 1);
 }
 
-TEST_F(MacLocalKeysTest, AKeyWhoseMonitorThrowsIsDealtWith) {
+TEST_F(MacLocalKeysTest, AKeyWhoseHandlerThrowsIsConsumed) {
     monitor = desktop->localKeys.monitorKeyDown(
         [](const KeyDown&) -> bool { throw std::runtime_error("of a test"); });
 
@@ -193,7 +194,7 @@ TEST_F(MacLocalKeysTest, AKeyWhoseMonitorThrowsIsDealtWith) {
 
 class MacMouseTest : public MacTest {};
 
-TEST_F(MacMouseTest, ASystemThatRefusesGivesNoMonitor) {
+TEST_F(MacMouseTest, ARefusedMonitorIsNull) {
     fakemac::mac().allowsMonitors = false;
 
     EXPECT_FALSE(desktop->mouse.addGlobalMonitor(MouseEventKind::LeftDown, [](const MouseEvent&) {}));
@@ -209,7 +210,7 @@ TEST_F(MacMouseTest, EachMonitorIsRemovedWithItsSubscription) {
     EXPECT_EQ(fakemac::globalMonitors(), 1U);
 }
 
-TEST_F(MacMouseTest, TheRightButtonIsNotTheLeftOne) {
+TEST_F(MacMouseTest, TheRightButtonIsNotReported) {
     int events = 0;
     std::vector<SubscriptionPtr> monitors;
     for (const auto kind : {MouseEventKind::LeftDown, MouseEventKind::LeftDragged, MouseEventKind::LeftUp})
@@ -223,7 +224,7 @@ TEST_F(MacMouseTest, TheRightButtonIsNotTheLeftOne) {
     EXPECT_EQ(events, 0);
 }
 
-TEST_F(MacMouseTest, ModifiersAreReportedWhenThePermissionIsGivenLater) {
+TEST_F(MacMouseTest, ModifiersAreReportedWhenThePermissionIsGrantedLater) {
     fakemac::mac().trusted = false;
     int movements = 0;
     const auto monitor =
@@ -237,7 +238,7 @@ TEST_F(MacMouseTest, ModifiersAreReportedWhenThePermissionIsGivenLater) {
     EXPECT_EQ(movements, 1);
 }
 
-TEST_F(MacMouseTest, ModifiersAreReportedWhileAWindowOfOursHasTheKeyboard) {
+TEST_F(MacMouseTest, ModifiersAreReportedWhileAnOwnWindowIsTheKeyWindow) {
     fakemac::launch(fakemac::mac().ownPid, {});
     fakemac::focus(fakemac::openWindow({.pid = fakemac::mac().ownPid, .axFrame = {500, 500, 400, 300}}));
     int movements = 0;
@@ -251,7 +252,7 @@ TEST_F(MacMouseTest, ModifiersAreReportedWhileAWindowOfOursHasTheKeyboard) {
     EXPECT_EQ(movements, 1);
 }
 
-TEST_F(MacMouseTest, KeysAreWatchedOnlyWhileTheButtonIsHeld) {
+TEST_F(MacMouseTest, ModifiersAreMonitoredOnlyWhileTheButtonIsHeld) {
     const auto monitor =
         desktop->mouse.addGlobalMonitor(MouseEventKind::LeftDragged, [](const MouseEvent&) {});
     EXPECT_EQ(fakemac::heldObjects(), Lines{"1 event monitors"});

@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A program that says that it has moved its window 50 ms before it does.
+/// Places a window of an application that confirms a frame 50 ms before it applies it.
 class MacLateFramesTest : public MacTest {
 protected:
     static constexpr Rect kStart{200, 150, 640, 480};
@@ -31,12 +31,12 @@ protected:
     AX ax{desktop->accessibility, desktop->workspace};
 };
 
-TEST_F(MacLateFramesTest, TheFrameIsReadWhenTheWindowHasFollowed) {
+TEST_F(MacLateFramesTest, AReadWaitsUntilTheFrameHasBeenApplied) {
     EXPECT_EQ(place(kTarget), kTarget);
     EXPECT_EQ(waited, 50ms);
 }
 
-TEST_F(MacLateFramesTest, AWindowThatIsOnlyMovedOrOnlyResizedIsWaitedForAsWell) {
+TEST_F(MacLateFramesTest, AReadWaitsAfterAMoveOrAResizeAlone) {
     const Element placed = element();
 
     desktop->accessibility.setAttribute(placed, attribute::kPosition, kTarget.origin());
@@ -47,25 +47,25 @@ TEST_F(MacLateFramesTest, AWindowThatIsOnlyMovedOrOnlyResizedIsWaitedForAsWell) 
     EXPECT_EQ(waited, 100ms);
 }
 
-TEST_F(MacLateFramesTest, AWindowThatWasOutsideItsBoundsIsNotPulledBackFromThere) {
+TEST_F(MacLateFramesTest, ALateWindowIsNotPulledBackFromItsOldFrame) {
     its().axFrame = {250, 150, 1400, 480};
 
     EXPECT_EQ(place(kTarget, Rect{0, 25, 1440, 875}), kTarget);
 }
 
-TEST_F(MacLateFramesTest, AWindowThatFollowsAtOnceIsNotWaitedFor) {
+TEST_F(MacLateFramesTest, AReadDoesNotWaitWhenTheFrameIsAppliedAtOnce) {
     its().lateness = 0;
 
     EXPECT_EQ(place(kTarget), kTarget);
     EXPECT_EQ(waited, 0ms);
 }
 
-TEST_F(MacLateFramesTest, AWindowThatIsAlreadyThereIsNotWaitedFor) {
+TEST_F(MacLateFramesTest, AReadDoesNotWaitWhenTheWindowAlreadyHasTheFrame) {
     EXPECT_EQ(place(kStart), kStart);
     EXPECT_EQ(waited, 0ms);
 }
 
-TEST_F(MacLateFramesTest, AWindowThatNeverFollowsIsWaitedForOnce) {
+TEST_F(MacLateFramesTest, AFrameThatIsNeverAppliedIsWaitedForOnce) {
     its().fullScreen = true;
 
     EXPECT_EQ(place(kTarget), kStart);
@@ -74,7 +74,7 @@ TEST_F(MacLateFramesTest, AWindowThatNeverFollowsIsWaitedForOnce) {
     EXPECT_EQ(waited, 100ms);
 }
 
-TEST_F(MacLateFramesTest, AWindowThatKeepsItsSizeIsNotWaitedForOnceItHasMoved) {
+TEST_F(MacLateFramesTest, AReadDoesNotWaitForTheSizeOnceTheWindowHasMoved) {
     its().lateness = 0;
     its().minimum = {640, 480};
     its().maximum = {640, 480};
@@ -105,7 +105,7 @@ TEST_F(MacLateFramesTest, OtherAttributesAreReadAtOnce) {
     EXPECT_EQ(waited, 0ms);
 }
 
-TEST_F(MacLateFramesTest, AProgramThatDoesNotAnswerIsNotWaitedForOnTop) {
+TEST_F(MacLateFramesTest, AReadDoesNotWaitInAdditionToAMessagingTimeout) {
     const Element placed = element();
     fakemac::mac().applications.at(kEditor).answers = false;
 
@@ -114,7 +114,7 @@ TEST_F(MacLateFramesTest, AProgramThatDoesNotAnswerIsNotWaitedForOnTop) {
     EXPECT_EQ(waited, 0ms);
 }
 
-TEST_F(MacLateFramesTest, AWindowThatClosesMeanwhileIsWaitedForNoLonger) {
+TEST_F(MacLateFramesTest, AReadDoesNotWaitForAClosedWindow) {
     const Element placed = element();
     ax.setFrame(placed, kEditor, kTarget, {});
     fakemac::closeWindow(window);

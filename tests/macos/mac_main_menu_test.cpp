@@ -10,14 +10,14 @@ namespace {
 
 class MacMainMenuTest : public MacTest {
 protected:
-    /// The back end of a program whose windows are a toolkit's.
+    /// Makes the back end with `toolkit` and sets the program's main menu.
     void startWith(MacMainMenu::Toolkit toolkit) {
         makeDesktop(std::move(toolkit));
         desktop->mainMenu.setMainMenu(mainMenu());
     }
 };
 
-TEST_F(MacMainMenuTest, TheMenuBarHasTheProgramsRowsAndKeys) {
+TEST_F(MacMainMenuTest, TheMenuBarShowsTheRowsWithTheirKeyEquivalents) {
     EXPECT_EQ(fakemac::mainMenuRows(), Lines());
 
     desktop->mainMenu.setMainMenu(mainMenu());
@@ -28,7 +28,7 @@ TEST_F(MacMainMenuTest, TheMenuBarHasTheProgramsRowsAndKeys) {
                      "Edit > Paste Cmd+v", "Edit > Select All Cmd+a"}));
 }
 
-TEST_F(MacMainMenuTest, WithoutAToolkitTheSystemFindsWhoCarriesOutARow) {
+TEST_F(MacMainMenuTest, WithoutAToolkitActionsAreSentAlongTheResponderChain) {
     desktop->mainMenu.setMainMenu(mainMenu());
 
     for (const char key : {'w', 'q', 'z', 'x', 'c', 'v', 'a'})
@@ -40,7 +40,7 @@ TEST_F(MacMainMenuTest, WithoutAToolkitTheSystemFindsWhoCarriesOutARow) {
         (Lines{"performClose:", "terminate:", "undo:", "cut:", "copy:", "paste:", "selectAll:", "redo:"}));
 }
 
-TEST_F(MacMainMenuTest, TheToolkitIsAskedFirst) {
+TEST_F(MacMainMenuTest, TheToolkitIsCalledBeforeTheResponderChain) {
     std::vector<MainMenuItem> asked;
     startWith([&](const MainMenuItem& row) {
         asked.push_back(row);
@@ -63,7 +63,7 @@ TEST_F(MacMainMenuTest, ALaterMenuReplacesTheFirst) {
     EXPECT_EQ(fakemac::mainMenuRows(), Lines{"Only > Row"});
 }
 
-TEST_F(MacMainMenuTest, TheMenuBarIsEmptyAtTheEnd) {
+TEST_F(MacMainMenuTest, DestroyingTheBackEndRemovesTheMenuBar) {
     desktop->mainMenu.setMainMenu(mainMenu());
 
     desktop.reset();
@@ -71,7 +71,7 @@ TEST_F(MacMainMenuTest, TheMenuBarIsEmptyAtTheEnd) {
     EXPECT_EQ(fakemac::mainMenuRows(), Lines());
 }
 
-TEST_F(MacMainMenuTest, ARowMayEndTheBackEnd) {
+TEST_F(MacMainMenuTest, ARowMayDestroyTheBackEnd) {
     startWith([this](const MainMenuItem&) {
         desktop.reset();
         return true;

@@ -18,13 +18,13 @@ TEST_F(MacWindowListTest, WindowsAreListedFrontToBack) {
     EXPECT_EQ(desktop->windowList.onScreenWindows().front().layer, 3);
 }
 
-TEST_F(MacWindowListTest, WhatIsNotOnTheScreenAndTheDesktopItselfAreNotListed) {
+TEST_F(MacWindowListTest, MinimizedWindowsAndTheDesktopAreNotListed) {
     fakemac::openWindow({.pid = kEditor, .axFrame = {0, 25, 300, 200}, .minimized = true});
 
     EXPECT_TRUE(desktop->windowList.onScreenWindows().empty());
 }
 
-TEST_F(MacWindowListTest, WhatIsMissingOrMakesNoSenseIsEmpty) {
+TEST_F(MacWindowListTest, MissingAndMistypedPropertiesAreEmpty) {
     const fakemac::Window window{.pid = kEditor, .axFrame = {0, 25, 300, 200}};
     for (const char* key : {"kCGWindowLayer", "kCGWindowOwnerPID", "kCGWindowBounds", "kCGWindowAlpha"}) {
         fakemac::Window without = window;
@@ -47,13 +47,13 @@ TEST_F(MacWindowListTest, WhatIsMissingOrMakesNoSenseIsEmpty) {
     }
 }
 
-TEST_F(MacWindowListTest, AnEntryThatIsNoDictionaryIsEmpty) {
+TEST_F(MacWindowListTest, AnEntryThatIsNoDictionaryHasNoProperties) {
     fakemac::mac().listsAText = true;
 
     EXPECT_EQ(desktop->windowList.onScreenWindows(), std::vector<ListedWindow>{{}});
 }
 
-TEST_F(MacWindowListTest, AServerThatDoesNotAnswerGivesNoWindows) {
+TEST_F(MacWindowListTest, TheListIsEmptyWhenTheWindowServerReturnsNull) {
     fakemac::openWindow({.pid = kEditor, .axFrame = {0, 25, 300, 200}});
     fakemac::mac().windowServerAnswers = false;
 
@@ -65,7 +65,7 @@ protected:
     using Status = LoginItemPort::Status;
 };
 
-TEST_F(MacLoginItemTest, ItCanBeRegisteredAndTakenBack) {
+TEST_F(MacLoginItemTest, TheLoginItemCanBeRegisteredAndRemoved) {
     EXPECT_EQ(desktop->loginItem.status(), Status::NotRegistered);
 
     EXPECT_EQ(desktop->loginItem.registerItem(), std::nullopt);
@@ -75,7 +75,7 @@ TEST_F(MacLoginItemTest, ItCanBeRegisteredAndTakenBack) {
     EXPECT_EQ(desktop->loginItem.status(), Status::NotRegistered);
 }
 
-TEST_F(MacLoginItemTest, EveryStatusIsToldApart) {
+TEST_F(MacLoginItemTest, EveryStatusIsDistinguished) {
     for (const auto status :
          {Status::NotRegistered, Status::Enabled, Status::RequiresApproval, Status::NotFound}) {
         fakemac::mac().loginItemStatus = static_cast<long>(status);
@@ -83,7 +83,7 @@ TEST_F(MacLoginItemTest, EveryStatusIsToldApart) {
     }
 }
 
-TEST_F(MacLoginItemTest, ARefusalIsToldInTheSystemsWords) {
+TEST_F(MacLoginItemTest, ARefusalReturnsTheSystemsErrorText) {
     fakemac::mac().loginItemRefusal = "Operation not permitted";
     EXPECT_EQ(desktop->loginItem.registerItem(), "Operation not permitted");
 
@@ -91,7 +91,7 @@ TEST_F(MacLoginItemTest, ARefusalIsToldInTheSystemsWords) {
     EXPECT_EQ(desktop->loginItem.unregisterItem(), "Operation not permitted");
 }
 
-TEST_F(MacLoginItemTest, WhatIsNotRegisteredNeedsNoTakingBack) {
+TEST_F(MacLoginItemTest, AnItemThatIsNotRegisteredIsRemovedWithoutACall) {
     fakemac::mac().loginItemRefusal = "Operation not permitted";
     for (const auto status : {Status::NotRegistered, Status::NotFound}) {
         fakemac::mac().loginItemStatus = static_cast<long>(status);
@@ -103,7 +103,7 @@ TEST_F(MacLoginItemTest, WhatIsNotRegisteredNeedsNoTakingBack) {
 
 class MacServicesTest : public MacTest {};
 
-TEST_F(MacServicesTest, TrustIsAskedForWithThePromptOn) {
+TEST_F(MacServicesTest, ThePermissionIsRequestedWithThePromptOption) {
     fakemac::mac().trusted = false;
     EXPECT_FALSE(desktop->trust.isTrusted());
 
@@ -112,21 +112,21 @@ TEST_F(MacServicesTest, TrustIsAskedForWithThePromptOn) {
     EXPECT_EQ(fakemac::mac().prompted, Lines{"AXTrustedCheckOptionPrompt on"});
 }
 
-TEST_F(MacServicesTest, TheSettingsOfThePermissionAreOpened) {
+TEST_F(MacServicesTest, ThePermissionSettingsAreOpened) {
     desktop->trust.openSettings();
 
     EXPECT_EQ(fakemac::mac().opened,
               Lines{"x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility"});
 }
 
-TEST_F(MacServicesTest, OnlyAddressesAreOpened) {
+TEST_F(MacServicesTest, OnlyUrlsAreOpened) {
     for (const char* text : {"https://example.org/a?b=c#d", "", "no scheme", "\xff"})
         desktop->openUrl.open(text);
 
     EXPECT_EQ(fakemac::mac().opened, Lines{"https://example.org/a?b=c#d"});
 }
 
-TEST_F(MacServicesTest, TheAlertSoundIsHeard) {
+TEST_F(MacServicesTest, TheAlertSoundIsPlayed) {
     desktop->alertSound.beep();
 
     EXPECT_EQ(fakemac::mac().beeps, 1);
@@ -139,7 +139,7 @@ TEST_F(MacServicesTest, WithoutDisplaysThereIsNoMainScreen) {
     EXPECT_FALSE(desktop->displays.mainScreen());
 }
 
-TEST_F(MacServicesTest, ADisplayThatGoesWhileItIsAskedForIsLeftOut) {
+TEST_F(MacServicesTest, ADisplayDisconnectedDuringTheCallIsLeftOut) {
     const auto first = fakemac::mac().displays.at(0);
     fakemac::mac().displays.push_back(
         {.number = 2, .frame = {1440, 0, 800, 600}, .visibleFrame = {1440, 0, 800, 600}});
@@ -152,11 +152,11 @@ TEST_F(MacServicesTest, ADisplayThatGoesWhileItIsAskedForIsLeftOut) {
     EXPECT_FALSE(desktop->displays.mainScreen());
 }
 
-TEST_F(MacServicesTest, TheFakeEndsWhoCallsAFrameworkOffTheMainThread) {
+TEST_F(MacServicesTest, AFrameworkCallOffTheMainThreadAborts) {
     EXPECT_DEATH(std::thread([this] { (void)desktop->trust.isTrusted(); }).join(), "off the main thread");
 }
 
-TEST_F(MacServicesTest, TheWordsAreThoseOfAMac) {
+TEST_F(MacServicesTest, TheTextsAreThoseOfMacOS) {
     EXPECT_EQ(desktop->words.thisComputer, "this Mac");
     EXPECT_EQ(desktop->words.modifierNames.cmd, "Cmd");
 }

@@ -24,14 +24,14 @@ protected:
     int reopened = 0;
 };
 
-TEST_F(MacSingleInstanceTest, ABareExecutableFindsNoOtherCopy) {
+TEST_F(MacSingleInstanceTest, AnExecutableOutsideABundleFindsNoOtherCopy) {
     fakemac::mac().ownBundleIdentifier = std::nullopt;
     fakemac::launch(8, {.bundleIdentifier = ""});
 
     EXPECT_TRUE(desktop->singleInstance.claim([] {}));
 }
 
-TEST_F(MacSingleInstanceTest, OfCopiesThatStartTogetherTheFirstOneStays) {
+TEST_F(MacSingleInstanceTest, TheCopyThatStartedFirstStays) {
     start(kFirst, 5'000'000);
     start(kSecond, 5'000'001);
 
@@ -39,7 +39,7 @@ TEST_F(MacSingleInstanceTest, OfCopiesThatStartTogetherTheFirstOneStays) {
     EXPECT_TRUE(claimAs(kFirst));
 }
 
-TEST_F(MacSingleInstanceTest, ALowerNumberDoesNotMakeACopyTheFirst) {
+TEST_F(MacSingleInstanceTest, TheStartTimeTakesPrecedenceOverTheProcessId) {
     start(kFirst, 6'000'000);
     start(kSecond, 5'999'999);
 
@@ -47,7 +47,7 @@ TEST_F(MacSingleInstanceTest, ALowerNumberDoesNotMakeACopyTheFirst) {
     EXPECT_TRUE(claimAs(kSecond));
 }
 
-TEST_F(MacSingleInstanceTest, OfCopiesOfTheSameMomentTheOneWithTheLowerNumberStays) {
+TEST_F(MacSingleInstanceTest, OfCopiesStartedAtTheSameTimeTheLowerProcessIdStays) {
     start(kFirst, 5'000'000);
     start(kSecond, 5'000'000);
 
@@ -55,27 +55,27 @@ TEST_F(MacSingleInstanceTest, OfCopiesOfTheSameMomentTheOneWithTheLowerNumberSta
     EXPECT_TRUE(claimAs(kFirst));
 }
 
-TEST_F(MacSingleInstanceTest, ACopyThatHasNoProcessDoesNotCount) {
+TEST_F(MacSingleInstanceTest, ACopyWithoutAProcessIsIgnored) {
     start(-1, 1);
     start(kFirst, 5'000'000);
 
     EXPECT_TRUE(claimAs(kFirst));
 }
 
-TEST_F(MacSingleInstanceTest, AnotherProgramDoesNotCount) {
+TEST_F(MacSingleInstanceTest, AnotherApplicationIsIgnored) {
     fakemac::launch(kFirst, {.startedAt = 1, .bundleIdentifier = "org.example.mail"});
     start(kSecond, 5'000'000);
 
     EXPECT_TRUE(claimAs(kSecond));
 }
 
-TEST_F(MacSingleInstanceTest, ACopyThatDoesNotKnowItsOwnStartGivesWay) {
+TEST_F(MacSingleInstanceTest, ACopyWithoutAStartTimeGivesWay) {
     start(kSecond, 5'000'000);
 
     EXPECT_FALSE(claimAs(kFirst));
 }
 
-TEST_F(MacSingleInstanceTest, TheUserWhoOpensTheProgramAgainIsHeard) {
+TEST_F(MacSingleInstanceTest, OpeningTheRunningProgramAgainIsReported) {
     start(kFirst, 5'000'000);
     const auto claim = claimAs(kFirst);
 
@@ -83,7 +83,7 @@ TEST_F(MacSingleInstanceTest, TheUserWhoOpensTheProgramAgainIsHeard) {
     EXPECT_EQ(reopened, 1);
 }
 
-TEST_F(MacSingleInstanceTest, TheUserIsStillHeardWhenTheSystemHasSetItsOwnHandlers) {
+TEST_F(MacSingleInstanceTest, OpeningAgainIsReportedAfterTheSystemHasSetItsOwnHandlers) {
     start(kFirst, 5'000'000);
     const auto claim = claimAs(kFirst);
     fakemac::finishLaunching();
@@ -92,7 +92,7 @@ TEST_F(MacSingleInstanceTest, TheUserIsStillHeardWhenTheSystemHasSetItsOwnHandle
     EXPECT_EQ(reopened, 1);
 }
 
-TEST_F(MacSingleInstanceTest, ACopyThatIsRefusedOrHasLetGoDoesNotListen) {
+TEST_F(MacSingleInstanceTest, ARefusedOrReleasedClaimHandlesNoReopenEvent) {
     start(kFirst, 5'000'000);
     start(kSecond, 5'000'001);
     EXPECT_FALSE(claimAs(kSecond));
@@ -104,7 +104,7 @@ TEST_F(MacSingleInstanceTest, ACopyThatIsRefusedOrHasLetGoDoesNotListen) {
     EXPECT_FALSE(fakemac::openAgain());
 }
 
-TEST_F(MacSingleInstanceTest, OpeningAgainMayEndTheClaim) {
+TEST_F(MacSingleInstanceTest, AHandlerMayDestroyTheClaim) {
     start(kFirst, 5'000'000);
     fakemac::mac().ownPid = kFirst;
     SubscriptionPtr claim;
@@ -115,7 +115,7 @@ TEST_F(MacSingleInstanceTest, OpeningAgainMayEndTheClaim) {
     EXPECT_FALSE(claim);
 }
 
-TEST_F(MacSingleInstanceTest, NoExceptionLeavesTheEvent) {
+TEST_F(MacSingleInstanceTest, NoExceptionLeavesTheEventHandler) {
     start(kFirst, 5'000'000);
     fakemac::mac().ownPid = kFirst;
     const auto claim = desktop->singleInstance.claim([] { throw std::runtime_error("of a test"); });

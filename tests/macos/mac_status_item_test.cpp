@@ -25,7 +25,7 @@ Menu everyKindOfRow() {
             pause, settings};
 }
 
-/// As a user sees them, who does not see what they do.
+/// Returns the rows as the user sees them: without command and tag.
 Menu looksOf(Menu rows) {
     for (MenuItem& item : rows) {
         item.command = MenuCommand::None;
@@ -52,7 +52,7 @@ protected:
     std::vector<MenuItem> chosen;
 };
 
-TEST_F(MacStatusItemTest, TheItemGoesWithItsSubscription) {
+TEST_F(MacStatusItemTest, DestroyingTheSubscriptionRemovesTheItem) {
     auto item = create();
     EXPECT_EQ(fakemac::statusItems(), std::vector<StatusItemSight>{{}});
 
@@ -61,7 +61,7 @@ TEST_F(MacStatusItemTest, TheItemGoesWithItsSubscription) {
     EXPECT_TRUE(fakemac::statusItems().empty());
 }
 
-TEST_F(MacStatusItemTest, ASymbolIsShownInTheColoursOfTheMenuBar) {
+TEST_F(MacStatusItemTest, ASymbolIsShownAsATemplateImage) {
     const auto item = create();
 
     EXPECT_TRUE(desktop->statusItem.setSymbol("square.grid.2x2", "Tessarel"));
@@ -71,7 +71,7 @@ TEST_F(MacStatusItemTest, ASymbolIsShownInTheColoursOfTheMenuBar) {
                   {.symbol = "square.grid.2x2", .description = "Tessarel", .isTemplate = true}}));
 }
 
-TEST_F(MacStatusItemTest, ASymbolThatTheSystemDoesNotHaveChangesNothing) {
+TEST_F(MacStatusItemTest, AnUnknownSymbolChangesNothing) {
     const auto item = create();
     ASSERT_TRUE(desktop->statusItem.setSymbol("square.grid.2x2", "Tessarel"));
 
@@ -81,7 +81,7 @@ TEST_F(MacStatusItemTest, ASymbolThatTheSystemDoesNotHaveChangesNothing) {
     EXPECT_EQ(fakemac::statusItems().at(0).symbol, "square.grid.2x2");
 }
 
-TEST_F(MacStatusItemTest, WithoutASymbolThereIsATitle) {
+TEST_F(MacStatusItemTest, ATitleReplacesTheSymbol) {
     const auto item = create();
     ASSERT_TRUE(desktop->statusItem.setSymbol("square.grid.2x2", "Tessarel"));
 
@@ -91,7 +91,7 @@ TEST_F(MacStatusItemTest, WithoutASymbolThereIsATitle) {
     EXPECT_EQ(fakemac::statusItems(), std::vector<StatusItemSight>{{.title = "TS"}});
 }
 
-TEST_F(MacStatusItemTest, ThePauseDimsTheItemAndItsEndDoesNot) {
+TEST_F(MacStatusItemTest, TheItemCanBeDimmedAndRestored) {
     const auto item = create();
 
     desktop->statusItem.setAppearsDisabled(true);
@@ -101,7 +101,7 @@ TEST_F(MacStatusItemTest, ThePauseDimsTheItemAndItsEndDoesNot) {
     EXPECT_FALSE(fakemac::statusItems().at(0).appearsDisabled);
 }
 
-TEST_F(MacStatusItemTest, BeforeAnItemIsUpAndAfterItsEndNothingHappens) {
+TEST_F(MacStatusItemTest, CallsWithoutAnItemHaveNoEffect) {
     for (int i = 0; i < 2; ++i) {
         EXPECT_FALSE(desktop->statusItem.setSymbol("square.grid.2x2", "Tessarel"));
         desktop->statusItem.clearImage();
@@ -123,13 +123,13 @@ TEST_F(MacStatusItemTest, AnItemWithoutAButtonIsLeftAlone) {
     EXPECT_EQ(fakemac::statusItems(), std::vector<StatusItemSight>{{}});
 }
 
-TEST_F(MacStatusItemTest, EveryKindOfRowIsShownAsTheMenuHasIt) {
+TEST_F(MacStatusItemTest, EveryKindOfRowIsShown) {
     const auto item = create();
 
     EXPECT_EQ(fakemac::openStatusMenu(), looksOf(everyKindOfRow()));
 }
 
-TEST_F(MacStatusItemTest, TheMenuIsAskedForEachTimeItOpensAndNotBefore) {
+TEST_F(MacStatusItemTest, TheMenuIsRequestedEachTimeItOpensAndNotBefore) {
     const auto item = create();
     EXPECT_EQ(asked, 0);
     (void)fakemac::openStatusMenu();
@@ -140,7 +140,7 @@ TEST_F(MacStatusItemTest, TheMenuIsAskedForEachTimeItOpensAndNotBefore) {
     EXPECT_EQ(asked, 2);
 }
 
-TEST_F(MacStatusItemTest, ChoosingARowTellsThatRow) {
+TEST_F(MacStatusItemTest, ChoosingARowReportsThatRow) {
     const auto item = create();
     (void)fakemac::openStatusMenu();
 
@@ -151,7 +151,7 @@ TEST_F(MacStatusItemTest, ChoosingARowTellsThatRow) {
     EXPECT_EQ(chosen, (std::vector<MenuItem>{menu[2].submenu[2], menu[3]}));
 }
 
-TEST_F(MacStatusItemTest, ARowIsToldAtTheNextTurnWhenTheMenuHasGone) {
+TEST_F(MacStatusItemTest, ARowIsReportedInTheNextIterationWhenTheMenuHasGone) {
     const auto item = create();
     (void)fakemac::openStatusMenu();
 
@@ -162,7 +162,7 @@ TEST_F(MacStatusItemTest, ARowIsToldAtTheNextTurnWhenTheMenuHasGone) {
     EXPECT_EQ(chosen, std::vector<MenuItem>{menu[3]});
 }
 
-TEST_F(MacStatusItemTest, ARowWhoseItemEndsBeforeTheNextTurnIsToldToNobody) {
+TEST_F(MacStatusItemTest, ARowIsNotReportedOnceItsItemIsDestroyed) {
     auto item = create();
     (void)fakemac::openStatusMenu();
     fakemac::clickAt({"Pause Tessarel"})();
@@ -173,7 +173,7 @@ TEST_F(MacStatusItemTest, ARowWhoseItemEndsBeforeTheNextTurnIsToldToNobody) {
     EXPECT_TRUE(chosen.empty());
 }
 
-TEST_F(MacStatusItemTest, TitlesAndParentsCannotBeChosen) {
+TEST_F(MacStatusItemTest, HeadingsSeparatorsAndParentsCannotBeChosen) {
     const auto item = create();
     (void)fakemac::openStatusMenu();
 
@@ -182,7 +182,7 @@ TEST_F(MacStatusItemTest, TitlesAndParentsCannotBeChosen) {
     EXPECT_FALSE(fakemac::clickAt({""}));
 }
 
-TEST_F(MacStatusItemTest, ARowOfAnEarlierMenuIsToldAsItWas) {
+TEST_F(MacStatusItemTest, ARowOfAnEarlierMenuIsReportedAsItWas) {
     const auto item = create();
     (void)fakemac::openStatusMenu();
     const auto click = fakemac::clickAt({"Layouts", "Mine & <b>yours"});
@@ -196,7 +196,7 @@ TEST_F(MacStatusItemTest, ARowOfAnEarlierMenuIsToldAsItWas) {
     EXPECT_EQ(chosen, std::vector<MenuItem>{stale});
 }
 
-TEST_F(MacStatusItemTest, ARowChosenAfterTheEndOfItsItemIsToldToNobody) {
+TEST_F(MacStatusItemTest, ARowChosenAfterItsItemIsDestroyedIsNotReported) {
     auto item = create();
     (void)fakemac::openStatusMenu();
     const auto click = fakemac::clickAt({"Pause Tessarel"});
@@ -208,7 +208,7 @@ TEST_F(MacStatusItemTest, ARowChosenAfterTheEndOfItsItemIsToldToNobody) {
     EXPECT_TRUE(chosen.empty());
 }
 
-TEST_F(MacStatusItemTest, ARowMayEndTheItem) {
+TEST_F(MacStatusItemTest, ARowMayDestroyTheItem) {
     SubscriptionPtr item =
         desktop->statusItem.create({[] { return Menu{row("Quit Tessarel", MenuCommand::Quit)}; },
                                     [&](const MenuItem&) { item.reset(); }});
@@ -220,7 +220,7 @@ TEST_F(MacStatusItemTest, ARowMayEndTheItem) {
     EXPECT_TRUE(fakemac::statusItems().empty());
 }
 
-TEST_F(MacStatusItemTest, TheMenuMayEndTheItemThatItIsAskedFor) {
+TEST_F(MacStatusItemTest, RequestingTheMenuMayDestroyTheItem) {
     SubscriptionPtr item = desktop->statusItem.create({[&] {
                                                            item.reset();
                                                            return everyKindOfRow();
@@ -232,7 +232,7 @@ TEST_F(MacStatusItemTest, TheMenuMayEndTheItemThatItIsAskedFor) {
     EXPECT_TRUE(fakemac::statusItems().empty());
 }
 
-TEST_F(MacStatusItemTest, TheCallsMeanTheItemPutUpLast) {
+TEST_F(MacStatusItemTest, CallsApplyToTheItemCreatedLast) {
     const auto first = create();
     const auto second = create();
 

@@ -17,7 +17,8 @@ namespace tessarel::macos {
 
 using Lines = std::vector<std::string>;
 
-/// The back end on a fresh fake Mac with one display and an editor, of which nothing may be left at the end.
+/// The back end on a new fake Mac with one display and a running editor. The destructor fails the test if the
+/// back end leaves any object of the system behind.
 class MacTest : public ::testing::Test {
 protected:
     static constexpr ProcessId kEditor = 7;
@@ -41,13 +42,13 @@ protected:
         });
     }
 
-    /// The loop turns, and time passes meanwhile.
+    /// Runs one iteration of the run loop and moves the clock by `duration`.
     void turn(sim::SimClock::Duration duration = {}) {
         fakemac::turn();
         clock.advance(duration);
     }
 
-    std::chrono::milliseconds waited{0}; ///< for windows that are late
+    std::chrono::milliseconds waited{0}; ///< total time that the back end has blocked for late frames
     sim::SimClock clock;
     sim::SimMainQueue queue{clock};
     std::optional<MacDesktop> desktop;

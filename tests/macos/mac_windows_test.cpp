@@ -9,7 +9,7 @@ namespace {
 
 class MacOverlayTest : public MacTest {};
 
-TEST_F(MacOverlayTest, TheWindowIsAboveAllOnEverySpaceAndOutOfReach) {
+TEST_F(MacOverlayTest, TheWindowIsAtStatusLevelOnEverySpaceAndIgnoresTheMouse) {
     const fakemac::View view;
 
     becomeOverlay(view.native());
@@ -19,7 +19,7 @@ TEST_F(MacOverlayTest, TheWindowIsAboveAllOnEverySpaceAndOutOfReach) {
                   .level = 25, .collectionBehavior = 337, .ignoresMouseEvents = true, .hasShadow = false}));
 }
 
-TEST_F(MacOverlayTest, TheWindowComesToTheFrontWithoutItsProgram) {
+TEST_F(MacOverlayTest, TheWindowIsOrderedFrontWithoutActivatingTheProgram) {
     fakemac::View view;
     fakemac::focus(fakemac::openWindow({.pid = kEditor, .axFrame = {0, 0, 400, 300}}));
     becomeOverlay(view.native());
@@ -61,14 +61,14 @@ protected:
     MacOwnApplication application{toolkit, [this] { return windows; }};
 };
 
-TEST_F(MacOwnApplicationTest, TheProgramComesToTheFrontAndThenItsWindows) {
+TEST_F(MacOwnApplicationTest, TheProgramIsActivatedWhenNoWindowIsShown) {
     application.activate();
 
     EXPECT_EQ(fakemac::mac().activations, 1);
     EXPECT_EQ(toolkit.activations, 1);
 }
 
-TEST_F(MacOwnApplicationTest, ItsWindowsComeToTheFrontThoughTheSystemDoesNotLetTheProgram) {
+TEST_F(MacOwnApplicationTest, WindowsComeToTheFrontWhenActivationIsRefused) {
     fakemac::mac().grantsActivation = false;
     fakemac::focus(fakemac::openWindow({.pid = kEditor, .axFrame = {0, 0, 400, 300}}));
     const fakemac::View first;
@@ -81,16 +81,16 @@ TEST_F(MacOwnApplicationTest, ItsWindowsComeToTheFrontThoughTheSystemDoesNotLetT
     EXPECT_EQ(fakemac::mac().frontmost, kEditor);
     EXPECT_TRUE(first.window().isInFront);
     EXPECT_TRUE(second.window().isInFront);
-    EXPECT_TRUE(second.window().hasKeyboard) << "the last one";
+    EXPECT_TRUE(second.window().hasKeyboard) << "the last window is not the key window";
 }
 
-TEST_F(MacOwnApplicationTest, TheToolkitEndsItsLoop) {
+TEST_F(MacOwnApplicationTest, TerminatingEndsTheToolkitsLoop) {
     application.terminate();
 
     EXPECT_EQ(toolkit.terminations, 1);
 }
 
-TEST_F(MacOwnApplicationTest, TheProgramHasNoPlaceInTheDock) {
+TEST_F(MacOwnApplicationTest, TheProgramHasNoDockIcon) {
     EXPECT_EQ(fakemac::mac().activationPolicy, std::nullopt);
 
     MacOwnApplication::becomeAccessory();
@@ -100,13 +100,13 @@ TEST_F(MacOwnApplicationTest, TheProgramHasNoPlaceInTheDock) {
 
 class MacAccentColorTest : public MacTest {};
 
-TEST_F(MacAccentColorTest, ItIsTheUsers) {
+TEST_F(MacAccentColorTest, TheAccentColourIsTheUsers) {
     fakemac::mac().accent = {0.25, 0.5, 1};
 
     EXPECT_EQ(accentColor(), (Color{0.25, 0.5, 1}));
 }
 
-TEST_F(MacAccentColorTest, OneThatCannotBeExpressedIsNone) {
+TEST_F(MacAccentColorTest, AColourThatCannotBeConvertedIsEmpty) {
     EXPECT_EQ(accentColor(), std::nullopt);
 }
 
@@ -118,23 +118,23 @@ protected:
     }
 };
 
-TEST_F(MacOpenPanelTest, ItOffersOneOfTheApplications) {
+TEST_F(MacOpenPanelTest, ThePanelOffersOneOfTheApplications) {
     (void)desktop->openPanel.chooseApplication("Ignore");
 
     EXPECT_EQ(fakemac::mac().panels, Lines{"one application in /Applications, Ignore"});
 }
 
-TEST_F(MacOpenPanelTest, TheChosenApplicationIsKnownByItsIdentifier) {
+TEST_F(MacOpenPanelTest, TheIdentifierOfTheChosenApplicationIsReturned) {
     fakemac::mac().panelChoice = "/Applications/Editor.app";
 
     EXPECT_EQ(desktop->openPanel.chooseApplication("Ignore"), "org.example.editor");
 }
 
-TEST_F(MacOpenPanelTest, NothingComesOfAPanelThatIsCancelled) {
+TEST_F(MacOpenPanelTest, ACancelledPanelReturnsNoIdentifier) {
     EXPECT_EQ(desktop->openPanel.chooseApplication("Ignore"), std::nullopt);
 }
 
-TEST_F(MacOpenPanelTest, NothingComesOfWhatIsNoApplicationOrHasNoIdentifier) {
+TEST_F(MacOpenPanelTest, AChoiceThatHasNoIdentifierReturnsNone) {
     for (const char* path : {"/Applications/Nameless.app", "/Applications/Broken.app"}) {
         fakemac::mac().panelChoice = path;
         EXPECT_EQ(desktop->openPanel.chooseApplication("Ignore"), std::nullopt);

@@ -16,13 +16,13 @@ protected:
     std::vector<RunningApplication> ended;
 };
 
-TEST_F(MacWorkspaceTest, AHelperIsNoRegularApplication) {
+TEST_F(MacWorkspaceTest, AnAccessoryIsNotARegularApplication) {
     fakemac::launch(8, {.isRegular = false});
 
     EXPECT_EQ(desktop->workspace.runningApplication(8), (RunningApplication{8, std::nullopt, false}));
 }
 
-TEST_F(MacWorkspaceTest, AnApplicationWithoutAProcessIsNone) {
+TEST_F(MacWorkspaceTest, AnApplicationWithoutAProcessIsNotReported) {
     std::vector<ProcessId> told;
     const auto observer =
         desktop->workspace.addObserver(ApplicationEvent::Launched, [&](const RunningApplication& app) {
@@ -36,7 +36,7 @@ TEST_F(MacWorkspaceTest, AnApplicationWithoutAProcessIsNone) {
     EXPECT_EQ(desktop->workspace.runningApplications().size(), 2U);
 }
 
-TEST_F(MacWorkspaceTest, AnObserverMayEndItselfWhenCalled) {
+TEST_F(MacWorkspaceTest, AHandlerMayDestroyItsObserver) {
     int told = 0;
     SubscriptionPtr observer;
     observer = desktop->workspace.addObserver(ApplicationEvent::Launched, [&](const RunningApplication&) {
@@ -50,7 +50,7 @@ TEST_F(MacWorkspaceTest, AnObserverMayEndItselfWhenCalled) {
     EXPECT_EQ(told, 1);
 }
 
-TEST_F(MacWorkspaceTest, AnEndWithoutAProcessIsToldWithTheOneThatTheApplicationHad) {
+TEST_F(MacWorkspaceTest, ATerminationWithoutAProcessIdIsReportedWithTheRecordedOne) {
     const auto observer = observeEnds();
     fakemac::launch(8, {.bundleIdentifier = "org.example.mail"});
 
@@ -60,7 +60,7 @@ TEST_F(MacWorkspaceTest, AnEndWithoutAProcessIsToldWithTheOneThatTheApplicationH
     EXPECT_EQ(ended, (std::vector<RunningApplication>{{8, "org.example.mail"}, editor}));
 }
 
-TEST_F(MacWorkspaceTest, AnEndIsToldOnce) {
+TEST_F(MacWorkspaceTest, ATerminationIsReportedOnce) {
     const auto first = observeEnds();
     const auto second =
         desktop->workspace.addObserver(ApplicationEvent::Terminated, [](const RunningApplication&) {});
@@ -70,7 +70,7 @@ TEST_F(MacWorkspaceTest, AnEndIsToldOnce) {
     EXPECT_EQ(ended, std::vector<RunningApplication>{editor});
 }
 
-TEST_F(MacWorkspaceTest, AProcessNumberThatIsUsedAgainStandsForTheLaterApplication) {
+TEST_F(MacWorkspaceTest, AReusedProcessIdIsReportedAsTheLaterApplication) {
     const auto observer = observeEnds();
     fakemac::terminate(kEditor);
     fakemac::launch(kEditor, {.bundleIdentifier = "org.example.mail"});
@@ -80,7 +80,7 @@ TEST_F(MacWorkspaceTest, AProcessNumberThatIsUsedAgainStandsForTheLaterApplicati
     EXPECT_EQ(ended, (std::vector<RunningApplication>{editor, {kEditor, "org.example.mail"}}));
 }
 
-TEST_F(MacWorkspaceTest, AnEndThatNobodyKnowsAnythingOfIsNotTold) {
+TEST_F(MacWorkspaceTest, TheTerminationOfAnUnknownApplicationIsNotReported) {
     fakemac::launch(-1, {});
     const auto observer = observeEnds();
 
@@ -89,7 +89,7 @@ TEST_F(MacWorkspaceTest, AnEndThatNobodyKnowsAnythingOfIsNotTold) {
     EXPECT_TRUE(ended.empty());
 }
 
-TEST_F(MacWorkspaceTest, ThePlaceOfAWindowsEndIsKnownThoughItsProgramHasNoProcess) {
+TEST_F(MacWorkspaceTest, AWindowIsClosedWhenItsApplicationTerminatesWithoutAProcessId) {
     int closed = 0;
     fakemac::openWindow({.pid = kEditor, .axFrame = {200, 150, 640, 480}});
     const auto window =
@@ -101,7 +101,7 @@ TEST_F(MacWorkspaceTest, ThePlaceOfAWindowsEndIsKnownThoughItsProgramHasNoProces
     EXPECT_EQ(closed, 1);
 }
 
-TEST_F(MacWorkspaceTest, AnObserverOfEndsMayEndItselfAndTheBackEnd) {
+TEST_F(MacWorkspaceTest, ATerminationHandlerMayDestroyItsObserverAndTheBackEnd) {
     SubscriptionPtr observer;
     observer = desktop->workspace.addObserver(ApplicationEvent::Terminated, [&](const RunningApplication&) {
         observer.reset();
@@ -113,7 +113,7 @@ TEST_F(MacWorkspaceTest, AnObserverOfEndsMayEndItselfAndTheBackEnd) {
     EXPECT_FALSE(desktop);
 }
 
-TEST_F(MacWorkspaceTest, AnObserverThatThrowsDoesNotKeepTheOthersFromHearing) {
+TEST_F(MacWorkspaceTest, AThrowingHandlerDoesNotPreventTheOthersFromBeingCalled) {
     const auto first =
         desktop->workspace.addObserver(ApplicationEvent::Terminated, [](const RunningApplication&) {
             throw std::runtime_error("of a test");

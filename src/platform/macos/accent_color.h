@@ -4,7 +4,7 @@
 
 namespace tessarel::macos {
 
-/// Parts from 0 to 1, in the common colour space (sRGB).
+/// Colour components from 0 to 1 in the sRGB colour space.
 struct Color {
     double red = 0;
     double green = 0;
@@ -13,7 +13,8 @@ struct Color {
     bool operator==(const Color&) const = default;
 };
 
-/// The colour that the user has chosen for what stands out, as it is now; none when it cannot be expressed.
+/// Returns the user's accent colour as it is set now; `std::nullopt` when the system cannot convert it to
+/// sRGB.
 [[nodiscard]] std::optional<Color> accentColor();
 
 } // namespace tessarel::macos

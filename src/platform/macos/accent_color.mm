@@ -6,7 +6,7 @@ namespace tessarel::macos {
 
 std::optional<Color> accentColor() {
     @autoreleasepool {
-        // A colour of the system's has no parts before it is converted; asked for them it raises an
+        // controlAccentColor is a catalog colour: reading its components before the conversion raises an
         // exception.
         NSColor* const color =
             [[NSColor controlAccentColor] colorUsingColorSpace:[NSColorSpace sRGBColorSpace]];

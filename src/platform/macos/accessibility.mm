@@ -14,11 +14,14 @@ namespace {
 constexpr std::string_view kWindowCreated = "AXWindowCreated";
 constexpr std::string_view kElementDestroyed = "AXUIElementDestroyed";
 
-/// Tells once that a window has closed, whoever notices first.
+/// Subscription to the close of a window. The window's own notification and the termination of its process
+/// both report the close; the handler is called for the first of them only.
 struct WindowEnd : Subscription {
     explicit WindowEnd(std::function<void()> function)
         : closed(std::make_shared<std::function<void()>>(std::move(function))) {}
 
+    /// Calls the handler unless it has been called. It is moved out first, so that it stays alive when it
+    /// destroys its own subscription.
     static void tell(const std::shared_ptr<std::function<void()>>& closed) {
         if (const auto once = std::exchange(*closed, nullptr))
             once();
@@ -29,6 +32,7 @@ struct WindowEnd : Subscription {
     SubscriptionPtr terminated;
 };
 
+/// Returns true for the attributes whose reads and writes pass through `LateFrames`.
 bool isOfFrame(std::string_view attribute) {
     return attribute == attribute::kPosition || attribute == attribute::kSize;
 }
@@ -52,6 +56,7 @@ Element MacAccessibility::systemWide() {
 
 void MacAccessibility::setMessagingTimeout(const Element& element, std::chrono::milliseconds limit) {
     @autoreleasepool {
+        // The API takes seconds.
         if (element.handle)
             AXUIElementSetMessagingTimeout(axElement(element), std::chrono::duration<float>(limit).count());
     }
@@ -92,6 +97,7 @@ std::optional<AttributeValue> MacAccessibility::read(const Element& element, std
             return {};
         CFTypeRef copied = nullptr;
         const AXError error = AXUIElementCopyAttributeValue(axElement(element), cfString(name), &copied);
+        // An application may report success without a value.
         if (error != kAXErrorSuccess || !copied)
             return {};
         const auto value = CfRef<CFTypeRef>::adopt(copied);
@@ -106,6 +112,7 @@ void MacAccessibility::setAttribute(const Element& element, std::string_view att
         const auto written = cfValue(value);
         if (!element.handle || !name || !written)
             return;
+        // Before the write, because this reads the old frame.
         if (isOfFrame(attribute))
             m_lateFrames.willWrite(element, key(element), value);
         AXUIElementSetAttributeValue(axElement(element), cfString(name), written.get());
@@ -134,6 +141,7 @@ SubscriptionPtr MacAccessibility::onWindowCreated(const Element& application,
 
 SubscriptionPtr MacAccessibility::onWindowClosed(const Element& window, std::function<void()> closed) {
     const auto owner = pid(window);
+    // The element of an application is not a window.
     if (!owner || *owner == m_workspace.ownProcessIdentifier() ||
         CFEqual(window.handle.get(), application(*owner).handle.get()))
         return nullptr;
@@ -142,7 +150,7 @@ SubscriptionPtr MacAccessibility::onWindowClosed(const Element& window, std::fun
         {*owner, window, kElementDestroyed, [told = end->closed](const Element&) { WindowEnd::tell(told); }});
     if (!end->destroyed)
         return nullptr;
-    // A program that dies has nobody left to send the notification.
+    // A process that is killed sends no AXUIElementDestroyed.
     end->terminated = m_workspace.addObserver(
         ApplicationEvent::Terminated, [told = end->closed, pid = *owner](const RunningApplication& app) {
             if (app.processIdentifier == pid)
@@ -153,7 +161,7 @@ SubscriptionPtr MacAccessibility::onWindowClosed(const Element& window, std::fun
 
 std::optional<ProcessId> MacAccessibility::pid(const Element& element) {
     @autoreleasepool {
-        pid_t owner = 0; // stays so for the whole desktop
+        pid_t owner = 0; // the system-wide element has no process and leaves it at 0
         if (!element.handle || AXUIElementGetPid(axElement(element), &owner) != kAXErrorSuccess || owner <= 0)
             return {};
         return owner;

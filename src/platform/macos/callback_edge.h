@@ -5,8 +5,8 @@
 
 namespace tessarel::macos {
 
-/// Runs `work`, which the system has called for and through which no exception may go back to it: one that
-/// gets here is told on the standard error stream, and the event counts as dealt with.
+/// Runs `work`, the body of a callback that the system calls. An exception must not unwind into the system's
+/// stack frames: it is caught and reported on the standard error stream, and the event counts as handled.
 template <class Work>
 void atCallbackEdge(Work&& work) noexcept {
     try {

@@ -6,12 +6,15 @@ namespace tessarel::macos {
 
 namespace {
 
+/// Returns null when the bytes are not valid in `encoding`.
 ObjcRef<NSString*> decoded(std::string_view text, NSStringEncoding encoding) {
     return ObjcRef<NSString*>::adopt([[NSString alloc] initWithBytes:text.data()
                                                               length:text.size()
                                                             encoding:encoding]);
 }
 
+/// Returns true for the ASCII control characters. These bytes never occur within a multi-byte sequence of
+/// UTF-8, so single bytes can be replaced.
 bool isControl(char character) {
     constexpr char kDelete = 0x7f;
     return (character >= 0 && character < ' ') || character == kDelete;
@@ -26,6 +29,7 @@ ObjcRef<NSString*> nsString(std::string_view text) {
 ObjcRef<NSString*> shownText(std::string_view text) {
     std::string line(text);
     std::replace_if(line.begin(), line.end(), isControl, ' ');
+    // Every sequence of bytes is valid Latin-1.
     auto shown = decoded(line, NSUTF8StringEncoding);
     return shown ? std::move(shown) : decoded(line, NSISOLatin1StringEncoding);
 }

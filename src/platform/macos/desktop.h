@@ -23,15 +23,17 @@
 
 namespace tessarel::macos {
 
-/// A macOS desktop: every port of this back end.
+/// The ports that this back end implements. Main queue, alerts and overlay are implemented with Qt instead.
 struct MacDesktop {
-    /// `queue` outlives the desktop.
+    /// `queue` must outlive the desktop. `toolkit` performs menu actions in the toolkit's own windows; see
+    /// `MacMainMenu::Toolkit`. `wait` blocks the calling thread for the given time; see `LateFrames`.
     explicit MacDesktop(MainQueuePort& queue, MacMainMenu::Toolkit toolkit = nullptr,
                         LateFrames::Wait wait = std::this_thread::sleep_for<std::int64_t, std::milli>)
         : accessibility(workspace, queue, std::move(wait)), mainMenu(std::move(toolkit)), statusItem(queue) {}
     MacDesktop(const MacDesktop&) = delete;
     MacDesktop& operator=(const MacDesktop&) = delete;
 
+    // A member follows those that it refers to: `workspace`, `localKeys` and `openUrl` are used by others.
     MacWorkspace workspace;
     MacAccessibility accessibility;
     MacAlertSound alertSound;

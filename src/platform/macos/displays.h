@@ -7,12 +7,13 @@
 
 namespace tessarel::macos {
 
-/// The displays as AppKit knows them, in points.
+/// The connected displays as AppKit reports them. Frames are in points, which may cover several pixels each.
 class MacDisplays : public DisplaysPort {
 public:
+    /// Leaves out a display that is disconnected during the call.
     [[nodiscard]] std::vector<Screen> screens() override;
 
-    /// The one with the window that has the keyboard focus.
+    /// Returns the display with the window that has the keyboard focus.
     [[nodiscard]] std::optional<Screen> mainScreen() override;
 };
 

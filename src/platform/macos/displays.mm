@@ -8,9 +8,10 @@ namespace tessarel::macos {
 
 namespace {
 
-/// Empty for the object of a display that has gone meanwhile.
+/// Returns an empty optional when the display of `screen` has been disconnected: its frame is empty then.
 std::optional<Screen> screenFrom(NSScreen* screen) {
-    // The objects are made anew whenever displays change; only the number stays with the display.
+    // AppKit replaces the NSScreen objects whenever the displays change. Only the screen number identifies a
+    // display for as long as it is connected.
     NSNumber* const number = as<NSNumber>([[screen deviceDescription] objectForKey:@"NSScreenNumber"]);
     const Rect frame = rectFrom([screen frame]);
     if (frame.absWidth() == 0)

@@ -10,22 +10,23 @@
 
 namespace tessarel::macos {
 
-/// Accessibility notifications to observe.
+/// What to observe: one accessibility notification of one element.
 struct Observation {
     ProcessId pid = 0;
-    Element element;                             ///< of that process
-    std::string_view notification;               ///< its name, which stays
-    std::function<void(const Element&)> handler; ///< called with the element that each is about
+    Element element;                             ///< an element of process `pid`
+    std::string_view notification;               ///< name of the notification; a string literal
+    std::function<void(const Element&)> handler; ///< called with the element that the notification is about
 };
 
-/// Calls the handler until the returned subscription is destroyed. Null when the process does not answer or
-/// refuses.
+/// Registers for the notification and calls the handler on the main thread until the returned subscription is
+/// destroyed. Returns null when the process does not reply or refuses.
 [[nodiscard]] SubscriptionPtr observeElement(Observation observation);
 
-/// Like `observeElement`, but a process that cannot answer, as is usual just after its launch, is asked
-/// again: five times within 0.7 s, then whenever it is activated. One that takes its time to say so hangs; it
-/// is left alone until it is activated. Null when the process refuses. `workspace` and `queue` outlive the
-/// subscription.
+/// Like `observeElement`, but retries when the process cannot complete the request
+/// (`kAXErrorCannotComplete`), as is usual just after its launch: five times within 0.7 s, and again at each
+/// activation of the application. A process that takes 100 ms or longer to report the error counts as hanging
+/// and is retried at its next activation only. Returns null when the process refuses. `workspace` and `queue`
+/// must outlive the subscription.
 [[nodiscard]] SubscriptionPtr observeElementPatiently(WorkspacePort& workspace, MainQueuePort& queue,
                                                       Observation observation);
 

@@ -15,9 +15,11 @@ namespace {
 
 using ElementHandler = std::function<void(const Element&)>;
 
+/// One accessibility observer with one notification, registered from `listen` until the destructor.
 class ElementObserver : public Subscription {
 public:
-    /// Both references are held; the element is the very one on which the caller has set a time limit.
+    /// `element` must be the very object on which the caller has set a messaging timeout: the API keeps the
+    /// timeout with the object and not with elements that are equal to it.
     ElementObserver(CfRef<AXObserverRef> observer, const Element& element, ObjcRef<NSString*> notification)
         : m_observer(std::move(observer)), m_element(element), m_notification(std::move(notification)) {}
 
@@ -28,6 +30,8 @@ public:
         }
     }
 
+    /// Registers the notification and has it delivered to `handler` on the main run loop. Returns the error
+    /// of the registration.
     [[nodiscard]] AXError listen(std::shared_ptr<const ElementHandler> handler) {
         AXObserverRef const observer = m_observer.get();
         const AXError error =
@@ -35,19 +39,20 @@ public:
         if (error != kAXErrorSuccess)
             return error;
         handlers()[observer] = std::move(handler);
-        // The common modes go on while a menu of ours is open or an alert stands.
+        // Unlike the default mode, the common modes also run during menu tracking and modal panels.
         CFRunLoopAddSource(CFRunLoopGetMain(), AXObserverGetRunLoopSource(observer), kCFRunLoopCommonModes);
         m_isListening = true;
         return error;
     }
 
+    /// Callback of the observer; the element belongs to the caller.
     static void receive(AXObserverRef observer, AXUIElementRef element, CFStringRef /*notification*/,
                         void* /*context*/) {
         @autoreleasepool {
             const auto found = handlers().find(observer);
             if (found == handlers().end())
                 return;
-            const auto handler = found->second; // which may end its observer
+            const auto handler = found->second; // the call may destroy its own observer
             atCallbackEdge([&] { (*handler)(elementFrom(CfRef<AXUIElementRef>::share(element))); });
         }
     }
@@ -61,8 +66,8 @@ private:
         AXObserverRemoveNotification(observer, axElement(m_element), cfString(m_notification));
     }
 
-    /// A table instead of the context pointer: a notification that is under way when its observer ends has to
-    /// find nothing, not what was there.
+    /// Returns the handlers by observer. They are not passed as context pointer, because a notification that
+    /// is already queued when its observer is destroyed would then use freed memory; here it finds no entry.
     static std::map<AXObserverRef, std::shared_ptr<const ElementHandler>>& handlers() {
         static std::map<AXObserverRef, std::shared_ptr<const ElementHandler>> all;
         return all;
@@ -74,7 +79,7 @@ private:
     bool m_isListening = false;
 };
 
-/// An observation that may be begun more than once.
+/// Creates and registers the observer of one `Observation`, as often as `begin` is called.
 class Attempts {
 public:
     explicit Attempts(Observation observation)
@@ -83,7 +88,8 @@ public:
 
     [[nodiscard]] ProcessId pid() const { return m_observation.pid; }
 
-    /// Leaves the observer of a success in `observer`.
+    /// Tries once. On success stores the registered observer in `observer`; otherwise `observer` stays as it
+    /// is.
     [[nodiscard]] AXError begin(SubscriptionPtr& observer) const {
         @autoreleasepool {
             AXObserverRef created = nullptr;
@@ -106,16 +112,17 @@ private:
 };
 
 constexpr int kRetries = 5;
-constexpr std::chrono::milliseconds kFirstRetry{20}; // each of the others comes after twice the time
-/// Longer than a process that is merely not ready takes to say so.
+constexpr std::chrono::milliseconds kFirstRetry{20}; // doubled for each further retry
+/// A process that is merely not ready yet reports the error sooner than this.
 constexpr std::chrono::milliseconds kHanging{100};
 
+/// Repeats an observation until it succeeds; see `observeElementPatiently`.
 class PatientObserver : public std::enable_shared_from_this<PatientObserver> {
 public:
     PatientObserver(WorkspacePort& workspace, MainQueuePort& queue, Observation observation)
         : m_workspace(workspace), m_queue(queue), m_attempts(std::move(observation)) {}
 
-    /// False when the process refuses.
+    /// Returns false when the process refuses; true when it is observed or will be retried.
     [[nodiscard]] bool start() {
         const AXError error = attempt();
         if (error == kAXErrorCannotComplete)
@@ -134,6 +141,7 @@ private:
         return error;
     }
 
+    /// Schedules the next retry, unless all retries since the last activation have been used.
     void retryLater() {
         if (m_retries == kRetries)
             return;
@@ -159,8 +167,8 @@ private:
     MainQueuePort& m_queue;
     Attempts m_attempts;
     int m_retries = 0;
-    SubscriptionPtr m_observer;  ///< once it has been possible
-    SubscriptionPtr m_activated; ///< until then
+    SubscriptionPtr m_observer;  ///< null until an attempt has succeeded
+    SubscriptionPtr m_activated; ///< observes activations; null once an attempt has succeeded
 };
 
 } // namespace

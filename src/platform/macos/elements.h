@@ -6,22 +6,25 @@
 #include <ApplicationServices/ApplicationServices.h>
 #include <optional>
 
-// Between the accessibility interface's values and the port's. For Objective-C++ sources only.
+// Conversions between values of the accessibility API and those of `AccessibilityPort`. For Objective-C++
+// sources only.
 
 namespace tessarel::macos {
 
-/// The element that the handle stands for; null when it names nothing.
+/// Returns the API's object behind `element`, not retained; null for an element without a handle.
 [[nodiscard]] inline AXUIElementRef axElement(const Element& element) {
     return static_cast<AXUIElementRef>(element.handle.get());
 }
 
+/// Returns an element that owns the reference; an element without a handle when `element` is null.
 [[nodiscard]] Element elementFrom(CfRef<AXUIElementRef> element);
 
-/// None for types that the port does not know; a list keeps those of its entries that are elements.
+/// Converts a value that was read; `std::nullopt` for types that the port does not know. Of an array, the
+/// entries that are no elements are left out. `value` must not be null and is not released.
 [[nodiscard]] std::optional<AttributeValue> attributeValueFrom(CFTypeRef value);
 
-/// Holds nothing when there is no such value: a number that is not finite, a text that is not UTF-8, an
-/// element that names nothing, a list.
+/// Converts a value that is to be written. Returns null for what cannot be written: numbers that are not
+/// finite, text that is not valid UTF-8, elements and lists of elements.
 [[nodiscard]] CfRef<CFTypeRef> cfValue(const AttributeValue& value);
 
 } // namespace tessarel::macos

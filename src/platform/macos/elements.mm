@@ -13,6 +13,8 @@ CfRef<CFTypeRef> axValue(AXValueType type, const void* value) {
     return CfRef<CFTypeRef>::adopt(AXValueCreate(type, value));
 }
 
+/// Returns an empty optional for rectangles and ranges. `AXValueGetValue` fails when the value has another
+/// type than the one given.
 std::optional<AttributeValue> geometryFrom(AXValueRef value) {
     CGPoint point{};
     if (AXValueGetValue(value, kAXValueTypeCGPoint, &point))
@@ -23,6 +25,7 @@ std::optional<AttributeValue> geometryFrom(AXValueRef value) {
     return {};
 }
 
+/// Retains `element`, which belongs to its array or to the caller.
 Element sharedElement(CFTypeRef element) {
     return elementFrom(CfRef<AXUIElementRef>::share(static_cast<AXUIElementRef>(element)));
 }
@@ -38,7 +41,7 @@ std::vector<Element> elementsFrom(CFArrayRef list) {
     return elements;
 }
 
-/// What the system takes for each of the port's values.
+/// Converts each alternative of `AttributeValue` to the object that the API expects.
 struct Expression {
     CfRef<CFTypeRef> operator()(bool value) const {
         return CfRef<CFTypeRef>::share(value ? kCFBooleanTrue : kCFBooleanFalse);
@@ -61,7 +64,7 @@ struct Expression {
     CfRef<CFTypeRef> operator()(const std::string& value) const {
         return CfRef<CFTypeRef>::share((__bridge CFTypeRef)nsString(value).get());
     }
-    // Attributes of these types are only read.
+    // No attribute of these types is written.
     CfRef<CFTypeRef> operator()(const Element& /*value*/) const { return {}; }
     CfRef<CFTypeRef> operator()(const std::vector<Element>& /*value*/) const { return {}; }
 };
@@ -84,6 +87,7 @@ std::optional<AttributeValue> attributeValueFrom(CFTypeRef value) {
         return elementsFrom(static_cast<CFArrayRef>(value));
     if (type == CFStringGetTypeID())
         return stringFrom((__bridge NSString*)static_cast<CFStringRef>(value));
+    // Some applications give truth values as numbers; those stay numbers.
     if (type == CFBooleanGetTypeID())
         return CFEqual(value, kCFBooleanTrue) != 0;
     if (type == CFNumberGetTypeID())

@@ -9,12 +9,14 @@
 
 namespace tessarel::macos {
 
-/// Calls `handler` with every event whose type is in `mask` and that goes to another program, until the
-/// returned subscription is destroyed; `handler` may do that itself. Null when the system refuses.
+/// Calls `handler` on the main thread with every event whose type is in `mask` and that is sent to another
+/// application, until the returned subscription is destroyed; `handler` may destroy it. Returns null when the
+/// system refuses.
 [[nodiscard]] SubscriptionPtr monitorOthersEvents(NSEventMask mask, std::function<void(NSEvent*)> handler);
 
-/// Calls `consumes` with every event whose type is in `mask` and that goes to this program. An event for
-/// which it returns true, or throws, goes no further. Otherwise like `monitorOthersEvents`.
+/// Calls `consumes` with every event whose type is in `mask` and that is sent to this application, before any
+/// window receives it. The event is dropped when `consumes` returns true or throws. Otherwise like
+/// `monitorOthersEvents`.
 [[nodiscard]] SubscriptionPtr monitorOwnEvents(NSEventMask mask, std::function<bool(NSEvent*)> consumes);
 
 } // namespace tessarel::macos

@@ -10,7 +10,8 @@ namespace tessarel::macos {
 
 namespace {
 
-/// Removes the system's monitor; the handler goes with it, unless it is being called.
+/// Owns the system's monitor and its handler. The monitor's block refers to the handler weakly and locks it
+/// for each call: a handler may destroy its own monitor, and no call follows the destruction.
 template <class Handler>
 struct Monitor : Subscription {
     Monitor(id systemMonitor, std::shared_ptr<const Handler> function)
@@ -55,6 +56,7 @@ SubscriptionPtr monitorOwnEvents(NSEventMask mask, std::function<bool(NSEvent*)>
                                            bool consumed = false;
                                            @autoreleasepool {
                                                if (const auto present = weak.lock()) {
+                                                   // An event whose handler throws is dropped.
                                                    consumed = true;
                                                    atCallbackEdge([&] { consumed = (*present)(event); });
                                                }

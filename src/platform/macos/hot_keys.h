@@ -10,23 +10,28 @@
 
 namespace tessarel::macos {
 
-/// Carbon's hot keys. Another program's claim does not keep us from ours: then both are pressed.
+/// System-wide hot keys, registered with Carbon. A combination that another application has registered can be
+/// registered as well; a press then reaches both applications.
 class MacHotKeys : public HotKeyPort {
 public:
-    /// `localKeys`, which are asked first while a window of ours has the keyboard, outlive the hot keys.
+    /// While one of our windows has the keyboard focus, a pressed hot key goes to `localKeys` first.
+    /// `localKeys` must outlive this object.
     explicit MacHotKeys(MacLocalKeys& localKeys);
     MacHotKeys(const MacHotKeys&) = delete;
     MacHotKeys& operator=(const MacHotKeys&) = delete;
+    /// Stops all handlers. A combination stays registered until its own subscription is destroyed.
     ~MacHotKeys() override;
 
+    /// Never returns null.
     [[nodiscard]] SubscriptionPtr installHandler(std::function<void(std::uint32_t id)> pressed) override;
+    /// Returns null in place of a combination that the system refuses or that no keyboard can produce.
     [[nodiscard]] std::vector<SubscriptionPtr>
     registerHotKeys(std::span<const HotKeyRequest> requests) override;
 
 private:
     class Keyboard;
 
-    std::shared_ptr<Keyboard> m_keyboard; // shared with claims, which may outlive us
+    std::shared_ptr<Keyboard> m_keyboard; // shared with the subscriptions, which may outlive this object
 };
 
 } // namespace tessarel::macos

@@ -12,9 +12,10 @@ namespace tessarel::macos {
 
 namespace {
 
-constexpr std::uint32_t kKeyCodes = 128;
+constexpr std::uint32_t kKeyCodes = 128; // virtual key codes are 0 to 127
 
-/// The flags of an event for which `carbonMods` gives `mods`.
+/// Returns the modifier flags of an event for Carbon's modifier bits; the inverse of `carbonMods`. Bits other
+/// than those of the four modifiers are dropped.
 ModifierFlags modifierFlags(std::uint32_t mods) {
     ModifierFlags flags = 0;
     for (const ModifierFlags flag : {kShiftFlag, kControlFlag, kOptionFlag, kCommandFlag})
@@ -22,13 +23,15 @@ ModifierFlags modifierFlags(std::uint32_t mods) {
     return flags;
 }
 
-/// The system takes numbers that no key and no modifier has, and never presses them.
+/// Returns whether a keyboard can produce the combination. Carbon also registers key codes and modifier bits
+/// that do not exist, and such a hot key never fires.
 bool isPossible(const HotKeyRequest& request) {
     return request.keyCode < kKeyCodes && carbonMods(modifierFlags(request.mods)) == request.mods;
 }
 
 } // namespace
 
+/// The Carbon event handler and the registered combinations. Every registered combination keeps it alive.
 class MacHotKeys::Keyboard {
 public:
     explicit Keyboard(MacLocalKeys& localKeys) : m_localKeys(localKeys) {}
@@ -39,6 +42,7 @@ public:
     [[nodiscard]] SubscriptionPtr addHandler(std::function<void(std::uint32_t id)> pressed) {
         @autoreleasepool {
             const EventTypeSpec pressing{kEventClassKeyboard, kEventHotKeyPressed};
+            // One handler for all subscriptions: Carbon calls no further handler once one has returned noErr.
             if (!m_handler)
                 InstallEventHandler(GetApplicationEventTarget(), receive, 1, &pressing, this, &m_handler);
             return m_handlers.add(std::move(pressed));
@@ -52,7 +56,8 @@ public:
         }
     }
 
-    /// Null when the system refuses.
+    /// Registers the combination. Returns null when it is impossible or the system refuses; otherwise the
+    /// caller has to pass the result to `letGo`.
     [[nodiscard]] EventHotKeyRef claim(const HotKeyRequest& request) {
         @autoreleasepool {
             EventHotKeyRef claimed = nullptr;
@@ -74,6 +79,7 @@ public:
     }
 
 private:
+    /// Callback of the Carbon event handler; `keyboard` is the `Keyboard` that has installed it.
     static OSStatus receive(EventHandlerCallRef /*call*/, EventRef event, void* keyboard) {
         @autoreleasepool {
             EventHotKeyID hotKey{};
@@ -84,11 +90,13 @@ private:
             atCallbackEdge([&] {
                 isOurs = static_cast<Keyboard*>(keyboard)->press({hotKey.signature, hotKey.id});
             });
-            return isOurs ? noErr : eventNotHandledErr; // a library may have hot keys of its own
+            // Libraries in this process may have hot keys of their own, with their own handlers.
+            return isOurs ? noErr : eventNotHandledErr;
         }
     }
 
-    /// A press that was still under way when its claim ended finds none.
+    /// Returns the registered combination with this id; empty when a press was still queued when the
+    /// registration ended.
     [[nodiscard]] std::optional<HotKeyRequest> claimOf(const HotKeyId& hotKey) const {
         for (const auto& [claimed, request] : m_claims) {
             if (request.hotKey == hotKey)
@@ -97,7 +105,8 @@ private:
         return {};
     }
 
-    /// False when the hot key is none of ours.
+    /// Delivers a press to the local keys or else to the handlers. Returns false when no combination is
+    /// registered with this id.
     [[nodiscard]] bool press(const HotKeyId& hotKey) {
         const auto request = claimOf(hotKey);
         if (!request)

@@ -25,8 +25,10 @@ void LateFrames::willRead(std::uintptr_t key) {
     if (!m_written || m_written->key != key)
         return;
     const auto written = std::exchange(m_written, std::nullopt);
+    // An application that is asked for the frame it has already will never change it.
     if (written->wanted == written->before)
         return;
+    // A read that fails ends the wait as well: an empty frame differs from every frame.
     for (std::chrono::milliseconds waited{0}; waited < kLongest && m_read(written->window) == written->before;
          waited += kBetweenReads)
         m_wait(kBetweenReads);

@@ -8,24 +8,26 @@
 
 namespace tessarel::macos {
 
-/// The keys of this program's own windows. Combinations that another program has claimed do not come: the
-/// system hands them to that program alone.
+/// Key presses in this application's own windows. Combinations that another application has registered as hot
+/// keys are not reported: the system delivers them to that application only.
 class MacLocalKeys : public LocalKeysPort {
 public:
-    /// `workspace` outlives the keys.
+    /// `workspace` must outlive this object.
     explicit MacLocalKeys(MacWorkspace& workspace) : m_workspace(workspace) {}
 
+    /// Consumes the repeats of a key that is held down; `handler` is called for the first press only.
     [[nodiscard]] SubscriptionPtr monitorKeyDown(Handler handler) override;
 
-    /// Gives a key that the system has taken for one of our hot keys to the handlers; false when there is
-    /// none, or when no window of ours has the keyboard.
+    /// Offers a press of one of our hot keys to the handlers; Carbon takes such a press before any window or
+    /// event monitor receives it. Returns false, without calling any handler, when none is registered or
+    /// another application is in front. Returns true otherwise, even when no handler has consumed the key.
     [[nodiscard]] bool takeHotKey(const KeyDown& key);
 
 private:
     class Monitor;
 
     MacWorkspace& m_workspace;
-    std::weak_ptr<Monitor> m_monitor; // kept by the subscriptions
+    std::weak_ptr<Monitor> m_monitor; // owned by the subscriptions
 };
 
 } // namespace tessarel::macos

@@ -8,11 +8,12 @@ namespace tessarel::macos {
 
 namespace {
 
+/// An event's flags also contain Caps Lock, the function key and device-dependent bits.
 constexpr ModifierFlags kModifiers = kShiftFlag | kControlFlag | kOptionFlag | kCommandFlag;
 
 } // namespace
 
-/// The system's monitor, one for all handlers, so that they are asked in their own order.
+/// One event monitor for all handlers, so that they are called in the order in which they were added.
 class MacLocalKeys::Monitor : public std::enable_shared_from_this<Monitor> {
 public:
     Monitor() = default;
@@ -20,6 +21,7 @@ public:
     Monitor& operator=(const Monitor&) = delete;
     ~Monitor() = default;
 
+    /// Call it once a shared pointer owns this object.
     void start() {
         m_monitor = monitorOwnEvents(NSEventMaskKeyDown, [weak = weak_from_this()](NSEvent* event) {
             const auto self = weak.lock();
@@ -27,8 +29,10 @@ public:
         });
     }
 
+    /// Adds `handler`. The returned subscription also keeps the monitor alive.
     [[nodiscard]] SubscriptionPtr add(Handler handler);
 
+    /// Calls the handlers in order until one returns true; returns whether one did.
     [[nodiscard]] bool ask(const KeyDown& key) {
         for (const auto& weak : m_handlers.present()) {
             if (const auto handler = weak.lock(); handler && (*handler)(key))
@@ -76,7 +80,8 @@ bool MacLocalKeys::takeHotKey(const KeyDown& key) {
     const auto frontmost = m_workspace.frontmostApplication();
     if (!frontmost || frontmost->processIdentifier != m_workspace.ownProcessIdentifier())
         return false;
-    (void)monitor->ask(key); // not the hot key's turn even if nobody wants it
+    // While the user is recording a shortcut the hot key must not act, even if no handler consumes it.
+    (void)monitor->ask(key);
     return true;
 }
 

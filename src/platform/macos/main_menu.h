@@ -9,30 +9,31 @@
 
 namespace tessarel::macos {
 
-/// The menu bar while the program is in front.
+/// The menu bar while this application is active.
 ///
-/// To be set when the toolkit of the windows has been started, which puts up a menu of its own.
+/// Set it only after the toolkit has started, because its start installs a menu of its own.
 class MacMainMenu : public MainMenuPort {
 public:
-    /// Carries out a row in the window of the toolkit's that has the keyboard; false when none has it, or
-    /// when the row is for the window or the program as a whole, for the system to carry out. The system must
-    /// not be asked to edit in such a window: of Qt's it hears that it can, and then it raises an exception.
+    /// Performs the action of a menu row in the toolkit's window that has the keyboard focus. Returns false
+    /// when no such window has it, or when the action concerns the window or the application as a whole; then
+    /// the action is sent along the responder chain. An editing action must not be sent there: Qt's windows
+    /// claim to respond to `copy:` and its like, and raise an exception when they receive it.
     using Toolkit = std::function<bool(const MainMenuItem&)>;
 
-    /// Without `toolkit` the system alone looks for who carries out a row.
+    /// Without `toolkit` every action is sent along the responder chain.
     explicit MacMainMenu(Toolkit toolkit = nullptr);
     MacMainMenu(const MacMainMenu&) = delete;
     MacMainMenu& operator=(const MacMainMenu&) = delete;
-    /// Takes the menu away.
+    /// Removes the menu, unless another one has been set meanwhile.
     ~MacMainMenu() override;
 
-    /// The texts that `menus` refers to stay.
+    /// Replaces the main menu. The texts that `menus` refers to must outlive the menu.
     void setMainMenu(const std::vector<MainMenu>& menus) override;
 
 private:
     class Bar;
 
-    std::shared_ptr<const Toolkit> m_toolkit; // shared with rows, which may outlive us
+    std::shared_ptr<const Toolkit> m_toolkit; // the rows, which may outlive this object, refer to it weakly
     std::unique_ptr<Bar> m_bar;
 };
 

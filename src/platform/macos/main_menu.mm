@@ -11,6 +11,8 @@ namespace {
 
 using Toolkit = MacMainMenu::Toolkit;
 
+/// Performs the action of a row in the toolkit's window or, failing that, along the responder chain
+/// (`to:nil`). Does nothing once the main menu has been destroyed.
 void perform(const MainMenuItem& row, const std::weak_ptr<const Toolkit>& weak) {
     const auto toolkit = weak.lock();
     if (!toolkit || (*toolkit && (*toolkit)(row)))
@@ -26,6 +28,7 @@ ObjcRef<NSMenuItem*> itemFor(const MainMenuItem& row, const std::weak_ptr<const 
     auto item = makeMenuItem(row.title, [row, toolkit] { perform(row, toolkit); });
     if (row.key != 0)
         [item.get() setKeyEquivalent:nsString({&row.key, 1}).get()];
+    // Command alone is the default.
     if (row.withShift)
         [item.get() setKeyEquivalentModifierMask:NSEventModifierFlagShift | NSEventModifierFlagCommand];
     return item;
@@ -33,7 +36,7 @@ ObjcRef<NSMenuItem*> itemFor(const MainMenuItem& row, const std::weak_ptr<const 
 
 } // namespace
 
-/// What stands in the menu bar, until it ends.
+/// The application's main menu, set from the constructor to the destructor.
 class MacMainMenu::Bar {
 public:
     Bar() { [[NSApplication sharedApplication] setMainMenu:m_menu.get()]; }
@@ -42,11 +45,13 @@ public:
     ~Bar() {
         @autoreleasepool {
             NSApplication* const application = [NSApplication sharedApplication];
+            // Another bar may have been set already; see `setMainMenu`.
             if ([application mainMenu] == m_menu.get())
                 [application setMainMenu:nil];
         }
     }
 
+    /// Adds a menu at the end. The system takes the title of the first one from the bundle.
     void add(const MainMenu& menu, const std::weak_ptr<const Toolkit>& toolkit) {
         const auto submenu = makeMenu(menu.title);
         for (const MainMenuItem& row : menu.items)
@@ -66,6 +71,7 @@ MacMainMenu::~MacMainMenu() = default;
 
 void MacMainMenu::setMainMenu(const std::vector<MainMenu>& menus) {
     @autoreleasepool {
+        // The new bar is set before the old one is destroyed, so the application is never without a menu.
         auto bar = std::make_unique<Bar>();
         for (const MainMenu& menu : menus)
             bar->add(menu, m_toolkit);

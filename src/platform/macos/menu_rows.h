@@ -10,7 +10,8 @@
 
 // For Objective-C++ sources only.
 
-/// What a row of a menu sends its message to. The row keeps it, since it does not keep its target.
+/// Target of a menu row's action. A menu item does not retain its target, so the row retains it as its
+/// represented object.
 @interface TSLMenuRow : NSObject {
     std::shared_ptr<const std::function<void()>> m_chosen;
 }
@@ -20,16 +21,18 @@
 
 namespace tessarel::macos {
 
-/// A row of which nothing comes.
+/// Returns a row without an action, such as the parent of a submenu.
 [[nodiscard]] ObjcRef<NSMenuItem*> makeMenuItem(std::string_view title);
 
-/// A row that calls `chosen`, for as long as anybody holds it.
+/// Returns a row that calls `chosen` when the user chooses it. The row owns `chosen`.
 [[nodiscard]] ObjcRef<NSMenuItem*> makeMenuItem(std::string_view title, std::function<void()> chosen);
 
-/// A menu whose rows are enabled as they say themselves, whoever could act on them.
+/// Returns a menu that leaves the enabled state of its rows as it was set, instead of enabling each row
+/// according to the responder chain.
 [[nodiscard]] ObjcRef<NSMenu*> makeMenu(std::string_view title);
 
-/// Replaces all that `menu` shows by `rows`, each of which is given to `chosen` when the user chooses it.
+/// Replaces the rows of `menu` with `rows`. Calls `chosen` with the row that the user chooses, submenus
+/// included.
 void showRows(NSMenu* menu, const Menu& rows, const std::function<void(const MenuItem&)>& chosen);
 
 } // namespace tessarel::macos

@@ -16,7 +16,7 @@
 - (void)choose:(id)sender {
     (void)sender;
     @autoreleasepool {
-        const auto chosen = m_chosen; // which may see the end of us
+        const auto chosen = m_chosen; // the call may release this target
         tessarel::macos::atCallbackEdge([&] { (*chosen)(); });
     }
 }
@@ -29,7 +29,7 @@ namespace {
 
 using RowChosen = std::function<void(const MenuItem&)>;
 
-/// A parent with an action of its own would be chosen by the click that is to open it.
+/// Returns a row without an action: the click that opens its submenu would choose it.
 ObjcRef<NSMenuItem*> parentFor(const MenuItem& row, const RowChosen& chosen) {
     auto parent = makeMenuItem(row.title);
     const auto submenu = makeMenu(row.title);
@@ -60,6 +60,7 @@ ObjcRef<NSMenuItem*> makeMenuItem(std::string_view title) {
 ObjcRef<NSMenuItem*> makeMenuItem(std::string_view title, std::function<void()> chosen) {
     const auto target = ObjcRef<TSLMenuRow*>::adopt([[TSLMenuRow alloc] initWithChosen:std::move(chosen)]);
     auto item = makeMenuItem(title);
+    // setTarget: does not retain, setRepresentedObject: does.
     [item.get() setTarget:target.get()];
     [item.get() setAction:@selector(choose:)];
     [item.get() setRepresentedObject:target.get()];

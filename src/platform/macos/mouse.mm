@@ -11,20 +11,24 @@ namespace {
 
 using MouseHandler = std::function<void(const MouseEvent&)>;
 
+/// Reports `event` at the current location of the pointer, in screen coordinates. `locationInWindow` would be
+/// relative to a window in the case of a local monitor.
 void deliver(MouseEventKind kind, NSEvent* event, const MouseHandler& handler) {
     const NSPoint location = [NSEvent mouseLocation];
     handler({kind, {location.x, location.y}, [event modifierFlags]});
 }
 
-/// Movements with the left button held, changes of the modifier keys included.
+/// Reports movements while the left button is held, and changes of the modifier keys as movements.
 ///
-/// The keys are watched from each press to its release, not all the time: typing then wakes nobody, and a
-/// monitor of keys that was made without the permission might stay deaf when it is given.
+/// The modifier keys are monitored only from a press to its release. Otherwise typing would wake this
+/// process, and a key monitor that was added before the user granted the permission might never receive
+/// anything.
 class DragMonitor : public Subscription {
 public:
     explicit DragMonitor(MouseHandler handler)
         : m_handler(std::make_shared<const MouseHandler>(std::move(handler))) {}
 
+    /// Returns false when the system refuses the monitor.
     [[nodiscard]] bool start() {
         m_mouse = monitorOthersEvents(NSEventMaskLeftMouseDown | NSEventMaskLeftMouseDragged |
                                           NSEventMaskLeftMouseUp,
@@ -42,13 +46,14 @@ private:
             deliverMovement(event);
     }
 
-    /// A window of another program may be dragged while one of ours has the keyboard.
+    /// Adds a global and a local monitor: one of our windows may be the key window while the user drags a
+    /// window of another application, and key events go to the active application.
     void watchModifiers() {
         m_modifiers =
             monitorOthersEvents(NSEventMaskFlagsChanged, [this](NSEvent* event) { deliverMovement(event); });
         m_ownModifiers = monitorOwnEvents(NSEventMaskFlagsChanged, [this](NSEvent* event) {
             deliverMovement(event);
-            return false;
+            return false; // the key window receives the event as well
         });
     }
 
@@ -58,16 +63,17 @@ private:
     }
 
     void deliverMovement(NSEvent* event) {
-        const auto handler = m_handler; // which may see the end of us
+        const auto handler = m_handler; // the call may destroy this monitor
         deliver(MouseEventKind::LeftDragged, event, *handler);
     }
 
     std::shared_ptr<const MouseHandler> m_handler;
     SubscriptionPtr m_mouse;
-    SubscriptionPtr m_modifiers;    ///< while another program has the keyboard
-    SubscriptionPtr m_ownModifiers; ///< while we have
+    SubscriptionPtr m_modifiers;    ///< while another application has the keyboard focus
+    SubscriptionPtr m_ownModifiers; ///< while this application has the keyboard focus
 };
 
+/// Returns null when the system refuses the monitor.
 SubscriptionPtr monitorDrags(MouseHandler handler) {
     auto monitor = std::make_unique<DragMonitor>(std::move(handler));
     return monitor->start() ? std::move(monitor) : nullptr;

@@ -9,7 +9,7 @@
 
 // For Objective-C++ sources only.
 
-/// What a notification centre sends its messages to.
+/// Target of a notification centre's messages.
 @interface TSLNotificationTarget : NSObject {
     std::shared_ptr<const std::function<void(NSNotification*)>> m_handler;
 }
@@ -19,9 +19,11 @@
 
 namespace tessarel::macos {
 
-/// Calls a handler with every notification of one name, for as long as it lives.
+/// Observer of one kind of notification, registered from the constructor to the destructor.
 class NotificationObserver : public Subscription {
 public:
+    /// Calls `handler` with every notification called `name` that `center` delivers, whatever its object.
+    /// `handler` may destroy the observer.
     NotificationObserver(NSNotificationCenter* center, NSString* name,
                          std::function<void(NSNotification*)> handler);
     ~NotificationObserver() override;

@@ -14,7 +14,7 @@
 
 - (void)receive:(NSNotification*)notification {
     @autoreleasepool {
-        const auto handler = m_handler; // which may see the end of us
+        const auto handler = m_handler; // the call may release this target
         tessarel::macos::atCallbackEdge([&] { (*handler)(notification); });
     }
 }

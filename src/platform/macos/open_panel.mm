@@ -12,7 +12,7 @@ std::optional<std::string> MacOpenPanel::chooseApplication(const std::string& pr
         NSOpenPanel* const panel = [NSOpenPanel openPanel];
         [panel setAllowedContentTypes:@[ UTTypeApplicationBundle ]];
         [panel setDirectoryURL:[NSURL fileURLWithPath:@"/Applications"]];
-        [panel setCanChooseDirectories:NO]; // bundles count as files
+        [panel setCanChooseDirectories:NO]; // to the panel, a bundle is a file
         [panel setAllowsMultipleSelection:NO];
         [panel setPrompt:shownText(prompt).get()];
         NSURL* const chosen = [panel runModal] == NSModalResponseOK ? [[panel URLs] firstObject] : nil;

@@ -2,14 +2,15 @@
 
 namespace tessarel::macos {
 
-/// Makes the window that shows `nativeView`, an NSView, one for zones: above status items, on every space and
-/// beside a full-screen program, no part of what the user cycles through, out of reach of the mouse, without
-/// a shadow. That it is borderless, transparent and without the keyboard is the toolkit's to do. Does nothing
-/// for a view that is null or in no window.
+/// Gives the window of `nativeView`, an NSView, the properties of an overlay: the level of status items, on
+/// every space and beside full-screen windows, not in the window cycle, transparent to the mouse, without a
+/// shadow. Does nothing for a null view or one that is in no window.
+///
+/// The toolkit has to make the window borderless, transparent and unable to become the key window.
 void becomeOverlay(void* nativeView);
 
-/// Makes the window of `nativeView` an overlay, in case the toolkit has made it anew, and puts it in front of
-/// all others of its level. The program does not come to the front with it.
+/// Calls `becomeOverlay`, because the toolkit may have recreated the window, and orders the window to the
+/// front of its level. Does not activate the application.
 void orderOverlayFront(void* nativeView);
 
 } // namespace tessarel::macos

@@ -8,29 +8,29 @@
 
 namespace tessarel::macos {
 
-/// This program as the system runs it beside the toolkit of its windows, which owns the loop.
+/// This application. The toolkit that draws its windows owns the event loop; AppKit controls its activation.
 class MacOwnApplication : public ApplicationPort {
 public:
-    /// Returns the NSViews of the windows that are shown and can have the keyboard, the one that is to have
-    /// it last.
+    /// Returns the NSViews of the visible windows that can become the key window. The last one becomes it.
     using Windows = std::function<std::vector<void*>()>;
 
-    /// `toolkit` and all that `windows` uses outlive the application.
+    /// `toolkit`, and everything that `windows` refers to, must outlive this object.
     MacOwnApplication(ApplicationPort& toolkit, Windows windows)
         : m_toolkit(toolkit), m_windows(std::move(windows)) {}
 
-    /// Has the program do without a place in the Dock, as its bundle says anyway; a bare executable has
-    /// nobody else to say so. The toolkit, which may think otherwise when it starts, has to be started.
+    /// Sets the activation policy of an application without a Dock icon. The property list of the bundle sets
+    /// it as well, but an executable outside a bundle has none. Call it after the toolkit has started,
+    /// because its start may set another policy.
     static void becomeAccessory();
 
-    /// Brings the window of `nativeView` to the front, for the user to type into. Beside `activate`, which
-    /// the system refuses while another program is in front and has not yielded, as it may be when the user
-    /// has clicked on the status item only.
+    /// Orders the window of `nativeView`, an NSView, to the front and makes it the key window. `activate`
+    /// needs this in addition: the system may refuse to activate an application while another one is active
+    /// and has not yielded, for example after a click on the status item.
     static void bringToFront(void* nativeView);
 
-    /// Also when no window is shown yet.
+    /// Activates the application, whether or not a window is visible, and orders its windows to the front.
     void activate() override;
-    /// The toolkit ends its loop; asked by the system it would do the same.
+    /// Ends the toolkit's event loop. A termination through AppKit would be passed on to the toolkit anyway.
     void terminate() override;
 
 private:

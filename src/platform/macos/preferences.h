@@ -7,16 +7,17 @@
 
 namespace tessarel::macos {
 
-/// The user's defaults in the program's own domain. The copy of a rejected document is kept under the key
-/// with ".rejected" at its end.
+/// The application's own domain of the user defaults. The copy of a rejected value is stored under its key
+/// with ".rejected" appended.
 class MacPreferences : public PreferencesPort {
 public:
+    /// Returns an empty optional also for a value that is not of class NSData.
     [[nodiscard]] std::optional<std::string> data(std::string_view key) override;
     void setData(std::string_view key, std::string_view bytes) override;
     void keepRejected(std::string_view key) override;
 
 private:
-    std::set<std::string, std::less<>> m_rejected;
+    std::set<std::string, std::less<>> m_rejected; ///< keys whose value the next `setData` copies first
 };
 
 } // namespace tessarel::macos

@@ -6,6 +6,7 @@ namespace tessarel::macos {
 
 namespace {
 
+/// Stores `bytes` as data. Does nothing when `key` is not valid UTF-8.
 void store(std::string_view key, std::string_view bytes) {
     if (const auto name = nsString(key))
         [[NSUserDefaults standardUserDefaults] setObject:[NSData dataWithBytes:bytes.data()

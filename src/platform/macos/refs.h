@@ -4,12 +4,12 @@
 #import <Foundation/Foundation.h>
 #include <utility>
 
-// The two owners through which alone this back end holds references to what belongs to the system. For
-// Objective-C++ sources only.
+// The two owners of references to the system's objects; nothing else in this back end retains or releases.
+// For Objective-C++ sources only.
 
 namespace tessarel::macos {
 
-/// Owns one reference to a Core Foundation object, or none.
+/// Owns one reference to a Core Foundation object, or is null. Movable, not copyable.
 template <class Type>
 class CfRef {
 public:
@@ -26,31 +26,33 @@ public:
             CFRelease(m_object);
     }
 
-    /// Takes over the reference that a function with Create or Copy in its name has given; may be null.
+    /// Takes over the reference that a function with Create or Copy in its name has returned. `object` may be
+    /// null.
     [[nodiscard]] static CfRef adopt(Type object) {
         CfRef ref;
         ref.m_object = object;
         return ref;
     }
-    /// Takes a reference of its own to an object that somebody else owns; may be null.
+    /// Retains an object that belongs to someone else. `object` may be null.
     [[nodiscard]] static CfRef share(Type object) {
         if (object)
             CFRetain(object);
         return adopt(object);
     }
 
+    /// Returns the object without a reference of its own; null when there is none.
     [[nodiscard]] Type get() const { return m_object; }
     explicit operator bool() const { return m_object != nullptr; }
 
-    /// Gives the reference away to the caller, who has to release it.
+    /// Returns the reference to the caller, who must release it, and becomes null.
     [[nodiscard]] Type release() { return std::exchange(m_object, nullptr); }
 
 private:
     Type m_object = nullptr;
 };
 
-/// Owns one reference to an Objective-C object, or none. `Pointer` is the pointer's type, as in
-/// `ObjcRef<NSString*>`.
+/// Owns one reference to an Objective-C object, or is nil. Movable, not copyable. `Pointer` is the pointer's
+/// type, as in `ObjcRef<NSString*>`.
 template <class Pointer>
 class ObjcRef {
 public:
@@ -64,15 +66,16 @@ public:
     }
     ~ObjcRef() { [m_object release]; }
 
-    /// Takes over the reference that `alloc` has given; may be nil.
+    /// Takes over the reference of an object that was made with `alloc`. `object` may be nil.
     [[nodiscard]] static ObjcRef adopt(Pointer object) {
         ObjcRef ref;
         ref.m_object = object;
         return ref;
     }
-    /// Takes a reference of its own to an object that somebody else owns; may be nil.
+    /// Retains an object that belongs to someone else, such as an autoreleased one. `object` may be nil.
     [[nodiscard]] static ObjcRef share(Pointer object) { return adopt([object retain]); }
 
+    /// Returns the object without a reference of its own; nil when there is none.
     [[nodiscard]] Pointer get() const { return m_object; }
     explicit operator bool() const { return m_object != nil; }
 

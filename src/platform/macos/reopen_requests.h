@@ -6,8 +6,9 @@
 
 namespace tessarel::macos {
 
-/// Calls `reopened` when the user opens the program once more while it runs, from the Finder, the Dock or the
-/// like, which the system tells the program instead of starting it again. One at a time.
+/// Calls `reopened` on the main thread each time the user opens the running application again, in the Finder
+/// or the Dock for example; the system then sends it an Apple event instead of launching a second copy. The
+/// event has only one handler: at most one subscription may exist at a time.
 [[nodiscard]] SubscriptionPtr onReopenRequested(std::function<void()> reopened);
 
 } // namespace tessarel::macos

@@ -8,7 +8,7 @@
 #include <memory>
 #include <utility>
 
-/// What the system sends the event to.
+/// Target of the Apple event.
 @interface TSLReopenTarget : NSObject {
     std::shared_ptr<const std::function<void()>> m_reopened;
 }
@@ -28,7 +28,7 @@
     (void)event;
     (void)reply;
     @autoreleasepool {
-        const auto reopened = m_reopened; // which may see the end of us
+        const auto reopened = m_reopened; // the call may release this target
         tessarel::macos::atCallbackEdge([&] { (*reopened)(); });
     }
 }
@@ -39,8 +39,8 @@ namespace tessarel::macos {
 
 namespace {
 
-/// Takes the event itself: the application's delegate, which it would reach, is Qt's, and Qt makes no
-/// difference between it and the program's coming to the front.
+/// Handler of the Apple event. The application's delegate cannot be used: it is Qt's, and Qt reports the
+/// event in the same way as an activation of the application.
 class ReopenRequests : public Subscription {
 public:
     explicit ReopenRequests(std::function<void()> reopened)
@@ -61,7 +61,8 @@ public:
     }
 
 private:
-    /// Once more when the application has finished launching: on the way there it sets its own handlers.
+    /// Sets the handler; called again when the application has finished launching, because AppKit installs
+    /// its own handlers in the course of the launch.
     void takeOver() {
         [[NSAppleEventManager sharedAppleEventManager] setEventHandler:m_target.get()
                                                            andSelector:@selector(handleEvent:withReplyEvent:)
@@ -69,7 +70,7 @@ private:
                                                             andEventID:kAEReopenApplication];
     }
 
-    ObjcRef<TSLReopenTarget*> m_target; // which the manager does not keep
+    ObjcRef<TSLReopenTarget*> m_target; // NSAppleEventManager does not retain it
     NotificationObserver m_launched;
 };
 

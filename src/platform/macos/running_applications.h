@@ -15,29 +15,37 @@
 
 namespace tessarel::macos {
 
-/// None of one that has no process at the moment, and of nil.
+/// Converts `application`; `std::nullopt` for nil and for an application that has no process at the moment.
 [[nodiscard]] std::optional<RunningApplication> runningFrom(NSRunningApplication* application);
 
-/// Which application a notification of the workspace is about; nil when it does not say.
+/// Returns the application that a notification of the workspace is about; nil when it names none.
 [[nodiscard]] NSRunningApplication* subjectOf(NSNotification* notification);
 
-/// Tells of applications that end. By then the system may not know their process any more, as is so with
-/// those that it has ended by itself while they had nothing to do; so each is noted while it runs.
+/// Reports applications that have terminated.
+///
+/// At that time the system may have forgotten the process id, as it does for idle applications that it has
+/// terminated by itself. So every application is recorded while it runs, and reported as it was recorded.
 class Terminations : public std::enable_shared_from_this<Terminations> {
 public:
     Terminations();
 
-    /// `terminated` is called until the answer ends, which keeps this here.
+    /// Calls `terminated` until the returned subscription is destroyed. The subscription keeps this object
+    /// alive.
     [[nodiscard]] SubscriptionPtr add(std::function<void(const RunningApplication&)> terminated);
 
 private:
+    /// The record of one application.
     struct Known {
         ObjcRef<NSRunningApplication*> application;
         RunningApplication running;
     };
 
+    /// Records an application; does nothing for one that has no process.
     void note(NSRunningApplication* application);
+    /// Calls the handlers with the record of `application`, and forgets it. Does nothing for an application
+    /// that neither was recorded nor has a process.
     void tell(NSRunningApplication* application);
+    /// Compares with `isEqual:`, since notifications may carry another object for the same application.
     [[nodiscard]] std::vector<Known>::iterator find(NSRunningApplication* application);
 
     std::vector<Known> m_known;

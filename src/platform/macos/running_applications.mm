@@ -9,7 +9,7 @@
 namespace tessarel::macos {
 
 std::optional<RunningApplication> runningFrom(NSRunningApplication* application) {
-    const pid_t pid = [application processIdentifier]; // 0 of nil, -1 of one that has no process
+    const pid_t pid = [application processIdentifier]; // 0 for nil, -1 for an application without a process
     if (pid <= 0)
         return {};
     return RunningApplication{pid, optionalStringFrom([application bundleIdentifier]),
@@ -53,13 +53,14 @@ void Terminations::note(NSRunningApplication* application) {
     if (!running)
         return;
     if (const auto known = find(application); known != m_known.end())
-        known->running = std::move(*running); // started anew by the system, as another process
+        known->running = std::move(*running); // relaunched by the system with another process id
     else
         m_known.push_back({ObjcRef<NSRunningApplication*>::share(application), std::move(*running)});
 }
 
 void Terminations::tell(NSRunningApplication* application) {
     auto ended = runningFrom(application);
+    // The record takes precedence: its process id is that of the process that has terminated.
     if (const auto known = find(application); known != m_known.end()) {
         ended = std::move(known->running);
         m_known.erase(known);

@@ -6,11 +6,16 @@
 
 namespace tessarel::macos {
 
-/// One copy per user session, known by its bundle identifier: the one that started first. When the user opens
-/// the program again the system does not start another but tells the running one, which counts as a copy that
-/// has tried to; real ones come of a start in another way.
+/// Keeps one copy of the application running in a user session: the one that started first. Copies are found
+/// by their bundle identifier.
+///
+/// When the user opens the running application again, the system sends it an Apple event, which counts as the
+/// start of another copy. Real copies exist only when the executable is started in another way, for example
+/// from a terminal.
 class MacSingleInstance : public SingleInstancePort {
 public:
+    /// Returns null when an older copy runs, after sending it a distributed notification. Outside a bundle
+    /// there is no identifier, and the claim always succeeds.
     [[nodiscard]] SubscriptionPtr claim(std::function<void()> reopened) override;
 };
 

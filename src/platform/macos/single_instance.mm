@@ -18,12 +18,14 @@ namespace tessarel::macos {
 
 namespace {
 
-/// When a process started, to the microsecond, and its number: the lesser one was first.
+/// Start time of a process in seconds and microseconds since 1970, and its process id, which decides between
+/// equal times.
 using Start = std::tuple<std::uint64_t, std::uint64_t, pid_t>;
 
-/// Of a process that has gone, or is not known: after all others.
+/// Sorts after every start time; for a process that has exited or cannot be inspected.
 constexpr Start kNever{std::numeric_limits<std::uint64_t>::max(), 0, 0};
 
+/// Returns `kNever` when the system does not report the start time of the process.
 Start startOf(pid_t pid) {
     proc_bsdinfo info{};
     if (proc_pidinfo(pid, PROC_PIDTBSDINFO, 0, &info, sizeof info) != static_cast<int>(sizeof info))
@@ -31,10 +33,11 @@ Start startOf(pid_t pid) {
     return {info.pbi_start_tvsec, info.pbi_start_tvusec, pid};
 }
 
-/// Copies that start together see each other: the first of them stays, and no other.
+/// Returns whether a copy that started before this one is running. Of copies that start at the same time,
+/// each sees the others, and only the first finds no older one.
 bool anOlderCopyRuns() {
     NSString* const identifier = [[NSBundle mainBundle] bundleIdentifier];
-    if (!identifier) // a bare executable, for which the system knows no others
+    if (!identifier) // an executable outside a bundle
         return false;
     const Start own = startOf([[NSProcessInfo processInfo] processIdentifier]);
     for (NSRunningApplication* copy in
@@ -45,10 +48,10 @@ bool anOlderCopyRuns() {
     return false;
 }
 
-/// Whoever has opened the program again, it is told.
+/// Claim of the user session, with the subscriptions to both ways of opening the application again.
 struct Claim : Subscription {
-    SubscriptionPtr toldByCopies;
-    SubscriptionPtr toldBySystem;
+    SubscriptionPtr toldByCopies; // the distributed notification of a second copy
+    SubscriptionPtr toldBySystem; // the Apple event
 };
 
 } // namespace
@@ -58,7 +61,8 @@ SubscriptionPtr MacSingleInstance::claim(std::function<void()> reopened) {
         const auto name = nsString(std::string(Config::bundleID) + ".reopen");
         NSDistributedNotificationCenter* const center = [NSDistributedNotificationCenter defaultCenter];
         if (anOlderCopyRuns()) {
-            // At once: a program in the background would otherwise hear of it when it comes to the front.
+            // Without deliverImmediately an inactive application receives the notification only when it is
+            // activated.
             [center postNotificationName:name.get() object:nil userInfo:nil deliverImmediately:YES];
             return nullptr;
         }

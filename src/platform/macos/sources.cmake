@@ -1,4 +1,4 @@
-# The sources of the back end, for the library on a Mac and for its tests elsewhere.
+# Sources of the back end: used by the library on macOS and by its tests over fakes on other systems.
 set(MACOS_SOURCES
     accent_color.mm
     accessibility.mm

@@ -8,12 +8,14 @@
 
 namespace tessarel::macos {
 
-/// The item in the menu bar. Its menu is filled whenever the user opens it. A chosen row is reported one
-/// turn of the main queue later: the system sends its action while the menu is still fading out, and what is
-/// ordered to the front then does not stay there.
+/// The application's NSStatusItem in the menu bar.
+///
+/// Its menu is filled each time the user opens it. A chosen row is reported from the main queue, one
+/// iteration of the loop later: the system sends the row's action while the menu is still fading out, and a
+/// window that is ordered to the front at that time does not stay there.
 class MacStatusItem : public StatusItemPort {
 public:
-    /// `queue` outlives the status item.
+    /// `queue` must outlive this object.
     explicit MacStatusItem(MainQueuePort& queue) : m_queue(queue) {}
 
     [[nodiscard]] SubscriptionPtr create(Delegate delegate) override;
@@ -27,7 +29,7 @@ private:
     class Item;
 
     MainQueuePort& m_queue;
-    std::weak_ptr<Item> m_item; // kept by its subscription
+    std::weak_ptr<Item> m_item; // owned by its subscription
 };
 
 } // namespace tessarel::macos

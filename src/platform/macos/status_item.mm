@@ -6,7 +6,7 @@
 
 #include <utility>
 
-/// Asks for what a menu shows when it is about to open.
+/// Delegate of the menu, which calls a function when the menu is about to open.
 @interface TSLMenuDelegate : NSObject <NSMenuDelegate> {
     std::shared_ptr<const std::function<void(NSMenu*)>> m_needsUpdate;
 }
@@ -23,7 +23,7 @@
 
 - (void)menuNeedsUpdate:(NSMenu*)menu {
     @autoreleasepool {
-        const auto needsUpdate = m_needsUpdate; // which may see the end of us
+        const auto needsUpdate = m_needsUpdate; // the call may release this delegate
         tessarel::macos::atCallbackEdge([&] { (*needsUpdate)(menu); });
     }
 }
@@ -32,7 +32,8 @@
 
 namespace tessarel::macos {
 
-/// One item put up; whatever the system still holds of it when it has gone finds nobody.
+/// One item in the menu bar, from its construction to its destruction. The menu delegate and the rows refer
+/// to it weakly, because the system may keep them longer.
 class MacStatusItem::Item : public std::enable_shared_from_this<Item> {
 public:
     Item(MainQueuePort& queue, Delegate delegate) : m_queue(queue), m_delegate(std::move(delegate)) {}
@@ -45,7 +46,7 @@ public:
         }
     }
 
-    /// Needs to be in a shared pointer already.
+    /// Attaches the menu. Call it once a shared pointer owns this object.
     void appear() {
         m_menuDelegate = ObjcRef<TSLMenuDelegate*>::adopt(
             [[TSLMenuDelegate alloc] initWithNeedsUpdate:[weak = weak_from_this()](NSMenu* menu) {
@@ -56,7 +57,7 @@ public:
         [m_item.get() setMenu:m_menu.get()];
     }
 
-    /// Nil when the system gives none.
+    /// Returns the button that shows image and title; nil when the system provides none.
     [[nodiscard]] NSStatusBarButton* button() const { return [m_item.get() button]; }
 
 private:
@@ -67,6 +68,7 @@ private:
         });
     }
 
+    /// Reports the row once the menu has closed; see `MacStatusItem`.
     void tellLater(const MenuItem& row) {
         m_queue.async([weak = weak_from_this(), row] {
             if (const auto self = weak.lock())
@@ -79,7 +81,7 @@ private:
     ObjcRef<NSStatusItem*> m_item = ObjcRef<NSStatusItem*>::share(
         [[NSStatusBar systemStatusBar] statusItemWithLength:NSVariableStatusItemLength]);
     ObjcRef<NSMenu*> m_menu = makeMenu("");
-    ObjcRef<TSLMenuDelegate*> m_menuDelegate; // which the menu does not keep
+    ObjcRef<TSLMenuDelegate*> m_menuDelegate; // NSMenu does not retain its delegate
 };
 
 SubscriptionPtr MacStatusItem::create(Delegate delegate) {
@@ -105,6 +107,7 @@ bool MacStatusItem::setSymbol(std::string_view symbolName, std::string_view acce
                                          accessibilityDescription:shownText(accessibilityDescription).get()];
         if (!image)
             return false;
+        // The menu bar draws a template image in its own colour, light or dark.
         [image setTemplate:YES];
         [item->button() setImage:image];
         return true;

@@ -5,14 +5,16 @@
 
 namespace tessarel::macos {
 
-/// The permission that the user gives under Privacy & Security > Accessibility.
+/// The permission that the user grants under Privacy & Security > Accessibility.
 class MacTrust : public TrustPort {
 public:
-    /// `openUrl` outlives the trust.
+    /// `openUrl` must outlive this object.
     explicit MacTrust(OpenUrlPort& openUrl) : m_openUrl(openUrl) {}
 
     [[nodiscard]] bool isTrusted() override;
+    /// Shows the system's own dialog, which also adds the application to the list. Does not wait for it.
     void prompt() override;
+    /// Opens the system's settings at the list of permitted applications.
     void openSettings() override;
 
 private:

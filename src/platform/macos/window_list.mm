@@ -10,6 +10,7 @@ namespace tessarel::macos {
 
 namespace {
 
+/// Returns a value of any class, or nil; its class has to be checked before use.
 id valueOf(NSDictionary* window, CFStringRef key) {
     return [window objectForKey:(__bridge NSString*)key];
 }
@@ -24,6 +25,7 @@ std::optional<double> realOf(NSDictionary* window, CFStringRef key) {
     return number ? std::optional([number doubleValue]) : std::nullopt;
 }
 
+/// Returns the bounds in accessibility coordinates, which the window server uses as well.
 std::optional<Rect> boundsOf(NSDictionary* window) {
     NSDictionary* const bounds = as<NSDictionary>(valueOf(window, kCGWindowBounds));
     CGRect rect{};
@@ -32,6 +34,7 @@ std::optional<Rect> boundsOf(NSDictionary* window) {
     return rectFrom(rect);
 }
 
+/// Accepts nil, which has no properties.
 ListedWindow listedFrom(NSDictionary* window) {
     return {integerOf(window, kCGWindowLayer), integerOf(window, kCGWindowOwnerPID), boundsOf(window),
             realOf(window, kCGWindowAlpha)};

@@ -4,7 +4,7 @@
 
 namespace tessarel::macos {
 
-/// What is true on macOS: the words that the program was first written with.
+/// Returns the texts for macOS, which are the defaults of `PlatformWords`.
 [[nodiscard]] inline PlatformWords words() {
     return {};
 }

@@ -12,24 +12,26 @@ namespace tessarel::macos {
 
 class Terminations;
 
-/// The programs that the system's workspace knows of: those with a place in the Dock, and others with
-/// windows or a status item.
+/// The running applications as NSWorkspace lists them: those with a Dock icon, and those without one that may
+/// have windows or a status item.
 class MacWorkspace : public WorkspacePort {
 public:
     [[nodiscard]] std::optional<RunningApplication> frontmostApplication() override;
     [[nodiscard]] std::optional<RunningApplication> runningApplication(ProcessId pid) override;
     [[nodiscard]] std::vector<RunningApplication> runningApplications() override;
+    /// Returns the bundle's name as the Finder shows it, without ".app".
     [[nodiscard]] std::optional<std::string> displayName(const std::string& bundleIdentifier) override;
-    /// An application that has no process at the moment is not told of, unless it has ended and had one
-    /// before.
+    /// An application that has no process at the moment is not reported, except when it has terminated and
+    /// had a process before.
     [[nodiscard]] SubscriptionPtr
     addObserver(ApplicationEvent event, std::function<void(const RunningApplication&)> handler) override;
     [[nodiscard]] ProcessId ownProcessIdentifier() override;
 
 private:
+    /// Returns the records shared by all subscriptions to terminations; creates them for the first one.
     [[nodiscard]] std::shared_ptr<Terminations> terminations();
 
-    std::weak_ptr<Terminations> m_terminations; // kept by the subscriptions
+    std::weak_ptr<Terminations> m_terminations; // owned by the subscriptions
 };
 
 } // namespace tessarel::macos

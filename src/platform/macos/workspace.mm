@@ -11,11 +11,13 @@ namespace tessarel::macos {
 
 namespace {
 
+/// Must not be called for `Terminated`, which `Terminations` handles.
 NSString* nameOf(ApplicationEvent event) {
     return event == ApplicationEvent::Launched ? NSWorkspaceDidLaunchApplicationNotification
                                                : NSWorkspaceDidActivateApplicationNotification;
 }
 
+/// Removes every ".app", not only the one at the end.
 std::string withoutExtension(std::string name) {
     constexpr std::string_view kExtension = ".app";
     for (auto at = name.find(kExtension); at != std::string::npos; at = name.find(kExtension))
@@ -67,7 +69,7 @@ SubscriptionPtr MacWorkspace::addObserver(ApplicationEvent event,
     @autoreleasepool {
         if (event == ApplicationEvent::Terminated)
             return terminations()->add(std::move(handler));
-        // Not the default centre: the workspace has its own.
+        // The workspace posts to a notification centre of its own, not to the default one.
         return std::make_unique<NotificationObserver>(
             [[NSWorkspace sharedWorkspace] notificationCenter], nameOf(event),
             [handler = std::move(handler)](NSNotification* notification) {

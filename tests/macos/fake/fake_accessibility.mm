@@ -4,8 +4,8 @@
 #include <sstream>
 #include <utility>
 
-// The accessibility interface as it is documented: equal elements are different objects, results of Copy
-// belong to the caller, arguments of callbacks do not.
+// The accessibility API as documented: each call returns a new object, so equal elements are different
+// objects. The caller owns the results of Copy functions, but not the arguments of callbacks.
 
 using namespace tessarel;
 using namespace tessarel::fakemac;
@@ -14,12 +14,12 @@ namespace {
 
 enum : CFTypeID { kElementType = 257, kValueType = 258 };
 
-constexpr double kUsualTimeLimit = 6;
+constexpr double kUsualTimeLimit = 6; // the system's default messaging timeout in seconds
 
-std::vector<TSLFakeObserver*> observers; // all there are, owned by whoever has created them
-float systemTimeLimit = 0;
-int registrationsLeft = 0; // of observers that have gone
-int sourcesLeft = 0;       // as above, in the run loop
+std::vector<TSLFakeObserver*> observers; // all existing observers, owned by their creators
+float systemTimeLimit = 0;               // in seconds; 0: the default
+int registrationsLeft = 0;               // notifications that freed observers had not removed
+int sourcesLeft = 0;                     // run loop sources that freed observers had not removed
 
 TSLFakeElement* fake(AXUIElementRef element) {
     return (TSLFakeElement*)element;
@@ -30,7 +30,8 @@ Window* windowOf(const TSLFakeElement* element) {
     return found == mac().windows.end() ? nullptr : &found->second;
 }
 
-/// Whether the application that the element belongs to answers.
+/// Returns the error of a message to the element's application; success when the application replies. Records
+/// the wait when the message times out.
 AXError ask(const TSLFakeElement* element) {
     if (!mac().trusted)
         return kAXErrorAPIDisabled;
@@ -47,12 +48,13 @@ AXError ask(const TSLFakeElement* element) {
     return kAXErrorCannotComplete;
 }
 
-/// A reference that its receiver does not own.
+/// Returns an object that the receiver does not own, so releasing it is a fault.
 CFTypeRef nobodysObject() {
     static NSObject* const object = [[NSObject alloc] init];
     return (CFTypeRef)object;
 }
 
+/// Hands over the reference; null means that the attribute is not supported.
 AXError give(CFTypeRef* result, CFTypeRef value) {
     *result = value;
     return value ? kAXErrorSuccess : kAXErrorAttributeUnsupported;
@@ -132,15 +134,17 @@ void resize(Window& window, double width, double height) {
     }
 }
 
+/// A write that the application has confirmed and not yet applied.
 struct LateWrite {
     WindowNumber window;
     bool isSize;
     double first;
     double second;
-    double left; ///< seconds until the window follows it
+    double left; ///< seconds until it is applied
 };
 std::vector<LateWrite> lateWrites;
 
+/// Applies the write, unless the window has closed.
 void follow(const LateWrite& write) {
     const auto found = mac().windows.find(write.window);
     if (found == mac().windows.end())
@@ -300,7 +304,7 @@ AXError AXUIElementCopyAttributeValue(AXUIElementRef reference, CFStringRef name
     checkThread();
     TSLFakeElement* const element = fake(reference);
     if (const AXError error = ask(element)) {
-        *result = nobodysObject(); // what is there after an error is not said
+        *result = nobodysObject(); // after an error the result is undefined
         return error;
     }
     if (mac().givesNothing)
@@ -357,7 +361,7 @@ AXError AXUIElementCopyElementAtPosition(AXUIElementRef reference, float x, floa
 
 AXError AXUIElementGetPid(AXUIElementRef element, pid_t* result) {
     checkThread();
-    if (fake(element)->kind != FakeElementKind::Desktop) // for which the documentation promises none
+    if (fake(element)->kind != FakeElementKind::Desktop) // its process id is undocumented
         *result = fake(element)->pid;
     return kAXErrorSuccess;
 }
@@ -375,7 +379,7 @@ AXError AXUIElementSetMessagingTimeout(AXUIElementRef element, float seconds) {
 
 AXValueRef AXValueCreate(AXValueType type, const void* value) {
     checkThread();
-    const auto* const numbers = static_cast<const CGFloat*>(value); // a point and a size are two of them
+    const auto* const numbers = static_cast<const CGFloat*>(value); // points and sizes are two CGFloats
     return (AXValueRef)newPair(type, numbers[0], numbers[1]);
 }
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-// Displays, programs and sounds. What the back end does not call is not there.
+// Screens, running applications, the workspace and the alert sound, as far as the back end calls them.
 
 using namespace tessarel;
 using namespace tessarel::fakemac;
@@ -25,7 +25,7 @@ NSRect nsRect(const Rect& rect) {
 
 namespace {
 
-/// The object of a display that has gone says nothing of it any more.
+/// Returns whether the screen's display still exists. The object of a disconnected display has empty frames.
 bool isConnected(NSScreen* screen) {
     return std::ranges::any_of(mac().displays, [&](const Display& display) {
         return display.number == ((TSLFakeScreen*)screen)->display.number;
@@ -39,7 +39,7 @@ bool isConnected(NSScreen* screen) {
     checkThread();
     NSMutableArray* const all = [NSMutableArray array];
     for (const Display& display : mac().displays) {
-        TSLFakeScreen* const screen = [[[TSLFakeScreen alloc] init] autorelease]; // another one every time
+        TSLFakeScreen* const screen = [[[TSLFakeScreen alloc] init] autorelease]; // new for each call
         screen->display = display;
         [all addObject:screen];
     }
@@ -91,8 +91,8 @@ NSString* const NSWorkspaceDidTerminateApplicationNotification =
 
 @interface TSLFakeApplication : NSRunningApplication {
 @public
-    pid_t started; // the process as which it was started
-    pid_t pid;
+    pid_t started; // process id at launch, which identifies the application
+    pid_t pid;     // -1 once the system has forgotten it
     Application application;
 }
 @end
@@ -199,7 +199,7 @@ void postApplicationNotification(NSString* name, pid_t pid) {
 
 void postTermination(pid_t pid, bool isNumbered) {
     @autoreleasepool {
-        // The object is from before the end: it still knows what it was.
+        // Created before the application is erased, so the object still has its properties.
         TSLFakeApplication* const application =
             (TSLFakeApplication*)[NSRunningApplication runningApplicationWithProcessIdentifier:pid];
         if (!isNumbered)

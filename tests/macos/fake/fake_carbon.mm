@@ -7,8 +7,8 @@
 #include <memory>
 #include <utility>
 
-// Hot keys. A combination is refused only to the process that has it already; other programs' claims and ours
-// live beside each other.
+// Carbon's hot keys. A combination is refused only if this process has registered it already; other processes
+// may register it as well.
 
 using namespace tessarel;
 using namespace tessarel::fakemac;
@@ -36,6 +36,7 @@ std::vector<std::unique_ptr<OpaqueEventHandlerRef>> handlers;
 std::vector<std::unique_ptr<OpaqueEventHotKeyRef>> hotKeys;
 std::set<std::pair<std::uint32_t, std::uint32_t>> claimsOfOthers;
 
+/// Removes the entry; returns `missing` when it is not in the list.
 template <class Entry>
 OSStatus take(std::vector<std::unique_ptr<Entry>>& entries, Entry* entry, OSStatus missing) {
     const auto removed = std::erase_if(entries, [&](const auto& one) { return one.get() == entry; });
@@ -104,13 +105,13 @@ namespace tessarel::fakemac {
 
 namespace {
 
-/// The handler that was installed last is asked first; one that has not handled the event leaves it to the
-/// next.
+/// Calls the handlers, the one installed last first, until one does not return `eventNotHandledErr`.
 void dispatch(OpaqueEventRef& event) {
     std::vector<OpaqueEventHandlerRef*> chain;
     for (const auto& handler : handlers)
         chain.insert(chain.begin(), handler.get());
     for (OpaqueEventHandlerRef* const handler : chain) {
+        // A handler may have been removed by one called earlier.
         const bool isThere =
             std::ranges::any_of(handlers, [&](const auto& one) { return one.get() == handler; });
         if (isThere && handler->function(nullptr, &event, handler->userData) != eventNotHandledErr)
@@ -128,7 +129,7 @@ OSStatus receiveForLibrary(EventHandlerCallRef, EventRef event, void*) {
 void installLibraryHandler() {
     handlers.push_back(
         std::make_unique<OpaqueEventHandlerRef>(OpaqueEventHandlerRef{receiveForLibrary, nullptr}));
-    std::rotate(handlers.begin(), std::prev(handlers.end()), handlers.end()); // asked after ours
+    std::rotate(handlers.begin(), std::prev(handlers.end()), handlers.end()); // called after ours
 }
 
 void pressLibraryHotKey(std::uint32_t signature, std::uint32_t id) {

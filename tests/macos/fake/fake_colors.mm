@@ -5,7 +5,8 @@
 
 using tessarel::fakemac::mac;
 
-/// The user's colour, of which nothing can be told before it has been converted.
+/// The accent colour. Reading its components before the conversion aborts, where the system raises an
+/// exception.
 @interface TSLFakeColor : NSColor {
 @public
     BOOL isConverted;

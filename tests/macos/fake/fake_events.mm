@@ -7,7 +7,7 @@
 #include <map>
 #include <utility>
 
-// The user's mouse and keyboard, and the monitors of events.
+// Mouse and keyboard of the user, and the event monitors.
 
 using namespace tessarel;
 using namespace tessarel::fakemac;
@@ -24,9 +24,9 @@ using namespace tessarel::fakemac;
 @interface TSLFakeMonitor : NSObject {
 @public
     BOOL local;
-    BOOL seesKeys; // it was added with the permission, without which keys never come
+    BOOL seesKeys; // false: a global monitor added without the permission, which never receives key events
     NSEventMask mask;
-    id block; // of one kind or the other
+    id block; // takes an event; that of a local monitor also returns one
 }
 @end
 
@@ -52,8 +52,8 @@ NSEventMask maskOf(const TSLFakeEvent* event) {
     return NSEventMask{1} << event->type;
 }
 
-/// Lets every monitor of the kind see the event, those too that another one removes meanwhile; false when one
-/// swallows it.
+/// Delivers the event to all local or all global monitors, including those that another monitor removes
+/// during the delivery. Returns false when a local monitor has consumed the event.
 bool show(BOOL local, TSLFakeEvent* event) {
     const NSEventMask mask = maskOf(event);
     NSMutableArray* const present = [NSMutableArray array];
@@ -106,7 +106,7 @@ void showMouse(NSEventType type) {
     checkThread();
     const auto found = std::ranges::find(monitors, monitor);
     if (found == monitors.end())
-        abort(); // the real one releases it once too often
+        abort(); // AppKit would release the monitor once too often
     monitors.erase(found);
     [monitor release];
 }
@@ -126,13 +126,13 @@ void showMouse(NSEventType type) {
 - (unsigned short)keyCode {
     checkThread();
     if ((maskOf((TSLFakeEvent*)self) & kKeys) == 0)
-        abort(); // the real one raises an exception
+        abort(); // AppKit raises an exception
     return ((TSLFakeEvent*)self)->code;
 }
 - (BOOL)isARepeat {
     checkThread();
     if (((TSLFakeEvent*)self)->type != NSEventTypeKeyDown)
-        abort(); // as above
+        abort(); // AppKit raises an exception
     return ((TSLFakeEvent*)self)->repeats;
 }
 @end
@@ -146,9 +146,11 @@ namespace {
 
 constexpr std::uint64_t kCapsLock = 1U << 16U;
 
-/// Those that are down, by what has put them down; true: over a window of ours, so that nobody else is told.
+/// The buttons that are held, by the type of their down event. The value is true if the button went down over
+/// a window of this program, whose events global monitors do not receive.
 std::map<NSEventType, bool> buttons;
 
+/// Returns whether the button is held and global monitors receive its events.
 bool isHeld(NSEventType button) {
     const auto held = buttons.find(button);
     return held != buttons.end() && !held->second;
@@ -203,7 +205,7 @@ void holdModifiers(std::uint64_t flags) {
     if (std::exchange(mac().modifierFlags, flags) == flags)
         return;
     @autoreleasepool {
-        // Keys go to the program in front, wherever the pointer is.
+        // Key events go to the frontmost application, wherever the pointer is.
         show(mac().frontmost == mac().ownPid ? YES : NO, fakeEvent(NSEventTypeFlagsChanged, flags));
     }
 }

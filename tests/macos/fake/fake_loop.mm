@@ -9,8 +9,8 @@
 #include <unistd.h>
 #include <utility>
 
-// This program's loop: what comes only at its turns, what must not be done between two of them, and the
-// notification centres.
+// The run loop of this program: what is delivered only by an iteration, what must not happen between a menu's
+// close and the next iteration, and the notification centres.
 
 using namespace tessarel;
 using namespace tessarel::fakemac;
@@ -20,21 +20,22 @@ namespace {
 bool menuIsFading = false;
 std::vector<std::string> faults;
 
-/// Between processes; filled by a thread of the system's.
+/// Distributed notifications that wait for the next iteration. Another thread adds them, as in the system.
 struct Inbox {
     std::mutex mutex;
     std::vector<std::string> names;
 } inbox;
 
-std::vector<id> listeners; // each as often as it has been added
+std::vector<id> listeners; // registered observers; one entry for each registration
 
+/// Returns whether the observer belongs to the back end and not to GNUstep.
 bool isOfBackEnd(id observer) {
     return [NSStringFromClass([observer class]) hasPrefix:@"TSL"];
 }
 
 } // namespace
 
-/// A centre that knows who listens.
+/// A notification centre that counts the back end's observers.
 @interface TSLFakeCenter : NSNotificationCenter
 @end
 @implementation TSLFakeCenter
@@ -52,7 +53,7 @@ bool isOfBackEnd(id observer) {
 }
 @end
 
-/// Reaches all copies of the program, which all are this process.
+/// The distributed notification centre. All copies of the program are in this process.
 @interface TSLFakeDistributedCenter : TSLFakeCenter
 @end
 @implementation TSLFakeDistributedCenter
@@ -63,7 +64,7 @@ bool isOfBackEnd(id observer) {
     checkThread();
     (void)object;
     (void)userInfo;
-    if (!immediately) // a program in the background would wait for the others for ever
+    if (!immediately) // not delivered to an inactive application
         return;
     std::thread([text = std::string([name UTF8String])] {
         const std::scoped_lock lock(inbox.mutex);

@@ -13,115 +13,127 @@
 #include <string>
 #include <vector>
 
-/// The Mac that the fake frameworks show to the back end. Plain C++: what a test sets up, what the user and
-/// other programs do, and what the back end has asked the system for.
+/// The fake Mac behind the fake frameworks, in plain C++: the state that a test sets up, functions that act
+/// as the user and as other programs, and a record of the back end's calls.
 namespace tessarel::fakemac {
 
 using WindowNumber = std::uint32_t;
 
+/// A window of any application.
 struct Window {
     ProcessId pid = 0;
-    Rect axFrame = {};
+    Rect axFrame = {}; ///< in accessibility coordinates
     Size minimum = {};
     std::optional<Size> maximum = {};
     std::optional<std::string> role = "AXWindow";
     std::optional<std::string> subrole = "AXStandardWindow";
-    std::optional<std::string> partRole = {}; ///< of the part found at any point of it; empty: itself is
+    /// Role of the element found at any point of the window; empty: the window itself is found.
+    std::optional<std::string> partRole = {};
     bool minimized = false;
     bool fullScreen = false;
     int layer = 0;
     double alpha = 1;
-    std::set<std::string> unlisted = {};  ///< keys that the window server's list leaves out
-    std::set<std::string> mislisted = {}; ///< keys under which it has a text
-    bool hasAttributes = true;            ///< false: it is so new that its program knows nothing of it
-    double lateness = 0;                  ///< seconds that pass until it follows a write
-    bool tellsItsEnd = true;              ///< false: observers are not told when it closes
+    std::set<std::string> unlisted = {};  ///< keys missing from its entry in the window server's list
+    std::set<std::string> mislisted = {}; ///< keys whose value in that entry has the wrong type (a string)
+    bool hasAttributes = true;            ///< false: too new, reads of its attributes fail
+    double lateness = 0;                  ///< seconds until a confirmed write is applied
+    bool tellsItsEnd = true;              ///< false: its close sends no AXUIElementDestroyed
 };
 
+/// An application, running or launched by a test.
 struct Application {
-    std::uint64_t startedAt = 0; ///< in microseconds; 0: at its launch
+    std::uint64_t startedAt = 0; ///< start time in microseconds; 0: the time of the launch
     std::optional<std::string> bundleIdentifier = {};
     bool isRegular = true;
-    bool answers = true;         ///< false: whoever asks it something waits until the time limit
-    bool allowsObservers = true; ///< false: it refuses to send notifications
-    int failures = 0;            ///< how often more it cannot be observed, for it has not finished its launch
-    std::optional<bool> enhancedInterface = {};
-    std::map<std::string, double> numbers = {}; ///< attributes of its element that hold numbers
-    WindowNumber focusedWindow = 0;
+    bool answers = true;         ///< false: messages to it time out
+    bool allowsObservers = true; ///< false: registering for notifications is refused
+    /// Number of registrations for notifications that will still fail with kAXErrorCannotComplete.
+    int failures = 0;
+    std::optional<bool> enhancedInterface = {}; ///< its AXEnhancedUserInterface; empty: not supported
+    std::map<std::string, double> numbers = {}; ///< further attributes of its element, with numbers as values
+    WindowNumber focusedWindow = 0;             ///< 0: none
 };
 
+/// A connected display. Both frames are in screen coordinates.
 struct Display {
     std::uint32_t number = 0;
     Rect frame = {};
     Rect visibleFrame = {};
 };
 
-/// A run loop's turn as long as the user does something with our own program.
+/// Mode that the run loop is in: `EventTracking` while one of this program's menus is open.
 enum class LoopMode { Default, EventTracking };
 
+/// The state of the fake Mac. Tests set the first part; the second part records the back end's calls.
 struct Mac {
     ProcessId ownPid = 4242;
     std::optional<std::string> ownBundleIdentifier = {};
     bool trusted = true;
     bool allowsMonitors = true;
     bool windowServerAnswers = true;
-    bool givesNothing = false;           ///< what is asked of other programs succeeds without a result
-    bool listsAText = false;             ///< the window server's list ends with something that is no window
-    bool notificationsComeTwice = false; ///< a second one is under way while the first is dealt with
+    bool givesNothing = false;           ///< accessibility calls succeed without a result
+    bool listsAText = false;             ///< the window server's list ends with an entry that is a string
+    bool notificationsComeTwice = false; ///< each notification is delivered again, as if already queued
     LoopMode loopMode = LoopMode::Default;
     std::vector<Display> displays;
-    std::optional<std::vector<Display>> nextDisplays = {}; ///< the displays, once they have been asked for
+    std::optional<std::vector<Display>> nextDisplays = {}; ///< replace `displays` after the next query
     std::map<ProcessId, Application> applications;
     std::map<WindowNumber, Window> windows;
     std::vector<WindowNumber> stacking; ///< front to back
     ProcessId frontmost = 0;
-    Point axPointer;
+    Point axPointer; ///< in accessibility coordinates
     std::uint64_t modifierFlags = 0;
     std::map<std::string, std::string> installed; ///< file names by bundle identifier
     std::map<std::string, std::string> defaults;
     long loginItemStatus = 0;
-    std::optional<std::string> loginItemRefusal;
-    std::optional<std::array<double, 3>> accent =
-        {};                        ///< the user's red, green and blue; none: no such colour
-    std::set<std::string> symbols; ///< names of the system's pictures
+    std::optional<std::string> loginItemRefusal; ///< error text with which changes of the login item fail
+    /// Accent colour as red, green and blue from 0 to 1; empty: it cannot be converted.
+    std::optional<std::array<double, 3>> accent = {};
+    std::set<std::string> symbols; ///< names of the available system symbols
     bool hasStatusButtons = true;
-    bool grantsActivation = true; ///< false: the program in front does not yield to one that asks for it
-    std::optional<std::string> panelChoice;     ///< path that the user picks in a panel; none: cancels it
-    std::map<std::string, std::string> bundles; ///< identifiers, which may be empty, by path
+    bool grantsActivation = true;               ///< false: requests to activate this program are refused
+    std::optional<std::string> panelChoice;     ///< path that the user picks in an open panel; empty: cancels
+    std::map<std::string, std::string> bundles; ///< bundle identifiers by path; may be empty strings
 
-    std::vector<std::string> writes;                 ///< attributes written, as in "window 3 AXSize 640x480"
-    int keysOfOwnWindows = 0;                        ///< pressed and not swallowed by a monitor
-    int valuesGiven = 0;                             ///< to attributes, whether they could be written or not
-    std::vector<double> waits;                       ///< seconds waited for applications that do not answer
-    std::function<void(double seconds)> waited = {}; ///< called with each of these
-    int observationRequests = 0;                     ///< of this program, made of other programs
-    std::vector<std::string> prompted;               ///< options with which the permission was asked for
-    std::vector<std::string> opened;                 ///< addresses
-    std::vector<std::string> actions;                ///< sent to whatever has the keyboard focus
+    std::vector<std::string> writes;                 ///< attributes written, as in "window 3 AXSize 640 480"
+    int keysOfOwnWindows = 0;                        ///< key presses that no monitor has consumed
+    int valuesGiven = 0;                             ///< attribute writes, including those that fail
+    std::vector<double> waits;                       ///< seconds waited for each message that timed out
+    std::function<void(double seconds)> waited = {}; ///< called for each entry of `waits`
+    int observationRequests = 0;       ///< registrations for notifications, including failed ones
+    std::vector<std::string> prompted; ///< options of the requests for the permission
+    std::vector<std::string> opened;   ///< URLs
+    std::vector<std::string> actions;  ///< actions sent along the responder chain
     int beeps = 0;
     int loginItemChanges = 0;
-    int activationRequests = 0;                ///< of this program, to come to the front
-    int activations = 0;                       ///< how often it has
-    std::optional<long> activationPolicy = {}; ///< as this program has set it
-    std::vector<std::string> panels;           ///< shown, with what they offered
-    int pressesForOthers = 0;                  ///< of keys that another program has claimed
-    std::vector<std::uint32_t> libraryHotKeys; ///< that have come to a library's own handler
+    int activationRequests = 0;                ///< requests to activate this program
+    int activations = 0;                       ///< requests that were granted
+    std::optional<long> activationPolicy = {}; ///< last policy that this program has set
+    std::vector<std::string> panels;           ///< open panels shown, with their properties
+    int pressesForOthers = 0;                  ///< presses of hot keys that another program has registered
+    std::vector<std::uint32_t> libraryHotKeys; ///< ids of the hot keys that reached the library's handler
 };
 
+/// Returns the fake Mac, of which there is one.
 [[nodiscard]] Mac& mac();
-/// A Mac as it comes: no display, no program, nothing remembered.
+/// Restores the initial state: no displays, no applications, no records.
 void reset();
-/// What the back end still holds of the system: a line each. Nothing, when all its objects have gone.
+/// Returns a line for each kind of system object or registration that the back end still holds, and for each
+/// fault noted since the last reset. Empty when everything has been released.
 [[nodiscard]] std::vector<std::string> heldObjects();
 
+/// Adds a running application and posts the workspace's notification.
 void launch(ProcessId pid, const Application& application);
-/// Its windows go without a word, its notifications with it. The system may not know its number any more when
-/// it tells of the end.
+/// Kills the application: its windows close without notifications. `isNumbered` false: the object in the
+/// workspace's notification has no process id any more.
 void terminate(ProcessId pid, bool isNumbered = true);
+/// Opens a window in front of all others and notifies observers.
 WindowNumber openWindow(const Window& window);
+/// Closes a window and, unless `tellsItsEnd` is false, notifies observers.
 void closeWindow(WindowNumber number);
+/// Gives the window the keyboard focus, and makes its application frontmost.
 void focus(WindowNumber number);
-/// The window found at the point; 0 when there is none.
+/// Returns the topmost window at the point that is not minimised; 0 when there is none.
 [[nodiscard]] WindowNumber windowAt(const Point& axPoint);
 
 void movePointer(const Point& axPoint);
@@ -129,27 +141,28 @@ void pressLeftButton();
 void releaseLeftButton();
 void pressRightButton();
 void releaseRightButton();
-/// The modifier keys are held as in `flags` from now on, whichever those are that go down or up for it.
+/// Holds exactly these modifier keys: one event for the change, none if nothing changes.
 void holdModifiers(std::uint64_t flags);
 
-/// A key, by virtual key code, with Carbon's modifier bits. `repeats`: it is held down.
+/// Presses a key, given by virtual key code and Carbon's modifier bits. `repeats` true: the key is held down.
 void pressKeys(std::uint32_t keyCode, std::uint32_t mods, bool repeats = false);
-/// Time passes for windows that are late.
+/// Moves the time on by which late windows apply confirmed frames.
 void passTime(double seconds);
-/// A turn of this program's loop: what comes only with one, comes.
+/// Runs one iteration of this program's run loop: closed menus disappear, distributed notifications arrive.
 void turn();
-/// The user opens this program, which runs already, once more: false when it does not care.
+/// Opens this running program again, as from the Finder. Returns false when the program handles no such
+/// event.
 bool openAgain();
-/// This program's loop has begun, and with it what the system itself does about events.
+/// Completes the launch of this program, in the course of which AppKit sets its own Apple event handlers.
 void finishLaunching();
-/// A library that this program uses has a handler of its own for hot keys, from before ours, and presses of
-/// hot keys of its own.
+/// Installs a hot key handler of a library used by this program, as if before the back end's own handler.
 void installLibraryHandler();
+/// Presses a hot key that the library has registered.
 void pressLibraryHotKey(std::uint32_t signature, std::uint32_t id);
 void claimForAnotherProgram(std::uint32_t keyCode, std::uint32_t mods);
-/// Claims of this program, as "keyCode mods signature id".
+/// Returns the hot keys registered by this program, as "keyCode mods signature id".
 [[nodiscard]] std::vector<std::string> claims();
-/// How many global monitors this program has.
+/// Returns the number of this program's global event monitors.
 [[nodiscard]] std::size_t globalMonitors();
 
 } // namespace tessarel::fakemac

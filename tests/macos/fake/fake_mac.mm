@@ -14,7 +14,7 @@ TSLFakeElement* windowElement(WindowNumber number) {
     return [newElement(FakeElementKind::Window, mac().windows.at(number).pid, number) autorelease];
 }
 
-/// Has GNUstep's classes make what they keep for ever; the list of leaks to overlook names this function.
+/// Makes GNUstep's classes allocate what they keep until the process exits. leaks.supp names this function.
 __attribute__((noinline)) bool initializeClasses() {
     @autoreleasepool {
         return [@{@"key" : @"value"} count] == 1;

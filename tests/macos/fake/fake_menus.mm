@@ -8,12 +8,12 @@
 #include <memory>
 #include <utility>
 
-// Menus, the status bar, and the application that the main menu belongs to.
+// Menus, the status bar, and the application object.
 
 using namespace tessarel;
 using namespace tessarel::fakemac;
 
-// The classes as they are declared hold nothing: what they make are objects of these.
+// The declared classes have no instance variables; they create instances of these subclasses.
 
 @interface TSLFakeImage : NSImage {
     Counted counted;
@@ -88,7 +88,7 @@ using namespace tessarel::fakemac;
 namespace {
 
 std::vector<NSStatusItem*> statusItemsUp;
-std::size_t statusItemsForgotten = 0; // let go of, and not taken down
+std::size_t statusItemsForgotten = 0; // freed without removeStatusItem:
 
 } // namespace
 
@@ -147,7 +147,7 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
 - (BOOL)sendAction:(SEL)action to:(id)target from:(id)sender {
     checkThread();
     if (target || sender)
-        abort(); // nobody needs the application for that
+        abort(); // the back end sends actions along the responder chain only
     mac().actions.push_back([NSStringFromSelector(action) UTF8String]);
     return YES;
 }
@@ -158,7 +158,7 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
 }
 - (void)activateIgnoringOtherApps:(BOOL)ignoringOtherApps {
     checkThread();
-    if (ignoringOtherApps) // it would wait for the user otherwise
+    if (ignoringOtherApps) // otherwise only while no other application is active
         activateOwnProgram();
 }
 @end
@@ -182,7 +182,7 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
 - (instancetype)initWithTitle:(NSString*)text action:(SEL)selector keyEquivalent:(NSString*)key {
     checkThread();
     if ((self = [super init])) {
-        title = [text UTF8String]; // ends the test for nil, as the real one would
+        title = [text UTF8String]; // crashes for nil; AppKit raises an exception
         self.action = selector;
         self.keyEquivalent = key;
         self.keyEquivalentModifierMask = NSEventModifierFlagCommand;
@@ -239,7 +239,7 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
     return self;
 }
 - (void)dealloc {
-    statusItemsForgotten += std::erase(statusItemsUp, self); // the bar does not keep it
+    statusItemsForgotten += std::erase(statusItemsUp, self); // the status bar does not retain its items
     self.button = nil;
     self.menu = nil;
     [super dealloc];
@@ -258,7 +258,7 @@ std::size_t statusItemsForgotten = 0; // let go of, and not taken down
 }
 - (NSStatusItem*)statusItemWithLength:(CGFloat)length {
     checkThread();
-    if (length != -1) // another one would not grow with what it shows
+    if (length != -1) // NSVariableStatusItemLength
         abort();
     NSStatusItem* const item = [[[TSLFakeStatusItem alloc] init] autorelease];
     statusItemsUp.push_back(item);
@@ -283,13 +283,14 @@ NSArray* itemsOf(NSMenu* menu) {
     return menu ? ((TSLFakeMenu*)menu)->items : nil;
 }
 
-/// Whether a click on the item would do something, and is let through.
+/// Returns whether the item is enabled, either as set or by automatic enabling.
 bool isOffered(NSMenu* menu, NSMenuItem* item) {
     if (!menu.autoenablesItems)
         return item.enabled;
     return item.submenu || [item.target respondsToSelector:item.action];
 }
 
+/// Returns the rows of the menu as the user sees them, without command and tag.
 Menu sightOf(NSMenu* menu) {
     Menu rows;
     for (TSLFakeMenuItem* item in itemsOf(menu)) {
@@ -306,6 +307,7 @@ Menu sightOf(NSMenu* menu) {
     return rows;
 }
 
+/// Returns the first enabled item with this title; nil when there is none.
 NSMenuItem* itemCalled(NSMenu* menu, const std::string& title) {
     for (TSLFakeMenuItem* item in itemsOf(menu)) {
         if (item->title == title && isOffered(menu, item))
@@ -329,7 +331,7 @@ void tellDelegate(NSMenu* menu, SEL selector) {
         [(id)menu.delegate performSelector:selector withObject:menu];
 }
 
-/// The menu is told first, then its window begins to fade, and only then comes what was chosen.
+/// Closes the menu in the system's order: the delegate's `menuDidClose:`, the fade-out, then the action.
 void closeAndPerform(NSMenuItem* item) {
     closeStatusMenu();
     letMenuFade();

@@ -8,12 +8,11 @@
 #include <string>
 #include <vector>
 
-// What stands behind the references that the fake frameworks give out. Every one of these objects is counted
-// while it lives.
+// The objects behind the references that the fake frameworks return. Each is counted as long as it exists.
 
 namespace tessarel::fakemac {
 
-/// What makes the object that it is part of count.
+/// Member of an object that has to be counted.
 struct Counted {
     Counted();
     Counted(const Counted&) = delete;
@@ -34,7 +33,7 @@ enum class FakeElementKind { Desktop, Application, Window, Part };
     FakeElementKind kind;
     pid_t pid;
     tessarel::fakemac::WindowNumber window;
-    float timeLimit; // of this very object; 0: none of its own
+    float timeLimit; // messaging timeout of this object in seconds; 0: the system-wide one applies
 }
 @end
 
@@ -57,7 +56,7 @@ enum class FakeElementKind { Desktop, Application, Window, Part };
     pid_t pid;
     AXObserverCallback callback;
     TSLFakeSource* source;
-    TSLFakeElement* element; // nil: nothing is observed
+    TSLFakeElement* element; // the observed element; nil: no notification is registered
     std::string notification;
     void* context;
 }
@@ -71,46 +70,49 @@ enum class FakeElementKind { Desktop, Application, Window, Part };
 
 @interface TSLFakeString : NSString {
 @public
-    std::string text; // ASCII
+    std::string text; // ASCII only
 }
 @end
 
 namespace tessarel::fakemac {
 
-/// The caller owns the answer.
+/// Creates an element; the caller owns the reference.
 [[nodiscard]] TSLFakeElement* newElement(FakeElementKind kind, pid_t pid, WindowNumber window);
+/// Creates a string; the caller owns the reference.
 [[nodiscard]] TSLFakeString* newString(const std::string& text);
-/// Takes over the references to the entries.
+/// Creates an array that takes over the references to the entries; the caller owns the reference to the
+/// array.
 [[nodiscard]] TSLFakeArray* newArray(std::vector<id> entries);
 
 [[nodiscard]] NSString* autoreleased(const std::string& text);
 
-/// Sends what observers of the element wait for, as far as the run loop lets it through now.
+/// Calls the observers of this notification of the element whose run loop source is served in the current
+/// mode.
 void notify(TSLFakeElement* element, const std::string& notification);
-/// Whether the run loop looks at the source in the mode that it is in.
+/// Returns whether the run loop serves the source in its current mode.
 [[nodiscard]] bool isServed(TSLFakeSource* source);
-/// Lets the applications' notifications about `pid` out.
+/// Posts the workspace's notification `name` about the application.
 void postApplicationNotification(NSString* name, pid_t pid);
-/// Makes the program the one in front, then lets that out.
+/// Makes the application frontmost, then posts the workspace's notification.
 void bringToFront(pid_t pid);
-/// Another program comes to the front, and its windows with it.
+/// Puts this program's windows behind those of the application that comes to the front.
 void sendOwnWindowsBack();
-/// Ends the process off the main thread, where no framework that the back end uses may be called.
+/// Aborts the process when called off the main thread, where the back end must not call any framework.
 void checkThread();
 [[nodiscard]] NSNotificationCenter* newCenter();
-/// Something that the system would punish in its own way, to be told at the end of the test.
+/// Records a misuse of the system that it would not report itself. `heldObjects` lists it.
 void noteFault(const std::string& fault);
-/// A menu's window stays on the screen until the next turn.
+/// Keeps the menu's window on the screen until the next iteration of the run loop.
 void letMenuFade();
-/// Fails the test that does `what` while a menu is tracked or has not faded out.
+/// Notes a fault when called while a menu is tracked or has not faded out. `what` completes "the program".
 void checkMenusAreGone(const char* what);
-/// Ends the application, then tells of it.
+/// Erases the application, then posts the workspace's notification.
 void postTermination(pid_t pid, bool isNumbered);
 
-/// Whether somebody has claimed the keys, who then is told.
+/// Dispatches a press to the programs that have registered the hot key. Returns false when none has.
 bool pressHotKey(std::uint32_t keyCode, std::uint32_t mods);
 
-// Parts of `heldObjects` and of `reset`.
+// Parts of `heldObjects` and `reset`, each in the source file that has the state.
 void describeObjects(std::vector<std::string>& lines);
 void describeHotKeys(std::vector<std::string>& lines);
 void describeMonitors(std::vector<std::string>& lines);

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-// Core Foundation over Foundation's objects: a reference is a pointer to one.
+// Core Foundation over Foundation: every reference is a pointer to an Objective-C object.
 
 namespace {
 
@@ -16,6 +16,7 @@ std::string nameOf(CFRunLoopMode mode) {
     return [(__bridge NSString*)mode UTF8String];
 }
 
+/// Returns the source; aborts for any run loop but the main one.
 TSLFakeSource* checked(CFRunLoopRef loop, CFRunLoopSourceRef source) {
     if (loop != CFRunLoopGetMain())
         abort();
@@ -151,8 +152,8 @@ void describeObjects(std::vector<std::string>& lines) {
 
 } // namespace tessarel::fakemac
 
-// The two constants are objects, and those exist only once the runtime has their class; so they are variables
-// here, under the constants' names.
+// The two constants are objects, which can be created only once the runtime has loaded their class. So they
+// are variables here, exported under the constants' names.
 extern "C" {
 id fakeTrue __asm__("kCFBooleanTrue");
 id fakeFalse __asm__("kCFBooleanFalse");

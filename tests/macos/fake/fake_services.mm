@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <libproc.h>
 
-// The window server's list, the user's defaults, login items, and who this program is.
+// The window server's list, user defaults, bundles, login items, process information and Apple events.
 
 using namespace tessarel;
 using namespace tessarel::fakemac;
@@ -52,7 +52,7 @@ CFArrayRef CGWindowListCopyWindowInfo(CGWindowListOption options, CGWindowID rel
             if (!window.minimized || (options & kOnScreen) == 0)
                 entries.push_back([listed(window) retain]);
         }
-        if ((options & kWithoutDesktop) == 0) // the desktop's own windows are below all others
+        if ((options & kWithoutDesktop) == 0) // the desktop's own window is at the bottom
             entries.push_back([listed({.pid = 1, .layer = -2147483623}) retain]);
         if (mac().listsAText)
             entries.push_back(newString("a text"));
@@ -73,7 +73,7 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
     return true;
 }
 
-// GNUstep's Foundation knows the machine that it really runs on; here it answers for the fake one.
+// GNUstep's Foundation describes the machine that the test runs on. These categories describe the fake Mac.
 #pragma clang diagnostic ignored "-Wobjc-protocol-method-implementation"
 
 @interface NSFileManager (TSLFake)
@@ -89,7 +89,7 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
 @end
 @implementation TSLFakeDefaults
 - (instancetype)init {
-    return self; // without the files that the real ones read
+    return self; // NSUserDefaults would read files
 }
 - (id)objectForKey:(NSString*)key {
     checkThread();
@@ -119,7 +119,7 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
 }
 @end
 
-/// Of a program on the disk, not of the one that runs.
+/// The bundle of an installed application.
 @interface TSLFakeBundle : NSBundle {
 @public
     std::string identifier;
@@ -127,7 +127,7 @@ bool CGRectMakeWithDictionaryRepresentation(CFDictionaryRef dictionary, CGRect* 
 @end
 @implementation TSLFakeBundle
 - (instancetype)init {
-    return self; // without the files that the real one reads
+    return self; // NSBundle would read files
 }
 - (NSString*)bundleIdentifier {
     checkThread();
@@ -219,8 +219,7 @@ NSString* const NSApplicationDidFinishLaunchingNotification = @"NSApplicationDid
 
 namespace {
 
-/// Who is told that the user opens the program again; it is not kept. The application itself when it is
-/// empty.
+/// The handler of the reopen event, which is not retained. Empty: AppKit's own handler.
 struct Reopening {
     id target = nil;
     SEL selector = nullptr;
@@ -269,7 +268,7 @@ bool openAgain() {
 
 void finishLaunching() {
     @autoreleasepool {
-        reopening = {}; // the application sets its own handlers
+        reopening = {}; // AppKit sets its own handler
         [[NSNotificationCenter defaultCenter] postNotificationName:NSApplicationDidFinishLaunchingNotification
                                                             object:nil];
     }

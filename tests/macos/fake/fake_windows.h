@@ -4,19 +4,20 @@
 
 namespace tessarel::fakemac {
 
+/// The properties of a window of this program.
 struct WindowSight {
     long level = 0;
     unsigned long collectionBehavior = 0;
     bool ignoresMouseEvents = false;
     bool hasShadow = true;
     bool isVisible = false;
-    bool isInFront = false;   ///< of the windows of its level, those of the program in front included
-    bool hasKeyboard = false; ///< once its program is in front
+    bool isInFront = false;   ///< in front of all windows of its level, of any application
+    bool hasKeyboard = false; ///< it is the key window; effective only while the program is active
     Rect frame = {};          ///< in screen coordinates
     bool operator==(const WindowSight&) const = default;
 };
 
-/// A view as a toolkit makes it, in a window of its own or in none yet.
+/// A view as a toolkit creates it, in a window of its own or not yet in one.
 class View {
 public:
     explicit View(bool isInWindow = true);
@@ -27,11 +28,11 @@ public:
     [[nodiscard]] void* native() const { return m_view; }
     [[nodiscard]] WindowSight window() const;
 
-    // What the toolkit does with the window.
+    // The following functions act as the toolkit.
 
-    /// Gives the window the toolkit's own properties, as it does when it makes the window anew.
+    /// Resets the window to the toolkit's own properties, as when the toolkit recreates it.
     void makeWindowAnew();
-    /// Shows the window: in front only when its program is.
+    /// Shows the window, in front only if the program is active. `makesKey`: it becomes the key window.
     void orderFront(bool makesKey);
     void orderOut();
     void setFrame(const Rect& screenFrame);
@@ -40,7 +41,7 @@ private:
     void* m_view;
 };
 
-/// What `-[NSApplication activateIgnoringOtherApps:]` does, whoever calls it.
+/// Activates the program as `-[NSApplication activateIgnoringOtherApps:]` does; callable without AppKit.
 void activateOwnProgram();
 
 } // namespace tessarel::fakemac

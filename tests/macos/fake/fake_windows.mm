@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <vector>
 
-// This program's own windows, and the panel in which files are chosen.
+// This program's own windows and the open panel.
 
 using namespace tessarel;
 using namespace tessarel::fakemac;
@@ -53,7 +53,7 @@ using namespace tessarel::fakemac;
 
 namespace {
 
-std::vector<TSLFakeWindow*> windows; // all there are, owned by their views
+std::vector<TSLFakeWindow*> windows; // all existing windows, owned by their views
 TSLFakeWindow* keyWindow = nil;
 
 bool isOwnProgramInFront() {
@@ -124,7 +124,8 @@ bool isOwnProgramInFront() {
 @synthesize allowedContentTypes, directoryURL, prompt, canChooseDirectories, allowsMultipleSelection;
 - (instancetype)init {
     if ((self = [super init]))
-        self.canChooseDirectories = self.allowsMultipleSelection = YES; // unlike the real one's
+        // Not AppKit's defaults, so that the back end has to set both.
+        self.canChooseDirectories = self.allowsMultipleSelection = YES;
     return self;
 }
 - (void)dealloc {
@@ -199,7 +200,7 @@ void View::orderFront(bool makesKey) {
     checkMenusAreGone("orders a window front");
     TSLFakeWindow* const window = ((TSLFakeView*)m_view)->ownWindow;
     window->isVisible = YES;
-    window->isInFront = isOwnProgramInFront() ? YES : NO; // else behind those of the program that is
+    window->isInFront = isOwnProgramInFront() ? YES : NO; // otherwise behind the active application's windows
     if (makesKey)
         keyWindow = window;
 }

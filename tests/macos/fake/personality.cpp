@@ -1,7 +1,8 @@
 #include <unwind.h>
 
-// For GNU's Objective-C runtime clang gives every function of an Objective-C++ source a personality that
-// knows no C++ exceptions; on a Mac there is one for both. This program's own sources find this one instead.
+// For GNU's Objective-C runtime, clang gives every function of an Objective-C++ source an exception
+// personality that does not handle C++ exceptions; on a Mac one personality handles both. This definition
+// replaces it for the objects of the test program.
 
 extern "C" {
 

@@ -1,5 +1,5 @@
-# Qt for a Mac, as far as it takes to compile and link with it: the headers of this machine's Qt, whose text is the
-# same everywhere, and a stub of each library.
+# Qt for macOS, as far as needed to compile and link against it: the headers of this machine's Qt, which are
+# the same on every system, and a stub of each library.
 get_filename_component(sdk ${CMAKE_CURRENT_LIST_DIR} DIRECTORY)
 set(_qt_uses_Core "")
 set(_qt_uses_Gui Qt6::Core)

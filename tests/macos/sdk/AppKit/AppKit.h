@@ -78,7 +78,7 @@ SDK_EXTERN void NSBeep(void);
 @interface NSImage : NSObject
 + (NSImage*)imageWithSystemSymbolName:(NSString*)name
              accessibilityDescription:(NSString*)description SDK_SINCE(11.0);
-- (BOOL)isTemplate; // as a property its name would be a keyword
+- (BOOL)isTemplate; // not a property, because `template` is a C++ keyword
 - (void)setTemplate:(BOOL)isTemplate;
 @end
 
@@ -174,7 +174,7 @@ enum : NSInteger { NSModalResponseOK = 1 };
 - (NSModalResponse)runModal;
 @end
 
-// Foundation's, of which GNUstep has but the name.
+// A class of Foundation, of which GNUstep declares only the name.
 @interface NSAppleEventManager (Events)
 + (NSAppleEventManager*)sharedAppleEventManager;
 - (void)setEventHandler:(id)handler

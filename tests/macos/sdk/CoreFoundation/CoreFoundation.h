@@ -46,7 +46,7 @@ typedef struct CGRect {
 } CGRect;
 #define CFSTR(text) ((CFStringRef)__builtin___CFStringMakeConstantString("" text ""))
 #else
-// There are no two sets of geometry types on macOS; Foundation's are the only ones here.
+// On macOS the NS and CG geometry types are the same types; here only Foundation's exist.
 #import <Foundation/NSGeometry.h>
 typedef NSPoint CGPoint;
 typedef NSSize CGSize;
