@@ -34,14 +34,14 @@ protected:
     std::unique_ptr<AppDelegate> delegate = std::make_unique<AppDelegate>(ports(copy), nullptr);
 };
 
-TEST_F(AppDelegateTest, LaunchingClaimsTheHotKeysOfAllActionsButThoseOfDisabledZones) {
+TEST_F(AppDelegateTest, LaunchingClaimsTheHotKeysOfAllActionsExceptDisabledZones) {
     EXPECT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
 
     EXPECT_EQ(desktop.hotKeys().registered().size(), 15U);
     EXPECT_EQ(desktop.hotKeys().handlersInstalled(), 1);
 }
 
-TEST_F(AppDelegateTest, WithTrustNobodyIsAskedForIt) {
+TEST_F(AppDelegateTest, WithTrustNoPromptIsRequested) {
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
     desktop.advance(std::chrono::seconds(1));
 
@@ -84,7 +84,7 @@ TEST_F(AppDelegateTest, LaunchingWritesNoSettings) {
     EXPECT_EQ(desktop.preferencesStorage().writes, before);
 }
 
-TEST_F(AppDelegateTest, ChangedSettingsClaimTheHotKeysAnew) {
+TEST_F(AppDelegateTest, ChangedSettingsClaimTheNewHotKeys) {
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
     Store& store = Store::shared();
 
@@ -98,7 +98,7 @@ TEST_F(AppDelegateTest, ChangedSettingsClaimTheHotKeysAnew) {
     EXPECT_EQ(desktop.hotKeys().handlersInstalled(), 1);
 }
 
-TEST_F(AppDelegateTest, ChangedSettingsShowTheStatusIconAnew) {
+TEST_F(AppDelegateTest, ChangedSettingsUpdateTheStatusIcon) {
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
     ASSERT_EQ(desktop.statusItem().symbol, "rectangle.3.group");
     desktop.statusItem().symbols.erase("rectangle.3.group");
@@ -108,7 +108,7 @@ TEST_F(AppDelegateTest, ChangedSettingsShowTheStatusIconAnew) {
     EXPECT_EQ(desktop.statusItem().symbol, "square.grid.2x2");
 }
 
-TEST_F(AppDelegateTest, APauseEndsWithTheProgram) {
+TEST_F(AppDelegateTest, APauseIsNotKeptAcrossRestarts) {
     desktop.addScreen({.frame = {0, 0, 1200, 800}});
     const auto editor = desktop.openWindow("org.example.editor", {200, 150, 640, 480});
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
@@ -141,7 +141,7 @@ TEST_F(AppDelegateTest, WithoutASettingsWindowItsCommandsDoNothing) {
     EXPECT_EQ(Store::shared().settings.zones, Presets::all()[1].zones);
 }
 
-TEST_F(AppDelegateTest, WithoutTrustTheUserIsAskedOnceAndTheHotKeysAreClaimedAllTheSame) {
+TEST_F(AppDelegateTest, WithoutTrustThePromptIsShownOnceAndTheHotKeysAreStillClaimed) {
     desktop.trust().trusted = false;
 
     EXPECT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
@@ -167,7 +167,7 @@ TEST_F(AppDelegateTest, ASecondCopyEndsAtOnceAndLeavesTheFirstAlone) {
     EXPECT_EQ(desktop.trust().promptCalls, 0);
 }
 
-TEST_F(AppDelegateTest, TheEndLetsGoOfTheHotKeysAndOfTheDesktop) {
+TEST_F(AppDelegateTest, DestroyingTheDelegateReleasesTheHotKeysAndTheDesktop) {
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
 
     delegate.reset();
@@ -196,7 +196,7 @@ TEST_F(AppDelegateTest, ADraggedWindowGoesIntoAZone) {
     EXPECT_EQ(Store::shared().settings.appZones.at("org.example.editor"), 0);
 }
 
-TEST_F(AppDelegateTest, LaunchingAsksForANewVersionWhenThatIsDueAndFailsInSilence) {
+TEST_F(AppDelegateTest, LaunchingChecksForUpdatesWhenDueAndFailsSilently) {
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
     desktop.advance(std::chrono::seconds(0));
     ASSERT_EQ(desktop.urlLoading().requests.size(), 1U);
@@ -206,7 +206,7 @@ TEST_F(AppDelegateTest, LaunchingAsksForANewVersionWhenThatIsDueAndFailsInSilenc
     EXPECT_TRUE(desktop.alerts().shown.empty());
 }
 
-TEST_F(AppDelegateTest, LaunchingAsksForNoNewVersionWhenThatIsNotDue) {
+TEST_F(AppDelegateTest, LaunchingDoesNotCheckForUpdatesWhenNotDue) {
     desktop.preferences().setData(Store::key, R"({"hasOnboarded": true, "lastUpdateCheck": 1799990000})");
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
 
@@ -215,7 +215,7 @@ TEST_F(AppDelegateTest, LaunchingAsksForNoNewVersionWhenThatIsNotDue) {
     EXPECT_TRUE(desktop.urlLoading().requests.empty());
 }
 
-TEST_F(AppDelegateTest, AProgramThatEndsAtOnceAsksForNoNewVersion) {
+TEST_F(AppDelegateTest, AProgramThatEndsAtOnceDoesNotCheckForUpdates) {
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
 
     delegate.reset();
@@ -236,7 +236,7 @@ TEST_F(AppDelegateTest, ANewWindowOfARememberedApplicationOpensInItsZone) {
     EXPECT_EQ(desktop.frame(editor), (Rect{400, 0, 400, 400}));
 }
 
-TEST_F(AppDelegateTest, TheEndStopsWatchingTheMouse) {
+TEST_F(AppDelegateTest, DestroyingTheDelegateStopsWatchingTheMouse) {
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
     ASSERT_EQ(desktop.mouse().monitored().size(), 3U);
 

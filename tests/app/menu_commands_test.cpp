@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// The running program on a simulated desktop with one display and one window.
+/// Fixture: the running program on a simulated desktop with one display and one window.
 class MenuCommandsTest : public ::testing::Test {
 protected:
     static constexpr Rect kSomewhere{200, 150, 640, 480};
@@ -63,7 +63,7 @@ TEST_F(MenuCommandsTest, AnActionsTagIsItsPosition) {
     EXPECT_EQ(desktop.frame(window), kLeftHalf);
 }
 
-TEST_F(MenuCommandsTest, TagsOfNoActionAreIgnored) {
+TEST_F(MenuCommandsTest, TagsWithoutAnActionAreIgnored) {
     choose(MenuCommand::RunMenuAction, -1);
     choose(MenuCommand::RunMenuAction, 19);
     desktop.advance(1s);
@@ -82,7 +82,7 @@ TEST_F(MenuCommandsTest, TheFirstAndTheLastActionRunToo) {
     EXPECT_EQ(desktop.frame(window), kLeftHalf) << "arranged into the first zone";
 }
 
-TEST_F(MenuCommandsTest, AnActionStillDueAtTheEndDoesNotRun) {
+TEST_F(MenuCommandsTest, APendingActionDoesNotRunAfterTheProgramHasEnded) {
     chooseAction(ActionID::leftHalf);
 
     delegate.reset();
@@ -96,7 +96,7 @@ TEST_F(MenuCommandsTest, ApplyingALayoutMakesItsZonesActive) {
 
     EXPECT_EQ(settings().zones, Presets::all()[1].zones);
     EXPECT_EQ(Store(desktop.preferences()).settings.zones, Presets::all()[1].zones);
-    EXPECT_EQ(desktop.preferencesStorage().writes, 2) << "one of them the fixture's";
+    EXPECT_EQ(desktop.preferencesStorage().writes, 2) << "the first one is the fixture's";
 }
 
 TEST_F(MenuCommandsTest, ApplyingALayoutShowsItInTheSettingsWindow) {
@@ -108,7 +108,7 @@ TEST_F(MenuCommandsTest, ApplyingALayoutShowsItInTheSettingsWindow) {
     EXPECT_EQ(settingsWindow.shown, 1) << "it is not brought to the front again";
 }
 
-TEST_F(MenuCommandsTest, ApplyingALayoutMakesNoSettingsWindow) {
+TEST_F(MenuCommandsTest, ApplyingALayoutCreatesNoSettingsWindow) {
     choose(MenuCommand::ApplyLayout, 1);
 
     EXPECT_EQ(settingsWindow.made, 0);
@@ -129,7 +129,7 @@ TEST_F(MenuCommandsTest, ApplyingALayoutClaimsTheHotKeysOfItsZones) {
     EXPECT_EQ(desktop.hotKeys().registered().size(), before - 3);
 }
 
-TEST_F(MenuCommandsTest, ASavedLayoutIsFilledUpWhenApplied) {
+TEST_F(MenuCommandsTest, ASavedLayoutIsPaddedWhenApplied) {
     Store::shared().settings.userLayouts = {{"Mine", {Presets::z(0, 0, 30, 100)}}};
 
     choose(MenuCommand::ApplyLayout, 1000);
@@ -137,7 +137,7 @@ TEST_F(MenuCommandsTest, ASavedLayoutIsFilledUpWhenApplied) {
     EXPECT_EQ(settings().zones, Presets::pad({Presets::z(0, 0, 30, 100)}));
 }
 
-TEST_F(MenuCommandsTest, ALayoutThatIsNoLongerThereIsIgnored) {
+TEST_F(MenuCommandsTest, TagsWithoutALayoutAreIgnored) {
     const auto before = settings().zones;
     choose(MenuCommand::OpenSettings);
 
@@ -146,7 +146,7 @@ TEST_F(MenuCommandsTest, ALayoutThatIsNoLongerThereIsIgnored) {
 
     EXPECT_EQ(settings().zones, before);
     EXPECT_EQ(settingsWindow.refreshed, 0);
-    EXPECT_EQ(desktop.preferencesStorage().writes, 1) << "the fixture's";
+    EXPECT_EQ(desktop.preferencesStorage().writes, 1) << "only the fixture's";
 }
 
 TEST_F(MenuCommandsTest, ReopeningTheMenuShowsTheAppliedLayoutChecked) {
@@ -154,7 +154,7 @@ TEST_F(MenuCommandsTest, ReopeningTheMenuShowsTheAppliedLayoutChecked) {
 
     const Menu menu = desktop.statusItem().openMenu();
 
-    EXPECT_FALSE(menu[6].submenu[0].isChecked); // the layouts follow two zones, arrange and move
+    EXPECT_FALSE(menu[6].submenu[0].isChecked); // the layouts, below two zones, arrange and move
     EXPECT_TRUE(menu[6].submenu[1].isChecked);
 }
 
@@ -162,11 +162,11 @@ TEST_F(MenuCommandsTest, PausingDimsTheIconAndKeysDoNothing) {
     choose(MenuCommand::TogglePause);
 
     EXPECT_TRUE(desktop.statusItem().appearsDisabled);
-    EXPECT_TRUE(desktop.hotKeys().press(123, 6144)); // swallowed
+    EXPECT_TRUE(desktop.hotKeys().press(123, 6144)); // the key is still grabbed
     EXPECT_EQ(desktop.frame(window), kSomewhere);
 }
 
-TEST_F(MenuCommandsTest, PausingHoldsForTheMenusActionsToo) {
+TEST_F(MenuCommandsTest, PausingAppliesToMenuActionsToo) {
     chooseAction(ActionID::leftHalf);
     choose(MenuCommand::TogglePause);
     desktop.advance(1s);
@@ -174,7 +174,7 @@ TEST_F(MenuCommandsTest, PausingHoldsForTheMenusActionsToo) {
     EXPECT_EQ(desktop.frame(window), kSomewhere);
 }
 
-TEST_F(MenuCommandsTest, PausingAgainGoesOn) {
+TEST_F(MenuCommandsTest, PausingAgainResumes) {
     choose(MenuCommand::TogglePause);
     choose(MenuCommand::TogglePause);
 
@@ -183,13 +183,13 @@ TEST_F(MenuCommandsTest, PausingAgainGoesOn) {
     EXPECT_EQ(desktop.frame(window), kLeftHalf);
 }
 
-TEST_F(MenuCommandsTest, SettingsOpenTheirWindow) {
+TEST_F(MenuCommandsTest, TheSettingsCommandOpensTheSettingsWindow) {
     choose(MenuCommand::OpenSettings);
 
     EXPECT_EQ(settingsWindow.shown, 1);
 }
 
-TEST_F(MenuCommandsTest, TheSettingsWindowIsMadeWhenItIsFirstAskedFor) {
+TEST_F(MenuCommandsTest, TheSettingsWindowIsCreatedWhenFirstOpened) {
     EXPECT_EQ(settingsWindow.made, 0);
 
     choose(MenuCommand::OpenSettings);
@@ -199,7 +199,7 @@ TEST_F(MenuCommandsTest, TheSettingsWindowIsMadeWhenItIsFirstAskedFor) {
     EXPECT_EQ(settingsWindow.shown, 2);
 }
 
-TEST_F(MenuCommandsTest, TheSettingsWindowEndsWithTheProgram) {
+TEST_F(MenuCommandsTest, TheSettingsWindowIsDestroyedWithTheProgram) {
     choose(MenuCommand::OpenSettings);
 
     delegate.reset();
@@ -216,7 +216,7 @@ TEST_F(MenuCommandsTest, GrantingAccessPromptsAndOpensTheSystemsSettings) {
     EXPECT_EQ(desktop.trust().settingsOpened, 1);
 }
 
-TEST_F(MenuCommandsTest, CheckingForUpdatesTellsTheUserWhateverComesOut) {
+TEST_F(MenuCommandsTest, CheckingForUpdatesAlwaysShowsTheResult) {
     const std::size_t before = desktop.urlLoading().requests.size();
 
     choose(MenuCommand::CheckUpdates);
@@ -232,7 +232,7 @@ TEST_F(MenuCommandsTest, QuitTerminates) {
     EXPECT_EQ(desktop.ownApplication().terminations, 1);
 }
 
-TEST_F(MenuCommandsTest, TitlesAndParentsDoNothing) {
+TEST_F(MenuCommandsTest, TitlesAndSubmenuRowsDoNothing) {
     desktop.takeRequests().clear();
 
     choose(MenuCommand::None);
@@ -243,7 +243,7 @@ TEST_F(MenuCommandsTest, TitlesAndParentsDoNothing) {
     EXPECT_EQ(settingsWindow.shown, 0);
 }
 
-TEST_F(MenuCommandsTest, AnotherStartOfTheProgramShowsTheSettings) {
+TEST_F(MenuCommandsTest, StartingTheProgramAgainShowsTheSettings) {
     sim::SimSingleInstance second = desktop.makeCopy();
 
     EXPECT_EQ(second.claim([] {}), nullptr);

@@ -14,13 +14,13 @@ using namespace std::chrono_literals;
 using testing::ElementsAre;
 using Launch = AppDelegate::Launch;
 
-/// In which order the program asks the desktop for things; the document has `settings` to begin with.
+/// Fixture: records the order of the program's calls to its ports. `settings` is the stored document.
 class OrderTest : public testing::Test {
 protected:
     explicit OrderTest(const char* settings) : record(desktop, settings) {}
 
     void launch() { ASSERT_EQ(delegate.applicationDidFinishLaunching(), Launch::Running); }
-    /// The loop runs once; returns what the program asks for meanwhile.
+    /// Runs the loop once and returns the calls that the program made in it.
     RecordedPorts::Order turn() {
         static_cast<void>(record.takeOrder());
         desktop.advance(0s);
@@ -50,7 +50,7 @@ protected:
     FirstLaunchOrderTest() : OrderTest("{}") {}
 };
 
-TEST_F(LaunchOrderTest, TheHotKeysComeAsEarlyAsTheyCanAndWhatTheUserIsAskedLast) {
+TEST_F(LaunchOrderTest, HotKeysAreClaimedEarlyAndThePromptComesLast) {
     launch();
 
     EXPECT_THAT(record.takeOrder(),
@@ -59,13 +59,13 @@ TEST_F(LaunchOrderTest, TheHotKeysComeAsEarlyAsTheyCanAndWhatTheUserIsAskedLast)
                             "watch programs", "list programs", "ask for trust", "prompt"));
 }
 
-TEST_F(LaunchOrderTest, ANewVersionIsAskedForOnceTheLoopRuns) {
+TEST_F(LaunchOrderTest, TheUpdateCheckStartsOnceTheLoopRuns) {
     launch();
 
     EXPECT_THAT(turn(), ElementsAre("ask the web"));
 }
 
-TEST_F(LaunchOrderTest, ASecondCopyAsksForTheDesktopAndForNothingElse) {
+TEST_F(LaunchOrderTest, ASecondCopyOnlyTriesToClaimTheDesktop) {
     const auto other = desktop.makeCopy().claim([] {});
 
     EXPECT_EQ(delegate.applicationDidFinishLaunching(), Launch::AnotherCopyRuns);
@@ -75,7 +75,7 @@ TEST_F(LaunchOrderTest, ASecondCopyAsksForTheDesktopAndForNothingElse) {
     EXPECT_THAT(record.takeOrder(), ElementsAre());
 }
 
-TEST_F(LaunchOrderTest, ChangedSettingsClaimTheHotKeysBeforeTheIconIsShownAnew) {
+TEST_F(LaunchOrderTest, ChangedSettingsClaimTheHotKeysBeforeTheIconIsUpdated) {
     launch();
     static_cast<void>(record.takeOrder());
 
@@ -84,7 +84,7 @@ TEST_F(LaunchOrderTest, ChangedSettingsClaimTheHotKeysBeforeTheIconIsShownAnew) 
     EXPECT_THAT(record.takeOrder(), ElementsAre("list programs", "claim hot keys", "show icon"));
 }
 
-TEST_F(LaunchOrderTest, SettingsThatChangeWhileItStartsClaimNothingTwice) {
+TEST_F(LaunchOrderTest, SettingsThatChangeDuringTheLaunchDoNotClaimTheHotKeysTwice) {
     record.whileListingPrograms = [&] {
         record.whileListingPrograms = nullptr;
         Store::shared().tessarelSettingsChanged.post();
@@ -96,7 +96,7 @@ TEST_F(LaunchOrderTest, SettingsThatChangeWhileItStartsClaimNothingTwice) {
     EXPECT_EQ(std::count(order.begin(), order.end(), "claim hot keys"), 1);
 }
 
-TEST_F(FirstLaunchOrderTest, NobodyIsAskedAnythingBeforeTheLoopRuns) {
+TEST_F(FirstLaunchOrderTest, NoPromptIsShownBeforeTheLoopRuns) {
     launch();
 
     EXPECT_THAT(record.takeOrder(),
@@ -105,7 +105,7 @@ TEST_F(FirstLaunchOrderTest, NobodyIsAskedAnythingBeforeTheLoopRuns) {
                             "watch programs", "list programs"));
 }
 
-TEST_F(FirstLaunchOrderTest, TheWelcomeIsKeptInMindBeforeThePromptAndTheSettingsComeLast) {
+TEST_F(FirstLaunchOrderTest, TheWelcomeIsSavedBeforeThePromptAndTheSettingsWindowComesLast) {
     launch();
 
     EXPECT_THAT(turn(),

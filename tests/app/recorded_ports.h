@@ -16,13 +16,13 @@
 
 namespace tessarel {
 
-/// Ports of a simulated desktop that write down in which order the program asks for what, as short phrases.
-/// Equal phrases in a row are written down once.
+/// Ports of a simulated desktop that record the program's calls in order, as short phrases.
+/// Consecutive equal phrases are recorded once.
 class RecordedPorts {
 public:
     using Order = std::vector<std::string>;
 
-    /// `settings` is the document that the program finds.
+    /// `settings` is the settings document that the program loads.
     RecordedPorts(sim::SimDesktop& desktop, std::string settings)
         : m_desktop(desktop), m_settings(std::move(settings)) {}
 
@@ -52,7 +52,7 @@ public:
                 .workspace = m_workspace,
                 .words = kSimWords};
     }
-    /// A settings window that writes down what is done with it.
+    /// Returns a factory of settings windows that record the calls to them.
     [[nodiscard]] SettingsWindowFactory settingsWindow() {
         return [this](Services&, const Ports&) {
             note("make settings window");
@@ -66,7 +66,7 @@ public:
             m_order.push_back(phrase);
     }
 
-    /// What happens while the program asks which others run.
+    /// Called while the program lists the running applications; may be empty.
     std::function<void()> whileListingPrograms;
 
 private:
@@ -183,7 +183,7 @@ private:
     sim::SimDesktop& m_desktop;
     std::string m_settings;
     Order m_order;
-    sim::SimState m_programs; // none, whatever runs on the desktop
+    sim::SimState m_programs; // stays empty, whatever runs on the desktop
     Instance m_instance{*this};
     Preferences m_preferences{*this};
     Menus m_mainMenu{*this};

@@ -18,7 +18,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// A program that has not been started on this desktop before.
+/// Fixture: the first launch of the program on a desktop.
 class FirstRunTest : public ::testing::Test {
 protected:
     void launch() {
@@ -60,10 +60,10 @@ TEST_F(FirstRunTest, TheWelcomeIsFollowedByThePromptWhateverTheButton) {
     EXPECT_EQ(settingsWindow.shown, 0);
 }
 
-TEST_F(FirstRunTest, ThePromptIsAskedForEvenWhenTrusted) {
+TEST_F(FirstRunTest, ThePromptIsRequestedEvenWhenTrusted) {
     launch();
 
-    EXPECT_EQ(desktop.trust().promptCalls, 1) << "the system knows best";
+    EXPECT_EQ(desktop.trust().promptCalls, 1) << "the system decides whether to show it";
     EXPECT_EQ(desktop.trust().prompts, 0);
 }
 
@@ -75,7 +75,7 @@ TEST_F(FirstRunTest, TheSecondButtonOpensTheSettings) {
     EXPECT_EQ(settingsWindow.shown, 1);
 }
 
-TEST_F(FirstRunTest, TheWelcomeClosedWithoutAButtonIsKeptInMindToo) {
+TEST_F(FirstRunTest, AWelcomeClosedWithoutAButtonIsSavedToo) {
     desktop.trust().trusted = false;
     desktop.alerts().answers = {};
 
@@ -86,14 +86,14 @@ TEST_F(FirstRunTest, TheWelcomeClosedWithoutAButtonIsKeptInMindToo) {
     EXPECT_EQ(settingsWindow.made, 0);
 }
 
-TEST_F(FirstRunTest, HotKeysWorkBeforeTheWelcomeIsRead) {
+TEST_F(FirstRunTest, HotKeysAreRegisteredBeforeTheWelcomeIsShown) {
     ASSERT_EQ(delegate.applicationDidFinishLaunching(), AppDelegate::Launch::Running);
 
     EXPECT_FALSE(desktop.hotKeys().registered().empty());
     EXPECT_TRUE(desktop.alerts().shown.empty());
 }
 
-TEST_F(FirstRunTest, TheNextStartWelcomesNobody) {
+TEST_F(FirstRunTest, TheNextLaunchShowsNoWelcome) {
     desktop.preferences().setData(Store::key, R"({"hasOnboarded": true})");
 
     launch();
@@ -102,7 +102,7 @@ TEST_F(FirstRunTest, TheNextStartWelcomesNobody) {
     EXPECT_EQ(desktop.ownApplication().activations, 0);
 }
 
-TEST_F(FirstRunTest, SettingsAreNotAnnouncedAsChangedByTheWelcome) {
+TEST_F(FirstRunTest, TheWelcomePostsNoSettingsChange) {
     ASSERT_EQ(delegate.applicationDidFinishLaunching(), AppDelegate::Launch::Running);
     int announcements = 0;
     const auto observer = Store::shared().tessarelSettingsChanged.addObserver([&] { ++announcements; });
@@ -113,7 +113,7 @@ TEST_F(FirstRunTest, SettingsAreNotAnnouncedAsChangedByTheWelcome) {
     EXPECT_EQ(announcements, 0);
 }
 
-/// A user who ends the program while the welcome waits.
+/// Alerts that end the program while they are shown.
 class EndingAlerts : public sim::SimAlerts {
 public:
     std::size_t runModal(const Alert& alert) override {
@@ -124,7 +124,7 @@ public:
     std::optional<AppDelegate> delegate;
 };
 
-TEST(FirstRunEndTest, TheProgramMayEndWhileTheWelcomeWaits) {
+TEST(FirstRunEndTest, TheProgramMayEndWhileTheWelcomeIsShown) {
     sim::SimDesktop desktop;
     sim::SimSingleInstance copy = desktop.makeCopy();
     SettingsWindowRecord settingsWindow;
@@ -142,7 +142,7 @@ TEST(FirstRunEndTest, TheProgramMayEndWhileTheWelcomeWaits) {
     EXPECT_EQ(settingsWindow.made, 0);
 }
 
-TEST(FirstRunEndTest, AProgramThatEndsAtOnceWelcomesNobody) {
+TEST(FirstRunEndTest, AProgramThatEndsAtOnceShowsNoWelcome) {
     sim::SimDesktop desktop;
     sim::SimSingleInstance copy = desktop.makeCopy();
     {
@@ -165,7 +165,7 @@ protected:
     StatusItem item{desktop.statusItem(), menu, runtime, [](const MenuItem&) {}};
 };
 
-TEST_F(StatusIconTest, TheFirstSymbolThatTheSystemHasIsShown) {
+TEST_F(StatusIconTest, TheFirstAvailableSymbolIsShown) {
     EXPECT_EQ(desktop.statusItem().symbol, "rectangle.3.group");
     EXPECT_EQ(desktop.statusItem().accessibilityDescription, "Tessarel");
     EXPECT_EQ(desktop.statusItem().title, "");
@@ -191,7 +191,7 @@ TEST_F(StatusIconTest, WithoutAnySymbolTheInitialsAreShown) {
     item.refreshStatusIcon();
 
     EXPECT_EQ(desktop.statusItem().symbol, "rectangle.split.3x1");
-    EXPECT_EQ(desktop.statusItem().title, "") << "the initials go when there is a symbol again";
+    EXPECT_EQ(desktop.statusItem().title, "") << "the initials disappear when a symbol is available again";
 }
 
 TEST_F(StatusIconTest, TheIconIsDimmedWhilePaused) {
@@ -201,7 +201,7 @@ TEST_F(StatusIconTest, TheIconIsDimmedWhilePaused) {
     item.refreshStatusIcon();
 
     EXPECT_TRUE(desktop.statusItem().appearsDisabled);
-    EXPECT_EQ(desktop.statusItem().symbol, "rectangle.3.group") << "the same one";
+    EXPECT_EQ(desktop.statusItem().symbol, "rectangle.3.group") << "the same symbol";
 
     runtime.paused = false;
     item.refreshStatusIcon();
@@ -230,7 +230,7 @@ TEST_F(StatusIconTest, TheMenuIsBuiltEachTimeItOpens) {
     EXPECT_TRUE(isPauseChecked());
 }
 
-TEST(MainMenuTest, HoldsTheUsualEditingKeys) {
+TEST(MainMenuTest, HasTheStandardEditingKeys) {
     const std::vector<MainMenu> menus = mainMenu();
 
     ASSERT_EQ(menus.size(), 2U);
@@ -263,7 +263,7 @@ TEST_F(LoginItemTest, IsTurnedOnAndOff) {
     EXPECT_FALSE(loginItem.isEnabled());
 }
 
-TEST_F(LoginItemTest, AFailureIsToldAndTheStateIsTheSystems) {
+TEST_F(LoginItemTest, AFailureReturnsItsTextAndLeavesTheItemDisabled) {
     desktop.loginItem().failure = "The folder cannot be written to.";
 
     EXPECT_EQ(loginItem.set(true), "The folder cannot be written to.");

@@ -15,7 +15,7 @@
 namespace tessarel {
 namespace {
 
-/// The menu over a simulated desktop that trusts the program; all zones but the first five are disabled.
+/// Fixture: the menu on a simulated desktop that trusts the program. Only the first five zones are enabled.
 class StatusMenuTest : public ::testing::Test {
 protected:
     using Titles = std::vector<std::string>;
@@ -49,7 +49,7 @@ protected:
     StatusMenu statusMenu{store, permissions, runtime, {}};
 };
 
-TEST_F(StatusMenuTest, TheWholeMenuOfAFreshInstallation) {
+TEST_F(StatusMenuTest, AFreshInstallationShowsTheWholeMenu) {
     const Menu menu = statusMenu.rebuild();
 
     EXPECT_EQ(titles(menu),
@@ -70,7 +70,7 @@ TEST_F(StatusMenuTest, TheWholeMenuOfAFreshInstallation) {
                 "One third + two thirds", "Grid 3 x 2", "Main + two stacked", "Ultrawide 25 / 50 / 25"}));
 }
 
-TEST_F(StatusMenuTest, EveryRowOfAMenuIsAsTabled) {
+TEST_F(StatusMenuTest, EveryRowHasItsTitleCommandTagAndState) {
     desktop.trust().trusted = false;
     runtime.paused = true;
     store.settings.zones = Presets::pad({Presets::z(0, 0, 30, 100), {}, Presets::z(30, 0, 70, 100)});
@@ -107,7 +107,7 @@ TEST_F(StatusMenuTest, EveryRowOfAMenuIsAsTabled) {
                     row("Check for updates...", MenuCommand::CheckUpdates), MenuItem::separator(), quit}));
 }
 
-TEST_F(StatusMenuTest, CommandsAndKeyEquivalentsAreAsTabled) {
+TEST_F(StatusMenuTest, RowsHaveTheirCommandsAndKeyEquivalents) {
     const Menu menu = statusMenu.rebuild();
     const auto command = [&](const std::string& title) { return rowOf(menu, title).command; };
 
@@ -154,7 +154,7 @@ TEST_F(StatusMenuTest, WithAllZonesDisabledWindowsCanStillBeArranged) {
     EXPECT_EQ(Titles(all.begin() + 1, all.begin() + 3), (Titles{"-", "Arrange windows into zones"}));
 }
 
-TEST_F(StatusMenuTest, AListOfZonesThatIsTooShortIsOneOfDisabledZones) {
+TEST_F(StatusMenuTest, ZonesMissingFromTheSettingsCountAsDisabled) {
     store.settings.zones.resize(2);
 
     const Titles all = titles(statusMenu.rebuild());
@@ -188,7 +188,7 @@ TEST_F(StatusMenuTest, TagsOfTheOtherActionsAreTheirPositions) {
     EXPECT_EQ(rowOf(menu, "Arrange windows into zones").tag, 18);
 }
 
-TEST_F(StatusMenuTest, AnUnboundActionShowsItsBareTitle) {
+TEST_F(StatusMenuTest, AnUnboundActionShowsOnlyItsTitle) {
     store.setBinding({}, ActionID::zone1);
     store.setBinding({}, ActionID::center);
 
@@ -204,7 +204,7 @@ TEST_F(StatusMenuTest, ArrangingShowsNoShortcutEvenWhenBound) {
     EXPECT_EQ(titles(statusMenu.rebuild())[7], "Arrange windows into zones");
 }
 
-TEST_F(StatusMenuTest, ModifiersAreCalledAsTheSystemCallsThem) {
+TEST_F(StatusMenuTest, ModifiersHaveTheNamesOfTheSystem) {
     const StatusMenu elsewhere{store, permissions, runtime, {"Ctrl", "Alt", "Shift", "Super"}};
 
     EXPECT_EQ(rowOf(elsewhere.rebuild(), "Move window").submenu[7].title,
@@ -250,20 +250,20 @@ TEST_F(StatusMenuTest, LayoutsWithEqualZonesAreAllChecked) {
     EXPECT_EQ(checkedLayouts(), (Titles{"Halves", "Mine"}));
 }
 
-TEST_F(StatusMenuTest, NoLayoutIsCheckedWhenTheZonesMatchNone) {
+TEST_F(StatusMenuTest, NoLayoutIsCheckedWhenTheZonesMatchNoLayout) {
     store.settings.zones[0].w += 0.001;
 
     EXPECT_EQ(checkedLayouts(), Titles{});
 }
 
-TEST_F(StatusMenuTest, TagsOfNoActionAreRefused) {
+TEST_F(StatusMenuTest, TagsWithoutAnActionAreRejected) {
     EXPECT_EQ(StatusMenu::action(-1), std::nullopt);
     EXPECT_EQ(StatusMenu::action(19), std::nullopt);
     EXPECT_EQ(StatusMenu::action(0), ActionID(ActionID::zone1));
     EXPECT_EQ(StatusMenu::action(18), ActionID(ActionID::arrangeAll));
 }
 
-TEST_F(StatusMenuTest, TagsOfNoLayoutAreRefused) {
+TEST_F(StatusMenuTest, TagsWithoutALayoutAreRejected) {
     store.settings.userLayouts = {{"Mine", {Presets::z(0, 0, 30, 100)}}};
 
     EXPECT_FALSE(statusMenu.layoutZones(-1));

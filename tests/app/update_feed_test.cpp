@@ -24,17 +24,17 @@ TEST(UpdateFeedTest, NotesAndAddressOfAnotherTypeCountAsMissing) {
     }
 }
 
-TEST(UpdateFeedTest, AVersionOfAnotherTypeIsNoFeed) {
+TEST(UpdateFeedTest, AVersionThatIsNotAStringIsRejected) {
     for (const char* other : {"null", "1.2", "2", "true", "[\"1.2\"]", "{\"version\": \"1.2\"}"})
         EXPECT_EQ(decodeUpdateFeed(std::string(R"({"version": )") + other + "}"), std::nullopt) << other;
 }
 
-TEST(UpdateFeedTest, WithoutAVersionThereIsNoFeed) {
+TEST(UpdateFeedTest, AFeedWithoutAVersionIsRejected) {
     EXPECT_EQ(decodeUpdateFeed(R"({"notes": "a", "Version": "1.2"})"), std::nullopt);
     EXPECT_EQ(decodeUpdateFeed("{}"), std::nullopt);
 }
 
-TEST(UpdateFeedTest, OnlyAnObjectIsAFeed) {
+TEST(UpdateFeedTest, ADocumentThatIsNotAnObjectIsRejected) {
     for (const char* document : {"", "null", "\"1.2\"", "[{\"version\": \"1.2\"}]", "1.2", "<html></html>",
                                  "{\"version\": \"1.2\"", "{\"version\": \"1.2\"} x", "\"\xFF\""})
         EXPECT_EQ(decodeUpdateFeed(document), std::nullopt) << document;
@@ -44,7 +44,7 @@ TEST(UpdateFeedTest, OtherMembersAreIgnored) {
     EXPECT_TRUE(decodeUpdateFeed(R"({"a": [{"version": 3}], "version": "1.2", "z": 1e300})"));
 }
 
-TEST(UpdateFeedTest, OfKeysThatAreThereTwiceTheLastCounts) {
+TEST(UpdateFeedTest, TheLastOfDuplicateMembersWins) {
     EXPECT_EQ(decodeUpdateFeed(R"({"version": 1, "version": "1.2"})")->version, "1.2");
     EXPECT_EQ(decodeUpdateFeed(R"({"version": "1.2", "version": 1})"), std::nullopt);
 }

@@ -31,7 +31,7 @@ protected:
                                          desktop.ownApplication(), desktop.openUrl(), source);
     }
 
-    /// A check that the server answers with `response`.
+    /// Runs a check and replies to its request with `response`; `std::nullopt` is a failed connection.
     void check(bool manual, std::optional<UrlResponse> response) {
         updater->check(manual);
         web.answer(web.requests.size() - 1, std::move(response));
@@ -53,7 +53,7 @@ protected:
     std::unique_ptr<Updater> updater = makeUpdater();
 };
 
-TEST_F(UpdaterTest, AsksTheFeedOnceAndSaysNoMoreThanNameAndVersion) {
+TEST_F(UpdaterTest, RequestsTheFeedOnceAndSendsOnlyNameAndVersion) {
     updater->check(kManual);
 
     EXPECT_THAT(web.requests, ElementsAre(UrlRequest{.url = "https://tessarel.example/feed",
@@ -62,14 +62,14 @@ TEST_F(UpdaterTest, AsksTheFeedOnceAndSaysNoMoreThanNameAndVersion) {
                                                      .largestBody = 1'048'576}));
 }
 
-TEST_F(UpdaterTest, TheFeedOfTheBuildIsAskedByHttps) {
+TEST_F(UpdaterTest, TheDefaultSourceIsTheConfiguredFeedOverHttps) {
     EXPECT_EQ(UpdateSource().feedURL, Config::updateFeedURL);
     EXPECT_EQ(UpdateSource().websiteURL, Config::websiteURL);
     EXPECT_EQ(UpdateSource().runningVersion, Config::version);
     EXPECT_TRUE(UpdateSource().feedURL.starts_with("https://"));
 }
 
-TEST_F(UpdaterTest, AFeedAddressThatIsNoneIsNotAskedAndNotSpokenOf) {
+TEST_F(UpdaterTest, AnInvalidFeedAddressIsIgnoredSilently) {
     for (const char* address : {"", "tessarel.example/feed", "file:///etc/passwd", "https://"}) {
         source.feedURL = address;
         makeUpdater()->check(kManual);
@@ -79,7 +79,7 @@ TEST_F(UpdaterTest, AFeedAddressThatIsNoneIsNotAskedAndNotSpokenOf) {
     EXPECT_THAT(alerts(), IsEmpty());
 }
 
-TEST_F(UpdaterTest, ANewerVersionIsOfferedWhoeverAsked) {
+TEST_F(UpdaterTest, ANewerVersionIsOfferedByManualAndAutomaticChecks) {
     check(kManual, kNewer);
     check(kAutomatic, kNewer);
 
@@ -87,13 +87,13 @@ TEST_F(UpdaterTest, ANewerVersionIsOfferedWhoeverAsked) {
     EXPECT_THAT(alerts(), ElementsAre(offer, offer));
 }
 
-TEST_F(UpdaterTest, WithoutNotesTheMessageEndsInTheSameWay) {
+TEST_F(UpdaterTest, WithoutNotesTheMessageEndsAfterTheVersion) {
     check(kManual, R"({"version": "1.3"})");
 
     EXPECT_EQ(alerts().at(0).informativeText, "You have version 1.2. ");
 }
 
-TEST_F(UpdaterTest, TheSameVersionIsReportedToWhoAskedOnly) {
+TEST_F(UpdaterTest, TheSameVersionIsReportedByAManualCheckOnly) {
     check(kAutomatic, R"({"version": "1.2.0"})");
     EXPECT_THAT(alerts(), IsEmpty());
 
@@ -110,7 +110,7 @@ TEST_F(UpdaterTest, AnOlderVersionIsNoUpdate) {
     EXPECT_EQ(alerts()[0].messageText, "You are up to date");
 }
 
-TEST_F(UpdaterTest, TheProgramComesToTheFrontWithAMessageAndOnlyThen) {
+TEST_F(UpdaterTest, TheProgramComesToTheFrontOnlyForAMessage) {
     check(kAutomatic, R"({"version": "1.2"})");
     EXPECT_EQ(desktop.ownApplication().activations, 0);
 
@@ -144,7 +144,7 @@ TEST_F(UpdaterTest, LaterOpensNothing) {
     EXPECT_THAT(desktop.openUrl().opened, IsEmpty());
 }
 
-TEST_F(UpdaterTest, DownloadOpensNothingButTheWeb) {
+TEST_F(UpdaterTest, DownloadOpensOnlyWebAddresses) {
     for (const char* url : {"", "file:///etc/passwd", "javascript:alert(1)", "example.org/1.3",
                             "//example.org", "https://a b", "mailto:a@example.org"}) {
         desktop.alerts().answers = {0};
@@ -155,7 +155,7 @@ TEST_F(UpdaterTest, DownloadOpensNothingButTheWeb) {
     EXPECT_THAT(desktop.openUrl().opened, IsEmpty());
 }
 
-TEST_F(UpdaterTest, TheTimeOfASuccessIsSavedWhateverTheFeedSays) {
+TEST_F(UpdaterTest, TheTimeOfASuccessfulCheckIsSavedForAnyVersion) {
     for (const char* version : {"1.1", "1.2", "1.3"}) {
         desktop.advance(std::chrono::seconds(10));
         check(kAutomatic, std::string(R"({"version": ")") + version + R"("})");
@@ -165,7 +165,7 @@ TEST_F(UpdaterTest, TheTimeOfASuccessIsSavedWhateverTheFeedSays) {
     }
 }
 
-/// Notes what has happened by the moment of a message.
+/// Alerts that record the stored settings and the number of activations when a message is shown.
 class DoneWhenShown : public AlertsPort {
 public:
     DoneWhenShown(PreferencesPort& preferences, const sim::SimOwnApplication& application)
@@ -179,14 +179,14 @@ public:
     std::optional<std::string> runModalForText(const Alert&) override { return std::nullopt; }
 
     std::optional<std::string> document;
-    int activations = 0; ///< of the program until then
+    int activations = 0; ///< of the program, up to then
 
 private:
     PreferencesPort& m_preferences;
     const sim::SimOwnApplication& m_application;
 };
 
-TEST_F(UpdaterTest, ASuccessIsSavedAndTheProgramInFrontBeforeAnythingIsShown) {
+TEST_F(UpdaterTest, ASuccessIsSavedAndTheProgramActivatedBeforeTheMessage) {
     DoneWhenShown message(desktop.preferences(), desktop.ownApplication());
     Updater other(store, web, desktop.wallClock(), message, desktop.ownApplication(), desktop.openUrl(),
                   source);
@@ -199,7 +199,7 @@ TEST_F(UpdaterTest, ASuccessIsSavedAndTheProgramInFrontBeforeAnythingIsShown) {
     EXPECT_EQ(message.activations, 1);
 }
 
-TEST_F(UpdaterTest, ObserversOfTheSettingsAreNotTold) {
+TEST_F(UpdaterTest, ACheckPostsNoSettingsChange) {
     int told = 0;
     const auto observer = store.tessarelSettingsChanged.addObserver([&] { ++told; });
 
@@ -208,7 +208,7 @@ TEST_F(UpdaterTest, ObserversOfTheSettingsAreNotTold) {
     EXPECT_EQ(told, 0);
 }
 
-TEST_F(UpdaterTest, TheStatusOfAGoodFeedDoesNotMatter) {
+TEST_F(UpdaterTest, TheHttpStatusOfAValidFeedDoesNotMatter) {
     check(kManual, UrlResponse{404, kNewer});
     check(kManual, UrlResponse{500, kNewer});
     check(kManual, UrlResponse{0, kNewer});
@@ -218,7 +218,7 @@ TEST_F(UpdaterTest, TheStatusOfAGoodFeedDoesNotMatter) {
         EXPECT_EQ(alert.messageText, "Tessarel 1.3 is available");
 }
 
-TEST_F(UpdaterTest, AnAnswerThatIsNoFeedIsReportedWithItsStatus) {
+TEST_F(UpdaterTest, AnInvalidFeedIsReportedWithItsHttpStatus) {
     check(kManual, UrlResponse{500, "<html>Internal error</html>"});
 
     EXPECT_THAT(alerts(), ElementsAre(Alert{kFailed,
@@ -227,27 +227,27 @@ TEST_F(UpdaterTest, AnAnswerThatIsNoFeedIsReportedWithItsStatus) {
                                             {"OK"}}));
 }
 
-TEST_F(UpdaterTest, AVersionThatIsANumberIsNoFeed) {
+TEST_F(UpdaterTest, AFeedWhoseVersionIsANumberIsInvalid) {
     check(kManual, R"({"version": 1.3})");
 
     EXPECT_THAT(alerts().at(0).informativeText, testing::HasSubstr("(code 200)"));
 }
 
-TEST_F(UpdaterTest, ABodyThatIsTooLargeIsReportedWithItsStatus) {
+TEST_F(UpdaterTest, ABodyThatIsTooLargeIsReportedWithItsHttpStatus) {
     check(kManual, UrlResponse{200, std::nullopt});
 
     EXPECT_EQ(alerts().at(0).messageText, kFailed);
     EXPECT_THAT(alerts().at(0).informativeText, testing::HasSubstr("(code 200)"));
 }
 
-TEST_F(UpdaterTest, WithoutAnAnswerTheConnectionIsSuspected) {
+TEST_F(UpdaterTest, WithoutAResponseTheMessageNamesTheConnection) {
     check(kManual, std::nullopt);
 
     EXPECT_THAT(alerts(),
                 ElementsAre(Alert{kFailed, "Please check your internet connection and try again.", {"OK"}}));
 }
 
-TEST_F(UpdaterTest, AnAutomaticCheckFailsInSilenceAndIsNotCounted) {
+TEST_F(UpdaterTest, AFailedAutomaticCheckIsSilentAndNotRecorded) {
     store.settings.lastUpdateCheck = 5;
     const int writes = desktop.preferencesStorage().writes;
 
@@ -261,14 +261,14 @@ TEST_F(UpdaterTest, AnAutomaticCheckFailsInSilenceAndIsNotCounted) {
     EXPECT_EQ(desktop.preferencesStorage().writes, writes);
 }
 
-TEST_F(UpdaterTest, AManualCheckThatFailsIsNotCountedEither) {
+TEST_F(UpdaterTest, AFailedManualCheckIsNotRecorded) {
     check(kManual, "{}");
 
     EXPECT_EQ(store.settings.lastUpdateCheck, 0);
     EXPECT_FALSE(savedSettings());
 }
 
-TEST_F(UpdaterTest, AFailureIsNotTriedAgain) {
+TEST_F(UpdaterTest, AFailedCheckIsNotRetried) {
     check(kAutomatic, std::nullopt);
     desktop.advance(std::chrono::hours(48));
 
@@ -293,7 +293,7 @@ TEST_F(UpdaterTest, ACheckIsDueAfterMoreThanADay) {
     EXPECT_EQ(web.requests.size(), 1U);
 }
 
-TEST_F(UpdaterTest, AClockThatWasSetBackChecksNothingUntilItHasCaughtUp) {
+TEST_F(UpdaterTest, AfterTheClockWasSetBackNoCheckIsDue) {
     store.settings.lastUpdateCheck = desktop.wallClock().secondsSince1970() + 1e9;
 
     updater->checkIfDue();
@@ -301,14 +301,14 @@ TEST_F(UpdaterTest, AClockThatWasSetBackChecksNothingUntilItHasCaughtUp) {
     EXPECT_THAT(web.requests, IsEmpty());
 }
 
-TEST_F(UpdaterTest, ACheckThatIsDueIsAnAutomaticOne) {
+TEST_F(UpdaterTest, ADueCheckIsAutomatic) {
     updater->checkIfDue();
     web.answer(0, std::nullopt);
 
     EXPECT_THAT(alerts(), IsEmpty());
 }
 
-TEST_F(UpdaterTest, AManualCheckIsNeverTooEarly) {
+TEST_F(UpdaterTest, AManualCheckRunsEvenWhenNotDue) {
     store.settings.lastUpdateCheck = desktop.wallClock().secondsSince1970();
 
     updater->check(kManual);
@@ -316,7 +316,7 @@ TEST_F(UpdaterTest, AManualCheckIsNeverTooEarly) {
     EXPECT_EQ(web.requests.size(), 1U);
 }
 
-TEST_F(UpdaterTest, ChecksAtTheSameTimeAreEachReportedInTheOrderOfTheirAnswers) {
+TEST_F(UpdaterTest, ConcurrentChecksAreReportedInTheOrderOfTheirReplies) {
     updater->check(kManual);
     updater->check(kAutomatic);
     updater->check(kManual);
@@ -331,7 +331,7 @@ TEST_F(UpdaterTest, ChecksAtTheSameTimeAreEachReportedInTheOrderOfTheirAnswers) 
     EXPECT_EQ(alerts()[2].messageText, "Tessarel 1.3 is available");
 }
 
-/// A user who does something else while a message waits.
+/// Alerts that call `meanwhile` while the first message is shown.
 class Interrupted : public sim::SimAlerts {
 public:
     std::size_t runModal(const Alert& alert) override {
@@ -353,7 +353,7 @@ protected:
     Interrupted message;
 };
 
-TEST_F(InterruptedUpdaterTest, AnAnswerThatComesWhileAMessageWaitsHasItsOwnMessage) {
+TEST_F(InterruptedUpdaterTest, AReplyWhileAMessageIsShownGetsItsOwnMessage) {
     updater->check(kManual);
     updater->check(kManual);
     message.meanwhile = [&] { web.answer(1, UrlResponse{200, kNewer}); };
@@ -365,7 +365,7 @@ TEST_F(InterruptedUpdaterTest, AnAnswerThatComesWhileAMessageWaitsHasItsOwnMessa
     EXPECT_EQ(message.shown[1].messageText, kFailed);
 }
 
-TEST_F(InterruptedUpdaterTest, TheProgramMayEndWhileAMessageWaits) {
+TEST_F(InterruptedUpdaterTest, TheProgramMayEndWhileAMessageIsShown) {
     updater->check(kManual);
     message.meanwhile = [&] { updater.reset(); };
     message.answers = {0};
@@ -375,7 +375,7 @@ TEST_F(InterruptedUpdaterTest, TheProgramMayEndWhileAMessageWaits) {
     EXPECT_THAT(desktop.openUrl().opened, ElementsAre("https://a.example/1.3"));
 }
 
-TEST_F(UpdaterTest, ChecksEndWithTheUpdater) {
+TEST_F(UpdaterTest, DestroyingTheUpdaterCancelsItsChecks) {
     updater->check(kManual);
     updater->check(kAutomatic);
 
@@ -384,7 +384,7 @@ TEST_F(UpdaterTest, ChecksEndWithTheUpdater) {
     EXPECT_EQ(web.waiting(), 0U);
 }
 
-TEST_F(UpdaterTest, ACheckThatIsAnsweredIsForgotten) {
+TEST_F(UpdaterTest, ASecondReplyToACheckIsIgnored) {
     check(kManual, kNewer);
 
     web.answer(0, UrlResponse{200, kNewer});

@@ -13,7 +13,7 @@ TEST(UpdaterVersionTest, TheFirstDifferenceFromTheLeftDecides) {
     EXPECT_TRUE(Updater::isNewer("1.2.4", "1.2.3.9"));
 }
 
-TEST(UpdaterVersionTest, ComponentsAreNumbersAndNoText) {
+TEST(UpdaterVersionTest, ComponentsAreComparedAsNumbers) {
     EXPECT_TRUE(Updater::isNewer("1.10", "1.9"));
     EXPECT_FALSE(Updater::isNewer("1.9", "1.10"));
     EXPECT_FALSE(Updater::isNewer("1.01", "1.1"));
@@ -39,7 +39,7 @@ TEST(UpdaterVersionTest, EmptyComponentsAreDropped) {
     EXPECT_TRUE(Updater::isNewer("...1.3", "1.2"));
 }
 
-TEST(UpdaterVersionTest, AComponentThatIsNoNumberCountsAsZero) {
+TEST(UpdaterVersionTest, AComponentThatIsNotANumberCountsAsZero) {
     EXPECT_FALSE(Updater::isNewer("2.0-beta", "2"));
     EXPECT_FALSE(Updater::isNewer("2", "2.0-beta"));
     for (const char* component : {"3b", "b3", "+", "-", "+-3", "3-", " 3", "3 ", "0x3", "1e3", "\xD9\xA3"})
@@ -55,7 +55,7 @@ TEST(UpdaterVersionTest, AComponentMayHaveASign) {
     EXPECT_FALSE(Updater::isNewer("1.0", "1.-0"));
 }
 
-TEST(UpdaterVersionTest, NumbersAreComparedHoweverLongTheyAre) {
+TEST(UpdaterVersionTest, NumbersOfAnyLengthAreCompared) {
     const std::string huge(100'000, '9');
 
     EXPECT_TRUE(Updater::isNewer(huge, "1"));

@@ -1,10 +1,10 @@
 #!/usr/bin/env bash
-# Checks that every include under ROOT/src stays within what its folder may see. Prints each offence.
+# Checks that every file under ROOT/src includes only what its folder may see. Prints each violation.
 #   check_layering.sh ROOT
 set -euo pipefail
 cd "$1/src"
 
-# What each folder may include, itself apart.
+# The other folders that each folder may include.
 declare -A sees=(
     [model]=""
     [ports]="model"
@@ -38,7 +38,7 @@ offence() {
     offences=$((offences + 1))
 }
 
-# Sets `folder` to the folder of a file, or to nothing for a file directly under src/.
+# Sets `folder` to the folder of a file; empty for a file directly under src/.
 set_folder() {
     case $1 in
     */*) folder=${1%/*} ;;
@@ -61,7 +61,7 @@ check_foreign_include() { # FILE FOLDER INCLUDE
     [[ $3 != */* && $3 != *.* && $3 != Q* || $3 == nlohmann/* ]] || offence "$1: $2 may not include <$3>"
 }
 
-# One line for each thing to check: kind, file, line number and what is included.
+# Prints one line for each thing to check: its kind, the file, the line number and the included path.
 facts() {
     find . -name '*.h' -o -name '*.cpp' -o -name '*.mm' | sed 's|^\./||' | sort | xargs awk '
         FNR == 1 { print "file", FILENAME, FNR, "" }
@@ -75,7 +75,7 @@ facts() {
 while read -r kind file line include; do
     set_folder "$file"
     own=$folder
-    [ "$own" != program ] || continue # puts a back end and the core together, and may see everything
+    [ "$own" != program ] || continue # connects a back end with the core, and may see everything
     if [ -z "${sees[$own]+known}" ]; then
         [ "$kind" != file ] || offence "$file: the folder $own has no place in the house"
         continue

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The tree keeps its layering, and the checker notices each kind of offence when one is planted.
+# Checks that the tree keeps its layering and that the checker reports each kind of violation.
 #   layering_test.sh ROOT
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
@@ -9,7 +9,7 @@ failed=0
 
 "$here/check_layering.sh" "$1" || { echo "FAILED: the tree breaks its layering"; failed=1; }
 
-# plant PATH TEXT EXPECTED: a tree with this one file is refused, with EXPECTED in the message.
+# plant PATH TEXT EXPECTED: checks that a tree with this file is rejected with EXPECTED in the message.
 plant() {
     rm -rf "$scratch/src"
     mkdir -p "$scratch/src/model" "$scratch/src/engine" "$scratch/src/platform/x11/server" "$scratch/src/$(dirname "$1")"

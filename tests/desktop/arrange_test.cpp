@@ -7,7 +7,7 @@ namespace {
 
 constexpr Combination kArrange{key::kA, kControlAlt};
 
-/// Several windows on the one display of each window manager, arranged by their hot key.
+/// Arranges several windows on one display with the hot key, under each window manager.
 class ArrangeTest : public SnapFixture {
 protected:
     xcb_window_t openAt(int x, int y) { return desktop.open(client, {.client = {x, y, 400, 250}}); }
@@ -16,14 +16,15 @@ protected:
         EXPECT_EQ(desktop.settledFrame(window, zoneFrame(number)), zoneFrame(number)) << "zone " << number;
     }
 
-    /// Expects that arranging leaves `excluded` at `home`, and the window in front of it not where it is.
+    /// Expects that arranging leaves `excluded` at `home` and moves the window in front of it to the first
+    /// zone.
     void expectLeftAlone(xcb_window_t excluded, const Frame& home) {
         const xcb_window_t other = openAt(300, 250);
 
         desktop.press(kArrange);
 
         expectInZone(other, 1);
-        // A manager that shows how a window is minimised moves its frame about for a while.
+        // Some window managers animate minimising by moving the frame for a while.
         EXPECT_TRUE(desktop.observer().waitUntil([&] { return desktop.frame(excluded) == home; }));
     }
 };
@@ -50,7 +51,7 @@ TEST_P(ArrangeTest, WindowsBeyondTheZonesStayWhereTheyAre) {
     EXPECT_EQ(desktop.observer().clientFrame(backmost), before);
 }
 
-TEST_P(ArrangeTest, EachWindowGoesBackToItsOwnPlace) {
+TEST_P(ArrangeTest, RestoreMovesAWindowBackToItsOwnFrame) {
     const xcb_window_t back = openAt(100, 100);
     const xcb_window_t front = openAt(200, 200);
     const Frame home = desktop.frame(back);
@@ -76,7 +77,7 @@ TEST_P(ArrangeTest, AMinimizedWindowIsLeftAlone) {
     EXPECT_TRUE(desktop.observer().hasState(minimized, "_NET_WM_STATE_HIDDEN"));
 }
 
-TEST_P(ArrangeTest, AWindowThatCannotBeSeenIsLeftAlone) {
+TEST_P(ArrangeTest, AFullyTransparentWindowIsLeftAlone) {
     const xcb_window_t transparent = openAt(100, 100);
     client.setCardinals(transparent, "_NET_WM_WINDOW_OPACITY", {0});
 
@@ -98,10 +99,10 @@ TEST_P(ArrangeTest, WindowsTakeTheZonesFrontToBack) {
 
 INSTANTIATE_TEST_SUITE_P(All, ArrangeTest, testing::ValuesIn(kAllWindowManagers), managerName);
 
-/// Window managers that come with several desktops.
+/// The window managers that start with several virtual desktops.
 class ArrangeDesktopsTest : public ArrangeTest {};
 
-TEST_P(ArrangeDesktopsTest, AWindowOfAnotherDesktopIsLeftAlone) {
+TEST_P(ArrangeDesktopsTest, AWindowOnAnotherDesktopIsLeftAlone) {
     const xcb_window_t elsewhere = openAt(100, 100);
     desktop.observer().sendToRoot(elsewhere, "_NET_WM_DESKTOP", {1, 2, 0, 0, 0});
     ASSERT_TRUE(desktop.observer().waitUntil([&] {
@@ -116,8 +117,7 @@ INSTANTIATE_TEST_SUITE_P(Several, ArrangeDesktopsTest,
                                          WindowManagerKind::Metacity, WindowManagerKind::Icewm),
                          managerName);
 
-/// Two displays of different size, under window managers that let windows stand
-/// across both.
+/// Two displays of different size, under window managers that allow windows across both.
 class ArrangeDisplaysTest : public testing::TestWithParam<WindowManagerKind> {
 protected:
     ArrangeDisplaysTest() { EXPECT_TRUE(desktop.start()); }

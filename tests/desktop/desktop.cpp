@@ -24,7 +24,8 @@ const Monitor& rightmost(const std::vector<Monitor>& monitors) {
                              [](const Monitor& a, const Monitor& b) { return a.x < b.x; });
 }
 
-/// A bar along the bottom edge of `monitor`, in a root window of height `rootHeight`.
+/// Returns the options of a panel along the bottom edge of `monitor`, in a root window of height
+/// `rootHeight`.
 WindowOptions panelOptions(const Monitor& monitor, int rootHeight) {
     const int top = monitor.y + monitor.height - kPanelHeight;
     const auto value = [](int pixels) { return static_cast<std::uint32_t>(pixels); };
@@ -44,7 +45,8 @@ bool reportsSanitizer(const std::string& errors) {
     return errors.find("Sanitizer") != std::string::npos || errors.find("runtime error") != std::string::npos;
 }
 
-/// Of what the window manager shows of a window: its frame, where it has one.
+/// Returns the height of the frame that the window manager gave to `window`, or of the window itself without
+/// one.
 int heightOnScreen(XConnection& x, xcb_window_t window) {
     auto tree = own(xcb_query_tree_reply(x.get(), xcb_query_tree(x.get(), window), nullptr));
     while (tree && tree->parent != tree->root && tree->parent != XCB_WINDOW_NONE) {
@@ -55,7 +57,7 @@ int heightOnScreen(XConnection& x, xcb_window_t window) {
     return geometry ? geometry->height : 0;
 }
 
-/// Ends the shared desktops before the test program ends.
+/// Owns the shared desktops and stops them before the test program exits.
 class SharedDesktops : public testing::Environment {
 public:
     Desktop& desktop(WindowManagerKind kind, std::string_view settings) {
@@ -78,7 +80,7 @@ private:
 };
 
 SharedDesktops& sharedDesktops() {
-    // Owned by the test framework from here on.
+    // The test framework takes ownership here.
     static auto* const desktops = new SharedDesktops;
     static const bool added = testing::AddGlobalTestEnvironment(desktops) != nullptr;
     static_cast<void>(added);
@@ -186,7 +188,7 @@ bool Desktop::addStates(xcb_window_t window, const std::vector<std::string>& sta
     m_observer.changeState(window, StateChange::Add, states.front(),
                            states.size() > 1 ? states.back() : std::string());
     const auto hasAll = [&] { return std::all_of(states.begin(), states.end(), has); };
-    // Some managers tell the state first and put off the rest until they have nothing else to do.
+    // Some window managers set _NET_WM_STATE first and resize the window later.
     return m_observer.waitUntil([&] { return hasAll() && isAsLargeAsItsStates(window); }) &&
            m_observer.settle();
 }
@@ -212,8 +214,7 @@ bool Desktop::waitUntilWithout(xcb_window_t window, const std::vector<std::strin
 }
 
 Frame Desktop::settledFrame(xcb_window_t window, const Frame& expected) {
-    // On the way, while the window manager changes decoration and size one after the other, a frame may look
-    // right by chance.
+    // A frame can match by chance while the window manager changes decoration and size one after the other.
     const auto settled = [&] {
         return frame(window) == expected && m_observer.settle() && waitUntilProgramRests() &&
                frame(window) == expected;

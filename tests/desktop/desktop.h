@@ -14,13 +14,13 @@
 
 namespace tessarel::x11test {
 
-/// Settings of somebody who has started the program before.
+/// Settings of a user who has started the program before, so that no welcome window opens.
 inline constexpr std::string_view kUsualSettings = R"({"hasOnboarded":true})";
 
-/// Those of somebody who lets windows open where they want to.
+/// Settings with which new windows are not placed into the zone of their application.
 inline constexpr std::string_view kNoHomes = R"({"hasOnboarded":true,"rememberApps":false})";
 
-/// The hot keys that the program comes with.
+/// The default hot keys.
 namespace hotkey {
 [[nodiscard]] constexpr Combination zone(int number) {
     return {static_cast<xcb_keycode_t>(key::kDigit1 + number - 1), kControlAlt};
@@ -44,26 +44,28 @@ struct DesktopOptions {
     Compositing compositing = Compositing::Off;
 };
 
-/// A desktop as somebody works on it: a window manager, a panel at the bottom of the right-most display, a
-/// keyboard, and the program under test once it has been started.
+/// A desktop for tests: a window manager, a panel at the bottom of the rightmost display, a keyboard, and the
+/// program under test once it has been started.
 class Desktop {
 public:
     explicit Desktop(const DesktopOptions& options);
 
-    /// Starts the program and waits for its hot keys. False when it does not come up.
+    /// Starts the program and waits until it has grabbed its hot keys. Returns false if it does not.
     [[nodiscard]] bool start();
-    /// Ends the program in good order. False, with the reason on the standard error, when it does not end so.
+    /// Terminates the program. Returns false, with the reason on the standard error, unless it exits cleanly.
     [[nodiscard]] bool stop();
-    /// Starts the program and waits until it answers a key: hot keys are held before the mouse is watched.
+    /// Starts the program and waits until a hot key has moved a window: the program grabs its hot keys before
+    /// it watches the mouse. Returns false on failure.
     [[nodiscard]] bool startForDrags();
-    /// Starts the program again for drags, with other settings. False when it does not end or come up well.
+    /// Restarts the program for drags, with other settings. Returns false if it does not exit cleanly or
+    /// start.
     [[nodiscard]] bool restart(std::string_view settings);
-    /// Waits until the program has fallen asleep more often than `timesAsleep` and has nothing to do any
-    /// more: what a test sees of its work is not the end of it. False when it finds no rest.
+    /// Waits until the program has gone to sleep more than `timesAsleep` times and is idle: what a test sees
+    /// on the screen is not the end of the program's work. Returns false if it does not become idle.
     [[nodiscard]] bool waitUntilProgramRests(long timesAsleep = 0);
-    /// Waits until the window manager ends by itself. False when it does not.
+    /// Waits until the window manager exits by itself. Returns false if it does not.
     [[nodiscard]] bool waitUntilManagerEnds() { return m_manager->process().waitForExit().has_value(); }
-    /// Ends the window manager and starts another one in its place.
+    /// Terminates the window manager and starts another one in its place.
     void replaceManager(WindowManagerKind kind);
 
     [[nodiscard]] XServer& server() { return m_server; }
@@ -73,37 +75,38 @@ public:
     [[nodiscard]] TestClient& panel() { return m_panel; }
     [[nodiscard]] WindowManagerKind manager() const { return m_manager->kind(); }
 
-    /// The part of a monitor that the panel leaves free; of the only one also what the window manager's own
-    /// bars leave.
+    /// Returns the part of a monitor that the panel leaves free. With a single monitor this is the work area,
+    /// which also excludes the window manager's own bars.
     [[nodiscard]] Frame usableArea(std::size_t monitor = 0);
 
-    /// Opens a window, waits until it is managed and the active one.
+    /// Opens a window and waits until it is managed and active.
     [[nodiscard]] xcb_window_t open(TestClient& client, const WindowOptions& options = {});
-    /// The same while the program is held still, and where the window has opened.
+    /// A window and the frame that it opened with, before the program could move it.
     struct Opened {
         xcb_window_t window = XCB_WINDOW_NONE;
         Frame frame;
     };
+    /// Like open(), while the program is stopped. The frame is read before the program continues.
     [[nodiscard]] Opened openUnseen(TestClient& client, const WindowOptions& options = {});
-    /// Makes a window the active one. False when the window manager does not do it.
+    /// Activates a window. Returns false if the window manager does not do it.
     [[nodiscard]] bool activate(xcb_window_t window);
-    /// Gives a window one or two states at once and waits until it has them. False when they do not come.
+    /// Adds one or two states to a window and waits until they have taken effect. Returns false if they do
+    /// not.
     [[nodiscard]] bool addStates(xcb_window_t window, const std::vector<std::string>& states);
-    /// Waits until a window has none of these states. False when it keeps one.
+    /// Waits until a window has none of these states. Returns false if it keeps one.
     [[nodiscard]] bool waitUntilWithout(xcb_window_t window, const std::vector<std::string>& states);
     void press(const Combination& combination) { m_keyboard.press(combination); }
 
     [[nodiscard]] Frame frame(xcb_window_t window) { return m_observer.outerFrame(window).value_or(Frame{}); }
-    /// The frame that a window has once it has settled at `expected` and the program rests, or the one it has
-    /// at the deadline.
+    /// Waits until a window has the frame `expected` and the program is idle. Returns `expected`, or the
+    /// current frame at the deadline.
     [[nodiscard]] Frame settledFrame(xcb_window_t window, const Frame& expected);
-    /// Waits until the windows of the test before have gone.
+    /// Waits until the windows of the previous test are gone.
     [[nodiscard]] bool waitUntilOnlyPanel();
 
 private:
     [[nodiscard]] bool waitForPanel();
-    /// Returns whether a window reaches as far as it has to where it is maximised or fills a monitor, and is
-    /// low where it is rolled up.
+    /// Returns true if the size of a window matches its states: maximised, full screen or shaded.
     [[nodiscard]] bool isAsLargeAsItsStates(xcb_window_t window);
 
     XServer m_server;
@@ -116,9 +119,9 @@ private:
     std::unique_ptr<Program> m_program;
 };
 
-/// The desktop of a window manager with one display, on which the program runs with `settings`; started at
-/// first use, kept for the tests that follow, and ended in good order after the last one. Without homes, no
-/// test finds its windows moved by what another has done.
+/// Returns the desktop of a window manager, with one display, on which the program runs with `settings`. It
+/// is started at first use, shared by the tests that follow, and stopped after the last one. The default
+/// settings place no new windows, so that no test depends on the applications of another.
 [[nodiscard]] Desktop& sharedDesktop(WindowManagerKind kind, std::string_view settings = kNoHomes);
 
 } // namespace tessarel::x11test

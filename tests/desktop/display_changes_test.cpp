@@ -19,7 +19,7 @@ namespace {
 constexpr int kRootWidth = 2560;
 constexpr int kRootHeight = 1024;
 
-/// Monitors that come, go and change while the program runs, by no process but the test's own.
+/// Adds, removes and changes monitors while the program runs, from the test's own process.
 class Monitors {
 public:
     explicit Monitors(const XServer& server) : m_x(server.display()) {}
@@ -33,7 +33,7 @@ public:
         m_x.roundTrip();
     }
 
-    /// Leaves nothing but the monitor that the server itself has.
+    /// Removes all added monitors, so that only the server's own monitor is left.
     void removeAll() {
         for (const std::string& name : kNames)
             remove(name);
@@ -46,7 +46,7 @@ public:
         return reply ? static_cast<int>(reply->nMonitors) : 0;
     }
 
-    /// A number below `end`.
+    /// Returns a random number below `end`.
     std::size_t upTo(std::size_t end) { return m_random() % end; }
 
 private:
@@ -59,7 +59,7 @@ private:
                 height};
     }
 
-    /// The request as it travels: the one that the library writes for it has no whole number of words.
+    /// The request as sent: the length that xcb computes for RRSetMonitor is not a multiple of four bytes.
     struct SetMonitor {
         xcb_randr_set_monitor_request_t request{};
         xcb_randr_monitor_info_t info{};
@@ -120,8 +120,8 @@ protected:
     Monitors monitors{desktop.server()};
 };
 
-TEST_F(DisplayChangesTest, ChangesBetweenPressesDoNoHarm) {
-    // None of these remembers anything; so the settings are to stay as they are.
+TEST_F(DisplayChangesTest, RandomMonitorChangesBetweenPressesDoNoHarm) {
+    // None of these remembers a zone for an application, so the settings must not change.
     constexpr std::array kPressed = {
         hotkey::kLeftHalf,    hotkey::kBottomHalf,      hotkey::kMaximize,
         hotkey::kCenter,      hotkey::kRestore,         hotkey::kNextDisplay,
@@ -150,7 +150,7 @@ TEST_F(DisplayChangesTest, ChangesBetweenPressesDoNoHarm) {
     EXPECT_EQ(desktop.program().errors(), "");
 }
 
-TEST_F(DisplayChangesTest, MonitorsThatAreReorderedAreSeenAtTheNextPress) {
+TEST_F(DisplayChangesTest, ReorderedMonitorsTakeEffectAtTheNextPress) {
     const Monitor left{.name = "L", .x = 0, .y = 0, .width = 1280, .height = 1024};
     const Monitor right{.name = "R", .x = 1280, .y = 0, .width = 1280, .height = 900};
     ASSERT_TRUE(desktop.start());

@@ -5,7 +5,7 @@
 namespace tessarel::x11test {
 namespace {
 
-/// Two displays of different size under each window manager, the right one with a panel.
+/// Two displays of different size under each window manager; the panel is on the right one.
 class DisplaysTest : public testing::TestWithParam<WindowManagerKind> {
 protected:
     DisplaysTest() { EXPECT_TRUE(desktop.start()); }
@@ -29,7 +29,7 @@ TEST_P(DisplaysTest, ASnappedWindowStaysOnItsDisplay) {
     for (std::size_t zone = 0; zone < kZones.size(); ++zone)
         expectAfter(hotkey::zone(static_cast<int>(zone) + 1), frameIn(left, kZones.at(zone)));
 
-    // Another window's turn shows that the program has finished with this one.
+    // Once another window has been snapped, the program has finished with this one.
     const xcb_window_t other = desktop.open(client);
     desktop.press(hotkey::kMaximize);
     ASSERT_EQ(desktop.settledFrame(other, left), left);
@@ -42,7 +42,7 @@ TEST_P(DisplaysTest, ASnappedWindowStaysOnItsDisplay) {
     expectAfter(hotkey::kMaximize, right);
 }
 
-TEST_P(DisplaysTest, NextAndPreviousCarryTheWindowOverAndGoAround) {
+TEST_P(DisplaysTest, NextAndPreviousDisplayMoveTheWindowAndWrapAround) {
     const Frame onLeft = desktop.frame(window);
     const Frame onRight = carriedOver(onLeft, left, right);
     expectAfter(hotkey::kNextDisplay, onRight);
@@ -59,13 +59,13 @@ TEST_P(DisplaysTest, RestoreBringsTheWindowBackToTheDisplayItCameFrom) {
     expectAfter(hotkey::kRestore, before);
 }
 
-TEST_P(DisplaysTest, AMaximizedWindowIsCarriedOverAsOneThatFillsItsDisplay) {
+TEST_P(DisplaysTest, AMaximizedWindowFillsTheNextDisplay) {
     expectAfter(hotkey::kMaximize, left);
 
     expectAfter(hotkey::kNextDisplay, right);
 }
 
-TEST_P(DisplaysTest, DisplaysThatChangeAreSeenAtTheNextPress) {
+TEST_P(DisplaysTest, ChangedDisplaysTakeEffectAtTheNextPress) {
     expectAfter(hotkey::kMaximize, left);
     desktop.server().setMonitors(
         {{.name = "L", .x = 0, .y = 0, .width = 1280, .height = 800, .primary = true},
@@ -74,18 +74,18 @@ TEST_P(DisplaysTest, DisplaysThatChangeAreSeenAtTheNextPress) {
     expectAfter(hotkey::kLeftHalf, {0, 0, 640, 800});
 }
 
-/// The others keep windows where they believe a screen to be: xfwm4 sees no monitor that is not an output,
-/// and the task bar of icewm is known to nobody else when there are several monitors.
+/// The other window managers constrain windows: xfwm4 ignores monitors without an output, and no other client
+/// can see the space that icewm's task bar reserves when there are several monitors.
 constexpr std::array kWithSeveralDisplays = {WindowManagerKind::Openbox, WindowManagerKind::Metacity,
                                              WindowManagerKind::Marco,   WindowManagerKind::Fluxbox,
                                              WindowManagerKind::Kwin,    WindowManagerKind::Mutter};
 
 INSTANTIATE_TEST_SUITE_P(Most, DisplaysTest, testing::ValuesIn(kWithSeveralDisplays), managerName);
 
-/// What window managers do not do for anybody who asks them, Tessarel or not.
+/// Known limitations of window managers, shown with a pager's request instead of Tessarel's.
 class DisplayLimitsTest : public testing::Test {
 protected:
-    /// Where a window ends up that is asked to go to `frame`.
+    /// Returns the frame that a window ends up with after a request for `frame`.
     Frame askedFor(WindowManagerKind manager, const Frame& frame) {
         Desktop desktop{
             {.manager = manager, .server = {.width = 2560, .height = 1024, .monitors = twoMonitors()}}};

@@ -14,7 +14,7 @@
 namespace tessarel::x11test {
 namespace {
 
-/// Drags on desktops that are not like the others.
+/// Drags on unusual desktops.
 class DragDesktopTest : public testing::Test {
 protected:
     void dragInto(Desktop& desktop, xcb_window_t window, const Frame& zone, const Frame& area,
@@ -43,15 +43,15 @@ protected:
     }
 };
 
-TEST_F(DragDesktopTest, TheCompositorOfXfwm4LetsTheDesktopShineThroughTheOverlay) {
+TEST_F(DragDesktopTest, TheOverlayIsTranslucentUnderTheCompositorOfXfwm4) {
     expectDragsUnderCompositor(WindowManagerKind::Xfwm4);
 }
 
-TEST_F(DragDesktopTest, TheCompositorOfKwinLetsTheDesktopShineThroughTheOverlay) {
+TEST_F(DragDesktopTest, TheOverlayIsTranslucentUnderTheCompositorOfKwin) {
     expectDragsUnderCompositor(WindowManagerKind::Kwin);
 }
 
-TEST_F(DragDesktopTest, ACompositorMayComeAndGoBetweenDrags) {
+TEST_F(DragDesktopTest, ACompositorCanBeStartedAndStoppedBetweenDrags) {
     Desktop desktop{{.settings = kNoHomes}};
     ASSERT_TRUE(desktop.startForDrags());
     TestClient client{desktop.server()};
@@ -73,11 +73,11 @@ TEST_F(DragDesktopTest, ACompositorMayComeAndGoBetweenDrags) {
     EXPECT_TRUE(desktop.stop());
 }
 
-/// The second display to the right of the primary one, to its left, above and below.
+/// The second display is to the right of the primary one, to its left, above it or below it.
 class DragDisplaysTest : public DragDesktopTest,
                          public testing::WithParamInterface<std::pair<const char*, std::vector<Monitor>>> {};
 
-TEST_P(DragDisplaysTest, AWindowIsDraggedIntoTheZonesOfEither) {
+TEST_P(DragDisplaysTest, AWindowCanBeDraggedIntoTheZonesOfEitherDisplay) {
     const std::vector<Monitor>& monitors = GetParam().second;
     XServerOptions server{.width = 0, .height = 0, .monitors = monitors};
     for (const Monitor& monitor : monitors) {
@@ -104,7 +104,7 @@ Monitor display(const std::string& name, int x, int y, int width, int height) {
     return {.name = name, .x = x, .y = y, .width = width, .height = height, .primary = name == "P"};
 }
 
-// The panel is where space can be reserved: at the bottom of the whole desktop.
+// The panel is at the bottom of the whole desktop, the only edge along which it reserves space.
 INSTANTIATE_TEST_SUITE_P(
     , DragDisplaysTest,
     testing::Values(

@@ -5,10 +5,10 @@
 namespace tessarel::x11test {
 namespace {
 
-/// What goes wrong in the middle of a drag, and that nothing is left of it.
+/// Faults in the middle of a drag, after which neither the overlay nor a grab may remain.
 class DragFaultsTest : public DragFixture {};
 
-TEST_P(DragFaultsTest, AScreenLockerThatTakesTheInputTakesNoOverlayWithIt) {
+TEST_P(DragFaultsTest, NoOverlayIsShownWhileAScreenLockerGrabsTheInput) {
     const xcb_window_t window = desktop.open(client);
     dragOver(window, zoneFrame(2));
     TestClient locker{desktop.server()};
@@ -26,9 +26,9 @@ TEST_P(DragFaultsTest, AScreenLockerThatTakesTheInputTakesNoOverlayWithIt) {
     expectNextDragWorks();
 }
 
-TEST_P(DragFaultsTest, AReleaseThatAnotherProgramsGrabTakesAwayEndsTheDrag) {
+TEST_P(DragFaultsTest, AReleaseHiddenByAnotherClientsGrabEndsTheDrag) {
     dragOver(desktop.open(client), zoneFrame(2));
-    constexpr Combination kEscape{9, 0}; // the manager lets go of the window, the hand not of the button
+    constexpr Combination kEscape{9, 0}; // ends the window manager's grab while the button stays pressed
     desktop.press(kEscape);
     TestClient locker{desktop.server()};
     ASSERT_TRUE(desktop.observer().waitUntil([&] { return locker.grabMouse() && locker.grabKeyboard(); }));
@@ -42,10 +42,10 @@ TEST_P(DragFaultsTest, AReleaseThatAnotherProgramsGrabTakesAwayEndsTheDrag) {
     expectNextDragWorks();
 }
 
-TEST_P(DragFaultsTest, AReleaseWhileTheServerIsHeldEndsTheDragWhenItIsLetGo) {
+TEST_P(DragFaultsTest, AReleaseDuringAServerGrabEndsTheDragAfterTheServerIsUngrabbed) {
     const xcb_window_t window = desktop.open(client);
     dragOver(window, zoneFrame(2));
-    XConnection& holder = desktop.observer().x(); // no other is answered from here on
+    XConnection& holder = desktop.observer().x(); // its grab blocks other clients
     xcb_grab_server(holder.get());
     Mouse(desktop.observer()).release();
     const bool staysMeanwhile = drag.overlay().has_value();
@@ -59,7 +59,7 @@ TEST_P(DragFaultsTest, AReleaseWhileTheServerIsHeldEndsTheDragWhenItIsLetGo) {
     expectNextDragWorks();
 }
 
-TEST_P(DragFaultsTest, ATriggerKeyThatIsStuckHoldsNoOverlay) {
+TEST_P(DragFaultsTest, AStuckTriggerKeyShowsNoOverlayAfterTheDrag) {
     const xcb_window_t window = desktop.open(client);
     dragOver(window, zoneFrame(2));
 
@@ -72,7 +72,7 @@ TEST_P(DragFaultsTest, ATriggerKeyThatIsStuckHoldsNoOverlay) {
     expectNextDragWorks();
 }
 
-TEST_P(DragFaultsTest, TheDesktopMayBeSwitchedInTheMiddleOfADrag) {
+TEST_P(DragFaultsTest, TheVirtualDesktopCanBeSwitchedDuringADrag) {
     const xcb_window_t window = desktop.open(client);
     dragOver(window, zoneFrame(2));
     const auto switchTo = [this](std::uint32_t number) {
@@ -91,7 +91,7 @@ TEST_P(DragFaultsTest, TheDesktopMayBeSwitchedInTheMiddleOfADrag) {
     expectNextDragWorks();
 }
 
-TEST_P(DragFaultsTest, APressWhoseReleaseBeforeWasNotSeenInTimeStartsOver) {
+TEST_P(DragFaultsTest, AReleaseSeenOnlyAfterTheNextPressStillEndsTheDrag) {
     const xcb_window_t window = desktop.open(client);
     dragOver(window, zoneFrame(2));
     const ChildProcess& program = desktop.program().process();
@@ -108,7 +108,7 @@ TEST_P(DragFaultsTest, APressWhoseReleaseBeforeWasNotSeenInTimeStartsOver) {
 
 INSTANTIATE_TEST_SUITE_P(One, DragFaultsTest, testing::Values(WindowManagerKind::Openbox), managerName);
 
-/// Faults after which the desktop is not what it was.
+/// Faults that change the desktop for good, so each test has a desktop of its own.
 class DragOnLostDesktopTest : public testing::Test {
 protected:
     [[nodiscard]] Frame zoneFrame(int number) {
@@ -135,7 +135,7 @@ protected:
     WindowDrag drag{desktop};
 };
 
-TEST_F(DragOnLostDesktopTest, TheWindowManagerMayBeReplacedInTheMiddleOfADrag) {
+TEST_F(DragOnLostDesktopTest, TheWindowManagerCanBeReplacedDuringADrag) {
     ASSERT_TRUE(desktop.startForDrags());
     const xcb_window_t window = desktop.open(client);
     dragOver(window, 2);
@@ -146,7 +146,7 @@ TEST_F(DragOnLostDesktopTest, TheWindowManagerMayBeReplacedInTheMiddleOfADrag) {
     drag.release();
 
     EXPECT_TRUE(drag.waitUntilNoOverlay());
-    // Its height is by the space that the manager had reserved by then.
+    // The height depends on whether the new window manager has already applied the panel's strut.
     EXPECT_TRUE(desktop.observer().waitUntil([&] {
         const Frame now = desktop.frame(window);
         return now.x == zoneFrame(2).x && now.width == zoneFrame(2).width;
@@ -154,12 +154,12 @@ TEST_F(DragOnLostDesktopTest, TheWindowManagerMayBeReplacedInTheMiddleOfADrag) {
     expectThatADragWorks();
 }
 
-TEST_F(DragOnLostDesktopTest, ADragThatBeganBeforeTheProgramIsNotJoined) {
+TEST_F(DragOnLostDesktopTest, ADragThatBeganBeforeTheProgramStartedIsIgnored) {
     const xcb_window_t window = desktop.open(client);
     ASSERT_TRUE(drag.beginUnseen(window));
     const Frame before = desktop.frame(window);
     ASSERT_TRUE(desktop.start());
-    ASSERT_TRUE(desktop.waitUntilProgramRests()); // it watches the mouse by then
+    ASSERT_TRUE(desktop.waitUntilProgramRests()); // it watches the mouse from here on
 
     drag.hold(XCB_MOD_MASK_SHIFT);
     drag.moveInto(zoneFrame(2));
@@ -170,7 +170,7 @@ TEST_F(DragOnLostDesktopTest, ADragThatBeganBeforeTheProgramIsNotJoined) {
     EXPECT_EQ(desktop.frame(window).width, before.width);
 }
 
-TEST_F(DragOnLostDesktopTest, TheServerMayGoUnderTheOverlay) {
+TEST_F(DragOnLostDesktopTest, TheProgramExitsWhenTheServerDiesDuringADrag) {
     ASSERT_TRUE(desktop.startForDrags());
     dragOver(desktop.open(client), 2);
 
@@ -180,7 +180,7 @@ TEST_F(DragOnLostDesktopTest, TheServerMayGoUnderTheOverlay) {
     EXPECT_EQ(desktop.program().errors().find("Sanitizer"), std::string::npos);
 }
 
-TEST_F(DragOnLostDesktopTest, ADisplayTakenAwayUnderTheOverlayTakesItAlong) {
+TEST_F(DragOnLostDesktopTest, RemovingADisplayHidesTheOverlayOnIt) {
     Desktop wide{
         {.server = {.width = 2560, .height = 1024, .monitors = twoMonitors()}, .settings = kNoHomes}};
     ASSERT_TRUE(wide.startForDrags());

@@ -7,12 +7,12 @@
 
 namespace tessarel::x11test {
 
-/// Windows dragged by their title bars, with Shift as the trigger.
+/// Drags windows by their title bars, with Shift as the trigger.
 class DragFixture : public SnapFixture {
 protected:
     using SnapFixture::SnapFixture;
 
-    /// Drags `window` into `zone` and expects it to stay there.
+    /// Drags `window` into `zone` and expects it to take that frame.
     void dragInto(xcb_window_t window, const Frame& zone, std::uint16_t modifiers = XCB_MOD_MASK_SHIFT) {
         ASSERT_TRUE(drag.begin(window));
         drag.hold(modifiers);
@@ -24,7 +24,7 @@ protected:
         drag.hold(0);
     }
 
-    /// Takes `window` into the middle of `zone`, where the overlay is.
+    /// Drags `window` to the middle of `zone` and waits for the overlay.
     void dragOver(xcb_window_t window, const Frame& zone) {
         ASSERT_TRUE(drag.begin(window));
         drag.hold(XCB_MOD_MASK_SHIFT);
@@ -32,7 +32,7 @@ protected:
         ASSERT_TRUE(drag.waitForOverlay(desktop.usableArea()));
     }
 
-    /// What holds after everything that goes wrong in a drag.
+    /// Expects that the drag is over and that the next one works.
     void expectNextDragWorks() {
         EXPECT_TRUE(drag.waitUntilNoOverlay());
         drag.hold(0);

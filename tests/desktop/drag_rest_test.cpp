@@ -7,10 +7,10 @@
 namespace tessarel::x11test {
 namespace {
 
-/// What the program does while nothing is dragged.
+/// The activity of the program while nothing is dragged.
 class DragRestTest : public DragFixture {
 protected:
-    /// How often all threads of the program together have woken up.
+    /// Returns how often all threads of the program together have woken up.
     [[nodiscard]] long wakeUps() {
         const std::string process = "/proc/" + std::to_string(desktop.program().process().pid());
         long sum = 0;
@@ -23,7 +23,7 @@ protected:
         return sum;
     }
 
-    /// Moves over the desktop and the windows on it.
+    /// Moves the pointer over the desktop and its windows.
     void moveAbout() {
         for (int i = 0; i < 400; ++i)
             hand.moveTo(100 + 3 * i, 100 + 7 * i % 700);
@@ -32,10 +32,10 @@ protected:
     Mouse hand{desktop.observer()};
 };
 
-TEST_P(DragRestTest, AMouseThatMerelyMovesWakesNobody) {
+TEST_P(DragRestTest, PointerMotionWithoutADragDoesNotWakeTheProgram) {
     dragInto(desktop.open(client), zoneFrame(2));
 
-    // What the drag has left to do comes to its end in the first rounds.
+    // Repeated, because the first rounds may still see the end of the drag's work.
     EXPECT_TRUE(desktop.observer().waitUntil([&] {
         const long before = wakeUps();
         moveAbout();

@@ -11,7 +11,7 @@
 namespace tessarel::x11test {
 namespace {
 
-/// Drags where the user has set another resolution than 96 dots per inch, by which Qt scales what it draws.
+/// Drags with a resolution other than 96 dots per inch, by which Qt scales what it paints.
 class DragScaleTest : public testing::TestWithParam<int> {
 protected:
     DragScaleTest() {
@@ -36,11 +36,12 @@ protected:
                    : 0;
     }
 
-    /// Whether the outline of `zone`, whose outermost line is white, is 2 pixels inside it on every side.
+    /// Returns true if the outermost line of `zone`'s outline, which is white, is 2 pixels inside it on every
+    /// side.
     [[nodiscard]] bool isOutlined(const Frame& zone) {
         constexpr std::uint32_t kWhite = 0xFFFFFF;
         constexpr int kInset = 2;
-        const int x = zone.x + zone.width / 6; // beside the window, which is white
+        const int x = zone.x + zone.width / 6; // not over the window, which is white
         const int y = zone.y + zone.height / 3;
         const auto isEdge = [&](int lineX, int lineY, int outwardsX, int outwardsY) {
             return pixel(lineX, lineY) == kWhite && pixel(lineX + outwardsX, lineY + outwardsY) != kWhite;
@@ -54,7 +55,7 @@ protected:
     WindowDrag drag{desktop};
 };
 
-TEST_P(DragScaleTest, AZoneShowsOnTheVeryPixelsThatTheWindowWillTake) {
+TEST_P(DragScaleTest, AZoneIsOutlinedExactlyWhereTheWindowWillBe) {
     ASSERT_TRUE(desktop.startForDrags());
     const xcb_window_t window = desktop.open(client);
     const Frame zone = frameIn(desktop.usableArea(), kZones[4]);

@@ -15,10 +15,10 @@ constexpr std::array kManagers = {
     WindowManagerKind::Kwin,    WindowManagerKind::Mutter,
 };
 
-/// Under every window manager.
+/// Drags under every window manager.
 class DragTest : public DragFixture {};
 
-/// A program that remembers zones.
+/// Drags with settings that remember the zones of applications.
 class RememberedDragTest : public DragFixture {
 protected:
     RememberedDragTest() : DragFixture(kUsualSettings) {}
@@ -57,7 +57,7 @@ TEST_P(DragTest, AWindowStaysWhereItIsDroppedWhenTheTriggerIsReleasedFirst) {
 
 TEST_P(DragTest, RestoreGoesBackToTheFrameBeforeTheDrag) {
     const xcb_window_t window = desktop.open(client);
-    ASSERT_TRUE(desktop.activate(window)); // some decorate it once more then
+    ASSERT_TRUE(desktop.activate(window)); // some window managers decorate it again at this point
     const Frame before = desktop.frame(window);
     dragInto(window, zoneFrame(4));
 
@@ -67,7 +67,7 @@ TEST_P(DragTest, RestoreGoesBackToTheFrameBeforeTheDrag) {
     EXPECT_EQ(desktop.settledFrame(window, before), before);
 }
 
-TEST_P(DragTest, APressInTheContentNeverSnaps) {
+TEST_P(DragTest, ADragThatStartsInTheContentNeverSnaps) {
     const xcb_window_t window = desktop.open(client);
     const Frame before = desktop.frame(window);
     drag.press(before.x + before.width / 2, before.y + before.height / 2);
@@ -82,7 +82,7 @@ TEST_P(DragTest, APressInTheContentNeverSnaps) {
     EXPECT_EQ(desktop.frame(window), before);
 }
 
-TEST_P(DragTest, AWindowThatGoesWhileItIsDraggedTakesTheOverlayWithIt) {
+TEST_P(DragTest, DestroyingADraggedWindowHidesTheOverlay) {
     const xcb_window_t window = desktop.open(client);
     dragOver(window, zoneFrame(2));
 
@@ -93,7 +93,7 @@ TEST_P(DragTest, AWindowThatGoesWhileItIsDraggedTakesTheOverlayWithIt) {
     expectNextDragWorks();
 }
 
-TEST_P(DragTest, AProgramThatStopsWhileItsWindowIsDraggedLeavesNoOverlayBehind) {
+TEST_P(DragTest, AProgramStoppedDuringADragLeavesNoOverlayBehind) {
     const xcb_window_t window = desktop.open(client);
     dragOver(window, zoneFrame(2));
 
@@ -107,7 +107,7 @@ TEST_P(DragTest, AProgramThatStopsWhileItsWindowIsDraggedLeavesNoOverlayBehind) 
 
 INSTANTIATE_TEST_SUITE_P(All, DragTest, testing::ValuesIn(kManagers), managerName);
 
-/// A program that runs with settings of its own.
+/// Restarts the program with the settings of each test, and with the default ones afterwards.
 class DragSettingsTest : public DragFixture {
 protected:
     ~DragSettingsTest() override {
@@ -121,19 +121,19 @@ protected:
         return desktop.restart(R"({"hasOnboarded":true,"rememberApps":false,)" + settings + "}");
     }
 
-    /// A pixel of the screen, and what is offered there.
+    /// A point of the root window and the part of the screen that it snaps to.
     struct Place {
         int x = 0;
         int y = 0;
         Share share;
     };
 
-    /// xfwm4 takes a window at an edge to the next desktop as long as there is one.
+    /// At a screen edge, xfwm4 moves a dragged window to the next virtual desktop if there is one.
     [[nodiscard]] bool leaveXfwm4OneDesktop() {
         return desktop.manager() != WindowManagerKind::Xfwm4 || setDesktops({1});
     }
 
-    /// Expects that windows dropped at these places go where they are offered to.
+    /// Expects that windows dropped at these points take the part of the screen that belongs to each.
     void expectParts(const std::vector<Place>& places) {
         ASSERT_TRUE(leaveXfwm4OneDesktop());
         for (const Place& place : places) {
@@ -163,7 +163,7 @@ private:
     const std::vector<std::uint32_t> m_desktops = desktops();
 };
 
-/// Settings that no window manager has a say in.
+/// Settings whose effect does not depend on the window manager.
 class DragZonesTest : public DragSettingsTest {};
 
 TEST_P(DragSettingsTest, EachTriggerShowsTheZones) {
@@ -179,18 +179,18 @@ TEST_P(DragSettingsTest, EachTriggerShowsTheZones) {
     }
 }
 
-TEST_P(DragSettingsTest, EachEdgeOffersItsPartOfTheScreen) {
+TEST_P(DragSettingsTest, EachEdgeSnapsToItsPartOfTheScreen) {
     ASSERT_TRUE(use(R"("edgeSnap":true)"));
     expectParts({{0, 450, kLeftHalf}, {1599, 450, kRightHalf}, {800, 0, kWhole}});
 }
 
 INSTANTIATE_TEST_SUITE_P(All, DragSettingsTest, testing::ValuesIn(kManagers), managerName);
 
-/// Window managers that do not tile in the corners, or let go of what they have tiled there; metacity does
-/// not.
+/// All window managers except metacity: the others either do not tile at the corners or allow a tiled window
+/// to be moved.
 class DragCornersTest : public DragSettingsTest {};
 
-TEST_P(DragCornersTest, EachCornerOffersItsQuarterOfTheScreen) {
+TEST_P(DragCornersTest, EachCornerSnapsToItsQuarterOfTheScreen) {
     ASSERT_TRUE(use(R"("edgeSnap":true)"));
     expectParts({{0, 0, {0, 0, 50, 50}},
                  {1599, 0, {50, 0, 50, 50}},
@@ -205,7 +205,7 @@ INSTANTIATE_TEST_SUITE_P(Most, DragCornersTest,
                                          WindowManagerKind::Mutter),
                          managerName);
 
-TEST_P(DragZonesTest, OfZonesThatOverlapTheSmallerOneWins) {
+TEST_P(DragZonesTest, TheSmallerOfOverlappingZonesWins) {
     ASSERT_TRUE(use(R"("zones":[{"enabled":true,"x":0,"y":0,"w":100,"h":100},)"
                     R"({"enabled":true,"x":50,"y":50,"w":25,"h":25}])"));
     const xcb_window_t window = desktop.open(client);
@@ -234,7 +234,7 @@ TEST_P(DragZonesTest, ADisabledZoneTakesNoWindow) {
     EXPECT_EQ(desktop.frame(window).width, before.width);
 }
 
-TEST_P(DragZonesTest, AnIgnoredApplicationIsDraggedAsIfNothingWereThere) {
+TEST_P(DragZonesTest, DraggingAWindowOfAnIgnoredApplicationShowsNoOverlay) {
     ASSERT_TRUE(use(R"("ignoredApps":["Ignored"])"));
     const xcb_window_t window = desktop.open(client, {.className = "Ignored"});
     const Frame before = desktop.frame(window);
@@ -249,7 +249,7 @@ TEST_P(DragZonesTest, AnIgnoredApplicationIsDraggedAsIfNothingWereThere) {
     EXPECT_EQ(desktop.frame(window).width, before.width);
 }
 
-TEST_P(DragZonesTest, TheMiddleOfTheBottomEdgeOffersNothing) {
+TEST_P(DragZonesTest, TheMiddleOfTheBottomEdgeSnapsNothing) {
     ASSERT_TRUE(use(R"("edgeSnap":true)"));
     const xcb_window_t window = desktop.open(client);
     const Frame before = desktop.frame(window);

@@ -11,7 +11,8 @@ int rounded(double value) {
     return static_cast<int>(std::lround(value));
 }
 
-/// The end of one dimension, no further than `areaEnd` unless the window is longer than the area.
+/// Returns the start of a window in one dimension, moved back so that it does not exceed `areaEnd` by more
+/// than a pixel; a window longer than the area starts at `areaStart`.
 int startFor(int start, int extent, int areaStart, int areaEnd) {
     return start + extent > areaEnd + 1 ? std::max(areaStart, areaEnd - extent) : start;
 }
@@ -20,7 +21,7 @@ int startFor(int start, int extent, int areaStart, int areaEnd) {
 
 Frame frameIn(const Frame& area, const Share& share, const Spacing& spacing) {
     const double spread =
-        spacing.gap - 2 * spacing.margin; // the shares are of the area with half gaps around
+        spacing.gap - 2 * spacing.margin; // shares refer to the area with half a gap around it
     const double fullWidth = area.width + spread;
     const double fullHeight = area.height + spread;
     return {rounded(area.x + spacing.margin + fullWidth * share.x / 100),

@@ -6,7 +6,7 @@
 
 namespace tessarel::x11test {
 
-/// Share of an area in percent, y from the top.
+/// Part of an area in percent, y down.
 struct Share {
     double x = 0;
     double y = 0;
@@ -14,13 +14,13 @@ struct Share {
     double height = 0;
 };
 
-/// Space between windows and at the edges of the area, in pixels.
+/// Gap between windows and margin at the edges of the area, in pixels.
 struct Spacing {
     double gap = 0;
     double margin = 0;
 };
 
-/// The zones that the program comes with: three above, two below.
+/// The zones of the default layout: three above, two below.
 inline constexpr std::array<Share, 5> kZones = {{
     {0, 0, 100.0 / 3, 50},
     {100.0 / 3, 0, 100.0 / 3, 50},
@@ -34,18 +34,19 @@ inline constexpr Share kTopHalf{0, 0, 100, 50};
 inline constexpr Share kBottomHalf{0, 50, 100, 50};
 inline constexpr Share kWhole{0, 0, 100, 100};
 
-/// Where a window belongs that is put into `share` of `area`: neighbours one gap apart, one margin from the
-/// edges of the area.
+/// Returns the frame of a window in `share` of `area`: neighbours are one gap apart, the edges of the area
+/// one margin away.
 [[nodiscard]] Frame frameIn(const Frame& area, const Share& share, const Spacing& spacing = {});
 
-/// Where a window of the size of `window` belongs that is centred in `area`.
+/// Returns the frame of a window with the size of `window`, centred in `area`.
 [[nodiscard]] Frame centred(const Frame& area, const Frame& window);
 
-/// Where a window ends up that keeps at least `minimum` when `wanted` is asked for: pulled back into `area`
-/// from the right and from below.
+/// Returns the frame of a window that is at least as large as `minimum` after a request for `wanted`: moved
+/// back into `area` from the right and from below.
 [[nodiscard]] Frame pulledBack(const Frame& area, const Frame& wanted, const Frame& minimum);
 
-/// Where a window belongs that keeps its relative place and size on its way between two displays.
+/// Returns the frame of a window that moves from one display to another and keeps its relative position and
+/// size.
 [[nodiscard]] Frame carriedOver(const Frame& window, const Frame& from, const Frame& to);
 
 } // namespace tessarel::x11test

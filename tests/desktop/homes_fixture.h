@@ -9,22 +9,24 @@
 
 namespace tessarel::x11test {
 
-/// The window managers that this is tried with: it asks of them no more than placing a window does.
+/// These tests use a few window managers only, because placing a new window takes nothing beyond an ordinary
+/// snap.
 inline constexpr std::array kManagersForHomes = {WindowManagerKind::Openbox, WindowManagerKind::Xfwm4,
                                                  WindowManagerKind::Kwin};
 
-/// A program of which nobody but the test knows, and which gets a home once one of its windows is snapped.
+/// A program with a window class of its own per test, which gets a home zone once one of its windows is
+/// snapped.
 class HomesFixture : public SnapFixture {
 protected:
     HomesFixture() : SnapFixture(kUsualSettings) {}
 
-    /// What the windows of the program are like.
+    /// Returns the options of the program's windows.
     [[nodiscard]] WindowOptions own() const { return {.className = m_className}; }
 
     void expectInZone(xcb_window_t window, int number) {
         EXPECT_EQ(desktop.settledFrame(window, zoneFrame(number)), zoneFrame(number)) << "zone " << number;
     }
-    /// Snaps a window of the program by hand and ends it.
+    /// Snaps a window of the program with its hot key, which sets the home zone, and kills the program.
     void giveHome(int number) {
         TestClient first{desktop.server()};
         snap(desktop.open(first, own()), number);
@@ -32,7 +34,7 @@ protected:
         EXPECT_TRUE(desktop.waitUntilOnlyPanel());
     }
 
-    /// Opens a window and waits until it is managed; it may come up without the focus, or unseen.
+    /// Opens a window and waits until it is managed. It may be unfocused or unmapped.
     [[nodiscard]] xcb_window_t open(TestClient& owner, const WindowOptions& options) {
         const xcb_window_t window = owner.open(options);
         desktop.observer().watch(window);
@@ -40,8 +42,8 @@ protected:
         EXPECT_TRUE(desktop.observer().settle());
         return window;
     }
-    /// Waits until all that was opened before has had its turn: windows have it in the order they come in,
-    /// so the next one of the same running program has it last.
+    /// Waits until all windows opened before have been placed or skipped. Windows are processed in the order
+    /// in which they open, so a further window of the same running program is the last one.
     void waitForTurnOfAllBefore(int number) { expectInZone(open(client, own()), number); }
 
 private:

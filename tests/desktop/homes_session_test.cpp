@@ -6,7 +6,7 @@
 namespace tessarel::x11test {
 namespace {
 
-/// An editor that lives in the third zone, from the program's start to its end.
+/// A program whose windows belong in the third zone.
 class HomesSessionTest : public testing::Test {
 protected:
     [[nodiscard]] Frame home() { return frameIn(desktop.usableArea(), kZones[2]); }
@@ -18,7 +18,7 @@ protected:
     const WindowOptions editor{.className = "Editor"};
 };
 
-TEST_F(HomesSessionTest, WhatWasOpenBeforeTheStartStaysAndTheNextWindowGoesHome) {
+TEST_F(HomesSessionTest, WindowsOpenedBeforeTheStartStayAndLaterOnesArePlaced) {
     const xcb_window_t first = desktop.open(client, editor);
     const Frame opened = desktop.frame(first);
     ASSERT_TRUE(desktop.start());
@@ -29,7 +29,7 @@ TEST_F(HomesSessionTest, WhatWasOpenBeforeTheStartStaysAndTheNextWindowGoesHome)
     EXPECT_TRUE(desktop.stop());
 }
 
-TEST_F(HomesSessionTest, UnderAnotherWindowManagerNothingIsPlacedAgain) {
+TEST_F(HomesSessionTest, ANewWindowManagerDoesNotCauseWindowsToBePlacedAgain) {
     constexpr Frame kByHand{300, 200, 620, 410};
     ASSERT_TRUE(desktop.start());
     const xcb_window_t first = desktop.open(client, editor);
@@ -47,7 +47,7 @@ TEST_F(HomesSessionTest, UnderAnotherWindowManagerNothingIsPlacedAgain) {
     EXPECT_TRUE(desktop.stop());
 }
 
-TEST_F(HomesSessionTest, AWindowThatIsBornOnAnotherDesktopIsPlacedThere) {
+TEST_F(HomesSessionTest, AWindowThatOpensOnAnotherDesktopIsPlacedThere) {
     Observer& observer = desktop.observer();
     WindowOptions elsewhere = editor;
     elsewhere.desktop = 1;

@@ -47,7 +47,7 @@ TEST_P(HomesTest, WindowsThatOpenTogetherAreAllPlaced) {
     expectInZone(second, 2);
 }
 
-TEST_P(HomesTest, EveryProcessOfAProgramIsPlaced) {
+TEST_P(HomesTest, WindowsOfEveryProcessOfAProgramArePlaced) {
     giveHome(5);
     TestClient another{desktop.server()};
 
@@ -71,7 +71,7 @@ TEST_P(HomesTest, AWindowStaysWhereTheUserMovesItAfterwards) {
     EXPECT_EQ(desktop.frame(window), kByHand);
 }
 
-TEST_P(HomesTest, DialogsAndTheLikeStayWhereTheyOpen) {
+TEST_P(HomesTest, DialogsAndOtherSecondaryWindowsStayWhereTheyOpen) {
     giveHome(2);
     const xcb_window_t main = desktop.open(client, own());
     expectInZone(main, 2);
@@ -82,7 +82,7 @@ TEST_P(HomesTest, DialogsAndTheLikeStayWhereTheyOpen) {
     std::map<std::string, xcb_window_t> windows;
     std::map<std::string, Frame> opened;
     {
-        const Program::Hold hold = desktop.program().hold(); // so that it cannot have moved any yet
+        const Program::Hold hold = desktop.program().hold(); // so that it cannot move any yet
         for (const auto& [kind, options] : others) {
             windows[kind] = open(client, options);
             opened[kind] = desktop.frame(windows[kind]);
@@ -104,11 +104,11 @@ TEST_P(HomesTest, AWindowThatFollowsASplashScreenIsPlaced) {
     expectInZone(main, 4);
     client.destroy(greeting);
 
-    // By now the program has been running for longer than a launch takes.
+    // By now the application no longer counts as launching.
     expectInZone(open(client, own()), 4);
 }
 
-TEST_P(HomesTest, AWindowThatIsBornMinimisedStaysAsItIs) {
+TEST_P(HomesTest, AWindowThatOpensMinimisedIsNotPlaced) {
     giveHome(2);
     expectInZone(open(client, own()), 2);
     WindowOptions options = own();
@@ -121,7 +121,7 @@ TEST_P(HomesTest, AWindowThatIsBornMinimisedStaysAsItIs) {
     EXPECT_NE(desktop.frame(minimised), zoneFrame(2));
 }
 
-TEST_P(HomesTest, AWindowThatHasGoneBeforeItsTurnHarmsNobody) {
+TEST_P(HomesTest, AWindowDestroyedBeforeItIsPlacedDoesNoHarm) {
     giveHome(3);
     expectInZone(open(client, own()), 3);
     TestClient shortLived{desktop.server()};
@@ -134,12 +134,12 @@ TEST_P(HomesTest, AWindowThatHasGoneBeforeItsTurnHarmsNobody) {
     EXPECT_TRUE(desktop.program().running());
 }
 
-/// A program that goes back to where it was on its own, some time after its window has come up.
+/// A program that moves its own window back to an earlier frame some time after the window has opened.
 class RestoringProgramTest : public HomesFixture {
 protected:
-    /// Opens a window that comes back after `delay`, and expects it to end in `zone` all the same. False when
-    /// the machine has held the client up for so long that the window came back after it had been placed:
-    /// then nothing is to be expected.
+    /// Opens a window that moves itself back after `delay`, and expects it to end in `zone`. Returns false,
+    /// without expecting anything, if the client was delayed so long that it moved only after it had been
+    /// placed.
     [[nodiscard]] bool comesBackInTime(TestClient& owner, std::chrono::milliseconds delay, int zone) {
         WindowOptions options = own();
         options.comesBackAfter = delay;
@@ -152,7 +152,7 @@ protected:
         return isInTime;
     }
 
-    /// Repeats `attempt` until it has come off.
+    /// Retries `attempt` until it succeeds.
     template <class Attempt>
     [[nodiscard]] static bool comesOff(Attempt attempt) {
         constexpr int kAttempts = 5;
@@ -163,9 +163,9 @@ protected:
     }
 };
 
-TEST_P(RestoringProgramTest, OnePromptEnoughEndsInItsZone) {
+TEST_P(RestoringProgramTest, AProgramThatRestoresItsWindowInTimeEndsInItsZone) {
     giveHome(3);
-    // At a start there is more time.
+    // A program that has just started is given more time.
     EXPECT_TRUE(comesOff([this] {
         TestClient started{desktop.server()};
         return comesBackInTime(started, 800ms, 3);
@@ -175,7 +175,7 @@ TEST_P(RestoringProgramTest, OnePromptEnoughEndsInItsZone) {
     EXPECT_TRUE(comesOff([this] { return comesBackInTime(client, 0ms, 3); }));
 }
 
-TEST_P(RestoringProgramTest, OneThatIsLateHasTheLastWord) {
+TEST_P(RestoringProgramTest, AProgramThatMovesItsWindowLateWins) {
     giveHome(3);
     expectInZone(open(client, own()), 3);
     const auto [late, opened] = desktop.openUnseen(client, own());

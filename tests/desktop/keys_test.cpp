@@ -6,7 +6,7 @@
 namespace tessarel::x11test {
 namespace {
 
-/// Locks and layouts under each window manager; both are as usual again after each test.
+/// Lock states and keyboard layouts under each window manager. The destructor resets both.
 class KeysTest : public SnapFixture {
 protected:
     ~KeysTest() override {
@@ -21,7 +21,7 @@ protected:
     const xcb_window_t window = desktop.open(client);
 };
 
-TEST_P(KeysTest, WorkWithEveryStateOfTheLocks) {
+TEST_P(KeysTest, HotKeysWorkWithEveryStateOfTheLocks) {
     int number = 1;
     for (const bool numLock : {false, true})
         for (const bool capsLock : {false, true}) {
@@ -30,7 +30,7 @@ TEST_P(KeysTest, WorkWithEveryStateOfTheLocks) {
         }
 }
 
-TEST_P(KeysTest, AreTheSamePhysicalKeysOnEveryLayout) {
+TEST_P(KeysTest, HotKeysAreTheSamePhysicalKeysOnEveryLayout) {
     for (const char* layout : {"us", "de", "fr"}) {
         desktop.keyboard().setLayout(layout);
         ASSERT_TRUE(desktop.waitUntilProgramRests());
@@ -44,7 +44,7 @@ TEST_P(KeysTest, AreTheSamePhysicalKeysOnEveryLayout) {
     }
 }
 
-TEST_P(KeysTest, StillWorkAfterAMenuHasHeldTheWholeKeyboard) {
+TEST_P(KeysTest, HotKeysWorkAfterAnotherClientGrabbedTheKeyboard) {
     const Frame before = desktop.frame(window);
     ASSERT_TRUE(client.grabKeyboard());
     desktop.press(hotkey::zone(1));
@@ -57,7 +57,7 @@ TEST_P(KeysTest, StillWorkAfterAMenuHasHeldTheWholeKeyboard) {
 
 INSTANTIATE_TEST_SUITE_P(Every, KeysTest, testing::ValuesIn(kAllWindowManagers), managerName);
 
-/// Combinations that somebody else held first.
+/// Combinations that another client grabbed first.
 class HeldKeysTest : public testing::Test {
 protected:
     Desktop desktop{{}};
@@ -69,7 +69,7 @@ protected:
     }
 };
 
-TEST_F(HeldKeysTest, ACombinationThatAnotherProgramHoldsStaysItsAndTheOthersWork) {
+TEST_F(HeldKeysTest, ACombinationGrabbedByAnotherProgramIsLeftToItAndTheOthersWork) {
     ASSERT_TRUE(holder.grabKey(hotkey::zone(2)));
     ASSERT_TRUE(desktop.start());
     const xcb_window_t window = desktop.open(client);
@@ -85,16 +85,17 @@ TEST_F(HeldKeysTest, ACombinationThatAnotherProgramHoldsStaysItsAndTheOthersWork
     EXPECT_TRUE(desktop.stop());
 }
 
-TEST_F(HeldKeysTest, ACombinationOfWhichAnotherProgramHoldsOneLockStateIsNotClaimedAtAll) {
+TEST_F(HeldKeysTest, ACombinationGrabbedByAnotherProgramInOneLockStateIsNotGrabbed) {
     const Combination withCapsLock{hotkey::zone(2).key,
                                    static_cast<std::uint16_t>(kControlAlt | XCB_MOD_MASK_LOCK)};
     ASSERT_TRUE(holder.grabKey(withCapsLock));
 
     ASSERT_TRUE(desktop.start());
 
-    // It claims all of its keys before it looks which of them it has got.
+    // The program sends all its grabs before it checks which of them failed, and then releases the rest of
+    // this combination.
     EXPECT_TRUE(desktop.observer().waitUntil([&] { return holder.grabKey(hotkey::zone(2)); }))
-        << "left over by the program";
+        << "the program keeps the grabs with other lock states";
     EXPECT_TRUE(desktop.stop());
 }
 
@@ -106,7 +107,7 @@ TEST_F(HeldKeysTest, ADisabledZoneHasNoHotKey) {
     EXPECT_TRUE(desktop.stop());
 }
 
-TEST_F(HeldKeysTest, AllAreFreeAgainOnceTheProgramHasEnded) {
+TEST_F(HeldKeysTest, AllHotKeysAreReleasedWhenTheProgramExits) {
     ASSERT_TRUE(desktop.start());
     ASSERT_TRUE(desktop.keyboard().held(hotkey::kMaximize));
 
@@ -116,7 +117,7 @@ TEST_F(HeldKeysTest, AllAreFreeAgainOnceTheProgramHasEnded) {
     EXPECT_TRUE(desktop.keyboard().waitUntilNotHeld(hotkey::zone(1)));
 }
 
-/// What a window manager holds of its own accord, as far as it is a hot key that the program comes with.
+/// Those default hot keys of the program that a window manager grabs with its own default configuration.
 struct DefaultKeys {
     WindowManagerKind manager;
     std::set<xcb_keycode_t> withControlAlt;
@@ -157,7 +158,7 @@ protected:
     Keyboard keyboard{server, observer};
 };
 
-TEST_P(DefaultKeysTest, TheWindowManagerHoldsTheseOfItsOwnAccord) {
+TEST_P(DefaultKeysTest, TheWindowManagerGrabsTheseKeysByDefault) {
     const auto heldKeys = [this] {
         std::set<xcb_keycode_t> held;
         for (const xcb_keycode_t key : everyKey())

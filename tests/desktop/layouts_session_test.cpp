@@ -16,7 +16,8 @@ constexpr std::string_view kOneZone = R"({"hasOnboarded":true,"rememberApps":fal
                                       R"("zones":[{"enabled":true,"x":10,"y":10,"w":40,"h":40}]})";
 constexpr Combination kOwnKey{key::kC, kControlAltSuper};
 
-/// Somebody designs a layout in the settings window. Places are points of the Layouts tab.
+/// Designs a layout in the settings window with mouse and keyboard. Coordinates are relative to the Layouts
+/// tab.
 class LayoutsSessionTest : public testing::Test {
 protected:
     xcb_window_t windowTitled(const std::string& title) {
@@ -27,7 +28,7 @@ protected:
         return found == clients.end() ? xcb_window_t{XCB_WINDOW_NONE} : *found;
     }
 
-    /// Waits until the window with this title is the one that is worked in, and stays so.
+    /// Waits until the window with this title is active, and stays active once its program is idle.
     bool waitForActive(const std::string& title) {
         xcb_window_t window = XCB_WINDOW_NONE;
         const auto isActive = [&] {
@@ -37,14 +38,14 @@ protected:
         return desktop.observer().waitUntil(isActive) && desktop.observer().settleProgram(window);
     }
 
-    /// By starting the program once more.
+    /// Starts a second instance, which opens the settings window of the first.
     void openSettings() {
         ASSERT_NE(openSettingsWindow(desktop.observer(), desktop.server().environment()),
                   xcb_window_t{XCB_WINDOW_NONE});
     }
 
     void moveTo(int x, int y) {
-        constexpr int kTabX = 20; // of the tab in its window
+        constexpr int kTabX = 20; // position of the tab in its window
         constexpr int kTabY = 40;
         const Frame window = *desktop.observer().clientFrame(windowTitled("Tessarel Settings"));
         mouse.moveTo(window.x + kTabX + x, window.y + kTabY + y);
@@ -71,7 +72,7 @@ protected:
 
     void saveLayoutAs(const std::vector<xcb_keycode_t>& keys) {
         click(375, 25);
-        ASSERT_TRUE(waitForActive("Tessarel")) << "the question for a name";
+        ASSERT_TRUE(waitForActive("Tessarel")) << "no dialog asks for a name";
         for (const xcb_keycode_t letter : keys)
             desktop.press({letter, 0});
         desktop.press({key::kReturn, 0});
@@ -82,7 +83,7 @@ protected:
     Mouse mouse{desktop.observer()};
 };
 
-TEST_F(LayoutsSessionTest, ALayoutIsDesignedSavedBoundUsedAndFoundAgain) {
+TEST_F(LayoutsSessionTest, ALayoutCanBeDesignedSavedBoundUsedAndDeleted) {
     ASSERT_TRUE(desktop.start());
     const xcb_window_t window = desktop.open(client);
     const Frame designed = frameIn(desktop.usableArea(), {10, 10, 50, 55});
@@ -92,13 +93,13 @@ TEST_F(LayoutsSessionTest, ALayoutIsDesignedSavedBoundUsedAndFoundAgain) {
     ASSERT_TRUE(waitUntilStored(R"("h":55)")) << stored();
     saveLayoutAs({key::kC, key::kA, key::kC});
     ASSERT_TRUE(waitUntilStored(R"("name":"cac")")) << stored();
-    ASSERT_TRUE(waitForActive("Tessarel Settings")); // the question has gone from above the row
-    click(615, 281);                                 // the hot key of the zone
+    ASSERT_TRUE(waitForActive("Tessarel Settings")); // the dialog no longer covers the row
+    click(615, 281);                                 // the recorder of the zone
     ASSERT_TRUE(desktop.observer().waitUntil([&] { return !desktop.keyboard().isFree(); }));
     desktop.press(kOwnKey);
     ASSERT_TRUE(waitUntilStored(R"("zone1":{"keyCode":8,)")) << stored();
     ASSERT_TRUE(desktop.observer().waitUntil([&] { return desktop.keyboard().held(kOwnKey); }));
-    // The recorder keeps the keyboard until the key that it has taken is up.
+    // The recorder keeps the keyboard grab until the recorded key is released.
     ASSERT_TRUE(desktop.observer().waitUntil([&] { return desktop.keyboard().isFree(); }));
 
     EXPECT_TRUE(desktop.activate(window));
@@ -112,7 +113,7 @@ TEST_F(LayoutsSessionTest, ALayoutIsDesignedSavedBoundUsedAndFoundAgain) {
     desktop.press(kOwnKey);
     EXPECT_EQ(desktop.settledFrame(window, designed), designed);
     openSettings();
-    click(461, 25); // deletes the layout that is shown as being in use
+    click(461, 25); // deletes the layout in use
     EXPECT_TRUE(waitUntilStored(R"("userLayouts":[])")) << stored();
     EXPECT_TRUE(desktop.stop());
 }

@@ -11,8 +11,8 @@ const WindowKind& kindNamed(const std::string& name) {
     return *std::find_if(kinds.begin(), kinds.end(), [&](const auto& kind) { return kind.name == name; });
 }
 
-/// What makes cells of the matrix impossible: the window managers refuse it to anybody, not to Tessarel
-/// alone.
+/// Known limitations of window managers that exclude combinations from PlacementTest. A pager's request shows
+/// that the window manager is the limit.
 class LimitsTest : public testing::Test {
 protected:
     void start(WindowManagerKind kind) {
@@ -43,7 +43,8 @@ TEST_F(LimitsTest, MarcoAndIcewmKeepTheShadowOfAClientInsideTheScreen) {
         const Extents shadow = *kindNamed("ClientDecorated").options.shadow;
         const auto before = observer->clientFrame(window);
 
-        // The visible frame at the right edge of the screen, the shadow beyond it.
+        // Requests the visible frame flush with the right edge of the screen, so that the shadow would extend
+        // beyond it.
         observer->moveOuterFrame(window, {1600 - 500 + shadow.right, 300, 500, 400});
 
         ASSERT_TRUE(observer->waitUntil([&] { return observer->clientFrame(window) != before; })) << kind;
@@ -53,7 +54,7 @@ TEST_F(LimitsTest, MarcoAndIcewmKeepTheShadowOfAClientInsideTheScreen) {
     }
 }
 
-TEST_F(LimitsTest, MutterAndIcewmTakeTheFocusOffAWindowThatTheyRollUp) {
+TEST_F(LimitsTest, MutterAndIcewmUnfocusAWindowThatTheyShade) {
     for (const WindowManagerKind kind : {WindowManagerKind::Mutter, WindowManagerKind::Icewm}) {
         start(kind);
         const xcb_window_t other = open(kindNamed("Plain"));

@@ -18,13 +18,13 @@ using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
-/// The program on a desktop with a session bus, whose panel asks there for the menu and draws it itself.
+/// The program with a panel that gets the menu over the session bus and draws it itself.
 class MenuStatusNotifierTest : public testing::Test {
 protected:
     static Environment withBus(const XServer& server, const DesktopBus& bus) {
         Environment environment = server.environment();
         environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
-        // Qt drops calls that nobody has answered by the end of the program.
+        // Qt leaks D-Bus calls whose replies are still pending on exit.
         const std::filesystem::path suppressions = server.configHome() / "leaks";
         std::filesystem::create_directories(suppressions.parent_path());
         std::ofstream(suppressions) << "leak:libQt6DBus\n";
@@ -45,7 +45,7 @@ protected:
         return desktop.menu();
     }
 
-    /// Whether the row of that label has a mark in the menu as it opens.
+    /// Returns true if the row with this label is checked when the menu opens.
     bool isMarked(const std::string& label) {
         const std::string menu = openedMenu();
         const std::regex row("\\{[^{}]*'label': <'" + label + "'>[^{}]*\\}");
@@ -97,7 +97,7 @@ TEST_F(MenuStatusNotifierTest, PausingIsMarkedAndShowsInTheIcon) {
     EXPECT_TRUE(observer.waitUntil([&] { return desktop.property("IconPixmap") != icon; }));
 }
 
-TEST_F(MenuStatusNotifierTest, AMoveOfTheMenuMovesTheActiveWindow) {
+TEST_F(MenuStatusNotifierTest, AMoveFromTheMenuMovesTheActiveWindow) {
     TestClient client{server};
     const xcb_window_t window = client.open();
     ASSERT_TRUE(observer.waitUntil([&] { return observer.activeWindow() == window; }));
@@ -111,7 +111,7 @@ TEST_F(MenuStatusNotifierTest, AMoveOfTheMenuMovesTheActiveWindow) {
         << observer.outerFrame(window).value_or(Frame{});
 }
 
-TEST_F(MenuStatusNotifierTest, QuitEndsTheProgramAndTakesTheItemAway) {
+TEST_F(MenuStatusNotifierTest, QuitEndsTheProgramAndRemovesTheItem) {
     ASSERT_TRUE(desktop.choose(openedMenu(), "Quit Tessarel"));
 
     EXPECT_EQ(program->process().waitForExit(), 0);

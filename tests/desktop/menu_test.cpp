@@ -11,7 +11,7 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-// Places of rows in the menu of a program that may do everything, separators not counted: hardly any height.
+// Row positions in the menu of a program with all permissions. Separators are too thin to count.
 constexpr int kRows = 13;
 constexpr int kZone1Row = 1;
 constexpr int kArrangeRow = 6;
@@ -19,14 +19,14 @@ constexpr int kMoveWindowRow = 7;
 constexpr int kLayoutsRow = 8;
 constexpr int kPauseRow = 9;
 constexpr int kQuitRow = 12;
-constexpr int kSubmenuRows = 9; // of either submenu
+constexpr int kSubmenuRows = 9; // of both submenus
 constexpr int kLeftHalfRow = 0;
 constexpr int kHalvesRow = 1;
-constexpr int kDimmed = 150; // contrast between that of a usual icon and that of a dimmed one
+constexpr int kDimmed = 150; // between the contrast of a normal icon and that of a dimmed one
 constexpr Combination kEscape{9};
 constexpr Combination kReturn{key::kReturn};
 
-/// The program with its icon in a panel that takes icons in as windows, driven by the mouse.
+/// The program with its icon embedded in a panel (XEmbed), used with the mouse.
 class MenuTest : public testing::Test {
 protected:
     static Environment withoutBus(Environment environment) {
@@ -59,25 +59,25 @@ protected:
     bool waitForMenus(std::size_t count) {
         return observer.waitUntil([&] { return item.menus().size() == count; });
     }
-    /// Waits until the program has dealt with all that was done to it.
+    /// Waits until the program has processed all input.
     bool waitUntilAtRest() { return program->waitUntilAtRest(observer); }
     void openMenu() {
         ASSERT_TRUE(waitUntilAtRest());
         mouse.clickCentre(item.waitForIcon(), Mouse::kLeft);
         ASSERT_TRUE(waitForMenus(1)) << "no menu opens";
     }
-    /// A menu that has just come up may not hold the keyboard yet.
+    /// Repeats Escape, because a menu that has just opened may not have grabbed the keyboard yet.
     void closeMenu() {
         ASSERT_TRUE(observer.waitUntil([&] {
             keyboard.press(kEscape);
             return item.menus().empty();
         }));
     }
-    /// Waits until the layout is on the disk and in use: the hot keys are claimed anew after it is stored.
+    /// Waits until the layout is stored and in use: the hot keys are grabbed again after it is stored.
     bool waitUntilLayoutIsKept() {
         return waitUntilStored(observer, server, R"("zones")") && waitUntilAtRest();
     }
-    /// A paused program dims its icon to two fifths.
+    /// A paused program draws its icon with two fifths of the opacity.
     bool waitUntilDimmed() {
         return observer.waitUntil([&] { return item.contrast() > 0 && item.contrast() < kDimmed; });
     }
@@ -97,7 +97,7 @@ protected:
         EXPECT_TRUE(waitForMenus(0)) << "the menu stays open";
     }
 
-    /// Whether `window` gets to `wanted` and stays there.
+    /// Waits until `window` has the frame `wanted` and keeps it.
     testing::AssertionResult goesTo(xcb_window_t window, const Frame& wanted) {
         const auto there = [&] { return observer.outerFrame(window) == wanted; };
         if (observer.waitUntil([&] { return there() && observer.settle() && there(); }))
@@ -119,7 +119,7 @@ protected:
     Frame area;
 };
 
-TEST_F(MenuTest, AZoneOfTheMenuTakesTheWindowBelow) {
+TEST_F(MenuTest, AZoneRowSnapsTheActiveWindow) {
     start();
     const xcb_window_t window = openWindow();
 
@@ -128,7 +128,7 @@ TEST_F(MenuTest, AZoneOfTheMenuTakesTheWindowBelow) {
     EXPECT_TRUE(goesTo(window, frameIn(area, kZones[0])));
 }
 
-TEST_F(MenuTest, AMoveOfTheSubmenuMovesTheWindowBelow) {
+TEST_F(MenuTest, AMoveFromTheSubmenuMovesTheActiveWindow) {
     start();
     const xcb_window_t window = openWindow();
 
@@ -149,7 +149,7 @@ TEST_F(MenuTest, ArrangingPutsTheFrontWindowFirst) {
     EXPECT_TRUE(goesTo(back, frameIn(area, kZones[1])));
 }
 
-TEST_F(MenuTest, ALayoutIsAppliedKeptAndMovesNothingYet) {
+TEST_F(MenuTest, ApplyingALayoutStoresItAndMovesNoWindow) {
     start();
     const xcb_window_t window = openWindow();
     const auto before = observer.outerFrame(window);
@@ -166,7 +166,7 @@ TEST_F(MenuTest, TheMenuHasARowForEachZoneOfTheLayout) {
     start();
     openMenu();
     const int rowHeight = item.menus().at(0).height / kRows;
-    mouse.clickCentre(ShownStatusItem::row(item.menus().at(0), 0, kRows), Mouse::kLeft); // the title: nothing
+    mouse.clickCentre(ShownStatusItem::row(item.menus().at(0), 0, kRows), Mouse::kLeft); // the title row
     ASSERT_TRUE(waitUntilAtRest());
     ASSERT_EQ(item.menus().size(), 1U);
     const int before = item.menus().at(0).height;
@@ -198,7 +198,7 @@ TEST_F(MenuTest, PauseStopsTheHotKeysUntilItIsChosenAgain) {
     EXPECT_TRUE(goesTo(window, frameIn(area, kZones[1])));
 }
 
-TEST_F(MenuTest, QuitEndsTheProgramInGoodOrder) {
+TEST_F(MenuTest, QuitEndsTheProgramCleanly) {
     start();
 
     choose(kQuitRow);
@@ -210,7 +210,7 @@ TEST_F(MenuTest, QuitEndsTheProgramInGoodOrder) {
     EXPECT_TRUE(observer.waitUntil([&] { return !item.icon(); }));
 }
 
-TEST_F(MenuTest, AnOpenMenuDoesNotKeepTheProgramFromEnding) {
+TEST_F(MenuTest, AnOpenMenuDoesNotKeepTheProgramFromExiting) {
     start();
     openMenu();
 
@@ -221,7 +221,7 @@ TEST_F(MenuTest, AnOpenMenuDoesNotKeepTheProgramFromEnding) {
     EXPECT_TRUE(waitForMenus(0));
 }
 
-TEST_F(MenuTest, AnOpenMenuEndsWithTheServer) {
+TEST_F(MenuTest, TheProgramExitsWithAMessageWhenTheServerDiesUnderAnOpenMenu) {
     start();
     openMenu();
 
@@ -231,7 +231,7 @@ TEST_F(MenuTest, AnOpenMenuEndsWithTheServer) {
     EXPECT_EQ(program->errors(), "tessarel: lost the connection to the X display\n");
 }
 
-TEST_F(MenuTest, TheFirstStartWelcomesOnceAndLeavesTheMenu) {
+TEST_F(MenuTest, TheMenuWorksAfterTheWelcomeOfTheFirstStart) {
     start("{}");
     const auto welcomes = [&] {
         return observer.text(observer.activeWindow(), "WM_CLASS").find("tessarel") != std::string::npos;

@@ -19,7 +19,7 @@ constexpr Rect kRight{800, 0, 800, 900};
 const QColor kAccentColor(0x0a, 0x84, 0xff);
 const QColor kWhite(Qt::white);
 
-/// The accent colour at `alpha` over `below`.
+/// Returns the accent colour at `alpha` over `below`.
 QColor tinted(const QColor& below, double alpha) {
     const auto mix = [alpha](int upper, int lower) { return qRound(upper * alpha + lower * (1 - alpha)); };
     return {mix(0x0a, below.red()), mix(0x84, below.green()), mix(0xff, below.blue())};
@@ -28,7 +28,7 @@ QColor tinted(const QColor& below, double alpha) {
 const std::vector<OverlayFigure> kLeftHighlighted = {zoneFigure(kLeft, "1", true), zoneFigure(kRight, "2")};
 const std::vector<OverlayFigure> kRightHighlighted = {zoneFigure(kLeft, "1"), zoneFigure(kRight, "2", true)};
 
-/// The same in both looks.
+/// Tests that run with the translucent look (with a compositor) and the outlined look.
 class OverlayInBothLooksTest : public OverlayDesktopTest, public testing::WithParamInterface<bool> {
 protected:
     void SetUp() override {
@@ -39,7 +39,7 @@ protected:
         observer.activate(target->window());
         ASSERT_TRUE(waitUntil([&] { return observer.activeWindow() == target->window(); }));
         ASSERT_TRUE(observer.settle());
-        ASSERT_TRUE(becomes(400, 300, kWhite)); // a compositor paints later
+        ASSERT_TRUE(becomes(400, 300, kWhite)); // a compositor paints with a delay
     }
 
     void TearDown() override {
@@ -47,7 +47,7 @@ protected:
         EXPECT_TRUE(waitUntil([&] { return observer.clients().empty(); }));
     }
 
-    /// A pixel of the target zone, that of its outline in one look, of its fill in the other.
+    /// Waits for a pixel of the highlighted zone's fill (translucent look) or outline (outlined look).
     [[nodiscard]] testing::AssertionResult leftIsHighlighted() {
         return GetParam() ? becomes(400, 300, tinted(kWhite, 0.35)) : becomes(6, 300, kAccentColor);
     }
@@ -83,7 +83,7 @@ TEST_P(OverlayInBothLooksTest, TheFocusAndTheKeysStayWithTheWindowBelow) {
     EXPECT_EQ(observer.activeWindow(), target->window());
 }
 
-TEST_P(OverlayInBothLooksTest, AWindowThatIsRaisedStaysBelow) {
+TEST_P(OverlayInBothLooksTest, ARaisedWindowStaysBelowTheOverlay) {
     show(kDesktop, kLeftHighlighted);
     ASSERT_TRUE(leftIsHighlighted());
 
@@ -96,7 +96,7 @@ TEST_P(OverlayInBothLooksTest, AWindowThatIsRaisedStaysBelow) {
     EXPECT_TRUE(GetParam() || becomes(797, 300, kWhite));
 }
 
-TEST_P(OverlayInBothLooksTest, NobodyManagesOrListsTheOverlay) {
+TEST_P(OverlayInBothLooksTest, TheWindowManagerDoesNotListTheOverlay) {
     show(kDesktop, kLeftHighlighted);
     ASSERT_TRUE(leftIsHighlighted());
     ASSERT_TRUE(observer.settle());
@@ -104,7 +104,7 @@ TEST_P(OverlayInBothLooksTest, NobodyManagesOrListsTheOverlay) {
     EXPECT_EQ(observer.clients(), std::vector<xcb_window_t>{target->window()});
 }
 
-TEST_P(OverlayInBothLooksTest, WhenItGoesOutTheDesktopIsAsItWas) {
+TEST_P(OverlayInBothLooksTest, HidingTheOverlayRestoresTheDesktop) {
     const QColor zone = screenPixel(400, 300);
     const QColor line = screenPixel(6, 300);
     show(kDesktop, kLeftHighlighted);
@@ -117,7 +117,7 @@ TEST_P(OverlayInBothLooksTest, WhenItGoesOutTheDesktopIsAsItWas) {
     EXPECT_TRUE(becomes(6, 300, line));
 }
 
-TEST_P(OverlayInBothLooksTest, TheHighlightMovesAndLeavesNothingBehind) {
+TEST_P(OverlayInBothLooksTest, AMovedHighlightLeavesNothingBehind) {
     show(kDesktop, kLeftHighlighted);
     ASSERT_TRUE(leftIsHighlighted());
 
@@ -133,7 +133,7 @@ TEST_P(OverlayInBothLooksTest, TheHighlightMovesAndLeavesNothingBehind) {
     EXPECT_TRUE(becomes(400, 450, kWhite));
 }
 
-TEST_P(OverlayInBothLooksTest, AHundredDragsEndWithTheDesktopAsItWas) {
+TEST_P(OverlayInBothLooksTest, AHundredDragsLeaveNothingBehind) {
     const QColor line = screenPixel(6, 300);
     for (int drag = 0; drag < 100; ++drag) {
         show(kDesktop, drag % 2 == 0 ? kLeftHighlighted : kRightHighlighted);
@@ -144,7 +144,7 @@ TEST_P(OverlayInBothLooksTest, AHundredDragsEndWithTheDesktopAsItWas) {
     EXPECT_TRUE(becomes(6, 300, line));
 }
 
-TEST_F(OverlayDesktopTest, TheOutlinedWindowIsNowhereButOnItsLines) {
+TEST_F(OverlayDesktopTest, TheOutlinedWindowIsShapedLikeItsLinesAndTakesNoInput) {
     show(kDesktop, {zoneFigure({100, 100, 300, 200}, "1")});
 
     const auto shape = [&](xcb_shape_sk_t kind) {
@@ -162,7 +162,7 @@ TEST_F(OverlayDesktopTest, TheOutlinedWindowIsNowhereButOnItsLines) {
     EXPECT_TRUE(shape(XCB_SHAPE_SK_INPUT).isEmpty());
 }
 
-TEST_F(OverlayDesktopTest, TheLookFollowsACompositorThatComesAndGoesBetweenDrags) {
+TEST_F(OverlayDesktopTest, TheLookFollowsACompositorStartedAndStoppedBetweenDrags) {
     for (int round = 0; round < 2; ++round) {
         show(kDesktop, kLeftHighlighted);
         EXPECT_EQ(surface()->kind(), X11OverlayWidget::Kind::Outlined);
@@ -178,7 +178,7 @@ TEST_F(OverlayDesktopTest, TheLookFollowsACompositorThatComesAndGoesBetweenDrags
     }
 }
 
-TEST_F(OverlayDesktopTest, WhenTheCompositorEndsDuringADragTheOutlinesTakeOver) {
+TEST_F(OverlayDesktopTest, TheOutlinesReplaceTheFillWhenTheCompositorEndsDuringADrag) {
     startCompositor();
     show(kDesktop, kLeftHighlighted);
     ASSERT_TRUE(becomes(400, 300, tinted(Qt::black, 0.35)));
@@ -193,7 +193,7 @@ TEST_F(OverlayDesktopTest, WhenTheCompositorEndsDuringADragTheOutlinesTakeOver) 
     EXPECT_EQ(surface(), nullptr);
 }
 
-TEST_F(OverlayDesktopTest, ACompositorThatStartsDuringADragDoesNotDisturbIt) {
+TEST_F(OverlayDesktopTest, ACompositorStartedDuringADragDoesNotChangeTheLook) {
     show(kDesktop, kLeftHighlighted);
     ASSERT_TRUE(becomes(6, 300, kAccentColor));
 
@@ -218,7 +218,7 @@ TEST_F(OverlayDesktopTest, TheOverlayMovesFromScreenToScreen) {
     EXPECT_EQ(observer.clientFrame(surfaceWindow()), (Frame{0, 0, 700, 500}));
 }
 
-TEST_F(OverlayDesktopTest, AScreenThatIsTakenAwayTakesNothingElseWithIt) {
+TEST_F(OverlayDesktopTest, TheOverlayWorksAfterItsScreenWasRemoved) {
     server().setMonitors({{.name = "L", .x = 0, .y = 0, .width = 700, .height = 900, .primary = true},
                           {.name = "R", .x = 700, .y = 0, .width = 900, .height = 900, .primary = false}});
     turn();
@@ -236,7 +236,7 @@ TEST_F(OverlayDesktopTest, AScreenThatIsTakenAwayTakesNothingElseWithIt) {
     EXPECT_TRUE(becomes(6, 500, kAccentColor));
 }
 
-/// Every scale factor, in both looks, on a display of odd size that is not at the corner of the desktop.
+/// Every scale factor in both looks, on a display of odd size that is not at the corner of the desktop.
 class OverlayScaleTest : public OverlayDesktopTest,
                          public testing::WithParamInterface<std::tuple<const char*, bool>> {
 protected:
@@ -256,8 +256,8 @@ INSTANTIATE_TEST_SUITE_P(, OverlayScaleTest,
                          testing::Combine(testing::Values("1", "1.25", "1.5", "1.75", "2", "3"),
                                           testing::Bool()));
 
-TEST_P(OverlayScaleTest, FiguresAreOnTheVeryPixelsOfTheirZones) {
-    const Rect zone{7, 5, 1356, 764}; // its shape is from 242 to 1594 and from 38 to 798 of the root window
+TEST_P(OverlayScaleTest, FiguresCoverTheExactPixelsOfTheirZones) {
+    const Rect zone{7, 5, 1356, 764}; // its shape covers x 242 to 1594 and y 38 to 798 of the root window
     show({233, 31, 1363, 769}, {zoneFigure(zone, {}, true)});
 
     if (std::get<1>(GetParam())) {
@@ -278,7 +278,7 @@ TEST_P(OverlayScaleTest, FiguresAreOnTheVeryPixelsOfTheirZones) {
     EXPECT_TRUE(becomes(900, 800, Qt::black));
 }
 
-TEST_P(OverlayScaleTest, WhatIsRepaintedLooksAsIfItWereShownForTheFirstTime) {
+TEST_P(OverlayScaleTest, RepaintingGivesTheSamePixelsAsTheFirstShow) {
     const std::vector<OverlayFigure> zones = {zoneFigure({3, 3, 677, 761}, "1"),
                                               zoneFigure({683, 3, 677, 761}, "2", true)};
     const std::vector<OverlayFigure> others = {zoneFigure({3, 3, 677, 761}, "1", true),

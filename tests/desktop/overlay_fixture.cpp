@@ -9,7 +9,7 @@ namespace tessarel::qt {
 namespace {
 
 bool isClose(const QColor& one, const QColor& other) {
-    constexpr int kTolerance = 3; // the compositor rounds once more
+    constexpr int kTolerance = 3; // the compositor's rounding adds to ours
     return std::abs(one.red() - other.red()) <= kTolerance &&
            std::abs(one.green() - other.green()) <= kTolerance &&
            std::abs(one.blue() - other.blue()) <= kTolerance;
@@ -22,7 +22,7 @@ std::vector<Rect> boundsOf(const std::vector<OverlayFigure>& list) {
     return bounds;
 }
 
-/// A black wallpaper, which compositors need to be told of; without one they paint another than the server.
+/// A black wallpaper, published in _XROOTPMAP_ID. Without it, compositors paint a background of their own.
 class Wallpaper {
 public:
     explicit Wallpaper(const x11test::XServer& server) : m_x(server.display()) {
@@ -40,7 +40,7 @@ public:
     }
 
 private:
-    x11test::XConnection m_x; // the pixmap goes with it
+    x11test::XConnection m_x; // owns the pixmap
 };
 
 } // namespace
@@ -129,7 +129,7 @@ QColor OverlayDesktopTest::screenPixel(int x, int y) {
 
 QImage OverlayDesktopTest::settledScreen(const QRect& area) {
     turn();
-    // A compositor shows what was drawn before along with a window that comes up afterwards.
+    // The marker window is mapped last, so a compositor that shows it has painted everything drawn before.
     const QColor before = screenPixel(0, 0);
     const std::uint32_t values[] = {observer.x().screen().white_pixel, 1};
     xcb_connection_t* const xcb = observer.x().get();

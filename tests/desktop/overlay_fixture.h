@@ -26,37 +26,36 @@
 
 namespace tessarel::qt {
 
-/// A desktop with an overlay on it, seen through the eyes of the X server.
-///
-/// The frames that the overlay is given are pixels of the root window.
+/// A desktop with an overlay, observed through the X server. The overlay's frames are in pixels of the root
+/// window.
 class OverlayDesktopTest : public testing::Test {
 protected:
-    /// The scale factor of the user, as the environment tells it to Qt; none when empty.
+    /// `scaleFactor` is the value of QT_SCALE_FACTOR; empty leaves it unset.
     explicit OverlayDesktopTest(const std::string& scaleFactor = {});
     ~OverlayDesktopTest() override;
 
     void startCompositor();
     void stopCompositor();
 
-    /// Shows `list` on `rootFrame`, and waits until the server has heard of it.
+    /// Shows the figures `list` on `rootFrame` and waits until the server has processed it.
     void show(const Rect& rootFrame, const std::vector<OverlayFigure>& list);
-    /// Shows `list` where the overlay is, in place of what was there.
+    /// Replaces the figures of the shown overlay by `list`.
     void change(const std::vector<OverlayFigure>& list);
     void hide();
-    /// Waits until Qt and the server have dealt with all that has happened.
+    /// Waits until Qt and the server have processed all pending events and requests.
     void turn();
-    /// Waits until `holds`, while Qt's loop turns.
+    /// Waits until `holds` returns true, while Qt's event loop runs.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& holds);
 
-    /// What stands on the screen.
+    /// Returns the contents of the screen.
     [[nodiscard]] QImage screen(const QRect& area);
     [[nodiscard]] QColor screenPixel(int x, int y);
-    /// The same once a compositor has put on the screen all that has been drawn.
+    /// Like screen(), once a compositor has painted everything drawn so far.
     [[nodiscard]] QImage settledScreen(const QRect& area);
-    /// Waits until a pixel of the screen has `color`, give or take a little.
+    /// Waits until a pixel of the screen has `color`, within a small tolerance.
     testing::AssertionResult becomes(int x, int y, const QColor& color);
 
-    /// The surface that is shown; null without one.
+    /// Returns the visible overlay widget, or null.
     [[nodiscard]] static X11OverlayWidget* surface();
     [[nodiscard]] static xcb_window_t surfaceWindow();
 

@@ -9,7 +9,7 @@
 namespace tessarel::x11test {
 namespace {
 
-/// A press and the share of the usable area that it stands for.
+/// A hot key and the share of the usable area that it snaps to.
 struct Placement {
     const char* name;
     Combination combination;
@@ -45,7 +45,7 @@ protected:
         }
     }
 
-    /// Where `placement` puts the window in the end.
+    /// Returns the frame that the window has after `placement`.
     Frame expected(const Placement& placement, const Frame& before) {
         const Frame zone = frameIn(area, placement.share);
         switch (effectiveRule(desktop.manager(), kind.rule)) {
@@ -61,7 +61,7 @@ protected:
         return {};
     }
 
-    /// The largest frame in `zone` whose client has a whole number of steps.
+    /// Returns the largest frame in `zone` whose client size is a whole number of resize increments.
     Frame stepped(const Frame& zone) {
         const Extents border = borders();
         const auto largest = [](int room, int base, int step) { return base + (room - base) / step * step; };
@@ -80,7 +80,7 @@ protected:
 
     Extents borders() { return desktop.observer().extents(window, "_NET_FRAME_EXTENTS").value_or(Extents{}); }
 
-    /// Another window's turn shows that the program has finished with this one.
+    /// Once another window has been snapped, the program has finished with this one.
     void expectNextPressWorks() {
         const xcb_window_t other = desktop.open(client);
         const Frame zone = frameIn(area, kZones[3]);
@@ -119,7 +119,7 @@ TEST_P(PlacementTest, CentreKeepsTheSize) {
     EXPECT_EQ(desktop.settledFrame(window, wanted), wanted);
 }
 
-TEST_P(PlacementTest, RestoreBringsBackTheFormerFrame) {
+TEST_P(PlacementTest, RestoreMovesTheWindowBackToItsPreviousFrame) {
     giveStates();
     const Frame before = desktop.frame(window);
     const Frame wanted = expected(kPlacements[4], before);

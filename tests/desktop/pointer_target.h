@@ -10,7 +10,7 @@
 
 namespace tessarel::x11test {
 
-/// A window of another program that counts what the user does to it.
+/// A window of another client that counts clicks, keys and focus losses.
 class PointerTarget {
 public:
     PointerTarget(const XServer& server, Observer& observer, const Frame& frame)
@@ -29,7 +29,7 @@ public:
 
     [[nodiscard]] xcb_window_t window() const { return m_window; }
 
-    /// Clicks at `point` of the root window.
+    /// Clicks at a point of the root window.
     void click(std::int16_t x, std::int16_t y) {
         fake(XCB_MOTION_NOTIFY, 0, x, y);
         fake(XCB_BUTTON_PRESS, 1, 0, 0);

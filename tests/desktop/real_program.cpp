@@ -24,12 +24,12 @@ StartedProgram start(const RealProgram& program, Desktop& desktop) {
     const std::size_t before = observer.clients().size();
     Environment environment = desktop.server().environment();
     environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
-    environment["GSK_RENDERER"] = "cairo"; // there is no graphics card
+    environment["GSK_RENDERER"] = "cairo"; // there is no GPU
     auto process = std::make_unique<ChildProcess>(program.arguments, environment);
     EXPECT_TRUE(observer.waitUntil([&] { return observer.clients().size() > before; })) << process->errors();
     const xcb_window_t window = observer.clients().back();
     observer.watch(window);
-    // Until it answers, it may still give its window another size.
+    // Until it replies to a ping, the program may still resize its window.
     if (speaksPing(observer, window)) {
         EXPECT_TRUE(observer.settleProgram(window)) << process->errors();
     }

@@ -12,7 +12,7 @@
 
 namespace tessarel::x11test {
 
-/// A program as it is installed.
+/// An installed program with the arguments to start it.
 struct RealProgram {
     const char* name;
     std::vector<std::string> arguments;
@@ -25,10 +25,10 @@ inline const RealProgram kQtProgram{"qt", {"featherpad", "--standalone"}};
 
 std::ostream& operator<<(std::ostream& stream, const RealProgram& program);
 
-/// A program that runs on a desktop, and its window; it ends with this.
+/// A running program and its window. The destructor ends the program.
 struct StartedProgram {
     std::unique_ptr<ChildProcess> process;
-    xcb_window_t window = XCB_WINDOW_NONE; ///< managed
+    xcb_window_t window = XCB_WINDOW_NONE; ///< already managed
 };
 
 [[nodiscard]] StartedProgram start(const RealProgram& program, Desktop& desktop);

@@ -24,7 +24,8 @@ protected:
         return program.window;
     }
 
-    /// Whether the window fills the zone, but for what is left of a character at the right and below.
+    /// Returns true if the window fills the zone except for less than one resize increment at the right and
+    /// below.
     [[nodiscard]] bool isInZone(xcb_window_t window) {
         const std::vector<std::uint32_t> hints = observer.values(window, "WM_NORMAL_HINTS");
         const bool hasSteps = hints.size() > 10 && (hints[0] & kHasSteps) != 0;

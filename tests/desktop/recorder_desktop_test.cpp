@@ -14,7 +14,7 @@ constexpr xcb_keycode_t kB = 56;
 constexpr Combination kFree{kB, kControlAlt};
 constexpr Combination kZone1{key::kDigit1, kControlAlt};
 
-/// A recorder on the Shortcuts tab, by the keyboard and the mouse of a real server.
+/// A recorder button on the Shortcuts tab, used with the keyboard and mouse of a real server.
 class RecorderDesktopTest : public SettingsDesktopTest {
 protected:
     void SetUp() override {
@@ -33,7 +33,7 @@ protected:
         return waitUntil([this] { return keyboard.isFree(); });
     }
 
-    /// Waits until the key that is held has been repeated to the program some times: each time wakes it.
+    /// Waits until the program has received several auto-repeats of the pressed key; each of them wakes it.
     [[nodiscard]] bool waitUntilRepeatedTo() {
         constexpr int kTimes = 10;
         std::optional<long> last;
@@ -59,8 +59,8 @@ protected:
 TEST_F(RecorderDesktopTest, ACombinationThatIsAHotKeyReachesTheRecorder) {
     record();
 
-    // The message stands for a little more than a second; a reader that is slower sees that of the next
-    // press.
+    // The message is shown for little more than a second. If reading takes longer, the next press shows it
+    // again.
     EXPECT_TRUE(waitUntil([&] {
         keyboard.press(kZone1);
         return reader.look(recorder).description == "In use: Snap to Zone 1";
@@ -69,7 +69,7 @@ TEST_F(RecorderDesktopTest, ACombinationThatIsAHotKeyReachesTheRecorder) {
     EXPECT_FALSE(keyboard.isFree());
 }
 
-TEST_F(RecorderDesktopTest, ANewHotKeyWorksAtOnceAndTheOldOneNoMore) {
+TEST_F(RecorderDesktopTest, ANewHotKeyReplacesTheOldOneAtOnce) {
     record();
 
     keyboard.press(kFree);
@@ -100,7 +100,7 @@ TEST_F(RecorderDesktopTest, ANewHotKeyMovesAWindow) {
         << testing::PrintToString(observer.outerFrame(target).value_or(Frame{}).x);
 }
 
-TEST_F(RecorderDesktopTest, TheSuperKeyIsRecordedAsSuch) {
+TEST_F(RecorderDesktopTest, TheSuperKeyIsRecordedAsSuper) {
     record();
 
     keyboard.press({kB, XCB_MOD_MASK_4 | XCB_MOD_MASK_SHIFT});
@@ -120,7 +120,7 @@ TEST_F(RecorderDesktopTest, AShortcutOfTheWindowIsRecordedAndDoesNotCloseIt) {
     EXPECT_EQ(observer.activeWindow(), window);
 }
 
-TEST_F(RecorderDesktopTest, ACombinationThatIsHeldDoesNothingBeforeItIsPressedAnew) {
+TEST_F(RecorderDesktopTest, ARecordedCombinationActsOnlyOnceItIsReleasedAndPressedAgain) {
     const Accessible arranging = button("Arrange windows into zones");
     const xcb_window_t bystander = other.open();
     ASSERT_TRUE(waitUntil([&] { return observer.activeWindow() == bystander; }));
@@ -145,8 +145,8 @@ TEST_F(RecorderDesktopTest, ACombinationThatIsHeldDoesNothingBeforeItIsPressedAn
     EXPECT_TRUE(waitUntil(hasMoved));
 }
 
-TEST_F(RecorderDesktopTest, TheKeyboardStartsARecordingToo) {
-    keyboard.press({key::kReturn, 0}); // not yet: the focus is on the tab
+TEST_F(RecorderDesktopTest, SpaceAndReturnStartARecording) {
+    keyboard.press({key::kReturn, 0}); // no effect yet: the focus is on the tab bar
     constexpr xcb_keycode_t kTab = 23;
     constexpr xcb_keycode_t kSpace = 65;
     keyboard.press({kTab, 0});
@@ -161,7 +161,7 @@ TEST_F(RecorderDesktopTest, TheKeyboardStartsARecordingToo) {
     }
 }
 
-TEST_F(RecorderDesktopTest, EscapeLetsGoOfTheKeyboard) {
+TEST_F(RecorderDesktopTest, EscapeReleasesTheKeyboardGrab) {
     record();
 
     keyboard.press({kEscape, 0});
@@ -170,7 +170,7 @@ TEST_F(RecorderDesktopTest, EscapeLetsGoOfTheKeyboard) {
     EXPECT_TRUE(comesToSay(recorder, "Ctrl+Alt+2"));
 }
 
-TEST_F(RecorderDesktopTest, AnotherTabLetsGoOfTheKeyboard) {
+TEST_F(RecorderDesktopTest, ChangingTheTabReleasesTheKeyboardGrab) {
     record();
 
     showTab("General");
@@ -178,7 +178,7 @@ TEST_F(RecorderDesktopTest, AnotherTabLetsGoOfTheKeyboard) {
     EXPECT_TRUE(becomesFree());
 }
 
-TEST_F(RecorderDesktopTest, AnotherWindowLetsGoOfTheKeyboard) {
+TEST_F(RecorderDesktopTest, ActivatingAnotherWindowReleasesTheKeyboardGrab) {
     record();
 
     observer.activate(other.open());
@@ -187,7 +187,7 @@ TEST_F(RecorderDesktopTest, AnotherWindowLetsGoOfTheKeyboard) {
     EXPECT_TRUE(comesToSay(recorder, "Ctrl+Alt+2"));
 }
 
-TEST_F(RecorderDesktopTest, ClosingTheWindowLetsGoOfTheKeyboardAndEndsTheRecording) {
+TEST_F(RecorderDesktopTest, ClosingTheWindowReleasesTheKeyboardGrabAndEndsTheRecording) {
     record();
 
     observer.sendToRoot(window, "_NET_CLOSE_WINDOW", {XCB_CURRENT_TIME, 2, 0, 0, 0});
@@ -198,7 +198,7 @@ TEST_F(RecorderDesktopTest, ClosingTheWindowLetsGoOfTheKeyboardAndEndsTheRecordi
     EXPECT_TRUE(comesToSay(button("Snap to Zone 2"), "Ctrl+Alt+2"));
 }
 
-TEST_F(RecorderDesktopTest, AKilledProgramLetsGoOfTheKeyboard) {
+TEST_F(RecorderDesktopTest, KillingTheProgramReleasesTheKeyboardGrab) {
     record();
 
     program->process().kill();

@@ -21,7 +21,7 @@ constexpr const char* kComponent = "org.a11y.atspi.Component";
 constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
 constexpr std::uint32_t kOfTheScreen = 0;
 
-// Positions of the states.
+// Bit positions of the AT-SPI states.
 constexpr unsigned kEnabled = 8;
 constexpr unsigned kFocusable = 11;
 constexpr unsigned kFocused = 12;
@@ -34,7 +34,7 @@ QDBusConnection connect(const QString& address) {
     return connection;
 }
 
-/// The words that stand in a list on the bus.
+/// Returns the elements of a D-Bus array of 32-bit integers.
 std::vector<std::uint32_t> words(const QVariant& list) {
     std::vector<std::uint32_t> all;
     const auto argument = list.value<QDBusArgument>();
@@ -84,7 +84,7 @@ QVariant ScreenReader::call(const Reference& object, const char* interface, cons
     auto message = QDBusMessage::createMethodCall(object.service, object.path, QLatin1String(interface),
                                                   QLatin1String(method));
     message.setArguments(arguments);
-    return m_connection.call(message).arguments().value(0); // none from what has gone meanwhile
+    return m_connection.call(message).arguments().value(0); // invalid if the object no longer exists
 }
 
 std::string ScreenReader::property(const Reference& object, const char* name) const {

@@ -15,41 +15,41 @@
 
 namespace tessarel::x11test {
 
-/// A part of a program's windows as it is told to those who do not see it.
+/// A part of a program's windows as the accessibility bus describes it.
 struct Accessible {
-    std::string service; ///< with `path` the object that it is
+    std::string service; ///< together with `path`, the D-Bus object
     std::string path;
     std::string name;
     std::string description;
-    std::string role; ///< such as "push button"
+    std::string role; ///< for example "push button"
     bool isEnabled = false;
     bool isFocusable = false;
     bool isFocused = false;
-    bool isShowing = false; ///< it and all that it is in
+    bool isShowing = false; ///< the part itself and all its ancestors
     Frame frame;            ///< in pixels of the root window
 };
 
-/// A screen reader on a bus of its own, on which programs tell of their windows.
+/// A screen reader with a session bus of its own, on which programs publish their accessibility trees.
 class ScreenReader {
 public:
-    /// Throws std::runtime_error when the bus does not come up.
+    /// Throws std::runtime_error if the bus does not start.
     explicit ScreenReader(Environment environment);
     ~ScreenReader();
     ScreenReader(const ScreenReader&) = delete;
     ScreenReader& operator=(const ScreenReader&) = delete;
 
-    /// For programs that are to be read.
+    /// Returns the environment for programs to be read.
     [[nodiscard]] const Environment& environment() const { return m_environment; }
 
-    /// All that is in the windows of the program called `application`, the windows included, each before what
-    /// is in it. Empty while there is no such program.
+    /// Returns all parts of all windows of the program `application`, the windows included, parents before
+    /// children. Empty while there is no such program.
     [[nodiscard]] std::vector<Accessible> read(std::string_view application) const;
-    /// The first showing part with this role and name.
+    /// Returns the first showing part with this role and name.
     [[nodiscard]] std::optional<Accessible> find(std::string_view application, std::string_view role,
                                                  std::string_view name) const;
-    /// The same part as it is now.
+    /// Reads the current state of a part again.
     [[nodiscard]] Accessible look(const Accessible& before) const;
-    /// Does what the part is for, as its first action. False when it has none.
+    /// Performs the first action of the part. Returns false if it has none.
     [[nodiscard]] bool act(const Accessible& part) const;
 
 private:
@@ -65,13 +65,13 @@ private:
     [[nodiscard]] std::string roleOf(const Reference& object) const;
     [[nodiscard]] Accessible describe(const Reference& object) const;
     [[nodiscard]] std::vector<Reference> windowsOf(std::string_view application) const;
-    /// The first showing part with this role and name among `object` and what is in it.
+    /// Returns the first showing part with this role and name among `object` and its descendants.
     [[nodiscard]] std::optional<Accessible> findIn(const Reference& object, std::string_view role,
                                                    std::string_view name) const;
     void readInto(std::vector<Accessible>& parts, const Reference& object) const;
 
     Environment m_environment;
-    ChildProcess m_sessionBus; // which starts the bus that programs are read on
+    ChildProcess m_sessionBus; // starts the accessibility bus on demand
     QDBusConnection m_connection;
 };
 

@@ -6,7 +6,7 @@
 namespace tessarel::x11test {
 namespace {
 
-/// The program from its start to its end, under one window manager.
+/// The program from start to exit.
 class SessionTest : public testing::Test {
 protected:
     Frame zoneFrame(int number, const Spacing& spacing = {}) {
@@ -19,7 +19,7 @@ protected:
         EXPECT_EQ(desktop.settledFrame(window, wanted), wanted) << "zone " << number;
     }
 
-    /// Starts the program once more: the first copy shows its window.
+    /// Starts a second instance, which makes the first one show its settings window.
     xcb_window_t openSettings() {
         const xcb_window_t window = openSettingsWindow(desktop.observer(), desktop.server().environment());
         EXPECT_NE(window, xcb_window_t{XCB_WINDOW_NONE});
@@ -30,7 +30,7 @@ protected:
     TestClient client{desktop.server()};
 };
 
-TEST_F(SessionTest, EndsInGoodOrderAndLeavesNothingBehindWhenAskedTo) {
+TEST_F(SessionTest, ExitsCleanlyAndSilentlyOnSigterm) {
     ASSERT_TRUE(desktop.start());
 
     EXPECT_TRUE(desktop.stop());
@@ -38,7 +38,7 @@ TEST_F(SessionTest, EndsInGoodOrderAndLeavesNothingBehindWhenAskedTo) {
     EXPECT_EQ(desktop.program().errors(), "");
 }
 
-TEST_F(SessionTest, ASecondStartEndsAtOnceAndTheFirstGoesOn) {
+TEST_F(SessionTest, ASecondInstanceExitsAndTheFirstKeepsWorking) {
     ASSERT_TRUE(desktop.start());
     const xcb_window_t window = desktop.open(client);
 
@@ -57,7 +57,7 @@ TEST_F(SessionTest, TheProgramsOwnWindowIsNotSnapped) {
 
     desktop.press(hotkey::zone(1));
     EXPECT_TRUE(desktop.activate(window));
-    expectSnap(window, 2); // by when the first press has been answered, too
+    expectSnap(window, 2); // the first press has been processed by now, too
 
     EXPECT_EQ(desktop.frame(settings), before);
     EXPECT_TRUE(desktop.stop());
@@ -97,14 +97,14 @@ TEST_F(SessionTest, AnIgnoredApplicationIsLeftAlone) {
     EXPECT_TRUE(desktop.stop());
 }
 
-TEST_F(SessionTest, SettingsThatMakeNoSenseDoNotKeepItFromStarting) {
+TEST_F(SessionTest, InvalidSettingsDoNotPreventTheStart) {
     writeSettings(desktop.server(), R"({"zones":"none","bindings":7)");
     desktop.observer().x().roundTrip();
     ASSERT_TRUE(desktop.start());
     EXPECT_TRUE(desktop.keyboard().held(hotkey::zone(1)));
 }
 
-TEST_F(SessionTest, AnotherWindowManagerIsServedAsWellAsTheFirst) {
+TEST_F(SessionTest, SnappingWorksAfterTheWindowManagerIsReplaced) {
     ASSERT_TRUE(desktop.start());
     const xcb_window_t window = desktop.open(client);
     expectSnap(window, 1);
@@ -118,8 +118,8 @@ TEST_F(SessionTest, AnotherWindowManagerIsServedAsWellAsTheFirst) {
     EXPECT_TRUE(desktop.stop());
 }
 
-TEST_F(SessionTest, EndsWithAClearLineWhenTheServerGoes) {
-    ASSERT_TRUE(desktop.startForDrags()); // Qt itself does not bear it while it starts
+TEST_F(SessionTest, ExitsWithAMessageWhenTheServerDies) {
+    ASSERT_TRUE(desktop.startForDrags()); // Qt does not handle the loss of the server during its startup
 
     desktop.server().kill();
 
@@ -128,7 +128,7 @@ TEST_F(SessionTest, EndsWithAClearLineWhenTheServerGoes) {
     EXPECT_NE(desktop.program().errors(), "");
 }
 
-TEST_F(SessionTest, SaysWhatIsMissingWhenThereIsNoDisplay) {
+TEST_F(SessionTest, AMissingDisplayIsNamedInTheErrorMessage) {
     Environment environment = desktop.server().environment();
     environment["DISPLAY"] = ":4000";
 

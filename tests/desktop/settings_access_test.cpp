@@ -11,7 +11,7 @@ namespace {
 
 constexpr xcb_keycode_t kTab = 23;
 
-/// The whole window for people who use the keyboard or a screen reader.
+/// The settings window as used with the keyboard or a screen reader, one tab per parameter.
 class SettingsAccessTest : public SettingsDesktopTest, public testing::WithParamInterface<const char*> {
 protected:
     void SetUp() override {
@@ -19,7 +19,7 @@ protected:
         ASSERT_NO_FATAL_FAILURE(showTab(GetParam()));
     }
 
-    /// The parts of the window that can be given the focus now.
+    /// Returns the parts of the window that can take the focus now.
     std::vector<Accessible> controls() {
         std::vector<Accessible> showing;
         std::ranges::copy_if(reader.read("Tessarel"), std::back_inserter(showing),

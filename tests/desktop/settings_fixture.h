@@ -18,30 +18,30 @@
 
 namespace tessarel::x11test {
 
-/// The running program and its settings window on a desktop, used with real keys and a real mouse, and read
-/// by a screen reader.
+/// The running program and its settings window, used with synthetic keys and pointer events and read by a
+/// screen reader.
 class SettingsDesktopTest : public testing::Test {
 protected:
     SettingsDesktopTest();
-    /// Ends the program in good order if it still runs.
+    /// Terminates the program if it is still running and expects a clean exit.
     ~SettingsDesktopTest() override;
 
     void SetUp() override;
 
-    /// Starts the program once more, which opens the window, and waits until that has the focus.
+    /// Starts a second instance, which opens the window, and waits until the window has the focus.
     void openSettings();
     /// Shows a tab of the window.
     void showTab(const std::string& name);
 
-    /// A showing part of the program's windows; waited for. Throws std::runtime_error when it does not come.
+    /// Waits for a showing part of the program's windows. Throws std::runtime_error if it does not appear.
     Accessible part(const std::string& role, const std::string& name);
     Accessible button(const std::string& name) { return part("push button", name); }
     void click(const Accessible& target);
-    /// Waits until `target` is described by `description`.
+    /// Waits until the accessible description of `target` is `description`.
     testing::AssertionResult comesToSay(const Accessible& target, const std::string& description);
-    /// Waits until the program has dealt with all that was done to it.
+    /// Waits until the program has processed all input.
     [[nodiscard]] bool waitUntilAtRest() { return program->waitUntilAtRest(observer); }
-    /// Waits until `holds`.
+    /// Waits until `holds` returns true.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& holds) { return observer.waitUntil(holds); }
 
     XServer server;
@@ -51,7 +51,7 @@ protected:
     Mouse mouse{observer};
     ScreenReader reader{server.environment()};
     std::optional<Program> program;
-    xcb_window_t window = XCB_WINDOW_NONE; ///< that of the settings
+    xcb_window_t window = XCB_WINDOW_NONE; ///< the settings window
 };
 
 } // namespace tessarel::x11test

@@ -10,7 +10,7 @@
 
 namespace tessarel::x11test {
 
-/// A window of another program on the shared desktop of each window manager.
+/// A client on the shared desktop of each window manager.
 class SnapFixture : public testing::TestWithParam<WindowManagerKind> {
 protected:
     explicit SnapFixture(std::string_view settings = kNoHomes)
@@ -24,14 +24,14 @@ protected:
         return frameIn(desktop.usableArea(), kZones.at(static_cast<std::size_t>(number - 1)));
     }
 
-    /// Presses the hot key of a zone and expects `target` to go there.
+    /// Presses the hot key of a zone and expects `target` to take the frame of the zone.
     void snap(xcb_window_t target, int number) {
         desktop.press(hotkey::zone(number));
         EXPECT_EQ(desktop.settledFrame(target, zoneFrame(number)), zoneFrame(number)) << "zone " << number;
     }
 
-    /// Expects that another window still goes where the next press sends it: what was pressed before has
-    /// been dealt with, and the program is well.
+    /// Expects that the next press still snaps another window: earlier presses have been processed, and the
+    /// program is running.
     void expectNextPressWorks() {
         TestClient otherClient{desktop.server()};
         const xcb_window_t other = desktop.open(otherClient);

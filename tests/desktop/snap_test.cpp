@@ -34,7 +34,7 @@ TEST_P(SnapTest, RestoreAfterAMoveByHandGoesBackToTheHandMovedFrame) {
     EXPECT_EQ(desktop.settledFrame(window, byHand), byHand);
 }
 
-TEST_P(SnapTest, SecondRestoreMovesNothing) {
+TEST_P(SnapTest, ASecondRestoreMovesNothing) {
     const Frame before = desktop.frame(window);
     snap(window, 3);
     desktop.press(hotkey::kRestore);
@@ -49,14 +49,14 @@ TEST_P(SnapTest, SecondRestoreMovesNothing) {
 TEST_P(SnapTest, APressIsOneVisibleStep) {
     const ConfigureCount before = client.configures(window);
     snap(window, 5);
-    snap(window, 1); // whatever the first press has caused comes before what this one causes
+    snap(window, 1); // by the time this press takes effect, all effects of the first one have been seen
 
     const ConfigureCount after = client.configures(window);
     EXPECT_EQ(after.real - before.real, 2);
     EXPECT_LE(after.all() - before.all(), 4);
 }
 
-TEST_P(SnapTest, APressThatChangesNothingIsNoVisibleStep) {
+TEST_P(SnapTest, ASnapIntoTheCurrentZoneCausesNoVisibleStep) {
     snap(window, 5);
     const ConfigureCount before = client.configures(window);
     snap(window, 5);
@@ -74,7 +74,7 @@ TEST_P(SnapTest, OnlyTheActiveWindowMoves) {
     EXPECT_EQ(desktop.frame(window), first);
 }
 
-TEST_P(SnapTest, ATerminalFillsItsZoneToTheLastWholeStep) {
+TEST_P(SnapTest, ATerminalFillsItsZoneToWithinOneResizeIncrement) {
     ChildProcess terminal({"xterm", "-geometry", "80x24+200+150", "-class", "Terminal", "-e", "cat"},
                           desktop.server().environment());
     Observer& observer = desktop.observer();

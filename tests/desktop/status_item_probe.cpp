@@ -1,5 +1,5 @@
-// A program that is nothing but a status item: it does to the item what its standard input tells, and tells
-// on its standard output what the desktop does with it.
+// A program with nothing but a status item. It reads commands for the item from its standard input, and
+// reports the item's events on its standard output.
 
 #include "platform/qt/qt_main_queue.h"
 #include "platform/qt_x11/tray/qt_status_item.h"
@@ -23,8 +23,8 @@ MenuItem row(std::string title, bool checked = false) {
     return item;
 }
 
-/// Rows of equal height, so that a test finds each by its position; the first tells how often the menu was
-/// asked for, and `layouts` more names stand in the submenu.
+/// Returns rows of equal height, so that a test can find each by its position. The title says how often the
+/// menu was requested; the submenu ends with `layouts` additional rows.
 Menu menuAskedFor(int times, int layouts) {
     MenuItem title = row("Asked " + std::to_string(times));
     title.isEnabled = false;

@@ -28,7 +28,7 @@ std::string StatusNotifierPanel::call(const std::string& destination, const std:
     try {
         return runToEnd(command, m_environment);
     } catch (const std::runtime_error&) {
-        return {}; // nobody of that name yet
+        return {}; // the service does not exist yet
     }
 }
 

@@ -13,8 +13,7 @@ namespace {
 
 using Cell = std::tuple<WindowManagerKind, RealProgram>;
 
-/// A program of a toolkit whose windows agree with the window manager about each new size, and that has been
-/// stopped.
+/// A stopped program whose toolkit synchronises resizing with the window manager (_NET_WM_SYNC_REQUEST).
 class StoppedProgramTest : public testing::TestWithParam<Cell> {
 protected:
     ~StoppedProgramTest() override {
@@ -23,7 +22,7 @@ protected:
         EXPECT_TRUE(desktop.waitUntilOnlyPanel());
     }
 
-    /// Whether the window manager waits until the program has drawn itself at a new size.
+    /// Returns true if the window manager waits for the program to redraw after each resize.
     [[nodiscard]] bool isSynchronised() {
         const auto protocols = observer.values(program.window, "WM_PROTOCOLS");
         return std::ranges::find(protocols, observer.x().atom("_NET_WM_SYNC_REQUEST")) != protocols.end();
@@ -40,7 +39,7 @@ protected:
     StartedProgram program = start(std::get<1>(GetParam()), desktop);
 };
 
-TEST_P(StoppedProgramTest, GoesToItsZoneAllTheSameAndKeepsNobodyWaiting) {
+TEST_P(StoppedProgramTest, IsStillMovedAndDoesNotDelayOtherWindows) {
     ASSERT_TRUE(isSynchronised());
     ASSERT_TRUE(desktop.activate(program.window));
     desktop.press(hotkey::zone(5));

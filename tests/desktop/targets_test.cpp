@@ -4,10 +4,10 @@
 namespace tessarel::x11test {
 namespace {
 
-/// Windows of programs that do not behave, under each window manager.
+/// Windows of misbehaving programs, under each window manager.
 class TargetsTest : public SnapFixture {};
 
-TEST_P(TargetsTest, AStoppedProgramIsMovedAndDoesNotStopOthersFromBeingMoved) {
+TEST_P(TargetsTest, AStoppedProgramIsMovedAndDoesNotDelayOtherWindows) {
     const xcb_window_t window = desktop.open(client);
     client.stop();
     snap(window, 1);
@@ -18,7 +18,7 @@ TEST_P(TargetsTest, AStoppedProgramIsMovedAndDoesNotStopOthersFromBeingMoved) {
     EXPECT_EQ(desktop.settledFrame(window, zoneFrame(1)), zoneFrame(1));
 }
 
-TEST_P(TargetsTest, AWindowThatGoesAtThePressHarmsNobody) {
+TEST_P(TargetsTest, AWindowDestroyedAtThePressDoesNoHarm) {
     for (int round = 0; round < 5; ++round) {
         const xcb_window_t window = desktop.open(client);
         desktop.press(hotkey::zone(1 + round));
@@ -28,7 +28,7 @@ TEST_P(TargetsTest, AWindowThatGoesAtThePressHarmsNobody) {
     expectNextPressWorks();
 }
 
-TEST_P(TargetsTest, AProgramThatDiesAtThePressHarmsNobody) {
+TEST_P(TargetsTest, AProgramKilledAtThePressDoesNoHarm) {
     TestClient dying{desktop.server()};
     static_cast<void>(desktop.open(dying));
     desktop.press(hotkey::zone(2));
@@ -64,7 +64,7 @@ TEST_P(TargetsTest, AFullScreenWindowStaysFullScreen) {
     EXPECT_EQ(desktop.frame(window), before);
 }
 
-TEST_P(TargetsTest, MalformedPropertiesOfAWindowHarmNobody) {
+TEST_P(TargetsTest, MalformedWindowPropertiesDoNoHarm) {
     const xcb_window_t window = desktop.open(client);
     const std::string huge(200000, '\xff');
     for (const char* property : {"WM_NORMAL_HINTS", "_NET_WM_PID", "_GTK_FRAME_EXTENTS", "WM_CLASS",
@@ -78,7 +78,7 @@ TEST_P(TargetsTest, MalformedPropertiesOfAWindowHarmNobody) {
     expectNextPressWorks();
 }
 
-TEST_P(TargetsTest, AnActiveWindowThatDoesNotExistHarmsNobody) {
+TEST_P(TargetsTest, AnInvalidActiveWindowPropertyDoesNoHarm) {
     static_cast<void>(desktop.open(client));
     client.setProperty(desktop.observer().root(), "_NET_ACTIVE_WINDOW", "WINDOW", 32,
                        std::string("\x34\x12\xf0\x00", 4));
@@ -91,7 +91,7 @@ TEST_P(TargetsTest, AnActiveWindowThatDoesNotExistHarmsNobody) {
 
 INSTANTIATE_TEST_SUITE_P(Every, TargetsTest, testing::ValuesIn(kAllWindowManagers), managerName);
 
-TEST(IgnoredProgramTest, IsLeftAloneWhenItWasChosenByAnEntryOfAnotherNameThanItsWindows) {
+TEST(IgnoredProgramTest, IsLeftAloneWhenChosenByADesktopEntryNotNamedLikeItsWindowClass) {
     Desktop& desktop =
         sharedDesktop(WindowManagerKind::Openbox,
                       R"({"hasOnboarded":true,"rememberApps":false,"ignoredApps":["debian-xterm"]})");

@@ -10,7 +10,7 @@ namespace tessarel::x11test {
 
 namespace {
 
-constexpr int kPanelHeight = 30; // as the configurations below say
+constexpr int kPanelHeight = 30; // as in the configurations below
 constexpr int kSmallestIcon = 16;
 
 void writeFile(const std::filesystem::path& file, std::string_view content) {
@@ -49,7 +49,7 @@ std::vector<xcb_window_t> children(XConnection& x, xcb_window_t window) {
     return {first, first + xcb_query_tree_children_length(tree.get())};
 }
 
-/// Every window below `window`, at any depth.
+/// Returns all descendants of `window`.
 std::vector<xcb_window_t> descendants(XConnection& x, xcb_window_t window) {
     std::vector<xcb_window_t> all;
     for (const xcb_window_t child : children(x, window)) {
@@ -60,7 +60,7 @@ std::vector<xcb_window_t> descendants(XConnection& x, xcb_window_t window) {
     return all;
 }
 
-/// The brightness of each pixel of an area of the screen, from 0 to 255.
+/// Returns the brightness of each pixel of an area of the screen, from 0 to 255.
 std::vector<int> brightnesses(XConnection& x, const Frame& area) {
     constexpr std::uint32_t kAllPlanes = ~0U;
     constexpr std::size_t kBytesPerPixel = 4;
@@ -104,7 +104,7 @@ void DesktopBus::start() {
     m_process.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
                                                "--print-address", "--address=" + m_address},
                       m_environment);
-    (void)m_process->readLine(); // it listens by then
+    (void)m_process->readLine(); // printed once the bus is listening
 }
 
 std::unique_ptr<ChildProcess> startTint2(const XServer& server, const Environment& environment,
@@ -134,7 +134,7 @@ std::optional<Frame> ShownStatusItem::icon() {
 }
 
 Frame ShownStatusItem::waitForIcon() {
-    // The panel takes the icon in first and finds a place for it then.
+    // The panel embeds the icon first and positions it afterwards.
     const int panelTop = m_observer.x().screen().height_in_pixels - kPanelHeight;
     std::optional<Frame> found;
     if (!m_observer.waitUntil(

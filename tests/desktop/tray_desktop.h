@@ -16,12 +16,12 @@
 
 namespace tessarel::x11test {
 
-/// A session bus on which services of the machine may be started.
+/// A session bus that can start the services installed on the system.
 class DesktopBus {
 public:
     explicit DesktopBus(const Environment& environment);
 
-    /// Stays the same when the bus starts again, as in a session.
+    /// Returns the address, which stays the same when the bus is restarted.
     [[nodiscard]] const std::string& address() const { return m_address; }
     void kill() { m_process.reset(); }
     void start();
@@ -32,31 +32,32 @@ private:
     std::optional<ChildProcess> m_process;
 };
 
-/// A panel at the bottom of the screen with nothing in it but status icons.
+/// Background of a panel at the bottom of the screen that contains nothing but status icons.
 enum class PanelColour { Light, Dark };
-/// One that takes in icons as windows.
+/// Starts a panel that embeds icons as windows (XEmbed).
 [[nodiscard]] std::unique_ptr<ChildProcess> startTint2(const XServer& server, const Environment& environment,
                                                        PanelColour colour = PanelColour::Dark);
-/// One that is told on the session bus what to draw, and draws menus itself.
+/// Starts a panel that gets items over the session bus and draws icons and menus itself.
 [[nodiscard]] std::unique_ptr<ChildProcess> startXfce4Panel(const XServer& server,
                                                             const Environment& environment);
 
-/// What an X desktop shows of a program's status item.
+/// What an X server shows of a program's status item.
 class ShownStatusItem {
 public:
-    /// `windowClass` is found in the class of every window of the program, and of no other's.
+    /// `windowClass` must occur in the WM_CLASS of every window of the program, and in no other program's.
     ShownStatusItem(Observer& observer, std::string windowClass)
         : m_observer(observer), m_windowClass(std::move(windowClass)) {}
 
-    /// The window in which the icon stands; none while it does not.
+    /// Returns the frame of the icon's window; empty if there is none.
     [[nodiscard]] std::optional<Frame> icon();
-    /// The icon in its place in the panel, waited for; throws when it does not get there.
+    /// Waits until the icon has its place in the panel and returns its frame. Throws if it does not get
+    /// there.
     Frame waitForIcon();
-    /// How far the icon stands out from the panel, from 0 to 255; 0 while there is none.
+    /// Returns the contrast between the icon and the panel, from 0 to 255; 0 if there is no icon.
     [[nodiscard]] int contrast();
-    /// The menus that are open, the first opened first.
+    /// Returns the frames of the open menus, in the order in which they opened.
     [[nodiscard]] std::vector<Frame> menus();
-    /// The frame of row `position` of `count` rows of equal height.
+    /// Returns the frame of row `position` of `count` rows of equal height.
     [[nodiscard]] static Frame row(const Frame& menu, int position, int count);
 
 private:
@@ -66,16 +67,17 @@ private:
     std::string m_windowClass;
 };
 
-/// The program with a status item that does as it is told.
+/// The running status_item_probe and its status item.
 class StatusItemProbe : public ShownStatusItem {
 public:
     StatusItemProbe(const Environment& environment, Observer& observer);
 
     [[nodiscard]] ChildProcess& process() { return m_process; }
 
-    /// Has the program do to its item what `line` says.
+    /// Sends the command `line` and waits until the program has executed it.
     void tell(std::string_view line);
-    /// What the program has told since, up to and with `line`; empty when it does not tell that.
+    /// Returns what the program has written since the last call, up to and including `line`; empty if it does
+    /// not write `line`.
     [[nodiscard]] std::vector<std::string> heardUpTo(std::string_view line);
 
 private:

@@ -16,7 +16,7 @@ using testing::Contains;
 using testing::HasSubstr;
 using testing::Not;
 
-/// A desktop with a session bus, whose panel draws icons and menus by what it is told there.
+/// A desktop with a session bus and a panel that draws icons and menus from what it reads there.
 class TrayStatusNotifierTest : public testing::Test {
 protected:
     static Environment withBus(Environment environment, const DesktopBus& bus) {
@@ -35,7 +35,7 @@ protected:
     bool waitForProperty(std::string_view name, const std::string& content) {
         return observer.waitUntil([&] { return desktop.property(name).find(content) != std::string::npos; });
     }
-    /// What the probe has used so far.
+    /// Returns the CPU time that the probe has used so far.
     std::chrono::nanoseconds processorTime() {
         clockid_t clock{};
         timespec used{};
@@ -69,7 +69,7 @@ TEST_F(TrayStatusNotifierTest, TheItemHasIconsOfItsOwnAndAToolTip) {
     EXPECT_TRUE(waitForProperty("ToolTip", "Status item probe"));
 }
 
-TEST_F(TrayStatusNotifierTest, TheMenuIsThatOfTheValueEachTimeItOpens) {
+TEST_F(TrayStatusNotifierTest, TheMenuIsRebuiltEachTimeItOpens) {
     startPanel();
     startProbe();
 
@@ -78,12 +78,12 @@ TEST_F(TrayStatusNotifierTest, TheMenuIsThatOfTheValueEachTimeItOpens) {
 
     EXPECT_THAT(menu, AllOf(HasSubstr("'label': <'Alpha'>"), HasSubstr("'label': <'Beta'>"),
                             HasSubstr("'label': <'Names'>"), HasSubstr("'label': <'Quit'>")));
-    EXPECT_THAT(menu, Not(HasSubstr("'label': <'Asked 1'>"))) << "it was asked for at least twice";
+    EXPECT_THAT(menu, Not(HasSubstr("'label': <'Asked 1'>"))) << "the menu was requested at least twice";
     EXPECT_THAT(menu, HasSubstr("'children-display': <'submenu'>"));
     EXPECT_THAT(menu, HasSubstr("'toggle-state': <1>"));
 }
 
-TEST_F(TrayStatusNotifierTest, ChoosingARowTellsIt) {
+TEST_F(TrayStatusNotifierTest, ChoosingARowSelectsItsItem) {
     startPanel();
     startProbe();
 
@@ -92,7 +92,7 @@ TEST_F(TrayStatusNotifierTest, ChoosingARowTellsIt) {
     EXPECT_THAT(probe->heardUpTo("selected Alpha"), Contains("selected Alpha"));
 }
 
-TEST_F(TrayStatusNotifierTest, ChoosingARowOfASubmenuTellsIt) {
+TEST_F(TrayStatusNotifierTest, ChoosingARowOfASubmenuSelectsItsItem) {
     startPanel();
     startProbe();
 
@@ -107,11 +107,11 @@ TEST_F(TrayStatusNotifierTest, TitlesReachThePanelAsPlainText) {
 
     const std::string menu = openedMenu();
 
-    // A panel takes one underline before a character for the mark of a mnemonic, and two for one to show.
+    // In a label, an underscore marks the mnemonic, and two of them stand for a literal one.
     for (const char* label : {"Code _& Docs & more", "my__layout__", "<b>bold</b>", "two lines", "R_&"})
         EXPECT_THAT(menu, HasSubstr("'label': <'" + std::string(label) + "'>"));
     EXPECT_THAT(menu, HasSubstr("WWWWWWWW…'"));
-    EXPECT_LT(menu.size(), 8000U) << "a name of 10,000 characters is there whole";
+    EXPECT_LT(menu.size(), 8000U) << "a name of 10,000 characters is not truncated";
 }
 
 TEST_F(TrayStatusNotifierTest, TheMainButtonOpensTheMenuToo) {
@@ -128,7 +128,7 @@ TEST_F(TrayStatusNotifierTest, TheMainButtonOpensTheMenuToo) {
     EXPECT_THAT(probe->heardUpTo("selected Beta"), Contains("selected Beta"));
 }
 
-TEST_F(TrayStatusNotifierTest, APanelThatCannotDrawMenusGetsOursAtTheSecondButton) {
+TEST_F(TrayStatusNotifierTest, TheSecondButtonOpensOurMenuForPanelsThatDrawNone) {
     startPanel();
     startProbe();
     mouse.moveTo(200, 100);
@@ -138,7 +138,7 @@ TEST_F(TrayStatusNotifierTest, APanelThatCannotDrawMenusGetsOursAtTheSecondButto
     EXPECT_TRUE(observer.waitUntil([&] { return !probe->menus().empty(); }));
 }
 
-TEST_F(TrayStatusNotifierTest, ADisabledItemHasOtherIcons) {
+TEST_F(TrayStatusNotifierTest, ADisabledItemChangesItsIcons) {
     startPanel();
     startProbe();
     const std::string before = desktop.property("IconPixmap");
@@ -148,7 +148,7 @@ TEST_F(TrayStatusNotifierTest, ADisabledItemHasOtherIcons) {
     EXPECT_TRUE(observer.waitUntil([&] { return desktop.property("IconPixmap") != before; }));
 }
 
-TEST_F(TrayStatusNotifierTest, APanelThatComesLaterShowsTheItem) {
+TEST_F(TrayStatusNotifierTest, APanelStartedLaterShowsTheItem) {
     probe.emplace(environment, observer);
 
     startPanel();
@@ -156,7 +156,7 @@ TEST_F(TrayStatusNotifierTest, APanelThatComesLaterShowsTheItem) {
     EXPECT_TRUE(observer.waitUntil([&] { return !desktop.item().empty() || probe->icon(); }));
 }
 
-TEST_F(TrayStatusNotifierTest, APanelThatStartsAgainGetsTheItemBack) {
+TEST_F(TrayStatusNotifierTest, ARestartedPanelShowsTheItemAgain) {
     startPanel();
     startProbe();
     for (int i = 0; i < 2; ++i) {
@@ -171,7 +171,7 @@ TEST_F(TrayStatusNotifierTest, APanelThatStartsAgainGetsTheItemBack) {
     EXPECT_THAT(probe->heardUpTo("selected Alpha"), Contains("selected Alpha"));
 }
 
-TEST_F(TrayStatusNotifierTest, TheBusMayGo) {
+TEST_F(TrayStatusNotifierTest, TheProgramSurvivesTheEndOfTheBus) {
     startPanel();
     startProbe();
 
@@ -183,7 +183,7 @@ TEST_F(TrayStatusNotifierTest, TheBusMayGo) {
     EXPECT_TRUE(probe->process().running()) << probe->process().errors();
 }
 
-TEST_F(TrayStatusNotifierTest, TheBusMayComeBackAndNobodyHasRunRoundInCirclesMeanwhile) {
+TEST_F(TrayStatusNotifierTest, ARestartOfTheBusCausesNoBusyLoop) {
     startPanel();
     startProbe();
     const auto since = std::chrono::steady_clock::now();
@@ -200,7 +200,7 @@ TEST_F(TrayStatusNotifierTest, TheBusMayComeBackAndNobodyHasRunRoundInCirclesMea
     EXPECT_TRUE(probe->process().running()) << probe->process().errors();
 }
 
-TEST_F(TrayStatusNotifierTest, TheItemGoesWithItsSubscription) {
+TEST_F(TrayStatusNotifierTest, DestroyingTheSubscriptionRemovesTheItem) {
     startPanel();
     startProbe();
 

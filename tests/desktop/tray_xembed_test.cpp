@@ -14,7 +14,7 @@ using testing::ElementsAre;
 
 constexpr int kRows = 5; // of the probe's menu
 
-/// A desktop without a session bus, whose panel takes icons in as windows.
+/// A desktop without a session bus and with a panel that embeds icons as windows.
 class TrayXEmbedTest : public testing::Test {
 protected:
     static Environment withoutBus(Environment environment) {
@@ -58,7 +58,7 @@ TEST_P(TrayXEmbedButtonTest, OpensTheMenuAndChoosesARow) {
 
 INSTANTIATE_TEST_SUITE_P(Either, TrayXEmbedButtonTest, testing::Values(Mouse::kLeft, Mouse::kRight));
 
-TEST_F(TrayXEmbedTest, TheMenuIsAskedForEachTimeItOpens) {
+TEST_F(TrayXEmbedTest, TheMenuIsRequestedEachTimeItOpens) {
     startPanel();
     startProbe();
 
@@ -70,7 +70,7 @@ TEST_F(TrayXEmbedTest, TheMenuIsAskedForEachTimeItOpens) {
     }
 }
 
-TEST_F(TrayXEmbedTest, AnIconAppearsWhenAPanelDoes) {
+TEST_F(TrayXEmbedTest, TheIconAppearsOnceAPanelStarts) {
     startProbe();
     EXPECT_EQ(probe->icon(), std::nullopt);
 
@@ -79,7 +79,7 @@ TEST_F(TrayXEmbedTest, AnIconAppearsWhenAPanelDoes) {
     EXPECT_NO_THROW(probe->waitForIcon());
 }
 
-TEST_F(TrayXEmbedTest, APanelThatStartsAgainGetsTheIconBack) {
+TEST_F(TrayXEmbedTest, ARestartedPanelShowsTheIconAgain) {
     startPanel();
     startProbe();
     for (int i = 0; i < 3; ++i) {
@@ -96,7 +96,7 @@ TEST_F(TrayXEmbedTest, APanelThatStartsAgainGetsTheIconBack) {
     EXPECT_TRUE(probe->process().running());
 }
 
-TEST_F(TrayXEmbedTest, ThePanelMayGoWhileTheMenuIsOpen) {
+TEST_F(TrayXEmbedTest, AnOpenMenuWorksAfterThePanelDies) {
     startPanel();
     startProbe();
     const Frame menu = openMenu(Mouse::kLeft);
@@ -107,7 +107,7 @@ TEST_F(TrayXEmbedTest, ThePanelMayGoWhileTheMenuIsOpen) {
     EXPECT_THAT(probe->heardUpTo("selected Alpha"), Contains("selected Alpha"));
 }
 
-TEST_F(TrayXEmbedTest, TheIconGoesWithItsItem) {
+TEST_F(TrayXEmbedTest, RemovingTheItemRemovesTheIcon) {
     startPanel();
     startProbe();
     probe->waitForIcon();
@@ -117,7 +117,7 @@ TEST_F(TrayXEmbedTest, TheIconGoesWithItsItem) {
     EXPECT_TRUE(observer.waitUntil([&] { return !probe->icon(); }));
 }
 
-TEST_F(TrayXEmbedTest, ATitleStandsInForAMissingImage) {
+TEST_F(TrayXEmbedTest, ATitleReplacesAMissingImage) {
     startPanel();
     startProbe();
     probe->waitForIcon();
@@ -139,7 +139,7 @@ TEST_F(TrayXEmbedTest, WithoutAPanelTheProgramStaysUsable) {
     EXPECT_EQ(probe->process().errors(), "");
 }
 
-TEST_F(TrayXEmbedTest, TheServerMayGo) {
+TEST_F(TrayXEmbedTest, TheProgramExitsWithoutACrashWhenTheServerDies) {
     startPanel();
     startProbe();
     probe->waitForIcon();

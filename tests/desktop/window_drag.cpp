@@ -14,8 +14,8 @@ WindowDrag::~WindowDrag() {
     m_mouse.release();
 }
 
-/// A place in the middle of the title bar, and each time another one: two presses on the same are a double
-/// click.
+/// Returns a point in the middle of the title bar, a different one each time: two presses at the same point
+/// would be a double click.
 WindowDrag::Place WindowDrag::gripOf(xcb_window_t window) {
     const Frame frame = m_desktop.frame(window);
     const Extents borders = m_observer.extents(window, "_NET_FRAME_EXTENTS").value_or(Extents{});
@@ -25,18 +25,19 @@ WindowDrag::Place WindowDrag::gripOf(xcb_window_t window) {
 }
 
 bool WindowDrag::begin(xcb_window_t window) {
-    // Some managers decorate a new window once more, and what changes its size is not dragged.
+    // Some window managers decorate a new window a second time, and an interactive move ends when the size
+    // changes.
     Frame last;
     EXPECT_TRUE(m_observer.waitUntil([&] {
         const Frame before = std::exchange(last, m_desktop.frame(window));
         return before == last && m_desktop.waitUntilProgramRests() && m_desktop.frame(window) == last;
     }));
-    // mutter does not take up every press, above all on a window that has just opened; a hand presses again.
+    // mutter ignores some presses, mainly on windows that have just opened, so press again.
     const bool isMutter = m_desktop.manager() == WindowManagerKind::Mutter;
     for (int triesLeft = isMutter ? 8 : 1; triesLeft > 0; --triesLeft) {
         const Place grip = gripOf(window);
         step(grip.x, grip.y);
-        // A compositor that starts covers the screen for a moment before it lets the pointer through.
+        // A compositor that is starting covers the screen briefly before it lets pointer events through.
         EXPECT_TRUE(m_observer.waitUntil([&] { return m_observer.isUnderPointer(window); }));
         press(grip.x, grip.y);
         if (pull(window, isMutter ? Deadline(std::chrono::seconds(1)) : Deadline()))
@@ -68,7 +69,7 @@ void WindowDrag::press(int x, int y) {
     EXPECT_TRUE(m_desktop.waitUntilProgramRests());
     const long before = m_desktop.program().timesAsleep().value_or(0);
     m_mouse.press();
-    // A place that has been left before the program looks is not where it sees the press.
+    // The program queries the pointer after the press, so the pointer must not move before that.
     EXPECT_TRUE(m_desktop.waitUntilProgramRests(before));
 }
 
@@ -126,7 +127,7 @@ std::optional<WindowDrag::Overlay> WindowDrag::find() {
     return std::nullopt;
 }
 
-/// The overlay is the only window of the program that no manager decorates.
+/// The overlay is the only override-redirect window of the program.
 std::optional<WindowDrag::Overlay> WindowDrag::asOverlay(xcb_window_t window) {
     xcb_connection_t* x = m_observer.x().get();
     const auto attributes =
@@ -143,10 +144,10 @@ std::optional<WindowDrag::Overlay> WindowDrag::asOverlay(xcb_window_t window) {
 }
 
 bool WindowDrag::waitForOverlay(const Frame& area) {
-    int side = m_x < 5 ? 5 : -5; // the pointer of the server ends at the edges
+    int side = m_x < 5 ? 5 : -5; // at an edge of the screen the pointer would not move
     return m_observer.waitUntil([&] {
-        // The program looks at a window that may move at most every 30 ms, when the mouse moves, and lets it
-        // move a little.
+        // While a drag may begin, the program checks the window at most every 30 ms, and only when the mouse
+        // moves.
         step(m_x + std::exchange(side, -side), m_y);
         const auto frame = overlay();
         return frame && frame->x <= area.x && frame->y <= area.y && frame->right() >= area.right() &&

@@ -8,42 +8,43 @@
 
 namespace tessarel::x11test {
 
-/// A hand that drags windows on a desktop on which the program runs.
+/// Drags windows with a synthetic pointer, on a desktop on which the program is running.
 class WindowDrag {
 public:
     explicit WindowDrag(Desktop& desktop) : m_desktop(desktop) {}
     WindowDrag(const WindowDrag&) = delete;
     WindowDrag& operator=(const WindowDrag&) = delete;
-    /// Lets go of everything.
+    /// Releases the button and the modifiers.
     ~WindowDrag();
 
-    /// Presses the button on the middle of the title bar of `window` and pulls until the window follows.
-    /// False when it does not.
+    /// Presses the button on the title bar of `window` and moves until the window follows. Returns false if
+    /// it does not.
     [[nodiscard]] bool begin(xcb_window_t window);
-    /// The same while the program does not run.
+    /// Like begin(), while the program is not running yet.
     [[nodiscard]] bool beginUnseen(xcb_window_t window);
-    /// Presses the button on a pixel of the root window.
+    /// Presses the button at a point of the root window.
     void press(int x, int y);
-    /// To a pixel of the root window, in a few steps.
+    /// Moves to a point of the root window, in a few steps.
     void moveTo(int x, int y);
-    /// Into the middle of `frame`.
+    /// Moves to the middle of `frame`.
     void moveInto(const Frame& frame) { moveTo(frame.x + frame.width / 2, frame.y + frame.height / 2); }
-    /// Holds exactly these modifiers, and moves by a pixel: it is with the mouse that the program looks.
+    /// Holds exactly these modifiers, and moves by a pixel, because the program reads modifiers with pointer
+    /// motion.
     void hold(std::uint16_t modifiers);
     void release();
-    /// Presses the button where the pointer is and lets go of it at once.
+    /// Presses and releases the button at the pointer.
     void click();
 
-    /// Where the overlay is; none when it is not on the screen.
+    /// Returns the frame of the overlay; empty if it is not on the screen.
     [[nodiscard]] std::optional<Frame> overlay();
     /// Waits until the overlay covers `area`.
     [[nodiscard]] bool waitForOverlay(const Frame& area);
     [[nodiscard]] bool waitUntilNoOverlay();
-    /// Whether there is no overlay although the program has seen all that the hand has done.
+    /// Waits until the program has processed all input. Returns true if there is no overlay then.
     [[nodiscard]] bool staysWithoutOverlay();
-    /// Whether what is behind the overlay shines through it, and not only past its lines.
+    /// Returns true if the overlay is translucent, and false if it is shaped like its outlines.
     [[nodiscard]] bool isOverlayTranslucent();
-    /// Waits until no program holds the mouse or the keyboard.
+    /// Waits until no other client has grabbed the pointer or the keyboard.
     [[nodiscard]] bool waitUntilNothingIsGrabbed();
 
 private:

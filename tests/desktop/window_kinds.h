@@ -9,15 +9,15 @@
 
 namespace tessarel::x11test {
 
-/// What becomes of the size that a window of some kind is asked to take.
+/// How a window of some kind responds to a requested size.
 enum class SizeRule {
-    Exact,   ///< it is taken to the pixel
-    Stepped, ///< the client takes the largest whole number of steps that fits
-    Minimum, ///< the client takes no less than its minimum
-    Fixed,   ///< the client keeps the one it has
+    Exact,   ///< it takes the exact size
+    Stepped, ///< the client takes the largest whole number of resize increments that fits
+    Minimum, ///< the client takes at least its minimum size
+    Fixed,   ///< the client keeps its size
 };
 
-/// A kind of window, and the states that it has when its turn comes.
+/// A kind of window, and the states that it is given before each placement.
 struct WindowKind {
     std::string name;
     WindowOptions options = {};
@@ -27,10 +27,10 @@ struct WindowKind {
 
 [[nodiscard]] const std::vector<WindowKind>& windowKinds();
 
-/// What `manager` makes of the rule: some take no notice of what a client says about its sizes.
+/// Returns the rule under `manager`: some window managers ignore the size hints of a client.
 [[nodiscard]] SizeRule effectiveRule(WindowManagerKind manager, SizeRule rule);
 
-/// Why `manager` makes it impossible to place windows of `kind` exactly; empty where it does not.
+/// Returns why `manager` cannot place windows of `kind` exactly; empty if it can.
 [[nodiscard]] std::string limitOf(WindowManagerKind manager, const WindowKind& kind);
 
 std::ostream& operator<<(std::ostream& stream, const WindowKind& kind);

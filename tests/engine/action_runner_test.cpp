@@ -15,7 +15,7 @@ protected:
     sim::WindowId window = desktop.openWindow("org.example.editor", kStart);
 };
 
-TEST_F(ActionRunnerTest, FixedZonesGoToTheirPartOfTheScreen) {
+TEST_F(ActionRunnerTest, FixedZoneActionsUseTheirPartOfTheScreen) {
     const std::array<std::pair<ActionID, Rect>, 5> expected{{{ActionID::leftHalf, kLeft},
                                                              {ActionID::rightHalf, kRight},
                                                              {ActionID::topHalf, {-1400, -575, 1300, 410}},
@@ -28,7 +28,7 @@ TEST_F(ActionRunnerTest, FixedZonesGoToTheirPartOfTheScreen) {
     EXPECT_TRUE(settings.appZones.empty());
 }
 
-TEST_F(ActionRunnerTest, MaximizeKeepsGapAndMarginAndIsNotRemembered) {
+TEST_F(ActionRunnerTest, MaximizeAppliesGapAndMarginAndIsNotRemembered) {
     settings.gap = 10;
     settings.margin = 8;
     settings.appZones = {{"org.example.editor", 3}};
@@ -80,7 +80,7 @@ TEST_F(ActionRunnerTest, CentreAndRestoreActOnTheFocusedWindow) {
     EXPECT_EQ(desktop.beeps(), 1);
 }
 
-TEST_F(ActionRunnerTest, NextAndPreviousDisplayGoOppositeWays) {
+TEST_F(ActionRunnerTest, NextAndPreviousDisplayMoveInOppositeDirections) {
     const Screen primary = desktop.displays().screens().front();
     const Screen third = desktop.addScreen({.frame = {1280, -70, 1440, 900}});
 
@@ -104,7 +104,7 @@ TEST_F(ActionRunnerTest, NothingRunsWhilePaused) {
     EXPECT_EQ(desktop.beeps(), 0);
 }
 
-TEST_F(ActionRunnerTest, WithoutPermissionItIsAskedForInstead) {
+TEST_F(ActionRunnerTest, WithoutPermissionThePromptIsShownInstead) {
     desktop.trust().trusted = false;
 
     runner.run(ActionID::maximize);
@@ -115,7 +115,7 @@ TEST_F(ActionRunnerTest, WithoutPermissionItIsAskedForInstead) {
     EXPECT_EQ(desktop.frame(window), kStart);
 }
 
-TEST_F(ActionRunnerTest, PermissionGivenLaterIsSeenAtOnce) {
+TEST_F(ActionRunnerTest, PermissionGrantedLaterTakesEffectAtOnce) {
     desktop.trust().trusted = false;
     runner.run(ActionID::maximize);
     desktop.trust().trusted = true;
@@ -126,7 +126,7 @@ TEST_F(ActionRunnerTest, PermissionGivenLaterIsSeenAtOnce) {
     EXPECT_EQ(desktop.trust().promptCalls, 1);
 }
 
-TEST(PermissionsTest, TrustIsAskedOfTheSystemEveryTime) {
+TEST(PermissionsTest, TrustIsQueriedOnEveryCall) {
     sim::SimTrust trust;
     Permissions permissions{trust};
     EXPECT_TRUE(permissions.isTrusted());
@@ -136,7 +136,7 @@ TEST(PermissionsTest, TrustIsAskedOfTheSystemEveryTime) {
     EXPECT_EQ(trust.promptCalls, 0);
 }
 
-TEST(PermissionsTest, PromptAndSettingsAreHandedToTheSystem) {
+TEST(PermissionsTest, PromptAndOpenSettingsAreForwardedToTheSystem) {
     sim::SimTrust trust;
     trust.trusted = false;
     Permissions permissions{trust};

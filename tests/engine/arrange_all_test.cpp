@@ -17,7 +17,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-/// Three columns as the enabled zones, of which the middle one is twice as wide as each of the others.
+/// Fixture: the enabled zones are three columns, the middle one twice as wide as each of the others.
 class ArrangeAllTest : public EngineTest {
 protected:
     static constexpr Zone kOff{false, 25, 25, 50, 50};
@@ -29,7 +29,7 @@ protected:
 
     WindowId open(const Rect& axFrame) { return desktop.openWindow("org.example.editor", axFrame); }
 
-    /// The window, as it is seen and never moved.
+    /// Returns whether the window still has the frame `axFrame`.
     bool isUntouched(WindowId window, const Rect& axFrame) { return desktop.frame(window) == axFrame; }
 
     static constexpr Rect kColumn1{-1400, -575, 325, 820};
@@ -82,7 +82,7 @@ TEST_F(ArrangeAllTest, ZonesKeepGapAndMargin) {
     EXPECT_EQ(desktop.frame(first).origin(), (Point{-1392, -567}));
 }
 
-TEST_F(ArrangeAllTest, ADisabledZoneIsPassedOver) {
+TEST_F(ArrangeAllTest, ADisabledZoneIsSkipped) {
     settings.zones[1].enabled = false;
     const auto second = open(at({30, 30, 300, 300}));
     const auto first = open(at({40, 40, 300, 300}));
@@ -102,7 +102,7 @@ TEST_F(ArrangeAllTest, ZonesWithoutAWindowStayEmpty) {
     EXPECT_EQ(desktop.beeps(), 0);
 }
 
-TEST_F(ArrangeAllTest, WithoutEnabledZonesNothingIsAsked) {
+TEST_F(ArrangeAllTest, WithoutEnabledZonesNoRequestIsSent) {
     settings.zones.assign(9, kOff);
     open(kStart);
     static_cast<void>(desktop.takeRequests());
@@ -121,7 +121,7 @@ TEST_F(ArrangeAllTest, SmallWindowsAreLeftAlone) {
     }
 }
 
-TEST_F(ArrangeAllTest, AWindowOfTheSmallestSizeCounts) {
+TEST_F(ArrangeAllTest, AWindowOfTheMinimumSizeIsArranged) {
     const auto window = open(at({10, 10, 120, 80}));
 
     engine.arrangeAll();
@@ -129,7 +129,7 @@ TEST_F(ArrangeAllTest, AWindowOfTheSmallestSizeCounts) {
     EXPECT_EQ(desktop.frame(window), kColumn1);
 }
 
-TEST_F(ArrangeAllTest, AWindowCountsOnTheDisplayOfItsMiddle) {
+TEST_F(ArrangeAllTest, AWindowBelongsToTheDisplayThatContainsItsCentre) {
     const Rect mostlyRight{-200, 20, 500, 250};
     const auto right = open(mostlyRight);
     const auto left = open(kStart);
@@ -140,8 +140,8 @@ TEST_F(ArrangeAllTest, AWindowCountsOnTheDisplayOfItsMiddle) {
     EXPECT_TRUE(isUntouched(right, mostlyRight));
 }
 
-TEST_F(ArrangeAllTest, TheMiddleOnTheAreasFarEdgeIsOutside) {
-    open({1340, 100, 200, 200}); // its middle is at (1440, 200)
+TEST_F(ArrangeAllTest, ACentreOnTheFarEdgeOfTheAreaIsOutside) {
+    open({1340, 100, 200, 200}); // its centre is at (1440, 200)
 
     EXPECT_TRUE(engine.visibleWindows({1000, 0, 440, 900}, 9).empty());
     EXPECT_EQ(engine.visibleWindows({1000, 0, 440.5, 900}, 9).size(), 1U);
@@ -149,7 +149,7 @@ TEST_F(ArrangeAllTest, TheMiddleOnTheAreasFarEdgeIsOutside) {
     EXPECT_EQ(engine.visibleWindows({1000, -100, 900, 300.5}, 9).size(), 1U);
 }
 
-TEST_F(ArrangeAllTest, TheMiddleOnTheAreasNearEdgeIsInside) {
+TEST_F(ArrangeAllTest, ACentreOnTheNearEdgeOfTheAreaIsInside) {
     open({1340, 100, 200, 200});
 
     EXPECT_EQ(engine.visibleWindows({1440, 200, 100, 100}, 9).size(), 1U);
@@ -157,7 +157,7 @@ TEST_F(ArrangeAllTest, TheMiddleOnTheAreasNearEdgeIsInside) {
     EXPECT_TRUE(engine.visibleWindows({1440, 200.5, 100, 100}, 9).empty());
 }
 
-TEST_F(ArrangeAllTest, AWindowWhoseMiddleIsBehindABarCounts) {
+TEST_F(ArrangeAllTest, AWindowWhoseCentreIsBehindABarIsArranged) {
     for (const Rect& behind : {at({-100, 300, 210, 200}), at({500, -90, 300, 200}), at({1300, 300, 220, 200}),
                                at({500, 800, 300, 180})}) {
         const auto window = open(behind);
@@ -179,7 +179,7 @@ TEST_F(ArrangeAllTest, NearlyTransparentWindowsAreLeftAlone) {
     EXPECT_TRUE(isUntouched(fainter, kStart));
 }
 
-TEST_F(ArrangeAllTest, AWindowWithoutAWordAboutItsOpacityCounts) {
+TEST_F(ArrangeAllTest, AWindowOfUnknownOpacityIsArranged) {
     const auto window = open(kStart);
     desktop.window(window).alpha.reset();
 
@@ -201,7 +201,8 @@ TEST_F(ArrangeAllTest, ThisProgramsOwnWindowsAreLeftAlone) {
     EXPECT_TRUE(isUntouched(own, at({10, 10, 820, 540})));
     EXPECT_EQ(desktop.frame(editor), kColumn1);
     const std::string self = "application " + std::to_string(sim::SimState::kOwnPid);
-    EXPECT_THAT(desktop.takeRequests(), Not(Contains(HasSubstr(self)))) << "nor is it asked for them";
+    EXPECT_THAT(desktop.takeRequests(), Not(Contains(HasSubstr(self))))
+        << "its window list is not read either";
 }
 
 TEST_F(ArrangeAllTest, IgnoredProgramsAreLeftAlone) {
@@ -248,7 +249,7 @@ TEST_F(ArrangeAllTest, WithAFocusedWindowOfThisProgramTheMainScreenIsArranged) {
     EXPECT_TRUE(isUntouched(left, kStart));
 }
 
-TEST_F(ArrangeAllTest, AFocusedWindowThatCannotBeMovedPicksTheScreenAllTheSame) {
+TEST_F(ArrangeAllTest, AFocusedWindowThatCannotBeMovedStillDeterminesTheScreen) {
     const auto below = open(kStart);
     const auto focused = open(at({10, 10, 300, 300}));
     desktop.window(focused).role = "AXSheet";
@@ -270,7 +271,7 @@ TEST_F(ArrangeAllTest, WithoutAnyDisplayNothingHappens) {
     EXPECT_TRUE(isUntouched(window, kStart));
 }
 
-TEST_F(ArrangeAllTest, TheFocusedWindowPicksTheScreenEvenWhenItsProgramIsIgnored) {
+TEST_F(ArrangeAllTest, TheFocusedWindowDeterminesTheScreenEvenWhenItsProgramIsIgnored) {
     const auto other = desktop.openWindow("org.example.viewer", at({10, 10, 300, 300}));
     const auto ignored = open(kStart);
     settings.ignoredApps = {"org.example.editor"};
@@ -281,7 +282,7 @@ TEST_F(ArrangeAllTest, TheFocusedWindowPicksTheScreenEvenWhenItsProgramIsIgnored
     EXPECT_TRUE(isUntouched(ignored, kStart));
 }
 
-TEST_F(ArrangeAllTest, EntriesThatMakeNoSenseAreSkipped) {
+TEST_F(ArrangeAllTest, UnusableWindowListEntriesAreSkipped) {
     const auto window = open(kStart);
     const auto skipped = [&](const ListedWindow& listed) {
         desktop.window(window).listed = listed;
@@ -294,13 +295,14 @@ TEST_F(ArrangeAllTest, EntriesThatMakeNoSenseAreSkipped) {
     EXPECT_TRUE(skipped({3, pid, kStart, 1}));
     EXPECT_TRUE(skipped({0, {}, kStart, 1}));
     EXPECT_TRUE(skipped({-1, pid, kStart, 1}));
-    EXPECT_TRUE(skipped({0, pid + kProcessIds, kStart, 1})) << "not the process with the same last bits";
+    EXPECT_TRUE(skipped({0, pid + kProcessIds, kStart, 1}))
+        << "not the process whose id has the same low bits";
     EXPECT_TRUE(skipped({0, pid - kProcessIds, kStart, 1}));
     EXPECT_TRUE(skipped({0, pid, {}, 1}));
     EXPECT_FALSE(skipped({0, pid, kStart, 1}));
 }
 
-TEST_F(ArrangeAllTest, ProcessIdsAtTheEndsOfTheirRangeAreLikeAnyOther) {
+TEST_F(ArrangeAllTest, ProcessIdsAtTheLimitsOfTheirTypeWork) {
     using Limits = std::numeric_limits<ProcessId>;
     for (const ProcessId pid : {Limits::min(), Limits::max()}) {
         desktop.launchAs(pid, {});
@@ -310,7 +312,7 @@ TEST_F(ArrangeAllTest, ProcessIdsAtTheEndsOfTheirRangeAreLikeAnyOther) {
     }
 }
 
-TEST_F(ArrangeAllTest, AWindowIsFoundByItsFrameWithinFourPoints) {
+TEST_F(ArrangeAllTest, AListedWindowIsMatchedByItsFrameWithinFourPoints) {
     const auto window = open(kStart);
     const ProcessId pid = desktop.window(window).pid;
 
@@ -327,7 +329,7 @@ TEST_F(ArrangeAllTest, AWindowIsFoundByItsFrameWithinFourPoints) {
     EXPECT_FALSE(isFoundAs(at({200, 150, 640, 475.5})));
 }
 
-TEST_F(ArrangeAllTest, TwoWindowsOfOneProgramInOnePlaceAreBothArranged) {
+TEST_F(ArrangeAllTest, TwoWindowsOfOneProgramWithEqualFramesAreBothArranged) {
     const auto below = open(kStart);
     const auto above = open(kStart);
 
@@ -337,19 +339,19 @@ TEST_F(ArrangeAllTest, TwoWindowsOfOneProgramInOnePlaceAreBothArranged) {
     EXPECT_EQ(desktop.frame(below), kColumn2);
 }
 
-TEST_F(ArrangeAllTest, AProgramThatDoesNotAnswerUsesUpNoZone) {
+TEST_F(ArrangeAllTest, AnUnresponsiveProgramTakesNoZone) {
     const auto silent = open(kStart);
     const auto other = desktop.openWindow("org.example.viewer", at({10, 10, 300, 300}));
     desktop.applicationOf(silent).answerTime = sim::SimApplication::kTimeLimit;
     desktop.focus(silent);
-    desktop.activate(desktop.window(other).pid); // the silent one stays on top
+    desktop.activate(desktop.window(other).pid); // the unresponsive one stays on top
 
     engine.arrangeAll();
 
     EXPECT_EQ(desktop.frame(other), kColumn1);
 }
 
-TEST_F(ArrangeAllTest, AProgramIsAskedOnlyWhenTheWindowListSpeaksForItsWindow) {
+TEST_F(ArrangeAllTest, AProgramIsQueriedOnlyWhenItsListedWindowQualifies) {
     open(at({10, 10, 100, 100}));
     static_cast<void>(desktop.takeRequests());
 
@@ -358,7 +360,7 @@ TEST_F(ArrangeAllTest, AProgramIsAskedOnlyWhenTheWindowListSpeaksForItsWindow) {
     EXPECT_TRUE(desktop.takeRequests().empty());
 }
 
-TEST_F(ArrangeAllTest, NoProgramIsAskedOnceThereAreEnoughWindows) {
+TEST_F(ArrangeAllTest, NoFurtherProgramIsQueriedOnceThereAreEnoughWindows) {
     open(kStart);
     const auto first = desktop.openWindow("org.example.viewer", at({10, 10, 300, 300}));
     static_cast<void>(desktop.takeRequests());
@@ -389,7 +391,7 @@ TEST_F(ArrangeAllTest, WindowsThatCannotBeMovedAreLeftAlone) {
     EXPECT_TRUE(isUntouched(stays, kStart));
 }
 
-TEST_F(ArrangeAllTest, AWindowWithoutARoleCounts) {
+TEST_F(ArrangeAllTest, AWindowWithoutARoleIsArranged) {
     const auto window = open(kStart);
     desktop.window(window).role.reset();
 
@@ -398,7 +400,7 @@ TEST_F(ArrangeAllTest, AWindowWithoutARoleCounts) {
     EXPECT_EQ(desktop.frame(window), kColumn1);
 }
 
-TEST_F(ArrangeAllTest, AWindowThatCannotBeReadIsPassedOverForTheNextInItsPlace) {
+TEST_F(ArrangeAllTest, AnUnreadableWindowIsSkippedForTheNextOneWithItsFrame) {
     const auto readable = open(kStart);
     const auto silent = open(kStart);
     desktop.window(silent).overrides["AXPosition"] = std::nullopt;
@@ -410,7 +412,7 @@ TEST_F(ArrangeAllTest, AWindowThatCannotBeReadIsPassedOverForTheNextInItsPlace) 
     EXPECT_TRUE(isUntouched(silent, kStart));
 }
 
-TEST_F(ArrangeAllTest, ALimitOfNothingFindsNothing) {
+TEST_F(ArrangeAllTest, ALimitOfZeroFindsNothing) {
     open(kStart);
 
     EXPECT_TRUE(engine.visibleWindows(kScreen, 0).empty());
@@ -436,7 +438,7 @@ TEST_F(ArrangeAllTest, NothingIsRememberedForTheProgram) {
     EXPECT_EQ(desktop.beeps(), 0);
 }
 
-TEST_F(ArrangeAllTest, AWindowThatRefusesItsSizeIsKeptInside) {
+TEST_F(ArrangeAllTest, AWindowThatRefusesItsSizeIsKeptInTheUsableArea) {
     settings.zones = {Zone{true, 75, 0, 25, 100}};
     const auto window = open(kStart);
     desktop.window(window).minimum = {600, 100};
@@ -446,7 +448,7 @@ TEST_F(ArrangeAllTest, AWindowThatRefusesItsSizeIsKeptInside) {
     EXPECT_EQ(desktop.frame(window), (Rect{-700, -575, 600, 820}));
 }
 
-TEST_F(ArrangeAllTest, TheHotKeyArranges) {
+TEST_F(ArrangeAllTest, TheActionArrangesTheWindows) {
     const auto window = open(kStart);
 
     runner.run(ActionID::arrangeAll);

@@ -14,7 +14,7 @@ protected:
     sim::SimApplication& editor() { return desktop.applicationOf(window); }
     [[nodiscard]] ProcessId pid() { return desktop.window(window).pid; }
     [[nodiscard]] Element element() { return desktop.element(window); }
-    /// Makes the window say `value` when asked for `attribute`.
+    /// Makes reads of the window's `attribute` return `value`, or fail when it is empty.
     void say(std::string_view attribute, std::optional<AttributeValue> value) {
         desktop.window(window).overrides.insert_or_assign(std::string(attribute), std::move(value));
     }
@@ -22,7 +22,7 @@ protected:
     sim::WindowId window = desktop.openWindow("org.example.editor", kStart);
 };
 
-TEST_F(AXTest, ReadsGiveTheValueInItsOwnType) {
+TEST_F(AXTest, ReadsReturnTheValueInItsOwnType) {
     say("point", Point{1, 2});
     say("size", Size{3, 4});
     say("string", "text");
@@ -35,7 +35,7 @@ TEST_F(AXTest, ReadsGiveTheValueInItsOwnType) {
     EXPECT_TRUE(ax.copy(element(), "point"));
 }
 
-TEST_F(AXTest, AValueOfAnotherKindIsNone) {
+TEST_F(AXTest, ReadsOfAnotherTypeAreEmpty) {
     say("point", Point{1, 2});
     say("text", "text");
 
@@ -46,13 +46,13 @@ TEST_F(AXTest, AValueOfAnotherKindIsNone) {
     EXPECT_FALSE(ax.boolean(element(), "text"));
 }
 
-TEST_F(AXTest, AMissingValueIsNone) {
+TEST_F(AXTest, ReadsOfAMissingAttributeAreEmpty) {
     EXPECT_FALSE(ax.copy(element(), "AXNoSuchThing"));
     EXPECT_FALSE(ax.point(element(), "AXNoSuchThing"));
     EXPECT_FALSE(ax.boolean(element(), "AXNoSuchThing"));
 }
 
-TEST_F(AXTest, ANumberIsReadAsATruthValue) {
+TEST_F(AXTest, ANumberIsReadAsABoolean) {
     say("one", 1.0);
     say("half", 0.5);
     say("zero", 0.0);
@@ -64,13 +64,13 @@ TEST_F(AXTest, ANumberIsReadAsATruthValue) {
     EXPECT_EQ(ax.boolean(element(), "yes"), true);
 }
 
-TEST_F(AXTest, AFrameIsPositionThenSize) {
+TEST_F(AXTest, FrameReadsThePositionThenTheSize) {
     EXPECT_EQ(ax.frame(element()), kStart);
     EXPECT_EQ(desktop.takeRequests(),
               (Lines{"read " + name(window) + " AXPosition", "read " + name(window) + " AXSize"}));
 }
 
-TEST_F(AXTest, AWindowThatDoesNotSayItsPositionOrSizeHasNoFrame) {
+TEST_F(AXTest, AWindowWithoutAReadablePositionOrSizeHasNoFrame) {
     say("AXSize", std::nullopt);
     EXPECT_FALSE(ax.frame(element()));
 
@@ -79,7 +79,7 @@ TEST_F(AXTest, AWindowThatDoesNotSayItsPositionOrSizeHasNoFrame) {
     EXPECT_FALSE(ax.frame(element()));
 }
 
-TEST_F(AXTest, WindowsComeInTheOrderThatTheApplicationGives) {
+TEST_F(AXTest, WindowsKeepTheOrderOfTheApplication) {
     const auto second = desktop.openWindow("org.example.editor", {300, 250, 640, 480});
     desktop.openWindow("org.example.mail", {0, 30, 640, 480});
 
@@ -90,7 +90,7 @@ TEST_F(AXTest, WindowsComeInTheOrderThatTheApplicationGives) {
     EXPECT_EQ(ax.key(windows[1]), ax.key(element()));
 }
 
-TEST_F(AXTest, AProcessThatDoesNotAnswerHasNoWindows) {
+TEST_F(AXTest, AProcessWithoutAReadableWindowListHasNoWindows) {
     EXPECT_TRUE(ax.windows(1).empty());
 
     editor().overrides["AXWindows"] = "nonsense";
@@ -100,7 +100,7 @@ TEST_F(AXTest, AProcessThatDoesNotAnswerHasNoWindows) {
     EXPECT_TRUE(ax.windows(pid()).empty());
 }
 
-TEST_F(AXTest, TheFocusedWindowIsThatOfTheFrontmostApplication) {
+TEST_F(AXTest, TheFocusedWindowBelongsToTheFrontmostApplication) {
     const auto other = desktop.openWindow("org.example.mail", {0, 30, 640, 480});
     desktop.focus(window);
 
@@ -151,7 +151,7 @@ TEST_F(AXTest, AWindowWithoutARoleIsUsableUnlessMinimizedOrFullScreen) {
     EXPECT_FALSE(ax.isUsable(element()));
 }
 
-TEST_F(AXTest, WhatIsNoWindowIsNotUsable) {
+TEST_F(AXTest, AnElementThatIsNotAWindowIsNotUsable) {
     desktop.window(window).role = "AXUnknown";
     EXPECT_FALSE(ax.isUsable(element()));
 
@@ -159,7 +159,7 @@ TEST_F(AXTest, WhatIsNoWindowIsNotUsable) {
     EXPECT_FALSE(ax.isUsable(element()));
 }
 
-TEST_F(AXTest, AWindowThatSaysNothingAboutItselfIsUsable) {
+TEST_F(AXTest, AWindowWithUnreadableTraitsIsUsable) {
     for (const auto* attribute : {"AXRole", "AXMinimized", "AXFullScreen"})
         say(attribute, std::nullopt);
 
@@ -176,7 +176,7 @@ TEST_F(AXTest, DialogsAndPanelsAreUsable) {
 
 class AXSetFrameTest : public AXTest {
 protected:
-    /// The right third of the usable area, and its bottom half.
+    /// The right third and the bottom half of the usable area.
     static constexpr Rect kRightThird{-533, -575, 433, 820};
     static constexpr Rect kBottomHalf{-1400, -165, 1300, 410};
 
@@ -205,7 +205,7 @@ TEST_F(AXSetFrameTest, WithBoundsTheWindowIsReadBack) {
     EXPECT_EQ(requests[5], "read " + name(window) + " AXSize");
 }
 
-TEST_F(AXSetFrameTest, TheSecondSizeMakesUpForTheFirstOneCutAtTheOldPlace) {
+TEST_F(AXSetFrameTest, TheSecondSizeWriteCorrectsAFirstOneClippedAtTheOldPosition) {
     desktop.window(window).cutAtDisplayEdge = true;
     desktop.drag(window, at({1000, 150, 400, 480}));
 
@@ -214,7 +214,7 @@ TEST_F(AXSetFrameTest, TheSecondSizeMakesUpForTheFirstOneCutAtTheOldPlace) {
     EXPECT_EQ(desktop.frame(window), kPrimaryUsable);
 }
 
-TEST_F(AXSetFrameTest, AFrameThatCannotBeExpressedIsNotWrittenAtAll) {
+TEST_F(AXSetFrameTest, AFrameThatCannotBeExpressedIsNotWritten) {
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
@@ -235,7 +235,7 @@ TEST_F(AXSetFrameTest, AWindowThatStaysTooWideEndsAtTheRightEdge) {
     EXPECT_EQ(desktop.takeWrites().back(), "write " + name(window) + " AXPosition -1000,-575");
 }
 
-TEST_F(AXSetFrameTest, AWindowThatStaysTooHighEndsAtTheBottomEdge) {
+TEST_F(AXSetFrameTest, AWindowThatStaysTooTallEndsAtTheBottomEdge) {
     desktop.window(window).minimum = {1, 600};
 
     setFrame(kBottomHalf);
@@ -261,7 +261,7 @@ TEST_F(AXSetFrameTest, AWindowLargerThanTheBoundsStartsAtTheirLeftAndTopEdge) {
 }
 
 TEST_F(AXSetFrameTest, AnOvershootOfOnePointIsLeftAlone) {
-    setFrame({-579, -192, 480, 438}); // to (-99, 246)
+    setFrame({-579, -192, 480, 438}); // one point beyond the bottom-right corner of the usable area
 
     EXPECT_EQ(desktop.frame(window), (Rect{-579, -192, 480, 438}));
     EXPECT_EQ(desktop.takeWrites().size(), 3U);
@@ -275,7 +275,7 @@ TEST_F(AXSetFrameTest, AnOvershootBeyondOnePointIsPulledBack) {
     EXPECT_EQ(desktop.frame(window), (Rect{-579.5, -193, 480, 438})) << "at the bottom only";
 }
 
-TEST_F(AXSetFrameTest, AWindowSticksOutOnTheLeftOrTopUncorrected) {
+TEST_F(AXSetFrameTest, AWindowThatSticksOutOnTheLeftOrTopIsNotCorrected) {
     setFrame({-1450, -610, 480, 437});
 
     EXPECT_EQ(desktop.frame(window), (Rect{-1450, -610, 480, 437}));
@@ -299,13 +299,13 @@ TEST_F(AXSetFrameTest, AWindowThatCannotBeReadBackIsNotCorrected) {
     EXPECT_EQ(desktop.takeWrites().size(), 3U);
 }
 
-TEST_F(AXSetFrameTest, TheEnhancedInterfaceIsOffMeanwhileAndOnAgain) {
+TEST_F(AXSetFrameTest, TheEnhancedInterfaceIsOffDuringTheWritesAndOnAgain) {
     editor().enhancedInterface = true;
     desktop.window(window).minimum = {900, 1};
 
     setFrame(kRightThird);
 
-    // Left on, the frame read back would be the one from before, and nothing would be pulled back.
+    // With the enhanced interface on, reads would return the old frame and nothing would be pulled back.
     EXPECT_EQ(desktop.frame(window), (Rect{-1000, -575, 900, 820}));
     EXPECT_EQ(editor().enhancedInterface, true);
     const auto writes = desktop.takeWrites();

@@ -8,14 +8,14 @@
 
 namespace tessarel {
 
-/// Random choices that a seed repeats.
+/// Random choices that depend on a seed alone, so that a run can be repeated.
 class Dice {
 public:
     explicit Dice(std::uint64_t seed) : m_random(seed) {}
 
-    /// From 0 to `count` - 1.
+    /// Returns a whole number from 0 to `count` - 1.
     std::size_t below(std::size_t count) { return static_cast<std::size_t>(m_random() % count); }
-    /// A whole number, both ends included.
+    /// Returns a whole number from `from` to `to`, both included.
     int between(int from, int to) {
         return from + static_cast<int>(below(static_cast<std::size_t>(to - from) + 1));
     }

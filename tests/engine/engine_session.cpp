@@ -61,7 +61,7 @@ void EngineSession::onBoth(const Work& work) {
 }
 
 void EngineSession::step() {
-    if (m_dice.oneIn(8)) { // or most hot keys would do nothing
+    if (m_dice.oneIn(8)) { // otherwise most hot keys would do nothing
         m_runtime.paused = m_reference.paused = false;
         onBoth([](JournalDesktop& desktop) { desktop.trust().trusted = true; });
     }
@@ -128,7 +128,7 @@ std::optional<std::string> EngineSession::difference() {
 
 void EngineSession::forgetWhatHasGone() {
     const auto behind = m_desktop.clock().now() - m_referenceDesktop.clock().now();
-    m_desktop.advance(std::max(-behind, 0ns)); // a program that does not answer takes time with every read
+    m_desktop.advance(std::max(-behind, 0ns)); // each read from an unresponsive program takes time
     m_referenceDesktop.advance(std::max(behind, 0ns));
     for (JournalDesktop* desktop : {&m_desktop, &m_referenceDesktop})
         desktop->withoutIncident();
@@ -150,7 +150,7 @@ void EngineSession::useHotKey() {
     const ActionID action = m_dice.pick<ActionID>(
         {zone, zone, zone, zone, half, half, ActionID::center, ActionID::restore, ActionID::restore,
          ActionID::nextDisplay, ActionID::previousDisplay, ActionID::arrangeAll, ActionID::arrangeAll});
-    m_what = action.title().data(); // a literal
+    m_what = action.title().data(); // a string literal, so it is null-terminated
     const auto binding = m_store.binding(action);
     if (!binding || m_dice.oneIn(5)) {
         const auto id = m_dice.oneIn(40) ? static_cast<std::uint32_t>(m_dice.between(19, 40))
@@ -268,7 +268,7 @@ void EngineSession::changeSettingsAndRegister() {
     changeSettings(m_dice, m_store.settings);
     m_reference.settings = m_store.settings;
     if (m_dice.oneIn(10))
-        return; // to be found at the moment of use
+        return; // the engine reads settings at the moment of use, so these take effect without a registration
     m_hotKeys.registerAll();
     m_reference.registerAll();
 }

@@ -20,15 +20,16 @@
 
 namespace tessarel {
 
-/// One session of a user with a random desktop, twice: with the engine of the program and with the reference
-/// engine, each on a simulated desktop of its own to which the same things happen.
+/// A random user session that runs twice: with the program's engine and with the reference engine. Each has a
+/// simulated desktop of its own, and every step happens on both.
 class EngineSession {
 public:
     explicit EngineSession(std::uint64_t seed);
 
-    /// Lets one random thing happen on both desktops.
+    /// Performs one random step on both desktops.
     void step();
-    /// What the last step has done differently on the two desktops, for a person; empty when nothing.
+    /// Returns a readable report of what the last step did differently on the two desktops, or `std::nullopt`
+    /// when they agree.
     [[nodiscard]] std::optional<std::string> difference();
 
     [[nodiscard]] const ReferenceEngine::Branches& branches() const { return m_reference.branches(); }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::uint64_t kSteps = 100'000;
 constexpr std::uint64_t kStepsOfOneSession = 250;
-/// How often 100,000 steps take each branch at least.
+/// Minimum number of times that `kSteps` steps must take each branch.
 constexpr long kEnough = 40;
 
 /// Every branch of the reference engine.
@@ -80,14 +80,14 @@ constexpr std::array<std::string_view, 62> kBranches{
     "zone: too small",
 };
 
-/// The number in an environment variable.
+/// Returns the number in an environment variable, or `otherwise` when it is not set.
 std::uint64_t numberFrom(const char* variable, std::uint64_t otherwise) {
     const char* const text = std::getenv(variable); // NOLINT(concurrency-mt-unsafe): one thread
     return text ? std::strtoull(text, nullptr, 10) : otherwise;
 }
 
-/// Takes both engines through `steps` steps of random sessions, the first of which has the seed `firstSeed`,
-/// and adds to `branches` how often each branch was taken.
+/// Runs random sessions with the seeds from `firstSeed` on for `steps` steps in all and fails at the first
+/// difference. Adds to `branches` how often each branch of the reference engine was taken.
 void run(std::uint64_t steps, std::uint64_t firstSeed, ReferenceEngine::Branches& branches) {
     std::uint64_t done = 0;
     for (std::uint64_t seed = firstSeed; done < steps; ++seed) {
@@ -104,12 +104,12 @@ void run(std::uint64_t steps, std::uint64_t firstSeed, ReferenceEngine::Branches
     }
 }
 
-TEST(EngineSessionTest, TheEngineDoesWhatTheReferenceEngineDoes) {
+TEST(EngineSessionTest, TheEngineAgreesWithTheReferenceEngine) {
     const std::uint64_t steps = numberFrom("TESSAREL_RANDOM_STEPS", kSteps);
     ReferenceEngine::Branches branches;
     ASSERT_NO_FATAL_FAILURE(run(steps, numberFrom("TESSAREL_RANDOM_SEED", 1), branches));
     if (steps < kSteps)
-        return; // to look at one session
+        return; // a short run, for debugging, need not reach every branch
     EXPECT_EQ(branches.size(), kBranches.size());
     for (const std::string_view branch : kBranches)
         EXPECT_GE(branches[branch], kEnough) << branch;

@@ -22,24 +22,24 @@ inline void PrintTo(const Rect& rect, std::ostream* out) {
     *out << "(" << rect.x << ", " << rect.y << ", " << rect.width << ", " << rect.height << ")";
 }
 
-/// The engine on an empty simulated desktop.
+/// Fixture: the engine on an empty simulated desktop.
 ///
-/// The displays that it can be given are awkward ones: the screen that windows are on is not the primary
-/// display, nor the main screen; it lies at negative coordinates, and bars narrow it at all four sides, at
-/// each by another width.
+/// `addScreens` connects displays that expose mistakes with coordinates: the screen that windows are on is
+/// neither the primary display nor the main screen, it lies at negative coordinates, and bars of four
+/// different widths narrow it on all sides.
 class EngineTest : public ::testing::Test {
 protected:
     using Lines = std::vector<std::string>;
 
-    /// The whole of the screen that windows are on, and what bars leave of it.
+    /// Frame and usable area of the screen that windows are on, in accessibility coordinates.
     static constexpr Rect kScreen{-1440, -600, 1440, 900};
     static constexpr Rect kUsable{-1400, -575, 1300, 820};
-    /// The halves of `kUsable`.
+    /// The left and the right half of `kUsable`.
     static constexpr Rect kLeft{-1400, -575, 650, 820};
     static constexpr Rect kRight{-750, -575, 650, 820};
-    /// Where a window stands that has not been placed yet.
+    /// Frame of a window before its first placement.
     static constexpr Rect kStart{-1240, -450, 640, 480};
-    /// The whole of the primary display, and what bars leave of it.
+    /// Frame and usable area of the primary display, in accessibility coordinates.
     static constexpr Rect kPrimary{0, 0, 1280, 800};
     static constexpr Rect kPrimaryUsable{12, 31, 1240, 725};
 
@@ -54,21 +54,23 @@ protected:
         desktop.setMainScreen(primary);
         return primary;
     }
-    /// Connects the primary display and, left of it and further up, the screen that windows are on.
+    /// Connects the primary display and, to its left and higher up, the screen that windows are on. Returns
+    /// the latter.
     Screen addScreens() {
         addPrimary();
         return desktop.addScreen(
             {.frame = {-1440, 500, 1440, 900}, .menuBar = 25, .dock = 55, .leftBar = 40, .rightBar = 100});
     }
 
-    /// What is (x, y) from the top-left corner of the screen that windows are on.
+    /// Returns the point at (x, y) from the top-left corner of the screen that windows are on, in
+    /// accessibility coordinates.
     static constexpr Point at(double x, double y) { return {kScreen.x + x, kScreen.y + y}; }
-    /// The frame that is at `local` from the same corner.
+    /// Returns the frame `local`, measured from that corner, in accessibility coordinates.
     static constexpr Rect at(const Rect& local) {
         return {kScreen.x + local.x, kScreen.y + local.y, local.width, local.height};
     }
 
-    /// How the record of requests calls the window.
+    /// Returns the name of the window in the recorded requests.
     static std::string name(sim::WindowId window) {
         return "window " + std::to_string(static_cast<unsigned>(window));
     }

@@ -26,7 +26,8 @@ double roundedByHand(double value) {
     return value < 0 ? whole - 1 : whole + 1;
 }
 
-/// A length cut by `by` at both ends; of infinite start when less than nothing is left.
+/// Returns `span` shortened by `by` at both ends, or an infinite start and the length -1 when the length
+/// would become negative.
 Span shrunk(Span span, double by) {
     if (span.length < 0)
         span = {span.start + span.length, -span.length};
@@ -34,7 +35,7 @@ Span shrunk(Span span, double by) {
     return length < 0 ? Span{std::numeric_limits<double>::infinity(), -1} : Span{span.start + by, length};
 }
 
-/// The zone's frame once more, axis by axis, for comparison.
+/// Returns the zone's frame, computed independently of `Geo` and axis by axis.
 Rect naiveZoneFrame(const Zone& zone, const Rect& area, double gap, double margin) {
     const auto along = [&](double start, double length, double from, double extent) {
         const Span outer = shrunk({start, length}, margin - gap / 2);
@@ -57,7 +58,7 @@ class GeoRandomTest : public EngineTest {
 protected:
     double uniform(double from, double to) { return std::uniform_real_distribution(from, to)(random); }
     int whole(int from, int to) { return std::uniform_int_distribution(from, to)(random); }
-    /// Mostly whole numbers and halves, where rounding matters most.
+    /// Returns mostly whole numbers and halves, where rounding matters most.
     double measure(int from, int to) {
         return whole(0, 3) == 0 ? uniform(from, to) : whole(2 * from, 2 * to) * 0.5;
     }
@@ -83,12 +84,12 @@ TEST_F(GeoRandomTest, ZoneFramesAgreeWithASecondCalculation) {
     }
 }
 
-/// How much of two intervals is common.
+/// Returns the length that two intervals have in common.
 double common(double a, double aEnd, double b, double bEnd) {
     return std::max(0.0, std::min(aEnd, bEnd) - std::max(a, b));
 }
 
-/// Position of the display that shows most of the window, calculated once more.
+/// Returns the index of the display that shows most of the window, computed independently of `Geo`.
 std::size_t naiveScreen(const std::vector<Screen>& screens, const Rect& window) {
     std::size_t best = 0;
     double bestShown = 0;

@@ -20,7 +20,7 @@ protected:
     }
 };
 
-TEST_F(GeoTest, ThePrimaryHeightIsThatOfTheFirstDisplay) {
+TEST_F(GeoTest, ThePrimaryHeightIsTheHeightOfTheFirstDisplay) {
     addScreens();
 
     EXPECT_EQ(geo.primaryHeight(), 800);
@@ -60,13 +60,13 @@ TEST_F(GeoTest, FlippingTwiceGivesTheRectangleBack) {
     EXPECT_EQ(geo.flip(geo.flip(rect)), rect);
 }
 
-TEST_F(GeoTest, FlippingStandardisesNegativeSizes) {
+TEST_F(GeoTest, FlippingNormalizesNegativeSizes) {
     addPrimary();
 
     EXPECT_EQ(geo.flip({300, 400, -100, -50}), (Rect{200, 400, 100, 50}));
 }
 
-TEST_F(GeoTest, AChangeOfDisplaysIsPickedUpAtOnce) {
+TEST_F(GeoTest, AChangeOfDisplaysTakesEffectAtOnce) {
     addPrimary();
     const Screen other = desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
     EXPECT_EQ(geo.flip({0, 0, 10, 10}), (Rect{0, 790, 10, 10}));
@@ -76,14 +76,14 @@ TEST_F(GeoTest, AChangeOfDisplaysIsPickedUpAtOnce) {
     EXPECT_EQ(geo.flip({0, 0, 10, 10}), (Rect{0, 1070, 10, 10}));
 }
 
-TEST_F(GeoTest, APlaceIsMeasuredFromTheTop) {
+TEST_F(GeoTest, AxPointIsMeasuredFromTheTop) {
     addPrimary();
 
     EXPECT_EQ(geo.axPoint({100, 250}), (Point{100, 550}));
     EXPECT_EQ(geo.axPoint({-20, 1000}), (Point{-20, -200}));
 }
 
-TEST_F(GeoTest, WithoutDisplaysAPlaceIsMirroredAtTheOrigin) {
+TEST_F(GeoTest, WithoutDisplaysAxPointNegatesY) {
     EXPECT_EQ(geo.axPoint({100, 250}), (Point{100, -250}));
 }
 
@@ -96,7 +96,7 @@ TEST_F(GeoTest, AWindowBelongsToTheScreenThatShowsMostOfIt) {
     EXPECT_EQ(geo.screen({-250, 0, 400, 500}), primary) << "250 by 300 against 150 by 500";
 }
 
-TEST_F(GeoTest, OfScreensThatShowEqualSharesTheEarlierOneWins) {
+TEST_F(GeoTest, OfScreensThatShowEqualSharesTheFirstWins) {
     const Screen left = addScreens();
     const Screen primary = desktop.displays().screens().front();
 
@@ -130,7 +130,7 @@ TEST_F(GeoTest, NeighboursAreOneGapApartAndOneMarginFromTheEdge) {
     EXPECT_EQ(geo.zoneFrame(kRightHalf, kArea), (Rect{725, 33, 707, 859}));
 }
 
-TEST_F(GeoTest, WithoutGapAndMarginAZoneIsItsShareRounded) {
+TEST_F(GeoTest, WithoutGapAndMarginAZoneIsItsRoundedShareOfTheArea) {
     EXPECT_EQ(geo.zoneFrame({true, 0, 0, 50, 100}, kArea), (Rect{0, 25, 720, 875}));
     EXPECT_EQ(geo.zoneFrame({true, 0, 50, 50, 50}, kArea), (Rect{0, 463, 720, 438}));
     EXPECT_EQ(geo.zoneFrame({true, 100.0 / 3, 0, 100.0 / 3, 50}, {0, 0, 1000, 801}),
@@ -145,7 +145,7 @@ TEST_F(GeoTest, HalvesAreRoundedAwayFromZero) {
 TEST_F(GeoTest, AMarginSmallerThanHalfTheGapEnlargesTheArea) {
     setSpacing(20, 4);
 
-    // The outer zones keep the margin all the same.
+    // Outer zones still keep the margin.
     EXPECT_EQ(geo.zoneFrame(kWhole, {0, 0, 1000, 800}), (Rect{4, 4, 992, 792}));
     EXPECT_EQ(geo.zoneFrame(kRightHalf, {0, 0, 1000, 800}), (Rect{510, 4, 486, 792}));
 }
@@ -155,13 +155,13 @@ TEST_F(GeoTest, ASmallZoneHasTheMinimumExtentAtItsOwnOrigin) {
     EXPECT_EQ(geo.zoneFrame({true, 10, 10, 3, 50}, {0, 0, 1000, 800}), (Rect{100, 80, 40, 400}));
 }
 
-TEST_F(GeoTest, AGapThatEatsTheShareGivesAnInfiniteOrigin) {
+TEST_F(GeoTest, AGapLargerThanTheZoneGivesAnInfiniteOrigin) {
     setSpacing(200, 0);
 
     EXPECT_EQ(geo.zoneFrame({true, 0, 0, 10, 10}, {0, 0, 1000, 800}), (Rect{kInfinity, kInfinity, 40, 40}));
 }
 
-TEST_F(GeoTest, AMarginThatEatsTheAreaGivesAnInfiniteOrigin) {
+TEST_F(GeoTest, MarginsLargerThanTheAreaGiveAnInfiniteOrigin) {
     setSpacing(0, 600);
 
     const Rect frame = geo.zoneFrame(kWhole, {0, 0, 1000, 800});
@@ -169,13 +169,13 @@ TEST_F(GeoTest, AMarginThatEatsTheAreaGivesAnInfiniteOrigin) {
     EXPECT_EQ(frame, (Rect{kInfinity, kInfinity, 40, 40}));
 }
 
-TEST_F(GeoTest, AShareExactlyAsLargeAsTheGapIsNotEaten) {
+TEST_F(GeoTest, AZoneExactlyAsLargeAsTheGapHasAFiniteOrigin) {
     setSpacing(100, 50);
 
     EXPECT_EQ(geo.zoneFrame({true, 0, 0, 10, 50}, {0, 0, 1000, 800}), (Rect{50, 50, 40, 300}));
 }
 
-TEST_F(GeoTest, WhetherAZoneIsEnabledPlaysNoPart) {
+TEST_F(GeoTest, WhetherAZoneIsEnabledDoesNotMatter) {
     EXPECT_EQ(geo.zoneFrame({false, 50, 0, 50, 100}, kArea), geo.zoneFrame({true, 50, 0, 50, 100}, kArea));
 }
 
@@ -185,7 +185,7 @@ TEST_F(GeoTest, SettingsAreReadAtEveryCall) {
     EXPECT_EQ(geo.zoneFrame(kWhole, {0, 0, 1000, 800}), (Rect{12, 12, 976, 776}));
 }
 
-TEST_F(GeoTest, AbsurdSettingsAreOnlyAbsurdFrames) {
+TEST_F(GeoTest, ExtremeSettingsGiveAFrameThatCannotBeExpressed) {
     setSpacing(1e308, -1e308);
 
     const Rect frame = geo.zoneFrame({true, 1e300, -1e300, 1e300, 1e300}, kArea);

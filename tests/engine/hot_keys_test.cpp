@@ -16,7 +16,7 @@ protected:
 
     HotKeysTest() { addScreens(); }
 
-    /// The ids of the actions that have a hot key now, ascending.
+    /// Returns the ids of the registered hot keys, ascending.
     [[nodiscard]] std::vector<std::uint32_t> registeredIds() const {
         std::vector<std::uint32_t> ids;
         for (const HotKeyRequest& request : registered())
@@ -33,12 +33,12 @@ protected:
 TEST_F(HotKeysTest, EveryBoundActionHasAHotKeyUnlessItsZoneIsDisabled) {
     hotKeys.registerAll();
 
-    // The default zones are five of nine.
+    // Five of the nine default zones are enabled.
     EXPECT_EQ(registeredIds(),
               (std::vector<std::uint32_t>{0, 1, 2, 3, 4, 9, 10, 11, 12, 13, 14, 15, 16, 17, 18}));
 }
 
-TEST_F(HotKeysTest, KeysAndModifiersAreHandedOverUnchangedUnderTheProgramsSignature) {
+TEST_F(HotKeysTest, KeysAndModifiersAreRegisteredUnchangedWithTheProgramsSignature) {
     settings.bindings = {{"maximize", {36, 6144}}};
 
     hotKeys.registerAll();
@@ -65,7 +65,7 @@ TEST_F(HotKeysTest, TheKeysOfADisabledZoneReachOtherPrograms) {
     EXPECT_TRUE(keys.holdByAnotherProgram(20, kCtrlOpt));
 }
 
-TEST_F(HotKeysTest, OfTwoActionsOnTheSameKeysTheFirstKeepsThem) {
+TEST_F(HotKeysTest, OfTwoActionsWithTheSameKeysTheFirstGetsThem) {
     settings.bindings = {{"leftHalf", {123, 6144}}, {"center", {123, 6144}}};
 
     hotKeys.registerAll();
@@ -82,7 +82,7 @@ TEST_F(HotKeysTest, RegisteringTwiceLeavesOneHotKeyPerActionAndOneHandler) {
 
     EXPECT_EQ(registered(), once);
     EXPECT_EQ(keys.handlersInstalled(), 1);
-    keys.press(51, kCtrlOpt); // nothing to restore: one alert per run of the action
+    keys.press(51, kCtrlOpt); // nothing to restore, so each run of the action sounds one alert
     EXPECT_EQ(desktop.beeps(), 1);
 }
 
@@ -104,7 +104,7 @@ TEST_F(HotKeysTest, AnUnboundActionHasNoHotKey) {
     EXPECT_TRUE(registered().empty());
 }
 
-TEST_F(HotKeysTest, ACombinationOfAnotherProgramIsLeftOutAndTriedAgainNextTime) {
+TEST_F(HotKeysTest, ACombinationHeldByAnotherProgramIsSkippedAndRetriedNextTime) {
     auto other = keys.holdByAnotherProgram(36, kCtrlOpt);
     hotKeys.registerAll();
     EXPECT_EQ(registered().size(), 14U);
@@ -116,7 +116,7 @@ TEST_F(HotKeysTest, ACombinationOfAnotherProgramIsLeftOutAndTriedAgainNextTime) 
     EXPECT_TRUE(keys.press(36, kCtrlOpt));
 }
 
-TEST_F(HotKeysTest, BindingsThatNobodyCanRegisterAreLeftOut) {
+TEST_F(HotKeysTest, BindingsThatCannotBeRegisteredAreSkipped) {
     constexpr std::int64_t kTooLarge = std::int64_t{1} << 32;
     settings.bindings = {{"zone1", {-1, 6144}},
                          {"zone2", {18, -6144}},
@@ -132,7 +132,7 @@ TEST_F(HotKeysTest, BindingsThatNobodyCanRegisterAreLeftOut) {
     EXPECT_EQ(registeredIds(), (std::vector<std::uint32_t>{13}));
 }
 
-TEST_F(HotKeysTest, ASettingsListThatIsTooShortIsAListOfDisabledZones) {
+TEST_F(HotKeysTest, ZonesMissingFromTheSettingsCountAsDisabled) {
     settings.zones.resize(1);
 
     hotKeys.registerAll();
@@ -161,7 +161,7 @@ TEST_F(HotKeysTest, EveryIdRunsTheActionAtItsPosition) {
         EXPECT_EQ(desktop.frame(window), expected) << id;
         places.emplace(expected.midX(), expected.midY());
     }
-    EXPECT_EQ(places.size(), 17U) << "arranging is zone 1, centring is maximizing, by their middles";
+    EXPECT_EQ(places.size(), 17U) << "arranging has the centre of zone 1, and centring that of maximizing";
 }
 
 TEST_F(HotKeysTest, IdsBeyondTheActionsDoNothing) {
@@ -171,7 +171,7 @@ TEST_F(HotKeysTest, IdsBeyondTheActionsDoNothing) {
     EXPECT_TRUE(desktop.takeRequests().empty());
 }
 
-TEST_F(HotKeysTest, WhilePausedTheKeysStayClaimedAndDoNothing) {
+TEST_F(HotKeysTest, WhilePausedTheKeysStayRegisteredAndDoNothing) {
     hotKeys.registerAll();
     runtime.paused = true;
 
@@ -180,7 +180,7 @@ TEST_F(HotKeysTest, WhilePausedTheKeysStayClaimedAndDoNothing) {
     EXPECT_EQ(desktop.frame(window), kStart);
 }
 
-TEST_F(HotKeysTest, TheEndOfTheServiceFreesTheKeys) {
+TEST_F(HotKeysTest, DestroyingHotKeysReleasesTheKeys) {
     {
         HotKeys shortLived{desktop.hotKeys(), runner, store};
         shortLived.registerAll();

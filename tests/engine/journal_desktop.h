@@ -10,17 +10,17 @@
 
 namespace tessarel {
 
-/// A simulated desktop that keeps one journal of everything that an engine has it do, in order: writes, alert
+/// A simulated desktop that keeps a journal of what an engine does to it, in order: attribute writes, alert
 /// sounds, saved documents, hot keys and prompts.
 class JournalDesktop : public sim::SimDesktop {
 public:
     JournalDesktop();
 
-    /// Something that happens to the desktop right after the write with this number, counted from now.
+    /// Calls `incident` right after the `number`-th attribute write from now on; 1 is the next write.
     void afterWrite(int number, std::function<void(JournalDesktop&)> incident);
     void withoutIncident() { m_writesUntilIncident = 0; }
 
-    /// The entries since the last call, and behind them which programs were asked for their windows.
+    /// Returns the entries since the last call, followed by the reads of `AXWindows` in that time.
     [[nodiscard]] std::vector<std::string> takeJournal();
 
     [[nodiscard]] bool isOpen(sim::WindowId window) {
@@ -28,7 +28,7 @@ public:
     }
     [[nodiscard]] bool isRunning(ProcessId pid) { return workspace().runningApplication(pid).has_value(); }
 
-    // Ports that write the journal; the other ports are the simulation's own.
+    // Ports that write to the journal. All other ports are those of `SimDesktop`.
     [[nodiscard]] AlertSoundPort& journalAlertSound() { return m_journalAlertSound; }
     [[nodiscard]] HotKeyPort& journalHotKeys() { return m_journalHotKeys; }
     [[nodiscard]] PreferencesPort& journalPreferences() { return m_journalPreferences; }

@@ -9,7 +9,7 @@ protected:
     static constexpr sim::ScreenOptions kBars{
         .frame = {}, .menuBar = 20, .dock = 80, .leftBar = 30, .rightBar = 70};
 
-    /// A display of 1000 by 800 that bars narrow to 900 by 700, from (30, 20).
+    /// Connects a display of 1000 by 800 with a usable area of 900 by 700 at (30, 20) from the top left.
     Screen addDisplay(double x, double y = 0) {
         sim::ScreenOptions options = kBars;
         options.frame = {x, y, 1000, 800};
@@ -20,51 +20,51 @@ protected:
     }
 };
 
-TEST_F(MoveToDisplayTest, TheWindowKeepsItsRelativePlaceAndSize) {
+TEST_F(MoveToDisplayTest, TheWindowKeepsItsRelativePositionAndSize) {
     desktop.addScreen({.frame = {0, 0, 1440, 900}, .menuBar = 25});
     desktop.addScreen({.frame = {1440, -155, 1920, 1055}});
     const auto window = openWindow({360, 225, 720, 437.5});
 
     engine.moveFocusedToDisplay(1);
 
-    // The window does not stick out: 241 + 528 is well within 1055.
+    // No correction follows, since the bottom edge at 241 + 528 is well above 1055.
     EXPECT_EQ(desktop.takeWrites(), (Lines{"write " + name(window) + " AXSize 960x528",
                                            "write " + name(window) + " AXPosition 1920,241",
                                            "write " + name(window) + " AXSize 960x528"}));
     EXPECT_EQ(desktop.frame(window), (Rect{1920, 241, 960, 528}));
 }
 
-TEST_F(MoveToDisplayTest, PlaceAndSizeAreMeasuredBetweenTheBars) {
+TEST_F(MoveToDisplayTest, PositionAndSizeAreRelativeToTheUsableArea) {
     addScreens();
     const auto window = openWindow({-1140, -370, 650, 410});
 
     engine.moveFocusedToDisplay(1);
 
-    // A fifth of the way from the left, a quarter from the top, half as large: 212.25, 362.5.
+    // One fifth from the left, one quarter from the top, half the size. Unrounded: y 212.25, height 362.5.
     EXPECT_EQ(desktop.frame(window), (Rect{260, 212, 620, 363}));
 }
 
-TEST_F(MoveToDisplayTest, HalvesAreRoundedAwayFromZero) {
+TEST_F(MoveToDisplayTest, HalvesAtNegativeCoordinatesAreRoundedAwayFromZero) {
     addScreens();
-    const auto window = openWindow({167, 121.625, 155, 90.625}); // an eighth of everything
+    const auto window = openWindow({167, 121.625, 155, 90.625}); // one eighth of the usable area
 
     engine.moveFocusedToDisplay(1);
 
-    // (-1237.5, -472.5, 162.5, 102.5)
+    // unrounded: (-1237.5, -472.5, 162.5, 102.5)
     EXPECT_EQ(desktop.frame(window), (Rect{-1238, -473, 163, 103}));
 }
 
-TEST_F(MoveToDisplayTest, HalvesAreRoundedAwayFromZeroBeyondTheOriginToo) {
+TEST_F(MoveToDisplayTest, HalvesAtPositiveCoordinatesAreRoundedAwayFromZero) {
     desktop.addScreen({.frame = {0, 0, 1024, 1024}});
     desktop.addScreen({.frame = {1024, 124, 900, 900}});
-    const auto window = openWindow({128, 128, 256, 256}); // an eighth from the corner
+    const auto window = openWindow({128, 128, 256, 256}); // one eighth of the display from its corner
 
     engine.moveFocusedToDisplay(1);
 
     EXPECT_EQ(desktop.frame(window), (Rect{1137, 113, 225, 225})) << "from (1136.5, 112.5)";
 }
 
-TEST_F(MoveToDisplayTest, DisplaysFollowEachOtherFromLeftToRightAndRoundAbout) {
+TEST_F(MoveToDisplayTest, DisplaysAreOrderedFromLeftToRightAndWrapAround) {
     const Screen b = addDisplay(0);
     const Screen a = addDisplay(-1000);
     const Screen c = addDisplay(1000);
@@ -82,9 +82,9 @@ TEST_F(MoveToDisplayTest, DisplaysFollowEachOtherFromLeftToRightAndRoundAbout) {
     EXPECT_EQ(desktop.frame(window), (Rect{-800, 100, 500, 400}));
 }
 
-TEST_F(MoveToDisplayTest, DisplaysAboveEachOtherFollowTheSystemsOrder) {
+TEST_F(MoveToDisplayTest, DisplaysAboveEachOtherKeepTheOrderOfTheSystem) {
     std::vector<Screen> screens;
-    for (int n = 0; n < 20; ++n) // so many that a sort that is not stable would show
+    for (int n = 0; n < 20; ++n) // enough to expose an unstable sort
         screens.push_back(desktop.addScreen({.frame = {0, (n % 2 == 0 ? n : -n) * 800.0, 1000, 800}}));
     const auto window = openWindow({200, 100, 500, 400});
 
@@ -94,8 +94,8 @@ TEST_F(MoveToDisplayTest, DisplaysAboveEachOtherFollowTheSystemsOrder) {
     }
 }
 
-TEST_F(MoveToDisplayTest, TheOrderIsThatOfTheWholeDisplaysNotOfWhatBarsLeave) {
-    desktop.addScreen({.frame = {0, 0, 1000, 800}, .leftBar = 300}); // from 300
+TEST_F(MoveToDisplayTest, DisplaysAreOrderedByTheirFramesNotByTheirUsableAreas) {
+    desktop.addScreen({.frame = {0, 0, 1000, 800}, .leftBar = 300}); // usable from x = 300
     const Screen above = desktop.addScreen({.frame = {100, 800, 1000, 800}});
     const Screen right = addDisplay(1100);
     const auto window = openWindow({400, 100, 200, 200});
@@ -106,7 +106,7 @@ TEST_F(MoveToDisplayTest, TheOrderIsThatOfTheWholeDisplaysNotOfWhatBarsLeave) {
     EXPECT_EQ(geo.screen(desktop.frame(window)), right);
 }
 
-TEST_F(MoveToDisplayTest, TheMainScreenPlaysNoPart) {
+TEST_F(MoveToDisplayTest, TheMainScreenDoesNotMatter) {
     addDisplay(0);
     const Screen second = addDisplay(1000);
     const Screen third = addDisplay(2000);
@@ -137,7 +137,7 @@ TEST_F(MoveToDisplayTest, WithoutDisplaysTheAlertSounds) {
     EXPECT_EQ(desktop.beeps(), 1);
 }
 
-TEST_F(MoveToDisplayTest, AWindowWiderThanItsDisplayBecomesAsWideAsTheOther) {
+TEST_F(MoveToDisplayTest, AWindowWiderThanItsDisplayGetsTheWidthOfTheTarget) {
     desktop.addScreen({.frame = {0, 0, 1000, 800}});
     desktop.addScreen({.frame = {1000, -100, 1600, 900}});
     const auto window = openWindow({0, 100, 1200, 400});
@@ -167,7 +167,7 @@ TEST_F(MoveToDisplayTest, AWindowThatWouldStickOutIsPulledBack) {
     EXPECT_EQ(desktop.frame(window), (Rect{1430, 320, 500, 400}));
 }
 
-TEST_F(MoveToDisplayTest, AWindowFarOffScreenIsTakenForOneOfTheFirstDisplay) {
+TEST_F(MoveToDisplayTest, AWindowFarOffScreenBelongsToTheFirstDisplay) {
     addDisplay(0);
     addDisplay(1000);
     addDisplay(2000);
@@ -177,10 +177,10 @@ TEST_F(MoveToDisplayTest, AWindowFarOffScreenIsTakenForOneOfTheFirstDisplay) {
 
     EXPECT_EQ(desktop.frame(window), (Rect{1430, 320, 500, 400}));
     EXPECT_EQ(desktop.takeWrites().at(1), "write " + name(window) + " AXPosition 1930,720")
-        << "the far corner, and no further, before it is pulled back";
+        << "the far corner at most, before the window is pulled back";
 }
 
-TEST_F(MoveToDisplayTest, AWindowHigherThanItsDisplayBecomesAsHighAsTheOther) {
+TEST_F(MoveToDisplayTest, AWindowTallerThanItsDisplayGetsTheHeightOfTheTarget) {
     desktop.addScreen({.frame = {0, 0, 1000, 800}});
     desktop.addScreen({.frame = {1000, 0, 1000, 400}});
     const auto window = openWindow({100, 0, 500, 900});

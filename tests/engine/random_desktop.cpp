@@ -21,7 +21,7 @@ double half(Dice& dice) {
     return dice.oneIn(4) ? 0.5 : 0;
 }
 
-/// A strip that a bar or dock takes from one side.
+/// Returns the extent that a bar or dock takes from one side; 0 without one.
 double bar(Dice& dice, double extent) {
     return dice.oneIn(3) ? std::min(dice.pick({25.0, 22.5, 48.0, 70.0, 121.0}), extent / 4) : 0;
 }
@@ -119,7 +119,7 @@ void overrideOneAttribute(Dice& dice, sim::SimWindow& window) {
         said = Size{-frame.width, frame.height};
         break;
     default:
-        break; // it does not answer
+        break; // the read fails
     }
     window.overrides[std::string(attribute)] = said;
 }
@@ -149,7 +149,7 @@ Rect randomFrame(Dice& dice, const std::vector<Screen>& screens) {
         return {dice.between(-9000, 9000) + 0.0, dice.between(-9000, 9000) + 0.0, size.width, size.height};
     const Rect& frame = dice.pick(screens).frame;
     const double axTop = screens.front().frame.height - frame.maxY();
-    if (dice.oneIn(16)) // the middle right on an edge or a corner
+    if (dice.oneIn(16)) // the centre exactly on an edge or a corner
         return {(dice.oneIn(2) ? frame.minX() : frame.maxX()) - size.width / 2,
                 axTop + dice.pick({0.0, 0.5, 1.0}) * frame.height - size.height / 2, size.width, size.height};
     const int width = static_cast<int>(frame.width);
@@ -197,7 +197,7 @@ void giveRandomTraits(Dice& dice, sim::SimWindow& window) {
     window.alpha = dice.pick({1.0, 1.0, 1.0, 1.0, 0.05, 0.04});
     window.listed.reset();
     window.settlingTime = dice.oneIn(6) ? dice.pick({1ms, 50ms, 400ms}) : 0ms;
-    if (dice.oneIn(4)) // wants a little more than it has
+    if (dice.oneIn(4)) // needs more room than it has, often only slightly
         window.minimum = {window.axFrame.width + dice.pick({0.5, 1.0, 1.5, 2.0, 300.0}),
                           window.axFrame.height + dice.pick({0.0, 1.0, 1.5, 200.0})};
     if (dice.oneIn(8))
@@ -232,7 +232,7 @@ ListedWindow randomlyListed(Dice& dice, const sim::SimWindow& window) {
     case 4:
         listed.axBounds.reset();
         break;
-    case 5: // the same rectangle from another corner
+    case 5: // the window's rectangle, written with a negative width
         listed.axBounds =
             Rect{window.axFrame.maxX(), window.axFrame.y, -window.axFrame.width, window.axFrame.height};
         break;

@@ -8,26 +8,26 @@
 
 namespace tessarel {
 
-/// A display of any size anywhere, beside or on top of one of `others` more often than not, with bars at any
-/// of its sides. It has no id yet.
+/// Returns a display of random size and position, with random bars on its sides. It usually adjoins or covers
+/// one of `others`. Its id is 0.
 [[nodiscard]] Screen randomScreen(Dice& dice, const std::vector<Screen>& others);
 
-/// A frame that touches one of `screens` more often than not, in accessibility coordinates.
+/// Returns a frame in accessibility coordinates that usually overlaps one of `screens`.
 [[nodiscard]] Rect randomFrame(Dice& dice, const std::vector<Screen>& screens);
 
-/// `frame`, a little or a lot moved or resized; often right at the tolerances of the engine.
+/// Returns `frame` moved or resized, slightly or a lot, often by an amount near the engine's tolerances.
 [[nodiscard]] Rect randomlyMoved(Dice& dice, const Rect& frame);
 
-/// Makes the window of one of the kinds that there are: small, of fixed size, a dialog, minimised, late,
-/// unreadable and so on. Its frame stays.
+/// Gives the window random traits: limits of its size, a role, minimised, full screen, slow to settle,
+/// unreadable attributes and so on. Keeps its frame.
 void giveRandomTraits(Dice& dice, sim::SimWindow& window);
 
-/// An entry of the window list that is a little or entirely wrong about `window`.
+/// Returns a window list entry that describes `window` slightly or completely wrongly.
 [[nodiscard]] ListedWindow randomlyListed(Dice& dice, const sim::SimWindow& window);
 
 [[nodiscard]] sim::SimApplication randomApplication(Dice& dice);
 
-/// Changes one or several of the settings that the engine reads.
+/// Randomly changes the settings that the engine reads.
 void changeSettings(Dice& dice, AppSettings& settings);
 
 } // namespace tessarel

@@ -22,12 +22,11 @@
 
 namespace tessarel {
 
-/// A second, naive engine: placement and its restore memory, the actions on the focused window, arrange all
-/// and the hot keys, in one class that reads like the rules it follows.
+/// A naive second implementation of the engine in one class: placement with its restore memory, the actions
+/// on the focused window, arrange all and the hot keys.
 ///
-/// It shares no code with `src/engine` and not the rectangle arithmetic either, so that the same mistake is
-/// unlikely to be in both. Rectangles of windows are in accessibility coordinates unless a name says
-/// otherwise.
+/// It shares no code with `src/engine`, not even the rectangle arithmetic, so that the two are unlikely to
+/// contain the same mistake. Window rectangles are in accessibility coordinates unless a name says otherwise.
 class ReferenceEngine {
 public:
     struct Ports {
@@ -49,12 +48,12 @@ public:
     bool paused = false;
 
     void registerAll();
-    /// Runs the action with this number; numbers beyond the last one are ignored.
+    /// Runs the action at index `id` in the list of all actions; ignores an `id` beyond the list.
     void handle(std::uint32_t id);
     void place(const Element& window, ProcessId pid, const Rect& frame, const std::optional<Rect>& within,
                const std::optional<Rect>& previous);
 
-    /// How often each branch was taken, by its name.
+    /// Returns how often each branch was taken, by the name of the branch.
     [[nodiscard]] const Branches& branches() const { return m_branches; }
 
 private:

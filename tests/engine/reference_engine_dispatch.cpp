@@ -10,7 +10,7 @@ using namespace reference;
 
 namespace {
 
-/// The actions in the order of their numbers.
+/// The actions in the order of their ids.
 constexpr std::array<std::string_view, 19> kActions{
     "zone1",  "zone2",   "zone3",       "zone4",           "zone5",     "zone6",      "zone7",
     "zone8",  "zone9",   "leftHalf",    "rightHalf",       "topHalf",   "bottomHalf", "maximize",

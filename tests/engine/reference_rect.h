@@ -6,8 +6,7 @@
 #include <cmath>
 #include <limits>
 
-/// The rectangle arithmetic of the reference engine, which shares none with the engine. Sizes may be
-/// negative.
+/// Rectangle arithmetic of the reference engine, independent of the engine's own. Sizes may be negative.
 namespace tessarel::reference {
 
 [[nodiscard]] inline double left(const Rect& r) {
@@ -35,7 +34,7 @@ namespace tessarel::reference {
     return width < 0 || height < 0 ? 0 : width * height;
 }
 
-/// No area at all, whose origin is infinite.
+/// Returns whether `r` is the null rectangle, whose origin is infinite.
 [[nodiscard]] inline bool isNothing(const Rect& r) {
     return std::isinf(r.x);
 }

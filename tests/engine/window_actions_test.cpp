@@ -6,17 +6,17 @@
 namespace tessarel {
 namespace {
 
-/// The actions on the focused window.
+/// Tests the actions on the focused window.
 class WindowActionsTest : public EngineTest {
 protected:
     WindowActionsTest() { addScreens(); }
 
-    /// The actions, on two displays, so that each of them would move the window.
+    /// Returns all actions on the focused window. The last one needs the second display of the fixture.
     [[nodiscard]] std::vector<std::function<void()>> actions() {
         return {[this] { engine.snapFocused(kRightHalf, 1); }, [this] { engine.centerFocused(); },
                 [this] { engine.restoreFocused(); }, [this] { engine.moveFocusedToDisplay(1); }};
     }
-    /// Whether every action leaves everything alone, and does so without a sound.
+    /// Runs all actions and expects no write, no alert sound, and nothing remembered or saved.
     void expectAllActionsEndSilently() {
         for (const auto& action : actions())
             action();
@@ -54,12 +54,12 @@ TEST_F(WindowActionsTest, AFullScreenWindowIsNotActedOn) {
     expectAllActionsEndSilently();
 }
 
-TEST_F(WindowActionsTest, WhatIsNoWindowIsNotActedOn) {
+TEST_F(WindowActionsTest, AnElementThatIsNotAWindowIsNotActedOn) {
     desktop.window(window).role = "AXUnknown";
     expectAllActionsEndSilently();
 }
 
-TEST_F(WindowActionsTest, AnApplicationThatNeverAnswersIsNotActedOn) {
+TEST_F(WindowActionsTest, AnUnresponsiveApplicationIsNotActedOn) {
     desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
     expectAllActionsEndSilently();
 }
@@ -84,7 +84,7 @@ TEST_F(WindowActionsTest, RestoringNeedsNoReadableFrame) {
     EXPECT_EQ(desktop.frame(window), kStart);
 }
 
-TEST_F(WindowActionsTest, AnApplicationThatAnswersLateIsActedOn) {
+TEST_F(WindowActionsTest, ASlowApplicationIsActedOn) {
     desktop.applicationOf(window).answerTime = std::chrono::milliseconds(300);
 
     engine.snapFocused(kRightHalf, 1);
@@ -149,7 +149,7 @@ TEST_F(WindowActionsTest, SnapWithoutAnyScreenLeavesTheWindow) {
     EXPECT_TRUE(desktop.takeWrites().empty());
 }
 
-TEST_F(WindowActionsTest, SnapIntoAZoneEatenByTheGapLeavesTheWindow) {
+TEST_F(WindowActionsTest, SnapIntoAZoneSmallerThanTheGapLeavesTheWindow) {
     settings.gap = 400;
 
     engine.snapFocused({true, 0, 0, 10, 10}, {});
@@ -182,7 +182,7 @@ TEST_F(WindowActionsTest, CentreShrinksOnlyTheSideThatIsTooLarge) {
     EXPECT_EQ(desktop.frame(window), (Rect{-1400, -405, 1300, 480}));
 }
 
-TEST_F(WindowActionsTest, CentreRoundsThePlaceAwayFromZeroAndNotTheSize) {
+TEST_F(WindowActionsTest, CentreRoundsThePositionAndKeepsTheSize) {
     desktop.drag(window, at({100, 100, 641, 480.5}));
 
     engine.centerFocused();
@@ -226,7 +226,7 @@ TEST_F(WindowActionsTest, AnUnnumberedZoneIsNotRemembered) {
     EXPECT_EQ(desktop.preferencesStorage().writes, 0);
 }
 
-TEST_F(WindowActionsTest, WhatIsKnownAlreadyIsNotSavedAgain) {
+TEST_F(WindowActionsTest, AZoneThatIsAlreadyRememberedIsNotSavedAgain) {
     engine.snapFocused(kLeftHalf, 4);
     engine.snapFocused(kLeftHalf, 4);
     EXPECT_EQ(desktop.preferencesStorage().writes, 1);
@@ -256,7 +256,7 @@ TEST_F(WindowActionsTest, AnApplicationWithoutAnIdentifierIsMovedButNotRemembere
     EXPECT_EQ(desktop.preferencesStorage().writes, 0);
 }
 
-TEST_F(WindowActionsTest, SavingComesAfterTheWindowHasBeenPlaced) {
+TEST_F(WindowActionsTest, SettingsAreSavedAfterTheWindowIsPlaced) {
     Rect seen;
     desktop.preferencesStorage().whileWriting = [&] { seen = desktop.frame(window); };
 

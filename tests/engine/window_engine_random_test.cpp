@@ -10,14 +10,14 @@ namespace {
 
 constexpr int kSteps = 100'000;
 
-/// The restore memory once more: the whole history of every window, searched backwards.
+/// A naive restore memory that keeps the whole history of every window and searches it backwards.
 class NaiveMemory {
 public:
     void placed(sim::WindowId window, const Rect& before, const Rect& after) {
         m_history[window].push_back({before, after});
     }
 
-    /// The frame before the first placement of the last unbroken run; empty without any.
+    /// Returns the frame before the first placement of the latest restore chain; empty when there is none.
     [[nodiscard]] std::optional<Rect> home(sim::WindowId window) const {
         const auto found = m_history.find(window);
         if (found == m_history.end() || found->second.empty())
@@ -81,7 +81,7 @@ protected:
         }
     }
 
-    /// Where a restore to `home` really leads, given what the program refuses now.
+    /// Returns the frame that a restore to `home` results in, given what the program currently refuses.
     Rect reachable(sim::WindowId window, const Rect& home) {
         const auto& application = desktop.applicationOf(window);
         const Rect frame = desktop.frame(window);
@@ -101,7 +101,7 @@ protected:
     std::vector<sim::WindowId> windows;
 };
 
-TEST_F(WindowEngineRandomTest, TheRestoreMemoryAgreesWithASecondOne) {
+TEST_F(WindowEngineRandomTest, TheRestoreMemoryAgreesWithANaiveOne) {
     NaiveMemory memory;
     int restores = 0;
     int beeps = 0;

@@ -5,7 +5,7 @@
 namespace tessarel {
 namespace {
 
-/// The placement routine and its memory.
+/// Tests the placement routine and its restore memory.
 class WindowEngineTest : public EngineTest {
 protected:
     WindowEngineTest() { addScreens(); }
@@ -13,7 +13,7 @@ protected:
     void place(const Rect& axFrame, const std::optional<Rect>& previous = {}) {
         engine.place(desktop.element(window), desktop.window(window).pid, axFrame, std::nullopt, previous);
     }
-    /// Where restoring takes the window; empty when there is nothing to restore.
+    /// Restores the window and returns its frame, or `std::nullopt` when the alert sounds instead.
     std::optional<Rect> restored() {
         const int beeps = desktop.beeps();
         engine.restoreFocused();
@@ -36,7 +36,7 @@ TEST_F(WindowEngineTest, RestoreGoesBackToTheFrameBeforeTheFirstSnap) {
     EXPECT_EQ(desktop.beeps(), 0);
 }
 
-TEST_F(WindowEngineTest, ASecondRestoreFindsNothing) {
+TEST_F(WindowEngineTest, ASecondRestoreHasNothingToRestore) {
     place(kLeft);
     EXPECT_EQ(restored(), kStart);
 
@@ -44,9 +44,9 @@ TEST_F(WindowEngineTest, ASecondRestoreFindsNothing) {
     EXPECT_EQ(desktop.beeps(), 1);
 }
 
-TEST_F(WindowEngineTest, RestoringForgetsThePlacementToo) {
-    // The window stands in its zone before it is ever placed: a placement remembered beyond the restore
-    // would make the next one look like part of the old chain.
+TEST_F(WindowEngineTest, RestoringForgetsTheLastPlacement) {
+    // The window has the frame of its zone before its first placement. If the last placement were kept after
+    // the restore, the next one would look like part of the old chain.
     desktop.drag(window, kLeft);
     place(kLeft);
     EXPECT_EQ(restored(), kLeft);
@@ -73,7 +73,7 @@ TEST_F(WindowEngineTest, AWindowMovedByHandStartsANewChain) {
     EXPECT_EQ(restored(), moved);
 }
 
-TEST_F(WindowEngineTest, ThreePointsAreNoMove) {
+TEST_F(WindowEngineTest, ADifferenceOfThreePointsContinuesTheChain) {
     for (const Rect& nudged : {Rect{-1397, -575, 650, 820}, Rect{-1400, -572, 650, 820},
                                Rect{-1400, -575, 647, 820}, Rect{-1403, -578, 653, 817}}) {
         desktop.drag(window, kStart);
@@ -84,7 +84,7 @@ TEST_F(WindowEngineTest, ThreePointsAreNoMove) {
     }
 }
 
-TEST_F(WindowEngineTest, MoreThanThreePointsAreAMove) {
+TEST_F(WindowEngineTest, ADifferenceOfMoreThanThreePointsStartsANewChain) {
     for (const Rect& moved : {Rect{-1396.5, -575, 650, 820}, Rect{-1400, -579, 650, 820},
                               Rect{-1400, -575, 646, 820}, Rect{-1400, -575, 650, 824}}) {
         desktop.drag(window, kStart);
@@ -104,7 +104,7 @@ TEST_F(WindowEngineTest, ARefusedSizeStillCountsAsUnmoved) {
     EXPECT_EQ(restored(), kStart);
 }
 
-TEST_F(WindowEngineTest, TheFrameBeforeMayBeHandedOver) {
+TEST_F(WindowEngineTest, ThePreviousFrameCanBePassedIn) {
     desktop.drag(window, at({500, 300, 640, 480}));
 
     place(kLeft, kStart);
@@ -112,7 +112,7 @@ TEST_F(WindowEngineTest, TheFrameBeforeMayBeHandedOver) {
     EXPECT_EQ(restored(), kStart);
 }
 
-TEST_F(WindowEngineTest, AFrameHandedOverIsComparedWithTheLastPlacement) {
+TEST_F(WindowEngineTest, APreviousFrameIsComparedWithTheLastPlacement) {
     place(kLeft);
 
     place(kRight, Rect{kLeft.x + 2, kLeft.y, kLeft.width, kLeft.height});
@@ -129,7 +129,7 @@ TEST_F(WindowEngineTest, WithoutAReadableFrameNothingIsRememberedForRestoring) {
     EXPECT_EQ(restored(), std::nullopt);
 }
 
-TEST_F(WindowEngineTest, WithoutAReadableFrameAfterwardsTheOneAskedForIsRemembered) {
+TEST_F(WindowEngineTest, WithoutAReadableFrameAfterwardsTheRequestedFrameIsRemembered) {
     desktop.window(window).overrides["AXPosition"] = std::nullopt;
     place(kLeft, kStart);
     desktop.window(window).overrides.clear();
@@ -139,7 +139,7 @@ TEST_F(WindowEngineTest, WithoutAReadableFrameAfterwardsTheOneAskedForIsRemember
     EXPECT_EQ(restored(), kStart);
 }
 
-TEST_F(WindowEngineTest, AFrameThatCannotBeExpressedLeavesTheWindowAndIsAChainAllTheSame) {
+TEST_F(WindowEngineTest, AFrameThatCannotBeExpressedLeavesTheWindowButStartsAChain) {
     place(Rect::null());
     EXPECT_EQ(desktop.frame(window), kStart);
 
@@ -148,7 +148,7 @@ TEST_F(WindowEngineTest, AFrameThatCannotBeExpressedLeavesTheWindowAndIsAChainAl
     EXPECT_EQ(restored(), kStart);
 }
 
-TEST_F(WindowEngineTest, WindowsAreRememberedEachForItself) {
+TEST_F(WindowEngineTest, EachWindowHasItsOwnRestoreMemory) {
     const auto other = desktop.openWindow("org.example.editor", at({50, 60, 300, 200}));
     engine.snapFocused(kLeftHalf, {});
     desktop.focus(window);
@@ -173,7 +173,7 @@ TEST_F(WindowEngineTest, RestoringDoesNotPullTheWindowIntoTheScreen) {
     EXPECT_EQ(desktop.frame(window), outside);
 }
 
-TEST_F(WindowEngineTest, TheSameFrameIsReadWrittenAndReadInThisOrder) {
+TEST_F(WindowEngineTest, PlaceReadsTheFrameThenWritesItThenReadsItBack) {
     place(kLeft);
 
     const std::string app = "application " + std::to_string(desktop.window(window).pid);
@@ -185,11 +185,11 @@ TEST_F(WindowEngineTest, TheSameFrameIsReadWrittenAndReadInThisOrder) {
                      "read " + name(window) + " AXSize"}));
 }
 
-TEST_F(WindowEngineTest, TheKeyIsThatOfTheElement) {
+TEST_F(WindowEngineTest, TheKeyOfAWindowIsTheKeyOfItsElement) {
     EXPECT_EQ(engine.key(desktop.element(window)), desktop.accessibility().key(desktop.element(window)));
 }
 
-TEST_F(WindowEngineTest, FramesAreAlikeWithinTheTolerance) {
+TEST_F(WindowEngineTest, FramesAreEqualWithinTheTolerance) {
     EXPECT_TRUE(WindowEngine::approx({0, 0, 100, 100}, {3, -3, 97, 103}));
     EXPECT_FALSE(WindowEngine::approx({0, 0, 100, 100}, {3.001, 0, 100, 100}));
     EXPECT_TRUE(WindowEngine::approx({0, 0, 100, 100}, {10, 0, 100, 100}, 10));

@@ -4,10 +4,11 @@
 
 namespace tessarel::fuzz {
 
-/// A document is read the same each time, or not at all. False when it is not.
+/// Returns whether decoding the document twice gives the same result, be it a feed or an error.
 [[nodiscard]] bool isReadTheSameAgain(const std::string& document);
 
-/// "Is newer" puts three versions in an order, whatever they look like. False when it does not.
+/// Returns whether `Updater::isNewer` orders three arbitrary strings consistently: `a` is not newer than
+/// itself, `a` and `b` are not both newer than each other, and the order of `a`, `b` and `c` is transitive.
 [[nodiscard]] bool areInAnOrder(const std::string& a, const std::string& b, const std::string& c);
 
 } // namespace tessarel::fuzz

@@ -12,7 +12,7 @@ namespace {
 
 constexpr int kRounds = 20'000;
 
-/// Spoils texts in ways that are the same in each run.
+/// Damages texts at random, but in the same way in each run.
 class Mutator {
 public:
     std::string mutated(std::string text) {
@@ -44,7 +44,7 @@ private:
     std::mt19937 m_random;
 };
 
-TEST(UpdateFeedMutationTest, ASpoiltFeedIsReadAgainTheSameOrNotAtAll) {
+TEST(UpdateFeedMutationTest, ADamagedFeedIsDecodedTheSameEachTimeOrRejected) {
     Mutator mutator;
     int feeds = 0;
     for (int round = 0; round < kRounds; ++round) {
@@ -57,7 +57,7 @@ TEST(UpdateFeedMutationTest, ASpoiltFeedIsReadAgainTheSameOrNotAtAll) {
     EXPECT_LT(feeds, kRounds);
 }
 
-TEST(UpdateFeedMutationTest, VersionsAreInAnOrderHoweverSpoiltTheyAre) {
+TEST(UpdateFeedMutationTest, DamagedVersionsAreStillOrderedConsistently) {
     Mutator mutator;
     for (int round = 0; round < kRounds; ++round) {
         const std::string a = mutator.mutated("1.10.2");

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-/// Three versions, one per line; what follows belongs to the third.
+/// Reads two versions from the first two lines and a third one from the rest of the input.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::uint8_t* const end = data + size;
     const auto takeLine = [&] {

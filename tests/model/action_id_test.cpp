@@ -19,7 +19,7 @@ struct Row {
     std::int64_t mods;
 };
 
-// What the actions are, written out.
+// The expected properties of every action.
 const std::array<Row, 19> kActions{{
     {"zone1", "Snap to Zone 1", 0, {}, 18, 6144},
     {"zone2", "Snap to Zone 2", 1, {}, 19, 6144},
@@ -77,11 +77,11 @@ INSTANTIATE_TEST_SUITE_P(Table, ActionIDTest, testing::Range<std::size_t>(0, kAc
                              return std::string(kActions.at(instance.param).rawValue);
                          });
 
-TEST(ActionIDsTest, AreNineteen) {
+TEST(ActionIDsTest, ThereAreNineteenActions) {
     EXPECT_EQ(ActionID::allCases.size(), 19U);
 }
 
-TEST(ActionIDsTest, ARawValueCountsExactly) {
+TEST(ActionIDsTest, RawValuesAreMatchedExactly) {
     EXPECT_EQ(ActionID::fromRawValue("Zone1"), std::nullopt);
     EXPECT_EQ(ActionID::fromRawValue(""), std::nullopt);
     EXPECT_EQ(ActionID::fromRawValue("zone1 "), std::nullopt);

@@ -7,7 +7,7 @@
 namespace tessarel {
 namespace {
 
-TEST(AppSettingsTest, TheDefaultsAreThoseOfTheTable) {
+TEST(AppSettingsTest, SettingsBesidesZonesAndBindingsHaveTheirDefaults) {
     const AppSettings settings;
 
     EXPECT_TRUE(settings.userLayouts.empty());
@@ -24,7 +24,7 @@ TEST(AppSettingsTest, TheDefaultsAreThoseOfTheTable) {
     EXPECT_TRUE(settings.appZones.empty());
 }
 
-TEST(AppSettingsTest, TheDefaultZonesAreThreeAboveTwoAndFourFillers) {
+TEST(AppSettingsTest, TheDefaultZonesAreThreeAboveTwoAndFourDisabledOnes) {
     constexpr double kT = 33.333333333333336;
     constexpr double kTt = 66.66666666666667;
     const Zone filler{false, 25, 25, 50, 50};

@@ -11,16 +11,16 @@ TEST(ConfigTest, TheApplicationIsCalledTessarel) {
     EXPECT_EQ(Config::appName, "Tessarel");
 }
 
-TEST(ConfigTest, TheVersionIsThatOfTheProject) {
+TEST(ConfigTest, TheVersionIsTheProjectVersion) {
     EXPECT_EQ(Config::version, TESSAREL_EXPECTED_VERSION);
 }
 
-TEST(ConfigTest, TheFeedIsReadOverHttpsAndIsCalledVersionJson) {
+TEST(ConfigTest, TheUpdateFeedIsVersionJsonOverHttps) {
     EXPECT_TRUE(Config::updateFeedURL.starts_with("https://"));
     EXPECT_TRUE(Config::updateFeedURL.ends_with("/version.json"));
 }
 
-TEST(ConfigTest, NoneOfTheAddressesIsEmptyOrLeftOpen) {
+TEST(ConfigTest, NoValueIsEmptyOrAnUnreplacedPlaceholder) {
     for (const std::string_view text : {Config::version, Config::bundleID, Config::websiteURL,
                                         Config::supportEmail, Config::updateFeedURL}) {
         EXPECT_FALSE(text.empty());

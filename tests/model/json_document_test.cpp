@@ -11,7 +11,7 @@ std::string nested(std::size_t depth) {
     return std::string(depth, '[') + std::string(depth, ']');
 }
 
-TEST(JsonDocumentTest, EachKindOfValueIsReadAsItself) {
+TEST(JsonDocumentTest, EachJsonTypeIsReadAsItsOwnType) {
     const auto root = readJson(R"({"n": null, "b": true, "i": -3, "d": 0.5, "s": "x", "a": [1], "o": {}})");
 
     ASSERT_TRUE(root);
@@ -24,7 +24,7 @@ TEST(JsonDocumentTest, EachKindOfValueIsReadAsItself) {
     EXPECT_TRUE(root->member("o")->as<JsonObject>()->empty());
 }
 
-TEST(JsonDocumentTest, AValueOfAnotherTypeIsNone) {
+TEST(JsonDocumentTest, AsReturnsNullForAnotherType) {
     const auto root = readJson(R"({"i": 1})");
 
     ASSERT_TRUE(root);
@@ -39,7 +39,7 @@ TEST(JsonDocumentTest, OnlyAnObjectHasMembers) {
     EXPECT_EQ(JsonValue().member("a"), nullptr);
 }
 
-TEST(JsonDocumentTest, OfMembersOfOneNameTheLastCounts) {
+TEST(JsonDocumentTest, TheLastOfDuplicateMembersWins) {
     const auto root = readJson(R"({"a": [1, {"b": 2}], "a": "last"})");
 
     ASSERT_TRUE(root);
@@ -54,13 +54,13 @@ TEST(JsonDocumentTest, AnIntegerThatNeedsMoreThan64BitsIsADouble) {
     EXPECT_EQ(*readJson("123456789012345678901234567890")->as<double>(), 123456789012345678901234567890.0);
 }
 
-TEST(JsonDocumentTest, WhatIsNotJsonIsNone) {
+TEST(JsonDocumentTest, TextThatIsNotJsonIsRejected) {
     for (const char* document :
          {"", " ", "{", "[1,]", "{\"a\"}", "nul", "1 2", "NaN", "'a'", "1e400", "\"\xFF\""})
         EXPECT_FALSE(readJson(document)) << document;
 }
 
-TEST(JsonDocumentTest, NestingIsReadTo64AndNoFurther) {
+TEST(JsonDocumentTest, NestingDeeperThan64LevelsIsRejected) {
     EXPECT_TRUE(readJson(nested(64)));
     EXPECT_FALSE(readJson(nested(65)));
     EXPECT_FALSE(readJson(nested(1'000'000)));
@@ -84,14 +84,14 @@ TEST(JsonDocumentTest, MembersAfterANestedValueKeepTheirNames) {
     EXPECT_EQ(root->as<JsonObject>()->size(), 2U);
 }
 
-TEST(JsonDocumentTest, ADocumentIsWrittenOnOneLineInTheOrderOfNames) {
+TEST(JsonDocumentTest, ADocumentIsWrittenOnOneLineWithMembersSortedByName) {
     const JsonValue root = JsonObject{
         {"z", JsonValue()}, {"b", JsonArray{true, 0.5, std::int64_t{-3}}}, {"a", std::string("x\"y")}};
 
     EXPECT_EQ(writeJson(root), R"({"a":"x\"y","b":[true,0.5,-3],"z":null})");
 }
 
-TEST(JsonDocumentTest, ANumberThatIsNotFiniteCannotBeWrittenHoweverDeep) {
+TEST(JsonDocumentTest, ANonFiniteNumberCannotBeWrittenAtAnyDepth) {
     const double infinity = std::numeric_limits<double>::infinity();
 
     EXPECT_EQ(writeJson(infinity), std::nullopt);

@@ -24,7 +24,7 @@ const std::map<std::int64_t, std::string> kTable{
     {122, "F1"},    {123, "Left"},  {124, "Right"}, {125, "Down"}, {126, "Up"},
 };
 
-TEST(KeyNamesTest, TheNamesAreThoseOfTheTable) {
+TEST(KeyNamesTest, TheNamesMatchTheTable) {
     std::map<std::int64_t, std::string> names;
     for (const auto& entry : KeyNames::names)
         names.emplace(entry.keyCode, entry.name);
@@ -33,26 +33,26 @@ TEST(KeyNamesTest, TheNamesAreThoseOfTheTable) {
     EXPECT_EQ(KeyNames::names.size(), 68U);
 }
 
-TEST(KeyNamesTest, EveryCodeReadsAsItsNameOrAsItsNumber) {
+TEST(KeyNamesTest, EveryKeyCodeIsShownAsItsNameOrNumber) {
     for (std::int64_t code = -1; code <= 130; ++code) {
         const auto named = kTable.find(code);
         EXPECT_EQ(KeyNames::name(code), named == kTable.end() ? "Key" + std::to_string(code) : named->second);
     }
 }
 
-TEST(KeyNamesTest, KeysWithoutANameReadAsTheirNumber) {
+TEST(KeyNamesTest, KeysWithoutANameAreShownByKeyCode) {
     EXPECT_EQ(KeyNames::name(57), "Key57");
-    EXPECT_EQ(KeyNames::name(10), "Key10");   // the key beside the left Shift
+    EXPECT_EQ(KeyNames::name(10), "Key10");   // the extra key of ISO keyboards
     EXPECT_EQ(KeyNames::name(117), "Key117"); // forward delete
     EXPECT_EQ(KeyNames::name(-1), "Key-1");
     EXPECT_EQ(KeyNames::name(std::numeric_limits<std::int64_t>::min()), "Key-9223372036854775808");
 }
 
-TEST(KeyNamesTest, NoBindingReadsNone) {
+TEST(KeyNamesTest, NoBindingIsShownAsNone) {
     EXPECT_EQ(KeyNames::describe(std::nullopt), "None");
 }
 
-TEST(KeyNamesTest, ModifiersStandInOneOrder) {
+TEST(KeyNamesTest, ModifiersHaveAFixedOrder) {
     EXPECT_EQ(KeyNames::describe(Binding{0, 4096 + 512 + 256}), "Ctrl+Shift+Cmd+A");
     EXPECT_EQ(KeyNames::describe(Binding{0, 256 + 512 + 2048 + 4096}), "Ctrl+Opt+Shift+Cmd+A");
     EXPECT_EQ(KeyNames::describe(Binding{0, 4096}), "Ctrl+A");
@@ -61,7 +61,7 @@ TEST(KeyNamesTest, ModifiersStandInOneOrder) {
     EXPECT_EQ(KeyNames::describe(Binding{0, 256}), "Cmd+A");
 }
 
-TEST(KeyNamesTest, ABindingWithoutModifiersReadsAsItsKey) {
+TEST(KeyNamesTest, ABindingWithoutModifiersIsShownAsItsKey) {
     EXPECT_EQ(KeyNames::describe(Binding{49, 0}), "Space");
     EXPECT_EQ(KeyNames::describe(Binding{105, 0}), "Key105");
 }
@@ -71,7 +71,7 @@ TEST(KeyNamesTest, OtherModifierBitsAreIgnored) {
     EXPECT_EQ(KeyNames::describe(Binding{49, -1}), "Ctrl+Opt+Shift+Cmd+Space");
 }
 
-TEST(KeyNamesTest, TheDefaultBindingsReadAsTheUserKnowsThem) {
+TEST(KeyNamesTest, TheDefaultBindingsAreShownByTheNamesOfTheirKeys) {
     const auto described = [](ActionID action) { return KeyNames::describe(action.defaultBinding()); };
 
     EXPECT_EQ(described(ActionID::zone5), "Ctrl+Opt+5");

@@ -10,7 +10,7 @@
 
 namespace tessarel {
 
-/// Preferences in memory that record what was asked of them.
+/// In-memory `PreferencesPort` that counts writes and records the keys of rejected documents.
 class MemoryPreferences : public PreferencesPort {
 public:
     std::map<std::string, std::string, std::less<>> stored;

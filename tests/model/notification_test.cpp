@@ -50,7 +50,7 @@ TEST(NotificationTest, AnObserverMayRemoveItselfAndLaterOnesDuringAPost) {
     EXPECT_EQ(secondCalls, 0);
 }
 
-TEST(NotificationTest, AnObserverAddedDuringAPostWaitsForTheNext) {
+TEST(NotificationTest, AnObserverAddedDuringAPostIsFirstCalledByTheNextPost) {
     Notification notification;
     int calls = 0;
     SubscriptionPtr added;
@@ -65,7 +65,7 @@ TEST(NotificationTest, AnObserverAddedDuringAPostWaitsForTheNext) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST(NotificationTest, AnObserverOutlivesItsOwnRemovalUntilItReturns) {
+TEST(NotificationTest, AnObserverThatRemovesItselfLivesUntilItReturns) {
     Notification notification;
     const auto held = std::make_shared<int>(0);
     SubscriptionPtr observer;
@@ -78,7 +78,7 @@ TEST(NotificationTest, AnObserverOutlivesItsOwnRemovalUntilItReturns) {
     notification.post();
 
     EXPECT_EQ(holders, 2);
-    EXPECT_EQ(held.use_count(), 1) << "and no longer";
+    EXPECT_EQ(held.use_count(), 1) << "the callback is destroyed once it has returned";
 }
 
 TEST(NotificationTest, AnObserverMayDestroyTheNotification) {
@@ -89,7 +89,7 @@ TEST(NotificationTest, AnObserverMayDestroyTheNotification) {
 
     notification->post();
 
-    EXPECT_EQ(laterCalls, 1) << "those who are still subscribed are called";
+    EXPECT_EQ(laterCalls, 1) << "observers that are still subscribed are called";
 }
 
 TEST(NotificationTest, AnObserverMayPostAgain) {
@@ -107,7 +107,7 @@ TEST(NotificationTest, AnObserverMayPostAgain) {
     EXPECT_EQ(called, "aabb");
 }
 
-TEST(NotificationTest, TheEndOfOneObserverIsNotThatOfAnother) {
+TEST(NotificationTest, RemovingOneObserverLeavesTheOthers) {
     Notification notification;
     std::string called;
     auto first = notification.addObserver([&] { called += "a"; });

@@ -37,7 +37,7 @@ TEST(ZoneTest, EqualityHasNoTolerance) {
     EXPECT_NE((Zone{true, 33.333333333333336, 0, 1, 1}), (Zone{true, 33.33333333333333, 0, 1, 1}));
 }
 
-TEST(LayoutTest, EqualityAsksForTheNameTheNumberAndEveryZone) {
+TEST(LayoutTest, EqualityComparesTheNameTheNumberOfZonesAndEveryZone) {
     const Layout layout{"Mine", {zone(0, 0, 50, 100), zone(50, 0, 50, 100)}};
 
     EXPECT_EQ(layout, (Layout{"Mine", {zone(0, 0, 50, 100), zone(50, 0, 50, 100)}}));
@@ -46,7 +46,7 @@ TEST(LayoutTest, EqualityAsksForTheNameTheNumberAndEveryZone) {
     EXPECT_NE(layout, (Layout{"Mine", {zone(50, 0, 50, 100), zone(0, 0, 50, 100)}}));
 }
 
-TEST(PresetsTest, ZIsAnEnabledZone) {
+TEST(PresetsTest, ZReturnsAnEnabledZone) {
     EXPECT_EQ(Presets::z(1, 2, 3, 4), (Zone{true, 1, 2, 3, 4}));
 }
 
@@ -54,7 +54,7 @@ TEST(PresetsTest, PaddingAnEmptyListGivesNineDisabledCentredZones) {
     EXPECT_EQ(Presets::pad({}), std::vector<Zone>(9, kFiller));
 }
 
-TEST(PresetsTest, PaddingKeepsTheZonesThatWereThere) {
+TEST(PresetsTest, PaddingKeepsTheExistingZones) {
     const Zone disabled{false, 1, 2, 3, 4};
 
     const auto padded = Presets::pad({zone(0, 0, 10, 10), disabled});
@@ -78,7 +78,7 @@ TEST(PresetsTest, PaddingNineZonesChangesNothing) {
     EXPECT_EQ(Presets::pad(nine), nine);
 }
 
-TEST(PresetsTest, TheBuiltInLayoutsAreThoseOfTheTable) {
+TEST(PresetsTest, TheBuiltInLayoutsMatchTheTable) {
     const std::vector<Layout> table{
         {"3 top + 2 bottom", ninth({zone(0, 0, kT, 50), zone(kT, 0, kT, 50), zone(kTt, 0, kT, 50),
                                     zone(0, 50, 50, 50), zone(50, 50, 50, 50)})},

@@ -108,7 +108,7 @@ TEST(DecodeSettingsTest, AListMayBeOfAnyLength) {
     EXPECT_EQ(settings->userLayouts, (std::vector<Layout>{{"", {}}}));
 }
 
-TEST(DecodeSettingsTest, WhatIsNotAnObjectIsNoDocument) {
+TEST(DecodeSettingsTest, TextThatIsNotAJsonObjectIsRejected) {
     for (const std::string_view text : {"",
                                         " ",
                                         "null",
@@ -132,7 +132,7 @@ TEST(DecodeSettingsTest, WhatIsNotAnObjectIsNoDocument) {
         EXPECT_EQ(decodeSettings(text), std::nullopt) << text;
 }
 
-TEST(DecodeSettingsTest, AByteOrderMarkInFrontIsNoHarm) {
+TEST(DecodeSettingsTest, ALeadingByteOrderMarkIsAccepted) {
     EXPECT_EQ(decodeSettings("\xef\xbb\xbf{\"gap\":8}")->gap, 8);
 }
 
@@ -199,11 +199,11 @@ TEST(DecodeSettingsTest, AnIntegerHasSixtyFourBits) {
     EXPECT_EQ(appZone("18446744073709551615"), std::nullopt);
     EXPECT_EQ(appZone("18446744073709551616"), std::nullopt);
     EXPECT_EQ(appZone("-9223372036854775809"),
-              std::numeric_limits<std::int64_t>::min()); // the nearest double
+              std::numeric_limits<std::int64_t>::min()); // read as a double, which rounds to -2^63
     EXPECT_EQ(appZone("1e300"), std::nullopt);
 }
 
-TEST(DecodeSettingsTest, ANumberIsReadToItsLastDigit) {
+TEST(DecodeSettingsTest, NumbersAreReadAtFullPrecision) {
     EXPECT_EQ(gap("33.333333333333336"), 100.0 / 3);
     EXPECT_EQ(gap("66.66666666666667"), 200.0 / 3);
     EXPECT_EQ(gap("0.1"), 0.1);
@@ -219,7 +219,7 @@ TEST(DecodeSettingsTest, ANumberIsReadToItsLastDigit) {
     EXPECT_EQ(gap("1.7976931348623157e308"), std::numeric_limits<double>::max());
 }
 
-TEST(DecodeSettingsTest, ANumberBeyondADoubleFailsTheDocument) {
+TEST(DecodeSettingsTest, ANumberBeyondTheRangeOfADoubleFailsTheDocument) {
     EXPECT_EQ(gap("1e309"), std::nullopt);
     EXPECT_EQ(gap("-1e309"), std::nullopt);
     EXPECT_EQ(gap("1.5e309"), std::nullopt);
@@ -227,7 +227,7 @@ TEST(DecodeSettingsTest, ANumberBeyondADoubleFailsTheDocument) {
     EXPECT_EQ(gap(std::string(400, '9')), std::nullopt);
 }
 
-TEST(DecodeSettingsTest, OfARepeatedMemberTheLastCounts) {
+TEST(DecodeSettingsTest, TheLastOfDuplicateMembersWins) {
     EXPECT_EQ(decodeSettings(R"({"gap": 1, "gap": 2})")->gap, 2);
     EXPECT_EQ(decodeSettings(R"({"ignoredApps": ["a"], "ignoredApps": ["b"]})")->ignoredApps,
               std::vector<std::string>{"b"});
@@ -242,13 +242,13 @@ TEST(DecodeSettingsTest, TextMustBeUtf8) {
     EXPECT_EQ(withMember("unknown", "\"\xff\""), std::nullopt);
 }
 
-TEST(DecodeSettingsTest, EscapesAreRead) {
+TEST(DecodeSettingsTest, EscapesAreDecoded) {
     EXPECT_EQ(withMember("dragTrigger", R"("\u00e9\ud83d\ude00\"\\\n\u0000x")")->dragTrigger,
               std::string("\xc3\xa9\xf0\x9f\x98\x80\"\\\n\0x", 11));
     EXPECT_EQ(withMember("dragTrigger", R"("\ud83d")"), std::nullopt);
 }
 
-TEST(DecodeSettingsTest, DeepNestingIsRefusedWithoutHarm) {
+TEST(DecodeSettingsTest, DeepNestingIsRejected) {
     EXPECT_EQ(decodeSettings(nested(60)), AppSettings());
     EXPECT_EQ(decodeSettings(nested(64)), std::nullopt);
     EXPECT_EQ(decodeSettings(nested(1'000'000)), std::nullopt);
@@ -281,7 +281,7 @@ TEST(EncodeSettingsTest, IsCompactAndWritesWholeNumbersWithoutAFraction) {
               R"("zones":[{"enabled":true,"h":100,"w":50,"x":33.333333333333336,"y":0}]})");
 }
 
-TEST(EncodeSettingsTest, WholeNumbersAreWrittenAsSuchWhileEveryOneIsADouble) {
+TEST(EncodeSettingsTest, WritesWholeNumbersAsIntegersBelowTwoToThe53) {
     AppSettings settings;
     settings.gap = 9007199254740991;
     settings.margin = -9007199254740991;
@@ -306,7 +306,7 @@ TEST(EncodeSettingsTest, KeepsTheSignOfAZero) {
     EXPECT_FALSE(std::signbit(read.margin));
 }
 
-TEST(EncodeSettingsTest, WritesEmptyListsAndMapsAsSuch) {
+TEST(EncodeSettingsTest, KeepsEmptyListsAndMaps) {
     AppSettings settings;
     settings.zones.clear();
     settings.bindings.clear();
@@ -314,7 +314,7 @@ TEST(EncodeSettingsTest, WritesEmptyListsAndMapsAsSuch) {
     EXPECT_EQ(decodeSettings(encodeSettings(settings).value()), settings);
 }
 
-TEST(EncodeSettingsTest, RefusesNumbersThatAreNotFinite) {
+TEST(EncodeSettingsTest, RejectsNonFiniteNumbers) {
     for (const double number : {std::nan(""), HUGE_VAL, -HUGE_VAL}) {
         for (double AppSettings::*const field : {&AppSettings::gap, &AppSettings::margin,
                                                  &AppSettings::gridStep, &AppSettings::lastUpdateCheck}) {
@@ -335,7 +335,7 @@ TEST(EncodeSettingsTest, RefusesNumbersThatAreNotFinite) {
     }
 }
 
-TEST(EncodeSettingsTest, RefusesTextThatIsNotUtf8) {
+TEST(EncodeSettingsTest, RejectsTextThatIsNotUtf8) {
     AppSettings trigger;
     trigger.dragTrigger = "\xff";
     AppSettings ignored;

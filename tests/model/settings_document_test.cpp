@@ -1,4 +1,5 @@
-// Documents at random: what is written is read back, and what is damaged is refused whole or read whole.
+// Random settings documents: an encoded document decodes to the same settings, and a damaged one is rejected
+// as a whole or decodes to settings that can be stored again.
 
 #include "model/settings_codec.h"
 
@@ -94,7 +95,7 @@ private:
     std::mt19937_64 m_random;
 };
 
-TEST(SettingsDocumentTest, WhatIsWrittenIsReadBack) {
+TEST(SettingsDocumentTest, EncodedSettingsDecodeToTheSameSettings) {
     RandomSettings random(1);
     for (int round = 0; round < 500; ++round) {
         const AppSettings settings = random.settings();
@@ -130,7 +131,7 @@ std::string damaged(std::string document, RandomSettings& random) {
     return document;
 }
 
-TEST(SettingsDocumentTest, ADamagedDocumentIsRefusedOrGivesSettingsThatCanBeStored) {
+TEST(SettingsDocumentTest, ADamagedDocumentIsRejectedOrGivesSettingsThatCanBeStored) {
     RandomSettings random(2);
     const std::string document = encodeSettings(random.settings()).value();
     int accepted = 0;
@@ -145,11 +146,11 @@ TEST(SettingsDocumentTest, ADamagedDocumentIsRefusedOrGivesSettingsThatCanBeStor
         ASSERT_EQ(decodeSettings(*written), settings) << text;
     }
 
-    EXPECT_GT(accepted, 100); // else the damage says nothing about what is accepted
+    EXPECT_GT(accepted, 100); // too few accepted documents would test nothing
     EXPECT_LT(accepted, 15'000);
 }
 
-TEST(SettingsDocumentTest, ADocumentThatBreaksOffIsRefused) {
+TEST(SettingsDocumentTest, ATruncatedDocumentIsRejected) {
     RandomSettings random(3);
     const std::string document = encodeSettings(random.settings()).value();
 
@@ -167,7 +168,7 @@ protected:
     void TearDown() override { std::setlocale(LC_ALL, "C"); }
 };
 
-TEST_P(LocaleTest, NumbersAreReadAndWrittenTheSame) {
+TEST_P(LocaleTest, NumbersDoNotDependOnTheLocale) {
     AppSettings settings;
     settings.gap = 1234567.75;
     settings.margin = 1e-7;
@@ -185,7 +186,7 @@ TEST_P(LocaleTest, NumbersAreReadAndWrittenTheSame) {
               std::nullopt);
 }
 
-// A decimal comma, and a decimal point of two bytes.
+// de_DE has a decimal comma; the decimal separator of ps_AF takes two bytes in UTF-8.
 INSTANTIATE_TEST_SUITE_P(DecimalPoints, LocaleTest, testing::Values("de_DE.UTF-8", "ps_AF.UTF-8"),
                          [](const auto& instance) { return std::string(instance.param.substr(0, 5)); });
 

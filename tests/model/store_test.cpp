@@ -55,7 +55,7 @@ TEST_F(StoreTest, LoadingWritesNothing) {
     EXPECT_EQ(preferences.stored.at(std::string(kKey)), R"({"zones": []})");
 }
 
-TEST_F(StoreTest, TwoStoredZonesAreFilledUpToNine) {
+TEST_F(StoreTest, TwoStoredZonesArePaddedToNine) {
     const auto settings = loaded(R"({"zones": [{"enabled": true, "x": 1, "y": 2, "w": 3, "h": 4},
                                                {"enabled": false, "x": 5, "y": 6, "w": 7, "h": 8}]})");
 
@@ -64,7 +64,7 @@ TEST_F(StoreTest, TwoStoredZonesAreFilledUpToNine) {
     EXPECT_EQ(settings.zones, expected);
 }
 
-TEST_F(StoreTest, OfElevenStoredZonesTheFirstNineCount) {
+TEST_F(StoreTest, OnlyTheFirstNineOfElevenStoredZonesAreUsed) {
     AppSettings stored;
     stored.zones.clear();
     for (int number = 0; number < 11; ++number)
@@ -90,7 +90,7 @@ TEST_F(StoreTest, ADocumentThatCannotBeDecodedGivesTheDefaultsAndIsKept) {
     EXPECT_EQ(preferences.writes, 0);
 }
 
-TEST_F(StoreTest, WithoutStoredBindingsEveryActionIsUnbound) {
+TEST_F(StoreTest, WithAnEmptyBindingsMapEveryActionIsUnbound) {
     preferences.setData(kKey, R"({"bindings": {}})");
     const Store store(preferences);
 
@@ -114,7 +114,7 @@ TEST_F(StoreTest, SettingABindingReplacesTheOldOne) {
     EXPECT_EQ(store.settings.bindings.size(), 19U);
 }
 
-TEST_F(StoreTest, SettingABindingDoesNotLookAtOtherActions) {
+TEST_F(StoreTest, SettingABindingDoesNotCheckForConflicts) {
     Store store(preferences);
 
     store.setBinding(ActionID(ActionID::maximize).defaultBinding(), ActionID::center);
@@ -132,7 +132,7 @@ TEST_F(StoreTest, SettingNoBindingRemovesTheEntry) {
     EXPECT_EQ(store.settings.bindings.size(), 18U);
 }
 
-TEST_F(StoreTest, ABindingLastsOnceItIsSaved) {
+TEST_F(StoreTest, ABindingIsStoredOnlyWhenSaved) {
     Store store(preferences);
     int posts = 0;
     const auto observer = store.tessarelSettingsChanged.addObserver([&] { ++posts; });
@@ -145,7 +145,7 @@ TEST_F(StoreTest, ABindingLastsOnceItIsSaved) {
     EXPECT_EQ(Store(preferences).binding(ActionID::center), std::nullopt);
 }
 
-TEST_F(StoreTest, SavingStoresTheSettingsAndTellsNobody) {
+TEST_F(StoreTest, SaveStoresTheSettingsAndPostsNoNotification) {
     Store store(preferences);
     int posts = 0;
     const auto observer = store.tessarelSettingsChanged.addObserver([&] { ++posts; });
@@ -157,7 +157,7 @@ TEST_F(StoreTest, SavingStoresTheSettingsAndTellsNobody) {
     EXPECT_EQ(posts, 0);
 }
 
-TEST_F(StoreTest, SaveAndNotifyTellsWhenTheDocumentIsStored) {
+TEST_F(StoreTest, SaveAndNotifyPostsAfterTheDocumentIsStored) {
     Store store(preferences);
     double gapSeen = 0;
     const auto observer = store.tessarelSettingsChanged.addObserver([&] { gapSeen = saved().gap; });
@@ -168,7 +168,7 @@ TEST_F(StoreTest, SaveAndNotifyTellsWhenTheDocumentIsStored) {
     EXPECT_EQ(gapSeen, 12);
 }
 
-TEST_F(StoreTest, SettingsThatADocumentCannotHoldLeaveTheStoredOne) {
+TEST_F(StoreTest, SettingsThatCannotBeEncodedLeaveTheStoredDocument) {
     Store store(preferences);
     store.save();
     const std::string before = preferences.stored.at(std::string(kKey));
@@ -183,7 +183,7 @@ TEST_F(StoreTest, SettingsThatADocumentCannotHoldLeaveTheStoredOne) {
     EXPECT_EQ(preferences.writes, 1);
 }
 
-TEST_F(StoreTest, SaveAndNotifyTellsEvenWhenNothingCouldBeStored) {
+TEST_F(StoreTest, SaveAndNotifyPostsEvenWhenNothingCouldBeStored) {
     Store store(preferences);
     int posts = 0;
     const auto observer = store.tessarelSettingsChanged.addObserver([&] { ++posts; });
@@ -194,7 +194,7 @@ TEST_F(StoreTest, SaveAndNotifyTellsEvenWhenNothingCouldBeStored) {
     EXPECT_EQ(posts, 1);
 }
 
-TEST_F(StoreTest, WhatAnotherProcessStoresIsNotSeen) {
+TEST_F(StoreTest, ChangesByAnotherProcessAreNotSeenUntilTheNextLoad) {
     const Store store(preferences);
 
     preferences.setData(kKey, R"({"gap": 8})");
@@ -203,7 +203,7 @@ TEST_F(StoreTest, WhatAnotherProcessStoresIsNotSeen) {
     EXPECT_EQ(Store(preferences).settings.gap, 8);
 }
 
-TEST_F(StoreTest, ASharedStoreIsAnsweredWhileItsSubscriptionLives) {
+TEST_F(StoreTest, SharedReturnsAStoreUntilItsSubscriptionIsDestroyed) {
     Store outer(preferences);
     Store inner(preferences);
     const auto outerSharing = outer.share();

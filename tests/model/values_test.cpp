@@ -6,11 +6,11 @@
 namespace tessarel {
 namespace {
 
-TEST(ValuesTest, AZoneIsDisabledAndEmptyUnlessSetOtherwise) {
+TEST(ValuesTest, AZoneIsDisabledAndEmptyByDefault) {
     EXPECT_EQ(Zone{}, (Zone{false, 0, 0, 0, 0}));
 }
 
-TEST(ValuesTest, ABindingHasTheFirstKeyAndNoModifiersUnlessSetOtherwise) {
+TEST(ValuesTest, ABindingHasKeyCodeZeroAndNoModifiersByDefault) {
     EXPECT_EQ(Binding{}, (Binding{0, 0}));
 }
 

@@ -15,14 +15,14 @@ TEST(WebAddressTest, AbsoluteHttpAndHttpsAddressesAreWebAddresses) {
         EXPECT_TRUE(isWebAddress(text)) << text;
 }
 
-TEST(WebAddressTest, OtherSchemesAreNot) {
+TEST(WebAddressTest, OtherSchemesAreRejected) {
     for (const char* text :
          {"file:///etc/passwd", "ftp://example.org/", "javascript:alert(1)", "mailto:a@example.org",
           "data:text/html,x", "httpx://example.org", "shttp://example.org", "x-https://example.org"})
         EXPECT_FALSE(isWebAddress(text)) << text;
 }
 
-TEST(WebAddressTest, WhatIsNotAbsoluteIsNot) {
+TEST(WebAddressTest, RelativeAddressesAreRejected) {
     for (const char* text : {"", "example.org", "/page", "//example.org/", "https:", "https:/example.org",
                              "https:example.org", "?a=b"})
         EXPECT_FALSE(isWebAddress(text)) << text;
@@ -34,7 +34,7 @@ TEST(WebAddressTest, AnAddressNeedsAHost) {
         EXPECT_FALSE(isWebAddress(text)) << text;
 }
 
-TEST(WebAddressTest, WhatAnAddressHasOnlyEncodedMakesItNone) {
+TEST(WebAddressTest, CharactersThatMustBePercentEncodedAreRejected) {
     for (const char c : std::string(" \t\r\n\x7F\x01\"<>\\^`{|}"))
         EXPECT_FALSE(isWebAddress(std::string("https://example.org/a") + c + "b")) << int{c};
     EXPECT_FALSE(isWebAddress(std::string_view("https://example.org/\0", 21)));

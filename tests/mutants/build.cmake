@@ -1,5 +1,5 @@
-# Added to the project by script/mutants: tests are compiled in batches, since they stay as they are, and the
-# product's sources one by one, since each fault changes one of them.
+# Included in the project by script/mutants. Compiles the tests as unity builds, because they never change,
+# and the product's sources one by one, because each fault changes one of them.
 function(compile_in_batches folder)
     get_property(targets DIRECTORY ${folder} PROPERTY BUILDSYSTEM_TARGETS)
     foreach(target ${targets})

@@ -1,4 +1,4 @@
-"""Makes the faults of a source file, and reads the list of those that are accepted."""
+"""Generates the faults of a source file and reads the list of accepted ones."""
 
 from dataclasses import dataclass
 from pathlib import Path
@@ -15,7 +15,7 @@ class Fault:
     start: int
     end: int
     replacement: str
-    before: str  # the lines that it touches
+    before: str  # the affected lines, without the fault
     after: str
 
     def applied(self, text: str) -> str:
@@ -23,12 +23,12 @@ class Fault:
 
     @property
     def key(self) -> tuple[str, str, str]:
-        """What it is known by in the list of accepted ones, wherever in the file its lines are."""
+        """Returns its key in the list of accepted faults, which does not depend on line numbers."""
         return self.path, _squeezed(self.before), _squeezed(self.after)
 
 
 def faults_of(path: str, text: str) -> list[Fault]:
-    """Returns all faults that the operators make of a file, by their place in it."""
+    """Returns all faults that the operators can make in a file, ordered by position."""
     source = Source(text)
     found = {}
     for operator, edits in OPERATORS.items():
@@ -45,7 +45,7 @@ def faults_of(path: str, text: str) -> list[Fault]:
 
 
 def accepted_faults(path: Path) -> dict[tuple[str, str, str], str]:
-    """Returns the reasons of the accepted faults by their keys."""
+    """Returns the reasons of the accepted faults by key. Exits when an entry is malformed."""
     accepted = {}
     for number, block in enumerate(path.read_text().split("\n\n")):
         lines = [line for line in block.splitlines() if line and not line.startswith("#")]
@@ -59,6 +59,6 @@ def accepted_faults(path: Path) -> dict[tuple[str, str, str], str]:
 
 
 def _squeezed(text: str) -> str:
-    """Returns the text on one line. Of a long one only both ends are left."""
+    """Returns the text on one line, without its middle when it is long."""
     line = " ".join(text.split())
     return line if len(line) <= 240 else line[:120] + " ... " + line[-100:]

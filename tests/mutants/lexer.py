@@ -1,4 +1,4 @@
-"""Splits C++ and Objective-C++ sources into tokens, as far as making faults needs it."""
+"""Splits C++ and Objective-C++ sources into tokens, in as much detail as fault injection needs."""
 
 import re
 from typing import NamedTuple
@@ -28,7 +28,7 @@ class Token(NamedTuple):
 
     @property
     def is_binary(self) -> bool:
-        """Whether the formatter has treated a sign as an operator between two operands."""
+        """Returns whether this is a binary operator, which the formatter surrounds with spaces."""
         return self.kind == "sign" and self.spaced_before and self.spaced_after
 
 

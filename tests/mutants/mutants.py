@@ -1,4 +1,4 @@
-"""Makes small faults in the product and looks whether its tests notice. script/mutants starts it."""
+"""Injects small faults into the product and checks that its tests catch them. script/mutants starts it."""
 
 import argparse
 import fcntl
@@ -20,7 +20,7 @@ from workshop import Measure, Workshop
 HERE = Path(__file__).resolve().parent
 CHECKOUT = HERE.parent.parent
 PLACE = CHECKOUT / "build" / "mutants"
-CHUNK = 12  # faults of one file that one job takes at a time
+CHUNK = 12  # faults of one file that a job takes at a time
 
 KILLED, SURVIVED, DROPPED = "killed", "survived", "dropped"
 
@@ -28,7 +28,7 @@ KILLED, SURVIVED, DROPPED = "killed", "survived", "dropped"
 @dataclass(frozen=True)
 class Folder:
     sources: tuple[str, ...]
-    suites: tuple[str, ...]  # the one that is most likely to notice, and costs least, first
+    suites: tuple[str, ...]  # the most likely to catch a fault and cheapest first
 
 
 MACOS_SUITES = ("macos_test", "macos_contract_test", "macos_application_test")
@@ -53,7 +53,7 @@ class Outcome:
 
 
 class Trial:
-    """Tries faults in several workshops at once."""
+    """Tests faults in several workshops in parallel."""
 
     def __init__(self, jobs: int, folders: list[str]):
         self._targets = {name: list(FOLDERS[name].suites) for name in folders}
@@ -131,7 +131,7 @@ def difference(fault: Fault) -> str:
 
 
 def try_patches() -> int:
-    """Applies the faults that no operator makes, one after the other. Returns how many nobody notices."""
+    """Tests the faults in the patches one by one. Returns the number of faults that no suite catches."""
     checks = ("macos_analyze", "macos_compile")
     workshop = Workshop(CHECKOUT, PLACE / "patches", sanitized=True)
     print(f"Building {', '.join(MACOS_SUITES)} with the sanitizers", flush=True)
@@ -174,7 +174,8 @@ def all_faults(folders: list[str]) -> list[tuple[str, Fault]]:
 
 
 def selected(arguments: list[str]) -> list[tuple[str, Fault]]:
-    """Returns the faults of the named folders, files and lines; without a name, all."""
+    """Returns the faults of the named folders, files and lines; all faults without names. Exits when a name
+    has no fault."""
     wanted: list[tuple[str, Fault]] = []
     every = all_faults(list(FOLDERS))
     for argument in arguments or list(FOLDERS):
@@ -194,7 +195,8 @@ def selected(arguments: list[str]) -> list[tuple[str, Fault]]:
 
 
 def drawn(faults: list[tuple[str, Fault]], seed: int) -> Iterator[tuple[str, Fault]]:
-    """Yields the faults at random: each folder in turn, and within it a line, of which one fault is taken."""
+    """Yields the faults in random order. Folders take turns, and each line of a folder yields one fault
+    before any line yields a second."""
     chance = random.Random(seed)
     folders: dict[str, dict[tuple[str, int], list[Fault]]] = {}
     for folder, fault in faults:
@@ -214,7 +216,7 @@ def drawn(faults: list[tuple[str, Fault]], seed: int) -> Iterator[tuple[str, Fau
 
 
 def run_sample(trial: Trial, faults: list[tuple[str, Fault]], count: int, seed: int) -> list[Outcome]:
-    """Tries as many faults as are asked for, and another for each that does not compile."""
+    """Tests `count` random faults, replacing each one that does not compile."""
     order = drawn(faults, seed)
     outcomes: list[Outcome] = []
     while True:
@@ -254,7 +256,7 @@ def main() -> int:
     PLACE.mkdir(parents=True, exist_ok=True)
     lock = (PLACE / "lock").open("w")
     if not options.list:
-        fcntl.flock(lock, fcntl.LOCK_EX)  # the copies of the tree are those of one run
+        fcntl.flock(lock, fcntl.LOCK_EX)  # only one run at a time may use the copies of the tree
     if options.patches:
         return 1 if try_patches() else 0
 

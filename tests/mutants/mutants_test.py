@@ -1,4 +1,4 @@
-"""Tests what script/mutants makes of sources, apart from compiling it."""
+"""Tests which faults script/mutants generates, without compiling them."""
 
 import sys
 import tempfile
@@ -11,7 +11,7 @@ from mutants import drawn
 
 
 def faults(text: str, operator: str | None = None) -> list[str]:
-    """Returns the faulty texts."""
+    """Returns the text with each fault applied."""
     return [each.applied(text) for each in faults_of("a.cpp", text) if operator in (None, each.operator)]
 
 

@@ -1,4 +1,4 @@
-"""The kinds of small faults. Each operator yields (start, end, replacement) for a source."""
+"""Mutation operators. Each one yields its edits of a source as (start, end, replacement)."""
 
 import re
 from collections.abc import Iterator
@@ -85,7 +85,7 @@ def calls(source: Source) -> Iterator[Edit]:
 
 
 def booleans(source: Source) -> Iterator[Edit]:
-    """Exchanges a logical operator, or leaves out one of its operands; of flags, one."""
+    """Exchanges && and ||, or removes an operand of &&, || or |."""
     for index, token in _signs(source, (*_LOGICAL, "|")):
         if token.text != "|":
             yield token.start, token.end, "||" if token.text == "&&" else "&&"
@@ -99,7 +99,7 @@ def booleans(source: Source) -> Iterator[Edit]:
 
 
 def negations(source: Source) -> Iterator[Edit]:
-    """Negates a condition, or takes its negation away."""
+    """Negates a condition, or removes its negation."""
     for index, token in enumerate(source.tokens):
         if token.text == "!" and not token.is_binary and index not in source.skipped:
             yield token.start, token.end, ""
@@ -125,7 +125,7 @@ def statements(source: Source) -> Iterator[Edit]:
 
 
 def returns(source: Source) -> Iterator[Edit]:
-    """Returns at the beginning of a function, or something else at its end."""
+    """Returns at the beginning of a function, or replaces a returned value."""
     for function in source.functions:
         if len(function.statements) > 1:
             for value in _returned_values(function):
@@ -141,7 +141,7 @@ def returns(source: Source) -> Iterator[Edit]:
 
 
 def arguments(source: Source) -> Iterator[Edit]:
-    """Swaps two neighbouring arguments that may be of one type; the compiler drops those that are not."""
+    """Swaps two adjacent arguments that may have the same type; otherwise the fault does not compile."""
     for index, token in enumerate(source.tokens):
         if token.text not in ("(", "{") or index in source.skipped or index not in source.partner:
             continue
@@ -183,8 +183,8 @@ def _signs(source: Source, texts):
 
 
 def _opens_names(source: Source, index: int) -> bool:
-    """Whether a brace opens a namespace, in which commas only separate the initialisers of constructors, or a
-    scoped enumeration, on whose order nothing depends without a cast."""
+    """Returns whether a brace opens a namespace, in which commas only separate constructor initialisers, or a
+    scoped enumeration, whose order does not matter without a cast."""
     at = index - 1
     while at >= 0 and (source.tokens[at].kind == "word" or source.is_at(at, ":", "::")):
         if source.is_at(at, "namespace") or source.is_at(at, "enum") and source.is_at(at + 1, "class"):
@@ -194,7 +194,7 @@ def _opens_names(source: Source, index: int) -> bool:
 
 
 def _in_for(source: Source, index: int) -> bool:
-    """Whether the token is in the head of a for, whose steps only end in time-outs when exchanged."""
+    """Returns whether the token is in the head of a for loop, where a fault only causes a time-out."""
     at = index
     while at > 0 and not source.is_at(at, "{", "}"):
         if source.is_at(at, "(") and source.is_at(at - 1, "for"):
@@ -230,7 +230,7 @@ def _stops(source: Source, at: int, step: int, stops) -> bool:
     if not source.is_at(at, *stops):
         return False
     other = source.partner.get(at)
-    return other is None or (other - at) * step < 0  # not where brackets of the operand itself begin
+    return other is None or (other - at) * step < 0  # not at a bracket that belongs to the operand
 
 
 def _negated(source: Source, first: int, last: int) -> Iterator[Edit]:
@@ -238,7 +238,7 @@ def _negated(source: Source, first: int, last: int) -> Iterator[Edit]:
     texts = [source.tokens[at].text for at in top if at not in source.skipped]
     is_logical = any(text in _LOGICAL for text in texts)
     if not is_logical and (texts[:1] == ["!"] or any(text in _COMPARISONS for text in texts)):
-        return  # other operators negate it
+        return  # negated by another operator already
     start, end = source.tokens[first].start, source.tokens[last].end
     yield start, end, f"!({source.text[start:end]})"
 
@@ -294,7 +294,7 @@ def _may_be_of_one_type(source: Source, one: tuple[int, int], other: tuple[int, 
 
 
 def _kind(source: Source, part: tuple[int, int]) -> str:
-    """Returns what a literal is, or "value" for anything else."""
+    """Returns the kind of a literal, or "value" for anything else."""
     token = source.tokens[part[0]]
     if part[0] != part[1]:
         return "value"

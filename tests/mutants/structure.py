@@ -1,4 +1,4 @@
-"""Finds the functions, statements and conditions of a source, without knowing its types."""
+"""Finds the functions, statements and conditions of a source without type information."""
 
 from dataclasses import dataclass, field
 
@@ -26,7 +26,7 @@ class Statement:
 
 
 class Source:
-    """A source, its tokens, and what they form."""
+    """A source, its tokens, and its functions and conditions."""
 
     def __init__(self, text: str):
         self.text = text
@@ -47,14 +47,14 @@ class Source:
         return self.text[self.tokens[first].start : self.tokens[last].end]
 
     def skip_over(self, index: int, step: int = 1) -> int:
-        """Returns the next index in a direction, past the whole of what opens or closes at this one."""
+        """Returns the next index in a direction; at a bracket, the index past its partner."""
         other = self.partner.get(index)
         if other is not None and (other - index) * step > 0:
             return other + step
         return index + step
 
     def parts(self, opening: int) -> list[tuple[int, int]]:
-        """Returns the first and last tokens of what commas separate inside a pair of brackets."""
+        """Returns the first and last tokens of each comma-separated part between a pair of brackets."""
         closing = self.partner[opening]
         parts, first, at = [], opening + 1, opening + 1
         while at <= closing:
@@ -66,7 +66,7 @@ class Source:
         return parts
 
     def top_level(self, first: int, last: int) -> list[int]:
-        """Returns the tokens from one to another that are in no brackets of their own."""
+        """Returns the tokens from one to another that are not between nested brackets."""
         found, at = [], first
         while at <= last:
             found.append(at)
@@ -143,7 +143,7 @@ class Source:
             index = self.skip_over(index)
 
     def _braces(self, start: int, opening: int) -> bool:
-        """Looks into the braces of a declaration. Returns whether they end it."""
+        """Parses the braces of a declaration. Returns whether they end it."""
         head = [i for i in self.top_level(start, opening - 1) if i not in self.skipped]
         texts = [self.tokens[i].text for i in head]
         closing = self.partner[opening]
@@ -198,7 +198,7 @@ class Source:
             index = self._statement(index, function, self.partner[opening])
 
     def _statement(self, index: int, function: Function, block_end: int) -> int:
-        """Notes the statement that begins here. Returns where the next one does."""
+        """Records the statement that begins at `index`. Returns the beginning of the next one."""
         token = self.tokens[index]
         if token.text == "{":
             self._block(index, function)
@@ -237,7 +237,7 @@ class Source:
             index += 1
 
     def _lambda(self, index: int) -> tuple[int | None, str]:
-        """Returns the brace and the returned type of the lambda or block that begins here."""
+        """Returns the opening brace and the return type of the lambda or block at `index`, or None and ""."""
         if self.is_at(index, "^"):
             at = index + 1
         elif self.is_at(index, "[") and self._may_begin_value(index):

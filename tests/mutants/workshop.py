@@ -1,4 +1,4 @@
-"""A copy of the tree with a build of its own, in which faults are tried."""
+"""A copy of the tree with a build folder of its own, in which faults are injected and tested."""
 
 import json
 import math
@@ -19,18 +19,18 @@ _OPTIONS = (
     "-G", "Ninja", "-DCMAKE_BUILD_TYPE=None", "-DCMAKE_CXX_COMPILER=clang++",
     "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld",
 )  # fmt: skip
-# Warnings are no concern here: a fault that only a warning shows is still a fault.
+# No warnings: a fault that only a warning reveals still has to be caught by a test.
 _QUICK = "-O0 -w -D_GLIBCXX_ASSERTIONS"
 _SANITIZED = "-O0 -g1 -w"
-_MEMORY_LIMIT = 4 << 20  # KiB: a loop without an end is not to take the machine with it
-_LEAST_TIME = 5  # seconds of the processor
-_PATIENCE = 120  # seconds for what waits instead, or has to wait for the processor
-_SLOW = 0.5  # seconds that make a test a slow one
+_MEMORY_LIMIT = 4 << 20  # KiB: an endless loop must not use up the memory
+_LEAST_TIME = 5  # seconds of CPU time
+_PATIENCE = 120  # seconds of wall time for tests that wait or get little CPU time
+_SLOW = 0.5  # seconds of CPU time from which on a test is slow
 
 
 @dataclass(frozen=True)
 class Suite:
-    """A test program, or a check, as CTest would run it."""
+    """A test program or a check, as CTest runs it."""
 
     command: list[str]
     environment: dict[str, str]
@@ -39,19 +39,19 @@ class Suite:
 
     @property
     def is_program(self) -> bool:
-        """Whether it is a test program, which takes the options of such, and no script."""
+        """Returns whether this is a test program, which accepts GoogleTest's options, and not a script."""
         return len(self.command) == 1
 
 
 @dataclass
 class Measure:
-    """How long a suite keeps the processor busy without a fault."""
+    """The CPU time of a suite without a fault, in seconds."""
 
     duration: float
-    tests: dict[str, tuple[str, float]] = field(default_factory=dict)  # the file and duration of each
+    tests: dict[str, tuple[str, float]] = field(default_factory=dict)  # file and duration by name
 
     def stages(self, source: str) -> list[list[str]]:
-        """Returns the tests as they are best run to find a fault of the source."""
+        """Returns the tests in groups: those named after the source, other fast ones, and slow ones."""
         near = re.compile(rf"(^|_){re.escape(Path(source).stem)}(_|\.)")
         stages: list[list[str]] = [[], [], []]
         for name, (file, duration) in self.tests.items():
@@ -81,14 +81,14 @@ class Workshop:
         self._environment.pop("TESSAREL_TEST_LONG", None)
 
     def prepare(self, targets: list[str]) -> None:
-        """Makes the copy equal to the checkout and builds the targets. Exits when they do not build."""
+        """Makes the copy equal to the checkout and builds the targets. Exits when the build fails."""
         shutil.rmtree(self._scratch, ignore_errors=True)
         for folder in (self.tree, self._build, self._scratch):
             folder.mkdir(parents=True, exist_ok=True)
         self._copy_checkout()
         flags = _SANITIZED if self._sanitized else _QUICK
         options = [*_OPTIONS, f"-DTESSAREL_SANITIZE={'ON' if self._sanitized else 'OFF'}"]
-        # Without the place in it, an object in the compiler's cache is as good for the next job.
+        # Keeps the job's path out of the objects, so that all jobs share the compiler cache.
         compiling = f"-DCMAKE_CXX_FLAGS={flags} -ffile-prefix-map={self.tree.parent}/="
         added = f"-DCMAKE_PROJECT_INCLUDE={self.tree}/tests/mutants/build.cmake"
         self._run_or_exit(["cmake", "-S", str(self.tree), "-B", str(self._build), added, compiling, *options])
@@ -96,7 +96,7 @@ class Workshop:
         self._find_suites()
 
     def measure(self, name: str) -> Measure:
-        """Runs the suite without a fault. Exits when it fails."""
+        """Runs the suite without a fault and returns its CPU time. Exits when it fails."""
         report = self._scratch / "report.json"
         begin, used = time.monotonic(), _processor_time()
         output = self._failure(name, [f"--gtest_output=json:{report}"], limit=None)
@@ -115,13 +115,13 @@ class Workshop:
         return measured
 
     def inject(self, fault: Fault) -> None:
-        """Changes a source of the copy, after undoing the last change."""
+        """Injects the fault into the copy, after removing the previous one."""
         is_same = self._changed == fault.path
         if not is_same:
             self.restore()
             self._changed, self._original = fault.path, (self.tree / fault.path).read_text()
         (self.tree / fault.path).write_text(fault.applied(self._original))
-        # Only the right object of the last source is worth a look into the compiler's cache.
+        # The compiler cache only helps to rebuild the previous source, which is restored at this point.
         if is_same:
             self._environment["CCACHE_DISABLE"] = "1"
         else:
@@ -136,7 +136,7 @@ class Workshop:
         return self._run(["ninja", "-C", str(self._build), *targets]).returncode == 0
 
     def notices(self, name: str, measured: Measure, source: str) -> bool:
-        """Returns whether the suite fails: first the tests of the changed source, and those that are slow last."""
+        """Runs the suite, tests of the changed source first and slow ones last. Returns whether it fails."""
         for tests in measured.stages(source):
             arguments = ["--gtest_filter=" + ":".join(tests)]
             if self._failure(name, arguments, sum(measured.tests[test][1] for test in tests)) is not None:
@@ -161,7 +161,7 @@ class Workshop:
             )
 
     def _failure(self, name: str, arguments: list[str], limit: float | None) -> str | None:
-        """Runs a suite. Returns its output when it fails or computes for far longer than `limit` seconds."""
+        """Runs a suite. Returns its output when it fails or exceeds `limit` seconds by far, else None."""
         suite = self._suites[name]
         memory = "unlimited" if self._sanitized else str(_MEMORY_LIMIT)
         seconds = "unlimited" if limit is None else str(math.ceil(max(_LEAST_TIME, 5 * limit)))
@@ -190,7 +190,7 @@ class Workshop:
         return text if failed else None
 
     def _copy_checkout(self) -> None:
-        """Copies what git would see of the checkout, and only files that differ: their times count."""
+        """Copies the files that git lists, but only those that differ: ninja compares their times."""
         listed = subprocess.run(
             ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"],
             cwd=self._checkout,
@@ -210,7 +210,7 @@ class Workshop:
         self._changed = ""
 
     def _run(self, command: list[str], cwd: Path | None = None) -> subprocess.CompletedProcess:
-        # The copy is below the checkout, whose repository is none of its business.
+        # The copy lies inside the checkout, whose repository git must not find from there.
         environment = {**self._environment, "GIT_CEILING_DIRECTORIES": str(self.tree.parent)}
         return subprocess.run(command, cwd=cwd, env=environment, text=True, capture_output=True)
 
@@ -222,13 +222,13 @@ class Workshop:
 
 
 def _processor_time() -> float:
-    """Returns how long all processes that have ended here were computing."""
+    """Returns the CPU time of all child processes that have ended, in seconds."""
     used = resource.getrusage(resource.RUSAGE_CHILDREN)
     return used.ru_utime + used.ru_stime
 
 
 def _end_group(process: subprocess.Popen) -> None:
-    """Ends what a test program has left running."""
+    """Kills the process group of a test program, with everything it has left running."""
     try:
         os.killpg(process.pid, signal.SIGKILL)
     except ProcessLookupError:

@@ -14,7 +14,7 @@ namespace {
 
 class IconTest : public testing::TestWithParam<int> {
 protected:
-    /// The colour at a share of the icon's width and height.
+    /// Returns the colour at a fraction of the icon's width and height.
     [[nodiscard]] QColor at(double x, double y) const {
         return icon.pixelColor(static_cast<int>(x * icon.width()), static_cast<int>(y * icon.height()));
     }
@@ -22,18 +22,18 @@ protected:
     QImage icon = drawIcon(GetParam());
 };
 
-TEST_P(IconTest, ItIsAsLargeAsAskedFor) {
+TEST_P(IconTest, ItHasTheRequestedSize) {
     EXPECT_EQ(icon.size(), QSize(GetParam(), GetParam()));
 }
 
-TEST_P(IconTest, ThePlateLeavesTheEdgeFree) {
+TEST_P(IconTest, ThePlateLeavesAMargin) {
     EXPECT_EQ(at(0, 0).alpha(), 0);
     EXPECT_EQ(at(0.5, 0.03).alpha(), 0);
     EXPECT_EQ(at(0.12, 0.12).alpha(), 0) << "its corners are round";
     EXPECT_EQ(at(0.5, 0.17).alpha(), 255);
 }
 
-TEST_P(IconTest, ThreeTilesStandOnIt) {
+TEST_P(IconTest, ItShowsThreeTiles) {
     const QColor main = at(0.35, 0.5);
     EXPECT_GT(main.blue(), main.red() + 100) << "in the colour of the zone that takes the window";
     EXPECT_GT(at(0.65, 0.35).lightness(), 200);
@@ -42,7 +42,7 @@ TEST_P(IconTest, ThreeTilesStandOnIt) {
 
 INSTANTIATE_TEST_SUITE_P(Sizes, IconTest, testing::Values(16, 32, 128, 1024));
 
-TEST(DrawIconTest, TheSetHasEverySizeUnderTheNameThatIsLookedFor) {
+TEST(DrawIconTest, TheSetHasEverySizeUnderItsExpectedName) {
     const QTemporaryDir scratch;
     const QString folder = scratch.filePath(QStringLiteral("Tessarel.iconset"));
 
@@ -57,11 +57,11 @@ TEST(DrawIconTest, TheSetHasEverySizeUnderTheNameThatIsLookedFor) {
     }
 }
 
-TEST(DrawIconTest, AFolderThatCannotBeMadeIsAFailure) {
+TEST(DrawIconTest, AFolderThatCannotBeCreatedIsAnError) {
     EXPECT_NE(QProcess::execute(QStringLiteral(TESSAREL_DRAW_ICON), {QStringLiteral("/dev/null/set")}), 0);
 }
 
-TEST(DrawIconTest, WithoutAFolderItSaysWhatItWants) {
+TEST(DrawIconTest, WithoutAFolderItFails) {
     EXPECT_NE(QProcess::execute(QStringLiteral(TESSAREL_DRAW_ICON), {}), 0);
 }
 

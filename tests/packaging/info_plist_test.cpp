@@ -11,7 +11,7 @@
 namespace tessarel {
 namespace {
 
-/// The property list that goes into the bundle: its values as texts, by key.
+/// Reads the property list of the bundle: the values as texts, by key.
 class InfoPlistTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -40,7 +40,7 @@ private:
     }
 };
 
-TEST_F(InfoPlistTest, TheBundleIsThisProgram) {
+TEST_F(InfoPlistTest, TheBundleDescribesThisProgram) {
     EXPECT_EQ(values["CFBundleIdentifier"], Config::bundleID);
     EXPECT_EQ(values["CFBundleShortVersionString"], Config::version);
     EXPECT_EQ(values["CFBundleVersion"], Config::version);
@@ -50,7 +50,7 @@ TEST_F(InfoPlistTest, TheBundleIsThisProgram) {
     EXPECT_EQ(values["CFBundleIconFile"], "Tessarel");
 }
 
-TEST_F(InfoPlistTest, TheProgramHasNoPlaceInTheDock) {
+TEST_F(InfoPlistTest, TheProgramHasNoDockIcon) {
     EXPECT_EQ(values["LSUIElement"], "true");
 }
 
@@ -58,7 +58,7 @@ TEST_F(InfoPlistTest, TheOldestSystemIsTheOneThatLoginItemsNeed) {
     EXPECT_EQ(values["LSMinimumSystemVersion"], "13.0");
 }
 
-TEST_F(InfoPlistTest, NoValueIsEmptyOrLeftToBeFilledIn) {
+TEST_F(InfoPlistTest, NoValueIsEmptyOrAPlaceholder) {
     for (const auto& [key, value] : values) {
         EXPECT_NE(value, "") << key;
         EXPECT_EQ(value.find_first_of("@$"), std::string::npos) << key;

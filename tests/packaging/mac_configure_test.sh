@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Runs CMake's branch for a Mac to the end, with stand-ins for the packages, and the build with stand-ins for the tools:
-# what is compiled and linked, and that the bundle is complete and signed after every change of one of its parts.
+# Configures the project for macOS with stand-ins for the packages, and builds it with stand-ins for the
+# tools. Checks what is compiled and linked, and that the bundle is complete and signed again after each
+# change of one of its parts.
 #   mac_configure_test.sh ROOT CMAKE
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
@@ -13,7 +14,8 @@ fail() {
     failed=1
 }
 
-# configure FOLDER OPTION...: as on a Mac, whose compiler and tools are not available here.
+# configure FOLDER OPTION...: runs CMake for macOS into FOLDER, with the stand-ins of mac_tools and
+# mac_packages.
 configure() {
     local folder=$1
     shift
@@ -31,9 +33,9 @@ configure() {
     }
 }
 
-# expect TEXT: somewhere among what would be run.
+# expect TEXT: fails unless the build files of the program contain TEXT.
 expect() {
-    grep -qF -e "$1" "$scratch/program/build.ninja" || fail "nothing would run: $1"
+    grep -qF -e "$1" "$scratch/program/build.ninja" || fail "missing in build.ninja: $1"
 }
 
 root=$1
@@ -49,7 +51,7 @@ for framework in AppKit ApplicationServices Carbon CoreFoundation CoreGraphics F
     UniformTypeIdentifiers; do
     expect "-framework $framework"
 done
-! grep -q -e xcb -e X11 -e x11 "$scratch/program/build.ninja" || fail "X11 is asked for"
+! grep -q -e xcb -e X11 -e x11 "$scratch/program/build.ninja" || fail "the build for macOS uses X11"
 for mine in main_macos mac_program; do
     expect "$root/src/program/$mine.cpp"
 done
@@ -57,7 +59,7 @@ for test in engine_test settings_ui_test sim_contract_test qt_test bundle_test; 
     grep -q "build $test:" "$scratch/tests/build.ninja" || fail "no $test on a Mac"
 done
 
-# build: leaves the calls of codesign in $scratch/signed.
+# build: builds the program; writes the arguments of each call of codesign to $scratch/signed.
 build() {
     : >"$scratch/signed"
     SIGNED=$scratch/signed PATH=$here/mac_tools:$PATH "$cmake" --build "$scratch/program" >"$scratch/log" 2>&1 || {
@@ -66,7 +68,8 @@ build() {
     }
 }
 
-# expect_bundle CHANGE: the bundle has been made of the present parts, and signed from the inside to the outside.
+# expect_bundle CHANGE: fails unless the bundle has the current parts, and the module was signed before the
+# bundle.
 expect_bundle() {
     cmp "$bundle/Contents/PlugIns/tessarel_url_loading.so" "$scratch/program/tessarel_url_loading.so" || fail "$1: old module"
     cmp "$bundle/Contents/Resources/Tessarel.icns" "$parts/Tessarel.icns" || fail "$1: old icon"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Every script of the project is one for the shell, and on a Mac, whose tools are played here, they set up what
-# they should.
+# Checks that every script parses, that the scripts call the right tools on macOS, and that script/bootstrap
+# waits for the lock of another package manager on Debian. Fakes stand in for the tools of both systems.
 #   scripts_test.sh ROOT
 set -euo pipefail
 cd "$1"
@@ -12,15 +12,15 @@ while IFS= read -r script; do
     bash -n "$script" || { echo "FAILED: $script does not parse"; failed=1; }
 done < <(find script tests -type f \( -name '*.sh' -o -path 'script/*' \))
 
-# A Mac's own shell is so old that it knows no lists by name.
+# macOS ships bash 3.2, without associative arrays, mapfile and the newer expansions.
 for script in script/bootstrap_macos script/run script/test; do
     ! grep -nE 'declare -A|mapfile|readarray|\+\+\}|,,\}|@Q\}' "$script" || {
-        echo "FAILED: $script is beyond the shell of a Mac"
+        echo "FAILED: $script uses what bash 3.2 does not support"
         failed=1
     }
 done
 
-# play NAME LINE...: a tool of a Mac's, which writes down how it was called.
+# play NAME LINE...: creates a fake tool that logs its arguments to $scratch/calls and then runs the lines.
 play() {
     printf '%s\n' '#!/bin/sh' "echo ${1} \"\$@\" >>$scratch/calls" "${@:2}" >"$scratch/bin/$1"
     chmod +x "$scratch/bin/$1"
@@ -33,20 +33,21 @@ play ctest
 play open
 play pkill 'exit 1'
 play sleep
-# brew_has PACKAGE...: what Homebrew has; only ninja is installed.
+# brew_has PACKAGE...: creates a fake brew that offers these packages and has only ninja installed.
 brew_has() {
     play brew "case \$1 in list) test \"\$3\" = ninja ;; --prefix) echo /opt/homebrew ;; info) echo \" $* \" | grep -q \" \$3 \" ;; esac"
 }
 brew_has qt
 
-# on_mac SCRIPT ARGUMENT...: what a Mac's tools are asked to do by it, but for looking around.
+# on_mac SCRIPT ARGUMENT...: runs the script with the fakes and prints their calls, without those that only
+# query.
 on_mac() {
     : >"$scratch/calls"
     PATH=$scratch/bin:$PATH "$@" >"$scratch/said" 2>&1 || return
     grep -v -e '^uname' -e '^xcode-select' -e '^brew list' -e '^brew --prefix' -e '^brew info' "$scratch/calls" || true
 }
 
-# expect WHAT EXPECTED GOT
+# expect WHAT EXPECTED GOT: fails unless the two texts are equal.
 expect() {
     [ "$2" = "$3" ] || { printf 'FAILED: %s:\n%s\ninstead of:\n%s\n' "$1" "$3" "$2"; failed=1; }
 }
@@ -77,9 +78,9 @@ cmake --build --preset debug
 ctest --preset debug -R engine" "$(on_mac script/test -R engine)"
 ! on_mac script/bootstrap demo >/dev/null || { echo "FAILED: there is no demo on a Mac"; failed=1; }
 play xcode-select 'exit 2'
-! on_mac script/bootstrap >/dev/null || { echo "FAILED: the compiler is not missed"; failed=1; }
+! on_mac script/bootstrap >/dev/null || { echo "FAILED: a missing compiler is accepted"; failed=1; }
 
-# On Debian and Ubuntu: the lock of another package manager is waited for, but not for ever.
+# On Debian and Ubuntu, script/bootstrap waits for the lock of another package manager, for a limited time.
 : >"$scratch/locks"
 play uname 'echo Linux'
 play id 'echo 0'
@@ -91,7 +92,7 @@ on_debian() {
     : >"$scratch/calls"
     PATH=$scratch/bin:$PATH "$@" >"$scratch/said" 2>&1
 }
-# times WHAT: how often it was called.
+# times WHAT: prints how many logged calls start with WHAT.
 times() { grep -c -e "^$1" "$scratch/calls" || true; }
 
 printf 'held\n%.0s' 1 2 3 >"$scratch/locks"
@@ -102,12 +103,12 @@ expect "says what it waits for and does" \
 bootstrap: installing 2 packages and what they need (12.3 MB/45.6 MB to download): clang-format clang-tidy" \
     "$(cat "$scratch/said")"
 printf 'held\n%.0s' {1..100} >"$scratch/locks"
-! on_debian script/bootstrap format || { echo "FAILED: a lock that stays is passed over"; failed=1; }
+! on_debian script/bootstrap format || { echo "FAILED: a lock that is never released is ignored"; failed=1; }
 expect "gives up after five minutes" "60 sleep 5, 0 installed" \
     "$(times 'sleep 5') sleep 5, $(times 'apt-get -q install') installed"
 : >"$scratch/locks"
 play apt-get "echo 'E: Unable to locate package' >&2; exit 100"
-! on_debian script/bootstrap format || { echo "FAILED: a package that is missing is passed over"; failed=1; }
-expect "does not wait for what is not there" "0" "$(times 'sleep')"
+! on_debian script/bootstrap format || { echo "FAILED: an unknown package is ignored"; failed=1; }
+expect "does not wait for an unknown package" "0" "$(times 'sleep')"
 
 exit "$failed"

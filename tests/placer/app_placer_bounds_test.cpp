@@ -7,7 +7,7 @@ class AppPlacerBoundsTest : public PlacerTest {
 protected:
     AppPlacerBoundsTest() { placer->start(); }
 
-    /// Whether a window that has been placed before is placed again when it is reported again.
+    /// Reports a window that was placed before once more and returns whether it is placed again.
     bool isPlacedAgain(sim::WindowId window) {
         desktop.drag(window, kStart);
         accessibility.reportCreated(window);
@@ -28,7 +28,7 @@ TEST_F(AppPlacerBoundsTest, FiveHundredAndOneWindowsAreRemembered) {
     EXPECT_FALSE(isPlacedAgain(first));
 }
 
-TEST_F(AppPlacerBoundsTest, OneMoreAndTheMemoryStartsAfresh) {
+TEST_F(AppPlacerBoundsTest, AfterFiveHundredAndOneWindowsTheMemoryIsCleared) {
     const auto first = openAndWait(editor);
     placeAndClose(501);
 
@@ -44,7 +44,7 @@ TEST_F(AppPlacerBoundsTest, SkippedWindowsAreNotRemembered) {
     EXPECT_FALSE(isPlacedAgain(first));
 }
 
-TEST_F(AppPlacerBoundsTest, TenThousandWindowsLeaveNothingBehind) {
+TEST_F(AppPlacerBoundsTest, TenThousandWindowsLeaveNoObserversOrTimersBehind) {
     for (int i = 0; i < 10'000; ++i) {
         const ProcessId pid = desktop.launch({.bundleIdentifier = "org.example.editor"});
         (void)open(pid);

@@ -10,7 +10,7 @@ class AppPlacerRefusalsTest : public PlacerTest {
 protected:
     AppPlacerRefusalsTest() { placer->start(); }
 
-    /// Whether a window opened now gets moved, at once or with what is under way.
+    /// Opens a window and returns whether it has been moved when the delay has passed.
     bool isPlaced(const sim::SimWindow& window = {.axFrame = kStart}) {
         return desktop.frame(openAndWait(editor, window)) != kStart;
     }
@@ -61,7 +61,7 @@ TEST_F(AppPlacerRefusalsTest, ADisabledZoneIsNotUsedAndStaysRemembered) {
     EXPECT_EQ(settings.appZones.at("org.example.editor"), 7);
 }
 
-TEST_F(AppPlacerRefusalsTest, ANumberThatNamesNoZoneIsNotUsedAndStaysRemembered) {
+TEST_F(AppPlacerRefusalsTest, AZoneNumberOutOfRangeIsNotUsedAndStaysRemembered) {
     using Limits = std::numeric_limits<std::int64_t>;
     for (const std::int64_t number : {std::int64_t{9}, std::int64_t{-1}, Limits::min(), Limits::max()}) {
         settings.appZones["org.example.editor"] = number;
@@ -71,7 +71,7 @@ TEST_F(AppPlacerRefusalsTest, ANumberThatNamesNoZoneIsNotUsedAndStaysRemembered)
     }
 }
 
-TEST_F(AppPlacerRefusalsTest, TheLastZoneIsOne) {
+TEST_F(AppPlacerRefusalsTest, TheLastZoneIsUsed) {
     settings.appZones["org.example.editor"] = 8;
     settings.zones[8] = kWhole;
 
@@ -107,7 +107,7 @@ TEST_F(AppPlacerRefusalsTest, AWindowWithoutASubroleIsPlaced) {
     EXPECT_TRUE(isPlaced({.axFrame = kStart, .subrole = {}}));
 }
 
-TEST_F(AppPlacerRefusalsTest, AWindowWhoseSubroleIsNoTextIsPlaced) {
+TEST_F(AppPlacerRefusalsTest, AWindowWhoseSubroleIsNotAStringIsPlaced) {
     EXPECT_TRUE(isPlaced({.axFrame = kStart, .overrides = {{"AXSubrole", 3.0}}}));
 }
 
@@ -138,7 +138,7 @@ TEST_F(AppPlacerRefusalsTest, AnUnreadableWindowMayBePlacedWhenReportedAgain) {
     EXPECT_EQ(desktop.frame(window), kRight);
 }
 
-TEST_F(AppPlacerRefusalsTest, AnApplicationThatDiesWhileBeingReadIsAbsorbed) {
+TEST_F(AppPlacerRefusalsTest, AnApplicationMayEndWhileItIsBeingRead) {
     for (int answered = 0; answered < 12; ++answered) {
         const ProcessId pid = desktop.launch({.bundleIdentifier = "org.example.editor"});
         (void)open(pid);
@@ -151,7 +151,7 @@ TEST_F(AppPlacerRefusalsTest, AnApplicationThatDiesWhileBeingReadIsAbsorbed) {
     EXPECT_EQ(accessibility.observers(), 1U);
 }
 
-/// A window that has been reported, and its moment that has not come.
+/// Fixture: a window that has been reported and whose delay has not passed yet.
 class AppPlacerDelayTest : public PlacerTest {
 protected:
     Rect frameInTheEnd() {
@@ -172,7 +172,7 @@ TEST_F(AppPlacerDelayTest, ForgettingTheApplicationCancelsThePlacement) {
     EXPECT_EQ(frameInTheEnd(), kStart);
 }
 
-TEST_F(AppPlacerDelayTest, RememberingNoMoreCancelsThePlacement) {
+TEST_F(AppPlacerDelayTest, TurningRememberingOffCancelsThePlacement) {
     settings.rememberApps = false;
     EXPECT_EQ(frameInTheEnd(), kStart);
 }
@@ -197,17 +197,17 @@ TEST_F(AppPlacerDelayTest, IgnoringTheApplicationCancelsThePlacement) {
     EXPECT_EQ(frameInTheEnd(), kStart);
 }
 
-TEST_F(AppPlacerDelayTest, FewerZonesThanTheRememberedOneCancelThePlacement) {
+TEST_F(AppPlacerDelayTest, RemovingTheRememberedZoneCancelsThePlacement) {
     settings.zones.resize(kRightZone);
     EXPECT_EQ(frameInTheEnd(), kStart);
 }
 
-TEST_F(AppPlacerDelayTest, AnotherShapeOfTheZoneIsUsed) {
+TEST_F(AppPlacerDelayTest, TheCurrentFrameOfTheZoneIsUsed) {
     settings.zones[kRightZone] = kWhole;
     EXPECT_EQ(frameInTheEnd(), kUsable);
 }
 
-TEST_F(AppPlacerDelayTest, TheWindowGoesToTheScreenThatItIsOnByThen) {
+TEST_F(AppPlacerDelayTest, TheWindowIsPlacedOnTheScreenThatItHasMovedTo) {
     desktop.drag(window, {600, 100, 400, 300});
     EXPECT_EQ(frameInTheEnd(), kPrimaryRight);
 }

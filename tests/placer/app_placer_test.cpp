@@ -8,7 +8,7 @@ protected:
     AppPlacerTest() { placer->start(); }
 };
 
-TEST_F(AppPlacerTest, ANewWindowGoesIntoTheZoneOfItsApplicationAfterAMoment) {
+TEST_F(AppPlacerTest, ANewWindowGoesIntoTheZoneOfItsApplicationAfterTheDelay) {
     const auto window = open(editor);
 
     desktop.advance(kWindowDelay - 1ms);
@@ -18,14 +18,14 @@ TEST_F(AppPlacerTest, ANewWindowGoesIntoTheZoneOfItsApplicationAfterAMoment) {
     EXPECT_EQ(desktop.frame(window), kRight);
 }
 
-TEST_F(AppPlacerTest, AWindowIsReadOnlyAfterItsMoment) {
+TEST_F(AppPlacerTest, AWindowIsReadOnlyAfterTheDelay) {
     (void)desktop.takeRequests();
     (void)open(editor);
 
     EXPECT_EQ(desktop.takeRequests(), Lines{});
 }
 
-TEST_F(AppPlacerTest, AWindowIsTestedAndReadAndThenPlaced) {
+TEST_F(AppPlacerTest, AWindowIsCheckedThenReadThenPlaced) {
     const auto window = open(editor);
     (void)desktop.takeRequests();
 
@@ -48,7 +48,7 @@ TEST_F(AppPlacerTest, TheZoneKeepsGapAndMargin) {
     EXPECT_EQ(desktop.frame(openAndWait(editor)), (Rect{-745, -567, 637, 804}));
 }
 
-TEST_F(AppPlacerTest, TheProgramInFrontStaysThere) {
+TEST_F(AppPlacerTest, TheFrontmostProgramStaysInFront) {
     const auto mail = desktop.openWindow("org.example.mail", kStart);
 
     (void)openAndWait(editor);
@@ -57,7 +57,7 @@ TEST_F(AppPlacerTest, TheProgramInFrontStaysThere) {
     EXPECT_EQ(desktop.frame(mail), kStart);
 }
 
-TEST_F(AppPlacerTest, AWindowThatRefusesToMoveIsNotTriedAgain) {
+TEST_F(AppPlacerTest, AWindowThatRefusesToMoveIsNotRetried) {
     desktop.application(editor).refusesPosition = true;
     const auto window = openAndWait(editor);
     desktop.application(editor).refusesPosition = false;
@@ -81,7 +81,7 @@ TEST_F(AppPlacerTest, AWindowStaysOnTheScreenWhereItOpened) {
     EXPECT_EQ(desktop.frame(window), kPrimaryRight);
 }
 
-TEST_F(AppPlacerTest, AWindowBesideAllScreensGoesToTheFirst) {
+TEST_F(AppPlacerTest, AWindowOutsideAllScreensGoesToTheFirst) {
     desktop.setMainScreen(screen);
 
     const auto window = openAndWait(editor, {.axFrame = {5000, 5000, 400, 300}});
@@ -131,7 +131,7 @@ TEST_F(AppPlacerTest, AWindowThatIsReportedTwiceIsPlacedOnce) {
     EXPECT_EQ(desktop.frame(window), kStart);
 }
 
-TEST_F(AppPlacerTest, AWindowIsPlacedOnceWhenItsLaunchReportsItToo) {
+TEST_F(AppPlacerTest, AWindowAlsoFoundAfterTheLaunchIsPlacedOnce) {
     const ProcessId again = desktop.launch({.bundleIdentifier = "org.example.editor"});
     const auto window = openAndWait(again);
     desktop.drag(window, kStart);
@@ -149,7 +149,7 @@ TEST_F(AppPlacerTest, TwoWindowsOpenedAtOnceShareTheZone) {
     EXPECT_EQ(desktop.frame(second), kRight);
 }
 
-TEST_F(AppPlacerTest, ASkippedWindowIsTriedAgainWhenItIsReportedAgain) {
+TEST_F(AppPlacerTest, ASkippedWindowIsRetriedWhenItIsReportedAgain) {
     const auto window = openAndWait(editor, {.axFrame = kStart, .minimized = true});
     desktop.window(window).minimized = false;
 
@@ -167,7 +167,7 @@ TEST_F(AppPlacerTest, AWindowThatHasClosedMeanwhileIsLeftAlone) {
     EXPECT_EQ(desktop.takeWrites(), Lines{});
 }
 
-TEST_F(AppPlacerTest, NothingIsPlacedOnceThePlacerHasGone) {
+TEST_F(AppPlacerTest, NothingIsPlacedOnceThePlacerIsDestroyed) {
     const auto window = open(editor);
     const ProcessId again = desktop.launch({.bundleIdentifier = "org.example.editor"});
     const auto existing = open(again);
@@ -180,7 +180,7 @@ TEST_F(AppPlacerTest, NothingIsPlacedOnceThePlacerHasGone) {
     EXPECT_EQ(accessibility.observers(), 0U);
 }
 
-/// An application that is not heard of opening its windows.
+/// Fixture: a launched application that refuses observers, with two windows.
 class AppPlacerLaunchTest : public AppPlacerTest {
 protected:
     const ProcessId pid =
@@ -198,7 +198,7 @@ TEST_F(AppPlacerLaunchTest, AllWindowsGoIntoTheZoneASecondAfterTheLaunch) {
     EXPECT_EQ(desktop.frame(second), kRight);
 }
 
-TEST_F(AppPlacerLaunchTest, WindowsArePlacedInTheOrderInWhichTheApplicationGivesThem) {
+TEST_F(AppPlacerLaunchTest, WindowsArePlacedInTheOrderOfTheApplicationsWindowList) {
     desktop.advance(kLaunchDelay);
 
     auto writes = desktop.takeWrites();
@@ -207,7 +207,7 @@ TEST_F(AppPlacerLaunchTest, WindowsArePlacedInTheOrderInWhichTheApplicationGives
                              "write " + name(second) + " AXPosition -750,-575"}));
 }
 
-TEST_F(AppPlacerLaunchTest, NobodyIsAskedBeforeThatMoment) {
+TEST_F(AppPlacerLaunchTest, NoRequestIsSentBeforeTheDelayHasPassed) {
     (void)desktop.takeRequests();
     desktop.advance(kLaunchDelay - 1ms);
 
@@ -224,7 +224,7 @@ TEST_F(AppPlacerLaunchTest, AProgramInTheBackgroundHasItsWindowsPlacedToo) {
     EXPECT_EQ(desktop.frame(window), kRight);
 }
 
-TEST_F(AppPlacerLaunchTest, PausingMeanwhileCancelsIt) {
+TEST_F(AppPlacerLaunchTest, PausingMeanwhileCancelsThePlacement) {
     runtime.paused = true;
 
     desktop.advance(kLaunchDelay);
@@ -232,7 +232,7 @@ TEST_F(AppPlacerLaunchTest, PausingMeanwhileCancelsIt) {
     EXPECT_EQ(desktop.takeWrites(), Lines{});
 }
 
-TEST_F(AppPlacerLaunchTest, ADialogAmongThemStaysWhereItIs) {
+TEST_F(AppPlacerLaunchTest, ADialogStaysWhereItIs) {
     desktop.window(second).subrole = "AXDialog";
 
     desktop.advance(kLaunchDelay);
@@ -241,7 +241,7 @@ TEST_F(AppPlacerLaunchTest, ADialogAmongThemStaysWhereItIs) {
     EXPECT_EQ(desktop.frame(second), kStart);
 }
 
-TEST_F(AppPlacerLaunchTest, TheZoneIsTheOneRememberedByThen) {
+TEST_F(AppPlacerLaunchTest, TheZoneRememberedAfterTheDelayIsUsed) {
     settings.appZones["org.example.editor"] = 0;
 
     desktop.advance(kLaunchDelay);
@@ -249,7 +249,7 @@ TEST_F(AppPlacerLaunchTest, TheZoneIsTheOneRememberedByThen) {
     EXPECT_EQ(desktop.frame(first), kLeft);
 }
 
-TEST_F(AppPlacerLaunchTest, ForgettingTheApplicationMeanwhileCancelsIt) {
+TEST_F(AppPlacerLaunchTest, ForgettingTheApplicationMeanwhileCancelsThePlacement) {
     settings.appZones.clear();
 
     desktop.advance(kLaunchDelay);

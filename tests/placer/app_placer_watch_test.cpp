@@ -12,14 +12,14 @@ using ::testing::Not;
 
 class AppPlacerWatchTest : public PlacerTest {};
 
-TEST_F(AppPlacerWatchTest, WhatRunsAlreadyIsWatchedFromTheStart) {
+TEST_F(AppPlacerWatchTest, RunningProgramsAreWatchedFromTheStart) {
     placer->start();
 
     EXPECT_EQ(accessibility.observers(), 1U);
     EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
 }
 
-TEST_F(AppPlacerWatchTest, WindowsThatWereThereBeforeAreLeftAlone) {
+TEST_F(AppPlacerWatchTest, ExistingWindowsAreLeftAlone) {
     const auto window = open(editor);
 
     placer->start();
@@ -28,7 +28,7 @@ TEST_F(AppPlacerWatchTest, WindowsThatWereThereBeforeAreLeftAlone) {
     EXPECT_EQ(desktop.frame(window), kStart);
 }
 
-TEST_F(AppPlacerWatchTest, WindowsThatAreThereWhenTheirProgramIsActivatedOrSettingsChangeAreLeftAlone) {
+TEST_F(AppPlacerWatchTest, ExistingWindowsAreLeftAloneOnActivationAndOnSettingsChanges) {
     const auto window = open(editor);
     placer->start();
 
@@ -67,10 +67,10 @@ TEST_F(AppPlacerWatchTest, ThisProgramIsNotWatched) {
 
     EXPECT_EQ(desktop.frame(openAndWait(sim::SimState::kOwnPid)), kStart);
     const std::string self = "application " + std::to_string(sim::SimState::kOwnPid);
-    EXPECT_THAT(desktop.takeRequests(), Not(Contains(HasSubstr(self)))) << "it is not even tried";
+    EXPECT_THAT(desktop.takeRequests(), Not(Contains(HasSubstr(self)))) << "no observer is requested";
 }
 
-TEST_F(AppPlacerWatchTest, AnApplicationIsWatchedOnceHoweverOftenItIsMet) {
+TEST_F(AppPlacerWatchTest, AnApplicationIsWatchedOnlyOnce) {
     placer->start();
 
     desktop.activate(editor);
@@ -82,7 +82,7 @@ TEST_F(AppPlacerWatchTest, AnApplicationIsWatchedOnceHoweverOftenItIsMet) {
     EXPECT_EQ(accessibility.observers(), 1U);
 }
 
-TEST_F(AppPlacerWatchTest, OnlyANeededWatchIsAskedFor) {
+TEST_F(AppPlacerWatchTest, NoObserverIsRequestedForAnApplicationThatIsWatchedAlready) {
     placer->start();
     EXPECT_THAT(desktop.takeRequests(), Contains("observe application " + std::to_string(editor)));
 
@@ -90,7 +90,7 @@ TEST_F(AppPlacerWatchTest, OnlyANeededWatchIsAskedFor) {
     EXPECT_THAT(desktop.takeRequests(), IsEmpty());
 }
 
-TEST_F(AppPlacerWatchTest, AnApplicationThatHangsHoldsUsUpForAQuarterOfASecond) {
+TEST_F(AppPlacerWatchTest, AnUnresponsiveApplicationDelaysTheStartByAQuarterOfASecond) {
     desktop.application(editor).answerTime = 10s;
     const auto before = desktop.clock().now();
 
@@ -100,7 +100,7 @@ TEST_F(AppPlacerWatchTest, AnApplicationThatHangsHoldsUsUpForAQuarterOfASecond) 
     EXPECT_EQ(accessibility.observers(), 0U);
 }
 
-TEST_F(AppPlacerWatchTest, AnApplicationThatRefusedIsTriedAgainWhenActivated) {
+TEST_F(AppPlacerWatchTest, AnApplicationThatRefusedTheObserverIsRetriedWhenActivated) {
     desktop.application(editor).refusesObservers = true;
     placer->start();
     desktop.application(editor).refusesObservers = false;
@@ -118,7 +118,7 @@ TEST_F(AppPlacerWatchTest, AWatchEndsWithItsApplication) {
     EXPECT_EQ(accessibility.observers(), 0U);
 }
 
-TEST_F(AppPlacerWatchTest, AProcessIdThatComesBackIsWatchedForTheNewProgram) {
+TEST_F(AppPlacerWatchTest, AReusedProcessIdIsWatchedForTheNewProgram) {
     placer->start();
     desktop.kill(editor);
     settings.appZones["org.example.mail"] = 0;
@@ -140,7 +140,7 @@ TEST_F(AppPlacerWatchTest, SeveralProcessesOfOneProgramAreAllWatched) {
     EXPECT_EQ(desktop.frame(openAndWait(second)), kRight);
 }
 
-/// A start without access to other programs.
+/// Fixture: the placer, started without access to other programs.
 class AppPlacerAccessTest : public PlacerTest {
 protected:
     AppPlacerAccessTest() {
@@ -151,13 +151,13 @@ protected:
     void grant() { desktop.trust().trusted = true; }
 };
 
-TEST_F(AppPlacerAccessTest, NobodyIsAskedForAnything) {
+TEST_F(AppPlacerAccessTest, WithoutAccessNoRequestIsSent) {
     (void)desktop.launch({.bundleIdentifier = "org.example.mail"});
 
     EXPECT_THAT(desktop.takeRequests(), IsEmpty());
 }
 
-TEST_F(AppPlacerAccessTest, OnceGrantedTheNextSettingsChangePicksUpAllThatRuns) {
+TEST_F(AppPlacerAccessTest, OnceGrantedTheNextSettingsChangeWatchesAllRunningPrograms) {
     const ProcessId launched = desktop.launch({.bundleIdentifier = "org.example.editor"});
     grant();
 
@@ -170,7 +170,7 @@ TEST_F(AppPlacerAccessTest, OnceGrantedTheNextSettingsChangePicksUpAllThatRuns) 
     EXPECT_EQ(desktop.frame(openAndWait(launched)), kRight);
 }
 
-TEST_F(AppPlacerAccessTest, OnceGrantedAnActivationPicksUpThatApplication) {
+TEST_F(AppPlacerAccessTest, OnceGrantedAnActivationWatchesThatApplication) {
     grant();
 
     desktop.activate(editor);
@@ -179,7 +179,7 @@ TEST_F(AppPlacerAccessTest, OnceGrantedAnActivationPicksUpThatApplication) {
     EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
 }
 
-TEST_F(AppPlacerAccessTest, OnceGrantedALaunchPicksUpThatApplication) {
+TEST_F(AppPlacerAccessTest, OnceGrantedALaunchWatchesThatApplication) {
     grant();
 
     const ProcessId launched = desktop.launch({.bundleIdentifier = "org.example.editor"});

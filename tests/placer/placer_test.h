@@ -11,10 +11,10 @@ namespace tessarel {
 
 using namespace std::chrono_literals;
 
-/// The placer, with the two halves of a screen as zones. The editor, and even this program, are remembered
-/// for the right one.
+/// Fixture: the placer, with the two halves of a screen as zones. The right half is remembered for the editor
+/// and for this program itself.
 ///
-/// Windows open behind all others: nobody is activated by that.
+/// Windows open behind all others, so that opening one does not activate its program.
 class PlacerTest : public EngineTest {
 protected:
     /// The right half of the primary display.
@@ -31,7 +31,7 @@ protected:
     }
 
     sim::WindowId open(ProcessId pid) { return desktop.openWindowBehind(pid, {.axFrame = kStart}); }
-    /// Opens a window and lets its moment pass.
+    /// Opens a window and lets the delay pass after which it is placed.
     sim::WindowId openAndWait(ProcessId pid, const sim::SimWindow& window = {.axFrame = kStart}) {
         const auto opened = desktop.openWindowBehind(pid, window);
         desktop.advance(kWindowDelay);

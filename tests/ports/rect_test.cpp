@@ -7,7 +7,7 @@
 namespace tessarel {
 namespace {
 
-TEST(RectTest, EdgesAreThoseOfTheSameAreaWithAPositiveSize) {
+TEST(RectTest, EdgesOfANegativeSizeAreNormalized) {
     const Rect reversed{100, 50, -30, -20};
 
     EXPECT_EQ(reversed.minX(), 70);
@@ -53,7 +53,7 @@ TEST(RectTest, IntersectionOfDisjointRectanglesIsNull) {
     EXPECT_TRUE(Rect::null().intersection(rect).isNull());
 }
 
-TEST(RectTest, TouchingRectanglesShareAnAreaOfNoExtent) {
+TEST(RectTest, TouchingRectanglesIntersectInARectangleOfZeroWidthOrHeight) {
     const Rect rect{0, 0, 100, 100};
 
     EXPECT_EQ(rect.intersection({100, 0, 50, 100}), (Rect{100, 0, 0, 100}));
@@ -71,12 +71,12 @@ TEST(RectTest, InsetMovesEveryEdge) {
     EXPECT_EQ((Rect{110, 100, -100, -80}.inset(5, 10)), (Rect{15, 30, 90, 60}));
 }
 
-TEST(RectTest, InsetBelowNothingIsNull) {
+TEST(RectTest, AnInsetToANegativeSizeIsNull) {
     const Rect rect{10, 20, 100, 80};
 
     EXPECT_TRUE(rect.inset(50.5, 0).isNull());
     EXPECT_TRUE(rect.inset(0, 40.5).isNull());
-    EXPECT_FALSE(rect.inset(50, 40).isNull()) << "nothing is left, but not less";
+    EXPECT_FALSE(rect.inset(50, 40).isNull()) << "a size of exactly zero is not null";
     EXPECT_TRUE(Rect::null().inset(-10, -10).isNull());
 }
 
@@ -89,7 +89,7 @@ TEST(RectTest, TheNullRectangleHasAnInfiniteOriginAndNoSize) {
     EXPECT_TRUE(null.isNull());
 }
 
-TEST(RectTest, OneInfiniteCoordinateOfTheOriginIsEnoughForNull) {
+TEST(RectTest, AnOriginWithOneCoordinateAtPositiveInfinityIsNull) {
     EXPECT_TRUE((Rect{HUGE_VAL, 0, 10, 10}.isNull()));
     EXPECT_TRUE((Rect{0, HUGE_VAL, 10, 10}.isNull()));
     EXPECT_FALSE((Rect{-HUGE_VAL, -HUGE_VAL, 10, 10}.isNull()));

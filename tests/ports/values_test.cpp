@@ -21,50 +21,50 @@
 namespace tessarel {
 namespace {
 
-TEST(ValuesTest, RectanglesPointsAndSizesAreAtTheOriginWithoutExtent) {
+TEST(ValuesTest, RectanglesPointsAndSizesAreZeroByDefault) {
     EXPECT_EQ(Point{}, (Point{0, 0}));
     EXPECT_EQ(Size{}, (Size{0, 0}));
     EXPECT_EQ(Rect{}, (Rect{0, 0, 0, 0}));
     EXPECT_EQ(Screen{}, (Screen{0, {0, 0, 0, 0}, {0, 0, 0, 0}}));
 }
 
-TEST(ValuesTest, KeysAreWithoutModifiers) {
+TEST(ValuesTest, KeysHaveNoModifiersByDefault) {
     EXPECT_EQ(HotKeyRequest{}, (HotKeyRequest{0, 0, {0, 0}}));
     EXPECT_EQ(KeyDown{}, (KeyDown{0, 0}));
 }
 
-TEST(ValuesTest, AnEventOfTheMouseIsAPressWithoutModifiers) {
+TEST(ValuesTest, AMouseEventIsALeftPressWithoutModifiersByDefault) {
     EXPECT_EQ(MouseEvent{}, (MouseEvent{MouseEventKind::LeftDown, {0, 0}, 0}));
 }
 
-TEST(ValuesTest, ModifiersHaveTheSystemsBits) {
+TEST(ValuesTest, ModifierFlagsHaveTheBitsOfAppKit) {
     EXPECT_EQ(kShiftFlag, 0x20000U);
     EXPECT_EQ(kControlFlag, 0x40000U);
     EXPECT_EQ(kOptionFlag, 0x80000U);
     EXPECT_EQ(kCommandFlag, 0x100000U);
 }
 
-TEST(ValuesTest, AFigureOfTheOverlayIsNotSeen) {
+TEST(ValuesTest, AnOverlayFigureIsInvisibleByDefault) {
     EXPECT_EQ(OverlayLabel{}, (OverlayLabel{"", {0, 0}, 0, 0, 0}));
     EXPECT_EQ(OverlayFigure{}, (OverlayFigure{{}, {}, 0, 0, 0, 0, OverlayLabel{}, false}));
 }
 
-TEST(ValuesTest, ARowOfAMenuCanBeChosenAndDoesNothing) {
+TEST(ValuesTest, AMenuItemIsEnabledAndHasNoCommandByDefault) {
     EXPECT_EQ(MenuItem{}, (MenuItem{"", MenuCommand::None, 0, true, false, false, "", {}}));
     EXPECT_EQ(MenuItem::separator(), (MenuItem{"", MenuCommand::None, 0, true, false, true, "", {}}));
-    EXPECT_EQ(MainMenuItem{}, (MainMenuItem{"", "", 0, false})) << "a separator, without a key";
+    EXPECT_EQ(MainMenuItem{}, (MainMenuItem{"", "", 0, false})) << "a separator without a key equivalent";
 }
 
-TEST(ValuesTest, AnApplicationIsOneThatAUserWorksIn) {
+TEST(ValuesTest, ARunningApplicationIsRegularByDefault) {
     EXPECT_EQ(RunningApplication{}, (RunningApplication{0, std::nullopt, true}));
 }
 
-TEST(ValuesTest, ARequestWaitsForNothingAndAResponseHasNoStatus) {
+TEST(ValuesTest, UrlRequestsAndResponsesAreZeroByDefault) {
     EXPECT_EQ(UrlRequest{}, (UrlRequest{"", "", std::chrono::milliseconds(0), 0}));
     EXPECT_EQ(UrlResponse{}, (UrlResponse{0, std::nullopt}));
 }
 
-TEST(ValuesTest, TheStatusOfTheLoginItemHasTheSystemsNumbers) {
+TEST(ValuesTest, LoginItemStatusHasTheValuesOfSMAppService) {
     using Status = LoginItemPort::Status;
 
     EXPECT_EQ(static_cast<int>(Status::NotRegistered), 0);
@@ -73,7 +73,7 @@ TEST(ValuesTest, TheStatusOfTheLoginItemHasTheSystemsNumbers) {
     EXPECT_EQ(static_cast<int>(Status::NotFound), 3);
 }
 
-TEST(ValuesTest, WorkForTheNextTurnIsHandedOverWithoutADelay) {
+TEST(ValuesTest, AsyncPassesWorkOnWithZeroDelay) {
     struct Queue : MainQueuePort {
         TimePoint now() override { return {}; }
         void asyncAfter(Duration delay, std::function<void()> work) override {

@@ -27,10 +27,11 @@ MATCHER_P(IsOneLineOf, start, "is one line that starts with \"" + std::string(st
 constexpr Combination kFirstHotKey{key::kDigit1, kControlAlt};
 constexpr Combination kLastHotKey{key::kA, kControlAlt};
 
-/// The program from its start to its end, on an X server of its own.
+/// Fixture: runs the whole program on an X server of its own.
 class ProgramTest : public testing::Test {
 protected:
-    /// Starts the program as a user does, with some variables changed.
+    /// Starts the program as a user does, with the arguments `options` and with the environment variables in
+    /// `changed` replaced.
     [[nodiscard]] ChildProcess start(const Environment& changed = {},
                                      const std::vector<std::string>& options = {}) {
         Environment environment = server.environment();
@@ -47,7 +48,8 @@ protected:
                program.running();
     }
 
-    /// Waits until the program shows a window; without a window manager nobody else does.
+    /// Waits for a visible window and returns whether one appears in time. Without a window manager only the
+    /// program opens one.
     [[nodiscard]] bool showsAnAlert() {
         xcb_connection_t* const x = observer.x().get();
         return observer.waitUntil([&] {
@@ -66,7 +68,7 @@ protected:
     Keyboard keyboard{server, observer};
 };
 
-/// With a window manager, so that nothing is missing.
+/// Fixture: with a window manager, so that the program has nothing to warn about.
 class ManagedProgramTest : public ProgramTest {
 protected:
     WindowManager manager{server, WindowManagerKind::Openbox};
@@ -74,7 +76,7 @@ protected:
 
 class ProgramSignalTest : public ManagedProgramTest, public testing::WithParamInterface<int> {};
 
-TEST_P(ProgramSignalTest, EndsItCleanlyAndFreesTheHotKeys) {
+TEST_P(ProgramSignalTest, EndsTheProgramCleanlyAndReleasesTheHotKeys) {
     const std::string document = R"({"gap": 8, "unknown": true})";
     writeSettings(server, document);
     ChildProcess program = start();
@@ -102,7 +104,7 @@ TEST_F(ManagedProgramTest, ASecondCopyEndsAtOnceAndLeavesTheFirstAlone) {
     EXPECT_TRUE(keyboard.held(kFirstHotKey));
 }
 
-TEST_F(ManagedProgramTest, ACopyThatWasKilledDoesNotStandInTheWay) {
+TEST_F(ManagedProgramTest, AKilledCopyDoesNotBlockTheNextOne) {
     ChildProcess killed = start();
     ASSERT_TRUE(becomesReady(killed));
     killed.kill();
@@ -112,7 +114,7 @@ TEST_F(ManagedProgramTest, ACopyThatWasKilledDoesNotStandInTheWay) {
     EXPECT_TRUE(becomesReady(next));
 }
 
-TEST_F(ManagedProgramTest, ReadsNoOptions) {
+TEST_F(ManagedProgramTest, IgnoresCommandLineOptions) {
     ChildProcess program = start({}, {"-platform", "offscreen", "--help", "-display", ":4711"});
 
     EXPECT_TRUE(becomesReady(program));
@@ -121,7 +123,7 @@ TEST_F(ManagedProgramTest, ReadsNoOptions) {
     EXPECT_EQ(program.errors(), "");
 }
 
-TEST_F(ManagedProgramTest, RunsOnXWhateverTheSessionWantsOfQt) {
+TEST_F(ManagedProgramTest, RunsOnX11WhateverQtPlatformTheEnvironmentNames) {
     ChildProcess program = start({{"QT_QPA_PLATFORM", "offscreen"}, {"QT_QPA_PLATFORMTHEME", "none"}});
 
     EXPECT_TRUE(becomesReady(program));
@@ -129,7 +131,7 @@ TEST_F(ManagedProgramTest, RunsOnXWhateverTheSessionWantsOfQt) {
     EXPECT_EQ(program.waitForExit(), 0);
 }
 
-TEST_F(ManagedProgramTest, AWaylandSessionIsToldInOneLine) {
+TEST_F(ManagedProgramTest, AWaylandSessionIsReportedInOneLine) {
     ChildProcess program = start({{"XDG_SESSION_TYPE", "wayland"}});
     ASSERT_TRUE(becomesReady(program));
 
@@ -139,10 +141,10 @@ TEST_F(ManagedProgramTest, AWaylandSessionIsToldInOneLine) {
     EXPECT_THAT(program.errors(), IsOneLineOf("tessarel: this is a Wayland session"));
 }
 
-TEST_F(ProgramTest, TheEndOfTheServerEndsTheRunningProgramWithOneLine) {
+TEST_F(ProgramTest, LosingTheXServerEndsTheProgramWithOneLine) {
     ChildProcess program = start();
     ASSERT_TRUE(becomesReady(program));
-    ASSERT_TRUE(showsAnAlert()); // hence it runs
+    ASSERT_TRUE(showsAnAlert()); // so its event loop runs
 
     server.kill();
 
@@ -150,7 +152,7 @@ TEST_F(ProgramTest, TheEndOfTheServerEndsTheRunningProgramWithOneLine) {
     EXPECT_EQ(program.errors(), "tessarel: lost the connection to the X display\n");
 }
 
-TEST_F(ProgramTest, AnAlertThatStandsDoesNotKeepItFromEnding) {
+TEST_F(ProgramTest, AnOpenAlertDoesNotPreventTermination) {
     ChildProcess program = start();
     ASSERT_TRUE(becomesReady(program));
     ASSERT_TRUE(showsAnAlert());
@@ -161,7 +163,7 @@ TEST_F(ProgramTest, AnAlertThatStandsDoesNotKeepItFromEnding) {
     EXPECT_TRUE(keyboard.waitUntilNotHeld(kFirstHotKey));
 }
 
-TEST_F(ProgramTest, ADisplayThatDoesNotAnswerIsToldInOneLine) {
+TEST_F(ProgramTest, AnUnreachableDisplayIsReportedInOneLine) {
     ChildProcess program = start({{"DISPLAY", ":4711"}});
 
     EXPECT_EQ(program.waitForExit(), 1);
@@ -169,7 +171,7 @@ TEST_F(ProgramTest, ADisplayThatDoesNotAnswerIsToldInOneLine) {
     EXPECT_THAT(program.errors(), HasSubstr(":4711"));
 }
 
-TEST_F(ProgramTest, AMissingDisplayIsToldInOneLine) {
+TEST_F(ProgramTest, AMissingDisplayIsReportedInOneLine) {
     ChildProcess program = start({{"DISPLAY", ""}});
 
     EXPECT_EQ(program.waitForExit(), 1);

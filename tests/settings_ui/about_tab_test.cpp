@@ -22,7 +22,7 @@ protected:
     AboutTab tab{context};
 };
 
-TEST_F(AboutTabTest, EverythingStandsInItsPlaceInItsSizeAndColour) {
+TEST_F(AboutTabTest, EveryControlHasItsFrameTextAndStyle) {
     EXPECT_EQ(looks(*tab.view()),
               "16 14 400x34 label 26 bold: Tessarel\n"
               "16 52 300x18 label 13 secondary: Version " +
@@ -38,22 +38,22 @@ TEST_F(AboutTabTest, EverythingStandsInItsPlaceInItsSizeAndColour) {
                   "this Mac.\n");
 }
 
-TEST_F(AboutTabTest, TellsTheNameInLargeLetters) {
+TEST_F(AboutTabTest, ShowsTheNameInLargeLetters) {
     const QLabel& name = label({16, 14, 400, 34});
 
     EXPECT_EQ(name.text(), "Tessarel");
-    EXPECT_GE(name.font().pixelSize(), 24); // 26, unless the user's font is a tall one
+    EXPECT_GE(name.font().pixelSize(), 24); // 26, or less when the user's font is too tall
 }
 
-TEST_F(AboutTabTest, TellsTheVersion) {
+TEST_F(AboutTabTest, ShowsTheVersion) {
     EXPECT_EQ(label({16, 52, 300, 18}).text().toStdString(), "Version " + std::string(Config::version));
 }
 
-TEST_F(AboutTabTest, TellsWhatTheProgramIsFor) {
+TEST_F(AboutTabTest, ShowsThePurposeOfTheProgram) {
     EXPECT_EQ(label({16, 82, 600, 22}).text(), "Snap windows into layouts you design.");
 }
 
-TEST_F(AboutTabTest, PromisesPrivacy) {
+TEST_F(AboutTabTest, ShowsThePrivacyStatement) {
     EXPECT_EQ(label({16, 176, 200, 20}).text(), "Privacy");
     EXPECT_EQ(
         label({16, 202, 740, 60}).text(),
@@ -61,7 +61,7 @@ TEST_F(AboutTabTest, PromisesPrivacy) {
         "new versions. Your layouts and settings stay on this Mac.");
 }
 
-TEST_F(AboutTabTest, CallsTheComputerWhatItIs) {
+TEST_F(AboutTabTest, UsesTheSystemsWordForTheComputer) {
     PlatformWords words;
     words.thisComputer = "this computer";
     const Ports here = simPorts(desktop, copy, words);
@@ -70,13 +70,13 @@ TEST_F(AboutTabTest, CallsTheComputerWhatItIs) {
     EXPECT_TRUE(at<QLabel>(*elsewhere.view(), {16, 202, 740, 60}).text().endsWith("stay on this computer."));
 }
 
-TEST_F(AboutTabTest, TheWebsiteIsOpened) {
+TEST_F(AboutTabTest, TheWebsiteButtonOpensTheWebsite) {
     button({16, 120, 110, 28}).click();
 
     EXPECT_EQ(desktop.openUrl().opened, std::vector<std::string>{std::string(Config::websiteURL)});
 }
 
-TEST_F(AboutTabTest, AMailToSupportNamesTheProgramAndItsVersion) {
+TEST_F(AboutTabTest, TheSupportButtonOpensAMailThatNamesTheProgramAndItsVersion) {
     button({134, 120, 120, 28}).click();
 
     const std::string expected =
@@ -84,7 +84,7 @@ TEST_F(AboutTabTest, AMailToSupportNamesTheProgramAndItsVersion) {
     EXPECT_EQ(desktop.openUrl().opened, std::vector<std::string>{expected});
 }
 
-TEST_F(AboutTabTest, TheLookForUpdatesAlwaysAnswers) {
+TEST_F(AboutTabTest, TheUpdateButtonAlwaysShowsTheResult) {
     button({262, 120, 150, 28}).click();
     ASSERT_EQ(desktop.urlLoading().requests.size(), 1U);
 
@@ -94,7 +94,7 @@ TEST_F(AboutTabTest, TheLookForUpdatesAlwaysAnswers) {
     EXPECT_EQ(desktop.alerts().shown[0].messageText, "Could not check for updates");
 }
 
-TEST_F(AboutTabTest, TheButtonsSayWhatTheyDo) {
+TEST_F(AboutTabTest, TheButtonsHaveTheirTitles) {
     EXPECT_EQ(button({16, 120, 110, 28}).text(), "Website");
     EXPECT_EQ(button({134, 120, 120, 28}).text(), "Email support");
     EXPECT_EQ(button({262, 120, 150, 28}).text(), "Check for updates");

@@ -21,7 +21,7 @@ protected:
         return QFontMetrics(systemFont(size)).horizontalAdvance(text);
     }
 
-    /// A label just wide enough for the text in `size` pixels.
+    /// Returns a label just wide enough for the text in a font of `size` pixels.
     QLabel& labelFor(int size) { return *makeLabel(view, kText, {0, 0, widthOf(kText, size) + 1, 20}); }
 
     FlippedView view;
@@ -81,12 +81,12 @@ TEST_F(FittedTextTest, ATextThatIsTooWideInElevenPixelsEndsInAnEllipsis) {
 
 TEST_F(FittedTextTest, AsMuchOfATextAsPossibleIsShown) {
     const QLabel& label = labelFor(8);
-    const auto shown = label.text().size() - 1; // no space before the ellipsis, so that one may be missing
+    const auto shown = label.text().size() - 1; // may lack one: a space before the ellipsis is dropped
 
     EXPECT_GT(widthOf(kText.first(shown + 2) + kEllipsis, 11), label.width());
 }
 
-TEST_F(FittedTextTest, ATextThatIsTooHighIsSetSmaller) {
+TEST_F(FittedTextTest, ATextThatIsTooTallIsSetSmaller) {
     const int height = QFontMetrics(systemFont(24)).height();
 
     const QLabel& label = *makeLabel(view, "Tessarel", {0, 0, 400, height}, {.size = 26});
@@ -131,7 +131,7 @@ TEST_F(FittedTextTest, AButtonsTitleStaysInsideItsFrame) {
     EXPECT_EQ(button.text(), "Clear");
 }
 
-TEST_F(FittedTextTest, ATooltipShowsMarkupAsItStands) {
+TEST_F(FittedTextTest, ATooltipShowsMarkupLiterally) {
     const QString title = "<b>" + kText + "</b>";
 
     const QLabel& label = *makeLabel(view, title, {0, 0, 40, 20});
@@ -139,7 +139,7 @@ TEST_F(FittedTextTest, ATooltipShowsMarkupAsItStands) {
     EXPECT_EQ(label.toolTip(), Qt::convertFromPlainText(title, Qt::WhiteSpaceNormal));
 }
 
-TEST_F(FittedTextTest, ALetterOfTwoUnitsIsNotCutInHalf) {
+TEST_F(FittedTextTest, ASurrogatePairIsNotSplit) {
     const QString title = QString("\U0001F5D4").repeated(40);
 
     for (int width = 20; width < 60; ++width) {
@@ -148,7 +148,7 @@ TEST_F(FittedTextTest, ALetterOfTwoUnitsIsNotCutInHalf) {
     }
 }
 
-TEST_F(FittedTextTest, AControlIsCalledByItsWholeText) {
+TEST_F(FittedTextTest, TheAccessibleNameIsTheWholeText) {
     EXPECT_EQ(labelFor(8).accessibleName(), kText);
 }
 

@@ -14,7 +14,7 @@ using Identifiers = std::vector<std::string>;
 constexpr const char* kEditor = "org.example.editor";
 constexpr const char* kViewer = "org.example.viewer";
 
-/// Lists of applications: those to leave alone and those whose zone is remembered.
+/// Tests the lists of ignored applications and of applications whose zone is remembered.
 class GeneralTabAppsTest : public GeneralTabTest {
 protected:
     void ignore(const Identifiers& applications) {
@@ -43,7 +43,7 @@ TEST_F(GeneralTabAppsTest, ListsTheIgnoredApplicationsByNameAndIdentifier) {
     EXPECT_EQ(rows(), (Identifiers{"Editor  (org.example.editor)", "org.example.viewer"}));
 }
 
-TEST_F(GeneralTabAppsTest, ANameIsShownWithoutWhatABundleIsCalledBy) {
+TEST_F(GeneralTabAppsTest, ANameIsShownWithoutTheExtensionOfBundles) {
     desktop.install(kEditor, "My.app Editor.app");
 
     ignore({kEditor});
@@ -51,7 +51,7 @@ TEST_F(GeneralTabAppsTest, ANameIsShownWithoutWhatABundleIsCalledBy) {
     EXPECT_EQ(rows(), (Identifiers{"My Editor  (org.example.editor)"}));
 }
 
-TEST_F(GeneralTabAppsTest, LongRowsAreCutInTheMiddleAndNotScrolledSideways) {
+TEST_F(GeneralTabAppsTest, LongRowsAreElidedInTheMiddle) {
     ignore({kEditor});
 
     EXPECT_EQ(table.item(0)->sizeHint().height(), 22);
@@ -69,13 +69,13 @@ TEST_F(GeneralTabAppsTest, AfterARemovalTheNextApplicationIsSelected) {
     EXPECT_EQ(table.currentRow(), -1) << "nothing follows the last one";
 }
 
-TEST_F(GeneralTabAppsTest, AddingAsksForAnApplicationToIgnore) {
+TEST_F(GeneralTabAppsTest, AddingOpensAPanelToChooseAnApplication) {
     add(std::nullopt);
 
     EXPECT_EQ(desktop.openPanel().prompts, (Identifiers{"Ignore"}));
 }
 
-TEST_F(GeneralTabAppsTest, AnAddedApplicationIsLastAndSavedAndNobodyIsTold) {
+TEST_F(GeneralTabAppsTest, AnAddedApplicationIsAppendedAndSavedWithoutANotification) {
     ignore({kViewer});
 
     add(kEditor);
@@ -86,7 +86,7 @@ TEST_F(GeneralTabAppsTest, AnAddedApplicationIsLastAndSavedAndNobodyIsTold) {
     EXPECT_EQ(announcements, 0);
 }
 
-TEST_F(GeneralTabAppsTest, ChoosingNothingChangesNothing) {
+TEST_F(GeneralTabAppsTest, CancellingThePanelChangesNothing) {
     add(std::nullopt);
 
     EXPECT_TRUE(settings.ignoredApps.empty());
@@ -94,7 +94,7 @@ TEST_F(GeneralTabAppsTest, ChoosingNothingChangesNothing) {
     EXPECT_TRUE(desktop.alerts().shown.empty());
 }
 
-TEST_F(GeneralTabAppsTest, AnApplicationThatIsIgnoredAlreadyChangesNothing) {
+TEST_F(GeneralTabAppsTest, AddingAnIgnoredApplicationAgainChangesNothing) {
     ignore({kEditor});
 
     add(kEditor);
@@ -104,7 +104,7 @@ TEST_F(GeneralTabAppsTest, AnApplicationThatIsIgnoredAlreadyChangesNothing) {
     EXPECT_TRUE(desktop.alerts().shown.empty());
 }
 
-TEST_F(GeneralTabAppsTest, RemovingTakesTheSelectedApplicationOffTheList) {
+TEST_F(GeneralTabAppsTest, RemovingDeletesTheSelectedApplicationFromTheList) {
     ignore({kEditor, kViewer});
     table.setCurrentRow(0);
 
@@ -125,7 +125,7 @@ TEST_F(GeneralTabAppsTest, RemovingWithoutASelectionDoesNothing) {
     EXPECT_EQ(saved(), std::nullopt);
 }
 
-TEST_F(GeneralTabAppsTest, ARowThatOnlyHasTheKeyboardIsNotRemoved) {
+TEST_F(GeneralTabAppsTest, AFocusedRowThatIsNotSelectedIsNotRemoved) {
     ignore({kEditor});
     table.setCurrentRow(0, QItemSelectionModel::NoUpdate);
 
@@ -144,7 +144,7 @@ TEST_F(GeneralTabAppsTest, AnApplicationThatIsNoLongerInstalledCanBeRemoved) {
     EXPECT_TRUE(settings.ignoredApps.empty());
 }
 
-TEST_F(GeneralTabAppsTest, ARowThatHasGoneMeanwhileIsNotRemoved) {
+TEST_F(GeneralTabAppsTest, ARowRemovedMeanwhileIsNotRemovedAgain) {
     ignore({kEditor, kViewer});
     table.setCurrentRow(1);
     settings.ignoredApps.pop_back();
@@ -164,7 +164,7 @@ TEST_F(GeneralTabAppsTest, ARefreshKeepsTheSelection) {
     EXPECT_TRUE(table.item(1)->isSelected());
 }
 
-TEST_F(GeneralTabAppsTest, TheRememberBoxChangesAndSavesButForgetsNothing) {
+TEST_F(GeneralTabAppsTest, TheRememberBoxIsSavedAndForgetsNothing) {
     settings.appZones[kEditor] = 2;
 
     toggle(rememberBox);
@@ -175,12 +175,12 @@ TEST_F(GeneralTabAppsTest, TheRememberBoxChangesAndSavesButForgetsNothing) {
     EXPECT_EQ(announcements, 0);
 }
 
-TEST_F(GeneralTabAppsTest, WithNothingRememberedThereIsNothingToForget) {
+TEST_F(GeneralTabAppsTest, WithNothingRememberedTheForgetButtonIsDisabled) {
     EXPECT_EQ(fullText(forgetButton), "Forget remembered apps (0)");
     EXPECT_FALSE(forgetButton.isEnabled());
 }
 
-TEST_F(GeneralTabAppsTest, TheForgetButtonTellsHowManyAreRemembered) {
+TEST_F(GeneralTabAppsTest, TheForgetButtonShowsHowManyAreRemembered) {
     settings.appZones = {{kEditor, 0}, {kViewer, 8}};
 
     tab.refresh();
@@ -189,7 +189,7 @@ TEST_F(GeneralTabAppsTest, TheForgetButtonTellsHowManyAreRemembered) {
     EXPECT_TRUE(forgetButton.isEnabled());
 }
 
-TEST_F(GeneralTabAppsTest, ForgettingAsksNobodyAndIsSaved) {
+TEST_F(GeneralTabAppsTest, ForgettingNeedsNoConfirmationAndIsSaved) {
     settings.appZones = {{kEditor, 0}};
     tab.refresh();
 

@@ -13,14 +13,14 @@
 
 namespace tessarel {
 
-/// The controls of the tab, found by where they stand.
+/// Fixture: the General tab and its controls, found by their frames.
 class GeneralTabTest : public SettingsUiTest {
 protected:
     GeneralTabTest() { tab.refresh(); }
 
     QLabel& label(const QRect& frame) { return at<QLabel>(*tab.view(), frame); }
     static void toggle(QCheckBox& box) { QTest::mouseClick(&box, Qt::LeftButton, {}, {8, 10}); }
-    /// Moves a slider as the user does with the keyboard.
+    /// Presses and releases a key on the control.
     static void press(QWidget& control, Qt::Key key) { QTest::keyClick(&control, key); }
 
     GeneralTab tab{context};

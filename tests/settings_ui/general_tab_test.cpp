@@ -10,7 +10,7 @@
 namespace tessarel {
 namespace {
 
-TEST_F(GeneralTabTest, EverythingStandsInItsPlaceInItsSizeAndColour) {
+TEST_F(GeneralTabTest, EveryControlHasItsFrameTextAndStyle) {
     EXPECT_EQ(looks(*tab.view()),
               "16 14 320x20 box 13: Launch Tessarel at login\n"
               "16 50 200x20 label 14 bold: Spacing\n"
@@ -44,7 +44,7 @@ TEST_F(GeneralTabTest, EverythingStandsInItsPlaceInItsSizeAndColour) {
               "snapped that app to.\n");
 }
 
-TEST_F(GeneralTabTest, BeforeItIsRefreshedItShowsDefaultsAndNoPermission) {
+TEST_F(GeneralTabTest, BeforeTheFirstRefreshItShowsDefaultsAndNoPermission) {
     GeneralTab fresh(context);
 
     EXPECT_EQ(fresh.view()->size(), kTabSize);
@@ -53,7 +53,7 @@ TEST_F(GeneralTabTest, BeforeItIsRefreshedItShowsDefaultsAndNoPermission) {
     EXPECT_EQ(fullText(at<QPushButton>(*fresh.view(), {470, 402, 200, 28})), "Forget remembered apps");
 }
 
-TEST_F(GeneralTabTest, NothingIsWrittenByShowingSettings) {
+TEST_F(GeneralTabTest, ShowingSettingsWritesNothing) {
     settings.gap = 8;
     settings.dragTrigger = "always";
 
@@ -62,7 +62,7 @@ TEST_F(GeneralTabTest, NothingIsWrittenByShowingSettings) {
     EXPECT_EQ(saved(), std::nullopt);
 }
 
-TEST_F(GeneralTabTest, TheLoginBoxShowsWhatTheSystemSays) {
+TEST_F(GeneralTabTest, TheLoginBoxShowsTheStateOfTheSystem) {
     EXPECT_FALSE(loginBox.isChecked());
 
     desktop.loginItem().currentStatus = LoginItemPort::Status::Enabled;
@@ -80,7 +80,7 @@ TEST_F(GeneralTabTest, TheLoginBoxTurnsTheLoginItemOnAndOff) {
     EXPECT_TRUE(desktop.alerts().shown.empty());
 }
 
-TEST_F(GeneralTabTest, ALoginItemThatCannotBeChangedIsToldAndTheBoxShowsTheTruth) {
+TEST_F(GeneralTabTest, ALoginItemThatCannotBeChangedIsReportedAndTheBoxReverts) {
     desktop.loginItem().failure = "The folder cannot be written to.";
     bool wasChecked = false;
     int activations = 0;
@@ -94,8 +94,8 @@ TEST_F(GeneralTabTest, ALoginItemThatCannotBeChangedIsToldAndTheBoxShowsTheTruth
     EXPECT_EQ(desktop.alerts().shown,
               (std::vector<Alert>{
                   {"Could not change the login item", "The folder cannot be written to.", {"OK"}}}));
-    EXPECT_EQ(activations, 1) << "in front before it says anything";
-    EXPECT_TRUE(wasChecked) << "only afterwards the box goes back";
+    EXPECT_EQ(activations, 1) << "the program is in front before the message opens";
+    EXPECT_TRUE(wasChecked) << "the box reverts only afterwards";
     EXPECT_FALSE(loginBox.isChecked());
 }
 
@@ -118,7 +118,7 @@ TEST_F(GeneralTabTest, TheSlidersHaveTheirRanges) {
     EXPECT_EQ(marginSlider.maximum(), 60);
 }
 
-TEST_F(GeneralTabTest, AReadoutLeavesFractionsOut) {
+TEST_F(GeneralTabTest, AReadoutTruncatesFractions) {
     settings.gap = 12.9;
     settings.margin = -0.5;
 
@@ -128,7 +128,7 @@ TEST_F(GeneralTabTest, AReadoutLeavesFractionsOut) {
     EXPECT_EQ(marginLabel.text(), "0 px");
 }
 
-TEST_F(GeneralTabTest, ValuesBeyondASliderAreStillRead) {
+TEST_F(GeneralTabTest, ValuesBeyondTheRangeOfASliderAreStillShown) {
     settings.gap = 1e20;
 
     tab.refresh();
@@ -137,7 +137,7 @@ TEST_F(GeneralTabTest, ValuesBeyondASliderAreStillRead) {
     EXPECT_EQ(fullText(gapLabel), "100000000000000000000 px");
 }
 
-TEST_F(GeneralTabTest, ValuesFarBelowZeroAreStillRead) {
+TEST_F(GeneralTabTest, ValuesFarBelowZeroAreStillShown) {
     settings.margin = -1e20;
 
     tab.refresh();
@@ -154,7 +154,7 @@ TEST_F(GeneralTabTest, PageKeysMoveASliderByFive) {
     EXPECT_EQ(settings.margin, 5);
 }
 
-TEST_F(GeneralTabTest, MovingASliderChangesAndSavesBothAtOnceAndTellsNobody) {
+TEST_F(GeneralTabTest, MovingASliderSavesAtOnceWithoutANotification) {
     press(gapSlider, Qt::Key_Right);
     press(marginSlider, Qt::Key_End);
 
@@ -166,7 +166,7 @@ TEST_F(GeneralTabTest, MovingASliderChangesAndSavesBothAtOnceAndTellsNobody) {
     EXPECT_EQ(announcements, 0);
 }
 
-TEST_F(GeneralTabTest, ASliderStandsOnWholePointsAHalfUp) {
+TEST_F(GeneralTabTest, ASliderRoundsToWholePointsHalvesUp) {
     for (const auto& [shown, stored] : {std::pair(12.5, 13), std::pair(12.4, 12)}) {
         settings.gap = shown;
         tab.refresh();
@@ -210,7 +210,7 @@ TEST_F(GeneralTabTest, ATriggerThatIsNotOfferedLeavesTheSelectionAlone) {
     }
 }
 
-TEST_F(GeneralTabTest, ChoosingATriggerSavesItAndTellsNobody) {
+TEST_F(GeneralTabTest, ChoosingATriggerSavesItWithoutANotification) {
     press(triggerPopup, Qt::Key_Down);
 
     EXPECT_EQ(settings.dragTrigger, "control");
@@ -235,7 +235,7 @@ TEST_F(GeneralTabTest, WithoutDragSnappingItsOptionsAreDisabledButKeepTheirValue
     EXPECT_TRUE(edgeBox.isChecked());
 }
 
-TEST_F(GeneralTabTest, TheDragBoxShowsAllSettingsAnew) {
+TEST_F(GeneralTabTest, TheDragBoxRefreshesTheTab) {
     settings.gap = 8;
     settings.rememberApps = false;
 
@@ -264,7 +264,7 @@ TEST_F(GeneralTabTest, TheEdgeBoxChangesAndSavesEdgeSnapping) {
     EXPECT_EQ(announcements, 0);
 }
 
-TEST_F(GeneralTabTest, TellsWhetherThePermissionIsGranted) {
+TEST_F(GeneralTabTest, ShowsWhetherThePermissionIsGranted) {
     EXPECT_EQ(fullText(accLabel), "Granted. Tessarel can move and resize windows.");
 
     desktop.trust().trusted = false;
@@ -283,14 +283,14 @@ TEST_F(GeneralTabTest, TheAccessButtonPromptsAndOpensTheSystemsSettings) {
     EXPECT_EQ(desktop.trust().promptsBeforeSettings, 1) << "the prompt comes first";
 }
 
-TEST_F(GeneralTabTest, SlidersAndListsAreCalledByTheirLabels) {
+TEST_F(GeneralTabTest, SlidersAndListsAreNamedAfterTheirLabels) {
     EXPECT_EQ(gapSlider.accessibleName(), "Gap between windows");
     EXPECT_EQ(marginSlider.accessibleName(), "Margin around the screen");
     EXPECT_EQ(triggerPopup.accessibleName(), "Zones appear while you hold:");
     EXPECT_EQ(table.accessibleName(), "Ignored apps");
 }
 
-TEST_F(GeneralTabTest, TheWordsAreThoseOfTheSystem) {
+TEST_F(GeneralTabTest, TheTextsUseTheWordsOfTheSystem) {
     PlatformWords words;
     words.otherEdgeTiling = "Your window manager may have its own edge tiling";
     words.controlKey = "Ctrl";

@@ -54,18 +54,18 @@ TEST(FmtNumTest, HasNoTrailingZeros) {
     EXPECT_EQ(text(12.50001), "12.5");
 }
 
-TEST(FmtNumTest, TellsSixDigits) {
+TEST(FmtNumTest, ShowsSixSignificantDigits) {
     EXPECT_EQ(text(1234.56), "1234.56");
     EXPECT_EQ(text(12345.67), "12345.7");
     EXPECT_EQ(text(1234567), "1.23457e+06");
 }
 
-TEST(FmtNumTest, TakesWhatIsNoNumber) {
+TEST(FmtNumTest, FormatsInfinityAndNaN) {
     EXPECT_EQ(text(std::numeric_limits<double>::infinity()), "inf");
     EXPECT_EQ(text(std::numeric_limits<double>::quiet_NaN()), "nan");
 }
 
-TEST_F(KitTest, ALabelIsOneLineInThirteenPixelsUnlessToldOtherwise) {
+TEST_F(KitTest, ALabelIsOneLineInThirteenPixelsByDefault) {
     const QLabel& label = *makeLabel(view, "Gap between windows", kFrame);
 
     EXPECT_EQ(label.parentWidget(), &view);
@@ -77,14 +77,14 @@ TEST_F(KitTest, ALabelIsOneLineInThirteenPixelsUnlessToldOtherwise) {
     EXPECT_FALSE(label.wordWrap());
 }
 
-TEST_F(KitTest, AHeadingIsBoldAndAsLargeAsAskedFor) {
+TEST_F(KitTest, AHeadingIsBoldAndHasTheRequestedSize) {
     const QLabel& heading = *makeLabel(view, "Spacing", kFrame, {.bold = true, .size = 14});
 
     EXPECT_EQ(heading.font().pixelSize(), 14);
     EXPECT_EQ(heading.font().weight(), QFont::Bold);
 }
 
-TEST_F(KitTest, AWrappingLabelIsTwelvePixelsFromTheTopOfItsFrame) {
+TEST_F(KitTest, AWrappingLabelHasTwelvePixelsAndIsAlignedToTheTop) {
     const QLabel& note = *makeWrap(view, "Edges give halves, corners give quarters.", {0, 0, 120, 60});
 
     EXPECT_TRUE(note.wordWrap());
@@ -95,7 +95,7 @@ TEST_F(KitTest, AWrappingLabelIsTwelvePixelsFromTheTopOfItsFrame) {
     EXPECT_EQ(note.text(), "Edges give halves, corners give quarters.");
 }
 
-TEST_F(KitTest, LabelsShowTheirTextAsItStands) {
+TEST_F(KitTest, LabelsShowTheirTextLiterally) {
     EXPECT_EQ(makeLabel(view, "<b>Work</b>", kFrame)->textFormat(), Qt::PlainText);
     EXPECT_EQ(makeWrap(view, "<b>Work</b>", kFrame)->textFormat(), Qt::PlainText);
 }
@@ -129,7 +129,7 @@ TEST_F(KitTest, AButtonWithoutAnActionDoesNothing) {
     QTest::mouseClick(makeButton(view, "Website", {0, 0, 110, 28}, nullptr), Qt::LeftButton);
 }
 
-TEST_F(KitTest, AButtonShowsAnAmpersandAsItStands) {
+TEST_F(KitTest, AButtonShowsAnAmpersandLiterally) {
     const QPushButton& button = *makeButton(view, "Save & close", {0, 0, 200, 28}, nullptr);
 
     EXPECT_EQ(button.text(), "Save && close");
@@ -137,7 +137,7 @@ TEST_F(KitTest, AButtonShowsAnAmpersandAsItStands) {
     EXPECT_TRUE(button.shortcut().isEmpty());
 }
 
-TEST_F(KitTest, ACheckBoxTellsWhatTheUserMadeOfItAndNotWhatTheProgramDid) {
+TEST_F(KitTest, ACheckBoxReportsChangesByTheUserOnly) {
     std::vector<bool> states;
     QCheckBox& box = *makeCheckBox(view, "Remember", kFrame, [&](bool on) { states.push_back(on); });
 
@@ -148,12 +148,12 @@ TEST_F(KitTest, ACheckBoxTellsWhatTheUserMadeOfItAndNotWhatTheProgramDid) {
     EXPECT_EQ(states, (std::vector<bool>{false, true}));
 }
 
-TEST(FmtNumTest, ANumberThatRoundsToNothingHasNoDecimals) {
+TEST(FmtNumTest, ANumberThatRoundsToZeroHasNoDecimals) {
     EXPECT_EQ(text(0.004), "0");
     EXPECT_EQ(text(0.005), "0.01");
 }
 
-TEST_F(KitTest, AControlIsCalledByTheLabelThatLeadsToIt) {
+TEST_F(KitTest, AControlIsNamedAfterItsLabel) {
     QLabel& label = *makeLabel(view, "Gap & margin", kFrame);
     QWidget control(&view);
 
@@ -163,7 +163,7 @@ TEST_F(KitTest, AControlIsCalledByTheLabelThatLeadsToIt) {
     EXPECT_EQ(control.accessibleName(), "Gap & margin");
 }
 
-TEST_F(KitTest, TheNamedColoursAreThoseOfThePalette) {
+TEST_F(KitTest, TheNamedColoursComeFromThePalette) {
     QPalette palette;
     palette.setColor(QPalette::WindowText, QColor(1, 0, 0));
     palette.setColor(QPalette::PlaceholderText, QColor(2, 0, 0));
@@ -178,7 +178,7 @@ TEST_F(KitTest, TheNamedColoursAreThoseOfThePalette) {
     EXPECT_EQ(controlAccentColor(palette), QColor(5, 0, 0));
 }
 
-TEST_F(KitTest, AScrollAreaStandsInsideItsLine) {
+TEST_F(KitTest, AScrollAreaLiesInsideItsBorder) {
     QListWidget list(&view);
 
     setBezeled(list, {10, 20, 100, 50});

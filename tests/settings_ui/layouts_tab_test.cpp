@@ -11,9 +11,9 @@
 namespace tessarel {
 namespace {
 
-// What there is
+// Controls
 
-TEST_F(LayoutsTabTest, EverythingStandsInItsPlaceInItsSizeAndColour) {
+TEST_F(LayoutsTabTest, EveryControlHasItsFrameTextAndStyle) {
     EXPECT_EQ(tab->view()->size(), QSize(780, 480));
     EXPECT_EQ(looks(*tab->view()),
               "16 15 50x18 label 13: Layout:\n"
@@ -46,7 +46,7 @@ TEST_F(LayoutsTabTest, EverythingStandsInItsPlaceInItsSizeAndColour) {
               "menu bar, beside the Dock).\n");
 }
 
-TEST_F(LayoutsTabTest, TheGridHasItsSteps) {
+TEST_F(LayoutsTabTest, TheGridOffersItsSteps) {
     const std::pair<const char*, double> steps[] = {
         {"Off", 0}, {"1%", 1}, {"2.5%", 2.5}, {"5%", 5}, {"10%", 10}};
     ASSERT_EQ(gridPopUp()->count(), 5);
@@ -76,11 +76,11 @@ TEST_F(LayoutsTabTest, LayoutsAreListedWithTheirTags) {
         EXPECT_EQ(list.itemData(separator, Qt::AccessibleDescriptionRole), "separator");
 }
 
-TEST_F(LayoutsTabTest, WithoutLayoutsOfOnesOwnThereIsOneSeparator) {
+TEST_F(LayoutsTabTest, WithoutUserLayoutsThereIsOneSeparator) {
     EXPECT_EQ(popUp()->count(), 1 + 1 + 9);
 }
 
-TEST_F(LayoutsTabTest, EveryControlHasANameAndTheKeyboardVisitsThemInReadingOrder) {
+TEST_F(LayoutsTabTest, TheTabKeyVisitsTheNamedControlsInReadingOrder) {
     settings.userLayouts = {{"Mine", std::vector<Zone>(9, Presets::z(1, 2, 3, 4))}};
     settings.zones = settings.userLayouts[0].zones; // so that all controls are enabled
     tab->refresh();
@@ -97,14 +97,14 @@ TEST_F(LayoutsTabTest, EveryControlHasANameAndTheKeyboardVisitsThemInReadingOrde
     }
 }
 
-TEST_F(LayoutsTabTest, ControlsWithoutATextOfTheirOwnHaveAName) {
+TEST_F(LayoutsTabTest, ControlsWithoutATextHaveAnAccessibleName) {
     EXPECT_EQ(popUp()->accessibleName(), "Layout");
     EXPECT_EQ(gridPopUp()->accessibleName(), "Snap to grid");
     EXPECT_EQ(segments()->accessibleName(), "Zone");
     EXPECT_EQ(clear()->accessibleName(), "Clear hotkey");
 }
 
-TEST_F(LayoutsTabTest, TheWordsAreThoseOfTheSystem) {
+TEST_F(LayoutsTabTest, TheTextsUseTheWordsOfTheSystem) {
     PlatformWords words;
     words.usableArea = "without the panels";
     words.modifierNames.opt = "Alt";
@@ -116,9 +116,9 @@ TEST_F(LayoutsTabTest, TheWordsAreThoseOfTheSystem) {
     EXPECT_EQ(fullText(*recorder()), "Ctrl+Alt+1");
 }
 
-// Which layout is shown
+// The layout that is shown
 
-TEST_F(LayoutsTabTest, ThePresetThatIsInUseIsShown) {
+TEST_F(LayoutsTabTest, TheActivePresetIsShown) {
     EXPECT_EQ(chosen(), "3 top + 2 bottom");
 
     settings.zones = Presets::all()[3].zones;
@@ -128,7 +128,7 @@ TEST_F(LayoutsTabTest, ThePresetThatIsInUseIsShown) {
     EXPECT_FALSE(deleteLayout()->isEnabled());
 }
 
-TEST_F(LayoutsTabTest, ALayoutOfOnesOwnIsShownAndCanBeDeleted) {
+TEST_F(LayoutsTabTest, AUserLayoutIsShownAndCanBeDeleted) {
     settings.userLayouts = {{"Code", {Presets::z(0, 0, 70, 100)}}};
     settings.zones = Presets::pad(settings.userLayouts[0].zones);
     tab->refresh();
@@ -137,7 +137,7 @@ TEST_F(LayoutsTabTest, ALayoutOfOnesOwnIsShownAndCanBeDeleted) {
     EXPECT_TRUE(deleteLayout()->isEnabled());
 }
 
-TEST_F(LayoutsTabTest, ALayoutOfOnesOwnThatEqualsAPresetShowsAsThePreset) {
+TEST_F(LayoutsTabTest, AUserLayoutThatEqualsAPresetIsShownAsThePreset) {
     settings.userLayouts = {{"My halves", Presets::all()[1].zones}};
     settings.zones = Presets::all()[1].zones;
     tab->refresh();
@@ -145,7 +145,7 @@ TEST_F(LayoutsTabTest, ALayoutOfOnesOwnThatEqualsAPresetShowsAsThePreset) {
     EXPECT_EQ(chosen(), "Halves");
 }
 
-TEST_F(LayoutsTabTest, ZonesOfNoLayoutAreCustom) {
+TEST_F(LayoutsTabTest, ZonesThatMatchNoLayoutAreShownAsCustom) {
     zone(8).w = 49;
     tab->refresh();
 
@@ -168,7 +168,7 @@ TEST_F(LayoutsTabTest, AChosenPresetIsAppliedSavedAndAnnounced) {
     EXPECT_EQ(w()->text(), "50");
 }
 
-TEST_F(LayoutsTabTest, AChosenLayoutOfOnesOwnIsPadded) {
+TEST_F(LayoutsTabTest, AChosenUserLayoutIsPadded) {
     settings.userLayouts = {{"Code", {Presets::z(0, 0, 70, 100)}}};
     tab->refresh();
 
@@ -178,7 +178,7 @@ TEST_F(LayoutsTabTest, AChosenLayoutOfOnesOwnIsPadded) {
     EXPECT_EQ(chosen(), "Mine: Code");
 }
 
-TEST_F(LayoutsTabTest, ALayoutThatHasGoneMeanwhileIsNotApplied) {
+TEST_F(LayoutsTabTest, ALayoutRemovedMeanwhileIsNotApplied) {
     settings.userLayouts = {{"Code", {Presets::z(0, 0, 70, 100)}}};
     tab->refresh();
     settings.userLayouts.clear();
@@ -197,7 +197,7 @@ TEST_F(LayoutsTabTest, ChoosingCustomDoesNothing) {
 
     EXPECT_EQ(settings, before);
     EXPECT_EQ(saved(), std::nullopt);
-    EXPECT_EQ(chosen(), "3 top + 2 bottom") << "as it is";
+    EXPECT_EQ(chosen(), "3 top + 2 bottom") << "unchanged";
 }
 
 TEST_F(LayoutsTabTest, SeparatorsCannotBeChosen) {
@@ -216,7 +216,7 @@ TEST_F(LayoutsTabTest, ALayoutIsSavedUnderItsTrimmedName) {
 
     EXPECT_EQ(desktop.alerts().shown,
               (std::vector<Alert>{{"Save layout", "Name for this layout:", {"Save", "Cancel"}}}));
-    EXPECT_EQ(activations, 1) << "in front before it asks";
+    EXPECT_EQ(activations, 1) << "the program is in front before the dialog opens";
     EXPECT_EQ(saved()->userLayouts, (std::vector<Layout>{{"Coding", settings.zones}}));
     EXPECT_EQ(announcements, 1);
     EXPECT_EQ(chosen(), "Mine: Coding");
@@ -233,7 +233,7 @@ TEST_F(LayoutsTabTest, ALayoutThatEqualsAPresetIsSavedAndThePresetShown) {
     EXPECT_GE(popUp()->findText("Mine: Coding"), 0);
 }
 
-TEST_F(LayoutsTabTest, AKnownNameReplacesTheLayoutInItsPlace) {
+TEST_F(LayoutsTabTest, AnExistingNameReplacesTheLayoutInPlace) {
     settings.userLayouts = {{"A", {}}, {"B", {}}, {"B", {}}, {"b", {}}};
     zone(0) = Presets::z(1, 2, 30, 40);
     desktop.alerts().texts = {"B"};
@@ -244,7 +244,7 @@ TEST_F(LayoutsTabTest, AKnownNameReplacesTheLayoutInItsPlace) {
               (std::vector<Layout>{{"A", {}}, {"B", settings.zones}, {"B", {}}, {"b", {}}}));
 }
 
-TEST_F(LayoutsTabTest, CapitalLettersMakeAnotherName) {
+TEST_F(LayoutsTabTest, NamesAreCaseSensitive) {
     settings.userLayouts = {{"code", {}}};
     desktop.alerts().texts = {"Code"};
 
@@ -258,15 +258,15 @@ TEST_F(LayoutsTabTest, WithoutANameNothingIsSaved) {
     desktop.alerts().texts = {"", " \n\t "};
     click(saveAs());
     click(saveAs());
-    click(saveAs()); // and the user cancels
+    click(saveAs()); // the user cancels
 
-    EXPECT_EQ(desktop.alerts().shown.size(), 3U) << "and nothing is said about it";
+    EXPECT_EQ(desktop.alerts().shown.size(), 3U) << "no message follows";
     EXPECT_TRUE(settings.userLayouts.empty());
     EXPECT_EQ(saved(), std::nullopt);
     EXPECT_EQ(announcements, 0);
 }
 
-TEST_F(LayoutsTabTest, NamesAreKeptWithoutALoss) {
+TEST_F(LayoutsTabTest, NamesAreSavedUnchanged) {
     const std::string name = "Büro & \"Größe\" \xf0\x9f\x92\xbb";
     desktop.alerts().texts = {name};
 
@@ -293,7 +293,7 @@ TEST_F(LayoutsTabTest, DeletingALayoutKeepsTheZones) {
 TEST_F(LayoutsTabTest, APresetCannotBeDeleted) {
     settings.userLayouts = {{"A", {}}};
     tab->refresh();
-    deleteLayout()->setEnabled(true); // even if it could be clicked
+    deleteLayout()->setEnabled(true); // so that the click gets through
 
     click(deleteLayout());
 
@@ -301,7 +301,7 @@ TEST_F(LayoutsTabTest, APresetCannotBeDeleted) {
     EXPECT_EQ(announcements, 0);
 }
 
-TEST_F(LayoutsTabTest, ALayoutThatHasGoneMeanwhileIsNotDeletedAgain) {
+TEST_F(LayoutsTabTest, ALayoutRemovedMeanwhileIsNotDeletedAgain) {
     settings.userLayouts = {{"Code", {Presets::z(0, 0, 70, 100)}}};
     settings.zones = Presets::pad(settings.userLayouts[0].zones);
     tab->refresh();
@@ -314,7 +314,7 @@ TEST_F(LayoutsTabTest, ALayoutThatHasGoneMeanwhileIsNotDeletedAgain) {
 
 // The grid
 
-TEST_F(LayoutsTabTest, AGridStepIsSavedQuietly) {
+TEST_F(LayoutsTabTest, AGridStepIsSavedWithoutANotification) {
     choose(gridPopUp(), "2.5%");
 
     EXPECT_EQ(settings.gridStep, 2.5);
@@ -338,7 +338,7 @@ TEST_F(LayoutsTabTest, AStoredStepIsShownWithinATolerance) {
     EXPECT_EQ(gridPopUp()->currentText(), "10%") << "beyond a thousandth";
 }
 
-TEST_F(LayoutsTabTest, AStepThatIsNotListedLeavesTheGridAsItWasShown) {
+TEST_F(LayoutsTabTest, AStepThatIsNotListedLeavesTheShownStep) {
     settings.gridStep = 10;
     tab->refresh();
     settings.gridStep = 3;

@@ -23,7 +23,7 @@
 
 namespace tessarel {
 
-/// The tab in a window of its own, and a user's hands on its controls.
+/// Fixture: the Layouts tab in a window of its own, and helpers that operate its controls like a user.
 class LayoutsTabTest : public SettingsUiTest {
 protected:
     LayoutsTabTest() {
@@ -36,7 +36,7 @@ protected:
         EXPECT_TRUE(QTest::qWaitForWindowActive(tab->view()));
     }
 
-    /// A control by its frame.
+    /// Returns the control with this frame; without one, fails the test and returns null.
     template <typename Control>
     Control* at(int x, int y, int width, int height) {
         for (QWidget* const child : tab->view()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {
@@ -83,7 +83,7 @@ protected:
         QTest::keyClicks(into, text);
     }
 
-    /// In points of the editor, with the left button.
+    /// Presses the left button at `from` and drags to `to` without snapping, both in points of the editor.
     void dragInEditor(const QPoint& from, const QPoint& to) {
         QTest::mousePress(editor(), Qt::LeftButton, {}, from);
         QMouseEvent move(QEvent::MouseMove, to, editor()->mapToGlobal(to), Qt::NoButton, Qt::LeftButton,

@@ -26,7 +26,7 @@ TEST_F(LayoutsTabTest, ASegmentSelectsItsZoneEverywhere) {
     EXPECT_EQ(saved(), std::nullopt);
 }
 
-TEST_F(LayoutsTabTest, ADisabledZoneCanBeSelectedAndNotTypedUpon) {
+TEST_F(LayoutsTabTest, ADisabledZoneCanBeSelectedButNotEdited) {
     clickSegment(8);
 
     EXPECT_FALSE(enabledBox()->isChecked());
@@ -35,7 +35,7 @@ TEST_F(LayoutsTabTest, ADisabledZoneCanBeSelectedAndNotTypedUpon) {
     EXPECT_EQ(x()->text(), "25");
 }
 
-TEST_F(LayoutsTabTest, AClickInTheEditorSelectsEverywhere) {
+TEST_F(LayoutsTabTest, AClickInTheEditorSelectsTheZoneEverywhere) {
     QTest::mouseClick(editor(), Qt::LeftButton, {}, QPoint(400, 250));
 
     EXPECT_EQ(tab->selected(), 4);
@@ -44,14 +44,14 @@ TEST_F(LayoutsTabTest, AClickInTheEditorSelectsEverywhere) {
     EXPECT_EQ(x()->text(), "50");
 }
 
-TEST_F(LayoutsTabTest, TheSelectionOutlivesARefresh) {
+TEST_F(LayoutsTabTest, TheSelectionSurvivesARefresh) {
     clickSegment(4);
     tab->refresh();
 
     EXPECT_EQ(tab->selected(), 4);
 }
 
-TEST_F(LayoutsTabTest, TheEditorsSelectionIsKeptWithinTheNineZones) {
+TEST_F(LayoutsTabTest, TheEditorsSelectionIsClampedToTheNineZones) {
     editor()->onSelect(-3);
     EXPECT_EQ(tab->selected(), 0);
     editor()->onSelect(12);
@@ -61,17 +61,17 @@ TEST_F(LayoutsTabTest, TheEditorsSelectionIsKeptWithinTheNineZones) {
 
 // The editor
 
-TEST_F(LayoutsTabTest, AFieldFollowsWhileAZoneIsDraggedAndNothingIsSaved) {
+TEST_F(LayoutsTabTest, AFieldIsUpdatedDuringADragAndNothingIsSaved) {
     dragInEditor({400, 250}, {390, 250});
 
     EXPECT_EQ(zone(4).x, 48);
     EXPECT_EQ(x()->text(), "48");
     EXPECT_EQ(saved(), std::nullopt);
     EXPECT_EQ(announcements, 0);
-    EXPECT_EQ(chosen(), "3 top + 2 bottom") << "until the edit is finished";
+    EXPECT_EQ(chosen(), "3 top + 2 bottom") << "until the drag ends";
 }
 
-TEST_F(LayoutsTabTest, ADragThatTheEndOfTheTabCutsShortIsSaved) {
+TEST_F(LayoutsTabTest, DestroyingTheTabSavesAnUnfinishedDrag) {
     dragInEditor({400, 250}, {390, 250});
 
     tab.reset();
@@ -116,7 +116,7 @@ TEST_F(LayoutsTabTest, TheBoxDisablesAndEnablesTheZone) {
     EXPECT_EQ(announcements, 2);
 }
 
-TEST_F(LayoutsTabTest, AnAddedZoneTakesTheFirstFreePlaceAndIsSelected) {
+TEST_F(LayoutsTabTest, AnAddedZoneTakesTheFirstDisabledSlotAndIsSelected) {
     zone(2) = {false, 1, 2, 3, 4};
 
     click(addZone());
@@ -130,7 +130,7 @@ TEST_F(LayoutsTabTest, AnAddedZoneTakesTheFirstFreePlaceAndIsSelected) {
     EXPECT_TRUE(desktop.alerts().shown.empty());
 }
 
-TEST_F(LayoutsTabTest, ATenthZoneIsRefused) {
+TEST_F(LayoutsTabTest, ATenthZoneIsRejected) {
     for (Zone& one : settings.zones)
         one.enabled = true;
     const AppSettings before = settings;
@@ -147,7 +147,7 @@ TEST_F(LayoutsTabTest, ATenthZoneIsRefused) {
 
 // Numbers
 
-TEST_F(LayoutsTabTest, ATypedNumberHoldsAtOnceAndIsAnnouncedWhenItIsDone) {
+TEST_F(LayoutsTabTest, ATypedNumberTakesEffectAtOnceAndIsAnnouncedWhenEditingEnds) {
     type(x(), "12,5");
 
     EXPECT_EQ(zone(0).x, 12.5);
@@ -169,7 +169,7 @@ public:
         widget.installEventFilter(this);
     }
 
-    /// Lets the widget be painted if it wants to be.
+    /// Processes events, a pending repaint included, and returns the number of paint events so far.
     int afterEvents() {
         QApplication::processEvents();
         return m_count;
@@ -185,7 +185,7 @@ private:
     int m_count = 0;
 };
 
-TEST_F(LayoutsTabTest, ATypedNumberIsSeenInTheEditorAtOnce) {
+TEST_F(LayoutsTabTest, ATypedNumberIsShownInTheEditorAtOnce) {
     click(x());
     x()->selectAll();
     PaintCount paintings(*editor());
@@ -196,7 +196,7 @@ TEST_F(LayoutsTabTest, ATypedNumberIsSeenInTheEditorAtOnce) {
     EXPECT_EQ(paintings.afterEvents(), 1);
 }
 
-TEST_F(LayoutsTabTest, LeavingTheFieldForAnotherZoneEndsItForTheZoneItWasTypedFor) {
+TEST_F(LayoutsTabTest, SelectingAnotherZoneEndsEditingForThePreviousZone) {
     type(x(), "7");
     clickSegment(1);
 
@@ -206,18 +206,18 @@ TEST_F(LayoutsTabTest, LeavingTheFieldForAnotherZoneEndsItForTheZoneItWasTypedFo
     EXPECT_EQ(announcements, 1);
 }
 
-TEST_F(LayoutsTabTest, ARefreshDoesNotTouchWhatIsBeingTyped) {
+TEST_F(LayoutsTabTest, ARefreshKeepsTextThatIsBeingTyped) {
     type(x(), "1");
     settings.zones = Presets::all()[8].zones;
     tab->refresh();
 
     EXPECT_EQ(x()->text(), "1");
-    EXPECT_EQ(w()->text(), "25") << "the others follow";
+    EXPECT_EQ(w()->text(), "25") << "the other fields are updated";
 }
 
 // Hot keys
 
-TEST_F(LayoutsTabTest, ClearTakesTheHotKeyFromTheZoneAndTellsAllTabs) {
+TEST_F(LayoutsTabTest, ClearRemovesTheHotKeyOfTheZoneAndRefreshesAllTabs) {
     clickSegment(1);
     int refreshesBefore = -1;
     const auto order = services.store.tessarelSettingsChanged.addObserver([&] {
@@ -234,7 +234,7 @@ TEST_F(LayoutsTabTest, ClearTakesTheHotKeyFromTheZoneAndTellsAllTabs) {
     EXPECT_EQ(fullText(*recorder()), "None");
 }
 
-TEST_F(LayoutsTabTest, ARecordedHotKeyIsShownInAllTabs) {
+TEST_F(LayoutsTabTest, ARecordedHotKeyRefreshesAllTabs) {
     recorder()->onChange();
 
     EXPECT_EQ(refreshes, 1);
@@ -250,9 +250,9 @@ TEST_F(LayoutsTabTest, SelectingAnotherZoneEndsARecording) {
     EXPECT_EQ(fullText(*recorder()), "Ctrl+Opt+2");
 }
 
-// Documents that somebody has spoilt
+// Settings with extreme values
 
-TEST_F(LayoutsTabTest, AbsurdZonesAreShownAndCanBeRepaired) {
+TEST_F(LayoutsTabTest, ExtremeZonesAreShownAndCanBeRepaired) {
     settings.zones[0] = {true, -1e300, 1e308, 1e308, -1};
     settings.gridStep = -1e308;
     tab->refresh();

@@ -13,11 +13,12 @@
 
 namespace tessarel {
 
-/// What a text looks like: its size with room enough, whether it is bold, its colour, and the text itself.
+/// Returns the look of a control's text: its font size when there is enough room, whether it is bold, its
+/// colour, and the text. Resizes the control.
 template <class Control>
 std::string textLook(Control& control) {
     const QString text = fullText(control);
-    control.resize(5000, 500); // in its frame it may be set smaller, which depends on the font
+    control.resize(5000, 500); // in its own frame the text may be set smaller, depending on the font
     fitted_text::change(control, text);
     std::string look = " " + std::to_string(control.font().pixelSize());
     if (control.font().weight() != QFont::Normal)
@@ -29,8 +30,8 @@ std::string textLook(Control& control) {
     return look + ": " + text.toStdString();
 }
 
-/// What stands on `view`: a line for each control with its frame, in the order in which they were made.
-/// Resizes what bears a text.
+/// Returns a line for each control directly on `view`, in the order of their creation: its frame, its kind
+/// and its look. Resizes the controls that have a text.
 inline std::string looks(QWidget& view) {
     std::string all;
     for (QWidget* const control : view.findChildren<QWidget*>(Qt::FindDirectChildrenOnly)) {

@@ -15,13 +15,13 @@ bool isWhole(double value) {
     return std::abs(value - std::round(value)) < 1e-9;
 }
 
-TEST(PixelGridTest, ALineOfOnePixelRunsThroughTheMiddleOfOne) {
+TEST(PixelGridTest, ALineOfOnePixelRunsThroughTheCentreOfAPixel) {
     EXPECT_EQ(gridAt(1).lineX(0.5, 1), 0.5);
     EXPECT_EQ(gridAt(1).lineX(125, 0.5), 125.5);
     EXPECT_EQ(gridAt(1).lineY(166.67, 1.2), 166.5);
 }
 
-TEST(PixelGridTest, ALineOfTwoPixelsRunsBetweenThem) {
+TEST(PixelGridTest, ALineOfTwoPixelsRunsBetweenPixels) {
     EXPECT_EQ(gridAt(2).lineX(0.5, 1), 0.5);
     EXPECT_EQ(gridAt(2).lineX(166.67, 1.2), 166.5);
     EXPECT_EQ(gridAt(2).lineX(166.8, 1.2), 167);
@@ -42,14 +42,14 @@ TEST(PixelGridTest, LinesOfWholeWidthCoverWholePixelsAtEveryScale) {
     }
 }
 
-TEST(PixelGridTest, HalvesGoOneWayOnEitherSideOfZero) {
+TEST(PixelGridTest, HalvesAreRoundedUpOnBothSidesOfZero) {
     for (int at = -3; at <= 3; ++at) {
         EXPECT_EQ(gridAt(1).lineX(at, 1), at + 0.5) << "midway between the middles of two pixels";
         EXPECT_EQ(gridAt(1).lineY(at + 0.5, 2), at + 1) << "midway between two pixels";
     }
 }
 
-TEST(PixelGridTest, AWidthIsRoundedToWholePixelsAndIsNeverNone) {
+TEST(PixelGridTest, AWidthIsRoundedToWholePixelsAndIsAtLeastOne) {
     EXPECT_EQ(gridAt(1).wholeWidth(0), 1);
     EXPECT_EQ(gridAt(1).wholeWidth(1.49), 1);
     EXPECT_EQ(gridAt(1).wholeWidth(1.5), 2);

@@ -21,7 +21,7 @@ namespace {
 class PopUpButtonTest : public qt::OffscreenTest {
 protected:
     PopUpButtonTest() {
-        QApplication::setDoubleClickInterval(0); // for which the list waits before it believes in a click
+        QApplication::setDoubleClickInterval(0); // the open list ignores clicks for this long
         popUp.append("Off", 0);
         popUp.appendSeparator();
         popUp.append("Halves", 7);
@@ -57,7 +57,7 @@ TEST_F(PopUpButtonTest, ATitleIsChosenWithTheMouse) {
 TEST_F(PopUpButtonTest, ATitleIsChosenWithTheKeyboard) {
     QTest::keyClick(&popUp, Qt::Key_Down);
     ASSERT_TRUE(popUp.view()->isVisible());
-    EXPECT_EQ(choices, 0) << "the first key only opens";
+    EXPECT_EQ(choices, 0) << "the first key only opens the list";
     QTest::keyClick(popUp.view(), Qt::Key_Down);
     EXPECT_EQ(choices, 0);
     QTest::keyClick(popUp.view(), Qt::Key_Return);
@@ -85,7 +85,7 @@ TEST_F(PopUpButtonTest, EscapeChoosesNothing) {
     EXPECT_EQ(choices, 0);
 }
 
-TEST_F(PopUpButtonTest, NeitherWheelNorLettersChoose) {
+TEST_F(PopUpButtonTest, TheWheelAndOtherKeysDoNotChoose) {
     sendWheel();
     QTest::keyClick(&popUp, Qt::Key_T);
     QTest::keyClick(&popUp, Qt::Key_PageDown);
@@ -95,11 +95,11 @@ TEST_F(PopUpButtonTest, NeitherWheelNorLettersChoose) {
     EXPECT_EQ(choices, 0);
 }
 
-TEST_F(PopUpButtonTest, TheProgramSelectsSilently) {
+TEST_F(PopUpButtonTest, SelectReportsNoChoice) {
     popUp.select(8);
     EXPECT_EQ(popUp.currentText(), "Thirds");
     popUp.select(12345);
-    EXPECT_EQ(popUp.currentText(), "Thirds") << "nothing stands for this";
+    EXPECT_EQ(popUp.currentText(), "Thirds") << "no title has this value";
     EXPECT_EQ(choices, 0);
 }
 
@@ -109,13 +109,13 @@ TEST_F(PopUpButtonTest, TitlesStayOnOneLine) {
     EXPECT_EQ(popUp.itemText(popUp.findData(20)), "one two  three");
 }
 
-TEST_F(PopUpButtonTest, MarkupAndAmpersandsAreShownAsTheyStand) {
+TEST_F(PopUpButtonTest, MarkupAndAmpersandsAreShownLiterally) {
     popUp.append("<b>Code</b> && &Mail", 20);
 
     EXPECT_EQ(popUp.itemText(popUp.findData(20)), "<b>Code</b> && &Mail");
 }
 
-TEST_F(PopUpButtonTest, EndlessTitlesEndInAnEllipsis) {
+TEST_F(PopUpButtonTest, VeryLongTitlesEndInAnEllipsis) {
     popUp.append(QString(1 << 20, 'x'), 20);
 
     const QString title = popUp.itemText(popUp.findData(20));
@@ -129,7 +129,7 @@ TEST_F(PopUpButtonTest, EndlessTitlesEndInAnEllipsis) {
     popUp.hidePopup();
 }
 
-TEST_F(PopUpButtonTest, ATitleWiderThanTheButtonIsToldInATooltip) {
+TEST_F(PopUpButtonTest, ATitleWiderThanTheButtonHasATooltip) {
     const auto ask = [this] {
         QHelpEvent help(QEvent::ToolTip, {5, 5}, popUp.mapToGlobal(QPoint(5, 5)));
         QApplication::sendEvent(&popUp, &help);

@@ -13,13 +13,13 @@
 
 namespace tessarel {
 
-/// One thing that has been painted, as it was ordered: lines, rectangles, paths and texts.
+/// A recorded paint operation: a line, a rectangle, a path or a text.
 struct Painted {
     enum class What { Line, Rectangle, Path, Text };
 
     What what = What::Rectangle;
-    QRectF bounds;     ///< of the outline; for a text its origin on the base line, without extent
-    QPainterPath path; ///< of a path
+    QRectF bounds;     ///< of the outline; for a text its origin on the baseline, with no size
+    QPainterPath path; ///< only for a path
     QColor fill;       ///< invalid when nothing is filled
     QColor stroke;     ///< invalid when nothing is stroked; for a text its colour
     double strokeWidth = 0;
@@ -32,14 +32,14 @@ struct Painted {
     int fontWeight = 0;
 };
 
-/// A paint device without pixels that keeps what is painted on it, in order.
+/// A paint device without pixels that records the paint operations in order.
 class RecordedPainting : public QPaintDevice {
 public:
     std::vector<Painted> painted;
 
     [[nodiscard]] QPaintEngine* paintEngine() const override { return &m_engine; }
 
-    /// Those of a kind, in order.
+    /// Returns the operations of one kind, in order.
     [[nodiscard]] std::vector<Painted> all(Painted::What what) const {
         std::vector<Painted> some;
         for (const Painted& one : painted)

@@ -35,7 +35,7 @@ protected:
         return made;
     }
 
-    /// The user presses a key in one of the program's windows.
+    /// Presses a key in one of the program's windows. Returns whether a recorder consumed it.
     bool press(const KeyDown& key) { return desktop.localKeys().press(key); }
     [[nodiscard]] std::string title() const { return fullText(*recorder).toStdString(); }
     [[nodiscard]] std::optional<Binding> binding(ActionID action = ActionID::center) const {
@@ -47,7 +47,7 @@ protected:
     std::unique_ptr<RecorderButton> recorder = makeRecorder(ActionID::center);
 };
 
-TEST_F(RecorderButtonTest, StartsOutForTheFirstAction) {
+TEST_F(RecorderButtonTest, RecordsForTheFirstActionByDefault) {
     const RecorderButton fresh(view, {0, 0, 200, 26}, context);
 
     EXPECT_EQ(fresh.actionID(), ActionID::zone1);
@@ -74,7 +74,7 @@ TEST_F(RecorderButtonTest, WaitsForKeysOnceItHasBeenClicked) {
     EXPECT_EQ(desktop.localKeys().monitors(), 1U);
 }
 
-TEST_F(RecorderButtonTest, ListensToNothingBeforeAndAfterRecording) {
+TEST_F(RecorderButtonTest, MonitorsNoKeysBeforeAndAfterRecording) {
     EXPECT_EQ(desktop.localKeys().monitors(), 0U);
     recorder->click();
     press(kEscape);
@@ -98,7 +98,7 @@ TEST_F(RecorderButtonTest, StoresSavesAndAnnouncesAFreeCombination) {
     EXPECT_FALSE(recorder->isRecording());
 }
 
-TEST_F(RecorderButtonTest, HasStoredAndShownTheHotKeyWhenItTellsOfTheChange) {
+TEST_F(RecorderButtonTest, StoresAndShowsTheHotKeyBeforeTheChangeCallback) {
     std::string shown;
     recorder->onChange = [&] { shown = title(); };
     recorder->click();
@@ -108,7 +108,7 @@ TEST_F(RecorderButtonTest, HasStoredAndShownTheHotKeyWhenItTellsOfTheChange) {
     EXPECT_EQ(shown, "Ctrl+Opt+B");
 }
 
-TEST_F(RecorderButtonTest, NeedsNobodyToTellOfAChange) {
+TEST_F(RecorderButtonTest, WorksWithoutAChangeCallback) {
     recorder->onChange = nullptr;
     recorder->click();
 
@@ -117,7 +117,7 @@ TEST_F(RecorderButtonTest, NeedsNobodyToTellOfAChange) {
     EXPECT_EQ(binding(), kFreeBinding);
 }
 
-TEST_F(RecorderButtonTest, ANewHotKeyIsRegisteredAtOnceAndTheOldOneNoMore) {
+TEST_F(RecorderButtonTest, ANewHotKeyReplacesTheOldOneAtOnce) {
     services.hotKeys.registerAll();
     const auto follow =
         services.store.tessarelSettingsChanged.addObserver([this] { services.hotKeys.registerAll(); });
@@ -159,7 +159,7 @@ TEST_F(RecorderButtonTest, ASecondClickCancels) {
     EXPECT_FALSE(saved());
 }
 
-TEST_F(RecorderButtonTest, AKeyWithoutModifiersIsRefusedWithABeep) {
+TEST_F(RecorderButtonTest, AKeyWithoutModifiersIsRejectedWithABeep) {
     recorder->click();
 
     EXPECT_TRUE(press({11}));
@@ -170,7 +170,7 @@ TEST_F(RecorderButtonTest, AKeyWithoutModifiersIsRefusedWithABeep) {
     EXPECT_FALSE(saved());
 }
 
-TEST_F(RecorderButtonTest, OtherModifiersThanTheFourAreNone) {
+TEST_F(RecorderButtonTest, OtherModifierFlagsDoNotCount) {
     recorder->click();
 
     press({11, 0x10000 | 0x800000}); // Caps Lock and Fn
@@ -189,7 +189,7 @@ TEST_F(RecorderButtonTest, ShiftAloneIsEnough) {
     EXPECT_EQ(desktop.beeps(), 0);
 }
 
-TEST_F(RecorderButtonTest, AKeyWithoutANameIsRecordedByItsNumber) {
+TEST_F(RecorderButtonTest, AKeyWithoutANameIsShownByItsKeyCode) {
     recorder->click();
 
     press({105, kCommandFlag});
@@ -197,7 +197,7 @@ TEST_F(RecorderButtonTest, AKeyWithoutANameIsRecordedByItsNumber) {
     EXPECT_EQ(title(), "Cmd+Key105");
 }
 
-TEST_F(RecorderButtonTest, DeleteWithAModifierIsAKeyLikeAnyOther) {
+TEST_F(RecorderButtonTest, DeleteWithAModifierIsRecorded) {
     recorder->click();
 
     press({51, kCommandFlag});
@@ -205,7 +205,7 @@ TEST_F(RecorderButtonTest, DeleteWithAModifierIsAKeyLikeAnyOther) {
     EXPECT_EQ(title(), "Cmd+Delete");
 }
 
-TEST_F(RecorderButtonTest, ACombinationInUseIsRefusedAndItsActionNamed) {
+TEST_F(RecorderButtonTest, ACombinationInUseIsRejectedAndItsActionNamed) {
     recorder->click();
 
     EXPECT_TRUE(press(kZone1Default));
@@ -217,7 +217,7 @@ TEST_F(RecorderButtonTest, ACombinationInUseIsRefusedAndItsActionNamed) {
     EXPECT_EQ(changes, 0);
 }
 
-TEST_F(RecorderButtonTest, OfTwoActionsOnTheSameKeysTheFirstIsNamed) {
+TEST_F(RecorderButtonTest, OfTwoActionsWithTheSameKeysTheFirstIsNamed) {
     services.store.setBinding(kFreeBinding, ActionID::arrangeAll);
     services.store.setBinding(kFreeBinding, ActionID::leftHalf);
     recorder->click();
@@ -227,7 +227,7 @@ TEST_F(RecorderButtonTest, OfTwoActionsOnTheSameKeysTheFirstIsNamed) {
     EXPECT_EQ(title(), "In use: Left half");
 }
 
-TEST_F(RecorderButtonTest, ItsOwnCombinationIsStoredAgainWithoutComplaint) {
+TEST_F(RecorderButtonTest, ItsOwnCombinationIsAccepted) {
     recorder->click();
 
     press(kCenterDefault);
@@ -246,7 +246,7 @@ TEST_F(RecorderButtonTest, TheSameKeyWithOtherModifiersIsFree) {
     EXPECT_EQ(title(), "Ctrl+Opt+Shift+1");
 }
 
-TEST_F(RecorderButtonTest, AnotherTryNeedsNoClick) {
+TEST_F(RecorderButtonTest, AnotherAttemptNeedsNoClick) {
     recorder->click();
     press({11});
     press(kZone1Default);
@@ -257,7 +257,7 @@ TEST_F(RecorderButtonTest, AnotherTryNeedsNoClick) {
     EXPECT_EQ(title(), "Ctrl+Opt+B");
 }
 
-TEST_F(RecorderButtonTest, AMessageStandsForOnePointThreeSeconds) {
+TEST_F(RecorderButtonTest, AMessageIsShownFor1300Milliseconds) {
     recorder->click();
     press(kZone1Default);
 
@@ -280,7 +280,7 @@ TEST_F(RecorderButtonTest, AMessageThatIsCutShortByEscapeDoesNotComeBack) {
     EXPECT_EQ(title(), "Ctrl+Opt+C");
 }
 
-TEST_F(RecorderButtonTest, AMessageMayOutliveTheButton) {
+TEST_F(RecorderButtonTest, TheButtonMayBeDestroyedWhileAMessageIsShown) {
     recorder->click();
     press(kZone1Default);
 
@@ -290,7 +290,7 @@ TEST_F(RecorderButtonTest, AMessageMayOutliveTheButton) {
     EXPECT_EQ(desktop.localKeys().monitors(), 0U);
 }
 
-TEST_F(RecorderButtonTest, ItsEndInTheMiddleOfARecordingLetsGoOfTheKeys) {
+TEST_F(RecorderButtonTest, DestroyingTheButtonEndsTheRecording) {
     recorder->click();
 
     recorder.reset();
@@ -309,7 +309,7 @@ TEST_F(RecorderButtonTest, TheSpaceBarIsReleasedWithTheFocus) {
     EXPECT_FALSE(recorder->isDown());
 }
 
-TEST_F(RecorderButtonTest, ARecordingEndsWhenTheButtonIsHiddenWithoutHavingTheFocus) {
+TEST_F(RecorderButtonTest, HidingAButtonWithoutTheFocusEndsTheRecording) {
     recorder->click();
     ASSERT_TRUE(recorder->isRecording());
     ASSERT_FALSE(recorder->hasFocus());
@@ -363,7 +363,7 @@ TEST_F(RecorderButtonTest, TwoRecordersForOneActionAgreeAfterARefresh) {
     EXPECT_EQ(fullText(*other), "Ctrl+Opt+B");
 }
 
-TEST_F(RecorderButtonTest, ALongMessageIsCutShortAndTheTooltipHasItWhole) {
+TEST_F(RecorderButtonTest, ALongMessageIsShownInFullInTheTooltip) {
     recorder->click();
 
     press({0, kControlFlag | kOptionFlag});
@@ -372,7 +372,7 @@ TEST_F(RecorderButtonTest, ALongMessageIsCutShortAndTheTooltipHasItWhole) {
     EXPECT_TRUE(recorder->text() == title().c_str() || recorder->toolTip() == title().c_str());
 }
 
-TEST_F(RecorderButtonTest, ScreenReadersHearTheActionAndThenItsHotKey) {
+TEST_F(RecorderButtonTest, TheAccessibleNameIsTheActionAndTheDescriptionItsHotKey) {
     EXPECT_EQ(recorder->accessibleName(), "Center");
     EXPECT_EQ(recorder->accessibleDescription(), "Ctrl+Opt+C");
 

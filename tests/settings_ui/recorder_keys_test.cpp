@@ -37,7 +37,7 @@ constexpr quint32 kControl = 4;
 constexpr quint32 kControlAlt = 4 + 8;
 constexpr quint32 kNumLock = 16;
 
-/// A recorder in a window that has the keyboard.
+/// Fixture: a recorder in a window that has the keyboard focus.
 class RecorderKeysTest : public SettingsUiTest {
 protected:
     void SetUp() override {
@@ -71,7 +71,7 @@ protected:
 
     [[nodiscard]] std::string title() const { return fullText(recorder).toStdString(); }
 
-    quint32 held = 0; ///< the key that is down, as the system says
+    quint32 held = 0; ///< keycode of the key that is down; 0 for none
     qt::QtLocalKeys localKeys{x11::keyDown, [this](std::uint32_t keycode) { return held == keycode; }};
     Ports keyPorts = simPorts(desktop, copy, localKeys);
     TabContext keyContext{services, keyPorts, context.refreshAll};
@@ -80,7 +80,7 @@ protected:
     QPushButton other{&window};
 };
 
-TEST_F(RecorderKeysTest, AClickAndACombinationAreAllItTakes) {
+TEST_F(RecorderKeysTest, AClickAndAKeyCombinationRecordAHotKey) {
     record();
 
     press(kControlKey);
@@ -91,7 +91,7 @@ TEST_F(RecorderKeysTest, AClickAndACombinationAreAllItTakes) {
     EXPECT_EQ(services.store.binding(ActionID::center), (Binding{11, kCtrlKey + kOptKey}));
 }
 
-TEST_F(RecorderKeysTest, ModifierKeysAloneAreWaitedOn) {
+TEST_F(RecorderKeysTest, ModifierKeysAloneDoNotEndTheRecording) {
     record();
 
     type(kControlKey);
@@ -101,7 +101,7 @@ TEST_F(RecorderKeysTest, ModifierKeysAloneAreWaitedOn) {
     EXPECT_EQ(desktop.beeps(), 0);
 }
 
-TEST_F(RecorderKeysTest, LocksDoNotCount) {
+TEST_F(RecorderKeysTest, LockKeysAreNoModifiers) {
     record();
 
     type(kB, kNumLock);
@@ -110,7 +110,7 @@ TEST_F(RecorderKeysTest, LocksDoNotCount) {
     EXPECT_EQ(desktop.beeps(), 1);
 }
 
-TEST_F(RecorderKeysTest, ACombinationInUseIsNamedAndForgottenAgain) {
+TEST_F(RecorderKeysTest, ACombinationInUseIsNamedForAMoment) {
     record();
 
     type(kDigit1, kControlAlt);
@@ -141,7 +141,7 @@ TEST_F(RecorderKeysTest, SpaceAndReturnStartARecordingWithoutBeingRecorded) {
     }
 }
 
-TEST_F(RecorderKeysTest, AKeyThatIsHeldAfterItHasStartedARecordingIsNotRecorded) {
+TEST_F(RecorderKeysTest, AHeldKeyThatHasStartedTheRecordingIsNotRecorded) {
     for (const Key& key : {kSpace, kReturn}) {
         recorder.setFocus();
         press(key);
@@ -169,7 +169,7 @@ TEST_F(RecorderKeysTest, SpaceReturnAndTabAreRecordedLikeOtherKeys) {
     }
 }
 
-TEST_F(RecorderKeysTest, AHeldCombinationIsRecordedOnceAndStartsNothing) {
+TEST_F(RecorderKeysTest, AHeldCombinationIsRecordedOnceAndStartsNoOtherRecording) {
     for (const Key& key : {kB, kSpace, kReturn}) {
         record();
         const int before = announcements;
@@ -184,7 +184,7 @@ TEST_F(RecorderKeysTest, AHeldCombinationIsRecordedOnceAndStartsNothing) {
     }
 }
 
-TEST_F(RecorderKeysTest, AKeyThatIsHeldDownIsRefusedOnce) {
+TEST_F(RecorderKeysTest, AHeldKeyIsRejectedOnce) {
     record();
 
     press(kB);
@@ -216,7 +216,7 @@ TEST_F(RecorderKeysTest, ARecordingEndsWhenAnotherRecorderStartsOne) {
     EXPECT_EQ(fullText(second), "Ctrl+Opt+B");
 }
 
-TEST_F(RecorderKeysTest, TheRecorderHasTheFocusHoweverItWasClicked) {
+TEST_F(RecorderKeysTest, AProgrammaticClickFocusesTheRecorder) {
     other.setFocus();
 
     recorder.click();

@@ -26,7 +26,7 @@ protected:
     }
 
     QAbstractButton& segment(std::size_t i) { return *control.segments().at(i); }
-    /// The colour beside the label of a segment.
+    /// Returns the fill colour of a segment, sampled beside its label.
     QColor fillOf(std::size_t i) { return segment(i).grab().toImage().pixelColor(4, 13); }
 
     std::vector<Painted> painted(std::size_t i, Painted::What what) {
@@ -67,7 +67,7 @@ TEST_F(SegmentedControlTest, OneSegmentIsSelectedAtATime) {
 
     EXPECT_EQ(control.selectedSegment(), 5);
     EXPECT_FALSE(segment(0).isChecked());
-    EXPECT_EQ(choices, 0) << "the program's own doing";
+    EXPECT_EQ(choices, 0) << "a selection by the program is no choice";
 }
 
 TEST_F(SegmentedControlTest, AClickAnywhereInASegmentSelectsIt) {
@@ -102,7 +102,7 @@ TEST_F(SegmentedControlTest, TheSelectedSegmentStandsOutInLightAndDark) {
     }
 }
 
-TEST_F(SegmentedControlTest, TogetherTheSegmentsAreOneBarWithRoundEnds) {
+TEST_F(SegmentedControlTest, TheSegmentsFormOneBarWithRoundEnds) {
     const int width = segment(0).width();
     const double last = segment(8).width();
 
@@ -117,7 +117,7 @@ TEST_F(SegmentedControlTest, TogetherTheSegmentsAreOneBarWithRoundEnds) {
     }
 }
 
-TEST_F(SegmentedControlTest, ALinePartsEachSegmentFromTheNext) {
+TEST_F(SegmentedControlTest, ALineSeparatesEachSegmentFromTheNext) {
     for (std::size_t i = 0; i < 8; ++i) {
         const std::vector<Painted> lines = painted(i, What::Line);
         ASSERT_EQ(lines.size(), 1U);
@@ -128,7 +128,7 @@ TEST_F(SegmentedControlTest, ALinePartsEachSegmentFromTheNext) {
     EXPECT_TRUE(painted(8, What::Line).empty());
 }
 
-TEST_F(SegmentedControlTest, LabelsAreThirteenPixelsInTheColourForTheirGround) {
+TEST_F(SegmentedControlTest, LabelsHaveThirteenPixelsAndTheTextColourOfTheirBackground) {
     QPalette palette = window.palette();
     palette.setColor(QPalette::ButtonText, QColor(1, 2, 3));
     palette.setColor(QPalette::HighlightedText, QColor(4, 5, 6));
@@ -145,7 +145,7 @@ TEST_F(SegmentedControlTest, LabelsAreThirteenPixelsInTheColourForTheirGround) {
     EXPECT_NEAR(other.bounds.x(), segment(1).width() / 2.0, 6);
 }
 
-TEST_F(SegmentedControlTest, APressedSegmentIsDarkerUntilItIsLetGo) {
+TEST_F(SegmentedControlTest, APressedSegmentIsDarkerUntilItIsReleased) {
     QTest::mousePress(&segment(2), Qt::LeftButton);
     EXPECT_EQ(painted(2, What::Path)[0].fill, window.palette().color(QPalette::Button).darker(115));
 
@@ -153,7 +153,7 @@ TEST_F(SegmentedControlTest, APressedSegmentIsDarkerUntilItIsLetGo) {
     EXPECT_EQ(painted(2, What::Path)[0].fill, controlAccentColor(window.palette()));
 }
 
-TEST_F(SegmentedControlTest, TheSegmentWithTheKeyboardHasARing) {
+TEST_F(SegmentedControlTest, TheFocusedSegmentHasARing) {
     QPalette palette = window.palette();
     palette.setColor(QPalette::HighlightedText, QColor(4, 5, 6));
     window.setPalette(palette);
@@ -170,7 +170,7 @@ TEST_F(SegmentedControlTest, TheSegmentWithTheKeyboardHasARing) {
     EXPECT_FALSE(shapes[1].fill.isValid());
 }
 
-TEST_F(SegmentedControlTest, ScreenReadersMeetOneChoiceOfSeveral) {
+TEST_F(SegmentedControlTest, ASegmentIsAccessibleAsARadioButton) {
     const QAccessibleInterface* const accessible = QAccessible::queryAccessibleInterface(&segment(1));
     ASSERT_TRUE(accessible);
     EXPECT_EQ(accessible->role(), QAccessible::RadioButton);

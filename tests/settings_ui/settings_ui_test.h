@@ -15,17 +15,17 @@
 
 namespace tessarel {
 
-/// The running program on a simulated desktop, as a tab of the settings window sees it.
+/// Fixture: the program on a simulated desktop, with the context that the tabs of the settings window get.
 class SettingsUiTest : public qt::OffscreenTest {
 protected:
-    /// The settings as they would be found at the next start; none while nothing has been saved.
+    /// Returns the settings that the next launch would load; empty while nothing has been saved.
     std::optional<AppSettings> saved() {
         if (!desktop.preferences().data(Store::key))
             return std::nullopt;
         return Store(desktop.preferences()).settings;
     }
 
-    /// The control of `view` that has this frame; there must be one.
+    /// Returns the control of `view` with this frame. Throws when there is none.
     template <class Control>
     static Control& at(QWidget& view, const QRect& frame) {
         for (Control* const control : view.findChildren<Control*>())
@@ -39,9 +39,9 @@ protected:
     Ports ports = simPorts(desktop, copy);
     Services services{ports};
     AppSettings& settings = services.store.settings;
-    int refreshes = 0; ///< how often a tab has asked for all tabs to be refreshed
+    int refreshes = 0; ///< number of times that a tab has requested a refresh of all tabs
     TabContext context{services, ports, [this] { ++refreshes; }};
-    int announcements = 0; ///< how often changed settings have been announced
+    int announcements = 0; ///< number of notifications about changed settings
     SubscriptionPtr observer =
         services.store.tessarelSettingsChanged.addObserver([this] { ++announcements; });
 };

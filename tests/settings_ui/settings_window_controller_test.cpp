@@ -29,7 +29,7 @@ using Tab = SettingsWindowController::Tab;
 
 class SettingsWindowControllerTest : public SettingsUiTest {
 protected:
-    /// The windows that exist, shown or not.
+    /// Returns the settings windows, whether shown or not.
     static QList<QWidget*> windows() {
         QList<QWidget*> windows;
         for (QWidget* const widget : QApplication::topLevelWidgets()) {
@@ -42,7 +42,7 @@ protected:
     static QWidget& window() { return *windows().first(); }
     static QTabWidget& tabs() { return *window().findChild<QTabWidget*>(); }
 
-    /// A control of a tab, whether in a window or not.
+    /// Returns the gap slider, whether its tab is in a window or not. Throws when there is none.
     static QSlider& gapSlider() {
         for (QWidget* const widget : QApplication::allWidgets()) {
             if (widget->accessibleName() == "Gap between windows" && widget->inherits("QSlider"))
@@ -63,11 +63,11 @@ TEST(SettingsTabTest, ThereAreFourTabs) {
     EXPECT_EQ(SettingsWindowController::tab(4), std::nullopt);
 }
 
-TEST_F(SettingsWindowControllerTest, ThereIsNoWindowBeforeItIsShown) {
+TEST_F(SettingsWindowControllerTest, NoWindowExistsBeforeTheFirstShow) {
     EXPECT_TRUE(windows().isEmpty());
 }
 
-TEST_F(SettingsWindowControllerTest, ARefreshShowsThePresentSettingsWithoutMakingAWindow) {
+TEST_F(SettingsWindowControllerTest, ARefreshShowsTheCurrentSettingsWithoutCreatingAWindow) {
     settings.gap = 8;
 
     controller.refreshAll();
@@ -97,7 +97,7 @@ TEST_F(SettingsWindowControllerTest, EveryTabIsRefreshed) {
     EXPECT_EQ(layout, "Halves");
 }
 
-TEST_F(SettingsWindowControllerTest, ShowingShowsThePresentSettings) {
+TEST_F(SettingsWindowControllerTest, ShowingRefreshesTheSettings) {
     controller.show();
     window().close();
     settings.gap = 8;
@@ -122,12 +122,12 @@ TEST_F(SettingsWindowControllerTest, TheWindowHasItsSizeAndTitleAndCannotBeResiz
     EXPECT_EQ(window().font().pixelSize(), 13);
 }
 
-TEST_F(SettingsWindowControllerTest, TheTabsStandInOrder) {
+TEST_F(SettingsWindowControllerTest, TheTabsAreInOrder) {
     controller.show();
 
     ASSERT_EQ(tabs().count(), 4);
     EXPECT_EQ(tabs().geometry(), QRect(10, 10, 800, 520));
-    EXPECT_EQ(tabs().focusPolicy(), Qt::NoFocus) << "its row of tabs has the keyboard";
+    EXPECT_EQ(tabs().focusPolicy(), Qt::NoFocus) << "its tab bar takes the focus instead";
     const QStringList labels{"Layouts", "Shortcuts", "General", "About"};
     for (int position = 0; position < 4; ++position) {
         EXPECT_EQ(tabs().tabText(position), labels[position]);
@@ -135,7 +135,7 @@ TEST_F(SettingsWindowControllerTest, TheTabsStandInOrder) {
     }
 }
 
-TEST_F(SettingsWindowControllerTest, EachViewIsWhollyInsideItsTab) {
+TEST_F(SettingsWindowControllerTest, EachViewIsCompletelyInsideItsTab) {
     controller.show();
 
     for (int position = 0; position < 4; ++position) {
@@ -147,7 +147,7 @@ TEST_F(SettingsWindowControllerTest, EachViewIsWhollyInsideItsTab) {
     }
 }
 
-TEST_F(SettingsWindowControllerTest, TheWindowStandsInTheMiddleOfTheScreenAsFarAsThereIsRoom) {
+TEST_F(SettingsWindowControllerTest, TheWindowIsCentredOnTheScreenAsFarAsThereIsRoom) {
     const QRect room = QApplication::primaryScreen()->availableGeometry();
     ASSERT_LT(room.width(), 820);
     ASSERT_GT(room.height(), 540);
@@ -158,7 +158,7 @@ TEST_F(SettingsWindowControllerTest, TheWindowStandsInTheMiddleOfTheScreenAsFarA
     EXPECT_EQ(window().y(), room.y() + (room.height() - 540) / 2);
 }
 
-TEST_F(SettingsWindowControllerTest, ShowingTwiceMakesOneWindowAndKeepsItsTab) {
+TEST_F(SettingsWindowControllerTest, ShowingTwiceCreatesOneWindowAndKeepsItsTab) {
     controller.show(Tab::General);
 
     controller.show();
@@ -179,7 +179,7 @@ TEST_F(SettingsWindowControllerTest, ClosingHidesTheWindowAndShowingBringsTheSam
     EXPECT_TRUE(window().isVisible());
 }
 
-TEST_F(SettingsWindowControllerTest, AWindowClosedOnOneTabOpensOnTheTabThatIsAskedFor) {
+TEST_F(SettingsWindowControllerTest, AWindowClosedOnOneTabReopensOnTheRequestedTab) {
     controller.show(Tab::Layouts);
     window().close();
 
@@ -195,7 +195,7 @@ TEST_F(SettingsWindowControllerTest, ShowingBringsTheProgramToTheFront) {
     EXPECT_TRUE(QTest::qWaitForWindowActive(&window()));
 }
 
-TEST_F(SettingsWindowControllerTest, AMinimizedWindowComesBack) {
+TEST_F(SettingsWindowControllerTest, ShowingRestoresAMinimizedWindow) {
     controller.show();
     window().showMinimized();
 
@@ -204,7 +204,7 @@ TEST_F(SettingsWindowControllerTest, AMinimizedWindowComesBack) {
     EXPECT_FALSE(window().isMinimized());
 }
 
-TEST_F(SettingsWindowControllerTest, TheUsualKeysCloseTheWindowAndEndTheProgram) {
+TEST_F(SettingsWindowControllerTest, TheStandardKeysCloseTheWindowAndQuitTheProgram) {
     controller.show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
 
@@ -218,7 +218,7 @@ TEST_F(SettingsWindowControllerTest, TheUsualKeysCloseTheWindowAndEndTheProgram)
     EXPECT_EQ(desktop.ownApplication().terminations, 1);
 }
 
-TEST_F(SettingsWindowControllerTest, TheWindowEndsWithItsController) {
+TEST_F(SettingsWindowControllerTest, TheWindowIsDestroyedWithItsController) {
     {
         SettingsWindowController other(services, ports);
         other.show();
@@ -228,7 +228,7 @@ TEST_F(SettingsWindowControllerTest, TheWindowEndsWithItsController) {
     EXPECT_TRUE(windows().isEmpty());
 }
 
-/// The window on a screen on which a point is one and a quarter pixels.
+/// Fixture: the window rendered at 1.25 pixels per point.
 class ScaledSettingsWindowTest : public SettingsWindowControllerTest {
 protected:
     static constexpr double kScale = 1.25;
@@ -240,7 +240,7 @@ protected:
         window().render(&screen);
     }
 
-    /// The darkest pixel of some that lie side by side.
+    /// Returns the lowest grey value of `count` pixels, from (`x`, `y`) on in steps of `step`.
     [[nodiscard]] int darkest(int x, int y, QPoint step, int count) const {
         int darkest = 255;
         for (int i = 0; i < count; ++i)
@@ -252,8 +252,8 @@ protected:
     QImage screen{QSize(pixels(820), pixels(540)), QImage::Format_RGB32};
 };
 
-TEST_F(ScaledSettingsWindowTest, ThePagesHaveALineOnEverySide) {
-    constexpr int kLine = 200; // darker than the window and the page
+TEST_F(ScaledSettingsWindowTest, ThePagesHaveABorderOnEverySide) {
+    constexpr int kLine = 200; // the border is darker than this, the window and the page are not
     const int middle = pixels(300);
 
     EXPECT_LT(darkest(pixels(8), middle, QPoint(1, 0), 6), kLine) << "left";

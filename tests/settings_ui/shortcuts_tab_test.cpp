@@ -34,7 +34,8 @@ protected:
         tab = std::make_unique<ShortcutsTab>(context);
     }
 
-    /// A control by its place: that of its frame in the view or, in the rows, in what is scrolled.
+    /// Returns the control with this frame, which in the rows is relative to the scrolled content. Without
+    /// one, fails the test and returns null.
     template <typename Control>
     Control* at(int x, int y, int width, int height) {
         for (QWidget* const child : tab->view()->findChildren<QWidget*>()) {
@@ -55,7 +56,7 @@ protected:
     std::unique_ptr<ShortcutsTab> tab;
 };
 
-TEST_F(ShortcutsTabTest, EverythingStandsInItsPlaceInItsSizeAndColour) {
+TEST_F(ShortcutsTabTest, EveryControlHasItsFrameTextAndStyle) {
     EXPECT_EQ(tab->view()->size(), QSize(780, 480));
     EXPECT_EQ(looks(*tab->view()),
               "16 14 300x22 label 16 bold: Keyboard shortcuts\n"
@@ -66,7 +67,7 @@ TEST_F(ShortcutsTabTest, EverythingStandsInItsPlaceInItsSizeAndColour) {
               "16 436 220x28 button 13: Reset all shortcuts to defaults\n");
 }
 
-TEST_F(ShortcutsTabTest, HasARowForEachActionInTheirOrder) {
+TEST_F(ShortcutsTabTest, HasARowForEachActionInOrder) {
     std::string rows;
     for (int row = 0; row < kActions; ++row) {
         EXPECT_EQ(recorder(row)->actionID(), action(row));
@@ -79,7 +80,7 @@ TEST_F(ShortcutsTabTest, HasARowForEachActionInTheirOrder) {
     EXPECT_EQ(looks(*at<QScrollArea>(17, 85, 738, 338)->widget()), rows);
 }
 
-TEST_F(ShortcutsTabTest, TheModifiersAreCalledAsTheSystemCallsThem) {
+TEST_F(ShortcutsTabTest, ModifiersHaveTheNamesOfTheSystem) {
     PlatformWords words;
     words.modifierNames = {"Control", "Alt", "Umschalt", "Super"};
     const Ports here = simPorts(desktop, copy, words);
@@ -94,14 +95,14 @@ TEST_F(ShortcutsTabTest, TheModifiersAreCalledAsTheSystemCallsThem) {
     EXPECT_EQ(title(0), "Add Control, Alt or Super");
 }
 
-TEST_F(ShortcutsTabTest, RowsScrollUpAndDownOnly) {
+TEST_F(ShortcutsTabTest, RowsScrollOnlyVertically) {
     tab->view()->show();
 
     const auto* const scrollView = at<QScrollArea>(17, 85, 738, 338);
     EXPECT_EQ(scrollView->widget()->size(), QSize(720, 32 * kActions + 10));
     EXPECT_TRUE(scrollView->verticalScrollBar()->isVisible());
     EXPECT_FALSE(scrollView->horizontalScrollBar()->isVisible());
-    EXPECT_EQ(scrollView->focusPolicy(), Qt::NoFocus) << "the Tab key goes from row to row";
+    EXPECT_EQ(scrollView->focusPolicy(), Qt::NoFocus) << "the Tab key moves from row to row";
     EXPECT_GE(scrollView->viewport()->width(), 720) << "part of the rows would be out of reach";
 }
 
@@ -114,7 +115,7 @@ TEST_F(ShortcutsTabTest, RecordingShowsTheNewHotKeyEverywhere) {
     EXPECT_EQ(refreshes, 1);
 }
 
-TEST_F(ShortcutsTabTest, TabsAreRefreshedOnceAChangeIsSavedAndAnnounced) {
+TEST_F(ShortcutsTabTest, TabsAreRefreshedAfterAChangeIsSavedAndAnnounced) {
     std::string order;
     const auto announced = services.store.tessarelSettingsChanged.addObserver([&] {
         order += saved()->bindings == settings.bindings ? "saved, announced; " : "not saved, announced; ";
@@ -129,7 +130,7 @@ TEST_F(ShortcutsTabTest, TabsAreRefreshedOnceAChangeIsSavedAndAnnounced) {
     EXPECT_EQ(order, "saved, announced; refreshed; ");
 }
 
-TEST_F(ShortcutsTabTest, ClearTakesTheHotKeyAway) {
+TEST_F(ShortcutsTabTest, ClearRemovesTheHotKey) {
     QTest::mouseClick(clear(9), Qt::LeftButton);
 
     EXPECT_EQ(services.store.binding(ActionID::leftHalf), std::nullopt);
@@ -140,7 +141,7 @@ TEST_F(ShortcutsTabTest, ClearTakesTheHotKeyAway) {
     EXPECT_EQ(refreshes, 1);
 }
 
-TEST_F(ShortcutsTabTest, EveryClearButtonIsForTheActionOfItsRow) {
+TEST_F(ShortcutsTabTest, EveryClearButtonClearsTheActionOfItsRow) {
     for (int row = 0; row < kActions; ++row) {
         clear(row)->click();
         EXPECT_EQ(services.store.binding(action(row)), std::nullopt) << row;
@@ -148,7 +149,7 @@ TEST_F(ShortcutsTabTest, EveryClearButtonIsForTheActionOfItsRow) {
     }
 }
 
-TEST_F(ShortcutsTabTest, ClearingWhatIsClearIsHarmless) {
+TEST_F(ShortcutsTabTest, ClearingAnUnboundActionIsHarmless) {
     clear(9)->click();
     clear(9)->click();
 
@@ -156,7 +157,7 @@ TEST_F(ShortcutsTabTest, ClearingWhatIsClearIsHarmless) {
     EXPECT_EQ(announcements, 2);
 }
 
-TEST_F(ShortcutsTabTest, ATagThatNoActionHasClearsNothing) {
+TEST_F(ShortcutsTabTest, ATagWithoutAnActionClearsNothing) {
     for (const int tag : {-1, kActions, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()})
         tab->clearTapped(tag);
 
@@ -192,7 +193,7 @@ TEST_F(ShortcutsTabTest, RefreshShowsHotKeysThatWereChangedElsewhere) {
     EXPECT_EQ(title(13), "Cmd+B");
 }
 
-TEST_F(ShortcutsTabTest, ARecorderThatWaitsForKeysGoesOnWhenAnotherRowIsCleared) {
+TEST_F(ShortcutsTabTest, ARecordingContinuesWhenAnotherRowIsCleared) {
     recorder(0)->click();
 
     tab->clearTapped(1);
@@ -203,7 +204,7 @@ TEST_F(ShortcutsTabTest, ARecorderThatWaitsForKeysGoesOnWhenAnotherRowIsCleared)
     EXPECT_EQ(title(0), "Ctrl+Opt+2");
 }
 
-TEST_F(ShortcutsTabTest, EveryControlHasANameOfItsOwn) {
+TEST_F(ShortcutsTabTest, EveryControlHasAnAccessibleNameOfItsOwn) {
     for (int row = 0; row < kActions; ++row) {
         const std::string name(action(row).title());
         EXPECT_EQ(recorder(row)->accessibleName().toStdString(), name);
@@ -212,7 +213,7 @@ TEST_F(ShortcutsTabTest, EveryControlHasANameOfItsOwn) {
     EXPECT_EQ(reset()->accessibleName(), "Reset all shortcuts to defaults");
 }
 
-TEST_F(ShortcutsTabTest, TabGoesThroughTheControlsInReadingOrder) {
+TEST_F(ShortcutsTabTest, TheTabKeyVisitsTheControlsInReadingOrder) {
     tab->view()->show();
     tab->view()->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(tab->view()));
@@ -228,7 +229,7 @@ TEST_F(ShortcutsTabTest, TabGoesThroughTheControlsInReadingOrder) {
     EXPECT_EQ(QApplication::focusWidget(), reset());
 }
 
-TEST_F(ShortcutsTabTest, ARowThatGetsTheFocusScrollsIntoSight) {
+TEST_F(ShortcutsTabTest, ARowThatGetsTheFocusScrollsIntoView) {
     tab->view()->show();
     tab->view()->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(tab->view()));

@@ -11,7 +11,7 @@
 
 namespace tessarel {
 
-/// A picture of 500 x 400 points: a percent is 5 points across and 4 down.
+/// Fixture: zone editing in a picture of 500 x 400 points. One percent is 5 points across and 4 down.
 class ZoneEditingTest : public testing::Test {
 protected:
     using Mode = ZoneEditing::Mode;

@@ -14,7 +14,7 @@
 namespace tessarel {
 namespace {
 
-/// The editor once more, written down as one reads about it: four numbers per zone, in lists.
+/// A naive implementation of the zone editor, with four numbers per zone.
 struct NaiveEditor {
     struct Z {
         bool on;
@@ -42,7 +42,7 @@ struct NaiveEditor {
             from = zone();
             return;
         }
-        std::map<std::pair<double, int>, int> hits; // by area, then by position
+        std::map<std::pair<double, int>, int> hits; // by area, then by index
         for (int i = 0; i < static_cast<int>(zones.size()); ++i) {
             const Z& z = zones[static_cast<std::size_t>(i)];
             const double x0 = z.x / 100 * width, y0 = z.y / 100 * height;
@@ -169,7 +169,7 @@ protected:
     int whole(int from, int to) { return std::uniform_int_distribution(from, to)(random); }
     bool oneIn(int n) { return whole(1, n) == 1; }
 
-    /// Mostly places of the kind that people and presets choose, so that edges meet.
+    /// Returns mostly multiples of 5 and thirds, so that edges often coincide.
     double percent(int from, int to) {
         if (oneIn(8))
             return whole(1, 2) * 100.0 / 3;
@@ -203,7 +203,7 @@ protected:
         commits += editing.release() ? 1 : 0;
     }
 
-    /// Often near an edge of the selected zone, sometimes outside.
+    /// Returns a point that is often near an edge of the selected zone and sometimes outside the picture.
     Point somewhere() {
         const Zone* const zone = editing.selectedZone();
         if (!zone || oneIn(3))
@@ -251,7 +251,7 @@ protected:
     int commits = 0;
 };
 
-TEST_F(ZoneEditingRandomTest, AnyDragsEndWhereTheNaiveEditorHasThem) {
+TEST_F(ZoneEditingRandomTest, RandomDragsAgreeWithTheNaiveEditor) {
     const int drags = rounds(20'000, 1'000'000);
     int changed = 0;
     for (int i = 0; i < drags; ++i) {
@@ -262,7 +262,7 @@ TEST_F(ZoneEditingRandomTest, AnyDragsEndWhereTheNaiveEditorHasThem) {
         ASSERT_NO_FATAL_FAILURE(compare()) << "drag " << i;
         changed += settings.zones == before ? 0 : 1;
     }
-    EXPECT_GT(changed, drags / 4) << "most of the drags were at nothing";
+    EXPECT_GT(changed, drags / 4) << "most drags grabbed nothing";
     EXPECT_GT(selections, drags / 20);
 }
 

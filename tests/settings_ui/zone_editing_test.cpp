@@ -8,7 +8,7 @@ namespace {
 
 // Moving
 
-TEST_F(ZoneEditingTest, AMoveIsMeasuredFromTheZoneAsItWasPressed) {
+TEST_F(ZoneEditingTest, AMoveIsRelativeToTheZoneAtThePress) {
     put({Presets::z(10, 10, 30, 30)});
     press(20, 20);
 
@@ -18,7 +18,7 @@ TEST_F(ZoneEditingTest, AMoveIsMeasuredFromTheZoneAsItWasPressed) {
     EXPECT_EQ(zone(0), Presets::z(12.5, 7, 30, 30));
 }
 
-TEST_F(ZoneEditingTest, ADragWithoutAPlaceChangesNothing) {
+TEST_F(ZoneEditingTest, ADragToANonFinitePointChangesNothing) {
     put({Presets::z(10, 10, 30, 30)});
     press(20, 20);
 
@@ -49,25 +49,25 @@ TEST_F(ZoneEditingTest, AZoneLargerThanTheScreenEndsWhereTheScreenEnds) {
     EXPECT_EQ(zone(0), Presets::z(-20, -30, 120, 130));
 }
 
-TEST_F(ZoneEditingTest, AMovedZoneSnapsByTheEdgeThatIsNearer) {
+TEST_F(ZoneEditingTest, AMovedZoneSnapsByTheNearerEdge) {
     put({Presets::z(10, 10, 31, 31)});
     settings.gridStep = 10;
     press(20, 20);
 
-    drag(33.5, 20); // from 23.5 to 54.5: 1.5 to the guide at 25, 4.5 to the grid at 50
+    drag(33.5, 20); // from 23.5 to 54.5: 1.5 from the guide at 25, 4.5 from the grid at 50
     EXPECT_EQ(zone(0).x, 25);
 
-    drag(28.5, 20); // from 18.5 to 49.5: 1.5 to the grid at 20, 0.5 to the guide at 50
+    drag(28.5, 20); // from 18.5 to 49.5: 1.5 from the grid at 20, 0.5 from the guide at 50
     EXPECT_EQ(zone(0).x, 50 - 31);
     EXPECT_EQ(zone(0).w, 31);
 }
 
-TEST_F(ZoneEditingTest, WithoutAGridAnEdgeThatNothingAttractsIsTheNearest) {
+TEST_F(ZoneEditingTest, WithoutAGridAMoveSnapsOnlyWhenBothEdgesAreAttracted) {
     put({Presets::z(10, 10, 31, 31)});
     press(20, 20);
 
     drag(33.5, 20);
-    EXPECT_EQ(zone(0).x, 23.5) << "the right edge is where it wants to be";
+    EXPECT_EQ(zone(0).x, 23.5) << "nothing attracts the right edge, which is therefore the nearer one";
 
     put({Presets::z(10, 10, 25, 31)});
     press(20, 20);
@@ -76,7 +76,7 @@ TEST_F(ZoneEditingTest, WithoutAGridAnEdgeThatNothingAttractsIsTheNearest) {
 }
 
 TEST_F(ZoneEditingTest, ATieBetweenTheEdgesGoesToTheLeftAndTheTop) {
-    put({Presets::z(10, 10, 26, 26)}); // from 24.5 to 50.5: half a percent to each of two guides
+    put({Presets::z(10, 10, 26, 26)}); // dragged below to 24.5 and 50.5, each 0.5 from a guide
     press(20, 20);
 
     drag(34.5, 34.5);
@@ -89,7 +89,7 @@ TEST_F(ZoneEditingTest, AMovedZoneSnapsToItsNeighbours) {
     settings.gridStep = 10;
     press(15, 15);
 
-    drag(60, 67); // to 55 and 62
+    drag(60, 67); // to x 55 and y 62
 
     EXPECT_EQ(zone(0), Presets::z(54, 61, 10, 10));
 }
@@ -133,16 +133,16 @@ TEST_F(ZoneEditingTest, EveryEdgeFollowsThePointer) {
     }
 }
 
-TEST_F(ZoneEditingTest, ALeftOrTopEdgePulledPastItsOppositeLeavesTwoPercentThere) {
+TEST_F(ZoneEditingTest, ALeftOrTopEdgeStopsTwoPercentBeforeItsOpposite) {
     put({Presets::z(20, 20, 40, 40)});
     press(20, 20);
 
     drag(90, 90);
 
-    EXPECT_EQ(zone(0), Presets::z(58, 58, 2, 2)) << "ends at the edges that it started with";
+    EXPECT_EQ(zone(0), Presets::z(58, 58, 2, 2)) << "the right and bottom edges stay";
 }
 
-TEST_F(ZoneEditingTest, ARightOrBottomEdgePulledPastItsOppositeTakesItAlong) {
+TEST_F(ZoneEditingTest, ARightOrBottomEdgePushesItsOppositeAlong) {
     put({Presets::z(20, 20, 40, 40)});
     press(60, 60);
 
@@ -150,7 +150,7 @@ TEST_F(ZoneEditingTest, ARightOrBottomEdgePulledPastItsOppositeTakesItAlong) {
     EXPECT_EQ(zone(0), Presets::z(3, 8, 2, 2));
 
     drag(-50, -50);
-    EXPECT_EQ(zone(0), Presets::z(-52, -52, 2, 2)) << "wherever it goes";
+    EXPECT_EQ(zone(0), Presets::z(-52, -52, 2, 2)) << "even off the screen";
 }
 
 TEST_F(ZoneEditingTest, AResizedZoneStaysOnTheScreen) {
@@ -165,16 +165,16 @@ TEST_F(ZoneEditingTest, AResizedZoneStaysOnTheScreen) {
     EXPECT_EQ(zone(0), Presets::z(20, 20, 80, 80));
 }
 
-TEST_F(ZoneEditingTest, EdgesThatStayTakePartInTheLimits) {
+TEST_F(ZoneEditingTest, TheLimitsAlsoApplyToEdgesThatAreNotDragged) {
     put({Presets::z(-20, 20, 60, 40)});
     press(40, 40);
 
     drag(45, 40, Snapping::Off);
 
-    EXPECT_EQ(zone(0), Presets::z(0, 20, 45, 40)) << "the left edge comes onto the screen";
+    EXPECT_EQ(zone(0), Presets::z(0, 20, 45, 40)) << "the left edge moves onto the screen";
 }
 
-TEST_F(ZoneEditingTest, AResizeKeepsItsCornerWhateverThePointerComesNear) {
+TEST_F(ZoneEditingTest, AResizeKeepsItsEdgeWhateverThePointerComesNear) {
     put({Presets::z(20, 20, 40, 40)});
     press(20, 40);
 
@@ -184,7 +184,7 @@ TEST_F(ZoneEditingTest, AResizeKeepsItsCornerWhateverThePointerComesNear) {
     EXPECT_EQ(zone(0), Presets::z(30, 20, 30, 40));
 }
 
-// Snapping and rounding, of the left edge of a zone that ends at 90
+// Snapping and rounding of the left edge of a zone whose right edge is at 90 percent
 
 class EdgeSnapTest : public ZoneEditingTest {
 protected:
@@ -213,7 +213,7 @@ TEST_F(EdgeSnapTest, WithoutAGridTheValueIsKept) {
     }
 }
 
-TEST_F(EdgeSnapTest, AGuideAttractsFromLessThanItsReach) {
+TEST_F(EdgeSnapTest, AGuideAttractsFromLessThanOnePointSixPercent) {
     settings.gridStep = 1;
 
     EXPECT_EQ(leftEdgeAt(24), 25);
@@ -230,7 +230,7 @@ TEST_F(EdgeSnapTest, EveryGuideAttracts) {
     EXPECT_EQ(leftEdgeAt(76), 75);
 }
 
-TEST_F(EdgeSnapTest, TheLastGuideIsTheEndOfTheScreen) {
+TEST_F(EdgeSnapTest, TheEdgeOfTheScreenIsAGuide) {
     put({Presets::z(60, 10, 30, 30)});
     press(90, 25);
 
@@ -239,30 +239,30 @@ TEST_F(EdgeSnapTest, TheLastGuideIsTheEndOfTheScreen) {
     EXPECT_EQ(zone(0), Presets::z(60, 10, 40, 30));
 }
 
-TEST_F(EdgeSnapTest, AGuideGoesBeforeAnEdgeThatIsAsNear) {
+TEST_F(EdgeSnapTest, AGuideWinsOverAnEquallyNearEdge) {
     zone(1) = Presets::z(52, 50, 20, 20);
 
     EXPECT_EQ(leftEdgeAt(51), 50);
     EXPECT_EQ(leftEdgeAt(51.5), 52);
 }
 
-TEST_F(EdgeSnapTest, AnEarlierZoneGoesBeforeALaterOneThatIsAsNear) {
+TEST_F(EdgeSnapTest, AnEarlierZoneWinsOverAnEquallyNearLaterOne) {
     zone(1) = Presets::z(12, 50, 20, 20);
     zone(2) = Presets::z(10, 50, 20, 20);
 
     EXPECT_EQ(leftEdgeAt(11), 12);
 }
 
-TEST_F(EdgeSnapTest, TheNearestAttractsAndNotTheFirst) {
+TEST_F(EdgeSnapTest, TheNearestEdgeWinsOverAnEarlierOne) {
     zone(1) = Presets::z(12, 50, 20, 20);
     zone(2) = Presets::z(10.5, 50, 20, 20);
 
     EXPECT_EQ(leftEdgeAt(11), 10.5);
 }
 
-TEST_F(EdgeSnapTest, ThirdsSnapExactlyAndAreKeptToTwoDecimals) {
+TEST_F(EdgeSnapTest, ThirdsSnapExactlyAndAreStoredWithTwoDecimals) {
     EXPECT_EQ(leftEdgeAt(33), 33.33);
-    EXPECT_EQ(zone(0).w, 56.67) << "90 less the exact third, rounded by itself";
+    EXPECT_EQ(zone(0).w, 56.67) << "90 minus the exact third, rounded separately";
 }
 
 TEST_F(EdgeSnapTest, WithoutSnappingTheValueIsStillLimitedAndRounded) {
@@ -280,7 +280,7 @@ TEST_F(EdgeSnapTest, SnappingCanBeSwitchedOffAndOnWithinOneDrag) {
 
 TEST_F(ZoneEditingTest, HalvesOfAHundredthAreRoundedAwayFromZero) {
     put({Presets::z(0, 0, 120, 30)});
-    zone(0).w = 100.125; // ends on the screen at x = -0.125
+    zone(0).w = 100.125; // the limits put it at x = -0.125
     press(50, 15);
 
     drag(60, 15);
@@ -289,14 +289,14 @@ TEST_F(ZoneEditingTest, HalvesOfAHundredthAreRoundedAwayFromZero) {
     EXPECT_EQ(zone(0).w, 100.13);
 }
 
-TEST_F(ZoneEditingTest, ADragKeepsWhetherTheZoneIsEnabled) {
+TEST_F(ZoneEditingTest, ADragKeepsTheEnabledStateOfThePress) {
     put({Presets::z(20, 20, 40, 40)});
     press(40, 40);
-    zone(0).enabled = false; // from elsewhere, meanwhile
+    zone(0).enabled = false; // changed elsewhere during the drag
 
     drag(42, 40);
 
-    EXPECT_TRUE(zone(0).enabled) << "as it was when it was pressed";
+    EXPECT_TRUE(zone(0).enabled) << "as at the time of the press";
 }
 
 // Delete
@@ -312,15 +312,15 @@ TEST_F(ZoneEditingTest, DeleteDisablesTheZoneInItsPlace) {
     EXPECT_EQ(editing.selected, 1);
 }
 
-TEST_F(ZoneEditingTest, DeleteOfADisabledZoneIsAnEditToo) {
+TEST_F(ZoneEditingTest, DeletingADisabledZoneIsAnEditToo) {
     put({});
 
     EXPECT_TRUE(editing.disableSelected());
 }
 
-// Settings from a document that somebody has spoilt
+// Settings with extreme values
 
-TEST_F(ZoneEditingTest, AbsurdNumbersAreNeitherSpreadNorStumbledOver) {
+TEST_F(ZoneEditingTest, ExtremeNumbersDoNotSpreadToOtherZones) {
     constexpr double kHuge = std::numeric_limits<double>::max();
     constexpr double kInfinity = std::numeric_limits<double>::infinity();
     const double absurd[] = {kHuge, -kHuge, kInfinity, -kInfinity, std::nan(""), 1e300, -1e17, 5e-324, -0.0};
@@ -341,7 +341,7 @@ TEST_F(ZoneEditingTest, AbsurdNumbersAreNeitherSpreadNorStumbledOver) {
     }
 }
 
-TEST_F(ZoneEditingTest, AnEditThatEndsBeyondAllNumbersIsNotMade) {
+TEST_F(ZoneEditingTest, AnEditNeverGivesNonFiniteNumbers) {
     const Zone huge{true, 0, 0, std::numeric_limits<double>::max(), std::numeric_limits<double>::max()};
     put({huge});
     press(50, 50);
@@ -349,10 +349,10 @@ TEST_F(ZoneEditingTest, AnEditThatEndsBeyondAllNumbersIsNotMade) {
     drag(60, 60);
 
     EXPECT_TRUE(std::isfinite(zone(0).x));
-    EXPECT_EQ(zone(0).w, huge.w) << "too large to have decimals";
+    EXPECT_EQ(zone(0).w, huge.w) << "too large to be rounded to two decimals";
 }
 
-TEST_F(ZoneEditingTest, AGridTooFineToReckonWithIsNone) {
+TEST_F(ZoneEditingTest, AGridTooFineToComputeWithIsIgnored) {
     put({Presets::z(60, 10, 30, 30)});
     settings.gridStep = 5e-324;
     press(60, 25);

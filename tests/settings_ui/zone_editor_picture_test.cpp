@@ -71,7 +71,7 @@ TEST_F(ZoneEditorPictureTest, TheBackgroundComesFirstAndTheFrameLast) {
     EXPECT_FALSE(last.fill.isValid());
 }
 
-TEST_F(ZoneEditorPictureTest, EverythingIsPaintedInItsOrder) {
+TEST_F(ZoneEditorPictureTest, EverythingIsPaintedInOrder) {
     draw();
 
     std::vector<What> order;
@@ -102,7 +102,7 @@ TEST_F(ZoneEditorPictureTest, GuidesAreDashedLinesAtQuartersThirdsAndHalves) {
         EXPECT_EQ(line.stroke, faded(palette.color(QPalette::Mid), 0.6));
         EXPECT_EQ(line.strokeWidth, 0.5);
         EXPECT_EQ(line.dashes, (QList<double>{3, 3}));
-        EXPECT_EQ(line.cap, Qt::FlatCap) << "else each dash is longer by its width";
+        EXPECT_EQ(line.cap, Qt::FlatCap) << "otherwise each dash would be longer by the line width";
     }
 }
 
@@ -133,7 +133,7 @@ TEST_F(ZoneEditorPictureTest, ZonesHaveRoundCornersOfSixPoints) {
     }
 }
 
-TEST_F(ZoneEditorPictureTest, AllButTheFrameIsSmooth) {
+TEST_F(ZoneEditorPictureTest, EverythingButTheFrameIsAntialiased) {
     draw();
 
     for (const What what : {What::Line, What::Path})
@@ -195,11 +195,11 @@ TEST_F(ZoneEditorPictureTest, ADisabledZoneIsNotPainted) {
 
     EXPECT_EQ(painting.all(What::Path).size(), 1U);
     ASSERT_EQ(painting.all(What::Text).size(), 1U);
-    EXPECT_EQ(painting.all(What::Text)[0].text, "2") << "numbers are places in the list";
+    EXPECT_EQ(painting.all(What::Text)[0].text, "2") << "the number is the position in the list";
     EXPECT_EQ(painting.all(What::Rectangle).size(), 2U) << "and a disabled selection has no handles";
 }
 
-TEST_F(ZoneEditorPictureTest, NoZoneShowsAsSelectedBeyondTheList) {
+TEST_F(ZoneEditorPictureTest, ASelectionOutOfRangeShowsNoZoneAsSelected) {
     for (const int beyond : {-1, 9, std::numeric_limits<int>::max()}) {
         selected = beyond;
         draw();
@@ -226,7 +226,7 @@ TEST_F(ZoneEditorPictureTest, AZoneWithoutRoomForItsInsetIsNotPainted) {
     EXPECT_TRUE(painting.all(What::Text).empty());
 }
 
-TEST_F(ZoneEditorPictureTest, OnlyWhatReachesIntoTheDirtyPartIsPainted) {
+TEST_F(ZoneEditorPictureTest, OnlyWhatIntersectsTheDirtyAreaIsPainted) {
     QPainter painter(&painting);
     picture().draw(painter, QRectF(210, 120, 10, 10));
 
@@ -235,7 +235,7 @@ TEST_F(ZoneEditorPictureTest, OnlyWhatReachesIntoTheDirtyPartIsPainted) {
     EXPECT_EQ(painting.all(What::Rectangle).size(), 2U) << "background and frame, but no handle";
 }
 
-TEST_F(ZoneEditorPictureTest, AHandleIsPaintedWhenItsStrokeReachesIntoTheDirtyPart) {
+TEST_F(ZoneEditorPictureTest, AHandleIsPaintedWhenItsStrokeIntersectsTheDirtyArea) {
     const auto handlesIn = [this](const QRectF& dirty) {
         painting.painted.clear();
         QPainter painter(&painting);
@@ -243,7 +243,7 @@ TEST_F(ZoneEditorPictureTest, AHandleIsPaintedWhenItsStrokeReachesIntoTheDirtyPa
         return painting.all(What::Rectangle).size() - 2;
     };
 
-    // In the middle of the right edge is one from 196 to 204 and from 96 to 104 points.
+    // The handle in the middle of the right edge covers x 196 to 204 and y 96 to 104.
     EXPECT_EQ(handlesIn({205, 90, 20, 20}), 1U);
     EXPECT_EQ(handlesIn({206, 90, 20, 20}), 0U);
     EXPECT_EQ(handlesIn({175, 90, 20, 20}), 1U);
@@ -254,7 +254,7 @@ TEST_F(ZoneEditorPictureTest, AHandleIsPaintedWhenItsStrokeReachesIntoTheDirtyPa
     EXPECT_EQ(handlesIn({190, 74, 20, 20}), 0U);
 }
 
-TEST_F(ZoneEditorPictureTest, NothingOfAZoneLiesOutsideItsExtent) {
+TEST_F(ZoneEditorPictureTest, AZoneIsPaintedOnlyInsideItsExtent) {
     for (const Zone& zone : {Presets::z(20, 20, 30, 30), Presets::z(20.13, 20.77, 2, 2),
                              Presets::z(33.33, 0, 66.67, 100), Presets::z(97, 97, 3, 3)}) {
         zones = {};
@@ -289,7 +289,7 @@ TEST_F(ZoneEditorPictureTest, TheFrameIsSharpAtEveryScale) {
 TEST_F(ZoneEditorPictureTest, StraightEdgesHaveASharpCoreAtEveryScale) {
     zones = {Presets::z(33.33, 20, 33.34, 60)};
     selected = 8;
-    const QColor stroke = [this] { // fill and stroke one above the other
+    const QColor stroke = [this] { // the stroke blended with the background
         const auto over = [](int above, int below, double alpha) {
             return alpha * above + (1 - alpha) * below;
         };
@@ -311,7 +311,7 @@ TEST_F(ZoneEditorPictureTest, StraightEdgesHaveASharpCoreAtEveryScale) {
     }
 }
 
-TEST_F(ZoneEditorPictureTest, AbsurdZonesArePaintedAsFarAsTheyAreSeen) {
+TEST_F(ZoneEditorPictureTest, ExtremeZonesAreClippedToThePicture) {
     constexpr double kHuge = std::numeric_limits<double>::max();
     zones = {{true, -1e12, -1e12, 2e12, 2e12},
              {true, std::nan(""), 0, 50, 50},
@@ -326,7 +326,8 @@ TEST_F(ZoneEditorPictureTest, AbsurdZonesArePaintedAsFarAsTheyAreSeen) {
         EXPECT_LT(std::abs(shape.bounds.x()), 1000);
         EXPECT_LT(shape.bounds.width(), 1000);
     }
-    EXPECT_EQ(image(1).pixelColor(390, 190), image(1).pixelColor(380, 130)) << "filled by the first one";
+    EXPECT_EQ(image(1).pixelColor(390, 190), image(1).pixelColor(380, 130))
+        << "the first zone fills both points";
 }
 
 } // namespace

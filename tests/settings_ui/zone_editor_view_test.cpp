@@ -23,7 +23,7 @@
 namespace tessarel {
 namespace {
 
-/// A picture of 500 x 400 points: a percent is 5 points across and 4 down.
+/// Fixture: an editor view of 500 x 400 points. One percent is 5 points across and 4 down.
 class ZoneEditorViewTest : public SettingsUiTest {
 protected:
     ZoneEditorViewTest() {
@@ -71,7 +71,7 @@ TEST_F(ZoneEditorViewTest, ADragMovesAZoneAndCommitsOnce) {
     EXPECT_EQ(commits, 1);
 }
 
-TEST_F(ZoneEditorViewTest, ADragIsNeverSavedByTheView) {
+TEST_F(ZoneEditorViewTest, TheViewSavesNothing) {
     press(70, 70);
     move(65, 70);
     release(65, 70);
@@ -99,7 +99,7 @@ TEST_F(ZoneEditorViewTest, AClickCommitsWithoutAnEdit) {
     EXPECT_TRUE(selections.empty());
 }
 
-TEST_F(ZoneEditorViewTest, AClickOnEmptySpaceSaysNothing) {
+TEST_F(ZoneEditorViewTest, AClickOnEmptySpaceReportsNothing) {
     press(5, 90);
     move(10, 90);
     release(10, 90);
@@ -108,7 +108,7 @@ TEST_F(ZoneEditorViewTest, AClickOnEmptySpaceSaysNothing) {
     EXPECT_EQ(view->selected(), 0);
 }
 
-TEST_F(ZoneEditorViewTest, ASecondPressOfADoubleClickCanDrag) {
+TEST_F(ZoneEditorViewTest, TheSecondPressOfADoubleClickCanDrag) {
     press(30, 30);
     release(30, 30);
     QMouseEvent second(QEvent::MouseButtonDblClick, at(30, 30), view->mapToGlobal(at(30, 30)), Qt::LeftButton,
@@ -123,14 +123,14 @@ TEST_F(ZoneEditorViewTest, ShiftHeldDuringTheDragTurnsSnappingOff) {
     press(20, 30);
 
     move(24, 30);
-    EXPECT_EQ(zone(0).x, 25) << "drawn to the guide";
+    EXPECT_EQ(zone(0).x, 25) << "snapped to the guide";
     move(24, 30, Qt::ShiftModifier);
     EXPECT_EQ(zone(0).x, 24);
     move(24, 30, Qt::ControlModifier);
     EXPECT_EQ(zone(0).x, 25);
 }
 
-TEST_F(ZoneEditorViewTest, OtherButtonsTakeHoldOfNothing) {
+TEST_F(ZoneEditorViewTest, OtherButtonsGrabNothing) {
     QTest::mousePress(view.get(), Qt::RightButton, {}, at(70, 70));
     move(75, 75, {}, Qt::RightButton);
     QTest::mouseRelease(view.get(), Qt::RightButton, {}, at(75, 75));
@@ -168,7 +168,7 @@ TEST_F(ZoneEditorViewTest, HidingTheViewEndsTheDrag) {
     EXPECT_EQ(commits, 1);
 }
 
-TEST_F(ZoneEditorViewTest, APressTakesTheKeyboard) {
+TEST_F(ZoneEditorViewTest, APressTakesTheKeyboardFocus) {
     view->clearFocus();
 
     press(5, 90);
@@ -237,7 +237,7 @@ TEST_F(ZoneEditorViewTest, ItWorksWithoutCallbacks) {
     EXPECT_EQ(zone(1), (Zone{false, 55, 60, 20, 20}));
 }
 
-TEST_F(ZoneEditorViewTest, ItIsAPictureToThoseWhoDoNotSeeIt) {
+TEST_F(ZoneEditorViewTest, ItIsAccessibleAsAGraphic) {
     const QAccessibleInterface* const told = QAccessible::queryAccessibleInterface(view.get());
 
     ASSERT_NE(told, nullptr);
@@ -245,7 +245,7 @@ TEST_F(ZoneEditorViewTest, ItIsAPictureToThoseWhoDoNotSeeIt) {
     EXPECT_EQ(told->text(QAccessible::Name), "Zones");
 }
 
-TEST_F(ZoneEditorViewTest, ThePointerShowsWhatAPressWouldDo) {
+TEST_F(ZoneEditorViewTest, TheCursorShowsWhatAPressWouldDo) {
     struct Case {
         QPointF place;
         Qt::CursorShape shape;
@@ -262,7 +262,7 @@ TEST_F(ZoneEditorViewTest, ThePointerShowsWhatAPressWouldDo) {
     }
 }
 
-TEST_F(ZoneEditorViewTest, ThePointerHoldsWhileAZoneIsMoved) {
+TEST_F(ZoneEditorViewTest, TheCursorIsAClosedHandWhileAZoneIsMoved) {
     press(30, 30);
     EXPECT_EQ(view->cursor().shape(), Qt::ClosedHandCursor);
     move(95, 95);
@@ -271,7 +271,7 @@ TEST_F(ZoneEditorViewTest, ThePointerHoldsWhileAZoneIsMoved) {
     EXPECT_EQ(view->cursor().shape(), Qt::OpenHandCursor);
 }
 
-/// Keeps what the screen shows: of each new picture only the part that the view has painted anew.
+/// Fixture: keeps an image of the screen, to which only those parts of the view are copied that it repaints.
 class ZoneEditorRepaintTest : public ZoneEditorViewTest, public QObject {
 protected:
     ZoneEditorRepaintTest() {
@@ -287,7 +287,7 @@ protected:
         return image;
     }
 
-    /// Whether it is what the view looks like.
+    /// Processes events, copies the repainted parts, and expects the screen to match the view.
     void expectScreenIsUpToDate() {
         QApplication::processEvents();
         const QImage now = whole();
@@ -311,7 +311,7 @@ private:
     }
 };
 
-TEST_F(ZoneEditorRepaintTest, WhateverIsDraggedTheScreenShowsIt) {
+TEST_F(ZoneEditorRepaintTest, TheScreenIsUpToDateDuringEveryDrag) {
     for (const auto& [x, y] : {std::pair{70, 70}, {80, 80}, {95, 50}, {33, 20}, {0, 0}, {100, 100}}) {
         press(x, y);
         expectScreenIsUpToDate();
@@ -324,7 +324,7 @@ TEST_F(ZoneEditorRepaintTest, WhateverIsDraggedTheScreenShowsIt) {
     }
 }
 
-TEST_F(ZoneEditorRepaintTest, OnlyThePartThatChangesIsPaintedAnew) {
+TEST_F(ZoneEditorRepaintTest, OnlyTheChangedPartIsRepainted) {
     press(70, 70);
     expectScreenIsUpToDate();
 
@@ -342,7 +342,7 @@ TEST_F(ZoneEditorRepaintTest, ANewSelectionIsShownAtOnce) {
     expectScreenIsUpToDate();
 }
 
-TEST_F(ZoneEditorRepaintTest, KeyboardFocusIsSeenAndMouseFocusIsNot) {
+TEST_F(ZoneEditorRepaintTest, KeyboardFocusIsShownAndMouseFocusIsNot) {
     const QImage without = whole();
     QFocusEvent byKey(QEvent::FocusIn, Qt::TabFocusReason);
     QApplication::sendEvent(view.get(), &byKey);
@@ -353,7 +353,7 @@ TEST_F(ZoneEditorRepaintTest, KeyboardFocusIsSeenAndMouseFocusIsNot) {
     EXPECT_EQ(whole(), without);
 }
 
-TEST_F(ZoneEditorRepaintTest, KeyboardFocusIsALineOfTwoPointsAlongTheBorder) {
+TEST_F(ZoneEditorRepaintTest, KeyboardFocusIsShownAsALineOfTwoPointsAlongTheBorder) {
     QFocusEvent byKey(QEvent::FocusIn, Qt::BacktabFocusReason);
     QApplication::sendEvent(view.get(), &byKey);
     RecordedPainting painting;
@@ -374,7 +374,7 @@ TEST_F(ZoneEditorRepaintTest, ADeletedZoneDisappears) {
     QTest::keyClick(view.get(), Qt::Key_Delete);
 
     EXPECT_NE(whole().pixel(at(30, 30)), inZone);
-    EXPECT_EQ(whole().pixel(at(31, 31)), whole().pixel(at(90, 31))) << "as where no zone has been";
+    EXPECT_EQ(whole().pixel(at(31, 31)), whole().pixel(at(90, 31))) << "the same as outside all zones";
 }
 
 } // namespace

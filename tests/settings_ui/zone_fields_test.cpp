@@ -42,7 +42,7 @@ protected:
     int ends = 0;
 };
 
-TEST_F(ZoneFieldsTest, TheFieldsStandInTheirPlacesAndOrder) {
+TEST_F(ZoneFieldsTest, TheFieldsHaveTheirFramesNamesAndOrder) {
     const QRect frames[] = {{558, 176, 76, 24}, {676, 176, 76, 24}, {558, 210, 76, 24}, {676, 210, 76, 24}};
     const char* const names[] = {"X", "Y", "W", "H"};
     for (int i = 0; i < 4; ++i) {
@@ -60,7 +60,7 @@ TEST_F(ZoneFieldsTest, NumbersAreShownWithoutTrailingZeros) {
     EXPECT_EQ(field(3).text(), "0");
 }
 
-TEST_F(ZoneFieldsTest, OnlyAnEnabledZoneCanBeTypedUpon) {
+TEST_F(ZoneFieldsTest, OnlyAnEnabledZoneCanBeEdited) {
     fields.show({false, 25, 25, 50, 50});
     for (int i = 0; i < 4; ++i)
         EXPECT_FALSE(field(i).isEnabled());
@@ -76,42 +76,42 @@ TEST_F(ZoneFieldsTest, ADecimalCommaIsAccepted) {
     EXPECT_EQ(zone, Presets::z(12.5, 30, 40, 50));
 }
 
-TEST_F(ZoneFieldsTest, LettersLeaveTheNumberAsItIs) {
+TEST_F(ZoneFieldsTest, TextThatIsNotANumberLeavesTheValue) {
     type(x(), "abc");
     EXPECT_EQ(zone.x, 20);
     type(x(), "12 %");
-    EXPECT_EQ(zone.x, 12) << "after the first two digits";
+    EXPECT_EQ(zone.x, 12) << "the value after the first two characters";
     type(x(), "");
     EXPECT_EQ(zone.x, 12);
 }
 
-TEST_F(ZoneFieldsTest, TooLargeANumberIsCutAndTheZoneLosesItsWidth) {
+TEST_F(ZoneFieldsTest, ATooLargePositionIsClampedAndTheZoneLosesItsWidth) {
     type(x(), "150");
 
     EXPECT_EQ(zone, Presets::z(100, 30, 0, 50));
 }
 
-TEST_F(ZoneFieldsTest, ANegativeNumberIsZero) {
+TEST_F(ZoneFieldsTest, ANegativeNumberIsClampedToZero) {
     type(x(), "-5");
 
     EXPECT_EQ(zone.x, 0);
 }
 
-TEST_F(ZoneFieldsTest, AZoneIsAtLeastOneWideAndHigh) {
+TEST_F(ZoneFieldsTest, AZoneIsAtLeastOnePercentWideAndHigh) {
     type(w(), "0");
     type(field(3), "0.2");
 
     EXPECT_EQ(zone, Presets::z(20, 30, 1, 1));
 }
 
-TEST_F(ZoneFieldsTest, AZoneEndsOnTheScreen) {
+TEST_F(ZoneFieldsTest, AZoneIsClampedToTheScreen) {
     type(w(), "90");
     EXPECT_EQ(zone, Presets::z(20, 30, 80, 50));
     type(field(1), "60");
     EXPECT_EQ(zone, Presets::z(20, 60, 80, 40));
 }
 
-TEST_F(ZoneFieldsTest, WhatIsTypedStaysAsItIsTypedUntilItIsDone) {
+TEST_F(ZoneFieldsTest, TypedTextStaysAsTypedUntilEditingEnds) {
     type(x(), "007,50");
     fields.show(zone);
     EXPECT_EQ(x().text(), "007,50");
@@ -122,7 +122,7 @@ TEST_F(ZoneFieldsTest, WhatIsTypedStaysAsItIsTypedUntilItIsDone) {
     EXPECT_EQ(ends, 1);
 }
 
-TEST_F(ZoneFieldsTest, TheOtherFieldsFollowWhileOneIsTypedInto) {
+TEST_F(ZoneFieldsTest, TheOtherFieldsAreUpdatedWhileOneIsTypedInto) {
     type(x(), "70");
     fields.show(zone);
 
@@ -130,7 +130,7 @@ TEST_F(ZoneFieldsTest, TheOtherFieldsFollowWhileOneIsTypedInto) {
     EXPECT_EQ(w().text(), "30");
 }
 
-TEST_F(ZoneFieldsTest, LeavingAChangedFieldEndsItOnce) {
+TEST_F(ZoneFieldsTest, LeavingAChangedFieldEndsEditingOnce) {
     type(x(), "10");
     QTest::keyClick(&x(), Qt::Key_Tab);
 
@@ -140,7 +140,7 @@ TEST_F(ZoneFieldsTest, LeavingAChangedFieldEndsItOnce) {
     EXPECT_EQ(ends, 1) << "nothing has been typed there";
 }
 
-TEST_F(ZoneFieldsTest, AFieldThatOnlyHasTheKeyboardFollows) {
+TEST_F(ZoneFieldsTest, AFocusedFieldWithoutTypedTextIsUpdated) {
     x().setFocus();
 
     fields.show(Presets::z(50, 50, 50, 50));
@@ -148,7 +148,7 @@ TEST_F(ZoneFieldsTest, AFieldThatOnlyHasTheKeyboardFollows) {
     EXPECT_EQ(x().text(), "50");
 }
 
-TEST_F(ZoneFieldsTest, ATextIsANumberAsAWholeOrNotAtAll) {
+TEST_F(ZoneFieldsTest, ATextIsParsedAsAWholeOrRejected) {
     EXPECT_EQ(ZoneFields::number("12.5"), 12.5);
     EXPECT_EQ(ZoneFields::number(" 12,5\t"), 12.5);
     EXPECT_EQ(ZoneFields::number("-3"), -3);
@@ -161,7 +161,7 @@ TEST_F(ZoneFieldsTest, ATextIsANumberAsAWholeOrNotAtAll) {
         EXPECT_EQ(ZoneFields::number(text), std::nullopt) << text;
 }
 
-TEST_F(ZoneFieldsTest, TheUsersLocaleChangesNothing) {
+TEST_F(ZoneFieldsTest, TheLocaleDoesNotMatter) {
     QLocale::setDefault(QLocale::German);
     fields.show(Presets::z(12.5, 30, 40, 50));
     EXPECT_EQ(x().text(), "12.5");

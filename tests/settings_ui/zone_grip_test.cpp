@@ -3,10 +3,10 @@
 namespace tessarel {
 namespace {
 
-/// What is taken hold of.
+/// Tests which zone, edge or corner a press grabs.
 class ZoneGripTest : public ZoneEditingTest {};
 
-TEST_F(ZoneGripTest, APressInAZoneSelectsItAndHoldsIt) {
+TEST_F(ZoneGripTest, APressInAZoneSelectsAndGrabsIt) {
     put({Presets::z(0, 0, 30, 50), Presets::z(50, 0, 30, 50)});
 
     EXPECT_TRUE(press(60, 20));
@@ -15,7 +15,7 @@ TEST_F(ZoneGripTest, APressInAZoneSelectsItAndHoldsIt) {
     EXPECT_EQ(editing.grip(), (ZoneEditing::Grip{Mode::Move, {}, 1}));
 }
 
-TEST_F(ZoneGripTest, APressInTheSelectedZoneHoldsItWithoutSelectingAnew) {
+TEST_F(ZoneGripTest, APressInTheSelectedZoneGrabsItWithoutSelectingItAgain) {
     put({Presets::z(0, 0, 30, 50)});
 
     EXPECT_FALSE(press(10, 20));
@@ -23,7 +23,7 @@ TEST_F(ZoneGripTest, APressInTheSelectedZoneHoldsItWithoutSelectingAnew) {
     EXPECT_EQ(editing.grip().mode, Mode::Move);
 }
 
-TEST_F(ZoneGripTest, APressOnEmptySpaceHoldsNothingAndKeepsTheSelection) {
+TEST_F(ZoneGripTest, APressOnEmptySpaceGrabsNothingAndKeepsTheSelection) {
     put({Presets::z(0, 0, 30, 50), Presets::z(50, 0, 30, 50)});
     editing.selected = 1;
 
@@ -62,7 +62,7 @@ TEST_F(ZoneGripTest, ADisabledZoneIsNotHit) {
     EXPECT_EQ(editing.selected, 0);
 }
 
-TEST_F(ZoneGripTest, AZoneHoldsItsFirstEdgesAndNotItsLast) {
+TEST_F(ZoneGripTest, AZoneIncludesItsLeftAndTopEdgesButNotItsRightAndBottomEdges) {
     put({Presets::z(20, 20, 40, 40)});
     editing.selected = 8;
 
@@ -86,7 +86,7 @@ TEST_F(ZoneGripTest, EdgesAreGrabbedUpToEightPointsAway) {
     EXPECT_EQ(edgesAt({200, 248.1}), ZoneEdges{});
 }
 
-TEST_F(ZoneGripTest, ACornerIsGrabbedByBothItsEdgesAlsoFromOutside) {
+TEST_F(ZoneGripTest, ACornerGrabsBothItsEdgesAlsoFromOutside) {
     put({Presets::z(20, 20, 40, 40)});
 
     EXPECT_EQ(edgesAt({92, 72}), (ZoneEdges{.left = true, .top = true}));
@@ -112,7 +112,7 @@ TEST_F(ZoneGripTest, ALowZoneIsGrabbedAtTheNearerSide) {
     EXPECT_EQ(edgesAt({200, 84}), (ZoneEdges{.top = true})) << "exactly midway";
 }
 
-TEST_F(ZoneGripTest, AnEdgeOfTheSelectedZoneGoesBeforeAZoneAbove) {
+TEST_F(ZoneGripTest, AnEdgeOfTheSelectedZoneWinsOverAZoneAbove) {
     put({Presets::z(0, 0, 50, 100), Presets::z(50, 0, 50, 100)});
 
     EXPECT_FALSE(press(51, 40));
@@ -137,7 +137,7 @@ TEST_F(ZoneGripTest, ADisabledSelectionHasNoEdgesToGrab) {
     EXPECT_EQ(editing.selectedZone(), nullptr);
 }
 
-TEST_F(ZoneGripTest, ASelectionBeyondTheListHoldsNothing) {
+TEST_F(ZoneGripTest, ASelectionOutOfRangeGrabsNothing) {
     for (const int beyond : {-1, 9, 1000}) {
         editing.selected = beyond;
         EXPECT_EQ(editing.selectedZone(), nullptr);
@@ -146,7 +146,7 @@ TEST_F(ZoneGripTest, ASelectionBeyondTheListHoldsNothing) {
     }
 }
 
-TEST_F(ZoneGripTest, ADragWhoseSelectionHasGoneDoesNothing) {
+TEST_F(ZoneGripTest, ADragWhoseSelectionIsOutOfRangeDoesNothing) {
     put({Presets::z(20, 20, 40, 40)});
     press(40, 40);
     const AppSettings before = settings;
@@ -155,10 +155,10 @@ TEST_F(ZoneGripTest, ADragWhoseSelectionHasGoneDoesNothing) {
     EXPECT_FALSE(drag(50, 50));
 
     EXPECT_EQ(settings, before);
-    EXPECT_TRUE(editing.release()) << "what was held is let go nevertheless";
+    EXPECT_TRUE(editing.release()) << "the grab is released nevertheless";
 }
 
-TEST_F(ZoneGripTest, APictureWithoutExtentCannotBeDraggedOn) {
+TEST_F(ZoneGripTest, DraggingInAPictureWithoutExtentDoesNothing) {
     put({Presets::z(20, 20, 40, 40)});
     press(40, 40);
 
@@ -168,7 +168,7 @@ TEST_F(ZoneGripTest, APictureWithoutExtentCannotBeDraggedOn) {
     EXPECT_EQ(zone(0), Presets::z(20, 20, 40, 40));
 }
 
-TEST_F(ZoneGripTest, AClickWithoutADragIsLetGoOnce) {
+TEST_F(ZoneGripTest, AClickWithoutADragIsReleasedOnce) {
     put({Presets::z(20, 20, 40, 40)});
     press(40, 40);
 

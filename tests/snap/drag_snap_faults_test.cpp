@@ -8,7 +8,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// What goes wrong in the middle of a drag, and that the next one works.
+/// Tests faults in the middle of a drag, after which the next drag must work.
 class DragSnapFaultsTest : public SnapTest {
 protected:
     DragSnapFaultsTest() { mouse.hold(kShift); }
@@ -27,7 +27,7 @@ protected:
     }
 };
 
-TEST_F(DragSnapFaultsTest, ALostReleaseIsMadeUpForByTheNextMovement) {
+TEST_F(DragSnapFaultsTest, ALostReleaseIsNoticedAtTheNextMovement) {
     beginDrag();
     mouse.loseRelease();
 
@@ -95,7 +95,7 @@ TEST_F(DragSnapFaultsTest, TheWindowOfAnEarlierDragMayCloseDuringTheNextOne) {
     EXPECT_EQ(desktop.frame(window), kRight);
 }
 
-TEST_F(DragSnapFaultsTest, NobodyWaitsForAWindowToCloseBetweenDrags) {
+TEST_F(DragSnapFaultsTest, WindowsAreNotObservedBetweenDrags) {
     beginDrag();
     EXPECT_EQ(desktop.accessibility().closeObservers(), 1U);
 
@@ -153,7 +153,7 @@ TEST_F(DragSnapFaultsTest, AWindowClosedBeforeItIsSeenToMoveShowsNoOverlay) {
     EXPECT_EQ(picture.windows, 0);
 }
 
-TEST_F(DragSnapFaultsTest, AProgramThatStopsInTheMiddleOfADragDoesNotHoldUpTheOverlay) {
+TEST_F(DragSnapFaultsTest, AProgramThatHangsInTheMiddleOfADragDoesNotDelayTheOverlay) {
     beginDrag();
     desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
     const auto before = desktop.mainQueue().now();
@@ -168,7 +168,7 @@ TEST_F(DragSnapFaultsTest, AProgramThatStopsInTheMiddleOfADragDoesNotHoldUpTheOv
     expectThatTheNextDragWorks();
 }
 
-TEST_F(DragSnapFaultsTest, AProgramThatStopsBeforeTheMoveIsSeenHoldsUpEachReadForAQuarterOfASecond) {
+TEST_F(DragSnapFaultsTest, AProgramThatHangsBeforeTheMoveIsSeenDelaysEachReadByAQuarterOfASecond) {
     grab(window);
     desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
     desktop.advance(30ms);
@@ -211,7 +211,7 @@ TEST_F(DragSnapFaultsTest, AWindowThatCanBeReadInBetweenIsNotGivenUp) {
     EXPECT_EQ(labels(), "1[2]");
 }
 
-TEST_F(DragSnapFaultsTest, AReadThatFailedBeforeThePressDoesNotCount) {
+TEST_F(DragSnapFaultsTest, AFailedReadOfAnEarlierPressDoesNotCount) {
     for (int press = 0; press < 2; ++press) {
         grab(window);
         desktop.drag(window, kStart);
@@ -227,7 +227,7 @@ TEST_F(DragSnapFaultsTest, AReadThatFailedBeforeThePressDoesNotCount) {
     EXPECT_EQ(labels(), "1[2]");
 }
 
-TEST_F(DragSnapFaultsTest, ADisplayRemovedUnderTheOverlayTakesItAwayWithTheNextMovement) {
+TEST_F(DragSnapFaultsTest, TheOverlayOfARemovedDisplayIsHiddenAtTheNextMovement) {
     const auto second = desktop.addScreen({.frame = {-2560, 500, 1120, 900}});
     grab(window);
     dragTo({-500, 500});
@@ -255,7 +255,7 @@ TEST_F(DragSnapFaultsTest, WithoutAnyDisplayNothingIsShownOrPlaced) {
     EXPECT_THAT(desktop.takeWrites(), IsEmpty());
 }
 
-TEST_F(DragSnapFaultsTest, SettingsChangedInTheMiddleOfADragCountFromTheNextMovement) {
+TEST_F(DragSnapFaultsTest, SettingsChangedInTheMiddleOfADragTakeEffectAtTheNextMovement) {
     beginDrag();
     settings.zones = zones({kWhole, {true, 50, 0, 50, 50}});
     settings.dragTrigger = "always";
@@ -271,7 +271,7 @@ TEST_F(DragSnapFaultsTest, SettingsChangedInTheMiddleOfADragCountFromTheNextMove
     EXPECT_EQ(settings.appZones.at("org.example.editor"), 1);
 }
 
-TEST_F(DragSnapFaultsTest, SwitchingOffCountsFromTheNextPress) {
+TEST_F(DragSnapFaultsTest, SwitchingOffTakesEffectAtTheNextPress) {
     beginDrag();
     settings.dragEnabled = false;
     runtime.paused = true;
@@ -286,7 +286,7 @@ TEST_F(DragSnapFaultsTest, SwitchingOffCountsFromTheNextPress) {
     EXPECT_FALSE(picture.isVisible);
 }
 
-TEST_F(DragSnapFaultsTest, FewerZonesThanBeforeDoNotMatterToTheRelease) {
+TEST_F(DragSnapFaultsTest, RemovingTheZonesBeforeTheReleaseDoesNotChangeTheTarget) {
     beginDrag();
     settings.zones.clear();
 
@@ -295,7 +295,7 @@ TEST_F(DragSnapFaultsTest, FewerZonesThanBeforeDoNotMatterToTheRelease) {
     EXPECT_EQ(desktop.frame(window), kRight);
 }
 
-TEST_F(DragSnapFaultsTest, ItsEndInTheMiddleOfADragTakesTheOverlayAway) {
+TEST_F(DragSnapFaultsTest, DestroyingDragSnapInTheMiddleOfADragHidesTheOverlay) {
     beginDrag();
 
     dragSnap.reset();
@@ -306,7 +306,7 @@ TEST_F(DragSnapFaultsTest, ItsEndInTheMiddleOfADragTakesTheOverlayAway) {
     EXPECT_THAT(desktop.takeWrites(), IsEmpty());
 }
 
-TEST_F(DragSnapFaultsTest, ItsEndBetweenReleaseAndPlacementCallsThePlacementOff) {
+TEST_F(DragSnapFaultsTest, DestroyingDragSnapBetweenReleaseAndPlacementCancelsThePlacement) {
     beginDrag();
     mouse.release();
     const Rect dropped = desktop.frame(window);
@@ -328,7 +328,7 @@ TEST_F(DragSnapFaultsTest, ANewDragBetweenReleaseAndPlacementLeavesThePlacementA
     EXPECT_EQ(desktop.frame(window), kRight);
 }
 
-TEST_F(DragSnapFaultsTest, ADragBegunBeforeTheProgramIsNotJoined) {
+TEST_F(DragSnapFaultsTest, ADragBegunBeforeTheStartIsIgnored) {
     dragSnap->stop();
     grab(window);
     moveTo({600, 300});
@@ -341,7 +341,7 @@ TEST_F(DragSnapFaultsTest, ADragBegunBeforeTheProgramIsNotJoined) {
     expectThatTheNextDragWorks();
 }
 
-TEST_F(DragSnapFaultsTest, AProgramThatRefusesToMoveLosesNothing) {
+TEST_F(DragSnapFaultsTest, AWindowThatRefusesThePlacementStaysWhereItWasDropped) {
     beginDrag();
     desktop.applicationOf(window).refusesPosition = true;
     desktop.applicationOf(window).refusesSize = true;

@@ -8,13 +8,13 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// What a press makes a candidate of.
+/// Tests which window a press makes the candidate.
 class DragSnapPressTest : public SnapTest {
 protected:
     DragSnapPressTest() { mouse.hold(kShift); }
 
-    /// Whether a drag that begins with a press at that place of the screen brings up the overlay, though the
-    /// window moves with it.
+    /// Presses at `local`, measured from the top-left corner of the screen, moves the window and the pointer,
+    /// and returns whether the overlay appears. Puts everything back.
     bool startsADrag(const Point& local) {
         moveTo(local);
         mouse.press();
@@ -35,19 +35,19 @@ TEST_F(DragSnapPressTest, APressOnTheTitleBarStartsADrag) {
     EXPECT_TRUE(startsADrag({520, 160}));
 }
 
-TEST_F(DragSnapPressTest, APressMoreThanSixtyPointsBelowTheTopStartsNothing) {
+TEST_F(DragSnapPressTest, APressMoreThanSixtyPointsBelowTheTopStartsNoDrag) {
     EXPECT_TRUE(startsADrag({520, 210}));
     EXPECT_FALSE(startsADrag({520, 210.01}));
     EXPECT_FALSE(startsADrag({520, 500}));
     EXPECT_FALSE(startsADrag({520, 629}));
 }
 
-TEST_F(DragSnapPressTest, APressBesideEveryWindowStartsNothing) {
+TEST_F(DragSnapPressTest, APressOutsideEveryWindowStartsNoDrag) {
     EXPECT_FALSE(startsADrag({520, 149}));
     EXPECT_FALSE(startsADrag({840, 160}));
 }
 
-TEST_F(DragSnapPressTest, APressOutsideTheFrameThatTheWindowSaysStartsNothing) {
+TEST_F(DragSnapPressTest, APressOutsideTheReportedFrameStartsNoDrag) {
     desktop.window(window).overrides["AXPosition"] = at(500, 500);
 
     moveTo({520, 160});
@@ -58,20 +58,20 @@ TEST_F(DragSnapPressTest, APressOutsideTheFrameThatTheWindowSaysStartsNothing) {
     EXPECT_FALSE(picture.isVisible);
 }
 
-TEST_F(DragSnapPressTest, APartOfAWindowLeadsToItsWindow) {
+TEST_F(DragSnapPressTest, APressOnAPartOfAWindowDragsTheWindow) {
     desktop.window(window).partRole = "AXToolbar";
 
     EXPECT_TRUE(startsADrag({520, 160}));
 }
 
-TEST_F(DragSnapPressTest, APartWithoutAWindowStartsNothing) {
+TEST_F(DragSnapPressTest, APressOnAPartWithoutAWindowStartsNoDrag) {
     desktop.window(window).partRole = "AXMenuBar";
     desktop.window(window).overrides["AXWindow"] = std::nullopt;
 
     EXPECT_FALSE(startsADrag({520, 160}));
 }
 
-TEST_F(DragSnapPressTest, APartThatNamesAWindowThatHasClosedStartsNothing) {
+TEST_F(DragSnapPressTest, APressOnAPartOfAClosedWindowStartsNoDrag) {
     const auto closed = desktop.openWindow("org.example.viewer", at({900, 500, 100, 100}));
     const Element gone = desktop.element(closed);
     desktop.close(closed);
@@ -87,7 +87,7 @@ TEST_F(DragSnapPressTest, AWindowOfAnIgnoredApplicationIsNeverSnapped) {
     EXPECT_FALSE(startsADrag({520, 160}));
 }
 
-TEST_F(DragSnapPressTest, AWindowThatCannotBeMovedStartsNothing) {
+TEST_F(DragSnapPressTest, AWindowThatCannotBeMovedStartsNoDrag) {
     desktop.window(window).fullScreen = true;
     EXPECT_FALSE(startsADrag({520, 160}));
     desktop.window(window).fullScreen = false;
@@ -96,7 +96,7 @@ TEST_F(DragSnapPressTest, AWindowThatCannotBeMovedStartsNothing) {
     EXPECT_FALSE(startsADrag({520, 160}));
 }
 
-TEST_F(DragSnapPressTest, AWindowThatDoesNotSayWhereItIsStartsNothing) {
+TEST_F(DragSnapPressTest, AWindowWithoutAReadableFrameStartsNoDrag) {
     desktop.window(window).overrides["AXSize"] = std::nullopt;
 
     moveTo({520, 160});
@@ -107,7 +107,7 @@ TEST_F(DragSnapPressTest, AWindowThatDoesNotSayWhereItIsStartsNothing) {
     EXPECT_FALSE(picture.isVisible);
 }
 
-TEST_F(DragSnapPressTest, AWindowOfTheProgramItselfIsNeverSnapped) {
+TEST_F(DragSnapPressTest, ThisProgramsOwnWindowIsNeverSnapped) {
     window = desktop.openOwnWindow(kStart);
     (void)desktop.takeRequests();
 
@@ -115,7 +115,7 @@ TEST_F(DragSnapPressTest, AWindowOfTheProgramItselfIsNeverSnapped) {
     EXPECT_THAT(desktop.takeRequests(), IsEmpty());
 }
 
-TEST_F(DragSnapPressTest, SwitchedOffPausedOrNotTrustedNothingIsAsked) {
+TEST_F(DragSnapPressTest, WhileSwitchedOffPausedOrUntrustedNoRequestIsSent) {
     settings.dragEnabled = false;
     EXPECT_FALSE(startsADrag({520, 160}));
     settings.dragEnabled = true;
@@ -133,7 +133,7 @@ TEST_F(DragSnapPressTest, SwitchedOffPausedOrNotTrustedNothingIsAsked) {
     EXPECT_TRUE(startsADrag({520, 160}));
 }
 
-TEST_F(DragSnapPressTest, ThePressAsksInThisOrderAndInBoundedTime) {
+TEST_F(DragSnapPressTest, APressSendsItsRequestsInOrderAndWithATimeLimit) {
     moveTo({520, 160});
 
     mouse.press();
@@ -145,7 +145,7 @@ TEST_F(DragSnapPressTest, ThePressAsksInThisOrderAndInBoundedTime) {
                             "read window 1 AXSize"));
 }
 
-TEST_F(DragSnapPressTest, AProgramThatDoesNotAnswerHoldsUpThePressForAQuarterOfASecond) {
+TEST_F(DragSnapPressTest, AnUnresponsiveProgramDelaysThePressByAQuarterOfASecond) {
     desktop.applicationOf(window).answerTime = sim::SimApplication::kTimeLimit;
     moveTo({520, 160});
     const auto before = desktop.mainQueue().now();

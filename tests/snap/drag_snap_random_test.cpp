@@ -12,7 +12,7 @@ namespace {
 constexpr int kSequences = 25'000;
 constexpr int kSteps = 10;
 
-/// One rectangle of the overlay, in accessibility coordinates.
+/// A zone on the overlay: its frame in accessibility coordinates, whether it is highlighted, and its label.
 using Shown = std::tuple<double, double, double, double, bool, std::string>;
 
 struct Put {
@@ -22,7 +22,7 @@ struct Put {
     std::optional<std::int64_t> zone;
 };
 
-/// Drag snapping once more, told of the same events and written down as one reads about it.
+/// State of a naive implementation of drag snapping, which receives the same mouse events.
 struct NaiveDragSnap {
     bool candidate = false;
     sim::WindowId window{};
@@ -42,7 +42,8 @@ struct NaiveDragSnap {
     }
 };
 
-/// The zone at a screen's edge; the width is 0 when there is none.
+/// Returns the zone that a pointer at (`px`, `py`) gets at an edge of the screen `s`; its width is 0 when no
+/// zone is offered.
 Zone naiveEdgeZone(const Rect& s, double px, double py) {
     const bool top = py <= s.y + 6;
     const bool bottom = !top && py >= s.y + s.height - 7;
@@ -85,7 +86,7 @@ protected:
         return values[static_cast<std::size_t>(whole(0, kSize - 1))];
     }
 
-    // What the naive one does.
+    // The naive implementation.
 
     void hear(const MouseEvent& event) {
         const double px = event.screenLocation.x;
@@ -192,7 +193,7 @@ protected:
         naive.reset();
     }
 
-    // What happens to both.
+    // Random steps, which affect both implementations.
 
     Point somewhere() {
         static constexpr std::array<double, 12> kXs = {-1,  0,   6,   7,      80,   81,
@@ -336,13 +337,13 @@ protected:
 
     double primaryHeight() { return desktop.displays().screens().at(0).frame.height; }
 
-    /// The button is up, the windows have room to be dragged, and the user takes hold of one.
+    /// Releases the button, moves the windows to where they can be dragged, and grabs one of them.
     void beginSequence() {
         mouse.release();
         pass(1s);
         desktop.drag(windows[0], at({700, 300, 500, 400}));
         desktop.drag(windows[1], kStart);
-        (void)desktop.takeRequests(); // the record would grow for ever
+        (void)desktop.takeRequests(); // the record of requests would grow without limit
         mouse.hold(oneIn(3) ? 0 : kShift);
         grabSomeWindow();
     }
@@ -359,7 +360,7 @@ protected:
     std::vector<SubscriptionPtr> monitors;
 };
 
-TEST_F(DragSnapRandomTest, DragSnappingAgreesWithASecondOne) {
+TEST_F(DragSnapRandomTest, DragSnappingAgreesWithTheNaiveImplementation) {
     int overlays = 0;
     for (int sequence = 0; sequence < kSequences; ++sequence) {
         beginSequence();

@@ -12,14 +12,14 @@ using ::testing::IsEmpty;
 
 class DragSnapTest : public SnapTest {
 protected:
-    /// Where restoring takes the window.
+    /// Restores the window and returns its frame.
     Rect restored() {
         engine.restoreFocused();
         return desktop.frame(window);
     }
 };
 
-TEST_F(DragSnapTest, AWindowDroppedInAZoneWithTheTriggerHeldIsSetToIt) {
+TEST_F(DragSnapTest, AWindowDroppedWithTheTriggerHeldIsPlacedInTheZone) {
     mouse.hold(kShift);
     grab(window);
     dragTo({1000, 500});
@@ -69,7 +69,7 @@ TEST_F(DragSnapTest, TheApplicationIsRememberedForTheZone) {
     EXPECT_EQ(desktop.preferencesStorage().writes, 1);
 }
 
-TEST_F(DragSnapTest, AnApplicationWithoutANameIsNotRemembered) {
+TEST_F(DragSnapTest, AnApplicationWithoutAnIdentifierIsNotRemembered) {
     window = desktop.openWindow(desktop.launch({}), {.axFrame = kStart});
     mouse.hold(kShift);
     grab(window);
@@ -81,7 +81,7 @@ TEST_F(DragSnapTest, AnApplicationWithoutANameIsNotRemembered) {
     EXPECT_EQ(desktop.preferencesStorage().writes, 0);
 }
 
-TEST_F(DragSnapTest, SavingComesAfterTheWindowHasBeenPlaced) {
+TEST_F(DragSnapTest, SettingsAreSavedAfterTheWindowIsPlaced) {
     Rect seen;
     desktop.preferencesStorage().whileWriting = [&] { seen = desktop.frame(window); };
     mouse.hold(kShift);
@@ -152,7 +152,7 @@ TEST_F(DragSnapTest, WithTheTriggerAlwaysEveryDragShowsTheZonesAndEdgesNeverSnap
     EXPECT_EQ(desktop.frame(window), dropped);
 }
 
-TEST_F(DragSnapTest, ThePointerOutsideEveryZoneShowsThemAndSnapsNothing) {
+TEST_F(DragSnapTest, APointerOutsideEveryZoneShowsTheZonesAndSnapsNothing) {
     settings.zones = zones({{true, 0, 0, 25, 25}});
     mouse.hold(kShift);
     grab(window);
@@ -197,7 +197,7 @@ TEST_F(DragSnapTest, AClickOnATitleBarDoesNothing) {
     EXPECT_EQ(picture.windows, 0);
 }
 
-TEST_F(DragSnapTest, ThreePointsAreNoMove) {
+TEST_F(DragSnapTest, AMoveOfThreePointsIsNoDrag) {
     mouse.hold(kShift);
     for (const Point& step : {Point{3, 0}, Point{-3, 0}, Point{0, 3}, Point{3, -3}}) {
         grab(window);
@@ -208,7 +208,7 @@ TEST_F(DragSnapTest, ThreePointsAreNoMove) {
     }
 }
 
-TEST_F(DragSnapTest, MoreThanThreePointsOnEitherAxisAreAMove) {
+TEST_F(DragSnapTest, AMoveOfMoreThanThreePointsOnEitherAxisIsADrag) {
     mouse.hold(kShift);
     for (const Point& step : {Point{3.01, 0}, Point{-4, 0}, Point{0, 3.01}, Point{1, -4}}) {
         grab(window);
@@ -227,7 +227,7 @@ TEST_F(DragSnapTest, AClickAfterADragIsNoDrag) {
     ASSERT_EQ(desktop.frame(window), kRight);
 
     grab(window);
-    dragTo({1011, 36}); // one point further, title bar and all
+    dragTo({1011, 36}); // one point to the right and down
     EXPECT_FALSE(picture.isVisible);
     drop();
 
@@ -257,7 +257,7 @@ TEST_F(DragSnapTest, AWindowResizedByItsTopEdgeShowsNoOverlay) {
     EXPECT_EQ(desktop.frame(window), at({200, 88, 640, 542}));
 }
 
-TEST_F(DragSnapTest, ASizeThatChangesByThreePointsIsAResizeAndOneThatChangesByLessIsNot) {
+TEST_F(DragSnapTest, ASizeChangeOfThreePointsIsAResizeAndASmallerOneIsNot) {
     mouse.hold(kShift);
     for (const auto& [size, isDrag] : {std::pair(Size{643, 480}, false),
                                        {{637, 480}, false},
@@ -273,7 +273,7 @@ TEST_F(DragSnapTest, ASizeThatChangesByThreePointsIsAResizeAndOneThatChangesByLe
     }
 }
 
-TEST_F(DragSnapTest, AWindowThatHasItsSizeAgainIsDragged) {
+TEST_F(DragSnapTest, AWindowThatRegainsItsSizeIsDragged) {
     mouse.hold(kShift);
     grab(window);
     desktop.drag(window, {kStart.x, kStart.y, 700, 500});
@@ -298,7 +298,7 @@ TEST_F(DragSnapTest, AFrameIsReadAtMostEveryThirtyMillisecondsUntilTheWindowMove
     EXPECT_EQ(desktop.takeRequests().size(), 2U * 10U);
 }
 
-TEST_F(DragSnapTest, AReadExactlyThirtyMillisecondsAfterTheLastOneIsMade) {
+TEST_F(DragSnapTest, TheFrameIsReadAgainExactlyThirtyMillisecondsAfterTheLastRead) {
     grab(window);
     moveTo({521, 160});
     (void)desktop.takeRequests();
@@ -312,7 +312,7 @@ TEST_F(DragSnapTest, AReadExactlyThirtyMillisecondsAfterTheLastOneIsMade) {
     EXPECT_EQ(desktop.takeRequests().size(), 2U);
 }
 
-TEST_F(DragSnapTest, TheLastReadCountsAcrossDrags) {
+TEST_F(DragSnapTest, TheReadIntervalAppliesAcrossDrags) {
     mouse.hold(kShift);
     grab(window);
     moveTo({521, 160});
@@ -326,7 +326,7 @@ TEST_F(DragSnapTest, TheLastReadCountsAcrossDrags) {
     EXPECT_TRUE(picture.isVisible);
 }
 
-TEST_F(DragSnapTest, TheEventThatShowsTheMoveIsFollowedAlready) {
+TEST_F(DragSnapTest, TheEventThatRevealsTheMoveAlreadyShowsTheOverlay) {
     mouse.hold(kShift);
     grab(window);
     moveTo({1000, 500});
@@ -334,7 +334,7 @@ TEST_F(DragSnapTest, TheEventThatShowsTheMoveIsFollowedAlready) {
     EXPECT_EQ(labels(), "1[2]");
 }
 
-TEST_F(DragSnapTest, OnceTheMoveIsSeenNobodyIsAskedUntilTheRelease) {
+TEST_F(DragSnapTest, OnceTheMoveIsSeenNoRequestIsSentUntilTheRelease) {
     mouse.hold(kShift);
     grab(window);
     dragTo({600, 160});
@@ -350,7 +350,7 @@ TEST_F(DragSnapTest, OnceTheMoveIsSeenNobodyIsAskedUntilTheRelease) {
     EXPECT_FALSE(desktop.takeRequests().empty());
 }
 
-TEST_F(DragSnapTest, OnlyAnotherHighlightIsPainted) {
+TEST_F(DragSnapTest, OnlyAChangedHighlightIsPainted) {
     mouse.hold(kShift);
     grab(window);
     dragTo({600, 300});
@@ -377,7 +377,7 @@ TEST_F(DragSnapTest, TheOverlayFollowsThePointerToAnotherScreen) {
     EXPECT_EQ(desktop.frame(window), (Rect{632, 31, 620, 725}));
 }
 
-TEST_F(DragSnapTest, AScreenHasItsTopEdgeAndNotItsBottomOne) {
+TEST_F(DragSnapTest, AScreenIncludesItsTopEdgeButNotItsBottomEdge) {
     desktop.addScreen({.frame = {-1440, 1400, 1440, 900}});
     mouse.hold(kShift);
     grab(window);
@@ -392,7 +392,7 @@ TEST_F(DragSnapTest, AScreenHasItsTopEdgeAndNotItsBottomOne) {
     EXPECT_FALSE(picture.isVisible) << "y 500, below which there is no screen";
 }
 
-TEST_F(DragSnapTest, AScreenHasItsLeftEdgeAndNotItsRightOne) {
+TEST_F(DragSnapTest, AScreenIncludesItsLeftEdgeButNotItsRightEdge) {
     mouse.hold(kShift);
     grab(window);
     dragTo({0, 700});
@@ -406,7 +406,7 @@ TEST_F(DragSnapTest, AScreenHasItsLeftEdgeAndNotItsRightOne) {
     EXPECT_EQ(picture.screenFrame, (Rect{0, 0, 1280, 800})) << "the left edge of the primary display";
 }
 
-TEST_F(DragSnapTest, OfScreensThatBothShowThePointerTheFirstIsUsed) {
+TEST_F(DragSnapTest, OfOverlappingScreensUnderThePointerTheFirstIsUsed) {
     desktop.addScreen({.frame = screen.frame});
     mouse.hold(kShift);
     grab(window);
@@ -439,7 +439,7 @@ TEST_F(DragSnapTest, MovementsWithoutAPressDoNothing) {
     EXPECT_EQ(picture.windows, 0);
 }
 
-TEST_F(DragSnapTest, StartWatchesThreeKindsInOrderAndNeverStacksUp) {
+TEST_F(DragSnapTest, StartMonitorsThreeKindsOfEventsOnceAndInOrder) {
     dragSnap->start();
     dragSnap->start();
 
@@ -460,7 +460,7 @@ TEST_F(DragSnapTest, ARefusedMonitorIsNotKept) {
     EXPECT_EQ(picture.windows, 0);
 }
 
-TEST_F(DragSnapTest, StopWatchesNothingAndGivesUpTheDrag) {
+TEST_F(DragSnapTest, StopRemovesTheMonitorsAndCancelsTheDrag) {
     mouse.hold(kShift);
     grab(window);
     dragTo({1000, 500});

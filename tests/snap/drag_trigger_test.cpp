@@ -7,10 +7,10 @@ namespace {
 
 using ::testing::IsEmpty;
 
-/// The trigger is pressed or released in the middle of a drag.
+/// Tests pressing and releasing the trigger in the middle of a drag.
 class DragTriggerTest : public SnapTest {};
 
-TEST_F(DragTriggerTest, LettingGoOfTheTriggerBeforeTheReleaseLeavesTheWindowWhereItIs) {
+TEST_F(DragTriggerTest, ReleasingTheTriggerBeforeTheButtonLeavesTheWindow) {
     mouse.hold(kShift);
     grab(window);
     dragTo({1000, 500});
@@ -26,7 +26,7 @@ TEST_F(DragTriggerTest, LettingGoOfTheTriggerBeforeTheReleaseLeavesTheWindowWher
     EXPECT_THAT(desktop.takeWrites(), IsEmpty());
 }
 
-TEST_F(DragTriggerTest, LettingGoOfTheTriggerUnderARestingPointerLeavesTheWindowWhereItIs) {
+TEST_F(DragTriggerTest, ReleasingTheTriggerUnderARestingPointerLeavesTheWindow) {
     mouse.hold(kShift);
     grab(window);
     dragTo({1000, 500});
@@ -41,7 +41,7 @@ TEST_F(DragTriggerTest, LettingGoOfTheTriggerUnderARestingPointerLeavesTheWindow
     EXPECT_THAT(desktop.takeWrites(), IsEmpty());
 }
 
-TEST_F(DragTriggerTest, LettingGoOfTheTriggerAfterTheReleaseStillSnaps) {
+TEST_F(DragTriggerTest, ReleasingTheTriggerAfterTheButtonStillSnaps) {
     mouse.hold(kShift);
     grab(window);
     dragTo({1000, 500});
@@ -52,7 +52,7 @@ TEST_F(DragTriggerTest, LettingGoOfTheTriggerAfterTheReleaseStillSnaps) {
     EXPECT_EQ(desktop.frame(window), kRight);
 }
 
-TEST_F(DragTriggerTest, TheTriggerPressedUnderARestingPointerShowsTheZonesAndSnaps) {
+TEST_F(DragTriggerTest, PressingTheTriggerUnderARestingPointerShowsTheZonesAndSnaps) {
     grab(window);
     dragTo({1000, 500});
     EXPECT_FALSE(picture.isVisible);

@@ -35,7 +35,7 @@ void expectAll(const std::vector<Case>& cases) {
         EXPECT_EQ(edgeZone(kScreen, one.pointer), one.zone) << one.pointer.x << ", " << one.pointer.y;
 }
 
-TEST(EdgeZonesTest, EachBandOffersWhatTheTableSays) {
+TEST(EdgeZonesTest, EachEdgeAndCornerOffersItsZone) {
     expectAll({
         {{kLeft + 40, kTop}, kTopLeft},
         {{kRight - 40, kTop}, kTopRight},
@@ -86,13 +86,13 @@ TEST(EdgeZonesTest, CornersReachEightyPointsAlongEachEdge) {
     });
 }
 
-TEST(EdgeZonesTest, AwayFromAllEdgesThereIsNothing) {
+TEST(EdgeZonesTest, AwayFromAllEdgesNothingIsOffered) {
     expectAll({{{kMiddleX, kMiddleY}, kNothing},
                {{kLeft + 7, kTop + 7}, kNothing},
                {{kRight - 8, kBottom - 8}, kNothing}});
 }
 
-TEST(EdgeZonesTest, OnAScreenNoWiderThanItsCornersTheFirstEndWins) {
+TEST(EdgeZonesTest, OnAScreenSmallerThanItsCornersTheLeftAndTopCornersWin) {
     const Rect narrow{0, 0, 100, 100};
 
     EXPECT_EQ(edgeZone(narrow, {50, 0}), kTopLeft);

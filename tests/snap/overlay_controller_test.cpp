@@ -37,7 +37,7 @@ TEST_F(OverlayControllerTest, ShowCoversTheScreenAndDrawsTheItems) {
     EXPECT_EQ(labels(), "1[2]");
 }
 
-/// An overlay that writes down in which order it is touched.
+/// An `OverlayPort` that records the order of the calls to it.
 class RecordedOverlay : public OverlayPort {
 public:
     std::unique_ptr<OverlayWindow> createWindow() override {
@@ -63,7 +63,7 @@ private:
     };
 };
 
-TEST_F(OverlayControllerTest, WhatIsSeenIsRightFromTheFirstMomentOn) {
+TEST_F(OverlayControllerTest, TheOverlayIsSetUpBeforeItIsShown) {
     RecordedOverlay recorded;
     OverlayController controller{recorded, geo};
 
@@ -75,7 +75,7 @@ TEST_F(OverlayControllerTest, WhatIsSeenIsRightFromTheFirstMomentOn) {
                 ElementsAre("make", "frame", "figures", "front", "frame", "figures", "front", "out"));
 }
 
-TEST_F(OverlayControllerTest, HidingTwiceTouchesItOnce) {
+TEST_F(OverlayControllerTest, HidingTwiceOrdersTheWindowOutOnce) {
     overlay.show(screen, {left});
     overlay.hide();
     overlay.hide();
@@ -83,7 +83,7 @@ TEST_F(OverlayControllerTest, HidingTwiceTouchesItOnce) {
     EXPECT_EQ(picture.ordersOut, 1);
 }
 
-TEST_F(OverlayControllerTest, TheWindowIsMadeOnceAndKept) {
+TEST_F(OverlayControllerTest, TheWindowIsCreatedOnceAndKept) {
     overlay.show(screen, {left});
     overlay.hide();
     overlay.show(screen, {right});
@@ -92,7 +92,7 @@ TEST_F(OverlayControllerTest, TheWindowIsMadeOnceAndKept) {
     EXPECT_TRUE(picture.isVisible);
 }
 
-TEST_F(OverlayControllerTest, HideTakesItOffTheScreenAndKeepsThePicture) {
+TEST_F(OverlayControllerTest, HideOrdersTheWindowOutAndKeepsThePicture) {
     overlay.show(screen, {left, right});
 
     overlay.hide();
@@ -104,7 +104,7 @@ TEST_F(OverlayControllerTest, HideTakesItOffTheScreenAndKeepsThePicture) {
     EXPECT_EQ(picture.drawings, 1) << "nothing has changed meanwhile";
 }
 
-TEST_F(OverlayControllerTest, ShowingTheSameAgainTouchesNothing) {
+TEST_F(OverlayControllerTest, ShowingTheSameItemsAgainDoesNothing) {
     overlay.show(screen, {left, target});
     for (int n = 0; n < 100; ++n)
         overlay.show(screen, {left, target});
@@ -114,7 +114,7 @@ TEST_F(OverlayControllerTest, ShowingTheSameAgainTouchesNothing) {
     EXPECT_EQ(picture.ordersFront, 1);
 }
 
-TEST_F(OverlayControllerTest, EveryOtherShowBringsItToTheFront) {
+TEST_F(OverlayControllerTest, EveryShowThatChangesSomethingBringsTheWindowToTheFront) {
     overlay.show(screen, {left});
     overlay.show(screen, {right});
     overlay.hide();
@@ -123,7 +123,7 @@ TEST_F(OverlayControllerTest, EveryOtherShowBringsItToTheFront) {
     EXPECT_EQ(picture.ordersFront, 3);
 }
 
-TEST_F(OverlayControllerTest, OnlyItemsThatLookDifferentAreChanged) {
+TEST_F(OverlayControllerTest, OnlyItemsThatLookDifferentAreReportedAsChanged) {
     overlay.show(screen, {left, right});
     EXPECT_THAT(picture.changed, UnorderedElementsAre(kLeftShown, kRightShown));
 
@@ -131,7 +131,7 @@ TEST_F(OverlayControllerTest, OnlyItemsThatLookDifferentAreChanged) {
     EXPECT_THAT(picture.changed, UnorderedElementsAre(kRightShown));
 }
 
-TEST_F(OverlayControllerTest, AnItemThatMovesChangesBothPlaces) {
+TEST_F(OverlayControllerTest, AnItemThatMovesChangesItsOldAndItsNewFrame) {
     overlay.show(screen, {left});
 
     overlay.show(screen, {right});
@@ -139,7 +139,7 @@ TEST_F(OverlayControllerTest, AnItemThatMovesChangesBothPlaces) {
     EXPECT_THAT(picture.changed, UnorderedElementsAre(kLeftShown, kRightShown));
 }
 
-TEST_F(OverlayControllerTest, ItemsThatComeOrGoChangeTheirPlace) {
+TEST_F(OverlayControllerTest, AddedAndRemovedItemsChangeTheirFrames) {
     overlay.show(screen, {left});
 
     overlay.show(screen, {left, right});
@@ -150,7 +150,7 @@ TEST_F(OverlayControllerTest, ItemsThatComeOrGoChangeTheirPlace) {
     EXPECT_EQ(picture.figures.size(), 1U);
 }
 
-TEST_F(OverlayControllerTest, WithoutItemsItIsThereAndDrawsNothing) {
+TEST_F(OverlayControllerTest, WithoutItemsTheWindowIsShownEmpty) {
     overlay.show(screen, {});
     EXPECT_TRUE(picture.isVisible);
     EXPECT_TRUE(picture.figures.empty());
@@ -162,7 +162,7 @@ TEST_F(OverlayControllerTest, WithoutItemsItIsThereAndDrawsNothing) {
     EXPECT_THAT(picture.changed, ElementsAre(kLeftShown));
 }
 
-TEST_F(OverlayControllerTest, AnotherScreenIsAnotherFrameOfTheSameWindow) {
+TEST_F(OverlayControllerTest, AnotherScreenGivesTheSameWindowAnotherFrame) {
     const Screen second = desktop.addScreen({.frame = {1280, -300, 1920, 1080}});
     overlay.show(screen, {left});
 
@@ -173,18 +173,18 @@ TEST_F(OverlayControllerTest, AnotherScreenIsAnotherFrameOfTheSameWindow) {
     EXPECT_THAT(shown(), ElementsAre(Rect{10, 20, 960, 1000}));
 }
 
-TEST_F(OverlayControllerTest, ADisplayThatHasBecomeLargerIsCoveredWhole) {
+TEST_F(OverlayControllerTest, ADisplayThatHasGrownIsCoveredCompletely) {
     overlay.show(screen, {left});
     Screen larger = screen;
     larger.frame = {screen.frame.x, screen.frame.y - 100, screen.frame.width, screen.frame.height + 100};
 
-    overlay.show(larger, {left}); // its top-left corner is where it was
+    overlay.show(larger, {left}); // its top-left corner has not moved
 
     EXPECT_EQ(picture.screenFrame, larger.frame);
     EXPECT_EQ(picture.drawings, 1);
 }
 
-TEST_F(OverlayControllerTest, TheFrameIsSetOnlyWhenItIsAnother) {
+TEST_F(OverlayControllerTest, TheFrameIsSetOnlyWhenItChanges) {
     overlay.show(screen, {left});
     overlay.show(screen, {right});
     overlay.hide();
@@ -195,10 +195,10 @@ TEST_F(OverlayControllerTest, TheFrameIsSetOnlyWhenItIsAnother) {
     EXPECT_EQ(picture.framesSet, 2);
 }
 
-TEST_F(OverlayControllerTest, APrimaryDisplayOfAnotherHeightMovesThePictureOnTheOthers) {
+TEST_F(OverlayControllerTest, AChangedHeightOfThePrimaryDisplayMovesThePictureOnOtherScreens) {
     overlay.show(screen, {left});
     ASSERT_THAT(shown(), ElementsAre(kLeftShown));
-    desktop.removeScreen(desktop.displays().screens().front().id); // of 800 points, where this one has 900
+    desktop.removeScreen(desktop.displays().screens().front().id); // 800 points high; this one has 900
 
     overlay.show(screen, {left});
 

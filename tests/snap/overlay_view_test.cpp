@@ -11,7 +11,7 @@ OverlayFigure drawn(const OverlayItem& item, const Point& origin = {}) {
     return OverlayView{origin, {item}}.draw().at(0);
 }
 
-TEST(OverlayViewTest, APlainZoneLooksAsTabled) {
+TEST(OverlayViewTest, APlainZoneIsPaintedInThePlainStyle) {
     const OverlayFigure figure = drawn({{0, 25, 720, 875}, false, "1"});
 
     EXPECT_EQ(figure.bounds, (Rect{0, 25, 720, 875}));
@@ -24,7 +24,7 @@ TEST(OverlayViewTest, APlainZoneLooksAsTabled) {
     EXPECT_FALSE(figure.highlighted);
 }
 
-TEST(OverlayViewTest, AHighlightedZoneLooksAsTabled) {
+TEST(OverlayViewTest, AHighlightedZoneIsPaintedInTheHighlightedStyle) {
     const OverlayFigure figure = drawn({{0, 25, 720, 875}, true, "2"});
 
     EXPECT_EQ(figure.shape, (Rect{2, 27, 716, 871}));
@@ -40,7 +40,7 @@ TEST(OverlayViewTest, WithoutItemsNothingIsPainted) {
     EXPECT_TRUE(OverlayView{}.draw().empty());
 }
 
-TEST(OverlayViewTest, TwoItemsOfTheSameRectangleArePaintedBothInTheirOrder) {
+TEST(OverlayViewTest, TwoItemsWithTheSameRectangleAreBothPaintedInOrder) {
     const Rect rect{100, 100, 300, 200};
 
     const auto figures = OverlayView{{}, {{rect, true, "1"}, {rect, false, "2"}}}.draw();
@@ -51,7 +51,7 @@ TEST(OverlayViewTest, TwoItemsOfTheSameRectangleArePaintedBothInTheirOrder) {
     EXPECT_EQ(figures[0].shape, figures[1].shape);
 }
 
-TEST(OverlayViewTest, AnItemWithoutALabelIsPaintedAllTheSame) {
+TEST(OverlayViewTest, AnItemWithoutALabelIsPainted) {
     const OverlayFigure figure = drawn({{0, 0, 100, 100}, false, ""});
 
     EXPECT_EQ(figure.label.text, "");

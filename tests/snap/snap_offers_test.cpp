@@ -11,11 +11,11 @@ using ::testing::ElementsAre;
 
 class SnapOffersTest : public SnapTest {
 protected:
-    static constexpr Point kMiddle{690, 435}; // of the usable area
+    static constexpr Point kMiddle{690, 435}; // centre of the usable area
 
     SnapOffersTest() { settings.edgeSnap = false; }
 
-    /// The offer at a place of the screen, measured from its top-left corner.
+    /// Returns the offer at `local`, measured from the top-left corner of the screen.
     SnapOffer offer(const Point& local, std::uint64_t modifierFlags = kShiftFlag) {
         return offerAt(at(local.x, local.y), modifierFlags);
     }
@@ -28,7 +28,7 @@ protected:
     }
 };
 
-TEST_F(SnapOffersTest, EachTriggerLooksAtItsOwnModifier) {
+TEST_F(SnapOffersTest, EachTriggerChecksItsOwnModifier) {
     for (const auto& [trigger, flag] :
          {std::pair("shift", kShiftFlag), {"control", kControlFlag}, {"command", kCommandFlag}}) {
         EXPECT_TRUE(isHeld(trigger, flag)) << trigger;
@@ -37,12 +37,12 @@ TEST_F(SnapOffersTest, EachTriggerLooksAtItsOwnModifier) {
     }
 }
 
-TEST_F(SnapOffersTest, WithTheTriggerAlwaysNoKeyMatters) {
+TEST_F(SnapOffersTest, WithTheTriggerAlwaysNoModifierIsNeeded) {
     EXPECT_TRUE(isHeld("always", 0));
     EXPECT_TRUE(isHeld("always", ~std::uint64_t{0}));
 }
 
-TEST_F(SnapOffersTest, AnUnknownTriggerIsShiftAndThereIsNoneByTheOptionKey) {
+TEST_F(SnapOffersTest, AnUnknownTriggerMeansShiftAndOptionIsNoTrigger) {
     for (const char* const unknown : {"", "option", "Shift", "SHIFT", "nonsense"}) {
         EXPECT_TRUE(isHeld(unknown, kShiftFlag)) << unknown;
         EXPECT_FALSE(isHeld(unknown, kOptionFlag)) << unknown;
@@ -66,7 +66,7 @@ TEST_F(SnapOffersTest, ADisabledZoneHasNoItemAndTheOthersKeepTheirNumbers) {
     EXPECT_EQ(offered.zoneNumber, 3U);
 }
 
-TEST_F(SnapOffersTest, OutsideEveryZoneAllAreShownAndNoneIsTheTarget) {
+TEST_F(SnapOffersTest, OutsideEveryZoneAllZonesAreShownAndNoneIsTheTarget) {
     settings.zones = zones({{true, 0, 0, 25, 25}, {true, 75, 75, 25, 25}});
 
     const SnapOffer offered = offer(kMiddle);
@@ -96,7 +96,7 @@ TEST_F(SnapOffersTest, OfEqualZonesTheFirstWins) {
     EXPECT_FALSE(offered.items.at(1).highlighted);
 }
 
-TEST_F(SnapOffersTest, ThePointerBetweenTwoZonesStillHitsOne) {
+TEST_F(SnapOffersTest, APointerBetweenTwoZonesHitsTheNearerOne) {
     settings.gap = 20;
     const Rect left = geo.zoneFrame(kLeftHalf, geo.axVisible(screen));
     const Rect right = geo.zoneFrame(kRightHalf, geo.axVisible(screen));
@@ -121,7 +121,7 @@ TEST_F(SnapOffersTest, AZoneReachesHalfTheGapAndOnePointBeyondItself) {
     EXPECT_FALSE(offerAt({zone.midX(), zone.maxY() + 11}).target);
 }
 
-TEST_F(SnapOffersTest, AGapThatEatsTheZonesLeavesNoTarget) {
+TEST_F(SnapOffersTest, AGapLargerThanTheZonesLeavesNoTarget) {
     settings.gap = 5000;
 
     const SnapOffer offered = offer(kMiddle);
@@ -130,7 +130,7 @@ TEST_F(SnapOffersTest, AGapThatEatsTheZonesLeavesNoTarget) {
     EXPECT_FALSE(offered.target);
 }
 
-TEST_F(SnapOffersTest, WithoutTheTriggerAndWithoutEdgesThereIsNothing) {
+TEST_F(SnapOffersTest, WithoutTheTriggerAndEdgeSnappingNothingIsOffered) {
     for (const Point& pointer : {Point{0, 450}, kMiddle, Point{1439, 0}}) {
         const SnapOffer offered = offer(pointer, 0);
         EXPECT_TRUE(offered.items.empty());
@@ -157,7 +157,7 @@ TEST_F(SnapOffersTest, EdgesObeyGapAndMargin) {
     EXPECT_EQ(offer({720, 3}, 0).target, (Rect{-1392, -567, 1284, 804}));
 }
 
-TEST_F(SnapOffersTest, EdgesAreThoseOfTheWholeScreenNotOfItsUsableArea) {
+TEST_F(SnapOffersTest, EdgesBelongToTheWholeScreenNotToItsUsableArea) {
     settings.edgeSnap = true;
 
     EXPECT_EQ(offer({720, 6}, 0).target, kUsable);
@@ -170,14 +170,14 @@ TEST_F(SnapOffersTest, EdgesAreThoseOfTheWholeScreenNotOfItsUsableArea) {
     EXPECT_FALSE(offer({60, 843}, 0).target);
 }
 
-TEST_F(SnapOffersTest, WithTheTriggerHeldEdgesAreJustPlacesInZones) {
+TEST_F(SnapOffersTest, WhileTheTriggerIsHeldEdgesDoNotSnap) {
     settings.edgeSnap = true;
     settings.zones = zones({{true, 25, 25, 50, 50}});
 
     EXPECT_FALSE(offer({0, 450}).target);
 }
 
-TEST_F(SnapOffersTest, OnThePrimaryDisplayEverythingIsTheSame) {
+TEST_F(SnapOffersTest, OffersWorkOnThePrimaryDisplayToo) {
     settings.edgeSnap = true;
     screen = desktop.displays().screens().front();
 

@@ -16,7 +16,7 @@ namespace tessarel {
 
 using namespace std::chrono_literals;
 
-/// Drag snapping of one window, whose zones are the two halves of its screen.
+/// Fixture: drag snapping of one window, with the two halves of its screen as zones.
 class SnapTest : public EngineTest {
 protected:
     static constexpr std::uint64_t kShift = kShiftFlag;
@@ -26,43 +26,43 @@ protected:
         dragSnap->start();
     }
 
-    /// Nine zones, of which those not given are disabled.
+    /// Returns nine zones: those given, then disabled ones.
     static std::vector<Zone> zones(std::vector<Zone> given) {
         given.resize(kZoneSlots);
         return given;
     }
 
-    /// The user presses the button with the pointer at `grip` of the window.
+    /// Presses the button with the pointer at `grip`, measured from the top-left corner of the window.
     void grab(sim::WindowId id, const Point& grip = {320, 10}) {
         const Rect frame = desktop.frame(id);
         mouse.moveTo({frame.x + grip.x, frame.y + grip.y});
         mouse.press();
     }
-    /// The user moves the pointer to a place of the screen, measured from its top-left corner.
+    /// Moves the pointer to `local`, measured from the top-left corner of the screen.
     void moveTo(const Point& local) { mouse.moveTo(at(local.x, local.y)); }
-    /// A display's frame later the pointer is somewhere else, measured in the same way.
+    /// Lets 30 ms pass, so that the window's frame may be read again, and calls `moveTo`.
     void dragTo(const Point& local) {
         desktop.advance(30ms);
         moveTo(local);
     }
-    /// The button goes up, and what follows from it has happened.
+    /// Releases the button and lets 30 ms pass, after which the window is placed.
     void drop() {
         mouse.release();
         desktop.advance(30ms);
     }
 
-    /// What the overlay shows of `kLeft` and `kRight`, in its own coordinates.
+    /// `kLeft` and `kRight` in overlay coordinates, whose origin is the top-left corner of the screen.
     static constexpr Rect kLeftShown{40, 25, 650, 820};
     static constexpr Rect kRightShown{690, 25, 650, 820};
 
-    /// The frames that the overlay shows, in its own coordinates; empty when it is not to be seen.
+    /// Returns the frames of the figures on the overlay, in overlay coordinates; empty while it is hidden.
     std::vector<Rect> shown() {
         std::vector<Rect> frames;
         for (const OverlayFigure& figure : figures())
             frames.push_back(figure.bounds);
         return frames;
     }
-    /// The labels that the overlay shows, the highlighted one in brackets.
+    /// Returns the labels on the overlay, concatenated, the highlighted one in brackets; empty if hidden.
     std::string labels() {
         std::string all;
         for (const OverlayFigure& figure : figures())

@@ -4,8 +4,8 @@
 
 namespace tessarel {
 
-/// How many rounds a random test makes: `usual` ones, or `many` if TESSAREL_TEST_LONG is set in the
-/// environment.
+/// Returns the number of rounds of a random test: `many` if TESSAREL_TEST_LONG is set in the environment,
+/// else `usual`.
 inline int rounds(int usual, int many) {
     return std::getenv("TESSAREL_TEST_LONG") == nullptr ? usual : many;
 }

@@ -7,7 +7,7 @@
 
 namespace tessarel {
 
-/// A row of a status menu that can be chosen, unless `command` is none.
+/// Returns a row of a status menu; it can be chosen unless `command` is `MenuCommand::None`.
 inline MenuItem row(std::string title, MenuCommand command = MenuCommand::RunMenuAction, int tag = 0) {
     MenuItem item;
     item.title = std::move(title);
@@ -16,7 +16,7 @@ inline MenuItem row(std::string title, MenuCommand command = MenuCommand::RunMen
     return item;
 }
 
-/// A row that opens `rows`.
+/// Returns a row with the submenu `rows`.
 inline MenuItem submenu(std::string title, Menu rows) {
     MenuItem item = row(std::move(title), MenuCommand::None);
     item.submenu = std::move(rows);

@@ -7,7 +7,7 @@
 
 namespace tessarel::qt {
 
-/// A program of Qt's without any screen.
+/// Runs a QApplication without a screen.
 class OffscreenTest : public testing::Test {
 protected:
     static void SetUpTestSuite() { qputenv("QT_QPA_PLATFORM", "offscreen"); }

@@ -6,7 +6,7 @@
 
 namespace tessarel::qt {
 
-/// A zone as the overlay draws it.
+/// Returns the figure of a zone, with the values that the overlay uses.
 [[nodiscard]] inline OverlayFigure zoneFigure(const Rect& bounds, const std::string& label = {},
                                               bool highlighted = false) {
     return {.bounds = bounds,

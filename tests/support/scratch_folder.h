@@ -12,8 +12,8 @@
 
 namespace tessarel {
 
-/// An empty folder that is gone with this object, together with what is in it. It is in memory where the
-/// system has a file system there, so that no test waits for a disk.
+/// A temporary folder, removed with its contents in the destructor. It is in memory (/dev/shm) where
+/// available, so that no test waits for a disk.
 class ScratchFolder {
 public:
     ScratchFolder() {
@@ -33,7 +33,7 @@ public:
         std::filesystem::remove_all(m_path, error);
     }
 
-    /// Removes what is in it.
+    /// Removes the contents of the folder.
     void clear() const {
         for (const auto& entry : std::filesystem::directory_iterator(m_path))
             std::filesystem::remove_all(entry.path());
@@ -45,7 +45,7 @@ public:
         std::ofstream(file, std::ios::binary) << bytes;
     }
 
-    /// The file's content; none if there is no file.
+    /// Returns the content of the file; empty if there is no file.
     [[nodiscard]] static std::optional<std::string> read(const std::filesystem::path& file) {
         std::ifstream stream(file, std::ios::binary);
         if (!stream)
@@ -53,7 +53,7 @@ public:
         return std::string(std::istreambuf_iterator<char>(stream), {});
     }
 
-    /// Names of what is in the folder, in order of the alphabet.
+    /// Returns the names of the folder's entries, in alphabetical order.
     [[nodiscard]] static std::vector<std::string> names(const std::filesystem::path& folder) {
         std::vector<std::string> names;
         std::error_code error;

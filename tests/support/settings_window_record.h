@@ -6,9 +6,9 @@
 
 namespace tessarel {
 
-/// What the program has done with a settings window that shows nothing.
+/// Records the calls to a settings window that shows nothing.
 struct SettingsWindowRecord {
-    /// It outlives the windows that are made.
+    /// Returns a factory of recording windows. The record must outlive the windows.
     [[nodiscard]] SettingsWindowFactory factory() {
         return [this](Services&, const Ports&) {
             ++made;

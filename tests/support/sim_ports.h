@@ -5,11 +5,11 @@
 
 namespace tessarel {
 
-/// What is true on the simulated desktop.
+/// The words of the simulated desktop.
 inline const PlatformWords kSimWords;
 
-/// All ports of a simulated desktop, for the copy of the program that has `instance`; but for its windows'
-/// keys, which come from `localKeys`.
+/// Returns all ports of a simulated desktop, for the program instance of `instance`. The keys of its own
+/// windows come from `localKeys`.
 inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance, LocalKeysPort& localKeys,
                       const PlatformWords& words = kSimWords) {
     return {.accessibility = desktop.accessibility(),
@@ -37,7 +37,7 @@ inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance, Lo
             .words = words};
 }
 
-/// `ports`, but for messages, which come from `alerts`.
+/// Returns `ports` with the alerts replaced by `alerts`.
 inline Ports withAlerts(const Ports& ports, AlertsPort& alerts) {
     return {.accessibility = ports.accessibility,
             .alertSound = ports.alertSound,
@@ -64,7 +64,7 @@ inline Ports withAlerts(const Ports& ports, AlertsPort& alerts) {
             .words = ports.words};
 }
 
-/// All ports of a simulated desktop, on which `words` are true.
+/// Returns all ports of a simulated desktop, for the program instance of `instance`, with the words `words`.
 inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance,
                       const PlatformWords& words = kSimWords) {
     return simPorts(desktop, instance, desktop.localKeys(), words);

@@ -1,4 +1,4 @@
-# Qt as far as a build for another system can be set up with it: targets by name, and nothing behind them.
+# A stand-in for Qt: empty targets with the names that the project links to.
 foreach(component Core Gui ${Qt6_FIND_COMPONENTS})
     if(NOT TARGET Qt6::${component})
         add_library(Qt6::${component} INTERFACE IMPORTED)

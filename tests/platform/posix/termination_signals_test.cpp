@@ -15,7 +15,7 @@ namespace {
 
 class TerminationSignalsTest : public testing::TestWithParam<int> {
 protected:
-    /// Turns the loop until what was under way has been done.
+    /// Runs the event loop until all pending work is done.
     void drain() {
         bool last = false;
         queue.async([&last] { last = true; });
@@ -38,7 +38,7 @@ protected:
     int received = 0;
 };
 
-TEST_P(TerminationSignalsTest, ASignalIsToldOnTheMainThread) {
+TEST_P(TerminationSignalsTest, ASignalIsDeliveredOnTheMainThread) {
     TerminationSignals terminationSignals;
     const auto subscription = terminationSignals.onReceived(queue, [this] { ++received; });
 
@@ -49,7 +49,7 @@ TEST_P(TerminationSignalsTest, ASignalIsToldOnTheMainThread) {
     EXPECT_EQ(received, 1);
 }
 
-TEST_P(TerminationSignalsTest, ASignalThatCameBeforeAnybodyListenedIsNotLost) {
+TEST_P(TerminationSignalsTest, ASignalRaisedBeforeTheSubscriptionIsDelivered) {
     TerminationSignals terminationSignals;
     ::raise(GetParam());
 
@@ -59,7 +59,7 @@ TEST_P(TerminationSignalsTest, ASignalThatCameBeforeAnybodyListenedIsNotLost) {
     EXPECT_EQ(received, 1);
 }
 
-TEST_P(TerminationSignalsTest, SignalsWithoutNumberBlockNobody) {
+TEST_P(TerminationSignalsTest, ManySignalsDoNotBlock) {
     TerminationSignals terminationSignals;
     for (int i = 0; i < 100'000; ++i)
         ::raise(GetParam());
@@ -70,7 +70,7 @@ TEST_P(TerminationSignalsTest, SignalsWithoutNumberBlockNobody) {
     EXPECT_EQ(received, 1);
 }
 
-TEST_P(TerminationSignalsTest, NoOtherProgramInheritsThePipe) {
+TEST_P(TerminationSignalsTest, ThePipeIsCloseOnExec) {
     const auto inheritable = [] {
         int count = 0;
         for (int descriptor = 0; descriptor < 256; ++descriptor) {
@@ -100,7 +100,7 @@ TEST_P(TerminationSignalsTest, AnIgnoredSignalStaysIgnored) {
     std::signal(GetParam(), SIG_DFL);
 }
 
-TEST_P(TerminationSignalsTest, TheEndGivesTheSignalItsUsualEffect) {
+TEST_P(TerminationSignalsTest, DestructionRestoresTheDefaultHandler) {
     { const TerminationSignals terminationSignals; }
 
     EXPECT_EQ(handlerOf(GetParam()), SIG_DFL);

@@ -27,7 +27,7 @@ protected:
         return all.isEmpty() ? nullptr : all.first();
     }
 
-    /// The window with two zones, the left one highlighted, in front and painted.
+    /// Shows the window with two zones, the left one highlighted, and waits until it is painted.
     void showTwoZones() {
         window->setFrame({100, 50, 400, 300});
         window->setFigures({zoneFigure(kLeft, "1", true), zoneFigure(kRight, "2")}, {kLeft, kRight});
@@ -39,8 +39,8 @@ protected:
 
     sim::SimClock clock;
     sim::SimMainQueue queue{clock};
-    std::vector<bool> prepared; ///< whether the window was already shown, for each that was made
-    std::vector<bool> ordered;  ///< whether the window was shown, for each time it was ordered to the front
+    std::vector<bool> prepared; ///< for each created widget, whether it was already visible
+    std::vector<bool> ordered;  ///< for each call of orderFront, whether the widget was visible
     QColor accent = Qt::green;
     ComposedOverlay overlay{
         queue,
@@ -54,7 +54,7 @@ protected:
     std::unique_ptr<OverlayWindow> window = overlay.createWindow();
 };
 
-TEST_F(ComposedOverlayTest, NothingIsMadeBeforeTheWindowIsShown) {
+TEST_F(ComposedOverlayTest, NoWidgetIsCreatedBeforeTheWindowIsShown) {
     window->setFrame({0, 0, 400, 300});
     window->setFigures({zoneFigure(kLeft)}, {kLeft});
 
@@ -88,7 +88,7 @@ TEST_F(ComposedOverlayTest, TheSystemOrdersTheWindowToTheFrontAndQtDoesNotRaiseI
     EXPECT_EQ(raises.count, 0);
 }
 
-TEST_F(ComposedOverlayTest, TheWindowCoversTheFrameWhereItIsForQt) {
+TEST_F(ComposedOverlayTest, TheFrameIsConvertedToQtCoordinates) {
     showTwoZones();
     EXPECT_EQ(surface()->geometry(), QRect(100, 650, 400, 300));
 
@@ -105,7 +105,7 @@ TEST_F(ComposedOverlayTest, ZonesArePaintedAndNothingBetweenThem) {
     EXPECT_EQ(colorAt(200, 150).alpha(), 0);
 }
 
-TEST_F(ComposedOverlayTest, ZonesHaveTheUsersColourOfTheMomentTheyAreShownAt) {
+TEST_F(ComposedOverlayTest, TheAccentColourIsReadEachTimeTheWindowIsShown) {
     showTwoZones();
     EXPECT_GT(colorAt(50, 60).green(), 200);
     EXPECT_LT(colorAt(50, 60).red(), 20);
@@ -120,7 +120,7 @@ TEST_F(ComposedOverlayTest, ZonesHaveTheUsersColourOfTheMomentTheyAreShownAt) {
     EXPECT_LT(colorAt(50, 60).green(), 20);
 }
 
-TEST_F(ComposedOverlayTest, AFigureThatGoesLeavesNothingBehind) {
+TEST_F(ComposedOverlayTest, ARemovedFigureIsErased) {
     showTwoZones();
 
     window->setFigures({zoneFigure(kLeft, "1", true)}, {kRight});
@@ -128,7 +128,7 @@ TEST_F(ComposedOverlayTest, AFigureThatGoesLeavesNothingBehind) {
     EXPECT_EQ(colorAt(250, 60).alpha(), 0);
 }
 
-/// Writes down which part of any widget has to be painted.
+/// Records the painted area of all widgets.
 class PaintLog : public QObject {
 public:
     PaintLog() { qApp->installEventFilter(this); }
@@ -142,7 +142,7 @@ public:
     QRegion painted;
 };
 
-TEST_F(ComposedOverlayTest, OnlyWhatHasChangedIsPaintedAgain) {
+TEST_F(ComposedOverlayTest, OnlyTheChangedAreaIsRepainted) {
     showTwoZones();
     PaintLog log;
 
@@ -152,7 +152,7 @@ TEST_F(ComposedOverlayTest, OnlyWhatHasChangedIsPaintedAgain) {
     EXPECT_EQ(log.painted.boundingRect(), QRect(200, 0, 200, 300));
 }
 
-TEST_F(ComposedOverlayTest, ALabelThatReachesOutOfItsZoneIsPaintedWhole) {
+TEST_F(ComposedOverlayTest, ALabelLargerThanItsZoneIsRepaintedWhole) {
     showTwoZones();
     constexpr Rect kSlim{100, 100, 4, 4};
     PaintLog log;
@@ -167,7 +167,7 @@ TEST_F(ComposedOverlayTest, ALabelThatReachesOutOfItsZoneIsPaintedWhole) {
     EXPECT_FALSE(log.painted.contains(QPoint(300, 150)));
 }
 
-TEST_F(ComposedOverlayTest, GoingOutTakesTheWindowOffTheScreenAtOnce) {
+TEST_F(ComposedOverlayTest, OrderOutHidesTheWindowAtOnce) {
     showTwoZones();
 
     window->orderOut();
@@ -175,7 +175,7 @@ TEST_F(ComposedOverlayTest, GoingOutTakesTheWindowOffTheScreenAtOnce) {
     EXPECT_FALSE(surface()->isVisible());
 }
 
-TEST_F(ComposedOverlayTest, WhatIsSetWhileTheWindowIsOutIsThereWhenItComesBack) {
+TEST_F(ComposedOverlayTest, ChangesMadeWhileHiddenAreShownNextTime) {
     showTwoZones();
     window->orderOut();
 
@@ -188,7 +188,7 @@ TEST_F(ComposedOverlayTest, WhatIsSetWhileTheWindowIsOutIsThereWhenItComesBack) 
     EXPECT_NEAR(colorAt(250, 60).alphaF(), 0.35, 0.01);
 }
 
-TEST_F(ComposedOverlayTest, AfterAQuietTimeTheMemoryIsGivenBackAndTheWindowCanComeAgain) {
+TEST_F(ComposedOverlayTest, TheWidgetIsDestroyedAfterAQuietTimeAndCreatedAgainOnDemand) {
     showTwoZones();
     window->orderOut();
     clock.advance(ComposedOverlay::kQuietTime - 1ms);
@@ -203,7 +203,7 @@ TEST_F(ComposedOverlayTest, AfterAQuietTimeTheMemoryIsGivenBackAndTheWindowCanCo
     EXPECT_EQ(prepared.size(), 2U);
 }
 
-TEST_F(ComposedOverlayTest, TheQuietTimeCountsFromTheLastShowing) {
+TEST_F(ComposedOverlayTest, TheQuietTimeStartsAnewWhenTheWindowIsHiddenAgain) {
     showTwoZones();
     window->orderOut();
     clock.advance(20s);
@@ -217,7 +217,7 @@ TEST_F(ComposedOverlayTest, TheQuietTimeCountsFromTheLastShowing) {
     EXPECT_NE(surface(), nullptr);
 }
 
-TEST_F(ComposedOverlayTest, AWindowThatIsDestroyedLeavesNothingAndNoWorkBehind) {
+TEST_F(ComposedOverlayTest, ADestroyedWindowLeavesNoWidgetAndNoPendingWork) {
     showTwoZones();
     window->orderOut();
 
@@ -227,7 +227,7 @@ TEST_F(ComposedOverlayTest, AWindowThatIsDestroyedLeavesNothingAndNoWorkBehind) 
     EXPECT_EQ(surface(), nullptr);
 }
 
-TEST_F(ComposedOverlayTest, GoingOutBeforeTheFirstShowDoesNothing) {
+TEST_F(ComposedOverlayTest, OrderOutBeforeTheFirstShowDoesNothing) {
     window->orderOut();
     clock.advance(1min);
 
@@ -242,7 +242,7 @@ TEST_F(ComposedOverlayTest, MouseAndKeyboardPassThroughTheWindow) {
     EXPECT_TRUE(surface()->testAttribute(Qt::WA_ShowWithoutActivating));
 }
 
-/// A display with two pixels for each point.
+/// A display with two pixels per point.
 class FineComposedOverlayTest : public ComposedOverlayTest {
 protected:
     static void SetUpTestSuite() {
@@ -252,7 +252,7 @@ protected:
     static void TearDownTestSuite() { qunsetenv("QT_SCALE_FACTOR"); }
 };
 
-TEST_F(FineComposedOverlayTest, FiguresKeepTheirPlaceAndAreAsFineAsTheDisplay) {
+TEST_F(FineComposedOverlayTest, FiguresArePaintedAtTheFullResolutionOfTheDisplay) {
     showTwoZones();
     const QImage image = surface()->grab().toImage();
 
@@ -260,14 +260,14 @@ TEST_F(FineComposedOverlayTest, FiguresKeepTheirPlaceAndAreAsFineAsTheDisplay) {
     EXPECT_NEAR(image.pixelColor(100, 120).alphaF(), 0.35, 0.01);
     EXPECT_NEAR(image.pixelColor(500, 120).alphaF(), 0.1, 0.01);
     EXPECT_EQ(image.pixelColor(400, 300).alpha(), 0);
-    // The line is three points wide, half of them to each side of a shape two points in.
+    // The line is three points wide, centred on the edge of a shape that is inset by two points.
     EXPECT_EQ(image.pixelColor(0, 300).alpha(), 0);
     EXPECT_GT(image.pixelColor(1, 300).alphaF(), 0.9);
     EXPECT_GT(image.pixelColor(6, 300).alphaF(), 0.9);
     EXPECT_NEAR(image.pixelColor(7, 300).alphaF(), 0.35, 0.01);
 }
 
-TEST_F(FineComposedOverlayTest, OnlyWhatHasChangedIsPaintedAgain) {
+TEST_F(FineComposedOverlayTest, OnlyTheChangedAreaIsRepainted) {
     showTwoZones();
     PaintLog log;
 

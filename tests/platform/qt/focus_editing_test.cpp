@@ -30,7 +30,7 @@ protected:
         field.setFocus();
     }
 
-    /// Chooses the row of the program's main menu.
+    /// Chooses the row with this action in the main menu. Returns true if the focused window handled it.
     static bool choose(std::string_view action) {
         for (const MainMenu& menu : mainMenu()) {
             for (const MainMenuItem& row : menu.items) {
@@ -75,7 +75,7 @@ TEST_F(FocusEditingTest, TextIsCopied) {
     EXPECT_EQ(QApplication::clipboard()->text(), "halves");
 }
 
-TEST_F(FocusEditingTest, WhatWasTypedIsUndoneAndRedone) {
+TEST_F(FocusEditingTest, TypingIsUndoneAndRedone) {
     showWindow();
     field.insert("typed");
 
@@ -86,7 +86,7 @@ TEST_F(FocusEditingTest, WhatWasTypedIsUndoneAndRedone) {
     EXPECT_EQ(field.text(), "typed");
 }
 
-TEST_F(FocusEditingTest, AWidgetThatDoesNotEditIsStillTheOneThatWasMeant) {
+TEST_F(FocusEditingTest, EditingActionsAreHandledEvenIfTheFocusedWidgetCannotEdit) {
     showWindow();
     field.setText("zones");
     button.setFocus();
@@ -98,7 +98,7 @@ TEST_F(FocusEditingTest, AWidgetThatDoesNotEditIsStillTheOneThatWasMeant) {
     EXPECT_TRUE(choose("copy:"));
 }
 
-TEST_F(FocusEditingTest, RowsThatAreForTheWindowOrTheProgramAreTheSystems) {
+TEST_F(FocusEditingTest, ActionsOfTheWindowOrTheProgramAreLeftToTheSystem) {
     showWindow();
 
     EXPECT_FALSE(choose("performClose:"));
@@ -107,7 +107,7 @@ TEST_F(FocusEditingTest, RowsThatAreForTheWindowOrTheProgramAreTheSystems) {
     EXPECT_TRUE(window.isVisible());
 }
 
-TEST_F(FocusEditingTest, WithoutAWindowThatHasTheKeyboardTheSystemIsAsked) {
+TEST_F(FocusEditingTest, ActionsAreLeftToTheSystemWithoutAFocusedWindow) {
     for (const char* action : {"undo:", "redo:", "cut:", "copy:", "paste:", "selectAll:"})
         EXPECT_FALSE(choose(action));
 }

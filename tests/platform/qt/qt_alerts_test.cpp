@@ -29,13 +29,13 @@ class QtAlertsTest : public testing::Test {
 protected:
     static void SetUpTestSuite() { qputenv("QT_QPA_PLATFORM", "offscreen"); }
 
-    /// Runs `alert`, hands its box to `use` and answers what `runModal` does.
+    /// Runs `alert`, calls `use` with its box and returns the result of `runModal`.
     std::size_t runModal(const Alert& alert, const std::function<void(AlertDialog&)>& use) {
         queue.async([&] { use(dynamic_cast<AlertDialog&>(*QApplication::activeModalWidget())); });
         return alerts.runModal(alert);
     }
 
-    /// The same for an alert that asks for a text.
+    /// Like runModal(), for an alert that prompts for a text.
     std::optional<std::string> runModalForText(const std::function<void(AlertDialog&)>& use) {
         queue.async([&] { use(dynamic_cast<AlertDialog&>(*QApplication::activeModalWidget())); });
         return alerts.runModalForText({"Save layout", "Name for this layout:", {"Save", "Cancel"}});
@@ -59,7 +59,7 @@ protected:
     QtAlerts alerts;
 };
 
-TEST_F(QtAlertsTest, ABoxIsHandedOutWhenItIsShownAndBeforeItsLoopBegins) {
+TEST_F(QtAlertsTest, TheShownHookGetsEachVisibleBoxBeforeItsEventLoopRuns) {
     std::vector<QWidget*> shown;
     QtAlerts watched({.shown = [&](QWidget& box) {
         EXPECT_TRUE(box.isVisible());
@@ -78,7 +78,7 @@ TEST_F(QtAlertsTest, ABoxIsHandedOutWhenItIsShownAndBeforeItsLoopBegins) {
     EXPECT_EQ(shown.size(), 2U);
 }
 
-TEST_F(QtAlertsTest, WhatIsToBeDoneBeforeABoxIsMadeIsDone) {
+TEST_F(QtAlertsTest, TheBeforeMakingHookRunsBeforeEachBox) {
     int done = 0;
     QtAlerts prepared({.beforeMaking = [&] { ++done; }});
     for (const int before : {1, 2}) {
@@ -93,7 +93,7 @@ TEST_F(QtAlertsTest, WhatIsToBeDoneBeforeABoxIsMadeIsDone) {
     }
 }
 
-TEST_F(QtAlertsTest, AnswersThePositionOfTheButtonThatWasChosen) {
+TEST_F(QtAlertsTest, ReturnsTheIndexOfTheChosenButton) {
     const Alert alert{"Question", "Why?", {"Continue", "Open Settings", "Later"}};
 
     for (int position = 0; position < 3; ++position) {
@@ -102,7 +102,7 @@ TEST_F(QtAlertsTest, AnswersThePositionOfTheButtonThatWasChosen) {
     }
 }
 
-TEST_F(QtAlertsTest, ButtonsStandInTheirOrderAndTheFirstIsTheDefault) {
+TEST_F(QtAlertsTest, ButtonsAreInOrderAndTheFirstIsTheDefault) {
     runModal({"Question", "", {"Continue", "Later"}}, [](AlertDialog& box) {
         EXPECT_EQ(box.buttons().first()->text(), "Continue");
         EXPECT_EQ(box.buttons().last()->text(), "Later");
@@ -152,7 +152,7 @@ TEST_F(QtAlertsTest, LongNotesScrollAndTheButtonsStayOnTheScreen) {
     });
 }
 
-TEST_F(QtAlertsTest, AFloodOfTextWithoutSpacesStaysOnTheScreen) {
+TEST_F(QtAlertsTest, AHugeTextWithoutSpacesStaysOnTheScreen) {
     const std::string flood(1 << 20, 'x');
 
     runModal({flood, flood, {"Download", "Later"}}, [](AlertDialog& box) {
@@ -163,7 +163,7 @@ TEST_F(QtAlertsTest, AFloodOfTextWithoutSpacesStaysOnTheScreen) {
     });
 }
 
-TEST_F(QtAlertsTest, TheEndOfTheProgramCountsAsTheLastButton) {
+TEST_F(QtAlertsTest, QuittingTheProgramCountsAsTheLastButton) {
     const auto chosen =
         runModal({"Question", "", {"Download", "Later"}}, [](AlertDialog&) { QApplication::exit(); });
 
@@ -179,7 +179,7 @@ TEST_F(QtAlertsTest, AnAlertWithoutButtonsGetsOne) {
     EXPECT_EQ(chosen, 0U);
 }
 
-TEST_F(QtAlertsTest, MarkupIsShownAsItStands) {
+TEST_F(QtAlertsTest, MarkupIsShownAsPlainText) {
     const Alert alert{"<b>bold</b>", "<img src=\"file:///x\"> & <i>more</i>", {"OK"}};
 
     runModal(alert, [](AlertDialog& box) {
@@ -199,7 +199,7 @@ TEST_F(QtAlertsTest, AnAmpersandInAButtonIsNoMnemonic) {
     });
 }
 
-TEST_F(QtAlertsTest, WhatIsTypedIsAnsweredWhenTheFirstButtonIsPressed) {
+TEST_F(QtAlertsTest, TheFirstButtonReturnsTheTypedText) {
     const auto text = runModalForText([](AlertDialog& box) {
         QTest::keyClicks(box.findChild<QLineEdit*>(), "Coding & <b>more</b>");
         QTest::mouseClick(box.buttons().first(), Qt::LeftButton);
@@ -208,7 +208,7 @@ TEST_F(QtAlertsTest, WhatIsTypedIsAnsweredWhenTheFirstButtonIsPressed) {
     EXPECT_EQ(text, "Coding & <b>more</b>");
 }
 
-TEST_F(QtAlertsTest, TheFieldHasTheKeyboardAndReturnPressesTheFirstButton) {
+TEST_F(QtAlertsTest, TheFieldHasTheFocusAndReturnPressesTheFirstButton) {
     const auto text = runModalForText([](AlertDialog& box) {
         ASSERT_EQ(box.focusWidget(), box.findChild<QLineEdit*>());
         QTest::keyClicks(box.focusWidget(), "  Wide ");
@@ -218,7 +218,7 @@ TEST_F(QtAlertsTest, TheFieldHasTheKeyboardAndReturnPressesTheFirstButton) {
     EXPECT_EQ(text, "  Wide ");
 }
 
-TEST_F(QtAlertsTest, EscapeAndTheOtherButtonsAnswerNoText) {
+TEST_F(QtAlertsTest, EscapeAndTheOtherButtonsReturnNoText) {
     for (const bool byKey : {true, false}) {
         const auto text = runModalForText([&](AlertDialog& box) {
             auto* const field = box.findChild<QLineEdit*>();
@@ -230,14 +230,14 @@ TEST_F(QtAlertsTest, EscapeAndTheOtherButtonsAnswerNoText) {
     }
 }
 
-TEST_F(QtAlertsTest, NothingTypedIsAnEmptyText) {
+TEST_F(QtAlertsTest, AnEmptyFieldReturnsAnEmptyText) {
     const auto text =
         runModalForText([](AlertDialog& box) { QTest::keyClick(box.focusWidget(), Qt::Key_Return); });
 
     EXPECT_EQ(text, "");
 }
 
-TEST_F(QtAlertsTest, ThePromptShowsItsFieldAndNamesIt) {
+TEST_F(QtAlertsTest, ThePromptShowsItsFieldWithAnAccessibleName) {
     runModalForText([](AlertDialog& box) {
         auto* const field = box.findChild<QLineEdit*>();
         EXPECT_EQ(field->size(), QSize(260, 24));

@@ -21,7 +21,7 @@ using std::chrono::milliseconds;
 
 class QtMainQueueTest : public testing::Test {
 protected:
-    /// Turns the loop until the work handed over last has run; everything due before it has run by then.
+    /// Runs the event loop until work that is queued now has run; everything due earlier has run by then.
     void drain() {
         bool last = false;
         queue->async([&last] { last = true; });
@@ -41,7 +41,7 @@ protected:
     std::unique_ptr<QtMainQueue> queue = std::make_unique<QtMainQueue>();
 };
 
-TEST_F(QtMainQueueTest, WorkRunsInTheOrderItWasHandedOver) {
+TEST_F(QtMainQueueTest, WorkRunsInTheOrderInWhichItWasQueued) {
     std::string ran;
     queue->async([&] { ran += "a"; });
     queue->async([&] { ran += "b"; });
@@ -52,7 +52,7 @@ TEST_F(QtMainQueueTest, WorkRunsInTheOrderItWasHandedOver) {
     EXPECT_EQ(ran, "abc");
 }
 
-TEST_F(QtMainQueueTest, WorkNeverRunsBeforeTheCallHasReturned) {
+TEST_F(QtMainQueueTest, AsyncNeverRunsWorkBeforeItReturns) {
     bool ran = false;
 
     queue->async([&] { ran = true; });
@@ -62,7 +62,7 @@ TEST_F(QtMainQueueTest, WorkNeverRunsBeforeTheCallHasReturned) {
     EXPECT_TRUE(ran);
 }
 
-TEST_F(QtMainQueueTest, WorkRunsInTheOrderItComesDue) {
+TEST_F(QtMainQueueTest, DelayedWorkRunsInTheOrderInWhichItIsDue) {
     std::string ran;
     bool done = false;
     queue->asyncAfter(milliseconds(20), [&] {
@@ -91,7 +91,7 @@ TEST_F(QtMainQueueTest, WorkIsNeverEarly) {
     EXPECT_GE(*ranAt, due);
 }
 
-TEST_F(QtMainQueueTest, WorkHandedOverByWorkWaitsForTheNextTurn) {
+TEST_F(QtMainQueueTest, WorkQueuedByWorkRunsInTheNextTurn) {
     std::string ran;
     queue->async([&] {
         queue->async([&] { ran += "c"; });
@@ -105,7 +105,7 @@ TEST_F(QtMainQueueTest, WorkHandedOverByWorkWaitsForTheNextTurn) {
     EXPECT_EQ(ran, "abc");
 }
 
-TEST_F(QtMainQueueTest, WorkGoesOnWhileOtherWorkRunsALoopOfItsOwn) {
+TEST_F(QtMainQueueTest, WorkRunsInsideANestedEventLoop) {
     std::string ran;
     queue->async([&] {
         QEventLoop inner;
@@ -121,7 +121,7 @@ TEST_F(QtMainQueueTest, WorkGoesOnWhileOtherWorkRunsALoopOfItsOwn) {
     EXPECT_EQ(ran, "inner outer");
 }
 
-TEST_F(QtMainQueueTest, ANegativeDelayCountsAsNone) {
+TEST_F(QtMainQueueTest, ANegativeDelayCountsAsZero) {
     bool ran = false;
     queue->asyncAfter(milliseconds(-500), [&] { ran = true; });
 
@@ -168,7 +168,7 @@ TEST_F(QtMainQueueTest, WorkMayDestroyTheQueue) {
     EXPECT_FALSE(ran);
 }
 
-TEST_F(QtMainQueueTest, AnIdleQueueWakesNobody) {
+TEST_F(QtMainQueueTest, AnIdleQueueCausesNoWakeUps) {
     queue->asyncAfter(milliseconds(1), [] {});
     bool done = false;
     queue->asyncAfter(milliseconds(2), [&] { done = true; });
@@ -177,7 +177,7 @@ TEST_F(QtMainQueueTest, AnIdleQueueWakesNobody) {
     EXPECT_FALSE(QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents));
 }
 
-TEST_F(QtMainQueueTest, WorkHandedOverBeforeTheApplicationExistsWaitsForTheLoop) {
+TEST_F(QtMainQueueTest, WorkQueuedBeforeTheApplicationExistsWaitsForTheLoop) {
     queue.reset();
     application.reset();
     std::string ran;
@@ -212,7 +212,7 @@ protected:
     std::array<int, 2> ends{};
 };
 
-TEST_F(QtMainQueueReadableTest, TellsWhenAFileHasSomethingToRead) {
+TEST_F(QtMainQueueReadableTest, CallsTheHandlerWhenAFileIsReadable) {
     bool readable = false;
     const auto subscription = queue->onReadable(ends[0], [&] {
         read();
@@ -227,7 +227,7 @@ TEST_F(QtMainQueueReadableTest, TellsWhenAFileHasSomethingToRead) {
     EXPECT_TRUE(readable);
 }
 
-TEST_F(QtMainQueueReadableTest, TellsNothingAfterTheSubscriptionEnded) {
+TEST_F(QtMainQueueReadableTest, DoesNotCallTheHandlerAfterTheSubscriptionEnded) {
     int calls = 0;
     auto subscription = queue->onReadable(ends[0], [&] { ++calls; });
     write();
@@ -238,7 +238,7 @@ TEST_F(QtMainQueueReadableTest, TellsNothingAfterTheSubscriptionEnded) {
     EXPECT_EQ(calls, 0);
 }
 
-TEST_F(QtMainQueueReadableTest, TheSubscriptionMayEndInItsOwnCallback) {
+TEST_F(QtMainQueueReadableTest, TheSubscriptionMayBeDestroyedInItsOwnCallback) {
     int calls = 0;
     bool done = false;
     SubscriptionPtr subscription;

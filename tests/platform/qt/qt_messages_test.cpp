@@ -17,7 +17,7 @@ protected:
     int losses = 0;
 };
 
-TEST_F(QtMessagesTest, WarningsAreLeftOut) {
+TEST_F(QtMessagesTest, WarningsAreNotPrinted) {
     testing::internal::CaptureStderr();
 
     qWarning("something is odd");
@@ -26,7 +26,7 @@ TEST_F(QtMessagesTest, WarningsAreLeftOut) {
     EXPECT_EQ(losses, 0);
 }
 
-TEST_F(QtMessagesTest, TheLossOfTheDisplayIsToldInBothOfItsWordings) {
+TEST_F(QtMessagesTest, BothMessagesAboutALostDisplayAreRecognised) {
     qWarning("The X11 connection broke (error %d). Did the X11 server die?", 1);
     qWarning("The X11 connection broke: %s (code %d)", "I/O error", 1);
 

@@ -31,7 +31,7 @@ protected:
 
     [[nodiscard]] QString file() const { return folder.filePath("org.example.editor.desktop"); }
 
-    /// Opens the panel, hands it to `use` and answers what the user has chosen.
+    /// Opens the panel, calls `use` with its dialog and returns the user's choice.
     std::optional<std::string> choose(const std::function<void(QFileDialog&)>& use) {
         queue.async([&] { use(dynamic_cast<QFileDialog&>(*QApplication::activeModalWidget())); });
         return panel.chooseApplication("Ignore");
@@ -47,7 +47,7 @@ protected:
                       }};
 };
 
-TEST_F(QtOpenPanelTest, OffersTheEntriesOfTheApplicationsAndNothingElse) {
+TEST_F(QtOpenPanelTest, OffersOnlyDesktopEntries) {
     choose([this](QFileDialog& dialog) {
         EXPECT_EQ(dialog.directory(), QDir(folder.path()));
         EXPECT_EQ(dialog.fileMode(), QFileDialog::ExistingFile);
@@ -56,7 +56,7 @@ TEST_F(QtOpenPanelTest, OffersTheEntriesOfTheApplicationsAndNothingElse) {
     });
 }
 
-TEST_F(QtOpenPanelTest, TheConfirmingButtonIsCalledAsAskedFor) {
+TEST_F(QtOpenPanelTest, TheConfirmButtonHasTheGivenTitle) {
     choose([](QFileDialog& dialog) {
         const auto* const buttons = dialog.findChild<QDialogButtonBox*>();
         EXPECT_EQ(buttons->button(QDialogButtonBox::Open)->text(), "Ignore");
@@ -64,7 +64,7 @@ TEST_F(QtOpenPanelTest, TheConfirmingButtonIsCalledAsAskedFor) {
     });
 }
 
-TEST_F(QtOpenPanelTest, AnswersTheIdentifierOfWhatTheUserConfirms) {
+TEST_F(QtOpenPanelTest, ReturnsTheIdentifierOfTheConfirmedEntry) {
     const auto chosen = choose([this](QFileDialog& dialog) {
         dialog.selectFile(file());
         dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Open)->click();
@@ -74,7 +74,7 @@ TEST_F(QtOpenPanelTest, AnswersTheIdentifierOfWhatTheUserConfirms) {
     EXPECT_EQ(asked, std::vector<std::string>{file().toStdString()});
 }
 
-TEST_F(QtOpenPanelTest, WhatHasNoIdentifierIsNoChoice) {
+TEST_F(QtOpenPanelTest, AnEntryWithoutAnIdentifierGivesAnEmptyResult) {
     identifier.reset();
 
     const auto chosen = choose([this](QFileDialog& dialog) {
@@ -85,7 +85,7 @@ TEST_F(QtOpenPanelTest, WhatHasNoIdentifierIsNoChoice) {
     EXPECT_EQ(chosen, std::nullopt);
 }
 
-TEST_F(QtOpenPanelTest, ClosingThePanelIsNoChoice) {
+TEST_F(QtOpenPanelTest, ClosingThePanelGivesAnEmptyResult) {
     EXPECT_EQ(choose([](QFileDialog& dialog) { dialog.close(); }), std::nullopt);
     EXPECT_TRUE(asked.empty());
 }

@@ -13,7 +13,7 @@
 namespace tessarel::qt {
 namespace {
 
-/// Stands where the user's browser would: Qt calls its slot for addresses of two schemes.
+/// Stands in for the user's browser: Qt calls its slot for URLs of two schemes.
 class Browser : public QTextBrowser {
 public:
     Browser() {
@@ -45,13 +45,13 @@ protected:
     QtOpenUrl openUrl;
 };
 
-TEST_F(QtOpenUrlTest, OpensAnAddress) {
+TEST_F(QtOpenUrlTest, OpensAUrl) {
     openUrl.open("https://example.org/page?a=1#top");
 
     EXPECT_EQ(browser.opened.value(0), "https://example.org/page?a=1#top");
 }
 
-TEST_F(QtOpenUrlTest, DoesNothingWithWhatIsNoAddress) {
+TEST_F(QtOpenUrlTest, IgnoresTextThatIsNotAnAbsoluteUrl) {
     openUrl.open("");
     openUrl.open("/etc/passwd");
     openUrl.open("example.org");

@@ -29,7 +29,8 @@ protected:
     TranslucentFigures figures;
 };
 
-/// The accent colour at `alpha` and nothing under it, give or take one step of its premultiplied value.
+/// Expects the accent colour at `alpha` over a transparent background, within rounding of the premultiplied
+/// value.
 void expectAccent(const QColor& color, double alpha) {
     EXPECT_NEAR(color.alphaF(), alpha, 0.005);
     const QRgb premultiplied = qPremultiply(color.rgba());
@@ -38,12 +39,12 @@ void expectAccent(const QColor& color, double alpha) {
     EXPECT_NEAR(qBlue(premultiplied), 0xff * alpha, 1.5);
 }
 
-/// What two layers over each other hide of what is below.
+/// Returns the opacity of two layers above each other.
 double over(double lower, double upper) {
     return 1 - (1 - lower) * (1 - upper);
 }
 
-/// Leftmost, topmost, rightmost and bottommost pixel that is not transparent.
+/// Returns the bounding rectangle of all pixels that are not fully transparent.
 QRect inkOf(const QImage& image) {
     QRect ink;
     for (int y = 0; y < image.height(); ++y)
@@ -72,10 +73,11 @@ TEST_F(TranslucentFiguresTest, AHighlightedZoneIsFilledStrongly) {
     expectAccent(image.pixelColor(26, 110), 0.35);
 }
 
-TEST_F(TranslucentFiguresTest, TheLineOfAHighlightedZoneIsThreeWideAroundTheInsetShape) {
+TEST_F(TranslucentFiguresTest, TheLineOfAHighlightedZoneIsThreePixelsWideAroundTheInsetShape) {
     const QImage image = painted({zoneFigure(kZone, {}, true)});
 
-    // From 20.5 to 23.5: half outside of the shape, which begins at 22, half over its fill.
+    // The line is from 20.5 to 23.5: half of it outside the shape, which begins at 22, and half over its
+    // fill.
     EXPECT_NEAR(image.pixelColor(20, 110).alphaF(), 0.95 / 2, 0.01);
     EXPECT_NEAR(image.pixelColor(21, 110).alphaF(), 0.95, 0.01);
     expectAccent(image.pixelColor(22, 110), over(0.35, 0.95));
@@ -84,10 +86,10 @@ TEST_F(TranslucentFiguresTest, TheLineOfAHighlightedZoneIsThreeWideAroundTheInse
     EXPECT_EQ(image.pixelColor(19, 110).alpha(), 0);
 }
 
-TEST_F(TranslucentFiguresTest, TheLineOfAPlainZoneIsOneAndAHalfWide) {
+TEST_F(TranslucentFiguresTest, TheLineOfAPlainZoneIsOneAndAHalfPixelsWide) {
     const QImage image = painted({zoneFigure(kZone)});
 
-    // From 21.25 to 22.75.
+    // The line is from 21.25 to 22.75.
     EXPECT_EQ(image.pixelColor(20, 110).alpha(), 0);
     EXPECT_NEAR(image.pixelColor(21, 110).alphaF(), 0.45 * 0.75, 0.01);
     EXPECT_NEAR(image.pixelColor(22, 110).alphaF(), over(0.1, 0.45 * 0.75), 0.01);
@@ -103,10 +105,11 @@ TEST_F(TranslucentFiguresTest, AllFourSidesHaveTheSameLine) {
     EXPECT_EQ(image.pixelColor(120, 187), left);
 }
 
-TEST_F(TranslucentFiguresTest, CornersAreRoundedByTen) {
+TEST_F(TranslucentFiguresTest, CornersHaveARadiusOfTenPixels) {
     const QImage image = painted({zoneFigure(kZone, {}, true)});
 
-    // The shape's corner is at (22, 32), the arc's centre at (32, 42) and its middle at 32 - 10 / sqrt(2).
+    // The corner of the shape is at (22, 32), the centre of the arc at (32, 42), its middle at 32 - 10 /
+    // sqrt(2).
     EXPECT_EQ(image.pixelColor(22, 32).alpha(), 0);
     EXPECT_LT(image.pixelColor(23, 33).alphaF(), 0.02);
     EXPECT_GT(image.pixelColor(24, 34).alphaF(), 0.8);
@@ -132,7 +135,7 @@ TEST_F(TranslucentFiguresTest, ALaterZonePaintsOverAnEarlierOne) {
     EXPECT_NEAR(targetLast.alphaF(), plainLast.alphaF(), 0.01);
 }
 
-TEST_F(TranslucentFiguresTest, TheLabelOfALaterZoneIsCoveredByNothing) {
+TEST_F(TranslucentFiguresTest, TheLabelOfALaterZoneIsNotCovered) {
     const OverlayFigure first = zoneFigure(kZone, "1");
     const OverlayFigure second = onlyLabel(zoneFigure(kZone, "1", true));
     const QImage image = painted({second});
@@ -155,11 +158,11 @@ TEST_F(TranslucentFiguresTest, TwoZonesOfTheSameFrameAreBothPainted) {
     expectAccent(image.pixelColor(120, 60), over(0.1, 0.1));
 }
 
-TEST_F(TranslucentFiguresTest, TheLabelStandsInTheMiddle) {
+TEST_F(TranslucentFiguresTest, TheLabelIsCentred) {
     const QRect ink = inkOf(painted({onlyLabel(zoneFigure(kZone, "8", true))}));
 
     EXPECT_NEAR(ink.center().x(), 120, 2);
-    EXPECT_NEAR(ink.center().y(), 110, 4); // the line has room for what hangs below the base line
+    EXPECT_NEAR(ink.center().y(), 110, 4); // the line has room for descenders
 }
 
 TEST_F(TranslucentFiguresTest, TheLabelIsWhiteWithTheAlphaOfItsZone) {
@@ -173,7 +176,7 @@ TEST_F(TranslucentFiguresTest, TheLabelIsWhiteWithTheAlphaOfItsZone) {
     }
 }
 
-TEST_F(TranslucentFiguresTest, ALabelReadsOnWhite) {
+TEST_F(TranslucentFiguresTest, ALabelIsReadableOnWhite) {
     QImage desktop(400, 300, QImage::Format_RGB32);
     desktop.fill(Qt::white);
     QPainter(&desktop).drawImage(0, 0, painted({onlyLabel(zoneFigure(kZone, "8"))}));
@@ -189,7 +192,7 @@ TEST_F(TranslucentFiguresTest, WithoutATextThereIsNoLabel) {
     EXPECT_TRUE(inkOf(painted({onlyLabel(zoneFigure(kZone))})).isEmpty());
 }
 
-TEST_F(TranslucentFiguresTest, LabelsFollowTheScaleOfTextAndShapesDoNot) {
+TEST_F(TranslucentFiguresTest, TheScaleAppliesToLabelsButNotToShapes) {
     const QRect atOne = inkOf(painted({onlyLabel(zoneFigure(kZone, "8"))}));
     const QRect atTwo = inkOf(painted({onlyLabel(zoneFigure(kZone, "8"))}, 2));
 
@@ -197,7 +200,7 @@ TEST_F(TranslucentFiguresTest, LabelsFollowTheScaleOfTextAndShapesDoNot) {
     EXPECT_EQ(inkOf(painted({zoneFigure(kZone)}, 2)), inkOf(painted({zoneFigure(kZone)})));
 }
 
-TEST_F(TranslucentFiguresTest, TheExtentHoldsEverything) {
+TEST_F(TranslucentFiguresTest, TheExtentContainsEverythingPainted) {
     for (const auto& figure : {zoneFigure(kZone, "8"), zoneFigure({100, 100, 40, 40}, "888888", true)}) {
         const QRect extent = figures.extent(figure, 1);
         EXPECT_TRUE(extent.contains(inkOf(painted({figure}))));
@@ -211,7 +214,7 @@ TEST_F(TranslucentFiguresTest, AZoneFarBeyondTheWindowIsClipped) {
     EXPECT_EQ(image.pixelColor(120, 50).alpha(), 0);
 }
 
-TEST_F(TranslucentFiguresTest, OnNothingAZoneLooksTheSame) {
+TEST_F(TranslucentFiguresTest, PaintingOnAnEmptyBackgroundGivesTheSamePixels) {
     for (const Rect& zone : {kZone, Rect{20, 30, 40, 12}, Rect{20.5, 30.25, 200, 160}}) {
         const OverlayFigure figure = zoneFigure(zone, "1", true);
         QImage image(400, 300, QImage::Format_ARGB32_Premultiplied);
@@ -224,7 +227,7 @@ TEST_F(TranslucentFiguresTest, OnNothingAZoneLooksTheSame) {
     }
 }
 
-TEST_F(TranslucentFiguresTest, TheFastWayLooksAsOneRoundedRectangle) {
+TEST_F(TranslucentFiguresTest, TheFastPathMatchesARoundedRectangle) {
     for (const bool highlighted : {false, true}) {
         const OverlayFigure figure = zoneFigure(kZone, {}, highlighted);
         QImage expected(400, 300, QImage::Format_ARGB32_Premultiplied);
@@ -247,14 +250,14 @@ TEST_F(TranslucentFiguresTest, TheFastWayLooksAsOneRoundedRectangle) {
     }
 }
 
-TEST_F(TranslucentFiguresTest, AZoneBetweenPixelsIsPaintedWhole) {
+TEST_F(TranslucentFiguresTest, AZoneAtFractionalPixelsIsFilledCompletely) {
     const QImage image = painted({zoneFigure({20.5, 30.5, 200, 160}, {}, true)});
 
     for (int y = 35; y < 185; ++y)
         expectAccent(image.pixelColor(120, y), 0.35);
 }
 
-TEST_F(TranslucentFiguresTest, ManyLabelsAreNotAllKept) {
+TEST_F(TranslucentFiguresTest, ManyDifferentLabelsAreAllPainted) {
     for (int number = 0; number < 200; ++number)
         EXPECT_FALSE(inkOf(painted({onlyLabel(zoneFigure(kZone, std::to_string(number)))})).isEmpty());
 }

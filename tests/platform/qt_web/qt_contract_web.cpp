@@ -14,7 +14,7 @@ namespace tessarel::contract {
 
 namespace {
 
-/// The web by Qt, with a server on this machine.
+/// The web contract over Qt's network library, with a local web server.
 class QtContractWeb : public ContractWeb {
 public:
     UrlLoadingPort& urlLoading() override { return m_urlLoading; }

@@ -13,7 +13,7 @@
 namespace tessarel::qt {
 namespace {
 
-TEST_F(WebTest, TheModuleIsEnteredByTheFirstRequestAndAnswers) {
+TEST_F(WebTest, TheFirstRequestLoadsTheModuleAndGetsAResponse) {
     WebServer server;
     server.at("/", reply("200 OK", "x"));
     QtUrlLoadingModule loading;
@@ -29,7 +29,7 @@ TEST_F(WebTest, TheModuleIsEnteredByTheFirstRequestAndAnswers) {
     EXPECT_EQ(answer, (UrlResponse{200, "x"}));
 }
 
-TEST_F(WebTest, WithoutTheModuleNoRequestIsAnswered) {
+TEST_F(WebTest, WithoutTheModuleARequestHasNoResponse) {
     QtUrlLoadingModule loading({"no/such/folder"});
     int answers = 0;
     std::optional<UrlResponse> answer;

@@ -42,8 +42,9 @@ protected:
     }
     std::optional<UrlResponse> get(const std::string& path) { return get(request(server.url(path))); }
 
-    /// What comes of `path`, where the server takes longer than it has, after it has had so many requests.
-    /// The time limit is doubled until it is long enough for them to arrive on a busy machine.
+    /// Returns the response to `path`, for which the server takes longer than the time limit, and expects
+    /// that the server has received at least `requests` requests. Doubles the time limit until they arrive
+    /// even on a busy machine.
     std::optional<UrlResponse> getInAHurry(const std::string& path, std::size_t requests = 1) {
         UrlRequest hurried = request(server.url(path));
         std::optional<UrlResponse> response;
@@ -61,7 +62,7 @@ protected:
     QtUrlLoading loading;
 };
 
-TEST_F(QtUrlLoadingTest, AnswersStatusAndBody) {
+TEST_F(QtUrlLoadingTest, ReturnsStatusAndBody) {
     server.at("/", reply("200 OK", "the body"));
 
     EXPECT_THAT(get("/"), Optional(UrlResponse{200, "the body"}));
@@ -75,14 +76,14 @@ TEST_F(QtUrlLoadingTest, ABodyMayBeEmpty) {
     EXPECT_THAT(get("/none"), Optional(UrlResponse{204, ""}));
 }
 
-TEST_F(QtUrlLoadingTest, TheBytesOfABodyAreLeftAlone) {
+TEST_F(QtUrlLoadingTest, TheBytesOfABodyAreNotConverted) {
     const std::string bytes("\xEF\xBB\xBF\xFF\0\r\n\x80", 8);
     server.at("/", reply("200 OK", bytes, "Content-Type: application/json; charset=latin1\r\n"));
 
     EXPECT_THAT(get("/"), Optional(UrlResponse{200, bytes}));
 }
 
-TEST_F(QtUrlLoadingTest, AStatusThatSpeaksOfAnErrorIsAnAnswer) {
+TEST_F(QtUrlLoadingTest, AnErrorStatusIsAResponse) {
     for (const int status : {400, 401, 403, 404, 405, 409, 410, 418, 429, 500, 501, 502, 503, 504, 599}) {
         server.at("/", reply(std::to_string(status) + " Status", "the body"));
 
@@ -90,7 +91,7 @@ TEST_F(QtUrlLoadingTest, AStatusThatSpeaksOfAnErrorIsAnAnswer) {
     }
 }
 
-TEST_F(QtUrlLoadingTest, TheServerLearnsTheUserAgentAndNothingElse) {
+TEST_F(QtUrlLoadingTest, TheRequestHasTheUserAgentAndOtherwiseOnlyGenericHeaders) {
     server.at("/", reply("200 OK", ""));
 
     ASSERT_TRUE(get("/"));
@@ -107,7 +108,7 @@ TEST_F(QtUrlLoadingTest, TheServerLearnsTheUserAgentAndNothingElse) {
                                          "Pragma: no-cache", "Connection: Keep-Alive"}));
 }
 
-TEST_F(QtUrlLoadingTest, NothingIsKeptForTheNextRequest) {
+TEST_F(QtUrlLoadingTest, CookiesAndCachedBodiesAreNotReused) {
     server.at("/", reply("200 OK", "old", "Set-Cookie: id=1; Path=/\r\nCache-Control: max-age=999\r\n"));
     ASSERT_TRUE(get("/"));
     server.at("/", reply("200 OK", "new"));
@@ -132,7 +133,7 @@ TEST_F(QtUrlLoadingTest, ABodyOfTheLargestSizeIsRead) {
     EXPECT_THAT(get("/"), Optional(UrlResponse{200, std::string(1000, 'x')}));
 }
 
-TEST_F(QtUrlLoadingTest, ALargerBodyIsLeftOut) {
+TEST_F(QtUrlLoadingTest, ALargerBodyIsDropped) {
     server.at("/", reply("404 Not Found", std::string(1001, 'x')));
     server.at("/chunked", raw("HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n3e9\r\n" +
                               std::string(1001, 'x') + "\r\n0\r\n\r\n"));
@@ -141,7 +142,7 @@ TEST_F(QtUrlLoadingTest, ALargerBodyIsLeftOut) {
     EXPECT_THAT(get("/chunked"), Optional(UrlResponse{200, std::nullopt}));
 }
 
-TEST_F(QtUrlLoadingTest, AFloodIsTurnedOff) {
+TEST_F(QtUrlLoadingTest, AFarTooLargeBodyIsAborted) {
     constexpr qint64 kSize = 100'000'000;
     const auto sent = std::make_shared<qint64>(0);
     server.at("/", flood(kSize, sent));
@@ -153,11 +154,11 @@ TEST_F(QtUrlLoadingTest, AFloodIsTurnedOff) {
     EXPECT_LT(*sent, kSize / 2);
 }
 
-TEST_F(QtUrlLoadingTest, AServerThatNeverAnswersIsGivenUp) {
+TEST_F(QtUrlLoadingTest, ASilentServerTimesOut) {
     EXPECT_EQ(getInAHurry("/silent"), std::nullopt);
 }
 
-TEST_F(QtUrlLoadingTest, TheTimeLimitIsForTheWholeAnswer) {
+TEST_F(QtUrlLoadingTest, TheTimeLimitCoversTheWholeResponse) {
     server.at("/head", trickle("HTTP/1.1 200 OK\r\nX: "));
     server.at("/body", trickle("HTTP/1.1 200 OK\r\nContent-Length: 999\r\n\r\n"));
 
@@ -165,21 +166,21 @@ TEST_F(QtUrlLoadingTest, TheTimeLimitIsForTheWholeAnswer) {
     EXPECT_EQ(getInAHurry("/body"), std::nullopt);
 }
 
-TEST_F(QtUrlLoadingTest, TheTimeLimitIsForAllRedirectsTogether) {
+TEST_F(QtUrlLoadingTest, TheTimeLimitCoversAllRedirectsTogether) {
     server.at("/", redirect("/next"));
     server.at("/next", trickle("HTTP/1.1 200 OK\r\n"));
 
     EXPECT_EQ(getInAHurry("/", 2), std::nullopt);
 }
 
-TEST_F(QtUrlLoadingTest, AServerThatIsNotThereDoesNotAnswer) {
+TEST_F(QtUrlLoadingTest, AClosedPortGivesNoResponse) {
     const UrlRequest lost = request(server.url("/"));
     server.close();
 
     EXPECT_EQ(get(lost), std::nullopt);
 }
 
-TEST_F(QtUrlLoadingTest, AConnectionThatBreaksIsNoAnswer) {
+TEST_F(QtUrlLoadingTest, ABrokenConnectionGivesNoResponse) {
     server.at("/reset", [](QTcpSocket& client) { client.abort(); });
     server.at("/cut", raw("HTTP/1.1 200 OK\r\nContent-Length: 50\r\n\r\nhalf"));
     server.at("/error", raw("HTTP/1.1 404 Not Found\r\nContent-Length: 50\r\n\r\nhalf"));
@@ -189,7 +190,7 @@ TEST_F(QtUrlLoadingTest, AConnectionThatBreaksIsNoAnswer) {
         EXPECT_EQ(get(path), std::nullopt) << path;
 }
 
-TEST_F(QtUrlLoadingTest, WhatIsNotOfTheWebIsNotRead) {
+TEST_F(QtUrlLoadingTest, OnlyHttpAndHttpsUrlsAreLoaded) {
     for (const char* url :
          {"", "file:///etc/hostname", "data:text/plain,x", "qrc:/x", "http://[", "example.org"})
         EXPECT_EQ(get(request(url)), std::nullopt) << url;
@@ -197,7 +198,7 @@ TEST_F(QtUrlLoadingTest, WhatIsNotOfTheWebIsNotRead) {
 
 class QtUrlLoadingRedirectTest : public QtUrlLoadingTest {
 protected:
-    /// "/1" leads to "/2", and so on, up to the body at "/count + 1".
+    /// Makes "/1" redirect to "/2", and so on, `count` times; the last target has a body.
     void leadAstray(int count) {
         for (int step = 1; step <= count; ++step)
             server.at("/" + std::to_string(step), redirect("/" + std::to_string(step + 1)));
@@ -207,30 +208,31 @@ protected:
     WebServer secure{identity()};
 };
 
-TEST_F(QtUrlLoadingRedirectTest, FiveAreFollowed) {
+TEST_F(QtUrlLoadingRedirectTest, FiveRedirectsAreFollowed) {
     leadAstray(5);
 
     EXPECT_THAT(get("/1"), Optional(UrlResponse{200, "here"}));
 }
 
-TEST_F(QtUrlLoadingRedirectTest, SixAreNot) {
+TEST_F(QtUrlLoadingRedirectTest, TheSixthRedirectIsNotFollowed) {
     leadAstray(6);
 
     EXPECT_EQ(get("/1"), std::nullopt);
-    // Qt sends a request once more if the connection for it was just being closed.
+    // Qt sends a request again if its connection was being closed, so count the paths instead of the
+    // requests.
     std::set<QByteArray> paths;
     for (const QByteArray& sent : server.requests)
         paths.insert(sent.split(' ').value(1));
     EXPECT_THAT(paths, ElementsAre("/1", "/2", "/3", "/4", "/5", "/6"));
 }
 
-TEST_F(QtUrlLoadingRedirectTest, ALoopEnds) {
+TEST_F(QtUrlLoadingRedirectTest, ARedirectLoopEnds) {
     server.at("/", redirect("/"));
 
     EXPECT_EQ(get("/"), std::nullopt);
 }
 
-TEST_F(QtUrlLoadingRedirectTest, TheyLeadToNothingButTheWeb) {
+TEST_F(QtUrlLoadingRedirectTest, OnlyRedirectsToHttpAndHttpsAreFollowed) {
     for (const char* target :
          {"file:///etc/hostname", "data:text/plain,x", "ftp://127.0.0.1/", "qrc:/x", "http://["}) {
         server.at("/", redirect(target));
@@ -239,14 +241,14 @@ TEST_F(QtUrlLoadingRedirectTest, TheyLeadToNothingButTheWeb) {
     }
 }
 
-TEST_F(QtUrlLoadingRedirectTest, FromHttpToHttpsIsFollowed) {
+TEST_F(QtUrlLoadingRedirectTest, ARedirectFromHttpToHttpsIsFollowed) {
     server.at("/", redirect(secure.url("/")));
     secure.at("/", reply("200 OK", "safe"));
 
     EXPECT_THAT(get("/"), Optional(UrlResponse{200, "safe"}));
 }
 
-TEST_F(QtUrlLoadingRedirectTest, FromHttpsToHttpIsNot) {
+TEST_F(QtUrlLoadingRedirectTest, ARedirectFromHttpsToHttpIsNotFollowed) {
     secure.at("/", redirect(server.url("/")));
     server.at("/", reply("200 OK", "unsafe"));
 
@@ -254,14 +256,14 @@ TEST_F(QtUrlLoadingRedirectTest, FromHttpsToHttpIsNot) {
     EXPECT_TRUE(server.requests.empty());
 }
 
-TEST_F(QtUrlLoadingTest, ATrustedServerIsAskedByHttps) {
+TEST_F(QtUrlLoadingTest, ATrustedHttpsServerIsUsed) {
     WebServer secure(identity());
     secure.at("/", reply("200 OK", "safe"));
 
     EXPECT_THAT(get(request(secure.url("/"))), Optional(UrlResponse{200, "safe"}));
 }
 
-TEST_F(QtUrlLoadingTest, ACertificateThatNobodyKnowsIsRefused) {
+TEST_F(QtUrlLoadingTest, AnUnknownCertificateIsRejected) {
     WebServer impostor(makeIdentity("127.0.0.1"));
     impostor.at("/", reply("200 OK", "unsafe"));
 
@@ -269,7 +271,7 @@ TEST_F(QtUrlLoadingTest, ACertificateThatNobodyKnowsIsRefused) {
     EXPECT_TRUE(impostor.requests.empty());
 }
 
-TEST_F(QtUrlLoadingTest, ACertificateForAnotherHostIsRefused) {
+TEST_F(QtUrlLoadingTest, ACertificateForAnotherHostIsRejected) {
     const QSslConfiguration other = makeIdentity("other.example");
     QSslConfiguration trusting = QSslConfiguration::defaultConfiguration();
     trusting.addCaCertificate(other.localCertificate());
@@ -281,7 +283,7 @@ TEST_F(QtUrlLoadingTest, ACertificateForAnotherHostIsRefused) {
     EXPECT_TRUE(impostor.requests.empty());
 }
 
-TEST_F(QtUrlLoadingTest, NoAnswerComesOnceTheRequestHasEnded) {
+TEST_F(QtUrlLoadingTest, NoResponseComesAfterTheRequestWasCancelled) {
     server.at("/", reply("200 OK", ""));
     server.at("/next", reply("200 OK", ""));
     bool isDone = false;
@@ -294,7 +296,7 @@ TEST_F(QtUrlLoadingTest, NoAnswerComesOnceTheRequestHasEnded) {
     EXPECT_FALSE(isDone);
 }
 
-TEST_F(QtUrlLoadingTest, TheAnswerMayEndTheRequest) {
+TEST_F(QtUrlLoadingTest, TheCallbackMayCancelTheRequest) {
     server.at("/", reply("200 OK", "x"));
     SubscriptionPtr load;
     const auto captured = std::make_shared<int>(7);

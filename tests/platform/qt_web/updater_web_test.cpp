@@ -19,14 +19,14 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// What the user is to be told.
+/// The result that the user should see.
 enum class Outcome { Newer, UpToDate, NoConnection, NotAvailable };
 
 struct Case {
     std::string name;
-    WebServer::Answer answer; ///< none: the server is silent
+    WebServer::Answer answer; ///< null: the server is silent
     Outcome outcome = Outcome::NoConnection;
-    int status = 200; ///< told when it is not available
+    int status = 200; ///< shown to the user for NotAvailable
     std::chrono::milliseconds timeLimit = 15s;
 };
 
@@ -68,7 +68,7 @@ std::vector<Case> cases() {
     };
 }
 
-/// Counts the answers that the updater has dealt with.
+/// Counts the responses that the updater has processed.
 class CountedLoading : public UrlLoadingPort {
 public:
     [[nodiscard]] SubscriptionPtr load(const UrlRequest& request, Done done) override {
@@ -86,7 +86,7 @@ private:
 
 class UpdaterWebTest : public WebTest, public testing::WithParamInterface<Case> {
 protected:
-    /// Checks against `feedURL` until the updater has got what it gets.
+    /// Checks for updates at `feedURL` and waits until the updater has processed the response.
     void check(bool manual, const std::string& feedURL) {
         CountedLoading loading;
         Updater updater(store, loading, desktop.wallClock(), desktop.alerts(), desktop.ownApplication(),
@@ -133,7 +133,7 @@ protected:
     Store store{desktop.preferences()};
 };
 
-TEST_P(UpdaterWebTest, EndsByHttpAsItShould) {
+TEST_P(UpdaterWebTest, ShowsTheExpectedOutcomeOverHttp) {
     WebServer server;
     if (GetParam().answer)
         server.at("/feed", GetParam().answer);
@@ -141,7 +141,7 @@ TEST_P(UpdaterWebTest, EndsByHttpAsItShould) {
     checkBothWays(server.url("/feed"));
 }
 
-TEST_P(UpdaterWebTest, EndsByHttpsAsItShould) {
+TEST_P(UpdaterWebTest, ShowsTheExpectedOutcomeOverHttps) {
     WebServer server(identity());
     if (GetParam().answer)
         server.at("/feed", GetParam().answer);
@@ -152,7 +152,7 @@ TEST_P(UpdaterWebTest, EndsByHttpsAsItShould) {
 INSTANTIATE_TEST_SUITE_P(Answers, UpdaterWebTest, testing::ValuesIn(cases()),
                          [](const auto& instance) { return instance.param.name; });
 
-/// Servers that are not what they should be.
+/// Servers that must not be trusted.
 class UpdaterImpostorTest : public UpdaterWebTest {};
 
 TEST_P(UpdaterImpostorTest, ARedirectToHttpIsNotFollowed) {

@@ -21,7 +21,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto kPatience = 60s; // far beyond what anything needs
+constexpr auto kPatience = 60s; // far longer than any test needs
 constexpr auto kTrickle = 5ms;
 constexpr qsizetype kChunk = 256LL * 1024;
 
@@ -38,7 +38,7 @@ QByteArray contents(const QString& path) {
     return file.readAll();
 }
 
-/// What waits to be sent, on its way through the encryption, too.
+/// Returns the number of bytes that are still to be sent, encrypted or not.
 qint64 unsent(const QTcpSocket& client) {
     const auto* const secure = qobject_cast<const QSslSocket*>(&client);
     return client.bytesToWrite() + (secure ? secure->encryptedBytesToWrite() : 0);

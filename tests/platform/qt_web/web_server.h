@@ -13,24 +13,24 @@
 
 namespace tessarel::qt {
 
-/// A web server on this machine that answers the way it is told to.
+/// A local web server with scripted responses.
 class WebServer {
 public:
-    /// What a client gets that has sent the head of its request.
+    /// Called with the connection once the head of a request has arrived.
     using Answer = std::function<void(QTcpSocket&)>;
 
-    WebServer();                                           ///< by http
-    explicit WebServer(const QSslConfiguration& identity); ///< by https
+    WebServer();                                           ///< serves HTTP
+    explicit WebServer(const QSslConfiguration& identity); ///< serves HTTPS
     WebServer(const WebServer&) = delete;
     WebServer& operator=(const WebServer&) = delete;
     ~WebServer();
 
     void at(const std::string& path, Answer answer) { m_answers[path] = std::move(answer); }
     [[nodiscard]] std::string url(const std::string& path) const;
-    /// No client is answered from now on, not even by the machine.
+    /// Stops listening: new connections are refused by the system.
     void close() { m_server->close(); }
 
-    std::vector<QByteArray> requests; ///< their heads, in order
+    std::vector<QByteArray> requests; ///< the heads of the requests, in order
 
 private:
     void serve();
@@ -39,25 +39,25 @@ private:
     std::unique_ptr<QTcpServer> m_server;
     std::string m_scheme;
     std::map<std::string, Answer> m_answers;
-    std::map<QTcpSocket*, QByteArray> m_heads; // of requests that are still arriving
+    std::map<QTcpSocket*, QByteArray> m_heads; // the incomplete heads of requests that are still arriving
 };
 
-/// A whole answer, after which the connection is closed.
+/// Sends a complete response and closes the connection.
 [[nodiscard]] WebServer::Answer reply(const std::string& status, const std::string& body,
                                       const std::string& headers = "");
 [[nodiscard]] WebServer::Answer redirect(const std::string& url);
-/// Exactly these bytes and the end of the connection.
+/// Sends exactly these bytes and closes the connection.
 [[nodiscard]] WebServer::Answer raw(const std::string& bytes);
-/// `start`, and then one space after the other for ever.
+/// Sends `start`, then one space after another without end.
 [[nodiscard]] WebServer::Answer trickle(const std::string& start);
-/// A body of `size` bytes or a little more, as fast as clients take it; `sent` counts the bytes for all of
-/// them.
+/// Sends a body of at least `size` bytes, as fast as the client reads it; `sent` counts the bytes of all
+/// clients.
 [[nodiscard]] WebServer::Answer flood(qint64 size, std::shared_ptr<qint64> sent);
 
-/// A certificate for `name`, which may be a host or an address, signed by nobody else, and its key.
+/// Returns a self-signed certificate for `name`, a host name or an IPv4 address, with its key.
 [[nodiscard]] QSslConfiguration makeIdentity(const std::string& name);
 
-/// Runs the loop until `holds`, or not; false when that takes unreasonably long.
+/// Runs the event loop until `holds` returns true. Returns false after a minute.
 [[nodiscard]] bool loopUntil(const std::function<bool()>& holds);
 
 } // namespace tessarel::qt

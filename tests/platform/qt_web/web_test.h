@@ -10,7 +10,7 @@
 
 namespace tessarel::qt {
 
-/// A program without a screen that trusts one certificate more than the system does.
+/// A program without a screen that trusts one certificate in addition to those of the system.
 class WebTest : public testing::Test {
 protected:
     WebTest() {
@@ -20,7 +20,7 @@ protected:
     }
     ~WebTest() override { QSslConfiguration::setDefaultConfiguration(m_systemTrust); }
 
-    /// Of a server on this machine. Trusted.
+    /// Returns the trusted certificate of a local server, with its key.
     static const QSslConfiguration& identity() {
         static const QSslConfiguration made = makeIdentity("127.0.0.1");
         return made;

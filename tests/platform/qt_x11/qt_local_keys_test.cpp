@@ -22,7 +22,7 @@ namespace {
 
 constexpr quint32 kMeaningless = 37;
 
-/// Numbers of keys mean themselves here, and modifiers too.
+/// Returns the native key code and modifiers unchanged, except for one key without a translation.
 std::optional<KeyDown> translate(std::uint32_t nativeScanCode, std::uint32_t nativeModifiers) {
     if (nativeScanCode == kMeaningless)
         return std::nullopt;
@@ -45,7 +45,7 @@ protected:
         });
     }
 
-    /// The key "b" goes down in a window, where the window system delivers it.
+    /// Sends the key "b" to the native window, where the window system delivers it.
     static void press(const QWidget& target, quint32 nativeScanCode, bool isRepetition = false) {
         QKeyEvent event(QEvent::KeyPress, Qt::Key_B, Qt::NoModifier, nativeScanCode, Qt::Key_B, 4, "b",
                         isRepetition);
@@ -57,7 +57,7 @@ protected:
         QApplication::sendEvent(target.windowHandle(), &event);
     }
 
-    /// The server tells of the focus, which Qt does not do yet.
+    /// Sends a focus event of the X server that Qt itself has not processed yet.
     static void tellOfFocus(std::uint8_t type, const QWidget& target, std::uint8_t mode = 0,
                             std::uint8_t detail = XCB_NOTIFY_DETAIL_NONLINEAR) {
         xcb_focus_in_event_t event{};
@@ -74,12 +74,12 @@ protected:
     QWidget window;
     QLineEdit field{&window};
     std::vector<KeyDown> keys;
-    std::optional<std::uint32_t> held; ///< the key that is down, as the system says
+    std::optional<std::uint32_t> held; ///< the key that the server reports as down
 };
 
 using Keys = std::vector<KeyDown>;
 
-TEST_F(QtLocalKeysTest, AKeyComesByTheNumbersOfTheSystem) {
+TEST_F(QtLocalKeysTest, AKeyIsReportedWithItsNativeCodes) {
     const auto monitored = monitor();
 
     press(window, 56);
@@ -95,7 +95,7 @@ TEST_F(QtLocalKeysTest, AConsumedKeyReachesNoControl) {
     EXPECT_EQ(field.text(), "");
 }
 
-TEST_F(QtLocalKeysTest, AKeyThatIsNotConsumedIsToldOnceAndGoesItsUsualWay) {
+TEST_F(QtLocalKeysTest, AnUnconsumedKeyIsReportedOnceAndReachesTheControl) {
     const auto monitored = monitor(false);
 
     press(window, 56);
@@ -104,7 +104,7 @@ TEST_F(QtLocalKeysTest, AKeyThatIsNotConsumedIsToldOnceAndGoesItsUsualWay) {
     EXPECT_EQ(field.text(), "b");
 }
 
-TEST_F(QtLocalKeysTest, ARepetitionIsConsumedAndNotTold) {
+TEST_F(QtLocalKeysTest, AnAutoRepeatIsConsumedAndNotReported) {
     const auto monitored = monitor(false);
 
     press(window, 56, true);
@@ -113,7 +113,7 @@ TEST_F(QtLocalKeysTest, ARepetitionIsConsumedAndNotTold) {
     EXPECT_EQ(field.text(), "");
 }
 
-TEST_F(QtLocalKeysTest, AKeyThatMeansNothingIsConsumedAndNotTold) {
+TEST_F(QtLocalKeysTest, AnUntranslatableKeyIsConsumedAndNotReported) {
     const auto monitored = monitor(false);
 
     press(window, kMeaningless);
@@ -122,7 +122,7 @@ TEST_F(QtLocalKeysTest, AKeyThatMeansNothingIsConsumedAndNotTold) {
     EXPECT_EQ(field.text(), "");
 }
 
-TEST_F(QtLocalKeysTest, ShortcutsOfTheWindowRest) {
+TEST_F(QtLocalKeysTest, WindowShortcutsAreSuspendedWhileMonitoring) {
     int closed = 0;
     const QShortcut shortcut(QKeySequence(Qt::CTRL | Qt::Key_W), &window, [&] { ++closed; });
     auto monitored = monitor();
@@ -136,7 +136,7 @@ TEST_F(QtLocalKeysTest, ShortcutsOfTheWindowRest) {
     EXPECT_EQ(closed, 1);
 }
 
-TEST_F(QtLocalKeysTest, KeysThatMoveTheFocusComeTooAndDoNotMoveIt) {
+TEST_F(QtLocalKeysTest, KeysThatMoveTheFocusAreReportedAndDoNotMoveIt) {
     const QLineEdit next(&window);
     const auto monitored = monitor();
 
@@ -146,7 +146,7 @@ TEST_F(QtLocalKeysTest, KeysThatMoveTheFocusComeTooAndDoNotMoveIt) {
     EXPECT_TRUE(field.hasFocus());
 }
 
-TEST_F(QtLocalKeysTest, TheKeysOfEveryWindowCome) {
+TEST_F(QtLocalKeysTest, KeysOfEveryWindowAreReported) {
     const auto monitored = monitor();
     QWidget other;
     other.show();
@@ -157,7 +157,7 @@ TEST_F(QtLocalKeysTest, TheKeysOfEveryWindowCome) {
     EXPECT_EQ(keys, (Keys{{56, 4}, {57, 4}}));
 }
 
-TEST_F(QtLocalKeysTest, AfterTheEndOfTheMonitorKeysGoTheirUsualWay) {
+TEST_F(QtLocalKeysTest, KeysReachControlsAgainAfterTheMonitorEnds) {
     auto monitored = monitor();
     monitored.reset();
 
@@ -195,7 +195,7 @@ TEST_F(QtLocalKeysTest, AConsumedKeyDoesNothingElseUntilItIsReleased) {
     EXPECT_EQ(field.text(), "b");
 }
 
-TEST_F(QtLocalKeysTest, ARepetitionThatLooksLikeAReleaseAndAPressIsNone) {
+TEST_F(QtLocalKeysTest, AnAutoRepeatSentAsReleaseAndPressIsNotANewPress) {
     auto monitored = monitor();
     held = 56;
     press(window, 56);
@@ -214,7 +214,7 @@ TEST_F(QtLocalKeysTest, ARepetitionThatLooksLikeAReleaseAndAPressIsNone) {
     EXPECT_EQ(field.text(), "b");
 }
 
-TEST_F(QtLocalKeysTest, AKeyThatIsReleasedElsewhereIsNotWaitedFor) {
+TEST_F(QtLocalKeysTest, AKeyReleasedInAnotherWindowIsForgotten) {
     auto monitored = monitor();
     press(window, 56);
     monitored.reset();
@@ -228,7 +228,7 @@ TEST_F(QtLocalKeysTest, AKeyThatIsReleasedElsewhereIsNotWaitedFor) {
     EXPECT_EQ(field.text(), "b");
 }
 
-TEST_F(QtLocalKeysTest, KeysTypedForAnotherWindowBeforeQtKnowsOfItAreNobodysHere) {
+TEST_F(QtLocalKeysTest, KeysTypedAfterTheFocusLeftAreDiscarded) {
     const auto monitored = monitor();
     tellOfFocus(XCB_FOCUS_OUT, window);
 
@@ -238,7 +238,7 @@ TEST_F(QtLocalKeysTest, KeysTypedForAnotherWindowBeforeQtKnowsOfItAreNobodysHere
     EXPECT_EQ(field.text(), "");
 }
 
-TEST_F(QtLocalKeysTest, KeysComeAgainWhenTheFocusComesBackBeforeQtHasMissedIt) {
+TEST_F(QtLocalKeysTest, KeysAreReportedAgainWhenTheFocusReturnsBeforeQtNotices) {
     const auto monitored = monitor();
     tellOfFocus(XCB_FOCUS_OUT, window);
     tellOfFocus(XCB_FOCUS_IN, window);
@@ -248,7 +248,7 @@ TEST_F(QtLocalKeysTest, KeysComeAgainWhenTheFocusComesBackBeforeQtHasMissedIt) {
     EXPECT_EQ(keys.size(), 1U);
 }
 
-TEST_F(QtLocalKeysTest, ALostFocusConcernsNoLaterMonitor) {
+TEST_F(QtLocalKeysTest, ALostFocusDoesNotAffectLaterMonitors) {
     auto monitored = monitor();
     tellOfFocus(XCB_FOCUS_OUT, window);
     monitored.reset();
@@ -259,7 +259,7 @@ TEST_F(QtLocalKeysTest, ALostFocusConcernsNoLaterMonitor) {
     EXPECT_EQ(keys.size(), 1U);
 }
 
-TEST_F(QtLocalKeysTest, WhatLeavesTheFocusWhereItIsIsNoLoss) {
+TEST_F(QtLocalKeysTest, FocusEventsThatKeepTheFocusAreIgnored) {
     const auto monitored = monitor();
     tellOfFocus(XCB_FOCUS_OUT, window, XCB_NOTIFY_MODE_GRAB);
     tellOfFocus(XCB_FOCUS_OUT, window, XCB_NOTIFY_MODE_UNGRAB);

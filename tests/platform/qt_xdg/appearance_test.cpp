@@ -18,7 +18,7 @@ QVariantMap scheme(uint value) {
     return {{"color-scheme", value}};
 }
 
-/// How well `text` can be read on `background`: from 1, not at all, to 21.
+/// Returns the contrast ratio of `text` on `background`, from 1 (invisible) to 21.
 double contrast(const QColor& text, const QColor& background) {
     const auto part = [](double value) {
         return value <= 0.03928 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
@@ -37,7 +37,7 @@ QColor over(const QColor& background, const QColor& color) {
                             mix(background.blueF(), color.blueF()));
 }
 
-TEST(AppearanceTest, IsLightWithAFixedBlueWhereTheDesktopSaysNothing) {
+TEST(AppearanceTest, DefaultsToLightWithAFixedBlue) {
     EXPECT_EQ(appearance({}, ""), (Appearance{false, QColor("#0a84ff")}));
 }
 
@@ -47,20 +47,20 @@ TEST(AppearanceTest, IsDarkWhereTheDesktopPrefersIt) {
     EXPECT_FALSE(appearance(scheme(2), "").isDark);
 }
 
-TEST(AppearanceTest, TheNamedThemeCountsWhereTheDesktopHasNoPreference) {
+TEST(AppearanceTest, TheThemeNameDecidesIfTheDesktopHasNoPreference) {
     EXPECT_TRUE(appearance({}, "Adwaita:dark").isDark);
     EXPECT_TRUE(appearance(scheme(0), "Adwaita:dark").isDark);
     EXPECT_FALSE(appearance(scheme(2), "Adwaita:dark").isDark);
     EXPECT_FALSE(appearance({}, "Adwaita").isDark);
 }
 
-TEST(AppearanceTest, WhatIsNoSettingIsIgnored) {
+TEST(AppearanceTest, SettingsOfTheWrongTypeAreIgnored) {
     EXPECT_EQ(appearance({{"color-scheme", "dark"}, {"accent-color", "red"}}, ""), Appearance{});
 }
 
 class PaletteTest : public OffscreenTest {};
 
-TEST_F(PaletteTest, TextCanBeReadInLightAndDark) {
+TEST_F(PaletteTest, TextIsReadableInLightAndDark) {
     for (const bool isDark : {false, true}) {
         const QPalette colors = palette({.isDark = isDark});
         const QColor window = colors.color(QPalette::Window);
@@ -73,7 +73,7 @@ TEST_F(PaletteTest, TextCanBeReadInLightAndDark) {
     }
 }
 
-TEST_F(PaletteTest, SecondaryTextCanBeReadOnATab) {
+TEST_F(PaletteTest, SecondaryTextIsReadableOnATab) {
     for (const bool isDark : {false, true}) {
         QTabWidget tabs;
         tabs.setPalette(palette({.isDark = isDark}));
@@ -92,7 +92,7 @@ TEST_F(PaletteTest, DarkIsDarkAndLightIsLight) {
     EXPECT_LT(palette({.isDark = true}).color(QPalette::Window).lightness(), 80);
 }
 
-TEST_F(PaletteTest, TheAccentMarksWhatIsSelectedAndItsTextCanBeRead) {
+TEST_F(PaletteTest, TheHighlightIsTheAccentColourAndItsTextIsReadable) {
     for (const QColor accent :
          {QColor("#0a84ff"), QColor(Qt::yellow), QColor(Qt::white), QColor("#3a0050")}) {
         const QPalette colors = palette({.accent = accent});

@@ -17,7 +17,7 @@ protected:
     }
 };
 
-TEST_F(ApplicationIconTest, ItHasEverySizeThatWindowListsAskFor) {
+TEST_F(ApplicationIconTest, ItHasTheUsualSizesOfWindowLists) {
     for (const int size : {16, 24, 32, 48, 64, 128})
         EXPECT_EQ(applicationIcon().actualSize(QSize(size, size)), QSize(size, size));
 }
@@ -37,7 +37,7 @@ TEST_F(ApplicationIconTest, ItsZonesAreSharpAndStandOutOnTheirTile) {
     }
 }
 
-TEST_F(ApplicationIconTest, ItsZonesKeepTheSameDistanceFromAboveAndBelow) {
+TEST_F(ApplicationIconTest, ItsZonesAreSymmetricFromTopToBottom) {
     for (const int size : {16, 24, 32, 48, 64, 128}) {
         const QImage icon = image(size);
         for (int y = 0; y < size; ++y)

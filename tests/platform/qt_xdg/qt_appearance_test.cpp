@@ -26,7 +26,7 @@ const QString kPath = "/org/freedesktop/portal/desktop";
 const QString kInterface = "org.freedesktop.portal.Settings";
 const QString kNamespace = "org.freedesktop.appearance";
 
-/// A desktop's settings as its portal tells them: the accent colour is red.
+/// Implements the settings portal of a desktop whose accent colour is red.
 class Portal : public QDBusVirtualObject {
 public:
     [[nodiscard]] QString introspect(const QString&) const override { return {}; }
@@ -56,7 +56,7 @@ private:
     }
 };
 
-/// A session bus of its own, and the portal on it in a thread of its own, as if in another program.
+/// A private session bus with the portal in its own thread, as if it were another program.
 class QtAppearanceTest : public OffscreenTest {
 protected:
     QtAppearanceTest() {
@@ -96,7 +96,7 @@ protected:
     QtAppearance appearance{[this] { return QDBusConnection::connectToBus(address, "ours"); }};
 };
 
-TEST_F(QtAppearanceTest, TakesOnWhatTheDesktopPrefers) {
+TEST_F(QtAppearanceTest, AppliesTheDesktopsPreferences) {
     startPortal();
 
     appearance.apply();
@@ -105,7 +105,7 @@ TEST_F(QtAppearanceTest, TakesOnWhatTheDesktopPrefers) {
     EXPECT_EQ(accent(), QColor(Qt::red));
 }
 
-TEST_F(QtAppearanceTest, NothingIsAskedBeforeItIsApplied) {
+TEST_F(QtAppearanceTest, DoesNotQueryTheDesktopBeforeApply) {
     startPortal();
 
     EXPECT_FALSE(isDark());
@@ -123,7 +123,7 @@ TEST_F(QtAppearanceTest, FollowsTheDesktop) {
     EXPECT_TRUE(QTest::qWaitFor([] { return !isDark(); }));
 }
 
-TEST_F(QtAppearanceTest, TheDesktopIsAskedOnlyOnce) {
+TEST_F(QtAppearanceTest, QueriesTheDesktopOnlyOnce) {
     startPortal();
     appearance.apply();
     portal.scheme = 2;
@@ -148,14 +148,14 @@ TEST_F(QtAppearanceTest, WithoutAPortalItIsLight) {
     EXPECT_EQ(accent(), QColor("#0a84ff"));
 }
 
-TEST_F(QtAppearanceTest, DoesNotWaitForADesktopThatDoesNotAnswer) {
+TEST_F(QtAppearanceTest, DoesNotWaitForASilentPortal) {
     startPortal();
     portal.isSilent = true;
     const auto start = std::chrono::steady_clock::now();
 
     appearance.apply();
 
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5)); // the bus waits for 25
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5)); // D-Bus waits 25 s
     EXPECT_FALSE(isDark());
 }
 

@@ -11,7 +11,7 @@ namespace {
 using namespace std::chrono_literals;
 using ::testing::ElementsAre;
 
-/// What the simulated programs do beyond the contract of the port.
+/// Behaviour of the simulated programs beyond the contract of the port.
 class SimAccessibilityTest : public ::testing::Test {
 protected:
     static constexpr Rect kStart{200, 150, 640, 480};
@@ -54,7 +54,7 @@ TEST_F(SimAccessibilityTest, SizesAreWholeStepsRoundedDown) {
     EXPECT_EQ(desktop.frame(window), (Rect{200, 150, 707, 854}));
 }
 
-TEST_F(SimAccessibilityTest, AWindowMayTakeItsTimeAfterAWrite) {
+TEST_F(SimAccessibilityTest, AWriteMayTakeEffectWithADelay) {
     desktop.window(window).settlingTime = 50ms;
 
     resize({300, 200});
@@ -89,7 +89,7 @@ TEST_F(SimAccessibilityTest, TheDesktopMayChangeAfterAnyWrite) {
     EXPECT_FALSE(position());
 }
 
-TEST_F(SimAccessibilityTest, SizesMayBeCutAtTheEdgeOfTheDisplay) {
+TEST_F(SimAccessibilityTest, SizesMayBeClippedAtTheEdgeOfTheDisplay) {
     desktop.addScreen({.frame = {1440, 0, 1920, 900}});
     desktop.window(window).cutAtDisplayEdge = true;
 
@@ -122,7 +122,7 @@ TEST_F(SimAccessibilityTest, AFullScreenWindowKeepsItsFrame) {
     EXPECT_EQ(desktop.frame(window), kStart);
 }
 
-TEST_F(SimAccessibilityTest, ALateAnswerTakesItsTime) {
+TEST_F(SimAccessibilityTest, ASlowReplyTakesItsTime) {
     editor().answerTime = 300ms;
     const auto start = desktop.mainQueue().now();
 
@@ -133,7 +133,7 @@ TEST_F(SimAccessibilityTest, ALateAnswerTakesItsTime) {
     EXPECT_EQ(desktop.mainQueue().now() - start, 600ms);
 }
 
-TEST_F(SimAccessibilityTest, AProgramThatNeverAnswersCostsTheTimeLimit) {
+TEST_F(SimAccessibilityTest, AProgramThatNeverRepliesCostsTheTimeLimit) {
     editor().answerTime = 1h;
     const auto start = desktop.mainQueue().now();
 
@@ -145,7 +145,7 @@ TEST_F(SimAccessibilityTest, AProgramThatNeverAnswersCostsTheTimeLimit) {
     EXPECT_EQ(desktop.frame(window), kStart);
 }
 
-TEST_F(SimAccessibilityTest, NothingRunsWhileAnAnswerIsAwaited) {
+TEST_F(SimAccessibilityTest, NoWorkRunsWhileAReplyIsAwaited) {
     bool ran = false;
     desktop.mainQueue().asyncAfter(100ms, [&] { ran = true; });
     editor().answerTime = 300ms;
@@ -157,7 +157,7 @@ TEST_F(SimAccessibilityTest, NothingRunsWhileAnAnswerIsAwaited) {
     EXPECT_TRUE(ran);
 }
 
-TEST_F(SimAccessibilityTest, AProgramMayEndBetweenTwoRequests) {
+TEST_F(SimAccessibilityTest, AProgramMayExitBetweenTwoRequests) {
     editor().requestsUntilDeath = 2;
     const Element element = desktop.element(window);
     const ProcessId pid = desktop.window(window).pid;
@@ -170,7 +170,7 @@ TEST_F(SimAccessibilityTest, AProgramMayEndBetweenTwoRequests) {
     EXPECT_FALSE(desktop.workspace().frontmostApplication());
 }
 
-TEST_F(SimAccessibilityTest, WithTheEnhancedInterfaceOnAMoveIsSeenLater) {
+TEST_F(SimAccessibilityTest, WithTheEnhancedInterfaceOnAMoveTakesEffectLater) {
     editor().enhancedInterface = true;
 
     move({0, 0});
@@ -183,7 +183,7 @@ TEST_F(SimAccessibilityTest, WithTheEnhancedInterfaceOnAMoveIsSeenLater) {
     EXPECT_EQ(desktop.frame(window), (Rect{0, 0, 640, 480}));
 }
 
-TEST_F(SimAccessibilityTest, WithTheEnhancedInterfaceSwitchedOffAMoveIsSeenAtOnce) {
+TEST_F(SimAccessibilityTest, WithTheEnhancedInterfaceSwitchedOffAMoveTakesEffectAtOnce) {
     editor().enhancedInterface = true;
     desktop.accessibility().setAttribute(app(), attribute::kEnhancedUserInterface, false);
     EXPECT_EQ(editor().enhancedInterface, false);
@@ -199,7 +199,7 @@ TEST_F(SimAccessibilityTest, AProgramWithoutAnEnhancedInterfaceCannotBeGivenOne)
     EXPECT_FALSE(desktop.accessibility().copyAttribute(app(), attribute::kEnhancedUserInterface));
 }
 
-TEST_F(SimAccessibilityTest, AWindowMaySayAnythingInsteadOfTheTruth) {
+TEST_F(SimAccessibilityTest, AWindowMayReportWrongAttributes) {
     desktop.window(window).overrides["AXPosition"] = "nonsense";
     const auto nonsense =
         desktop.accessibility().copyAttribute(desktop.element(window), attribute::kPosition);
@@ -223,14 +223,14 @@ TEST_F(SimAccessibilityTest, RequestsAreRecordedInOrder) {
     EXPECT_TRUE(desktop.takeRequests().empty());
 }
 
-TEST_F(SimAccessibilityTest, OnlyWritesMayBeTaken) {
+TEST_F(SimAccessibilityTest, WritesCanBeTakenAlone) {
     (void)position();
     move({0, 0});
 
     EXPECT_THAT(desktop.takeWrites(), ElementsAre("write window 1 AXPosition 0,0"));
 }
 
-TEST_F(SimAccessibilityTest, APartOfAWindowSaysWhatItIsAndWhose) {
+TEST_F(SimAccessibilityTest, APartOfAWindowReportsItsRoleAndItsWindow) {
     desktop.window(window).partRole = "AXButton";
     SimAccessibility& port = desktop.accessibility();
     const auto part = port.elementAtPosition(port.systemWide(), {300, 160});
@@ -246,7 +246,7 @@ TEST_F(SimAccessibilityTest, APartOfAWindowSaysWhatItIsAndWhose) {
     EXPECT_FALSE(port.copyAttribute(*part, attribute::kPosition));
 }
 
-TEST_F(SimAccessibilityTest, APartMayKeepItsWindowToItself) {
+TEST_F(SimAccessibilityTest, APartMayHaveNoWindowAttribute) {
     desktop.window(window).partRole = "AXButton";
     desktop.window(window).overrides["AXWindow"] = std::nullopt;
     SimAccessibility& port = desktop.accessibility();
@@ -256,7 +256,7 @@ TEST_F(SimAccessibilityTest, APartMayKeepItsWindowToItself) {
     EXPECT_FALSE(port.copyAttribute(*part, attribute::kWindow));
 }
 
-TEST_F(SimAccessibilityTest, ATimeLimitBelongsToTheElementThatItWasGivenTo) {
+TEST_F(SimAccessibilityTest, ATimeLimitAppliesToItsElementOnly) {
     editor().answerTime = 1s;
     const Element limited = desktop.element(window);
     const Element copy = limited;
@@ -268,7 +268,7 @@ TEST_F(SimAccessibilityTest, ATimeLimitBelongsToTheElementThatItWasGivenTo) {
     EXPECT_EQ(desktop.mainQueue().now().time_since_epoch(), 1250ms);
 }
 
-TEST_F(SimAccessibilityTest, TheTimeLimitOfTheDesktopHoldsForAllWithoutTheirOwn) {
+TEST_F(SimAccessibilityTest, TheGlobalTimeLimitAppliesToElementsWithoutTheirOwn) {
     editor().answerTime = 1s;
     SimAccessibility& port = desktop.accessibility();
     port.setMessagingTimeout(port.systemWide(), 250ms);
@@ -278,7 +278,7 @@ TEST_F(SimAccessibilityTest, TheTimeLimitOfTheDesktopHoldsForAllWithoutTheirOwn)
     EXPECT_EQ(desktop.mainQueue().now().time_since_epoch(), 500ms);
 }
 
-TEST_F(SimAccessibilityTest, FindingAndLimitsAreRecordedToo) {
+TEST_F(SimAccessibilityTest, HitTestsAndTimeLimitsAreRecorded) {
     SimAccessibility& port = desktop.accessibility();
     port.setMessagingTimeout(port.systemWide(), 250ms);
     const auto found = port.elementAtPosition(port.systemWide(), {300.5, 160});

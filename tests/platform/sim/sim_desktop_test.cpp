@@ -10,13 +10,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// What a test can do to the simulated desktop.
+/// The controls that the simulated desktop offers to tests.
 class SimDesktopTest : public ::testing::Test {
 protected:
     SimDesktop desktop;
 };
 
-TEST_F(SimDesktopTest, MenuBarAndDockTakeTheirShareOfADisplay) {
+TEST_F(SimDesktopTest, MenuBarAndDockReduceTheVisibleFrame) {
     const Screen screen = desktop.addScreen({.frame = {0, 0, 1440, 900}, .menuBar = 25, .dock = 70});
 
     EXPECT_EQ(screen.frame, (Rect{0, 0, 1440, 900}));
@@ -26,14 +26,14 @@ TEST_F(SimDesktopTest, MenuBarAndDockTakeTheirShareOfADisplay) {
     EXPECT_EQ(desktop.displays().screens().front().visibleFrame, (Rect{0, 70, 1440, 790}));
 }
 
-TEST_F(SimDesktopTest, BarsAtTheSidesTakeTheirShareToo) {
+TEST_F(SimDesktopTest, SideBarsReduceTheVisibleFrame) {
     const Screen screen = desktop.addScreen(
         {.frame = {-1440, 500, 1440, 900}, .menuBar = 25, .dock = 55, .leftBar = 40, .rightBar = 100});
 
     EXPECT_EQ(screen.visibleFrame, (Rect{-1400, 555, 1300, 820}));
 }
 
-TEST_F(SimDesktopTest, DisplaysComeAndGo) {
+TEST_F(SimDesktopTest, DisplaysCanBeAddedAndRemoved) {
     const Screen first = desktop.addScreen({.frame = {0, 0, 1440, 900}});
     const Screen second = desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
     EXPECT_EQ(desktop.displays().screens(), (std::vector{first, second}));
@@ -69,7 +69,7 @@ TEST_F(SimDesktopTest, AnotherPrimaryDisplayMovesTheOrigin) {
     EXPECT_EQ(screens[1], (Screen{first.id, {-1440, 100, 1440, 900}, {-1440, 100, 1440, 875}}));
 }
 
-TEST_F(SimDesktopTest, TheMainScreenCanBeSaid) {
+TEST_F(SimDesktopTest, TheMainScreenCanBeSet) {
     const Screen first = desktop.addScreen({.frame = {0, 0, 1440, 900}});
     const Screen second = desktop.addScreen({.frame = {1440, 0, 1920, 1080}});
     EXPECT_EQ(desktop.displays().mainScreen(), first);
@@ -116,7 +116,7 @@ TEST_F(SimDesktopTest, AWindowOpenedBehindLeavesTheFocusWhereItIs) {
     EXPECT_EQ(listed[2].axBounds, (Rect{0, 0, 300, 300}));
 }
 
-TEST_F(SimDesktopTest, AWindowOpenedBehindIsReportedToWhoWatchesItsProgram) {
+TEST_F(SimDesktopTest, AWindowOpenedBehindIsReportedToObserversOfItsProgram) {
     const ProcessId mail = desktop.launch({.bundleIdentifier = "org.example.mail"});
     int created = 0;
     const auto observer = desktop.accessibility().onWindowCreated(
@@ -151,7 +151,7 @@ TEST_F(SimDesktopTest, WhenAWindowClosesTheNextOneOfItsProgramHasTheFocus) {
     EXPECT_FALSE(desktop.application(pid).focusedWindow);
 }
 
-TEST_F(SimDesktopTest, ADragEndsWhateverMotionTheWindowIsIn) {
+TEST_F(SimDesktopTest, ADragEndsARunningAnimation) {
     const auto window = desktop.openWindow("org.example.editor", {0, 0, 100, 100});
     desktop.applicationOf(window).enhancedInterface = true;
     desktop.accessibility().setAttribute(desktop.element(window), attribute::kPosition, Point{50, 50});
@@ -161,7 +161,7 @@ TEST_F(SimDesktopTest, ADragEndsWhateverMotionTheWindowIsIn) {
     EXPECT_EQ(desktop.frame(window), (Rect{300, 300, 100, 100}));
 }
 
-TEST_F(SimDesktopTest, HotKeysOfOthersAreNotPressedHere) {
+TEST_F(SimDesktopTest, HotKeysOfOtherProgramsAreNotDelivered) {
     int pressed = 0;
     const auto handler = desktop.hotKeys().installHandler([&](std::uint32_t) { ++pressed; });
     const auto other = desktop.hotKeys().holdByAnotherProgram(18, 6144);
@@ -171,7 +171,7 @@ TEST_F(SimDesktopTest, HotKeysOfOthersAreNotPressedHere) {
     EXPECT_TRUE(desktop.hotKeys().registered().empty());
 }
 
-TEST_F(SimDesktopTest, ClaimsMayOutliveTheDesktop) {
+TEST_F(SimDesktopTest, RegistrationsMayOutliveTheDesktop) {
     auto passing = std::make_unique<SimDesktop>();
     const auto handler = passing->hotKeys().installHandler([](std::uint32_t) {});
     const auto held = passing->hotKeys().holdByAnotherProgram(18, 6144);
@@ -181,7 +181,7 @@ TEST_F(SimDesktopTest, ClaimsMayOutliveTheDesktop) {
     EXPECT_TRUE(handler && held && instance);
 }
 
-TEST_F(SimDesktopTest, AlertsAreAnsweredAsToldAndElseByTheLastButton) {
+TEST_F(SimDesktopTest, AlertsReturnTheScriptedAnswersOrElseTheLastButton) {
     const Alert alert{"Welcome", "Read this.", {"Continue", "Open Settings", "Later"}};
     desktop.alerts().answers = {1, 0};
 
@@ -193,7 +193,7 @@ TEST_F(SimDesktopTest, AlertsAreAnsweredAsToldAndElseByTheLastButton) {
     EXPECT_EQ(desktop.alerts().shown.front(), alert);
 }
 
-TEST_F(SimDesktopTest, ServicesCountWhatIsAskedOfThem) {
+TEST_F(SimDesktopTest, ServicesRecordTheirCalls) {
     desktop.alertSound().beep();
     desktop.openUrl().open("https://example.org");
     desktop.trust().prompt();
@@ -208,7 +208,7 @@ TEST_F(SimDesktopTest, ServicesCountWhatIsAskedOfThem) {
     EXPECT_EQ(desktop.trust().prompts, 1);
 }
 
-TEST_F(SimDesktopTest, TimeStandsStillUntilItIsTurned) {
+TEST_F(SimDesktopTest, TimeStandsStillUntilItIsAdvanced) {
     const auto start = desktop.mainQueue().now();
     std::vector<MainQueuePort::Duration> ranAt;
     for (const auto delay : {400ms, 30ms, 1000ms})

@@ -11,7 +11,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// What the simulated hand does to windows; what is reported of it is a matter of the port's contract.
+/// How the simulated mouse moves windows. The reported mouse events are part of the port's contract tests.
 class SimMouseTest : public ::testing::Test {
 protected:
     SimMouseTest() { desktop.addScreen({.frame = {0, 0, 1440, 900}}); }
@@ -28,7 +28,7 @@ protected:
     WindowId window = desktop.openWindow("org.example.editor", {200, 150, 640, 480});
 };
 
-TEST_F(SimMouseTest, AWindowTakenByItsTitleBarFollowsThePointer) {
+TEST_F(SimMouseTest, AWindowDraggedByItsTitleBarFollowsThePointer) {
     dragFrom({300, 160}, {350, 120});
 
     EXPECT_EQ(desktop.frame(window), (Rect{250, 110, 640, 480}));
@@ -36,19 +36,19 @@ TEST_F(SimMouseTest, AWindowTakenByItsTitleBarFollowsThePointer) {
     EXPECT_EQ(desktop.frame(window), (Rect{250, 110, 640, 480}));
 }
 
-TEST_F(SimMouseTest, AWindowTakenByItsTopEdgeIsResized) {
+TEST_F(SimMouseTest, AWindowDraggedByItsTopEdgeIsResized) {
     dragFrom({300, 150}, {350, 100});
 
     EXPECT_EQ(desktop.frame(window), (Rect{200, 100, 640, 530}));
 }
 
-TEST_F(SimMouseTest, AWindowTakenByItsContentStays) {
+TEST_F(SimMouseTest, AWindowDraggedByItsContentStays) {
     dragFrom({300, 211}, {350, 100});
 
     EXPECT_EQ(desktop.frame(window), (Rect{200, 150, 640, 480}));
 }
 
-TEST_F(SimMouseTest, AWindowClosedInTheHandIsGone) {
+TEST_F(SimMouseTest, AWindowMayBeClosedDuringADrag) {
     mouse.moveTo({300, 160});
     mouse.press();
     desktop.close(window);
@@ -57,7 +57,7 @@ TEST_F(SimMouseTest, AWindowClosedInTheHandIsGone) {
     mouse.release();
 }
 
-TEST_F(SimMouseTest, ALostReleaseIsReportedWithTheNextMovement) {
+TEST_F(SimMouseTest, ALostReleaseIsReportedWithTheNextMotion) {
     std::vector<MouseEventKind> kinds;
     std::vector<SubscriptionPtr> monitors;
     for (const auto kind : {MouseEventKind::LeftDown, MouseEventKind::LeftDragged, MouseEventKind::LeftUp})

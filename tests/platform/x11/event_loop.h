@@ -14,11 +14,10 @@
 
 namespace tessarel::x11 {
 
-/// The program's side of a desktop: a connection and the main queue that it lives on, both turned by the
-/// test.
+/// A connection and its main queue, both run by the test.
 class EventLoop {
 public:
-    /// Throws std::runtime_error when the display cannot be opened.
+    /// Throws std::runtime_error if the display cannot be opened.
     explicit EventLoop(const std::string& display) {
         auto opened = Connection::open(display.c_str(), m_queue);
         if (!opened.connection)
@@ -29,7 +28,8 @@ public:
     [[nodiscard]] Connection& connection() { return *m_connection; }
     [[nodiscard]] MainQueuePort& queue() { return m_queue; }
 
-    /// Has every request of ours carried out, and handles every event that the server has sent before.
+    /// Waits until the server has processed all our requests, and handles all events that it sent before
+    /// that.
     void settle() {
         xcb_connection_t* const xcb = m_connection->xcb();
         static_cast<void>(m_connection->reply<xcb_get_input_focus_reply>(xcb_get_input_focus(xcb)));
@@ -37,7 +37,7 @@ public:
         turn();
     }
 
-    /// Runs what waits on the main queue.
+    /// Runs the pending work of the main queue.
     void turn() { m_clock.advance(std::chrono::nanoseconds::zero()); }
 
 private:

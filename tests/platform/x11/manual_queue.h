@@ -10,7 +10,7 @@
 
 namespace tessarel::x11 {
 
-/// A main queue that the test runs by hand; delays are not waited for.
+/// A main queue that the test runs by hand, without waiting for delays.
 class ManualQueue : public MainQueuePort {
 public:
     [[nodiscard]] TimePoint now() override { return TimePoint::clock::now(); }
@@ -21,7 +21,7 @@ public:
 
     [[nodiscard]] std::size_t waiting() const { return m_work.size(); }
 
-    /// Runs what is there now; what it hands over waits for the next call.
+    /// Runs the work that is queued now; work that it queues waits for the next call.
     void runTurn() {
         for (const auto& work : std::exchange(m_work, {}))
             work();

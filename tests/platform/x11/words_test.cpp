@@ -21,14 +21,14 @@ std::vector<std::string> texts(const PlatformWords& words) {
             words.controlKey,        words.commandKey,       words.notTrusted,         words.thisComputer};
 }
 
-TEST(WordsTest, NameNothingThatOnlyMacOSHas) {
+TEST(WordsTest, DoNotMentionFeaturesOfMacOS) {
     EXPECT_THAT(texts(words()),
                 Each(AllOf(Not(HasSubstr("Mac")), Not(HasSubstr("macOS")), Not(HasSubstr("Dock")),
                            Not(HasSubstr("menu bar")), Not(HasSubstr("Opt")), Not(HasSubstr("Cmd")),
                            Not(HasSubstr("Command")), Not(HasSubstr("System Settings")))));
 }
 
-TEST(WordsTest, NoneIsMissing) {
+TEST(WordsTest, AreAllPresent) {
     EXPECT_THAT(texts(words()), Each(Not("")));
 }
 

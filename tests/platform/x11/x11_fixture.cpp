@@ -9,7 +9,7 @@ namespace tessarel::x11 {
 
 namespace {
 
-/// `desktop`, with a manager even if the case before has ended it.
+/// Returns `desktop`, and starts a window manager if the previous test has ended it.
 SharedDesktop& managed(SharedDesktop& desktop) {
     if (!desktop.manager)
         desktop.manager =
@@ -43,7 +43,7 @@ ConnectionDriver::ConnectionDriver(const std::string& display)
 }
 
 void ConnectionDriver::hear() {
-    (void)m_connection->internAtom("PRIMARY"); // any answer comes after all events before it
+    (void)m_connection->internAtom("PRIMARY"); // the reply comes after all earlier events
     m_connection->dispatch();
     for (int turn = 0; m_queue.waiting() > 0; ++turn) {
         ASSERT_LT(turn, 100) << "the queue never empties";

@@ -20,23 +20,23 @@
 
 namespace tessarel::x11 {
 
-/// A frame that no window has before a test sets it, in accessibility coordinates.
+/// A frame that no window has initially, in accessibility coordinates.
 inline constexpr Rect kTarget{333, 222, 600, 450};
 
-/// An X server with a window manager that all cases of a program share.
+/// An X server, with or without a window manager, shared by all tests of a test program.
 struct SharedDesktop {
     x11test::XServer server{{.width = 1600, .height = 900, .monitors = {}}};
     std::unique_ptr<x11test::WindowManager> manager;
     x11test::Observer observer{server.display()};
 
-    /// Openbox, or what $TESSAREL_TEST_WINDOW_MANAGER names.
+    /// Returns a desktop with openbox, or with the window manager named by $TESSAREL_TEST_WINDOW_MANAGER.
     [[nodiscard]] static SharedDesktop& withManager();
     [[nodiscard]] static SharedDesktop& withoutManager();
-    /// With a manager, on a server that cannot tell which process a client is.
+    /// Returns a desktop with a window manager, on a server that cannot resolve the process of a client.
     [[nodiscard]] static SharedDesktop& withoutProcesses();
 };
 
-/// The connection under test, pumped by hand.
+/// Runs the connection under test by hand.
 class ConnectionDriver {
 public:
     explicit ConnectionDriver(const std::string& display);
@@ -44,7 +44,7 @@ public:
     [[nodiscard]] Connection& connection() { return *m_connection; }
     [[nodiscard]] ManualQueue& queue() { return m_queue; }
 
-    /// Reads and delivers everything that the server has sent for what has been done so far.
+    /// Reads and delivers all events that the server has sent up to now.
     void hear();
 
 private:
@@ -52,22 +52,22 @@ private:
     std::unique_ptr<Connection> m_connection;
 };
 
-/// The back end beside one other program on an otherwise empty desktop.
+/// The back end with one test client on an otherwise empty desktop.
 class X11Test : public ::testing::Test {
 protected:
     explicit X11Test(SharedDesktop& shared = SharedDesktop::withManager());
     ~X11Test() override;
 
-    /// Opens a window that has the focus when this returns.
+    /// Opens a window and waits until it is active.
     [[nodiscard]] xcb_window_t open(const x11test::WindowOptions& options = {});
-    /// Everybody has heard of everything.
+    /// Waits until the window manager, the server and the back end have processed everything.
     void settle();
 
-    /// The element of a managed window of the client.
+    /// Returns the element of a managed window of the client.
     [[nodiscard]] Element elementOf(xcb_window_t window);
     [[nodiscard]] Rect readFrame(const Element& window);
     void writeFrame(const Element& window, const Rect& axFrame);
-    /// Where the window is, seen without the back end.
+    /// Returns the outer frame of the window as the observer reads it, without the back end.
     [[nodiscard]] Rect actualFrame(xcb_window_t window);
 
     template <class Value>

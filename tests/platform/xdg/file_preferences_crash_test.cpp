@@ -1,4 +1,5 @@
-// What is on the disk when a save is interrupted or fails, at each of its system calls in turn.
+// Interrupts a save, or makes it fail, at each of its system calls in turn, and checks what is left on the
+// disk.
 
 #include "platform/xdg/file_preferences.h"
 #include "support/scratch_folder.h"
@@ -21,7 +22,7 @@ constexpr std::string_view kSettingsKey = "settings";
 const std::string kOld(20'000, 'o');
 const std::string kNew(30'000, 'n');
 
-/// What a save finds.
+/// The state of the disk before a save.
 struct Before {
     std::string name;
     bool hasOld = true;
@@ -82,8 +83,8 @@ protected:
     }
 };
 
-/// From the beginning of a system call on, the one before it has been made and itself not: a process that is
-/// killed there leaves what any death between the two would leave.
+/// Continues to the entry of the next system call: the one before it has been made, and this one has not.
+/// Killing the process there leaves the same state as a crash between the two.
 bool nextBeginning(TracedWork& work) {
     while (const auto halt = work.next())
         if (halt->atBeginning)
@@ -109,7 +110,7 @@ TEST_P(InterruptedSaveTest, KilledAtAnySystemCallTheFileIsTheOldOrTheNewOne) {
         ASSERT_FALSE(HasFailure());
     }
 
-    EXPECT_EQ(contents.size(), 2U); // some were killed before the change and some after it
+    EXPECT_EQ(contents.size(), 2U); // some were killed before the replacement and some after it
 }
 
 #if defined(__x86_64__)
@@ -121,7 +122,7 @@ bool isMemoryOrProcess(long systemCall) {
     return calls.count(systemCall) > 0;
 }
 
-/// Runs `work` and has its `number`th system call that concerns files fail. False if it makes fewer.
+/// Runs `work` and makes its `number`th file-related system call fail. Returns false if `work` makes fewer.
 bool failAt(int number, int error, TracedWork& work) {
     int count = 0;
     while (const auto halt = work.next()) {
@@ -135,12 +136,12 @@ bool failAt(int number, int error, TracedWork& work) {
 
 class FailingSaveTest : public InterruptedSaveTest {
 protected:
-    /// The contents that saves leave behind, each with another system call failing.
+    /// Returns the contents that are left by saves in each of which another system call fails.
     std::set<std::optional<std::string>> contentsAfterFailures(int error) {
         std::set<std::optional<std::string>> contents;
         bool hasFailed = true;
         prepare();
-        save(kNew); // a sanitizer's first look at a type makes system calls of its own
+        save(kNew); // the sanitizer's first check of a type makes system calls of its own
         TracedWork work([this] { save(kNew); });
         EXPECT_TRUE(work.isTraced());
         for (int number = 1; hasFailed; ++number) {
@@ -187,7 +188,7 @@ INSTANTIATE_TEST_SUITE_P(Before, FailingSaveTest,
 
 #endif
 
-TEST_P(InterruptedSaveTest, TheNewFileIsOnTheDiskBeforeItTakesThePlaceOfTheOld) {
+TEST_P(InterruptedSaveTest, TheNewFileIsFlushedBeforeItReplacesTheOldOne) {
     prepare();
     TracedWork work([this] { save(kNew); });
     ASSERT_TRUE(work.isTraced());

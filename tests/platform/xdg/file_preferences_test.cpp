@@ -53,12 +53,12 @@ protected:
     Names names() const { return ScratchFolder::names(folder); }
 };
 
-TEST_F(FilePreferencesTest, WithoutAFileThereIsNoValueAndNothingIsMade) {
+TEST_F(FilePreferencesTest, WithoutAFileThereIsNoValueAndNoFolderIsCreated) {
     EXPECT_EQ(preferences.data(kKey), std::nullopt);
     EXPECT_FALSE(fs::exists(scratch.path() / "config"));
 }
 
-TEST_F(FilePreferencesTest, WhatIsSavedIsReadBackByTheNextProgram) {
+TEST_F(FilePreferencesTest, SavedBytesAreReadBack) {
     const std::string bytes("{\"a\":\0\xff}\n", 9);
 
     preferences.setData(kKey, bytes);
@@ -90,7 +90,7 @@ TEST_F(FilePreferencesTest, AnEmptyFileIsAnEmptyValue) {
     EXPECT_EQ(preferences.data(kKey), "");
 }
 
-TEST_F(FilePreferencesTest, NewFoldersAndFilesAreTheUsersAlone) {
+TEST_F(FilePreferencesTest, NewFoldersAndFilesArePrivateToTheUser) {
     const mode_t before = ::umask(0);
     preferences.setData(kKey, "new");
     ::umask(before);
@@ -110,7 +110,7 @@ TEST_F(FilePreferencesTest, AFileKeepsItsPermissions) {
     EXPECT_EQ(permissions(file), 0664U);
 }
 
-TEST_F(FilePreferencesTest, ASymbolicLinkStaysOneAndItsTargetIsReplaced) {
+TEST_F(FilePreferencesTest, ASymbolicLinkIsKeptAndItsTargetIsReplaced) {
     const fs::path target = scratch.path() / "dotfiles" / "tessarel.json";
     fs::create_directories(folder);
     fs::create_directories(target.parent_path());
@@ -139,7 +139,7 @@ TEST_F(FilePreferencesTest, ALinkToALinkIsFollowedToItsEnd) {
     EXPECT_EQ(ScratchFolder::read(scratch.path() / "third"), "new");
 }
 
-TEST_F(FilePreferencesTest, ALinkToNothingGetsItsTargetAtTheFirstSave) {
+TEST_F(FilePreferencesTest, TheFirstSaveCreatesTheTargetOfADanglingLink) {
     fs::create_directories(folder);
     fs::create_symlink(scratch.path() / "dotfiles" / "tessarel.json", file);
 
@@ -150,7 +150,7 @@ TEST_F(FilePreferencesTest, ALinkToNothingGetsItsTargetAtTheFirstSave) {
     EXPECT_EQ(ScratchFolder::read(scratch.path() / "dotfiles" / "tessarel.json"), "new");
 }
 
-TEST_F(FilePreferencesTest, LinksInACircleAreLeftAlone) {
+TEST_F(FilePreferencesTest, ALinkLoopIsLeftAlone) {
     fs::create_directories(folder);
     fs::create_symlink("other", file);
     fs::create_symlink("settings.json", folder / "other");
@@ -163,7 +163,7 @@ TEST_F(FilePreferencesTest, LinksInACircleAreLeftAlone) {
     EXPECT_EQ(names(), (Names{"other", "settings.json"}));
 }
 
-TEST_F(FilePreferencesTest, AFolderThatIsALinkToNothingIsLeftAlone) {
+TEST_F(FilePreferencesTest, AFolderThatIsADanglingLinkIsLeftAlone) {
     fs::create_symlink(scratch.path() / "gone", scratch.path() / "config");
 
     preferences.setData(kKey, "new");
@@ -171,7 +171,7 @@ TEST_F(FilePreferencesTest, AFolderThatIsALinkToNothingIsLeftAlone) {
     EXPECT_EQ(ScratchFolder::names(scratch.path()), Names{"config"});
 }
 
-TEST_F(FilePreferencesTest, RejectedBytesAreKeptBesideTheNewOnes) {
+TEST_F(FilePreferencesTest, RejectedBytesAreKeptInASeparateFile) {
     store("broken");
 
     preferences.keepRejected(kKey);
@@ -216,7 +216,7 @@ TEST_F(FilePreferencesTest, TheSameRejectedDocumentIsKeptOnce) {
     EXPECT_EQ(names(), (Names{"settings.json", "settings.json.rejected"}));
 }
 
-TEST_F(FilePreferencesTest, WhenNoFurtherCopyCanBeKeptTheDocumentStays) {
+TEST_F(FilePreferencesTest, ARejectedDocumentIsNotReplacedWhenNoCopyCanBeKept) {
     store("broken");
     ScratchFolder::write(folder / "settings.json.rejected", "1");
     for (int number = 2; number <= 99; ++number)
@@ -229,7 +229,7 @@ TEST_F(FilePreferencesTest, WhenNoFurtherCopyCanBeKeptTheDocumentStays) {
     EXPECT_EQ(names().size(), 100U);
 }
 
-TEST_F(FilePreferencesTest, ARejectedDocumentThatIsGoneAtTheSaveIsNoHindrance) {
+TEST_F(FilePreferencesTest, ASaveSucceedsWhenTheRejectedDocumentIsGone) {
     store("broken");
     preferences.keepRejected(kKey);
     fs::remove(file);
@@ -239,7 +239,7 @@ TEST_F(FilePreferencesTest, ARejectedDocumentThatIsGoneAtTheSaveIsNoHindrance) {
     EXPECT_EQ(names(), Names{"settings.json"});
 }
 
-TEST_F(FilePreferencesTest, SettingsThatCannotBeDecodedOutliveTheNextSave) {
+TEST_F(FilePreferencesTest, UndecodableSettingsAreKeptAtTheNextSave) {
     const fs::path document = folder / "tessarel.settings.v1.json";
     fs::create_directories(folder);
     ScratchFolder::write(document, R"({"gap": "8"})");
@@ -285,7 +285,7 @@ TEST_F(FilePreferencesTest, AFolderInPlaceOfTheFileIsLeftAlone) {
     EXPECT_EQ(names(), Names{"settings.json"});
 }
 
-TEST_F(FilePreferencesTest, APipeInPlaceOfTheFileIsNeitherWaitedForNorReplaced) {
+TEST_F(FilePreferencesTest, APipeInPlaceOfTheFileDoesNotBlockAndIsLeftAlone) {
     fs::create_directories(folder);
     ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
 
@@ -327,7 +327,7 @@ TEST_F(FilePreferencesTest, TemporaryFilesOfEndedProcessesAreRemovedByTheNextSav
         return folder / (".settings.json." + std::to_string(writer) + ".tmp");
     };
     ScratchFolder::write(temporary(endedProcess()), "stale");
-    ScratchFolder::write(temporary(::getpid()), "stale"); // its number was another process's before
+    ScratchFolder::write(temporary(::getpid()), "stale"); // left by an earlier process with the same id
 
     preferences.setData(kKey, "new");
 
@@ -355,8 +355,8 @@ TEST_F(FilePreferencesTest, FilesThatOnlyLookLikeTemporaryOnesStay) {
         EXPECT_EQ(storedAs(name), "mine") << name;
 }
 
-// A true limit of the kernel: the first write is cut short and the second one fails.
-TEST_F(FilePreferencesTest, AFileThatMayNotGrowFurtherLeavesTheOldOne) {
+// A real limit of the kernel: the first write is cut short and the second one fails.
+TEST_F(FilePreferencesTest, AFileSizeLimitLeavesTheOldFile) {
     store("old");
     rlimit before{};
     ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
@@ -372,7 +372,7 @@ TEST_F(FilePreferencesTest, AFileThatMayNotGrowFurtherLeavesTheOldOne) {
     EXPECT_EQ(names(), Names{"settings.json"});
 }
 
-/// Runs `work` in a process without the rights of root; true if it ends in order.
+/// Runs `work` in a child process without root's privileges. Returns true if the child exits with 0.
 bool asOrdinaryUser(const std::function<void()>& work) {
     constexpr uid_t kNobody = 65534;
     const pid_t process = ::fork();
@@ -387,7 +387,7 @@ bool asOrdinaryUser(const std::function<void()>& work) {
     return WIFEXITED(status) && WEXITSTATUS(status) == 0;
 }
 
-TEST_F(FilePreferencesTest, AFolderWithoutTheRightToWriteKeepsTheOldFile) {
+TEST_F(FilePreferencesTest, AnUnwritableFolderKeepsTheOldFile) {
     store("old");
     fs::permissions(scratch.path(), fs::perms(0755));
     fs::permissions(folder, fs::perms(0555));
@@ -399,7 +399,7 @@ TEST_F(FilePreferencesTest, AFolderWithoutTheRightToWriteKeepsTheOldFile) {
     EXPECT_EQ(names(), Names{"settings.json"});
 }
 
-TEST_F(FilePreferencesTest, AFileWithoutTheRightToReadIsKeptBesideTheNewOne) {
+TEST_F(FilePreferencesTest, AnUnreadableFileIsKeptInASeparateFile) {
     fs::permissions(scratch.path(), fs::perms(0777));
 
     EXPECT_TRUE(asOrdinaryUser([&] {
@@ -448,7 +448,7 @@ TEST_F(UserFolderTest, IsInTheConfigurationFolder) {
     EXPECT_EQ(FilePreferences::userFolder(), "/etc/xdg-home/tessarel");
 }
 
-TEST_F(UserFolderTest, AConfigurationFolderThatIsEmptyOrRelativeDoesNotCount) {
+TEST_F(UserFolderTest, AnEmptyOrRelativeConfigurationFolderIsIgnored) {
     set(nullptr, "/home/someone");
     EXPECT_EQ(FilePreferences::userFolder(), "/home/someone/.config/tessarel");
     set("", "/home/someone");
@@ -457,7 +457,7 @@ TEST_F(UserFolderTest, AConfigurationFolderThatIsEmptyOrRelativeDoesNotCount) {
     EXPECT_EQ(FilePreferences::userFolder(), "/home/someone/.config/tessarel");
 }
 
-TEST_F(UserFolderTest, WithoutAHomeInTheEnvironmentTheAccountTells) {
+TEST_F(UserFolderTest, WithoutAHomeVariableTheHomeOfTheAccountIsUsed) {
     const passwd* const account = ::getpwuid(::getuid());
     ASSERT_NE(account, nullptr);
     const auto expected = fs::path(account->pw_dir) / ".config" / "tessarel";

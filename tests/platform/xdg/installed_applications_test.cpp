@@ -16,13 +16,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Two folders of entries, the user's and the system's.
+/// Two folders of desktop entries, the user's and the system's.
 class InstalledApplicationsTest : public ::testing::Test {
 protected:
     static void write(const fs::path& file, const std::string& lines) {
         fs::create_directories(file.parent_path());
         std::ofstream(file) << "[Desktop Entry]\nType=Application\nName=Program\n" << lines;
-        // Folders tell of changes with a clock too coarse for two in a row.
+        // The timestamps of folders are too coarse to show two changes in a row.
         fs::last_write_time(file.parent_path(), nextChange += std::chrono::seconds(1));
     }
 
@@ -33,7 +33,7 @@ protected:
     InstalledApplications entries{{users, systems}, {"de_AT", "de"}};
 };
 
-TEST_F(InstalledApplicationsTest, WithoutFoldersThereAreNone) {
+TEST_F(InstalledApplicationsTest, WithoutFoldersNoEntryIsFound) {
     EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
 }
 
@@ -45,13 +45,13 @@ TEST_F(InstalledApplicationsTest, AnEntryIsFoundByTheClassThatItNames) {
     EXPECT_EQ(entries.identifier("Edit"), std::nullopt);
 }
 
-TEST_F(InstalledApplicationsTest, AnEntryIsFoundByItsOwnName) {
+TEST_F(InstalledApplicationsTest, AnEntryIsFoundByItsFileName) {
     write(systems / "firefox-esr.desktop", "");
 
     EXPECT_EQ(entries.identifier("Firefox-esr"), "firefox-esr");
 }
 
-TEST_F(InstalledApplicationsTest, TheNamedClassComesBeforeTheName) {
+TEST_F(InstalledApplicationsTest, TheNamedClassTakesPrecedenceOverTheFileName) {
     write(systems / "editor.desktop", "");
     write(systems / "org.example.editor.desktop", "StartupWMClass=Editor\n");
 
@@ -64,7 +64,7 @@ TEST_F(InstalledApplicationsTest, ASubfolderIsPartOfTheIdentifier) {
     EXPECT_EQ(entries.identifier("Editor"), "kde-editor");
 }
 
-TEST_F(InstalledApplicationsTest, TheUsersEntryStandsForTheSystemsOne) {
+TEST_F(InstalledApplicationsTest, TheUsersEntryReplacesTheSystems) {
     write(systems / "editor.desktop", "StartupWMClass=Editor\n");
     write(users / "editor.desktop", "StartupWMClass=MyEditor\n");
 
@@ -81,7 +81,7 @@ TEST_F(InstalledApplicationsTest, OnlyTheMainGroupCounts) {
     EXPECT_EQ(entries.identifier("Other"), std::nullopt);
 }
 
-TEST_F(InstalledApplicationsTest, AnEntryThatIsInstalledLaterIsFoundByTheNextLook) {
+TEST_F(InstalledApplicationsTest, RefreshFindsAddedAndRemovedEntries) {
     EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
 
     write(systems / "editor.desktop", "");
@@ -93,7 +93,7 @@ TEST_F(InstalledApplicationsTest, AnEntryThatIsInstalledLaterIsFoundByTheNextLoo
     EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
 }
 
-TEST_F(InstalledApplicationsTest, NobodyLooksWhoOnlyAsksForAnIdentifier) {
+TEST_F(InstalledApplicationsTest, LookingUpAnIdentifierDoesNotRefresh) {
     write(systems / "editor.desktop", "");
     EXPECT_EQ(entries.identifier("Editor"), "editor");
 
@@ -101,7 +101,7 @@ TEST_F(InstalledApplicationsTest, NobodyLooksWhoOnlyAsksForAnIdentifier) {
     EXPECT_EQ(entries.identifier("Editor"), "editor");
 }
 
-TEST_F(InstalledApplicationsTest, WhatIsNoRealEntryIsPassedOver) {
+TEST_F(InstalledApplicationsTest, InvalidEntriesAreIgnored) {
     write(systems / "good.desktop", "");
     write(systems / "large.desktop", "StartupWMClass=Large\n" + std::string(1 << 20, 'x'));
     write(systems / "bytes.desktop", std::string("\0\xFF=\n[[[\n===\n", 11));
@@ -114,7 +114,7 @@ TEST_F(InstalledApplicationsTest, WhatIsNoRealEntryIsPassedOver) {
     EXPECT_EQ(entries.identifier("pipe"), std::nullopt);
 }
 
-TEST_F(InstalledApplicationsTest, WhatIsInstalledHasAName) {
+TEST_F(InstalledApplicationsTest, AnInstalledApplicationHasAName) {
     write(systems / "kde" / "editor.desktop", "");
 
     EXPECT_EQ(entries.displayName("kde-editor"), "Program");
@@ -144,7 +144,7 @@ TEST_F(InstalledApplicationsTest, TheUsersEntryNamesTheApplication) {
     EXPECT_EQ(entries.displayName("editor"), "Program");
 }
 
-TEST_F(InstalledApplicationsTest, AnEntryThatCannotBeReadNamesNothing) {
+TEST_F(InstalledApplicationsTest, AnUnreadableEntryHasNoName) {
     write(systems / "large.desktop", std::string(1 << 20, 'x'));
     fs::create_symlink(systems / "nowhere", systems / "broken.desktop");
 
@@ -152,7 +152,7 @@ TEST_F(InstalledApplicationsTest, AnEntryThatCannotBeReadNamesNothing) {
     EXPECT_EQ(entries.displayName("broken"), std::nullopt);
 }
 
-TEST_F(InstalledApplicationsTest, FiveThousandEntriesAreFoundInOneGo) {
+TEST_F(InstalledApplicationsTest, FiveThousandEntriesAreIndexed) {
     fs::create_directories(systems);
     for (int i = 0; i < 5000; ++i) {
         const std::string number = std::to_string(i);
@@ -163,7 +163,7 @@ TEST_F(InstalledApplicationsTest, FiveThousandEntriesAreFoundInOneGo) {
     EXPECT_EQ(entries.identifier("Class0"), "0");
 }
 
-TEST_F(InstalledApplicationsTest, AnEntryIsCalledByItsPlaceBelowItsFolder) {
+TEST_F(InstalledApplicationsTest, AnEntryIsIdentifiedByItsPathBelowItsFolder) {
     write(systems / "org.example.editor.desktop", "");
     write(users / "vendor" / "viewer.desktop", "");
 
@@ -171,14 +171,14 @@ TEST_F(InstalledApplicationsTest, AnEntryIsCalledByItsPlaceBelowItsFolder) {
     EXPECT_EQ(entries.identifierOfEntry(users / "vendor" / "viewer.desktop"), "vendor-viewer");
 }
 
-TEST_F(InstalledApplicationsTest, AnEntryFromElsewhereIsCalledLikeItsFile) {
+TEST_F(InstalledApplicationsTest, AnEntryElsewhereIsIdentifiedByItsFileName) {
     write(scratch.path() / "home" / "org.example.editor.desktop", "");
 
     EXPECT_EQ(entries.identifierOfEntry(scratch.path() / "home" / "org.example.editor.desktop"),
               "org.example.editor");
 }
 
-TEST_F(InstalledApplicationsTest, WhatStandsForNoApplicationHasNoIdentifier) {
+TEST_F(InstalledApplicationsTest, AFileThatIsNotAnApplicationHasNoIdentifier) {
     write(systems / "picture.png", "");
     write(systems / "hidden.desktop", "Hidden=true\n");
     std::ofstream(systems / "text.desktop") << "Nothing of the kind\n";

@@ -27,7 +27,7 @@ namespace fs = std::filesystem;
 using Status = LoginItemPort::Status;
 using testing::HasSubstr;
 
-/// Rights of a user who is not the administrator, for as long as it lives.
+/// Drops root's privileges while it exists.
 class OrdinaryUser {
 public:
     OrdinaryUser() {
@@ -40,7 +40,7 @@ public:
     ~OrdinaryUser() { EXPECT_EQ(::seteuid(::getuid()), 0); }
 };
 
-/// No file may grow, as on a full disk, for as long as it lives.
+/// Sets the file size limit to zero while it exists, which makes writes fail as on a full disk.
 class NoRoomForFiles {
 public:
     NoRoomForFiles() {
@@ -105,7 +105,7 @@ TEST_F(LoginItemTest, IsNotRegisteredAtFirst) {
     EXPECT_EQ(XdgLoginItem(setup()).status(), Status::NotRegistered);
 }
 
-TEST_F(LoginItemTest, RegisteringMakesTheFoldersAndTheEntry) {
+TEST_F(LoginItemTest, RegisteringCreatesTheFoldersAndTheEntry) {
     XdgLoginItem item(setup());
 
     EXPECT_EQ(item.registerItem(), std::nullopt);
@@ -115,7 +115,7 @@ TEST_F(LoginItemTest, RegisteringMakesTheFoldersAndTheEntry) {
                              "Terminal=false\nX-GNOME-Autostart-enabled=true\n");
 }
 
-TEST_F(LoginItemTest, TheEntryIsReadableForEverybodyAndNothingElseIsLeft) {
+TEST_F(LoginItemTest, TheEntryIsReadableByEverybodyAndNoOtherFileIsLeft) {
     ASSERT_EQ(XdgLoginItem(setup()).registerItem(), std::nullopt);
 
     EXPECT_EQ(fs::status(entry()).permissions(), fs::perms::owner_read | fs::perms::owner_write |
@@ -123,7 +123,7 @@ TEST_F(LoginItemTest, TheEntryIsReadableForEverybodyAndNothingElseIsLeft) {
     EXPECT_EQ(std::distance(fs::directory_iterator(entry().parent_path()), fs::directory_iterator()), 1);
 }
 
-TEST_F(LoginItemTest, RegisteringTwiceStartsTheProgramThatRanLast) {
+TEST_F(LoginItemTest, RegisteringAgainReplacesTheProgramOfTheEntry) {
     ASSERT_EQ(XdgLoginItem(setup()).registerItem(), std::nullopt);
     program = "/opt/tessarel";
 
@@ -143,7 +143,7 @@ TEST_F(LoginItemTest, UnregisteringRemovesTheEntry) {
     EXPECT_FALSE(fs::exists(entry()));
 }
 
-TEST_F(LoginItemTest, UnregisteringWhatIsNotThereSucceeds) {
+TEST_F(LoginItemTest, UnregisteringWithoutAnEntrySucceeds) {
     XdgLoginItem item(setup());
 
     EXPECT_EQ(item.unregisterItem(), std::nullopt);
@@ -151,7 +151,7 @@ TEST_F(LoginItemTest, UnregisteringWhatIsNotThereSucceeds) {
     EXPECT_EQ(item.unregisterItem(), std::nullopt);
 }
 
-TEST_F(LoginItemTest, AnEntryThatSaysNoIsNotRegistered) {
+TEST_F(LoginItemTest, ADisabledEntryIsNotRegistered) {
     for (const char* no :
          {"Hidden=true", "X-GNOME-Autostart-enabled=false", "Hidden = true ",
           "X-GNOME-Autostart-enabled=false\r", "X-GNOME-Autostart-enabled=true\nHidden=true"}) {
@@ -160,7 +160,7 @@ TEST_F(LoginItemTest, AnEntryThatSaysNoIsNotRegistered) {
     }
 }
 
-TEST_F(LoginItemTest, AnEntryThatDoesNotSayNoIsRegistered) {
+TEST_F(LoginItemTest, AnEntryThatIsNotDisabledIsRegistered) {
     for (const char* yes : {"", "Hidden=false", "X-GNOME-Autostart-enabled=true", "#Hidden=true",
                             "X-Hidden=true", "[Desktop Action quit]\nHidden=true"}) {
         putOwn(yes);
@@ -168,7 +168,7 @@ TEST_F(LoginItemTest, AnEntryThatDoesNotSayNoIsRegistered) {
     }
 }
 
-TEST_F(LoginItemTest, WhatTheDesktopSwitchesOffShowsAtOnce) {
+TEST_F(LoginItemTest, AnEntryDisabledByTheDesktopIsNoticedAtOnce) {
     XdgLoginItem item(setup());
     ASSERT_EQ(item.registerItem(), std::nullopt);
 
@@ -186,14 +186,14 @@ TEST_F(LoginItemTest, AnEntryForAllUsersCountsUntilTheUserHasOne) {
     EXPECT_EQ(item.status(), Status::NotRegistered);
 }
 
-TEST_F(LoginItemTest, TheMostImportantEntryForAllUsersDecides) {
+TEST_F(LoginItemTest, TheFirstEntryForAllUsersDecides) {
     putForAllUsers("first", "Hidden=true");
     putForAllUsers("second", "");
 
     EXPECT_EQ(XdgLoginItem(setup()).status(), Status::NotRegistered);
 }
 
-TEST_F(LoginItemTest, UnregisteringBeneathAnEntryForAllUsersHidesIt) {
+TEST_F(LoginItemTest, UnregisteringHidesAnEntryForAllUsers) {
     XdgLoginItem item(setup());
     putForAllUsers("first", "");
 
@@ -205,7 +205,7 @@ TEST_F(LoginItemTest, UnregisteringBeneathAnEntryForAllUsersHidesIt) {
     EXPECT_EQ(item.status(), Status::Enabled);
 }
 
-TEST_F(LoginItemTest, AFolderThatCannotBeWrittenToIsToldAsASentence) {
+TEST_F(LoginItemTest, AnUnwritableFolderGivesAReadableError) {
     fs::create_directories(entry().parent_path());
     ::chmod(entry().parent_path().c_str(), 0555);
     const OrdinaryUser user;
@@ -218,7 +218,7 @@ TEST_F(LoginItemTest, AFolderThatCannotBeWrittenToIsToldAsASentence) {
     EXPECT_EQ(item.status(), Status::NotRegistered);
 }
 
-TEST_F(LoginItemTest, AFolderThatCannotBeMadeIsToldAsASentence) {
+TEST_F(LoginItemTest, AFolderThatCannotBeCreatedGivesAReadableError) {
     ::chmod(folder.c_str(), 0555);
     const OrdinaryUser user;
 
@@ -226,7 +226,7 @@ TEST_F(LoginItemTest, AFolderThatCannotBeMadeIsToldAsASentence) {
               "The folder " + entry().parent_path().string() + " cannot be created: Permission denied.");
 }
 
-TEST_F(LoginItemTest, AFileInPlaceOfTheFolderIsToldAsASentence) {
+TEST_F(LoginItemTest, AFileInPlaceOfTheFolderGivesAReadableError) {
     put(entry().parent_path(), "a file");
 
     EXPECT_EQ(XdgLoginItem(setup()).registerItem(),
@@ -234,7 +234,7 @@ TEST_F(LoginItemTest, AFileInPlaceOfTheFolderIsToldAsASentence) {
     EXPECT_EQ(read(entry().parent_path()), "a file");
 }
 
-TEST_F(LoginItemTest, AFolderInPlaceOfTheEntryIsToldAsASentence) {
+TEST_F(LoginItemTest, AFolderInPlaceOfTheEntryGivesAReadableError) {
     fs::create_directories(entry());
     XdgLoginItem item(setup());
 
@@ -245,7 +245,7 @@ TEST_F(LoginItemTest, AFolderInPlaceOfTheEntryIsToldAsASentence) {
     EXPECT_EQ(std::distance(fs::directory_iterator(entry().parent_path()), fs::directory_iterator()), 1);
 }
 
-TEST_F(LoginItemTest, AFullDiskIsToldAndLeavesTheOldEntryWhole) {
+TEST_F(LoginItemTest, AFullDiskGivesAReadableErrorAndKeepsTheOldEntry) {
     putOwn("Hidden=true");
     const std::string before = read(entry());
     XdgLoginItem item(setup());
@@ -260,7 +260,7 @@ TEST_F(LoginItemTest, AFullDiskIsToldAndLeavesTheOldEntryWhole) {
     EXPECT_EQ(std::distance(fs::directory_iterator(entry().parent_path()), fs::directory_iterator()), 1);
 }
 
-TEST_F(LoginItemTest, AnEntryThatMayNotBeReadDoesNotCount) {
+TEST_F(LoginItemTest, AnUnreadableEntryIsNotRegistered) {
     putOwn("");
     ::chmod(entry().c_str(), 0);
     const OrdinaryUser user;
@@ -290,7 +290,7 @@ protected:
     std::array<std::optional<std::string>, kVariables.size()> before;
 };
 
-TEST_F(LoginItemEnvironmentTest, TheConfigFoldersAreThoseOfTheEnvironment) {
+TEST_F(LoginItemEnvironmentTest, TheConfigFoldersComeFromTheEnvironment) {
     ::setenv("XDG_CONFIG_HOME", "/conf", 1);
     ::setenv("XDG_CONFIG_DIRS", "/a::relative:/b", 1);
 
@@ -300,7 +300,7 @@ TEST_F(LoginItemEnvironmentTest, TheConfigFoldersAreThoseOfTheEnvironment) {
     EXPECT_THAT(own.configFolders, testing::ElementsAre("/a", "/b"));
 }
 
-TEST_F(LoginItemEnvironmentTest, WithoutAnEnvironmentTheUsualFoldersServe) {
+TEST_F(LoginItemEnvironmentTest, WithoutVariablesTheDefaultFoldersAreUsed) {
     ::setenv("HOME", "/home/somebody", 1);
     ::setenv("XDG_CONFIG_HOME", "relative/is/ignored", 1);
 
@@ -310,39 +310,39 @@ TEST_F(LoginItemEnvironmentTest, WithoutAnEnvironmentTheUsualFoldersServe) {
     EXPECT_THAT(own.configFolders, testing::ElementsAre("/etc/xdg"));
 }
 
-TEST_F(LoginItemEnvironmentTest, TheProgramIsTheOneThatRuns) {
+TEST_F(LoginItemEnvironmentTest, TheProgramIsTheRunningExecutable) {
     const auto own = XdgLoginItem::ofThisProgram("Tessarel");
 
     EXPECT_TRUE(own.program.is_absolute());
     EXPECT_TRUE(fs::equivalent(own.program, "/proc/self/exe"));
 }
 
-TEST(DesktopEntryTest, APlainPathStandsAsItIs) {
+TEST(DesktopEntryTest, APlainPathIsUnchanged) {
     EXPECT_EQ(desktop_entry::execWord("/usr/bin/tessarel-1.0_x"), "/usr/bin/tessarel-1.0_x");
 }
 
-TEST(DesktopEntryTest, ReservedCharactersStandInQuotes) {
+TEST(DesktopEntryTest, ReservedCharactersAreQuoted) {
     EXPECT_EQ(desktop_entry::execWord("/my programs/it's"), R"("/my programs/it's")");
     EXPECT_EQ(desktop_entry::execWord("/a(b)&c;d"), R"("/a(b)&c;d")");
     EXPECT_EQ(desktop_entry::execWord(""), R"("")");
 }
 
-TEST(DesktopEntryTest, WhatMeansSomethingInQuotesIsEscapedOnceForTheWordAndOnceForTheFile) {
+TEST(DesktopEntryTest, CharactersSpecialInQuotesAreEscapedForTheWordAndForTheFile) {
     EXPECT_EQ(desktop_entry::execWord(R"(/a"b)"), R"("/a\\"b")");
     EXPECT_EQ(desktop_entry::execWord("/a$b`c"), R"("/a\\$b\\`c")");
     EXPECT_EQ(desktop_entry::execWord(R"(/a\b)"), R"("/a\\\\b")");
 }
 
-TEST(DesktopEntryTest, APercentSignIsNoFieldCode) {
+TEST(DesktopEntryTest, APercentSignIsDoubled) {
     EXPECT_EQ(desktop_entry::execWord("/100%u"), "/100%%u");
 }
 
-TEST(DesktopEntryTest, ALineFeedDoesNotEndTheLine) {
+TEST(DesktopEntryTest, ALineFeedIsEscaped) {
     EXPECT_EQ(desktop_entry::execWord("/a\nHidden=true\tb"), R"("/a\nHidden=true\tb")");
     EXPECT_THAT(desktop_entry::autostart("A\nHidden=true", "/x"), HasSubstr("\nName=A\\nHidden=true\n"));
 }
 
-TEST(DesktopEntryTest, WhatIsNoEntryAtAllIsReadWithoutHarm) {
+TEST(DesktopEntryTest, MalformedContentIsNotTakenForADisabledEntry) {
     for (const std::string_view content :
          {"", "=", "[", "\n\n", "[Desktop Entry]", "Hidden=true", "\xff\xfe="})
         EXPECT_TRUE(desktop_entry::isEnabled(content)) << content;

@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kSystemCallStop = SIGTRAP | 0x80; // with PTRACE_O_TRACESYSGOOD
 
-/// The signal that the process has halted with; 0 if it has ended.
+/// Returns the signal that stopped the process; 0 if the process has ended.
 int waitForHalt(pid_t process) {
     int status = 0;
     if (::waitpid(process, &status, 0) != process || !WIFSTOPPED(status))
@@ -24,10 +24,10 @@ int waitForHalt(pid_t process) {
 TracedWork::TracedWork(const std::function<void()>& work) : m_process(::fork()) {
     if (m_process == 0) {
         ::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr);
-        ::raise(SIGSTOP); // the beginning
+        ::raise(SIGSTOP); // stops before the work
         while (true) {
             work();
-            ::raise(SIGSTOP); // the end
+            ::raise(SIGSTOP); // stops after the work
         }
     }
     m_halted = waitForHalt(m_process) == SIGSTOP && ::ptrace(PTRACE_SETOPTIONS, m_process, nullptr,
@@ -60,7 +60,7 @@ std::optional<TracedWork::Halt> TracedWork::next() {
 void TracedWork::fail(int error) {
     user_regs_struct registers{};
     ::ptrace(PTRACE_GETREGS, m_process, nullptr, &registers);
-    registers.orig_rax = ~0ULL; // no system call has this number
+    registers.orig_rax = ~0ULL; // an invalid number, so that the kernel makes no call
     ::ptrace(PTRACE_SETREGS, m_process, nullptr, &registers);
     if (!next())
         return;

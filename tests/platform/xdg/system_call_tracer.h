@@ -6,13 +6,12 @@
 
 namespace tessarel::xdg {
 
-/// A forked copy of this process that runs some work, halted at the beginning and at the end of every system
-/// call it makes. The copy can run the work again, which spares a fork of a large process. Ends with this
-/// object at the latest.
+/// Runs work in a forked child process that stops at the entry and the exit of every system call. The child
+/// can run the work again, which saves forking a large process. The destructor kills the child.
 class TracedWork {
 public:
     struct Halt {
-        long systemCall = 0; ///< known at its beginning only
+        long systemCall = 0; ///< only known at the entry
         bool atBeginning = false;
     };
 
@@ -21,30 +20,30 @@ public:
     TracedWork& operator=(const TracedWork&) = delete;
     ~TracedWork();
 
-    /// Whether the copy runs under our eyes. Some machines allow nobody to trace.
+    /// Returns true if the child is being traced. Some systems do not permit tracing.
     [[nodiscard]] bool isTraced() const { return m_halted; }
 
-    /// Goes on to the next halt; none when the work is done or the process has ended.
+    /// Continues to the next stop. Returns an empty result once the work is done or the process has ended.
     [[nodiscard]] std::optional<Halt> next();
 
-    /// At the beginning of a system call: has it fail with `error` in place of being made. Goes on to its
-    /// end.
+    /// At the entry of a system call, makes the call fail with `error` without being executed. Continues to
+    /// its exit.
     void fail(int error);
 
-    /// Ends the process where it stands.
+    /// Kills the child where it is.
     void kill();
 
-    /// Lets the rest run without halts. True if the work is done and the process still runs.
+    /// Runs the rest without stops. Returns true if the work is done and the child is still running.
     [[nodiscard]] bool finish();
 
-    /// After the work is done: the next call of `next()` or `finish()` begins it again.
+    /// Once the work is done, makes the next call of `next()` or `finish()` run it again.
     void again() { m_isDone = false; }
 
 private:
     pid_t m_process = -1;
     bool m_halted = false;
     bool m_isDone = false;
-    bool m_isInOrder = true; ///< once done: it came to its end, and to no other signal
+    bool m_isInOrder = true; ///< once done: whether the work ended normally, and not by a signal
 };
 
 } // namespace tessarel::xdg

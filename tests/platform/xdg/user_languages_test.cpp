@@ -9,7 +9,7 @@ namespace {
 
 using Languages = std::vector<std::string>;
 
-/// An environment that says nothing of languages, until a test says something.
+/// An environment without locale variables, except those that a test sets.
 class UserLanguagesTest : public ::testing::Test {
 protected:
     UserLanguagesTest() { forgetAll(); }
@@ -22,17 +22,17 @@ protected:
     static void set(const char* variable, const char* value) { ::setenv(variable, value, 1); }
 };
 
-TEST_F(UserLanguagesTest, WithoutALocaleThereAreNone) {
+TEST_F(UserLanguagesTest, WithoutALocaleThereAreNoLanguages) {
     EXPECT_EQ(userLanguages(), Languages{});
 }
 
-TEST_F(UserLanguagesTest, TheClosestComesFirst) {
+TEST_F(UserLanguagesTest, TheMostSpecificLanguageComesFirst) {
     set("LANG", "sr_RS.UTF-8@latin");
 
     EXPECT_EQ(userLanguages(), (Languages{"sr_RS@latin", "sr_RS", "sr@latin", "sr"}));
 }
 
-TEST_F(UserLanguagesTest, ALanguageAloneStandsForItself) {
+TEST_F(UserLanguagesTest, ALanguageWithoutACountryIsReturned) {
     set("LANG", "eo");
 
     EXPECT_EQ(userLanguages().front(), "eo");
@@ -54,7 +54,7 @@ TEST_F(UserLanguagesTest, AListOfLanguagesComesBeforeTheLocale) {
     EXPECT_EQ(userLanguages(), (Languages{"pt_BR", "pt", "fr", "fr", "de_DE", "de"}));
 }
 
-TEST_F(UserLanguagesTest, WhoeverWantsTextsAsTheyStandGetsThem) {
+TEST_F(UserLanguagesTest, TheCLocaleDisablesTranslations) {
     set("LANGUAGE", "de");
     for (const char* const locale : {"C", "C.UTF-8", "POSIX"}) {
         set("LANG", locale);

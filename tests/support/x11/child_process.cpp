@@ -63,7 +63,7 @@ std::string findProgram(const std::string& name, const Environment& environment)
     throw std::runtime_error("no program " + name + " in " + folders);
 }
 
-/// Becomes the program; only calls that are safe between fork and exec.
+/// Executes the program in the forked child. Makes only async-signal-safe calls.
 [[noreturn]] void becomeProgram(const char* program, char* const* arguments, char* const* environment,
                                 std::array<int, 3> standardFiles, pid_t parent) {
     ::setpgid(0, 0);
@@ -81,7 +81,7 @@ int exitCode(int status) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
-/// Waits until `descriptor` can be read (or its other end has gone).
+/// Waits until `descriptor` is readable or its other end is closed.
 bool waitReadable(int descriptor, const Deadline& deadline) {
     pollfd poll{.fd = descriptor, .events = POLLIN, .revents = 0};
     int ready = 0;
@@ -126,7 +126,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const Envi
     Pipe output = makePipe();
     const pid_t parent = ::getpid();
 
-    // A program that ends while the test writes to it is an error of the write, not the end of the test.
+    // With SIGPIPE ignored, writing to a program that has exited is an error instead of the end of the test.
     ::signal(SIGPIPE, SIG_IGN);
     m_pid = ::fork();
     if (m_pid < 0)
@@ -162,7 +162,7 @@ bool ChildProcess::running() {
 std::optional<int> ChildProcess::waitForExit(const Deadline& deadline) {
     if (m_exitCode || !waitReadable(m_handle.get(), deadline))
         return m_exitCode;
-    // What the program started must not outlive it; the group still exists until the program is reaped.
+    // Kills what the program has started. The process group exists until the program is reaped.
     ::kill(-m_pid, SIGKILL);
     int status = 0;
     ::waitpid(m_pid, &status, 0);

@@ -12,10 +12,10 @@
 
 namespace tessarel::x11test {
 
-/// Environment variables of a child process; it gets these and no others.
+/// The complete environment of a child process; nothing else is inherited.
 using Environment = std::map<std::string, std::string>;
 
-/// An open file that closes itself.
+/// An owned file descriptor, closed on destruction.
 class FileDescriptor {
 public:
     FileDescriptor() = default;
@@ -33,13 +33,13 @@ private:
 
 /// A program started by the test, in a process group of its own.
 ///
-/// It does not outlive the test: the destructor kills the whole group, and the kernel kills the program when
-/// the test process dies in another way. Its standard input and output are pipes to the test; what it
-/// writes to its standard error is kept.
+/// It does not outlive the test: the destructor kills the whole group, and the kernel kills the program if
+/// the test process dies in another way. Its standard input and output are pipes to the test; its standard
+/// error is stored.
 class ChildProcess {
 public:
-    /// Finds `arguments[0]` in the path of `environment`. Throws std::runtime_error when there is no such
-    /// program.
+    /// Starts `arguments[0]`, looked up in the PATH of `environment`. Throws std::runtime_error if there is
+    /// no such program.
     ChildProcess(const std::vector<std::string>& arguments, const Environment& environment);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
@@ -47,31 +47,31 @@ public:
 
     [[nodiscard]] pid_t pid() const { return m_pid; }
 
-    /// Sends `signal` to the program alone.
+    /// Sends `signal` to the program only, not to its process group.
     void signal(int signal) const;
-    /// Kills the program and all that it started, and waits until it has gone.
+    /// Kills the program and everything that it has started, and waits until it has exited.
     void kill();
 
     [[nodiscard]] bool running();
-    /// Waits until the program has ended: its exit code, or 128 + the signal that ended it; empty when it
-    /// still runs at the deadline.
+    /// Waits until the program has exited. Returns its exit code, or 128 + the signal that ended it; empty if
+    /// it is still running at the deadline.
     [[nodiscard]] std::optional<int> waitForExit(const Deadline& deadline = Deadline());
 
-    /// Writes `line` and a line feed to the program's standard input. Throws when the program has gone.
+    /// Writes `line` and a line feed to the program's standard input. Throws if the program has exited.
     void writeLine(std::string_view line);
-    /// The next line of the program's standard output, without its line feed; empty when it has closed its
-    /// output. Throws when the deadline passes before the line is complete.
+    /// Returns the next line of the program's standard output, without its line feed; empty once the program
+    /// has closed its output. Throws if the line is not complete at the deadline.
     [[nodiscard]] std::optional<std::string> nextLine(const Deadline& deadline = Deadline());
-    /// The same of a program that must have one more line to say; throws when it has not.
+    /// Like nextLine(), but throws if the output is closed.
     [[nodiscard]] std::string readLine(const Deadline& deadline = Deadline());
 
-    /// All that the program has written to its standard error so far.
+    /// Returns everything that the program has written to its standard error so far.
     [[nodiscard]] std::string errors() const;
 
 private:
     std::string m_name;
     pid_t m_pid = -1;
-    FileDescriptor m_handle; // becomes readable when the program has ended
+    FileDescriptor m_handle; // a pidfd, which becomes readable when the program exits
     FileDescriptor m_input;
     FileDescriptor m_output;
     FileDescriptor m_errors;
@@ -79,8 +79,8 @@ private:
     std::optional<int> m_exitCode;
 };
 
-/// Runs a program to its end and answers what it wrote to its standard output. Throws std::runtime_error
-/// with its standard error when it fails.
+/// Runs a program until it exits and returns its standard output. Throws std::runtime_error with its standard
+/// error if it fails.
 std::string runToEnd(const std::vector<std::string>& arguments, const Environment& environment);
 
 } // namespace tessarel::x11test

@@ -9,8 +9,8 @@
 
 namespace tessarel::x11test {
 
-/// The window manager that a suite runs under when any will do: the one that $TESSAREL_TEST_WINDOW_MANAGER
-/// names, else openbox. Throws std::runtime_error when there is none of that name.
+/// Returns the window manager for tests that work with any: the one named by $TESSAREL_TEST_WINDOW_MANAGER,
+/// or openbox. Throws std::runtime_error if the name is unknown.
 [[nodiscard]] inline WindowManagerKind chosenWindowManager() {
     const char* const wanted = std::getenv("TESSAREL_TEST_WINDOW_MANAGER");
     if (wanted == nullptr)

@@ -5,11 +5,11 @@
 
 namespace tessarel::x11test {
 
-/// How long a condition may take before a test gives up: far beyond what any of them needs, so that only a
-/// condition that never holds runs into it.
+/// How long a test waits for a condition by default. Far longer than any condition needs, so that only one
+/// that never becomes true reaches the limit.
 inline constexpr std::chrono::seconds kPatience{30};
 
-/// A moment after which waiting has failed.
+/// A point in time after which a wait fails.
 class Deadline {
 public:
     explicit Deadline(std::chrono::milliseconds patience = kPatience)
@@ -17,7 +17,7 @@ public:
 
     [[nodiscard]] bool passed() const { return std::chrono::steady_clock::now() >= m_end; }
 
-    /// Milliseconds left, at most `limit`, never negative: a time-out for poll().
+    /// Returns the milliseconds left, between 0 and `limit`: a timeout for poll().
     [[nodiscard]] int remaining(std::chrono::milliseconds limit = std::chrono::hours(1)) const {
         using std::chrono::milliseconds;
         const auto left = std::chrono::ceil<milliseconds>(m_end - std::chrono::steady_clock::now());

@@ -17,7 +17,7 @@ struct Frame {
     bool operator==(const Frame&) const = default;
 };
 
-/// Widths of the borders around a client window, in the order of the properties that tell them.
+/// Widths of the borders around a client window, in the order of the EWMH properties.
 struct Extents {
     int left = 0;
     int right = 0;

@@ -10,9 +10,9 @@
 
 namespace tessarel::x11test {
 
-/// Key codes of the X server: physical keys, whatever stands on them.
+/// X keycodes of physical keys, independent of the keyboard layout.
 namespace key {
-inline constexpr xcb_keycode_t kDigit1 = 10; ///< 2 to 9 follow
+inline constexpr xcb_keycode_t kDigit1 = 10; ///< the digits 2 to 9 follow
 inline constexpr xcb_keycode_t kBackspace = 22;
 inline constexpr xcb_keycode_t kReturn = 36;
 inline constexpr xcb_keycode_t kControl = 37;
@@ -29,7 +29,7 @@ inline constexpr xcb_keycode_t kDown = 116;
 inline constexpr xcb_keycode_t kSuper = 133;
 } // namespace key
 
-/// The modifiers of the core protocol and the key that holds each.
+/// The modifiers of the core protocol with a key for each.
 inline constexpr std::array<std::pair<std::uint16_t, xcb_keycode_t>, 4> kModifierKeys = {{
     {XCB_MOD_MASK_CONTROL, key::kControl},
     {XCB_MOD_MASK_1, key::kAlt},
@@ -37,7 +37,7 @@ inline constexpr std::array<std::pair<std::uint16_t, xcb_keycode_t>, 4> kModifie
     {XCB_MOD_MASK_4, key::kSuper},
 }};
 
-/// A key with the modifiers held: any of XCB_MOD_MASK_CONTROL, _1 (Alt), _4 (Super), _SHIFT.
+/// A key with held modifiers: any of XCB_MOD_MASK_CONTROL, _1 (Alt), _4 (Super), _SHIFT.
 struct Combination {
     xcb_keycode_t key = 0;
     std::uint16_t modifiers = 0;
@@ -48,34 +48,35 @@ struct Combination {
 inline constexpr std::uint16_t kControlAlt = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1;
 inline constexpr std::uint16_t kControlAltSuper = kControlAlt | XCB_MOD_MASK_4;
 
-/// The keyboard of an X server, pressed for real.
+/// The keyboard of an X server, used through XTEST.
 class Keyboard {
 public:
-    /// Throws std::runtime_error without the extension that presses keys.
+    /// Throws std::runtime_error without the XTEST extension.
     Keyboard(const XServer& server, Observer& observer);
 
-    /// Presses the modifiers and the key and lets go of them in the reverse order; the server has handled it
-    /// all when this returns.
+    /// Presses the modifiers and the key and releases them in the reverse order. The server has processed all
+    /// events when it returns.
     void press(const Combination& combination);
 
-    /// Presses Num Lock or Caps Lock if that is what it takes. False when the lock does not follow.
+    /// Presses Num Lock or Caps Lock if its state differs. Returns false if the state does not change.
     [[nodiscard]] bool setNumLock(bool on) { return setLock(key::kNumLock, XCB_MOD_MASK_2, on); }
     [[nodiscard]] bool setCapsLock(bool on) { return setLock(key::kCapsLock, XCB_MOD_MASK_LOCK, on); }
 
-    /// Changes what stands on the keys, such as to "us", "de" or "fr".
+    /// Sets the keyboard layout, for example "us", "de" or "fr".
     void setLayout(const std::string& layout);
 
-    /// Whether some client has claimed the combination for itself, with every state of the locks. Looks
-    /// without coming in between another client's claims.
+    /// Returns true if a client has grabbed the combination with every lock state. Checks under a server
+    /// grab, so that it cannot interfere with grabs of other clients.
     [[nodiscard]] bool held(const Combination& combination);
 
-    /// Waits until the combination is held no more: the server lets go of the claims of a program some time
-    /// after that has ended. False when it stays held.
+    /// Waits until the combination is not grabbed. The server releases the grabs of a program some time after
+    /// the program has exited. Returns false if it stays grabbed.
     [[nodiscard]] bool waitUntilNotHeld(const Combination& combination) {
         return m_observer.waitUntil([&] { return !held(combination); });
     }
 
-    /// Whether no client has taken the whole keyboard. Looks without coming in between another one's attempt.
+    /// Returns true if no client has grabbed the keyboard. Checks under a server grab, so that it cannot
+    /// interfere with other clients.
     [[nodiscard]] bool isFree();
 
 private:

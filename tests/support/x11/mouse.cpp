@@ -39,7 +39,7 @@ void Mouse::click(std::uint8_t button) {
 }
 
 void Mouse::clickCentre(const Frame& frame, std::uint8_t button) {
-    // From its edge to its centre: menus take a row only once the pointer has moved in it.
+    // Moves from the edge to the centre, because menus highlight a row only after motion inside it.
     moveTo(frame.x + 2, frame.y + frame.height / 2);
     moveTo(frame.x + frame.width / 2, frame.y + frame.height / 2);
     click(button);

@@ -7,7 +7,7 @@
 
 namespace tessarel::x11test {
 
-/// The mouse of an X server, moved and clicked for real. The server has handled it all when a call returns.
+/// The pointer of an X server, used through XTEST. The server has processed all events when a call returns.
 class Mouse {
 public:
     static constexpr std::uint8_t kLeft = 1;
@@ -15,23 +15,23 @@ public:
     static constexpr std::uint8_t kRight = 3;
     static constexpr std::uint8_t kWheelUp = 4;
 
-    /// Throws std::runtime_error without the extension that moves the mouse.
+    /// Throws std::runtime_error without the XTEST extension.
     explicit Mouse(Observer& observer);
 
-    /// To a pixel of the root window.
+    /// Moves to a point of the root window.
     void moveTo(int x, int y);
     void press(std::uint8_t button = kLeft);
     void release(std::uint8_t button = kLeft);
-    /// Presses and releases a button where the pointer is.
+    /// Presses and releases a button at the pointer.
     void click(std::uint8_t button = kLeft);
-    /// Clicks in the middle of `frame`, having moved there within it.
+    /// Clicks the centre of `frame`, after moving there from its left edge.
     void clickCentre(const Frame& frame, std::uint8_t button = kLeft);
 
     /// Holds exactly the modifiers of `mask` from now on: any of XCB_MOD_MASK_CONTROL, _1 (Alt), _4 (Super),
     /// _SHIFT.
     void hold(std::uint16_t mask);
 
-    /// The buttons that are down and the modifiers that are held, as the server sees it.
+    /// Returns the server's state of the buttons and modifiers.
     [[nodiscard]] std::uint16_t state();
 
 private:

@@ -7,7 +7,7 @@ namespace tessarel::x11test {
 
 namespace {
 
-/// For what no event tells (another process' end, a grab): how long until the condition is looked at again.
+/// How often to check conditions for which there is no event, such as the exit of a process or a grab.
 constexpr std::chrono::milliseconds kLookAgain{10};
 constexpr std::chrono::milliseconds kAskAgain{500};
 
@@ -21,7 +21,7 @@ Observer::Observer(const std::string& display) : m_x(display), m_barrier(xcb_gen
     xcb_create_window(m_x.get(), XCB_COPY_FROM_PARENT, m_barrier, root(), 0, 0, 1, 1, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, 0, nullptr);
     watch(m_barrier);
-    // Answers to pings come as structure events of the root window.
+    // Replies to pings arrive as client messages to the root window, which need structure events.
     const std::uint32_t mask =
         XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(m_x.get(), root(), XCB_CW_EVENT_MASK, &mask);
@@ -65,8 +65,8 @@ bool Observer::isBarrierAnswer(const xcb_generic_event_t& event) const {
 }
 
 bool Observer::settle(const Deadline& deadline) {
-    // A window manager must pass on the move of a window that is not mapped, and it does so after all that
-    // came before. One that has only just started may lose the first; a slow one may answer it after the
+    // A window manager must pass on the ConfigureRequest of an unmapped window, and does so after all earlier
+    // requests. One that has just started may lose the first request; a slow one may reply to it after the
     // next.
     m_barrierPlaces.clear();
     m_barrierAnswered = false;

@@ -12,21 +12,21 @@ namespace tessarel::x11test {
 
 namespace {
 
-/// Qt looks for a bus by itself where it is told of none.
+/// Disables the session bus unless one is given, because Qt would otherwise look for one by itself.
 Environment withoutForeignBus(Environment environment) {
     environment.try_emplace("DBUS_SESSION_BUS_ADDRESS", "disabled:");
     return environment;
 }
 
-/// Whether the file names a call that waits for one of several files, as the loop of a program does.
+/// Returns true if the file names a system call that waits for several descriptors, as an event loop does.
 bool waitsInLoop(const std::string& syscallFile) {
     std::ifstream file(syscallFile);
     long call = 0;
     std::string files;
     unsigned long count = 0;
-    if (!(file >> call >> files >> std::hex >> count)) // "running", then
+    if (!(file >> call >> files >> std::hex >> count)) // the file says "running"
         return false;
-#ifdef SYS_poll // newer kinds of machine have only the other one
+#ifdef SYS_poll // newer architectures have only ppoll
     if (call == SYS_poll)
         return count > 1;
 #endif
@@ -76,7 +76,7 @@ std::optional<long> Program::timesAsleep() const {
 }
 
 bool Program::waitUntilAtRest(Observer& observer, long timesAsleep) {
-    constexpr int kLooks = 5; // it may want to look again in a moment
+    constexpr int kLooks = 5; // how often to check, because a timer may be due in a moment
     int looks = 0;
     long last = timesAsleep;
     const auto isAtRest = [&] {
@@ -115,8 +115,8 @@ xcb_window_t openSettingsWindow(Observer& observer, const Environment& environme
         window = observer.activeWindow();
         return window != XCB_WINDOW_NONE && observer.text(window, "_NET_WM_NAME") == "Tessarel Settings";
     };
-    // The window manager activates it as a new window, and Qt asks for that once more when it hears that the
-    // window is mapped.
+    // The window manager activates the new window, and Qt requests activation again when the window is
+    // mapped.
     if (!observer.waitUntil(isActive) || !observer.settleProgram(window))
         return XCB_WINDOW_NONE;
     return window;

@@ -11,46 +11,47 @@
 
 namespace tessarel::x11test {
 
-/// Where the program under test keeps its settings on `server`.
+/// Returns the settings file of the program under test on `server`.
 [[nodiscard]] std::filesystem::path settingsFile(const XServer& server);
-/// Puts `document` there, as an earlier run would have left it.
+/// Writes `document` to the settings file, as an earlier run would have.
 void writeSettings(const XServer& server, std::string_view document);
-/// Returns the document as it is on the disk; empty without one.
+/// Returns the content of the settings file; empty if there is none.
 [[nodiscard]] std::string storedSettings(const XServer& server);
-/// Waits until the document on the disk contains `text`. False when it does not get there.
+/// Waits until the settings file contains `text`. Returns false if it does not.
 [[nodiscard]] bool waitUntilStored(Observer& observer, const XServer& server, std::string_view text);
 
-/// The program under test, as a user starts it.
+/// A process of the program under test.
 class Program {
 public:
-    /// Starts it and does not wait for anything.
+    /// Starts the program without waiting for anything.
     explicit Program(const XServer& server);
-    /// With the session bus that `environment` names, or with none.
+    /// Starts the program with the session bus of `environment`, or without one.
     explicit Program(Environment environment);
 
-    /// Waits until it holds all of its hot keys, of which `last` is the one that it claims last. False when
-    /// it ends instead.
+    /// Waits until the program has grabbed all its hot keys; `last` is the one that it grabs last. Returns
+    /// false if the program exits instead.
     [[nodiscard]] bool waitUntilReady(Observer& observer, Keyboard& keyboard,
                                       const Combination& last = {key::kA, kControlAlt});
 
     [[nodiscard]] ChildProcess& process() { return m_process; }
     [[nodiscard]] bool running() { return m_process.running(); }
     [[nodiscard]] std::string errors() const { return m_process.errors(); }
-    /// How often it has fallen asleep since it was started; empty unless it waits for whatever comes: one
-    /// that waits for a single answer, or for the disk, is at work.
+    /// Returns how often the program has gone to sleep since its start; empty unless it is waiting in its
+    /// event loop. A program that waits for a reply or for the disk counts as busy.
     [[nodiscard]] std::optional<long> timesAsleep() const;
 
-    /// Waits until it has handled everything that was sent to it before, has fallen asleep more often than
-    /// `timesAsleep`, and has nothing left to do. Needs a window manager that answers. This is the barrier
-    /// before a test says that something has not happened. False when it does not come to rest.
+    /// Waits until the program has processed everything sent to it so far, has gone to sleep more than
+    /// `timesAsleep` times, and is idle. Needs a responsive window manager. Use it before a test asserts that
+    /// something has not happened. Returns false if the program does not become idle.
     [[nodiscard]] bool waitUntilAtRest(Observer& observer, long timesAsleep = 0);
 
-    /// Keeps it from doing anything until the returned hold is destroyed: what a test reads meanwhile, the
-    /// program has not changed.
+    /// Stops the program with SIGSTOP until the returned object is destroyed, so that a test can read a state
+    /// that the program cannot have changed.
     class Hold;
     [[nodiscard]] Hold hold() const;
 
-    /// Asks it to end, as a session does that is closed: its exit code, or none when it does not end.
+    /// Sends SIGTERM and waits until the program has exited. Returns the exit code; empty if it does not
+    /// exit.
     [[nodiscard]] std::optional<int> terminate();
 
 private:
@@ -68,8 +69,8 @@ private:
     const ChildProcess& m_process;
 };
 
-/// Starts the program once more, upon which the running copy opens its settings window, and waits until that
-/// window is the active one and stays so. Returns XCB_WINDOW_NONE when it does not come up.
+/// Starts a second instance, which makes the running one open its settings window, and waits until that
+/// window is active and idle. Returns XCB_WINDOW_NONE on failure.
 [[nodiscard]] xcb_window_t openSettingsWindow(Observer& observer, const Environment& environment);
 
 } // namespace tessarel::x11test

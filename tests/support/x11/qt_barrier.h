@@ -12,8 +12,7 @@
 
 namespace tessarel::x11test {
 
-/// Tells when Qt, in this very process, and the X server have heard all that they had to say to each other.
-/// Needs the application object.
+/// Synchronises Qt, in this process, with the X server. Needs the application object.
 class QtBarrier : public QAbstractNativeEventFilter {
 public:
     explicit QtBarrier(Observer& observer) : m_observer(observer), m_window(xcb_generate_id(qt())) {
@@ -28,8 +27,8 @@ public:
         xcb_destroy_window(qt(), m_window);
     }
 
-    /// Has the server carry out all requests of Qt's, and Qt handle all events that the server has sent
-    /// before; then also what that has led to within Qt. False when that does not come to pass.
+    /// Waits until the server has processed all requests of Qt, Qt has handled all events sent before that,
+    /// and the events that followed within Qt are handled. Returns false if this does not happen.
     [[nodiscard]] bool pass() {
         m_isPassed = false;
         if (!own(xcb_get_input_focus_reply(qt(), xcb_get_input_focus(qt()), nullptr)))
@@ -45,7 +44,7 @@ public:
         return waitUntil([this] { return m_isPassed; });
     }
 
-    /// Waits until `holds`, while Qt's loop turns. False when the deadline passes first.
+    /// Waits until `holds` returns true, while Qt's event loop runs. Returns false at the deadline.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& holds) {
         return m_observer.waitUntil([&] {
             QEventLoop loop;

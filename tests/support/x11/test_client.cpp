@@ -21,7 +21,7 @@ std::string pairText(const WindowOptions::Pair& pair) {
     return list({pair.width, pair.height});
 }
 
-/// A command and its arguments, of which none may hold a tab.
+/// A command and its arguments, separated by tabs. Arguments must not contain tabs.
 class Command {
 public:
     explicit Command(std::string name) : m_text(std::move(name)) {}
@@ -194,7 +194,7 @@ int TestClient::keyPresses() {
 
 void TestClient::stop() {
     m_process.signal(SIGSTOP);
-    // A stop takes effect at once on a process that waits, which this one does between two commands.
+    // The client waits between two commands, so the signal takes effect at once.
 }
 
 void TestClient::resume() {

@@ -15,7 +15,7 @@
 
 namespace tessarel::x11test {
 
-/// How a window is made; everything that is not given is left out of its properties.
+/// Options of a new window. Values that are not set are left out of its properties.
 struct WindowOptions {
     struct Pair {
         int width = 0;
@@ -26,28 +26,29 @@ struct WindowOptions {
     std::string instance = "testclient";
     std::string className = "TestClient";
     std::string gtkApplicationId = {};
-    Frame client = {100, 120, 500, 400}; ///< of the client window; its place is asked for as a user would
-    std::optional<int> gravity = {};     ///< such as XCB_GRAVITY_STATIC
+    Frame client = {100, 120, 500, 400}; ///< of the client window; requested as a user-specified position
+    std::optional<int> gravity = {};     ///< for example XCB_GRAVITY_STATIC
     std::optional<Pair> step = {};       ///< size increments
-    std::optional<Pair> base = {};       ///< size from which steps count
+    std::optional<Pair> base = {};       ///< base size, from which increments count
     std::optional<Pair> minimum = {};
     std::optional<Pair> maximum = {};
     std::optional<Extents> shadow = {};   ///< drawn by the client around its visible frame
-    bool decorated = true;                ///< false asks the window manager for no decoration
-    std::vector<std::string> states = {}; ///< such as "_NET_WM_STATE_FULLSCREEN", from the start
+    bool decorated = true;                ///< false requests no decoration from the window manager
+    std::vector<std::string> states = {}; ///< initial states, such as "_NET_WM_STATE_FULLSCREEN"
     bool iconic = false;
-    std::string type = {}; ///< such as "_NET_WM_WINDOW_TYPE_DIALOG"
+    std::string type = {}; ///< for example "_NET_WM_WINDOW_TYPE_DIALOG"
     xcb_window_t transientFor = XCB_WINDOW_NONE;
     bool processId = true;
     bool overrideRedirect = false;
     std::vector<std::uint32_t> strut = {};     ///< the twelve values of a panel
-    std::optional<std::uint32_t> desktop = {}; ///< number of the desktop that it asks to open on
-    /// How long after it has come up the client moves it back to `client`, as programs do that remember where
-    /// they were.
+    std::optional<std::uint32_t> desktop = {}; ///< the virtual desktop that it requests, from 0
+    /// If set, the client moves the window back to `client` this long after it was mapped, as programs do
+    /// that restore their windows.
     std::optional<std::chrono::milliseconds> comesBackAfter = {};
 };
 
-/// How many ConfigureNotify events a window has had from the server, and from the window manager.
+/// Numbers of ConfigureNotify events that a window has received: real ones from the server, and synthetic
+/// ones from the window manager.
 struct ConfigureCount {
     int real = 0;
     int synthetic = 0;
@@ -55,53 +56,53 @@ struct ConfigureCount {
     [[nodiscard]] int all() const { return real + synthetic; }
 };
 
-/// What has become of a window with `WindowOptions::comesBackAfter`.
+/// The outcome of `WindowOptions::comesBackAfter`.
 enum class ComeBack {
     NotYet,
-    First, ///< it has come back before it was given another size
-    Late,  ///< it was given another size before it came back
+    First, ///< the window moved back before it was resized
+    Late,  ///< the window was resized before it moved back
 };
 
-/// Another program on the desktop, with windows made to order.
+/// Another program on the desktop, with windows that a test specifies.
 class TestClient {
 public:
-    /// Starts the client and waits until it is connected: the server gives the ids of a client that has
+    /// Starts the client and waits until it is connected: the server assigns the ids of a client that has
     /// exited to the next one that connects.
     explicit TestClient(const XServer& server);
 
     [[nodiscard]] pid_t pid() const { return m_process.pid(); }
     [[nodiscard]] ChildProcess& process() { return m_process; }
 
-    /// Makes a window and maps it; whether it has come up is for the caller to wait for.
+    /// Creates and maps a window. Does not wait until it is managed.
     [[nodiscard]] xcb_window_t open(const WindowOptions& options = {});
     void destroy(xcb_window_t window);
-    /// Opens so many windows one after the other, each as soon as the one before has been shown and closed.
+    /// Opens `count` windows, one after another, and destroys each as soon as it has been mapped.
     void openAndClose(const WindowOptions& options, int count);
 
     [[nodiscard]] ComeBack comeBack(xcb_window_t window);
-    /// Has the client move a window to where it was opened, as by its own decision.
+    /// Makes the client move a window to `client`, as if by its own decision.
     void moveBack(xcb_window_t window, const Frame& client);
 
     [[nodiscard]] ConfigureCount configures(xcb_window_t window);
 
-    /// Sets a property to any bytes, of any type, 8, 16 or 32 bits wide, right or wrong.
+    /// Sets a property to arbitrary bytes, of any type and of 8, 16 or 32 bits, valid or not.
     void setProperty(xcb_window_t window, std::string_view name, std::string_view type, int format,
                      std::string_view bytes);
     void setCardinals(xcb_window_t window, std::string_view name, const std::vector<std::uint32_t>& values);
 
-    /// Claims a combination as a hot key, or lets go of it. False when another program holds it.
+    /// Grabs a combination as a hot key, or releases it. Returns false if another client has grabbed it.
     [[nodiscard]] bool grabKey(const Combination& combination);
     void ungrabKey(const Combination& combination);
-    /// Takes the whole keyboard, as an open menu does.
+    /// Grabs the keyboard, as an open menu does. Returns false if another client has grabbed it.
     [[nodiscard]] bool grabKeyboard();
     void ungrabKeyboard();
-    /// Takes the mouse, wherever it is.
+    /// Grabs the pointer. Returns false if another client has grabbed it.
     [[nodiscard]] bool grabMouse();
     void ungrabMouse();
-    /// How many key presses its grabs have brought so far.
+    /// Returns the number of key presses that the client has received so far.
     [[nodiscard]] int keyPresses();
 
-    /// Stops the program: it answers nothing until it is resumed.
+    /// Stops the program: it processes nothing until it is resumed.
     void stop();
     void resume();
 

@@ -1,5 +1,5 @@
-// A program for the tests to move about: makes windows to order, as commands on its standard input say, and
-// answers each with one line. Knows no Tessarel.
+// A program whose windows the tests move: it executes commands from its standard input and replies to each
+// with one line. It does not depend on Tessarel.
 #include "support/x11/x_connection.h"
 
 #include <algorithm>
@@ -50,7 +50,7 @@ std::string bytes(const std::string& hexadecimal) {
     return text;
 }
 
-/// The options of one window, each possibly given several times.
+/// The options of a window. An option can occur several times.
 class Options {
 public:
     explicit Options(const Words& words) {
@@ -73,12 +73,12 @@ constexpr std::uint16_t kPlace =
 
 using Clock = std::chrono::steady_clock;
 
-/// A window that its program moves back to where it had been before.
+/// A window that the client moves back to an earlier frame by itself.
 struct Return {
     std::chrono::milliseconds delay;
     Numbers frame;
-    std::optional<Clock::time_point> due; ///< once the window has been shown
-    bool isLate = false;                  ///< it has had another size meanwhile
+    std::optional<Clock::time_point> due; ///< set once the window is mapped
+    bool isLate = false;                  ///< the window has been resized meanwhile
     bool isDone = false;
 };
 
@@ -331,7 +331,8 @@ void Client::drainEvents() {
         take(*event);
 }
 
-/// Moves back what is due; answers how many milliseconds the next one has time, as poll() takes it.
+/// Moves back the windows that are due. Returns the milliseconds until the next one is due, or -1: a timeout
+/// for poll().
 int Client::moveBack() {
     const auto now = Clock::now();
     int wait = -1;

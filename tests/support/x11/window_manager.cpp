@@ -49,14 +49,14 @@ void writeFile(const fs::path& path, std::string_view text) {
     std::ofstream(path) << text;
 }
 
-/// The settings of openbox as installed, without its key bindings.
+/// Writes openbox's installed configuration without its key bindings.
 void dropOpenboxKeys(const XServer& server) {
     std::string settings = readFile("/etc/xdg/openbox/rc.xml");
     const std::size_t begin = settings.find("<keyboard>");
     const std::size_t end = settings.find("</keyboard>");
     if (begin != std::string::npos && end != std::string::npos)
         settings.erase(begin, end + std::string_view("</keyboard>").size() - begin);
-    // It takes a window that lingers at an edge to the next desktop.
+    // Openbox moves a window that is held at a screen edge to the next virtual desktop; disable that.
     if (const std::size_t warp = settings.find("<screenEdgeWarpTime>400<"); warp != std::string::npos)
         settings.replace(settings.find("400", warp), 3, "0");
     writeFile(server.configHome() / "openbox/rc.xml", settings);
@@ -72,7 +72,7 @@ void dropIcewmKeys(const XServer& server) {
     writeFile(server.home() / ".icewm/keys", "");
 }
 
-/// The keys of fluxbox as installed, without those on Ctrl+Alt.
+/// Writes fluxbox's installed key bindings without those on Ctrl+Alt.
 void dropFluxboxKeys(const XServer& server) {
     std::ifstream installed("/etc/X11/fluxbox/keys");
     std::string keys;
@@ -80,9 +80,9 @@ void dropFluxboxKeys(const XServer& server) {
         if (!line.starts_with("Control Mod1") && !line.starts_with("Mod1 Control"))
             keys += line + "\n";
     writeFile(server.home() / ".fluxbox/keys", keys);
-    // It takes a window at an edge to the next desktop, and rolls up one that is pressed twice.
-    // Its wallpaper is set by a script that reports a failure in a window, on whatever server has the display
-    // number of one that has ended.
+    // Fluxbox moves a window at a screen edge to the next virtual desktop, and shades a window at a double
+    // click; disable both. Its default wallpaper script reports failures in a window, possibly on a new
+    // server that reuses the display number; disable it, too.
     writeFile(server.home() / ".fluxbox/overlay", "background: none\n");
     writeFile(server.home() / ".fluxbox/init", "session.keyFile: ~/.fluxbox/keys\n"
                                                "session.styleOverlay: ~/.fluxbox/overlay\n"
@@ -90,7 +90,7 @@ void dropFluxboxKeys(const XServer& server) {
                                                "session.doubleClickInterval: 0\n");
 }
 
-/// Settings of the GNOME and MATE window managers, in the file that the key-file store of GSettings reads.
+/// Writes settings of the GNOME and MATE window managers to the file of GSettings' keyfile backend.
 void dropGSettingsKeys(const XServer& server) {
     std::string settings = "[org/gnome/desktop/wm/keybindings]\n";
     for (const char* direction : {"left", "right", "up", "down"})
@@ -113,8 +113,8 @@ void dropKeys(const XServer& server, WindowManagerKind kind) {
     case WindowManagerKind::Marco:
     case WindowManagerKind::Mutter:
         return dropGSettingsKeys(server);
-    case WindowManagerKind::Xfwm4: // keeps its keys with a daemon that the private bus does not start
-    case WindowManagerKind::Kwin:  // the same
+    case WindowManagerKind::Xfwm4: // stores its keys in a daemon that the private bus does not start
+    case WindowManagerKind::Kwin:  // likewise
         return;
     }
 }
@@ -153,7 +153,7 @@ constexpr std::string_view kBusConfiguration = R"(<!DOCTYPE busconfig PUBLIC
 
 std::vector<std::string> busCommand(const fs::path& folder, OwnKeys keys) {
     std::string configuration(kBusConfiguration);
-    // Some keep their keys with a service, which the bus starts on demand.
+    // Some window managers store their keys in a service that the bus starts on demand.
     if (keys == OwnKeys::Kept)
         configuration.insert(configuration.find("  <auth>"), "  <standard_session_servicedirs/>\n");
     const std::string_view placeholder = "FOLDER";
@@ -163,10 +163,10 @@ std::vector<std::string> busCommand(const fs::path& folder, OwnKeys keys) {
             "--print-address=1"};
 }
 
-/// Whether a window that appears now is taken in charge. One that has appeared while a window manager starts
-/// may be overlooked, or managed without being listed.
+/// Opens windows until one is managed. A window that is mapped while a window manager starts may be
+/// overlooked, or managed without being listed.
 bool takesCharge(Observer& observer, const Deadline& deadline) {
-    std::chrono::milliseconds patience{500}; // on a busy machine the next window needs more
+    std::chrono::milliseconds patience{500}; // doubled for each window, for busy machines
     xcb_connection_t* x = observer.x().get();
     xcb_window_t window = XCB_WINDOW_NONE;
     bool listed = false;

@@ -20,13 +20,13 @@ inline constexpr std::array kAllWindowManagers = {
 [[nodiscard]] std::string_view name(WindowManagerKind kind);
 std::ostream& operator<<(std::ostream& stream, WindowManagerKind kind);
 
-/// Whether a window manager keeps the key combinations that it comes with.
+/// Whether a window manager keeps its default key bindings.
 enum class OwnKeys { Kept, Dropped };
 
-/// Whether a window manager that can do so puts the picture of the desktop together.
+/// Whether a window manager that can composite does so.
 enum class Compositing { Off, On };
 
-/// A session bus of its own, on which services can be started only for a window manager that keeps its keys.
+/// A private session bus. Services can be started on it only for a window manager that keeps its keys.
 class SessionBus {
 public:
     SessionBus(const Environment& environment, OwnKeys keys);
@@ -39,10 +39,11 @@ private:
     std::string m_address;
 };
 
-/// A window manager with the configuration that it comes with; started, and ready.
+/// A running window manager with its default configuration, except for key bindings and compositing.
 class WindowManager {
 public:
-    /// Throws std::runtime_error when it does not come up.
+    /// Starts the window manager and waits until it manages windows. Throws std::runtime_error if it does not
+    /// start.
     WindowManager(const XServer& server, WindowManagerKind kind, OwnKeys keys = OwnKeys::Dropped,
                   Compositing compositing = Compositing::Off);
 
@@ -51,7 +52,7 @@ public:
 
 private:
     WindowManagerKind m_kind;
-    std::unique_ptr<SessionBus> m_bus; // outlives the window manager
+    std::unique_ptr<SessionBus> m_bus; // must outlive the window manager
     std::unique_ptr<ChildProcess> m_process;
 };
 

@@ -11,7 +11,7 @@
 namespace tessarel::x11test {
 namespace {
 
-/// A window manager on a server of its own, which all cases about it share.
+/// A window manager on a private server, shared by all its tests.
 struct Stage {
     explicit Stage(WindowManagerKind kind) : manager(server, kind) {}
 
@@ -52,7 +52,7 @@ TEST_P(WindowManagerTest, StartsAndCanMoveWindows) {
     EXPECT_TRUE(stage.manager.process().running());
 }
 
-TEST_P(WindowManagerTest, OuterFrameIsTheOneAskedForByHand) {
+TEST_P(WindowManagerTest, TheOuterFrameIsTheRequestedOne) {
     const xcb_window_t window = openAndWait();
     const Frame wanted{211, 133, 640, 480};
 
@@ -64,7 +64,7 @@ TEST_P(WindowManagerTest, OuterFrameIsTheOneAskedForByHand) {
     EXPECT_GT(observer.clientFrame(window)->y, wanted.y) << "no title bar";
 }
 
-TEST_P(WindowManagerTest, ActivatesTheWindowAskedFor) {
+TEST_P(WindowManagerTest, ActivatesTheRequestedWindow) {
     const xcb_window_t first = openAndWait();
     const xcb_window_t second = openAndWait();
 

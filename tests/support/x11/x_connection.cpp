@@ -43,8 +43,8 @@ std::string XConnection::atomName(xcb_atom_t atom) {
 }
 
 void XConnection::roundTrip() {
-    // The server may write the reply before the events for other clients; it has written them all before it
-    // reads the next request.
+    // The server may write the reply before the events for other clients, but it has written all of them
+    // before it reads the next request.
     for (int reply = 0; reply < 2; ++reply)
         static_cast<void>(
             own(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr)));

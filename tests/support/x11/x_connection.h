@@ -10,7 +10,7 @@
 
 namespace tessarel::x11test {
 
-/// A reply or an event of the X server, which frees itself.
+/// Frees a reply or an event of xcb.
 template <typename T>
 struct FreeDeleter {
     void operator()(T* pointer) const { std::free(pointer); }
@@ -23,10 +23,10 @@ template <typename T>
     return Owned<T>(pointer);
 }
 
-/// The test's own connection to an X server.
+/// A connection of the test to an X server.
 class XConnection {
 public:
-    /// Throws std::runtime_error when the server cannot be reached.
+    /// Throws std::runtime_error if the server cannot be reached.
     explicit XConnection(const std::string& display);
     XConnection(const XConnection&) = delete;
     XConnection& operator=(const XConnection&) = delete;
@@ -39,8 +39,8 @@ public:
     [[nodiscard]] xcb_atom_t atom(std::string_view name);
     [[nodiscard]] std::string atomName(xcb_atom_t atom);
 
-    /// Waits until the server has handled every request made so far, and has written the events that came of
-    /// them to every client.
+    /// Waits until the server has processed all requests sent so far and has written the resulting events to
+    /// all clients.
     void roundTrip();
 
 private:

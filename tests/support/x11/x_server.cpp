@@ -12,13 +12,12 @@ namespace tessarel::x11test {
 
 namespace {
 
-/// Variables that a child needs from the outside: where programs and libraries are, and what the sanitizers
-/// are told.
+/// Variables that child processes inherit: search paths and sanitizer options.
 constexpr auto kInherited = {"PATH",         "LD_LIBRARY_PATH", "ASAN_OPTIONS",
                              "LSAN_OPTIONS", "UBSAN_OPTIONS",   "TMPDIR"};
 
-/// The key to the servers of this test process. Display numbers are used again: without a key, a program that
-/// outlives its server would reach the server of another test.
+/// The X authority file of this test process. Display numbers are reused: without it, a program that outlives
+/// its server could connect to the server of another test.
 class ServerKey {
 public:
     ServerKey() {
@@ -26,13 +25,13 @@ public:
         std::string cookie(16, '\0');
         std::ranges::generate(cookie, [&] { return static_cast<char>(random()); });
         std::ofstream file(path());
-        file.write("\xff\xff", 2); // for every address and display
+        file.write("\xff\xff", 2); // family 0xffff: any address and display
         for (const std::string& field :
              {std::string(), std::string(), std::string("MIT-MAGIC-COOKIE-1"), cookie}) {
             const std::array<char, 2> length = {'\0', static_cast<char>(field.size())};
             file.write(length.data(), length.size()) << field;
         }
-        ::setenv("XAUTHORITY", path().c_str(), 1); // for this process's own connections
+        ::setenv("XAUTHORITY", path().c_str(), 1); // for connections of this process
     }
     [[nodiscard]] std::filesystem::path path() const { return m_folder.path() / "authority"; }
 
@@ -82,7 +81,7 @@ int millimetres(int pixels) {
     return static_cast<int>(std::lround(pixels * 25.4 / 96));
 }
 
-/// `<width>/<mm>x<height>/<mm>+<x>+<y>`, as xrandr takes it.
+/// Returns `<width>/<mm>x<height>/<mm>+<x>+<y>`, the format of xrandr.
 std::string geometry(const Monitor& monitor) {
     const auto extent = [](int pixels) {
         return std::to_string(pixels) + "/" + std::to_string(millimetres(pixels));
@@ -121,7 +120,8 @@ void XServer::setMonitors(const std::vector<Monitor>& monitors) {
     for (const std::string& name : m_monitorNames)
         runToEnd({"xrandr", "--delmonitor", name}, m_environment);
     m_monitorNames.clear();
-    // The server has one output; the monitor that takes it hides the automatic monitor of the whole root.
+    // The server has one output. The monitor that uses it replaces the automatic monitor of the whole root
+    // window.
     for (const Monitor& monitor : monitors) {
         const std::string name = (monitor.primary ? "*" : "") + monitor.name;
         const std::string output = m_monitorNames.empty() ? "screen" : "none";

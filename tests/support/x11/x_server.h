@@ -10,7 +10,7 @@
 
 namespace tessarel::x11test {
 
-/// A folder of its own that goes with its owner.
+/// A temporary folder, removed with its contents in the destructor.
 class TemporaryFolder {
 public:
     TemporaryFolder();
@@ -24,7 +24,7 @@ private:
     std::filesystem::path m_path;
 };
 
-/// A display of the virtual desktop: a part of the root window, in pixels.
+/// A RandR monitor: a part of the root window, in pixels.
 struct Monitor {
     std::string name;
     int x = 0;
@@ -34,36 +34,36 @@ struct Monitor {
     bool primary = false;
 };
 
-/// Two displays of different size, side by side, their tops aligned; `L` is the primary one.
+/// Returns two monitors of different size, side by side with their tops aligned; `L` is the primary one.
 [[nodiscard]] std::vector<Monitor> twoMonitors();
 
 struct XServerOptions {
     int width = 1600;
     int height = 900;
-    /// Without any, the server offers the whole root window as its one monitor.
+    /// If empty, the server has one monitor, the whole root window.
     std::vector<Monitor> monitors = {};
-    bool tellsProcesses = true; ///< whether it can be asked which process a client is
+    bool tellsProcesses = true; ///< false disables the X-Resource extension
 };
 
-/// A private X server without a screen, and a private home for everything that runs on it.
+/// A private X server without a screen (Xvfb), with a private home for all programs on it.
 ///
-/// The server listens on a free display number and dies with the test process. Programs started with
-/// `environment()` see this display, an empty home and no session of the person who runs the tests.
+/// The server uses a free display number and dies with the test process. Programs started with
+/// `environment()` get this display, an empty home and nothing of the session in which the tests run.
 class XServer {
 public:
-    /// Throws std::runtime_error when the server does not start.
+    /// Throws std::runtime_error if the server does not start.
     explicit XServer(const XServerOptions& options = {});
 
-    /// Such as ":17".
+    /// Returns the display, for example ":17".
     [[nodiscard]] const std::string& display() const { return m_display; }
     [[nodiscard]] const Environment& environment() const { return m_environment; }
     [[nodiscard]] std::filesystem::path home() const { return m_folder.path() / "home"; }
     [[nodiscard]] std::filesystem::path configHome() const { return m_folder.path() / "config"; }
 
-    /// Replaces the monitors of an earlier call; the same names may come back with another geometry.
+    /// Replaces the monitors of an earlier call. Names can be used again with another geometry.
     void setMonitors(const std::vector<Monitor>& monitors);
 
-    /// Ends the server under the feet of its clients.
+    /// Kills the server while clients are connected.
     void kill() { m_process.kill(); }
 
 private:

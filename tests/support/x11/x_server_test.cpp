@@ -9,7 +9,7 @@
 namespace tessarel::x11test {
 namespace {
 
-TEST(XServerTest, AProgramWithoutTheKeyIsRefused) {
+TEST(XServerTest, AProgramWithoutTheCookieIsRejected) {
     const XServer server;
     Environment stranger = server.environment();
     stranger.erase("XAUTHORITY");

@@ -10,7 +10,7 @@
 namespace tessarel::qt {
 namespace {
 
-constexpr Rect kZone{20, 30, 200, 160}; // its shape is from 22 to 218 and from 32 to 188
+constexpr Rect kZone{20, 30, 200, 160}; // its shape covers x 22 to 218 and y 32 to 188
 constexpr QRect kWindow{0, 0, 400, 300};
 const QColor kAccentColor(0x0a, 0x84, 0xff);
 
@@ -35,7 +35,7 @@ TEST_F(OutlineFiguresTest, APlainZoneIsAThinRing) {
     EXPECT_EQ(ring, QRegion(22, 32, 196, 156) - QRegion(25, 35, 190, 150));
 }
 
-TEST_F(OutlineFiguresTest, TheRingIsWhiteOutsideAndOfTheAccentColorInside) {
+TEST_F(OutlineFiguresTest, TheRingIsWhiteOutsideAndInTheAccentColorInside) {
     const QImage image = painted(zoneFigure(kZone));
 
     EXPECT_EQ(image.pixelColor(22, 110), QColor(Qt::white));
@@ -52,7 +52,7 @@ TEST_F(OutlineFiguresTest, AHighlightedZoneHasAThickRing) {
         EXPECT_EQ(image.pixelColor(x, 110), kAccentColor) << x;
 }
 
-TEST_F(OutlineFiguresTest, AHighlightedZoneIsHatchedWithALineInEverySix) {
+TEST_F(OutlineFiguresTest, AHighlightedZoneIsHatchedWithALineEverySixPixels) {
     const QRegion zone = region(zoneFigure(kZone, {}, true));
     int lines = 0;
     int last = 0;
@@ -66,7 +66,7 @@ TEST_F(OutlineFiguresTest, AHighlightedZoneIsHatchedWithALineInEverySix) {
     EXPECT_EQ(lines, 142 / 6);
 }
 
-TEST_F(OutlineFiguresTest, LinesOfTheHatchTakeTurnsInTheirColor) {
+TEST_F(OutlineFiguresTest, HatchLinesAlternateInColor) {
     const QImage image = painted(zoneFigure(kZone, {}, true));
 
     const QColor first = image.pixelColor(120, 44);
@@ -77,13 +77,13 @@ TEST_F(OutlineFiguresTest, LinesOfTheHatchTakeTurnsInTheirColor) {
     EXPECT_EQ(image.pixelColor(120, 56), first);
 }
 
-TEST_F(OutlineFiguresTest, ALabelStandsOnABadgeInTheMiddle) {
+TEST_F(OutlineFiguresTest, ALabelHasABadgeInTheMiddle) {
     const QRegion zone = region(zoneFigure(kZone, "3"));
 
     EXPECT_EQ(zone & QRegion(40, 50, 160, 120), QRegion(98, 88, 44, 44));
 }
 
-TEST_F(OutlineFiguresTest, TheBadgeIsDarkAndOfTheAccentColorWhenHighlighted) {
+TEST_F(OutlineFiguresTest, TheBadgeIsDarkOrInTheAccentColorWhenHighlighted) {
     const QColor plain = painted(zoneFigure(kZone, "3")).pixelColor(101, 91);
     const QColor target = painted(zoneFigure(kZone, "3", true)).pixelColor(101, 91);
 
@@ -92,7 +92,7 @@ TEST_F(OutlineFiguresTest, TheBadgeIsDarkAndOfTheAccentColorWhenHighlighted) {
     EXPECT_EQ(painted(zoneFigure(kZone, "3")).pixelColor(98, 88), QColor(Qt::white));
 }
 
-TEST_F(OutlineFiguresTest, TheDigitIsWhiteAndInTheMiddleOfTheBadge) {
+TEST_F(OutlineFiguresTest, TheDigitIsWhiteAndCentredOnTheBadge) {
     const QImage image = painted(zoneFigure(kZone, "8"));
     QRect digit;
     for (int y = 90; y < 130; ++y)
@@ -138,14 +138,14 @@ TEST_F(OutlineFiguresTest, TheRegionIsExactlyWhatIsPainted) {
     }
 }
 
-TEST_F(OutlineFiguresTest, TheExtentHoldsTheRegion) {
+TEST_F(OutlineFiguresTest, TheExtentContainsTheRegion) {
     for (const auto& figure : {zoneFigure(kZone, "3", true), zoneFigure({100, 100, 40, 40}, "123")}) {
         const QRect extent = OutlineFigures(kWindow, 1).extent(figure);
         EXPECT_TRUE((region(figure) - extent).isEmpty());
     }
 }
 
-TEST_F(OutlineFiguresTest, LinesGrowWithTheScaleAndPlacesDoNot) {
+TEST_F(OutlineFiguresTest, TheScaleAppliesToLinesButNotToPositions) {
     EXPECT_EQ(region(zoneFigure(kZone), 2), QRegion(22, 32, 196, 156) - QRegion(28, 38, 184, 144));
     EXPECT_EQ(region(zoneFigure(kZone, "3"), 2).boundingRect(), QRect(22, 32, 196, 156));
 }
@@ -154,14 +154,14 @@ TEST_F(OutlineFiguresTest, AZoneThinnerThanItsRingIsAllRing) {
     EXPECT_EQ(region(zoneFigure({20, 30, 12, 160}, {}, true)), QRegion(22, 32, 8, 156));
 }
 
-TEST_F(OutlineFiguresTest, AHugeZoneCostsNoMoreThanItsPartInTheWindow) {
+TEST_F(OutlineFiguresTest, AHugeZoneIsClippedToTheWindow) {
     const QRegion zone = region(zoneFigure({-5e5, -5e5, 1e6, 1e6}, {}, true));
 
     EXPECT_LE(zone.rectCount(), kWindow.height() / 6 + 1);
     EXPECT_TRUE(kWindow.contains(zone.boundingRect()));
 }
 
-TEST_F(OutlineFiguresTest, TheHatchDoesNotMoveWhenItsTopIsOutOfSight) {
+TEST_F(OutlineFiguresTest, TheHatchDoesNotShiftWhenItsTopIsClipped) {
     const OverlayFigure figure = zoneFigure({20, -100, 200, 300}, {}, true);
     const QRegion all = OutlineFigures(QRect(0, -200, 400, 500), 1).region(figure);
 

@@ -21,7 +21,7 @@ using namespace std::chrono_literals;
 constexpr Rect kLeft{0, 0, 200, 300};
 constexpr Rect kRight{200, 0, 200, 300};
 
-/// Writes down what every widget of the program has been asked to paint.
+/// Records the painted regions of all widgets.
 class PaintLog : public QObject {
 public:
     PaintLog() { qApp->installEventFilter(this); }
@@ -37,13 +37,14 @@ public:
 
 class X11OverlayWindowTest : public OffscreenTest {
 protected:
-    /// The surface, as long as there is one.
+    /// Returns the overlay's widget, or null.
     [[nodiscard]] static QWidget* surface() {
         const auto all = QApplication::topLevelWidgets();
         return all.isEmpty() ? nullptr : all.first();
     }
 
-    /// The window with two zones, the left one highlighted, in front and painted, long ago.
+    /// Shows the window with two zones, the left one highlighted, waits until it is painted and lets a second
+    /// pass.
     void showTwoZones() {
         window->setFrame({100, 50, 400, 300});
         window->setFigures(leftHighlighted, {kLeft, kRight});
@@ -56,7 +57,7 @@ protected:
     void highlightRight() { window->setFigures(rightHighlighted, {kLeft, kRight}); }
     void highlightLeft() { window->setFigures(leftHighlighted, {kLeft, kRight}); }
 
-    /// Lets Qt and the main queue do what is due.
+    /// Processes Qt's events and the due work of the main queue.
     void turn() {
         QApplication::processEvents();
         clock.advance(0s);
@@ -74,7 +75,7 @@ protected:
     PaintLog log;
 };
 
-TEST_F(X11OverlayWindowTest, NothingIsMadeBeforeTheWindowIsShown) {
+TEST_F(X11OverlayWindowTest, NoWidgetIsCreatedBeforeTheWindowIsShown) {
     window->setFrame({0, 0, 400, 300});
     window->setFigures(leftHighlighted, {kLeft, kRight});
     turn();
@@ -117,7 +118,7 @@ TEST_F(X11OverlayWindowTest, WithoutFiguresTheWindowIsTransparent) {
         EXPECT_EQ(image.pixelColor(x, 150).alpha(), 0);
 }
 
-TEST_F(X11OverlayWindowTest, AFigureThatGoesLeavesNothingBehind) {
+TEST_F(X11OverlayWindowTest, ARemovedFigureIsErased) {
     showTwoZones();
 
     window->setFigures({zoneFigure(kLeft, "1", true)}, {kRight});
@@ -128,7 +129,7 @@ TEST_F(X11OverlayWindowTest, AFigureThatGoesLeavesNothingBehind) {
     EXPECT_NEAR(image.pixelColor(50, 60).alphaF(), 0.35, 0.01);
 }
 
-TEST_F(X11OverlayWindowTest, OnlyWhatHasChangedIsPainted) {
+TEST_F(X11OverlayWindowTest, OnlyTheChangedAreaIsPainted) {
     showTwoZones();
 
     window->setFigures({zoneFigure(kLeft, "1", true), zoneFigure(kRight, "3")}, {kRight});
@@ -137,7 +138,7 @@ TEST_F(X11OverlayWindowTest, OnlyWhatHasChangedIsPainted) {
     EXPECT_EQ(log.painted.front(), QRegion(200, 0, 200, 300));
 }
 
-TEST_F(X11OverlayWindowTest, ALabelThatReachesOutOfItsZoneIsPaintedWhole) {
+TEST_F(X11OverlayWindowTest, ALabelLargerThanItsZoneIsPaintedWhole) {
     const Rect small{100, 100, 40, 40};
     showTwoZones();
 
@@ -159,7 +160,7 @@ TEST_F(X11OverlayWindowTest, WithoutAChangeNothingIsPainted) {
     EXPECT_TRUE(log.painted.empty());
 }
 
-TEST_F(X11OverlayWindowTest, AChangeAfterAQuietWhileIsPaintedAtOnce) {
+TEST_F(X11OverlayWindowTest, AChangeAfterAPauseIsPaintedAtOnce) {
     showTwoZones();
 
     highlightRight();
@@ -167,7 +168,7 @@ TEST_F(X11OverlayWindowTest, AChangeAfterAQuietWhileIsPaintedAtOnce) {
     EXPECT_EQ(log.painted.size(), 1U);
 }
 
-TEST_F(X11OverlayWindowTest, ChangesThatComeCloseArePaintedTogether) {
+TEST_F(X11OverlayWindowTest, ChangesInQuickSuccessionAreCoalesced) {
     showTwoZones();
     highlightRight();
 
@@ -181,7 +182,7 @@ TEST_F(X11OverlayWindowTest, ChangesThatComeCloseArePaintedTogether) {
     EXPECT_NEAR(surface()->grab().toImage().pixelColor(50, 60).alphaF(), 0.35, 0.01);
 }
 
-TEST_F(X11OverlayWindowTest, AStreamOfChangesIsPaintedAtASteadyPace) {
+TEST_F(X11OverlayWindowTest, AStreamOfChangesIsPaintedAtALimitedRate) {
     showTwoZones();
 
     for (int millisecond = 0; millisecond < 1000; ++millisecond) {
@@ -192,7 +193,7 @@ TEST_F(X11OverlayWindowTest, AStreamOfChangesIsPaintedAtASteadyPace) {
     EXPECT_EQ(log.painted.size(), 1000U / 8 + 1);
 }
 
-TEST_F(X11OverlayWindowTest, GoingOutTakesTheWindowOffTheScreenAtOnce) {
+TEST_F(X11OverlayWindowTest, OrderOutHidesTheWindowAtOnce) {
     showTwoZones();
 
     window->orderOut();
@@ -200,7 +201,7 @@ TEST_F(X11OverlayWindowTest, GoingOutTakesTheWindowOffTheScreenAtOnce) {
     EXPECT_FALSE(surface()->isVisible());
 }
 
-TEST_F(X11OverlayWindowTest, AChangeThatWaitsIsNotPaintedOnceTheWindowIsOut) {
+TEST_F(X11OverlayWindowTest, APendingChangeIsNotPaintedAfterOrderOut) {
     showTwoZones();
     highlightRight();
     highlightLeft();
@@ -214,7 +215,7 @@ TEST_F(X11OverlayWindowTest, AChangeThatWaitsIsNotPaintedOnceTheWindowIsOut) {
     EXPECT_FALSE(surface()->isVisible());
 }
 
-TEST_F(X11OverlayWindowTest, FiguresSetWhileTheWindowIsOutAreThereWhenItComesBack) {
+TEST_F(X11OverlayWindowTest, FiguresSetWhileHiddenAreShownNextTime) {
     showTwoZones();
     window->orderOut();
 
@@ -225,7 +226,7 @@ TEST_F(X11OverlayWindowTest, FiguresSetWhileTheWindowIsOutAreThereWhenItComesBac
     EXPECT_NEAR(surface()->grab().toImage().pixelColor(250, 60).alphaF(), 0.35, 0.01);
 }
 
-TEST_F(X11OverlayWindowTest, TheSameSurfaceServesTheNextDrag) {
+TEST_F(X11OverlayWindowTest, TheSurfaceIsReusedForTheNextDrag) {
     showTwoZones();
     const QWidget* const first = surface();
     window->orderOut();
@@ -237,7 +238,7 @@ TEST_F(X11OverlayWindowTest, TheSameSurfaceServesTheNextDrag) {
     EXPECT_TRUE(surface()->isVisible());
 }
 
-TEST_F(X11OverlayWindowTest, AfterAQuietTimeTheSurfaceIsGivenBack) {
+TEST_F(X11OverlayWindowTest, TheSurfaceIsDestroyedAfterAQuietTime) {
     showTwoZones();
     window->orderOut();
 
@@ -246,7 +247,7 @@ TEST_F(X11OverlayWindowTest, AfterAQuietTimeTheSurfaceIsGivenBack) {
     EXPECT_EQ(surface(), nullptr);
 }
 
-TEST_F(X11OverlayWindowTest, TheQuietTimeCountsFromTheLastDrag) {
+TEST_F(X11OverlayWindowTest, TheQuietTimeStartsWithTheEndOfTheLastDrag) {
     showTwoZones();
     window->orderOut();
     clock.advance(20s);
@@ -259,7 +260,7 @@ TEST_F(X11OverlayWindowTest, TheQuietTimeCountsFromTheLastDrag) {
     EXPECT_EQ(surface(), nullptr);
 }
 
-TEST_F(X11OverlayWindowTest, AWindowThatIsShownIsKeptForAsLongAsItIs) {
+TEST_F(X11OverlayWindowTest, AVisibleSurfaceIsNotDestroyed) {
     showTwoZones();
     window->orderOut();
     window->orderFront();
@@ -270,7 +271,7 @@ TEST_F(X11OverlayWindowTest, AWindowThatIsShownIsKeptForAsLongAsItIs) {
     EXPECT_TRUE(surface()->isVisible());
 }
 
-TEST_F(X11OverlayWindowTest, AfterItsSurfaceIsGivenBackTheWindowShowsTheSame) {
+TEST_F(X11OverlayWindowTest, ARecreatedSurfaceShowsTheSameFigures) {
     showTwoZones();
     window->orderOut();
     clock.advance(1min);
@@ -283,7 +284,7 @@ TEST_F(X11OverlayWindowTest, AfterItsSurfaceIsGivenBackTheWindowShowsTheSame) {
     EXPECT_NEAR(surface()->grab().toImage().pixelColor(50, 60).alphaF(), 0.35, 0.01);
 }
 
-TEST_F(X11OverlayWindowTest, AWindowThatIsDestroyedLeavesNoWorkBehind) {
+TEST_F(X11OverlayWindowTest, ADestroyedWindowLeavesNoPendingWork) {
     showTwoZones();
     highlightRight();
     highlightLeft();
@@ -295,7 +296,7 @@ TEST_F(X11OverlayWindowTest, AWindowThatIsDestroyedLeavesNoWorkBehind) {
     EXPECT_EQ(surface(), nullptr);
 }
 
-TEST_F(X11OverlayWindowTest, GoingOutTwiceOrBeforeTheFirstShowDoesNothing) {
+TEST_F(X11OverlayWindowTest, OrderOutTwiceOrBeforeTheFirstShowDoesNothing) {
     window->orderOut();
     showTwoZones();
     window->orderOut();
@@ -304,7 +305,7 @@ TEST_F(X11OverlayWindowTest, GoingOutTwiceOrBeforeTheFirstShowDoesNothing) {
     EXPECT_FALSE(surface()->isVisible());
 }
 
-TEST_F(X11OverlayWindowTest, ShowingAndHidingNeverEndsTheProgram) {
+TEST_F(X11OverlayWindowTest, HidingTheOverlayDoesNotQuitTheProgram) {
     bool hasQuit = false;
     QObject::connect(qApp, &QGuiApplication::lastWindowClosed, qApp, [&] { hasQuit = true; });
 

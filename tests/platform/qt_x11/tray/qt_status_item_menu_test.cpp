@@ -34,7 +34,7 @@ protected:
         return *action(position).menu()->actions().at(inner);
     }
 
-    /// The rows of `menu` as a value again, as far as a user can see them.
+    /// Converts the rows of `menu` back to a value, as far as a user can see them.
     static Menu seen(const QMenu& menu) {
         Menu rows;
         for (const QAction* action : menu.actions()) {
@@ -77,7 +77,7 @@ Menu everyKindOfRow() {
             quit};
 }
 
-TEST_F(MenuViewTest, ShowsEveryKindOfRowAsTheMenuHasIt) {
+TEST_F(MenuViewTest, ShowsEveryKindOfRow) {
     view.show(everyKindOfRow());
 
     EXPECT_EQ(seen(view.widget()), everyKindOfRow());
@@ -91,13 +91,13 @@ TEST_F(MenuViewTest, AnEmptyMenuHasNoRows) {
     EXPECT_TRUE(view.widget().isEmpty());
 }
 
-TEST_F(MenuViewTest, ARowWithoutAMarkHasNoBoxForOne) {
+TEST_F(MenuViewTest, AnUncheckedRowHasNoCheckBox) {
     view.show({row("plain")});
 
     EXPECT_FALSE(action(0).isCheckable());
 }
 
-TEST_F(MenuViewTest, KeyEquivalentsShowAsKeysOfTheOpenMenuOnly) {
+TEST_F(MenuViewTest, KeyEquivalentsAreShownAndBelongToTheOpenMenu) {
     view.show(everyKindOfRow());
 
     EXPECT_EQ(action(4).shortcut().toString(), "Ctrl+,");
@@ -141,7 +141,7 @@ TEST_F(MenuViewTest, OtherKeysOfTheOpenMenuChooseNothing) {
     view.widget().popup({});
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&view.widget()));
 
-    QTest::keyClick(&view.widget(), Qt::Key_Q, Qt::ControlModifier); // its row is disabled
+    QTest::keyClick(&view.widget(), Qt::Key_Q, Qt::ControlModifier); // the row is disabled
     QTest::keyClick(&view.widget(), Qt::Key_Comma);
     QTest::keyClick(&view.widget(), Qt::Key_Comma, Qt::ControlModifier | Qt::ShiftModifier);
 
@@ -151,7 +151,7 @@ TEST_F(MenuViewTest, OtherKeysOfTheOpenMenuChooseNothing) {
     EXPECT_FALSE(view.widget().isVisible()) << "keys that Qt knows still work";
 }
 
-TEST_F(MenuViewTest, ChoosingARowTellsThatRow) {
+TEST_F(MenuViewTest, ChoosingARowReportsIt) {
     view.show({row("one", MenuCommand::ApplyLayout, 1000), row("two", MenuCommand::ApplyLayout, 1001)});
 
     action(1).trigger();
@@ -159,7 +159,7 @@ TEST_F(MenuViewTest, ChoosingARowTellsThatRow) {
     EXPECT_THAT(chosen, ElementsAre(row("two", MenuCommand::ApplyLayout, 1001)));
 }
 
-TEST_F(MenuViewTest, ChoosingARowOfASubmenuTellsThatRowOnce) {
+TEST_F(MenuViewTest, ChoosingARowOfASubmenuReportsItOnce) {
     view.show({submenu("Move window", {row("Left half", MenuCommand::RunMenuAction, 9)})});
 
     action(0, 0).trigger();
@@ -177,7 +177,7 @@ TEST_F(MenuViewTest, ADisabledRowCannotBeChosen) {
     EXPECT_TRUE(chosen.empty());
 }
 
-TEST_F(MenuViewTest, AMarkStaysAfterItsRowWasChosen) {
+TEST_F(MenuViewTest, ChoosingARowDoesNotChangeItsCheckMark) {
     view.show(everyKindOfRow());
     action(3).trigger();
     action(2, 0).trigger();
@@ -199,7 +199,7 @@ TEST_F(MenuViewTest, ShowingTheSameMenuAgainKeepsItsRows) {
     EXPECT_EQ(&action(4), before);
 }
 
-TEST_F(MenuViewTest, AnyDifferenceShows) {
+TEST_F(MenuViewTest, EveryDifferenceIsShown) {
     view.show(everyKindOfRow());
     Menu menu = everyKindOfRow();
     menu[2].submenu[0].isChecked = false;
@@ -223,7 +223,7 @@ TEST_F(MenuViewTest, SubmenusThatComeAndGoShowTheirOwnRows) {
     }
 }
 
-TEST_F(MenuViewTest, OpeningOftenLeavesNothingBehind) {
+TEST_F(MenuViewTest, ShowingOftenLeaksNoObjects) {
     view.show(everyKindOfRow());
     const auto before = QApplication::allWidgets().size();
     const auto children = view.widget().findChildren<QObject*>().size();
@@ -242,14 +242,14 @@ protected:
     [[nodiscard]] QString oneLine(std::string_view title) const {
         return menu_title::oneLine(title, QFontMetrics(application.font()));
     }
-    /// What the menu shows for `title`.
+    /// Returns the text that the menu shows for `title`.
     QString shown(const std::string& title) {
         view.show({row(title)});
         return action(0).text();
     }
 };
 
-TEST_F(MenuTitleTest, AnOrdinaryTitleStandsAsItIs) {
+TEST_F(MenuTitleTest, AnOrdinaryTitleIsUnchanged) {
     for (const char* title : {"Snap to Zone 1   (Ctrl+Opt+1)", "Größe – ½", "日本語", "🪟 Fenster", "a  b"})
         EXPECT_EQ(oneLine(title), QString::fromUtf8(title));
 }
@@ -258,7 +258,7 @@ TEST_F(MenuTitleTest, AnAmpersandIsNoMnemonic) {
     EXPECT_EQ(shown("Code & Docs && more &x"), "Code && Docs &&&& more &&x");
 }
 
-TEST_F(MenuTitleTest, MarkupIsShownAsItStands) {
+TEST_F(MenuTitleTest, MarkupIsShownAsPlainText) {
     EXPECT_EQ(shown("<b>bold</b><br>"), "<b>bold</b><br>");
 }
 
@@ -267,7 +267,7 @@ TEST_F(MenuTitleTest, LineFeedsTabsAndControlCharactersBecomeSpaces) {
     EXPECT_EQ(oneLine(std::string_view("a\0b", 3)), "a b");
 }
 
-TEST_F(MenuTitleTest, BytesThatAreNoTextShowAsSubstitutes) {
+TEST_F(MenuTitleTest, InvalidUtf8IsShownAsReplacementCharacters) {
     EXPECT_EQ(oneLine("a\xff\xfe b"), u"a\ufffd\ufffd b");
 }
 
@@ -295,7 +295,7 @@ TEST_F(MenuTitleTest, ATitleOfManyMarksOnOneLetterIsShortened) {
     EXPECT_LE(oneLine(title).size(), 600);
 }
 
-TEST_F(MenuTitleTest, ACharacterBeyond16BitsIsNotCutInTwo) {
+TEST_F(MenuTitleTest, ASurrogatePairIsNotSplit) {
     for (const char* padding : {"", "\xcc\x81"}) {
         std::string title = padding;
         for (int i = 0; i < 5'000; ++i)
@@ -308,16 +308,16 @@ TEST_F(MenuTitleTest, ACharacterBeyond16BitsIsNotCutInTwo) {
     }
 }
 
-TEST_F(MenuTitleTest, RightToLeftTextStandsBetweenIsolates) {
+TEST_F(MenuTitleTest, RightToLeftTextIsWrappedInIsolates) {
     EXPECT_EQ(oneLine("חלון"), u"\u2068חלון\u2069");
     EXPECT_EQ(oneLine("نافذة 1"), u"\u2068نافذة 1\u2069");
 }
 
-TEST_F(MenuTitleTest, RightToLeftTextBeyond16BitsStandsBetweenIsolates) {
+TEST_F(MenuTitleTest, RightToLeftTextBeyond16BitsIsWrappedInIsolates) {
     EXPECT_EQ(oneLine("\xf0\x90\xa4\x80"), QString::fromUtf8("\u2068\xf0\x90\xa4\x80\u2069"));
 }
 
-TEST_F(MenuTitleTest, AnOverrideEndsWithItsTitle) {
+TEST_F(MenuTitleTest, ADirectionalOverrideEndsWithItsTitle) {
     EXPECT_EQ(oneLine("a\u202eb"), u"\u2068a\u202eb\u2069");
 }
 
@@ -336,11 +336,11 @@ TEST_F(MenuTitleTest, AnEmptyTitleStaysEmpty) {
     EXPECT_EQ(menu_title::forPanel(""), "");
 }
 
-TEST_F(MenuTitleTest, AnUnderlineIsNoMnemonicOfThePanel) {
+TEST_F(MenuTitleTest, AnUnderscoreIsNotAMnemonicInThePanel) {
     EXPECT_EQ(menu_title::forPanel("my_layout__"), "my__layout____");
 }
 
-TEST_F(MenuTitleTest, TheFirstAmpersandForThePanelIsMarkedBecauseQtReplacesIt) {
+TEST_F(MenuTitleTest, TheFirstAmpersandForThePanelIsDoubledBecauseQtReplacesIt) {
     EXPECT_EQ(menu_title::forPanel("a & b & c"), "a && b & c");
     EXPECT_EQ(menu_title::forPanel("R&"), "R&&");
 }

@@ -30,7 +30,7 @@ protected:
         return icon.pixmap(size).toImage().convertToFormat(QImage::Format_ARGB32);
     }
 
-    /// The share of pixels that differ clearly from a panel of that colour.
+    /// Returns the share of pixels that differ clearly from a panel of this colour.
     static double visibleShare(const QIcon& icon, int size, const QColor& panel) {
         QImage painted(size, size, QImage::Format_ARGB32);
         painted.fill(panel);
@@ -73,7 +73,7 @@ TEST_F(StatusSymbolsTest, NoOtherSymbolExists) {
     }
 }
 
-TEST_F(StatusSymbolsTest, SymbolsReadOnLightAndOnDarkPanels) {
+TEST_F(StatusSymbolsTest, SymbolsAreReadableOnLightAndDarkPanels) {
     for (const char* name : kNames)
         for (const int size : kSizes)
             for (const auto panel : {Qt::white, Qt::black}) {
@@ -82,7 +82,7 @@ TEST_F(StatusSymbolsTest, SymbolsReadOnLightAndOnDarkPanels) {
             }
 }
 
-TEST_F(StatusSymbolsTest, TextReadsOnLightAndOnDarkPanels) {
+TEST_F(StatusSymbolsTest, TextIsReadableOnLightAndDarkPanels) {
     const QIcon icon = status_symbols::text("TS", Appearance::Normal);
 
     for (const int size : kSizes)
@@ -101,7 +101,7 @@ TEST_F(StatusSymbolsTest, SymbolsDifferFromEachOtherAtEverySize) {
     }
 }
 
-TEST_F(StatusSymbolsTest, ADisabledIconIsTheSameAtTwoFifthsOfItsOpacity) {
+TEST_F(StatusSymbolsTest, ADisabledIconHasTwoFifthsOfTheOpacity) {
     for (const int size : kSizes) {
         const QImage normal = image(status_symbols::symbol(kNames[0], Appearance::Normal), size);
         const QImage dimmed = image(status_symbols::symbol(kNames[0], Appearance::Disabled), size);
@@ -116,7 +116,7 @@ TEST_F(StatusSymbolsTest, TextIsDimmedToo) {
     EXPECT_NEAR(highestAlpha(image(status_symbols::text("TS", Appearance::Disabled), 22)), 102, 2);
 }
 
-TEST_F(StatusSymbolsTest, NoTextIsNoIcon) {
+TEST_F(StatusSymbolsTest, AnEmptyTextGivesANullIcon) {
     EXPECT_TRUE(status_symbols::text("", Appearance::Normal).isNull());
 }
 

@@ -17,7 +17,7 @@
 namespace tessarel::qt {
 namespace {
 
-/// A queue whose clock the test turns.
+/// A queue with a clock that the test advances.
 class ManualQueue : public MainQueuePort {
 public:
     TimePoint now() override { return m_now; }
@@ -40,7 +40,7 @@ private:
     std::multimap<TimePoint, std::function<void()>> m_work;
 };
 
-/// Without a panel; what needs one is tested on real desktops.
+/// The status item without a panel. Tests with panels are in tests/desktop.
 class QtStatusItemTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
@@ -84,7 +84,7 @@ TEST_F(QtStatusItemTest, CallsBeforeTheFirstItemDoNothing) {
     EXPECT_TRUE(queue.idle());
 }
 
-TEST_F(QtStatusItemTest, WhereNoPanelIsExpectedItLooksOnceAndRests) {
+TEST_F(QtStatusItemTest, WithoutAnExpectedPanelItChecksOnceAndGoesIdle) {
     const auto subscription = create();
     EXPECT_FALSE(queue.idle());
 
@@ -93,7 +93,7 @@ TEST_F(QtStatusItemTest, WhereNoPanelIsExpectedItLooksOnceAndRests) {
     EXPECT_TRUE(queue.idle());
 }
 
-TEST_F(QtStatusItemTest, WithoutAPanelNobodyAsksForTheMenu) {
+TEST_F(QtStatusItemTest, WithoutAPanelTheMenuIsNeverRequested) {
     const auto subscription = create();
 
     queue.advance(std::chrono::minutes(1));
@@ -123,7 +123,7 @@ TEST_F(QtStatusItemTest, NothingHappensAfterTheSubscriptionEnded) {
     EXPECT_TRUE(queue.idle());
 }
 
-TEST_F(QtStatusItemTest, TheServiceMayGoBeforeItsSubscription) {
+TEST_F(QtStatusItemTest, TheItemMayBeDestroyedBeforeItsSubscription) {
     auto subscription = create();
 
     item.reset();

@@ -23,33 +23,33 @@ TEST(ConversionsTest, ScreenCoordinatesRiseFromTheBottomOfThePrimaryMonitor) {
     EXPECT_EQ(screenFromRoot({1440, 900, 10, 24}, primary), (Rect{0, -24, 10, 24}));
 }
 
-TEST(ConversionsTest, AFrameInScreenCoordinatesIsTheSameAreaOfTheRootWindow) {
+TEST(ConversionsTest, ConvertingToScreenCoordinatesAndBackKeepsTheFrame) {
     const Rect primary{1440, 100, 1120, 800};
 
     for (const Rect& root : {primary, Rect{0, 0, 1440, 900}, Rect{1440, 900, 10, 24}})
         EXPECT_EQ(rootFromScreen(screenFromRoot(root, primary), primary), root);
 }
 
-TEST(ConversionsTest, PartsOfPixelsAreRoundedHalvesAwayFromZero) {
+TEST(ConversionsTest, FractionsAreRoundedHalvesAwayFromZero) {
     EXPECT_EQ(rootFromAx(Point{10.5, -10.5}, {}), (Point{11, -11}));
     EXPECT_EQ(rootFromAx(Point{10.4, -10.4}, {}), (Point{10, -10}));
     EXPECT_EQ(rootFromAx(Size{99.5, 0.4}), (Size{100, 0}));
 }
 
-TEST(ConversionsTest, PositionsReachAsFarAsTheProtocolsNumbers) {
+TEST(ConversionsTest, PositionsOutsideTheProtocolsRangeAreRejected) {
     EXPECT_TRUE(rootFromAx(Point{32767, -32768}, {}));
     EXPECT_FALSE(rootFromAx(Point{32768, 0}, {}));
     EXPECT_FALSE(rootFromAx(Point{0, -32769}, {}));
-    EXPECT_FALSE(rootFromAx(Point{32767, 0}, {1, 0})) << "counted from the primary monitor";
+    EXPECT_FALSE(rootFromAx(Point{32767, 0}, {1, 0})) << "relative to the primary monitor";
 }
 
-TEST(ConversionsTest, SizesReachAsFarAsTheProtocolsNumbers) {
+TEST(ConversionsTest, SizesOutsideTheProtocolsRangeAreRejected) {
     EXPECT_TRUE(rootFromAx(Size{0, 65535}));
     EXPECT_FALSE(rootFromAx(Size{65536, 10}));
     EXPECT_FALSE(rootFromAx(Size{10, -1}));
 }
 
-TEST(ConversionsTest, WhatIsNotFiniteCannotBeExpressed) {
+TEST(ConversionsTest, NonFiniteValuesAreRejected) {
     for (const double bad : {kInfinity, -kInfinity, kNotANumber}) {
         EXPECT_FALSE(rootFromAx(Point{bad, 0}, {}));
         EXPECT_FALSE(rootFromAx(Point{0, bad}, {}));

@@ -10,7 +10,7 @@ namespace {
 
 using x11test::WindowOptions;
 
-/// Twelve values of a strut along the top edge.
+/// Returns the twelve values of a strut along the top edge.
 std::vector<std::uint32_t> topStrut(std::uint32_t depth, std::uint32_t start, std::uint32_t end) {
     return {0, 0, depth, 0, 0, 0, 0, 0, start, end, 0, 0};
 }
@@ -27,8 +27,8 @@ protected:
         return panel;
     }
 
-    /// Waits until the visible frame is that one: some managers publish areas of their own when they find
-    /// time.
+    /// Waits until the visible frame is `screenFrame`: some window managers publish their own areas with a
+    /// delay.
     [[nodiscard]] bool becomesVisible(const Rect& screenFrame) {
         return observer.waitUntil([&] {
             driver.hear();
@@ -52,7 +52,7 @@ TEST_F(DisplaysTest, TheRootWindowIsTheOneDisplayOfAPlainServer) {
     EXPECT_EQ(screens[0].visibleFrame, screens[0].frame);
 }
 
-TEST_F(DisplaysTest, MonitorsThatComeAreThereAtTheNextCall) {
+TEST_F(DisplaysTest, NewMonitorsAreReturnedByTheNextCall) {
     const auto before = displays.screens();
     ASSERT_EQ(before.size(), 1U);
 
@@ -104,7 +104,7 @@ TEST_F(DisplaysTest, APanelOnOneMonitorLeavesTheOtherAlone) {
     EXPECT_EQ(screens[1].visibleFrame, (Rect{900, -100, 700, 870}));
 }
 
-TEST_F(DisplaysTest, APanelThatGrowsOrGoesIsNoticed) {
+TEST_F(DisplaysTest, AGrowingOrDestroyedPanelIsNoticed) {
     const xcb_window_t panel = openPanel(topStrut(30, 0, 1599));
     EXPECT_TRUE(becomesVisible({0, 0, 1600, 870}));
 
@@ -115,7 +115,7 @@ TEST_F(DisplaysTest, APanelThatGrowsOrGoesIsNoticed) {
     EXPECT_TRUE(becomesVisible({0, 0, 1600, 900}));
 }
 
-TEST_F(DisplaysTest, ADockThatReservesLateIsNoticed) {
+TEST_F(DisplaysTest, AStrutSetAfterMappingIsNoticed) {
     const xcb_window_t panel = openPanel({});
     EXPECT_EQ(displays.screens().at(0).visibleFrame, (Rect{0, 0, 1600, 900}));
 
@@ -126,7 +126,7 @@ TEST_F(DisplaysTest, ADockThatReservesLateIsNoticed) {
 
 TEST_F(DisplaysTest, MalformedStrutsNeverHarmTheVisibleFrame) {
     const xcb_window_t panel = openPanel({});
-    splitInTwo(); // so that the manager's own sum of them does not count
+    splitInTwo(); // so that the window manager's work area, which adds up all struts, is not used
     const Rect whole = displays.screens().at(0).frame;
     const std::vector<std::vector<std::uint32_t>> bad = {
         {},
@@ -150,7 +150,7 @@ TEST_F(DisplaysTest, MalformedStrutsNeverHarmTheVisibleFrame) {
     EXPECT_EQ(displays.screens().at(0).visibleFrame, whole);
 }
 
-TEST_F(DisplaysTest, TheManagersAreasOfEachMonitorComeFirst) {
+TEST_F(DisplaysTest, TheWindowManagersAreasPerMonitorTakePrecedence) {
     splitInTwo();
     (void)displays.screens();
     client.setCardinals(observer.root(), "_GTK_WORKAREAS_D0", {900, 20, 700, 880, 0, 10, 900, 790});
@@ -166,7 +166,7 @@ TEST_F(DisplaysTest, TheManagersAreasOfEachMonitorComeFirst) {
     EXPECT_EQ(displays.screens().at(0).visibleFrame, screens[0].frame);
 }
 
-TEST(ReservedSpaceTest, AnOldStrutCountsWhereThereIsNoGoodNewOne) {
+TEST(ReservedSpaceTest, AMalformedPartialStrutFallsBackToTheOldStrut) {
     SharedDesktop& bare = SharedDesktop::withoutManager();
     x11test::TestClient client(bare.server);
     ConnectionDriver driver(bare.server.display());
@@ -203,7 +203,7 @@ TEST_F(DisplaysTest, WithoutAnActiveWindowTheMainScreenIsThatOfThePointer) {
     }
 }
 
-TEST_F(DisplaysTest, AsLongAsNothingChangesNothingIsAsked) {
+TEST_F(DisplaysTest, WithoutChangesNoRequestIsSent) {
     (void)displays.screens();
     settle();
     const auto before = connection.roundTrips();

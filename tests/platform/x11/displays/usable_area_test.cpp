@@ -19,7 +19,7 @@ Rect usableOf(const Rect& monitor, const Strut& strut, const Size& root = kRoot)
         .front();
 }
 
-TEST(StrutsTest, TwelveValuesGiveEachEdgeWithItsPart) {
+TEST(StrutsTest, TwelveValuesGiveEachEdgeItsSpan) {
     const std::array<std::uint32_t, 12> values{10, 20, 30, 40, 1, 2, 3, 4, 5, 6, 7, 8};
 
     EXPECT_EQ(strutsFrom(values), (std::vector<Strut>{{Edge::Left, 10, 1, 2},
@@ -34,32 +34,32 @@ TEST(StrutsTest, FourValuesGiveWholeEdges) {
     EXPECT_EQ(strutsFrom(values), (std::vector<Strut>{{Edge::Top, 30, 0, kWholeEdge}}));
 }
 
-TEST(StrutsTest, AnyOtherNumberOfValuesGivesNone) {
+TEST(StrutsTest, AnyOtherNumberOfValuesIsRejected) {
     const std::array<std::uint32_t, 13> values{10, 10, 10, 10};
 
     for (const std::size_t length : {0U, 1U, 3U, 5U, 11U, 13U})
         EXPECT_TRUE(strutsFrom(std::span(values).first(length)).empty()) << length;
 }
 
-TEST(StrutsTest, NegativeAndHugeDepthsAreLeftOut) {
+TEST(StrutsTest, NegativeAndHugeDepthsAreIgnored) {
     const std::array<std::uint32_t, 4> values{0xFFFFFFFF, 0x80000000, 70000, 30};
 
     EXPECT_EQ(strutsFrom(values), (std::vector<Strut>{{Edge::Bottom, 30, 0, kWholeEdge}}));
 }
 
-TEST(StrutsTest, AReversedPartIsLeftOut) {
+TEST(StrutsTest, AReversedSpanIsIgnored) {
     const std::array<std::uint32_t, 12> values{0, 0, 30, 0, 0, 0, 0, 0, 500, 100, 0, 0};
 
     EXPECT_TRUE(strutsFrom(values).empty());
 }
 
-TEST(RectanglesTest, GroupsOfFourGiveOneEach) {
+TEST(RectanglesTest, EveryFourValuesGiveARectangle) {
     const std::array<std::uint32_t, 8> values{0, 25, 1440, 875, 0xFFFFFFFF, 0, 1120, 1024};
 
     EXPECT_EQ(rectanglesFrom(values), (std::vector<Rect>{{0, 25, 1440, 875}, {-1, 0, 1120, 1024}}));
 }
 
-TEST(RectanglesTest, AnIncompleteGroupMakesAllOfItDoubtful) {
+TEST(RectanglesTest, AnIncompleteGroupRejectsAllRectangles) {
     const std::array<std::uint32_t, 7> values{0, 25, 1440, 875, 0, 0, 1120};
 
     EXPECT_TRUE(rectanglesFrom(values).empty());
@@ -91,7 +91,7 @@ TEST(UsableAreaTest, AStrutBesideTheMonitorLeavesItAlone) {
     EXPECT_EQ(usableOf(kRightMonitor, onTheRight), (Rect{1440, 30, 1120, 994}));
 }
 
-TEST(UsableAreaTest, ASpanMeetsAMonitorFromItsFirstSharedPixelOn) {
+TEST(UsableAreaTest, ASpanAppliesFromTheFirstSharedPixel) {
     EXPECT_EQ(usableOf(kRightMonitor, {Edge::Top, 30, 0, 1439}), kRightMonitor);
     EXPECT_EQ(usableOf(kRightMonitor, {Edge::Top, 30, 0, 1440}), (Rect{1440, 30, 1120, 994}));
 }
@@ -103,7 +103,7 @@ TEST(UsableAreaTest, ABarAtAnInnerEdgeDoesNotWipeOutTheMonitorBeforeIt) {
     EXPECT_EQ(usableOf(kLeftMonitor, leftOfRight), kLeftMonitor);
 }
 
-TEST(UsableAreaTest, SeveralStrutsAddUpAndTheDeepestOfAnEdgeCounts) {
+TEST(UsableAreaTest, StrutsOfDifferentEdgesCombineAndTheDeepestOfAnEdgeCounts) {
     const std::vector<Strut> struts{{Edge::Top, 25, 0, 1439},
                                     {Edge::Top, 40, 0, 700},
                                     {Edge::Top, 10, 0, 1439},
@@ -115,7 +115,7 @@ TEST(UsableAreaTest, SeveralStrutsAddUpAndTheDeepestOfAnEdgeCounts) {
     EXPECT_EQ(areas.front(), (Rect{60, 40, 1380, 860}));
 }
 
-TEST(UsableAreaTest, AStrutThatLeavesLessThanAQuarterIsAnError) {
+TEST(UsableAreaTest, AStrutThatLeavesLessThanAQuarterIsIgnored) {
     EXPECT_EQ(usableOf(kLeftMonitor, {Edge::Top, 675, 0, 1439}), (Rect{0, 675, 1440, 225}));
     for (const double depth : {676.0, 900.0, 5000.0, 65535.0})
         EXPECT_EQ(usableOf(kLeftMonitor, {Edge::Top, depth, 0, 1439}), kLeftMonitor) << depth;
@@ -130,7 +130,7 @@ TEST(UsableAreaTest, StrutsThatWouldMeetInTheMiddleDoNotEmptyTheMonitor) {
     EXPECT_EQ(areas.front(), (Rect{0, 500, 1440, 400}));
 }
 
-TEST(UsableAreaTest, TheManagersWordForEachMonitorComesBeforeStruts) {
+TEST(UsableAreaTest, TheWindowManagersAreasTakePrecedenceOverStruts) {
     const ReservedSpace reserved{.struts = {{Edge::Top, 99, 0, kWholeEdge}},
                                  .areaPerMonitor = {{1440, 0, 1120, 994}, {0, 0, 1440, 900}},
                                  .commonArea = Rect{0, 0, 2560, 994}};
@@ -139,12 +139,12 @@ TEST(UsableAreaTest, TheManagersWordForEachMonitorComesBeforeStruts) {
               (std::vector<Rect>{{0, 0, 1440, 900}, {1440, 0, 1120, 994}}));
 }
 
-TEST(UsableAreaTest, TheManagersWordDoesNotCountUnlessEachMonitorHasOne) {
+TEST(UsableAreaTest, TheWindowManagersAreasAreIgnoredUnlessEachMonitorHasOne) {
     const std::array monitors{kLeftMonitor, kRightMonitor};
     const std::vector<Strut> struts{{Edge::Top, 25, 0, 1439}};
     const std::vector<std::vector<Rect>> doubtful = {
-        {{0, 0, 2560, 994}},                                         // one for both
-        {{0, 0, 1440, 900}, {0, 10, 1440, 800}},                     // both in the left one
+        {{0, 0, 2560, 994}},                                         // one for both monitors
+        {{0, 0, 1440, 900}, {0, 10, 1440, 800}},                     // both in the left monitor
         {{0, 0, 1440, 900}, {1440, 0, 1120, 994}, {0, 0, 100, 100}}, // one too many
         {{0, 0, 1440, 900}, {1440, 0, 1120, 1100}},                  // sticks out
         {{0, 0, 1440, 900}, {1440, 0, 0, 0}},                        // empty

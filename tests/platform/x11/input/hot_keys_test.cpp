@@ -41,14 +41,14 @@ protected:
         loop.settle();
     }
 
-    /// Another client claims one combination, without any state of the locks.
+    /// Grabs one combination from another client, without the lock states.
     void holdByAnother(xcb_keycode_t keycode, std::uint16_t modifiers) {
         xcb_grab_key(observer.x().get(), 1, observer.root(), modifiers, keycode, XCB_GRAB_MODE_ASYNC,
                      XCB_GRAB_MODE_ASYNC);
         observer.x().roundTrip();
     }
 
-    /// Presses keys and lets them be, or lets go of them.
+    /// Sends key events of one type, so that keys can stay pressed.
     void fake(std::uint8_t type, std::initializer_list<xcb_keycode_t> keys) {
         for (const xcb_keycode_t key : keys)
             xcb_test_fake_input(observer.x().get(), type, key, XCB_CURRENT_TIME, XCB_WINDOW_NONE, 0, 0, 0);
@@ -71,7 +71,7 @@ protected:
 
 using Ids = std::vector<std::uint32_t>;
 
-TEST_F(X11HotKeysTest, APressIsDeliveredWhateverTheLocksSay) {
+TEST_F(X11HotKeysTest, APressIsDeliveredInEveryLockState) {
     const auto claimed = claim(kVirtual1, kCtrlOpt, 7);
     ASSERT_TRUE(claimed);
 
@@ -85,7 +85,7 @@ TEST_F(X11HotKeysTest, APressIsDeliveredWhateverTheLocksSay) {
     }
 }
 
-TEST_F(X11HotKeysTest, TheDigitsStayWhereTheyAreUnderEveryLayout) {
+TEST_F(X11HotKeysTest, TheDigitsAreTheSamePhysicalKeysInEveryLayout) {
     const auto first = claim(kVirtual1, kCtrlOpt, 1);
     const auto second = claim(kVirtual2, kCtrlOpt, 2);
 
@@ -102,7 +102,7 @@ TEST_F(X11HotKeysTest, ASecondLayoutOfTheKeyboardHasTheSameHotKeys) {
     const auto claimed = claim(kVirtual1, kCtrlOpt, 1);
     runTool({"setxkbmap", "-layout", "us,ru", "-option", "grp:shifts_toggle"});
     constexpr xcb_keycode_t kRightShift = 62;
-    keyboard.press({kRightShift, XCB_MOD_MASK_SHIFT}); // both Shift keys: the next layout
+    keyboard.press({kRightShift, XCB_MOD_MASK_SHIFT}); // both Shift keys switch to the next layout
 
     press(key::kDigit1);
 
@@ -130,7 +130,7 @@ TEST_F(X11HotKeysTest, WorksWithoutANumLockModifier) {
     EXPECT_EQ(pressed, Ids{7});
 }
 
-TEST_F(X11HotKeysTest, CountsScrollLockAmongTheLocks) {
+TEST_F(X11HotKeysTest, TreatsScrollLockAsALock) {
     const auto claimed = claim(kVirtual1, kCtrlOpt, 7);
     runTool({"xmodmap", "-e", "add Mod3 = Scroll_Lock"});
 
@@ -139,7 +139,7 @@ TEST_F(X11HotKeysTest, CountsScrollLockAmongTheLocks) {
     EXPECT_TRUE(keyboard.held({key::kDigit1, kControlAlt | XCB_MOD_MASK_3}));
 }
 
-TEST_F(X11HotKeysTest, ACombinationThatGoesWhenTheLocksMoveStaysGone) {
+TEST_F(X11HotKeysTest, ACombinationLostByAMappingChangeStaysLost) {
     holdByAnother(key::kDigit1, kControlAlt | XCB_MOD_MASK_3);
     const auto lost = claim(kVirtual1, kCtrlOpt, 1);
     const auto kept = claim(kVirtual2, kCtrlOpt, 2);
@@ -162,7 +162,7 @@ TEST_F(X11HotKeysTest, ARefusedCombinationStaysRefusedWhenTheMappingChanges) {
     EXPECT_FALSE(keyboard.held({key::kDigit1, kControlAlt}));
 }
 
-TEST_F(X11HotKeysTest, HoldsAllStatesOfTheLocksOrNone) {
+TEST_F(X11HotKeysTest, GrabsAllLockStatesOrNone) {
     holdByAnother(key::kDigit1, kControlAlt | XCB_MOD_MASK_2);
 
     EXPECT_FALSE(claim(kVirtual1, kCtrlOpt, 1));
@@ -171,7 +171,7 @@ TEST_F(X11HotKeysTest, HoldsAllStatesOfTheLocksOrNone) {
     EXPECT_TRUE(pressed.empty());
 }
 
-TEST_F(X11HotKeysTest, TwoActionsOnTheSameKeysLeaveThemToTheFirst) {
+TEST_F(X11HotKeysTest, TheFirstOfTwoActionsWithTheSameKeysGetsThem) {
     const std::vector<HotKeyRequest> requests{{kVirtual1, kCtrlOpt, {0, 1}}, {kVirtual1, kCtrlOpt, {0, 2}}};
 
     auto claims = hotKeys->registerHotKeys(requests);
@@ -203,7 +203,7 @@ TEST_F(X11HotKeysTest, AHeldKeyFiresOnce) {
     EXPECT_EQ(pressed, (Ids{7, 7}));
 }
 
-TEST_F(X11HotKeysTest, KeysThatOverlapEachFireWheneverTheyArePressed) {
+TEST_F(X11HotKeysTest, OverlappingKeysFireAtEachPress) {
     const auto first = claim(kVirtual1, kCtrlOpt, 1);
     const auto second = claim(kVirtual2, kCtrlOpt, 2);
     constexpr xcb_keycode_t kDigit2 = key::kDigit1 + 1;
@@ -211,14 +211,14 @@ TEST_F(X11HotKeysTest, KeysThatOverlapEachFireWheneverTheyArePressed) {
 
     for (int round = 0; round < 2; ++round) {
         fake(XCB_KEY_PRESS, {key::kDigit1, kDigit2});
-        fake(XCB_KEY_RELEASE, {key::kDigit1, kDigit2}); // of the second one, others hear
+        fake(XCB_KEY_RELEASE, {key::kDigit1, kDigit2}); // others get the second one
         loop.settle();
     }
 
     EXPECT_EQ(pressed, (Ids{1, 2, 1, 2}));
 }
 
-TEST_F(X11HotKeysTest, APressThatAnotherClientMakesUpIsNone) {
+TEST_F(X11HotKeysTest, ASyntheticPressOfAnotherClientIsIgnored) {
     const auto claimed = claim(kVirtual1, kCtrlOpt, 7);
     const xcb_window_t ours = xcb_generate_id(loop.connection().xcb());
     xcb_create_window(loop.connection().xcb(), XCB_COPY_FROM_PARENT, ours, observer.root(), 0, 0, 1, 1, 0,
@@ -237,7 +237,7 @@ TEST_F(X11HotKeysTest, APressThatAnotherClientMakesUpIsNone) {
     EXPECT_TRUE(pressed.empty());
 }
 
-TEST_F(X11HotKeysTest, EndingAClaimLetsGoOfAllStatesOfTheLocks) {
+TEST_F(X11HotKeysTest, EndingARegistrationReleasesAllLockStates) {
     auto claimed = claim(kVirtual1, kCtrlOpt, 7);
     ASSERT_TRUE(keyboard.held({key::kDigit1, kControlAlt}));
 
@@ -250,7 +250,7 @@ TEST_F(X11HotKeysTest, EndingAClaimLetsGoOfAllStatesOfTheLocks) {
     EXPECT_TRUE(claim(kVirtual1, kCtrlOpt, 8));
 }
 
-TEST_F(X11HotKeysTest, TheEndOfTheServiceLeavesNoGrabAndClaimsMayEndLater) {
+TEST_F(X11HotKeysTest, DestroyingTheServiceReleasesItsGrabsAndRegistrationsMayEndLater) {
     auto claimed = claim(kVirtual1, kCtrlOpt, 7);
 
     hotKeys.reset();
@@ -260,7 +260,7 @@ TEST_F(X11HotKeysTest, TheEndOfTheServiceLeavesNoGrabAndClaimsMayEndLater) {
     claimed.reset();
 }
 
-TEST_F(X11HotKeysTest, AHandlerMayEndTheServiceInTheMiddleOfAPress) {
+TEST_F(X11HotKeysTest, AHandlerMayDestroyTheServiceDuringAPress) {
     auto claimed = claim(kVirtual1, kCtrlOpt, 7);
     handler = hotKeys->installHandler([this](std::uint32_t) { hotKeys.reset(); });
 
@@ -270,7 +270,7 @@ TEST_F(X11HotKeysTest, AHandlerMayEndTheServiceInTheMiddleOfAPress) {
     EXPECT_FALSE(hotKeys);
 }
 
-TEST_F(X11HotKeysTest, AllDefaultHotKeysCostFewRoundTrips) {
+TEST_F(X11HotKeysTest, RegisteringAllDefaultHotKeysTakesFewRoundTrips) {
     std::vector<HotKeyRequest> requests;
     for (const auto& [name, binding] : AppSettings().bindings)
         requests.push_back(
@@ -285,7 +285,7 @@ TEST_F(X11HotKeysTest, AllDefaultHotKeysCostFewRoundTrips) {
         EXPECT_TRUE(claimed);
 }
 
-TEST_F(X11HotKeysTest, RefusesEverythingOnceTheServerHasGone) {
+TEST_F(X11HotKeysTest, RegistrationFailsOnceTheServerIsGone) {
     auto claimed = claim(kVirtual1, kCtrlOpt, 7);
     server.kill();
 

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::uint32_t kKeyB = 56;
 
-TEST(KeyDownTest, TheFourModifiersAreThoseOfHotKeys) {
+TEST(KeyDownTest, TheFourModifiersMapToHotKeyFlags) {
     EXPECT_EQ(modifierFlags(XCB_MOD_MASK_CONTROL), kControlFlag);
     EXPECT_EQ(modifierFlags(XCB_MOD_MASK_1), kOptionFlag);
     EXPECT_EQ(modifierFlags(XCB_MOD_MASK_SHIFT), kShiftFlag);
@@ -24,16 +24,16 @@ TEST(KeyDownTest, TheFourModifiersAreThoseOfHotKeys) {
 TEST(KeyDownTest, LocksAndButtonsAreNoModifiers) {
     EXPECT_EQ(modifierFlags(0), 0U);
     EXPECT_EQ(modifierFlags(XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2 | XCB_MOD_MASK_3 | XCB_MOD_MASK_5), 0U);
-    EXPECT_EQ(modifierFlags(XCB_BUTTON_MASK_1 | 0x2000U), 0U); // the second of several layouts
+    EXPECT_EQ(modifierFlags(XCB_BUTTON_MASK_1 | 0x2000U), 0U); // group bits: the second of several layouts
 }
 
-TEST(KeyDownTest, AKeyHasTheNumberThatHotKeysKnowItBy) {
+TEST(KeyDownTest, AKeyMapsToTheVirtualKeyCodeOfHotKeys) {
     EXPECT_EQ(keyDown(kKeyB, XCB_MOD_MASK_CONTROL), (KeyDown{11, kControlFlag}));
     for (const PhysicalKey& key : kPhysicalKeys)
         EXPECT_EQ(keyDown(key.keycode, 0), (KeyDown{key.virtualKey}));
 }
 
-TEST(KeyDownTest, ModifierKeysAndKeysWithoutANumberAreNoKeysByThemselves) {
+TEST(KeyDownTest, ModifierKeysAndUnmappedKeysAreNotTranslated) {
     constexpr std::uint32_t kControlL = 37;
     constexpr std::uint32_t kShiftL = 50;
     constexpr std::uint32_t kAltL = 64;
@@ -47,7 +47,7 @@ TEST(KeyDownTest, ModifierKeysAndKeysWithoutANumberAreNoKeysByThemselves) {
         EXPECT_EQ(keyDown(keycode, XCB_MOD_MASK_CONTROL), std::nullopt) << keycode;
 }
 
-TEST(KeyDownTest, ANumberThatNoServerGivesIsNoKey) {
+TEST(KeyDownTest, AKeycodeOutOfRangeIsNotTranslated) {
     EXPECT_EQ(keyDown(256 + kKeyB, 0), std::nullopt);
     EXPECT_EQ(keyDown(0xffffffff, 0), std::nullopt);
 }

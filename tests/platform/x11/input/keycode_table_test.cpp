@@ -9,12 +9,12 @@
 namespace tessarel::x11 {
 namespace {
 
-/// The kernel's number of a key, as the server counts it.
+/// Converts an evdev key code of the kernel to an X keycode.
 constexpr std::uint8_t evdev(int code) {
     return static_cast<std::uint8_t>(code + 8);
 }
 
-TEST(KeyCodesTest, NoNumberStandsTwiceOnEitherSide) {
+TEST(KeyCodesTest, EveryCodeIsUniqueOnBothSides) {
     std::set<int> virtualKeys;
     std::set<int> keycodes;
     for (const PhysicalKey& key : kPhysicalKeys) {
@@ -23,7 +23,7 @@ TEST(KeyCodesTest, NoNumberStandsTwiceOnEitherSide) {
     }
 }
 
-TEST(KeyCodesTest, EveryKeyIsFoundByBothOfItsNumbers) {
+TEST(KeyCodesTest, EveryKeyIsFoundByBothCodes) {
     for (const PhysicalKey& key : kPhysicalKeys) {
         EXPECT_EQ(keycodeOf(key.virtualKey), key.keycode);
         EXPECT_EQ(virtualKeyOf(key.keycode), key.virtualKey);
@@ -40,7 +40,7 @@ TEST(KeyCodesTest, ReturnAndEnterOfTheKeypadAreTwoKeys) {
     EXPECT_EQ(keycodeOf(76), evdev(96));
 }
 
-TEST(KeyCodesTest, TheKeysWithoutANameAreThereToo) {
+TEST(KeyCodesTest, KeysWithoutANameAreMapped) {
     EXPECT_EQ(keycodeOf(10), evdev(86));   // beside the left Shift of ISO keyboards
     EXPECT_EQ(keycodeOf(105), evdev(183)); // F13
     EXPECT_EQ(keycodeOf(90), evdev(190));  // F20
@@ -50,7 +50,7 @@ TEST(KeyCodesTest, TheKeysWithoutANameAreThereToo) {
     EXPECT_EQ(keycodeOf(121), evdev(109)); // Page Down
 }
 
-TEST(KeyCodesTest, ANumberWithoutAPhysicalKeyHasNone) {
+TEST(KeyCodesTest, UnmappedCodesGiveNoKey) {
     for (const std::uint32_t virtualKey : {52U, 63U, 127U, 128U, 256U, 4000U, 0xffffffffU})
         EXPECT_FALSE(keycodeOf(virtualKey)) << virtualKey;
     for (const std::uint8_t keycode : std::initializer_list<std::uint8_t>{0, 8, 37, 64, 66, 133, 255})

@@ -13,7 +13,7 @@
 namespace tessarel::x11 {
 namespace {
 
-/// What X calls the character or the key of a name that is shown to the user.
+/// Returns the keysym of a key name as the user sees it.
 xcb_keysym_t keysymOf(const std::string& name) {
     static const std::map<std::string, xcb_keysym_t> named{
         {"Return", 0xff0d}, {"Tab", 0xff09}, {"Space", ' '},    {"Delete", 0xff08}, {"Esc", 0xff1b},
@@ -29,7 +29,7 @@ xcb_keysym_t keysymOf(const std::string& name) {
 
 class KeyCodesOnServerTest : public testing::Test {
 protected:
-    /// What the server's own layout, the American one, has on a key.
+    /// Returns the first keysym of a key in the server's default layout, which is the American one.
     [[nodiscard]] xcb_keysym_t onKey(std::uint8_t keycode) {
         const auto reply = x11test::own(
             xcb_get_keyboard_mapping_reply(x.get(), xcb_get_keyboard_mapping(x.get(), keycode, 1), nullptr));
@@ -40,7 +40,7 @@ protected:
     x11test::XConnection x{server.display()};
 };
 
-TEST_F(KeyCodesOnServerTest, EveryNamedKeyIsWhereItsNameStands) {
+TEST_F(KeyCodesOnServerTest, EveryNamedKeyHasItsKeysymOnTheServer) {
     ASSERT_EQ(KeyNames::names.size(), 68U);
     for (const auto& [virtualKey, name] : KeyNames::names) {
         const auto keycode = keycodeOf(static_cast<std::uint32_t>(virtualKey));

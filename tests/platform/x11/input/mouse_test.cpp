@@ -25,7 +25,7 @@ namespace {
 using enum MouseEventKind;
 using x11test::Mouse;
 
-/// A desktop of 1600 by 900, with the pointer over a window that does not mind being clicked.
+/// A desktop of 1600 by 900 pixels, with the pointer over a client's window.
 class X11MouseTest : public X11Test {
 protected:
     X11MouseTest() {
@@ -51,7 +51,7 @@ protected:
         return kinds;
     }
 
-    /// The manager takes note of a press before it lets the mouse go on; so do we.
+    /// Settles, because the window manager's synchronous grab delays a press.
     void press(std::uint8_t button = Mouse::kLeft) {
         hand.press(button);
         settle();
@@ -65,14 +65,14 @@ protected:
         driver.hear();
     }
 
-    /// As programs do it, which is no movement of the mouse.
+    /// Warps the pointer, as clients do, without pointer motion.
     void warpTo(std::int16_t x, std::int16_t y) {
         xcb_warp_pointer(observer.x().get(), XCB_NONE, observer.root(), 0, 0, 0, 0, x, y);
         observer.x().roundTrip();
         driver.hear();
     }
 
-    /// What the server sends us between now and the end of `work`, unread.
+    /// Returns true if the server has sent us anything during `work`.
     template <class Work>
     bool wakesUs(Work work) {
         driver.hear();
@@ -81,7 +81,7 @@ protected:
         return poll(&file, 1, 0) == 1;
     }
 
-    /// How many of its raw events the server sends us in the course of `work`.
+    /// Returns how many raw events the server sends us during `work`.
     template <class Work>
     int rawEvents(Work work) {
         driver.hear();
@@ -93,7 +93,7 @@ protected:
         return count;
     }
 
-    /// The release of the button goes by without our hearing of it, as when another program has the input.
+    /// Releases the button while we do not select its events, as when another client's grab hides them.
     void loseRelease() {
         select(0);
         hand.release();
@@ -109,7 +109,7 @@ protected:
         driver.hear();
     }
 
-    /// A window of this very process; `overrideRedirect` ones are not managed.
+    /// Opens a window of this process. Override-redirect windows are not managed.
     [[nodiscard]] xcb_window_t openOwn(bool overrideRedirect) {
         xcb_connection_t* const x = observer.x().get();
         const xcb_window_t window = xcb_generate_id(x);
@@ -137,25 +137,25 @@ protected:
 using Kinds = std::vector<MouseEventKind>;
 using Events = std::vector<MouseEvent>;
 
-TEST_F(X11MouseTest, APressIsHeardOfThoughAnotherProgramHoldsTheMouseBack) {
+TEST_F(X11MouseTest, APressHiddenByASynchronousGrabIsReportedAfterwards) {
     xcb_connection_t* const other = observer.x().get();
     xcb_grab_pointer(other, 0, observer.root(), XCB_EVENT_MASK_BUTTON_PRESS, XCB_GRAB_MODE_SYNC,
                      XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME);
     hand.press();
-    (void)connection.internAtom("PRIMARY"); // any answer comes after the press
+    (void)connection.internAtom("PRIMARY"); // the reply comes after the press
     connection.dispatch();
     EXPECT_TRUE(takeKinds().empty());
 
     xcb_allow_events(other, XCB_ALLOW_ASYNC_POINTER, XCB_CURRENT_TIME);
     xcb_ungrab_pointer(other, XCB_CURRENT_TIME);
-    (void)hand.state(); // the server has seen to it
+    (void)hand.state(); // a round trip, so that the server has released the grab
     driver.hear();
     moveTo(1020, 620);
 
     EXPECT_EQ(takeKinds(), (std::vector{LeftDown, LeftDragged}));
 }
 
-TEST_F(X11MouseTest, ADragIsReportedWithItsPlacesFromTheBottomLeftCorner) {
+TEST_F(X11MouseTest, ADragIsReportedInScreenCoordinates) {
     press();
     moveTo(1010, 590);
     moveTo(0, 0);
@@ -167,7 +167,7 @@ TEST_F(X11MouseTest, ADragIsReportedWithItsPlacesFromTheBottomLeftCorner) {
                               {LeftUp, {0, 900}, 0}}));
 }
 
-TEST_F(X11MouseTest, ModifiersAreThoseOfTheMoment) {
+TEST_F(X11MouseTest, EventsHaveTheCurrentModifiers) {
     press();
     for (const auto& [mask, flags] : {std::pair(XCB_MOD_MASK_SHIFT, kShiftFlag),
                                       {XCB_MOD_MASK_CONTROL, kControlFlag},
@@ -182,7 +182,7 @@ TEST_F(X11MouseTest, ModifiersAreThoseOfTheMoment) {
     }
 }
 
-TEST_F(X11MouseTest, AMovingMouseWakesNobodyAtRest) {
+TEST_F(X11MouseTest, PointerMotionAtRestCausesNoWakeUp) {
     EXPECT_FALSE(wakesUs([&] {
         for (int x = 0; x < 500; ++x)
             hand.moveTo(x, 300);
@@ -196,7 +196,7 @@ TEST_F(X11MouseTest, AMovingMouseWakesNobodyAtRest) {
     })) << "after a drag";
 }
 
-TEST_F(X11MouseTest, AMovingMouseWakesNobodyWhileAnotherButtonIsHeld) {
+TEST_F(X11MouseTest, PointerMotionWithAnotherButtonCausesNoWakeUp) {
     for (const auto button : {Mouse::kMiddle, Mouse::kWheelUp}) {
         press(button);
         EXPECT_FALSE(wakesUs([&] { hand.moveTo(800, 300); }));
@@ -205,7 +205,7 @@ TEST_F(X11MouseTest, AMovingMouseWakesNobodyWhileAnotherButtonIsHeld) {
     EXPECT_EQ(events, Events{});
 }
 
-TEST_F(X11MouseTest, KeysWakeNobodyAtRest) {
+TEST_F(X11MouseTest, ModifierKeysAtRestCauseNoWakeUp) {
     EXPECT_FALSE(wakesUs([&] { hand.hold(XCB_MOD_MASK_SHIFT); }));
 
     press();
@@ -213,7 +213,7 @@ TEST_F(X11MouseTest, KeysWakeNobodyAtRest) {
     EXPECT_FALSE(wakesUs([&] { hand.hold(0); })) << "after a drag";
 }
 
-TEST_F(X11MouseTest, AModifierReleasedBeforeTheButtonIsReportedBeforeItThoughTheyAreReadTogether) {
+TEST_F(X11MouseTest, AModifierReleasedBeforeTheButtonIsReportedFirstEvenWhenReadTogether) {
     hand.hold(XCB_MOD_MASK_SHIFT);
     press();
     hand.hold(0);
@@ -225,7 +225,7 @@ TEST_F(X11MouseTest, AModifierReleasedBeforeTheButtonIsReportedBeforeItThoughThe
                               {LeftUp, {1000, 300}, 0}}));
 }
 
-TEST_F(X11MouseTest, AModifierReleasedAfterTheButtonWasHeldUntilThenThoughTheyAreReadTogether) {
+TEST_F(X11MouseTest, AModifierReleasedAfterTheButtonCountsUntilThenEvenWhenReadTogether) {
     hand.hold(XCB_MOD_MASK_SHIFT);
     press();
     hand.moveTo(700, 500);
@@ -238,7 +238,7 @@ TEST_F(X11MouseTest, AModifierReleasedAfterTheButtonWasHeldUntilThenThoughTheyAr
                               {LeftUp, {700, 400}, kShiftFlag}}));
 }
 
-TEST_F(X11MouseTest, AllThatIsReadTogetherIsAskedAboutOnce) {
+TEST_F(X11MouseTest, EventsReadTogetherCauseOnePointerQuery) {
     press();
     events.clear();
     for (int x = 0; x < 40; ++x)
@@ -247,11 +247,11 @@ TEST_F(X11MouseTest, AllThatIsReadTogetherIsAskedAboutOnce) {
 
     driver.hear();
 
-    EXPECT_EQ(connection.roundTrips() - before, 2U) << "of which one is the test's own";
+    EXPECT_EQ(connection.roundTrips() - before, 2U) << "one of them is the test's own";
     EXPECT_EQ(events, (Events{{LeftDragged, {39, 400}, 0}}));
 }
 
-TEST_F(X11MouseTest, EveryMovementIsReportedToWhoKeepsUp) {
+TEST_F(X11MouseTest, EveryMotionIsReportedWhenReadOneByOne) {
     press();
     events.clear();
     for (int x = 0; x < 100; ++x)
@@ -261,7 +261,7 @@ TEST_F(X11MouseTest, EveryMovementIsReportedToWhoKeepsUp) {
     EXPECT_EQ(events.back().screenLocation, (Point{99, 400}));
 }
 
-TEST_F(X11MouseTest, AMovementReadTogetherWithTheReleaseIsReportedBeforeIt) {
+TEST_F(X11MouseTest, AMotionReadTogetherWithTheReleaseIsReportedBeforeIt) {
     press();
     hand.moveTo(700, 500);
     hand.release();
@@ -270,7 +270,7 @@ TEST_F(X11MouseTest, AMovementReadTogetherWithTheReleaseIsReportedBeforeIt) {
     EXPECT_EQ(takeKinds(), (Kinds{LeftDown, LeftDragged, LeftUp}));
 }
 
-TEST_F(X11MouseTest, WhereAProgramHasPutThePointerIsReportedBeforeTheRelease) {
+TEST_F(X11MouseTest, AWarpedPointerIsReportedBeforeTheRelease) {
     press();
     moveTo(1010, 590);
     warpTo(700, 500);
@@ -282,7 +282,7 @@ TEST_F(X11MouseTest, WhereAProgramHasPutThePointerIsReportedBeforeTheRelease) {
                               {LeftUp, {700, 400}, 0}}));
 }
 
-TEST_F(X11MouseTest, AReleaseWhileAMovementIsLookedIntoIsNotTakenForALostOne) {
+TEST_F(X11MouseTest, AReleaseDuringThePointerQueryIsNotTakenForALostOne) {
     press();
     bool isReleased = false;
     const auto releaser = connection.onRead([&](const Connection::Event& event) {
@@ -297,7 +297,7 @@ TEST_F(X11MouseTest, AReleaseWhileAMovementIsLookedIntoIsNotTakenForALostOne) {
               (Events{{LeftDown, {1000, 300}, 0}, {LeftDragged, {700, 400}, 0}, {LeftUp, {700, 400}, 0}}));
 }
 
-TEST_F(X11MouseTest, AReleaseThatIsLostWhereAProgramHasPutThePointerIsNoMovementThere) {
+TEST_F(X11MouseTest, ALostReleaseAfterAWarpIsNotReportedAsADrag) {
     press();
     loseRelease();
     warpTo(700, 500);
@@ -307,7 +307,7 @@ TEST_F(X11MouseTest, AReleaseThatIsLostWhereAProgramHasPutThePointerIsNoMovement
     EXPECT_EQ(takeKinds(), (Kinds{LeftDown, LeftUp}));
 }
 
-TEST_F(X11MouseTest, OtherButtonsInTheMiddleOfADragChangeNothing) {
+TEST_F(X11MouseTest, OtherButtonsDuringADragAreIgnored) {
     press();
     moveTo(900, 500);
     press(Mouse::kRight);
@@ -321,7 +321,7 @@ TEST_F(X11MouseTest, OtherButtonsInTheMiddleOfADragChangeNothing) {
     EXPECT_EQ(takeKinds(), (Kinds{LeftDown, LeftDragged, LeftDragged, LeftDragged, LeftUp}));
 }
 
-TEST_F(X11MouseTest, ALostReleaseIsReportedWithTheNextMovement) {
+TEST_F(X11MouseTest, ALostReleaseIsReportedWithTheNextMotion) {
     press();
     loseRelease();
     EXPECT_EQ(takeKinds(), Kinds{LeftDown});
@@ -352,7 +352,7 @@ TEST_F(X11MouseTest, AReleaseAndAPressReadTogetherAreBothReported) {
     EXPECT_EQ(takeKinds(), (Kinds{LeftDown, LeftUp, LeftDown, LeftUp}));
 }
 
-TEST_F(X11MouseTest, AClickThatIsOverAtOnceLeavesNothingBehind) {
+TEST_F(X11MouseTest, AClickThatEndsBeforeItIsReadIsNotReported) {
     hand.press();
     hand.release();
     settle();
@@ -361,7 +361,7 @@ TEST_F(X11MouseTest, AClickThatIsOverAtOnceLeavesNothingBehind) {
     EXPECT_FALSE(wakesUs([&] { hand.moveTo(600, 500); }));
 }
 
-TEST_F(X11MouseTest, ADragBegunBeforeIsNotJoined) {
+TEST_F(X11MouseTest, ADragBegunBeforeTheMonitorIsNotReported) {
     watching.clear();
     driver.hear();
     press();
@@ -374,7 +374,7 @@ TEST_F(X11MouseTest, ADragBegunBeforeIsNotJoined) {
     EXPECT_EQ(events, Events{});
 }
 
-TEST_F(X11MouseTest, TheMouseIsSeenWhileAnotherProgramHasGrabbedIt) {
+TEST_F(X11MouseTest, EventsAreReportedDuringAnotherClientsGrab) {
     xcb_connection_t* const x = observer.x().get();
     const auto grab = x11test::own(xcb_grab_pointer_reply(
         x,
@@ -392,7 +392,7 @@ TEST_F(X11MouseTest, TheMouseIsSeenWhileAnotherProgramHasGrabbedIt) {
     observer.x().roundTrip();
 }
 
-TEST_F(X11MouseTest, ForALeftHandedUserTheLeftButtonIsTheRightOne) {
+TEST_F(X11MouseTest, ASwappedButtonMappingIsRespected) {
     x11test::runToEnd({"xmodmap", "-e", "pointer = 3 2 1"}, desktop.server.environment());
     press(Mouse::kRight);
     moveTo(700, 500);
@@ -406,7 +406,7 @@ TEST_F(X11MouseTest, ForALeftHandedUserTheLeftButtonIsTheRightOne) {
     x11test::runToEnd({"xmodmap", "-e", "pointer = default"}, desktop.server.environment());
 }
 
-TEST_F(X11MouseTest, WhatBeginsOverAnOwnWindowIsNotReported) {
+TEST_F(X11MouseTest, ADragThatBeginsOverAnOwnWindowIsNotReported) {
     const xcb_window_t menu = openOwn(true);
     hand.moveTo(300, 250);
     press();
@@ -421,7 +421,7 @@ TEST_F(X11MouseTest, WhatBeginsOverAnOwnWindowIsNotReported) {
     EXPECT_EQ(takeKinds(), (Kinds{LeftDown, LeftUp}));
 }
 
-TEST_F(X11MouseTest, NorIsWhatBeginsOverTheTitleBarOfAnOwnWindow) {
+TEST_F(X11MouseTest, ADragThatBeginsOverTheTitleBarOfAnOwnWindowIsNotReported) {
     const xcb_window_t window = openOwn(false);
     ASSERT_TRUE(observer.waitUntil([&] { return observer.managed(window); }));
     observer.moveOuterFrame(window, {200, 200, 400, 300});
@@ -436,7 +436,7 @@ TEST_F(X11MouseTest, NorIsWhatBeginsOverTheTitleBarOfAnOwnWindow) {
     closeOwn(window);
 }
 
-TEST_F(X11MouseTest, WithoutMonitorsNothingIsAskedOfTheServer) {
+TEST_F(X11MouseTest, WithoutMonitorsNoEventsAreSelected) {
     watching.clear();
 
     EXPECT_EQ(rawEvents([&] {
@@ -447,7 +447,7 @@ TEST_F(X11MouseTest, WithoutMonitorsNothingIsAskedOfTheServer) {
               0);
 }
 
-TEST_F(X11MouseTest, TheEndOfTheLastMonitorInTheMiddleOfADragEndsIt) {
+TEST_F(X11MouseTest, EndingTheLastMonitorDuringADragEndsIt) {
     press();
     watching.clear();
 
@@ -458,7 +458,7 @@ TEST_F(X11MouseTest, TheEndOfTheLastMonitorInTheMiddleOfADragEndsIt) {
               0);
 }
 
-TEST_F(X11MouseTest, AHandlerMayEndTheMouseInTheMiddleOfADrag) {
+TEST_F(X11MouseTest, AHandlerMayDestroyTheMouseDuringADrag) {
     const auto ender = mouse->addGlobalMonitor(LeftDragged, [this](const MouseEvent&) { mouse.reset(); });
     press();
 
@@ -470,7 +470,7 @@ TEST_F(X11MouseTest, AHandlerMayEndTheMouseInTheMiddleOfADrag) {
     EXPECT_EQ(takeKinds(), (Kinds{LeftDown, LeftDragged}));
 }
 
-TEST_F(X11MouseTest, MovementsReadWhileAHandlerWaitsAreReportedAfterwards) {
+TEST_F(X11MouseTest, MotionsReadWhileAHandlerWaitsAreReportedAfterwards) {
     const auto waiter = mouse->addGlobalMonitor(LeftDown, [this](const MouseEvent&) {
         hand.moveTo(700, 500);
         (void)connection.internAtom("PRIMARY");
@@ -481,7 +481,7 @@ TEST_F(X11MouseTest, MovementsReadWhileAHandlerWaitsAreReportedAfterwards) {
     EXPECT_EQ(takeKinds(), (Kinds{LeftDown, LeftDragged}));
 }
 
-TEST(X11MouseWithoutServerTest, NoMonitorIsToBeHad) {
+TEST(X11MouseWithoutServerTest, AddingAMonitorFails) {
     x11test::XServer server;
     ConnectionDriver driver(server.display());
     Monitors monitors(driver.connection());

@@ -5,7 +5,7 @@
 namespace tessarel::x11 {
 namespace {
 
-TEST(RepeatFilterTest, AKeyThatIsHeldIsPressedOnce) {
+TEST(RepeatFilterTest, AHeldKeyCountsAsOnePress) {
     RepeatFilter keys;
 
     EXPECT_TRUE(keys.press(10));
@@ -13,7 +13,7 @@ TEST(RepeatFilterTest, AKeyThatIsHeldIsPressedOnce) {
     EXPECT_FALSE(keys.press(10));
 }
 
-TEST(RepeatFilterTest, AKeyThatWasReleasedIsPressedAnew) {
+TEST(RepeatFilterTest, AReleasedKeyCanBePressedAgain) {
     RepeatFilter keys;
     EXPECT_TRUE(keys.press(10));
     keys.release(10);
@@ -21,7 +21,7 @@ TEST(RepeatFilterTest, AKeyThatWasReleasedIsPressedAnew) {
     EXPECT_TRUE(keys.press(10));
 }
 
-TEST(RepeatFilterTest, AnotherKeyDoesNotMakeTheRepetitionsPresses) {
+TEST(RepeatFilterTest, AutoRepeatsAreFilteredWhileAnotherKeyIsPressed) {
     RepeatFilter keys;
     EXPECT_TRUE(keys.press(10));
     EXPECT_TRUE(keys.press(133));
@@ -33,7 +33,7 @@ TEST(RepeatFilterTest, AnotherKeyDoesNotMakeTheRepetitionsPresses) {
     EXPECT_TRUE(keys.press(133));
 }
 
-TEST(RepeatFilterTest, NothingIsKnownOfOtherKeysOnceTheGrabHasEnded) {
+TEST(RepeatFilterTest, AReleaseForgetsAllKeysBecauseTheGrabEnds) {
     RepeatFilter keys;
     EXPECT_TRUE(keys.press(10));
     EXPECT_TRUE(keys.press(11));
@@ -43,7 +43,7 @@ TEST(RepeatFilterTest, NothingIsKnownOfOtherKeysOnceTheGrabHasEnded) {
     EXPECT_TRUE(keys.press(11));
 }
 
-TEST(RepeatFilterTest, AReleaseThatDidNotComeCostsOnePressAtMost) {
+TEST(RepeatFilterTest, AMissedReleaseLosesOnePressAtMost) {
     RepeatFilter keys;
     EXPECT_TRUE(keys.press(10));
 
@@ -53,7 +53,7 @@ TEST(RepeatFilterTest, AReleaseThatDidNotComeCostsOnePressAtMost) {
     EXPECT_TRUE(keys.press(10));
 }
 
-TEST(RepeatFilterTest, ReleasesOfKeysThatWereNotPressedDoNotMatter) {
+TEST(RepeatFilterTest, ReleasesOfUnpressedKeysAreIgnored) {
     RepeatFilter keys;
     keys.release(10);
     keys.release(255);

@@ -19,7 +19,7 @@ TEST(CallbackListTest, CallsInTheOrderOfAddingWithTheArguments) {
     EXPECT_EQ(called, "a7b7");
 }
 
-TEST(CallbackListTest, DoesNotCallWhatHasEnded) {
+TEST(CallbackListTest, DoesNotCallEndedCallbacks) {
     CallbackList<> list;
     int calls = 0;
     auto callback = list.add([&] { ++calls; });
@@ -50,7 +50,7 @@ TEST(CallbackListTest, ACallbackMayEndItselfAndLaterOnes) {
     EXPECT_EQ(secondCalls, 0);
 }
 
-TEST(CallbackListTest, WhatIsAddedDuringACallWaitsForTheNext) {
+TEST(CallbackListTest, CallbacksAddedDuringACallWaitForTheNextCall) {
     CallbackList<> list;
     int calls = 0;
     SubscriptionPtr added;
@@ -65,7 +65,7 @@ TEST(CallbackListTest, WhatIsAddedDuringACallWaitsForTheNext) {
     EXPECT_EQ(calls, 1);
 }
 
-TEST(CallbackListTest, ACallInsideACallLeavesEndedCallbacksOut) {
+TEST(CallbackListTest, ANestedCallSkipsEndedCallbacks) {
     CallbackList<int> list;
     std::string called;
     SubscriptionPtr second;

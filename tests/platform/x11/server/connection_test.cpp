@@ -22,13 +22,13 @@ using namespace std::chrono_literals;
 
 constexpr auto kBound = 20ms;
 
-/// A connection that has claimed the keys 1 to 9, on a server of its own.
+/// A connection that has grabbed all keys, on a private server.
 class ConnectionTest : public ::testing::Test {
 protected:
     ConnectionTest() {
         xcb_grab_key(connection->xcb(), 1, connection->root(), XCB_MOD_MASK_ANY, XCB_GRAB_ANY,
                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
-        roundTrip(); // the hand presses over another connection
+        roundTrip(); // so that the grab is active before the keyboard's connection sends presses
         settleQueue();
     }
 
@@ -48,7 +48,7 @@ protected:
         keyboard.press({static_cast<xcb_keycode_t>(x11test::key::kDigit1 + digit - 1), 0});
     }
 
-    /// Waits for an answer, during which xcb reads whatever events have come.
+    /// Waits for a reply; meanwhile xcb reads the events that have arrived.
     void roundTrip() { (void)connection->internAtom("PRIMARY"); }
 
     [[nodiscard]] bool isReadable() const {
@@ -56,7 +56,7 @@ protected:
         return poll(&file, 1, 0) == 1;
     }
 
-    /// Notes the digits pressed in `digits`, in the order in which they come.
+    /// Returns a handler that appends each pressed digit to `digits`.
     [[nodiscard]] static std::function<void(const Connection::Event&)> note(std::string& digits) {
         return [&digits](const Connection::Event& event) {
             if (eventType(event) == XCB_KEY_PRESS)
@@ -72,7 +72,7 @@ protected:
     std::unique_ptr<Connection> connection = openConnection();
 };
 
-TEST(ConnectionOpenTest, ADisplayThatDoesNotAnswerGivesAReadableReason) {
+TEST(ConnectionOpenTest, AnUnreachableDisplayGivesAReadableReason) {
     ManualQueue queue;
 
     const auto opened = Connection::open(":65000", queue);
@@ -81,7 +81,7 @@ TEST(ConnectionOpenTest, ADisplayThatDoesNotAnswerGivesAReadableReason) {
     EXPECT_EQ(opened.failure, "The X display \":65000\" does not answer.");
 }
 
-TEST_F(ConnectionTest, KnowsTheDesktop) {
+TEST_F(ConnectionTest, KnowsItsScreenAtomsAndExtensions) {
     EXPECT_EQ(connection->root(), observer.root());
     EXPECT_EQ(connection->screenNumber(), 0);
     EXPECT_EQ(connection->atom(Atom::NetActiveWindow), connection->internAtom("_NET_ACTIVE_WINDOW"));
@@ -121,19 +121,19 @@ TEST_F(ConnectionTest, EventsReadDuringAWaitAreDeliveredAfterwardsInOrder) {
     EXPECT_EQ(seen, "123");
 }
 
-TEST_F(ConnectionTest, EventsReadAlongWithAReplyComeBackThroughTheQueue) {
+TEST_F(ConnectionTest, EventsReadAlongWithAReplyAreDeliveredThroughTheQueue) {
     std::string digits;
     const auto handler = connection->onEvent(note(digits));
     press(1);
     roundTrip();
-    ASSERT_FALSE(isReadable()) << "xcb has read it, so nobody else will wake the program";
+    ASSERT_FALSE(isReadable()) << "xcb has read the event, so the socket does not wake the program";
 
     settleQueue();
 
     EXPECT_EQ(digits, "1");
 }
 
-TEST_F(ConnectionTest, TheExpectedEventIsUsedUp) {
+TEST_F(ConnectionTest, TheAwaitedEventIsNotDelivered) {
     std::string digits;
     const auto handler = connection->onEvent(note(digits));
     const auto isTwo = [](const Connection::Event& event) {
@@ -150,7 +150,7 @@ TEST_F(ConnectionTest, TheExpectedEventIsUsedUp) {
     EXPECT_EQ(digits, "13");
 }
 
-TEST_F(ConnectionTest, AWaitEndsAtItsBound) {
+TEST_F(ConnectionTest, AWaitTimesOut) {
     const auto start = std::chrono::steady_clock::now();
 
     EXPECT_FALSE(connection->waitFor([](const Connection::Event&) { return false; }, kBound));
@@ -158,7 +158,7 @@ TEST_F(ConnectionTest, AWaitEndsAtItsBound) {
     EXPECT_GE(std::chrono::steady_clock::now() - start, kBound);
 }
 
-TEST_F(ConnectionTest, AHandlerMayWaitAndMissesNothing) {
+TEST_F(ConnectionTest, AHandlerMayWaitWithoutLosingEvents) {
     std::string digits;
     const auto first = connection->onEvent([&](const Connection::Event& event) {
         if (eventType(event) == XCB_KEY_PRESS && digits.empty()) {
@@ -205,7 +205,7 @@ TEST_F(ConnectionTest, ATurnBegunOutsideAnEventEndsAtTheNextTurnOfTheQueue) {
     EXPECT_EQ(connection->turn(), turn + 1);
 }
 
-TEST_F(ConnectionTest, AQuestionWithoutATurnLeavesTheQueueAlone) {
+TEST_F(ConnectionTest, ARequestWithoutATurnSchedulesNothing) {
     const auto turn = connection->turn();
 
     const auto focus =
@@ -232,7 +232,7 @@ TEST_F(ConnectionTest, WithoutEventsNothingIsScheduled) {
     EXPECT_EQ(queue.waiting(), 0U);
 }
 
-TEST_F(ConnectionTest, RepliesAskedForTogetherAreOneRoundTrip) {
+TEST_F(ConnectionTest, PipelinedRequestsAreOneRoundTrip) {
     const auto before = connection->roundTrips();
     const auto first = xcb_get_geometry(connection->xcb(), connection->root());
     const auto second = xcb_get_geometry(connection->xcb(), connection->root());
@@ -245,7 +245,7 @@ TEST_F(ConnectionTest, RepliesAskedForTogetherAreOneRoundTrip) {
     EXPECT_EQ(connection->roundTrips(), before + 2);
 }
 
-TEST_F(ConnectionTest, AFailedRequestHasNoReplyAndHarmsNothing) {
+TEST_F(ConnectionTest, AFailedRequestGivesNoReplyAndDoesNoHarm) {
     constexpr xcb_window_t kNoSuchWindow = 1;
 
     EXPECT_FALSE(

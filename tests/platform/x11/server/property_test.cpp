@@ -10,7 +10,7 @@
 namespace tessarel::x11 {
 namespace {
 
-/// A reply as the server would send it.
+/// Returns a reply as the server would send it.
 PropertyReply makeReply(std::uint8_t format, const std::string& content, std::uint32_t bytesAfter = 0) {
     auto* const memory = std::calloc(1, sizeof(xcb_get_property_reply_t) + content.size());
     PropertyReply reply(static_cast<xcb_get_property_reply_t*>(memory));
@@ -23,14 +23,14 @@ PropertyReply makeReply(std::uint8_t format, const std::string& content, std::ui
 
 const std::string kTwoWords("\x01\0\0\0\x02\0\0\0", 8);
 
-TEST(PropertyTest, WordsAreReadFromAPropertyOfWords) {
+TEST(PropertyTest, A32BitPropertyGivesItsValues) {
     const auto reply = makeReply(32, kTwoWords);
 
     ASSERT_EQ(values(reply).size(), 2U);
     EXPECT_EQ(values(reply)[1], 2U);
 }
 
-TEST(PropertyTest, OtherFormatsHaveNoWords) {
+TEST(PropertyTest, OtherFormatsGiveNoValues) {
     const auto bytesReply = makeReply(8, kTwoWords);
     const auto halvesReply = makeReply(16, kTwoWords);
     EXPECT_TRUE(values(bytesReply).empty());
@@ -39,7 +39,7 @@ TEST(PropertyTest, OtherFormatsHaveNoWords) {
     EXPECT_TRUE(values(missing).empty());
 }
 
-TEST(PropertyTest, APropertyLongerThanAskedForHasNoValues) {
+TEST(PropertyTest, APropertyLongerThanRequestedGivesNoValues) {
     const auto words = makeReply(32, kTwoWords, 4);
     const auto text = makeReply(8, "editor", 1);
 
@@ -47,7 +47,7 @@ TEST(PropertyTest, APropertyLongerThanAskedForHasNoValues) {
     EXPECT_EQ(bytes(text), "");
 }
 
-TEST(PropertyTest, OneValueMeansExactlyOne) {
+TEST(PropertyTest, ValueRequiresExactlyOneValue) {
     const auto none = makeReply(32, "");
     const auto one = makeReply(32, kTwoWords.substr(0, 4));
     const auto two = makeReply(32, kTwoWords);
@@ -57,7 +57,7 @@ TEST(PropertyTest, OneValueMeansExactlyOne) {
     EXPECT_FALSE(value(two));
 }
 
-TEST(PropertyTest, AMissingReplyHasNothing) {
+TEST(PropertyTest, AMissingReplyGivesNoValues) {
     const PropertyReply missing;
 
     EXPECT_TRUE(values(missing).empty());

@@ -17,7 +17,7 @@ namespace {
 
 constexpr const char* kSelection = "_TESSAREL_INSTANCE_S0";
 
-/// One copy of the program.
+/// An instance of the program with its own connection.
 struct Copy {
     explicit Copy(const x11test::XServer& server) : loop(server.display()) {}
 
@@ -49,16 +49,16 @@ protected:
     Copy second{server};
 };
 
-TEST_F(X11SingleInstanceTest, TheCopyOwnsTheSelectionOfItsScreen) {
+TEST_F(X11SingleInstanceTest, TheInstanceOwnsTheSelectionOfItsScreen) {
     ASSERT_TRUE(first.start());
 
     EXPECT_NE(observer.selectionOwner(kSelection), xcb_window_t{XCB_WINDOW_NONE});
 }
 
-TEST_F(X11SingleInstanceTest, OwnsItSinceAMomentOfTheServersTime) {
+TEST_F(X11SingleInstanceTest, TheSelectionIsClaimedWithAServerTimestamp) {
     ASSERT_TRUE(first.start());
 
-    // A claim of the time before the first one is refused by the server only if that one had a real time.
+    // The server rejects a claim with an earlier timestamp only if the first claim had a real one.
     xcb_connection_t* const x = observer.x().get();
     const xcb_window_t window = xcb_generate_id(x);
     xcb_create_window(x, XCB_COPY_FROM_PARENT, window, observer.root(), 0, 0, 1, 1, 0,
@@ -68,7 +68,7 @@ TEST_F(X11SingleInstanceTest, OwnsItSinceAMomentOfTheServersTime) {
     EXPECT_NE(observer.selectionOwner(kSelection), window);
 }
 
-TEST_F(X11SingleInstanceTest, ASecondCopyTellsTheFirst) {
+TEST_F(X11SingleInstanceTest, ASecondInstanceNotifiesTheFirst) {
     ASSERT_TRUE(first.start());
 
     EXPECT_FALSE(second.start());
@@ -78,7 +78,7 @@ TEST_F(X11SingleInstanceTest, ASecondCopyTellsTheFirst) {
     EXPECT_EQ(second.reopened, 0);
 }
 
-TEST_F(X11SingleInstanceTest, ACopyThatEndedIsNoOwner) {
+TEST_F(X11SingleInstanceTest, AnEndedInstanceReleasesTheSelection) {
     ASSERT_TRUE(first.start());
     first.claim.reset();
 
@@ -86,7 +86,7 @@ TEST_F(X11SingleInstanceTest, ACopyThatEndedIsNoOwner) {
     EXPECT_EQ(first.reopened, 0);
 }
 
-TEST_F(X11SingleInstanceTest, TheClaimMayEndWhenItIsToldOfAnother) {
+TEST_F(X11SingleInstanceTest, TheClaimMayBeDestroyedInItsOwnCallback) {
     first.claim = first.instance.claim([this] { first.claim.reset(); });
     ASSERT_TRUE(first.claim);
     EXPECT_FALSE(second.start());
@@ -97,7 +97,7 @@ TEST_F(X11SingleInstanceTest, TheClaimMayEndWhenItIsToldOfAnother) {
     EXPECT_TRUE(second.start());
 }
 
-TEST_F(X11SingleInstanceTest, OtherMessagesAreNoCopies) {
+TEST_F(X11SingleInstanceTest, OtherClientMessagesAreIgnored) {
     ASSERT_TRUE(first.start());
     xcb_client_message_event_t message{};
     message.response_type = XCB_CLIENT_MESSAGE;
@@ -112,7 +112,7 @@ TEST_F(X11SingleInstanceTest, OtherMessagesAreNoCopies) {
     EXPECT_EQ(first.reopened, 0);
 }
 
-TEST_F(X11SingleInstanceTest, ASelectionTakenByForceLeavesTheCopyAloneAndIsNotTakenBack) {
+TEST_F(X11SingleInstanceTest, ASelectionTakenByAnotherClientIsNotReclaimed) {
     ASSERT_TRUE(first.start());
     takeSelectionByForce();
     const xcb_window_t thief = observer.selectionOwner(kSelection);
@@ -126,13 +126,13 @@ TEST_F(X11SingleInstanceTest, ASelectionTakenByForceLeavesTheCopyAloneAndIsNotTa
     EXPECT_EQ(observer.selectionOwner(kSelection), thief);
 }
 
-TEST_F(X11SingleInstanceTest, ThereIsNothingToHaveOnceTheServerHasGone) {
+TEST_F(X11SingleInstanceTest, ClaimingFailsOnceTheServerIsGone) {
     server.kill();
 
     EXPECT_FALSE(first.start());
 }
 
-/// A copy in a process of its own, which says whether it got the desktop and stays.
+/// An instance in a child process, which reports whether it got the selection and then waits.
 class CopyProcess {
 public:
     explicit CopyProcess(const x11test::XServer& server) {
@@ -176,7 +176,7 @@ private:
     int m_answer = -1;
 };
 
-TEST_F(X11SingleInstanceTest, ACopyThatWasKilledIsNoOwner) {
+TEST_F(X11SingleInstanceTest, AKilledInstanceReleasesTheSelection) {
     CopyProcess killed(server);
     ASSERT_TRUE(killed.started());
     EXPECT_FALSE(CopyProcess(server).started());
@@ -187,7 +187,7 @@ TEST_F(X11SingleInstanceTest, ACopyThatWasKilledIsNoOwner) {
     EXPECT_TRUE(CopyProcess(server).started());
 }
 
-TEST_F(X11SingleInstanceTest, OfCopiesStartedTogetherExactlyOneStays) {
+TEST_F(X11SingleInstanceTest, OfTwoInstancesStartedTogetherExactlyOneStays) {
     for (int round = 0; round < 10; ++round) {
         CopyProcess one(server);
         CopyProcess other(server);

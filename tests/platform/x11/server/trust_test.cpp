@@ -22,7 +22,7 @@ namespace {
 using testing::HasSubstr;
 using x11test::WindowManagerKind;
 
-TEST(SessionTest, AWaylandSessionIsKnownByEitherOfItsVariables) {
+TEST(SessionTest, EitherVariableIdentifiesAWaylandSession) {
     EXPECT_EQ(sessionOf(nullptr, nullptr), Session::X11);
     EXPECT_EQ(sessionOf("", "x11"), Session::X11);
     EXPECT_EQ(sessionOf(nullptr, "tty"), Session::X11);
@@ -31,7 +31,7 @@ TEST(SessionTest, AWaylandSessionIsKnownByEitherOfItsVariables) {
     EXPECT_EQ(sessionOf(nullptr, "wayland"), Session::Wayland);
 }
 
-/// Alerts during which something happens.
+/// Alerts that run a function while they are shown.
 class EventfulAlerts : public sim::SimAlerts {
 public:
     std::size_t runModal(const Alert& alert) override {
@@ -43,7 +43,7 @@ public:
     std::function<void()> meanwhile;
 };
 
-/// A window manager that only says what it can do.
+/// A window manager that only announces its hints.
 class PretendedWindowManager {
 public:
     PretendedWindowManager(x11test::Observer& observer, const std::vector<const char*>& hints)
@@ -58,7 +58,7 @@ public:
         set(m_window, "_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, {m_window});
     }
 
-    /// Goes, as one that crashes does, without tidying up.
+    /// Destroys the check window without deleting the properties, as after a crash.
     void die() {
         xcb_destroy_window(m_x.get(), m_window);
         m_x.roundTrip();
@@ -111,7 +111,7 @@ TEST_F(X11TrustTest, AWaylandSessionIsNotTrusted) {
     EXPECT_FALSE(makeTrust(Session::Wayland)->isTrusted());
 }
 
-TEST_F(X11TrustTest, EveryOneOfTheHintsIsNeeded) {
+TEST_F(X11TrustTest, EveryHintIsRequired) {
     for (const char* const missing : kAllHints) {
         std::vector<const char*> hints = kAllHints;
         std::erase(hints, missing);
@@ -121,7 +121,7 @@ TEST_F(X11TrustTest, EveryOneOfTheHintsIsNeeded) {
     }
 }
 
-TEST_F(X11TrustTest, FollowsWindowManagersThatComeAndGo) {
+TEST_F(X11TrustTest, FollowsTheStartAndTheEndOfWindowManagers) {
     EXPECT_FALSE(trust->isTrusted());
 
     PretendedWindowManager manager(observer, kAllHints);
@@ -133,7 +133,7 @@ TEST_F(X11TrustTest, FollowsWindowManagersThatComeAndGo) {
     EXPECT_FALSE(trust->isTrusted());
 }
 
-TEST_F(X11TrustTest, AnswersFromMemoryWhileNothingChanges) {
+TEST_F(X11TrustTest, UsesTheCacheWhileNothingChanges) {
     const PretendedWindowManager manager(observer, kAllHints);
     loop.settle();
     ASSERT_TRUE(trust->isTrusted());
@@ -144,7 +144,7 @@ TEST_F(X11TrustTest, AnswersFromMemoryWhileNothingChanges) {
     EXPECT_EQ(loop.connection().roundTrips(), before);
 }
 
-TEST_F(X11TrustTest, WhatOthersWriteWrongIsNoWindowManager) {
+TEST_F(X11TrustTest, AMalformedSupportingWmCheckIsNotTrusted) {
     PretendedWindowManager manager(observer, kAllHints);
     const auto holdsFor = [&](xcb_window_t window, xcb_atom_t type,
                               const std::vector<std::uint32_t>& values) {
@@ -165,7 +165,7 @@ TEST_F(X11TrustTest, WhatOthersWriteWrongIsNoWindowManager) {
     EXPECT_TRUE(makeTrust(Session::X11)->isTrusted());
 }
 
-TEST_F(X11TrustTest, PromptingReturnsAtOnceAndTellsWhatIsMissing) {
+TEST_F(X11TrustTest, PromptingReturnsAtOnceAndShowsWhatIsMissing) {
     trust->prompt();
     EXPECT_TRUE(alerts.shown.empty());
 
@@ -220,7 +220,7 @@ TEST_F(X11TrustTest, ThereAreNeverTwoAlertsAtOnce) {
     EXPECT_EQ(alerts.shown.size(), 2U);
 }
 
-TEST_F(X11TrustTest, AWindowManagerThatComesInTimeSparesTheUserTheAlert) {
+TEST_F(X11TrustTest, NoAlertIsShownIfAWindowManagerStartsInTime) {
     trust->prompt();
     const PretendedWindowManager manager(observer, kAllHints);
 
@@ -229,7 +229,7 @@ TEST_F(X11TrustTest, AWindowManagerThatComesInTimeSparesTheUserTheAlert) {
     EXPECT_TRUE(alerts.shown.empty());
 }
 
-TEST_F(X11TrustTest, TheTrustMayEndWhileItsAlertWaitsOrStands) {
+TEST_F(X11TrustTest, TheTrustMayBeDestroyedWhileItsAlertIsPendingOrShown) {
     trust->prompt();
     alerts.meanwhile = [this] { trust.reset(); };
     loop.turn();
@@ -242,14 +242,14 @@ TEST_F(X11TrustTest, TheTrustMayEndWhileItsAlertWaitsOrStands) {
     EXPECT_EQ(alerts.shown.size(), 1U);
 }
 
-TEST_F(X11TrustTest, TheSettingsAreAPageOfOurs) {
+TEST_F(X11TrustTest, OpenSettingsOpensAPageOfOurWebsite) {
     trust->openSettings();
 
     ASSERT_EQ(openUrl.opened.size(), 1U);
     EXPECT_TRUE(openUrl.opened[0].starts_with(Config::websiteURL));
 }
 
-TEST_F(X11TrustTest, NothingIsTrustedOnceTheServerHasGone) {
+TEST_F(X11TrustTest, NothingIsTrustedOnceTheServerIsGone) {
     server.kill();
 
     EXPECT_FALSE(trust->isTrusted());

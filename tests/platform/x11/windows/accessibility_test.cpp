@@ -20,7 +20,7 @@ protected:
     [[nodiscard]] std::optional<std::string> subrole(xcb_window_t window) {
         return read<std::string>(elementOf(window), attribute::kSubrole);
     }
-    /// Opens a window without waiting for the focus, which not every kind of window takes.
+    /// Opens a window without waiting for the focus, which some window types do not take.
     [[nodiscard]] xcb_window_t show(const WindowOptions& options) {
         const xcb_window_t window = client.open(options);
         EXPECT_TRUE(observer.waitUntil([&] { return observer.managed(window); }));
@@ -29,14 +29,15 @@ protected:
     }
 };
 
-TEST_F(AccessibilityTest, AFrameIsTheClientsWindowWithItsDecoration) {
+TEST_F(AccessibilityTest, AFrameIncludesTheDecoration) {
     const xcb_window_t window = open();
-    ASSERT_NE(observer.outerFrame(window), observer.clientFrame(window)) << "no decoration to speak of";
+    ASSERT_NE(observer.outerFrame(window), observer.clientFrame(window))
+        << "the window manager adds no decoration";
 
     EXPECT_EQ(readFrame(elementOf(window)), actualFrame(window));
 }
 
-TEST_F(AccessibilityTest, AFrameIsTheClientsWindowWithoutItsShadows) {
+TEST_F(AccessibilityTest, AFrameExcludesTheShadows) {
     const xcb_window_t window =
         open({.client = {300, 200, 600, 400}, .shadow = {{10, 11, 12, 13}}, .decorated = false});
 
@@ -50,7 +51,7 @@ TEST_F(AccessibilityTest, AWindowWithoutDecorationIsItsOwnFrame) {
     EXPECT_EQ(readFrame(elementOf(window)), (Rect{300, 200, 600, 400}));
 }
 
-TEST_F(AccessibilityTest, TheKindOfWindowGivesRoleAndSubrole) {
+TEST_F(AccessibilityTest, TheWindowTypeDeterminesRoleAndSubrole) {
     const auto ofType = [&](const char* type) {
         return show({.type = std::string("_NET_WM_WINDOW_TYPE_") + type});
     };
@@ -93,7 +94,7 @@ TEST_F(AccessibilityTest, AShadedWindowIsNotMinimised) {
     EXPECT_EQ(read<bool>(elementOf(window), attribute::kMinimized), false);
 }
 
-TEST_F(AccessibilityTest, AMinimisedWindowIsStillListed) {
+TEST_F(AccessibilityTest, AMinimisedWindowHasAnElement) {
     const xcb_window_t window = open();
     observer.iconify(window);
     ASSERT_TRUE(observer.waitUntil([&] { return observer.hasState(window, "_NET_WM_STATE_HIDDEN"); }));
@@ -101,7 +102,7 @@ TEST_F(AccessibilityTest, AMinimisedWindowIsStillListed) {
     EXPECT_EQ(read<bool>(elementOf(window), attribute::kMinimized), true);
 }
 
-TEST_F(AccessibilityTest, TheWindowOfAnElementIsItself) {
+TEST_F(AccessibilityTest, TheWindowAttributeOfAWindowIsTheWindowItself) {
     const xcb_window_t window = open();
 
     const auto itself = read<Element>(elementOf(window), "AXWindow");
@@ -136,13 +137,13 @@ TEST_F(AccessibilityTest, AnApplicationIsFocusedOnlyWhenTheActiveWindowIsItsOwn)
     EXPECT_TRUE(read<Element>(accessibility.application(client.pid()), attribute::kFocusedWindow));
 }
 
-TEST_F(AccessibilityTest, AWindowThatDoesNotTellItsProcessIsFoundAllTheSame) {
+TEST_F(AccessibilityTest, AWindowWithoutAProcessIdPropertyStillHasItsProcess) {
     const xcb_window_t window = open({.processId = false});
 
     EXPECT_EQ(accessibility.pid(elementOf(window)), client.pid());
 }
 
-TEST_F(AccessibilityTest, AForgedProcessIdIsNotBelieved) {
+TEST_F(AccessibilityTest, AForgedProcessIdIsIgnored) {
     const xcb_window_t window = open();
     client.setCardinals(window, "_NET_WM_PID", {static_cast<std::uint32_t>(getpid())});
     settle();
@@ -151,7 +152,7 @@ TEST_F(AccessibilityTest, AForgedProcessIdIsNotBelieved) {
     EXPECT_FALSE(accessibility.copyAttribute(accessibility.application(getpid()), attribute::kWindows));
 }
 
-TEST_F(AccessibilityTest, OwnWindowsAreNotAnswered) {
+TEST_F(AccessibilityTest, OwnWindowsAreNotReturned) {
     xcb_connection_t* const xcb = observer.x().get();
     const xcb_window_t own = xcb_generate_id(xcb);
     xcb_create_window(xcb, XCB_COPY_FROM_PARENT, own, observer.root(), 10, 10, 200, 100, 0,
@@ -171,7 +172,7 @@ TEST_F(AccessibilityTest, OwnWindowsAreNotAnswered) {
     observer.x().roundTrip();
 }
 
-TEST_F(AccessibilityTest, KeysOfApplicationsAndWindowsNeverMeet) {
+TEST_F(AccessibilityTest, KeysOfApplicationsAndWindowsAreDistinct) {
     const xcb_window_t window = open();
     const Element application = accessibility.application(client.pid());
     const Element sameNumber = accessibility.application(static_cast<ProcessId>(window));
@@ -181,7 +182,7 @@ TEST_F(AccessibilityTest, KeysOfApplicationsAndWindowsNeverMeet) {
     EXPECT_EQ(accessibility.key(application), accessibility.key(accessibility.application(client.pid())));
 }
 
-TEST_F(AccessibilityTest, AWindowNumberThatComesBackIsAnotherWindow) {
+TEST_F(AccessibilityTest, AReusedWindowIdIsAnotherWindow) {
     auto first = std::make_unique<x11test::TestClient>(desktop.server);
     const auto openIn = [&](x11test::TestClient& program) {
         const xcb_window_t window = program.open();
@@ -212,7 +213,7 @@ TEST_F(AccessibilityTest, AWindowNumberThatComesBackIsAnotherWindow) {
     EXPECT_NE(accessibility.key(present->front()), goneKey);
 }
 
-TEST_F(AccessibilityTest, WhatIsReadStaysTheSameForOneTurn) {
+TEST_F(AccessibilityTest, ReadsAreCachedForOneTurn) {
     const xcb_window_t window = open();
     const Element element = elementOf(window);
     const Rect before = readFrame(element);

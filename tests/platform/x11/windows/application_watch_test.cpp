@@ -17,7 +17,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-/// Writes down what is heard of applications and of the windows that the client opens.
+/// Records the events of applications, and of the windows that the client opens.
 class ApplicationWatchTest : public X11Test {
 protected:
     explicit ApplicationWatchTest(SharedDesktop& shared = SharedDesktop::withManager()) : X11Test(shared) {
@@ -56,7 +56,7 @@ protected:
         settle();
     }
 
-    /// Adds nothing to the list, of which the server tells all the same.
+    /// Appends nothing to _NET_CLIENT_LIST, for which the server sends a PropertyNotify all the same.
     void sayAgainWhatIsListed() {
         xcb_connection_t* x = observer.x().get();
         xcb_change_property(x, XCB_PROP_MODE_APPEND, observer.root(), observer.x().atom("_NET_CLIENT_LIST"),
@@ -89,7 +89,7 @@ TEST_F(ApplicationWatchTest, AWindowThatIsActiveBeforeItIsListedIsLaunchedBefore
     client.setProperty(observer.root(), "_NET_CLIENT_LIST", "WINDOW", 32, "");
 }
 
-TEST_F(ApplicationWatchTest, AFurtherWindowIsOpened) {
+TEST_F(ApplicationWatchTest, AFurtherWindowIsReportedAsOpened) {
     (void)open({.className = "Editor"});
     (void)take();
 
@@ -98,7 +98,7 @@ TEST_F(ApplicationWatchTest, AFurtherWindowIsOpened) {
     EXPECT_EQ(take(), Lines{"opened"});
 }
 
-TEST_F(ApplicationWatchTest, AProcessIsKnownWithoutItsSayingSo) {
+TEST_F(ApplicationWatchTest, AProcessIsKnownWithoutAProcessIdProperty) {
     (void)open({.className = "Editor", .processId = false});
 
     EXPECT_EQ(take(), (Lines{"launched Editor", "activated Editor"}));
@@ -113,7 +113,7 @@ TEST_F(ApplicationWatchTest, AProcessThatHasClosedItsLastWindowStillRuns) {
     EXPECT_EQ(take().front(), "opened");
 }
 
-TEST_F(ApplicationWatchTest, AnEndWithoutWindowsIsNoticedWhenTheNextWindowComes) {
+TEST_F(ApplicationWatchTest, AnExitWithoutWindowsIsNoticedAtTheNextWindow) {
     auto other = std::make_unique<x11test::TestClient>(desktop.server);
     const xcb_window_t window = openUnfocused(*other, {.className = "Other"});
     other->destroy(window);
@@ -127,14 +127,14 @@ TEST_F(ApplicationWatchTest, AnEndWithoutWindowsIsNoticedWhenTheNextWindowComes)
     EXPECT_EQ(take(), (Lines{"terminated Other", "launched Editor", "activated Editor"}));
 }
 
-TEST_F(ApplicationWatchTest, ANumberThatHasGoneOverToAnotherProgramUnseenIsANewWindow) {
+TEST_F(ApplicationWatchTest, AWindowIdReusedUnnoticedIsANewWindow) {
     auto before = std::make_unique<x11test::TestClient>(desktop.server);
     const xcb_window_t window = openUnfocused(*before, {.className = "Before"});
     (void)take();
     before->process().kill();
     ASSERT_TRUE(observer.waitUntil([&] { return !observer.managed(window); }));
 
-    x11test::TestClient after(desktop.server); // to which the server gives the ids of `before`
+    x11test::TestClient after(desktop.server); // the server assigns it the ids of `before`
     ASSERT_EQ(openUnfocused(after, {.className = "After"}), window);
 
     const Lines lines = take();
@@ -142,7 +142,7 @@ TEST_F(ApplicationWatchTest, ANumberThatHasGoneOverToAnotherProgramUnseenIsANewW
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "launched After"), 1);
 }
 
-TEST_F(ApplicationWatchTest, ANumberThatIsStillListedIsNoWindowOfTheProgramThatGetsItNext) {
+TEST_F(ApplicationWatchTest, AReusedWindowIdThatIsStillListedIsANewWindow) {
     auto before = std::make_unique<x11test::TestClient>(desktop.server);
     const xcb_window_t window = openUnfocused(*before, {.className = "Before"});
     desktop.manager->process().signal(SIGSTOP);
@@ -160,7 +160,7 @@ TEST_F(ApplicationWatchTest, ANumberThatIsStillListedIsNoWindowOfTheProgramThatG
     EXPECT_EQ(std::count(lines.begin(), lines.end(), "launched After"), 1);
 }
 
-TEST_F(ApplicationWatchTest, AProcessNumberThatAWindowClaimsDoesNotCount) {
+TEST_F(ApplicationWatchTest, AForgedProcessIdIsIgnored) {
     const std::string somebodyElse(sizeof(std::uint32_t), '\1');
     const xcb_window_t window = client.open({.className = "Editor"});
     client.setProperty(window, "_NET_WM_PID", "CARDINAL", 32, somebodyElse);
@@ -170,14 +170,14 @@ TEST_F(ApplicationWatchTest, AProcessNumberThatAWindowClaimsDoesNotCount) {
     EXPECT_TRUE(workspace.runningApplication(client.pid()));
 }
 
-TEST_F(ApplicationWatchTest, AProcessWithNothingButAPanelIsInTheBackground) {
+TEST_F(ApplicationWatchTest, AProcessWithOnlyAPanelIsABackgroundApplication) {
     (void)openUnfocused(client, {.className = "Panel", .type = "_NET_WM_WINDOW_TYPE_DOCK"});
 
     EXPECT_EQ(take().front(), "launched Panel in the background");
     EXPECT_FALSE(workspace.runningApplication(client.pid()).value().isRegular);
 }
 
-TEST_F(ApplicationWatchTest, APanelWithAWindowIsNotInTheBackground) {
+TEST_F(ApplicationWatchTest, AProcessWithAPanelAndAWindowIsARegularApplication) {
     (void)openUnfocused(client, {.className = "Panel", .type = "_NET_WM_WINDOW_TYPE_DOCK"});
     (void)take();
 
@@ -187,7 +187,7 @@ TEST_F(ApplicationWatchTest, APanelWithAWindowIsNotInTheBackground) {
     EXPECT_TRUE(workspace.runningApplication(client.pid()).value().isRegular);
 }
 
-TEST_F(ApplicationWatchTest, ADialogIsAWindowToo) {
+TEST_F(ApplicationWatchTest, ADialogIsReportedAsAWindow) {
     const xcb_window_t parent = open();
     (void)take();
 
@@ -196,7 +196,7 @@ TEST_F(ApplicationWatchTest, ADialogIsAWindowToo) {
     EXPECT_EQ(take(), Lines{"opened"});
 }
 
-TEST_F(ApplicationWatchTest, AtRestNothingIsAskedAndNothingWaits) {
+TEST_F(ApplicationWatchTest, AtRestNoRequestIsSentAndNoWorkIsPending) {
     (void)open();
     close(open());
     settle();
@@ -209,7 +209,7 @@ TEST_F(ApplicationWatchTest, AtRestNothingIsAskedAndNothingWaits) {
     EXPECT_EQ(driver.queue().waiting(), 0U);
 }
 
-TEST_F(ApplicationWatchTest, WhatRunsAlreadyIsNotLaunched) {
+TEST_F(ApplicationWatchTest, RunningApplicationsAreNotReportedAsLaunched) {
     (void)open();
     ConnectionDriver latecomer(desktop.server.display());
     ClientWindows lateWindows(latecomer.connection());
@@ -225,7 +225,7 @@ TEST_F(ApplicationWatchTest, WhatRunsAlreadyIsNotLaunched) {
     EXPECT_EQ(launches, 0);
 }
 
-/// Programs whose connections are all made by one process in between, which is what the server knows.
+/// Several programs whose connections are made by one proxy process, the only process that the server knows.
 class ProxyTest : public ApplicationWatchTest {
 protected:
     ProxyTest() {
@@ -234,12 +234,12 @@ protected:
     }
 };
 
-TEST_F(ProxyTest, TheyAreOneApplicationThatIsLaunchedOnce) {
+TEST_F(ProxyTest, ItsProgramsAreOneApplicationThatIsLaunchedOnce) {
     EXPECT_EQ(take(), (Lines{"launched Editor", "activated Editor", "opened"}));
     EXPECT_EQ(workspace.runningApplications().size(), 1U);
 }
 
-TEST_F(ProxyTest, TheOneInFrontGivesTheApplicationItsName) {
+TEST_F(ProxyTest, TheFrontWindowNamesTheApplication) {
     EXPECT_EQ(workspace.frontmostApplication(), (RunningApplication{client.pid(), "Mail"}));
     EXPECT_EQ(workspace.runningApplication(client.pid()), (RunningApplication{client.pid(), "Mail"}));
 
@@ -247,7 +247,7 @@ TEST_F(ProxyTest, TheOneInFrontGivesTheApplicationItsName) {
     EXPECT_EQ(workspace.frontmostApplication(), (RunningApplication{client.pid(), "Editor"}));
 }
 
-TEST_F(ProxyTest, TheyTerminateTogether) {
+TEST_F(ProxyTest, ItsProgramsTerminateTogether) {
     (void)take();
     client.process().kill();
     ASSERT_TRUE(observer.waitUntil([&] { return observer.clients().empty(); }));
@@ -256,7 +256,7 @@ TEST_F(ProxyTest, TheyTerminateTogether) {
     EXPECT_EQ(take(), Lines{"terminated Editor"});
 }
 
-/// A server that cannot tell whose a client is, as with programs on another machine.
+/// A server that cannot resolve the process of a client, as with clients on another machine.
 class UnknownProcessTest : public ApplicationWatchTest {
 protected:
     UnknownProcessTest() : ApplicationWatchTest(SharedDesktop::withoutProcesses()) {}
@@ -264,7 +264,7 @@ protected:
     [[nodiscard]] xcb_window_t openNobodys() { return open({.className = "Editor", .processId = false}); }
 };
 
-TEST_F(UnknownProcessTest, AWindowThatDoesNotSayItEitherIsNobodys) {
+TEST_F(UnknownProcessTest, AWindowWithoutAProcessIdHasNoApplication) {
     const xcb_window_t window = openNobodys();
 
     EXPECT_EQ(windows.activeWindow(), window);
@@ -274,14 +274,14 @@ TEST_F(UnknownProcessTest, AWindowThatDoesNotSayItEitherIsNobodys) {
     EXPECT_FALSE(accessibility.elementAtPosition(accessibility.systemWide(), actualFrame(window).origin()));
 }
 
-TEST_F(UnknownProcessTest, NobodyHearsOfIt) {
+TEST_F(UnknownProcessTest, AWindowWithoutAProcessIdIsNotReported) {
     close(openNobodys());
     (void)openNobodys();
 
     EXPECT_EQ(take(), Lines{});
 }
 
-TEST_F(UnknownProcessTest, WhatAWindowSaysIsBelieved) {
+TEST_F(UnknownProcessTest, TheProcessIdPropertyIsUsed) {
     (void)openNobodys();
     (void)open({.className = "Mail"});
 
@@ -289,7 +289,7 @@ TEST_F(UnknownProcessTest, WhatAWindowSaysIsBelieved) {
     EXPECT_EQ(workspace.frontmostApplication(), (RunningApplication{client.pid(), "Mail"}));
 }
 
-/// Hears of applications whose processes start and end as the test says.
+/// Watches applications with process start times that the test controls.
 class ProcessStartTest : public ApplicationWatchTest {
 protected:
     ProcessStartTest() { listenTo(m_watch); }
@@ -300,9 +300,9 @@ private:
     ApplicationWatch m_watch{connection, windows, applications, [this](ProcessId) { return start; }};
 };
 
-TEST_F(ProcessStartTest, AWindowOutlivesTheProcessThatItsConnectionWasMadeBy) {
+TEST_F(ProcessStartTest, AWindowMayOutliveTheProcessThatConnected) {
     (void)open({.className = "Editor"});
-    start.reset(); // as of a program that goes on as its own child
+    start.reset(); // as for a program that continues in a child process
     (void)take();
 
     (void)open({.className = "Editor"});
@@ -310,7 +310,7 @@ TEST_F(ProcessStartTest, AWindowOutlivesTheProcessThatItsConnectionWasMadeBy) {
     EXPECT_EQ(take(), Lines{"opened"});
 }
 
-TEST_F(ProcessStartTest, AProcessThatCannotBeSeenLastsAsLongAsItsWindows) {
+TEST_F(ProcessStartTest, AProcessWithoutAStartTimeLastsAsLongAsItsWindows) {
     start.reset();
     const xcb_window_t first = open({.className = "Editor"});
     const xcb_window_t second = open({.className = "Editor"});
@@ -322,7 +322,7 @@ TEST_F(ProcessStartTest, AProcessThatCannotBeSeenLastsAsLongAsItsWindows) {
     EXPECT_EQ(take(), Lines{"terminated Editor"});
 }
 
-TEST_F(ProcessStartTest, AProcessNumberThatIsUsedAgainIsAnotherProgram) {
+TEST_F(ProcessStartTest, AReusedProcessIdIsAnotherProgram) {
     close(open({.className = "Before"}));
     ++*start;
     (void)take();
@@ -332,13 +332,13 @@ TEST_F(ProcessStartTest, AProcessNumberThatIsUsedAgainIsAnotherProgram) {
     EXPECT_EQ(take(), (Lines{"terminated Before", "launched After"}));
 }
 
-/// A desktop whose window manager comes and goes.
+/// A desktop whose window manager is replaced.
 class ReplacedManagerTest : public ApplicationWatchTest {
 protected:
     ~ReplacedManagerTest() override {
-        client.process().kill(); // while there is a manager that takes its windows off the list
+        client.process().kill(); // while there is a window manager that removes its windows from the list
         EXPECT_TRUE(observer.waitUntil([&] { return observer.clients().empty(); }));
-        desktop.manager.reset(); // the next case starts its own
+        desktop.manager.reset(); // the next test starts its own
     }
 
     void replaceManager() {
@@ -346,7 +346,7 @@ protected:
             std::vector<std::string>{"openbox", "--replace", "--sm-disable"}, desktop.server.environment());
         EXPECT_TRUE(desktop.manager->process().waitForExit());
     }
-    /// The window is listed and handled, and so is all before it.
+    /// Waits until the window is listed and its event, with all earlier ones, is handled.
     void waitUntilManaged(xcb_window_t window) {
         const auto isListed = [&] { return observer.managed(window); };
         EXPECT_TRUE(observer.waitUntil([&] { return !observer.windowManagerName().empty() && isListed(); }));
@@ -356,7 +356,7 @@ protected:
     std::unique_ptr<x11test::ChildProcess> replacement;
 };
 
-TEST_F(ReplacedManagerTest, NothingIsLaunchedOrOpenedAgain) {
+TEST_F(ReplacedManagerTest, ReplacingTheWindowManagerReportsNothingAgain) {
     (void)open();
     const xcb_window_t second = open();
     (void)take();

@@ -11,7 +11,7 @@ namespace {
 
 constexpr double kThickestDecoration = 60;
 
-/// Properties of a window that the back end reads, and what a client may have put there instead.
+/// Sets malformed values for the window properties that the back end reads.
 class HostileClientTest : public X11Test {
 protected:
     static const std::vector<const char*>& properties() {
@@ -34,7 +34,7 @@ protected:
         return known.outer();
     }
 
-    /// Reads everything there is to know about the window.
+    /// Reads all attributes of the window.
     void readWindow(xcb_window_t window) {
         settle();
         const Element element = elementOf(window);
@@ -48,8 +48,8 @@ protected:
         EXPECT_FALSE(connection.isLost());
     }
 
-    /// Reads and moves the window. It has to end at the target, but for a decoration that the client has made
-    /// invisible.
+    /// Reads and moves the window. It must reach the target, except for the width of a decoration whose
+    /// extents the client has overwritten.
     void useWindow(xcb_window_t window) {
         readWindow(window);
         const Element element = elementOf(window);
@@ -59,7 +59,7 @@ protected:
     }
 };
 
-TEST_F(HostileClientTest, PropertiesOfTheWrongTypeAreNoValues) {
+TEST_F(HostileClientTest, PropertiesOfTheWrongTypeAreIgnored) {
     const xcb_window_t window = open();
     for (const char* name : properties())
         client.setProperty(window, name, "PIXMAP", 32, std::string(72, '\x7F'));
@@ -67,7 +67,7 @@ TEST_F(HostileClientTest, PropertiesOfTheWrongTypeAreNoValues) {
     useWindow(window);
 }
 
-TEST_F(HostileClientTest, PropertiesOfTheWrongFormatAreNoValues) {
+TEST_F(HostileClientTest, PropertiesOfTheWrongFormatAreIgnored) {
     for (const int format : {8, 16}) {
         const xcb_window_t window = open();
         for (const char* name : properties())
@@ -76,7 +76,7 @@ TEST_F(HostileClientTest, PropertiesOfTheWrongFormatAreNoValues) {
     }
 }
 
-TEST_F(HostileClientTest, PropertiesOfTheWrongLengthAreNoValues) {
+TEST_F(HostileClientTest, PropertiesOfTheWrongLengthAreIgnored) {
     for (const std::size_t length : {0U, 4U, 12U, 20U, 4000U}) {
         const xcb_window_t window = open();
         for (const char* name : properties())
@@ -85,30 +85,30 @@ TEST_F(HostileClientTest, PropertiesOfTheWrongLengthAreNoValues) {
     }
 }
 
-TEST_F(HostileClientTest, NegativeAndHugeNumbersAreNoValues) {
+TEST_F(HostileClientTest, NegativeAndHugeValuesAreIgnored) {
     for (const char byte : {'\xFF', '\x7F', '\x80'}) {
         const xcb_window_t window = open();
         for (const char* name : properties())
-            if (std::string_view(name) != "_GTK_FRAME_EXTENTS") // managers may believe it
+            if (std::string_view(name) != "_GTK_FRAME_EXTENTS") // window managers may use it
                 client.setProperty(window, name, "CARDINAL", 32, std::string(16, byte));
         client.setProperty(window, "WM_TRANSIENT_FOR", "WINDOW", 32, std::string(4, byte));
         useWindow(window);
     }
 }
 
-TEST_F(HostileClientTest, AbsurdShadowsAreNoneWhateverTheManagerMakesOfThem) {
+TEST_F(HostileClientTest, AbsurdShadowsAreIgnoredWhateverTheWindowManagerDoes) {
     for (const char byte : {'\xFF', '\x7F', '\x80'}) {
         const xcb_window_t window = open();
         client.setProperty(window, "_GTK_FRAME_EXTENTS", "CARDINAL", 32, std::string(16, byte));
         readWindow(window);
         const Element element = elementOf(window);
         writeFrame(element, kTarget);
-        const Rect frame = readFrame(element); // by now it is there
+        const Rect frame = readFrame(element); // waits until the placement has taken effect
         EXPECT_EQ(frame, actualFrameWithoutShadows(window));
     }
 }
 
-TEST_F(HostileClientTest, ListsOfStatesAndTypesMayBeEndless) {
+TEST_F(HostileClientTest, VeryLongListsOfStatesAndTypesDoNoHarm) {
     const xcb_window_t window = open();
     for (const char* name : {"_NET_WM_STATE", "_NET_WM_WINDOW_TYPE"})
         client.setProperty(window, name, "ATOM", 32, std::string(8000, '\1'));
@@ -116,14 +116,14 @@ TEST_F(HostileClientTest, ListsOfStatesAndTypesMayBeEndless) {
     useWindow(window);
 }
 
-TEST_F(HostileClientTest, ShadowsThatSwallowTheWindowDoNotCount) {
+TEST_F(HostileClientTest, ShadowsThatCoverTheWindowAreIgnored) {
     const xcb_window_t window = open({.client = {300, 200, 600, 400}});
     client.setCardinals(window, "_GTK_FRAME_EXTENTS", {300, 300, 200, 200});
 
     useWindow(window);
 }
 
-TEST_F(HostileClientTest, AMalformedRootWindowHasNoWindows) {
+TEST_F(HostileClientTest, MalformedRootPropertiesGiveNoWindows) {
     SharedDesktop& bare = SharedDesktop::withoutManager();
     x11test::TestClient liar(bare.server);
     ConnectionDriver listener(bare.server.display());
@@ -143,7 +143,7 @@ TEST_F(HostileClientTest, AMalformedRootWindowHasNoWindows) {
     listener.hear();
 }
 
-TEST_F(HostileClientTest, WindowsThatDoNotExistHaveNoValues) {
+TEST_F(HostileClientTest, NonexistentWindowsGiveEmptyResults) {
     SharedDesktop& bare = SharedDesktop::withoutManager();
     x11test::TestClient liar(bare.server);
     ConnectionDriver listener(bare.server.display());
@@ -164,7 +164,7 @@ TEST_F(HostileClientTest, WindowsThatDoNotExistHaveNoValues) {
         liar.setProperty(bare.observer.root(), name, "WINDOW", 32, "");
 }
 
-/// A desktop whose lists of windows hold one hundred times as many as any screen.
+/// A desktop whose _NET_CLIENT_LIST has ten thousand entries.
 class LongListTest : public HostileClientTest {
 protected:
     LongListTest() : last(liar.open()) {
@@ -187,7 +187,7 @@ protected:
     xcb_window_t last;
 };
 
-TEST_F(LongListTest, EveryWindowOfItIsKnown) {
+TEST_F(LongListTest, AllItsWindowsAreRead) {
     EXPECT_EQ(clientWindows.managed().size(), 10'001U);
     EXPECT_EQ(clientWindows.frontToBack().size(), 10'001U);
     EXPECT_EQ(clientWindows.windowsOf(liar.pid()), std::vector{last});

@@ -19,7 +19,7 @@
 #include <poll.h>
 #include <thread>
 
-// There only where the sanitizer keeps the heap.
+// Defined only in builds with a sanitizer that replaces the allocator.
 extern "C" [[gnu::weak]] std::size_t __sanitizer_get_current_allocated_bytes(); // NOLINT
 
 namespace tessarel::x11 {
@@ -27,13 +27,13 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Bytes of the heap that are in use.
+/// Returns the number of heap bytes in use.
 std::size_t heapInUse() {
     return __sanitizer_get_current_allocated_bytes ? __sanitizer_get_current_allocated_bytes()
                                                    : ::mallinfo2().uordblks;
 }
 
-/// The placer on a real desktop, with a clock that the test turns.
+/// The placer on a real desktop, with a clock that the test advances.
 class ManyWindowsTest : public X11Test {
 protected:
     ManyWindowsTest() {
@@ -42,9 +42,9 @@ protected:
         settle();
     }
 
-    /// The client opens and closes windows as fast as the window manager lets it, while the placer watches.
+    /// Opens and closes windows as fast as the window manager allows, while the placer watches.
     void openAndClose(int count) {
-        constexpr int kAtOnce = 50; // the client answers once for so many
+        constexpr int kAtOnce = 50; // the client replies once per so many windows
         std::atomic<bool> isOver = false;
         std::thread hand([&] {
             for (int done = 0; done < count; done += kAtOnce)
@@ -60,7 +60,7 @@ protected:
         settle();
     }
 
-    /// What the program's loop does in a moment.
+    /// Does the work of the program's event loop for a moment.
     void runLoop() {
         pollfd line{.fd = connection.fileDescriptor(), .events = POLLIN, .revents = 0};
         constexpr int kMoment = 10;
@@ -71,7 +71,7 @@ protected:
         simulated.advance(std::chrono::milliseconds(kMoment));
     }
 
-    sim::SimDesktop simulated; // all but windows and displays
+    sim::SimDesktop simulated; // everything except windows and displays
     Store store{simulated.preferences()};
     Runtime runtime;
     Permissions permissions{simulated.trust()};
@@ -90,7 +90,7 @@ protected:
                       .engine = engine}};
 };
 
-TEST_F(ManyWindowsTest, WindowsThatOpenAndCloseLeaveNothingBehind) {
+TEST_F(ManyWindowsTest, OpeningAndClosingWindowsLeaksNothing) {
     constexpr std::size_t kWhatMapsMayGrowBy = std::size_t{32} * 1024;
     openAndClose(rounds(500, 1'000));
     const std::size_t before = heapInUse();

@@ -33,7 +33,7 @@ std::ostream& operator<<(std::ostream& stream, const Message& message) {
     return stream;
 }
 
-/// A window manager that says it can do everything, hears everything and does nothing.
+/// A window manager that announces all hints, records all requests and carries out none.
 class DeafManager {
 public:
     explicit DeafManager(const std::string& display) : m_x(display) {
@@ -72,7 +72,7 @@ public:
 
     [[nodiscard]] xcb_atom_t atom(const char* name) { return m_x.atom(name); }
 
-    /// What it has been asked for since the last time.
+    /// Returns the client messages to the root window since the last call.
     [[nodiscard]] std::vector<Message> heard() {
         m_x.roundTrip();
         std::vector<Message> messages;
@@ -92,7 +92,7 @@ private:
     xcb_window_t m_window = XCB_WINDOW_NONE;
 };
 
-/// What exactly a window manager is asked for.
+/// The exact requests that a window manager receives.
 class PlacementProtocolTest : public ::testing::Test {
 protected:
     static constexpr std::uint32_t kNorthWestFromUser = 1 | 2U << 12;
@@ -128,22 +128,22 @@ protected:
     SharedDesktop& desktop = SharedDesktop::withoutManager();
     DeafManager manager{desktop.server.display()};
     x11test::TestClient client{desktop.server};
-    // Nobody wonders when such a window keeps its size.
+    // A window of fixed size: a window manager that keeps its size is not asked again.
     xcb_window_t window = client.open({.client = kClient, .minimum = kFixed, .maximum = kFixed});
     ConnectionDriver driver{desktop.server.display()};
     ClientWindows windows{driver.connection()};
     Placement placement{driver.connection(), windows};
 };
 
-TEST_F(PlacementProtocolTest, AFrameIsOneRequestForTheClientAndItsCorner) {
+TEST_F(PlacementProtocolTest, AFrameIsOneRequestWithTheFrameOriginAndTheClientSize) {
     setExtents("_NET_FRAME_EXTENTS", {1, 2, 20, 4});
 
-    placement.place(window, {.origin = Point{99, 100}, .size = Size{600, 450}}); // where it is
+    placement.place(window, {.origin = Point{99, 100}, .size = Size{600, 450}}); // the current origin
 
     EXPECT_EQ(manager.heard(), (std::vector{moveResize(kOrigin | kSize, {99, 100, 597, 426})}));
 }
 
-TEST_F(PlacementProtocolTest, AFrameWithShadowsIsAskedForWithThem) {
+TEST_F(PlacementProtocolTest, ShadowsAreAddedToTheRequestedFrame) {
     setExtents("_GTK_FRAME_EXTENTS", {10, 11, 12, 13});
 
     placement.place(window, {.origin = Point{110, 132}, .size = Size{600, 450}});
@@ -160,13 +160,13 @@ TEST_F(PlacementProtocolTest, BothKindsOfExtentsNeverAddUp) {
     EXPECT_EQ(manager.heard(), (std::vector{moveResize(kOrigin | kSize, {100, 120, 621, 475})}));
 }
 
-TEST_F(PlacementProtocolTest, ASizeAloneSaysNothingOfThePlace) {
+TEST_F(PlacementProtocolTest, ASizeAloneRequestsNoPosition) {
     placement.place(window, {.origin = std::nullopt, .size = Size{300, 200}});
 
     EXPECT_EQ(manager.heard(), (std::vector{moveResize(kSize, {0, 0, 300, 200})}));
 }
 
-TEST_F(PlacementProtocolTest, APositionAloneInsistsOnThePresentSize) {
+TEST_F(PlacementProtocolTest, APositionAloneRequestsTheCurrentSize) {
     setExtents("_NET_FRAME_EXTENTS", {1, 2, 20, 4});
 
     placement.place(window, {.origin = Point{100, 101}, .size = std::nullopt});
@@ -174,7 +174,7 @@ TEST_F(PlacementProtocolTest, APositionAloneInsistsOnThePresentSize) {
     EXPECT_EQ(manager.heard(), (std::vector{moveResize(kOrigin | kSize, {100, 101, 500, 400})}));
 }
 
-TEST_F(PlacementProtocolTest, APositionAloneLeavesTheSizeToAWindowThatWasMaximised) {
+TEST_F(PlacementProtocolTest, APositionAloneRequestsNoSizeForAMaximisedWindow) {
     setStates({"_NET_WM_STATE_MAXIMIZED_VERT"});
 
     placement.place(window, {.origin = Point{101, 121}, .size = std::nullopt});
@@ -183,7 +183,7 @@ TEST_F(PlacementProtocolTest, APositionAloneLeavesTheSizeToAWindowThatWasMaximis
               (std::vector{changeMaximized(kRemove), moveResize(kOrigin, {101, 121, 0, 0})}));
 }
 
-TEST_F(PlacementProtocolTest, NegativePositionsTravelAsTheyAre) {
+TEST_F(PlacementProtocolTest, NegativePositionsAreSentUnchanged) {
     placement.place(window, {.origin = Point{-700, -20}, .size = Size{300, 200}});
 
     const auto heard = manager.heard();
@@ -193,7 +193,7 @@ TEST_F(PlacementProtocolTest, NegativePositionsTravelAsTheyAre) {
                                                      static_cast<std::uint32_t>(-20), 300, 200}));
 }
 
-TEST_F(PlacementProtocolTest, MaximisedAndShadedStatesGoFirst) {
+TEST_F(PlacementProtocolTest, MaximisedAndShadedStatesAreRemovedFirst) {
     setStates({"_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_SHADED"});
 
     placement.place(window, {.origin = Point{100, 120}, .size = Size{300, 200}});
@@ -204,7 +204,7 @@ TEST_F(PlacementProtocolTest, MaximisedAndShadedStatesGoFirst) {
                                             moveResize(kOrigin | kSize, {100, 120, 300, 200})}));
 }
 
-TEST_F(PlacementProtocolTest, FullScreenIsNotOursToLeave) {
+TEST_F(PlacementProtocolTest, TheFullScreenStateIsNotRemoved) {
     setStates({"_NET_WM_STATE_FULLSCREEN"});
 
     placement.place(window, {.origin = Point{100, 120}, .size = Size{300, 200}});
@@ -212,7 +212,7 @@ TEST_F(PlacementProtocolTest, FullScreenIsNotOursToLeave) {
     EXPECT_EQ(manager.heard(), (std::vector{moveResize(kOrigin | kSize, {100, 120, 300, 200})}));
 }
 
-TEST_F(PlacementProtocolTest, AManagerThatHoldsOnToAWindowIsMadeToLetGoOnce) {
+TEST_F(PlacementProtocolTest, AnIgnoredRequestIsRepeatedOnceAfterMaximisingAndUnmaximising) {
     const Message request = moveResize(kOrigin | kSize, {300, 200, 600, 450});
 
     placement.place(window, {.origin = Point{300, 200}, .size = Size{600, 450}});
@@ -221,7 +221,7 @@ TEST_F(PlacementProtocolTest, AManagerThatHoldsOnToAWindowIsMadeToLetGoOnce) {
               (std::vector{request, changeMaximized(kAdd), changeMaximized(kRemove), request}));
 }
 
-TEST_F(PlacementProtocolTest, AManagerThatHoldsOnToASizeIsMadeToLetGoOnce) {
+TEST_F(PlacementProtocolTest, AnIgnoredSizeIsRequestedOnceMoreAfterMaximisingAndUnmaximising) {
     window = client.open({.client = kClient, .step = {{10, 10}}, .minimum = {{500, 100}}});
     const Message request = moveResize(kOrigin | kSize, {100, 120, 500, 385});
 
@@ -231,7 +231,7 @@ TEST_F(PlacementProtocolTest, AManagerThatHoldsOnToASizeIsMadeToLetGoOnce) {
               (std::vector{request, changeMaximized(kAdd), changeMaximized(kRemove), request}));
 }
 
-TEST_F(PlacementProtocolTest, AManagerThatTilesAWindowMeanwhileIsMadeToLetGo) {
+TEST_F(PlacementProtocolTest, AWindowTiledDuringAPlacementIsUntiled) {
     const Message request = moveResize(kOrigin | kSize, {300, 200, 600, 450});
     bool isTiled = false;
     const auto tiler = driver.connection().onRead([&](const Connection::Event&) {
@@ -245,7 +245,7 @@ TEST_F(PlacementProtocolTest, AManagerThatTilesAWindowMeanwhileIsMadeToLetGo) {
               (std::vector{request, request, changeMaximized(kAdd), changeMaximized(kRemove), request}));
 }
 
-TEST_F(PlacementProtocolTest, AManagerThatKeepsAClientsHintsIsLeftAlone) {
+TEST_F(PlacementProtocolTest, SizesThatFollowTheClientsHintsAreAccepted) {
     const WindowOptions fixed{.client = kClient, .minimum = kFixed, .maximum = kFixed};
     const WindowOptions atMinimum{.client = kClient, .minimum = kFixed};
     const WindowOptions atMaximum{.client = kClient, .maximum = kFixed};
@@ -262,13 +262,13 @@ TEST_F(PlacementProtocolTest, AManagerThatKeepsAClientsHintsIsLeftAlone) {
     }
 }
 
-TEST_F(PlacementProtocolTest, AManagerThatMissesByAFewPixelsIsLeftAlone) {
+TEST_F(PlacementProtocolTest, ADeviationOfAFewPixelsIsAccepted) {
     placement.place(window, {.origin = Point{103, 117}, .size = Size{600, 450}});
 
     EXPECT_EQ(manager.heard().size(), 1U);
 }
 
-TEST_F(PlacementProtocolTest, AWindowThatKeepsItsSizeIsLeftAlone) {
+TEST_F(PlacementProtocolTest, AFixedSizeIsAccepted) {
     placement.place(window, {.origin = std::nullopt, .size = Size{600, 450}});
 
     EXPECT_EQ(manager.heard().size(), 1U);

@@ -23,7 +23,7 @@ protected:
         return window;
     }
 
-    /// The window is where it was told, and whoever reads it back is told so.
+    /// Places the window and expects that both the back end and the observer read the new frame.
     void expectPlaced(xcb_window_t window, const Rect& axFrame) {
         const Element element = elementOf(window);
         writeFrame(element, axFrame);
@@ -32,23 +32,23 @@ protected:
     }
 };
 
-TEST_F(PlacementTest, APlainWindowGoesToThePixel) {
+TEST_F(PlacementTest, APlainWindowGetsTheExactFrame) {
     expectPlaced(open(), kTarget);
 }
 
-TEST_F(PlacementTest, AWindowWithStaticGravityGoesToThePixel) {
+TEST_F(PlacementTest, AWindowWithStaticGravityGetsTheExactFrame) {
     expectPlaced(open({.gravity = XCB_GRAVITY_STATIC}), kTarget);
 }
 
-TEST_F(PlacementTest, AWindowWithoutDecorationGoesToThePixel) {
+TEST_F(PlacementTest, AWindowWithoutDecorationGetsTheExactFrame) {
     expectPlaced(open({.decorated = false}), kTarget);
 }
 
-TEST_F(PlacementTest, TheVisibleFrameOfAWindowWithShadowsGoesToThePixel) {
+TEST_F(PlacementTest, TheVisiblePartOfAWindowWithShadowsGetsTheExactFrame) {
     expectPlaced(open({.shadow = {{20, 21, 22, 23}}, .decorated = false}), kTarget);
 }
 
-TEST_F(PlacementTest, MaximisedWindowsAreBroughtBackFirst) {
+TEST_F(PlacementTest, MaximisedWindowsAreUnmaximisedFirst) {
     for (const char* axis : {"_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ"}) {
         const xcb_window_t window = openIn(axis);
         expectPlaced(window, kTarget);
@@ -56,7 +56,7 @@ TEST_F(PlacementTest, MaximisedWindowsAreBroughtBackFirst) {
     }
 }
 
-TEST_F(PlacementTest, AFullyMaximisedWindowIsBroughtBackFirst) {
+TEST_F(PlacementTest, AFullyMaximisedWindowIsUnmaximisedFirst) {
     const xcb_window_t window = open();
     observer.changeState(window, StateChange::Add, "_NET_WM_STATE_MAXIMIZED_VERT",
                          "_NET_WM_STATE_MAXIMIZED_HORZ");
@@ -67,7 +67,7 @@ TEST_F(PlacementTest, AFullyMaximisedWindowIsBroughtBackFirst) {
     expectPlaced(window, kTarget);
 }
 
-TEST_F(PlacementTest, AShadedWindowIsRolledDownFirst) {
+TEST_F(PlacementTest, AShadedWindowIsUnshadedFirst) {
     const xcb_window_t window = openIn("_NET_WM_STATE_SHADED");
 
     expectPlaced(window, kTarget);
@@ -75,7 +75,7 @@ TEST_F(PlacementTest, AShadedWindowIsRolledDownFirst) {
     EXPECT_FALSE(observer.hasState(window, "_NET_WM_STATE_SHADED"));
 }
 
-TEST_F(PlacementTest, AWindowWithStepsStaysWithinOneStep) {
+TEST_F(PlacementTest, AWindowWithResizeIncrementsIsWithinOneIncrement) {
     const xcb_window_t window = open({.step = {{10, 20}}, .base = {{4, 4}}});
     const Element element = elementOf(window);
 
@@ -90,7 +90,7 @@ TEST_F(PlacementTest, AWindowWithStepsStaysWithinOneStep) {
     EXPECT_EQ(actualFrame(window), frame);
 }
 
-TEST_F(PlacementTest, PartsOfPixelsAreRounded) {
+TEST_F(PlacementTest, FractionsOfPixelsAreRounded) {
     const Element element = elementOf(open());
 
     writeFrame(element, {333.5, 221.6, 600.4, 449.5});
@@ -119,7 +119,7 @@ TEST_F(PlacementTest, WritesHappenAtTheEndOfTheTurnAtTheLatest) {
     EXPECT_EQ(actualFrame(window), kTarget);
 }
 
-TEST_F(PlacementTest, AWindowOfNoSizeKeepsAtLeastOnePixel) {
+TEST_F(PlacementTest, AnEmptySizeBecomesOnePixel) {
     const xcb_window_t window = open({.decorated = false});
 
     writeFrame(elementOf(window), {100, 100, 0, 0});
@@ -140,7 +140,7 @@ TEST_F(PlacementTest, AWindowDestroyedAfterItWasReadIsLeftAlone) {
     EXPECT_FALSE(accessibility.pid(element));
 }
 
-TEST_F(PlacementTest, AStoppedProgramIsPlacedWithoutIt) {
+TEST_F(PlacementTest, AWindowOfAStoppedProgramIsPlaced) {
     const xcb_window_t window = open();
     const Element element = elementOf(window);
     client.stop();
@@ -153,10 +153,10 @@ TEST_F(PlacementTest, AStoppedProgramIsPlacedWithoutIt) {
     client.resume();
 }
 
-TEST_F(PlacementTest, AStoppedManagerIsWaitedForOncePerTurn) {
+TEST_F(PlacementTest, AStoppedWindowManagerIsWaitedForOncePerTurn) {
     const xcb_window_t window = open();
     const Element element = elementOf(window);
-    // What is answered, by the manager or by the server, counts as well as what is waited for in vain.
+    // Counts the round trips of a placement. A wait that times out counts as well as a reply.
     const auto waits = [&](const Rect& axFrame) {
         const auto before = connection.roundTrips();
         writeFrame(element, axFrame);
@@ -171,7 +171,7 @@ TEST_F(PlacementTest, AStoppedManagerIsWaitedForOncePerTurn) {
     const auto second = waits({10, 40, 300, 200});
 
     desktop.manager->process().signal(SIGCONT);
-    EXPECT_EQ(second, 1U) << "the frame is read back, and nobody waited for";
+    EXPECT_EQ(second, 1U) << "the frame is read back, without another wait";
     EXPECT_TRUE(observer.waitUntil([&] { return actualFrame(window) == Rect{10, 40, 300, 200}; }));
     settle();
     expectPlaced(window, kTarget);
@@ -182,7 +182,7 @@ protected:
     PlacementWithoutManagerTest() : X11Test(SharedDesktop::withoutManager()) {}
 };
 
-TEST_F(PlacementWithoutManagerTest, NobodyIsInFrontAndNothingIsListed) {
+TEST_F(PlacementWithoutManagerTest, NoApplicationIsFrontmostAndNoWindowIsListed) {
     (void)client.open();
     driver.hear();
 

@@ -9,7 +9,7 @@
 namespace tessarel::x11 {
 namespace {
 
-/// A process that does nothing until it is ended.
+/// A child process that sleeps until it is killed.
 class Sleeper {
 public:
     Sleeper() : m_pid(fork()) {
@@ -27,7 +27,7 @@ public:
 
     [[nodiscard]] ProcessId pid() const { return m_pid; }
 
-    /// Ends it, and takes no notice yet.
+    /// Kills the process and leaves it as a zombie.
     void end() const {
         kill(m_pid, SIGKILL);
         siginfo_t information{};
@@ -51,7 +51,7 @@ TEST(ProcessStart, IsNotEarlierForAProcessStartedLater) {
     EXPECT_GE(processStart(sleeper.pid()), processStart(getpid()));
 }
 
-TEST(ProcessStart, IsEmptyForAProcessThatHasEndedThoughItsParentHasNotNoticed) {
+TEST(ProcessStart, IsEmptyForAZombie) {
     const Sleeper sleeper;
     ASSERT_TRUE(processStart(sleeper.pid()));
 
@@ -60,7 +60,7 @@ TEST(ProcessStart, IsEmptyForAProcessThatHasEndedThoughItsParentHasNotNoticed) {
     EXPECT_FALSE(processStart(sleeper.pid()));
 }
 
-TEST(ProcessStart, IsEmptyForAProcessThatNeverWas) {
+TEST(ProcessStart, IsEmptyForInvalidProcessIds) {
     EXPECT_FALSE(processStart(-1));
     EXPECT_FALSE(processStart(0));
 }

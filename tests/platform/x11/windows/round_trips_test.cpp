@@ -10,12 +10,12 @@
 namespace tessarel::x11 {
 namespace {
 
-/// What pressing a key does with the focused window, at the price of round trips.
+/// The round trips of a hot key that snaps the focused window.
 class RoundTripsTest : public X11Test {
 protected:
     RoundTripsTest() { warmUp(); }
 
-    /// What the first press asks once.
+    /// Snaps once, so that the queries of the first snap are cached.
     void warmUp() {
         const xcb_window_t window = open();
         (void)snap({100, 100, 400, 300});
@@ -33,7 +33,7 @@ protected:
         std::size_t inAll = 0;
     };
 
-    /// The reads and writes of snapping the focused window, in their order.
+    /// Makes the reads and writes of snapping the focused window, in the order of the engine.
     Cost snap(const Rect& axFrame) {
         const auto start = connection.roundTrips();
         const auto frontmost = workspace.frontmostApplication();
@@ -64,10 +64,10 @@ TEST_F(RoundTripsTest, ASnapReadsOnceWritesOnceAndReadsBackOnce) {
     const Cost cost = snap({200, 150, 600, 400});
 
     EXPECT_EQ(cost.untilWritten, 1U);
-    EXPECT_EQ(cost.inAll, 3U) << "the reads, the manager's answer and the read-back";
+    EXPECT_EQ(cost.inAll, 3U) << "the reads, the wait for the window manager and the read-back";
 }
 
-TEST_F(RoundTripsTest, AManagerThatTellsItsOldNewsAgainCostsNothing) {
+TEST_F(RoundTripsTest, RewritingUnchangedRootPropertiesCostsNoRoundTrip) {
     (void)open();
     client.setProperty(observer.root(), "_NET_CLIENT_LIST", "WINDOW", 32, listOfClients());
     client.setCardinals(observer.root(), "_NET_CURRENT_DESKTOP", {0});
@@ -95,7 +95,7 @@ TEST_F(RoundTripsTest, AWindowThatHasJustGotTheFocusCostsNoMore) {
     EXPECT_EQ(snap({200, 150, 600, 400}).untilWritten, 1U);
 }
 
-TEST_F(RoundTripsTest, AFocusNotHeardOfYetCostsOneMore) {
+TEST_F(RoundTripsTest, AnUnreadFocusChangeCostsAtMostTwoMoreRoundTrips) {
     const xcb_window_t first = open();
     (void)open();
     (void)displays.screens();
@@ -119,7 +119,7 @@ TEST_F(RoundTripsTest, KeysPressedDuringASnapAreDeliveredAfterwardsInOrder) {
     const auto handler = connection.onEvent([&](const Connection::Event& event) {
         if (eventType(event) != XCB_KEY_PRESS)
             return;
-        if (keys.empty()) { // more come in while the first one is being dealt with
+        if (keys.empty()) { // press more keys while the first one is being handled
             for (const int key : {11, 12, 13})
                 keyboard.press({static_cast<xcb_keycode_t>(key), 0});
             (void)snap({200, 150, 600, 400});
@@ -133,7 +133,7 @@ TEST_F(RoundTripsTest, KeysPressedDuringASnapAreDeliveredAfterwardsInOrder) {
     EXPECT_EQ(keys, digits);
 }
 
-TEST_F(RoundTripsTest, AtRestNothingIsAskedAndNothingWaits) {
+TEST_F(RoundTripsTest, AtRestNoRequestIsSentAndNoWorkIsPending) {
     (void)open();
     settle();
     const auto before = connection.roundTrips();

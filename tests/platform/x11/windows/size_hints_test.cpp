@@ -13,26 +13,26 @@ constexpr std::uint32_t kMaximum = 32;
 constexpr std::uint32_t kStep = 64;
 constexpr std::uint32_t kAspect = 128;
 
-/// Minimum 100x50, maximum 900x500, steps of 10x20, as far as the flags say so.
+/// Returns the hints minimum 100x50, maximum 900x500 and increments 10x20, as far as `flags` enables them.
 SizeHints hintsWith(std::uint32_t flags) {
     return sizeHintsFrom(
         std::vector<std::uint32_t>{flags, 0, 0, 0, 0, 100, 50, 900, 500, 10, 20, 1, 2, 3, 4, 0, 0, 1});
 }
 
-TEST(SizeHintsTest, WhatIsNotAnnouncedAsksForNothing) {
+TEST(SizeHintsTest, HintsWithoutTheirFlagAreIgnored) {
     EXPECT_EQ(hintsWith(0), SizeHints{});
     EXPECT_EQ(hintsWith(kMinimum), (SizeHints{.width = {.minimum = 100}, .height = {.minimum = 50}}));
     EXPECT_EQ(hintsWith(kMaximum), (SizeHints{.width = {.maximum = 900}, .height = {.maximum = 500}}));
     EXPECT_EQ(hintsWith(kStep), (SizeHints{.width = {.step = 10}, .height = {.step = 20}}));
 }
 
-TEST(SizeHintsTest, HintsThatEndEarlyAreReadAsFarAsTheyGo) {
+TEST(SizeHintsTest, TruncatedHintsAreReadAsFarAsTheyGo) {
     EXPECT_EQ(sizeHintsFrom({}), SizeHints{});
     EXPECT_EQ(sizeHintsFrom(std::vector<std::uint32_t>{kMinimum | kMaximum | kStep, 0, 0, 0, 0, 100}),
               (SizeHints{.width = {.minimum = 100}, .height = {}}));
 }
 
-TEST(SizeHintsTest, SizesThatNoWindowCanHaveAskForNothing) {
+TEST(SizeHintsTest, InvalidSizesAreIgnored) {
     constexpr std::uint32_t kNegative = 0xFFFFFFFF;
     const std::vector<std::uint32_t> values{
         kMinimum | kMaximum | kStep, 0, 0, 0, 0, kNegative, 0, 0, kNegative, 0, kNegative};
@@ -40,7 +40,7 @@ TEST(SizeHintsTest, SizesThatNoWindowCanHaveAskForNothing) {
     EXPECT_EQ(sizeHintsFrom(values), SizeHints{});
 }
 
-TEST(SizeHintsTest, WithoutHintsOnlyTheWantedSizeIsExplained) {
+TEST(SizeHintsTest, WithoutHintsOnlyTheRequestedSizeIsExplained) {
     const SizeHints none;
 
     EXPECT_TRUE(none.explain({800, 435}, {800, 435}));
@@ -49,20 +49,20 @@ TEST(SizeHintsTest, WithoutHintsOnlyTheWantedSizeIsExplained) {
     EXPECT_FALSE(none.explain({790, 435}, {800, 435}));
 }
 
-TEST(SizeHintsTest, ALimitExplainsTheWindowThatStandsAtIt) {
+TEST(SizeHintsTest, ALimitExplainsASizeAtTheLimit) {
     EXPECT_TRUE(hintsWith(kMinimum).explain({100, 50}, {60, 20}));
     EXPECT_TRUE(hintsWith(kMaximum).explain({900, 500}, {1600, 870}));
     EXPECT_FALSE(hintsWith(kMinimum).explain({120, 50}, {60, 20}));
     EXPECT_FALSE(hintsWith(kMaximum).explain({900, 480}, {1600, 870}));
 }
 
-TEST(SizeHintsTest, StepsExplainWhatIsLessThanOneSmaller) {
+TEST(SizeHintsTest, IncrementsExplainASizeThatIsSmallerByLessThanOne) {
     EXPECT_TRUE(hintsWith(kStep).explain({791, 416}, {800, 435}));
     EXPECT_FALSE(hintsWith(kStep).explain({780, 435}, {800, 435}));
     EXPECT_FALSE(hintsWith(kStep).explain({800, 450}, {800, 435}));
 }
 
-TEST(SizeHintsTest, AFixedSizeExplainsEveryWish) {
+TEST(SizeHintsTest, AFixedSizeExplainsEveryRequest) {
     const SizeHints fixed{.width = {.minimum = 300, .maximum = 300},
                           .height = {.minimum = 200, .maximum = 200}};
 
@@ -70,14 +70,14 @@ TEST(SizeHintsTest, AFixedSizeExplainsEveryWish) {
         EXPECT_TRUE(fixed.explain({300, 200}, wanted)) << wanted.width;
 }
 
-TEST(SizeHintsTest, OfLimitsThatContradictEachOtherTheMinimumCounts) {
+TEST(SizeHintsTest, TheMinimumWinsOverASmallerMaximum) {
     const ExtentHints hints{.minimum = 500, .maximum = 100};
 
     EXPECT_TRUE(hints.explain(500, 300));
     EXPECT_FALSE(hints.explain(100, 300));
 }
 
-TEST(SizeHintsTest, AClientThatKeepsItsAspectExplainsEverything) {
+TEST(SizeHintsTest, AnAspectRatioExplainsEverySize) {
     EXPECT_TRUE(hintsWith(kAspect).explain({10, 10}, {1600, 870}));
 }
 

@@ -16,7 +16,7 @@ protected:
     [[nodiscard]] std::optional<xcb_window_t> at(const Point& rootPoint) {
         return windowAtPoint(connection, windows, rootPoint);
     }
-    /// A window whose visible frame is at the place.
+    /// Opens a window and moves its visible frame to `frame`.
     [[nodiscard]] xcb_window_t openAt(const x11test::Frame& frame) {
         const xcb_window_t window = open();
         observer.moveOuterFrame(window, frame);
@@ -28,7 +28,7 @@ protected:
 
 TEST_F(WindowAtPointTest, TheTitleBarBelongsToTheWindow) {
     const xcb_window_t window = openAt({200, 150, 640, 480});
-    ASSERT_GT(observer.clientFrame(window)->y, 152) << "no title bar to speak of";
+    ASSERT_GT(observer.clientFrame(window)->y, 152) << "the window has no title bar";
 
     EXPECT_EQ(at({500, 151}), window);
 }
@@ -59,7 +59,7 @@ TEST_F(WindowAtPointTest, AShadowAroundAClientIsNotTheWindow) {
     EXPECT_EQ(at({left + 20, top + 20}), window);
 }
 
-TEST_F(WindowAtPointTest, AWindowOfAnotherDesktopIsNotThere) {
+TEST_F(WindowAtPointTest, AWindowOnAnotherDesktopIsNotFound) {
     const xcb_window_t window = openAt({200, 150, 640, 480});
     const auto desktops = observer.values(observer.root(), "_NET_NUMBER_OF_DESKTOPS");
     ASSERT_FALSE(desktops.empty());

@@ -20,7 +20,7 @@ protected:
         return windowList.onScreenWindows();
     }
 
-    /// The one window that is listed; empty values when it is not the only one.
+    /// Returns the only listed window; default values unless exactly one window is listed.
     [[nodiscard]] ListedWindow only() {
         const auto all = list();
         EXPECT_EQ(all.size(), 1U);
@@ -34,7 +34,7 @@ protected:
         }));
     }
 
-    /// Spoils what the window manager has announced, until it announces it again.
+    /// Overwrites a property of the window manager, until the window manager sets it again.
     void setRootWindows(const std::string& property, const std::vector<xcb_window_t>& windowsThen) {
         xcb_change_property(observer.x().get(), XCB_PROP_MODE_REPLACE, observer.root(),
                             observer.x().atom(property), XCB_ATOM_WINDOW, 32,
@@ -76,7 +76,7 @@ TEST_F(WindowListTest, WindowsAreListedFrontToBack) {
     EXPECT_EQ(all[2].axBounds, actualFrame(second));
 }
 
-TEST_F(WindowListTest, TheServersOrderIsRightWhereTheManagersIsOutdated) {
+TEST_F(WindowListTest, TheServersStackingOrderOverridesAnOutdatedProperty) {
     const xcb_window_t first = open({.client = {100, 100, 300, 200}});
     const xcb_window_t second = open({.client = {200, 200, 310, 210}});
     const xcb_window_t third = open({.client = {300, 300, 320, 220}});
@@ -99,19 +99,19 @@ TEST_F(WindowListTest, AMinimizedWindowIsNotOnTheScreen) {
     EXPECT_TRUE(list().empty());
 }
 
-TEST_F(WindowListTest, AWindowOfAnotherDesktopIsNotOnTheScreen) {
+TEST_F(WindowListTest, AWindowOnAnotherDesktopIsNotOnTheScreen) {
     moveToDesktop(open(), 1);
 
     EXPECT_TRUE(list().empty());
 }
 
-TEST_F(WindowListTest, AWindowOfAllDesktopsIsOnTheScreen) {
+TEST_F(WindowListTest, AWindowOnAllDesktopsIsOnTheScreen) {
     moveToDesktop(open(), 0xFFFFFFFF);
 
     EXPECT_EQ(list().size(), 1U);
 }
 
-TEST_F(WindowListTest, OpacityIsAShareOfOne) {
+TEST_F(WindowListTest, AlphaIsTheOpacityFromZeroToOne) {
     const xcb_window_t window = open();
 
     client.setCardinals(window, "_NET_WM_WINDOW_OPACITY", {kOpaque});
@@ -122,7 +122,7 @@ TEST_F(WindowListTest, OpacityIsAShareOfOne) {
     EXPECT_NEAR(only().alpha.value_or(-1), 0.5, 1e-6);
 }
 
-TEST_F(WindowListTest, NonsenseAboutOpacityIsNoWord) {
+TEST_F(WindowListTest, AMalformedOpacityIsIgnored) {
     const xcb_window_t window = open();
 
     client.setProperty(window, "_NET_WM_WINDOW_OPACITY", "STRING", 8, "half");
@@ -148,11 +148,11 @@ TEST_F(WindowListTest, APanelIsOnAnotherLayer) {
     EXPECT_NE(only().layer, 0);
 }
 
-TEST_F(WindowListTest, AskingAboutManyWindowsTakesTwoRoundTrips) {
+TEST_F(WindowListTest, ListingManyWindowsTakesTwoRoundTrips) {
     for (int i = 0; i < 9; ++i)
         (void)open();
     settle();
-    (void)monitors.primaryOrigin(); // asked once, until monitors change
+    (void)monitors.primaryOrigin(); // cached until the monitors change
     const auto before = connection.roundTrips();
 
     EXPECT_EQ(windowList.onScreenWindows().size(), 9U);
@@ -160,7 +160,7 @@ TEST_F(WindowListTest, AskingAboutManyWindowsTakesTwoRoundTrips) {
     EXPECT_LE(connection.roundTrips() - before, 2U);
 }
 
-TEST_F(WindowListTest, WhatTheListHasAskedTheWindowsAnswerFromMemory) {
+TEST_F(WindowListTest, FramesReadByTheListAreCachedForTheWindows) {
     for (int i = 0; i < 3; ++i)
         (void)open();
     settle();

@@ -23,11 +23,11 @@ protected:
     }
 };
 
-TEST_F(WorkspaceTest, TheProgramKnowsItself) {
+TEST_F(WorkspaceTest, TheOwnProcessIdIsKnown) {
     EXPECT_EQ(workspace.ownProcessIdentifier(), getpid());
 }
 
-TEST_F(WorkspaceTest, AnApplicationIsKnownByTheNameThatItGivesItself) {
+TEST_F(WorkspaceTest, TheIdentifierIsTheMostSpecificNameOfTheWindow) {
     const xcb_window_t window = open({.className = "Editor"});
     EXPECT_EQ(identifier(), "Editor");
 
@@ -38,7 +38,7 @@ TEST_F(WorkspaceTest, AnApplicationIsKnownByTheNameThatItGivesItself) {
     EXPECT_EQ(identifier(), "org.example.editor");
 }
 
-TEST_F(WorkspaceTest, AClassIsTakenForTheInstalledApplicationThatNamesIt) {
+TEST_F(WorkspaceTest, AClassIsMappedToTheDesktopEntryThatNamesIt) {
     const ScratchFolder folder;
     ScratchFolder::write(folder.path() / "org.example.editor.desktop",
                          "[Desktop Entry]\nStartupWMClass=Editor\n");
@@ -50,7 +50,7 @@ TEST_F(WorkspaceTest, AClassIsTakenForTheInstalledApplicationThatNamesIt) {
     EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.other");
 }
 
-TEST_F(WorkspaceTest, WhatIsInstalledMeanwhileIsKnownWhenItOpensItsWindow) {
+TEST_F(WorkspaceTest, AnApplicationInstalledAtRuntimeIsKnownWhenItOpensAWindow) {
     const ScratchFolder folder;
     Applications installed(windows, {folder.path()});
     ApplicationWatch launches(connection, windows, installed);
@@ -65,7 +65,7 @@ TEST_F(WorkspaceTest, WhatIsInstalledMeanwhileIsKnownWhenItOpensItsWindow) {
     EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.editor");
 }
 
-TEST_F(WorkspaceTest, AnEmptyNameIsNone) {
+TEST_F(WorkspaceTest, AnEmptyNameIsIgnored) {
     const xcb_window_t window = open({.className = ""});
     setText(window, "_GTK_APPLICATION_ID", "");
     setText(window, "_KDE_NET_WM_DESKTOP_FILE", "");
@@ -73,7 +73,7 @@ TEST_F(WorkspaceTest, AnEmptyNameIsNone) {
     EXPECT_EQ(identifier(), std::nullopt);
 }
 
-TEST_F(WorkspaceTest, ANameIsAlwaysGoodUtf8) {
+TEST_F(WorkspaceTest, AnIdentifierIsAlwaysValidUtf8) {
     const xcb_window_t window = open();
 
     setText(window, "_GTK_APPLICATION_ID", "caf\xE9");
@@ -81,7 +81,7 @@ TEST_F(WorkspaceTest, ANameIsAlwaysGoodUtf8) {
     EXPECT_EQ(identifier(), "caf\xC3\xA9");
 }
 
-TEST_F(WorkspaceTest, AnEndlessNameIsNone) {
+TEST_F(WorkspaceTest, ATooLongNameIsIgnored) {
     const xcb_window_t window = open({.className = "Editor"});
 
     setText(window, "_GTK_APPLICATION_ID", std::string(3000, 'x'));
@@ -89,14 +89,14 @@ TEST_F(WorkspaceTest, AnEndlessNameIsNone) {
     EXPECT_EQ(identifier(), "Editor");
 }
 
-TEST_F(WorkspaceTest, AnApplicationIsKnownByItsFrontWindow) {
+TEST_F(WorkspaceTest, AnApplicationIsIdentifiedByItsFrontWindow) {
     (void)open({.className = "First"});
     (void)open({.className = "Second"});
 
     EXPECT_EQ(workspace.runningApplication(client.pid()), (RunningApplication{client.pid(), "Second"}));
 }
 
-TEST_F(WorkspaceTest, AWindowThatNobodyManagesIsNotInFront) {
+TEST_F(WorkspaceTest, AnUnmanagedWindowIsNotFrontmost) {
     const xcb_window_t menu = client.open({.overrideRedirect = true});
     const std::string bytes(reinterpret_cast<const char*>(&menu), sizeof(menu));
     client.setProperty(observer.root(), "_NET_ACTIVE_WINDOW", "WINDOW", 32, bytes);
