@@ -1,5 +1,5 @@
-// All windows of a screen arranged at one press, against nine single placements by the client that does
-// nothing else.
+// Measures how long it takes to arrange all windows of a screen with one key press. The baseline is nine
+// single placements by the minimal client `raw_xcb_client`.
 //
 //   arrange DIRECTORY [REPETITIONS]
 
@@ -29,16 +29,17 @@ constexpr auto kQuiet = 50ms;
 constexpr std::uint8_t kArrangeKey = 38;
 constexpr std::size_t kWindows = 9;
 
-/// As many windows as there are zones, none of which stands in one.
+/// One window per zone, none of them in a zone yet.
 class Windows {
 public:
     Windows();
 
-    /// Puts all windows back to where they came.
+    /// Moves all windows back to their initial frames.
     void scatter();
-    /// Presses `key` and answers the milliseconds to the last ConfigureNotify of any window, if one came.
+    /// Presses `key` and returns the milliseconds until the last ConfigureNotify of any window; empty if none
+    /// comes.
     std::optional<double> press(std::uint8_t key);
-    /// How many windows moved at the last press.
+    /// Returns how many windows moved at the last press.
     [[nodiscard]] std::size_t moved() const { return m_moved.size(); }
 
 private:

@@ -1,5 +1,5 @@
-// From a click on the icon in the tray to the menu on the screen: Tessarel's, built anew at each click,
-// against that of an empty Qt tray program, which has one row.
+// Measures the time from a click on the tray icon until the menu is on the screen. Tessarel rebuilds its menu
+// at each click; the baseline is an empty Qt tray program with a menu of one row.
 //
 //   click DIRECTORY TINT2_CONFIG [CLICKS]
 
@@ -30,19 +30,19 @@ using namespace std::chrono_literals;
 
 constexpr int kDefaultClicks = 30;
 constexpr auto kPatience = 5s;
-constexpr auto kNotTwice = 600ms; // a sooner second click would be a double click
+constexpr auto kNotTwice = 600ms; // a second click within this time would be a double click
 constexpr std::uint8_t kRightButton = 3;
 constexpr std::uint8_t kEscape = 9;
 constexpr int kPanelHeight = 30;
 constexpr int kIntoMenu = 10;               // right of the pointer and below the panel
 constexpr std::uint32_t kBare = 0x00FF00FF; // a colour that no menu has
 
-/// A hand on the mouse, and an eye on what appears below the icon.
+/// Clicks the tray icon with XTEST and watches for the menu below it.
 class Clicker {
 public:
     explicit Clicker(const Place& icon);
 
-    /// Opens the menu and closes it again: how long it took to be painted.
+    /// Opens the menu and closes it again. Returns the time until the menu was painted.
     Milliseconds click();
 
 private:
@@ -67,7 +67,7 @@ void Clicker::fake(std::uint8_t type, std::uint8_t detail, int x, int y) {
     m_connection.flush();
 }
 
-/// Whether nothing has been painted yet where the menu will be.
+/// Returns true while the place of the menu still shows the root window's colour.
 bool Clicker::isBare() const {
     const Received<xcb_get_image_reply_t> pixel(
         xcb_get_image_reply(m_connection.get(),
@@ -106,7 +106,7 @@ Milliseconds Clicker::click() {
 }
 
 struct Times {
-    double first = 0; ///< which makes the window and loads fonts
+    double first = 0; ///< the first click, which creates the menu's window and loads fonts
     std::vector<double> later;
 };
 

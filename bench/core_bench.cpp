@@ -1,5 +1,5 @@
-// What the core itself costs between a key and a request, without any desktop: geometry, a whole snap in
-// memory, and the settings document.
+// Measures the CPU time of the core between a hot key and the request to the desktop, without a desktop:
+// geometry, a whole snap in memory, and the settings document.
 
 #include "engine/ax.h"
 #include "engine/geo.h"
@@ -19,7 +19,7 @@ namespace {
 constexpr Zone kLeftHalf{true, 0, 0, 50, 100};
 constexpr Zone kRightThird{true, 200.0 / 3, 0, 100.0 / 3, 100};
 
-/// Three displays side by side, and the engine on them.
+/// Three displays side by side, with an engine.
 struct Core {
     Core() {
         for (const double x : {0.0, 1440.0, 3360.0})
@@ -52,7 +52,7 @@ void screenContaining(benchmark::State& state) {
 }
 BENCHMARK(screenContaining);
 
-/// The time that the simulated window and its record of requests take is part of it.
+/// The result includes the time that the simulated window takes to record the requests.
 void snapFocused(benchmark::State& state) {
     Core core;
     core.desktop.openWindow("org.example.editor", {200, 150, 640, 480});

@@ -1,5 +1,6 @@
-// What drags cost: how soon the highlight follows the pointer, what a fast mouse takes, whether a mouse that
-// merely moves wakes anybody, and what many drags leave behind. Needs openbox, and no compositor.
+// Measures drags: how soon the highlight follows the pointer, the CPU time at a high pointer rate, whether
+// motion without a drag wakes the program, and how much memory many drags leave behind. Needs openbox and no
+// compositor.
 //
 //   drag DIRECTORY [DRAGS]
 
@@ -33,31 +34,31 @@ using namespace std::chrono_literals;
 constexpr int kDefaultDrags = 500;
 constexpr int kDragsToWarmUp = 50;
 constexpr int kHighlights = 200;
-constexpr auto kTimeToNotice = 50ms; ///< a press, also right after a placement
+constexpr auto kTimeToNotice = 50ms; ///< for the program to notice a press, even right after a placement
 constexpr auto kFastMouse = 10s;
 constexpr auto kPatience = 10s;
 constexpr auto kPatienceWithPress = 2s;
 constexpr int kTries = 5;
-constexpr auto kTimeToSettle = 2s; ///< of a program that has just claimed its keys
-constexpr auto kRest = 500ms;      ///< after which nothing is under way any more
+constexpr auto kTimeToSettle = 2s; ///< time for a program that has just grabbed its keys to finish starting
+constexpr auto kRest = 500ms;      ///< a program that has used no CPU time for this long is at rest
 
 struct Place {
     int x = 0;
     int y = 0;
 };
 
-// In two zones that do not touch, of those in bench/config.
+// Points in two zones of bench/config that do not touch.
 constexpr Place kLeft{100, 700};
 constexpr Place kRight{1500, 200};
 
-/// A mouse with Shift beside it, by XTEST.
+/// Sends pointer motion, button 1 and Shift with XTEST.
 class Hand {
 public:
     void moveTo(const Place& place) {
         fake(XCB_MOTION_NOTIFY, 0, place);
         m_place = place;
     }
-    /// To and fro by a few pixels, as hands do.
+    /// Moves the pointer by a few pixels, in alternating directions.
     void tremble() { moveTo({m_place.x + (m_place.x % 2 == 0 ? 5 : -5), m_place.y}); }
     void press() { fake(XCB_BUTTON_PRESS, 1); }
     void release() { fake(XCB_BUTTON_RELEASE, 1); }
@@ -92,10 +93,11 @@ void await(const char* what, const std::function<bool()>& holds) {
         throw std::runtime_error(std::string("in vain: ") + what);
 }
 
-/// The overlay, as it is seen on the screen.
+/// Finds the overlay window on the screen and watches its shape.
 class OverlayWatch {
 public:
-    /// The window that covers the screen and that nobody manages; none when it is not to be seen.
+    /// Returns the mapped override-redirect window that is as wide as the screen, or `XCB_NONE` if there is
+    /// none.
     [[nodiscard]] xcb_window_t find() const {
         xcb_connection_t* const x = m_connection.get();
         const Received<xcb_query_tree_reply_t> tree(
@@ -108,7 +110,7 @@ public:
         return XCB_NONE;
     }
 
-    /// Tells of every change of its shape from now on.
+    /// Selects ShapeNotify events of the overlay; drops those that have arrived so far.
     void watch(xcb_window_t overlay) const {
         xcb_shape_select_input(m_connection.get(), overlay, 1);
         m_connection.roundTrip();
@@ -124,7 +126,8 @@ public:
             return event != nullptr;
         });
     }
-    /// When the shape has changed next, waiting on nothing else.
+    /// Blocks until the next shape change and returns its time. Nothing else runs meanwhile that could delay
+    /// it.
     [[nodiscard]] Clock::time_point nextChange() const {
         const Received<xcb_generic_event_t> event(xcb_wait_for_event(m_connection.get()));
         return Clock::now();
@@ -146,11 +149,11 @@ private:
     Connection m_connection;
 };
 
-/// Windows dragged by their title bars while a program watches.
+/// Drags a window by its title bar with synthetic pointer events.
 class Drags {
 public:
-    /// Takes the window by its title bar, Shift held, until the zones show. A machine that is busy with other
-    /// things may notice the press too late; then it begins anew.
+    /// Presses the title bar, with Shift held, and drags until the overlay shows. Retries if the press was
+    /// noticed too late, which happens on a busy machine.
     void begin() {
         for (int i = 0; i < kTries; ++i) {
             take();
@@ -174,12 +177,13 @@ public:
         await("the window in its zone", [&] { return m_target.frame().x == 0; });
     }
 
-    /// Milliseconds from a movement into the other zone to the highlight there.
+    /// Returns the milliseconds from moving the pointer into the other zone until the highlight changes
+    /// there.
     [[nodiscard]] std::vector<double> highlights(int count) {
         std::vector<double> latencies;
         m_overlay.watch(m_overlay.find());
         for (int i = 0; i < count; ++i) {
-            std::this_thread::sleep_for(30ms); // longer than changes are put together for
+            std::this_thread::sleep_for(30ms); // longer than the overlay's interval for coalescing
             m_overlay.discard();
             const auto start = Clock::now();
             m_hand.moveTo(i % 2 == 0 ? kRight : kLeft);
@@ -188,7 +192,7 @@ public:
         return latencies;
     }
 
-    /// A movement each millisecond, which stays in one zone; how many there were.
+    /// Moves the pointer every millisecond, within one zone, for `length`. Returns the number of motions.
     int moveFast(Clock::duration length) {
         int count = 0;
         const auto start = Clock::now();
@@ -202,7 +206,7 @@ public:
 private:
     void take() {
         const Frame frame = m_target.frame();
-        m_aside = (m_aside + 40) % 120; // two presses on the same place are a double click
+        m_aside = (m_aside + 40) % 120; // two presses at the same point would be a double click
         const Place grip{frame.x + frame.width / 2 + m_aside, frame.y + 8};
         m_hand.moveTo(grip);
         m_hand.press();
@@ -218,7 +222,7 @@ private:
     int m_aside = 0;
 };
 
-/// What a process spends from now on.
+/// Measures the CPU time and the context switches of a process since construction.
 class Meter {
 public:
     explicit Meter(pid_t pid) : m_pid(pid), m_cpu(cpuTime(pid)), m_switches(voluntarySwitches(pid)) {}
@@ -234,7 +238,7 @@ private:
     long m_switches;
 };
 
-/// Milliseconds until the process has nothing left to do.
+/// Waits until the process has used no CPU time for `kRest`. Returns the milliseconds until it last did.
 double timeToRest(pid_t pid) {
     const auto start = Clock::now();
     auto last = start;

@@ -1,6 +1,6 @@
-// What a drag in the zone editor costs from the mouse event until the server has painted it, beside a bare
-// widget that repaints the same part of itself with the same zones and edits nothing, and beside one that
-// only fills it. Needs an X server.
+// Measures a drag in the zone editor, from the mouse event until the server has painted the result. The
+// baselines are a bare widget that repaints the same area with the same zones, and one that only fills that
+// area. Needs an X server.
 //
 //   editor_bench [EVENTS]
 
@@ -34,16 +34,16 @@ namespace {
 constexpr int kDefaultEvents = 1000;
 constexpr QSize kSize(500, 312);
 
-/// Waits until the server has carried out all that has been asked of it.
+/// Waits until the server has processed all requests sent so far.
 void roundTrip() {
     auto* const server = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
     std::free(xcb_get_input_focus_reply(server, xcb_get_input_focus(server), nullptr));
 }
 
-/// Repaints a part of itself at every move of the mouse.
+/// A widget that repaints `part` at every mouse move.
 class BareWidget : public QWidget {
 public:
-    /// With `settings`, it shows their zones.
+    /// Paints the zones of `settings`; with null, only fills the area.
     explicit BareWidget(const AppSettings* settings) : m_settings(settings) {}
 
     QRect part;
@@ -62,7 +62,7 @@ private:
     const AppSettings* m_settings;
 };
 
-/// Sees which part of the editor is repainted.
+/// Records the area that the watched widget last repainted.
 class PaintWatch : public QObject {
 public:
     explicit PaintWatch(QWidget& watched) { watched.installEventFilter(this); }
@@ -95,7 +95,7 @@ void send(QWidget& widget, QEvent::Type type, const QPointF& place) {
     QApplication::sendEvent(&widget, &event);
 }
 
-/// Until the move has been handled and painted.
+/// Returns the milliseconds until a mouse move has been handled and painted.
 double millisecondsOfMove(QWidget& widget, const QPointF& place) {
     const auto start = Clock::now();
     send(widget, QEvent::MouseMove, place);
@@ -104,7 +104,7 @@ double millisecondsOfMove(QWidget& widget, const QPointF& place) {
     return Milliseconds(Clock::now() - start).count();
 }
 
-/// Moves the first of `zones` to and fro.
+/// Measures moving the first of `zones` to and fro, in the editor and in both baselines.
 void compare(Table& table, const std::string& name, std::vector<Zone> zones, int events) {
     AppSettings settings;
     settings.zones = Presets::pad(std::move(zones));

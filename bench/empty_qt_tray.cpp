@@ -1,5 +1,5 @@
-// What any program of this kind pays for being a Qt program in the tray: the measure for start, memory and
-// idling. Says "ready" at the first turn of its loop.
+// An empty Qt tray program: the baseline for startup time, memory and idle costs. Prints "ready" in the first
+// iteration of its event loop.
 
 #include <QApplication>
 #include <QMenu>

@@ -1,4 +1,4 @@
-// What a program costs that nobody is using: memory, wake-ups and processor time.
+// Measures an idle program: memory, wake-ups and CPU time.
 //
 //   idle DIRECTORY [SECONDS]
 
@@ -26,8 +26,8 @@ struct Figures {
     std::chrono::nanoseconds cpu{};
 };
 
-/// One at a time, for pages that two share count by half. Other programs on the machine may share some for a
-/// while, so the most that is seen counts. Looking on from outside does not wake the program.
+/// Measures one program at a time, because a page shared by two programs counts half for each. Other programs
+/// may share pages for a while, so the highest PSS counts. Reading /proc does not wake the program.
 Figures observe(const Resident& resident, const Connection& connection, std::chrono::seconds length) {
     const auto program = startAndAwait(resident, connection);
     std::this_thread::sleep_for(kTimeToSettle);

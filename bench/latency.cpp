@@ -1,4 +1,5 @@
-// From a key press to the window in its new place: every contender on one desktop, in shuffled order.
+// Measures the time from a key press until the window is in its new place, for all contenders in shuffled
+// order.
 //
 //   latency DIRECTORY OPENBOX_PID [REPETITIONS]
 
@@ -24,16 +25,16 @@ constexpr int kDefaultRepetitions = 200;
 constexpr Milliseconds kPatience = 1s;
 constexpr Milliseconds kPatienceForNothing = 50ms;
 
-/// What one contender did in a series of presses.
+/// The results of one contender in a series of presses.
 struct Series {
-    std::vector<double> milliseconds; ///< of the presses that were answered
+    std::vector<double> milliseconds; ///< of the presses that were followed by a ConfigureNotify
     std::vector<double> cpuMicroseconds;
     long events = 0;
-    int exact = 0; ///< presses after which the window stood where openbox puts it
+    int exact = 0; ///< presses after which the window had the frame that openbox itself gives it
     int misses = 0;
 };
 
-/// The desktop with the target on it and the hands on the keys.
+/// The desktop with the target window, on which the contenders take turns.
 class Arena {
 public:
     Arena(Target& target, const Contender& floor) : m_target(target), m_floor(floor) {
@@ -41,13 +42,13 @@ public:
             m_frames[place] = move(floor, place);
     }
 
-    /// Presses `keys` in one go and notes in `series` what became of it.
+    /// Presses `keys` in one flush and adds the result to `series`.
     void press(std::span<const std::uint8_t> keys, pid_t pid, Milliseconds patience, Series& series);
-    /// Makes `contender` move the window to the other place.
+    /// Makes `contender` move the window to the other of the two frames.
     void pressMove(const Contender& contender, Series& series);
-    /// Asks `contender` for the place where the window already is.
+    /// Makes `contender` move the window to the frame that it already has.
     void pressNothing(const Contender& contender, Series& series);
-    /// Both, one right after the other.
+    /// Presses the key for the current frame and the key for the other one, in one flush.
     void pressNothingThenMove(const Contender& contender, Series& series);
 
 private:
@@ -91,7 +92,7 @@ void Arena::arrive(Series& series) {
     if (frame == m_frames[m_place])
         ++series.exact;
     else
-        move(m_floor, m_place); // the next one shall find the window where everybody finds it
+        move(m_floor, m_place); // restores the starting condition for the next contender
 }
 
 void Arena::pressMove(const Contender& contender, Series& series) {
@@ -116,7 +117,7 @@ struct Entry {
     Series series;
 };
 
-/// Runs every entry `repetitions` times, all of them mixed, after one unmeasured round.
+/// Runs every entry `repetitions` times, in shuffled order, after two unmeasured presses each.
 void runShuffled(Arena& arena, std::vector<Entry>& entries, int repetitions) {
     std::vector<std::size_t> order;
     for (std::size_t entry = 0; entry < entries.size(); ++entry) {
@@ -125,7 +126,7 @@ void runShuffled(Arena& arena, std::vector<Entry>& entries, int repetitions) {
             (arena.*entries[entry].press)(*entries[entry].contender, unused);
         order.insert(order.end(), static_cast<std::size_t>(repetitions), entry);
     }
-    std::mt19937 generator(20230610); // any fixed number: the same order in every run
+    std::mt19937 generator(20230610); // a fixed seed, so that the order is the same in every run
     std::ranges::shuffle(order, generator);
     for (const auto entry : order)
         (arena.*entries[entry].press)(*entries[entry].contender, entries[entry].series);

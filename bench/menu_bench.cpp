@@ -1,5 +1,5 @@
-// What a click at the icon costs before the menu can be painted, with as many layouts as nobody has: the menu
-// as a value, and the rows of the widget made from it anew.
+// Measures the work after a click on the tray icon before the menu can be painted, with an extreme number of
+// layouts: building the menu as a value, and rebuilding the rows of the widget from it.
 
 #include "app/services.h"
 #include "app/status_menu.h"
@@ -18,7 +18,7 @@ namespace tessarel::bench {
 
 namespace {
 
-/// The menu of somebody with `layouts` layouts of their own.
+/// The menu of a user with `layouts` layouts of their own.
 struct Shell {
     explicit Shell(std::int64_t layouts) {
         desktop.trust().trusted = true;
@@ -41,7 +41,7 @@ void rebuildMenu(benchmark::State& state) {
 }
 BENCHMARK(rebuildMenu)->Arg(0)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
-/// Every time with another mark and another name, so that no row may stay.
+/// Changes the pause mark and all layout names in each iteration, so that no row can be reused.
 void rebuildMenuAndWidget(benchmark::State& state) {
     Shell shell(state.range(0));
     qt::MenuView view(qt::MenuView::DrawnBy::Qt, {});

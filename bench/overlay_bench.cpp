@@ -1,5 +1,5 @@
-// How long the overlay takes to come up and to move its highlight, beside a bare widget that does no more
-// than fill rectangles of the same size. Needs an X server of at least 3840x2160 without a compositor.
+// Measures how long the overlay takes to show and to move its highlight. The baseline is a bare widget that
+// only fills rectangles of the same size. Needs an X server of at least 3840x2160 without a compositor.
 //
 //   overlay_bench [ROUNDS]
 
@@ -33,19 +33,20 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kDefaultRounds = 100;
-/// Longer than the time within which the overlay puts changes together.
+/// Longer than the interval in which the overlay coalesces changes.
 constexpr auto kPause = 20ms;
 
 xcb_connection_t* server() {
     return qGuiApp->nativeInterface<QNativeInterface::QX11Application>()->connection();
 }
 
-/// Waits until the server has carried out all that has been asked of it.
+/// Waits until the server has processed all requests sent so far.
 void roundTrip() {
     std::free(xcb_get_input_focus_reply(server(), xcb_get_input_focus(server()), nullptr));
 }
 
-/// Takes the part of a compositor towards programs, without costing what one costs.
+/// Owns the selection of a compositing manager, so that programs assume a compositor, without the cost of
+/// one.
 class PretendedCompositor {
 public:
     PretendedCompositor() : m_window(xcb_generate_id(server())) {
@@ -73,7 +74,7 @@ private:
     xcb_window_t m_window;
 };
 
-/// Sees that something has been painted.
+/// Waits until any widget of the application has been painted.
 class PaintWatch : public QObject {
 public:
     PaintWatch() { qApp->installEventFilter(this); }
@@ -213,7 +214,7 @@ void compare(Table& table, const QSize& size, bool translucent, int rounds) {
     Overlay overlay(queue, size);
     Samples ofBare;
     Samples ofOverlay;
-    sample(bare, paints, 0, ofBare); // makes the windows
+    sample(bare, paints, 0, ofBare); // the first show creates the windows
     sample(overlay, paints, 0, ofOverlay);
     ofBare = {};
     ofOverlay = {};

@@ -1,4 +1,4 @@
-// A window of a Qt program, to be moved about.
+// A Qt window for the contenders to move.
 
 #include <QApplication>
 #include <QPlainTextEdit>

@@ -1,9 +1,9 @@
-// The least that a program costs which follows the mouse everywhere: it reads the raw events of presses,
-// movements and releases, and asks the server for the pointer once for all that has come together.
+// The minimal program that follows the pointer everywhere: it reads the raw events for button presses, button
+// releases and motion, and queries the pointer once per batch of events.
 //
 //   raw_pointer_client
 //
-// Says something once it listens; ends when it is told to.
+// Prints "listening" once the events are selected. Runs until it is killed.
 
 #include "support/connection.h"
 

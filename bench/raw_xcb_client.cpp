@@ -1,11 +1,11 @@
-// The limit for a program outside the window manager: global hot keys that place the active window, with
-// nothing between the key and the request but what correctness asks for.
+// The limit for a program outside the window manager: global hot keys that place the active window, with only
+// the round trips that correctness requires between the key and the request.
 //
 //   raw_xcb_client KEYCODE X Y WIDTH HEIGHT [KEYCODE X Y WIDTH HEIGHT ...]
 //
-// Each key code, with Ctrl and Alt, gives the active window the outer frame that follows it. Like a program
-// one can rely on, it reads the frame's borders and state at the press, knows from a barrier when the window
-// manager is done, and reads back what came of it.
+// Ctrl+Alt and the key KEYCODE give the active window the outer frame that follows. As a correct program
+// must, the client reads the window's borders and state at the press, uses a barrier to know when the window
+// manager has processed the request, and reads back the resulting frame.
 
 #include "support/connection.h"
 
@@ -71,7 +71,7 @@ private:
     xcb_window_t m_barrier = xcb_generate_id(m_x);
     std::int32_t m_barrierX = -10;
     std::unordered_map<std::uint8_t, Frame> m_frames;
-    std::deque<Received<xcb_generic_event_t>> m_later; // events that came while waiting for the barrier
+    std::deque<Received<xcb_generic_event_t>> m_later; // events that arrived while waiting for the barrier
     xcb_atom_t m_activeWindow = m_connection.atom("_NET_ACTIVE_WINDOW");
     xcb_atom_t m_frameExtents = m_connection.atom("_NET_FRAME_EXTENTS");
     xcb_atom_t m_shadowExtents = m_connection.atom("_GTK_FRAME_EXTENTS");

@@ -1,5 +1,5 @@
-// How long the user waits for the settings window: from the request until it has been painted, for the first
-// time, when everything is made, and for later times.
+// Measures the time from the request for the settings window until it is painted, for the first time, which
+// creates all widgets, and for later times.
 
 #include "app/services.h"
 #include "platform/sim/sim_desktop.h"
@@ -29,7 +29,7 @@ constexpr Milliseconds kFirstBudget{100};
 constexpr Milliseconds kLaterBudget{30};
 constexpr int kLaterTimes = 21;
 
-/// Sees any top-level window being painted.
+/// Records whether any top-level window has been painted.
 class PaintWatch : public QObject {
 public:
     bool eventFilter(QObject* object, QEvent* event) override {

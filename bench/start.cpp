@@ -1,6 +1,7 @@
-// From exec to readiness: Tessarel holding all its keys against an empty Qt tray program in its loop. Keys
-// that are held are no use before they are answered, so one is pressed at that very moment. Then Tessarel
-// alone: among no and among many installed programs, and with and without an update check that is due.
+// Measures startup from exec to ready. Tessarel is ready when it has grabbed all its keys; the baseline is an
+// empty Qt tray program that has entered its event loop. A key is pressed as soon as the grabs exist, to
+// measure when the first press takes effect. Then Tessarel alone is measured, with no and with many installed
+// applications, and with and without a due update check.
 //
 //   start DIRECTORY [REPETITIONS]
 
@@ -35,13 +36,13 @@ using namespace std::chrono_literals;
 constexpr int kDefaultRepetitions = 30;
 constexpr Milliseconds kPatience = 2s;
 
-/// Milliseconds since exec, one of each start.
+/// Milliseconds since exec, one value per start.
 struct Times {
     std::vector<double> ready;
-    std::vector<double> firstAnswer; ///< none from a program that does not move windows
+    std::vector<double> firstAnswer; ///< empty for a program that does not move windows
 };
 
-/// A desktop with a window on it and the modifiers held down.
+/// A desktop with one window, and with the modifier keys held down.
 class Desktop {
 public:
     void start(const Resident& resident, Times& times);
@@ -52,7 +53,7 @@ private:
     Connection m_connection;
     Target m_target;
     Keyboard m_keyboard;
-    std::uint8_t m_key = key::k1; // its zone is not the one that the window is in
+    std::uint8_t m_key = key::k1; // differs from the zone that the window is in
 };
 
 void Desktop::start(const Resident& resident, Times& times) {
@@ -87,16 +88,16 @@ void report(const std::vector<Resident>& programs, const std::vector<Times>& tim
     table.print("Start, exec to ready, " + std::to_string(repetitions) + " starts each");
 }
 
-/// Every program `repetitions` times, in shuffled order.
+/// Starts every program `repetitions` times, in shuffled order.
 std::vector<Times> timesOf(const std::vector<Resident>& programs, int repetitions) {
     Desktop desktop;
     std::vector<std::size_t> order;
     for (std::size_t program = 0; program < programs.size(); ++program) {
-        Times unused; // the files come from the disk this time
+        Times unused; // the first start reads the files from disk
         desktop.start(programs[program], unused);
         order.insert(order.end(), static_cast<std::size_t>(repetitions), program);
     }
-    std::mt19937 generator(20230610); // any fixed number: the same order in every run
+    std::mt19937 generator(20230610); // a fixed seed, so that the order is the same in every run
     std::ranges::shuffle(order, generator);
 
     std::vector<Times> times(programs.size());
@@ -105,7 +106,7 @@ std::vector<Times> timesOf(const std::vector<Resident>& programs, int repetition
     return times;
 }
 
-/// Tessarel with more or less to do once it has started.
+/// Runs Tessarel with more or less to do after startup.
 class Surroundings {
 public:
     explicit Surroundings(std::string program) : m_program(std::move(program)) {
@@ -120,7 +121,7 @@ public:
         std::ofstream(m_checked.path() / kSettings) << settings;
     }
 
-    /// In pairs: without something, and with it.
+    /// Returns pairs of programs: the first of each pair is the baseline of the second.
     [[nodiscard]] std::vector<Resident> pairs() const {
         const std::string nothing = m_nothing.path();
         const std::string noneOfSystem = "XDG_DATA_DIRS=" + nothing;
@@ -143,7 +144,7 @@ private:
 
     std::string m_program;
     ScratchFolder m_nothing;
-    ScratchFolder m_checked; // settings of somebody whose last check was a moment ago
+    ScratchFolder m_checked; // settings in which the last update check has just happened
     EntryFolder m_many{5000};
 };
 

@@ -1,5 +1,5 @@
-# Builds for a Mac on Linux, to check that everything compiles and links there; tests/macos/cross.sh calls it and makes
-# build/apple/sdk. What it builds cannot be run here.
+# Toolchain file that cross-compiles for macOS on Linux, to check that everything compiles and links. It is
+# used by tests/macos/cross.sh, which creates build/apple/sdk. The results cannot be run.
 set(sdk ${CMAKE_CURRENT_LIST_DIR}/../build/apple/sdk)
 set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_VERSION 22)
@@ -12,6 +12,6 @@ set(CMAKE_RANLIB ${sdk}/bin/ranlib CACHE FILEPATH "")
 set(CMAKE_INSTALL_NAME_TOOL true CACHE FILEPATH "")
 set(CMAKE_CROSSCOMPILING_EMULATOR true)
 
-# Nothing of this machine's own libraries.
+# Keeps CMake from finding the host's own libraries.
 set(CMAKE_PREFIX_PATH ${sdk}/packages)
 set(CMAKE_FIND_USE_CMAKE_SYSTEM_PATH OFF)

@@ -1,4 +1,4 @@
-# What every target of the project is compiled with.
+# Compile options of every target of the project.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -15,27 +15,28 @@ endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wnon-virtual-dtor
                     -Wold-style-cast -Woverloaded-virtual)
-if(NOT APPLE) # where compilers and headers differ from those that all is tried with
+if(NOT APPLE) # versions that were not tested may add warnings
     add_compile_options(-Werror)
 endif()
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     add_compile_options(-Wshadow -Wnull-dereference) # gcc reports false positives in inlined library code
 else()
-    add_compile_options(-Wshadow=local) # more would reject constructor parameters named like their fields
+    add_compile_options(-Wshadow=local) # -Wshadow would reject constructor parameters named like fields
 endif()
 if(TESSAREL_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
-    add_compile_definitions(_GLIBCXX_ASSERTIONS) # an empty optional that is read, an index beyond the end
+    add_compile_definitions(_GLIBCXX_ASSERTIONS) # aborts on an empty optional, an index out of range
 endif()
 
 if(TESSAREL_FUZZ)
     add_compile_options(-fsanitize=fuzzer-no-link)
 endif()
 
-# One library per folder of src/, linked only to what its sources may include:
+# Adds the library of one folder of src/, linked only to the targets that its sources may include:
 #   tessarel_library(<name> SOURCES <files...> [SEES <targets...>] [USES <targets...>])
-# SEES is part of its interface (its headers include theirs); USES stays inside its sources.
+# SEES lists public dependencies (included by its headers), USES private ones (included by its sources only).
+# Without SOURCES the library is header-only.
 function(tessarel_library name)
     cmake_parse_arguments(ARG "" "" "SOURCES;SEES;USES" ${ARGN})
     if(ARG_SOURCES)

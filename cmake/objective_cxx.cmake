@@ -1,5 +1,6 @@
-# Objective-C++ away from a Mac: the sources of the macOS back end, compiled for this machine by clang over
-# GNU's Objective-C runtime and GNUstep's Foundation, whatever compiler builds the rest.
+# Compiles the Objective-C++ sources of the macOS back end on Linux, for the tests. They are compiled by
+# clang, with the GNU Objective-C runtime and GNUstep's Foundation, even where another compiler builds
+# everything else.
 find_program(TESSAREL_CLANGXX NAMES clang++)
 find_program(GNUSTEP_CONFIG gnustep-config)
 find_program(LLVM_CONFIG llvm-config)
@@ -18,13 +19,13 @@ if(NOT EXISTS "${GCC_INCLUDE}/objc/objc.h" OR NOT EXISTS "${GNU_OBJC}")
     list(APPEND OBJECTIVE_CXX_MISSING libobjc)
 endif()
 if(OBJECTIVE_CXX_MISSING)
-    message(FATAL_ERROR "The tests of the macOS back end cannot be built here, for want of: "
-        "${OBJECTIVE_CXX_MISSING}. script/bootstrap test installs it all.")
+    message(FATAL_ERROR "The tests of the macOS back end cannot be built. Missing: "
+        "${OBJECTIVE_CXX_MISSING}. Install all of it with: script/bootstrap test")
 endif()
 execute_process(COMMAND ${GNUSTEP_CONFIG} --variable=GNUSTEP_SYSTEM_HEADERS OUTPUT_VARIABLE GNUSTEP_INCLUDE OUTPUT_STRIP_TRAILING_WHITESPACE)
 
-# The runtime's own headers alone, without the compiler's beside them, which are not for clang; and the one
-# that GNUstep asks clang for.
+# Links to the headers of the Objective-C runtime. They are in a folder with gcc's own headers, which clang
+# cannot use. GNUstep also includes <objc/blocks_runtime.h> under clang, which gcc's runtime does not have.
 set(OBJC_INCLUDE ${CMAKE_BINARY_DIR}/objc)
 file(GLOB OBJC_HEADERS ${GCC_INCLUDE}/objc/*.h)
 file(MAKE_DIRECTORY ${OBJC_INCLUDE}/objc)
@@ -46,7 +47,8 @@ if(TESSAREL_SANITIZE)
          -fno-omit-frame-pointer)
 endif()
 
-# objective_cxx_objects(<variable> <source...>): the objects that the sources become.
+# objective_cxx_objects(<variable> <source...>): compiles the sources and sets <variable> to the list of
+# object files.
 function(objective_cxx_objects variable)
     set(objects "")
     foreach(source ${ARGN})

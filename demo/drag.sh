@@ -1,7 +1,7 @@
-# A window dragged by a real mouse. Sourced by script/demo.
+# Drags windows with synthetic pointer events. Sourced by script/demo.
 
-# drag PROGRAM ZONE TITLE: takes the program's window by its title bar into one of the zones, with a
-# screenshot on the way.
+# drag PROGRAM ZONE TITLE: drags the program's window by its title bar into an entry of `zone`. Takes the
+# screenshot TITLE while the overlay is shown.
 drag() {
     local target=${window[$1]} before asked x y width height
     asked=$(zone_in "$left_area" "$gap" "$margin" "${zone[$2]}")
@@ -21,7 +21,7 @@ drag() {
     xdotool mousemove 1910 10
 }
 
-# follows WINDOW X: pulls a little; whether the window has left the place that it was taken at.
+# follows WINDOW X: moves the pointer a little; true once the window is more than 3 px right of X.
 follows() {
     local x
     pull 8 4
@@ -29,7 +29,8 @@ follows() {
     ((x > $2 + 3))
 }
 
-# shows_zones X Y: pulls further towards the place; whether the zones are on the screen by then.
+# shows_zones X Y: moves the pointer a step towards the point; true once it is there and the overlay is on
+# screen.
 shows_zones() {
     local X Y shown
     eval "$(xdotool getmouselocation --shell)"
@@ -41,5 +42,5 @@ shows_zones() {
     return 1
 }
 
-# By this much from where the mouse is, as a hand moves it.
+# pull DX DY: moves the pointer by that many pixels.
 pull() { xdotool mousemove_relative -- "$1" "$2"; }

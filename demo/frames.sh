@@ -1,7 +1,7 @@
-# Window frames as the demo sees them from outside, and where windows are asked to go. A frame is
-# "x y width height" in pixels, origin at the top-left corner of the screen. Sourced by script/demo.
+# Computes the actual and the expected frames of windows, independently of Tessarel. A frame is "x y width
+# height" in pixels, with the origin at the top-left corner of the screen. Sourced by script/demo.
 
-# frame_of WINDOW: its frame with title bar and border, as it stands now.
+# frame_of WINDOW: prints the current frame of the window, with title bar and border.
 frame_of() {
     { xwininfo -id "$1"; xprop -id "$1" -notype _NET_FRAME_EXTENTS; } 2>/dev/null | awk -F '[:=,]' '
         /Absolute upper-left X/ { x = $2 }
@@ -12,15 +12,15 @@ frame_of() {
         END { print x - left, y - top, width + left + right, height + top + bottom }'
 }
 
-# step_of WINDOW: the steps in which it takes its size, across and down; "1 1" for most.
+# step_of WINDOW: prints the resize increments of the window in pixels, across and down; "1 1" by default.
 step_of() {
     xprop -id "$1" WM_NORMAL_HINTS 2>/dev/null | awk '
         /resize increment/ { across = $(NF - 2); down = $NF }
         END { print (across ? across : 1), (down ? down : 1) }'
 }
 
-# fits GOT ASKED STEP: whether a window stands where it was asked to: the corner exactly, the size exactly
-# or, where it comes in steps, smaller by less than one step.
+# fits GOT ASKED STEP: true if the frame GOT matches ASKED. The corner must be equal; the size may be smaller
+# by less than one resize increment.
 fits() {
     local got asked step
     read -ra got <<<"$1"
@@ -31,7 +31,8 @@ fits() {
     ((got[3] <= asked[3] && got[3] > asked[3] - step[1]))
 }
 
-# zone_in AREA GAP MARGIN ZONE: the frame of a zone, which is "x y width height" in percent of the area.
+# zone_in AREA GAP MARGIN ZONE: prints the frame of a zone, given as "x y width height" in percent of the
+# area.
 zone_in() {
     awk -v area="$1" -v gap="$2" -v margin="$3" -v zone="$4" '
         function nearest(value) { return value < 0 ? -int(0.5 - value) : int(value + 0.5) }
@@ -46,7 +47,7 @@ zone_in() {
         }'
 }
 
-# centred_in AREA FRAME: a window of that size in the middle of the area.
+# centred_in AREA FRAME: prints a frame of the same size, centred in the area.
 centred_in() {
     awk -v area="$1" -v frame="$2" '
         BEGIN {
@@ -55,7 +56,7 @@ centred_in() {
         }'
 }
 
-# carried_over FROM TO FRAME: the same place and share of another area.
+# carried_over FROM TO FRAME: prints the frame with the same relative position and size in the area TO.
 carried_over() {
     awk -v from="$1" -v to="$2" -v frame="$3" '
         function nearest(value) { return int(value + 0.5) }

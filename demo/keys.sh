@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What the terminal of the demo shows: the keys that the demo presses.
+# Prints a list of the key combinations; runs in the terminal window of the demo.
 key=$'\e[1;38;5;117m' text=$'\e[0m' title=$'\e[1;38;5;222m' dim=$'\e[38;5;245m'
 
 row() { printf '  %s%-26s%s %s\n' "$key" "$1" "$text" "$2"; }

@@ -1,10 +1,10 @@
-# The stage of the demo: a virtual desktop of its own, on a display and in a home folder that nobody else
-# uses. Sourced by script/demo, which sets `out` and `tessarel_program`.
+# Sets up the private virtual desktop of the demo, with a display and a home folder of its own. Sourced by
+# script/demo, which sets `out` and `tessarel_program`.
 
 stage=
 as_nobody=()
 
-# wait_until SECONDS COMMAND...: true as soon as the command succeeds, false when the time is over.
+# wait_until SECONDS COMMAND...: retries the command until it succeeds; false after that many seconds.
 wait_until() {
     local deadline=$((${EPOCHREALTIME/./} + $1 * 1000000))
     shift
@@ -14,7 +14,8 @@ wait_until() {
     done
 }
 
-# on_stage COMMAND...: becomes the command, with nothing of the caller's surroundings but the path.
+# on_stage COMMAND...: execs the command in the private home, with only PATH and DISPLAY of the caller's
+# environment.
 on_stage() {
     cd "$stage_home"
     exec env -i PATH="$PATH" HOME="$stage_home" USER=demo SHELL=/bin/bash LANG=C.UTF-8 \
@@ -25,14 +26,15 @@ on_stage() {
         ${DISPLAY:+DISPLAY="$DISPLAY"} "${as_nobody[@]}" "$@"
 }
 
-# start NAME COMMAND...: runs the command on the stage until the curtain falls; its words go to a log.
+# start NAME COMMAND...: runs the command in the background until close_stage; its output goes to
+# log/NAME.log.
 start() {
     local name=$1
     shift
     (on_stage "$@") >"$out/log/$name.log" 2>&1 </dev/null &
 }
 
-# stop PID: ends what `start` began, by force if it does not listen.
+# stop PID: terminates a process that `start` started; kills it if it is still running after 3 s.
 stop() {
     kill "$1" 2>/dev/null || return 0
     wait_until 3 gone "$1" || kill -KILL "$1" 2>/dev/null || true
@@ -78,7 +80,7 @@ start_compositor() {
     picom=$!
 }
 
-# The programs warn a super-user in their windows; so, where the machine lets it, nobody plays.
+# become_nobody: runs the programs as the user nobody, where permitted, because some show a warning to root.
 become_nobody() {
     local as_nobody_here=(setpriv --reuid=65534 --regid=65534 --clear-groups)
     "${as_nobody_here[@]}" true 2>/dev/null || return 0
@@ -88,13 +90,13 @@ become_nobody() {
     as_nobody=("${as_nobody_here[@]}")
 }
 
-# Each monitor its own gradient.
+# Paints one gradient per monitor.
 paint_wallpaper() { hsetroot -add '#24406b' -add '#3f7d9e' -add '#8fc1b5' -gradient 160 >/dev/null; }
 
 has_window_manager() { xprop -root -notype _NET_SUPPORTING_WM_CHECK | grep -q 'window id'; }
 has_panel() { xprop -root -notype _NET_WORKAREA | grep -q ', 1040$'; }
 
-# Ends everything in the reverse order of its start; the X server, the first to come, leaves last.
+# Stops all processes in reverse order of their start, so that the X server is last.
 close_stage() {
     local pid
     trap '' INT TERM HUP

@@ -6,20 +6,20 @@
 
 namespace tessarel::bench {
 
-/// A program that the bench started and ends again.
+/// A child process that the benchmark starts, and ends in the destructor.
 class ChildProcess {
 public:
-    /// Starts `command`, looked up on PATH. Throws std::runtime_error when it cannot.
+    /// Starts `command`, looked up in PATH. Throws std::runtime_error on failure.
     explicit ChildProcess(const std::vector<std::string>& command);
-    /// Asks the program to end, then makes it.
+    /// Sends SIGTERM, and SIGKILL if the process is still running two seconds later.
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     [[nodiscard]] pid_t pid() const { return m_pid; }
-    /// Whether it has written anything to its standard output.
+    /// Returns true if the process has written to its standard output, which is left unread.
     [[nodiscard]] bool hasSpoken() const;
-    /// Whether it is still there.
+    /// Returns true while the process is running; reaps it once it has exited.
     [[nodiscard]] bool isRunning();
 
 private:

@@ -12,15 +12,15 @@ struct FreeDeleter {
     void operator()(void* memory) const { std::free(memory); }
 };
 
-/// A reply or an event of the X server, which frees itself.
+/// An owned reply or event of the X server, freed on destruction.
 template <typename T>
 using Received = std::unique_ptr<T, FreeDeleter>;
 
-/// A connection to the X server that `DISPLAY` names. Every part of the bench that sends or watches has its
-/// own, so that none waits behind another.
+/// A connection to the X server of `DISPLAY`. Each part of a benchmark that sends or watches has its own
+/// connection, so that none queues behind another.
 class Connection {
 public:
-    /// Throws std::runtime_error when there is no server.
+    /// Throws std::runtime_error if there is no server.
     Connection();
     ~Connection();
     Connection(const Connection&) = delete;
@@ -32,7 +32,7 @@ public:
 
     [[nodiscard]] xcb_atom_t atom(std::string_view name) const;
     void flush() const { xcb_flush(m_connection); }
-    /// Returns once the server has handled everything sent so far.
+    /// Returns once the server has processed all requests sent so far.
     void roundTrip() const;
 
 private:

@@ -12,23 +12,23 @@
 
 namespace tessarel::bench {
 
-/// Something that places the active window when its key is pressed.
+/// A program that places the active window when its key is pressed.
 struct Contender {
     std::string name;
-    std::array<std::uint8_t, 2> keys; ///< one for each of the two places, the same places for everybody
-    pid_t pid = 0;                    ///< of the one process that does the work; 0 when several share it
+    std::array<std::uint8_t, 2> keys; ///< one key per frame; both frames are the same for all contenders
+    pid_t pid = 0; ///< process id of the one process that does the work; 0 if several processes share it
 };
 
-/// All contenders, running side by side, each with keys of its own.
+/// All contenders, running at the same time, each with its own keys.
 class Contenders {
 public:
-    /// `directory` holds the bench's programs and Tessarel's; `windowManager` is openbox's process.
-    /// Returns when every key is claimed.
+    /// Starts the contenders and returns once all keys are grabbed. `directory` contains the programs of the
+    /// benchmark and of Tessarel; `windowManager` is the process id of openbox.
     Contenders(const std::filesystem::path& directory, pid_t windowManager);
 
     [[nodiscard]] const std::vector<Contender>& all() const { return m_all; }
 
-    /// The window manager itself is the first of `all()`, the client that does nothing else the second.
+    /// Indices into `all()`: the window manager itself, and the minimal client.
     static constexpr std::size_t kFloor = 0;
     static constexpr std::size_t kRawClient = 1;
 

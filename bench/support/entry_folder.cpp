@@ -19,7 +19,7 @@ EntryFolder::EntryFolder(int count) {
 
 void EntryFolder::write(int number) const {
     const std::string program = "program" + std::to_string(number);
-    const int subfolder = number % (kSubfolders + 1); // 0: in the folder itself
+    const int subfolder = number % (kSubfolders + 1); // 0 is the folder itself
     const std::filesystem::path folder = subfolder == 0 ? m_path : m_path / std::to_string(subfolder);
     std::filesystem::create_directories(folder);
     std::ofstream file(folder / ("org.example." + program + ".desktop"));

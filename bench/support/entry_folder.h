@@ -6,14 +6,14 @@
 
 namespace tessarel::bench {
 
-/// A folder with desktop entries like those that programs install, translations and all: 1.8 kB each, most
-/// of them in subfolders.
+/// A scratch folder with desktop entries like those of installed applications, with translations: 1.8 kB
+/// each, most of them in subfolders.
 class EntryFolder {
 public:
     explicit EntryFolder(int count);
 
     [[nodiscard]] const std::filesystem::path& path() const { return m_path; }
-    /// The folder of data, as in XDG_DATA_HOME, whose entries these are.
+    /// Returns the data folder that contains the entries, as for XDG_DATA_HOME.
     [[nodiscard]] const std::filesystem::path& dataHome() const { return m_scratch.path(); }
 
 private:

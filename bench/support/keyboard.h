@@ -8,7 +8,7 @@
 
 namespace tessarel::bench {
 
-/// Key codes of the keys in use: physical keys, the same in every layout.
+/// X key codes of the keys in use. They name physical keys and do not depend on the keyboard layout.
 namespace key {
 inline constexpr std::uint8_t k1 = 10;
 inline constexpr std::uint8_t k2 = 11;
@@ -26,23 +26,23 @@ inline constexpr std::uint8_t kLeft = 113;
 inline constexpr std::uint8_t kDown = 116;
 } // namespace key
 
-/// A combination as a client claims it.
+/// A key combination as a client grabs it.
 struct Combination {
     std::uint8_t keyCode = 0;
     std::uint16_t modifiers = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1;
 };
 
-/// The user's hands: key presses by XTEST, always with Ctrl and Alt held.
+/// Presses keys with XTEST, always with Ctrl and Alt held.
 class Keyboard {
 public:
-    /// Turns auto-repeat off, so that a key held down while a program works is one press.
+    /// Turns auto-repeat off, so that a key held down while a program works counts as one press.
     Keyboard();
 
-    /// Presses Ctrl and Alt and gives everybody time to notice.
+    /// Presses Ctrl and Alt, then gives other clients 5 ms to process the events.
     void holdModifiers();
-    /// Presses `keys` in order, each but the last released again, all in one flush; answers the moment of it.
+    /// Presses `keys` in order and releases all but the last, in one flush. Returns the time of the flush.
     Clock::time_point press(std::span<const std::uint8_t> keys);
-    /// Lets go of `key` and of the modifiers and gives everybody time to notice.
+    /// Releases `key` and the modifiers, then gives other clients 5 ms to process the events.
     void release(std::uint8_t key);
 
 private:
@@ -51,11 +51,11 @@ private:
     Connection m_connection;
 };
 
-/// Whether other clients hold every one of `combinations`, found out without being in anybody's way: for the
-/// length of the question no other client is served, and what could be had is given back at once.
+/// Returns true if other clients have grabbed all of `combinations`. Tries to grab them and undoes that while
+/// the server is grabbed, so that no other client is affected.
 [[nodiscard]] bool allHeld(const Connection& connection, std::span<const Combination> combinations);
 
-/// Returns when every one of `combinations` is held; throws std::runtime_error after ten seconds.
+/// Waits until all of `combinations` are grabbed. Throws std::runtime_error after ten seconds.
 void waitUntilHeld(const Connection& connection, std::span<const Combination> combinations);
 
 } // namespace tessarel::bench

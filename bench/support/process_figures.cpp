@@ -15,7 +15,8 @@ Path directory(pid_t pid) {
     return Path("/proc") / std::to_string(pid);
 }
 
-/// Number after "`name`:" in a file of lines such as "Pss:   123 kB"; 0 when it is not there.
+/// Returns the number after "`name`:" in a file with lines such as "Pss:   123 kB", or 0 if there is no such
+/// line.
 long field(const Path& file, const std::string& name) {
     std::ifstream lines(file);
     std::string line;

@@ -5,17 +5,17 @@
 
 namespace tessarel::bench {
 
-/// Time that all threads of the process have spent on a processor so far; exact while they sleep.
+/// Returns the CPU time of all threads of the process so far. It is exact while they sleep.
 [[nodiscard]] std::chrono::nanoseconds cpuTime(pid_t pid);
 
-/// How often threads of the process gave up the processor to wait for something, so far.
+/// Returns how often the threads of the process have given up the processor to wait, so far.
 [[nodiscard]] long voluntarySwitches(pid_t pid);
 
-/// Memory of a process in KiB.
+/// Memory usage of a process in KiB.
 struct Memory {
-    long resident = 0;     ///< all its pages
-    long proportional = 0; ///< each page divided by the number of processes that share it
-    long anonymous = 0;    ///< pages backed by no file: what it made itself
+    long resident = 0;     ///< RSS: all resident pages
+    long proportional = 0; ///< PSS: each page divided by the number of processes that share it
+    long anonymous = 0;    ///< pages that no file backs, such as heap and stacks
 };
 
 [[nodiscard]] Memory memory(pid_t pid);

@@ -16,8 +16,8 @@ constexpr auto kStartTimeout = 10s;
 
 constexpr std::uint16_t kWithSuper = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
 
-/// Everything that Tessarel claims by default with all zones enabled: 1 to 9, the arrows, Return, C,
-/// Backspace and A, and the arrows to the sides with Super.
+/// The keys that Tessarel grabs by default with all zones enabled: 1 to 9, the arrows, Return, C, Backspace
+/// and A, and Left and Right with Super.
 constexpr std::array<Combination, 19> kDefaultBindings{{{10},
                                                         {11},
                                                         {12},

@@ -10,22 +10,23 @@
 
 namespace tessarel::bench {
 
-/// A program that starts with the session and stays.
+/// A program that starts with the session and stays resident.
 struct Resident {
     std::string name;
     std::string path;
-    /// Whether it is ready when it says so; otherwise when it holds all its keys.
+    /// If true, the program is ready once it writes to its standard output, else once it has grabbed all its
+    /// keys.
     bool saysSo = false;
-    /// `NAME=value` each, in place of what the bench has itself.
+    /// `NAME=value` entries that replace those of the benchmark's own environment.
     std::vector<std::string> environment = {};
 };
 
-/// Tessarel, and a Qt program in the tray that does nothing; both lie in `directory`.
+/// Returns the empty Qt tray program and Tessarel, in this order. Both are in `directory`.
 [[nodiscard]] std::vector<Resident> residents(const std::filesystem::path& directory);
 
-/// Starts it and returns once it is ready, known to the millisecond. The desktop is asked in the same way
-/// whatever the program, so that asking costs all the same. Throws std::runtime_error when it takes ten
-/// seconds or ends.
+/// Starts the program and returns once it is ready, polling every millisecond. The grabs are checked for
+/// every program, so that the check costs the same for all. Throws std::runtime_error after ten seconds, or
+/// if the program exits.
 [[nodiscard]] std::unique_ptr<ChildProcess> startAndAwait(const Resident& resident,
                                                           const Connection& connection);
 

@@ -4,10 +4,10 @@
 
 namespace tessarel::bench {
 
-/// A folder of its own that goes, with all in it, when this does.
+/// A temporary folder, removed with its contents in the destructor.
 class ScratchFolder {
 public:
-    /// Throws std::runtime_error when there can be none.
+    /// Throws std::runtime_error if the folder cannot be created.
     ScratchFolder();
     ~ScratchFolder();
     ScratchFolder(const ScratchFolder&) = delete;

@@ -4,7 +4,8 @@
 
 namespace tessarel::bench {
 
-/// Smallest value that at least `percent` of `values` do not exceed; not a number when there is none.
+/// Returns the smallest of `values` that at least `percent` percent of them do not exceed; NaN if `values` is
+/// empty.
 [[nodiscard]] double percentile(std::vector<double> values, double percent);
 
 [[nodiscard]] inline double median(const std::vector<double>& values) {

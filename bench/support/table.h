@@ -5,20 +5,20 @@
 
 namespace tessarel::bench {
 
-/// A table for people and for the documentation: Markdown, first column to the left, the others to the right.
+/// A Markdown table. The first column is left-aligned, the others are right-aligned.
 class Table {
 public:
     explicit Table(std::vector<std::string> head);
 
     void add(std::vector<std::string> row);
-    /// Writes it to the standard output under `title`, with an empty line after it.
+    /// Prints the table to the standard output, below `title` and followed by an empty line.
     void print(const std::string& title) const;
 
 private:
-    std::vector<std::vector<std::string>> m_rows; // the head first
+    std::vector<std::vector<std::string>> m_rows; // the header comes first
 };
 
-/// `value` with `digits` behind the point; "-" when it is not a number.
+/// Returns `value` with `digits` decimal places, or "-" if it is not finite.
 [[nodiscard]] std::string number(double value, int digits = 2);
 
 } // namespace tessarel::bench

@@ -57,7 +57,8 @@ xcb_window_t Target::awaitActive(xcb_window_t notThis) {
 }
 
 void Target::watch() {
-    // The window manager's frame is the ancestor right below the root.
+    // Watches the window and all its ancestors below the root; the topmost of them is the window manager's
+    // frame.
     const std::uint32_t structure = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     for (auto window = m_window; window != m_connection.root();) {
         xcb_change_window_attributes(m_x, window, XCB_CW_EVENT_MASK, &structure);
@@ -67,7 +68,7 @@ void Target::watch() {
             throw std::runtime_error("the target has gone");
         window = tree->parent;
     }
-    // Let a program that starts finish what it does to its own window.
+    // Waits until a program that has just started no longer changes its own window.
     while (untilQuiet(300ms).last)
         continue;
 }

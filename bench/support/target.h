@@ -11,7 +11,7 @@
 
 namespace tessarel::bench {
 
-/// Outer frame of a window in pixels, its borders included.
+/// Outer frame of a window in pixels, including its borders.
 struct Frame {
     int x = 0;
     int y = 0;
@@ -21,24 +21,23 @@ struct Frame {
     bool operator==(const Frame&) const = default;
 };
 
-/// What was seen of the target after a key press.
+/// The events of the target after a key press.
 struct Reaction {
-    std::optional<Clock::time_point>
-        last;       ///< when the last ConfigureNotify came; empty when none came in time
-    int events = 0; ///< ConfigureNotify of the window and of its frame
+    std::optional<Clock::time_point> last; ///< time of the last ConfigureNotify; empty if none came in time
+    int events = 0;                        ///< number of ConfigureNotify events of the window and its frame
 };
 
-/// The active window of the desktop, which the contenders move and the bench watches.
+/// The active window of the desktop, which the contenders move and the benchmark watches.
 class Target {
 public:
-    /// A window of the bench itself, which paints nothing.
+    /// Opens a window of the benchmark itself, which paints nothing.
     Target();
-    /// The window that `command` opens.
+    /// Starts `command` and uses the window that it opens.
     explicit Target(const std::vector<std::string>& command);
 
-    /// Forgets what has come so far.
+    /// Drops all events that have arrived so far.
     void discardEvents();
-    /// Waits for the first ConfigureNotify up to `patience`, then until none has come for a while.
+    /// Waits up to `patience` for the first ConfigureNotify, then until none has come for 50 ms.
     [[nodiscard]] Reaction untilQuiet(Milliseconds patience);
     [[nodiscard]] Frame frame() const;
 
@@ -52,7 +51,7 @@ private:
     xcb_connection_t* m_x = m_connection.get();
     xcb_atom_t m_activeWindow = m_connection.atom("_NET_ACTIVE_WINDOW");
     xcb_atom_t m_frameExtents = m_connection.atom("_NET_FRAME_EXTENTS");
-    std::unique_ptr<ChildProcess> m_program; // none when the window is our own
+    std::unique_ptr<ChildProcess> m_program; // null when the window is our own
     xcb_window_t m_window = XCB_NONE;
 };
 

@@ -9,20 +9,20 @@
 
 namespace tessarel::bench {
 
-/// Where something is on the screen, in pixels.
+/// A point on the screen, in pixels.
 struct Place {
     int x;
     int y;
 };
 
-/// A panel along the top of the screen with the icons of programs.
+/// A panel along the top of the screen with a system tray.
 class Tray {
 public:
-    /// `config` is a file for tint2.
+    /// Starts the panel with `config`, a tint2 configuration file.
     explicit Tray(const std::filesystem::path& config);
 
-    /// The centre of the icon of `program`, its file's name, once it is in the panel; throws
-    /// std::runtime_error when it does not come within ten seconds.
+    /// Waits for the tray icon of `program` (the name of its file) and returns the centre of the icon. Throws
+    /// std::runtime_error after ten seconds.
     [[nodiscard]] Place awaitIcon(const std::string& program) const;
 
 private:
