@@ -3,7 +3,7 @@
 //
 //   arrange DIRECTORY [REPETITIONS]
 
-#include "support/child_process.h"
+#include "support/connection.h"
 #include "support/keyboard.h"
 #include "support/statistics.h"
 #include "support/table.h"

@@ -302,7 +302,7 @@ void measure(const std::string& directory, int count) {
     const Connection connection;
     const auto tessarel = startAndAwait(residents(directory).back(), connection);
     ChildProcess bare({directory + "/raw_pointer_client"});
-    await("the bare client", [&] { return bare.hasSpoken(); });
+    await("the bare client", [&] { return bare.hasOutput(); });
     std::this_thread::sleep_for(kTimeToSettle);
     Drags drags;
     measureHighlight(drags);

@@ -54,9 +54,9 @@ std::unique_ptr<ChildProcess> startAndAwait(const Resident& resident, const Conn
     const auto end = Clock::now() + kStartTimeout;
     for (;;) {
         const bool held = allHeld(connection, kDefaultBindings);
-        if (resident.saysSo ? program->hasSpoken() : held)
+        if (resident.saysSo ? program->hasOutput() : held)
             return program;
-        if (Clock::now() > end || !program->isRunning())
+        if (Clock::now() > end || !program->running())
             throw std::runtime_error(resident.name + " did not get ready");
         std::this_thread::sleep_for(1ms);
     }

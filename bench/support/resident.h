@@ -1,6 +1,5 @@
 #pragma once
 
-#include "support/child_process.h"
 #include "support/connection.h"
 
 #include <filesystem>

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "support/child_process.h"
 #include "support/clock.h"
 #include "support/connection.h"
 

@@ -102,6 +102,17 @@ std::string readAll(int descriptor) {
 
 } // namespace
 
+Environment ownEnvironment() {
+    Environment environment;
+    for (char** variable = environ; *variable; ++variable) {
+        const std::string_view assignment(*variable);
+        const std::size_t equals = assignment.find('=');
+        if (equals != std::string_view::npos)
+            environment.emplace(assignment.substr(0, equals), assignment.substr(equals + 1));
+    }
+    return environment;
+}
+
 FileDescriptor& FileDescriptor::operator=(FileDescriptor&& other) noexcept {
     if (this != &other) {
         close();
@@ -168,6 +179,10 @@ std::optional<int> ChildProcess::waitForExit(const Deadline& deadline) {
     ::waitpid(m_pid, &status, 0);
     m_exitCode = exitCode(status);
     return m_exitCode;
+}
+
+bool ChildProcess::hasOutput() const {
+    return waitReadable(m_output.get(), Deadline(std::chrono::milliseconds::zero()));
 }
 
 void ChildProcess::writeLine(std::string_view line) {

@@ -15,6 +15,9 @@ namespace tessarel::x11test {
 /// The complete environment of a child process; nothing else is inherited.
 using Environment = std::map<std::string, std::string>;
 
+/// Returns the environment of this process.
+[[nodiscard]] Environment ownEnvironment();
+
 /// An owned file descriptor, closed on destruction.
 class FileDescriptor {
 public:
@@ -40,7 +43,8 @@ class ChildProcess {
 public:
     /// Starts `arguments[0]`, looked up in the PATH of `environment`. Throws std::runtime_error if there is
     /// no such program.
-    ChildProcess(const std::vector<std::string>& arguments, const Environment& environment);
+    explicit ChildProcess(const std::vector<std::string>& arguments,
+                          const Environment& environment = ownEnvironment());
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();
@@ -57,6 +61,8 @@ public:
     /// it is still running at the deadline.
     [[nodiscard]] std::optional<int> waitForExit(const Deadline& deadline = Deadline());
 
+    /// Returns true if the program has written to its standard output, which stays unread.
+    [[nodiscard]] bool hasOutput() const;
     /// Writes `line` and a line feed to the program's standard input. Throws if the program has exited.
     void writeLine(std::string_view line);
     /// Returns the next line of the program's standard output, without its line feed; empty once the program

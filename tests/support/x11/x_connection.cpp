@@ -6,7 +6,7 @@ namespace tessarel::x11test {
 
 XConnection::XConnection(const std::string& display) {
     int screenNumber = 0;
-    m_connection = xcb_connect(display.c_str(), &screenNumber);
+    m_connection = xcb_connect(display.empty() ? nullptr : display.c_str(), &screenNumber);
     if (xcb_connection_has_error(m_connection) != 0) {
         xcb_disconnect(m_connection);
         throw std::runtime_error("no X server at " + display);
@@ -21,7 +21,7 @@ XConnection::~XConnection() {
     xcb_disconnect(m_connection);
 }
 
-xcb_atom_t XConnection::atom(std::string_view name) {
+xcb_atom_t XConnection::atom(std::string_view name) const {
     const auto known = m_atoms.find(name);
     if (known != m_atoms.end())
         return known->second;
@@ -33,7 +33,7 @@ xcb_atom_t XConnection::atom(std::string_view name) {
     return atom;
 }
 
-std::string XConnection::atomName(xcb_atom_t atom) {
+std::string XConnection::atomName(xcb_atom_t atom) const {
     const auto reply =
         own(xcb_get_atom_name_reply(m_connection, xcb_get_atom_name(m_connection, atom), nullptr));
     if (!reply)
@@ -42,7 +42,7 @@ std::string XConnection::atomName(xcb_atom_t atom) {
             static_cast<std::size_t>(xcb_get_atom_name_name_length(reply.get()))};
 }
 
-void XConnection::roundTrip() {
+void XConnection::roundTrip() const {
     // The server may write the reply before the events for other clients, but it has written all of them
     // before it reads the next request.
     for (int reply = 0; reply < 2; ++reply)
