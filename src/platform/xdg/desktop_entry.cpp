@@ -1,106 +1,73 @@
 #include "platform/xdg/desktop_entry.h"
 
-#include "platform/xdg/utf8.h"
+#include <algorithm>
+#include <glib.h>
 
-#include <utility>
-
-namespace tessarel::xdg::desktop_entry {
+namespace tessarel::xdg {
 
 namespace {
 
-constexpr std::string_view kGroup = "[Desktop Entry]";
-constexpr std::string_view kBlanks = " \t\r";
+constexpr const char* kGroup = G_KEY_FILE_DESKTOP_GROUP;
+constexpr const char* kSwitchedOn = "X-GNOME-Autostart-enabled";
 
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+struct FreeText {
+    void operator()(gchar* text) const { g_free(text); }
+};
+
+/// Copies a string of GLib's and frees the original; empty for null.
+std::string owned(gchar* text) {
+    const std::unique_ptr<gchar, FreeText> guard(text);
+    return text ? text : "";
 }
 
-/// Removes the first line from `text` and returns it without surrounding blanks.
-std::string_view takeLine(std::string_view& text) {
-    const std::size_t end = text.find('\n');
-    const std::string_view line = text.substr(0, end);
-    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    return trimmed(line);
+/// Writes the keys that every entry of an application needs.
+void describe(GKeyFile* file, std::string_view name) {
+    g_key_file_set_string(file, kGroup, G_KEY_FILE_DESKTOP_KEY_TYPE, G_KEY_FILE_DESKTOP_TYPE_APPLICATION);
+    g_key_file_set_string(file, kGroup, G_KEY_FILE_DESKTOP_KEY_NAME, std::string(name).c_str());
 }
 
-/// Returns the value of `key` in the main group, `std::nullopt` if it is missing.
-std::optional<std::string_view> value(std::string_view content, std::string_view key) {
-    // Most entries lack most keys, and a plain search is faster than a look at every line.
-    if (content.find(key) == std::string_view::npos)
-        return std::nullopt;
-    bool inGroup = false;
-    while (!content.empty()) {
-        const std::string_view line = takeLine(content);
-        if (line.starts_with('['))
-            inGroup = line == kGroup;
-        const std::size_t equals = line.find('=');
-        if (inGroup && equals != std::string_view::npos && trimmed(line.substr(0, equals)) == key)
-            return trimmed(line.substr(equals + 1));
-    }
-    return std::nullopt;
-}
-
-/// Escapes `text` as the value of a string key: backslashes, line breaks and tabs.
-std::string escaped(std::string_view text) {
-    std::string result;
-    for (const char character : text) {
-        switch (character) {
-        case '\\':
-            result += "\\\\";
-            break;
-        case '\n':
-            result += "\\n";
-            break;
-        case '\r':
-            result += "\\r";
-            break;
-        case '\t':
-            result += "\\t";
-            break;
-        default:
-            result += character;
-        }
-    }
-    return result;
-}
-
-/// Decodes the escapes of a string value. Escaped line breaks and tabs become spaces, so that the result is a
-/// single line. A backslash before any other character is dropped; one at the end stays.
-std::string oneLine(std::string_view value) {
-    constexpr std::string_view kEscapedBlanks = "sntr";
-    std::string result;
-    for (std::size_t i = 0; i < value.size(); ++i) {
-        const bool isEscape = value[i] == '\\' && i + 1 < value.size();
-        if (!isEscape)
-            result += value[i];
-        else if (const char escaped = value[++i]; kEscapedBlanks.find(escaped) != std::string_view::npos)
-            result += ' ';
-        else
-            result += escaped;
-    }
-    return result;
-}
-
-/// Returns an entry with the given name, followed by the lines in `rest`.
-std::string entry(std::string_view name, std::string_view rest) {
-    std::string content(kGroup);
-    content += "\nType=Application\nName=";
-    content += escaped(name);
-    content += '\n';
-    content += rest;
-    return content;
+/// Returns the text and frees it, without the blanks at its end, which GLib keeps. `text` may be null.
+std::string trimmed(gchar* text) {
+    std::string value = owned(text);
+    value.erase(value.find_last_not_of(" \t\r") + 1);
+    return value;
 }
 
 } // namespace
 
-std::string execWord(std::string_view argument) {
+void DesktopEntry::Free::operator()(_GKeyFile* file) const {
+    g_key_file_free(file);
+}
+
+std::optional<DesktopEntry> DesktopEntry::parse(std::string_view content) {
+    KeyFile file(g_key_file_new());
+    if (!g_key_file_load_from_data(file.get(), content.data(), content.size(), G_KEY_FILE_NONE, nullptr) ||
+        !g_key_file_has_group(file.get(), kGroup))
+        return std::nullopt;
+    return DesktopEntry(std::move(file));
+}
+
+std::string DesktopEntry::autostart(std::string_view name, std::string_view path) {
+    const KeyFile file(g_key_file_new());
+    describe(file.get(), name);
+    g_key_file_set_string(file.get(), kGroup, G_KEY_FILE_DESKTOP_KEY_EXEC, execWord(path).c_str());
+    g_key_file_set_boolean(file.get(), kGroup, G_KEY_FILE_DESKTOP_KEY_TERMINAL, FALSE);
+    g_key_file_set_boolean(file.get(), kGroup, kSwitchedOn, TRUE);
+    return owned(g_key_file_to_data(file.get(), nullptr, nullptr));
+}
+
+std::string DesktopEntry::hidden(std::string_view name) {
+    const KeyFile file(g_key_file_new());
+    describe(file.get(), name);
+    g_key_file_set_boolean(file.get(), kGroup, G_KEY_FILE_DESKTOP_KEY_HIDDEN, TRUE);
+    return owned(g_key_file_to_data(file.get(), nullptr, nullptr));
+}
+
+std::string DesktopEntry::execWord(std::string_view argument) {
     constexpr std::string_view kReserved = " \t\n\r\"'\\><~|&;$*?#()`";
     constexpr std::string_view kEscapedInQuotes = "\"`$\\";
     const bool quoted = argument.empty() || argument.find_first_of(kReserved) != std::string_view::npos;
-    std::string word;
+    std::string word(quoted ? "\"" : "");
     for (const char character : argument) {
         if (kEscapedInQuotes.find(character) != std::string_view::npos)
             word += '\\';
@@ -108,38 +75,36 @@ std::string execWord(std::string_view argument) {
         if (character == '%') // a single one would start a field code
             word += character;
     }
-    // The quotes are part of the string value, whose own escapes come on top.
-    return escaped(quoted ? '"' + word + '"' : word);
+    if (quoted)
+        word += '"';
+    return word;
 }
 
-std::string autostart(std::string_view name, std::string_view path) {
-    return entry(name, "Exec=" + execWord(path) + "\nTerminal=false\nX-GNOME-Autostart-enabled=true\n");
+std::optional<std::string> DesktopEntry::name() const {
+    std::string name = trimmed(
+        g_key_file_get_locale_string(m_file.get(), kGroup, G_KEY_FILE_DESKTOP_KEY_NAME, nullptr, nullptr));
+    // Escaped line breaks and tabs.
+    std::ranges::replace_if(
+        name, [](char character) { return character == '\n' || character == '\t' || character == '\r'; },
+        ' ');
+    return name.empty() ? std::nullopt : std::optional(std::move(name));
 }
 
-std::string hidden(std::string_view name) {
-    return entry(name, "Hidden=true\n");
+std::string DesktopEntry::windowClass() const {
+    return value(G_KEY_FILE_DESKTOP_KEY_STARTUP_WM_CLASS);
 }
 
-std::optional<std::string> name(std::string_view content, const std::vector<std::string>& languages) {
-    std::optional<std::string_view> name;
-    for (auto language = languages.begin(); language != languages.end() && !name; ++language)
-        name = value(content, "Name[" + *language + "]");
-    if (!name)
-        name = value(content, "Name");
-    const std::string text = toUtf8(oneLine(name.value_or("")));
-    return text.empty() ? std::nullopt : std::optional(text);
+bool DesktopEntry::isShown() const {
+    return value(G_KEY_FILE_DESKTOP_KEY_HIDDEN) != "true";
 }
 
-std::string windowClass(std::string_view content) {
-    return std::string(value(content, "StartupWMClass").value_or(""));
+bool DesktopEntry::isEnabled() const {
+    return isShown() && value(kSwitchedOn) != "false";
 }
 
-bool isShown(std::string_view content) {
-    return value(content, "Hidden") != "true";
+/// Returns the value of `key` without surrounding blanks; empty if it is missing or not valid UTF-8.
+std::string DesktopEntry::value(const char* key) const {
+    return trimmed(g_key_file_get_string(m_file.get(), kGroup, key, nullptr));
 }
 
-bool isEnabled(std::string_view content) {
-    return isShown(content) && value(content, "X-GNOME-Autostart-enabled") != "false";
-}
-
-} // namespace tessarel::xdg::desktop_entry
+} // namespace tessarel::xdg

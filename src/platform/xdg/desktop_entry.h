@@ -1,38 +1,60 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
-/// Reading and writing the content of desktop entries, the `.desktop` files that describe applications.
-namespace tessarel::xdg::desktop_entry {
+struct _GKeyFile;
 
-/// Returns `argument` as one word of an Exec value, quoted and escaped where necessary: a session that reads
-/// the entry passes exactly `argument` to the program.
-[[nodiscard]] std::string execWord(std::string_view argument);
+namespace tessarel::xdg {
 
-/// Returns an autostart entry that starts the program at the absolute `path`. `name` is shown to the user.
-[[nodiscard]] std::string autostart(std::string_view name, std::string_view path);
+/// The content of a desktop entry, a `.desktop` file that describes an application or starts one at login.
+class DesktopEntry {
+public:
+    /// Parses the content of a file. Returns `std::nullopt` if it is not a valid key file or has no group
+    /// "Desktop Entry".
+    [[nodiscard]] static std::optional<DesktopEntry> parse(std::string_view content);
 
-/// Returns an entry that describes no application but hides entries of its file name in less important
-/// folders.
-[[nodiscard]] std::string hidden(std::string_view name);
+    /// Returns the content of an autostart entry that starts the program at the absolute `path`. `name` is
+    /// shown to the user.
+    [[nodiscard]] static std::string autostart(std::string_view name, std::string_view path);
 
-/// Returns the application's name in the first of `languages` that the entry has a name in, otherwise the
-/// untranslated name, on one line and as valid UTF-8. Returns `std::nullopt` if the entry has neither or the
-/// name is empty.
-[[nodiscard]] std::optional<std::string> name(std::string_view content,
-                                              const std::vector<std::string>& languages);
+    /// Returns the content of an entry that describes no application but hides entries of its file name in
+    /// less important folders.
+    [[nodiscard]] static std::string hidden(std::string_view name);
 
-/// Returns the class (WM_CLASS) of the application's windows; empty if the entry does not name it.
-[[nodiscard]] std::string windowClass(std::string_view content);
+    /// Returns `argument` as one word of an Exec value, quoted and escaped where necessary: a session that
+    /// runs the command passes exactly `argument` to the program. The escapes of the file format are not
+    /// included.
+    [[nodiscard]] static std::string execWord(std::string_view argument);
 
-/// Returns whether the entry describes an application. An entry with "Hidden=true" only hides others.
-[[nodiscard]] bool isShown(std::string_view content);
+    /// Returns the application's name in the language of the environment, otherwise the untranslated name, on
+    /// one line. Returns `std::nullopt` if the name is missing, empty or not valid UTF-8.
+    [[nodiscard]] std::optional<std::string> name() const;
 
-/// Returns whether a session starts the application of this autostart entry. A desktop's settings may have
-/// disabled it.
-[[nodiscard]] bool isEnabled(std::string_view content);
+    /// Returns the class (WM_CLASS) of the application's windows; empty if the entry does not name it.
+    [[nodiscard]] std::string windowClass() const;
 
-} // namespace tessarel::xdg::desktop_entry
+    /// Returns whether the entry describes an application. An entry with "Hidden=true" only hides others.
+    [[nodiscard]] bool isShown() const;
+
+    /// Returns whether a session starts the application of this autostart entry. A desktop's settings may
+    /// have disabled it.
+    [[nodiscard]] bool isEnabled() const;
+
+private:
+    struct Free {
+        void operator()(_GKeyFile* file) const;
+    };
+    using KeyFile = std::unique_ptr<_GKeyFile, Free>;
+
+    explicit DesktopEntry(KeyFile file) : m_file(std::move(file)) {}
+
+    [[nodiscard]] std::string value(const char* key) const;
+
+    KeyFile m_file;
+};
+
+} // namespace tessarel::xdg

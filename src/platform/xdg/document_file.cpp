@@ -227,7 +227,10 @@ fs::path DocumentFile::temporaryPath() const {
 }
 
 std::string DocumentFile::temporaryPrefix() const {
-    return std::string(".") + m_path.filename().string() + ".";
+    std::string prefix(".");
+    prefix += m_path.filename().string();
+    prefix += '.';
+    return prefix;
 }
 
 std::optional<pid_t> DocumentFile::temporaryWriter(std::string_view name) const {

@@ -49,11 +49,22 @@ std::string valueOf(const char* variable, const std::string& otherwise) {
     return value && *value ? value : otherwise;
 }
 
+/// Returns the desktop entry in `file`; `std::nullopt` if it cannot be read or parsed.
+std::optional<DesktopEntry> entryIn(const fs::path& file) {
+    const auto content = readSmallFile(file);
+    return content ? DesktopEntry::parse(*content) : std::nullopt;
+}
+
+/// Returns whether `content` may contain a window class or hide an entry. Most entries do neither, and
+/// parsing all of them would take several times as long.
+bool saysMoreThanItsName(std::string_view content) {
+    return content.find("StartupWMClass") != std::string_view::npos ||
+           content.find("Hidden") != std::string_view::npos;
+}
+
 } // namespace
 
-InstalledApplications::InstalledApplications(std::vector<fs::path> folders,
-                                             std::vector<std::string> languages)
-    : m_folders(std::move(folders)), m_languages(std::move(languages)) {}
+InstalledApplications::InstalledApplications(std::vector<fs::path> folders) : m_folders(std::move(folders)) {}
 
 std::vector<fs::path> InstalledApplications::folders() {
     const std::string home = valueOf("HOME", "/");
@@ -81,15 +92,13 @@ std::optional<std::string> InstalledApplications::identifier(std::string_view wi
 std::optional<std::string> InstalledApplications::displayName(const std::string& identifier) {
     refresh();
     const auto file = m_files.find(identifier);
-    const auto content = file == m_files.end() ? std::nullopt : readSmallFile(file->second);
-    if (!content || !desktop_entry::isShown(*content))
-        return std::nullopt;
-    return desktop_entry::name(*content, m_languages);
+    const auto entry = file == m_files.end() ? std::nullopt : entryIn(file->second);
+    return entry && entry->isShown() ? entry->name() : std::nullopt;
 }
 
 std::optional<std::string> InstalledApplications::identifierOfEntry(const fs::path& file) const {
-    const auto content = file.extension() == kEnding ? readSmallFile(file) : std::nullopt;
-    if (!content || !desktop_entry::isShown(*content) || !desktop_entry::name(*content, m_languages))
+    const auto entry = file.extension() == kEnding ? entryIn(file) : std::nullopt;
+    if (!entry || !entry->isShown() || !entry->name())
         return std::nullopt;
     const auto folder = std::ranges::find_if(m_folders, [&file](const fs::path& candidate) {
         const fs::path place = file.lexically_relative(candidate);
@@ -135,11 +144,16 @@ void InstalledApplications::readEntry(const fs::path& file, const std::string& i
     if (!isNew) // an entry in a more important folder takes precedence
         return;
     const auto content = readSmallFile(file);
-    if (!content || !desktop_entry::isShown(*content))
+    if (!content)
         return;
+    if (saysMoreThanItsName(*content)) {
+        const auto entry = DesktopEntry::parse(*content);
+        if (!entry || !entry->isShown())
+            return;
+        if (const std::string windowClass = entry->windowClass(); !windowClass.empty())
+            m_byClass.try_emplace(lowered(windowClass), identifier);
+    }
     m_byName.try_emplace(lowered(identifier), identifier);
-    if (const std::string windowClass = desktop_entry::windowClass(*content); !windowClass.empty())
-        m_byClass.try_emplace(lowered(windowClass), identifier);
 }
 
 } // namespace tessarel::xdg

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "platform/xdg/user_languages.h"
-
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -19,9 +17,7 @@ namespace tessarel::xdg {
 class InstalledApplications {
 public:
     /// `folders` contain the desktop entries, the most important folder first; they need not exist.
-    /// `languages` are the languages of display names, the preferred one first.
-    explicit InstalledApplications(std::vector<std::filesystem::path> folders,
-                                   std::vector<std::string> languages = userLanguages());
+    explicit InstalledApplications(std::vector<std::filesystem::path> folders);
 
     /// Returns the folders of the user and of the system that the environment names, the most important
     /// first.
@@ -54,7 +50,6 @@ private:
     void readEntry(const std::filesystem::path& file, const std::string& identifier);
 
     std::vector<std::filesystem::path> m_folders;
-    std::vector<std::string> m_languages;
     /// Time stamp of every folder when it was read, empty for a missing one.
     std::map<std::filesystem::path, std::optional<Time>> m_changed;
     /// The most important entry of each identifier, even if it is hidden or unreadable.

@@ -3,13 +3,14 @@
 #include "platform/xdg/desktop_entry.h"
 #include "platform/xdg/small_file.h"
 
+#include <QByteArray>
+#include <QSaveFile>
+#include <QString>
+
 #include <cerrno>
-#include <cstddef>
-#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 #include <string_view>
-#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -55,27 +56,21 @@ fs::path runningProgram() {
 }
 
 /// Returns an error text for the user: "The <subject> <path> <what>: <reason>."
-std::string sentence(std::string_view subject, const fs::path& path, std::string_view what, int error) {
+std::string sentence(std::string_view subject, const fs::path& path, std::string_view what,
+                     const std::string& reason) {
     return std::string("The ").append(subject).append(" ").append(path.string()).append(" ").append(what) +
-           ": " + std::generic_category().message(error) + ".";
+           ": " + reason + ".";
 }
 
-/// Writes `content` to `fd`, durably and readable for everyone, and closes it in any case. Returns 0 or the
-/// `errno` of the first failure.
-int writeAndClose(int fd, std::string_view content) {
-    int error = 0;
-    while (!content.empty() && error == 0) {
-        const ssize_t written = ::write(fd, content.data(), content.size());
-        if (written >= 0)
-            content.remove_prefix(static_cast<std::size_t>(written));
-        else if (errno != EINTR)
-            error = errno;
-    }
-    if (error == 0 && (::fchmod(fd, 0644) != 0 || ::fsync(fd) != 0))
-        error = errno;
-    if (::close(fd) != 0 && error == 0)
-        error = errno;
-    return error;
+/// Returns the system's description of an `errno` value.
+std::string messageOf(int error) {
+    return std::generic_category().message(error);
+}
+
+/// Returns whether a session starts the application of the autostart entry `content`.
+bool isEnabled(const std::string& content) {
+    const auto entry = DesktopEntry::parse(content);
+    return entry && entry->isEnabled();
 }
 
 } // namespace
@@ -93,27 +88,27 @@ XdgLoginItem::Setup XdgLoginItem::ofThisProgram(std::string name) {
 
 LoginItemPort::Status XdgLoginItem::status() {
     const auto own = readSmallFile(m_entry);
-    const bool enabled = own ? desktop_entry::isEnabled(*own) : startedForAllUsers();
+    const bool enabled = own ? isEnabled(*own) : startedForAllUsers();
     return enabled ? Status::Enabled : Status::NotRegistered;
 }
 
 bool XdgLoginItem::startedForAllUsers() const {
     for (const fs::path& folder : m_setup.configFolders)
         if (const auto entry = readSmallFile(folder / kEntryName))
-            return desktop_entry::isEnabled(*entry); // it hides the entries in all later folders
+            return isEnabled(*entry); // it hides the entries in all later folders
     return false;
 }
 
 std::optional<std::string> XdgLoginItem::registerItem() {
-    return write(desktop_entry::autostart(m_setup.name, m_setup.program.string()));
+    return write(DesktopEntry::autostart(m_setup.name, m_setup.program.string()));
 }
 
 std::optional<std::string> XdgLoginItem::unregisterItem() {
     if (startedForAllUsers())
-        return write(desktop_entry::hidden(m_setup.name));
+        return write(DesktopEntry::hidden(m_setup.name));
     if (::unlink(m_entry.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR)
         return std::nullopt;
-    return sentence("file", m_entry, "cannot be removed", errno);
+    return sentence("file", m_entry, "cannot be removed", messageOf(errno));
 }
 
 std::optional<std::string> XdgLoginItem::write(const std::string& content) const {
@@ -121,20 +116,23 @@ std::optional<std::string> XdgLoginItem::write(const std::string& content) const
     std::error_code failure;
     fs::create_directories(folder, failure);
     if (failure || !fs::is_directory(folder, failure))
-        return sentence("folder", folder, "cannot be created", failure ? failure.value() : ENOTDIR);
+        return sentence("folder", folder, "cannot be created",
+                        messageOf(failure ? failure.value() : ENOTDIR));
 
     // The entry is replaced atomically: a session that starts now reads the old one or the new one.
-    std::string temporary = m_entry.string() + ".XXXXXX";
-    const int fd = ::mkstemp(temporary.data());
-    if (fd < 0)
-        return sentence("folder", folder, "cannot be written to", errno);
-    int error = writeAndClose(fd, content);
-    if (error == 0 && ::rename(temporary.c_str(), m_entry.c_str()) != 0)
-        error = errno;
-    if (error == 0)
-        return std::nullopt;
-    ::unlink(temporary.c_str());
-    return sentence("file", m_entry, "cannot be written", error);
+    QSaveFile file(QString::fromStdString(m_entry.string()));
+    // Unbuffered: at a full disk a buffered file is committed empty.
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        return sentence("file", m_entry, "cannot be written", file.errorString().toStdString());
+    const QByteArray bytes = QByteArray::fromStdString(content);
+    if (file.write(bytes) != bytes.size()) {
+        const std::string reason = file.errorString().toStdString();
+        file.cancelWriting();
+        return sentence("file", m_entry, "cannot be written", reason);
+    }
+    if (!file.commit())
+        return sentence("file", m_entry, "cannot be written", file.errorString().toStdString());
+    return std::nullopt;
 }
 
 } // namespace tessarel::xdg

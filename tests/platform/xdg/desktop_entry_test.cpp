@@ -2,13 +2,12 @@
 
 #include <gtest/gtest.h>
 
-namespace tessarel::xdg::desktop_entry {
+namespace tessarel::xdg {
 namespace {
 
-const std::vector<std::string> kNoLanguage;
-
 std::optional<std::string> nameOf(const std::string& lines) {
-    return name("[Desktop Entry]\n" + lines, kNoLanguage);
+    const auto entry = DesktopEntry::parse("[Desktop Entry]\n" + lines);
+    return entry ? entry->name() : std::nullopt;
 }
 
 TEST(DesktopEntryName, IsReadFromTheMainGroup) {
@@ -20,29 +19,26 @@ TEST(DesktopEntryName, IsEmptyWithoutAText) {
     EXPECT_EQ(nameOf("GenericName=Editor\n"), std::nullopt);
     EXPECT_EQ(nameOf("Name=\n"), std::nullopt);
     EXPECT_EQ(nameOf("[Desktop Action New]\nName=New\n"), std::nullopt);
-    EXPECT_EQ(name("", kNoLanguage), std::nullopt);
 }
 
 TEST(DesktopEntryName, IsUnescaped) {
-    EXPECT_EQ(nameOf(R"(Name=\sEditor\\2\;)"), R"( Editor\2;)");
-    EXPECT_EQ(nameOf("Name=Editor\\"), "Editor\\");
+    EXPECT_EQ(nameOf(R"(Name=\sEditor\\2)"), R"( Editor\2)");
 }
 
 TEST(DesktopEntryName, IsOneLine) {
     EXPECT_EQ(nameOf(R"(Name=Text\nEditor\t2)"), "Text Editor 2");
 }
 
-TEST(DesktopEntryName, IsAlwaysValidUtf8) {
+TEST(DesktopEntryName, IsEmptyUnlessItIsUtf8) {
     EXPECT_EQ(nameOf("Name=Caf\xC3\xA9"), "Caf\xC3\xA9");
-    EXPECT_EQ(nameOf("Name=Caf\xE9"), "Caf\xC3\xA9");
+    EXPECT_EQ(nameOf("Name=Caf\xE9"), std::nullopt);
 }
 
-TEST(DesktopEntryName, IsInTheFirstLanguageThatTheEntryHas) {
-    const std::string content = "[Desktop Entry]\nName=Files\nName[de]=Dateien\nName[pt]=Arquivos\n";
-
-    EXPECT_EQ(name(content, {"fr", "pt", "de"}), "Arquivos");
-    EXPECT_EQ(name(content, {"pt_BR"}), "Files");
+TEST(DesktopEntryTest, ContentThatIsNoDesktopEntryIsRejected) {
+    for (const std::string_view content :
+         {"", "=", "[", "\n\n", "Hidden=true", "\xff\xfe=", "[Desktop Action New]\nName=New\n"})
+        EXPECT_FALSE(DesktopEntry::parse(content)) << content;
 }
 
 } // namespace
-} // namespace tessarel::xdg::desktop_entry
+} // namespace tessarel::xdg

@@ -19,6 +19,9 @@ namespace fs = std::filesystem;
 /// Two folders of desktop entries, the user's and the system's.
 class InstalledApplicationsTest : public ::testing::Test {
 protected:
+    InstalledApplicationsTest() { ::setenv("LANGUAGE", "de_AT", 1); }
+    ~InstalledApplicationsTest() override { ::unsetenv("LANGUAGE"); }
+
     static void write(const fs::path& file, const std::string& lines) {
         fs::create_directories(file.parent_path());
         std::ofstream(file) << "[Desktop Entry]\nType=Application\nName=Program\n" << lines;
@@ -30,7 +33,7 @@ protected:
     ScratchFolder scratch;
     fs::path users = scratch.path() / "users";
     fs::path systems = scratch.path() / "systems";
-    InstalledApplications entries{{users, systems}, {"de_AT", "de"}};
+    InstalledApplications entries{{users, systems}};
 };
 
 TEST_F(InstalledApplicationsTest, WithoutFoldersNoEntryIsFound) {
