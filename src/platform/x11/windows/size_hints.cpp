@@ -1,9 +1,7 @@
 #include "platform/x11/windows/size_hints.h"
 
-#include "platform/x11/server/property.h"
-
 #include <algorithm>
-#include <cstddef>
+#include <cstdint>
 
 namespace tessarel::x11 {
 
@@ -11,26 +9,15 @@ namespace {
 
 constexpr double kNear = 3; // pixels; too little to count as a refusal
 
-// Flags and value indices of WM_NORMAL_HINTS (ICCCM 4.1.2.3).
-constexpr std::uint32_t kHasMinimum = 1U << 4;
-constexpr std::uint32_t kHasMaximum = 1U << 5;
-constexpr std::uint32_t kHasStep = 1U << 6;
-constexpr std::uint32_t kHasAspect = 1U << 7;
-constexpr std::size_t kMinimum = 5;
-constexpr std::size_t kMaximum = 7;
-constexpr std::size_t kStep = 9;
-constexpr std::uint32_t kLength = 18; // the full length; some clients leave out the last values
-
-/// Returns the pair of extents at `place`, with `absent` for values that the flag does not announce, that are
-/// missing, or that no window can have.
-Size pairAt(std::span<const std::uint32_t> values, std::size_t place, std::uint32_t flag, double absent) {
-    const auto extent = [&](std::size_t index) {
-        const bool isGiven = index < values.size() && (values[0] & flag) != 0;
-        return isGiven && values[index] >= 1 && values[index] <= ExtentHints{}.maximum
-                   ? static_cast<double>(values[index])
-                   : absent;
+/// Returns a pair of extents, with `absent` for values that `flag` does not announce or that no window can
+/// have.
+Size pairOf(const xcb_size_hints_t& hints, std::uint32_t flag, std::int32_t width, std::int32_t height,
+            double absent) {
+    const auto extent = [&](std::int32_t value) {
+        const bool isPossible = value >= 1 && value <= ExtentHints{}.maximum;
+        return (hints.flags & flag) != 0 && isPossible ? static_cast<double>(value) : absent;
     };
-    return {extent(place), extent(place + 1)};
+    return {extent(width), extent(height)};
 }
 
 } // namespace
@@ -46,20 +33,26 @@ bool SizeHints::explain(const Size& actual, const Size& wanted) const {
            (width.explain(actual.width, wanted.width) && height.explain(actual.height, wanted.height));
 }
 
-SizeHints sizeHintsFrom(std::span<const std::uint32_t> values) {
+SizeHints sizeHintsFrom(const xcb_size_hints_t& hints) {
     constexpr ExtentHints kNone;
-    const Size minimum = pairAt(values, kMinimum, kHasMinimum, kNone.minimum);
-    const Size maximum = pairAt(values, kMaximum, kHasMaximum, kNone.maximum);
-    const Size step = pairAt(values, kStep, kHasStep, kNone.step);
+    const Size minimum =
+        pairOf(hints, XCB_ICCCM_SIZE_HINT_P_MIN_SIZE, hints.min_width, hints.min_height, kNone.minimum);
+    const Size maximum =
+        pairOf(hints, XCB_ICCCM_SIZE_HINT_P_MAX_SIZE, hints.max_width, hints.max_height, kNone.maximum);
+    const Size step =
+        pairOf(hints, XCB_ICCCM_SIZE_HINT_P_RESIZE_INC, hints.width_inc, hints.height_inc, kNone.step);
     return {.width = {minimum.width, maximum.width, step.width},
             .height = {minimum.height, maximum.height, step.height},
-            .keepsAspect = !values.empty() && (values[0] & kHasAspect) != 0};
+            .keepsAspect = (hints.flags & XCB_ICCCM_SIZE_HINT_P_ASPECT) != 0};
 }
 
 SizeHints readSizeHints(Connection& connection, xcb_window_t window) {
-    const auto reply = propertyReply(connection, requestProperty(connection, window, XCB_ATOM_WM_NORMAL_HINTS,
-                                                                 XCB_ATOM_WM_SIZE_HINTS, kLength));
-    return sizeHintsFrom(values(reply));
+    const auto reply = connection.reply<xcb_get_property_reply>(
+        xcb_icccm_get_wm_normal_hints_unchecked(connection.xcb(), window));
+    xcb_size_hints_t hints{};
+    if (reply)
+        xcb_icccm_get_wm_size_hints_from_reply(&hints, reply.get());
+    return sizeHintsFrom(hints);
 }
 
 } // namespace tessarel::x11

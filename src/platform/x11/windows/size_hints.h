@@ -3,8 +3,7 @@
 #include "platform/x11/server/connection.h"
 #include "ports/rect.h"
 
-#include <cstdint>
-#include <span>
+#include <xcb/xcb_icccm.h>
 
 namespace tessarel::x11 {
 
@@ -34,8 +33,8 @@ struct SizeHints {
     bool operator==(const SizeHints&) const = default;
 };
 
-/// Decodes WM_NORMAL_HINTS. Missing and implausible values set no limit.
-[[nodiscard]] SizeHints sizeHintsFrom(std::span<const std::uint32_t> values);
+/// Converts the hints in WM_NORMAL_HINTS. Missing and implausible values set no limit.
+[[nodiscard]] SizeHints sizeHintsFrom(const xcb_size_hints_t& hints);
 
 /// Reads the size hints of `window`. Takes a round trip. A window that does not exist has no limits.
 [[nodiscard]] SizeHints readSizeHints(Connection& connection, xcb_window_t window);
