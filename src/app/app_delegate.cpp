@@ -9,7 +9,7 @@
 namespace tessarel {
 
 AppDelegate::AppDelegate(const Ports& ports, SettingsWindowFactory makeSettingsWindow)
-    : m_ports(ports), m_makeSettingsWindow(std::move(makeSettingsWindow)), m_alive(std::make_shared<int>()) {}
+    : m_ports(ports), m_makeSettingsWindow(std::move(makeSettingsWindow)), m_later(ports.mainQueue) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -27,12 +27,12 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
     services.hotKeys.registerAll();
     services.dragSnap.start();
     services.appPlacer.start();
-    m_settingsObserver = services.store.tessarelSettingsChanged.addObserver([this] {
+    m_settingsObserver = services.store.tessarelSettingsChanged.connect([this] {
         m_services->hotKeys.registerAll();
         m_statusItem->refreshStatusIcon();
     });
     // From the event loop, which does not run yet.
-    m_ports.mainQueue.async(whileAlive([this] { m_services->updater.checkIfDue(); }));
+    m_later.async([this] { m_services->updater.checkIfDue(); });
     greetUser();
     return Launch::Running;
 }
@@ -40,14 +40,14 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
 /// Shows the welcome message on the first run. On later runs, asks for the permission if it is missing.
 void AppDelegate::greetUser() {
     if (!m_services->store.settings.hasOnboarded)
-        m_ports.mainQueue.async(whileAlive([this] { welcome(); }));
+        m_later.async([this] { welcome(); });
     else if (!m_services->permissions.isTrusted())
         m_services->permissions.prompt();
 }
 
 void AppDelegate::welcome() {
     m_ports.application.activate();
-    const std::weak_ptr<void> alive = m_alive;
+    const auto alive = m_lifetime.watch();
     const std::size_t button = m_ports.alerts.runModal(welcomeAlert(m_ports.words));
     // The program may have quit while the message was shown.
     if (alive.expired())
@@ -86,10 +86,8 @@ void AppDelegate::itemSelected(const MenuItem& item) {
 }
 
 void AppDelegate::runMenuAction(int tag) {
-    if (const auto action = StatusMenu::action(tag)) {
-        m_ports.mainQueue.asyncAfter(kMenuActionDelay,
-                                     whileAlive([this, action] { m_services->actionRunner.run(*action); }));
-    }
+    if (const auto action = StatusMenu::action(tag))
+        m_later.asyncAfter(kMenuActionDelay, [this, action] { m_services->actionRunner.run(*action); });
 }
 
 void AppDelegate::applyLayout(int tag) {
@@ -98,7 +96,7 @@ void AppDelegate::applyLayout(int tag) {
         return;
     m_services->store.settings.zones = Presets::pad(*std::move(zones));
     m_services->store.saveAndNotify();
-    // The settings window does not observe the notification.
+    // The settings window does not observe the signal.
     if (m_settingsWindow)
         m_settingsWindow->refreshAll();
 }
@@ -118,14 +116,6 @@ void AppDelegate::openSettings() {
         m_settingsWindow = m_makeSettingsWindow(*m_services, m_ports);
     if (m_settingsWindow)
         m_settingsWindow->show();
-}
-
-/// Returns `work`, wrapped so that it does nothing once this delegate is destroyed.
-std::function<void()> AppDelegate::whileAlive(std::function<void()> work) const {
-    return [alive = std::weak_ptr<void>(m_alive), work = std::move(work)] {
-        if (!alive.expired())
-            work();
-    };
 }
 
 } // namespace tessarel

@@ -5,11 +5,12 @@
 #include "app/settings_window.h"
 #include "app/status_item.h"
 #include "app/status_menu.h"
+#include "model/lifetime.h"
 #include "model/subscription.h"
+#include "ports/deferred_work.h"
 #include "ports/menu.h"
 
 #include <chrono>
-#include <functional>
 #include <memory>
 #include <optional>
 
@@ -59,7 +60,6 @@ private:
     /// Explains how to grant the permission and opens the place to do so.
     void grantAccess();
     void openSettings();
-    [[nodiscard]] std::function<void()> whileAlive(std::function<void()> work) const;
 
     Ports m_ports;
     SettingsWindowFactory m_makeSettingsWindow;
@@ -71,8 +71,9 @@ private:
     SubscriptionPtr m_settingsObserver;
     /// Created on first use.
     std::unique_ptr<SettingsWindow> m_settingsWindow;
-    /// Pending work holds a weak reference and does nothing once this object is destroyed.
-    std::shared_ptr<void> m_alive;
+    Lifetime m_lifetime;
+    /// Work for the event loop, cancelled when this object is destroyed.
+    DeferredWork m_later;
 };
 
 } // namespace tessarel

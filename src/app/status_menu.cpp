@@ -104,7 +104,7 @@ MenuItem StatusMenu::layoutsItem() const {
     const std::vector<Layout>& userLayouts = m_store.settings.userLayouts;
     if (!userLayouts.empty())
         parent.submenu.push_back(MenuItem::separator());
-    tag = kFirstUserLayoutTag;
+    tag = Presets::kFirstUserTag;
     for (const Layout& layout : userLayouts)
         parent.submenu.push_back(layoutItem(layout, tag++));
     return parent;
@@ -124,12 +124,8 @@ std::optional<ActionID> StatusMenu::action(int tag) {
 }
 
 std::optional<std::vector<Zone>> StatusMenu::layoutZones(int tag) const {
-    const bool isUsers = tag >= kFirstUserLayoutTag;
-    const std::vector<Layout>& layouts = isUsers ? m_store.settings.userLayouts : Presets::all();
-    const int position = isUsers ? tag - kFirstUserLayoutTag : tag;
-    if (position < 0 || static_cast<std::size_t>(position) >= layouts.size())
-        return std::nullopt;
-    return layouts[static_cast<std::size_t>(position)].zones;
+    const Layout* const layout = Presets::layout(tag, m_store.settings.userLayouts);
+    return layout ? std::optional(layout->zones) : std::nullopt;
 }
 
 } // namespace tessarel

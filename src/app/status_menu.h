@@ -17,9 +17,6 @@ namespace tessarel {
 /// it opens, so it always shows the current state.
 class StatusMenu {
 public:
-    /// Tag of the first user layout. The tag of a built-in layout is its index.
-    static constexpr int kFirstUserLayoutTag = 1000;
-
     /// `store`, `permissions` and `runtime` must outlive the menu.
     StatusMenu(const Store& store, const Permissions& permissions, const Runtime& runtime,
                const ModifierNames& modifierNames);

@@ -1,15 +1,16 @@
 #include "app/update_feed.h"
 
-#include "model/json_document.h"
+#include "model/json.h"
 
 namespace tessarel {
 namespace {
 
 /// Returns the member if it is a string.
-std::optional<std::string> text(const JsonValue& object, std::string_view name) {
-    const JsonValue* const member = object.member(name);
-    const auto* const value = member ? member->as<std::string>() : nullptr;
-    return value ? std::optional(*value) : std::nullopt;
+std::optional<std::string> text(const Json& object, std::string_view name) {
+    const auto member = object.find(name);
+    if (member == object.end() || !member->is_string())
+        return std::nullopt;
+    return member->get<std::string>();
 }
 
 } // namespace

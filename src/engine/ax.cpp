@@ -88,6 +88,32 @@ bool AX::isUsable(const Element& window) const {
     return !boolean(window, attribute::kFullScreen).value_or(false);
 }
 
+std::optional<Element> AX::windowAt(const Point& axPoint, std::chrono::milliseconds timeLimit) const {
+    const Element systemWide = m_accessibility.systemWide();
+    m_accessibility.setMessagingTimeout(systemWide, timeLimit);
+    auto window = m_accessibility.elementAtPosition(systemWide, axPoint);
+    if (window && string(*window, attribute::kRole) != "AXWindow")
+        window = element(*window, attribute::kWindow);
+    if (window)
+        m_accessibility.setMessagingTimeout(*window, timeLimit);
+    return window;
+}
+
+std::optional<ProcessId> AX::pid(const Element& element) const {
+    return m_accessibility.pid(element);
+}
+
+SubscriptionPtr AX::onWindowCreated(ProcessId pid, std::chrono::milliseconds timeLimit,
+                                    std::function<void(const Element&)> created) const {
+    const Element application = m_accessibility.application(pid);
+    m_accessibility.setMessagingTimeout(application, timeLimit);
+    return m_accessibility.onWindowCreated(application, std::move(created));
+}
+
+SubscriptionPtr AX::onWindowClosed(const Element& window, std::function<void()> closed) const {
+    return m_accessibility.onWindowClosed(window, std::move(closed));
+}
+
 std::uintptr_t AX::key(const Element& element) const {
     return m_accessibility.key(element);
 }

@@ -1,10 +1,14 @@
 #pragma once
 
+#include "model/subscription.h"
 #include "ports/accessibility_port.h"
+#include "ports/process_id.h"
 #include "ports/rect.h"
 #include "ports/workspace_port.h"
 
+#include <chrono>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -52,6 +56,25 @@ public:
     /// Returns whether the window may be moved: it is neither minimised nor full screen, and its role is that
     /// of a window. An attribute that cannot be read does not exclude the window.
     [[nodiscard]] bool isUsable(const Element& window) const;
+
+    /// Returns the window at `axPoint`, also if a part of it, such as a button, is found there. Empty if
+    /// nothing there can be moved or its owner does not reply. Sets the messaging timeouts of the system-wide
+    /// element and of the window to `timeLimit`.
+    [[nodiscard]] std::optional<Element> windowAt(const Point& axPoint,
+                                                  std::chrono::milliseconds timeLimit) const;
+
+    /// Returns the process that owns the element (see `AccessibilityPort::pid`).
+    [[nodiscard]] std::optional<ProcessId> pid(const Element& element) const;
+
+    /// Calls `created` for every window that process `pid` opens from now on, until the returned subscription
+    /// is destroyed. Returns null if the process cannot be observed. Sets the messaging timeout of the
+    /// observed application element to `timeLimit`.
+    [[nodiscard]] SubscriptionPtr onWindowCreated(ProcessId pid, std::chrono::milliseconds timeLimit,
+                                                  std::function<void(const Element& window)> created) const;
+
+    /// Calls `closed` once when `window` closes, unless the returned subscription is destroyed first. Returns
+    /// null if the window cannot be observed.
+    [[nodiscard]] SubscriptionPtr onWindowClosed(const Element& window, std::function<void()> closed) const;
 
     /// Returns the key of an element (see `AccessibilityPort::key`).
     [[nodiscard]] std::uintptr_t key(const Element& element) const;

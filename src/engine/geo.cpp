@@ -2,62 +2,38 @@
 
 #include <algorithm>
 #include <cmath>
-#include <vector>
 
 namespace tessarel {
 
-namespace {
-
-double heightOfPrimary(const std::vector<Screen>& screens) {
-    return screens.empty() ? 0 : screens.front().frame.absHeight();
-}
-
-Rect flipped(const Rect& rect, double primaryHeight) {
-    return {rect.minX(), primaryHeight - rect.maxY(), rect.absWidth(), rect.absHeight()};
-}
-
-/// Returns 0 for the null rectangle.
-double area(const Rect& rect) {
-    return rect.absWidth() * rect.absHeight();
-}
-
-} // namespace
-
 Geo::Geo(DisplaysPort& displays, const Store& store) : m_displays(displays), m_store(store) {}
 
+Screens Geo::screens() const {
+    return Screens(m_displays.screens());
+}
+
 double Geo::primaryHeight() const {
-    return heightOfPrimary(m_displays.screens());
+    return screens().primaryHeight();
 }
 
 Rect Geo::flip(const Rect& rect) const {
-    return flipped(rect, primaryHeight());
+    return screens().flip(rect);
 }
 
 Rect Geo::axFrame(const Screen& screen) const {
-    return flip(screen.frame);
+    return screens().axFrame(screen);
 }
 
 Rect Geo::axVisible(const Screen& screen) const {
-    return flip(screen.visibleFrame);
+    return screens().axVisible(screen);
 }
 
 Point Geo::axPoint(const Point& screenPoint) const {
-    return {screenPoint.x, primaryHeight() - screenPoint.y};
+    return screens().axPoint(screenPoint);
 }
 
 std::optional<Screen> Geo::screen(const Rect& containing) const {
-    const std::vector<Screen> screens = m_displays.screens();
-    const double height = heightOfPrimary(screens);
-    const Screen* best = nullptr;
-    // Less than any area, so that the first screen wins if none shows the window.
-    double bestArea = -1;
-    for (const Screen& candidate : screens) {
-        const double shown = area(flipped(candidate.frame, height).intersection(containing));
-        if (bestArea < shown) {
-            best = &candidate;
-            bestArea = shown;
-        }
-    }
+    const Screens all = screens();
+    const Screen* const best = all.containing(containing);
     return best ? std::optional(*best) : m_displays.mainScreen();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/screens.h"
 #include "model/store.h"
 #include "model/zone.h"
 #include "ports/displays_port.h"
@@ -22,6 +23,9 @@ public:
 
     /// `displays` and `store` must outlive this object.
     Geo(DisplaysPort& displays, const Store& store);
+
+    /// Returns a snapshot of the displays, for several conversions with the same displays.
+    [[nodiscard]] Screens screens() const;
 
     /// Returns the height of the primary display; 0 without displays.
     [[nodiscard]] double primaryHeight() const;

@@ -28,8 +28,8 @@ struct AppSettings {
     double margin = 0;
     /// Whether windows snap into zones when dragged.
     bool dragEnabled = true;
-    /// The trigger, which shows the zones during a drag: "shift", "control", "command" or "always". Any other
-    /// value acts as "shift".
+    /// Name of the `DragTrigger`, which shows the zones during a drag (see `kDragTriggers`). An unknown name
+    /// acts as "shift".
     std::string dragTrigger = "shift";
     /// Whether windows also snap when dragged to a screen edge.
     bool edgeSnap = false;

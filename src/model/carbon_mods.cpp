@@ -26,4 +26,13 @@ std::int64_t carbonMods(ModifierFlags from) {
     return mods;
 }
 
+ModifierFlags modifierFlags(std::int64_t mods) {
+    ModifierFlags flags = 0;
+    for (const auto& [flag, bit] : kBits) {
+        if ((mods & bit) != 0)
+            flags |= flag;
+    }
+    return flags;
+}
+
 } // namespace tessarel

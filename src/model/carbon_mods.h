@@ -12,8 +12,14 @@ inline constexpr ModifierFlags kShiftFlag = 0x20000;
 inline constexpr ModifierFlags kControlFlag = 0x40000;
 inline constexpr ModifierFlags kOptionFlag = 0x80000;
 inline constexpr ModifierFlags kCommandFlag = 0x100000;
+/// The flags of all four modifiers.
+inline constexpr ModifierFlags kAllModifierFlags = kShiftFlag | kControlFlag | kOptionFlag | kCommandFlag;
 
 /// Returns the modifier bits of a `Binding` for the flags of an event. Other flags are ignored.
 [[nodiscard]] std::int64_t carbonMods(ModifierFlags from);
+
+/// Returns the flags of an event for the modifier bits of a `Binding`; the inverse of `carbonMods`. Other
+/// bits are ignored.
+[[nodiscard]] ModifierFlags modifierFlags(std::int64_t mods);
 
 } // namespace tessarel

@@ -65,4 +65,12 @@ const std::vector<Layout>& Presets::all() {
     return layouts;
 }
 
+const Layout* Presets::layout(int tag, const std::vector<Layout>& userLayouts) {
+    const bool isUsers = tag >= kFirstUserTag;
+    const std::vector<Layout>& layouts = isUsers ? userLayouts : all();
+    const int index = isUsers ? tag - kFirstUserTag : tag;
+    const bool exists = index >= 0 && static_cast<std::size_t>(index) < layouts.size();
+    return exists ? &layouts[static_cast<std::size_t>(index)] : nullptr;
+}
+
 } // namespace tessarel

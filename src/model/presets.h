@@ -22,6 +22,12 @@ public:
     /// Returns the nine built-in layouts in menu order, each padded to nine zones. The first one provides the
     /// default zones.
     [[nodiscard]] static const std::vector<Layout>& all();
+
+    /// In menus a built-in layout has its index as tag; the layouts that the user has saved follow from here.
+    static constexpr int kFirstUserTag = 1000;
+
+    /// Returns the layout with that tag: a built-in one, or one of `userLayouts`; null if there is none.
+    [[nodiscard]] static const Layout* layout(int tag, const std::vector<Layout>& userLayouts);
 };
 
 } // namespace tessarel

@@ -1,10 +1,11 @@
 #include "model/settings_codec.h"
 
-#include "model/json_document.h"
+#include "model/json.h"
 
+#include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <vector>
 
@@ -14,6 +15,9 @@ namespace {
 /// 2^63. A double without a fraction in [-limit, limit) fits into a signed 64-bit integer.
 constexpr double kIntegerLimit = 9223372036854775808.0;
 
+/// Larger integers do not fit into a setting.
+constexpr std::uint64_t kLargestInteger = std::numeric_limits<std::int64_t>::max();
+
 /// 2^53. Below it, every integer is exactly representable as a double, so writing it without a fraction loses
 /// nothing.
 constexpr double kExactIntegerLimit = 9007199254740992.0;
@@ -22,58 +26,46 @@ constexpr double kExactIntegerLimit = 9007199254740992.0;
 ///
 /// Member functions instead of free ones, because they can call each other regardless of their order.
 struct Decoder {
-    static bool decode(const JsonValue& from, bool& value) { return copy(from.as<bool>(), value); }
-    static bool decode(const JsonValue& from, std::string& value) {
-        return copy(from.as<std::string>(), value);
+    static bool decode(const Json& from, bool& value) { return from.is_boolean() && copy(from, value); }
+    static bool decode(const Json& from, std::string& value) { return from.is_string() && copy(from, value); }
+    static bool decode(const Json& from, double& value) { return from.is_number() && copy(from, value); }
+
+    static bool decode(const Json& from, std::int64_t& value) {
+        if (from.is_number_unsigned() && from.get<std::uint64_t>() > kLargestInteger)
+            return false;
+        if (from.is_number_integer())
+            return copy(from, value);
+        return from.is_number() && decodeWhole(from.get<double>(), value);
     }
 
-    static bool decode(const JsonValue& from, double& value) {
-        if (const auto* const whole = from.as<std::int64_t>()) {
-            value = static_cast<double>(*whole);
-            return true;
-        }
-        return copy(from.as<double>(), value);
-    }
-
-    static bool decode(const JsonValue& from, std::int64_t& value) {
-        if (const auto* const number = from.as<double>())
-            return decodeWhole(*number, value);
-        return copy(from.as<std::int64_t>(), value);
-    }
-
-    static bool decode(const JsonValue& from, Zone& zone) {
+    static bool decode(const Json& from, Zone& zone) {
         return member(from, "enabled", zone.enabled) && member(from, "x", zone.x) &&
                member(from, "y", zone.y) && member(from, "w", zone.w) && member(from, "h", zone.h);
     }
 
-    static bool decode(const JsonValue& from, Layout& layout) {
+    static bool decode(const Json& from, Layout& layout) {
         return member(from, "name", layout.name) && member(from, "zones", layout.zones);
     }
 
-    static bool decode(const JsonValue& from, Binding& binding) {
+    static bool decode(const Json& from, Binding& binding) {
         return member(from, "keyCode", binding.keyCode) && member(from, "mods", binding.mods);
     }
 
     template <typename T>
-    static bool decode(const JsonValue& from, std::vector<T>& list) {
-        const auto* const array = from.as<JsonArray>();
-        if (!array)
-            return false;
-        list.assign(array->size(), T());
-        for (std::size_t index = 0; index < list.size(); ++index) {
-            if (!decode((*array)[index], list[index]))
-                return false;
-        }
-        return true;
+    static bool decode(const Json& from, std::vector<T>& list) {
+        list.clear();
+        return from.is_array() && std::ranges::all_of(from, [&](const Json& item) {
+                   T& value = list.emplace_back();
+                   return decode(item, value);
+               });
     }
 
     template <typename T>
-    static bool decode(const JsonValue& from, std::map<std::string, T, std::less<>>& map) {
-        const auto* const object = from.as<JsonObject>();
-        if (!object)
-            return false;
+    static bool decode(const Json& from, std::map<std::string, T, std::less<>>& map) {
         map.clear();
-        for (const auto& [name, value] : *object) {
+        if (!from.is_object())
+            return false;
+        for (const auto& [name, value] : from.items()) {
             if (!decode(value, map[name]))
                 return false;
         }
@@ -82,16 +74,15 @@ struct Decoder {
 
     /// Decodes a required member of an object; false if it is missing.
     template <typename T>
-    static bool member(const JsonValue& from, std::string_view name, T& value) {
-        const JsonValue* const found = from.member(name);
-        return found && decode(*found, value);
+    static bool member(const Json& from, std::string_view name, T& value) {
+        const auto found = from.find(name);
+        return found != from.end() && decode(*found, value);
     }
 
     template <typename T>
-    static bool copy(const T* from, T& value) {
-        if (from)
-            value = *from;
-        return from != nullptr;
+    static bool copy(const Json& from, T& value) {
+        from.get_to(value);
+        return true;
     }
 
     static bool decodeWhole(double number, std::int64_t& value) {
@@ -104,11 +95,11 @@ struct Decoder {
 
 /// Encodes each type that occurs in the document.
 struct Encoder {
-    static JsonValue encode(bool value) { return value; }
-    static JsonValue encode(std::int64_t value) { return value; }
-    static JsonValue encode(const std::string& value) { return value; }
+    static Json encode(bool value) { return value; }
+    static Json encode(std::int64_t value) { return value; }
+    static Json encode(const std::string& value) { return value; }
 
-    static JsonValue encode(double value) {
+    static Json encode(double value) {
         // A whole number is written without a fraction, except -0, whose sign would be lost.
         const bool whole = std::trunc(value) == value && std::abs(value) < kExactIntegerLimit;
         if (whole && !(value == 0 && std::signbit(value)))
@@ -116,35 +107,35 @@ struct Encoder {
         return value;
     }
 
-    static JsonValue encode(const Zone& zone) {
-        return JsonObject{{"enabled", zone.enabled},
-                          {"x", encode(zone.x)},
-                          {"y", encode(zone.y)},
-                          {"w", encode(zone.w)},
-                          {"h", encode(zone.h)}};
+    static Json encode(const Zone& zone) {
+        return {{"enabled", zone.enabled},
+                {"x", encode(zone.x)},
+                {"y", encode(zone.y)},
+                {"w", encode(zone.w)},
+                {"h", encode(zone.h)}};
     }
 
-    static JsonValue encode(const Layout& layout) {
-        return JsonObject{{"name", layout.name}, {"zones", encode(layout.zones)}};
+    static Json encode(const Layout& layout) {
+        return {{"name", layout.name}, {"zones", encode(layout.zones)}};
     }
 
-    static JsonValue encode(const Binding& binding) {
-        return JsonObject{{"keyCode", binding.keyCode}, {"mods", binding.mods}};
+    static Json encode(const Binding& binding) {
+        return {{"keyCode", binding.keyCode}, {"mods", binding.mods}};
     }
 
     template <typename T>
-    static JsonValue encode(const std::vector<T>& list) {
-        JsonArray array;
+    static Json encode(const std::vector<T>& list) {
+        Json array = Json::array();
         for (const T& value : list)
             array.push_back(encode(value));
         return array;
     }
 
     template <typename T>
-    static JsonValue encode(const std::map<std::string, T, std::less<>>& map) {
-        JsonObject object;
+    static Json encode(const std::map<std::string, T, std::less<>>& map) {
+        Json object = Json::object();
         for (const auto& [name, value] : map)
-            object.emplace(name, encode(value));
+            object[name] = encode(value);
         return object;
     }
 };
@@ -172,14 +163,14 @@ void forEachMember(Settings& settings, Visit visit) {
 
 std::optional<AppSettings> decodeSettings(std::string_view document) {
     const auto root = readJson(document);
-    if (!root || !root->as<JsonObject>())
+    if (!root || !root->is_object())
         return std::nullopt;
 
     AppSettings settings;
     bool valid = true;
     forEachMember(settings, [&](std::string_view name, auto& field) {
-        const JsonValue* const found = root->member(name);
-        if (found && !found->isNull())
+        const auto found = root->find(name);
+        if (found != root->end() && !found->is_null())
             valid = valid && Decoder::decode(*found, field);
     });
     if (!valid)
@@ -188,9 +179,9 @@ std::optional<AppSettings> decodeSettings(std::string_view document) {
 }
 
 std::optional<std::string> encodeSettings(const AppSettings& settings) {
-    JsonObject root;
+    Json root = Json::object();
     forEachMember(settings,
-                  [&](const char* name, const auto& field) { root.emplace(name, Encoder::encode(field)); });
+                  [&](const char* name, const auto& field) { root[name] = Encoder::encode(field); });
     return writeJson(root);
 }
 

@@ -59,7 +59,7 @@ void Store::save() {
 
 void Store::saveAndNotify() {
     save();
-    tessarelSettingsChanged.post();
+    tessarelSettingsChanged.send();
 }
 
 std::optional<Binding> Store::binding(ActionID forAction) const {

@@ -3,8 +3,8 @@
 #include "model/action_id.h"
 #include "model/app_settings.h"
 #include "model/binding.h"
-#include "model/notification.h"
 #include "model/preferences_port.h"
+#include "model/signal.h"
 #include "model/subscription.h"
 
 #include <optional>
@@ -36,8 +36,8 @@ public:
     /// Read and modified directly. A change lasts beyond this run only once it is saved.
     AppSettings settings;
 
-    /// Posted when hot keys, menu and windows should follow changed settings.
-    Notification tessarelSettingsChanged;
+    /// Sent when hot keys, menu and windows should follow changed settings.
+    Signal<> tessarelSettingsChanged;
 
     /// Stores the settings. On failure the stored document stays as it was and nothing is reported. That
     /// includes settings that the document cannot hold: numbers that are not finite, text that is not UTF-8.

@@ -22,11 +22,7 @@ constexpr std::size_t kMostPlaced = 500;
 
 } // namespace
 
-AppPlacer::AppPlacer(const Uses& uses) : m_uses(uses), m_self(std::make_shared<AppPlacer*>(this)) {}
-
-AppPlacer::~AppPlacer() {
-    *m_self = nullptr;
-}
+AppPlacer::AppPlacer(const Uses& uses) : m_uses(uses), m_placements(uses.mainQueue) {}
 
 void AppPlacer::start() {
     WorkspacePort& workspace = m_uses.workspace;
@@ -38,7 +34,7 @@ void AppPlacer::start() {
         workspace.addObserver(ApplicationEvent::Activated, [this](const auto& app) { watch(app); }));
     m_events.push_back(workspace.addObserver(
         ApplicationEvent::Terminated, [this](const auto& app) { m_observers.erase(app.processIdentifier); }));
-    m_events.push_back(m_uses.store.tessarelSettingsChanged.addObserver([this] { watchAll(); }));
+    m_events.push_back(m_uses.store.tessarelSettingsChanged.connect([this] { watchAll(); }));
     watchAll();
 }
 
@@ -55,30 +51,27 @@ void AppPlacer::watch(const RunningApplication& app) {
         return;
     if (m_observers.contains(pid) || !m_uses.permissions.isTrusted())
         return;
-    AccessibilityPort& accessibility = m_uses.accessibility;
-    const Element application = accessibility.application(pid);
-    accessibility.setMessagingTimeout(application, kMessagingTimeout);
-    auto observer =
-        accessibility.onWindowCreated(application, [this](const Element& window) { windowCreated(window); });
+    auto observer = m_uses.ax.onWindowCreated(pid, kMessagingTimeout,
+                                              [this](const Element& window) { windowCreated(window); });
     if (observer)
         m_observers.emplace(pid, std::move(observer));
 }
 
 /// Schedules the placement of a new window if its application has a remembered zone.
 void AppPlacer::windowCreated(const Element& window) {
-    const auto pid = m_uses.accessibility.pid(window);
+    const auto pid = m_uses.ax.pid(window);
     const auto app = pid ? m_uses.workspace.runningApplication(*pid) : std::nullopt;
     const auto index = app ? zoneIndex(*app) : std::nullopt;
     if (!index)
         return;
-    later(kWindowDelay,
-          [window, app = *app, index = *index](AppPlacer& self) { self.place(window, app, index); });
+    m_placements.asyncAfter(kWindowDelay,
+                            [this, window, app = *app, index = *index] { place(window, app, index); });
 }
 
 /// Schedules the placement of the windows that a new application opens before its windows can be observed.
 void AppPlacer::placeExisting(const RunningApplication& app) {
     if (zoneIndex(app))
-        later(kLaunchDelay, [app](AppPlacer& self) { self.placeWindows(app); });
+        m_placements.asyncAfter(kLaunchDelay, [this, app] { placeWindows(app); });
 }
 
 void AppPlacer::placeWindows(const RunningApplication& app) {
@@ -138,14 +131,6 @@ void AppPlacer::notePlaced(WindowEngine::WindowKey window) {
     if (m_placed.size() > kMostPlaced)
         m_placed.clear();
     m_placed.insert(window);
-}
-
-/// Runs `work` after `delay`, unless this object is destroyed before.
-void AppPlacer::later(MainQueuePort::Duration delay, std::function<void(AppPlacer&)> work) {
-    m_uses.mainQueue.asyncAfter(delay, [self = m_self, work = std::move(work)] {
-        if (AppPlacer* const placer = *self)
-            work(*placer);
-    });
 }
 
 } // namespace tessarel

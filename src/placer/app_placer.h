@@ -8,13 +8,12 @@
 #include "model/store.h"
 #include "model/subscription.h"
 #include "ports/accessibility_port.h"
+#include "ports/deferred_work.h"
 #include "ports/main_queue_port.h"
 #include "ports/process_id.h"
 #include "ports/workspace_port.h"
 
 #include <cstddef>
-#include <functional>
-#include <memory>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
@@ -32,7 +31,6 @@ public:
     /// What this class works with. All of it must outlive this object.
     struct Uses {
         WorkspacePort& workspace;
-        AccessibilityPort& accessibility;
         MainQueuePort& mainQueue;
         Store& store;
         const Runtime& runtime;
@@ -46,7 +44,7 @@ public:
     AppPlacer(const AppPlacer&) = delete;
     AppPlacer& operator=(const AppPlacer&) = delete;
     /// Discards pending placements.
-    ~AppPlacer();
+    ~AppPlacer() = default;
 
     /// Starts to observe applications, including those already running. Call once.
     void start();
@@ -64,7 +62,6 @@ private:
     void place(const Element& window, const RunningApplication& app, std::size_t index);
     [[nodiscard]] bool isPlaceable(const Element& window) const;
     void notePlaced(WindowEngine::WindowKey window);
-    void later(MainQueuePort::Duration delay, std::function<void(AppPlacer&)> work);
 
     Uses m_uses;
     /// Observers of new windows, by application.
@@ -73,8 +70,8 @@ private:
     std::unordered_set<WindowEngine::WindowKey> m_placed;
     /// Subscriptions made by `start`.
     std::vector<SubscriptionPtr> m_events;
-    /// Shared with pending work on the main queue, which finds a null pointer once this object is destroyed.
-    std::shared_ptr<AppPlacer*> m_self;
+    /// Pending placements.
+    DeferredWork m_placements;
 };
 
 } // namespace tessarel

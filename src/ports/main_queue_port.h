@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/subscription.h"
+
 #include <chrono>
 #include <functional>
 #include <utility>
@@ -20,10 +22,17 @@ public:
 
     /// Runs `work` once on the main thread after `delay`, never before this call has returned. Work due at
     /// the same time runs in the order in which it was added. Destroying the queue discards pending work.
-    virtual void asyncAfter(Duration delay, std::function<void()> work) = 0;
+    ///
+    /// Destroying the returned subscription cancels the work if it has not started. The work may destroy its
+    /// own subscription, and the subscription may outlive the queue. An owner with several pieces of pending
+    /// work keeps them in a `DeferredWork`.
+    [[nodiscard]] virtual SubscriptionPtr asyncAfter(Duration delay, std::function<void()> work) = 0;
 
-    /// Runs `work` in the next iteration of the event loop.
-    void async(std::function<void()> work) { asyncAfter(Duration::zero(), std::move(work)); }
+    /// Runs `work` in the next iteration of the event loop, unless the returned subscription is destroyed
+    /// before.
+    [[nodiscard]] SubscriptionPtr async(std::function<void()> work) {
+        return asyncAfter(Duration::zero(), std::move(work));
+    }
 };
 
 } // namespace tessarel

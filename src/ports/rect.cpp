@@ -10,6 +10,18 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 }
 
+bool Point::isFinite() const {
+    return std::isfinite(x) && std::isfinite(y);
+}
+
+bool Size::isFinite() const {
+    return std::isfinite(width) && std::isfinite(height);
+}
+
+bool Rect::isFinite() const {
+    return origin().isFinite() && size().isFinite();
+}
+
 Rect Rect::null() {
     return {kInfinity, kInfinity, 0, 0};
 }

@@ -7,6 +7,8 @@ struct Point {
     double x = 0;
     double y = 0;
 
+    [[nodiscard]] bool isFinite() const;
+
     bool operator==(const Point&) const = default;
 };
 
@@ -14,6 +16,8 @@ struct Point {
 struct Size {
     double width = 0;
     double height = 0;
+
+    [[nodiscard]] bool isFinite() const;
 
     bool operator==(const Size&) const = default;
 };
@@ -32,6 +36,9 @@ struct Rect {
 
     /// Returns the null rectangle.
     [[nodiscard]] static Rect null();
+
+    /// Returns whether origin and size are finite.
+    [[nodiscard]] bool isFinite() const;
 
     /// Returns whether this is the null rectangle. A rectangle of zero size is not null.
     [[nodiscard]] bool isNull() const;

@@ -3,7 +3,7 @@
 #include "platform/macos/accent_color.h"
 #include "platform/macos/overlay_properties.h"
 #include "platform/qt/focus_editing.h"
-#include "platform/qt/overlay_colors.h"
+#include "qt_values/color.h"
 #include "settings_ui/settings_window_controller.h"
 
 #include <QApplication>
@@ -22,7 +22,7 @@ namespace {
 QColor accent() {
     const auto color = macos::accentColor();
     if (!color)
-        return {qt::kAccent};
+        return {kAccent};
     return QColor::fromRgbF(static_cast<float>(color->red), static_cast<float>(color->green),
                             static_cast<float>(color->blue));
 }

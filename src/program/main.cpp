@@ -23,6 +23,7 @@
 
 #include <algorithm>
 #include <array>
+#include <clocale>
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
@@ -56,6 +57,8 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
     QApplication::setDesktopSettingsAware(false);
     describeProgramToQt();
     const QApplication application(argumentCount, arguments.data());
+    // QApplication has set the user's locale, whose decimal point may have several bytes; see `readJson`.
+    std::setlocale(LC_NUMERIC, "C");
     qt::ignorePointerCrossings();
 
     const auto events =

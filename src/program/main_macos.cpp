@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <bit>
+#include <clocale>
 #include <cstdlib>
 
 namespace tessarel {
@@ -22,6 +23,8 @@ int run(int argumentCount, char** arguments) {
     describeProgramToQt();
     MacProgram::prepareToolkit();
     const QApplication application(argumentCount, arguments);
+    // QApplication has set the user's locale, whose decimal point may have several bytes; see `readJson`.
+    std::setlocale(LC_NUMERIC, "C");
     MacProgram program([](QWidget& widget) { return std::bit_cast<void*>(widget.winId()); });
     if (program.launch() == AppDelegate::Launch::AnotherCopyRuns)
         return EXIT_SUCCESS;

@@ -1,7 +1,7 @@
 #include "settings_ui/about_tab.h"
 
 #include "model/config.h"
-#include "settings_ui/qt_text.h"
+#include "qt_values/text.h"
 
 #include <string>
 

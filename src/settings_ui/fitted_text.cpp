@@ -1,5 +1,7 @@
 #include "settings_ui/fitted_text.h"
 
+#include "qt_values/text.h"
+
 #include <QFont>
 #include <QFontMetrics>
 #include <QLatin1String>
@@ -81,11 +83,6 @@ QSize contents(const QAbstractButton& button) {
     const bool hasMark = button.inherits("QCheckBox") || button.inherits("QRadioButton");
     const auto element = hasMark ? QStyle::SE_CheckBoxContents : QStyle::SE_PushButtonContents;
     return button.style()->subElementRect(element, &option, &button).size();
-}
-
-/// Returns `text` with every '&' doubled: Qt takes a single one for the mark of a mnemonic and hides it.
-QString withoutMnemonics(QString text) {
-    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 } // namespace

@@ -1,7 +1,8 @@
 #include "settings_ui/general_tab.h"
 
 #include "model/config.h"
-#include "settings_ui/qt_text.h"
+#include "model/drag_trigger.h"
+#include "qt_values/text.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -44,6 +45,20 @@ QString readout(double points) {
 void show(QSlider& slider, double points) {
     const QSignalBlocker silence(slider);
     slider.setValue(position(slider, points));
+}
+
+QString titleOf(DragTrigger trigger, const PlatformWords& words) {
+    switch (trigger) {
+    case DragTrigger::Shift:
+        return QStringLiteral("Shift");
+    case DragTrigger::Control:
+        return toQString(words.controlKey);
+    case DragTrigger::Command:
+        return toQString(words.commandKey);
+    case DragTrigger::Always:
+        return QStringLiteral("Nothing (always)");
+    }
+    return {};
 }
 
 } // namespace
@@ -103,15 +118,12 @@ void GeneralTab::buildDragging() {
 }
 
 void GeneralTab::buildTriggerPopup(QLabel& label) {
-    const PlatformWords& words = m_context.ports.words;
     m_triggerPopup = new QComboBox(&m_view);
     m_triggerPopup->setFont(systemFont(13));
     m_triggerPopup->setGeometry(222, 208, 150, 26);
     // Only the titles depend on the platform; the values are those of the document.
-    m_triggerPopup->addItem(QStringLiteral("Shift"), QStringLiteral("shift"));
-    m_triggerPopup->addItem(toQString(words.controlKey), QStringLiteral("control"));
-    m_triggerPopup->addItem(toQString(words.commandKey), QStringLiteral("command"));
-    m_triggerPopup->addItem(QStringLiteral("Nothing (always)"), QStringLiteral("always"));
+    for (const DragTriggerEntry& entry : kDragTriggers)
+        m_triggerPopup->addItem(titleOf(entry.trigger, m_context.ports.words), toQString(entry.name));
     nameAfter(label, *m_triggerPopup);
     QObject::connect(m_triggerPopup, &QComboBox::activated, m_triggerPopup, [this] { triggerChosen(); });
 }

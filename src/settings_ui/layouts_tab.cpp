@@ -2,6 +2,7 @@
 
 #include "model/action_id.h"
 #include "model/presets.h"
+#include "qt_values/text.h"
 #include "settings_ui/pop_up_button.h"
 #include "settings_ui/recorder_button.h"
 #include "settings_ui/segmented_control.h"
@@ -25,11 +26,8 @@ namespace tessarel {
 
 namespace {
 
-constexpr QSize kViewSize(780, 480);
-
-// Values of the rows in the layout menu: presets count from 0, the user's layouts from 1000.
+/// Value of the row for zones that match no layout. The other rows have the tags of `Presets::layout`.
 constexpr int kCustomTag = -1;
-constexpr int kFirstUserTag = 1000;
 
 struct GridStep {
     const char* title;
@@ -50,7 +48,7 @@ QStringList zoneNumbers() {
 } // namespace
 
 LayoutsTab::LayoutsTab(const TabContext& context) : m_context(context), m_store(context.services.store) {
-    m_view.resize(kViewSize);
+    m_view.resize(kTabSize);
     addLayoutRow();
     addEditor();
     addGrid();
@@ -123,7 +121,7 @@ void LayoutsTab::addHotkey() {
     makeButton(m_view, QStringLiteral("Add zone"), {540, 316, 110, 28}, [this] { addZone(); });
     makeWrap(m_view,
              QStringLiteral("Zones are percentages of the usable screen area (%1).")
-                 .arg(QString::fromStdString(m_context.ports.words.usableArea)),
+                 .arg(toQString(m_context.ports.words.usableArea)),
              {540, 356, 230, 50}, {.size = 12, .secondary = true});
 }
 
@@ -160,17 +158,17 @@ void LayoutsTab::rebuildPopup() {
     m_popup->append(QStringLiteral("Custom (current)"), kCustomTag);
     m_popup->appendSeparator();
     for (int tag = 0; const Layout& preset : Presets::all())
-        m_popup->append(QString::fromStdString(preset.name), tag++);
+        m_popup->append(toQString(preset.name), tag++);
     if (!m_store.settings.userLayouts.empty())
         m_popup->appendSeparator();
-    for (int tag = kFirstUserTag; const Layout& layout : m_store.settings.userLayouts)
-        m_popup->append(QStringLiteral("Mine: ") + QString::fromStdString(layout.name), tag++);
+    for (int tag = Presets::kFirstUserTag; const Layout& layout : m_store.settings.userLayouts)
+        m_popup->append(QStringLiteral("Mine: ") + toQString(layout.name), tag++);
     syncSelection();
 }
 
 void LayoutsTab::syncSelection() {
     m_popup->select(matchingTag());
-    m_deleteLayoutButton->setEnabled(m_popup->currentData().toInt() >= kFirstUserTag);
+    m_deleteLayoutButton->setEnabled(m_popup->currentData().toInt() >= Presets::kFirstUserTag);
 }
 
 int LayoutsTab::matchingTag() const {
@@ -186,20 +184,12 @@ int LayoutsTab::matchingTag() const {
     };
     if (const auto tag = tagIn(Presets::all(), 0))
         return *tag;
-    return tagIn(m_store.settings.userLayouts, kFirstUserTag).value_or(kCustomTag);
-}
-
-const Layout* LayoutsTab::layoutOf(int tag) const {
-    if (tag < 0)
-        return nullptr;
-    const bool isPreset = tag < kFirstUserTag;
-    const std::vector<Layout>& layouts = isPreset ? Presets::all() : m_store.settings.userLayouts;
-    const auto index = static_cast<std::size_t>(isPreset ? tag : tag - kFirstUserTag);
-    return index < layouts.size() ? &layouts[index] : nullptr;
+    return tagIn(m_store.settings.userLayouts, Presets::kFirstUserTag).value_or(kCustomTag);
 }
 
 void LayoutsTab::layoutChosen() {
-    const Layout* const layout = layoutOf(m_popup->currentData().toInt());
+    const Layout* const layout =
+        Presets::layout(m_popup->currentData().toInt(), m_store.settings.userLayouts);
     if (!layout)
         return syncSelection(); // "Custom" cannot be applied: show the layout in use again
     m_store.settings.zones = Presets::pad(layout->zones);
@@ -212,7 +202,7 @@ void LayoutsTab::saveLayout() {
     m_context.ports.application.activate();
     const auto typed =
         m_context.ports.alerts.runModalForText({"Save layout", "Name for this layout:", {"Save", "Cancel"}});
-    const std::string name = QString::fromStdString(typed.value_or("")).trimmed().toStdString();
+    const std::string name = toQString(typed.value_or("")).trimmed().toStdString();
     if (name.empty()) // cancelled, or a blank name
         return;
     std::vector<Layout>& layouts = m_store.settings.userLayouts;
@@ -227,7 +217,7 @@ void LayoutsTab::saveLayout() {
 }
 
 void LayoutsTab::deleteLayout() {
-    const int index = m_popup->currentData().toInt() - kFirstUserTag;
+    const int index = m_popup->currentData().toInt() - Presets::kFirstUserTag;
     std::vector<Layout>& layouts = m_store.settings.userLayouts;
     if (index < 0 || static_cast<std::size_t>(index) >= layouts.size())
         return;

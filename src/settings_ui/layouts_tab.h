@@ -67,8 +67,6 @@ private:
     /// Returns the tag of the first layout whose zones equal the current ones, presets first; `kCustomTag` if
     /// there is none.
     [[nodiscard]] int matchingTag() const;
-    /// Returns the layout for a tag of the menu, null for `kCustomTag` and for unknown tags.
-    [[nodiscard]] const Layout* layoutOf(int tag) const;
     [[nodiscard]] Zone& selectedZone();
 
     TabContext m_context;

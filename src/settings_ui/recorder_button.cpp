@@ -2,14 +2,13 @@
 
 #include "model/carbon_mods.h"
 #include "model/key_names.h"
+#include "qt_values/text.h"
 #include "settings_ui/fitted_text.h"
 #include "settings_ui/kit.h"
-#include "settings_ui/qt_text.h"
 
 #include <QFocusEvent>
 #include <QHideEvent>
 #include <QKeyEvent>
-#include <QPointer>
 
 #include <algorithm>
 #include <optional>
@@ -40,7 +39,8 @@ std::optional<ActionID> holder(const Store& store, const Binding& combination, A
 } // namespace
 
 RecorderButton::RecorderButton(QWidget& parent, const QRect& frame, const TabContext& context)
-    : QPushButton(&parent), m_store(context.services.store), m_ports(context.ports) {
+    : QPushButton(&parent), m_store(context.services.store), m_ports(context.ports),
+      m_later(context.ports.mainQueue) {
     setFont(systemFont(13));
     setGeometry(frame);
     fitted_text::init(*this, {});
@@ -70,10 +70,8 @@ void RecorderButton::startRecording() {
     setTitle(prompt());
     // Losing the focus ends the recording, so the button needs it, and not every click moves it here.
     setFocus(Qt::OtherFocusReason);
-    m_monitor = m_ports.localKeys.monitorKeyDown([self = QPointer(this)](const KeyDown& key) {
-        if (!self)
-            return false;
-        self->keyDown(key);
+    m_monitor = m_ports.localKeys.monitorKeyDown([this](const KeyDown& key) {
+        keyDown(key);
         return true; // consumed: the key must not do anything else in the window
     });
 }
@@ -106,10 +104,10 @@ void RecorderButton::keyDown(const KeyDown& key) {
 
 void RecorderButton::flash(const QString& message) {
     setTitle(message);
-    // The button may be destroyed, or the recording may have ended, in the meantime.
-    m_ports.mainQueue.asyncAfter(kFlashTime, [self = QPointer(this)] {
-        if (self && self->m_isRecording)
-            self->setTitle(prompt());
+    m_later.asyncAfter(kFlashTime, [this] {
+        // The recording may have ended in the meantime.
+        if (m_isRecording)
+            setTitle(prompt());
     });
 }
 

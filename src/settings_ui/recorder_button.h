@@ -3,6 +3,7 @@
 #include "model/action_id.h"
 #include "model/store.h"
 #include "model/subscription.h"
+#include "ports/deferred_work.h"
 #include "ports/local_keys_port.h"
 #include "settings_ui/tab_context.h"
 
@@ -58,6 +59,7 @@ private:
     const Ports& m_ports;
     ActionID m_actionID = ActionID::allCases.front();
     SubscriptionPtr m_monitor; ///< not null while recording
+    DeferredWork m_later;      ///< restores the prompt after a message
     bool m_isRecording = false;
 };
 

@@ -24,9 +24,6 @@ public:
     /// Selects the segment at a position. Throws `std::out_of_range` if there is none.
     void setSelectedSegment(int segment);
 
-    /// Returns the segments from left to right.
-    [[nodiscard]] const std::vector<QAbstractButton*>& segments() const { return m_segments; }
-
 private:
     std::vector<QAbstractButton*> m_segments; ///< children
 };

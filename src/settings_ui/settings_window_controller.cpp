@@ -1,8 +1,8 @@
 #include "settings_ui/settings_window_controller.h"
 
 #include "model/config.h"
+#include "qt_values/text.h"
 #include "settings_ui/pixel_grid.h"
-#include "settings_ui/qt_text.h"
 
 #include <QCursor>
 #include <QGuiApplication>

@@ -3,8 +3,8 @@
 #include "model/action_id.h"
 #include "model/app_settings.h"
 #include "model/key_names.h"
+#include "qt_values/text.h"
 #include "settings_ui/kit.h"
-#include "settings_ui/qt_text.h"
 
 #include <QLabel>
 #include <QPushButton>
@@ -35,7 +35,7 @@ QString help(const ModifierNames& names) {
 } // namespace
 
 ShortcutsTab::ShortcutsTab(const TabContext& context) : m_context(context) {
-    m_view.resize(780, 480);
+    m_view.resize(kTabSize);
     makeLabel(m_view, "Keyboard shortcuts", {16, 14, 300, 22}, {.bold = true, .size = 16});
     makeWrap(m_view, help(m_context.ports.words.modifierNames), {16, 42, 740, 34}, {.secondary = true});
 

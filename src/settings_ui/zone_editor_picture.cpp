@@ -1,5 +1,6 @@
 #include "settings_ui/zone_editor_picture.h"
 
+#include "qt_values/color.h"
 #include "settings_ui/kit.h"
 #include "settings_ui/pixel_grid.h"
 #include "settings_ui/zone_editing.h"
@@ -54,11 +55,6 @@ constexpr Look kSelected{.fillAlpha = 0.3, .strokeAlpha = 1, .strokeWidth = 2.5}
 
 const Look& lookOf(std::size_t index, int selected) {
     return static_cast<int>(index) == selected ? kSelected : kPlain;
-}
-
-QColor withAlpha(QColor color, double alpha) {
-    color.setAlphaF(static_cast<float>(alpha));
-    return color;
 }
 
 bool isFinite(const QRectF& rect) {
@@ -145,7 +141,7 @@ void ZoneEditorPicture::drawScreen(QPainter& painter, const QRectF& dirty) const
         const double y = grid.lineY(share * size.height(), kGuideWidth);
         lines.append({0, y, size.width(), y});
     }
-    QPen pen(withAlpha(separatorColor(palette), kGuideAlpha), kGuideWidth, Qt::SolidLine, Qt::FlatCap);
+    QPen pen(translucent(separatorColor(palette), kGuideAlpha), kGuideWidth, Qt::SolidLine, Qt::FlatCap);
     pen.setDashPattern({kDash / kGuideWidth, kDash / kGuideWidth}); // Qt's unit is the width of the pen
     painter.setPen(pen);
     painter.drawLines(lines);
@@ -165,8 +161,8 @@ std::optional<QRectF> ZoneEditorPicture::outline(std::size_t index, const PixelG
 void ZoneEditorPicture::drawOutline(QPainter& painter, std::size_t index, const QRectF& outline) const {
     const Look& look = lookOf(index, selected);
     const QColor accent = controlAccentColor(palette);
-    painter.setPen(QPen(withAlpha(accent, look.strokeAlpha), look.strokeWidth));
-    painter.setBrush(withAlpha(accent, look.fillAlpha));
+    painter.setPen(QPen(translucent(accent, look.strokeAlpha), look.strokeWidth));
+    painter.setBrush(translucent(accent, look.fillAlpha));
     painter.drawRoundedRect(outline, kZoneCornerRadius, kZoneCornerRadius);
 }
 
@@ -174,7 +170,7 @@ void ZoneEditorPicture::drawNumber(QPainter& painter, std::size_t index) const {
     const QFont font = systemFont(kNumberSize, QFont::DemiBold);
     const QPointF corner = withinReach(inset(index), size).topLeft() + kNumberOffset;
     painter.setFont(font);
-    painter.setPen(withAlpha(labelColor(palette), kNumberAlpha));
+    painter.setPen(translucent(labelColor(palette), kNumberAlpha));
     // drawText() takes the position of the baseline.
     painter.drawText(corner + QPointF(0, QFontMetricsF(font).ascent()), QString::number(index + 1));
 }

@@ -15,32 +15,20 @@ constexpr double kGrabHeight = 60;
 
 } // namespace
 
-CandidatePicker::CandidatePicker(AccessibilityPort& accessibility, WorkspacePort& workspace, const AX& ax,
-                                 const WindowEngine& engine)
-    : m_accessibility(accessibility), m_workspace(workspace), m_ax(ax), m_engine(engine) {}
+CandidatePicker::CandidatePicker(WorkspacePort& workspace, const AX& ax, const WindowEngine& engine)
+    : m_workspace(workspace), m_ax(ax), m_engine(engine) {}
 
 std::optional<Candidate> CandidatePicker::pick(const Point& axPoint) {
-    auto window = windowAt(axPoint);
+    auto window = m_ax.windowAt(axPoint, kMessagingTimeout);
     if (!window)
         return {};
-    m_accessibility.setMessagingTimeout(*window, kMessagingTimeout);
-    const auto pid = m_accessibility.pid(*window);
+    const auto pid = m_ax.pid(*window);
     if (!pid || m_engine.isIgnored(m_workspace.runningApplication(*pid)) || !m_ax.isUsable(*window))
         return {};
     const auto axFrame = m_ax.frame(*window);
     if (!axFrame || !axFrame->contains(axPoint) || axPoint.y - axFrame->minY() > kGrabHeight)
         return {};
     return Candidate{std::move(*window), *pid, *axFrame};
-}
-
-/// Returns the window at the point, also if a part of it, such as a button, is found there.
-std::optional<Element> CandidatePicker::windowAt(const Point& axPoint) {
-    const Element systemWide = m_accessibility.systemWide();
-    m_accessibility.setMessagingTimeout(systemWide, kMessagingTimeout);
-    auto found = m_accessibility.elementAtPosition(systemWide, axPoint);
-    if (!found || m_ax.string(*found, attribute::kRole) == "AXWindow")
-        return found;
-    return m_ax.element(*found, attribute::kWindow);
 }
 
 } // namespace tessarel

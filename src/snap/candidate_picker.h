@@ -23,17 +23,13 @@ struct Candidate {
 class CandidatePicker {
 public:
     /// All arguments must outlive the picker.
-    CandidatePicker(AccessibilityPort& accessibility, WorkspacePort& workspace, const AX& ax,
-                    const WindowEngine& engine);
+    CandidatePicker(WorkspacePort& workspace, const AX& ax, const WindowEngine& engine);
 
     /// Returns the window whose top 60 points contain `axPoint`. Empty if there is none, if it may not be
     /// moved, if its application is ignored, or if its program does not reply in time.
     [[nodiscard]] std::optional<Candidate> pick(const Point& axPoint);
 
 private:
-    [[nodiscard]] std::optional<Element> windowAt(const Point& axPoint);
-
-    AccessibilityPort& m_accessibility;
     WorkspacePort& m_workspace;
     const AX& m_ax;
     const WindowEngine& m_engine;

@@ -1,6 +1,7 @@
 #include "snap/drag_snap.h"
 
-#include <algorithm>
+#include "engine/screens.h"
+
 #include <chrono>
 #include <cmath>
 #include <utility>
@@ -32,22 +33,14 @@ bool isResized(const Rect& axFrame, const Rect& start) {
            std::abs(axFrame.absHeight() - start.absHeight()) >= kResizeTolerance;
 }
 
-/// Returns whether the pointer is on the screen. Both are in screen coordinates: with y up, the top edge
-/// belongs to the screen and the bottom edge does not.
-bool shows(const Rect& screenFrame, const Point& pointer) {
-    return pointer.x >= screenFrame.minX() && pointer.x < screenFrame.maxX() &&
-           pointer.y > screenFrame.minY() && pointer.y <= screenFrame.maxY();
-}
-
 } // namespace
 
 DragSnap::DragSnap(const Uses& uses)
-    : m_uses(uses), m_picker(uses.accessibility, uses.workspace, uses.ax, uses.engine),
-      m_offers(uses.geo, uses.store), m_self(std::make_shared<DragSnap*>(this)) {}
+    : m_uses(uses), m_picker(uses.workspace, uses.ax, uses.engine), m_offers(uses.geo, uses.store),
+      m_placements(uses.mainQueue) {}
 
 DragSnap::~DragSnap() {
     stop();
-    *m_self = nullptr;
 }
 
 void DragSnap::start() {
@@ -84,7 +77,7 @@ void DragSnap::mouseDown(const MouseEvent& event) {
     const auto candidate = m_picker.pick(m_uses.geo.axPoint(event.screenLocation));
     if (!candidate)
         return;
-    auto closed = m_uses.accessibility.onWindowClosed(candidate->window, [this] { reset(); });
+    auto closed = m_uses.ax.onWindowClosed(candidate->window, [this] { reset(); });
     m_drag = Drag{.candidate = *candidate, .candidateClosed = std::move(closed), .target = {}};
 }
 
@@ -116,24 +109,19 @@ bool DragSnap::candidateMoves() {
     return axFrame && isMoved(*axFrame, start) && !isResized(*axFrame, start);
 }
 
-std::optional<Screen> DragSnap::screenAt(const Point& screenPoint) const {
-    const std::vector<Screen> screens = m_uses.displays.screens();
-    const auto found = std::find_if(screens.begin(), screens.end(),
-                                    [&](const Screen& screen) { return shows(screen.frame, screenPoint); });
-    return found == screens.end() ? std::nullopt : std::optional(*found);
-}
-
 void DragSnap::follow(const MouseEvent& event) {
     // Set again below only if there is a zone, so that a release elsewhere leaves the window alone.
     m_drag->target.reset();
-    const auto screen = screenAt(event.screenLocation);
+    const Screens screens = m_uses.geo.screens();
+    const Screen* const screen = screens.showing(event.screenLocation);
     if (!screen) {
         m_uses.overlay.hide();
         return;
     }
-    SnapOffer offer = m_offers.offer(*screen, m_uses.geo.axPoint(event.screenLocation), event.modifierFlags);
+    SnapOffer offer =
+        m_offers.offer(screens, *screen, screens.axPoint(event.screenLocation), event.modifierFlags);
     if (offer.target)
-        m_drag->target = Target{*offer.target, m_uses.geo.axVisible(*screen), offer.zoneNumber};
+        m_drag->target = Target{*offer.target, screens.axVisible(*screen), offer.zoneNumber};
     if (offer.items.empty())
         m_uses.overlay.hide();
     else
@@ -145,11 +133,9 @@ void DragSnap::mouseUp(const MouseEvent& /*event*/) {
     m_uses.overlay.hide();
     if (!drag || !drag->target)
         return;
-    m_uses.mainQueue.asyncAfter(kPlacementDelay,
-                                [self = m_self, candidate = drag->candidate, target = *drag->target] {
-                                    if (DragSnap* const dragSnap = *self)
-                                        dragSnap->place(candidate, target);
-                                });
+    m_placements.asyncAfter(kPlacementDelay, [this, candidate = drag->candidate, target = *drag->target] {
+        place(candidate, target);
+    });
 }
 
 /// Places the window. For restoring, its frame before the drag counts as the previous one, not where it was

@@ -8,7 +8,7 @@
 #include "model/store.h"
 #include "model/subscription.h"
 #include "ports/accessibility_port.h"
-#include "ports/displays_port.h"
+#include "ports/deferred_work.h"
 #include "ports/main_queue_port.h"
 #include "ports/mouse_port.h"
 #include "ports/workspace_port.h"
@@ -17,7 +17,6 @@
 #include "snap/snap_offers.h"
 
 #include <cstddef>
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -36,8 +35,6 @@ public:
     struct Uses {
         MousePort& mouse;
         MainQueuePort& mainQueue;
-        AccessibilityPort& accessibility;
-        DisplaysPort& displays;
         WorkspacePort& workspace;
         const Store& store;
         const Runtime& runtime;
@@ -89,7 +86,6 @@ private:
     void watch(MouseEventKind kind, Handler handler);
     void reset();
     [[nodiscard]] bool candidateMoves();
-    [[nodiscard]] std::optional<Screen> screenAt(const Point& screenPoint) const;
     void follow(const MouseEvent& event);
     void place(const Candidate& candidate, const Target& target);
 
@@ -101,8 +97,8 @@ private:
     std::optional<Drag> m_drag;
     /// Time of the last read of a candidate's frame, in this drag or an earlier one.
     std::optional<MainQueuePort::TimePoint> m_lastRead;
-    /// Shared with pending work on the main queue, which finds a null pointer once this object is destroyed.
-    std::shared_ptr<DragSnap*> m_self;
+    /// Pending placements of released windows.
+    DeferredWork m_placements;
 };
 
 } // namespace tessarel

@@ -1,7 +1,5 @@
 #include "snap/overlay_view.h"
 
-#include <cmath>
-
 namespace tessarel {
 
 namespace {
@@ -23,11 +21,6 @@ struct Look {
 
 constexpr Look kPlain{.fillAlpha = 0.1, .strokeAlpha = 0.45, .strokeWidth = 1.5, .labelAlpha = 0.6};
 constexpr Look kHighlighted{.fillAlpha = 0.35, .strokeAlpha = 0.95, .strokeWidth = 3, .labelAlpha = 0.95};
-
-bool isFinite(const Rect& rect) {
-    return std::isfinite(rect.x) && std::isfinite(rect.y) && std::isfinite(rect.width) &&
-           std::isfinite(rect.height);
-}
 
 /// Returns the figure for an item whose rectangle is `local`, in coordinates of the overlay window.
 OverlayFigure figure(const OverlayItem& item, const Rect& local) {
@@ -54,7 +47,7 @@ std::vector<OverlayFigure> OverlayView::draw() const {
     for (const OverlayItem& item : items) {
         const Rect local{item.rect.minX() - origin.x, item.rect.minY() - origin.y, item.rect.absWidth(),
                          item.rect.absHeight()};
-        if (isFinite(local))
+        if (local.isFinite())
             figures.push_back(figure(item, local));
     }
     return figures;

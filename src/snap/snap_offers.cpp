@@ -1,6 +1,6 @@
 #include "snap/snap_offers.h"
 
-#include "ports/mouse_port.h"
+#include "model/drag_trigger.h"
 #include "snap/edge_zones.h"
 
 #include <limits>
@@ -40,24 +40,13 @@ const NumberedFrame* hit(const std::vector<NumberedFrame>& frames, const Point& 
 
 SnapOffers::SnapOffers(const Geo& geo, const Store& store) : m_geo(geo), m_store(store) {}
 
-SnapOffer SnapOffers::offer(const Screen& screen, const Point& axPoint, std::uint64_t modifierFlags) const {
-    const Rect axVisible = m_geo.axVisible(screen);
-    if (isTriggerHeld(modifierFlags))
+SnapOffer SnapOffers::offer(const Screens& screens, const Screen& screen, const Point& axPoint,
+                            ModifierFlags modifierFlags) const {
+    const AppSettings& settings = m_store.settings;
+    const Rect axVisible = screens.axVisible(screen);
+    if (isHeld(dragTrigger(settings.dragTrigger), modifierFlags))
         return zones(axVisible, axPoint);
-    return m_store.settings.edgeSnap ? edge(screen, axVisible, axPoint) : SnapOffer{};
-}
-
-/// Returns whether the trigger is held. An unknown value in the settings means Shift. The Option key is
-/// deliberately not available as trigger.
-bool SnapOffers::isTriggerHeld(std::uint64_t modifierFlags) const {
-    const std::string& trigger = m_store.settings.dragTrigger;
-    if (trigger == "always")
-        return true;
-    if (trigger == "control")
-        return (modifierFlags & kControlFlag) != 0;
-    if (trigger == "command")
-        return (modifierFlags & kCommandFlag) != 0;
-    return (modifierFlags & kShiftFlag) != 0;
+    return settings.edgeSnap ? edge(screens.axFrame(screen), axVisible, axPoint) : SnapOffer{};
 }
 
 /// Returns all enabled zones, with the one under the pointer as target.
@@ -80,12 +69,12 @@ SnapOffer SnapOffers::zones(const Rect& axVisible, const Point& axPoint) const {
 }
 
 /// Returns the zone of the screen edge at the pointer, if there is one.
-SnapOffer SnapOffers::edge(const Screen& screen, const Rect& axVisible, const Point& axPoint) const {
-    const auto zone = edgeZone(m_geo.axFrame(screen), axPoint);
+SnapOffer SnapOffers::edge(const Rect& axFrame, const Rect& axVisible, const Point& axPoint) const {
+    const auto zone = edgeZone(axFrame, axPoint);
     if (!zone)
         return {};
-    const Rect axFrame = m_geo.zoneFrame(*zone, axVisible);
-    return {.items = {{axFrame, true, {}}}, .target = axFrame, .zoneNumber = {}};
+    const Rect target = m_geo.zoneFrame(*zone, axVisible);
+    return {.items = {{target, true, {}}}, .target = target, .zoneNumber = {}};
 }
 
 } // namespace tessarel

@@ -1,13 +1,14 @@
 #pragma once
 
 #include "engine/geo.h"
+#include "engine/screens.h"
+#include "model/carbon_mods.h"
 #include "model/store.h"
 #include "ports/displays_port.h"
 #include "ports/rect.h"
 #include "snap/overlay_item.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -28,16 +29,15 @@ public:
     /// `geo` and `store` must outlive this object.
     SnapOffers(const Geo& geo, const Store& store);
 
-    /// Returns the offer for the pointer at `axPoint` of `screen` while the modifiers `modifierFlags` are
-    /// held: the user's zones if the trigger is held, otherwise the zone of a screen edge if the user has
-    /// enabled edge snapping.
-    [[nodiscard]] SnapOffer offer(const Screen& screen, const Point& axPoint,
-                                  std::uint64_t modifierFlags) const;
+    /// Returns the offer for the pointer at `axPoint` of `screen`, one of `screens`, while the modifiers
+    /// `modifierFlags` are held: the user's zones if the trigger is held, otherwise the zone of a screen edge
+    /// if the user has enabled edge snapping.
+    [[nodiscard]] SnapOffer offer(const Screens& screens, const Screen& screen, const Point& axPoint,
+                                  ModifierFlags modifierFlags) const;
 
 private:
-    [[nodiscard]] bool isTriggerHeld(std::uint64_t modifierFlags) const;
     [[nodiscard]] SnapOffer zones(const Rect& axVisible, const Point& axPoint) const;
-    [[nodiscard]] SnapOffer edge(const Screen& screen, const Rect& axVisible, const Point& axPoint) const;
+    [[nodiscard]] SnapOffer edge(const Rect& axFrame, const Rect& axVisible, const Point& axPoint) const;
 
     const Geo& m_geo;
     const Store& m_store;

@@ -79,7 +79,7 @@ TEST_F(LaunchOrderTest, ChangedSettingsClaimTheHotKeysBeforeTheIconIsUpdated) {
     launch();
     static_cast<void>(record.takeOrder());
 
-    Store::shared().tessarelSettingsChanged.post();
+    Store::shared().tessarelSettingsChanged.send();
 
     EXPECT_THAT(record.takeOrder(), ElementsAre("list programs", "claim hot keys", "show icon"));
 }
@@ -87,7 +87,7 @@ TEST_F(LaunchOrderTest, ChangedSettingsClaimTheHotKeysBeforeTheIconIsUpdated) {
 TEST_F(LaunchOrderTest, SettingsThatChangeDuringTheLaunchDoNotClaimTheHotKeysTwice) {
     record.whileListingPrograms = [&] {
         record.whileListingPrograms = nullptr;
-        Store::shared().tessarelSettingsChanged.post();
+        Store::shared().tessarelSettingsChanged.send();
     };
 
     launch();

@@ -105,7 +105,7 @@ TEST_F(FirstRunTest, TheNextLaunchShowsNoWelcome) {
 TEST_F(FirstRunTest, TheWelcomePostsNoSettingsChange) {
     ASSERT_EQ(delegate.applicationDidFinishLaunching(), AppDelegate::Launch::Running);
     int announcements = 0;
-    const auto observer = Store::shared().tessarelSettingsChanged.addObserver([&] { ++announcements; });
+    const auto observer = Store::shared().tessarelSettingsChanged.connect([&] { ++announcements; });
 
     desktop.advance(0s);
 

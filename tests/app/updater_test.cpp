@@ -201,7 +201,7 @@ TEST_F(UpdaterTest, ASuccessIsSavedAndTheProgramActivatedBeforeTheMessage) {
 
 TEST_F(UpdaterTest, ACheckPostsNoSettingsChange) {
     int told = 0;
-    const auto observer = store.tessarelSettingsChanged.addObserver([&] { ++told; });
+    const auto observer = store.tessarelSettingsChanged.connect([&] { ++told; });
 
     check(kManual, kNewer);
 

@@ -12,7 +12,8 @@ declare -A sees=(
     [snap]="model ports engine"
     [placer]="model ports engine"
     [app]="model ports engine snap placer"
-    [settings_ui]="model ports engine snap placer app"
+    [qt_values]=""
+    [settings_ui]="model ports engine snap placer app qt_values"
     [platform/sim]="model ports"
     [platform/xdg]="model ports"
     [platform/x11/server]="model ports"
@@ -21,16 +22,16 @@ declare -A sees=(
     [platform/x11/input]="model ports platform/x11/server platform/x11/displays platform/x11/windows"
     [platform/x11]="model ports platform/xdg platform/x11/server platform/x11/displays platform/x11/windows platform/x11/input"
     [platform/macos]="model ports"
-    [platform/qt]="model ports"
+    [platform/qt]="model ports qt_values"
     [platform/qt_web]="model ports"
     [platform/posix]="model ports platform/qt"
-    [platform/qt_xdg]="model ports platform/qt"
-    [platform/qt_x11]="model ports platform/qt"
-    [platform/qt_x11/overlay]="model ports platform/qt platform/qt_x11"
-    [platform/qt_x11/tray]="model ports platform/qt platform/qt_x11"
+    [platform/qt_xdg]="model ports qt_values platform/qt"
+    [platform/qt_x11]="model ports qt_values platform/qt"
+    [platform/qt_x11/overlay]="model ports qt_values platform/qt platform/qt_x11"
+    [platform/qt_x11/tray]="model ports qt_values platform/qt platform/qt_x11"
 )
 no_qt_and_no_system="model ports engine snap placer app"
-json_home="model/json_document.cpp"
+json_home="model/json.h"
 
 offences=0
 offence() {

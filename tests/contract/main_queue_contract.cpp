@@ -1,6 +1,10 @@
 #include "contract/contract_test.h"
+#include "ports/deferred_work.h"
 
 #include <functional>
+#include <memory>
+#include <optional>
+#include <utility>
 #include <vector>
 
 namespace tessarel::contract {
@@ -12,12 +16,19 @@ protected:
         return [this, number] { ran.push_back(number); };
     }
 
+    /// Like the functions of the queue, but keep the subscriptions until the end of the test.
+    void async(std::function<void()> work) { asyncAfter(0ms, std::move(work)); }
+    void asyncAfter(MainQueuePort::Duration delay, std::function<void()> work) {
+        subscriptions.push_back(queue->asyncAfter(delay, std::move(work)));
+    }
+
     std::vector<int> ran;
+    std::vector<SubscriptionPtr> subscriptions;
     std::unique_ptr<MainQueuePort> queue = desktop->makeMainQueue();
 };
 
 TEST_F(MainQueueContract, WorkRunsInALaterIterationOfTheLoop) {
-    queue->async(note(1));
+    async(note(1));
     EXPECT_TRUE(ran.empty());
 
     desktop->advance(0ms);
@@ -26,7 +37,7 @@ TEST_F(MainQueueContract, WorkRunsInALaterIterationOfTheLoop) {
 }
 
 TEST_F(MainQueueContract, WorkRunsOnce) {
-    queue->asyncAfter(1ms, note(1));
+    asyncAfter(1ms, note(1));
 
     desktop->advance(20ms);
 
@@ -35,7 +46,7 @@ TEST_F(MainQueueContract, WorkRunsOnce) {
 
 TEST_F(MainQueueContract, WorkDueAtTheSameTimeRunsInTheOrderOfSubmission) {
     for (const int number : {1, 2, 3, 4})
-        queue->async(note(number));
+        async(note(number));
 
     desktop->advance(0ms);
 
@@ -43,9 +54,9 @@ TEST_F(MainQueueContract, WorkDueAtTheSameTimeRunsInTheOrderOfSubmission) {
 }
 
 TEST_F(MainQueueContract, WorkRunsInTheOrderOfItsDelays) {
-    queue->asyncAfter(30ms, note(3));
-    queue->asyncAfter(2ms, note(1));
-    queue->asyncAfter(15ms, note(2));
+    asyncAfter(30ms, note(3));
+    asyncAfter(2ms, note(1));
+    asyncAfter(15ms, note(2));
 
     desktop->advance(50ms);
 
@@ -55,7 +66,7 @@ TEST_F(MainQueueContract, WorkRunsInTheOrderOfItsDelays) {
 TEST_F(MainQueueContract, WorkNeverRunsBeforeItsDelayHasPassed) {
     const auto start = queue->now();
     MainQueuePort::TimePoint ranAt;
-    queue->asyncAfter(20ms, [&] { ranAt = queue->now(); });
+    asyncAfter(20ms, [&] { ranAt = queue->now(); });
 
     desktop->advance(60ms);
 
@@ -63,7 +74,7 @@ TEST_F(MainQueueContract, WorkNeverRunsBeforeItsDelayHasPassed) {
 }
 
 TEST_F(MainQueueContract, WorkThatIsNotDueDoesNotRun) {
-    queue->asyncAfter(1h, note(1));
+    asyncAfter(1h, note(1));
 
     desktop->advance(5ms);
 
@@ -71,7 +82,7 @@ TEST_F(MainQueueContract, WorkThatIsNotDueDoesNotRun) {
 }
 
 TEST_F(MainQueueContract, ANegativeDelayCountsAsZero) {
-    queue->asyncAfter(-5ms, note(1));
+    asyncAfter(-5ms, note(1));
     EXPECT_TRUE(ran.empty());
 
     desktop->advance(0ms);
@@ -80,8 +91,8 @@ TEST_F(MainQueueContract, ANegativeDelayCountsAsZero) {
 }
 
 TEST_F(MainQueueContract, WorkMaySubmitWork) {
-    queue->async([this] {
-        queue->async(note(2));
+    async([this] {
+        async(note(2));
         ran.push_back(1);
     });
 
@@ -98,8 +109,8 @@ TEST_F(MainQueueContract, TheClockAdvances) {
 }
 
 TEST_F(MainQueueContract, NothingRunsAfterTheQueueIsDestroyed) {
-    queue->async(note(1));
-    queue->asyncAfter(5ms, note(2));
+    async(note(1));
+    asyncAfter(5ms, note(2));
     queue.reset();
 
     desktop->advance(20ms);
@@ -108,13 +119,89 @@ TEST_F(MainQueueContract, NothingRunsAfterTheQueueIsDestroyed) {
 }
 
 TEST_F(MainQueueContract, WorkMayDestroyTheQueue) {
-    queue->async([this] {
+    async([this] {
         ran.push_back(1);
         queue.reset();
     });
-    queue->async(note(2));
+    async(note(2));
 
     desktop->advance(10ms);
+
+    EXPECT_EQ(ran, (std::vector{1}));
+}
+
+TEST_F(MainQueueContract, CancelledWorkDoesNotRun) {
+    SubscriptionPtr now = queue->async(note(1));
+    SubscriptionPtr later = queue->asyncAfter(5ms, note(2));
+    asyncAfter(10ms, note(3));
+
+    now.reset();
+    later.reset();
+    desktop->advance(30ms);
+
+    EXPECT_EQ(ran, (std::vector{3}));
+}
+
+TEST_F(MainQueueContract, WorkMayCancelLaterWork) {
+    SubscriptionPtr later;
+    async([&] { later.reset(); });
+    later = queue->async(note(1));
+    async(note(2));
+
+    desktop->advance(5ms);
+
+    EXPECT_EQ(ran, (std::vector{2}));
+}
+
+TEST_F(MainQueueContract, WorkThatDestroysItsOwnSubscriptionRunsToItsEnd) {
+    SubscriptionPtr own;
+    const auto captured = std::make_shared<int>(1);
+    own = queue->async([&, captured] {
+        own.reset();
+        ran.push_back(*captured);
+    });
+
+    desktop->advance(5ms);
+
+    EXPECT_EQ(ran, (std::vector{1}));
+}
+
+TEST_F(MainQueueContract, ASubscriptionMayOutliveItsWorkAndTheQueue) {
+    SubscriptionPtr done = queue->async(note(1));
+    SubscriptionPtr pending = queue->asyncAfter(1h, note(2));
+    desktop->advance(5ms);
+
+    queue.reset();
+    done.reset();
+    pending.reset();
+
+    EXPECT_EQ(ran, (std::vector{1}));
+}
+
+TEST_F(MainQueueContract, DeferredWorkRunsInOrderAndIsCancelledWithItsOwner) {
+    std::optional<DeferredWork> deferred(*queue);
+    deferred->asyncAfter(5ms, note(2));
+    deferred->async(note(1));
+    deferred->asyncAfter(1h, note(3));
+    desktop->advance(30ms);
+    EXPECT_EQ(ran, (std::vector{1, 2}));
+
+    deferred->async(note(4));
+    deferred.reset();
+    desktop->advance(5ms);
+
+    EXPECT_EQ(ran, (std::vector{1, 2}));
+}
+
+TEST_F(MainQueueContract, DeferredWorkMayDestroyItsOwner) {
+    std::optional<DeferredWork> deferred(*queue);
+    deferred->async([&] {
+        deferred.reset();
+        ran.push_back(1);
+    });
+    deferred->async(note(2));
+
+    desktop->advance(5ms);
 
     EXPECT_EQ(ran, (std::vector{1}));
 }

@@ -1,5 +1,6 @@
 #include "contract/contract_desktop.h"
 #include "contract/x11_contract_stage.h"
+#include "model/call_on_end.h"
 #include "platform/qt_x11/qt_local_keys.h"
 #include "platform/sim/sim_services.h"
 #include "platform/x11/displays/displays.h"
@@ -62,15 +63,6 @@ std::uint16_t modifierMask(std::uint64_t modifierFlags) {
         mask |= (modifierFlags & flag) != 0 ? bit : 0U;
     return static_cast<std::uint16_t>(mask);
 }
-
-class CallOnEnd : public Subscription {
-public:
-    explicit CallOnEnd(std::function<void()> ended) : m_ended(std::move(ended)) {}
-    ~CallOnEnd() override { m_ended(); }
-
-private:
-    std::function<void()> m_ended;
-};
 
 /// The contract's desktop on X11: real client processes on a private server. The destructor ends all of them.
 class X11ContractDesktop : public ContractDesktop {
@@ -340,7 +332,7 @@ SubscriptionPtr X11ContractDesktop::holdByAnotherProgram(std::uint32_t keyCode, 
     const auto keys = combination(keyCode, mods);
     if (!m_holder->grabKey(keys))
         return nullptr;
-    return std::make_unique<CallOnEnd>([this, keys] { m_holder->ungrabKey(keys); });
+    return callOnEnd([this, keys] { m_holder->ungrabKey(keys); });
 }
 
 std::optional<std::string> X11ContractDesktop::rejectedCopy(std::string_view key) {

@@ -1,6 +1,8 @@
 #include "engine/journal_desktop.h"
 
-#include "platform/sim/call_on_end.h"
+#include "model/call_on_end.h"
+
+#include <memory>
 
 namespace tessarel {
 
@@ -44,8 +46,8 @@ JournalDesktop::HotKeys::registerHotKeys(std::span<const HotKeyRequest> requests
             claims.push_back(nullptr);
             continue;
         }
-        claims.push_back(std::make_unique<sim::CallOnEnd>(
-            [this, keys, inner = std::shared_ptr<Subscription>(std::move(claim))]() mutable {
+        claims.push_back(
+            callOnEnd([this, keys, inner = std::shared_ptr<Subscription>(std::move(claim))]() mutable {
                 inner.reset();
                 desktop.m_journal.push_back("release " + keys);
             }));

@@ -1,4 +1,5 @@
 #include "macos/mac_application_test.h"
+#include "support/main_queue.h"
 
 namespace tessarel {
 namespace {
@@ -28,7 +29,7 @@ protected:
     /// Waits 30 ms: at the start of a drag the program reads the window's frame no more often than that.
     void letFrameBeReadAgain() {
         bool isTime = false;
-        program->mainQueue().asyncAfter(std::chrono::milliseconds(30), [&isTime] { isTime = true; });
+        asyncAfter(program->mainQueue(), std::chrono::milliseconds(30), [&isTime] { isTime = true; });
         EXPECT_TRUE(until([&isTime] { return isTime; }));
     }
 

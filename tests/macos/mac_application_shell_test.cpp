@@ -1,6 +1,7 @@
 #include "macos/mac_application_test.h"
 #include "platform/macos/single_instance.h"
 #include "settings_ui/recorder_button.h"
+#include "support/main_queue.h"
 
 #include <QClipboard>
 #include <QDialog>
@@ -33,7 +34,7 @@ protected:
 
     /// Schedules a click on the button called `title` of the message that is shown next.
     void answer(const QString& title) {
-        program->mainQueue().async([title] {
+        async(program->mainQueue(), [title] {
             fakemac::turn();
             const QWidget* const message = QApplication::activeModalWidget();
             ASSERT_NE(message, nullptr);
@@ -70,7 +71,7 @@ TEST_F(MacApplicationShellTest, QuittingLeavesNothingBehind) {
     choose({"Settings..."});
     EXPECT_TRUE(until([] { return settingsWindow() != nullptr; }));
 
-    program->mainQueue().async([] { choose({"Quit Tessarel"}); });
+    async(program->mainQueue(), [] { choose({"Quit Tessarel"}); });
     EXPECT_EQ(QApplication::exec(), 0);
     program.reset();
 
@@ -169,7 +170,7 @@ TEST_F(MacApplicationShellTest, AMessageComesToTheFrontWhenActivationIsRefused) 
     launch();
     openEditorWindow();
 
-    program->mainQueue().async([this] {
+    async(program->mainQueue(), [this] {
         QWidget* const message = QApplication::activeModalWidget();
         ASSERT_NE(message, nullptr);
         EXPECT_TRUE(windows->sight(*message).isInFront);

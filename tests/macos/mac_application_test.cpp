@@ -1,5 +1,7 @@
 #include "macos/mac_application_test.h"
 
+#include "support/main_queue.h"
+
 namespace tessarel {
 namespace {
 
@@ -79,8 +81,8 @@ TEST_F(MacApplicationTest, AnApplicationThatCannotBeObservedAtLaunchIsObservedLa
     EXPECT_TRUE(until([&] { return fakemac::mac().observationRequests > before; }));
 
     const auto window = fakemac::openWindow({.pid = 8, .axFrame = kWindow, .hasAttributes = false});
-    program->mainQueue().asyncAfter(std::chrono::milliseconds(200),
-                                    [&] { fakemac::mac().windows.at(window).hasAttributes = true; });
+    asyncAfter(program->mainQueue(), std::chrono::milliseconds(200),
+               [&] { fakemac::mac().windows.at(window).hasAttributes = true; });
 
     EXPECT_TRUE(until([&] { return frameOf(window) == kZone1; }));
 }

@@ -5,6 +5,7 @@
 #include "macos/fake/fake_menus.h"
 #include "program/mac_program.h"
 #include "program/qt_program.h"
+#include "support/main_queue.h"
 
 #include <QApplication>
 #include <QEventLoop>
@@ -118,7 +119,7 @@ protected:
     /// Runs the loop until all work that is due now has been done.
     void drain() {
         bool last = false;
-        program->mainQueue().async([&last] { last = true; });
+        async(program->mainQueue(), [&last] { last = true; });
         EXPECT_TRUE(until([&last] { return last; }));
     }
 

@@ -28,5 +28,12 @@ TEST(CarbonModsTest, OtherFlagsAreIgnored) {
     EXPECT_EQ(carbonMods(0x40000 | 0x10000 | 0x101), 4096);
 }
 
+TEST(CarbonModsTest, ModifierFlagsInvertsCarbonMods) {
+    for (std::int64_t mods = 0; mods <= 6912; mods += 256)
+        EXPECT_EQ(carbonMods(modifierFlags(mods)), mods & 6912) << mods;
+    EXPECT_EQ(modifierFlags(512), kShiftFlag);
+    EXPECT_EQ(modifierFlags(1 | 1024), ModifierFlags{0}) << "other bits are ignored";
+}
+
 } // namespace
 } // namespace tessarel

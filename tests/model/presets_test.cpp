@@ -103,5 +103,15 @@ TEST(PresetsTest, TheListIsBuiltOnce) {
     EXPECT_EQ(&Presets::all(), &Presets::all());
 }
 
+TEST(PresetsTest, ATagNamesABuiltInLayoutOrOneOfTheUser) {
+    const std::vector<Layout> users{{"Mine", {}}, {"Other", {}}};
+
+    EXPECT_EQ(Presets::layout(0, users), &Presets::all().front());
+    EXPECT_EQ(Presets::layout(8, users), &Presets::all().back());
+    EXPECT_EQ(Presets::layout(1001, users), &users[1]);
+    for (const int tag : {-1, 9, 999, 1002})
+        EXPECT_EQ(Presets::layout(tag, users), nullptr) << tag;
+}
+
 } // namespace
 } // namespace tessarel

@@ -248,10 +248,8 @@ TEST(DecodeSettingsTest, EscapesAreDecoded) {
     EXPECT_EQ(withMember("dragTrigger", R"("\ud83d")"), std::nullopt);
 }
 
-TEST(DecodeSettingsTest, DeepNestingIsRejected) {
-    EXPECT_EQ(decodeSettings(nested(60)), AppSettings());
-    EXPECT_EQ(decodeSettings(nested(64)), std::nullopt);
-    EXPECT_EQ(decodeSettings(nested(1'000'000)), std::nullopt);
+TEST(DecodeSettingsTest, DeepNestingDoesNotExhaustTheStack) {
+    EXPECT_EQ(decodeSettings(nested(1'000'000)), AppSettings());
     EXPECT_EQ(decodeSettings(std::string(1'000'000, '[')), std::nullopt);
 }
 

@@ -135,7 +135,7 @@ TEST_F(StoreTest, SettingNoBindingRemovesTheEntry) {
 TEST_F(StoreTest, ABindingIsStoredOnlyWhenSaved) {
     Store store(preferences);
     int posts = 0;
-    const auto observer = store.tessarelSettingsChanged.addObserver([&] { ++posts; });
+    const auto observer = store.tessarelSettingsChanged.connect([&] { ++posts; });
 
     store.setBinding(std::nullopt, ActionID::center);
     EXPECT_EQ(preferences.writes, 0);
@@ -148,7 +148,7 @@ TEST_F(StoreTest, ABindingIsStoredOnlyWhenSaved) {
 TEST_F(StoreTest, SaveStoresTheSettingsAndPostsNoNotification) {
     Store store(preferences);
     int posts = 0;
-    const auto observer = store.tessarelSettingsChanged.addObserver([&] { ++posts; });
+    const auto observer = store.tessarelSettingsChanged.connect([&] { ++posts; });
 
     store.settings.gap = 12;
     store.save();
@@ -160,7 +160,7 @@ TEST_F(StoreTest, SaveStoresTheSettingsAndPostsNoNotification) {
 TEST_F(StoreTest, SaveAndNotifyPostsAfterTheDocumentIsStored) {
     Store store(preferences);
     double gapSeen = 0;
-    const auto observer = store.tessarelSettingsChanged.addObserver([&] { gapSeen = saved().gap; });
+    const auto observer = store.tessarelSettingsChanged.connect([&] { gapSeen = saved().gap; });
 
     store.settings.gap = 12;
     store.saveAndNotify();
@@ -186,7 +186,7 @@ TEST_F(StoreTest, SettingsThatCannotBeEncodedLeaveTheStoredDocument) {
 TEST_F(StoreTest, SaveAndNotifyPostsEvenWhenNothingCouldBeStored) {
     Store store(preferences);
     int posts = 0;
-    const auto observer = store.tessarelSettingsChanged.addObserver([&] { ++posts; });
+    const auto observer = store.tessarelSettingsChanged.connect([&] { ++posts; });
 
     store.settings.gap = std::numeric_limits<double>::infinity();
     store.saveAndNotify();

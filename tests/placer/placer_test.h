@@ -43,7 +43,6 @@ protected:
     ProcessId editor = desktop.launch({.bundleIdentifier = "org.example.editor"});
     std::unique_ptr<AppPlacer> placer =
         std::make_unique<AppPlacer>(AppPlacer::Uses{.workspace = desktop.workspace(),
-                                                    .accessibility = desktop.accessibility(),
                                                     .mainQueue = desktop.mainQueue(),
                                                     .store = store,
                                                     .runtime = runtime,

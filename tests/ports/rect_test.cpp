@@ -96,5 +96,16 @@ TEST(RectTest, AnOriginWithOneCoordinateAtPositiveInfinityIsNull) {
     EXPECT_FALSE((Rect{0, 0, 0, 0}.isNull()));
 }
 
+TEST(RectTest, ARectangleIsFiniteIfAllFourNumbersAre) {
+    const double infinity = HUGE_VAL;
+
+    EXPECT_TRUE((Rect{-1, 2, -3, 4}.isFinite()));
+    for (const Rect& rect : {Rect{infinity, 0, 1, 1}, Rect{0, -infinity, 1, 1}, Rect{0, 0, NAN, 1},
+                             Rect{0, 0, 1, infinity}, Rect::null()})
+        EXPECT_FALSE(rect.isFinite());
+    EXPECT_FALSE((Point{0, infinity}.isFinite()));
+    EXPECT_FALSE((Size{NAN, 0}.isFinite()));
+}
+
 } // namespace
 } // namespace tessarel

@@ -76,16 +76,17 @@ TEST(ValuesTest, LoginItemStatusHasTheValuesOfSMAppService) {
 TEST(ValuesTest, AsyncPassesWorkOnWithZeroDelay) {
     struct Queue : MainQueuePort {
         TimePoint now() override { return {}; }
-        void asyncAfter(Duration delay, std::function<void()> work) override {
+        SubscriptionPtr asyncAfter(Duration delay, std::function<void()> work) override {
             delays.push_back(delay);
             work();
+            return nullptr;
         }
         std::vector<Duration> delays;
     };
     Queue queue;
     int runs = 0;
 
-    queue.async([&] { ++runs; });
+    (void)queue.async([&] { ++runs; });
 
     EXPECT_EQ(queue.delays, (std::vector{MainQueuePort::Duration::zero()}));
     EXPECT_EQ(runs, 1);

@@ -84,15 +84,13 @@ TEST_F(LayoutsTabTest, TheTabKeyVisitsTheNamedControlsInReadingOrder) {
     settings.userLayouts = {{"Mine", std::vector<Zone>(9, Presets::z(1, 2, 3, 4))}};
     settings.zones = settings.userLayouts[0].zones; // so that all controls are enabled
     tab->refresh();
-    const std::vector<QWidget*> order = {popUp(),      saveAs(),    deleteLayout(),
-                                         editor(),     gridPopUp(), segments()->segments()[0],
-                                         enabledBox(), x(),         y(),
-                                         w(),          h(),         recorder(),
-                                         clear(),      addZone()};
+    const std::vector<QWidget*> order = {
+        popUp(), saveAs(), deleteLayout(), editor(), gridPopUp(), segment(0), enabledBox(), x(), y(),
+        w(),     h(),      recorder(),     clear(),  addZone()};
     popUp()->setFocus();
     for (QWidget* const control : order) {
         EXPECT_EQ(tab->view()->focusWidget(), control) << control->accessibleName().toStdString();
-        EXPECT_TRUE(!control->accessibleName().isEmpty() || control == segments()->segments()[0]);
+        EXPECT_TRUE(!control->accessibleName().isEmpty() || control == segment(0));
         QTest::keyClick(tab->view()->focusWidget(), Qt::Key_Tab);
     }
 }

@@ -53,6 +53,9 @@ protected:
     QPushButton* deleteLayout() { return at<QPushButton>(426, 11, 70, 28); }
     ZoneEditorView* editor() { return at<ZoneEditorView>(16, 56, 500, 312); }
     PopUpButton* gridPopUp() { return at<PopUpButton>(110, 378, 90, 26); }
+    QAbstractButton* segment(std::size_t i) {
+        return segments()->findChildren<QAbstractButton*>().at(static_cast<qsizetype>(i));
+    }
     SegmentedControl* segments() { return at<SegmentedControl>(540, 82, 230, 26); }
     QCheckBox* enabledBox() { return at<QCheckBox>(540, 120, 120, 20); }
     QLineEdit* x() { return at<QLineEdit>(558, 176, 76, 24); }
@@ -67,7 +70,7 @@ protected:
     Zone& zone(std::size_t i) { return settings.zones.at(i); }
 
     static void click(QWidget* control) { QTest::mouseClick(control, Qt::LeftButton); }
-    void clickSegment(std::size_t i) { click(segments()->segments().at(i)); }
+    void clickSegment(std::size_t i) { click(segment(i)); }
     void toggleEnabled() { QTest::mouseClick(enabledBox(), Qt::LeftButton, {}, QPoint(8, 10)); }
 
     static void choose(PopUpButton* from, const std::string& title) {

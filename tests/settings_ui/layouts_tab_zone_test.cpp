@@ -220,7 +220,7 @@ TEST_F(LayoutsTabTest, ARefreshKeepsTextThatIsBeingTyped) {
 TEST_F(LayoutsTabTest, ClearRemovesTheHotKeyOfTheZoneAndRefreshesAllTabs) {
     clickSegment(1);
     int refreshesBefore = -1;
-    const auto order = services.store.tessarelSettingsChanged.addObserver([&] {
+    const auto order = services.store.tessarelSettingsChanged.connect([&] {
         refreshesBefore = refreshes;
         EXPECT_FALSE(saved()->bindings.contains("zone2"));
     });

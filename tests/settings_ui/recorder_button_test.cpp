@@ -120,7 +120,7 @@ TEST_F(RecorderButtonTest, WorksWithoutAChangeCallback) {
 TEST_F(RecorderButtonTest, ANewHotKeyReplacesTheOldOneAtOnce) {
     services.hotKeys.registerAll();
     const auto follow =
-        services.store.tessarelSettingsChanged.addObserver([this] { services.hotKeys.registerAll(); });
+        services.store.tessarelSettingsChanged.connect([this] { services.hotKeys.registerAll(); });
     recorder->click();
 
     press(kFree);

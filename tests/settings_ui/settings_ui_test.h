@@ -41,9 +41,8 @@ protected:
     AppSettings& settings = services.store.settings;
     int refreshes = 0; ///< number of times that a tab has requested a refresh of all tabs
     TabContext context{services, ports, [this] { ++refreshes; }};
-    int announcements = 0; ///< number of notifications about changed settings
-    SubscriptionPtr observer =
-        services.store.tessarelSettingsChanged.addObserver([this] { ++announcements; });
+    int announcements = 0; ///< number of signals about changed settings
+    SubscriptionPtr observer = services.store.tessarelSettingsChanged.connect([this] { ++announcements; });
 };
 
 } // namespace tessarel

@@ -117,7 +117,7 @@ TEST_F(ShortcutsTabTest, RecordingShowsTheNewHotKeyEverywhere) {
 
 TEST_F(ShortcutsTabTest, TabsAreRefreshedAfterAChangeIsSavedAndAnnounced) {
     std::string order;
-    const auto announced = services.store.tessarelSettingsChanged.addObserver([&] {
+    const auto announced = services.store.tessarelSettingsChanged.connect([&] {
         order += saved()->bindings == settings.bindings ? "saved, announced; " : "not saved, announced; ";
     });
     context.refreshAll = [&] { order += "refreshed; "; };

@@ -20,7 +20,7 @@ protected:
         return offerAt(at(local.x, local.y), modifierFlags);
     }
     SnapOffer offerAt(const Point& axPoint, std::uint64_t modifierFlags = kShiftFlag) {
-        return SnapOffers(geo, store).offer(screen, axPoint, modifierFlags);
+        return SnapOffers(geo, store).offer(geo.screens(), screen, axPoint, modifierFlags);
     }
     bool isHeld(const std::string& trigger, std::uint64_t modifierFlags) {
         settings.dragTrigger = trigger;

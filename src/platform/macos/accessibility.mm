@@ -4,7 +4,6 @@
 #include "platform/macos/element_observer.h"
 #include "platform/macos/elements.h"
 
-#include <cmath>
 #include <utility>
 
 namespace tessarel::macos {
@@ -120,8 +119,7 @@ void MacAccessibility::setAttribute(const Element& element, std::string_view att
 }
 
 bool MacAccessibility::canExpress(const Rect& axFrame) {
-    return std::isfinite(axFrame.x) && std::isfinite(axFrame.y) && std::isfinite(axFrame.width) &&
-           std::isfinite(axFrame.height);
+    return axFrame.isFinite();
 }
 
 std::uintptr_t MacAccessibility::key(const Element& element) {

@@ -117,7 +117,7 @@ constexpr std::chrono::milliseconds kFirstRetry{20}; // doubled for each further
 constexpr std::chrono::milliseconds kHanging{100};
 
 /// Repeats an observation until it succeeds; see `observeElementPatiently`.
-class PatientObserver : public std::enable_shared_from_this<PatientObserver> {
+class PatientObserver : public Subscription {
 public:
     PatientObserver(WorkspacePort& workspace, MainQueuePort& queue, Observation observation)
         : m_workspace(workspace), m_queue(queue), m_attempts(std::move(observation)) {}
@@ -145,10 +145,9 @@ private:
     void retryLater() {
         if (m_retries == kRetries)
             return;
-        m_queue.asyncAfter(kFirstRetry * (1 << m_retries++), [weak = weak_from_this()] {
-            const auto self = weak.lock();
-            if (self && !self->m_observer)
-                self->attempt();
+        m_retry = m_queue.asyncAfter(kFirstRetry * (1 << m_retries++), [this] {
+            if (!m_observer)
+                attempt();
         });
     }
 
@@ -157,7 +156,6 @@ private:
                                               [this](const RunningApplication& application) {
                                                   if (application.processIdentifier != m_attempts.pid())
                                                       return;
-                                                  const auto self = shared_from_this();
                                                   m_retries = 0;
                                                   attempt();
                                               });
@@ -168,6 +166,7 @@ private:
     Attempts m_attempts;
     int m_retries = 0;
     SubscriptionPtr m_observer;  ///< null until an attempt has succeeded
+    SubscriptionPtr m_retry;     ///< the last retry that was scheduled
     SubscriptionPtr m_activated; ///< observes activations; null once an attempt has succeeded
 };
 
@@ -181,12 +180,8 @@ SubscriptionPtr observeElement(Observation observation) {
 
 SubscriptionPtr observeElementPatiently(WorkspacePort& workspace, MainQueuePort& queue,
                                         Observation observation) {
-    struct End : Subscription {
-        std::shared_ptr<PatientObserver> observer;
-    };
-    auto end = std::make_unique<End>();
-    end->observer = std::make_shared<PatientObserver>(workspace, queue, std::move(observation));
-    return end->observer->start() ? std::move(end) : nullptr;
+    auto observer = std::make_unique<PatientObserver>(workspace, queue, std::move(observation));
+    return observer->start() ? std::move(observer) : nullptr;
 }
 
 } // namespace tessarel::macos

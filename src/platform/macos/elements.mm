@@ -53,13 +53,11 @@ struct Expression {
     }
     CfRef<CFTypeRef> operator()(const Point& value) const {
         const CGPoint point{value.x, value.y};
-        return std::isfinite(value.x) && std::isfinite(value.y) ? axValue(kAXValueTypeCGPoint, &point)
-                                                                : CfRef<CFTypeRef>();
+        return value.isFinite() ? axValue(kAXValueTypeCGPoint, &point) : CfRef<CFTypeRef>();
     }
     CfRef<CFTypeRef> operator()(const Size& value) const {
         const CGSize size{value.width, value.height};
-        return std::isfinite(value.width) && std::isfinite(value.height) ? axValue(kAXValueTypeCGSize, &size)
-                                                                         : CfRef<CFTypeRef>();
+        return value.isFinite() ? axValue(kAXValueTypeCGSize, &size) : CfRef<CFTypeRef>();
     }
     CfRef<CFTypeRef> operator()(const std::string& value) const {
         return CfRef<CFTypeRef>::share((__bridge CFTypeRef)nsString(value).get());

@@ -1,6 +1,8 @@
 #include "platform/macos/hot_keys.h"
 
+#include "model/call_on_end.h"
 #include "model/carbon_mods.h"
+#include "model/signal.h"
 #include "platform/macos/callback_edge.h"
 
 #import <Carbon/Carbon.h>
@@ -13,15 +15,6 @@ namespace tessarel::macos {
 namespace {
 
 constexpr std::uint32_t kKeyCodes = 128; // virtual key codes are 0 to 127
-
-/// Returns the modifier flags of an event for Carbon's modifier bits; the inverse of `carbonMods`. Bits other
-/// than those of the four modifiers are dropped.
-ModifierFlags modifierFlags(std::uint32_t mods) {
-    ModifierFlags flags = 0;
-    for (const ModifierFlags flag : {kShiftFlag, kControlFlag, kOptionFlag, kCommandFlag})
-        flags |= (carbonMods(flag) & mods) != 0 ? flag : 0;
-    return flags;
-}
 
 /// Returns whether a keyboard can produce the combination. Carbon also registers key codes and modifier bits
 /// that do not exist, and such a hot key never fires.
@@ -45,7 +38,7 @@ public:
             // One handler for all subscriptions: Carbon calls no further handler once one has returned noErr.
             if (!m_handler)
                 InstallEventHandler(GetApplicationEventTarget(), receive, 1, &pressing, this, &m_handler);
-            return m_handlers.add(std::move(pressed));
+            return m_handlers.connect(std::move(pressed));
         }
     }
 
@@ -113,16 +106,13 @@ private:
             return false;
         if (m_localKeys.takeHotKey({request->keyCode, modifierFlags(request->mods)}))
             return true;
-        for (const auto& weak : m_handlers.present()) {
-            if (const auto handler = weak.lock())
-                (*handler)(hotKey.id);
-        }
+        m_handlers.send(hotKey.id);
         return true;
     }
 
     MacLocalKeys& m_localKeys;
     EventHandlerRef m_handler = nullptr;
-    Callbacks<void(std::uint32_t)> m_handlers;
+    Signal<std::uint32_t> m_handlers;
     std::map<EventHotKeyRef, HotKeyRequest> m_claims;
 };
 
@@ -137,19 +127,12 @@ SubscriptionPtr MacHotKeys::installHandler(std::function<void(std::uint32_t id)>
 }
 
 std::vector<SubscriptionPtr> MacHotKeys::registerHotKeys(std::span<const HotKeyRequest> requests) {
-    struct Claim : Subscription {
-        Claim(std::shared_ptr<Keyboard> owner, EventHotKeyRef hotKey)
-            : keyboard(std::move(owner)), claimed(hotKey) {}
-        ~Claim() override { keyboard->letGo(claimed); }
-
-        std::shared_ptr<Keyboard> keyboard;
-        EventHotKeyRef claimed;
-    };
     std::vector<SubscriptionPtr> claims;
     claims.reserve(requests.size());
     for (const HotKeyRequest& request : requests) {
         EventHotKeyRef const claimed = m_keyboard->claim(request);
-        claims.push_back(claimed ? std::make_unique<Claim>(m_keyboard, claimed) : nullptr);
+        claims.push_back(claimed ? callOnEnd([keyboard = m_keyboard, claimed] { keyboard->letGo(claimed); })
+                                 : nullptr);
     }
     return claims;
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/macos/callbacks.h"
 #include "platform/macos/workspace.h"
 #include "ports/local_keys_port.h"
 

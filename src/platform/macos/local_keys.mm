@@ -1,17 +1,13 @@
 #include "platform/macos/local_keys.h"
 
+#include "model/call_on_end.h"
+#include "model/carbon_mods.h"
+#include "model/signal.h"
 #include "platform/macos/event_monitor.h"
 
 #include <utility>
 
 namespace tessarel::macos {
-
-namespace {
-
-/// An event's flags also contain Caps Lock, the function key and device-dependent bits.
-constexpr ModifierFlags kModifiers = kShiftFlag | kControlFlag | kOptionFlag | kCommandFlag;
-
-} // namespace
 
 /// One event monitor for all handlers, so that they are called in the order in which they were added.
 class MacLocalKeys::Monitor : public std::enable_shared_from_this<Monitor> {
@@ -30,36 +26,31 @@ public:
     }
 
     /// Adds `handler`. The returned subscription also keeps the monitor alive.
-    [[nodiscard]] SubscriptionPtr add(Handler handler);
+    [[nodiscard]] SubscriptionPtr add(Handler handler) {
+        auto connection =
+            m_handlers.connect([handler = std::move(handler)](const KeyDown& key, bool& isConsumed) {
+                isConsumed = isConsumed || handler(key);
+            });
+        return callOnEnd(
+            [monitor = shared_from_this(), connection = std::shared_ptr(std::move(connection))] {});
+    }
 
     /// Calls the handlers in order until one returns true; returns whether one did.
     [[nodiscard]] bool ask(const KeyDown& key) {
-        for (const auto& weak : m_handlers.present()) {
-            if (const auto handler = weak.lock(); handler && (*handler)(key))
-                return true;
-        }
-        return false;
+        bool isConsumed = false;
+        m_handlers.send(key, isConsumed);
+        return isConsumed;
     }
 
 private:
     [[nodiscard]] bool consumes(NSEvent* event) {
-        return [event isARepeat] || ask({[event keyCode], [event modifierFlags] & kModifiers});
+        // An event's flags also contain Caps Lock, the function key and device-dependent bits.
+        return [event isARepeat] || ask({[event keyCode], [event modifierFlags] & kAllModifierFlags});
     }
 
-    Callbacks<bool(const KeyDown&)> m_handlers;
+    Signal<const KeyDown&, bool&> m_handlers;
     SubscriptionPtr m_monitor;
 };
-
-SubscriptionPtr MacLocalKeys::Monitor::add(Handler handler) {
-    struct Registration : Subscription {
-        std::shared_ptr<Monitor> monitor;
-        SubscriptionPtr handler;
-    };
-    auto registration = std::make_unique<Registration>();
-    registration->monitor = shared_from_this();
-    registration->handler = m_handlers.add(std::move(handler));
-    return registration;
-}
 
 SubscriptionPtr MacLocalKeys::monitorKeyDown(Handler handler) {
     @autoreleasepool {

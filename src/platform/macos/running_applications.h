@@ -1,7 +1,7 @@
 #pragma once
 
+#include "model/signal.h"
 #include "model/subscription.h"
-#include "platform/macos/callbacks.h"
 #include "platform/macos/notification_observer.h"
 #include "ports/workspace_port.h"
 
@@ -49,7 +49,7 @@ private:
     [[nodiscard]] std::vector<Known>::iterator find(NSRunningApplication* application);
 
     std::vector<Known> m_known;
-    Callbacks<void(const RunningApplication&)> m_handlers;
+    Signal<const RunningApplication&> m_handlers;
     NotificationObserver m_launched;
     NotificationObserver m_terminated;
 };

@@ -1,5 +1,6 @@
 #include "platform/macos/running_applications.h"
 
+#include "model/call_on_end.h"
 #include "platform/macos/callback_edge.h"
 #include "platform/macos/conversions.h"
 
@@ -32,14 +33,12 @@ Terminations::Terminations()
 }
 
 SubscriptionPtr Terminations::add(std::function<void(const RunningApplication&)> terminated) {
-    struct Registration : Subscription {
-        std::shared_ptr<Terminations> terminations;
-        SubscriptionPtr handler;
-    };
-    auto registration = std::make_unique<Registration>();
-    registration->terminations = shared_from_this();
-    registration->handler = m_handlers.add(std::move(terminated));
-    return registration;
+    auto connection =
+        m_handlers.connect([terminated = std::move(terminated)](const RunningApplication& application) {
+            atCallbackEdge([&] { terminated(application); });
+        });
+    return callOnEnd(
+        [terminations = shared_from_this(), connection = std::shared_ptr(std::move(connection))] {});
 }
 
 std::vector<Terminations::Known>::iterator Terminations::find(NSRunningApplication* application) {
@@ -65,12 +64,8 @@ void Terminations::tell(NSRunningApplication* application) {
         ended = std::move(known->running);
         m_known.erase(known);
     }
-    if (!ended)
-        return;
-    for (const auto& weak : m_handlers.present()) {
-        if (const auto handler = weak.lock())
-            atCallbackEdge([&] { (*handler)(*ended); });
-    }
+    if (ended)
+        m_handlers.send(*ended);
 }
 
 } // namespace tessarel::macos

@@ -1,9 +1,14 @@
 #include "platform/macos/status_item.h"
 
+#include "model/call_on_end.h"
+#include "model/lifetime.h"
 #include "platform/macos/callback_edge.h"
 #include "platform/macos/conversions.h"
 #include "platform/macos/menu_rows.h"
+#include "ports/deferred_work.h"
 
+#include <functional>
+#include <memory>
 #include <utility>
 
 /// Delegate of the menu, which calls a function when the menu is about to open.
@@ -32,11 +37,19 @@
 
 namespace tessarel::macos {
 
-/// One item in the menu bar, from its construction to its destruction. The menu delegate and the rows refer
-/// to it weakly, because the system may keep them longer.
-class MacStatusItem::Item : public std::enable_shared_from_this<Item> {
+/// One item in the menu bar, from its construction to its destruction. The menu delegate and the rows watch
+/// its lifetime, because the system may keep them longer.
+class MacStatusItem::Item {
 public:
-    Item(MainQueuePort& queue, Delegate delegate) : m_queue(queue), m_delegate(std::move(delegate)) {}
+    Item(MainQueuePort& queue, Delegate delegate) : m_delegate(std::move(delegate)), m_later(queue) {
+        m_menuDelegate = ObjcRef<TSLMenuDelegate*>::adopt(
+            [[TSLMenuDelegate alloc] initWithNeedsUpdate:[this, alive = m_lifetime.watch()](NSMenu* menu) {
+                if (!alive.expired())
+                    fill(menu);
+            }]);
+        [m_menu.get() setDelegate:m_menuDelegate.get()];
+        [m_item.get() setMenu:m_menu.get()];
+    }
     Item(const Item&) = delete;
     Item& operator=(const Item&) = delete;
     ~Item() {
@@ -46,54 +59,38 @@ public:
         }
     }
 
-    /// Attaches the menu. Call it once a shared pointer owns this object.
-    void appear() {
-        m_menuDelegate = ObjcRef<TSLMenuDelegate*>::adopt(
-            [[TSLMenuDelegate alloc] initWithNeedsUpdate:[weak = weak_from_this()](NSMenu* menu) {
-                if (const auto self = weak.lock())
-                    self->fill(menu);
-            }]);
-        [m_menu.get() setDelegate:m_menuDelegate.get()];
-        [m_item.get() setMenu:m_menu.get()];
-    }
-
     /// Returns the button that shows image and title; nil when the system provides none.
     [[nodiscard]] NSStatusBarButton* button() const { return [m_item.get() button]; }
 
 private:
     void fill(NSMenu* menu) {
-        showRows(menu, m_delegate.menuNeedsUpdate(), [weak = weak_from_this()](const MenuItem& row) {
-            if (const auto self = weak.lock())
-                self->tellLater(row);
+        showRows(menu, m_delegate.menuNeedsUpdate(), [this, alive = m_lifetime.watch()](const MenuItem& row) {
+            if (!alive.expired())
+                chooseLater(row);
         });
     }
 
     /// Reports the row once the menu has closed; see `MacStatusItem`.
-    void tellLater(const MenuItem& row) {
-        m_queue.async([weak = weak_from_this(), row] {
-            if (const auto self = weak.lock())
-                atCallbackEdge([&] { self->m_delegate.itemSelected(row); });
-        });
+    void chooseLater(const MenuItem& row) {
+        // The callback is copied, because it may destroy this item.
+        m_later.async(
+            [row, itemSelected = m_delegate.itemSelected] { atCallbackEdge([&] { itemSelected(row); }); });
     }
 
-    MainQueuePort& m_queue;
+    Lifetime m_lifetime;
     Delegate m_delegate;
     ObjcRef<NSStatusItem*> m_item = ObjcRef<NSStatusItem*>::share(
         [[NSStatusBar systemStatusBar] statusItemWithLength:NSVariableStatusItemLength]);
     ObjcRef<NSMenu*> m_menu = makeMenu("");
     ObjcRef<TSLMenuDelegate*> m_menuDelegate; // NSMenu does not retain its delegate
+    DeferredWork m_later;
 };
 
 SubscriptionPtr MacStatusItem::create(Delegate delegate) {
-    struct End : Subscription {
-        std::shared_ptr<Item> item;
-    };
     @autoreleasepool {
-        auto end = std::make_unique<End>();
-        end->item = std::make_shared<Item>(m_queue, std::move(delegate));
-        end->item->appear();
-        m_item = end->item;
-        return end;
+        auto item = std::make_shared<Item>(m_queue, std::move(delegate));
+        m_item = item;
+        return callOnEnd([item = std::move(item)] {}); // owns the item
     }
 }
 

@@ -1,5 +1,7 @@
 #include "platform/qt/alert_dialog.h"
 
+#include "qt_values/text.h"
+
 #include <QCoreApplication>
 #include <QFont>
 #include <QFrame>
@@ -36,13 +38,8 @@ constexpr qsizetype kLongestInformation = 10'000;
 
 /// Returns `text` if it has at most `longest` code units, otherwise its beginning with an ellipsis.
 QString plainText(const std::string& text, qsizetype longest) {
-    const QString whole = QString::fromStdString(text);
+    const QString whole = toQString(text);
     return whole.size() <= longest ? whole : whole.left(longest - 1) + QChar(0x2026);
-}
-
-/// Returns `text` with every '&' doubled: Qt takes a single one for the mark of a mnemonic and hides it.
-QString buttonText(const std::string& text) {
-    return QString::fromStdString(text).replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 /// Inserts zero-width spaces into words of 40 or more characters. Qt does not break words, and one that is
@@ -89,7 +86,7 @@ void AlertDialog::addButtons(const Alert& alert) {
     if (titles.empty())
         titles.emplace_back("OK");
     for (const std::string& title : titles) {
-        auto* const button = new QPushButton(buttonText(title), this);
+        auto* const button = new QPushButton(withoutMnemonics(toQString(title)), this);
         button->setMinimumWidth(button->sizeHint().width() + kButtonPadding);
         m_buttons.append(button);
         // Results count from 1, because 0 is QDialog::Rejected.

@@ -35,11 +35,6 @@ public:
     /// closed in another way, returns `Alert::dismissedAs` or, without it, the position of the last button.
     [[nodiscard]] std::size_t run(const std::function<void(QWidget&)>& shown);
 
-    [[nodiscard]] const QLabel& message() const { return *m_message; }
-    [[nodiscard]] const QLabel& information() const { return *m_information; }
-    /// Returns the buttons from left to right.
-    [[nodiscard]] const QList<QPushButton*>& buttons() const { return m_buttons; }
-
 private:
     void layOut();
     void addButtons(const Alert& alert);

@@ -1,10 +1,12 @@
 #include "platform/qt/composed_overlay.h"
 
+#include "model/subscription.h"
 #include "platform/qt/composed_overlay_widget.h"
 #include "platform/qt/overlay_pixels.h"
 
 #include <QRect>
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -14,9 +16,7 @@ namespace tessarel::qt {
 /// `kQuietTime`.
 class ComposedOverlay::Window : public OverlayWindow {
 public:
-    Window(MainQueuePort& queue, System system)
-        : m_queue(queue), m_system(std::move(system)), m_self(std::make_shared<Window*>(this)) {}
-    ~Window() override { *m_self = nullptr; }
+    Window(MainQueuePort& queue, System system) : m_queue(queue), m_system(std::move(system)) {}
 
     void setFrame(const Rect& screenFrame) override {
         m_frame = pixels(m_system.place(screenFrame));
@@ -31,7 +31,7 @@ public:
     }
 
     void orderFront() override {
-        ++m_showings;
+        m_scheduledRelease.reset();
         if (!m_surface)
             makeSurface();
         if (!m_surface->isVisible())
@@ -44,11 +44,7 @@ public:
         if (!m_surface || !m_surface->isVisible())
             return;
         m_surface->hide();
-        // Does nothing if the window has been shown again or destroyed in the meantime.
-        m_queue.asyncAfter(kQuietTime, [self = m_self, showings = m_showings] {
-            if (*self && (*self)->m_showings == showings)
-                (*self)->m_surface.reset();
-        });
+        m_scheduledRelease = m_queue.asyncAfter(kQuietTime, [this] { m_surface.reset(); });
     }
 
 private:
@@ -65,10 +61,8 @@ private:
     std::vector<OverlayFigure> m_figures;
     /// Null before the window is first shown, and after the quiet time.
     std::unique_ptr<ComposedOverlayWidget> m_surface;
-    unsigned m_showings = 0;
-    /// Points to this window, or to null after its destruction. Queued work shares it, because it may run
-    /// later than that.
-    std::shared_ptr<Window*> m_self;
+    /// Frees the surface after the quiet time. Cancelled when the window is shown again.
+    SubscriptionPtr m_scheduledRelease;
 };
 
 ComposedOverlay::ComposedOverlay(MainQueuePort& queue, System system)

@@ -1,5 +1,7 @@
 #include "platform/qt/qt_main_queue.h"
 
+#include "model/call_on_end.h"
+
 #include <QBasicTimer>
 #include <QCoreApplication>
 #include <QEvent>
@@ -8,6 +10,7 @@
 #include <QTimerEvent>
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <map>
 #include <utility>
@@ -50,9 +53,21 @@ private:
 /// Work in the order of its due times. At most one posted event or timer is pending, for the first entry.
 class QtMainQueue::Schedule : public QObject {
 public:
-    void add(TimePoint due, std::function<void()> work) {
-        m_work.emplace(due, std::move(work));
+    /// Due time and a running number, so that work due at the same time runs in the order in which it was
+    /// added.
+    using Key = std::pair<TimePoint, std::uint64_t>;
+
+    [[nodiscard]] Key add(TimePoint due, std::function<void()> work) {
+        const Key key(due, m_nextNumber++);
+        m_work.emplace(key, std::move(work));
         arm();
+        return key;
+    }
+
+    /// Does nothing for work that has started.
+    void cancel(const Key& key) {
+        if (m_work.erase(key) > 0)
+            arm();
     }
 
 protected:
@@ -73,9 +88,13 @@ private:
     /// Schedules the wake-up for the first entry. Posts an event if the entry is due, or if there is no
     /// application object yet, which timers need; otherwise starts the timer.
     void arm() {
-        if (m_posted || m_work.empty())
+        if (m_posted)
             return;
-        const Duration wait = m_work.begin()->first - TimePoint::clock::now();
+        if (m_work.empty()) {
+            m_timer.stop();
+            return;
+        }
+        const Duration wait = m_work.begin()->first.first - TimePoint::clock::now();
         if (wait > Duration::zero() && QCoreApplication::instance() != nullptr) {
             m_timer.start(timerInterval(wait), Qt::PreciseTimer, this);
             return;
@@ -89,7 +108,7 @@ private:
     /// work may run a nested event loop or destroy the queue.
     void runFirst() {
         const auto first = m_work.begin();
-        if (first == m_work.end() || first->first > TimePoint::clock::now()) {
+        if (first == m_work.end() || first->first.first > TimePoint::clock::now()) {
             arm();
             return;
         }
@@ -99,12 +118,13 @@ private:
         work();
     }
 
-    std::multimap<TimePoint, std::function<void()>> m_work; // equal keys keep the order of insertion
+    std::map<Key, std::function<void()>> m_work;
+    std::uint64_t m_nextNumber = 0;
     QBasicTimer m_timer;
     bool m_posted = false;
 };
 
-QtMainQueue::QtMainQueue() : m_schedule(std::make_unique<Schedule>()) {}
+QtMainQueue::QtMainQueue() : m_schedule(std::make_shared<Schedule>()) {}
 
 QtMainQueue::~QtMainQueue() = default;
 
@@ -112,8 +132,12 @@ MainQueuePort::TimePoint QtMainQueue::now() {
     return TimePoint::clock::now();
 }
 
-void QtMainQueue::asyncAfter(Duration delay, std::function<void()> work) {
-    m_schedule->add(later(now(), delay), std::move(work));
+SubscriptionPtr QtMainQueue::asyncAfter(Duration delay, std::function<void()> work) {
+    const Schedule::Key key = m_schedule->add(later(now(), delay), std::move(work));
+    return callOnEnd([weak = std::weak_ptr(m_schedule), key] {
+        if (const auto schedule = weak.lock())
+            schedule->cancel(key);
+    });
 }
 
 SubscriptionPtr QtMainQueue::onReadable(int fd, std::function<void()> readable) {

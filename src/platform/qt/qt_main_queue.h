@@ -23,7 +23,7 @@ public:
     [[nodiscard]] TimePoint now() override;
 
     /// Treats a negative delay as zero. Work with a delay beyond the end of the clock never runs.
-    void asyncAfter(Duration delay, std::function<void()> work) override;
+    [[nodiscard]] SubscriptionPtr asyncAfter(Duration delay, std::function<void()> work) override;
 
     /// Calls `readable` in every iteration of the event loop in which `fd` has data to read, until the
     /// returned subscription is destroyed. Requires the application object. `fd` must stay open for as long
@@ -32,7 +32,7 @@ public:
 
 private:
     class Schedule;
-    std::unique_ptr<Schedule> m_schedule;
+    std::shared_ptr<Schedule> m_schedule; // subscriptions hold weak references
 };
 
 } // namespace tessarel::qt

@@ -2,6 +2,8 @@
 
 #include "platform/qt/overlay_pixels.h"
 #include "platform/qt/overlay_text.h"
+#include "qt_values/color.h"
+#include "qt_values/text.h"
 
 #include <QColor>
 #include <QFontMetricsF>
@@ -30,11 +32,6 @@ constexpr double kHaloReach = 3;
 constexpr std::array kHaloStrokes = {2.0, 4.0, 6.0};
 constexpr double kHaloStrokeAlpha = 0.13; // 1 - (1 - 0.13)^3 = 0.35 at the letters
 
-QColor translucent(QColor color, double alpha) {
-    color.setAlphaF(static_cast<float>(alpha));
-    return color;
-}
-
 QColor gray(int level, double alpha) {
     return {level, level, level, qRound(alpha * 255)};
 }
@@ -55,7 +52,7 @@ void paintHalo(QPainter& painter, const QPainterPath& letters, double scale) {
 QImage drawLabel(const OverlayLabel& label, double scale) {
     const QFont font = labelFont(label, scale);
     const QFontMetricsF metrics(font);
-    const QString text = QString::fromStdString(label.text);
+    const QString text = toQString(label.text);
     const double width = metrics.horizontalAdvance(text);
     const double room = std::ceil(kHaloReach * scale);
     QImage image(qCeil(width + 2 * room), qCeil(metrics.height() + 2 * room),

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/qt/overlay_colors.h"
 #include "ports/overlay_port.h"
+#include "qt_values/color.h"
 
 #include <QColor>
 #include <QImage>

@@ -1,5 +1,7 @@
 #include "platform/qt_xdg/appearance.h"
 
+#include "qt_values/color.h"
+
 #include <QApplication>
 #include <QDBusArgument>
 #include <QStyle>
@@ -37,11 +39,6 @@ std::optional<QColor> accentColor(const QVariant& setting) {
     if (!isPart(red) || !isPart(green) || !isPart(blue))
         return std::nullopt;
     return QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green), static_cast<float>(blue));
-}
-
-QColor translucent(QColor color, double opacity) {
-    color.setAlphaF(static_cast<float>(opacity));
-    return color;
 }
 
 QPalette darkPalette() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "qt_values/color.h"
+
 #include <QColor>
 #include <QPalette>
 #include <QString>
@@ -10,7 +12,7 @@ namespace tessarel::qt {
 /// The user's preferences for the colours of windows. A fresh value holds the defaults.
 struct Appearance {
     bool isDark = false;
-    QColor accent{0x0a, 0x84, 0xff};
+    QColor accent{kAccent};
 
     bool operator==(const Appearance&) const = default;
 };

@@ -36,10 +36,6 @@ std::string text(const AttributeValue& value) {
     return "of another kind";
 }
 
-bool isFinite(double first, double second) {
-    return std::isfinite(first) && std::isfinite(second);
-}
-
 /// Returns the length that a window takes on when `wanted` is requested: whole steps, then within the limits.
 double allowed(double wanted, double minimum, double maximum, double step) {
     const double whole = step > 0 ? std::floor(wanted / step) * step : wanted;
@@ -183,15 +179,15 @@ void SimAccessibility::write(const Name& name, std::string_view attribute, const
     if (!window || window->fullScreen)
         return;
     const auto* point = std::get_if<Point>(&value);
-    if (point && attribute == attribute::kPosition && isFinite(point->x, point->y))
+    if (point && attribute == attribute::kPosition && point->isFinite())
         setPosition(*window, *point);
     const auto* size = std::get_if<Size>(&value);
-    if (size && attribute == attribute::kSize && isFinite(size->width, size->height))
+    if (size && attribute == attribute::kSize && size->isFinite())
         setSize(*window, *size);
 }
 
 bool SimAccessibility::canExpress(const Rect& axFrame) {
-    return isFinite(axFrame.x, axFrame.y) && isFinite(axFrame.width, axFrame.height);
+    return axFrame.isFinite();
 }
 
 std::uintptr_t SimAccessibility::key(const Element& element) {

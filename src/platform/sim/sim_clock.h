@@ -1,11 +1,14 @@
 #pragma once
 
+#include "model/subscription.h"
 #include "ports/main_queue_port.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <vector>
+#include <map>
+#include <memory>
+#include <utility>
 
 namespace tessarel::sim {
 
@@ -25,27 +28,25 @@ public:
     /// same time runs in the order in which it was scheduled.
     void advance(Duration duration);
 
-    /// Schedules work of `owner`. A negative delay counts as zero.
-    void schedule(const void* owner, Duration delay, std::function<void()> work);
+    /// Schedules work of `owner`. A negative delay counts as zero. Destroying the returned subscription
+    /// cancels the work. The subscription may outlive the clock.
+    [[nodiscard]] SubscriptionPtr schedule(const void* owner, Duration delay, std::function<void()> work);
     /// Cancels all work of `owner` that has not run yet.
     void cancelAll(const void* owner);
     /// Returns the number of pieces of work that have not run yet.
-    [[nodiscard]] std::size_t waiting() const { return m_scheduled.size(); }
+    [[nodiscard]] std::size_t waiting() const { return m_schedule->size(); }
 
 private:
     struct Scheduled {
-        TimePoint due;
-        std::uint64_t order = 0; ///< decides between work that is due at the same time
         const void* owner = nullptr;
         std::function<void()> work;
     };
-
-    /// Returns the work that is due first; the end of the list if there is none.
-    [[nodiscard]] std::vector<Scheduled>::iterator next();
+    /// Keyed by due time and a running number, which decides between work that is due at the same time.
+    using Schedule = std::map<std::pair<TimePoint, std::uint64_t>, Scheduled>;
 
     TimePoint m_now{};
     std::uint64_t m_order = 0;
-    std::vector<Scheduled> m_scheduled;
+    std::shared_ptr<Schedule> m_schedule = std::make_shared<Schedule>(); // subscriptions hold weak references
 };
 
 } // namespace tessarel::sim

@@ -8,18 +8,6 @@
 
 namespace tessarel::sim {
 
-namespace {
-
-/// Returns the event flags that `carbonMods` converts to `mods`.
-ModifierFlags modifierFlags(std::uint32_t mods) {
-    ModifierFlags flags = 0;
-    for (const ModifierFlags flag : {kShiftFlag, kControlFlag, kOptionFlag, kCommandFlag})
-        flags |= (carbonMods(flag) & mods) != 0 ? flag : 0;
-    return flags;
-}
-
-} // namespace
-
 Screen SimDesktop::addScreen(const ScreenOptions& options) {
     const Rect& frame = options.frame;
     const Rect visibleFrame{frame.x + options.leftBar, frame.y + options.dock,

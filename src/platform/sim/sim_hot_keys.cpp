@@ -1,13 +1,15 @@
 #include "platform/sim/sim_hot_keys.h"
 
-#include "platform/sim/call_on_end.h"
+#include "model/binding.h"
+#include "model/call_on_end.h"
+#include "model/signal.h"
 
 namespace tessarel::sim {
 
 namespace {
 
 constexpr std::uint32_t kKeyCodes = 128;
-constexpr std::uint32_t kModifiers = 256 | 512 | 2048 | 4096; // as in HotKeyRequest
+constexpr std::uint32_t kModifiers = kCmdKey | kShiftKey | kOptKey | kCtrlKey;
 
 } // namespace
 
@@ -21,15 +23,14 @@ struct SimHotKeys::Keyboard {
     using Combination = std::pair<std::uint32_t, std::uint32_t>;
 
     std::map<Combination, Claim> claims;
-    std::map<int, std::function<void(std::uint32_t)>> handlers;
+    Signal<std::uint32_t> handlers;
 };
 
 SimHotKeys::SimHotKeys() : m_keyboard(std::make_shared<Keyboard>()) {}
 
 SubscriptionPtr SimHotKeys::installHandler(std::function<void(std::uint32_t id)> pressed) {
-    const int number = m_handlersInstalled++;
-    m_keyboard->handlers.emplace(number, std::move(pressed));
-    return std::make_unique<CallOnEnd>([keyboard = m_keyboard, number] { keyboard->handlers.erase(number); });
+    ++m_handlersInstalled;
+    return m_keyboard->handlers.connect(std::move(pressed));
 }
 
 std::vector<SubscriptionPtr> SimHotKeys::registerHotKeys(std::span<const HotKeyRequest> requests) {
@@ -44,10 +45,7 @@ bool SimHotKeys::press(std::uint32_t keyCode, std::uint32_t mods) {
     const auto found = m_keyboard->claims.find({keyCode, mods});
     if (found == m_keyboard->claims.end() || !found->second.ours)
         return false;
-    const std::uint32_t id = found->second.request.hotKey.id;
-    const auto handlers = m_keyboard->handlers; // a copy, because a handler may destroy its subscription
-    for (const auto& [number, handler] : handlers)
-        handler(id);
+    m_keyboard->handlers.send(found->second.request.hotKey.id);
     return true;
 }
 
@@ -70,8 +68,7 @@ SubscriptionPtr SimHotKeys::claim(const HotKeyRequest& request, bool ours) {
         return nullptr;
     if (!m_keyboard->claims.try_emplace(combination, Keyboard::Claim{request, ours}).second)
         return nullptr;
-    return std::make_unique<CallOnEnd>(
-        [keyboard = m_keyboard, combination] { keyboard->claims.erase(combination); });
+    return callOnEnd([keyboard = m_keyboard, combination] { keyboard->claims.erase(combination); });
 }
 
 } // namespace tessarel::sim

@@ -1,6 +1,6 @@
 #include "platform/sim/sim_local_keys.h"
 
-#include "platform/sim/call_on_end.h"
+#include "model/call_on_end.h"
 
 #include <utility>
 
@@ -9,7 +9,7 @@ namespace tessarel::sim {
 SubscriptionPtr SimLocalKeys::monitorKeyDown(Handler handler) {
     const int number = m_handlers->next++;
     m_handlers->all.emplace(number, std::move(handler));
-    return std::make_unique<CallOnEnd>([handlers = m_handlers, number] { handlers->all.erase(number); });
+    return callOnEnd([handlers = m_handlers, number] { handlers->all.erase(number); });
 }
 
 bool SimLocalKeys::press(const KeyDown& key) {

@@ -14,8 +14,8 @@ public:
     ~SimMainQueue() override { m_clock.cancelAll(this); }
 
     [[nodiscard]] TimePoint now() override { return m_clock.now(); }
-    void asyncAfter(Duration delay, std::function<void()> work) override {
-        m_clock.schedule(this, delay, std::move(work));
+    [[nodiscard]] SubscriptionPtr asyncAfter(Duration delay, std::function<void()> work) override {
+        return m_clock.schedule(this, delay, std::move(work));
     }
 
 private:

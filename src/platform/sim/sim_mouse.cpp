@@ -1,38 +1,20 @@
 #include "platform/sim/sim_mouse.h"
 
-#include "platform/sim/call_on_end.h"
-
-#include <map>
 #include <utility>
 
 namespace tessarel::sim {
-
-/// The subscriptions by a running number, which keeps them in the order in which they were made.
-struct SimMouse::Monitors {
-    struct Monitor {
-        MouseEventKind kind;
-        std::function<void(const MouseEvent&)> handler;
-    };
-
-    int next = 0;
-    std::map<int, Monitor> all;
-};
-
-SimMouse::SimMouse(SimState& state) : m_state(state), m_monitors(std::make_shared<Monitors>()) {}
 
 SubscriptionPtr SimMouse::addGlobalMonitor(MouseEventKind kind,
                                            std::function<void(const MouseEvent&)> handler) {
     if (m_refused.contains(kind))
         return nullptr;
-    const int number = m_monitors->next++;
-    m_monitors->all.emplace(number, Monitors::Monitor{kind, std::move(handler)});
-    return std::make_unique<CallOnEnd>([monitors = m_monitors, number] { monitors->all.erase(number); });
+    return m_monitors[kind].connect(std::move(handler));
 }
 
 std::vector<MouseEventKind> SimMouse::monitored() const {
     std::vector<MouseEventKind> kinds;
-    for (const auto& [number, monitor] : m_monitors->all)
-        kinds.push_back(monitor.kind);
+    for (const auto& [kind, signal] : m_monitors)
+        kinds.insert(kinds.end(), signal.connections(), kind);
     return kinds;
 }
 
@@ -96,13 +78,7 @@ void SimMouse::report(MouseEventKind kind) {
     // From accessibility coordinates (y down) to screen coordinates (y up).
     const double primaryHeight = m_state.screens.empty() ? 0 : m_state.screens.front().frame.absHeight();
     const MouseEvent event{kind, {m_pointer.x, primaryHeight - m_pointer.y}, m_modifierFlags};
-    // Copies, because a handler may destroy subscriptions or this port.
-    const auto monitors = m_monitors;
-    const auto present = monitors->all;
-    for (const auto& [number, monitor] : present) {
-        if (monitor.kind == kind && monitors->all.contains(number)) // not if an earlier handler removed it
-            monitor.handler(event);
-    }
+    m_monitors[kind].send(event);
 }
 
 } // namespace tessarel::sim

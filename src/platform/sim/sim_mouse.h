@@ -1,11 +1,13 @@
 #pragma once
 
+#include "model/signal.h"
+#include "model/subscription.h"
 #include "platform/sim/sim_state.h"
 #include "ports/mouse_port.h"
 
 #include <cstdint>
 #include <functional>
-#include <memory>
+#include <map>
 #include <optional>
 #include <set>
 #include <vector>
@@ -24,14 +26,14 @@ public:
     /// Height of the top edge, which is the upper part of the title bar.
     static constexpr double kTopEdge = 4;
 
-    explicit SimMouse(SimState& state);
+    explicit SimMouse(SimState& state) : m_state(state) {}
 
     [[nodiscard]] SubscriptionPtr addGlobalMonitor(MouseEventKind kind,
                                                    std::function<void(const MouseEvent&)> handler) override;
 
     /// Makes the system refuse subscriptions to events of this kind from now on.
     void refuse(MouseEventKind kind) { m_refused.insert(kind); }
-    /// Returns the kinds of the current subscriptions, in the order in which they were made.
+    /// Returns the kinds of the current subscriptions, sorted by kind, one entry for each subscription.
     [[nodiscard]] std::vector<MouseEventKind> monitored() const;
 
     /// Sets the modifier keys that are held. While the button is down, a change is reported as a movement.
@@ -48,7 +50,6 @@ public:
     void loseRelease();
 
 private:
-    struct Monitors;
     struct Held {
         WindowId window;
         Point grip; ///< position of the pointer in the window when the button was pressed
@@ -59,7 +60,7 @@ private:
     void report(MouseEventKind kind);
 
     SimState& m_state;
-    std::shared_ptr<Monitors> m_monitors; ///< shared with subscriptions, which may outlive this port
+    std::map<MouseEventKind, Signal<const MouseEvent&>> m_monitors;
     std::set<MouseEventKind> m_refused;
     std::uint64_t m_modifierFlags = 0;
     Point m_pointer;

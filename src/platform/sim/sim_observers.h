@@ -1,12 +1,11 @@
 #pragma once
 
+#include "model/signal.h"
 #include "model/subscription.h"
-#include "platform/sim/call_on_end.h"
 
 #include <cstddef>
 #include <functional>
 #include <map>
-#include <memory>
 #include <utility>
 
 namespace tessarel::sim {
@@ -22,38 +21,25 @@ public:
 
     /// Registers `callback` for `key` until the returned subscription is destroyed.
     [[nodiscard]] SubscriptionPtr add(const Key& key, Callback callback) {
-        const std::size_t number = m_entries->next++;
-        m_entries->all.emplace(number, Entry{key, std::move(callback)});
-        return std::make_unique<CallOnEnd>([entries = m_entries, number] { entries->all.erase(number); });
+        return m_signals[key].connect(std::move(callback));
     }
 
     /// Calls the callbacks for `key` in the order in which they were registered.
     void call(const Key& key, const Argument& argument) {
-        // Copies, because a callback may destroy subscriptions or this list.
-        const auto entries = m_entries;
-        const auto present = entries->all;
-        for (const auto& [number, entry] : present) {
-            if (entry.key == key && entries->all.contains(number)) // not if an earlier callback removed it
-                entry.callback(argument);
-        }
+        if (const auto found = m_signals.find(key); found != m_signals.end())
+            found->second.send(argument);
     }
 
     /// Returns the number of callbacks for all keys.
-    [[nodiscard]] std::size_t count() const { return m_entries->all.size(); }
+    [[nodiscard]] std::size_t count() const {
+        std::size_t count = 0;
+        for (const auto& [key, signal] : m_signals)
+            count += signal.connections();
+        return count;
+    }
 
 private:
-    struct Entry {
-        Key key;
-        Callback callback;
-    };
-
-    struct Entries {
-        std::size_t next = 0;
-        std::map<std::size_t, Entry> all;
-    };
-
-    /// Shared with subscriptions, which may outlive this list.
-    std::shared_ptr<Entries> m_entries = std::make_shared<Entries>();
+    std::map<Key, Signal<const Argument&>> m_signals;
 };
 
 } // namespace tessarel::sim

@@ -1,6 +1,6 @@
 #include "platform/sim/sim_single_instance.h"
 
-#include "platform/sim/call_on_end.h"
+#include "model/call_on_end.h"
 
 namespace tessarel::sim {
 
@@ -11,7 +11,7 @@ SubscriptionPtr SimSingleInstance::claim(std::function<void()> reopened) {
         return nullptr;
     }
     m_holder->reopened = std::make_shared<std::function<void()>>(std::move(reopened));
-    return std::make_unique<CallOnEnd>([holder = m_holder] { holder->reopened.reset(); });
+    return callOnEnd([holder = m_holder] { holder->reopened.reset(); });
 }
 
 } // namespace tessarel::sim

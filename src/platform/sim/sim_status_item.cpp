@@ -1,15 +1,14 @@
 #include "platform/sim/sim_status_item.h"
 
-#include "platform/sim/call_on_end.h"
+#include "model/call_on_end.h"
 
-#include <memory>
 #include <utility>
 
 namespace tessarel::sim {
 
 SubscriptionPtr SimStatusItem::create(Delegate delegate) {
     m_delegate = std::move(delegate);
-    return std::make_unique<CallOnEnd>([this] { m_delegate.reset(); });
+    return callOnEnd([this] { m_delegate.reset(); });
 }
 
 bool SimStatusItem::setSymbol(std::string_view symbolName, std::string_view description) {

@@ -1,6 +1,6 @@
 #include "platform/sim/sim_url_loading.h"
 
-#include "platform/sim/call_on_end.h"
+#include "model/call_on_end.h"
 
 #include <string_view>
 #include <utility>
@@ -26,7 +26,7 @@ SubscriptionPtr SimUrlLoading::load(const UrlRequest& request, Done done) {
         answerLater({}, position, page->second);
     else
         answerLater(request.timeLimit, position, std::nullopt);
-    return std::make_unique<CallOnEnd>([waiting = m_waiting, position] { waiting->erase(position); });
+    return callOnEnd([waiting = m_waiting, position] { waiting->erase(position); });
 }
 
 void SimUrlLoading::answer(std::size_t position, std::optional<UrlResponse> response) {
@@ -40,8 +40,8 @@ void SimUrlLoading::answer(std::size_t position, std::optional<UrlResponse> resp
 
 void SimUrlLoading::answerLater(SimClock::Duration delay, std::size_t position,
                                 std::optional<UrlResponse> response) {
-    m_clock.schedule(this, delay,
-                     [this, position, response = std::move(response)] { answer(position, response); });
+    m_answers.push_back(m_clock.schedule(
+        this, delay, [this, position, response = std::move(response)] { answer(position, response); }));
 }
 
 } // namespace tessarel::sim

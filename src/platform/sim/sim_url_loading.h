@@ -19,7 +19,7 @@ public:
     explicit SimUrlLoading(SimClock& clock) : m_clock(clock) {}
     SimUrlLoading(const SimUrlLoading&) = delete;
     SimUrlLoading& operator=(const SimUrlLoading&) = delete;
-    ~SimUrlLoading() override { m_clock.cancelAll(this); }
+    ~SimUrlLoading() override = default;
 
     [[nodiscard]] SubscriptionPtr load(const UrlRequest& request, Done done) override;
 
@@ -41,6 +41,8 @@ private:
     SimClock& m_clock;
     /// Shared with subscriptions, which may outlive this port.
     std::shared_ptr<Waiting> m_waiting = std::make_shared<Waiting>();
+    /// Scheduled answers, which are cancelled with this port.
+    std::vector<SubscriptionPtr> m_answers;
 };
 
 } // namespace tessarel::sim

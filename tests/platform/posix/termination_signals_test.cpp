@@ -1,5 +1,7 @@
 #include "platform/posix/termination_signals.h"
 
+#include "support/main_queue.h"
+
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <gtest/gtest.h>
@@ -18,7 +20,7 @@ protected:
     /// Runs the event loop until all pending work is done.
     void drain() {
         bool last = false;
-        queue.async([&last] { last = true; });
+        async(queue, [&last] { last = true; });
         while (!last)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
         QCoreApplication::processEvents();

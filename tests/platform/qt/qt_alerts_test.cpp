@@ -2,6 +2,7 @@
 
 #include "platform/qt/alert_dialog.h"
 #include "platform/qt/qt_main_queue.h"
+#include "support/main_queue.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -31,23 +32,26 @@ protected:
 
     /// Runs `alert`, calls `use` with its box and returns the result of `runModal`.
     std::size_t runModal(const Alert& alert, const std::function<void(AlertDialog&)>& use) {
-        queue.async([&] { use(dynamic_cast<AlertDialog&>(*QApplication::activeModalWidget())); });
+        async(queue, [&] { use(dynamic_cast<AlertDialog&>(*QApplication::activeModalWidget())); });
         return alerts.runModal(alert);
     }
 
     /// Like runModal(), for an alert that prompts for a text.
     std::optional<std::string> runModalForText(const std::function<void(AlertDialog&)>& use) {
-        queue.async([&] { use(dynamic_cast<AlertDialog&>(*QApplication::activeModalWidget())); });
+        async(queue, [&] { use(dynamic_cast<AlertDialog&>(*QApplication::activeModalWidget())); });
         return alerts.runModalForText({"Save layout", "Name for this layout:", {"Save", "Cancel"}});
     }
 
+    static QLabel& message(const AlertDialog& box) { return *box.findChildren<QLabel*>().at(0); }
+    static QLabel& information(const AlertDialog& box) { return *box.findChildren<QLabel*>().at(1); }
+    static QList<QPushButton*> buttons(const AlertDialog& box) { return box.findChildren<QPushButton*>(); }
     static const QScrollArea& areaOf(const AlertDialog& box) { return *box.findChild<QScrollArea*>(); }
 
     static void expectOnScreen(const AlertDialog& box) {
         const QRect screen = box.screen()->availableGeometry();
         EXPECT_LE(box.width(), screen.width());
         EXPECT_LE(box.height(), screen.height());
-        for (const QPushButton* const button : box.buttons())
+        for (const QPushButton* const button : buttons(box))
             EXPECT_TRUE(box.rect().contains(button->geometry()));
     }
 
@@ -70,9 +74,9 @@ TEST_F(QtAlertsTest, TheShownHookGetsEachVisibleBoxBeforeItsEventLoopRuns) {
         QApplication::activeModalWidget()->close();
     };
 
-    queue.async(close);
+    async(queue, close);
     (void)watched.runModal({"Question", "Why?", {}});
-    queue.async(close);
+    async(queue, close);
     (void)watched.runModalForText({"Question", "Why?", {}});
 
     EXPECT_EQ(shown.size(), 2U);
@@ -82,7 +86,7 @@ TEST_F(QtAlertsTest, TheBeforeMakingHookRunsBeforeEachBox) {
     int done = 0;
     QtAlerts prepared({.beforeMaking = [&] { ++done; }});
     for (const int before : {1, 2}) {
-        queue.async([&] {
+        async(queue, [&] {
             EXPECT_EQ(done, before);
             QApplication::activeModalWidget()->close();
         });
@@ -97,16 +101,16 @@ TEST_F(QtAlertsTest, ReturnsTheIndexOfTheChosenButton) {
     const Alert alert{"Question", "Why?", {"Continue", "Open Settings", "Later"}};
 
     for (int position = 0; position < 3; ++position) {
-        const auto chosen = runModal(alert, [&](AlertDialog& box) { box.buttons().at(position)->click(); });
+        const auto chosen = runModal(alert, [&](AlertDialog& box) { buttons(box).at(position)->click(); });
         EXPECT_EQ(chosen, static_cast<std::size_t>(position));
     }
 }
 
 TEST_F(QtAlertsTest, ButtonsAreInOrderAndTheFirstIsTheDefault) {
     runModal({"Question", "", {"Continue", "Later"}}, [](AlertDialog& box) {
-        EXPECT_EQ(box.buttons().first()->text(), "Continue");
-        EXPECT_EQ(box.buttons().last()->text(), "Later");
-        EXPECT_TRUE(box.buttons().first()->isDefault());
+        EXPECT_EQ(buttons(box).first()->text(), "Continue");
+        EXPECT_EQ(buttons(box).last()->text(), "Later");
+        EXPECT_TRUE(buttons(box).first()->isDefault());
         box.close();
     });
 }
@@ -134,7 +138,7 @@ TEST_F(QtAlertsTest, ReturnPressesTheFirstButton) {
 
 TEST_F(QtAlertsTest, AShortTextIsShownWholeWithoutAScrollBar) {
     runModal({"Question", "One line.\nAnother one.", {"OK"}}, [](AlertDialog& box) {
-        EXPECT_GE(areaOf(box).height(), box.information().heightForWidth(areaOf(box).width()));
+        EXPECT_GE(areaOf(box).height(), information(box).heightForWidth(areaOf(box).width()));
         EXPECT_FALSE(areaOf(box).verticalScrollBar()->isVisible());
         box.close();
     });
@@ -157,8 +161,8 @@ TEST_F(QtAlertsTest, AHugeTextWithoutSpacesStaysOnTheScreen) {
 
     runModal({flood, flood, {"Download", "Later"}}, [](AlertDialog& box) {
         expectOnScreen(box);
-        EXPECT_TRUE(box.message().text().endsWith(QChar(0x2026)));
-        EXPECT_LE(box.message().sizeHint().width(), box.message().width());
+        EXPECT_TRUE(message(box).text().endsWith(QChar(0x2026)));
+        EXPECT_LE(message(box).sizeHint().width(), message(box).width());
         box.close();
     });
 }
@@ -172,7 +176,7 @@ TEST_F(QtAlertsTest, QuittingTheProgramCountsAsTheLastButton) {
 
 TEST_F(QtAlertsTest, AnAlertWithoutButtonsGetsOne) {
     const auto chosen = runModal({"Done", "", {}}, [](AlertDialog& box) {
-        EXPECT_EQ(box.buttons().size(), 1);
+        EXPECT_EQ(buttons(box).size(), 1);
         box.close();
     });
 
@@ -183,18 +187,18 @@ TEST_F(QtAlertsTest, MarkupIsShownAsPlainText) {
     const Alert alert{"<b>bold</b>", "<img src=\"file:///x\"> & <i>more</i>", {"OK"}};
 
     runModal(alert, [](AlertDialog& box) {
-        for (const QLabel* const label : {&box.message(), &box.information()})
+        for (const QLabel* const label : {&message(box), &information(box)})
             EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->text().toStdString();
-        EXPECT_EQ(box.message().text(), "<b>bold</b>");
-        EXPECT_EQ(box.information().text(), "<img src=\"file:///x\"> & <i>more</i>");
+        EXPECT_EQ(message(box).text(), "<b>bold</b>");
+        EXPECT_EQ(information(box).text(), "<img src=\"file:///x\"> & <i>more</i>");
         box.close();
     });
 }
 
 TEST_F(QtAlertsTest, AnAmpersandInAButtonIsNoMnemonic) {
     runModal({"Question", "", {"Save & Quit"}}, [](AlertDialog& box) {
-        EXPECT_EQ(box.buttons().first()->text(), "Save && Quit");
-        EXPECT_TRUE(box.buttons().first()->shortcut().isEmpty());
+        EXPECT_EQ(buttons(box).first()->text(), "Save && Quit");
+        EXPECT_TRUE(buttons(box).first()->shortcut().isEmpty());
         box.close();
     });
 }
@@ -202,7 +206,7 @@ TEST_F(QtAlertsTest, AnAmpersandInAButtonIsNoMnemonic) {
 TEST_F(QtAlertsTest, TheFirstButtonReturnsTheTypedText) {
     const auto text = runModalForText([](AlertDialog& box) {
         QTest::keyClicks(box.findChild<QLineEdit*>(), "Coding & <b>more</b>");
-        QTest::mouseClick(box.buttons().first(), Qt::LeftButton);
+        QTest::mouseClick(buttons(box).first(), Qt::LeftButton);
     });
 
     EXPECT_EQ(text, "Coding & <b>more</b>");
@@ -224,7 +228,7 @@ TEST_F(QtAlertsTest, EscapeAndTheOtherButtonsReturnNoText) {
             auto* const field = box.findChild<QLineEdit*>();
             QTest::keyClicks(field, "Wide");
             byKey ? QTest::keyClick(field, Qt::Key_Escape)
-                  : QTest::mouseClick(box.buttons().last(), Qt::LeftButton);
+                  : QTest::mouseClick(buttons(box).last(), Qt::LeftButton);
         });
         EXPECT_EQ(text, std::nullopt);
     }
@@ -243,10 +247,10 @@ TEST_F(QtAlertsTest, ThePromptShowsItsFieldWithAnAccessibleName) {
         EXPECT_EQ(field->size(), QSize(260, 24));
         EXPECT_EQ(field->accessibleName(), "Name for this layout:");
         EXPECT_TRUE(box.rect().contains(field->geometry()));
-        EXPECT_GT(field->y(), box.message().geometry().bottom());
-        EXPECT_LT(field->geometry().bottom(), box.buttons().first()->y());
+        EXPECT_GT(field->y(), message(box).geometry().bottom());
+        EXPECT_LT(field->geometry().bottom(), buttons(box).first()->y());
         QTest::keyClick(field, Qt::Key_Tab);
-        EXPECT_EQ(box.focusWidget(), box.buttons().first());
+        EXPECT_EQ(box.focusWidget(), buttons(box).first());
         box.close();
     });
 }

@@ -1,5 +1,7 @@
 #include "platform/qt/qt_main_queue.h"
 
+#include "support/main_queue.h"
+
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -24,7 +26,7 @@ protected:
     /// Runs the event loop until work that is queued now has run; everything due earlier has run by then.
     void drain() {
         bool last = false;
-        queue->async([&last] { last = true; });
+        async(*queue, [&last] { last = true; });
         while (!last)
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
@@ -43,9 +45,9 @@ protected:
 
 TEST_F(QtMainQueueTest, WorkRunsInTheOrderInWhichItWasQueued) {
     std::string ran;
-    queue->async([&] { ran += "a"; });
-    queue->async([&] { ran += "b"; });
-    queue->asyncAfter(milliseconds(0), [&] { ran += "c"; });
+    async(*queue, [&] { ran += "a"; });
+    async(*queue, [&] { ran += "b"; });
+    asyncAfter(*queue, milliseconds(0), [&] { ran += "c"; });
 
     drain();
 
@@ -55,7 +57,7 @@ TEST_F(QtMainQueueTest, WorkRunsInTheOrderInWhichItWasQueued) {
 TEST_F(QtMainQueueTest, AsyncNeverRunsWorkBeforeItReturns) {
     bool ran = false;
 
-    queue->async([&] { ran = true; });
+    async(*queue, [&] { ran = true; });
 
     EXPECT_FALSE(ran);
     drain();
@@ -65,12 +67,12 @@ TEST_F(QtMainQueueTest, AsyncNeverRunsWorkBeforeItReturns) {
 TEST_F(QtMainQueueTest, DelayedWorkRunsInTheOrderInWhichItIsDue) {
     std::string ran;
     bool done = false;
-    queue->asyncAfter(milliseconds(20), [&] {
+    asyncAfter(*queue, milliseconds(20), [&] {
         ran += "c";
         done = true;
     });
-    queue->asyncAfter(milliseconds(10), [&] { ran += "b"; });
-    queue->async([&] { ran += "a"; });
+    asyncAfter(*queue, milliseconds(10), [&] { ran += "b"; });
+    async(*queue, [&] { ran += "a"; });
 
     runUntil(done);
 
@@ -81,7 +83,7 @@ TEST_F(QtMainQueueTest, WorkIsNeverEarly) {
     const auto due = queue->now() + milliseconds(15);
     std::optional<MainQueuePort::TimePoint> ranAt;
     bool done = false;
-    queue->asyncAfter(milliseconds(15), [&] {
+    asyncAfter(*queue, milliseconds(15), [&] {
         ranAt = queue->now();
         done = true;
     });
@@ -93,11 +95,11 @@ TEST_F(QtMainQueueTest, WorkIsNeverEarly) {
 
 TEST_F(QtMainQueueTest, WorkQueuedByWorkRunsInTheNextTurn) {
     std::string ran;
-    queue->async([&] {
-        queue->async([&] { ran += "c"; });
+    async(*queue, [&] {
+        async(*queue, [&] { ran += "c"; });
         ran += "a";
     });
-    queue->async([&] { ran += "b"; });
+    async(*queue, [&] { ran += "b"; });
 
     drain();
     drain();
@@ -107,13 +109,13 @@ TEST_F(QtMainQueueTest, WorkQueuedByWorkRunsInTheNextTurn) {
 
 TEST_F(QtMainQueueTest, WorkRunsInsideANestedEventLoop) {
     std::string ran;
-    queue->async([&] {
+    async(*queue, [&] {
         QEventLoop inner;
-        queue->async([&] { inner.quit(); });
+        async(*queue, [&] { inner.quit(); });
         inner.exec();
         ran += "outer";
     });
-    queue->async([&] { ran += "inner "; });
+    async(*queue, [&] { ran += "inner "; });
 
     drain();
     drain();
@@ -123,7 +125,7 @@ TEST_F(QtMainQueueTest, WorkRunsInsideANestedEventLoop) {
 
 TEST_F(QtMainQueueTest, ANegativeDelayCountsAsZero) {
     bool ran = false;
-    queue->asyncAfter(milliseconds(-500), [&] { ran = true; });
+    asyncAfter(*queue, milliseconds(-500), [&] { ran = true; });
 
     drain();
 
@@ -132,8 +134,8 @@ TEST_F(QtMainQueueTest, ANegativeDelayCountsAsZero) {
 
 TEST_F(QtMainQueueTest, ADelayBeyondTheEndOfTheClockNeverComesDue) {
     bool ran = false;
-    queue->asyncAfter(MainQueuePort::Duration::max(), [&] { ran = true; });
-    queue->asyncAfter(hours(24 * 365), [&] { ran = true; });
+    asyncAfter(*queue, MainQueuePort::Duration::max(), [&] { ran = true; });
+    asyncAfter(*queue, hours(24 * 365), [&] { ran = true; });
 
     drain();
 
@@ -142,12 +144,12 @@ TEST_F(QtMainQueueTest, ADelayBeyondTheEndOfTheClockNeverComesDue) {
 
 TEST_F(QtMainQueueTest, NothingRunsAfterTheQueueWasDestroyed) {
     bool ran = false;
-    queue->async([&] { ran = true; });
-    queue->asyncAfter(milliseconds(1), [&] { ran = true; });
+    async(*queue, [&] { ran = true; });
+    asyncAfter(*queue, milliseconds(1), [&] { ran = true; });
 
     queue = std::make_unique<QtMainQueue>();
     bool done = false;
-    queue->asyncAfter(milliseconds(5), [&] { done = true; });
+    asyncAfter(*queue, milliseconds(5), [&] { done = true; });
     runUntil(done);
 
     EXPECT_FALSE(ran);
@@ -156,11 +158,11 @@ TEST_F(QtMainQueueTest, NothingRunsAfterTheQueueWasDestroyed) {
 TEST_F(QtMainQueueTest, WorkMayDestroyTheQueue) {
     bool ran = false;
     bool destroyed = false;
-    queue->async([&] {
+    async(*queue, [&] {
         queue.reset();
         destroyed = true;
     });
-    queue->async([&] { ran = true; });
+    async(*queue, [&] { ran = true; });
 
     runUntil(destroyed);
     QCoreApplication::processEvents();
@@ -169,9 +171,9 @@ TEST_F(QtMainQueueTest, WorkMayDestroyTheQueue) {
 }
 
 TEST_F(QtMainQueueTest, AnIdleQueueCausesNoWakeUps) {
-    queue->asyncAfter(milliseconds(1), [] {});
+    asyncAfter(*queue, milliseconds(1), [] {});
     bool done = false;
-    queue->asyncAfter(milliseconds(2), [&] { done = true; });
+    asyncAfter(*queue, milliseconds(2), [&] { done = true; });
     runUntil(done);
 
     EXPECT_FALSE(QAbstractEventDispatcher::instance()->processEvents(QEventLoop::AllEvents));
@@ -183,11 +185,11 @@ TEST_F(QtMainQueueTest, WorkQueuedBeforeTheApplicationExistsWaitsForTheLoop) {
     std::string ran;
     bool done = false;
     queue = std::make_unique<QtMainQueue>();
-    queue->asyncAfter(milliseconds(5), [&] {
+    asyncAfter(*queue, milliseconds(5), [&] {
         ran += "b";
         done = true;
     });
-    queue->async([&] { ran += "a"; });
+    async(*queue, [&] { ran += "a"; });
 
     application.emplace(argumentCount, arguments.data());
     runUntil(done);

@@ -1,6 +1,7 @@
 #include "platform/qt/qt_open_panel.h"
 
 #include "platform/qt/qt_main_queue.h"
+#include "support/main_queue.h"
 #include "support/offscreen_test.h"
 
 #include <QApplication>
@@ -33,7 +34,7 @@ protected:
 
     /// Opens the panel, calls `use` with its dialog and returns the user's choice.
     std::optional<std::string> choose(const std::function<void(QFileDialog&)>& use) {
-        queue.async([&] { use(dynamic_cast<QFileDialog&>(*QApplication::activeModalWidget())); });
+        async(queue, [&] { use(dynamic_cast<QFileDialog&>(*QApplication::activeModalWidget())); });
         return panel.chooseApplication("Ignore");
     }
 

@@ -1,4 +1,5 @@
 #include "platform/sim/sim_desktop.h"
+#include "support/main_queue.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -147,7 +148,7 @@ TEST_F(SimAccessibilityTest, AProgramThatNeverRepliesCostsTheTimeLimit) {
 
 TEST_F(SimAccessibilityTest, NoWorkRunsWhileAReplyIsAwaited) {
     bool ran = false;
-    desktop.mainQueue().asyncAfter(100ms, [&] { ran = true; });
+    asyncAfter(desktop.mainQueue(), 100ms, [&] { ran = true; });
     editor().answerTime = 300ms;
 
     (void)position();

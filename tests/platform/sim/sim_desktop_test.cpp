@@ -1,5 +1,7 @@
 #include "platform/sim/sim_desktop.h"
 
+#include "support/main_queue.h"
+
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -212,7 +214,7 @@ TEST_F(SimDesktopTest, TimeStandsStillUntilItIsAdvanced) {
     const auto start = desktop.mainQueue().now();
     std::vector<MainQueuePort::Duration> ranAt;
     for (const auto delay : {400ms, 30ms, 1000ms})
-        desktop.mainQueue().asyncAfter(delay, [&] { ranAt.push_back(desktop.mainQueue().now() - start); });
+        asyncAfter(desktop.mainQueue(), delay, [&] { ranAt.push_back(desktop.mainQueue().now() - start); });
     EXPECT_EQ(desktop.mainQueue().now(), start);
 
     desktop.advance(400ms);

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "model/call_on_end.h"
 #include "ports/main_queue_port.h"
 
-#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
+#include <map>
+#include <memory>
 #include <utility>
-#include <vector>
 
 namespace tessarel::x11 {
 
@@ -15,20 +17,29 @@ class ManualQueue : public MainQueuePort {
 public:
     [[nodiscard]] TimePoint now() override { return TimePoint::clock::now(); }
 
-    void asyncAfter(Duration /*delay*/, std::function<void()> work) override {
-        m_work.push_back(std::move(work));
+    [[nodiscard]] SubscriptionPtr asyncAfter(Duration /*delay*/, std::function<void()> work) override {
+        const std::uint64_t number = m_next++;
+        m_work->emplace(number, std::move(work));
+        return callOnEnd([weak = std::weak_ptr(m_work), number] {
+            if (const auto pending = weak.lock())
+                pending->erase(number);
+        });
     }
 
-    [[nodiscard]] std::size_t waiting() const { return m_work.size(); }
+    [[nodiscard]] std::size_t waiting() const { return m_work->size(); }
 
     /// Runs the work that is queued now; work that it queues waits for the next call.
     void runTurn() {
-        for (const auto& work : std::exchange(m_work, {}))
-            work();
+        const std::uint64_t end = m_next;
+        while (!m_work->empty() && m_work->begin()->first < end)
+            m_work->extract(m_work->begin()).mapped()();
     }
 
 private:
-    std::vector<std::function<void()>> m_work;
+    using Work = std::map<std::uint64_t, std::function<void()>>;
+
+    std::uint64_t m_next = 0;
+    std::shared_ptr<Work> m_work = std::make_shared<Work>(); // subscriptions hold weak references
 };
 
 } // namespace tessarel::x11

@@ -1,8 +1,9 @@
 #include "platform/qt_x11/overlay/outline_figures.h"
 
-#include "platform/qt/overlay_colors.h"
 #include "platform/qt/overlay_pixels.h"
 #include "platform/qt/overlay_text.h"
+#include "qt_values/color.h"
+#include "qt_values/text.h"
 
 #include <QColor>
 #include <QString>
@@ -70,7 +71,7 @@ QRegion OutlineFigures::hatch(const OverlayFigure& figure) const {
 QRect OutlineFigures::badge(const OverlayFigure& figure) const {
     if (figure.label.text.empty())
         return {};
-    const QString text = QString::fromStdString(figure.label.text);
+    const QString text = toQString(figure.label.text);
     const int height = kBadge * m_line;
     const int needed = QFontMetrics(labelFont(figure.label, m_scale)).horizontalAdvance(text) + height / 3;
     QRect rect(0, 0, std::max(height, needed), height);
@@ -110,7 +111,7 @@ void OutlineFigures::paintBadge(QPainter& painter, const OverlayFigure& figure) 
     painter.fillRect(inset(rect, m_line), QColor(figure.highlighted ? kAccent : kDark));
     painter.setPen(Qt::white);
     painter.setFont(labelFont(figure.label, m_scale));
-    painter.drawText(rect, Qt::AlignCenter, QString::fromStdString(figure.label.text));
+    painter.drawText(rect, Qt::AlignCenter, toQString(figure.label.text));
 }
 
 } // namespace tessarel::qt

@@ -7,12 +7,9 @@
 namespace tessarel::qt {
 
 X11OverlayWindow::X11OverlayWindow(MainQueuePort& queue, Conversion desktopPixels)
-    : m_queue(queue), m_desktopPixels(std::move(desktopPixels)),
-      m_self(std::make_shared<X11OverlayWindow*>(this)) {}
+    : m_queue(queue), m_desktopPixels(std::move(desktopPixels)) {}
 
-X11OverlayWindow::~X11OverlayWindow() {
-    *m_self = nullptr;
-}
+X11OverlayWindow::~X11OverlayWindow() = default;
 
 void X11OverlayWindow::setFrame(const Rect& screenFrame) {
     m_frame = pixels(m_desktopPixels(screenFrame));
@@ -41,6 +38,7 @@ void X11OverlayWindow::orderFront() {
         return;
     }
     m_isFront = true;
+    m_scheduledRelease.reset();
     useSurface(fittingKind());
 }
 
@@ -50,9 +48,10 @@ void X11OverlayWindow::orderOut() {
     m_isFront = false;
     m_changed = {};
     m_surface->hide();
-    m_quietSince = m_queue.now();
-    if (!m_releaseScheduled)
-        scheduleRelease(kQuietTime);
+    m_scheduledRelease = m_queue.asyncAfter(kQuietTime, [this] {
+        m_surface.reset();
+        m_compositor.reset();
+    });
 }
 
 /// Returns the look that the desktop supports now.
@@ -97,49 +96,21 @@ QRegion X11OverlayWindow::extents(const std::vector<Rect>& areas) {
 /// Repaints at once or, if the last repaint was less than `kRepaintInterval` ago, at the end of that
 /// interval.
 void X11OverlayWindow::scheduleRepaint() {
-    if (m_repaintScheduled)
+    if (m_scheduledRepaint)
         return;
     if (const auto wait = m_nextRepaint - m_queue.now(); wait > MainQueuePort::Duration::zero()) {
-        m_repaintScheduled = true;
-        later(wait, &X11OverlayWindow::repaint);
+        m_scheduledRepaint = m_queue.asyncAfter(wait, [this] { repaint(); });
         return;
     }
     repaint();
 }
 
 void X11OverlayWindow::repaint() {
-    m_repaintScheduled = false;
+    m_scheduledRepaint.reset();
     if (!m_isFront)
         return;
     m_surface->repaintPixels(std::exchange(m_changed, {}));
     m_nextRepaint = m_queue.now() + kRepaintInterval;
-}
-
-void X11OverlayWindow::scheduleRelease(MainQueuePort::Duration delay) {
-    m_releaseScheduled = true;
-    later(delay, &X11OverlayWindow::releaseIfQuiet);
-}
-
-/// Frees the widget and the compositor watch if the window has been hidden for `kQuietTime`. If it was shown
-/// in between and hidden again, schedules another check.
-void X11OverlayWindow::releaseIfQuiet() {
-    m_releaseScheduled = false;
-    if (m_isFront)
-        return;
-    if (const auto left = m_quietSince + kQuietTime - m_queue.now(); left > MainQueuePort::Duration::zero()) {
-        scheduleRelease(left);
-        return;
-    }
-    m_surface.reset();
-    m_compositor.reset();
-}
-
-/// Calls `work` on the main queue after `delay`, unless this object has been destroyed by then.
-void X11OverlayWindow::later(MainQueuePort::Duration delay, void (X11OverlayWindow::*work)()) {
-    m_queue.asyncAfter(delay, [self = m_self, work] {
-        if (*self)
-            (*self->*work)();
-    });
 }
 
 } // namespace tessarel::qt

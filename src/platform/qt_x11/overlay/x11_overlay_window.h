@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/subscription.h"
 #include "platform/qt_x11/overlay/compositor_watch.h"
 #include "platform/qt_x11/overlay/x11_overlay_widget.h"
 #include "ports/main_queue_port.h"
@@ -45,9 +46,6 @@ private:
     [[nodiscard]] QRegion extents(const std::vector<Rect>& areas);
     void scheduleRepaint();
     void repaint();
-    void scheduleRelease(MainQueuePort::Duration delay);
-    void releaseIfQuiet();
-    void later(MainQueuePort::Duration delay, void (X11OverlayWindow::*work)());
 
     MainQueuePort& m_queue;
     Conversion m_desktopPixels;
@@ -58,10 +56,8 @@ private:
     bool m_isFront = false;
     QRegion m_changed; // pixels of the window that are due for a repaint
     MainQueuePort::TimePoint m_nextRepaint{};
-    bool m_repaintScheduled = false;
-    MainQueuePort::TimePoint m_quietSince{};
-    bool m_releaseScheduled = false;
-    std::shared_ptr<X11OverlayWindow*> m_self; // for tasks on the main queue, which may outlive this object
+    SubscriptionPtr m_scheduledRepaint; // null when none is pending
+    SubscriptionPtr m_scheduledRelease; // frees the widget after the quiet time; cancelled by a show
 };
 
 } // namespace tessarel::qt

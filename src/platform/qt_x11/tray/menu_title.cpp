@@ -1,5 +1,7 @@
 #include "platform/qt_x11/tray/menu_title.h"
 
+#include "qt_values/text.h"
+
 #include <QChar>
 #include <QList>
 
@@ -87,14 +89,14 @@ QString shortened(QString text, const QFontMetrics& metrics) {
 } // namespace
 
 QString oneLine(std::string_view title, const QFontMetrics& metrics) {
-    QString text = QString::fromUtf8(title.data(), static_cast<qsizetype>(title.size()));
+    QString text = toQString(title);
     std::ranges::replace_if(text, isLineBreakOrControl, QChar(u' '));
     text = shortened(std::move(text), metrics);
     return reorders(text) ? isolated(text) : text;
 }
 
 QString forWidget(QString line) {
-    return line.replace(QChar(u'&'), QStringLiteral("&&"));
+    return withoutMnemonics(std::move(line));
 }
 
 QString forPanel(QString line) {

@@ -1,6 +1,7 @@
 #include "platform/qt_x11/tray/menu_view.h"
 
 #include "platform/qt_x11/tray/menu_title.h"
+#include "qt_values/text.h"
 
 #include <QAction>
 #include <QKeyEvent>
@@ -17,7 +18,7 @@ namespace {
 void setKeyEquivalent(QAction& action, const std::string& key) {
     if (key.empty())
         return;
-    action.setShortcut(QKeySequence(QStringLiteral("Ctrl+") + QString::fromStdString(key)));
+    action.setShortcut(QKeySequence(QStringLiteral("Ctrl+") + toQString(key)));
     action.setShortcutContext(Qt::WidgetShortcut); // not active while the menu is closed
     action.setShortcutVisibleInContextMenu(true);
 }

@@ -1,8 +1,11 @@
 #include "platform/qt_x11/tray/qt_status_item.h"
 
+#include "model/call_on_end.h"
 #include "platform/qt_x11/tray/menu_view.h"
 #include "platform/qt_x11/tray/status_symbols.h"
 #include "platform/qt_x11/tray/tray_watch.h"
+#include "ports/deferred_work.h"
+#include "qt_values/text.h"
 
 #include <QCursor>
 #include <QIcon>
@@ -12,7 +15,9 @@
 #include <QSystemTrayIcon>
 
 #include <chrono>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace tessarel::qt {
@@ -25,19 +30,14 @@ namespace {
 constexpr int kLooks = 15;
 constexpr std::chrono::seconds kBetweenLooks{2};
 
-QString toQString(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 } // namespace
 
 /// One created status item: its content, and its icon once a panel has a place for it.
-class QtStatusItem::Item : public std::enable_shared_from_this<Item> {
+class QtStatusItem::Item {
 public:
-    Item(MainQueuePort& queue, Delegate delegate) : m_queue(queue), m_delegate(std::move(delegate)) {}
-
-    /// Schedules the first look for a place. The object must be owned by a shared pointer already.
-    void appearInTheLoop() { later(&Item::appear); }
+    Item(MainQueuePort& queue, Delegate delegate) : m_delegate(std::move(delegate)), m_later(queue) {
+        m_later.async([this] { appear(); });
+    }
 
     void setSymbol(std::string_view name, std::string_view description) {
         m_symbol = name;
@@ -59,17 +59,9 @@ public:
     }
 
 private:
-    /// Calls `work` on the main queue after `delay`, unless the item has been destroyed by then.
-    void later(void (Item::*work)(), MainQueuePort::Duration delay = {}) {
-        m_queue.asyncAfter(delay, [work, weak = weak_from_this()] {
-            if (const auto self = weak.lock())
-                (self.get()->*work)();
-        });
-    }
-
     void appear() {
         m_menu = makeMenu(MenuView::DrawnBy::Qt);
-        m_watch = std::make_unique<TrayWatch>([this] { later(&Item::lookAfterSign); });
+        m_watch = std::make_unique<TrayWatch>([this] { m_later.async([this] { lookAfterSign(); }); });
         lookAfterSign();
     }
 
@@ -94,7 +86,7 @@ private:
     void look() {
         m_looksLeft = settle() ? m_looksLeft - 1 : 0;
         if (m_looksLeft > 0)
-            later(&Item::look, kBetweenLooks);
+            m_later.asyncAfter(kBetweenLooks, [this] { look(); });
     }
 
     /// Shows the icon if there is a place for it. Returns true when a place is expected and has to be queried
@@ -114,7 +106,7 @@ private:
                          [this](QSystemTrayIcon::ActivationReason reason) { activated(reason); });
         if (place == TrayWatch::Place::StatusNotifierHost)
             handMenuToPanel();
-        later(&Item::stopWatching);
+        m_later.async([this] { stopWatching(); });
         refresh();
     }
 
@@ -125,18 +117,14 @@ private:
         m_panelMenu = makeMenu(MenuView::DrawnBy::Panel);
         m_icon->setContextMenu(&m_panelMenu->widget());
         // Some panels do not offer a menu that was empty when they first read it.
-        later(&Item::fillPanelMenu);
+        m_later.async([this] { fill(*m_panelMenu); });
     }
-
-    void fillPanelMenu() { fill(*m_panelMenu); }
 
     void fill(MenuView& menu) { menu.show(m_delegate.menuNeedsUpdate()); }
 
     void choose(const MenuItem& row) {
-        m_queue.async([row, weak = weak_from_this()] {
-            if (const auto self = weak.lock())
-                self->m_delegate.itemSelected(row);
-        });
+        // The callback is copied, because it may destroy this item.
+        m_later.async([row, itemSelected = m_delegate.itemSelected] { itemSelected(row); });
     }
 
     /// Opens the menu for either mouse button. A panel that draws the menu itself does not report the second
@@ -161,7 +149,6 @@ private:
         m_icon->setVisible(!icon.isNull());
     }
 
-    MainQueuePort& m_queue;
     Delegate m_delegate;
     std::string m_symbol;
     QString m_description;
@@ -171,15 +158,8 @@ private:
     std::unique_ptr<TrayWatch> m_watch; // only while there is no icon
     std::unique_ptr<MenuView> m_menu;
     std::unique_ptr<MenuView> m_panelMenu;   // only where the panel draws the menu
-    std::unique_ptr<QSystemTrayIcon> m_icon; // declared last, to be destroyed before the menus
-};
-
-class QtStatusItem::ItemSubscription : public Subscription {
-public:
-    explicit ItemSubscription(std::shared_ptr<Item> item) : m_item(std::move(item)) {}
-
-private:
-    std::shared_ptr<Item> m_item;
+    std::unique_ptr<QSystemTrayIcon> m_icon; // declared after the menus, to be destroyed before them
+    DeferredWork m_later;
 };
 
 QtStatusItem::QtStatusItem(MainQueuePort& queue) : m_queue(queue) {}
@@ -188,9 +168,8 @@ QtStatusItem::~QtStatusItem() = default;
 
 SubscriptionPtr QtStatusItem::create(Delegate delegate) {
     auto item = std::make_shared<Item>(m_queue, std::move(delegate));
-    item->appearInTheLoop();
     m_item = item;
-    return std::make_unique<ItemSubscription>(std::move(item));
+    return callOnEnd([item = std::move(item)] {}); // owns the item
 }
 
 bool QtStatusItem::setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) {

@@ -34,7 +34,6 @@ public:
 
 private:
     class Item;
-    class ItemSubscription;
 
     MainQueuePort& m_queue;
     std::weak_ptr<Item> m_item;

@@ -1,5 +1,6 @@
 #include "platform/x11/input/hot_keys.h"
 
+#include "model/call_on_end.h"
 #include "platform/x11/input/keycode_table.h"
 #include "platform/x11/input/lock_modifiers.h"
 #include "platform/x11/input/modifier_flags.h"
@@ -30,36 +31,18 @@ void forEachSubset(std::uint16_t mask, Use use) {
 
 } // namespace
 
-/// Releases one grab on destruction. Refers to it by serial number, because the grab may be refused or
-/// released before the claim ends.
-class X11HotKeys::Claim : public Subscription {
-public:
-    Claim(std::shared_ptr<X11HotKeys*> hotKeys, std::size_t serial)
-        : m_hotKeys(std::move(hotKeys)), m_serial(serial) {}
-    ~Claim() override {
-        if (*m_hotKeys)
-            (*m_hotKeys)->releaseClaim(m_serial);
-    }
-
-private:
-    std::shared_ptr<X11HotKeys*> m_hotKeys;
-    std::size_t m_serial;
-};
-
 X11HotKeys::X11HotKeys(Connection& connection)
     : m_connection(connection), m_keyboard(connection), m_locks(ignoredLocks(connection)),
-      m_self(std::make_shared<X11HotKeys*>(this)),
       m_events(connection.onEvent([this](const Connection::Event& event) { handle(event); })) {}
 
 X11HotKeys::~X11HotKeys() {
-    *m_self = nullptr;
     for (const Grab& grab : m_grabs)
         release(grab);
     m_connection.flush();
 }
 
 SubscriptionPtr X11HotKeys::installHandler(std::function<void(std::uint32_t id)> pressed) {
-    return m_handlers.add(std::move(pressed));
+    return m_handlers.connect(std::move(pressed));
 }
 
 std::vector<SubscriptionPtr> X11HotKeys::registerHotKeys(std::span<const HotKeyRequest> requests) {
@@ -80,8 +63,17 @@ std::vector<SubscriptionPtr> X11HotKeys::registerHotKeys(std::span<const HotKeyR
     std::vector<SubscriptionPtr> claims;
     claims.reserve(serials.size());
     for (const auto& serial : serials)
-        claims.push_back(serial && holds(*serial) ? std::make_unique<Claim>(m_self, *serial) : nullptr);
+        claims.push_back(serial && holds(*serial) ? claim(*serial) : nullptr);
     return claims;
+}
+
+/// Returns a claim, which releases its grab on destruction. It refers to the grab by serial number, because
+/// the grab may be released before the claim ends.
+SubscriptionPtr X11HotKeys::claim(std::size_t serial) {
+    return callOnEnd([this, alive = m_lifetime.watch(), serial] {
+        if (!alive.expired())
+            releaseClaim(serial);
+    });
 }
 
 std::optional<X11HotKeys::Combination> X11HotKeys::combination(const HotKeyRequest& request) {
@@ -163,7 +155,7 @@ void X11HotKeys::handlePress(const xcb_key_press_event_t& press) {
     const Combination pressed{press.detail, static_cast<std::uint16_t>(press.state & kAllModifiers)};
     const auto grab = std::ranges::find(m_grabs, pressed, &Grab::combination);
     if (grab != m_grabs.end())
-        m_handlers.call(grab->id);
+        m_handlers.send(grab->id);
 }
 
 /// Grabs are on keycodes, which a new mapping does not move. The lock keys may have moved to other modifiers,

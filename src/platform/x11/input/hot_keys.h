@@ -1,9 +1,10 @@
 #pragma once
 
+#include "model/lifetime.h"
+#include "model/signal.h"
 #include "model/subscription.h"
 #include "platform/x11/input/repeat_filter.h"
 #include "platform/x11/input/xkb_keyboard.h"
-#include "platform/x11/server/callback_list.h"
 #include "platform/x11/server/connection.h"
 #include "ports/hot_key_port.h"
 
@@ -12,7 +13,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <span>
 #include <vector>
@@ -44,8 +44,6 @@ public:
     registerHotKeys(std::span<const HotKeyRequest> requests) override;
 
 private:
-    class Claim;
-
     /// A key with the modifiers that have to be held, without the lock modifiers.
     struct Combination {
         xcb_keycode_t keycode = 0;
@@ -65,6 +63,7 @@ private:
     [[nodiscard]] bool holds(const Combination& combination) const;
     [[nodiscard]] bool holds(std::size_t serial) const;
 
+    [[nodiscard]] SubscriptionPtr claim(std::size_t serial);
     void acquire(std::size_t first);
     void send(const Grab& grab, std::vector<xcb_void_cookie_t>& cookies);
     void release(const Grab& grab);
@@ -80,8 +79,8 @@ private:
     std::vector<Grab> m_grabs;
     std::size_t m_nextSerial = 0;
     RepeatFilter m_keysDown;
-    CallbackList<std::uint32_t> m_handlers;
-    std::shared_ptr<X11HotKeys*> m_self; // shared with claims, which may outlive this object
+    Signal<std::uint32_t> m_handlers;
+    Lifetime m_lifetime; // watched by claims, which may outlive this object
     SubscriptionPtr m_events;
 };
 

@@ -1,7 +1,5 @@
 #include "platform/x11/input/modifier_flags.h"
 
-#include "model/binding.h"
-
 #include <xcb/xproto.h>
 
 #include <array>
@@ -14,14 +12,13 @@ namespace {
 struct Modifier {
     std::uint16_t mask;
     ModifierFlags flag;
-    std::uint32_t binding;
 };
 
 constexpr std::array kModifierTable = std::to_array<Modifier>({
-    {XCB_MOD_MASK_SHIFT, kShiftFlag, kShiftKey},
-    {XCB_MOD_MASK_CONTROL, kControlFlag, kCtrlKey},
-    {XCB_MOD_MASK_1, kOptionFlag, kOptKey},
-    {XCB_MOD_MASK_4, kCommandFlag, kCmdKey},
+    {XCB_MOD_MASK_SHIFT, kShiftFlag},
+    {XCB_MOD_MASK_CONTROL, kControlFlag},
+    {XCB_MOD_MASK_1, kOptionFlag},
+    {XCB_MOD_MASK_4, kCommandFlag},
 });
 
 static_assert(kAllModifiers == (XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4));
@@ -36,14 +33,13 @@ ModifierFlags modifierFlags(std::uint32_t state) {
 }
 
 std::optional<std::uint16_t> modifierMask(std::uint32_t mods) {
+    const ModifierFlags flags = tessarel::modifierFlags(mods);
+    if (carbonMods(flags) != mods)
+        return std::nullopt;
     std::uint16_t mask = 0;
-    for (const Modifier& modifier : kModifierTable) {
-        if ((mods & modifier.binding) == 0)
-            continue;
-        mods &= ~modifier.binding;
-        mask |= modifier.mask;
-    }
-    return mods == 0 ? std::optional(mask) : std::nullopt;
+    for (const Modifier& modifier : kModifierTable)
+        mask |= (flags & modifier.flag) != 0 ? modifier.mask : std::uint16_t{0};
+    return mask;
 }
 
 } // namespace tessarel::x11

@@ -1,5 +1,6 @@
 #include "platform/x11/input/mouse.h"
 
+#include "model/call_on_end.h"
 #include "platform/x11/displays/conversions.h"
 #include "platform/x11/input/modifier_flags.h"
 #include "platform/x11/windows/window_at_point.h"
@@ -7,6 +8,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <memory>
 #include <unistd.h>
 #include <utility>
 
@@ -35,32 +37,12 @@ Point rootPoint(const xcb_query_pointer_reply_t& pointer) {
 
 } // namespace
 
-/// Removes its handler on destruction and, if it was the last one, deselects the raw events.
-class X11Mouse::Monitor : public Subscription {
-public:
-    Monitor(std::shared_ptr<X11Mouse*> mouse, SubscriptionPtr handler)
-        : m_mouse(std::move(mouse)), m_handler(std::move(handler)) {}
-    ~Monitor() override {
-        m_handler.reset();
-        if (X11Mouse* const mouse = *m_mouse) {
-            --mouse->m_monitorCount;
-            mouse->updateSelection();
-        }
-    }
-
-private:
-    std::shared_ptr<X11Mouse*> m_mouse;
-    SubscriptionPtr m_handler;
-};
-
 X11Mouse::X11Mouse(Connection& connection, Monitors& monitors, ClientWindows& windows, MainQueuePort& queue)
     : m_connection(connection), m_monitors(monitors), m_windows(windows), m_queue(queue), m_raw(connection),
-      m_self(std::make_shared<X11Mouse*>(this)),
       m_observer(connection.onRead([this](const Connection::Event& event) { noteRead(event); })),
       m_events(connection.onEvent([this](const Connection::Event& event) { hear(event); })) {}
 
 X11Mouse::~X11Mouse() {
-    *m_self = nullptr;
     m_raw.select(RawMouse::Selection::Nothing);
     m_connection.flush();
 }
@@ -69,23 +51,30 @@ SubscriptionPtr X11Mouse::addGlobalMonitor(MouseEventKind kind,
                                            std::function<void(const MouseEvent&)> handler) {
     if (!m_raw.isAvailable())
         return nullptr;
-    ++m_monitorCount;
+    auto connection = m_handlers[static_cast<std::size_t>(kind)].connect(std::move(handler));
     updateSelection();
-    return std::make_unique<Monitor>(m_self,
-                                     m_handlers[static_cast<std::size_t>(kind)].add(std::move(handler)));
+    return callOnEnd([this, alive = m_lifetime.watch(),
+                      connected = std::shared_ptr<Subscription>(std::move(connection))]() mutable {
+        connected.reset();
+        if (!alive.expired())
+            updateSelection();
+    });
+}
+
+bool X11Mouse::isMonitored() const {
+    return std::ranges::any_of(m_handlers, [](const auto& handlers) { return handlers.connections() > 0; });
 }
 
 /// Selects the raw events that are needed now. When the last monitor goes, drops the drag in progress: there
 /// is no handler left for its release.
 void X11Mouse::updateSelection() {
-    if (m_monitorCount == 0) {
+    if (!isMonitored()) {
         m_held.reset();
-        m_releaseIsNear = false;
         m_news = {};
     }
-    m_raw.select(m_monitorCount == 0 ? RawMouse::Selection::Nothing
-                 : m_held            ? RawMouse::Selection::Everything
-                                     : RawMouse::Selection::Presses);
+    m_raw.select(!isMonitored() ? RawMouse::Selection::Nothing
+                 : m_held       ? RawMouse::Selection::Everything
+                                : RawMouse::Selection::Presses);
     m_connection.flush();
 }
 
@@ -96,7 +85,8 @@ void X11Mouse::noteRead(const Connection::Event& event) {
         return;
     ++m_unheard;
     m_hasMore |= m_isLooking;
-    m_releaseIsNear |= raw->kind == RawMouseKind::Release && raw->button == m_held;
+    if (m_held && raw->kind == RawMouseKind::Release && raw->button == m_held->button)
+        m_held->isReleaseRead = true;
 }
 
 /// Merges a delivered raw event into `m_news` and queries the pointer after the last event of a batch.
@@ -134,27 +124,25 @@ void X11Mouse::notePress(std::uint32_t button) {
 
 /// Drops a press that is over before the query; its button is up again.
 void X11Mouse::noteRelease(std::uint32_t button) {
-    if (button == m_held) {
+    if (m_held && button == m_held->button) {
         m_news.heldReleased = true;
-        m_releaseIsNear = false;
+        m_held->isReleaseRead = false;
     }
     std::erase(m_news.presses, button);
 }
 
 void X11Mouse::lookLater(MainQueuePort::Duration delay) {
-    if (std::exchange(m_lookScheduled, true))
+    if (m_scheduledLook)
         return;
-    m_queue.asyncAfter(delay, [self = m_self] {
-        if (X11Mouse* const mouse = *self) {
-            mouse->m_lookScheduled = false;
-            mouse->look();
-        }
+    m_scheduledLook = m_queue.asyncAfter(delay, [this] {
+        m_scheduledLook.reset();
+        look();
     });
 }
 
 /// Queries the pointer and delivers the events that result from it and from `m_news`.
 void X11Mouse::look() {
-    if (m_monitorCount == 0 || !m_news.any() || m_isLooking)
+    if (!isMonitored() || !m_news.any() || m_isLooking)
         return;
     // Selected before the query, so that no release is lost between its reply and the selection.
     if (!m_news.presses.empty())
@@ -163,12 +151,12 @@ void X11Mouse::look() {
     m_isLooking = true;
     const auto pointer = m_connection.reply<xcb_query_pointer_reply>(
         xcb_query_pointer(m_connection.xcbWithoutTurn(), m_connection.root()));
-    const auto self = m_self; // a handler may destroy this object
+    const auto alive = m_lifetime.watch();
     if (pointer && m_held)
         follow(news, *pointer);
     else if (pointer)
         takePress(news, *pointer);
-    if (!*self)
+    if (alive.expired())
         return;
     m_isLooking = false;
     updateSelection();
@@ -188,9 +176,8 @@ void X11Mouse::takePress(const News& news, const xcb_query_pointer_reply_t& poin
         return;
     }
     const bool isFirst = std::ranges::find(news.presses, 1U) != news.presses.end();
-    m_held = isFirst ? 1U : news.presses.front();
-    m_isOurs = isOverOwnWindow(pointer);
-    deliver(MouseEventKind::LeftDown, rootPoint(pointer), modifierFlags(pointer.mask));
+    m_held = {.button = isFirst ? 1U : news.presses.front(), .isOurs = isOverOwnWindow(pointer)};
+    report(MouseEventKind::LeftDown, rootPoint(pointer), modifierFlags(pointer.mask));
 }
 
 /// Puts the presses back and schedules another query.
@@ -207,45 +194,53 @@ void X11Mouse::keepInMind(const std::vector<std::uint32_t>& presses) {
 
 /// Delivers the movement and the release of the held button.
 void X11Mouse::follow(const News& news, const xcb_query_pointer_reply_t& pointer) {
-    const auto self = m_self;
+    const auto alive = m_lifetime.watch();
     const bool isDown = isLeftDown(pointer);
-    if (!isDown && !news.heldReleased && m_releaseIsNear) {
+    if (!isDown && !news.heldReleased && m_held->isReleaseRead) {
         m_news = news; // the release was read but is still queued; handle everything together with it
         return;
     }
-    const bool isPressedAgain = std::ranges::find(news.presses, *m_held) != news.presses.end();
+    const bool isPressedAgain = std::ranges::find(news.presses, m_held->button) != news.presses.end();
     // If no key event preceded the release, the modifiers at the release are those of the last event; the
     // mask in the reply may already show a later change.
     const ModifierFlags modifiers =
-        news.heldReleased && !news.typed ? m_lastModifiers : modifierFlags(pointer.mask);
+        news.heldReleased && !news.typed ? m_held->lastModifiers : modifierFlags(pointer.mask);
     // Compares the position too: when a client warps the pointer, the server sends no raw motion.
-    const bool hasMoved = news.moved || rootPoint(pointer) != m_lastPlace || modifiers != m_lastModifiers;
+    const bool hasMoved =
+        news.moved || rootPoint(pointer) != m_held->lastRootPoint || modifiers != m_held->lastModifiers;
     // When the release event was lost, it is unknown where it happened: do not report a drag to this
     // position.
     if (hasMoved && !isPressedAgain && (isDown || news.heldReleased))
-        deliver(MouseEventKind::LeftDragged, rootPoint(pointer), modifiers);
+        report(MouseEventKind::LeftDragged, rootPoint(pointer), modifiers);
     // Trusts the release event over the mask: while a window manager's grab freezes the pointer, the mask
     // still shows the button as down.
-    if (*self && (!isDown || news.heldReleased)) {
-        m_held.reset();
-        m_releaseIsNear = false;
-        deliver(MouseEventKind::LeftUp, rootPoint(pointer), modifiers);
+    const bool isOver = !isDown || news.heldReleased;
+    if (!alive.expired() && m_held && isOver) { // `m_held` is empty if a handler has removed the last monitor
+        const bool isOurs = std::exchange(m_held, std::nullopt)->isOurs;
+        if (!isOurs)
+            deliver(MouseEventKind::LeftUp, rootPoint(pointer), modifiers);
     }
-    if (*self && isPressedAgain)
+    if (!alive.expired() && isPressedAgain)
         takePress(news, pointer);
 }
 
-/// Calls the handlers with an event in screen coordinates, unless the press was over a window of this
-/// program.
-void X11Mouse::deliver(MouseEventKind kind, const Point& rootPoint, ModifierFlags modifiers) {
-    if (m_isOurs || m_monitors.all().empty())
+/// Delivers an event of the held button, unless the press was over a window of this program.
+void X11Mouse::report(MouseEventKind kind, const Point& rootPoint, ModifierFlags modifiers) {
+    if (m_held->isOurs)
         return;
-    m_lastPlace = rootPoint;
-    m_lastModifiers = modifiers;
+    m_held->lastRootPoint = rootPoint;
+    m_held->lastModifiers = modifiers;
+    deliver(kind, rootPoint, modifiers);
+}
+
+/// Calls the handlers with an event in screen coordinates.
+void X11Mouse::deliver(MouseEventKind kind, const Point& rootPoint, ModifierFlags modifiers) {
+    if (m_monitors.all().empty())
+        return;
     const Rect primary = m_monitors.all().front().rootFrame;
     const MouseEvent event{kind, screenFromRoot({rootPoint.x, rootPoint.y, 0, 0}, primary).origin(),
                            modifiers};
-    m_handlers[static_cast<std::size_t>(kind)].call(event);
+    m_handlers[static_cast<std::size_t>(kind)].send(event);
 }
 
 /// Returns whether the pointer is over a window of this program.

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "model/carbon_mods.h"
+#include "model/lifetime.h"
+#include "model/signal.h"
+#include "model/subscription.h"
 #include "platform/x11/displays/monitors.h"
 #include "platform/x11/input/raw_mouse.h"
-#include "platform/x11/server/callback_list.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/client_windows.h"
 #include "ports/main_queue_port.h"
@@ -13,7 +15,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -43,8 +44,6 @@ public:
                                                    std::function<void(const MouseEvent&)> handler) override;
 
 private:
-    class Monitor;
-
     /// The raw events since the last query, merged.
     struct News {
         std::vector<std::uint32_t> presses; ///< physical buttons, in the order of the presses
@@ -55,6 +54,16 @@ private:
         [[nodiscard]] bool any() const { return !presses.empty() || heldReleased || moved || typed; }
     };
 
+    /// The state of the left button while it is down.
+    struct Held {
+        std::uint32_t button = 0;        ///< the physical button that acts as the left one
+        bool isOurs = false;             ///< the press was over a window of this program
+        bool isReleaseRead = false;      ///< the release has been read but not delivered yet
+        Point lastRootPoint = {};        ///< pointer at the last delivered event, in root coordinates
+        ModifierFlags lastModifiers = 0; ///< modifiers at the last delivered event
+    };
+
+    [[nodiscard]] bool isMonitored() const;
     void note(const RawMouseEvent& event);
     void notePress(std::uint32_t button);
     void noteRelease(std::uint32_t button);
@@ -65,6 +74,7 @@ private:
     void takePress(const News& news, const xcb_query_pointer_reply_t& pointer);
     void keepInMind(const std::vector<std::uint32_t>& presses);
     void follow(const News& news, const xcb_query_pointer_reply_t& pointer);
+    void report(MouseEventKind kind, const Point& rootPoint, ModifierFlags modifiers);
     void deliver(MouseEventKind kind, const Point& rootPoint, ModifierFlags modifiers);
     [[nodiscard]] bool isOverOwnWindow(const xcb_query_pointer_reply_t& pointer);
     void updateSelection();
@@ -74,21 +84,16 @@ private:
     ClientWindows& m_windows;
     MainQueuePort& m_queue;
     RawMouse m_raw;
-    std::array<CallbackList<const MouseEvent&>, 3> m_handlers; ///< by kind
-    int m_monitorCount = 0;
+    std::array<Signal<const MouseEvent&>, 3> m_handlers; ///< by kind
 
-    std::optional<std::uint32_t> m_held; ///< the physical button that acts as the left one, while it is down
-    bool m_isOurs = false;               ///< the press was over a window of this program
-    Point m_lastPlace;                   ///< pointer at the last delivered event, in root coordinates
-    ModifierFlags m_lastModifiers = 0;   ///< modifiers at the last delivered event
-    bool m_releaseIsNear = false;        ///< the release of `m_held` has been read but not delivered yet
+    std::optional<Held> m_held; ///< empty while the left button is up
     News m_news;
-    int m_looksLeft = 0;       ///< retries left for a press that the button mask does not show yet
-    std::size_t m_unheard = 0; ///< raw events that were read but not delivered yet
-    bool m_isLooking = false;  ///< a query is in progress
-    bool m_hasMore = false;    ///< raw events were read while a query was in progress
-    bool m_lookScheduled = false;
-    std::shared_ptr<X11Mouse*> m_self; // shared with monitors and tasks, which may outlive this object
+    int m_looksLeft = 0;             ///< retries left for a press that the button mask does not show yet
+    std::size_t m_unheard = 0;       ///< raw events that were read but not delivered yet
+    bool m_isLooking = false;        ///< a query is in progress
+    bool m_hasMore = false;          ///< raw events were read while a query was in progress
+    SubscriptionPtr m_scheduledLook; ///< null when none is pending
+    Lifetime m_lifetime;
     SubscriptionPtr m_observer;
     SubscriptionPtr m_events;
 };

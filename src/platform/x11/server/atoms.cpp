@@ -3,7 +3,6 @@
 #include "platform/x11/server/reply.h"
 
 #include <cstdint>
-#include <string_view>
 
 namespace tessarel::x11 {
 
@@ -57,6 +56,10 @@ constexpr std::array<std::string_view, kCount> kNames = {
 static_assert(!kNames.back().empty(), "every atom has a name");
 
 } // namespace
+
+std::string_view nameOf(Atom atom) {
+    return kNames[static_cast<std::size_t>(atom)];
+}
 
 Atoms::Atoms(xcb_connection_t* xcb) {
     // All requests go out before the first reply is read, which makes this one round trip instead of one

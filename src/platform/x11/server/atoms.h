@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <string_view>
 
 namespace tessarel::x11 {
 
@@ -53,6 +54,9 @@ enum class Atom : std::size_t {
     Utf8String,
     kCount
 };
+
+/// Returns the name of the atom on the X server, such as `_NET_WM_PID`.
+[[nodiscard]] std::string_view nameOf(Atom atom);
 
 /// The server's atom for every `Atom`.
 class Atoms {

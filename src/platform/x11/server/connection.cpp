@@ -54,11 +54,9 @@ Connection::Opened Connection::open(const char* displayName, MainQueuePort& queu
 
 Connection::Connection(xcb_connection_t* xcb, int screenNumber, MainQueuePort& queue)
     : m_xcb(xcb), m_queue(queue), m_screenNumber(screenNumber), m_screen(screenOf(xcb, screenNumber)),
-      m_atoms(xcb), m_extensions(Extensions::query(xcb)), m_self(std::make_shared<Connection*>(this)) {}
+      m_atoms(xcb), m_extensions(Extensions::query(xcb)) {}
 
-Connection::~Connection() {
-    *m_self = nullptr;
-}
+Connection::~Connection() = default;
 
 xcb_connection_t* Connection::xcb() {
     beginTurn();
@@ -125,7 +123,7 @@ void Connection::dispatch() {
         endTurn(); // values cached before this event may be out of date
         const Reply<Event> event = std::move(m_events.front());
         m_events.pop_front();
-        m_handlers.call(*event);
+        m_handlers.send(*event);
         endTurn();
     }
     if (isLost())
@@ -154,7 +152,7 @@ bool Connection::take(Reply<Event> event, const std::function<bool(const Event&)
     constexpr std::uint8_t kError = 0;
     if (event->response_type == kError)
         return false; // from an unchecked request, usually because its window is gone
-    m_observers.call(*event);
+    m_observers.send(*event);
     if (isExpected && isExpected(*event))
         return true;
     m_events.push_back(std::move(event));
@@ -176,28 +174,21 @@ void Connection::comeBackForTheRest() {
 }
 
 void Connection::scheduleDispatch() {
-    if (m_dispatchScheduled || m_lossReported)
+    if (m_scheduledDispatch || m_lossReported)
         return;
-    m_dispatchScheduled = true;
-    m_queue.async([self = m_self] {
-        if (Connection* const connection = *self) {
-            connection->m_dispatchScheduled = false;
-            connection->dispatch();
-        }
+    m_scheduledDispatch = m_queue.async([this] {
+        m_scheduledDispatch.reset();
+        dispatch();
     });
 }
 
-/// Posts the end of the turn to the main queue, for turns that no event brings to an end. Capturing `m_self`
-/// keeps the task valid after the connection has been destroyed.
+/// Posts the end of the turn to the main queue, for turns that no event brings to an end.
 void Connection::scheduleEndTurn() {
-    if (m_endTurnScheduled)
+    if (m_scheduledEndTurn)
         return;
-    m_endTurnScheduled = true;
-    m_queue.async([self = m_self] {
-        if (Connection* const connection = *self) {
-            connection->m_endTurnScheduled = false;
-            connection->endTurn();
-        }
+    m_scheduledEndTurn = m_queue.async([this] {
+        m_scheduledEndTurn.reset();
+        endTurn();
     });
 }
 
@@ -207,7 +198,7 @@ void Connection::endTurn() {
     if (!m_turnOpen || m_endingTurn)
         return;
     m_endingTurn = true;
-    m_endTurnHooks.call();
+    m_endTurnHooks.send();
     flush();
     m_turnOpen = false;
     m_endingTurn = false;
@@ -217,23 +208,23 @@ void Connection::endTurn() {
 void Connection::reportLoss() {
     if (std::exchange(m_lossReported, true))
         return;
-    m_lossHandlers.call();
+    m_lossHandlers.send();
 }
 
 SubscriptionPtr Connection::onEvent(std::function<void(const Event&)> handler) {
-    return m_handlers.add(std::move(handler));
+    return m_handlers.connect(std::move(handler));
 }
 
 SubscriptionPtr Connection::onRead(std::function<void(const Event&)> observer) {
-    return m_observers.add(std::move(observer));
+    return m_observers.connect(std::move(observer));
 }
 
 SubscriptionPtr Connection::onEndTurn(std::function<void()> hook) {
-    return m_endTurnHooks.add(std::move(hook));
+    return m_endTurnHooks.connect(std::move(hook));
 }
 
 SubscriptionPtr Connection::onLost(std::function<void()> lost) {
-    return m_lossHandlers.add(std::move(lost));
+    return m_lossHandlers.connect(std::move(lost));
 }
 
 } // namespace tessarel::x11

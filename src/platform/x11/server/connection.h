@@ -1,8 +1,8 @@
 #pragma once
 
+#include "model/signal.h"
 #include "model/subscription.h"
 #include "platform/x11/server/atoms.h"
-#include "platform/x11/server/callback_list.h"
 #include "platform/x11/server/extensions.h"
 #include "platform/x11/server/reply.h"
 #include "ports/main_queue_port.h"
@@ -152,13 +152,12 @@ private:
     Extensions m_extensions;
     std::uint32_t m_rootEventMask = 0; // all events selected on the root window
     std::deque<Reply<Event>> m_events; // read but not delivered yet
-    CallbackList<const Event&> m_handlers;
-    CallbackList<const Event&> m_observers;
-    CallbackList<> m_endTurnHooks;
-    CallbackList<> m_lossHandlers;
-    std::shared_ptr<Connection*> m_self; // for tasks on the main queue, which may outlive this object
-    bool m_dispatchScheduled = false;
-    bool m_endTurnScheduled = false;
+    Signal<const Event&> m_handlers;
+    Signal<const Event&> m_observers;
+    Signal<> m_endTurnHooks;
+    Signal<> m_lossHandlers;
+    SubscriptionPtr m_scheduledDispatch; // null when none is pending
+    SubscriptionPtr m_scheduledEndTurn;  // null when none is pending
     bool m_turnOpen = false;
     std::uint64_t m_turn = 1;
     bool m_endingTurn = false;

@@ -31,33 +31,23 @@ Session sessionOf(const char* waylandDisplay, const char* sessionType) {
 
 X11Trust::X11Trust(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
                    OpenUrlPort& openUrl)
-    : m_windowManager(connection), m_session(session), m_queue(queue), m_alerts(alerts), m_openUrl(openUrl),
-      m_self(std::make_shared<X11Trust*>(this)) {}
-
-X11Trust::~X11Trust() {
-    *m_self = nullptr;
-}
+    : m_windowManager(connection), m_session(session), m_queue(queue), m_alerts(alerts), m_openUrl(openUrl) {}
 
 bool X11Trust::isTrusted() {
     return m_session == Session::X11 && m_windowManager.state().suffices();
 }
 
 void X11Trust::prompt() {
-    if (m_prompting || isTrusted())
-        return;
-    m_prompting = true;
-    m_queue.async([self = m_self] {
-        if (*self)
-            (*self)->explain();
-    });
+    if (!m_prompt && !isTrusted())
+        m_prompt = m_queue.async([this] { explain(); });
 }
 
 void X11Trust::explain() {
-    const auto self = m_self; // the nested event loop of the alert may destroy this object
+    const auto alive = m_lifetime.watch(); // the nested event loop of the alert may destroy this object
     if (!isTrusted())
         m_alerts.runModal(explanation());
-    if (*self)
-        m_prompting = false;
+    if (!alive.expired())
+        m_prompt.reset();
 }
 
 Alert X11Trust::explanation() {

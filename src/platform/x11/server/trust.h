@@ -1,13 +1,13 @@
 #pragma once
 
+#include "model/lifetime.h"
+#include "model/subscription.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/server/window_manager_check.h"
 #include "ports/alerts_port.h"
 #include "ports/main_queue_port.h"
 #include "ports/open_url_port.h"
 #include "ports/trust_port.h"
-
-#include <memory>
 
 namespace tessarel::x11 {
 
@@ -29,7 +29,7 @@ public:
              OpenUrlPort& openUrl);
     X11Trust(const X11Trust&) = delete;
     X11Trust& operator=(const X11Trust&) = delete;
-    ~X11Trust() override;
+    ~X11Trust() override = default;
 
     /// Returns whether windows can be moved. Takes no round trip unless the window manager has changed.
     [[nodiscard]] bool isTrusted() override;
@@ -50,8 +50,8 @@ private:
     MainQueuePort& m_queue;
     AlertsPort& m_alerts;
     OpenUrlPort& m_openUrl;
-    bool m_prompting = false;          // an alert is pending or open
-    std::shared_ptr<X11Trust*> m_self; // for tasks on the main queue, which may outlive this object
+    Lifetime m_lifetime;
+    SubscriptionPtr m_prompt; // null unless an alert is pending or open
 };
 
 } // namespace tessarel::x11

@@ -14,19 +14,9 @@ namespace tessarel::x11 {
 
 namespace {
 
-struct Hint {
-    Atom atom;
-    std::string_view name;
-};
-
 // Without these Tessarel cannot find the windows, measure their frames or move them.
-constexpr std::array kNeededHints = std::to_array<Hint>({
-    {Atom::NetMoveResizeWindow, "_NET_MOVERESIZE_WINDOW"},
-    {Atom::NetFrameExtents, "_NET_FRAME_EXTENTS"},
-    {Atom::NetActiveWindow, "_NET_ACTIVE_WINDOW"},
-    {Atom::NetClientList, "_NET_CLIENT_LIST"},
-    {Atom::NetClientListStacking, "_NET_CLIENT_LIST_STACKING"},
-});
+constexpr std::array kNeededHints = {Atom::NetMoveResizeWindow, Atom::NetFrameExtents, Atom::NetActiveWindow,
+                                     Atom::NetClientList, Atom::NetClientListStacking};
 
 constexpr std::uint32_t kMostHints = 4096; // atoms; no window manager announces that many
 
@@ -57,9 +47,9 @@ WindowManagerState WindowManagerCheck::ask() {
     WindowManagerState state;
     state.running = namesItself(m_window);
     const std::span<const std::uint32_t> atoms = values(supportedReply);
-    for (const auto& [atom, name] : kNeededHints) {
+    for (const Atom atom : kNeededHints) {
         if (std::ranges::find(atoms, m_connection.atom(atom)) == atoms.end())
-            state.missingHints.push_back(name);
+            state.missingHints.push_back(nameOf(atom));
     }
     return state;
 }

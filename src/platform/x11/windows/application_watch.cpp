@@ -26,12 +26,12 @@ ApplicationWatch::ApplicationWatch(Connection& connection, ClientWindows& window
 SubscriptionPtr ApplicationWatch::onApplication(ApplicationEvent event,
                                                 std::function<void(const RunningApplication&)> handler) {
     begin();
-    return m_applicationHandlers[event].add(std::move(handler));
+    return m_applicationHandlers[event].connect(std::move(handler));
 }
 
 SubscriptionPtr ApplicationWatch::onWindow(ProcessId pid, std::function<void(xcb_window_t)> opened) {
     begin();
-    return m_windowHandlers.add([pid, opened = std::move(opened)](ProcessId opener, xcb_window_t window) {
+    return m_windowHandlers.connect([pid, opened = std::move(opened)](ProcessId opener, xcb_window_t window) {
         if (opener == pid)
             opened(window);
     });
@@ -39,7 +39,7 @@ SubscriptionPtr ApplicationWatch::onWindow(ProcessId pid, std::function<void(xcb
 
 SubscriptionPtr ApplicationWatch::onClosed(xcb_window_t window, std::function<void()> closed) {
     begin();
-    return m_closedHandlers.add([window, closed = std::move(closed)](xcb_window_t gone) {
+    return m_closedHandlers.connect([window, closed = std::move(closed)](xcb_window_t gone) {
         if (gone == window)
             closed();
     });
@@ -81,7 +81,7 @@ void ApplicationWatch::followActive() {
     if (!application || application->processIdentifier == m_active)
         return;
     m_active = application->processIdentifier;
-    m_applicationHandlers[ApplicationEvent::Activated].call(*application);
+    m_applicationHandlers[ApplicationEvent::Activated].send(*application);
 }
 
 /// Compares the client list with the known windows and updates the records.
@@ -200,14 +200,14 @@ void ApplicationWatch::terminateEnded(Changes& changes) {
 /// anew.
 void ApplicationWatch::tell(const Changes& changes) {
     for (const xcb_window_t window : changes.closed)
-        m_closedHandlers.call(window);
+        m_closedHandlers.send(window);
     for (const RunningApplication& application : changes.terminated)
-        m_applicationHandlers[ApplicationEvent::Terminated].call(application);
+        m_applicationHandlers[ApplicationEvent::Terminated].send(application);
     for (const RunningApplication& application : changes.launched)
-        m_applicationHandlers[ApplicationEvent::Launched].call(application);
+        m_applicationHandlers[ApplicationEvent::Launched].send(application);
     for (const xcb_window_t window : changes.opened) {
         if (const auto known = m_known.find(window); known != m_known.end())
-            m_windowHandlers.call(known->second.pid, window);
+            m_windowHandlers.send(known->second.pid, window);
     }
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/x11/server/callback_list.h"
+#include "model/signal.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/applications.h"
 #include "platform/x11/windows/client_windows.h"
@@ -81,9 +81,9 @@ private:
     std::unordered_map<xcb_window_t, Window> m_known;
     std::map<ProcessId, Process> m_processes;
     ProcessId m_active = 0; ///< owner of the window that was active last; 0 when unknown
-    std::map<ApplicationEvent, CallbackList<const RunningApplication&>> m_applicationHandlers;
-    CallbackList<ProcessId, xcb_window_t> m_windowHandlers;
-    CallbackList<xcb_window_t> m_closedHandlers;
+    std::map<ApplicationEvent, Signal<const RunningApplication&>> m_applicationHandlers;
+    Signal<ProcessId, xcb_window_t> m_windowHandlers;
+    Signal<xcb_window_t> m_closedHandlers;
     SubscriptionPtr m_observer;
     SubscriptionPtr m_handler;
 };

@@ -1,44 +1,19 @@
 #include "platform/qt_x11/tray/qt_status_item.h"
 
-#include "platform/qt/qt_main_queue.h"
+#include "platform/sim/sim_clock.h"
+#include "platform/sim/sim_main_queue.h"
 
 #include <QApplication>
 #include <QEventLoop>
 #include <gtest/gtest.h>
 
 #include <array>
-#include <cstdint>
-#include <functional>
-#include <map>
-#include <memory>
+#include <chrono>
 #include <optional>
 #include <utility>
 
 namespace tessarel::qt {
 namespace {
-
-/// A queue with a clock that the test advances.
-class ManualQueue : public MainQueuePort {
-public:
-    TimePoint now() override { return m_now; }
-    void asyncAfter(Duration delay, std::function<void()> work) override {
-        m_work.emplace(m_now + delay, std::move(work));
-    }
-    void advance(Duration duration) {
-        const TimePoint end = m_now + duration;
-        while (!m_work.empty() && m_work.begin()->first <= end) {
-            auto next = m_work.extract(m_work.begin());
-            m_now = next.key();
-            next.mapped()();
-        }
-        m_now = end;
-    }
-    [[nodiscard]] bool idle() const { return m_work.empty(); }
-
-private:
-    TimePoint m_now{};
-    std::multimap<TimePoint, std::function<void()>> m_work;
-};
 
 /// The status item without a panel. Tests with panels are in tests/desktop.
 class QtStatusItemTest : public testing::Test {
@@ -61,7 +36,8 @@ protected:
     std::array<char, 5> programName{"test"};
     std::array<char*, 2> arguments{programName.data(), nullptr};
     std::optional<QApplication> application{std::in_place, argumentCount, arguments.data()};
-    ManualQueue queue;
+    sim::SimClock clock;
+    sim::SimMainQueue queue{clock};
     std::optional<QtStatusItem> item{std::in_place, queue};
     int updates = 0;
 };
@@ -81,22 +57,22 @@ TEST_F(QtStatusItemTest, CallsBeforeTheFirstItemDoNothing) {
     item->setAppearsDisabled(true);
 
     EXPECT_TRUE(item->setSymbol("square.grid.2x2", "Tessarel"));
-    EXPECT_TRUE(queue.idle());
+    EXPECT_EQ(clock.waiting(), 0U);
 }
 
 TEST_F(QtStatusItemTest, WithoutAnExpectedPanelItChecksOnceAndGoesIdle) {
     const auto subscription = create();
-    EXPECT_FALSE(queue.idle());
+    EXPECT_GT(clock.waiting(), 0U);
 
-    queue.advance(std::chrono::seconds(0));
+    clock.advance(std::chrono::seconds(0));
 
-    EXPECT_TRUE(queue.idle());
+    EXPECT_EQ(clock.waiting(), 0U);
 }
 
 TEST_F(QtStatusItemTest, WithoutAPanelTheMenuIsNeverRequested) {
     const auto subscription = create();
 
-    queue.advance(std::chrono::minutes(1));
+    clock.advance(std::chrono::minutes(1));
 
     EXPECT_EQ(updates, 0);
 }
@@ -108,9 +84,9 @@ TEST_F(QtStatusItemTest, WorksWithoutAPanel) {
     item->setAppearsDisabled(true);
     item->clearImage();
     item->setTitle("TS");
-    queue.advance(std::chrono::minutes(1));
+    clock.advance(std::chrono::minutes(1));
 
-    EXPECT_TRUE(queue.idle());
+    EXPECT_EQ(clock.waiting(), 0U);
 }
 
 TEST_F(QtStatusItemTest, NothingHappensAfterTheSubscriptionEnded) {
@@ -119,19 +95,19 @@ TEST_F(QtStatusItemTest, NothingHappensAfterTheSubscriptionEnded) {
     subscription.reset();
 
     item->setTitle("TS");
-    queue.advance(std::chrono::seconds(3));
-    EXPECT_TRUE(queue.idle());
+    clock.advance(std::chrono::seconds(3));
+    EXPECT_EQ(clock.waiting(), 0U);
 }
 
 TEST_F(QtStatusItemTest, TheItemMayBeDestroyedBeforeItsSubscription) {
     auto subscription = create();
 
     item.reset();
-    queue.advance(std::chrono::seconds(3));
+    clock.advance(std::chrono::seconds(3));
     subscription.reset();
-    queue.advance(std::chrono::seconds(3));
+    clock.advance(std::chrono::seconds(3));
 
-    EXPECT_TRUE(queue.idle());
+    EXPECT_EQ(clock.waiting(), 0U);
 }
 
 } // namespace

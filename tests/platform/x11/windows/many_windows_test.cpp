@@ -80,7 +80,6 @@ protected:
     X11WindowList windowList{connection, monitors, windows};
     WindowEngine engine{ax, geo, displays, workspace, windowList, simulated.alertSound(), store};
     AppPlacer placer{{.workspace = workspace,
-                      .accessibility = accessibility,
                       .mainQueue = simulated.mainQueue(),
                       .store = store,
                       .runtime = runtime,

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QColor>
+
+namespace tessarel {
+
+/// The accent colour where the desktop's own cannot be read.
+inline constexpr QRgb kAccent = qRgb(0x0a, 0x84, 0xff);
+
+/// Returns `color` with the given opacity, from 0 (transparent) to 1 (opaque).
+[[nodiscard]] inline QColor translucent(QColor color, double opacity) {
+    color.setAlphaF(static_cast<float>(opacity));
+    return color;
+}
+
+} // namespace tessarel
