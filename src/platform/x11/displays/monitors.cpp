@@ -11,7 +11,14 @@ namespace tessarel::x11 {
 
 namespace {
 
-/// Returns every monitor with a non-empty area, the primary one first, in root coordinates.
+/// Returns whether one of the monitors shows nothing that the other one does not show.
+bool areMirrors(const Monitor& a, const Monitor& b) {
+    const Rect common = a.rootFrame.intersection(b.rootFrame);
+    return common == a.rootFrame || common == b.rootFrame;
+}
+
+/// Returns every monitor with a non-empty area, the primary one first, in root coordinates. Of monitors that
+/// mirror each other, only the first is listed.
 std::vector<Monitor> monitorsIn(const xcb_randr_get_monitors_reply_t* reply) {
     std::vector<Monitor> monitors;
     for (auto infos = xcb_randr_get_monitors_monitors_iterator(reply); infos.rem > 0;
@@ -23,6 +30,11 @@ std::vector<Monitor> monitorsIn(const xcb_randr_get_monitors_reply_t* reply) {
                               {static_cast<double>(info.x), static_cast<double>(info.y),
                                static_cast<double>(info.width), static_cast<double>(info.height)}};
         monitors.insert(info.primary ? monitors.begin() : monitors.end(), monitor);
+    }
+    for (auto monitor = monitors.begin(); monitor != monitors.end(); ++monitor) {
+        monitors.erase(std::remove_if(monitor + 1, monitors.end(),
+                                      [&](const Monitor& later) { return areMirrors(*monitor, later); }),
+                       monitors.end());
     }
     return monitors;
 }

@@ -23,7 +23,8 @@ public:
     /// `connection` must outlive this object.
     explicit Monitors(Connection& connection);
 
-    /// Returns the primary monitor first, then the others in the server's order. Where RandR 1.5 is missing
+    /// Returns the primary monitor first, then the others in the server's order. Monitors that mirror another
+    /// one are left out: they are the same place to the user. Where RandR 1.5 is missing
     /// or lists no monitor, the whole root window is the only monitor. Empty when the connection is lost.
     [[nodiscard]] const std::vector<Monitor>& all();
     /// Returns the size of the root window in pixels; empty when the connection is lost.

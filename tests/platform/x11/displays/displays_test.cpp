@@ -77,6 +77,30 @@ TEST_F(DisplaysTest, ThePrimaryMonitorComesFirstWhereverItIs) {
     EXPECT_EQ(screens[1].frame, (Rect{-800, -300, 800, 900}));
 }
 
+TEST_F(DisplaysTest, MonitorsThatMirrorEachOtherAreOneDisplay) {
+    desktop.server.setMonitors(
+        {{.name = "Mirror", .x = 0, .y = 0, .width = 800, .height = 600, .primary = false},
+         {.name = "Same", .x = 0, .y = 0, .width = 900, .height = 800, .primary = false},
+         {.name = "Primary", .x = 0, .y = 0, .width = 900, .height = 800, .primary = true},
+         {.name = "Other", .x = 900, .y = 0, .width = 700, .height = 900, .primary = false}});
+    settle();
+
+    const auto screens = displays.screens();
+
+    ASSERT_EQ(screens.size(), 2U);
+    EXPECT_EQ(screens[0].frame, (Rect{0, 0, 900, 800}));
+    EXPECT_EQ(screens[1].frame, (Rect{900, -100, 700, 900}));
+}
+
+TEST_F(DisplaysTest, MonitorsThatOnlyOverlapAreTwoDisplays) {
+    desktop.server.setMonitors(
+        {{.name = "L", .x = 0, .y = 0, .width = 900, .height = 900, .primary = true},
+         {.name = "R", .x = 800, .y = 0, .width = 800, .height = 900, .primary = false}});
+    settle();
+
+    EXPECT_EQ(displays.screens().size(), 2U);
+}
+
 TEST_F(DisplaysTest, AMonitorKeepsItsIdWhenItsGeometryChanges) {
     splitInTwo();
     const auto before = displays.screens();
