@@ -61,17 +61,29 @@ void AppPlacer::watch(const RunningApplication& app) {
 void AppPlacer::windowCreated(const Element& window) {
     const auto pid = m_uses.ax.pid(window);
     const auto app = pid ? m_uses.workspace.runningApplication(*pid) : std::nullopt;
-    const auto index = app ? zoneIndex(*app) : std::nullopt;
-    if (!index)
+    if (!app || !mayBePlaced(*app))
         return;
-    m_placements.asyncAfter(kWindowDelay,
-                            [this, window, app = *app, index = *index] { place(window, app, index); });
+    m_placements.asyncAfter(kWindowDelay, [this, window, app = *app, index = zoneIndex(*app)] {
+        const RunningApplication identified = app.bundleIdentifier ? app : asItIsNow(app);
+        if (const auto due = index ? index : zoneIndex(identified))
+            place(window, identified, *due);
+    });
 }
 
 /// Schedules the placement of the windows that a new application opens before its windows can be observed.
 void AppPlacer::placeExisting(const RunningApplication& app) {
-    if (zoneIndex(app))
-        m_placements.asyncAfter(kLaunchDelay, [this, app] { placeWindows(app); });
+    if (mayBePlaced(app))
+        m_placements.asyncAfter(kLaunchDelay, [this, app] { placeWindows(asItIsNow(app)); });
+}
+
+/// Returns whether the application has a remembered zone, or may turn out to have one: some programs name
+/// their windows only a moment after they have opened them.
+bool AppPlacer::mayBePlaced(const RunningApplication& app) const {
+    return zoneIndex(app) || (!app.bundleIdentifier && m_uses.store.settings.rememberApps);
+}
+
+RunningApplication AppPlacer::asItIsNow(const RunningApplication& app) const {
+    return m_uses.workspace.runningApplication(app.processIdentifier).value_or(app);
 }
 
 void AppPlacer::placeWindows(const RunningApplication& app) {

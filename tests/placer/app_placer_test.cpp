@@ -265,5 +265,27 @@ TEST_F(AppPlacerLaunchTest, AnApplicationThatHasEndedMeanwhileIsLeftAlone) {
     EXPECT_EQ(desktop.takeWrites(), Lines{});
 }
 
+TEST_F(AppPlacerTest, AProgramThatIsIdentifiedAfterItsWindowIsPlacedByItsIdentifier) {
+    const ProcessId late = desktop.launch({});
+    const auto window = open(late);
+
+    desktop.advance(kWindowDelay - 1ms);
+    desktop.application(late).bundleIdentifier = "org.example.editor";
+    desktop.advance(1ms);
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
+TEST_F(AppPlacerTest, AProgramThatIsIdentifiedLaterIsPlacedAtItsLaunch) {
+    const ProcessId late = desktop.launch({});
+    const auto window = open(late);
+    desktop.advance(kWindowDelay);
+    desktop.application(late).bundleIdentifier = "org.example.editor";
+
+    desktop.advance(kLaunchDelay - kWindowDelay);
+
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
 } // namespace
 } // namespace tessarel
