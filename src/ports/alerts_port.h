@@ -29,6 +29,10 @@ public:
     /// event loop goes on meanwhile, so the caller may be destroyed before this returns.
     virtual std::size_t runModal(const Alert& alert) = 0;
 
+    /// Closes the message with this content, as if the user had closed it without a button. Does nothing if
+    /// it is not shown.
+    virtual void dismiss(const Alert& alert) = 0;
+
     /// Like `runModal`, with a text field that has the keyboard focus. Returns the text, untrimmed, if the
     /// first button closed the message; `std::nullopt` otherwise.
     virtual std::optional<std::string> runModalForText(const Alert& alert) = 0;

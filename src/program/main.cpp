@@ -83,7 +83,7 @@ int run(const char* programName) {
     }
 
     const x11::Session session =
-        x11::sessionOf(std::getenv("WAYLAND_DISPLAY"), std::getenv("XDG_SESSION_TYPE"));
+        x11::sessionOf(*connection, std::getenv("WAYLAND_DISPLAY"), std::getenv("XDG_SESSION_TYPE"));
     qt::QtAppearance appearance;
     qt::QtAlerts alerts({.beforeMaking = [&appearance] { appearance.apply(); }});
     qt::QtOpenUrl openUrl;

@@ -176,6 +176,7 @@ public:
         activations = m_application.activations;
         return 0;
     }
+    void dismiss(const Alert&) override {}
     std::optional<std::string> runModalForText(const Alert&) override { return std::nullopt; }
 
     std::optional<std::string> document;

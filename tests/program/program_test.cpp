@@ -77,7 +77,7 @@ protected:
 class ProgramSignalTest : public ManagedProgramTest, public testing::WithParamInterface<int> {};
 
 TEST_P(ProgramSignalTest, EndsTheProgramCleanlyAndReleasesTheHotKeys) {
-    const std::string document = R"({"gap": 8, "unknown": true})";
+    const std::string document = R"({"gap": 8, "hasOnboarded": true, "unknown": true})";
     writeSettings(server, document);
     ChildProcess program = start();
     ASSERT_TRUE(becomesReady(program));
@@ -132,6 +132,7 @@ TEST_F(ManagedProgramTest, RunsOnX11WhateverQtPlatformTheEnvironmentNames) {
 }
 
 TEST_F(ManagedProgramTest, AWaylandSessionIsReportedInOneLine) {
+    server.setMonitors({{.name = "XWAYLAND0", .x = 0, .y = 0, .width = 800, .height = 600, .primary = true}});
     ChildProcess program = start({{"XDG_SESSION_TYPE", "wayland"}});
     ASSERT_TRUE(becomesReady(program));
 

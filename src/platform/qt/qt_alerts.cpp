@@ -13,7 +13,18 @@ QtAlerts::QtAlerts(Hooks hooks) : m_hooks(std::move(hooks)) {}
 
 std::size_t QtAlerts::runModal(const Alert& alert) {
     m_hooks.beforeMaking();
-    return AlertDialog(alert).run(m_hooks.shown);
+    AlertDialog dialog(alert);
+    m_shown.push_back({&alert, &dialog});
+    const std::size_t button = dialog.run(m_hooks.shown);
+    m_shown.pop_back();
+    return button;
+}
+
+void QtAlerts::dismiss(const Alert& alert) {
+    for (const Shown& shown : m_shown) {
+        if (*shown.alert == alert)
+            shown.dialog->reject();
+    }
 }
 
 std::optional<std::string> QtAlerts::runModalForText(const Alert& alert) {

@@ -31,11 +31,13 @@ class SimAlerts : public AlertsPort {
 public:
     /// Returns the next of `answers`; without one, the position that closing without a button counts as.
     std::size_t runModal(const Alert& alert) override;
+    void dismiss(const Alert& alert) override { dismissed.push_back(alert); }
     /// Returns the next of `texts`, `std::nullopt` if there is none.
     std::optional<std::string> runModalForText(const Alert& alert) override;
 
     std::function<void()> whileShown; ///< called while an alert is shown; may be empty
     std::vector<Alert> shown;         ///< all alerts in order, including those that ask for a text
+    std::vector<Alert> dismissed;     ///< by the program, whether shown or not
     std::deque<std::size_t> answers;  ///< positions of the buttons that the user will press, next one first
     std::deque<std::string> texts;    ///< texts that the user will type and accept, next one first
 };

@@ -255,5 +255,18 @@ TEST_F(QtAlertsTest, ThePromptShowsItsFieldWithAnAccessibleName) {
     });
 }
 
+TEST_F(QtAlertsTest, ADismissedAlertCountsAsClosedWithoutAButton) {
+    const Alert alert{"Waiting", "", {"OK", "Later"}};
+
+    const std::size_t chosen = runModal(alert, [&](AlertDialog&) {
+        alerts.dismiss({"Another", "", {"OK"}});
+        ASSERT_NE(QApplication::activeModalWidget(), nullptr);
+        alerts.dismiss(alert);
+    });
+
+    EXPECT_EQ(chosen, 1U);
+    alerts.dismiss(alert); // not shown any more
+}
+
 } // namespace
 } // namespace tessarel::qt

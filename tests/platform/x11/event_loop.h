@@ -37,8 +37,8 @@ public:
         turn();
     }
 
-    /// Runs the pending work of the main queue.
-    void turn() { m_clock.advance(std::chrono::nanoseconds::zero()); }
+    /// Lets `duration` pass and runs the work of the main queue that is due by then.
+    void turn(sim::SimClock::Duration duration = {}) { m_clock.advance(duration); }
 
 private:
     sim::SimClock m_clock;

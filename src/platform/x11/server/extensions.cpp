@@ -5,11 +5,14 @@
 #include <xcb/randr.h>
 #include <xcb/res.h>
 
+#include <string_view>
 #include <utility>
 
 namespace tessarel::x11 {
 
 namespace {
+
+constexpr std::string_view kXwayland = "XWAYLAND"; // an empty extension that Xwayland 23.1 and later have
 
 using Version = std::pair<std::uint32_t, std::uint32_t>;
 
@@ -28,7 +31,7 @@ Extensions Extensions::query(xcb_connection_t* xcb) {
     const auto* const resources = xcb_get_extension_data(xcb, &xcb_res_id);
     const bool hasRandr = randr && randr->present;
     const bool hasResources = resources && resources->present;
-    // Both version requests are sent before either reply is read: one round trip.
+    // All requests are sent before a reply is read: one round trip.
     xcb_randr_query_version_cookie_t randrCookie{};
     xcb_res_query_version_cookie_t resourcesCookie{};
     if (hasRandr)
@@ -36,6 +39,9 @@ Extensions Extensions::query(xcb_connection_t* xcb) {
     if (hasResources)
         resourcesCookie = xcb_res_query_version(xcb, std::uint8_t{kResourcesWithProcessIds.first},
                                                 std::uint8_t{kResourcesWithProcessIds.second});
+
+    const auto xwaylandCookie =
+        xcb_query_extension(xcb, static_cast<std::uint16_t>(kXwayland.size()), kXwayland.data());
 
     Extensions found;
     if (hasRandr) {
@@ -51,6 +57,9 @@ Extensions Extensions::query(xcb_connection_t* xcb) {
         found.resourceProcessIds =
             version && Version(version->server_major, version->server_minor) >= kResourcesWithProcessIds;
     }
+    const Reply<xcb_query_extension_reply_t> xwayland(
+        xcb_query_extension_reply(xcb, xwaylandCookie, nullptr));
+    found.isXwayland = xwayland && xwayland->present;
     return found;
 }
 

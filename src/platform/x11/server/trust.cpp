@@ -2,8 +2,12 @@
 
 #include "model/config.h"
 
+#include <xcb/randr.h>
+
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tessarel::x11 {
@@ -21,33 +25,67 @@ std::string joined(const std::vector<std::string_view>& words) {
     return text;
 }
 
+/// Xwayland before 23.1 does not have the extension; its monitors are called XWAYLAND0 and so on.
+bool hasMonitorsOfXwayland(Connection& connection) {
+    if (!connection.extensions().randrMonitors)
+        return false;
+    xcb_connection_t* const xcb = connection.xcb();
+    const auto monitors =
+        connection.reply<xcb_randr_get_monitors_reply>(xcb_randr_get_monitors(xcb, connection.root(), 1));
+    if (!monitors || monitors->nMonitors == 0)
+        return false;
+    const auto first = xcb_randr_get_monitors_monitors_iterator(monitors.get());
+    const auto name = connection.reply<xcb_get_atom_name_reply>(xcb_get_atom_name(xcb, first.data->name));
+    return name && std::string_view(xcb_get_atom_name_name(name.get()),
+                                    static_cast<std::size_t>(xcb_get_atom_name_name_length(name.get())))
+                       .starts_with("XWAYLAND");
+}
+
 } // namespace
 
-Session sessionOf(const char* waylandDisplay, const char* sessionType) {
+Session sessionOf(Connection& connection, const char* waylandDisplay, const char* sessionType) {
     const std::string_view display = waylandDisplay ? waylandDisplay : "";
     const std::string_view type = sessionType ? sessionType : "";
-    return type == "wayland" || !display.empty() ? Session::Wayland : Session::X11;
+    const bool mayBeXwayland = type == "wayland" || !display.empty();
+    const bool isXwayland =
+        connection.extensions().isXwayland || (mayBeXwayland && hasMonitorsOfXwayland(connection));
+    return isXwayland ? Session::Wayland : Session::X11;
 }
 
 X11Trust::X11Trust(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
                    OpenUrlPort& openUrl)
-    : m_windowManager(connection), m_session(session), m_queue(queue), m_alerts(alerts), m_openUrl(openUrl) {}
+    : m_connection(connection), m_windowManager(connection), m_session(session), m_queue(queue),
+      m_alerts(alerts), m_openUrl(openUrl) {}
 
 bool X11Trust::isTrusted() {
     return m_session == Session::X11 && m_windowManager.state().suffices();
 }
 
 void X11Trust::prompt() {
-    if (!m_prompt && !isTrusted())
-        m_prompt = m_queue.async([this] { explain(); });
+    if (m_prompt || isTrusted())
+        return;
+    const bool mayComeYet = m_session == Session::X11 && !m_windowManager.state().running;
+    m_prompt = m_queue.asyncAfter(mayComeYet ? MainQueuePort::Duration(kPatience) : MainQueuePort::Duration(),
+                                  [this] { explain(); });
 }
 
 void X11Trust::explain() {
     const auto alive = m_lifetime.watch(); // the nested event loop of the alert may destroy this object
-    if (!isTrusted())
-        m_alerts.runModal(explanation());
-    if (!alive.expired())
-        m_prompt.reset();
+    if (!isTrusted()) {
+        m_open = explanation();
+        m_events = m_connection.onEvent([this](const Connection::Event&) { closeWhenTrusted(); });
+        m_alerts.runModal(Alert(*m_open));
+    }
+    if (alive.expired())
+        return;
+    m_events.reset();
+    m_open.reset();
+    m_prompt.reset();
+}
+
+void X11Trust::closeWhenTrusted() {
+    if (m_open && isTrusted())
+        m_alerts.dismiss(*std::exchange(m_open, std::nullopt));
 }
 
 Alert X11Trust::explanation() {

@@ -9,14 +9,17 @@
 #include "ports/open_url_port.h"
 #include "ports/trust_port.h"
 
+#include <chrono>
+#include <optional>
+
 namespace tessarel::x11 {
 
 /// The kind of desktop session.
 enum class Session { X11, Wayland };
 
-/// Returns the kind of session for the values of $WAYLAND_DISPLAY and $XDG_SESSION_TYPE; null means unset.
-/// Either one is enough for Wayland: a program on XWayland also has a $DISPLAY.
-[[nodiscard]] Session sessionOf(const char* waylandDisplay, const char* sessionType);
+/// Returns the kind of session that the X server belongs to. $WAYLAND_DISPLAY and $XDG_SESSION_TYPE, null if
+/// unset, are only a reason to ask the server: one that is nested or remote inherits them, too.
+[[nodiscard]] Session sessionOf(Connection& connection, const char* waylandDisplay, const char* sessionType);
 
 /// Trust on X11: whether other programs' windows can be moved at all.
 ///
@@ -34,8 +37,12 @@ public:
     /// Returns whether windows can be moved. Takes no round trip unless the window manager has changed.
     [[nodiscard]] bool isTrusted() override;
 
-    /// Shows an alert that explains what is missing, in the next iteration of the main queue and only if it
-    /// is still missing then. Does nothing when trusted, nor while such an alert is pending or open.
+    /// How long an alert about a missing window manager waits, because one may be about to start.
+    static constexpr std::chrono::seconds kPatience{10};
+
+    /// Shows an alert that explains what is missing, in the next iteration of the main queue; if no window
+    /// manager is running, `kPatience` later. By then it may be trusted; an open alert is closed as soon as
+    /// it is. Does nothing when trusted, nor while such an alert is pending or open.
     void prompt() override;
 
     /// Opens the web page about supported platforms: there is no system setting to change.
@@ -44,14 +51,18 @@ public:
 private:
     [[nodiscard]] Alert explanation();
     void explain();
+    void closeWhenTrusted();
 
+    Connection& m_connection;
     WindowManagerCheck m_windowManager;
     Session m_session;
     MainQueuePort& m_queue;
     AlertsPort& m_alerts;
     OpenUrlPort& m_openUrl;
     Lifetime m_lifetime;
-    SubscriptionPtr m_prompt; // null unless an alert is pending or open
+    SubscriptionPtr m_prompt;    // null unless an alert is pending or open
+    std::optional<Alert> m_open; // the alert that is open
+    SubscriptionPtr m_events;    // while an alert is open
 };
 
 } // namespace tessarel::x11

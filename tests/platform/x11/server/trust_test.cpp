@@ -10,8 +10,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,15 +23,6 @@ namespace {
 
 using testing::HasSubstr;
 using x11test::WindowManagerKind;
-
-TEST(SessionTest, EitherVariableIdentifiesAWaylandSession) {
-    EXPECT_EQ(sessionOf(nullptr, nullptr), Session::X11);
-    EXPECT_EQ(sessionOf("", "x11"), Session::X11);
-    EXPECT_EQ(sessionOf(nullptr, "tty"), Session::X11);
-    EXPECT_EQ(sessionOf("wayland-0", nullptr), Session::Wayland);
-    EXPECT_EQ(sessionOf("wayland-0", "x11"), Session::Wayland);
-    EXPECT_EQ(sessionOf(nullptr, "wayland"), Session::Wayland);
-}
 
 /// Alerts that run a function while they are shown.
 class EventfulAlerts : public sim::SimAlerts {
@@ -165,14 +158,68 @@ TEST_F(X11TrustTest, AMalformedSupportingWmCheckIsNotTrusted) {
     EXPECT_TRUE(makeTrust(Session::X11)->isTrusted());
 }
 
+TEST_F(X11TrustTest, AnOrdinaryServerBelongsToAnX11SessionWhateverTheEnvironmentSays) {
+    EXPECT_EQ(sessionOf(loop.connection(), nullptr, nullptr), Session::X11);
+    EXPECT_EQ(sessionOf(loop.connection(), "", "x11"), Session::X11);
+    EXPECT_EQ(sessionOf(loop.connection(), "wayland-0", nullptr), Session::X11);
+    EXPECT_EQ(sessionOf(loop.connection(), nullptr, "wayland"), Session::X11);
+}
+
+TEST_F(X11TrustTest, AServerWithMonitorsOfXwaylandBelongsToAWaylandSession) {
+    server.setMonitors({{.name = "XWAYLAND0", .x = 0, .y = 0, .width = 800, .height = 600, .primary = true}});
+
+    EXPECT_EQ(sessionOf(loop.connection(), "wayland-0", nullptr), Session::Wayland);
+    EXPECT_EQ(sessionOf(loop.connection(), nullptr, "wayland"), Session::Wayland);
+
+    server.setMonitors({});
+}
+
 TEST_F(X11TrustTest, PromptingReturnsAtOnceAndShowsWhatIsMissing) {
     trust->prompt();
     EXPECT_TRUE(alerts.shown.empty());
 
-    loop.turn();
+    loop.turn(X11Trust::kPatience);
 
     ASSERT_EQ(alerts.shown.size(), 1U);
     EXPECT_THAT(alerts.shown[0].informativeText, HasSubstr("No window manager is running"));
+}
+
+TEST_F(X11TrustTest, AMissingWindowManagerHasTenSecondsToStart) {
+    trust->prompt();
+    loop.turn(X11Trust::kPatience - std::chrono::milliseconds(1));
+    EXPECT_TRUE(alerts.shown.empty());
+
+    const PretendedWindowManager manager(observer, kAllHints);
+    loop.settle();
+    loop.turn(std::chrono::minutes(1));
+
+    EXPECT_TRUE(alerts.shown.empty());
+}
+
+TEST_F(X11TrustTest, AnOpenAlertIsClosedWhenAWindowManagerStarts) {
+    std::optional<PretendedWindowManager> manager;
+    alerts.meanwhile = [&] {
+        loop.settle();
+        EXPECT_TRUE(alerts.dismissed.empty());
+        manager.emplace(observer, kAllHints);
+        loop.settle();
+    };
+
+    trust->prompt();
+    loop.turn(X11Trust::kPatience);
+
+    ASSERT_EQ(alerts.dismissed.size(), 1U);
+    EXPECT_EQ(alerts.dismissed, alerts.shown);
+}
+
+TEST_F(X11TrustTest, NoAlertIsClosedOnceTheUserHasClosedIt) {
+    trust->prompt();
+    loop.turn(X11Trust::kPatience);
+
+    const PretendedWindowManager manager(observer, kAllHints);
+    loop.settle();
+
+    EXPECT_TRUE(alerts.dismissed.empty());
 }
 
 TEST_F(X11TrustTest, PromptingNamesTheHintsThatTheWindowManagerLacks) {
@@ -208,15 +255,15 @@ TEST_F(X11TrustTest, PromptingWhenTrustedDoesNothing) {
 TEST_F(X11TrustTest, ThereAreNeverTwoAlertsAtOnce) {
     alerts.meanwhile = [this] {
         trust->prompt();
-        loop.turn();
+        loop.turn(X11Trust::kPatience);
     };
     trust->prompt();
     trust->prompt();
-    loop.turn();
+    loop.turn(X11Trust::kPatience);
     EXPECT_EQ(alerts.shown.size(), 1U);
 
     trust->prompt();
-    loop.turn();
+    loop.turn(X11Trust::kPatience);
     EXPECT_EQ(alerts.shown.size(), 2U);
 }
 
@@ -232,13 +279,13 @@ TEST_F(X11TrustTest, NoAlertIsShownIfAWindowManagerStartsInTime) {
 TEST_F(X11TrustTest, TheTrustMayBeDestroyedWhileItsAlertIsPendingOrShown) {
     trust->prompt();
     alerts.meanwhile = [this] { trust.reset(); };
-    loop.turn();
+    loop.turn(X11Trust::kPatience);
     ASSERT_EQ(alerts.shown.size(), 1U);
 
     trust = makeTrust(Session::X11);
     trust->prompt();
     trust.reset();
-    loop.turn();
+    loop.turn(X11Trust::kPatience);
     EXPECT_EQ(alerts.shown.size(), 1U);
 }
 
