@@ -9,8 +9,13 @@
 
 namespace tessarel {
 
-/// What the left mouse button has done; `LeftDragged` is a movement while the button is held.
-enum class MouseEventKind { LeftDown, LeftDragged, LeftUp };
+/// What the left mouse button has done.
+enum class MouseEventKind {
+    LeftDown,
+    LeftDragged, ///< a movement while the button is held
+    LeftUp,
+    Cancelled, ///< Escape was pressed while the button was held, which ends a move on systems that report it
+};
 
 /// An event of the left mouse button.
 struct MouseEvent {
@@ -35,6 +40,7 @@ public:
     /// - A modifier key that goes down or up while the button is held counts as a movement at the current
     ///   pointer position, and is delivered before the release. It may be missed while a program reads the
     ///   keyboard exclusively, as for a password; the next movement then has the current modifiers.
+    /// - `Cancelled` is reported before the release, and only where Escape takes a dragged window back.
     /// - Every delivered press is followed by a release, at the latest with the next mouse event, even if
     ///   another program consumes the release. Where a lost release cannot be detected, two presses may
     ///   arrive in a row.

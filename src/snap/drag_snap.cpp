@@ -20,17 +20,52 @@ constexpr MainQueuePort::Duration kPlacementDelay = 30ms;
 constexpr int kMostFailedReads = 2;
 /// Movement that does not count as a drag yet, in the unit of the coordinates.
 constexpr double kMoveTolerance = 3;
-/// Change of size from which the window counts as resized, in the unit of the coordinates.
+/// Change of size from which the size counts as changed, in the unit of the coordinates.
 constexpr double kResizeTolerance = 3;
+/// How far the edge opposite to a dragged border may still move: window managers round.
+constexpr double kFixedEdgeTolerance = 1;
+/// How far inside a window its border may be pressed to resize it, in the unit of the coordinates.
+constexpr double kBorder = 8;
 
 bool isMoved(const Rect& axFrame, const Rect& start) {
     return std::abs(axFrame.minX() - start.minX()) > kMoveTolerance ||
            std::abs(axFrame.minY() - start.minY()) > kMoveTolerance;
 }
 
-bool isResized(const Rect& axFrame, const Rect& start) {
+bool isNear(double a, double b) {
+    return std::abs(a - b) <= kFixedEdgeTolerance;
+}
+
+bool isSizeChanged(const Rect& axFrame, const Rect& start) {
     return std::abs(axFrame.absWidth() - start.absWidth()) >= kResizeTolerance ||
            std::abs(axFrame.absHeight() - start.absHeight()) >= kResizeTolerance;
+}
+
+/// Returns whether the window shrinks, as it does when it is pulled out of its maximised or tiled place.
+bool shrinks(const Rect& axFrame, const Rect& start) {
+    return axFrame.absWidth() < start.absWidth() + kResizeTolerance &&
+           axFrame.absHeight() < start.absHeight() + kResizeTolerance;
+}
+
+/// Returns whether the size changes while an edge stays, as it does when the border opposite to it is
+/// dragged.
+bool isBorderDragged(const Rect& axFrame, const Rect& start) {
+    const bool isWidthChanged = std::abs(axFrame.absWidth() - start.absWidth()) >= kResizeTolerance;
+    const bool isHeightChanged = std::abs(axFrame.absHeight() - start.absHeight()) >= kResizeTolerance;
+    return (isWidthChanged &&
+            (isNear(axFrame.minX(), start.minX()) || isNear(axFrame.maxX(), start.maxX()))) ||
+           (isHeightChanged &&
+            (isNear(axFrame.minY(), start.minY()) || isNear(axFrame.maxY(), start.maxY())));
+}
+
+bool fills(const Rect& axFrame, const Rect& axVisible) {
+    return isNear(axFrame.minX(), axVisible.minX()) && isNear(axFrame.maxX(), axVisible.maxX()) &&
+           isNear(axFrame.minY(), axVisible.minY()) && isNear(axFrame.maxY(), axVisible.maxY());
+}
+
+/// Returns whether a press at `point` may have taken a border of the window.
+bool isAtBorder(const Point& point, const Rect& axFrame) {
+    return !axFrame.inset(kBorder, kBorder).contains(point);
 }
 
 } // namespace
@@ -48,6 +83,7 @@ void DragSnap::start() {
     watch(MouseEventKind::LeftDown, &DragSnap::mouseDown);
     watch(MouseEventKind::LeftDragged, &DragSnap::mouseDragged);
     watch(MouseEventKind::LeftUp, &DragSnap::mouseUp);
+    watch(MouseEventKind::Cancelled, &DragSnap::cancelled);
 }
 
 void DragSnap::stop() {
@@ -74,25 +110,34 @@ void DragSnap::mouseDown(const MouseEvent& event) {
     const bool isWanted = m_uses.store.settings.dragEnabled && !m_uses.runtime.paused;
     if (!isWanted || !m_uses.permissions.isTrusted())
         return;
-    const auto candidate = m_picker.pick(m_uses.geo.axPoint(event.screenLocation));
+    const Point axPoint = m_uses.geo.axPoint(event.screenLocation);
+    const auto candidate = m_picker.pick(axPoint);
     if (!candidate)
         return;
     auto closed = m_uses.ax.onWindowClosed(candidate->window, [this] { reset(); });
-    m_drag = Drag{.candidate = *candidate, .candidateClosed = std::move(closed), .target = {}};
+    m_drag = Drag{.candidate = *candidate,
+                  .candidateClosed = std::move(closed),
+                  .lastEvent = event,
+                  .press = event.screenLocation,
+                  .isAtBorder = mayBeResized(candidate->axFrame) && isAtBorder(axPoint, candidate->axFrame),
+                  .movedSize = {},
+                  .nextRead = {},
+                  .target = {}};
 }
 
 void DragSnap::mouseDragged(const MouseEvent& event) {
     if (!m_drag)
         return;
+    m_drag->lastEvent = event;
     if (!m_drag->isMoving && !candidateMoves())
         return;
     m_drag->isMoving = true;
+    m_drag->nextRead.reset();
     follow(event);
 }
 
-/// Returns whether the candidate has moved without changing its size; a window that changes its size is being
-/// resized. Returns false without reading the frame if the last read is less than `kReadInterval` ago. May
-/// end the drag.
+/// Returns whether the candidate has moved and none of its borders is being dragged. Returns false without
+/// reading the frame if the last read is less than `kReadInterval` ago. May end the drag.
 bool DragSnap::candidateMoves() {
     const auto now = m_uses.mainQueue.now();
     if (m_lastRead && now < *m_lastRead + kReadInterval)
@@ -106,7 +151,48 @@ bool DragSnap::candidateMoves() {
     m_drag->failedReads = axFrame ? 0 : m_drag->failedReads + 1;
     if (m_drag->failedReads == kMostFailedReads)
         reset();
-    return axFrame && isMoved(*axFrame, start) && !isResized(*axFrame, start);
+    if (!axFrame)
+        return false;
+    // Window managers that draw a dragged window to the screen's edges may keep its corner where it was.
+    if (!m_drag->isAtBorder && isSizeChanged(*axFrame, start))
+        return shrinks(*axFrame, start) && hasPointerMoved();
+    if (!isMoved(*axFrame, start))
+        return false;
+    if (!m_drag->isAtBorder)
+        return true;
+    if (!isBorderDragged(*axFrame, start))
+        return keepsItsSize(axFrame->size());
+    m_drag->movedSize.reset();
+    return false;
+}
+
+/// A window that fills its screen is maximised, and has no borders.
+bool DragSnap::mayBeResized(const Rect& axFrame) const {
+    const auto screen = m_uses.geo.screen(axFrame);
+    return !screen || !fills(axFrame, m_uses.geo.axVisible(*screen));
+}
+
+/// Returns whether the pointer has left the place of the press. A double click changes the size of some
+/// windows without that.
+bool DragSnap::hasPointerMoved() const {
+    const Point& now = m_drag->lastEvent.screenLocation;
+    return std::hypot(now.x - m_drag->press.x, now.y - m_drag->press.y) > kMoveTolerance;
+}
+
+/// Some window managers follow a dragged border by moving the window first and resizing it a moment later, so
+/// its size lags behind. A window that was pressed at its border counts as dragged only if two reads in a row
+/// find it moved and with exactly the same size. The second read comes even if the pointer rests.
+bool DragSnap::keepsItsSize(const Size& size) {
+    if (m_drag->movedSize == size)
+        return true;
+    m_drag->movedSize = size;
+    m_drag->nextRead =
+        m_uses.mainQueue.asyncAfter(kReadInterval, [this] { mouseDragged(MouseEvent(m_drag->lastEvent)); });
+    return false;
+}
+
+void DragSnap::cancelled(const MouseEvent& /*event*/) {
+    reset();
 }
 
 void DragSnap::follow(const MouseEvent& event) {

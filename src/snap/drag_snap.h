@@ -60,6 +60,7 @@ private:
     void mouseDown(const MouseEvent& event);
     void mouseDragged(const MouseEvent& event);
     void mouseUp(const MouseEvent& event);
+    void cancelled(const MouseEvent& event);
 
     using Handler = void (DragSnap::*)(const MouseEvent&);
     /// A frame to snap to, in accessibility coordinates.
@@ -75,6 +76,16 @@ private:
         Candidate candidate;
         /// Ends the drag when the candidate closes.
         SubscriptionPtr candidateClosed;
+        /// The press or the latest movement.
+        MouseEvent lastEvent;
+        /// Where the button was pressed, in screen coordinates.
+        Point press;
+        /// Whether the press may have taken a border of the candidate.
+        bool isAtBorder = false;
+        /// Size of the candidate at the last read, if it had moved and its border is not known to be dragged.
+        std::optional<Size> movedSize;
+        /// A read for the case that the pointer rests.
+        SubscriptionPtr nextRead;
         /// Whether the candidate has been seen to move.
         bool isMoving = false;
         /// Consecutive failures to read the candidate's frame.
@@ -86,6 +97,9 @@ private:
     void watch(MouseEventKind kind, Handler handler);
     void reset();
     [[nodiscard]] bool candidateMoves();
+    [[nodiscard]] bool mayBeResized(const Rect& axFrame) const;
+    [[nodiscard]] bool hasPointerMoved() const;
+    [[nodiscard]] bool keepsItsSize(const Size& size);
     void follow(const MouseEvent& event);
     void place(const Candidate& candidate, const Target& target);
 

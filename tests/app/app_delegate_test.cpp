@@ -163,7 +163,7 @@ TEST_F(AppDelegateTest, ASecondCopyEndsAtOnceAndLeavesTheFirstAlone) {
     EXPECT_EQ(&Store::shared(), &store);
     EXPECT_EQ(desktop.hotKeys().registered().size(), 15U);
     EXPECT_EQ(desktop.hotKeys().handlersInstalled(), 1);
-    EXPECT_EQ(desktop.mouse().monitored().size(), 3U);
+    EXPECT_EQ(desktop.mouse().monitored().size(), 4U);
     EXPECT_EQ(desktop.trust().promptCalls, 0);
 }
 
@@ -238,7 +238,7 @@ TEST_F(AppDelegateTest, ANewWindowOfARememberedApplicationOpensInItsZone) {
 
 TEST_F(AppDelegateTest, DestroyingTheDelegateStopsWatchingTheMouse) {
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
-    ASSERT_EQ(desktop.mouse().monitored().size(), 3U);
+    ASSERT_EQ(desktop.mouse().monitored().size(), 4U);
 
     delegate.reset();
 

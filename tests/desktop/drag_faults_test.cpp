@@ -28,8 +28,9 @@ TEST_P(DragFaultsTest, NoOverlayIsShownWhileAScreenLockerGrabsTheInput) {
 
 TEST_P(DragFaultsTest, AReleaseHiddenByAnotherClientsGrabEndsTheDrag) {
     dragOver(desktop.open(client), zoneFrame(2));
-    constexpr Combination kEscape{9, 0}; // ends the window manager's grab while the button stays pressed
-    desktop.press(kEscape);
+    constexpr Combination kEnd{key::kReturn,
+                               0}; // ends the window manager's grab while the button stays pressed
+    desktop.press(kEnd);
     TestClient locker{desktop.server()};
     ASSERT_TRUE(desktop.observer().waitUntil([&] { return locker.grabMouse() && locker.grabKeyboard(); }));
     ASSERT_TRUE(drag.overlay());

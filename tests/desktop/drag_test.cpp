@@ -105,6 +105,72 @@ TEST_P(DragTest, AProgramStoppedDuringADragLeavesNoOverlayBehind) {
     EXPECT_EQ(desktop.settledFrame(window, zoneFrame(2)), zoneFrame(2));
 }
 
+TEST_P(DragTest, EscapeHidesTheOverlayAndTheReleaseDoesNothing) {
+    const xcb_window_t window = desktop.open(client);
+    dragOver(window, zoneFrame(2));
+
+    desktop.press({key::kEscape, 0});
+
+    EXPECT_TRUE(drag.waitUntilNoOverlay());
+    drag.moveInto(zoneFrame(5));
+    EXPECT_TRUE(drag.staysWithoutOverlay());
+    drag.release();
+    expectNextDragWorks();
+    EXPECT_NE(desktop.frame(window), zoneFrame(2));
+    EXPECT_NE(desktop.frame(window), zoneFrame(5));
+}
+
+TEST_P(DragTest, AMaximizedWindowThatIsPulledOffGoesToTheZone) {
+    const xcb_window_t window = desktop.open(client);
+    ASSERT_TRUE(desktop.addStates(window, {"_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ"}));
+    const Frame maximized = desktop.frame(window);
+    drag.grip(window);
+    drag.hold(XCB_MOD_MASK_SHIFT);
+    drag.moveInto(zoneFrame(4));
+    drag.moveInto(zoneFrame(2));
+    if (desktop.frame(window) == maximized) {
+        drag.release();
+        GTEST_SKIP() << "this window manager does not move maximised windows";
+    }
+
+    ASSERT_TRUE(drag.waitForOverlay(desktop.usableArea()));
+    drag.release();
+
+    EXPECT_EQ(desktop.settledFrame(window, zoneFrame(2)), zoneFrame(2));
+}
+
+TEST_P(DragTest, ResizingAWindowByABorderNeverShowsTheOverlay) {
+    const xcb_window_t window = desktop.open(client, {.client = {400, 250, 500, 350}});
+    int resized = 0;
+    for (int round = 0; round < 12; ++round) {
+        const Frame before = desktop.frame(window);
+        const int midX = before.x + before.width / 2;
+        const int midY = before.y + before.height / 2;
+        const std::array<std::array<int, 4>, 4> borders = {{{before.x + 1, midY, -1, 0},
+                                                            {before.right() - 2, midY, 1, 0},
+                                                            {midX, before.y + 1, 0, -1},
+                                                            {midX, before.bottom() - 2, 0, 1}}};
+        const auto& [x, y, stepX, stepY] = borders.at(static_cast<std::size_t>(round % 4));
+        const int direction = round % 8 < 4 ? 1 : -1;
+        drag.press(x, y);
+        drag.hold(XCB_MOD_MASK_SHIFT);
+        bool isShown = false;
+        for (int i = 1; i <= 12; ++i) {
+            drag.moveTo(x + i * 5 * stepX * direction, y + i * 5 * stepY * direction);
+            isShown = isShown || drag.overlay().has_value();
+        }
+        const Frame after = desktop.frame(window);
+        const bool isResize = after.width != before.width || after.height != before.height;
+        resized += isResize ? 1 : 0;
+        EXPECT_FALSE(isShown && isResize) << "round " << round;
+        drag.hold(0);
+        drag.release();
+        ASSERT_TRUE(drag.waitUntilNothingIsGrabbed());
+    }
+    RecordProperty("resized", resized);
+    expectNextPressWorks();
+}
+
 INSTANTIATE_TEST_SUITE_P(All, DragTest, testing::ValuesIn(kManagers), managerName);
 
 /// Restarts the program with the settings of each test, and with the default ones afterwards.

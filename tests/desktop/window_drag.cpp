@@ -54,6 +54,13 @@ bool WindowDrag::beginUnseen(xcb_window_t window) {
     return pull(window);
 }
 
+void WindowDrag::grip(xcb_window_t window) {
+    const Place grip = gripOf(window);
+    step(grip.x, grip.y);
+    EXPECT_TRUE(m_observer.waitUntil([&] { return m_observer.isUnderPointer(window); }));
+    press(grip.x, grip.y);
+}
+
 bool WindowDrag::pull(xcb_window_t window, const Deadline& deadline) {
     const Frame before = m_desktop.frame(window);
     moveTo(m_x + 40, m_y + 30);

@@ -22,6 +22,8 @@ public:
     [[nodiscard]] bool begin(xcb_window_t window);
     /// Like begin(), while the program is not running yet.
     [[nodiscard]] bool beginUnseen(xcb_window_t window);
+    /// Presses the button on the title bar of `window`, without moving.
+    void grip(xcb_window_t window);
     /// Presses the button at a point of the root window.
     void press(int x, int y);
     /// Moves to a point of the root window, in a few steps.

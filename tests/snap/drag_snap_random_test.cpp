@@ -28,6 +28,11 @@ struct NaiveDragSnap {
     sim::WindowId window{};
     Rect start;
     bool dragging = false;
+    bool pressedBorder = false;
+    std::optional<Size> sighting;
+    std::optional<MainQueuePort::TimePoint> readAgain;
+    MouseEvent latest;
+    Point pressed;
     std::optional<MainQueuePort::TimePoint> lastRead;
     std::optional<Rect> target;
     std::optional<std::int64_t> zone;
@@ -36,6 +41,8 @@ struct NaiveDragSnap {
 
     void reset() {
         candidate = dragging = false;
+        sighting.reset();
+        readAgain.reset();
         target.reset();
         zone.reset();
         overlay.clear();
@@ -73,8 +80,8 @@ protected:
     DragSnapRandomTest() {
         windows = {desktop.openWindow("org.example.viewer", at({700, 300, 500, 400})), window};
         ownWindow = desktop.openOwnWindow(at({1100, 40, 300, 200}));
-        for (const auto kind :
-             {MouseEventKind::LeftDown, MouseEventKind::LeftDragged, MouseEventKind::LeftUp})
+        for (const auto kind : {MouseEventKind::LeftDown, MouseEventKind::LeftDragged, MouseEventKind::LeftUp,
+                                MouseEventKind::Cancelled})
             monitors.push_back(
                 mouse.addGlobalMonitor(kind, [this](const MouseEvent& event) { hear(event); }));
     }
@@ -92,15 +99,18 @@ protected:
         const double px = event.screenLocation.x;
         const double py = primaryHeight() - event.screenLocation.y;
         if (event.kind == MouseEventKind::LeftDown)
-            naiveDown(px, py);
+            naiveDown(event.screenLocation, px, py);
         else if (event.kind == MouseEventKind::LeftDragged)
             naiveDragged(event, px, py);
-        else
+        else if (event.kind == MouseEventKind::LeftUp)
             naiveUp();
+        else
+            naive.reset();
     }
 
-    void naiveDown(double px, double py) {
+    void naiveDown(const Point& screenPoint, double px, double py) {
         naive.reset();
+        naive.pressed = screenPoint;
         if (!settings.dragEnabled || runtime.paused || !desktop.trust().trusted)
             return;
         for (const sim::WindowId id : windows) {
@@ -114,14 +124,18 @@ protected:
             naive.candidate = !isIgnored && py - frame.y <= 60;
             naive.window = id;
             naive.start = frame;
+            naive.pressedBorder = px < frame.x + 8 || px >= frame.x + frame.width - 8 || py < frame.y + 8 ||
+                                  py >= frame.y + frame.height - 8;
             return;
         }
     }
 
     void naiveDragged(const MouseEvent& event, double px, double py) {
+        naive.latest = event;
         if (!naive.candidate || (!naive.dragging && !naiveSeesMove()))
             return;
         naive.dragging = true;
+        naive.readAgain.reset();
         naive.target.reset();
         naive.overlay.clear();
         for (const Screen& one : desktop.displays().screens()) {
@@ -139,9 +153,29 @@ protected:
         naive.lastRead = now;
         const Rect g = desktop.frame(naive.window);
         const Rect& s = naive.start;
-        const bool moved = std::abs(g.x - s.x) > 3 || std::abs(g.y - s.y) > 3;
-        const bool resized = std::abs(g.width - s.width) >= 3 || std::abs(g.height - s.height) >= 3;
-        return moved && !resized;
+        const bool same = std::abs(g.width - s.width) < 3 && std::abs(g.height - s.height) < 3;
+        if (!naive.pressedBorder && !same) {
+            const bool smaller = g.width < s.width + 3 && g.height < s.height + 3;
+            const Point& pointedAt = naive.latest.screenLocation;
+            return smaller && std::hypot(pointedAt.x - naive.pressed.x, pointedAt.y - naive.pressed.y) > 3;
+        }
+        if (std::abs(g.x - s.x) <= 3 && std::abs(g.y - s.y) <= 3)
+            return false;
+        if (!naive.pressedBorder)
+            return true;
+        const auto isPulled = [](double near, double far, double length) {
+            return std::abs(length) >= 3 && (std::abs(near) <= 1 || std::abs(far) <= 1);
+        };
+        if (isPulled(g.x - s.x, g.x + g.width - s.x - s.width, g.width - s.width) ||
+            isPulled(g.y - s.y, g.y + g.height - s.y - s.height, g.height - s.height)) {
+            naive.sighting.reset();
+            return false;
+        }
+        if (naive.sighting == g.size())
+            return true;
+        naive.sighting = g.size();
+        naive.readAgain = now + 30ms;
+        return false;
     }
 
     void naiveOffer(const Screen& on, std::uint64_t flags, double px, double py) {
@@ -227,6 +261,16 @@ protected:
     }
 
     void pass(MainQueuePort::Duration duration) {
+        const auto end = desktop.mainQueue().now() + duration;
+        while (naive.readAgain && *naive.readAgain <= end) {
+            passUndisturbed(*std::exchange(naive.readAgain, std::nullopt) - desktop.mainQueue().now());
+            hear(MouseEvent(naive.latest));
+        }
+        passUndisturbed(end - desktop.mainQueue().now());
+    }
+
+    /// Lets time pass in which no frame is read.
+    void passUndisturbed(MainQueuePort::Duration duration) {
         std::map<sim::WindowId, Rect> expected;
         for (const sim::WindowId id : windows)
             expected[id] = desktop.frame(id);
@@ -310,7 +354,7 @@ protected:
         else if (what < 10)
             oneIn(2) ? grabSomeWindow() : pressSomewhere();
         else if (what < 12)
-            mouse.release();
+            oneIn(6) ? mouse.cancel() : mouse.release();
         else if (what < 13)
             mouse.loseRelease();
         else if (what < 17)
@@ -372,7 +416,7 @@ TEST_F(DragSnapRandomTest, DragSnappingAgreesWithTheNaiveImplementation) {
             overlays += picture.isVisible ? 1 : 0;
         }
     }
-    EXPECT_GT(placements, kSequences / 20);
+    EXPECT_GT(placements, kSequences / 25);
     EXPECT_GT(overlays, kSequences / 4);
     EXPECT_EQ(picture.windows, 1);
 }

@@ -257,33 +257,141 @@ TEST_F(DragSnapTest, AWindowResizedByItsTopEdgeShowsNoOverlay) {
     EXPECT_EQ(desktop.frame(window), at({200, 88, 640, 542}));
 }
 
-TEST_F(DragSnapTest, ASizeChangeOfThreePointsIsAResizeAndASmallerOneIsNot) {
+/// Frames of the window during a drag, by what the user does.
+using Frames = std::vector<Rect>;
+
+TEST_F(DragSnapTest, AChangeOfSizeThatLeavesAnEdgeWhereItIsIsAResize) {
     mouse.hold(kShift);
-    for (const auto& [size, isDrag] : {std::pair(Size{643, 480}, false),
-                                       {{637, 480}, false},
-                                       {{640, 483}, false},
-                                       {{640, 477}, false},
-                                       {{642.99, 477.01}, true}}) {
+    const Rect& s = kStart;
+    for (const Rect& resized : Frames{{s.x - 100, s.y, s.width + 100, s.height},
+                                      {s.x, s.y - 50, s.width, s.height + 50},
+                                      {s.x - 100, s.y - 50, s.width + 100, s.height + 50},
+                                      {s.x - 4, s.y, s.width + 4, s.height},
+                                      {s.x + 100, s.y + 50, s.width - 100, s.height - 50},
+                                      {s.x - 100, s.y + 1, s.width + 100, s.height},
+                                      {s.x - 99, s.y, s.width + 100, s.height}}) {
+        grab(window, {320, 5});
+        desktop.drag(window, resized);
+        desktop.advance(30ms);
+        mouse.hold(0);
+        mouse.hold(kShift); // reported as movements, under a resting pointer
+
+        EXPECT_FALSE(picture.isVisible) << testing::PrintToString(resized);
+        mouse.loseRelease();
+        desktop.drag(window, s);
+    }
+}
+
+TEST_F(DragSnapTest, AWindowThatIsPulledOutOfItsPlaceIsDraggedThoughItsSizeChanges) {
+    const Rect visible = geo.axVisible(screen);
+    for (const Rect& pulled : Frames{{-1000, -500, 640, 480},
+                                     {visible.x, visible.y + 50, 640, 480},
+                                     {visible.x, visible.y, 640, 480}}) {
+        for (const Point& grip : {Point{700, 20}, Point{700, 0}}) {
+            desktop.drag(window, visible);
+            mouse.hold(0);
+            grab(window, grip);
+            mouse.moveTo({pulled.x + 300, pulled.y + grip.y + 5});
+            desktop.drag(window, pulled);
+            desktop.advance(30ms);
+
+            mouse.hold(kShift); // reported as a movement, under a resting pointer
+
+            EXPECT_TRUE(picture.isVisible) << testing::PrintToString(pulled) << grip.y;
+            mouse.cancel();
+            mouse.release();
+        }
+    }
+}
+
+TEST_F(DragSnapTest, ADoubleClickThatChangesTheSizeIsNoDrag) {
+    mouse.hold(kShift);
+    for (const Rect& changed : Frames{geo.axVisible(screen), {-1000, -300, 320, 240}}) {
         grab(window);
-        desktop.drag(window, {kStart.x, kStart.y, size.width, size.height});
-        dragTo({600, 300});
-        EXPECT_EQ(picture.isVisible, isDrag) << size.width << "x" << size.height;
-        drop();
+        desktop.drag(window, changed);
+        desktop.advance(30ms);
+        mouse.hold(0);
+        mouse.hold(kShift);
+
+        EXPECT_FALSE(picture.isVisible) << testing::PrintToString(changed);
+        mouse.loseRelease();
         desktop.drag(window, kStart);
     }
 }
 
-TEST_F(DragSnapTest, AWindowThatRegainsItsSizeIsDragged) {
+TEST_F(DragSnapTest, AWindowThatGrowsIsNotDragged) {
     mouse.hold(kShift);
     grab(window);
-    desktop.drag(window, {kStart.x, kStart.y, 700, 500});
-    dragTo({600, 300});
-    ASSERT_FALSE(picture.isVisible);
 
-    desktop.drag(window, kStart);
-    dragTo({601, 300});
+    desktop.drag(window, {kStart.x, kStart.y, 700, 480});
+    dragTo({600, 300});
+
+    EXPECT_FALSE(picture.isVisible);
+}
+
+TEST_F(DragSnapTest, AWindowPressedAtItsBorderIsDraggedOnceItKeepsItsSize) {
+    for (const Point& grip : {Point{7, 30}, Point{632, 30}, Point{300, 7}}) {
+        mouse.hold(kShift);
+        grab(window, grip);
+        dragTo({600, 300});
+        EXPECT_FALSE(picture.isVisible) << grip.x << " " << grip.y;
+
+        dragTo({601, 300});
+        EXPECT_TRUE(picture.isVisible) << grip.x << " " << grip.y;
+
+        mouse.cancel();
+        mouse.release();
+    }
+}
+
+TEST_F(DragSnapTest, AWindowPressedAtItsBorderIsDraggedThoughThePointerRests) {
+    mouse.hold(kShift);
+    grab(window, {300, 7});
+    dragTo({600, 300});
+
+    desktop.advance(29ms);
+    EXPECT_FALSE(picture.isVisible);
+    desktop.advance(1ms);
 
     EXPECT_TRUE(picture.isVisible);
+    EXPECT_EQ(shown(), (std::vector<Rect>{kLeftShown, kRightShown}));
+}
+
+TEST_F(DragSnapTest, AWindowPressedAwayFromItsBorderIsDraggedAtTheFirstMove) {
+    mouse.hold(kShift);
+    grab(window, {9, 9});
+
+    dragTo({600, 300});
+
+    EXPECT_TRUE(picture.isVisible);
+}
+
+TEST_F(DragSnapTest, AWindowThatMovesBeforeItIsResizedShowsNoOverlay) {
+    mouse.hold(kShift);
+    grab(window, {2, 30});
+    for (int step = 1; step <= 5; ++step) {
+        const double dx = 20.0 * step;
+        dragTo({202 + dx, 180}); // the window has moved and will be resized
+        EXPECT_FALSE(picture.isVisible) << step;
+        desktop.drag(window, {kStart.x + dx, kStart.y, kStart.width - dx, kStart.height});
+        dragTo({203 + dx, 180});
+        EXPECT_FALSE(picture.isVisible) << step;
+    }
+}
+
+TEST_F(DragSnapTest, EscapeHidesTheOverlayAndTheReleaseDoesNothing) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({600, 300});
+    ASSERT_TRUE(picture.isVisible);
+
+    mouse.cancel();
+
+    EXPECT_FALSE(picture.isVisible);
+    moveTo({610, 300});
+    drop();
+    EXPECT_FALSE(picture.isVisible);
+    EXPECT_EQ(desktop.frame(window), kStart);
 }
 
 TEST_F(DragSnapTest, AFrameIsReadAtMostEveryThirtyMillisecondsUntilTheWindowMoves) {
@@ -439,12 +547,12 @@ TEST_F(DragSnapTest, MovementsWithoutAPressDoNothing) {
     EXPECT_EQ(picture.windows, 0);
 }
 
-TEST_F(DragSnapTest, StartMonitorsThreeKindsOfEventsOnceAndInOrder) {
+TEST_F(DragSnapTest, StartMonitorsEveryKindOfEventOnceAndInOrder) {
     dragSnap->start();
     dragSnap->start();
 
-    EXPECT_THAT(mouse.monitored(),
-                ElementsAre(MouseEventKind::LeftDown, MouseEventKind::LeftDragged, MouseEventKind::LeftUp));
+    EXPECT_THAT(mouse.monitored(), ElementsAre(MouseEventKind::LeftDown, MouseEventKind::LeftDragged,
+                                               MouseEventKind::LeftUp, MouseEventKind::Cancelled));
 }
 
 TEST_F(DragSnapTest, ARefusedMonitorIsNotKept) {
@@ -452,7 +560,8 @@ TEST_F(DragSnapTest, ARefusedMonitorIsNotKept) {
 
     dragSnap->start();
 
-    EXPECT_THAT(mouse.monitored(), ElementsAre(MouseEventKind::LeftDown, MouseEventKind::LeftUp));
+    EXPECT_THAT(mouse.monitored(),
+                ElementsAre(MouseEventKind::LeftDown, MouseEventKind::LeftUp, MouseEventKind::Cancelled));
     mouse.hold(kShift);
     grab(window);
     dragTo({1000, 500});

@@ -82,6 +82,8 @@ SubscriptionPtr monitorDrags(MouseHandler handler) {
 } // namespace
 
 SubscriptionPtr MacMouse::addGlobalMonitor(MouseEventKind kind, MouseHandler handler) {
+    if (kind == MouseEventKind::Cancelled)
+        return nullptr; // Escape does not take a dragged window back
     if (kind == MouseEventKind::LeftDragged)
         return monitorDrags(std::move(handler));
     return monitorOthersEvents(

@@ -1,5 +1,7 @@
 #include "platform/sim/sim_mouse.h"
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 namespace tessarel::sim {
@@ -40,9 +42,11 @@ void SimMouse::moveHeldWindow() {
     if (!window)
         return;
     Rect& axFrame = window->axFrame;
-    const double top = m_pointer.y - m_held->grip.y;
     // At the top edge the bottom edge stays, otherwise the window moves.
-    if (m_held->grip.y < kTopEdge)
+    const bool isResize = m_held->grip.y < kTopEdge;
+    const double lowest = isResize ? axFrame.maxY() - 1 : std::numeric_limits<double>::max();
+    const double top = std::min(m_pointer.y - m_held->grip.y, lowest);
+    if (isResize)
         axFrame.height = axFrame.maxY() - top;
     else
         axFrame.x = m_pointer.x - m_held->grip.x;
@@ -56,10 +60,21 @@ void SimMouse::press() {
     m_held.reset();
     const bool isByItsTop = window && m_pointer.y - window->axFrame.minY() <= kTitleBar;
     if (isByItsTop && !window->fullScreen)
-        m_held = {window->id, {m_pointer.x - window->axFrame.minX(), m_pointer.y - window->axFrame.minY()}};
+        m_held = {window->id,
+                  window->axFrame,
+                  {m_pointer.x - window->axFrame.minX(), m_pointer.y - window->axFrame.minY()}};
     m_isReported = !(window && window->pid == SimState::kOwnPid);
     if (m_isReported)
         report(MouseEventKind::LeftDown);
+}
+
+void SimMouse::cancel() {
+    if (m_isDown && m_isReported)
+        report(MouseEventKind::Cancelled);
+    SimWindow* const window = m_held ? m_state.window(m_held->window) : nullptr;
+    if (window)
+        window->axFrame = m_held->start;
+    m_held.reset();
 }
 
 void SimMouse::release() {

@@ -45,6 +45,8 @@ public:
     void press();
     /// Releases the button.
     void release();
+    /// The user presses Escape: a held window returns to where it was grabbed, and is let go.
+    void cancel();
     /// Releases the button while another program has grabbed the mouse: the release is reported with the next
     /// movement.
     void loseRelease();
@@ -52,6 +54,7 @@ public:
 private:
     struct Held {
         WindowId window;
+        Rect start; ///< its frame when it was grabbed, in accessibility coordinates
         Point grip; ///< position of the pointer in the window when the button was pressed
     };
 

@@ -12,6 +12,7 @@ namespace tessarel::x11test {
 
 /// X keycodes of physical keys, independent of the keyboard layout.
 namespace key {
+inline constexpr xcb_keycode_t kEscape = 9;
 inline constexpr xcb_keycode_t kDigit1 = 10; ///< the digits 2 to 9 follow
 inline constexpr xcb_keycode_t kBackspace = 22;
 inline constexpr xcb_keycode_t kReturn = 36;

@@ -2,6 +2,7 @@
 
 #include "model/call_on_end.h"
 #include "platform/x11/displays/conversions.h"
+#include "platform/x11/input/keycode_table.h"
 #include "platform/x11/input/modifier_flags.h"
 #include "platform/x11/windows/window_at_point.h"
 #include "platform/x11/windows/window_traits.h"
@@ -18,6 +19,9 @@ namespace {
 
 /// The highest button that can act as the left one. Higher ones are the wheel (4 to 7) and side buttons.
 constexpr std::uint32_t kLastOrdinaryButton = 3;
+
+/// Virtual key code of the key that takes a dragged window back.
+constexpr std::uint32_t kEscape = 53;
 
 // How often, and at which interval, to query again while another client's grab hides the press.
 constexpr int kLooksForPress = 10;
@@ -110,11 +114,18 @@ void X11Mouse::note(const RawMouseEvent& event) {
     if (event.kind == RawMouseKind::Motion)
         m_news.moved = true;
     else if (event.kind == RawMouseKind::Key)
-        m_news.typed |= !m_news.heldReleased;
+        noteKey(event.keycode);
     else if (event.kind == RawMouseKind::Release)
         noteRelease(event.button);
     else if (event.button <= kLastOrdinaryButton)
         notePress(event.button);
+}
+
+void X11Mouse::noteKey(std::uint32_t keycode) {
+    if (m_news.heldReleased)
+        return;
+    m_news.typed = true;
+    m_news.cancelled |= keycode == keycodeOf(kEscape);
 }
 
 void X11Mouse::notePress(std::uint32_t button) {
@@ -208,6 +219,10 @@ void X11Mouse::follow(const News& news, const xcb_query_pointer_reply_t& pointer
     // Compares the position too: when a client warps the pointer, the server sends no raw motion.
     const bool hasMoved =
         news.moved || rootPoint(pointer) != m_held->lastRootPoint || modifiers != m_held->lastModifiers;
+    if (news.cancelled && !isPressedAgain)
+        report(MouseEventKind::Cancelled, rootPoint(pointer), modifiers);
+    if (alive.expired() || !m_held) // a handler may have destroyed this object or removed the last monitor
+        return;
     // When the release event was lost, it is unknown where it happened: do not report a drag to this
     // position.
     if (hasMoved && !isPressedAgain && (isDown || news.heldReleased))

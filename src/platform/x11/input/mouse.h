@@ -49,7 +49,8 @@ private:
         std::vector<std::uint32_t> presses; ///< physical buttons, in the order of the presses
         bool heldReleased = false;          ///< the button in `m_held` was released
         bool moved = false;
-        bool typed = false; ///< a key went down or up before the held button was released
+        bool typed = false;     ///< a key went down or up before the held button was released
+        bool cancelled = false; ///< Escape went down before the held button was released
 
         [[nodiscard]] bool any() const { return !presses.empty() || heldReleased || moved || typed; }
     };
@@ -65,6 +66,7 @@ private:
 
     [[nodiscard]] bool isMonitored() const;
     void note(const RawMouseEvent& event);
+    void noteKey(std::uint32_t keycode);
     void notePress(std::uint32_t button);
     void noteRelease(std::uint32_t button);
     void noteRead(const Connection::Event& event);
@@ -84,7 +86,7 @@ private:
     ClientWindows& m_windows;
     MainQueuePort& m_queue;
     RawMouse m_raw;
-    std::array<Signal<const MouseEvent&>, 3> m_handlers; ///< by kind
+    std::array<Signal<const MouseEvent&>, 4> m_handlers; ///< by kind
 
     std::optional<Held> m_held; ///< empty while the left button is up
     News m_news;

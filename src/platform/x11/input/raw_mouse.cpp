@@ -58,14 +58,15 @@ std::optional<RawMouseEvent> RawMouse::read(const Connection::Event& event) cons
         return std::nullopt;
     switch (raw.event_type) {
     case XCB_INPUT_RAW_BUTTON_PRESS:
-        return RawMouseEvent{RawMouseKind::Press, raw.detail};
+        return RawMouseEvent{RawMouseKind::Press, raw.detail, 0};
     case XCB_INPUT_RAW_BUTTON_RELEASE:
-        return RawMouseEvent{RawMouseKind::Release, raw.detail};
+        return RawMouseEvent{RawMouseKind::Release, raw.detail, 0};
     case XCB_INPUT_RAW_MOTION:
-        return RawMouseEvent{RawMouseKind::Motion, 0};
+        return RawMouseEvent{RawMouseKind::Motion, 0, 0};
     case XCB_INPUT_RAW_KEY_PRESS:
+        return RawMouseEvent{RawMouseKind::Key, 0, raw.detail};
     case XCB_INPUT_RAW_KEY_RELEASE:
-        return RawMouseEvent{RawMouseKind::Key, 0};
+        return RawMouseEvent{RawMouseKind::Key, 0, 0};
     default:
         return std::nullopt;
     }

@@ -11,10 +11,11 @@ namespace tessarel::x11 {
 enum class RawMouseKind { Press, Release, Motion, Key };
 
 /// A raw event of the mouse or the keyboard. It is reported for all windows and during other clients' grabs.
-/// It carries neither the pointer position nor the modifiers; which key it was is not decoded.
+/// It carries neither the pointer position nor the modifiers.
 struct RawMouseEvent {
     RawMouseKind kind = RawMouseKind::Motion;
-    std::uint32_t button = 0; ///< physical button, from 1; 0 for motion and keys
+    std::uint32_t button = 0;  ///< physical button, from 1; 0 for motion and keys
+    std::uint32_t keycode = 0; ///< of a key that went down; 0 for everything else
 };
 
 /// Selects and decodes XInput 2 raw events of all master devices.
