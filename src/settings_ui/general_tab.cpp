@@ -22,7 +22,7 @@ namespace {
 
 constexpr LabelStyle kHeading{.bold = true, .size = 14};
 constexpr WrapStyle kNote{.size = 12, .secondary = true};
-constexpr int kRowHeight = 22;
+constexpr int kIgnoredRowHeight = 22;
 
 QString appName() {
     return toQString(Config::appName);
@@ -208,7 +208,7 @@ void GeneralTab::reloadTable() {
     m_table->clear();
     for (const std::string& bundleIdentifier : settings().ignoredApps) {
         auto* const row = new QListWidgetItem(displayName(bundleIdentifier), m_table);
-        row->setSizeHint({0, kRowHeight});
+        row->setSizeHint({0, kIgnoredRowHeight});
     }
     // The same row: after a removal, the next application is selected.
     m_table->setCurrentRow(selected < m_table->count() ? selected : -1);
