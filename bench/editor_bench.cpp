@@ -5,8 +5,8 @@
 //   editor_bench [EVENTS]
 
 #include "model/presets.h"
-#include "settings_ui/zone_editor_picture.h"
-#include "settings_ui/zone_editor_view.h"
+#include "settings_ui/editor/zone_editor_picture.h"
+#include "settings_ui/editor/zone_editor_view.h"
 #include "support/clock.h"
 #include "support/statistics.h"
 #include "support/table.h"

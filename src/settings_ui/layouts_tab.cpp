@@ -3,11 +3,11 @@
 #include "model/action_id.h"
 #include "model/presets.h"
 #include "qt_values/text.h"
-#include "settings_ui/pop_up_button.h"
+#include "settings_ui/editor/zone_editor_view.h"
+#include "settings_ui/editor/zone_fields.h"
+#include "settings_ui/kit/pop_up_button.h"
+#include "settings_ui/kit/segmented_control.h"
 #include "settings_ui/recorder_button.h"
-#include "settings_ui/segmented_control.h"
-#include "settings_ui/zone_editor_view.h"
-#include "settings_ui/zone_fields.h"
 
 #include <QCheckBox>
 #include <QPushButton>

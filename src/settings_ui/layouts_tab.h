@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/layout.h"
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 #include "settings_ui/tab_context.h"
 
 #include <memory>

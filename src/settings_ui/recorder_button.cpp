@@ -3,8 +3,8 @@
 #include "model/carbon_mods.h"
 #include "model/key_names.h"
 #include "qt_values/text.h"
-#include "settings_ui/fitted_text.h"
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/fitted_text.h"
+#include "settings_ui/kit/kit.h"
 
 #include <QFocusEvent>
 #include <QHideEvent>

@@ -2,7 +2,7 @@
 
 #include "model/config.h"
 #include "qt_values/text.h"
-#include "settings_ui/pixel_grid.h"
+#include "settings_ui/kit/pixel_grid.h"
 
 #include <QCursor>
 #include <QGuiApplication>

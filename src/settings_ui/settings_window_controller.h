@@ -3,7 +3,7 @@
 #include "app/settings_window.h"
 #include "settings_ui/about_tab.h"
 #include "settings_ui/general_tab.h"
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 #include "settings_ui/layouts_tab.h"
 #include "settings_ui/shortcuts_tab.h"
 #include "settings_ui/tab_context.h"

@@ -4,7 +4,7 @@
 #include "model/app_settings.h"
 #include "model/key_names.h"
 #include "qt_values/text.h"
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 
 #include <QLabel>
 #include <QPushButton>

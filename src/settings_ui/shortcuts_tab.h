@@ -1,6 +1,6 @@
 #pragma once
 
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 #include "settings_ui/recorder_button.h"
 #include "settings_ui/tab_context.h"
 

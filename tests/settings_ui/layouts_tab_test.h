@@ -1,13 +1,13 @@
 #pragma once
 
 #include "model/presets.h"
-#include "settings_ui/kit.h"
+#include "settings_ui/editor/zone_editor_view.h"
+#include "settings_ui/kit/kit.h"
+#include "settings_ui/kit/pop_up_button.h"
+#include "settings_ui/kit/segmented_control.h"
 #include "settings_ui/layouts_tab.h"
-#include "settings_ui/pop_up_button.h"
 #include "settings_ui/recorder_button.h"
-#include "settings_ui/segmented_control.h"
 #include "settings_ui/settings_ui_test.h"
-#include "settings_ui/zone_editor_view.h"
 
 #include <QAbstractItemView>
 #include <QApplication>

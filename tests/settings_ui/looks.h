@@ -1,7 +1,7 @@
 #pragma once
 
-#include "settings_ui/fitted_text.h"
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/fitted_text.h"
+#include "settings_ui/kit/kit.h"
 
 #include <QAbstractButton>
 #include <QCheckBox>

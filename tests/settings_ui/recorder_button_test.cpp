@@ -1,6 +1,6 @@
 #include "settings_ui/recorder_button.h"
 
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 #include "settings_ui/settings_ui_test.h"
 
 #include <QApplication>

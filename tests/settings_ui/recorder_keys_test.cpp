@@ -1,6 +1,6 @@
 #include "platform/qt_x11/qt_local_keys.h"
 #include "platform/x11/input/key_lookup.h"
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 #include "settings_ui/recorder_button.h"
 #include "settings_ui/settings_ui_test.h"
 

@@ -1,7 +1,7 @@
 #include "settings_ui/settings_window_controller.h"
 
 #include "model/presets.h"
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 #include "settings_ui/settings_ui_test.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
-#include "settings_ui/segmented_control.h"
+#include "settings_ui/kit/segmented_control.h"
 
-#include "settings_ui/kit.h"
-#include "settings_ui/pixel_grid.h"
+#include "settings_ui/kit/kit.h"
+#include "settings_ui/kit/pixel_grid.h"
 
 #include <QColor>
 #include <QPainter>

@@ -1,6 +1,6 @@
-#include "settings_ui/zone_editing.h"
+#include "settings_ui/editor/zone_editing.h"
 
-#include "settings_ui/zone_snap.h"
+#include "settings_ui/editor/zone_snap.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "settings_ui/zone_editing_fixture.h"
+#include "settings_ui/editor/zone_editing_fixture.h"
 
 namespace tessarel {
 namespace {

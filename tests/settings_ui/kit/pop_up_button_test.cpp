@@ -1,4 +1,4 @@
-#include "settings_ui/pop_up_button.h"
+#include "settings_ui/kit/pop_up_button.h"
 
 #include "support/offscreen_test.h"
 

@@ -1,6 +1,6 @@
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 
-#include "settings_ui/fitted_text.h"
+#include "settings_ui/kit/fitted_text.h"
 
 #include <QAbstractScrollArea>
 #include <QByteArray>

@@ -1,4 +1,4 @@
-#include "settings_ui/zone_fields.h"
+#include "settings_ui/editor/zone_fields.h"
 
 #include "model/presets.h"
 #include "support/offscreen_test.h"

@@ -1,6 +1,6 @@
-#include "settings_ui/zone_editor_view.h"
+#include "settings_ui/editor/zone_editor_view.h"
 
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>

@@ -1,4 +1,4 @@
-#include "settings_ui/fitted_text.h"
+#include "settings_ui/kit/fitted_text.h"
 
 #include "qt_values/text.h"
 

@@ -1,7 +1,7 @@
-#include "settings_ui/zone_editor_view.h"
+#include "settings_ui/editor/zone_editor_view.h"
 
 #include "model/presets.h"
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 #include "settings_ui/recorded_painting.h"
 #include "settings_ui/settings_ui_test.h"
 

@@ -1,7 +1,7 @@
-#include "settings_ui/zone_editor_picture.h"
+#include "settings_ui/editor/zone_editor_picture.h"
 
 #include "model/presets.h"
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 #include "settings_ui/recorded_painting.h"
 #include "support/offscreen_test.h"
 

@@ -1,6 +1,6 @@
-#include "settings_ui/segmented_control.h"
+#include "settings_ui/kit/segmented_control.h"
 
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 #include "settings_ui/recorded_painting.h"
 #include "support/offscreen_test.h"
 

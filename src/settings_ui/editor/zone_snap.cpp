@@ -1,4 +1,4 @@
-#include "settings_ui/zone_snap.h"
+#include "settings_ui/editor/zone_snap.h"
 
 #include "model/zone.h"
 

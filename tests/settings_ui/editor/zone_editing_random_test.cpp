@@ -1,5 +1,5 @@
 #include "model/presets.h"
-#include "settings_ui/zone_editing.h"
+#include "settings_ui/editor/zone_editing.h"
 #include "support/long_run.h"
 
 #include <gtest/gtest.h>

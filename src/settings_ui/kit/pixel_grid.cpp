@@ -1,4 +1,4 @@
-#include "settings_ui/pixel_grid.h"
+#include "settings_ui/kit/pixel_grid.h"
 
 #include <algorithm>
 #include <cmath>

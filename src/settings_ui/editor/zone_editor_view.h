@@ -1,8 +1,8 @@
 #pragma once
 
 #include "model/app_settings.h"
-#include "settings_ui/zone_editing.h"
-#include "settings_ui/zone_editor_picture.h"
+#include "settings_ui/editor/zone_editing.h"
+#include "settings_ui/editor/zone_editor_picture.h"
 
 #include <QWidget>
 

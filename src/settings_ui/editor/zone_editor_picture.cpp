@@ -1,9 +1,9 @@
-#include "settings_ui/zone_editor_picture.h"
+#include "settings_ui/editor/zone_editor_picture.h"
 
 #include "qt_values/color.h"
-#include "settings_ui/kit.h"
-#include "settings_ui/pixel_grid.h"
-#include "settings_ui/zone_editing.h"
+#include "settings_ui/editor/zone_editing.h"
+#include "settings_ui/kit/kit.h"
+#include "settings_ui/kit/pixel_grid.h"
 
 #include <QFontMetricsF>
 #include <QLineF>

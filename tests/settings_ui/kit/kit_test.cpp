@@ -1,4 +1,4 @@
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 
 #include "settings_ui/settings_ui_test.h"
 

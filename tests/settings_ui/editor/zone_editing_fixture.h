@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/presets.h"
-#include "settings_ui/zone_editing.h"
+#include "settings_ui/editor/zone_editing.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
-#include "settings_ui/pop_up_button.h"
+#include "settings_ui/kit/pop_up_button.h"
 
-#include "settings_ui/fitted_text.h"
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/fitted_text.h"
+#include "settings_ui/kit/kit.h"
 
 #include <QChar>
 #include <QEvent>

@@ -1,6 +1,6 @@
-#include "settings_ui/zone_fields.h"
+#include "settings_ui/editor/zone_fields.h"
 
-#include "settings_ui/kit.h"
+#include "settings_ui/kit/kit.h"
 
 #include <QLabel>
 #include <QLineEdit>
