@@ -3,6 +3,8 @@
 #include "model/call_on_end.h"
 #include "platform/qt_x11/qt_local_keys.h"
 #include "platform/sim/sim_services.h"
+#include "platform/x11/applications/accessibility.h"
+#include "platform/x11/applications/workspace.h"
 #include "platform/x11/displays/displays.h"
 #include "platform/x11/displays/monitors.h"
 #include "platform/x11/input/hot_keys.h"
@@ -12,9 +14,7 @@
 #include "platform/x11/server/bell.h"
 #include "platform/x11/server/single_instance.h"
 #include "platform/x11/server/trust.h"
-#include "platform/x11/windows/accessibility.h"
 #include "platform/x11/windows/client_windows.h"
-#include "platform/x11/windows/workspace.h"
 #include "platform/xdg/file_preferences.h"
 
 #include <QEventLoop>

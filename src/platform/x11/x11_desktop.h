@@ -1,6 +1,10 @@
 #pragma once
 
 #include "model/config.h"
+#include "platform/x11/applications/accessibility.h"
+#include "platform/x11/applications/application_watch.h"
+#include "platform/x11/applications/applications.h"
+#include "platform/x11/applications/workspace.h"
 #include "platform/x11/displays/conversions.h"
 #include "platform/x11/displays/displays.h"
 #include "platform/x11/displays/monitors.h"
@@ -11,12 +15,8 @@
 #include "platform/x11/server/connection.h"
 #include "platform/x11/server/single_instance.h"
 #include "platform/x11/server/trust.h"
-#include "platform/x11/windows/accessibility.h"
-#include "platform/x11/windows/application_watch.h"
-#include "platform/x11/windows/applications.h"
 #include "platform/x11/windows/client_windows.h"
 #include "platform/x11/windows/window_list.h"
-#include "platform/x11/windows/workspace.h"
 #include "platform/x11/words.h"
 #include "platform/xdg/file_preferences.h"
 #include "platform/xdg/login_item.h"

@@ -1,12 +1,12 @@
 #pragma once
 
+#include "platform/x11/applications/accessibility.h"
+#include "platform/x11/applications/workspace.h"
 #include "platform/x11/displays/displays.h"
 #include "platform/x11/displays/monitors.h"
 #include "platform/x11/manual_queue.h"
 #include "platform/x11/server/connection.h"
-#include "platform/x11/windows/accessibility.h"
 #include "platform/x11/windows/client_windows.h"
-#include "platform/x11/windows/workspace.h"
 #include "support/x11/observer.h"
 #include "support/x11/test_client.h"
 #include "support/x11/window_manager.h"

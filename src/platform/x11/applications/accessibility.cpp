@@ -1,4 +1,4 @@
-#include "platform/x11/windows/accessibility.h"
+#include "platform/x11/applications/accessibility.h"
 
 #include "platform/x11/displays/conversions.h"
 #include "platform/x11/windows/window_at_point.h"

@@ -1,4 +1,4 @@
-#include "platform/x11/windows/application_watch.h"
+#include "platform/x11/applications/application_watch.h"
 
 #include "platform/x11/server/property.h"
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "model/signal.h"
+#include "platform/x11/applications/applications.h"
+#include "platform/x11/applications/process_start.h"
 #include "platform/x11/server/connection.h"
-#include "platform/x11/windows/applications.h"
 #include "platform/x11/windows/client_windows.h"
-#include "platform/x11/windows/process_start.h"
 #include "ports/workspace_port.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "platform/x11/windows/applications.h"
+#include "platform/x11/applications/applications.h"
 
 #include <algorithm>
 #include <map>

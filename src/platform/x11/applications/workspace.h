@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/x11/windows/application_watch.h"
-#include "platform/x11/windows/applications.h"
+#include "platform/x11/applications/application_watch.h"
+#include "platform/x11/applications/applications.h"
 #include "ports/workspace_port.h"
 
 #include <functional>

@@ -1,4 +1,4 @@
-#include "platform/x11/windows/workspace.h"
+#include "platform/x11/applications/workspace.h"
 
 #include <unistd.h>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "platform/x11/windows/process_start.h"
+#include "platform/x11/applications/process_start.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/x11/applications/application_watch.h"
 #include "platform/x11/displays/monitors.h"
 #include "platform/x11/server/connection.h"
-#include "platform/x11/windows/application_watch.h"
 #include "platform/x11/windows/client_windows.h"
 #include "platform/x11/windows/placement.h"
 #include "ports/accessibility_port.h"
