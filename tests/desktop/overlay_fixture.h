@@ -2,8 +2,8 @@
 
 #include "platform/qt_x11/overlay/x11_overlay.h"
 #include "platform/qt_x11/overlay/x11_overlay_widget.h"
-#include "platform/sim/sim_clock.h"
-#include "platform/sim/sim_main_queue.h"
+#include "platform/sim/time/sim_clock.h"
+#include "platform/sim/time/sim_main_queue.h"
 #include "support/overlay_figures.h"
 #include "support/x11/child_process.h"
 #include "support/x11/observer.h"

@@ -1,8 +1,8 @@
 #include "contract/contract_desktop.h"
 #include "macos/fake/fake_mac.h"
 #include "platform/macos/desktop.h"
-#include "platform/sim/sim_clock.h"
-#include "platform/sim/sim_main_queue.h"
+#include "platform/sim/time/sim_clock.h"
+#include "platform/sim/time/sim_main_queue.h"
 
 #include <gtest/gtest.h>
 

@@ -2,8 +2,8 @@
 
 #include "macos/fake/fake_mac.h"
 #include "platform/macos/desktop.h"
-#include "platform/sim/sim_clock.h"
-#include "platform/sim/sim_main_queue.h"
+#include "platform/sim/time/sim_clock.h"
+#include "platform/sim/time/sim_main_queue.h"
 
 #include <gtest/gtest.h>
 

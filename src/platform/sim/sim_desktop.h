@@ -1,22 +1,22 @@
 #pragma once
 
-#include "platform/sim/sim_accessibility.h"
-#include "platform/sim/sim_displays.h"
 #include "platform/sim/sim_hot_keys.h"
 #include "platform/sim/sim_local_keys.h"
 #include "platform/sim/sim_login_item.h"
-#include "platform/sim/sim_main_queue.h"
 #include "platform/sim/sim_mouse.h"
 #include "platform/sim/sim_overlay.h"
 #include "platform/sim/sim_preferences.h"
 #include "platform/sim/sim_services.h"
 #include "platform/sim/sim_single_instance.h"
-#include "platform/sim/sim_state.h"
 #include "platform/sim/sim_status_item.h"
 #include "platform/sim/sim_url_loading.h"
-#include "platform/sim/sim_wall_clock.h"
-#include "platform/sim/sim_window_list.h"
-#include "platform/sim/sim_workspace.h"
+#include "platform/sim/time/sim_main_queue.h"
+#include "platform/sim/time/sim_wall_clock.h"
+#include "platform/sim/windows/sim_accessibility.h"
+#include "platform/sim/windows/sim_displays.h"
+#include "platform/sim/windows/sim_state.h"
+#include "platform/sim/windows/sim_window_list.h"
+#include "platform/sim/windows/sim_workspace.h"
 
 #include <cstdint>
 #include <memory>

@@ -2,7 +2,7 @@
 
 #include "model/signal.h"
 #include "model/subscription.h"
-#include "platform/sim/sim_state.h"
+#include "platform/sim/windows/sim_state.h"
 #include "ports/mouse_port.h"
 
 #include <cstdint>

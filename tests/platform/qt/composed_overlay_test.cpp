@@ -1,7 +1,7 @@
 #include "platform/qt/composed_overlay.h"
 
-#include "platform/sim/sim_clock.h"
-#include "platform/sim/sim_main_queue.h"
+#include "platform/sim/time/sim_clock.h"
+#include "platform/sim/time/sim_main_queue.h"
 #include "support/offscreen_test.h"
 #include "support/overlay_figures.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/sim/sim_clock.h"
-#include "platform/sim/sim_main_queue.h"
+#include "platform/sim/time/sim_clock.h"
+#include "platform/sim/time/sim_main_queue.h"
 #include "platform/x11/server/connection.h"
 
 #include <xcb/xcb.h>

@@ -1,8 +1,8 @@
 #include "platform/qt_x11/overlay/x11_overlay_window.h"
 
 #include "platform/qt_x11/overlay/x11_overlay.h"
-#include "platform/sim/sim_clock.h"
-#include "platform/sim/sim_main_queue.h"
+#include "platform/sim/time/sim_clock.h"
+#include "platform/sim/time/sim_main_queue.h"
 #include "support/offscreen_test.h"
 #include "support/overlay_figures.h"
 

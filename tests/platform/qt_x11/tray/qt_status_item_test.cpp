@@ -1,7 +1,7 @@
 #include "platform/qt_x11/tray/qt_status_item.h"
 
-#include "platform/sim/sim_clock.h"
-#include "platform/sim/sim_main_queue.h"
+#include "platform/sim/time/sim_clock.h"
+#include "platform/sim/time/sim_main_queue.h"
 
 #include <QApplication>
 #include <QEventLoop>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sim/sim_state.h"
+#include "platform/sim/windows/sim_state.h"
 #include "ports/window_list_port.h"
 
 #include <vector>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sim/sim_clock.h"
+#include "platform/sim/time/sim_clock.h"
 #include "ports/wall_clock_port.h"
 
 #include <chrono>

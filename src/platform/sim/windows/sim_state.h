@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/sim/sim_application.h"
-#include "platform/sim/sim_clock.h"
-#include "platform/sim/sim_observers.h"
-#include "platform/sim/sim_window.h"
+#include "platform/sim/time/sim_clock.h"
+#include "platform/sim/windows/sim_application.h"
+#include "platform/sim/windows/sim_observers.h"
+#include "platform/sim/windows/sim_window.h"
 #include "ports/accessibility_port.h"
 #include "ports/displays_port.h"
 #include "ports/process_id.h"

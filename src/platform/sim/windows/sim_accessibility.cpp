@@ -1,4 +1,4 @@
-#include "platform/sim/sim_accessibility.h"
+#include "platform/sim/windows/sim_accessibility.h"
 
 #include <algorithm>
 #include <cmath>

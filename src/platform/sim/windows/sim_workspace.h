@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sim/sim_state.h"
+#include "platform/sim/windows/sim_state.h"
 #include "ports/workspace_port.h"
 
 #include <functional>

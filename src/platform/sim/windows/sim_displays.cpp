@@ -1,4 +1,4 @@
-#include "platform/sim/sim_displays.h"
+#include "platform/sim/windows/sim_displays.h"
 
 namespace tessarel::sim {
 

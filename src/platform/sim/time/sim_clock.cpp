@@ -1,4 +1,4 @@
-#include "platform/sim/sim_clock.h"
+#include "platform/sim/time/sim_clock.h"
 
 #include "model/call_on_end.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sim/sim_window.h"
+#include "platform/sim/windows/sim_window.h"
 #include "ports/main_queue_port.h"
 #include "ports/process_id.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/sim/sim_clock.h"
+#include "platform/sim/time/sim_clock.h"
 #include "ports/main_queue_port.h"
 
 namespace tessarel::sim {

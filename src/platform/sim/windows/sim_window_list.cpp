@@ -1,4 +1,4 @@
-#include "platform/sim/sim_window_list.h"
+#include "platform/sim/windows/sim_window_list.h"
 
 namespace tessarel::sim {
 
