@@ -28,11 +28,12 @@ declare -A sees=(
     [platform/x11]="model ports platform/xdg platform/x11/server platform/x11/displays platform/x11/windows platform/x11/applications platform/x11/input"
     [platform/macos]="model ports"
     [platform/qt]="model ports qt_values"
+    [platform/qt/overlay]="model ports qt_values"
     [platform/qt_web]="model ports"
     [platform/posix]="model ports platform/qt"
     [platform/qt_xdg]="model ports qt_values platform/qt"
     [platform/qt_x11]="model ports qt_values platform/qt"
-    [platform/qt_x11/overlay]="model ports qt_values platform/qt platform/qt_x11"
+    [platform/qt_x11/overlay]="model ports qt_values platform/qt platform/qt/overlay platform/qt_x11"
     [platform/qt_x11/tray]="model ports qt_values platform/qt platform/qt_x11"
 )
 no_qt_and_no_system="model ports engine snap placer app"

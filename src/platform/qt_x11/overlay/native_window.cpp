@@ -1,6 +1,6 @@
 #include "platform/qt_x11/overlay/native_window.h"
 
-#include "platform/qt/overlay_pixels.h"
+#include "platform/qt/overlay/overlay_pixels.h"
 #include "platform/qt_x11/qt_connection.h"
 
 #include <QWidget>

@@ -1,7 +1,7 @@
 #include "platform/qt_x11/overlay/outline_figures.h"
 
-#include "platform/qt/overlay_pixels.h"
-#include "platform/qt/overlay_text.h"
+#include "platform/qt/overlay/overlay_pixels.h"
+#include "platform/qt/overlay/overlay_text.h"
 #include "qt_values/color.h"
 #include "qt_values/text.h"
 

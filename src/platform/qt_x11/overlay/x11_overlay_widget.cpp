@@ -1,6 +1,6 @@
 #include "platform/qt_x11/overlay/x11_overlay_widget.h"
 
-#include "platform/qt/overlay_pixels.h"
+#include "platform/qt/overlay/overlay_pixels.h"
 #include "platform/qt_x11/overlay/native_window.h"
 #include "platform/qt_x11/overlay/outline_figures.h"
 

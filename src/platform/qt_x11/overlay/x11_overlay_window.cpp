@@ -1,6 +1,6 @@
 #include "platform/qt_x11/overlay/x11_overlay_window.h"
 
-#include "platform/qt/overlay_pixels.h"
+#include "platform/qt/overlay/overlay_pixels.h"
 
 #include <utility>
 

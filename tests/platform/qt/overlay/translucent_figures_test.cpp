@@ -1,4 +1,4 @@
-#include "platform/qt/translucent_figures.h"
+#include "platform/qt/overlay/translucent_figures.h"
 
 #include "support/offscreen_test.h"
 #include "support/overlay_figures.h"

@@ -1,4 +1,4 @@
-#include "platform/qt/composed_overlay.h"
+#include "platform/qt/overlay/composed_overlay.h"
 
 #include "platform/sim/time/sim_clock.h"
 #include "platform/sim/time/sim_main_queue.h"

@@ -1,4 +1,4 @@
-#include "platform/qt/overlay_text.h"
+#include "platform/qt/overlay/overlay_text.h"
 
 #include <QFontDatabase>
 

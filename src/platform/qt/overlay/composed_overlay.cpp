@@ -1,8 +1,8 @@
-#include "platform/qt/composed_overlay.h"
+#include "platform/qt/overlay/composed_overlay.h"
 
 #include "model/subscription.h"
-#include "platform/qt/composed_overlay_widget.h"
-#include "platform/qt/overlay_pixels.h"
+#include "platform/qt/overlay/composed_overlay_widget.h"
+#include "platform/qt/overlay/overlay_pixels.h"
 
 #include <QRect>
 

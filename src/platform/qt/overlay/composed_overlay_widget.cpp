@@ -1,6 +1,6 @@
-#include "platform/qt/composed_overlay_widget.h"
+#include "platform/qt/overlay/composed_overlay_widget.h"
 
-#include "platform/qt/overlay_pixels.h"
+#include "platform/qt/overlay/overlay_pixels.h"
 
 #include <QPaintEvent>
 #include <QPainter>

@@ -1,4 +1,4 @@
-#include "platform/qt/overlay_pixels.h"
+#include "platform/qt/overlay/overlay_pixels.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/qt/translucent_figures.h"
+#include "platform/qt/overlay/translucent_figures.h"
 #include "ports/overlay_port.h"
 
 #include <QColor>
