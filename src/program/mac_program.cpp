@@ -1,7 +1,7 @@
 #include "program/mac_program.h"
 
-#include "platform/macos/accent_color.h"
-#include "platform/macos/overlay_properties.h"
+#include "platform/macos/shell/accent_color.h"
+#include "platform/macos/shell/overlay_properties.h"
 #include "platform/qt/focus_editing.h"
 #include "qt_values/color.h"
 #include "settings_ui/settings_window_controller.h"

@@ -2,7 +2,7 @@
 
 #include "app/app_delegate.h"
 #include "platform/macos/desktop.h"
-#include "platform/macos/own_application.h"
+#include "platform/macos/shell/own_application.h"
 #include "platform/qt/overlay/composed_overlay.h"
 #include "platform/qt/qt_alerts.h"
 #include "platform/qt/qt_main_queue.h"

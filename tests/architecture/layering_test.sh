@@ -29,7 +29,7 @@ plant platform/sim/windows.cpp '#include "platform/x11/server/connection.h"' "pl
 plant platform/x11/windows/a.cpp '#include "engine/geo.h"' "platform/x11/windows may not include engine/geo.h"
 plant platform/x11/server/a.cpp '#include "platform/x11/windows/b.h"' "is not under src/"
 plant platform/x11/windows/older/a.cpp 'int x;' "has no place in the house"
-plant platform/macos/mouse.mm '#import "engine/geo.h"' "platform/macos may not include engine/geo.h"
+plant platform/macos/input/mouse.mm '#import "engine/geo.h"' "platform/macos/input may not include engine/geo.h"
 plant engine/ax.cpp '#include <QString>' "engine may not include <QString>"
 plant engine/ax.cpp '#include <xcb/xcb.h>' "engine may not include <xcb/xcb.h>"
 plant app/signals.cpp '#include <unistd.h>' "app may not include <unistd.h>"

@@ -23,7 +23,7 @@ esac
 # check_back_end REASON: prints the reason and runs check.sh in place of this script.
 check_back_end() {
     echo "$0: $1: checking the macOS back end by itself, without Qt and without a link"
-    exec "$here/check.sh" compile "$root"/src/platform/macos/*.mm
+    exec "$here/check.sh" compile "$root"/src/platform/macos/*/*.mm
 }
 [ "$(uname -m)" = x86_64 ] || check_back_end "not x86_64"
 command -v npm >/dev/null || [ -x "$compiler/zig" ] || check_back_end "no npm"

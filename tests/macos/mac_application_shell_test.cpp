@@ -1,5 +1,5 @@
 #include "macos/mac_application_test.h"
-#include "platform/macos/single_instance.h"
+#include "platform/macos/shell/single_instance.h"
 #include "settings_ui/recorder_button.h"
 #include "support/main_queue.h"
 

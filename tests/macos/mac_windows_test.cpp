@@ -1,8 +1,8 @@
 #include "macos/fake/fake_windows.h"
 #include "macos/mac_test.h"
-#include "platform/macos/accent_color.h"
-#include "platform/macos/overlay_properties.h"
-#include "platform/macos/own_application.h"
+#include "platform/macos/shell/accent_color.h"
+#include "platform/macos/shell/overlay_properties.h"
+#include "platform/macos/shell/own_application.h"
 
 namespace tessarel::macos {
 namespace {

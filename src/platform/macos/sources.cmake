@@ -1,29 +1,13 @@
-# Sources of the back end: used by the library on macOS and by its tests over fakes on other systems.
-set(MACOS_SOURCES
-    accent_color.mm
-    accessibility.mm
-    conversions.mm
-    displays.mm
-    element_observer.mm
-    elements.mm
-    event_monitor.mm
-    hot_keys.mm
-    late_frames.mm
-    local_keys.mm
-    main_menu.mm
-    menu_rows.mm
-    mouse.mm
-    notification_observer.mm
-    open_panel.mm
-    overlay_properties.mm
-    own_application.mm
-    preferences.mm
-    reopen_requests.mm
-    running_applications.mm
-    services.mm
-    single_instance.mm
-    status_item.mm
-    trust.mm
-    window_list.mm
-    workspace.mm)
-list(TRANSFORM MACOS_SOURCES PREPEND ${CMAKE_CURRENT_LIST_DIR}/)
+# The sources of the back end by folder, for the libraries on a Mac and for their tests elsewhere.
+set(MACOS_FOLDERS objects windows input shell)
+set(MACOS_objects conversions.mm notification_observer.mm)
+set(MACOS_windows accessibility.mm displays.mm element_observer.mm elements.mm late_frames.mm running_applications.mm
+                  window_list.mm workspace.mm)
+set(MACOS_input event_monitor.mm hot_keys.mm local_keys.mm mouse.mm)
+set(MACOS_shell accent_color.mm main_menu.mm menu_rows.mm open_panel.mm overlay_properties.mm own_application.mm
+                preferences.mm reopen_requests.mm services.mm single_instance.mm status_item.mm trust.mm)
+set(MACOS_SOURCES "")
+foreach(folder ${MACOS_FOLDERS})
+    list(TRANSFORM MACOS_${folder} PREPEND ${CMAKE_CURRENT_LIST_DIR}/${folder}/)
+    list(APPEND MACOS_SOURCES ${MACOS_${folder}})
+endforeach()

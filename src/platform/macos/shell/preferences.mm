@@ -1,0 +1,46 @@
+#include "platform/macos/shell/preferences.h"
+
+#include "platform/macos/objects/conversions.h"
+
+namespace tessarel::macos {
+
+namespace {
+
+/// Stores `bytes` as data. Does nothing when `key` is not valid UTF-8.
+void store(std::string_view key, std::string_view bytes) {
+    if (const auto name = nsString(key))
+        [[NSUserDefaults standardUserDefaults] setObject:[NSData dataWithBytes:bytes.data()
+                                                                        length:bytes.size()]
+                                                  forKey:name.get()];
+}
+
+} // namespace
+
+std::optional<std::string> MacPreferences::data(std::string_view key) {
+    @autoreleasepool {
+        const auto name = nsString(key);
+        NSData* const stored = name ? [[NSUserDefaults standardUserDefaults] dataForKey:name.get()] : nil;
+        if (!stored)
+            return {};
+        return std::string(static_cast<const char*>([stored bytes]), [stored length]);
+    }
+}
+
+void MacPreferences::setData(std::string_view key, std::string_view bytes) {
+    @autoreleasepool {
+        const auto rejected = m_rejected.find(key);
+        if (rejected != m_rejected.end()) {
+            if (const auto before = data(key))
+                store(*rejected + ".rejected", *before);
+            m_rejected.erase(rejected);
+        }
+        store(key, bytes);
+    }
+}
+
+void MacPreferences::keepRejected(std::string_view key) {
+    if (data(key))
+        m_rejected.emplace(key);
+}
+
+} // namespace tessarel::macos
