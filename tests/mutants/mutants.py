@@ -167,7 +167,7 @@ def all_faults(folders: list[str]) -> list[tuple[str, Fault]]:
         if path.suffix not in (".cpp", ".h", ".mm") or not (CHECKOUT / path).exists():
             continue
         for name in folders:
-            if str(path) in FOLDERS[name].sources or str(path.parent) in FOLDERS[name].sources:
+            if any(path.is_relative_to(source) for source in FOLDERS[name].sources):
                 text = (CHECKOUT / path).read_text()
                 found += [(name, fault) for fault in faults_of(str(path), text)]
     return found
