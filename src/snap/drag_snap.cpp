@@ -47,25 +47,32 @@ bool shrinks(const Rect& axFrame, const Rect& start) {
            axFrame.absHeight() < start.absHeight() + kResizeTolerance;
 }
 
-/// Returns whether the size changes while an edge stays, as it does when the border opposite to it is
-/// dragged.
-bool isBorderDragged(const Rect& axFrame, const Rect& start) {
+/// The borders of a window that a press may have taken.
+struct Borders {
+    bool left = false;
+    bool right = false;
+    bool top = false;
+    bool bottom = false;
+
+    [[nodiscard]] bool any() const { return left || right || top || bottom; }
+};
+
+Borders bordersAt(const Point& axPoint, const Rect& axFrame) {
+    return {.left = axPoint.x < axFrame.minX() + kBorder,
+            .right = axPoint.x >= axFrame.maxX() - kBorder,
+            .top = axPoint.y < axFrame.minY() + kBorder,
+            .bottom = axPoint.y >= axFrame.maxY() - kBorder};
+}
+
+/// Returns whether the size changes as if one of `borders` was being dragged: the opposite edge stays. The
+/// top border may be thicker than expected, so it counts for every press unless the width changes as well.
+bool isBorderDragged(const Rect& axFrame, const Rect& start, const Borders& borders) {
     const bool isWidthChanged = std::abs(axFrame.absWidth() - start.absWidth()) >= kResizeTolerance;
     const bool isHeightChanged = std::abs(axFrame.absHeight() - start.absHeight()) >= kResizeTolerance;
-    return (isWidthChanged &&
-            (isNear(axFrame.minX(), start.minX()) || isNear(axFrame.maxX(), start.maxX()))) ||
-           (isHeightChanged &&
-            (isNear(axFrame.minY(), start.minY()) || isNear(axFrame.maxY(), start.maxY())));
-}
-
-bool fills(const Rect& axFrame, const Rect& axVisible) {
-    return isNear(axFrame.minX(), axVisible.minX()) && isNear(axFrame.maxX(), axVisible.maxX()) &&
-           isNear(axFrame.minY(), axVisible.minY()) && isNear(axFrame.maxY(), axVisible.maxY());
-}
-
-/// Returns whether a press at `point` may have taken a border of the window.
-bool isAtBorder(const Point& point, const Rect& axFrame) {
-    return !axFrame.inset(kBorder, kBorder).contains(point);
+    return (isWidthChanged && borders.left && isNear(axFrame.maxX(), start.maxX())) ||
+           (isWidthChanged && borders.right && isNear(axFrame.minX(), start.minX())) ||
+           (isHeightChanged && borders.bottom && isNear(axFrame.minY(), start.minY())) ||
+           (isHeightChanged && (borders.top || !isWidthChanged) && isNear(axFrame.maxY(), start.maxY()));
 }
 
 } // namespace
@@ -119,8 +126,8 @@ void DragSnap::mouseDown(const MouseEvent& event) {
                   .candidateClosed = std::move(closed),
                   .lastEvent = event,
                   .press = event.screenLocation,
-                  .isAtBorder = mayBeResized(candidate->axFrame) && isAtBorder(axPoint, candidate->axFrame),
-                  .movedSize = {},
+                  .axPress = axPoint,
+                  .movedFrame = {},
                   .nextRead = {},
                   .target = {}};
 }
@@ -153,23 +160,24 @@ bool DragSnap::candidateMoves() {
         reset();
     if (!axFrame)
         return false;
-    // Window managers that draw a dragged window to the screen's edges may keep its corner where it was.
-    if (!m_drag->isAtBorder && isSizeChanged(*axFrame, start))
-        return shrinks(*axFrame, start) && hasPointerMoved();
-    if (!isMoved(*axFrame, start))
+    const Borders borders = bordersAt(m_drag->axPress, start);
+    if (isBorderDragged(*axFrame, start, borders)) {
+        m_drag->movedFrame.reset();
         return false;
-    if (!m_drag->isAtBorder)
-        return true;
-    if (!isBorderDragged(*axFrame, start))
-        return keepsItsSize(axFrame->size());
-    m_drag->movedSize.reset();
-    return false;
+    }
+    if (borders.any())
+        return isMoved(*axFrame, start) && keepsItsSize(*axFrame);
+    // Window managers that draw a dragged window to the screen's edges may keep its corner where it was, so a
+    // change of size, as of a window that is pulled out of its place, is enough. One that grows may have been
+    // maximised by a double click: it has to move on.
+    if (isSizeChanged(*axFrame, start))
+        return hasPointerMoved() && (shrinks(*axFrame, start) || goesOnMoving(*axFrame));
+    return isMoved(*axFrame, start);
 }
 
-/// A window that fills its screen is maximised, and has no borders.
-bool DragSnap::mayBeResized(const Rect& axFrame) const {
-    const auto screen = m_uses.geo.screen(axFrame);
-    return !screen || !fills(axFrame, m_uses.geo.axVisible(*screen));
+bool DragSnap::goesOnMoving(const Rect& axFrame) {
+    const auto before = std::exchange(m_drag->movedFrame, axFrame);
+    return before && before->size() == axFrame.size() && before->origin() != axFrame.origin();
 }
 
 /// Returns whether the pointer has left the place of the press. A double click changes the size of some
@@ -182,10 +190,10 @@ bool DragSnap::hasPointerMoved() const {
 /// Some window managers follow a dragged border by moving the window first and resizing it a moment later, so
 /// its size lags behind. A window that was pressed at its border counts as dragged only if two reads in a row
 /// find it moved and with exactly the same size. The second read comes even if the pointer rests.
-bool DragSnap::keepsItsSize(const Size& size) {
-    if (m_drag->movedSize == size)
+bool DragSnap::keepsItsSize(const Rect& axFrame) {
+    const auto before = std::exchange(m_drag->movedFrame, axFrame);
+    if (before && before->size() == axFrame.size())
         return true;
-    m_drag->movedSize = size;
     m_drag->nextRead =
         m_uses.mainQueue.asyncAfter(kReadInterval, [this] { mouseDragged(MouseEvent(m_drag->lastEvent)); });
     return false;

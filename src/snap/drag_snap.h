@@ -80,10 +80,10 @@ private:
         MouseEvent lastEvent;
         /// Where the button was pressed, in screen coordinates.
         Point press;
-        /// Whether the press may have taken a border of the candidate.
-        bool isAtBorder = false;
-        /// Size of the candidate at the last read, if it had moved and its border is not known to be dragged.
-        std::optional<Size> movedSize;
+        /// Where the button was pressed, in accessibility coordinates.
+        Point axPress;
+        /// The candidate's last frame, if it had moved or changed its size without its border being dragged.
+        std::optional<Rect> movedFrame;
         /// A read for the case that the pointer rests.
         SubscriptionPtr nextRead;
         /// Whether the candidate has been seen to move.
@@ -97,9 +97,9 @@ private:
     void watch(MouseEventKind kind, Handler handler);
     void reset();
     [[nodiscard]] bool candidateMoves();
-    [[nodiscard]] bool mayBeResized(const Rect& axFrame) const;
     [[nodiscard]] bool hasPointerMoved() const;
-    [[nodiscard]] bool keepsItsSize(const Size& size);
+    [[nodiscard]] bool keepsItsSize(const Rect& axFrame);
+    [[nodiscard]] bool goesOnMoving(const Rect& axFrame);
     void follow(const MouseEvent& event);
     void place(const Candidate& candidate, const Target& target);
 

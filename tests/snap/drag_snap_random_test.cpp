@@ -28,8 +28,8 @@ struct NaiveDragSnap {
     sim::WindowId window{};
     Rect start;
     bool dragging = false;
-    bool pressedBorder = false;
-    std::optional<Size> sighting;
+    Point press;
+    std::optional<Rect> sighting;
     std::optional<MainQueuePort::TimePoint> readAgain;
     MouseEvent latest;
     Point pressed;
@@ -124,8 +124,7 @@ protected:
             naive.candidate = !isIgnored && py - frame.y <= 60;
             naive.window = id;
             naive.start = frame;
-            naive.pressedBorder = px < frame.x + 8 || px >= frame.x + frame.width - 8 || py < frame.y + 8 ||
-                                  py >= frame.y + frame.height - 8;
+            naive.press = {px, py};
             return;
         }
     }
@@ -153,29 +152,40 @@ protected:
         naive.lastRead = now;
         const Rect g = desktop.frame(naive.window);
         const Rect& s = naive.start;
-        const bool same = std::abs(g.width - s.width) < 3 && std::abs(g.height - s.height) < 3;
-        if (!naive.pressedBorder && !same) {
-            const bool smaller = g.width < s.width + 3 && g.height < s.height + 3;
-            const Point& pointedAt = naive.latest.screenLocation;
-            return smaller && std::hypot(pointedAt.x - naive.pressed.x, pointedAt.y - naive.pressed.y) > 3;
-        }
-        if (std::abs(g.x - s.x) <= 3 && std::abs(g.y - s.y) <= 3)
-            return false;
-        if (!naive.pressedBorder)
-            return true;
-        const auto isPulled = [](double near, double far, double length) {
-            return std::abs(length) >= 3 && (std::abs(near) <= 1 || std::abs(far) <= 1);
-        };
-        if (isPulled(g.x - s.x, g.x + g.width - s.x - s.width, g.width - s.width) ||
-            isPulled(g.y - s.y, g.y + g.height - s.y - s.height, g.height - s.height)) {
+        const bool wide = std::abs(g.width - s.width) >= 3;
+        const bool high = std::abs(g.height - s.height) >= 3;
+        const bool leftStays = std::abs(g.x - s.x) <= 1;
+        const bool topStays = std::abs(g.y - s.y) <= 1;
+        const bool rightStays = std::abs(g.x + g.width - s.x - s.width) <= 1;
+        const bool bottomStays = std::abs(g.y + g.height - s.y - s.height) <= 1;
+        const bool byLeft = naive.press.x < s.x + 8;
+        const bool byRight = naive.press.x >= s.x + s.width - 8;
+        const bool byTop = naive.press.y < s.y + 8;
+        const bool byBottom = naive.press.y >= s.y + s.height - 8;
+        if ((wide && byLeft && rightStays) || (wide && byRight && leftStays) ||
+            (high && byBottom && topStays) || (high && bottomStays && (byTop || !wide))) {
             naive.sighting.reset();
             return false;
         }
-        if (naive.sighting == g.size())
+        const bool moved = std::abs(g.x - s.x) > 3 || std::abs(g.y - s.y) > 3;
+        if (byLeft || byRight || byTop || byBottom) {
+            if (!moved)
+                return false;
+            const auto before = std::exchange(naive.sighting, g);
+            if (before && before->size() == g.size())
+                return true;
+            naive.readAgain = now + 30ms;
+            return false;
+        }
+        if (!wide && !high)
+            return moved;
+        const Point& pointedAt = naive.latest.screenLocation;
+        if (std::hypot(pointedAt.x - naive.pressed.x, pointedAt.y - naive.pressed.y) <= 3)
+            return false;
+        if (g.width < s.width + 3 && g.height < s.height + 3)
             return true;
-        naive.sighting = g.size();
-        naive.readAgain = now + 30ms;
-        return false;
+        const auto before = std::exchange(naive.sighting, g);
+        return before && before->size() == g.size() && before->origin() != g.origin();
     }
 
     void naiveOffer(const Screen& on, std::uint64_t flags, double px, double py) {

@@ -260,21 +260,27 @@ TEST_F(DragSnapTest, AWindowResizedByItsTopEdgeShowsNoOverlay) {
 /// Frames of the window during a drag, by what the user does.
 using Frames = std::vector<Rect>;
 
-TEST_F(DragSnapTest, AChangeOfSizeThatLeavesAnEdgeWhereItIsIsAResize) {
+TEST_F(DragSnapTest, AWindowWhoseBorderIsDraggedShowsNoOverlay) {
     mouse.hold(kShift);
     const Rect& s = kStart;
-    for (const Rect& resized : Frames{{s.x - 100, s.y, s.width + 100, s.height},
-                                      {s.x, s.y - 50, s.width, s.height + 50},
-                                      {s.x - 100, s.y - 50, s.width + 100, s.height + 50},
-                                      {s.x - 4, s.y, s.width + 4, s.height},
-                                      {s.x + 100, s.y + 50, s.width - 100, s.height - 50},
-                                      {s.x - 100, s.y + 1, s.width + 100, s.height},
-                                      {s.x - 99, s.y, s.width + 100, s.height}}) {
-        grab(window, {320, 5});
+    const std::vector<std::pair<Point, Rect>> resizes{
+        {{2, 30}, {s.x - 100, s.y, s.width + 100, s.height}},
+        {{2, 30}, {s.x + 100, s.y, s.width - 100, s.height}},
+        {{2, 30}, {s.x - 99, s.y, s.width + 100, s.height}}, // rounded
+        {{638, 30}, {s.x, s.y, s.width + 100, s.height}},
+        {{320, 5}, {s.x, s.y - 50, s.width, s.height + 50}},
+        {{320, 5}, {s.x, s.y + 50, s.width, s.height - 50}},
+        {{2, 5}, {s.x - 100, s.y - 50, s.width + 100, s.height + 50}},
+        {{2, 5}, {s.x + 100, s.y + 50, s.width - 100, s.height - 50}},
+        {{320, 15}, {s.x, s.y + 50, s.width, s.height - 50}}, // a thick border
+    };
+    for (const auto& [grip, resized] : resizes) {
+        grab(window, grip);
         desktop.drag(window, resized);
         desktop.advance(30ms);
         mouse.hold(0);
         mouse.hold(kShift); // reported as movements, under a resting pointer
+        desktop.advance(30ms);
 
         EXPECT_FALSE(picture.isVisible) << testing::PrintToString(resized);
         mouse.loseRelease();
@@ -282,22 +288,32 @@ TEST_F(DragSnapTest, AChangeOfSizeThatLeavesAnEdgeWhereItIsIsAResize) {
     }
 }
 
+TEST_F(DragSnapTest, AWindowThatIsPulledOutOfItsPlaceAndGrowsIsDraggedOnceItGoesOn) {
+    mouse.hold(kShift);
+    grab(window);
+    desktop.drag(window, {kStart.x - 80, kStart.y + 50, 800, 600});
+    dragTo({600, 300});
+    EXPECT_FALSE(picture.isVisible);
+
+    dragTo({610, 300});
+
+    EXPECT_TRUE(picture.isVisible);
+}
+
 TEST_F(DragSnapTest, AWindowThatIsPulledOutOfItsPlaceIsDraggedThoughItsSizeChanges) {
     const Rect visible = geo.axVisible(screen);
-    for (const Rect& pulled : Frames{{-1000, -500, 640, 480},
-                                     {visible.x, visible.y + 50, 640, 480},
-                                     {visible.x, visible.y, 640, 480}}) {
-        for (const Point& grip : {Point{700, 20}, Point{700, 0}}) {
+    mouse.hold(kShift);
+    for (const Point& way : {Point{400, 75}, Point{0, 50}}) {
+        for (const Point& grip : {Point{700, 20}, Point{700, 5}}) {
             desktop.drag(window, visible);
-            mouse.hold(0);
             grab(window, grip);
-            mouse.moveTo({pulled.x + 300, pulled.y + grip.y + 5});
-            desktop.drag(window, pulled);
+            desktop.drag(window, {visible.x, visible.y, 640, 480});
             desktop.advance(30ms);
 
-            mouse.hold(kShift); // reported as a movement, under a resting pointer
+            mouse.moveTo({visible.x + grip.x + way.x, visible.y + grip.y + way.y});
+            desktop.advance(30ms); // at its border it is read twice
 
-            EXPECT_TRUE(picture.isVisible) << testing::PrintToString(pulled) << grip.y;
+            EXPECT_TRUE(picture.isVisible) << way.x << " " << grip.y;
             mouse.cancel();
             mouse.release();
         }
@@ -317,16 +333,6 @@ TEST_F(DragSnapTest, ADoubleClickThatChangesTheSizeIsNoDrag) {
         mouse.loseRelease();
         desktop.drag(window, kStart);
     }
-}
-
-TEST_F(DragSnapTest, AWindowThatGrowsIsNotDragged) {
-    mouse.hold(kShift);
-    grab(window);
-
-    desktop.drag(window, {kStart.x, kStart.y, 700, 480});
-    dragTo({600, 300});
-
-    EXPECT_FALSE(picture.isVisible);
 }
 
 TEST_F(DragSnapTest, AWindowPressedAtItsBorderIsDraggedOnceItKeepsItsSize) {
