@@ -8,7 +8,7 @@ namespace tessarel::x11 {
 
 namespace {
 
-/// One modifier key in the three encodings: X11 mask, event flag, bit in a binding.
+/// One modifier key in both encodings: X11 mask and event flag.
 struct Modifier {
     std::uint16_t mask;
     ModifierFlags flag;
