@@ -48,7 +48,7 @@ Session sessionOf(Connection& connection, const char* waylandDisplay, const char
     const std::string_view type = sessionType ? sessionType : "";
     const bool mayBeXwayland = type == "wayland" || !display.empty();
     const bool isXwayland =
-        connection.extensions().isXwayland || (mayBeXwayland && hasMonitorsOfXwayland(connection));
+        mayBeXwayland && (connection.extensions().isXwayland || hasMonitorsOfXwayland(connection));
     return isXwayland ? Session::Wayland : Session::X11;
 }
 

@@ -17,8 +17,8 @@ namespace tessarel::x11 {
 /// The kind of desktop session.
 enum class Session { X11, Wayland };
 
-/// Returns the kind of session that the X server belongs to. $WAYLAND_DISPLAY and $XDG_SESSION_TYPE, null if
-/// unset, are only a reason to ask the server: one that is nested or remote inherits them, too.
+/// Returns the kind of session for the values of $WAYLAND_DISPLAY and $XDG_SESSION_TYPE, null if unset. They
+/// are only a reason to ask whether the server is Xwayland: one that is nested or remote inherits them, too.
 [[nodiscard]] Session sessionOf(Connection& connection, const char* waylandDisplay, const char* sessionType);
 
 /// Trust on X11: whether other programs' windows can be moved at all.
