@@ -64,16 +64,16 @@ void AppPlacer::windowCreated(const Element& window) {
     if (!app || !mayBePlaced(*app))
         return;
     m_placements.asyncAfter(kWindowDelay, [this, window, app = *app, index = zoneIndex(*app)] {
-        const RunningApplication identified = app.bundleIdentifier ? app : asItIsNow(app);
-        if (const auto due = index ? index : zoneIndex(identified))
-            place(window, identified, *due);
+        const RunningApplication owner = identified(app);
+        if (const auto due = index ? index : zoneIndex(owner))
+            place(window, owner, *due);
     });
 }
 
 /// Schedules the placement of the windows that a new application opens before its windows can be observed.
 void AppPlacer::placeExisting(const RunningApplication& app) {
     if (mayBePlaced(app))
-        m_placements.asyncAfter(kLaunchDelay, [this, app] { placeWindows(asItIsNow(app)); });
+        m_placements.asyncAfter(kLaunchDelay, [this, app] { placeWindows(identified(app)); });
 }
 
 /// Returns whether the application has a remembered zone, or may turn out to have one: some programs name
@@ -82,7 +82,10 @@ bool AppPlacer::mayBePlaced(const RunningApplication& app) const {
     return zoneIndex(app) || (!app.bundleIdentifier && m_uses.store.settings.rememberApps);
 }
 
-RunningApplication AppPlacer::asItIsNow(const RunningApplication& app) const {
+/// Returns the application, with the identifier that it has by now if it had none.
+RunningApplication AppPlacer::identified(const RunningApplication& app) const {
+    if (app.bundleIdentifier)
+        return app;
     return m_uses.workspace.runningApplication(app.processIdentifier).value_or(app);
 }
 

@@ -59,7 +59,7 @@ private:
     void placeExisting(const RunningApplication& app);
     void placeWindows(const RunningApplication& app);
     [[nodiscard]] bool mayBePlaced(const RunningApplication& app) const;
-    [[nodiscard]] RunningApplication asItIsNow(const RunningApplication& app) const;
+    [[nodiscard]] RunningApplication identified(const RunningApplication& app) const;
     [[nodiscard]] std::optional<std::size_t> zoneIndex(const RunningApplication& app) const;
     void place(const Element& window, const RunningApplication& app, std::size_t index);
     [[nodiscard]] bool isPlaceable(const Element& window) const;
