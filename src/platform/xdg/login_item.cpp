@@ -3,14 +3,13 @@
 #include "platform/xdg/desktop_entry.h"
 #include "platform/xdg/small_file.h"
 
-#include <QByteArray>
-#include <QSaveFile>
-#include <QString>
-
 #include <cerrno>
+#include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 #include <string_view>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -56,15 +55,27 @@ fs::path runningProgram() {
 }
 
 /// Returns an error text for the user: "The <subject> <path> <what>: <reason>."
-std::string sentence(std::string_view subject, const fs::path& path, std::string_view what,
-                     const std::string& reason) {
+std::string sentence(std::string_view subject, const fs::path& path, std::string_view what, int error) {
     return std::string("The ").append(subject).append(" ").append(path.string()).append(" ").append(what) +
-           ": " + reason + ".";
+           ": " + std::generic_category().message(error) + ".";
 }
 
-/// Returns the system's description of an `errno` value.
-std::string messageOf(int error) {
-    return std::generic_category().message(error);
+/// Writes `content` to `fd`, durably and readable for everyone, and closes it in any case. Returns 0 or the
+/// `errno` of the first failure.
+int writeAndClose(int fd, std::string_view content) {
+    int error = 0;
+    while (!content.empty() && error == 0) {
+        const ssize_t written = ::write(fd, content.data(), content.size());
+        if (written >= 0)
+            content.remove_prefix(static_cast<std::size_t>(written));
+        else if (errno != EINTR)
+            error = errno;
+    }
+    if (error == 0 && (::fchmod(fd, 0644) != 0 || ::fsync(fd) != 0))
+        error = errno;
+    if (::close(fd) != 0 && error == 0)
+        error = errno;
+    return error;
 }
 
 /// Returns whether a session starts the application of the autostart entry `content`.
@@ -108,7 +119,7 @@ std::optional<std::string> XdgLoginItem::unregisterItem() {
         return write(DesktopEntry::hidden(m_setup.name));
     if (::unlink(m_entry.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR)
         return std::nullopt;
-    return sentence("file", m_entry, "cannot be removed", messageOf(errno));
+    return sentence("file", m_entry, "cannot be removed", errno);
 }
 
 std::optional<std::string> XdgLoginItem::write(const std::string& content) const {
@@ -116,23 +127,20 @@ std::optional<std::string> XdgLoginItem::write(const std::string& content) const
     std::error_code failure;
     fs::create_directories(folder, failure);
     if (failure || !fs::is_directory(folder, failure))
-        return sentence("folder", folder, "cannot be created",
-                        messageOf(failure ? failure.value() : ENOTDIR));
+        return sentence("folder", folder, "cannot be created", failure ? failure.value() : ENOTDIR);
 
     // The entry is replaced atomically: a session that starts now reads the old one or the new one.
-    QSaveFile file(QString::fromStdString(m_entry.string()));
-    // Unbuffered: at a full disk a buffered file is committed empty.
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-        return sentence("file", m_entry, "cannot be written", file.errorString().toStdString());
-    const QByteArray bytes = QByteArray::fromStdString(content);
-    if (file.write(bytes) != bytes.size()) {
-        const std::string reason = file.errorString().toStdString();
-        file.cancelWriting();
-        return sentence("file", m_entry, "cannot be written", reason);
-    }
-    if (!file.commit())
-        return sentence("file", m_entry, "cannot be written", file.errorString().toStdString());
-    return std::nullopt;
+    std::string temporary = m_entry.string() + ".XXXXXX";
+    const int fd = ::mkstemp(temporary.data());
+    if (fd < 0)
+        return sentence("folder", folder, "cannot be written to", errno);
+    int error = writeAndClose(fd, content);
+    if (error == 0 && ::rename(temporary.c_str(), m_entry.c_str()) != 0)
+        error = errno;
+    if (error == 0)
+        return std::nullopt;
+    ::unlink(temporary.c_str());
+    return sentence("file", m_entry, "cannot be written", error);
 }
 
 } // namespace tessarel::xdg

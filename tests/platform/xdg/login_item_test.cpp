@@ -213,7 +213,8 @@ TEST_F(LoginItemTest, AnUnwritableFolderGivesAReadableError) {
 
     const auto failure = item.registerItem();
 
-    EXPECT_EQ(failure, "The file " + entry().string() + " cannot be written: Permission denied.");
+    EXPECT_EQ(failure,
+              "The folder " + entry().parent_path().string() + " cannot be written to: Permission denied.");
     EXPECT_EQ(item.status(), Status::NotRegistered);
 }
 
@@ -237,8 +238,7 @@ TEST_F(LoginItemTest, AFolderInPlaceOfTheEntryGivesAReadableError) {
     fs::create_directories(entry());
     XdgLoginItem item(setup());
 
-    EXPECT_EQ(item.registerItem(),
-              "The file " + entry().string() + " cannot be written: Filename refers to a directory.");
+    EXPECT_EQ(item.registerItem(), "The file " + entry().string() + " cannot be written: Is a directory.");
     EXPECT_EQ(item.unregisterItem(), "The file " + entry().string() + " cannot be removed: Is a directory.");
 
     EXPECT_EQ(item.status(), Status::NotRegistered);
