@@ -69,7 +69,7 @@ std::string_view ActionID::rawValue() const {
 }
 
 std::optional<std::size_t> ActionID::zoneIndex() const {
-    if (m_case > zone9)
+    if (m_case >= kZoneSlots)
         return std::nullopt;
     return m_case;
 }
