@@ -55,7 +55,7 @@ Session sessionOf(Connection& connection, const char* waylandDisplay, const char
 X11Trust::X11Trust(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
                    OpenUrlPort& openUrl)
     : m_connection(connection), m_windowManager(connection), m_session(session), m_queue(queue),
-      m_alerts(alerts), m_openUrl(openUrl) {}
+      m_alerts(alerts), m_openUrl(openUrl), m_startedAt(queue.now()) {}
 
 bool X11Trust::isTrusted() {
     return m_session == Session::X11 && m_windowManager.state().suffices();
@@ -65,8 +65,8 @@ void X11Trust::prompt() {
     if (m_prompt || isTrusted())
         return;
     const bool mayComeYet = m_session == Session::X11 && !m_windowManager.state().running;
-    m_prompt = m_queue.asyncAfter(mayComeYet ? MainQueuePort::Duration(kPatience) : MainQueuePort::Duration(),
-                                  [this] { explain(); });
+    const auto left = mayComeYet ? m_startedAt + kPatience - m_queue.now() : MainQueuePort::Duration::zero();
+    m_prompt = m_queue.asyncAfter(left, [this] { explain(); }); // at once if nothing is left
 }
 
 void X11Trust::explain() {

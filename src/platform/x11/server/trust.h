@@ -37,12 +37,14 @@ public:
     /// Returns whether windows can be moved. Takes no round trip unless the window manager has changed.
     [[nodiscard]] bool isTrusted() override;
 
-    /// How long an alert about a missing window manager waits, because one may be about to start.
+    /// How long after the start of the program an alert about a missing window manager waits, because one may
+    /// be about to start, too.
     static constexpr std::chrono::seconds kPatience{10};
 
     /// Shows an alert that explains what is missing, in the next iteration of the main queue; if no window
-    /// manager is running, `kPatience` later. By then it may be trusted; an open alert is closed as soon as
-    /// it is. Does nothing when trusted, nor while such an alert is pending or open.
+    /// manager is running, not before `kPatience` has passed since the start. By then it may be trusted; an
+    /// open alert is closed as soon as it is. Does nothing when trusted, nor while such an alert is pending
+    /// or open.
     void prompt() override;
 
     /// Opens the web page about supported platforms: there is no system setting to change.
@@ -59,6 +61,7 @@ private:
     MainQueuePort& m_queue;
     AlertsPort& m_alerts;
     OpenUrlPort& m_openUrl;
+    MainQueuePort::TimePoint m_startedAt;
     Lifetime m_lifetime;
     SubscriptionPtr m_prompt;    // null unless an alert is pending or open
     std::optional<Alert> m_open; // the alert that is open

@@ -196,6 +196,15 @@ TEST_F(X11TrustTest, AMissingWindowManagerHasTenSecondsToStart) {
     EXPECT_TRUE(alerts.shown.empty());
 }
 
+TEST_F(X11TrustTest, LaterOnAMissingWindowManagerIsReportedAtOnce) {
+    loop.turn(X11Trust::kPatience);
+
+    trust->prompt();
+    loop.turn();
+
+    EXPECT_EQ(alerts.shown.size(), 1U);
+}
+
 TEST_F(X11TrustTest, AnOpenAlertIsClosedWhenAWindowManagerStarts) {
     std::optional<PretendedWindowManager> manager;
     alerts.meanwhile = [&] {
