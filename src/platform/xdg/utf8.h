@@ -4,8 +4,8 @@
 
 namespace tessarel::xdg {
 
-/// Returns `text` up to its first NUL as valid UTF-8. Text that is not valid UTF-8 is decoded as Latin-1, the
-/// encoding of older clients and desktop entries.
+/// Returns `text` up to its first NUL as valid UTF-8. Text that is not valid UTF-8 is taken for Latin-1, as
+/// older clients write it.
 [[nodiscard]] std::string toUtf8(const std::string& text);
 
 } // namespace tessarel::xdg
