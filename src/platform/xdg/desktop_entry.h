@@ -6,7 +6,7 @@
 #include <string_view>
 #include <utility>
 
-struct _GKeyFile;
+struct _GKeyFile; // NOLINT(bugprone-reserved-identifier): GLib names it so
 
 namespace tessarel::xdg {
 
