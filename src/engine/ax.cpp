@@ -118,15 +118,18 @@ std::uintptr_t AX::key(const Element& element) const {
     return m_accessibility.key(element);
 }
 
-void AX::setFrame(const Element& window, ProcessId pid, const Rect& axFrame,
+bool AX::setFrame(const Element& window, ProcessId pid, const Rect& axFrame,
                   const std::optional<Rect>& bounds) {
+    bool hasRefused = false;
     withEnhancedUIOff(pid, [&] {
         if (!m_accessibility.canExpress(axFrame))
             return;
         writeFrame(window, axFrame);
-        if (bounds)
+        hasRefused = m_accessibility.hasRefused(window);
+        if (bounds && !hasRefused)
             pullInto(*bounds, window);
     });
+    return !hasRefused;
 }
 
 void AX::writeFrame(const Element& window, const Rect& axFrame) {

@@ -84,12 +84,13 @@ public:
     template <typename Work>
     void withEnhancedUIOff(ProcessId pid, Work&& work);
 
-    /// Moves and resizes the window. Writes nothing if the system cannot represent `axFrame`.
+    /// Moves and resizes the window. Writes nothing if the system cannot represent `axFrame`. Returns false
+    /// if the desktop has refused (see `AccessibilityPort::hasRefused`).
     ///
     /// If `bounds` is given and the window then extends beyond the right or bottom edge of the bounds by more
     /// than a point, because it has refused the size, moves it back to that edge, but not beyond the left or
     /// top edge.
-    void setFrame(const Element& window, ProcessId pid, const Rect& axFrame,
+    bool setFrame(const Element& window, ProcessId pid, const Rect& axFrame,
                   const std::optional<Rect>& bounds);
 
 private:

@@ -68,19 +68,22 @@ bool WindowEngine::isIgnored(const std::optional<RunningApplication>& app) const
     return std::find(ignored.begin(), ignored.end(), *app->bundleIdentifier) != ignored.end();
 }
 
-void WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFrame,
+bool WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFrame,
                          const std::optional<Rect>& bounds, const std::optional<Rect>& previous) {
     const WindowKey windowKey = key(window);
-    if (const auto current = previous ? previous : m_ax.frame(window)) {
+    const auto current = previous ? previous : m_ax.frame(window);
+    if (!m_ax.setFrame(window, pid, axFrame, bounds))
+        return false;
+    if (current) {
         const auto last = m_lastSnapped.find(windowKey);
         // Still where the last placement left it: the restore chain goes on and keeps its first frame.
         const bool inChain = last != m_lastSnapped.end() && approx(*current, last->second);
         if (!inChain)
             m_original[windowKey] = *current;
     }
-    m_ax.setFrame(window, pid, axFrame, bounds);
     // The program may have adjusted the frame, so the one to compare with is read back.
     m_lastSnapped[windowKey] = m_ax.frame(window).value_or(axFrame);
+    return true;
 }
 
 void WindowEngine::remember(const std::optional<std::string>& bundleID, std::size_t zoneIndex) {
@@ -100,8 +103,9 @@ void WindowEngine::snapFocused(const Zone& zone, std::optional<std::size_t> inde
     if (!focused)
         return;
     const Rect& visible = focused->axVisible;
-    place(focused->window, focused->app.processIdentifier, m_geo.zoneFrame(zone, visible), visible, {});
-    if (index)
+    const bool isPlaced =
+        place(focused->window, focused->app.processIdentifier, m_geo.zoneFrame(zone, visible), visible, {});
+    if (index && isPlaced)
         remember(focused->app.bundleIdentifier, *index);
 }
 

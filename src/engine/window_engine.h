@@ -52,15 +52,17 @@ public:
     /// Remembers the frame before the move, which is `previous` if given, for restoring. If the window is
     /// still where it was last placed, keeps the frame remembered earlier: a restore chain leads back to its
     /// beginning. Does not check whether the window may be moved.
-    void place(const Element& window, ProcessId pid, const Rect& axFrame, const std::optional<Rect>& bounds,
+    ///
+    /// Returns false, and changes nothing about restoring, if the desktop has refused to move the window.
+    bool place(const Element& window, ProcessId pid, const Rect& axFrame, const std::optional<Rect>& bounds,
                const std::optional<Rect>& previous);
 
     /// Stores `zoneIndex`, from 0, as the application's last zone and saves the settings. Does nothing if the
     /// user does not want zones remembered, if there is no identifier, or if nothing changes.
     void remember(const std::optional<std::string>& bundleID, std::size_t zoneIndex);
 
-    /// Places the focused window in `zone` of its screen. If `index` is given, remembers it as the last zone
-    /// of the application.
+    /// Places the focused window in `zone` of its screen. If `index` is given and the desktop lets the window
+    /// be moved, remembers it as the last zone of the application.
     void snapFocused(const Zone& zone, std::optional<std::size_t> index);
 
     /// Places the focused window in the middle of its screen, reduced to the usable area if it is larger.

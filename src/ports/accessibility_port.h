@@ -49,7 +49,7 @@ inline constexpr std::string_view kEnhancedUserInterface = "AXEnhancedUserInterf
 ///
 /// Call on the main thread. A call may block until the owning program replies or a time limit passes. A read
 /// that fails returns an empty value. The owning program may refuse or adjust a write, and no result is
-/// reported; read the attribute back to learn it.
+/// reported; read the attribute back to learn it. Only a desktop that refuses is reported (`hasRefused`).
 class AccessibilityPort {
 public:
     virtual ~AccessibilityPort() = default;
@@ -111,6 +111,11 @@ public:
     /// Returns the process that owns the element; empty if there is none. For an element that has ceased to
     /// exist, returns its former owner or an empty value.
     [[nodiscard]] virtual std::optional<ProcessId> pid(const Element& element) = 0;
+
+    /// Returns whether the desktop, not the owning program, has refused the last writes of position and size
+    /// to `window`, so that it has stayed where it was: tiling window managers do. Call it right after the
+    /// writes. Returns false where the desktop has no say in it.
+    [[nodiscard]] virtual bool hasRefused(const Element& window) = 0;
 };
 
 } // namespace tessarel

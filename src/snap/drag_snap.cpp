@@ -235,8 +235,9 @@ void DragSnap::mouseUp(const MouseEvent& /*event*/) {
 /// Places the window. For restoring, its frame before the drag counts as the previous one, not where it was
 /// dropped.
 void DragSnap::place(const Candidate& candidate, const Target& target) {
-    m_uses.engine.place(candidate.window, candidate.pid, target.axFrame, target.axBounds, candidate.axFrame);
-    if (!target.zoneNumber)
+    const bool isPlaced = m_uses.engine.place(candidate.window, candidate.pid, target.axFrame,
+                                              target.axBounds, candidate.axFrame);
+    if (!isPlaced || !target.zoneNumber)
         return;
     const auto app = m_uses.workspace.runningApplication(candidate.pid);
     m_uses.engine.remember(app ? app->bundleIdentifier : std::nullopt, *target.zoneNumber);

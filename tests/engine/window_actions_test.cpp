@@ -226,6 +226,26 @@ TEST_F(WindowActionsTest, AnUnnumberedZoneIsNotRemembered) {
     EXPECT_EQ(desktop.preferencesStorage().writes, 0);
 }
 
+TEST_F(WindowActionsTest, AZoneThatTheDesktopRefusesIsNotRemembered) {
+    desktop.window(window).isTiled = true;
+
+    engine.snapFocused(kLeftHalf, 4);
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+    EXPECT_TRUE(settings.appZones.empty());
+}
+
+TEST_F(WindowActionsTest, ARefusedPlacementKeepsTheFrameToRestore) {
+    engine.snapFocused(kLeftHalf, {});
+    desktop.window(window).isTiled = true;
+    engine.centerFocused();
+    desktop.window(window).isTiled = false;
+
+    engine.restoreFocused();
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
 TEST_F(WindowActionsTest, AZoneThatIsAlreadyRememberedIsNotSavedAgain) {
     engine.snapFocused(kLeftHalf, 4);
     engine.snapFocused(kLeftHalf, 4);

@@ -81,6 +81,16 @@ TEST_F(DragSnapTest, AnApplicationWithoutAnIdentifierIsNotRemembered) {
     EXPECT_EQ(desktop.preferencesStorage().writes, 0);
 }
 
+TEST_F(DragSnapTest, AZoneThatTheDesktopRefusesIsNotRemembered) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+    desktop.window(window).isTiled = true;
+    drop();
+
+    EXPECT_TRUE(settings.appZones.empty());
+}
+
 TEST_F(DragSnapTest, SettingsAreSavedAfterTheWindowIsPlaced) {
     Rect seen;
     desktop.preferencesStorage().whileWriting = [&] { seen = desktop.frame(window); };

@@ -4,6 +4,7 @@
 #include "platform/x11/applications/accessibility.h"
 #include "platform/x11/applications/application_watch.h"
 #include "platform/x11/applications/applications.h"
+#include "platform/x11/applications/refusal_notice.h"
 #include "platform/x11/applications/workspace.h"
 #include "platform/x11/displays/conversions.h"
 #include "platform/x11/displays/displays.h"
@@ -35,8 +36,9 @@ struct X11Desktop {
                OpenUrlPort& openUrl)
         : monitors(connection), windows(connection), applications(windows),
           watch(connection, windows, applications), accessibility(connection, monitors, windows, watch),
-          alertSound(connection), displays(connection, monitors, [this] { return windows.activeFrame(); }),
-          hotKeys(connection), loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
+          refusalNotice(accessibility, windows, queue, alerts), alertSound(connection),
+          displays(connection, monitors, [this] { return windows.activeFrame(); }), hotKeys(connection),
+          loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
           mouse(connection, monitors, windows, queue), preferences(xdg::FilePreferences::userFolder()),
           singleInstance(connection), trust(connection, session, queue, alerts, openUrl),
           windowList(connection, monitors, windows), workspace(applications, watch) {}
@@ -55,6 +57,7 @@ struct X11Desktop {
     Applications applications;
     ApplicationWatch watch;
     X11Accessibility accessibility;
+    RefusalNotice refusalNotice;
     X11Bell alertSound;
     X11Displays displays;
     X11HotKeys hotKeys;

@@ -46,6 +46,8 @@ public:
     /// Returns the process id that the element carries, also after its window has closed; empty for the
     /// system-wide element and for an element without a handle.
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
+    /// Returns false: only the owning program can refuse.
+    [[nodiscard]] bool hasRefused(const Element& window) override;
 
 private:
     /// Reads an attribute at once, without waiting for a late frame.

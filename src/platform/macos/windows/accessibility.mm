@@ -157,6 +157,10 @@ SubscriptionPtr MacAccessibility::onWindowClosed(const Element& window, std::fun
     return end;
 }
 
+bool MacAccessibility::hasRefused(const Element& /*window*/) {
+    return false;
+}
+
 std::optional<ProcessId> MacAccessibility::pid(const Element& element) {
     @autoreleasepool {
         pid_t owner = 0; // the system-wide element has no process and leaves it at 0

@@ -176,7 +176,7 @@ void SimAccessibility::write(const Name& name, std::string_view attribute, const
         return;
     }
     SimWindow* window = name.kind == Name::Kind::Window ? m_state.window(name.window) : nullptr;
-    if (!window || window->fullScreen)
+    if (!window || window->fullScreen || window->isTiled)
         return;
     const auto* point = std::get_if<Point>(&value);
     if (point && attribute == attribute::kPosition && point->isFinite())
@@ -218,6 +218,12 @@ std::optional<ProcessId> SimAccessibility::pid(const Element& element) {
     const bool exists = name->kind == Name::Kind::Application ? m_state.application(name->pid) != nullptr
                                                               : m_state.window(name->window) != nullptr;
     return exists ? std::optional(name->pid) : std::nullopt;
+}
+
+bool SimAccessibility::hasRefused(const Element& window) {
+    const Name* name = nameOf(window);
+    const SimWindow* found = name ? m_state.window(name->window) : nullptr;
+    return found && found->isTiled;
 }
 
 SubscriptionPtr SimAccessibility::onWindowCreated(const Element& application,

@@ -33,6 +33,7 @@ struct SimWindow {
     bool cutAtDisplayEdge = false;
     bool minimized = false;
     bool fullScreen = false; ///< ignores writes of its frame
+    bool isTiled = false;    ///< the desktop refuses writes of its frame
     std::optional<std::string> role = "AXWindow";
     std::optional<std::string> subrole = "AXStandardWindow";
     /// Role of the part that is found at every point of the window. If empty, the window itself is found.

@@ -142,8 +142,8 @@ std::optional<AttributeValue> X11Accessibility::windowAttribute(const Element& e
     const xcb_window_t window = nativeElement(element).window;
     const auto frame = m_windows.frame(window);
     // While a placement is unsettled, the frame in the server may be an intermediate one.
-    if (!frame ||
-        (isOnItsWay(window) && (attribute == attribute::kPosition || attribute == attribute::kSize)))
+    if (!frame || (hasEnded(window, PlacementOutcome::Late) &&
+                   (attribute == attribute::kPosition || attribute == attribute::kSize)))
         return std::nullopt;
     if (attribute == attribute::kPosition)
         return axFromRoot(frame->outer(), m_monitors.primaryOrigin()).origin();
@@ -189,12 +189,24 @@ void X11Accessibility::setAttribute(const Element& element, std::string_view att
 void X11Accessibility::finishWrites() {
     const xcb_window_t window = std::exchange(m_written, XCB_WINDOW_NONE);
     const FrameWish wish = std::exchange(m_wish, {});
-    if (window != XCB_WINDOW_NONE && !m_placement.place(window, wish))
-        m_unsettled = {window, m_connection.turn()};
+    if (window == XCB_WINDOW_NONE)
+        return;
+    m_last = {window, m_connection.turn(), m_placement.place(window, wish)};
+    if (m_last.outcome == PlacementOutcome::Refused)
+        m_refusals.send();
 }
 
-bool X11Accessibility::isOnItsWay(xcb_window_t window) const {
-    return m_unsettled.window == window && m_unsettled.turn == m_connection.turn();
+bool X11Accessibility::hasEnded(xcb_window_t window, PlacementOutcome outcome) const {
+    return m_last.window == window && m_last.turn == m_connection.turn() && m_last.outcome == outcome;
+}
+
+bool X11Accessibility::hasRefused(const Element& window) {
+    finishWrites();
+    return hasEnded(nativeElement(window).window, PlacementOutcome::Refused);
+}
+
+SubscriptionPtr X11Accessibility::onRefusal(std::function<void()> refused) {
+    return m_refusals.connect(std::move(refused));
 }
 
 bool X11Accessibility::canExpress(const Rect& axFrame) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/signal.h"
 #include "platform/x11/applications/application_watch.h"
 #include "platform/x11/displays/monitors.h"
 #include "platform/x11/server/connection.h"
@@ -51,6 +52,11 @@ public:
     [[nodiscard]] SubscriptionPtr onWindowClosed(const Element& window,
                                                  std::function<void()> closed) override;
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
+    /// Returns whether the window manager has left the window where it was.
+    [[nodiscard]] bool hasRefused(const Element& window) override;
+
+    /// Calls `refused` after each placement that the window manager has refused.
+    [[nodiscard]] SubscriptionPtr onRefusal(std::function<void()> refused);
 
 private:
     [[nodiscard]] std::optional<AttributeValue> applicationAttribute(ProcessId pid,
@@ -62,8 +68,8 @@ private:
     /// Returns whether the window exists and still belongs to the process.
     [[nodiscard]] bool isWindowOf(xcb_window_t window, ProcessId pid);
     void finishWrites();
-    /// Returns whether a placement of the window has timed out in this turn.
-    [[nodiscard]] bool isOnItsWay(xcb_window_t window) const;
+    /// Returns whether the last placement was one of this window in this turn, with that outcome.
+    [[nodiscard]] bool hasEnded(xcb_window_t window, PlacementOutcome outcome) const;
 
     Connection& m_connection;
     Monitors& m_monitors;
@@ -75,7 +81,9 @@ private:
     struct {
         xcb_window_t window = XCB_WINDOW_NONE;
         std::uint64_t turn = 0;
-    } m_unsettled; // the window whose placement has timed out, and the turn in which it did
+        PlacementOutcome outcome = PlacementOutcome::Settled;
+    } m_last; // the last placement, and the turn in which it was made
+    Signal<> m_refusals;
     SubscriptionPtr m_endOfTurn;
 };
 

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_set>
 #include <utility>
 
 namespace tessarel::x11 {
@@ -31,13 +32,16 @@ void selectPropertyChanges(Connection& connection, xcb_window_t window, std::uin
 
 /// The pending requests for the struts of one window.
 ///
-/// PropertyNotify is selected before the properties are read, so that no change is missed in between. It is
-/// deselected for windows that turn out not to be panels: their properties change often, and each event would
-/// wake the program.
+/// For a managed window, PropertyNotify is selected before the properties are read, so that no change is
+/// missed in between. It is deselected for windows that turn out not to be panels: their properties change
+/// often, and each event would wake the program. For other windows it is selected only for panels, because
+/// other parts of this back end may have selected events on the rest.
 class ReservedSpaceWatch::StrutRequest {
 public:
-    StrutRequest(Connection& connection, xcb_window_t window) : m_connection(&connection), m_window(window) {
-        selectPropertyChanges(connection, window, XCB_EVENT_MASK_PROPERTY_CHANGE);
+    StrutRequest(Connection& connection, xcb_window_t window, bool isManaged)
+        : m_connection(&connection), m_window(window), m_isManaged(isManaged) {
+        if (isManaged)
+            selectPropertyChanges(connection, window, XCB_EVENT_MASK_PROPERTY_CHANGE);
         m_partial = requestNumbers(connection, window, connection.atom(Atom::NetWmStrutPartial), 12);
         m_whole = requestNumbers(connection, window, connection.atom(Atom::NetWmStrut), 4);
         m_type = requestProperty(connection, window, connection.atom(Atom::NetWmWindowType), XCB_ATOM_ATOM,
@@ -58,14 +62,19 @@ public:
         const auto types = values(type);
         const bool isDock = std::find(types.begin(), types.end(),
                                       m_connection->atom(Atom::NetWmWindowTypeDock)) != types.end();
-        if (!isDock && struts.empty())
-            selectPropertyChanges(*m_connection, m_window, XCB_EVENT_MASK_NO_EVENT);
+        if (!m_isManaged && !isDock)
+            struts.clear();
+        const bool isPanel = isDock || !struts.empty();
+        if (isPanel != m_isManaged)
+            selectPropertyChanges(*m_connection, m_window,
+                                  isPanel ? XCB_EVENT_MASK_PROPERTY_CHANGE : XCB_EVENT_MASK_NO_EVENT);
         return struts;
     }
 
 private:
     Connection* m_connection;
     xcb_window_t m_window;
+    bool m_isManaged;
     xcb_get_property_cookie_t m_partial{};
     xcb_get_property_cookie_t m_whole{};
     xcb_get_property_cookie_t m_type{};
@@ -146,8 +155,10 @@ void ReservedSpaceWatch::noteRoot(xcb_atom_t property) {
 
 void ReservedSpaceWatch::refresh() {
     m_isCurrent = true; // set first, so that an event read along with the replies can reset it
-    if (std::exchange(m_strutsOutdated, false))
+    if (std::exchange(m_strutsOutdated, false)) {
         m_struts.clear();
+        m_otherStruts.clear();
+    }
     const auto clientsCookie = requestWindowList(m_connection, Atom::NetClientList);
     const auto desktopCookie =
         requestNumbers(m_connection, m_connection.root(), m_connection.atom(Atom::NetCurrentDesktop), 1);
@@ -160,27 +171,45 @@ void ReservedSpaceWatch::refresh() {
     const std::uint32_t last = std::exchange(m_desktop, value(desktop).value_or(0));
     if (m_desktop != last)
         ManagersAreasRequest(m_connection, areasAtom(m_desktop)).collect(m_desktop, m_space);
-    readStruts(values(clients));
+    const auto managed = values(clients);
+    const bool publishesAreas = m_space.commonArea || !m_space.areaPerMonitor.empty();
+    m_space.struts.clear();
+    readStruts(m_struts, managed, Managed::Yes);
+    readStruts(m_otherStruts, publishesAreas ? std::vector<xcb_window_t>{} : unmanagedChildrenOfRoot(managed),
+               Managed::No);
 }
 
-/// Collects the struts of all clients. Reads only windows that are not cached; windows that are no longer
-/// listed drop out of the cache.
-void ReservedSpaceWatch::readStruts(std::span<const std::uint32_t> clients) {
+/// Returns the children of the root window that belong to other programs and are not managed.
+std::vector<xcb_window_t> ReservedSpaceWatch::unmanagedChildrenOfRoot(std::span<const xcb_window_t> managed) {
+    const auto tree =
+        m_connection.reply<xcb_query_tree_reply>(xcb_query_tree(m_connection.xcb(), m_connection.root()));
+    if (!tree)
+        return {};
+    const xcb_window_t* const first = xcb_query_tree_children(tree.get());
+    std::vector<xcb_window_t> children(first, first + xcb_query_tree_children_length(tree.get()));
+    const std::unordered_set<xcb_window_t> known(managed.begin(), managed.end());
+    std::erase_if(children,
+                  [&](xcb_window_t window) { return known.contains(window) || m_connection.owns(window); });
+    return children;
+}
+
+/// Adds the struts of `windows`. Reads only windows that are not in `cache`; windows that are no longer
+/// listed drop out of it.
+void ReservedSpaceWatch::readStruts(std::unordered_map<xcb_window_t, std::vector<Strut>>& cache,
+                                    std::span<const xcb_window_t> windows, Managed managed) {
     std::unordered_map<xcb_window_t, std::vector<Strut>> struts;
     std::vector<StrutRequest> requests;
-    for (const xcb_window_t window : clients) {
-        if (auto known = m_struts.find(window); known != m_struts.end())
-            struts.insert(m_struts.extract(known));
+    for (const xcb_window_t window : windows) {
+        if (auto known = cache.find(window); known != cache.end())
+            struts.insert(cache.extract(known));
         else
-            requests.emplace_back(m_connection, window);
+            requests.emplace_back(m_connection, window, managed == Managed::Yes);
     }
     for (StrutRequest& request : requests)
         struts[request.window()] = request.collect();
-    m_struts = std::move(struts);
-
-    m_space.struts.clear();
-    for (const xcb_window_t window : clients)
-        m_space.struts.insert(m_space.struts.end(), m_struts[window].begin(), m_struts[window].end());
+    cache = std::move(struts);
+    for (const xcb_window_t window : windows)
+        m_space.struts.insert(m_space.struts.end(), cache[window].begin(), cache[window].end());
 }
 
 /// Returns the atom of `_GTK_WORKAREAS_D<desktop>`, or XCB_ATOM_NONE for an implausible desktop number: atoms

@@ -14,7 +14,9 @@ namespace tessarel::x11 {
 /// Watches the space that panels and the window manager reserve on the current desktop.
 ///
 /// The sources are the struts of all managed windows and the work areas that the window manager publishes on
-/// the root window. All of them are cached and read again only after a change.
+/// the root window. A window manager that publishes none may have bars of its own, which are not managed:
+/// then the struts of docks among the children of the root window count, too. All of these are cached and
+/// read again only after a change.
 class ReservedSpaceWatch {
 public:
     /// `connection` must outlive this object.
@@ -32,7 +34,10 @@ private:
     void noteRoot(xcb_atom_t property);
     void follow();
     void refresh();
-    void readStruts(std::span<const std::uint32_t> clients);
+    enum class Managed { No, Yes };
+    void readStruts(std::unordered_map<xcb_window_t, std::vector<Strut>>& cache,
+                    std::span<const xcb_window_t> windows, Managed managed);
+    [[nodiscard]] std::vector<xcb_window_t> unmanagedChildrenOfRoot(std::span<const xcb_window_t> managed);
     [[nodiscard]] xcb_atom_t areasAtom(std::uint32_t desktop);
 
     Connection& m_connection;
@@ -41,8 +46,9 @@ private:
     bool m_strutsOutdated = false;
     std::uint32_t m_desktop = 0; // the current desktop as last read
     ReservedSpace m_space;
-    std::unordered_map<xcb_window_t, std::vector<Strut>> m_struts; // of every managed window
-    std::unordered_map<std::uint32_t, xcb_atom_t> m_areasAtoms;    // by desktop
+    std::unordered_map<xcb_window_t, std::vector<Strut>> m_struts;      // of every managed window
+    std::unordered_map<xcb_window_t, std::vector<Strut>> m_otherStruts; // of other windows that count
+    std::unordered_map<std::uint32_t, xcb_atom_t> m_areasAtoms;         // by desktop
     SubscriptionPtr m_observer;
     SubscriptionPtr m_handler;
 };

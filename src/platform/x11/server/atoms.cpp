@@ -52,6 +52,7 @@ constexpr std::array<std::string_view, kCount> kNames = {
     "_NET_WM_WINDOW_TYPE_UTILITY",
     "_NET_WORKAREA",
     "UTF8_STRING",
+    "WM_STATE",
 };
 static_assert(!kNames.back().empty(), "every atom has a name");
 

@@ -52,6 +52,7 @@ enum class Atom : std::size_t {
     NetWmWindowTypeUtility,
     NetWorkarea,
     Utf8String,
+    WmState,
     kCount
 };
 

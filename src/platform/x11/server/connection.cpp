@@ -111,6 +111,11 @@ void Connection::flush() {
     readQueued(); // when the socket is full, xcb reads while it writes
 }
 
+bool Connection::owns(xcb_window_t window) const {
+    const xcb_setup_t* const setup = xcb_get_setup(m_xcb.get());
+    return setup && (window & ~setup->resource_id_mask) == setup->resource_id_base;
+}
+
 void Connection::selectRootEvents(std::uint32_t mask) {
     m_rootEventMask |= mask;
     xcb_change_window_attributes(xcb(), root(), XCB_CW_EVENT_MASK, &m_rootEventMask);

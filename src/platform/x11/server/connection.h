@@ -61,6 +61,8 @@ public:
     /// Returns the socket, which becomes readable when events or replies arrive.
     [[nodiscard]] int fileDescriptor() const;
     [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
+    /// Returns whether the window was created over this connection.
+    [[nodiscard]] bool owns(xcb_window_t window) const;
     /// Returns the index of the X screen that the display name asks for, as in `_NET_WM_CM_S<n>`.
     [[nodiscard]] int screenNumber() const { return m_screenNumber; }
     [[nodiscard]] const xcb_screen_t& screen() const { return *m_screen; }

@@ -14,9 +14,9 @@ namespace tessarel::x11 {
 
 namespace {
 
-// Without these Tessarel cannot find the windows, measure their frames or move them.
-constexpr std::array kNeededHints = {Atom::NetMoveResizeWindow, Atom::NetFrameExtents, Atom::NetActiveWindow,
-                                     Atom::NetClientList, Atom::NetClientListStacking};
+// Without these Tessarel cannot find the windows. How they are measured and moved depends on other hints, but
+// there is a way without each of those.
+constexpr std::array kNeededHints = {Atom::NetActiveWindow, Atom::NetClientList};
 
 constexpr std::uint32_t kMostHints = 4096; // atoms; no window manager announces that many
 
@@ -41,16 +41,23 @@ WindowManagerState WindowManagerCheck::ask() {
     const auto window = askForWindow(root);
     const auto supported =
         requestProperty(m_connection, root, m_connection.atom(Atom::NetSupported), XCB_ATOM_ATOM, kMostHints);
-    m_window = value(propertyReply(m_connection, window)).value_or(XCB_WINDOW_NONE);
+    WindowManagerState state;
+    state.checkWindow = value(propertyReply(m_connection, window)).value_or(XCB_WINDOW_NONE);
     const PropertyReply supportedReply = propertyReply(m_connection, supported);
 
-    WindowManagerState state;
-    state.running = namesItself(m_window);
+    m_state.checkWindow = state.checkWindow; // the next round trip may already read its DestroyNotify
+    state.running = namesItself(state.checkWindow);
     const std::span<const std::uint32_t> atoms = values(supportedReply);
+    const auto announces = [&](Atom atom) {
+        return std::ranges::find(atoms, m_connection.atom(atom)) != atoms.end();
+    };
     for (const Atom atom : kNeededHints) {
-        if (std::ranges::find(atoms, m_connection.atom(atom)) == atoms.end())
+        if (!announces(atom))
             state.missingHints.push_back(nameOf(atom));
     }
+    state.movesOnMessage = announces(Atom::NetMoveResizeWindow);
+    state.publishesExtents = announces(Atom::NetFrameExtents);
+    state.maximizes = announces(Atom::NetWmStateMaximizedHorz) && announces(Atom::NetWmStateMaximizedVert);
     return state;
 }
 
@@ -72,7 +79,7 @@ xcb_get_property_cookie_t WindowManagerCheck::askForWindow(xcb_window_t namedBy)
 /// Invalidates the cached state when the check window is destroyed or the announced hints change.
 void WindowManagerCheck::watch(const Connection::Event& event) {
     const bool gone = event.response_type == XCB_DESTROY_NOTIFY &&
-                      eventAs<xcb_destroy_notify_event_t>(event).window == m_window;
+                      eventAs<xcb_destroy_notify_event_t>(event).window == m_state.checkWindow;
     const auto changed = changedProperty(event, m_connection.root());
     const bool changedItself = changed == m_connection.atom(Atom::NetSupportingWmCheck) ||
                                changed == m_connection.atom(Atom::NetSupported);

@@ -15,6 +15,10 @@ struct WindowManagerState {
     bool running = false;
     /// The EWMH hints that Tessarel needs and `_NET_SUPPORTED` does not announce.
     std::vector<std::string_view> missingHints;
+    bool movesOnMessage = false;                ///< announces `_NET_MOVERESIZE_WINDOW`
+    bool publishesExtents = false;              ///< announces `_NET_FRAME_EXTENTS`
+    bool maximizes = false;                     ///< announces the states of maximised windows
+    xcb_window_t checkWindow = XCB_WINDOW_NONE; ///< differs from that of every other running window manager
 
     /// Returns whether Tessarel can move windows with this window manager.
     [[nodiscard]] bool suffices() const { return running && missingHints.empty(); }
@@ -42,7 +46,6 @@ private:
     Connection& m_connection;
     WindowManagerState m_state;
     bool m_current = false;
-    xcb_window_t m_window = XCB_WINDOW_NONE; ///< the window manager's check window
     SubscriptionPtr m_reads;
 };
 

@@ -19,6 +19,12 @@ xcb_get_property_cookie_t requestActiveWindow(Connection& connection) {
                            XCB_ATOM_WINDOW, kMostActiveWindows);
 }
 
+/// Returns where to read the extents of a window that does not publish them.
+ExtentsSource extentsSource(const WindowManagerState& manager) {
+    return manager.running && !manager.publishesExtents ? ExtentsSource::FrameWindow
+                                                        : ExtentsSource::Properties;
+}
+
 /// Returns the first value of `_NET_ACTIVE_WINDOW`, or XCB_WINDOW_NONE.
 xcb_window_t activeWindowIn(const PropertyReply& reply) {
     const auto active = values(reply);
@@ -61,7 +67,7 @@ public:
     Questions(ClientWindows& windows, xcb_window_t window) : m_windows(windows), m_window(window) {
         const Known& known = windows.m_known[window];
         if (!known.frame)
-            m_frame.emplace(windows.m_connection, window);
+            m_frame.emplace(windows.m_connection, window, extentsSource(windows.manager()));
         if (!known.traits)
             m_traits.emplace(windows.m_connection, window);
         if (!windows.m_pids.contains(window))
@@ -89,7 +95,7 @@ private:
 };
 
 ClientWindows::ClientWindows(Connection& connection)
-    : m_connection(connection),
+    : m_connection(connection), m_manager(connection),
       m_observer(connection.onRead([this](const Connection::Event& event) { note(event); })),
       m_handler(connection.onEvent([this](const Connection::Event& event) { follow(event); })) {
     connection.selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
@@ -122,8 +128,8 @@ void ClientWindows::startTurn() {
         m_pids.clear();
 }
 
-/// Checks the active window against the client list, because a window manager may still name a window that
-/// has closed, and its id may have been reused.
+/// Checks that the active window is managed, because a window manager may still name a window that has
+/// closed, and its id may have been reused.
 ///
 /// Requests the active window, the list and everything about the window that was active last in one round
 /// trip.
@@ -144,9 +150,22 @@ xcb_window_t ClientWindows::activeWindow() {
     if (guess)
         guess->collect();
     m_lastActive = activeWindowIn(active);
-    const bool isManaged = std::ranges::find(*m_frontToBack, m_lastActive) != m_frontToBack->end();
-    m_active = isManaged ? m_lastActive : xcb_window_t{XCB_WINDOW_NONE};
+    const bool isListed = std::ranges::find(*m_frontToBack, m_lastActive) != m_frontToBack->end();
+    const bool isUnlisted = !isListed && hasWindowState(m_lastActive);
+    if (isUnlisted)
+        m_frontToBack->insert(m_frontToBack->begin(), m_lastActive);
+    m_active = isListed || isUnlisted ? m_lastActive : xcb_window_t{XCB_WINDOW_NONE};
     return *m_active;
+}
+
+/// Returns whether a window has the state that window managers give to the windows that they manage. pekwm
+/// lists a window only when another one opens.
+bool ClientWindows::hasWindowState(xcb_window_t window) {
+    if (window == XCB_WINDOW_NONE)
+        return false;
+    const xcb_atom_t type = m_connection.atom(Atom::WmState);
+    const auto state = propertyReply(m_connection, requestProperty(m_connection, window, type, type, 2));
+    return !values(state).empty();
 }
 
 std::optional<Rect> ClientWindows::activeFrame() {

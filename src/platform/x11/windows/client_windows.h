@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/x11/server/connection.h"
+#include "platform/x11/server/window_manager_check.h"
 #include "platform/x11/windows/window_frame.h"
 #include "platform/x11/windows/window_traits.h"
 #include "ports/process_id.h"
@@ -51,6 +52,9 @@ public:
     /// Drops the cached frame. To be called after a write to the window.
     void forgetFrame(xcb_window_t window);
 
+    /// Returns what the window manager supports (see `WindowManagerCheck::state`).
+    [[nodiscard]] const WindowManagerState& manager() { return m_manager.state(); }
+
 private:
     /// The cached values of one window. The inner optional of `frame` is empty when the window does not
     /// exist.
@@ -64,9 +68,11 @@ private:
     void note(const Connection::Event& event);
     void follow(const Connection::Event& event);
     const Known& learn(xcb_window_t window);
+    [[nodiscard]] bool hasWindowState(xcb_window_t window);
     void learnPids(const std::vector<xcb_window_t>& windows);
 
     Connection& m_connection;
+    WindowManagerCheck m_manager;
     std::uint64_t m_turn = 0; // the turn that the next three members were read in
     std::optional<xcb_window_t> m_active;
     std::optional<std::vector<xcb_window_t>> m_frontToBack;

@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 namespace tessarel::x11 {
 
@@ -68,58 +69,119 @@ Size clientSize(const Size& outer, const Extents& extents) {
 } // namespace
 
 Placement::Placement(Connection& connection, ClientWindows& windows)
-    : m_connection(connection), m_windows(windows), m_barrier(connection), m_manager(connection) {}
+    : m_connection(connection), m_windows(windows), m_barrier(connection) {}
 
-bool Placement::place(xcb_window_t window, FrameWish wish) {
+PlacementOutcome Placement::place(xcb_window_t window, FrameWish wish) {
     const auto before = m_windows.frame(window);
     if (!before)
-        return true;
+        return PlacementOutcome::Settled;
+    chooseRoute();
     // A request without a size made a window manager increase the window's height, so the current size is
-    // sent along. Not in states such as maximised, whose size is not the one to keep.
-    if (!wish.size && before->states == WindowStates{})
+    // sent along. Not in states such as maximised, whose size is not the one to keep, and not for a window of
+    // fixed size: fvwm refuses such a request as a whole.
+    if (!wish.size && before->states == WindowStates{} && !readSizeHints(m_connection, window).isFixed())
         wish.size = before->outer().size();
     normalize(window, before->states);
-    bool settled = ask(window, wish, before->extents);
-    auto after = readBack(window);
+    Task task{window, wish, before->outer(), *before};
+    ask(task);
     // Leaving the maximised or shaded state can change the frame extents. The first request was then computed
     // with the wrong ones: under openbox, xfwm4, marco and fluxbox the window ends up a few pixels too large.
-    if (settled && after && after->extents != before->extents) {
-        settled = ask(window, wish, after->extents);
-        after = readBack(window);
-    }
-    if (settled && after && isHeldFrom(window, *after, wish))
-        settled = insist(window, wish, before->outer(), *after);
-    return settled;
+    if (!task.isLate && task.now.extents != before->extents)
+        ask(task);
+    if (isHeld(task))
+        insist(task);
+    if (hasStayed(task) && isHeld(task))
+        tryOtherRoute(task);
+    // fvwm refuses the size of a fixed window together with its position, and a window manager that waits for
+    // a stopped program to draw the new size moves the window meanwhile if it is asked for that alone.
+    if (hasStayed(task) && isHeld(task))
+        moveOnly(task);
+    if (task.isLate)
+        return PlacementOutcome::Late;
+    if (hasStayed(task))
+        return isHeld(task) ? PlacementOutcome::Refused : PlacementOutcome::Settled;
+    m_isProven = true;
+    return PlacementOutcome::Settled;
 }
 
-/// `before` and `after` are the outer frames before the placement and after the last request.
-bool Placement::insist(xcb_window_t window, const FrameWish& wish, const Rect& before,
-                       const WindowFrame& after) {
-    if (before != after.outer()) {
+/// Starts anew for another window manager.
+void Placement::chooseRoute() {
+    const WindowManagerState& manager = m_windows.manager();
+    if (m_manager == manager.checkWindow && manager.running)
+        return;
+    m_manager = manager.checkWindow;
+    m_isProven = false;
+    m_route = manager.running && manager.movesOnMessage ? Route::Message : Route::Configure;
+}
+
+/// Requests only the position. Does nothing if the window is there already.
+void Placement::moveOnly(Task& task) {
+    if (task.now.outer().origin() == *task.wish.origin)
+        return;
+    const auto size = std::exchange(task.wish.size, std::nullopt);
+    ask(task);
+    task.wish.size = size;
+}
+
+/// Handles a refusal: repeats the request if the window manager has moved the window elsewhere, and releases
+/// the window from its tile if that does not help.
+void Placement::insist(Task& task) {
+    if (!hasStayed(task)) {
         // The frame has changed, but not to the requested one. A busy window manager may have tiled a window
         // that was just dropped at an edge, after `before` was read and before it processed the request.
         // Repeat the request; only if that changes nothing does a tile hold the window.
-        const bool settled = ask(window, wish, after.extents);
-        const auto again = readBack(window);
-        if (!settled || !again || again->outer() != after.outer())
-            return settled;
+        const Rect last = task.now.outer();
+        ask(task);
+        if (task.isLate || task.now.outer() != last)
+            return;
     }
-    releaseFromTile(window);
-    const bool settled = ask(window, wish, after.extents);
-    m_windows.forgetFrame(window);
-    return settled;
+    if (m_route != Route::Message || !m_windows.manager().maximizes ||
+        readSizeHints(m_connection, task.window).isFixed())
+        return;
+    releaseFromTile(task.window);
+    ask(task);
 }
 
-/// Sends the request to the window manager, or straight to the server when none runs that supports the hints.
-bool Placement::ask(xcb_window_t window, const FrameWish& wish, const Extents& extents) {
-    if (m_manager.state().suffices())
-        askManager(window, wish, extents);
+/// Some window managers announce `_NET_MOVERESIZE_WINDOW` and ignore it.
+void Placement::tryOtherRoute(Task& task) {
+    if (m_isProven || m_route != Route::Message)
+        return;
+    m_route = Route::Configure;
+    ask(task);
+    if (hasStayed(task))
+        m_route = Route::Message;
+}
+
+void Placement::ask(Task& task) {
+    if (m_route == Route::Message) {
+        sendMessage(task);
+        finish(task);
+        return;
+    }
+    sendConfigure(task, {});
+    finish(task);
+    if (!m_windows.manager().running)
+        return;
+    // awesome carries out the requests for managed windows once it has processed all that have arrived.
+    if (hasStayed(task) && isHeld(task))
+        finish(task);
+    correct(task);
+}
+
+/// Waits until the window manager has processed the requests and reads the frame that the window really has
+/// now. A window that has gone counts as late.
+void Placement::finish(Task& task) {
+    task.isLate = !m_barrier.wait();
+    m_windows.forgetFrame(task.window);
+    if (const auto frame = m_windows.frame(task.window))
+        task.now = *frame;
     else
-        askServer(window, wish, extents);
-    return m_barrier.wait();
+        task.isLate = true;
 }
 
-void Placement::askManager(xcb_window_t window, const FrameWish& wish, const Extents& extents) {
+void Placement::sendMessage(const Task& task) {
+    const FrameWish& wish = task.wish;
+    const Extents& extents = task.now.extents;
     // The position refers to the window manager's frame. For client-decorated windows that is the X window
     // including the shadow, so the visible corner lies further in by the negative extents.
     const int shadowLeft = std::min(extents.left, 0);
@@ -136,19 +198,26 @@ void Placement::askManager(xcb_window_t window, const FrameWish& wish, const Ext
         data[3] = wire(client.width);
         data[4] = wire(client.height);
     }
-    sendToManager(m_connection, window, Atom::NetMoveResizeWindow, data);
+    sendToManager(m_connection, task.window, Atom::NetMoveResizeWindow, data);
 }
 
-/// Configures the window itself, for a display without a suitable window manager. The values must be in the
-/// order of the mask bits.
-void Placement::askServer(xcb_window_t window, const FrameWish& wish, const Extents& extents) {
+/// Sends what a program sends that moves its own window: the server redirects the request to the window
+/// manager if there is one. The values must be in the order of the mask bits.
+void Placement::sendConfigure(const Task& task, const Point& deviation) {
+    const FrameWish& wish = task.wish;
+    const Extents& extents = task.now.extents;
     std::uint16_t mask = 0;
     std::array<std::uint32_t, 4> list{};
     std::size_t count = 0;
     if (wish.origin) {
+        // A window manager places the corner of its frame, unless the client's gravity is static.
+        const bool placesClient =
+            !m_windows.manager().running || readSizeHints(m_connection, task.window).hasStaticGravity;
+        const int left = placesClient ? extents.left : std::min(extents.left, 0);
+        const int top = placesClient ? extents.top : std::min(extents.top, 0);
         mask |= XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y;
-        list[count++] = wire(wish.origin->x + extents.left);
-        list[count++] = wire(wish.origin->y + extents.top);
+        list[count++] = wire(wish.origin->x + left - deviation.x);
+        list[count++] = wire(wish.origin->y + top - deviation.y);
     }
     if (wish.size) {
         mask |= XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT;
@@ -156,7 +225,23 @@ void Placement::askServer(xcb_window_t window, const FrameWish& wish, const Exte
         list[count++] = wire(client.width);
         list[count++] = wire(client.height);
     }
-    xcb_configure_window(m_connection.xcb(), window, mask, list.data());
+    xcb_configure_window(m_connection.xcb(), task.window, mask, list.data());
+}
+
+/// Requests the position again if the frame misses it by no more than its own extents: window managers differ
+/// in how they apply the gravity of a client and the border of their frame.
+void Placement::correct(Task& task) {
+    if (!task.wish.origin || task.isLate || hasStayed(task))
+        return;
+    const Rect outer = task.now.outer();
+    const Extents& extents = task.now.extents;
+    const Point deviation{outer.x - task.wish.origin->x, outer.y - task.wish.origin->y};
+    const bool isGravity = std::abs(deviation.x) <= std::abs(extents.left) + std::abs(extents.right) &&
+                           std::abs(deviation.y) <= std::abs(extents.top) + std::abs(extents.bottom);
+    if (deviation == Point{} || !isGravity)
+        return;
+    sendConfigure(task, deviation);
+    finish(task);
 }
 
 /// Takes the window out of the states in which window managers ignore or misinterpret a new frame. The state
@@ -170,18 +255,20 @@ void Placement::normalize(xcb_window_t window, const WindowStates& states) {
         changeStates(m_connection, window, StateChange::Remove, m_connection.atom(Atom::NetWmStateShaded), 0);
 }
 
-/// Returns whether the window manager has refused the frame: the position differs, or the size differs and
-/// the client's size hints do not explain it. Wishes without a position are never treated as refused.
-bool Placement::isHeldFrom(xcb_window_t window, const WindowFrame& frame, const FrameWish& wish) {
-    if (!wish.origin)
+/// Returns whether the window manager has processed the request and refused the frame: the position differs,
+/// or the size differs and the client's size hints do not explain it. Wishes without a position are never
+/// treated as refused.
+bool Placement::isHeld(const Task& task) {
+    const auto& [origin, size] = task.wish;
+    if (task.isLate || !origin)
         return false;
-    const Rect outer = frame.outer();
-    if (isFar(outer.x, wish.origin->x) || isFar(outer.y, wish.origin->y))
+    const Rect outer = task.now.outer();
+    if (isFar(outer.x, origin->x) || isFar(outer.y, origin->y))
         return true;
-    if (!wish.size || (!isFar(outer.width, wish.size->width) && !isFar(outer.height, wish.size->height)))
+    if (!size || (!isFar(outer.width, size->width) && !isFar(outer.height, size->height)))
         return false;
-    return !readSizeHints(m_connection, window)
-                .explain(frame.client.size(), clientSize(*wish.size, frame.extents));
+    return !readSizeHints(m_connection, task.window)
+                .explain(task.now.client.size(), clientSize(*size, task.now.extents));
 }
 
 /// Releases a window that the window manager has tiled at a screen edge.
@@ -192,12 +279,6 @@ void Placement::releaseFromTile(xcb_window_t window) {
     for (const StateChange change : {StateChange::Add, StateChange::Remove})
         changeStates(m_connection, window, change, m_connection.atom(Atom::NetWmStateMaximizedHorz),
                      m_connection.atom(Atom::NetWmStateMaximizedVert));
-}
-
-/// Returns the frame that the window really has now.
-std::optional<WindowFrame> Placement::readBack(xcb_window_t window) {
-    m_windows.forgetFrame(window);
-    return m_windows.frame(window);
 }
 
 } // namespace tessarel::x11

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/x11/server/connection.h"
-#include "platform/x11/server/window_manager_check.h"
 #include "platform/x11/windows/barrier.h"
 #include "platform/x11/windows/client_windows.h"
 #include "ports/rect.h"
@@ -17,7 +16,18 @@ struct FrameWish {
     std::optional<Size> size;
 };
 
+/// What has become of a placement.
+enum class PlacementOutcome {
+    Settled, ///< the window manager has processed the request
+    Late,    ///< it has not done so in time, and may still
+    Refused, ///< it has left the window where it was, as tiling window managers do
+};
+
 /// Moves and resizes other clients' windows through the window manager.
+///
+/// Window managers move windows on `_NET_MOVERESIZE_WINDOW`, on a ConfigureWindow request, or both. The way
+/// that is tried first follows from the announced hints; the one that has moved a window is kept until
+/// another window manager takes over.
 class Placement {
 public:
     /// Both references must outlive this object.
@@ -29,27 +39,43 @@ public:
     /// is released from its tile. The window manager may still choose another size, for instance because of
     /// the client's size hints, so read the frame back afterwards.
     ///
-    /// Returns false on a timeout; the window may then still be moving. Returns true without doing anything
-    /// when the window does not exist.
-    bool place(xcb_window_t window, FrameWish wish);
+    /// Does nothing when the window does not exist.
+    PlacementOutcome place(xcb_window_t window, FrameWish wish);
 
 private:
-    /// Sends the wish and waits; returns false on a timeout.
-    bool ask(xcb_window_t window, const FrameWish& wish, const Extents& extents);
-    void askManager(xcb_window_t window, const FrameWish& wish, const Extents& extents);
-    void askServer(xcb_window_t window, const FrameWish& wish, const Extents& extents);
+    /// How a window manager is asked to move a window.
+    enum class Route { Message, Configure };
+    /// A window that is being placed, and the frame it has before and after each request.
+    struct Task {
+        xcb_window_t window;
+        FrameWish wish;
+        Rect before;
+        WindowFrame now;
+        bool isLate = false; ///< the window manager has not processed the last request in time
+    };
+
+    void chooseRoute();
+    /// Sends the wish by the current route, waits and updates `now`. Sets `isLate` after a timeout, and when
+    /// the window has gone.
+    void ask(Task& task);
+    void sendMessage(const Task& task);
+    void sendConfigure(const Task& task, const Point& deviation);
     void normalize(xcb_window_t window, const WindowStates& states);
-    /// Handles a refusal: repeats the request if the window manager has moved the window elsewhere, and
-    /// releases the window from its tile if that does not help. Returns false on a timeout.
-    bool insist(xcb_window_t window, const FrameWish& wish, const Rect& before, const WindowFrame& after);
-    [[nodiscard]] bool isHeldFrom(xcb_window_t window, const WindowFrame& frame, const FrameWish& wish);
+    void correct(Task& task);
+    void moveOnly(Task& task);
+    void insist(Task& task);
+    void tryOtherRoute(Task& task);
+    [[nodiscard]] bool isHeld(const Task& task);
+    [[nodiscard]] bool hasStayed(const Task& task) const { return task.now.outer() == task.before; }
     void releaseFromTile(xcb_window_t window);
-    [[nodiscard]] std::optional<WindowFrame> readBack(xcb_window_t window);
+    void finish(Task& task);
 
     Connection& m_connection;
     ClientWindows& m_windows;
     Barrier m_barrier;
-    WindowManagerCheck m_manager;
+    xcb_window_t m_manager = XCB_WINDOW_NONE; // the check window of the manager that `m_route` is for
+    Route m_route = Route::Message;
+    bool m_isProven = false; // a window has been moved by `m_route`
 };
 
 } // namespace tessarel::x11

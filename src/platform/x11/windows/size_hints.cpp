@@ -43,7 +43,9 @@ SizeHints sizeHintsFrom(const xcb_size_hints_t& hints) {
         pairOf(hints, XCB_ICCCM_SIZE_HINT_P_RESIZE_INC, hints.width_inc, hints.height_inc, kNone.step);
     return {.width = {minimum.width, maximum.width, step.width},
             .height = {minimum.height, maximum.height, step.height},
-            .keepsAspect = (hints.flags & XCB_ICCCM_SIZE_HINT_P_ASPECT) != 0};
+            .keepsAspect = (hints.flags & XCB_ICCCM_SIZE_HINT_P_ASPECT) != 0,
+            .hasStaticGravity = (hints.flags & XCB_ICCCM_SIZE_HINT_P_WIN_GRAVITY) != 0 &&
+                                hints.win_gravity == XCB_GRAVITY_STATIC};
 }
 
 SizeHints readSizeHints(Connection& connection, xcb_window_t window) {

@@ -25,6 +25,14 @@ struct SizeHints {
     ExtentHints width;
     ExtentHints height;
     bool keepsAspect = false; ///< the client limits its aspect ratio, so one extent depends on the other
+    /// A requested position is that of the client window itself, whatever frame is around it. Otherwise it is
+    /// that of the frame's corner.
+    bool hasStaticGravity = false;
+
+    /// Returns whether the client allows only one size.
+    [[nodiscard]] bool isFixed() const {
+        return width.minimum >= width.maximum && height.minimum >= height.maximum;
+    }
 
     /// Returns whether the hints explain both extents of `actual`. With an aspect ratio, any size is
     /// explained.

@@ -1,8 +1,11 @@
 #include "platform/x11/windows/window_frame.h"
 
 #include "platform/x11/server/property.h"
+#include "platform/x11/windows/climb.h"
 
 #include <algorithm>
+#include <utility>
+#include <vector>
 
 namespace tessarel::x11 {
 
@@ -23,6 +26,33 @@ WindowStates statesFrom(const Connection& connection, std::span<const std::uint3
             .shaded = has(Atom::NetWmStateShaded),
             .hidden = has(Atom::NetWmStateHidden),
             .fullScreen = has(Atom::NetWmStateFullscreen)};
+}
+
+/// Returns the child of the root window that contains `window`, or `window` itself if it is one.
+xcb_window_t topLevelOf(Connection& connection, xcb_window_t window) {
+    std::vector<Climb> climbs = startClimbs({window});
+    for (int step = 0; step < kDeepestNesting && !climbs.empty(); ++step) {
+        window = climbs.front().ancestor;
+        climbs = ClimbStep(connection, std::move(climbs)).collect();
+    }
+    return window;
+}
+
+/// Returns the distances from the edges of `client`, in pixels of the root window, to the outer edges of the
+/// frame window around it, borders included. Returns `std::nullopt` when there is no window any more.
+std::optional<Extents> extentsOfFrameWindow(Connection& connection, xcb_window_t window, const Rect& client) {
+    const auto frame = connection.reply<xcb_get_geometry_reply>(
+        xcb_get_geometry(connection.xcb(), topLevelOf(connection, window)));
+    if (!frame)
+        return std::nullopt;
+    // The geometry of a child of the root window gives the outer corner and the size without the border.
+    const int border = 2 * frame->border_width;
+    const int left = static_cast<int>(client.minX()) - frame->x;
+    const int bottom = frame->y + frame->height + border - static_cast<int>(client.maxY());
+    return Extents{.left = left,
+                   .right = frame->x + frame->width + border - static_cast<int>(client.maxX()),
+                   .top = static_cast<int>(client.minY()) - frame->y,
+                   .bottom = bottom < 0 ? left : bottom}; // a shaded window's frame ends above its client
 }
 
 } // namespace
@@ -53,8 +83,9 @@ Extents effectiveExtents(std::optional<Extents> decoration, std::optional<Extent
     return decoration.value_or(Extents{});
 }
 
-FrameRequest::FrameRequest(Connection& connection, xcb_window_t window)
-    : m_connection(&connection), m_geometry(xcb_get_geometry(connection.xcb(), window)),
+FrameRequest::FrameRequest(Connection& connection, xcb_window_t window, ExtentsSource source)
+    : m_connection(&connection), m_window(window), m_source(source),
+      m_geometry(xcb_get_geometry(connection.xcb(), window)),
       // The geometry is relative to the frame, so the origin is translated to root coordinates.
       m_origin(xcb_translate_coordinates(connection.xcb(), window, connection.root(), 0, 0)),
       m_decoration(requestProperty(connection, window, connection.atom(Atom::NetFrameExtents),
@@ -74,10 +105,12 @@ std::optional<WindowFrame> FrameRequest::collect() {
         return std::nullopt;
     const Rect client{static_cast<double>(origin->dst_x), static_cast<double>(origin->dst_y),
                       static_cast<double>(geometry->width), static_cast<double>(geometry->height)};
-    return WindowFrame{
-        client,
-        effectiveExtents(extentsFrom(values(decoration)), extentsFrom(values(shadows)), client.size()),
-        statesFrom(*m_connection, values(states))};
+    auto decorationExtents = extentsFrom(values(decoration));
+    const auto shadowExtents = extentsFrom(values(shadows));
+    if (!decorationExtents && !shadowExtents && m_source == ExtentsSource::FrameWindow)
+        decorationExtents = extentsOfFrameWindow(*m_connection, m_window, client);
+    return WindowFrame{client, effectiveExtents(decorationExtents, shadowExtents, client.size()),
+                       statesFrom(*m_connection, values(states))};
 }
 
 } // namespace tessarel::x11

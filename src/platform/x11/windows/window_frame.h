@@ -56,17 +56,26 @@ struct WindowFrame {
 [[nodiscard]] Extents effectiveExtents(std::optional<Extents> decoration, std::optional<Extents> shadows,
                                        const Size& client);
 
+/// Where the extents of a window are read.
+enum class ExtentsSource {
+    Properties,  ///< from the window's properties; without them it has no extents
+    FrameWindow, ///< without properties, from the frame that the window manager has put around it
+};
+
 /// The pending requests for a `WindowFrame`. `collect` must be called once.
 class FrameRequest {
 public:
     /// Sends the requests. `connection` must outlive this object.
-    FrameRequest(Connection& connection, xcb_window_t window);
+    FrameRequest(Connection& connection, xcb_window_t window, ExtentsSource source);
 
-    /// Waits for the replies. Returns `std::nullopt` when the window does not exist.
+    /// Waits for the replies. Returns `std::nullopt` when the window does not exist. Takes a further round
+    /// trip for each level of frames, and one more, if the extents have to be read from the frame.
     [[nodiscard]] std::optional<WindowFrame> collect();
 
 private:
     Connection* m_connection;
+    xcb_window_t m_window;
+    ExtentsSource m_source;
     xcb_get_geometry_cookie_t m_geometry;
     xcb_translate_coordinates_cookie_t m_origin;
     xcb_get_property_cookie_t m_decoration;

@@ -45,7 +45,8 @@ public:
         setProperty(m_x.root(), "_NET_SUPPORTED", XCB_ATOM_ATOM,
                     {m_x.atom("_NET_MOVERESIZE_WINDOW"), m_x.atom("_NET_FRAME_EXTENTS"),
                      m_x.atom("_NET_ACTIVE_WINDOW"), m_x.atom("_NET_CLIENT_LIST"),
-                     m_x.atom("_NET_CLIENT_LIST_STACKING"), m_x.atom("_NET_WM_STATE")});
+                     m_x.atom("_NET_CLIENT_LIST_STACKING"), m_x.atom("_NET_WM_STATE"),
+                     m_x.atom("_NET_WM_STATE_MAXIMIZED_HORZ"), m_x.atom("_NET_WM_STATE_MAXIMIZED_VERT")});
         const std::uint32_t events = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
         xcb_change_window_attributes(m_x.get(), m_x.root(), XCB_CW_EVENT_MASK, &events);
         m_x.roundTrip();
@@ -167,11 +168,18 @@ TEST_F(PlacementProtocolTest, ASizeAloneRequestsNoPosition) {
 }
 
 TEST_F(PlacementProtocolTest, APositionAloneRequestsTheCurrentSize) {
+    window = client.open({.client = kClient});
     setExtents("_NET_FRAME_EXTENTS", {1, 2, 20, 4});
 
     placement.place(window, {.origin = Point{100, 101}, .size = std::nullopt});
 
     EXPECT_EQ(manager.heard(), (std::vector{moveResize(kOrigin | kSize, {100, 101, 500, 400})}));
+}
+
+TEST_F(PlacementProtocolTest, APositionAloneRequestsNoSizeForAWindowOfFixedSize) {
+    placement.place(window, {.origin = Point{101, 121}, .size = std::nullopt});
+
+    EXPECT_EQ(manager.heard(), (std::vector{moveResize(kOrigin, {101, 121, 0, 0})}));
 }
 
 TEST_F(PlacementProtocolTest, APositionAloneRequestsNoSizeForAMaximisedWindow) {
@@ -213,6 +221,7 @@ TEST_F(PlacementProtocolTest, TheFullScreenStateIsNotRemoved) {
 }
 
 TEST_F(PlacementProtocolTest, AnIgnoredRequestIsRepeatedOnceAfterMaximisingAndUnmaximising) {
+    window = client.open({.client = kClient});
     const Message request = moveResize(kOrigin | kSize, {300, 200, 600, 450});
 
     placement.place(window, {.origin = Point{300, 200}, .size = Size{600, 450}});
@@ -232,6 +241,7 @@ TEST_F(PlacementProtocolTest, AnIgnoredSizeIsRequestedOnceMoreAfterMaximisingAnd
 }
 
 TEST_F(PlacementProtocolTest, AWindowTiledDuringAPlacementIsUntiled) {
+    window = client.open({.client = kClient});
     const Message request = moveResize(kOrigin | kSize, {300, 200, 600, 450});
     bool isTiled = false;
     const auto tiler = driver.connection().onRead([&](const Connection::Event&) {

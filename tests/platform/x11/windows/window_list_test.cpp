@@ -153,6 +153,7 @@ TEST_F(WindowListTest, ListingManyWindowsTakesTwoRoundTrips) {
         (void)open();
     settle();
     (void)monitors.primaryOrigin(); // cached until the monitors change
+    (void)windows.manager();        // cached until the window manager changes
     const auto before = connection.roundTrips();
 
     EXPECT_EQ(windowList.onScreenWindows().size(), 9U);
