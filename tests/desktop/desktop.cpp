@@ -45,18 +45,6 @@ bool reportsSanitizer(const std::string& errors) {
     return errors.find("Sanitizer") != std::string::npos || errors.find("runtime error") != std::string::npos;
 }
 
-/// Returns the height of the frame that the window manager gave to `window`, or of the window itself without
-/// one.
-int heightOnScreen(XConnection& x, xcb_window_t window) {
-    auto tree = own(xcb_query_tree_reply(x.get(), xcb_query_tree(x.get(), window), nullptr));
-    while (tree && tree->parent != tree->root && tree->parent != XCB_WINDOW_NONE) {
-        window = tree->parent;
-        tree = own(xcb_query_tree_reply(x.get(), xcb_query_tree(x.get(), window), nullptr));
-    }
-    const auto geometry = own(xcb_get_geometry_reply(x.get(), xcb_get_geometry(x.get(), window), nullptr));
-    return geometry ? geometry->height : 0;
-}
-
 /// Owns the shared desktops and stops them before the test program exits.
 class SharedDesktops : public testing::Environment {
 public:
@@ -99,6 +87,7 @@ Desktop::Desktop(const DesktopOptions& options)
     writeSettings(m_server, options.settings);
     m_panelWindow = m_panel.open(panelOptions(rightmost(m_monitors), options.server.height));
     EXPECT_TRUE(waitForPanel());
+    m_ownWindows = m_observer.clients();
 }
 
 bool Desktop::waitForPanel() {
@@ -196,11 +185,13 @@ bool Desktop::addStates(xcb_window_t window, const std::vector<std::string>& sta
 bool Desktop::isAsLargeAsItsStates(xcb_window_t window) {
     const Frame area = usableArea();
     const Frame now = frame(window);
-    const bool isWide = now.x <= area.x && now.right() >= area.right();
-    const bool isHigh = now.y <= area.y && now.bottom() >= area.bottom();
-    const bool isRolledUp = heightOnScreen(m_observer.x(), window) < now.height / 2;
+    constexpr int kNear = 3; // pekwm leaves a pixel or two at the edges of the screen
+    const bool isWide = now.x <= area.x + kNear && now.right() >= area.right() - kNear;
+    const bool isHigh = now.y <= area.y + kNear && now.bottom() >= area.bottom() - kNear;
+    const bool isRolledUp = m_observer.topLevelFrame(window).value_or(Frame{}).height < now.height / 2;
+    const Frame client = m_observer.clientFrame(window).value_or(Frame{}); // may keep a hidden decoration
     const bool isFull = std::ranges::any_of(m_monitors, [&](const Monitor& monitor) {
-        return now == Frame{monitor.x, monitor.y, monitor.width, monitor.height};
+        return client == Frame{monitor.x, monitor.y, monitor.width, monitor.height};
     });
     return (isFull || !m_observer.hasState(window, "_NET_WM_STATE_FULLSCREEN")) &&
            (isWide || !m_observer.hasState(window, "_NET_WM_STATE_MAXIMIZED_HORZ")) &&
@@ -225,7 +216,9 @@ Frame Desktop::settledFrame(xcb_window_t window, const Frame& expected) {
 bool Desktop::waitUntilOnlyPanel() {
     return m_observer.waitUntil([this] {
         const std::vector<xcb_window_t> clients = m_observer.clients();
-        return clients.empty() || (clients.size() == 1 && clients.front() == m_panelWindow);
+        return std::ranges::all_of(clients, [this](xcb_window_t window) {
+            return window == m_panelWindow || std::ranges::find(m_ownWindows, window) != m_ownWindows.end();
+        });
     });
 }
 

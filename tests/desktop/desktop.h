@@ -101,7 +101,7 @@ public:
     /// Waits until a window has the frame `expected` and the program is idle. Returns `expected`, or the
     /// current frame at the deadline.
     [[nodiscard]] Frame settledFrame(xcb_window_t window, const Frame& expected);
-    /// Waits until the windows of the previous test are gone.
+    /// Waits until the windows of the previous test are gone. Windows of the window manager itself may stay.
     [[nodiscard]] bool waitUntilOnlyPanel();
 
 private:
@@ -116,6 +116,7 @@ private:
     Keyboard m_keyboard;
     TestClient m_panel;
     xcb_window_t m_panelWindow = XCB_WINDOW_NONE;
+    std::vector<xcb_window_t> m_ownWindows; // the panel and what the window manager lists of its own
     std::unique_ptr<Program> m_program;
 };
 

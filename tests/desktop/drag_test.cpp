@@ -10,14 +10,19 @@
 namespace tessarel::x11test {
 namespace {
 
-constexpr std::array kManagers = {
-    WindowManagerKind::Openbox, WindowManagerKind::Xfwm4,  WindowManagerKind::Metacity,
-    WindowManagerKind::Marco,   WindowManagerKind::Icewm,  WindowManagerKind::Fluxbox,
-    WindowManagerKind::Kwin,    WindowManagerKind::Mutter,
-};
-
 /// Drags under every window manager.
 class DragTest : public DragFixture {};
+
+/// Drags under the window managers that process keys and requests while they move a window. The others see
+/// nothing but the pointer until the button is released.
+class AttentiveDragTest : public DragFixture {};
+
+constexpr std::array kAttentive = {
+    WindowManagerKind::Openbox, WindowManagerKind::Xfwm4,    WindowManagerKind::Metacity,
+    WindowManagerKind::Marco,   WindowManagerKind::Icewm,    WindowManagerKind::Fluxbox,
+    WindowManagerKind::Kwin,    WindowManagerKind::Mutter,   WindowManagerKind::Jwm,
+    WindowManagerKind::Awesome, WindowManagerKind::Blackbox,
+};
 
 /// Drags with settings that remember the zones of applications.
 class RememberedDragTest : public DragFixture {
@@ -83,7 +88,7 @@ TEST_P(DragTest, ADragThatStartsInTheContentNeverSnaps) {
     EXPECT_EQ(desktop.frame(window), before);
 }
 
-TEST_P(DragTest, DestroyingADraggedWindowHidesTheOverlay) {
+TEST_P(AttentiveDragTest, DestroyingADraggedWindowHidesTheOverlay) {
     const xcb_window_t window = desktop.open(client);
     dragOver(window, zoneFrame(2));
 
@@ -94,7 +99,7 @@ TEST_P(DragTest, DestroyingADraggedWindowHidesTheOverlay) {
     expectNextDragWorks();
 }
 
-TEST_P(DragTest, AProgramStoppedDuringADragLeavesNoOverlayBehind) {
+TEST_P(AttentiveDragTest, AProgramStoppedDuringADragLeavesNoOverlayBehind) {
     const xcb_window_t window = desktop.open(client);
     dragOver(window, zoneFrame(2));
 
@@ -106,7 +111,7 @@ TEST_P(DragTest, AProgramStoppedDuringADragLeavesNoOverlayBehind) {
     EXPECT_EQ(desktop.settledFrame(window, zoneFrame(2)), zoneFrame(2));
 }
 
-TEST_P(DragTest, EscapeHidesTheOverlayAndTheReleaseDoesNothing) {
+TEST_P(AttentiveDragTest, EscapeHidesTheOverlayAndTheReleaseDoesNothing) {
     const xcb_window_t window = desktop.open(client);
     dragOver(window, zoneFrame(2));
 
@@ -153,7 +158,8 @@ TEST_P(DragTest, ResizingAWindowByABorderNeverShowsTheOverlay) {
     expectNextPressWorks();
 }
 
-INSTANTIATE_TEST_SUITE_P(All, DragTest, testing::ValuesIn(kManagers), managerName);
+INSTANTIATE_TEST_SUITE_P(All, DragTest, testing::ValuesIn(kAllWindowManagers), managerName);
+INSTANTIATE_TEST_SUITE_P(Most, AttentiveDragTest, testing::ValuesIn(kAttentive), managerName);
 
 /// Drags of maximised windows, which openbox and fluxbox do not move.
 class PulledOffTest : public DragFixture {};
@@ -185,7 +191,10 @@ TEST_P(PulledOffTest, AMaximizedWindowThatIsPulledOffGoesToTheZone) {
 INSTANTIATE_TEST_SUITE_P(Most, PulledOffTest,
                          testing::Values(WindowManagerKind::Xfwm4, WindowManagerKind::Metacity,
                                          WindowManagerKind::Marco, WindowManagerKind::Icewm,
-                                         WindowManagerKind::Kwin, WindowManagerKind::Mutter),
+                                         WindowManagerKind::Kwin, WindowManagerKind::Mutter,
+                                         WindowManagerKind::Jwm, WindowManagerKind::Fvwm3,
+                                         WindowManagerKind::WindowMaker, WindowManagerKind::Pekwm,
+                                         WindowManagerKind::Blackbox),
                          managerName);
 
 /// Restarts the program with the settings of each test, and with the default ones afterwards.
@@ -265,7 +274,7 @@ TEST_P(DragSettingsTest, EachEdgeSnapsToItsPartOfTheScreen) {
     expectParts({{0, 450, kLeftHalf}, {1599, 450, kRightHalf}, {800, 0, kWhole}});
 }
 
-INSTANTIATE_TEST_SUITE_P(All, DragSettingsTest, testing::ValuesIn(kManagers), managerName);
+INSTANTIATE_TEST_SUITE_P(Most, DragSettingsTest, testing::ValuesIn(kAttentive), managerName);
 
 /// All window managers except metacity: the others either do not tile at the corners or allow a tiled window
 /// to be moved.
@@ -283,7 +292,8 @@ INSTANTIATE_TEST_SUITE_P(Most, DragCornersTest,
                          testing::Values(WindowManagerKind::Openbox, WindowManagerKind::Xfwm4,
                                          WindowManagerKind::Marco, WindowManagerKind::Icewm,
                                          WindowManagerKind::Fluxbox, WindowManagerKind::Kwin,
-                                         WindowManagerKind::Mutter),
+                                         WindowManagerKind::Mutter, WindowManagerKind::Jwm,
+                                         WindowManagerKind::Awesome, WindowManagerKind::Blackbox),
                          managerName);
 
 TEST_P(DragZonesTest, TheSmallerOfOverlappingZonesWins) {

@@ -78,7 +78,7 @@ protected:
         return {0, 0, size.width + border.left + border.right, size.height + border.top + border.bottom};
     }
 
-    Extents borders() { return desktop.observer().extents(window, "_NET_FRAME_EXTENTS").value_or(Extents{}); }
+    Extents borders() { return desktop.observer().decoration(window); }
 
     /// Once another window has been snapped, the program has finished with this one.
     void expectNextPressWorks() {

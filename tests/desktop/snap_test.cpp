@@ -78,8 +78,11 @@ TEST_P(SnapTest, ATerminalFillsItsZoneToWithinOneResizeIncrement) {
     ChildProcess terminal({"xterm", "-geometry", "80x24+200+150", "-class", "Terminal", "-e", "cat"},
                           desktop.server().environment());
     Observer& observer = desktop.observer();
-    ASSERT_TRUE(observer.waitUntil([&] { return observer.clients().back() != window; }));
-    const xcb_window_t xterm = observer.clients().back();
+    xcb_window_t xterm = XCB_WINDOW_NONE;
+    ASSERT_TRUE(observer.waitUntil([&] {
+        xterm = observer.windowOfClass("Terminal");
+        return xterm != XCB_WINDOW_NONE;
+    }));
     ASSERT_TRUE(desktop.activate(xterm));
     const std::vector<std::uint32_t> hints = observer.values(xterm, "WM_NORMAL_HINTS");
     const Frame zone = zoneFrame(5);

@@ -61,6 +61,8 @@ private:
 
     [[nodiscard]] Place gripOf(xcb_window_t window);
     [[nodiscard]] bool pull(xcb_window_t window, const Deadline& deadline = Deadline());
+    void settle();
+    [[nodiscard]] bool isWithheld() const;
     void step(int x, int y);
     [[nodiscard]] std::optional<Overlay> find();
     [[nodiscard]] std::optional<Overlay> asOverlay(xcb_window_t window);

@@ -30,8 +30,10 @@ const std::vector<WindowKind>& windowKinds() {
 
 SizeRule effectiveRule(WindowManagerKind manager, SizeRule rule) {
     using enum WindowManagerKind;
-    const bool ignoresLimits = manager == Icewm || manager == Fluxbox;
-    const bool ignoresSteps = manager == Xfwm4 || manager == Fluxbox;
+    const bool ignoresLimits = manager == Icewm || manager == Fluxbox || manager == WindowMaker ||
+                               manager == Pekwm || manager == Blackbox;
+    const bool ignoresSteps = manager == Xfwm4 || manager == Fluxbox || manager == Jwm ||
+                              manager == WindowMaker || manager == Pekwm || manager == Blackbox;
     if (ignoresLimits && (rule == SizeRule::Minimum || rule == SizeRule::Fixed))
         return SizeRule::Exact;
     return ignoresSteps && rule == SizeRule::Stepped ? SizeRule::Exact : rule;
@@ -41,6 +43,17 @@ std::string limitOf(WindowManagerKind manager, const WindowKind& kind) {
     using enum WindowManagerKind;
     if (kind.name == "ClientDecorated" && (manager == Marco || manager == Icewm))
         return "keeps the client's shadow inside the screen";
+    if (kind.name == "ClientDecorated" && manager >= Jwm)
+        return "does not know shadows, so that toolkits draw none";
+    const bool isMaximized = std::string_view(kind.name).starts_with("Maximized");
+    if (isMaximized && manager == Awesome)
+        return "does not let another program restore a maximised window";
+    if (isMaximized && kind.states.size() == 1 && manager == Fvwm3)
+        return "names both axes when one is maximised";
+    if (kind.name == "Shaded" && manager == Awesome)
+        return "rolls up no windows";
+    if (kind.name == "Shaded" && manager == Blackbox)
+        return "hides the height of the handle below a window that is rolled up";
     if (kind.name == "Shaded" && (manager == Mutter || manager == Icewm))
         return "takes the focus off a window that it rolls up";
     return {};

@@ -1,6 +1,8 @@
 #include "support/x11/observer.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <poll.h>
 
 namespace tessarel::x11test {
@@ -138,12 +140,39 @@ std::optional<Frame> Observer::outerFrame(xcb_window_t window) {
     const std::optional<Frame> client = clientFrame(window);
     if (!client)
         return std::nullopt;
-    const Extents frame = extents(window, "_NET_FRAME_EXTENTS").value_or(Extents{});
+    const Extents frame = decoration(window);
     const Extents shadow = extents(window, "_GTK_FRAME_EXTENTS").value_or(Extents{});
     const Extents border{frame.left - shadow.left, frame.right - shadow.right, frame.top - shadow.top,
                          frame.bottom - shadow.bottom};
     return Frame{client->x - border.left, client->y - border.top, client->width + border.left + border.right,
                  client->height + border.top + border.bottom};
+}
+
+Extents Observer::decoration(xcb_window_t window) {
+    if (const auto published = extents(window, "_NET_FRAME_EXTENTS"))
+        return *published;
+    const auto client = clientFrame(window);
+    const auto outer = topLevelFrame(window);
+    if (!client || !outer || windowManagerName().empty() || supports("_NET_FRAME_EXTENTS"))
+        return {};
+    const int left = client->x - outer->x;
+    const int bottom = outer->bottom() - client->bottom();
+    return {left, outer->right() - client->right(), client->y - outer->y,
+            bottom < 0 ? left : bottom}; // the frame of a shaded window ends above its client
+}
+
+std::optional<Frame> Observer::topLevelFrame(xcb_window_t window) {
+    xcb_connection_t* const x = m_x.get();
+    auto tree = own(xcb_query_tree_reply(x, xcb_query_tree(x, window), nullptr));
+    while (tree && tree->parent != tree->root && tree->parent != XCB_WINDOW_NONE) {
+        window = tree->parent;
+        tree = own(xcb_query_tree_reply(x, xcb_query_tree(x, window), nullptr));
+    }
+    const auto geometry = own(xcb_get_geometry_reply(x, xcb_get_geometry(x, window), nullptr));
+    if (!geometry)
+        return std::nullopt;
+    const int borders = 2 * geometry->border_width;
+    return Frame{geometry->x, geometry->y, geometry->width + borders, geometry->height + borders};
 }
 
 Owned<xcb_get_property_reply_t> Observer::property(xcb_window_t window, std::string_view name,
@@ -179,7 +208,18 @@ std::vector<xcb_window_t> Observer::clients() {
 
 bool Observer::managed(xcb_window_t window) {
     const std::vector<xcb_window_t> all = clients();
-    return std::find(all.begin(), all.end(), window) != all.end();
+    const bool isListed = std::find(all.begin(), all.end(), window) != all.end();
+    // pekwm lists a window only when the next one has opened.
+    return isListed || (windowManagerName() == "pekwm" && !values(window, "WM_STATE").empty());
+}
+
+xcb_window_t Observer::windowOfClass(std::string_view className) {
+    const std::string ending = '\0' + std::string(className) + '\0';
+    std::vector<xcb_window_t> windows = clients();
+    windows.push_back(activeWindow());
+    const auto found = std::ranges::find_if(
+        windows, [&](xcb_window_t window) { return text(window, "WM_CLASS").ends_with(ending); });
+    return found == windows.end() ? xcb_window_t{XCB_WINDOW_NONE} : *found;
 }
 
 bool Observer::hasTakenCharge(xcb_window_t window) {
@@ -202,10 +242,32 @@ std::optional<Frame> Observer::workArea() {
     const std::vector<std::uint32_t> areas = values(root(), "_NET_WORKAREA");
     const std::vector<std::uint32_t> desktop = values(root(), "_NET_CURRENT_DESKTOP");
     const std::size_t first = desktop.empty() ? 0 : 4 * std::size_t{desktop.front()};
+    // Window Maker, which does not name itself, leaves panels out of its area.
+    if (areas.empty() || windowManagerName() == "nameless")
+        return areaWithoutStruts();
     if (areas.size() < first + 4)
         return std::nullopt;
     const auto pixels = [&areas, first](std::size_t index) { return static_cast<int>(areas[first + index]); };
     return Frame{pixels(0), pixels(1), pixels(2), pixels(3)};
+}
+
+Frame Observer::areaWithoutStruts() {
+    xcb_connection_t* const x = m_x.get();
+    const auto screen = own(xcb_get_geometry_reply(x, xcb_get_geometry(x, root()), nullptr));
+    const auto tree = own(xcb_query_tree_reply(x, xcb_query_tree(x, root()), nullptr));
+    if (!screen || !tree)
+        return {};
+    std::vector<xcb_window_t> windows = clients();
+    const xcb_window_t* const children = xcb_query_tree_children(tree.get());
+    windows.insert(windows.end(), children, children + xcb_query_tree_children_length(tree.get()));
+    std::array<int, 4> depths{}; // left, right, top, bottom
+    for (const xcb_window_t window : windows) {
+        const std::vector<std::uint32_t> strut = values(window, "_NET_WM_STRUT_PARTIAL");
+        for (std::size_t side = 0; side < depths.size() && side < strut.size(); ++side)
+            depths[side] = std::max(depths[side], static_cast<int>(strut[side]));
+    }
+    return {depths[0], depths[2], screen->width - depths[0] - depths[1],
+            screen->height - depths[2] - depths[3]};
 }
 
 bool Observer::supports(std::string_view hint) {
@@ -217,7 +279,8 @@ std::string Observer::windowManagerName() {
     const std::vector<std::uint32_t> check = values(root(), "_NET_SUPPORTING_WM_CHECK");
     if (check.empty() || values(check.front(), "_NET_SUPPORTING_WM_CHECK") != check)
         return {};
-    return text(check.front(), "_NET_WM_NAME");
+    const std::string name = text(check.front(), "_NET_WM_NAME");
+    return name.empty() ? "nameless" : name;
 }
 
 xcb_window_t Observer::selectionOwner(std::string_view selection) {
@@ -243,8 +306,19 @@ void Observer::iconify(xcb_window_t window) {
 }
 
 void Observer::moveOuterFrame(xcb_window_t window, const Frame& frame) {
-    const Extents border = extents(window, "_NET_FRAME_EXTENTS").value_or(Extents{});
+    const Extents border = decoration(window);
     const auto value = [](int pixels) { return static_cast<std::uint32_t>(pixels); };
+    if (!supports("_NET_MOVERESIZE_WINDOW")) {
+        const std::array<std::uint32_t, 4> values{value(frame.x), value(frame.y),
+                                                  value(frame.width - border.left - border.right),
+                                                  value(frame.height - border.top - border.bottom)};
+        xcb_configure_window(m_x.get(), window,
+                             XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y | XCB_CONFIG_WINDOW_WIDTH |
+                                 XCB_CONFIG_WINDOW_HEIGHT,
+                             values.data());
+        m_x.roundTrip();
+        return;
+    }
     sendToRoot(window, "_NET_MOVERESIZE_WINDOW",
                {kNorthWest | kAllFour | kSourcePager << 12U, value(frame.x), value(frame.y),
                 value(frame.width - border.left - border.right),

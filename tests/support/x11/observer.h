@@ -45,6 +45,11 @@ public:
     /// Returns the frame of the client window.
     [[nodiscard]] std::optional<Frame> clientFrame(xcb_window_t window);
     [[nodiscard]] std::optional<Extents> extents(xcb_window_t window, std::string_view property);
+    /// Returns how far the window manager's decoration reaches beyond the client window. Where the window
+    /// manager does not publish it, the frame's window is measured.
+    [[nodiscard]] Extents decoration(xcb_window_t window);
+    /// Returns the frame, borders included, of the child of the root window that contains `window` or is it.
+    [[nodiscard]] std::optional<Frame> topLevelFrame(xcb_window_t window);
 
     /// Returns the 32-bit values of a property; empty if it is missing or has another format.
     [[nodiscard]] std::vector<std::uint32_t> values(xcb_window_t window, std::string_view property);
@@ -57,6 +62,8 @@ public:
     /// Returns the managed windows, the oldest first.
     [[nodiscard]] std::vector<xcb_window_t> clients();
     [[nodiscard]] bool managed(xcb_window_t window);
+    /// Returns a managed window with this class (second part of WM_CLASS), or XCB_WINDOW_NONE.
+    [[nodiscard]] xcb_window_t windowOfClass(std::string_view className);
     /// Returns true once the window manager manages a new window. Checks WM_STATE, too, because the window
     /// manager may still list a destroyed window whose id was reused.
     [[nodiscard]] bool hasTakenCharge(xcb_window_t window);
@@ -64,10 +71,10 @@ public:
     [[nodiscard]] std::set<std::string> states(xcb_window_t window);
     [[nodiscard]] bool hasState(xcb_window_t window, std::string_view state);
     /// Returns the work area of the current desktop: the part of the root window that is not reserved, for
-    /// all monitors together.
+    /// all monitors together. Where the window manager does not publish it, it is what all bars leave free.
     [[nodiscard]] std::optional<Frame> workArea();
     [[nodiscard]] bool supports(std::string_view hint);
-    /// Returns the name of the running window manager; empty if there is none.
+    /// Returns the name of the running window manager, "nameless" if it has none; empty if none is running.
     [[nodiscard]] std::string windowManagerName();
     [[nodiscard]] xcb_window_t selectionOwner(std::string_view selection);
 
@@ -81,6 +88,8 @@ public:
     void sendToRoot(xcb_window_t window, std::string_view type, std::array<std::uint32_t, 5> data);
 
 private:
+    /// Returns the root window without the struts of its children and of all managed windows.
+    [[nodiscard]] Frame areaWithoutStruts();
     [[nodiscard]] Owned<xcb_get_property_reply_t> property(xcb_window_t window, std::string_view name,
                                                            std::uint32_t maximum);
     [[nodiscard]] bool isBarrierAnswer(const xcb_generic_event_t& event) const;

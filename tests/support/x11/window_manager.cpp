@@ -31,6 +31,13 @@ const std::vector<Traits>& allTraits() {
         {Fluxbox, "fluxbox", {"fluxbox"}, false},
         {Kwin, "kwin", {"kwin_x11"}, true},
         {Mutter, "mutter", {"mutter", "--x11", "--sm-disable"}, true},
+        {Jwm, "jwm", {"jwm"}, false},
+        {Fvwm3, "fvwm3", {"fvwm3"}, false},
+        {Awesome, "awesome", {"awesome"}, false},
+        {WindowMaker, "windowmaker", {"wmaker", "--for-real"}, false},
+        {Pekwm, "pekwm", {"pekwm"}, false},
+        {Blackbox, "blackbox", {"blackbox"}, false},
+        {Herbstluftwm, "herbstluftwm", {"herbstluftwm", "--autostart=/bin/true"}, false},
     };
     return traits;
 }
@@ -90,6 +97,30 @@ void dropFluxboxKeys(const XServer& server) {
                                                "session.doubleClickInterval: 0\n");
 }
 
+/// Writes jwm's installed configuration without the menu that opens wherever a button is released over the
+/// root window, also at the end of a drag.
+void dropJwmMenu(const XServer& server) {
+    std::string settings = readFile("/etc/jwm/system.jwmrc");
+    const std::string_view opens = "onroot=\"12\"";
+    if (const std::size_t menu = settings.find(opens); menu != std::string::npos)
+        settings.replace(menu, opens.size(), "onroot=\"\"");
+    writeFile(server.home() / ".jwmrc", settings);
+}
+
+/// Copies Window Maker's installed settings, as its set-up program does, without the keys on Ctrl+Alt and
+/// without double clicks.
+void copyWindowMakerSettings(const XServer& server) {
+    std::ifstream installed("/etc/GNUstep/Defaults/WindowMaker");
+    std::string settings;
+    for (std::string line; std::getline(installed, line);)
+        if (line.find("Mod1+Control") == std::string::npos && line.find("DoubleClick") == std::string::npos)
+            settings += line + "\n";
+    // Two presses on a title bar within this time shade the window.
+    if (const std::size_t start = settings.find('{'); start != std::string::npos)
+        settings.insert(start + 1, "\n  DoubleClickTime = 1;");
+    writeFile(server.home() / "GNUstep/Defaults/WindowMaker", settings);
+}
+
 /// Writes settings of the GNOME and MATE window managers to the file of GSettings' keyfile backend.
 void dropGSettingsKeys(const XServer& server) {
     std::string settings = "[org/gnome/desktop/wm/keybindings]\n";
@@ -113,8 +144,22 @@ void dropKeys(const XServer& server, WindowManagerKind kind) {
     case WindowManagerKind::Marco:
     case WindowManagerKind::Mutter:
         return dropGSettingsKeys(server);
+    case WindowManagerKind::Jwm:
+        return dropJwmMenu(server);
+    case WindowManagerKind::WindowMaker:
+        return copyWindowMakerSettings(server);
+    case WindowManagerKind::Pekwm:
+        return writeFile(server.home() / ".pekwm/keys",
+                         "Global {}\nMoveResize {}\nInputDialog {}\nMenu {}\n");
+    case WindowManagerKind::Fvwm3:
+        // Replaces the installed configuration, which opens windows of its own.
+        return writeFile(server.home() / ".fvwm/config",
+                         "OpaqueMoveSize unlimited\nStyle * ResizeOpaque, ClickToFocus\n");
     case WindowManagerKind::Xfwm4: // stores its keys in a daemon that the private bus does not start
     case WindowManagerKind::Kwin:  // likewise
+    case WindowManagerKind::Awesome:
+    case WindowManagerKind::Blackbox:
+    case WindowManagerKind::Herbstluftwm:
         return;
     }
 }
@@ -211,7 +256,7 @@ WindowManager::WindowManager(const XServer& server, WindowManagerKind kind, OwnK
     Observer observer(server.display());
     const auto announced = [&] {
         return !m_process->running() ||
-               (!observer.windowManagerName().empty() && observer.supports("_NET_MOVERESIZE_WINDOW"));
+               (!observer.windowManagerName().empty() && observer.supports("_NET_CLIENT_LIST"));
     };
     const auto composes = [&] {
         return compositing == Compositing::Off || observer.selectionOwner("_NET_WM_CM_S0") != XCB_WINDOW_NONE;

@@ -9,12 +9,31 @@
 
 namespace tessarel::x11test {
 
-enum class WindowManagerKind { Openbox, Xfwm4, Metacity, Marco, Icewm, Fluxbox, Kwin, Mutter };
+enum class WindowManagerKind {
+    Openbox,
+    Xfwm4,
+    Metacity,
+    Marco,
+    Icewm,
+    Fluxbox,
+    Kwin,
+    Mutter,
+    Jwm,
+    Fvwm3,
+    Awesome,
+    WindowMaker,
+    Pekwm,
+    Blackbox,
+    Herbstluftwm
+};
 
+/// All but herbstluftwm, which tiles windows unless they float.
 inline constexpr std::array kAllWindowManagers = {
-    WindowManagerKind::Openbox, WindowManagerKind::Xfwm4,  WindowManagerKind::Metacity,
-    WindowManagerKind::Marco,   WindowManagerKind::Icewm,  WindowManagerKind::Fluxbox,
-    WindowManagerKind::Kwin,    WindowManagerKind::Mutter,
+    WindowManagerKind::Openbox, WindowManagerKind::Xfwm4,    WindowManagerKind::Metacity,
+    WindowManagerKind::Marco,   WindowManagerKind::Icewm,    WindowManagerKind::Fluxbox,
+    WindowManagerKind::Kwin,    WindowManagerKind::Mutter,   WindowManagerKind::Jwm,
+    WindowManagerKind::Fvwm3,   WindowManagerKind::Awesome,  WindowManagerKind::WindowMaker,
+    WindowManagerKind::Pekwm,   WindowManagerKind::Blackbox,
 };
 
 [[nodiscard]] std::string_view name(WindowManagerKind kind);
