@@ -89,6 +89,9 @@ for part in tessarel_url_loading.so draw_icon Tessarel.app/Contents/MacOS/Tessar
     build
     expect_bundle "$part has changed"
 done
+echo "another icon" >"$parts/Tessarel.icns"
+build
+expect_bundle "the icon alone has changed"
 touch "$parts/Info.plist"
 build
 expect_bundle "the property list is newer"
