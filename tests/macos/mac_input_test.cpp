@@ -124,6 +124,24 @@ TEST_F(MacHotKeysTest, TheLargestKeyCodeIs127) {
     EXPECT_FALSE(claimed.at(1));
 }
 
+TEST_F(MacHotKeysTest, ARecorderReceivesTheCombinationThatIsRegisteredNow) {
+    fakemac::launch(fakemac::mac().ownPid, {});
+    fakemac::focus(fakemac::openWindow({.pid = fakemac::mac().ownPid, .axFrame = {0, 0, 400, 300}}));
+    std::vector<KeyDown> keys;
+    const auto recorder = desktop->localKeys.monitorKeyDown([&](const KeyDown& key) {
+        keys.push_back(key);
+        return true;
+    });
+    auto hotKey = claim(7);
+    hotKey.reset();
+    const HotKeyRequest changed{kKey1 + 1, kCtrlOpt, {0x47575744, 7}};
+    hotKey = std::move(desktop->hotKeys.registerHotKeys({&changed, 1}).at(0));
+
+    fakemac::pressKeys(kKey1 + 1, kCtrlOpt);
+
+    EXPECT_EQ(keys, (std::vector<KeyDown>{{kKey1 + 1, kControlFlag | kOptionFlag}}));
+}
+
 TEST_F(MacHotKeysTest, NoExceptionLeavesTheHandler) {
     fakemac::installLibraryHandler();
     handler = desktop->hotKeys.installHandler([](std::uint32_t) { throw std::runtime_error("of a test"); });
