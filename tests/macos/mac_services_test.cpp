@@ -153,7 +153,10 @@ TEST_F(MacServicesTest, ADisplayDisconnectedDuringTheCallIsLeftOut) {
 }
 
 TEST_F(MacServicesTest, AFrameworkCallOffTheMainThreadAborts) {
+    const auto item = desktop->statusItem.create({});
     EXPECT_DEATH(std::thread([this] { (void)desktop->trust.isTrusted(); }).join(), "off the main thread");
+    EXPECT_DEATH(std::thread([this] { desktop->statusItem.setTitle("TS"); }).join(), "off the main thread")
+        << "a property";
 }
 
 TEST_F(MacServicesTest, TheTextsAreThoseOfMacOS) {

@@ -217,6 +217,7 @@ AXError writeApplication(TSLFakeElement* element, const std::string& attribute, 
 namespace tessarel::fakemac {
 
 void notify(TSLFakeElement* element, const std::string& notification) {
+    checkThread();
     const auto present = observers;
     for (TSLFakeObserver* observer : present) {
         const bool isThere = std::ranges::find(observers, observer) != observers.end();

@@ -107,6 +107,7 @@ namespace {
 
 /// Calls the handlers, the one installed last first, until one does not return `eventNotHandledErr`.
 void dispatch(OpaqueEventRef& event) {
+    checkThread();
     std::vector<OpaqueEventHandlerRef*> chain;
     for (const auto& handler : handlers)
         chain.insert(chain.begin(), handler.get());

@@ -55,6 +55,7 @@ NSEventMask maskOf(const TSLFakeEvent* event) {
 /// Delivers the event to all local or all global monitors, including those that another monitor removes
 /// during the delivery. Returns false when a local monitor has consumed the event.
 bool show(BOOL local, TSLFakeEvent* event) {
+    checkThread();
     const NSEventMask mask = maskOf(event);
     NSMutableArray* const present = [NSMutableArray array];
     for (TSLFakeMonitor* monitor : monitors)

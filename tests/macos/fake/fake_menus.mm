@@ -177,8 +177,21 @@ std::size_t statusItemsForgotten = 0; // freed without removeStatusItem:
 @end
 
 @implementation TSLFakeMenuItem
-@synthesize target, action, representedObject, enabled, state, submenu, keyEquivalent,
-    keyEquivalentModifierMask;
+TSL_ASSIGNED(id, target, setTarget)
+TSL_ASSIGNED(SEL, action, setAction)
+TSL_RETAINED(id, representedObject, setRepresentedObject)
+TSL_ASSIGNED(NSControlStateValue, state, setState)
+TSL_RETAINED(NSMenu*, submenu, setSubmenu)
+TSL_COPIED(NSString*, keyEquivalent, setKeyEquivalent)
+TSL_ASSIGNED(NSEventModifierFlags, keyEquivalentModifierMask, setKeyEquivalentModifierMask)
+- (BOOL)isEnabled {
+    checkThread();
+    return enabled;
+}
+- (void)setEnabled:(BOOL)value {
+    checkThread();
+    enabled = value;
+}
 - (instancetype)initWithTitle:(NSString*)text action:(SEL)selector keyEquivalent:(NSString*)key {
     checkThread();
     if ((self = [super init])) {
@@ -199,7 +212,8 @@ std::size_t statusItemsForgotten = 0; // freed without removeStatusItem:
 @end
 
 @implementation TSLFakeMenu
-@synthesize autoenablesItems, delegate;
+TSL_ASSIGNED(BOOL, autoenablesItems, setAutoenablesItems)
+TSL_ASSIGNED(id<NSMenuDelegate>, delegate, setDelegate)
 - (instancetype)initWithTitle:(NSString*)title {
     checkThread();
     if ((self = [super init]) && title) {
@@ -223,7 +237,9 @@ std::size_t statusItemsForgotten = 0; // freed without removeStatusItem:
 @end
 
 @implementation TSLFakeButton
-@synthesize image, title, appearsDisabled;
+TSL_RETAINED(NSImage*, image, setImage)
+TSL_COPIED(NSString*, title, setTitle)
+TSL_ASSIGNED(BOOL, appearsDisabled, setAppearsDisabled)
 - (void)dealloc {
     self.image = nil;
     self.title = nil;
@@ -232,7 +248,8 @@ std::size_t statusItemsForgotten = 0; // freed without removeStatusItem:
 @end
 
 @implementation TSLFakeStatusItem
-@synthesize button, menu;
+TSL_RETAINED(NSStatusBarButton*, button, setButton)
+TSL_RETAINED(NSMenu*, menu, setMenu)
 - (instancetype)init {
     if ((self = [super init]) && mac().hasStatusButtons)
         self.button = [[[TSLFakeButton alloc] init] autorelease];
@@ -247,7 +264,7 @@ std::size_t statusItemsForgotten = 0; // freed without removeStatusItem:
 @end
 
 @implementation TSLFakeApp
-@synthesize mainMenu;
+TSL_RETAINED(NSMenu*, mainMenu, setMainMenu)
 @end
 
 @implementation NSStatusBar
@@ -321,12 +338,14 @@ NSMenu* statusMenu() {
 }
 
 void perform(NSMenuItem* item) {
+    checkThread();
     @autoreleasepool {
         [item.target performSelector:item.action withObject:item];
     }
 }
 
 void tellDelegate(NSMenu* menu, SEL selector) {
+    checkThread();
     if ([(id)menu.delegate respondsToSelector:selector])
         [(id)menu.delegate performSelector:selector withObject:menu];
 }

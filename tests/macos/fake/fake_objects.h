@@ -74,6 +74,31 @@ enum class FakeElementKind { Desktop, Application, Window, Part };
 }
 @end
 
+// Accessors of a property whose instance variable has the name of the getter. Unlike synthesized accessors,
+// they check the thread. Each macro is for one kind of property.
+#define TSL_ASSIGNED(type, getter, setter)                                                                   \
+    -(type)getter {                                                                                          \
+        tessarel::fakemac::checkThread();                                                                    \
+        return getter;                                                                                       \
+    }                                                                                                        \
+    -(void)setter : (type)value {                                                                            \
+        tessarel::fakemac::checkThread();                                                                    \
+        getter = value;                                                                                      \
+    }
+#define TSL_OWNED(type, getter, setter, own)                                                                 \
+    -(type)getter {                                                                                          \
+        tessarel::fakemac::checkThread();                                                                    \
+        return [[getter retain] autorelease];                                                                \
+    }                                                                                                        \
+    -(void)setter : (type)value {                                                                            \
+        tessarel::fakemac::checkThread();                                                                    \
+        type const before = getter;                                                                          \
+        getter = [value own];                                                                                \
+        [before release];                                                                                    \
+    }
+#define TSL_RETAINED(type, getter, setter) TSL_OWNED(type, getter, setter, retain)
+#define TSL_COPIED(type, getter, setter) TSL_OWNED(type, getter, setter, copy)
+
 namespace tessarel::fakemac {
 
 /// Creates an element; the caller owns the reference.
@@ -97,7 +122,8 @@ void postApplicationNotification(NSString* name, pid_t pid);
 void bringToFront(pid_t pid);
 /// Puts this program's windows behind those of the application that comes to the front.
 void sendOwnWindowsBack();
-/// Aborts the process when called off the main thread, where the back end must not call any framework.
+/// Aborts the process when called off the main thread: every framework function calls it, and every fake
+/// before it calls back.
 void checkThread();
 [[nodiscard]] NSNotificationCenter* newCenter();
 /// Records a misuse of the system that it would not report itself. `heldObjects` lists it.

@@ -257,6 +257,7 @@ void checkIsReopening(uint32_t eventClass, uint32_t eventID) {
 namespace tessarel::fakemac {
 
 bool openAgain() {
+    checkThread();
     @autoreleasepool {
         if (!reopening.target)
             return false;

@@ -84,7 +84,10 @@ bool isOwnProgramInFront() {
 #pragma clang diagnostic pop
 
 @implementation TSLFakeWindow
-@synthesize level, collectionBehavior, ignoresMouseEvents, hasShadow;
+TSL_ASSIGNED(NSWindowLevel, level, setLevel)
+TSL_ASSIGNED(NSWindowCollectionBehavior, collectionBehavior, setCollectionBehavior)
+TSL_ASSIGNED(BOOL, ignoresMouseEvents, setIgnoresMouseEvents)
+TSL_ASSIGNED(BOOL, hasShadow, setHasShadow)
 - (instancetype)init {
     if ((self = [super init])) {
         self.hasShadow = YES;
@@ -121,7 +124,11 @@ bool isOwnProgramInFront() {
 @end
 
 @implementation TSLFakePanel
-@synthesize allowedContentTypes, directoryURL, prompt, canChooseDirectories, allowsMultipleSelection;
+TSL_COPIED(NSArray*, allowedContentTypes, setAllowedContentTypes)
+TSL_COPIED(NSURL*, directoryURL, setDirectoryURL)
+TSL_COPIED(NSString*, prompt, setPrompt)
+TSL_ASSIGNED(BOOL, canChooseDirectories, setCanChooseDirectories)
+TSL_ASSIGNED(BOOL, allowsMultipleSelection, setAllowsMultipleSelection)
 - (instancetype)init {
     if ((self = [super init]))
         // Not AppKit's defaults, so that the back end has to set both.
