@@ -46,10 +46,6 @@ protected:
     }
 };
 
-TEST_F(MacApplicationShellTest, QtDoesNotActivateTheProgramWhenItRaisesAWindow) {
-    EXPECT_EQ(qgetenv("QT_MAC_SET_RAISE_PROCESS"), "0");
-}
-
 TEST_F(MacApplicationShellTest, LaunchingInstallsStatusItemMonitorsHotKeysAndMainMenu) {
     EXPECT_EQ(launch(), Launch::Running);
 
