@@ -30,11 +30,16 @@ OverlayController::OverlayController(OverlayPort& port, const Geo& geo) : m_port
 
 void OverlayController::show(const Screen& screen, std::vector<OverlayItem> items) {
     const Point origin = m_geo.axFrame(screen).origin();
-    if (m_isShown && m_screenFrame == screen.frame && m_view.origin == origin && m_view.items == items)
+    // Screen coordinates begin at the bottom of the primary display. When its height changes, the same frame
+    // is another place on the desktop, and only the origin shows it.
+    const bool isPlaced = m_isShown && m_screenFrame == screen.frame && m_view.origin == origin;
+    if (isPlaced && m_view.items == items)
         return;
     if (!m_window)
         m_window = m_port.createWindow();
-    setFrame(screen.frame);
+    if (!isPlaced)
+        m_window->setFrame(screen.frame);
+    m_screenFrame = screen.frame;
     m_view.origin = origin;
     m_view.items = std::move(items);
     draw();
@@ -47,13 +52,6 @@ void OverlayController::hide() {
         return;
     m_isShown = false;
     m_window->orderOut();
-}
-
-void OverlayController::setFrame(const Rect& screenFrame) {
-    if (m_screenFrame == screenFrame)
-        return;
-    m_screenFrame = screenFrame;
-    m_window->setFrame(screenFrame);
 }
 
 void OverlayController::draw() {

@@ -7,7 +7,6 @@
 #include "snap/overlay_view.h"
 
 #include <memory>
-#include <optional>
 #include <vector>
 
 namespace tessarel {
@@ -26,8 +25,6 @@ public:
     void hide();
 
 private:
-    /// Moves the window if its frame changes.
-    void setFrame(const Rect& screenFrame);
     /// Sends the window the figures and the areas that have changed.
     void draw();
 
@@ -35,8 +32,8 @@ private:
     const Geo& m_geo;
     /// Null before the first use.
     std::unique_ptr<OverlayWindow> m_window;
-    /// Frame of the window, in screen coordinates.
-    std::optional<Rect> m_screenFrame;
+    /// Frame of the window when it was last shown, in screen coordinates.
+    Rect m_screenFrame;
     OverlayView m_view;
     /// Figures that the window shows.
     std::vector<OverlayFigure> m_figures;

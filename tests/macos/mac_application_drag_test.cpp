@@ -209,6 +209,32 @@ TEST_F(MacApplicationDragTest, DisplaysMayBeDisconnectedBetweenTwoCallsOfOneMove
     EXPECT_NE(overlay(), nullptr);
 }
 
+TEST_F(MacApplicationDragTest, DisplaysMayBeDisconnectedBeforeTheOverlayIsPlaced) {
+    const auto displays = fakemac::mac().displays;
+    fakemac::holdModifiers(kShiftFlag);
+    for (const std::size_t queries : {1U, 2U, 3U}) {
+        SCOPED_TRACE(queries);
+        window = openEditorWindow();
+        press();
+        fakemac::mac().displayChanges.assign(queries, displays);
+        fakemac::mac().displayChanges.emplace_back();
+
+        letFrameBeReadAgain();
+        drag({100, 100});
+        fakemac::mac().displayChanges.clear();
+        fakemac::mac().displays.clear();
+        drag({101, 100});
+        EXPECT_EQ(overlay(), nullptr);
+
+        fakemac::mac().displays = displays;
+        drag({102, 100});
+        ASSERT_NE(overlay(), nullptr);
+        EXPECT_EQ(overlay()->geometry(), QRect(0, 0, 1440, 900));
+        drag({500, 210});
+        fakemac::releaseLeftButton();
+    }
+}
+
 TEST_F(MacApplicationDragTest, TheProgramMayExitDuringADrag) {
     fakemac::holdModifiers(kShiftFlag);
     press();

@@ -184,18 +184,25 @@ TEST_F(OverlayControllerTest, ADisplayThatHasGrownIsCoveredCompletely) {
     EXPECT_EQ(picture.drawings, 1);
 }
 
-TEST_F(OverlayControllerTest, TheFrameIsSetOnlyWhenItChanges) {
+TEST_F(OverlayControllerTest, WhileTheOverlayIsShownTheFrameIsSetOnlyWhenItChanges) {
     overlay.show(screen, {left});
     overlay.show(screen, {right});
-    overlay.hide();
-    overlay.show(screen, {left});
     EXPECT_EQ(picture.framesSet, 1);
 
     overlay.show(desktop.displays().screens().front(), {left});
     EXPECT_EQ(picture.framesSet, 2);
 }
 
-TEST_F(OverlayControllerTest, AChangedHeightOfThePrimaryDisplayMovesThePictureOnOtherScreens) {
+TEST_F(OverlayControllerTest, TheFrameIsSetAgainWhenTheOverlayIsShownAgain) {
+    overlay.show(screen, {left});
+    overlay.hide();
+
+    overlay.show(screen, {left});
+
+    EXPECT_EQ(picture.framesSet, 2);
+}
+
+TEST_F(OverlayControllerTest, AChangedHeightOfThePrimaryDisplayMovesTheOverlayOnOtherScreens) {
     overlay.show(screen, {left});
     ASSERT_THAT(shown(), ElementsAre(kLeftShown));
     desktop.removeScreen(desktop.displays().screens().front().id); // 800 points high; this one has 900
@@ -203,6 +210,7 @@ TEST_F(OverlayControllerTest, AChangedHeightOfThePrimaryDisplayMovesThePictureOn
     overlay.show(screen, {left});
 
     EXPECT_THAT(shown(), ElementsAre(Rect{40, -75, 650, 820}));
+    EXPECT_EQ(picture.framesSet, 2);
 }
 
 } // namespace

@@ -37,6 +37,10 @@ bool isConnected(NSScreen* screen) {
 @implementation NSScreen
 + (NSArray*)screens {
     checkThread();
+    if (auto& changes = mac().displayChanges; !changes.empty()) {
+        mac().displays = changes.front();
+        changes.erase(changes.begin());
+    }
     NSMutableArray* const all = [NSMutableArray array];
     for (const Display& display : mac().displays) {
         TSLFakeScreen* const screen = [[[TSLFakeScreen alloc] init] autorelease]; // new for each call

@@ -76,7 +76,9 @@ struct Mac {
     bool notificationsComeTwice = false; ///< each notification is delivered again, as if already queued
     LoopMode loopMode = LoopMode::Default;
     std::vector<Display> displays;
-    std::optional<std::vector<Display>> nextDisplays = {}; ///< replace `displays` after the next query
+    std::optional<std::vector<Display>> nextDisplays = {}; ///< replace `displays` during the next query
+    /// Each replaces `displays` at the start of one further query.
+    std::vector<std::vector<Display>> displayChanges = {};
     std::map<ProcessId, Application> applications;
     std::map<WindowNumber, Window> windows;
     std::vector<WindowNumber> stacking; ///< front to back
