@@ -274,7 +274,9 @@ TEST_F(MacStatusItemTest, NoExceptionLeavesTheMenu) {
 
     EXPECT_EQ(fakemac::openStatusMenu(), looksOf(everyKindOfRow()));
     EXPECT_NO_THROW(fakemac::clickAt({"Settings..."})());
+    testing::internal::CaptureStderr();
     EXPECT_NO_THROW(turn());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "tessarel: an event was not dealt with\n");
 }
 
 } // namespace

@@ -438,9 +438,11 @@ AXError AXObserverAddNotification(AXObserverRef reference, AXUIElementRef elemen
     return kAXErrorSuccess;
 }
 
-AXError AXObserverRemoveNotification(AXObserverRef reference, AXUIElementRef, CFStringRef notification) {
+AXError AXObserverRemoveNotification(AXObserverRef reference, AXUIElementRef element,
+                                     CFStringRef notification) {
     checkThread();
     TSLFakeObserver* const observer = (TSLFakeObserver*)reference;
+    (void)ask(fake(element)); // removed in any case, but not before a hanging application has timed out
     if (!observer->element || observer->notification != [(NSString*)notification UTF8String])
         return kAXErrorNotificationNotRegistered;
     [observer->element release];

@@ -30,7 +30,7 @@ public:
     explicit Keyboard(MacLocalKeys& localKeys) : m_localKeys(localKeys) {}
     Keyboard(const Keyboard&) = delete;
     Keyboard& operator=(const Keyboard&) = delete;
-    ~Keyboard() { removeHandler(); }
+    ~Keyboard() = default;
 
     [[nodiscard]] SubscriptionPtr addHandler(std::function<void(std::uint32_t id)> pressed) {
         @autoreleasepool {

@@ -36,12 +36,13 @@ public:
         AXObserverRef const observer = m_observer.get();
         const AXError error =
             AXObserverAddNotification(observer, axElement(m_element), cfString(m_notification), nullptr);
-        if (error != kAXErrorSuccess)
-            return error;
-        handlers()[observer] = std::move(handler);
-        // Unlike the default mode, the common modes also run during menu tracking and modal panels.
-        CFRunLoopAddSource(CFRunLoopGetMain(), AXObserverGetRunLoopSource(observer), kCFRunLoopCommonModes);
-        m_isListening = true;
+        if (error == kAXErrorSuccess) {
+            handlers()[observer] = std::move(handler);
+            // Unlike the default mode, the common modes also run during menu tracking and modal panels.
+            CFRunLoopAddSource(CFRunLoopGetMain(), AXObserverGetRunLoopSource(observer),
+                               kCFRunLoopCommonModes);
+            m_isListening = true;
+        }
         return error;
     }
 
