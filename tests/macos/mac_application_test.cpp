@@ -60,6 +60,17 @@ TEST_F(MacApplicationTest, ANewWindowOfARememberedApplicationMovesIntoItsZone) {
     EXPECT_TRUE(until([&] { return frameOf(window) == kZone1; }));
 }
 
+TEST_F(MacApplicationTest, ANewWindowThatHasNoAttributesAtFirstMovesIntoItsZone) {
+    settings(R"(, "appZones": {"org.example.editor": 0})");
+    launch();
+
+    const auto window = fakemac::openWindow({.pid = kEditor, .axFrame = kWindow, .hasAttributes = false});
+    asyncAfter(program->mainQueue(), std::chrono::milliseconds(200),
+               [&] { fakemac::mac().windows.at(window).hasAttributes = true; });
+
+    EXPECT_TRUE(until([&] { return frameOf(window) == kZone1; }));
+}
+
 TEST_F(MacApplicationTest, AnApplicationLaunchedLaterIsRemembered) {
     launch();
     fakemac::launch(8, {.bundleIdentifier = "org.example.terminal"});

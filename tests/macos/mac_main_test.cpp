@@ -2,6 +2,7 @@
 #include "macos/fake/fake_menus.h"
 
 #include <QCoreApplication>
+#include <QString>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -84,17 +85,44 @@ TEST_F(MacMainTest, QtIsToldNotToActivateTheProgramBeforeTheApplicationObjectIsC
 
 TEST_F(MacMainTest, TheProgramRunsUntilItIsAskedToEnd) {
     std::size_t statusItems = 0;
-    std::string decimalPoint;
 
     EXPECT_EQ(run([&] {
                   statusItems = fakemac::statusItems().size();
-                  decimalPoint = std::localeconv()->decimal_point;
                   std::raise(SIGTERM);
               }),
               EXIT_SUCCESS);
 
     EXPECT_EQ(statusItems, 1U);
-    EXPECT_EQ(decimalPoint, ".");
+}
+
+TEST_F(MacMainTest, NumbersAreNotWrittenInTheUsersLocale) {
+    qputenv("LC_ALL", "C.UTF-8"); // exists on every machine, and differs from "C" in its name
+    std::string locale;
+
+    EXPECT_EQ(run([&] {
+                  locale = std::setlocale(LC_NUMERIC, nullptr);
+                  QCoreApplication::quit();
+              }),
+              EXIT_SUCCESS);
+    qunsetenv("LC_ALL");
+
+    EXPECT_EQ(locale, "C");
+}
+
+TEST_F(MacMainTest, QtKnowsTheProgramAndReportsItsMessagesToIt) {
+    QCoreApplication::setApplicationVersion({});
+    qInstallMessageHandler(nullptr);
+    const QtMessageHandler handlerOfQt = qInstallMessageHandler(nullptr);
+    QtMessageHandler handler = handlerOfQt;
+
+    EXPECT_EQ(run([&] {
+                  handler = qInstallMessageHandler(nullptr);
+                  QCoreApplication::quit();
+              }),
+              EXIT_SUCCESS);
+
+    EXPECT_NE(QCoreApplication::applicationVersion(), QString());
+    EXPECT_NE(handler, handlerOfQt);
 }
 
 TEST_F(MacMainTest, ASecondCopyEndsAtOnce) {

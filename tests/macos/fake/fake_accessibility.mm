@@ -172,6 +172,8 @@ AXError writeWindow(TSLFakeElement* element, const std::string& attribute, CFTyp
     std::ostringstream line;
     line << "window " << element->window << ' ' << attribute << ' ' << pair->first << ' ' << pair->second;
     mac().writes.push_back(line.str());
+    if (!window->hasAttributes)
+        return kAXErrorAttributeUnsupported;
     if (window->fullScreen)
         return kAXErrorFailure;
     const LateWrite write{element->window, isSize, pair->first, pair->second, window->lateness};

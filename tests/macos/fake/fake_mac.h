@@ -35,7 +35,7 @@ struct Window {
     double alpha = 1;
     std::set<std::string> unlisted = {};  ///< keys missing from its entry in the window server's list
     std::set<std::string> mislisted = {}; ///< keys whose value in that entry has the wrong type (a string)
-    bool hasAttributes = true;            ///< false: too new, reads of its attributes fail
+    bool hasAttributes = true;            ///< false: too new, its attributes cannot be used
     double lateness = 0;                  ///< seconds until a confirmed write is applied
     bool tellsItsEnd = true;              ///< false: its close sends no AXUIElementDestroyed
 };
