@@ -268,6 +268,7 @@ TEST_F(MacMouseTest, ModifiersAreReportedWhileAnOwnWindowIsTheKeyWindow) {
     fakemac::releaseLeftButton();
 
     EXPECT_EQ(movements, 1);
+    EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 1) << "the key window receives the change as well";
 }
 
 TEST_F(MacMouseTest, ModifiersAreMonitoredOnlyWhileTheButtonIsHeld) {

@@ -80,6 +80,28 @@ TEST_F(MacWorkspaceTest, AReusedProcessIdIsReportedAsTheLaterApplication) {
     EXPECT_EQ(ended, (std::vector<RunningApplication>{editor, {kEditor, "org.example.mail"}}));
 }
 
+TEST_F(MacWorkspaceTest, ARelaunchedApplicationIsReportedWithItsLaterProcessId) {
+    const auto observer = observeEnds();
+    fakemac::launch(8, {.bundleIdentifier = "org.example.mail"});
+    fakemac::launch(9, {.bundleIdentifier = "org.example.mail", .relaunchedFrom = 8});
+
+    fakemac::terminate(9, false);
+
+    EXPECT_EQ(ended, (std::vector<RunningApplication>{{9, "org.example.mail"}}));
+}
+
+TEST_F(MacWorkspaceTest, TheRecordOfATerminatedApplicationIsNotUsedAgain) {
+    const auto observer = observeEnds();
+    fakemac::launch(8, {.bundleIdentifier = "org.example.mail"});
+    fakemac::terminate(8, false);
+    ASSERT_EQ(ended.size(), 1U);
+
+    fakemac::launch(-1, {.relaunchedFrom = 8}); // has no process yet
+    fakemac::terminate(-1);
+
+    EXPECT_EQ(ended.size(), 1U);
+}
+
 TEST_F(MacWorkspaceTest, TheTerminationOfAnUnknownApplicationIsNotReported) {
     fakemac::launch(-1, {});
     const auto observer = observeEnds();

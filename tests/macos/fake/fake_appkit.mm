@@ -108,7 +108,8 @@ NSString* const NSWorkspaceDidTerminateApplicationNotification =
     if (found == mac().applications.end())
         return nil;
     TSLFakeApplication* const application = [[[TSLFakeApplication alloc] init] autorelease];
-    application->started = application->pid = pid;
+    application->pid = pid;
+    application->started = found->second.relaunchedFrom != 0 ? found->second.relaunchedFrom : pid;
     application->application = found->second;
     return application;
 }

@@ -207,7 +207,9 @@ void holdModifiers(std::uint64_t flags) {
         return;
     @autoreleasepool {
         // Key events go to the frontmost application, wherever the pointer is.
-        show(mac().frontmost == mac().ownPid ? YES : NO, fakeEvent(NSEventTypeFlagsChanged, flags));
+        const bool isOwn = mac().frontmost == mac().ownPid;
+        if (show(isOwn ? YES : NO, fakeEvent(NSEventTypeFlagsChanged, flags)) && isOwn)
+            ++mac().keysOfOwnWindows;
     }
 }
 

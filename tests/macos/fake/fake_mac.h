@@ -52,6 +52,9 @@ struct Application {
     std::optional<bool> enhancedInterface = {}; ///< its AXEnhancedUserInterface; empty: not supported
     std::map<std::string, double> numbers = {}; ///< further attributes of its element, with numbers as values
     WindowNumber focusedWindow = 0;             ///< 0: none
+    /// Process id that it had before the system terminated and relaunched it, which still identifies its
+    /// object; 0: it has not been relaunched.
+    ProcessId relaunchedFrom = 0;
 };
 
 /// A connected display. Both frames are in screen coordinates.
@@ -97,10 +100,10 @@ struct Mac {
     std::optional<std::string> panelChoice;     ///< path that the user picks in an open panel; empty: cancels
     std::map<std::string, std::string> bundles; ///< bundle identifiers by path; may be empty strings
 
-    std::vector<std::string> writes;                 ///< attributes written, as in "window 3 AXSize 640 480"
-    int keysOfOwnWindows = 0;                        ///< key presses that no monitor has consumed
-    int valuesGiven = 0;                             ///< attribute writes, including those that fail
-    std::vector<double> waits;                       ///< seconds waited for each message that timed out
+    std::vector<std::string> writes; ///< attributes written, as in "window 3 AXSize 640 480"
+    int keysOfOwnWindows = 0;        ///< keys and modifier changes that no monitor has consumed
+    int valuesGiven = 0;             ///< attribute writes, including those that fail
+    std::vector<double> waits;       ///< seconds waited for each message that timed out
     std::function<void(double seconds)> waited = {}; ///< called for each entry of `waits`
     int observationRequests = 0;       ///< registrations for notifications, including failed ones
     std::vector<std::string> prompted; ///< options of the requests for the permission

@@ -9,7 +9,7 @@
 
 namespace tessarel::macos {
 
-/// Owns one reference to a Core Foundation object, or is null. Movable, not copyable.
+/// Owns one reference to a Core Foundation object, or is null. It can be moved, but not copied or assigned.
 template <class Type>
 class CfRef {
 public:
@@ -17,10 +17,6 @@ public:
     CfRef(const CfRef&) = delete;
     CfRef& operator=(const CfRef&) = delete;
     CfRef(CfRef&& other) noexcept : m_object(std::exchange(other.m_object, nullptr)) {}
-    CfRef& operator=(CfRef&& other) noexcept {
-        std::swap(m_object, other.m_object);
-        return *this;
-    }
     ~CfRef() {
         if (m_object)
             CFRelease(m_object);
