@@ -9,7 +9,6 @@ Services::Services(const Ports& ports)
       actionRunner(windowEngine, store, permissions, runtime), hotKeys(ports.hotKeys, actionRunner, store),
       overlay(ports.overlay, geo), dragSnap({.mouse = ports.mouse,
                                              .mainQueue = ports.mainQueue,
-                                             .workspace = ports.workspace,
                                              .store = store,
                                              .runtime = runtime,
                                              .permissions = permissions,

@@ -103,6 +103,11 @@ std::optional<ProcessId> AX::pid(const Element& element) const {
     return m_accessibility.pid(element);
 }
 
+std::optional<RunningApplication> AX::owner(const Element& window, ProcessId pid) const {
+    auto app = m_accessibility.owner(window);
+    return app ? app : m_workspace.runningApplication(pid);
+}
+
 SubscriptionPtr AX::onWindowCreated(ProcessId pid, std::chrono::milliseconds timeLimit,
                                     std::function<void(const Element&)> created) const {
     const Element application = m_accessibility.application(pid);

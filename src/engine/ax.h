@@ -66,6 +66,10 @@ public:
     /// Returns the process that owns the element (see `AccessibilityPort::pid`).
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) const;
 
+    /// Returns the application that the window of process `pid` belongs to (see `AccessibilityPort::owner`).
+    /// For a window that has closed, returns the application of the process.
+    [[nodiscard]] std::optional<RunningApplication> owner(const Element& window, ProcessId pid) const;
+
     /// Calls `created` for every window that process `pid` opens from now on, until the returned subscription
     /// is destroyed. Returns null if the process cannot be observed. Sets the messaging timeout of the
     /// observed application element to `timeLimit`.

@@ -64,8 +64,11 @@ bool WindowEngine::approx(const Rect& a, const Rect& b, double tolerance) {
 bool WindowEngine::isIgnored(const std::optional<RunningApplication>& app) const {
     if (!app || !app->bundleIdentifier)
         return false;
-    const auto& ignored = m_store.settings.ignoredApps;
-    return std::find(ignored.begin(), ignored.end(), *app->bundleIdentifier) != ignored.end();
+    const auto isListed = [&ignored = m_store.settings.ignoredApps](const std::string& name) {
+        return std::find(ignored.begin(), ignored.end(), name) != ignored.end();
+    };
+    const auto& otherNames = app->otherNames;
+    return isListed(*app->bundleIdentifier) || std::any_of(otherNames.begin(), otherNames.end(), isListed);
 }
 
 bool WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFrame,

@@ -43,7 +43,8 @@ public:
     /// Returns whether left edge, top edge, width and height each differ by at most `tolerance`.
     [[nodiscard]] static bool approx(const Rect& a, const Rect& b, double tolerance = kTolerance);
 
-    /// Returns whether the user has excluded the application. False without an application or identifier.
+    /// Returns whether the user has excluded the application, under any of its names. False without an
+    /// application or identifier.
     [[nodiscard]] bool isIgnored(const std::optional<RunningApplication>& app) const;
 
     /// Moves the window of process `pid` to `axFrame`, within `bounds` if given (see `AX::setFrame`). Every
@@ -98,6 +99,7 @@ private:
     /// Finds the element of a window that the window server has listed.
     [[nodiscard]] std::optional<Element> match(const Rect& axBounds, ProcessId pid,
                                                const std::unordered_set<WindowKey>& seen) const;
+    [[nodiscard]] bool isWhollyIgnored(ProcessId pid) const;
     [[nodiscard]] std::optional<Screen> attendedScreen() const;
 
     AX& m_ax;

@@ -45,15 +45,23 @@ std::vector<FoundWindow> WindowEngine::visibleWindows(const Rect& on, std::size_
         if (found.size() == limit)
             break;
         const auto owner = ownerOfVisible(listed, on);
-        if (!owner || *owner == m_workspace.ownProcessIdentifier() ||
-            isIgnored(m_workspace.runningApplication(*owner)))
+        if (!owner || *owner == m_workspace.ownProcessIdentifier() || isWhollyIgnored(*owner))
             continue;
-        if (auto window = match(*listed.axBounds, *owner, seen)) {
-            seen.insert(key(*window));
+        auto window = match(*listed.axBounds, *owner, seen);
+        if (!window)
+            continue;
+        seen.insert(key(*window));
+        if (!isIgnored(m_ax.owner(*window, *owner)))
             found.push_back({*std::move(window), *owner});
-        }
     }
     return found;
+}
+
+/// Returns whether all windows of process `pid` belong to an ignored application, so that no request needs to
+/// be sent to it.
+bool WindowEngine::isWhollyIgnored(ProcessId pid) const {
+    const auto app = m_workspace.runningApplication(pid);
+    return app && app->ownsWholeProcess && isIgnored(app);
 }
 
 /// Returns the first window of process `pid` that may be moved, has the frame `axBounds` and is not in

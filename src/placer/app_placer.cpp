@@ -57,63 +57,70 @@ void AppPlacer::watch(const RunningApplication& app) {
         m_observers.emplace(pid, std::move(observer));
 }
 
-/// Schedules the placement of a new window if its application has a remembered zone.
+/// Schedules the placement of a new window. Whether its application has a remembered zone may only turn out
+/// when the placement is due: some programs name their windows a moment after they have opened them.
 void AppPlacer::windowCreated(const Element& window) {
-    const auto pid = m_uses.ax.pid(window);
-    const auto app = pid ? m_uses.workspace.runningApplication(*pid) : std::nullopt;
-    if (!app || !mayBePlaced(*app))
+    const auto pid = m_uses.store.settings.rememberApps ? m_uses.ax.pid(window) : std::nullopt;
+    const auto app = pid ? m_uses.ax.owner(window, *pid) : std::nullopt;
+    if (!app)
         return;
     m_placements.asyncAfter(kWindowDelay, [this, window, app = *app, index = zoneIndex(*app)] {
-        const RunningApplication owner = identified(app);
-        if (const auto due = index ? index : zoneIndex(owner))
-            place(window, owner, *due);
+        placeIdentified(window, app, index);
     });
 }
 
 /// Schedules the placement of the windows that a new application opens before its windows can be observed.
 void AppPlacer::placeExisting(const RunningApplication& app) {
-    if (mayBePlaced(app))
-        m_placements.asyncAfter(kLaunchDelay, [this, app] { placeWindows(identified(app)); });
+    if (!m_uses.store.settings.rememberApps)
+        return;
+    const bool isWanted = zoneIndex(app).has_value();
+    m_placements.asyncAfter(kLaunchDelay, [this, app, isWanted] { placeWindows(app, isWanted); });
 }
 
-/// Returns whether the application has a remembered zone, or may turn out to have one: some programs name
-/// their windows only a moment after they have opened them.
-bool AppPlacer::mayBePlaced(const RunningApplication& app) const {
-    return zoneIndex(app) || (!app.bundleIdentifier && m_uses.store.settings.rememberApps);
-}
-
-/// Returns the application, with the identifier that it has by now if it had none.
-RunningApplication AppPlacer::identified(const RunningApplication& app) const {
-    if (app.bundleIdentifier)
-        return app;
-    return m_uses.workspace.runningApplication(app.processIdentifier).value_or(app);
-}
-
-void AppPlacer::placeWindows(const RunningApplication& app) {
-    const auto index = zoneIndex(app);
-    if (!index)
+void AppPlacer::placeWindows(const RunningApplication& app, bool isWanted) {
+    const auto index = isWanted ? zoneIndex(app) : std::nullopt;
+    const auto now = m_uses.workspace.runningApplication(app.processIdentifier).value_or(app);
+    const bool isCertain = now.ownsWholeProcess && now.bundleIdentifier == app.bundleIdentifier;
+    if (isCertain && !index) // does not ask the program for its windows
         return;
     for (const Element& window : m_uses.ax.windows(app.processIdentifier))
-        place(window, app, *index);
+        placeIdentified(window, app, index);
+}
+
+/// Places a window that was expected to belong to `app` and to be placed in zone `index`, if any. If it turns
+/// out to belong to another application, places it in the zone of that one.
+void AppPlacer::placeIdentified(const Element& window, const RunningApplication& app,
+                                std::optional<std::size_t> index) {
+    const RunningApplication owner = m_uses.ax.owner(window, app.processIdentifier).value_or(app);
+    const auto due = owner.bundleIdentifier == app.bundleIdentifier ? index : zoneIndex(owner);
+    if (due)
+        place(window, owner, *due);
 }
 
 /// Returns the index of the application's remembered zone; empty if its windows are not to be placed. A zone
 /// that has been disabled meanwhile stays remembered.
 std::optional<std::size_t> AppPlacer::zoneIndex(const RunningApplication& app) const {
     const AppSettings& settings = m_uses.store.settings;
-    if (!settings.rememberApps || !app.bundleIdentifier)
+    const auto number = settings.rememberApps ? rememberedZone(app) : std::nullopt;
+    if (!number || *number < 0 || *number >= std::ssize(settings.zones))
         return {};
-    const auto remembered = settings.appZones.find(*app.bundleIdentifier);
-    if (remembered == settings.appZones.end())
-        return {};
-    const std::int64_t number = remembered->second;
-    if (number < 0 || number >= std::ssize(settings.zones))
-        return {};
-    const auto index = static_cast<std::size_t>(number);
+    const auto index = static_cast<std::size_t>(*number);
     const bool isWanted = settings.zones[index].enabled && !m_uses.runtime.paused;
     if (!isWanted || !m_uses.permissions.isTrusted() || m_uses.engine.isIgnored(app))
         return {};
     return index;
+}
+
+/// Returns the zone that is stored under the application's identifier, else under the first of its other
+/// names that has one.
+std::optional<std::int64_t> AppPlacer::rememberedZone(const RunningApplication& app) const {
+    if (!app.bundleIdentifier)
+        return {};
+    const auto& zones = m_uses.store.settings.appZones;
+    auto stored = zones.find(*app.bundleIdentifier);
+    for (auto name = app.otherNames.begin(); stored == zones.end() && name != app.otherNames.end(); ++name)
+        stored = zones.find(*name);
+    return stored == zones.end() ? std::nullopt : std::optional(stored->second);
 }
 
 /// Places the window unless it has been placed before, may not be placed, or settings or pause have changed

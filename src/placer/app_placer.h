@@ -14,6 +14,7 @@
 #include "ports/workspace_port.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <unordered_map>
 #include <unordered_set>
@@ -57,10 +58,11 @@ private:
     void watch(const RunningApplication& app);
     void windowCreated(const Element& window);
     void placeExisting(const RunningApplication& app);
-    void placeWindows(const RunningApplication& app);
-    [[nodiscard]] bool mayBePlaced(const RunningApplication& app) const;
-    [[nodiscard]] RunningApplication identified(const RunningApplication& app) const;
+    void placeWindows(const RunningApplication& app, bool isWanted);
+    void placeIdentified(const Element& window, const RunningApplication& app,
+                         std::optional<std::size_t> index);
     [[nodiscard]] std::optional<std::size_t> zoneIndex(const RunningApplication& app) const;
+    [[nodiscard]] std::optional<std::int64_t> rememberedZone(const RunningApplication& app) const;
     void place(const Element& window, const RunningApplication& app, std::size_t index);
     [[nodiscard]] bool isPlaceable(const Element& window) const;
     void notePlaced(WindowEngine::WindowKey window);

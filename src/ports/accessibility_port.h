@@ -3,6 +3,7 @@
 #include "model/subscription.h"
 #include "ports/process_id.h"
 #include "ports/rect.h"
+#include "ports/running_application.h"
 
 #include <chrono>
 #include <cstdint>
@@ -116,6 +117,10 @@ public:
     /// to `window`, so that it has stayed where it was: tiling window managers do. Call it right after the
     /// writes. Returns false where the desktop has no say in it.
     [[nodiscard]] virtual bool hasRefused(const Element& window) = 0;
+    /// Returns the application that `window` belongs to. That is the application of its process, except where
+    /// several applications share a process. Empty if there is none. Sends no request to the window's
+    /// program.
+    [[nodiscard]] virtual std::optional<RunningApplication> owner(const Element& window) = 0;
 };
 
 } // namespace tessarel

@@ -2,6 +2,7 @@
 
 #include "model/subscription.h"
 #include "ports/process_id.h"
+#include "ports/running_application.h"
 
 #include <functional>
 #include <optional>
@@ -9,17 +10,6 @@
 #include <vector>
 
 namespace tessarel {
-
-/// An application that is running on this desktop.
-struct RunningApplication {
-    ProcessId processIdentifier = 0;
-    /// Permanent identifier of the application, such as "org.example.editor".
-    std::optional<std::string> bundleIdentifier;
-    /// Whether the user works in its windows; false for panels and background helpers.
-    bool isRegular = true;
-
-    bool operator==(const RunningApplication&) const = default;
-};
 
 /// A change in the life of an application.
 enum class ApplicationEvent {
@@ -38,7 +28,7 @@ public:
     [[nodiscard]] virtual std::optional<RunningApplication> frontmostApplication() = 0;
 
     /// Returns the application of process `pid`, or `std::nullopt` if the process has exited or is not an
-    /// application.
+    /// application. If several applications share the process, returns that of its frontmost window.
     [[nodiscard]] virtual std::optional<RunningApplication> runningApplication(ProcessId pid) = 0;
 
     /// Returns all running applications, in no particular order. This program may be among them.

@@ -15,15 +15,14 @@ constexpr double kGrabHeight = 60;
 
 } // namespace
 
-CandidatePicker::CandidatePicker(WorkspacePort& workspace, const AX& ax, const WindowEngine& engine)
-    : m_workspace(workspace), m_ax(ax), m_engine(engine) {}
+CandidatePicker::CandidatePicker(const AX& ax, const WindowEngine& engine) : m_ax(ax), m_engine(engine) {}
 
 std::optional<Candidate> CandidatePicker::pick(const Point& axPoint) {
     auto window = m_ax.windowAt(axPoint, kMessagingTimeout);
     if (!window)
         return {};
     const auto pid = m_ax.pid(*window);
-    if (!pid || m_engine.isIgnored(m_workspace.runningApplication(*pid)) || !m_ax.isUsable(*window))
+    if (!pid || m_engine.isIgnored(m_ax.owner(*window, *pid)) || !m_ax.isUsable(*window))
         return {};
     const auto axFrame = m_ax.frame(*window);
     if (!axFrame || !axFrame->contains(axPoint) || axPoint.y - axFrame->minY() > kGrabHeight)

@@ -5,7 +5,6 @@
 #include "ports/accessibility_port.h"
 #include "ports/process_id.h"
 #include "ports/rect.h"
-#include "ports/workspace_port.h"
 
 #include <optional>
 
@@ -22,15 +21,14 @@ struct Candidate {
 /// Finds the window that a mouse press has grabbed by its title bar.
 class CandidatePicker {
 public:
-    /// All arguments must outlive the picker.
-    CandidatePicker(WorkspacePort& workspace, const AX& ax, const WindowEngine& engine);
+    /// Both arguments must outlive the picker.
+    CandidatePicker(const AX& ax, const WindowEngine& engine);
 
     /// Returns the window whose top 60 points contain `axPoint`. Empty if there is none, if it may not be
     /// moved, if its application is ignored, or if its program does not reply in time.
     [[nodiscard]] std::optional<Candidate> pick(const Point& axPoint);
 
 private:
-    WorkspacePort& m_workspace;
     const AX& m_ax;
     const WindowEngine& m_engine;
 };

@@ -78,7 +78,7 @@ bool isBorderDragged(const Rect& axFrame, const Rect& start, const Borders& bord
 } // namespace
 
 DragSnap::DragSnap(const Uses& uses)
-    : m_uses(uses), m_picker(uses.workspace, uses.ax, uses.engine), m_offers(uses.geo, uses.store),
+    : m_uses(uses), m_picker(uses.ax, uses.engine), m_offers(uses.geo, uses.store),
       m_placements(uses.mainQueue) {}
 
 DragSnap::~DragSnap() {
@@ -239,7 +239,7 @@ void DragSnap::place(const Candidate& candidate, const Target& target) {
                                               target.axBounds, candidate.axFrame);
     if (!isPlaced || !target.zoneNumber)
         return;
-    const auto app = m_uses.workspace.runningApplication(candidate.pid);
+    const auto app = m_uses.ax.owner(candidate.window, candidate.pid);
     m_uses.engine.remember(app ? app->bundleIdentifier : std::nullopt, *target.zoneNumber);
 }
 

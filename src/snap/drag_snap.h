@@ -11,7 +11,6 @@
 #include "ports/deferred_work.h"
 #include "ports/main_queue_port.h"
 #include "ports/mouse_port.h"
-#include "ports/workspace_port.h"
 #include "snap/candidate_picker.h"
 #include "snap/overlay_controller.h"
 #include "snap/snap_offers.h"
@@ -35,7 +34,6 @@ public:
     struct Uses {
         MousePort& mouse;
         MainQueuePort& mainQueue;
-        WorkspacePort& workspace;
         const Store& store;
         const Runtime& runtime;
         const Permissions& permissions;

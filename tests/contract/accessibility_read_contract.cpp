@@ -119,6 +119,18 @@ TEST_F(AccessibilityReadContract, AnElementHasTheProcessIdOfItsOwner) {
     EXPECT_EQ(desktop->accessibility().pid(desktop->accessibility().application(pid)), pid);
 }
 
+TEST_F(AccessibilityReadContract, AWindowBelongsToTheApplicationOfItsProcess) {
+    const auto application = desktop->launchApplication("org.example.editor");
+    const auto window = desktop->openWindow(application, {});
+    const auto owner = desktop->accessibility().owner(desktop->element(window));
+
+    ASSERT_TRUE(owner);
+    EXPECT_EQ(owner->processIdentifier, desktop->pid(application));
+    EXPECT_EQ(owner->bundleIdentifier, "org.example.editor");
+    EXPECT_EQ(owner, desktop->workspace().runningApplication(desktop->pid(application)));
+    EXPECT_FALSE(desktop->accessibility().owner(Element()));
+}
+
 TEST_F(AccessibilityReadContract, AClosedWindowHasNoValues) {
     const auto window = openWindow();
     const Element element = desktop->element(window);

@@ -199,7 +199,8 @@ private:
     x11::X11Displays m_displays{m_line.connection(), m_monitors, [this] { return m_windows.activeFrame(); }};
     x11::Applications m_applicationsSeen{m_windows, {m_entries.path()}};
     x11::ApplicationWatch m_watch{m_line.connection(), m_windows, m_applicationsSeen};
-    x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows, m_watch};
+    x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows, m_applicationsSeen,
+                                          m_watch};
     x11::X11Workspace m_workspace{m_applicationsSeen, m_watch};
     x11::X11HotKeys m_hotKeys{m_line.connection()};
     qt::QtLocalKeys m_localKeys{

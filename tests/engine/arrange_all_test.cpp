@@ -216,6 +216,33 @@ TEST_F(ArrangeAllTest, IgnoredProgramsAreLeftAlone) {
     EXPECT_EQ(desktop.frame(other), kColumn1);
 }
 
+TEST_F(ArrangeAllTest, OfAProcessWithSeveralApplicationsOnlyTheIgnoredOneIsLeftAlone) {
+    const auto text = open(kStart);
+    const auto table = open(at({10, 10, 300, 300}));
+    desktop.window(table).bundleIdentifier = "org.example.table";
+
+    settings.ignoredApps = {"org.example.table"};
+    engine.arrangeAll();
+    EXPECT_TRUE(isUntouched(table, at({10, 10, 300, 300})));
+    EXPECT_EQ(desktop.frame(text), kColumn1);
+
+    settings.ignoredApps = {"org.example.editor"};
+    engine.arrangeAll();
+    EXPECT_EQ(desktop.frame(table), kColumn1);
+}
+
+TEST_F(ArrangeAllTest, AProcessWhoseWindowsAreAllIgnoredIsSentNoRequest) {
+    const auto window = open(kStart);
+    const auto other = desktop.openWindow("org.example.viewer", at({10, 10, 300, 300}));
+    settings.ignoredApps = {"org.example.editor"};
+    const std::string ignored = "application " + std::to_string(desktop.window(window).pid);
+
+    engine.arrangeAll();
+
+    EXPECT_EQ(desktop.frame(other), kColumn1);
+    EXPECT_THAT(desktop.takeRequests(), Not(Contains(HasSubstr(ignored))));
+}
+
 TEST_F(ArrangeAllTest, WithoutAFocusedWindowTheMainScreenIsArranged) {
     const auto onPrimary = open({600, 100, 300, 300});
     const auto left = open(kStart);

@@ -206,5 +206,14 @@ TEST_F(WindowEngineTest, OnlyAnExactIdentifierIsIgnored) {
     EXPECT_FALSE(engine.isIgnored(std::nullopt));
 }
 
+TEST_F(WindowEngineTest, AnApplicationIsIgnoredUnderAnyOfItsNames) {
+    settings.ignoredApps = {"Editor"};
+
+    EXPECT_TRUE(engine.isIgnored(
+        RunningApplication{.bundleIdentifier = "org.example.editor", .otherNames = {"edit", "Editor"}}));
+    EXPECT_FALSE(engine.isIgnored(
+        RunningApplication{.bundleIdentifier = "org.example.editor", .otherNames = {"edit"}}));
+}
+
 } // namespace
 } // namespace tessarel

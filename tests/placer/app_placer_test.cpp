@@ -287,5 +287,71 @@ TEST_F(AppPlacerTest, AProgramThatIsIdentifiedLaterIsPlacedAtItsLaunch) {
     EXPECT_EQ(desktop.frame(window), kRight);
 }
 
+TEST_F(AppPlacerTest, AZoneStoredUnderAnotherNameOfTheApplicationIsUsed) {
+    settings.appZones = {{"Editor", kRightZone}};
+    desktop.application(editor).otherNames = {"edit", "Editor"};
+
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
+}
+
+TEST_F(AppPlacerTest, AZoneStoredUnderTheIdentifierTakesPrecedenceOverOtherNames) {
+    settings.appZones["Editor"] = 0;
+    desktop.application(editor).otherNames = {"Editor"};
+
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
+}
+
+TEST_F(AppPlacerTest, AnApplicationIgnoredUnderAnotherNameIsNotPlaced) {
+    settings.ignoredApps = {"Editor"};
+    desktop.application(editor).otherNames = {"Editor"};
+
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kStart);
+}
+
+TEST_F(AppPlacerTest, EachApplicationOfOneProcessHasItsOwnZone) {
+    settings.appZones["org.example.table"] = 0;
+
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
+    EXPECT_EQ(
+        desktop.frame(openAndWait(editor, {.axFrame = kStart, .bundleIdentifier = "org.example.table"})),
+        kLeft);
+    EXPECT_EQ(
+        desktop.frame(openAndWait(editor, {.axFrame = kStart, .bundleIdentifier = "org.example.slides"})),
+        kStart);
+}
+
+TEST_F(AppPlacerTest, TheFirstWindowsOfAProcessArePlacedInTheZonesOfTheirApplications) {
+    settings.appZones["org.example.table"] = 0;
+    const ProcessId office = desktop.launch({.bundleIdentifier = "org.example.office"});
+    const auto table =
+        desktop.openWindowBehind(office, {.axFrame = kStart, .bundleIdentifier = "org.example.table"});
+    const auto text = open(office);
+
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.frame(table), kLeft);
+    EXPECT_EQ(desktop.frame(text), kStart);
+}
+
+TEST_F(AppPlacerTest, AWindowThatChangesItsApplicationIsPlacedInTheZoneOfTheNewOne) {
+    settings.appZones["org.example.table"] = 0;
+    const auto window = open(editor);
+
+    desktop.advance(kWindowDelay - 1ms);
+    desktop.window(window).bundleIdentifier = "org.example.table";
+    desktop.advance(1ms);
+
+    EXPECT_EQ(desktop.frame(window), kLeft);
+}
+
+TEST_F(AppPlacerTest, AnApplicationWithoutARememberedZoneIsNotAskedForItsWindows) {
+    const ProcessId other = desktop.launch({.bundleIdentifier = "org.example.other"});
+    (void)desktop.takeRequests();
+
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.takeRequests(), Lines{}) << other;
+}
+
 } // namespace
 } // namespace tessarel

@@ -87,6 +87,16 @@ TEST_F(DragSnapPressTest, AWindowOfAnIgnoredApplicationIsNeverSnapped) {
     EXPECT_FALSE(startsADrag({520, 160}));
 }
 
+TEST_F(DragSnapPressTest, TheApplicationOfTheWindowDecidesWhetherItIsIgnored) {
+    desktop.window(window).bundleIdentifier = "org.example.table";
+
+    settings.ignoredApps = {"org.example.table"};
+    EXPECT_FALSE(startsADrag({520, 160}));
+
+    settings.ignoredApps = {"org.example.editor"};
+    EXPECT_TRUE(startsADrag({520, 160}));
+}
+
 TEST_F(DragSnapPressTest, AWindowThatCannotBeMovedStartsNoDrag) {
     desktop.window(window).fullScreen = true;
     EXPECT_FALSE(startsADrag({520, 160}));

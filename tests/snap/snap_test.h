@@ -78,7 +78,6 @@ protected:
     std::unique_ptr<DragSnap> dragSnap =
         std::make_unique<DragSnap>(DragSnap::Uses{.mouse = mouse,
                                                   .mainQueue = desktop.mainQueue(),
-                                                  .workspace = desktop.workspace(),
                                                   .store = store,
                                                   .runtime = runtime,
                                                   .permissions = permissions,

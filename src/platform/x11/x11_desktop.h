@@ -35,7 +35,8 @@ struct X11Desktop {
     X11Desktop(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
                OpenUrlPort& openUrl)
         : monitors(connection), windows(connection), applications(windows),
-          watch(connection, windows, applications), accessibility(connection, monitors, windows, watch),
+          watch(connection, windows, applications),
+          accessibility(connection, monitors, windows, applications, watch),
           refusalNotice(accessibility, windows, queue, alerts), alertSound(connection),
           displays(connection, monitors, [this] { return windows.activeFrame(); }), hotKeys(connection),
           loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),

@@ -48,6 +48,8 @@ public:
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
     /// Returns false: only the owning program can refuse.
     [[nodiscard]] bool hasRefused(const Element& window) override;
+    /// Returns the application of the window's process; a process has one bundle identifier.
+    [[nodiscard]] std::optional<RunningApplication> owner(const Element& window) override;
 
 private:
     /// Reads an attribute at once, without waiting for a late frame.

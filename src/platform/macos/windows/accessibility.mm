@@ -170,4 +170,9 @@ std::optional<ProcessId> MacAccessibility::pid(const Element& element) {
     }
 }
 
+std::optional<RunningApplication> MacAccessibility::owner(const Element& window) {
+    const auto owner = pid(window);
+    return owner ? m_workspace.runningApplication(*owner) : std::nullopt;
+}
+
 } // namespace tessarel::macos

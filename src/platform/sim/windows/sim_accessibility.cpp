@@ -226,6 +226,11 @@ bool SimAccessibility::hasRefused(const Element& window) {
     return found && found->isTiled;
 }
 
+std::optional<RunningApplication> SimAccessibility::owner(const Element& window) {
+    const Name* name = nameOf(window);
+    return name && name->kind != Name::Kind::Application ? m_state.owner(name->window) : std::nullopt;
+}
+
 SubscriptionPtr SimAccessibility::onWindowCreated(const Element& application,
                                                   std::function<void(const Element& window)> created) {
     const Name* name = nameOf(application);

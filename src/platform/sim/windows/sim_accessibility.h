@@ -42,6 +42,7 @@ public:
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
     /// Returns whether the desktop keeps the window (see `SimWindow::isTiled`).
     [[nodiscard]] bool hasRefused(const Element& window) override;
+    [[nodiscard]] std::optional<RunningApplication> owner(const Element& window) override;
 
     /// Calls the observers of the window's application, as if the window had just been opened.
     void reportCreated(WindowId id);

@@ -7,6 +7,7 @@
 #include <chrono>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tessarel::sim {
 
@@ -18,6 +19,7 @@ struct SimApplication {
     static constexpr MainQueuePort::Duration kAnimation = std::chrono::milliseconds(200);
 
     std::optional<std::string> bundleIdentifier = {};
+    std::vector<std::string> otherNames = {};
     /// False for a panel or a helper in the background.
     bool isRegular = true;
     /// Subscriptions to its new windows are refused.

@@ -47,7 +47,22 @@ std::optional<RunningApplication> SimState::running(ProcessId pid) {
     const SimApplication* found = application(pid);
     if (!found)
         return {};
-    return RunningApplication{pid, found->bundleIdentifier, found->isRegular};
+    RunningApplication running{pid, found->bundleIdentifier, found->isRegular, found->otherNames};
+    const auto isOthers = [pid](const SimWindow& window) {
+        return window.pid == pid && window.bundleIdentifier;
+    };
+    running.ownsWholeProcess = std::none_of(windows.begin(), windows.end(), isOthers);
+    return running;
+}
+
+std::optional<RunningApplication> SimState::owner(WindowId id) {
+    const SimWindow* found = window(id);
+    auto owner = found ? running(found->pid) : std::nullopt;
+    if (owner && found->bundleIdentifier) {
+        owner->bundleIdentifier = found->bundleIdentifier;
+        owner->otherNames.clear();
+    }
+    return owner;
 }
 
 void SimState::launchApplication(ProcessId pid, const SimApplication& application) {

@@ -51,6 +51,8 @@ struct SimState {
 
     /// Returns the application of process `pid` as the workspace port reports it.
     [[nodiscard]] std::optional<RunningApplication> running(ProcessId pid);
+    /// Returns the application that the window belongs to; empty if the window does not exist.
+    [[nodiscard]] std::optional<RunningApplication> owner(WindowId id);
 
     /// Adds a running application and calls the observers.
     void launchApplication(ProcessId pid, const SimApplication& application);

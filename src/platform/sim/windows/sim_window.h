@@ -39,6 +39,8 @@ struct SimWindow {
     /// Role of the part that is found at every point of the window. If empty, the window itself is found.
     std::optional<std::string> partRole = {};
     AttributeOverrides overrides = {};
+    /// The application that the window belongs to, if its process runs several.
+    std::optional<std::string> bundleIdentifier = {};
     std::optional<double> alpha = 1;
     std::optional<ListedWindow> listed = {}; ///< replaces the entry in the window list
     /// Time after a write until the window is seen in its new frame.

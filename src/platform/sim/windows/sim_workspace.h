@@ -17,7 +17,10 @@ public:
     explicit SimWorkspace(SimState& state) : m_state(state) {}
 
     [[nodiscard]] std::optional<RunningApplication> frontmostApplication() override {
-        return m_state.frontmost ? runningApplication(*m_state.frontmost) : std::nullopt;
+        const SimApplication* front = m_state.frontmost ? m_state.application(*m_state.frontmost) : nullptr;
+        if (front && front->focusedWindow)
+            return m_state.owner(*front->focusedWindow);
+        return front ? runningApplication(*m_state.frontmost) : std::nullopt;
     }
     [[nodiscard]] std::optional<RunningApplication> runningApplication(ProcessId pid) override {
         return m_state.running(pid);
@@ -26,7 +29,7 @@ public:
     [[nodiscard]] std::vector<RunningApplication> runningApplications() override {
         std::vector<RunningApplication> all;
         for (const auto& [pid, application] : m_state.applications)
-            all.push_back({pid, application.bundleIdentifier, application.isRegular});
+            all.push_back(*m_state.running(pid));
         return all;
     }
     /// Returns the name with which the application was installed, whether it runs or not.

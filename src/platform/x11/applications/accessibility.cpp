@@ -75,9 +75,10 @@ bool isMinimized(const WindowStates& states) {
 } // namespace
 
 X11Accessibility::X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows,
-                                   ApplicationWatch& watch)
-    : m_connection(connection), m_monitors(monitors), m_windows(windows), m_watch(watch),
-      m_placement(connection, windows), m_endOfTurn(connection.onEndTurn([this] { finishWrites(); })) {}
+                                   Applications& applications, ApplicationWatch& watch)
+    : m_connection(connection), m_monitors(monitors), m_windows(windows), m_applications(applications),
+      m_watch(watch), m_placement(connection, windows),
+      m_endOfTurn(connection.onEndTurn([this] { finishWrites(); })) {}
 
 Element X11Accessibility::application(ProcessId pid) {
     return makeElement(pid, XCB_WINDOW_NONE);
@@ -241,6 +242,12 @@ std::optional<ProcessId> X11Accessibility::pid(const Element& element) {
     const bool isThere =
         window != XCB_WINDOW_NONE ? isWindowOf(window, pid) : !m_windows.windowsOf(pid).empty();
     return isThere ? std::optional(pid) : std::nullopt;
+}
+
+std::optional<RunningApplication> X11Accessibility::owner(const Element& element) {
+    const auto [pid, window] = nativeElement(element);
+    const bool isThere = window != XCB_WINDOW_NONE && isWindowOf(window, pid);
+    return isThere ? std::optional(m_applications.ofWindows(pid, {window})) : std::nullopt;
 }
 
 bool X11Accessibility::isWindowOf(xcb_window_t window, ProcessId pid) {

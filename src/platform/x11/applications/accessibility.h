@@ -2,6 +2,7 @@
 
 #include "model/signal.h"
 #include "platform/x11/applications/application_watch.h"
+#include "platform/x11/applications/applications.h"
 #include "platform/x11/displays/monitors.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/client_windows.h"
@@ -26,7 +27,7 @@ class X11Accessibility : public AccessibilityPort {
 public:
     /// All referenced objects must outlive this one.
     X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows,
-                     ApplicationWatch& watch);
+                     Applications& applications, ApplicationWatch& watch);
 
     [[nodiscard]] Element application(ProcessId pid) override;
     [[nodiscard]] Element systemWide() override;
@@ -52,6 +53,7 @@ public:
     [[nodiscard]] SubscriptionPtr onWindowClosed(const Element& window,
                                                  std::function<void()> closed) override;
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
+    [[nodiscard]] std::optional<RunningApplication> owner(const Element& element) override;
     /// Returns whether the window manager has left the window where it was.
     [[nodiscard]] bool hasRefused(const Element& window) override;
 
@@ -74,6 +76,7 @@ private:
     Connection& m_connection;
     Monitors& m_monitors;
     ClientWindows& m_windows;
+    Applications& m_applications;
     ApplicationWatch& m_watch;
     Placement m_placement;
     xcb_window_t m_written = XCB_WINDOW_NONE; // the window that `m_wish` is for
