@@ -48,7 +48,7 @@ void indexEntries(benchmark::State& state) {
     const fs::path& path = folder().path();
     for (auto _ : state) {
         xdg::InstalledApplications entries({path});
-        benchmark::DoNotOptimize(entries.identifier("program4999"));
+        benchmark::DoNotOptimize(entries.ofClass("program4999"));
     }
 }
 BENCHMARK(indexEntries)->Unit(benchmark::kMillisecond);
@@ -56,7 +56,7 @@ BENCHMARK(indexEntries)->Unit(benchmark::kMillisecond);
 void identify(benchmark::State& state) {
     xdg::InstalledApplications entries({folder().path()});
     for (auto _ : state)
-        benchmark::DoNotOptimize(entries.identifier("Program4999"));
+        benchmark::DoNotOptimize(entries.ofClass("Program4999"));
 }
 BENCHMARK(identify);
 

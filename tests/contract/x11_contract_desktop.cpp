@@ -197,7 +197,8 @@ private:
     x11::Monitors m_monitors{m_line.connection()};
     x11::ClientWindows m_windows{m_line.connection()};
     x11::X11Displays m_displays{m_line.connection(), m_monitors, [this] { return m_windows.activeFrame(); }};
-    x11::Applications m_applicationsSeen{m_windows, {m_entries.path()}};
+    x11::Applications m_applicationsSeen{
+        m_windows, {m_entries.path()}, [](ProcessId) { return xdg::ProcessFacts(); }};
     x11::ApplicationWatch m_watch{m_line.connection(), m_windows, m_applicationsSeen};
     x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows, m_applicationsSeen,
                                           m_watch};
@@ -248,7 +249,7 @@ WindowHandle X11ContractDesktop::openWindow(AppHandle application, const WindowO
     if (!options.resizable)
         made.minimum = made.maximum = size;
     Application& opener = m_applications.at(static_cast<std::size_t>(application.number));
-    made.gtkApplicationId = opener.bundleIdentifier.value_or("");
+    made.className = opener.bundleIdentifier.value_or("");
 
     const xcb_window_t window = opener.client->open(made);
     opener.windows.push_back(window);

@@ -1,6 +1,9 @@
 #include "platform/xdg/desktop_entry.h"
 
+#include "platform/xdg/command_line.h"
+
 #include <algorithm>
+#include <cstring>
 #include <glib.h>
 
 namespace tessarel::xdg {
@@ -26,6 +29,23 @@ void describe(GKeyFile* file, std::string_view name) {
     g_key_file_set_string(file, kGroup, G_KEY_FILE_DESKTOP_KEY_NAME, std::string(name).c_str());
 }
 
+/// Returns the lines of the main group whose keys name no language.
+std::string untranslated(std::string_view content) {
+    std::string lines;
+    bool isMain = false;
+    while (!content.empty()) {
+        const std::size_t end = std::min(content.find('\n'), content.size() - 1) + 1;
+        const std::string_view line = content.substr(0, end);
+        content.remove_prefix(end);
+        if (line.starts_with('['))
+            isMain =
+                line.substr(1).starts_with(kGroup) && line.substr(1 + std::strlen(kGroup)).starts_with(']');
+        if (isMain && (line.starts_with('[') || line.find('[') > line.find('=')))
+            lines += line;
+    }
+    return lines;
+}
+
 /// Returns the text and frees it, without the blanks at its end, which GLib keeps. `text` may be null.
 std::string trimmed(gchar* text) {
     std::string value = owned(text);
@@ -45,6 +65,10 @@ std::optional<DesktopEntry> DesktopEntry::parse(std::string_view content) {
         !g_key_file_has_group(file.get(), kGroup))
         return std::nullopt;
     return DesktopEntry(std::move(file));
+}
+
+std::optional<DesktopEntry> DesktopEntry::parseUntranslated(std::string_view content) {
+    return parse(untranslated(content));
 }
 
 std::string DesktopEntry::autostart(std::string_view name, std::string_view path) {
@@ -92,6 +116,18 @@ std::optional<std::string> DesktopEntry::name() const {
 
 std::string DesktopEntry::windowClass() const {
     return value(G_KEY_FILE_DESKTOP_KEY_STARTUP_WM_CLASS);
+}
+
+std::vector<std::string> DesktopEntry::programs() const {
+    std::vector<std::string> programs = {programOf(execWords(value(G_KEY_FILE_DESKTOP_KEY_EXEC))),
+                                         value(G_KEY_FILE_DESKTOP_KEY_TRY_EXEC)};
+    std::erase(programs, "");
+    return programs;
+}
+
+bool DesktopEntry::isOffered() const {
+    return value(G_KEY_FILE_DESKTOP_KEY_NO_DISPLAY) != "true" &&
+           value(G_KEY_FILE_DESKTOP_KEY_TERMINAL) != "true";
 }
 
 bool DesktopEntry::isShown() const {

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 struct _GKeyFile; // NOLINT(bugprone-reserved-identifier): GLib names it so
 
@@ -16,6 +17,9 @@ public:
     /// Parses the content of a file. Returns `std::nullopt` if it is not a valid key file or has no group
     /// "Desktop Entry".
     [[nodiscard]] static std::optional<DesktopEntry> parse(std::string_view content);
+
+    /// Like `parse`, but without translations, which make up most of an entry. For reading many entries.
+    [[nodiscard]] static std::optional<DesktopEntry> parseUntranslated(std::string_view content);
 
     /// Returns the content of an autostart entry that starts the program at the absolute `path`. `name` is
     /// shown to the user.
@@ -36,6 +40,14 @@ public:
 
     /// Returns the class (WM_CLASS) of the application's windows; empty if the entry does not name it.
     [[nodiscard]] std::string windowClass() const;
+
+    /// Returns the programs that the entry starts or that must be installed for it: paths, or names to be
+    /// looked up in PATH. Of an interpreter, returns what it runs.
+    [[nodiscard]] std::vector<std::string> programs() const;
+
+    /// Returns whether menus offer the application with windows of its own: the entry has neither
+    /// "NoDisplay=true" nor "Terminal=true".
+    [[nodiscard]] bool isOffered() const;
 
     /// Returns whether the entry describes an application. An entry with "Hidden=true" only hides others.
     [[nodiscard]] bool isShown() const;

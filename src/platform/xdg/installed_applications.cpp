@@ -1,5 +1,7 @@
 #include "platform/xdg/installed_applications.h"
 
+#include "platform/xdg/ascii.h"
+#include "platform/xdg/command_line.h"
 #include "platform/xdg/desktop_entry.h"
 #include "platform/xdg/small_file.h"
 
@@ -24,16 +26,6 @@ std::optional<fs::file_time_type> changeOf(const fs::path& folder) {
     return failure ? std::nullopt : std::optional(time);
 }
 
-/// Returns `text` with the letters A to Z in lower case, whatever the locale.
-std::string lowered(std::string_view text) {
-    std::string result(text);
-    std::ranges::transform(result, result.begin(), [](char character) {
-        const bool isUpper = character >= 'A' && character <= 'Z';
-        return isUpper ? static_cast<char>(character - 'A' + 'a') : character;
-    });
-    return result;
-}
-
 /// Returns the identifier of the entry `file` in `folder`: its relative path with '-' for every '/', without
 /// the suffix.
 std::string identifierOf(const fs::path& file, const fs::path& folder) {
@@ -55,11 +47,16 @@ std::optional<DesktopEntry> entryIn(const fs::path& file) {
     return content ? DesktopEntry::parse(*content) : std::nullopt;
 }
 
-/// Returns whether `content` may contain a window class or hide an entry. Most entries do neither, and
-/// parsing all of them would take several times as long.
-bool saysMoreThanItsName(std::string_view content) {
-    return content.find("StartupWMClass") != std::string_view::npos ||
-           content.find("Hidden") != std::string_view::npos;
+using Found = std::vector<const InstalledApplication*>;
+
+/// Appends the applications that `index` has under `name`, each only once.
+void append(const std::unordered_multimap<std::string, const InstalledApplication*>& index,
+            const std::string& name, Found& found) {
+    const auto [first, last] = index.equal_range(name);
+    for (auto entry = first; entry != last; ++entry) {
+        if (std::ranges::find(found, entry->second) == found.end())
+            found.push_back(entry->second);
+    }
 }
 
 } // namespace
@@ -78,15 +75,33 @@ std::vector<fs::path> InstalledApplications::folders() {
     return folders;
 }
 
-std::optional<std::string> InstalledApplications::identifier(std::string_view windowClass) {
+const InstalledApplication* InstalledApplications::named(std::string_view identifier) {
+    if (m_changed.empty())
+        read();
+    Found found;
+    append(m_byIdentifier, lowered(identifier), found);
+    const auto exact = std::ranges::find(found, identifier, &InstalledApplication::identifier);
+    if (exact != found.end())
+        return *exact;
+    return found.size() == 1 ? found.front() : nullptr;
+}
+
+Found InstalledApplications::ofClass(std::string_view windowClass) {
     if (m_changed.empty())
         read();
     const std::string wanted = lowered(windowClass);
-    for (const Identifiers* identifiers : {&m_byClass, &m_byName}) {
-        if (const auto found = identifiers->find(wanted); found != identifiers->end())
-            return found->second;
-    }
-    return std::nullopt;
+    Found found;
+    append(m_byClass, wanted, found);
+    append(m_byIdentifier, wanted, found);
+    return found;
+}
+
+Found InstalledApplications::startedBy(std::string_view program) {
+    if (m_changed.empty())
+        read();
+    Found found;
+    append(m_byProgram, lowered(program), found);
+    return found;
 }
 
 std::optional<std::string> InstalledApplications::displayName(const std::string& identifier) {
@@ -120,8 +135,10 @@ bool InstalledApplications::isCurrent() const {
 void InstalledApplications::read() {
     m_changed.clear();
     m_files.clear();
+    m_byIdentifier.clear();
     m_byClass.clear();
-    m_byName.clear();
+    m_byProgram.clear();
+    m_applications.clear();
     for (const fs::path& folder : m_folders)
         readFolder(folder);
 }
@@ -144,16 +161,18 @@ void InstalledApplications::readEntry(const fs::path& file, const std::string& i
     if (!isNew) // an entry in a more important folder takes precedence
         return;
     const auto content = readSmallFile(file);
-    if (!content)
-        return;
-    if (saysMoreThanItsName(*content)) {
-        const auto entry = DesktopEntry::parse(*content);
-        if (!entry || !entry->isShown())
-            return;
-        if (const std::string windowClass = entry->windowClass(); !windowClass.empty())
-            m_byClass.try_emplace(lowered(windowClass), identifier);
-    }
-    m_byName.try_emplace(lowered(identifier), identifier);
+    const auto entry = content ? DesktopEntry::parseUntranslated(*content) : std::nullopt;
+    if (entry && entry->isShown())
+        add({identifier, entry->windowClass(), entry->programs(), entry->isOffered()});
+}
+
+void InstalledApplications::add(InstalledApplication application) {
+    const InstalledApplication& added = m_applications.emplace_back(std::move(application));
+    m_byIdentifier.emplace(lowered(added.identifier), &added);
+    if (!added.windowClass.empty())
+        m_byClass.emplace(lowered(added.windowClass), &added);
+    for (const std::string& program : added.programs)
+        m_byProgram.emplace(lowered(fileName(program)), &added);
 }
 
 } // namespace tessarel::xdg

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -10,7 +11,16 @@
 
 namespace tessarel::xdg {
 
-/// The installed applications, as their desktop entries describe them.
+/// What the desktop entry of an application says about its windows.
+struct InstalledApplication {
+    std::string identifier;            ///< name of the entry without its suffix
+    std::string windowClass;           ///< StartupWMClass; empty if the entry does not name it
+    std::vector<std::string> programs; ///< see `DesktopEntry::programs`
+    bool isOffered = true;             ///< see `DesktopEntry::isOffered`
+};
+
+/// The installed applications, as their desktop entries describe them. Returned pointers are valid until the
+/// entries are read again.
 ///
 /// The entries are read on first use, and again by `refresh` after a folder has changed. Entries that cannot
 /// be read or are larger than 256 KiB are ignored.
@@ -27,10 +37,17 @@ public:
     /// each folder's time stamp.
     void refresh();
 
-    /// Returns the identifier of the application whose windows have the class `windowClass`; `std::nullopt`
-    /// if none is known. The identifier is the name of the entry without its suffix. An entry that names the
-    /// class takes precedence over one whose identifier equals it. The case of ASCII letters is ignored.
-    [[nodiscard]] std::optional<std::string> identifier(std::string_view windowClass);
+    /// Returns the application with the identifier `identifier`, or null. The case of ASCII letters is
+    /// ignored, unless identifiers differ by nothing else.
+    [[nodiscard]] const InstalledApplication* named(std::string_view identifier);
+
+    /// Returns the applications whose entry names the class `windowClass` or whose identifier equals it. The
+    /// case of ASCII letters is ignored.
+    [[nodiscard]] std::vector<const InstalledApplication*> ofClass(std::string_view windowClass);
+
+    /// Returns the applications whose entry starts a program with the file name `program`. The case of ASCII
+    /// letters is ignored.
+    [[nodiscard]] std::vector<const InstalledApplication*> startedBy(std::string_view program);
 
     /// Returns the name of an application in the user's language. Returns `std::nullopt` if it is not
     /// installed now.
@@ -42,20 +59,24 @@ public:
 
 private:
     using Time = std::filesystem::file_time_type;
-    using Identifiers = std::unordered_map<std::string, std::string>;
+    using Index = std::unordered_multimap<std::string, const InstalledApplication*>;
 
     [[nodiscard]] bool isCurrent() const;
     void read();
     void readFolder(const std::filesystem::path& folder);
     void readEntry(const std::filesystem::path& file, const std::string& identifier);
+    void add(InstalledApplication application);
 
     std::vector<std::filesystem::path> m_folders;
     /// Time stamp of every folder when it was read, empty for a missing one.
     std::map<std::filesystem::path, std::optional<Time>> m_changed;
     /// The most important entry of each identifier, even if it is hidden or unreadable.
     std::unordered_map<std::string, std::filesystem::path> m_files;
-    Identifiers m_byClass; ///< identifiers by window class, in lower case
-    Identifiers m_byName;  ///< identifiers by their lower-case form
+    std::deque<InstalledApplication> m_applications;
+    // The applications by lower-case name.
+    Index m_byIdentifier;
+    Index m_byClass;
+    Index m_byProgram;
 };
 
 } // namespace tessarel::xdg

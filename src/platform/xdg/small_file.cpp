@@ -27,6 +27,9 @@ public:
     }
 
     [[nodiscard]] int get() const { return m_descriptor; }
+    [[nodiscard]] bool isRegular(struct stat& status) const {
+        return ::fstat(m_descriptor, &status) == 0 && S_ISREG(status.st_mode);
+    }
 
 private:
     int m_descriptor;
@@ -37,14 +40,30 @@ private:
 std::optional<std::string> readSmallFile(const std::filesystem::path& path) {
     const File file(path);
     struct stat status {};
-    const bool isFile = ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode);
-    if (!isFile || status.st_size > kLargest)
+    if (!file.isRegular(status) || status.st_size > kLargest)
         return std::nullopt;
     std::string content(static_cast<std::size_t>(status.st_size), '\0');
     const ssize_t length = ::read(file.get(), content.data(), content.size());
     if (length < 0)
         return std::nullopt;
     content.resize(static_cast<std::size_t>(length));
+    return content;
+}
+
+std::string readStart(const std::filesystem::path& path, std::size_t most) {
+    const File file(path);
+    struct stat status {};
+    if (!file.isRegular(status))
+        return {};
+    std::string content(most, '\0');
+    std::size_t length = 0;
+    while (length < most) {
+        const ssize_t more = ::read(file.get(), content.data() + length, most - length);
+        if (more <= 0)
+            break;
+        length += static_cast<std::size_t>(more);
+    }
+    content.resize(length);
     return content;
 }
 

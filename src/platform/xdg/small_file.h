@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -9,5 +10,9 @@ namespace tessarel::xdg {
 /// Returns the bytes of a desktop entry or a file like it. Returns `std::nullopt` when `path` is not a
 /// regular file, cannot be read, or has more than 256 KiB. Never waits for the writer of a pipe.
 [[nodiscard]] std::optional<std::string> readSmallFile(const std::filesystem::path& path);
+
+/// Returns at most the first `most` bytes of a regular file, even if its size is unknown, as below /proc.
+/// Returns an empty string when it cannot be read.
+[[nodiscard]] std::string readStart(const std::filesystem::path& path, std::size_t most);
 
 } // namespace tessarel::xdg

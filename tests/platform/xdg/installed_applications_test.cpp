@@ -4,12 +4,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <sys/stat.h>
+#include <vector>
 
 namespace tessarel::xdg {
 namespace {
@@ -29,6 +31,20 @@ protected:
         fs::last_write_time(file.parent_path(), nextChange += std::chrono::seconds(1));
     }
 
+    using Identifiers = std::vector<std::string>;
+
+    /// Returns the identifiers in alphabetical order.
+    static Identifiers namesOf(const std::vector<const InstalledApplication*>& applications) {
+        Identifiers names;
+        for (const InstalledApplication* application : applications)
+            names.push_back(application->identifier);
+        std::ranges::sort(names);
+        return names;
+    }
+    [[nodiscard]] Identifiers ofClass(const std::string& windowClass) {
+        return namesOf(entries.ofClass(windowClass));
+    }
+
     static inline fs::file_time_type nextChange = fs::file_time_type::clock::now();
     ScratchFolder scratch;
     fs::path users = scratch.path() / "users";
@@ -37,71 +53,115 @@ protected:
 };
 
 TEST_F(InstalledApplicationsTest, WithoutFoldersNoEntryIsFound) {
-    EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
+    EXPECT_EQ(ofClass("Editor"), Identifiers{});
 }
 
 TEST_F(InstalledApplicationsTest, AnEntryIsFoundByTheClassThatItNames) {
     write(systems / "org.example.editor.desktop", "StartupWMClass=Editor\n");
 
-    EXPECT_EQ(entries.identifier("Editor"), "org.example.editor");
-    EXPECT_EQ(entries.identifier("editor"), "org.example.editor");
-    EXPECT_EQ(entries.identifier("Edit"), std::nullopt);
+    EXPECT_EQ(ofClass("Editor"), Identifiers{"org.example.editor"});
+    EXPECT_EQ(ofClass("editor"), Identifiers{"org.example.editor"});
+    EXPECT_EQ(ofClass("Edit"), Identifiers{});
 }
 
 TEST_F(InstalledApplicationsTest, AnEntryIsFoundByItsFileName) {
     write(systems / "firefox-esr.desktop", "");
 
-    EXPECT_EQ(entries.identifier("Firefox-esr"), "firefox-esr");
+    EXPECT_EQ(ofClass("Firefox-esr"), Identifiers{"firefox-esr"});
 }
 
-TEST_F(InstalledApplicationsTest, TheNamedClassTakesPrecedenceOverTheFileName) {
-    write(systems / "editor.desktop", "");
-    write(systems / "org.example.editor.desktop", "StartupWMClass=Editor\n");
+TEST_F(InstalledApplicationsTest, AllEntriesForAClassAreFoundOnce) {
+    write(systems / "editor.desktop", "StartupWMClass=Editor\n");
+    write(systems / "org.example.editor.desktop", "StartupWMClass=editor\n");
+    write(systems / "viewer.desktop", "StartupWMClass=Viewer\n");
 
-    EXPECT_EQ(entries.identifier("Editor"), "org.example.editor");
+    EXPECT_EQ(ofClass("Editor"), (Identifiers{"editor", "org.example.editor"}));
+}
+
+TEST_F(InstalledApplicationsTest, AnApplicationIsFoundByItsIdentifier) {
+    write(systems / "org.example.Editor.desktop", "StartupWMClass=Edit\nExec=edit %F\nTryExec=/opt/edit\n");
+
+    const InstalledApplication* found = entries.named("org.example.Editor");
+
+    ASSERT_TRUE(found);
+    EXPECT_EQ(found->identifier, "org.example.Editor");
+    EXPECT_EQ(found->windowClass, "Edit");
+    EXPECT_EQ(found->programs, (Identifiers{"edit", "/opt/edit"}));
+    EXPECT_TRUE(found->isOffered);
+    EXPECT_EQ(entries.named("org.example.editor"), found);
+    EXPECT_EQ(entries.named("Editor"), nullptr);
+    EXPECT_EQ(entries.named(""), nullptr);
+}
+
+TEST_F(InstalledApplicationsTest, TheCaseOfIdentifiersCountsWhereTheyDifferOnlyInCase) {
+    write(systems / "editor.desktop", "");
+    write(systems / "Editor.desktop", "");
+
+    EXPECT_EQ(entries.named("Editor")->identifier, "Editor");
+    EXPECT_EQ(entries.named("editor")->identifier, "editor");
+    EXPECT_EQ(entries.named("EDITOR"), nullptr);
+}
+
+TEST_F(InstalledApplicationsTest, AnApplicationIsFoundByTheFileThatItsEntryStarts) {
+    write(systems / "editor.desktop", "Exec=/opt/editor/bin/Edit --new %F\n");
+    write(systems / "script.desktop", "Exec=env LANG=C python3 -u /opt/script.py\n");
+
+    EXPECT_EQ(namesOf(entries.startedBy("edit")), Identifiers{"editor"});
+    EXPECT_EQ(namesOf(entries.startedBy("script.py")), Identifiers{"script"});
+    EXPECT_EQ(namesOf(entries.startedBy("python3")), Identifiers{});
+}
+
+TEST_F(InstalledApplicationsTest, HiddenAndTerminalApplicationsAreNotOffered) {
+    write(systems / "a.desktop", "NoDisplay=true\n");
+    write(systems / "b.desktop", "Terminal=true\n");
+    write(systems / "c.desktop", "NoDisplay=false\nTerminal=false\n");
+
+    EXPECT_FALSE(entries.named("a")->isOffered);
+    EXPECT_FALSE(entries.named("b")->isOffered);
+    EXPECT_TRUE(entries.named("c")->isOffered);
 }
 
 TEST_F(InstalledApplicationsTest, ASubfolderIsPartOfTheIdentifier) {
     write(systems / "kde" / "editor.desktop", "StartupWMClass=Editor\n");
 
-    EXPECT_EQ(entries.identifier("Editor"), "kde-editor");
+    EXPECT_EQ(ofClass("Editor"), Identifiers{"kde-editor"});
 }
 
 TEST_F(InstalledApplicationsTest, TheUsersEntryReplacesTheSystems) {
     write(systems / "editor.desktop", "StartupWMClass=Editor\n");
     write(users / "editor.desktop", "StartupWMClass=MyEditor\n");
 
-    EXPECT_EQ(entries.identifier("MyEditor"), "editor");
+    EXPECT_EQ(ofClass("MyEditor"), Identifiers{"editor"});
 
     write(users / "editor.desktop", "Hidden=true\n");
     entries.refresh();
-    EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
+    EXPECT_EQ(ofClass("Editor"), Identifiers{});
 }
 
 TEST_F(InstalledApplicationsTest, OnlyTheMainGroupCounts) {
     write(systems / "editor.desktop", "[Desktop Action New]\nStartupWMClass=Other\n");
 
-    EXPECT_EQ(entries.identifier("Other"), std::nullopt);
+    EXPECT_EQ(ofClass("Other"), Identifiers{});
 }
 
 TEST_F(InstalledApplicationsTest, RefreshFindsAddedAndRemovedEntries) {
-    EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
+    EXPECT_EQ(ofClass("Editor"), Identifiers{});
 
     write(systems / "editor.desktop", "");
     entries.refresh();
-    EXPECT_EQ(entries.identifier("Editor"), "editor");
+    EXPECT_EQ(ofClass("Editor"), Identifiers{"editor"});
 
     fs::remove(systems / "editor.desktop");
     entries.refresh();
-    EXPECT_EQ(entries.identifier("Editor"), std::nullopt);
+    EXPECT_EQ(ofClass("Editor"), Identifiers{});
 }
 
 TEST_F(InstalledApplicationsTest, LookingUpAnIdentifierDoesNotRefresh) {
     write(systems / "editor.desktop", "");
-    EXPECT_EQ(entries.identifier("Editor"), "editor");
+    EXPECT_EQ(ofClass("Editor"), Identifiers{"editor"});
 
     fs::remove(systems / "editor.desktop");
-    EXPECT_EQ(entries.identifier("Editor"), "editor");
+    EXPECT_EQ(ofClass("Editor"), Identifiers{"editor"});
 }
 
 TEST_F(InstalledApplicationsTest, InvalidEntriesAreIgnored) {
@@ -112,9 +172,9 @@ TEST_F(InstalledApplicationsTest, InvalidEntriesAreIgnored) {
     mkfifo((systems / "pipe.desktop").c_str(), 0600);
     fs::create_directory(systems / "folder.desktop");
 
-    EXPECT_EQ(entries.identifier("good"), "good");
-    EXPECT_EQ(entries.identifier("Large"), std::nullopt);
-    EXPECT_EQ(entries.identifier("pipe"), std::nullopt);
+    EXPECT_EQ(ofClass("good"), Identifiers{"good"});
+    EXPECT_EQ(ofClass("Large"), Identifiers{});
+    EXPECT_EQ(ofClass("pipe"), Identifiers{});
 }
 
 TEST_F(InstalledApplicationsTest, AnInstalledApplicationHasAName) {
@@ -162,8 +222,8 @@ TEST_F(InstalledApplicationsTest, FiveThousandEntriesAreIndexed) {
         std::ofstream(systems / (number + ".desktop")) << "[Desktop Entry]\nStartupWMClass=Class" << number;
     }
 
-    EXPECT_EQ(entries.identifier("Class4999"), "4999");
-    EXPECT_EQ(entries.identifier("Class0"), "0");
+    EXPECT_EQ(ofClass("Class4999"), Identifiers{"4999"});
+    EXPECT_EQ(ofClass("Class0"), Identifiers{"0"});
 }
 
 TEST_F(InstalledApplicationsTest, AnEntryIsIdentifiedByItsPathBelowItsFolder) {

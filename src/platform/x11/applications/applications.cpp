@@ -1,13 +1,36 @@
 #include "platform/x11/applications/applications.h"
 
 #include <algorithm>
-#include <map>
+#include <array>
+#include <cstddef>
+#include <unistd.h>
 #include <utility>
 
 namespace tessarel::x11 {
 
-Applications::Applications(ClientWindows& windows, std::vector<std::filesystem::path> entryFolders)
-    : m_windows(windows), m_entries(std::move(entryFolders)) {}
+namespace {
+
+/// Far more than windows with different names between two refreshes; then all are forgotten.
+constexpr std::size_t kMostNames = 1000;
+
+/// Returns whether `host` is this machine. Either name may be without its domain.
+bool isThisMachine(const std::string& host) {
+    std::array<char, 256> buffer{};
+    (void)::gethostname(buffer.data(), buffer.size() - 1);
+    const std::string own = buffer.data();
+    return host.empty() || host == own || host.starts_with(own + ".") || own.starts_with(host + ".");
+}
+
+} // namespace
+
+Applications::Applications(ClientWindows& windows, std::vector<std::filesystem::path> entryFolders,
+                           FactsOf factsOf)
+    : m_windows(windows), m_entries(std::move(entryFolders)), m_factsOf(std::move(factsOf)) {}
+
+void Applications::refresh() {
+    m_entries.refresh();
+    m_names.clear();
+}
 
 /// Prefers the active window itself for the identifier. If that is a panel or the like, the front-most window
 /// of the process is used instead.
@@ -48,19 +71,30 @@ std::optional<std::string> Applications::identifierOfEntry(const std::filesystem
 }
 
 RunningApplication Applications::ofWindows(ProcessId pid, const std::vector<xcb_window_t>& windows) {
-    const bool isRegular = std::any_of(windows.begin(), windows.end(),
-                                       [this](xcb_window_t window) { return isForWork(window); });
-    return {pid, identifier(windows.front()), isRegular};
+    const Names front = names(pid, windows.front());
+    RunningApplication application{.processIdentifier = pid, .bundleIdentifier = {}};
+    application.isRegular = std::any_of(windows.begin(), windows.end(),
+                                        [this](xcb_window_t window) { return isForWork(window); });
+    if (front) {
+        application.bundleIdentifier = front->identifier;
+        application.otherNames = front->others;
+    }
+    application.ownsWholeProcess = std::all_of(
+        windows.begin(), windows.end(), [&](xcb_window_t window) { return names(pid, window) == front; });
+    return application;
 }
 
-/// Returns the identifier of the window's application, or `std::nullopt` when the window has neither an
-/// application id nor a class.
-std::optional<std::string> Applications::identifier(xcb_window_t window) {
+/// Returns the names of the window's application, or `std::nullopt` when nothing is known of it.
+const Applications::Names& Applications::names(ProcessId pid, xcb_window_t window) {
     const WindowTraits traits = m_windows.traits(window);
-    if (traits.applicationId || !traits.windowClass)
-        return traits.applicationId;
-    const auto installed = m_entries.identifier(*traits.windowClass);
-    return installed ? installed : traits.windowClass;
+    const bool isHere = isThisMachine(traits.clientMachine);
+    if (m_names.size() > kMostNames)
+        m_names.clear();
+    const auto [known, isNew] = m_names.try_emplace({pid, isHere, traits.names});
+    if (isNew)
+        known->second = xdg::programNames(m_entries, traits.names,
+                                          [&] { return isHere ? m_factsOf(pid) : xdg::ProcessFacts(); });
+    return known->second;
 }
 
 /// Returns whether a user works in the window, in contrast to docks, desktops, menus and the like.

@@ -2,11 +2,16 @@
 
 #include "platform/x11/windows/client_windows.h"
 #include "platform/xdg/installed_applications.h"
+#include "platform/xdg/process_facts.h"
+#include "platform/xdg/program_names.h"
 #include "ports/workspace_port.h"
 
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <optional>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace tessarel::x11 {
@@ -16,17 +21,22 @@ namespace tessarel::x11 {
 /// A process that owns only panels and the like is not a regular application. Windows whose process is
 /// unknown belong to no application.
 ///
-/// The identifier is the application id that the window sets (`_GTK_APPLICATION_ID`,
-/// `_KDE_NET_WM_DESKTOP_FILE`), else that of the installed application whose desktop entry matches the class
-/// in WM_CLASS, else that class.
+/// `xdg::programNames` describes how a window's application is identified. A process may own windows of
+/// several applications. What /proc shows of a process counts only if its windows are those of a client on
+/// this machine.
 ///
-/// Identifiers come from the desktop entries as of the last `refresh`, because a hot key waits for them. Only
-/// `displayName` looks for applications that were installed later.
+/// Identifiers come from the desktop entries and processes as of the last `refresh`, because a hot key waits
+/// for them. Only `displayName` looks for applications that were installed later.
 class Applications {
 public:
+    /// Returns what is known of a process, like `xdg::processFacts`. Tests replace it.
+    using FactsOf = std::function<xdg::ProcessFacts(ProcessId)>;
+
     /// `windows` must outlive this object. `entryFolders` are the folders that hold desktop entries.
-    explicit Applications(ClientWindows& windows, std::vector<std::filesystem::path> entryFolders =
-                                                      xdg::InstalledApplications::folders());
+    explicit Applications(
+        ClientWindows& windows,
+        std::vector<std::filesystem::path> entryFolders = xdg::InstalledApplications::folders(),
+        FactsOf factsOf = [](ProcessId pid) { return xdg::processFacts(pid); });
 
     /// Returns the owner of the active window, identified by that window; `std::nullopt` when no window is
     /// active or its process is unknown.
@@ -40,22 +50,27 @@ public:
     /// installed.
     [[nodiscard]] std::optional<std::string> displayName(const std::string& identifier);
 
-    /// Picks up applications that have been installed or removed.
-    void refresh() { m_entries.refresh(); }
+    /// Picks up applications that have been installed or removed, and looks at the processes again.
+    void refresh();
 
     /// Returns the identifier of the application whose desktop entry is `file`, or `std::nullopt` when the
     /// file does not describe an application.
     [[nodiscard]] std::optional<std::string> identifierOfEntry(const std::filesystem::path& file) const;
 
     /// Returns the application of process `pid`. `windows` are its windows, front to back; must not be empty.
+    /// The first one identifies it.
     [[nodiscard]] RunningApplication ofWindows(ProcessId pid, const std::vector<xcb_window_t>& windows);
 
 private:
-    [[nodiscard]] std::optional<std::string> identifier(xcb_window_t window);
+    using Names = std::optional<xdg::ProgramNames>;
+
+    [[nodiscard]] const Names& names(ProcessId pid, xcb_window_t window);
     [[nodiscard]] bool isForWork(xcb_window_t window);
 
     ClientWindows& m_windows;
     xdg::InstalledApplications m_entries;
+    FactsOf m_factsOf;
+    std::map<std::tuple<ProcessId, bool, xdg::WindowNames>, Names> m_names; ///< as of the last `refresh`
 };
 
 } // namespace tessarel::x11

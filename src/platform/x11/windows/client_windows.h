@@ -43,7 +43,7 @@ public:
     [[nodiscard]] std::optional<ProcessId> pid(xcb_window_t window);
     /// Returns the position, extents and states of the window, or `std::nullopt` when it does not exist.
     [[nodiscard]] std::optional<WindowFrame> frame(xcb_window_t window);
-    /// Returns the type, application id and class of the window.
+    /// Returns the type of the window and what it says about its program.
     [[nodiscard]] WindowTraits traits(xcb_window_t window);
 
     /// Reads everything about `windows` in one round trip. The three functions above then need none.

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <limits>
+#include <tuple>
 #include <utility>
 
 namespace tessarel::x11 {
@@ -64,9 +65,10 @@ WindowType typeFrom(const Connection& connection, std::span<const std::uint32_t>
     return WindowType::Unspecified;
 }
 
-std::string classFrom(const std::string& wmClass) {
+std::pair<std::string, std::string> classFrom(const std::string& wmClass) {
     const auto instanceEnd = wmClass.find('\0');
-    return instanceEnd == std::string::npos ? std::string() : xdg::toUtf8(wmClass.substr(instanceEnd + 1));
+    return {xdg::toUtf8(wmClass),
+            instanceEnd == std::string::npos ? std::string() : xdg::toUtf8(wmClass.substr(instanceEnd + 1))};
 }
 
 TraitsRequest::TraitsRequest(Connection& connection, xcb_window_t window)
@@ -79,29 +81,30 @@ TraitsRequest::TraitsRequest(Connection& connection, xcb_window_t window)
       m_desktopFile(requestProperty(connection, window, connection.atom(Atom::KdeNetWmDesktopFile),
                                     connection.atom(Atom::Utf8String), kLongestName)),
       m_class(
-          requestProperty(connection, window, XCB_ATOM_WM_CLASS, XCB_GET_PROPERTY_TYPE_ANY, kLongestName)) {}
+          requestProperty(connection, window, XCB_ATOM_WM_CLASS, XCB_GET_PROPERTY_TYPE_ANY, kLongestName)),
+      m_clientMachine(requestProperty(connection, window, XCB_ATOM_WM_CLIENT_MACHINE,
+                                      XCB_GET_PROPERTY_TYPE_ANY, kLongestName)) {}
 
 WindowTraits TraitsRequest::collect() {
     const auto type = propertyReply(*m_connection, m_type);
     const auto transientFor = propertyReply(*m_connection, m_transientFor);
+    auto names = collectNames();
+    const auto clientMachine = propertyReply(*m_connection, m_clientMachine);
     return {typeFrom(*m_connection, values(type)), value(transientFor).value_or(XCB_WINDOW_NONE) != 0,
-            collectApplicationId(), collectClass()};
+            std::move(names), xdg::toUtf8(bytes(clientMachine))};
 }
 
-std::optional<std::string> TraitsRequest::collectApplicationId() {
+xdg::WindowNames TraitsRequest::collectNames() {
     const auto gtkApplicationId = propertyReply(*m_connection, m_gtkApplicationId);
     const auto desktopFile = propertyReply(*m_connection, m_desktopFile);
-    for (const std::string& name : {xdg::toUtf8(bytes(gtkApplicationId)), xdg::toUtf8(bytes(desktopFile))}) {
-        if (!name.empty())
-            return name;
-    }
-    return std::nullopt;
-}
-
-std::optional<std::string> TraitsRequest::collectClass() {
     const auto wmClass = propertyReply(*m_connection, m_class);
-    const std::string name = classFrom(bytes(wmClass));
-    return name.empty() ? std::nullopt : std::optional(name);
+    xdg::WindowNames names;
+    for (std::string name : {xdg::toUtf8(bytes(gtkApplicationId)), xdg::toUtf8(bytes(desktopFile))}) {
+        if (!name.empty())
+            names.announced.push_back(std::move(name));
+    }
+    std::tie(names.instance, names.windowClass) = classFrom(bytes(wmClass));
+    return names;
 }
 
 PidRequest::PidRequest(Connection& connection, xcb_window_t window)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/x11/server/connection.h"
+#include "platform/xdg/program_names.h"
 #include "ports/process_id.h"
 
 #include <xcb/res.h>
@@ -9,6 +10,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <utility>
 
 namespace tessarel::x11 {
 
@@ -20,16 +22,16 @@ enum class WindowType { Unspecified, Normal, Dialog, Utility, Splash, Toolbar, M
 struct WindowTraits {
     WindowType type = WindowType::Unspecified;
     bool isTransient = false; ///< WM_TRANSIENT_FOR names another window
-    /// `_GTK_APPLICATION_ID`, else `_KDE_NET_WM_DESKTOP_FILE`; never an empty string.
-    std::optional<std::string> applicationId;
-    std::optional<std::string> windowClass; ///< from WM_CLASS; never an empty string
+    /// `_GTK_APPLICATION_ID` and `_KDE_NET_WM_DESKTOP_FILE`, and WM_CLASS.
+    xdg::WindowNames names;
+    std::string clientMachine; ///< host name of the client's machine; empty when unknown
 };
 
 /// Returns the first known type in `_NET_WM_WINDOW_TYPE`, which clients sort by preference, or `Unspecified`.
 [[nodiscard]] WindowType typeFrom(const Connection& connection, std::span<const std::uint32_t> atoms);
 
-/// Returns the class, which is the second of the two strings in WM_CLASS; empty when it is missing.
-[[nodiscard]] std::string classFrom(const std::string& wmClass);
+/// Returns the two strings in WM_CLASS, instance and class. The class is empty when it is missing.
+[[nodiscard]] std::pair<std::string, std::string> classFrom(const std::string& wmClass);
 
 /// The pending requests for `WindowTraits`. `collect` must be called once.
 class TraitsRequest {
@@ -41,8 +43,7 @@ public:
     [[nodiscard]] WindowTraits collect();
 
 private:
-    [[nodiscard]] std::optional<std::string> collectApplicationId();
-    [[nodiscard]] std::optional<std::string> collectClass();
+    [[nodiscard]] xdg::WindowNames collectNames();
 
     Connection* m_connection;
     xcb_get_property_cookie_t m_type;
@@ -50,6 +51,7 @@ private:
     xcb_get_property_cookie_t m_gtkApplicationId;
     xcb_get_property_cookie_t m_desktopFile;
     xcb_get_property_cookie_t m_class;
+    xcb_get_property_cookie_t m_clientMachine;
 };
 
 /// The pending requests for the process that owns a window. `collect` must be called once.

@@ -241,7 +241,9 @@ TEST_F(ProxyTest, ItsProgramsAreOneApplicationThatIsLaunchedOnce) {
 
 TEST_F(ProxyTest, TheFrontWindowNamesTheApplication) {
     EXPECT_EQ(workspace.frontmostApplication(), (RunningApplication{client.pid(), "Mail"}));
-    EXPECT_EQ(workspace.runningApplication(client.pid()), (RunningApplication{client.pid(), "Mail"}));
+    EXPECT_EQ(workspace.runningApplication(client.pid()),
+              (RunningApplication{
+                  .processIdentifier = client.pid(), .bundleIdentifier = "Mail", .ownsWholeProcess = false}));
 
     (void)open({.className = "Editor"});
     EXPECT_EQ(workspace.frontmostApplication(), (RunningApplication{client.pid(), "Editor"}));

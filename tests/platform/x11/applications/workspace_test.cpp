@@ -3,11 +3,15 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 namespace tessarel::x11 {
 namespace {
+
+namespace fs = std::filesystem;
 
 class WorkspaceTest : public X11Test {
 protected:
@@ -27,29 +31,6 @@ TEST_F(WorkspaceTest, TheOwnProcessIdIsKnown) {
     EXPECT_EQ(workspace.ownProcessIdentifier(), getpid());
 }
 
-TEST_F(WorkspaceTest, TheIdentifierIsTheMostSpecificNameOfTheWindow) {
-    const xcb_window_t window = open({.className = "Editor"});
-    EXPECT_EQ(identifier(), "Editor");
-
-    setText(window, "_KDE_NET_WM_DESKTOP_FILE", "org.example.kde-editor");
-    EXPECT_EQ(identifier(), "org.example.kde-editor");
-
-    setText(window, "_GTK_APPLICATION_ID", "org.example.editor");
-    EXPECT_EQ(identifier(), "org.example.editor");
-}
-
-TEST_F(WorkspaceTest, AClassIsMappedToTheDesktopEntryThatNamesIt) {
-    const ScratchFolder folder;
-    ScratchFolder::write(folder.path() / "org.example.editor.desktop",
-                         "[Desktop Entry]\nStartupWMClass=Editor\n");
-    Applications installed(windows, {folder.path()});
-    const xcb_window_t window = open({.className = "Editor"});
-    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.editor");
-
-    setText(window, "_GTK_APPLICATION_ID", "org.example.other");
-    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.other");
-}
-
 TEST_F(WorkspaceTest, AnApplicationInstalledAtRuntimeIsKnownWhenItOpensAWindow) {
     const ScratchFolder folder;
     Applications installed(windows, {folder.path()});
@@ -65,18 +46,16 @@ TEST_F(WorkspaceTest, AnApplicationInstalledAtRuntimeIsKnownWhenItOpensAWindow) 
     EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.editor");
 }
 
-TEST_F(WorkspaceTest, AnEmptyNameIsIgnored) {
+TEST_F(WorkspaceTest, AWindowWithoutANameIsIdentifiedByItsExecutable) {
     const xcb_window_t window = open({.className = ""});
     setText(window, "_GTK_APPLICATION_ID", "");
     setText(window, "_KDE_NET_WM_DESKTOP_FILE", "");
 
-    EXPECT_EQ(identifier(), std::nullopt);
+    EXPECT_EQ(identifier(), fs::read_symlink("/proc/" + std::to_string(client.pid()) + "/exe").native());
 }
 
 TEST_F(WorkspaceTest, AnIdentifierIsAlwaysValidUtf8) {
-    const xcb_window_t window = open();
-
-    setText(window, "_GTK_APPLICATION_ID", "caf\xE9");
+    (void)open({.className = "caf\xE9"});
 
     EXPECT_EQ(identifier(), "caf\xC3\xA9");
 }
@@ -87,13 +66,17 @@ TEST_F(WorkspaceTest, ATooLongNameIsIgnored) {
     setText(window, "_GTK_APPLICATION_ID", std::string(3000, 'x'));
 
     EXPECT_EQ(identifier(), "Editor");
+    EXPECT_EQ(workspace.frontmostApplication()->otherNames, std::vector<std::string>{});
 }
 
 TEST_F(WorkspaceTest, AnApplicationIsIdentifiedByItsFrontWindow) {
     (void)open({.className = "First"});
     (void)open({.className = "Second"});
 
-    EXPECT_EQ(workspace.runningApplication(client.pid()), (RunningApplication{client.pid(), "Second"}));
+    EXPECT_EQ(workspace.runningApplication(client.pid()),
+              (RunningApplication{.processIdentifier = client.pid(),
+                                  .bundleIdentifier = "Second",
+                                  .ownsWholeProcess = false}));
 }
 
 TEST_F(WorkspaceTest, AnUnmanagedWindowIsNotFrontmost) {

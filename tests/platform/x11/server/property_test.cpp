@@ -65,13 +65,15 @@ TEST(PropertyTest, AMissingReplyGivesNoValues) {
     EXPECT_EQ(bytes(missing), "");
 }
 
-TEST(WindowTraitsTest, TheClassIsTheSecondOfTwoNames) {
-    EXPECT_EQ(classFrom(std::string("instance\0Class\0", 15)), "Class");
-    EXPECT_EQ(classFrom(std::string("instance\0Class", 14)), "Class") << "not terminated";
-    EXPECT_EQ(classFrom(std::string("instance\0\0", 10)), "");
-    EXPECT_EQ(classFrom(std::string("instance\0", 9)), "");
-    EXPECT_EQ(classFrom("instance"), "");
-    EXPECT_EQ(classFrom(""), "");
+TEST(WindowTraitsTest, InstanceAndClassAreTheTwoNamesOfOneProperty) {
+    using Names = std::pair<std::string, std::string>;
+    EXPECT_EQ(classFrom(std::string("instance\0Class\0", 15)), Names("instance", "Class"));
+    EXPECT_EQ(classFrom(std::string("instance\0Class", 14)), Names("instance", "Class")) << "not terminated";
+    EXPECT_EQ(classFrom(std::string("\0Class\0", 7)), Names("", "Class"));
+    EXPECT_EQ(classFrom(std::string("instance\0\0", 10)), Names("instance", ""));
+    EXPECT_EQ(classFrom(std::string("instance\0", 9)), Names("instance", ""));
+    EXPECT_EQ(classFrom("instance"), Names("instance", ""));
+    EXPECT_EQ(classFrom(""), Names("", ""));
 }
 
 } // namespace

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessarel::xdg {
+
+/// Returns the words of an Exec value. Field codes such as "%F" are words of their own.
+[[nodiscard]] std::vector<std::string> execWords(std::string_view exec);
+
+/// Returns the program that a command starts: its first word or, if that is an interpreter, the script,
+/// module, archive or main class that it runs. Skips "env" and its assignments. Empty if there is none, as
+/// for code on the command line.
+[[nodiscard]] std::string programOf(const std::vector<std::string>& words);
+
+/// Returns whether `name` is that of an interpreter, such as "python3.11", "wish" or "java". Ignores case.
+[[nodiscard]] bool isInterpreter(std::string_view name);
+
+/// Returns the part of `path` after the last slash.
+[[nodiscard]] std::string_view fileName(std::string_view path);
+
+} // namespace tessarel::xdg
