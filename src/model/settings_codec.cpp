@@ -1,6 +1,7 @@
 #include "model/settings_codec.h"
 
 #include "model/json.h"
+#include "model/settings_members.h"
 
 #include <algorithm>
 #include <cmath>
@@ -140,25 +141,6 @@ struct Encoder {
     }
 };
 
-/// Calls `visit(name, field)` for every member of the document.
-template <typename Settings, typename Visit>
-void forEachMember(Settings& settings, Visit visit) {
-    visit("zones", settings.zones);
-    visit("bindings", settings.bindings);
-    visit("userLayouts", settings.userLayouts);
-    visit("gap", settings.gap);
-    visit("margin", settings.margin);
-    visit("dragEnabled", settings.dragEnabled);
-    visit("dragTrigger", settings.dragTrigger);
-    visit("edgeSnap", settings.edgeSnap);
-    visit("ignoredApps", settings.ignoredApps);
-    visit("hasOnboarded", settings.hasOnboarded);
-    visit("gridStep", settings.gridStep);
-    visit("lastUpdateCheck", settings.lastUpdateCheck);
-    visit("rememberApps", settings.rememberApps);
-    visit("appZones", settings.appZones);
-}
-
 } // namespace
 
 std::optional<AppSettings> decodeSettings(std::string_view document) {
@@ -168,21 +150,22 @@ std::optional<AppSettings> decodeSettings(std::string_view document) {
 
     AppSettings settings;
     bool valid = true;
-    forEachMember(settings, [&](std::string_view name, auto& field) {
+    forEachSetting([&](std::string_view name, auto member) {
         const auto found = root->find(name);
         if (found != root->end() && !found->is_null())
-            valid = valid && Decoder::decode(*found, field);
+            valid = valid && Decoder::decode(*found, settings.*member);
     });
     if (!valid)
         return std::nullopt;
     return settings;
 }
 
-std::optional<std::string> encodeSettings(const AppSettings& settings) {
-    Json root = Json::object();
-    forEachMember(settings,
-                  [&](const char* name, const auto& field) { root[name] = Encoder::encode(field); });
-    return writeJson(root);
+std::optional<std::string> encodeSettings(const AppSettings& settings, std::string_view former) {
+    auto root = readJson(former);
+    if (!root || !root->is_object())
+        root = Json::object();
+    forEachSetting([&](const char* name, auto member) { (*root)[name] = Encoder::encode(settings.*member); });
+    return writeJson(*root);
 }
 
 } // namespace tessarel

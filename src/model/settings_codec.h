@@ -17,7 +17,8 @@ namespace tessarel {
 [[nodiscard]] std::optional<AppSettings> decodeSettings(std::string_view document);
 
 /// Returns the document for `settings`, with every member, or `std::nullopt` if a number is not finite or a
-/// text is not UTF-8.
-[[nodiscard]] std::optional<std::string> encodeSettings(const AppSettings& settings);
+/// text is not UTF-8. Unknown members of the document `former` are kept.
+[[nodiscard]] std::optional<std::string> encodeSettings(const AppSettings& settings,
+                                                        std::string_view former = {});
 
 } // namespace tessarel
