@@ -1,5 +1,8 @@
 #include "platform/xdg/document_file.h"
 
+#include "platform/xdg/document_lock.h"
+#include "platform/xdg/files.h"
+
 #include <cerrno>
 #include <charconv>
 #include <csignal>
@@ -20,34 +23,6 @@ namespace fs = std::filesystem;
 constexpr mode_t kPermissions = 0777;
 constexpr std::string_view kTemporarySuffix = ".tmp";
 
-/// Calls `call` until no signal interrupts it, and returns its result.
-template <typename Call>
-auto retried(Call call) {
-    auto result = call();
-    while (result == -1 && errno == EINTR)
-        result = call();
-    return result;
-}
-
-/// An open file that is closed on destruction.
-class FileDescriptor {
-public:
-    FileDescriptor(const fs::path& path, int flags, mode_t mode = 0)
-        : m_descriptor(retried([&] { return ::open(path.c_str(), flags | O_CLOEXEC, mode); })) {}
-    FileDescriptor(const FileDescriptor&) = delete;
-    FileDescriptor& operator=(const FileDescriptor&) = delete;
-    ~FileDescriptor() {
-        if (isOpen())
-            ::close(m_descriptor);
-    }
-
-    [[nodiscard]] bool isOpen() const { return m_descriptor >= 0; }
-    [[nodiscard]] int get() const { return m_descriptor; }
-
-private:
-    int m_descriptor;
-};
-
 bool writeAll(int descriptor, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = retried([&] { return ::write(descriptor, bytes.data(), bytes.size()); });
@@ -55,30 +30,6 @@ bool writeAll(int descriptor, std::string_view bytes) {
             return false;
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
-    return true;
-}
-
-bool sync(int descriptor) {
-    return retried([&] { return ::fsync(descriptor); }) == 0;
-}
-
-/// Writes the names of new files in `folder` to the disk. Failures are ignored, because some file systems do
-/// not support it.
-void syncFolder(const fs::path& folder) {
-    const FileDescriptor descriptor(folder, O_RDONLY | O_DIRECTORY);
-    if (descriptor.isOpen())
-        sync(descriptor.get());
-}
-
-/// Creates `folder` and its missing parents for the owner only. Returns true if it exists already.
-bool makeFolder(const fs::path& folder) {
-    constexpr mode_t kOwnerOnly = 0700;
-    int result = ::mkdir(folder.c_str(), kOwnerOnly);
-    if (result != 0 && errno == ENOENT && folder.has_relative_path() && makeFolder(folder.parent_path()))
-        result = ::mkdir(folder.c_str(), kOwnerOnly);
-    if (result != 0)
-        return errno == EEXIST;
-    syncFolder(folder.parent_path());
     return true;
 }
 
@@ -202,6 +153,11 @@ bool DocumentFile::replace(std::string_view bytes) const {
         return false;
     syncFolder(m_path.parent_path());
     return true;
+}
+
+SubscriptionPtr DocumentFile::lock() const {
+    makeFolder(m_path.parent_path()); // the lock of the first save, too, is in the folder
+    return DocumentLock::take(DocumentLock::pathFor(m_path));
 }
 
 bool DocumentFile::copyTo(const fs::path& copy) const {

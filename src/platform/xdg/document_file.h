@@ -1,5 +1,7 @@
 #pragma once
 
+#include "model/subscription.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <optional>
@@ -39,6 +41,10 @@ public:
     /// new content. Keeps the permissions of an existing file; a new one is accessible to the user only.
     /// Creates missing folders. Returns false if the old content is still in place.
     [[nodiscard]] bool replace(std::string_view bytes) const;
+
+    /// Locks the document against other copies of the program; see `DocumentLock::take`. Creates missing
+    /// folders.
+    [[nodiscard]] SubscriptionPtr lock() const;
 
 private:
     [[nodiscard]] bool copyTo(const std::filesystem::path& copy) const;
