@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QSignalBlocker>
 #include <QSlider>
+#include <QVariant>
 
 #include <algorithm>
 #include <cmath>
@@ -204,13 +205,17 @@ void GeneralTab::showPermission() {
 }
 
 void GeneralTab::reloadTable() {
-    const int selected = selectedRow();
+    int selected = selectedRow();
+    const QVariant chosen = selected < 0 ? QVariant() : m_table->item(selected)->data(Qt::UserRole);
     m_table->clear();
     for (const std::string& bundleIdentifier : settings().ignoredApps) {
         auto* const row = new QListWidgetItem(displayName(bundleIdentifier), m_table);
         row->setSizeHint({0, kIgnoredRowHeight});
+        row->setData(Qt::UserRole, toQString(bundleIdentifier));
+        if (row->data(Qt::UserRole) == chosen)
+            selected = m_table->count() - 1;
     }
-    // The same row: after a removal, the next application is selected.
+    // The same application, or after its removal the next one, which has its row.
     m_table->setCurrentRow(selected < m_table->count() ? selected : -1);
 }
 

@@ -17,6 +17,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <utility>
@@ -54,6 +55,7 @@ LayoutsTab::LayoutsTab(const TabContext& context) : m_context(context), m_store(
     addGrid();
     addZoneControls();
     addHotkey();
+    selectZone(m_selected);
     refresh();
 }
 
@@ -131,7 +133,9 @@ void LayoutsTab::refresh() {
     for (const GridStep& step : kGridSteps)
         if (std::abs(step.percent - m_store.settings.gridStep) <= kSameStep)
             m_gridPopup->select(step.percent);
-    selectZone(m_selected);
+    m_editor->update();
+    m_recorder->refresh();
+    refreshFields();
 }
 
 Zone& LayoutsTab::selectedZone() {
@@ -154,6 +158,13 @@ void LayoutsTab::refreshFields() {
 // Layouts
 
 void LayoutsTab::rebuildPopup() {
+    std::vector<std::string> names;
+    std::ranges::transform(m_store.settings.userLayouts, std::back_inserter(names), &Layout::name);
+    // The user may be choosing from the list, which changes of other settings leave open.
+    if (m_popup->count() > 0 && names == m_listed)
+        return syncSelection();
+    m_listed = std::move(names);
+    m_popup->hidePopup();
     m_popup->clear();
     m_popup->append(QStringLiteral("Custom (current)"), kCustomTag);
     m_popup->appendSeparator();
@@ -194,7 +205,7 @@ void LayoutsTab::layoutChosen() {
         return syncSelection(); // "Custom" cannot be applied: show the layout in use again
     m_store.settings.zones = Presets::pad(layout->zones);
     m_store.saveAndNotify();
-    m_selected = 0;
+    selectZone(0);
     refresh();
 }
 

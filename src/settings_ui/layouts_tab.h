@@ -5,6 +5,8 @@
 #include "settings_ui/tab_context.h"
 
 #include <memory>
+#include <string>
+#include <vector>
 
 class QCheckBox;
 class QPushButton;
@@ -35,7 +37,7 @@ public:
     /// Returns the position of the zone that the controls show, 0 to 8.
     [[nodiscard]] int selected() const { return m_selected; }
 
-    /// Shows the current settings. The selected zone stays selected.
+    /// Shows the current settings. The selected zone stays selected, and a running recording or edit goes on.
     void refresh();
 
 private:
@@ -60,7 +62,7 @@ private:
     void selectZone(int index);
     /// Shows the numbers of the selected zone and whether it is enabled.
     void refreshFields();
-    /// Fills the layout menu with "Custom", the presets and the user's layouts.
+    /// Fills the layout menu with "Custom", the presets and the user's layouts, unless it lists them already.
     void rebuildPopup();
     /// Selects the layout in the menu that equals the current zones.
     void syncSelection();
@@ -81,6 +83,7 @@ private:
     std::unique_ptr<ZoneFields> m_fields;
     RecorderButton* m_recorder = nullptr;
     int m_selected = 0;
+    std::vector<std::string> m_listed; ///< names of the user's layouts in the menu
 };
 
 } // namespace tessarel
