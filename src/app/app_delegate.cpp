@@ -31,6 +31,8 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
         m_services->hotKeys.registerAll();
         m_statusItem->refreshStatusIcon();
     });
+    m_settingsFollower.emplace(services.store, m_ports.preferences, m_ports.mainQueue,
+                               [this] { refreshSettingsWindow(); });
     // From the event loop, which does not run yet.
     m_later.async([this] { m_services->updater.checkIfDue(); });
     greetUser();
@@ -96,9 +98,7 @@ void AppDelegate::applyLayout(int tag) {
         return;
     m_services->store.settings.zones = Presets::pad(*std::move(zones));
     m_services->store.saveAndNotify();
-    // The settings window does not observe the signal.
-    if (m_settingsWindow)
-        m_settingsWindow->refreshAll();
+    refreshSettingsWindow();
 }
 
 void AppDelegate::togglePause() {
@@ -116,6 +116,11 @@ void AppDelegate::openSettings() {
         m_settingsWindow = m_makeSettingsWindow(*m_services, m_ports);
     if (m_settingsWindow)
         m_settingsWindow->show();
+}
+
+void AppDelegate::refreshSettingsWindow() {
+    if (m_settingsWindow)
+        m_settingsWindow->refreshAll();
 }
 
 } // namespace tessarel

@@ -2,6 +2,7 @@
 
 #include "app/ports.h"
 #include "app/services.h"
+#include "app/settings_follower.h"
 #include "app/settings_window.h"
 #include "app/status_item.h"
 #include "app/status_menu.h"
@@ -60,6 +61,8 @@ private:
     /// Explains how to grant the permission and opens the place to do so.
     void grantAccess();
     void openSettings();
+    /// Shows the current settings in the settings window, which does not observe the store.
+    void refreshSettingsWindow();
 
     Ports m_ports;
     SettingsWindowFactory m_makeSettingsWindow;
@@ -69,6 +72,7 @@ private:
     std::optional<StatusMenu> m_statusMenu;
     std::optional<StatusItem> m_statusItem;
     SubscriptionPtr m_settingsObserver;
+    std::optional<SettingsFollower> m_settingsFollower;
     /// Created on first use.
     std::unique_ptr<SettingsWindow> m_settingsWindow;
     Lifetime m_lifetime;

@@ -2,6 +2,7 @@
 
 #include "model/presets.h"
 #include "model/settings_codec.h"
+#include "model/settings_merge.h"
 
 #include <cassert>
 #include <memory>
@@ -24,24 +25,17 @@ private:
     Store* m_before;
 };
 
-/// Returns the stored settings, or the defaults if they are missing or cannot be decoded.
-AppSettings load(PreferencesPort& preferences) {
-    const auto bytes = preferences.data(Store::key);
-    if (!bytes)
-        return {};
-
-    auto settings = decodeSettings(*bytes);
-    if (!settings) {
-        preferences.keepRejected(Store::key);
-        return {};
-    }
-    settings->zones = Presets::pad(std::move(settings->zones));
-    return *std::move(settings);
-}
-
 } // namespace
 
-Store::Store(PreferencesPort& preferences) : settings(load(preferences)), m_preferences(preferences) {}
+Store::Store(PreferencesPort& preferences) : m_preferences(preferences) {
+    const auto bytes = m_preferences.data(key);
+    if (auto stored = decoded(bytes)) {
+        settings = *std::move(stored);
+        m_document = *bytes;
+    }
+    m_replaceable = bytes;
+    m_base = settings;
+}
 
 Store& Store::shared() {
     assert(sharedStore != nullptr);
@@ -52,14 +46,79 @@ SubscriptionPtr Store::share() {
     return std::make_unique<Sharing>(*this);
 }
 
+std::optional<AppSettings> Store::decoded(const std::optional<std::string>& bytes) {
+    auto settings = bytes ? decodeSettings(*bytes) : std::nullopt;
+    if (settings)
+        settings->zones = Presets::pad(std::move(settings->zones));
+    return settings;
+}
+
 void Store::save() {
-    if (const auto bytes = encodeSettings(settings))
-        m_preferences.setData(key, *bytes);
+    {
+        const auto lock = m_preferences.lock(key);
+        store(lock != nullptr);
+    }
+    if (m_due == Due::UntilDecodable)
+        saveDelayed.send();
+}
+
+void Store::store(bool hasLock) {
+    const auto bytes = m_preferences.data(key);
+    const auto stored = decoded(bytes);
+    if (!stored && bytes != m_replaceable) {
+        m_due = Due::UntilDecodable;
+        return;
+    }
+    if (bytes && !stored)
+        m_preferences.keepRejected(key);
+
+    const auto document =
+        encodeSettings(merged(m_base, settings, stored.value_or(m_base)), stored ? *bytes : m_document);
+    if (!document || (document != bytes && !m_preferences.setData(key, *document)))
+        return;
+    m_document = *document;
+    m_replaceable = document;
+    // What the document has beyond our settings now differs from the base, so takeStored() finds it.
+    if (hasLock)
+        m_base = settings;
+    m_due = hasLock ? Due::Nothing : Due::UntilLocked;
 }
 
 void Store::saveAndNotify() {
     save();
     tessarelSettingsChanged.send();
+}
+
+void Store::saveOverBroken() {
+    if (m_due != Due::UntilDecodable)
+        return;
+    m_replaceable = m_preferences.data(key);
+    save();
+}
+
+bool Store::takeStored() {
+    const auto bytes = m_preferences.data(key);
+    const auto stored = decoded(bytes);
+    if (!stored)
+        return false;
+    m_document = *bytes;
+    m_replaceable = bytes;
+    auto taken = merged(m_base, settings, *stored);
+    const bool isNew = !(taken == settings);
+    const bool isPosted = !(taken.zones == settings.zones && taken.bindings == settings.bindings &&
+                            taken.userLayouts == settings.userLayouts);
+    settings = std::move(taken);
+    if (m_due == Due::Nothing) {
+        m_base = *stored;
+    } else if (const auto lock = m_preferences.lock(key)) {
+        // Only with the lock: otherwise two copies could overwrite each other again and again. And only once:
+        // the release of the lock is reported as a change, so a full disk would keep the program busy.
+        m_due = Due::Nothing;
+        store(true);
+    }
+    if (isPosted)
+        tessarelSettingsChanged.send();
+    return isNew;
 }
 
 std::optional<Binding> Store::binding(ActionID forAction) const {

@@ -8,14 +8,19 @@
 #include "model/subscription.h"
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace tessarel {
 
 /// Holds the current settings and stores them in the user's preferences as one document.
 ///
-/// The document is read once, in the constructor; later changes by another process are not noticed. If it is
-/// missing or cannot be decoded, the defaults apply. Nothing is written before the first save.
+/// Other copies of the program and editors may change the document at any time. A save therefore applies only
+/// what has changed here to the newest document (see `merged`); `takeStored` takes up what has changed there.
+/// A document that cannot be decoded is not taken up, and it is kept when it has to be replaced.
+///
+/// If the document is missing or cannot be decoded on startup, the defaults apply. Nothing is written before
+/// the first save.
 class Store {
 public:
     /// Key of the document in the preferences.
@@ -39,11 +44,28 @@ public:
     /// Sent when hot keys, menu and windows should follow changed settings.
     Signal<> tessarelSettingsChanged;
 
-    /// Stores the settings. On failure the stored document stays as it was and nothing is reported. That
-    /// includes settings that the document cannot hold: numbers that are not finite, text that is not UTF-8.
+    /// Sent when a save has been delayed, because the stored document has gone or cannot be decoded: an
+    /// editor may be about to complete it. `takeStored` then saves once it is whole, and `saveOverBroken` in
+    /// any case.
+    Signal<> saveDelayed;
+
+    /// Stores the settings. On failure the stored document stays as it was and nothing is reported; the next
+    /// save includes the change. That includes settings that the document cannot hold: numbers that are not
+    /// finite, text that is not UTF-8.
+    ///
+    /// Does not change `settings`, even if the document contains changes by others.
     void save();
     /// Calls `save()` and then posts `tessarelSettingsChanged`.
     void saveAndNotify();
+    /// Completes a delayed save even if the stored document still cannot be decoded; a copy of it is kept.
+    /// Does nothing if no save is delayed.
+    void saveOverBroken();
+
+    /// Takes up the changes that others have made to the stored document. What has changed here since the
+    /// last save stays as it is. Posts `tessarelSettingsChanged` for zones, bindings and layouts, as the
+    /// settings window does. Returns false if the settings are the same as before. Writes only to complete an
+    /// earlier save.
+    bool takeStored();
 
     /// Returns the hot key of an action, or `std::nullopt` if it is unbound. Does not fall back to the
     /// default.
@@ -53,7 +75,29 @@ public:
     void setBinding(std::optional<Binding> binding, ActionID forAction);
 
 private:
+    /// Why a save has to be repeated.
+    enum class Due {
+        Nothing,
+        /// There was no document that could be decoded, and nothing has been written.
+        UntilDecodable,
+        /// The document has been written without the lock, which another copy held. What that copy writes
+        /// once it goes on lacks our change.
+        UntilLocked,
+    };
+
+    /// Returns the settings in `bytes`, with nine zones; `std::nullopt` if they cannot be decoded.
+    [[nodiscard]] static std::optional<AppSettings> decoded(const std::optional<std::string>& bytes);
+    /// Applies the changes of this copy to the stored document and writes it.
+    void store(bool hasLock);
+
     PreferencesPort& m_preferences;
+    /// The settings of the document that is the base of our changes: what differs from them is unsaved.
+    AppSettings m_base;
+    /// The last document that could be decoded, whose unknown members are kept.
+    std::string m_document;
+    /// What a save may replace even if it cannot be decoded; empty for a missing document.
+    std::optional<std::string> m_replaceable;
+    Due m_due = Due::Nothing;
 };
 
 } // namespace tessarel

@@ -26,9 +26,11 @@
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace tessarel {
 
@@ -87,7 +89,10 @@ int run(const char* programName) {
     qt::QtAppearance appearance;
     qt::QtAlerts alerts({.beforeMaking = [&appearance] { appearance.apply(); }});
     qt::QtOpenUrl openUrl;
-    x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl);
+    x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl,
+                            [&queue](int fd, std::function<void()> readable) {
+                                return queue.onReadable(fd, std::move(readable));
+                            });
     qt::QtLocalKeys localKeys(
         x11::keyDown, [&link = *connection](std::uint32_t keycode) { return x11::isKeyHeld(link, keycode); });
     qt::QtOpenPanel openPanel(xdg::InstalledApplications::folders(),

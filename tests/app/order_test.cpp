@@ -59,10 +59,10 @@ TEST_F(LaunchOrderTest, HotKeysAreClaimedEarlyAndThePromptComesLast) {
                             "watch programs", "list programs", "ask for trust", "prompt"));
 }
 
-TEST_F(LaunchOrderTest, TheUpdateCheckStartsOnceTheLoopRuns) {
+TEST_F(LaunchOrderTest, SettingsAreWatchedAndTheUpdateCheckStartsOnceTheLoopRuns) {
     launch();
 
-    EXPECT_THAT(turn(), ElementsAre("ask the web"));
+    EXPECT_THAT(turn(), ElementsAre("watch settings", "read settings", "ask the web"));
 }
 
 TEST_F(LaunchOrderTest, ASecondCopyOnlyTriesToClaimTheDesktop) {
@@ -108,9 +108,9 @@ TEST_F(FirstLaunchOrderTest, NoPromptIsShownBeforeTheLoopRuns) {
 TEST_F(FirstLaunchOrderTest, TheWelcomeIsSavedBeforeThePromptAndTheSettingsWindowComesLast) {
     launch();
 
-    EXPECT_THAT(turn(),
-                ElementsAre("ask the web", "come to the front", "Welcome to Tessarel", "save settings",
-                            "prompt", "make settings window", "show settings window"));
+    EXPECT_THAT(turn(), ElementsAre("watch settings", "read settings", "ask the web", "come to the front",
+                                    "Welcome to Tessarel", "read settings", "save settings", "prompt",
+                                    "make settings window", "show settings window"));
 }
 
 TEST_F(LaunchOrderTest, GrantingAccessPromptsAndThenOpensTheSystemsSettings) {
@@ -125,7 +125,7 @@ TEST_F(LaunchOrderTest, ALayoutIsSavedThenAnnouncedThenShown) {
                 ElementsAre("make settings window", "show settings window"));
 
     EXPECT_THAT(choose(MenuCommand::ApplyLayout, 1),
-                ElementsAre("save settings", "list programs", "claim hot keys", "show icon",
+                ElementsAre("read settings", "save settings", "list programs", "claim hot keys", "show icon",
                             "refresh settings window"));
 }
 

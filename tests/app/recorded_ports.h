@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/app_delegate.h"
+#include "model/call_on_end.h"
 #include "platform/sim/sim_desktop.h"
 #include "support/sim_ports.h"
 
@@ -85,8 +86,18 @@ private:
             record.note("read settings");
             return record.m_settings;
         }
-        void setData(std::string_view, std::string_view) override { record.note("save settings"); }
+        bool setData(std::string_view, std::string_view) override {
+            record.note("save settings");
+            return true;
+        }
         void keepRejected(std::string_view) override {}
+        SubscriptionPtr lock(std::string_view) override {
+            return callOnEnd([] {});
+        }
+        SubscriptionPtr watch(std::string_view, std::function<void()>) override {
+            record.note("watch settings");
+            return nullptr;
+        }
         RecordedPorts& record;
     };
     struct Menus : MainMenuPort {

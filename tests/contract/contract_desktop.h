@@ -109,6 +109,9 @@ public:
     /// program's claim is refused.
     [[nodiscard]] virtual SubscriptionPtr holdByAnotherProgram(std::uint32_t keyCode, std::uint32_t mods) = 0;
 
+    /// Returns whether several copies of the program may share the preferences at a time. If not, nothing is
+    /// locked and no change is reported.
+    [[nodiscard]] virtual bool copiesSharePreferences() const { return true; }
     /// Returns the copy of the rejected document under `key`; empty when there is none.
     virtual std::optional<std::string> rejectedCopy(std::string_view key) = 0;
 

@@ -88,5 +88,61 @@ TEST_F(PreferencesContract, RejectingAMissingValueKeepsNoCopy) {
     EXPECT_FALSE(desktop->rejectedCopy(kKey));
 }
 
+TEST_F(PreferencesContract, AnotherCopyWaitsForTheLockInVain) {
+    const auto other = desktop->makePreferences();
+    auto lock = preferences->lock(kKey);
+    ASSERT_TRUE(lock);
+
+    EXPECT_EQ(other->lock(kKey) == nullptr, desktop->copiesSharePreferences());
+    EXPECT_TRUE(other->lock("tessarel.other")) << "another document";
+    lock.reset();
+    EXPECT_TRUE(other->lock(kKey));
+}
+
+TEST_F(PreferencesContract, ALockedDocumentCanBeReadAndStored) {
+    const auto lock = preferences->lock(kKey);
+
+    EXPECT_TRUE(preferences->setData(kKey, "{}"));
+
+    EXPECT_EQ(preferences->data(kKey), "{}");
+    EXPECT_EQ(desktop->makePreferences()->data(kKey), "{}");
+}
+
+TEST_F(PreferencesContract, AChangeByAnotherCopyIsReportedFromTheEventLoop) {
+    const auto other = desktop->makePreferences();
+    std::optional<std::string> seen;
+    const auto watch = preferences->watch(kKey, [&] { seen = preferences->data(kKey); });
+
+    other->setData(kKey, "{}");
+    EXPECT_FALSE(seen);
+    desktop->advance(1ms);
+    EXPECT_EQ(seen.has_value(), desktop->copiesSharePreferences());
+
+    other->setData(kKey, R"({"gap":8})");
+    desktop->advance(1ms);
+    EXPECT_EQ(seen, desktop->copiesSharePreferences() ? std::optional(R"({"gap":8})") : std::nullopt);
+}
+
+TEST_F(PreferencesContract, OnlyChangesOfTheWatchedDocumentAreReported) {
+    int changes = 0;
+    const auto watch = preferences->watch(kKey, [&] { ++changes; });
+
+    preferences->setData("tessarel.other", "{}");
+    desktop->advance(1ms);
+
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(PreferencesContract, NoChangeIsReportedOnceTheWatchHasEnded) {
+    int changes = 0;
+    auto watch = preferences->watch(kKey, [&] { ++changes; });
+    preferences->setData(kKey, "{}");
+
+    watch.reset();
+    desktop->advance(1ms);
+
+    EXPECT_EQ(changes, 0);
+}
+
 } // namespace
 } // namespace tessarel::contract

@@ -92,7 +92,10 @@ public:
     WorkspacePort& workspace() override { return m_workspace; }
     std::unique_ptr<MainQueuePort> makeMainQueue() override { return std::make_unique<qt::QtMainQueue>(); }
     std::unique_ptr<PreferencesPort> makePreferences() override {
-        return std::make_unique<xdg::FilePreferences>(m_folder.path());
+        return std::make_unique<xdg::FilePreferences>(m_folder.path(),
+                                                      [this](int fd, std::function<void()> readable) {
+                                                          return m_files.onReadable(fd, std::move(readable));
+                                                      });
     }
     std::unique_ptr<SingleInstancePort> makeCopy() override {
         m_copies.push_back(std::make_unique<Line>(m_stage.server.display()));
@@ -185,6 +188,7 @@ private:
     Program& m_program = Program::shared();
     Observer& m_observer = m_stage.observer;
     x11test::TemporaryFolder m_folder;
+    qt::QtMainQueue m_files;            // reports changes of the preferences
     x11test::TemporaryFolder m_entries; // desktop entries of installed applications
     Line m_line{m_stage.server.display()};
     std::vector<std::unique_ptr<Line>> m_copies;

@@ -55,8 +55,10 @@ JournalDesktop::HotKeys::registerHotKeys(std::span<const HotKeyRequest> requests
     return claims;
 }
 
-void JournalDesktop::Preferences::setData(std::string_view key, std::string_view bytes) {
+bool JournalDesktop::Preferences::setData(std::string_view key, std::string_view bytes) {
     desktop.m_journal.push_back("save " + std::string(key) + " " + std::string(bytes));
+    document = bytes;
+    return true;
 }
 
 } // namespace tessarel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/call_on_end.h"
 #include "model/preferences_port.h"
 #include "platform/sim/sim_desktop.h"
 
@@ -49,10 +50,18 @@ private:
     };
     struct Preferences : PreferencesPort {
         explicit Preferences(JournalDesktop& owner) : desktop(owner) {}
-        [[nodiscard]] std::optional<std::string> data(std::string_view /*key*/) override { return {}; }
-        void setData(std::string_view key, std::string_view bytes) override;
+        [[nodiscard]] std::optional<std::string> data(std::string_view /*key*/) override { return document; }
+        bool setData(std::string_view key, std::string_view bytes) override;
         void keepRejected(std::string_view /*key*/) override {}
+        [[nodiscard]] SubscriptionPtr lock(std::string_view /*key*/) override {
+            return callOnEnd([] {});
+        }
+        [[nodiscard]] SubscriptionPtr watch(std::string_view /*key*/,
+                                            std::function<void()> /*changed*/) override {
+            return {};
+        }
         JournalDesktop& desktop;
+        std::optional<std::string> document;
     };
     struct Trust : TrustPort {
         explicit Trust(JournalDesktop& owner) : desktop(owner) {}

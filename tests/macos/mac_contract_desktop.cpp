@@ -75,6 +75,7 @@ public:
     std::unique_ptr<PreferencesPort> makePreferences() override {
         return std::make_unique<macos::MacPreferences>();
     }
+    bool copiesSharePreferences() const override { return false; }
     std::unique_ptr<SingleInstancePort> makeCopy() override { return std::make_unique<Copy>(++m_lastPid); }
 
     void installApplication(const std::string& bundleIdentifier, const std::string& displayName) override {

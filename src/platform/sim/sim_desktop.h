@@ -154,7 +154,7 @@ public:
 
 private:
     SimState m_state;
-    SimPreferencesStorage m_preferencesStorage;
+    SimPreferencesStorage m_preferencesStorage{m_state.clock};
     std::shared_ptr<SimInstanceHolder> m_instanceHolder = std::make_shared<SimInstanceHolder>();
     std::uint64_t m_lastScreen = 0;
     std::uint32_t m_lastWindow = 0;

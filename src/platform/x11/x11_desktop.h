@@ -25,24 +25,28 @@
 #include "ports/main_queue_port.h"
 #include "ports/open_url_port.h"
 
+#include <utility>
+
 namespace tessarel::x11 {
 
 /// All ports of the X11 back end, on one connection.
 ///
 /// The members are in order of dependency: each refers only to members above it.
 struct X11Desktop {
-    /// All referenced objects must outlive the desktop.
+    /// All referenced objects must outlive the desktop. `onReadable` adds a file descriptor to the event
+    /// loop.
     X11Desktop(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
-               OpenUrlPort& openUrl)
+               OpenUrlPort& openUrl, xdg::OnReadable onReadable)
         : monitors(connection), windows(connection), applications(windows),
           watch(connection, windows, applications),
           accessibility(connection, monitors, windows, applications, watch),
           refusalNotice(accessibility, windows, queue, alerts), alertSound(connection),
           displays(connection, monitors, [this] { return windows.activeFrame(); }), hotKeys(connection),
           loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
-          mouse(connection, monitors, windows, queue), preferences(xdg::FilePreferences::userFolder()),
-          singleInstance(connection), trust(connection, session, queue, alerts, openUrl),
-          windowList(connection, monitors, windows), workspace(applications, watch) {}
+          mouse(connection, monitors, windows, queue),
+          preferences(xdg::FilePreferences::userFolder(), std::move(onReadable)), singleInstance(connection),
+          trust(connection, session, queue, alerts, openUrl), windowList(connection, monitors, windows),
+          workspace(applications, watch) {}
     X11Desktop(const X11Desktop&) = delete;
     X11Desktop& operator=(const X11Desktop&) = delete;
 

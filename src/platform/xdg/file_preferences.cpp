@@ -1,8 +1,10 @@
 #include "platform/xdg/file_preferences.h"
 
+#include "model/call_on_end.h"
 #include "platform/xdg/document_file.h"
 
 #include <cstdlib>
+#include <memory>
 #include <pwd.h>
 #include <unistd.h>
 #include <utility>
@@ -41,7 +43,8 @@ fs::path configurationFolder() {
 
 } // namespace
 
-FilePreferences::FilePreferences(fs::path folder) : m_folder(std::move(folder)) {}
+FilePreferences::FilePreferences(fs::path folder, OnReadable onReadable)
+    : m_folder(std::move(folder)), m_onReadable(std::move(onReadable)) {}
 
 fs::path FilePreferences::userFolder() {
     const auto folder = configurationFolder();
@@ -55,23 +58,39 @@ std::optional<std::string> FilePreferences::data(std::string_view key) {
     auto bytes = file.read();
     // A file that exists but cannot be read must not be lost in the next save.
     if (!bytes && file.exists())
-        keepRejected(key);
+        m_unreadable.emplace(key);
+    else
+        m_unreadable.erase(std::string(key));
     return bytes;
 }
 
-void FilePreferences::setData(std::string_view key, std::string_view bytes) {
+bool FilePreferences::setData(std::string_view key, std::string_view bytes) {
     if (m_folder.empty())
-        return;
+        return false;
     const DocumentFile file(path(key));
-    const auto rejected = m_rejected.find(key);
-    if (rejected != m_rejected.end() && !file.keepRejected())
-        return;
-    if (file.replace(bytes) && rejected != m_rejected.end())
-        m_rejected.erase(rejected);
+    const std::string name(key);
+    const bool mustKeep = m_rejected.contains(name) || m_unreadable.contains(name);
+    if ((mustKeep && !file.keepRejected()) || !file.replace(bytes))
+        return false;
+    m_rejected.erase(name);
+    m_unreadable.erase(name);
+    return true;
 }
 
 void FilePreferences::keepRejected(std::string_view key) {
     m_rejected.emplace(key);
+}
+
+SubscriptionPtr FilePreferences::lock(std::string_view key) {
+    if (m_folder.empty())
+        return callOnEnd([] {});
+    return DocumentFile(path(key)).lock();
+}
+
+SubscriptionPtr FilePreferences::watch(std::string_view key, std::function<void()> changed) {
+    if (m_folder.empty() || !m_onReadable)
+        return nullptr;
+    return std::make_unique<DocumentWatch>(path(key), m_onReadable, std::move(changed));
 }
 
 fs::path FilePreferences::path(std::string_view key) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "model/preferences_port.h"
+#include "platform/xdg/document_watch.h"
 
 #include <filesystem>
 #include <functional>
@@ -15,26 +16,33 @@ namespace tessarel::xdg {
 ///
 /// A stored document that was rejected or cannot be read is kept at the next save, under its name with the
 /// suffix ".rejected" and, if necessary, a number. If it cannot be kept, nothing is saved.
+///
+/// All copies of the program and all editors of the user share the files. A file beside a document locks it,
+/// under the name of the document with a dot in front and the suffix ".lock"; it is deleted at once.
 class FilePreferences : public PreferencesPort {
 public:
     /// The first save creates `folder` and its missing parents. With an empty path nothing is read or stored.
-    explicit FilePreferences(std::filesystem::path folder);
+    /// Without `onReadable`, changes are not reported.
+    explicit FilePreferences(std::filesystem::path folder, OnReadable onReadable = nullptr);
 
     /// Returns the folder "tessarel" in the user's configuration folder: $XDG_CONFIG_HOME if that is an
     /// absolute path, otherwise ".config" in the home folder. Empty if the user has no home folder.
     [[nodiscard]] static std::filesystem::path userFolder();
 
     std::optional<std::string> data(std::string_view key) override;
-    /// Failures are not reported and leave the stored bytes as they were.
-    void setData(std::string_view key, std::string_view bytes) override;
+    bool setData(std::string_view key, std::string_view bytes) override;
     void keepRejected(std::string_view key) override;
+    SubscriptionPtr lock(std::string_view key) override;
+    SubscriptionPtr watch(std::string_view key, std::function<void()> changed) override;
 
 private:
     [[nodiscard]] std::filesystem::path path(std::string_view key) const;
 
     std::filesystem::path m_folder;
-    /// Keys whose stored bytes must be kept at the next save.
+    OnReadable m_onReadable;
+    // Keys whose stored bytes must be kept at the next save.
     std::set<std::string, std::less<>> m_rejected;
+    std::set<std::string, std::less<>> m_unreadable;
 };
 
 } // namespace tessarel::xdg

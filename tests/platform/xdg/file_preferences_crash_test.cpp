@@ -83,15 +83,6 @@ protected:
     }
 };
 
-/// Continues to the entry of the next system call: the one before it has been made, and this one has not.
-/// Killing the process there leaves the same state as a crash between the two.
-bool nextBeginning(TracedWork& work) {
-    while (const auto halt = work.next())
-        if (halt->atBeginning)
-            return true;
-    return false;
-}
-
 TEST_P(InterruptedSaveTest, KilledAtAnySystemCallTheFileIsTheOldOrTheNewOne) {
     std::set<std::optional<std::string>> contents;
     bool isDone = false;
@@ -114,25 +105,6 @@ TEST_P(InterruptedSaveTest, KilledAtAnySystemCallTheFileIsTheOldOrTheNewOne) {
 }
 
 #if defined(__x86_64__)
-
-bool isMemoryOrProcess(long systemCall) {
-    static const std::set<long> calls{SYS_mmap,     SYS_munmap,         SYS_mremap,      SYS_brk,
-                                      SYS_mprotect, SYS_madvise,        SYS_futex,       SYS_getpid,
-                                      SYS_gettid,   SYS_rt_sigprocmask, SYS_sched_yield, SYS_tgkill};
-    return calls.count(systemCall) > 0;
-}
-
-/// Runs `work` and makes its `number`th file-related system call fail. Returns false if `work` makes fewer.
-bool failAt(int number, int error, TracedWork& work) {
-    int count = 0;
-    while (const auto halt = work.next()) {
-        if (!halt->atBeginning || isMemoryOrProcess(halt->systemCall) || ++count < number)
-            continue;
-        work.fail(error);
-        return true;
-    }
-    return false;
-}
 
 class FailingSaveTest : public InterruptedSaveTest {
 protected:

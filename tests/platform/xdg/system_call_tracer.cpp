@@ -1,7 +1,9 @@
 #include "system_call_tracer.h"
 
 #include <csignal>
+#include <set>
 #include <sys/ptrace.h>
+#include <sys/syscall.h>
 #include <sys/user.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -85,5 +87,38 @@ bool TracedWork::finish() {
     }
     return m_isInOrder;
 }
+
+bool nextBeginning(TracedWork& work) {
+    while (const auto halt = work.next())
+        if (halt->atBeginning)
+            return true;
+    return false;
+}
+
+#if defined(__x86_64__)
+
+namespace {
+
+bool isMemoryOrProcess(long systemCall) {
+    static const std::set<long> calls{SYS_mmap,     SYS_munmap,         SYS_mremap,      SYS_brk,
+                                      SYS_mprotect, SYS_madvise,        SYS_futex,       SYS_getpid,
+                                      SYS_gettid,   SYS_rt_sigprocmask, SYS_sched_yield, SYS_tgkill};
+    return calls.count(systemCall) > 0;
+}
+
+} // namespace
+
+bool failAt(int number, int error, TracedWork& work) {
+    int count = 0;
+    while (const auto halt = work.next()) {
+        if (!halt->atBeginning || isMemoryOrProcess(halt->systemCall) || ++count < number)
+            continue;
+        work.fail(error);
+        return true;
+    }
+    return false;
+}
+
+#endif
 
 } // namespace tessarel::xdg

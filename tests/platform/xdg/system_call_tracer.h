@@ -46,4 +46,14 @@ private:
     bool m_isInOrder = true; ///< once done: whether the work ended normally, and not by a signal
 };
 
+/// Continues to the entry of the next system call: the one before it has been made, and this one has not.
+/// Killing the process there leaves the same state as a crash between the two. Returns false once the work is
+/// done.
+[[nodiscard]] bool nextBeginning(TracedWork& work);
+
+#if defined(__x86_64__)
+/// Runs `work` and makes its `number`th file-related system call fail. Returns false if `work` makes fewer.
+[[nodiscard]] bool failAt(int number, int error, TracedWork& work);
+#endif
+
 } // namespace tessarel::xdg

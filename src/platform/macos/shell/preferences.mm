@@ -1,17 +1,20 @@
 #include "platform/macos/shell/preferences.h"
 
+#include "model/call_on_end.h"
 #include "platform/macos/objects/conversions.h"
 
 namespace tessarel::macos {
 
 namespace {
 
-/// Stores `bytes` as data. Does nothing when `key` is not valid UTF-8.
-void store(std::string_view key, std::string_view bytes) {
-    if (const auto name = nsString(key))
+/// Stores `bytes` as data. Returns false when `key` is not valid UTF-8.
+bool store(std::string_view key, std::string_view bytes) {
+    const auto name = nsString(key);
+    if (name)
         [[NSUserDefaults standardUserDefaults] setObject:[NSData dataWithBytes:bytes.data()
                                                                         length:bytes.size()]
                                                   forKey:name.get()];
+    return static_cast<bool>(name);
 }
 
 } // namespace
@@ -26,7 +29,7 @@ std::optional<std::string> MacPreferences::data(std::string_view key) {
     }
 }
 
-void MacPreferences::setData(std::string_view key, std::string_view bytes) {
+bool MacPreferences::setData(std::string_view key, std::string_view bytes) {
     @autoreleasepool {
         const auto rejected = m_rejected.find(key);
         if (rejected != m_rejected.end()) {
@@ -34,13 +37,21 @@ void MacPreferences::setData(std::string_view key, std::string_view bytes) {
                 store(*rejected + ".rejected", *before);
             m_rejected.erase(rejected);
         }
-        store(key, bytes);
+        return store(key, bytes);
     }
 }
 
 void MacPreferences::keepRejected(std::string_view key) {
     if (data(key))
         m_rejected.emplace(key);
+}
+
+SubscriptionPtr MacPreferences::lock(std::string_view /*key*/) {
+    return callOnEnd([] {});
+}
+
+SubscriptionPtr MacPreferences::watch(std::string_view /*key*/, std::function<void()> /*changed*/) {
+    return nullptr;
 }
 
 } // namespace tessarel::macos
