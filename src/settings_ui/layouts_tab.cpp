@@ -184,18 +184,20 @@ void LayoutsTab::syncSelection() {
 
 int LayoutsTab::matchingTag() const {
     // Stored layouts may have fewer than nine zones, the current set always has nine.
-    const auto tagIn = [this](const std::vector<Layout>& layouts, int firstTag) -> std::optional<int> {
-        const auto isCurrent = [this](const Layout& layout) {
-            return Presets::pad(layout.zones) == m_store.settings.zones;
-        };
-        const auto found = std::ranges::find_if(layouts, isCurrent);
-        if (found == layouts.end())
-            return std::nullopt;
-        return firstTag + static_cast<int>(found - layouts.begin());
+    const auto isCurrent = [this](const Layout& layout) {
+        return Presets::pad(layout.zones) == m_store.settings.zones;
     };
-    if (const auto tag = tagIn(Presets::all(), 0))
-        return *tag;
-    return tagIn(m_store.settings.userLayouts, Presets::kFirstUserTag).value_or(kCustomTag);
+    const auto isLast = [&](const Layout& layout) {
+        return layout.name == m_lastLayout && isCurrent(layout);
+    };
+    const auto& presets = Presets::all();
+    if (const auto preset = std::ranges::find_if(presets, isCurrent); preset != presets.end())
+        return static_cast<int>(preset - presets.begin());
+    const auto& own = m_store.settings.userLayouts;
+    auto layout = std::ranges::find_if(own, isLast);
+    if (layout == own.end())
+        layout = std::ranges::find_if(own, isCurrent);
+    return layout == own.end() ? kCustomTag : Presets::kFirstUserTag + static_cast<int>(layout - own.begin());
 }
 
 void LayoutsTab::layoutChosen() {
@@ -203,6 +205,7 @@ void LayoutsTab::layoutChosen() {
         Presets::layout(m_popup->currentData().toInt(), m_store.settings.userLayouts);
     if (!layout)
         return syncSelection(); // "Custom" cannot be applied: show the layout in use again
+    m_lastLayout = layout->name;
     m_store.settings.zones = Presets::pad(layout->zones);
     m_store.saveAndNotify();
     selectZone(0);
@@ -223,6 +226,7 @@ void LayoutsTab::saveLayout() {
         same->zones = m_store.settings.zones;
     else
         layouts.push_back({name, m_store.settings.zones});
+    m_lastLayout = name;
     m_store.saveAndNotify();
     rebuildPopup();
 }

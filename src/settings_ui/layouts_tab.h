@@ -66,8 +66,9 @@ private:
     void rebuildPopup();
     /// Selects the layout in the menu that equals the current zones.
     void syncSelection();
-    /// Returns the tag of the first layout whose zones equal the current ones, presets first; `kCustomTag` if
-    /// there is none.
+    /// Returns the tag of the layout whose zones equal the current ones: the first such preset, else the
+    /// user's layout that was saved or chosen last, else the first of the user's. `kCustomTag` if there is
+    /// none.
     [[nodiscard]] int matchingTag() const;
     [[nodiscard]] Zone& selectedZone();
 
@@ -84,6 +85,7 @@ private:
     RecorderButton* m_recorder = nullptr;
     int m_selected = 0;
     std::vector<std::string> m_listed; ///< names of the user's layouts in the menu
+    std::string m_lastLayout; ///< name of the user's layout that was saved or chosen last
 };
 
 } // namespace tessarel

@@ -288,6 +288,45 @@ TEST_F(LayoutsTabTest, DeletingALayoutKeepsTheZones) {
     EXPECT_FALSE(deleteLayout()->isEnabled());
 }
 
+TEST_F(LayoutsTabTest, OfTwoLayoutsWithEqualZonesTheOneJustSavedIsShownAndDeleted) {
+    zone(0) = Presets::z(1, 2, 30, 40);
+    settings.userLayouts = {{"First", settings.zones}};
+    desktop.alerts().texts = {"Second"};
+    click(saveAs());
+    EXPECT_EQ(chosen(), "Mine: Second");
+
+    click(deleteLayout());
+
+    EXPECT_EQ(saved()->userLayouts, (std::vector<Layout>{{"First", settings.zones}}));
+    EXPECT_EQ(chosen(), "Mine: First");
+}
+
+TEST_F(LayoutsTabTest, OfTwoLayoutsWithEqualZonesTheOneJustChosenIsShownAndDeleted) {
+    const std::vector<Zone> zones = Presets::pad({Presets::z(1, 2, 30, 40)});
+    settings.userLayouts = {{"First", zones}, {"Second", zones}, {"Third", zones}};
+    tab->refresh();
+    choose(popUp(), "Mine: Second");
+    EXPECT_EQ(chosen(), "Mine: Second");
+    tab->refresh();
+    EXPECT_EQ(chosen(), "Mine: Second") << "and stays shown";
+
+    click(deleteLayout());
+
+    EXPECT_EQ(saved()->userLayouts, (std::vector<Layout>{{"First", zones}, {"Third", zones}}));
+}
+
+TEST_F(LayoutsTabTest, TheLayoutChosenLastIsNotShownForOtherZones) {
+    const std::vector<Zone> zones = Presets::pad({Presets::z(1, 2, 30, 40)});
+    settings.userLayouts = {{"First", zones}, {"Second", zones}, {"Wide", {Presets::z(0, 0, 100, 50)}}};
+    tab->refresh();
+    choose(popUp(), "Mine: Wide");
+
+    settings.zones = zones;
+    tab->refresh();
+
+    EXPECT_EQ(chosen(), "Mine: First");
+}
+
 TEST_F(LayoutsTabTest, APresetCannotBeDeleted) {
     settings.userLayouts = {{"A", {}}};
     tab->refresh();
