@@ -101,9 +101,8 @@ struct Encoder {
     static Json encode(const std::string& value) { return value; }
 
     static Json encode(double value) {
-        // A whole number is written without a fraction, except -0, whose sign would be lost.
-        const bool whole = std::trunc(value) == value && std::abs(value) < kExactIntegerLimit;
-        if (whole && !(value == 0 && std::signbit(value)))
+        // A whole number is written without a fraction, and -0 as 0.
+        if (std::trunc(value) == value && std::abs(value) < kExactIntegerLimit)
             return static_cast<std::int64_t>(value);
         return value;
     }

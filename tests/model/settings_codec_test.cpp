@@ -293,15 +293,15 @@ TEST(EncodeSettingsTest, WritesWholeNumbersAsIntegersBelowTwoToThe53) {
     EXPECT_EQ(decodeSettings(document), settings);
 }
 
-TEST(EncodeSettingsTest, KeepsTheSignOfAZero) {
+TEST(EncodeSettingsTest, AZeroHasNoSign) {
     AppSettings settings;
-    settings.gap = -0.0;
-    settings.margin = 0.0;
+    settings.zones = {{true, -0.0, -0.0, -0.0, -0.0}};
+    settings.gap = settings.margin = settings.gridStep = settings.lastUpdateCheck = -0.0;
 
-    const AppSettings read = decodeSettings(encodeSettings(settings).value()).value();
+    const std::string document = encodeSettings(settings).value();
 
-    EXPECT_TRUE(std::signbit(read.gap));
-    EXPECT_FALSE(std::signbit(read.margin));
+    EXPECT_EQ(document.find("-0"), std::string::npos) << document;
+    EXPECT_EQ(decodeSettings(document), settings);
 }
 
 TEST(EncodeSettingsTest, KeepsEmptyListsAndMaps) {

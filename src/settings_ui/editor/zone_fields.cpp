@@ -6,9 +6,9 @@
 #include <QLineEdit>
 #include <QLocale>
 #include <QRect>
+#include <QRegularExpression>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 
 namespace tessarel {
@@ -58,18 +58,21 @@ void ZoneFields::show(const Zone& zone) {
 }
 
 std::optional<double> ZoneFields::number(const QString& text) {
-    // The C locale, because fmtNum() formats numbers in it, too.
-    bool whole = false;
-    const double value =
-        QLocale::c().toDouble(text.trimmed().replace(QLatin1Char(','), QLatin1Char('.')), &whole);
-    return whole && std::isfinite(value) ? std::optional(value) : std::nullopt;
+    static const QRegularExpression decimal(QRegularExpression::anchoredPattern(
+        QStringLiteral("[+-]?([0-9]+\\.?[0-9]*|\\.[0-9]+)([eE][+-]?[0-9]+)?")));
+    const QString digits = text.trimmed().replace(QLatin1Char(','), QLatin1Char('.'));
+    if (!decimal.match(digits).hasMatch())
+        return std::nullopt;
+    // The C locale, because fmtNum() formats numbers in it, too. Qt reports a number out of range as an
+    // error, but returns infinity or zero for it.
+    return QLocale::c().toDouble(digits);
 }
 
 Zone ZoneFields::typed(const Zone& current) const {
     Zone zone = current;
     for (std::size_t i = 0; i < m_fields.size(); ++i)
         if (const auto value = number(m_fields[i]->text()))
-            zone.*kNumbers[i] = std::clamp(*value, 0.0, 100.0);
+            zone.*kNumbers[i] = std::clamp(*value, 0.0, 100.0) + 0.0; // turns -0 into 0
     zone.w = std::max(zone.w, kSmallest);
     zone.h = std::max(zone.h, kSmallest);
     // The position takes precedence: the zone becomes smaller where it would leave the screen.

@@ -35,8 +35,8 @@ public:
     /// at least 1, unless the position leaves less room. Text that is not a number does not change anything.
     [[nodiscard]] Zone typed(const Zone& current) const;
 
-    /// Parses a finite number with a decimal point or a decimal comma. Returns `std::nullopt` for other
-    /// texts.
+    /// Parses a decimal number with a decimal point or a decimal comma, of any length. Returns infinity for a
+    /// number that is too large for a double, and `std::nullopt` for other texts.
     [[nodiscard]] static std::optional<double> number(const QString& text);
 
 private:

@@ -75,7 +75,8 @@ void setFittedText(QPushButton& button, const QString& title);
 [[nodiscard]] QString fullText(const QWidget& control);
 
 /// Returns `value` with at most two decimals and six significant digits, without trailing zeros: "12.5",
-/// "0.13". Halves are rounded away from zero. Values from a million on have an exponent.
+/// "0.13". Halves are rounded away from zero, and zero has no sign. Values from a million on have an
+/// exponent.
 [[nodiscard]] QString fmtNum(double value);
 
 /// Brings the program to the front and shows a modal message. Returns when the user has dismissed it.

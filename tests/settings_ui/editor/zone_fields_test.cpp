@@ -6,7 +6,12 @@
 #include <QLineEdit>
 #include <QList>
 #include <QLocale>
+#include <QString>
 #include <QTest>
+
+#include <cmath>
+#include <limits>
+#include <string>
 
 namespace tessarel {
 namespace {
@@ -97,6 +102,28 @@ TEST_F(ZoneFieldsTest, ANegativeNumberIsClampedToZero) {
     EXPECT_EQ(zone.x, 0);
 }
 
+TEST_F(ZoneFieldsTest, ANumberOfAnyLengthIsClamped) {
+    const std::string digits(400, '9');
+    type(x(), digits.c_str());
+    EXPECT_EQ(zone.x, 100);
+    type(x(), ("-" + digits).c_str());
+    EXPECT_EQ(zone.x, 0);
+    type(w(), "1e400");
+    EXPECT_EQ(zone.w, 100);
+    type(x(), "50");
+    type(x(), "1e-400");
+    EXPECT_EQ(zone.x, 0);
+}
+
+TEST_F(ZoneFieldsTest, AZeroHasNoSign) {
+    for (const char* const text : {"-0", "-0.0", "-5", "-1e-400", "-,0"}) {
+        type(x(), text);
+        EXPECT_FALSE(std::signbit(zone.x)) << text;
+        QTest::keyClick(&x(), Qt::Key_Return);
+        EXPECT_EQ(x().text(), "0") << text;
+    }
+}
+
 TEST_F(ZoneFieldsTest, AZoneIsAtLeastOnePercentWideAndHigh) {
     type(w(), "0");
     type(field(3), "0.2");
@@ -156,9 +183,24 @@ TEST_F(ZoneFieldsTest, ATextIsParsedAsAWholeOrRejected) {
     EXPECT_EQ(ZoneFields::number(".5"), 0.5);
     EXPECT_EQ(ZoneFields::number("5."), 5);
     EXPECT_EQ(ZoneFields::number("1e1"), 10);
+    EXPECT_EQ(ZoneFields::number("1E+1"), 10);
     for (const char* const text : {"", " ", ",", "1,2,3", "1 2", "12x", "+-3", "++3", "0x10", "inf", "-inf",
-                                   "nan", "1e999", "\xd9\xa1\xd9\xa2"})
+                                   "nan", ".", "1e", "e1", "1e1.5", "1 e1", "1e1x", "\xd9\xa1\xd9\xa2"})
         EXPECT_EQ(ZoneFields::number(text), std::nullopt) << text;
+}
+
+TEST_F(ZoneFieldsTest, ANumberMayHaveAnyLengthAndSize) {
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    const QString nines(30'000, QLatin1Char('9'));
+    EXPECT_EQ(ZoneFields::number(nines), kInfinity);
+    EXPECT_EQ(ZoneFields::number(QLatin1Char('-') + nines), -kInfinity);
+    EXPECT_EQ(ZoneFields::number(QStringLiteral("12.5") + QString(30'000, QLatin1Char('0'))), 12.5);
+    EXPECT_EQ(ZoneFields::number(QString(400, QLatin1Char('0')) + QStringLiteral("7")), 7);
+    EXPECT_EQ(ZoneFields::number("1e999"), kInfinity);
+    EXPECT_EQ(ZoneFields::number("-1e99999999999999999999"), -kInfinity);
+    EXPECT_EQ(ZoneFields::number("1e-400"), 0);
+    EXPECT_EQ(ZoneFields::number("1e-99999999999999999999"), 0);
+    EXPECT_EQ(ZoneFields::number("0e99999999999999999999"), 0);
 }
 
 TEST_F(ZoneFieldsTest, TheLocaleDoesNotMatter) {

@@ -54,6 +54,12 @@ TEST(FmtNumTest, HasNoTrailingZeros) {
     EXPECT_EQ(text(12.50001), "12.5");
 }
 
+TEST(FmtNumTest, AZeroHasNoSign) {
+    EXPECT_EQ(text(-0.0), "0");
+    EXPECT_EQ(text(-0.004), "0");
+    EXPECT_EQ(text(-0.005), "-0.01");
+}
+
 TEST(FmtNumTest, ShowsSixSignificantDigits) {
     EXPECT_EQ(text(1234.56), "1234.56");
     EXPECT_EQ(text(12345.67), "12345.7");
