@@ -11,6 +11,7 @@
 
 #include <QCheckBox>
 #include <QPushButton>
+#include <QShortcut>
 #include <QStringList>
 
 #include <algorithm>
@@ -83,6 +84,12 @@ void LayoutsTab::addEditor() {
         syncSelection();
         selectZone(m_selected);
     };
+    // The keys work wherever the focus is. A text field, whose text they edit, takes them first.
+    for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Backspace}) {
+        auto* const shortcut = new QShortcut(key, &m_view);
+        shortcut->setAutoRepeat(false);
+        QObject::connect(shortcut, &QShortcut::activated, m_editor, [this] { m_editor->disableSelected(); });
+    }
 }
 
 void LayoutsTab::addGrid() {

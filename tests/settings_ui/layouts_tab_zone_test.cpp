@@ -2,7 +2,9 @@
 #include "settings_ui/layouts_tab_test.h"
 
 #include <QEvent>
+#include <QKeySequence>
 #include <QObject>
+#include <QShortcut>
 
 #include <string>
 #include <vector>
@@ -99,6 +101,74 @@ TEST_F(LayoutsTabTest, DeleteInTheEditorDisablesTheZoneAndItsControls) {
     EXPECT_FALSE(x()->isEnabled());
     EXPECT_EQ(tab->selected(), 0);
     EXPECT_EQ(chosen(), "Custom (current)");
+}
+
+TEST_F(LayoutsTabTest, DeleteDisablesAZoneThatASegmentHasSelected) {
+    clickSegment(3);
+    QTest::keyClick(segment(3), Qt::Key_Delete);
+    EXPECT_FALSE(saved()->zones[3].enabled);
+
+    clickSegment(1);
+    QTest::keyClick(segment(1), Qt::Key_Backspace);
+    EXPECT_FALSE(saved()->zones[1].enabled);
+    EXPECT_EQ(announcements, 2);
+    EXPECT_FALSE(x()->isEnabled());
+}
+
+TEST_F(LayoutsTabTest, DeleteDisablesAZoneThatHasJustBeenAdded) {
+    addZone()->setFocus();
+    click(addZone());
+    ASSERT_TRUE(saved()->zones[5].enabled);
+
+    QTest::keyClick(addZone(), Qt::Key_Delete);
+
+    EXPECT_FALSE(saved()->zones[5].enabled);
+}
+
+TEST_F(LayoutsTabTest, DeleteDisablesTheSelectedZoneWhicheverControlHasTheFocus) {
+    settings.userLayouts = {{"Mine", settings.zones}};
+    for (QWidget* const control :
+         {static_cast<QWidget*>(popUp()), static_cast<QWidget*>(saveAs()), static_cast<QWidget*>(editor()),
+          static_cast<QWidget*>(gridPopUp()), static_cast<QWidget*>(enabledBox()),
+          static_cast<QWidget*>(recorder()), static_cast<QWidget*>(clear())}) {
+        zone(0).enabled = true;
+        tab->refresh();
+        control->setFocus(Qt::TabFocusReason);
+        ASSERT_EQ(tab->view()->focusWidget(), control);
+
+        QTest::keyClick(control, Qt::Key_Delete);
+
+        EXPECT_FALSE(zone(0).enabled) << control->accessibleName().toStdString();
+    }
+}
+
+TEST_F(LayoutsTabTest, DeleteInATextFieldEditsTheText) {
+    for (QLineEdit* const field : {x(), y(), w(), h()}) {
+        click(field);
+        for (const Qt::Key key : {Qt::Key_Delete, Qt::Key_Backspace})
+            for (const Qt::KeyboardModifier modifier :
+                 {Qt::NoModifier, Qt::ShiftModifier, Qt::ControlModifier}) {
+                QTest::keyClick(field, key, modifier);
+                QTest::keyClick(field, key, modifier); // also in an empty field
+            }
+    }
+
+    EXPECT_TRUE(zone(0).enabled);
+    EXPECT_EQ(h()->text(), "");
+}
+
+TEST_F(LayoutsTabTest, DeleteInAnOpenListDisablesNoZone) {
+    QTest::keyClick(popUp(), Qt::Key_Down);
+    ASSERT_TRUE(popUp()->view()->isVisible());
+
+    QTest::keyClick(popUp()->view(), Qt::Key_Delete);
+
+    EXPECT_TRUE(zone(0).enabled);
+}
+
+TEST_F(LayoutsTabTest, AHeldDeleteKeyActsOnce) {
+    for (const QShortcut* const shortcut : tab->view()->findChildren<QShortcut*>())
+        EXPECT_FALSE(shortcut->autoRepeat()) << shortcut->key().toString().toStdString();
 }
 
 // Enabled and added zones

@@ -34,6 +34,10 @@ public:
     /// Selects a zone without calling `onSelect`.
     void setSelected(int selected);
 
+    /// Disables the selected zone, which keeps its position and numbers, as the Delete key does. Does nothing
+    /// if the selection is not in the list.
+    void disableSelected();
+
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
@@ -49,7 +53,6 @@ private:
     void dragTo(const Point& point, ZoneEditing::Snapping snapping);
     /// Ends the drag, if there is one.
     void letGo();
-    void disableSelected();
     /// Shows the cursor for what a press would do, or for the drag in progress.
     void showGrip(const ZoneEditing::Grip& grip);
     void showKeyboardFocus(bool shows);
