@@ -3,14 +3,14 @@
 #include "model/config.h"
 #include "model/drag_trigger.h"
 #include "qt_values/text.h"
+#include "settings_ui/kit/pop_up_button.h"
+#include "settings_ui/kit/slider.h"
 
 #include <QCheckBox>
-#include <QComboBox>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
 #include <QSignalBlocker>
-#include <QSlider>
 #include <QVariant>
 
 #include <algorithm>
@@ -92,7 +92,7 @@ void GeneralTab::buildSpacing() {
 
 /// Returns a slider from 0 to `maximum` points that screen readers announce by the text of `label`.
 QSlider* GeneralTab::makeSlider(QLabel& label, const QRect& frame, int maximum) {
-    auto* const slider = new QSlider(Qt::Horizontal, &m_view);
+    auto* const slider = new Slider(m_view);
     slider->setGeometry(frame);
     slider->setRange(0, maximum);
     slider->setPageStep(5);
@@ -119,14 +119,11 @@ void GeneralTab::buildDragging() {
 }
 
 void GeneralTab::buildTriggerPopup(QLabel& label) {
-    m_triggerPopup = new QComboBox(&m_view);
-    m_triggerPopup->setFont(systemFont(13));
-    m_triggerPopup->setGeometry(222, 208, 150, 26);
+    m_triggerPopup = new PopUpButton(m_view, {222, 208, 150, 26}, [this] { triggerChosen(); });
     // Only the titles depend on the platform; the values are those of the document.
     for (const DragTriggerEntry& entry : kDragTriggers)
-        m_triggerPopup->addItem(titleOf(entry.trigger, m_context.ports.words), toQString(entry.name));
+        m_triggerPopup->append(titleOf(entry.trigger, m_context.ports.words), toQString(entry.name));
     nameAfter(label, *m_triggerPopup);
-    QObject::connect(m_triggerPopup, &QComboBox::activated, m_triggerPopup, [this] { triggerChosen(); });
 }
 
 void GeneralTab::buildPermission() {
@@ -185,9 +182,7 @@ void GeneralTab::showDragging() {
     m_triggerPopup->setEnabled(settings().dragEnabled);
     m_edgeBox->setEnabled(settings().dragEnabled);
     // An unknown trigger, which an edited document may contain, leaves the shown one as it is.
-    const int trigger = m_triggerPopup->findData(toQString(settings().dragTrigger));
-    if (trigger >= 0)
-        m_triggerPopup->setCurrentIndex(trigger);
+    m_triggerPopup->select(toQString(settings().dragTrigger));
 }
 
 void GeneralTab::showRemembered() {

@@ -5,11 +5,12 @@
 
 #include <string>
 
-class QComboBox;
 class QListWidget;
 class QSlider;
 
 namespace tessarel {
+
+class PopUpButton;
 
 /// The "General" tab: start at login, spacing, drag to snap, permission, ignored applications, and remembered
 /// positions.
@@ -68,7 +69,7 @@ private:
     QSlider* m_marginSlider = nullptr;
     QLabel* m_marginLabel = nullptr;
     QCheckBox* m_dragBox = nullptr;
-    QComboBox* m_triggerPopup = nullptr;
+    PopUpButton* m_triggerPopup = nullptr;
     QCheckBox* m_edgeBox = nullptr;
     QListWidget* m_table = nullptr;
     QLabel* m_accLabel = nullptr;

@@ -1,6 +1,7 @@
 #include "settings_ui/general_tab_fixture.h"
 #include "settings_ui/looks.h"
 
+#include <QAbstractItemView>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -212,6 +213,8 @@ TEST_F(GeneralTabTest, ATriggerThatIsNotOfferedLeavesTheSelectionAlone) {
 
 TEST_F(GeneralTabTest, ChoosingATriggerSavesItWithoutANotification) {
     press(triggerPopup, Qt::Key_Down);
+    press(*triggerPopup.view(), Qt::Key_Down);
+    press(*triggerPopup.view(), Qt::Key_Return);
 
     EXPECT_EQ(settings.dragTrigger, "control");
     EXPECT_EQ(saved(), settings);

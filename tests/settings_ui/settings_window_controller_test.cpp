@@ -9,11 +9,14 @@
 #include <QImage>
 #include <QList>
 #include <QPoint>
+#include <QPointF>
 #include <QRect>
+#include <QRectF>
 #include <QScreen>
 #include <QSlider>
 #include <QTabWidget>
 #include <QTest>
+#include <QWheelEvent>
 #include <QWidget>
 #include <gtest/gtest.h>
 
@@ -202,6 +205,49 @@ TEST_F(SettingsWindowControllerTest, ShowingRestoresAMinimizedWindow) {
     controller.show();
 
     EXPECT_FALSE(window().isMinimized());
+}
+
+/// Turns the wheel over a control by one notch down and one up.
+void turnWheelOver(QWidget& control) {
+    const QPointF middle = QRectF(control.rect()).center();
+    for (const int angle : {-120, 120}) {
+        QWheelEvent wheel(middle, control.mapToGlobal(middle), {}, {0, angle}, {}, {}, Qt::NoScrollPhase,
+                          false);
+        QApplication::sendEvent(&control, &wheel);
+        QApplication::processEvents();
+    }
+}
+
+TEST_F(SettingsWindowControllerTest, TheWheelChangesNoPopUpOrSliderWithoutTheFocus) {
+    settings.gap = settings.margin = 12.5; // a moved slider would round it
+    const AppSettings before = settings;
+    int turned = 0;
+    for (const Tab tab : {Tab::Layouts, Tab::Shortcuts, Tab::General, Tab::About}) {
+        controller.show(tab);
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+        const QWidget* const focused = window().focusWidget();
+        for (QWidget* const control : window().findChildren<QWidget*>()) {
+            if (!control->isVisible() || !(control->inherits("QComboBox") || control->inherits("QSlider")))
+                continue;
+            turnWheelOver(*control);
+            ++turned;
+            EXPECT_EQ(settings, before) << control->accessibleName().toStdString();
+            EXPECT_EQ(window().focusWidget(), focused) << control->accessibleName().toStdString();
+        }
+    }
+    EXPECT_EQ(turned, 5);
+}
+
+TEST_F(SettingsWindowControllerTest, TheWheelMovesASliderThatHasTheFocus) {
+    controller.show(Tab::General);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    gapSlider().setFocus();
+    QWheelEvent wheel({5, 5}, gapSlider().mapToGlobal(QPointF(5, 5)), {}, {0, 120}, {}, {}, Qt::NoScrollPhase,
+                      false);
+
+    QApplication::sendEvent(&gapSlider(), &wheel);
+
+    EXPECT_GT(settings.gap, 0);
 }
 
 TEST_F(SettingsWindowControllerTest, TheStandardKeysCloseTheWindowAndQuitTheProgram) {

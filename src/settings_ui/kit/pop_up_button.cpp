@@ -47,6 +47,8 @@ PopUpButton::PopUpButton(QWidget& parent, const QRect& frame, std::function<void
     : QComboBox(&parent) {
     setFont(systemFont(13));
     setGeometry(frame);
+    setFocusPolicy(
+        Qt::StrongFocus); // a plain QComboBox also takes the focus when the wheel is turned over it
     connect(this, &QComboBox::activated, this, [action = std::move(action)] { action(); });
 }
 
