@@ -5,12 +5,14 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 
 namespace tessarel {
 
 /// A key press.
 struct KeyDown {
-    std::int64_t keyCode = 0;        ///< virtual key code, as in `Binding`
+    /// Virtual key code, as in `Binding`; empty for a key that bindings cannot name.
+    std::optional<std::int64_t> keyCode;
     ModifierFlags modifierFlags = 0; ///< the modifier keys that are held
 
     bool operator==(const KeyDown&) const = default;
@@ -29,9 +31,9 @@ public:
     /// this or another program has registered as hot keys go to the handler instead of triggering.
     ///
     /// A key that is held down is delivered once. If it is consumed, it has no other effect until it is
-    /// released, even if its handler has been removed by then. Modifier keys alone and keys without a virtual
-    /// key code are consumed without being delivered. Several handlers are called in the order in which they
-    /// were added, until one consumes the key press.
+    /// released, even if its handler has been removed by then. The modifier keys of bindings are consumed
+    /// without being delivered. Several handlers are called in the order in which they were added, until one
+    /// consumes the key press.
     [[nodiscard]] virtual SubscriptionPtr monitorKeyDown(Handler handler) = 0;
 };
 

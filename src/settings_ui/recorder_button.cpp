@@ -39,8 +39,7 @@ std::optional<ActionID> holder(const Store& store, const Binding& combination, A
 } // namespace
 
 RecorderButton::RecorderButton(QWidget& parent, const QRect& frame, const TabContext& context)
-    : QPushButton(&parent), m_store(context.services.store), m_ports(context.ports),
-      m_later(context.ports.mainQueue) {
+    : QPushButton(&parent), m_store(context.services.store), m_ports(context.ports) {
     setFont(systemFont(13));
     setGeometry(frame);
     fitted_text::init(*this, {});
@@ -79,6 +78,7 @@ void RecorderButton::startRecording() {
 void RecorderButton::stopRecording() {
     // This may run inside the monitor's own callback, which subscriptions allow.
     m_monitor.reset();
+    m_message.reset();
     m_isRecording = false;
     refresh();
 }
@@ -86,7 +86,11 @@ void RecorderButton::stopRecording() {
 void RecorderButton::keyDown(const KeyDown& key) {
     if (key.keyCode == kEscape)
         return stopRecording();
-    const Binding candidate{key.keyCode, carbonMods(key.modifierFlags)};
+    if (!key.keyCode) {
+        m_ports.alertSound.beep();
+        return flash(QStringLiteral("Cannot use this key"));
+    }
+    const Binding candidate{*key.keyCode, carbonMods(key.modifierFlags)};
     // A hot key without a modifier would take the key away from all other programs.
     if (candidate.mods == 0) {
         m_ports.alertSound.beep();
@@ -104,11 +108,8 @@ void RecorderButton::keyDown(const KeyDown& key) {
 
 void RecorderButton::flash(const QString& message) {
     setTitle(message);
-    m_later.asyncAfter(kFlashTime, [this] {
-        // The recording may have ended in the meantime.
-        if (m_isRecording)
-            setTitle(prompt());
-    });
+    // Ends the time of an earlier message, which would cut this one short.
+    m_message = m_ports.mainQueue.asyncAfter(kFlashTime, [this] { setTitle(prompt()); });
 }
 
 /// Changes the visible title. For screen readers the name of the button stays that of the action, and the

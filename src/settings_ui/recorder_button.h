@@ -3,7 +3,6 @@
 #include "model/action_id.h"
 #include "model/store.h"
 #include "model/subscription.h"
-#include "ports/deferred_work.h"
 #include "ports/local_keys_port.h"
 #include "settings_ui/tab_context.h"
 
@@ -19,7 +18,8 @@ namespace tessarel {
 /// A button that shows the hot key of an action and, once clicked, records a new one.
 ///
 /// Recording ends with an acceptable combination, with Escape, with another click, and when the button loses
-/// the keyboard focus or is hidden. Any other combination is rejected with a message, and recording goes on.
+/// the keyboard focus or is hidden. Any other key or combination is rejected with a message, and recording
+/// goes on.
 class RecorderButton : public QPushButton {
 public:
     /// How long a message replaces the prompt.
@@ -49,7 +49,8 @@ private:
     void toggleRecording();
     void startRecording();
     void stopRecording();
-    /// Handles a combination that was pressed while recording: saves it, rejects it, or cancels (Escape).
+    /// Handles a key that was pressed while recording: saves the combination, rejects it, or cancels
+    /// (Escape).
     void keyDown(const KeyDown& key);
     /// Shows `message` instead of the prompt for `kFlashTime`.
     void flash(const QString& message);
@@ -59,7 +60,7 @@ private:
     const Ports& m_ports;
     ActionID m_actionID = ActionID::allCases.front();
     SubscriptionPtr m_monitor; ///< not null while recording
-    DeferredWork m_later;      ///< restores the prompt after a message
+    SubscriptionPtr m_message; ///< not null while a message is shown; restores the prompt
     bool m_isRecording = false;
 };
 

@@ -69,6 +69,24 @@ TEST_F(RecorderDesktopTest, ACombinationThatIsAHotKeyReachesTheRecorder) {
     EXPECT_FALSE(keyboard.isFree());
 }
 
+TEST_F(RecorderDesktopTest, AKeyThatCannotBeBoundIsAnsweredByAMessage) {
+    constexpr xcb_keycode_t kPrint = 107;
+    constexpr xcb_keycode_t kPause = 127;
+    constexpr xcb_keycode_t kRaiseVolume = 123;
+    constexpr xcb_keycode_t kAltGr = 108;
+    keyboard.setLayout("de"); // on which Right Alt is AltGr
+    record();
+
+    for (const xcb_keycode_t key : {kPrint, kPause, kRaiseVolume, kAltGr}) {
+        EXPECT_TRUE(waitUntil([&] {
+            keyboard.press({key, 0});
+            return reader.look(recorder).description == "Cannot use this key";
+        })) << int{key};
+        EXPECT_TRUE(comesToSay(recorder, "Press keys..."));
+    }
+    EXPECT_FALSE(keyboard.isFree());
+}
+
 TEST_F(RecorderDesktopTest, ANewHotKeyReplacesTheOldOneAtOnce) {
     record();
 

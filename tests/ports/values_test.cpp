@@ -30,7 +30,7 @@ TEST(ValuesTest, RectanglesPointsAndSizesAreZeroByDefault) {
 
 TEST(ValuesTest, KeysHaveNoModifiersByDefault) {
     EXPECT_EQ(HotKeyRequest{}, (HotKeyRequest{0, 0, {0, 0}}));
-    EXPECT_EQ(KeyDown{}, (KeyDown{0, 0}));
+    EXPECT_EQ(KeyDown{}, (KeyDown{std::nullopt, 0}));
 }
 
 TEST(ValuesTest, AMouseEventIsALeftPressWithoutModifiersByDefault) {

@@ -33,6 +33,10 @@ constexpr Key kReturn{Qt::Key_Return, 36};
 constexpr Key kSpace{Qt::Key_Space, 65};
 constexpr Key kControlKey{Qt::Key_Control, 37};
 constexpr Key kAltKey{Qt::Key_Alt, 64};
+constexpr Key kPrint{Qt::Key_Print, 107};
+constexpr Key kPause{Qt::Key_Pause, 127};
+constexpr Key kVolumeUp{Qt::Key_VolumeUp, 123};
+constexpr Key kAltGr{Qt::Key_AltGr, 108};
 constexpr quint32 kControl = 4;
 constexpr quint32 kControlAlt = 4 + 8;
 constexpr quint32 kNumLock = 16;
@@ -99,6 +103,19 @@ TEST_F(RecorderKeysTest, ModifierKeysAloneDoNotEndTheRecording) {
 
     EXPECT_EQ(title(), "Press keys...");
     EXPECT_EQ(desktop.beeps(), 0);
+}
+
+TEST_F(RecorderKeysTest, AKeyThatCannotBeBoundIsAnswered) {
+    record();
+
+    for (const Key& key : {kPrint, kPause, kVolumeUp, kAltGr}) {
+        desktop.advance(1300ms);
+        ASSERT_EQ(title(), "Press keys...");
+        type(key);
+        EXPECT_EQ(title(), "Cannot use this key") << key.keycode;
+        EXPECT_TRUE(recorder.isRecording());
+    }
+    EXPECT_EQ(desktop.beeps(), 4);
 }
 
 TEST_F(RecorderKeysTest, LockKeysAreNoModifiers) {

@@ -15,6 +15,30 @@
 
 namespace tessarel::qt {
 
+namespace {
+
+/// Returns whether the key is a modifier of bindings, or changes the keyboard layout together with one. Right
+/// Alt is neither on a keyboard on which it selects the third level of the keys.
+bool isModifier(const QKeyEvent& press) {
+    constexpr quint32 kIsoGroupShift = 0xFE06;    // XK_ISO_Group_Latch, the first of these key symbols
+    constexpr quint32 kIsoLastGroupLock = 0xFE0F; // XK_ISO_Last_Group_Lock
+    switch (press.key()) {
+    case Qt::Key_Shift:
+    case Qt::Key_Control:
+    case Qt::Key_Alt:
+    case Qt::Key_Meta:
+    case Qt::Key_Super_L:
+    case Qt::Key_Super_R:
+    case Qt::Key_Hyper_L:
+    case Qt::Key_Hyper_R:
+        return true;
+    default:
+        return press.nativeVirtualKey() >= kIsoGroupShift && press.nativeVirtualKey() <= kIsoLastGroupLock;
+    }
+}
+
+} // namespace
+
 /// An active keyboard grab for at most one window at a time. With it, combinations that are registered as hot
 /// keys, by this program or another, come to the window as ordinary key events.
 class QtLocalKeys::KeyboardGrab {
@@ -92,20 +116,20 @@ private:
             update();
     }
 
-    /// Returns true when the press was consumed, which also holds for repetitions and for keys without a
-    /// virtual key code.
+    /// Returns true when the press was consumed, which also holds for repetitions and for modifier keys.
     bool handlePress(const QKeyEvent& press) {
         // Typed while this program still held the grab, but meant for another window: discard it.
         if (m_isFocusLost)
             return true;
-        const auto key = m_translation(press.nativeScanCode(), press.nativeModifiers());
-        if (!key || press.isAutoRepeat() || m_heldKey == press.nativeScanCode())
+        if (isModifier(press) || press.isAutoRepeat() || m_heldKey == press.nativeScanCode())
             return true;
+        const KeyDown key =
+            m_translation(press.nativeScanCode(), press.nativeModifiers()).value_or(KeyDown{});
         const auto self = shared_from_this(); // a handler may destroy the port
         // Set before the handlers run: one of them may remove the last monitor, and the filter must stay
         // installed.
         m_heldKey = press.nativeScanCode();
-        if (isConsumed(*key))
+        if (isConsumed(key))
             return true;
         m_heldKey.reset();
         update();

@@ -37,7 +37,19 @@ QString ellipsis() {
     return QString(QChar(0x2026));
 }
 
-/// Returns `text` if it fits, otherwise its longest beginning that fits together with an ellipsis.
+/// Returns the position after the last whole word among the first `end` characters of `text`. If they are
+/// part of a single word, returns `end`, or the position before a surrogate pair that `end` would divide.
+qsizetype wordEnd(const QString& text, qsizetype end) {
+    if (end == 0 || text.at(end).isSpace())
+        return end;
+    for (qsizetype i = end - 1; i > 0; --i)
+        if (text.at(i).isSpace())
+            return i;
+    return text.at(end - 1).isHighSurrogate() ? end - 1 : end;
+}
+
+/// Returns `text` if it fits, otherwise its longest beginning of whole words that fits together with an
+/// ellipsis. A first word that does not fit is cut.
 QString fittedText(const QString& text, const QFontMetrics& metrics, const Fits& fits) {
     if (fits(text, metrics))
         return text;
@@ -47,10 +59,7 @@ QString fittedText(const QString& text, const QFontMetrics& metrics, const Fits&
         const qsizetype middle = (fitting + tooLong) / 2;
         (fits(text.first(middle).trimmed() + ellipsis(), metrics) ? fitting : tooLong) = middle;
     }
-    // Do not cut a surrogate pair in half.
-    if (fitting > 0 && text.at(fitting - 1).isHighSurrogate())
-        --fitting;
-    return text.first(fitting).trimmed() + ellipsis();
+    return text.first(wordEnd(text, fitting)).trimmed() + ellipsis();
 }
 
 /// Returns the size of `text` if its lines are wrapped at `width`.

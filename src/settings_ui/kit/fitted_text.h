@@ -8,7 +8,8 @@
 namespace tessarel {
 
 /// Fits texts into the frames of their controls, whatever font the user has. A text that is too large is set
-/// in a smaller size; one that does not fit in the smallest size either ends in an ellipsis.
+/// in a smaller size; one that does not fit in the smallest size either ends in an ellipsis after a whole
+/// word.
 namespace fitted_text {
 
 /// The smallest font size, in device-independent pixels.

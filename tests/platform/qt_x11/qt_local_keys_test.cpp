@@ -47,8 +47,12 @@ protected:
 
     /// Sends the key "b" to the native window, where the window system delivers it.
     static void press(const QWidget& target, quint32 nativeScanCode, bool isRepetition = false) {
-        QKeyEvent event(QEvent::KeyPress, Qt::Key_B, Qt::NoModifier, nativeScanCode, Qt::Key_B, 4, "b",
-                        isRepetition);
+        pressKey(target, Qt::Key_B, nativeScanCode, Qt::Key_B, isRepetition);
+    }
+
+    static void pressKey(const QWidget& target, int key, quint32 nativeScanCode, quint32 keysym,
+                         bool isRepetition = false) {
+        QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, nativeScanCode, keysym, 4, "b", isRepetition);
         QApplication::sendEvent(target.windowHandle(), &event);
     }
 
@@ -113,13 +117,35 @@ TEST_F(QtLocalKeysTest, AnAutoRepeatIsConsumedAndNotReported) {
     EXPECT_EQ(field.text(), "");
 }
 
-TEST_F(QtLocalKeysTest, AnUntranslatableKeyIsConsumedAndNotReported) {
-    const auto monitored = monitor(false);
+TEST_F(QtLocalKeysTest, AnUntranslatableKeyIsReportedWithoutAKeyCode) {
+    const auto monitored = monitor();
 
     press(window, kMeaningless);
 
+    EXPECT_EQ(keys, (Keys{{std::nullopt, 0}}));
+    EXPECT_EQ(field.text(), "");
+}
+
+TEST_F(QtLocalKeysTest, ModifierKeysAreConsumedAndNotReported) {
+    const auto monitored = monitor(false);
+
+    for (const int key : {Qt::Key_Shift, Qt::Key_Control, Qt::Key_Alt, Qt::Key_Meta, Qt::Key_Super_L,
+                          Qt::Key_Super_R, Qt::Key_Hyper_L, Qt::Key_Hyper_R})
+        pressKey(window, key, kMeaningless, 0);
+    for (const quint32 isoNextGroup : {0xFE06U, 0xFE08U, 0xFE0FU})
+        pressKey(window, Qt::Key_unknown, kMeaningless, isoNextGroup);
+
     EXPECT_TRUE(keys.empty());
     EXPECT_EQ(field.text(), "");
+}
+
+TEST_F(QtLocalKeysTest, AltGrIsNoModifierOfBindings) {
+    constexpr quint32 kIsoLevel3Shift = 0xFE03;
+    const auto monitored = monitor();
+
+    pressKey(window, Qt::Key_AltGr, kMeaningless, kIsoLevel3Shift);
+
+    EXPECT_EQ(keys, (Keys{{std::nullopt, 0}}));
 }
 
 TEST_F(QtLocalKeysTest, WindowShortcutsAreSuspendedWhileMonitoring) {

@@ -79,11 +79,24 @@ TEST_F(FittedTextTest, ATextThatIsTooWideInElevenPixelsEndsInAnEllipsis) {
     EXPECT_EQ(fullText(label), kText);
 }
 
-TEST_F(FittedTextTest, AsMuchOfATextAsPossibleIsShown) {
-    const QLabel& label = labelFor(8);
-    const auto shown = label.text().size() - 1; // may lack one: a space before the ellipsis is dropped
+TEST_F(FittedTextTest, AsManyWholeWordsAsPossibleAreShown) {
+    for (int width = widthOf("Zones\u2026", 11); width < widthOf(kText, 11); ++width) {
+        const QString shown = makeLabel(view, kText, {0, 0, width, 20})->text();
 
-    EXPECT_GT(widthOf(kText.first(shown + 2) + kEllipsis, 11), label.width());
+        const auto end = shown.size() - 1;
+        ASSERT_EQ(shown, kText.first(end) + kEllipsis);
+        EXPECT_EQ(kText.at(end), ' ') << shown.toStdString();
+        const auto nextEnd = kText.indexOf(' ', end + 1);
+        if (nextEnd > 0) {
+            EXPECT_GT(widthOf(kText.first(nextEnd) + kEllipsis, 11), width);
+        }
+    }
+}
+
+TEST_F(FittedTextTest, AFirstWordThatDoesNotFitIsCut) {
+    const QLabel& label = *makeLabel(view, kText, {0, 0, widthOf("Zon\u2026", 11) + 1, 20});
+
+    EXPECT_EQ(label.text(), QString("Zon") + kEllipsis);
 }
 
 TEST_F(FittedTextTest, ATextThatIsTooTallIsSetSmaller) {
