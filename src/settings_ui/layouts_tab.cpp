@@ -10,6 +10,7 @@
 #include "settings_ui/recorder_button.h"
 
 #include <QCheckBox>
+#include <QLabel>
 #include <QPushButton>
 #include <QShortcut>
 #include <QStringList>
@@ -65,8 +66,9 @@ LayoutsTab::~LayoutsTab() {
 }
 
 void LayoutsTab::addLayoutRow() {
-    makeLabel(m_view, QStringLiteral("Layout:"), {16, 15, 50, 18});
+    QLabel* const label = makeLabel(m_view, QStringLiteral("Layout:"), {16, 15, 50, 18});
     m_popup = new PopUpButton(m_view, {70, 11, 250, 26}, [this] { layoutChosen(); });
+    label->setBuddy(m_popup);
     m_popup->setAccessibleName(QStringLiteral("Layout"));
     makeButton(m_view, QStringLiteral("Save as..."), {330, 11, 90, 28}, [this] { saveLayout(); });
     m_deleteLayoutButton =
@@ -93,8 +95,9 @@ void LayoutsTab::addEditor() {
 }
 
 void LayoutsTab::addGrid() {
-    makeLabel(m_view, QStringLiteral("Snap to grid:"), {16, 382, 90, 18});
+    QLabel* const label = makeLabel(m_view, QStringLiteral("Snap to grid:"), {16, 382, 90, 18});
     m_gridPopup = new PopUpButton(m_view, {110, 378, 90, 26}, [this] { gridChosen(); });
+    label->setBuddy(m_gridPopup);
     m_gridPopup->setAccessibleName(QStringLiteral("Snap to grid"));
     for (const GridStep& step : kGridSteps)
         m_gridPopup->append(QString::fromLatin1(step.title), step.percent);
@@ -286,7 +289,7 @@ void LayoutsTab::clearHotkey() {
 void LayoutsTab::fieldsTyped() {
     selectedZone() = m_fields->typed(selectedZone());
     m_store.save(); // without a notification, which fieldsEnded() sends
-    m_editor->update();
+    m_editor->zonesChanged();
 }
 
 void LayoutsTab::fieldsEnded() {

@@ -4,6 +4,8 @@
 #include "qt_values/text.h"
 #include "settings_ui/kit/pixel_grid.h"
 
+#include <QAccessible>
+#include <QAccessibleWidget>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QKeySequence>
@@ -17,6 +19,7 @@
 #include <QString>
 #include <QStyle>
 #include <QStyleOptionTabWidgetFrame>
+#include <QTabBar>
 #include <QTabWidget>
 
 #include <algorithm>
@@ -53,6 +56,22 @@ void center(QWidget& window) {
     frame.moveCenter(room.center());
     window.move(std::max(frame.left(), room.left()), std::max(frame.top(), room.top()));
 }
+
+/// The window, as a class of its own, by which `makeAccessible` recognises it.
+class Window : public QWidget {
+public:
+    Window() : QWidget(nullptr, kWindowFlags) {
+        QAccessible::installFactory(makeAccessible); // Qt ignores a factory that is installed already
+    }
+
+private:
+    /// Makes the window a window for screen readers, which would take a bare widget for a part of one.
+    /// Returns null for all other objects; Qt then uses its own factories.
+    static QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* object) {
+        auto* const window = dynamic_cast<Window*>(object);
+        return window ? new QAccessibleWidget(window, QAccessible::Window) : nullptr;
+    }
+};
 
 /// A tab widget that paints the left border of its page itself. At fractional scales the style paints that
 /// border outside of the widget.
@@ -116,14 +135,16 @@ void SettingsWindowController::refreshAll() {
 }
 
 void SettingsWindowController::makeWindow() {
-    m_window = std::make_unique<QWidget>(nullptr, kWindowFlags);
+    m_window = std::make_unique<Window>();
     m_window->setWindowTitle(title());
     m_window->setFont(systemFont(13));
     m_window->setFixedSize(kWindowSize);
     m_tabs = new Tabs(m_window.get());
     m_tabs->setGeometry(kTabsFrame);
-    // The tab bar takes the focus instead, because it has an accessible name for every tab.
+    // The tab bar takes the focus instead, because it has an accessible name for every tab. It is the focus
+    // proxy of the tab widget, whose setter changes its policy, too.
     m_tabs->setFocusPolicy(Qt::NoFocus);
+    m_tabs->tabBar()->setFocusPolicy(Qt::StrongFocus);
     addTab(*m_layouts.view(), QStringLiteral("Layouts"));
     addTab(*m_shortcuts.view(), QStringLiteral("Shortcuts"));
     addTab(*m_general.view(), QStringLiteral("General"));

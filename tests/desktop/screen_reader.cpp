@@ -20,6 +20,7 @@ constexpr const char* kAction = "org.a11y.atspi.Action";
 constexpr const char* kComponent = "org.a11y.atspi.Component";
 constexpr const char* kProperties = "org.freedesktop.DBus.Properties";
 constexpr std::uint32_t kOfTheScreen = 0;
+constexpr std::uint32_t kLabelledBy = 2; // a type of relation
 
 // Bit positions of the AT-SPI states.
 constexpr unsigned kEnabled = 8;
@@ -94,10 +95,12 @@ std::string ScreenReader::property(const Reference& object, const char* name) co
 }
 
 std::vector<ScreenReader::Reference> ScreenReader::children(const Reference& object) const {
-    std::vector<Reference> all;
     const auto list = call(object, kAccessible, "GetChildren").value<QDBusArgument>();
-    if (list.currentType() != QDBusArgument::ArrayType)
-        return all;
+    return list.currentType() == QDBusArgument::ArrayType ? references(list) : std::vector<Reference>();
+}
+
+std::vector<ScreenReader::Reference> ScreenReader::references(const QDBusArgument& list) {
+    std::vector<Reference> all;
     list.beginArray();
     while (!list.atEnd()) {
         Reference child;
@@ -177,6 +180,28 @@ std::optional<Accessible> ScreenReader::find(std::string_view application, std::
 
 Accessible ScreenReader::look(const Accessible& before) const {
     return describe({QString::fromStdString(before.service), QString::fromStdString(before.path)});
+}
+
+std::vector<Accessible> ScreenReader::labels(const Accessible& part) const {
+    std::vector<Accessible> all;
+    const auto relations = call({QString::fromStdString(part.service), QString::fromStdString(part.path)},
+                                kAccessible, "GetRelationSet")
+                               .value<QDBusArgument>();
+    if (relations.currentType() != QDBusArgument::ArrayType)
+        return all;
+    relations.beginArray();
+    while (!relations.atEnd()) {
+        quint32 kind = 0;
+        relations.beginStructure();
+        relations >> kind;
+        const std::vector<Reference> targets = references(relations);
+        relations.endStructure();
+        if (kind == kLabelledBy)
+            std::ranges::transform(targets, std::back_inserter(all),
+                                   [this](const Reference& label) { return describe(label); });
+    }
+    relations.endArray();
+    return all;
 }
 
 bool ScreenReader::act(const Accessible& part) const {

@@ -3,6 +3,7 @@
 #include "support/x11/child_process.h"
 #include "support/x11/frame.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QList>
 #include <QString>
@@ -49,6 +50,8 @@ public:
                                                  std::string_view name) const;
     /// Reads the current state of a part again.
     [[nodiscard]] Accessible look(const Accessible& before) const;
+    /// Returns the parts that the program names as labels of a part.
+    [[nodiscard]] std::vector<Accessible> labels(const Accessible& part) const;
     /// Performs the first action of the part. Returns false if it has none.
     [[nodiscard]] bool act(const Accessible& part) const;
 
@@ -61,6 +64,8 @@ private:
     [[nodiscard]] QVariant call(const Reference& object, const char* interface, const char* method,
                                 const QList<QVariant>& arguments = {}) const;
     [[nodiscard]] std::string property(const Reference& object, const char* name) const;
+    /// Returns the elements of an array of references.
+    [[nodiscard]] static std::vector<Reference> references(const QDBusArgument& list);
     [[nodiscard]] std::vector<Reference> children(const Reference& object) const;
     [[nodiscard]] std::string roleOf(const Reference& object) const;
     [[nodiscard]] Accessible describe(const Reference& object) const;

@@ -285,6 +285,13 @@ TEST_F(LayoutsTabTest, ARefreshKeepsTextThatIsBeingTyped) {
     EXPECT_EQ(w()->text(), "25") << "the other fields are updated";
 }
 
+TEST_F(LayoutsTabTest, TheDescriptionOfThePictureFollowsATypedNumber) {
+    type(x(), "7");
+
+    EXPECT_TRUE(editor()->accessibleDescription().startsWith("Zone 1: left 7 %, top 0 %, "))
+        << editor()->accessibleDescription().toStdString();
+}
+
 // Hot keys
 
 TEST_F(LayoutsTabTest, ClearRemovesTheHotKeyOfTheZoneAndRefreshesAllTabs) {

@@ -14,6 +14,7 @@
 #include <QRectF>
 #include <QScreen>
 #include <QSlider>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
 #include <QWheelEvent>
@@ -136,6 +137,33 @@ TEST_F(SettingsWindowControllerTest, TheTabsAreInOrder) {
         EXPECT_EQ(tabs().tabText(position), labels[position]);
         EXPECT_EQ(tabs().widget(position)->objectName(), labels[position]);
     }
+}
+
+TEST_F(SettingsWindowControllerTest, TheTabKeyReachesTheRowOfTabsFromEveryTab) {
+    for (const Tab tab : {Tab::Layouts, Tab::Shortcuts, Tab::General, Tab::About}) {
+        controller.show(tab);
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+        QWidget* const bar = tabs().tabBar();
+        bar->setFocus();
+        QTest::keyClick(bar, Qt::Key_Tab);
+        ASSERT_NE(window().focusWidget(), bar);
+        for (int steps = 0; steps < 100 && window().focusWidget() != bar; ++steps)
+            QTest::keyClick(window().focusWidget(), Qt::Key_Tab);
+        EXPECT_EQ(window().focusWidget(), bar);
+        QTest::keyClick(bar, Qt::Key_Tab);
+        QTest::keyClick(window().focusWidget(), Qt::Key_Tab, Qt::ShiftModifier);
+        EXPECT_EQ(window().focusWidget(), bar) << "and back";
+    }
+}
+
+TEST_F(SettingsWindowControllerTest, TheArrowKeysChangeTheTab) {
+    controller.show(Tab::Layouts);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    tabs().tabBar()->setFocus();
+
+    QTest::keyClick(tabs().tabBar(), Qt::Key_Right);
+
+    EXPECT_EQ(tabs().currentIndex(), 1);
 }
 
 TEST_F(SettingsWindowControllerTest, EachViewIsCompletelyInsideItsTab) {

@@ -10,6 +10,10 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QString>
+#include <QStringList>
+
+#include <cstddef>
 
 namespace tessarel {
 
@@ -38,6 +42,12 @@ QAccessibleInterface* makeAccessible(const QString& /*className*/, QObject* obje
     return view ? new QAccessibleWidget(view, QAccessible::Graphic) : nullptr;
 }
 
+/// Returns the place of a zone as text, its number counted from 1.
+QString description(const Zone& zone, std::size_t number) {
+    return QStringLiteral("Zone %1: left %2 %, top %3 %, %4 % wide, %5 % high")
+        .arg(QString::number(number), fmtNum(zone.x), fmtNum(zone.y), fmtNum(zone.w), fmtNum(zone.h));
+}
+
 /// Calls `callback` unless it is empty.
 template <class... Arguments>
 void call(const std::function<void(Arguments...)>& callback, Arguments... arguments) {
@@ -54,11 +64,27 @@ ZoneEditorView::ZoneEditorView(AppSettings& settings, QWidget* parent)
     setAttribute(Qt::WA_OpaquePaintEvent);
     QAccessible::installFactory(makeAccessible); // Qt ignores a factory that is installed already
     setAccessibleName(QStringLiteral("Zones"));
+    describeZones();
 }
 
 void ZoneEditorView::setSelected(int selected) {
     m_editing.selected = selected;
+    zonesChanged();
+}
+
+void ZoneEditorView::zonesChanged() {
     update();
+    describeZones();
+}
+
+void ZoneEditorView::describeZones() {
+    QStringList zones;
+    for (std::size_t number = 1; const Zone& zone : m_settings.zones) {
+        if (zone.enabled)
+            zones.append(description(zone, number));
+        ++number;
+    }
+    setAccessibleDescription(zones.isEmpty() ? QStringLiteral("No zones") : zones.join(QStringLiteral(". ")));
 }
 
 ZoneEditorPicture ZoneEditorView::picture() const {
@@ -92,6 +118,7 @@ void ZoneEditorView::dragTo(const Point& point, Snapping snapping) {
     if (!m_editing.drag(point, bounds(), snapping))
         return;
     update(before.united(picture().extent(*m_editing.selectedZone())).toAlignedRect());
+    describeZones();
     call(onEdit);
 }
 
@@ -121,7 +148,7 @@ void ZoneEditorView::keyPressEvent(QKeyEvent* event) {
 void ZoneEditorView::disableSelected() {
     if (!m_editing.disableSelected())
         return;
-    update();
+    zonesChanged();
     call(onCommit);
     call(onSelect, selected());
 }

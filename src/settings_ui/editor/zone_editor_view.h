@@ -13,7 +13,8 @@ namespace tessarel {
 /// A picture of the screen in which the user selects, moves, resizes and disables zones.
 ///
 /// The view edits the zones of the settings in memory and never saves. Its owner saves them, and calls
-/// `update()` after changing zones itself.
+/// `zonesChanged()` after changing zones itself. For screen readers the description of the view lists the
+/// zones.
 class ZoneEditorView : public QWidget {
 public:
     /// `settings` must outlive the view.
@@ -31,8 +32,11 @@ public:
 
     /// Returns the position of the selected zone, which need not be in the list.
     [[nodiscard]] int selected() const { return m_editing.selected; }
-    /// Selects a zone without calling `onSelect`.
+    /// Selects a zone without calling `onSelect`, and shows the current zones.
     void setSelected(int selected);
+
+    /// Shows the current zones.
+    void zonesChanged();
 
     /// Disables the selected zone, which keeps its position and numbers, as the Delete key does. Does nothing
     /// if the selection is not in the list.
@@ -49,6 +53,8 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    /// Updates the description, of which screen readers are notified if it differs.
+    void describeZones();
     /// Applies the drag up to `point` and repaints the zone.
     void dragTo(const Point& point, ZoneEditing::Snapping snapping);
     /// Ends the drag, if there is one.

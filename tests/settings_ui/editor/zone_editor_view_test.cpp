@@ -245,6 +245,31 @@ TEST_F(ZoneEditorViewTest, ItIsAccessibleAsAGraphic) {
     EXPECT_EQ(told->text(QAccessible::Name), "Zones");
 }
 
+TEST_F(ZoneEditorViewTest, ItsDescriptionListsTheEnabledZones) {
+    put({Presets::z(0, 0, 100.0 / 3, 50), {false, 1, 2, 3, 4}, Presets::z(12.5, 50, 87.5, 50)});
+    view->zonesChanged();
+
+    EXPECT_EQ(view->accessibleDescription(), "Zone 1: left 0 %, top 0 %, 33.33 % wide, 50 % high. "
+                                             "Zone 3: left 12.5 %, top 50 %, 87.5 % wide, 50 % high");
+    put({});
+    view->zonesChanged();
+    EXPECT_EQ(view->accessibleDescription(), "No zones");
+}
+
+TEST_F(ZoneEditorViewTest, ItsDescriptionFollowsEachChange) {
+    put({Presets::z(20, 20, 20, 20)});
+    view->setSelected(0);
+    EXPECT_EQ(view->accessibleDescription(), "Zone 1: left 20 %, top 20 %, 20 % wide, 20 % high");
+
+    press(30, 30);
+    move(40, 30, Qt::ShiftModifier);
+    EXPECT_EQ(view->accessibleDescription(), "Zone 1: left 30 %, top 20 %, 20 % wide, 20 % high");
+
+    release(40, 30);
+    QTest::keyClick(view.get(), Qt::Key_Delete);
+    EXPECT_EQ(view->accessibleDescription(), "No zones");
+}
+
 TEST_F(ZoneEditorViewTest, TheCursorShowsWhatAPressWouldDo) {
     struct Case {
         QPointF place;
