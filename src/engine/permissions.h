@@ -13,6 +13,8 @@ public:
     [[nodiscard]] bool isTrusted() const { return m_trust.isTrusted(); }
     /// Lets the system explain to the user how to grant it.
     void prompt() { m_trust.prompt(); }
+    /// Returns whether the system has a place where the user grants it.
+    [[nodiscard]] bool hasSettings() const { return m_trust.hasSettings(); }
     /// Opens the place where the user can grant it, if the system has one.
     void openSettings() { m_trust.openSettings(); }
 

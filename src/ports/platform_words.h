@@ -23,6 +23,12 @@ struct PlatformWords {
     /// Full names of the modifiers that can be chosen as trigger.
     std::string controlKey = "Control";
     std::string commandKey = "Command";
+    /// Heading above the state of the permission, and the state while the program is trusted.
+    std::string permission = "Accessibility permission";
+    std::string trusted = "Granted. Tessarel can move and resize windows.";
+    /// Title of the button below the state. Without settings of the system, it is shown only while the
+    /// program is not trusted.
+    std::string openPermission = "Open Accessibility settings";
     /// What to do while the program is not trusted.
     std::string notTrusted = "Not granted yet. Switch Tessarel on in the Accessibility list.";
     /// Name of the user's computer within a sentence.

@@ -14,7 +14,10 @@ public:
     /// program is trusted.
     virtual void prompt() = 0;
 
-    /// Opens the place where the user can grant the permission or read how to; does nothing if there is none.
+    /// Returns whether the system has a place where the user grants the permission and takes it back.
+    [[nodiscard]] virtual bool hasSettings() const = 0;
+
+    /// Opens that place; does nothing if there is none.
     virtual void openSettings() = 0;
 };
 

@@ -89,7 +89,7 @@ int run(const char* programName) {
     qt::QtAppearance appearance;
     qt::QtAlerts alerts({.beforeMaking = [&appearance] { appearance.apply(); }});
     qt::QtOpenUrl openUrl;
-    x11::X11Desktop desktop(*connection, session, queue, alerts, openUrl,
+    x11::X11Desktop desktop(*connection, session, queue, alerts,
                             [&queue](int fd, std::function<void()> readable) {
                                 return queue.onReadable(fd, std::move(readable));
                             });

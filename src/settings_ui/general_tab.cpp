@@ -127,10 +127,10 @@ void GeneralTab::buildTriggerPopup(QLabel& label) {
 }
 
 void GeneralTab::buildPermission() {
-    makeLabel(m_view, QStringLiteral("Accessibility permission"), {16, 346, 250, 20}, kHeading);
+    makeLabel(m_view, toQString(m_context.ports.words.permission), {16, 346, 250, 20}, kHeading);
     m_accLabel = makeLabel(m_view, {}, {16, 374, 440, 18});
-    makeButton(m_view, QStringLiteral("Open Accessibility settings"), {16, 400, 210, 28},
-               [this] { openAccessibility(); });
+    m_accButton = makeButton(m_view, toQString(m_context.ports.words.openPermission), {16, 400, 210, 28},
+                             [this] { openAccessibility(); });
 }
 
 void GeneralTab::buildIgnored() {
@@ -192,11 +192,10 @@ void GeneralTab::showRemembered() {
 }
 
 void GeneralTab::showPermission() {
-    // The back end supplies the text for a missing permission, because the remedy differs by platform.
+    const PlatformWords& words = m_context.ports.words;
     const bool isTrusted = m_context.services.permissions.isTrusted();
-    setFittedText(*m_accLabel, isTrusted
-                                   ? QStringLiteral("Granted. %1 can move and resize windows.").arg(appName())
-                                   : toQString(m_context.ports.words.notTrusted));
+    setFittedText(*m_accLabel, toQString(isTrusted ? words.trusted : words.notTrusted));
+    m_accButton->setVisible(!isTrusted || m_context.services.permissions.hasSettings());
 }
 
 void GeneralTab::reloadTable() {

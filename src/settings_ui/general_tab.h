@@ -73,6 +73,7 @@ private:
     QCheckBox* m_edgeBox = nullptr;
     QListWidget* m_table = nullptr;
     QLabel* m_accLabel = nullptr;
+    QPushButton* m_accButton = nullptr;
     QCheckBox* m_rememberBox = nullptr;
     QPushButton* m_forgetButton = nullptr;
 };

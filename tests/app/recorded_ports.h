@@ -159,6 +159,7 @@ private:
             return false;
         }
         void prompt() override { record.note("prompt"); }
+        [[nodiscard]] bool hasSettings() const override { return true; }
         void openSettings() override { record.note("open the system's settings"); }
         RecordedPorts& record;
     };

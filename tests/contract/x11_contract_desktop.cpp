@@ -197,7 +197,6 @@ private:
     std::unique_ptr<TestClient> m_holder; // the client that grabs key combinations
 
     sim::SimAlerts m_alerts;
-    sim::SimOpenUrl m_openUrl;
     x11::Monitors m_monitors{m_line.connection()};
     x11::ClientWindows m_windows{m_line.connection()};
     x11::X11Displays m_displays{m_line.connection(), m_monitors, [this] { return m_windows.activeFrame(); }};
@@ -212,7 +211,7 @@ private:
         x11::keyDown, [this](std::uint32_t keycode) { return x11::isKeyHeld(m_line.connection(), keycode); }};
     x11::X11Mouse m_mouse{m_line.connection(), m_monitors, m_windows, m_line.queue()};
     x11::X11Bell m_bell{m_line.connection()};
-    x11::X11Trust m_trust{m_line.connection(), x11::Session::X11, m_line.queue(), m_alerts, m_openUrl};
+    x11::X11Trust m_trust{m_line.connection(), x11::Session::X11, m_line.queue(), m_alerts};
 };
 
 X11ContractDesktop::Application& X11ContractDesktop::owner(xcb_window_t window) {

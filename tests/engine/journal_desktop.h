@@ -67,6 +67,7 @@ private:
         explicit Trust(JournalDesktop& owner) : desktop(owner) {}
         [[nodiscard]] bool isTrusted() override { return desktop.trust().trusted; }
         void prompt() override { desktop.m_journal.emplace_back("prompt"); }
+        [[nodiscard]] bool hasSettings() const override { return true; }
         void openSettings() override { desktop.m_journal.emplace_back("open settings"); }
         JournalDesktop& desktop;
     };

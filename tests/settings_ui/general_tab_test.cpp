@@ -276,6 +276,16 @@ TEST_F(GeneralTabTest, ShowsWhetherThePermissionIsGranted) {
     EXPECT_EQ(fullText(accLabel), "Not granted yet. Switch Tessarel on in the Accessibility list.");
 }
 
+TEST_F(GeneralTabTest, TheAccessButtonIsShownWhileThereAreSettingsOrTheProgramIsNotTrusted) {
+    for (const bool hasSettings : {true, false})
+        for (const bool isTrusted : {true, false}) {
+            desktop.trust().systemHasSettings = hasSettings;
+            desktop.trust().trusted = isTrusted;
+            tab.refresh();
+            EXPECT_EQ(accessButton.isHidden(), isTrusted && !hasSettings) << hasSettings << isTrusted;
+        }
+}
+
 TEST_F(GeneralTabTest, TheAccessButtonPromptsAndOpensTheSystemsSettings) {
     desktop.trust().trusted = false;
 
@@ -298,7 +308,10 @@ TEST_F(GeneralTabTest, TheTextsUseTheWordsOfTheSystem) {
     words.otherEdgeTiling = "Your window manager may have its own edge tiling";
     words.controlKey = "Ctrl";
     words.commandKey = "Super";
+    words.permission = "Moving windows";
+    words.openPermission = "Why not?";
     words.notTrusted = "There is no display.";
+    words.trusted = "It works.";
     const Ports here = simPorts(desktop, copy, words);
     GeneralTab elsewhere({services, here, {}});
     desktop.trust().trusted = false;
@@ -306,7 +319,13 @@ TEST_F(GeneralTabTest, TheTextsUseTheWordsOfTheSystem) {
 
     EXPECT_EQ(at<QComboBox>(*elsewhere.view(), {222, 208, 150, 26}).itemText(1), "Ctrl");
     EXPECT_EQ(at<QComboBox>(*elsewhere.view(), {222, 208, 150, 26}).itemText(2), "Super");
-    EXPECT_EQ(fullText(at<QLabel>(*elsewhere.view(), {16, 374, 440, 18})), "There is no display.");
+    EXPECT_EQ(fullText(at<QLabel>(*elsewhere.view(), {16, 346, 250, 20})), "Moving windows");
+    EXPECT_EQ(fullText(at<QPushButton>(*elsewhere.view(), {16, 400, 210, 28})), "Why not?");
+    QLabel& state = at<QLabel>(*elsewhere.view(), {16, 374, 440, 18});
+    EXPECT_EQ(fullText(state), "There is no display.");
+    desktop.trust().trusted = true;
+    elsewhere.refresh();
+    EXPECT_EQ(fullText(state), "It works.");
     EXPECT_EQ(
         fullText(at<QLabel>(*elsewhere.view(), {36, 270, 400, 50})),
         "Edges give halves, corners give quarters, the top edge maximizes. Your window manager may have its "

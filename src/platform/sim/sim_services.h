@@ -87,12 +87,14 @@ public:
         ++promptCalls;
         prompts += trusted ? 0 : 1;
     }
+    [[nodiscard]] bool hasSettings() const override { return systemHasSettings; }
     void openSettings() override {
         ++settingsOpened;
         promptsBeforeSettings = prompts;
     }
 
     bool trusted = true;
+    bool systemHasSettings = true;
     int promptCalls = 0;           ///< calls of `prompt`, including those while trusted
     int prompts = 0;               ///< prompts that the user has seen
     int settingsOpened = 0;        ///< calls of `openSettings`

@@ -14,6 +14,9 @@ namespace tessarel::x11 {
             .otherEdgeTiling = "Your window manager may have its own edge tiling",
             .controlKey = "Control",
             .commandKey = "Super",
+            .permission = "Moving windows",
+            .trusted = "Tessarel can move and resize windows.",
+            .openPermission = "What is missing?",
             .notTrusted = "Not possible yet. The button below tells what is missing.",
             .thisComputer = "this computer"};
 }

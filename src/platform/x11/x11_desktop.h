@@ -23,7 +23,6 @@
 #include "platform/xdg/login_item.h"
 #include "ports/alerts_port.h"
 #include "ports/main_queue_port.h"
-#include "ports/open_url_port.h"
 
 #include <utility>
 
@@ -36,7 +35,7 @@ struct X11Desktop {
     /// All referenced objects must outlive the desktop. `onReadable` adds a file descriptor to the event
     /// loop.
     X11Desktop(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
-               OpenUrlPort& openUrl, xdg::OnReadable onReadable)
+               xdg::OnReadable onReadable)
         : monitors(connection), windows(connection), applications(windows),
           watch(connection, windows, applications),
           accessibility(connection, monitors, windows, applications, watch),
@@ -45,7 +44,7 @@ struct X11Desktop {
           loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
           mouse(connection, monitors, windows, queue),
           preferences(xdg::FilePreferences::userFolder(), std::move(onReadable)), singleInstance(connection),
-          trust(connection, session, queue, alerts, openUrl), windowList(connection, monitors, windows),
+          trust(connection, session, queue, alerts), windowList(connection, monitors, windows),
           workspace(applications, watch) {}
     X11Desktop(const X11Desktop&) = delete;
     X11Desktop& operator=(const X11Desktop&) = delete;

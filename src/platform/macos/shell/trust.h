@@ -14,6 +14,7 @@ public:
     [[nodiscard]] bool isTrusted() override;
     /// Shows the system's own dialog, which also adds the application to the list. Does not wait for it.
     void prompt() override;
+    [[nodiscard]] bool hasSettings() const override { return true; }
     /// Opens the system's settings at the list of permitted applications.
     void openSettings() override;
 

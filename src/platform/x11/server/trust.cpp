@@ -52,10 +52,9 @@ Session sessionOf(Connection& connection, const char* waylandDisplay, const char
     return isXwayland ? Session::Wayland : Session::X11;
 }
 
-X11Trust::X11Trust(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
-                   OpenUrlPort& openUrl)
+X11Trust::X11Trust(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts)
     : m_connection(connection), m_windowManager(connection), m_session(session), m_queue(queue),
-      m_alerts(alerts), m_openUrl(openUrl), m_startedAt(queue.now()) {}
+      m_alerts(alerts), m_startedAt(queue.now()) {}
 
 bool X11Trust::isTrusted() {
     return m_session == Session::X11 && m_windowManager.state().suffices();
@@ -103,10 +102,6 @@ Alert X11Trust::explanation() {
                                 " needs: " + joined(m_windowManager.state().missingHints) + ".";
     }
     return alert;
-}
-
-void X11Trust::openSettings() {
-    m_openUrl.open(std::string(Config::websiteURL) + "docs/platforms");
 }
 
 } // namespace tessarel::x11

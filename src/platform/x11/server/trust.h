@@ -6,7 +6,6 @@
 #include "platform/x11/server/window_manager_check.h"
 #include "ports/alerts_port.h"
 #include "ports/main_queue_port.h"
-#include "ports/open_url_port.h"
 #include "ports/trust_port.h"
 
 #include <chrono>
@@ -28,8 +27,7 @@ enum class Session { X11, Wayland };
 class X11Trust : public TrustPort {
 public:
     /// All referenced objects must outlive this one.
-    X11Trust(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
-             OpenUrlPort& openUrl);
+    X11Trust(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts);
     X11Trust(const X11Trust&) = delete;
     X11Trust& operator=(const X11Trust&) = delete;
     ~X11Trust() override = default;
@@ -47,8 +45,9 @@ public:
     /// or open.
     void prompt() override;
 
-    /// Opens the web page about supported platforms: there is no system setting to change.
-    void openSettings() override;
+    // There is no system setting to change: the alert says all there is to know.
+    [[nodiscard]] bool hasSettings() const override { return false; }
+    void openSettings() override {}
 
 private:
     [[nodiscard]] Alert explanation();
@@ -60,7 +59,6 @@ private:
     Session m_session;
     MainQueuePort& m_queue;
     AlertsPort& m_alerts;
-    OpenUrlPort& m_openUrl;
     MainQueuePort::TimePoint m_startedAt;
     Lifetime m_lifetime;
     SubscriptionPtr m_prompt;    // null unless an alert is pending or open

@@ -76,14 +76,13 @@ const std::vector<const char*> kAllHints{"_NET_ACTIVE_WINDOW", "_NET_CLIENT_LIST
 class X11TrustTest : public testing::Test {
 protected:
     [[nodiscard]] std::unique_ptr<X11Trust> makeTrust(Session session) {
-        return std::make_unique<X11Trust>(loop.connection(), session, loop.queue(), alerts, openUrl);
+        return std::make_unique<X11Trust>(loop.connection(), session, loop.queue(), alerts);
     }
 
     x11test::XServer server;
     x11test::Observer observer{server.display()};
     EventLoop loop{server.display()};
     EventfulAlerts alerts;
-    sim::SimOpenUrl openUrl;
     std::unique_ptr<X11Trust> trust = makeTrust(Session::X11);
 };
 
@@ -296,11 +295,8 @@ TEST_F(X11TrustTest, TheTrustMayBeDestroyedWhileItsAlertIsPendingOrShown) {
     EXPECT_EQ(alerts.shown.size(), 1U);
 }
 
-TEST_F(X11TrustTest, OpenSettingsOpensAPageOfOurWebsite) {
-    trust->openSettings();
-
-    ASSERT_EQ(openUrl.opened.size(), 1U);
-    EXPECT_TRUE(openUrl.opened[0].starts_with(Config::websiteURL));
+TEST_F(X11TrustTest, TheSystemHasNoSettingsToOpen) {
+    EXPECT_FALSE(trust->hasSettings());
 }
 
 TEST_F(X11TrustTest, NothingIsTrustedOnceTheServerIsGone) {
@@ -316,8 +312,7 @@ TEST_P(X11TrustWindowManagerTest, IsTrustedUntilItIsKilled) {
     x11test::WindowManager manager(server, GetParam());
     EventLoop loop(server.display());
     sim::SimAlerts alerts;
-    sim::SimOpenUrl openUrl;
-    X11Trust trust(loop.connection(), Session::X11, loop.queue(), alerts, openUrl);
+    X11Trust trust(loop.connection(), Session::X11, loop.queue(), alerts);
     EXPECT_TRUE(trust.isTrusted());
     x11test::Observer observer(server.display());
 
