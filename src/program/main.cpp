@@ -5,16 +5,17 @@
 #include "platform/qt/qt_messages.h"
 #include "platform/qt/qt_open_panel.h"
 #include "platform/qt/qt_open_url.h"
-#include "platform/qt/qt_own_application.h"
 #include "platform/qt/qt_url_loading_module.h"
 #include "platform/qt/system_wall_clock.h"
 #include "platform/qt_x11/overlay/x11_overlay.h"
 #include "platform/qt_x11/pointer_crossings.h"
 #include "platform/qt_x11/qt_local_keys.h"
+#include "platform/qt_x11/qt_x11_application.h"
 #include "platform/qt_x11/tray/qt_status_item.h"
 #include "platform/qt_xdg/qt_appearance.h"
 #include "platform/x11/input/key_lookup.h"
 #include "platform/x11/server/connection.h"
+#include "platform/x11/windows/bring_to_user.h"
 #include "platform/x11/x11_desktop.h"
 #include "program/qt_program.h"
 #include "settings_ui/settings_window_controller.h"
@@ -99,7 +100,8 @@ int run(const char* programName) {
                               [&desktop](const std::filesystem::path& file) {
                                   return desktop.applications.identifierOfEntry(file);
                               });
-    qt::QtOwnApplication application;
+    qt::QtX11Application application(
+        [&link = *connection](xcb_window_t window) { x11::bringToUser(link, window); });
     qt::X11Overlay overlay(queue,
                            [&desktop](const Rect& screenFrame) { return desktop.rootPixels(screenFrame); });
     qt::QtStatusItem statusItem(queue);

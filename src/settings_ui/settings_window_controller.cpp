@@ -121,6 +121,10 @@ void SettingsWindowController::show(std::optional<Tab> tab) {
     refreshAll();
     if (tab)
         m_tabs->setCurrentIndex(static_cast<int>(*tab));
+    // A back end may move the window to the user, whereas some window managers show the desktop on which it
+    // was minimised.
+    if (m_window->isMinimized())
+        m_ports.application.activate();
     m_window->setWindowState(m_window->windowState() & ~Qt::WindowMinimized);
     m_window->show();
     m_window->raise();

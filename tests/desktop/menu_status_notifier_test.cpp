@@ -6,8 +6,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <regex>
 #include <string>
 
@@ -21,17 +19,6 @@ using testing::Not;
 /// The program with a panel that gets the menu over the session bus and draws it itself.
 class MenuStatusNotifierTest : public testing::Test {
 protected:
-    static Environment withBus(const XServer& server, const DesktopBus& bus) {
-        Environment environment = server.environment();
-        environment["DBUS_SESSION_BUS_ADDRESS"] = bus.address();
-        // Qt leaks D-Bus calls whose replies are still pending on exit.
-        const std::filesystem::path suppressions = server.configHome() / "leaks";
-        std::filesystem::create_directories(suppressions.parent_path());
-        std::ofstream(suppressions) << "leak:libQt6DBus\n";
-        environment["LSAN_OPTIONS"] = "print_suppressions=0:suppressions=" + suppressions.string();
-        return environment;
-    }
-
     MenuStatusNotifierTest() {
         writeSettings(server, kUsualSettings);
         EXPECT_TRUE(observer.waitUntil([&] { return desktop.isThere(); })) << panel->errors();
@@ -56,7 +43,7 @@ protected:
 
     XServer server{{.width = 1000, .height = 700}};
     DesktopBus bus{server.environment()};
-    Environment environment = withBus(server, bus);
+    Environment environment = bus.environmentOn(server);
     WindowManager manager{server, WindowManagerKind::Openbox};
     Observer observer{server.display()};
     Keyboard keyboard{server, observer};

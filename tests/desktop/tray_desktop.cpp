@@ -100,6 +100,17 @@ DesktopBus::DesktopBus(const Environment& environment)
     start();
 }
 
+Environment DesktopBus::environmentOn(const XServer& server) const {
+    Environment environment = server.environment();
+    environment["DBUS_SESSION_BUS_ADDRESS"] = m_address;
+    // Qt leaks D-Bus calls whose replies are still pending on exit.
+    const std::filesystem::path suppressions = server.configHome() / "leaks";
+    std::filesystem::create_directories(suppressions.parent_path());
+    std::ofstream(suppressions) << "leak:libQt6DBus\n";
+    environment["LSAN_OPTIONS"] = "print_suppressions=0:suppressions=" + suppressions.string();
+    return environment;
+}
+
 void DesktopBus::start() {
     m_process.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
                                                "--print-address", "--address=" + m_address},

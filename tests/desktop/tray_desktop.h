@@ -23,6 +23,8 @@ public:
 
     /// Returns the address, which stays the same when the bus is restarted.
     [[nodiscard]] const std::string& address() const { return m_address; }
+    /// Returns the environment of programs on `server` that use this bus.
+    [[nodiscard]] Environment environmentOn(const XServer& server) const;
     void kill() { m_process.reset(); }
     void start();
 

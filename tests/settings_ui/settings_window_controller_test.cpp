@@ -229,10 +229,12 @@ TEST_F(SettingsWindowControllerTest, ShowingBringsTheProgramToTheFront) {
 TEST_F(SettingsWindowControllerTest, ShowingRestoresAMinimizedWindow) {
     controller.show();
     window().showMinimized();
+    const int before = desktop.ownApplication().activations;
 
     controller.show();
 
     EXPECT_FALSE(window().isMinimized());
+    EXPECT_EQ(desktop.ownApplication().activations, before + 2) << "already while it is minimised";
 }
 
 /// Turns the wheel over a control by one notch down and one up.

@@ -1,8 +1,9 @@
 #include "platform/x11/server/single_instance.h"
 
+#include "platform/x11/server/server_time.h"
+
 #include <xcb/xcb.h>
 
-#include <chrono>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -48,7 +49,6 @@ public:
 
 private:
     [[nodiscard]] xcb_window_t owner();
-    [[nodiscard]] xcb_timestamp_t serverTime();
     [[nodiscard]] bool tell(xcb_window_t owner);
     void handle(const Connection::Event& event);
 
@@ -63,9 +63,8 @@ private:
 Instance::Instance(Connection& connection, std::function<void()> reopened)
     : m_connection(connection), m_reopened(std::move(reopened)), m_window(xcb_generate_id(connection.xcb())),
       m_events(connection.onEvent([this](const Connection::Event& event) { handle(event); })) {
-    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_create_window(connection.xcb(), XCB_COPY_FROM_PARENT, m_window, connection.root(), -1, -1, 1, 1, 0,
-                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events);
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
     const auto selection =
         askForAtom(connection, "_TESSAREL_INSTANCE_S" + std::to_string(connection.screenNumber()));
     const auto reopen = askForAtom(connection, "_TESSAREL_REOPEN");
@@ -83,7 +82,8 @@ Instance::~Instance() {
 
 bool Instance::takeSelection() {
     const ServerGrab nobodyElse(m_connection);
-    const xcb_timestamp_t now = serverTime();
+    // ICCCM wants a selection claimed with a time, and no event has led to this claim.
+    const xcb_timestamp_t now = serverTime(m_connection);
     const xcb_window_t present = owner();
     if (present != XCB_WINDOW_NONE && tell(present))
         return false;
@@ -95,26 +95,6 @@ xcb_window_t Instance::owner() {
     const auto reply = m_connection.reply<xcb_get_selection_owner_reply>(
         xcb_get_selection_owner(m_connection.xcb(), m_selection));
     return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
-}
-
-/// Returns a server timestamp, or XCB_CURRENT_TIME when the server does not reply within a second.
-///
-/// ICCCM wants a selection claimed with the timestamp of an event. No event has led to this claim, so an
-/// empty append to a property of this client's window provides one: its PropertyNotify carries the server's
-/// time.
-xcb_timestamp_t Instance::serverTime() {
-    xcb_change_property(m_connection.xcb(), XCB_PROP_MODE_APPEND, m_window, m_selection, XCB_ATOM_INTEGER, 32,
-                        0, nullptr);
-    xcb_timestamp_t time = XCB_CURRENT_TIME;
-    const auto takeTime = [&](const Connection::Event& event) {
-        const auto& change = reinterpret_cast<const xcb_property_notify_event_t&>(event);
-        if (event.response_type != XCB_PROPERTY_NOTIFY || change.window != m_window)
-            return false;
-        time = change.time;
-        return true;
-    };
-    m_connection.waitFor(takeTime, std::chrono::seconds(1));
-    return time;
 }
 
 /// Sends the reopen message to `owner`. Returns false when the window does not exist.

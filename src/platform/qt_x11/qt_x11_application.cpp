@@ -1,0 +1,41 @@
+#include "platform/qt_x11/qt_x11_application.h"
+
+#include "platform/qt_x11/qt_connection.h"
+
+#include <QApplication>
+#include <QWidget>
+#include <QWidgetList>
+#include <xcb/xcb.h>
+
+#include <algorithm>
+
+namespace tessarel::qt {
+
+namespace {
+
+/// Waits until the server has processed what Qt has sent, such as the request to map a window. Requests on
+/// another connection come later then.
+void waitForRequests() {
+    if (xcb_connection_t* const xcb = qtConnection())
+        const Reply<xcb_get_input_focus_reply_t> reply(
+            xcb_get_input_focus_reply(xcb, xcb_get_input_focus(xcb), nullptr));
+}
+
+bool isVisibleWindow(const QWidget* widget) {
+    const Qt::WindowType type = widget->windowType();
+    return widget->isVisible() && (type == Qt::Window || type == Qt::Dialog);
+}
+
+} // namespace
+
+void QtX11Application::activate() {
+    QWidgetList windows = QApplication::topLevelWidgets();
+    windows.removeIf([](const QWidget* window) { return !isVisibleWindow(window); });
+    std::stable_partition(windows.begin(), windows.end(),
+                          [](const QWidget* window) { return !window->isModal(); });
+    waitForRequests();
+    for (const QWidget* const window : windows)
+        m_bringToUser(static_cast<std::uint32_t>(window->winId()));
+}
+
+} // namespace tessarel::qt

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/x11/server/connection.h"
+
+namespace tessarel::x11 {
+
+/// Brings a mapped or minimised window to the current virtual desktop, in front of all others, and gives it
+/// the focus.
+///
+/// Use it when the user has asked for the window. The window manager may not know that, because the request
+/// came from another process, and would keep the window from taking the focus. So the requests are those of a
+/// pager, which the user operates, and have the present time of the server. Takes up to four round trips; the
+/// server has processed the requests when it returns.
+void bringToUser(Connection& connection, xcb_window_t window);
+
+} // namespace tessarel::x11
