@@ -31,7 +31,7 @@ struct Shell {
     Store store{desktop.preferences()};
     Runtime runtime;
     Permissions permissions{desktop.trust()};
-    StatusMenu statusMenu{store, permissions, runtime, {}};
+    StatusMenu statusMenu{store, permissions, runtime, {}, desktop.keyNames()};
 };
 
 void rebuildMenu(benchmark::State& state) {

@@ -7,6 +7,7 @@
 #include "ports/application_port.h"
 #include "ports/displays_port.h"
 #include "ports/hot_key_port.h"
+#include "ports/key_names_port.h"
 #include "ports/local_keys_port.h"
 #include "ports/login_item_port.h"
 #include "ports/main_menu_port.h"
@@ -34,6 +35,7 @@ struct Ports {
     ApplicationPort& application;
     DisplaysPort& displays;
     HotKeyPort& hotKeys;
+    KeyNamesPort& keyNames;
     LocalKeysPort& localKeys;
     LoginItemPort& loginItem;
     MainMenuPort& mainMenu;

@@ -38,8 +38,9 @@ int tagOf(ActionID action) {
 } // namespace
 
 StatusMenu::StatusMenu(const Store& store, const Permissions& permissions, const Runtime& runtime,
-                       const ModifierNames& modifierNames)
-    : m_store(store), m_permissions(permissions), m_runtime(runtime), m_modifierNames(modifierNames) {}
+                       const ModifierNames& modifierNames, KeyNamesPort& keyNames)
+    : m_store(store), m_permissions(permissions), m_runtime(runtime), m_modifierNames(modifierNames),
+      m_keyNames(keyNames) {}
 
 Menu StatusMenu::rebuild() const {
     Menu menu;
@@ -82,7 +83,10 @@ void StatusMenu::addZoneItems(Menu& menu) const {
 MenuItem StatusMenu::actionItem(ActionID action) const {
     std::string title(action.title());
     if (const std::optional<Binding> binding = m_store.binding(action))
-        title += "   (" + KeyNames::describe(binding, m_modifierNames) + ")";
+        title += "   (" +
+                 KeyNames::describe(binding, m_modifierNames,
+                                    [this](std::int64_t keyCode) { return m_keyNames.name(keyCode); }) +
+                 ")";
     return item(std::move(title), MenuCommand::RunMenuAction, tagOf(action));
 }
 

@@ -6,6 +6,7 @@
 #include "model/key_names.h"
 #include "model/layout.h"
 #include "model/store.h"
+#include "ports/key_names_port.h"
 #include "ports/menu.h"
 
 #include <optional>
@@ -19,7 +20,7 @@ class StatusMenu {
 public:
     /// `store`, `permissions` and `runtime` must outlive the menu.
     StatusMenu(const Store& store, const Permissions& permissions, const Runtime& runtime,
-               const ModifierNames& modifierNames);
+               const ModifierNames& modifierNames, KeyNamesPort& keyNames);
 
     /// Returns the whole menu for the current settings, pause and permission.
     [[nodiscard]] Menu rebuild() const;
@@ -42,6 +43,7 @@ private:
     const Permissions& m_permissions;
     const Runtime& m_runtime;
     ModifierNames m_modifierNames;
+    KeyNamesPort& m_keyNames;
 };
 
 } // namespace tessarel

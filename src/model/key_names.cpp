@@ -33,7 +33,8 @@ std::string KeyNames::name(std::int64_t keyCode) {
     return std::string(entry->name);
 }
 
-std::string KeyNames::describe(const std::optional<Binding>& binding, const ModifierNames& modifierNames) {
+std::string KeyNames::describe(const std::optional<Binding>& binding, const ModifierNames& modifierNames,
+                               const Naming& nameOf) {
     if (!binding)
         return "None";
 
@@ -48,7 +49,7 @@ std::string KeyNames::describe(const std::optional<Binding>& binding, const Modi
         if ((binding->mods & bit) != 0)
             text.append(modifierName).append("+");
     }
-    return text + name(binding->keyCode);
+    return text + nameOf(binding->keyCode);
 }
 
 } // namespace tessarel

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,6 +22,9 @@ struct ModifierNames {
 /// Short names of keys and hot keys, as shown to the user.
 class KeyNames {
 public:
+    /// Returns the name of the key with a virtual key code.
+    using Naming = std::function<std::string(std::int64_t keyCode)>;
+
     struct Entry {
         std::int64_t keyCode;
         std::string_view name;
@@ -33,9 +37,10 @@ public:
     [[nodiscard]] static std::string name(std::int64_t keyCode);
 
     /// Returns the text for a hot key, as in "Ctrl+Opt+Return", or "None" without a binding. Ignores modifier
-    /// bits other than the four.
+    /// bits other than the four. `nameOf` names the key.
     [[nodiscard]] static std::string describe(const std::optional<Binding>& binding,
-                                              const ModifierNames& modifierNames = {});
+                                              const ModifierNames& modifierNames = {},
+                                              const Naming& nameOf = name);
 };
 
 } // namespace tessarel

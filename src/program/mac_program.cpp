@@ -88,6 +88,7 @@ Ports MacProgram::ports() {
             .application = m_application,
             .displays = m_desktop.displays,
             .hotKeys = m_desktop.hotKeys,
+            .keyNames = m_desktop.keyNames,
             .localKeys = m_desktop.localKeys,
             .loginItem = m_desktop.loginItem,
             .mainMenu = m_desktop.mainMenu,

@@ -115,6 +115,7 @@ int run(const char* programName) {
                            .application = application,
                            .displays = desktop.displays,
                            .hotKeys = desktop.hotKeys,
+                           .keyNames = desktop.keyNames,
                            .localKeys = localKeys,
                            .loginItem = desktop.loginItem,
                            .mainMenu = desktop.mainMenu,

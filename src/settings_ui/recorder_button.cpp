@@ -39,7 +39,8 @@ std::optional<ActionID> holder(const Store& store, const Binding& combination, A
 } // namespace
 
 RecorderButton::RecorderButton(QWidget& parent, const QRect& frame, const TabContext& context)
-    : QPushButton(&parent), m_store(context.services.store), m_ports(context.ports) {
+    : QPushButton(&parent), m_store(context.services.store), m_ports(context.ports),
+      m_renamedKeys(m_ports.keyNames.onChange([this] { refresh(); })) {
     setFont(systemFont(13));
     setGeometry(frame);
     fitted_text::init(*this, {});
@@ -53,8 +54,10 @@ void RecorderButton::configure(ActionID newActionID) {
 }
 
 void RecorderButton::refresh() {
-    if (!m_isRecording)
-        setTitle(toQString(KeyNames::describe(m_store.binding(m_actionID), m_ports.words.modifierNames)));
+    if (m_isRecording)
+        return;
+    const auto nameOf = [this](std::int64_t keyCode) { return m_ports.keyNames.name(keyCode); };
+    setTitle(toQString(KeyNames::describe(m_store.binding(m_actionID), m_ports.words.modifierNames, nameOf)));
 }
 
 void RecorderButton::toggleRecording() {

@@ -59,6 +59,7 @@ private:
     Store& m_store;
     const Ports& m_ports;
     ActionID m_actionID = ActionID::allCases.front();
+    SubscriptionPtr m_renamedKeys;
     SubscriptionPtr m_monitor; ///< not null while recording
     SubscriptionPtr m_message; ///< not null while a message is shown; restores the prompt
     bool m_isRecording = false;

@@ -35,6 +35,7 @@ public:
                 .application = m_application,
                 .displays = simulated.displays,
                 .hotKeys = m_hotKeys,
+                .keyNames = simulated.keyNames,
                 .localKeys = simulated.localKeys,
                 .loginItem = simulated.loginItem,
                 .mainMenu = m_mainMenu,

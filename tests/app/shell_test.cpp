@@ -161,7 +161,7 @@ protected:
     Store store{desktop.preferences()};
     Runtime runtime;
     Permissions permissions{desktop.trust()};
-    StatusMenu menu{store, permissions, runtime, {}};
+    StatusMenu menu{store, permissions, runtime, {}, desktop.keyNames()};
     StatusItem item{desktop.statusItem(), menu, runtime, [](const MenuItem&) {}};
 };
 

@@ -46,7 +46,7 @@ protected:
     Store store{desktop.preferences()};
     Runtime runtime;
     Permissions permissions{desktop.trust()};
-    StatusMenu statusMenu{store, permissions, runtime, {}};
+    StatusMenu statusMenu{store, permissions, runtime, {}, desktop.keyNames()};
 };
 
 TEST_F(StatusMenuTest, AFreshInstallationShowsTheWholeMenu) {
@@ -205,10 +205,17 @@ TEST_F(StatusMenuTest, ArrangingShowsNoShortcutEvenWhenBound) {
 }
 
 TEST_F(StatusMenuTest, ModifiersHaveTheNamesOfTheSystem) {
-    const StatusMenu elsewhere{store, permissions, runtime, {"Ctrl", "Alt", "Shift", "Super"}};
+    const StatusMenu elsewhere{
+        store, permissions, runtime, {"Ctrl", "Alt", "Shift", "Super"}, desktop.keyNames()};
 
     EXPECT_EQ(rowOf(elsewhere.rebuild(), "Move window").submenu[7].title,
               "Move to next display   (Ctrl+Alt+Super+Right)");
+}
+
+TEST_F(StatusMenuTest, KeysHaveTheNamesOfTheKeyboard) {
+    desktop.keyNames().rename(18, "&");
+
+    EXPECT_EQ(titles(statusMenu.rebuild())[2], "Snap to Zone 1   (Ctrl+Opt+&)");
 }
 
 TEST_F(StatusMenuTest, PauseIsCheckedWhilePaused) {

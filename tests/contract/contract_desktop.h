@@ -6,6 +6,7 @@
 #include "ports/alert_sound_port.h"
 #include "ports/displays_port.h"
 #include "ports/hot_key_port.h"
+#include "ports/key_names_port.h"
 #include "ports/local_keys_port.h"
 #include "ports/main_queue_port.h"
 #include "ports/mouse_port.h"
@@ -57,6 +58,7 @@ public:
     virtual AlertSoundPort& alertSound() = 0;
     virtual DisplaysPort& displays() = 0;
     virtual HotKeyPort& hotKeys() = 0;
+    virtual KeyNamesPort& keyNames() = 0;
     virtual LocalKeysPort& localKeys() = 0;
     virtual MousePort& mouse() = 0;
     virtual TrustPort& trust() = 0;

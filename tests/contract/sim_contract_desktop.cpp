@@ -20,6 +20,7 @@ public:
     AlertSoundPort& alertSound() override { return m_desktop.alertSound(); }
     DisplaysPort& displays() override { return m_desktop.displays(); }
     HotKeyPort& hotKeys() override { return m_desktop.hotKeys(); }
+    KeyNamesPort& keyNames() override { return m_desktop.keyNames(); }
     LocalKeysPort& localKeys() override { return m_desktop.localKeys(); }
     MousePort& mouse() override { return m_desktop.mouse(); }
     TrustPort& trust() override { return m_desktop.trust(); }

@@ -9,6 +9,7 @@
 #include "platform/x11/displays/monitors.h"
 #include "platform/x11/input/hot_keys.h"
 #include "platform/x11/input/key_lookup.h"
+#include "platform/x11/input/key_names.h"
 #include "platform/x11/input/keycode_table.h"
 #include "platform/x11/input/mouse.h"
 #include "platform/x11/server/bell.h"
@@ -86,6 +87,7 @@ public:
     AlertSoundPort& alertSound() override { return m_bell; }
     DisplaysPort& displays() override { return m_displays; }
     HotKeyPort& hotKeys() override { return m_hotKeys; }
+    KeyNamesPort& keyNames() override { return m_keyNames; }
     LocalKeysPort& localKeys() override { return m_localKeys; }
     MousePort& mouse() override { return m_mouse; }
     TrustPort& trust() override { return m_trust; }
@@ -207,6 +209,7 @@ private:
                                           m_watch};
     x11::X11Workspace m_workspace{m_applicationsSeen, m_watch};
     x11::X11HotKeys m_hotKeys{m_line.connection()};
+    x11::X11KeyNames m_keyNames{m_line.connection()};
     qt::QtLocalKeys m_localKeys{
         x11::keyDown, [this](std::uint32_t keycode) { return x11::isKeyHeld(m_line.connection(), keycode); }};
     x11::X11Mouse m_mouse{m_line.connection(), m_monitors, m_windows, m_line.queue()};

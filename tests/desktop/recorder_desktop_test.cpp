@@ -87,6 +87,24 @@ TEST_F(RecorderDesktopTest, AKeyThatCannotBeBoundIsAnsweredByAMessage) {
     EXPECT_FALSE(keyboard.isFree());
 }
 
+TEST_F(RecorderDesktopTest, TheKeyIsNamedAsItIsPrintedAndStaysWhenTheLayoutChanges) {
+    constexpr xcb_keycode_t kLeftOfX = 52; // Z on a US keyboard, Y on a German one
+    keyboard.setLayout("de");
+    record();
+
+    keyboard.press({kLeftOfX, kControlAlt});
+
+    EXPECT_TRUE(comesToSay(recorder, "Ctrl+Alt+Y"));
+    EXPECT_TRUE(waitUntilStored(observer, server, R"("zone2":{"keyCode":6,"mods":6144})"))
+        << storedSettings(server);
+    keyboard.setLayout("fr");
+    EXPECT_TRUE(comesToSay(recorder, "Ctrl+Alt+W"));
+    EXPECT_TRUE(comesToSay(button("Snap to Zone 1"), "Ctrl+Alt+1"));
+    keyboard.setLayout("us");
+    EXPECT_TRUE(comesToSay(recorder, "Ctrl+Alt+Z"));
+    EXPECT_TRUE(waitUntil([&] { return keyboard.held({kLeftOfX, kControlAlt}); }));
+}
+
 TEST_F(RecorderDesktopTest, ANewHotKeyReplacesTheOldOneAtOnce) {
     record();
 

@@ -64,6 +64,7 @@ public:
     AlertSoundPort& alertSound() override { return m_mac->alertSound; }
     DisplaysPort& displays() override { return m_mac->displays; }
     HotKeyPort& hotKeys() override { return m_mac->hotKeys; }
+    KeyNamesPort& keyNames() override { return m_mac->keyNames; }
     LocalKeysPort& localKeys() override { return m_mac->localKeys; }
     MousePort& mouse() override { return m_mac->mouse; }
     TrustPort& trust() override { return m_mac->trust; }

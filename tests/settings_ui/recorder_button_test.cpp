@@ -197,6 +197,20 @@ TEST_F(RecorderButtonTest, AKeyWithoutANameIsShownByItsKeyCode) {
     EXPECT_EQ(title(), "Cmd+Key105");
 }
 
+TEST_F(RecorderButtonTest, KeysHaveTheNamesOfTheKeyboardAndFollowItsChanges) {
+    desktop.keyNames().rename(8, "Ц");
+    EXPECT_EQ(title(), "Ctrl+Opt+Ц");
+
+    recorder->click();
+    desktop.keyNames().rename(8, "C");
+    EXPECT_EQ(title(), "Press keys...");
+    press(kEscape);
+    EXPECT_EQ(title(), "Ctrl+Opt+C");
+
+    recorder.reset();
+    desktop.keyNames().rename(8, "X");
+}
+
 TEST_F(RecorderButtonTest, DeleteWithAModifierIsRecorded) {
     recorder->click();
 

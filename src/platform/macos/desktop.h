@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/macos/input/hot_keys.h"
+#include "platform/macos/input/key_names.h"
 #include "platform/macos/input/local_keys.h"
 #include "platform/macos/input/mouse.h"
 #include "platform/macos/shell/main_menu.h"
@@ -40,6 +41,7 @@ struct MacDesktop {
     MacDisplays displays;
     MacLocalKeys localKeys{workspace};
     MacHotKeys hotKeys{localKeys};
+    MacKeyNames keyNames;
     MacLoginItem loginItem;
     MacMainMenu mainMenu;
     MacMouse mouse;

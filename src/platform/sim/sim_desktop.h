@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/sim/sim_hot_keys.h"
+#include "platform/sim/sim_key_names.h"
 #include "platform/sim/sim_local_keys.h"
 #include "platform/sim/sim_login_item.h"
 #include "platform/sim/sim_mouse.h"
@@ -132,6 +133,7 @@ public:
     [[nodiscard]] SimAlerts& alerts() { return m_alerts; }
     [[nodiscard]] SimDisplays& displays() { return m_displays; }
     [[nodiscard]] SimHotKeys& hotKeys() { return m_hotKeys; }
+    [[nodiscard]] SimKeyNames& keyNames() { return m_keyNames; }
     [[nodiscard]] SimLocalKeys& localKeys() { return m_localKeys; }
     [[nodiscard]] SimLoginItem& loginItem() { return m_loginItem; }
     [[nodiscard]] SimMainMenu& mainMenu() { return m_mainMenu; }
@@ -167,6 +169,7 @@ private:
     SimAlerts m_alerts;
     SimDisplays m_displays{m_state};
     SimHotKeys m_hotKeys;
+    SimKeyNames m_keyNames;
     SimLocalKeys m_localKeys;
     SimLoginItem m_loginItem;
     SimMainMenu m_mainMenu;

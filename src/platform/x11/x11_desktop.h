@@ -10,6 +10,7 @@
 #include "platform/x11/displays/displays.h"
 #include "platform/x11/displays/monitors.h"
 #include "platform/x11/input/hot_keys.h"
+#include "platform/x11/input/key_names.h"
 #include "platform/x11/input/mouse.h"
 #include "platform/x11/main_menu.h"
 #include "platform/x11/server/bell.h"
@@ -41,7 +42,7 @@ struct X11Desktop {
           accessibility(connection, monitors, windows, applications, watch),
           refusalNotice(accessibility, windows, queue, alerts), alertSound(connection),
           displays(connection, monitors, [this] { return windows.activeFrame(); }), hotKeys(connection),
-          loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
+          keyNames(connection), loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
           mouse(connection, monitors, windows, queue),
           preferences(xdg::FilePreferences::userFolder(), std::move(onReadable)), singleInstance(connection),
           trust(connection, session, queue, alerts), windowList(connection, monitors, windows),
@@ -65,6 +66,7 @@ struct X11Desktop {
     X11Bell alertSound;
     X11Displays displays;
     X11HotKeys hotKeys;
+    X11KeyNames keyNames;
     xdg::XdgLoginItem loginItem;
     X11MainMenu mainMenu;
     X11Mouse mouse;

@@ -25,6 +25,19 @@ XkbKeyboard::XkbKeyboard(Connection& connection) {
     xcb_xkb_select_events(xcb, kKeyboard, kEvents, 0, kEvents, kMaps, kMaps, nullptr);
 }
 
+void XkbKeyboard::selectLayoutChanges(Connection& connection) const {
+    if (!m_eventNumber)
+        return;
+    xcb_xkb_select_events_details_t details{};
+    details.affectState = details.stateDetails = XCB_XKB_STATE_PART_GROUP_STATE;
+    xcb_xkb_select_events_aux(connection.xcb(), XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_EVENT_TYPE_STATE_NOTIFY, 0,
+                              0, 0, 0, &details);
+}
+
+bool XkbKeyboard::isLayoutChange(const Connection::Event& event) const {
+    return event.response_type == m_eventNumber && event.pad0 == XCB_XKB_STATE_NOTIFY;
+}
+
 bool XkbKeyboard::isMappingChange(const Connection::Event& event) const {
     // All XKB events share one event type; the second byte holds their XKB type.
     if (event.response_type == m_eventNumber)

@@ -86,6 +86,16 @@ public:
         return Reply<std::remove_pointer_t<decltype(answer)>>(answer);
     }
 
+    /// Calls `work` with the connection and returns its result. `work` may wait for replies through functions
+    /// of a library.
+    template <class Work>
+    [[nodiscard]] auto withReplies(Work work) {
+        beginReply();
+        auto result = work(m_xcb.get());
+        endReply();
+        return result;
+    }
+
     /// Waits for the outcome of a checked request that has no reply, and returns whether it succeeded. The
     /// outcomes of all requests that were sent before arrive in the same round trip.
     [[nodiscard]] bool succeeds(xcb_void_cookie_t cookie);
