@@ -85,7 +85,7 @@ private:
     RecorderButton* m_recorder = nullptr;
     int m_selected = 0;
     std::vector<std::string> m_listed; ///< names of the user's layouts in the menu
-    std::string m_lastLayout; ///< name of the user's layout that was saved or chosen last
+    std::string m_lastLayout;          ///< name of the user's layout that was saved or chosen last
 };
 
 } // namespace tessarel

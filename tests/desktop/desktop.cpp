@@ -157,6 +157,8 @@ xcb_window_t Desktop::open(TestClient& client, const WindowOptions& options) {
     const xcb_window_t window = client.open(options);
     EXPECT_TRUE(m_observer.waitUntil([&] { return m_observer.hasTakenCharge(window); }));
     EXPECT_TRUE(activate(window));
+    // awesome places windows only once it has processed all requests.
+    EXPECT_TRUE(manager() != WindowManagerKind::Awesome || m_observer.settle());
     m_observer.watch(window);
     return window;
 }

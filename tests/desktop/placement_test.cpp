@@ -41,7 +41,7 @@ protected:
 
     void giveStates() {
         if (!kind.states.empty()) {
-            ASSERT_TRUE(desktop.addStates(window, kind.states));
+            ASSERT_TRUE(desktop.addStates(window, kind.states)) << desktop.frame(window);
         }
     }
 

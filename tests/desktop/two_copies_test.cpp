@@ -28,8 +28,8 @@ protected:
     void SetUp() override {
         ASSERT_TRUE(first.start());
         ASSERT_TRUE(second.start());
-        firstWindow = first.open(firstClient, {.gtkApplicationId = "org.example.first"});
-        secondWindow = second.open(secondClient, {.gtkApplicationId = "org.example.second"});
+        firstWindow = first.open(firstClient, {.className = "First"});
+        secondWindow = second.open(secondClient, {.className = "Second"});
         restAll();
     }
 
@@ -91,13 +91,10 @@ TEST_F(TwoCopiesTest, WhatBothChangeAtOnceSurvives) {
         second.press(hotkey::zone(round % 2 + 3));
     }
 
-    EXPECT_TRUE(waitUntilStored(first.observer(), first.server(),
-                                R"("appZones":{"org.example.first":1,"org.example.second":3})"))
+    EXPECT_TRUE(waitUntilStored(first.observer(), first.server(), R"("appZones":{"First":1,"Second":3})"))
         << storedSettings(first.server());
     restAll();
-    EXPECT_NE(
-        storedSettings(first.server()).find(R"("appZones":{"org.example.first":1,"org.example.second":3})"),
-        std::string::npos);
+    EXPECT_NE(storedSettings(first.server()).find(R"("appZones":{"First":1,"Second":3})"), std::string::npos);
 }
 
 TEST_F(TwoCopiesTest, BothFollowAnEditorThatWritesInPlaceInTwoPieces) {
@@ -146,12 +143,12 @@ TEST_F(TwoCopiesTest, ASaveSurvivesACopyThatWasStoppedInTheMiddleOfItsOwn) {
     ASSERT_EQ(::flock(descriptor, LOCK_EX | LOCK_NB), 0);
 
     expectSnap(first, firstWindow, 3, kZones[2]);
-    EXPECT_TRUE(waitUntilStored(first.observer(), first.server(), R"("org.example.first":2)"));
+    EXPECT_TRUE(waitUntilStored(first.observer(), first.server(), R"("First":2)"));
 
     replaceDocument(R"({"hasOnboarded":true,"gap":40,"margin":20})");
     std::filesystem::remove(lock);
     ::close(descriptor);
-    EXPECT_TRUE(waitUntilStored(first.observer(), first.server(), R"("org.example.first":2)"))
+    EXPECT_TRUE(waitUntilStored(first.observer(), first.server(), R"("First":2)"))
         << storedSettings(first.server());
     restAll();
     EXPECT_NE(storedSettings(first.server()).find(R"("gap":40)"), std::string::npos);

@@ -48,7 +48,7 @@ protected:
 
 TEST_P(WindowManagerTest, StartsAndCanMoveWindows) {
     EXPECT_FALSE(observer.windowManagerName().empty());
-    EXPECT_TRUE(observer.supports("_NET_MOVERESIZE_WINDOW"));
+    EXPECT_TRUE(observer.supports("_NET_CLIENT_LIST"));
     EXPECT_TRUE(stage.manager.process().running());
 }
 

@@ -18,8 +18,9 @@ void RefusalNotice::refused() {
         return;
     const std::string appName(Config::appName);
     Alert alert{"The window manager keeps this window in place",
-                appName + " asked it to move the window, but the window has stayed where it was. Tiling window "
-                          "managers arrange windows themselves; " +
+                appName +
+                    " asked it to move the window, but the window has stayed where it was. Tiling window "
+                    "managers arrange windows themselves; " +
                     appName + " moves those that float. You will not be told again.",
                 {"OK"}};
     m_pending = m_queue.async([&alerts = m_alerts, alert = std::move(alert)] { alerts.runModal(alert); });

@@ -247,10 +247,14 @@ void Placement::correct(Task& task) {
 /// Takes the window out of the states in which window managers ignore or misinterpret a new frame. The state
 /// change is sent right before the placement, without a wait in between.
 void Placement::normalize(xcb_window_t window, const WindowStates& states) {
-    if (states.maximizedHorizontally || states.maximizedVertically)
-        changeStates(m_connection, window, StateChange::Remove,
-                     m_connection.atom(Atom::NetWmStateMaximizedHorz),
-                     m_connection.atom(Atom::NetWmStateMaximizedVert));
+    // Only the states that the window has: pekwm takes the removal of another one for a toggle.
+    const xcb_atom_t horizontal = m_connection.atom(Atom::NetWmStateMaximizedHorz);
+    const xcb_atom_t vertical = m_connection.atom(Atom::NetWmStateMaximizedVert);
+    if (states.maximizedHorizontally)
+        changeStates(m_connection, window, StateChange::Remove, horizontal,
+                     states.maximizedVertically ? vertical : xcb_atom_t{XCB_ATOM_NONE});
+    else if (states.maximizedVertically)
+        changeStates(m_connection, window, StateChange::Remove, vertical, XCB_ATOM_NONE);
     if (states.shaded)
         changeStates(m_connection, window, StateChange::Remove, m_connection.atom(Atom::NetWmStateShaded), 0);
 }

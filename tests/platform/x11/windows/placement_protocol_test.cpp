@@ -110,6 +110,10 @@ protected:
                 window,
                 {kNorthWestFromUser | flags, frame[0], frame[1], frame[2], frame[3]}};
     }
+    [[nodiscard]] Message removeMaximizedVertically() {
+        return {
+            "_NET_WM_STATE", window, {kRemove, manager.atom("_NET_WM_STATE_MAXIMIZED_VERT"), 0, kUser, 0}};
+    }
     [[nodiscard]] Message changeMaximized(std::uint32_t change) {
         return {"_NET_WM_STATE",
                 window,
@@ -188,7 +192,7 @@ TEST_F(PlacementProtocolTest, APositionAloneRequestsNoSizeForAMaximisedWindow) {
     placement.place(window, {.origin = Point{101, 121}, .size = std::nullopt});
 
     EXPECT_EQ(manager.heard(),
-              (std::vector{changeMaximized(kRemove), moveResize(kOrigin, {101, 121, 0, 0})}));
+              (std::vector{removeMaximizedVertically(), moveResize(kOrigin, {101, 121, 0, 0})}));
 }
 
 TEST_F(PlacementProtocolTest, NegativePositionsAreSentUnchanged) {
@@ -208,7 +212,7 @@ TEST_F(PlacementProtocolTest, MaximisedAndShadedStatesAreRemovedFirst) {
 
     const Message unshade{
         "_NET_WM_STATE", window, {kRemove, manager.atom("_NET_WM_STATE_SHADED"), 0, kUser, 0}};
-    EXPECT_EQ(manager.heard(), (std::vector{changeMaximized(kRemove), unshade,
+    EXPECT_EQ(manager.heard(), (std::vector{removeMaximizedVertically(), unshade,
                                             moveResize(kOrigin | kSize, {100, 120, 300, 200})}));
 }
 
