@@ -170,8 +170,7 @@ Desktop::Opened Desktop::openUnseen(TestClient& client, const WindowOptions& opt
 }
 
 bool Desktop::activate(xcb_window_t window) {
-    m_observer.activate(window);
-    return m_observer.waitUntil([&] { return m_observer.activeWindow() == window; }) && m_observer.settle();
+    return m_observer.activateAndWait(window) && m_observer.settle();
 }
 
 bool Desktop::addStates(xcb_window_t window, const std::vector<std::string>& states) {

@@ -50,7 +50,9 @@ void Observer::drainEvents(const Deadline& deadline) {
     auto event = own(xcb_poll_for_event(m_x.get()));
     if (!event) {
         pollfd poll{.fd = xcb_get_file_descriptor(m_x.get()), .events = POLLIN, .revents = 0};
-        ::poll(&poll, 1, deadline.remaining(kLookAgain));
+        const bool isQuiet = ::poll(&poll, 1, deadline.remaining(kLookAgain)) == 0;
+        if (isQuiet && windowManagerName() == "pekwm") // it sometimes leaves events unread until the next one
+            sendToRoot(root(), "_TESSAREL_TEST_WAKE", {});
         event = own(xcb_poll_for_event(m_x.get()));
     }
     for (; event; event = own(xcb_poll_for_queued_event(m_x.get()))) {
@@ -291,6 +293,18 @@ xcb_window_t Observer::selectionOwner(std::string_view selection) {
 
 void Observer::activate(xcb_window_t window) {
     sendToRoot(window, "_NET_ACTIVE_WINDOW", {kSourcePager, XCB_CURRENT_TIME, 0, 0, 0});
+}
+
+bool Observer::activateAndWait(xcb_window_t window) {
+    activate(window);
+    // pekwm may still be about to focus the window that opened last, and then does so afterwards.
+    const bool mayRevert = windowManagerName() == "pekwm";
+    return waitUntil([&] {
+        const bool isActive = activeWindow() == window;
+        if (!isActive && mayRevert)
+            activate(window);
+        return isActive;
+    });
 }
 
 void Observer::changeState(xcb_window_t window, StateChange change, std::string_view first,

@@ -79,6 +79,8 @@ public:
     [[nodiscard]] xcb_window_t selectionOwner(std::string_view selection);
 
     void activate(xcb_window_t window);
+    /// Activates a window and waits until it is active. Returns false if the window manager does not do it.
+    [[nodiscard]] bool activateAndWait(xcb_window_t window);
     void changeState(xcb_window_t window, StateChange change, std::string_view first,
                      std::string_view second = {});
     void iconify(xcb_window_t window);

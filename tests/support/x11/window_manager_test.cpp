@@ -68,10 +68,8 @@ TEST_P(WindowManagerTest, ActivatesTheRequestedWindow) {
     const xcb_window_t first = openAndWait();
     const xcb_window_t second = openAndWait();
 
-    for (const xcb_window_t window : {first, second, first}) {
-        observer.activate(window);
-        EXPECT_TRUE(observer.waitUntil([&] { return observer.activeWindow() == window; }));
-    }
+    for (const xcb_window_t window : {first, second, first})
+        EXPECT_TRUE(observer.activateAndWait(window));
 }
 
 TEST_P(WindowManagerTest, LeavesTheDefaultHotKeysFree) {

@@ -9,7 +9,10 @@ namespace tessarel::x11 {
 namespace {
 
 /// Compositing window managers have been measured to take more than 0.25 s on a busy machine.
-constexpr std::chrono::seconds kBound{1};
+constexpr std::chrono::milliseconds kBound{1000};
+/// After this time the wait requests again: pekwm sometimes leaves events unread until the next one arrives.
+constexpr std::chrono::milliseconds kPatience{100};
+constexpr auto kRequests = kBound / kPatience;
 // Each wait uses another x, so that a late event of a wait that timed out is not mistaken for that of a later
 // wait. In pixels, outside the root window.
 constexpr std::int32_t kNearest = -10;
@@ -38,27 +41,37 @@ void Barrier::create() {
 bool Barrier::wait() {
     if (m_window == XCB_WINDOW_NONE)
         create();
-    m_x = m_x > kFarthest ? m_x - 1 : kNearest;
-    const auto x = static_cast<std::uint32_t>(m_x);
-    xcb_configure_window(m_connection.xcb(), m_window, XCB_CONFIG_WINDOW_X, &x);
+    m_first = m_x - kRequests > kFarthest ? m_x - 1 : kNearest;
+    m_x = m_first + 1;
+    request();
     if (m_silentTurn == m_connection.turn()) {
         m_connection.flush(); // the requests still have to go out
         return false;
     }
-    const bool answered =
-        m_connection.waitFor([this](const Connection::Event& event) { return isAnswer(event); }, kBound);
+    const auto answers = [this](const Connection::Event& event) { return isAnswer(event); };
+    bool answered = m_connection.waitFor(answers, kPatience);
+    for (auto left = kRequests - 1; left > 0 && !answered; --left) {
+        request();
+        answered = m_connection.waitFor(answers, kPatience);
+    }
     if (!answered)
         m_silentTurn = m_connection.turn();
     return answered;
 }
 
-/// Returns whether `event` reports the move that the current wait requested.
+void Barrier::request() {
+    --m_x;
+    const auto x = static_cast<std::uint32_t>(m_x);
+    xcb_configure_window(m_connection.xcb(), m_window, XCB_CONFIG_WINDOW_X, &x);
+}
+
+/// Returns whether `event` reports a move that the current wait requested.
 bool Barrier::isAnswer(const Connection::Event& event) const {
     // Only a real event counts. The window manager may also send synthetic ones (ICCCM 4.1.5).
     if (event.response_type != XCB_CONFIGURE_NOTIFY)
         return false;
     const auto& move = eventAs<xcb_configure_notify_event_t>(event);
-    return move.window == m_window && move.x == m_x;
+    return move.window == m_window && move.x <= m_first && move.x >= m_x;
 }
 
 } // namespace tessarel::x11

@@ -29,11 +29,14 @@ public:
 
 private:
     void create();
+    /// Moves the window to the next position.
+    void request();
     [[nodiscard]] bool isAnswer(const Connection::Event& event) const;
 
     Connection& m_connection;
     xcb_window_t m_window = XCB_WINDOW_NONE;
     std::int32_t m_x = 0;
+    std::int32_t m_first = 0;       // the first position of the current wait
     std::uint64_t m_silentTurn = 0; // the last turn in which a wait timed out
 };
 
