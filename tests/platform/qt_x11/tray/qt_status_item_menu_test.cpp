@@ -13,8 +13,8 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstddef>
+#include <ctime>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -355,15 +355,15 @@ TEST_F(MenuViewTest, TheTimeToShowLayoutsGrowsNoFasterThanTheirNumber) {
                                    MenuCommand::ApplyLayout, 1000 + i));
             menus.at(menu) = {submenu("Layouts", rows)};
         }
-        std::array<std::chrono::duration<double>, 9> times{};
+        std::array<std::clock_t, 9> times{}; // of the processor, which others may be using, too
         for (std::size_t i = 0; i < times.size(); ++i) {
-            const auto start = std::chrono::steady_clock::now();
+            const std::clock_t start = std::clock();
             view.show(menus.at(i % 2));
-            times.at(i) = std::chrono::steady_clock::now() - start;
+            times.at(i) = std::clock() - start;
         }
         EXPECT_EQ(action(0).menu()->actions().size(), count);
         std::ranges::nth_element(times, times.begin() + 4);
-        return times.at(4);
+        return static_cast<double>(times.at(4));
     };
 
     const double growth = medianTime(1000) / medianTime(100);
