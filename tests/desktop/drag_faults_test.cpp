@@ -1,4 +1,5 @@
 #include "desktop/drag_fixture.h"
+#include "support/x11/second_pointer.h"
 
 #include <csignal>
 
@@ -89,6 +90,26 @@ TEST_P(DragFaultsTest, TheVirtualDesktopCanBeSwitchedDuringADrag) {
 
     EXPECT_TRUE(drag.waitUntilNoOverlay());
     ASSERT_TRUE(switchTo(0));
+    expectNextDragWorks();
+}
+
+TEST_P(DragFaultsTest, ASecondMasterPointerNeitherEndsNorTakesADrag) {
+    const xcb_window_t window = desktop.open(client);
+    SecondPointer second(desktop.server().display());
+    dragOver(window, zoneFrame(2));
+
+    second.hand().moveTo(zoneFrame(5).x + 20, zoneFrame(5).y + 20);
+    second.hand().click();
+    second.type(key::kEscape);
+    second.hand().press();
+    second.hand().moveTo(zoneFrame(4).x + 20, zoneFrame(4).y + 20);
+    EXPECT_TRUE(desktop.waitUntilProgramRests());
+    EXPECT_TRUE(drag.overlay());
+    drag.release();
+
+    EXPECT_TRUE(drag.waitUntilNoOverlay());
+    EXPECT_EQ(desktop.settledFrame(window, zoneFrame(2)), zoneFrame(2));
+    second.hand().release();
     expectNextDragWorks();
 }
 

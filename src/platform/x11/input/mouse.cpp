@@ -27,19 +27,22 @@ constexpr std::uint32_t kEscape = 53;
 constexpr int kLooksForPress = 10;
 constexpr std::chrono::milliseconds kBetweenLooks{25};
 
-bool isAnyDown(const xcb_query_pointer_reply_t& pointer) {
-    return (pointer.mask & (XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3)) != 0;
+bool isAnyDown(const PointerState& pointer) {
+    return (pointer.buttons & 0b1110U) != 0;
 }
 
-bool isLeftDown(const xcb_query_pointer_reply_t& pointer) {
-    return (pointer.mask & XCB_BUTTON_MASK_1) != 0;
-}
-
-Point rootPoint(const xcb_query_pointer_reply_t& pointer) {
-    return {static_cast<double>(pointer.root_x), static_cast<double>(pointer.root_y)};
+bool isLeftDown(const PointerState& pointer) {
+    return (pointer.buttons & 0b10U) != 0;
 }
 
 } // namespace
+
+/// Returns the presses of one master pointer.
+X11Mouse::Presses X11Mouse::pressesOf(const Presses& presses, DeviceId device) {
+    Presses own = presses;
+    std::erase_if(own, [device](const Press& press) { return press.device != device; });
+    return own;
+}
 
 X11Mouse::X11Mouse(Connection& connection, Monitors& monitors, ClientWindows& windows, MainQueuePort& queue)
     : m_connection(connection), m_monitors(monitors), m_windows(windows), m_queue(queue), m_raw(connection),
@@ -89,7 +92,7 @@ void X11Mouse::noteRead(const Connection::Event& event) {
         return;
     ++m_unheard;
     m_hasMore |= m_isLooking;
-    if (m_held && raw->kind == RawMouseKind::Release && raw->button == m_held->button)
+    if (m_held && raw->kind == RawMouseKind::Release && Press{raw->device, raw->button} == m_held->press)
         m_held->isReleaseRead = true;
 }
 
@@ -111,14 +114,15 @@ void X11Mouse::hear(const Connection::Event& event) {
 }
 
 void X11Mouse::note(const RawMouseEvent& event) {
-    if (event.kind == RawMouseKind::Motion)
+    const Press press{event.device, event.button};
+    if (event.kind == RawMouseKind::Release)
+        noteRelease(press);
+    else if (event.kind == RawMouseKind::Press && event.button <= kLastOrdinaryButton)
+        notePress(press);
+    else if (event.kind == RawMouseKind::Motion && m_held && event.device == m_held->press.device)
         m_news.moved = true;
-    else if (event.kind == RawMouseKind::Key)
+    else if (event.kind == RawMouseKind::Key && m_held && event.device == m_held->keyboard)
         noteKey(event.keycode);
-    else if (event.kind == RawMouseKind::Release)
-        noteRelease(event.button);
-    else if (event.button <= kLastOrdinaryButton)
-        notePress(event.button);
 }
 
 void X11Mouse::noteKey(std::uint32_t keycode) {
@@ -128,18 +132,18 @@ void X11Mouse::noteKey(std::uint32_t keycode) {
     m_news.cancelled |= keycode == keycodeOf(kEscape);
 }
 
-void X11Mouse::notePress(std::uint32_t button) {
-    m_news.presses.push_back(button);
+void X11Mouse::notePress(const Press& press) {
+    m_news.presses.push_back(press);
     m_looksLeft = kLooksForPress;
 }
 
 /// Drops a press that is over before the query; its button is up again.
-void X11Mouse::noteRelease(std::uint32_t button) {
-    if (m_held && button == m_held->button) {
+void X11Mouse::noteRelease(const Press& press) {
+    if (m_held && press == m_held->press) {
         m_news.heldReleased = true;
         m_held->isReleaseRead = false;
     }
-    std::erase(m_news.presses, button);
+    std::erase(m_news.presses, press);
 }
 
 void X11Mouse::lookLater(MainQueuePort::Duration delay) {
@@ -159,43 +163,51 @@ void X11Mouse::look() {
     if (!m_news.presses.empty())
         m_raw.select(RawMouse::Selection::Everything);
     const News news = std::exchange(m_news, {});
+    if (!m_held && news.presses.empty())
+        return;
     m_isLooking = true;
-    const auto pointer = m_connection.reply<xcb_query_pointer_reply>(
-        xcb_query_pointer(m_connection.xcbWithoutTurn(), m_connection.root()));
+    const DeviceId device = m_held ? m_held->press.device : news.presses.front().device;
+    const auto pointer = m_raw.query(device);
     const auto alive = m_lifetime.watch();
     if (pointer && m_held)
         follow(news, *pointer);
     else if (pointer)
-        takePress(news, *pointer);
+        takePress(pressesOf(news.presses, device), *pointer);
+    else if (m_held)
+        endWithDevice();
     if (alive.expired())
         return;
     m_isLooking = false;
+    lookAtOthers(news.presses, device);
     updateSelection();
 }
 
-/// Delivers the press of the left button.
+/// Delivers the press of the left button. `presses` are those of one master pointer.
 ///
-/// Raw events report physical buttons, while the reply's mask is after the user's button mapping. If the mask
-/// shows the left button down, one of the pressed physical buttons acts as the left one: button 1 if it is
-/// among them, else the first.
-void X11Mouse::takePress(const News& news, const xcb_query_pointer_reply_t& pointer) {
-    if (news.presses.empty())
+/// Raw events report physical buttons, while the reply's buttons are after the user's mapping. If the left
+/// button is down there, one of the pressed physical buttons acts as the left one: button 1 if it is among
+/// them, else the first.
+void X11Mouse::takePress(const Presses& presses, const PointerState& pointer) {
+    if (presses.empty())
         return;
     if (!isLeftDown(pointer)) {
         if (!isAnyDown(pointer))
-            keepInMind(news.presses);
+            keepInMind(presses);
         return;
     }
-    const bool isFirst = std::ranges::find(news.presses, 1U) != news.presses.end();
-    m_held = {.button = isFirst ? 1U : news.presses.front(), .isOurs = isOverOwnWindow(pointer)};
-    report(MouseEventKind::LeftDown, rootPoint(pointer), modifierFlags(pointer.mask));
+    const DeviceId device = presses.front().device;
+    const auto first = std::ranges::find(presses, Press{device, 1});
+    m_held = {.press = first != presses.end() ? *first : presses.front(),
+              .keyboard = m_raw.keyboardOf(device),
+              .isOurs = isOverOwnWindow(pointer)};
+    report(MouseEventKind::LeftDown, pointer.rootPoint, pointer.modifiers);
 }
 
 /// Puts the presses back and schedules another query.
 ///
-/// While another client's grab freezes the pointer, the mask does not show a button that is down. The button
+/// While another client's grab freezes the pointer, the reply does not show a button that is down. The button
 /// may also be up again already, so the retries are limited, and motion is not selected between them.
-void X11Mouse::keepInMind(const std::vector<std::uint32_t>& presses) {
+void X11Mouse::keepInMind(const Presses& presses) {
     if (m_looksLeft == 0)
         return;
     --m_looksLeft;
@@ -203,40 +215,66 @@ void X11Mouse::keepInMind(const std::vector<std::uint32_t>& presses) {
     lookLater(kBetweenLooks);
 }
 
+/// Puts back the presses of other master pointers than `device`, which has been queried. Drops them during a
+/// drag.
+void X11Mouse::lookAtOthers(const Presses& presses, DeviceId device) {
+    if (m_held)
+        return;
+    Presses others = presses;
+    std::erase_if(others, [device](const Press& press) { return press.device == device; });
+    if (others.empty())
+        return;
+    m_news.presses.insert(m_news.presses.begin(), others.begin(), others.end());
+    lookLater({});
+}
+
+/// Ends a drag whose master pointer has been removed. It is unknown where its button would have gone up.
+void X11Mouse::endWithDevice() {
+    const auto alive = m_lifetime.watch();
+    const Held held = *m_held;
+    report(MouseEventKind::Cancelled, held.lastRootPoint, held.lastModifiers);
+    if (alive.expired() || !m_held)
+        return;
+    m_held.reset();
+    if (!held.isOurs)
+        deliver(MouseEventKind::LeftUp, held.lastRootPoint, held.lastModifiers);
+}
+
 /// Delivers the movement and the release of the held button.
-void X11Mouse::follow(const News& news, const xcb_query_pointer_reply_t& pointer) {
+void X11Mouse::follow(const News& news, const PointerState& pointer) {
     const auto alive = m_lifetime.watch();
     const bool isDown = isLeftDown(pointer);
     if (!isDown && !news.heldReleased && m_held->isReleaseRead) {
         m_news = news; // the release was read but is still queued; handle everything together with it
         return;
     }
-    const bool isPressedAgain = std::ranges::find(news.presses, m_held->button) != news.presses.end();
+    const Presses presses = pressesOf(news.presses, m_held->press.device);
+    const bool isPressedAgain = std::ranges::find(presses, m_held->press) != presses.end();
     // If no key event preceded the release, the modifiers at the release are those of the last event; the
-    // mask in the reply may already show a later change.
+    // modifiers in the reply may already show a later change.
     const ModifierFlags modifiers =
-        news.heldReleased && !news.typed ? m_held->lastModifiers : modifierFlags(pointer.mask);
+        news.heldReleased && !news.typed ? m_held->lastModifiers : pointer.modifiers;
     // Compares the position too: when a client warps the pointer, the server sends no raw motion.
     const bool hasMoved =
-        news.moved || rootPoint(pointer) != m_held->lastRootPoint || modifiers != m_held->lastModifiers;
+        news.moved || pointer.rootPoint != m_held->lastRootPoint || modifiers != m_held->lastModifiers;
     if (news.cancelled && !isPressedAgain)
-        report(MouseEventKind::Cancelled, rootPoint(pointer), modifiers);
+        report(MouseEventKind::Cancelled, pointer.rootPoint, modifiers);
     if (alive.expired() || !m_held) // a handler may have destroyed this object or removed the last monitor
         return;
     // When the release event was lost, it is unknown where it happened: do not report a drag to this
     // position.
     if (hasMoved && !isPressedAgain && (isDown || news.heldReleased))
-        report(MouseEventKind::LeftDragged, rootPoint(pointer), modifiers);
-    // Trusts the release event over the mask: while a window manager's grab freezes the pointer, the mask
+        report(MouseEventKind::LeftDragged, pointer.rootPoint, modifiers);
+    // Trusts the release event over the reply: while a window manager's grab freezes the pointer, it
     // still shows the button as down.
     const bool isOver = !isDown || news.heldReleased;
     if (!alive.expired() && m_held && isOver) { // `m_held` is empty if a handler has removed the last monitor
         const bool isOurs = std::exchange(m_held, std::nullopt)->isOurs;
         if (!isOurs)
-            deliver(MouseEventKind::LeftUp, rootPoint(pointer), modifiers);
+            deliver(MouseEventKind::LeftUp, pointer.rootPoint, modifiers);
     }
     if (!alive.expired() && isPressedAgain)
-        takePress(news, pointer);
+        takePress(presses, pointer);
 }
 
 /// Delivers an event of the held button, unless the press was over a window of this program.
@@ -262,7 +300,7 @@ void X11Mouse::deliver(MouseEventKind kind, const Point& rootPoint, ModifierFlag
 ///
 /// For an unmanaged window, such as a menu, the child of the root window belongs to this program. For a
 /// managed one it is a frame of the window manager, so the client list has to be searched.
-bool X11Mouse::isOverOwnWindow(const xcb_query_pointer_reply_t& pointer) {
+bool X11Mouse::isOverOwnWindow(const PointerState& pointer) {
     const ProcessId own = getpid();
     if (pointer.child == XCB_WINDOW_NONE)
         return false;
@@ -270,7 +308,7 @@ bool X11Mouse::isOverOwnWindow(const xcb_query_pointer_reply_t& pointer) {
         return true;
     if (m_windows.windowsOf(own).empty())
         return false;
-    const auto window = windowAtPoint(m_connection, m_windows, rootPoint(pointer));
+    const auto window = windowAtPoint(m_connection, m_windows, pointer.rootPoint);
     return window && m_windows.pid(*window) == own;
 }
 

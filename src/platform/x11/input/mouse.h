@@ -26,7 +26,10 @@ namespace tessarel::x11 {
 /// While the left button is up, only presses are selected, so that neither mouse movement nor typing wakes
 /// the program. Motion, releases and keys are selected between a press of the left button and its release.
 ///
-/// Raw events carry no root position and no modifiers. One QueryPointer for each batch of events provides
+/// Where the user has several master pointers, a drag belongs to the one whose button went down first, and to
+/// its keyboard: until the release, the other ones are ignored.
+///
+/// Raw events carry no root position and no modifiers. One XIQueryPointer for each batch of events provides
 /// position, buttons and modifiers as of that moment; a modifier key that changes after the button was
 /// released is ignored. The button mask also reveals a release whose event was lost. A click that is over
 /// before the query is not reported.
@@ -44,10 +47,19 @@ public:
                                                    std::function<void(const MouseEvent&)> handler) override;
 
 private:
-    /// The raw events since the last query, merged.
+    struct Press {
+        DeviceId device = 0;      ///< a master pointer
+        std::uint32_t button = 0; ///< physical
+
+        bool operator==(const Press&) const = default;
+    };
+    using Presses = std::vector<Press>; ///< in the order of the presses
+
+    /// The raw events since the last query, merged. After a press only events of the devices in `m_held` and
+    /// further presses count.
     struct News {
-        std::vector<std::uint32_t> presses; ///< physical buttons, in the order of the presses
-        bool heldReleased = false;          ///< the button in `m_held` was released
+        Presses presses;           ///< of all master pointers
+        bool heldReleased = false; ///< the button in `m_held` was released
         bool moved = false;
         bool typed = false;     ///< a key went down or up before the held button was released
         bool cancelled = false; ///< Escape went down before the held button was released
@@ -57,28 +69,32 @@ private:
 
     /// The state of the left button while it is down.
     struct Held {
-        std::uint32_t button = 0;        ///< the physical button that acts as the left one
+        Press press;                     ///< the pointer, and the button of it that acts as the left one
+        DeviceId keyboard = 0;           ///< the master keyboard that belongs to the pointer
         bool isOurs = false;             ///< the press was over a window of this program
         bool isReleaseRead = false;      ///< the release has been read but not delivered yet
         Point lastRootPoint = {};        ///< pointer at the last delivered event, in root coordinates
         ModifierFlags lastModifiers = 0; ///< modifiers at the last delivered event
     };
 
+    [[nodiscard]] static Presses pressesOf(const Presses& presses, DeviceId device);
     [[nodiscard]] bool isMonitored() const;
     void note(const RawMouseEvent& event);
     void noteKey(std::uint32_t keycode);
-    void notePress(std::uint32_t button);
-    void noteRelease(std::uint32_t button);
+    void notePress(const Press& press);
+    void noteRelease(const Press& press);
     void noteRead(const Connection::Event& event);
     void hear(const Connection::Event& event);
     void lookLater(MainQueuePort::Duration delay);
     void look();
-    void takePress(const News& news, const xcb_query_pointer_reply_t& pointer);
-    void keepInMind(const std::vector<std::uint32_t>& presses);
-    void follow(const News& news, const xcb_query_pointer_reply_t& pointer);
+    void takePress(const Presses& presses, const PointerState& pointer);
+    void keepInMind(const Presses& presses);
+    void lookAtOthers(const Presses& presses, DeviceId device);
+    void endWithDevice();
+    void follow(const News& news, const PointerState& pointer);
     void report(MouseEventKind kind, const Point& rootPoint, ModifierFlags modifiers);
     void deliver(MouseEventKind kind, const Point& rootPoint, ModifierFlags modifiers);
-    [[nodiscard]] bool isOverOwnWindow(const xcb_query_pointer_reply_t& pointer);
+    [[nodiscard]] bool isOverOwnWindow(const PointerState& pointer);
     void updateSelection();
 
     Connection& m_connection;

@@ -1,5 +1,6 @@
 #include "platform/x11/input/raw_mouse.h"
 
+#include "platform/x11/input/modifier_flags.h"
 #include "platform/x11/server/event.h"
 
 #include <xcb/xinput.h>
@@ -24,6 +25,11 @@ std::uint32_t eventMask(RawMouse::Selection selection) {
                XCB_INPUT_XI_EVENT_MASK_RAW_KEY_RELEASE;
     }
     return 0;
+}
+
+/// Converts a coordinate with 16 fractional bits. The server rounds it down in core events, too.
+double wholePixels(xcb_input_fp1616_t coordinate) {
+    return coordinate >> 16;
 }
 
 } // namespace
@@ -58,18 +64,40 @@ std::optional<RawMouseEvent> RawMouse::read(const Connection::Event& event) cons
         return std::nullopt;
     switch (raw.event_type) {
     case XCB_INPUT_RAW_BUTTON_PRESS:
-        return RawMouseEvent{RawMouseKind::Press, raw.detail, 0};
+        return RawMouseEvent{RawMouseKind::Press, raw.detail, 0, raw.deviceid};
     case XCB_INPUT_RAW_BUTTON_RELEASE:
-        return RawMouseEvent{RawMouseKind::Release, raw.detail, 0};
+        return RawMouseEvent{RawMouseKind::Release, raw.detail, 0, raw.deviceid};
     case XCB_INPUT_RAW_MOTION:
-        return RawMouseEvent{RawMouseKind::Motion, 0, 0};
+        return RawMouseEvent{RawMouseKind::Motion, 0, 0, raw.deviceid};
     case XCB_INPUT_RAW_KEY_PRESS:
-        return RawMouseEvent{RawMouseKind::Key, 0, raw.detail};
+        return RawMouseEvent{RawMouseKind::Key, 0, raw.detail, raw.deviceid};
     case XCB_INPUT_RAW_KEY_RELEASE:
-        return RawMouseEvent{RawMouseKind::Key, 0, 0};
+        return RawMouseEvent{RawMouseKind::Key, 0, 0, raw.deviceid};
     default:
         return std::nullopt;
     }
+}
+
+std::optional<PointerState> RawMouse::query(DeviceId pointer) {
+    const auto reply = m_connection.reply<xcb_input_xi_query_pointer_reply>(
+        xcb_input_xi_query_pointer(m_connection.xcbWithoutTurn(), m_connection.root(), pointer));
+    if (!reply)
+        return std::nullopt;
+    const bool hasButtons = xcb_input_xi_query_pointer_buttons_length(reply.get()) > 0;
+    // The server does not fill in `effective`.
+    const std::uint32_t modifiers = reply->mods.base | reply->mods.latched | reply->mods.locked;
+    return PointerState{.rootPoint = {wholePixels(reply->root_x), wholePixels(reply->root_y)},
+                        .child = reply->child,
+                        .buttons = hasButtons ? *xcb_input_xi_query_pointer_buttons(reply.get()) : 0U,
+                        .modifiers = modifierFlags(modifiers)};
+}
+
+DeviceId RawMouse::keyboardOf(DeviceId pointer) {
+    const auto reply = m_connection.reply<xcb_input_xi_query_device_reply>(
+        xcb_input_xi_query_device(m_connection.xcbWithoutTurn(), pointer));
+    if (!reply || reply->num_infos == 0)
+        return 0;
+    return xcb_input_xi_query_device_infos_iterator(reply.get()).data->attachment;
 }
 
 } // namespace tessarel::x11
