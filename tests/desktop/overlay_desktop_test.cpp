@@ -1,10 +1,14 @@
 #include "desktop/overlay_fixture.h"
 #include "desktop/pointer_target.h"
+#include "platform/qt_x11/overlay/x11_overlay_window.h"
+#include "platform/qt_x11/qt_connection.h"
 #include "support/x11/keyboard.h"
 
+#include <QtMath>
 #include <xcb/shape.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 
 namespace tessarel::qt {
@@ -25,8 +29,59 @@ QColor tinted(const QColor& below, double alpha) {
     return {mix(0x0a, below.red()), mix(0x84, below.green()), mix(0xff, below.blue())};
 }
 
+/// Returns true if no pixel differs by more than rounding.
+bool isSame(const QImage& one, const QImage& other) {
+    for (int y = 0; y < one.height(); ++y)
+        for (int x = 0; x < one.width(); ++x)
+            if (std::abs(qGray(one.pixel(x, y)) - qGray(other.pixel(x, y))) > 3)
+                return false;
+    return true;
+}
+
 const std::vector<OverlayFigure> kLeftHighlighted = {zoneFigure(kLeft, "1", true), zoneFigure(kRight, "2")};
 const std::vector<OverlayFigure> kRightHighlighted = {zoneFigure(kLeft, "1"), zoneFigure(kRight, "2", true)};
+
+/// A white window of another program that comes to the front without the window manager, like a menu.
+class Intruder {
+public:
+    Intruder(x11test::Observer& observer, const Frame& frame)
+        : m_x(observer.x()), m_window(xcb_generate_id(m_x.get())) {
+        const std::uint32_t values[] = {m_x.screen().white_pixel, 1};
+        xcb_create_window(m_x.get(), XCB_COPY_FROM_PARENT, m_window, m_x.root(),
+                          static_cast<std::int16_t>(frame.x), static_cast<std::int16_t>(frame.y),
+                          static_cast<std::uint16_t>(frame.width), static_cast<std::uint16_t>(frame.height),
+                          0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT,
+                          XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values);
+        m_x.roundTrip();
+    }
+    Intruder(const Intruder&) = delete;
+    Intruder& operator=(const Intruder&) = delete;
+    ~Intruder() {
+        xcb_destroy_window(m_x.get(), m_window);
+        m_x.roundTrip();
+    }
+
+    [[nodiscard]] xcb_window_t window() const { return m_window; }
+    void map() const {
+        xcb_map_window(m_x.get(), m_window);
+        raise();
+    }
+    void unmap() const {
+        xcb_unmap_window(m_x.get(), m_window);
+        m_x.roundTrip();
+    }
+    void raise() const { restack(XCB_STACK_MODE_ABOVE); }
+    void lower() const { restack(XCB_STACK_MODE_BELOW); }
+
+private:
+    void restack(std::uint32_t mode) const {
+        xcb_configure_window(m_x.get(), m_window, XCB_CONFIG_WINDOW_STACK_MODE, &mode);
+        m_x.roundTrip();
+    }
+
+    x11test::XConnection& m_x;
+    xcb_window_t m_window;
+};
 
 /// Tests that run with the translucent look (with a compositor) and the outlined look.
 class OverlayInBothLooksTest : public OverlayDesktopTest, public testing::WithParamInterface<bool> {
@@ -50,6 +105,27 @@ protected:
     /// Waits for a pixel of the highlighted zone's fill (translucent look) or outline (outlined look).
     [[nodiscard]] testing::AssertionResult leftIsHighlighted() {
         return GetParam() ? becomes(400, 300, tinted(kWhite, 0.35)) : becomes(6, 300, kAccentColor);
+    }
+
+    /// Returns true if the overlay is above `other` in the stack of the root window's children.
+    [[nodiscard]] bool isInFrontOf(const Intruder& other) {
+        xcb_connection_t* const x = observer.x().get();
+        const auto tree = x11test::own(xcb_query_tree_reply(x, xcb_query_tree(x, observer.root()), nullptr));
+        const xcb_window_t* const all = xcb_query_tree_children(tree.get());
+        const xcb_window_t* const end = all + xcb_query_tree_children_length(tree.get());
+        return std::find(all, end, surfaceWindow()) > std::find(all, end, other.window());
+    }
+    [[nodiscard]] bool comesInFrontOf(const Intruder& other) {
+        catchUp();
+        return isInFrontOf(other);
+    }
+
+    /// Returns true if Qt's connection gets events of all children of the root window.
+    [[nodiscard]] bool watchesOtherWindows() {
+        xcb_connection_t* const qt = qtConnection();
+        const auto attributes = x11test::own(
+            xcb_get_window_attributes_reply(qt, xcb_get_window_attributes(qt, observer.root()), nullptr));
+        return (attributes->your_event_mask & XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY) != 0;
     }
 
     std::optional<PointerTarget> target;
@@ -96,6 +172,61 @@ TEST_P(OverlayInBothLooksTest, ARaisedWindowStaysBelowTheOverlay) {
     EXPECT_TRUE(GetParam() || becomes(797, 300, kWhite));
 }
 
+TEST_P(OverlayInBothLooksTest, AWindowThatIsMappedInFrontGoesBelowTheOverlay) {
+    show(kDesktop, kLeftHighlighted);
+    ASSERT_TRUE(leftIsHighlighted());
+    const Intruder popUp(observer, {0, 250, 700, 100});
+
+    popUp.map();
+    EXPECT_TRUE(comesInFrontOf(popUp));
+    EXPECT_TRUE(leftIsHighlighted());
+    popUp.raise();
+    EXPECT_TRUE(comesInFrontOf(popUp));
+    EXPECT_TRUE(leftIsHighlighted());
+}
+
+TEST_P(OverlayInBothLooksTest, AWindowThatIsMappedInFrontGoesBelowTheOverlayInEveryDrag) {
+    const Intruder popUp(observer, {0, 250, 700, 100});
+    for (int drag = 0; drag < 3; ++drag) {
+        show(kDesktop, kLeftHighlighted);
+        popUp.map();
+        EXPECT_TRUE(comesInFrontOf(popUp));
+        popUp.unmap();
+        hide();
+    }
+}
+
+TEST_P(OverlayInBothLooksTest, AnotherProgramThatRaisesItselfEachTimeWinsAfterEightTimes) {
+    show(kDesktop, kLeftHighlighted);
+    ASSERT_TRUE(leftIsHighlighted());
+    const Intruder other(observer, {0, 250, 700, 100});
+    turn();
+
+    other.map();
+    for (int raises = 1; raises < X11OverlayWindow::kMostRaises; ++raises) {
+        ASSERT_TRUE(comesInFrontOf(other)) << raises;
+        other.raise();
+    }
+    ASSERT_TRUE(comesInFrontOf(other));
+    other.raise();
+    turn();
+    EXPECT_FALSE(isInFrontOf(other));
+
+    other.lower();
+    other.raise(); // a second later
+    EXPECT_TRUE(comesInFrontOf(other));
+}
+
+TEST_P(OverlayInBothLooksTest, OtherWindowsAreNotWatchedBetweenDrags) {
+    show(kDesktop, kLeftHighlighted);
+    ASSERT_TRUE(leftIsHighlighted());
+    EXPECT_TRUE(watchesOtherWindows());
+
+    hide();
+
+    EXPECT_FALSE(watchesOtherWindows());
+}
+
 TEST_P(OverlayInBothLooksTest, TheWindowManagerDoesNotListTheOverlay) {
     show(kDesktop, kLeftHighlighted);
     ASSERT_TRUE(leftIsHighlighted());
@@ -131,6 +262,21 @@ TEST_P(OverlayInBothLooksTest, AMovedHighlightLeavesNothingBehind) {
     for (int y = 300; y < 320; ++y)
         EXPECT_TRUE(becomes(400, y, kWhite));
     EXPECT_TRUE(becomes(400, 450, kWhite));
+}
+
+TEST_P(OverlayInBothLooksTest, TheHighlightedNumberIsReadableWhereCentresCoincide) {
+    const OverlayFigure target = zoneFigure({600, 300, 400, 300}, "3", true);
+    constexpr QRect kLabels(770, 420, 60, 60);
+    show(kDesktop, {zoneFigure(kDesktop), target});
+    ASSERT_TRUE(GetParam() ? becomes(650, 350, tinted(tinted(kWhite, 0.1), 0.35))
+                           : becomes(606, 350, kAccentColor));
+    const QImage number = settledScreen(kLabels);
+
+    for (const auto& zones :
+         {std::vector{zoneFigure(kDesktop, "8"), target}, std::vector{target, zoneFigure(kDesktop, "8")}}) {
+        change(zones);
+        EXPECT_TRUE(waitUntil([&] { return isSame(settledScreen(kLabels), number); }));
+    }
 }
 
 TEST_P(OverlayInBothLooksTest, AHundredDragsLeaveNothingBehind) {
@@ -257,15 +403,24 @@ INSTANTIATE_TEST_SUITE_P(, OverlayScaleTest,
                                           testing::Bool()));
 
 TEST_P(OverlayScaleTest, FiguresCoverTheExactPixelsOfTheirZones) {
-    const Rect zone{7, 5, 1356, 764}; // its shape covers x 242 to 1594 and y 38 to 798 of the root window
+    const Rect zone{7, 5, 1356, 764}; // covers x 240 to 1596 and y 36 to 800 of the root window
     show({233, 31, 1363, 769}, {zoneFigure(zone, {}, true)});
 
     if (std::get<1>(GetParam())) {
-        const QColor line = tinted(tinted(Qt::black, 0.35), 0.95);
-        EXPECT_TRUE(becomes(242, 400, line));
-        EXPECT_TRUE(becomes(1593, 400, line));
-        EXPECT_TRUE(becomes(900, 38, line));
-        EXPECT_TRUE(becomes(900, 797, line));
+        const double scale = std::stod(std::get<0>(GetParam()));
+        const int inset = qCeil(2 * scale);
+        const int wholeHalf = qFloor(1.5 * scale); // of the line, which is three points wide
+        const QColor fill = tinted(Qt::black, 0.35);
+        const QColor line = tinted(fill, 0.95);
+        EXPECT_TRUE(becomes(240 + inset + wholeHalf - 1, 400, line));
+        EXPECT_TRUE(becomes(1595 - inset - wholeHalf + 1, 400, line));
+        EXPECT_TRUE(becomes(900, 36 + inset + wholeHalf - 1, line));
+        EXPECT_TRUE(becomes(900, 799 - inset - wholeHalf + 1, line));
+        EXPECT_TRUE(becomes(240 + inset + qCeil(1.5 * scale), 400, fill));
+        EXPECT_TRUE(becomes(900, 36 + inset + qCeil(1.5 * scale), fill));
+        EXPECT_TRUE(becomes(240 + inset - wholeHalf, 400, tinted(Qt::black, 0.95)));
+        const int corner = inset + qFloor(0.75 * scale); // outside the rounded line
+        EXPECT_TRUE(becomes(240 + corner, 36 + corner, Qt::black));
     } else {
         EXPECT_TRUE(becomes(242, 400, kWhite));
         EXPECT_TRUE(becomes(1593, 400, kWhite));

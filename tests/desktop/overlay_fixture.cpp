@@ -107,6 +107,12 @@ void OverlayDesktopTest::turn() {
     clock.advance(std::chrono::seconds(1));
 }
 
+void OverlayDesktopTest::catchUp() {
+    EXPECT_TRUE(m_barrier->pass());
+    clock.advance(std::chrono::seconds(0));
+    EXPECT_TRUE(m_barrier->pass());
+}
+
 bool OverlayDesktopTest::waitUntil(const std::function<bool()>& holds) {
     return m_barrier->waitUntil(holds);
 }

@@ -44,6 +44,9 @@ protected:
     void hide();
     /// Waits until Qt and the server have processed all pending events and requests.
     void turn();
+    /// Waits until Qt has handled all pending events, the work that is due at this moment is done, and the
+    /// server has processed the requests.
+    void catchUp();
     /// Waits until `holds` returns true, while Qt's event loop runs.
     [[nodiscard]] bool waitUntil(const std::function<bool()>& holds);
 

@@ -61,30 +61,31 @@ void ComposedOverlayWidget::paintEvent(QPaintEvent* event) {
     const double scale = devicePixelRatioF();
     // Paint in pixels, so that lines and letters are as sharp as the display allows.
     painter.scale(1 / scale, 1 / scale);
-    for (const OverlayFigure& figure : m_figures) {
-        if (event->region().intersects(extent(figure)))
-            m_painted.paint(painter, magnified(figure, scale), scale);
-    }
+    std::vector<OverlayFigure> figures;
+    for (const OverlayFigure& figure : m_figures)
+        figures.push_back(magnified(figure, scale));
+    QRegion area;
+    for (const QRect& part : event->region())
+        area += pixels(part, scale);
+    m_painted.paintAll(painter, figures, area, scale, false);
 }
 
-/// Returns the area that `figure` may paint on, in whole units of Qt's.
-QRect ComposedOverlayWidget::extent(const OverlayFigure& figure) {
+/// Returns the area of the label of `figure`, in whole units of Qt's.
+QRect ComposedOverlayWidget::labelExtent(const OverlayFigure& figure) {
     const double scale = devicePixelRatioF();
-    return units(m_painted.extent(magnified(figure, scale), scale), scale);
+    return units(m_painted.labelExtent(magnified(figure, scale), scale), scale);
 }
 
-/// Returns `areas` in whole units of Qt's, with the labels of all figures there, which may reach beyond
-/// their figures.
+/// Returns `areas` in whole units of Qt's, with the labels that touch them. Labels may reach beyond their
+/// figures, and may be left out because of another one.
 QRegion ComposedOverlayWidget::extents(const std::vector<Rect>& areas) {
     QRegion region;
     for (const Rect& area : areas)
         region += pixels(area);
-    QRegion labels;
-    for (const OverlayFigure& figure : m_figures) {
-        if (region.intersects(pixels(figure.bounds)))
-            labels += extent(figure);
-    }
-    return region + labels;
+    std::vector<QRect> labels;
+    for (const OverlayFigure& figure : m_figures)
+        labels.push_back(labelExtent(figure));
+    return withLabels(region, labels);
 }
 
 } // namespace tessarel::qt

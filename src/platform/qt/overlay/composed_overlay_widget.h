@@ -27,7 +27,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    [[nodiscard]] QRect extent(const OverlayFigure& figure);
+    [[nodiscard]] QRect labelExtent(const OverlayFigure& figure);
     [[nodiscard]] QRegion extents(const std::vector<Rect>& areas);
 
     std::vector<OverlayFigure> m_figures;

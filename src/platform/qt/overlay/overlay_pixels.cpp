@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace tessarel::qt {
 
@@ -36,6 +37,19 @@ QRect pixels(const QRect& rect, double scale) {
 
 QRect units(const QRect& pixels, double scale) {
     return qt::pixels(pixels, 1 / scale);
+}
+
+QRegion withLabels(QRegion region, const std::vector<QRect>& labels) {
+    bool hasGrown = true;
+    while (std::exchange(hasGrown, false)) {
+        for (const QRect& label : labels) {
+            if (!region.intersects(label) || (QRegion(label) - region).isEmpty())
+                continue;
+            region += label;
+            hasGrown = true;
+        }
+    }
+    return region;
 }
 
 } // namespace tessarel::qt

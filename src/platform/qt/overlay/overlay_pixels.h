@@ -3,6 +3,9 @@
 #include "ports/rect.h"
 
 #include <QRect>
+#include <QRegion>
+
+#include <vector>
 
 namespace tessarel::qt {
 
@@ -17,5 +20,8 @@ namespace tessarel::qt {
 /// Converts a rectangle from pixels to Qt's units, rounding outwards. `scale` is the number of pixels per
 /// unit.
 [[nodiscard]] QRect units(const QRect& pixels, double scale);
+
+/// Returns `region` and every one of `labels` that touches it, or that touches such a label.
+[[nodiscard]] QRegion withLabels(QRegion region, const std::vector<QRect>& labels);
 
 } // namespace tessarel::qt

@@ -159,7 +159,7 @@ void paintLine(QPainter& painter, const OverlayFigure& figure, const QColor& acc
         paintSide(painter, x, width, rows, color);
 }
 
-void paintShape(QPainter& painter, const OverlayFigure& figure, const QColor& accent, bool onNothing) {
+void paintRectangle(QPainter& painter, const OverlayFigure& figure, const QColor& accent, bool onNothing) {
     const QColor fill = translucent(accent, figure.fillAlpha);
     if (const QRect rows = wholeRows(figure); rows.isValid()) {
         paintFill(painter, figure, fill, rows, onNothing);
@@ -174,9 +174,37 @@ void paintShape(QPainter& painter, const OverlayFigure& figure, const QColor& ac
 } // namespace
 
 void TranslucentFigures::paint(QPainter& painter, const OverlayFigure& figure, double scale, bool onNothing) {
+    paintShape(painter, figure, onNothing);
+    paintLabel(painter, figure, scale);
+}
+
+void TranslucentFigures::paintAll(QPainter& painter, const std::vector<OverlayFigure>& figures,
+                                  const QRegion& area, double scale, bool onNothing) {
+    QRegion onTop;
+    for (const OverlayFigure& figure : figures)
+        onTop += figure.highlighted ? labelExtent(figure, scale) : QRect();
+    QRegion painted;
+    for (const OverlayFigure& figure : figures) {
+        const QRect all = extent(figure, scale);
+        if (!area.intersects(all))
+            continue;
+        paintShape(painter, figure, onNothing && !painted.intersects(all));
+        if (!onTop.intersects(labelExtent(figure, scale)))
+            paintLabel(painter, figure, scale);
+        painted += all;
+    }
+    for (const OverlayFigure& figure : figures)
+        if (figure.highlighted && area.intersects(labelExtent(figure, scale)))
+            paintLabel(painter, figure, scale);
+}
+
+void TranslucentFigures::paintShape(QPainter& painter, const OverlayFigure& figure, bool onNothing) const {
     painter.setRenderHint(QPainter::Antialiasing);
     if (!figure.shape.isNull())
-        paintShape(painter, figure, m_accent, onNothing);
+        paintRectangle(painter, figure, m_accent, onNothing);
+}
+
+void TranslucentFigures::paintLabel(QPainter& painter, const OverlayFigure& figure, double scale) {
     if (figure.label.text.empty())
         return;
     const QImage& image = labelImage(figure.label, scale);
@@ -184,10 +212,13 @@ void TranslucentFigures::paint(QPainter& painter, const OverlayFigure& figure, d
 }
 
 QRect TranslucentFigures::extent(const OverlayFigure& figure, double scale) {
-    const QRect shape = pixels(figure.bounds);
+    return pixels(figure.bounds).united(labelExtent(figure, scale));
+}
+
+QRect TranslucentFigures::labelExtent(const OverlayFigure& figure, double scale) {
     if (figure.label.text.empty())
-        return shape;
-    return shape.united(placed(labelImage(figure.label, scale), figure.label.center));
+        return {};
+    return placed(labelImage(figure.label, scale), figure.label.center);
 }
 
 const QImage& TranslucentFigures::labelImage(const OverlayLabel& label, double scale) {

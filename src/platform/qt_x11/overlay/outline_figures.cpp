@@ -66,8 +66,6 @@ QRegion OutlineFigures::hatch(const OverlayFigure& figure) const {
     return lines;
 }
 
-/// Returns the rectangle behind the label: square for a short text, wider for a long one, empty without a
-/// text.
 QRect OutlineFigures::badge(const OverlayFigure& figure) const {
     if (figure.label.text.empty())
         return {};
@@ -101,11 +99,12 @@ void OutlineFigures::paint(QPainter& painter, const OverlayFigure& figure) const
     fill(painter, frame(shape, inset(shape, m_line * kEdge)), Qt::white);
     for (const QRect& line : hatch(figure))
         painter.fillRect(line, isWhite(line, shape) ? QColor(Qt::white) : QColor(kAccent));
-    if (!figure.label.text.empty())
-        paintBadge(painter, figure);
+    paintLabel(painter, figure);
 }
 
-void OutlineFigures::paintBadge(QPainter& painter, const OverlayFigure& figure) const {
+void OutlineFigures::paintLabel(QPainter& painter, const OverlayFigure& figure) const {
+    if (figure.label.text.empty())
+        return;
     const QRect rect = badge(figure);
     painter.fillRect(rect, Qt::white);
     painter.fillRect(inset(rect, m_line), QColor(figure.highlighted ? kAccent : kDark));

@@ -27,8 +27,15 @@ public:
     /// Paints `figure`. `painter` must be scaled to pixels.
     void paint(QPainter& painter, const OverlayFigure& figure) const;
 
+    /// Paints only the label of `figure`, on its badge.
+    void paintLabel(QPainter& painter, const OverlayFigure& figure) const;
+
     /// Returns exactly the pixels that `paint` paints for `figure`, as the shape for the window.
     [[nodiscard]] QRegion region(const OverlayFigure& figure) const;
+
+    /// Returns the rectangle behind the label: square for a short text, wider for a long one, empty without a
+    /// text.
+    [[nodiscard]] QRect badge(const OverlayFigure& figure) const;
 
     /// Returns a rectangle that contains `region`; cheaper to compute.
     [[nodiscard]] QRect extent(const OverlayFigure& figure) const;
@@ -38,8 +45,6 @@ private:
     [[nodiscard]] QRegion ring(const OverlayFigure& figure) const;
     [[nodiscard]] QRegion hatch(const OverlayFigure& figure) const;
     [[nodiscard]] bool isWhite(const QRect& line, const QRect& shape) const;
-    [[nodiscard]] QRect badge(const OverlayFigure& figure) const;
-    void paintBadge(QPainter& painter, const OverlayFigure& figure) const;
 
     QRect m_window;
     double m_scale;

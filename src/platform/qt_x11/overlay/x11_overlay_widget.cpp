@@ -7,6 +7,8 @@
 #include <QPaintEvent>
 #include <QPainter>
 
+#include <cmath>
+
 namespace tessarel::qt {
 
 namespace {
@@ -16,6 +18,15 @@ namespace {
 constexpr Qt::WindowFlags kFlags = Qt::Window | Qt::FramelessWindowHint | Qt::WindowTransparentForInput |
                                    Qt::WindowStaysOnTopHint | Qt::WindowDoesNotAcceptFocus |
                                    Qt::BypassWindowManagerHint;
+
+/// Scales the lines and the corners of `figure`, and their distance from its bounds, which stay as they are.
+OverlayFigure magnified(OverlayFigure figure, double scale) {
+    const double inset = std::ceil((figure.shape.minX() - figure.bounds.minX()) * scale);
+    figure.shape = figure.shape.isNull() ? figure.shape : figure.bounds.inset(inset, inset);
+    figure.cornerRadius = std::round(figure.cornerRadius * scale); // whole pixels are painted faster
+    figure.strokeWidth *= scale;
+    return figure;
+}
 
 } // namespace
 
@@ -53,10 +64,10 @@ void X11OverlayWidget::repaintPixels(const QRegion& changed) {
         repaint(region);
 }
 
-QRect X11OverlayWidget::extent(const OverlayFigure& figure) {
+QRect X11OverlayWidget::labelExtent(const OverlayFigure& figure) {
     if (m_kind == Kind::Translucent)
-        return m_translucent.extent(figure, devicePixelRatioF());
-    return OutlineFigures(windowPixels(), devicePixelRatioF()).extent(figure);
+        return m_translucent.labelExtent(figure, devicePixelRatioF());
+    return OutlineFigures(windowPixels(), devicePixelRatioF()).badge(figure);
 }
 
 /// Sets the window's shape to the figures, where the desktop has no compositor. Sends no request when the
@@ -83,26 +94,30 @@ void X11OverlayWidget::paintEvent(QPaintEvent* event) {
     QRegion areas;
     for (const QRect& part : event->region())
         areas += pixels(part, scale);
-    for (const QRect& area : areas& windowPixels())
-        paintFigures(painter, area);
+    for (const QRect& area : areas& windowPixels()) {
+        painter.setClipRect(area);
+        m_kind == Kind::Translucent ? paintTranslucent(painter, area) : paintOutlines(painter, area);
+    }
 }
 
-/// Paints the figures that touch `area`. Qt has already cleared the area of a translucent window.
-void X11OverlayWidget::paintFigures(QPainter& painter, const QRect& area) {
+/// Paints the figures that touch `area`, which Qt has already cleared.
+void X11OverlayWidget::paintTranslucent(QPainter& painter, const QRect& area) {
     const double scale = devicePixelRatioF();
-    const OutlineFigures outlines(windowPixels(), scale);
-    painter.setClipRect(area);
-    QRegion painted;
-    for (const OverlayFigure& figure : m_figures) {
-        const QRect pixelsOfFigure = extent(figure);
-        if (!pixelsOfFigure.intersects(area))
-            continue;
-        if (m_kind == Kind::Translucent)
-            m_translucent.paint(painter, figure, scale, !painted.intersects(pixelsOfFigure));
-        else
+    std::vector<OverlayFigure> figures;
+    for (const OverlayFigure& figure : m_figures)
+        figures.push_back(magnified(figure, scale));
+    m_translucent.paintAll(painter, figures, area, scale, true);
+}
+
+/// Paints the figures that touch `area`, and the labels of highlighted ones again, on top of the others.
+void X11OverlayWidget::paintOutlines(QPainter& painter, const QRect& area) const {
+    const OutlineFigures outlines(windowPixels(), devicePixelRatioF());
+    for (const OverlayFigure& figure : m_figures)
+        if (outlines.extent(figure).intersects(area))
             outlines.paint(painter, figure);
-        painted += pixelsOfFigure;
-    }
+    for (const OverlayFigure& figure : m_figures)
+        if (figure.highlighted)
+            outlines.paintLabel(painter, figure);
 }
 
 } // namespace tessarel::qt

@@ -37,8 +37,8 @@ public:
     /// Repaints the `changed` pixels of a visible window with the current figures, synchronously.
     void repaintPixels(const QRegion& changed);
 
-    /// Returns a rectangle that contains all pixels of `figure`.
-    [[nodiscard]] QRect extent(const OverlayFigure& figure);
+    /// Returns a rectangle that contains the label of `figure`; empty without a text.
+    [[nodiscard]] QRect labelExtent(const OverlayFigure& figure);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -46,7 +46,8 @@ protected:
 private:
     [[nodiscard]] QRect windowPixels() const { return {QPoint(), m_frame.size()}; }
     void cutOutFigures();
-    void paintFigures(QPainter& painter, const QRect& area);
+    void paintTranslucent(QPainter& painter, const QRect& area);
+    void paintOutlines(QPainter& painter, const QRect& area) const;
 
     Kind m_kind;
     const std::vector<OverlayFigure>& m_figures;

@@ -46,6 +46,8 @@ void X11OverlayWindow::orderOut() {
     if (!m_isFront)
         return;
     m_isFront = false;
+    m_stacking.reset();
+    m_scheduledRaise.reset();
     m_changed = {};
     m_surface->hide();
     m_scheduledRelease = m_queue.asyncAfter(kQuietTime, [this] {
@@ -67,8 +69,28 @@ void X11OverlayWindow::useSurface(X11OverlayWidget::Kind kind) {
     if (!m_surface || m_surface->kind() != kind)
         m_surface = std::make_unique<X11OverlayWidget>(kind, m_figures);
     m_surface->cover(m_frame);
+    m_stacking.reset(); // restores the events of the root window before they are read again
+    m_stacking = std::make_unique<StackingWatch>(static_cast<std::uint32_t>(m_surface->winId()),
+                                                 [this] { stayInFront(); });
     m_surface->appear();
     m_nextRepaint = m_queue.now();
+}
+
+/// Raises the window after the events that have arrived together.
+void X11OverlayWindow::stayInFront() {
+    if (!m_scheduledRaise)
+        m_scheduledRaise = m_queue.asyncAfter({}, [this] { raiseAgain(); });
+}
+
+void X11OverlayWindow::raiseAgain() {
+    m_scheduledRaise.reset();
+    const auto now = m_queue.now();
+    if (now - m_raisesBegan >= kRaiseInterval) {
+        m_raisesBegan = now;
+        m_raises = 0;
+    }
+    if (++m_raises <= kMostRaises)
+        m_surface->raise();
 }
 
 /// Switches to the outlined look. Without a compositor, a translucent window is opaque and would hide the
@@ -78,19 +100,16 @@ void X11OverlayWindow::onCompositorGone() {
         useSurface(fittingKind());
 }
 
-/// Returns the pixels of `areas`, plus those of labels that reach beyond the figures in `areas`.
+/// Returns the pixels of `areas`, plus those of labels that touch them: labels may reach beyond their
+/// figures, and may be left out because of another one.
 QRegion X11OverlayWindow::extents(const std::vector<Rect>& areas) {
     QRegion region;
     for (const Rect& area : areas)
         region += pixels(area);
-    QRegion labels;
-    for (const OverlayFigure& figure : m_figures) {
-        const QRect bounds = pixels(figure.bounds);
-        const QRect extent = m_surface->extent(figure);
-        if (region.intersects(bounds) && !bounds.contains(extent))
-            labels += extent;
-    }
-    return region + labels;
+    std::vector<QRect> labels;
+    for (const OverlayFigure& figure : m_figures)
+        labels.push_back(m_surface->labelExtent(figure));
+    return withLabels(region, labels);
 }
 
 /// Repaints at once or, if the last repaint was less than `kRepaintInterval` ago, at the end of that

@@ -2,6 +2,7 @@
 
 #include "model/subscription.h"
 #include "platform/qt_x11/overlay/compositor_watch.h"
+#include "platform/qt_x11/overlay/stacking_watch.h"
 #include "platform/qt_x11/overlay/x11_overlay_widget.h"
 #include "ports/main_queue_port.h"
 #include "ports/overlay_port.h"
@@ -20,6 +21,9 @@ namespace tessarel::qt {
 /// The look is chosen each time the hidden window is shown. If the compositor exits while the window is
 /// visible, the look changes. Changes within a short interval are coalesced into one repaint. The widget and
 /// its pixels are freed after the window has been hidden for some time.
+///
+/// A window that comes to the front is put below again. Another program that raises its own window each time
+/// would do so forever: so the window is raised at most `kMostRaises` times in `kRaiseInterval`.
 class X11OverlayWindow : public OverlayWindow {
 public:
     /// Converts a rectangle in screen coordinates (y up) to pixels of the root window (y down).
@@ -29,6 +33,9 @@ public:
     static constexpr MainQueuePort::Duration kRepaintInterval = std::chrono::milliseconds(8);
     /// How long the widget is kept after it was hidden.
     static constexpr MainQueuePort::Duration kQuietTime = std::chrono::seconds(30);
+
+    static constexpr int kMostRaises = 8;
+    static constexpr MainQueuePort::Duration kRaiseInterval = std::chrono::seconds(1);
 
     /// `queue` and everything that `desktopPixels` uses must outlive the window.
     X11OverlayWindow(MainQueuePort& queue, Conversion desktopPixels);
@@ -44,6 +51,8 @@ private:
     void useSurface(X11OverlayWidget::Kind kind);
     void onCompositorGone();
     [[nodiscard]] QRegion extents(const std::vector<Rect>& areas);
+    void stayInFront();
+    void raiseAgain();
     void scheduleRepaint();
     void repaint();
 
@@ -54,7 +63,11 @@ private:
     std::unique_ptr<CompositorWatch> m_compositor;
     std::unique_ptr<X11OverlayWidget> m_surface; // the one shown now or last; null after a release
     bool m_isFront = false;
-    QRegion m_changed; // pixels of the window that are due for a repaint
+    std::unique_ptr<StackingWatch> m_stacking; // null while hidden
+    SubscriptionPtr m_scheduledRaise;          // null when none is pending
+    MainQueuePort::TimePoint m_raisesBegan{};  // of the raises in `m_raises`
+    int m_raises = 0;                          // because of other windows, since `m_raisesBegan`
+    QRegion m_changed;                         // pixels of the window that are due for a repaint
     MainQueuePort::TimePoint m_nextRepaint{};
     SubscriptionPtr m_scheduledRepaint; // null when none is pending
     SubscriptionPtr m_scheduledRelease; // frees the widget after the quiet time; cancelled by a show

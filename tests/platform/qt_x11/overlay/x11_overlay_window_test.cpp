@@ -149,6 +149,28 @@ TEST_F(X11OverlayWindowTest, ALabelLargerThanItsZoneIsPaintedWhole) {
     EXPECT_GT(log.painted.front().boundingRect().right(), 150);
 }
 
+TEST_F(X11OverlayWindowTest, ALabelThatGivesWayToTheHighlightedOneIsErasedAndComesBackWhole) {
+    const Rect small{185, 140, 10, 20}; // beside the middle of the large zone, whose label reaches further
+    const Rect large{0, 0, 400, 300};
+    const std::vector<OverlayFigure> plain = {zoneFigure(large, "12345"), zoneFigure(small, "2")};
+    const std::vector<OverlayFigure> highlighted = {plain.front(), zoneFigure(small, "2", true)};
+    showTwoZones();
+    window->setFigures(plain, {kLeft, kRight, large, small});
+    clock.advance(1s);
+    const QImage before = surface()->grab().toImage();
+
+    window->setFigures(highlighted, {small});
+    clock.advance(1s);
+    const QColor letters = surface()->grab().toImage().pixelColor(230, 150);
+    ASSERT_EQ(log.painted.size(), 4U); // a grab paints, too
+    EXPECT_TRUE(log.painted.at(2).contains(QPoint(230, 150)));
+
+    EXPECT_EQ(letters, before.pixelColor(300, 60));
+    window->setFigures(plain, {small});
+    clock.advance(1s);
+    EXPECT_EQ(surface()->grab().toImage(), before);
+}
+
 TEST_F(X11OverlayWindowTest, WithoutAChangeNothingIsPainted) {
     showTwoZones();
 
