@@ -22,6 +22,13 @@ int screenNumber() {
     return isValid ? screen : 0;
 }
 
+const xcb_screen_t& screenOf(xcb_connection_t* xcb) {
+    auto screens = xcb_setup_roots_iterator(xcb_get_setup(xcb));
+    for (int i = screenNumber(); i > 0 && screens.rem > 1; --i)
+        xcb_screen_next(&screens);
+    return *screens.data;
+}
+
 xcb_atom_t internAtom(xcb_connection_t* xcb, std::string_view name) {
     const auto cookie = xcb_intern_atom(xcb, 0, static_cast<std::uint16_t>(name.size()), name.data());
     const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(xcb, cookie, nullptr));

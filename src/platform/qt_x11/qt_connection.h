@@ -25,6 +25,8 @@ using Reply = std::unique_ptr<T, FreeDeleter>;
 
 /// Returns the index of the X screen that $DISPLAY names, or 0 when it is not valid.
 [[nodiscard]] int screenNumber();
+/// Returns the screen with that index, the one that Qt's windows are on.
+[[nodiscard]] const xcb_screen_t& screenOf(xcb_connection_t* xcb);
 /// Interns an atom. Takes a round trip. Returns XCB_ATOM_NONE when the connection is lost.
 [[nodiscard]] xcb_atom_t internAtom(xcb_connection_t* xcb, std::string_view name);
 /// Returns the window that owns `selection`, or XCB_WINDOW_NONE when it has no owner. Takes a round trip.

@@ -68,7 +68,8 @@ Environment privateEnvironment(const std::filesystem::path& folder) {
 }
 
 std::vector<std::string> serverCommand(const XServerOptions& options) {
-    const std::string screen = std::to_string(options.width) + "x" + std::to_string(options.height) + "x24";
+    const std::string screen = std::to_string(options.width) + "x" + std::to_string(options.height) + "x" +
+                               std::to_string(options.depth);
     std::vector<std::string> command = {
         "Xvfb", "-displayfd", "1",     "-screen",         "0", screen, "-noreset", "-nolisten", "tcp",
         "-dpi", "96",         "-auth", serverKey().path()};

@@ -42,6 +42,7 @@ struct XServerOptions {
     int height = 900;
     /// If empty, the server has one monitor, the whole root window.
     std::vector<Monitor> monitors = {};
+    int depth = 24;             ///< bits per pixel; a screen of 8 has a palette
     bool tellsProcesses = true; ///< false disables the X-Resource extension
 };
 

@@ -21,7 +21,7 @@ constexpr int kHighlightedRing = kEdge + 6;
 constexpr int kHatchStep = 6;
 constexpr int kBadge = 44;
 
-constexpr QRgb kDark = qRgb(0x2b, 0x34, 0x45);
+constexpr QRgb kDark = OutlineFigures::kColors[2];
 
 QRect inset(const QRect& rect, int by) {
     return rect.adjusted(by, by, -by, -by);

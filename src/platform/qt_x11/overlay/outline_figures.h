@@ -1,10 +1,14 @@
 #pragma once
 
 #include "ports/overlay_port.h"
+#include "qt_values/color.h"
 
+#include <QColor>
 #include <QPainter>
 #include <QRect>
 #include <QRegion>
+
+#include <array>
 
 namespace tessarel::qt {
 
@@ -20,6 +24,9 @@ namespace tessarel::qt {
 /// positions do not.
 class OutlineFigures {
 public:
+    /// The colours of the figures. Only smoothed letters have others.
+    static constexpr std::array<QRgb, 3> kColors = {qRgb(255, 255, 255), kAccent, qRgb(0x2b, 0x34, 0x45)};
+
     /// `window` is the area of the window in pixels; drawing is clipped to it. `scale` is the number of
     /// pixels per device-independent unit.
     OutlineFigures(const QRect& window, double scale);

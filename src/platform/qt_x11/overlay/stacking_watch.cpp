@@ -11,14 +11,6 @@ namespace tessarel::qt {
 
 namespace {
 
-/// Returns the root window of Qt's screen.
-xcb_window_t rootOf(xcb_connection_t* xcb) {
-    auto screens = xcb_setup_roots_iterator(xcb_get_setup(xcb));
-    for (int i = screenNumber(); i > 0 && screens.rem > 1; --i)
-        xcb_screen_next(&screens);
-    return screens.data->root;
-}
-
 /// Returns the events that this connection selects on `window`.
 std::uint32_t selectedEvents(xcb_connection_t* xcb, xcb_window_t window) {
     const auto cookie = xcb_get_window_attributes(xcb, window);
@@ -40,7 +32,7 @@ StackingWatch::StackingWatch(std::uint32_t window, std::function<void()> restack
     if (xcb == nullptr)
         return;
     QCoreApplication::instance()->installNativeEventFilter(this);
-    m_root = rootOf(xcb);
+    m_root = screenOf(xcb).root;
     m_otherEvents = selectedEvents(xcb, m_root);
     select(xcb, m_root, m_otherEvents | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
 }

@@ -37,6 +37,10 @@ X11OverlayWidget::X11OverlayWidget(Kind kind, const std::vector<OverlayFigure>& 
     setAttribute(Qt::WA_OpaquePaintEvent, kind == Kind::Outlined);
     setAttribute(Qt::WA_NoSystemBackground);
     setAttribute(Qt::WA_TranslucentBackground, kind == Kind::Translucent);
+    if (PaletteCanvas::isNeeded()) {
+        m_canvas = std::make_unique<PaletteCanvas>();
+        setAttribute(Qt::WA_PaintOnScreen);
+    }
     create(); // the functions in native_window.h need the X11 window before it is shown
     if (kind == Kind::Translucent)
         clearWhenShown(*this);
@@ -86,17 +90,38 @@ void X11OverlayWidget::cutOutFigures() {
 }
 
 void X11OverlayWidget::paintEvent(QPaintEvent* event) {
-    QPainter painter(this);
     const double scale = devicePixelRatioF();
-    painter.scale(1 / scale, 1 / scale);
     // Converted to pixels, neighbouring parts may overlap at a fractional scale factor. A QRegion merges
     // them, so that no translucent pixel is painted twice.
     QRegion areas;
     for (const QRect& part : event->region())
         areas += pixels(part, scale);
+    if (m_canvas) {
+        paintWithPalette(areas & windowPixels());
+        return;
+    }
+    QPainter painter(this);
+    painter.scale(1 / scale, 1 / scale);
     for (const QRect& area : areas& windowPixels()) {
         painter.setClipRect(area);
         m_kind == Kind::Translucent ? paintTranslucent(painter, area) : paintOutlines(painter, area);
+    }
+}
+
+QPaintEngine* X11OverlayWidget::paintEngine() const {
+    return m_canvas ? nullptr : QWidget::paintEngine();
+}
+
+/// Paints the outlines into images and copies these to the window.
+void X11OverlayWidget::paintWithPalette(const QRegion& areas) const {
+    for (const QRect& area : areas) {
+        QImage image(area.size(), QImage::Format_RGB32);
+        image.fill(Qt::white);
+        QPainter painter(&image);
+        painter.translate(-area.topLeft());
+        paintOutlines(painter, area);
+        painter.end();
+        m_canvas->put(*this, image, area.topLeft());
     }
 }
 

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "platform/qt/overlay/translucent_figures.h"
+#include "platform/qt_x11/overlay/palette_canvas.h"
 #include "ports/overlay_port.h"
 
 #include <QRect>
 #include <QRegion>
 #include <QWidget>
 
+#include <memory>
 #include <vector>
 
 namespace tessarel::qt {
@@ -40,12 +42,16 @@ public:
     /// Returns a rectangle that contains the label of `figure`; empty without a text.
     [[nodiscard]] QRect labelExtent(const OverlayFigure& figure);
 
+    /// Null where Qt cannot paint on the screen's windows.
+    [[nodiscard]] QPaintEngine* paintEngine() const override;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
     [[nodiscard]] QRect windowPixels() const { return {QPoint(), m_frame.size()}; }
     void cutOutFigures();
+    void paintWithPalette(const QRegion& areas) const;
     void paintTranslucent(QPainter& painter, const QRect& area);
     void paintOutlines(QPainter& painter, const QRect& area) const;
 
@@ -53,7 +59,8 @@ private:
     const std::vector<OverlayFigure>& m_figures;
     QRect m_frame; // in pixels of the root window
     TranslucentFigures m_translucent;
-    QRegion m_cutOut; // the current shape, in pixels of the window
+    std::unique_ptr<PaletteCanvas> m_canvas; // null where Qt can paint on the window
+    QRegion m_cutOut;                        // the current shape, in pixels of the window
 };
 
 } // namespace tessarel::qt

@@ -58,6 +58,8 @@ void X11OverlayWindow::orderOut() {
 
 /// Returns the look that the desktop supports now.
 X11OverlayWidget::Kind X11OverlayWindow::fittingKind() {
+    if (PaletteCanvas::isNeeded())
+        return X11OverlayWidget::Kind::Outlined;
     if (!m_compositor)
         m_compositor = std::make_unique<CompositorWatch>([this] { onCompositorGone(); });
     return m_compositor->isRunning() ? X11OverlayWidget::Kind::Translucent : X11OverlayWidget::Kind::Outlined;
