@@ -23,25 +23,19 @@ xcb_get_property_cookie_t requestNumbers(Connection& connection, xcb_window_t wi
     return requestProperty(connection, window, property, XCB_ATOM_CARDINAL, maximum);
 }
 
-/// Replaces the events that this connection selects on `window`.
-void selectPropertyChanges(Connection& connection, xcb_window_t window, std::uint32_t mask) {
-    xcb_change_window_attributes(connection.xcb(), window, XCB_CW_EVENT_MASK, &mask);
-}
-
 } // namespace
 
 /// The pending requests for the struts of one window.
 ///
 /// For a managed window, PropertyNotify is selected before the properties are read, so that no change is
 /// missed in between. It is deselected for windows that turn out not to be panels: their properties change
-/// often, and each event would wake the program. For other windows it is selected only for panels, because
-/// other parts of this back end may have selected events on the rest.
+/// often, and each event would wake the program. For other windows it is selected only for panels.
 class ReservedSpaceWatch::StrutRequest {
 public:
     StrutRequest(Connection& connection, xcb_window_t window, bool isManaged)
         : m_connection(&connection), m_window(window), m_isManaged(isManaged) {
         if (isManaged)
-            selectPropertyChanges(connection, window, XCB_EVENT_MASK_PROPERTY_CHANGE);
+            connection.selectEvents(window, XCB_EVENT_MASK_PROPERTY_CHANGE);
         m_partial = requestNumbers(connection, window, connection.atom(Atom::NetWmStrutPartial), 12);
         m_whole = requestNumbers(connection, window, connection.atom(Atom::NetWmStrut), 4);
         m_type = requestProperty(connection, window, connection.atom(Atom::NetWmWindowType), XCB_ATOM_ATOM,
@@ -65,9 +59,10 @@ public:
         if (!m_isManaged && !isDock)
             struts.clear();
         const bool isPanel = isDock || !struts.empty();
-        if (isPanel != m_isManaged)
-            selectPropertyChanges(*m_connection, m_window,
-                                  isPanel ? XCB_EVENT_MASK_PROPERTY_CHANGE : XCB_EVENT_MASK_NO_EVENT);
+        if (!isPanel)
+            m_connection->deselectEvents(m_window, XCB_EVENT_MASK_PROPERTY_CHANGE);
+        else if (!m_isManaged)
+            m_connection->selectEvents(m_window, XCB_EVENT_MASK_PROPERTY_CHANGE);
         return struts;
     }
 
@@ -156,8 +151,8 @@ void ReservedSpaceWatch::noteRoot(xcb_atom_t property) {
 void ReservedSpaceWatch::refresh() {
     m_isCurrent = true; // set first, so that an event read along with the replies can reset it
     if (std::exchange(m_strutsOutdated, false)) {
-        m_struts.clear();
-        m_otherStruts.clear();
+        dropAllBut({}, m_struts);
+        dropAllBut({}, m_otherStruts);
     }
     const auto clientsCookie = requestWindowList(m_connection, Atom::NetClientList);
     const auto desktopCookie =
@@ -173,10 +168,13 @@ void ReservedSpaceWatch::refresh() {
         ManagersAreasRequest(m_connection, areasAtom(m_desktop)).collect(m_desktop, m_space);
     const auto managed = values(clients);
     const bool publishesAreas = m_space.commonArea || !m_space.areaPerMonitor.empty();
+    const auto others = publishesAreas ? std::vector<xcb_window_t>{} : unmanagedChildrenOfRoot(managed);
+    // Both before the first read, because a window may have moved from one cache to the other.
+    dropAllBut(managed, m_struts);
+    dropAllBut(others, m_otherStruts);
     m_space.struts.clear();
     readStruts(m_struts, managed, Managed::Yes);
-    readStruts(m_otherStruts, publishesAreas ? std::vector<xcb_window_t>{} : unmanagedChildrenOfRoot(managed),
-               Managed::No);
+    readStruts(m_otherStruts, others, Managed::No);
 }
 
 /// Returns the children of the root window that belong to other programs and are not managed.
@@ -193,11 +191,21 @@ std::vector<xcb_window_t> ReservedSpaceWatch::unmanagedChildrenOfRoot(std::span<
     return children;
 }
 
-/// Adds the struts of `windows`. Reads only windows that are not in `cache`; windows that are no longer
-/// listed drop out of it.
-void ReservedSpaceWatch::readStruts(std::unordered_map<xcb_window_t, std::vector<Strut>>& cache,
-                                    std::span<const xcb_window_t> windows, Managed managed) {
-    std::unordered_map<xcb_window_t, std::vector<Strut>> struts;
+/// Drops the windows that are not in `windows` from the cache and stops watching them.
+void ReservedSpaceWatch::dropAllBut(std::span<const xcb_window_t> windows, StrutCache& cache) {
+    const std::unordered_set<xcb_window_t> kept(windows.begin(), windows.end());
+    std::erase_if(cache, [&](const auto& entry) {
+        const bool isGone = !kept.contains(entry.first);
+        if (isGone)
+            m_connection.deselectEvents(entry.first, XCB_EVENT_MASK_PROPERTY_CHANGE);
+        return isGone;
+    });
+}
+
+/// Adds the struts of `windows`. Reads only windows that are not in `cache`.
+void ReservedSpaceWatch::readStruts(StrutCache& cache, std::span<const xcb_window_t> windows,
+                                    Managed managed) {
+    StrutCache struts;
     std::vector<StrutRequest> requests;
     for (const xcb_window_t window : windows) {
         if (auto known = cache.find(window); known != cache.end())

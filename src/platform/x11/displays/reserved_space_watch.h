@@ -29,14 +29,15 @@ public:
 private:
     class StrutRequest;
     class ManagersAreasRequest;
+    using StrutCache = std::unordered_map<xcb_window_t, std::vector<Strut>>; ///< by window
 
     void note(const Connection::Event& event);
     void noteRoot(xcb_atom_t property);
     void follow();
     void refresh();
     enum class Managed { No, Yes };
-    void readStruts(std::unordered_map<xcb_window_t, std::vector<Strut>>& cache,
-                    std::span<const xcb_window_t> windows, Managed managed);
+    void dropAllBut(std::span<const xcb_window_t> windows, StrutCache& cache);
+    void readStruts(StrutCache& cache, std::span<const xcb_window_t> windows, Managed managed);
     [[nodiscard]] std::vector<xcb_window_t> unmanagedChildrenOfRoot(std::span<const xcb_window_t> managed);
     [[nodiscard]] xcb_atom_t areasAtom(std::uint32_t desktop);
 
@@ -46,9 +47,9 @@ private:
     bool m_strutsOutdated = false;
     std::uint32_t m_desktop = 0; // the current desktop as last read
     ReservedSpace m_space;
-    std::unordered_map<xcb_window_t, std::vector<Strut>> m_struts;      // of every managed window
-    std::unordered_map<xcb_window_t, std::vector<Strut>> m_otherStruts; // of other windows that count
-    std::unordered_map<std::uint32_t, xcb_atom_t> m_areasAtoms;         // by desktop
+    StrutCache m_struts;                                        // of every managed window
+    StrutCache m_otherStruts;                                   // of other windows that count
+    std::unordered_map<std::uint32_t, xcb_atom_t> m_areasAtoms; // by desktop
     SubscriptionPtr m_observer;
     SubscriptionPtr m_handler;
 };

@@ -116,9 +116,21 @@ bool Connection::owns(xcb_window_t window) const {
     return setup && (window & ~setup->resource_id_mask) == setup->resource_id_base;
 }
 
-void Connection::selectRootEvents(std::uint32_t mask) {
-    m_rootEventMask |= mask;
-    xcb_change_window_attributes(xcb(), root(), XCB_CW_EVENT_MASK, &m_rootEventMask);
+/// Always sends the request: the id may have belonged to a window that has gone since.
+void Connection::selectEvents(xcb_window_t window, std::uint32_t mask) {
+    std::uint32_t& selected = m_eventMasks[window];
+    selected |= mask;
+    xcb_change_window_attributes(xcb(), window, XCB_CW_EVENT_MASK, &selected);
+}
+
+void Connection::deselectEvents(xcb_window_t window, std::uint32_t mask) {
+    const auto selected = m_eventMasks.find(window);
+    if (selected == m_eventMasks.end() || (selected->second & mask) == 0)
+        return;
+    selected->second &= ~mask;
+    xcb_change_window_attributes(xcb(), window, XCB_CW_EVENT_MASK, &selected->second);
+    if (selected->second == 0)
+        m_eventMasks.erase(selected);
 }
 
 void Connection::dispatch() {

@@ -18,6 +18,7 @@
 #include <string>
 #include <string_view>
 #include <type_traits>
+#include <unordered_map>
 
 namespace tessarel::x11 {
 
@@ -103,9 +104,15 @@ public:
     /// Sends all buffered requests.
     void flush();
 
-    /// Adds `mask` to the events that this connection selects on the root window. A connection has one event
-    /// mask per window, so setting the attribute directly would deselect the events of the other callers.
-    void selectRootEvents(std::uint32_t mask);
+    /// Adds `mask` to the events that this connection selects on the root window.
+    void selectRootEvents(std::uint32_t mask) { selectEvents(root(), mask); }
+    /// Adds `mask` to the events that this connection selects on a window of another client. A connection has
+    /// one event mask per window, so setting the attribute directly would deselect the events of the other
+    /// callers, which must use different events.
+    void selectEvents(xcb_window_t window, std::uint32_t mask);
+    /// Removes `mask` from the events that this connection selects on `window`. Sends nothing if none of them
+    /// is selected.
+    void deselectEvents(xcb_window_t window, std::uint32_t mask);
 
     /// Reads all events that have arrived and delivers every queued event, in order, one turn each. Calls the
     /// `onLost` callbacks when the connection is lost.
@@ -162,8 +169,8 @@ private:
     const xcb_screen_t* m_screen;
     Atoms m_atoms;
     Extensions m_extensions;
-    std::uint32_t m_rootEventMask = 0; // all events selected on the root window
-    std::deque<Reply<Event>> m_events; // read but not delivered yet
+    std::unordered_map<xcb_window_t, std::uint32_t> m_eventMasks; // all events selected, by window
+    std::deque<Reply<Event>> m_events;                            // read but not delivered yet
     Signal<const Event&> m_handlers;
     Signal<const Event&> m_observers;
     Signal<> m_endTurnHooks;

@@ -1,3 +1,4 @@
+#include "platform/x11/server/event.h"
 #include "platform/x11/x11_fixture.h"
 
 #include <gtest/gtest.h>
@@ -34,6 +35,17 @@ protected:
             driver.hear();
             return displays.screens().at(0).visibleFrame == screenFrame;
         });
+    }
+
+    /// Returns how many events of `type` the server reports while `change` happens.
+    template <class Change>
+    [[nodiscard]] int eventsDuring(Change change, std::uint8_t type) {
+        int events = 0;
+        const auto count = connection.onRead(
+            [&](const Connection::Event& event) { events += eventType(event) == type ? 1 : 0; });
+        change();
+        settle();
+        return events;
     }
 
     void splitInTwo() {
@@ -225,6 +237,30 @@ TEST_F(DisplaysTest, WithoutAnActiveWindowTheMainScreenIsThatOfThePointer) {
         observer.x().roundTrip();
         EXPECT_EQ(displays.mainScreen(), displays.screens().at(x < 900 ? 0 : 1));
     }
+}
+
+TEST_F(DisplaysTest, APanelIsStillWatchedAfterItsOtherEventsWereDeselected) {
+    const xcb_window_t panel = openPanel(topStrut(30, 0, 1599));
+    ASSERT_TRUE(becomesVisible({0, 0, 1600, 870}));
+    connection.selectEvents(panel, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    connection.deselectEvents(panel, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+    settle();
+
+    EXPECT_GT(eventsDuring([&] { client.setProperty(panel, "NAME", "STRING", 8, "x"); }, XCB_PROPERTY_NOTIFY),
+              0);
+}
+
+TEST_F(DisplaysTest, ReadingStrutsLeavesOtherEventsSelected) {
+    const xcb_window_t window = client.open();
+    ASSERT_TRUE(observer.waitUntil([&] { return observer.managed(window); }));
+    connection.selectEvents(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY);
+
+    (void)displays.screens();
+
+    EXPECT_GT(eventsDuring([&] { client.moveBack(window, {300, 300, 444, 333}); }, XCB_CONFIGURE_NOTIFY), 0);
+    EXPECT_EQ(
+        eventsDuring([&] { client.setProperty(window, "NAME", "STRING", 8, "x"); }, XCB_PROPERTY_NOTIFY), 0)
+        << "the window is no panel";
 }
 
 TEST_F(DisplaysTest, WithoutChangesNoRequestIsSent) {
