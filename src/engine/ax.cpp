@@ -119,6 +119,11 @@ SubscriptionPtr AX::onWindowClosed(const Element& window, std::function<void()> 
     return m_accessibility.onWindowClosed(window, std::move(closed));
 }
 
+SubscriptionPtr
+AX::onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) const {
+    return m_accessibility.onCorrected(std::move(corrected));
+}
+
 std::uintptr_t AX::key(const Element& element) const {
     return m_accessibility.key(element);
 }

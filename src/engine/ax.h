@@ -80,6 +80,11 @@ public:
     /// null if the window cannot be observed.
     [[nodiscard]] SubscriptionPtr onWindowClosed(const Element& window, std::function<void()> closed) const;
 
+    /// Calls `corrected` when a program changes the frame of its window shortly after it was set (see
+    /// `AccessibilityPort::onCorrected`).
+    [[nodiscard]] SubscriptionPtr
+    onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) const;
+
     /// Returns the key of an element (see `AccessibilityPort::key`).
     [[nodiscard]] std::uintptr_t key(const Element& element) const;
 

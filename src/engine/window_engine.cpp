@@ -49,7 +49,9 @@ struct WindowEngine::TargetOnScreen : Target {
 WindowEngine::WindowEngine(AX& ax, Geo& geo, DisplaysPort& displays, WorkspacePort& workspace,
                            WindowListPort& windowList, AlertSoundPort& alertSound, Store& store)
     : m_ax(ax), m_geo(geo), m_displays(displays), m_workspace(workspace), m_windowList(windowList),
-      m_alertSound(alertSound), m_store(store) {}
+      m_alertSound(alertSound), m_store(store),
+      m_corrections(
+          ax.onCorrected([this](const Element& window, const Rect& axFrame) { follow(window, axFrame); })) {}
 
 WindowEngine::WindowKey WindowEngine::key(const Element& window) const {
     return m_ax.key(window);
@@ -87,6 +89,13 @@ bool WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFra
     // The program may have adjusted the frame, so the one to compare with is read back.
     m_lastSnapped[windowKey] = m_ax.frame(window).value_or(axFrame);
     return true;
+}
+
+/// Takes up the frame that the program itself has chosen after the last placement.
+void WindowEngine::follow(const Element& window, const Rect& axFrame) {
+    const auto last = m_lastSnapped.find(key(window));
+    if (last != m_lastSnapped.end())
+        last->second = axFrame;
 }
 
 void WindowEngine::remember(const std::optional<std::string>& bundleID, std::size_t zoneIndex) {

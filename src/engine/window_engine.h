@@ -4,6 +4,7 @@
 #include "engine/found_window.h"
 #include "engine/geo.h"
 #include "model/store.h"
+#include "model/subscription.h"
 #include "model/zone.h"
 #include "ports/alert_sound_port.h"
 #include "ports/displays_port.h"
@@ -51,8 +52,9 @@ public:
     /// window move except `restoreFocused` goes through this function.
     ///
     /// Remembers the frame before the move, which is `previous` if given, for restoring. If the window is
-    /// still where it was last placed, keeps the frame remembered earlier: a restore chain leads back to its
-    /// beginning. Does not check whether the window may be moved.
+    /// still where it was last placed, or where its program has put it shortly after, keeps the frame
+    /// remembered earlier: a restore chain leads back to its beginning. Does not check whether the window may
+    /// be moved.
     ///
     /// Returns false, and changes nothing about restoring, if the desktop has refused to move the window.
     bool place(const Element& window, ProcessId pid, const Rect& axFrame, const std::optional<Rect>& bounds,
@@ -99,6 +101,7 @@ private:
     /// Finds the element of a window that the window server has listed.
     [[nodiscard]] std::optional<Element> match(const Rect& axBounds, ProcessId pid,
                                                const std::unordered_set<WindowKey>& seen) const;
+    void follow(const Element& window, const Rect& axFrame);
     [[nodiscard]] bool isWhollyIgnored(ProcessId pid) const;
     [[nodiscard]] std::optional<Screen> attendedScreen() const;
 
@@ -110,8 +113,10 @@ private:
     AlertSoundPort& m_alertSound;
     Store& m_store;
     // The restore chains. They last for the run of the program; entries of closed windows are not removed.
-    std::unordered_map<WindowKey, Rect> m_original;    ///< frame before the first placement of a chain
-    std::unordered_map<WindowKey, Rect> m_lastSnapped; ///< frame after the last placement, as read back
+    std::unordered_map<WindowKey, Rect> m_original; ///< frame before the first placement of a chain
+    /// Frame after the last placement, as read back and then corrected by the program.
+    std::unordered_map<WindowKey, Rect> m_lastSnapped;
+    SubscriptionPtr m_corrections;
 };
 
 } // namespace tessarel

@@ -117,6 +117,14 @@ public:
     /// to `window`, so that it has stayed where it was: tiling window managers do. Call it right after the
     /// writes. Returns false where the desktop has no say in it.
     [[nodiscard]] virtual bool hasRefused(const Element& window) = 0;
+
+    /// Calls `corrected` on the main thread, until the returned subscription is destroyed, when a program
+    /// changes the frame of its window within half a second of the last write to it: some programs correct
+    /// their size once they have seen the new one. What the user does with the mouse does not count. The
+    /// frame may be the written one. Returns null where such changes are not observed.
+    [[nodiscard]] virtual SubscriptionPtr
+    onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) = 0;
+
     /// Returns the application that `window` belongs to. That is the application of its process, except where
     /// several applications share a process. Empty if there is none. Sends no request to the window's
     /// program.

@@ -205,8 +205,8 @@ private:
     x11::Applications m_applicationsSeen{
         m_windows, {m_entries.path()}, [](ProcessId) { return xdg::ProcessFacts(); }};
     x11::ApplicationWatch m_watch{m_line.connection(), m_windows, m_applicationsSeen};
-    x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows, m_applicationsSeen,
-                                          m_watch};
+    x11::X11Accessibility m_accessibility{m_line.connection(), m_monitors, m_windows,
+                                          m_applicationsSeen,  m_watch,    m_line.queue()};
     x11::X11Workspace m_workspace{m_applicationsSeen, m_watch};
     x11::X11HotKeys m_hotKeys{m_line.connection()};
     x11::X11KeyNames m_keyNames{m_line.connection()};

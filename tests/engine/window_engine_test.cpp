@@ -95,6 +95,34 @@ TEST_F(WindowEngineTest, ADifferenceOfMoreThanThreePointsStartsANewChain) {
     }
 }
 
+TEST_F(WindowEngineTest, AFrameThatTheProgramCorrectsContinuesTheChain) {
+    place(kLeft);
+    desktop.accessibility().correct(window, {-1400, -575, 650, 832});
+    place(kRight);
+
+    EXPECT_EQ(restored(), kStart);
+}
+
+TEST_F(WindowEngineTest, AWindowMovedByHandAfterACorrectionStartsANewChain) {
+    place(kLeft);
+    desktop.accessibility().correct(window, {-1400, -575, 650, 832});
+    desktop.drag(window, kLeft);
+    place(kRight);
+
+    EXPECT_EQ(restored(), kLeft);
+}
+
+TEST_F(WindowEngineTest, ACorrectionAfterRestoringStartsNoChain) {
+    place(kLeft);
+    EXPECT_EQ(restored(), kStart);
+    const Rect corrected{kStart.x, kStart.y, kStart.width, kStart.height + 12};
+    desktop.accessibility().correct(window, corrected);
+
+    place(kRight);
+
+    EXPECT_EQ(restored(), corrected);
+}
+
 TEST_F(WindowEngineTest, ARefusedSizeStillCountsAsUnmoved) {
     desktop.applicationOf(window).refusesSize = true;
     place(kLeft);

@@ -39,7 +39,7 @@ struct X11Desktop {
                xdg::OnReadable onReadable)
         : monitors(connection), windows(connection), applications(windows),
           watch(connection, windows, applications),
-          accessibility(connection, monitors, windows, applications, watch),
+          accessibility(connection, monitors, windows, applications, watch, queue),
           refusalNotice(accessibility, windows, queue, alerts), alertSound(connection),
           displays(connection, monitors, [this] { return windows.activeFrame(); }), hotKeys(connection),
           keyNames(connection), loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),

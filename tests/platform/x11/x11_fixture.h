@@ -87,7 +87,7 @@ protected:
     X11Displays displays{connection, monitors, [this] { return windows.activeFrame(); }};
     Applications applications{windows};
     ApplicationWatch watch{connection, windows, applications};
-    X11Accessibility accessibility{connection, monitors, windows, applications, watch};
+    X11Accessibility accessibility{connection, monitors, windows, applications, watch, driver.queue()};
     X11Workspace workspace{applications, watch};
 };
 

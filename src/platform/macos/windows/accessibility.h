@@ -48,6 +48,9 @@ public:
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
     /// Returns false: only the owning program can refuse.
     [[nodiscard]] bool hasRefused(const Element& window) override;
+    /// Returns null: corrections are not observed.
+    [[nodiscard]] SubscriptionPtr
+    onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) override;
     /// Returns the application of the window's process; a process has one bundle identifier.
     [[nodiscard]] std::optional<RunningApplication> owner(const Element& window) override;
 

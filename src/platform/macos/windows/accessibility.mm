@@ -161,6 +161,11 @@ bool MacAccessibility::hasRefused(const Element& /*window*/) {
     return false;
 }
 
+SubscriptionPtr
+MacAccessibility::onCorrected(std::function<void(const Element& window, const Rect& axFrame)> /*corrected*/) {
+    return nullptr;
+}
+
 std::optional<ProcessId> MacAccessibility::pid(const Element& element) {
     @autoreleasepool {
         pid_t owner = 0; // the system-wide element has no process and leaves it at 0

@@ -226,6 +226,18 @@ bool SimAccessibility::hasRefused(const Element& window) {
     return found && found->isTiled;
 }
 
+SubscriptionPtr
+SimAccessibility::onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) {
+    return m_corrections.connect(std::move(corrected));
+}
+
+void SimAccessibility::correct(WindowId id, const Rect& axFrame) {
+    if (SimWindow* const corrected = m_state.window(id)) {
+        show(*corrected, axFrame);
+        m_corrections.send(window(id), axFrame);
+    }
+}
+
 std::optional<RunningApplication> SimAccessibility::owner(const Element& window) {
     const Name* name = nameOf(window);
     return name && name->kind != Name::Kind::Application ? m_state.owner(name->window) : std::nullopt;

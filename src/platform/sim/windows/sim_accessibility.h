@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/signal.h"
 #include "platform/sim/windows/sim_state.h"
 #include "ports/accessibility_port.h"
 
@@ -42,8 +43,13 @@ public:
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
     /// Returns whether the desktop keeps the window (see `SimWindow::isTiled`).
     [[nodiscard]] bool hasRefused(const Element& window) override;
+    /// Calls `corrected` when a test calls `correct`.
+    [[nodiscard]] SubscriptionPtr
+    onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) override;
     [[nodiscard]] std::optional<RunningApplication> owner(const Element& window) override;
 
+    /// Changes the frame of a window, as its program does shortly after a write.
+    void correct(WindowId id, const Rect& axFrame);
     /// Calls the observers of the window's application, as if the window had just been opened.
     void reportCreated(WindowId id);
     /// Calls `handler` after every write, with its line in the record. The handler may change the desktop.
@@ -78,6 +84,7 @@ private:
 
     SimState& m_state;
     std::function<void(const std::string& line)> m_afterWrite;
+    Signal<const Element&, const Rect&> m_corrections;
     SimClock::Duration m_timeLimit = SimApplication::kTimeLimit; ///< for elements without their own limit
 };
 

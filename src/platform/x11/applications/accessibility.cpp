@@ -75,9 +75,10 @@ bool isMinimized(const WindowStates& states) {
 } // namespace
 
 X11Accessibility::X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows,
-                                   Applications& applications, ApplicationWatch& watch)
+                                   Applications& applications, ApplicationWatch& watch, MainQueuePort& queue)
     : m_connection(connection), m_monitors(monitors), m_windows(windows), m_applications(applications),
-      m_watch(watch), m_placement(connection, windows),
+      m_watch(watch), m_corrections(connection, windows, queue),
+      m_placement(connection, windows, [this](xcb_window_t window) { m_corrections.start(window); }),
       m_endOfTurn(connection.onEndTurn([this] { finishWrites(); })) {}
 
 Element X11Accessibility::application(ProcessId pid) {
@@ -146,6 +147,8 @@ std::optional<AttributeValue> X11Accessibility::windowAttribute(const Element& e
     if (!frame || (hasEnded(window, PlacementOutcome::Late) &&
                    (attribute == attribute::kPosition || attribute == attribute::kSize)))
         return std::nullopt;
+    if (attribute == attribute::kPosition || attribute == attribute::kSize)
+        m_corrections.catchUp(window);
     if (attribute == attribute::kPosition)
         return axFromRoot(frame->outer(), m_monitors.primaryOrigin()).origin();
     if (attribute == attribute::kSize)
@@ -204,6 +207,15 @@ bool X11Accessibility::hasEnded(xcb_window_t window, PlacementOutcome outcome) c
 bool X11Accessibility::hasRefused(const Element& window) {
     finishWrites();
     return hasEnded(nativeElement(window).window, PlacementOutcome::Refused);
+}
+
+SubscriptionPtr
+X11Accessibility::onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) {
+    return m_corrections.onCorrection(
+        [this, corrected = std::move(corrected)](xcb_window_t window, const Rect& outer) {
+            if (const auto pid = m_windows.pid(window))
+                corrected(makeElement(*pid, window), axFromRoot(outer, m_monitors.primaryOrigin()));
+        });
 }
 
 SubscriptionPtr X11Accessibility::onRefusal(std::function<void()> refused) {

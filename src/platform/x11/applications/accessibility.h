@@ -3,11 +3,13 @@
 #include "model/signal.h"
 #include "platform/x11/applications/application_watch.h"
 #include "platform/x11/applications/applications.h"
+#include "platform/x11/applications/correction_watch.h"
 #include "platform/x11/displays/monitors.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/client_windows.h"
 #include "platform/x11/windows/placement.h"
 #include "ports/accessibility_port.h"
+#include "ports/main_queue_port.h"
 
 #include <chrono>
 #include <cstdint>
@@ -27,7 +29,7 @@ class X11Accessibility : public AccessibilityPort {
 public:
     /// All referenced objects must outlive this one.
     X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows,
-                     Applications& applications, ApplicationWatch& watch);
+                     Applications& applications, ApplicationWatch& watch, MainQueuePort& queue);
 
     [[nodiscard]] Element application(ProcessId pid) override;
     [[nodiscard]] Element systemWide() override;
@@ -56,6 +58,9 @@ public:
     [[nodiscard]] std::optional<RunningApplication> owner(const Element& element) override;
     /// Returns whether the window manager has left the window where it was.
     [[nodiscard]] bool hasRefused(const Element& window) override;
+    /// Calls `corrected` as described for `CorrectionWatch`.
+    [[nodiscard]] SubscriptionPtr
+    onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) override;
 
     /// Calls `refused` after each placement that the window manager has refused.
     [[nodiscard]] SubscriptionPtr onRefusal(std::function<void()> refused);
@@ -78,6 +83,7 @@ private:
     ClientWindows& m_windows;
     Applications& m_applications;
     ApplicationWatch& m_watch;
+    CorrectionWatch m_corrections;
     Placement m_placement;
     xcb_window_t m_written = XCB_WINDOW_NONE; // the window that `m_wish` is for
     FrameWish m_wish;

@@ -68,8 +68,10 @@ Size clientSize(const Size& outer, const Extents& extents) {
 
 } // namespace
 
-Placement::Placement(Connection& connection, ClientWindows& windows)
-    : m_connection(connection), m_windows(windows), m_barrier(connection) {}
+Placement::Placement(Connection& connection, ClientWindows& windows,
+                     std::function<void(xcb_window_t window)> beforeRead)
+    : m_connection(connection), m_windows(windows), m_beforeRead(std::move(beforeRead)),
+      m_barrier(connection) {}
 
 PlacementOutcome Placement::place(xcb_window_t window, FrameWish wish) {
     const auto before = m_windows.frame(window);
@@ -172,6 +174,8 @@ void Placement::ask(Task& task) {
 /// now. A window that has gone counts as late.
 void Placement::finish(Task& task) {
     task.isLate = !m_barrier.wait();
+    if (m_beforeRead)
+        m_beforeRead(task.window);
     m_windows.forgetFrame(task.window);
     if (const auto frame = m_windows.frame(task.window))
         task.now = *frame;

@@ -5,6 +5,7 @@
 #include "platform/x11/windows/client_windows.h"
 #include "ports/rect.h"
 
+#include <functional>
 #include <optional>
 
 namespace tessarel::x11 {
@@ -30,8 +31,10 @@ enum class PlacementOutcome {
 /// another window manager takes over.
 class Placement {
 public:
-    /// Both references must outlive this object.
-    Placement(Connection& connection, ClientWindows& windows);
+    /// Both references must outlive this object. Calls `beforeRead`, if any, with the window each time just
+    /// before reading its frame back.
+    Placement(Connection& connection, ClientWindows& windows,
+              std::function<void(xcb_window_t window)> beforeRead = nullptr);
 
     /// Requests the frame with one message and waits until the window manager has processed it, or times out.
     ///
@@ -72,6 +75,7 @@ private:
 
     Connection& m_connection;
     ClientWindows& m_windows;
+    std::function<void(xcb_window_t window)> m_beforeRead;
     Barrier m_barrier;
     xcb_window_t m_manager = XCB_WINDOW_NONE; // the check window of the manager that `m_route` is for
     Route m_route = Route::Message;

@@ -145,7 +145,7 @@ TEST_F(ProgramIdentityTest, AProcessThatDoesNotExistLeavesTheNamesOfTheWindow) {
 TEST_F(ProgramIdentityTest, OneProcessMayRunSeveralApplications) {
     entry("office-text", "StartupWMClass=office-text\n");
     entry("office-table", "StartupWMClass=office-table\n");
-    X11Accessibility elements(connection, monitors, windows, installed, watch);
+    X11Accessibility elements(connection, monitors, windows, installed, watch, driver.queue());
     const Element text = elementOf(open({.className = "office-text"}));
     const Element table = elementOf(open({.className = "office-table"}));
 

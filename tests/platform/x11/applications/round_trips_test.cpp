@@ -153,7 +153,7 @@ TEST(LostServerTest, EveryReadIsEmptyAndNothingHangs) {
     X11Displays displays(connection, monitors, [&windows] { return windows.activeFrame(); });
     Applications applications(windows);
     ApplicationWatch watch(connection, windows, applications);
-    X11Accessibility accessibility(connection, monitors, windows, applications, watch);
+    X11Accessibility accessibility(connection, monitors, windows, applications, watch, driver.queue());
     X11Workspace workspace(applications, watch);
     server.kill();
 
