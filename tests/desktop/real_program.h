@@ -18,6 +18,11 @@ struct RealProgram {
     std::vector<std::string> arguments;
 };
 
+/// Grows by some pixels shortly after its width has changed.
+inline const RealProgram kCalculator{"calculator", {"gnome-calculator"}};
+/// Takes sizes in steps. It needs a session bus.
+inline const RealProgram kGtk3Terminal{"gtk3_terminal",
+                                       {"dbus-run-session", "--", "gnome-terminal", "--wait", "--", "cat"}};
 inline const RealProgram kXterm{"xterm", {"xterm", "-geometry", "60x12+200+150", "-e", "cat"}};
 inline const RealProgram kGtk3Program{"gtk3", {"mousepad", "--disable-server"}};
 inline const RealProgram kGtk4Program{"gtk4", {"gtk4-print-editor"}};

@@ -24,11 +24,16 @@ protected:
         return program.window;
     }
 
+    [[nodiscard]] bool hasSteps(xcb_window_t window) {
+        const std::vector<std::uint32_t> hints = observer.values(window, "WM_NORMAL_HINTS");
+        return hints.size() > 10 && (hints[0] & kHasSteps) != 0;
+    }
+
     /// Returns true if the window fills the zone except for less than one resize increment at the right and
     /// below.
     [[nodiscard]] bool isInZone(xcb_window_t window) {
         const std::vector<std::uint32_t> hints = observer.values(window, "WM_NORMAL_HINTS");
-        const bool hasSteps = hints.size() > 10 && (hints[0] & kHasSteps) != 0;
+        const bool hasSteps = this->hasSteps(window);
         const auto fits = [](int length, int room, std::uint32_t step) {
             return length <= room && length > room - static_cast<int>(std::max(step, 1U));
         };
@@ -61,6 +66,60 @@ TEST_P(RealProgramTest, OpensInItsZoneWhenItIsStartedAgain) {
     expectInZone(start());
 }
 
+/// Programs of size steps, whose windows leave the maximised state at the press.
+class RealTerminalTest : public RealProgramTest {};
+
+TEST_P(RealTerminalTest, AMaximisedTerminalIsInItsZoneAfterOnePress) {
+    const xcb_window_t window = start();
+    ASSERT_TRUE(hasSteps(window));
+    ASSERT_TRUE(desktop.activate(window));
+    const std::vector<std::string> states{"_NET_WM_STATE_MAXIMIZED_HORZ", "_NET_WM_STATE_MAXIMIZED_VERT"};
+    observer.changeState(window, StateChange::Add, states[0], states[1]);
+    ASSERT_TRUE(observer.waitUntil([&] { return observer.hasState(window, states[0]); }));
+    ASSERT_TRUE(observer.settle());
+
+    desktop.press(hotkey::zone(5));
+
+    EXPECT_TRUE(desktop.waitUntilWithout(window, states));
+    expectInZone(window);
+    EXPECT_TRUE(desktop.waitUntilProgramRests());
+    expectInZone(window);
+}
+
+/// Programs that correct their size after a placement.
+class RealCorrectionTest : public RealProgramTest {
+protected:
+    /// Presses the hot key of zone `number` and waits until the program has made its window higher than the
+    /// zone.
+    void snapAndWaitForCorrection(xcb_window_t window, int number) {
+        const Frame target = frameIn(desktop.usableArea(), kZones.at(static_cast<std::size_t>(number - 1)));
+        desktop.press(hotkey::zone(number));
+        ASSERT_TRUE(observer.waitUntil([&] {
+            const Frame frame = desktop.frame(window);
+            return frame.x == target.x && frame.width == target.width && frame.height > target.height;
+        })) << desktop.frame(window)
+            << " in " << target;
+        ASSERT_TRUE(observer.settleProgram(window));
+        ASSERT_TRUE(desktop.waitUntilProgramRests());
+    }
+};
+
+TEST_P(RealCorrectionTest, RestoreReturnsToTheBeginningOfTheChain) {
+    const xcb_window_t window = start();
+    ASSERT_TRUE(desktop.activate(window));
+    const Frame before = desktop.frame(window);
+    snapAndWaitForCorrection(window, 5);
+    snapAndWaitForCorrection(window, 4);
+
+    desktop.press(hotkey::kRestore);
+
+    EXPECT_TRUE(observer.waitUntil([&] {
+        const Frame frame = desktop.frame(window);
+        return frame.x == before.x && frame.width == before.width;
+    })) << desktop.frame(window)
+        << " instead of " << before;
+}
+
 std::string cellName(const testing::TestParamInfo<Cell>& info) {
     return std::string(std::get<1>(info.param).name) + "_on_" + std::string(name(std::get<0>(info.param)));
 }
@@ -68,6 +127,15 @@ std::string cellName(const testing::TestParamInfo<Cell>& info) {
 INSTANTIATE_TEST_SUITE_P(Some, RealProgramTest,
                          testing::Combine(testing::ValuesIn(kManagersForHomes),
                                           testing::Values(kXterm, kGtk3Program, kGtk4Program, kQtProgram)),
+                         cellName);
+
+INSTANTIATE_TEST_SUITE_P(Some, RealTerminalTest,
+                         testing::Combine(testing::ValuesIn(kManagersForHomes),
+                                          testing::Values(kXterm, kGtk3Terminal)),
+                         cellName);
+
+INSTANTIATE_TEST_SUITE_P(Some, RealCorrectionTest,
+                         testing::Combine(testing::ValuesIn(kManagersForHomes), testing::Values(kCalculator)),
                          cellName);
 
 } // namespace
