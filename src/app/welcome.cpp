@@ -16,12 +16,13 @@ constexpr std::size_t kContinue = 0;
 Alert welcomeAlert(const PlatformWords& words) {
     const std::string ctrlOpt =
         std::string(words.modifierNames.ctrl) + "+" + std::string(words.modifierNames.opt);
+    const std::string dragNote = words.welcomeDragNote.empty() ? "" : " " + words.welcomeDragNote;
     return {
         "Welcome to " + std::string(Config::appName),
         words.welcomeFirst + "\n\nTry it: press " + ctrlOpt +
             "+1 to 5 to snap the front window into a zone, or hold Shift while dragging a window to see the "
-            "zones. Click the " +
-            words.statusItem + ", then Settings, to design your own layout.",
+            "zones." +
+            dragNote + " Click the " + words.statusItem + ", then Settings, to design your own layout.",
         {"Continue", "Open Settings"},
         kContinue};
 }

@@ -14,6 +14,8 @@ struct PlatformWords {
     std::string welcomeFirst =
         "macOS only lets an app move other apps' windows after you allow it under Privacy & Security > "
         "Accessibility. Click Continue, then switch Tessarel on in the list.";
+    /// Sentence after the welcome's advice to hold Shift while dragging a window; may be empty.
+    std::string welcomeDragNote = {};
     /// Name of the status item within a sentence.
     std::string statusItem = "menu bar icon";
     /// Explanation of "usable screen area", within a sentence.

@@ -2,10 +2,12 @@
 #include "app/login_item.h"
 #include "app/main_menu.h"
 #include "app/status_item.h"
+#include "app/welcome.h"
 #include "platform/sim/sim_desktop.h"
 #include "support/settings_window_record.h"
 #include "support/sim_ports.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -48,6 +50,14 @@ TEST_F(FirstRunTest, TheUserIsWelcomedOnce) {
     EXPECT_EQ(alert.dismissedAs, 0U) << "closing it opens no settings";
     EXPECT_EQ(desktop.ownApplication().activations, 1);
     EXPECT_TRUE(Store(desktop.preferences()).settings.hasOnboarded);
+}
+
+TEST(WelcomeTest, ANoteOfTheSystemFollowsTheAdviceToDrag) {
+    PlatformWords words;
+    words.welcomeDragNote = "Press it late.";
+
+    EXPECT_THAT(welcomeAlert(words).informativeText,
+                testing::HasSubstr("to see the zones. Press it late. Click the menu bar icon"));
 }
 
 TEST_F(FirstRunTest, TheWelcomeIsFollowedByThePromptWhateverTheButton) {

@@ -9,6 +9,7 @@ namespace tessarel::x11 {
     return {.modifierNames = {.ctrl = "Ctrl", .opt = "Alt", .shift = "Shift", .cmd = "Super"},
             .welcomeFirst = "Tessarel moves other programs' windows with the help of your window manager and "
                             "needs no permission for it.",
+            .welcomeDragNote = "If the window does not move while Shift is held, press Shift once it moves.",
             .statusItem = "icon in the panel",
             .usableArea = "what panels and docks leave free",
             .otherEdgeTiling = "Your window manager may have its own edge tiling",
