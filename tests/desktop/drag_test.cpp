@@ -61,6 +61,22 @@ TEST_P(DragTest, AWindowStaysWhereItIsDroppedWhenTheTriggerIsReleasedFirst) {
     EXPECT_NE(dropped.x, before.x);
 }
 
+TEST_P(DragTest, TheTriggerShowsAndHidesTheZonesUnderARestingPointer) {
+    const xcb_window_t window = desktop.open(client);
+    ASSERT_TRUE(drag.begin(window));
+    drag.moveInto(zoneFrame(5));
+
+    for (int time = 0; time < 2; ++time) {
+        drag.holdAtRest(XCB_MOD_MASK_SHIFT);
+        EXPECT_TRUE(drag.waitForOverlay(desktop.usableArea()));
+        drag.holdAtRest(0);
+        EXPECT_TRUE(drag.waitUntilNoOverlay());
+    }
+    drag.release();
+
+    expectNextPressWorks();
+}
+
 TEST_P(DragTest, RestoreGoesBackToTheFrameBeforeTheDrag) {
     const xcb_window_t window = desktop.open(client);
     ASSERT_TRUE(desktop.activate(window)); // some window managers decorate it again at this point

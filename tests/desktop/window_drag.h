@@ -30,9 +30,10 @@ public:
     void moveTo(int x, int y);
     /// Moves to the middle of `frame`.
     void moveInto(const Frame& frame) { moveTo(frame.x + frame.width / 2, frame.y + frame.height / 2); }
-    /// Holds exactly these modifiers, and moves by a pixel, because the program reads modifiers with pointer
-    /// motion.
+    /// Holds exactly these modifiers, and moves by a pixel.
     void hold(std::uint16_t modifiers);
+    /// Holds exactly these modifiers, without a movement of the pointer.
+    void holdAtRest(std::uint16_t modifiers) { m_mouse.hold(modifiers); }
     void release();
     /// Presses and releases the button at the pointer.
     void click();
