@@ -55,7 +55,12 @@ void AppDelegate::welcome() {
     // The program may have quit while the message was shown.
     if (alive.expired())
         return;
-    // Only now, so that a user who has not closed the message sees it again at the next start.
+    if (button == kWelcomeDismissed) {
+        // The user sees the welcome again at the next start. If the program is quitting, its event loop ends
+        // before the prompt.
+        m_later.async([this] { m_services->permissions.prompt(); });
+        return;
+    }
     m_services->store.settings.hasOnboarded = true;
     m_services->store.save();
     m_services->permissions.prompt();

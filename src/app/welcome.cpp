@@ -6,13 +6,6 @@
 
 namespace tessarel {
 
-namespace {
-
-/// Index of the button that only closes the message.
-constexpr std::size_t kContinue = 0;
-
-} // namespace
-
 Alert welcomeAlert(const PlatformWords& words) {
     const std::string ctrlOpt =
         std::string(words.modifierNames.ctrl) + "+" + std::string(words.modifierNames.opt);
@@ -24,7 +17,7 @@ Alert welcomeAlert(const PlatformWords& words) {
             "zones." +
             dragNote + " Click the " + words.statusItem + ", then Settings, to design your own layout.",
         {"Continue", "Open Settings"},
-        kContinue};
+        kWelcomeDismissed};
 }
 
 } // namespace tessarel

@@ -14,7 +14,8 @@ struct Alert {
     /// Titles in order; the first button is the default.
     std::vector<std::string> buttons;
     /// Index of the button that is reported when the user closes the message without a button, for example
-    /// with Esc. Empty: the last button.
+    /// with Esc, or when the program quits meanwhile. May be an index that no button has. Empty: the last
+    /// button.
     std::optional<std::size_t> dismissedAs = std::nullopt;
 
     bool operator==(const Alert&) const = default;

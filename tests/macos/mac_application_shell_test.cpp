@@ -171,7 +171,7 @@ TEST_F(MacApplicationShellTest, AMessageComesToTheFrontWhenActivationIsRefused) 
         ASSERT_NE(message, nullptr);
         EXPECT_TRUE(windows->sight(*message).isInFront);
         EXPECT_TRUE(windows->sight(*message).hasKeyboard);
-        message->close();
+        message->findChildren<QPushButton*>().constFirst()->click();
     });
 
     EXPECT_TRUE(until([] {
