@@ -15,9 +15,8 @@ AppDelegate::~AppDelegate() = default;
 
 AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
     // First, because a second copy must not read, create or register anything.
-    m_instance = m_ports.singleInstance.claim([this] { applicationShouldHandleReopen(); });
-    if (!m_instance)
-        return Launch::AnotherCopyRuns;
+    if (const Launch claimed = claimDesktop(); claimed != Launch::Running)
+        return claimed;
 
     Services& services = m_services.emplace(m_ports);
     m_ports.mainMenu.setMainMenu(mainMenu());
@@ -38,6 +37,22 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
     m_later.async([this] { m_services->updater.checkIfDue(); });
     greetUser();
     return Launch::Running;
+}
+
+/// Claims the desktop, also when the copy that has it quits meanwhile.
+AppDelegate::Launch AppDelegate::claimDesktop() {
+    using Kind = SingleInstancePort::Reaction::Kind;
+    for (;;) {
+        m_instance = m_ports.singleInstance.claim([this] { applicationShouldHandleReopen(); },
+                                                  [this] { m_ports.application.terminate(); });
+        if (m_instance)
+            return Launch::Running;
+        auto reaction = m_ports.singleInstance.awaitReaction();
+        if (reaction.kind == Kind::Ended)
+            continue;
+        m_launchFailure = std::move(reaction.problem);
+        return reaction.kind == Kind::Reopened ? Launch::AnotherCopyRuns : Launch::Failed;
+    }
 }
 
 /// Shows the welcome message on the first run. On later runs, asks for the permission if it is missing.

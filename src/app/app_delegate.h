@@ -14,6 +14,7 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+#include <string>
 
 namespace tessarel {
 
@@ -27,6 +28,8 @@ public:
         Running,
         /// The other copy has been notified; nothing has been read, created or registered.
         AnotherCopyRuns,
+        /// Neither this copy nor the other one can help the user; see `launchFailure`.
+        Failed,
     };
 
     /// Delay between choosing an action in the menu and running it, so that the menu can close and the window
@@ -43,6 +46,10 @@ public:
     /// Runs the launch sequence. Call once. The welcome message and the update check wait for the event loop.
     [[nodiscard]] Launch applicationDidFinishLaunching();
 
+    /// Returns why the launch has failed, for the user: one sentence without a capital letter and a full
+    /// stop.
+    [[nodiscard]] const std::string& launchFailure() const { return m_launchFailure; }
+
     /// Opens the settings window. Called when the user starts the program again.
     void applicationShouldHandleReopen();
 
@@ -51,6 +58,7 @@ public:
     void itemSelected(const MenuItem& item);
 
 private:
+    [[nodiscard]] Launch claimDesktop();
     void greetUser();
     /// Shows the welcome message and waits until the user closes it.
     void welcome();
@@ -67,6 +75,7 @@ private:
     Ports m_ports;
     SettingsWindowFactory m_makeSettingsWindow;
     SubscriptionPtr m_instance;
+    std::string m_launchFailure;
     /// Empty until this copy has claimed the desktop.
     std::optional<Services> m_services;
     std::optional<StatusMenu> m_statusMenu;

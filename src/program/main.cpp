@@ -137,8 +137,15 @@ int run(const char* programName) {
                          appearance.apply();
                          return std::make_unique<SettingsWindowController>(services, ports);
                      });
-    if (delegate->applicationDidFinishLaunching() == AppDelegate::Launch::AnotherCopyRuns)
+    switch (delegate->applicationDidFinishLaunching()) {
+    case AppDelegate::Launch::Running:
+        break;
+    case AppDelegate::Launch::AnotherCopyRuns:
         return EXIT_SUCCESS;
+    case AppDelegate::Launch::Failed:
+        say(delegate->launchFailure());
+        return EXIT_FAILURE;
+    }
     // Not fatal: the program shows in its menu and settings that it cannot move windows.
     if (session == x11::Session::Wayland)
         say("this is a Wayland session, where only XWayland windows could be moved; use an X11 session");

@@ -26,8 +26,9 @@ int run(int argumentCount, char** arguments) {
     // QApplication has set the user's locale, whose decimal point may have several bytes; see `readJson`.
     std::setlocale(LC_NUMERIC, "C");
     MacProgram program([](QWidget& widget) { return std::bit_cast<void*>(widget.winId()); });
-    if (program.launch() == AppDelegate::Launch::AnotherCopyRuns)
-        return EXIT_SUCCESS;
+    const AppDelegate::Launch launch = program.launch();
+    if (launch != AppDelegate::Launch::Running)
+        return launch == AppDelegate::Launch::AnotherCopyRuns ? EXIT_SUCCESS : EXIT_FAILURE;
     const auto termination =
         terminationSignals.onReceived(program.mainQueue(), [] { QApplication::exit(EXIT_SUCCESS); });
     return QApplication::exec();

@@ -19,6 +19,7 @@ namespace tessarel {
 namespace {
 
 using Launch = AppDelegate::Launch;
+using Kind = SingleInstancePort::Reaction::Kind;
 
 constexpr std::uint32_t kVirtual1 = 18;
 constexpr std::uint32_t kCtrlOpt = 4096 + 2048;
@@ -165,6 +166,38 @@ TEST_F(AppDelegateTest, ASecondCopyEndsAtOnceAndLeavesTheFirstAlone) {
     EXPECT_EQ(desktop.hotKeys().handlersInstalled(), 1);
     EXPECT_EQ(desktop.mouse().monitored().size(), 4U);
     EXPECT_EQ(desktop.trust().promptCalls, 0);
+}
+
+TEST_F(AppDelegateTest, ASecondCopyWhoseFirstDoesNotReactFailsAndSaysWhy) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    copy.holder().reaction = {Kind::Missing, "the running copy does not react"};
+    sim::SimSingleInstance secondCopy = desktop.makeCopy();
+    AppDelegate second(ports(secondCopy), nullptr);
+
+    EXPECT_EQ(second.applicationDidFinishLaunching(), Launch::Failed);
+
+    EXPECT_EQ(second.launchFailure(), "the running copy does not react");
+    EXPECT_EQ(desktop.hotKeys().handlersInstalled(), 1);
+}
+
+TEST_F(AppDelegateTest, ACopyThatQuitsDuringTheStartOfAnotherIsReplaced) {
+    const auto quitting = copy.claim([] {}, [] {});
+    copy.holder().reaction.kind = Kind::Ended;
+    sim::SimSingleInstance secondCopy = desktop.makeCopy();
+    AppDelegate second(ports(secondCopy), nullptr);
+
+    EXPECT_EQ(second.applicationDidFinishLaunching(), Launch::Running);
+
+    EXPECT_EQ(desktop.hotKeys().registered().size(), 15U);
+}
+
+TEST_F(AppDelegateTest, ACopyThatLosesTheDesktopQuits) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    ASSERT_EQ(desktop.ownApplication().terminations, 0);
+
+    copy.holder().lost();
+
+    EXPECT_EQ(desktop.ownApplication().terminations, 1);
 }
 
 TEST_F(AppDelegateTest, DestroyingTheDelegateReleasesTheHotKeysAndTheDesktop) {

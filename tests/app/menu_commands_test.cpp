@@ -246,7 +246,7 @@ TEST_F(MenuCommandsTest, TitlesAndSubmenuRowsDoNothing) {
 TEST_F(MenuCommandsTest, StartingTheProgramAgainShowsTheSettings) {
     sim::SimSingleInstance second = desktop.makeCopy();
 
-    EXPECT_EQ(second.claim([] {}), nullptr);
+    EXPECT_EQ(second.claim([] {}, [] {}), nullptr);
     desktop.advance(0s);
 
     EXPECT_EQ(settingsWindow.shown, 1);

@@ -66,7 +66,7 @@ TEST_F(LaunchOrderTest, SettingsAreWatchedAndTheUpdateCheckStartsOnceTheLoopRuns
 }
 
 TEST_F(LaunchOrderTest, ASecondCopyOnlyTriesToClaimTheDesktop) {
-    const auto other = desktop.makeCopy().claim([] {});
+    const auto other = desktop.makeCopy().claim([] {}, [] {});
 
     EXPECT_EQ(delegate.applicationDidFinishLaunching(), Launch::AnotherCopyRuns);
 

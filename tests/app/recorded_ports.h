@@ -74,10 +74,11 @@ public:
 private:
     struct Instance : SingleInstancePort {
         explicit Instance(RecordedPorts& record) : record(record) {}
-        SubscriptionPtr claim(std::function<void()> reopened) override {
+        SubscriptionPtr claim(std::function<void()> reopened, std::function<void()> lost) override {
             record.note("claim the desktop");
-            return copy.claim(std::move(reopened));
+            return copy.claim(std::move(reopened), std::move(lost));
         }
+        Reaction awaitReaction() override { return copy.awaitReaction(); }
         RecordedPorts& record;
         sim::SimSingleInstance copy = record.m_desktop.makeCopy();
     };

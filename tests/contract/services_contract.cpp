@@ -11,40 +11,40 @@ protected:
 };
 
 TEST_F(SingleInstanceContract, TheFirstCopyClaimsTheDesktop) {
-    EXPECT_TRUE(first->claim([this] { ++reopened; }));
+    EXPECT_TRUE(first->claim([this] { ++reopened; }, [] {}));
     EXPECT_EQ(reopened, 0);
 }
 
 TEST_F(SingleInstanceContract, ASecondCopyIsRefusedAndTheFirstIsNotified) {
-    const auto claim = first->claim([this] { ++reopened; });
+    const auto claim = first->claim([this] { ++reopened; }, [] {});
     ASSERT_TRUE(claim);
 
-    EXPECT_FALSE(second->claim([] { ADD_FAILURE() << "the wrong copy was notified"; }));
+    EXPECT_FALSE(second->claim([] { ADD_FAILURE() << "the wrong copy was notified"; }, [] {}));
     desktop->settle();
     EXPECT_EQ(reopened, 1);
 
-    EXPECT_FALSE(desktop->makeCopy()->claim([] {}));
+    EXPECT_FALSE(desktop->makeCopy()->claim([] {}, [] {}));
     desktop->settle();
     EXPECT_EQ(reopened, 2);
 }
 
 TEST_F(SingleInstanceContract, AReleasedDesktopCanBeClaimedAgain) {
-    auto claim = first->claim([this] { ++reopened; });
+    auto claim = first->claim([this] { ++reopened; }, [] {});
     claim.reset();
     desktop->settle();
 
-    EXPECT_TRUE(second->claim([] {}));
+    EXPECT_TRUE(second->claim([] {}, [] {}));
     desktop->settle();
     EXPECT_EQ(reopened, 0);
 }
 
 TEST_F(SingleInstanceContract, ARefusedCopyDoesNotClaimTheDesktopLater) {
-    auto claim = first->claim([this] { ++reopened; });
-    EXPECT_FALSE(second->claim([] {}));
+    auto claim = first->claim([this] { ++reopened; }, [] {});
+    EXPECT_FALSE(second->claim([] {}, [] {}));
     claim.reset();
     desktop->settle();
 
-    EXPECT_TRUE(desktop->makeCopy()->claim([] {}));
+    EXPECT_TRUE(desktop->makeCopy()->claim([] {}, [] {}));
 }
 
 class TrustContract : public ContractTest {};

@@ -127,7 +127,7 @@ TEST_F(MacApplicationShellTest, StartingASecondCopyShowsTheSettingsOfTheFirst) {
 
     fakemac::mac().ownPid = 4343;
     fakemac::launch(4343, {.bundleIdentifier = kOwnIdentifier});
-    EXPECT_EQ(macos::MacSingleInstance().claim([] {}), nullptr);
+    EXPECT_EQ(macos::MacSingleInstance().claim([] {}, [] {}), nullptr);
 
     EXPECT_TRUE(until([] { return settingsWindow() != nullptr; }));
 }

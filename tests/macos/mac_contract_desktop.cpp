@@ -20,13 +20,14 @@ class Copy : public SingleInstancePort {
 public:
     explicit Copy(ProcessId pid) : m_pid(pid) {}
 
-    SubscriptionPtr claim(std::function<void()> reopened) override {
+    SubscriptionPtr claim(std::function<void()> reopened, std::function<void()> lost) override {
         fakemac::mac().ownPid = m_pid;
         fakemac::launch(m_pid, {.bundleIdentifier = kOwnIdentifier});
         auto process = std::make_unique<Process>(m_pid);
-        process->claim = macos::MacSingleInstance().claim(std::move(reopened));
+        process->claim = macos::MacSingleInstance().claim(std::move(reopened), std::move(lost));
         return process->claim ? std::move(process) : nullptr;
     }
+    Reaction awaitReaction() override { return {}; }
 
 private:
     struct Process : Subscription {

@@ -18,7 +18,7 @@ protected:
     }
     [[nodiscard]] SubscriptionPtr claimAs(ProcessId pid) {
         fakemac::mac().ownPid = pid;
-        return desktop->singleInstance.claim([this] { ++reopened; });
+        return desktop->singleInstance.claim([this] { ++reopened; }, [] {});
     }
 
     int reopened = 0;
@@ -28,7 +28,7 @@ TEST_F(MacSingleInstanceTest, AnExecutableOutsideABundleFindsNoOtherCopy) {
     fakemac::mac().ownBundleIdentifier = std::nullopt;
     fakemac::launch(8, {.bundleIdentifier = ""});
 
-    EXPECT_TRUE(desktop->singleInstance.claim([] {}));
+    EXPECT_TRUE(desktop->singleInstance.claim([] {}, [] {}));
 }
 
 TEST_F(MacSingleInstanceTest, TheCopyThatStartedFirstStays) {
@@ -108,7 +108,7 @@ TEST_F(MacSingleInstanceTest, AHandlerMayDestroyTheClaim) {
     start(kFirst, 5'000'000);
     fakemac::mac().ownPid = kFirst;
     SubscriptionPtr claim;
-    claim = desktop->singleInstance.claim([&] { claim.reset(); });
+    claim = desktop->singleInstance.claim([&] { claim.reset(); }, [] {});
 
     EXPECT_TRUE(fakemac::openAgain());
 
@@ -118,7 +118,7 @@ TEST_F(MacSingleInstanceTest, AHandlerMayDestroyTheClaim) {
 TEST_F(MacSingleInstanceTest, NoExceptionLeavesTheEventHandler) {
     start(kFirst, 5'000'000);
     fakemac::mac().ownPid = kFirst;
-    const auto claim = desktop->singleInstance.claim([] { throw std::runtime_error("of a test"); });
+    const auto claim = desktop->singleInstance.claim([] { throw std::runtime_error("of a test"); }, [] {});
 
     EXPECT_NO_THROW(fakemac::openAgain());
 }

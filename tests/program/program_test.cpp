@@ -24,6 +24,7 @@ MATCHER_P(IsOneLineOf, start, "is one line that starts with \"" + std::string(st
     return arg.starts_with(start) && arg.find('\n') == arg.size() - 1;
 }
 
+constexpr const char* kSelection = "_TESSAREL_INSTANCE_S0";
 constexpr Combination kFirstHotKey{key::kDigit1, kControlAlt};
 constexpr Combination kLastHotKey{key::kA, kControlAlt};
 
@@ -61,6 +62,31 @@ protected:
                 return attributes && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
             });
         });
+    }
+
+    /// Takes the selection that the running copy owns, as another program might.
+    void takeSelection() {
+        xcb_connection_t* const x = observer.x().get();
+        const xcb_window_t window = xcb_generate_id(x);
+        xcb_create_window(x, XCB_COPY_FROM_PARENT, window, observer.root(), 0, 0, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+        xcb_set_selection_owner(x, window, observer.x().atom(kSelection), XCB_CURRENT_TIME);
+        observer.x().roundTrip();
+    }
+
+    /// Returns whether two copies have marked their windows: one that owns the selection and one that waits
+    /// for its reaction.
+    [[nodiscard]] bool aSecondCopyWaits() {
+        xcb_connection_t* const x = observer.x().get();
+        const auto tree = own(xcb_query_tree_reply(x, xcb_query_tree(x, observer.root()), nullptr));
+        const std::span windows(xcb_query_tree_children(tree.get()), tree->children_len);
+        const auto isMarked = [&](xcb_window_t window) {
+            const auto mark = own(xcb_get_property_reply(
+                x, xcb_get_property(x, 0, window, observer.x().atom(kSelection), XCB_ATOM_CARDINAL, 0, 1),
+                nullptr));
+            return mark && mark->value_len == 1;
+        };
+        return std::ranges::count_if(windows, isMarked) == 2;
     }
 
     XServer server;
@@ -102,6 +128,58 @@ TEST_F(ManagedProgramTest, ASecondCopyEndsAtOnceAndLeavesTheFirstAlone) {
     EXPECT_EQ(second.errors(), "");
     EXPECT_TRUE(first.running());
     EXPECT_TRUE(keyboard.held(kFirstHotKey));
+}
+
+TEST_F(ManagedProgramTest, AFirstCopyThatDoesNotReactIsReportedInOneLine) {
+    writeSettings(server, R"({"hasOnboarded": true})");
+    ChildProcess first = start();
+    ASSERT_TRUE(becomesReady(first));
+    first.signal(SIGSTOP);
+
+    ChildProcess second = start();
+
+    EXPECT_EQ(second.waitForExit(), 1);
+    EXPECT_EQ(second.errors(), "tessarel: the running copy (process " + std::to_string(first.pid()) +
+                                   ") does not react; end it and start again\n");
+    EXPECT_TRUE(keyboard.held(kFirstHotKey));
+    first.signal(SIGCONT);
+    first.signal(SIGTERM);
+    EXPECT_EQ(first.waitForExit(), 0);
+}
+
+TEST_F(ManagedProgramTest, ACopyThatEndsDuringTheStartOfTheNextIsReplacedByIt) {
+    writeSettings(server, R"({"hasOnboarded": true})");
+    ChildProcess first = start();
+    ASSERT_TRUE(becomesReady(first));
+    first.signal(SIGSTOP);
+    ChildProcess second = start();
+    ASSERT_TRUE(observer.waitUntil([&] { return aSecondCopyWaits(); }));
+
+    first.kill();
+
+    EXPECT_TRUE(becomesReady(second)) << second.errors();
+}
+
+TEST_F(ManagedProgramTest, AnotherProgramThatOwnsTheSelectionIsReportedInOneLine) {
+    takeSelection();
+
+    ChildProcess program = start();
+
+    EXPECT_EQ(program.waitForExit(), 1);
+    EXPECT_EQ(program.errors(), "tessarel: another program owns the selection _TESSAREL_INSTANCE_S0\n");
+    EXPECT_FALSE(keyboard.held(kFirstHotKey));
+}
+
+TEST_F(ManagedProgramTest, ACopyThatLosesTheSelectionEndsAsIfAskedToQuit) {
+    writeSettings(server, R"({"hasOnboarded": true})");
+    ChildProcess program = start();
+    ASSERT_TRUE(becomesReady(program));
+
+    takeSelection();
+
+    EXPECT_EQ(program.waitForExit(), 0);
+    EXPECT_EQ(program.errors(), "");
+    EXPECT_TRUE(keyboard.waitUntilNotHeld(kFirstHotKey));
 }
 
 TEST_F(ManagedProgramTest, AKilledCopyDoesNotBlockTheNextOne) {
@@ -162,6 +240,31 @@ TEST_F(ProgramTest, AnOpenAlertDoesNotPreventTermination) {
 
     EXPECT_EQ(program.waitForExit(), 0);
     EXPECT_TRUE(keyboard.waitUntilNotHeld(kFirstHotKey));
+}
+
+TEST_F(ProgramTest, ACopyThatLosesTheSelectionDuringTheWelcomeEndsToo) {
+    ChildProcess program = start();
+    ASSERT_TRUE(becomesReady(program));
+    ASSERT_TRUE(showsAnAlert());
+
+    takeSelection();
+
+    EXPECT_EQ(program.waitForExit(), 0);
+    EXPECT_EQ(storedSettings(server), "");
+}
+
+TEST_F(ProgramTest, AWelcomeWithoutAPressedButtonComesAgain) {
+    for (int round = 0; round < 2; ++round) {
+        ChildProcess program = start();
+        ASSERT_TRUE(becomesReady(program));
+        ASSERT_TRUE(showsAnAlert()) << "at start " << round;
+
+        program.signal(SIGTERM);
+
+        EXPECT_EQ(program.waitForExit(), 0);
+        EXPECT_EQ(storedSettings(server), "");
+        ASSERT_TRUE(keyboard.waitUntilNotHeld(kLastHotKey));
+    }
 }
 
 TEST_F(ProgramTest, AnUnreachableDisplayIsReportedInOneLine) {

@@ -177,7 +177,7 @@ TEST_F(SimDesktopTest, RegistrationsMayOutliveTheDesktop) {
     auto passing = std::make_unique<SimDesktop>();
     const auto handler = passing->hotKeys().installHandler([](std::uint32_t) {});
     const auto held = passing->hotKeys().holdByAnotherProgram(18, 6144);
-    const auto instance = passing->makeCopy().claim([] {});
+    const auto instance = passing->makeCopy().claim([] {}, [] {});
     passing.reset();
 
     EXPECT_TRUE(handler && held && instance);

@@ -15,8 +15,11 @@ namespace tessarel::macos {
 class MacSingleInstance : public SingleInstancePort {
 public:
     /// Returns null when an older copy runs, after sending it a distributed notification. Outside a bundle
-    /// there is no identifier, and the claim always succeeds.
-    [[nodiscard]] SubscriptionPtr claim(std::function<void()> reopened) override;
+    /// there is no identifier, and the claim always succeeds. It is never lost.
+    [[nodiscard]] SubscriptionPtr claim(std::function<void()> reopened, std::function<void()> lost) override;
+
+    /// Returns at once: the system reports a copy that does not react to the user itself.
+    [[nodiscard]] Reaction awaitReaction() override { return {}; }
 };
 
 } // namespace tessarel::macos

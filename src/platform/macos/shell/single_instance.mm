@@ -56,7 +56,7 @@ struct Claim : Subscription {
 
 } // namespace
 
-SubscriptionPtr MacSingleInstance::claim(std::function<void()> reopened) {
+SubscriptionPtr MacSingleInstance::claim(std::function<void()> reopened, std::function<void()>) {
     @autoreleasepool {
         const auto name = nsString(std::string(Config::bundleID) + ".reopen");
         NSDistributedNotificationCenter* const center = [NSDistributedNotificationCenter defaultCenter];

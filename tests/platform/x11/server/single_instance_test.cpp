@@ -7,13 +7,17 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <csignal>
+#include <string>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace tessarel::x11 {
 namespace {
+
+using Kind = SingleInstancePort::Reaction::Kind;
 
 constexpr const char* kSelection = "_TESSAREL_INSTANCE_S0";
 
@@ -22,13 +26,14 @@ struct Copy {
     explicit Copy(const x11test::XServer& server) : loop(server.display()) {}
 
     [[nodiscard]] bool start() {
-        claim = instance.claim([this] { ++reopened; });
+        claim = instance.claim([this] { ++reopened; }, [this] { ++lost; });
         return claim != nullptr;
     }
 
     EventLoop loop;
     X11SingleInstance instance{loop.connection()};
     int reopened = 0;
+    int lost = 0;
     SubscriptionPtr claim;
 };
 
@@ -87,7 +92,7 @@ TEST_F(X11SingleInstanceTest, AnEndedInstanceReleasesTheSelection) {
 }
 
 TEST_F(X11SingleInstanceTest, TheClaimMayBeDestroyedInItsOwnCallback) {
-    first.claim = first.instance.claim([this] { first.claim.reset(); });
+    first.claim = first.instance.claim([this] { first.claim.reset(); }, [] {});
     ASSERT_TRUE(first.claim);
     EXPECT_FALSE(second.start());
 
@@ -110,6 +115,85 @@ TEST_F(X11SingleInstanceTest, OtherClientMessagesAreIgnored) {
     first.loop.settle();
 
     EXPECT_EQ(first.reopened, 0);
+}
+
+TEST_F(X11SingleInstanceTest, TheLossOfTheSelectionIsReportedOnce) {
+    ASSERT_TRUE(first.start());
+    takeSelectionByForce();
+
+    first.loop.settle();
+    first.loop.settle();
+
+    EXPECT_EQ(first.lost, 1);
+    EXPECT_EQ(first.reopened, 0);
+}
+
+TEST_F(X11SingleInstanceTest, AClearedSelectionIsLostToo) {
+    ASSERT_TRUE(first.start());
+    xcb_set_selection_owner(observer.x().get(), XCB_WINDOW_NONE, observer.x().atom(kSelection),
+                            XCB_CURRENT_TIME);
+    observer.x().roundTrip();
+
+    first.loop.settle();
+
+    EXPECT_EQ(first.lost, 1);
+}
+
+TEST_F(X11SingleInstanceTest, TheClaimMayBeDestroyedWhenItIsLost) {
+    first.claim = first.instance.claim([] {}, [this] { first.claim.reset(); });
+    ASSERT_TRUE(first.claim);
+    takeSelectionByForce();
+
+    first.loop.settle();
+
+    EXPECT_FALSE(first.claim);
+}
+
+TEST_F(X11SingleInstanceTest, ACopyThatHasProcessedTheStartReacts) {
+    ASSERT_TRUE(first.start());
+    EXPECT_FALSE(second.start());
+    first.loop.settle();
+
+    const auto reaction = second.instance.awaitReaction();
+
+    EXPECT_EQ(reaction.kind, Kind::Reopened);
+    EXPECT_EQ(reaction.problem, "");
+    EXPECT_EQ(first.reopened, 1);
+}
+
+TEST_F(X11SingleInstanceTest, ACopyThatEndsInsteadOfReactingCanBeReplaced) {
+    ASSERT_TRUE(first.start());
+    EXPECT_FALSE(second.start());
+    first.claim.reset();
+
+    EXPECT_EQ(second.instance.awaitReaction().kind, Kind::Ended);
+
+    EXPECT_TRUE(second.start());
+}
+
+TEST_F(X11SingleInstanceTest, ACopyThatDoesNotReactIsReportedWithItsProcess) {
+    ASSERT_TRUE(first.start());
+    EXPECT_FALSE(second.start());
+    const auto start = std::chrono::steady_clock::now();
+
+    const auto reaction = second.instance.awaitReaction();
+
+    EXPECT_GE(std::chrono::steady_clock::now() - start, X11SingleInstance::kPatience);
+    EXPECT_EQ(reaction.kind, Kind::Missing);
+    EXPECT_EQ(reaction.problem, "the running copy (process " + std::to_string(::getpid()) +
+                                    ") does not react; end it and start again");
+}
+
+TEST_F(X11SingleInstanceTest, AnotherProgramThatOwnsTheSelectionIsReportedAtOnce) {
+    takeSelectionByForce();
+    EXPECT_FALSE(first.start());
+    const auto start = std::chrono::steady_clock::now();
+
+    const auto reaction = first.instance.awaitReaction();
+
+    EXPECT_LT(std::chrono::steady_clock::now() - start, X11SingleInstance::kPatience);
+    EXPECT_EQ(reaction.kind, Kind::Missing);
+    EXPECT_EQ(reaction.problem, "another program owns the selection _TESSAREL_INSTANCE_S0");
 }
 
 TEST_F(X11SingleInstanceTest, ASelectionTakenByAnotherClientIsNotReclaimed) {
