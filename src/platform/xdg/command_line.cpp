@@ -5,7 +5,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdlib>
 #include <optional>
+#include <sstream>
+#include <system_error>
 #include <utility>
 
 namespace tessarel::xdg {
@@ -126,6 +129,23 @@ std::string programOf(const Words& words) {
         return {};
     const Interpreter* interpreter = interpreterCalled(fileName(*word));
     return interpreter ? runBy(*interpreter, std::next(word), words.end()) : *word;
+}
+
+std::filesystem::path fileStartedBy(const std::string& program) {
+    namespace fs = std::filesystem;
+    if (program.empty())
+        return {};
+    const char* const path = std::getenv("PATH");
+    std::istringstream folders(program.find('/') == std::string::npos && path ? path : "/");
+    for (std::string folder; std::getline(folders, folder, ':');) {
+        if (!fs::path(folder).is_absolute())
+            continue;
+        std::error_code failure;
+        fs::path file = fs::canonical(fs::path(folder) / program, failure);
+        if (!failure)
+            return file;
+    }
+    return {};
 }
 
 bool isInterpreter(std::string_view name) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,10 @@ namespace tessarel::xdg {
 /// module, archive or main class that it runs. Skips "env" and its assignments. Empty if there is none, as
 /// for code on the command line.
 [[nodiscard]] std::string programOf(const std::vector<std::string>& words);
+
+/// Returns the file of `program`, which is a path or a name to be looked up in PATH, without symbolic links.
+/// Returns an empty path if there is none. Empty and relative folders in PATH are ignored.
+[[nodiscard]] std::filesystem::path fileStartedBy(const std::string& program);
 
 /// Returns whether `name` is that of an interpreter, such as "python3.11", "wish" or "java". Ignores case.
 [[nodiscard]] bool isInterpreter(std::string_view name);

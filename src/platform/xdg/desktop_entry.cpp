@@ -3,8 +3,13 @@
 #include "platform/xdg/command_line.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstring>
+#include <filesystem>
 #include <glib.h>
+#include <sstream>
+#include <unistd.h>
 
 namespace tessarel::xdg {
 
@@ -21,6 +26,32 @@ struct FreeText {
 std::string owned(gchar* text) {
     const std::unique_ptr<gchar, FreeText> guard(text);
     return text ? text : "";
+}
+
+/// A command that starts the words after it and changes nothing. GLib, for one, looks for the first word of
+/// an Exec value as it stands, so an escaped path is not found there.
+constexpr std::array<std::string_view, 3> kWrapper = {"nice", "-n", "0"};
+
+/// Returns the value of Exec that starts the program at the absolute `path`.
+std::string execOf(std::string_view path) {
+    std::string exec;
+    if (path.find('%') != std::string_view::npos) {
+        for (const std::string_view word : kWrapper)
+            exec.append(word).append(" ");
+    }
+    return exec + DesktopEntry::execWord(path);
+}
+
+/// Replaces each "%%" by "%".
+void undouble(std::string& word) {
+    for (std::size_t at = word.find("%%"); at != std::string::npos; at = word.find("%%", at + 1))
+        word.erase(at, 1);
+}
+
+/// Returns whether the path or name `program` stands for an executable file.
+bool isExecutable(const std::string& program) {
+    const std::filesystem::path file = fileStartedBy(program);
+    return std::filesystem::is_regular_file(file) && ::access(file.c_str(), X_OK) == 0;
 }
 
 /// Writes the keys that every entry of an application needs.
@@ -74,7 +105,7 @@ std::optional<DesktopEntry> DesktopEntry::parseUntranslated(std::string_view con
 std::string DesktopEntry::autostart(std::string_view name, std::string_view path) {
     const KeyFile file(g_key_file_new());
     describe(file.get(), name);
-    g_key_file_set_string(file.get(), kGroup, G_KEY_FILE_DESKTOP_KEY_EXEC, execWord(path).c_str());
+    g_key_file_set_string(file.get(), kGroup, G_KEY_FILE_DESKTOP_KEY_EXEC, execOf(path).c_str());
     g_key_file_set_boolean(file.get(), kGroup, G_KEY_FILE_DESKTOP_KEY_TERMINAL, FALSE);
     g_key_file_set_boolean(file.get(), kGroup, kSwitchedOn, TRUE);
     return owned(g_key_file_to_data(file.get(), nullptr, nullptr));
@@ -134,8 +165,44 @@ bool DesktopEntry::isShown() const {
     return value(G_KEY_FILE_DESKTOP_KEY_HIDDEN) != "true";
 }
 
-bool DesktopEntry::isEnabled() const {
-    return isShown() && value(kSwitchedOn) != "false";
+bool DesktopEntry::isStartedBy(const std::vector<std::string>& desktops) const {
+    return isShown() && value(kSwitchedOn) != "false" && isMeantFor(desktops) && isInstalled();
+}
+
+/// The first desktop that one of the lists names decides.
+bool DesktopEntry::isMeantFor(const std::vector<std::string>& desktops) const {
+    const auto only = list(G_KEY_FILE_DESKTOP_KEY_ONLY_SHOW_IN);
+    const auto notIn = list(G_KEY_FILE_DESKTOP_KEY_NOT_SHOW_IN);
+    for (const std::string& desktop : desktops) {
+        if (std::ranges::find(only, desktop) != only.end())
+            return true;
+        if (std::ranges::find(notIn, desktop) != notIn.end())
+            return false;
+    }
+    return value(G_KEY_FILE_DESKTOP_KEY_ONLY_SHOW_IN).empty();
+}
+
+/// Returns whether the command and everything that it needs to be present exist.
+bool DesktopEntry::isInstalled() const {
+    std::vector<std::string> words = execWords(value(G_KEY_FILE_DESKTOP_KEY_EXEC));
+    for (std::string& word : words)
+        undouble(word);
+    if (words.empty() || !isExecutable(words.front()))
+        return false;
+    if (words.size() > kWrapper.size() && std::equal(kWrapper.begin(), kWrapper.end(), words.begin()) &&
+        !isExecutable(words[kWrapper.size()]))
+        return false;
+    const std::string needed = value(G_KEY_FILE_DESKTOP_KEY_TRY_EXEC);
+    return needed.empty() || isExecutable(needed);
+}
+
+/// Returns the values of `key`, which are separated by semicolons.
+std::vector<std::string> DesktopEntry::list(const char* key) const {
+    std::istringstream text(value(key));
+    std::vector<std::string> values;
+    for (std::string value; std::getline(text, value, ';');)
+        values.push_back(value);
+    return values;
 }
 
 /// Returns the value of `key` without surrounding blanks; empty if it is missing or not valid UTF-8.

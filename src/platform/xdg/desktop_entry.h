@@ -21,8 +21,8 @@ public:
     /// Like `parse`, but without translations, which make up most of an entry. For reading many entries.
     [[nodiscard]] static std::optional<DesktopEntry> parseUntranslated(std::string_view content);
 
-    /// Returns the content of an autostart entry that starts the program at the absolute `path`. `name` is
-    /// shown to the user.
+    /// Returns the content of an autostart entry that starts the program at the absolute `path`, also in
+    /// sessions that do not unescape the path before they look for it. `name` is shown to the user.
     [[nodiscard]] static std::string autostart(std::string_view name, std::string_view path);
 
     /// Returns the content of an entry that describes no application but hides entries of its file name in
@@ -52,9 +52,10 @@ public:
     /// Returns whether the entry describes an application. An entry with "Hidden=true" only hides others.
     [[nodiscard]] bool isShown() const;
 
-    /// Returns whether a session starts the application of this autostart entry. A desktop's settings may
-    /// have disabled it.
-    [[nodiscard]] bool isEnabled() const;
+    /// Returns whether the session of `desktops`, the names in $XDG_CURRENT_DESKTOP, starts the application
+    /// of this autostart entry: nothing has disabled the entry, it is meant for one of the desktops, and all
+    /// programs that it needs are installed.
+    [[nodiscard]] bool isStartedBy(const std::vector<std::string>& desktops) const;
 
 private:
     struct Free {
@@ -65,6 +66,9 @@ private:
     explicit DesktopEntry(KeyFile file) : m_file(std::move(file)) {}
 
     [[nodiscard]] std::string value(const char* key) const;
+    [[nodiscard]] std::vector<std::string> list(const char* key) const;
+    [[nodiscard]] bool isMeantFor(const std::vector<std::string>& desktops) const;
+    [[nodiscard]] bool isInstalled() const;
 
     KeyFile m_file;
 };

@@ -3,10 +3,12 @@
 #include "platform/xdg/desktop_entry.h"
 #include "platform/xdg/small_file.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <sstream>
 #include <string_view>
 #include <sys/stat.h>
@@ -30,16 +32,24 @@ std::optional<fs::path> folderFrom(const char* variable) {
     return fs::path(text);
 }
 
+/// Returns the parts of the value of an environment variable between colons; empty if it is unset.
+std::vector<std::string> listFrom(const char* variable) {
+    const char* const text = std::getenv(variable);
+    std::istringstream parts(text == nullptr ? "" : text);
+    std::vector<std::string> list;
+    for (std::string part; std::getline(parts, part, ':');)
+        list.push_back(part);
+    return list;
+}
+
 /// Returns the system's configuration folders, the most important first. Relative ones are ignored.
 std::vector<fs::path> systemConfigFolders() {
-    const char* const list = std::getenv("XDG_CONFIG_DIRS");
-    if (list == nullptr || *list == '\0')
+    const auto list = listFrom("XDG_CONFIG_DIRS");
+    if (list.empty())
         return {"/etc/xdg"};
     std::vector<fs::path> folders;
-    std::istringstream parts(list);
-    for (std::string part; std::getline(parts, part, ':');)
-        if (fs::path(part).is_absolute())
-            folders.emplace_back(part);
+    std::ranges::copy_if(list, std::back_inserter(folders),
+                         [](const fs::path& folder) { return folder.is_absolute(); });
     return folders;
 }
 
@@ -78,12 +88,6 @@ int writeAndClose(int fd, std::string_view content) {
     return error;
 }
 
-/// Returns whether a session starts the application of the autostart entry `content`.
-bool isEnabled(const std::string& content) {
-    const auto entry = DesktopEntry::parse(content);
-    return entry && entry->isEnabled();
-}
-
 } // namespace
 
 XdgLoginItem::XdgLoginItem(Setup setup)
@@ -94,19 +98,26 @@ XdgLoginItem::Setup XdgLoginItem::ofThisProgram(std::string name) {
     return {.configHome = folderFrom("XDG_CONFIG_HOME").value_or(home / ".config"),
             .configFolders = systemConfigFolders(),
             .program = runningProgram(),
-            .name = std::move(name)};
+            .name = std::move(name),
+            .desktops = listFrom("XDG_CURRENT_DESKTOP")};
 }
 
 LoginItemPort::Status XdgLoginItem::status() {
     const auto own = readSmallFile(m_entry);
-    const bool enabled = own ? isEnabled(*own) : startedForAllUsers();
+    const bool enabled = own ? isStarted(*own) : startedForAllUsers();
     return enabled ? Status::Enabled : Status::NotRegistered;
+}
+
+/// Returns whether this session starts the application of the autostart entry `content`.
+bool XdgLoginItem::isStarted(const std::string& content) const {
+    const auto entry = DesktopEntry::parse(content);
+    return entry && entry->isStartedBy(m_setup.desktops);
 }
 
 bool XdgLoginItem::startedForAllUsers() const {
     for (const fs::path& folder : m_setup.configFolders)
         if (const auto entry = readSmallFile(folder / kEntryName))
-            return isEnabled(*entry); // it hides the entries in all later folders
+            return isStarted(*entry); // it hides the entries in all later folders
     return false;
 }
 

@@ -21,6 +21,7 @@ public:
         std::vector<std::filesystem::path> configFolders; ///< the system's, the most important first
         std::filesystem::path program;                    ///< absolute path of the executable
         std::string name;                                 ///< shown in the desktop's settings
+        std::vector<std::string> desktops;                ///< names of the present desktop
     };
 
     explicit XdgLoginItem(Setup setup);
@@ -29,15 +30,17 @@ public:
     /// program's name for the user.
     [[nodiscard]] static Setup ofThisProgram(std::string name);
 
-    /// Returns `Enabled` or `NotRegistered`. An entry that exists but is disabled counts as not registered.
+    /// Returns `Enabled` or `NotRegistered`. An entry that exists but starts nothing in this session counts
+    /// as not registered.
     [[nodiscard]] Status status() override;
-    /// Writes the user's entry, replacing one that disables the start.
+    /// Writes the user's entry, replacing one that starts nothing.
     [[nodiscard]] std::optional<std::string> registerItem() override;
     /// Removes the user's entry. If an entry for all users would then start the program, writes one that
     /// hides it instead.
     [[nodiscard]] std::optional<std::string> unregisterItem() override;
 
 private:
+    [[nodiscard]] bool isStarted(const std::string& content) const;
     [[nodiscard]] bool startedForAllUsers() const;
     [[nodiscard]] std::optional<std::string> write(const std::string& content) const;
 

@@ -6,13 +6,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <iterator>
-#include <sstream>
 #include <string_view>
-#include <system_error>
 #include <tuple>
 #include <utility>
 
@@ -45,19 +42,6 @@ std::string entryOf(std::string_view announced) {
     if (name.ends_with(kSuffix))
         name.remove_suffix(kSuffix.size());
     return std::string(name);
-}
-
-/// Returns the file that a command starts, without symbolic links; empty if there is none.
-fs::path fileStartedBy(const std::string& program) {
-    const char* const path = std::getenv("PATH");
-    std::istringstream folders(program.find('/') == std::string::npos && path ? path : "/");
-    for (std::string folder; std::getline(folders, folder, ':');) {
-        std::error_code failure;
-        fs::path file = fs::canonical(fs::path(folder) / program, failure);
-        if (!failure)
-            return file;
-    }
-    return {};
 }
 
 bool isScript(const fs::path& file) {

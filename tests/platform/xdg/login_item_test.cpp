@@ -11,6 +11,7 @@
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
+#include <gio/gdesktopappinfo.h>
 #include <iterator>
 #include <optional>
 #include <stdexcept>
@@ -76,7 +77,8 @@ protected:
         return {.configHome = folder / "config",
                 .configFolders = {folder / "first", folder / "second"},
                 .program = program,
-                .name = "Tessarel"};
+                .name = "Tessarel",
+                .desktops = {"ubuntu", "GNOME"}};
     }
 
     [[nodiscard]] fs::path entry() const { return folder / "config/autostart/tessarel.desktop"; }
@@ -90,15 +92,15 @@ protected:
         return {std::istreambuf_iterator<char>(stream), {}};
     }
     void putOwn(std::string_view lines) const {
-        put(entry(), "[Desktop Entry]\nType=Application\nExec=x\n" + std::string(lines) + "\n");
+        put(entry(), "[Desktop Entry]\nType=Application\nExec=sh\n" + std::string(lines) + "\n");
     }
     void putForAllUsers(std::string_view where, std::string_view lines) const {
         put(folder / where / "autostart/tessarel.desktop",
-            "[Desktop Entry]\nType=Application\nExec=x\n" + std::string(lines) + "\n");
+            "[Desktop Entry]\nType=Application\nExec=sh\n" + std::string(lines) + "\n");
     }
 
     fs::path folder;
-    fs::path program = "/usr/bin/tessarel";
+    fs::path program = "/usr/bin/env"; // any that is installed
 };
 
 TEST_F(LoginItemTest, IsNotRegisteredAtFirst) {
@@ -111,7 +113,7 @@ TEST_F(LoginItemTest, RegisteringCreatesTheFoldersAndTheEntry) {
     EXPECT_EQ(item.registerItem(), std::nullopt);
 
     EXPECT_EQ(item.status(), Status::Enabled);
-    EXPECT_EQ(read(entry()), "[Desktop Entry]\nType=Application\nName=Tessarel\nExec=/usr/bin/tessarel\n"
+    EXPECT_EQ(read(entry()), "[Desktop Entry]\nType=Application\nName=Tessarel\nExec=/usr/bin/env\n"
                              "Terminal=false\nX-GNOME-Autostart-enabled=true\n");
 }
 
@@ -125,11 +127,11 @@ TEST_F(LoginItemTest, TheEntryIsReadableByEverybodyAndNoOtherFileIsLeft) {
 
 TEST_F(LoginItemTest, RegisteringAgainReplacesTheProgramOfTheEntry) {
     ASSERT_EQ(XdgLoginItem(setup()).registerItem(), std::nullopt);
-    program = "/opt/tessarel";
+    program = "/bin/sh";
 
     ASSERT_EQ(XdgLoginItem(setup()).registerItem(), std::nullopt);
 
-    EXPECT_THAT(read(entry()), HasSubstr("\nExec=/opt/tessarel\n"));
+    EXPECT_THAT(read(entry()), HasSubstr("\nExec=/bin/sh\n"));
     EXPECT_THAT(read(entry()), testing::Not(HasSubstr("/usr/bin")));
 }
 
@@ -167,6 +169,104 @@ TEST_F(LoginItemTest, AnEntryThatIsNotDisabledIsRegistered) {
         EXPECT_EQ(XdgLoginItem(setup()).status(), Status::Enabled) << yes;
     }
 }
+
+TEST_F(LoginItemTest, AnEntryThatStartsNothingIsNotRegistered) {
+    const std::string gone = (folder / "gone").string();
+    const std::string plain = (folder / "not executable").string();
+    put(plain, "text");
+    for (const std::string& lines :
+         {std::string(), std::string("Exec="), "Exec=" + gone, std::string("Exec=no-such-program-anywhere"),
+          "Exec=\"" + plain + "\"", "Exec=" + folder.string(), "Exec=nice -n 0 " + gone,
+          "Exec=sh\nTryExec=" + gone, std::string("Exec=sh\nTryExec=no-such-program-anywhere")}) {
+        put(entry(), "[Desktop Entry]\nType=Application\n" + lines + "\n");
+        EXPECT_EQ(XdgLoginItem(setup()).status(), Status::NotRegistered) << lines;
+    }
+    put(entry(), "");
+    EXPECT_EQ(XdgLoginItem(setup()).status(), Status::NotRegistered) << "an empty file";
+}
+
+TEST_F(LoginItemTest, AnEntryWhoseProgramsExistIsRegistered) {
+    for (const char* lines : {"Exec=sh --login", "Exec=/bin/sh", "Exec=sh\nTryExec=sh",
+                              "Exec=sh\nTryExec=", "Exec=sh\nTryExec=/bin/sh", "Exec=nice -n 0 sh"}) {
+        put(entry(), std::string("[Desktop Entry]\nType=Application\n") + lines + "\n");
+        EXPECT_EQ(XdgLoginItem(setup()).status(), Status::Enabled) << lines;
+    }
+}
+
+TEST_F(LoginItemTest, AnEntryForOtherDesktopsIsNotRegistered) {
+    for (const char* no : {"OnlyShowIn=XFCE;MATE;", "OnlyShowIn=XFCE", "NotShowIn=GNOME;", "NotShowIn=ubuntu",
+                           "OnlyShowIn=GNOME\nNotShowIn=ubuntu"}) {
+        putOwn(no);
+        EXPECT_EQ(XdgLoginItem(setup()).status(), Status::NotRegistered) << no;
+    }
+    for (const char* yes : {"OnlyShowIn=GNOME;", "OnlyShowIn=XFCE;ubuntu", "NotShowIn=XFCE;",
+                            "OnlyShowIn=", "OnlyShowIn=ubuntu\nNotShowIn=GNOME"}) {
+        putOwn(yes);
+        EXPECT_EQ(XdgLoginItem(setup()).status(), Status::Enabled) << yes;
+    }
+}
+
+TEST_F(LoginItemTest, AnUnknownDesktopStartsOnlyEntriesForAllDesktops) {
+    auto unknown = setup();
+    unknown.desktops.clear();
+
+    putOwn("NotShowIn=GNOME;");
+    EXPECT_EQ(XdgLoginItem(unknown).status(), Status::Enabled);
+    putOwn("OnlyShowIn=GNOME;");
+    EXPECT_EQ(XdgLoginItem(unknown).status(), Status::NotRegistered);
+}
+
+TEST_F(LoginItemTest, RegisteringRepairsAnEntryThatStartsNothing) {
+    for (const char* broken : {"OnlyShowIn=XFCE;", "NotShowIn=GNOME;", "TryExec=no-such-program-anywhere"}) {
+        putOwn(broken);
+        XdgLoginItem item(setup());
+        ASSERT_EQ(item.status(), Status::NotRegistered) << broken;
+
+        EXPECT_EQ(item.registerItem(), std::nullopt);
+
+        EXPECT_EQ(item.status(), Status::Enabled) << broken;
+    }
+}
+
+TEST_F(LoginItemTest, AnEntryForAllUsersWhoseProgramIsGoneIsNotRegistered) {
+    putForAllUsers("first", "TryExec=no-such-program-anywhere");
+
+    EXPECT_EQ(XdgLoginItem(setup()).status(), Status::NotRegistered);
+}
+
+/// Fixture: GLib, through which many sessions start their entries.
+class LoginItemStartTest : public LoginItemTest, public testing::WithParamInterface<const char*> {
+protected:
+    /// Starts the program of the entry as a session does. Returns false if GLib rejects the entry.
+    [[nodiscard]] bool startEntry() const {
+        GDesktopAppInfo* const application = g_desktop_app_info_new_from_filename(entry().c_str());
+        if (application == nullptr)
+            return false;
+        const bool started = g_app_info_launch(G_APP_INFO(application), nullptr, nullptr, nullptr) == TRUE;
+        g_object_unref(application);
+        return started;
+    }
+};
+
+TEST_P(LoginItemStartTest, TheProgramIsStartedWhateverItsPath) {
+    program = folder / GetParam();
+    put(program, "#!/bin/sh\nprintf '%s' \"$#$0\" >'" + (folder / "started").string() + "'\n");
+    ::chmod(program.c_str(), 0755);
+    ASSERT_EQ(::mkfifo((folder / "started").c_str(), 0600), 0);
+    XdgLoginItem item(setup());
+    ASSERT_EQ(item.registerItem(), std::nullopt);
+    EXPECT_EQ(item.status(), Status::Enabled);
+
+    ASSERT_TRUE(startEntry()) << read(entry());
+
+    EXPECT_EQ(read(folder / "started"), "0" + program.string()) << read(entry());
+    fs::remove(program);
+    EXPECT_EQ(item.status(), Status::NotRegistered);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, LoginItemStartTest,
+                         testing::Values("plain", "with blank", "100%", "100%u/of%%it", "a=b/5%",
+                                         "\"quoted\" $HOME `x` \\ 5%", "semi;colon", "~tilde#%f"));
 
 TEST_F(LoginItemTest, AnEntryDisabledByTheDesktopIsNoticedAtOnce) {
     XdgLoginItem item(setup());
