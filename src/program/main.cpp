@@ -17,6 +17,7 @@
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/bring_to_user.h"
 #include "platform/x11/x11_desktop.h"
+#include "platform/xdg/home_folder.h"
 #include "program/qt_program.h"
 #include "settings_ui/settings_window_controller.h"
 
@@ -76,6 +77,7 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
 /// Builds the program and runs it. Registers with the desktop first and starts Qt, which takes longer,
 /// afterwards: hot keys pressed meanwhile wait on the connection until the event loop runs.
 int run(const char* programName) {
+    xdg::settleHome();
     qt::installMessageHandler(endWithoutDisplay);
     qt::TerminationSignals terminationSignals;
     qt::QtMainQueue queue;

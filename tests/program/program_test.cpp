@@ -1,5 +1,6 @@
 #include "support/x11/program.h"
 
+#include "support/scratch_folder.h"
 #include "support/x11/child_process.h"
 #include "support/x11/keyboard.h"
 #include "support/x11/observer.h"
@@ -11,8 +12,10 @@
 
 #include <algorithm>
 #include <csignal>
+#include <filesystem>
 #include <span>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace tessarel::x11test {
@@ -265,6 +268,29 @@ TEST_F(ProgramTest, AWelcomeWithoutAPressedButtonComesAgain) {
         EXPECT_EQ(storedSettings(server), "");
         ASSERT_TRUE(keyboard.waitUntilNotHeld(kLastHotKey));
     }
+}
+
+TEST_F(ProgramTest, WithoutHomeEverythingIsInTheHomeOfThePasswordDatabase) {
+    const ScratchFolder home;
+    const std::string users = home.path() / "passwd";
+    ScratchFolder::write(users, "somebody:x:" + std::to_string(::getuid()) + ":" +
+                                    std::to_string(::getgid()) + "::" + home.path().native() + ":/bin/sh\n");
+    ChildProcess program = start({{"HOME", ""},
+                                  {"XDG_CONFIG_HOME", ""},
+                                  {"XDG_DATA_HOME", ""},
+                                  {"LD_PRELOAD", "libnss_wrapper.so"},
+                                  {"NSS_WRAPPER_PASSWD", users},
+                                  {"NSS_WRAPPER_GROUP", "/etc/group"}});
+    ASSERT_TRUE(becomesReady(program));
+    ASSERT_TRUE(showsAnAlert());
+
+    const auto settings = home.path() / ".config/tessarel" / settingsFile(server).filename();
+    EXPECT_TRUE(observer.waitUntil([&] {
+        keyboard.press({key::kReturn}); // as soon as the welcome has the keyboard
+        return std::filesystem::exists(settings);
+    }));
+
+    EXPECT_EQ(storedSettings(server), "");
 }
 
 TEST_F(ProgramTest, AnUnreachableDisplayIsReportedInOneLine) {

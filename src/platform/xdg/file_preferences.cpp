@@ -2,46 +2,14 @@
 
 #include "model/call_on_end.h"
 #include "platform/xdg/document_file.h"
+#include "platform/xdg/home_folder.h"
 
-#include <cstdlib>
 #include <memory>
-#include <pwd.h>
-#include <unistd.h>
 #include <utility>
 
 namespace tessarel::xdg {
-namespace {
 
 namespace fs = std::filesystem;
-
-/// Returns the value of an environment variable if it is an absolute path, otherwise an empty path.
-fs::path absoluteFromEnvironment(const char* variable) {
-    const char* const value = std::getenv(variable);
-    if (value == nullptr || *value != '/')
-        return {};
-    return value;
-}
-
-/// Returns the home folder from $HOME or the user database; empty if neither has an absolute path.
-fs::path home() {
-    auto fromEnvironment = absoluteFromEnvironment("HOME");
-    if (!fromEnvironment.empty())
-        return fromEnvironment;
-    const passwd* const user = ::getpwuid(::getuid());
-    if (user == nullptr || user->pw_dir == nullptr || *user->pw_dir != '/')
-        return {};
-    return user->pw_dir;
-}
-
-fs::path configurationFolder() {
-    auto fromEnvironment = absoluteFromEnvironment("XDG_CONFIG_HOME");
-    if (!fromEnvironment.empty())
-        return fromEnvironment;
-    const auto folder = home();
-    return folder.empty() ? folder : folder / ".config";
-}
-
-} // namespace
 
 FilePreferences::FilePreferences(fs::path folder, OnReadable onReadable)
     : m_folder(std::move(folder)), m_onReadable(std::move(onReadable)) {}

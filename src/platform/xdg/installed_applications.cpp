@@ -3,6 +3,7 @@
 #include "platform/xdg/ascii.h"
 #include "platform/xdg/command_line.h"
 #include "platform/xdg/desktop_entry.h"
+#include "platform/xdg/home_folder.h"
 #include "platform/xdg/small_file.h"
 
 #include <algorithm>
@@ -64,10 +65,13 @@ void append(const std::unordered_multimap<std::string, const InstalledApplicatio
 InstalledApplications::InstalledApplications(std::vector<fs::path> folders) : m_folders(std::move(folders)) {}
 
 std::vector<fs::path> InstalledApplications::folders() {
-    const std::string home = valueOf("HOME", "/");
-    std::istringstream list(valueOf("XDG_DATA_HOME", home + "/.local/share") + ":" +
-                            valueOf("XDG_DATA_DIRS", "/usr/local/share:/usr/share"));
     std::vector<fs::path> folders;
+    fs::path own = folderFrom("XDG_DATA_HOME");
+    if (const auto home = homeFolder(); own.empty() && !home.empty())
+        own = home / ".local/share";
+    if (!own.empty())
+        folders.push_back(own / "applications");
+    std::istringstream list(valueOf("XDG_DATA_DIRS", "/usr/local/share:/usr/share"));
     for (std::string folder; std::getline(list, folder, ':');) {
         if (fs::path(folder).is_absolute())
             folders.push_back(fs::path(folder) / "applications");

@@ -1,6 +1,7 @@
 #include "platform/xdg/login_item.h"
 
 #include "platform/xdg/desktop_entry.h"
+#include "platform/xdg/home_folder.h"
 #include "platform/xdg/small_file.h"
 
 #include <algorithm>
@@ -22,15 +23,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
+constexpr const char* kNoHome = "There is no home folder.";
 constexpr std::string_view kEntryName = "autostart/tessarel.desktop";
-
-/// Returns the folder that an environment variable names; `std::nullopt` if it is unset or relative.
-std::optional<fs::path> folderFrom(const char* variable) {
-    const char* const text = std::getenv(variable);
-    if (text == nullptr || !fs::path(text).is_absolute())
-        return std::nullopt;
-    return fs::path(text);
-}
 
 /// Returns the parts of the value of an environment variable between colons; empty if it is unset.
 std::vector<std::string> listFrom(const char* variable) {
@@ -91,11 +85,11 @@ int writeAndClose(int fd, std::string_view content) {
 } // namespace
 
 XdgLoginItem::XdgLoginItem(Setup setup)
-    : m_setup(std::move(setup)), m_entry(m_setup.configHome / kEntryName) {}
+    : m_setup(std::move(setup)),
+      m_entry(m_setup.configHome.empty() ? fs::path() : m_setup.configHome / kEntryName) {}
 
 XdgLoginItem::Setup XdgLoginItem::ofThisProgram(std::string name) {
-    const fs::path home = folderFrom("HOME").value_or("/");
-    return {.configHome = folderFrom("XDG_CONFIG_HOME").value_or(home / ".config"),
+    return {.configHome = configurationFolder(),
             .configFolders = systemConfigFolders(),
             .program = runningProgram(),
             .name = std::move(name),
@@ -122,11 +116,16 @@ bool XdgLoginItem::startedForAllUsers() const {
 }
 
 std::optional<std::string> XdgLoginItem::registerItem() {
+    if (m_entry.empty())
+        return kNoHome;
     return write(DesktopEntry::autostart(m_setup.name, m_setup.program.string()));
 }
 
 std::optional<std::string> XdgLoginItem::unregisterItem() {
-    if (startedForAllUsers())
+    const bool mustHide = startedForAllUsers();
+    if (m_entry.empty())
+        return mustHide ? std::optional<std::string>(kNoHome) : std::nullopt;
+    if (mustHide)
         return write(DesktopEntry::hidden(m_setup.name));
     if (::unlink(m_entry.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR)
         return std::nullopt;

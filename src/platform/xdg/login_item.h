@@ -17,7 +17,7 @@ class XdgLoginItem : public LoginItemPort {
 public:
     /// The folders of autostart entries, and the program that the entry starts.
     struct Setup {
-        std::filesystem::path configHome;                 ///< the user's configuration folder
+        std::filesystem::path configHome;                 ///< the user's configuration folder, or empty
         std::vector<std::filesystem::path> configFolders; ///< the system's, the most important first
         std::filesystem::path program;                    ///< absolute path of the executable
         std::string name;                                 ///< shown in the desktop's settings

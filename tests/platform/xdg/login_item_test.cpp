@@ -1,6 +1,9 @@
 #include "platform/xdg/login_item.h"
 
 #include "platform/xdg/desktop_entry.h"
+#include "platform/xdg/file_preferences.h"
+#include "platform/xdg/home_folder.h"
+#include "platform/xdg/installed_applications.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +17,7 @@
 #include <gio/gdesktopappinfo.h>
 #include <iterator>
 #include <optional>
+#include <pwd.h>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -360,6 +364,24 @@ TEST_F(LoginItemTest, AFullDiskGivesAReadableErrorAndKeepsTheOldEntry) {
     EXPECT_EQ(std::distance(fs::directory_iterator(entry().parent_path()), fs::directory_iterator()), 1);
 }
 
+TEST_F(LoginItemTest, AUserWithoutAHomeFolderHasNoEntry) {
+    auto homeless = setup();
+    homeless.configHome.clear();
+    fs::current_path(folder);
+    put(folder / "autostart/tessarel.desktop", "[Desktop Entry]\nType=Application\nExec=sh\n");
+    XdgLoginItem item(homeless);
+
+    EXPECT_EQ(item.status(), Status::NotRegistered);
+    EXPECT_EQ(item.registerItem(), "There is no home folder.");
+    EXPECT_EQ(item.unregisterItem(), std::nullopt);
+
+    EXPECT_TRUE(fs::exists(folder / "autostart/tessarel.desktop")) << "it is in the working directory";
+    putForAllUsers("first", "");
+    EXPECT_EQ(item.status(), Status::Enabled);
+    EXPECT_EQ(item.unregisterItem(), "There is no home folder.");
+    fs::current_path("/");
+}
+
 TEST_F(LoginItemTest, AnUnreadableEntryIsNotRegistered) {
     putOwn("");
     ::chmod(entry().c_str(), 0);
@@ -408,6 +430,21 @@ TEST_F(LoginItemEnvironmentTest, WithoutVariablesTheDefaultFoldersAreUsed) {
 
     EXPECT_EQ(own.configHome, "/home/somebody/.config");
     EXPECT_THAT(own.configFolders, testing::ElementsAre("/etc/xdg"));
+}
+
+TEST_F(LoginItemEnvironmentTest, WithoutHomeTheEntryIsInTheHomeOfThePasswordDatabase) {
+    const fs::path home = ::getpwuid(::getuid())->pw_dir;
+    for (const char* none : {"", "relative"}) {
+        ::setenv("HOME", none, 1);
+        EXPECT_EQ(XdgLoginItem::ofThisProgram("Tessarel").configHome, home / ".config") << none;
+    }
+    ::unsetenv("HOME");
+
+    EXPECT_EQ(XdgLoginItem::ofThisProgram("Tessarel").configHome, home / ".config");
+    EXPECT_EQ(FilePreferences::userFolder(), home / ".config/tessarel");
+    EXPECT_THAT(InstalledApplications::folders(), testing::Contains(home / ".local/share/applications"));
+    settleHome();
+    EXPECT_EQ(std::getenv("HOME"), home);
 }
 
 TEST_F(LoginItemEnvironmentTest, TheProgramIsTheRunningExecutable) {

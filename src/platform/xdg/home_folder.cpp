@@ -1,0 +1,44 @@
+#include "platform/xdg/home_folder.h"
+
+#include <cstdlib>
+#include <pwd.h>
+#include <unistd.h>
+
+namespace tessarel::xdg {
+
+namespace fs = std::filesystem;
+
+fs::path folderFrom(const char* variable) {
+    const char* const value = std::getenv(variable);
+    if (value == nullptr || *value != '/')
+        return {};
+    return value;
+}
+
+fs::path homeFolder() {
+    auto fromEnvironment = folderFrom("HOME");
+    if (!fromEnvironment.empty())
+        return fromEnvironment;
+    const passwd* const user = ::getpwuid(::getuid());
+    if (user == nullptr || user->pw_dir == nullptr || *user->pw_dir != '/')
+        return {};
+    return user->pw_dir;
+}
+
+fs::path configurationFolder() {
+    auto fromEnvironment = folderFrom("XDG_CONFIG_HOME");
+    if (!fromEnvironment.empty())
+        return fromEnvironment;
+    const auto home = homeFolder();
+    return home.empty() ? home : home / ".config";
+}
+
+void settleHome() {
+    const auto home = homeFolder();
+    if (home.empty())
+        ::unsetenv("HOME"); // a relative path would depend on the working directory
+    else
+        ::setenv("HOME", home.c_str(), 1);
+}
+
+} // namespace tessarel::xdg
