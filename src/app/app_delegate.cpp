@@ -66,7 +66,8 @@ void AppDelegate::greetUser() {
 void AppDelegate::welcome() {
     m_ports.application.activate();
     const auto alive = m_lifetime.watch();
-    const std::size_t button = m_ports.alerts.runModal(welcomeAlert(m_ports.words));
+    const std::size_t button =
+        m_ports.alerts.runModal(welcomeAlert(m_ports.words, m_ports.statusItem.isShown()));
     // The program may have quit while the message was shown.
     if (alive.expired())
         return;

@@ -6,7 +6,10 @@
 
 namespace tessarel {
 
-Alert welcomeAlert(const PlatformWords& words) {
+Alert welcomeAlert(const PlatformWords& words, bool hasStatusItem) {
+    const std::string settings =
+        hasStatusItem ? "Click the " + words.statusItem + ", then Settings, to"
+                      : "Start " + std::string(Config::appName) + " again to open Settings and";
     const std::string ctrlOpt =
         std::string(words.modifierNames.ctrl) + "+" + std::string(words.modifierNames.opt);
     const std::string dragNote = words.welcomeDragNote.empty() ? "" : " " + words.welcomeDragNote;
@@ -15,7 +18,7 @@ Alert welcomeAlert(const PlatformWords& words) {
         words.welcomeFirst + "\n\nTry it: press " + ctrlOpt +
             "+1 to 5 to snap the front window into a zone, or hold Shift while dragging a window to see the "
             "zones." +
-            dragNote + " Click the " + words.statusItem + ", then Settings, to design your own layout.",
+            dragNote + " " + settings + " design your own layout.",
         {"Continue", "Open Settings"},
         kWelcomeDismissed};
 }

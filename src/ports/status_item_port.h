@@ -27,6 +27,9 @@ public:
     /// nothing before the first.
     [[nodiscard]] virtual SubscriptionPtr create(Delegate delegate) = 0;
 
+    /// Returns whether the desktop shows the item now, which takes a status area.
+    [[nodiscard]] virtual bool isShown() = 0;
+
     /// Shows the system's symbol of that name as a template image and returns true. Returns false, and
     /// changes nothing, if the system has no such symbol.
     virtual bool setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) = 0;

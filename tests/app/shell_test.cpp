@@ -58,8 +58,19 @@ TEST(WelcomeTest, ANoteOfTheSystemFollowsTheAdviceToDrag) {
     PlatformWords words;
     words.welcomeDragNote = "Press it late.";
 
-    EXPECT_THAT(welcomeAlert(words).informativeText,
+    EXPECT_THAT(welcomeAlert(words, true).informativeText,
                 testing::HasSubstr("to see the zones. Press it late. Click the menu bar icon"));
+}
+
+TEST_F(FirstRunTest, WithoutAStatusAreaTheWelcomeSaysHowElseToReachTheSettings) {
+    desktop.statusItem().hasStatusArea = false;
+
+    launch();
+
+    ASSERT_EQ(desktop.alerts().shown.size(), 1U);
+    const std::string& text = desktop.alerts().shown[0].informativeText;
+    EXPECT_EQ(text.find("icon"), std::string::npos) << text;
+    EXPECT_TRUE(text.ends_with("Start Tessarel again to open Settings and design your own layout.")) << text;
 }
 
 TEST_F(FirstRunTest, TheWelcomeIsFollowedByThePromptWhateverTheButton) {

@@ -13,6 +13,7 @@ namespace tessarel::sim {
 class SimStatusItem : public StatusItemPort {
 public:
     [[nodiscard]] SubscriptionPtr create(Delegate delegate) override;
+    [[nodiscard]] bool isShown() override { return isUp() && hasStatusArea; }
     /// Fails for a name that is not in `symbols`.
     bool setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) override;
     void clearImage() override;
@@ -27,6 +28,7 @@ public:
     /// Returns whether the item exists.
     [[nodiscard]] bool isUp() const { return m_delegate.has_value(); }
 
+    bool hasStatusArea = true; ///< whether the desktop has a place for the item
     /// Names of the symbols that the system has.
     std::set<std::string, std::less<>> symbols{"rectangle.3.group", "square.grid.2x2", "rectangle.split.3x1"};
     std::string symbol; ///< name of the symbol that the item shows; empty if it shows no image

@@ -39,6 +39,8 @@ public:
         m_later.async([this] { appear(); });
     }
 
+    [[nodiscard]] bool isShown() const { return m_icon && m_icon->isVisible(); }
+
     void setSymbol(std::string_view name, std::string_view description) {
         m_symbol = name;
         m_description = toQString(description);
@@ -170,6 +172,11 @@ SubscriptionPtr QtStatusItem::create(Delegate delegate) {
     auto item = std::make_shared<Item>(m_queue, std::move(delegate));
     m_item = item;
     return callOnEnd([item = std::move(item)] {}); // owns the item
+}
+
+bool QtStatusItem::isShown() {
+    const auto item = m_item.lock();
+    return item && item->isShown();
 }
 
 bool QtStatusItem::setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) {

@@ -26,6 +26,9 @@ public:
     /// iteration of the main queue, when the menu has closed.
     [[nodiscard]] SubscriptionPtr create(Delegate delegate) override;
 
+    /// Returns false also while a panel is only expected.
+    [[nodiscard]] bool isShown() override;
+
     /// Returns false for a name that is not in `status_symbols`, even before `create`.
     bool setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) override;
     void clearImage() override;

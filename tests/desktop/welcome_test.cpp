@@ -1,0 +1,65 @@
+#include "desktop/screen_reader.h"
+#include "desktop/tray_desktop.h"
+#include "support/x11/keyboard.h"
+#include "support/x11/observer.h"
+#include "support/x11/program.h"
+#include "support/x11/window_manager.h"
+#include "support/x11/x_server.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+namespace tessarel::x11test {
+namespace {
+
+/// The first start of the program, read by a screen reader.
+class WelcomeTest : public testing::Test {
+protected:
+    /// Starts the program and returns the text of its welcome; empty if it does not appear.
+    std::string welcome() {
+        program = std::make_unique<Program>(reader.environment());
+        std::string text;
+        const auto isFound = [&] {
+            const auto parts = reader.read("Tessarel");
+            const auto found = std::ranges::find_if(parts, [](const Accessible& part) {
+                return part.name.find("to snap the front window") != std::string::npos;
+            });
+            text = found == parts.end() ? "" : found->name;
+            return found != parts.end();
+        };
+        EXPECT_TRUE(observer.waitUntil(isFound)) << program->errors();
+        return text;
+    }
+
+    XServer server;
+    WindowManager manager{server, WindowManagerKind::Openbox};
+    Observer observer{server.display()};
+    ScreenReader reader{server.environment()};
+    std::unique_ptr<Program> program;
+};
+
+TEST_F(WelcomeTest, NamesTheIconWhereAPanelShowsIt) {
+    const auto panel = startTint2(server, server.environment());
+    ASSERT_TRUE(observer.waitUntil(
+        [&] { return observer.selectionOwner("_NET_SYSTEM_TRAY_S0") != xcb_window_t{XCB_WINDOW_NONE}; }));
+
+    const std::string text = welcome();
+
+    EXPECT_NE(text.find("Click the icon in the panel, then Settings"), std::string::npos) << text;
+    EXPECT_EQ(program->terminate(), 0);
+}
+
+TEST_F(WelcomeTest, WithoutATrayItSaysHowElseToOpenTheSettings) {
+    const std::string text = welcome();
+
+    EXPECT_EQ(text.find("icon"), std::string::npos) << text;
+    EXPECT_NE(text.find("Start Tessarel again to open Settings"), std::string::npos) << text;
+    EXPECT_NE(openSettingsWindow(observer, reader.environment()), xcb_window_t{XCB_WINDOW_NONE});
+    EXPECT_EQ(program->terminate(), 0);
+}
+
+} // namespace
+} // namespace tessarel::x11test
