@@ -55,11 +55,17 @@ AppDelegate::Launch AppDelegate::claimDesktop() {
     }
 }
 
-/// Shows the welcome message on the first run. On later runs, asks for the permission if it is missing.
+/// Shows the welcome message on the first run. On later runs, asks for the permission if it is missing. Both
+/// happen after the update check has started.
 void AppDelegate::greetUser() {
     if (!m_services->store.settings.hasOnboarded)
         m_later.async([this] { welcome(); });
-    else if (!m_services->permissions.isTrusted())
+    else
+        m_later.async([this] { promptForPermission(); });
+}
+
+void AppDelegate::promptForPermission() {
+    if (!m_services->permissions.isTrusted())
         m_services->permissions.prompt();
 }
 

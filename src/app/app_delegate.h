@@ -43,7 +43,8 @@ public:
     AppDelegate& operator=(const AppDelegate&) = delete;
     ~AppDelegate();
 
-    /// Runs the launch sequence. Call once. The welcome message and the update check wait for the event loop.
+    /// Runs the launch sequence. Call once. The update check, the welcome message
+    /// and the request for the permission wait for the event loop.
     [[nodiscard]] Launch applicationDidFinishLaunching();
 
     /// Returns why the launch has failed, for the user: one sentence without a capital letter and a full
@@ -60,6 +61,7 @@ public:
 private:
     [[nodiscard]] Launch claimDesktop();
     void greetUser();
+    void promptForPermission();
     /// Shows the welcome message and waits until the user closes it.
     void welcome();
 

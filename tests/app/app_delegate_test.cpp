@@ -146,6 +146,7 @@ TEST_F(AppDelegateTest, WithoutTrustThePromptIsShownOnceAndTheHotKeysAreStillCla
     desktop.trust().trusted = false;
 
     EXPECT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    desktop.advance(std::chrono::seconds(0));
 
     EXPECT_EQ(desktop.trust().prompts, 1);
     EXPECT_EQ(desktop.trust().settingsOpened, 0);

@@ -50,19 +50,20 @@ protected:
     FirstLaunchOrderTest() : OrderTest("{}") {}
 };
 
-TEST_F(LaunchOrderTest, HotKeysAreClaimedEarlyAndThePromptComesLast) {
+TEST_F(LaunchOrderTest, HotKeysAreClaimedEarlyAndNothingIsPromptedBeforeTheLoopRuns) {
     launch();
 
     EXPECT_THAT(record.takeOrder(),
                 ElementsAre("claim the desktop", "read settings", "set main menu", "create status item",
                             "show icon", "listen to hot keys", "claim hot keys", "watch the mouse",
-                            "watch programs", "list programs", "ask for trust", "prompt"));
+                            "watch programs", "list programs"));
 }
 
-TEST_F(LaunchOrderTest, SettingsAreWatchedAndTheUpdateCheckStartsOnceTheLoopRuns) {
+TEST_F(LaunchOrderTest, TheUpdateCheckStartsBeforeThePromptOnceTheLoopRuns) {
     launch();
 
-    EXPECT_THAT(turn(), ElementsAre("watch settings", "read settings", "ask the web"));
+    EXPECT_THAT(turn(),
+                ElementsAre("watch settings", "read settings", "ask the web", "ask for trust", "prompt"));
 }
 
 TEST_F(LaunchOrderTest, ASecondCopyOnlyTriesToClaimTheDesktop) {
@@ -93,7 +94,19 @@ TEST_F(LaunchOrderTest, SettingsThatChangeDuringTheLaunchDoNotClaimTheHotKeysTwi
     launch();
 
     const auto order = record.takeOrder();
-    EXPECT_EQ(std::count(order.begin(), order.end(), "claim hot keys"), 1);
+    EXPECT_EQ(std::count(order.begin(), order.end(), "claim hot keys"), 1)
+        << "the settings are observed only after the placer has started";
+}
+
+TEST_F(LaunchOrderTest, SettingsAreObservedBeforeTheUpdateCheckStarts) {
+    launch();
+    static_cast<void>(record.takeOrder());
+    record.whileAskingTheWeb = [] { Store::shared().tessarelSettingsChanged.send(); };
+
+    const auto order = turn();
+
+    EXPECT_THAT(order, testing::IsSupersetOf({"ask the web", "claim hot keys"}));
+    EXPECT_LT(std::ranges::find(order, "ask the web"), std::ranges::find(order, "claim hot keys"));
 }
 
 TEST_F(FirstLaunchOrderTest, NoPromptIsShownBeforeTheLoopRuns) {

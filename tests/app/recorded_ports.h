@@ -70,6 +70,8 @@ public:
 
     /// Called while the program lists the running applications; may be empty.
     std::function<void()> whileListingPrograms;
+    /// Called while the program starts an update check; may be empty.
+    std::function<void()> whileAskingTheWeb;
 
 private:
     struct Instance : SingleInstancePort {
@@ -169,6 +171,8 @@ private:
         explicit Web(RecordedPorts& record) : record(record) {}
         SubscriptionPtr load(const UrlRequest&, Done) override {
             record.note("ask the web");
+            if (record.whileAskingTheWeb)
+                record.whileAskingTheWeb();
             return nullptr;
         }
         RecordedPorts& record;

@@ -98,7 +98,7 @@ TEST_F(MacApplicationShellTest, TheFirstLaunchShowsTheWelcomeAndThenRequestsTheP
 TEST_F(MacApplicationShellTest, ThePermissionIsRequestedAndHotKeysWorkOnceItIsGranted) {
     fakemac::mac().trusted = false;
     launch();
-    EXPECT_EQ(fakemac::mac().prompted.size(), 1U);
+    EXPECT_TRUE(until([] { return fakemac::mac().prompted.size() == 1U; }));
     const auto window = openEditorWindow();
     fakemac::pressKeys(kKey1, kCtrlOpt);
     EXPECT_EQ(frameOf(window), kWindow);
