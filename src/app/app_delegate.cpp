@@ -20,7 +20,7 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
 
     Services& services = m_services.emplace(m_ports);
     m_ports.mainMenu.setMainMenu(mainMenu());
-    m_statusMenu.emplace(services.store, services.permissions, services.runtime, m_ports.words.modifierNames,
+    m_statusMenu.emplace(services.store, services.permissions, services.runtime, m_ports.words,
                          m_ports.keyNames);
     m_statusItem.emplace(m_ports.statusItem, *m_statusMenu, services.runtime,
                          [this](const MenuItem& item) { itemSelected(item); });

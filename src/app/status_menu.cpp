@@ -38,8 +38,8 @@ int tagOf(ActionID action) {
 } // namespace
 
 StatusMenu::StatusMenu(const Store& store, const Permissions& permissions, const Runtime& runtime,
-                       const ModifierNames& modifierNames, KeyNamesPort& keyNames)
-    : m_store(store), m_permissions(permissions), m_runtime(runtime), m_modifierNames(modifierNames),
+                       PlatformWords words, KeyNamesPort& keyNames)
+    : m_store(store), m_permissions(permissions), m_runtime(runtime), m_words(std::move(words)),
       m_keyNames(keyNames) {}
 
 Menu StatusMenu::rebuild() const {
@@ -49,7 +49,7 @@ Menu StatusMenu::rebuild() const {
     menu.push_back(std::move(heading));
     if (!m_permissions.isTrusted()) {
         menu.push_back(MenuItem::separator());
-        menu.push_back(item("Grant Accessibility access...", MenuCommand::GrantAccess));
+        menu.push_back(item(m_words.grantAccess, MenuCommand::GrantAccess));
     }
     menu.push_back(MenuItem::separator());
     addZoneItems(menu);
@@ -84,7 +84,7 @@ MenuItem StatusMenu::actionItem(ActionID action) const {
     std::string title(action.title());
     if (const std::optional<Binding> binding = m_store.binding(action))
         title += "   (" +
-                 KeyNames::describe(binding, m_modifierNames,
+                 KeyNames::describe(binding, m_words.modifierNames,
                                     [this](std::int64_t keyCode) { return m_keyNames.name(keyCode); }) +
                  ")";
     return item(std::move(title), MenuCommand::RunMenuAction, tagOf(action));

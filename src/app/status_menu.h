@@ -3,11 +3,11 @@
 #include "engine/permissions.h"
 #include "engine/runtime.h"
 #include "model/action_id.h"
-#include "model/key_names.h"
 #include "model/layout.h"
 #include "model/store.h"
 #include "ports/key_names_port.h"
 #include "ports/menu.h"
+#include "ports/platform_words.h"
 
 #include <optional>
 #include <vector>
@@ -18,9 +18,9 @@ namespace tessarel {
 /// it opens, so it always shows the current state.
 class StatusMenu {
 public:
-    /// `store`, `permissions` and `runtime` must outlive the menu.
+    /// `store`, `permissions`, `runtime` and `keyNames` must outlive the menu.
     StatusMenu(const Store& store, const Permissions& permissions, const Runtime& runtime,
-               const ModifierNames& modifierNames, KeyNamesPort& keyNames);
+               PlatformWords words, KeyNamesPort& keyNames);
 
     /// Returns the whole menu for the current settings, pause and permission.
     [[nodiscard]] Menu rebuild() const;
@@ -42,7 +42,7 @@ private:
     const Store& m_store;
     const Permissions& m_permissions;
     const Runtime& m_runtime;
-    ModifierNames m_modifierNames;
+    PlatformWords m_words;
     KeyNamesPort& m_keyNames;
 };
 

@@ -18,6 +18,8 @@ struct PlatformWords {
     std::string welcomeDragNote = {};
     /// Name of the status item within a sentence.
     std::string statusItem = "menu bar icon";
+    /// Row of the menu while the program is not trusted.
+    std::string grantAccess = "Grant Accessibility access...";
     /// Explanation of "usable screen area", within a sentence.
     std::string usableArea = "below the menu bar, beside the Dock";
     /// Beginning of a sentence that names what else may snap windows at the screen edges.

@@ -205,8 +205,11 @@ TEST_F(StatusMenuTest, ArrangingShowsNoShortcutEvenWhenBound) {
 }
 
 TEST_F(StatusMenuTest, ModifiersHaveTheNamesOfTheSystem) {
-    const StatusMenu elsewhere{
-        store, permissions, runtime, {"Ctrl", "Alt", "Shift", "Super"}, desktop.keyNames()};
+    const StatusMenu elsewhere{store,
+                               permissions,
+                               runtime,
+                               {.modifierNames = {"Ctrl", "Alt", "Shift", "Super"}},
+                               desktop.keyNames()};
 
     EXPECT_EQ(rowOf(elsewhere.rebuild(), "Move window").submenu[7].title,
               "Move to next display   (Ctrl+Alt+Super+Right)");

@@ -63,6 +63,16 @@ TEST_F(MenuStatusNotifierTest, TheMenuReachesThePanel) {
     EXPECT_THAT(menu, Not(HasSubstr("Snap to Zone 6")));
 }
 
+TEST_F(MenuStatusNotifierTest, WithoutAWindowManagerTheMenuOffersTheReasonInTrueWords) {
+    EXPECT_THAT(openedMenu(), Not(HasSubstr("windows cannot be moved")));
+
+    manager.process().kill();
+
+    EXPECT_TRUE(observer.waitUntil(
+        [&] { return openedMenu().find("Why windows cannot be moved...") != std::string::npos; }));
+    EXPECT_THAT(openedMenu(), Not(HasSubstr("Accessibility")));
+}
+
 TEST_F(MenuStatusNotifierTest, AnAppliedLayoutIsMarkedAtTheNextOpening) {
     EXPECT_TRUE(isMarked("3 top \\+ 2 bottom"));
     EXPECT_FALSE(isMarked("Halves"));

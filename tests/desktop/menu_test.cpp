@@ -231,6 +231,22 @@ TEST_F(MenuTest, TheProgramExitsWithAMessageWhenTheServerDiesUnderAnOpenMenu) {
     EXPECT_EQ(program->errors(), "tessarel: lost the connection to the X display\n");
 }
 
+TEST_F(MenuTest, AProgramThatWasPausedAndQuitIsNotPausedWhenItStartsAgain) {
+    start();
+    choose(kPauseRow);
+    ASSERT_TRUE(waitUntilDimmed());
+    choose(kQuitRow);
+    ASSERT_EQ(program->process().waitForExit(), 0);
+
+    start(settings());
+
+    item.waitForIcon();
+    EXPECT_TRUE(waitUntilNotDimmed());
+    const xcb_window_t window = openWindow();
+    keyboard.press(hotkey::zone(1));
+    EXPECT_TRUE(goesTo(window, frameIn(area, kZones.at(0))));
+}
+
 TEST_F(MenuTest, TheMenuWorksAfterTheWelcomeOfTheFirstStart) {
     start("{}");
     const auto welcomes = [&] {

@@ -11,6 +11,7 @@ namespace tessarel::x11 {
                             "needs no permission for it.",
             .welcomeDragNote = "If the window does not move while Shift is held, press Shift once it moves.",
             .statusItem = "icon in the panel",
+            .grantAccess = "Why windows cannot be moved...",
             .usableArea = "what panels and docks leave free",
             .otherEdgeTiling = "Your window manager may have its own edge tiling",
             .controlKey = "Control",

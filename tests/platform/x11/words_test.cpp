@@ -17,9 +17,10 @@ using testing::Not;
 std::vector<std::string> texts(const PlatformWords& words) {
     const ModifierNames& names = words.modifierNames;
     return {std::string(names.ctrl), std::string(names.opt), std::string(names.shift), std::string(names.cmd),
-            words.welcomeFirst,      words.welcomeDragNote,  words.statusItem,         words.usableArea,
-            words.otherEdgeTiling,   words.controlKey,       words.commandKey,         words.permission,
-            words.trusted,           words.openPermission,   words.notTrusted,         words.thisComputer};
+            words.welcomeFirst,      words.welcomeDragNote,  words.statusItem,         words.grantAccess,
+            words.usableArea,        words.otherEdgeTiling,  words.controlKey,         words.commandKey,
+            words.permission,        words.trusted,          words.openPermission,     words.notTrusted,
+            words.thisComputer};
 }
 
 TEST(WordsTest, DoNotMentionFeaturesOfMacOS) {
