@@ -106,7 +106,7 @@ int run(const char* programName) {
         [&link = *connection](xcb_window_t window) { x11::bringToUser(link, window); });
     qt::X11Overlay overlay(queue,
                            [&desktop](const Rect& screenFrame) { return desktop.rootPixels(screenFrame); });
-    qt::QtStatusItem statusItem(queue);
+    qt::QtStatusItem statusItem(queue, [&appearance] { appearance.apply(); });
     qt::QtUrlLoadingModule urlLoading;
     qt::SystemWallClock wallClock;
     // Optional, so that `runLoop` can destroy it before the application object.

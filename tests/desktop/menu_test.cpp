@@ -42,9 +42,11 @@ protected:
         })) << "the panel has no room of its own";
     }
 
-    void start(std::string_view settings = kUsualSettings) {
+    void start(std::string_view settings = kUsualSettings, const Environment& added = {}) {
         writeSettings(server, settings);
-        program.emplace(server);
+        Environment environment = server.environment();
+        environment.insert(added.begin(), added.end());
+        program.emplace(environment);
         ASSERT_TRUE(program->waitUntilReady(observer, keyboard)) << program->errors();
     }
 
@@ -196,6 +198,21 @@ TEST_F(MenuTest, PauseStopsTheHotKeysUntilItIsChosenAgain) {
     EXPECT_EQ(observer.outerFrame(window), before);
     keyboard.press(hotkey::zone(2));
     EXPECT_TRUE(goesTo(window, frameIn(area, kZones[1])));
+}
+
+TEST_F(MenuTest, TheFirstMenuIsLightOrDarkAsTheDesktop) {
+    constexpr int kMiddle = 128;
+    start();
+    openMenu();
+    ASSERT_TRUE(waitUntilAtRest());
+    EXPECT_GT(item.brightness(item.menus().at(0)), kMiddle);
+    EXPECT_EQ(program->terminate(), 0);
+
+    start(kUsualSettings, {{"GTK_THEME", "Adwaita:dark"}});
+    openMenu();
+    ASSERT_TRUE(waitUntilAtRest());
+
+    EXPECT_LT(item.brightness(item.menus().at(0)), kMiddle);
 }
 
 TEST_F(MenuTest, QuitEndsTheProgramCleanly) {

@@ -154,6 +154,15 @@ Frame ShownStatusItem::waitForIcon() {
     return *found;
 }
 
+int ShownStatusItem::brightness(const Frame& area) {
+    std::vector<int> seen = brightnesses(m_observer.x(), area);
+    if (seen.empty())
+        return 0;
+    const auto middle = seen.begin() + static_cast<std::ptrdiff_t>(seen.size() / 2);
+    std::ranges::nth_element(seen, middle);
+    return *middle;
+}
+
 int ShownStatusItem::contrast() {
     const std::optional<Frame> place = icon();
     const std::vector<int> seen = place ? brightnesses(m_observer.x(), *place) : std::vector<int>();

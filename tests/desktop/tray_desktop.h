@@ -57,6 +57,8 @@ public:
     Frame waitForIcon();
     /// Returns the contrast between the icon and the panel, from 0 to 255; 0 if there is no icon.
     [[nodiscard]] int contrast();
+    /// Returns the brightness of most of an area of the screen, from 0 to 255.
+    [[nodiscard]] int brightness(const Frame& area);
     /// Returns the frames of the open menus, in the order in which they opened.
     [[nodiscard]] std::vector<Frame> menus();
     /// Returns the frame of row `position` of `count` rows of equal height.

@@ -35,7 +35,8 @@ constexpr std::chrono::seconds kBetweenLooks{2};
 /// One created status item: its content, and its icon once a panel has a place for it.
 class QtStatusItem::Item {
 public:
-    Item(MainQueuePort& queue, Delegate delegate) : m_delegate(std::move(delegate)), m_later(queue) {
+    Item(MainQueuePort& queue, Delegate delegate, std::function<void()> beforeOpening)
+        : m_delegate(std::move(delegate)), m_beforeOpening(std::move(beforeOpening)), m_later(queue) {
         m_later.async([this] { appear(); });
     }
 
@@ -132,8 +133,10 @@ private:
     /// Opens the menu for either mouse button. A panel that draws the menu itself does not report the second
     /// button.
     void activated(QSystemTrayIcon::ActivationReason reason) {
-        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::Context)
-            m_menu->widget().popup(QCursor::pos());
+        if (reason != QSystemTrayIcon::Trigger && reason != QSystemTrayIcon::Context)
+            return;
+        m_beforeOpening();
+        m_menu->widget().popup(QCursor::pos());
     }
 
     /// Returns the symbol or, without one, the title drawn as an icon; null when both are empty.
@@ -152,6 +155,7 @@ private:
     }
 
     Delegate m_delegate;
+    std::function<void()> m_beforeOpening;
     std::string m_symbol;
     QString m_description;
     QString m_title;
@@ -164,12 +168,13 @@ private:
     DeferredWork m_later;
 };
 
-QtStatusItem::QtStatusItem(MainQueuePort& queue) : m_queue(queue) {}
+QtStatusItem::QtStatusItem(MainQueuePort& queue, std::function<void()> beforeOpening)
+    : m_queue(queue), m_beforeOpening(std::move(beforeOpening)) {}
 
 QtStatusItem::~QtStatusItem() = default;
 
 SubscriptionPtr QtStatusItem::create(Delegate delegate) {
-    auto item = std::make_shared<Item>(m_queue, std::move(delegate));
+    auto item = std::make_shared<Item>(m_queue, std::move(delegate), m_beforeOpening);
     m_item = item;
     return callOnEnd([item = std::move(item)] {}); // owns the item
 }

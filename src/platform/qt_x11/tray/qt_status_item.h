@@ -3,6 +3,7 @@
 #include "ports/main_queue_port.h"
 #include "ports/status_item_port.h"
 
+#include <functional>
 #include <memory>
 
 namespace tessarel::qt {
@@ -15,8 +16,10 @@ namespace tessarel::qt {
 /// description becomes the tool tip.
 class QtStatusItem : public StatusItemPort {
 public:
-    /// `queue` must outlive this object and every created item.
-    explicit QtStatusItem(MainQueuePort& queue);
+    /// `queue` must outlive this object and every created item. `beforeOpening` is called each time before a
+    /// menu that this program draws opens.
+    explicit QtStatusItem(
+        MainQueuePort& queue, std::function<void()> beforeOpening = [] {});
     QtStatusItem(const QtStatusItem&) = delete;
     QtStatusItem& operator=(const QtStatusItem&) = delete;
     ~QtStatusItem() override;
@@ -39,6 +42,7 @@ private:
     class Item;
 
     MainQueuePort& m_queue;
+    std::function<void()> m_beforeOpening;
     std::weak_ptr<Item> m_item;
 };
 
