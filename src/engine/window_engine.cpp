@@ -91,10 +91,18 @@ bool WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFra
     return true;
 }
 
-/// Takes up the frame that the program itself has chosen after the last placement.
+/// Takes up the size that the program itself has chosen after the last placement. A window that has moved
+/// away on an axis, with neither edge where it was, has been moved by the user, for example by a key of the
+/// desktop.
 void WindowEngine::follow(const Element& window, const Rect& axFrame) {
     const auto last = m_lastSnapped.find(key(window));
-    if (last != m_lastSnapped.end())
+    if (last == m_lastSnapped.end())
+        return;
+    const auto near = [](double first, double second) { return std::abs(first - second) <= kTolerance; };
+    const Rect& placed = last->second;
+    const bool keepsColumn = near(placed.minX(), axFrame.minX()) || near(placed.maxX(), axFrame.maxX());
+    const bool keepsRow = near(placed.minY(), axFrame.minY()) || near(placed.maxY(), axFrame.maxY());
+    if (keepsColumn && keepsRow)
         last->second = axFrame;
 }
 

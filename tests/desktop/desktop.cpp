@@ -157,8 +157,13 @@ xcb_window_t Desktop::open(TestClient& client, const WindowOptions& options) {
     const xcb_window_t window = client.open(options);
     EXPECT_TRUE(m_observer.waitUntil([&] { return m_observer.hasTakenCharge(window); }));
     EXPECT_TRUE(activate(window));
-    // awesome places windows only once it has processed all requests.
-    EXPECT_TRUE(manager() != WindowManagerKind::Awesome || m_observer.settle());
+    // awesome decorates and places a window only once it has processed all requests.
+    const auto isPlaced = [&] {
+        const Frame before = frame(window);
+        return !m_observer.values(window, "_NET_FRAME_EXTENTS").empty() && m_observer.settle() &&
+               m_observer.settle() && frame(window) == before;
+    };
+    EXPECT_TRUE(manager() != WindowManagerKind::Awesome || m_observer.waitUntil(isPlaced));
     m_observer.watch(window);
     return window;
 }

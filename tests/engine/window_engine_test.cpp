@@ -112,6 +112,15 @@ TEST_F(WindowEngineTest, AWindowMovedByHandAfterACorrectionStartsANewChain) {
     EXPECT_EQ(restored(), kLeft);
 }
 
+TEST_F(WindowEngineTest, AMoveWithoutTheMouseIsNoCorrection) {
+    const Rect moved{-1300, -500, 650, 820};
+    place(kLeft);
+    desktop.accessibility().correct(window, moved);
+    place(kRight);
+
+    EXPECT_EQ(restored(), moved);
+}
+
 TEST_F(WindowEngineTest, ACorrectionAfterRestoringStartsNoChain) {
     place(kLeft);
     EXPECT_EQ(restored(), kStart);
