@@ -23,7 +23,7 @@ public:
                      std::function<void()> taken);
     SettingsFollower(const SettingsFollower&) = delete;
     SettingsFollower& operator=(const SettingsFollower&) = delete;
-    /// Completes a delayed save, because nobody will do it later.
+    /// Completes a delayed save, because no later event would trigger it.
     ~SettingsFollower();
 
 private:
