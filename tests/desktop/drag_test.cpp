@@ -183,7 +183,8 @@ INSTANTIATE_TEST_SUITE_P(Attentive, BorderDragTest, testing::ValuesIn(kAttentive
 INSTANTIATE_TEST_SUITE_P(Fvwm3, BorderDragTest, testing::Values(WindowManagerKind::Fvwm3), managerName);
 INSTANTIATE_TEST_SUITE_P(Most, AttentiveDragTest, testing::ValuesIn(kAttentive), managerName);
 
-/// Drags of maximised windows, which openbox, fluxbox, awesome, Window Maker and pekwm do not move.
+/// Drags of maximised windows, which openbox, fluxbox, awesome, Window Maker and pekwm do not move. fvwm3
+/// tells of the press only when the pointer moves, and by then the window may have been pulled off.
 class PulledOffTest : public DragFixture {};
 
 TEST_P(PulledOffTest, AMaximizedWindowThatIsPulledOffGoesToTheZone) {
@@ -214,8 +215,7 @@ INSTANTIATE_TEST_SUITE_P(Most, PulledOffTest,
                          testing::Values(WindowManagerKind::Xfwm4, WindowManagerKind::Metacity,
                                          WindowManagerKind::Marco, WindowManagerKind::Icewm,
                                          WindowManagerKind::Kwin, WindowManagerKind::Mutter,
-                                         WindowManagerKind::Jwm, WindowManagerKind::Fvwm3,
-                                         WindowManagerKind::Blackbox),
+                                         WindowManagerKind::Jwm, WindowManagerKind::Blackbox),
                          managerName);
 
 /// Restarts the program with the settings of each test, and with the default ones afterwards.

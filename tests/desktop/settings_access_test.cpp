@@ -111,10 +111,12 @@ class ZonePictureAccessTest : public SettingsDesktopTest {
 protected:
     void SetUp() override {
         ASSERT_NO_FATAL_FAILURE(SettingsDesktopTest::SetUp());
-        for (const Accessible& one : reader.read("Tessarel"))
-            if (one.name == "Zones")
-                picture = one;
-        ASSERT_TRUE(picture.isShowing);
+        ASSERT_TRUE(waitUntil([this] {
+            for (const Accessible& one : reader.read("Tessarel"))
+                if (one.name == "Zones")
+                    picture = one;
+            return picture.isShowing;
+        }));
     }
 
     /// Clicks a part and waits until it has the focus: a window manager may pass on a click later than a key.
