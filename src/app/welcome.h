@@ -13,7 +13,7 @@ inline constexpr std::size_t kWelcomeOpenSettings = 1;
 /// Reported when the message was closed without a button: by the user, or because the program quits.
 inline constexpr std::size_t kWelcomeDismissed = 2;
 
-/// Returns the message for the first run of the program. `hasStatusItem` tells whether there is a status item
+/// Returns the message for the first run of the program. `hasStatusItem` is whether there is a status item
 /// from which the user can open the settings.
 [[nodiscard]] Alert welcomeAlert(const PlatformWords& words, bool hasStatusItem);
 
