@@ -183,8 +183,8 @@ INSTANTIATE_TEST_SUITE_P(Attentive, BorderDragTest, testing::ValuesIn(kAttentive
 INSTANTIATE_TEST_SUITE_P(Fvwm3, BorderDragTest, testing::Values(WindowManagerKind::Fvwm3), managerName);
 INSTANTIATE_TEST_SUITE_P(Most, AttentiveDragTest, testing::ValuesIn(kAttentive), managerName);
 
-/// Drags of maximised windows, which openbox, fluxbox, awesome, Window Maker and pekwm do not move. fvwm3
-/// tells of the press only when the pointer moves, and by then the window may have been pulled off.
+/// Drags of maximised windows, which openbox, fluxbox, awesome, Window Maker and pekwm do not move. Under
+/// fvwm3 the zones do not always appear.
 class PulledOffTest : public DragFixture {};
 
 TEST_P(PulledOffTest, AMaximizedWindowThatIsPulledOffGoesToTheZone) {
