@@ -4,8 +4,8 @@
 #include "engine/ax.h"
 #include "engine/geo.h"
 #include "engine/window_engine.h"
-#include "model/settings_codec.h"
-#include "model/store.h"
+#include "model/settings/settings_codec.h"
+#include "model/settings/store.h"
 #include "platform/sim/sim_desktop.h"
 
 #include <benchmark/benchmark.h>

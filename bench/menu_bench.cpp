@@ -4,7 +4,7 @@
 #include "app/services.h"
 #include "app/status_menu.h"
 #include "model/presets.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "platform/qt_x11/tray/menu_view.h"
 #include "platform/sim/sim_desktop.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/preferences_port.h"
+#include "model/settings/preferences_port.h"
 #include "ports/accessibility_port.h"
 #include "ports/alert_sound_port.h"
 #include "ports/alerts_port.h"

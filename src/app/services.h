@@ -10,7 +10,7 @@
 #include "engine/permissions.h"
 #include "engine/runtime.h"
 #include "engine/window_engine.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "model/subscription.h"
 #include "placer/app_placer.h"
 #include "snap/drag_snap.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "model/preferences_port.h"
-#include "model/store.h"
+#include "model/settings/preferences_port.h"
+#include "model/settings/store.h"
 #include "model/subscription.h"
 #include "ports/main_queue_port.h"
 

@@ -4,7 +4,7 @@
 #include "engine/runtime.h"
 #include "model/action_id.h"
 #include "model/layout.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "ports/key_names_port.h"
 #include "ports/menu.h"
 #include "ports/platform_words.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/config.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "model/subscription.h"
 #include "ports/alerts_port.h"
 #include "ports/application_port.h"

@@ -4,7 +4,7 @@
 #include "engine/runtime.h"
 #include "engine/window_engine.h"
 #include "model/action_id.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 
 #include <cstddef>
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/screens.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "model/zone.h"
 #include "ports/displays_port.h"
 #include "ports/rect.h"

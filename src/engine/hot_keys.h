@@ -2,7 +2,7 @@
 
 #include "engine/action_runner.h"
 #include "model/action_id.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "model/subscription.h"
 #include "ports/hot_key_port.h"
 

@@ -3,7 +3,7 @@
 #include "engine/ax.h"
 #include "engine/found_window.h"
 #include "engine/geo.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "model/subscription.h"
 #include "model/zone.h"
 #include "ports/alert_sound_port.h"

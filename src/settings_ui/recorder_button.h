@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/action_id.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "model/subscription.h"
 #include "ports/local_keys_port.h"
 #include "settings_ui/tab_context.h"

@@ -1,8 +1,8 @@
 #include "settings_ui/shortcuts_tab.h"
 
 #include "model/action_id.h"
-#include "model/app_settings.h"
 #include "model/key_names.h"
+#include "model/settings/app_settings.h"
 #include "qt_values/text.h"
 #include "settings_ui/kit/kit.h"
 

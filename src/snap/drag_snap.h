@@ -5,7 +5,7 @@
 #include "engine/permissions.h"
 #include "engine/runtime.h"
 #include "engine/window_engine.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "model/subscription.h"
 #include "ports/accessibility_port.h"
 #include "ports/deferred_work.h"

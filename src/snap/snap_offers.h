@@ -3,7 +3,7 @@
 #include "engine/geo.h"
 #include "engine/screens.h"
 #include "model/carbon_mods.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "ports/displays_port.h"
 #include "ports/rect.h"
 #include "snap/overlay_item.h"

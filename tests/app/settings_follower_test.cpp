@@ -1,7 +1,7 @@
 #include "app/settings_follower.h"
 
 #include "app/app_delegate.h"
-#include "model/settings_codec.h"
+#include "model/settings/settings_codec.h"
 #include "platform/sim/sim_desktop.h"
 #include "support/settings_window_record.h"
 #include "support/sim_ports.h"

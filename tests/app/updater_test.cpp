@@ -1,6 +1,6 @@
 #include "app/updater.h"
 
-#include "model/settings_codec.h"
+#include "model/settings/settings_codec.h"
 #include "platform/sim/sim_desktop.h"
 
 #include <gmock/gmock.h>

@@ -2,7 +2,7 @@
 
 #include "engine/random_desktop.h"
 #include "model/action_id.h"
-#include "model/settings_codec.h"
+#include "model/settings/settings_codec.h"
 
 #include <algorithm>
 #include <chrono>

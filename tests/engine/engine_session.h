@@ -10,7 +10,7 @@
 #include "engine/reference_engine.h"
 #include "engine/runtime.h"
 #include "engine/window_engine.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 
 #include <cstdint>
 #include <functional>

@@ -8,7 +8,7 @@
 #include "engine/runtime.h"
 #include "engine/window_engine.h"
 #include "model/presets.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "platform/sim/sim_desktop.h"
 
 #include <gtest/gtest.h>

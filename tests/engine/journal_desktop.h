@@ -1,7 +1,7 @@
 #pragma once
 
 #include "model/call_on_end.h"
-#include "model/preferences_port.h"
+#include "model/settings/preferences_port.h"
 #include "platform/sim/sim_desktop.h"
 
 #include <functional>

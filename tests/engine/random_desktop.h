@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/dice.h"
-#include "model/app_settings.h"
+#include "model/settings/app_settings.h"
 #include "platform/sim/sim_desktop.h"
 
 #include <vector>

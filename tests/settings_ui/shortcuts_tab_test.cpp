@@ -1,6 +1,6 @@
 #include "settings_ui/shortcuts_tab.h"
 
-#include "model/app_settings.h"
+#include "model/settings/app_settings.h"
 #include "settings_ui/kit/kit.h"
 #include "settings_ui/looks.h"
 #include "settings_ui/settings_ui_test.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/preferences_port.h"
+#include "model/settings/preferences_port.h"
 #include "model/signal.h"
 #include "model/subscription.h"
 #include "platform/sim/time/sim_clock.h"

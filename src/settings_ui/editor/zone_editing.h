@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/app_settings.h"
+#include "model/settings/app_settings.h"
 #include "model/zone.h"
 #include "ports/rect.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/app_settings.h"
+#include "model/settings/app_settings.h"
 #include "settings_ui/editor/zone_editing.h"
 #include "settings_ui/editor/zone_editor_picture.h"
 

@@ -1,6 +1,6 @@
 #include "platform/xdg/file_preferences.h"
 
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "platform/xdg/document_file.h"
 #include "support/scratch_folder.h"
 

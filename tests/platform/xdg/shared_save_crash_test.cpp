@@ -1,8 +1,8 @@
 // Interrupts a save of a document that another copy has changed, or makes it fail, at each of its system
 // calls in turn: reading, merging, locking and writing.
 
-#include "model/settings_codec.h"
-#include "model/store.h"
+#include "model/settings/settings_codec.h"
+#include "model/settings/store.h"
 #include "platform/xdg/file_preferences.h"
 #include "support/scratch_folder.h"
 #include "system_call_tracer.h"

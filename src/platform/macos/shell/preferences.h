@@ -1,6 +1,6 @@
 #pragma once
 
-#include "model/preferences_port.h"
+#include "model/settings/preferences_port.h"
 
 #include <functional>
 #include <optional>

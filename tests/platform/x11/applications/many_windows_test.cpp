@@ -3,7 +3,7 @@
 #include "engine/permissions.h"
 #include "engine/runtime.h"
 #include "engine/window_engine.h"
-#include "model/store.h"
+#include "model/settings/store.h"
 #include "placer/app_placer.h"
 #include "platform/sim/sim_desktop.h"
 #include "platform/x11/windows/window_list.h"

@@ -1,6 +1,6 @@
 #include "platform/x11/input/hot_keys.h"
 
-#include "model/app_settings.h"
+#include "model/settings/app_settings.h"
 #include "platform/x11/event_loop.h"
 #include "platform/x11/input/lock_modifiers.h"
 #include "support/x11/keyboard.h"

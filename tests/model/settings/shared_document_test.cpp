@@ -1,9 +1,9 @@
 // Two stores, as two copies of the program have them, and an editor share one document.
 
-#include "model/memory_preferences.h"
 #include "model/presets.h"
-#include "model/settings_codec.h"
-#include "model/store.h"
+#include "model/settings/memory_preferences.h"
+#include "model/settings/settings_codec.h"
+#include "model/settings/store.h"
 
 #include <gtest/gtest.h>
 

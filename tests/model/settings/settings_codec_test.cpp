@@ -1,4 +1,4 @@
-#include "model/settings_codec.h"
+#include "model/settings/settings_codec.h"
 
 #include <gtest/gtest.h>
 

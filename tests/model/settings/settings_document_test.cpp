@@ -1,7 +1,7 @@
 // Random settings documents: an encoded document decodes to the same settings, and a damaged one is rejected
 // as a whole or decodes to settings that can be stored again.
 
-#include "model/settings_codec.h"
+#include "model/settings/settings_codec.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "model/app_settings.h"
+#include "model/settings/app_settings.h"
 
 #include "model/action_id.h"
 #include "model/presets.h"

@@ -1,6 +1,6 @@
-#include "model/settings_merge.h"
+#include "model/settings/settings_merge.h"
 
-#include "model/settings_members.h"
+#include "model/settings/settings_members.h"
 
 #include <algorithm>
 #include <cstddef>

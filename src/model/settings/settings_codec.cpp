@@ -1,7 +1,7 @@
-#include "model/settings_codec.h"
+#include "model/settings/settings_codec.h"
 
 #include "model/json.h"
-#include "model/settings_members.h"
+#include "model/settings/settings_members.h"
 
 #include <algorithm>
 #include <cmath>

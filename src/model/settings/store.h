@@ -1,9 +1,9 @@
 #pragma once
 
 #include "model/action_id.h"
-#include "model/app_settings.h"
 #include "model/binding.h"
-#include "model/preferences_port.h"
+#include "model/settings/app_settings.h"
+#include "model/settings/preferences_port.h"
 #include "model/signal.h"
 #include "model/subscription.h"
 

@@ -1,8 +1,8 @@
-#include "model/store.h"
+#include "model/settings/store.h"
 
 #include "model/presets.h"
-#include "model/settings_codec.h"
-#include "model/settings_merge.h"
+#include "model/settings/settings_codec.h"
+#include "model/settings/settings_merge.h"
 
 #include <cassert>
 #include <memory>

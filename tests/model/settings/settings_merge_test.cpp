@@ -1,7 +1,7 @@
-#include "model/settings_merge.h"
+#include "model/settings/settings_merge.h"
 
 #include "model/presets.h"
-#include "model/settings_members.h"
+#include "model/settings/settings_members.h"
 
 #include <gtest/gtest.h>
 

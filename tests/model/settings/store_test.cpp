@@ -1,7 +1,7 @@
-#include "model/store.h"
+#include "model/settings/store.h"
 
-#include "model/memory_preferences.h"
-#include "model/settings_codec.h"
+#include "model/settings/memory_preferences.h"
+#include "model/settings/settings_codec.h"
 
 #include <gtest/gtest.h>
 
