@@ -82,28 +82,31 @@ bool WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFra
     if (current) {
         const auto last = m_lastSnapped.find(windowKey);
         // Still where the last placement left it: the restore chain goes on and keeps its first frame.
-        const bool inChain = last != m_lastSnapped.end() && approx(*current, last->second);
+        const bool inChain = last != m_lastSnapped.end() && approx(*current, last->second.current);
         if (!inChain)
             m_original[windowKey] = *current;
     }
     // The program may have adjusted the frame, so the one to compare with is read back.
-    m_lastSnapped[windowKey] = m_ax.frame(window).value_or(axFrame);
+    const Rect placed = m_ax.frame(window).value_or(axFrame);
+    m_lastSnapped[windowKey] = {placed, placed};
     return true;
 }
 
 /// Takes up the size that the program itself has chosen after the last placement. A window that has moved
-/// away on an axis, with neither edge where it was, has been moved by the user, for example by a key of the
+/// along an axis, rather than grown or shrunk there, has been moved by the user, for example by a key of the
 /// desktop.
 void WindowEngine::follow(const Element& window, const Rect& axFrame) {
     const auto last = m_lastSnapped.find(key(window));
     if (last == m_lastSnapped.end())
         return;
-    const auto near = [](double first, double second) { return std::abs(first - second) <= kTolerance; };
-    const Rect& placed = last->second;
-    const bool keepsColumn = near(placed.minX(), axFrame.minX()) || near(placed.maxX(), axFrame.maxX());
-    const bool keepsRow = near(placed.minY(), axFrame.minY()) || near(placed.maxY(), axFrame.maxY());
-    if (keepsColumn && keepsRow)
-        last->second = axFrame;
+    // Both edges have moved in one direction.
+    const auto moved = [](double low, double high) {
+        return std::min(low, high) > kTolerance || std::max(low, high) < -kTolerance;
+    };
+    const Rect& placed = last->second.placed;
+    if (!moved(axFrame.minX() - placed.minX(), axFrame.maxX() - placed.maxX()) &&
+        !moved(axFrame.minY() - placed.minY(), axFrame.maxY() - placed.maxY()))
+        last->second.current = axFrame;
 }
 
 void WindowEngine::remember(const std::optional<std::string>& bundleID, std::size_t zoneIndex) {

@@ -94,6 +94,11 @@ public:
 private:
     struct Target;
     struct TargetOnScreen;
+    /// Where a placement left a window.
+    struct Placed {
+        Rect placed;  ///< as read back
+        Rect current; ///< as the program has corrected it since
+    };
 
     [[nodiscard]] std::optional<FocusedWindow> usableFocusedWindow() const;
     [[nodiscard]] std::optional<Target> target() const;
@@ -113,9 +118,8 @@ private:
     AlertSoundPort& m_alertSound;
     Store& m_store;
     // The restore chains. They last for the run of the program; entries of closed windows are not removed.
-    std::unordered_map<WindowKey, Rect> m_original; ///< frame before the first placement of a chain
-    /// Frame after the last placement, as read back and then corrected by the program.
-    std::unordered_map<WindowKey, Rect> m_lastSnapped;
+    std::unordered_map<WindowKey, Rect> m_original;      ///< frame before the first placement of a chain
+    std::unordered_map<WindowKey, Placed> m_lastSnapped; ///< the last placement
     SubscriptionPtr m_corrections;
 };
 

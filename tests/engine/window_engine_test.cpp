@@ -103,6 +103,23 @@ TEST_F(WindowEngineTest, AFrameThatTheProgramCorrectsContinuesTheChain) {
     EXPECT_EQ(restored(), kStart);
 }
 
+TEST_F(WindowEngineTest, AWindowThatGrowsAndIsThenMovedBackByTheWindowManagerContinuesTheChain) {
+    place(kLeft);
+    desktop.accessibility().correct(window, {-1400, -575, 650, 832});
+    desktop.accessibility().correct(window, {-1400, -587, 650, 832});
+    place(kRight);
+
+    EXPECT_EQ(restored(), kStart);
+}
+
+TEST_F(WindowEngineTest, AWindowThatGrowsInBothDirectionsContinuesTheChain) {
+    place(kLeft);
+    desktop.accessibility().correct(window, {-1405, -582, 660, 832});
+    place(kRight);
+
+    EXPECT_EQ(restored(), kStart);
+}
+
 TEST_F(WindowEngineTest, AWindowMovedByHandAfterACorrectionStartsANewChain) {
     place(kLeft);
     desktop.accessibility().correct(window, {-1400, -575, 650, 832});
@@ -113,12 +130,14 @@ TEST_F(WindowEngineTest, AWindowMovedByHandAfterACorrectionStartsANewChain) {
 }
 
 TEST_F(WindowEngineTest, AMoveWithoutTheMouseIsNoCorrection) {
-    const Rect moved{-1300, -500, 650, 820};
-    place(kLeft);
-    desktop.accessibility().correct(window, moved);
-    place(kRight);
-
-    EXPECT_EQ(restored(), moved);
+    for (const Rect& moved : {Rect{-1396, -575, 650, 820}, Rect{-1404, -575, 650, 820},
+                              Rect{-1400, -571, 650, 820}, Rect{-1400, -579, 650, 820}}) {
+        desktop.drag(window, kStart);
+        place(kLeft);
+        desktop.accessibility().correct(window, moved);
+        place(kRight);
+        EXPECT_EQ(restored(), moved);
+    }
 }
 
 TEST_F(WindowEngineTest, ACorrectionAfterRestoringStartsNoChain) {
