@@ -2,6 +2,8 @@
 #include "desktop/real_program.h"
 
 #include <algorithm>
+#include <chrono>
+#include <optional>
 #include <tuple>
 #include <vector>
 
@@ -90,34 +92,57 @@ TEST_P(RealTerminalTest, AMaximisedTerminalIsInItsZoneAfterOnePress) {
 class RealCorrectionTest : public RealProgramTest {
 protected:
     /// Presses the hot key of zone `number` and waits until the program has made its window higher than the
-    /// zone.
-    void snapAndWaitForCorrection(xcb_window_t window, int number) {
+    /// zone. Returns how long that took.
+    [[nodiscard]] std::chrono::steady_clock::duration snapUntilCorrected(xcb_window_t window, int number) {
         const Frame target = frameIn(desktop.usableArea(), kZones.at(static_cast<std::size_t>(number - 1)));
+        const auto begin = std::chrono::steady_clock::now();
         desktop.press(hotkey::zone(number));
-        ASSERT_TRUE(observer.waitUntil([&] {
+        EXPECT_TRUE(observer.waitUntil([&] {
             const Frame frame = desktop.frame(window);
             return frame.x == target.x && frame.width == target.width && frame.height > target.height;
         })) << desktop.frame(window)
             << " in " << target;
-        ASSERT_TRUE(observer.settleProgram(window));
-        ASSERT_TRUE(desktop.waitUntilProgramRests());
+        const auto duration = std::chrono::steady_clock::now() - begin;
+        EXPECT_TRUE(observer.settleProgram(window));
+        EXPECT_TRUE(desktop.waitUntilProgramRests());
+        return duration;
+    }
+
+    /// Starts the program and snaps its window twice. Returns the frame before, or nothing if the machine is
+    /// so busy that the program corrected its window later than a correction is expected.
+    [[nodiscard]] std::optional<Frame> snapTwice() {
+        constexpr std::chrono::milliseconds kInTime{400};
+        const xcb_window_t window = start();
+        EXPECT_TRUE(desktop.activate(window));
+        const Frame before = desktop.frame(window);
+        const bool isInTime =
+            snapUntilCorrected(window, 5) < kInTime && snapUntilCorrected(window, 4) < kInTime;
+        return isInTime ? std::optional(before) : std::nullopt;
+    }
+
+    /// Ends the program, so that its next window begins a new chain.
+    void end() {
+        program.process.reset();
+        ASSERT_TRUE(desktop.waitUntilOnlyPanel());
     }
 };
 
 TEST_P(RealCorrectionTest, RestoreReturnsToTheBeginningOfTheChain) {
-    const xcb_window_t window = start();
-    ASSERT_TRUE(desktop.activate(window));
-    const Frame before = desktop.frame(window);
-    snapAndWaitForCorrection(window, 5);
-    snapAndWaitForCorrection(window, 4);
+    std::optional<Frame> before;
+    for (const Deadline deadline; !before && !deadline.passed() && !HasFailure();) {
+        end();
+        before = snapTwice();
+    }
+    ASSERT_TRUE(before) << "the corrections came late";
 
     desktop.press(hotkey::kRestore);
 
-    EXPECT_TRUE(observer.waitUntil([&] {
-        const Frame frame = desktop.frame(window);
-        return frame.x == before.x && frame.width == before.width;
-    })) << desktop.frame(window)
-        << " instead of " << before;
+    // Only the position: a busy program may correct its size once more, to that of the zone.
+    const auto isBack = [&] {
+        const Frame frame = desktop.frame(program.window);
+        return frame.x == before->x && frame.y == before->y;
+    };
+    EXPECT_TRUE(observer.waitUntil(isBack)) << desktop.frame(program.window) << " instead of " << *before;
 }
 
 std::string cellName(const testing::TestParamInfo<Cell>& info) {
