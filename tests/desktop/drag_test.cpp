@@ -184,32 +184,43 @@ INSTANTIATE_TEST_SUITE_P(Attentive, BorderDragTest, testing::ValuesIn(kAttentive
 INSTANTIATE_TEST_SUITE_P(Fvwm3, BorderDragTest, testing::Values(WindowManagerKind::Fvwm3), managerName);
 INSTANTIATE_TEST_SUITE_P(Most, AttentiveDragTest, testing::ValuesIn(kAttentive), managerName);
 
-/// Drags of maximised windows, which openbox, fluxbox, awesome, Window Maker and pekwm do not move. Under
-/// fvwm3 the zones do not always appear.
-class PulledOffTest : public DragFixture {};
+/// Drags of windows that get another size when they are pulled off. openbox, fluxbox, awesome, Window Maker
+/// and pekwm do not move a maximised window. Under fvwm3 the zones do not always appear.
+class PulledOffTest : public DragFixture {
+protected:
+    /// When the trigger is pressed in a drag.
+    enum class Trigger { BeforeItMoves, OnceItMoves };
+
+    /// Drags `window`, which is maximised or tiled, into a zone.
+    void pullOff(xcb_window_t window, Trigger trigger) {
+        const Frame before = desktop.frame(window);
+        const bool isMutter = GetParam() == WindowManagerKind::Mutter; // ignores some presses, see WindowDrag
+        bool isPulledOff = false;
+        for (int triesLeft = isMutter ? 8 : 1; triesLeft > 0 && !isPulledOff; --triesLeft) {
+            drag.release();
+            drag.hold(0);
+            drag.grip(window);
+            if (trigger == Trigger::BeforeItMoves)
+                drag.hold(XCB_MOD_MASK_SHIFT);
+            drag.moveInto(zoneFrame(4));
+            drag.hold(XCB_MOD_MASK_SHIFT);
+            drag.moveInto(zoneFrame(2));
+            isPulledOff =
+                desktop.observer().waitUntil([&] { return desktop.frame(window) != before; },
+                                             isMutter ? Deadline(std::chrono::seconds(1)) : Deadline());
+        }
+        ASSERT_TRUE(isPulledOff);
+        ASSERT_TRUE(drag.waitForOverlay(desktop.usableArea()));
+        drag.release();
+        EXPECT_EQ(desktop.settledFrame(window, zoneFrame(2)), zoneFrame(2));
+    }
+};
 
 TEST_P(PulledOffTest, AMaximizedWindowThatIsPulledOffGoesToTheZone) {
     const xcb_window_t window = desktop.open(client);
     ASSERT_TRUE(desktop.addStates(window, {"_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ"}));
-    const Frame maximized = desktop.frame(window);
-    const bool isMutter = GetParam() == WindowManagerKind::Mutter; // ignores some presses, see WindowDrag
-    bool isPulledOff = false;
-    for (int triesLeft = isMutter ? 8 : 1; triesLeft > 0 && !isPulledOff; --triesLeft) {
-        drag.release();
-        drag.hold(0);
-        drag.grip(window);
-        drag.hold(XCB_MOD_MASK_SHIFT);
-        drag.moveInto(zoneFrame(4));
-        drag.moveInto(zoneFrame(2));
-        isPulledOff = desktop.observer().waitUntil([&] { return desktop.frame(window) != maximized; },
-                                                   isMutter ? Deadline(std::chrono::seconds(1)) : Deadline());
-    }
-    ASSERT_TRUE(isPulledOff);
 
-    ASSERT_TRUE(drag.waitForOverlay(desktop.usableArea()));
-    drag.release();
-
-    EXPECT_EQ(desktop.settledFrame(window, zoneFrame(2)), zoneFrame(2));
+    pullOff(window, Trigger::BeforeItMoves);
 }
 
 INSTANTIATE_TEST_SUITE_P(Most, PulledOffTest,
@@ -217,6 +228,29 @@ INSTANTIATE_TEST_SUITE_P(Most, PulledOffTest,
                                          WindowManagerKind::Marco, WindowManagerKind::Icewm,
                                          WindowManagerKind::Kwin, WindowManagerKind::Mutter,
                                          WindowManagerKind::Jwm, WindowManagerKind::Blackbox),
+                         managerName);
+
+/// Drags of windows that were dropped at a screen edge. The other window managers do not tile there in these
+/// drags. With Shift held from the start, marco and metacity do not move a tiled window.
+class TiledDragTest : public PulledOffTest {};
+
+TEST_P(TiledDragTest, ATiledWindowThatIsPulledOffGoesToTheZone) {
+    const xcb_window_t window = desktop.open(client);
+    const Frame before = desktop.frame(window);
+    ASSERT_TRUE(drag.begin(window));
+    drag.moveTo(0, before.y);
+    drag.release();
+    ASSERT_TRUE(desktop.observer().waitUntil([&] {
+        const Frame frame = desktop.frame(window);
+        return frame.x == 0 && frame.height > before.height;
+    })) << desktop.frame(window);
+
+    pullOff(window, Trigger::OnceItMoves);
+}
+
+INSTANTIATE_TEST_SUITE_P(Some, TiledDragTest,
+                         testing::Values(WindowManagerKind::Marco, WindowManagerKind::Metacity,
+                                         WindowManagerKind::Kwin, WindowManagerKind::Awesome),
                          managerName);
 
 /// Restarts the program with the settings of each test, and with the default ones afterwards.
