@@ -219,7 +219,7 @@ void DragSnap::follow(const MouseEvent& event) {
     if (offer.items.empty())
         m_uses.overlay.hide();
     else
-        m_uses.overlay.show(*screen, std::move(offer.items));
+        m_uses.overlay.show(screens, *screen, std::move(offer.items));
 }
 
 void DragSnap::mouseUp(const MouseEvent& /*event*/) {

@@ -26,10 +26,10 @@ std::vector<Rect> changes(const std::vector<OverlayFigure>& before, const std::v
 
 } // namespace
 
-OverlayController::OverlayController(OverlayPort& port, const Geo& geo) : m_port(port), m_geo(geo) {}
+OverlayController::OverlayController(OverlayPort& port) : m_port(port) {}
 
-void OverlayController::show(const Screen& screen, std::vector<OverlayItem> items) {
-    const Point origin = m_geo.axFrame(screen).origin();
+void OverlayController::show(const Screens& screens, const Screen& screen, std::vector<OverlayItem> items) {
+    const Point origin = screens.axFrame(screen).origin();
     // Screen coordinates begin at the bottom of the primary display. When its height changes, the same frame
     // is another place on the desktop, and only the origin shows it.
     const bool isPlaced = m_isShown && m_screenFrame == screen.frame && m_view.origin == origin;

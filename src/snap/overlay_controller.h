@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/geo.h"
+#include "engine/screens.h"
 #include "ports/displays_port.h"
 #include "ports/overlay_port.h"
 #include "snap/overlay_item.h"
@@ -14,12 +14,12 @@ namespace tessarel {
 /// Shows zones on one screen at a time, in a window that is created on first use and then kept.
 class OverlayController {
 public:
-    /// `port` and `geo` must outlive this object.
-    OverlayController(OverlayPort& port, const Geo& geo);
+    /// `port` must outlive this object.
+    explicit OverlayController(OverlayPort& port);
 
-    /// Makes the overlay cover `screen` and draw `items`; without items it is visible but empty. Called at
-    /// every mouse movement: does nothing if nothing has changed.
-    void show(const Screen& screen, std::vector<OverlayItem> items);
+    /// Makes the overlay cover `screen`, one of `screens`, and draw `items`; without items it is visible but
+    /// empty. Called at every mouse movement: does nothing if nothing has changed.
+    void show(const Screens& screens, const Screen& screen, std::vector<OverlayItem> items);
 
     /// Hides the overlay. Keeps its window.
     void hide();
@@ -29,7 +29,6 @@ private:
     void draw();
 
     OverlayPort& m_port;
-    const Geo& m_geo;
     /// Null before the first use.
     std::unique_ptr<OverlayWindow> m_window;
     /// Frame of the window when it was last shown, in screen coordinates.

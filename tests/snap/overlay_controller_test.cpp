@@ -29,7 +29,7 @@ TEST_F(OverlayControllerTest, ThereIsNoWindowBeforeTheFirstShow) {
 }
 
 TEST_F(OverlayControllerTest, ShowCoversTheScreenAndDrawsTheItems) {
-    overlay.show(screen, {left, target});
+    overlay.show(geo.screens(), screen, {left, target});
 
     EXPECT_TRUE(picture.isVisible);
     EXPECT_EQ(picture.screenFrame, screen.frame);
@@ -65,10 +65,10 @@ private:
 
 TEST_F(OverlayControllerTest, TheOverlayIsSetUpBeforeItIsShown) {
     RecordedOverlay recorded;
-    OverlayController controller{recorded, geo};
+    OverlayController controller{recorded};
 
-    controller.show(screen, {left});
-    controller.show(desktop.displays().screens().front(), {right});
+    controller.show(geo.screens(), screen, {left});
+    controller.show(geo.screens(), desktop.displays().screens().front(), {right});
     controller.hide();
 
     EXPECT_THAT(recorded.order,
@@ -76,7 +76,7 @@ TEST_F(OverlayControllerTest, TheOverlayIsSetUpBeforeItIsShown) {
 }
 
 TEST_F(OverlayControllerTest, HidingTwiceOrdersTheWindowOutOnce) {
-    overlay.show(screen, {left});
+    overlay.show(geo.screens(), screen, {left});
     overlay.hide();
     overlay.hide();
 
@@ -84,30 +84,30 @@ TEST_F(OverlayControllerTest, HidingTwiceOrdersTheWindowOutOnce) {
 }
 
 TEST_F(OverlayControllerTest, TheWindowIsCreatedOnceAndKept) {
-    overlay.show(screen, {left});
+    overlay.show(geo.screens(), screen, {left});
     overlay.hide();
-    overlay.show(screen, {right});
+    overlay.show(geo.screens(), screen, {right});
 
     EXPECT_EQ(picture.windows, 1);
     EXPECT_TRUE(picture.isVisible);
 }
 
 TEST_F(OverlayControllerTest, HideOrdersTheWindowOutAndKeepsThePicture) {
-    overlay.show(screen, {left, right});
+    overlay.show(geo.screens(), screen, {left, right});
 
     overlay.hide();
     EXPECT_FALSE(picture.isVisible);
     EXPECT_EQ(picture.figures.size(), 2U);
 
-    overlay.show(screen, {left, right});
+    overlay.show(geo.screens(), screen, {left, right});
     EXPECT_TRUE(picture.isVisible);
     EXPECT_EQ(picture.drawings, 1) << "nothing has changed meanwhile";
 }
 
 TEST_F(OverlayControllerTest, ShowingTheSameItemsAgainDoesNothing) {
-    overlay.show(screen, {left, target});
+    overlay.show(geo.screens(), screen, {left, target});
     for (int n = 0; n < 100; ++n)
-        overlay.show(screen, {left, target});
+        overlay.show(geo.screens(), screen, {left, target});
 
     EXPECT_EQ(picture.framesSet, 1);
     EXPECT_EQ(picture.drawings, 1);
@@ -115,48 +115,48 @@ TEST_F(OverlayControllerTest, ShowingTheSameItemsAgainDoesNothing) {
 }
 
 TEST_F(OverlayControllerTest, EveryShowThatChangesSomethingBringsTheWindowToTheFront) {
-    overlay.show(screen, {left});
-    overlay.show(screen, {right});
+    overlay.show(geo.screens(), screen, {left});
+    overlay.show(geo.screens(), screen, {right});
     overlay.hide();
-    overlay.show(screen, {right});
+    overlay.show(geo.screens(), screen, {right});
 
     EXPECT_EQ(picture.ordersFront, 3);
 }
 
 TEST_F(OverlayControllerTest, OnlyItemsThatLookDifferentAreReportedAsChanged) {
-    overlay.show(screen, {left, right});
+    overlay.show(geo.screens(), screen, {left, right});
     EXPECT_THAT(picture.changed, UnorderedElementsAre(kLeftShown, kRightShown));
 
-    overlay.show(screen, {left, target});
+    overlay.show(geo.screens(), screen, {left, target});
     EXPECT_THAT(picture.changed, UnorderedElementsAre(kRightShown));
 }
 
 TEST_F(OverlayControllerTest, AnItemThatMovesChangesItsOldAndItsNewFrame) {
-    overlay.show(screen, {left});
+    overlay.show(geo.screens(), screen, {left});
 
-    overlay.show(screen, {right});
+    overlay.show(geo.screens(), screen, {right});
 
     EXPECT_THAT(picture.changed, UnorderedElementsAre(kLeftShown, kRightShown));
 }
 
 TEST_F(OverlayControllerTest, AddedAndRemovedItemsChangeTheirFrames) {
-    overlay.show(screen, {left});
+    overlay.show(geo.screens(), screen, {left});
 
-    overlay.show(screen, {left, right});
+    overlay.show(geo.screens(), screen, {left, right});
     EXPECT_THAT(picture.changed, UnorderedElementsAre(kRightShown));
 
-    overlay.show(screen, {left});
+    overlay.show(geo.screens(), screen, {left});
     EXPECT_THAT(picture.changed, UnorderedElementsAre(kRightShown));
     EXPECT_EQ(picture.figures.size(), 1U);
 }
 
 TEST_F(OverlayControllerTest, WithoutItemsTheWindowIsShownEmpty) {
-    overlay.show(screen, {});
+    overlay.show(geo.screens(), screen, {});
     EXPECT_TRUE(picture.isVisible);
     EXPECT_TRUE(picture.figures.empty());
 
-    overlay.show(screen, {left});
-    overlay.show(screen, {});
+    overlay.show(geo.screens(), screen, {left});
+    overlay.show(geo.screens(), screen, {});
     EXPECT_TRUE(picture.isVisible);
     EXPECT_TRUE(picture.figures.empty());
     EXPECT_THAT(picture.changed, ElementsAre(kLeftShown));
@@ -164,9 +164,9 @@ TEST_F(OverlayControllerTest, WithoutItemsTheWindowIsShownEmpty) {
 
 TEST_F(OverlayControllerTest, AnotherScreenGivesTheSameWindowAnotherFrame) {
     const Screen second = desktop.addScreen({.frame = {1280, -300, 1920, 1080}});
-    overlay.show(screen, {left});
+    overlay.show(geo.screens(), screen, {left});
 
-    overlay.show(second, {{{1290, 40, 960, 1000}, false, "1"}});
+    overlay.show(geo.screens(), second, {{{1290, 40, 960, 1000}, false, "1"}});
 
     EXPECT_EQ(picture.windows, 1);
     EXPECT_EQ(picture.screenFrame, (Rect{1280, -300, 1920, 1080}));
@@ -174,40 +174,40 @@ TEST_F(OverlayControllerTest, AnotherScreenGivesTheSameWindowAnotherFrame) {
 }
 
 TEST_F(OverlayControllerTest, ADisplayThatHasGrownIsCoveredCompletely) {
-    overlay.show(screen, {left});
+    overlay.show(geo.screens(), screen, {left});
     Screen larger = screen;
     larger.frame = {screen.frame.x, screen.frame.y - 100, screen.frame.width, screen.frame.height + 100};
 
-    overlay.show(larger, {left}); // its top-left corner has not moved
+    overlay.show(geo.screens(), larger, {left}); // its top-left corner has not moved
 
     EXPECT_EQ(picture.screenFrame, larger.frame);
     EXPECT_EQ(picture.drawings, 1);
 }
 
 TEST_F(OverlayControllerTest, WhileTheOverlayIsShownTheFrameIsSetOnlyWhenItChanges) {
-    overlay.show(screen, {left});
-    overlay.show(screen, {right});
+    overlay.show(geo.screens(), screen, {left});
+    overlay.show(geo.screens(), screen, {right});
     EXPECT_EQ(picture.framesSet, 1);
 
-    overlay.show(desktop.displays().screens().front(), {left});
+    overlay.show(geo.screens(), desktop.displays().screens().front(), {left});
     EXPECT_EQ(picture.framesSet, 2);
 }
 
 TEST_F(OverlayControllerTest, TheFrameIsSetAgainWhenTheOverlayIsShownAgain) {
-    overlay.show(screen, {left});
+    overlay.show(geo.screens(), screen, {left});
     overlay.hide();
 
-    overlay.show(screen, {left});
+    overlay.show(geo.screens(), screen, {left});
 
     EXPECT_EQ(picture.framesSet, 2);
 }
 
 TEST_F(OverlayControllerTest, AChangedHeightOfThePrimaryDisplayMovesTheOverlayOnOtherScreens) {
-    overlay.show(screen, {left});
+    overlay.show(geo.screens(), screen, {left});
     ASSERT_THAT(shown(), ElementsAre(kLeftShown));
     desktop.removeScreen(desktop.displays().screens().front().id); // 800 points high; this one has 900
 
-    overlay.show(screen, {left});
+    overlay.show(geo.screens(), screen, {left});
 
     EXPECT_THAT(shown(), ElementsAre(Rect{40, -75, 650, 820}));
     EXPECT_EQ(picture.framesSet, 2);

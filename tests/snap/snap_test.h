@@ -74,7 +74,7 @@ protected:
     sim::WindowId window = desktop.openWindow("org.example.editor", kStart);
     sim::SimMouse& mouse = desktop.mouse();
     sim::SimOverlay& picture = desktop.overlay();
-    OverlayController overlay{picture, geo};
+    OverlayController overlay{picture};
     std::unique_ptr<DragSnap> dragSnap =
         std::make_unique<DragSnap>(DragSnap::Uses{.mouse = mouse,
                                                   .mainQueue = desktop.mainQueue(),
