@@ -6,17 +6,17 @@ ActionRunner::ActionRunner(WindowEngine& engine, const Store& store, Permissions
                            const Runtime& runtime)
     : m_engine(engine), m_store(store), m_permissions(permissions), m_runtime(runtime) {}
 
-void ActionRunner::run(ActionID action) {
+Outcome ActionRunner::run(ActionID action) {
     if (m_runtime.paused)
-        return;
+        return Outcome::Paused;
     if (!m_permissions.isTrusted()) {
         m_permissions.prompt();
-        return;
+        return Outcome::NotTrusted;
     }
-    dispatch(action);
+    return dispatch(action);
 }
 
-void ActionRunner::dispatch(ActionID action) {
+Outcome ActionRunner::dispatch(ActionID action) {
     if (const auto index = action.zoneIndex())
         return snapToZone(*index);
     if (const auto zone = action.fixedZone())
@@ -35,14 +35,15 @@ void ActionRunner::dispatch(ActionID action) {
         return m_engine.arrangeAll();
     default:
         // Zone actions and fixed zones are handled above.
-        return;
+        return Outcome::NoWindow;
     }
 }
 
-void ActionRunner::snapToZone(std::size_t index) {
+Outcome ActionRunner::snapToZone(std::size_t index) {
     const auto& zones = m_store.settings.zones;
-    if (index < zones.size() && zones[index].enabled)
-        m_engine.snapFocused(zones[index], index);
+    if (index >= zones.size() || !zones[index].enabled)
+        return Outcome::ZoneDisabled;
+    return m_engine.snapFocused(zones[index], index);
 }
 
 } // namespace tessarel

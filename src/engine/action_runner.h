@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/outcome.h"
 #include "engine/permissions.h"
 #include "engine/runtime.h"
 #include "engine/window_engine.h"
@@ -17,12 +18,12 @@ public:
     ActionRunner(WindowEngine& engine, const Store& store, Permissions& permissions, const Runtime& runtime);
 
     /// Runs `action` on the focused window. Does nothing while paused. Without permission, asks the user for
-    /// it instead. The action of a disabled zone does nothing.
-    void run(ActionID action);
+    /// it instead. The action of a disabled zone does nothing. Returns what became of it.
+    Outcome run(ActionID action);
 
 private:
-    void dispatch(ActionID action);
-    void snapToZone(std::size_t index);
+    [[nodiscard]] Outcome dispatch(ActionID action);
+    [[nodiscard]] Outcome snapToZone(std::size_t index);
 
     WindowEngine& m_engine;
     const Store& m_store;

@@ -121,49 +121,52 @@ void WindowEngine::remember(const std::optional<std::string>& bundleID, std::siz
     m_store.save();
 }
 
-void WindowEngine::snapFocused(const Zone& zone, std::optional<std::size_t> index) {
+Outcome WindowEngine::snapFocused(const Zone& zone, std::optional<std::size_t> index) {
     const auto focused = targetOnScreen();
     if (!focused)
-        return;
+        return Outcome::NoWindow;
     const Rect& visible = focused->axVisible;
-    const bool isPlaced =
-        place(focused->window, focused->app.processIdentifier, m_geo.zoneFrame(zone, visible), visible, {});
-    if (index && isPlaced)
+    if (!place(focused->window, focused->app.processIdentifier, m_geo.zoneFrame(zone, visible), visible, {}))
+        return Outcome::Refused;
+    if (index)
         remember(focused->app.bundleIdentifier, *index);
+    return Outcome::Done;
 }
 
-void WindowEngine::centerFocused() {
+Outcome WindowEngine::centerFocused() {
     const auto focused = targetOnScreen();
     if (!focused)
-        return;
+        return Outcome::NoWindow;
     const Rect& visible = focused->axVisible;
     const double width = std::min(focused->axFrame.absWidth(), visible.absWidth());
     const double height = std::min(focused->axFrame.absHeight(), visible.absHeight());
     const Rect centred{std::round(visible.midX() - width * 0.5), std::round(visible.midY() - height * 0.5),
                        width, height};
-    place(focused->window, focused->app.processIdentifier, centred, visible, {});
+    return outcomeOf(place(focused->window, focused->app.processIdentifier, centred, visible, {}));
 }
 
-void WindowEngine::restoreFocused() {
+Outcome WindowEngine::restoreFocused() {
     const auto focused = usableFocusedWindow();
     if (!focused)
-        return;
+        return Outcome::NoWindow;
     const WindowKey windowKey = key(focused->window);
     const auto original = m_original.find(windowKey);
     if (original == m_original.end()) {
         m_alertSound.beep();
-        return;
+        return Outcome::NothingToRestore;
     }
     // Not through `place`, which would start a new restore chain.
-    m_ax.setFrame(focused->window, focused->app.processIdentifier, original->second, {});
+    const bool isPlaced =
+        m_ax.setFrame(focused->window, focused->app.processIdentifier, original->second, {});
     m_original.erase(original);
     m_lastSnapped.erase(windowKey);
+    return outcomeOf(isPlaced);
 }
 
-void WindowEngine::moveFocusedToDisplay(int offset) {
+Outcome WindowEngine::moveFocusedToDisplay(int offset) {
     const auto focused = target();
     if (!focused)
-        return;
+        return Outcome::NoWindow;
     std::vector<Screen> screens = m_displays.screens();
     std::stable_sort(screens.begin(), screens.end(),
                      [](const Screen& a, const Screen& b) { return a.frame.minX() < b.frame.minX(); });
@@ -172,12 +175,13 @@ void WindowEngine::moveFocusedToDisplay(int offset) {
                                        [&](const Screen& screen) { return own && screen.id == own->id; });
     if (position == screens.end()) {
         m_alertSound.beep();
-        return;
+        return Outcome::NoOtherDisplay;
     }
     const auto index = static_cast<std::size_t>(position - screens.begin());
     const Rect from = m_geo.axVisible(*own);
     const Rect to = m_geo.axVisible(screens[stepped(index, offset, screens.size())]);
-    place(focused->window, focused->app.processIdentifier, transferred(focused->axFrame, from, to), to, {});
+    return outcomeOf(place(focused->window, focused->app.processIdentifier,
+                           transferred(focused->axFrame, from, to), to, {}));
 }
 
 /// Returns the focused window unless its application is ignored or it may not be moved.

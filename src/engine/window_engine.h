@@ -3,6 +3,7 @@
 #include "engine/ax.h"
 #include "engine/found_window.h"
 #include "engine/geo.h"
+#include "engine/outcome.h"
 #include "model/settings/store.h"
 #include "model/subscription.h"
 #include "model/zone.h"
@@ -25,7 +26,7 @@ namespace tessarel {
 ///
 /// The actions on the focused window do nothing, without a message, if there is no focused window, if it
 /// belongs to this program or an ignored one, or if it cannot be moved or read. The alert sound is played
-/// only where stated.
+/// only where stated. Each action returns what became of it.
 class WindowEngine {
 public:
     using WindowKey = std::uintptr_t;
@@ -66,19 +67,19 @@ public:
 
     /// Places the focused window in `zone` of its screen. If `index` is given and the desktop lets the window
     /// be moved, remembers it as the last zone of the application.
-    void snapFocused(const Zone& zone, std::optional<std::size_t> index);
+    Outcome snapFocused(const Zone& zone, std::optional<std::size_t> index);
 
     /// Places the focused window in the middle of its screen, reduced to the usable area if it is larger.
-    void centerFocused();
+    Outcome centerFocused();
 
     /// Moves the focused window back to its frame before the last restore chain, and forgets the chain. Plays
     /// the alert sound if no frame is remembered.
-    void restoreFocused();
+    Outcome restoreFocused();
 
     /// Moves the focused window to the display `offset` steps to the right of its own, wrapping around, with
     /// the same relative position and size. Plays the alert sound if there are fewer than two displays or if
     /// the window's display is not among them.
-    void moveFocusedToDisplay(int offset);
+    Outcome moveFocusedToDisplay(int offset);
 
     /// Returns the visible windows in the area `on` that may be moved, front to back, at most `limit`. A
     /// window is in the area if its centre is. Excludes small and transparent windows, and those of this
@@ -89,7 +90,7 @@ public:
     /// Places the visible windows of the focused window's screen, or of the main screen without a focused
     /// window, front to back in the enabled zones in their order. Windows beyond the number of zones stay
     /// where they are.
-    void arrangeAll();
+    Outcome arrangeAll();
 
 private:
     struct Target;

@@ -79,18 +79,23 @@ std::optional<Element> WindowEngine::match(const Rect& axBounds, ProcessId pid,
     return {};
 }
 
-void WindowEngine::arrangeAll() {
+Outcome WindowEngine::arrangeAll() {
     std::vector<Zone> zones = m_store.settings.zones;
     std::erase_if(zones, [](const Zone& zone) { return !zone.enabled; });
     if (zones.empty())
-        return;
+        return Outcome::ZoneDisabled;
     const auto screen = attendedScreen();
     if (!screen)
-        return;
+        return Outcome::NoWindow;
     const Rect visible = m_geo.axVisible(*screen);
     auto zone = zones.cbegin();
-    for (const FoundWindow& found : visibleWindows(m_geo.axFrame(*screen), zones.size()))
-        place(found.element, found.pid, m_geo.zoneFrame(*zone++, visible), visible, {});
+    Outcome result = Outcome::NoWindow;
+    for (const FoundWindow& found : visibleWindows(m_geo.axFrame(*screen), zones.size())) {
+        const bool isPlaced = place(found.element, found.pid, m_geo.zoneFrame(*zone++, visible), visible, {});
+        if (result != Outcome::Done)
+            result = outcomeOf(isPlaced);
+    }
+    return result;
 }
 
 /// Returns the screen of the focused window, even if that window may not be moved, otherwise the main screen.

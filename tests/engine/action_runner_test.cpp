@@ -126,6 +126,54 @@ TEST_F(ActionRunnerTest, PermissionGrantedLaterTakesEffectAtOnce) {
     EXPECT_EQ(desktop.trust().promptCalls, 1);
 }
 
+TEST_F(ActionRunnerTest, AnActionThatHasMovedAWindowIsDone) {
+    for (const ActionID action : {ActionID::zone1, ActionID::leftHalf, ActionID::center,
+                                  ActionID::nextDisplay, ActionID::arrangeAll, ActionID::restore})
+        EXPECT_EQ(runner.run(action), Outcome::Done) << ActionID(action).title();
+}
+
+TEST_F(ActionRunnerTest, AnActionThatMovesNothingSaysWhy) {
+    EXPECT_EQ(runner.run(ActionID::zone6), Outcome::ZoneDisabled);
+    EXPECT_EQ(runner.run(ActionID::restore), Outcome::NothingToRestore);
+    desktop.removeScreen(desktop.displays().screens().back().id);
+    EXPECT_EQ(runner.run(ActionID::previousDisplay), Outcome::NoOtherDisplay);
+    runtime.paused = true;
+    EXPECT_EQ(runner.run(ActionID::leftHalf), Outcome::Paused);
+    runtime.paused = false;
+    desktop.trust().trusted = false;
+    EXPECT_EQ(runner.run(ActionID::leftHalf), Outcome::NotTrusted);
+}
+
+TEST_F(ActionRunnerTest, WithoutAWindowThatMayBeMovedThereIsNoWindow) {
+    settings.ignoredApps = {"org.example.editor"};
+
+    for (const ActionID action : {ActionID::zone1, ActionID::leftHalf, ActionID::center,
+                                  ActionID::nextDisplay, ActionID::restore, ActionID::arrangeAll})
+        EXPECT_EQ(runner.run(action), Outcome::NoWindow) << ActionID(action).title();
+}
+
+TEST_F(ActionRunnerTest, ArrangingWithoutEnabledZonesSaysSo) {
+    for (Zone& zone : settings.zones)
+        zone.enabled = false;
+
+    EXPECT_EQ(runner.run(ActionID::arrangeAll), Outcome::ZoneDisabled);
+}
+
+TEST_F(ActionRunnerTest, AWindowThatTheDesktopTilesIsRefused) {
+    desktop.window(window).isTiled = true;
+
+    for (const ActionID action :
+         {ActionID::zone1, ActionID::leftHalf, ActionID::center, ActionID::nextDisplay, ActionID::arrangeAll})
+        EXPECT_EQ(runner.run(action), Outcome::Refused) << ActionID(action).title();
+}
+
+TEST_F(ActionRunnerTest, ArrangingIsDoneIfOneWindowHasMoved) {
+    desktop.window(window).isTiled = true;
+    static_cast<void>(desktop.openWindow("org.example.other", kStart));
+
+    EXPECT_EQ(runner.run(ActionID::arrangeAll), Outcome::Done);
+}
+
 TEST(PermissionsTest, TrustIsQueriedOnEveryCall) {
     sim::SimTrust trust;
     Permissions permissions{trust};

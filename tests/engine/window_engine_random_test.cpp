@@ -70,7 +70,7 @@ protected:
         desktop.drag(window, frame);
     }
 
-    void placeSomehow() {
+    Outcome placeSomehow() {
         switch (whole(0, 3)) {
         case 0:
             return engine.centerFocused();
