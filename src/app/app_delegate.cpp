@@ -24,6 +24,17 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
                          m_ports.keyNames);
     m_statusItem.emplace(m_ports.statusItem, *m_statusMenu, services.runtime,
                          [this](const MenuItem& item) { itemSelected(item); });
+    m_commands.emplace(
+        CommandRunner::Uses{.actions = services.actionRunner,
+                            .geo = services.geo,
+                            .permissions = services.permissions,
+                            .runtime = services.runtime,
+                            .store = services.store,
+                            .displays = m_ports.displays,
+                            .applyZones = [this](std::vector<Zone> zones) { applyZones(std::move(zones)); },
+                            .setPaused = [this](bool paused) { setPaused(paused); },
+                            // Later, so that the command is answered first.
+                            .quit = [this] { m_later.async([this] { m_ports.application.terminate(); }); }});
     services.hotKeys.registerAll();
     services.dragSnap.start();
     services.appPlacer.start();
@@ -94,6 +105,10 @@ void AppDelegate::applicationShouldHandleReopen() {
     openSettings();
 }
 
+CommandReply AppDelegate::runCommand(const std::vector<std::string>& words) {
+    return m_commands->run(words);
+}
+
 void AppDelegate::itemSelected(const MenuItem& item) {
     switch (item.command) {
     case MenuCommand::None:
@@ -105,7 +120,7 @@ void AppDelegate::itemSelected(const MenuItem& item) {
     case MenuCommand::ApplyLayout:
         return applyLayout(item.tag);
     case MenuCommand::TogglePause:
-        return togglePause();
+        return setPaused(!m_services->runtime.paused);
     case MenuCommand::OpenSettings:
         return openSettings();
     case MenuCommand::CheckUpdates:
@@ -121,16 +136,18 @@ void AppDelegate::runMenuAction(int tag) {
 }
 
 void AppDelegate::applyLayout(int tag) {
-    auto zones = m_statusMenu->layoutZones(tag);
-    if (!zones)
-        return;
-    m_services->store.settings.zones = Presets::pad(*std::move(zones));
+    if (auto zones = m_statusMenu->layoutZones(tag))
+        applyZones(*std::move(zones));
+}
+
+void AppDelegate::applyZones(std::vector<Zone> zones) {
+    m_services->store.settings.zones = Presets::pad(std::move(zones));
     m_services->store.saveAndNotify();
     refreshSettingsWindow();
 }
 
-void AppDelegate::togglePause() {
-    m_services->runtime.paused = !m_services->runtime.paused;
+void AppDelegate::setPaused(bool paused) {
+    m_services->runtime.paused = paused;
     m_statusItem->refreshStatusIcon();
 }
 

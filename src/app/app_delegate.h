@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/command.h"
+#include "app/command_runner.h"
 #include "app/ports.h"
 #include "app/services.h"
 #include "app/settings_follower.h"
@@ -15,6 +17,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace tessarel {
 
@@ -54,6 +57,9 @@ public:
     /// Opens the settings window. Called when the user starts the program again.
     void applicationShouldHandleReopen();
 
+    /// Carries out a command of the command line that another process has sent.
+    [[nodiscard]] CommandReply runCommand(const std::vector<std::string>& words);
+
     /// Runs the command of a row of the status menu. Ignores unknown tags, such as that of a layout that has
     /// been deleted meanwhile.
     void itemSelected(const MenuItem& item);
@@ -67,7 +73,8 @@ private:
 
     void runMenuAction(int tag);
     void applyLayout(int tag);
-    void togglePause();
+    void applyZones(std::vector<Zone> zones);
+    void setPaused(bool paused);
     /// Explains how to grant the permission and opens the place to do so.
     void grantAccess();
     void openSettings();
@@ -82,6 +89,7 @@ private:
     std::optional<Services> m_services;
     std::optional<StatusMenu> m_statusMenu;
     std::optional<StatusItem> m_statusItem;
+    std::optional<CommandRunner> m_commands;
     SubscriptionPtr m_settingsObserver;
     std::optional<SettingsFollower> m_settingsFollower;
     /// Created on first use.
