@@ -53,7 +53,7 @@ ParsedCommand problem(std::string text) {
 }
 
 std::string quoted(std::string_view word) {
-    return "\"" + std::string(word) + "\"";
+    return std::string("\"").append(word).append("\"");
 }
 
 ParsedCommand parseList(const std::vector<std::string>& words) {
@@ -65,9 +65,8 @@ ParsedCommand parseList(const std::vector<std::string>& words) {
 }
 
 std::optional<ActionID> actionNamed(std::string_view name) {
-    const auto found =
-        std::find_if(ActionID::allCases.begin(), ActionID::allCases.end(),
-                     [name](ActionID action) { return commandName(action) == name; });
+    const auto found = std::find_if(ActionID::allCases.begin(), ActionID::allCases.end(),
+                                    [name](ActionID action) { return commandName(action) == name; });
     return found == ActionID::allCases.end() ? std::nullopt : std::optional(*found);
 }
 
@@ -87,11 +86,11 @@ std::vector<CommandForm> commandForms() {
     std::vector<CommandForm> forms;
     for (const ActionID action : ActionID::allCases)
         forms.push_back({commandName(action), {}, {}, std::string(action.title())});
-    forms.push_back({std::string(kLayout), {}, "NAME", "uses the layout of this name"});
-    forms.push_back({std::string(kPause), namesOf(kPauses), "STATE", "stops hot keys and drags, or goes on"});
-    forms.push_back({std::string(kQuit), {}, {}, "ends the running copy"});
+    forms.push_back({std::string(kLayout), {}, "NAME", "Use the layout of this name"});
+    forms.push_back({std::string(kPause), namesOf(kPauses), "STATE", "Pause hot keys and drags, or go on"});
+    forms.push_back({std::string(kQuit), {}, {}, "Quit the running copy"});
     forms.push_back({std::string(kList), namesOf(kLists), "WHAT",
-                     "prints the actions, layouts, zones or displays; with --json as JSON"});
+                     "Print the actions, layouts, zones or displays; with --json as JSON"});
     return forms;
 }
 

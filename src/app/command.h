@@ -32,15 +32,15 @@ struct List {
 
 } // namespace command
 
-using Command = std::variant<command::RunAction, command::ApplyLayout, command::SetPause, command::Quit,
-                             command::List>;
+using Command =
+    std::variant<command::RunAction, command::ApplyLayout, command::SetPause, command::Quit, command::List>;
 
 /// One form of the command line.
 struct CommandForm {
     std::string words;                ///< as typed, such as "pause"
     std::vector<std::string> choices; ///< of the next word; empty if there is none or any text
     std::string placeholder;          ///< of the next word, such as "NAME"; empty if there is none
-    std::string description;          ///< a sentence without a capital letter and a full stop
+    std::string description;          ///< as the user reads it, without a full stop
 };
 
 /// Returns all forms, in the order in which they are explained. Help, completion and the manual page are made

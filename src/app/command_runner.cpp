@@ -52,15 +52,12 @@ std::string text(double number) {
 
 /// Returns a frame as in "1600x900+0+25".
 std::string text(const Rect& rect) {
-    const auto place = [](double value) { return (value < 0 ? "" : "+") + text(value); };
+    const auto place = [](double value) { return std::string(value < 0 ? "" : "+").append(text(value)); };
     return text(rect.absWidth()) + "x" + text(rect.absHeight()) + place(rect.minX()) + place(rect.minY());
 }
 
 Json json(const Rect& rect) {
-    return {{"x", rect.minX()},
-            {"y", rect.minY()},
-            {"width", rect.absWidth()},
-            {"height", rect.absHeight()}};
+    return {{"x", rect.minX()}, {"y", rect.minY()}, {"width", rect.absWidth()}, {"height", rect.absHeight()}};
 }
 
 /// What one entry of a list looks like.
@@ -73,7 +70,8 @@ std::vector<Entry> actionEntries() {
     std::vector<Entry> entries;
     for (const ActionID action : ActionID::allCases) {
         const std::string name = commandName(action);
-        entries.push_back({name + "\t" + std::string(action.title()), {{"name", name}, {"title", action.title()}}});
+        entries.push_back(
+            {name + "\t" + std::string(action.title()), {{"name", name}, {"title", action.title()}}});
     }
     return entries;
 }
@@ -112,8 +110,9 @@ std::vector<Entry> displayEntries(const Screens& screens, const std::vector<Scre
         const Rect usable = screens.axVisible(screen);
         Json described = json(frame);
         described["usable"] = json(usable);
-        entries.push_back({std::to_string(entries.size() + 1) + "\t" + text(frame) + "\tusable " + text(usable),
-                           std::move(described)});
+        entries.push_back(
+            {std::to_string(entries.size() + 1) + "\t" + text(frame) + "\tusable " + text(usable),
+             std::move(described)});
     }
     return entries;
 }
@@ -121,7 +120,7 @@ std::vector<Entry> displayEntries(const Screens& screens, const std::vector<Scre
 std::string lines(const std::vector<Entry>& entries) {
     std::string all;
     for (const Entry& entry : entries)
-        all += (all.empty() ? "" : "\n") + entry.line;
+        all.append(all.empty() ? "" : "\n").append(entry.line);
     return all;
 }
 

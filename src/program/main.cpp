@@ -14,10 +14,12 @@
 #include "platform/qt_x11/tray/qt_status_item.h"
 #include "platform/qt_xdg/qt_appearance.h"
 #include "platform/x11/input/key_lookup.h"
+#include "platform/x11/server/command_channel.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/bring_to_user.h"
 #include "platform/x11/x11_desktop.h"
 #include "platform/xdg/home_folder.h"
+#include "program/command_line.h"
 #include "program/qt_program.h"
 #include "settings_ui/settings_window_controller.h"
 
@@ -26,6 +28,7 @@
 #include <algorithm>
 #include <array>
 #include <clocale>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
@@ -33,6 +36,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace tessarel {
 
@@ -72,6 +76,24 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
     const int exitCode = QApplication::exec();
     delegate.reset();
     return exitCode;
+}
+
+/// Sends a command to the copy that runs on this display. Returns the exit code.
+int sendToRunningCopy(const std::vector<std::string>& words) {
+    qt::QtMainQueue queue;
+    const auto [connection, failure] = x11::Connection::open(nullptr, queue);
+    if (!connection)
+        return report(CommandExit::Failed, "cannot open the X display: " + failure);
+    const auto [outcome, answer] = x11::sendCommand(*connection, words);
+    switch (outcome) {
+    case x11::SentCommand::Outcome::Answered:
+        return report(static_cast<CommandExit>(answer.exitCode), answer.text);
+    case x11::SentCommand::Outcome::NoReceiver:
+        return report(CommandExit::NotRunning, "Tessarel does not run on this display");
+    case x11::SentCommand::Outcome::NoAnswer:
+        break;
+    }
+    return report(CommandExit::Failed, "Tessarel does not answer");
 }
 
 /// Builds the program and runs it. Registers with the desktop first and starts Qt, which takes longer,
@@ -151,6 +173,10 @@ int run(const char* programName) {
     // Not fatal: the program shows in its menu and settings that it cannot move windows.
     if (session == x11::Session::Wayland)
         say("this is a Wayland session, where only XWayland windows could be moved; use an X11 session");
+    const x11::CommandChannel commands(*connection, [&delegate](const std::vector<std::string>& words) {
+        CommandReply reply = delegate->runCommand(words);
+        return x11::CommandAnswer{static_cast<std::uint8_t>(reply.exit), std::move(reply.text)};
+    });
     return runLoop(programName, queue, terminationSignals, *connection, delegate);
 }
 
@@ -158,6 +184,9 @@ int run(const char* programName) {
 
 } // namespace tessarel
 
-int main(int, char** arguments) {
-    return tessarel::run(arguments[0]);
+int main(int argumentCount, char** arguments) {
+    const tessarel::CommandLine line = tessarel::readCommandLine(argumentCount, arguments);
+    if (line.exitCode)
+        return *line.exitCode;
+    return line.words.empty() ? tessarel::run(arguments[0]) : tessarel::sendToRunningCopy(line.words);
 }

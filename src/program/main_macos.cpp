@@ -1,5 +1,6 @@
 #include "platform/posix/termination_signals.h"
 #include "platform/qt/qt_messages.h"
+#include "program/command_line.h"
 #include "program/mac_program.h"
 #include "program/qt_program.h"
 
@@ -39,5 +40,10 @@ int run(int argumentCount, char** arguments) {
 } // namespace tessarel
 
 int main(int argumentCount, char** arguments) {
+    const tessarel::CommandLine line = tessarel::readCommandLine(argumentCount, arguments);
+    if (line.exitCode)
+        return *line.exitCode;
+    if (!line.words.empty())
+        return tessarel::report(tessarel::CommandExit::Failed, "commands are not available on macOS yet");
     return tessarel::run(argumentCount, arguments);
 }

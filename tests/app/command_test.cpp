@@ -190,9 +190,9 @@ TEST_F(CommandTest, TheUsersLayoutComesBeforeABuiltInOneOfTheSameName) {
 }
 
 TEST_F(CommandTest, PauseIsSetAndToggled) {
-    for (const auto& [state, isPaused] : {std::pair("on", true), std::pair("on", true),
-                                          std::pair("toggle", false), std::pair("toggle", true),
-                                          std::pair("off", false)}) {
+    for (const auto& [state, isPaused] :
+         {std::pair("on", true), std::pair("on", true), std::pair("toggle", false), std::pair("toggle", true),
+          std::pair("off", false)}) {
         EXPECT_EQ(run({"pause", state}), CommandReply{});
         EXPECT_EQ(run({"left-half"}).exit == CommandExit::NothingDone, isPaused) << state;
     }
@@ -233,7 +233,8 @@ TEST_F(CommandTest, TheZonesAreListedInPercent) {
         << run({"list", "zones"}).text;
     const Json zones = listed("zones");
     ASSERT_EQ(zones.size(), 9U);
-    EXPECT_EQ(zones[0], (Json{{"number", 1}, {"enabled", true}, {"x", 0}, {"y", 12.5}, {"w", 100.0 / 3}, {"h", 100}}));
+    EXPECT_EQ(zones[0],
+              (Json{{"number", 1}, {"enabled", true}, {"x", 0}, {"y", 12.5}, {"w", 100.0 / 3}, {"h", 100}}));
     EXPECT_EQ(zones[8]["enabled"], false);
 }
 

@@ -8,7 +8,8 @@
 
 namespace tessarel::x11 {
 
-/// The atoms that the back end uses: EWMH hints, their values, and the toolkits' own properties.
+/// The atoms that the back end uses: EWMH hints, their values, the toolkits' own properties, and those of
+/// the command line.
 ///
 /// Sorted by name. Atoms whose name depends on the screen or the desktop are interned at runtime instead.
 enum class Atom : std::size_t {
@@ -51,6 +52,9 @@ enum class Atom : std::size_t {
     NetWmWindowTypeTooltip,
     NetWmWindowTypeUtility,
     NetWorkarea,
+    TessarelAnswer,
+    TessarelCommand,
+    TessarelCommands,
     Utf8String,
     WmState,
     kCount
