@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QImage>
 
 namespace tessarel {
@@ -7,5 +8,8 @@ namespace tessarel {
 /// Draws the program's icon, `size` pixels square: the three tiles of the status item on the rounded plate of
 /// macOS icons. The largest tile has the colour of a highlighted zone.
 [[nodiscard]] QImage drawIcon(int size);
+
+/// Returns the same icon as an SVG document.
+[[nodiscard]] QByteArray svgIcon();
 
 } // namespace tessarel

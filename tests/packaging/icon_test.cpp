@@ -2,11 +2,14 @@
 
 #include <QColor>
 #include <QDir>
+#include <QFile>
 #include <QImage>
+#include <QLatin1String>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QXmlStreamReader>
 #include <gtest/gtest.h>
 
 namespace tessarel {
@@ -42,11 +45,16 @@ TEST_P(IconTest, ItShowsThreeTiles) {
 
 INSTANTIATE_TEST_SUITE_P(Sizes, IconTest, testing::Values(16, 32, 128, 1024));
 
+/// Runs draw_icon and returns whether it has succeeded.
+bool draws(const QStringList& arguments) {
+    return QProcess::execute(QStringLiteral(TESSAREL_DRAW_ICON), arguments) == 0;
+}
+
 TEST(DrawIconTest, TheSetHasEverySizeUnderItsExpectedName) {
     const QTemporaryDir scratch;
     const QString folder = scratch.filePath(QStringLiteral("Tessarel.iconset"));
 
-    ASSERT_EQ(QProcess::execute(QStringLiteral(TESSAREL_DRAW_ICON), {folder}), 0);
+    ASSERT_TRUE(draws({QStringLiteral("iconset"), folder}));
 
     const QStringList names = QDir(folder).entryList(QDir::Files, QDir::Name);
     EXPECT_EQ(names.size(), 10);
@@ -57,12 +65,40 @@ TEST(DrawIconTest, TheSetHasEverySizeUnderItsExpectedName) {
     }
 }
 
+TEST(DrawIconTest, TheThemeHasEverySizeAndTheDrawing) {
+    const QTemporaryDir scratch;
+
+    ASSERT_TRUE(draws({QStringLiteral("hicolor"), scratch.path(), QStringLiteral("name")}));
+
+    for (const int size : {16, 22, 24, 32, 48, 64, 128, 256}) {
+        const QImage icon(scratch.filePath(QStringLiteral("%1x%1/apps/name.png").arg(size)));
+        EXPECT_EQ(icon.size(), QSize(size, size));
+    }
+    QFile drawing(scratch.filePath(QStringLiteral("scalable/apps/name.svg")));
+    ASSERT_TRUE(drawing.open(QIODevice::ReadOnly));
+    EXPECT_EQ(drawing.readAll(), svgIcon());
+}
+
+TEST(DrawIconTest, TheDrawingIsWellFormedAndHasThePlateAndThreeTiles) {
+    QXmlStreamReader reader(svgIcon());
+    int rectangles = 0;
+    while (!reader.atEnd()) {
+        if (reader.readNext() == QXmlStreamReader::StartElement && reader.name() == QLatin1String("rect"))
+            ++rectangles;
+    }
+    EXPECT_FALSE(reader.hasError()) << reader.errorString().toStdString();
+    EXPECT_EQ(rectangles, 4);
+}
+
 TEST(DrawIconTest, AFolderThatCannotBeCreatedIsAnError) {
-    EXPECT_NE(QProcess::execute(QStringLiteral(TESSAREL_DRAW_ICON), {QStringLiteral("/dev/null/set")}), 0);
+    EXPECT_FALSE(draws({QStringLiteral("iconset"), QStringLiteral("/dev/null/set")}));
+    EXPECT_FALSE(draws({QStringLiteral("hicolor"), QStringLiteral("/dev/null/set"), QStringLiteral("name")}));
 }
 
 TEST(DrawIconTest, WithoutAFolderItFails) {
-    EXPECT_NE(QProcess::execute(QStringLiteral(TESSAREL_DRAW_ICON), {}), 0);
+    EXPECT_FALSE(draws({}));
+    EXPECT_FALSE(draws({QStringLiteral("iconset")}));
+    EXPECT_FALSE(draws({QStringLiteral("hicolor"), QStringLiteral("folder")}));
 }
 
 } // namespace

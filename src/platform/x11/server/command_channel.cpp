@@ -37,15 +37,15 @@ void setBytes(Connection& connection, xcb_window_t on, Atom property, std::strin
 }
 
 std::string bytesOf(Connection& connection, xcb_window_t on, Atom property, std::uint32_t most) {
-    return bytes(propertyReply(connection,
-                               requestProperty(connection, on, connection.atom(property),
-                                               connection.atom(Atom::Utf8String), most / kBytesPerUnit)));
+    return bytes(
+        propertyReply(connection, requestProperty(connection, on, connection.atom(property),
+                                                  connection.atom(Atom::Utf8String), most / kBytesPerUnit)));
 }
 
 std::optional<xcb_window_t> windowIn(Connection& connection, xcb_window_t on) {
-    return value(propertyReply(connection,
-                               requestProperty(connection, on, connection.atom(Atom::TessarelCommands),
-                                               XCB_ATOM_WINDOW, 1)));
+    return value(
+        propertyReply(connection, requestProperty(connection, on, connection.atom(Atom::TessarelCommands),
+                                                  XCB_ATOM_WINDOW, 1)));
 }
 
 /// Returns the window of the channel. A crashed copy has left its id on the root window, but not the window.
