@@ -90,8 +90,9 @@ TEST(CommandFormsTest, EveryFormIsAccepted) {
         Words words{form.words};
         if (!form.placeholder.empty())
             words.push_back(form.choices.empty() ? "anything" : "");
-        if (form.choices.empty())
+        if (form.choices.empty()) {
             EXPECT_TRUE(parseCommand(words).command) << form.words;
+        }
         for (const std::string& choice : form.choices) {
             words.back() = choice;
             EXPECT_TRUE(parseCommand(words).command) << form.words << " " << choice;
