@@ -22,6 +22,7 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     add_compile_options(-Wshadow -Wnull-dereference) # gcc reports false positives in inlined library code
 else()
     add_compile_options(-Wshadow=local) # -Wshadow would reject constructor parameters named like fields
+    add_compile_options(-Wno-restrict)  # gcc 12 reports false positives in inlined library code
 endif()
 if(TESSAREL_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
