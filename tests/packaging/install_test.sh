@@ -31,8 +31,9 @@ diff - <(cd "$scratch" && find . -type f | LC_ALL=C sort) <<EOF || fail "other f
 ./opt/tessarel/share/applications/$id.desktop
 ./opt/tessarel/share/bash-completion/completions/tessarel
 ./opt/tessarel/share/doc/tessarel/CHANGELOG.md
-./opt/tessarel/share/doc/tessarel/LICENSE
 ./opt/tessarel/share/doc/tessarel/README.md
+./opt/tessarel/share/doc/tessarel/changelog.gz
+./opt/tessarel/share/doc/tessarel/copyright
 ./opt/tessarel/share/fish/vendor_completions.d/tessarel.fish
 ./opt/tessarel/share/icons/hicolor/128x128/apps/$id.png
 ./opt/tessarel/share/icons/hicolor/16x16/apps/$id.png
@@ -43,13 +44,14 @@ diff - <(cd "$scratch" && find . -type f | LC_ALL=C sort) <<EOF || fail "other f
 ./opt/tessarel/share/icons/hicolor/48x48/apps/$id.png
 ./opt/tessarel/share/icons/hicolor/64x64/apps/$id.png
 ./opt/tessarel/share/icons/hicolor/scalable/apps/$id.svg
-./opt/tessarel/share/man/man1/tessarel.1
+./opt/tessarel/share/man/man1/tessarel.1.gz
 ./opt/tessarel/share/metainfo/$id.metainfo.xml
 ./opt/tessarel/share/zsh/vendor-completions/_tessarel
 EOF
 
 check "desktop entry" desktop-file-validate "$share/applications/$id.desktop"
 check "metadata" appstreamcli validate --no-net "$share/metainfo/$id.metainfo.xml"
+gunzip "$share/man/man1/tessarel.1.gz"
 check "manual page" groff -man -ww -z -Tutf8 "$share/man/man1/tessarel.1"
 check "completion for zsh" zsh -n "$share/zsh/vendor-completions/_tessarel"
 check "completion for fish" fish --no-config --no-execute "$share/fish/vendor_completions.d/tessarel.fish"
