@@ -29,7 +29,8 @@ within sh -euc '
     echo "{\"hasOnboarded\": true}" >~/.config/tessarel/tessarel.settings.v1.json
     until xdotool getdisplaygeometry >/dev/null 2>&1; do sleep 0.1; done
     openbox & xclock & tessarel &
-    until xdotool getactivewindow >/dev/null 2>&1 && tessarel list zones >/dev/null 2>&1; do sleep 0.1; done
+    until tessarel list zones >/dev/null 2>&1; do sleep 0.1; done
+    xdotool search --sync --onlyvisible --class xclock windowactivate --sync
     tessarel right-half
     xdotool getactivewindow getwindowgeometry
     tessarel quit
