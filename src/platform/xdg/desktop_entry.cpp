@@ -136,13 +136,16 @@ std::string DesktopEntry::execWord(std::string_view argument) {
 }
 
 std::optional<std::string> DesktopEntry::name() const {
-    std::string name = trimmed(
-        g_key_file_get_locale_string(m_file.get(), kGroup, G_KEY_FILE_DESKTOP_KEY_NAME, nullptr, nullptr));
-    // Escaped line breaks and tabs.
-    std::ranges::replace_if(
-        name, [](char character) { return character == '\n' || character == '\t' || character == '\r'; },
-        ' ');
+    std::string name = localValue(G_KEY_FILE_DESKTOP_KEY_NAME);
     return name.empty() ? std::nullopt : std::optional(std::move(name));
+}
+
+std::string DesktopEntry::genericName() const {
+    return localValue(G_KEY_FILE_DESKTOP_KEY_GENERIC_NAME);
+}
+
+std::string DesktopEntry::icon() const {
+    return value(G_KEY_FILE_DESKTOP_KEY_ICON);
 }
 
 std::string DesktopEntry::windowClass() const {
@@ -159,6 +162,11 @@ std::vector<std::string> DesktopEntry::programs() const {
 bool DesktopEntry::isOffered() const {
     return value(G_KEY_FILE_DESKTOP_KEY_NO_DISPLAY) != "true" &&
            value(G_KEY_FILE_DESKTOP_KEY_TERMINAL) != "true";
+}
+
+bool DesktopEntry::isOfferedIn(const std::vector<std::string>& desktops) const {
+    return value(G_KEY_FILE_DESKTOP_KEY_TYPE) == G_KEY_FILE_DESKTOP_TYPE_APPLICATION && isShown() &&
+           isOffered() && isMeantFor(desktops) && hasNeededProgram();
 }
 
 bool DesktopEntry::isShown() const {
@@ -192,6 +200,11 @@ bool DesktopEntry::isInstalled() const {
     if (words.size() > kWrapper.size() && std::equal(kWrapper.begin(), kWrapper.end(), words.begin()) &&
         !isExecutable(words[kWrapper.size()]))
         return false;
+    return hasNeededProgram();
+}
+
+/// Returns whether the program that must be present according to the entry exists.
+bool DesktopEntry::hasNeededProgram() const {
     const std::string needed = value(G_KEY_FILE_DESKTOP_KEY_TRY_EXEC);
     return needed.empty() || isExecutable(needed);
 }
@@ -203,6 +216,17 @@ std::vector<std::string> DesktopEntry::list(const char* key) const {
     for (std::string value; std::getline(text, value, ';');)
         values.push_back(value);
     return values;
+}
+
+/// Returns the value of `key` in the language of the environment, otherwise the untranslated value, on one
+/// line; empty if it is missing or not valid UTF-8.
+std::string DesktopEntry::localValue(const char* key) const {
+    std::string text = trimmed(g_key_file_get_locale_string(m_file.get(), kGroup, key, nullptr, nullptr));
+    // Escaped line breaks and tabs.
+    std::ranges::replace_if(
+        text, [](char character) { return character == '\n' || character == '\t' || character == '\r'; },
+        ' ');
+    return text;
 }
 
 /// Returns the value of `key` without surrounding blanks; empty if it is missing or not valid UTF-8.

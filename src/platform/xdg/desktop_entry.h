@@ -38,6 +38,14 @@ public:
     /// one line. Returns `std::nullopt` if the name is missing, empty or not valid UTF-8.
     [[nodiscard]] std::optional<std::string> name() const;
 
+    /// Returns what kind of application it is, in the language of the environment; empty if the entry does
+    /// not say it.
+    [[nodiscard]] std::string genericName() const;
+
+    /// Returns the icon: the absolute path of a file, or a name in the icon theme. Empty if the entry names
+    /// none.
+    [[nodiscard]] std::string icon() const;
+
     /// Returns the class (WM_CLASS) of the application's windows; empty if the entry does not name it.
     [[nodiscard]] std::string windowClass() const;
 
@@ -48,6 +56,11 @@ public:
     /// Returns whether menus offer the application with windows of its own: the entry has neither
     /// "NoDisplay=true" nor "Terminal=true".
     [[nodiscard]] bool isOffered() const;
+
+    /// Returns whether the menus of `desktops`, the names in $XDG_CURRENT_DESKTOP, offer the application with
+    /// windows of its own: the entry is shown, meant for one of the desktops, and the program that it needs
+    /// is installed.
+    [[nodiscard]] bool isOfferedIn(const std::vector<std::string>& desktops) const;
 
     /// Returns whether the entry describes an application. An entry with "Hidden=true" only hides others.
     [[nodiscard]] bool isShown() const;
@@ -66,9 +79,11 @@ private:
     explicit DesktopEntry(KeyFile file) : m_file(std::move(file)) {}
 
     [[nodiscard]] std::string value(const char* key) const;
+    [[nodiscard]] std::string localValue(const char* key) const;
     [[nodiscard]] std::vector<std::string> list(const char* key) const;
     [[nodiscard]] bool isMeantFor(const std::vector<std::string>& desktops) const;
     [[nodiscard]] bool isInstalled() const;
+    [[nodiscard]] bool hasNeededProgram() const;
 
     KeyFile m_file;
 };

@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstdlib>
 #include <sstream>
-#include <system_error>
 #include <utility>
 
 namespace tessarel::xdg {
@@ -17,25 +16,6 @@ namespace tessarel::xdg {
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::string_view kEnding = ".desktop";
-
-/// Returns when an entry was last added to `folder` or removed from it; `std::nullopt` if it does not exist.
-std::optional<fs::file_time_type> changeOf(const fs::path& folder) {
-    std::error_code failure;
-    const auto time = fs::last_write_time(folder, failure);
-    return failure ? std::nullopt : std::optional(time);
-}
-
-/// Returns the identifier of the entry `file` in `folder`: its relative path with '-' for every '/', without
-/// the suffix.
-std::string identifierOf(const fs::path& file, const fs::path& folder) {
-    std::string identifier = file.native().substr(folder.native().size());
-    identifier.erase(0, identifier.find_first_not_of('/'));
-    std::ranges::replace(identifier, '/', '-');
-    identifier.resize(identifier.size() - kEnding.size());
-    return identifier;
-}
 
 std::string valueOf(const char* variable, const std::string& otherwise) {
     const char* const value = std::getenv(variable);
@@ -116,7 +96,7 @@ std::optional<std::string> InstalledApplications::displayName(const std::string&
 }
 
 std::optional<std::string> InstalledApplications::identifierOfEntry(const fs::path& file) const {
-    const auto entry = file.extension() == kEnding ? entryIn(file) : std::nullopt;
+    const auto entry = isNamedLikeEntry(file) ? entryIn(file) : std::nullopt;
     if (!entry || !entry->isShown() || !entry->name())
         return std::nullopt;
     const auto folder = std::ranges::find_if(m_folders, [&file](const fs::path& candidate) {
@@ -137,37 +117,24 @@ bool InstalledApplications::isCurrent() const {
 }
 
 void InstalledApplications::read() {
-    m_changed.clear();
     m_files.clear();
     m_byIdentifier.clear();
     m_byClass.clear();
     m_byProgram.clear();
     m_applications.clear();
-    for (const fs::path& folder : m_folders)
-        readFolder(folder);
-}
-
-void InstalledApplications::readFolder(const fs::path& folder) {
-    m_changed[folder] = changeOf(folder); // first, so that a change while it is read is noticed later
-    std::error_code failure;
-    fs::recursive_directory_iterator file(folder, fs::directory_options::skip_permission_denied, failure);
-    for (; !failure && file != fs::recursive_directory_iterator(); file.increment(failure)) {
-        std::error_code unreadable;
-        if (file->is_directory(unreadable))
-            m_changed[file->path()] = changeOf(file->path());
-        else if (file->path().extension() == kEnding)
-            readEntry(file->path(), identifierOf(file->path(), folder));
+    EntryWalk walk(m_folders);
+    while (const auto file = walk.next()) {
+        m_files.emplace(file->identifier, file->path);
+        readEntry(*file);
     }
+    m_changed = walk.changes();
 }
 
-void InstalledApplications::readEntry(const fs::path& file, const std::string& identifier) {
-    const bool isNew = m_files.try_emplace(identifier, file).second;
-    if (!isNew) // an entry in a more important folder takes precedence
-        return;
-    const auto content = readSmallFile(file);
+void InstalledApplications::readEntry(const EntryFile& file) {
+    const auto content = readSmallFile(file.path);
     const auto entry = content ? DesktopEntry::parseUntranslated(*content) : std::nullopt;
     if (entry && entry->isShown())
-        add({identifier, entry->windowClass(), entry->programs(), entry->isOffered()});
+        add({file.identifier, entry->windowClass(), entry->programs(), entry->isOffered()});
 }
 
 void InstalledApplications::add(InstalledApplication application) {

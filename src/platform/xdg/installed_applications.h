@@ -1,8 +1,9 @@
 #pragma once
 
+#include "platform/xdg/entry_walk.h"
+
 #include <deque>
 #include <filesystem>
-#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -58,18 +59,15 @@ public:
     [[nodiscard]] std::optional<std::string> identifierOfEntry(const std::filesystem::path& file) const;
 
 private:
-    using Time = std::filesystem::file_time_type;
     using Index = std::unordered_multimap<std::string, const InstalledApplication*>;
 
     [[nodiscard]] bool isCurrent() const;
     void read();
-    void readFolder(const std::filesystem::path& folder);
-    void readEntry(const std::filesystem::path& file, const std::string& identifier);
+    void readEntry(const EntryFile& file);
     void add(InstalledApplication application);
 
     std::vector<std::filesystem::path> m_folders;
-    /// Time stamp of every folder when it was read, empty for a missing one.
-    std::map<std::filesystem::path, std::optional<Time>> m_changed;
+    EntryWalk::Changes m_changed; ///< of all folders, when they were read
     /// The most important entry of each identifier, even if it is hidden or unreadable.
     std::unordered_map<std::string, std::filesystem::path> m_files;
     std::deque<InstalledApplication> m_applications;

@@ -1,6 +1,7 @@
 #include "platform/xdg/login_item.h"
 
 #include "platform/xdg/desktop_entry.h"
+#include "platform/xdg/environment.h"
 #include "platform/xdg/home_folder.h"
 #include "platform/xdg/small_file.h"
 
@@ -10,7 +11,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
-#include <sstream>
 #include <string_view>
 #include <sys/stat.h>
 #include <system_error>
@@ -25,16 +25,6 @@ namespace fs = std::filesystem;
 
 constexpr const char* kNoHome = "There is no home folder.";
 constexpr std::string_view kEntryName = "autostart/tessarel.desktop";
-
-/// Returns the parts of the value of an environment variable between colons; empty if it is unset.
-std::vector<std::string> listFrom(const char* variable) {
-    const char* const text = std::getenv(variable);
-    std::istringstream parts(text == nullptr ? "" : text);
-    std::vector<std::string> list;
-    for (std::string part; std::getline(parts, part, ':');)
-        list.push_back(part);
-    return list;
-}
 
 /// Returns the system's configuration folders, the most important first. Relative ones are ignored.
 std::vector<fs::path> systemConfigFolders() {
@@ -93,7 +83,7 @@ XdgLoginItem::Setup XdgLoginItem::ofThisProgram(std::string name) {
             .configFolders = systemConfigFolders(),
             .program = runningProgram(),
             .name = std::move(name),
-            .desktops = listFrom("XDG_CURRENT_DESKTOP")};
+            .desktops = currentDesktops()};
 }
 
 LoginItemPort::Status XdgLoginItem::status() {

@@ -1,0 +1,80 @@
+#include "platform/xdg/entry_walk.h"
+
+#include <algorithm>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+namespace tessarel::xdg {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::string_view kEnding = ".desktop";
+
+} // namespace
+
+std::string identifierOf(const fs::path& file, const fs::path& folder) {
+    std::string identifier = file.native().substr(folder.native().size());
+    identifier.erase(0, identifier.find_first_not_of('/'));
+    std::ranges::replace(identifier, '/', '-');
+    identifier.resize(identifier.size() - kEnding.size());
+    return identifier;
+}
+
+bool isNamedLikeEntry(const fs::path& file) {
+    return file.extension() == kEnding;
+}
+
+std::optional<fs::file_time_type> changeOf(const fs::path& folder) {
+    std::error_code failure;
+    const auto time = fs::last_write_time(folder, failure);
+    return failure ? std::nullopt : std::optional(time);
+}
+
+EntryWalk::EntryWalk(std::vector<fs::path> folders) : m_folders(std::move(folders)) {}
+
+std::optional<EntryFile> EntryWalk::next() {
+    while (findFile()) {
+        const fs::path path = m_file->path();
+        std::error_code unreadable;
+        const bool isFolder = m_file->is_directory(unreadable);
+        if (isFolder)
+            noteChange(path);
+        advance();
+        if (isFolder || !isNamedLikeEntry(path))
+            continue;
+        std::string identifier = identifierOf(path, m_folders[m_entered - 1]);
+        if (m_identifiers.insert(identifier).second)
+            return EntryFile{std::move(identifier), path};
+    }
+    return std::nullopt;
+}
+
+/// Enters the next of the folders until one has a file. Returns false after the last file of the last folder.
+bool EntryWalk::findFile() {
+    while (m_file == fs::recursive_directory_iterator() && m_entered < m_folders.size()) {
+        const fs::path& folder = m_folders[m_entered++];
+        noteChange(folder);
+        std::error_code failure;
+        m_file = fs::recursive_directory_iterator(folder, fs::directory_options::skip_permission_denied,
+                                                  failure);
+    }
+    return m_file != fs::recursive_directory_iterator();
+}
+
+/// Goes to the next file of the current folder and its subfolders.
+void EntryWalk::advance() {
+    std::error_code failure;
+    m_file.increment(failure);
+    if (failure)
+        m_file = {};
+}
+
+/// Call before `folder` is read, so that a change while it is read is noticed later.
+void EntryWalk::noteChange(const fs::path& folder) {
+    m_changes[folder] = changeOf(folder);
+}
+
+} // namespace tessarel::xdg

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <string>
+#include <unordered_set>
+#include <vector>
+
+namespace tessarel::xdg {
+
+/// Returns the identifier of the desktop entry `file` in `folder`: its relative path with '-' for every '/',
+/// without the suffix.
+[[nodiscard]] std::string identifierOf(const std::filesystem::path& file,
+                                       const std::filesystem::path& folder);
+
+/// Returns whether `file` is named like a desktop entry.
+[[nodiscard]] bool isNamedLikeEntry(const std::filesystem::path& file);
+
+/// Returns when a file was last added to `folder` or removed from it; `std::nullopt` if it does not exist.
+[[nodiscard]] std::optional<std::filesystem::file_time_type> changeOf(const std::filesystem::path& folder);
+
+/// The file of a desktop entry.
+struct EntryFile {
+    std::string identifier;
+    std::filesystem::path path;
+};
+
+/// Finds the desktop entries in folders and their subfolders, one at a time. Reads the folders, but none of
+/// the entries.
+class EntryWalk {
+public:
+    /// Time stamps by folder; empty for a missing folder.
+    using Changes = std::map<std::filesystem::path, std::optional<std::filesystem::file_time_type>>;
+
+    /// `folders` contain the entries, the most important folder first; they need not exist.
+    explicit EntryWalk(std::vector<std::filesystem::path> folders);
+
+    /// Returns the next entry, and `std::nullopt` after the last one. Leaves out those that an entry in a more
+    /// important folder replaces.
+    [[nodiscard]] std::optional<EntryFile> next();
+
+    /// Returns all folders that the walk has come to, with the change that each had then.
+    [[nodiscard]] const Changes& changes() const { return m_changes; }
+
+private:
+    [[nodiscard]] bool findFile();
+    void advance();
+    void noteChange(const std::filesystem::path& folder);
+
+    std::vector<std::filesystem::path> m_folders;
+    std::size_t m_entered = 0; // the current folder is the one before
+    std::filesystem::recursive_directory_iterator m_file;
+    std::unordered_set<std::string> m_identifiers;
+    Changes m_changes;
+};
+
+} // namespace tessarel::xdg

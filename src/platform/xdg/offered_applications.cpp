@@ -1,0 +1,34 @@
+#include "platform/xdg/offered_applications.h"
+
+#include "platform/xdg/desktop_entry.h"
+#include "platform/xdg/small_file.h"
+
+#include <utility>
+
+namespace tessarel::xdg {
+
+OfferedApplications::OfferedApplications(std::vector<std::filesystem::path> folders,
+                                         std::vector<std::string> desktops)
+    : m_walk(std::move(folders)), m_desktops(std::move(desktops)) {}
+
+std::vector<OfferedApplication> OfferedApplications::read(std::size_t most) {
+    std::vector<OfferedApplication> applications;
+    for (std::size_t count = 0; count < most && !m_isAtEnd; ++count) {
+        const auto file = m_walk.next();
+        m_isAtEnd = !file;
+        if (auto application = file ? readEntry(*file) : std::nullopt)
+            applications.push_back(std::move(*application));
+    }
+    return applications;
+}
+
+std::optional<OfferedApplication> OfferedApplications::readEntry(const EntryFile& file) const {
+    const auto content = readSmallFile(file.path);
+    const auto entry = content ? DesktopEntry::parse(*content) : std::nullopt;
+    auto name = entry && entry->isOfferedIn(m_desktops) ? entry->name() : std::nullopt;
+    if (!name)
+        return std::nullopt;
+    return OfferedApplication{file.identifier, std::move(*name), entry->genericName(), entry->icon()};
+}
+
+} // namespace tessarel::xdg
