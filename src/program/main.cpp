@@ -12,12 +12,14 @@
 #include "platform/qt_x11/qt_local_keys.h"
 #include "platform/qt_x11/qt_x11_application.h"
 #include "platform/qt_x11/tray/qt_status_item.h"
+#include "platform/qt_xdg/application_panel.h"
 #include "platform/qt_xdg/qt_appearance.h"
 #include "platform/x11/input/key_lookup.h"
 #include "platform/x11/server/command_channel.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/bring_to_user.h"
 #include "platform/x11/x11_desktop.h"
+#include "platform/xdg/environment.h"
 #include "platform/xdg/home_folder.h"
 #include "program/command_line.h"
 #include "program/qt_program.h"
@@ -120,10 +122,15 @@ int run(const char* programName) {
                             });
     qt::QtLocalKeys localKeys(
         x11::keyDown, [&link = *connection](std::uint32_t keycode) { return x11::isKeyHeld(link, keycode); });
-    qt::QtOpenPanel openPanel(xdg::InstalledApplications::folders(),
-                              [&desktop](const std::filesystem::path& file) {
-                                  return desktop.applications.identifierOfEntry(file);
-                              });
+    const auto entryFolders = xdg::InstalledApplications::folders();
+    qt::QtOpenPanel entryFiles(entryFolders, [&desktop](const std::filesystem::path& file) {
+        return desktop.applications.identifierOfEntry(file);
+    });
+    qt::ApplicationPanel openPanel(
+        {.folders = entryFolders,
+         .desktops = xdg::currentDesktops(),
+         .running = [&desktop] { return desktop.applications.identifiersInUse(); }},
+        entryFiles);
     qt::QtX11Application application(
         [&link = *connection](xcb_window_t window) { x11::bringToUser(link, window); });
     qt::X11Overlay overlay(queue,

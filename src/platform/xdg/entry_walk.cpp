@@ -58,8 +58,8 @@ bool EntryWalk::findFile() {
         const fs::path& folder = m_folders[m_entered++];
         noteChange(folder);
         std::error_code failure;
-        m_file = fs::recursive_directory_iterator(folder, fs::directory_options::skip_permission_denied,
-                                                  failure);
+        m_file =
+            fs::recursive_directory_iterator(folder, fs::directory_options::skip_permission_denied, failure);
     }
     return m_file != fs::recursive_directory_iterator();
 }

@@ -37,8 +37,8 @@ public:
     /// `folders` contain the entries, the most important folder first; they need not exist.
     explicit EntryWalk(std::vector<std::filesystem::path> folders);
 
-    /// Returns the next entry, and `std::nullopt` after the last one. Leaves out those that an entry in a more
-    /// important folder replaces.
+    /// Returns the next entry, and `std::nullopt` after the last one. Leaves out those that an entry in a
+    /// more important folder replaces.
     [[nodiscard]] std::optional<EntryFile> next();
 
     /// Returns all folders that the walk has come to, with the change that each had then.

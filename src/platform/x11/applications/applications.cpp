@@ -62,6 +62,20 @@ std::vector<RunningApplication> Applications::all() {
     return applications;
 }
 
+std::set<std::string> Applications::identifiersInUse() {
+    const auto windows = m_windows.frontToBack();
+    m_windows.learnAll(windows);
+    std::set<std::string> identifiers;
+    for (const xcb_window_t window : windows) {
+        const auto pid = m_windows.pid(window);
+        if (!pid || *pid == ::getpid() || !isForWork(window))
+            continue;
+        if (const Names& known = names(*pid, window))
+            identifiers.insert(known->identifier);
+    }
+    return identifiers;
+}
+
 std::optional<std::string> Applications::displayName(const std::string& identifier) {
     return m_entries.displayName(identifier);
 }

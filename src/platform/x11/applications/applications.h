@@ -10,6 +10,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -46,6 +47,9 @@ public:
     [[nodiscard]] std::optional<RunningApplication> ofProcess(ProcessId pid);
     /// Returns all applications, sorted by process id.
     [[nodiscard]] std::vector<RunningApplication> all();
+    /// Returns the identifiers of all applications with a window that a user works in, leaving out this
+    /// program. A process may contribute several.
+    [[nodiscard]] std::set<std::string> identifiersInUse();
     /// Returns the name of an installed application in the user's language, or `std::nullopt` when it is not
     /// installed.
     [[nodiscard]] std::optional<std::string> displayName(const std::string& identifier);

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <set>
 #include <string>
 #include <unistd.h>
 #include <vector>
@@ -77,6 +78,15 @@ TEST_F(WorkspaceTest, AnApplicationIsIdentifiedByItsFrontWindow) {
               (RunningApplication{.processIdentifier = client.pid(),
                                   .bundleIdentifier = "Second",
                                   .ownsWholeProcess = false}));
+}
+
+TEST_F(WorkspaceTest, AllApplicationsOfAProcessAreInUse) {
+    (void)open({.className = "First"});
+    (void)open({.className = "Second"});
+    (void)open({.className = "Second"});
+    (void)open({.className = "Panel", .type = "_NET_WM_WINDOW_TYPE_DOCK"});
+
+    EXPECT_EQ(applications.identifiersInUse(), (std::set<std::string>{"First", "Second"}));
 }
 
 TEST_F(WorkspaceTest, AnUnmanagedWindowIsNotFrontmost) {
