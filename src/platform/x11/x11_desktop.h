@@ -46,7 +46,9 @@ struct X11Desktop {
           mouse(connection, monitors, windows, queue),
           preferences(xdg::FilePreferences::userFolder(), std::move(onReadable)), singleInstance(connection),
           trust(connection, session, queue, alerts), windowList(connection, monitors, windows),
-          workspace(applications, watch) {}
+          workspace(applications, watch) {
+        applications.readEntriesOn(queue);
+    }
     X11Desktop(const X11Desktop&) = delete;
     X11Desktop& operator=(const X11Desktop&) = delete;
 

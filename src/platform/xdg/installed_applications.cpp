@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <sstream>
 #include <utility>
 
@@ -60,10 +61,8 @@ std::vector<fs::path> InstalledApplications::folders() {
 }
 
 const InstalledApplication* InstalledApplications::named(std::string_view identifier) {
-    if (m_changed.empty())
-        read();
     Found found;
-    append(m_byIdentifier, lowered(identifier), found);
+    append(index().byIdentifier, lowered(identifier), found);
     const auto exact = std::ranges::find(found, identifier, &InstalledApplication::identifier);
     if (exact != found.end())
         return *exact;
@@ -71,27 +70,24 @@ const InstalledApplication* InstalledApplications::named(std::string_view identi
 }
 
 Found InstalledApplications::ofClass(std::string_view windowClass) {
-    if (m_changed.empty())
-        read();
     const std::string wanted = lowered(windowClass);
     Found found;
-    append(m_byClass, wanted, found);
-    append(m_byIdentifier, wanted, found);
+    append(index().byClass, wanted, found);
+    append(index().byIdentifier, wanted, found);
     return found;
 }
 
 Found InstalledApplications::startedBy(std::string_view program) {
-    if (m_changed.empty())
-        read();
     Found found;
-    append(m_byProgram, lowered(program), found);
+    append(index().byProgram, lowered(program), found);
     return found;
 }
 
 std::optional<std::string> InstalledApplications::displayName(const std::string& identifier) {
     refresh();
-    const auto file = m_files.find(identifier);
-    const auto entry = file == m_files.end() ? std::nullopt : entryIn(file->second);
+    const auto& files = index().files;
+    const auto file = files.find(identifier);
+    const auto entry = file == files.end() ? std::nullopt : entryIn(file->second);
     return entry && entry->isShown() ? entry->name() : std::nullopt;
 }
 
@@ -107,43 +103,61 @@ std::optional<std::string> InstalledApplications::identifierOfEntry(const fs::pa
 }
 
 void InstalledApplications::refresh() {
-    if (m_changed.empty() || !isCurrent())
-        read();
+    constexpr std::size_t kAll = std::numeric_limits<std::size_t>::max();
+    readSome(kAll); // the rest of what is being read; a folder may have changed since that was begun
+    beginRefresh();
+    readSome(kAll);
+}
+
+void InstalledApplications::beginRefresh() {
+    if (!m_reading && !isCurrent())
+        m_reading.emplace(Reading{EntryWalk(m_folders), std::make_unique<Index>()});
+}
+
+bool InstalledApplications::readSome(std::size_t most) {
+    if (!m_reading)
+        return false;
+    for (std::size_t count = 0; count < most; ++count) {
+        const auto file = m_reading->walk.next();
+        if (!file) {
+            m_index = std::move(m_reading->index);
+            m_index->changes = m_reading->walk.changes();
+            m_reading.reset();
+            return false;
+        }
+        m_reading->index->read(*file);
+    }
+    return true;
+}
+
+/// Returns what lookups search. Reads all entries if none has been read.
+const InstalledApplications::Index& InstalledApplications::index() {
+    if (!hasBegun())
+        refresh();
+    return m_index ? *m_index : *m_reading->index;
 }
 
 bool InstalledApplications::isCurrent() const {
-    return std::ranges::all_of(m_changed,
-                               [](const auto& folder) { return changeOf(folder.first) == folder.second; });
+    return m_index && std::ranges::all_of(m_index->changes, [](const auto& folder) {
+               return changeOf(folder.first) == folder.second;
+           });
 }
 
-void InstalledApplications::read() {
-    m_files.clear();
-    m_byIdentifier.clear();
-    m_byClass.clear();
-    m_byProgram.clear();
-    m_applications.clear();
-    EntryWalk walk(m_folders);
-    while (const auto file = walk.next()) {
-        m_files.emplace(file->identifier, file->path);
-        readEntry(*file);
-    }
-    m_changed = walk.changes();
-}
-
-void InstalledApplications::readEntry(const EntryFile& file) {
+void InstalledApplications::Index::read(const EntryFile& file) {
+    files.emplace(file.identifier, file.path);
     const auto content = readSmallFile(file.path);
     const auto entry = content ? DesktopEntry::parseUntranslated(*content) : std::nullopt;
     if (entry && entry->isShown())
         add({file.identifier, entry->windowClass(), entry->programs(), entry->isOffered()});
 }
 
-void InstalledApplications::add(InstalledApplication application) {
-    const InstalledApplication& added = m_applications.emplace_back(std::move(application));
-    m_byIdentifier.emplace(lowered(added.identifier), &added);
+void InstalledApplications::Index::add(InstalledApplication application) {
+    const InstalledApplication& added = applications.emplace_back(std::move(application));
+    byIdentifier.emplace(lowered(added.identifier), &added);
     if (!added.windowClass.empty())
-        m_byClass.emplace(lowered(added.windowClass), &added);
+        byClass.emplace(lowered(added.windowClass), &added);
     for (const std::string& program : added.programs)
-        m_byProgram.emplace(lowered(fileName(program)), &added);
+        byProgram.emplace(lowered(fileName(program)), &added);
 }
 
 } // namespace tessarel::xdg

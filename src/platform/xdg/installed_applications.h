@@ -2,8 +2,10 @@
 
 #include "platform/xdg/entry_walk.h"
 
+#include <cstddef>
 #include <deque>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -23,8 +25,8 @@ struct InstalledApplication {
 /// The installed applications, as their desktop entries describe them. Returned pointers are valid until the
 /// entries are read again.
 ///
-/// The entries are read on first use, and again by `refresh` after a folder has changed. Entries that cannot
-/// be read or are larger than 256 KiB are ignored.
+/// The entries are read on first use, and again by `refresh` after a folder has changed; or in pieces, by
+/// `beginRefresh` and `readSome`. Entries that cannot be read or are larger than 256 KiB are ignored.
 class InstalledApplications {
 public:
     /// `folders` contain the desktop entries, the most important folder first; they need not exist.
@@ -37,6 +39,17 @@ public:
     /// Reads the entries again if a folder has changed since they were read. Otherwise costs only a look at
     /// each folder's time stamp.
     void refresh();
+
+    /// Begins to read the entries, unless they have been read and no folder has changed since, or they are
+    /// being read. Until `readSome` has read the last one, lookups find what was found before, and the first
+    /// time the applications that have been read so far.
+    void beginRefresh();
+
+    /// Reads the next entries, at most `most`. Returns whether there are more to be read.
+    bool readSome(std::size_t most);
+
+    /// Returns whether the reading of entries has begun at least once.
+    [[nodiscard]] bool hasBegun() const { return m_index || m_reading; }
 
     /// Returns the application with the identifier `identifier`, or null. The case of ASCII letters is
     /// ignored, unless identifiers differ by nothing else.
@@ -59,22 +72,35 @@ public:
     [[nodiscard]] std::optional<std::string> identifierOfEntry(const std::filesystem::path& file) const;
 
 private:
-    using Index = std::unordered_multimap<std::string, const InstalledApplication*>;
+    using ByName = std::unordered_multimap<std::string, const InstalledApplication*>;
 
+    /// What a walk through the folders has found.
+    struct Index {
+        EntryWalk::Changes changes; ///< of all folders, when they were read
+        /// The most important entry of each identifier, even if it is hidden or unreadable.
+        std::unordered_map<std::string, std::filesystem::path> files;
+        std::deque<InstalledApplication> applications;
+        // The applications by lower-case name.
+        ByName byIdentifier;
+        ByName byClass;
+        ByName byProgram;
+
+        void read(const EntryFile& file);
+        void add(InstalledApplication application);
+    };
+
+    /// An index that is being made.
+    struct Reading {
+        EntryWalk walk;
+        std::unique_ptr<Index> index;
+    };
+
+    [[nodiscard]] const Index& index();
     [[nodiscard]] bool isCurrent() const;
-    void read();
-    void readEntry(const EntryFile& file);
-    void add(InstalledApplication application);
 
     std::vector<std::filesystem::path> m_folders;
-    EntryWalk::Changes m_changed; ///< of all folders, when they were read
-    /// The most important entry of each identifier, even if it is hidden or unreadable.
-    std::unordered_map<std::string, std::filesystem::path> m_files;
-    std::deque<InstalledApplication> m_applications;
-    // The applications by lower-case name.
-    Index m_byIdentifier;
-    Index m_byClass;
-    Index m_byProgram;
+    std::unique_ptr<Index> m_index; ///< null until all entries have been read for the first time
+    std::optional<Reading> m_reading;
 };
 
 } // namespace tessarel::xdg

@@ -226,6 +226,46 @@ TEST_F(InstalledApplicationsTest, FiveThousandEntriesAreIndexed) {
     EXPECT_EQ(ofClass("Class0"), Identifiers{"0"});
 }
 
+TEST_F(InstalledApplicationsTest, TheFirstTimeEntriesAreFoundAsSoonAsTheyHaveBeenRead) {
+    for (const char* const name : {"a", "b", "c"})
+        write(systems / (std::string(name) + ".desktop"), "StartupWMClass=Editor\n");
+    entries.beginRefresh();
+
+    EXPECT_EQ(ofClass("Editor").size(), 0U);
+    EXPECT_TRUE(entries.readSome(2));
+    EXPECT_EQ(ofClass("Editor").size(), 2U);
+    EXPECT_FALSE(entries.readSome(2));
+    EXPECT_EQ(ofClass("Editor").size(), 3U);
+    EXPECT_FALSE(entries.readSome(2)) << "nothing has changed";
+}
+
+TEST_F(InstalledApplicationsTest, WhileEntriesAreReadAgainTheFormerOnesAreFound) {
+    write(systems / "first.desktop", "StartupWMClass=Editor\n");
+    EXPECT_EQ(ofClass("Editor"), Identifiers{"first"});
+    fs::remove(systems / "first.desktop");
+    write(systems / "second.desktop", "StartupWMClass=Editor\n");
+    write(systems / "third.desktop", "StartupWMClass=Editor\n");
+
+    entries.beginRefresh();
+    EXPECT_TRUE(entries.readSome(1));
+    EXPECT_EQ(ofClass("Editor"), Identifiers{"first"});
+    entries.beginRefresh(); // goes on with the entries that are being read
+    EXPECT_FALSE(entries.readSome(2));
+    EXPECT_EQ(ofClass("Editor"), (Identifiers{"second", "third"}));
+}
+
+TEST_F(InstalledApplicationsTest, ARefreshFindsWhatWasInstalledWhileEntriesWereRead) {
+    write(systems / "first.desktop", "StartupWMClass=Editor\n");
+    write(systems / "second.desktop", "StartupWMClass=Editor\n");
+    entries.beginRefresh();
+    EXPECT_TRUE(entries.readSome(1));
+    write(users / "third.desktop", "StartupWMClass=Editor\n");
+
+    entries.refresh();
+
+    EXPECT_EQ(ofClass("Editor"), (Identifiers{"first", "second", "third"}));
+}
+
 TEST_F(InstalledApplicationsTest, AnEntryIsIdentifiedByItsPathBelowItsFolder) {
     write(systems / "org.example.editor.desktop", "");
     write(users / "vendor" / "viewer.desktop", "");

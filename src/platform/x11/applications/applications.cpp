@@ -13,6 +13,9 @@ namespace {
 /// Far more than windows with different names between two refreshes; then all are forgotten.
 constexpr std::size_t kMostNames = 1000;
 
+/// How many desktop entries are read at a time, in about a millisecond. Most desktops have hardly more.
+constexpr std::size_t kEntriesAtATime = 100;
+
 /// Returns whether `host` is this machine. Either name may be without its domain.
 bool isThisMachine(const std::string& host) {
     std::array<char, 256> buffer{};
@@ -28,7 +31,24 @@ Applications::Applications(ClientWindows& windows, std::vector<std::filesystem::
     : m_windows(windows), m_entries(std::move(entryFolders)), m_factsOf(std::move(factsOf)) {}
 
 void Applications::refresh() {
-    m_entries.refresh();
+    refreshEntries();
+    m_names.clear();
+}
+
+void Applications::refreshEntries() {
+    if (m_queue == nullptr) {
+        m_entries.refresh();
+        return;
+    }
+    m_entries.beginRefresh();
+    if (!m_furtherReading)
+        readSomeEntries();
+}
+
+/// Reads the next piece, and schedules the one after it.
+void Applications::readSomeEntries() {
+    const bool isMore = m_entries.readSome(kEntriesAtATime);
+    m_furtherReading = isMore ? m_queue->async([this] { readSomeEntries(); }) : nullptr;
     m_names.clear();
 }
 
@@ -100,6 +120,8 @@ RunningApplication Applications::ofWindows(ProcessId pid, const std::vector<xcb_
 
 /// Returns the names of the window's application, or `std::nullopt` when nothing is known of it.
 const Applications::Names& Applications::names(ProcessId pid, xcb_window_t window) {
+    if (!m_entries.hasBegun())
+        refreshEntries();
     const WindowTraits traits = m_windows.traits(window);
     const bool isHere = isThisMachine(traits.clientMachine);
     if (m_names.size() > kMostNames)

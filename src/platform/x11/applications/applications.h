@@ -4,6 +4,7 @@
 #include "platform/xdg/installed_applications.h"
 #include "platform/xdg/process_facts.h"
 #include "platform/xdg/program_names.h"
+#include "ports/main_queue_port.h"
 #include "ports/workspace_port.h"
 
 #include <filesystem>
@@ -27,7 +28,8 @@ namespace tessarel::x11 {
 /// this machine.
 ///
 /// Identifiers come from the desktop entries and processes as of the last `refresh`, because a hot key waits
-/// for them. Only `displayName` looks for applications that were installed later.
+/// for them. Only `displayName` looks for applications that were installed later, and reads all entries at
+/// once.
 class Applications {
 public:
     /// Returns what is known of a process, like `xdg::processFacts`. Tests replace it.
@@ -56,6 +58,10 @@ public:
 
     /// Picks up applications that have been installed or removed, and looks at the processes again.
     void refresh();
+    /// From now on reads desktop entries in pieces, between other work of `queue`, which must outlive this
+    /// object. Until all have been read, windows are identified by what was read before, and after the start
+    /// by the entries that have been read so far.
+    void readEntriesOn(MainQueuePort& queue) { m_queue = &queue; }
 
     /// Returns the identifier of the application whose desktop entry is `file`, or `std::nullopt` when the
     /// file does not describe an application.
@@ -70,11 +76,15 @@ private:
 
     [[nodiscard]] const Names& names(ProcessId pid, xcb_window_t window);
     [[nodiscard]] bool isForWork(xcb_window_t window);
+    void refreshEntries();
+    void readSomeEntries();
 
     ClientWindows& m_windows;
     xdg::InstalledApplications m_entries;
     FactsOf m_factsOf;
     std::map<std::tuple<ProcessId, bool, xdg::WindowNames>, Names> m_names; ///< as of the last `refresh`
+    MainQueuePort* m_queue = nullptr;
+    SubscriptionPtr m_furtherReading; ///< null while no entries remain to be read
 };
 
 } // namespace tessarel::x11

@@ -1,8 +1,10 @@
+#include "platform/x11/manual_queue.h"
 #include "platform/x11/x11_fixture.h"
 #include "support/scratch_folder.h"
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <set>
 #include <string>
@@ -45,6 +47,38 @@ TEST_F(WorkspaceTest, AnApplicationInstalledAtRuntimeIsKnownWhenItOpensAWindow) 
     (void)open({.className = "Editor"});
 
     EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.editor");
+}
+
+TEST_F(WorkspaceTest, ManyEntriesAreReadBetweenOtherWork) {
+    const ScratchFolder folder;
+    const auto install = [&folder](const std::string& name, const std::string& lines) {
+        ScratchFolder::write(folder.path() / (name + ".desktop"), "[Desktop Entry]\n" + lines);
+    };
+    for (int number = 0; number < 1000; ++number)
+        install(std::to_string(number), "");
+    install("org.example.editor", "StartupWMClass=Editor\n");
+    ManualQueue queue;
+    Applications installed(windows, {folder.path()});
+    installed.readEntriesOn(queue);
+    (void)open({.className = "Editor"});
+
+    EXPECT_TRUE(installed.frontmost());
+    int rounds = 0;
+    for (; queue.waiting() > 0; ++rounds)
+        queue.runTurn();
+    EXPECT_GE(rounds, 5);
+    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.editor");
+
+    fs::remove(folder.path() / "org.example.editor.desktop");
+    install("org.example.other", "StartupWMClass=Editor\n");
+    fs::last_write_time(folder.path(), fs::file_time_type::clock::now() + std::chrono::seconds(1));
+    installed.refresh();
+    installed.refresh();
+    EXPECT_EQ(queue.waiting(), 1U);
+    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.editor") << "not all have been read";
+    while (queue.waiting() > 0)
+        queue.runTurn();
+    EXPECT_EQ(installed.frontmost()->bundleIdentifier, "org.example.other");
 }
 
 TEST_F(WorkspaceTest, AWindowWithoutANameIsIdentifiedByItsExecutable) {
