@@ -23,8 +23,8 @@ within find / -xdev -not -path "/proc/*" -not -path "/var/*" -not -path "/tmp/*"
 cp "$package" "$root/tmp/tessarel.deb"
 within apt-get install -y -q --no-install-recommends /tmp/tessarel.deb >>"$root.log" 2>&1 || fail "cannot be installed"
 within sh -euc '
-    Xvfb :4711 -screen 0 1280x800x24 >/dev/null 2>&1 & server=$!
-    export DISPLAY=:4711 # the names of displays are shared with the host
+    Xvfb :4712 -screen 0 1280x800x24 >/dev/null 2>&1 & server=$!
+    export DISPLAY=:4712 # the names of displays are shared with the host
     mkdir -p ~/.config/tessarel
     echo "{\"hasOnboarded\": true}" >~/.config/tessarel/tessarel.settings.v1.json
     until xdotool getdisplaygeometry >/dev/null 2>&1; do sleep 0.1; done
