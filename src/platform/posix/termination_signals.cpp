@@ -1,7 +1,9 @@
 #include "platform/posix/termination_signals.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <fcntl.h>
+#include <sys/time.h>
 #include <unistd.h>
 #include <utility>
 
@@ -12,12 +14,35 @@ namespace {
 /// Write end of the pipe. Global, because a signal handler receives no context.
 volatile std::sig_atomic_t wakeUpPipe = -1;
 
+/// How long the main thread may take to end the program before the process exits without it.
+constexpr suseconds_t kPatienceInMicroseconds = 800'000;
+
+/// Whether the time limit runs. Later signals do not extend it.
+volatile std::sig_atomic_t isEnding = 0;
+
+/// Limits the time until the process exits, or with zero removes the limit.
+void setTimeLimit(suseconds_t microseconds) {
+    itimerval limit{};
+    limit.it_value.tv_usec = microseconds;
+    ::setitimer(ITIMER_REAL, &limit, nullptr);
+}
+
+/// Exits at the time limit. Settings are saved as soon as they change, and a save is atomic, so that nothing
+/// is lost.
+[[noreturn]] void exitNow(int) {
+    ::_exit(EXIT_SUCCESS);
+}
+
 /// The signal handler. Calls only functions that are safe in one, and preserves `errno` of the code that it
 /// interrupts.
 void wakeUp(int) {
     const int errorBefore = errno;
     // Writing to a full pipe fails, which is harmless: its bytes wake the main thread anyway.
     [[maybe_unused]] const auto written = ::write(wakeUpPipe, "", 1);
+    if (isEnding == 0) {
+        isEnding = 1;
+        setTimeLimit(kPatienceInMicroseconds);
+    }
     errno = errorBefore;
 }
 
@@ -52,6 +77,7 @@ TerminationSignals::TerminationSignals() {
     if (!openPipe(m_pipe))
         return; // the signals keep their default effect
     wakeUpPipe = m_pipe[1];
+    setHandler(SIGALRM, exitNow);
     for (const int signal : kSignals) {
         if (!isIgnored(signal))
             setHandler(signal, wakeUp);
@@ -65,6 +91,9 @@ TerminationSignals::~TerminationSignals() {
         if (!isIgnored(signal))
             setHandler(signal, SIG_DFL);
     }
+    setTimeLimit(0);
+    setHandler(SIGALRM, SIG_DFL);
+    isEnding = 0;
     wakeUpPipe = -1;
     ::close(m_pipe[0]);
     ::close(m_pipe[1]);

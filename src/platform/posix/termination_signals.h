@@ -11,6 +11,9 @@ namespace tessarel::qt {
 
 /// Delivers SIGTERM, SIGINT and SIGHUP, which ask the program to end, to the main thread.
 ///
+/// Once such a signal has arrived, the process exits within a second, even if the main thread is blocked: a
+/// timer ends it unless this object is destroyed before.
+///
 /// A signal that arrives before `onReceived` is called is not lost. A signal that the parent process has set
 /// to be ignored stays ignored. At most one object of this class may exist at a time. Programs that this one
 /// starts get the default effect of the signals.

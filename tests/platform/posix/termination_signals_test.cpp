@@ -11,6 +11,8 @@
 #include <fcntl.h>
 #include <memory>
 #include <string>
+#include <sys/time.h>
+#include <unistd.h>
 
 namespace tessarel::qt {
 namespace {
@@ -100,6 +102,35 @@ TEST_P(TerminationSignalsTest, AnIgnoredSignalStaysIgnored) {
     EXPECT_EQ(received, 0);
     EXPECT_EQ(handlerOf(GetParam()), SIG_IGN);
     std::signal(GetParam(), SIG_DFL);
+}
+
+/// Stands for a main thread that waits for something that never happens.
+[[noreturn]] void block() {
+    for (;;)
+        ::pause();
+}
+
+TEST_P(TerminationSignalsTest, ASignalEndsTheProcessEvenWhileTheMainThreadIsBlocked) {
+    EXPECT_EXIT(
+        {
+            const TerminationSignals terminationSignals;
+            ::raise(GetParam());
+            block();
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST_P(TerminationSignalsTest, DestructionRemovesTheTimeLimit) {
+    {
+        const TerminationSignals terminationSignals;
+        ::raise(GetParam());
+    }
+    itimerval limit{};
+    ::getitimer(ITIMER_REAL, &limit);
+
+    EXPECT_EQ(limit.it_value.tv_sec, 0);
+    EXPECT_EQ(limit.it_value.tv_usec, 0);
+    EXPECT_EQ(handlerOf(SIGALRM), SIG_DFL);
 }
 
 TEST_P(TerminationSignalsTest, DestructionRestoresTheDefaultHandler) {
