@@ -70,7 +70,8 @@ AppDelegate::Launch AppDelegate::claimDesktop() {
 /// happen after the update check has started.
 void AppDelegate::greetUser() {
     if (!m_services->store.settings.hasOnboarded)
-        m_later.async([this] { welcome(); });
+        m_ports.statusItem.whenPlaced(
+            [this](bool isShown) { m_later.async([this, isShown] { welcome(isShown); }); });
     else
         m_later.async([this] { promptForPermission(); });
 }
@@ -80,11 +81,10 @@ void AppDelegate::promptForPermission() {
         m_services->permissions.prompt();
 }
 
-void AppDelegate::welcome() {
+void AppDelegate::welcome(bool isStatusItemShown) {
     m_ports.application.activate();
     const auto alive = m_lifetime.watch();
-    const std::size_t button =
-        m_ports.alerts.runModal(welcomeAlert(m_ports.words, m_ports.statusItem.isShown()));
+    const std::size_t button = m_ports.alerts.runModal(welcomeAlert(m_ports.words, isStatusItemShown));
     // The program may have quit while the message was shown.
     if (alive.expired())
         return;

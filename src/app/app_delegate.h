@@ -69,7 +69,7 @@ private:
     void greetUser();
     void promptForPermission();
     /// Shows the welcome message and waits until the user closes it.
-    void welcome();
+    void welcome(bool isStatusItemShown);
 
     void runMenuAction(int tag);
     void applyLayout(int tag);

@@ -27,8 +27,10 @@ public:
     /// nothing before the first.
     [[nodiscard]] virtual SubscriptionPtr create(Delegate delegate) = 0;
 
-    /// Returns whether the desktop shows the item now, which takes a status area.
-    [[nodiscard]] virtual bool isShown() = 0;
+    /// Calls `placed` once it is known whether the desktop shows the item, which takes a status area, but
+    /// within a few seconds of startup; maybe before this function returns, and never after the item's
+    /// subscription has been destroyed.
+    virtual void whenPlaced(std::function<void(bool isShown)> placed) = 0;
 
     /// Shows the system's symbol of that name as a template image and returns true. Returns false, and
     /// changes nothing, if the system has no such symbol.

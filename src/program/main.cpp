@@ -14,6 +14,7 @@
 #include "platform/qt_x11/tray/qt_status_item.h"
 #include "platform/qt_xdg/application_panel.h"
 #include "platform/qt_xdg/qt_appearance.h"
+#include "platform/qt_xdg/session_bus.h"
 #include "platform/x11/input/key_lookup.h"
 #include "platform/x11/server/command_channel.h"
 #include "platform/x11/server/connection.h"
@@ -55,7 +56,7 @@ namespace {
 /// the exit code. Destroys the delegate before the application object, because the delegate's windows need
 /// Qt.
 int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSignals& terminationSignals,
-            x11::Connection& connection, std::optional<AppDelegate>& delegate) {
+            x11::Connection& connection, qt::SessionBus& bus, std::optional<AppDelegate>& delegate) {
     // Fixed, whatever the session suggests or the user passes: overlay, hot keys and placement need X11.
     std::array<std::string, 5> options{programName, "-platform", "xcb", "-platformtheme", "generic"};
     // Ends with a null pointer, like the arguments of `main`.
@@ -67,6 +68,7 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
     QApplication::setDesktopSettingsAware(false);
     describeProgramToQt();
     const QApplication application(argumentCount, arguments.data());
+    bus.start();
     // QApplication has set the user's locale, whose decimal point may have several bytes; see `readJson`.
     std::setlocale(LC_NUMERIC, "C");
     qt::ignorePointerCrossings();
@@ -75,7 +77,7 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
         queue.onReadable(connection.fileDescriptor(), [&connection] { connection.dispatch(); });
     const auto loss = connection.onLost(endWithoutDisplay);
     const auto termination = terminationSignals.onReceived(queue, [] { QApplication::exit(EXIT_SUCCESS); });
-    const int exitCode = QApplication::exec();
+    const int exitCode = QCoreApplication::exec(); // see SessionBus::start
     delegate.reset();
     return exitCode;
 }
@@ -105,6 +107,7 @@ int run(const char* programName) {
     qt::installMessageHandler(endWithoutDisplay);
     qt::TerminationSignals terminationSignals;
     qt::QtMainQueue queue;
+    qt::SessionBus bus(queue);
     const auto [connection, failure] = x11::Connection::open(nullptr, queue);
     if (!connection) {
         say("cannot open the X display: " + failure);
@@ -113,8 +116,13 @@ int run(const char* programName) {
 
     const x11::Session session =
         x11::sessionOf(*connection, std::getenv("WAYLAND_DISPLAY"), std::getenv("XDG_SESSION_TYPE"));
-    qt::QtAppearance appearance;
-    qt::QtAlerts alerts({.beforeMaking = [&appearance] { appearance.apply(); }});
+    qt::QtAppearance appearance([&bus] { return bus.connection(); });
+    const auto busChanges = bus.onChanged([&appearance] { appearance.busChanged(); });
+    const auto beforeWindow = [&bus, &appearance] {
+        bus.beforeWindow();
+        appearance.apply();
+    };
+    qt::QtAlerts alerts({.beforeMaking = beforeWindow});
     qt::QtOpenUrl openUrl;
     x11::X11Desktop desktop(*connection, session, queue, alerts,
                             [&queue](int fd, std::function<void()> readable) {
@@ -135,7 +143,7 @@ int run(const char* programName) {
         [&link = *connection](xcb_window_t window) { x11::bringToUser(link, window); });
     qt::X11Overlay overlay(queue,
                            [&desktop](const Rect& screenFrame) { return desktop.rootPixels(screenFrame); });
-    qt::QtStatusItem statusItem(queue, [&appearance] { appearance.apply(); });
+    qt::QtStatusItem statusItem(queue, bus, [&appearance] { appearance.apply(); });
     qt::QtUrlLoadingModule urlLoading;
     qt::SystemWallClock wallClock;
     // Optional, so that `runLoop` can destroy it before the application object.
@@ -164,8 +172,8 @@ int run(const char* programName) {
                            .windowList = desktop.windowList,
                            .workspace = desktop.workspace,
                            .words = desktop.words},
-                     [&appearance](Services& services, const Ports& ports) {
-                         appearance.apply();
+                     [&beforeWindow](Services& services, const Ports& ports) {
+                         beforeWindow();
                          return std::make_unique<SettingsWindowController>(services, ports);
                      });
     switch (delegate->applicationDidFinishLaunching()) {
@@ -184,7 +192,7 @@ int run(const char* programName) {
         CommandReply reply = delegate->runCommand(words);
         return x11::CommandAnswer{static_cast<std::uint8_t>(reply.exit), std::move(reply.text)};
     });
-    return runLoop(programName, queue, terminationSignals, *connection, delegate);
+    return runLoop(programName, queue, terminationSignals, *connection, bus, delegate);
 }
 
 } // namespace

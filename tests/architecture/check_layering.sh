@@ -39,7 +39,7 @@ declare -A sees=(
     [platform/qt_xdg]="model model/settings ports qt_values platform/qt platform/xdg"
     [platform/qt_x11]="model model/settings ports qt_values platform/qt"
     [platform/qt_x11/overlay]="model model/settings ports qt_values platform/qt platform/qt/overlay platform/qt_x11"
-    [platform/qt_x11/tray]="model model/settings ports qt_values platform/qt platform/qt_x11"
+    [platform/qt_x11/tray]="model model/settings ports qt_values platform/qt platform/qt_xdg platform/qt_x11"
 )
 no_qt_and_no_system="model model/settings ports engine snap placer app"
 json_home="model/json.h"

@@ -140,14 +140,23 @@ void ScreenReader::readInto(std::vector<Accessible>& parts, const Reference& obj
         readInto(parts, child);
 }
 
+std::vector<ScreenReader::Reference> ScreenReader::programs(std::string_view name) const {
+    std::vector<Reference> named;
+    std::ranges::copy_if(children({"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"}),
+                         std::back_inserter(named),
+                         [&](const Reference& program) { return property(program, "Name") == name; });
+    return named;
+}
+
 std::vector<ScreenReader::Reference> ScreenReader::windowsOf(std::string_view application) const {
     std::vector<Reference> windows;
-    for (const Reference& program :
-         children({"org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root"})) {
-        if (property(program, "Name") == application)
-            std::ranges::copy(children(program), std::back_inserter(windows));
-    }
+    for (const Reference& program : programs(application))
+        std::ranges::copy(children(program), std::back_inserter(windows));
     return windows;
+}
+
+bool ScreenReader::knows(std::string_view application) const {
+    return !programs(application).empty();
 }
 
 std::vector<Accessible> ScreenReader::read(std::string_view application) const {

@@ -41,6 +41,11 @@ public:
 
     /// Returns the environment for programs to be read.
     [[nodiscard]] const Environment& environment() const { return m_environment; }
+    /// Sends a signal to the session bus, for example SIGSTOP. The accessibility bus is another process.
+    void signalSessionBus(int signal) const { m_sessionBus.signal(signal); }
+
+    /// Returns true once the program `application` has published itself.
+    [[nodiscard]] bool knows(std::string_view application) const;
 
     /// Returns all parts of all windows of the program `application`, the windows included, parents before
     /// children. Empty while there is no such program.
@@ -69,6 +74,7 @@ private:
     [[nodiscard]] std::vector<Reference> children(const Reference& object) const;
     [[nodiscard]] std::string roleOf(const Reference& object) const;
     [[nodiscard]] Accessible describe(const Reference& object) const;
+    [[nodiscard]] std::vector<Reference> programs(std::string_view name) const;
     [[nodiscard]] std::vector<Reference> windowsOf(std::string_view application) const;
     /// Returns the first showing part with this role and name among `object` and its descendants.
     [[nodiscard]] std::optional<Accessible> findIn(const Reference& object, std::string_view role,

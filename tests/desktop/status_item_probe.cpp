@@ -3,6 +3,7 @@
 
 #include "platform/qt/qt_main_queue.h"
 #include "platform/qt_x11/tray/qt_status_item.h"
+#include "platform/qt_xdg/session_bus.h"
 
 #include <QApplication>
 
@@ -47,8 +48,9 @@ Menu menuAskedFor(int times, int layouts) {
 
 class Probe {
 public:
-    Probe()
-        : m_subscription(
+    Probe(qt::QtMainQueue& queue, qt::SessionBus& bus)
+        : m_queue(queue), m_item(queue, bus),
+          m_subscription(
               m_item.create({.menuNeedsUpdate =
                                  [this] {
                                      tell("asked " + std::to_string(++m_asked));
@@ -92,8 +94,8 @@ private:
         tell("done");
     }
 
-    qt::QtMainQueue m_queue;
-    qt::QtStatusItem m_item{m_queue};
+    qt::QtMainQueue& m_queue;
+    qt::QtStatusItem m_item;
     int m_asked = 0;
     int m_layouts = 0;
     std::string m_line;
@@ -104,8 +106,11 @@ private:
 } // namespace
 
 int main(int argc, char** argv) {
-    QApplication application(argc, argv);
+    qt::QtMainQueue queue;
+    qt::SessionBus bus(queue);
+    const QApplication application(argc, argv);
+    bus.start();
     QApplication::setQuitOnLastWindowClosed(false);
-    const Probe probe;
-    return QApplication::exec();
+    const Probe probe(queue, bus);
+    return QCoreApplication::exec(); // see SessionBus::start
 }

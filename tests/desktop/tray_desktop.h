@@ -26,6 +26,7 @@ public:
     /// Returns the environment of programs on `server` that use this bus.
     [[nodiscard]] Environment environmentOn(const XServer& server) const;
     void kill() { m_process.reset(); }
+    void signal(int signal) const { m_process->signal(signal); }
     void start();
 
 private:

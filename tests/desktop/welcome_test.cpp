@@ -57,6 +57,8 @@ TEST_F(WelcomeTest, WithoutATrayItSaysHowElseToOpenTheSettings) {
 
     EXPECT_EQ(text.find("icon"), std::string::npos) << text;
     EXPECT_NE(text.find("Start Tessarel again to open Settings"), std::string::npos) << text;
+    // Otherwise the welcome may become active after the settings.
+    EXPECT_TRUE(observer.waitUntil([&] { return observer.activeWindow() != xcb_window_t{XCB_WINDOW_NONE}; }));
     EXPECT_NE(openSettingsWindow(observer, reader.environment()), xcb_window_t{XCB_WINDOW_NONE});
     EXPECT_EQ(program->terminate(), 0);
 }

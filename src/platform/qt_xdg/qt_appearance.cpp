@@ -4,7 +4,9 @@
 
 #include <QApplication>
 #include <QDBusArgument>
+#include <QDBusError>
 #include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QMap>
 #include <QStringList>
 #include <QtGlobal>
@@ -21,40 +23,85 @@ const QString kPath = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString kInterface = QStringLiteral("org.freedesktop.portal.Settings");
 const QString kNamespace = QStringLiteral("org.freedesktop.appearance");
 
-/// How long to wait for the portal's reply. Short, because the window that is about to open waits as well.
+/// How long the first window waits for the portal's reply.
 constexpr std::chrono::milliseconds kPatience{50};
+
+QDBusMessage question() {
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("ReadAll"));
+    message << QStringList{kNamespace};
+    return message;
+}
+
+/// Decodes the portal's settings. Empty if `reply` is an error or has another type.
+QVariantMap settings(const QDBusMessage& reply) {
+    if (reply.signature() != QLatin1String("a{sa{sv}}"))
+        return {};
+    QMap<QString, QVariantMap> all;
+    reply.arguments().first().value<QDBusArgument>() >> all;
+    return all.value(kNamespace);
+}
+
+void show(const QVariantMap& settings) {
+    QApplication::setPalette(palette(appearance(settings, qEnvironmentVariable("GTK_THEME"))));
+}
 
 } // namespace
 
-QtAppearance::QtAppearance(std::function<QDBusConnection()> bus) : m_bus(std::move(bus)) {
+QtAppearance::QtAppearance(std::function<std::optional<QDBusConnection>()> bus) : m_bus(std::move(bus)) {
     m_changed.setSingleShot(true);
     QObject::connect(&m_changed, &QTimer::timeout, &m_changed, [this] { read(); });
 }
 
 void QtAppearance::apply() {
-    if (m_follows)
+    if (m_isApplied)
         return;
-    m_follows = true;
-    m_bus().connect(kService, kPath, kInterface, QStringLiteral("SettingChanged"), &m_changed, SLOT(start()));
+    m_isApplied = true;
     QApplication::setWindowIcon(applicationIcon());
-    read();
+    follow();
+    showFirst();
 }
 
+/// Waits for the portal, but not long. A reply that comes later is applied then.
+void QtAppearance::showFirst() {
+    const std::optional<QDBusConnection> bus = m_bus();
+    if (!bus)
+        return show({});
+    const QDBusMessage reply = bus->call(question(), QDBus::Block, static_cast<int>(kPatience.count()));
+    show(settings(reply));
+    if (QDBusError(reply).type() == QDBusError::NoReply)
+        m_changed.start();
+}
+
+void QtAppearance::busChanged() {
+    if (!m_isApplied || !m_bus())
+        return;
+    follow();
+    m_changed.start();
+}
+
+/// Subscribes to changes. Names no sender, because Qt would wait until the bus has replied who that is; a
+/// signal only causes the settings to be read again, so its sender does not matter.
+void QtAppearance::follow() {
+    std::optional<QDBusConnection> bus = m_bus();
+    if (!bus || bus->name() == m_followed)
+        return;
+    m_followed = bus->name();
+    bus->connect({}, kPath, kInterface, QStringLiteral("SettingChanged"), &m_changed, SLOT(start()));
+}
+
+/// Queries the settings without waiting. A query that is pending is dropped. Errors change nothing.
 void QtAppearance::read() {
-    QApplication::setPalette(palette(appearance(settings(), qEnvironmentVariable("GTK_THEME"))));
-}
-
-/// Returns the portal's current settings. Empty if no reply arrives in time or it has another type.
-QVariantMap QtAppearance::settings() const {
-    QDBusMessage question =
-        QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("ReadAll"));
-    question << QStringList{kNamespace};
-    const QDBusMessage answer = m_bus().call(question, QDBus::Block, static_cast<int>(kPatience.count()));
-    if (answer.signature() != QLatin1String("a{sa{sv}}"))
-        return {};
-    QMap<QString, QVariantMap> all;
-    answer.arguments().first().value<QDBusArgument>() >> all;
-    return all.value(kNamespace);
+    const std::optional<QDBusConnection> bus = m_bus();
+    if (!bus)
+        return;
+    m_query = std::make_unique<QDBusPendingCallWatcher>(bus->asyncCall(question()));
+    QObject::connect(m_query.get(), &QDBusPendingCallWatcher::finished, m_query.get(), [this] {
+        const QDBusMessage reply = m_query->reply();
+        m_query.release()->deleteLater();
+        if (reply.type() == QDBusMessage::ReplyMessage)
+            show(settings(reply));
+    });
 }
 
 } // namespace tessarel::qt

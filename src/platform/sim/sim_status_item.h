@@ -2,6 +2,7 @@
 
 #include "ports/status_item_port.h"
 
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -13,7 +14,8 @@ namespace tessarel::sim {
 class SimStatusItem : public StatusItemPort {
 public:
     [[nodiscard]] SubscriptionPtr create(Delegate delegate) override;
-    [[nodiscard]] bool isShown() override { return isUp() && hasStatusArea; }
+    /// Calls `placed` before it returns.
+    void whenPlaced(std::function<void(bool isShown)> placed) override { placed(hasStatusArea); }
     /// Fails for a name that is not in `symbols`.
     bool setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) override;
     void clearImage() override;

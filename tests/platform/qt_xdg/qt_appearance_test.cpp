@@ -17,6 +17,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <optional>
 
 namespace tessarel::qt {
 namespace {
@@ -93,7 +94,12 @@ protected:
     QString address;
     QThread thread;
     Portal portal;
-    QtAppearance appearance{[this] { return QDBusConnection::connectToBus(address, "ours"); }};
+    bool hasBus = true;
+    QtAppearance appearance{[this]() -> std::optional<QDBusConnection> {
+        if (!hasBus)
+            return std::nullopt;
+        return QDBusConnection::connectToBus(address, "ours");
+    }};
 };
 
 TEST_F(QtAppearanceTest, AppliesTheDesktopsPreferences) {
@@ -146,6 +152,29 @@ TEST_F(QtAppearanceTest, WithoutAPortalItIsLight) {
 
     EXPECT_FALSE(isDark());
     EXPECT_EQ(accent(), QColor("#0a84ff"));
+}
+
+TEST_F(QtAppearanceTest, WithoutABusItIsLightUntilThereIsOne) {
+    startPortal();
+    hasBus = false;
+    appearance.apply();
+    EXPECT_FALSE(isDark());
+
+    hasBus = true;
+    appearance.busChanged();
+
+    EXPECT_TRUE(QTest::qWaitFor([] { return isDark(); }));
+}
+
+TEST_F(QtAppearanceTest, KeepsTheColoursWhenTheBusIsLost) {
+    startPortal();
+    appearance.apply();
+    hasBus = false;
+
+    appearance.busChanged();
+    QApplication::processEvents();
+
+    EXPECT_TRUE(isDark());
 }
 
 TEST_F(QtAppearanceTest, DoesNotWaitForASilentPortal) {

@@ -20,8 +20,8 @@ public:
 
     [[nodiscard]] SubscriptionPtr create(Delegate delegate) override;
 
-    /// Returns whether the item exists: there is always a menu bar.
-    [[nodiscard]] bool isShown() override { return !m_item.expired(); }
+    /// Calls `placed` before it returns: there is always a menu bar.
+    void whenPlaced(std::function<void(bool isShown)> placed) override { placed(true); }
     bool setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) override;
     void clearImage() override;
     void setTitle(std::string_view title) override;

@@ -15,7 +15,9 @@
 #include <QSystemTrayIcon>
 
 #include <chrono>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -24,23 +26,24 @@ namespace tessarel::qt {
 
 namespace {
 
-// A panel that registers with an existing watcher on the session bus is not announced. While one is expected,
-// the place is queried this often at this interval, and then not again until the next sign. Nothing polls
-// otherwise.
-constexpr int kLooks = 15;
-constexpr std::chrono::seconds kBetweenLooks{2};
+/// How long `whenPlaced` waits for a session bus or a panel that does not reply.
+constexpr std::chrono::seconds kPlacePatience{8};
 
 } // namespace
 
 /// One created status item: its content, and its icon once a panel has a place for it.
 class QtStatusItem::Item {
 public:
-    Item(MainQueuePort& queue, Delegate delegate, std::function<void()> beforeOpening)
-        : m_delegate(std::move(delegate)), m_beforeOpening(std::move(beforeOpening)), m_later(queue) {
+    Item(MainQueuePort& queue, SessionBus& bus, Delegate delegate, std::function<void()> beforeOpening)
+        : m_delegate(std::move(delegate)), m_beforeOpening(std::move(beforeOpening)), m_queue(queue),
+          m_bus(bus), m_later(queue) {
         m_later.async([this] { appear(); });
     }
 
-    [[nodiscard]] bool isShown() const { return m_icon && m_icon->isVisible(); }
+    void whenPlaced(std::function<void(bool isShown)> placed) {
+        m_placed = std::move(placed);
+        m_later.asyncAfter(kPlacePatience, [this] { reportPlace(); });
+    }
 
     void setSymbol(std::string_view name, std::string_view description) {
         m_symbol = name;
@@ -63,9 +66,22 @@ public:
 
 private:
     void appear() {
-        m_menu = makeMenu(MenuView::DrawnBy::Qt);
-        m_watch = std::make_unique<TrayWatch>([this] { m_later.async([this] { lookAfterSign(); }); });
-        lookAfterSign();
+        m_busChanged = m_bus.onChanged([this] { takeDownWithoutBus(); });
+        watch();
+    }
+
+    void watch() {
+        m_watch = std::make_unique<TrayWatch>(m_bus, m_queue, [this](std::optional<TrayWatch::Place> place) {
+            // Qt keeps to the kind of place of the first icon.
+            if (place && !m_icon && m_place.value_or(*place) == *place)
+                putUp(*place);
+            reportPlace();
+        });
+    }
+
+    void reportPlace() {
+        if (const auto placed = std::exchange(m_placed, nullptr))
+            placed(m_icon && m_icon->isVisible());
     }
 
     /// Creates a menu that is filled each time it is about to open.
@@ -76,34 +92,11 @@ private:
         return menu;
     }
 
-    /// Restarts the count of retries. When they are running already, queries the place once more right away.
-    void lookAfterSign() {
-        const bool looking = m_looksLeft > 0;
-        m_looksLeft = kLooks;
-        if (!looking)
-            look();
-        else
-            settle();
-    }
-
-    void look() {
-        m_looksLeft = settle() ? m_looksLeft - 1 : 0;
-        if (m_looksLeft > 0)
-            m_later.asyncAfter(kBetweenLooks, [this] { look(); });
-    }
-
-    /// Shows the icon if there is a place for it. Returns true when a place is expected and has to be queried
-    /// again.
-    bool settle() {
-        if (m_icon)
-            return false;
-        const TrayWatch::Place place = m_watch->place();
-        if (place == TrayWatch::Place::SystemTray || place == TrayWatch::Place::StatusNotifierHost)
-            putUp(place);
-        return place == TrayWatch::Place::Expected;
-    }
-
     void putUp(TrayWatch::Place place) {
+        m_place = place;
+        if (place == TrayWatch::Place::SystemTray)
+            m_bus.keepQtOff();
+        m_menu = makeMenu(MenuView::DrawnBy::Qt);
         m_icon = std::make_unique<QSystemTrayIcon>();
         QObject::connect(m_icon.get(), &QSystemTrayIcon::activated, m_icon.get(),
                          [this](QSystemTrayIcon::ActivationReason reason) { activated(reason); });
@@ -115,6 +108,15 @@ private:
 
     /// Qt itself handles a panel that restarts.
     void stopWatching() { m_watch.reset(); }
+
+    /// Removes an icon whose bus was lost, so that a panel on the next bus gets a new one.
+    void takeDownWithoutBus() {
+        if (!m_icon || m_place != TrayWatch::Place::StatusNotifierHost || m_bus.connection())
+            return;
+        m_icon.reset();
+        m_panelMenu.reset();
+        watch();
+    }
 
     void handMenuToPanel() {
         m_panelMenu = makeMenu(MenuView::DrawnBy::Panel);
@@ -156,11 +158,15 @@ private:
 
     Delegate m_delegate;
     std::function<void()> m_beforeOpening;
+    std::function<void(bool isShown)> m_placed; // until it has been called
     std::string m_symbol;
     QString m_description;
     QString m_title;
     status_symbols::Appearance m_appearance = status_symbols::Appearance::Normal;
-    int m_looksLeft = 0;
+    MainQueuePort& m_queue;
+    SessionBus& m_bus;
+    std::optional<TrayWatch::Place> m_place; // of the first icon
+    SubscriptionPtr m_busChanged;
     std::unique_ptr<TrayWatch> m_watch; // only while there is no icon
     std::unique_ptr<MenuView> m_menu;
     std::unique_ptr<MenuView> m_panelMenu;   // only where the panel draws the menu
@@ -168,20 +174,20 @@ private:
     DeferredWork m_later;
 };
 
-QtStatusItem::QtStatusItem(MainQueuePort& queue, std::function<void()> beforeOpening)
-    : m_queue(queue), m_beforeOpening(std::move(beforeOpening)) {}
+QtStatusItem::QtStatusItem(MainQueuePort& queue, SessionBus& bus, std::function<void()> beforeOpening)
+    : m_queue(queue), m_bus(bus), m_beforeOpening(std::move(beforeOpening)) {}
 
 QtStatusItem::~QtStatusItem() = default;
 
 SubscriptionPtr QtStatusItem::create(Delegate delegate) {
-    auto item = std::make_shared<Item>(m_queue, std::move(delegate), m_beforeOpening);
+    auto item = std::make_shared<Item>(m_queue, m_bus, std::move(delegate), m_beforeOpening);
     m_item = item;
     return callOnEnd([item = std::move(item)] {}); // owns the item
 }
 
-bool QtStatusItem::isShown() {
-    const auto item = m_item.lock();
-    return item && item->isShown();
+void QtStatusItem::whenPlaced(std::function<void(bool isShown)> placed) {
+    if (const auto item = m_item.lock())
+        item->whenPlaced(std::move(placed));
 }
 
 bool QtStatusItem::setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/qt_xdg/session_bus.h"
 #include "ports/main_queue_port.h"
 #include "ports/status_item_port.h"
 
@@ -11,15 +12,15 @@ namespace tessarel::qt {
 /// The status item of a Linux desktop: a StatusNotifierItem if a panel on the session bus supports it, else
 /// an icon in the system tray of the X screen (XEmbed). Both mouse buttons open the menu.
 ///
-/// A panel that starts later gets the icon, and so does one that restarts. Panels have no room for a title
-/// beside the icon, so the title is shown only when there is no symbol, drawn as the icon. The accessibility
-/// description becomes the tool tip.
+/// A panel that starts later gets the icon, and so does one that restarts, alone or with the session bus.
+/// Panels have no room for a title beside the icon, so the title is shown only when there is no symbol, drawn
+/// as the icon. The accessibility description becomes the tool tip.
 class QtStatusItem : public StatusItemPort {
 public:
-    /// `queue` must outlive this object and every created item. `beforeOpening` is called each time before a
-    /// menu that this program draws opens.
-    explicit QtStatusItem(
-        MainQueuePort& queue, std::function<void()> beforeOpening = [] {});
+    /// `queue` and `bus` must outlive this object and every created item. `beforeOpening` is called each time
+    /// before a menu that this program draws opens.
+    QtStatusItem(
+        MainQueuePort& queue, SessionBus& bus, std::function<void()> beforeOpening = [] {});
     QtStatusItem(const QtStatusItem&) = delete;
     QtStatusItem& operator=(const QtStatusItem&) = delete;
     ~QtStatusItem() override;
@@ -29,8 +30,9 @@ public:
     /// iteration of the main queue, when the menu has closed.
     [[nodiscard]] SubscriptionPtr create(Delegate delegate) override;
 
-    /// Returns false also while a panel is only expected.
-    [[nodiscard]] bool isShown() override;
+    /// Calls `placed` when a panel was found or has not been found, or 8 s later if neither the bus nor the
+    /// panel replies.
+    void whenPlaced(std::function<void(bool isShown)> placed) override;
 
     /// Returns false for a name that is not in `status_symbols`, even before `create`.
     bool setSymbol(std::string_view symbolName, std::string_view accessibilityDescription) override;
@@ -42,6 +44,7 @@ private:
     class Item;
 
     MainQueuePort& m_queue;
+    SessionBus& m_bus;
     std::function<void()> m_beforeOpening;
     std::weak_ptr<Item> m_item;
 };

@@ -11,6 +11,7 @@
 #include <chrono>
 #include <optional>
 #include <utility>
+#include <vector>
 
 namespace tessarel::qt {
 namespace {
@@ -38,7 +39,9 @@ protected:
     std::optional<QApplication> application{std::in_place, argumentCount, arguments.data()};
     sim::SimClock clock;
     sim::SimMainQueue queue{clock};
-    std::optional<QtStatusItem> item{std::in_place, queue};
+    QtMainQueue busQueue;
+    SessionBus bus{busQueue};
+    std::optional<QtStatusItem> item{std::in_place, queue, bus};
     int updates = 0;
 };
 
@@ -75,6 +78,29 @@ TEST_F(QtStatusItemTest, WithoutAPanelTheMenuIsNeverRequested) {
     clock.advance(std::chrono::minutes(1));
 
     EXPECT_EQ(updates, 0);
+}
+
+TEST_F(QtStatusItemTest, ReportsWithinEightSecondsThatThereIsNoPlace) {
+    const auto subscription = create();
+    std::vector<bool> reports;
+
+    item->whenPlaced([&](bool isShown) { reports.push_back(isShown); });
+    EXPECT_TRUE(reports.empty());
+    clock.advance(std::chrono::seconds(8));
+    clock.advance(std::chrono::minutes(1));
+
+    EXPECT_EQ(reports, std::vector{false});
+}
+
+TEST_F(QtStatusItemTest, ReportsThatThereIsNoPlaceAfterTheFirstLook) {
+    const auto subscription = create();
+    std::vector<bool> reports;
+    item->whenPlaced([&](bool isShown) { reports.push_back(isShown); });
+    clock.advance(std::chrono::seconds(0));
+
+    QApplication::processEvents();
+
+    EXPECT_EQ(reports, std::vector{false});
 }
 
 TEST_F(QtStatusItemTest, WorksWithoutAPanel) {

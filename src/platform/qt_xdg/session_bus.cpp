@@ -1,0 +1,228 @@
+#include "platform/qt_xdg/session_bus.h"
+
+#include <QAccessible>
+#include <QCoreApplication>
+#include <QDBusError>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QObject>
+#include <QString>
+#include <QThread>
+#include <QtGlobal>
+
+#include <algorithm>
+#include <utility>
+
+namespace tessarel::qt {
+
+namespace {
+
+constexpr const char* kSessionBus = "DBUS_SESSION_BUS_ADDRESS";
+/// Qt's accessibility bridge prefers this address to that of the session bus, so that it does not connect to
+/// the latter.
+constexpr const char* kAccessibilityBus = "AT_SPI_BUS_ADDRESS";
+
+/// How long an accessibility service may take to reply before the program does without it.
+constexpr std::chrono::seconds kAccessibilityPatience{5};
+
+/// How long a bus that does not reply keeps the icon out of another tray.
+constexpr std::chrono::seconds kBusPatience{2};
+
+// How long to wait before a lost bus is probed again: doubles from the first to the longest.
+constexpr std::chrono::milliseconds kFirstRetry{250};
+constexpr std::chrono::milliseconds kLongestRetry{4000};
+
+/// Returns the address in the environment, else that of the user's bus, as the D-Bus library does.
+std::string addressOfEnvironment() {
+    const QByteArray address = qgetenv(kSessionBus);
+    if (!address.isEmpty())
+        return address.toStdString();
+    const QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
+    return folder.isEmpty() ? std::string() : QByteArray("unix:path=" + folder + "/bus").toStdString();
+}
+
+/// Returns the question that Qt's accessibility bridge asks first, and waits for. It does not start the
+/// service.
+QDBusMessage accessibilityQuestion() {
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
+        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    message.setAutoStartService(false);
+    message << QStringLiteral("org.a11y.Status") << QStringLiteral("IsEnabled");
+    return message;
+}
+
+} // namespace
+
+HiddenBus::HiddenBus(const char* variable)
+    : m_variable(variable), m_wasSet(qEnvironmentVariableIsSet(variable)), m_address(qgetenv(variable)) {
+    qputenv(variable, "disabled:");
+}
+
+HiddenBus::~HiddenBus() {
+    if (m_wasSet)
+        qputenv(m_variable, m_address);
+    else
+        qunsetenv(m_variable);
+}
+
+SessionBus::SessionBus(QtMainQueue& queue, std::chrono::milliseconds windowPatience)
+    : m_queue(queue), m_windowPatience(windowPatience), m_address(addressOfEnvironment()),
+      m_nextRetry(kFirstRetry), m_later(queue) {
+    m_hiddenFromQt.emplace(kSessionBus);
+    m_hiddenFromBridge.emplace(kAccessibilityBus);
+    m_lost.setSingleShot(true);
+    QObject::connect(&m_lost, &QTimer::timeout, &m_lost, [this] { lost(); });
+    m_probe.emplace(m_address);
+}
+
+SessionBus::~SessionBus() {
+    disconnect();
+}
+
+void SessionBus::start() {
+    m_expectation = m_queue.asyncAfter(kBusPatience, [this] { stopExpecting(); });
+    proceed();
+}
+
+void SessionBus::beforeWindow() {
+    if (!m_hiddenFromBridge)
+        return;
+    const auto end = m_queue.now() + m_windowPatience;
+    if (m_probe) {
+        m_probe->wait(m_windowPatience);
+        proceed();
+    }
+    // Qt receives the reply in another thread, and has no wait with a limit.
+    while (m_accessibility && !m_accessibility->isFinished() && m_queue.now() < end)
+        QThread::msleep(1);
+    if (m_accessibility)
+        finishAccessibility();
+    else if (m_hiddenFromBridge)
+        createBridge();
+}
+
+void SessionBus::keepQtOff() {
+    if (m_isQtConnected)
+        return;
+    const HiddenBus hidden(kSessionBus);
+    // Qt keeps the failed connection.
+    [[maybe_unused]] const QDBusConnection none = QDBusConnection::sessionBus();
+}
+
+SessionBus::QtParts SessionBus::qtParts() const {
+    if (m_accessibility)
+        return QtParts::Undecided;
+    if (m_isQtConnected)
+        return QtParts::Connected;
+    return m_expectation ? QtParts::Undecided : QtParts::WithoutBus;
+}
+
+std::optional<QDBusConnection> SessionBus::connection() const {
+    return m_connection && m_connection->isConnected() ? m_connection : std::nullopt;
+}
+
+SubscriptionPtr SessionBus::onChanged(std::function<void()> changed) {
+    return m_changed.connect(std::move(changed));
+}
+
+void SessionBus::probe() {
+    m_probe.emplace(m_address);
+    proceed();
+}
+
+/// Connects if the bus has replied, and waits if it has not. A probe has no time limit: a bus that hangs
+/// replies to it when it goes on.
+void SessionBus::proceed() {
+    switch (m_probe->proceed()) {
+    case BusProbe::State::Waiting:
+        if (!m_reply)
+            m_reply = m_queue.onReadable(m_probe->fileDescriptor(), [this] { proceed(); });
+        return;
+    case BusProbe::State::Failed:
+        retry();
+        return;
+    case BusProbe::State::Replied:
+        connect();
+    }
+}
+
+void SessionBus::retry() {
+    m_reply.reset();
+    m_probe.reset();
+    m_hiddenFromQt.reset();
+    if (m_hiddenFromBridge)
+        createBridge();
+    stopExpecting();
+    if (!BusProbe::supports(m_address))
+        return;
+    m_later.asyncAfter(m_nextRetry, [this] { probe(); });
+    m_nextRetry = std::min(2 * m_nextRetry, kLongestRetry);
+}
+
+void SessionBus::stopExpecting() {
+    if (std::exchange(m_expectation, nullptr))
+        m_changed.send();
+}
+
+/// Connects to a bus that has just replied, the first time together with Qt's parts.
+void SessionBus::connect() {
+    m_reply.reset();
+    m_probe.reset();
+    m_hiddenFromQt.reset();
+    m_isQtConnected = m_isQtConnected || QDBusConnection::sessionBus().isConnected();
+    // Not Qt's connection: it is not renewed after a loss, and passes on no reply before the event loop runs.
+    m_connection = QDBusConnection::connectToBus(QString::fromStdString(m_address),
+                                                 QStringLiteral("tessarel-%1").arg(++m_connections));
+    if (!m_connection->isConnected()) {
+        disconnect();
+        return retry();
+    }
+    m_nextRetry = kFirstRetry;
+    m_expectation.reset();
+    m_connection->connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
+                          QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
+                          &m_lost, SLOT(start()));
+    if (m_hiddenFromBridge)
+        queryAccessibility();
+    m_changed.send();
+}
+
+void SessionBus::queryAccessibility() {
+    using std::chrono::milliseconds;
+    m_accessibility = std::make_unique<QDBusPendingCallWatcher>(m_connection->asyncCall(
+        accessibilityQuestion(), static_cast<int>(milliseconds(kAccessibilityPatience).count())));
+    QObject::connect(m_accessibility.get(), &QDBusPendingCallWatcher::finished, m_accessibility.get(),
+                     [this] { m_later.async([this] { finishAccessibility(); }); });
+}
+
+/// Creates the bridge, with the bus if the service has replied, or if the bus has replied that there is none.
+void SessionBus::finishAccessibility() {
+    if (!m_accessibility)
+        return; // a window was created after the reply had arrived
+    const bool isSilent =
+        !m_accessibility->isFinished() || m_accessibility->error().type() == QDBusError::NoReply;
+    m_accessibility.reset();
+    if (!isSilent && connection())
+        m_hiddenFromBridge.reset();
+    createBridge();
+    m_changed.send();
+}
+
+void SessionBus::createBridge() {
+    QAccessible::setRootObject(QCoreApplication::instance());
+    m_hiddenFromBridge.reset();
+}
+
+void SessionBus::disconnect() {
+    if (m_connection)
+        QDBusConnection::disconnectFromBus(std::exchange(m_connection, std::nullopt)->name());
+}
+
+void SessionBus::lost() {
+    disconnect();
+    m_changed.send();
+    retry();
+}
+
+} // namespace tessarel::qt

@@ -1,0 +1,311 @@
+#include "desktop/desktop.h"
+#include "desktop/expected.h"
+#include "desktop/status_notifier_panel.h"
+#include "desktop/tray_desktop.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <sys/socket.h>
+#include <sys/un.h>
+
+namespace tessarel::x11test {
+namespace {
+
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+
+/// Time in which a responsive program is certain to react. D-Bus waits 25 s for a reply, or for ever.
+constexpr seconds kSoon{5};
+
+/// A session bus that accepts connections and never replies: the kernel accepts them for a listening socket.
+class SilentBus {
+public:
+    static std::string pathOn(const XServer& server) { return server.home().string() + "/bus"; }
+    static std::string addressOn(const XServer& server) { return "unix:path=" + pathOn(server); }
+
+    explicit SilentBus(const XServer& server) {
+        const std::string path = pathOn(server);
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        path.copy(&address.sun_path[0], sizeof address.sun_path - 1);
+        if (::bind(m_socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
+            ::listen(m_socket.get(), SOMAXCONN) != 0)
+            throw std::runtime_error("cannot listen at " + path);
+    }
+
+private:
+    FileDescriptor m_socket{::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
+};
+
+/// A service that never replies: nothing processes the events of its thread.
+class SilentService : public QDBusVirtualObject {
+public:
+    SilentService(const std::string& address, const char* name, const char* path)
+        : m_bus(QDBusConnection::connectToBus(QString::fromStdString(address), kConnection)) {
+        if (!m_bus.registerVirtualObject(path, this) || !m_bus.registerService(name))
+            throw std::runtime_error(std::string("cannot become ") + name);
+    }
+    SilentService(const SilentService&) = delete;
+    SilentService& operator=(const SilentService&) = delete;
+    ~SilentService() override { QDBusConnection::disconnectFromBus(kConnection); }
+
+    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage&, const QDBusConnection&) override { return true; }
+
+private:
+    static constexpr const char* kConnection = "silent";
+    QDBusConnection m_bus;
+};
+
+/// The program on a desktop whose session bus fails.
+class BusFaultsTest : public testing::Test {
+protected:
+    BusFaultsTest() {
+        writeSettings(server, kNoHomes);
+        window = client.open({.client = {300, 200, 500, 300}});
+        EXPECT_TRUE(observer.waitUntil([&] { return observer.activeWindow() == window; }));
+        EXPECT_TRUE(observer.settle());
+        observer.watch(window);
+    }
+
+    void start(const std::string& address) {
+        environment = server.environment();
+        environment["DBUS_SESSION_BUS_ADDRESS"] = address;
+        program.emplace(environment);
+        ASSERT_TRUE(program->waitUntilReady(observer, keyboard)) << program->errors();
+    }
+
+    /// Returns true if some hot keys, one after the other, move the window soon.
+    bool answersKeys() {
+        const Deadline deadline(kSoon);
+        for (int i = 0; i < 10; ++i)
+            if (!answersTwoKeys())
+                return false;
+        return !deadline.passed();
+    }
+
+    bool answersTwoKeys() {
+        for (const auto& [keys, half] :
+             {std::pair{hotkey::kLeftHalf, kLeftHalf}, std::pair{hotkey::kRightHalf, kRightHalf}}) {
+            const Frame wanted = frameIn(observer.workArea().value_or(Frame{}), half);
+            keyboard.press(keys);
+            if (!observer.waitUntil([&] { return observer.outerFrame(window) == wanted; }))
+                return false;
+        }
+        return true;
+    }
+
+    /// Waits until a panel has taken its strip of the screen, so that the work area stays the same.
+    bool panelHasItsPlace() {
+        return observer.waitUntil([&] {
+            const auto area = observer.workArea();
+            return area && area->height < kHeight;
+        });
+    }
+
+    /// Returns true if the settings window opens soon.
+    bool opensSettings() {
+        const Deadline deadline(kSoon);
+        const xcb_window_t settings = openSettingsWindow(observer, environment);
+        if (settings == XCB_WINDOW_NONE || deadline.passed())
+            return false;
+        observer.activate(window);
+        return observer.waitUntil([&] { return observer.activeWindow() == window; });
+    }
+
+    /// Sends what a new system tray sends when it starts; the program looks for one then.
+    void announceSystemTray() {
+        xcb_client_message_event_t event{};
+        event.response_type = XCB_CLIENT_MESSAGE;
+        event.format = 32;
+        event.window = observer.root();
+        event.type = observer.x().atom("MANAGER");
+        event.data.data32[1] = observer.x().atom("_NET_SYSTEM_TRAY_S0");
+        xcb_send_event(observer.x().get(), 0, observer.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                       reinterpret_cast<const char*>(&event));
+        observer.x().roundTrip();
+    }
+
+    bool endsSoon() {
+        program->process().signal(SIGTERM);
+        return program->process().waitForExit(Deadline(seconds(2))) == 0;
+    }
+
+    static constexpr int kHeight = 700;
+    XServer server{{.width = 1000, .height = kHeight}};
+    DesktopBus bus{server.environment()};
+    WindowManager manager{server, WindowManagerKind::Openbox};
+    Observer observer{server.display()};
+    Keyboard keyboard{server, observer};
+    TestClient client{server};
+    xcb_window_t window = XCB_WINDOW_NONE;
+    Environment environment;
+    std::optional<Program> program;
+};
+
+TEST_F(BusFaultsTest, TheProgramWorksOnABusThatNeverReplies) {
+    const SilentBus silent(server);
+    start(SilentBus::addressOn(server));
+
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, ASystemTrayGetsTheIconOnABusThatNeverReplies) {
+    const SilentBus silent(server);
+    start(SilentBus::addressOn(server));
+
+    const auto panel = startTint2(server, environment);
+    ShownStatusItem item(observer, "tessarel");
+
+    EXPECT_NO_THROW((void)item.waitForIcon());
+    EXPECT_TRUE(panelHasItsPlace());
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, ASystemTrayGetsTheIconWhenABusThatStartsLateNeverReplies) {
+    start(SilentBus::addressOn(server));
+    const SilentBus silent(server);
+
+    const auto panel = startTint2(server, environment);
+    ShownStatusItem item(observer, "tessarel");
+
+    EXPECT_NO_THROW((void)item.waitForIcon());
+    EXPECT_TRUE(panelHasItsPlace());
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheIconAppearsWhenASlowBusReplies) {
+    const StatusNotifierPanel tray(bus.environmentOn(server));
+    const auto panel = startXfce4Panel(server, bus.environmentOn(server));
+    ASSERT_TRUE(observer.waitUntil([&] { return tray.isThere(); })) << panel->errors();
+    ASSERT_TRUE(panelHasItsPlace());
+    bus.signal(SIGSTOP);
+    start(bus.address());
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(opensSettings());
+
+    bus.signal(SIGCONT);
+
+    EXPECT_TRUE(observer.waitUntil([&] { return !tray.item().empty(); }));
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheProgramSurvivesABusThatDies) {
+    start(bus.address());
+    EXPECT_TRUE(answersKeys());
+
+    bus.kill();
+
+    EXPECT_TRUE(opensSettings()) << program->errors();
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(endsSoon()) << program->errors();
+}
+
+TEST_F(BusFaultsTest, ASystemTrayGetsTheIconAfterTheBusHasDied) {
+    start(bus.address());
+    bus.kill();
+
+    const auto panel = startTint2(server, environment);
+    ShownStatusItem item(observer, "tessarel");
+
+    EXPECT_NO_THROW((void)item.waitForIcon()) << program->errors();
+    EXPECT_TRUE(panelHasItsPlace());
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(endsSoon()) << program->errors();
+}
+
+TEST_F(BusFaultsTest, TheProgramWorksWhileTheBusIsStopped) {
+    start(bus.address());
+    EXPECT_TRUE(answersKeys());
+
+    bus.signal(SIGSTOP);
+
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, HotKeysDoNotWaitForASilentWatcher) {
+    const SilentService watcher(bus.address(), "org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher");
+    start(bus.address());
+    EXPECT_TRUE(answersKeys());
+
+    for (int i = 0; i < 60; ++i)
+        announceSystemTray();
+
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheIconAppearsWhenAPanelReplacesASilentWatcher) {
+    std::optional<SilentService> watcher;
+    watcher.emplace(bus.address(), "org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher");
+    start(bus.address());
+    EXPECT_TRUE(answersKeys());
+
+    watcher.reset();
+    const auto panel = startXfce4Panel(server, bus.environmentOn(server));
+
+    // This panel is a system tray, too, and may be found as one before it is ready for items.
+    const StatusNotifierPanel tray(bus.environmentOn(server));
+    ShownStatusItem item(observer, "tessarel");
+    EXPECT_TRUE(observer.waitUntil([&] { return !tray.item().empty() || item.icon(); })) << panel->errors();
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheProgramWorksWithASilentAccessibilityService) {
+    const SilentService service(bus.address(), "org.a11y.Bus", "/org/a11y/bus");
+    start(bus.address());
+
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheSettingsWindowDoesNotWaitForASilentPortal) {
+    const SilentService portal(bus.address(), "org.freedesktop.portal.Desktop",
+                               "/org/freedesktop/portal/desktop");
+    start(bus.address());
+
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheIconReturnsWithTheBus) {
+    const StatusNotifierPanel tray(bus.environmentOn(server));
+    auto panel = startXfce4Panel(server, bus.environmentOn(server));
+    ASSERT_TRUE(observer.waitUntil([&] { return tray.isThere(); })) << panel->errors();
+    start(bus.address());
+    ASSERT_TRUE(observer.waitUntil([&] { return !tray.item().empty(); })) << "no item";
+
+    for (int i = 0; i < 2; ++i) {
+        bus.kill();
+        panel->kill();
+        EXPECT_TRUE(opensSettings()) << program->errors();
+        bus.start();
+        panel = startXfce4Panel(server, bus.environmentOn(server));
+        ASSERT_TRUE(observer.waitUntil([&] { return !tray.item().empty(); })) << program->errors();
+    }
+
+    tray.aboutToShowMenu();
+    EXPECT_TRUE(tray.choose(tray.menu(), "Pause Tessarel"));
+    EXPECT_TRUE(endsSoon());
+}
+
+} // namespace
+} // namespace tessarel::x11test

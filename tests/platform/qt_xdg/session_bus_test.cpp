@@ -1,0 +1,255 @@
+#include "platform/qt_xdg/session_bus.h"
+
+#include "platform/qt_xdg/bus_probe.h"
+
+#include <QByteArray>
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVirtualObject>
+#include <QEvent>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <optional>
+#include <string>
+#include <sys/types.h>
+
+namespace tessarel::qt {
+namespace {
+
+constexpr std::chrono::milliseconds kLong{30'000}; // longer than any reply takes
+
+/// An object that never replies.
+class SilentObject : public QDBusVirtualObject {
+public:
+    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage&, const QDBusConnection&) override { return true; }
+};
+
+/// A bus that can die, hang and return at the same address.
+class SessionBusTest : public testing::Test {
+protected:
+    SessionBusTest() = default;
+    ~SessionBusTest() override {
+        bus.reset();
+        // Otherwise Qt leaks parts of a new connection.
+        QCoreApplication::processEvents();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        killDaemon();
+        qputenv(kVariable, addressBefore);
+    }
+    SessionBusTest(const SessionBusTest&) = delete;
+    SessionBusTest& operator=(const SessionBusTest&) = delete;
+
+    void startDaemon() {
+        daemon.start("dbus-daemon", {"--session", "--nofork", "--nopidfile", "--print-address",
+                                     "--address=" + QString::fromStdString(address)});
+        ASSERT_TRUE(daemon.waitForReadyRead());
+    }
+    void killDaemon() {
+        if (daemon.state() == QProcess::NotRunning)
+            return;
+        daemon.kill();
+        daemon.waitForFinished();
+    }
+    void signalDaemon(int signal) const { ::kill(static_cast<pid_t>(daemon.processId()), signal); }
+
+    /// Starts as the program does. Qt keeps its own connection to the first bus that replies for all tests of
+    /// this process, also when that bus has died.
+    void start(std::chrono::milliseconds windowPatience = std::chrono::milliseconds(1)) {
+        qputenv(kVariable, QByteArray::fromStdString(address));
+        bus.emplace(queue, windowPatience);
+        changes = bus->onChanged([this] {
+            if (++changed == 1)
+                partsAtFirst = bus->qtParts();
+        });
+        application.emplace(argumentCount, arguments.data());
+        bus->start();
+    }
+    bool waitForConnection(bool isThere) {
+        return QTest::qWaitFor([&] { return bus->connection().has_value() == isThere; },
+                               static_cast<int>(kLong.count()));
+    }
+
+    bool waitUntilDecided() {
+        return QTest::qWaitFor([&] { return bus->qtParts() != SessionBus::QtParts::Undecided; },
+                               static_cast<int>(kLong.count()));
+    }
+    static std::string addressForOthers() { return qgetenv(kVariable).toStdString(); }
+
+    static constexpr const char* kVariable = "DBUS_SESSION_BUS_ADDRESS";
+    QByteArray addressBefore = qgetenv(kVariable);
+    int argumentCount = 1;
+    std::array<char, 5> programName{"test"};
+    std::array<char*, 2> arguments{programName.data(), nullptr};
+    std::optional<QCoreApplication> application;
+    QTemporaryDir folder;
+    std::string address = "unix:path=" + folder.filePath("bus").toStdString();
+    QProcess daemon;
+    QtMainQueue queue;
+    std::optional<SessionBus> bus;
+    SubscriptionPtr changes;
+    int changed = 0;
+    std::optional<SessionBus::QtParts> partsAtFirst; // after the first change
+};
+
+TEST_F(SessionBusTest, AProbeSucceedsOnABusThatReplies) {
+    startDaemon();
+
+    EXPECT_EQ(BusProbe(address).wait(kLong), BusProbe::State::Replied);
+    EXPECT_EQ(BusProbe("tcp:host=localhost;" + address + ",guid=0").wait(kLong), BusProbe::State::Replied);
+}
+
+TEST_F(SessionBusTest, AProbeWaitsForABusThatHangs) {
+    startDaemon();
+    signalDaemon(SIGSTOP);
+    BusProbe probe(address);
+
+    EXPECT_EQ(probe.wait(std::chrono::milliseconds(1)), BusProbe::State::Waiting);
+
+    signalDaemon(SIGCONT);
+    EXPECT_EQ(probe.wait(kLong), BusProbe::State::Replied);
+}
+
+TEST_F(SessionBusTest, AProbeFailsWhenTheBusDies) {
+    startDaemon();
+    signalDaemon(SIGSTOP);
+    BusProbe probe(address);
+
+    killDaemon();
+
+    EXPECT_EQ(probe.wait(kLong), BusProbe::State::Failed);
+}
+
+TEST_F(SessionBusTest, AProbeFailsWithoutABus) {
+    const std::string tooLong = "unix:path=/" + std::string(200, 'x');
+    for (const std::string& nowhere :
+         {address, tooLong, std::string(), std::string("disabled:"), std::string("unix:path=%zz%")})
+        EXPECT_EQ(BusProbe(nowhere).wait(kLong), BusProbe::State::Failed) << nowhere;
+}
+
+TEST_F(SessionBusTest, OnlySocketsOfThisMachineAreSupported) {
+    EXPECT_TRUE(BusProbe::supports("tcp:host=localhost;unix:abstract=/tmp/bus,guid=0"));
+    EXPECT_FALSE(BusProbe::supports("disabled:"));
+    EXPECT_FALSE(BusProbe::supports("tcp:host=localhost"));
+    EXPECT_FALSE(BusProbe::supports(""));
+}
+
+TEST_F(SessionBusTest, ConnectsToABusThatStartsLater) {
+    start();
+    EXPECT_FALSE(bus->connection());
+
+    EXPECT_EQ(bus->qtParts(), SessionBus::QtParts::WithoutBus);
+    EXPECT_EQ(changed, 1);
+
+    startDaemon();
+
+    EXPECT_TRUE(waitForConnection(true));
+    EXPECT_EQ(changed, 2);
+}
+
+TEST_F(SessionBusTest, ReportsTheLossOfTheBusAndConnectsToTheNext) {
+    start();
+    for (int i = 1; i <= 2; ++i) {
+        startDaemon();
+        ASSERT_TRUE(waitForConnection(true));
+        EXPECT_EQ(changed, 2 * i);
+
+        killDaemon();
+
+        ASSERT_TRUE(QTest::qWaitFor([&] { return changed == 2 * i + 1; }));
+        EXPECT_FALSE(bus->connection());
+    }
+}
+
+TEST_F(SessionBusTest, DoesNotWaitForABusThatHangsAndConnectsWhenItGoesOn) {
+    startDaemon();
+    signalDaemon(SIGSTOP);
+    const auto before = std::chrono::steady_clock::now();
+
+    start();
+    EXPECT_EQ(bus->qtParts(), SessionBus::QtParts::Undecided);
+    bus->beforeWindow();
+
+    EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(5)); // D-Bus waits for ever
+    EXPECT_FALSE(bus->connection());
+    signalDaemon(SIGCONT);
+    EXPECT_TRUE(waitForConnection(true));
+    EXPECT_TRUE(waitUntilDecided());
+}
+
+TEST_F(SessionBusTest, QtDoesNotWaitForABusThatHangsForLong) {
+    startDaemon();
+    signalDaemon(SIGSTOP);
+    start();
+
+    EXPECT_TRUE(waitUntilDecided());
+
+    EXPECT_EQ(bus->qtParts(), SessionBus::QtParts::WithoutBus);
+    EXPECT_EQ(changed, 1);
+}
+
+TEST_F(SessionBusTest, AWindowWaitsUntilTheBusAndTheAccessibilityServiceHaveReplied) {
+    startDaemon();
+    start(kLong);
+
+    bus->beforeWindow();
+
+    EXPECT_TRUE(bus->connection());
+    EXPECT_NE(bus->qtParts(), SessionBus::QtParts::Undecided);
+    EXPECT_FALSE(qEnvironmentVariableIsSet("AT_SPI_BUS_ADDRESS"));
+}
+
+TEST_F(SessionBusTest, QtDoesNotWaitForAnAccessibilityServiceThatHangs) {
+    startDaemon();
+    QDBusConnection silent = QDBusConnection::connectToBus(QString::fromStdString(address), "silent");
+    SilentObject service;
+    ASSERT_TRUE(silent.registerVirtualObject("/org/a11y/bus", &service));
+    ASSERT_TRUE(silent.registerService("org.a11y.Bus"));
+
+    start();
+    ASSERT_TRUE(waitForConnection(true));
+    EXPECT_TRUE(waitUntilDecided());
+    ASSERT_EQ(changed, 2);
+    EXPECT_EQ(partsAtFirst, SessionBus::QtParts::Undecided);
+    QDBusConnection::disconnectFromBus("silent");
+}
+
+TEST_F(SessionBusTest, TheBusIsHiddenUntilItReplies) {
+    startDaemon();
+    signalDaemon(SIGSTOP);
+    start();
+    EXPECT_EQ(addressForOthers(), "disabled:");
+
+    signalDaemon(SIGCONT);
+
+    ASSERT_TRUE(waitForConnection(true));
+    EXPECT_EQ(addressForOthers(), address);
+    ASSERT_TRUE(waitUntilDecided());
+    EXPECT_FALSE(qEnvironmentVariableIsSet("AT_SPI_BUS_ADDRESS"));
+}
+
+TEST_F(SessionBusTest, AMissingBusIsNotHidden) {
+    start();
+
+    EXPECT_EQ(addressForOthers(), address);
+    EXPECT_FALSE(qEnvironmentVariableIsSet("AT_SPI_BUS_ADDRESS"));
+}
+
+TEST_F(SessionBusTest, WithoutAnAddressItStaysIdle) {
+    address = "disabled:";
+    start();
+    QCoreApplication::processEvents();
+
+    EXPECT_FALSE(bus->connection());
+    EXPECT_EQ(changed, 1);
+}
+
+} // namespace
+} // namespace tessarel::qt
