@@ -1,4 +1,5 @@
 #include "app/app_delegate.h"
+#include "platform/posix/failed_writes.h"
 #include "platform/posix/termination_signals.h"
 #include "platform/qt/qt_alerts.h"
 #include "platform/qt/qt_main_queue.h"
@@ -105,6 +106,7 @@ int sendToRunningCopy(const std::vector<std::string>& words) {
 int run(const char* programName) {
     xdg::settleHome();
     qt::installMessageHandler(endWithoutDisplay);
+    posix::surviveFailedWrites();
     qt::TerminationSignals terminationSignals;
     qt::QtMainQueue queue;
     qt::SessionBus bus(queue);
@@ -124,10 +126,12 @@ int run(const char* programName) {
     };
     qt::QtAlerts alerts({.beforeMaking = beforeWindow});
     qt::QtOpenUrl openUrl;
-    x11::X11Desktop desktop(*connection, session, queue, alerts,
-                            [&queue](int fd, std::function<void()> readable) {
-                                return queue.onReadable(fd, std::move(readable));
-                            });
+    x11::X11Desktop desktop(
+        *connection, session, queue, alerts,
+        [&queue](int fd, std::function<void()> readable) {
+            return queue.onReadable(fd, std::move(readable));
+        },
+        say);
     qt::QtLocalKeys localKeys(
         x11::keyDown, [&link = *connection](std::uint32_t keycode) { return x11::isKeyHeld(link, keycode); });
     const auto entryFolders = xdg::InstalledApplications::folders();

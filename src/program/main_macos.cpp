@@ -1,3 +1,4 @@
+#include "platform/posix/failed_writes.h"
 #include "platform/posix/termination_signals.h"
 #include "platform/qt/qt_messages.h"
 #include "program/command_line.h"
@@ -20,6 +21,7 @@ namespace {
 int run(int argumentCount, char** arguments) {
     // macOS has no display connection that could be lost.
     qt::installMessageHandler([] {});
+    posix::surviveFailedWrites();
     qt::TerminationSignals terminationSignals;
     describeProgramToQt();
     MacProgram::prepareToolkit();

@@ -309,6 +309,47 @@ TEST_F(ProgramTest, WithoutHomeEverythingIsInTheHomeOfThePasswordDatabase) {
     EXPECT_EQ(storedSettings(server), "");
 }
 
+TEST_F(ProgramTest, AFileSizeLimitIsReportedInOneLineAndDoesNotEndTheProgram) {
+    const std::string document = R"({"unknown": ")" + std::string(4'000, 'x') + "\"}";
+    writeSettings(server, document);
+    Environment environment = server.environment();
+    environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
+    // The limit has room for what the program reports, which goes to a file, too.
+    ChildProcess program({"sh", "-c", "ulimit -f 1 && exec \"$0\"", TESSAREL_PROGRAM}, environment);
+    ASSERT_TRUE(becomesReady(program));
+    ASSERT_TRUE(showsAnAlert());
+    const std::string report =
+        "tessarel: cannot save the settings in " + settingsFile(server).string() + '\n';
+
+    EXPECT_TRUE(observer.waitUntil([&] {
+        keyboard.press({key::kReturn}); // as soon as the welcome has the keyboard
+        return program.errors() == report;
+    })) << program.errors();
+
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.waitForExit(), 0);
+    EXPECT_EQ(program.errors(), report);
+    EXPECT_EQ(storedSettings(server), document);
+}
+
+TEST_F(ProgramTest, ACopyOfARejectedDocumentIsReportedInOneLine) {
+    writeSettings(server, "{");
+    ChildProcess program = start();
+    ASSERT_TRUE(becomesReady(program));
+    ASSERT_TRUE(showsAnAlert());
+    const std::string copy = settingsFile(server).string() + ".rejected";
+
+    EXPECT_TRUE(observer.waitUntil([&] {
+        keyboard.press({key::kReturn}); // as soon as the welcome has the keyboard
+        return std::filesystem::exists(copy);
+    }));
+
+    program.signal(SIGTERM);
+    EXPECT_EQ(program.waitForExit(), 0);
+    EXPECT_EQ(program.errors(),
+              "tessarel: the settings could not be read; a copy of them is in " + copy + '\n');
+}
+
 TEST_F(ProgramTest, AnUnreachableDisplayIsReportedInOneLine) {
     ChildProcess program = start({{"DISPLAY", ":4711"}});
 

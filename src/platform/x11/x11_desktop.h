@@ -34,9 +34,9 @@ namespace tessarel::x11 {
 /// The members are in order of dependency: each refers only to members above it.
 struct X11Desktop {
     /// All referenced objects must outlive the desktop. `onReadable` adds a file descriptor to the event
-    /// loop.
+    /// loop; `report` shows the user a line about a problem with the settings document.
     X11Desktop(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts,
-               xdg::OnReadable onReadable)
+               xdg::OnReadable onReadable, xdg::FilePreferences::Report report)
         : monitors(connection), windows(connection), applications(windows),
           watch(connection, windows, applications),
           accessibility(connection, monitors, windows, applications, watch, queue),
@@ -44,9 +44,9 @@ struct X11Desktop {
           displays(connection, monitors, [this] { return windows.activeFrame(); }), hotKeys(connection),
           keyNames(connection), loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
           mouse(connection, monitors, windows, queue),
-          preferences(xdg::FilePreferences::userFolder(), std::move(onReadable)), singleInstance(connection),
-          trust(connection, session, queue, alerts), windowList(connection, monitors, windows),
-          workspace(applications, watch) {
+          preferences(xdg::FilePreferences::userFolder(), std::move(onReadable), std::move(report)),
+          singleInstance(connection), trust(connection, session, queue, alerts),
+          windowList(connection, monitors, windows), workspace(applications, watch) {
         applications.readEntriesOn(queue);
     }
     X11Desktop(const X11Desktop&) = delete;

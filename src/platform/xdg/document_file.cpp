@@ -113,25 +113,25 @@ bool DocumentFile::exists() const {
     return ::lstat(m_path.c_str(), &status) == 0 || (errno != ENOENT && errno != ENOTDIR);
 }
 
-bool DocumentFile::keepRejected() const {
+std::optional<fs::path> DocumentFile::keepRejected() const {
     struct stat status {};
     if (::lstat(m_path.c_str(), &status) != 0)
-        return errno == ENOENT;
+        return errno == ENOENT ? std::optional(fs::path()) : std::nullopt;
     if (!S_ISREG(status.st_mode))
-        return false;
+        return std::nullopt;
 
     for (int number = 1; number <= kMostCopies; ++number) {
         fs::path copy = m_path;
         copy += number == 1 ? ".rejected" : ".rejected." + std::to_string(number);
         // A hard link needs neither disk space nor the permission to read the file.
         if (::link(m_path.c_str(), copy.c_str()) == 0)
-            return true;
-        if (errno != EEXIST)
-            return copyTo(copy); // the file system may have no hard links
+            return copy;
+        if (errno != EEXIST) // the file system may have no hard links
+            return copyTo(copy) ? std::optional(copy) : std::nullopt;
         if (holdsTheSameAs(copy))
-            return true;
+            return copy;
     }
-    return false;
+    return std::nullopt;
 }
 
 bool DocumentFile::replace(std::string_view bytes) const {

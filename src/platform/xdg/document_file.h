@@ -33,9 +33,9 @@ public:
     [[nodiscard]] bool exists() const;
 
     /// Keeps the content in a further file beside this one, with the suffix ".rejected" or, if other
-    /// documents have taken that name, ".rejected.2" and so on. Returns true if the content is kept, now or
-    /// by an earlier call, or if there is no file; false if it cannot be kept.
-    [[nodiscard]] bool keepRejected() const;
+    /// documents have taken that name, ".rejected.2" and so on. Returns the path of that file, from now or an
+    /// earlier call, empty if there is nothing to keep; `std::nullopt` if the content cannot be kept.
+    [[nodiscard]] std::optional<std::filesystem::path> keepRejected() const;
 
     /// Replaces the content with `bytes`, atomically and durably: after a crash the file has the old or the
     /// new content. Keeps the permissions of an existing file; a new one is accessible to the user only.

@@ -11,8 +11,8 @@ namespace tessarel::xdg {
 
 namespace fs = std::filesystem;
 
-FilePreferences::FilePreferences(fs::path folder, OnReadable onReadable)
-    : m_folder(std::move(folder)), m_onReadable(std::move(onReadable)) {}
+FilePreferences::FilePreferences(fs::path folder, OnReadable onReadable, Report report)
+    : m_folder(std::move(folder)), m_onReadable(std::move(onReadable)), m_report(std::move(report)) {}
 
 fs::path FilePreferences::userFolder() {
     const auto folder = configurationFolder();
@@ -33,15 +33,26 @@ std::optional<std::string> FilePreferences::data(std::string_view key) {
 }
 
 bool FilePreferences::setData(std::string_view key, std::string_view bytes) {
+    const bool isSaved = replace(std::string(key), bytes);
+    if (!isSaved && !m_isFailing)
+        m_report(m_folder.empty() ? "cannot save the settings: the user has no home folder"
+                                  : "cannot save the settings in " + path(key).string());
+    m_isFailing = !isSaved;
+    return isSaved;
+}
+
+bool FilePreferences::replace(const std::string& key, std::string_view bytes) {
     if (m_folder.empty())
         return false;
     const DocumentFile file(path(key));
-    const std::string name(key);
-    const bool mustKeep = m_rejected.contains(name) || m_unreadable.contains(name);
-    if ((mustKeep && !file.keepRejected()) || !file.replace(bytes))
+    const bool mustKeep = m_rejected.contains(key) || m_unreadable.contains(key);
+    const auto copy = mustKeep ? file.keepRejected() : fs::path();
+    if (!copy || !file.replace(bytes))
         return false;
-    m_rejected.erase(name);
-    m_unreadable.erase(name);
+    m_rejected.erase(key);
+    m_unreadable.erase(key);
+    if (!copy->empty())
+        m_report("the settings could not be read; a copy of them is in " + copy->string());
     return true;
 }
 
