@@ -8,6 +8,7 @@
 #include "platform/qt/qt_open_url.h"
 #include "platform/qt/qt_url_loading_module.h"
 #include "platform/qt/system_wall_clock.h"
+#include "platform/qt_x11/display_loss_guard.h"
 #include "platform/qt_x11/overlay/x11_overlay.h"
 #include "platform/qt_x11/pointer_crossings.h"
 #include "platform/qt_x11/qt_local_keys.h"
@@ -68,7 +69,9 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
     // Without the colours and fonts that Qt would take from the desktop: `QtAppearance` sets the palette.
     QApplication::setDesktopSettingsAware(false);
     describeProgramToQt();
+    std::optional<qt::DisplayLossGuard> guard(std::in_place, connection.fileDescriptor(), endWithoutDisplay);
     const QApplication application(argumentCount, arguments.data());
+    guard.reset();
     bus.start();
     // QApplication has set the user's locale, whose decimal point may have several bytes; see `readJson`.
     std::setlocale(LC_NUMERIC, "C");
@@ -105,7 +108,6 @@ int sendToRunningCopy(const std::vector<std::string>& words) {
 /// afterwards: hot keys pressed meanwhile wait on the connection until the event loop runs.
 int run(const char* programName) {
     xdg::settleHome();
-    qt::installMessageHandler(endWithoutDisplay);
     posix::surviveFailedWrites();
     qt::TerminationSignals terminationSignals;
     qt::QtMainQueue queue;
@@ -115,6 +117,9 @@ int run(const char* programName) {
         say("cannot open the X display: " + failure);
         return EXIT_FAILURE;
     }
+    qt::installMessageHandler(endWithoutDisplay, [descriptor = connection->fileDescriptor()] {
+        return qt::isDisplayLost(descriptor);
+    });
 
     const x11::Session session =
         x11::sessionOf(*connection, std::getenv("WAYLAND_DISPLAY"), std::getenv("XDG_SESSION_TYPE"));

@@ -20,7 +20,7 @@ namespace {
 /// without which there is no menu bar.
 int run(int argumentCount, char** arguments) {
     // macOS has no display connection that could be lost.
-    qt::installMessageHandler([] {});
+    qt::installMessageHandler([] {}, [] { return false; });
     posix::surviveFailedWrites();
     qt::TerminationSignals terminationSignals;
     describeProgramToQt();

@@ -11,17 +11,23 @@ namespace tessarel::qt {
 
 namespace {
 
-/// Returns the callback for a lost display. It is global, because Qt accepts only a plain function as a
+struct DisplayLoss {
+    std::function<void()> handle;
+    std::function<bool()> hasHappened;
+};
+
+/// Returns the callbacks for a lost display. They are global, because Qt accepts only a plain function as a
 /// message handler.
-std::function<void()>& lossHandler() {
-    static std::function<void()> handler;
-    return handler;
+DisplayLoss& displayLoss() {
+    static DisplayLoss loss;
+    return loss;
 }
 
 void handleMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
     // Qt reports the loss only by this warning, directly before it ends the process.
-    if (message.startsWith(QLatin1String("The X11 connection broke")))
-        lossHandler()();
+    const bool isReport = message.startsWith(QLatin1String("The X11 connection broke"));
+    if (isReport || (type == QtFatalMsg && displayLoss().hasHappened()))
+        displayLoss().handle();
     if (type != QtFatalMsg)
         return;
     std::fprintf(stderr, "tessarel: %s\n", message.simplified().toUtf8().constData());
@@ -30,8 +36,8 @@ void handleMessage(QtMsgType type, const QMessageLogContext&, const QString& mes
 
 } // namespace
 
-void installMessageHandler(std::function<void()> displayLost) {
-    lossHandler() = std::move(displayLost);
+void installMessageHandler(std::function<void()> displayLost, std::function<bool()> isDisplayLost) {
+    displayLoss() = {.handle = std::move(displayLost), .hasHappened = std::move(isDisplayLost)};
     qInstallMessageHandler(handleMessage);
 }
 

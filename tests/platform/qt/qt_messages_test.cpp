@@ -3,6 +3,8 @@
 #include <QtGlobal>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 namespace tessarel::qt {
 namespace {
 
@@ -10,10 +12,18 @@ class QtMessagesTest : public testing::Test {
 protected:
     QtMessagesTest() {
         GTEST_FLAG_SET(death_test_style, "threadsafe");
-        installMessageHandler([this] { ++losses; });
+        installMessageHandler(
+            [this] {
+                ++losses;
+                if (isDisplayLost)
+                    std::_Exit(kLossCode);
+            },
+            [this] { return isDisplayLost; });
     }
     ~QtMessagesTest() override { qInstallMessageHandler(nullptr); }
 
+    static constexpr int kLossCode = 3;
+    bool isDisplayLost = false;
     int losses = 0;
 };
 
@@ -31,6 +41,12 @@ TEST_F(QtMessagesTest, BothMessagesAboutALostDisplayAreRecognised) {
     qWarning("The X11 connection broke: %s (code %d)", "I/O error", 1);
 
     EXPECT_EQ(losses, 2);
+}
+
+TEST_F(QtMessagesTest, AFatalMessageWithoutADisplayIsReportedAsItsLoss) {
+    isDisplayLost = true;
+
+    EXPECT_EXIT(qFatal("no platform plugin"), testing::ExitedWithCode(kLossCode), "^$");
 }
 
 TEST_F(QtMessagesTest, AFatalMessageEndsTheProgramWithOneLineAndNoCoreDump) {
