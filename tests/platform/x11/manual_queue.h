@@ -12,10 +12,12 @@
 
 namespace tessarel::x11 {
 
-/// A main queue that the test runs by hand, without waiting for delays.
+/// A main queue that the test runs by hand, without waiting for delays. Its clock stands still unless the
+/// test advances it.
 class ManualQueue : public MainQueuePort {
 public:
-    [[nodiscard]] TimePoint now() override { return TimePoint::clock::now(); }
+    [[nodiscard]] TimePoint now() override { return m_now; }
+    void advance(Duration duration) { m_now += duration; }
 
     [[nodiscard]] SubscriptionPtr asyncAfter(Duration /*delay*/, std::function<void()> work) override {
         const std::uint64_t number = m_next++;
@@ -38,6 +40,7 @@ public:
 private:
     using Work = std::map<std::uint64_t, std::function<void()>>;
 
+    TimePoint m_now{};
     std::uint64_t m_next = 0;
     std::shared_ptr<Work> m_work = std::make_shared<Work>(); // subscriptions hold weak references
 };

@@ -70,7 +70,8 @@ Point Monitors::primaryOrigin() {
 /// Invalidates the cache on RandR events and when the root window changes size.
 void Monitors::note(const Connection::Event& event) {
     const Extensions& extensions = m_connection.extensions();
-    const std::uint8_t type = eventType(event);
+    const std::uint8_t type =
+        event.response_type; // no window manager sends a ConfigureNotify of the root window
     const bool isRandr =
         extensions.randrMonitors && (type == extensions.randrFirstEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
                                      type == extensions.randrFirstEvent + XCB_RANDR_NOTIFY);

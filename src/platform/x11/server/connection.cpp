@@ -54,7 +54,8 @@ Connection::Opened Connection::open(const char* displayName, MainQueuePort& queu
 
 Connection::Connection(xcb_connection_t* xcb, int screenNumber, MainQueuePort& queue)
     : m_xcb(xcb), m_queue(queue), m_screenNumber(screenNumber), m_screen(screenOf(xcb, screenNumber)),
-      m_atoms(xcb), m_extensions(Extensions::query(xcb)) {}
+      m_atoms(xcb), m_extensions(Extensions::query(xcb)),
+      m_events({m_screen->root, {m_atoms[Atom::NetClientList], m_atoms[Atom::NetActiveWindow]}}) {}
 
 Connection::~Connection() = default;
 
@@ -134,17 +135,30 @@ void Connection::deselectEvents(xcb_window_t window, std::uint32_t mask) {
 }
 
 void Connection::dispatch() {
-    while (Reply<Event> event{xcb_poll_for_event(m_xcb.get())})
-        take(std::move(event), nullptr);
-    while (!m_events.empty()) {
+    const auto end = m_queue.now() + kLongestDispatch;
+    readArrived(end);
+    while (const Reply<Event> event = m_events.take()) {
         endTurn(); // values cached before this event may be out of date
-        const Reply<Event> event = std::move(m_events.front());
-        m_events.pop_front();
         m_handlers.send(*event);
         endTurn();
+        if (m_queue.now() >= end)
+            break;
+        if (!m_events.empty())
+            readArrived(end); // a key may have arrived that overtakes the rest
     }
     if (isLost())
         reportLoss();
+    else
+        readQueued(); // what xcb has read does not make the file descriptor readable again
+}
+
+/// Reads the events that have arrived. Stops at `end`, in case more arrive all the time.
+void Connection::readArrived(MainQueuePort::TimePoint end) {
+    while (Reply<Event> event{xcb_poll_for_event(m_xcb.get())}) {
+        take(std::move(event), nullptr);
+        if (m_queue.now() >= end)
+            break;
+    }
 }
 
 bool Connection::waitFor(const std::function<bool(const Event&)>& isExpected,
@@ -164,15 +178,15 @@ bool Connection::waitFor(const std::function<bool(const Event&)>& isExpected,
 }
 
 /// Passes an event that has just been read to the observers, then queues it for delivery. Returns true, and
-/// does not queue the event, when it is the expected one.
+/// does not queue the event, when it is the expected one. Drops errors and forged events.
 bool Connection::take(Reply<Event> event, const std::function<bool(const Event&)>& isExpected) {
-    constexpr std::uint8_t kError = 0;
-    if (event->response_type == kError)
-        return false; // from an unchecked request, usually because its window is gone
+    constexpr std::uint8_t kError = 0; // of an unchecked request, usually because its window is gone
+    if (event->response_type == kError || isForged(*event))
+        return false;
     m_observers.send(*event);
     if (isExpected && isExpected(*event))
         return true;
-    m_events.push_back(std::move(event));
+    m_events.add(std::move(event));
     return false;
 }
 

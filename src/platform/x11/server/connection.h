@@ -3,6 +3,7 @@
 #include "model/signal.h"
 #include "model/subscription.h"
 #include "platform/x11/server/atoms.h"
+#include "platform/x11/server/event_queue.h"
 #include "platform/x11/server/extensions.h"
 #include "platform/x11/server/reply.h"
 #include "ports/main_queue_port.h"
@@ -12,7 +13,6 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -29,6 +29,10 @@ namespace tessarel::x11 {
 ///
 /// The owner watches `fileDescriptor()` and calls `dispatch()` whenever it is readable. Events that were read
 /// during a wait are dispatched through the main queue. Nothing polls: without events there are no turns.
+///
+/// Other clients can cause events faster than they can be handled. Therefore events that another client has
+/// made up are dropped (`isForged`), equal notices are merged and input comes first (`EventQueue`), and a
+/// dispatch ends after a while, so that everything else on the main queue gets its turn.
 ///
 /// A *turn* is one delivered event of the X connection. Replies may be cached, and writes collected, until
 /// the turn ends. A turn begins with the first use of `xcb()`. It ends after the event has been delivered or,
@@ -114,12 +118,14 @@ public:
     /// is selected.
     void deselectEvents(xcb_window_t window, std::uint32_t mask);
 
-    /// Reads all events that have arrived and delivers every queued event, in order, one turn each. Calls the
-    /// `onLost` callbacks when the connection is lost.
+    /// Reads the events that have arrived and delivers the queued events, in the order of `EventQueue`, one
+    /// turn each. Begins no further event after `kLongestDispatch`; the rest is delivered through the main
+    /// queue. Calls the `onLost` callbacks when the connection is lost.
     void dispatch();
+    static constexpr std::chrono::milliseconds kLongestDispatch{10};
 
     /// Waits at most `bound` for an event that `isExpected` accepts, and consumes that event. All other
-    /// events are queued and delivered later, in order. Returns false on timeout or when the connection is
+    /// events are queued and delivered later. Returns false on timeout or when the connection is
     /// lost.
     bool waitFor(const std::function<bool(const Event&)>& isExpected, std::chrono::milliseconds bound);
 
@@ -151,6 +157,7 @@ private:
 
     void beginReply();
     void endReply();
+    void readArrived(MainQueuePort::TimePoint end);
     void readQueued();
     void comeBackForTheRest();
     bool take(Reply<Event> event, const std::function<bool(const Event&)>& isExpected);
@@ -170,7 +177,7 @@ private:
     Atoms m_atoms;
     Extensions m_extensions;
     std::unordered_map<xcb_window_t, std::uint32_t> m_eventMasks; // all events selected, by window
-    std::deque<Reply<Event>> m_events;                            // read but not delivered yet
+    EventQueue m_events;                                          // read but not delivered yet
     Signal<const Event&> m_handlers;
     Signal<const Event&> m_observers;
     Signal<> m_endTurnHooks;

@@ -8,7 +8,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
+#include <cstdint>
 #include <memory>
 #include <poll.h>
 #include <stdexcept>
@@ -29,6 +31,8 @@ protected:
         xcb_grab_key(connection->xcb(), 1, connection->root(), XCB_MOD_MASK_ANY, XCB_GRAB_ANY,
                      XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
         roundTrip(); // so that the grab is active before the keyboard's connection sends presses
+        press(1);    // the first press also changes the keyboard map
+        connection->dispatch();
         settleQueue();
     }
 
@@ -101,6 +105,86 @@ TEST_F(ConnectionTest, DeliversEventsInOrder) {
     connection->dispatch();
 
     EXPECT_EQ(digits, "12");
+}
+
+TEST_F(ConnectionTest, ADispatchEndsAfterAWhileAndTheRestFollowsThroughTheQueue) {
+    std::string digits;
+    const auto handler = connection->onEvent(note(digits));
+    const auto slow =
+        connection->onEvent([&](const Connection::Event&) { queue.advance(Connection::kLongestDispatch); });
+    for (const int digit : {1, 2, 3})
+        press(digit);
+
+    connection->dispatch();
+    EXPECT_EQ(digits, "1");
+    EXPECT_EQ(queue.waiting(), 1U) << "the program has to come back without a sign from the server";
+
+    settleQueue();
+    EXPECT_EQ(digits, "123");
+}
+
+TEST_F(ConnectionTest, ReadingEndsWhenEventsArriveAllTheTime) {
+    std::string seen;
+    const auto slow =
+        connection->onRead([&](const Connection::Event&) { queue.advance(Connection::kLongestDispatch); });
+    const auto observing = connection->onRead(note(seen));
+    std::string delivered;
+    const auto handler = connection->onEvent(note(delivered));
+    press(1);
+    press(2);
+
+    connection->dispatch();
+    EXPECT_EQ(delivered, "1");
+
+    settleQueue();
+    EXPECT_EQ(seen, "12");
+    EXPECT_EQ(delivered, "12");
+}
+
+TEST_F(ConnectionTest, AKeyOvertakesAFloodThatIsDeliveredOnce) {
+    connection->selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
+    roundTrip();
+    std::string log;
+    int read = 0;
+    const auto observing = connection->onRead(
+        [&](const Connection::Event& event) { read += eventType(event) == XCB_PROPERTY_NOTIFY ? 1 : 0; });
+    const auto handler = connection->onEvent([&](const Connection::Event& event) {
+        log += eventType(event) == XCB_PROPERTY_NOTIFY ? "p" : eventType(event) == XCB_KEY_PRESS ? "k" : "";
+    });
+    constexpr int kChanges = 200; // more might not fit into the socket
+    for (int i = 0; i < kChanges; ++i)
+        xcb_change_property(observer.x().get(), XCB_PROP_MODE_APPEND, observer.root(), XCB_ATOM_WM_COMMAND,
+                            XCB_ATOM_STRING, 8, 0, nullptr);
+    observer.x().roundTrip();
+    press(1);
+
+    connection->dispatch();
+
+    EXPECT_EQ(log, "kp");
+    EXPECT_EQ(read, kChanges) << "caches have to know of each, whatever else is being read";
+}
+
+TEST_F(ConnectionTest, ForgedEventsReachNobody) {
+    connection->selectRootEvents(XCB_EVENT_MASK_PROPERTY_CHANGE);
+    roundTrip();
+    std::vector<std::uint8_t> types;
+    const auto note = [&](const Connection::Event& event) { types.push_back(event.response_type); };
+    const auto observing = connection->onRead(note);
+    const auto handler = connection->onEvent(note);
+    for (const int type : {XCB_KEY_PRESS, XCB_PROPERTY_NOTIFY, XCB_DESTROY_NOTIFY, XCB_MAPPING_NOTIFY,
+                           XCB_CONFIGURE_NOTIFY, XCB_CLIENT_MESSAGE}) {
+        std::array<char, 32> event{};
+        event[0] = static_cast<char>(type);
+        event[1] = 32; // the format of the message
+        xcb_send_event(observer.x().get(), 0, observer.root(), XCB_EVENT_MASK_PROPERTY_CHANGE, event.data());
+    }
+    observer.x().roundTrip();
+
+    connection->dispatch();
+
+    constexpr std::uint8_t kFrame = XCB_CONFIGURE_NOTIFY | 0x80;
+    constexpr std::uint8_t kMessage = XCB_CLIENT_MESSAGE | 0x80;
+    EXPECT_EQ(types, (std::vector<std::uint8_t>{kFrame, kMessage, kFrame, kMessage}));
 }
 
 TEST_F(ConnectionTest, EventsReadDuringAWaitAreDeliveredAfterwardsInOrder) {
