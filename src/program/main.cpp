@@ -14,6 +14,7 @@
 #include "platform/qt_x11/qt_local_keys.h"
 #include "platform/qt_x11/qt_x11_application.h"
 #include "platform/qt_x11/tray/qt_status_item.h"
+#include "platform/qt_x11/work_area_notices.h"
 #include "platform/qt_xdg/application_panel.h"
 #include "platform/qt_xdg/qt_appearance.h"
 #include "platform/qt_xdg/session_bus.h"
@@ -76,6 +77,7 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
     // QApplication has set the user's locale, whose decimal point may have several bytes; see `readJson`.
     std::setlocale(LC_NUMERIC, "C");
     qt::ignorePointerCrossings();
+    const qt::WorkAreaNotices workAreaNotices(queue);
 
     const auto events =
         queue.onReadable(connection.fileDescriptor(), [&connection] { connection.dispatch(); });
