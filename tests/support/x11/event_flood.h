@@ -1,0 +1,56 @@
+#pragma once
+
+#include "support/x11/x_connection.h"
+
+#include <atomic>
+#include <string>
+#include <thread>
+
+namespace tessarel::x11test {
+
+/// The events that a flood consists of. None of them changes anything that a program has to react to, except
+/// that `Windows` opens and closes a window.
+enum class FloodKind {
+    RootProperty,    ///< a property of the root window that no program reads
+    ActiveWindow,    ///< `_NET_ACTIVE_WINDOW`, with its present value
+    ClientList,      ///< `_NET_CLIENT_LIST`, with its present value
+    WorkArea,        ///< `_NET_WORKAREA`, with its present value
+    WindowProperty,  ///< a property of a window that no program reads
+    WindowStrut,     ///< `_NET_WM_STRUT_PARTIAL` of a window, with its present value
+    ForgedConfigure, ///< ConfigureNotify of a window, sent by another client
+    ForgedKeys,      ///< presses of Ctrl+Alt+Left, sent by another client
+    Windows,         ///< a window without the focus that is mapped and unmapped in turns
+};
+
+/// A client that floods a display with events, in a thread of its own, until it is destroyed.
+class EventFlood {
+public:
+    /// Sends `perSecond` events a second, or as many as the server takes. `window` is for the kinds that name
+    /// one. Throws std::runtime_error if the server cannot be reached.
+    EventFlood(const std::string& display, FloodKind kind, int perSecond,
+               xcb_window_t window = XCB_WINDOW_NONE);
+    EventFlood(const EventFlood&) = delete;
+    EventFlood& operator=(const EventFlood&) = delete;
+    ~EventFlood();
+
+    /// Returns how many events the server has been sent so far.
+    [[nodiscard]] long sent() const { return m_sent; }
+
+private:
+    void run(int perSecond);
+    void send();
+    void touch(xcb_window_t window, xcb_atom_t property, xcb_atom_t type);
+    void openWindow();
+    template <class Event>
+    void forge(const Event& event, xcb_window_t destination);
+
+    XConnection m_x;
+    FloodKind m_kind;
+    xcb_window_t m_window;
+    xcb_atom_t m_property = XCB_ATOM_NONE;
+    std::atomic<long> m_sent = 0;
+    std::atomic<bool> m_isOver = false;
+    std::thread m_thread;
+};
+
+} // namespace tessarel::x11test
