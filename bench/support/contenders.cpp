@@ -4,8 +4,6 @@
 
 namespace tessarel::bench {
 
-namespace {
-
 std::vector<std::string> rawClientCommand(const std::filesystem::path& directory) {
     return {directory / "raw_xcb_client",
             std::to_string(key::kE),
@@ -19,8 +17,6 @@ std::vector<std::string> rawClientCommand(const std::filesystem::path& directory
             "1600",
             "450"};
 }
-
-} // namespace
 
 Contenders::Contenders(const std::filesystem::path& directory, pid_t windowManager) {
     const auto start = [this](const std::vector<std::string>& command) {

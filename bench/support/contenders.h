@@ -18,6 +18,10 @@ struct Contender {
     pid_t pid = 0; ///< process id of the one process that does the work; 0 if several processes share it
 };
 
+/// Returns the command of the raw xcb client with the keys and frames of all contenders. Its program is in
+/// `directory`.
+[[nodiscard]] std::vector<std::string> rawClientCommand(const std::filesystem::path& directory);
+
 /// All contenders, running at the same time, each with its own keys.
 class Contenders {
 public:

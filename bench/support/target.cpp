@@ -79,10 +79,15 @@ void Target::discardEvents() {
         continue;
 }
 
-bool Target::takeEvents(Reaction& reaction) {
+/// Counts the ConfigureNotify events that have arrived; with `size`, only those of the client window with
+/// that size. Returns true if there was any.
+bool Target::takeEvents(Reaction& reaction, const std::optional<ClientSize>& size) {
     bool any = false;
     while (const Received<xcb_generic_event_t> event{xcb_poll_for_event(m_x)}) {
         if ((event->response_type & 0x7F) != XCB_CONFIGURE_NOTIFY)
+            continue;
+        const auto& change = reinterpret_cast<const xcb_configure_notify_event_t&>(*event);
+        if (size && (change.window != m_window || ClientSize{change.width, change.height} != size))
             continue;
         reaction.last = Clock::now();
         ++reaction.events;
@@ -91,16 +96,28 @@ bool Target::takeEvents(Reaction& reaction) {
     return any;
 }
 
-Reaction Target::untilQuiet(Milliseconds patience) {
+std::optional<Clock::time_point> Target::untilOfSize(const ClientSize& size, Milliseconds patience) {
+    return untilQuiet(patience, size).last;
+}
+
+Reaction Target::untilQuiet(Milliseconds patience, const std::optional<ClientSize>& size) {
     Reaction reaction;
     auto end = Clock::now() + std::chrono::duration_cast<Clock::duration>(patience);
     for (auto now = Clock::now(); now < end; now = Clock::now()) {
-        if (takeEvents(reaction))
+        if (takeEvents(reaction, size))
             end = *reaction.last + std::chrono::duration_cast<Clock::duration>(kQuiet);
         pollfd socket{xcb_get_file_descriptor(m_x), POLLIN, 0};
         poll(&socket, 1, static_cast<int>(std::chrono::ceil<std::chrono::milliseconds>(end - now).count()));
     }
     return reaction;
+}
+
+ClientSize Target::clientSize() const {
+    const Received<xcb_get_geometry_reply_t> size(
+        xcb_get_geometry_reply(m_x, xcb_get_geometry(m_x, m_window), nullptr));
+    if (!size)
+        throw std::runtime_error("the target has gone");
+    return {size->width, size->height};
 }
 
 Frame Target::frame() const {
