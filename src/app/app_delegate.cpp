@@ -83,19 +83,18 @@ void AppDelegate::promptForPermission() {
 
 void AppDelegate::welcome(bool isStatusItemShown) {
     m_ports.application.activate();
-    const auto alive = m_lifetime.watch();
-    const std::size_t button = m_ports.alerts.runModal(welcomeAlert(m_ports.words, isStatusItemShown));
-    // The program may have quit while the message was shown.
-    if (alive.expired())
-        return;
-    if (button == kWelcomeDismissed) {
-        // The user sees the welcome again at the next start. If the program is quitting, its event loop ends
-        // before the prompt.
-        m_later.async([this] { m_services->permissions.prompt(); });
-        return;
+    m_welcome = m_ports.alerts.show(welcomeAlert(m_ports.words, isStatusItemShown),
+                                    [this](std::optional<std::size_t> button) { welcomed(button); });
+}
+
+/// Continues after the welcome message. If the user has closed it without a button, it appears again at the
+/// next start.
+void AppDelegate::welcomed(std::optional<std::size_t> button) {
+    m_welcome.reset();
+    if (button) {
+        m_services->store.settings.hasOnboarded = true;
+        m_services->store.save();
     }
-    m_services->store.settings.hasOnboarded = true;
-    m_services->store.save();
     m_services->permissions.prompt();
     if (button == kWelcomeOpenSettings)
         openSettings();

@@ -8,12 +8,12 @@
 #include "app/settings_window.h"
 #include "app/status_item.h"
 #include "app/status_menu.h"
-#include "model/lifetime.h"
 #include "model/subscription.h"
 #include "ports/deferred_work.h"
 #include "ports/menu.h"
 
 #include <chrono>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -68,8 +68,8 @@ private:
     [[nodiscard]] Launch claimDesktop();
     void greetUser();
     void promptForPermission();
-    /// Shows the welcome message and waits until the user closes it.
     void welcome(bool isStatusItemShown);
+    void welcomed(std::optional<std::size_t> button);
 
     void runMenuAction(int tag);
     void applyLayout(int tag);
@@ -94,7 +94,8 @@ private:
     std::optional<SettingsFollower> m_settingsFollower;
     /// Created on first use.
     std::unique_ptr<SettingsWindow> m_settingsWindow;
-    Lifetime m_lifetime;
+    /// Not null while the welcome message is shown.
+    SubscriptionPtr m_welcome;
     /// Work for the event loop, cancelled when this object is destroyed.
     DeferredWork m_later;
 };

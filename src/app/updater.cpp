@@ -13,6 +13,7 @@ namespace {
 constexpr const char* kDownload = "Download";
 constexpr const char* kLater = "Later";
 constexpr const char* kOk = "OK";
+constexpr std::size_t kDownloadButton = 0;
 
 /// A number of a version, with any number of digits. Compared as text, because it may exceed every integer
 /// type.
@@ -124,17 +125,16 @@ void Updater::finish(bool manual, const std::optional<UrlResponse>& response) {
 
 void Updater::alert(const std::string& title, const std::string& message,
                     const std::optional<std::string>& downloadURL) {
-    // The program may quit, and destroy this object, while the message is shown: only locals are used
-    // afterwards.
-    OpenUrlPort& openUrl = m_openUrl;
+    const auto buttons = downloadURL ? std::vector<std::string>{kDownload, kLater} : std::vector{text(kOk)};
+    const int number = ++m_lastMessage;
     m_application.activate();
-    if (!downloadURL) {
-        m_alerts.runModal({title, message, {kOk}});
-        return;
-    }
-    const std::size_t button = m_alerts.runModal({title, message, {kDownload, kLater}});
-    if (button == 0 && isWebAddress(*downloadURL))
-        openUrl.open(*downloadURL);
+    m_messages[number] = m_alerts.show(
+        {title, message, buttons}, [this, number, downloadURL](std::optional<std::size_t> button) {
+            // Removes the message, but keeps this callback's captures alive until it returns.
+            const auto closed = m_messages.extract(number);
+            if (downloadURL && button == kDownloadButton && isWebAddress(*downloadURL))
+                m_openUrl.open(*downloadURL);
+        });
 }
 
 } // namespace tessarel

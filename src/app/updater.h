@@ -30,8 +30,8 @@ struct UpdateSource {
 
 /// Tells the user about a newer version and opens its download page. Downloads and installs nothing.
 ///
-/// Checks are independent of each other; several may run at the same time. Destroying the updater cancels
-/// them.
+/// Checks are independent of each other; several may run at the same time, and each shows its own message.
+/// Destroying the updater cancels the checks and removes the messages.
 class Updater {
 public:
     /// Maximum size of the feed, in bytes.
@@ -76,6 +76,9 @@ private:
     /// Loads in progress, by number.
     std::map<int, SubscriptionPtr> m_loads;
     int m_lastLoad = 0;
+    /// Messages that the user has not closed yet, by number.
+    std::map<int, SubscriptionPtr> m_messages;
+    int m_lastMessage = 0;
 };
 
 } // namespace tessarel

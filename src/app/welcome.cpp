@@ -19,8 +19,7 @@ Alert welcomeAlert(const PlatformWords& words, bool hasStatusItem) {
             "+1 to 5 to snap the front window into a zone, or hold Shift while dragging a window to see the "
             "zones." +
             dragNote + " " + settings + " design your own layout.",
-        {"Continue", "Open Settings"},
-        kWelcomeDismissed};
+        {"Continue", "Open Settings"}};
 }
 
 } // namespace tessarel

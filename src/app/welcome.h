@@ -10,9 +10,6 @@ namespace tessarel {
 /// Index of the button that also opens the settings window.
 inline constexpr std::size_t kWelcomeOpenSettings = 1;
 
-/// Reported when the message was closed without a button: by the user, or because the program quits.
-inline constexpr std::size_t kWelcomeDismissed = 2;
-
 /// Returns the message for the first run of the program. `hasStatusItem` is whether there is a status item
 /// from which the user can open the settings.
 [[nodiscard]] Alert welcomeAlert(const PlatformWords& words, bool hasStatusItem);

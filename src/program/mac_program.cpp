@@ -3,6 +3,7 @@
 #include "platform/macos/shell/accent_color.h"
 #include "platform/macos/shell/overlay_properties.h"
 #include "platform/qt/focus_editing.h"
+#include "platform/qt/window_order.h"
 #include "qt_values/color.h"
 #include "settings_ui/settings_window_controller.h"
 
@@ -10,7 +11,6 @@
 #include <QColor>
 #include <QWidget>
 
-#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -67,14 +67,13 @@ Rect MacProgram::placeForQt(const Rect& screenFrame) {
 }
 
 /// Returns the views of the visible windows that can have the keyboard focus, which excludes the overlay.
-/// Modal windows come last, so that a message ends up in front of the window that it is about.
+/// The last one becomes the key window.
 std::vector<void*> MacProgram::shownWindows() const {
     QWidgetList windows = QApplication::topLevelWidgets();
     windows.removeIf([](const QWidget* window) {
         return !window->isVisible() || window->windowFlags().testFlag(Qt::WindowDoesNotAcceptFocus);
     });
-    std::stable_partition(windows.begin(), windows.end(),
-                          [](const QWidget* window) { return !window->isModal(); });
+    qt::sortForRaising(windows);
     std::vector<void*> views;
     for (QWidget* const window : windows)
         views.push_back(m_nativeView(*window));

@@ -62,6 +62,7 @@ public:
         };
     }
 
+    [[nodiscard]] sim::SimAlerts& alerts() { return m_alerts; }
     [[nodiscard]] Order takeOrder() { return std::exchange(m_order, {}); }
     void note(const std::string& phrase) {
         if (m_order.empty() || m_order.back() != phrase)
@@ -179,9 +180,9 @@ private:
     };
     struct Alerts : sim::SimAlerts {
         explicit Alerts(RecordedPorts& record) : record(record) {}
-        std::size_t runModal(const Alert& alert) override {
+        SubscriptionPtr show(const Alert& alert, Closed closed) override {
             record.note(alert.messageText);
-            return 1; // the second button
+            return SimAlerts::show(alert, std::move(closed));
         }
         RecordedPorts& record;
     };

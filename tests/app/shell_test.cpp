@@ -23,12 +23,12 @@ using namespace std::chrono_literals;
 /// Fixture: the first launch of the program on a desktop.
 class FirstRunTest : public ::testing::Test {
 protected:
-    FirstRunTest() { desktop.alerts().answers = {0}; }
-
     void launch() {
         ASSERT_EQ(delegate.applicationDidFinishLaunching(), AppDelegate::Launch::Running);
         desktop.advance(0s);
     }
+    /// Closes the welcome with the button at position `button` or, without one, in another way.
+    void closeWelcome(std::optional<std::size_t> button) { ASSERT_TRUE(desktop.alerts().close(button)); }
 
     sim::SimDesktop desktop;
     sim::SimSingleInstance copy = desktop.makeCopy();
@@ -49,8 +49,11 @@ TEST_F(FirstRunTest, TheUserIsWelcomedOnce) {
         "Try it: press Ctrl+Opt+1 to 5 to snap the front window into a zone, or hold Shift while dragging "
         "a window to see the zones. Click the menu bar icon, then Settings, to design your own layout.");
     EXPECT_EQ(alert.buttons, (std::vector<std::string>{"Continue", "Open Settings"}));
-    EXPECT_EQ(alert.dismissedAs, alert.buttons.size()) << "closing it counts as none of them";
     EXPECT_EQ(desktop.ownApplication().activations, 1);
+    EXPECT_FALSE(Store(desktop.preferences()).settings.hasOnboarded) << "not before a button is pressed";
+
+    closeWelcome(0);
+
     EXPECT_TRUE(Store(desktop.preferences()).settings.hasOnboarded);
 }
 
@@ -75,35 +78,49 @@ TEST_F(FirstRunTest, WithoutAStatusAreaTheWelcomeSaysHowElseToReachTheSettings) 
 
 TEST_F(FirstRunTest, TheWelcomeIsFollowedByThePromptWhateverTheButton) {
     desktop.trust().trusted = false;
-    desktop.alerts().answers = {0};
-
     launch();
+    EXPECT_EQ(desktop.trust().prompts, 0);
+
+    closeWelcome(0);
 
     EXPECT_EQ(desktop.trust().prompts, 1);
     EXPECT_EQ(settingsWindow.shown, 0);
 }
 
+TEST_F(FirstRunTest, MenuAndSettingsCanBeUsedWhileTheWelcomeStands) {
+    launch();
+
+    const Menu menu = desktop.statusItem().openMenu();
+    const auto pause = std::ranges::find(menu, MenuCommand::TogglePause, &MenuItem::command);
+    ASSERT_NE(pause, menu.end());
+    desktop.statusItem().choose(*pause);
+    EXPECT_TRUE(desktop.statusItem().appearsDisabled);
+    delegate.applicationShouldHandleReopen();
+    EXPECT_EQ(settingsWindow.shown, 1);
+    EXPECT_EQ(desktop.alerts().standing().size(), 1U);
+}
+
 TEST_F(FirstRunTest, ThePromptIsRequestedEvenWhenTrusted) {
     launch();
+    closeWelcome(0);
 
     EXPECT_EQ(desktop.trust().promptCalls, 1) << "the system decides whether to show it";
     EXPECT_EQ(desktop.trust().prompts, 0);
 }
 
 TEST_F(FirstRunTest, TheSecondButtonOpensTheSettings) {
-    desktop.alerts().answers = {1};
-
     launch();
+
+    closeWelcome(1);
 
     EXPECT_EQ(settingsWindow.shown, 1);
 }
 
 TEST_F(FirstRunTest, AWelcomeClosedWithoutAButtonComesAgainButIsFollowedByThePrompt) {
     desktop.trust().trusted = false;
-    desktop.alerts().answers = {};
-
     launch();
-    desktop.advance(0s);
+
+    closeWelcome(std::nullopt);
 
     EXPECT_FALSE(Store(desktop.preferences()).settings.hasOnboarded);
     EXPECT_EQ(desktop.preferencesStorage().writes, 0);
@@ -133,35 +150,25 @@ TEST_F(FirstRunTest, TheWelcomePostsNoSettingsChange) {
     const auto observer = Store::shared().tessarelSettingsChanged.connect([&] { ++announcements; });
 
     desktop.advance(0s);
+    closeWelcome(0);
 
     ASSERT_TRUE(Store::shared().settings.hasOnboarded);
     EXPECT_EQ(announcements, 0);
 }
 
-/// Alerts that end the program while they are shown.
-class EndingAlerts : public sim::SimAlerts {
-public:
-    std::size_t runModal(const Alert& alert) override {
-        delegate.reset();
-        return SimAlerts::runModal(alert);
-    }
-
-    std::optional<AppDelegate> delegate;
-};
-
-TEST(FirstRunEndTest, TheProgramMayEndWhileTheWelcomeIsShown) {
+TEST(FirstRunEndTest, AProgramThatEndsWhileTheWelcomeStandsHasNotWelcomed) {
     sim::SimDesktop desktop;
     sim::SimSingleInstance copy = desktop.makeCopy();
     SettingsWindowRecord settingsWindow;
-    EndingAlerts alerts;
-    alerts.answers = {1};
-    const Ports simulated = simPorts(desktop, copy);
-    alerts.delegate.emplace(withAlerts(simulated, alerts), settingsWindow.factory());
-    ASSERT_EQ(alerts.delegate->applicationDidFinishLaunching(), AppDelegate::Launch::Running);
-
+    {
+        AppDelegate delegate{simPorts(desktop, copy), settingsWindow.factory()};
+        ASSERT_EQ(delegate.applicationDidFinishLaunching(), AppDelegate::Launch::Running);
+        desktop.advance(0s);
+        ASSERT_EQ(desktop.alerts().standing().size(), 1U);
+    }
     desktop.advance(0s);
 
-    EXPECT_EQ(alerts.shown.size(), 1U);
+    EXPECT_TRUE(desktop.alerts().standing().empty());
     EXPECT_TRUE(desktop.preferencesStorage().documents.empty());
     EXPECT_EQ(desktop.trust().promptCalls, 0);
     EXPECT_EQ(settingsWindow.made, 0);

@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <functional>
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -22,6 +22,8 @@ using testing::IsEmpty;
 constexpr bool kManual = true;
 constexpr bool kAutomatic = false;
 constexpr const char* kNewer = R"({"version": "1.3", "notes": "Faster.", "url": "https://a.example/1.3"})";
+constexpr std::size_t kDownload = 0; // positions of the buttons of an offer
+constexpr std::size_t kLater = 1;
 constexpr const char* kFailed = "Could not check for updates";
 
 class UpdaterTest : public testing::Test {
@@ -119,27 +121,36 @@ TEST_F(UpdaterTest, TheProgramComesToTheFrontOnlyForAMessage) {
 }
 
 TEST_F(UpdaterTest, DownloadOpensTheAddressOfTheFeed) {
-    desktop.alerts().answers = {0};
-
     check(kManual, kNewer);
+    EXPECT_THAT(desktop.openUrl().opened, IsEmpty());
+
+    desktop.alerts().close(kDownload);
 
     EXPECT_THAT(desktop.openUrl().opened, ElementsAre("https://a.example/1.3"));
 }
 
 TEST_F(UpdaterTest, DownloadOpensTheWebsiteWhenTheFeedNamesNoAddress) {
-    desktop.alerts().answers = {0, 0};
-
-    check(kManual, R"({"version": "1.3"})");
-    check(kManual, R"({"version": "1.3", "url": 3})");
+    for (const char* const feed : {R"({"version": "1.3"})", R"({"version": "1.3", "url": 3})"}) {
+        check(kManual, feed);
+        desktop.alerts().close(kDownload);
+    }
 
     EXPECT_THAT(desktop.openUrl().opened,
                 ElementsAre("https://tessarel.example/home", "https://tessarel.example/home"));
 }
 
-TEST_F(UpdaterTest, LaterOpensNothing) {
-    desktop.alerts().answers = {1};
+TEST_F(UpdaterTest, LaterAndClosingOpenNothing) {
+    for (const auto button : {std::optional(kLater), std::optional<std::size_t>()}) {
+        check(kManual, kNewer);
+        EXPECT_TRUE(desktop.alerts().close(button));
+    }
 
-    check(kManual, kNewer);
+    EXPECT_THAT(desktop.openUrl().opened, IsEmpty());
+}
+
+TEST_F(UpdaterTest, AMessageWithoutADownloadOpensNothing) {
+    check(kManual, R"({"version": "1.2", "url": "https://a.example/1.2"})");
+    EXPECT_TRUE(desktop.alerts().close(0));
 
     EXPECT_THAT(desktop.openUrl().opened, IsEmpty());
 }
@@ -147,8 +158,8 @@ TEST_F(UpdaterTest, LaterOpensNothing) {
 TEST_F(UpdaterTest, DownloadOpensOnlyWebAddresses) {
     for (const char* url : {"", "file:///etc/passwd", "javascript:alert(1)", "example.org/1.3",
                             "//example.org", "https://a b", "mailto:a@example.org"}) {
-        desktop.alerts().answers = {0};
         check(kManual, std::string(R"({"version": "1.3", "url": ")") + url + R"("})");
+        desktop.alerts().close(kDownload);
     }
 
     EXPECT_EQ(alerts().size(), 7U);
@@ -171,12 +182,12 @@ public:
     DoneWhenShown(PreferencesPort& preferences, const sim::SimOwnApplication& application)
         : m_preferences(preferences), m_application(application) {}
 
-    std::size_t runModal(const Alert&) override {
+    [[nodiscard]] SubscriptionPtr show(const Alert&, Closed) override {
         document = m_preferences.data(Store::key);
         activations = m_application.activations;
-        return 0;
+        return nullptr;
     }
-    void dismiss(const Alert&) override {}
+    void runModal(const Alert&) override {}
     std::optional<std::string> runModalForText(const Alert&) override { return std::nullopt; }
 
     std::optional<std::string> document;
@@ -332,48 +343,24 @@ TEST_F(UpdaterTest, ConcurrentChecksAreReportedInTheOrderOfTheirReplies) {
     EXPECT_EQ(alerts()[2].messageText, "Tessarel 1.3 is available");
 }
 
-/// Alerts that call `meanwhile` while the first message is shown.
-class Interrupted : public sim::SimAlerts {
-public:
-    std::size_t runModal(const Alert& alert) override {
-        if (meanwhile)
-            std::exchange(meanwhile, nullptr)();
-        return SimAlerts::runModal(alert);
-    }
+TEST_F(UpdaterTest, EveryCheckHasItsOwnMessage) {
+    check(kManual, std::nullopt);
+    check(kManual, kNewer);
+    ASSERT_EQ(desktop.alerts().standing().size(), 2U);
 
-    std::function<void()> meanwhile;
-};
-
-class InterruptedUpdaterTest : public UpdaterTest {
-protected:
-    InterruptedUpdaterTest() {
-        updater = std::make_unique<Updater>(store, web, desktop.wallClock(), message,
-                                            desktop.ownApplication(), desktop.openUrl(), source);
-    }
-
-    Interrupted message;
-};
-
-TEST_F(InterruptedUpdaterTest, AReplyWhileAMessageIsShownGetsItsOwnMessage) {
-    updater->check(kManual);
-    updater->check(kManual);
-    message.meanwhile = [&] { web.answer(1, UrlResponse{200, kNewer}); };
-
-    web.answer(0, std::nullopt);
-
-    ASSERT_EQ(message.shown.size(), 2U);
-    EXPECT_EQ(message.shown[0].messageText, "Tessarel 1.3 is available");
-    EXPECT_EQ(message.shown[1].messageText, kFailed);
-}
-
-TEST_F(InterruptedUpdaterTest, TheProgramMayEndWhileAMessageIsShown) {
-    updater->check(kManual);
-    message.meanwhile = [&] { updater.reset(); };
-    message.answers = {0};
-
-    web.answer(0, UrlResponse{200, kNewer});
+    desktop.alerts().close(kDownload);
 
     EXPECT_THAT(desktop.openUrl().opened, ElementsAre("https://a.example/1.3"));
+    EXPECT_THAT(desktop.alerts().standing(), ElementsAre(alerts().front()));
+}
+
+TEST_F(UpdaterTest, DestroyingTheUpdaterRemovesItsMessages) {
+    check(kManual, kNewer);
+    check(kManual, std::nullopt);
+
+    updater.reset();
+
+    EXPECT_THAT(desktop.alerts().standing(), IsEmpty());
 }
 
 TEST_F(UpdaterTest, DestroyingTheUpdaterCancelsItsChecks) {

@@ -5,6 +5,7 @@
 
 #include <QClipboard>
 #include <QDialog>
+#include <QEvent>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
@@ -32,17 +33,24 @@ protected:
         return nullptr;
     }
 
-    /// Schedules a click on the button called `title` of the message that is shown next.
-    void answer(const QString& title) {
-        async(program->mainQueue(), [title] {
-            fakemac::turn();
-            const QWidget* const message = QApplication::activeModalWidget();
-            ASSERT_NE(message, nullptr);
-            for (auto* const button : message->findChildren<QPushButton*>()) {
-                if (button->text() == title)
-                    button->click();
-            }
-        });
+    /// Returns the message that is shown; null if there is none.
+    [[nodiscard]] static QDialog* message() {
+        for (QWidget* const window : QApplication::topLevelWidgets()) {
+            auto* const dialog = qobject_cast<QDialog*>(window);
+            if (dialog && dialog->isVisible())
+                return dialog;
+        }
+        return nullptr;
+    }
+
+    /// Waits for a message and clicks its button called `title`.
+    static void answer(const QString& title) {
+        ASSERT_TRUE(until([] { return message() != nullptr; }));
+        for (auto* const button : message()->findChildren<QPushButton*>()) {
+            if (button->text() == title)
+                button->click();
+        }
+        QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); // no event loop does it
     }
 };
 
@@ -166,17 +174,28 @@ TEST_F(MacApplicationShellTest, AMessageComesToTheFrontWhenActivationIsRefused) 
     launch();
     openEditorWindow();
 
-    async(program->mainQueue(), [this] {
-        QWidget* const message = QApplication::activeModalWidget();
-        ASSERT_NE(message, nullptr);
-        EXPECT_TRUE(windows->sight(*message).isInFront);
-        EXPECT_TRUE(windows->sight(*message).hasKeyboard);
-        message->findChildren<QPushButton*>().constFirst()->click();
-    });
+    ASSERT_TRUE(until([] { return message() != nullptr; }));
+    EXPECT_TRUE(windows->sight(*message()).isInFront);
+    EXPECT_TRUE(windows->sight(*message()).hasKeyboard);
+    answer(QStringLiteral("Continue"));
 
-    EXPECT_TRUE(until([] {
-        return fakemac::mac().defaults[kSettingsKey].find(R"("hasOnboarded":true)") != std::string::npos;
-    }));
+    EXPECT_NE(fakemac::mac().defaults[kSettingsKey].find(R"("hasOnboarded":true)"), std::string::npos);
+}
+
+TEST_F(MacApplicationShellTest, MenuAndSettingsCanBeUsedWhileTheWelcomeStands) {
+    fakemac::mac().defaults.clear();
+    launch();
+    ASSERT_TRUE(until([] { return message() != nullptr; }));
+
+    choose({"Pause Tessarel"});
+    EXPECT_TRUE(until([] { return fakemac::statusItems().at(0).appearsDisabled; }));
+    EXPECT_TRUE(fakemac::openAgain());
+    ASSERT_TRUE(until([] { return settingsWindow() != nullptr; }));
+    drain();
+
+    EXPECT_FALSE(message()->isModal());
+    EXPECT_TRUE(windows->sight(*settingsWindow()).isInFront) << "the message covers the settings";
+    EXPECT_TRUE(windows->sight(*settingsWindow()).hasKeyboard);
 }
 
 TEST_F(MacApplicationShellTest, AModalMessageBecomesTheKeyWindowInsteadOfTheSettings) {

@@ -38,34 +38,6 @@ inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance, Lo
             .words = words};
 }
 
-/// Returns `ports` with the alerts replaced by `alerts`.
-inline Ports withAlerts(const Ports& ports, AlertsPort& alerts) {
-    return {.accessibility = ports.accessibility,
-            .alertSound = ports.alertSound,
-            .alerts = alerts,
-            .application = ports.application,
-            .displays = ports.displays,
-            .hotKeys = ports.hotKeys,
-            .keyNames = ports.keyNames,
-            .localKeys = ports.localKeys,
-            .loginItem = ports.loginItem,
-            .mainMenu = ports.mainMenu,
-            .mainQueue = ports.mainQueue,
-            .mouse = ports.mouse,
-            .openPanel = ports.openPanel,
-            .openUrl = ports.openUrl,
-            .overlay = ports.overlay,
-            .preferences = ports.preferences,
-            .singleInstance = ports.singleInstance,
-            .statusItem = ports.statusItem,
-            .trust = ports.trust,
-            .urlLoading = ports.urlLoading,
-            .wallClock = ports.wallClock,
-            .windowList = ports.windowList,
-            .workspace = ports.workspace,
-            .words = ports.words};
-}
-
 /// Returns all ports of a simulated desktop, for the program instance of `instance`, with the words `words`.
 inline Ports simPorts(sim::SimDesktop& desktop, SingleInstancePort& instance,
                       const PlatformWords& words = kSimWords) {

@@ -68,11 +68,9 @@ QLabel* makeText(QDialog& dialog, const QString& text) {
 
 } // namespace
 
-AlertDialog::AlertDialog(const Alert& alert)
-    : m_message(makeText(*this, plainText(alert.messageText, kLongestMessage))),
-      m_information(makeText(*this, plainText(alert.informativeText, kLongestInformation))),
-      m_dismissedAs(alert.dismissedAs.value_or(alert.buttons.empty() ? 0 : alert.buttons.size() - 1)) {
-    setModal(true);
+AlertDialog::AlertDialog(const Alert& alert, QWidget* window)
+    : QDialog(window), m_message(makeText(*this, plainText(alert.messageText, kLongestMessage))),
+      m_information(makeText(*this, plainText(alert.informativeText, kLongestInformation))) {
     setWindowTitle(QCoreApplication::applicationName());
     QFont heading = m_message->font();
     heading.setBold(true);
@@ -146,13 +144,30 @@ QLineEdit& AlertDialog::addField() {
     return *field;
 }
 
-std::size_t AlertDialog::run(const std::function<void(QWidget&)>& shown) {
+void AlertDialog::present(const std::function<void(QWidget&)>& shown) {
+    // As an ordinary window that only looks like a dialog to the window manager. It would keep a real one
+    // without a parent above all other windows of the program.
+    setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
+    setAttribute(Qt::WA_X11NetWmWindowTypeDialog);
+    bringUp(shown);
+}
+
+void AlertDialog::bringUp(const std::function<void(QWidget&)>& shown) {
     show();
     raise();
     activateWindow();
     shown(*this);
-    const int result = exec();
-    return result == Rejected ? m_dismissedAs : static_cast<std::size_t>(result - 1);
+}
+
+std::optional<std::size_t> AlertDialog::buttonOf(int result) {
+    return result == Rejected ? std::nullopt : std::optional(static_cast<std::size_t>(result - 1));
+}
+
+std::optional<std::size_t> AlertDialog::run(const std::function<void(QWidget&)>& shown) {
+    // Not modal to the whole application, which would block the menu of the tray icon.
+    setWindowModality(Qt::WindowModal);
+    bringUp(shown);
+    return buttonOf(exec());
 }
 
 } // namespace tessarel::qt

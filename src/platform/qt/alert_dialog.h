@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 
 class QLabel;
 class QLineEdit;
@@ -23,19 +24,29 @@ namespace tessarel::qt {
 /// informative text scrolls. All texts are shown literally, without markup or mnemonics.
 class AlertDialog : public QDialog {
 public:
-    /// Builds the dialog without showing it. An alert without buttons gets one titled "OK".
-    explicit AlertDialog(const Alert& alert);
+    /// Builds the dialog without showing it. `window` is the window that the alert is about, if any. An alert
+    /// without buttons gets one titled "OK".
+    explicit AlertDialog(const Alert& alert, QWidget* window = nullptr);
 
     /// Adds a one-line text field below the texts, gives it the keyboard focus and returns it. The dialog
     /// owns the field. Return presses the first button.
     QLineEdit& addField();
 
-    /// Shows the dialog and runs a nested event loop until it is closed. `shown` is called with the visible
-    /// dialog before the loop starts. Returns the position of the clicked button, from 0. If the dialog is
-    /// closed in another way, returns `Alert::dismissedAs` or, without it, the position of the last button.
-    [[nodiscard]] std::size_t run(const std::function<void(QWidget&)>& shown);
+    /// Shows the dialog in front, as a window beside the program's others, and returns. `shown` is called
+    /// with the visible dialog.
+    void present(const std::function<void(QWidget&)>& shown);
+
+    /// Returns the position of the button, from 0, that finished the dialog with `result`; `std::nullopt` if
+    /// it was closed in another way.
+    [[nodiscard]] static std::optional<std::size_t> buttonOf(int result);
+
+    /// Shows the dialog and runs a nested event loop until it is closed; its parent accepts no input
+    /// meanwhile. `shown` is called with the visible dialog before the loop starts. Returns the position of
+    /// the clicked button, from 0; `std::nullopt` if the dialog was closed in another way.
+    [[nodiscard]] std::optional<std::size_t> run(const std::function<void(QWidget&)>& shown);
 
 private:
+    void bringUp(const std::function<void(QWidget&)>& shown);
     void layOut();
     void addButtons(const Alert& alert);
     [[nodiscard]] QWidget* scrolled(QLabel& label) const;
@@ -44,7 +55,6 @@ private:
     QLabel* m_information;
     QVBoxLayout* m_texts;
     QList<QPushButton*> m_buttons;
-    std::size_t m_dismissedAs;
 };
 
 } // namespace tessarel::qt

@@ -1,13 +1,12 @@
 #include "platform/qt_x11/qt_x11_application.h"
 
+#include "platform/qt/window_order.h"
 #include "platform/qt_x11/qt_connection.h"
 
 #include <QApplication>
 #include <QWidget>
 #include <QWidgetList>
 #include <xcb/xcb.h>
-
-#include <algorithm>
 
 namespace tessarel::qt {
 
@@ -31,8 +30,7 @@ bool isVisibleWindow(const QWidget* widget) {
 void QtX11Application::activate() {
     QWidgetList windows = QApplication::topLevelWidgets();
     windows.removeIf([](const QWidget* window) { return !isVisibleWindow(window); });
-    std::stable_partition(windows.begin(), windows.end(),
-                          [](const QWidget* window) { return !window->isModal(); });
+    sortForRaising(windows);
     waitForRequests();
     for (const QWidget* const window : windows)
         m_bringToUser(static_cast<std::uint32_t>(window->winId()));

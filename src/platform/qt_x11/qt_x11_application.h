@@ -17,7 +17,8 @@ public:
 
     explicit QtX11Application(BringToUser bringToUser) : m_bringToUser(std::move(bringToUser)) {}
 
-    /// Brings every visible window to the user. A modal dialog comes last, so that it is in front.
+    /// Brings every visible window to the user: a message first, so that it does not cover the settings, and
+    /// a modal dialog last, so that it is in front.
     void activate() override;
 
 private:

@@ -1,20 +1,40 @@
 #include "platform/sim/sim_services.h"
 
+#include "model/call_on_end.h"
+
+#include <iterator>
 #include <utility>
 
 namespace tessarel::sim {
 
-std::size_t SimAlerts::runModal(const Alert& alert) {
+SimAlerts::SimAlerts() : m_open(std::make_shared<std::map<int, Open>>()) {}
+
+SubscriptionPtr SimAlerts::show(const Alert& alert, Closed closed) {
+    shown.push_back(alert);
+    const int number = ++m_lastNumber;
+    m_open->emplace(number, Open{alert, std::move(closed)});
+    return callOnEnd([open = m_open, number] { open->erase(number); });
+}
+
+bool SimAlerts::close(std::optional<std::size_t> button) {
+    if (m_open->empty())
+        return false;
+    const auto last = m_open->extract(std::prev(m_open->end()));
+    last.mapped().closed(button);
+    return true;
+}
+
+std::vector<Alert> SimAlerts::standing() const {
+    std::vector<Alert> alerts;
+    for (const auto& [number, open] : *m_open)
+        alerts.push_back(open.alert);
+    return alerts;
+}
+
+void SimAlerts::runModal(const Alert& alert) {
     shown.push_back(alert);
     if (whileShown)
         whileShown();
-    // Without an answer the alert is closed in another way than by a button.
-    const std::size_t last = alert.buttons.empty() ? 0 : alert.buttons.size() - 1;
-    if (answers.empty())
-        return alert.dismissedAs.value_or(last);
-    const std::size_t answer = answers.front();
-    answers.pop_front();
-    return answer;
 }
 
 std::optional<std::string> SimAlerts::runModalForText(const Alert& alert) {

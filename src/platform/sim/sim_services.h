@@ -11,6 +11,8 @@
 #include <cstddef>
 #include <deque>
 #include <functional>
+#include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,21 +27,35 @@ public:
     int beeps = 0;
 };
 
-/// A user who answers alerts as a test has prescribed. An alert without a prescribed answer is closed without
-/// a button.
+/// A user who closes modal alerts at once, and other alerts when a test says so.
 class SimAlerts : public AlertsPort {
 public:
-    /// Returns the next of `answers`; without one, the position that closing without a button counts as.
-    std::size_t runModal(const Alert& alert) override;
-    void dismiss(const Alert& alert) override { dismissed.push_back(alert); }
+    SimAlerts();
+
+    /// The returned subscription may outlive this object.
+    [[nodiscard]] SubscriptionPtr show(const Alert& alert, Closed closed) override;
+    void runModal(const Alert& alert) override;
     /// Returns the next of `texts`, `std::nullopt` if there is none.
     std::optional<std::string> runModalForText(const Alert& alert) override;
 
+    /// Closes the alert that was opened last of those that stand, with the button at position `button` or,
+    /// without one, in another way. Returns false if none stands.
+    bool close(std::optional<std::size_t> button);
+    /// Returns the alerts that stand, in the order in which they were opened.
+    [[nodiscard]] std::vector<Alert> standing() const;
+
     std::function<void()> whileShown; ///< called while an alert is shown; may be empty
     std::vector<Alert> shown;         ///< all alerts in order, including those that ask for a text
-    std::vector<Alert> dismissed;     ///< by the program, whether shown or not
-    std::deque<std::size_t> answers;  ///< positions of the buttons that the user will press, next one first
     std::deque<std::string> texts;    ///< texts that the user will type and accept, next one first
+
+private:
+    struct Open {
+        Alert alert;
+        Closed closed;
+    };
+
+    std::shared_ptr<std::map<int, Open>> m_open; ///< by number; shared with subscriptions
+    int m_lastNumber = 0;
 };
 
 /// Counts the requests to activate and to end the program.

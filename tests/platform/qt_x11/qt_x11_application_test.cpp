@@ -52,6 +52,17 @@ TEST_F(QtX11ApplicationTest, AModalDialogComesLast) {
     EXPECT_EQ((std::set{brought[1], brought[2]}), (std::set{idOf(first), idOf(last)}));
 }
 
+TEST_F(QtX11ApplicationTest, AMessageBesideWhichOtherWindowsCanBeUsedComesFirst) {
+    QWidget window;
+    QDialog message;
+    for (QWidget* const one : {&window, static_cast<QWidget*>(&message)})
+        one->show();
+
+    application.activate();
+
+    EXPECT_EQ(brought, (std::vector{idOf(message), idOf(window)}));
+}
+
 TEST_F(QtX11ApplicationTest, WithoutAWindowNothingHappens) {
     application.activate();
 

@@ -183,16 +183,23 @@ TEST_F(SimDesktopTest, RegistrationsMayOutliveTheDesktop) {
     EXPECT_TRUE(handler && held && instance);
 }
 
-TEST_F(SimDesktopTest, AlertsReturnTheScriptedAnswersOrElseTheLastButton) {
-    const Alert alert{"Welcome", "Read this.", {"Continue", "Open Settings", "Later"}};
-    desktop.alerts().answers = {1, 0};
+TEST_F(SimDesktopTest, AnAlertStandsUntilItIsClosedOrItsSubscriptionEnds) {
+    const Alert first{"Welcome", "Read this.", {"Continue", "Open Settings"}};
+    const Alert second{"Done", "", {"OK"}};
+    std::vector<std::optional<std::size_t>> closedBy;
+    const auto note = [&](std::optional<std::size_t> button) { closedBy.push_back(button); };
+    auto one = desktop.alerts().show(first, note);
+    auto two = desktop.alerts().show(second, note);
+    EXPECT_EQ(desktop.alerts().standing(), (std::vector{first, second}));
 
-    EXPECT_EQ(desktop.alerts().runModal(alert), 1U);
-    EXPECT_EQ(desktop.alerts().runModal(alert), 0U);
-    EXPECT_EQ(desktop.alerts().runModal(alert), 2U);
-    EXPECT_EQ(desktop.alerts().runModal({"Bare", "", {}}), 0U);
-    EXPECT_EQ(desktop.alerts().shown.size(), 4U);
-    EXPECT_EQ(desktop.alerts().shown.front(), alert);
+    EXPECT_TRUE(desktop.alerts().close(std::nullopt));
+    EXPECT_EQ(desktop.alerts().standing(), (std::vector{first}));
+    two.reset();
+    one.reset();
+    EXPECT_FALSE(desktop.alerts().close(0));
+
+    EXPECT_EQ(closedBy, (std::vector<std::optional<std::size_t>>{std::nullopt}));
+    EXPECT_EQ(desktop.alerts().shown, (std::vector{first, second}));
 }
 
 TEST_F(SimDesktopTest, ServicesRecordTheirCalls) {

@@ -2,6 +2,8 @@
 
 #include "model/config.h"
 
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -23,7 +25,9 @@ void RefusalNotice::refused() {
                     "managers arrange windows themselves; " +
                     appName + " moves those that float. You will not be told again.",
                 {"OK"}};
-    m_pending = m_queue.async([&alerts = m_alerts, alert = std::move(alert)] { alerts.runModal(alert); });
+    m_pending = m_queue.async([this, alert = std::move(alert)] {
+        m_alert = m_alerts.show(alert, [this](std::optional<std::size_t>) { m_alert.reset(); });
+    });
 }
 
 } // namespace tessarel::x11

@@ -25,6 +25,7 @@ private:
     AlertsPort& m_alerts;
     xcb_window_t m_told = XCB_WINDOW_NONE; // the check window of the window manager that was last reported
     SubscriptionPtr m_pending;
+    SubscriptionPtr m_alert; // not null while the notice is shown
     SubscriptionPtr m_refusals;
 };
 

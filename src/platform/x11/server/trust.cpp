@@ -5,9 +5,9 @@
 #include <xcb/randr.h>
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace tessarel::x11 {
@@ -69,22 +69,22 @@ void X11Trust::prompt() {
 }
 
 void X11Trust::explain() {
-    const auto alive = m_lifetime.watch(); // the nested event loop of the alert may destroy this object
-    if (!isTrusted()) {
-        m_open = explanation();
-        m_events = m_connection.onEvent([this](const Connection::Event&) { closeWhenTrusted(); });
-        m_alerts.runModal(Alert(*m_open));
-    }
-    if (alive.expired())
-        return;
-    m_events.reset();
-    m_open.reset();
     m_prompt.reset();
+    close();
+    if (isTrusted())
+        return;
+    m_events = m_connection.onEvent([this](const Connection::Event&) { closeWhenTrusted(); });
+    m_alert = m_alerts.show(explanation(), [this](std::optional<std::size_t>) { close(); });
+}
+
+void X11Trust::close() {
+    m_alert.reset();
+    m_events.reset();
 }
 
 void X11Trust::closeWhenTrusted() {
-    if (m_open && isTrusted())
-        m_alerts.dismiss(*std::exchange(m_open, std::nullopt));
+    if (isTrusted())
+        close();
 }
 
 Alert X11Trust::explanation() {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "model/lifetime.h"
 #include "model/subscription.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/server/window_manager_check.h"
@@ -9,7 +8,6 @@
 #include "ports/trust_port.h"
 
 #include <chrono>
-#include <optional>
 
 namespace tessarel::x11 {
 
@@ -41,8 +39,8 @@ public:
 
     /// Shows an alert that explains what is missing, in the next iteration of the main queue; if no window
     /// manager is running, not before `kPatience` has passed since the start. By then it may be trusted; an
-    /// open alert is closed as soon as it is. Does nothing when trusted, nor while such an alert is pending
-    /// or open.
+    /// open alert is closed as soon as it is. An alert that is open already is shown anew, in front of other
+    /// windows. Does nothing when trusted, nor while an alert is pending.
     void prompt() override;
 
     // There is no system setting to change: the alert says all there is to know.
@@ -52,6 +50,7 @@ public:
 private:
     [[nodiscard]] Alert explanation();
     void explain();
+    void close();
     void closeWhenTrusted();
 
     Connection& m_connection;
@@ -60,10 +59,9 @@ private:
     MainQueuePort& m_queue;
     AlertsPort& m_alerts;
     MainQueuePort::TimePoint m_startedAt;
-    Lifetime m_lifetime;
-    SubscriptionPtr m_prompt;    // null unless an alert is pending or open
-    std::optional<Alert> m_open; // the alert that is open
-    SubscriptionPtr m_events;    // while an alert is open
+    SubscriptionPtr m_prompt; // null unless an alert is pending
+    SubscriptionPtr m_alert;  // null unless one is open
+    SubscriptionPtr m_events; // while an alert is open
 };
 
 } // namespace tessarel::x11

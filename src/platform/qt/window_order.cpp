@@ -1,0 +1,24 @@
+#include "platform/qt/window_order.h"
+
+#include <QDialog>
+#include <QWidget>
+
+#include <algorithm>
+
+namespace tessarel::qt {
+
+namespace {
+
+int rank(const QWidget* window) {
+    if (window->isModal())
+        return 2;
+    return qobject_cast<const QDialog*>(window) ? 0 : 1;
+}
+
+} // namespace
+
+void sortForRaising(QWidgetList& windows) {
+    std::ranges::stable_sort(windows, {}, rank);
+}
+
+} // namespace tessarel::qt
