@@ -18,6 +18,7 @@ constexpr int kArrangeRow = 6;
 constexpr int kMoveWindowRow = 7;
 constexpr int kLayoutsRow = 8;
 constexpr int kPauseRow = 9;
+constexpr int kUpdatesRow = 11;
 constexpr int kQuitRow = 12;
 constexpr int kSubmenuRows = 9; // of both submenus
 constexpr int kLeftHalfRow = 0;
@@ -45,7 +46,8 @@ protected:
     void start(std::string_view settings = kUsualSettings, const Environment& added = {}) {
         writeSettings(server, settings);
         Environment environment = server.environment();
-        environment.insert(added.begin(), added.end());
+        for (const auto& [name, value] : added)
+            environment[name] = value;
         program.emplace(environment);
         ASSERT_TRUE(program->waitUntilReady(observer, keyboard)) << program->errors();
     }
@@ -86,9 +88,11 @@ protected:
     bool waitUntilNotDimmed() {
         return observer.waitUntil([&] { return item.contrast() > kDimmed; });
     }
-    void choose(int row) {
+    void choose(int row) { chooseOf(kRows, row); }
+    /// Chooses a row of a menu with this number of rows.
+    void chooseOf(int rows, int row) {
         openMenu();
-        mouse.clickCentre(ShownStatusItem::row(item.menus().at(0), row, kRows), Mouse::kLeft);
+        mouse.clickCentre(ShownStatusItem::row(item.menus().at(0), row, rows), Mouse::kLeft);
         EXPECT_TRUE(waitForMenus(0)) << "the menu stays open";
     }
     void choose(int parentRow, int row) {
@@ -108,6 +112,24 @@ protected:
     }
 
     [[nodiscard]] std::string settings() const { return storedSettings(server); }
+
+    /// Waits until the program shows an alert, which is active then.
+    bool waitForAlert() {
+        const auto isActive = [&] {
+            return observer.text(observer.activeWindow(), "WM_CLASS").find("tessarel") != std::string::npos;
+        };
+        return observer.waitUntil(isActive) && observer.settle();
+    }
+    /// Uses the menu, which has `rowsAbove` rows more than usual, to pause and to quit.
+    void expectPauseAndQuitWork(int rowsAbove) {
+        const int rows = kRows + rowsAbove;
+        chooseOf(rows, kPauseRow + rowsAbove);
+        EXPECT_TRUE(waitUntilDimmed());
+        chooseOf(rows, kPauseRow + rowsAbove);
+        EXPECT_TRUE(waitUntilNotDimmed());
+        chooseOf(rows, kQuitRow + rowsAbove);
+        EXPECT_EQ(program->process().waitForExit(), 0);
+    }
 
     XServer server{{.width = 1000, .height = 700}};
     WindowManager manager{server, WindowManagerKind::Openbox};
@@ -266,10 +288,7 @@ TEST_F(MenuTest, AProgramThatWasPausedAndQuitIsNotPausedWhenItStartsAgain) {
 
 TEST_F(MenuTest, TheMenuWorksAfterTheWelcomeOfTheFirstStart) {
     start("{}");
-    const auto welcomes = [&] {
-        return observer.text(observer.activeWindow(), "WM_CLASS").find("tessarel") != std::string::npos;
-    };
-    ASSERT_TRUE(observer.waitUntil(welcomes) && observer.settle());
+    ASSERT_TRUE(waitForAlert());
 
     keyboard.press(kReturn);
 
@@ -278,6 +297,32 @@ TEST_F(MenuTest, TheMenuWorksAfterTheWelcomeOfTheFirstStart) {
         << "only the panel is left";
     choose(kQuitRow);
     EXPECT_EQ(program->process().waitForExit(), 0);
+}
+
+TEST_F(MenuTest, TheMenuWorksWhileTheWelcomeStands) {
+    start("{}");
+    ASSERT_TRUE(waitForAlert());
+
+    expectPauseAndQuitWork(0);
+
+    EXPECT_EQ(settings(), "{}") << "quitting counts as welcomed";
+}
+
+TEST_F(MenuTest, TheMenuWorksWhileTheProgramSaysThatItCannotMoveWindows) {
+    server.setMonitors(
+        {{.name = "XWAYLAND0", .x = 0, .y = 0, .width = 1000, .height = 700, .primary = true}});
+    start(kUsualSettings, {{"XDG_SESSION_TYPE", "wayland"}});
+    ASSERT_TRUE(waitForAlert());
+
+    expectPauseAndQuitWork(1); // the row that asks for the permission
+}
+
+TEST_F(MenuTest, TheMenuWorksWhileTheResultOfAnUpdateCheckStands) {
+    start();
+    choose(kUpdatesRow);
+    ASSERT_TRUE(waitForAlert());
+
+    expectPauseAndQuitWork(0);
 }
 
 } // namespace

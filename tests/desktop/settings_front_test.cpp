@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace tessarel::x11test {
@@ -21,13 +22,15 @@ constexpr const char* kTitle = "Tessarel Settings";
 /// The user works in another program and then asks for the settings window.
 class SettingsFrontTest : public testing::TestWithParam<WindowManagerKind> {
 protected:
-    SettingsFrontTest() {
-        writeSettings(server, kNoHomes);
+    explicit SettingsFrontTest(std::string_view settings = kNoHomes) {
+        writeSettings(server, settings);
         EXPECT_TRUE(observer.waitUntil([&] { return tray.isThere(); })) << panel->errors();
         program.emplace(environment);
         EXPECT_TRUE(program->waitUntilReady(observer, keyboard)) << program->errors();
         EXPECT_TRUE(observer.waitUntil([&] { return !tray.item().empty(); })) << "no status item";
         observer.sendToRoot(observer.root(), "_NET_NUMBER_OF_DESKTOPS", {4});
+    }
+    void SetUp() override {
         other = client.open({.client = {60, 60, 1400, 700}});
         EXPECT_TRUE(observer.waitUntil([&] { return observer.activeWindow() == other; }));
     }
@@ -70,9 +73,9 @@ protected:
         ASSERT_TRUE(observer.waitUntil([&] { return desktopShown() == number; }));
     }
 
-    [[nodiscard]] xcb_window_t find() {
+    [[nodiscard]] xcb_window_t find(std::string_view title = kTitle) {
         for (const xcb_window_t window : observer.clients())
-            if (observer.text(window, "_NET_WM_NAME") == kTitle)
+            if (observer.text(window, "_NET_WM_NAME") == title)
                 return window;
         return XCB_WINDOW_NONE;
     }
@@ -98,9 +101,9 @@ protected:
     }
 
     /// Asks for the settings window, and waits until it is where the user looks, and stays there.
-    void askAndExpectItOn(std::uint32_t desktop) {
+    void askAndExpectItOn(std::uint32_t desktop, const std::function<void()>& ask) {
         ASSERT_NO_FATAL_FAILURE(workElsewhere());
-        m_ask();
+        ask();
         std::string wrong;
         const auto isRight = [&] {
             wrong = whatIsWrong(desktop);
@@ -130,7 +133,6 @@ protected:
     }
 
     void expectItComesFromEverywhere(const std::function<void()>& ask) {
-        m_ask = ask;
         const std::uint32_t first = desktopShown();
         const std::uint32_t second = first + 1;
         const auto nowhere = [] {};
@@ -156,7 +158,7 @@ protected:
         for (const Whereabouts& one : all) {
             SCOPED_TRACE(one.name);
             ASSERT_NO_FATAL_FAILURE(one.prepare());
-            ASSERT_NO_FATAL_FAILURE(askAndExpectItOn(one.desktop));
+            ASSERT_NO_FATAL_FAILURE(askAndExpectItOn(one.desktop, ask));
         }
     }
 
@@ -180,8 +182,6 @@ private:
         std::function<void()> prepare;
         std::uint32_t desktop; ///< where the user is then
     };
-
-    std::function<void()> m_ask;
 };
 
 /// All but pekwm, which lists a window only when another one opens.
@@ -200,6 +200,28 @@ TEST_P(SettingsFrontTest, ASecondStartBringsTheWindowToTheUser) {
 
 TEST_P(SettingsFrontTest, TheStatusItemBringsTheWindowToTheUser) {
     expectItComesFromEverywhere([this] { chooseInTray(); });
+}
+
+/// The first start: the welcome stands.
+class SettingsBesideTheWelcomeTest : public SettingsFrontTest {
+protected:
+    SettingsBesideTheWelcomeTest() : SettingsFrontTest(R"({"rememberApps":false})") {}
+
+    void SetUp() override {
+        ASSERT_TRUE(observer.waitUntil([&] { return find("Tessarel") != XCB_WINDOW_NONE; }));
+        // It raises itself once more after it has appeared.
+        ASSERT_TRUE(observer.settleProgram(find("Tessarel")));
+        SettingsFrontTest::SetUp();
+    }
+};
+
+INSTANTIATE_TEST_SUITE_P(, SettingsBesideTheWelcomeTest, testing::ValuesIn(listingManagers()),
+                         [](const auto& manager) { return std::string(name(manager.param)); });
+
+TEST_P(SettingsBesideTheWelcomeTest, ASecondStartBringsTheWindowInFrontOfTheWelcome) {
+    askAndExpectItOn(desktopShown(), [this] { secondStart(); });
+
+    EXPECT_NE(find("Tessarel"), xcb_window_t{XCB_WINDOW_NONE});
 }
 
 } // namespace

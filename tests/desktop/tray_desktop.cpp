@@ -137,9 +137,14 @@ bool ShownStatusItem::isOfProgram(xcb_window_t window) {
 
 std::optional<Frame> ShownStatusItem::icon() {
     XConnection& x = m_observer.x();
+    const std::vector<xcb_window_t> clients = m_observer.clients();
+    // The window manager has reparented other windows of the program, too.
+    const auto isClient = [&](xcb_window_t window) {
+        return std::ranges::find(clients, window) != clients.end();
+    };
     for (const xcb_window_t topLevel : children(x, m_observer.root()))
         for (const xcb_window_t inner : descendants(x, topLevel))
-            if (isOfProgram(inner) && appearance(x, inner).viewable)
+            if (isOfProgram(inner) && !isClient(inner) && appearance(x, inner).viewable)
                 return m_observer.clientFrame(inner);
     return std::nullopt;
 }

@@ -1,6 +1,7 @@
 #include "desktop/screen_reader.h"
 #include "desktop/tray_desktop.h"
 #include "support/x11/keyboard.h"
+#include "support/x11/mouse.h"
 #include "support/x11/observer.h"
 #include "support/x11/program.h"
 #include "support/x11/window_manager.h"
@@ -10,6 +11,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace tessarel::x11test {
@@ -37,6 +39,7 @@ protected:
     XServer server;
     WindowManager manager{server, WindowManagerKind::Openbox};
     Observer observer{server.display()};
+    Mouse mouse{observer};
     ScreenReader reader{server.environment()};
     std::unique_ptr<Program> program;
 };
@@ -60,6 +63,26 @@ TEST_F(WelcomeTest, WithoutATrayItSaysHowElseToOpenTheSettings) {
     // Otherwise the welcome may become active after the settings.
     EXPECT_TRUE(observer.waitUntil([&] { return observer.activeWindow() != xcb_window_t{XCB_WINDOW_NONE}; }));
     EXPECT_NE(openSettingsWindow(observer, reader.environment()), xcb_window_t{XCB_WINDOW_NONE});
+    EXPECT_EQ(program->terminate(), 0);
+}
+
+TEST_F(WelcomeTest, WhileItStandsTheSettingsCanBeUsed) {
+    welcome();
+    ASSERT_NE(openSettingsWindow(observer, reader.environment()), xcb_window_t{XCB_WINDOW_NONE});
+    const auto waitFor = [&](const char* role, const char* name) {
+        std::optional<Accessible> part;
+        EXPECT_TRUE(observer.waitUntil([&] {
+            part = reader.find("Tessarel", role, name);
+            return part.has_value();
+        })) << name;
+        return part.value_or(Accessible{});
+    };
+
+    mouse.clickCentre(waitFor("page tab", "General").frame, Mouse::kLeft);
+    mouse.clickCentre(waitFor("check box", "Reopen apps in their last zone").frame, Mouse::kLeft);
+
+    EXPECT_TRUE(waitUntilStored(observer, server, R"("rememberApps":false)"));
+    EXPECT_EQ(storedSettings(server).find(R"("hasOnboarded":true)"), std::string::npos);
     EXPECT_EQ(program->terminate(), 0);
 }
 
