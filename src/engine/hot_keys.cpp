@@ -1,17 +1,25 @@
 #include "engine/hot_keys.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tessarel {
 
 HotKeys::HotKeys(HotKeyPort& port, ActionRunner& runner, const Store& store)
-    : m_port(port), m_runner(runner), m_store(store) {}
+    : m_port(port), m_runner(runner), m_store(store),
+      m_takenObserver(port.onTakenChange([this] { m_takenChange.send(); })) {}
 
 void HotKeys::registerAll() {
     installHandler();
     // First, because our own earlier registrations would make the new ones fail.
     m_refs.clear();
     m_refs = m_port.registerHotKeys(requests());
+    m_takenChange.send();
+}
+
+bool HotKeys::isTaken(ActionID action) const {
+    const std::vector<std::uint32_t> taken = m_port.taken();
+    return std::ranges::find(taken, static_cast<std::uint32_t>(ActionID::Case(action))) != taken.end();
 }
 
 void HotKeys::handle(std::uint32_t id) {

@@ -36,11 +36,22 @@ public:
     [[nodiscard]] virtual SubscriptionPtr installHandler(std::function<void(std::uint32_t id)> pressed) = 0;
 
     /// Registers the combinations in order and returns one entry per request: a subscription that keeps the
-    /// combination registered, or null if the combination is unavailable. That is the case if another program
-    /// or an earlier request has registered it, if there is no such key, or if `mods` has bits beyond the
-    /// four modifiers. A failed registration is not retried.
+    /// combination registered, or null if an earlier request has registered it, if there is no such key, or
+    /// if `mods` has bits beyond the four modifiers. A combination that another program holds is registered,
+    /// too, but it is taken: nothing happens when it is pressed.
     [[nodiscard]] virtual std::vector<SubscriptionPtr>
     registerHotKeys(std::span<const HotKeyRequest> requests) = 0;
+
+    /// Returns the ids of the registered combinations that are taken, in any order. Always empty where
+    /// several programs can have the same combination.
+    [[nodiscard]] virtual std::vector<std::uint32_t> taken() const = 0;
+
+    /// Takes over the taken combinations that have become free. No system reports that they have.
+    virtual void retryTaken() = 0;
+
+    /// Calls `changed` when `retryTaken` has taken over a combination, and when a registered combination has
+    /// become taken, until the returned subscription is destroyed.
+    [[nodiscard]] virtual SubscriptionPtr onTakenChange(std::function<void()> changed) = 0;
 };
 
 } // namespace tessarel

@@ -132,6 +132,9 @@ private:
             record.note("claim hot keys");
             return std::vector<SubscriptionPtr>(requests.size());
         }
+        [[nodiscard]] std::vector<std::uint32_t> taken() const override { return {}; }
+        void retryTaken() override { record.note("retry taken hot keys"); }
+        SubscriptionPtr onTakenChange(std::function<void()>) override { return nullptr; }
         RecordedPorts& record;
     };
     struct Mouse : MousePort {

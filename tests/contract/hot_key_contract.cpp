@@ -85,26 +85,68 @@ TEST_F(HotKeyContract, TheFourModifiersAreDistinguished) {
     EXPECT_EQ(pressed, modifiers);
 }
 
-TEST_F(ExclusiveHotKeyContract, ACombinationClaimedByAnotherProgramIsRefused) {
+TEST_F(ExclusiveHotKeyContract, ACombinationOfAnotherProgramIsTaken) {
     const auto other = desktop->holdByAnotherProgram(kKey1, kCtrlOpt);
     ASSERT_TRUE(other);
 
-    EXPECT_FALSE(claim(kKey1, kCtrlOpt, 7));
+    const auto taken = claim(kKey1, kCtrlOpt, 7);
+    const auto free = claim(kKey2, kCtrlOpt, 8);
+
+    EXPECT_TRUE(taken);
+    EXPECT_EQ(desktop->hotKeys().taken(), (std::vector<std::uint32_t>{7}));
+    press(kKey1, kCtrlOpt);
+    EXPECT_TRUE(pressed.empty());
+}
+
+TEST_F(ExclusiveHotKeyContract, ATakenCombinationIsTakenOverOnceItIsFree) {
+    auto other = desktop->holdByAnotherProgram(kKey1, kCtrlOpt);
+    const auto hotKey = claim(kKey1, kCtrlOpt, 7);
+    int changes = 0;
+    const auto observer = desktop->hotKeys().onTakenChange([&] { ++changes; });
+    desktop->hotKeys().retryTaken();
+    EXPECT_EQ(changes, 0);
+    EXPECT_EQ(desktop->hotKeys().taken().size(), 1U);
+
+    other.reset();
+    desktop->hotKeys().retryTaken();
+
+    EXPECT_EQ(changes, 1);
+    EXPECT_TRUE(desktop->hotKeys().taken().empty());
+    press(kKey1, kCtrlOpt);
+    EXPECT_EQ(pressed, (std::vector<std::uint32_t>{7}));
+}
+
+TEST_F(ExclusiveHotKeyContract, ATakenCombinationIsNotTakenOverAfterItsClaimHasEnded) {
+    auto other = desktop->holdByAnotherProgram(kKey1, kCtrlOpt);
+    auto hotKey = claim(kKey1, kCtrlOpt, 7);
+
+    hotKey.reset();
+    EXPECT_TRUE(desktop->hotKeys().taken().empty());
+    other.reset();
+    desktop->hotKeys().retryTaken();
 
     press(kKey1, kCtrlOpt);
     EXPECT_TRUE(pressed.empty());
 }
 
-TEST_F(ExclusiveHotKeyContract, ARefusedCombinationCanBeClaimedOnceTheOtherProgramReleasesIt) {
-    auto other = desktop->holdByAnotherProgram(kKey1, kCtrlOpt);
-    EXPECT_FALSE(claim(kKey1, kCtrlOpt, 7));
-    other.reset();
+TEST_F(ExclusiveHotKeyContract, ASecondClaimOfATakenCombinationIsRefused) {
+    const auto other = desktop->holdByAnotherProgram(kKey1, kCtrlOpt);
+    const auto hotKey = claim(kKey1, kCtrlOpt, 7);
 
-    const auto hotKey = claim(kKey1, kCtrlOpt, 8);
+    EXPECT_FALSE(claim(kKey1, kCtrlOpt, 8));
 
-    ASSERT_TRUE(hotKey);
+    EXPECT_EQ(desktop->hotKeys().taken(), (std::vector<std::uint32_t>{7}));
+}
+
+TEST_F(HotKeyContract, ARegisteredCombinationIsNotTaken) {
+    const auto hotKey = claim(kKey1, kCtrlOpt, 7);
+    EXPECT_FALSE(claim(kKey1, kCtrlOpt, 8));
+
+    EXPECT_TRUE(desktop->hotKeys().taken().empty());
+    desktop->hotKeys().retryTaken();
+
     press(kKey1, kCtrlOpt);
-    EXPECT_EQ(pressed, (std::vector<std::uint32_t>{8}));
+    EXPECT_EQ(pressed, (std::vector<std::uint32_t>{7}));
 }
 
 TEST_F(HotKeyContract, ASecondClaimOfTheSameCombinationIsRefusedAndTheFirstStays) {

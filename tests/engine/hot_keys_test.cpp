@@ -104,16 +104,47 @@ TEST_F(HotKeysTest, AnUnboundActionHasNoHotKey) {
     EXPECT_TRUE(registered().empty());
 }
 
-TEST_F(HotKeysTest, ACombinationHeldByAnotherProgramIsSkippedAndRetriedNextTime) {
+TEST_F(HotKeysTest, ACombinationOfAnotherProgramIsTakenUntilARetryFindsItFree) {
     auto other = keys.holdByAnotherProgram(36, kCtrlOpt);
     hotKeys.registerAll();
     EXPECT_EQ(registered().size(), 14U);
-    EXPECT_FALSE(keys.press(36, kCtrlOpt));
+    EXPECT_TRUE(hotKeys.isTaken(ActionID::maximize));
+    EXPECT_FALSE(hotKeys.isTaken(ActionID::center));
+    int changes = 0;
+    const auto observer = hotKeys.onTakenChange([&] { ++changes; });
+    hotKeys.retryTaken();
+    EXPECT_TRUE(hotKeys.isTaken(ActionID::maximize));
+    EXPECT_EQ(changes, 0);
 
     other.reset();
-    EXPECT_FALSE(keys.press(36, kCtrlOpt));
-    hotKeys.registerAll();
+    EXPECT_FALSE(keys.press(36, kCtrlOpt)) << "no system reports that it has become free";
+    hotKeys.retryTaken();
+
     EXPECT_TRUE(keys.press(36, kCtrlOpt));
+    EXPECT_FALSE(hotKeys.isTaken(ActionID::maximize));
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(HotKeysTest, RegisteringTriesTakenCombinationsAgainAndReportsIt) {
+    auto other = keys.holdByAnotherProgram(36, kCtrlOpt);
+    hotKeys.registerAll();
+    int changes = 0;
+    const auto observer = hotKeys.onTakenChange([&] { ++changes; });
+    other.reset();
+
+    hotKeys.registerAll();
+
+    EXPECT_FALSE(hotKeys.isTaken(ActionID::maximize));
+    EXPECT_EQ(changes, 1);
+}
+
+TEST_F(HotKeysTest, ACombinationThatAnotherActionHasIsNotTaken) {
+    settings.bindings = {{"leftHalf", {123, 6144}}, {"center", {123, 6144}}, {"restore", {4000, 6144}}};
+
+    hotKeys.registerAll();
+
+    for (const ActionID action : {ActionID::leftHalf, ActionID::center, ActionID::restore})
+        EXPECT_FALSE(hotKeys.isTaken(action));
 }
 
 TEST_F(HotKeysTest, BindingsThatCannotBeRegisteredAreSkipped) {

@@ -46,6 +46,11 @@ private:
         [[nodiscard]] SubscriptionPtr installHandler(std::function<void(std::uint32_t id)> pressed) override;
         [[nodiscard]] std::vector<SubscriptionPtr>
         registerHotKeys(std::span<const HotKeyRequest> requests) override;
+        [[nodiscard]] std::vector<std::uint32_t> taken() const override { return desktop.hotKeys().taken(); }
+        void retryTaken() override { desktop.hotKeys().retryTaken(); }
+        [[nodiscard]] SubscriptionPtr onTakenChange(std::function<void()> changed) override {
+            return desktop.hotKeys().onTakenChange(std::move(changed));
+        }
         JournalDesktop& desktop;
     };
     struct Preferences : PreferencesPort {

@@ -4,6 +4,10 @@
 #include "model/call_on_end.h"
 #include "model/signal.h"
 
+#include <map>
+#include <set>
+#include <utility>
+
 namespace tessarel::sim {
 
 namespace {
@@ -11,19 +15,31 @@ namespace {
 constexpr std::uint32_t kKeyCodes = 128;
 constexpr std::uint32_t kModifiers = kCmdKey | kShiftKey | kOptKey | kCtrlKey;
 
+/// Key code and modifiers.
+using Combination = std::pair<std::uint32_t, std::uint32_t>;
+
+bool isPossible(const Combination& combination) {
+    return combination.first < kKeyCodes && (combination.second & ~kModifiers) == 0;
+}
+
 } // namespace
 
 /// The claimed combinations and the installed handlers.
 struct SimHotKeys::Keyboard {
-    struct Claim {
+    struct HotKey {
         HotKeyRequest request;
-        bool ours = false; ///< false for a combination that another program holds
+        bool isTaken = false;
     };
-    /// Key code and modifiers.
-    using Combination = std::pair<std::uint32_t, std::uint32_t>;
 
-    std::map<Combination, Claim> claims;
+    [[nodiscard]] bool isLive(const Combination& combination) const {
+        const auto found = ours.find(combination);
+        return found != ours.end() && !found->second.isTaken;
+    }
+
+    std::map<Combination, HotKey> ours;
+    std::set<Combination> others;
     Signal<std::uint32_t> handlers;
+    Signal<> takenChange;
 };
 
 SimHotKeys::SimHotKeys() : m_keyboard(std::make_shared<Keyboard>()) {}
@@ -37,38 +53,66 @@ std::vector<SubscriptionPtr> SimHotKeys::registerHotKeys(std::span<const HotKeyR
     std::vector<SubscriptionPtr> claims;
     claims.reserve(requests.size());
     for (const HotKeyRequest& request : requests)
-        claims.push_back(claim(request, true));
+        claims.push_back(claim(request));
     return claims;
 }
 
+std::vector<std::uint32_t> SimHotKeys::taken() const {
+    std::vector<std::uint32_t> ids;
+    for (const auto& [combination, hotKey] : m_keyboard->ours) {
+        if (hotKey.isTaken)
+            ids.push_back(hotKey.request.hotKey.id);
+    }
+    return ids;
+}
+
+void SimHotKeys::retryTaken() {
+    bool isChanged = false;
+    for (auto& [combination, hotKey] : m_keyboard->ours) {
+        const bool isFree = hotKey.isTaken && !m_keyboard->others.contains(combination);
+        hotKey.isTaken = hotKey.isTaken && !isFree;
+        isChanged = isChanged || isFree;
+    }
+    if (isChanged)
+        m_keyboard->takenChange.send();
+}
+
+SubscriptionPtr SimHotKeys::onTakenChange(std::function<void()> changed) {
+    return m_keyboard->takenChange.connect(std::move(changed));
+}
+
 bool SimHotKeys::press(std::uint32_t keyCode, std::uint32_t mods) {
-    const auto found = m_keyboard->claims.find({keyCode, mods});
-    if (found == m_keyboard->claims.end() || !found->second.ours)
+    if (!m_keyboard->isLive({keyCode, mods}))
         return false;
-    m_keyboard->handlers.send(found->second.request.hotKey.id);
+    m_keyboard->handlers.send(m_keyboard->ours.at({keyCode, mods}).request.hotKey.id);
     return true;
 }
 
 SubscriptionPtr SimHotKeys::holdByAnotherProgram(std::uint32_t keyCode, std::uint32_t mods) {
-    return claim({keyCode, mods, {}}, false);
+    const Combination combination{keyCode, mods};
+    if (!isPossible(combination) || m_keyboard->isLive(combination) ||
+        !m_keyboard->others.insert(combination).second)
+        return nullptr;
+    return callOnEnd([keyboard = m_keyboard, combination] { keyboard->others.erase(combination); });
 }
 
 std::vector<HotKeyRequest> SimHotKeys::registered() const {
     std::vector<HotKeyRequest> requests;
-    for (const auto& [combination, claim] : m_keyboard->claims) {
-        if (claim.ours)
-            requests.push_back(claim.request);
+    for (const auto& [combination, hotKey] : m_keyboard->ours) {
+        if (!hotKey.isTaken)
+            requests.push_back(hotKey.request);
     }
     return requests;
 }
 
-SubscriptionPtr SimHotKeys::claim(const HotKeyRequest& request, bool ours) {
-    const Keyboard::Combination combination{request.keyCode, request.mods};
-    if (request.keyCode >= kKeyCodes || (request.mods & ~kModifiers) != 0)
+SubscriptionPtr SimHotKeys::claim(const HotKeyRequest& request) {
+    const Combination combination{request.keyCode, request.mods};
+    if (!isPossible(combination))
         return nullptr;
-    if (!m_keyboard->claims.try_emplace(combination, Keyboard::Claim{request, ours}).second)
+    const bool isTaken = m_keyboard->others.contains(combination);
+    if (!m_keyboard->ours.try_emplace(combination, Keyboard::HotKey{request, isTaken}).second)
         return nullptr;
-    return callOnEnd([keyboard = m_keyboard, combination] { keyboard->claims.erase(combination); });
+    return callOnEnd([keyboard = m_keyboard, combination] { keyboard->ours.erase(combination); });
 }
 
 } // namespace tessarel::sim

@@ -3,6 +3,7 @@
 #include "platform/macos/input/local_keys.h"
 #include "ports/hot_key_port.h"
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <span>
@@ -27,6 +28,13 @@ public:
     /// Returns null in place of a combination that the system refuses or that no keyboard can produce.
     [[nodiscard]] std::vector<SubscriptionPtr>
     registerHotKeys(std::span<const HotKeyRequest> requests) override;
+
+    // The system lets other applications have the same combinations, so that none is ever taken.
+    [[nodiscard]] std::vector<std::uint32_t> taken() const override { return {}; }
+    void retryTaken() override {}
+    [[nodiscard]] SubscriptionPtr onTakenChange(std::function<void()> /*changed*/) override {
+        return nullptr;
+    }
 
 private:
     class Keyboard;

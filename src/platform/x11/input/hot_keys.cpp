@@ -46,29 +46,52 @@ SubscriptionPtr X11HotKeys::installHandler(std::function<void(std::uint32_t id)>
 }
 
 std::vector<SubscriptionPtr> X11HotKeys::registerHotKeys(std::span<const HotKeyRequest> requests) {
-    const std::size_t heldBefore = m_grabs.size();
-    std::vector<std::optional<std::size_t>> serials;
-    serials.reserve(requests.size());
+    const std::size_t before = m_grabs.size();
+    std::vector<SubscriptionPtr> claims;
+    claims.reserve(requests.size());
     for (const HotKeyRequest& request : requests) {
         const auto wanted = combination(request);
-        serials.push_back(std::nullopt);
         // The server lets one client grab the same combination twice, so duplicates are rejected here.
-        if (!wanted || holds(*wanted))
+        if (!wanted || isRegistered(*wanted)) {
+            claims.push_back(nullptr);
             continue;
-        serials.back() = m_nextSerial;
+        }
+        claims.push_back(claim(m_nextSerial));
         m_grabs.push_back({m_nextSerial++, *wanted, request.hotKey.id});
     }
-    acquire(heldBefore);
-
-    std::vector<SubscriptionPtr> claims;
-    claims.reserve(serials.size());
-    for (const auto& serial : serials)
-        claims.push_back(serial && holds(*serial) ? claim(*serial) : nullptr);
+    std::vector<Grab*> added;
+    for (Grab& grab : std::span(m_grabs).subspan(before))
+        added.push_back(&grab);
+    acquire(added);
     return claims;
 }
 
-/// Returns a claim, which releases its grab on destruction. It refers to the grab by serial number, because
-/// the grab may be released before the claim ends.
+std::vector<std::uint32_t> X11HotKeys::taken() const {
+    std::vector<std::uint32_t> ids;
+    for (const Grab& grab : m_grabs) {
+        if (!grab.isGranted)
+            ids.push_back(grab.id);
+    }
+    return ids;
+}
+
+void X11HotKeys::retryTaken() {
+    std::vector<Grab*> wanted;
+    for (Grab& grab : m_grabs) {
+        if (!grab.isGranted)
+            wanted.push_back(&grab);
+    }
+    acquire(wanted);
+    if (std::ranges::any_of(wanted, &Grab::isGranted))
+        m_takenChange.send();
+}
+
+SubscriptionPtr X11HotKeys::onTakenChange(std::function<void()> changed) {
+    return m_takenChange.connect(std::move(changed));
+}
+
+/// Returns a claim, which ends the registration on destruction. It refers to the grab by serial number,
+/// because the grab moves in memory when an earlier one ends.
 SubscriptionPtr X11HotKeys::claim(std::size_t serial) {
     return callOnEnd([this, alive = m_lifetime.watch(), serial] {
         if (!alive.expired())
@@ -84,34 +107,28 @@ std::optional<X11HotKeys::Combination> X11HotKeys::combination(const HotKeyReque
     return Combination{*keycode, *modifiers};
 }
 
-bool X11HotKeys::holds(const Combination& combination) const {
+bool X11HotKeys::isRegistered(const Combination& combination) const {
     return std::ranges::find(m_grabs, combination, &Grab::combination) != m_grabs.end();
 }
 
-bool X11HotKeys::holds(std::size_t serial) const {
-    return std::ranges::find(m_grabs, serial, &Grab::serial) != m_grabs.end();
-}
-
-/// Grabs the entries of `m_grabs` from `first` on and drops those that fail. A grab that another client holds
-/// fails with BadAccess. All requests are sent before the first result is read: one round trip.
-void X11HotKeys::acquire(std::size_t first) {
-    const std::span<const Grab> wanted = std::span(m_grabs).subspan(first);
+/// Requests the grabs, which must not be granted yet. A grab that another client holds fails with BadAccess.
+/// All requests are sent before the first result is read: one round trip.
+void X11HotKeys::acquire(std::span<Grab* const> wanted) {
     std::vector<xcb_void_cookie_t> cookies;
-    for (const Grab& grab : wanted)
-        send(grab, cookies);
+    for (const Grab* const grab : wanted)
+        send(*grab, cookies);
 
-    std::vector<Grab> held(m_grabs.begin(), m_grabs.begin() + static_cast<std::ptrdiff_t>(first));
     auto cookie = cookies.begin();
-    for (const Grab& grab : wanted) {
-        bool granted = true;
+    for (Grab* const grab : wanted) {
+        grab->isGranted = true;
         // The cookies are in the order in which `send` visited the same subsets.
-        forEachSubset(m_locks, [&](std::uint16_t) { granted &= m_connection.succeeds(*cookie++); });
-        if (granted)
-            held.push_back(grab);
-        else
-            release(grab); // some of its lock states may have been granted
+        forEachSubset(m_locks, [&](std::uint16_t) { grab->isGranted &= m_connection.succeeds(*cookie++); });
     }
-    m_grabs = std::move(held);
+    for (const Grab* const grab : wanted) {
+        if (!grab->isGranted)
+            release(*grab); // some of its lock states may have been granted
+    }
+    m_connection.flush();
 }
 
 void X11HotKeys::send(const Grab& grab, std::vector<xcb_void_cookie_t>& cookies) {
@@ -154,20 +171,27 @@ void X11HotKeys::handlePress(const xcb_key_press_event_t& press) {
         return;
     const Combination pressed{press.detail, static_cast<std::uint16_t>(press.state & kAllModifiers)};
     const auto grab = std::ranges::find(m_grabs, pressed, &Grab::combination);
-    if (grab != m_grabs.end())
+    if (grab != m_grabs.end() && grab->isGranted)
         m_handlers.send(grab->id);
 }
 
 /// Grabs are on keycodes, which a new mapping does not move. The lock keys may have moved to other modifiers,
-/// however; then every combination has to be grabbed again.
+/// however; then every granted combination has to be grabbed again.
 void X11HotKeys::handleMappingChange() {
     const std::uint16_t locks = ignoredLocks(m_connection);
     if (locks == m_locks)
         return;
-    for (const Grab& grab : m_grabs)
-        release(grab);
+    std::vector<Grab*> granted;
+    for (Grab& grab : m_grabs) {
+        if (grab.isGranted)
+            granted.push_back(&grab);
+    }
+    for (const Grab* const grab : granted)
+        release(*grab);
     m_locks = locks;
-    acquire(0); // a combination that is refused now stays lost; its claim no longer refers to a grab
+    acquire(granted);
+    if (!std::ranges::all_of(granted, &Grab::isGranted))
+        m_takenChange.send();
 }
 
 } // namespace tessarel::x11

@@ -23,7 +23,8 @@ namespace tessarel::x11 {
 ///
 /// Ctrl maps to the Control modifier, Opt to Mod1 (Alt) and Cmd to Mod4 (Super). A passive grab matches one
 /// exact modifier state, so each combination is grabbed once for every state of Caps Lock, Num Lock and
-/// Scroll Lock. If one of these grabs is refused, the others are released as well.
+/// Scroll Lock. If one of these grabs is refused, because another client has it, the others are released as
+/// well, and the combination is taken.
 ///
 /// A key that is held down fires once, however long it repeats. While another client holds an active keyboard
 /// grab, for an open menu or a screen locker for instance, the server delivers no hot keys.
@@ -38,10 +39,18 @@ public:
 
     [[nodiscard]] SubscriptionPtr installHandler(std::function<void(std::uint32_t id)> pressed) override;
 
-    /// Grabs the combinations in one round trip. An entry is null when another client has grabbed the
-    /// combination, when it is registered already, or when it has no keycode or unknown modifier bits.
+    /// Grabs the combinations in one round trip. An entry is null when the combination is registered already,
+    /// or when it has no keycode or unknown modifier bits.
     [[nodiscard]] std::vector<SubscriptionPtr>
     registerHotKeys(std::span<const HotKeyRequest> requests) override;
+
+    [[nodiscard]] std::vector<std::uint32_t> taken() const override;
+    /// Tries the grabs again, in one round trip; in none if no combination is taken.
+    ///
+    /// Not called for events that might be a reason, such as the start of a window manager: it may be about
+    /// to grab the combination that its predecessor has released.
+    void retryTaken() override;
+    [[nodiscard]] SubscriptionPtr onTakenChange(std::function<void()> changed) override;
 
 private:
     /// A key with the modifiers that have to be held, without the lock modifiers.
@@ -52,19 +61,19 @@ private:
         bool operator==(const Combination&) const = default;
     };
 
-    /// A granted combination, or one that is about to be requested.
+    /// A registered combination.
     struct Grab {
         std::size_t serial = 0; ///< identifies the grab to its claim; never reused
         Combination combination;
-        std::uint32_t id = 0; ///< passed to the handlers
+        std::uint32_t id = 0;   ///< passed to the handlers
+        bool isGranted = false; ///< otherwise it is taken
     };
 
     [[nodiscard]] static std::optional<Combination> combination(const HotKeyRequest& request);
-    [[nodiscard]] bool holds(const Combination& combination) const;
-    [[nodiscard]] bool holds(std::size_t serial) const;
+    [[nodiscard]] bool isRegistered(const Combination& combination) const;
 
     [[nodiscard]] SubscriptionPtr claim(std::size_t serial);
-    void acquire(std::size_t first);
+    void acquire(std::span<Grab* const> wanted);
     void send(const Grab& grab, std::vector<xcb_void_cookie_t>& cookies);
     void release(const Grab& grab);
     void releaseClaim(std::size_t serial);
@@ -80,6 +89,7 @@ private:
     std::size_t m_nextSerial = 0;
     RepeatFilter m_keysDown;
     Signal<std::uint32_t> m_handlers;
+    Signal<> m_takenChange;
     Lifetime m_lifetime; // watched by claims, which may outlive this object
     SubscriptionPtr m_events;
 };

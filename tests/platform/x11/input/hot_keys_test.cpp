@@ -48,6 +48,11 @@ protected:
         observer.x().roundTrip();
     }
 
+    void releaseByAnother(xcb_keycode_t keycode, std::uint16_t modifiers) {
+        xcb_ungrab_key(observer.x().get(), keycode, observer.root(), modifiers);
+        observer.x().roundTrip();
+    }
+
     /// Sends key events of one type, so that keys can stay pressed.
     void fake(std::uint8_t type, std::initializer_list<xcb_keycode_t> keys) {
         for (const xcb_keycode_t key : keys)
@@ -139,36 +144,84 @@ TEST_F(X11HotKeysTest, TreatsScrollLockAsALock) {
     EXPECT_TRUE(keyboard.held({key::kDigit1, kControlAlt | XCB_MOD_MASK_3}));
 }
 
-TEST_F(X11HotKeysTest, ACombinationLostByAMappingChangeStaysLost) {
+TEST_F(X11HotKeysTest, ACombinationLostByAMappingChangeIsTakenUntilItIsFree) {
     holdByAnother(key::kDigit1, kControlAlt | XCB_MOD_MASK_3);
     const auto lost = claim(kVirtual1, kCtrlOpt, 1);
     const auto kept = claim(kVirtual2, kCtrlOpt, 2);
-    ASSERT_TRUE(lost);
+    ASSERT_TRUE(hotKeys->taken().empty());
+    int changes = 0;
+    const auto changed = hotKeys->onTakenChange([&] { ++changes; });
 
     runTool({"xmodmap", "-e", "add Mod3 = Scroll_Lock"});
-
+    EXPECT_EQ(hotKeys->taken(), Ids{1});
+    EXPECT_EQ(changes, 1);
     press(key::kDigit1);
     press(key::kDigit1 + 1);
     EXPECT_EQ(pressed, Ids{2});
+
+    releaseByAnother(key::kDigit1, kControlAlt | XCB_MOD_MASK_3);
+    hotKeys->retryTaken();
+    EXPECT_EQ(changes, 2);
+    press(key::kDigit1);
+    EXPECT_EQ(pressed, (Ids{2, 1}));
 }
 
-TEST_F(X11HotKeysTest, ARefusedCombinationStaysRefusedWhenTheMappingChanges) {
-    holdByAnother(key::kDigit1, kControlAlt);
-    EXPECT_FALSE(claim(kVirtual1, kCtrlOpt, 1));
-    xcb_ungrab_key(observer.x().get(), key::kDigit1, observer.root(), kControlAlt);
+TEST_F(X11HotKeysTest, AMappingChangeWithoutALossIsNotReported) {
+    const auto kept = claim(kVirtual1, kCtrlOpt, 1);
+    int changes = 0;
+    const auto changed = hotKeys->onTakenChange([&] { ++changes; });
 
     runTool({"xmodmap", "-e", "add Mod3 = Scroll_Lock"});
 
+    EXPECT_TRUE(hotKeys->taken().empty());
+    EXPECT_EQ(changes, 0);
+}
+
+TEST_F(X11HotKeysTest, ATakenCombinationStaysTakenWhenTheMappingChanges) {
+    holdByAnother(key::kDigit1, kControlAlt);
+    const auto claimed = claim(kVirtual1, kCtrlOpt, 1);
+    releaseByAnother(key::kDigit1, kControlAlt);
+
+    runTool({"xmodmap", "-e", "add Mod3 = Scroll_Lock"});
+
+    // A window manager may be about to grab it again.
     EXPECT_FALSE(keyboard.held({key::kDigit1, kControlAlt}));
+    EXPECT_EQ(hotKeys->taken(), Ids{1});
 }
 
 TEST_F(X11HotKeysTest, GrabsAllLockStatesOrNone) {
     holdByAnother(key::kDigit1, kControlAlt | XCB_MOD_MASK_2);
 
-    EXPECT_FALSE(claim(kVirtual1, kCtrlOpt, 1));
+    const auto claimed = claim(kVirtual1, kCtrlOpt, 1);
 
+    EXPECT_EQ(hotKeys->taken(), Ids{1});
+    EXPECT_FALSE(keyboard.held({key::kDigit1, kControlAlt}));
     press(key::kDigit1);
     EXPECT_TRUE(pressed.empty());
+    releaseByAnother(key::kDigit1, kControlAlt | XCB_MOD_MASK_2);
+    hotKeys->retryTaken();
+    press(key::kDigit1);
+    EXPECT_EQ(pressed, Ids{1});
+}
+
+TEST_F(X11HotKeysTest, RetryingTakesOneRoundTripAndNoneIfNoCombinationIsTaken) {
+    holdByAnother(key::kDigit1, kControlAlt);
+    holdByAnother(key::kDigit1 + 1, kControlAlt);
+    const auto one = claim(kVirtual1, kCtrlOpt, 1);
+    auto two = claim(kVirtual2, kCtrlOpt, 2);
+    ASSERT_EQ(hotKeys->taken(), (Ids{1, 2}));
+    std::size_t before = loop.connection().roundTrips();
+
+    hotKeys->retryTaken();
+    EXPECT_LE(loop.connection().roundTrips() - before, 2U);
+
+    releaseByAnother(key::kDigit1, kControlAlt);
+    releaseByAnother(key::kDigit1 + 1, kControlAlt);
+    hotKeys->retryTaken();
+    ASSERT_TRUE(hotKeys->taken().empty());
+    before = loop.connection().roundTrips();
+    hotKeys->retryTaken();
+    EXPECT_EQ(loop.connection().roundTrips(), before);
 }
 
 TEST_F(X11HotKeysTest, TheFirstOfTwoActionsWithTheSameKeysGetsThem) {
@@ -283,13 +336,17 @@ TEST_F(X11HotKeysTest, RegisteringAllDefaultHotKeysTakesFewRoundTrips) {
     EXPECT_LE(loop.connection().roundTrips() - before, 2U);
     for (const auto& claimed : claims)
         EXPECT_TRUE(claimed);
+    EXPECT_TRUE(hotKeys->taken().empty());
 }
 
-TEST_F(X11HotKeysTest, RegistrationFailsOnceTheServerIsGone) {
+TEST_F(X11HotKeysTest, CanBeUsedAfterTheServerIsGone) {
     auto claimed = claim(kVirtual1, kCtrlOpt, 7);
     server.kill();
 
-    EXPECT_FALSE(claim(kVirtual2, kCtrlOpt, 8));
+    const auto later = claim(kVirtual2, kCtrlOpt, 8);
+    hotKeys->retryTaken();
+
+    EXPECT_EQ(hotKeys->taken(), Ids{8});
     claimed.reset();
 }
 
