@@ -31,7 +31,8 @@ struct Shell {
     Store store{desktop.preferences()};
     Runtime runtime;
     Permissions permissions{desktop.trust()};
-    StatusMenu statusMenu{store, permissions, runtime, {}, desktop.keyNames()};
+    StatusMenu statusMenu{store, permissions,        runtime,
+                          {},    desktop.keyNames(), [](ActionID) { return false; }};
 };
 
 void rebuildMenu(benchmark::State& state) {

@@ -2,6 +2,7 @@
 
 #include "app/main_menu.h"
 #include "app/welcome.h"
+#include "model/key_names.h"
 #include "model/presets.h"
 
 #include <utility>
@@ -21,9 +22,11 @@ AppDelegate::Launch AppDelegate::applicationDidFinishLaunching() {
     Services& services = m_services.emplace(m_ports);
     m_ports.mainMenu.setMainMenu(mainMenu());
     m_statusMenu.emplace(services.store, services.permissions, services.runtime, m_ports.words,
-                         m_ports.keyNames);
-    m_statusItem.emplace(m_ports.statusItem, *m_statusMenu, services.runtime,
-                         [this](const MenuItem& item) { itemSelected(item); });
+                         m_ports.keyNames,
+                         [&services](ActionID action) { return services.hotKeys.isTaken(action); });
+    m_statusItem.emplace(m_ports.statusItem, services.runtime,
+                         StatusItemPort::Delegate{[this] { return currentMenu(); },
+                                                  [this](const MenuItem& item) { itemSelected(item); }});
     m_commands.emplace(
         CommandRunner::Uses{.actions = services.actionRunner,
                             .geo = services.geo,
@@ -83,8 +86,21 @@ void AppDelegate::promptForPermission() {
 
 void AppDelegate::welcome(bool isStatusItemShown) {
     m_ports.application.activate();
-    m_welcome = m_ports.alerts.show(welcomeAlert(m_ports.words, isStatusItemShown),
+    const auto taken = m_ports.words.welcomeNamesTaken ? takenShortcuts() : std::vector<std::string>();
+    m_welcome = m_ports.alerts.show(welcomeAlert(m_ports.words, isStatusItemShown, taken),
                                     [this](std::optional<std::size_t> button) { welcomed(button); });
+}
+
+/// Returns the combinations that other programs have, in the order of the actions.
+std::vector<std::string> AppDelegate::takenShortcuts() {
+    std::vector<std::string> shortcuts;
+    for (const ActionID action : ActionID::allCases) {
+        if (m_services->hotKeys.isTaken(action))
+            shortcuts.push_back(
+                KeyNames::describe(m_services->store.binding(action), m_ports.words.modifierNames,
+                                   [this](std::int64_t keyCode) { return m_ports.keyNames.name(keyCode); }));
+    }
+    return shortcuts;
 }
 
 /// Continues after the welcome message. If the user has closed it without a button, it appears again at the
@@ -98,6 +114,12 @@ void AppDelegate::welcomed(std::optional<std::size_t> button) {
     m_services->permissions.prompt();
     if (button == kWelcomeOpenSettings)
         openSettings();
+}
+
+Menu AppDelegate::currentMenu() {
+    // No desktop reports that a combination has become free.
+    m_services->hotKeys.retryTaken();
+    return m_statusMenu->rebuild();
 }
 
 void AppDelegate::applicationShouldHandleReopen() {

@@ -69,8 +69,10 @@ private:
     void greetUser();
     void promptForPermission();
     void welcome(bool isStatusItemShown);
+    [[nodiscard]] std::vector<std::string> takenShortcuts();
     void welcomed(std::optional<std::size_t> button);
 
+    [[nodiscard]] Menu currentMenu();
     void runMenuAction(int tag);
     void applyLayout(int tag);
     void applyZones(std::vector<Zone> zones);

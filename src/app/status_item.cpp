@@ -19,10 +19,8 @@ constexpr std::string_view kInitials = "TS";
 
 } // namespace
 
-StatusItem::StatusItem(StatusItemPort& port, const StatusMenu& menu, const Runtime& runtime,
-                       std::function<void(const MenuItem&)> itemSelected)
-    : m_port(port), m_runtime(runtime),
-      m_item(port.create({[&menu] { return menu.rebuild(); }, std::move(itemSelected)})) {
+StatusItem::StatusItem(StatusItemPort& port, const Runtime& runtime, StatusItemPort::Delegate delegate)
+    : m_port(port), m_runtime(runtime), m_item(port.create(std::move(delegate))) {
     refreshStatusIcon();
 }
 

@@ -1,21 +1,16 @@
 #pragma once
 
-#include "app/status_menu.h"
 #include "engine/runtime.h"
 #include "model/subscription.h"
 #include "ports/status_item_port.h"
-
-#include <functional>
 
 namespace tessarel {
 
 /// The program's icon in the status area, and the menu that it opens.
 class StatusItem {
 public:
-    /// Shows the item and calls `itemSelected` with each row that the user chooses. The other arguments must
-    /// outlive this object.
-    StatusItem(StatusItemPort& port, const StatusMenu& menu, const Runtime& runtime,
-               std::function<void(const MenuItem&)> itemSelected);
+    /// Shows the item with the menu of `delegate`. The other arguments must outlive this object.
+    StatusItem(StatusItemPort& port, const Runtime& runtime, StatusItemPort::Delegate delegate);
 
     /// Updates the icon: the first of our symbols that the system has, otherwise the program's initials;
     /// dimmed while paused.

@@ -38,9 +38,9 @@ int tagOf(ActionID action) {
 } // namespace
 
 StatusMenu::StatusMenu(const Store& store, const Permissions& permissions, const Runtime& runtime,
-                       PlatformWords words, KeyNamesPort& keyNames)
+                       PlatformWords words, KeyNamesPort& keyNames, IsTaken isTaken)
     : m_store(store), m_permissions(permissions), m_runtime(runtime), m_words(std::move(words)),
-      m_keyNames(keyNames) {}
+      m_keyNames(keyNames), m_isTaken(std::move(isTaken)) {}
 
 Menu StatusMenu::rebuild() const {
     Menu menu;
@@ -79,10 +79,10 @@ void StatusMenu::addZoneItems(Menu& menu) const {
 }
 
 /// Returns a row that runs `action`. The hot key is part of the title, because a key equivalent has no
-/// modifiers of its own.
+/// modifiers of its own. It is left out if another program has the combination.
 MenuItem StatusMenu::actionItem(ActionID action) const {
     std::string title(action.title());
-    if (const std::optional<Binding> binding = m_store.binding(action))
+    if (const std::optional<Binding> binding = m_store.binding(action); binding && !m_isTaken(action))
         title += "   (" +
                  KeyNames::describe(binding, m_words.modifierNames,
                                     [this](std::int64_t keyCode) { return m_keyNames.name(keyCode); }) +

@@ -9,6 +9,7 @@
 #include "ports/menu.h"
 #include "ports/platform_words.h"
 
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -18,9 +19,12 @@ namespace tessarel {
 /// it opens, so it always shows the current state.
 class StatusMenu {
 public:
+    /// Returns whether another program has the combination of an action; see `HotKeys::isTaken`.
+    using IsTaken = std::function<bool(ActionID)>;
+
     /// `store`, `permissions`, `runtime` and `keyNames` must outlive the menu.
     StatusMenu(const Store& store, const Permissions& permissions, const Runtime& runtime,
-               PlatformWords words, KeyNamesPort& keyNames);
+               PlatformWords words, KeyNamesPort& keyNames, IsTaken isTaken);
 
     /// Returns the whole menu for the current settings, pause and permission.
     [[nodiscard]] Menu rebuild() const;
@@ -44,6 +48,7 @@ private:
     const Runtime& m_runtime;
     PlatformWords m_words;
     KeyNamesPort& m_keyNames;
+    IsTaken m_isTaken;
 };
 
 } // namespace tessarel

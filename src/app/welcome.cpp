@@ -6,7 +6,35 @@
 
 namespace tessarel {
 
-Alert welcomeAlert(const PlatformWords& words, bool hasStatusItem) {
+namespace {
+
+/// Returns "a", "a and b" or "a, b and c".
+std::string enumeration(const std::vector<std::string>& items) {
+    std::string text;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        if (i > 0)
+            text += i + 1 == items.size() ? " and " : ", ";
+        text += items[i];
+    }
+    return text;
+}
+
+/// Returns a sentence after a space; empty if no shortcut is taken.
+std::string takenNote(const std::vector<std::string>& shortcuts) {
+    if (shortcuts.empty())
+        return {};
+    std::string note(1, ' ');
+    note += enumeration(shortcuts);
+    note += shortcuts.size() == 1
+                ? " belongs to another program already; choose another shortcut in Settings."
+                : " belong to another program already; choose other shortcuts in Settings.";
+    return note;
+}
+
+} // namespace
+
+Alert welcomeAlert(const PlatformWords& words, bool hasStatusItem,
+                   const std::vector<std::string>& takenShortcuts) {
     const std::string settings =
         hasStatusItem ? "Click the " + words.statusItem + ", then Settings, to"
                       : "Start " + std::string(Config::appName) + " again to open Settings and";
@@ -18,7 +46,7 @@ Alert welcomeAlert(const PlatformWords& words, bool hasStatusItem) {
         words.welcomeFirst + "\n\nTry it: press " + ctrlOpt +
             "+1 to 5 to snap the front window into a zone, or hold Shift while dragging a window to see the "
             "zones." +
-            dragNote + " " + settings + " design your own layout.",
+            dragNote + " " + settings + " design your own layout." + takenNote(takenShortcuts),
         {"Continue", "Open Settings"}};
 }
 

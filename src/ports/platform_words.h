@@ -16,6 +16,8 @@ struct PlatformWords {
         "Accessibility. Click Continue, then switch Tessarel on in the list.";
     /// Sentence after the welcome's advice to hold Shift while dragging a window; may be empty.
     std::string welcomeDragNote = {};
+    /// Whether the welcome names the shortcuts that other programs have.
+    bool welcomeNamesTaken = false;
     /// Name of the status item within a sentence.
     std::string statusItem = "menu bar icon";
     /// Row of the menu while the program is not trusted.

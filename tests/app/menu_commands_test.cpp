@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <optional>
 
@@ -224,6 +225,31 @@ TEST_F(MenuCommandsTest, CheckingForUpdatesAlwaysShowsTheResult) {
     desktop.urlLoading().answer(before, {});
 
     EXPECT_EQ(desktop.alerts().shown.size(), 1U);
+}
+
+TEST_F(MenuCommandsTest, TheMenuIsBuiltEachTimeItOpens) {
+    const auto isPauseChecked = [this] {
+        const Menu opened = desktop.statusItem().openMenu();
+        return std::ranges::find(opened, MenuCommand::TogglePause, &MenuItem::command)->isChecked;
+    };
+    EXPECT_FALSE(isPauseChecked());
+
+    choose(MenuCommand::TogglePause);
+
+    EXPECT_TRUE(isPauseChecked());
+}
+
+TEST_F(MenuCommandsTest, OpeningTheMenuTakesOverShortcutsThatHaveBecomeFree) {
+    delegate.reset();
+    auto other = desktop.hotKeys().holdByAnotherProgram(18, 6144);
+    delegate.emplace(simPorts(desktop, copy), settingsWindow.factory());
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), AppDelegate::Launch::Running);
+    EXPECT_EQ(desktop.statusItem().openMenu().at(2).title, "Snap to Zone 1");
+
+    other.reset();
+
+    EXPECT_EQ(desktop.statusItem().openMenu().at(2).title, "Snap to Zone 1   (Ctrl+Opt+1)");
+    EXPECT_TRUE(desktop.hotKeys().press(18, 6144));
 }
 
 TEST_F(MenuCommandsTest, QuitTerminates) {

@@ -61,8 +61,19 @@ TEST(WelcomeTest, ANoteOfTheSystemFollowsTheAdviceToDrag) {
     PlatformWords words;
     words.welcomeDragNote = "Press it late.";
 
-    EXPECT_THAT(welcomeAlert(words, true).informativeText,
+    EXPECT_THAT(welcomeAlert(words, true, {}).informativeText,
                 testing::HasSubstr("to see the zones. Press it late. Click the menu bar icon"));
+}
+
+TEST(WelcomeTest, TheLastSentenceNamesTheShortcutsThatAreTaken) {
+    const std::string text = welcomeAlert({}, true, {}).informativeText;
+
+    EXPECT_EQ(welcomeAlert({}, true, {"Ctrl+Alt+C"}).informativeText,
+              text + " Ctrl+Alt+C belongs to another program already; choose another shortcut in Settings.");
+    EXPECT_EQ(welcomeAlert({}, true, {"A", "B"}).informativeText,
+              text + " A and B belong to another program already; choose other shortcuts in Settings.");
+    EXPECT_EQ(welcomeAlert({}, true, {"A", "B", "C"}).informativeText,
+              text + " A, B and C belong to another program already; choose other shortcuts in Settings.");
 }
 
 TEST_F(FirstRunTest, WithoutAStatusAreaTheWelcomeSaysHowElseToReachTheSettings) {
@@ -98,6 +109,30 @@ TEST_F(FirstRunTest, MenuAndSettingsCanBeUsedWhileTheWelcomeStands) {
     delegate.applicationShouldHandleReopen();
     EXPECT_EQ(settingsWindow.shown, 1);
     EXPECT_EQ(desktop.alerts().standing().size(), 1U);
+}
+
+TEST_F(FirstRunTest, WhereTheSystemTellsTheWelcomeNamesTheShortcutsThatAreTaken) {
+    const auto center = desktop.hotKeys().holdByAnotherProgram(8, kCtrlKey + kOptKey);
+    const auto zone1 = desktop.hotKeys().holdByAnotherProgram(18, kCtrlKey + kOptKey);
+    PlatformWords words;
+    words.welcomeNamesTaken = true;
+    words.modifierNames.opt = "Alt";
+    AppDelegate other{simPorts(desktop, copy, words), nullptr};
+    ASSERT_EQ(other.applicationDidFinishLaunching(), AppDelegate::Launch::Running);
+    desktop.advance(0s);
+
+    EXPECT_THAT(desktop.alerts().shown.at(0).informativeText,
+                testing::EndsWith(" Ctrl+Alt+1 and Ctrl+Alt+C belong to another program already; choose "
+                                  "other shortcuts in Settings."));
+}
+
+TEST_F(FirstRunTest, ElsewhereTheWelcomeNamesNone) {
+    const auto zone1 = desktop.hotKeys().holdByAnotherProgram(18, kCtrlKey + kOptKey);
+
+    launch();
+
+    EXPECT_THAT(desktop.alerts().shown.at(0).informativeText,
+                testing::EndsWith("to design your own layout."));
 }
 
 TEST_F(FirstRunTest, ThePromptIsRequestedEvenWhenTrusted) {
@@ -190,11 +225,8 @@ TEST(FirstRunEndTest, AProgramThatEndsAtOnceShowsNoWelcome) {
 class StatusIconTest : public ::testing::Test {
 protected:
     sim::SimDesktop desktop;
-    Store store{desktop.preferences()};
     Runtime runtime;
-    Permissions permissions{desktop.trust()};
-    StatusMenu menu{store, permissions, runtime, {}, desktop.keyNames()};
-    StatusItem item{desktop.statusItem(), menu, runtime, [](const MenuItem&) {}};
+    StatusItem item{desktop.statusItem(), runtime, {[] { return Menu(); }, [](const MenuItem&) {}}};
 };
 
 TEST_F(StatusIconTest, TheFirstAvailableSymbolIsShown) {
@@ -248,18 +280,6 @@ TEST_F(StatusIconTest, WithoutAnySymbolTheInitialsAreDimmedToo) {
     item.refreshStatusIcon();
 
     EXPECT_TRUE(desktop.statusItem().appearsDisabled);
-}
-
-TEST_F(StatusIconTest, TheMenuIsBuiltEachTimeItOpens) {
-    const auto isPauseChecked = [this] {
-        const Menu opened = desktop.statusItem().openMenu();
-        return std::any_of(opened.begin(), opened.end(), [](const MenuItem& row) { return row.isChecked; });
-    };
-    EXPECT_FALSE(isPauseChecked());
-
-    runtime.paused = true;
-
-    EXPECT_TRUE(isPauseChecked());
 }
 
 TEST(MainMenuTest, HasTheStandardEditingKeys) {

@@ -46,7 +46,11 @@ protected:
     Store store{desktop.preferences()};
     Runtime runtime;
     Permissions permissions{desktop.trust()};
-    StatusMenu statusMenu{store, permissions, runtime, {}, desktop.keyNames()};
+    std::vector<ActionID> taken; ///< actions whose combinations another program has
+    StatusMenu::IsTaken isTaken = [this](ActionID action) {
+        return std::ranges::find(taken, action) != taken.end();
+    };
+    StatusMenu statusMenu{store, permissions, runtime, {}, desktop.keyNames(), isTaken};
 };
 
 TEST_F(StatusMenuTest, AFreshInstallationShowsTheWholeMenu) {
@@ -209,10 +213,21 @@ TEST_F(StatusMenuTest, ModifiersHaveTheNamesOfTheSystem) {
                                permissions,
                                runtime,
                                {.modifierNames = {"Ctrl", "Alt", "Shift", "Super"}},
-                               desktop.keyNames()};
+                               desktop.keyNames(),
+                               isTaken};
 
     EXPECT_EQ(rowOf(elsewhere.rebuild(), "Move window").submenu[7].title,
               "Move to next display   (Ctrl+Alt+Super+Right)");
+}
+
+TEST_F(StatusMenuTest, AShortcutThatAnotherProgramHasIsNotShown) {
+    taken = {ActionID::zone1, ActionID::leftHalf};
+
+    const Menu menu = statusMenu.rebuild();
+
+    EXPECT_EQ(titles(menu)[2], "Snap to Zone 1");
+    EXPECT_EQ(titles(menu)[3], "Snap to Zone 2   (Ctrl+Opt+2)");
+    EXPECT_EQ(rowOf(menu, "Move window").submenu[0].title, "Left half");
 }
 
 TEST_F(StatusMenuTest, KeysHaveTheNamesOfTheKeyboard) {

@@ -10,6 +10,7 @@ namespace tessarel::x11 {
             .welcomeFirst = "Tessarel moves other programs' windows with the help of your window manager and "
                             "needs no permission for it.",
             .welcomeDragNote = "If the window does not move while Shift is held, press Shift once it moves.",
+            .welcomeNamesTaken = true,
             .statusItem = "icon in the panel",
             .grantAccess = "Why windows cannot be moved...",
             .usableArea = "what panels and docks leave free",
