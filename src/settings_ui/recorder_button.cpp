@@ -9,6 +9,8 @@
 #include <QFocusEvent>
 #include <QHideEvent>
 #include <QKeyEvent>
+#include <QPalette>
+#include <QStyleOptionButton>
 
 #include <algorithm>
 #include <optional>
@@ -39,8 +41,9 @@ std::optional<ActionID> holder(const Store& store, const Binding& combination, A
 } // namespace
 
 RecorderButton::RecorderButton(QWidget& parent, const QRect& frame, const TabContext& context)
-    : QPushButton(&parent), m_store(context.services.store), m_ports(context.ports),
-      m_renamedKeys(m_ports.keyNames.onChange([this] { refresh(); })) {
+    : QPushButton(&parent), m_store(context.services.store), m_hotKeys(context.services.hotKeys),
+      m_ports(context.ports), m_renamedKeys(m_ports.keyNames.onChange([this] { refresh(); })),
+      m_takenObserver(context.services.hotKeys.onTakenChange([this] { refresh(); })) {
     setFont(systemFont(13));
     setGeometry(frame);
     fitted_text::init(*this, {});
@@ -58,6 +61,17 @@ void RecorderButton::refresh() {
         return;
     const auto nameOf = [this](std::int64_t keyCode) { return m_ports.keyNames.name(keyCode); };
     setTitle(toQString(KeyNames::describe(m_store.binding(m_actionID), m_ports.words.modifierNames, nameOf)));
+    if (m_hotKeys.isTaken(m_actionID))
+        markAsTaken();
+}
+
+/// Marks the shown combination as that of another program, until another title is set.
+void RecorderButton::markAsTaken() {
+    const QString note = QStringLiteral("Another program uses this combination");
+    m_showsTaken = true;
+    setToolTip(toolTip().isEmpty() ? note : toolTip() + QLatin1Char('\n') + note);
+    setAccessibleDescription(accessibleDescription() + QStringLiteral(". ") + note);
+    update();
 }
 
 void RecorderButton::toggleRecording() {
@@ -118,9 +132,16 @@ void RecorderButton::flash(const QString& message) {
 /// Changes the visible title. For screen readers the name of the button stays that of the action, and the
 /// title becomes its description.
 void RecorderButton::setTitle(const QString& title) {
+    m_showsTaken = false;
     setFittedText(*this, title);
     setAccessibleName(toQString(m_actionID.title()));
     setAccessibleDescription(title);
+}
+
+void RecorderButton::initStyleOption(QStyleOptionButton* option) const {
+    QPushButton::initStyleOption(option);
+    if (m_showsTaken)
+        option->palette.setColor(QPalette::ButtonText, warningColor(palette()));
 }
 
 void RecorderButton::focusOutEvent(QFocusEvent* event) {

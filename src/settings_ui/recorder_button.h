@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/hot_keys.h"
 #include "model/action_id.h"
 #include "model/settings/store.h"
 #include "model/subscription.h"
@@ -16,6 +17,8 @@
 namespace tessarel {
 
 /// A button that shows the hot key of an action and, once clicked, records a new one.
+///
+/// A combination that another program has is marked by its colour, and in tooltip and accessible description.
 ///
 /// Recording ends with an acceptable combination, with Escape, with another click, and when the button loses
 /// the keyboard focus or is hidden. Any other key or combination is rejected with a message, and recording
@@ -44,6 +47,7 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void initStyleOption(QStyleOptionButton* option) const override;
 
 private:
     void toggleRecording();
@@ -56,13 +60,18 @@ private:
     void flash(const QString& message);
     void setTitle(const QString& title);
 
+    void markAsTaken();
+
     Store& m_store;
+    const HotKeys& m_hotKeys;
     const Ports& m_ports;
     ActionID m_actionID = ActionID::allCases.front();
     SubscriptionPtr m_renamedKeys;
+    SubscriptionPtr m_takenObserver;
     SubscriptionPtr m_monitor; ///< not null while recording
     SubscriptionPtr m_message; ///< not null while a message is shown; restores the prompt
     bool m_isRecording = false;
+    bool m_showsTaken = false; ///< whether the combination that is shown is marked
 };
 
 } // namespace tessarel

@@ -7,6 +7,7 @@
 #include <QAccessible>
 #include <QAccessibleWidget>
 #include <QCursor>
+#include <QEvent>
 #include <QGuiApplication>
 #include <QKeySequence>
 #include <QPainter>
@@ -60,8 +61,17 @@ void center(QWidget& window) {
 /// The window, as a class of its own, by which `makeAccessible` recognises it.
 class Window : public QWidget {
 public:
-    Window() : QWidget(nullptr, kWindowFlags) {
+    /// `activated` is called each time the window gets the keyboard focus.
+    explicit Window(std::function<void()> activated)
+        : QWidget(nullptr, kWindowFlags), m_activated(std::move(activated)) {
         QAccessible::installFactory(makeAccessible); // Qt ignores a factory that is installed already
+    }
+
+protected:
+    void changeEvent(QEvent* event) override {
+        QWidget::changeEvent(event);
+        if (event->type() == QEvent::ActivationChange && isActiveWindow())
+            m_activated();
     }
 
 private:
@@ -71,6 +81,8 @@ private:
         auto* const window = dynamic_cast<Window*>(object);
         return window ? new QAccessibleWidget(window, QAccessible::Window) : nullptr;
     }
+
+    std::function<void()> m_activated;
 };
 
 /// A tab widget that paints the left border of its page itself. At fractional scales the style paints that
@@ -139,7 +151,8 @@ void SettingsWindowController::refreshAll() {
 }
 
 void SettingsWindowController::makeWindow() {
-    m_window = std::make_unique<Window>();
+    // The user may have changed the shortcuts of another program meanwhile, which no desktop reports.
+    m_window = std::make_unique<Window>([this] { m_context.services.hotKeys.retryTaken(); });
     m_window->setWindowTitle(title());
     m_window->setFont(systemFont(13));
     m_window->setFixedSize(kWindowSize);

@@ -4,13 +4,19 @@
 #include "settings_ui/settings_ui_test.h"
 
 #include <QApplication>
+#include <QColor>
 #include <QFocusEvent>
 #include <QHideEvent>
+#include <QImage>
+#include <QPalette>
 #include <QPushButton>
 #include <QTest>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
+#include <cmath>
+#include <cstdlib>
 #include <memory>
 #include <optional>
 #include <string>
@@ -42,6 +48,34 @@ protected:
         return services.store.binding(action);
     }
 
+    /// Returns whether the button shows its text in the colour of warnings.
+    [[nodiscard]] bool showsWarning() const {
+        const QImage picture = recorder->grab().toImage();
+        const QColor warning = warningColor(recorder->palette());
+        for (int y = 0; y < picture.height(); ++y) {
+            for (int x = 0; x < picture.width(); ++x) {
+                // No other part of the button has a colour.
+                const QColor pixel = picture.pixelColor(x, y);
+                if (pixel.hsvSaturation() > warning.hsvSaturation() / 2 &&
+                    std::abs(pixel.hsvHue() - warning.hsvHue()) < 20)
+                    return true;
+            }
+        }
+        return false;
+    }
+
+    /// Returns the contrast of two colours as WCAG defines it.
+    static double contrast(const QColor& one, const QColor& other) {
+        const auto luminance = [](const QColor& color) {
+            const auto part = [](double value) {
+                return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+            };
+            return 0.2126 * part(color.redF()) + 0.7152 * part(color.greenF()) + 0.0722 * part(color.blueF());
+        };
+        const auto [dark, light] = std::minmax({luminance(one), luminance(other)});
+        return (light + 0.05) / (dark + 0.05);
+    }
+
     FlippedView view;
     int changes = 0;
     std::unique_ptr<RecorderButton> recorder = makeRecorder(ActionID::center);
@@ -64,6 +98,64 @@ TEST_F(RecorderButtonTest, ShowsTheHotKeyOfItsAction) {
     services.store.setBinding(std::nullopt, ActionID::nextDisplay);
     recorder->refresh();
     EXPECT_EQ(title(), "None");
+}
+
+TEST_F(RecorderButtonTest, ACombinationOfAnotherProgramIsMarkedUntilItIsFree) {
+    auto other = desktop.hotKeys().holdByAnotherProgram(8, kCtrlKey + kOptKey);
+    services.hotKeys.registerAll();
+    EXPECT_EQ(title(), "Ctrl+Opt+C");
+    EXPECT_EQ(recorder->toolTip(), "Another program uses this combination");
+    EXPECT_EQ(recorder->accessibleDescription(), "Ctrl+Opt+C. Another program uses this combination");
+    EXPECT_EQ(recorder->accessibleName(), "Center");
+    EXPECT_TRUE(showsWarning());
+
+    other.reset();
+    services.hotKeys.retryTaken();
+
+    EXPECT_EQ(recorder->toolTip(), "");
+    EXPECT_EQ(recorder->accessibleDescription(), "Ctrl+Opt+C");
+    EXPECT_FALSE(showsWarning());
+}
+
+TEST_F(RecorderButtonTest, OnlyTheRecorderOfTheTakenCombinationIsMarked) {
+    const auto other = desktop.hotKeys().holdByAnotherProgram(8, kCtrlKey + kOptKey);
+    services.hotKeys.registerAll();
+
+    recorder->configure(ActionID::maximize);
+
+    EXPECT_EQ(recorder->toolTip(), "");
+    EXPECT_FALSE(showsWarning());
+}
+
+TEST_F(RecorderButtonTest, ThePromptIsNotMarked) {
+    const auto other = desktop.hotKeys().holdByAnotherProgram(8, kCtrlKey + kOptKey);
+    services.hotKeys.registerAll();
+
+    recorder->click();
+    EXPECT_EQ(recorder->accessibleDescription(), "Press keys...");
+    EXPECT_FALSE(showsWarning());
+
+    press(kEscape);
+    EXPECT_TRUE(showsWarning());
+}
+
+TEST_F(RecorderButtonTest, ARecordedCombinationThatIsTakenIsMarkedAtOnce) {
+    const auto other = desktop.hotKeys().holdByAnotherProgram(11, kCtrlKey + kOptKey);
+    const auto registered =
+        services.store.tessarelSettingsChanged.connect([this] { services.hotKeys.registerAll(); });
+    recorder->click();
+
+    press(kFree);
+
+    EXPECT_EQ(recorder->accessibleDescription(), "Ctrl+Opt+B. Another program uses this combination");
+    EXPECT_TRUE(showsWarning());
+}
+
+TEST_F(RecorderButtonTest, TheMarkIsReadableOnLightAndDarkButtons) {
+    for (const auto& button : {QColor(0xef, 0xef, 0xef), QColor(0x2f, 0x2f, 0x2f)}) {
+        const QPalette palette(button, button);
+        EXPECT_GE(contrast(warningColor(palette), palette.color(QPalette::Button)), 4.5);
+    }
 }
 
 TEST_F(RecorderButtonTest, WaitsForKeysOnceItHasBeenClicked) {

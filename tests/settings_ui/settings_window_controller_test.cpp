@@ -339,5 +339,24 @@ TEST_F(ScaledSettingsWindowTest, ThePagesHaveABorderOnEverySide) {
     EXPECT_GT(darkest(pixels(12), middle, QPoint(1, 0), 6), kLine) << "in the page";
 }
 
+TEST_F(SettingsWindowControllerTest, ShortcutsThatHaveBecomeFreeAreTakenOverWhenTheWindowBecomesActive) {
+    auto other = desktop.hotKeys().holdByAnotherProgram(8, kCtrlKey + kOptKey);
+    services.hotKeys.registerAll();
+    controller.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    ASSERT_TRUE(services.hotKeys.isTaken(ActionID::center));
+    QWidget elsewhere;
+    elsewhere.show();
+    elsewhere.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&elsewhere));
+    other.reset();
+    ASSERT_TRUE(services.hotKeys.isTaken(ActionID::center));
+
+    window().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+
+    EXPECT_FALSE(services.hotKeys.isTaken(ActionID::center));
+}
+
 } // namespace
 } // namespace tessarel

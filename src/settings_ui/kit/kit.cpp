@@ -134,4 +134,12 @@ QColor controlAccentColor(const QPalette& palette) {
     return palette.color(QPalette::Highlight);
 }
 
+QColor warningColor(const QPalette& palette) {
+    // Both have a contrast of more than 5:1 to the buttons of their palette.
+    constexpr QRgb kOnLight = qRgb(0xb3, 0x26, 0x1e);
+    constexpr QRgb kOnDark = qRgb(0xff, 0x8a, 0x80);
+    constexpr int kMiddle = 128;
+    return palette.color(QPalette::Button).lightness() < kMiddle ? kOnDark : kOnLight;
+}
+
 } // namespace tessarel

@@ -92,5 +92,7 @@ void showMessage(const Ports& ports, const QString& title, const QString& text);
 [[nodiscard]] QColor separatorColor(const QPalette& palette);
 [[nodiscard]] QColor controlBackgroundColor(const QPalette& palette);
 [[nodiscard]] QColor controlAccentColor(const QPalette& palette);
+/// Returns the colour of a text on a button that draws the user's attention to a problem.
+[[nodiscard]] QColor warningColor(const QPalette& palette);
 
 } // namespace tessarel
