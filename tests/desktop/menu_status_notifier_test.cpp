@@ -63,6 +63,24 @@ TEST_F(MenuStatusNotifierTest, TheMenuReachesThePanel) {
     EXPECT_THAT(menu, Not(HasSubstr("Snap to Zone 6")));
 }
 
+TEST_F(MenuStatusNotifierTest, AShortcutOfAnotherProgramIsNotShownUntilItIsFree) {
+    ASSERT_EQ(program->terminate(), 0);
+    ASSERT_TRUE(keyboard.waitUntilNotHeld(hotkey::zone(1)));
+    TestClient other{server};
+    ASSERT_TRUE(other.grabKey(hotkey::zone(1)));
+    program.emplace(environment);
+    ASSERT_TRUE(program->waitUntilReady(observer, keyboard)) << program->errors();
+    ASSERT_TRUE(observer.waitUntil(
+        [&] { return openedMenu().find("'label': <'Snap to Zone 1'>") != std::string::npos; }));
+    EXPECT_THAT(openedMenu(), HasSubstr("Snap to Zone 2   (Ctrl+Alt+2)"));
+
+    other.ungrabKey(hotkey::zone(1));
+
+    EXPECT_TRUE(observer.waitUntil(
+        [&] { return openedMenu().find("Snap to Zone 1   (Ctrl+Alt+1)") != std::string::npos; }));
+    EXPECT_TRUE(keyboard.held(hotkey::zone(1)));
+}
+
 TEST_F(MenuStatusNotifierTest, WithoutAWindowManagerTheMenuOffersTheReasonInTrueWords) {
     EXPECT_THAT(openedMenu(), Not(HasSubstr("windows cannot be moved")));
 

@@ -20,6 +20,10 @@ namespace {
 /// The first start of the program, read by a screen reader.
 class WelcomeTest : public testing::Test {
 protected:
+    /// `managersKeys` is whether the window manager keeps the keys that it grabs by default.
+    explicit WelcomeTest(OwnKeys managersKeys = OwnKeys::Dropped)
+        : manager(server, WindowManagerKind::Openbox, managersKeys) {}
+
     /// Starts the program and returns the text of its welcome; empty if it does not appear.
     std::string welcome() {
         program = std::make_unique<Program>(reader.environment());
@@ -37,7 +41,7 @@ protected:
     }
 
     XServer server;
-    WindowManager manager{server, WindowManagerKind::Openbox};
+    WindowManager manager;
     Observer observer{server.display()};
     Mouse mouse{observer};
     ScreenReader reader{server.environment()};
@@ -83,6 +87,22 @@ TEST_F(WelcomeTest, WhileItStandsTheSettingsCanBeUsed) {
 
     EXPECT_TRUE(waitUntilStored(observer, server, R"("rememberApps":false)"));
     EXPECT_EQ(storedSettings(server).find(R"("hasOnboarded":true)"), std::string::npos);
+    EXPECT_EQ(program->terminate(), 0);
+}
+
+/// The window manager has the four arrow keys.
+class WelcomeBesideOtherKeysTest : public WelcomeTest {
+protected:
+    WelcomeBesideOtherKeysTest() : WelcomeTest(OwnKeys::Kept) {}
+};
+
+TEST_F(WelcomeBesideOtherKeysTest, ItsLastSentenceNamesTheKeysOfTheWindowManager) {
+    const std::string text = welcome();
+
+    EXPECT_TRUE(
+        text.ends_with(" Ctrl+Alt+Left, Ctrl+Alt+Right, Ctrl+Alt+Up and Ctrl+Alt+Down belong to another "
+                       "program already; choose other shortcuts in Settings."))
+        << text;
     EXPECT_EQ(program->terminate(), 0);
 }
 
