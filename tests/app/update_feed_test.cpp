@@ -44,6 +44,20 @@ TEST(UpdateFeedTest, OtherMembersAreIgnored) {
     EXPECT_TRUE(decodeUpdateFeed(R"({"a": [{"version": 3}], "version": "1.2", "z": 1e300})"));
 }
 
+TEST(UpdateFeedTest, OtherMembersMayHoldAnything) {
+    const std::string deep = std::string(100'000, '[') + std::string(100'000, ']');
+    for (const std::string& other :
+         {std::string("1e400"), std::string(500, '9'), std::string("[{\"a\": -1e999}]"), deep})
+        EXPECT_TRUE(decodeUpdateFeed("{\"other\": " + other + R"(, "version": "1.2"})"));
+    EXPECT_EQ(decodeUpdateFeed(R"({"version": "1.2", "notes": 1e400, "url": 1e400})"),
+              (UpdateFeed{"1.2", "", std::nullopt}));
+    EXPECT_EQ(decodeUpdateFeed(R"({"version": 1e400})"), std::nullopt);
+}
+
+TEST(UpdateFeedTest, AZeroByteMakesTheFeedUnreadable) {
+    EXPECT_EQ(decodeUpdateFeed(std::string("{\"version\": \"1.2\"}\0", 19)), std::nullopt);
+}
+
 TEST(UpdateFeedTest, TheLastOfDuplicateMembersWins) {
     EXPECT_EQ(decodeUpdateFeed(R"({"version": 1, "version": "1.2"})")->version, "1.2");
     EXPECT_EQ(decodeUpdateFeed(R"({"version": "1.2", "version": 1})"), std::nullopt);

@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <limits>
 #include <map>
+#include <utility>
 #include <vector>
 
 namespace tessarel {
@@ -160,11 +161,14 @@ std::optional<AppSettings> decodeSettings(std::string_view document) {
 }
 
 std::optional<std::string> encodeSettings(const AppSettings& settings, std::string_view former) {
-    auto root = readJson(former);
-    if (!root || !root->is_object())
-        root = Json::object();
-    forEachSetting([&](const char* name, auto member) { (*root)[name] = Encoder::encode(settings.*member); });
-    return writeJson(*root);
+    JsonMembers members = readJsonMembers(former).value_or(JsonMembers());
+    bool valid = true;
+    forEachSetting([&](const char* name, auto member) {
+        auto text = writeJson(Encoder::encode(settings.*member));
+        valid = valid && text;
+        members[name] = std::move(text).value_or("");
+    });
+    return valid ? writeJsonMembers(members) : std::nullopt;
 }
 
 } // namespace tessarel

@@ -253,6 +253,28 @@ TEST(DecodeSettingsTest, DeepNestingDoesNotExhaustTheStack) {
     EXPECT_EQ(decodeSettings(std::string(1'000'000, '[')), std::nullopt);
 }
 
+TEST(DecodeSettingsTest, UnknownMembersMayHoldAnything) {
+    const std::string zone = R"({"enabled": true, "x": 1, "y": 2, "w": 3, "h": 4, "unknown": [-1e999]})";
+
+    EXPECT_EQ(withMember("unknown", "[1e400, " + std::string(500, '9') + "]"), AppSettings());
+    EXPECT_EQ(withMember("zones", "[" + zone + "]")->zones, (std::vector<Zone>{{true, 1, 2, 3, 4}}));
+}
+
+TEST(DecodeSettingsTest, ANumberTooLargeForADoubleIsOfNoType) {
+    for (const char* name : {"zones", "bindings", "gap", "dragEnabled", "dragTrigger", "ignoredApps"})
+        EXPECT_EQ(withMember(name, "1e400"), std::nullopt) << name;
+    EXPECT_EQ(appZone("1e400"), std::nullopt);
+}
+
+TEST(DecodeSettingsTest, ANumberTooSmallForADoubleIsZero) {
+    EXPECT_EQ(gap("1e-400"), 0);
+    EXPECT_EQ(appZone("-1e-400"), 0);
+}
+
+TEST(DecodeSettingsTest, AZeroByteMakesTheDocumentUnreadable) {
+    EXPECT_EQ(decodeSettings(std::string("{\"gap\": 8}\0", 11)), std::nullopt);
+}
+
 TEST(EncodeSettingsTest, WritesEveryMember) {
     const auto document = encodeSettings(AppSettings());
 
@@ -261,6 +283,17 @@ TEST(EncodeSettingsTest, WritesEveryMember) {
          {"zones", "bindings", "userLayouts", "gap", "margin", "dragEnabled", "dragTrigger", "edgeSnap",
           "ignoredApps", "hasOnboarded", "gridStep", "lastUpdateCheck", "rememberApps", "appZones"})
         EXPECT_NE(document->find("\"" + std::string(name) + "\":"), std::string::npos) << name;
+}
+
+TEST(EncodeSettingsTest, KeepsUnknownMembersAsTheyWereWritten) {
+    const std::string deep = std::string(1'000'000, '[') + std::string(1'000'000, ']');
+    const std::string unknown = R"("Unknown":[1e400,12345678901234567890123,1.50,"\u00e9"])";
+    const std::string document = encodeSettings(AppSettings()).value();
+
+    EXPECT_EQ(encodeSettings(AppSettings(), "{\n " + unknown + ", \"gap\": 8}"),
+              "{" + unknown + "," + document.substr(1));
+    EXPECT_EQ(encodeSettings(AppSettings(), "{\"Unknown\":" + deep + "}"),
+              "{\"Unknown\":" + deep + "," + document.substr(1));
 }
 
 TEST(EncodeSettingsTest, IsCompactAndWritesWholeNumbersWithoutAFraction) {
