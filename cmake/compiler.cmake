@@ -15,7 +15,7 @@ endif()
 
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wnon-virtual-dtor
                     -Wold-style-cast -Woverloaded-virtual)
-if(NOT APPLE) # versions that were not tested may add warnings
+if(TESSAREL_WARNINGS_ARE_ERRORS AND NOT APPLE) # versions that were not tested may add warnings
     add_compile_options(-Werror)
 endif()
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
@@ -28,6 +28,20 @@ if(TESSAREL_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
     add_compile_definitions(_GLIBCXX_ASSERTIONS) # aborts on an empty optional, an index out of range
+endif()
+
+if(TESSAREL_HARDEN AND NOT APPLE)
+    include(CheckCXXCompilerFlag)
+    # Some systems' compilers define _FORTIFY_SOURCE themselves, and warn of another definition.
+    add_compile_options(-fstack-protector-strong "SHELL:-U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=2"
+                        -Werror=format-security)
+    foreach(flag fstack-clash-protection fcf-protection) # the second one for x86 only
+        check_cxx_compiler_flag(-${flag} TESSAREL_HAS_${flag})
+        if(TESSAREL_HAS_${flag})
+            add_compile_options(-${flag})
+        endif()
+    endforeach()
+    add_link_options(-Wl,-z,relro -Wl,-z,now)
 endif()
 
 if(TESSAREL_FUZZ)

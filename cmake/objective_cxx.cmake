@@ -38,8 +38,11 @@ file(CONFIGURE OUTPUT ${OBJC_INCLUDE}/objc/blocks_runtime.h CONTENT "#pragma onc
 set(OBJECTIVE_CXX_FLAGS
     -x objective-c++ -std=c++20 -g1 -O1 -fblocks -fobjc-runtime=gcc -fno-objc-exceptions
     -fconstant-string-class=NSConstantString -DGNUSTEP -DGNUSTEP_BASE_LIBRARY=1
-    -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual -Werror
+    -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
     -isystem ${OBJC_INCLUDE} -isystem ${GNUSTEP_INCLUDE})
+if(TESSAREL_WARNINGS_ARE_ERRORS)
+    list(APPEND OBJECTIVE_CXX_FLAGS -Werror)
+endif()
 separate_arguments(GIVEN_FLAGS UNIX_COMMAND "${CMAKE_CXX_FLAGS}")
 list(APPEND OBJECTIVE_CXX_FLAGS ${GIVEN_FLAGS})
 if(TESSAREL_SANITIZE)
