@@ -21,7 +21,13 @@ protected:
         std::string errors;
     };
 
-    CommandLineTest() { EXPECT_TRUE(desktop.start()); }
+    CommandLineTest() {
+        EXPECT_TRUE(desktop.start());
+        // The hot keys are there a little earlier.
+        EXPECT_TRUE(desktop.observer().waitUntil([this] {
+            return !desktop.observer().values(desktop.observer().root(), "_TESSAREL_COMMANDS").empty();
+        }));
+    }
 
     /// Runs the program with these words and waits until it has exited.
     [[nodiscard]] Result run(const std::vector<std::string>& words) {
