@@ -10,7 +10,7 @@
 namespace tessarel::x11test {
 namespace {
 
-/// Drags under every window manager.
+/// Drags under every window manager but fvwm3 and Window Maker.
 class DragTest : public DragFixture {};
 
 /// Drags under the window managers that process keys and requests while they move a window. The others see
@@ -179,7 +179,10 @@ TEST_P(BorderDragTest, ResizingAWindowNeverShowsTheOverlay) {
     expectNextPressWorks();
 }
 
-INSTANTIATE_TEST_SUITE_P(All, DragTest, testing::ValuesIn(kAllWindowManagers), managerName);
+INSTANTIATE_TEST_SUITE_P(Attentive, DragTest, testing::ValuesIn(kAttentive), managerName);
+INSTANTIATE_TEST_SUITE_P(Pekwm, DragTest, testing::Values(WindowManagerKind::Pekwm), managerName);
+// fvwm3 and Window Maker withhold the press until they have begun to move the window. The pointer may have
+// left the title bar by then, and the zones do not always appear.
 INSTANTIATE_TEST_SUITE_P(Attentive, BorderDragTest, testing::ValuesIn(kAttentive), managerName);
 INSTANTIATE_TEST_SUITE_P(Fvwm3, BorderDragTest, testing::Values(WindowManagerKind::Fvwm3), managerName);
 INSTANTIATE_TEST_SUITE_P(Most, AttentiveDragTest, testing::ValuesIn(kAttentive), managerName);

@@ -297,8 +297,10 @@ void Observer::activate(xcb_window_t window) {
 
 bool Observer::activateAndWait(xcb_window_t window) {
     activate(window);
-    // pekwm may still be about to focus the window that opened last, and then does so afterwards.
-    const bool mayRevert = windowManagerName() == "pekwm";
+    // pekwm may still be about to focus the window that opened last, and then does so afterwards. jwm has
+    // dropped a request while another client was stopped.
+    const std::string manager = windowManagerName();
+    const bool mayRevert = manager == "pekwm" || manager == "JWM";
     return waitUntil([&] {
         const bool isActive = activeWindow() == window;
         if (!isActive && mayRevert)
