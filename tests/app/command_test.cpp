@@ -1,11 +1,8 @@
 #include "app/command.h"
 
-#include "app/app_delegate.h"
+#include "app/running_program.h"
 #include "model/json.h"
 #include "model/presets.h"
-#include "platform/sim/sim_desktop.h"
-#include "support/settings_window_record.h"
-#include "support/sim_ports.h"
 
 #include <gtest/gtest.h>
 
@@ -101,34 +98,15 @@ TEST(CommandFormsTest, EveryFormIsAccepted) {
     EXPECT_EQ(first.size(), ActionID::allCases.size() + 4);
 }
 
-/// The running program on a desktop with one display and one window.
-class CommandTest : public ::testing::Test {
+/// Sends commands to the running program.
+class CommandTest : public RunningProgramTest {
 protected:
-    static constexpr Rect kSomewhere{200, 150, 640, 480};
-    static constexpr Rect kLeftHalf{40, 25, 650, 820};
-
-    CommandTest() {
-        desktop.preferences().setData(Store::key, R"({"hasOnboarded": true})");
-        desktop.addScreen(
-            {.frame = {0, 0, 1440, 900}, .menuBar = 25, .dock = 55, .leftBar = 40, .rightBar = 100});
-        window = desktop.openWindow("org.example.editor", kSomewhere);
-        delegate.emplace(simPorts(desktop, copy), settingsWindow.factory());
-        EXPECT_EQ(delegate->applicationDidFinishLaunching(), AppDelegate::Launch::Running);
-    }
-
     CommandReply run(const Words& words) { return delegate->runCommand(words); }
     Json listed(const std::string& what) {
         return readJson(run({"list", what, "--json"}).text).value_or(Json());
     }
 
     static CommandReply nothingDone(std::string why) { return {CommandExit::NothingDone, std::move(why)}; }
-    const AppSettings& settings() { return Store::shared().settings; }
-
-    sim::SimDesktop desktop;
-    sim::SimSingleInstance copy = desktop.makeCopy();
-    sim::WindowId window{};
-    SettingsWindowRecord settingsWindow;
-    std::optional<AppDelegate> delegate;
 };
 
 TEST_F(CommandTest, AnActionMovesTheFocusedWindowAtOnce) {

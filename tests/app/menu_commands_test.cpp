@@ -1,8 +1,5 @@
-#include "app/app_delegate.h"
+#include "app/running_program.h"
 #include "model/presets.h"
-#include "platform/sim/sim_desktop.h"
-#include "support/settings_window_record.h"
-#include "support/sim_ports.h"
 
 #include <gtest/gtest.h>
 
@@ -15,21 +12,9 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Fixture: the running program on a simulated desktop with one display and one window.
-class MenuCommandsTest : public ::testing::Test {
+/// Chooses rows of the menu of the running program.
+class MenuCommandsTest : public RunningProgramTest {
 protected:
-    static constexpr Rect kSomewhere{200, 150, 640, 480};
-    static constexpr Rect kLeftHalf{40, 25, 650, 820};
-
-    MenuCommandsTest() {
-        desktop.preferences().setData(Store::key, R"({"hasOnboarded": true})");
-        desktop.addScreen(
-            {.frame = {0, 0, 1440, 900}, .menuBar = 25, .dock = 55, .leftBar = 40, .rightBar = 100});
-        window = desktop.openWindow("org.example.editor", kSomewhere);
-        delegate.emplace(simPorts(desktop, copy), settingsWindow.factory());
-        EXPECT_EQ(delegate->applicationDidFinishLaunching(), AppDelegate::Launch::Running);
-    }
-
     void choose(MenuCommand command, int tag = 0) {
         MenuItem item;
         item.command = command;
@@ -38,14 +23,6 @@ protected:
     }
 
     void chooseAction(ActionID::Case action) { choose(MenuCommand::RunMenuAction, static_cast<int>(action)); }
-
-    const AppSettings& settings() { return Store::shared().settings; }
-
-    sim::SimDesktop desktop;
-    sim::SimSingleInstance copy = desktop.makeCopy();
-    sim::WindowId window{};
-    SettingsWindowRecord settingsWindow;
-    std::optional<AppDelegate> delegate;
 };
 
 TEST_F(MenuCommandsTest, AnActionRunsAfterTheMenuHasClosed) {
