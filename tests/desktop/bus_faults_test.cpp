@@ -111,6 +111,17 @@ protected:
         });
     }
 
+    /// Starts a panel with a system tray, and expects the icon there, hot keys that work, and a quick end.
+    void expectIconInSystemTray() {
+        const auto panel = startTint2(server, environment);
+        ShownStatusItem item(observer, "tessarel");
+
+        EXPECT_NO_THROW((void)item.waitForIcon());
+        EXPECT_TRUE(panelHasItsPlace());
+        EXPECT_TRUE(answersKeys());
+        EXPECT_TRUE(endsSoon());
+    }
+
     /// Returns true if the settings window opens soon.
     bool opensSettings() {
         const Deadline deadline(kSoon);
@@ -164,26 +175,14 @@ TEST_F(BusFaultsTest, ASystemTrayGetsTheIconOnABusThatNeverReplies) {
     const SilentBus silent(server);
     start(SilentBus::addressOn(server));
 
-    const auto panel = startTint2(server, environment);
-    ShownStatusItem item(observer, "tessarel");
-
-    EXPECT_NO_THROW((void)item.waitForIcon());
-    EXPECT_TRUE(panelHasItsPlace());
-    EXPECT_TRUE(answersKeys());
-    EXPECT_TRUE(endsSoon());
+    expectIconInSystemTray();
 }
 
 TEST_F(BusFaultsTest, ASystemTrayGetsTheIconWhenABusThatStartsLateNeverReplies) {
     start(SilentBus::addressOn(server));
     const SilentBus silent(server);
 
-    const auto panel = startTint2(server, environment);
-    ShownStatusItem item(observer, "tessarel");
-
-    EXPECT_NO_THROW((void)item.waitForIcon());
-    EXPECT_TRUE(panelHasItsPlace());
-    EXPECT_TRUE(answersKeys());
-    EXPECT_TRUE(endsSoon());
+    expectIconInSystemTray();
 }
 
 TEST_F(BusFaultsTest, TheIconAppearsWhenASlowBusReplies) {
