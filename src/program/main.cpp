@@ -151,7 +151,8 @@ int run(const char* programName) {
          .running = [&desktop] { return desktop.applications.identifiersInUse(); }},
         entryFiles);
     qt::QtX11Application application(
-        [&link = *connection](xcb_window_t window) { x11::bringToUser(link, window); });
+        [&link = *connection](xcb_window_t window) { x11::bringToUser(link, window); },
+        [&link = *connection](xcb_window_t window) { x11::bringAlong(link, window); });
     qt::X11Overlay overlay(queue,
                            [&desktop](const Rect& screenFrame) { return desktop.rootPixels(screenFrame); });
     qt::QtStatusItem statusItem(queue, bus, [&appearance] { appearance.apply(); });

@@ -12,10 +12,14 @@ namespace {
 int rank(const QWidget* window) {
     if (window->isModal())
         return 2;
-    return qobject_cast<const QDialog*>(window) ? 0 : 1;
+    return isMessage(window) ? 0 : 1;
 }
 
 } // namespace
+
+bool isMessage(const QWidget* window) {
+    return !window->isModal() && qobject_cast<const QDialog*>(window);
+}
 
 void sortForRaising(QWidgetList& windows) {
     std::ranges::stable_sort(windows, {}, rank);

@@ -25,15 +25,24 @@ bool isVisibleWindow(const QWidget* widget) {
     return widget->isVisible() && (type == Qt::Window || type == Qt::Dialog);
 }
 
+std::uint32_t idOf(const QWidget& window) {
+    return static_cast<std::uint32_t>(window.winId());
+}
+
 } // namespace
 
 void QtX11Application::activate() {
     QWidgetList windows = QApplication::topLevelWidgets();
     windows.removeIf([](const QWidget* window) { return !isVisibleWindow(window); });
+    if (windows.isEmpty())
+        return;
     sortForRaising(windows);
     waitForRequests();
+    const QWidget* const last = windows.takeLast();
+    windows.removeIf(isMessage);
     for (const QWidget* const window : windows)
-        m_bringToUser(static_cast<std::uint32_t>(window->winId()));
+        m_bringAlong(idOf(*window));
+    m_bringToUser(idOf(*last));
 }
 
 } // namespace tessarel::qt

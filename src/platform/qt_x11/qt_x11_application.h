@@ -12,17 +12,21 @@ namespace tessarel::qt {
 /// which a window manager may take for outdated when the user has asked for a window elsewhere.
 class QtX11Application : public QtOwnApplication {
 public:
-    /// Brings a mapped window to the user, whatever desktop it is on.
-    using BringToUser = std::function<void(std::uint32_t window)>;
+    /// Handles a mapped window, whatever desktop it is on.
+    using Handler = std::function<void(std::uint32_t window)>;
 
-    explicit QtX11Application(BringToUser bringToUser) : m_bringToUser(std::move(bringToUser)) {}
+    /// `bringToUser` brings a window to the current desktop, in front, with the focus; `bringAlong` does so
+    /// without the focus.
+    QtX11Application(Handler bringToUser, Handler bringAlong)
+        : m_bringToUser(std::move(bringToUser)), m_bringAlong(std::move(bringAlong)) {}
 
-    /// Brings every visible window to the user: a message first, so that it does not cover the settings, and
-    /// a modal dialog last, so that it is in front.
+    /// Brings the visible windows to the user, a modal dialog last, so that it is in front. The last one gets
+    /// the focus. Messages stay where they are, unless there is no other window.
     void activate() override;
 
 private:
-    BringToUser m_bringToUser;
+    Handler m_bringToUser;
+    Handler m_bringAlong;
 };
 
 } // namespace tessarel::qt

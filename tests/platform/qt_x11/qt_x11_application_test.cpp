@@ -19,7 +19,12 @@ protected:
     static std::uint32_t idOf(const QWidget& window) { return static_cast<std::uint32_t>(window.winId()); }
 
     std::vector<std::uint32_t> brought;
-    QtX11Application application{[this](std::uint32_t window) { brought.push_back(window); }};
+    std::vector<std::uint32_t> focused;
+    QtX11Application application{[this](std::uint32_t window) {
+                                     brought.push_back(window);
+                                     focused.push_back(window);
+                                 },
+                                 [this](std::uint32_t window) { brought.push_back(window); }};
 };
 
 TEST_F(QtX11ApplicationTest, VisibleWindowsComeToTheUser) {
@@ -34,6 +39,7 @@ TEST_F(QtX11ApplicationTest, VisibleWindowsComeToTheUser) {
     application.activate();
 
     EXPECT_EQ(brought, std::vector{idOf(window)});
+    EXPECT_EQ(focused, std::vector{idOf(window)});
 }
 
 TEST_F(QtX11ApplicationTest, AModalDialogComesLast) {
@@ -50,9 +56,10 @@ TEST_F(QtX11ApplicationTest, AModalDialogComesLast) {
     ASSERT_EQ(brought.size(), 3U);
     EXPECT_EQ(brought.front(), idOf(window));
     EXPECT_EQ((std::set{brought[1], brought[2]}), (std::set{idOf(first), idOf(last)}));
+    EXPECT_EQ(focused, std::vector{brought.back()});
 }
 
-TEST_F(QtX11ApplicationTest, AMessageBesideWhichOtherWindowsCanBeUsedComesFirst) {
+TEST_F(QtX11ApplicationTest, AMessageStaysWhereItIsBesideAnotherWindow) {
     QWidget window;
     QDialog message;
     for (QWidget* const one : {&window, static_cast<QWidget*>(&message)})
@@ -60,7 +67,17 @@ TEST_F(QtX11ApplicationTest, AMessageBesideWhichOtherWindowsCanBeUsedComesFirst)
 
     application.activate();
 
-    EXPECT_EQ(brought, (std::vector{idOf(message), idOf(window)}));
+    EXPECT_EQ(brought, std::vector{idOf(window)});
+    EXPECT_EQ(focused, std::vector{idOf(window)});
+}
+
+TEST_F(QtX11ApplicationTest, AMessageAloneComesToTheUser) {
+    QDialog message;
+    message.show();
+
+    application.activate();
+
+    EXPECT_EQ(focused, std::vector{idOf(message)});
 }
 
 TEST_F(QtX11ApplicationTest, WithoutAWindowNothingHappens) {

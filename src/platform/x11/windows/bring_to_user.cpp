@@ -42,15 +42,25 @@ void moveToCurrentDesktop(Connection& connection, xcb_window_t window) {
             sendToManager(connection, window, Atom::NetWmDesktop, *current, kFromPager));
 }
 
+xcb_void_cookie_t raise(Connection& connection, xcb_window_t window) {
+    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
+    return xcb_configure_window_checked(connection.xcb(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
+}
+
 } // namespace
+
+// Both wait for the last request, so that one on another connection, such as Qt's, comes later.
 
 void bringToUser(Connection& connection, xcb_window_t window) {
     const xcb_timestamp_t now = serverTime(connection);
     moveToCurrentDesktop(connection, window);
-    const std::uint32_t above = XCB_STACK_MODE_ABOVE;
-    xcb_configure_window(connection.xcb(), window, XCB_CONFIG_WINDOW_STACK_MODE, &above);
-    // Waits, so that a request on another connection, such as Qt's, comes later.
+    (void)raise(connection, window);
     (void)connection.succeeds(sendToManager(connection, window, Atom::NetActiveWindow, kFromPager, now));
+}
+
+void bringAlong(Connection& connection, xcb_window_t window) {
+    moveToCurrentDesktop(connection, window);
+    (void)connection.succeeds(raise(connection, window));
 }
 
 } // namespace tessarel::x11

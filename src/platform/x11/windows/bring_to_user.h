@@ -13,4 +13,11 @@ namespace tessarel::x11 {
 /// server has processed the requests when it returns.
 void bringToUser(Connection& connection, xcb_window_t window);
 
+/// Brings a mapped window to the current virtual desktop and raises it, without asking for the focus, which
+/// some window managers give to every window that asks to be raised.
+///
+/// Use it for a window that another one, such as its modal dialog, is to follow. Takes up to three round
+/// trips; the server has processed the requests when it returns.
+void bringAlong(Connection& connection, xcb_window_t window);
+
 } // namespace tessarel::x11

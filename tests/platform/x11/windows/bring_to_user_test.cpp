@@ -22,6 +22,12 @@ protected:
     [[nodiscard]] bool waitUntilActive(xcb_window_t window) {
         return observer.waitUntil([&] { return observer.activeWindow() == window; });
     }
+    [[nodiscard]] bool waitUntilInFront(xcb_window_t window) {
+        return observer.waitUntil([&] {
+            const auto stacked = observer.values(observer.root(), "_NET_CLIENT_LIST_STACKING");
+            return !stacked.empty() && stacked.back() == window;
+        });
+    }
 };
 
 TEST_F(BringToUserTest, AWindowBehindAnotherComesToFrontAndGetsTheFocus) {
@@ -32,10 +38,7 @@ TEST_F(BringToUserTest, AWindowBehindAnotherComesToFrontAndGetsTheFocus) {
     bringToUser(connection, window);
 
     EXPECT_TRUE(waitUntilActive(window));
-    EXPECT_TRUE(observer.waitUntil([&] {
-        const auto stacked = observer.values(observer.root(), "_NET_CLIENT_LIST_STACKING");
-        return !stacked.empty() && stacked.back() == window;
-    }));
+    EXPECT_TRUE(waitUntilInFront(window));
 }
 
 TEST_F(BringToUserTest, AWindowComesFromAnotherDesktop) {
@@ -63,6 +66,20 @@ TEST_F(BringToUserTest, AWindowOnAllDesktopsStaysOnAll) {
     EXPECT_EQ(observer.values(window, "_NET_WM_DESKTOP"), std::vector{kAllDesktops});
 }
 
+TEST_F(BringToUserTest, AWindowThatComesAlongLeavesTheFocus) {
+    const xcb_window_t window = open({.client = {200, 200, 300, 300}});
+    observer.sendToRoot(window, "_NET_WM_DESKTOP", {1, 2});
+    ASSERT_TRUE(waitUntilOn(window, 1));
+    const xcb_window_t other = open({.client = {100, 100, 600, 600}});
+    ASSERT_TRUE(waitUntilActive(other));
+
+    bringAlong(connection, window);
+
+    EXPECT_TRUE(waitUntilOn(window, 0));
+    EXPECT_TRUE(waitUntilInFront(window));
+    EXPECT_EQ(observer.activeWindow(), other);
+}
+
 TEST_F(BringToUserTest, TheTimeOfTheServerAdvances) {
     const xcb_timestamp_t first = serverTime(connection);
     EXPECT_NE(first, xcb_timestamp_t{XCB_CURRENT_TIME});
@@ -76,6 +93,7 @@ TEST_F(BringToUserTest, WithoutAServerNothingHappens) {
     server.kill();
 
     bringToUser(lost.connection(), 1);
+    bringAlong(lost.connection(), 1);
     EXPECT_EQ(serverTime(lost.connection()), xcb_timestamp_t{XCB_CURRENT_TIME});
 }
 
