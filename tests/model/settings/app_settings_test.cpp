@@ -25,13 +25,13 @@ TEST(AppSettingsTest, SettingsBesidesZonesAndBindingsHaveTheirDefaults) {
 }
 
 TEST(AppSettingsTest, TheDefaultZonesAreThreeAboveTwoAndFourDisabledOnes) {
-    constexpr double kT = 33.333333333333336;
-    constexpr double kTt = 66.66666666666667;
+    constexpr double kThird = 33.333333333333336;
+    constexpr double kThirds = 66.66666666666667;
     const Zone filler{false, 25, 25, 50, 50};
 
-    EXPECT_EQ(AppSettings().zones, (std::vector<Zone>{{true, 0, 0, kT, 50},
-                                                      {true, kT, 0, kT, 50},
-                                                      {true, kTt, 0, kT, 50},
+    EXPECT_EQ(AppSettings().zones, (std::vector<Zone>{{true, 0, 0, kThird, 50},
+                                                      {true, kThird, 0, kThird, 50},
+                                                      {true, kThirds, 0, kThird, 50},
                                                       {true, 0, 50, 50, 50},
                                                       {true, 50, 50, 50, 50},
                                                       filler,

@@ -25,6 +25,10 @@ xcb_get_property_cookie_t requestProperty(Connection& connection, xcb_window_t w
     return xcb_get_property(connection.xcb(), 0, window, property, type, 0, maximum);
 }
 
+xcb_get_property_cookie_t requestNumber(Connection& connection, xcb_window_t window, Atom property) {
+    return requestProperty(connection, window, connection.atom(property), XCB_ATOM_CARDINAL, 1);
+}
+
 xcb_get_property_cookie_t requestWindowList(Connection& connection, Atom list) {
     return requestProperty(connection, connection.root(), connection.atom(list), XCB_ATOM_WINDOW,
                            kMostWindows);

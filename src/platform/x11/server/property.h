@@ -9,6 +9,9 @@
 
 namespace tessarel::x11 {
 
+/// The `_NET_WM_DESKTOP` of a window that is on all desktops.
+inline constexpr std::uint32_t kAllDesktops = 0xFFFFFFFF;
+
 /// The reply to a property request; null when the request failed, usually because the window does not exist.
 using PropertyReply = Reply<xcb_get_property_reply_t>;
 
@@ -17,6 +20,10 @@ using PropertyReply = Reply<xcb_get_property_reply_t>;
 [[nodiscard]] xcb_get_property_cookie_t requestProperty(Connection& connection, xcb_window_t window,
                                                         xcb_atom_t property, xcb_atom_t type,
                                                         std::uint32_t maximum);
+
+/// Requests a property that holds a single number, such as `_NET_WM_PID`.
+[[nodiscard]] xcb_get_property_cookie_t requestNumber(Connection& connection, xcb_window_t window,
+                                                      Atom property);
 
 /// Requests one of the window lists that the window manager publishes on the root window. A list that is
 /// longer than on any real desktop is treated as having no values.

@@ -10,11 +10,6 @@ namespace tessarel::x11 {
 namespace {
 
 constexpr std::uint32_t kFromPager = 2; // source indication of EWMH
-constexpr std::uint32_t kAllDesktops = 0xFFFFFFFF;
-
-xcb_get_property_cookie_t requestNumber(Connection& connection, xcb_window_t window, Atom property) {
-    return requestProperty(connection, window, connection.atom(property), XCB_ATOM_CARDINAL, 1);
-}
 
 /// Sends a request about `window` to the window manager.
 xcb_void_cookie_t sendToManager(Connection& connection, xcb_window_t window, Atom type, std::uint32_t first,

@@ -13,14 +13,8 @@ namespace tessarel::x11 {
 
 namespace {
 
-constexpr std::uint32_t kAllDesktops = 0xFFFFFFFF; // the _NET_WM_DESKTOP of sticky windows
 constexpr std::int64_t kApplicationLayer = 0;
 constexpr std::int64_t kFloatingLayer = 3; // any value other than 0 will do
-
-/// Requests a property that holds a single number.
-xcb_get_property_cookie_t requestNumber(Connection& connection, xcb_window_t window, Atom property) {
-    return requestProperty(connection, window, connection.atom(property), XCB_ATOM_CARDINAL, 1);
-}
 
 /// The pending requests for the desktop and the opacity of a window. `collect` must be called once, before
 /// the other functions.

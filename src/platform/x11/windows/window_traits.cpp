@@ -108,8 +108,7 @@ xdg::WindowNames TraitsRequest::collectNames() {
 }
 
 PidRequest::PidRequest(Connection& connection, xcb_window_t window)
-    : m_connection(&connection),
-      m_claim(requestProperty(connection, window, connection.atom(Atom::NetWmPid), XCB_ATOM_CARDINAL, 1)) {
+    : m_connection(&connection), m_claim(requestNumber(connection, window, Atom::NetWmPid)) {
     if (!connection.extensions().resourceProcessIds)
         return;
     const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};

@@ -11,10 +11,10 @@ using Edge = Strut::Edge;
 
 constexpr Rect kLeftMonitor{0, 0, 1440, 900};
 constexpr Rect kRightMonitor{1440, 0, 1120, 1024};
-constexpr Size kRoot{2560, 1024};
+constexpr Size kRootSize{2560, 1024};
 constexpr double kWholeEdge = 65535;
 
-Rect usableOf(const Rect& monitor, const Strut& strut, const Size& root = kRoot) {
+Rect usableOf(const Rect& monitor, const Strut& strut, const Size& root = kRootSize) {
     return usableAreas(std::array{monitor}, root, {.struts = {strut}, .areaPerMonitor = {}, .commonArea = {}})
         .front();
 }
@@ -66,7 +66,7 @@ TEST(RectanglesTest, AnIncompleteGroupRejectsAllRectangles) {
 }
 
 TEST(UsableAreaTest, WithoutReservationsAllOfAMonitorIsUsable) {
-    const auto areas = usableAreas(std::array{kLeftMonitor, kRightMonitor}, kRoot, {});
+    const auto areas = usableAreas(std::array{kLeftMonitor, kRightMonitor}, kRootSize, {});
 
     EXPECT_EQ(areas, (std::vector{kLeftMonitor, kRightMonitor}));
 }
@@ -109,7 +109,7 @@ TEST(UsableAreaTest, StrutsOfDifferentEdgesCombineAndTheDeepestOfAnEdgeCounts) {
                                     {Edge::Top, 10, 0, 1439},
                                     {Edge::Left, 60, 0, 899}};
 
-    const auto areas = usableAreas(std::array{kLeftMonitor}, kRoot,
+    const auto areas = usableAreas(std::array{kLeftMonitor}, kRootSize,
                                    {.struts = struts, .areaPerMonitor = {}, .commonArea = {}});
 
     EXPECT_EQ(areas.front(), (Rect{60, 40, 1380, 860}));
@@ -124,7 +124,7 @@ TEST(UsableAreaTest, AStrutThatLeavesLessThanAQuarterIsIgnored) {
 TEST(UsableAreaTest, StrutsThatWouldMeetInTheMiddleDoNotEmptyTheMonitor) {
     const std::vector<Strut> struts{{Edge::Top, 500, 0, 1439}, {Edge::Bottom, 524, 0, 1439}};
 
-    const auto areas = usableAreas(std::array{kLeftMonitor}, kRoot,
+    const auto areas = usableAreas(std::array{kLeftMonitor}, kRootSize,
                                    {.struts = struts, .areaPerMonitor = {}, .commonArea = {}});
 
     EXPECT_EQ(areas.front(), (Rect{0, 500, 1440, 400}));
@@ -135,7 +135,7 @@ TEST(UsableAreaTest, TheWindowManagersAreasTakePrecedenceOverStruts) {
                                  .areaPerMonitor = {{1440, 0, 1120, 994}, {0, 0, 1440, 900}},
                                  .commonArea = Rect{0, 0, 2560, 994}};
 
-    EXPECT_EQ(usableAreas(std::array{kLeftMonitor, kRightMonitor}, kRoot, reserved),
+    EXPECT_EQ(usableAreas(std::array{kLeftMonitor, kRightMonitor}, kRootSize, reserved),
               (std::vector<Rect>{{0, 0, 1440, 900}, {1440, 0, 1120, 994}}));
 }
 
@@ -152,7 +152,7 @@ TEST(UsableAreaTest, TheWindowManagersAreasAreIgnoredUnlessEachMonitorHasOne) {
     };
 
     for (const auto& areas : doubtful)
-        EXPECT_EQ(usableAreas(monitors, kRoot,
+        EXPECT_EQ(usableAreas(monitors, kRootSize,
                               {.struts = struts, .areaPerMonitor = areas, .commonArea = std::nullopt}),
                   (std::vector{Rect{0, 25, 1440, 875}, kRightMonitor}));
 }
@@ -167,7 +167,7 @@ TEST(UsableAreaTest, TheCommonAreaCountsForASingleMonitor) {
 TEST(UsableAreaTest, TheCommonAreaDoesNotCountForSeveralMonitors) {
     const ReservedSpace reserved{.struts = {}, .areaPerMonitor = {}, .commonArea = Rect{0, 0, 2560, 994}};
 
-    EXPECT_EQ(usableAreas(std::array{kLeftMonitor, kRightMonitor}, kRoot, reserved),
+    EXPECT_EQ(usableAreas(std::array{kLeftMonitor, kRightMonitor}, kRootSize, reserved),
               (std::vector{kLeftMonitor, kRightMonitor}));
 }
 
@@ -183,7 +183,7 @@ TEST(UsableAreaTest, AnAbsurdCommonAreaIsIgnored) {
 TEST(UsableAreaTest, WithoutMonitorsThereAreNoAreas) {
     EXPECT_TRUE(
         usableAreas(
-            {}, kRoot,
+            {}, kRootSize,
             {.struts = {{Edge::Top, 25, 0, 99}}, .areaPerMonitor = {}, .commonArea = Rect{0, 0, 10, 10}})
             .empty());
 }
