@@ -4,6 +4,7 @@
 //
 //   editor_bench [EVENTS]
 
+#include "look/control_style.h"
 #include "model/presets.h"
 #include "settings_ui/editor/zone_editor_picture.h"
 #include "settings_ui/editor/zone_editor_view.h"
@@ -156,7 +157,7 @@ void measure(int events) {
 
 int main(int count, char** arguments) {
     const QApplication application(count, arguments);
-    QApplication::setStyle("Fusion");
+    QApplication::setStyle(new ControlStyle);
     try {
         tessarel::bench::measure(count > 1 ? std::stoi(arguments[1]) : tessarel::bench::kDefaultEvents);
     } catch (const std::exception& error) {

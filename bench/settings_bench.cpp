@@ -2,6 +2,7 @@
 // creates all widgets, and for later times.
 
 #include "app/services.h"
+#include "look/control_style.h"
 #include "platform/sim/sim_desktop.h"
 #include "settings_ui/settings_window_controller.h"
 #include "support/sim_ports.h"
@@ -65,7 +66,7 @@ void print(const char* what, Milliseconds taken, Milliseconds budget) {
 } // namespace
 
 int run(int argumentCount, char** arguments) {
-    QApplication::setStyle("Fusion");
+    QApplication::setStyle(new ControlStyle);
     QApplication application(argumentCount, arguments);
     QApplication::setQuitOnLastWindowClosed(false);
     PaintWatch watch;

@@ -1,5 +1,6 @@
 #include "program/qt_program.h"
 
+#include "look/control_style.h"
 #include "model/config.h"
 #include "qt_values/text.h"
 
@@ -15,7 +16,7 @@ void say(const std::string& line) {
 
 void describeProgramToQt() {
     // The same style on every system; it takes its colours from the palette.
-    QApplication::setStyle("Fusion");
+    QApplication::setStyle(new ControlStyle);
     QApplication::setApplicationName(toQString(Config::appName));
     // The name of the desktop entry, by which panels and portals know the windows.
     QApplication::setDesktopFileName(toQString(Config::bundleID));

@@ -4,8 +4,9 @@
 
 namespace tessarel {
 
-/// The accent colour where the desktop's own cannot be read.
-inline constexpr QRgb kAccent = qRgb(0x0a, 0x84, 0xff);
+/// The accent colour where the desktop's own cannot be read. White text is readable on it, and it stands out
+/// from light and from dark windows.
+inline constexpr QRgb kAccent = qRgb(0x0a, 0x72, 0xe3);
 
 /// Returns `color` with the given opacity, from 0 (transparent) to 1 (opaque).
 [[nodiscard]] inline QColor translucent(QColor color, double opacity) {

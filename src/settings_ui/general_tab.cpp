@@ -72,6 +72,7 @@ GeneralTab::GeneralTab(const TabContext& context) : m_context(context) {
     buildPermission();
     buildIgnored();
     buildRemembering();
+    unifyNotes(m_view);
 }
 
 void GeneralTab::buildLogin() {

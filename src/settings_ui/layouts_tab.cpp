@@ -57,6 +57,7 @@ LayoutsTab::LayoutsTab(const TabContext& context) : m_context(context), m_store(
     addGrid();
     addZoneControls();
     addHotkey();
+    unifyNotes(m_view);
     selectZone(m_selected);
     refresh();
 }

@@ -2,7 +2,6 @@
 
 #include "model/config.h"
 #include "qt_values/text.h"
-#include "settings_ui/kit/pixel_grid.h"
 
 #include <QAccessible>
 #include <QAccessibleWidget>
@@ -10,16 +9,11 @@
 #include <QEvent>
 #include <QGuiApplication>
 #include <QKeySequence>
-#include <QPainter>
-#include <QPalette>
 #include <QRect>
-#include <QRectF>
 #include <QScreen>
 #include <QShortcut>
 #include <QSize>
 #include <QString>
-#include <QStyle>
-#include <QStyleOptionTabWidgetFrame>
 #include <QTabBar>
 #include <QTabWidget>
 
@@ -85,29 +79,6 @@ private:
     std::function<void()> m_activated;
 };
 
-/// A tab widget that paints the left border of its page itself. At fractional scales the style paints that
-/// border outside of the widget.
-class Tabs : public QTabWidget {
-public:
-    using QTabWidget::QTabWidget;
-
-protected:
-    void paintEvent(QPaintEvent* event) override {
-        QTabWidget::paintEvent(event);
-        constexpr int kLikeTheStyle = 140; // percent, the factor with which the style darkens its border
-        QStyleOptionTabWidgetFrame option;
-        initStyleOption(&option);
-        const QRectF pane = style()->subElementRect(QStyle::SE_TabWidgetTabPane, &option, this);
-        QPainter painter(this);
-        const PixelGrid grid(painter.deviceTransform());
-        const double width = grid.wholeWidth(1);
-        const double left = grid.lineX(pane.left() + width / 2, width) - width / 2;
-        // Ends above the shadow that the style paints at the bottom.
-        painter.fillRect(QRectF(left, pane.top(), width, pane.height() - 1),
-                         palette().color(QPalette::Window).darker(kLikeTheStyle));
-    }
-};
-
 void addShortcut(QWidget& window, QKeyCombination keys, std::function<void()> action) {
     auto* const shortcut = new QShortcut(QKeySequence(keys), &window);
     QObject::connect(shortcut, &QShortcut::activated, shortcut, std::move(action));
@@ -156,7 +127,7 @@ void SettingsWindowController::makeWindow() {
     m_window->setWindowTitle(title());
     m_window->setFont(systemFont(13));
     m_window->setFixedSize(kWindowSize);
-    m_tabs = new Tabs(m_window.get());
+    m_tabs = new QTabWidget(m_window.get());
     m_tabs->setGeometry(kTabsFrame);
     // The tab bar takes the focus instead, because it has an accessible name for every tab. It is the focus
     // proxy of the tab widget, whose setter changes its policy, too.

@@ -20,7 +20,7 @@ using x11test::PointerTarget;
 constexpr Rect kDesktop{0, 0, 1600, 900};
 constexpr Rect kLeft{0, 0, 800, 900};
 constexpr Rect kRight{800, 0, 800, 900};
-const QColor kAccentColor(0x0a, 0x84, 0xff);
+const QColor kAccentColor(0x0a, 0x72, 0xe3);
 const QColor kWhite(Qt::white);
 
 /// Returns the accent colour at `alpha` over `below`.

@@ -18,7 +18,7 @@
 namespace tessarel::qt {
 namespace {
 
-const QColor kHighlightColor(0x0a, 0x84, 0xff);
+const QColor kHighlightColor(0x0a, 0x72, 0xe3);
 const QColor kDarkColor(0x2b, 0x34, 0x45);
 
 /// The overlay on a screen with 8 bits per pixel and a palette.

@@ -39,6 +39,7 @@ FOLDERS = {
     "snap": Folder(("src/snap",), ("snap_test",)),
     "placer": Folder(("src/placer",), ("placer_test",)),
     "app": Folder(("src/app",), ("app_test",)),
+    "look": Folder(("src/look",), ("look_test", "settings_ui_test")),
     "settings_ui": Folder(("src/settings_ui",), ("settings_ui_test", "recorder_keys_test")),
     "platform/macos": Folder(
         ("src/platform/macos", "src/program/mac_program.cpp", "src/program/main_macos.cpp"), MACOS_SUITES

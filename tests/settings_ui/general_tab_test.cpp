@@ -33,7 +33,7 @@ TEST_F(GeneralTabTest, EveryControlHasItsFrameTextAndStyle) {
               "16 374 440x18 label 13: Granted. Tessarel can move and resize windows.\n"
               "16 400 210x28 button 13: Open Accessibility settings\n"
               "470 50 200x20 label 14 bold: Ignored apps\n"
-              "470 78 290x190 control\n"
+              "469 77 292x192 control\n"
               "471 79 288x188 control 13\n"
               "470 276 100x28 button 13: Add app...\n"
               "576 276 80x28 button 13: Remove\n"

@@ -20,7 +20,7 @@ std::string textLook(Control& control) {
     const QString text = fullText(control);
     control.resize(5000, 500); // in its own frame the text may be set smaller, depending on the font
     fitted_text::change(control, text);
-    std::string look = " " + std::to_string(control.font().pixelSize());
+    std::string look = " " + std::to_string(fitted_text::largestSize(control));
     if (control.font().weight() != QFont::Normal)
         look += control.font().weight() == QFont::Bold ? " bold" : " of another weight";
     if (control.foregroundRole() == QPalette::PlaceholderText)

@@ -1,5 +1,6 @@
 #include "settings_ui/settings_window_controller.h"
 
+#include "look/control_style.h"
 #include "model/presets.h"
 #include "settings_ui/kit/kit.h"
 #include "settings_ui/settings_ui_test.h"
@@ -310,7 +311,7 @@ protected:
     static constexpr double kScale = 1.25;
 
     ScaledSettingsWindowTest() {
-        QApplication::setStyle("Fusion");
+        QApplication::setStyle(new ControlStyle);
         controller.show();
         screen.setDevicePixelRatio(kScale);
         window().render(&screen);

@@ -62,7 +62,7 @@ TEST_F(ShortcutsTabTest, EveryControlHasItsFrameTextAndStyle) {
               "16 14 300x22 label 16 bold: Keyboard shortcuts\n"
               "16 42 740x34 wrap 12 secondary: Click a shortcut, then press the new key combination (include "
               "Ctrl, Opt or Cmd). Zone shortcuts only work for zones that are enabled in the Layouts tab.\n"
-              "16 84 740x340 control\n"
+              "15 83 742x342 control\n"
               "17 85 738x338 control\n"
               "16 436 220x28 button 13: Reset all shortcuts to defaults\n");
 }

@@ -43,7 +43,7 @@ QVariantMap settings(const QDBusMessage& reply) {
 }
 
 void show(const QVariantMap& settings) {
-    QApplication::setPalette(palette(appearance(settings, qEnvironmentVariable("GTK_THEME"))));
+    QApplication::setPalette(paletteOf(appearance(settings, qEnvironmentVariable("GTK_THEME"))));
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 #include "settings_ui/editor/zone_editor_picture.h"
 
+#include "look/pixel_grid.h"
 #include "qt_values/color.h"
 #include "settings_ui/editor/zone_editing.h"
 #include "settings_ui/kit/kit.h"
-#include "settings_ui/kit/pixel_grid.h"
 
 #include <QFontMetricsF>
 #include <QLineF>

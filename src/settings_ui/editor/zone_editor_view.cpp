@@ -1,5 +1,6 @@
 #include "settings_ui/editor/zone_editor_view.h"
 
+#include "look/box.h"
 #include "settings_ui/kit/kit.h"
 
 #include <QAccessible>
@@ -180,12 +181,9 @@ void ZoneEditorView::showKeyboardFocus(bool shows) {
 void ZoneEditorView::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     picture().draw(painter, QRectF(event->rect()));
-    if (!m_showsKeyboardFocus)
-        return;
-    // The focus ring, 2 device-independent pixels wide, lies completely inside of the view.
-    painter.setPen(QPen(controlAccentColor(palette()), 2, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRect(QRectF(rect()).adjusted(1, 1, -1, -1));
+    if (m_showsKeyboardFocus)
+        paintBox(painter, rect(),
+                 {.line = controlAccentColor(palette()), .lineWidth = kFocusWidth, .radius = 0});
 }
 
 } // namespace tessarel

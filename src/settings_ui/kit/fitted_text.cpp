@@ -17,9 +17,10 @@
 namespace tessarel::fitted_text {
 namespace {
 
-// Dynamic properties that keep the full text and the largest font size with the control itself.
+// Dynamic properties that keep the full text and the largest font sizes with the control itself.
 constexpr const char* kWholeText = "tessarelWholeText";
 constexpr const char* kLargestSize = "tessarelLargestSize";
+constexpr const char* kSharedSize = "tessarelSharedSize"; // only if the size is shared
 /// Height in which wrapped text is measured, larger than that of any text.
 constexpr int kEndless = 100'000;
 
@@ -70,7 +71,8 @@ QSize wrappedSize(const QString& text, const QFontMetrics& metrics, int width) {
 /// Sets the font, tooltip and accessible name of `control`. Returns the text that it has to show.
 QString fit(QWidget& control, const QString& text, const Fits& fits) {
     QFont font = control.font();
-    font.setPixelSize(control.property(kLargestSize).toInt());
+    const QVariant shared = control.property(kSharedSize);
+    font.setPixelSize(shared.isValid() ? shared.toInt() : largestSize(control));
     font = fittedFont(font, text, fits);
     control.setFont(font);
     QString shown = fittedText(text, QFontMetrics(font), fits);
@@ -127,6 +129,22 @@ void change(QAbstractButton& button, const QString& text) {
 
 QString toolTip(const QString& text) {
     return Qt::mightBeRichText(text) ? Qt::convertFromPlainText(text, Qt::WhiteSpaceNormal) : text;
+}
+
+void shareSize(const QList<QLabel*>& labels) {
+    const auto sizeOf = [](const QLabel* label) { return label->font().pixelSize(); };
+    const auto smallest = std::ranges::min_element(labels, {}, sizeOf);
+    if (smallest == labels.end())
+        return;
+    const int size = sizeOf(*smallest);
+    for (QLabel* const label : labels) {
+        label->setProperty(kSharedSize, size);
+        change(*label, whole(*label));
+    }
+}
+
+int largestSize(const QWidget& control) {
+    return control.property(kLargestSize).toInt();
 }
 
 QString whole(const QWidget& control) {

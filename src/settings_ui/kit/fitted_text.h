@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QLabel>
+#include <QList>
 #include <QString>
 #include <QWidget>
 
@@ -23,6 +24,12 @@ void init(QAbstractButton& button, const QString& text);
 /// Shows another text in a control that `init` has been called for.
 void change(QLabel& label, const QString& text);
 void change(QAbstractButton& button, const QString& text);
+
+/// Gives all `labels`, which `init` has been called for, the largest font size in which each of them fits.
+void shareSize(const QList<QLabel*>& labels);
+
+/// Returns the font size that a control has if its text fits and its size is not shared.
+[[nodiscard]] int largestSize(const QWidget& control);
 
 /// Returns the full text of a control, even if it is shown with an ellipsis.
 [[nodiscard]] QString whole(const QWidget& control);

@@ -1,12 +1,16 @@
 #include "settings_ui/kit/kit.h"
 
+#include "look/box.h"
 #include "settings_ui/kit/fitted_text.h"
 
 #include <QAbstractScrollArea>
 #include <QByteArray>
 #include <QCheckBox>
+#include <QEvent>
 #include <QFrame>
 #include <QLabel>
+#include <QMap>
+#include <QPainter>
 #include <QPalette>
 #include <QPushButton>
 
@@ -15,6 +19,39 @@
 
 namespace tessarel {
 namespace {
+
+// In device-independent pixels.
+constexpr double kBezelRadius = 2; // rounder corners would lie under the area
+constexpr int kBeyond = 1;         // how far the focus ring reaches beyond the frame of a scroll area
+
+/// The border of a scroll area, painted behind it. At fractional scales, a line that the area paints itself
+/// may lose a side.
+class Bezel : public QWidget {
+public:
+    explicit Bezel(QAbstractScrollArea& area) : QWidget(area.parentWidget()), m_area(area) {
+        area.installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* area, QEvent* event) override {
+        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
+            update();
+        return QWidget::eventFilter(area, event);
+    }
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        if (showsKeyboardFocus(m_area))
+            return paintBox(painter, rect(),
+                            {.line = controlAccentColor(palette()), .lineWidth = kFocusWidth});
+        paintBox(painter, rect().adjusted(kBeyond, kBeyond, -kBeyond, -kBeyond),
+                 {.fill = controlBackgroundColor(palette()),
+                  .line = separatorColor(palette()),
+                  .radius = kBezelRadius});
+    }
+
+private:
+    QAbstractScrollArea& m_area;
+};
 
 /// Creates a label without text, which must be set after its font and frame.
 QLabel* makePlainLabel(QWidget& parent, const QRect& frame, const QFont& font, bool secondary) {
@@ -44,6 +81,15 @@ QLabel* makeWrap(QWidget& parent, const QString& text, const QRect& frame, const
     return label;
 }
 
+void unifyNotes(QWidget& view) {
+    QMap<int, QList<QLabel*>> notes; // by the size that they are to have
+    for (QLabel* const label : view.findChildren<QLabel*>(Qt::FindDirectChildrenOnly))
+        if (label->wordWrap())
+            notes[fitted_text::largestSize(*label)].append(label);
+    for (const QList<QLabel*>& ofOneSize : std::as_const(notes))
+        fitted_text::shareSize(ofOneSize);
+}
+
 QPushButton* makeButton(QWidget& parent, const QString& title, const QRect& frame,
                         std::function<void()> action) {
     auto* const button = new QPushButton(&parent);
@@ -68,20 +114,22 @@ QCheckBox* makeCheckBox(QWidget& parent, const QString& title, const QRect& fram
 }
 
 void setBezeled(QAbstractScrollArea& area, const QRect& frame) {
-    // The border is the rim of a filled widget behind the area. At fractional scales, a line that the area
-    // paints itself may lose a side.
-    auto* const border = new QWidget(area.parentWidget());
-    border->setAutoFillBackground(true);
-    border->setBackgroundRole(QPalette::Mid);
-    border->setGeometry(frame);
-    border->stackUnder(&area);
+    auto* const bezel = new Bezel(area);
+    bezel->setGeometry(frame.adjusted(-kBeyond, -kBeyond, kBeyond, kBeyond));
+    bezel->stackUnder(&area);
     area.setFrameShape(QFrame::NoFrame);
     area.setGeometry(frame.adjusted(1, 1, -1, -1));
+    // Also what lies in a scroll area, which would have the background of the window.
+    area.viewport()->setBackgroundRole(QPalette::Base);
 }
 
 void nameAfter(QLabel& label, QWidget& control) {
     label.setBuddy(&control);
     control.setAccessibleName(fullText(label));
+}
+
+bool showsKeyboardFocus(const QWidget& control) {
+    return control.hasFocus() && control.window()->testAttribute(Qt::WA_KeyboardFocusChange);
 }
 
 void setFittedText(QLabel& label, const QString& text) {

@@ -52,6 +52,10 @@ QLabel* makeLabel(QWidget& parent, const QString& text, const QRect& frame, cons
 /// Creates a label that wraps its text, aligned with the top of its frame.
 QLabel* makeWrap(QWidget& parent, const QString& text, const QRect& frame, const WrapStyle& style = {});
 
+/// Sets all wrapped labels directly on `view` that are to have the same font size in the largest size in
+/// which each of them fits. Call it once, when the view has all its labels.
+void unifyNotes(QWidget& view);
+
 /// Creates a push button that calls `action`, which may be empty, when it is clicked.
 QPushButton* makeButton(QWidget& parent, const QString& title, const QRect& frame,
                         std::function<void()> action);
@@ -61,12 +65,16 @@ QPushButton* makeButton(QWidget& parent, const QString& title, const QRect& fram
 QCheckBox* makeCheckBox(QWidget& parent, const QString& title, const QRect& frame,
                         std::function<void(bool)> action);
 
-/// Sets the frame of `area` and surrounds it with a border that is complete at every scale. The border is a
-/// sibling of `area`, whose parent must be set.
+/// Sets the frame of `area` and surrounds it with a border that is complete at every scale and shows the
+/// keyboard focus. The border is a sibling of `area`, whose parent must be set. Also gives the content of
+/// `area` the background of lists.
 void setBezeled(QAbstractScrollArea& area, const QRect& frame);
 
 /// Makes the text of `label` the accessible name of `control`, so that screen readers announce it.
 void nameAfter(QLabel& label, QWidget& control);
+
+/// Returns whether `control` has the focus and the user has moved the focus with the keyboard.
+[[nodiscard]] bool showsKeyboardFocus(const QWidget& control);
 
 /// Changes the text of a control of this kit and fits it into the frame again.
 void setFittedText(QLabel& label, const QString& text);
@@ -86,7 +94,7 @@ void showMessage(const Ports& ports, const QString& title, const QString& text);
 [[nodiscard]] QFont systemFont(int size, QFont::Weight weight = QFont::Normal);
 
 /// Return the colours of `palette` that correspond to AppKit's colours of these names: of texts, of less
-/// important texts, of lines, of the background of lists and fields, and of the selection.
+/// important texts, of lines and outlines, of the background of lists and fields, and of the selection.
 [[nodiscard]] QColor labelColor(const QPalette& palette);
 [[nodiscard]] QColor secondaryLabelColor(const QPalette& palette);
 [[nodiscard]] QColor separatorColor(const QPalette& palette);

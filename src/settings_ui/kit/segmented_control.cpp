@@ -1,17 +1,16 @@
 #include "settings_ui/kit/segmented_control.h"
 
+#include "look/box.h"
+#include "look/pixel_grid.h"
 #include "settings_ui/kit/kit.h"
-#include "settings_ui/kit/pixel_grid.h"
 
 #include <QColor>
 #include <QPainter>
-#include <QPainterPath>
 #include <QPalette>
 #include <QPen>
 #include <QRadioButton>
 #include <QRectF>
 
-#include <cmath>
 #include <cstddef>
 #include <utility>
 
@@ -19,10 +18,9 @@ namespace tessarel {
 
 namespace {
 
-// In device-independent pixels.
-constexpr double kCornerRadius = 4;
-constexpr double kFocusWidth = 2;
-constexpr double kFocusInset = 3;
+/// Distance of the filled part of a segment with the keyboard focus from its edge, in device-independent
+/// pixels. The ring and a gap lie between them.
+constexpr double kFocusInset = 4;
 
 /// One segment: a radio button for the keyboard and for screen readers, painted as a part of a bar.
 class Segment : public QRadioButton {
@@ -41,21 +39,21 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    [[nodiscard]] QRectF bar(double stroke) const;
+    [[nodiscard]] QRectF bar() const;
     [[nodiscard]] QColor fill() const;
-    /// Paints a frame inside the segment that shows the keyboard focus.
+    /// Paints a ring along the edge of the segment, and the segment smaller inside of it.
     void paintFocus(QPainter& painter) const;
+    void paintSeparator(QPainter& painter) const;
 
     Place m_place;
 };
 
-/// Returns the outline to paint in this segment, for a line of width `stroke`. At an inner edge it extends
-/// beyond the segment, so that its rounded corners are clipped.
-QRectF Segment::bar(double stroke) const {
-    QRectF area(rect());
-    area.adjust(stroke / 2, stroke / 2, -stroke / 2, -stroke / 2);
+/// Returns the box to paint in this segment. At an inner edge it extends beyond the segment, so that its
+/// rounded corners are clipped.
+QRectF Segment::bar() const {
     const double beyond = 2 * kCornerRadius;
-    return area.adjusted(m_place == Place::First ? 0 : -beyond, 0, m_place == Place::Last ? 0 : beyond, 0);
+    return QRectF(rect()).adjusted(m_place == Place::First ? 0 : -beyond, 0,
+                                   m_place == Place::Last ? 0 : beyond, 0);
 }
 
 QColor Segment::fill() const {
@@ -67,29 +65,32 @@ QColor Segment::fill() const {
 
 void Segment::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const PixelGrid grid(painter.deviceTransform());
-    const double stroke = grid.wholeWidth(1);
-    painter.setPen(QPen(separatorColor(palette()), stroke));
-    painter.setBrush(fill());
-    painter.drawRoundedRect(bar(stroke), kCornerRadius, kCornerRadius);
-    // The line to the next segment, without the ends that belong to the outline.
-    if (m_place != Place::Last) {
-        const double x = grid.lineX(width() - stroke / 2, stroke);
-        painter.drawLine(QPointF(x, stroke), QPointF(x, height() - stroke));
-    }
+    const bool hasFocus = showsKeyboardFocus(*this);
+    paintBox(
+        painter, bar(),
+        {.fill = hasFocus ? palette().color(QPalette::Button) : fill(), .line = separatorColor(palette())});
+    if (hasFocus)
+        paintFocus(painter);
+    else if (m_place != Place::Last)
+        paintSeparator(painter);
     painter.setPen(palette().color(isChecked() ? QPalette::HighlightedText : QPalette::ButtonText));
     painter.drawText(rect(), Qt::AlignCenter, text());
-    if (hasFocus())
-        paintFocus(painter);
+}
+
+/// Paints the line to the next segment, without the ends that belong to the outline.
+void Segment::paintSeparator(QPainter& painter) const {
+    const PixelGrid grid(painter.deviceTransform());
+    const double width = grid.wholeWidth(kOutlineWidth);
+    const double x = grid.lineX(this->width() - width / 2, width);
+    painter.setPen(QPen(separatorColor(palette()), width));
+    painter.drawLine(QPointF(x, width), QPointF(x, height() - width));
 }
 
 void Segment::paintFocus(QPainter& painter) const {
-    painter.setPen(QPen(palette().color(isChecked() ? QPalette::HighlightedText : QPalette::Highlight),
-                        kFocusWidth / 2));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(rect()).adjusted(kFocusInset, kFocusInset, -kFocusInset, -kFocusInset),
-                            kCornerRadius / 2, kCornerRadius / 2);
+    const QRectF all(rect());
+    paintBox(painter, all, {.line = controlAccentColor(palette()), .lineWidth = kFocusWidth});
+    paintBox(painter, all.adjusted(kFocusInset, kFocusInset, -kFocusInset, -kFocusInset),
+             {.fill = fill(), .radius = kCornerRadius / 2});
 }
 
 } // namespace

@@ -151,7 +151,7 @@ TEST_F(QtAppearanceTest, WithoutAPortalItIsLight) {
     appearance.apply();
 
     EXPECT_FALSE(isDark());
-    EXPECT_EQ(accent(), QColor("#0a84ff"));
+    EXPECT_EQ(accent(), QColor("#0a72e3"));
 }
 
 TEST_F(QtAppearanceTest, WithoutABusItIsLightUntilThereIsOne) {

@@ -101,6 +101,22 @@ TEST_F(KitTest, AWrappingLabelHasTwelvePixelsAndIsAlignedToTheTop) {
     EXPECT_EQ(note.text(), "Edges give halves, corners give quarters.");
 }
 
+TEST_F(KitTest, NotesOfOnePageShareTheSizeInWhichAllOfThemFit) {
+    QLabel* const wide = makeWrap(view, "A note", {0, 0, 300, 40}, {.size = 13});
+    QLabel* const narrow = makeWrap(view, "Incomprehensibility", {0, 40, 10, 40}, {.size = 13});
+    QLabel* const heading = makeWrap(view, "A heading", {0, 80, 300, 40}, {.size = 20});
+    const int smallest = narrow->font().pixelSize();
+    ASSERT_LT(smallest, 13);
+
+    unifyNotes(view);
+
+    EXPECT_EQ(wide->font().pixelSize(), smallest);
+    EXPECT_EQ(narrow->font().pixelSize(), smallest);
+    EXPECT_EQ(heading->font().pixelSize(), 20) << "of another size";
+    setFittedText(*wide, "Another note");
+    EXPECT_EQ(wide->font().pixelSize(), smallest);
+}
+
 TEST_F(KitTest, LabelsShowTheirTextLiterally) {
     EXPECT_EQ(makeLabel(view, "<b>Work</b>", kFrame)->textFormat(), Qt::PlainText);
     EXPECT_EQ(makeWrap(view, "<b>Work</b>", kFrame)->textFormat(), Qt::PlainText);
@@ -192,10 +208,30 @@ TEST_F(KitTest, AScrollAreaLiesInsideItsBorder) {
     EXPECT_EQ(list.geometry(), QRect(11, 21, 98, 48));
     EXPECT_EQ(list.frameShape(), QFrame::NoFrame);
     const QImage picture = view.grab().toImage();
-    for (const QPoint corner : {QPoint(10, 20), QPoint(109, 20), QPoint(10, 69), QPoint(109, 69)})
-        EXPECT_EQ(picture.pixel(corner), separatorColor(view.palette()).rgb());
-    for (const QPoint outside : {QPoint(9, 20), QPoint(10, 19), QPoint(110, 69), QPoint(109, 70)})
+    for (const QPoint edge : {QPoint(10, 45), QPoint(109, 45), QPoint(60, 20), QPoint(60, 69)})
+        EXPECT_EQ(picture.pixel(edge), separatorColor(view.palette()).rgb());
+    for (const QPoint inside : {QPoint(11, 45), QPoint(108, 45), QPoint(60, 21), QPoint(60, 68)})
+        EXPECT_EQ(picture.pixel(inside), controlBackgroundColor(view.palette()).rgb());
+    for (const QPoint outside : {QPoint(9, 45), QPoint(110, 45), QPoint(60, 19), QPoint(60, 70)})
         EXPECT_NE(picture.pixel(outside), separatorColor(view.palette()).rgb());
+}
+
+TEST_F(KitTest, TheBorderOfAScrollAreaBecomesARingWhenTheUserMovesTheFocusThere) {
+    QPushButton before(&view);
+    QListWidget list(&view);
+    setBezeled(list, {10, 20, 100, 50});
+    view.resize(200, 100);
+    view.show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&view));
+    list.setFocus(Qt::MouseFocusReason);
+    EXPECT_EQ(view.grab().toImage().pixel(10, 45), separatorColor(view.palette()).rgb());
+
+    before.setFocus();
+    QTest::keyClick(&before, Qt::Key_Tab);
+
+    ASSERT_TRUE(list.hasFocus());
+    for (const int x : {9, 10, 109, 110})
+        EXPECT_EQ(view.grab().toImage().pixel(x, 45), controlAccentColor(view.palette()).rgb()) << x;
 }
 
 TEST_F(KitTest, AMessageIsShownInFrontWithOneButton) {

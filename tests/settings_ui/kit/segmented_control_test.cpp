@@ -108,9 +108,10 @@ TEST_F(SegmentedControlTest, TheSegmentsFormOneBarWithRoundEnds) {
     const int width = segment(0).width();
     const double last = segment(8).width();
 
-    EXPECT_EQ(painted(0, What::Path)[0].path, rounded({0.5, 0.5, width - 1 + 8.0, 25}, 4));
-    EXPECT_EQ(painted(4, What::Path)[0].path, rounded({0.5 - 8, 0.5, segment(4).width() - 1 + 16.0, 25}, 4));
-    EXPECT_EQ(painted(8, What::Path)[0].path, rounded({0.5 - 8, 0.5, last - 1 + 8, 25}, 4));
+    EXPECT_EQ(painted(0, What::Path)[0].path, rounded({0.5, 0.5, width - 1 + 8.0, 25}, 3.5));
+    EXPECT_EQ(painted(4, What::Path)[0].path,
+              rounded({0.5 - 8, 0.5, segment(4).width() - 1 + 16.0, 25}, 3.5));
+    EXPECT_EQ(painted(8, What::Path)[0].path, rounded({0.5 - 8, 0.5, last - 1 + 8, 25}, 3.5));
     for (std::size_t i = 0; i < 9; ++i) {
         const Painted bar = painted(i, What::Path)[0];
         EXPECT_EQ(bar.stroke, separatorColor(window.palette()));
@@ -155,21 +156,22 @@ TEST_F(SegmentedControlTest, APressedSegmentIsDarkerUntilItIsReleased) {
     EXPECT_EQ(painted(2, What::Path)[0].fill, controlAccentColor(window.palette()));
 }
 
-TEST_F(SegmentedControlTest, TheFocusedSegmentHasARing) {
-    QPalette palette = window.palette();
-    palette.setColor(QPalette::HighlightedText, QColor(4, 5, 6));
-    window.setPalette(palette);
-    segment(0).clearFocus();
-    EXPECT_EQ(painted(0, What::Path).size(), 1U);
+TEST_F(SegmentedControlTest, KeyboardFocusIsARingOfTwoPointsWithTheSegmentSmallerInsideOfIt) {
+    QTest::mouseClick(&segment(0), Qt::LeftButton);
+    EXPECT_EQ(painted(0, What::Path).size(), 1U) << "after a click";
 
-    segment(0).setFocus();
+    QTest::keyClick(&segment(0), Qt::Key_Right);
+    QTest::keyClick(&segment(1), Qt::Key_Left);
+    ASSERT_TRUE(segment(0).hasFocus());
     const std::vector<Painted> shapes = painted(0, What::Path);
 
-    ASSERT_EQ(shapes.size(), 2U);
-    EXPECT_EQ(shapes[1].path, rounded({3, 3, segment(0).width() - 6.0, 20}, 2));
-    EXPECT_EQ(shapes[1].stroke, QColor(4, 5, 6)) << "on the accent colour";
-    EXPECT_EQ(shapes[1].strokeWidth, 1);
+    ASSERT_EQ(shapes.size(), 3U);
+    EXPECT_EQ(shapes[1].path, rounded({1, 1, segment(0).width() - 2.0, 24}, 3));
+    EXPECT_EQ(shapes[1].stroke, controlAccentColor(window.palette()));
+    EXPECT_EQ(shapes[1].strokeWidth, 2);
     EXPECT_FALSE(shapes[1].fill.isValid());
+    EXPECT_EQ(shapes[2].path, rounded({4, 4, segment(0).width() - 8.0, 18}, 2));
+    EXPECT_EQ(shapes[2].fill, controlAccentColor(window.palette()));
 }
 
 TEST_F(SegmentedControlTest, ASegmentIsAccessibleAsARadioButton) {

@@ -234,7 +234,7 @@ TEST_F(TranslucentFiguresTest, TheFastPathMatchesARoundedRectangle) {
         expected.fill(Qt::transparent);
         QPainter painter(&expected);
         painter.setRenderHint(QPainter::Antialiasing);
-        QColor color(0x0a, 0x84, 0xff);
+        QColor color(0x0a, 0x72, 0xe3);
         color.setAlphaF(static_cast<float>(figure.fillAlpha));
         painter.setBrush(color);
         color.setAlphaF(static_cast<float>(figure.strokeAlpha));

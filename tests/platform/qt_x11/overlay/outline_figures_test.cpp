@@ -12,7 +12,7 @@ namespace {
 
 constexpr Rect kZone{20, 30, 200, 160}; // its shape covers x 22 to 218 and y 32 to 188
 constexpr QRect kWindow{0, 0, 400, 300};
-const QColor kAccentColor(0x0a, 0x84, 0xff);
+const QColor kAccentColor(0x0a, 0x72, 0xe3);
 
 class OutlineFiguresTest : public OffscreenTest {
 protected:

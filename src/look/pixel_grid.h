@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QRectF>
 #include <QTransform>
 
 namespace tessarel {
@@ -15,10 +16,17 @@ public:
     /// Returns the width nearest to `width` that is a whole number of device pixels, at least one.
     [[nodiscard]] double wholeWidth(double width) const;
 
+    /// Returns the width at which a line is sharp: `width` itself if a device-independent pixel is a whole
+    /// number of device pixels, otherwise `width` rounded to whole device pixels.
+    [[nodiscard]] double sharpWidth(double width) const;
+
     /// Return the coordinate nearest to `x` or `y` at which the centre of a line has to be, so that its
     /// width, rounded to whole pixels, coincides with device pixels.
     [[nodiscard]] double lineX(double x, double width) const;
     [[nodiscard]] double lineY(double y, double width) const;
+
+    /// Returns the largest rectangle of whole device pixels inside `rect`.
+    [[nodiscard]] QRectF inside(const QRectF& rect) const;
 
 private:
     /// `offset` is the translation of the transform along the axis, in device pixels.

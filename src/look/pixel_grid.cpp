@@ -1,4 +1,6 @@
-#include "settings_ui/kit/pixel_grid.h"
+#include "look/pixel_grid.h"
+
+#include <QPointF>
 
 #include <algorithm>
 #include <cmath>
@@ -13,12 +15,30 @@ double PixelGrid::wholeWidth(double width) const {
     return wholePixels(width) / scale();
 }
 
+double PixelGrid::sharpWidth(double width) const {
+    return scale() == std::round(scale()) ? width : wholeWidth(width);
+}
+
 double PixelGrid::lineX(double x, double width) const {
     return line(x, width, m_transform.dx());
 }
 
 double PixelGrid::lineY(double y, double width) const {
     return line(y, width, m_transform.dy());
+}
+
+QRectF PixelGrid::inside(const QRectF& rect) const {
+    constexpr double kHardly = 1e-3; // forgives rounding errors in the transform
+    const auto up = [this](double at, double offset) {
+        return (std::ceil(at * scale() + offset - kHardly) - offset) / scale();
+    };
+    const auto down = [this](double at, double offset) {
+        return (std::floor(at * scale() + offset + kHardly) - offset) / scale();
+    };
+    const double dx = m_transform.dx();
+    const double dy = m_transform.dy();
+    return {QPointF(up(rect.left(), dx), up(rect.top(), dy)),
+            QPointF(down(rect.right(), dx), down(rect.bottom(), dy))};
 }
 
 double PixelGrid::line(double at, double width, double offset) const {

@@ -1,4 +1,4 @@
-#include "settings_ui/kit/pixel_grid.h"
+#include "look/pixel_grid.h"
 
 #include <gtest/gtest.h>
 
@@ -63,6 +63,25 @@ TEST(PixelGridTest, NothingMovesByMoreThanHalfAPixel) {
             EXPECT_LE(std::abs(gridAt(scale, 0.3).lineX(at, 1) - at) * scale, 0.5 + 1e-9);
         }
     }
+}
+
+TEST(PixelGridTest, WidthsAreRoundedToWholePixelsAtFractionalScalesOnly) {
+    EXPECT_EQ(gridAt(1).sharpWidth(1.2), 1.2);
+    EXPECT_EQ(gridAt(2).sharpWidth(2.5), 2.5);
+    EXPECT_EQ(gridAt(1.5).sharpWidth(1.2), 2 / 1.5);
+    EXPECT_EQ(gridAt(1.25).sharpWidth(0.1), 1 / 1.25);
+}
+
+TEST(PixelGridTest, TheInsideOfARectangleIsTheWholePixelsInIt) {
+    EXPECT_EQ(gridAt(1).inside({1, 2, 3, 4}), QRectF(1, 2, 3, 4));
+    EXPECT_EQ(gridAt(1).inside({1.2, 2.2, 3, 4}), QRectF(2, 3, 2, 3));
+    const QRectF inside = gridAt(1.5, 0.5, 0.25).inside({1, 1, 4, 4});
+    EXPECT_TRUE(isWhole(inside.left() * 1.5 + 0.5));
+    EXPECT_TRUE(isWhole(inside.right() * 1.5 + 0.5));
+    EXPECT_TRUE(isWhole(inside.top() * 1.5 + 0.25));
+    EXPECT_TRUE(isWhole(inside.bottom() * 1.5 + 0.25));
+    EXPECT_TRUE(QRectF(1, 1, 4, 4).contains(inside));
+    EXPECT_GT(inside.width() * 1.5, 4);
 }
 
 } // namespace
