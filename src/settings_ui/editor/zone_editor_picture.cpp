@@ -161,7 +161,8 @@ std::optional<QRectF> ZoneEditorPicture::outline(std::size_t index, const PixelG
 void ZoneEditorPicture::drawOutline(QPainter& painter, std::size_t index, const QRectF& outline) const {
     const Look& look = lookOf(index, selected);
     const QColor accent = controlAccentColor(palette);
-    painter.setPen(QPen(translucent(accent, look.strokeAlpha), look.strokeWidth));
+    const PixelGrid grid(painter.deviceTransform());
+    painter.setPen(QPen(translucent(accent, look.strokeAlpha), grid.sharpWidth(look.strokeWidth)));
     painter.setBrush(translucent(accent, look.fillAlpha));
     painter.drawRoundedRect(outline, kZoneCornerRadius, kZoneCornerRadius);
 }
@@ -193,8 +194,9 @@ QList<QRectF> ZoneEditorPicture::handles(const PixelGrid& grid) const {
 }
 
 void ZoneEditorPicture::drawHandle(QPainter& painter, const QRectF& handle) const {
-    painter.setPen(
-        QPen(controlAccentColor(palette), kHandleStroke, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+    const PixelGrid grid(painter.deviceTransform());
+    painter.setPen(QPen(controlAccentColor(palette), grid.sharpWidth(kHandleStroke), Qt::SolidLine,
+                        Qt::SquareCap, Qt::MiterJoin));
     painter.setBrush(Qt::white);
     painter.drawRect(handle);
 }

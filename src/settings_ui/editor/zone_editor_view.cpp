@@ -23,8 +23,14 @@ namespace {
 using Mode = ZoneEditing::Mode;
 using Snapping = ZoneEditing::Snapping;
 
+/// Returns the position of the pointer, exact to the device pixel. Qt rounds the position in a widget to
+/// device-independent pixels, but not that in the window, whose fraction is added here.
 Point pointOf(const QMouseEvent& event) {
-    return {event.position().x(), event.position().y()};
+    const QPointF whole(event.position().toPoint());
+    const QPointF inWindow = event.scenePosition();
+    const QPointF point =
+        event.position() == whole ? whole + inWindow - QPointF(inWindow.toPoint()) : event.position();
+    return {point.x(), point.y()};
 }
 
 /// Returns the cursor for resizing by `edges`, at least one of which must be set.

@@ -71,6 +71,23 @@ TEST_F(ZoneEditorViewTest, ADragMovesAZoneAndCommitsOnce) {
     EXPECT_EQ(commits, 1);
 }
 
+TEST_F(ZoneEditorViewTest, ADragFollowsThePointerByDevicePixels) {
+    // At a scale of 2, Qt delivers whole points to a widget and half points to its window.
+    const auto send = [this](QEvent::Type type, const QPointF& inWindow, Qt::MouseButton button) {
+        const QPointF inView = (inWindow - QPointF(30, 40)).toPoint();
+        QMouseEvent event(type, inView, inWindow, view->mapToGlobal(inView), button, Qt::LeftButton,
+                          Qt::ShiftModifier);
+        QApplication::sendEvent(view.get(), &event);
+    };
+    send(QEvent::MouseButtonPress, QPointF(380, 320), Qt::LeftButton);
+
+    for (const double moved : {0.5, 1.0, 1.5, 2.0}) {
+        send(QEvent::MouseMove, QPointF(380 + moved, 320 - moved), Qt::NoButton);
+        EXPECT_NEAR(zone(1).x, 60 + moved / 5, 0.006) << moved;
+        EXPECT_NEAR(zone(1).y, 60 - moved / 4, 0.006) << moved;
+    }
+}
+
 TEST_F(ZoneEditorViewTest, TheViewSavesNothing) {
     press(70, 70);
     move(65, 70);
