@@ -81,7 +81,7 @@ protected:
     bool waitUntilLayoutIsKept() {
         return waitUntilStored(observer, server, R"("zones")") && waitUntilAtRest();
     }
-    /// A paused program draws its icon with two fifths of the opacity.
+    /// A paused program draws its icon in a darker grey.
     bool waitUntilDimmed() {
         return observer.waitUntil([&] { return item.contrast() > 0 && item.contrast() < kDimmed; });
     }

@@ -21,9 +21,16 @@ namespace {
 
 constexpr std::array kSizes = {16, 22, 24, 32, 48}; // in pixels; the sizes that panels request
 
-constexpr QColor kGlyph(0xfa, 0xfa, 0xfa);
-constexpr QColor kEdge(0x20, 0x20, 0x20);
-constexpr double kDisabledOpacity = 0.4;
+/// The colours of an icon.
+struct Tone {
+    QColor glyph;
+    QColor edge;
+};
+
+constexpr Tone kNormal{.glyph = QColor(0xfa, 0xfa, 0xfa), .edge = QColor(0x20, 0x20, 0x20)};
+/// Dimmed to a grey that stands out from light and from dark panels. Translucent colours would not: on one of
+/// the two kinds of panel they are hardly visible. The edge is visible on panels of about the same grey.
+constexpr Tone kDisabled{.glyph = QColor(0x85, 0x85, 0x85), .edge = QColor(0x58, 0x58, 0x58)};
 
 /// The width and height of the grid on which symbols are designed.
 constexpr int kGrid = 16;
@@ -64,16 +71,16 @@ QRect pixels(const Tile& tile, int size) {
 }
 
 /// Draws all edges before the first glyph, because the edge of a tile may reach into its neighbour.
-void drawTiles(QPainter& painter, std::span<const Tile> tiles, int size) {
+void drawTiles(QPainter& painter, std::span<const Tile> tiles, const Tone& tone, int size) {
     const int edge = edgeWidth(size);
     for (const Tile& tile : tiles)
-        painter.fillRect(pixels(tile, size).adjusted(-edge, -edge, edge, edge), kEdge);
+        painter.fillRect(pixels(tile, size).adjusted(-edge, -edge, edge, edge), tone.edge);
     for (const Tile& tile : tiles)
-        painter.fillRect(pixels(tile, size), kGlyph);
+        painter.fillRect(pixels(tile, size), tone.glyph);
 }
 
 /// Draws the text centred and as large as fits, with its edge inside the icon.
-void drawText(QPainter& painter, const QString& text, int size) {
+void drawText(QPainter& painter, const QString& text, const Tone& tone, int size) {
     QFont font = QGuiApplication::font();
     font.setBold(true);
     font.setPixelSize(size);
@@ -89,32 +96,20 @@ void drawText(QPainter& painter, const QString& text, int size) {
     painter.translate(size / 2.0, size / 2.0);
     painter.scale(scale, scale);
     painter.translate(-bounds.center());
-    painter.strokePath(path, QPen(kEdge, 2 * edge / scale, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    painter.fillPath(path, kGlyph);
+    painter.strokePath(path, QPen(tone.edge, 2 * edge / scale, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter.fillPath(path, tone.glyph);
 }
 
 /// Returns an icon that holds every size in `kSizes`.
-QIcon drawn(Appearance appearance, const std::function<void(QPainter&, int size)>& draw) {
+QIcon drawn(Appearance appearance, const std::function<void(QPainter&, const Tone&, int size)>& draw) {
     QIcon icon;
     for (const int size : kSizes) {
-        QPixmap glyph(size, size);
-        glyph.fill(Qt::transparent);
-        QPainter painter(&glyph);
-        draw(painter, size);
+        QPixmap picture(size, size);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        draw(painter, appearance == Appearance::Normal ? kNormal : kDisabled, size);
         painter.end();
-        if (appearance == Appearance::Normal) {
-            icon.addPixmap(glyph);
-            continue;
-        }
-        // The finished picture is dimmed. If the glyph were drawn translucent, the edge would show through
-        // it.
-        QPixmap dimmed(size, size);
-        dimmed.fill(Qt::transparent);
-        QPainter dimmer(&dimmed);
-        dimmer.setOpacity(kDisabledOpacity);
-        dimmer.drawPixmap(0, 0, glyph);
-        dimmer.end();
-        icon.addPixmap(dimmed);
+        icon.addPixmap(picture);
     }
     return icon;
 }
@@ -129,14 +124,17 @@ QIcon symbol(std::string_view name, Appearance appearance) {
     const auto* const found = std::ranges::find(kSymbols, name, &Symbol::name);
     if (found == kSymbols.end())
         return {};
-    return drawn(appearance,
-                 [found](QPainter& painter, int size) { drawTiles(painter, found->tiles, size); });
+    return drawn(appearance, [found](QPainter& painter, const Tone& tone, int size) {
+        drawTiles(painter, found->tiles, tone, size);
+    });
 }
 
 QIcon text(const QString& text, Appearance appearance) {
     if (text.isEmpty())
         return {};
-    return drawn(appearance, [&text](QPainter& painter, int size) { drawText(painter, text, size); });
+    return drawn(appearance, [&text](QPainter& painter, const Tone& tone, int size) {
+        drawText(painter, text, tone, size);
+    });
 }
 
 } // namespace tessarel::qt::status_symbols

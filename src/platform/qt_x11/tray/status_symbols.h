@@ -8,10 +8,11 @@
 namespace tessarel::qt {
 
 /// Icons for the panel, drawn by the program so that no icon theme is needed. A light glyph with a dark edge
-/// is legible on light and dark panels. Each icon holds the sizes that panels request, from 16 to 48 pixels.
+/// is legible on light and dark panels, and so is the grey one of a disabled icon. Each icon holds the sizes
+/// that panels request, from 16 to 48 pixels.
 namespace status_symbols {
 
-/// How an icon is drawn; `Disabled` is paler.
+/// How an icon is drawn; `Disabled` is dimmed.
 enum class Appearance : bool { Normal, Disabled };
 
 /// Returns whether there is a symbol of that name. The names are those of the macOS system symbols.

@@ -1,3 +1,4 @@
+#include "look/contrast.h"
 #include "platform/qt_x11/tray/status_symbols.h"
 
 #include <QApplication>
@@ -43,12 +44,15 @@ protected:
         return static_cast<double>(visible) / (size * size);
     }
 
-    static int highestAlpha(const QImage& picture) {
-        int highest = 0;
+    /// Returns the brightest opaque colour.
+    static QColor brightest(const QImage& picture) {
+        QRgb found = qRgb(0, 0, 0);
         for (int y = 0; y < picture.height(); ++y)
             for (int x = 0; x < picture.width(); ++x)
-                highest = std::max(highest, qAlpha(picture.pixel(x, y)));
-        return highest;
+                if (const QRgb pixel = picture.pixel(x, y);
+                    qAlpha(pixel) == 255 && qGray(pixel) > qGray(found))
+                    found = pixel;
+        return found;
     }
 
     int argumentCount = 1;
@@ -101,19 +105,28 @@ TEST_F(StatusSymbolsTest, SymbolsDifferFromEachOtherAtEverySize) {
     }
 }
 
-TEST_F(StatusSymbolsTest, ADisabledIconHasTwoFifthsOfTheOpacity) {
+TEST_F(StatusSymbolsTest, ADisabledIconHasTheShapeOfTheNormalOne) {
     for (const int size : kSizes) {
         const QImage normal = image(status_symbols::symbol(kNames[0], Appearance::Normal), size);
         const QImage dimmed = image(status_symbols::symbol(kNames[0], Appearance::Disabled), size);
         for (int y = 0; y < size; ++y)
             for (int x = 0; x < size; ++x)
-                ASSERT_NEAR(qAlpha(dimmed.pixel(x, y)), 0.4 * qAlpha(normal.pixel(x, y)), 1.5);
+                ASSERT_EQ(qAlpha(dimmed.pixel(x, y)), qAlpha(normal.pixel(x, y)));
     }
 }
 
-TEST_F(StatusSymbolsTest, TextIsDimmedToo) {
-    EXPECT_EQ(highestAlpha(image(status_symbols::text("TS", Appearance::Normal), 22)), 255);
-    EXPECT_NEAR(highestAlpha(image(status_symbols::text("TS", Appearance::Disabled), 22)), 102, 2);
+TEST_F(StatusSymbolsTest, ADisabledIconIsDimmedButStandsOutFromLightAndDarkPanels) {
+    const std::array icons = {status_symbols::symbol(kNames[0], Appearance::Disabled),
+                              status_symbols::text("TS", Appearance::Disabled)};
+    for (const QIcon& icon : icons)
+        for (const int size : kSizes) {
+            const QColor glyph = brightest(image(icon, size));
+            // From black to a dark grey, and from a light grey to white.
+            for (const QColor panel :
+                 {QColor("#000000"), QColor("#303030"), QColor("#eaeaea"), QColor("#ffffff")})
+                EXPECT_GE(contrast(glyph, panel), kOutlineContrast) << size << panel.name().toStdString();
+            EXPECT_LT(qGray(glyph.rgb()), 0xc0) << size;
+        }
 }
 
 TEST_F(StatusSymbolsTest, AnEmptyTextGivesANullIcon) {
