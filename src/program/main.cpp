@@ -153,8 +153,9 @@ int run(const char* programName) {
     qt::QtX11Application application(
         [&link = *connection](xcb_window_t window) { x11::bringToUser(link, window); },
         [&link = *connection](xcb_window_t window) { x11::bringAlong(link, window); });
-    qt::X11Overlay overlay(queue,
-                           [&desktop](const Rect& screenFrame) { return desktop.rootPixels(screenFrame); });
+    qt::X11Overlay overlay(
+        queue, [&desktop](const Rect& screenFrame) { return desktop.rootPixels(screenFrame); },
+        [&appearance] { return appearance.accent(); });
     qt::QtStatusItem statusItem(queue, bus, [&appearance] { appearance.apply(); });
     qt::QtUrlLoadingModule urlLoading;
     qt::SystemWallClock wallClock;

@@ -42,10 +42,6 @@ QVariantMap settings(const QDBusMessage& reply) {
     return all.value(kNamespace);
 }
 
-void show(const QVariantMap& settings) {
-    QApplication::setPalette(paletteOf(appearance(settings, qEnvironmentVariable("GTK_THEME"))));
-}
-
 } // namespace
 
 QtAppearance::QtAppearance(std::function<std::optional<QDBusConnection>()> bus) : m_bus(std::move(bus)) {
@@ -74,7 +70,7 @@ void QtAppearance::showFirst() {
 }
 
 void QtAppearance::busChanged() {
-    if (!m_isApplied || !m_bus())
+    if (!m_bus())
         return;
     follow();
     m_changed.start();
@@ -102,6 +98,11 @@ void QtAppearance::read() {
         if (reply.type() == QDBusMessage::ReplyMessage)
             show(settings(reply));
     });
+}
+
+void QtAppearance::show(const QVariantMap& settings) {
+    m_appearance = appearance(settings, qEnvironmentVariable("GTK_THEME"));
+    QApplication::setPalette(paletteOf(m_appearance));
 }
 
 } // namespace tessarel::qt

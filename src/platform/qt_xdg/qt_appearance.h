@@ -2,10 +2,12 @@
 
 #include "platform/qt_xdg/appearance.h"
 
+#include <QColor>
 #include <QDBusConnection>
 #include <QDBusPendingCallWatcher>
 #include <QString>
 #include <QTimer>
+#include <QVariantMap>
 
 #include <functional>
 #include <memory>
@@ -13,14 +15,13 @@
 
 namespace tessarel::qt {
 
-/// Applies the user's preferred colours, and the program's icon, to all windows.
+/// Applies the user's preferred colours, and the program's icon, to all windows, and follows their changes.
 ///
-/// The preferences are read from the desktop portal, over D-Bus, when the first window is about to be shown,
-/// so that a start without windows does not wait for the reply. That window waits for 50 ms at most; the
-/// defaults apply until a later reply.
+/// The preferences are read from the desktop portal, over D-Bus, as soon as there is a bus, without waiting.
+/// Only the first window waits for them, for 50 ms at most; the defaults apply until a later reply.
 class QtAppearance {
 public:
-    /// `bus` returns the session bus if there is one at present. It is first called by `apply`.
+    /// `bus` returns the session bus if there is one at present. It is not called before the functions below.
     explicit QtAppearance(std::function<std::optional<QDBusConnection>()> bus);
     QtAppearance(const QtAppearance&) = delete;
     QtAppearance& operator=(const QtAppearance&) = delete;
@@ -28,20 +29,24 @@ public:
     /// Applies the current preferences, and later changes from then on. Requires the application object.
     /// Further calls do nothing.
     void apply();
-    /// Reads the preferences from a new bus. Does nothing before `apply`, and without a bus, so that windows
-    /// keep their colours.
+    /// Reads the preferences from a new bus. Without a bus, the colours stay. Requires the application object.
     void busChanged();
+
+    /// Returns the accent colour that applies now.
+    [[nodiscard]] QColor accent() const { return m_appearance.accent; }
 
 private:
     void follow();
     void showFirst();
     void read();
+    void show(const QVariantMap& settings);
 
     std::function<std::optional<QDBusConnection>()> m_bus;
     QString m_followed; // name of the connection whose signals start the timer
     /// Coalesces change signals: each one restarts the timer, which fires once none is pending.
     QTimer m_changed;
     std::unique_ptr<QDBusPendingCallWatcher> m_query; // while the portal's reply is pending
+    Appearance m_appearance;
     bool m_isApplied = false;
 };
 

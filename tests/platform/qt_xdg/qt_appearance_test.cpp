@@ -111,12 +111,6 @@ TEST_F(QtAppearanceTest, AppliesTheDesktopsPreferences) {
     EXPECT_EQ(accent(), QColor(Qt::red));
 }
 
-TEST_F(QtAppearanceTest, DoesNotQueryTheDesktopBeforeApply) {
-    startPortal();
-
-    EXPECT_FALSE(isDark());
-}
-
 TEST_F(QtAppearanceTest, FollowsTheDesktop) {
     startPortal();
     appearance.apply();
@@ -127,6 +121,16 @@ TEST_F(QtAppearanceTest, FollowsTheDesktop) {
     QDBusConnection("portal").send(change);
 
     EXPECT_TRUE(QTest::qWaitFor([] { return !isDark(); }));
+}
+
+TEST_F(QtAppearanceTest, TheAccentColourArrivesWithoutWaitingOnceThereIsABus) {
+    startPortal();
+
+    appearance.busChanged();
+
+    EXPECT_EQ(appearance.accent(), QColor(kAccent));
+    EXPECT_TRUE(QTest::qWaitFor([this] { return appearance.accent() == QColor(Qt::red); }));
+    EXPECT_EQ(accent(), QColor(Qt::red));
 }
 
 TEST_F(QtAppearanceTest, QueriesTheDesktopOnlyOnce) {

@@ -1,5 +1,6 @@
 #include "platform/qt_x11/overlay/outline_figures.h"
 
+#include "look/contrast.h"
 #include "platform/qt/overlay/overlay_pixels.h"
 #include "platform/qt/overlay/overlay_text.h"
 #include "qt_values/color.h"
@@ -21,7 +22,7 @@ constexpr int kHighlightedRing = kEdge + 6;
 constexpr int kHatchStep = 6;
 constexpr int kBadge = 44;
 
-constexpr QRgb kDark = OutlineFigures::kColors[2];
+constexpr QRgb kDark = qRgb(0x2b, 0x34, 0x45);
 
 QRect inset(const QRect& rect, int by) {
     return rect.adjusted(by, by, -by, -by);
@@ -40,8 +41,12 @@ void fill(QPainter& painter, const QRegion& region, const QColor& color) {
 
 } // namespace
 
-OutlineFigures::OutlineFigures(const QRect& window, double scale)
-    : m_window(window), m_scale(scale), m_line(std::max(1, qRound(scale))) {}
+std::array<QColor, 3> OutlineFigures::colors(const QColor& accent) {
+    return {QColor(Qt::white), accent, QColor(kDark)};
+}
+
+OutlineFigures::OutlineFigures(const QRect& window, double scale, const QColor& accent)
+    : m_window(window), m_scale(scale), m_accent(accent), m_line(std::max(1, qRound(scale))) {}
 
 int OutlineFigures::ringWidth(const OverlayFigure& figure) const {
     return m_line * (figure.highlighted ? kHighlightedRing : kPlainRing);
@@ -95,10 +100,10 @@ void OutlineFigures::paint(QPainter& painter, const OverlayFigure& figure) const
     // A shaped window has no translucent pixels, so edges must not be smoothed.
     painter.setRenderHint(QPainter::Antialiasing, false);
     const QRect shape = pixels(figure.shape);
-    fill(painter, ring(figure), QColor(kAccent));
+    fill(painter, ring(figure), m_accent);
     fill(painter, frame(shape, inset(shape, m_line * kEdge)), Qt::white);
     for (const QRect& line : hatch(figure))
-        painter.fillRect(line, isWhite(line, shape) ? QColor(Qt::white) : QColor(kAccent));
+        painter.fillRect(line, isWhite(line, shape) ? QColor(Qt::white) : m_accent);
     paintLabel(painter, figure);
 }
 
@@ -107,8 +112,8 @@ void OutlineFigures::paintLabel(QPainter& painter, const OverlayFigure& figure) 
         return;
     const QRect rect = badge(figure);
     painter.fillRect(rect, Qt::white);
-    painter.fillRect(inset(rect, m_line), QColor(figure.highlighted ? kAccent : kDark));
-    painter.setPen(Qt::white);
+    painter.fillRect(inset(rect, m_line), figure.highlighted ? m_accent : QColor(kDark));
+    painter.setPen(figure.highlighted ? readableOn(m_accent) : QColor(Qt::white));
     painter.setFont(labelFont(figure.label, m_scale));
     painter.drawText(rect, Qt::AlignCenter, toQString(figure.label.text));
 }

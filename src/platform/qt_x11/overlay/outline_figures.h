@@ -24,12 +24,12 @@ namespace tessarel::qt {
 /// positions do not.
 class OutlineFigures {
 public:
-    /// The colours of the figures. Only smoothed letters have others.
-    static constexpr std::array<QRgb, 3> kColors = {qRgb(255, 255, 255), kAccent, qRgb(0x2b, 0x34, 0x45)};
+    /// Returns the colours of the figures. Only letters have others.
+    [[nodiscard]] static std::array<QColor, 3> colors(const QColor& accent);
 
     /// `window` is the area of the window in pixels; drawing is clipped to it. `scale` is the number of
     /// pixels per device-independent unit.
-    OutlineFigures(const QRect& window, double scale);
+    OutlineFigures(const QRect& window, double scale, const QColor& accent = QColor(kAccent));
 
     /// Paints `figure`. `painter` must be scaled to pixels.
     void paint(QPainter& painter, const OverlayFigure& figure) const;
@@ -55,6 +55,7 @@ private:
 
     QRect m_window;
     double m_scale;
+    QColor m_accent;
     int m_line; // width of the thinnest line, in pixels
 };
 

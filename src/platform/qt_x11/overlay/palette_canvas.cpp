@@ -39,12 +39,11 @@ bool PaletteCanvas::isNeeded() {
     return xcb != nullptr && screenOf(xcb).root_depth == kDepth;
 }
 
-PaletteCanvas::PaletteCanvas() {
+PaletteCanvas::PaletteCanvas(const QColor& accent) {
     xcb_connection_t* const xcb = qtConnection();
-    for (std::size_t i = 0; i < m_palette.size(); ++i) {
-        const QColor color(OutlineFigures::kColors.at(i));
-        m_palette.at(i) = {color, allocate(xcb, screenOf(xcb), color)};
-    }
+    std::ranges::transform(OutlineFigures::colors(accent), m_palette.begin(), [xcb](const QColor& color) {
+        return Entry{color, allocate(xcb, screenOf(xcb), color)};
+    });
 }
 
 void PaletteCanvas::put(const QWidget& widget, const QImage& image, const QPoint& corner) const {

@@ -21,7 +21,7 @@ public:
 
     /// Allocates the colours of the outlined look in the colormap of the screen, black or white where it is
     /// full. Waits for a few replies on Qt's connection.
-    PaletteCanvas();
+    explicit PaletteCanvas(const QColor& accent);
 
     /// Copies `image` to the window of `widget` at `corner`, in pixels. Every pixel takes the closest colour.
     void put(const QWidget& widget, const QImage& image, const QPoint& corner) const;
@@ -34,7 +34,7 @@ private:
 
     [[nodiscard]] std::uint8_t closest(QRgb color) const;
 
-    std::array<Entry, OutlineFigures::kColors.size()> m_palette;
+    std::array<Entry, 3> m_palette;
 };
 
 } // namespace tessarel::qt

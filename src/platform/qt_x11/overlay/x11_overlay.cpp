@@ -6,11 +6,11 @@
 
 namespace tessarel::qt {
 
-X11Overlay::X11Overlay(MainQueuePort& queue, Conversion desktopPixels)
-    : m_queue(queue), m_desktopPixels(std::move(desktopPixels)) {}
+X11Overlay::X11Overlay(MainQueuePort& queue, Conversion desktopPixels, Accent accent)
+    : m_queue(queue), m_desktopPixels(std::move(desktopPixels)), m_accent(std::move(accent)) {}
 
 std::unique_ptr<OverlayWindow> X11Overlay::createWindow() {
-    return std::make_unique<X11OverlayWindow>(m_queue, m_desktopPixels);
+    return std::make_unique<X11OverlayWindow>(m_queue, m_desktopPixels, m_accent);
 }
 
 } // namespace tessarel::qt

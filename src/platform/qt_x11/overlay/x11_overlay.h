@@ -2,6 +2,9 @@
 
 #include "ports/main_queue_port.h"
 #include "ports/overlay_port.h"
+#include "qt_values/color.h"
+
+#include <QColor>
 
 #include <functional>
 #include <memory>
@@ -15,8 +18,12 @@ public:
     /// Converts a rectangle in screen coordinates (y up) to pixels of the root window (y down).
     using Conversion = std::function<Rect(const Rect& screenFrame)>;
 
-    /// `queue` and everything that `desktopPixels` uses must outlive the overlay and its windows.
-    X11Overlay(MainQueuePort& queue, Conversion desktopPixels);
+    /// Returns the accent colour. Called each time a hidden window is shown.
+    using Accent = std::function<QColor()>;
+
+    /// `queue` and everything that the functions use must outlive the overlay and its windows.
+    X11Overlay(
+        MainQueuePort& queue, Conversion desktopPixels, Accent accent = [] { return QColor(kAccent); });
 
     /// Returns a hidden window. The X11 window itself is created when it is first shown.
     [[nodiscard]] std::unique_ptr<OverlayWindow> createWindow() override;
@@ -24,6 +31,7 @@ public:
 private:
     MainQueuePort& m_queue;
     Conversion m_desktopPixels;
+    Accent m_accent;
 };
 
 } // namespace tessarel::qt

@@ -2,7 +2,6 @@
 
 #include "platform/qt/overlay/overlay_pixels.h"
 #include "platform/qt_x11/overlay/native_window.h"
-#include "platform/qt_x11/overlay/outline_figures.h"
 
 #include <QPaintEvent>
 #include <QPainter>
@@ -30,15 +29,15 @@ OverlayFigure magnified(OverlayFigure figure, double scale) {
 
 } // namespace
 
-X11OverlayWidget::X11OverlayWidget(Kind kind, const std::vector<OverlayFigure>& figures)
-    : QWidget(nullptr, kFlags), m_kind(kind), m_figures(figures) {
+X11OverlayWidget::X11OverlayWidget(Kind kind, const std::vector<OverlayFigure>& figures, const QColor& accent)
+    : QWidget(nullptr, kFlags), m_kind(kind), m_figures(figures), m_translucent(accent) {
     setAttribute(Qt::WA_ShowWithoutActivating);
     setAttribute(Qt::WA_QuitOnClose, false);
     setAttribute(Qt::WA_OpaquePaintEvent, kind == Kind::Outlined);
     setAttribute(Qt::WA_NoSystemBackground);
     setAttribute(Qt::WA_TranslucentBackground, kind == Kind::Translucent);
     if (PaletteCanvas::isNeeded()) {
-        m_canvas = std::make_unique<PaletteCanvas>();
+        m_canvas = std::make_unique<PaletteCanvas>(accent);
         setAttribute(Qt::WA_PaintOnScreen);
     }
     create(); // the functions in native_window.h need the X11 window before it is shown
@@ -71,7 +70,11 @@ void X11OverlayWidget::repaintPixels(const QRegion& changed) {
 QRect X11OverlayWidget::labelExtent(const OverlayFigure& figure) {
     if (m_kind == Kind::Translucent)
         return m_translucent.labelExtent(figure, devicePixelRatioF());
-    return OutlineFigures(windowPixels(), devicePixelRatioF()).badge(figure);
+    return outlines().badge(figure);
+}
+
+OutlineFigures X11OverlayWidget::outlines() const {
+    return {windowPixels(), devicePixelRatioF(), accent()};
 }
 
 /// Sets the window's shape to the figures, where the desktop has no compositor. Sends no request when the
@@ -79,10 +82,10 @@ QRect X11OverlayWidget::labelExtent(const OverlayFigure& figure) {
 void X11OverlayWidget::cutOutFigures() {
     if (m_kind == Kind::Translucent)
         return;
-    const OutlineFigures outlines(windowPixels(), devicePixelRatioF());
+    const OutlineFigures figures = outlines();
     QRegion region;
     for (const OverlayFigure& figure : m_figures)
-        region += outlines.region(figure);
+        region += figures.region(figure);
     if (region == m_cutOut && !m_cutOut.isEmpty())
         return;
     m_cutOut = region;
@@ -136,13 +139,13 @@ void X11OverlayWidget::paintTranslucent(QPainter& painter, const QRect& area) {
 
 /// Paints the figures that touch `area`, and the labels of highlighted ones again, on top of the others.
 void X11OverlayWidget::paintOutlines(QPainter& painter, const QRect& area) const {
-    const OutlineFigures outlines(windowPixels(), devicePixelRatioF());
+    const OutlineFigures figures = outlines();
     for (const OverlayFigure& figure : m_figures)
-        if (outlines.extent(figure).intersects(area))
-            outlines.paint(painter, figure);
+        if (figures.extent(figure).intersects(area))
+            figures.paint(painter, figure);
     for (const OverlayFigure& figure : m_figures)
         if (figure.highlighted)
-            outlines.paintLabel(painter, figure);
+            figures.paintLabel(painter, figure);
 }
 
 } // namespace tessarel::qt

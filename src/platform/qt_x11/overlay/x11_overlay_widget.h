@@ -1,9 +1,11 @@
 #pragma once
 
 #include "platform/qt/overlay/translucent_figures.h"
+#include "platform/qt_x11/overlay/outline_figures.h"
 #include "platform/qt_x11/overlay/palette_canvas.h"
 #include "ports/overlay_port.h"
 
+#include <QColor>
 #include <QRect>
 #include <QRegion>
 #include <QWidget>
@@ -26,9 +28,10 @@ public:
 
     /// Creates the hidden window. `figures` must outlive the widget. After a change of `figures`, call
     /// `repaintPixels`.
-    X11OverlayWidget(Kind kind, const std::vector<OverlayFigure>& figures);
+    X11OverlayWidget(Kind kind, const std::vector<OverlayFigure>& figures, const QColor& accent);
 
     [[nodiscard]] Kind kind() const { return m_kind; }
+    [[nodiscard]] const QColor& accent() const { return m_translucent.accent(); }
 
     /// Moves and resizes the window to `frame`, in pixels of the root window, y down.
     void cover(const QRect& frame);
@@ -50,6 +53,7 @@ protected:
 
 private:
     [[nodiscard]] QRect windowPixels() const { return {QPoint(), m_frame.size()}; }
+    [[nodiscard]] OutlineFigures outlines() const;
     void cutOutFigures();
     void paintWithPalette(const QRegion& areas) const;
     void paintTranslucent(QPainter& painter, const QRect& area);

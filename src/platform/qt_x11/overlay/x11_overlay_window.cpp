@@ -6,8 +6,8 @@
 
 namespace tessarel::qt {
 
-X11OverlayWindow::X11OverlayWindow(MainQueuePort& queue, Conversion desktopPixels)
-    : m_queue(queue), m_desktopPixels(std::move(desktopPixels)) {}
+X11OverlayWindow::X11OverlayWindow(MainQueuePort& queue, Conversion desktopPixels, Accent accent)
+    : m_queue(queue), m_desktopPixels(std::move(desktopPixels)), m_accent(std::move(accent)) {}
 
 X11OverlayWindow::~X11OverlayWindow() = default;
 
@@ -65,11 +65,12 @@ X11OverlayWidget::Kind X11OverlayWindow::fittingKind() {
     return m_compositor->isRunning() ? X11OverlayWidget::Kind::Translucent : X11OverlayWidget::Kind::Outlined;
 }
 
-/// Shows a widget of that kind. Reuses the existing widget if it is of that kind; the visual of an X11 window
-/// cannot change.
+/// Shows a widget of that kind in the present accent colour. Reuses the existing widget if it fits; the
+/// visual of an X11 window cannot change.
 void X11OverlayWindow::useSurface(X11OverlayWidget::Kind kind) {
-    if (!m_surface || m_surface->kind() != kind)
-        m_surface = std::make_unique<X11OverlayWidget>(kind, m_figures);
+    const QColor accent = m_accent();
+    if (!m_surface || m_surface->kind() != kind || m_surface->accent() != accent)
+        m_surface = std::make_unique<X11OverlayWidget>(kind, m_figures, accent);
     m_surface->cover(m_frame);
     m_stacking.reset(); // restores the events of the root window before they are read again
     m_stacking = std::make_unique<StackingWatch>(static_cast<std::uint32_t>(m_surface->winId()),

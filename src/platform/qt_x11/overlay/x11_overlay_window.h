@@ -7,6 +7,7 @@
 #include "ports/main_queue_port.h"
 #include "ports/overlay_port.h"
 
+#include <QColor>
 #include <QRect>
 #include <QRegion>
 
@@ -28,6 +29,8 @@ class X11OverlayWindow : public OverlayWindow {
 public:
     /// Converts a rectangle in screen coordinates (y up) to pixels of the root window (y down).
     using Conversion = std::function<Rect(const Rect& screenFrame)>;
+    /// Returns the accent colour. Called each time the hidden window is shown.
+    using Accent = std::function<QColor()>;
 
     /// The shortest time between two repaints.
     static constexpr MainQueuePort::Duration kRepaintInterval = std::chrono::milliseconds(8);
@@ -37,8 +40,8 @@ public:
     static constexpr int kMostRaises = 8;
     static constexpr MainQueuePort::Duration kRaiseInterval = std::chrono::seconds(1);
 
-    /// `queue` and everything that `desktopPixels` uses must outlive the window.
-    X11OverlayWindow(MainQueuePort& queue, Conversion desktopPixels);
+    /// `queue` and everything that the functions use must outlive the window.
+    X11OverlayWindow(MainQueuePort& queue, Conversion desktopPixels, Accent accent);
     ~X11OverlayWindow() override;
 
     void setFrame(const Rect& screenFrame) override;
@@ -58,6 +61,7 @@ private:
 
     MainQueuePort& m_queue;
     Conversion m_desktopPixels;
+    Accent m_accent;
     QRect m_frame; // in pixels of the root window
     std::vector<OverlayFigure> m_figures;
     std::unique_ptr<CompositorWatch> m_compositor;

@@ -7,6 +7,8 @@
 #include <QImage>
 #include <QRegion>
 
+#include <algorithm>
+
 namespace tessarel::qt {
 namespace {
 
@@ -90,6 +92,21 @@ TEST_F(OutlineFiguresTest, TheBadgeIsDarkOrInTheAccentColorWhenHighlighted) {
     EXPECT_LT(plain.lightness(), 80);
     EXPECT_EQ(target, kAccentColor);
     EXPECT_EQ(painted(zoneFigure(kZone, "3")).pixelColor(98, 88), QColor(Qt::white));
+}
+
+TEST_F(OutlineFiguresTest, AnotherAccentColourIsUsedWithADigitThatIsReadableOnIt) {
+    QImage image(kWindow.size(), QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&image);
+
+    OutlineFigures(kWindow, 1, Qt::yellow).paint(painter, zoneFigure(kZone, "8", true));
+
+    EXPECT_EQ(image.pixelColor(23, 110), QColor(Qt::yellow));
+    EXPECT_EQ(image.pixelColor(101, 91), QColor(Qt::yellow));
+    int darkest = 255;
+    for (int y = 90; y < 130; ++y)
+        for (int x = 100; x < 140; ++x)
+            darkest = std::min(darkest, image.pixelColor(x, y).lightness());
+    EXPECT_LT(darkest, 40);
 }
 
 TEST_F(OutlineFiguresTest, TheDigitIsWhiteAndCentredOnTheBadge) {
