@@ -3,8 +3,6 @@
 #include <QDBusArgument>
 #include <QVariant>
 
-#include <optional>
-
 namespace tessarel::qt {
 
 namespace {
@@ -18,9 +16,15 @@ bool isPart(double value) {
     return value >= 0 && value <= 1;
 }
 
-/// Decodes "accent-color". Returns `std::nullopt` if it is missing or has another type, or if a component is
-/// out of range, which is how a desktop says that it has no accent colour.
-std::optional<QColor> accentColor(const QVariant& setting) {
+} // namespace
+
+bool prefersDark(const QVariantMap& settings, const QString& gtkTheme) {
+    const uint scheme = settings.value(QStringLiteral("color-scheme")).toUInt();
+    return scheme == kPrefersDark || (scheme != kPrefersLight && gtkTheme.endsWith(QLatin1String(":dark")));
+}
+
+std::optional<QColor> accentColor(const QVariantMap& settings) {
+    const QVariant setting = settings.value(QStringLiteral("accent-color"));
     if (!setting.canConvert<QDBusArgument>())
         return std::nullopt;
     const auto argument = setting.value<QDBusArgument>();
@@ -35,18 +39,6 @@ std::optional<QColor> accentColor(const QVariant& setting) {
     if (!isPart(red) || !isPart(green) || !isPart(blue))
         return std::nullopt;
     return QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green), static_cast<float>(blue));
-}
-
-} // namespace
-
-Appearance appearance(const QVariantMap& settings, const QString& gtkTheme) {
-    Appearance appearance;
-    const uint scheme = settings.value(QStringLiteral("color-scheme")).toUInt();
-    appearance.isDark =
-        scheme == kPrefersDark || (scheme != kPrefersLight && gtkTheme.endsWith(QLatin1String(":dark")));
-    if (const auto accent = accentColor(settings.value(QStringLiteral("accent-color"))))
-        appearance.accent = *accent;
-    return appearance;
 }
 
 } // namespace tessarel::qt

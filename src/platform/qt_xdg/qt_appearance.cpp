@@ -1,6 +1,8 @@
 #include "platform/qt_xdg/qt_appearance.h"
 
+#include "platform/qt_xdg/appearance.h"
 #include "platform/qt_xdg/application_icon.h"
+#include "platform/xdg/environment.h"
 
 #include <QApplication>
 #include <QDBusArgument>
@@ -44,7 +46,11 @@ QVariantMap settings(const QDBusMessage& reply) {
 
 } // namespace
 
-QtAppearance::QtAppearance(std::function<std::optional<QDBusConnection>()> bus) : m_bus(std::move(bus)) {
+QtAppearance::QtAppearance(std::function<std::optional<QDBusConnection>()> bus)
+    : m_bus(std::move(bus)), m_desktopAccent(xdg::currentDesktops(), [this](const QColor& accent) {
+          if (!m_hasAccent)
+              use({.isDark = m_appearance.isDark, .accent = accent});
+      }) {
     m_changed.setSingleShot(true);
     QObject::connect(&m_changed, &QTimer::timeout, &m_changed, [this] { read(); });
 }
@@ -62,16 +68,16 @@ void QtAppearance::apply() {
 void QtAppearance::showFirst() {
     const std::optional<QDBusConnection> bus = m_bus();
     if (!bus)
-        return show({});
+        return showWithoutPortal();
     const QDBusMessage reply = bus->call(question(), QDBus::Block, static_cast<int>(kPatience.count()));
-    show(settings(reply));
+    take(reply);
     if (QDBusError(reply).type() == QDBusError::NoReply)
         m_changed.start();
 }
 
 void QtAppearance::busChanged() {
     if (!m_bus())
-        return;
+        return showWithoutPortal();
     follow();
     m_changed.start();
 }
@@ -86,23 +92,46 @@ void QtAppearance::follow() {
     bus->connect({}, kPath, kInterface, QStringLiteral("SettingChanged"), &m_changed, SLOT(start()));
 }
 
-/// Queries the settings without waiting. A query that is pending is dropped. Errors change nothing.
+/// Queries the settings without waiting. A query that is pending is dropped.
 void QtAppearance::read() {
     const std::optional<QDBusConnection> bus = m_bus();
     if (!bus)
         return;
     m_query = std::make_unique<QDBusPendingCallWatcher>(bus->asyncCall(question()));
     QObject::connect(m_query.get(), &QDBusPendingCallWatcher::finished, m_query.get(), [this] {
-        const QDBusMessage reply = m_query->reply();
-        m_query.release()->deleteLater();
-        if (reply.type() == QDBusMessage::ReplyMessage)
-            show(settings(reply));
+        QDBusPendingCallWatcher* const query = m_query.release();
+        query->deleteLater();
+        take(query->reply());
     });
 }
 
+void QtAppearance::take(const QDBusMessage& reply) {
+    if (reply.type() != QDBusMessage::ReplyMessage)
+        return showWithoutPortal();
+    m_hasReplied = true;
+    show(settings(reply));
+}
+
+/// Shows what is known without the portal. Does nothing once the portal has replied, so that an error changes
+/// no colours.
+void QtAppearance::showWithoutPortal() {
+    if (!m_hasReplied)
+        show({});
+}
+
+/// Without an accent colour in `settings`, the present one stays until the desktop's has been found.
 void QtAppearance::show(const QVariantMap& settings) {
-    m_appearance = appearance(settings, qEnvironmentVariable("GTK_THEME"));
-    QApplication::setPalette(paletteOf(m_appearance));
+    const std::optional<QColor> accent = accentColor(settings);
+    m_hasAccent = accent.has_value();
+    use({.isDark = prefersDark(settings, qEnvironmentVariable("GTK_THEME")),
+         .accent = accent.value_or(m_appearance.accent)});
+    if (!m_hasAccent)
+        m_desktopAccent.read();
+}
+
+void QtAppearance::use(const Appearance& appearance) {
+    m_appearance = appearance;
+    QApplication::setPalette(paletteOf(appearance));
 }
 
 } // namespace tessarel::qt

@@ -1,6 +1,10 @@
 #include "platform/xdg/home_folder.h"
 
+#include "platform/xdg/environment.h"
+
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -31,6 +35,16 @@ fs::path configurationFolder() {
         return fromEnvironment;
     const auto home = homeFolder();
     return home.empty() ? home : home / ".config";
+}
+
+std::vector<fs::path> systemConfigurationFolders() {
+    const auto list = listFrom("XDG_CONFIG_DIRS");
+    if (list.empty())
+        return {"/etc/xdg"};
+    std::vector<fs::path> folders;
+    std::ranges::copy_if(list, std::back_inserter(folders),
+                         [](const fs::path& folder) { return folder.is_absolute(); });
+    return folders;
 }
 
 void settleHome() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <vector>
 
 namespace tessarel::xdg {
 
@@ -14,6 +15,10 @@ namespace tessarel::xdg {
 /// Returns $XDG_CONFIG_HOME if that is an absolute path, otherwise ".config" in the home folder. Empty if the
 /// user has no home folder.
 [[nodiscard]] std::filesystem::path configurationFolder();
+
+/// Returns the system's configuration folders ($XDG_CONFIG_DIRS), the most important first. Relative ones are
+/// ignored.
+[[nodiscard]] std::vector<std::filesystem::path> systemConfigurationFolders();
 
 /// Sets $HOME to `homeFolder`, so that libraries and started programs use the same folder. Call before the
 /// first thread starts.

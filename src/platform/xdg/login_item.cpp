@@ -26,17 +26,6 @@ namespace fs = std::filesystem;
 constexpr const char* kNoHome = "There is no home folder.";
 constexpr std::string_view kEntryName = "autostart/tessarel.desktop";
 
-/// Returns the system's configuration folders, the most important first. Relative ones are ignored.
-std::vector<fs::path> systemConfigFolders() {
-    const auto list = listFrom("XDG_CONFIG_DIRS");
-    if (list.empty())
-        return {"/etc/xdg"};
-    std::vector<fs::path> folders;
-    std::ranges::copy_if(list, std::back_inserter(folders),
-                         [](const fs::path& folder) { return folder.is_absolute(); });
-    return folders;
-}
-
 /// Returns the path of the running executable. The kernel appends " (deleted)" once a newer version has
 /// replaced the file; the path without it then names the newer version.
 fs::path runningProgram() {
@@ -80,7 +69,7 @@ XdgLoginItem::XdgLoginItem(Setup setup)
 
 XdgLoginItem::Setup XdgLoginItem::ofThisProgram(std::string name) {
     return {.configHome = configurationFolder(),
-            .configFolders = systemConfigFolders(),
+            .configFolders = systemConfigurationFolders(),
             .program = runningProgram(),
             .name = std::move(name),
             .desktops = currentDesktops()};

@@ -1,6 +1,5 @@
 #include "platform/qt_xdg/appearance.h"
 
-#include <QVariantMap>
 #include <gtest/gtest.h>
 
 namespace tessarel::qt {
@@ -10,25 +9,27 @@ QVariantMap scheme(uint value) {
     return {{"color-scheme", value}};
 }
 
-TEST(AppearanceTest, DefaultsToLightWithAFixedBlue) {
-    EXPECT_EQ(appearance({}, ""), (Appearance{false, QColor("#0a72e3")}));
+TEST(AppearanceTest, DefaultsToLightWithoutAnAccentColour) {
+    EXPECT_FALSE(prefersDark({}, ""));
+    EXPECT_EQ(accentColor({}), std::nullopt);
 }
 
 TEST(AppearanceTest, IsDarkWhereTheDesktopPrefersIt) {
-    EXPECT_FALSE(appearance(scheme(0), "").isDark);
-    EXPECT_TRUE(appearance(scheme(1), "").isDark);
-    EXPECT_FALSE(appearance(scheme(2), "").isDark);
+    EXPECT_FALSE(prefersDark(scheme(0), ""));
+    EXPECT_TRUE(prefersDark(scheme(1), ""));
+    EXPECT_FALSE(prefersDark(scheme(2), ""));
 }
 
 TEST(AppearanceTest, TheThemeNameDecidesIfTheDesktopHasNoPreference) {
-    EXPECT_TRUE(appearance({}, "Adwaita:dark").isDark);
-    EXPECT_TRUE(appearance(scheme(0), "Adwaita:dark").isDark);
-    EXPECT_FALSE(appearance(scheme(2), "Adwaita:dark").isDark);
-    EXPECT_FALSE(appearance({}, "Adwaita").isDark);
+    EXPECT_TRUE(prefersDark({}, "Adwaita:dark"));
+    EXPECT_TRUE(prefersDark(scheme(0), "Adwaita:dark"));
+    EXPECT_FALSE(prefersDark(scheme(2), "Adwaita:dark"));
+    EXPECT_FALSE(prefersDark({}, "Adwaita"));
 }
 
 TEST(AppearanceTest, SettingsOfTheWrongTypeAreIgnored) {
-    EXPECT_EQ(appearance({{"color-scheme", "dark"}, {"accent-color", "red"}}, ""), Appearance{});
+    EXPECT_FALSE(prefersDark({{"color-scheme", "dark"}}, ""));
+    EXPECT_EQ(accentColor({{"accent-color", "red"}}), std::nullopt);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "platform/qt_xdg/qt_appearance.h"
 
 #include "support/offscreen_test.h"
+#include "support/scratch_folder.h"
 
 #include <QApplication>
 #include <QDBusArgument>
@@ -17,7 +18,9 @@
 
 #include <atomic>
 #include <chrono>
+#include <fstream>
 #include <optional>
+#include <string>
 
 namespace tessarel::qt {
 namespace {
@@ -57,6 +60,29 @@ private:
     }
 };
 
+/// A session of KDE, whose accent colour is in a file. Until the file is written there is no accent colour.
+class KdeSession {
+public:
+    KdeSession() {
+        qputenv("XDG_CURRENT_DESKTOP", "KDE");
+        for (const auto* const variable : {"XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"})
+            qputenv(variable, folder.path().c_str());
+    }
+    KdeSession(const KdeSession&) = delete;
+    KdeSession& operator=(const KdeSession&) = delete;
+    ~KdeSession() {
+        for (const auto* const variable : {"XDG_CURRENT_DESKTOP", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"})
+            qunsetenv(variable);
+    }
+
+    void use(const std::string& accent) const {
+        std::ofstream(folder.path() / "kdeglobals") << "[General]\nAccentColor=" << accent << "\n";
+    }
+
+private:
+    ScratchFolder folder;
+};
+
 /// A private session bus with the portal in its own thread, as if it were another program.
 class QtAppearanceTest : public OffscreenTest {
 protected:
@@ -89,7 +115,12 @@ protected:
         return QApplication::palette().color(QPalette::Window).lightness() < 80;
     }
     [[nodiscard]] static QColor accent() { return QApplication::palette().color(QPalette::Highlight); }
+    /// Waits for an accent colour, which comes later where the portal takes more than the 50 ms of `apply`.
+    [[nodiscard]] static bool waitFor(const QColor& colour) {
+        return QTest::qWaitFor([&colour] { return accent() == colour; });
+    }
 
+    KdeSession kde;
     QProcess daemon;
     QString address;
     QThread thread;
@@ -107,13 +138,14 @@ TEST_F(QtAppearanceTest, AppliesTheDesktopsPreferences) {
 
     appearance.apply();
 
+    EXPECT_TRUE(waitFor(QColor(Qt::red)));
     EXPECT_TRUE(isDark());
-    EXPECT_EQ(accent(), QColor(Qt::red));
 }
 
 TEST_F(QtAppearanceTest, FollowsTheDesktop) {
     startPortal();
     appearance.apply();
+    ASSERT_TRUE(waitFor(QColor(Qt::red)));
     portal.scheme = 2;
 
     QDBusMessage change = QDBusMessage::createSignal(kPath, kInterface, "SettingChanged");
@@ -129,13 +161,14 @@ TEST_F(QtAppearanceTest, TheAccentColourArrivesWithoutWaitingOnceThereIsABus) {
     appearance.busChanged();
 
     EXPECT_EQ(appearance.accent(), QColor(kAccent));
-    EXPECT_TRUE(QTest::qWaitFor([this] { return appearance.accent() == QColor(Qt::red); }));
-    EXPECT_EQ(accent(), QColor(Qt::red));
+    EXPECT_TRUE(waitFor(QColor(Qt::red)));
+    EXPECT_EQ(appearance.accent(), QColor(Qt::red));
 }
 
 TEST_F(QtAppearanceTest, QueriesTheDesktopOnlyOnce) {
     startPortal();
     appearance.apply();
+    ASSERT_TRUE(waitFor(QColor(Qt::red)));
     portal.scheme = 2;
 
     appearance.apply();
@@ -173,12 +206,39 @@ TEST_F(QtAppearanceTest, WithoutABusItIsLightUntilThereIsOne) {
 TEST_F(QtAppearanceTest, KeepsTheColoursWhenTheBusIsLost) {
     startPortal();
     appearance.apply();
+    ASSERT_TRUE(waitFor(QColor(Qt::red)));
     hasBus = false;
 
     appearance.busChanged();
     QApplication::processEvents();
 
     EXPECT_TRUE(isDark());
+}
+
+TEST_F(QtAppearanceTest, WithoutAPortalItHasTheAccentColourOfTheDesktop) {
+    kde.use("1,2,3");
+
+    appearance.busChanged();
+
+    EXPECT_TRUE(waitFor(QColor(1, 2, 3)));
+}
+
+TEST_F(QtAppearanceTest, WithoutABusItHasTheAccentColourOfTheDesktop) {
+    kde.use("1,2,3");
+    hasBus = false;
+
+    appearance.busChanged();
+
+    EXPECT_EQ(accent(), QColor(1, 2, 3));
+}
+
+TEST_F(QtAppearanceTest, ThePortalsAccentColourComesBeforeThatOfTheDesktop) {
+    kde.use("1,2,3");
+    startPortal();
+
+    appearance.apply();
+
+    EXPECT_TRUE(waitFor(QColor(Qt::red)));
 }
 
 TEST_F(QtAppearanceTest, DoesNotWaitForASilentPortal) {
