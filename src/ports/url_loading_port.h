@@ -34,7 +34,8 @@ struct UrlResponse {
 class UrlLoadingPort {
 public:
     /// Receives the response, or `std::nullopt` if there is none: the server is unreachable or not trusted,
-    /// closes the connection early, exceeds the time limit, or redirects too often or to a forbidden address.
+    /// closes the connection early, exceeds the time limit, sends too large a head, or redirects too often or
+    /// to a forbidden address.
     using Done = std::function<void(std::optional<UrlResponse>)>;
 
     virtual ~UrlLoadingPort() = default;
@@ -44,8 +45,8 @@ public:
     /// null.
     ///
     /// Uses no cache and keeps nothing, such as cookies, for later requests. Verifies certificates. Follows
-    /// up to five redirects, to http or https only and never from https to http. An HTTP error status counts
-    /// as a response.
+    /// up to five redirects, to http or https only and never from https to http. An HTTP error status, and a
+    /// redirect without a target, count as responses.
     [[nodiscard]] virtual SubscriptionPtr load(const UrlRequest& request, Done done) = 0;
 };
 

@@ -6,6 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <memory>
 #include <optional>
@@ -84,10 +85,20 @@ TEST_F(QtUrlLoadingTest, TheBytesOfABodyAreNotConverted) {
 }
 
 TEST_F(QtUrlLoadingTest, AnErrorStatusIsAResponse) {
-    for (const int status : {400, 401, 403, 404, 405, 409, 410, 418, 429, 500, 501, 502, 503, 504, 599}) {
+    for (const int status :
+         {400, 401, 403, 404, 405, 407, 409, 410, 418, 429, 500, 501, 502, 503, 504, 599}) {
         server.at("/", reply(std::to_string(status) + " Status", "the body"));
 
         EXPECT_THAT(get("/"), Optional(UrlResponse{status, "the body"}));
+    }
+}
+
+TEST_F(QtUrlLoadingTest, ARedirectWithoutATargetIsAResponse) {
+    for (const int status : {300, 301, 302, 303, 304, 305, 307, 308}) {
+        const std::string body = status == 304 ? "" : "the body";
+        server.at("/", reply(std::to_string(status) + " Status", body));
+
+        EXPECT_THAT(get("/"), Optional(UrlResponse{status, body}));
     }
 }
 
@@ -152,6 +163,26 @@ TEST_F(QtUrlLoadingTest, AFarTooLargeBodyIsAborted) {
     EXPECT_THAT(get(large), Optional(UrlResponse{200, std::nullopt}));
 
     EXPECT_LT(*sent, kSize / 2);
+}
+
+TEST_F(QtUrlLoadingTest, AHeadMayHave64KiBOfHeaders) {
+    constexpr std::size_t kMost = 64UL * 1024;
+    const auto headers = [](std::size_t size) {
+        const std::size_t others = std::string("Content-Length0Connectionclose").size();
+        std::string lines;
+        std::size_t left = size - others;
+        for (char name = 'A'; left > 1; ++name) {
+            const std::size_t value = std::min<std::size_t>(left - 1, 7000);
+            lines += std::string(1, name) + ": " + std::string(value, 'x') + "\r\n";
+            left -= value + 1;
+        }
+        return lines;
+    };
+    server.at("/largest", reply("200 OK", "", headers(kMost)));
+    server.at("/larger", reply("200 OK", "", headers(kMost + 1)));
+
+    EXPECT_THAT(get("/largest"), Optional(UrlResponse{200, ""}));
+    EXPECT_EQ(get("/larger"), std::nullopt);
 }
 
 TEST_F(QtUrlLoadingTest, ASilentServerTimesOut) {
@@ -224,6 +255,26 @@ TEST_F(QtUrlLoadingRedirectTest, TheSixthRedirectIsNotFollowed) {
     for (const QByteArray& sent : server.requests)
         paths.insert(sent.split(' ').value(1));
     EXPECT_THAT(paths, ElementsAre("/1", "/2", "/3", "/4", "/5", "/6"));
+}
+
+TEST_F(QtUrlLoadingRedirectTest, EveryKindOfRedirectIsFollowed) {
+    server.at("/here", reply("200 OK", "here"));
+    for (const int status : {301, 302, 303, 307, 308}) {
+        server.at("/", reply(std::to_string(status) + " Status", "there", "Location: here\r\n"));
+
+        EXPECT_THAT(get("/"), Optional(UrlResponse{200, "here"})) << status;
+    }
+}
+
+TEST_F(QtUrlLoadingRedirectTest, TheBodyOfARedirectIsNotRead) {
+    constexpr qint64 kSize = 100'000'000;
+    const auto sent = std::make_shared<qint64>(0);
+    server.at("/", flood(kSize, sent, "HTTP/1.1 302 Found\r\nLocation: /here\r\n\r\n"));
+    server.at("/here", reply("200 OK", "here"));
+
+    EXPECT_THAT(get("/"), Optional(UrlResponse{200, "here"}));
+
+    EXPECT_LT(*sent, kSize / 2);
 }
 
 TEST_F(QtUrlLoadingRedirectTest, ARedirectLoopEnds) {

@@ -23,6 +23,7 @@ using namespace std::chrono_literals;
 
 constexpr auto kPatience = 60s; // far longer than any test needs
 constexpr auto kTrickle = 5ms;
+constexpr auto kLook = 5ms;
 constexpr qsizetype kChunk = 256LL * 1024;
 
 std::unique_ptr<QTcpServer> sslServer(const QSslConfiguration& identity) {
@@ -111,15 +112,18 @@ WebServer::Answer trickle(const std::string& start) {
     };
 }
 
-WebServer::Answer flood(qint64 size, std::shared_ptr<qint64> sent) {
-    return [size, sent](QTcpSocket& client) {
-        client.write("HTTP/1.1 200 OK\r\nConnection: close\r\n\r\n");
+WebServer::Answer flood(qint64 size, std::shared_ptr<qint64> sent, const std::string& start,
+                        const std::string& piece) {
+    const QByteArray chunk =
+        QByteArray::fromStdString(piece).repeated(kChunk / static_cast<qsizetype>(piece.size()));
+    return [=](QTcpSocket& client) {
+        client.write(start.data(), static_cast<qint64>(start.size()));
         auto* const timer = new QTimer(&client);
-        QObject::connect(timer, &QTimer::timeout, &client, [&client, sent, left = size]() mutable {
+        QObject::connect(timer, &QTimer::timeout, &client, [&client, sent, chunk, left = size]() mutable {
             if (left <= 0 || unsent(client) > 0)
                 return;
-            left -= kChunk;
-            *sent += client.write(QByteArray(kChunk, ' '));
+            left -= chunk.size();
+            *sent += client.write(chunk);
         });
         timer->start(0);
     };
@@ -147,6 +151,18 @@ bool loopUntil(const std::function<bool()>& holds) {
     while (!holds() && !isOver)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     return holds();
+}
+
+bool loopUntilOutside(const std::function<bool()>& holds) {
+    QTimer look;
+    look.start(kLook);
+    return loopUntil(holds);
+}
+
+bool loopUntilNoChild() {
+    const QString process = QString::number(QCoreApplication::applicationPid());
+    return loopUntilOutside(
+        [file = "/proc/" + process + "/task/" + process + "/children"] { return contents(file).isEmpty(); });
 }
 
 } // namespace tessarel::qt

@@ -50,14 +50,21 @@ private:
 [[nodiscard]] WebServer::Answer raw(const std::string& bytes);
 /// Sends `start`, then one space after another without end.
 [[nodiscard]] WebServer::Answer trickle(const std::string& start);
-/// Sends a body of at least `size` bytes, as fast as the client reads it; `sent` counts the bytes of all
-/// clients.
-[[nodiscard]] WebServer::Answer flood(qint64 size, std::shared_ptr<qint64> sent);
+/// Sends `start`, then `piece` again and again, at least `size` bytes in all, as fast as the client reads
+/// them; `sent` counts the bytes of all clients.
+[[nodiscard]] WebServer::Answer flood(qint64 size, std::shared_ptr<qint64> sent,
+                                      const std::string& start = "HTTP/1.1 200 OK\r\n\r\n",
+                                      const std::string& piece = " ");
 
 /// Returns a self-signed certificate for `name`, a host name or an IPv4 address, with its key.
 [[nodiscard]] QSslConfiguration makeIdentity(const std::string& name);
 
 /// Runs the event loop until `holds` returns true. Returns false after a minute.
 [[nodiscard]] bool loopUntil(const std::function<bool()>& holds);
+/// Like `loopUntil`, for a condition that changes outside of this process.
+[[nodiscard]] bool loopUntilOutside(const std::function<bool()>& holds);
+/// Runs the event loop until every process that the main thread has started has ended and was collected.
+/// Returns false after a minute.
+[[nodiscard]] bool loopUntilNoChild();
 
 } // namespace tessarel::qt
