@@ -7,8 +7,8 @@
 #include "platform/qt/qt_alerts.h"
 #include "platform/qt/qt_main_queue.h"
 #include "platform/qt/qt_own_application.h"
-#include "platform/qt/qt_url_loading_module.h"
 #include "platform/qt/system_wall_clock.h"
+#include "platform/qt_web/process/qt_url_loading_process.h"
 
 #include <functional>
 #include <vector>
@@ -52,8 +52,8 @@ private:
     qt::QtOwnApplication m_toolkit;
     macos::MacOwnApplication m_application;
     qt::ComposedOverlay m_overlay;
-    /// The folder is relative to the executable, within the bundle.
-    qt::QtUrlLoadingModule m_urlLoading{{"../PlugIns"}};
+    /// The bundle has the helper beside the executable.
+    qt::QtUrlLoadingProcess m_urlLoading{{"."}};
     qt::SystemWallClock m_wallClock;
     // Last, because it uses all of the above and must be destroyed first.
     AppDelegate m_delegate;

@@ -6,8 +6,8 @@
 #include "platform/qt/qt_messages.h"
 #include "platform/qt/qt_open_panel.h"
 #include "platform/qt/qt_open_url.h"
-#include "platform/qt/qt_url_loading_module.h"
 #include "platform/qt/system_wall_clock.h"
+#include "platform/qt_web/process/qt_url_loading_process.h"
 #include "platform/qt_x11/display_loss_guard.h"
 #include "platform/qt_x11/overlay/x11_overlay.h"
 #include "platform/qt_x11/pointer_crossings.h"
@@ -157,7 +157,7 @@ int run(const char* programName) {
         queue, [&desktop](const Rect& screenFrame) { return desktop.rootPixels(screenFrame); },
         [&appearance] { return appearance.accent(); });
     qt::QtStatusItem statusItem(queue, bus, [&appearance] { appearance.apply(); });
-    qt::QtUrlLoadingModule urlLoading;
+    qt::QtUrlLoadingProcess urlLoading;
     qt::SystemWallClock wallClock;
     // Optional, so that `runLoop` can destroy it before the application object.
     std::optional<AppDelegate> delegate;

@@ -28,6 +28,7 @@ share=$scratch/opt/tessarel/share
 
 diff - <(cd "$scratch" && find . -type f | LC_ALL=C sort) <<EOF || fail "other files than expected"
 ./opt/tessarel/bin/tessarel
+./opt/tessarel/libexec/tessarel/tessarel-update-check
 ./opt/tessarel/share/applications/$id.desktop
 ./opt/tessarel/share/bash-completion/completions/tessarel
 ./opt/tessarel/share/doc/tessarel/CHANGELOG.md

@@ -68,14 +68,14 @@ build() {
     }
 }
 
-# expect_bundle CHANGE: fails unless the bundle has the current parts, and the module was signed before the
-# bundle.
+# expect_bundle CHANGE: fails unless the bundle has the current parts, and the helper program was signed before
+# the bundle.
 expect_bundle() {
-    cmp "$bundle/Contents/PlugIns/tessarel_url_loading.so" "$scratch/program/tessarel_url_loading.so" || fail "$1: old module"
+    cmp "$bundle/Contents/MacOS/tessarel-update-check" "$scratch/program/tessarel-update-check" || fail "$1: old helper"
     cmp "$bundle/Contents/Resources/Tessarel.icns" "$parts/Tessarel.icns" || fail "$1: old icon"
     cmp "$bundle/Contents/Info.plist" "$parts/Info.plist" || fail "$1: old property list"
     cmp - "$scratch/signed" <<EOF || fail "$1: not signed"
---force --sign - $bundle/Contents/PlugIns/tessarel_url_loading.so
+--force --sign - $bundle/Contents/MacOS/tessarel-update-check
 --force --sign - $bundle
 EOF
 }
@@ -84,7 +84,7 @@ build
 expect_bundle "the first build"
 build
 [ ! -s "$scratch/signed" ] || fail "signed again without a change"
-for part in tessarel_url_loading.so draw_icon Tessarel.app/Contents/MacOS/Tessarel; do
+for part in tessarel-update-check draw_icon Tessarel.app/Contents/MacOS/Tessarel; do
     rm "$scratch/program/$part"
     build
     expect_bundle "$part has changed"

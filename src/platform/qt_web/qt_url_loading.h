@@ -4,11 +4,12 @@
 
 namespace tessarel::qt {
 
-/// Loads URLs with Qt's network library. Nothing of a request remains in memory once it has been answered or
-/// cancelled.
+/// Loads URLs with Qt's network library, which keeps a head of any size until it is complete, in a thread
+/// that cancelling waits for. So this is for the helper program only, which limits its memory and then just
+/// exits: the program itself uses `QtUrlLoadingProcess`.
 ///
-/// Requires the application object; all requests must end before it does. Do not link this class into the
-/// program: `QtUrlLoadingModule` loads it with the first request.
+/// A response with more than 64 KiB of headers counts as none. Requires the application object; all requests
+/// must end before it does.
 class QtUrlLoading : public UrlLoadingPort {
 public:
     [[nodiscard]] SubscriptionPtr load(const UrlRequest& request, Done done) override;

@@ -1,11 +1,12 @@
 #include "contract/contract_web.h"
-#include "platform/qt/qt_url_loading_module.h"
 #include "platform/qt/system_wall_clock.h"
+#include "platform/qt_web/process/qt_url_loading_process.h"
 #include "web_server.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
+#include <gtest/gtest.h>
 
 #include <array>
 #include <chrono>
@@ -14,9 +15,10 @@ namespace tessarel::contract {
 
 namespace {
 
-/// The web contract over Qt's network library, with a local web server.
+/// The web contract by the helper program, with a local web server.
 class QtContractWeb : public ContractWeb {
 public:
+    ~QtContractWeb() override { EXPECT_TRUE(qt::loopUntilNoChild()); }
     UrlLoadingPort& urlLoading() override { return m_urlLoading; }
     WallClockPort& wallClock() override { return m_wallClock; }
 
@@ -52,7 +54,7 @@ private:
     QCoreApplication m_application{m_argumentCount, m_arguments.data()};
     qt::WebServer m_server;
     int m_pages = 0;
-    qt::QtUrlLoadingModule m_urlLoading;
+    qt::QtUrlLoadingProcess m_urlLoading;
     qt::SystemWallClock m_wallClock;
 };
 

@@ -55,8 +55,10 @@ bool waitUntilStored(Observer& observer, const XServer& server, std::string_view
 
 Program::Program(const XServer& server) : Program(server.environment()) {}
 
-Program::Program(Environment environment)
-    : m_process({TESSAREL_PROGRAM}, withoutForeignBus(std::move(environment))) {}
+Program::Program(Environment environment) : Program(std::move(environment), TESSAREL_PROGRAM) {}
+
+Program::Program(Environment environment, const std::string& path)
+    : m_process({path}, withoutForeignBus(std::move(environment))) {}
 
 bool Program::waitUntilReady(Observer& observer, Keyboard& keyboard, const Combination& last) {
     const bool ready = observer.waitUntil([&] { return !running() || keyboard.held(last); });

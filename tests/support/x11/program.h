@@ -27,6 +27,8 @@ public:
     explicit Program(const XServer& server);
     /// Starts the program with the session bus of `environment`, or without one.
     explicit Program(Environment environment);
+    /// Starts a copy of the program at `path`.
+    Program(Environment environment, const std::string& path);
 
     /// Waits until the program has grabbed all its hot keys; `last` is the one that it grabs last. Returns
     /// false if the program exits instead.
