@@ -87,9 +87,21 @@ bool WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFra
             m_original[windowKey] = *current;
     }
     // The program may have adjusted the frame, so the one to compare with is read back.
-    const Rect placed = m_ax.frame(window).value_or(axFrame);
-    m_lastSnapped[windowKey] = {placed, placed};
+    if (const auto placed = m_ax.frame(window))
+        m_lastSnapped[windowKey] = {*placed, *placed};
+    else
+        m_lastSnapped[windowKey] = {axFrame, axFrame, Request{pid, axFrame, bounds}};
     return true;
+}
+
+/// Returns where a window is whose placement could not be read back, and that has now taken `axFrame`. If
+/// that is not what was requested, requests it once more, which also pulls the window back into its bounds.
+WindowEngine::Placed WindowEngine::completed(const Element& window, const Request& request,
+                                             const Rect& axFrame) {
+    if (axFrame != request.axFrame)
+        m_ax.setFrame(window, request.pid, request.axFrame, request.bounds);
+    const Rect placed = m_ax.frame(window).value_or(axFrame);
+    return {placed, placed};
 }
 
 /// Takes up the size that the program itself has chosen after the last placement. A window that has moved
@@ -99,6 +111,10 @@ void WindowEngine::follow(const Element& window, const Rect& axFrame) {
     const auto last = m_lastSnapped.find(key(window));
     if (last == m_lastSnapped.end())
         return;
+    if (const auto request = std::exchange(last->second.unread, std::nullopt)) {
+        last->second = completed(window, *request, axFrame);
+        return;
+    }
     // Both edges have moved in one direction.
     const auto moved = [](double low, double high) {
         return std::min(low, high) > kTolerance || std::max(low, high) < -kTolerance;

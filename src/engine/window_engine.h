@@ -95,10 +95,17 @@ public:
 private:
     struct Target;
     struct TargetOnScreen;
+    /// A requested placement.
+    struct Request {
+        ProcessId pid;
+        Rect axFrame;
+        std::optional<Rect> bounds;
+    };
     /// Where a placement left a window.
     struct Placed {
-        Rect placed;  ///< as read back
-        Rect current; ///< as the program has corrected it since
+        Rect placed;                        ///< as read back
+        Rect current;                       ///< as the program has corrected it since
+        std::optional<Request> unread = {}; ///< what was requested, if it could not be read back
     };
 
     [[nodiscard]] std::optional<FocusedWindow> usableFocusedWindow() const;
@@ -108,6 +115,7 @@ private:
     [[nodiscard]] std::optional<Element> match(const Rect& axBounds, ProcessId pid,
                                                const std::unordered_set<WindowKey>& seen) const;
     void follow(const Element& window, const Rect& axFrame);
+    [[nodiscard]] Placed completed(const Element& window, const Request& request, const Rect& axFrame);
     [[nodiscard]] bool isWhollyIgnored(ProcessId pid) const;
     [[nodiscard]] std::optional<Screen> attendedScreen() const;
 

@@ -120,6 +120,72 @@ TEST_F(WindowEngineTest, AWindowThatGrowsInBothDirectionsContinuesTheChain) {
     EXPECT_EQ(restored(), kStart);
 }
 
+/// A window that is larger than its zone, on a desktop that carries out placements late: the frame cannot be
+/// read back.
+class LatePlacementTest : public WindowEngineTest {
+protected:
+    LatePlacementTest() {
+        desktop.applicationOf(window).refusesSize = true;
+        desktop.window(window).axFrame = kLarge;
+        placeLate();
+    }
+
+    void placeLate() {
+        desktop.accessibility().setWriteHandler([this](const std::string& /*line*/) {
+            desktop.window(window).overrides["AXPosition"] = std::nullopt;
+        });
+        engine.place(desktop.element(window), desktop.window(window).pid, kZone, kUsable, {});
+        desktop.accessibility().setWriteHandler(nullptr);
+        desktop.window(window).overrides.clear();
+    }
+
+    static constexpr Rect kLarge{-1240, -450, 800, 600};
+    static constexpr Rect kZone{-500, -575, 400, 820};
+    static constexpr Rect kPulledIn{-900, -575, 800, 600};
+};
+
+TEST_F(LatePlacementTest, IsCompletedOnceTheDesktopHasCarriedItOut) {
+    ASSERT_EQ(desktop.frame(window), (Rect{-500, -575, 800, 600}));
+
+    desktop.accessibility().correct(window, desktop.frame(window));
+
+    EXPECT_EQ(desktop.frame(window), kPulledIn);
+    place(kLeft);
+    EXPECT_EQ(restored(), kLarge) << "the restore chain goes on";
+}
+
+TEST_F(LatePlacementTest, IsCompletedOnlyOnce) {
+    desktop.accessibility().correct(window, desktop.frame(window));
+    const Rect moved{-1240, -450, 800, 600};
+    desktop.accessibility().setWriteHandler([](const std::string& line) { ADD_FAILURE() << line; });
+
+    desktop.accessibility().correct(window, moved);
+
+    EXPECT_EQ(desktop.frame(window), moved);
+}
+
+TEST_F(LatePlacementTest, IsLeftAloneIfItHasTheFrameOfItsZone) {
+    desktop.applicationOf(window).refusesSize = false;
+    placeLate();
+    ASSERT_EQ(desktop.frame(window), kZone);
+
+    desktop.accessibility().setWriteHandler([](const std::string& line) { ADD_FAILURE() << line; });
+    desktop.accessibility().correct(window, kZone);
+}
+
+TEST_F(LatePlacementTest, IsNotCompletedAfterAnotherPlacement) {
+    place(kLeft);
+    const Rect left = desktop.frame(window);
+    desktop.accessibility().correct(window, left);
+    EXPECT_EQ(desktop.frame(window), left);
+}
+
+TEST_F(LatePlacementTest, IsNotCompletedAfterARestore) {
+    EXPECT_EQ(restored(), kLarge);
+    desktop.accessibility().correct(window, kLarge);
+    EXPECT_EQ(desktop.frame(window), kLarge);
+}
+
 TEST_F(WindowEngineTest, AWindowMovedByHandAfterACorrectionStartsANewChain) {
     place(kLeft);
     desktop.accessibility().correct(window, {-1400, -575, 650, 832});

@@ -79,7 +79,8 @@ X11Accessibility::X11Accessibility(Connection& connection, Monitors& monitors, C
     : m_connection(connection), m_monitors(monitors), m_windows(windows), m_applications(applications),
       m_watch(watch), m_corrections(connection, windows, queue),
       m_placement(connection, windows, [this](xcb_window_t window) { m_corrections.start(window); }),
-      m_endOfTurn(connection.onEndTurn([this] { finishWrites(); })) {}
+      m_endOfTurn(connection.onEndTurn([this] { finishWrites(); })),
+      m_handler(connection.onEvent([this](const Connection::Event& event) { reportLate(event); })) {}
 
 Element X11Accessibility::application(ProcessId pid) {
     return makeElement(pid, XCB_WINDOW_NONE);
@@ -196,8 +197,19 @@ void X11Accessibility::finishWrites() {
     if (window == XCB_WINDOW_NONE)
         return;
     m_last = {window, m_connection.turn(), m_placement.place(window, wish)};
+    if (m_last.outcome == PlacementOutcome::Late)
+        m_late.insert(window);
+    else
+        m_late.erase(window);
     if (m_last.outcome == PlacementOutcome::Refused)
         m_refusals.send();
+}
+
+void X11Accessibility::reportLate(const Connection::Event& event) {
+    if (m_late.empty() || !m_placement.isEnd(event))
+        return;
+    for (const xcb_window_t window : std::exchange(m_late, {}))
+        m_corrections.report(window);
 }
 
 bool X11Accessibility::hasEnded(xcb_window_t window, PlacementOutcome outcome) const {

@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string_view>
 
 namespace tessarel::x11 {
@@ -58,7 +59,8 @@ public:
     [[nodiscard]] std::optional<RunningApplication> owner(const Element& element) override;
     /// Returns whether the window manager has left the window where it was.
     [[nodiscard]] bool hasRefused(const Element& window) override;
-    /// Calls `corrected` as described for `CorrectionWatch`.
+    /// Calls `corrected` as described for `CorrectionWatch`, and once the window manager has processed a
+    /// placement that was late.
     [[nodiscard]] SubscriptionPtr
     onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) override;
 
@@ -75,6 +77,8 @@ private:
     /// Returns whether the window exists and still belongs to the process.
     [[nodiscard]] bool isWindowOf(xcb_window_t window, ProcessId pid);
     void finishWrites();
+    /// Reports the windows whose placement was late if `event` shows that they have been placed.
+    void reportLate(const Connection::Event& event);
     /// Returns whether the last placement was one of this window in this turn, with that outcome.
     [[nodiscard]] bool hasEnded(xcb_window_t window, PlacementOutcome outcome) const;
 
@@ -91,9 +95,11 @@ private:
         xcb_window_t window = XCB_WINDOW_NONE;
         std::uint64_t turn = 0;
         PlacementOutcome outcome = PlacementOutcome::Settled;
-    } m_last; // the last placement, and the turn in which it was made
+    } m_last;                      // the last placement, and the turn in which it was made
+    std::set<xcb_window_t> m_late; // the windows whose last placement was late, until they are reported
     Signal<> m_refusals;
     SubscriptionPtr m_endOfTurn;
+    SubscriptionPtr m_handler;
 };
 
 } // namespace tessarel::x11

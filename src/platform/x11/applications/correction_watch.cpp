@@ -22,6 +22,12 @@ void CorrectionWatch::start(xcb_window_t window) {
     m_watched[window] = {m_queue.asyncAfter(kDuration, [this, window] { stop(window); })};
 }
 
+void CorrectionWatch::report(xcb_window_t window) {
+    start(window);
+    m_windows.forgetFrame(window);
+    examine(window);
+}
+
 void CorrectionWatch::stop(xcb_window_t window) {
     m_watched.erase(window);
     m_connection.deselectEvents(window, XCB_EVENT_MASK_STRUCTURE_NOTIFY);

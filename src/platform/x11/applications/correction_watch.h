@@ -33,6 +33,10 @@ public:
     /// placement: every change that this read misses is then noticed. Waits for nothing.
     void start(xcb_window_t window);
 
+    /// Watches `window` from now on, and reports its frame. Call it when a placement has ended that the
+    /// window manager had not processed in time.
+    void report(xcb_window_t window);
+
     /// Reports the frame of `window` that has just been read if the server has announced a change of it that
     /// is not delivered yet. Takes a round trip then, and none otherwise.
     void catchUp(xcb_window_t window);

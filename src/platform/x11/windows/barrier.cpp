@@ -65,9 +65,9 @@ void Barrier::request() {
     xcb_configure_window(m_connection.xcb(), m_window, XCB_CONFIG_WINDOW_X, &x);
 }
 
-/// Returns whether `event` reports a move that the current wait requested.
 bool Barrier::isAnswer(const Connection::Event& event) const {
-    // Only a real event counts. The window manager may also send synthetic ones (ICCCM 4.1.5).
+    // A move that the last wait requested. Only a real event counts. The window manager may also send
+    // synthetic ones (ICCCM 4.1.5).
     if (event.response_type != XCB_CONFIGURE_NOTIFY)
         return false;
     const auto& move = eventAs<xcb_configure_notify_event_t>(event);

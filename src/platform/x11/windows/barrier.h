@@ -26,12 +26,14 @@ public:
     /// second. After a timeout, further calls in the same turn return false at once, so that a hung window
     /// manager delays a turn only once.
     bool wait();
+    /// Returns whether `event` shows that the window manager has processed all requests that were sent before
+    /// the last wait, even if that has timed out.
+    [[nodiscard]] bool isAnswer(const Connection::Event& event) const;
 
 private:
     void create();
     /// Moves the window to the next position.
     void request();
-    [[nodiscard]] bool isAnswer(const Connection::Event& event) const;
 
     Connection& m_connection;
     xcb_window_t m_window = XCB_WINDOW_NONE;

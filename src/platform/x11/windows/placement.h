@@ -45,6 +45,9 @@ public:
     /// Does nothing when the window does not exist.
     PlacementOutcome place(xcb_window_t window, FrameWish wish);
 
+    /// Returns whether `event` shows that the window manager has processed all placements, late ones too.
+    [[nodiscard]] bool isEnd(const Connection::Event& event) const { return m_barrier.isAnswer(event); }
+
 private:
     /// How a window manager is asked to move a window.
     enum class Route { Message, Configure };

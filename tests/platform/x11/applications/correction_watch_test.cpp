@@ -5,8 +5,10 @@
 #include "platform/x11/x11_fixture.h"
 #include "support/x11/mouse.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <vector>
 
 namespace tessarel::x11 {
@@ -151,6 +153,27 @@ TEST_F(CorrectionWatchTest, AChangeWhileAMouseButtonIsDownIsTheUsers) {
     grow(window, 10);
 
     EXPECT_EQ(reported, Frames{});
+}
+
+TEST_F(CorrectionWatchTest, PlacementsThatTheWindowManagerMakesLateAreReported) {
+    constexpr Rect kOther{10, 40, 300, 200};
+    const xcb_window_t one = open();
+    const xcb_window_t other = open();
+    desktop.manager->process().signal(SIGSTOP);
+    for (const auto& [window, axFrame] : {std::pair{one, kTarget}, std::pair{other, kOther}}) {
+        const Element element = elementOf(window);
+        watched.setAttribute(element, attribute::kPosition, axFrame.origin());
+        watched.setAttribute(element, attribute::kSize, axFrame.size());
+        EXPECT_FALSE(watched.copyAttribute(element, attribute::kSize)) << "it is not placed in time";
+    }
+    EXPECT_EQ(reported, Frames());
+
+    desktop.manager->process().signal(SIGCONT);
+
+    EXPECT_TRUE(
+        observer.waitUntil([&] { return actualFrame(one) == kTarget && actualFrame(other) == kOther; }));
+    hear();
+    EXPECT_THAT(reported, testing::UnorderedElementsAre(kTarget, kOther));
 }
 
 TEST_F(CorrectionWatchTest, AMaximisedWindowHasNotBeenCorrected) {
