@@ -53,9 +53,9 @@ struct NamedAccent {
 
 /// The accents that GNOME's settings offer.
 constexpr std::array kGnomeAccents = {
-    NamedAccent{"blue", 0xff3584e4},  NamedAccent{"teal", 0xff2190a4},   NamedAccent{"green", 0xff3a944a},
+    NamedAccent{"blue", 0xff3584e4},   NamedAccent{"teal", 0xff2190a4},   NamedAccent{"green", 0xff3a944a},
     NamedAccent{"yellow", 0xffc88800}, NamedAccent{"orange", 0xffed5b00}, NamedAccent{"red", 0xffe62d42},
-    NamedAccent{"pink", 0xffd56199},  NamedAccent{"purple", 0xff9141ac}, NamedAccent{"slate", 0xff6f8396}};
+    NamedAccent{"pink", 0xffd56199},   NamedAccent{"purple", 0xff9141ac}, NamedAccent{"slate", 0xff6f8396}};
 
 } // namespace
 
@@ -115,10 +115,10 @@ void DesktopAccent::readGnome() {
         if (error == QProcess::FailedToStart)
             m_program.release()->deleteLater();
     });
-    m_program->start(
-        QStringLiteral("gsettings"),
-        {QStringLiteral("get"), QStringLiteral("org.gnome.desktop.interface"), QStringLiteral("accent-color")},
-        QIODevice::ReadOnly);
+    m_program->start(QStringLiteral("gsettings"),
+                     {QStringLiteral("get"), QStringLiteral("org.gnome.desktop.interface"),
+                      QStringLiteral("accent-color")},
+                     QIODevice::ReadOnly);
 }
 
 void DesktopAccent::finishGnome() {

@@ -12,8 +12,8 @@
 
 namespace tessarel::qt {
 
-/// Returns the accent colour in the content of KDE's file of settings, `kdeglobals`: the one that the user has
-/// chosen, otherwise the background of selected texts in the user's colour scheme.
+/// Returns the accent colour in the content of KDE's file of settings, `kdeglobals`: the one that the user
+/// has chosen, otherwise the background of selected texts in the user's colour scheme.
 [[nodiscard]] std::optional<QColor> kdeAccent(const std::string& content);
 
 /// Returns the colour of one of GNOME's accents, by its name as `gsettings` prints it, as in "'teal'".
