@@ -26,7 +26,8 @@ const QColor kWhite(Qt::white);
 /// Returns the accent colour at `alpha` over `below`.
 QColor tinted(const QColor& below, double alpha) {
     const auto mix = [alpha](int upper, int lower) { return qRound(upper * alpha + lower * (1 - alpha)); };
-    return {mix(0x0a, below.red()), mix(0x84, below.green()), mix(0xff, below.blue())};
+    return {mix(kAccentColor.red(), below.red()), mix(kAccentColor.green(), below.green()),
+            mix(kAccentColor.blue(), below.blue())};
 }
 
 /// Returns true if no pixel differs by more than rounding.
