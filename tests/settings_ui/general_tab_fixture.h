@@ -34,7 +34,7 @@ protected:
     QCheckBox& edgeBox = at<QCheckBox>(*tab.view(), {16, 246, 380, 20});
     QLabel& accLabel = label({16, 374, 440, 18});
     QPushButton& accessButton = at<QPushButton>(*tab.view(), {16, 400, 210, 28});
-    QListWidget& table = at<QListWidget>(*tab.view(), {471, 79, 288, 188});
+    QListWidget& table = at<QListWidget>(*tab.view(), {472, 80, 286, 186});
     QPushButton& addButton = at<QPushButton>(*tab.view(), {470, 276, 100, 28});
     QPushButton& removeButton = at<QPushButton>(*tab.view(), {576, 276, 80, 28});
     QCheckBox& rememberBox = at<QCheckBox>(*tab.view(), {470, 376, 290, 20});

@@ -34,7 +34,7 @@ TEST_F(GeneralTabTest, EveryControlHasItsFrameTextAndStyle) {
               "16 400 210x28 button 13: Open Accessibility settings\n"
               "470 50 200x20 label 14 bold: Ignored apps\n"
               "469 77 292x192 control\n"
-              "471 79 288x188 control 13\n"
+              "472 80 286x186 control 13\n"
               "470 276 100x28 button 13: Add app...\n"
               "576 276 80x28 button 13: Remove\n"
               "470 310 290x34 wrap 12 secondary: Tessarel will not move or snap windows of these apps.\n"

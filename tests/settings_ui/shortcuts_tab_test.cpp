@@ -63,7 +63,7 @@ TEST_F(ShortcutsTabTest, EveryControlHasItsFrameTextAndStyle) {
               "16 42 740x34 wrap 12 secondary: Click a shortcut, then press the new key combination (include "
               "Ctrl, Opt or Cmd). Zone shortcuts only work for zones that are enabled in the Layouts tab.\n"
               "15 83 742x342 control\n"
-              "17 85 738x338 control\n"
+              "18 86 736x336 control\n"
               "16 436 220x28 button 13: Reset all shortcuts to defaults\n");
 }
 
@@ -77,7 +77,7 @@ TEST_F(ShortcutsTabTest, HasARowForEachActionInOrder) {
                 " 200x26 button 13: " + KeyNames::describe(action(row).defaultBinding()) + "\n540 " +
                 std::to_string(top - 1) + " 64x28 button 13: Clear\n";
     }
-    EXPECT_EQ(looks(*at<QScrollArea>(17, 85, 738, 338)->widget()), rows);
+    EXPECT_EQ(looks(*at<QScrollArea>(18, 86, 736, 336)->widget()), rows);
 }
 
 TEST_F(ShortcutsTabTest, ModifiersHaveTheNamesOfTheSystem) {
@@ -98,7 +98,7 @@ TEST_F(ShortcutsTabTest, ModifiersHaveTheNamesOfTheSystem) {
 TEST_F(ShortcutsTabTest, RowsScrollOnlyVertically) {
     tab->view()->show();
 
-    const auto* const scrollView = at<QScrollArea>(17, 85, 738, 338);
+    const auto* const scrollView = at<QScrollArea>(18, 86, 736, 336);
     EXPECT_EQ(scrollView->widget()->size(), QSize(720, 32 * kActions + 10));
     EXPECT_TRUE(scrollView->verticalScrollBar()->isVisible());
     EXPECT_FALSE(scrollView->horizontalScrollBar()->isVisible());
@@ -233,7 +233,7 @@ TEST_F(ShortcutsTabTest, ARowThatGetsTheFocusScrollsIntoView) {
     tab->view()->show();
     tab->view()->activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(tab->view()));
-    const auto* const scrollView = at<QScrollArea>(17, 85, 738, 338);
+    const auto* const scrollView = at<QScrollArea>(18, 86, 736, 336);
 
     recorder(0)->setFocus();
     for (int step = 0; step < 2 * (kActions - 1); ++step)

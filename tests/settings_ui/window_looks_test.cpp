@@ -47,10 +47,10 @@ protected:
         throw std::out_of_range("no window");
     }
 
-    void open(Tab tab) {
+    void open(Tab tab, double scale = kScale) {
         controller.show(tab);
-        screen = QImage(window().size() * kScale, QImage::Format_RGB32);
-        screen.setDevicePixelRatio(kScale);
+        screen = QImage((QSizeF(window().size()) * scale).toSize(), QImage::Format_RGB32);
+        screen.setDevicePixelRatio(scale);
         window().render(&screen);
     }
 
@@ -81,6 +81,34 @@ protected:
             if (control->isVisible() && control->isEnabled() && !control->visibleRegion().isEmpty())
                 all.push_back(control);
         return all;
+    }
+
+    /// Returns the frames of all controls with an outline that are completely visible, in the window.
+    std::vector<QRect> outlinedFrames() {
+        std::vector<QRect> frames;
+        const auto add = [&](const auto& controls) {
+            for (const QWidget* const control : controls)
+                if (control->visibleRegion() == QRegion(control->rect()))
+                    frames.push_back(frameOf(*control));
+        };
+        add(shown<QPushButton>());
+        add(shown<QLineEdit>());
+        add(shown<QComboBox>());
+        for (const QAbstractScrollArea* const area : shown<QAbstractScrollArea>())
+            frames.push_back(frameOf(*area).adjusted(-2, -2, 2, 2)); // with its border
+        return frames;
+    }
+    /// Returns the width of the first outline that is met from the pixel `at` in the direction of `step`.
+    [[nodiscard]] int outlineFrom(QPoint at, const QPoint& step) const {
+        constexpr int kReach = 8;
+        const QRgb outline = colors.color(QPalette::Mid).rgb();
+        int before = 0;
+        for (; before < kReach && screen.pixel(at) != outline; ++before)
+            at += step;
+        int width = 0;
+        for (; width < kReach && screen.pixel(at) == outline; ++width)
+            at += step;
+        return width;
     }
 
     QPalette colors = paletteOf({.isDark = GetParam()});
@@ -130,23 +158,30 @@ TEST_P(WindowLooksTest, ASelectedRowIsReadable) {
 TEST_P(WindowLooksTest, EveryOutlineStandsOutOnBothSides) {
     for (const Tab tab : {Tab::Layouts, Tab::Shortcuts, Tab::General, Tab::About}) {
         open(tab);
-        std::vector<QWidget*> boxes;
-        for (auto* const one : shown<QPushButton>())
-            boxes.push_back(one);
-        for (auto* const one : shown<QLineEdit>())
-            boxes.push_back(one);
-        for (auto* const one : shown<QComboBox>())
-            boxes.push_back(one);
-        for (QWidget* const box : boxes) {
-            const QRect frame = frameOf(*box);
-            if (box->visibleRegion() != QRegion(box->rect()))
-                continue; // scrolled out of sight in part
+        for (const QRect& frame : outlinedFrames()) {
             const int y = frame.center().y() * kScale;
             const QColor outside = screen.pixelColor((frame.left() - 2) * kScale, y);
             const QColor line = screen.pixelColor(frame.left() * kScale, y);
             const QColor inside = screen.pixelColor((frame.left() + 3) * kScale, y);
             EXPECT_GE(contrast(line, outside), kOutlineContrast) << frame.x() << " " << frame.y();
             EXPECT_GE(contrast(line, inside), kOutlineContrast) << frame.x() << " " << frame.y();
+        }
+    }
+}
+
+TEST_P(WindowLooksTest, EveryOutlineHasTwoPixelsOnAllSidesAtOneAndAHalf) {
+    constexpr double kFraction = 1.5;
+    for (const Tab tab : {Tab::Layouts, Tab::Shortcuts, Tab::General, Tab::About}) {
+        open(tab, kFraction);
+        for (const QRect& frame : outlinedFrames()) {
+            const auto pixel = [](double x, double y) { return (QPointF(x, y) * kFraction).toPoint(); };
+            const QPointF centre = QRectF(frame).center();
+            const int left = outlineFrom(pixel(frame.left() - 2, centre.y()), {1, 0});
+            const int top = outlineFrom(pixel(centre.x(), frame.top() - 2), {0, 1});
+            const int right = outlineFrom(pixel(frame.right() + 3, centre.y()), {-1, 0});
+            const int bottom = outlineFrom(pixel(centre.x(), frame.bottom() + 3), {0, -1});
+            EXPECT_EQ((std::vector{left, top, right, bottom}), (std::vector{2, 2, 2, 2}))
+                << frame.x() << " " << frame.y();
         }
     }
 }

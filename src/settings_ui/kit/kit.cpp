@@ -23,6 +23,7 @@ namespace {
 // In device-independent pixels.
 constexpr double kBezelRadius = 2; // rounder corners would lie under the area
 constexpr int kBeyond = 1;         // how far the focus ring reaches beyond the frame of a scroll area
+constexpr int kInset = 2; // of a scroll area in its frame: at least as wide as the line, at any scale
 
 /// The border of a scroll area, painted behind it. At fractional scales, a line that the area paints itself
 /// may lose a side.
@@ -42,7 +43,9 @@ protected:
         QPainter painter(this);
         if (showsKeyboardFocus(m_area))
             return paintBox(painter, rect(),
-                            {.line = controlAccentColor(palette()), .lineWidth = kFocusWidth});
+                            {.fill = controlBackgroundColor(palette()),
+                             .line = controlAccentColor(palette()),
+                             .lineWidth = kFocusWidth});
         paintBox(painter, rect().adjusted(kBeyond, kBeyond, -kBeyond, -kBeyond),
                  {.fill = controlBackgroundColor(palette()),
                   .line = separatorColor(palette()),
@@ -118,7 +121,7 @@ void setBezeled(QAbstractScrollArea& area, const QRect& frame) {
     bezel->setGeometry(frame.adjusted(-kBeyond, -kBeyond, kBeyond, kBeyond));
     bezel->stackUnder(&area);
     area.setFrameShape(QFrame::NoFrame);
-    area.setGeometry(frame.adjusted(1, 1, -1, -1));
+    area.setGeometry(frame.adjusted(kInset, kInset, -kInset, -kInset));
     // Also what lies in a scroll area, which would have the background of the window.
     area.viewport()->setBackgroundRole(QPalette::Base);
 }

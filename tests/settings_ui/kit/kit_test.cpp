@@ -205,7 +205,7 @@ TEST_F(KitTest, AScrollAreaLiesInsideItsBorder) {
 
     setBezeled(list, {10, 20, 100, 50});
 
-    EXPECT_EQ(list.geometry(), QRect(11, 21, 98, 48));
+    EXPECT_EQ(list.geometry(), QRect(12, 22, 96, 46));
     EXPECT_EQ(list.frameShape(), QFrame::NoFrame);
     const QImage picture = view.grab().toImage();
     for (const QPoint edge : {QPoint(10, 45), QPoint(109, 45), QPoint(60, 20), QPoint(60, 69)})
