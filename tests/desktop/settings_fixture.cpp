@@ -24,6 +24,8 @@ SettingsDesktopTest::~SettingsDesktopTest() {
 
 void SettingsDesktopTest::SetUp() {
     ASSERT_TRUE(program->waitUntilReady(observer, keyboard)) << program->errors();
+    // A window that opens sooner waits for the accessibility service, but not for long.
+    ASSERT_TRUE(waitUntil([this] { return reader.knows(kApplication); })) << program->errors();
     ASSERT_NO_FATAL_FAILURE(openSettings());
 }
 
