@@ -103,4 +103,16 @@ int report(CommandExit exit, const std::string& text) {
     return static_cast<int>(exit);
 }
 
+int report(const SentCommand& sent) {
+    switch (sent.outcome) {
+    case SentCommand::Outcome::Answered:
+        return report(static_cast<CommandExit>(sent.answer.exitCode), sent.answer.text);
+    case SentCommand::Outcome::NoReceiver:
+        return report(CommandExit::NotRunning, "Tessarel does not run on this display");
+    case SentCommand::Outcome::NoAnswer:
+        break;
+    }
+    return report(CommandExit::Failed, "Tessarel does not answer");
+}
+
 } // namespace tessarel

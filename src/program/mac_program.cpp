@@ -1,5 +1,6 @@
 #include "program/mac_program.h"
 
+#include "app/command_address.h"
 #include "platform/macos/shell/accent_color.h"
 #include "platform/macos/shell/overlay_properties.h"
 #include "platform/qt/focus_editing.h"
@@ -11,6 +12,7 @@
 #include <QColor>
 #include <QWidget>
 
+#include <cstdint>
 #include <memory>
 #include <utility>
 
@@ -54,7 +56,21 @@ void MacProgram::prepareToolkit() {
 AppDelegate::Launch MacProgram::launch() {
     // After Qt's startup, which may set another activation policy.
     macos::MacOwnApplication::becomeAccessory();
-    return m_delegate.applicationDidFinishLaunching();
+    const AppDelegate::Launch launch = m_delegate.applicationDidFinishLaunching();
+    if (launch == AppDelegate::Launch::Running)
+        receiveCommands();
+    return launch;
+}
+
+void MacProgram::receiveCommands() {
+    m_commands.emplace([this](const std::vector<std::string>& words) {
+        CommandReply reply = m_delegate.runCommand(words);
+        return CommandAnswer{static_cast<std::uint8_t>(reply.exit), std::move(reply.text)};
+    });
+    m_addresses.emplace([this](const std::string& address) {
+        if (const auto words = commandInAddress(address))
+            (void)m_delegate.runCommand(*words);
+    });
 }
 
 /// Converts screen coordinates to Qt's. Both are in points, but Qt's origin is the top-left corner of the

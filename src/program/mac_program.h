@@ -2,15 +2,19 @@
 
 #include "app/app_delegate.h"
 #include "platform/macos/desktop.h"
+#include "platform/macos/shell/command_channel.h"
 #include "platform/macos/shell/own_application.h"
 #include "platform/qt/overlay/composed_overlay.h"
 #include "platform/qt/qt_alerts.h"
 #include "platform/qt/qt_main_queue.h"
 #include "platform/qt/qt_own_application.h"
+#include "platform/qt/requested_addresses.h"
 #include "platform/qt/system_wall_clock.h"
 #include "platform/qt_web/process/qt_url_loading_process.h"
 
 #include <functional>
+#include <optional>
+#include <string>
 #include <vector>
 
 class QWidget;
@@ -43,6 +47,7 @@ private:
     [[nodiscard]] Rect placeForQt(const Rect& screenFrame);
     [[nodiscard]] std::vector<void*> shownWindows() const;
     [[nodiscard]] Ports ports();
+    void receiveCommands();
 
     NativeView m_nativeView;
     qt::QtMainQueue m_queue;
@@ -55,8 +60,11 @@ private:
     /// The bundle has the helper beside the executable.
     qt::QtUrlLoadingProcess m_urlLoading{{"."}};
     qt::SystemWallClock m_wallClock;
-    // Last, because it uses all of the above and must be destroyed first.
+    // Uses all of the above, so it must be destroyed before them.
     AppDelegate m_delegate;
+    // Both are empty until the program runs, and use the delegate.
+    std::optional<macos::MacCommandChannel> m_commands;
+    std::optional<qt::RequestedAddresses> m_addresses;
 };
 
 } // namespace tessarel

@@ -94,16 +94,7 @@ int sendToRunningCopy(const std::vector<std::string>& words) {
     const auto [connection, failure] = x11::Connection::open(nullptr, queue);
     if (!connection)
         return report(CommandExit::Failed, "cannot open the X display: " + failure);
-    const auto [outcome, answer] = x11::sendCommand(*connection, words);
-    switch (outcome) {
-    case x11::SentCommand::Outcome::Answered:
-        return report(static_cast<CommandExit>(answer.exitCode), answer.text);
-    case x11::SentCommand::Outcome::NoReceiver:
-        return report(CommandExit::NotRunning, "Tessarel does not run on this display");
-    case x11::SentCommand::Outcome::NoAnswer:
-        break;
-    }
-    return report(CommandExit::Failed, "Tessarel does not answer");
+    return report(x11::sendCommand(*connection, words));
 }
 
 /// Builds the program and runs it. Registers with the desktop first and starts Qt, which takes longer,
@@ -203,7 +194,7 @@ int run(const char* programName) {
         say("this is a Wayland session, where only XWayland windows could be moved; use an X11 session");
     const x11::CommandChannel commands(*connection, [&delegate](const std::vector<std::string>& words) {
         CommandReply reply = delegate->runCommand(words);
-        return x11::CommandAnswer{static_cast<std::uint8_t>(reply.exit), std::move(reply.text)};
+        return CommandAnswer{static_cast<std::uint8_t>(reply.exit), std::move(reply.text)};
     });
     return runLoop(programName, queue, terminationSignals, *connection, bus, delegate);
 }

@@ -1,3 +1,4 @@
+#include "platform/macos/shell/command_channel.h"
 #include "platform/posix/failed_writes.h"
 #include "platform/posix/termination_signals.h"
 #include "platform/qt/qt_messages.h"
@@ -45,7 +46,6 @@ int main(int argumentCount, char** arguments) {
     const tessarel::CommandLine line = tessarel::readCommandLine(argumentCount, arguments);
     if (line.exitCode)
         return *line.exitCode;
-    if (!line.words.empty())
-        return tessarel::report(tessarel::CommandExit::Failed, "commands are not available on macOS yet");
-    return tessarel::run(argumentCount, arguments);
+    return line.words.empty() ? tessarel::run(argumentCount, arguments)
+                              : tessarel::report(tessarel::macos::sendCommand(line.words));
 }

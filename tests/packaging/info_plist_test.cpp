@@ -11,7 +11,7 @@
 namespace tessarel {
 namespace {
 
-/// Reads the property list of the bundle: the values as texts, by key.
+/// Reads the property list of the bundle: the values as texts, by key; those of an array in one line.
 class InfoPlistTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -35,8 +35,9 @@ private:
         const std::string key = xml.readElementText().toStdString();
         ASSERT_TRUE(xml.readNextStartElement()) << key;
         const std::string type = xml.name().toString().toStdString();
-        const std::string text = xml.readElementText().toStdString();
-        EXPECT_TRUE(values.emplace(key, type == "string" ? text : type).second) << key;
+        const std::string text =
+            xml.readElementText(QXmlStreamReader::IncludeChildElements).simplified().toStdString();
+        EXPECT_TRUE(values.emplace(key, text.empty() ? type : text).second) << key;
     }
 };
 
@@ -48,6 +49,11 @@ TEST_F(InfoPlistTest, TheBundleDescribesThisProgram) {
     EXPECT_EQ(values["CFBundleExecutable"], "Tessarel");
     EXPECT_EQ(values["CFBundlePackageType"], "APPL");
     EXPECT_EQ(values["CFBundleIconFile"], "Tessarel");
+}
+
+TEST_F(InfoPlistTest, TheAddressesOfCommandsBelongToTheProgram) {
+    EXPECT_EQ(values["CFBundleURLTypes"],
+              "CFBundleURLName " + std::string(Config::bundleID) + " CFBundleURLSchemes tessarel");
 }
 
 TEST_F(InfoPlistTest, TheProgramHasNoDockIcon) {

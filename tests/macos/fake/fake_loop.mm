@@ -8,6 +8,7 @@
 #include <thread>
 #include <unistd.h>
 #include <utility>
+#include <variant>
 
 // The run loop of this program: what is delivered only by an iteration, what must not happen between a menu's
 // close and the next iteration, and the notification centres.
@@ -20,11 +21,58 @@ namespace {
 bool menuIsFading = false;
 std::vector<std::string> faults;
 
+/// A distributed notification on its way.
+struct Letter {
+    std::string name;
+    NotificationContents contents;
+};
+
 /// Distributed notifications that wait for the next iteration. Another thread adds them, as in the system.
 struct Inbox {
     std::mutex mutex;
-    std::vector<std::string> names;
+    std::vector<Letter> letters;
 } inbox;
+
+/// Returns the value as it leaves the process. Ends the process for one that is not of a property list.
+NotificationValue packed(id value) {
+    if ([value isKindOfClass:[NSString class]])
+        return {std::string([value UTF8String])};
+    if ([value isKindOfClass:[NSNumber class]])
+        return {[value doubleValue]};
+    if (![value isKindOfClass:[NSArray class]])
+        std::abort();
+    std::vector<NotificationValue> values;
+    for (id member in value)
+        values.push_back(packed(member));
+    return {std::move(values)};
+}
+
+NotificationContents packedMembers(NSDictionary* contents) {
+    NotificationContents members;
+    for (NSString* key in contents)
+        members[[key UTF8String]] = packed([contents objectForKey:key]);
+    return members;
+}
+
+id unpacked(const NotificationValue& value) {
+    if (const auto* const text = std::get_if<std::string>(&value.value))
+        return autoreleased(*text);
+    if (const auto* const number = std::get_if<double>(&value.value))
+        return [NSNumber numberWithDouble:*number];
+    NSMutableArray* const values = [NSMutableArray array];
+    for (const NotificationValue& member : std::get<std::vector<NotificationValue>>(value.value))
+        [values addObject:unpacked(member)];
+    return values;
+}
+
+NSDictionary* unpackedMembers(const NotificationContents& members) {
+    if (members.empty())
+        return nil;
+    NSMutableDictionary* const contents = [NSMutableDictionary dictionary];
+    for (const auto& [key, value] : members)
+        [contents setObject:unpacked(value) forKey:autoreleased(key)];
+    return contents;
+}
 
 std::vector<id> listeners; // registered observers; one entry for each registration
 
@@ -63,12 +111,11 @@ bool isOfBackEnd(id observer) {
           deliverImmediately:(BOOL)immediately {
     checkThread();
     (void)object;
-    (void)userInfo;
     if (!immediately) // not delivered to an inactive application
         return;
-    std::thread([text = std::string([name UTF8String])] {
+    std::thread([letter = Letter{[name UTF8String], packedMembers(userInfo)}] {
         const std::scoped_lock lock(inbox.mutex);
-        inbox.names.push_back(text);
+        inbox.letters.push_back(letter);
     }).join();
 }
 @end
@@ -97,6 +144,21 @@ bool isOfBackEnd(id observer) {
 
 #pragma clang diagnostic pop
 
+CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode mode, CFTimeInterval seconds, Boolean afterOneSource) {
+    checkThread();
+    if (mode != kCFRunLoopDefaultMode || !afterOneSource)
+        abort();
+    const bool arrives = [] {
+        const std::scoped_lock lock(inbox.mutex);
+        return !inbox.letters.empty();
+    }();
+    if (arrives)
+        turn();
+    else
+        passTime(seconds);
+    return arrives ? kCFRunLoopRunHandledSource : kCFRunLoopRunTimedOut;
+}
+
 namespace tessarel::fakemac {
 
 void checkThread() {
@@ -112,16 +174,31 @@ NSNotificationCenter* newCenter() {
 
 void turn() {
     menuIsFading = false;
-    std::vector<std::string> names;
+    std::vector<Letter> letters;
     {
         const std::scoped_lock lock(inbox.mutex);
-        names = std::exchange(inbox.names, {});
+        letters = std::exchange(inbox.letters, {});
     }
     @autoreleasepool {
-        for (const std::string& name : names)
-            [[NSDistributedNotificationCenter defaultCenter] postNotificationName:autoreleased(name)
-                                                                           object:nil];
+        for (const Letter& letter : letters)
+            [[NSDistributedNotificationCenter defaultCenter]
+                postNotificationName:autoreleased(letter.name)
+                              object:nil
+                            userInfo:unpackedMembers(letter.contents)];
     }
+}
+
+void postFromOutside(const std::string& name, const NotificationContents& contents) {
+    const std::scoped_lock lock(inbox.mutex);
+    inbox.letters.push_back({name, contents});
+}
+
+std::vector<std::string> notificationsOnTheWay() {
+    const std::scoped_lock lock(inbox.mutex);
+    std::vector<std::string> names;
+    for (const Letter& letter : inbox.letters)
+        names.push_back(letter.name);
+    return names;
 }
 
 void letMenuFade() {
@@ -146,7 +223,7 @@ void describeLoop(std::vector<std::string>& lines) {
 void resetLoop() {
     menuIsFading = false;
     faults.clear();
-    inbox.names.clear();
+    inbox.letters.clear();
 }
 
 } // namespace tessarel::fakemac

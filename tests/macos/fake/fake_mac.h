@@ -11,6 +11,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <variant>
 #include <vector>
 
 /// The fake Mac behind the fake frameworks, in plain C++: the state that a test sets up, functions that act
@@ -155,6 +156,15 @@ void pressKeys(std::uint32_t keyCode, std::uint32_t mods, bool repeats = false);
 void passTime(double seconds);
 /// Runs one iteration of this program's run loop: closed menus disappear, distributed notifications arrive.
 void turn();
+/// A value in a distributed notification.
+struct NotificationValue {
+    std::variant<std::string, double, std::vector<NotificationValue>> value;
+};
+using NotificationContents = std::map<std::string, NotificationValue>;
+/// Posts a distributed notification as another process.
+void postFromOutside(const std::string& name, const NotificationContents& contents);
+/// Returns the names of the distributed notifications that wait for the next iteration.
+std::vector<std::string> notificationsOnTheWay();
 /// Opens this running program again, as from the Finder. Returns false when the program handles no such
 /// event.
 bool openAgain();

@@ -2,24 +2,15 @@
 
 #include "model/subscription.h"
 #include "platform/x11/server/connection.h"
+#include "ports/command_exchange.h"
 
 #include <xcb/xcb.h>
 
-#include <chrono>
-#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
 
 namespace tessarel::x11 {
-
-/// The answer to a command.
-struct CommandAnswer {
-    std::uint8_t exitCode = 0;
-    std::string text = {};
-
-    bool operator==(const CommandAnswer&) const = default;
-};
 
 /// Receives the commands of other processes on the same X screen.
 ///
@@ -30,9 +21,6 @@ struct CommandAnswer {
 /// Every client of the server can send commands; a client could move the windows without us, too.
 class CommandChannel {
 public:
-    /// Longer commands are answered as if they had no words. In bytes.
-    static constexpr std::uint32_t kLongestCommand = 4096;
-
     /// Calls `run` with the words of each command until this object is destroyed; a word may be empty and
     /// hold any bytes but NUL. `connection` must outlive this object.
     CommandChannel(Connection& connection,
@@ -49,20 +37,6 @@ private:
     xcb_window_t m_window;
     SubscriptionPtr m_events;
 };
-
-/// What became of a command that was sent.
-struct SentCommand {
-    enum class Outcome : std::uint8_t {
-        Answered,
-        NoReceiver, ///< no copy of the program runs on this screen
-        NoAnswer,   ///< it has not answered in time, or has ended meanwhile
-    };
-    Outcome outcome = Outcome::Answered;
-    CommandAnswer answer = {};
-};
-
-/// How long a sender waits for the answer.
-inline constexpr std::chrono::milliseconds kCommandPatience{5000};
 
 /// Sends a command to the channel of the screen, and waits for the answer at most `kCommandPatience`. A word
 /// ends at its first NUL byte.

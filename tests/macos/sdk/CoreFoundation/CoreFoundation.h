@@ -77,3 +77,12 @@ SDK_EXTERN void CFRunLoopAddSource(CFRunLoopRef _Nonnull loop, CFRunLoopSourceRe
                                    CFRunLoopMode _Nonnull mode);
 SDK_EXTERN void CFRunLoopRemoveSource(CFRunLoopRef _Nonnull loop, CFRunLoopSourceRef _Nonnull source,
                                       CFRunLoopMode _Nonnull mode);
+
+typedef int32_t CFRunLoopRunResult;
+enum : CFRunLoopRunResult {
+    kCFRunLoopRunTimedOut = 3,
+    kCFRunLoopRunHandledSource = 4,
+};
+typedef double CFTimeInterval;
+SDK_EXTERN CFRunLoopRunResult CFRunLoopRunInMode(CFRunLoopMode _Nonnull mode, CFTimeInterval seconds,
+                                                 Boolean returnAfterSourceHandled);

@@ -145,6 +145,7 @@ enum : NSUInteger { NSNotificationSuspensionBehaviorDeliverImmediately = 4 };
 @interface NSProcessInfo : NSObject
 @property(class, readonly, strong) NSProcessInfo* processInfo;
 @property(readonly) int processIdentifier;
+@property(readonly, copy) NSString* globallyUniqueString;
 @end
 
 @interface NSFileManager : NSObject

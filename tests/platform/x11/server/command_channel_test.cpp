@@ -92,7 +92,7 @@ TEST_F(CommandChannelTest, WhatIsNoCommandHasNoWords) {
     const xcb_window_t otherType = newWindow();
     set(otherType, "STRING", "quit");
     const xcb_window_t tooLong = newWindow();
-    set(tooLong, "UTF8_STRING", std::string(CommandChannel::kLongestCommand + 1, 'a'));
+    set(tooLong, "UTF8_STRING", std::string(kLongestCommand + 1, 'a'));
     const xcb_window_t gone = newWindow();
     xcb_destroy_window(x(), gone);
 
@@ -105,7 +105,7 @@ TEST_F(CommandChannelTest, WhatIsNoCommandHasNoWords) {
 TEST_F(CommandChannelTest, TheLongestCommandIsReadWhole) {
     loop.settle();
     const xcb_window_t sender = newWindow();
-    const std::string word(CommandChannel::kLongestCommand, 'a');
+    const std::string word(kLongestCommand, 'a');
     set(sender, "UTF8_STRING", word);
 
     send(sender);
