@@ -10,10 +10,10 @@ drag() {
     before=$(frame_of "$target")
     read -r x y width height <<<"$before"
     xdotool mousemove --sync $((x + width / 2)) $((y + 8)) mousedown 1
-    wait_until 5 follows "$target" "$x" || fail "$1 does not follow the mouse"
+    wait_until 20 follows "$target" "$x" || fail "$1 does not follow the mouse"
     xdotool keydown shift
     read -r x y width height <<<"$asked"
-    wait_until 5 shows_zones $((x + width / 2)) $((y + height / 2)) || fail "no zones are shown"
+    wait_until 20 shows_zones $((x + width / 2)) $((y + height / 2)) || fail "no zones are shown"
     shoot "$3"
     presses+=("$1|drag into $2|$before|$asked")
     xdotool mouseup 1 keyup shift

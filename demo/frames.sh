@@ -12,6 +12,13 @@ frame_of() {
         END { print x - left, y - top, width + left + right, height + top + bottom }'
 }
 
+# place_of WINDOW: prints the current frame of the window as a part of a picture, in X's notation.
+place_of() {
+    local frame
+    read -ra frame <<<"$(frame_of "$1")"
+    echo "${frame[2]}x${frame[3]}+${frame[0]}+${frame[1]}"
+}
+
 # step_of WINDOW: prints the resize increments of the window in pixels, across and down; "1 1" by default.
 step_of() {
     xprop -id "$1" WM_NORMAL_HINTS 2>/dev/null | awk '
