@@ -1,7 +1,8 @@
 #include "program/command_line.h"
 
+#include "app/command.h"
 #include "model/config.h"
-#include "program/qt_program.h"
+#include "program/report.h"
 #include "qt_values/text.h"
 
 #include <QCommandLineParser>
@@ -93,26 +94,6 @@ CommandLine readCommandLine(int argumentCount, char** arguments) {
         return line;
     const ParsedCommand parsed = parseCommand(line.words);
     return parsed.command ? line : wrong(parsed.problem);
-}
-
-int report(CommandExit exit, const std::string& text) {
-    if (exit != CommandExit::Done)
-        say(text);
-    else if (!text.empty())
-        print(text);
-    return static_cast<int>(exit);
-}
-
-int report(const SentCommand& sent) {
-    switch (sent.outcome) {
-    case SentCommand::Outcome::Answered:
-        return report(static_cast<CommandExit>(sent.answer.exitCode), sent.answer.text);
-    case SentCommand::Outcome::NoReceiver:
-        return report(CommandExit::NotRunning, "Tessarel does not run on this display");
-    case SentCommand::Outcome::NoAnswer:
-        break;
-    }
-    return report(CommandExit::Failed, "Tessarel does not answer");
 }
 
 } // namespace tessarel

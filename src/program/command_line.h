@@ -1,8 +1,5 @@
 #pragma once
 
-#include "app/command.h"
-#include "ports/command_exchange.h"
-
 #include <optional>
 #include <string>
 #include <vector>
@@ -21,12 +18,5 @@ struct CommandLine {
 
 /// Returns the text of `--help`.
 [[nodiscard]] std::string helpText();
-
-/// Prints a text for the user, to the standard output if the command was carried out, else to the standard
-/// error. Returns the exit code.
-[[nodiscard]] int report(CommandExit exit, const std::string& text);
-
-/// Prints what the running copy has answered, or why there is no answer, and returns the exit code.
-[[nodiscard]] int report(const SentCommand& sent);
 
 } // namespace tessarel

@@ -27,6 +27,7 @@
 #include "platform/xdg/home_folder.h"
 #include "program/command_line.h"
 #include "program/qt_program.h"
+#include "program/report.h"
 #include "settings_ui/settings_window_controller.h"
 
 #include <QApplication>

@@ -5,6 +5,7 @@
 #include "program/command_line.h"
 #include "program/mac_program.h"
 #include "program/qt_program.h"
+#include "program/report.h"
 
 #include <QApplication>
 #include <QWidget>

@@ -6,13 +6,7 @@
 
 #include <QApplication>
 
-#include <cstdio>
-
 namespace tessarel {
-
-void say(const std::string& line) {
-    std::fprintf(stderr, "tessarel: %s\n", line.c_str());
-}
 
 void describeProgramToQt() {
     // The same style on every system; it takes its colours from the palette.

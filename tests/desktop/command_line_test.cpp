@@ -29,9 +29,10 @@ protected:
         }));
     }
 
-    /// Runs the program with these words and waits until it has exited.
-    [[nodiscard]] Result run(const std::vector<std::string>& words) {
-        std::vector<std::string> arguments{TESSAREL_PROGRAM};
+    /// Runs the launcher with these words, as users do, and waits until it has exited.
+    [[nodiscard]] Result run(const std::vector<std::string>& words,
+                             const std::string& program = TESSAREL_LAUNCHER) {
+        std::vector<std::string> arguments{program};
         arguments.insert(arguments.end(), words.begin(), words.end());
         ChildProcess process(arguments, desktop.server().environment());
         Result result;
@@ -59,6 +60,24 @@ TEST_F(CommandLineTest, ACommandReturnsWhenTheWindowIsInItsZone) {
         EXPECT_EQ(result.exitCode, 0) << result.errors;
         EXPECT_EQ(result.output + result.errors, "");
     }
+}
+
+TEST_F(CommandLineTest, TheProgramItselfSendsCommandsToo) {
+    const xcb_window_t window = desktop.open(client);
+
+    const Result result = run({"zone-2"}, TESSAREL_PROGRAM);
+
+    EXPECT_EQ(desktop.frame(window), zoneFrame(2));
+    EXPECT_EQ(result.exitCode, 0) << result.errors;
+}
+
+TEST_F(CommandLineTest, TheLauncherLeavesEverythingElseToTheProgram) {
+    EXPECT_TRUE(run({"--version"}).output.starts_with("tessarel "));
+    EXPECT_EQ(run({"--nonsense"}).errors,
+              "tessarel: there is no option \"nonsense\"; see \"tessarel --help\"\n");
+    EXPECT_EQ(run({"zone-1", "--nonsense"}).exitCode, 2);
+    EXPECT_EQ(run({"--json", "list", "zones"}).exitCode, 0);
+    EXPECT_EQ(run({"layout", "\xC3\xA4"}).exitCode, 4) << "a layout that does not exist";
 }
 
 TEST_F(CommandLineTest, ACommandThatDoesNothingSaysWhy) {

@@ -28,6 +28,7 @@ share=$scratch/opt/tessarel/share
 
 diff - <(cd "$scratch" && find . -type f | LC_ALL=C sort) <<EOF || fail "other files than expected"
 ./opt/tessarel/bin/tessarel
+./opt/tessarel/libexec/tessarel/tessarel
 ./opt/tessarel/libexec/tessarel/tessarel-update-check
 ./opt/tessarel/share/applications/$id.desktop
 ./opt/tessarel/share/bash-completion/completions/tessarel
@@ -75,5 +76,7 @@ expect_completed "--json" tessarel list zones ""
     fail "fish completes pause wrongly"
 
 [ "$("$scratch/opt/tessarel/bin/tessarel" --version)" = "$("$build/tessarel" --version)" ] || fail "the installed program is another one"
+[ "$(env -u DISPLAY "$scratch/opt/tessarel/bin/tessarel" zone-1 2>&1)" = "$(env -u DISPLAY "$build/tessarel" zone-1 2>&1)" ] ||
+    fail "launcher and program answer differently"
 grep -qF "$("$build/tessarel" --version | cut -d' ' -f2)" "$share/man/man1/tessarel.1" || fail "the manual page has another version"
 exit "$failed"
