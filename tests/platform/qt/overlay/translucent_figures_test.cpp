@@ -14,6 +14,7 @@ namespace tessarel::qt {
 namespace {
 
 constexpr Rect kZone{20, 30, 200, 160};
+const QColor kAccentColor(0x1a, 0x63, 0xd2); // unlike the default
 
 class TranslucentFiguresTest : public OffscreenTest {
 protected:
@@ -26,7 +27,7 @@ protected:
         return image;
     }
 
-    TranslucentFigures figures;
+    TranslucentFigures figures{kAccentColor};
 };
 
 /// Expects the accent colour at `alpha` over a transparent background, within rounding of the premultiplied
@@ -34,9 +35,9 @@ protected:
 void expectAccent(const QColor& color, double alpha) {
     EXPECT_NEAR(color.alphaF(), alpha, 0.005);
     const QRgb premultiplied = qPremultiply(color.rgba());
-    EXPECT_NEAR(qRed(premultiplied), 0x0a * alpha, 1.5);
-    EXPECT_NEAR(qGreen(premultiplied), 0x84 * alpha, 1.5);
-    EXPECT_NEAR(qBlue(premultiplied), 0xff * alpha, 1.5);
+    EXPECT_NEAR(qRed(premultiplied), kAccentColor.red() * alpha, 1.5);
+    EXPECT_NEAR(qGreen(premultiplied), kAccentColor.green() * alpha, 1.5);
+    EXPECT_NEAR(qBlue(premultiplied), kAccentColor.blue() * alpha, 1.5);
 }
 
 /// Returns the opacity of two layers above each other.
