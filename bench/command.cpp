@@ -1,5 +1,5 @@
-// Measures the time from starting a command until the window is in its new place, for the program's own command
-// line and for xdotool doing the same, in shuffled order.
+// Measures the time from starting a command until the window is in its new place, for the program's own
+// command line and for xdotool doing the same, in shuffled order.
 //
 //   command DIRECTORY [REPETITIONS]
 
@@ -110,9 +110,10 @@ void measureWindow(const std::string& kind, Target&& target, const std::string& 
     const double baseline = median(all[kBaseline].milliseconds);
     Table table({"command", "p50 ms", "p95 ms", "p50 / xdotool", "events", "misses"});
     for (const Placer& placer : all)
-        table.add({placer.name, number(median(placer.milliseconds)), number(percentile(placer.milliseconds, 95)),
-                   number(median(placer.milliseconds) / baseline),
-                   number(static_cast<double>(placer.events) / repetitions, 1), std::to_string(placer.misses)});
+        table.add(
+            {placer.name, number(median(placer.milliseconds)), number(percentile(placer.milliseconds, 95)),
+             number(median(placer.milliseconds) / baseline),
+             number(static_cast<double>(placer.events) / repetitions, 1), std::to_string(placer.misses)});
     table.print("Command started to last ConfigureNotify, " + kind + ", " + std::to_string(repetitions) +
                 " commands each");
 }

@@ -1,5 +1,5 @@
-// What is installed as `tessarel` on Linux. Sends a command itself, because loading the program with its toolkit
-// takes several times as long as the command; runs the program for everything else.
+// What is installed as `tessarel` on Linux. Sends a command itself, because loading the program with its
+// toolkit takes several times as long as the command; runs the program for everything else.
 
 #include "app/command.h"
 #include "platform/x11/server/command_channel.h"
@@ -56,8 +56,9 @@ int run(char** arguments) {
     const auto folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
     for (const char* const place : kPlaces)
         execv((folder / place).lexically_normal().c_str(), arguments);
-    return report(CommandExit::Failed, "the program is missing in " +
-                                           (folder / kPlaces.front()).lexically_normal().parent_path().string());
+    return report(CommandExit::Failed,
+                  "the program is missing in " +
+                      (folder / kPlaces.front()).lexically_normal().parent_path().string());
 }
 
 } // namespace
