@@ -26,6 +26,7 @@
 #include "platform/xdg/environment.h"
 #include "platform/xdg/home_folder.h"
 #include "program/command_line.h"
+#include "program/plasma_program.h"
 #include "program/qt_program.h"
 #include "program/report.h"
 #include "settings_ui/settings_window_controller.h"
@@ -208,5 +209,8 @@ int main(int argumentCount, char** arguments) {
     const tessarel::CommandLine line = tessarel::readCommandLine(argumentCount, arguments);
     if (line.exitCode)
         return *line.exitCode;
-    return line.words.empty() ? tessarel::run(arguments[0]) : tessarel::sendToRunningCopy(line.words);
+    if (!line.words.empty())
+        return tessarel::sendToRunningCopy(line.words);
+    const std::optional<int> exitCode = tessarel::runOnPlasma(arguments[0]);
+    return exitCode ? *exitCode : tessarel::run(arguments[0]);
 }

@@ -10,13 +10,13 @@
 #include "platform/x11/input/hot_keys.h"
 #include "platform/x11/input/key_lookup.h"
 #include "platform/x11/input/key_names.h"
-#include "platform/x11/input/keycode_table.h"
 #include "platform/x11/input/mouse.h"
 #include "platform/x11/server/bell.h"
 #include "platform/x11/server/single_instance.h"
 #include "platform/x11/server/trust.h"
 #include "platform/x11/windows/client_windows.h"
 #include "platform/xdg/file_preferences.h"
+#include "platform/xkb/keycode_table.h"
 
 #include <QEventLoop>
 #include <QTimer>
@@ -326,7 +326,7 @@ x11test::Combination X11ContractDesktop::combination(std::uint32_t keyCode, std:
                                                                       {512, XCB_MOD_MASK_SHIFT},
                                                                       {2048, XCB_MOD_MASK_1},
                                                                       {4096, XCB_MOD_MASK_CONTROL}};
-    const auto keycode = x11::keycodeOf(keyCode);
+    const auto keycode = xkb::keycodeOf(keyCode);
     require(keycode.has_value(), "key with this virtual key code");
     unsigned state = 0;
     for (const auto& [bit, mask] : kModifiers)

@@ -1,9 +1,9 @@
 #include "platform/x11/input/hot_keys.h"
 
 #include "model/call_on_end.h"
-#include "platform/x11/input/keycode_table.h"
 #include "platform/x11/input/lock_modifiers.h"
 #include "platform/x11/input/modifier_flags.h"
+#include "platform/xkb/keycode_table.h"
 
 #include <algorithm>
 #include <utility>
@@ -100,7 +100,7 @@ SubscriptionPtr X11HotKeys::claim(std::size_t serial) {
 }
 
 std::optional<X11HotKeys::Combination> X11HotKeys::combination(const HotKeyRequest& request) {
-    const auto keycode = keycodeOf(request.keyCode);
+    const auto keycode = xkb::keycodeOf(request.keyCode);
     const auto modifiers = modifierMask(request.mods);
     if (!keycode || !modifiers)
         return std::nullopt;

@@ -1,7 +1,7 @@
 #include "platform/x11/input/key_lookup.h"
 
-#include "platform/x11/input/keycode_table.h"
 #include "platform/x11/input/modifier_flags.h"
+#include "platform/xkb/keycode_table.h"
 
 #include <limits>
 
@@ -10,7 +10,7 @@ namespace tessarel::x11 {
 std::optional<KeyDown> keyDown(std::uint32_t keycode, std::uint32_t state) {
     if (keycode > std::numeric_limits<std::uint8_t>::max())
         return std::nullopt;
-    const auto keyCode = virtualKeyOf(static_cast<std::uint8_t>(keycode));
+    const auto keyCode = xkb::virtualKeyOf(static_cast<std::uint8_t>(keycode));
     return keyCode ? std::optional(KeyDown{*keyCode, modifierFlags(state)}) : std::nullopt;
 }
 

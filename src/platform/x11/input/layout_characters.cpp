@@ -1,6 +1,6 @@
 #include "platform/x11/input/layout_characters.h"
 
-#include "platform/x11/input/keycode_table.h"
+#include "platform/xkb/keycode_table.h"
 
 #include <algorithm>
 #include <array>
@@ -103,7 +103,7 @@ std::map<std::int64_t, std::string> layoutCharacters(xcb_connection_t* xcb) {
         return {};
     const ActiveLayout layout(keymap.get(), state.get());
     std::map<std::int64_t, std::string> all;
-    for (const PhysicalKey& key : kPhysicalKeys)
+    for (const xkb::PhysicalKey& key : xkb::kPhysicalKeys)
         if (std::string printed = layout.printedOn(key.keycode); !printed.empty())
             all.emplace(key.virtualKey, std::move(printed));
     return all;

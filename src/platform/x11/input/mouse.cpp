@@ -2,10 +2,10 @@
 
 #include "model/call_on_end.h"
 #include "platform/x11/displays/conversions.h"
-#include "platform/x11/input/keycode_table.h"
 #include "platform/x11/input/modifier_flags.h"
 #include "platform/x11/windows/window_at_point.h"
 #include "platform/x11/windows/window_traits.h"
+#include "platform/xkb/keycode_table.h"
 
 #include <algorithm>
 #include <chrono>
@@ -129,7 +129,7 @@ void X11Mouse::noteKey(std::uint32_t keycode) {
     if (m_news.heldReleased)
         return;
     m_news.typed = true;
-    m_news.cancelled |= keycode == keycodeOf(kEscape);
+    m_news.cancelled |= keycode == xkb::keycodeOf(kEscape);
 }
 
 void X11Mouse::notePress(const Press& press) {

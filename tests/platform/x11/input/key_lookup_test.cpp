@@ -1,7 +1,7 @@
 #include "platform/x11/input/key_lookup.h"
 
-#include "platform/x11/input/keycode_table.h"
 #include "platform/x11/input/modifier_flags.h"
+#include "platform/xkb/keycode_table.h"
 
 #include <gtest/gtest.h>
 #include <xcb/xproto.h>
@@ -29,7 +29,7 @@ TEST(KeyDownTest, LocksAndButtonsAreNoModifiers) {
 
 TEST(KeyDownTest, AKeyMapsToTheVirtualKeyCodeOfHotKeys) {
     EXPECT_EQ(keyDown(kKeyB, XCB_MOD_MASK_CONTROL), (KeyDown{11, kControlFlag}));
-    for (const PhysicalKey& key : kPhysicalKeys)
+    for (const xkb::PhysicalKey& key : xkb::kPhysicalKeys)
         EXPECT_EQ(keyDown(key.keycode, 0), (KeyDown{key.virtualKey}));
 }
 

@@ -1,7 +1,7 @@
 #include "platform/x11/input/key_names.h"
 
 #include "platform/x11/event_loop.h"
-#include "platform/x11/input/keycode_table.h"
+#include "platform/xkb/keycode_table.h"
 #include "support/x11/keyboard.h"
 #include "support/x11/observer.h"
 #include "support/x11/x_server.h"
@@ -124,7 +124,7 @@ TEST_F(X11KeyNamesTest, OrdinaryKeysChangeNoName) {
 
 TEST_F(X11KeyNamesTest, EveryKeyThatCanBeBoundIsNamedWithoutItsCode) {
     runTool({"setxkbmap", "-layout", "de", "-model", "pc105"});
-    for (const PhysicalKey& key : kPhysicalKeys) {
+    for (const xkb::PhysicalKey& key : xkb::kPhysicalKeys) {
         constexpr std::int64_t kYen = 93; // on Japanese keyboards only
         constexpr std::int64_t kUnderscore = 94;
         if (key.virtualKey == kYen || key.virtualKey == kUnderscore)

@@ -1,5 +1,5 @@
 #include "model/key_names.h"
-#include "platform/x11/input/keycode_table.h"
+#include "platform/xkb/keycode_table.h"
 #include "support/x11/x_connection.h"
 #include "support/x11/x_server.h"
 
@@ -43,7 +43,7 @@ protected:
 TEST_F(KeyCodesOnServerTest, EveryNamedKeyHasItsKeysymOnTheServer) {
     ASSERT_EQ(KeyNames::names.size(), 68U);
     for (const auto& [virtualKey, name] : KeyNames::names) {
-        const auto keycode = keycodeOf(static_cast<std::uint32_t>(virtualKey));
+        const auto keycode = xkb::keycodeOf(static_cast<std::uint32_t>(virtualKey));
         ASSERT_TRUE(keycode) << name;
         EXPECT_EQ(onKey(*keycode), keysymOf(std::string(name))) << name;
     }

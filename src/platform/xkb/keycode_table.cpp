@@ -1,8 +1,8 @@
-#include "platform/x11/input/keycode_table.h"
+#include "platform/xkb/keycode_table.h"
 
 #include <algorithm>
 
-namespace tessarel::x11 {
+namespace tessarel::xkb {
 
 std::optional<std::uint8_t> keycodeOf(std::uint32_t virtualKey) {
     const auto key = std::ranges::find(kPhysicalKeys, virtualKey, &PhysicalKey::virtualKey);
@@ -14,4 +14,4 @@ std::optional<std::uint8_t> virtualKeyOf(std::uint8_t keycode) {
     return key == kPhysicalKeys.end() ? std::nullopt : std::optional(key->virtualKey);
 }
 
-} // namespace tessarel::x11
+} // namespace tessarel::xkb

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace tessarel::x11 {
+namespace tessarel::xkb {
 
 /// A physical key in both code systems.
 struct PhysicalKey {
@@ -141,4 +141,4 @@ inline constexpr std::array kPhysicalKeys = std::to_array<PhysicalKey>({
 /// Returns the virtual key code for an X11 keycode, or `std::nullopt` when bindings cannot name that key.
 [[nodiscard]] std::optional<std::uint8_t> virtualKeyOf(std::uint8_t keycode);
 
-} // namespace tessarel::x11
+} // namespace tessarel::xkb

@@ -1,4 +1,4 @@
-#include "platform/x11/input/keycode_table.h"
+#include "platform/xkb/keycode_table.h"
 
 #include <gtest/gtest.h>
 
@@ -6,7 +6,7 @@
 #include <initializer_list>
 #include <set>
 
-namespace tessarel::x11 {
+namespace tessarel::xkb {
 namespace {
 
 /// Converts an evdev key code of the kernel to an X keycode.
@@ -58,4 +58,4 @@ TEST(KeyCodesTest, UnmappedCodesGiveNoKey) {
 }
 
 } // namespace
-} // namespace tessarel::x11
+} // namespace tessarel::xkb

@@ -1,0 +1,18 @@
+# tessarel_wayland_protocol(<target> <file.xml>): adds a client of a Wayland protocol to a target. The header
+# is <name of the file>-client.h.
+find_program(WAYLAND_SCANNER wayland-scanner REQUIRED)
+
+function(tessarel_wayland_protocol target description)
+    get_filename_component(name ${description} NAME_WE)
+    set(header ${CMAKE_CURRENT_BINARY_DIR}/${name}-client.h)
+    set(code ${CMAKE_CURRENT_BINARY_DIR}/${name}-client.cpp)
+    add_custom_command(OUTPUT ${header} ${code}
+        COMMAND ${WAYLAND_SCANNER} client-header ${description} ${header}
+        COMMAND ${WAYLAND_SCANNER} private-code ${description} ${code}
+        DEPENDS ${description} VERBATIM)
+    # The code is C that is also C++, once the header has declared its constants.
+    set_source_files_properties(${code} PROPERTIES
+        COMPILE_OPTIONS "-include;${header};-w" OBJECT_DEPENDS ${header} SKIP_UNITY_BUILD_INCLUSION ON)
+    target_sources(${target} PRIVATE ${code} ${header})
+    target_include_directories(${target} SYSTEM PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
+endfunction()

@@ -1,0 +1,147 @@
+#include "platform/plasma/bridge.h"
+
+#include "model/json.h"
+#include "platform/plasma/bridge_script.h"
+#include "platform/plasma/reports.h"
+
+#include <algorithm>
+#include <fstream>
+#include <optional>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace tessarel::plasma {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr const char* kCompositor = "org.kde.KWin";
+constexpr const char* kScriptName = "tessarel";
+constexpr const char* kBridgePath = "/org/tessarel/Bridge";
+
+/// After 25 s without a reply the script's call fails, and KWin does not tell the script.
+constexpr std::chrono::seconds kRenewal{20};
+
+wayland::BusCall scripting(std::string member, std::string signature = {},
+                           std::vector<wayland::BusValue> values = {}) {
+    return {kCompositor,       "/Scripting",         "org.kde.kwin.Scripting",
+            std::move(member), std::move(signature), std::move(values)};
+}
+
+} // namespace
+
+Bridge::Bridge(wayland::BusLink& link, wayland::Mirror& mirror, MainQueuePort& queue,
+               std::filesystem::path folder)
+    : m_link(link), m_mirror(mirror), m_queue(queue), m_folder(std::move(folder)),
+      m_calls(link.serve(
+          kBridgePath, [this](const wayland::BusMessage& message) { handle(message); },
+          wayland::BusLink::Delivery::Urgent)),
+      m_dispatched(link.onDispatched([this] { m_mirror.deliver(); })) {}
+
+Bridge::~Bridge() {
+    if (m_compositorName.empty())
+        return;
+    m_link.call(scripting("unloadScript", "s", {kScriptName}));
+    std::error_code ignored;
+    std::filesystem::remove(file(), ignored);
+}
+
+void Bridge::load(milliseconds patience) {
+    using Delivery = wayland::BusLink::Delivery;
+    m_isAccepted = writeScript();
+    if (!m_isAccepted)
+        return;
+    m_link.call(
+        {"org.freedesktop.DBus",
+         "/org/freedesktop/DBus",
+         "org.freedesktop.DBus",
+         "GetNameOwner",
+         "s",
+         {kCompositor}},
+        [this](const wayland::BusMessage& reply) { m_compositorName = reply.value<std::string>(0); },
+        Delivery::Urgent);
+    m_link.call(scripting("unloadScript", "s", {kScriptName}));
+    m_link.call(
+        scripting("loadScript", "ss", {file().string(), kScriptName}),
+        [this](const wayland::BusMessage& reply) {
+            m_isAccepted = reply.error.empty() && reply.value<std::int64_t>(0) >= 0;
+        },
+        Delivery::Urgent);
+    m_link.call(scripting("start"));
+    m_link.waitUntil([this] { return m_mirror.isReady() || !m_isAccepted || m_link.isLost(); }, patience);
+}
+
+std::filesystem::path Bridge::file() const {
+    return m_folder / "tessarel-bridge.js";
+}
+
+/// Writes the script with the name of this connection, so that it can only call this copy of the program.
+bool Bridge::writeScript() const {
+    std::string text = kBridgeScript;
+    const std::string placeholder = "@SERVICE@";
+    text.replace(text.find(placeholder), placeholder.size(), m_link.uniqueName());
+    std::ofstream out(file(), std::ios::binary | std::ios::trunc);
+    out << text;
+    return static_cast<bool>(out.flush());
+}
+
+void Bridge::handle(const wayland::BusMessage& message) {
+    if (message.sender != m_compositorName)
+        return;
+    if (message.member == "report")
+        handleReport(message.value<std::string>(0));
+    else if (message.member == "next")
+        keepForCommands(message.token);
+}
+
+void Bridge::handleReport(const std::string& text) {
+    const auto report = readJson(text);
+    if (!report)
+        return;
+    const auto settled = applyReport(*report, m_mirror);
+    const auto placed = settled ? m_underWay.find(settled->window) : m_underWay.end();
+    if (placed != m_underWay.end() && placed->second.serial == settled->serial)
+        m_underWay.erase(placed);
+}
+
+/// Keeps the script's call until there are commands, but not until it would time out.
+void Bridge::keepForCommands(std::uint64_t token) {
+    m_waitingCall = token;
+    if (!m_unsent.empty())
+        return sendCommands(std::exchange(m_unsent, {}));
+    m_renewal = m_queue.asyncAfter(kRenewal, [this] { sendCommands({}); });
+}
+
+void Bridge::sendCommands(const std::string& commands) {
+    m_renewal.reset();
+    m_link.answer(std::exchange(m_waitingCall, 0), commands.empty() ? "" : "[" + commands + "]");
+}
+
+void Bridge::place(wayland::WindowId window, const Rect& frame) {
+    const wayland::WindowState* const state = m_mirror.find(window);
+    if (state == nullptr)
+        return;
+    const std::uint64_t serial = ++m_lastSerial;
+    const auto command = writeJson(Json{
+        {"serial", serial}, {"name", state->name}, {"frame", {frame.x, frame.y, frame.width, frame.height}}});
+    if (!command)
+        return;
+    m_underWay[window] = {serial, m_queue.now()};
+    m_unsent += (m_unsent.empty() ? "" : ",") + *command;
+    if (m_waitingCall != 0)
+        sendCommands(std::exchange(m_unsent, {}));
+}
+
+bool Bridge::waitUntilSettled(wayland::WindowId window, milliseconds patience) {
+    const auto isSettled = [this, window] {
+        return !m_underWay.contains(window) || m_mirror.find(window) == nullptr || m_link.isLost();
+    };
+    if (isSettled())
+        return true;
+    const auto waited = std::chrono::duration_cast<milliseconds>(m_queue.now() - m_underWay[window].since);
+    return m_link.waitUntil(isSettled, std::max(patience - waited, milliseconds::zero()));
+}
+
+} // namespace tessarel::plasma

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "model/subscription.h"
+#include "platform/wayland/bus_link.h"
+#include "platform/wayland/compositor.h"
+#include "platform/wayland/mirror.h"
+#include "ports/deferred_work.h"
+#include "ports/main_queue_port.h"
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <map>
+#include <string>
+
+namespace tessarel::plasma {
+
+/// The connection to KWin: a script that KWin runs for this program. It fills the mirror and places windows.
+class Bridge : public wayland::Compositor {
+public:
+    /// The script is written to `folder`. All referenced objects must outlive this one.
+    Bridge(wayland::BusLink& link, wayland::Mirror& mirror, MainQueuePort& queue,
+           std::filesystem::path folder);
+    Bridge(const Bridge&) = delete;
+    Bridge& operator=(const Bridge&) = delete;
+    /// Unloads the script.
+    ~Bridge() override;
+
+    /// Loads the script, in place of the one that an earlier run has left behind. Waits until it has reported
+    /// all windows, at most for `patience`. Call it once the bus has accepted the link.
+    void load(std::chrono::milliseconds patience);
+    /// Returns whether KWin has accepted the script, or has not replied yet.
+    [[nodiscard]] bool isAccepted() const { return m_isAccepted; }
+
+    void place(wayland::WindowId window, const Rect& frame) override;
+    bool waitUntilSettled(wayland::WindowId window, std::chrono::milliseconds patience) override;
+
+private:
+    /// A request that the script has not answered.
+    struct UnderWay {
+        std::uint64_t serial = 0;
+        MainQueuePort::TimePoint since;
+    };
+
+    [[nodiscard]] std::filesystem::path file() const;
+    [[nodiscard]] bool writeScript() const;
+    void handle(const wayland::BusMessage& message);
+    void handleReport(const std::string& text);
+    void keepForCommands(std::uint64_t token);
+    void sendCommands(const std::string& commands);
+
+    wayland::BusLink& m_link;
+    wayland::Mirror& m_mirror;
+    MainQueuePort& m_queue;
+    std::filesystem::path m_folder;
+    std::string m_compositorName; ///< unique bus name of KWin; only its calls are accepted
+    bool m_isAccepted = true;
+    std::uint64_t m_waitingCall = 0; ///< token of the script's call of "next"; 0 if there is none
+    std::string m_unsent;            ///< commands that wait for that call, without the brackets of the list
+    std::uint64_t m_lastSerial = 0;
+    std::map<wayland::WindowId, UnderWay> m_underWay;
+    SubscriptionPtr m_calls;
+    SubscriptionPtr m_dispatched;
+    SubscriptionPtr m_renewal;
+};
+
+} // namespace tessarel::plasma

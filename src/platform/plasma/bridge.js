@@ -1,0 +1,232 @@
+// Runs inside KWin. Reports windows, displays and moves to the program, and places windows for it.
+//
+// The program cannot call a script. So the script calls the program's "next", which the program answers once
+// it has commands. Plasma 5 and 6 have different names for the same things; the script asks which exist.
+"use strict";
+
+const service = "@SERVICE@";
+const path = "/org/tessarel/Bridge";
+const programInterface = "org.tessarel.Bridge";
+
+const isPlasma6 = workspace.windowList !== undefined;
+
+const known = new Map(); // window identifier -> window
+const placing = new Map(); // window identifier -> the placement that has not settled
+
+function report(event) {
+    callDBus(service, path, programInterface, "report", JSON.stringify(event));
+}
+
+function rect(r) {
+    return [r.x, r.y, r.width, r.height];
+}
+
+function identifier(window) {
+    return String(window.internalId);
+}
+
+function allWindows() {
+    if (isPlasma6)
+        return Array.from(workspace.stackingOrder);
+    return Array.from(workspace.clientList()).sort((a, b) => a.stackingOrder - b.stackingOrder);
+}
+
+function activeWindow() {
+    return isPlasma6 ? workspace.activeWindow : workspace.activeClient;
+}
+
+function isOnCurrentDesktop(window) {
+    if (window.onAllDesktops)
+        return true;
+    if (isPlasma6)
+        return Array.from(window.desktops).indexOf(workspace.currentDesktop) >= 0;
+    return window.desktop === workspace.currentDesktop;
+}
+
+function kind(window) {
+    // Panels and overlays of the layer-shell protocol look like normal windows that cannot be moved.
+    if (window.specialWindow || (!window.moveable && !window.fullScreen))
+        return "other";
+    if (window.dialog)
+        return "dialog";
+    return window.normalWindow ? "standard" : "floating";
+}
+
+function describe(window) {
+    return {
+        name: identifier(window),
+        pid: window.pid,
+        application: String(window.desktopFileName),
+        class: String(window.resourceClass),
+        frame: rect(window.frameGeometry),
+        kind: kind(window),
+        minimized: window.minimized,
+        fullScreen: window.fullScreen,
+        onCurrentDesktop: isOnCurrentDesktop(window),
+        opacity: window.opacity
+    };
+}
+
+function displays() {
+    const all = [];
+    const add = (screen) => all.push({
+        frame: rect(workspace.clientArea(KWin.ScreenArea, screen, workspace.currentDesktop)),
+        usable: rect(workspace.clientArea(KWin.MaximizeArea, screen, workspace.currentDesktop))
+    });
+    if (isPlasma6)
+        Array.from(workspace.screens).forEach(add);
+    else
+        for (let screen = 0; screen < workspace.numScreens; ++screen)
+            add(screen);
+    return all;
+}
+
+function reportDisplays() {
+    report({ event: "displays", displays: displays() });
+}
+
+function reportOrder() {
+    report({ event: "order", names: allWindows().map(identifier) });
+}
+
+function reportEverything() {
+    const active = activeWindow();
+    report({
+        event: "everything",
+        windows: allWindows().map(describe),
+        active: active ? identifier(active) : "",
+        displays: displays()
+    });
+}
+
+function isMovedByUser(window) {
+    return window.move || window.resize;
+}
+
+function reportMove(event, window, frame) {
+    const pointer = workspace.cursorPos;
+    report({ event: event, name: identifier(window), move: window.move, frame: rect(frame),
+             pointer: [pointer.x, pointer.y] });
+}
+
+// Reports a change of anything but the frame, after the script's turn: KWin may be in the middle of it.
+function reportWindow(window) {
+    if (known.has(identifier(window)))
+        report({ event: "window", window: describe(window) });
+}
+
+// The compositor announces no change of the usable area. Only panels change it.
+function afterPanelChange(window) {
+    if (kind(window) === "other")
+        reportDisplays();
+}
+
+function settle(name, window) {
+    const placement = placing.get(name);
+    placing.delete(name);
+    report({ event: "placed", name: name, serial: placement.serial, frame: rect(window.frameGeometry) });
+}
+
+// A window that has its wanted position has also taken its size, or refused it: both come at once.
+function hasSettled(window, wanted) {
+    return window.frameGeometry.x === wanted[0] && window.frameGeometry.y === wanted[1];
+}
+
+function isThere(window, wanted) {
+    const frame = window.frameGeometry;
+    return hasSettled(window, wanted) && frame.width === wanted[2] && frame.height === wanted[3];
+}
+
+function frameChanged(window) {
+    const name = identifier(window);
+    const placement = placing.get(name);
+    if (placement && placement.isSent && hasSettled(window, placement.frame))
+        settle(name, window);
+    else if (!isMovedByUser(window))
+        report({ event: "frame", name: name, frame: rect(window.frameGeometry) });
+    afterPanelChange(window);
+}
+
+function place(command) {
+    const window = known.get(command.name);
+    if (!window)
+        return;
+    const frame = command.frame;
+    if (window.setMaximize)
+        window.setMaximize(false, false);
+    if (window.tile)
+        window.tile = null; // otherwise KWin puts it back when the usable area changes
+    placing.set(command.name, { serial: command.serial, frame: frame, isSent: false });
+    window.frameGeometry = { x: frame[0], y: frame[1], width: frame[2], height: frame[3] };
+    placing.get(command.name).isSent = true;
+    // No signal follows when nothing has to change, or when the compositor has moved the window at once.
+    if (isThere(window, frame))
+        settle(command.name, window);
+}
+
+function watch(window) {
+    known.set(identifier(window), window);
+    const started = (w) => reportMove("moveStarted", window, window.frameGeometry);
+    const stepped = () => reportMove("moveStepped", window, window.frameGeometry);
+    const finished = () => reportMove("moveFinished", window, window.frameGeometry);
+    if (window.interactiveMoveResizeStarted) {
+        window.interactiveMoveResizeStarted.connect(started);
+        window.interactiveMoveResizeStepped.connect(stepped);
+        window.interactiveMoveResizeFinished.connect(finished);
+    } else {
+        window.clientStartUserMovedResized.connect(started);
+        window.clientStepUserMovedResized.connect(stepped);
+        window.clientFinishUserMovedResized.connect(finished);
+    }
+    window.frameGeometryChanged.connect(() => frameChanged(window));
+    const changed = () => reportWindow(window);
+    for (const signal of ["minimizedChanged", "fullScreenChanged", "desktopChanged", "desktopsChanged",
+                          "opacityChanged", "desktopFileNameChanged", "windowClassChanged"])
+        if (window[signal])
+            window[signal].connect(changed);
+}
+
+function added(window) {
+    watch(window);
+    reportWindow(window);
+    reportOrder();
+    afterPanelChange(window);
+}
+
+function removed(window) {
+    known.delete(identifier(window));
+    placing.delete(identifier(window));
+    report({ event: "removed", name: identifier(window) });
+    afterPanelChange(window);
+}
+
+function activated(window) {
+    // For a new window KWin says so before it says that there is one.
+    if (window && !known.has(identifier(window)))
+        added(window);
+    report({ event: "active", name: window ? identifier(window) : "" });
+    reportOrder();
+}
+
+function next() {
+    callDBus(service, path, programInterface, "next", (text) => {
+        if (text !== "")
+            JSON.parse(text).forEach(place);
+        next();
+    });
+}
+
+(workspace.windowAdded || workspace.clientAdded).connect((window) => {
+    if (!known.has(identifier(window)))
+        added(window);
+});
+(workspace.windowRemoved || workspace.clientRemoved).connect(removed);
+(workspace.windowActivated || workspace.clientActivated).connect(activated);
+for (const signal of ["screensChanged", "numberScreensChanged", "virtualScreenGeometryChanged"])
+    if (workspace[signal])
+        workspace[signal].connect(reportDisplays);
+workspace.currentDesktopChanged.connect(reportEverything);
+
+allWindows().forEach(watch);
+reportEverything();
+next();

@@ -1,0 +1,154 @@
+#include "platform/plasma/global_shortcuts.h"
+
+#include "model/action_id.h"
+#include "model/call_on_end.h"
+#include "model/config.h"
+#include "platform/plasma/shortcut_keys.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace tessarel::plasma {
+
+namespace {
+
+constexpr const char* kService = "org.kde.kglobalaccel";
+constexpr const char* kComponent = "tessarel";
+
+/// Sets exactly the given keys, whatever the desktop remembers of an earlier run.
+constexpr std::int64_t kSetPresent = 0x2;
+constexpr std::int64_t kNoAutoloading = 0x4;
+
+/// Returns the name of the shortcut, by which the desktop knows it.
+std::string nameOf(std::uint32_t id) {
+    return id < ActionID::allCases.size() ? std::string(ActionID::allCases[id].rawValue())
+                                          : "hotkey" + std::to_string(id);
+}
+
+/// Returns what identifies a shortcut: the names of program and shortcut, and their texts for the user.
+std::vector<std::string> identityOf(std::uint32_t id) {
+    const std::string name = nameOf(id);
+    const std::string title =
+        id < ActionID::allCases.size() ? std::string(ActionID::allCases[id].title()) : name;
+    return {kComponent, name, std::string(Config::appName), title};
+}
+
+wayland::BusCall call(std::string member, std::string signature, std::vector<wayland::BusValue> values) {
+    return {kService,          "/kglobalaccel",      "org.kde.KGlobalAccel",
+            std::move(member), std::move(signature), std::move(values)};
+}
+
+} // namespace
+
+GlobalShortcuts::GlobalShortcuts(wayland::BusLink& link)
+    : m_link(link), m_signals(link.onSignal({.sender = kService,
+                                             .path = std::string("/component/") + kComponent,
+                                             .interface = "org.kde.kglobalaccel.Component",
+                                             .member = {}},
+                                            [this](const wayland::BusMessage& signal) { handle(signal); })) {}
+
+GlobalShortcuts::~GlobalShortcuts() {
+    while (!m_shortcuts.empty())
+        release(m_shortcuts.front().serial);
+}
+
+SubscriptionPtr GlobalShortcuts::installHandler(std::function<void(std::uint32_t id)> pressed) {
+    return m_handlers.connect(std::move(pressed));
+}
+
+std::vector<SubscriptionPtr> GlobalShortcuts::registerHotKeys(std::span<const HotKeyRequest> requests) {
+    std::vector<SubscriptionPtr> claims;
+    claims.reserve(requests.size());
+    for (const HotKeyRequest& request : requests)
+        claims.push_back(claim(request));
+    return claims;
+}
+
+/// Returns null if there is no such key, or if it has been claimed already.
+SubscriptionPtr GlobalShortcuts::claim(const HotKeyRequest& request) {
+    const auto key = shortcutKey(m_keymap, m_layout, request.keyCode, request.mods);
+    const auto isSame = [&](const Shortcut& shortcut) {
+        return shortcut.request.keyCode == request.keyCode && shortcut.request.mods == request.mods;
+    };
+    if (!key || std::any_of(m_shortcuts.begin(), m_shortcuts.end(), isSame))
+        return nullptr;
+    const std::size_t serial = m_nextSerial++;
+    m_shortcuts.push_back({.serial = serial, .request = request, .key = *key});
+    m_link.call(call("doRegister", "as", {identityOf(request.hotKey.id)}));
+    send(m_shortcuts.back());
+    return callOnEnd([this, serial, alive = m_lifetime.watch()] {
+        if (!alive.expired())
+            release(serial);
+    });
+}
+
+void GlobalShortcuts::send(const Shortcut& shortcut) {
+    m_link.call(call("setShortcut", "asaiu",
+                     {identityOf(shortcut.request.hotKey.id), std::vector<std::int64_t>{shortcut.key},
+                      kSetPresent | kNoAutoloading}),
+                [this, serial = shortcut.serial, key = std::int64_t{shortcut.key},
+                 alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
+                    if (alive.expired())
+                        return;
+                    const auto granted = reply.value<std::vector<std::int64_t>>(0);
+                    setTaken(serial, std::find(granted.begin(), granted.end(), key) == granted.end());
+                });
+}
+
+GlobalShortcuts::Shortcut* GlobalShortcuts::withSerial(std::size_t serial) {
+    const auto found = std::find_if(m_shortcuts.begin(), m_shortcuts.end(),
+                                    [serial](const Shortcut& shortcut) { return shortcut.serial == serial; });
+    return found == m_shortcuts.end() ? nullptr : &*found;
+}
+
+void GlobalShortcuts::setTaken(std::size_t serial, bool isTaken) {
+    Shortcut* const shortcut = withSerial(serial);
+    if (shortcut != nullptr && std::exchange(shortcut->isTaken, isTaken) != isTaken)
+        m_takenChange.send();
+}
+
+void GlobalShortcuts::release(std::size_t serial) {
+    const Shortcut* const shortcut = withSerial(serial);
+    if (shortcut == nullptr)
+        return;
+    m_link.call(call("unregister", "ss", {kComponent, nameOf(shortcut->request.hotKey.id)}));
+    std::erase_if(m_shortcuts, [serial](const Shortcut& one) { return one.serial == serial; });
+}
+
+std::vector<std::uint32_t> GlobalShortcuts::taken() const {
+    std::vector<std::uint32_t> ids;
+    for (const Shortcut& shortcut : m_shortcuts) {
+        if (shortcut.isTaken)
+            ids.push_back(shortcut.request.hotKey.id);
+    }
+    return ids;
+}
+
+void GlobalShortcuts::retryTaken() {
+    for (const Shortcut& shortcut : m_shortcuts) {
+        if (shortcut.isTaken)
+            send(shortcut);
+    }
+}
+
+SubscriptionPtr GlobalShortcuts::onTakenChange(std::function<void()> changed) {
+    return m_takenChange.connect(std::move(changed));
+}
+
+void GlobalShortcuts::handle(const wayland::BusMessage& signal) {
+    const bool isPress = signal.member == "globalShortcutPressed";
+    if (!isPress && signal.member != "globalShortcutReleased")
+        return;
+    const auto name = signal.value<std::string>(1);
+    const auto shortcut =
+        std::find_if(m_shortcuts.begin(), m_shortcuts.end(), [&name](const Shortcut& candidate) {
+            return nameOf(candidate.request.hotKey.id) == name;
+        });
+    if (shortcut == m_shortcuts.end())
+        return;
+    const bool wasHeld = std::exchange(shortcut->isHeld, isPress);
+    if (isPress && !wasHeld)
+        m_handlers.send(shortcut->request.hotKey.id);
+}
+
+} // namespace tessarel::plasma

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "model/lifetime.h"
+#include "model/signal.h"
+#include "model/subscription.h"
+#include "platform/wayland/bus_link.h"
+#include "platform/xkb/keymap.h"
+#include "ports/hot_key_port.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <list>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace tessarel::plasma {
+
+/// Hot keys as global shortcuts of Plasma (KGlobalAccel).
+///
+/// Requests are sent without waiting for replies, so a combination counts as granted until Plasma has refused
+/// it. The desktop lists the shortcuts under the program's name in its settings while the program runs.
+///
+/// A key that is held down fires once, however long it repeats.
+class GlobalShortcuts : public HotKeyPort {
+public:
+    /// `link` must outlive this object.
+    explicit GlobalShortcuts(wayland::BusLink& link);
+    GlobalShortcuts(const GlobalShortcuts&) = delete;
+    GlobalShortcuts& operator=(const GlobalShortcuts&) = delete;
+    /// Gives all combinations back. Claims may outlive this object and then do nothing.
+    ~GlobalShortcuts() override;
+
+    [[nodiscard]] SubscriptionPtr installHandler(std::function<void(std::uint32_t id)> pressed) override;
+    [[nodiscard]] std::vector<SubscriptionPtr>
+    registerHotKeys(std::span<const HotKeyRequest> requests) override;
+    [[nodiscard]] std::vector<std::uint32_t> taken() const override;
+    void retryTaken() override;
+    [[nodiscard]] SubscriptionPtr onTakenChange(std::function<void()> changed) override;
+
+private:
+    /// A registered combination.
+    struct Shortcut {
+        std::size_t serial = 0; ///< identifies the shortcut to its claim; never reused
+        HotKeyRequest request;
+        std::int32_t key = 0; ///< see `shortcutKey`
+        bool isTaken = false;
+        bool isHeld = false; ///< it has been pressed and not been released
+    };
+
+    [[nodiscard]] SubscriptionPtr claim(const HotKeyRequest& request);
+    [[nodiscard]] Shortcut* withSerial(std::size_t serial);
+    void send(const Shortcut& shortcut);
+    void setTaken(std::size_t serial, bool isTaken);
+    void release(std::size_t serial);
+    void handle(const wayland::BusMessage& signal);
+
+    wayland::BusLink& m_link;
+    xkb::Keymap m_keymap = xkb::Keymap::ofEnvironment();
+    std::uint32_t m_layout = 0;
+    std::list<Shortcut> m_shortcuts;
+    std::size_t m_nextSerial = 0;
+    Signal<std::uint32_t> m_handlers;
+    Signal<> m_takenChange;
+    Lifetime m_lifetime; // watched by claims and replies
+    SubscriptionPtr m_signals;
+};
+
+} // namespace tessarel::plasma

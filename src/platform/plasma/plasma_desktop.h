@@ -1,0 +1,61 @@
+#pragma once
+
+#include "model/config.h"
+#include "platform/plasma/bridge.h"
+#include "platform/plasma/global_shortcuts.h"
+#include "platform/plasma/single_instance.h"
+#include "platform/plasma/trust.h"
+#include "platform/plasma/words.h"
+#include "platform/wayland/accessibility.h"
+#include "platform/wayland/application_watch.h"
+#include "platform/wayland/applications.h"
+#include "platform/wayland/bus_link.h"
+#include "platform/wayland/desktop_ports.h"
+#include "platform/wayland/mirror.h"
+#include "platform/xdg/file_preferences.h"
+#include "platform/xdg/login_item.h"
+#include "ports/main_queue_port.h"
+
+#include <chrono>
+#include <filesystem>
+#include <utility>
+
+namespace tessarel::plasma {
+
+/// All ports of the back end for KDE Plasma on Wayland, on one connection to the session bus.
+///
+/// The members are in order of dependency: each refers only to members above it.
+struct PlasmaDesktop {
+    /// How long the launch waits until KWin has reported its windows.
+    static constexpr std::chrono::seconds kPatience{2};
+
+    /// All referenced objects must outlive the desktop. Files for KWin are written to `runtimeFolder`.
+    PlasmaDesktop(wayland::BusLink& link, MainQueuePort& queue, const std::filesystem::path& runtimeFolder,
+                  xdg::OnReadable onReadable, xdg::FilePreferences::Report report)
+        : bridge(link, mirror, queue, runtimeFolder), applications(mirror, queue),
+          watch(mirror, applications), accessibility(mirror, bridge, applications, watch, queue),
+          displays(mirror), hotKeys(link),
+          loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
+          preferences(xdg::FilePreferences::userFolder(), std::move(onReadable), std::move(report)),
+          singleInstance(link, [this] { bridge.load(kPatience); }), trust(bridge), windowList(mirror),
+          workspace(applications, watch) {}
+    PlasmaDesktop(const PlasmaDesktop&) = delete;
+    PlasmaDesktop& operator=(const PlasmaDesktop&) = delete;
+
+    wayland::Mirror mirror;
+    Bridge bridge;
+    wayland::Applications applications;
+    wayland::ApplicationWatch watch;
+    wayland::Accessibility accessibility;
+    wayland::Displays displays;
+    GlobalShortcuts hotKeys;
+    xdg::XdgLoginItem loginItem;
+    xdg::FilePreferences preferences;
+    SingleInstance singleInstance;
+    Trust trust;
+    wayland::WindowList windowList;
+    wayland::Workspace workspace;
+    PlatformWords words = plasma::words();
+};
+
+} // namespace tessarel::plasma

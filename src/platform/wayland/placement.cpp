@@ -1,0 +1,45 @@
+#include "platform/wayland/placement.h"
+
+#include <utility>
+
+namespace tessarel::wayland {
+
+void Placement::write(WindowId window, const FrameWish& wish) {
+    if (m_written != window)
+        send();
+    m_written = window;
+    if (wish.origin)
+        m_wish.origin = wish.origin;
+    if (wish.size)
+        m_wish.size = wish.size;
+    if (!m_nextLoop)
+        m_nextLoop = m_queue.async([this] { enterLoop(); });
+}
+
+void Placement::finish(WindowId window) {
+    if (m_written == window)
+        send();
+    if (!m_late.contains(window) && !m_compositor.waitUntilSettled(window, kPatience))
+        m_late.insert(window);
+}
+
+void Placement::send() {
+    const WindowId window = std::exchange(m_written, kNoWindow);
+    const FrameWish wish = std::exchange(m_wish, {});
+    const WindowState* const state = m_mirror.find(window);
+    if (state == nullptr)
+        return;
+    const Point origin = wish.origin.value_or(state->frame.origin());
+    const Size size = wish.size.value_or(state->frame.size());
+    if (!m_compositor.waitUntilSettled(window, kPatience))
+        m_late.insert(window);
+    m_compositor.place(window, {origin.x, origin.y, size.width, size.height});
+}
+
+void Placement::enterLoop() {
+    m_nextLoop.reset();
+    send();
+    m_late.clear();
+}
+
+} // namespace tessarel::wayland

@@ -1,0 +1,160 @@
+#include "support/plasma/plasma_session.h"
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <memory>
+#include <stdexcept>
+#include <thread>
+
+namespace tessarel::plasmatest {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr const char* kSocket = "wayland-0";
+
+x11test::Environment environmentIn(const std::filesystem::path& folder) {
+    for (const char* const name : {"home", "config", "data", "cache", "run"})
+        std::filesystem::create_directories(folder / name);
+    std::filesystem::permissions(folder / "run", std::filesystem::perms::owner_all);
+    const auto path = [&](const char* name) { return (folder / name).string(); };
+    return {{"PATH", "/usr/bin:/bin"},
+            {"HOME", path("home")},
+            {"XDG_CONFIG_HOME", path("config")},
+            {"XDG_DATA_HOME", path("data")},
+            {"XDG_CACHE_HOME", path("cache")},
+            {"XDG_RUNTIME_DIR", path("run")},
+            {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + path("run") + "/bus"},
+            {"XDG_CURRENT_DESKTOP", "KDE"},
+            {"XDG_SESSION_TYPE", "wayland"},
+            {"LANG", "C.UTF-8"}};
+}
+
+/// Calls `holds` until it returns true. Returns false if it does not before the deadline.
+bool waitUntil(const std::function<bool()>& holds) {
+    const x11test::Deadline deadline;
+    while (!holds()) {
+        if (deadline.passed())
+            return false;
+        std::this_thread::sleep_for(5ms);
+    }
+    return true;
+}
+
+} // namespace
+
+PlasmaSession::PlasmaSession() : m_environment(environmentIn(m_folder.path())) {
+    m_bus.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
+                                           "--print-address",
+                                           "--address=" + m_environment.at("DBUS_SESSION_BUS_ADDRESS")},
+                  m_environment);
+    (void)m_bus->readLine();
+
+    // A copy does not have the capabilities of the file, which a container may not grant.
+    const auto program = m_folder.path() / "kwin_wayland";
+    std::filesystem::copy_file("/usr/bin/kwin_wayland", program);
+    auto environment = m_environment;
+    environment["KWIN_COMPOSE"] = "Q"; // without OpenGL
+    environment["KWIN_WAYLAND_NO_PERMISSION_CHECKS"] = "1";
+    environment["KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"] = "1";
+    m_compositor.emplace(std::vector<std::string>{program.string(), "--virtual", "--width", "1600",
+                                                  "--height", "900", "--output-count", "2", "--no-lockscreen",
+                                                  "--socket", kSocket},
+                         environment);
+    m_environment["WAYLAND_DISPLAY"] = kSocket;
+    m_environment["QT_QPA_PLATFORM"] = "wayland";
+    m_environment["GDK_BACKEND"] = "wayland";
+
+    const std::string socket = m_environment.at("XDG_RUNTIME_DIR") + "/" + kSocket;
+    if (!waitUntil([&] {
+            return std::filesystem::exists(socket) && replies("org.kde.kglobalaccel", "/kglobalaccel") &&
+                   replies("org.kde.KWin", "/Scripting");
+        }))
+        throw std::runtime_error("KWin does not start: " + m_compositor->errors());
+    try {
+        m_probe.emplace(m_environment.at("DBUS_SESSION_BUS_ADDRESS"), m_folder.path());
+    } catch (const std::exception& problem) {
+        throw std::runtime_error(problem.what() + std::string(": ") + m_compositor->errors());
+    }
+    m_input.emplace(socket);
+}
+
+PlasmaSession::~PlasmaSession() {
+    m_program.reset();
+    m_clients.clear();
+    m_input.reset();
+}
+
+/// Returns whether an object on the bus exists and has replied.
+bool PlasmaSession::replies(const std::string& busName, const std::string& path) {
+    wayland::BusLink link(m_environment.at("DBUS_SESSION_BUS_ADDRESS"));
+    const auto reply = std::make_shared<std::optional<bool>>();
+    link.call(
+        {busName, path, "org.freedesktop.DBus.Introspectable", "Introspect"},
+        [reply](const wayland::BusMessage& message) { *reply = message.error.empty(); },
+        wayland::BusLink::Delivery::Urgent);
+    link.waitUntil([&] { return reply->has_value() || link.isLost(); }, x11test::kPatience);
+    return reply->value_or(false);
+}
+
+void PlasmaSession::writeSettings(std::string_view document) {
+    const auto folder = std::filesystem::path(m_environment.at("XDG_CONFIG_HOME")) / "tessarel";
+    std::filesystem::create_directories(folder);
+    ScratchFolder::write(folder / "tessarel.settings.v1.json", document);
+}
+
+std::vector<std::string> PlasmaSession::shortcuts() {
+    const auto reply = std::make_shared<std::optional<std::vector<std::string>>>();
+    m_probe->link().call(
+        {"org.kde.kglobalaccel", "/component/tessarel", "org.kde.kglobalaccel.Component", "shortcutNames"},
+        [reply](const wayland::BusMessage& message) { *reply = message.value<std::vector<std::string>>(0); },
+        wayland::BusLink::Delivery::Urgent);
+    (void)m_probe->waitUntil([&] { return reply->has_value(); });
+    return reply->value_or(std::vector<std::string>());
+}
+
+bool PlasmaSession::startProgram() {
+    m_program.emplace(std::vector<std::string>{TESSAREL_PROGRAM}, m_environment);
+    const std::string last = "arrangeAll"; // the hot key that the program registers last
+    return waitUntil([&] {
+        const auto names = shortcuts();
+        return std::find(names.begin(), names.end(), last) != names.end();
+    });
+}
+
+std::optional<int> PlasmaSession::endProgram() {
+    m_program->signal(SIGTERM);
+    return m_program->waitForExit();
+}
+
+const SeenWindow* PlasmaSession::find(const std::string& windowClass) {
+    const auto& windows = m_probe->windows();
+    const auto found = std::find_if(windows.begin(), windows.end(), [&](const SeenWindow& window) {
+        return window.windowClass == windowClass;
+    });
+    return found == windows.end() ? nullptr : &*found;
+}
+
+void PlasmaSession::open(const std::vector<std::string>& command, const std::string& windowClass) {
+    m_clients.push_back(std::make_unique<x11test::ChildProcess>(command, m_environment));
+    const bool isOpen = m_probe->waitUntil([&] {
+        const SeenWindow* const window = find(windowClass);
+        return window != nullptr && window->isActive && window->frame.width > 0;
+    });
+    if (!isOpen)
+        throw std::runtime_error(command.front() + " opens no window: " + m_clients.back()->errors());
+}
+
+std::optional<Rect> PlasmaSession::frame(const std::string& windowClass) {
+    const SeenWindow* const window = find(windowClass);
+    return window == nullptr ? std::nullopt : std::optional(window->frame);
+}
+
+Rect PlasmaSession::settledFrame(const std::string& windowClass, const Rect& expected) {
+    (void)m_probe->waitUntil([&] { return frame(windowClass) == expected; });
+    return frame(windowClass).value_or(Rect::null());
+}
+
+} // namespace tessarel::plasmatest

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "ports/rect.h"
+#include "support/plasma/fake_input.h"
+#include "support/plasma/probe.h"
+#include "support/scratch_folder.h"
+#include "support/x11/child_process.h"
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tessarel::plasmatest {
+
+/// A private session of KDE Plasma on Wayland: a session bus and KWin without a screen, with two displays of
+/// 1600 x 900 side by side, in a home and a runtime folder of its own. There is no desktop shell and no X
+/// server.
+class PlasmaSession {
+public:
+    static constexpr Rect kFirst{0, 0, 1600, 900};
+    static constexpr Rect kSecond{1600, 0, 1600, 900};
+
+    /// Throws std::runtime_error if the session does not start.
+    PlasmaSession();
+    PlasmaSession(const PlasmaSession&) = delete;
+    PlasmaSession& operator=(const PlasmaSession&) = delete;
+    ~PlasmaSession();
+
+    [[nodiscard]] const x11test::Environment& environment() const { return m_environment; }
+    [[nodiscard]] FakeInput& input() { return *m_input; }
+    [[nodiscard]] Probe& probe() { return *m_probe; }
+
+    /// Writes the settings of the program under test.
+    void writeSettings(std::string_view document);
+    /// Starts the program under test and waits until it has registered its hot keys. Returns false if it does
+    /// not.
+    [[nodiscard]] bool startProgram();
+    /// Ends the program with SIGTERM. Returns its exit code; empty if it does not exit.
+    [[nodiscard]] std::optional<int> endProgram();
+    [[nodiscard]] x11test::ChildProcess& program() { return *m_program; }
+    /// Returns the global shortcuts that are registered under the program's name.
+    [[nodiscard]] std::vector<std::string> shortcuts();
+
+    /// Starts another program and waits until its window is active. Throws std::runtime_error if it is not.
+    void open(const std::vector<std::string>& command, const std::string& windowClass);
+    /// Returns the frame of the window with this class; empty if there is none.
+    [[nodiscard]] std::optional<Rect> frame(const std::string& windowClass);
+    /// Waits until the window with this class has the frame `expected`. Returns the frame that it has then.
+    [[nodiscard]] Rect settledFrame(const std::string& windowClass, const Rect& expected);
+
+private:
+    [[nodiscard]] bool replies(const std::string& busName, const std::string& path);
+    [[nodiscard]] const SeenWindow* find(const std::string& windowClass);
+
+    ScratchFolder m_folder;
+    x11test::Environment m_environment;
+    std::optional<x11test::ChildProcess> m_bus;
+    std::optional<x11test::ChildProcess> m_compositor;
+    std::optional<Probe> m_probe;
+    std::optional<FakeInput> m_input;
+    std::vector<std::unique_ptr<x11test::ChildProcess>> m_clients;
+    std::optional<x11test::ChildProcess> m_program;
+};
+
+} // namespace tessarel::plasmatest

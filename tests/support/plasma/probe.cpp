@@ -1,0 +1,83 @@
+#include "support/plasma/probe.h"
+
+#include "model/json.h"
+#include "support/x11/deadline.h"
+
+#include <fstream>
+#include <stdexcept>
+
+namespace tessarel::plasmatest {
+
+namespace {
+
+constexpr const char* kScript = R"js(
+function report() {
+    const all = workspace.clientList().sort((a, b) => a.stackingOrder - b.stackingOrder);
+    callDBus("@NAME@", "/Probe", "org.tessarel.Probe", "windows", JSON.stringify(all.map((c) => ({
+        class: String(c.resourceClass), pid: c.pid, active: c.active, tiled: c.tile !== null,
+        frame: [c.frameGeometry.x, c.frameGeometry.y, c.frameGeometry.width, c.frameGeometry.height]
+    }))));
+}
+function watch(c) {
+    for (const signal of ["frameGeometryChanged", "activeChanged", "minimizedChanged", "fullScreenChanged",
+                          "stackingOrderChanged", "tileChanged"])
+        if (c[signal])
+            c[signal].connect(report);
+}
+workspace.clientAdded.connect((c) => { watch(c); report(); });
+workspace.clientRemoved.connect(report);
+workspace.clientActivated.connect(report);
+workspace.clientList().forEach(watch);
+report();
+)js";
+
+} // namespace
+
+Probe::Probe(const std::string& busAddress, const std::filesystem::path& folder)
+    : m_link(busAddress), m_folder(folder),
+      m_reports(m_link.serve(
+          "/Probe", [this](const wayland::BusMessage& message) { handle(message.value<std::string>(0)); },
+          wayland::BusLink::Delivery::Urgent)) {
+    std::string script = kScript;
+    const std::string placeholder = "@NAME@";
+    if (!waitUntil([this] { return !m_link.uniqueName().empty(); }))
+        throw std::runtime_error("the bus does not reply");
+    script.replace(script.find(placeholder), placeholder.size(), m_link.uniqueName());
+    load("probe", script);
+    if (!waitUntil([this] { return m_hasReport; }))
+        throw std::runtime_error("KWin does not run the script of the test");
+}
+
+bool Probe::waitUntil(const std::function<bool()>& holds) {
+    return m_link.waitUntil(holds, x11test::kPatience);
+}
+
+void Probe::run(const std::string& script) {
+    load("once" + std::to_string(++m_scripts), script);
+}
+
+void Probe::load(const std::string& name, const std::string& text) {
+    const std::filesystem::path file = m_folder / (name + ".js");
+    std::ofstream(file) << text;
+    m_link.call(
+        {"org.kde.KWin", "/Scripting", "org.kde.kwin.Scripting", "loadScript", "ss", {file.string(), name}});
+    m_link.call({"org.kde.KWin", "/Scripting", "org.kde.kwin.Scripting", "start"});
+}
+
+void Probe::handle(const std::string& report) {
+    const auto windows = readJson(report);
+    if (!windows)
+        return;
+    m_windows.clear();
+    for (const Json& window : *windows) {
+        const auto frame = window.at("frame").get<std::vector<double>>();
+        m_windows.push_back({.windowClass = window.at("class").get<std::string>(),
+                             .pid = window.at("pid").get<int>(),
+                             .frame = {frame.at(0), frame.at(1), frame.at(2), frame.at(3)},
+                             .isActive = window.at("active").get<bool>(),
+                             .isTiled = window.at("tiled").get<bool>()});
+    }
+    m_hasReport = true;
+}
+
+} // namespace tessarel::plasmatest

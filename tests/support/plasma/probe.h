@@ -1,0 +1,54 @@
+#pragma once
+
+#include "model/subscription.h"
+#include "platform/wayland/bus_link.h"
+#include "ports/rect.h"
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace tessarel::plasmatest {
+
+/// A window as KWin itself sees it.
+struct SeenWindow {
+    std::string windowClass;
+    int pid = 0;
+    Rect frame;
+    bool isActive = false;
+    bool isTiled = false;
+};
+
+/// A script of the test in KWin that reports all windows after every change, without the program under test.
+class Probe {
+public:
+    /// Waits until the first report has arrived. The script is written to `folder`. Throws std::runtime_error
+    /// if KWin does not run the script.
+    Probe(const std::string& busAddress, const std::filesystem::path& folder);
+    Probe(const Probe&) = delete;
+    Probe& operator=(const Probe&) = delete;
+    ~Probe() = default;
+
+    /// Returns the windows as last reported, back to front.
+    [[nodiscard]] const std::vector<SeenWindow>& windows() const { return m_windows; }
+    /// Waits for reports until `holds` returns true. Returns false if it does not.
+    bool waitUntil(const std::function<bool()>& holds);
+    /// Runs JavaScript once in KWin.
+    void run(const std::string& script);
+
+    [[nodiscard]] wayland::BusLink& link() { return m_link; }
+
+private:
+    void load(const std::string& name, const std::string& text);
+    void handle(const std::string& report);
+
+    wayland::BusLink m_link;
+    std::filesystem::path m_folder;
+    int m_scripts = 0;
+    bool m_hasReport = false;
+    std::vector<SeenWindow> m_windows;
+    SubscriptionPtr m_reports;
+};
+
+} // namespace tessarel::plasmatest
