@@ -3,12 +3,10 @@
 #include "app/app_delegate.h"
 #include "model/call_on_end.h"
 #include "model/key_names.h"
-#include "platform/plasma/no_mouse.h"
 #include "platform/plasma/plasma_desktop.h"
 #include "platform/plasma/session.h"
 #include "platform/posix/failed_writes.h"
 #include "platform/posix/termination_signals.h"
-#include "platform/qt/overlay/composed_overlay.h"
 #include "platform/qt/qt_alerts.h"
 #include "platform/qt/qt_main_queue.h"
 #include "platform/qt/qt_messages.h"
@@ -16,6 +14,7 @@
 #include "platform/qt/qt_open_url.h"
 #include "platform/qt/qt_own_application.h"
 #include "platform/qt/system_wall_clock.h"
+#include "platform/qt_wayland/layer_overlay.h"
 #include "platform/qt_web/process/qt_url_loading_process.h"
 #include "platform/qt_x11/qt_local_keys.h"
 #include "platform/qt_x11/tray/qt_status_item.h"
@@ -127,7 +126,6 @@ std::optional<int> runOnPlasma(const char* programName) {
     QtBeep alertSound;
     NoMainMenu mainMenu;
     FixedKeyNames keyNames;
-    plasma::NoMouse mouse;
     qt::QtLocalKeys localKeys(x11::keyDown, [](std::uint32_t) { return false; });
     const auto entryFolders = xdg::InstalledApplications::folders();
     qt::QtOpenPanel entryFiles(entryFolders, [&desktop](const std::filesystem::path& file) {
@@ -139,10 +137,9 @@ std::optional<int> runOnPlasma(const char* programName) {
          .running = [&desktop] { return desktop.applications.identifiersInUse(); }},
         entryFiles);
     qt::QtOwnApplication application;
-    qt::ComposedOverlay overlay(queue, {.place = [](const Rect& frame) { return frame; },
-                                        .prepare = [](QWidget&) {},
-                                        .orderFront = [](QWidget&) {},
-                                        .accent = [&appearance] { return appearance.accent(); }});
+    qt::LayerOverlay overlay(
+        queue, {.place = [&desktop](const Rect& screenFrame) { return desktop.compositorFrame(screenFrame); },
+                .accent = [&appearance] { return appearance.accent(); }});
     qt::QtStatusItem statusItem(queue, bus, [&appearance] { appearance.apply(); });
     qt::QtUrlLoadingProcess urlLoading;
     qt::SystemWallClock wallClock;
@@ -159,7 +156,7 @@ std::optional<int> runOnPlasma(const char* programName) {
                            .loginItem = desktop.loginItem,
                            .mainMenu = mainMenu,
                            .mainQueue = queue,
-                           .mouse = mouse,
+                           .mouse = desktop.mouse,
                            .openPanel = openPanel,
                            .openUrl = openUrl,
                            .overlay = overlay,

@@ -38,7 +38,7 @@ Bridge::Bridge(wayland::BusLink& link, wayland::Mirror& mirror, MainQueuePort& q
       m_calls(link.serve(
           kBridgePath, [this](const wayland::BusMessage& message) { handle(message); },
           wayland::BusLink::Delivery::Urgent)),
-      m_dispatched(link.onDispatched([this] { m_mirror.deliver(); })) {}
+      m_delivered(link.onDelivered([this] { m_mirror.deliver(); })) {}
 
 Bridge::~Bridge() {
     if (m_compositorName.empty())

@@ -60,7 +60,7 @@ private:
     std::uint64_t m_lastSerial = 0;
     std::map<wayland::WindowId, UnderWay> m_underWay;
     SubscriptionPtr m_calls;
-    SubscriptionPtr m_dispatched;
+    SubscriptionPtr m_delivered;
     SubscriptionPtr m_renewal;
 };
 

@@ -10,7 +10,9 @@
 #include "platform/wayland/application_watch.h"
 #include "platform/wayland/applications.h"
 #include "platform/wayland/bus_link.h"
+#include "platform/wayland/coordinates.h"
 #include "platform/wayland/desktop_ports.h"
+#include "platform/wayland/drag_mouse.h"
 #include "platform/wayland/mirror.h"
 #include "platform/xdg/file_preferences.h"
 #include "platform/xdg/login_item.h"
@@ -36,11 +38,17 @@ struct PlasmaDesktop {
           watch(mirror, applications), accessibility(mirror, bridge, applications, watch, queue),
           displays(mirror), hotKeys(link),
           loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
+          mouse(mirror, [] { return ModifierFlags{0}; }),
           preferences(xdg::FilePreferences::userFolder(), std::move(onReadable), std::move(report)),
           singleInstance(link, [this] { bridge.load(kPatience); }), trust(bridge), windowList(mirror),
           workspace(applications, watch) {}
     PlasmaDesktop(const PlasmaDesktop&) = delete;
     PlasmaDesktop& operator=(const PlasmaDesktop&) = delete;
+
+    /// Converts a rectangle from screen coordinates (y up) to the compositor's (y down).
+    [[nodiscard]] Rect compositorFrame(const Rect& screenFrame) const {
+        return wayland::compositorFromScreen(screenFrame, mirror.primary());
+    }
 
     wayland::Mirror mirror;
     Bridge bridge;
@@ -50,6 +58,7 @@ struct PlasmaDesktop {
     wayland::Displays displays;
     GlobalShortcuts hotKeys;
     xdg::XdgLoginItem loginItem;
+    wayland::DragMouse mouse;
     xdg::FilePreferences preferences;
     SingleInstance singleInstance;
     Trust trust;

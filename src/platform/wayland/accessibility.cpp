@@ -82,7 +82,8 @@ std::optional<Element> Accessibility::elementAtPosition(const Element& within, c
     const ProcessId wanted = nativeElement(within).pid;
     for (const WindowId id : m_mirror.frontToBack()) {
         const WindowState& window = *m_mirror.find(id);
-        if (!isOnScreen(window) || !window.frame.contains(*point))
+        const bool isOwnOverlay = isOwn(window.pid) && window.kind == WindowKind::Other;
+        if (!isOnScreen(window) || isOwnOverlay || !window.frame.contains(*point))
             continue;
         if (isOwn(window.pid) || window.kind == WindowKind::Other ||
             (wanted != kNoProcess && wanted != window.pid))

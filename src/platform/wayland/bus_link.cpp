@@ -305,21 +305,23 @@ void BusLink::noteStateOfLink(const BusMessage& message) {
 
 void BusLink::dispatch() {
     acknowledge(m_arrivedEvent);
-    // A handler may wait and set further messages aside.
-    const auto alive = m_lifetime.watch();
-    auto arrivals = std::exchange(m_deferred, {});
     for (Arrival& arrival : takeArrived())
-        arrivals.push_back(std::move(arrival));
-    for (const Arrival& arrival : arrivals) {
+        m_pending.push_back(std::move(arrival));
+    const auto alive = m_lifetime.watch();
+    m_delivered.send(); // for what was handled during a wait
+    // Not what a handler sets aside while it waits: that has been announced anew.
+    for (std::size_t left = m_pending.size(); left > 0 && !alive.expired() && !m_pending.empty(); --left) {
+        const Arrival arrival = std::move(m_pending.front());
+        m_pending.pop_front();
         deliver(arrival);
-        if (alive.expired())
-            return;
+        if (!alive.expired())
+            m_delivered.send();
     }
-    m_dispatched.send();
 }
 
 bool BusLink::waitUntil(const std::function<bool()>& isDone, std::chrono::milliseconds patience) {
     const auto deadline = Clock::now() + patience;
+    deliverUrgent(std::exchange(m_pending, {}));
     while (!isDone()) {
         std::deque<Arrival> arrivals;
         {
@@ -328,19 +330,24 @@ bool BusLink::waitUntil(const std::function<bool()>& isDone, std::chrono::millis
                 break;
             arrivals.swap(m_arrived);
         }
-        for (Arrival& arrival : arrivals) {
-            if (isUrgent(arrival))
-                deliver(arrival);
-            else
-                m_deferred.push_back(std::move(arrival));
-        }
+        deliverUrgent(std::move(arrivals));
     }
-    notify(m_arrivedEvent); // for what was set aside, and for `onDispatched`
+    notify(m_arrivedEvent); // for what was set aside, and for `onDelivered`
     return isDone();
 }
 
-SubscriptionPtr BusLink::onDispatched(std::function<void()> handler) {
-    return m_dispatched.connect(std::move(handler));
+/// Handles the urgent messages and sets the others aside.
+void BusLink::deliverUrgent(std::deque<Arrival> arrivals) {
+    for (Arrival& arrival : arrivals) {
+        if (isUrgent(arrival))
+            deliver(arrival);
+        else
+            m_pending.push_back(std::move(arrival));
+    }
+}
+
+SubscriptionPtr BusLink::onDelivered(std::function<void()> handler) {
+    return m_delivered.connect(std::move(handler));
 }
 
 SubscriptionPtr BusLink::onLost(std::function<void()> lost) {

@@ -79,13 +79,14 @@ public:
 
     /// Returns a descriptor that is readable while messages wait for `dispatch`.
     [[nodiscard]] int fileDescriptor() const { return m_arrivedEvent; }
-    /// Calls the handlers of all messages that have arrived, then those of `onDispatched`.
+    /// Calls the handlers of all messages that have arrived.
     void dispatch();
     /// Waits until `isDone` returns true, at most for `patience`. Only urgent messages are handled meanwhile;
     /// all others wait for `dispatch`. Returns the last result of `isDone`.
     bool waitUntil(const std::function<bool()>& isDone, std::chrono::milliseconds patience);
-    /// Calls `handler` at the end of each dispatch, until the returned subscription is destroyed.
-    [[nodiscard]] SubscriptionPtr onDispatched(std::function<void()> handler);
+    /// Calls `handler` in each dispatch, after every message and after those of a wait, until the returned
+    /// subscription is destroyed.
+    [[nodiscard]] SubscriptionPtr onDelivered(std::function<void()> handler);
 
     /// Returns the unique name of this connection; empty until the bus has accepted it.
     [[nodiscard]] const std::string& uniqueName() const { return m_uniqueName; }
@@ -130,6 +131,7 @@ private:
     [[nodiscard]] std::deque<Arrival> takeArrived();
     [[nodiscard]] bool isUrgent(const Arrival& arrival) const;
     void deliver(const Arrival& arrival);
+    void deliverUrgent(std::deque<Arrival> arrivals);
     void noteStateOfLink(const BusMessage& message);
 
     std::string m_address;
@@ -137,8 +139,8 @@ private:
     bool m_isLost = false;
     std::uint64_t m_nextHandler = kLinkItself + 1;
     std::map<std::uint64_t, Receiver> m_receivers;
-    std::deque<Arrival> m_deferred; ///< set aside by `waitUntil`
-    Signal<> m_dispatched;
+    std::deque<Arrival> m_pending; ///< not handled yet, in the order of arrival
+    Signal<> m_delivered;
     Signal<> m_lostSignal;
     Lifetime m_lifetime; // watched by subscriptions, which may outlive the link
 

@@ -22,6 +22,11 @@ namespace tessarel::wayland {
             frame.height};
 }
 
+[[nodiscard]] inline Rect compositorFromScreen(const Rect& screenFrame, const Rect& primary) {
+    return {screenFrame.x + primary.x, primary.y + primary.height - screenFrame.y - screenFrame.height,
+            screenFrame.width, screenFrame.height};
+}
+
 [[nodiscard]] inline Point screenFromCompositor(const Point& point, const Rect& primary) {
     return {point.x - primary.x, primary.y + primary.height - point.y};
 }

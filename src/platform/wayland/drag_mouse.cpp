@@ -2,9 +2,24 @@
 
 #include "platform/wayland/coordinates.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tessarel::wayland {
+
+namespace {
+
+/// Returns the point of the window's title bar that is closest to the pointer.
+Point onTitleBar(const UserMove& move) {
+    constexpr double kBorder = 10; // stays clear of the borders, which resize the window
+    constexpr double kTitleBar = 20;
+    const Rect& frame = move.frame;
+    const double right = std::max(frame.maxX() - kBorder, frame.minX() + kBorder);
+    return {std::clamp(move.pointer.x, frame.minX() + kBorder, right),
+            std::clamp(move.pointer.y, frame.minY() + kBorder, frame.minY() + kTitleBar)};
+}
+
+} // namespace
 
 DragMouse::DragMouse(Mirror& mirror, Modifiers modifiers)
     : m_mirror(mirror), m_modifiers(std::move(modifiers)),
@@ -20,21 +35,21 @@ void DragMouse::follow(const UserMove& move) {
     case UserMove::Phase::Started:
         m_isHeld = move.isMove;
         if (m_isHeld)
-            send(MouseEventKind::LeftDown, move);
+            send(MouseEventKind::LeftDown, onTitleBar(move));
         return;
     case UserMove::Phase::Stepped:
         if (m_isHeld)
-            send(MouseEventKind::LeftDragged, move);
+            send(MouseEventKind::LeftDragged, move.pointer);
         return;
     case UserMove::Phase::Finished:
         if (std::exchange(m_isHeld, false))
-            send(MouseEventKind::LeftUp, move);
+            send(MouseEventKind::LeftUp, move.pointer);
         return;
     }
 }
 
-void DragMouse::send(MouseEventKind kind, const UserMove& move) {
-    m_handlers[kind].send({kind, screenFromCompositor(move.pointer, m_mirror.primary()), m_modifiers()});
+void DragMouse::send(MouseEventKind kind, const Point& pointer) {
+    m_handlers[kind].send({kind, screenFromCompositor(pointer, m_mirror.primary()), m_modifiers()});
 }
 
 } // namespace tessarel::wayland

@@ -12,8 +12,9 @@ namespace tessarel::wayland {
 
 /// The mouse as far as a Wayland compositor shows it to others: while the user moves a window.
 ///
-/// The press is made up when the move starts, where the pointer is then. Presses that do not move a window,
-/// and those that resize one, are never seen.
+/// The press is made up when the move starts, on the title bar of the window that moves: the pointer has left
+/// the place of the press by then. Presses that do not move a window, and those that resize one, are never
+/// seen.
 class DragMouse : public MousePort {
 public:
     /// Returns the modifier keys that are held.
@@ -27,7 +28,7 @@ public:
 
 private:
     void follow(const UserMove& move);
-    void send(MouseEventKind kind, const UserMove& move);
+    void send(MouseEventKind kind, const Point& pointer);
 
     Mirror& m_mirror;
     Modifiers m_modifiers;

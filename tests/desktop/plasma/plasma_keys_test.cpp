@@ -5,13 +5,12 @@
 namespace tessarel::plasmatest {
 namespace {
 
-constexpr const char* kSettings = R"({"hasOnboarded":true,"rememberApps":false})";
-constexpr const char* kEditor = "org.kde.kwrite";
+constexpr const char* kUsualSettings = R"({"hasOnboarded":true,"rememberApps":false})";
 
 class PlasmaKeysTest : public testing::Test {
 protected:
     void SetUp() override {
-        session.writeSettings(kSettings);
+        session.writeSettings(kUsualSettings);
         ASSERT_TRUE(session.startProgram()) << session.program().errors();
     }
 

@@ -15,6 +15,9 @@
 
 namespace tessarel::plasmatest {
 
+/// The class of the windows of kwrite.
+inline constexpr const char* kEditor = "org.kde.kwrite";
+
 /// A private session of KDE Plasma on Wayland: a session bus and KWin without a screen, with two displays of
 /// 1600 x 900 side by side, in a home and a runtime folder of its own. There is no desktop shell and no X
 /// server.
