@@ -41,12 +41,8 @@ declare -A sees=(
     [platform/qt_web/process]="model model/settings ports"
     [platform/qt_web]="model model/settings ports platform/qt_web/process"
     [platform/posix]="model model/settings ports platform/qt"
-<<<<<<< HEAD
     [platform/qt_xdg]="model model/settings ports qt_values look platform/qt platform/xdg"
-=======
-    [platform/qt_xdg]="model model/settings ports qt_values platform/qt platform/xdg"
     [platform/qt_wayland]="model model/settings ports qt_values platform/qt platform/qt/overlay"
->>>>>>> 9fd75fd (plasma: Drag windows into zones, shown by the layer shell)
     [platform/qt_x11]="model model/settings ports qt_values platform/qt"
     [platform/qt_x11/overlay]="model model/settings ports qt_values look platform/qt platform/qt/overlay platform/qt_x11"
     [platform/qt_x11/tray]="model model/settings ports qt_values platform/qt platform/qt_xdg platform/qt_x11"
