@@ -40,8 +40,6 @@ std::optional<EntryFile> EntryWalk::next() {
         const fs::path path = m_file->path();
         std::error_code unreadable;
         const bool isFolder = m_file->is_directory(unreadable);
-        if (isFolder)
-            noteChange(path);
         advance();
         if (isFolder || !isNamedLikeEntry(path))
             continue;
@@ -56,7 +54,6 @@ std::optional<EntryFile> EntryWalk::next() {
 bool EntryWalk::findFile() {
     while (m_file == fs::recursive_directory_iterator() && m_entered < m_folders.size()) {
         const fs::path& folder = m_folders[m_entered++];
-        noteChange(folder);
         std::error_code failure;
         m_file =
             fs::recursive_directory_iterator(folder, fs::directory_options::skip_permission_denied, failure);
@@ -70,11 +67,6 @@ void EntryWalk::advance() {
     m_file.increment(failure);
     if (failure)
         m_file = {};
-}
-
-/// Call before `folder` is read, so that a change while it is read is noticed later.
-void EntryWalk::noteChange(const fs::path& folder) {
-    m_changes[folder] = changeOf(folder);
 }
 
 } // namespace tessarel::xdg

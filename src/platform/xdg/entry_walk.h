@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <filesystem>
-#include <map>
 #include <optional>
 #include <string>
 #include <unordered_set>
@@ -31,9 +30,6 @@ struct EntryFile {
 /// the entries.
 class EntryWalk {
 public:
-    /// Time stamps by folder; empty for a missing folder.
-    using Changes = std::map<std::filesystem::path, std::optional<std::filesystem::file_time_type>>;
-
     /// `folders` contain the entries, the most important folder first; they need not exist.
     explicit EntryWalk(std::vector<std::filesystem::path> folders);
 
@@ -41,19 +37,14 @@ public:
     /// more important folder replaces.
     [[nodiscard]] std::optional<EntryFile> next();
 
-    /// Returns all folders that the walk has come to, with the change that each had then.
-    [[nodiscard]] const Changes& changes() const { return m_changes; }
-
 private:
     [[nodiscard]] bool findFile();
     void advance();
-    void noteChange(const std::filesystem::path& folder);
 
     std::vector<std::filesystem::path> m_folders;
     std::size_t m_entered = 0; // the current folder is the one before
     std::filesystem::recursive_directory_iterator m_file;
     std::unordered_set<std::string> m_identifiers;
-    Changes m_changes;
 };
 
 } // namespace tessarel::xdg

@@ -43,7 +43,105 @@ void append(const std::unordered_multimap<std::string, const InstalledApplicatio
 
 } // namespace
 
+/// Makes an index, one folder or file at a time.
+class InstalledApplications::Reading {
+public:
+    /// `former` is the index whose unchanged folders are taken over; null if there is none.
+    Reading(const std::vector<fs::path>& folders, const Index* former)
+        : m_folders(folders), m_former(former) {
+        for (std::size_t number = folders.size(); number-- > 0;)
+            m_pending.emplace_back(number, folders[number]);
+    }
+
+    /// Returns false if nothing is left to do.
+    bool step() {
+        if (m_file != fs::directory_iterator())
+            readFile();
+        else if (m_known && m_added < m_known->entries.size())
+            m_index->add(m_known->entries[m_added++]);
+        else if (!m_pending.empty())
+            enterFolder();
+        else
+            return false;
+        return true;
+    }
+
+    [[nodiscard]] const Index& index() const { return *m_index; }
+    [[nodiscard]] std::unique_ptr<Index> takeIndex() { return std::move(m_index); }
+
+private:
+    void enterFolder() {
+        m_place = std::move(m_pending.back());
+        m_pending.pop_back();
+        m_known.reset();
+        if (m_index->folders.contains(m_place)) // the system may list a file twice while a folder changes
+            return;
+        // Before the folder is read, so that a change while it is read is noticed later.
+        const auto change = changeOf(m_place.second);
+        m_known = known(change);
+        m_added = 0;
+        if (m_known) {
+            m_index->folders.emplace(m_place, m_known);
+            for (const fs::path& folder : m_known->folders)
+                m_pending.emplace_back(m_place.first, folder);
+            return;
+        }
+        m_folder = std::make_shared<Folder>(Folder{change, {}, {}});
+        m_index->folders.emplace(m_place, m_folder);
+        std::error_code failure;
+        m_file =
+            fs::directory_iterator(m_place.second, fs::directory_options::skip_permission_denied, failure);
+    }
+
+    /// Returns the current folder as it was read before; null if it has changed since.
+    [[nodiscard]] std::shared_ptr<const Folder> known(const std::optional<fs::file_time_type>& change) const {
+        if (!m_former)
+            return nullptr;
+        const auto found = m_former->folders.find(m_place);
+        return found != m_former->folders.end() && found->second->change == change ? found->second : nullptr;
+    }
+
+    void readFile() {
+        const fs::directory_entry file = *m_file;
+        std::error_code failure;
+        m_file.increment(failure);
+        if (failure)
+            m_file = {};
+        if (file.is_directory(failure)) {
+            if (file.is_symlink(failure)) // may lead back to where it lies
+                return;
+            m_folder->folders.push_back(file.path());
+            m_pending.emplace_back(m_place.first, file.path());
+        } else if (isNamedLikeEntry(file.path())) {
+            m_index->add(m_folder->entries.emplace_back(
+                read({identifierOf(file.path(), m_folders[m_place.first]), file.path()})));
+        }
+    }
+
+    [[nodiscard]] static Entry read(EntryFile file) {
+        const auto content = readSmallFile(file.path);
+        const auto entry = content ? DesktopEntry::parseUntranslated(*content) : std::nullopt;
+        if (!entry || !entry->isShown())
+            return {std::move(file), std::nullopt};
+        InstalledApplication application{file.identifier, entry->windowClass(), entry->programs(),
+                                         entry->isOffered()};
+        return {std::move(file), std::move(application)};
+    }
+
+    const std::vector<fs::path>& m_folders;
+    const Index* m_former;
+    std::unique_ptr<Index> m_index = std::make_unique<Index>();
+    std::vector<Place> m_pending;  ///< the next one last
+    Place m_place;                 ///< the current folder
+    fs::directory_iterator m_file; ///< the next file of the current folder, if that is being read
+    std::shared_ptr<Folder> m_folder;
+    std::shared_ptr<const Folder> m_known; ///< the current folder, if it is taken over
+    std::size_t m_added = 0;               ///< how many of its entries have been taken over
+};
+
 InstalledApplications::InstalledApplications(std::vector<fs::path> folders) : m_folders(std::move(folders)) {}
+
+InstalledApplications::~InstalledApplications() = default;
 
 std::vector<fs::path> InstalledApplications::folders() {
     std::vector<fs::path> folders;
@@ -84,10 +182,10 @@ Found InstalledApplications::startedBy(std::string_view program) {
 }
 
 std::optional<std::string> InstalledApplications::displayName(const std::string& identifier) {
-    refresh();
-    const auto& files = index().files;
-    const auto file = files.find(identifier);
-    const auto entry = file == files.end() ? std::nullopt : entryIn(file->second);
+    if (!m_index)
+        refresh();
+    const auto found = m_index->entries.find(identifier);
+    const auto entry = found == m_index->entries.end() ? std::nullopt : entryIn(found->second->file.path);
     return entry && entry->isShown() ? entry->name() : std::nullopt;
 }
 
@@ -110,22 +208,35 @@ void InstalledApplications::refresh() {
 }
 
 void InstalledApplications::beginRefresh() {
-    if (!m_reading && !isCurrent())
-        m_reading.emplace(Reading{EntryWalk(m_folders), std::make_unique<Index>()});
+    if (m_reading || m_unchecked)
+        return;
+    if (m_index)
+        m_unchecked = m_index->folders.begin();
+    else
+        beginReading();
+}
+
+void InstalledApplications::beginReading() {
+    m_unchecked.reset();
+    m_reading = std::make_unique<Reading>(m_folders, m_index.get());
 }
 
 bool InstalledApplications::readSome(std::size_t most) {
-    if (!m_reading)
-        return false;
     for (std::size_t count = 0; count < most; ++count) {
-        const auto file = m_reading->walk.next();
-        if (!file) {
-            m_index = std::move(m_reading->index);
-            m_index->changes = m_reading->walk.changes();
+        if (m_reading) {
+            if (m_reading->step())
+                continue;
+            m_index = m_reading->takeIndex();
             m_reading.reset();
             return false;
         }
-        m_reading->index->read(*file);
+        if (!m_unchecked || *m_unchecked == m_index->folders.end()) {
+            m_unchecked.reset();
+            return false;
+        }
+        const auto& [place, folder] = *(*m_unchecked)++;
+        if (changeOf(place.second) != folder->change)
+            beginReading();
     }
     return true;
 }
@@ -134,25 +245,13 @@ bool InstalledApplications::readSome(std::size_t most) {
 const InstalledApplications::Index& InstalledApplications::index() {
     if (!hasBegun())
         refresh();
-    return m_index ? *m_index : *m_reading->index;
+    return m_index ? *m_index : m_reading->index();
 }
 
-bool InstalledApplications::isCurrent() const {
-    return m_index && std::ranges::all_of(m_index->changes, [](const auto& folder) {
-               return changeOf(folder.first) == folder.second;
-           });
-}
-
-void InstalledApplications::Index::read(const EntryFile& file) {
-    files.emplace(file.identifier, file.path);
-    const auto content = readSmallFile(file.path);
-    const auto entry = content ? DesktopEntry::parseUntranslated(*content) : std::nullopt;
-    if (entry && entry->isShown())
-        add({file.identifier, entry->windowClass(), entry->programs(), entry->isOffered()});
-}
-
-void InstalledApplications::Index::add(InstalledApplication application) {
-    const InstalledApplication& added = applications.emplace_back(std::move(application));
+void InstalledApplications::Index::add(const Entry& entry) {
+    if (!entries.emplace(entry.file.identifier, &entry).second || !entry.application)
+        return;
+    const InstalledApplication& added = *entry.application;
     byIdentifier.emplace(lowered(added.identifier), &added);
     if (!added.windowClass.empty())
         byClass.emplace(lowered(added.windowClass), &added);

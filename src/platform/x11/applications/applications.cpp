@@ -97,6 +97,7 @@ std::set<std::string> Applications::identifiersInUse() {
 }
 
 std::optional<std::string> Applications::displayName(const std::string& identifier) {
+    refreshEntries();
     return m_entries.displayName(identifier);
 }
 

@@ -28,8 +28,7 @@ namespace tessarel::x11 {
 /// this machine.
 ///
 /// Identifiers come from the desktop entries and processes as of the last `refresh`, because a hot key waits
-/// for them. Only `displayName` looks for applications that were installed later, and reads all entries at
-/// once.
+/// for them.
 class Applications {
 public:
     /// Returns what is known of a process, like `xdg::processFacts`. Tests replace it.
