@@ -77,10 +77,10 @@ bool isMinimized(const WindowStates& states) {
 X11Accessibility::X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows,
                                    Applications& applications, ApplicationWatch& watch, MainQueuePort& queue)
     : m_connection(connection), m_monitors(monitors), m_windows(windows), m_applications(applications),
-      m_watch(watch), m_corrections(connection, windows, queue),
+      m_watch(watch), m_queue(queue), m_corrections(connection, windows, queue),
       m_placement(connection, windows, [this](xcb_window_t window) { m_corrections.start(window); }),
       m_endOfTurn(connection.onEndTurn([this] { finishWrites(); })),
-      m_handler(connection.onEvent([this](const Connection::Event& event) { reportLate(event); })) {}
+      m_observer(connection.onRead([this](const Connection::Event& event) { note(event); })) {}
 
 Element X11Accessibility::application(ProcessId pid) {
     return makeElement(pid, XCB_WINDOW_NONE);
@@ -205,9 +205,13 @@ void X11Accessibility::finishWrites() {
         m_refusals.send();
 }
 
-void X11Accessibility::reportLate(const Connection::Event& event) {
-    if (m_late.empty() || !m_placement.isEnd(event))
-        return;
+/// Looks at each event as it is read: those that are delivered may stand for several of the same window.
+void X11Accessibility::note(const Connection::Event& event) {
+    if (!m_late.empty() && m_placement.isEnd(event))
+        m_report = m_queue.async([this] { reportLate(); });
+}
+
+void X11Accessibility::reportLate() {
     for (const xcb_window_t window : std::exchange(m_late, {}))
         m_corrections.report(window);
 }

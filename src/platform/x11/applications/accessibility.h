@@ -77,8 +77,9 @@ private:
     /// Returns whether the window exists and still belongs to the process.
     [[nodiscard]] bool isWindowOf(xcb_window_t window, ProcessId pid);
     void finishWrites();
-    /// Reports the windows whose placement was late if `event` shows that they have been placed.
-    void reportLate(const Connection::Event& event);
+    /// Schedules `reportLate` if `event` shows that the late placements have been processed.
+    void note(const Connection::Event& event);
+    void reportLate();
     /// Returns whether the last placement was one of this window in this turn, with that outcome.
     [[nodiscard]] bool hasEnded(xcb_window_t window, PlacementOutcome outcome) const;
 
@@ -87,6 +88,7 @@ private:
     ClientWindows& m_windows;
     Applications& m_applications;
     ApplicationWatch& m_watch;
+    MainQueuePort& m_queue;
     CorrectionWatch m_corrections;
     Placement m_placement;
     xcb_window_t m_written = XCB_WINDOW_NONE; // the window that `m_wish` is for
@@ -99,7 +101,8 @@ private:
     std::set<xcb_window_t> m_late; // the windows whose last placement was late, until they are reported
     Signal<> m_refusals;
     SubscriptionPtr m_endOfTurn;
-    SubscriptionPtr m_handler;
+    SubscriptionPtr m_observer;
+    SubscriptionPtr m_report; // the scheduled `reportLate`
 };
 
 } // namespace tessarel::x11

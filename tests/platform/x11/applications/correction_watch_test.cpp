@@ -166,6 +166,7 @@ TEST_F(CorrectionWatchTest, PlacementsThatTheWindowManagerMakesLateAreReported) 
         watched.setAttribute(element, attribute::kSize, axFrame.size());
         EXPECT_FALSE(watched.copyAttribute(element, attribute::kSize)) << "it is not placed in time";
     }
+    loop.turn(CorrectionWatch::kDuration);
     EXPECT_EQ(reported, Frames());
 
     desktop.manager->process().signal(SIGCONT);
