@@ -3,6 +3,7 @@
 #include "look/box.h"
 #include "look/contrast.h"
 
+#include <QAbstractScrollArea>
 #include <QLineF>
 #include <QPainter>
 #include <QPalette>
@@ -32,7 +33,8 @@ constexpr double kMarkWidth = 2;
 constexpr double kChevronWidth = 1.5;
 constexpr QPointF kChevron(4, 2); // half the size of the mark on pop-up buttons
 constexpr double kTabMarkThickness = 2;
-constexpr int kPageLine = 1; // the selected tab covers the line of its page
+constexpr int kAreaFrame = 2; // of scroll areas, which cover a narrower line in part at fractional scales
+constexpr int kPageLine = 1;  // the selected tab covers the line of its page
 
 bool isOn(const QStyleOption& option, QStyle::StateFlag flag) {
     return option.state.testFlag(flag);
@@ -82,7 +84,8 @@ void paintRing(QPainter& painter, const QStyleOption& option, const QRectF& fram
 
 void paintButton(QPainter& painter, const QStyleOption& option) {
     const auto* const button = qstyleoption_cast<const QStyleOptionButton*>(&option);
-    const bool isDefault = button && button->features.testFlag(QStyleOptionButton::DefaultButton);
+    const bool isDefault = button && button->features.testFlag(QStyleOptionButton::DefaultButton) &&
+                           isOn(option, QStyle::State_Enabled);
     paintBox(painter, option.rect,
              {.fill = buttonFill(option), .line = isDefault ? lineAroundAccent(option) : outlineOf(option)});
     if (hasKeyboardFocus(option))
@@ -168,7 +171,8 @@ void ControlStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* o
     case PE_FrameLineEdit:
         return paintField(*painter, *option, {});
     case PE_Frame:
-        return paintBox(*painter, option->rect, {.line = outlineOf(*option), .radius = 0});
+        return paintBox(*painter, option->rect,
+                        {.fill = colorOf(*option, QPalette::Base), .line = outlineOf(*option), .radius = 0});
     case PE_FrameTabWidget:
         return paintBox(
             *painter, option->rect,
@@ -269,6 +273,10 @@ int ControlStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, co
     case PM_SliderThickness:
     case PM_SliderControlThickness:
         return kSliderHandle;
+    case PM_DefaultFrameWidth:
+        return qobject_cast<const QAbstractScrollArea*>(widget)
+                   ? kAreaFrame
+                   : QProxyStyle::pixelMetric(metric, option, widget);
     case PM_TabBarBaseOverlap:
         return kPageLine;
     case PM_ScrollBarExtent:

@@ -6,6 +6,7 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
 #include <QImage>
 #include <QLineEdit>
 #include <QListWidget>
@@ -128,6 +129,31 @@ TEST_P(ControlStyleTest, APressedButtonIsFilledDifferently) {
     button.setDown(true);
 
     EXPECT_NE(runs(row())[2].color, color(QPalette::Button));
+}
+
+TEST_P(ControlStyleTest, ADefaultButtonHasALineInTheAccentColourWhileItIsEnabled) {
+    QDialog dialog(&window); // only its buttons are default buttons
+    dialog.setGeometry(window.rect());
+    dialog.setWindowFlags(Qt::Widget);
+    QPushButton button(&dialog);
+    button.setDefault(true);
+    show(button);
+    dialog.show();
+    other.setFocus();
+    expectLine(color(QPalette::Highlight), 1, color(QPalette::Button));
+
+    button.setEnabled(false);
+
+    expectLine(QColor(colors.color(QPalette::Disabled, QPalette::Mid).rgb()), 1,
+               colors.color(QPalette::Disabled, QPalette::Button));
+}
+
+TEST_P(ControlStyleTest, AListHasASharpOutline) {
+    QListWidget list(&window);
+    show(list);
+    other.setFocus();
+
+    expectLine(color(QPalette::Mid), 1, color(QPalette::Base));
 }
 
 TEST_P(ControlStyleTest, APopUpButtonHasASharpOutlineAndAFocusRing) {
