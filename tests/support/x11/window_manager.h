@@ -70,6 +70,9 @@ public:
     [[nodiscard]] ChildProcess& process() { return *m_process; }
 
 private:
+    /// Starts the process. Returns whether it manages windows.
+    [[nodiscard]] bool runs(const XServer& server, Compositing compositing);
+
     WindowManagerKind m_kind;
     std::unique_ptr<SessionBus> m_bus; // must outlive the window manager
     std::unique_ptr<ChildProcess> m_process;
