@@ -1,12 +1,12 @@
-#include "update_check_properties.h"
+#include "fuzz/input.h"
+#include "fuzz/update_check_properties.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <string>
+
+using namespace tessarel;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    if (!tessarel::fuzz::isReadTheSameAgain(std::string(data, data + size)))
-        std::abort();
+    fuzz::require(fuzz::isReadTheSameAgain(fuzz::Input(data, size).rest()), "a feed is read the same again");
     return 0;
 }
