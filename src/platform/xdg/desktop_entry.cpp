@@ -68,12 +68,31 @@ std::string untranslated(std::string_view content) {
         const std::size_t end = std::min(content.find('\n'), content.size() - 1) + 1;
         const std::string_view line = content.substr(0, end);
         content.remove_prefix(end);
-        if (line.starts_with('['))
+        const std::string_view text = line.substr(std::min(line.find_first_not_of(" \t\r\f"), line.size()));
+        if (text.starts_with('['))
             isMain =
-                line.substr(1).starts_with(kGroup) && line.substr(1 + std::strlen(kGroup)).starts_with(']');
-        if (isMain && (line.starts_with('[') || line.find('[') > line.find('=')))
+                text.substr(1).starts_with(kGroup) && text.substr(1 + std::strlen(kGroup)).starts_with(']');
+        if (isMain && (text.starts_with('[') || line.find('[') > line.find('=')))
             lines += line;
     }
+    return lines;
+}
+
+/// Returns the lines without a backslash that ends a line instead of starting an escape. GLib ignores it, but
+/// prints a warning if the value has another unknown escape.
+std::string withoutOpenEscapes(std::string_view content) {
+    std::string lines;
+    lines.reserve(content.size());
+    bool isOpen = false; // the last character of `lines` starts an escape
+    for (std::size_t at = 0; at < content.size(); ++at) {
+        const std::string_view rest = content.substr(at);
+        if (isOpen && (rest.starts_with('\n') || rest.starts_with('\0') || rest.starts_with("\r\n")))
+            lines.pop_back();
+        isOpen = !isOpen && content[at] == '\\';
+        lines += content[at];
+    }
+    if (isOpen)
+        lines.pop_back();
     return lines;
 }
 
@@ -91,8 +110,9 @@ void DesktopEntry::Free::operator()(_GKeyFile* file) const {
 }
 
 std::optional<DesktopEntry> DesktopEntry::parse(std::string_view content) {
+    const std::string lines = withoutOpenEscapes(content);
     KeyFile file(g_key_file_new());
-    if (!g_key_file_load_from_data(file.get(), content.data(), content.size(), G_KEY_FILE_NONE, nullptr) ||
+    if (!g_key_file_load_from_data(file.get(), lines.data(), lines.size(), G_KEY_FILE_NONE, nullptr) ||
         !g_key_file_has_group(file.get(), kGroup))
         return std::nullopt;
     return DesktopEntry(std::move(file));

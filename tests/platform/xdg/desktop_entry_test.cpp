@@ -25,6 +25,16 @@ TEST(DesktopEntryName, IsUnescaped) {
     EXPECT_EQ(nameOf(R"(Name=\sEditor\\2)"), R"( Editor\2)");
 }
 
+TEST(DesktopEntryName, WithAnEscapeThatDoesNotEndIsReadWithoutAWarning) {
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(nameOf("Name=a\\qb\\"), "a\\qb");
+    EXPECT_EQ(nameOf("Name=a\\qb\\\nIcon=c\n"), "a\\qb");
+    EXPECT_EQ(nameOf("Name=a\\qb\\\r\n"), "a\\qb");
+    EXPECT_EQ(nameOf(std::string("Name=a\\qb\\\0c\n", 13)), "a\\qb");
+    EXPECT_EQ(nameOf("Name=a\\\\\nIcon=c\n"), "a\\") << "a whole escape";
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
 TEST(DesktopEntryName, IsOneLine) {
     EXPECT_EQ(nameOf(R"(Name=Text\nEditor\t2)"), "Text Editor 2");
 }
@@ -32,6 +42,13 @@ TEST(DesktopEntryName, IsOneLine) {
 TEST(DesktopEntryName, IsEmptyUnlessItIsUtf8) {
     EXPECT_EQ(nameOf("Name=Caf\xC3\xA9"), "Caf\xC3\xA9");
     EXPECT_EQ(nameOf("Name=Caf\xE9"), std::nullopt);
+}
+
+TEST(DesktopEntryTest, AnIndentedGroupEndsTheMainGroupAlsoWithoutTranslations) {
+    const auto entry = DesktopEntry::parseUntranslated(
+        " [Desktop Entry]\nIcon=a\n \t\f[Desktop Action New]\nIcon=b\nName[de]=c\n");
+    ASSERT_TRUE(entry);
+    EXPECT_EQ(entry->icon(), "a");
 }
 
 TEST(DesktopEntryTest, ContentThatIsNoDesktopEntryIsRejected) {
