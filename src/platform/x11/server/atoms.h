@@ -68,6 +68,9 @@ class Atoms {
 public:
     /// Interns all atoms in one round trip. If the connection is lost, all are XCB_ATOM_NONE.
     explicit Atoms(xcb_connection_t* xcb);
+    /// Has these values, in the order of `Atom`.
+    explicit Atoms(const std::array<xcb_atom_t, static_cast<std::size_t>(Atom::kCount)>& values)
+        : m_atoms(values) {}
 
     /// Returns the server's atom from memory, without a request.
     [[nodiscard]] xcb_atom_t operator[](Atom atom) const { return m_atoms[static_cast<std::size_t>(atom)]; }

@@ -72,6 +72,7 @@ public:
     [[nodiscard]] int screenNumber() const { return m_screenNumber; }
     [[nodiscard]] const xcb_screen_t& screen() const { return *m_screen; }
     [[nodiscard]] xcb_atom_t atom(Atom atom) const { return m_atoms[atom]; }
+    [[nodiscard]] const Atoms& atoms() const { return m_atoms; }
     [[nodiscard]] const Extensions& extensions() const { return m_extensions; }
     /// Returns whether the connection has failed, for instance because the server has exited.
     [[nodiscard]] bool isLost() const;

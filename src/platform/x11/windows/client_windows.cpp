@@ -42,15 +42,7 @@ public:
     [[nodiscard]] std::vector<xcb_window_t> collect() {
         const auto stacking = propertyReply(m_connection, m_stacking);
         const auto list = propertyReply(m_connection, m_list);
-        // Both lists are merged, because a window manager may not set the stacking list while there is only
-        // one window. `_NET_CLIENT_LIST` is oldest first, which stands in for bottom to top.
-        std::vector<xcb_window_t> windows;
-        std::unordered_set<xcb_window_t> seen{XCB_WINDOW_NONE};
-        for (const auto bottomToTop : {values(stacking), values(list)}) {
-            std::copy_if(bottomToTop.rbegin(), bottomToTop.rend(), std::back_inserter(windows),
-                         [&](xcb_window_t window) { return seen.insert(window).second; });
-        }
-        return windows;
+        return frontToBackFrom(values(stacking), values(list));
     }
 
 private:
@@ -60,6 +52,19 @@ private:
 };
 
 } // namespace
+
+std::vector<xcb_window_t> frontToBackFrom(std::span<const std::uint32_t> stacking,
+                                          std::span<const std::uint32_t> list) {
+    // Both lists are merged, because a window manager may not set the stacking list while there is only one
+    // window. `_NET_CLIENT_LIST` is oldest first, which stands in for bottom to top.
+    std::vector<xcb_window_t> windows;
+    std::unordered_set<xcb_window_t> seen{XCB_WINDOW_NONE};
+    for (const auto bottomToTop : {stacking, list}) {
+        std::copy_if(bottomToTop.rbegin(), bottomToTop.rend(), std::back_inserter(windows),
+                     [&](xcb_window_t window) { return seen.insert(window).second; });
+    }
+    return windows;
+}
 
 /// The pending requests for everything that is not cached about one window. `collect` must be called once.
 class ClientWindows::Questions {

@@ -6,11 +6,17 @@
 #include "platform/x11/windows/window_traits.h"
 #include "ports/process_id.h"
 
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <unordered_map>
 #include <vector>
 
 namespace tessarel::x11 {
+
+/// Merges `_NET_CLIENT_LIST_STACKING` and `_NET_CLIENT_LIST`, and returns each window once, front to back.
+[[nodiscard]] std::vector<xcb_window_t> frontToBackFrom(std::span<const std::uint32_t> stacking,
+                                                        std::span<const std::uint32_t> list);
 
 /// The managed windows of all clients, with a cache for the current turn.
 ///

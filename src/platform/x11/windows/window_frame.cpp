@@ -16,18 +16,6 @@ constexpr std::uint32_t kExtentsLength = 4;
 constexpr std::uint32_t kLargestExtent = 4096;
 constexpr std::uint32_t kMostStates = 256;
 
-/// Decodes `_NET_WM_STATE`; states of no interest here are ignored.
-WindowStates statesFrom(const Connection& connection, std::span<const std::uint32_t> atoms) {
-    const auto has = [&](Atom state) {
-        return std::find(atoms.begin(), atoms.end(), connection.atom(state)) != atoms.end();
-    };
-    return {.maximizedHorizontally = has(Atom::NetWmStateMaximizedHorz),
-            .maximizedVertically = has(Atom::NetWmStateMaximizedVert),
-            .shaded = has(Atom::NetWmStateShaded),
-            .hidden = has(Atom::NetWmStateHidden),
-            .fullScreen = has(Atom::NetWmStateFullscreen)};
-}
-
 /// Returns the child of the root window that contains `window`, or `window` itself if it is one.
 xcb_window_t topLevelOf(Connection& connection, xcb_window_t window) {
     std::vector<Climb> climbs = startClimbs({window});
@@ -72,6 +60,17 @@ std::optional<Extents> extentsFrom(std::span<const std::uint32_t> values) {
                    static_cast<int>(values[3])};
 }
 
+WindowStates statesFrom(const Atoms& known, std::span<const std::uint32_t> atoms) {
+    const auto has = [&](Atom state) {
+        return std::find(atoms.begin(), atoms.end(), known[state]) != atoms.end();
+    };
+    return {.maximizedHorizontally = has(Atom::NetWmStateMaximizedHorz),
+            .maximizedVertically = has(Atom::NetWmStateMaximizedVert),
+            .shaded = has(Atom::NetWmStateShaded),
+            .hidden = has(Atom::NetWmStateHidden),
+            .fullScreen = has(Atom::NetWmStateFullscreen)};
+}
+
 Extents effectiveExtents(std::optional<Extents> decoration, std::optional<Extents> shadows,
                          const Size& client) {
     // Shadows as large as the window are nonsense and would leave nothing to place.
@@ -110,7 +109,7 @@ std::optional<WindowFrame> FrameRequest::collect() {
     if (!decorationExtents && !shadowExtents && m_source == ExtentsSource::FrameWindow)
         decorationExtents = extentsOfFrameWindow(*m_connection, m_window, client);
     return WindowFrame{client, effectiveExtents(decorationExtents, shadowExtents, client.size()),
-                       statesFrom(*m_connection, values(states))};
+                       statesFrom(m_connection->atoms(), values(states))};
 }
 
 } // namespace tessarel::x11

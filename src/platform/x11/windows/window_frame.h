@@ -50,6 +50,9 @@ struct WindowFrame {
 /// plausible values.
 [[nodiscard]] std::optional<Extents> extentsFrom(std::span<const std::uint32_t> values);
 
+/// Decodes `_NET_WM_STATE`; states of no interest here are ignored.
+[[nodiscard]] WindowStates statesFrom(const Atoms& known, std::span<const std::uint32_t> atoms);
+
 /// Returns the extents to use: the negated shadows of a client-decorated window if they are smaller than the
 /// window, else the window manager's decoration, else none. Never the sum, because a client-decorated window
 /// has no decoration by the window manager.

@@ -55,10 +55,10 @@ std::optional<std::uint32_t> pidIn(const xcb_res_query_client_ids_reply_t* reply
 
 } // namespace
 
-WindowType typeFrom(const Connection& connection, std::span<const std::uint32_t> atoms) {
+WindowType typeFrom(const Atoms& known, std::span<const std::uint32_t> atoms) {
     for (const std::uint32_t atom : atoms) {
         for (const auto& [name, type] : kTypes) {
-            if (connection.atom(name) == atom)
+            if (known[name] == atom)
                 return type;
         }
     }
@@ -90,7 +90,7 @@ WindowTraits TraitsRequest::collect() {
     const auto transientFor = propertyReply(*m_connection, m_transientFor);
     auto names = collectNames();
     const auto clientMachine = propertyReply(*m_connection, m_clientMachine);
-    return {typeFrom(*m_connection, values(type)), value(transientFor).value_or(XCB_WINDOW_NONE) != 0,
+    return {typeFrom(m_connection->atoms(), values(type)), value(transientFor).value_or(XCB_WINDOW_NONE) != 0,
             std::move(names), xdg::toUtf8(bytes(clientMachine))};
 }
 

@@ -28,7 +28,7 @@ struct WindowTraits {
 };
 
 /// Returns the first known type in `_NET_WM_WINDOW_TYPE`, which clients sort by preference, or `Unspecified`.
-[[nodiscard]] WindowType typeFrom(const Connection& connection, std::span<const std::uint32_t> atoms);
+[[nodiscard]] WindowType typeFrom(const Atoms& known, std::span<const std::uint32_t> atoms);
 
 /// Returns the two strings in WM_CLASS, instance and class. The class is empty when it is missing.
 [[nodiscard]] std::pair<std::string, std::string> classFrom(const std::string& wmClass);
