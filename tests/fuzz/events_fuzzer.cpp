@@ -38,9 +38,9 @@ public:
     /// Does one thing, which the next byte names.
     void step() {
         constexpr std::array kSteps = {
-            &Session::pressKeys,    &Session::moveMouse,     &Session::pressMouse,  &Session::releaseMouse,
-            &Session::holdModifier, &Session::wait,          &Session::openWindow,  &Session::closeWindow,
-            &Session::changeWindow, &Session::changeProgram, &Session::addDisplay,  &Session::changeDisplay,
+            &Session::pressKeys,    &Session::moveMouse,     &Session::pressMouse, &Session::releaseMouse,
+            &Session::holdModifier, &Session::wait,          &Session::openWindow, &Session::closeWindow,
+            &Session::changeWindow, &Session::changeProgram, &Session::addDisplay, &Session::changeDisplay,
             &Session::useMenu,      &Session::editSettings,  &Session::answerUser, &Session::runCommand};
         (this->*kSteps[m_input.below(kSteps.size())])();
         std::erase_if(m_windows, [this](sim::WindowId id) { return !isOpen(id); });
