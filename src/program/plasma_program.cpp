@@ -36,6 +36,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <unistd.h>
 #include <utility>
 
 namespace tessarel {
@@ -63,11 +64,11 @@ public:
     }
 };
 
-/// Returns the user's folder for files of the session, or a temporary one.
+/// Returns the user's folder for files of the session. KWin runs what is in it, so it is never a folder that
+/// other users can write to.
 std::filesystem::path runtimeFolder() {
-    const char* const folder = std::getenv("XDG_RUNTIME_DIR");
-    return folder != nullptr && *folder != '\0' ? std::filesystem::path(folder)
-                                                : std::filesystem::temp_directory_path();
+    const auto folder = xdg::folderFrom("XDG_RUNTIME_DIR");
+    return folder.empty() ? std::filesystem::path("/run/user") / std::to_string(::getuid()) : folder;
 }
 
 /// Runs Qt's event loop until the program is asked to quit. Returns the exit code. Destroys the delegate

@@ -5,6 +5,7 @@
 #include "platform/plasma/reports.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <fstream>
 #include <optional>
 #include <system_error>
@@ -33,8 +34,9 @@ wayland::BusCall scripting(std::string member, std::string signature = {},
 } // namespace
 
 Bridge::Bridge(wayland::BusLink& link, wayland::Mirror& mirror, MainQueuePort& queue,
-               std::filesystem::path folder)
+               std::filesystem::path folder, std::function<void(const std::string&)> report)
     : m_link(link), m_mirror(mirror), m_queue(queue), m_folder(std::move(folder)),
+      m_report(std::move(report)),
       m_calls(link.serve(
           kBridgePath, [this](const wayland::BusMessage& message) { handle(message); },
           wayland::BusLink::Delivery::Urgent)),
@@ -51,8 +53,11 @@ Bridge::~Bridge() {
 void Bridge::load(milliseconds patience) {
     using Delivery = wayland::BusLink::Delivery;
     m_isAccepted = writeScript();
-    if (!m_isAccepted)
+    if (!m_isAccepted) {
+        m_report("cannot write " + file().string() +
+                 ", the script by which KWin moves windows: " + std::generic_category().message(errno));
         return;
+    }
     m_link.call(
         {"org.freedesktop.DBus",
          "/org/freedesktop/DBus",
@@ -82,6 +87,7 @@ bool Bridge::writeScript() const {
     std::string text = kBridgeScript;
     const std::string placeholder = "@SERVICE@";
     text.replace(text.find(placeholder), placeholder.size(), m_link.uniqueName());
+    errno = 0;
     std::ofstream out(file(), std::ios::binary | std::ios::trunc);
     out << text;
     return static_cast<bool>(out.flush());

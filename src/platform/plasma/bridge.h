@@ -10,6 +10,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -18,9 +19,10 @@ namespace tessarel::plasma {
 /// The connection to KWin: a script that KWin runs for this program. It fills the mirror and places windows.
 class Bridge : public wayland::Compositor {
 public:
-    /// The script is written to `folder`. All referenced objects must outlive this one.
+    /// The script is written to `folder`. `report` gets a text for the user if that fails. All referenced
+    /// objects must outlive this one.
     Bridge(wayland::BusLink& link, wayland::Mirror& mirror, MainQueuePort& queue,
-           std::filesystem::path folder);
+           std::filesystem::path folder, std::function<void(const std::string&)> report);
     Bridge(const Bridge&) = delete;
     Bridge& operator=(const Bridge&) = delete;
     /// Unloads the script.
@@ -53,6 +55,7 @@ private:
     wayland::Mirror& m_mirror;
     MainQueuePort& m_queue;
     std::filesystem::path m_folder;
+    std::function<void(const std::string&)> m_report;
     std::string m_compositorName; ///< unique bus name of KWin; only its calls are accepted
     bool m_isAccepted = true;
     std::uint64_t m_waitingCall = 0; ///< token of the script's call of "next"; 0 if there is none

@@ -34,7 +34,7 @@ struct PlasmaDesktop {
     /// All referenced objects must outlive the desktop. Files for KWin are written to `runtimeFolder`.
     PlasmaDesktop(wayland::BusLink& link, MainQueuePort& queue, const std::filesystem::path& runtimeFolder,
                   xdg::OnReadable onReadable, xdg::FilePreferences::Report report)
-        : bridge(link, mirror, queue, runtimeFolder), applications(mirror, queue),
+        : bridge(link, mirror, queue, runtimeFolder, report), applications(mirror, queue),
           watch(mirror, applications), accessibility(mirror, bridge, applications, watch, queue),
           displays(mirror), hotKeys(link),
           loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
