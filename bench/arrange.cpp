@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures how long it takes to arrange all windows of a screen with one key press. The baseline is nine
 // single placements by the minimal client `raw_xcb_client`.
 //

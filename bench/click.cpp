@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures the time from a click on the tray icon until the menu is on the screen. Tessarel rebuilds its menu
 // at each click; the baseline is an empty Qt tray program with a menu of one row.
 //

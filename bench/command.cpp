@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures the time from starting a command until the window is in its new place, for the program's own
 // command line and for xdotool doing the same, in shuffled order.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures the CPU time of the core between a hot key and the request to the desktop, without a desktop:
 // geometry, a whole snap in memory, and the settings document.
 

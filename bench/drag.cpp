@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures drags: how soon the highlight follows the pointer, the CPU time at a high pointer rate, whether
 // motion without a drag wakes the program, and how much memory many drags leave behind. Needs openbox and no
 // compositor.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures a drag in the zone editor, from the mouse event until the server has painted the result. The
 // baselines are a bare widget that repaints the same area with the same zones, and one that only fills that
 // area. Needs an X server.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // An empty Qt tray program: the baseline for startup time, memory and idle costs. Prints "ready" in the first
 // iteration of its event loop.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures how long it takes to index the desktop entries of all installed applications, compared with only
 // reading the same files, and how long lookups in the index take.
 

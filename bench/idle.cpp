@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures an idle program: memory, wake-ups and CPU time.
 //
 //   idle DIRECTORY [SECONDS]

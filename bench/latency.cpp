@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures the time from a key press until the window is in its new place, for all contenders in shuffled
 // order.
 //

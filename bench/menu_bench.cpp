@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures the work after a click on the tray icon before the menu can be painted, with an extreme number of
 // layouts: building the menu as a value, and rebuilding the rows of the widget from it.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures how long the overlay takes to show and to move its highlight. The baseline is a bare widget that
 // only fills rectangles of the same size. Needs an X server of at least 3840x2160 without a compositor.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A Qt window for the contenders to move.
 
 #include <QApplication>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The minimal program that follows the pointer everywhere: it reads the raw events for button presses, button
 // releases and motion, and queries the pointer once per batch of events.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // The limit for a program outside the window manager: global hot keys that place the active window, with only
 // the round trips that correctness requires between the key and the request.
 //

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures the time from the request for the settings window until it is painted, for the first time, which
 // creates all widgets, and for later times.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Measures startup from exec to ready. Tessarel is ready when it has grabbed all its keys; the baseline is an
 // empty Qt tray program that has entered its event loop. A key is pressed as soon as the grabs exist, to
 // measure when the first press takes effect. Then Tessarel alone is measured, with no and with many installed

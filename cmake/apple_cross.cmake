@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Toolchain file that cross-compiles for macOS on Linux, to check that everything compiles and links. It is
 # used by tests/macos/cross.sh, which creates build/apple/sdk. The results cannot be run.
 set(sdk ${CMAKE_CURRENT_LIST_DIR}/../build/apple/sdk)

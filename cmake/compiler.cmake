@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Compile options of every target of the project.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Compiles the Objective-C++ sources of the macOS back end on Linux, for the tests. They are compiled by
 # clang, with the GNU Objective-C runtime and GNUstep's Foundation, even where another compiler builds
 # everything else.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # tessarel_wayland_protocol(<target> <file.xml>): adds a client of a Wayland protocol to a target. The header
 # is <name of the file>-client.h.
 find_program(WAYLAND_SCANNER wayland-scanner REQUIRED)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Drags windows with synthetic pointer events. Sourced by script/demo.
 
 # drag PROGRAM ZONE TITLE: drags the program's window by its title bar into an entry of `zone`. Takes the

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Makes the moving picture of the documents, frame by frame, so that it looks the same on a slow machine. Sourced
 # by script/demo.
 

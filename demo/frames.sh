@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Computes the actual and the expected frames of windows, independently of Tessarel. A frame is "x y width
 # height" in pixels, with the origin at the top-left corner of the screen. Sourced by script/demo.
 

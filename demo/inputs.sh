@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Prints the hash of the sources that decide what the pictures of the documents look like: the demo itself, and
 # whatever the program paints.
 set -euo pipefail

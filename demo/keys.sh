@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Prints a list of the key combinations; runs in the terminal window of the demo.
 key=$'\e[1;38;5;117m' text=$'\e[0m' title=$'\e[1;38;5;222m' dim=$'\e[38;5;245m'
 

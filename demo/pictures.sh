@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Makes the pictures of the documents from the screenshots of the demo. Sourced by script/demo.
 
 # picture NAME TITLE [CROP]: makes docs/screenshots/NAME.png from the screenshot TITLE.

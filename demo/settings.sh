@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Edits zones in the settings window with synthetic pointer events. Sourced by script/demo.
 
 # open_settings starts a second instance, which makes the first one open its settings window; close_settings

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Sets up the private virtual desktop of the demo, with a display and a home folder of its own. Sourced by
 # script/demo, which sets `out` and `tessarel_program`.
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Clicks Tessarel's status item in the panel and the rows of its menu. Sourced by script/demo.
 
 # Numbers of menu rows; the zones come first. Separators are too thin to count.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/entry_folder.h"
 
 #include <fstream>

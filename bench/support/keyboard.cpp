@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/keyboard.h"
 
 #include <xcb/xtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/process_figures.h"
 
 #include <filesystem>

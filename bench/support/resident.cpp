@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/resident.h"
 
 #include "support/keyboard.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/statistics.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/target.h"
 
 #include <array>

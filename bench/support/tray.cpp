@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/tray.h"
 
 #include "support/clock.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "icon.h"
 
 #include <QColor>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "app/command_runner.h"
 
 #include "model/json.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "app/services.h"
 
 namespace tessarel {

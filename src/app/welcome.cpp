@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "app/welcome.h"
 
 #include "model/config.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/action_runner.h"
 
 namespace tessarel {

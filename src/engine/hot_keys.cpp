@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/hot_keys.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/screens.h"
 
 #include <algorithm>

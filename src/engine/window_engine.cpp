@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/window_engine.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "look/box.h"
 
 #include "look/pixel_grid.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "look/contrast.h"
 
 #include <algorithm>

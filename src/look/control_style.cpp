@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "look/control_style.h"
 
 #include "look/box.h"

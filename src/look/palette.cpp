@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "look/palette.h"
 
 #include "look/contrast.h"

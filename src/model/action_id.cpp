@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/action_id.h"
 
 #include "model/presets.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/drag_trigger.h"
 
 #include <algorithm>

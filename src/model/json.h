@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // The library asserts that strtod consumed the whole number, which fails in a C locale whose decimal point

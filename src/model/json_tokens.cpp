@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/json_tokens.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/key_names.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "placer/app_placer.h"
 
 #include <chrono>

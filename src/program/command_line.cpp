@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "program/command_line.h"
 
 #include "app/command.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // What is installed as `tessarel` on Linux. Sends a command itself, because loading the program with its
 // toolkit takes several times as long as the command; runs the program for everything else.
 

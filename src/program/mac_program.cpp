@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "program/mac_program.h"
 
 #include "app/command_address.h"

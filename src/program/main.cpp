@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "app/app_delegate.h"
 #include "platform/posix/failed_writes.h"
 #include "platform/posix/termination_signals.h"

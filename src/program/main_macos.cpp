@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/shell/command_channel.h"
 #include "platform/posix/failed_writes.h"
 #include "platform/posix/termination_signals.h"

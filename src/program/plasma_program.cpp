@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "program/plasma_program.h"
 
 #include "app/app_delegate.h"

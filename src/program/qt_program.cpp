@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "program/qt_program.h"
 
 #include "look/control_style.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "program/report.h"
 
 #include <cstdio>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/general_tab.h"
 
 #include "model/config.h"

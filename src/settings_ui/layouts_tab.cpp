@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/layouts_tab.h"
 
 #include "model/action_id.h"

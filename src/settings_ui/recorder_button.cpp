@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/recorder_button.h"
 
 #include "model/carbon_mods.h"

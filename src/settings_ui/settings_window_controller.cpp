@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/settings_window_controller.h"
 
 #include "model/config.h"

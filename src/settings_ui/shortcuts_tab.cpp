@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/shortcuts_tab.h"
 
 #include "model/action_id.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "snap/candidate_picker.h"
 
 #include <chrono>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "snap/drag_snap.h"
 
 #include "engine/screens.h"

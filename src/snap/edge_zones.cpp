@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "snap/edge_zones.h"
 
 #include <array>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "snap/overlay_view.h"
 
 namespace tessarel {

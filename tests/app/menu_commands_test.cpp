@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "app/running_program.h"
 #include "model/presets.h"
 

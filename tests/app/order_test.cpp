@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "app/recorded_ports.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "app/settings_follower.h"
 
 #include "app/app_delegate.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "app/app_delegate.h"
 #include "app/login_item.h"
 #include "app/main_menu.h"

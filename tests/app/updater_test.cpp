@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "app/updater.h"
 
 #include "model/settings/settings_codec.h"

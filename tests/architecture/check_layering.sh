@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Checks that every file under ROOT/src includes only what its folder may see. Prints each violation.
 #   check_layering.sh ROOT
 set -euo pipefail

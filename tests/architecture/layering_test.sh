@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Checks that the tree keeps its layering and that the checker reports each kind of violation.
 #   layering_test.sh ROOT
 set -euo pipefail

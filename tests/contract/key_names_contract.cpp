@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "contract/contract_test.h"
 
 #include <cstdint>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "contract/contract_desktop.h"
 #include "contract/x11_contract_stage.h"
 #include "model/call_on_end.h"

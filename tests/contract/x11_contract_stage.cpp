@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "contract/x11_contract_stage.h"
 
 #include "support/x11/chosen_window_manager.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/snap_fixture.h"
 
 #include <array>

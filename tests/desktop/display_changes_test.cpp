@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/desktop.h"
 #include "desktop/expected.h"
 #include "support/long_run.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/expected.h"
 
 #include <algorithm>

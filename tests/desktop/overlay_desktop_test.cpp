@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/overlay_fixture.h"
 #include "desktop/pointer_target.h"
 #include "platform/qt_x11/overlay/x11_overlay_window.h"

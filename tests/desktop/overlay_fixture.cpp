@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/overlay_fixture.h"
 
 #include <xcb/xcb.h>

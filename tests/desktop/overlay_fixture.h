@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "platform/qt_x11/overlay/x11_overlay.h"

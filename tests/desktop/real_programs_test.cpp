@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/homes_fixture.h"
 #include "desktop/real_program.h"
 

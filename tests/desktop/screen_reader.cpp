@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/screen_reader.h"
 
 #include <QDBusArgument>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/settings_fixture.h"
 
 #include <algorithm>

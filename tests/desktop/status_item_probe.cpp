@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A program with nothing but a status item. It reads commands for the item from its standard input, and
 // reports the item's events on its standard output.
 

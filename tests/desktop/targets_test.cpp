@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/real_program.h"
 #include "desktop/snap_fixture.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/tray_desktop.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/status_notifier_panel.h"
 #include "desktop/tray_desktop.h"
 #include "look/contrast.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/tray_desktop.h"
 #include "support/x11/window_manager.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/window_drag.h"
 
 #include <gtest/gtest.h>

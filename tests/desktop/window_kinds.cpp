@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "desktop/window_kinds.h"
 
 namespace tessarel::x11test {

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Checks the project's documents.
 
     check_docs.py links ROOT      every link to a file or a heading leads somewhere, every picture exists, and

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Runs every command that the documents name, in a session with a window manager and a terminal.
 #   commands_test.sh ROOT PROGRAM
 set -euo pipefail

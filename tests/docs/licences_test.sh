@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Checks that docs/licences.md names every library that the programs link.
 #   licences_test.sh ROOT PROGRAM...
 set -euo pipefail

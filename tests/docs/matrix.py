@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Makes the table of tested window managers in docs/platforms.md from a run of the desktop tests.
 
     matrix.py check|write ROOT BUILD LOG

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Checks that the pictures in the documents were made from the present sources of what they show.
 #   pictures_test.sh ROOT
 set -euo pipefail

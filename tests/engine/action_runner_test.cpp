@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/action_runner.h"
 
 #include "engine/engine_test.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine_test.h"
 #include "ports/window_list_port.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/engine_session.h"
 
 #include <gtest/gtest.h>

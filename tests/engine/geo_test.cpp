@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/geo.h"
 
 #include "engine/engine_test.h"

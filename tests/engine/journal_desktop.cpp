@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/journal_desktop.h"
 
 #include "model/call_on_end.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/random_desktop.h"
 
 #include "model/action_id.h"

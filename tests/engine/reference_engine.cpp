@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/reference_engine.h"
 
 #include "engine/reference_rect.h"

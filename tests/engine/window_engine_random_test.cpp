@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/engine_test.h"
 #include "engine/window_engine.h"
 

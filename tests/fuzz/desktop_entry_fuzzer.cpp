@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "fuzz/input.h"
 #include "platform/xdg/command_line.h"
 #include "platform/xdg/desktop_entry.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "fuzz/input.h"
 #include "platform/plasma/shortcut_keys.h"
 #include "platform/xkb/keycode_table.h"

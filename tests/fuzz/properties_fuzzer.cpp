@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "fuzz/input.h"
 #include "platform/x11/displays/usable_area.h"
 #include "platform/x11/server/atoms.h"

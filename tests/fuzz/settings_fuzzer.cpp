@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "fuzz/input.h"
 #include "model/settings/settings_codec.h"
 #include "model/settings/settings_merge.h"

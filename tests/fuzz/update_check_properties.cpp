@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "update_check_properties.h"
 
 #include "app/update_feed.h"

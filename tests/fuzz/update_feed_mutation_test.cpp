@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "app/update_feed.h"
 #include "update_check_properties.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "fuzz/input.h"
 #include "fuzz/update_check_properties.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "look/pixel_grid.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Checks the sources of the macOS back end for Apple's targets, on Linux and without Apple's headers.
 #   check.sh compile SOURCE...    compiles for both processors without a warning, and compares the undefined
 #                                 symbols with symbols.txt, which lists each after the library that exports it

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "macos/cocoa_windows.h"
 
 #include "macos/fake/fake_mac.h"

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Cross-compiles and links the program for macOS on Linux, with the Apple branch of the CMake files, and
 # compares the symbols imported from the frameworks with symbols.txt. docs/macos.md says what that proves.
 #   cross.sh [arm64|x86_64|all]      default: arm64

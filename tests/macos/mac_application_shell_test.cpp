@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "macos/mac_application_test.h"
 #include "platform/macos/shell/single_instance.h"
 #include "settings_ui/recorder_button.h"

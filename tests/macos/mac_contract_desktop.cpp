@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "contract/contract_desktop.h"
 #include "macos/fake/fake_mac.h"
 #include "platform/macos/desktop.h"

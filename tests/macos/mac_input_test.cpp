@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "macos/fake/fake_menus.h"
 #include "macos/mac_test.h"
 

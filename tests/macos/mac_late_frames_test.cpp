@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/ax.h"
 #include "macos/mac_test.h"
 

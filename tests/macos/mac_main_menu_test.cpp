@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "app/main_menu.h"
 #include "macos/fake/fake_menus.h"
 #include "macos/mac_test.h"

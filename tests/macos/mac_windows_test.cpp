@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "macos/fake/fake_windows.h"
 #include "macos/mac_test.h"
 #include "platform/macos/shell/accent_color.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "macos/mac_test.h"
 
 #include <stdexcept>

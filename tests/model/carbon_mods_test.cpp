@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/carbon_mods.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/json.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/key_names.h"
 
 #include "model/action_id.h"

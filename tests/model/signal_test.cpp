@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/signal.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/binding.h"
 #include "model/zone.h"
 

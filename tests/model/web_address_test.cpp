@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/web_address.h"
 
 #include <gtest/gtest.h>

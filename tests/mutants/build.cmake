@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Included in the project by script/mutants. Compiles the tests as unity builds, because they never change,
 # and the product's sources one by one, because each fault changes one of them.
 function(compile_in_batches folder)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Generates the faults of a source file and reads the list of accepted ones."""
 
 from dataclasses import dataclass

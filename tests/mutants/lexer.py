@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Splits C++ and Objective-C++ sources into tokens, in as much detail as fault injection needs."""
 
 import re

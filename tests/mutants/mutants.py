@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Injects small faults into the product and checks that its tests catch them. script/mutants starts it."""
 
 import argparse

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Tests which faults script/mutants generates, without compiling them."""
 
 import sys

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Mutation operators. Each one yields its edits of a source as (start, end, replacement)."""
 
 import re

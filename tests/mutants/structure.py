@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Finds the functions, statements and conditions of a source without type information."""
 
 from dataclasses import dataclass, field

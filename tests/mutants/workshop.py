@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """A copy of the tree with a build folder of its own, in which faults are injected and tested."""
 
 import json

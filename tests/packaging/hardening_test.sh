@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Checks that programs of the release build are hardened.
 #   hardening_test.sh ROOT BUILD PROGRAM...
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs the program below a scratch folder and checks what lies there: the list of files, and each file by
 # the tool that reads it.
 #   install_test.sh BUILD CMAKE

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Configures the project for macOS with stand-ins for the packages, and builds it with stand-ins for the
 # tools. Checks what is compiled and linked, and that the bundle is complete and signed again after each
 # change of one of its parts.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs a package into a new minimal Debian system, starts the program there on a virtual display with a
 # window manager, snaps the window of an editor, removes the package, and checks that nothing is left but
 # the user's settings. Needs root and debootstrap. Logs are kept beside ROOT, and printed when a step fails.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Checks that every script parses, that the scripts call the right tools on macOS, and that script/bootstrap
 # waits for the lock of another package manager on Debian. Fakes stand in for the tools of both systems.
 #   scripts_test.sh ROOT

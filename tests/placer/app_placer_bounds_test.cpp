@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "placer/placer_test.h"
 
 namespace tessarel {

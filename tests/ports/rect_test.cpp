@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "ports/rect.h"
 
 #include <gtest/gtest.h>

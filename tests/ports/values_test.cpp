@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "ports/displays_port.h"
 #include "ports/hot_key_port.h"
 #include "ports/local_keys_port.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/x11/child_process.h"
 #include "support/x11/x_server.h"
 

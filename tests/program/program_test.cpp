@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/x11/program.h"
 
 #include "support/scratch_folder.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/x11/program.h"
 #include "support/x11/window_manager.h"
 #include "support/x11/x_server.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/general_tab_fixture.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/layouts_tab_test.h"
 
 #include "settings_ui/looks.h"

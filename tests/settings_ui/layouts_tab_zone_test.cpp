@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/action_id.h"
 #include "settings_ui/layouts_tab_test.h"
 

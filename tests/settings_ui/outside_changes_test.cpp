@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A tab that is refreshed, because settings have come from outside, while the user works with it.
 
 #include "settings_ui/general_tab_fixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_x11/qt_local_keys.h"
 #include "platform/x11/input/key_lookup.h"
 #include "settings_ui/kit/kit.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "look/contrast.h"
 #include "look/control_style.h"
 #include "look/palette.h"

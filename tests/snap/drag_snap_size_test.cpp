@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "snap/snap_test.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "snap/overlay_controller.h"
 
 #include "snap/snap_test.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/settings/app_settings.h"
 
 #include "model/action_id.h"

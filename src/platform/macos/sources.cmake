@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # The sources of the back end by folder, for the libraries on a Mac and for their tests elsewhere.
 set(MACOS_FOLDERS objects windows input shell)
 set(MACOS_objects conversions.mm notification_observer.mm)

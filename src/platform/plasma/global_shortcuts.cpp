@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/plasma/global_shortcuts.h"
 
 #include "model/action_id.h"

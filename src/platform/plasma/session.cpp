@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/plasma/session.h"
 
 #include <chrono>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/plasma/shortcut_keys.h"
 
 #include "model/carbon_mods.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/plasma/single_instance.h"
 
 #include "model/call_on_end.h"

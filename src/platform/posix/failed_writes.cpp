@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/posix/failed_writes.h"
 
 #include <csignal>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt/alert_dialog.h"
 
 #include "qt_values/text.h"

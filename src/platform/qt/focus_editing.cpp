@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt/focus_editing.h"
 
 #include <QApplication>

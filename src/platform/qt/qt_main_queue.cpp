@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt/qt_main_queue.h"
 
 #include "model/call_on_end.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt/qt_open_url.h"
 
 #include <QDesktopServices>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_wayland/layer_overlay.h"
 
 #include "platform/qt_wayland/compositor_connection.h"

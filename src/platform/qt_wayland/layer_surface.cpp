@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_wayland/layer_surface.h"
 
 #include "platform/qt/overlay/overlay_pixels.h"

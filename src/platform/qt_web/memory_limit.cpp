@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_web/memory_limit.h"
 
 #include <cstdlib>

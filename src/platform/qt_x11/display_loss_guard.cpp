@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_x11/display_loss_guard.h"
 
 #include <X11/Xlib.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_x11/keyboard_focus_watch.h"
 
 #include <QCoreApplication>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_xdg/application_chooser.h"
 
 #include "platform/qt_xdg/application_row.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_xdg/application_list.h"
 
 #include "qt_values/text.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_xdg/bus_probe.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_xdg/desktop_accent.h"
 
 #include "platform/xdg/home_folder.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_xdg/qt_appearance.h"
 
 #include "platform/qt_xdg/appearance.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/sim/sim_desktop.h"
 
 #include "model/carbon_mods.h"

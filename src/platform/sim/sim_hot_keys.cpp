@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/sim/sim_hot_keys.h"
 
 #include "model/binding.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/sim/sim_services.h"
 
 #include "model/call_on_end.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/wayland/accessibility.h"
 
 #include "platform/wayland/coordinates.h"

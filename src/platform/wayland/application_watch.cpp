@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/wayland/application_watch.h"
 
 #include <cerrno>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/wayland/applications.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/wayland/bus_link.h"
 
 #include "model/call_on_end.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/wayland/bus_messages.h"
 
 #include <cstddef>

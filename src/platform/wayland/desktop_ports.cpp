@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/wayland/desktop_ports.h"
 
 #include "platform/wayland/coordinates.h"

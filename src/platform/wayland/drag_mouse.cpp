@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/wayland/drag_mouse.h"
 
 #include "platform/wayland/coordinates.h"

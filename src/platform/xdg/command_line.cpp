@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/command_line.h"
 
 #include "platform/xdg/ascii.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/document_watch.h"
 
 #include <array>

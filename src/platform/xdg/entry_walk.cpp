@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/entry_walk.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/files.h"
 
 #include <sys/stat.h>

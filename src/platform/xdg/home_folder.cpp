@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/home_folder.h"
 
 #include "platform/xdg/environment.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/installed_applications.h"
 
 #include "platform/xdg/ascii.h"

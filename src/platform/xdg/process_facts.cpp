@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/process_facts.h"
 
 #include "platform/xdg/ascii.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/watch_plan.h"
 
 #include "platform/xdg/document_lock.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xkb/keycode_table.h"
 
 #include <algorithm>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/editor/zone_fields.h"
 
 #include "settings_ui/kit/kit.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/kit/fitted_text.h"
 
 #include "qt_values/text.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/kit/pop_up_button.h"
 
 #include "settings_ui/kit/fitted_text.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/kit/slider.h"
 
 #include <QWheelEvent>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "macos/fake/fake_objects.h"
 
 #import <AppKit/AppKit.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "macos/fake/fake_windows.h"
 
 #include "macos/fake/fake_objects.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include <unwind.h>
 
 // For GNU's Objective-C runtime, clang gives every function of an Objective-C++ source an exception

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/settings/settings_codec.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Random settings documents: an encoded document decodes to the same settings, and a damaged one is rejected
 // as a whole or decodes to settings that can be stored again.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/settings/settings_merge.h"
 
 #include "model/presets.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Two stores, as two copies of the program have them, and an editor share one document.
 
 #include "model/presets.h"

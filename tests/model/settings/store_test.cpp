@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/settings/store.h"
 
 #include "model/settings/memory_preferences.h"

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # A stand-in for Qt: empty targets with the names that the project links to.
 foreach(component Core Gui ${Qt6_FIND_COMPONENTS})
     if(NOT TARGET Qt6::${component})

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/posix/failed_writes.h"
 
 #include "support/scratch_folder.h"

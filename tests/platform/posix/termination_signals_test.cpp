@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/posix/termination_signals.h"
 
 #include "support/main_queue.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt/qt_alerts.h"
 
 #include "platform/qt/alert_dialog.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt/qt_open_panel.h"
 
 #include "platform/qt/qt_main_queue.h"

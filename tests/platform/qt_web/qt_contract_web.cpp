@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "contract/contract_web.h"
 #include "platform/qt/system_wall_clock.h"
 #include "platform/qt_web/process/qt_url_loading_process.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_web/qt_url_loading.h"
 
 #include "web_test.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "app/updater.h"
 #include "platform/qt_web/qt_url_loading.h"
 #include "platform/sim/sim_desktop.h"

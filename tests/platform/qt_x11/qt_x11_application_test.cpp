@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_x11/qt_x11_application.h"
 
 #include "support/offscreen_test.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_xdg/application_icon.h"
 
 #include "support/offscreen_test.h"

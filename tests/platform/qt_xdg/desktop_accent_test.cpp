@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_xdg/desktop_accent.h"
 
 #include "support/offscreen_test.h"

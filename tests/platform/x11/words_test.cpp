@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/words.h"
 
 #include <gmock/gmock.h>

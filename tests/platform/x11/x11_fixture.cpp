@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/x11_fixture.h"
 
 #include "support/x11/chosen_window_manager.h"

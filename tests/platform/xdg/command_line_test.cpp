@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/command_line.h"
 
 #include <gtest/gtest.h>

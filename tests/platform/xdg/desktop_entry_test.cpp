@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/desktop_entry.h"
 
 #include <gtest/gtest.h>

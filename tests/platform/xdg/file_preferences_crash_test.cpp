@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Interrupts a save, or makes it fail, at each of its system calls in turn, and checks what is left on the
 // disk.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/file_preferences.h"
 
 #include "model/settings/store.h"

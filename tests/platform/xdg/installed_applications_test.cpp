@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/installed_applications.h"
 
 #include "support/scratch_folder.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/login_item.h"
 
 #include "platform/xdg/desktop_entry.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/offered_applications.h"
 
 #include "platform/xdg/installed_applications.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/process_facts.h"
 
 #include "support/scratch_folder.h"

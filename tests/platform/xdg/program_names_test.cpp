@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/program_names.h"
 
 #include "support/scratch_folder.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Interrupts a save of a document that another copy has changed, or makes it fail, at each of its system
 // calls in turn: reading, merging, locking and writing.
 

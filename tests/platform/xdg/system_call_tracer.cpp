@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "system_call_tracer.h"
 
 #include <csignal>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/xdg/utf8.h"
 
 #include <gtest/gtest.h>

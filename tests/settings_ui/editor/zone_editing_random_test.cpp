@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/presets.h"
 #include "settings_ui/editor/zone_editing.h"
 #include "support/long_run.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/editor/zone_editor_picture.h"
 
 #include "model/presets.h"

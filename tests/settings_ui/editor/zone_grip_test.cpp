@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/editor/zone_editing_fixture.h"
 
 namespace tessarel {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/kit/kit.h"
 
 #include "settings_ui/settings_ui_test.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "settings_ui/kit/segmented_control.h"
 
 #include "settings_ui/kit/kit.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/plasma/fake_input.h"
 
 #include "fake-input-client.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/plasma/plasma_session.h"
 
 #include <algorithm>

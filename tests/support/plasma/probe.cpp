@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/plasma/probe.h"
 
 #include "model/json.h"

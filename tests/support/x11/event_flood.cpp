@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/x11/event_flood.h"
 
 #include "support/x11/keyboard.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "support/x11/test_client.h"
 
 #include <csignal>

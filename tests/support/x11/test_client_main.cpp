@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // A program whose windows the tests move: it executes commands from its standard input and replies to each
 // with one line. It does not depend on Tessarel.
 #include "support/x11/x_connection.h"

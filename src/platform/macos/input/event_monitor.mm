@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/input/event_monitor.h"
 
 #include "platform/macos/objects/callback_edge.h"

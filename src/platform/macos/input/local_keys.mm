@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/input/local_keys.h"
 
 #include "model/call_on_end.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/input/mouse.h"
 
 #include "platform/macos/input/event_monitor.h"

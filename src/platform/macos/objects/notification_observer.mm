@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/objects/notification_observer.h"
 
 #include "platform/macos/objects/callback_edge.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/shell/accent_color.h"
 
 #import <AppKit/AppKit.h>

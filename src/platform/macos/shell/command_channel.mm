@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/shell/command_channel.h"
 
 #include "model/config.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/shell/open_panel.h"
 
 #include "platform/macos/objects/conversions.h"

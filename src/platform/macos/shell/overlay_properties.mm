@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/shell/overlay_properties.h"
 
 #import <AppKit/AppKit.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/shell/own_application.h"
 
 #import <AppKit/AppKit.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/shell/preferences.h"
 
 #include "model/call_on_end.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/shell/reopen_requests.h"
 
 #include "platform/macos/objects/callback_edge.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/shell/status_item.h"
 
 #include "model/call_on_end.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/shell/trust.h"
 
 #include <ApplicationServices/ApplicationServices.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/windows/accessibility.h"
 
 #include "platform/macos/objects/conversions.h"

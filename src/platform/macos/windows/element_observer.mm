@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/windows/element_observer.h"
 
 #include "platform/macos/objects/callback_edge.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/windows/late_frames.h"
 
 #include <utility>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/windows/running_applications.h"
 
 #include "model/call_on_end.h"

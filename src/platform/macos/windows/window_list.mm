@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/macos/windows/window_list.h"
 
 #include "platform/macos/objects/conversions.h"

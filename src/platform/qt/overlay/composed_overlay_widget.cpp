@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt/overlay/composed_overlay_widget.h"
 
 #include "platform/qt/overlay/overlay_pixels.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt/overlay/overlay_text.h"
 
 #include <QFontDatabase>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_web/process/qt_url_loading_process.h"
 
 #include "platform/qt_web/process/ending_processes.h"

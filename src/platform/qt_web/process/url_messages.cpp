@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_web/process/url_messages.h"
 
 #include <QJsonDocument>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_x11/overlay/compositor_watch.h"
 
 #include "platform/qt_x11/qt_connection.h"

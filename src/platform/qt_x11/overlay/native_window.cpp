@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_x11/overlay/native_window.h"
 
 #include "platform/qt/overlay/overlay_pixels.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_x11/overlay/palette_canvas.h"
 
 #include "platform/qt_x11/overlay/outline_figures.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 #include "platform/qt_x11/overlay/outline_figures.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_x11/overlay/x11_overlay.h"
 
 #include "platform/qt_x11/overlay/x11_overlay_window.h"

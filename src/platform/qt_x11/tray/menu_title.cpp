@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_x11/tray/menu_title.h"
 
 #include "qt_values/text.h"

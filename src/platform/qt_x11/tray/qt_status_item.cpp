@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_x11/tray/qt_status_item.h"
 
 #include "model/call_on_end.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/sim/windows/sim_displays.h"
 
 namespace tessarel::sim {

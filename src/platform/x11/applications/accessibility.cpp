@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/applications/accessibility.h"
 
 #include "platform/x11/displays/conversions.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/applications/application_watch.h"
 
 #include "platform/x11/server/property.h"

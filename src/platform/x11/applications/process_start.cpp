@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/applications/process_start.h"
 
 #include <fstream>

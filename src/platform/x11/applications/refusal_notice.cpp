@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/applications/refusal_notice.h"
 
 #include "model/config.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/applications/workspace.h"
 
 #include <unistd.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/input/key_names.h"
 
 #include "model/key_names.h"

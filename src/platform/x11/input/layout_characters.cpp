@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/input/layout_characters.h"
 
 #include "platform/xkb/keycode_table.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/input/lock_modifiers.h"
 
 #include <xcb/xcb.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/input/modifier_flags.h"
 
 #include <xcb/xproto.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/input/mouse.h"
 
 #include "model/call_on_end.h"

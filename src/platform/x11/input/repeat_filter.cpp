@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/input/repeat_filter.h"
 
 namespace tessarel::x11 {

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #pragma once
 
 // Includes <xcb/xkb.h>, a C header with fields named `explicit`, which is a keyword in C++.

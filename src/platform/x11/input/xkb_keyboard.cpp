@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/input/xkb_keyboard.h"
 
 #include "platform/x11/input/xcb_xkb.h"

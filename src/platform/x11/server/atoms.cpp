@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/server/atoms.h"
 
 #include "platform/x11/server/reply.h"

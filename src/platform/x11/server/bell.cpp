@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/server/bell.h"
 
 #include <xcb/xcb.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/server/connection.h"
 
 #include <cstdlib>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/server/trust.h"
 
 #include "model/config.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/server/window_manager_check.h"
 
 #include "platform/x11/server/atoms.h"

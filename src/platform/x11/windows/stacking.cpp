@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/windows/stacking.h"
 
 #include <algorithm>

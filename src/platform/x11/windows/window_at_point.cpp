@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/windows/window_at_point.h"
 
 #include "platform/x11/windows/climb.h"

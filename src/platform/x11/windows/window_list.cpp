@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/windows/window_list.h"
 
 #include "platform/x11/displays/conversions.h"

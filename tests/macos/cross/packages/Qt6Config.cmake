@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Qt for macOS, as far as needed to compile and link against it: the headers of this machine's Qt, which are
 # the same on every system, and a stub of each library.
 get_filename_component(sdk ${CMAKE_CURRENT_LIST_DIR} DIRECTORY)

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 get_filename_component(sdk ${CMAKE_CURRENT_LIST_DIR} DIRECTORY)
 if(NOT TARGET nlohmann_json::nlohmann_json)
     add_library(nlohmann_json::nlohmann_json INTERFACE IMPORTED)

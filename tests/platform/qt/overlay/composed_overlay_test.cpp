@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt/overlay/composed_overlay.h"
 
 #include "platform/sim/time/sim_clock.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt/overlay/overlay_pixels.h"
 
 #include <gtest/gtest.h>

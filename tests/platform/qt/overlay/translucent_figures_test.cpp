@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt/overlay/translucent_figures.h"
 
 #include "support/offscreen_test.h"

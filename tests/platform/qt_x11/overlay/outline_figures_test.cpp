@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_x11/overlay/outline_figures.h"
 
 #include "support/offscreen_test.h"

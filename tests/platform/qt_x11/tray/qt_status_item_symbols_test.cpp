@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "look/contrast.h"
 #include "platform/qt_x11/tray/status_symbols.h"
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/qt_x11/tray/qt_status_item.h"
 
 #include "platform/sim/time/sim_clock.h"

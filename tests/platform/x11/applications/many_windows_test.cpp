@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "engine/ax.h"
 #include "engine/geo.h"
 #include "engine/permissions.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/manual_queue.h"
 #include "platform/x11/x11_fixture.h"
 #include "support/scratch_folder.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/displays/conversions.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/displays/usable_area.h"
 
 #include <gtest/gtest.h>

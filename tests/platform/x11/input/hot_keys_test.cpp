@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/input/hot_keys.h"
 
 #include "model/settings/app_settings.h"

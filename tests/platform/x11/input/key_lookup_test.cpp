@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/input/key_lookup.h"
 
 #include "platform/x11/input/modifier_flags.h"

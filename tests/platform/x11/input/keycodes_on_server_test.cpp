@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "model/key_names.h"
 #include "platform/xkb/keycode_table.h"
 #include "support/x11/x_connection.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/input/mouse.h"
 
 #include "platform/x11/x11_fixture.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Compares the identifiers of real programs with the expected ones. Needs the packages of the group
 // "programs" of script/bootstrap.
 

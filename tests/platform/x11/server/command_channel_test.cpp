@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/server/command_channel.h"
 
 #include "platform/x11/event_loop.h"

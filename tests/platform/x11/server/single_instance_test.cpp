@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/server/single_instance.h"
 
 #include "platform/x11/event_loop.h"

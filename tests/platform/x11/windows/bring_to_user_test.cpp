@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/windows/bring_to_user.h"
 
 #include "platform/x11/server/server_time.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/server/event.h"
 #include "platform/x11/windows/placement.h"
 #include "platform/x11/x11_fixture.h"

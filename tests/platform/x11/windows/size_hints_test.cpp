@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/windows/size_hints.h"
 
 #include <gtest/gtest.h>

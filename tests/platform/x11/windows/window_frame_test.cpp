@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 #include "platform/x11/windows/window_frame.h"
 
 #include <gtest/gtest.h>
