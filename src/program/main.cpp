@@ -76,6 +76,7 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
     describeProgramToQt();
     std::optional<qt::DisplayLossGuard> guard(std::in_place, connection.fileDescriptor(), endWithoutDisplay);
     const QApplication application(argumentCount, arguments.data());
+    useControlStyle();
     guard.reset();
     bus.start();
     // QApplication has set the user's locale, whose decimal point may have several bytes; see `readJson`.

@@ -30,6 +30,7 @@ int run(int argumentCount, char** arguments) {
     describeProgramToQt();
     MacProgram::prepareToolkit();
     const QApplication application(argumentCount, arguments);
+    useControlStyle();
     // QApplication has set the user's locale, whose decimal point may have several bytes; see `readJson`.
     std::setlocale(LC_NUMERIC, "C");
     MacProgram program([](QWidget& widget) { return std::bit_cast<void*>(widget.winId()); });

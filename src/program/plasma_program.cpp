@@ -87,6 +87,7 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
     QApplication::setDesktopSettingsAware(false);
     describeProgramToQt();
     const QApplication application(argumentCount, arguments.data());
+    useControlStyle();
     bus.start();
     // QApplication has set the user's locale, whose decimal point may have several bytes; see `readJson`.
     std::setlocale(LC_NUMERIC, "C");

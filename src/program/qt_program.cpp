@@ -11,14 +11,16 @@
 namespace tessarel {
 
 void describeProgramToQt() {
-    // The same style on every system; it takes its colours from the palette.
-    QApplication::setStyle(new ControlStyle);
     QApplication::setApplicationName(toQString(Config::appName));
     // The name of the desktop entry, by which panels and portals know the windows.
     QApplication::setDesktopFileName(toQString(Config::bundleID));
     QApplication::setApplicationVersion(toQString(Config::version));
     // The program goes on in the status area when its windows are closed.
     QApplication::setQuitOnLastWindowClosed(false);
+}
+
+void useControlStyle() {
+    QApplication::setStyle(new ControlStyle);
 }
 
 } // namespace tessarel

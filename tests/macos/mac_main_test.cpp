@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 
+#include "look/control_style.h"
 #include "macos/fake/fake_mac.h"
 #include "macos/fake/fake_menus.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QString>
 #include <gtest/gtest.h>
 
@@ -109,6 +110,20 @@ TEST_F(MacMainTest, NumbersAreNotWrittenInTheUsersLocale) {
     qunsetenv("LC_ALL");
 
     EXPECT_EQ(locale, "C");
+}
+
+TEST_F(MacMainTest, AStyleNamedInTheEnvironmentIsNotUsed) {
+    qputenv("QT_STYLE_OVERRIDE", "Windows");
+    bool isOwn = false;
+
+    EXPECT_EQ(run([&] {
+                  isOwn = dynamic_cast<const ControlStyle*>(QApplication::style()) != nullptr;
+                  QCoreApplication::quit();
+              }),
+              EXIT_SUCCESS);
+    qunsetenv("QT_STYLE_OVERRIDE");
+
+    EXPECT_TRUE(isOwn);
 }
 
 TEST_F(MacMainTest, QtKnowsTheProgramAndReportsItsMessagesToIt) {
