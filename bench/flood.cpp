@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 // Measures hot keys while another client floods the display with events: how long a press takes, whether one
-// is lost, how soon the program is back to normal, whether it still ends when it is told to, and what the
-// flood leaves in its memory.
+// is lost, how soon the program is back to normal, whether SIGTERM still ends it, and how much memory the
+// flood leaves behind.
 //
 //   flood DIRECTORY [PRESSES] [EVENTS_PER_SECOND]
 

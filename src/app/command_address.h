@@ -13,8 +13,8 @@ namespace tessarel {
 /// "tessarel://left-half", "tessarel://layout/My%20desk", "tessarel://pause/toggle". Returns `std::nullopt`
 /// for anything else.
 ///
-/// Any web page can ask the system to open an address. So there is none for quitting, nor for a list, which
-/// nobody would receive.
+/// Any web page can ask the system to open an address. So there is none for quitting, nor for a list,
+/// because an address has no output.
 [[nodiscard]] std::optional<std::vector<std::string>> commandInAddress(std::string_view address);
 
 } // namespace tessarel

@@ -71,7 +71,7 @@ struct UserMove {
 ///
 /// Reports are applied at once, maybe while the main thread waits for one. The signals about them are sent by
 /// `deliver`, in the order of the reports. Call it after each report, so that handlers find the state that
-/// they are told of, but not during a wait.
+/// the signal is about, but not during a wait.
 class Mirror {
 public:
     /// Everything that the compositor reports on startup.
