@@ -30,6 +30,7 @@ struct CommandAnswer {
 struct SentCommand {
     enum class Outcome : std::uint8_t {
         Answered,
+        NoDesktop,  ///< the desktop cannot be reached; the text of the answer says why
         NoReceiver, ///< no copy of the program runs on this desktop
         NoAnswer,   ///< it has not answered in time, or has ended meanwhile
     };

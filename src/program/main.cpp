@@ -22,6 +22,7 @@
 #include "platform/qt_xdg/session_bus.h"
 #include "platform/x11/input/key_lookup.h"
 #include "platform/x11/server/command_channel.h"
+#include "platform/x11/server/command_sender.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/bring_to_user.h"
 #include "platform/x11/x11_desktop.h"
@@ -91,15 +92,6 @@ int runLoop(const char* programName, qt::QtMainQueue& queue, qt::TerminationSign
     const int exitCode = QCoreApplication::exec(); // see SessionBus::start
     delegate.reset();
     return exitCode;
-}
-
-/// Sends a command to the copy that runs on this display. Returns the exit code.
-int sendToRunningCopy(const std::vector<std::string>& words) {
-    qt::QtMainQueue queue;
-    const auto [connection, failure] = x11::Connection::open(nullptr, queue);
-    if (!connection)
-        return report(CommandExit::Failed, "cannot open the X display: " + failure);
-    return report(x11::sendCommand(*connection, words));
 }
 
 /// Builds the program and runs it. Registers with the desktop first and starts Qt, which takes longer,
@@ -213,7 +205,7 @@ int main(int argumentCount, char** arguments) {
     if (line.exitCode)
         return *line.exitCode;
     if (!line.words.empty())
-        return tessarel::sendToRunningCopy(line.words);
+        return tessarel::report(tessarel::x11::sendCommand(nullptr, line.words));
     const std::optional<int> exitCode = tessarel::runOnPlasma(arguments[0]);
     return exitCode ? *exitCode : tessarel::run(arguments[0]);
 }

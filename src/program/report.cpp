@@ -22,6 +22,8 @@ int report(const SentCommand& sent) {
     switch (sent.outcome) {
     case SentCommand::Outcome::Answered:
         return report(static_cast<CommandExit>(sent.answer.exitCode), sent.answer.text);
+    case SentCommand::Outcome::NoDesktop:
+        return report(CommandExit::Failed, sent.answer.text);
     case SentCommand::Outcome::NoReceiver:
         return report(CommandExit::NotRunning, "Tessarel does not run on this display");
     case SentCommand::Outcome::NoAnswer:

@@ -27,7 +27,7 @@ protected:
         EXPECT_TRUE(desktop.start());
         // The hot keys are there a little earlier.
         EXPECT_TRUE(desktop.observer().waitUntil([this] {
-            return !desktop.observer().values(desktop.observer().root(), "_TESSAREL_COMMANDS").empty();
+            return desktop.observer().selectionOwner("_TESSAREL_COMMANDS_S0") != XCB_WINDOW_NONE;
         }));
     }
 

@@ -53,9 +53,7 @@ constexpr std::array<std::string_view, kCount> kNames = {
     "_NET_WM_WINDOW_TYPE_TOOLTIP",
     "_NET_WM_WINDOW_TYPE_UTILITY",
     "_NET_WORKAREA",
-    "_TESSAREL_ANSWER",
     "_TESSAREL_COMMAND",
-    "_TESSAREL_COMMANDS",
     "UTF8_STRING",
     "WM_STATE",
 };

@@ -54,9 +54,7 @@ enum class Atom : std::size_t {
     NetWmWindowTypeTooltip,
     NetWmWindowTypeUtility,
     NetWorkarea,
-    TessarelAnswer,
     TessarelCommand,
-    TessarelCommands,
     Utf8String,
     WmState,
     kCount

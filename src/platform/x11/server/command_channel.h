@@ -14,13 +14,13 @@
 
 namespace tessarel::x11 {
 
-/// Receives the commands of other processes on the same X screen.
+/// Receives the commands of other processes on the same X screen, as the owner of the selection
+/// "_TESSAREL_COMMANDS_S<screen>".
 ///
-/// The channel has a window, whose id stands in "_TESSAREL_COMMANDS" of the root window and of the window
-/// itself. A sender sets "_TESSAREL_COMMAND" on a window of its own to the words of the command, separated by
-/// NUL bytes, and sends the channel's window a client message of that type with the id of its window. The
-/// answer arrives as "_TESSAREL_ANSWER" on the sender's window: the exit code as one byte, then the text.
-/// Every client of the server can send commands; a client could move the windows without us, too.
+/// A sender sets "_TESSAREL_COMMAND" on a window of its own to the words of the command, with a NUL byte
+/// after each, and converts the selection to that property, with that atom as the target. The answer replaces
+/// the words: the exit code as one byte, then the text. Every client of the server can send commands; a
+/// client could move the windows without us, too.
 class CommandChannel {
 public:
     /// Calls `run` with the words of each command until this object is destroyed; a word may be empty and
@@ -37,11 +37,8 @@ private:
     Connection& m_connection;
     std::function<CommandAnswer(const std::vector<std::string>&)> m_run;
     xcb_window_t m_window;
+    xcb_atom_t m_selection;
     SubscriptionPtr m_events;
 };
-
-/// Sends a command to the channel of the screen, and waits for the answer at most `kCommandPatience`. A word
-/// ends at its first NUL byte.
-[[nodiscard]] SentCommand sendCommand(Connection& connection, const std::vector<std::string>& words);
 
 } // namespace tessarel::x11

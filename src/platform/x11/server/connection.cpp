@@ -2,21 +2,12 @@
 
 #include "platform/x11/server/connection.h"
 
-#include <cstdlib>
 #include <poll.h>
 #include <utility>
 
 namespace tessarel::x11 {
 
 namespace {
-
-/// Returns the screen with index `number`, or null when the server has no such screen.
-const xcb_screen_t* screenOf(xcb_connection_t* xcb, int number) {
-    xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(xcb));
-    for (; screens.rem > 0 && number > 0; --number)
-        xcb_screen_next(&screens);
-    return screens.rem > 0 ? screens.data : nullptr;
-}
 
 // poll() runs in real time, even when a test drives the clock of the main queue.
 using Clock = std::chrono::steady_clock;
@@ -28,35 +19,22 @@ bool waitUntilReadable(int fileDescriptor, Clock::time_point deadline) {
     return left.count() > 0 && poll(&watched, 1, static_cast<int>(left.count())) != 0;
 }
 
-/// Returns the display name for the error text: `displayName`, else $DISPLAY, else an empty string.
-std::string nameOf(const char* displayName) {
-    if (displayName)
-        return displayName;
-    const char* const inherited = std::getenv("DISPLAY");
-    return inherited ? inherited : "";
-}
-
 } // namespace
 
 Connection::Opened Connection::open(const char* displayName, MainQueuePort& queue) {
-    int screenNumber = 0;
-    xcb_connection_t* const xcb = xcb_connect(displayName, &screenNumber);
-    if (xcb_connection_has_error(xcb) || !screenOf(xcb, screenNumber)) {
-        xcb_disconnect(xcb);
-        const std::string name = nameOf(displayName);
-        return {nullptr, name.empty() ? "No X display: $DISPLAY is not set."
-                                      : "The X display \"" + name + "\" does not answer."};
-    }
+    OpenedDisplay display = openDisplay(displayName);
+    if (!display.screen)
+        return {nullptr, std::move(display.failure)};
     // The constructor first interns the atoms; the extension replies arrive in that same round trip.
-    Extensions::prefetch(xcb);
-    std::unique_ptr<Connection> connection(new Connection(xcb, screenNumber, queue));
+    Extensions::prefetch(display.xcb.get());
+    std::unique_ptr<Connection> connection(new Connection(std::move(display), queue));
     connection->readQueued(); // xcb may have read events along with the replies
     return {std::move(connection), {}};
 }
 
-Connection::Connection(xcb_connection_t* xcb, int screenNumber, MainQueuePort& queue)
-    : m_xcb(xcb), m_queue(queue), m_screenNumber(screenNumber), m_screen(screenOf(xcb, screenNumber)),
-      m_atoms(xcb), m_extensions(Extensions::query(xcb)),
+Connection::Connection(OpenedDisplay display, MainQueuePort& queue)
+    : m_xcb(std::move(display.xcb)), m_queue(queue), m_screenNumber(display.screenNumber),
+      m_screen(display.screen), m_atoms(m_xcb.get()), m_extensions(Extensions::query(m_xcb.get())),
       m_events({m_screen->root, {m_atoms[Atom::NetClientList], m_atoms[Atom::NetActiveWindow]}}) {}
 
 Connection::~Connection() = default;

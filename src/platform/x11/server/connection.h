@@ -5,6 +5,7 @@
 #include "model/signal.h"
 #include "model/subscription.h"
 #include "platform/x11/server/atoms.h"
+#include "platform/x11/server/display.h"
 #include "platform/x11/server/event_queue.h"
 #include "platform/x11/server/extensions.h"
 #include "platform/x11/server/reply.h"
@@ -156,7 +157,7 @@ public:
     [[nodiscard]] std::size_t roundTrips() const { return m_roundTrips; }
 
 private:
-    Connection(xcb_connection_t* xcb, int screenNumber, MainQueuePort& queue);
+    Connection(OpenedDisplay display, MainQueuePort& queue);
 
     void beginReply();
     void endReply();
@@ -169,11 +170,7 @@ private:
     void endTurn();
     void reportLoss();
 
-    struct Disconnect {
-        void operator()(xcb_connection_t* xcb) const { xcb_disconnect(xcb); }
-    };
-
-    std::unique_ptr<xcb_connection_t, Disconnect> m_xcb;
+    XcbConnection m_xcb;
     MainQueuePort& m_queue;
     int m_screenNumber;
     const xcb_screen_t* m_screen;

@@ -3,6 +3,7 @@
 #include "platform/x11/server/command_channel.h"
 
 #include "platform/x11/event_loop.h"
+#include "platform/x11/server/command_sender.h"
 #include "support/x11/observer.h"
 #include "support/x11/x_server.h"
 
@@ -13,6 +14,7 @@
 #include <string>
 #include <string_view>
 #include <thread>
+#include <utility>
 #include <vector>
 
 namespace tessarel::x11 {
@@ -39,18 +41,25 @@ protected:
                             value.data());
     }
 
-    /// Sends the channel the message that names `sender`.
-    void send(xcb_window_t sender, std::string_view type = "_TESSAREL_COMMAND") {
-        xcb_client_message_event_t message{};
-        message.response_type = XCB_CLIENT_MESSAGE;
-        message.format = 32;
-        message.window = observer.values(observer.root(), "_TESSAREL_COMMANDS").at(0);
-        message.type = observer.x().atom(type);
-        message.data.data32[0] = sender;
-        xcb_send_event(x(), 0, message.window, XCB_EVENT_MASK_NO_EVENT,
-                       reinterpret_cast<const char*>(&message));
+    [[nodiscard]] xcb_atom_t selection() { return observer.x().atom("_TESSAREL_COMMANDS_S0"); }
+
+    [[nodiscard]] xcb_window_t receiver() { return observer.selectionOwner("_TESSAREL_COMMANDS_S0"); }
+
+    /// Sends the channel the command that stands on `sender`.
+    void send(xcb_window_t sender, std::string_view target = "_TESSAREL_COMMAND",
+              std::string_view property = "_TESSAREL_COMMAND") {
+        xcb_convert_selection(x(), sender, selection(), observer.x().atom(target),
+                              observer.x().atom(property), XCB_CURRENT_TIME);
         observer.x().roundTrip();
         loop.settle();
+    }
+
+    /// Waits for the next event of that type.
+    auto next(std::uint8_t type) {
+        auto event = own(xcb_wait_for_event(x()));
+        while (event && (event->response_type & 0x7F) != type)
+            event = own(xcb_wait_for_event(x()));
+        return event;
     }
 
     x11test::XServer server;
@@ -73,8 +82,8 @@ TEST_F(CommandChannelTest, ACommandIsAnsweredOnTheWindowOfItsSender) {
     send(sender);
 
     EXPECT_EQ(received, (std::vector<Words>{{"layout", "My \xC3\xA9 desk"}}));
-    EXPECT_EQ(observer.text(sender, "_TESSAREL_ANSWER"), "\x04"
-                                                         "because");
+    EXPECT_EQ(observer.text(sender, "_TESSAREL_COMMAND"), "\x04"
+                                                          "because");
 }
 
 TEST_F(CommandChannelTest, WordsMayBeEmpty) {
@@ -95,13 +104,11 @@ TEST_F(CommandChannelTest, WhatIsNoCommandHasNoWords) {
     set(otherType, "STRING", "quit");
     const xcb_window_t tooLong = newWindow();
     set(tooLong, "UTF8_STRING", std::string(kLongestCommand + 1, 'a'));
-    const xcb_window_t gone = newWindow();
-    xcb_destroy_window(x(), gone);
 
-    for (const xcb_window_t sender : {nothing, otherType, tooLong, gone, xcb_window_t{XCB_WINDOW_NONE}})
+    for (const xcb_window_t sender : {nothing, otherType, tooLong})
         send(sender);
 
-    EXPECT_EQ(received, std::vector<Words>(5));
+    EXPECT_EQ(received, std::vector<Words>(3));
 }
 
 TEST_F(CommandChannelTest, TheLongestCommandIsReadWhole) {
@@ -115,12 +122,37 @@ TEST_F(CommandChannelTest, TheLongestCommandIsReadWhole) {
     EXPECT_EQ(received, (std::vector<Words>{{word}}));
 }
 
-TEST_F(CommandChannelTest, OtherMessagesAreIgnored) {
+TEST_F(CommandChannelTest, ASenderThatIsGoneHasSentNoWords) {
+    loop.settle();
+    const xcb_window_t sender = newWindow();
+    set(sender, "UTF8_STRING", "quit");
+    xcb_convert_selection(x(), sender, selection(), observer.x().atom("_TESSAREL_COMMAND"),
+                          observer.x().atom("_TESSAREL_COMMAND"), XCB_CURRENT_TIME);
+    xcb_destroy_window(x(), sender);
+    observer.x().roundTrip();
+
     loop.settle();
 
-    send(newWindow(), "_TESSAREL_ANSWER");
+    EXPECT_EQ(received, std::vector<Words>(1));
+}
+
+TEST_F(CommandChannelTest, OtherConversionsAreRefused) {
+    loop.settle();
+    const xcb_window_t sender = newWindow();
+    set(sender, "UTF8_STRING", "quit");
+    using Conversion = std::pair<std::string_view, std::string_view>;
+
+    for (const auto& [target, property] :
+         {Conversion("TARGETS", "_TESSAREL_COMMAND"), Conversion("_TESSAREL_COMMAND", "WM_NAME")}) {
+        send(sender, target, property);
+        const auto refusal = next(XCB_SELECTION_NOTIFY);
+        ASSERT_TRUE(refusal);
+        EXPECT_EQ(reinterpret_cast<const xcb_selection_notify_event_t&>(*refusal).property,
+                  xcb_atom_t{XCB_ATOM_NONE});
+    }
 
     EXPECT_TRUE(received.empty());
+    EXPECT_EQ(observer.text(sender, "_TESSAREL_COMMAND"), "quit");
 }
 
 TEST_F(CommandChannelTest, AnEndedChannelLeavesNothingBehind) {
@@ -128,19 +160,22 @@ TEST_F(CommandChannelTest, AnEndedChannelLeavesNothingBehind) {
     channel.reset();
     loop.settle();
 
-    EXPECT_TRUE(observer.values(observer.root(), "_TESSAREL_COMMANDS").empty());
-    EXPECT_EQ(sendCommand(loop.connection(), {"quit"}).outcome, SentCommand::Outcome::NoReceiver);
+    EXPECT_EQ(receiver(), xcb_window_t{XCB_WINDOW_NONE});
+    EXPECT_EQ(sendCommand(server.display().c_str(), {"quit"}).outcome, SentCommand::Outcome::NoReceiver);
 }
 
 TEST_F(CommandChannelTest, AnEndedChannelKeepsTheOneThatHasReplacedIt) {
+    loop.settle();
+    const xcb_window_t first = receiver();
     const CommandChannel next(loop.connection(), [](const Words&) { return CommandAnswer{}; });
     loop.settle();
-    const auto window = observer.values(observer.root(), "_TESSAREL_COMMANDS");
+    const xcb_window_t second = receiver();
 
     channel.reset();
     loop.settle();
 
-    EXPECT_EQ(observer.values(observer.root(), "_TESSAREL_COMMANDS"), window);
+    EXPECT_NE(first, second);
+    EXPECT_EQ(receiver(), second);
 }
 
 /// A sender, whose receiver runs in another thread.
@@ -148,21 +183,20 @@ class SendCommandTest : public CommandChannelTest {
 protected:
     SendCommandTest() { channel.reset(); }
 
-    EventLoop sender{server.display()};
+    [[nodiscard]] SentCommand sendFromHere(const Words& words) const {
+        return sendCommand(server.display().c_str(), words);
+    }
 };
 
 TEST_F(SendCommandTest, WithoutAChannelThereIsNoReceiver) {
-    EXPECT_EQ(sendCommand(sender.connection(), {"quit"}).outcome, SentCommand::Outcome::NoReceiver);
+    EXPECT_EQ(sendFromHere({"quit"}).outcome, SentCommand::Outcome::NoReceiver);
 }
 
-TEST_F(SendCommandTest, AWindowThatIsNoChannelIsNoReceiver) {
-    loop.settle();
-    const xcb_window_t other = newWindow();
-    xcb_change_property(x(), XCB_PROP_MODE_REPLACE, observer.root(), observer.x().atom("_TESSAREL_COMMANDS"),
-                        XCB_ATOM_WINDOW, 32, 1, &other);
-    observer.x().roundTrip();
+TEST_F(SendCommandTest, WithoutADisplayThereIsNoDesktop) {
+    const SentCommand sent = sendCommand(":no-display", {"quit"});
 
-    EXPECT_EQ(sendCommand(sender.connection(), {"quit"}).outcome, SentCommand::Outcome::NoReceiver);
+    EXPECT_EQ(sent.outcome, SentCommand::Outcome::NoDesktop);
+    EXPECT_EQ(sent.answer.text, "cannot open the X display: The X display \":no-display\" does not answer.");
 }
 
 TEST_F(SendCommandTest, TheAnswerOfTheReceiverArrives) {
@@ -177,7 +211,7 @@ TEST_F(SendCommandTest, TheAnswerOfTheReceiverArrives) {
             loop.settle();
     });
 
-    const SentCommand sent = sendCommand(sender.connection(), {"pause", "on", ""});
+    const SentCommand sent = sendFromHere({"pause", "on", ""});
     receiver.join();
 
     EXPECT_EQ(sent.outcome, SentCommand::Outcome::Answered);
@@ -185,23 +219,40 @@ TEST_F(SendCommandTest, TheAnswerOfTheReceiverArrives) {
     EXPECT_EQ(received, (std::vector<Words>{{"pause", "on", ""}}));
 }
 
+TEST_F(SendCommandTest, AReceiverThatRefusesDoesNotAnswer) {
+    const xcb_window_t window = newWindow();
+    xcb_set_selection_owner(x(), window, selection(), XCB_CURRENT_TIME);
+    observer.x().roundTrip();
+    std::thread receiver([this] {
+        const auto request = next(XCB_SELECTION_REQUEST);
+        xcb_selection_notify_event_t refusal{};
+        refusal.response_type = XCB_SELECTION_NOTIFY;
+        refusal.requestor = reinterpret_cast<const xcb_selection_request_event_t&>(*request).requestor;
+        xcb_send_event(x(), 0, refusal.requestor, XCB_EVENT_MASK_NO_EVENT,
+                       reinterpret_cast<const char*>(&refusal));
+        xcb_flush(x());
+    });
+
+    const auto begin = std::chrono::steady_clock::now();
+    const SentCommand sent = sendFromHere({"quit"});
+    receiver.join();
+
+    EXPECT_EQ(sent.outcome, SentCommand::Outcome::NoAnswer);
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, kCommandPatience);
+}
+
 TEST_F(SendCommandTest, AReceiverThatEndsDoesNotAnswer) {
     const xcb_window_t window = newWindow();
-    for (const xcb_window_t place : {window, observer.root()})
-        xcb_change_property(x(), XCB_PROP_MODE_REPLACE, place, observer.x().atom("_TESSAREL_COMMANDS"),
-                            XCB_ATOM_WINDOW, 32, 1, &window);
+    xcb_set_selection_owner(x(), window, selection(), XCB_CURRENT_TIME);
     observer.x().roundTrip();
     std::thread receiver([this, window] {
-        while (const auto event = own(xcb_wait_for_event(x()))) {
-            if ((event->response_type & 0x7F) == XCB_CLIENT_MESSAGE)
-                break;
-        }
+        next(XCB_SELECTION_REQUEST);
         xcb_destroy_window(x(), window);
         xcb_flush(x());
     });
 
     const auto begin = std::chrono::steady_clock::now();
-    const SentCommand sent = sendCommand(sender.connection(), {"quit"});
+    const SentCommand sent = sendFromHere({"quit"});
     receiver.join();
 
     EXPECT_EQ(sent.outcome, SentCommand::Outcome::NoAnswer);
