@@ -65,6 +65,13 @@ int writeAndClose(int fd, std::string_view content) {
 
 } // namespace
 
+fs::path commandOf(const fs::path& executable) {
+    const fs::path folder = executable.parent_path();
+    const fs::path launcher = folder.parent_path().parent_path() / "bin" / executable.filename();
+    const bool isInstalled = folder.filename() == "tessarel" && folder.parent_path().filename() == "libexec";
+    return isInstalled && ::access(launcher.c_str(), X_OK) == 0 ? launcher : executable;
+}
+
 XdgLoginItem::XdgLoginItem(Setup setup)
     : m_setup(std::move(setup)),
       m_entry(m_setup.configHome.empty() ? fs::path() : m_setup.configHome / kEntryName) {}
@@ -72,7 +79,7 @@ XdgLoginItem::XdgLoginItem(Setup setup)
 XdgLoginItem::Setup XdgLoginItem::ofThisProgram(std::string name) {
     return {.configHome = configurationFolder(),
             .configFolders = systemConfigurationFolders(),
-            .program = runningProgram(),
+            .program = commandOf(runningProgram()),
             .name = std::move(name),
             .desktops = currentDesktops()};
 }

@@ -10,6 +10,11 @@
 
 namespace tessarel::xdg {
 
+/// Returns the command that starts the installed program `executable`: the launcher in the folder "bin" of
+/// the prefix whose "libexec/tessarel" the executable is in, else the executable itself. Commands are found
+/// in "bin" by every version; the folder below "libexec" belongs to this one.
+[[nodiscard]] std::filesystem::path commandOf(const std::filesystem::path& executable);
+
 /// Starts the program at login through an entry in the user's autostart folder, which the session of every
 /// desktop reads.
 ///
@@ -21,7 +26,7 @@ public:
     struct Setup {
         std::filesystem::path configHome;                 ///< the user's configuration folder, or empty
         std::vector<std::filesystem::path> configFolders; ///< the system's, the most important first
-        std::filesystem::path program;                    ///< absolute path of the executable
+        std::filesystem::path program;                    ///< absolute path of the command
         std::string name;                                 ///< shown in the desktop's settings
         std::vector<std::string> desktops;                ///< names of the present desktop
     };

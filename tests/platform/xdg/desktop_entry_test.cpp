@@ -2,6 +2,7 @@
 
 #include "platform/xdg/desktop_entry.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace tessarel::xdg {
@@ -57,6 +58,32 @@ TEST(DesktopEntryTest, ContentThatIsNoDesktopEntryIsRejected) {
     for (const std::string_view content :
          {"", "=", "[", "\n\n", "Hidden=true", "\xff\xfe=", "[Desktop Action New]\nName=New\n"})
         EXPECT_FALSE(DesktopEntry::parse(content)) << content;
+}
+
+TEST(DesktopEntryTest, APlainPathIsUnchanged) {
+    EXPECT_EQ(DesktopEntry::execWord("/usr/bin/tessarel-1.0_x"), "/usr/bin/tessarel-1.0_x");
+}
+
+TEST(DesktopEntryTest, ReservedCharactersAreQuoted) {
+    EXPECT_EQ(DesktopEntry::execWord("/my programs/it's"), R"("/my programs/it's")");
+    EXPECT_EQ(DesktopEntry::execWord("/a(b)&c;d"), R"("/a(b)&c;d")");
+    EXPECT_EQ(DesktopEntry::execWord(""), R"("")");
+}
+
+TEST(DesktopEntryTest, CharactersSpecialInQuotesAreEscapedForTheWordAndForTheFile) {
+    EXPECT_EQ(DesktopEntry::execWord(R"(/a"b)"), R"("/a\"b")");
+    EXPECT_EQ(DesktopEntry::execWord("/a$b`c"), R"("/a\$b\`c")");
+    EXPECT_THAT(DesktopEntry::autostart("A", R"(/a"b)"), testing::HasSubstr(R"(Exec="/a\\"b")"));
+    EXPECT_THAT(DesktopEntry::autostart("A", R"(/a\b)"), testing::HasSubstr(R"(Exec="/a\\\\b")"));
+}
+
+TEST(DesktopEntryTest, APercentSignIsDoubled) {
+    EXPECT_EQ(DesktopEntry::execWord("/100%u"), "/100%%u");
+}
+
+TEST(DesktopEntryTest, ALineFeedIsEscaped) {
+    EXPECT_THAT(DesktopEntry::autostart("A\nHidden=true", "/a\nHidden=true\tb"),
+                testing::HasSubstr("\nName=A\\nHidden=true\nExec=\"/a\\nHidden=true\tb\"\n"));
 }
 
 } // namespace

@@ -456,30 +456,37 @@ TEST_F(LoginItemEnvironmentTest, TheProgramIsTheRunningExecutable) {
     EXPECT_TRUE(fs::equivalent(own.program, "/proc/self/exe"));
 }
 
-TEST(DesktopEntryTest, APlainPathIsUnchanged) {
-    EXPECT_EQ(DesktopEntry::execWord("/usr/bin/tessarel-1.0_x"), "/usr/bin/tessarel-1.0_x");
+class CommandOfTest : public LoginItemTest {
+protected:
+    /// Creates an executable file below the prefix, and returns its path.
+    [[nodiscard]] fs::path program(const fs::path& name) const {
+        const fs::path file = folder / "prefix" / name;
+        fs::create_directories(file.parent_path());
+        std::ofstream(file) << "#!/bin/sh\n";
+        fs::permissions(file, fs::perms::owner_all);
+        return file;
+    }
+};
+
+TEST_F(CommandOfTest, AnInstalledProgramIsStartedByItsLauncher) {
+    const fs::path launcher = program("bin/tessarel");
+
+    EXPECT_EQ(commandOf(program("libexec/tessarel/tessarel")), launcher);
 }
 
-TEST(DesktopEntryTest, ReservedCharactersAreQuoted) {
-    EXPECT_EQ(DesktopEntry::execWord("/my programs/it's"), R"("/my programs/it's")");
-    EXPECT_EQ(DesktopEntry::execWord("/a(b)&c;d"), R"("/a(b)&c;d")");
-    EXPECT_EQ(DesktopEntry::execWord(""), R"("")");
+TEST_F(CommandOfTest, WithoutALauncherTheProgramIsStartedItself) {
+    const fs::path installed = program("libexec/tessarel/tessarel");
+    EXPECT_EQ(commandOf(installed), installed);
+
+    fs::permissions(program("bin/tessarel"), fs::perms::owner_read);
+    EXPECT_EQ(commandOf(installed), installed);
 }
 
-TEST(DesktopEntryTest, CharactersSpecialInQuotesAreEscapedForTheWordAndForTheFile) {
-    EXPECT_EQ(DesktopEntry::execWord(R"(/a"b)"), R"("/a\"b")");
-    EXPECT_EQ(DesktopEntry::execWord("/a$b`c"), R"("/a\$b\`c")");
-    EXPECT_THAT(DesktopEntry::autostart("A", R"(/a"b)"), HasSubstr(R"(Exec="/a\\"b")"));
-    EXPECT_THAT(DesktopEntry::autostart("A", R"(/a\b)"), HasSubstr(R"(Exec="/a\\\\b")"));
-}
+TEST_F(CommandOfTest, AProgramElsewhereIsStartedItself) {
+    const fs::path launcher = program("bin/tessarel");
 
-TEST(DesktopEntryTest, APercentSignIsDoubled) {
-    EXPECT_EQ(DesktopEntry::execWord("/100%u"), "/100%%u");
-}
-
-TEST(DesktopEntryTest, ALineFeedIsEscaped) {
-    EXPECT_THAT(DesktopEntry::autostart("A\nHidden=true", "/a\nHidden=true\tb"),
-                HasSubstr("\nName=A\\nHidden=true\nExec=\"/a\\nHidden=true\tb\"\n"));
+    for (const char* const name : {"build/tessarel/tessarel", "libexec/other/tessarel", "tessarel"})
+        EXPECT_EQ(commandOf(program(name)), folder / "prefix" / name);
 }
 
 } // namespace
