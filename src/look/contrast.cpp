@@ -2,6 +2,8 @@
 
 #include "look/contrast.h"
 
+#include "qt_values/color.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -30,6 +32,21 @@ double contrast(const QColor& one, const QColor& other) {
 
 QColor readableOn(const QColor& background) {
     return contrast(Qt::white, background) >= kTextContrast ? Qt::white : Qt::black;
+}
+
+QColor visibleOn(const QColor& background, const QColor& color) {
+    if (contrast(color, background) >= kOutlineContrast)
+        return color;
+    const QColor end =
+        contrast(Qt::white, background) > contrast(Qt::black, background) ? Qt::white : Qt::black;
+    // In the steps that a display has.
+    const auto shade = [&](int share) { return QColor(over(color, translucent(end, share / 255.0)).rgb()); };
+    int visible = 255;
+    for (int faint = 0; visible - faint > 1;) {
+        const int middle = (faint + visible) / 2;
+        (contrast(shade(middle), background) < kOutlineContrast ? faint : visible) = middle;
+    }
+    return shade(visible);
 }
 
 QColor over(const QColor& background, const QColor& color) {

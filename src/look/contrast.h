@@ -19,6 +19,10 @@ inline constexpr double kOutlineContrast = 3;
 /// readable wherever white is not.
 [[nodiscard]] QColor readableOn(const QColor& background);
 
+/// Returns `color` if it has a contrast of `kOutlineContrast` with the opaque `background`, otherwise its
+/// nearest shade towards black or white that has.
+[[nodiscard]] QColor visibleOn(const QColor& background, const QColor& color);
+
 /// Returns the opaque colour that `color` gives over the opaque `background`.
 [[nodiscard]] QColor over(const QColor& background, const QColor& color);
 

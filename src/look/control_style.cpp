@@ -3,7 +3,7 @@
 #include "look/control_style.h"
 
 #include "look/box.h"
-#include "look/contrast.h"
+#include "look/palette.h"
 
 #include <QAbstractScrollArea>
 #include <QLineF>
@@ -59,15 +59,6 @@ bool hasKeyboardFocus(const QStyleOption& option) {
     return isOn(option, QStyle::State_HasFocus) && isOn(option, QStyle::State_KeyboardFocusChange);
 }
 
-/// Returns the line of a box that is filled with the accent colour: the accent colour itself, unless it is
-/// hardly visible on the window.
-QColor lineAroundAccent(const QStyleOption& option) {
-    const QColor accent = accentOf(option);
-    const bool isVisible =
-        contrast(accent, option.palette.color(QPalette::Active, QPalette::Window)) >= kOutlineContrast;
-    return isVisible ? accent : outlineOf(option);
-}
-
 QColor pressed(const QColor& color) {
     constexpr int kDarker = 112;   // percent
     constexpr int kBrighter = 125; // percent
@@ -81,15 +72,17 @@ QColor buttonFill(const QStyleOption& option) {
 }
 
 void paintRing(QPainter& painter, const QStyleOption& option, const QRectF& frame, double radius) {
-    paintBox(painter, frame, {.line = accentOf(option), .lineWidth = kFocusWidth, .radius = radius});
+    paintBox(painter, frame,
+             {.line = accentLine(option.palette), .lineWidth = kFocusWidth, .radius = radius});
 }
 
 void paintButton(QPainter& painter, const QStyleOption& option) {
     const auto* const button = qstyleoption_cast<const QStyleOptionButton*>(&option);
     const bool isDefault = button && button->features.testFlag(QStyleOptionButton::DefaultButton) &&
                            isOn(option, QStyle::State_Enabled);
-    paintBox(painter, option.rect,
-             {.fill = buttonFill(option), .line = isDefault ? lineAroundAccent(option) : outlineOf(option)});
+    paintBox(
+        painter, option.rect,
+        {.fill = buttonFill(option), .line = isDefault ? accentLine(option.palette) : outlineOf(option)});
     if (hasKeyboardFocus(option))
         paintRing(painter, option, option.rect, kCornerRadius);
 }
@@ -98,7 +91,7 @@ void paintField(QPainter& painter, const QStyleOption& option, const QColor& fil
     const bool hasFocus = isOn(option, QStyle::State_HasFocus);
     paintBox(painter, option.rect,
              {.fill = fill,
-              .line = hasFocus ? accentOf(option) : outlineOf(option),
+              .line = hasFocus ? accentLine(option.palette) : outlineOf(option),
               .lineWidth = hasFocus ? kFocusWidth : kOutlineWidth});
 }
 
@@ -124,7 +117,7 @@ void paintCheckBox(QPainter& painter, const QStyleOption& option) {
              {.fill = isFilled                             ? accentOf(option)
                       : isOn(option, QStyle::State_Sunken) ? pressed(base)
                                                            : base,
-              .line = isFilled ? lineAroundAccent(option) : outlineOf(option),
+              .line = isFilled ? accentLine(option.palette) : outlineOf(option),
               .radius = kIndicatorRadius});
     const QColor mark = isFilled ? option.palette.color(QPalette::Active, QPalette::HighlightedText)
                                  : colorOf(option, QPalette::Text);
@@ -147,7 +140,7 @@ void paintTab(QPainter& painter, const QStyleOptionTab& option) {
         paintBox(painter, frame.adjusted(0, 0, 0, below), {.fill = window, .line = outlineOf(option)});
         const QRectF mark(frame.left() + kCornerRadius, frame.top(), frame.width() - 2 * kCornerRadius,
                           kTabMarkThickness);
-        paintBox(painter, mark, {.fill = accentOf(option), .radius = 0});
+        paintBox(painter, mark, {.fill = accentLine(option.palette), .radius = 0});
     } else if (isOn(option, QStyle::State_MouseOver)) {
         paintBox(painter, frame.adjusted(2, 2, -2, below), {.fill = pressed(window)});
     }
@@ -235,7 +228,7 @@ void ControlStyle::drawSlider(const QStyleOptionSlider& option, QPainter& painte
     const QRectF groove(option.rect.left() + kCornerRadius, handle.center().y() - kGrooveThickness / 2,
                         option.rect.width() - 2 * kCornerRadius, kGrooveThickness);
     const bool isEnabled = isOn(option, State_Enabled);
-    const QColor line = isEnabled ? lineAroundAccent(option) : outlineOf(option);
+    const QColor line = isEnabled ? accentLine(option.palette) : outlineOf(option);
     constexpr double kRound = kGrooveThickness / 2;
     paintBox(painter, groove, {.fill = outlineOf(option), .radius = kRound});
     QRectF filled = groove;
@@ -246,7 +239,7 @@ void ControlStyle::drawSlider(const QStyleOptionSlider& option, QPainter& painte
     const QColor button = colorOf(option, QPalette::Button);
     paintBox(painter, handle,
              {.fill = isHeld ? pressed(button) : button,
-              .line = hasFocus ? accentOf(option) : outlineOf(option),
+              .line = hasFocus ? accentLine(option.palette) : outlineOf(option),
               .lineWidth = hasFocus ? kFocusWidth : kOutlineWidth,
               .radius = kHandleRadius});
 }

@@ -15,8 +15,9 @@ namespace tessarel {
 /// scale, and a ring in the accent colour around the control that has the keyboard focus.
 ///
 /// The ring appears once the user has moved the focus with the keyboard, around a text field always. All
-/// colours come from the palette: outlines are `QPalette::Mid`, the accent colour is `QPalette::Highlight`.
-/// What this style does not paint itself looks as in Fusion, whose sizes it keeps.
+/// colours come from the palette: outlines are `QPalette::Mid`, the accent colour is `QPalette::Highlight`,
+/// its lines are `accentLine`. What this style does not paint itself looks as in Fusion, whose sizes it
+/// keeps.
 class ControlStyle : public QProxyStyle {
 public:
     ControlStyle() : QProxyStyle(QStringLiteral("Fusion")) {}

@@ -80,4 +80,11 @@ QPalette paletteOf(const Appearance& appearance) {
     return palette;
 }
 
+QColor accentLine(const QPalette& palette) {
+    QColor line = palette.color(QPalette::Active, QPalette::Highlight);
+    for (const auto role : {QPalette::Window, QPalette::Base})
+        line = visibleOn(palette.color(QPalette::Active, role), line);
+    return line;
+}
+
 } // namespace tessarel

@@ -24,4 +24,8 @@ struct Appearance {
 /// in light, and lighter than the window in dark. `QPalette::Highlight` is the accent colour.
 [[nodiscard]] QPalette paletteOf(const Appearance& appearance);
 
+/// Returns the colour of lines that show the keyboard focus or what is selected: the accent colour, or the
+/// nearest shade of it that has a contrast of `kOutlineContrast` with windows, fields and lists.
+[[nodiscard]] QColor accentLine(const QPalette& palette);
+
 } // namespace tessarel

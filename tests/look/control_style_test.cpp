@@ -197,14 +197,25 @@ TEST_P(ControlStyleTest, ACheckBoxIsOutlinedAndFilledWithTheAccentColourWhenChec
     EXPECT_GE(mark, kOutlineContrast) << "of the check mark";
 }
 
-TEST_P(ControlStyleTest, ACheckBoxInAPaleAccentColourKeepsItsOutline) {
+TEST_P(ControlStyleTest, LinesInAnAccentColourLikeTheWindowStandOut) {
     const bool isDark = std::get<0>(GetParam());
-    QApplication::setPalette(paletteOf({.isDark = isDark, .accent = isDark ? "#303030" : "#ffffc0"}));
+    colors = paletteOf({.isDark = isDark, .accent = isDark ? "#5a1e78" : "#fac31e"});
+    QApplication::setPalette(colors);
+    const QColor line = accentLine(colors);
+    ASSERT_NE(line, color(QPalette::Highlight));
     QCheckBox box(&window);
+    QPushButton button(&window);
+    QLineEdit field(&window);
     box.setChecked(true);
-    show(box);
-
-    EXPECT_EQ(runs(row())[1].color, color(QPalette::Mid));
+    const std::vector<QWidget*> all{&box, &button, &field};
+    for (QWidget* const control : all) {
+        for (QWidget* const one : all)
+            one->setVisible(one == control);
+        show(*control);
+        if (control != &box)
+            focusByKey();
+        EXPECT_EQ(runs(row())[1].color, line) << control->metaObject()->className();
+    }
 }
 
 TEST_P(ControlStyleTest, ACheckBoxHasAFocusRing) {

@@ -8,6 +8,8 @@
 #include <QPalette>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace tessarel {
 namespace {
 
@@ -50,6 +52,32 @@ TEST_P(PaletteTest, TheHighlightIsTheAccentColourAndItsTextIsReadable) {
         EXPECT_GE(contrastOf(Role::HighlightedText, Role::Highlight), kTextContrast)
             << accent.name().toStdString();
     }
+}
+
+TEST_P(PaletteTest, LinesInTheAccentColourAreVisibleWhateverTheAccentColour) {
+    for (const QColor accent :
+         {QColor("#0a72e3"), QColor("#3584e4"), QColor("#c88800"), QColor("#fac31e"), QColor("#f5c2e7"),
+          QColor("#3a0050"), QColor("#777777"), QColor(Qt::white), QColor(Qt::black)}) {
+        colors = paletteOf({.isDark = GetParam(), .accent = accent});
+        const QColor line = accentLine(colors);
+        bool isVisible = true;
+        for (const Role background : {Role::Window, Role::Base}) {
+            EXPECT_GE(contrast(line, color(background)), kOutlineContrast) << accent.name().toStdString();
+            isVisible = isVisible && contrast(accent, color(background)) >= kOutlineContrast;
+        }
+        EXPECT_EQ(line == accent, isVisible) << accent.name().toStdString();
+    }
+}
+
+TEST_P(PaletteTest, AVisibleLineIsTheNearestShadeOfItsAccentColour) {
+    const QColor accent = GetParam() ? QColor("#3a0050") : QColor("#fac31e");
+    colors = paletteOf({.isDark = GetParam(), .accent = accent});
+
+    const QColor line = accentLine(colors);
+
+    EXPECT_NEAR(line.hueF(), accent.hueF(), 0.02);
+    EXPECT_LT(std::min(contrast(line, color(Role::Window)), contrast(line, color(Role::Base))),
+              kOutlineContrast + 0.1);
 }
 
 TEST_P(PaletteTest, DisabledTextIsFainter) {

@@ -2,6 +2,7 @@
 
 #include "settings_ui/editor/zone_editor_picture.h"
 
+#include "look/palette.h"
 #include "look/pixel_grid.h"
 #include "qt_values/color.h"
 #include "settings_ui/editor/zone_editing.h"
@@ -162,10 +163,10 @@ std::optional<QRectF> ZoneEditorPicture::outline(std::size_t index, const PixelG
 
 void ZoneEditorPicture::drawOutline(QPainter& painter, std::size_t index, const QRectF& outline) const {
     const Look& look = lookOf(index, selected);
-    const QColor accent = controlAccentColor(palette);
     const PixelGrid grid(painter.deviceTransform());
-    painter.setPen(QPen(translucent(accent, look.strokeAlpha), grid.sharpWidth(look.strokeWidth)));
-    painter.setBrush(translucent(accent, look.fillAlpha));
+    painter.setPen(
+        QPen(translucent(accentLine(palette), look.strokeAlpha), grid.sharpWidth(look.strokeWidth)));
+    painter.setBrush(translucent(controlAccentColor(palette), look.fillAlpha));
     painter.drawRoundedRect(outline, kZoneCornerRadius, kZoneCornerRadius);
 }
 
@@ -197,8 +198,8 @@ QList<QRectF> ZoneEditorPicture::handles(const PixelGrid& grid) const {
 
 void ZoneEditorPicture::drawHandle(QPainter& painter, const QRectF& handle) const {
     const PixelGrid grid(painter.deviceTransform());
-    painter.setPen(QPen(controlAccentColor(palette), grid.sharpWidth(kHandleStroke), Qt::SolidLine,
-                        Qt::SquareCap, Qt::MiterJoin));
+    painter.setPen(QPen(accentLine(palette), grid.sharpWidth(kHandleStroke), Qt::SolidLine, Qt::SquareCap,
+                        Qt::MiterJoin));
     painter.setBrush(Qt::white);
     painter.drawRect(handle);
 }

@@ -3,6 +3,7 @@
 #include "settings_ui/editor/zone_editor_view.h"
 
 #include "look/box.h"
+#include "look/palette.h"
 #include "settings_ui/kit/kit.h"
 
 #include <QAccessible>
@@ -190,8 +191,7 @@ void ZoneEditorView::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     picture().draw(painter, QRectF(event->rect()));
     if (m_showsKeyboardFocus)
-        paintBox(painter, rect(),
-                 {.line = controlAccentColor(palette()), .lineWidth = kFocusWidth, .radius = 0});
+        paintBox(painter, rect(), {.line = accentLine(palette()), .lineWidth = kFocusWidth, .radius = 0});
 }
 
 } // namespace tessarel

@@ -3,6 +3,7 @@
 #include "settings_ui/kit/kit.h"
 
 #include "look/box.h"
+#include "look/palette.h"
 #include "settings_ui/kit/fitted_text.h"
 
 #include <QAbstractScrollArea>
@@ -46,7 +47,7 @@ protected:
         if (showsKeyboardFocus(m_area))
             return paintBox(painter, rect(),
                             {.fill = controlBackgroundColor(palette()),
-                             .line = controlAccentColor(palette()),
+                             .line = accentLine(palette()),
                              .lineWidth = kFocusWidth});
         paintBox(painter, rect().adjusted(kBeyond, kBeyond, -kBeyond, -kBeyond),
                  {.fill = controlBackgroundColor(palette()),

@@ -3,6 +3,7 @@
 #include "settings_ui/kit/segmented_control.h"
 
 #include "look/box.h"
+#include "look/palette.h"
 #include "look/pixel_grid.h"
 #include "settings_ui/kit/kit.h"
 
@@ -90,7 +91,7 @@ void Segment::paintSeparator(QPainter& painter) const {
 
 void Segment::paintFocus(QPainter& painter) const {
     const QRectF all(rect());
-    paintBox(painter, all, {.line = controlAccentColor(palette()), .lineWidth = kFocusWidth});
+    paintBox(painter, all, {.line = accentLine(palette()), .lineWidth = kFocusWidth});
     paintBox(painter, all.adjusted(kFocusInset, kFocusInset, -kFocusInset, -kFocusInset),
              {.fill = fill(), .radius = kCornerRadius / 2});
 }
