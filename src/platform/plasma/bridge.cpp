@@ -3,14 +3,15 @@
 #include "platform/plasma/bridge.h"
 
 #include "model/json.h"
-#include "platform/plasma/bridge_script.h"
 #include "platform/plasma/reports.h"
+#include "platform/plasma/scripts.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <fstream>
 #include <optional>
 #include <system_error>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -87,8 +88,11 @@ std::filesystem::path Bridge::file() const {
 /// Writes the script with the name of this connection, so that it can only call this copy of the program.
 bool Bridge::writeScript() const {
     std::string text = kBridgeScript;
-    const std::string placeholder = "@SERVICE@";
-    text.replace(text.find(placeholder), placeholder.size(), m_link.uniqueName());
+    const auto fill = [&text](const std::string& placeholder, const std::string& value) {
+        text.replace(text.find(placeholder), placeholder.size(), value);
+    };
+    fill("@SERVICE@", m_link.uniqueName());
+    fill("@PID@", std::to_string(::getpid()));
     errno = 0;
     std::ofstream out(file(), std::ios::binary | std::ios::trunc);
     out << text;

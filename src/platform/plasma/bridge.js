@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: MIT
+
 // Runs inside KWin. Reports windows, displays and moves to the program, and places windows for it.
 //
 // The program cannot call a script. So the script calls the program's "next", which the program answers once
@@ -103,9 +105,37 @@ function isMovedByUser(window) {
     return window.move || window.resize;
 }
 
-function reportMove(event, window, frame) {
+let move = null; // the move that goes on: where the window was before, in which tile, and where it was last
+
+// Calls `work` once KWin has finished what it is doing.
+function later(work) {
+    callDBus("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.Peer", "Ping", work);
+}
+
+function areZonesShown() {
+    return allWindows().some((window) => window.pid === @PID@ && kind(window) === "other");
+}
+
+// KWin has tiles of its own for Shift and for the edges of the screen. While the program shows its zones, the
+// window stays where it was dropped. KWin has not told the window about the tile yet; otherwise two sizes
+// would be under way to it, and some programs end with a mixture of both.
+function leaveNewTile(window, tileBefore) {
+    if (!window.tile || window.tile === tileBefore || !areZonesShown())
+        return;
+    const frame = rect(window.frameGeometry);
+    window.tile = null;
+    window.frameGeometry = { x: frame[0], y: frame[1], width: frame[2], height: frame[3] };
+}
+
+// KWin says in the same way that a move has ended and that Escape has taken the window back.
+function isTakenBack(window, ended) {
+    const same = (one, other) => one.every((number, i) => number === other[i]);
+    return !same(ended.start, ended.last) && same(ended.start, rect(window.frameGeometry));
+}
+
+function reportMove(event, window) {
     const pointer = workspace.cursorPos;
-    report({ event: event, name: identifier(window), move: window.move, frame: rect(frame),
+    report({ event: event, name: identifier(window), move: window.move, frame: rect(window.frameGeometry),
              pointer: [pointer.x, pointer.y] });
 }
 
@@ -166,9 +196,24 @@ function place(command) {
 
 function watch(window) {
     known.set(identifier(window), window);
-    const started = (w) => reportMove("moveStarted", window, window.frameGeometry);
-    const stepped = () => reportMove("moveStepped", window, window.frameGeometry);
-    const finished = () => reportMove("moveFinished", window, window.frameGeometry);
+    const started = () => {
+        const frame = rect(window.frameGeometry);
+        move = { start: frame, last: frame, tile: window.tile };
+        reportMove("moveStarted", window);
+    };
+    const stepped = () => {
+        if (move !== null)
+            move.last = rect(window.frameGeometry);
+        reportMove("moveStepped", window);
+    };
+    const finished = () => {
+        const ended = move;
+        move = null;
+        if (ended === null)
+            return;
+        leaveNewTile(window, ended.tile);
+        later(() => reportMove(isTakenBack(window, ended) ? "moveCancelled" : "moveFinished", window));
+    };
     if (window.interactiveMoveResizeStarted) {
         window.interactiveMoveResizeStarted.connect(started);
         window.interactiveMoveResizeStepped.connect(stepped);

@@ -4,6 +4,7 @@
 
 #include "model/config.h"
 #include "platform/plasma/bridge.h"
+#include "platform/plasma/drag_modifiers.h"
 #include "platform/plasma/global_shortcuts.h"
 #include "platform/plasma/single_instance.h"
 #include "platform/plasma/trust.h"
@@ -17,6 +18,7 @@
 #include "platform/wayland/drag_mouse.h"
 #include "platform/wayland/mirror.h"
 #include "platform/xdg/file_preferences.h"
+#include "platform/xdg/home_folder.h"
 #include "platform/xdg/login_item.h"
 #include "ports/main_queue_port.h"
 
@@ -40,10 +42,15 @@ struct PlasmaDesktop {
           watch(mirror, applications), accessibility(mirror, bridge, applications, watch, queue),
           displays(mirror), hotKeys(link),
           loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
-          mouse(mirror, [] { return ModifierFlags{0}; }),
+          dragModifiers(link, mirror, queue, xdg::dataFolder()), mouse(mirror, dragModifiers),
+          modifierChanges(dragModifiers.onChange([this] { mouse.modifiersChanged(); })),
           preferences(xdg::FilePreferences::userFolder(), std::move(onReadable), std::move(report)),
-          singleInstance(link, [this] { bridge.load(kPatience); }), trust(bridge), windowList(mirror),
-          workspace(applications, watch) {}
+          singleInstance(link,
+                         [this] {
+                             bridge.load(kPatience);
+                             dragModifiers.load();
+                         }),
+          trust(bridge), windowList(mirror), workspace(applications, watch) {}
     PlasmaDesktop(const PlasmaDesktop&) = delete;
     PlasmaDesktop& operator=(const PlasmaDesktop&) = delete;
 
@@ -60,7 +67,9 @@ struct PlasmaDesktop {
     wayland::Displays displays;
     GlobalShortcuts hotKeys;
     xdg::XdgLoginItem loginItem;
+    DragModifiers dragModifiers;
     wayland::DragMouse mouse;
+    SubscriptionPtr modifierChanges;
     xdg::FilePreferences preferences;
     SingleInstance singleInstance;
     Trust trust;

@@ -114,6 +114,8 @@ std::optional<UserMove::Phase> phaseOf(const std::string& event) {
         return UserMove::Phase::Started;
     if (event == "moveStepped")
         return UserMove::Phase::Stepped;
+    if (event == "moveCancelled")
+        return UserMove::Phase::Cancelled;
     return event == "moveFinished" ? std::optional(UserMove::Phase::Finished) : std::nullopt;
 }
 

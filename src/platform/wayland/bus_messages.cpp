@@ -103,6 +103,25 @@ std::optional<BusValue> readList(sd_bus_message* message, std::string_view conte
     return list;
 }
 
+std::optional<BusValue> readValue(sd_bus_message* message, char type, const char* contents) {
+    return type == SD_BUS_TYPE_ARRAY ? readList(message, text(contents)) : readBasic(message, type);
+}
+
+/// Reads a variant as the value in it.
+std::optional<BusValue> readVariant(sd_bus_message* message, const char* contents) {
+    if (sd_bus_message_enter_container(message, SD_BUS_TYPE_VARIANT, contents) <= 0)
+        return {};
+    char type = 0;
+    const char* elements = nullptr;
+    std::optional<BusValue> value;
+    if (sd_bus_message_peek_type(message, &type, &elements) > 0)
+        value = readValue(message, type, elements);
+    if (!value)
+        sd_bus_message_skip(message, nullptr);
+    sd_bus_message_exit_container(message);
+    return value;
+}
+
 } // namespace
 
 bool append(sd_bus_message* message, const std::string& signature, const std::vector<BusValue>& values) {
@@ -130,7 +149,8 @@ BusMessage decode(sd_bus_message* message) {
     char type = 0;
     const char* contents = nullptr;
     while (sd_bus_message_peek_type(message, &type, &contents) > 0) {
-        auto value = type == SD_BUS_TYPE_ARRAY ? readList(message, text(contents)) : readBasic(message, type);
+        auto value =
+            type == SD_BUS_TYPE_VARIANT ? readVariant(message, contents) : readValue(message, type, contents);
         if (value)
             decoded.values.push_back(std::move(*value));
         else if (sd_bus_message_skip(message, nullptr) < 0)

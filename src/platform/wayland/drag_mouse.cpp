@@ -23,18 +23,25 @@ Point onTitleBar(const UserMove& move) {
 
 } // namespace
 
-DragMouse::DragMouse(Mirror& mirror, Modifiers modifiers)
-    : m_mirror(mirror), m_modifiers(std::move(modifiers)),
-      m_moves(mirror.onMove([this](const UserMove& move) { follow(move); })) {}
+DragMouse::DragMouse(Mirror& mirror, DragKeys& keys)
+    : m_mirror(mirror), m_keys(keys), m_moves(mirror.onMove([this](const UserMove& move) { follow(move); })) {
+}
 
 SubscriptionPtr DragMouse::addGlobalMonitor(MouseEventKind kind,
                                             std::function<void(const MouseEvent&)> handler) {
     return m_handlers[kind].connect(std::move(handler));
 }
 
+void DragMouse::modifiersChanged() {
+    if (m_isHeld)
+        send(MouseEventKind::LeftDragged, m_pointer);
+}
+
 void DragMouse::follow(const UserMove& move) {
+    m_pointer = move.pointer;
     switch (move.phase) {
     case UserMove::Phase::Started:
+        ++m_moveNumber;
         m_isHeld = move.isMove;
         if (m_isHeld)
             send(MouseEventKind::LeftDown, onTitleBar(move));
@@ -43,15 +50,25 @@ void DragMouse::follow(const UserMove& move) {
         if (m_isHeld)
             send(MouseEventKind::LeftDragged, move.pointer);
         return;
+    case UserMove::Phase::Cancelled:
+        end(MouseEventKind::Cancelled);
+        return;
     case UserMove::Phase::Finished:
-        if (std::exchange(m_isHeld, false))
-            send(MouseEventKind::LeftUp, move.pointer);
+        m_keys.readAtEnd([this, number = m_moveNumber, alive = m_lifetime.watch()] {
+            if (!alive.expired() && number == m_moveNumber)
+                end(MouseEventKind::LeftUp);
+        });
         return;
     }
 }
 
+void DragMouse::end(MouseEventKind kind) {
+    if (std::exchange(m_isHeld, false))
+        send(kind, m_pointer);
+}
+
 void DragMouse::send(MouseEventKind kind, const Point& pointer) {
-    m_handlers[kind].send({kind, screenFromCompositor(pointer, m_mirror.primary()), m_modifiers()});
+    m_handlers[kind].send({kind, screenFromCompositor(pointer, m_mirror.primary()), m_keys.held()});
 }
 
 } // namespace tessarel::wayland

@@ -56,7 +56,7 @@ struct DisplayState {
 
 /// A step of the user's moving or resizing a window.
 struct UserMove {
-    enum class Phase : std::uint8_t { Started, Stepped, Finished };
+    enum class Phase : std::uint8_t { Started, Stepped, Finished, Cancelled };
     Phase phase = Phase::Started;
     WindowId window = kNoWindow;
     bool isMove = true; ///< otherwise the window is resized

@@ -39,6 +39,14 @@ fs::path configurationFolder() {
     return home.empty() ? home : home / ".config";
 }
 
+fs::path dataFolder() {
+    auto fromEnvironment = folderFrom("XDG_DATA_HOME");
+    if (!fromEnvironment.empty())
+        return fromEnvironment;
+    const auto home = homeFolder();
+    return home.empty() ? home : home / ".local/share";
+}
+
 std::vector<fs::path> systemConfigurationFolders() {
     const auto list = listFrom("XDG_CONFIG_DIRS");
     if (list.empty())

@@ -18,6 +18,10 @@ namespace tessarel::xdg {
 /// user has no home folder.
 [[nodiscard]] std::filesystem::path configurationFolder();
 
+/// Returns $XDG_DATA_HOME if that is an absolute path, otherwise ".local/share" in the home folder. Empty if
+/// the user has no home folder.
+[[nodiscard]] std::filesystem::path dataFolder();
+
 /// Returns the system's configuration folders ($XDG_CONFIG_DIRS), the most important first. Relative ones are
 /// ignored.
 [[nodiscard]] std::vector<std::filesystem::path> systemConfigurationFolders();

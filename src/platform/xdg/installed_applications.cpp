@@ -147,10 +147,7 @@ InstalledApplications::~InstalledApplications() = default;
 
 std::vector<fs::path> InstalledApplications::folders() {
     std::vector<fs::path> folders;
-    fs::path own = folderFrom("XDG_DATA_HOME");
-    if (const auto home = homeFolder(); own.empty() && !home.empty())
-        own = home / ".local/share";
-    if (!own.empty())
+    if (const fs::path own = dataFolder(); !own.empty())
         folders.push_back(own / "applications");
     std::istringstream list(valueOf("XDG_DATA_DIRS", "/usr/local/share:/usr/share"));
     for (std::string folder; std::getline(list, folder, ':');) {

@@ -2,19 +2,32 @@
 
 #include "support/plasma/plasma_session.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace tessarel::plasmatest {
 namespace {
 
+constexpr Rect kThird{1067, 0, 533, 450}; // of the zones on the first display
+constexpr Rect kRightHalf{800, 0, 800, 900};
+
 constexpr const char* kAlwaysShown = R"({"hasOnboarded":true,"rememberApps":false,"dragTrigger":"always"})";
+
+constexpr const char* kShownWithShift = R"({"hasOnboarded":true,"rememberApps":false,"dragTrigger":"shift"})";
+
+constexpr const char* kShownWithControl =
+    R"({"hasOnboarded":true,"rememberApps":false,"dragTrigger":"control"})";
 
 class PlasmaDragTest : public testing::Test {
 protected:
+    explicit PlasmaDragTest(Drawing drawing = Drawing::Software, const char* settings = kAlwaysShown)
+        : session(drawing), m_settings(settings) {}
+
     void SetUp() override {
-        session.writeSettings(kAlwaysShown);
+        session.writeSettings(m_settings);
         ASSERT_TRUE(session.startProgram()) << session.program().errors();
         session.open({"kwrite"}, kEditor);
     }
@@ -31,6 +44,25 @@ protected:
                                    press.y + (y - press.y) * step / kSteps);
     }
 
+    /// Returns the frames that the editor has from now on until it has the frame `last`.
+    std::vector<Rect> framesUntil(const Rect& last) {
+        std::vector<Rect> frames;
+        (void)session.probe().waitUntil([&] {
+            const Rect frame = session.frame(kEditor).value_or(Rect::null());
+            if (frames.empty() || frames.back() != frame)
+                frames.push_back(frame);
+            return frame == last;
+        });
+        return frames;
+    }
+
+    /// Moves the editor into the right half of its display with a hot key, which comes after everything that
+    /// the program does for an earlier drop. Returns the frames that it has meanwhile.
+    std::vector<Rect> framesUntilRightHalf() {
+        session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
+        return framesUntil(kRightHalf);
+    }
+
     /// Returns whether the program shows an overlay over the whole display.
     bool isOverlayOn(const Rect& display) {
         const auto& windows = session.probe().windows();
@@ -40,6 +72,19 @@ protected:
     }
 
     PlasmaSession session;
+
+private:
+    const char* m_settings;
+};
+
+class PlasmaShiftDragTest : public PlasmaDragTest {
+protected:
+    PlasmaShiftDragTest() : PlasmaDragTest(Drawing::OpenGl, kShownWithShift) {}
+};
+
+class PlasmaControlDragTest : public PlasmaDragTest {
+protected:
+    PlasmaControlDragTest() : PlasmaDragTest(Drawing::OpenGl, kShownWithControl) {}
 };
 
 TEST_F(PlasmaDragTest, AWindowDraggedIntoAZoneTakesItsFrameAndTheZonesAreShownMeanwhile) {
@@ -48,8 +93,7 @@ TEST_F(PlasmaDragTest, AWindowDraggedIntoAZoneTakesItsFrameAndTheZonesAreShownMe
 
     session.input().setLeftButton(false);
 
-    const Rect third{1067, 0, 533, 450};
-    EXPECT_EQ(session.settledFrame(kEditor, third), third);
+    EXPECT_EQ(session.settledFrame(kEditor, kThird), kThird);
     EXPECT_TRUE(session.probe().waitUntil([&] { return !isOverlayOn(PlasmaSession::kFirst); }));
     EXPECT_TRUE(session.program().running());
 }
@@ -62,6 +106,71 @@ TEST_F(PlasmaDragTest, TheZonesOfTheDisplayWithThePointerAreShown) {
 
     const Rect fourth{1600, 450, 800, 450};
     EXPECT_EQ(session.settledFrame(kEditor, fourth), fourth);
+}
+
+TEST_F(PlasmaDragTest, EscapeHidesTheZonesAndTheReleaseLeavesTheWindowWhereItWas) {
+    const Rect before = session.frame(kEditor).value_or(Rect::null());
+    dragTo(1300, 200);
+    ASSERT_TRUE(session.probe().waitUntil([&] { return isOverlayOn(PlasmaSession::kFirst); }));
+
+    session.input().press({key::kEscape});
+    EXPECT_TRUE(session.probe().waitUntil([&] { return !isOverlayOn(PlasmaSession::kFirst); }));
+    session.input().setLeftButton(false);
+
+    EXPECT_EQ(session.settledFrame(kEditor, before), before);
+    EXPECT_EQ(framesUntilRightHalf(), std::vector<Rect>({before, kRightHalf}));
+}
+
+TEST_F(PlasmaShiftDragTest, AWindowDroppedWithShiftGoesIntoTheZoneAtOnceInsteadOfATileOfTheCompositor) {
+    session.input().setKey(key::kLeftShift, true);
+    dragTo(1300, 200);
+    ASSERT_TRUE(session.probe().waitUntil([&] { return isOverlayOn(PlasmaSession::kFirst); }));
+    const Rect dropped = session.frame(kEditor).value_or(Rect::null());
+
+    session.input().setLeftButton(false);
+    session.input().setKey(key::kLeftShift, false);
+
+    // A tile would have given it a third size.
+    for (const Rect& frame : framesUntil(kThird))
+        EXPECT_TRUE(frame == kThird || frame.size() == dropped.size());
+    EXPECT_EQ(framesUntilRightHalf(), std::vector<Rect>({kThird, kRightHalf}));
+}
+
+TEST_F(PlasmaShiftDragTest, EscapeEndsADragWithShiftWithoutAZone) {
+    session.input().setKey(key::kLeftShift, true);
+    dragTo(1300, 200);
+    ASSERT_TRUE(session.probe().waitUntil([&] { return isOverlayOn(PlasmaSession::kFirst); }));
+
+    session.input().press({key::kEscape});
+    EXPECT_TRUE(session.probe().waitUntil([&] { return !isOverlayOn(PlasmaSession::kFirst); }));
+    session.input().setLeftButton(false);
+    session.input().setKey(key::kLeftShift, false);
+
+    EXPECT_THAT(framesUntilRightHalf(), testing::Not(testing::Contains(kThird)));
+}
+
+TEST_F(PlasmaControlDragTest, TheZonesFollowControlWhileThePointerRestsAndTheReleaseDecides) {
+    const auto showsZones = [this] { return isOverlayOn(PlasmaSession::kFirst); };
+    dragTo(1300, 200);
+    session.input().setKey(key::kLeftControl, true);
+    session.input().moveTo(1301, 200); // KWin tells effects about the first key with a movement
+    ASSERT_TRUE(session.probe().waitUntil(showsZones));
+
+    session.input().setKey(key::kLeftControl, false);
+    EXPECT_TRUE(session.probe().waitUntil([&] { return !showsZones(); }));
+    session.input().setKey(key::kLeftControl, true);
+    EXPECT_TRUE(session.probe().waitUntil(showsZones));
+    session.input().setLeftButton(false);
+    session.input().setKey(key::kLeftControl, false);
+    EXPECT_EQ(session.settledFrame(kEditor, kThird), kThird);
+
+    dragTo(1300, 700);
+    session.input().setKey(key::kLeftControl, true); // seen with the release
+    session.input().setLeftButton(false);
+    session.input().setKey(key::kLeftControl, false);
+    const Rect fourth{800, 450, 800, 450};
+    EXPECT_EQ(session.settledFrame(kEditor, fourth), fourth);
+    EXPECT_EQ(session.endProgram(), 0);
 }
 
 } // namespace

@@ -11,6 +11,7 @@ namespace tessarel::plasmatest {
 
 /// Keys by the kernel's codes.
 namespace key {
+inline constexpr std::uint32_t kEscape = 1;
 inline constexpr std::uint32_t kDigit1 = 2;
 inline constexpr std::uint32_t kLeftControl = 29;
 inline constexpr std::uint32_t kLeftShift = 42;

@@ -2,6 +2,8 @@
 
 #include "support/plasma/plasma_session.h"
 
+#include "platform/plasma/drag_modifiers.h"
+
 #include <algorithm>
 #include <chrono>
 #include <csignal>
@@ -47,15 +49,21 @@ bool waitUntil(const std::function<bool()>& holds) {
 
 } // namespace
 
-PlasmaSession::PlasmaSession() : m_environment(environmentIn(m_folder.path())) {
+PlasmaSession::PlasmaSession(Drawing drawing) : m_environment(environmentIn(m_folder.path())) {
     m_bus.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
                                            "--print-address",
                                            "--address=" + m_environment.at("DBUS_SESSION_BUS_ADDRESS")},
                   m_environment);
     (void)m_bus->readLine();
 
+    // As an earlier session leaves them: in its first 30 s KWin finds no new ones.
+    if (drawing == Drawing::OpenGl)
+        plasma::DragModifiers::write(m_environment.at("XDG_DATA_HOME"));
+
     auto environment = m_environment;
-    environment["KWIN_COMPOSE"] = "Q"; // without OpenGL
+    environment["KWIN_COMPOSE"] = drawing == Drawing::OpenGl ? "O2" : "Q";
+    environment["LIBGL_ALWAYS_SOFTWARE"] = "1";
+    environment["KWIN_EFFECTS_FORCE_ANIMATIONS"] = "1"; // although OpenGL has no GPU here
     environment["KWIN_WAYLAND_NO_PERMISSION_CHECKS"] = "1";
     environment["KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"] = "1";
     m_compositor.emplace(std::vector<std::string>{TESSAREL_KWIN_WAYLAND, "--virtual", "--width", "1600",

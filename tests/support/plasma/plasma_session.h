@@ -8,6 +8,7 @@
 #include "support/scratch_folder.h"
 #include "support/x11/child_process.h"
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -20,6 +21,9 @@ namespace tessarel::plasmatest {
 /// The class of the windows of kwrite.
 inline constexpr const char* kEditor = "org.kde.kwrite";
 
+/// What KWin draws with. Effects, and so the modifiers of a drag, need OpenGL.
+enum class Drawing : std::uint8_t { Software, OpenGl };
+
 /// A private session of KDE Plasma on Wayland: a session bus and KWin without a screen, with two displays of
 /// 1600 x 900 side by side, in a home and a runtime folder of its own. There is no desktop shell and no X
 /// server.
@@ -29,7 +33,7 @@ public:
     static constexpr Rect kSecond{1600, 0, 1600, 900};
 
     /// Throws std::runtime_error if the session does not start.
-    PlasmaSession();
+    explicit PlasmaSession(Drawing drawing = Drawing::Software);
     PlasmaSession(const PlasmaSession&) = delete;
     PlasmaSession& operator=(const PlasmaSession&) = delete;
     ~PlasmaSession();
