@@ -105,12 +105,11 @@ public:
             return;
         }
         sd_bus_message_set_auto_start(raw, 0);
-        auto context = std::make_unique<Context>(Context{m_link, *this, handler});
-        const int result = sd_bus_call_async(m_bus, nullptr, raw, receiveReply, context.get(), 0);
-        if (result < 0)
-            m_link.arrive(handler, {.sender = {}, .member = {}, .values = {}, .error = "unsent"});
-        else
-            (void)context.release(); // deleted by `receiveReply`
+        const auto [unanswered, isNew] = m_calls.try_emplace(handler, Context{m_link, *this, handler});
+        if (sd_bus_call_async(m_bus, nullptr, raw, receiveReply, &unanswered->second, 0) >= 0)
+            return;
+        m_calls.erase(unanswered);
+        m_link.arrive(handler, {.sender = {}, .member = {}, .values = {}, .error = "unsent"});
     }
 
     void match(const BusMatch& wanted, std::uint64_t handler) {
@@ -168,8 +167,9 @@ private:
     }
 
     static int receiveReply(sd_bus_message* message, void* data, sd_bus_error*) {
-        const std::unique_ptr<Context> context(static_cast<Context*>(data));
-        context->link.arrive(context->handler, decode(message));
+        const Context context = *static_cast<Context*>(data);
+        context.connection.m_calls.erase(context.handler);
+        context.link.arrive(context.handler, decode(message));
         return 1;
     }
 
@@ -197,6 +197,7 @@ private:
     sd_bus* m_bus = nullptr;
     bool m_hasReportedName = false;
     std::uint64_t m_lastToken = 0;
+    std::map<std::uint64_t, Context> m_calls; ///< sent calls without a reply, by handler
     std::map<std::uint64_t, BusMessagePtr> m_unanswered;
     std::map<std::uint64_t, std::unique_ptr<Receiving>> m_slots;
 };
