@@ -198,7 +198,7 @@ SubscriptionPtr Accessibility::onWindowClosed(const Element& window, std::functi
 
 std::optional<ProcessId> Accessibility::pid(const Element& element) {
     const ProcessId pid = nativeElement(element).pid;
-    return pid == kNoProcess ? std::nullopt : std::optional(pid);
+    return pid <= kNoProcess ? std::nullopt : std::optional(pid);
 }
 
 std::optional<RunningApplication> Accessibility::owner(const Element& window) {
