@@ -82,6 +82,7 @@ std::set<std::string> Applications::identifiersInUse() {
 }
 
 std::optional<std::string> Applications::displayName(const std::string& identifier) {
+    refresh(); // it may have just been installed
     return m_entries.displayName(identifier);
 }
 
