@@ -27,14 +27,17 @@ wayland::BusCall toBus(std::string member, std::string signature, std::vector<wa
             std::move(member),      std::move(signature),    std::move(values)};
 }
 
-/// Sends a call and waits for its reply. Returns `std::nullopt` if there is none in time.
-std::optional<wayland::BusMessage> replyTo(wayland::BusLink& link, wayland::BusCall call) {
-    // Shared, because the reply may come after this function has returned.
-    const auto reply = std::make_shared<std::optional<wayland::BusMessage>>();
+/// Sends a call. Its reply arrives in what is returned, as long as somebody holds that.
+std::shared_ptr<std::optional<wayland::BusMessage>> send(wayland::BusLink& link, wayland::BusCall call) {
+    auto reply = std::make_shared<std::optional<wayland::BusMessage>>();
     link.call(
         std::move(call), [reply](const wayland::BusMessage& message) { *reply = message; }, Delivery::Urgent);
-    link.waitUntil([&] { return reply->has_value() || link.isLost(); }, SingleInstance::kPatience);
-    return *reply;
+    return reply;
+}
+
+/// Waits until the reply is there, with a bound.
+void await(wayland::BusLink& link, const std::optional<wayland::BusMessage>& reply) {
+    link.waitUntil([&] { return reply.has_value() || link.isLost(); }, SingleInstance::kPatience);
 }
 
 } // namespace
@@ -53,9 +56,14 @@ SubscriptionPtr SingleInstance::claim(std::function<void()> reopened, std::funct
             reopened();
         },
         Delivery::InLoop);
-    const auto reply = replyTo(m_link, toBus("RequestName", "su", {kName, kDoNotQueue}));
-    if (!reply || reply->value<std::int64_t>(0) != kIsOwner)
+    const auto reply = send(m_link, toBus("RequestName", "su", {kName, kDoNotQueue}));
+    await(m_link, *reply);
+    if (!reply->has_value())
         return nullptr;
+    if ((*reply)->value<std::int64_t>(0) != kIsOwner) {
+        m_notification = send(m_link, {kName, kPath, "org.tessarel.Tessarel", kReopen});
+        return nullptr;
+    }
     m_claimed();
     return callOnEnd([this, calls = std::shared_ptr<Subscription>(std::move(calls)),
                       loss = std::shared_ptr<Subscription>(m_link.onLost(std::move(lost)))] {
@@ -65,9 +73,11 @@ SubscriptionPtr SingleInstance::claim(std::function<void()> reopened, std::funct
 
 SingleInstance::Reaction SingleInstance::awaitReaction() {
     using Kind = Reaction::Kind;
-    if (m_link.isLost())
+    const auto notification = std::exchange(m_notification, nullptr);
+    if (!notification || m_link.isLost())
         return {Kind::Missing, "the session bus does not reply"};
-    const auto reply = replyTo(m_link, {kName, kPath, "org.tessarel.Tessarel", kReopen});
+    await(m_link, *notification);
+    const auto& reply = *notification;
     if (!reply)
         return {Kind::Missing, "another copy of Tessarel runs, but does not react"};
     if (reply->error.empty())

@@ -8,6 +8,8 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
+#include <optional>
 
 namespace tessarel::plasma {
 
@@ -30,6 +32,8 @@ public:
 private:
     wayland::BusLink& m_link;
     std::function<void()> m_claimed;
+    /// The reply of the copy that runs already to the notification; null if none was sent.
+    std::shared_ptr<std::optional<wayland::BusMessage>> m_notification;
 };
 
 } // namespace tessarel::plasma
