@@ -43,13 +43,12 @@ struct WindowOptions {
 /// A desktop with the back end under test, new for every test: the back end's ports, and functions that act
 /// as the user and as other programs.
 ///
-/// At first it has two displays, `kPrimary` and to its right `kSecond`, but no panel, no window and no focus.
-/// The functions that act on the desktop return once the change has happened and the back end has received
-/// all events about it. Rectangles are in accessibility coordinates.
+/// At first it has two displays, `kPrimary` and to its right `second()`, but no panel, no window and no
+/// focus. The functions that act on the desktop return once the change has happened and the back end has
+/// received all events about it. Rectangles are in accessibility coordinates.
 class ContractDesktop {
 public:
     static constexpr Rect kPrimary{0, 0, 1440, 900};
-    static constexpr Rect kSecond{1440, 0, 1120, 1024};
 
     ContractDesktop() = default;
     ContractDesktop(const ContractDesktop&) = delete;
@@ -78,6 +77,9 @@ public:
     /// has a window.
     virtual AppHandle launchApplication(const std::optional<std::string>& bundleIdentifier) = 0;
     virtual ProcessId pid(AppHandle application) = 0;
+    /// Returns the bundle identifier of an application that has been launched without one. Some desktops name
+    /// it after its program.
+    [[nodiscard]] virtual std::optional<std::string> identifierOfNameless() const { return std::nullopt; }
     /// Returns the back end's element for `window`, which must exist.
     virtual Element element(WindowHandle window) = 0;
     /// Returns the actual frame of the window, read without the back end.
@@ -97,6 +99,9 @@ public:
 
     /// Adds a panel of this height along the top edge of the primary display, which reserves its area.
     virtual void addPanel(double height) = 0;
+    /// Returns the frame of the second display, which ends further down than the primary one where the
+    /// desktop can have displays of different sizes.
+    [[nodiscard]] virtual Rect second() const { return {1440, 0, 1120, 1024}; }
     virtual void disconnectSecondDisplay() = 0;
 
     /// Presses and releases a key, given as in `HotKeyRequest`.

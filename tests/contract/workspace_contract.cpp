@@ -39,7 +39,7 @@ TEST_F(WorkspaceContract, AnApplicationMayHaveNoBundleIdentifier) {
     (void)desktop->openWindow(nameless, {});
 
     EXPECT_EQ(desktop->workspace().runningApplication(desktop->pid(nameless)),
-              (RunningApplication{desktop->pid(nameless), std::nullopt}));
+              (RunningApplication{desktop->pid(nameless), desktop->identifierOfNameless()}));
 }
 
 TEST_F(WorkspaceContract, ATerminatedApplicationIsNotRunning) {

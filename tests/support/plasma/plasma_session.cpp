@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <csignal>
 #include <memory>
 #include <stdexcept>
@@ -49,7 +50,8 @@ bool waitUntil(const std::function<bool()>& holds) {
 
 } // namespace
 
-PlasmaSession::PlasmaSession(Drawing drawing) : m_environment(environmentIn(m_folder.path())) {
+PlasmaSession::PlasmaSession(Drawing drawing, const Size& display)
+    : m_environment(environmentIn(m_folder.path())) {
     m_bus.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
                                            "--print-address",
                                            "--address=" + m_environment.at("DBUS_SESSION_BUS_ADDRESS")},
@@ -63,12 +65,15 @@ PlasmaSession::PlasmaSession(Drawing drawing) : m_environment(environmentIn(m_fo
     auto environment = m_environment;
     environment["KWIN_COMPOSE"] = drawing == Drawing::OpenGl ? "O2" : "Q";
     environment["LIBGL_ALWAYS_SOFTWARE"] = "1";
-    environment["KWIN_EFFECTS_FORCE_ANIMATIONS"] = "1"; // although OpenGL has no GPU here
+    if (drawing == Drawing::OpenGl) // effects that need OpenGL would abort KWin without it
+        environment["KWIN_EFFECTS_FORCE_ANIMATIONS"] = "1"; // although OpenGL has no GPU here
     environment["KWIN_WAYLAND_NO_PERMISSION_CHECKS"] = "1";
     environment["KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"] = "1";
-    m_compositor.emplace(std::vector<std::string>{TESSAREL_KWIN_WAYLAND, "--virtual", "--width", "1600",
-                                                  "--height", "900", "--output-count", "2", "--no-lockscreen",
-                                                  "--socket", kSocket},
+    m_compositor.emplace(std::vector<std::string>{TESSAREL_KWIN_WAYLAND, "--virtual", "--width",
+                                                  std::to_string(std::lround(display.width)), "--height",
+                                                  std::to_string(std::lround(display.height)),
+                                                  "--output-count", "2", "--no-lockscreen", "--socket",
+                                                  kSocket},
                          environment);
     m_environment["WAYLAND_DISPLAY"] = kSocket;
     m_environment["QT_QPA_PLATFORM"] = "wayland";
@@ -86,11 +91,13 @@ PlasmaSession::PlasmaSession(Drawing drawing) : m_environment(environmentIn(m_fo
         throw std::runtime_error(problem.what() + std::string(": ") + m_compositor->errors());
     }
     m_input.emplace(socket);
+    m_outputs.emplace(socket);
 }
 
 PlasmaSession::~PlasmaSession() {
     m_program.reset();
     m_clients.clear();
+    m_outputs.reset();
     m_input.reset();
 }
 

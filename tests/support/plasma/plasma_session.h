@@ -4,6 +4,7 @@
 
 #include "ports/rect.h"
 #include "support/plasma/fake_input.h"
+#include "support/plasma/output_control.h"
 #include "support/plasma/probe.h"
 #include "support/scratch_folder.h"
 #include "support/x11/child_process.h"
@@ -24,8 +25,8 @@ inline constexpr const char* kEditor = "org.kde.kwrite";
 /// What KWin draws with. Effects, and so the modifiers of a drag, need OpenGL.
 enum class Drawing : std::uint8_t { Software, OpenGl };
 
-/// A private session of KDE Plasma on Wayland: a session bus and KWin without a screen, with two displays of
-/// 1600 x 900 side by side, in a home and a runtime folder of its own. There is no desktop shell and no X
+/// A private session of KDE Plasma on Wayland: a session bus and KWin without a screen, with two
+/// displays side by side, in a home and a runtime folder of its own. There is no desktop shell and no X
 /// server.
 class PlasmaSession {
 public:
@@ -33,7 +34,7 @@ public:
     static constexpr Rect kSecond{1600, 0, 1600, 900};
 
     /// Throws std::runtime_error if the session does not start.
-    explicit PlasmaSession(Drawing drawing = Drawing::Software);
+    explicit PlasmaSession(Drawing drawing = Drawing::Software, const Size& display = kFirst.size());
     PlasmaSession(const PlasmaSession&) = delete;
     PlasmaSession& operator=(const PlasmaSession&) = delete;
     ~PlasmaSession();
@@ -41,6 +42,7 @@ public:
     [[nodiscard]] const x11test::Environment& environment() const { return m_environment; }
     [[nodiscard]] FakeInput& input() { return *m_input; }
     [[nodiscard]] Probe& probe() { return *m_probe; }
+    [[nodiscard]] OutputControl& outputs() { return *m_outputs; }
 
     /// Writes the settings of the program under test.
     void writeSettings(std::string_view document);
@@ -70,6 +72,7 @@ private:
     std::optional<x11test::ChildProcess> m_compositor;
     std::optional<Probe> m_probe;
     std::optional<FakeInput> m_input;
+    std::optional<OutputControl> m_outputs;
     std::vector<std::unique_ptr<x11test::ChildProcess>> m_clients;
     std::optional<x11test::ChildProcess> m_program;
 };

@@ -16,7 +16,8 @@ constexpr const char* kScript = R"js(
 function report() {
     const all = workspace.clientList().sort((a, b) => a.stackingOrder - b.stackingOrder);
     callDBus("@NAME@", "/Probe", "org.tessarel.Probe", "windows", JSON.stringify(all.map((c) => ({
-        class: String(c.resourceClass), pid: c.pid, active: c.active, tiled: c.tile !== null,
+        name: String(c.internalId), title: c.caption, class: String(c.resourceClass), pid: c.pid,
+        active: c.active, tiled: c.tile !== null, minimized: c.minimized, fullScreen: c.fullScreen,
         frame: [c.frameGeometry.x, c.frameGeometry.y, c.frameGeometry.width, c.frameGeometry.height]
     }))));
 }
@@ -54,6 +55,15 @@ bool Probe::waitUntil(const std::function<bool()>& holds) {
     return m_link.waitUntil(holds, x11test::kPatience);
 }
 
+void Probe::roundTrip() {
+    bool hasReply = false;
+    m_link.call(
+        {"org.kde.KWin", "/KWin", "org.kde.KWin", "currentDesktop"},
+        [&hasReply](const wayland::BusMessage&) { hasReply = true; }, wayland::BusLink::Delivery::Urgent);
+    if (!waitUntil([&] { return hasReply; }))
+        throw std::runtime_error("KWin does not reply");
+}
+
 void Probe::run(const std::string& script) {
     load("once" + std::to_string(++m_scripts), script);
 }
@@ -73,11 +83,15 @@ void Probe::handle(const std::string& report) {
     m_windows.clear();
     for (const Json& window : *windows) {
         const auto frame = window.at("frame").get<std::vector<double>>();
-        m_windows.push_back({.windowClass = window.at("class").get<std::string>(),
+        m_windows.push_back({.name = window.at("name").get<std::string>(),
+                             .title = window.at("title").get<std::string>(),
+                             .windowClass = window.at("class").get<std::string>(),
                              .pid = window.at("pid").get<int>(),
                              .frame = {frame.at(0), frame.at(1), frame.at(2), frame.at(3)},
                              .isActive = window.at("active").get<bool>(),
-                             .isTiled = window.at("tiled").get<bool>()});
+                             .isTiled = window.at("tiled").get<bool>(),
+                             .isMinimized = window.at("minimized").get<bool>(),
+                             .isFullScreen = window.at("fullScreen").get<bool>()});
     }
     m_hasReport = true;
 }

@@ -15,11 +15,15 @@ namespace tessarel::plasmatest {
 
 /// A window as KWin itself sees it.
 struct SeenWindow {
+    std::string name; ///< KWin's own identifier
+    std::string title;
     std::string windowClass;
     int pid = 0;
     Rect frame;
     bool isActive = false;
     bool isTiled = false;
+    bool isMinimized = false;
+    bool isFullScreen = false;
 };
 
 /// A script of the test in KWin that reports all windows after every change, without the program under test.
@@ -36,6 +40,8 @@ public:
     [[nodiscard]] const std::vector<SeenWindow>& windows() const { return m_windows; }
     /// Waits for reports until `holds` returns true. Returns false if it does not.
     bool waitUntil(const std::function<bool()>& holds);
+    /// Waits until every report has arrived that KWin has sent so far.
+    void roundTrip();
     /// Runs JavaScript once in KWin.
     void run(const std::string& script);
 

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+
+#include "support/plasma/wayland_client.h"
+
+#include <cmath>
+#include <sstream>
+
+namespace tessarel::plasmatest {
+
+WaylandClient::WaylandClient(const x11test::Environment& environment)
+    : m_process({TESSAREL_WAYLAND_CLIENT}, environment) {}
+
+void WaylandClient::open(int number, const WindowOptions& options) {
+    std::ostringstream command;
+    command << "open " << number;
+    for (const Size& size : {options.size, options.minimum, options.maximum})
+        command << ' ' << std::lround(size.width) << ' ' << std::lround(size.height);
+    command << ' ' << options.applicationId;
+    m_process.writeLine(command.str());
+}
+
+void WaylandClient::close(int number) {
+    m_process.writeLine("close " + std::to_string(number));
+}
+
+void WaylandClient::openPanel(int height) {
+    m_process.writeLine("panel " + std::to_string(height));
+}
+
+void WaylandClient::stall() {
+    m_process.writeLine("stall");
+}
+
+} // namespace tessarel::plasmatest

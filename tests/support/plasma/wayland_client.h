@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include "ports/rect.h"
+#include "support/x11/child_process.h"
+
+#include <string>
+
+namespace tessarel::plasmatest {
+
+/// Another program on the desktop, whose windows have no decoration. Its functions return at once.
+class WaylandClient {
+public:
+    struct WindowOptions {
+        std::string applicationId = {}; ///< announces none if empty
+        Size size = {500, 400};
+        Size minimum = {}; ///< no limit when empty
+        Size maximum = {}; ///< no limit when empty
+    };
+
+    /// Starts the program in the environment of a session.
+    explicit WaylandClient(const x11test::Environment& environment);
+
+    [[nodiscard]] x11test::ChildProcess& process() { return m_process; }
+
+    /// Opens a window with the title `titleOf(number)`.
+    void open(int number, const WindowOptions& options);
+    void close(int number);
+    /// Adds a panel along the top edge of the first display, which reserves its height.
+    void openPanel(int height);
+    /// Reads nothing that the compositor sends from now on, so its windows take no new size.
+    void stall();
+
+    [[nodiscard]] static std::string titleOf(int number) { return "window " + std::to_string(number); }
+
+private:
+    x11test::ChildProcess m_process;
+};
+
+} // namespace tessarel::plasmatest

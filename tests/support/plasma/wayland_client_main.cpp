@@ -1,0 +1,235 @@
+// SPDX-License-Identifier: MIT
+
+// Plays another program on a Wayland desktop: its windows have no decoration and take every size that their
+// limits allow. Reads commands, one per line:
+//   open NUMBER WIDTH HEIGHT MINIMUM-WIDTH MINIMUM-HEIGHT MAXIMUM-WIDTH MAXIMUM-HEIGHT [APPLICATION-ID]
+//   close NUMBER
+//   panel HEIGHT
+//   stall
+// The title of a window is "window NUMBER". A limit of 0 is none. A panel is along the top edge of the first
+// display and reserves its height. After "stall" the program reads nothing that the compositor sends.
+
+#include "layer-shell-client.h"
+#include "xdg-shell-client.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <iostream>
+#include <map>
+#include <memory>
+#include <poll.h>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <sys/mman.h>
+#include <type_traits>
+#include <unistd.h>
+#include <wayland-client.h>
+
+namespace {
+
+struct Size {
+    int width = 0;
+    int height = 0;
+};
+
+/// What the compositor announces.
+struct Globals {
+    wl_compositor* compositor = nullptr;
+    wl_shm* memory = nullptr;
+    xdg_wm_base* windows = nullptr;
+    zwlr_layer_shell_v1* layers = nullptr;
+    wl_output* display = nullptr; ///< the first one
+};
+
+Globals globals;
+
+constexpr xdg_wm_base_listener kPings{
+    [](void*, xdg_wm_base* windows, std::uint32_t serial) { xdg_wm_base_pong(windows, serial); }};
+
+constexpr wl_registry_listener kAnnouncements{
+    [](void*, wl_registry* registry, std::uint32_t name, const char* interface, std::uint32_t) {
+        const auto bind = [&](const wl_interface& wanted, auto*& bound) {
+            if (bound == nullptr && interface == std::string_view(wanted.name))
+                bound = static_cast<std::remove_reference_t<decltype(bound)>>(
+                    wl_registry_bind(registry, name, &wanted, 1));
+        };
+        bind(wl_compositor_interface, globals.compositor);
+        bind(wl_shm_interface, globals.memory);
+        bind(xdg_wm_base_interface, globals.windows);
+        bind(zwlr_layer_shell_v1_interface, globals.layers);
+        bind(wl_output_interface, globals.display);
+    },
+    [](void*, wl_registry*, std::uint32_t) {}};
+
+/// Shows a black image of this size on the surface.
+void fill(wl_surface* surface, Size size) {
+    const int bytes = size.width * size.height * 4;
+    const int file = ::memfd_create("window", MFD_CLOEXEC);
+    if (file < 0 || ::ftruncate(file, bytes) != 0)
+        std::abort();
+    wl_shm_pool* const pool = wl_shm_create_pool(globals.memory, file, bytes);
+    wl_buffer* const buffer =
+        wl_shm_pool_create_buffer(pool, 0, size.width, size.height, size.width * 4, WL_SHM_FORMAT_XRGB8888);
+    static constexpr wl_buffer_listener kRelease{[](void*, wl_buffer* old) { wl_buffer_destroy(old); }};
+    wl_buffer_add_listener(buffer, &kRelease, nullptr);
+    wl_shm_pool_destroy(pool);
+    ::close(file);
+    wl_surface_attach(surface, buffer, 0, 0);
+    wl_surface_damage(surface, 0, 0, size.width, size.height);
+    wl_surface_commit(surface);
+}
+
+struct WindowOptions {
+    std::string title;
+    std::string applicationId;
+    Size size;
+    Size minimum;
+    Size maximum;
+};
+
+class Window {
+public:
+    explicit Window(const WindowOptions& options)
+        : m_size(options.size), m_minimum(options.minimum), m_maximum(options.maximum),
+          m_surface(wl_compositor_create_surface(globals.compositor)),
+          m_shell(xdg_wm_base_get_xdg_surface(globals.windows, m_surface)),
+          m_window(xdg_surface_get_toplevel(m_shell)) {
+        static constexpr xdg_toplevel_listener kSizes{
+            .configure =
+                [](void* data, xdg_toplevel*, std::int32_t width, std::int32_t height, wl_array*) {
+                    if (width > 0 && height > 0)
+                        static_cast<Window*>(data)->take({width, height});
+                },
+            .close = [](void*, xdg_toplevel*) { std::exit(EXIT_SUCCESS); }};
+        static constexpr xdg_surface_listener kConfigured{
+            [](void* data, xdg_surface* shell, std::uint32_t serial) {
+                xdg_surface_ack_configure(shell, serial);
+                fill(static_cast<Window*>(data)->m_surface, static_cast<Window*>(data)->m_size);
+            }};
+        xdg_surface_add_listener(m_shell, &kConfigured, this);
+        xdg_toplevel_add_listener(m_window, &kSizes, this);
+        xdg_toplevel_set_title(m_window, options.title.c_str());
+        if (!options.applicationId.empty())
+            xdg_toplevel_set_app_id(m_window, options.applicationId.c_str());
+        xdg_toplevel_set_min_size(m_window, options.minimum.width, options.minimum.height);
+        xdg_toplevel_set_max_size(m_window, options.maximum.width, options.maximum.height);
+        wl_surface_commit(m_surface);
+    }
+    Window(const Window&) = delete;
+    Window& operator=(const Window&) = delete;
+    ~Window() {
+        xdg_toplevel_destroy(m_window);
+        xdg_surface_destroy(m_shell);
+        wl_surface_destroy(m_surface);
+    }
+
+private:
+    /// Takes the size within the limits, which the compositor leaves to the program.
+    void take(Size wanted) {
+        const auto within = [](int value, int minimum, int maximum) {
+            return std::max(maximum > 0 ? std::min(value, maximum) : value, minimum);
+        };
+        m_size = {within(wanted.width, m_minimum.width, m_maximum.width),
+                  within(wanted.height, m_minimum.height, m_maximum.height)};
+    }
+
+    Size m_size;
+    Size m_minimum;
+    Size m_maximum;
+    wl_surface* m_surface;
+    xdg_surface* m_shell;
+    xdg_toplevel* m_window;
+};
+
+void openPanel(int height) {
+    constexpr std::uint32_t kTopEdge = ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT |
+                                       ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT;
+    wl_surface* const surface = wl_compositor_create_surface(globals.compositor);
+    zwlr_layer_surface_v1* const panel = zwlr_layer_shell_v1_get_layer_surface(
+        globals.layers, surface, globals.display, ZWLR_LAYER_SHELL_V1_LAYER_TOP, "panel");
+    static constexpr zwlr_layer_surface_v1_listener kConfigured{
+        [](void* data, zwlr_layer_surface_v1* configured, std::uint32_t serial, std::uint32_t width,
+           std::uint32_t tall) {
+            zwlr_layer_surface_v1_ack_configure(configured, serial);
+            fill(static_cast<wl_surface*>(data), {static_cast<int>(width), static_cast<int>(tall)});
+        },
+        [](void*, zwlr_layer_surface_v1*) {}};
+    zwlr_layer_surface_v1_add_listener(panel, &kConfigured, surface);
+    zwlr_layer_surface_v1_set_size(panel, 0, static_cast<std::uint32_t>(height));
+    zwlr_layer_surface_v1_set_anchor(panel, kTopEdge);
+    zwlr_layer_surface_v1_set_exclusive_zone(panel, height);
+    wl_surface_commit(surface);
+}
+
+/// Carries out the commands of the test.
+class Commands {
+public:
+    [[nodiscard]] bool isStalled() const { return m_isStalled; }
+
+    void carryOut(const std::string& line) {
+        std::istringstream words(line);
+        std::string verb;
+        int number = 0;
+        words >> verb >> number;
+        if (verb == "open")
+            m_windows[number] = std::make_unique<Window>(optionsFrom(words, number));
+        else if (verb == "close")
+            m_windows.erase(number);
+        else if (verb == "panel")
+            openPanel(number);
+        else if (verb == "stall")
+            m_isStalled = true;
+    }
+
+private:
+    static WindowOptions optionsFrom(std::istringstream& words, int number) {
+        WindowOptions options;
+        options.title = "window " + std::to_string(number);
+        for (Size* const size : {&options.size, &options.minimum, &options.maximum})
+            words >> size->width >> size->height;
+        words >> options.applicationId;
+        return options;
+    }
+
+    bool m_isStalled = false;
+    std::map<int, std::unique_ptr<Window>> m_windows;
+};
+
+} // namespace
+
+int main() {
+    wl_display* const display = wl_display_connect(nullptr);
+    if (display == nullptr)
+        return EXIT_FAILURE;
+    wl_registry_add_listener(wl_display_get_registry(display), &kAnnouncements, nullptr);
+    wl_display_roundtrip(display);
+    xdg_wm_base_add_listener(globals.windows, &kPings, nullptr);
+
+    Commands commands;
+    std::string unread;
+    for (;;) {
+        wl_display_dispatch_pending(display);
+        wl_display_flush(display);
+        std::array<pollfd, 2> inputs{
+            pollfd{STDIN_FILENO, POLLIN, 0},
+            pollfd{commands.isStalled() ? -1 : wl_display_get_fd(display), POLLIN, 0}};
+        ::poll(inputs.data(), inputs.size(), -1);
+        if (inputs[1].revents != 0 && wl_display_dispatch(display) < 0)
+            return EXIT_FAILURE;
+        if (inputs[0].revents == 0)
+            continue;
+        std::array<char, 4096> bytes{};
+        const auto count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
+        if (count <= 0)
+            return EXIT_SUCCESS;
+        unread.append(bytes.data(), static_cast<std::size_t>(count));
+        for (auto end = unread.find('\n'); end != std::string::npos; end = unread.find('\n')) {
+            commands.carryOut(unread.substr(0, end));
+            unread.erase(0, end + 1);
+        }
+    }
+}
