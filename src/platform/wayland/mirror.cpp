@@ -65,7 +65,8 @@ void Mirror::remove(const std::string& name) {
 void Mirror::restack(const std::vector<std::string>& names) {
     std::vector<WindowId> order;
     for (const std::string& name : names) {
-        if (const WindowId id = named(name); id != kNoWindow)
+        const WindowId id = named(name);
+        if (id != kNoWindow && std::find(order.begin(), order.end(), id) == order.end())
             order.push_back(id);
     }
     // Windows that the compositor has not listed stay on top, where `update` has put them.

@@ -92,7 +92,7 @@ public:
     /// Adds a window in front of all others, or replaces what is known of it.
     void update(const WindowState& window);
     void remove(const std::string& name);
-    /// Puts the windows into this order, back to front. Unknown names are ignored.
+    /// Puts the windows into this order, back to front. Unknown and repeated names are ignored.
     void restack(const std::vector<std::string>& names);
     void activate(const std::string& name);
     void setDisplays(std::vector<DisplayState> displays);
