@@ -62,16 +62,18 @@ public:
         sd_bus_close_unref(m_bus);
     }
 
-    [[nodiscard]] bool isOpen() const { return m_bus != nullptr; }
+    /// Returns whether the bus can be reached, as far as is known. Otherwise the calls fail, and everything
+    /// else does nothing.
+    [[nodiscard]] bool isOpen() const { return m_bus != nullptr && !m_isClosed; }
 
-    /// Handles everything that has arrived. Returns false when the connection has been closed.
-    bool process() {
+    /// Handles everything that has arrived.
+    void process() {
         int result = 1;
         while (result > 0)
             result = sd_bus_process(m_bus, nullptr);
         if (!m_hasReportedName && sd_bus_is_ready(m_bus) > 0)
             reportName();
-        return result == 0;
+        m_isClosed = result < 0;
     }
 
     [[nodiscard]] pollfd pollState() {
@@ -96,6 +98,10 @@ public:
     }
 
     void call(const BusCall& call, std::uint64_t handler) {
+        if (!isOpen()) {
+            m_link.arrive(handler, {.sender = {}, .member = {}, .values = {}, .error = "unsent"});
+            return;
+        }
         sd_bus_message* raw = nullptr;
         sd_bus_message_new_method_call(m_bus, &raw, call.destination.c_str(), call.path.c_str(),
                                        call.interface.c_str(), call.member.c_str());
@@ -113,6 +119,8 @@ public:
     }
 
     void match(const BusMatch& wanted, std::uint64_t handler) {
+        if (!isOpen())
+            return;
         Receiving& receiving = begin(handler);
         sd_bus_slot* slot = nullptr;
         sd_bus_match_signal_async(m_bus, &slot, wanted.sender.c_str(), wanted.path.c_str(),
@@ -123,6 +131,8 @@ public:
     }
 
     void serve(const std::string& path, std::uint64_t handler) {
+        if (!isOpen())
+            return;
         Receiving& receiving = begin(handler);
         sd_bus_slot* slot = nullptr;
         sd_bus_add_object(m_bus, &slot, path.c_str(), receiveCall, &receiving.context);
@@ -195,6 +205,7 @@ private:
 
     BusLink& m_link;
     sd_bus* m_bus = nullptr;
+    bool m_isClosed = false;
     bool m_hasReportedName = false;
     std::uint64_t m_lastToken = 0;
     std::map<std::uint64_t, Context> m_calls; ///< sent calls without a reply, by handler
@@ -222,7 +233,7 @@ BusLink::~BusLink() {
 /// The body of the thread.
 void BusLink::run() {
     Connection connection(*this, m_address);
-    bool isOpen = connection.isOpen();
+    bool isLost = false;
     std::optional<Clock::time_point> end;
     for (;;) {
         std::deque<Task> tasks;
@@ -232,14 +243,13 @@ void BusLink::run() {
             if (m_isEnding && !end)
                 end = Clock::now() + kLastWords;
         }
-        if (isOpen) {
-            for (const Task& task : tasks)
-                task(connection);
-            if (!connection.process()) {
-                isOpen = false;
-                arrive(kLinkItself, {.sender = {}, .member = kLost, .values = {}, .error = {}});
-            }
-        }
+        for (const Task& task : tasks)
+            task(connection);
+        if (connection.isOpen())
+            connection.process();
+        const bool isOpen = connection.isOpen();
+        if (!isOpen && !std::exchange(isLost, true))
+            arrive(kLinkItself, {.sender = {}, .member = kLost, .values = {}, .error = {}});
         if (end && (!isOpen || !connection.hasUnsent() || Clock::now() >= *end))
             return;
         std::array<pollfd, 2> states{pollfd{m_taskEvent, POLLIN, 0}, pollfd{-1, 0, 0}};
