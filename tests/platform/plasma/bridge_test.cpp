@@ -1,0 +1,280 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/plasma/bridge.h"
+
+#include "platform/sim/time/sim_clock.h"
+#include "platform/sim/time/sim_main_queue.h"
+#include "support/scratch_folder.h"
+#include "support/x11/child_process.h"
+
+#include <gmock/gmock.h>
+
+#include <optional>
+
+namespace tessarel::plasma {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using wayland::BusLink;
+using wayland::BusMessage;
+using Delivery = BusLink::Delivery;
+
+constexpr const char* kEverything = R"({"event":"everything","active":"a","windows":[
+    {"name":"a","pid":42,"frame":[0,0,500,400],"kind":"standard","onCurrentDesktop":true}],
+    "displays":[{"frame":[0,0,1600,900],"usable":[0,0,1600,900]}]})";
+
+/// Plays KWin on the bus: takes scripts, and sends what a script would.
+class FakeCompositor {
+public:
+    FakeCompositor(const std::string& address, bool acceptsScripts) : m_link(address) {
+        std::optional<BusMessage> reply;
+        m_scripts = m_link.serve(
+            "/Scripting", [this, acceptsScripts](const BusMessage& call) { take(call, acceptsScripts); },
+            Delivery::Urgent);
+        m_link.call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
+                     "su", {std::string("org.kde.KWin"), std::int64_t{0}}},
+                    [&](const BusMessage& message) { reply = message; }, Delivery::Urgent);
+        EXPECT_TRUE(waitUntil([&] { return reply.has_value(); }));
+    }
+
+    bool waitUntil(const std::function<bool()>& holds, std::chrono::milliseconds patience = x11test::kPatience) {
+        return m_link.waitUntil(holds, patience);
+    }
+
+    /// Sends a report of the script.
+    void report(const std::string& service, const std::string& text) {
+        m_link.call({service, "/org/tessarel/Bridge", "org.tessarel.Bridge", "report", "s", {text}});
+    }
+    /// Asks for commands, as the script does.
+    void next(const std::string& service) {
+        m_link.call({service, "/org/tessarel/Bridge", "org.tessarel.Bridge", "next"},
+                    [this](const BusMessage& reply) { commands.push_back(reply.value<std::string>(0)); },
+                    Delivery::Urgent);
+    }
+
+    std::vector<std::string> requests;
+    std::vector<std::string> commands; ///< what `next` has returned
+
+private:
+    void take(const BusMessage& call, bool acceptsScripts) {
+        requests.push_back(call.member);
+        if (acceptsScripts)
+            m_link.answer(call.token, "");
+    }
+
+    BusLink m_link;
+    SubscriptionPtr m_scripts;
+};
+
+class BridgeTest : public testing::Test {
+protected:
+    BridgeTest() {
+        (void)daemon.readLine();
+        link.emplace(address);
+    }
+
+    void makeBridge(const std::filesystem::path& scripts) {
+        ASSERT_TRUE(link->waitUntil([&] { return !link->uniqueName().empty(); }, x11test::kPatience));
+        bridge.emplace(*link, mirror, queue, scripts,
+                       [this](const std::string& problem) { problems.push_back(problem); });
+    }
+
+    /// Loads the bridge into a compositor that accepts scripts, with one window.
+    void load() {
+        compositor.emplace(address, true);
+        makeBridge(folder.path());
+        bridge->load(1ms);
+        passBus(); // the bridge knows who the compositor is
+        compositor->report(link->uniqueName(), kEverything);
+        ASSERT_TRUE(waitUntil([&] { return mirror.isReady(); }));
+        mirror.deliver();
+    }
+
+    /// Waits for the replies to all calls of the bridge to the bus itself.
+    void passBus() {
+        bool hasReply = false;
+        link->call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId"},
+                   [&](const BusMessage&) { hasReply = true; }, Delivery::Urgent);
+        ASSERT_TRUE(waitUntil([&] { return hasReply; }));
+    }
+
+    bool waitUntil(const std::function<bool()>& holds) { return link->waitUntil(holds, x11test::kPatience); }
+
+    /// Handles what arrives at both ends until `holds` returns true. Returns false if it does not.
+    bool exchangeUntil(const std::function<bool()>& holds) {
+        const x11test::Deadline deadline;
+        while (!holds() && !deadline.passed()) {
+            link->waitUntil(holds, 1ms);
+            compositor->waitUntil(holds, 1ms);
+        }
+        return holds();
+    }
+
+    ScratchFolder folder;
+    std::string address = "unix:path=" + (folder.path() / "bus").string();
+    x11test::ChildProcess daemon{{"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address",
+                                  "--address=" + address}};
+    sim::SimClock clock;
+    sim::SimMainQueue queue{clock};
+    wayland::Mirror mirror;
+    std::vector<std::string> problems;
+    std::optional<FakeCompositor> compositor;
+    std::optional<BusLink> link;
+    std::optional<Bridge> bridge;
+};
+
+TEST_F(BridgeTest, AScriptThatCannotBeWrittenIsReportedAndNotLoaded) {
+    compositor.emplace(address, true);
+    makeBridge(folder.path() / "missing");
+
+    bridge->load(x11test::kPatience);
+
+    EXPECT_FALSE(bridge->isAccepted());
+    EXPECT_THAT(problems, ElementsAre(HasSubstr("missing/tessarel-bridge.js")));
+    EXPECT_THAT(compositor->requests, IsEmpty());
+}
+
+TEST_F(BridgeTest, WithoutACompositorTheScriptIsNotAccepted) {
+    makeBridge(folder.path());
+
+    bridge->load(x11test::kPatience);
+
+    EXPECT_FALSE(bridge->isAccepted());
+    EXPECT_FALSE(mirror.isReady());
+}
+
+TEST_F(BridgeTest, ACompositorThatNeverRepliesIsWaitedForWithABound) {
+    compositor.emplace(address, false);
+    makeBridge(folder.path());
+
+    bridge->load(20ms);
+
+    EXPECT_FALSE(mirror.isReady());
+    EXPECT_TRUE(compositor->waitUntil([&] { return compositor->requests.size() == 3; }));
+    EXPECT_THAT(compositor->requests, ElementsAre("unloadScript", "loadScript", "start"));
+}
+
+TEST_F(BridgeTest, TheScriptIsUnloadedAndItsFileRemovedAtTheEnd) {
+    load();
+    const auto isScript = [](const std::string& name) { return name == "tessarel-bridge.js"; };
+    EXPECT_THAT(ScratchFolder::names(folder.path()), testing::Contains(testing::Truly(isScript)));
+
+    bridge.reset();
+    link.reset();
+
+    EXPECT_THAT(ScratchFolder::names(folder.path()), testing::Not(testing::Contains(testing::Truly(isScript))));
+    EXPECT_TRUE(compositor->waitUntil([&] { return compositor->requests.size() == 4; }));
+    EXPECT_EQ(compositor->requests.back(), "unloadScript");
+}
+
+TEST_F(BridgeTest, ReportsOfOtherProgramsAreIgnored) {
+    load();
+    FakeCompositor other(address, false); // does not get the name
+
+    other.report(link->uniqueName(), R"({"event":"removed","name":"a"})");
+    compositor->report(link->uniqueName(), R"({"event":"active","name":""})");
+    ASSERT_TRUE(waitUntil([&] { return mirror.active() == wayland::kNoWindow; }));
+    other.report(link->uniqueName(), R"({"event":"removed","name":"a"})");
+    compositor->report(link->uniqueName(), R"({"event":"active","name":"a"})");
+    ASSERT_TRUE(waitUntil([&] { return mirror.active() != wayland::kNoWindow; }));
+
+    EXPECT_NE(mirror.named("a"), wayland::kNoWindow);
+}
+
+TEST_F(BridgeTest, MalformedReportsAreIgnored) {
+    load();
+
+    for (const char* const text : {"", "{", "nonsense", "[1,2", R"({"event":"removed","name":"a")"})
+        compositor->report(link->uniqueName(), text);
+    compositor->report(link->uniqueName(), R"({"event":"active","name":""})");
+    ASSERT_TRUE(waitUntil([&] { return mirror.active() == wayland::kNoWindow; }));
+
+    EXPECT_NE(mirror.named("a"), wayland::kNoWindow);
+}
+
+TEST_F(BridgeTest, CommandsAnswerTheCallOfTheScriptInOneList) {
+    load();
+    bridge->place(mirror.named("a"), {1, 2, 300, 400});
+    bridge->place(mirror.named("a"), {5, 6, 700, 800});
+
+    compositor->next(link->uniqueName());
+    ASSERT_TRUE(exchangeUntil([&] { return !compositor->commands.empty(); }));
+
+    EXPECT_THAT(compositor->commands,
+                ElementsAre(R"([{"frame":[1.0,2.0,300.0,400.0],"name":"a","serial":1},)"
+                            R"({"frame":[5.0,6.0,700.0,800.0],"name":"a","serial":2}])"));
+}
+
+TEST_F(BridgeTest, TheCallOfTheScriptIsAnsweredBeforeItTimesOut) {
+    load();
+    compositor->next(link->uniqueName());
+    compositor->report(link->uniqueName(), R"({"event":"active","name":""})");
+    ASSERT_TRUE(waitUntil([&] { return mirror.active() == wayland::kNoWindow; })); // the call has arrived
+
+    clock.advance(19s);
+    EXPECT_THAT(compositor->commands, IsEmpty());
+    clock.advance(1s);
+
+    ASSERT_TRUE(exchangeUntil([&] { return !compositor->commands.empty(); }));
+    EXPECT_THAT(compositor->commands, ElementsAre(""));
+}
+
+TEST_F(BridgeTest, AWindowHasSettledOnceTheScriptHasReportedTheLastPlacement) {
+    load();
+    const auto a = mirror.named("a");
+    EXPECT_TRUE(bridge->waitUntilSettled(a, 250ms)); // nothing is under way
+
+    bridge->place(a, {1, 2, 300, 400});
+    bridge->place(a, {5, 6, 700, 800});
+    compositor->report(link->uniqueName(), R"({"event":"placed","name":"a","serial":1,"frame":[1,2,300,400]})");
+    EXPECT_FALSE(bridge->waitUntilSettled(a, 50ms));
+    compositor->report(link->uniqueName(), R"({"event":"placed","name":"a","serial":2,"frame":[5,6,700,800]})");
+
+    EXPECT_TRUE(bridge->waitUntilSettled(a, x11test::kPatience));
+    EXPECT_EQ(mirror.find(a)->frame, (Rect{5, 6, 700, 800}));
+}
+
+TEST_F(BridgeTest, AWindowThatNeverSettlesIsWaitedForOnlyOnce) {
+    load();
+    const auto a = mirror.named("a");
+    bridge->place(a, {1, 2, 300, 400});
+
+    EXPECT_FALSE(bridge->waitUntilSettled(a, 20ms));
+    clock.advance(250ms);
+
+    EXPECT_FALSE(bridge->waitUntilSettled(a, 250ms)); // at once: the time is over
+}
+
+TEST_F(BridgeTest, AWindowThatClosesHasSettled) {
+    load();
+    const auto a = mirror.named("a");
+    bridge->place(a, {1, 2, 300, 400});
+
+    compositor->report(link->uniqueName(), R"({"event":"removed","name":"a"})");
+
+    EXPECT_TRUE(bridge->waitUntilSettled(a, x11test::kPatience));
+}
+
+TEST_F(BridgeTest, AnUnknownWindowIsNotPlaced) {
+    load();
+
+    bridge->place(999, {1, 2, 300, 400});
+
+    EXPECT_TRUE(bridge->waitUntilSettled(999, 250ms));
+}
+
+TEST_F(BridgeTest, TheEndOfTheBusEndsTheWaits) {
+    load();
+    const auto a = mirror.named("a");
+    bridge->place(a, {1, 2, 300, 400});
+
+    daemon.kill();
+
+    EXPECT_TRUE(bridge->waitUntilSettled(a, x11test::kPatience));
+}
+
+} // namespace
+} // namespace tessarel::plasma
