@@ -43,6 +43,13 @@ constexpr std::pair<std::uint64_t, std::uint32_t> kModifierKeys[] = {
 
 /// The contract's desktop on KDE Plasma: real client processes in a private session. The destructor ends all
 /// of them.
+/// The compositor of the tests draws without OpenGL, so no modifier is ever reported.
+class NoDragKeys : public wayland::DragKeys {
+public:
+    [[nodiscard]] ModifierFlags held() const override { return 0; }
+    void readAtEnd(std::function<void()> done) override { done(); }
+};
+
 class PlasmaContractDesktop : public ContractDesktop {
 public:
     PlasmaContractDesktop() {
@@ -216,7 +223,8 @@ private:
     wayland::Accessibility m_accessibility{m_mirror, m_bridge, m_applicationsSeen, m_watch, m_line.queue()};
     wayland::Displays m_displays{m_mirror};
     plasma::GlobalShortcuts m_hotKeys{m_line.link()};
-    wayland::DragMouse m_mouse{m_mirror, [] { return ModifierFlags{0}; }};
+    NoDragKeys m_dragKeys;
+    wayland::DragMouse m_mouse{m_mirror, m_dragKeys};
     plasma::Trust m_trust{m_bridge};
     wayland::Workspace m_workspace{m_applicationsSeen, m_watch};
     sim::SimAlertSound m_silence;

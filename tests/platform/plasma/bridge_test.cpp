@@ -34,13 +34,19 @@ public:
         m_scripts = m_link.serve(
             "/Scripting", [this, acceptsScripts](const BusMessage& call) { take(call, acceptsScripts); },
             Delivery::Urgent);
-        m_link.call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "RequestName",
-                     "su", {std::string("org.kde.KWin"), std::int64_t{0}}},
-                    [&](const BusMessage& message) { reply = message; }, Delivery::Urgent);
+        m_link.call(
+            {"org.freedesktop.DBus",
+             "/org/freedesktop/DBus",
+             "org.freedesktop.DBus",
+             "RequestName",
+             "su",
+             {std::string("org.kde.KWin"), std::int64_t{0}}},
+            [&](const BusMessage& message) { reply = message; }, Delivery::Urgent);
         EXPECT_TRUE(waitUntil([&] { return reply.has_value(); }));
     }
 
-    bool waitUntil(const std::function<bool()>& holds, std::chrono::milliseconds patience = x11test::kPatience) {
+    bool waitUntil(const std::function<bool()>& holds,
+                   std::chrono::milliseconds patience = x11test::kPatience) {
         return m_link.waitUntil(holds, patience);
     }
 
@@ -50,9 +56,10 @@ public:
     }
     /// Asks for commands, as the script does.
     void next(const std::string& service) {
-        m_link.call({service, "/org/tessarel/Bridge", "org.tessarel.Bridge", "next"},
-                    [this](const BusMessage& reply) { commands.push_back(reply.value<std::string>(0)); },
-                    Delivery::Urgent);
+        m_link.call(
+            {service, "/org/tessarel/Bridge", "org.tessarel.Bridge", "next"},
+            [this](const BusMessage& reply) { commands.push_back(reply.value<std::string>(0)); },
+            Delivery::Urgent);
     }
 
     std::vector<std::string> requests;
@@ -96,8 +103,9 @@ protected:
     /// Waits for the replies to all calls of the bridge to the bus itself.
     void passBus() {
         bool hasReply = false;
-        link->call({"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId"},
-                   [&](const BusMessage&) { hasReply = true; }, Delivery::Urgent);
+        link->call(
+            {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId"},
+            [&](const BusMessage&) { hasReply = true; }, Delivery::Urgent);
         ASSERT_TRUE(waitUntil([&] { return hasReply; }));
     }
 
@@ -115,8 +123,8 @@ protected:
 
     ScratchFolder folder;
     std::string address = "unix:path=" + (folder.path() / "bus").string();
-    x11test::ChildProcess daemon{{"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address",
-                                  "--address=" + address}};
+    x11test::ChildProcess daemon{
+        {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address", "--address=" + address}};
     sim::SimClock clock;
     sim::SimMainQueue queue{clock};
     wayland::Mirror mirror;
@@ -165,7 +173,8 @@ TEST_F(BridgeTest, TheScriptIsUnloadedAndItsFileRemovedAtTheEnd) {
     bridge.reset();
     link.reset();
 
-    EXPECT_THAT(ScratchFolder::names(folder.path()), testing::Not(testing::Contains(testing::Truly(isScript))));
+    EXPECT_THAT(ScratchFolder::names(folder.path()),
+                testing::Not(testing::Contains(testing::Truly(isScript))));
     EXPECT_TRUE(compositor->waitUntil([&] { return compositor->requests.size() == 4; }));
     EXPECT_EQ(compositor->requests.back(), "unloadScript");
 }
@@ -229,9 +238,11 @@ TEST_F(BridgeTest, AWindowHasSettledOnceTheScriptHasReportedTheLastPlacement) {
 
     bridge->place(a, {1, 2, 300, 400});
     bridge->place(a, {5, 6, 700, 800});
-    compositor->report(link->uniqueName(), R"({"event":"placed","name":"a","serial":1,"frame":[1,2,300,400]})");
+    compositor->report(link->uniqueName(),
+                       R"({"event":"placed","name":"a","serial":1,"frame":[1,2,300,400]})");
     EXPECT_FALSE(bridge->waitUntilSettled(a, 50ms));
-    compositor->report(link->uniqueName(), R"({"event":"placed","name":"a","serial":2,"frame":[5,6,700,800]})");
+    compositor->report(link->uniqueName(),
+                       R"({"event":"placed","name":"a","serial":2,"frame":[5,6,700,800]})");
 
     EXPECT_TRUE(bridge->waitUntilSettled(a, x11test::kPatience));
     EXPECT_EQ(mirror.find(a)->frame, (Rect{5, 6, 700, 800}));

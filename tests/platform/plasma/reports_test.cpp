@@ -16,7 +16,8 @@ using wayland::Mirror;
 using wayland::WindowKind;
 using wayland::WindowState;
 
-constexpr const char* kWindow = R"({"name":"a","pid":42,"application":"org.example.editor.desktop","class":"editor",
+constexpr const char* kWindow =
+    R"({"name":"a","pid":42,"application":"org.example.editor.desktop","class":"editor",
     "frame":[100,50,500,400],"kind":"standard","minimized":false,"fullScreen":false,"onCurrentDesktop":true,
     "opacity":0.5})";
 constexpr Rect kFrame{100, 50, 500, 400};
@@ -59,7 +60,8 @@ TEST_F(ReportsTest, EverythingIsTakenOver) {
 }
 
 TEST_F(ReportsTest, AWindowIsUpdatedActivatedRestackedAndRemoved) {
-    apply(R"({"event":"window","window":{"name":"b","pid":7,"frame":[0,0,10,10],"kind":"dialog","minimized":true}})");
+    apply(
+        R"({"event":"window","window":{"name":"b","pid":7,"frame":[0,0,10,10],"kind":"dialog","minimized":true}})");
     apply(R"({"event":"active","name":"b"})");
     apply(R"({"event":"order","names":["b","a"]})");
     ASSERT_NE(find("b"), nullptr);
@@ -96,10 +98,11 @@ TEST_F(ReportsTest, ReportsThatAreNoneChangeNothing) {
     for (const char* const text :
          {"[]", "7", "null", "\"everything\"", "{}", R"({"event":7})", R"({"event":"everything"})",
           R"({"event":"everything","windows":{},"displays":[]})", R"({"event":"everything","windows":[]})",
-          R"({"event":"unknown","name":"a"})", R"({"event":"removed"})", R"({"event":"removed","name":["a"]})",
-          R"({"event":"removed","name":"b"})", R"({"event":"order"})", R"({"event":"order","names":[7,null,{}]})",
-          R"({"event":"displays"})", R"({"event":"displays","displays":{"frame":[0,0,1,1]}})",
-          R"({"event":"window"})", R"({"event":"window","window":[]})"})
+          R"({"event":"unknown","name":"a"})", R"({"event":"removed"})",
+          R"({"event":"removed","name":["a"]})", R"({"event":"removed","name":"b"})", R"({"event":"order"})",
+          R"({"event":"order","names":[7,null,{}]})", R"({"event":"displays"})",
+          R"({"event":"displays","displays":{"frame":[0,0,1,1]}})", R"({"event":"window"})",
+          R"({"event":"window","window":[]})"})
         EXPECT_FALSE(apply(text)) << text;
 
     ASSERT_NE(find("a"), nullptr);
@@ -115,8 +118,8 @@ TEST_F(ReportsTest, FramesThatNoDesktopHasAreIgnored) {
           "[1e300,2,3,4]", "[-1e300,2,3,4]", "[1,2,1e999,4]", "[1,2,3,[4]]", "{\"x\":1}"}) {
         apply(std::string(R"({"event":"frame","name":"a","frame":)") + frame + "}");
         apply(std::string(R"({"event":"placed","name":"a","serial":1,"frame":)") + frame + "}");
-        apply(std::string(R"({"event":"moveStepped","name":"a","move":true,"pointer":[1,1],"frame":)") + frame +
-              "}");
+        apply(std::string(R"({"event":"moveStepped","name":"a","move":true,"pointer":[1,1],"frame":)") +
+              frame + "}");
         apply(std::string(R"({"event":"window","window":{"name":"b","pid":7,"frame":)") + frame + "}}");
         EXPECT_EQ(find("a")->frame, kFrame) << frame;
         EXPECT_EQ(find("b"), nullptr) << frame;
@@ -135,8 +138,8 @@ TEST_F(ReportsTest, AMoveWithoutAPointerIsIgnored) {
 }
 
 TEST_F(ReportsTest, OfSeveralWindowsAndDisplaysOnlyTheBrokenOnesAreLeftOut) {
-    apply(std::string(R"({"event":"everything","active":7,"windows":[7,null,{},{"name":""},{"name":"c"},)") + kWindow +
-          R"(],"displays":[null,{"frame":[0,0,0,900]},{"frame":[0,0,800,600],"usable":"?"},[]]})");
+    apply(std::string(R"({"event":"everything","active":7,"windows":[7,null,{},{"name":""},{"name":"c"},)") +
+          kWindow + R"(],"displays":[null,{"frame":[0,0,0,900]},{"frame":[0,0,800,600],"usable":"?"},[]]})");
 
     EXPECT_THAT(mirror.frontToBack(), ElementsAre(mirror.named("a")));
     EXPECT_THAT(mirror.displays(), ElementsAre(DisplayState{{0, 0, 800, 600}, {0, 0, 800, 600}}));
@@ -144,7 +147,8 @@ TEST_F(ReportsTest, OfSeveralWindowsAndDisplaysOnlyTheBrokenOnesAreLeftOut) {
 }
 
 TEST_F(ReportsTest, OddMembersOfAWindowCountAsMissing) {
-    apply(R"({"event":"window","window":{"name":"b","pid":1e300,"application":7,"class":null,"frame":[0,0,10,10],
+    apply(
+        R"({"event":"window","window":{"name":"b","pid":1e300,"application":7,"class":null,"frame":[0,0,10,10],
         "kind":[],"minimized":1,"fullScreen":"true","onCurrentDesktop":null,"opacity":"0.5"}})");
 
     ASSERT_NE(find("b"), nullptr);
@@ -157,8 +161,10 @@ TEST_F(ReportsTest, OddMembersOfAWindowCountAsMissing) {
 }
 
 TEST_F(ReportsTest, AProcessIdThatIsNoneIsZero) {
-    for (const char* const pid : {"-1", "2147483648", "18446744073709551615", "1.5", "1e999", "\"42\"", "true"}) {
-        apply(std::string(R"({"event":"window","window":{"name":"b","frame":[0,0,10,10],"pid":)") + pid + "}}");
+    for (const char* const pid :
+         {"-1", "2147483648", "18446744073709551615", "1.5", "1e999", "\"42\"", "true"}) {
+        apply(std::string(R"({"event":"window","window":{"name":"b","frame":[0,0,10,10],"pid":)") + pid +
+              "}}");
         ASSERT_NE(find("b"), nullptr);
         EXPECT_EQ(find("b")->pid, 0) << pid;
     }
@@ -166,8 +172,8 @@ TEST_F(ReportsTest, AProcessIdThatIsNoneIsZero) {
 
 TEST_F(ReportsTest, ASerialThatIsNoneIsZero) {
     for (const char* const serial : {"-1", "1.5", "1e300", "\"9\"", "null"}) {
-        const auto settled = apply(
-            std::string(R"({"event":"placed","name":"a","frame":[1,2,3,4],"serial":)") + serial + "}");
+        const auto settled =
+            apply(std::string(R"({"event":"placed","name":"a","frame":[1,2,3,4],"serial":)") + serial + "}");
         ASSERT_TRUE(settled);
         EXPECT_EQ(settled->serial, 0U) << serial;
     }

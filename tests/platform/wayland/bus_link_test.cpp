@@ -117,8 +117,9 @@ TEST_F(BusLinkTest, AnObjectIsServedUntilItsSubscriptionIsDestroyed) {
     std::optional<BusMessage> reply;
     const auto ask = [&] {
         reply.reset();
-        client.call({server.uniqueName(), "/object", "org.example", "hello"},
-                    [&](const BusMessage& message) { reply = message; }, Delivery::Urgent);
+        client.call(
+            {server.uniqueName(), "/object", "org.example", "hello"},
+            [&](const BusMessage& message) { reply = message; }, Delivery::Urgent);
     };
 
     ask();
@@ -137,7 +138,9 @@ TEST_F(BusLinkTest, OnlyUrgentMessagesAreHandledDuringAWaitAndTheOthersKeepTheir
     startBus();
     BusLink link(address);
     std::vector<std::string> handled;
-    const auto note = [&](const char* name) { return [&, name](const BusMessage&) { handled.push_back(name); }; };
+    const auto note = [&](const char* name) {
+        return [&, name](const BusMessage&) { handled.push_back(name); };
+    };
 
     link.call(ofBus("GetId"), note("first"));
     link.call(ofBus("GetId"), note("second"));
@@ -199,7 +202,8 @@ TEST_F(BusLinkTest, ABusThatStopsReplyingHoldsUpNoWait) {
 }
 
 TEST_F(BusLinkTest, WithoutABusTheLinkIsLost) {
-    for (const std::string& nowhere : {address, std::string(), std::string("nonsense"), std::string("unix:path=")}) {
+    for (const std::string& nowhere :
+         {address, std::string(), std::string("nonsense"), std::string("unix:path=")}) {
         BusLink link(nowhere);
 
         EXPECT_TRUE(link.waitUntil([&] { return link.isLost(); }, x11test::kPatience)) << nowhere;
@@ -246,7 +250,8 @@ TEST_F(BusLinkTest, WhatWasSentBeforeTheEndOfTheLinkArrives) {
     ASSERT_TRUE(isConnected(receiver));
     std::string word;
     const auto served = receiver.serve(
-        "/object", [&](const BusMessage& message) { word = message.value<std::string>(0); }, Delivery::Urgent);
+        "/object", [&](const BusMessage& message) { word = message.value<std::string>(0); },
+        Delivery::Urgent);
 
     {
         BusLink sender(address);

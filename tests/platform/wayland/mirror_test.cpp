@@ -18,7 +18,11 @@ constexpr Rect kFrame{100, 100, 500, 400};
 constexpr Rect kOther{300, 200, 600, 500};
 
 WindowState window(const std::string& name, const Rect& frame = kFrame) {
-    return {.name = name, .pid = 42, .applicationId = "org.example.editor", .windowClass = "editor", .frame = frame};
+    return {.name = name,
+            .pid = 42,
+            .applicationId = "org.example.editor",
+            .windowClass = "editor",
+            .frame = frame};
 }
 
 /// A mirror that knows the windows "a" and "b", with "b" in front and active.
