@@ -98,13 +98,16 @@ public:
           m_surface(wl_compositor_create_surface(globals.compositor)),
           m_shell(xdg_wm_base_get_xdg_surface(globals.windows, m_surface)),
           m_window(xdg_surface_get_toplevel(m_shell)) {
-        static constexpr xdg_toplevel_listener kSizes{
-            .configure =
-                [](void* data, xdg_toplevel*, std::int32_t width, std::int32_t height, wl_array*) {
-                    if (width > 0 && height > 0)
-                        static_cast<Window*>(data)->take({width, height});
-                },
-            .close = [](void*, xdg_toplevel*) { std::exit(EXIT_SUCCESS); }};
+        static constexpr auto kSizes = [] {
+            xdg_toplevel_listener listener{}; // later versions of the protocol have more events
+            listener.configure = [](void* data, xdg_toplevel*, std::int32_t width, std::int32_t height,
+                                    wl_array*) {
+                if (width > 0 && height > 0)
+                    static_cast<Window*>(data)->take({width, height});
+            };
+            listener.close = [](void*, xdg_toplevel*) { std::exit(EXIT_SUCCESS); };
+            return listener;
+        }();
         static constexpr xdg_surface_listener kConfigured{
             [](void* data, xdg_surface* shell, std::uint32_t serial) {
                 xdg_surface_ack_configure(shell, serial);
