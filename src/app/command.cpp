@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <utility>
 
 namespace tessarel {
@@ -37,6 +38,7 @@ constexpr bool isDigit(char letter) {
 template <class Table>
 std::vector<std::string> namesOf(const Table& table) {
     std::vector<std::string> names;
+    names.reserve(table.size());
     for (const auto& [name, meaning] : table)
         names.emplace_back(name);
     return names;
@@ -86,8 +88,10 @@ std::string commandName(ActionID action) {
 
 std::vector<CommandForm> commandForms() {
     std::vector<CommandForm> forms;
-    for (const ActionID action : ActionID::allCases)
-        forms.push_back({commandName(action), {}, {}, std::string(action.title())});
+    std::transform(ActionID::allCases.begin(), ActionID::allCases.end(), std::back_inserter(forms),
+                   [](const ActionID action) {
+                       return CommandForm{commandName(action), {}, {}, std::string(action.title())};
+                   });
     forms.push_back({std::string(kLayout), {}, "NAME", "Use the layout of this name"});
     forms.push_back({std::string(kPause), namesOf(kPauses), "STATE", "Pause hot keys and drags, or go on"});
     forms.push_back({std::string(kQuit), {}, {}, "Quit the running copy"});
