@@ -88,8 +88,11 @@ void AppDelegate::promptForPermission() {
 
 void AppDelegate::welcome(bool isStatusItemShown) {
     m_ports.application.activate();
-    const auto taken = m_ports.words.welcomeNamesTaken ? takenShortcuts() : std::vector<std::string>();
-    m_welcome = m_ports.alerts.show(welcomeAlert(m_ports.words, isStatusItemShown, taken),
+    const WelcomeFacts facts{.hasStatusItem = isStatusItemShown,
+                             .showsOutlines = m_ports.overlay.showsOutlines(),
+                             .takenShortcuts = m_ports.words.welcomeNamesTaken ? takenShortcuts()
+                                                                               : std::vector<std::string>()};
+    m_welcome = m_ports.alerts.show(welcomeAlert(m_ports.words, facts),
                                     [this](std::optional<std::size_t> button) { welcomed(button); });
 }
 

@@ -24,7 +24,7 @@ std::string_view reason(Outcome outcome) {
     case Outcome::Paused:
         return "Tessarel is paused";
     case Outcome::NotTrusted:
-        return "Tessarel may not move windows";
+        return "Tessarel cannot move windows; its settings say why";
     case Outcome::ZoneDisabled:
         return "the zone is disabled";
     case Outcome::NoWindow:

@@ -35,20 +35,22 @@ std::string takenNote(const std::vector<std::string>& shortcuts) {
 
 } // namespace
 
-Alert welcomeAlert(const PlatformWords& words, bool hasStatusItem,
-                   const std::vector<std::string>& takenShortcuts) {
+Alert welcomeAlert(const PlatformWords& words, const WelcomeFacts& facts) {
     const std::string settings =
-        hasStatusItem ? "Click the " + words.statusItem + ", then Settings, to"
-                      : "Start " + std::string(Config::appName) + " again to open Settings and";
+        facts.hasStatusItem ? "Click the " + words.statusItem + ", then Settings, to"
+                            : "Start " + std::string(Config::appName) + " again to open Settings and";
     const std::string ctrlOpt =
         std::string(words.modifierNames.ctrl) + "+" + std::string(words.modifierNames.opt);
     const std::string dragNote = words.welcomeDragNote.empty() ? "" : " " + words.welcomeDragNote;
+    const std::string outlinesNote =
+        facts.showsOutlines ? " The zones appear as outlines, because no compositor runs." : "";
     return {
         "Welcome to " + std::string(Config::appName),
         words.welcomeFirst + "\n\nTry it: press " + ctrlOpt +
             "+1 to 5 to snap the front window into a zone, or hold Shift while dragging a window to see the "
             "zones." +
-            dragNote + " " + settings + " design your own layout." + takenNote(takenShortcuts),
+            dragNote + outlinesNote + " " + settings + " design your own layout." +
+            takenNote(facts.takenShortcuts),
         {"Continue", "Open Settings"}};
 }
 

@@ -14,9 +14,14 @@ namespace tessarel {
 /// Index of the button that also opens the settings window.
 inline constexpr std::size_t kWelcomeOpenSettings = 1;
 
-/// Returns the message for the first run of the program. `hasStatusItem` is whether there is a status item
-/// from which the user can open the settings; `takenShortcuts` are the combinations that other programs have.
-[[nodiscard]] Alert welcomeAlert(const PlatformWords& words, bool hasStatusItem,
-                                 const std::vector<std::string>& takenShortcuts);
+/// What the welcome says about the user's desktop.
+struct WelcomeFacts {
+    bool hasStatusItem = true;                    ///< the user can open the settings from a status item
+    bool showsOutlines = false;                   ///< of the zones, instead of translucent areas
+    std::vector<std::string> takenShortcuts = {}; ///< the combinations that other programs have
+};
+
+/// Returns the message for the first run of the program.
+[[nodiscard]] Alert welcomeAlert(const PlatformWords& words, const WelcomeFacts& facts);
 
 } // namespace tessarel

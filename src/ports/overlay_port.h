@@ -71,6 +71,10 @@ public:
 
     /// Returns a new overlay window. Never null.
     [[nodiscard]] virtual std::unique_ptr<OverlayWindow> createWindow() = 0;
+
+    /// Returns whether a window that is shown now has opaque outlines instead of translucent areas. Requires
+    /// the event loop of the program.
+    [[nodiscard]] virtual bool showsOutlines() const = 0;
 };
 
 } // namespace tessarel

@@ -104,7 +104,9 @@ int run(const char* programName) {
     qt::SessionBus bus(queue);
     const auto [connection, failure] = x11::Connection::open(nullptr, queue);
     if (!connection) {
-        say("cannot open the X display: " + failure);
+        const bool isWayland = std::getenv("WAYLAND_DISPLAY") != nullptr;
+        say("cannot open the X display: " + failure +
+            (isWayland ? " Log in to an X11 session or to KDE Plasma." : ""));
         return EXIT_FAILURE;
     }
     qt::installMessageHandler(endWithoutDisplay, [descriptor = connection->fileDescriptor()] {

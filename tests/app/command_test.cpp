@@ -132,7 +132,7 @@ TEST_F(CommandTest, AnActionThatDoesNothingSaysWhy) {
 TEST_F(CommandTest, WithoutPermissionNobodyIsAsked) {
     desktop.trust().trusted = false;
 
-    EXPECT_EQ(run({"left-half"}), nothingDone("Tessarel may not move windows"));
+    EXPECT_EQ(run({"left-half"}), nothingDone("Tessarel cannot move windows; its settings say why"));
 
     EXPECT_EQ(desktop.trust().promptCalls, 0);
     EXPECT_EQ(desktop.frame(window), kSomewhere);

@@ -63,19 +63,30 @@ TEST(WelcomeTest, ANoteOfTheSystemFollowsTheAdviceToDrag) {
     PlatformWords words;
     words.welcomeDragNote = "Press it late.";
 
-    EXPECT_THAT(welcomeAlert(words, true, {}).informativeText,
+    EXPECT_THAT(welcomeAlert(words, {}).informativeText,
                 testing::HasSubstr("to see the zones. Press it late. Click the menu bar icon"));
 }
 
 TEST(WelcomeTest, TheLastSentenceNamesTheShortcutsThatAreTaken) {
-    const std::string text = welcomeAlert({}, true, {}).informativeText;
+    const std::string text = welcomeAlert({}, {}).informativeText;
 
-    EXPECT_EQ(welcomeAlert({}, true, {"Ctrl+Alt+C"}).informativeText,
+    EXPECT_EQ(welcomeAlert({}, {.takenShortcuts = {"Ctrl+Alt+C"}}).informativeText,
               text + " Ctrl+Alt+C belongs to another program already; choose another shortcut in Settings.");
-    EXPECT_EQ(welcomeAlert({}, true, {"A", "B"}).informativeText,
+    EXPECT_EQ(welcomeAlert({}, {.takenShortcuts = {"A", "B"}}).informativeText,
               text + " A and B belong to another program already; choose other shortcuts in Settings.");
-    EXPECT_EQ(welcomeAlert({}, true, {"A", "B", "C"}).informativeText,
+    EXPECT_EQ(welcomeAlert({}, {.takenShortcuts = {"A", "B", "C"}}).informativeText,
               text + " A, B and C belong to another program already; choose other shortcuts in Settings.");
+}
+
+TEST_F(FirstRunTest, WhereTheZonesAreOutlinesTheWelcomeSaysSo) {
+    desktop.overlay().outlined = true;
+
+    launch();
+
+    EXPECT_THAT(
+        desktop.alerts().shown.at(0).informativeText,
+        testing::HasSubstr("to see the zones. The zones appear as outlines, because no compositor runs. "
+                           "Click the menu bar icon"));
 }
 
 TEST_F(FirstRunTest, WithoutAStatusAreaTheWelcomeSaysHowElseToReachTheSettings) {

@@ -2,6 +2,7 @@
 
 #include "desktop/screen_reader.h"
 #include "desktop/tray_desktop.h"
+#include "support/x11/child_process.h"
 #include "support/x11/keyboard.h"
 #include "support/x11/mouse.h"
 #include "support/x11/observer.h"
@@ -66,9 +67,23 @@ TEST_F(WelcomeTest, WithoutATrayItSaysHowElseToOpenTheSettings) {
 
     EXPECT_EQ(text.find("icon"), std::string::npos) << text;
     EXPECT_NE(text.find("Start Tessarel again to open Settings"), std::string::npos) << text;
+    EXPECT_NE(text.find("The zones appear as outlines, because no compositor runs."), std::string::npos)
+        << text;
     // Otherwise the welcome may become active after the settings.
     EXPECT_TRUE(observer.waitUntil([&] { return observer.activeWindow() != xcb_window_t{XCB_WINDOW_NONE}; }));
     EXPECT_NE(openSettingsWindow(observer, reader.environment()), xcb_window_t{XCB_WINDOW_NONE});
+    EXPECT_EQ(program->terminate(), 0);
+}
+
+TEST_F(WelcomeTest, WithACompositorItDoesNotSpeakOfOutlines) {
+    const ChildProcess compositor({"picom", "--backend", "xrender", "--config", "/dev/null"},
+                                  server.environment());
+    ASSERT_TRUE(
+        observer.waitUntil([&] { return observer.selectionOwner("_NET_WM_CM_S0") != XCB_WINDOW_NONE; }));
+
+    const std::string text = welcome();
+
+    EXPECT_EQ(text.find("outlines"), std::string::npos) << text;
     EXPECT_EQ(program->terminate(), 0);
 }
 

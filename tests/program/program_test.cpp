@@ -367,5 +367,12 @@ TEST_F(ProgramTest, AMissingDisplayIsReportedInOneLine) {
     EXPECT_THAT(program.errors(), IsOneLineOf("tessarel: cannot open the X display: "));
 }
 
+TEST_F(ProgramTest, InAWaylandSessionWithoutADisplayItSaysWhichSessionsItRunsIn) {
+    ChildProcess program = start({{"DISPLAY", ""}, {"WAYLAND_DISPLAY", "wayland-4711"}});
+
+    EXPECT_EQ(program.waitForExit(), 1);
+    EXPECT_THAT(program.errors(), HasSubstr(" Log in to an X11 session or to KDE Plasma.\n"));
+}
+
 } // namespace
 } // namespace tessarel::x11test

@@ -46,6 +46,7 @@ public:
         order.emplace_back("make");
         return std::make_unique<Window>(order);
     }
+    [[nodiscard]] bool showsOutlines() const override { return false; }
 
     std::vector<std::string> order;
 

@@ -30,6 +30,8 @@ public:
     /// Connects to the compositor, which takes the application object.
     [[nodiscard]] std::unique_ptr<OverlayWindow> createWindow() override;
 
+    [[nodiscard]] bool showsOutlines() const override { return false; }
+
 private:
     class Window;
 

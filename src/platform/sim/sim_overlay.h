@@ -14,7 +14,9 @@ namespace tessarel::sim {
 class SimOverlay : public OverlayPort {
 public:
     [[nodiscard]] std::unique_ptr<OverlayWindow> createWindow() override;
+    [[nodiscard]] bool showsOutlines() const override { return outlined; }
 
+    bool outlined = false;
     int windows = 0; ///< number of windows created so far
     bool isVisible = false;
     /// In screen coordinates: bottom-left origin, y up.

@@ -45,6 +45,8 @@ public:
 
     [[nodiscard]] std::unique_ptr<OverlayWindow> createWindow() override;
 
+    [[nodiscard]] bool showsOutlines() const override { return false; }
+
 private:
     class Window;
 

@@ -30,6 +30,9 @@ public:
     /// Returns a hidden window. The X11 window itself is created when it is first shown.
     [[nodiscard]] std::unique_ptr<OverlayWindow> createWindow() override;
 
+    /// Takes a few round trips on Qt's connection.
+    [[nodiscard]] bool showsOutlines() const override;
+
 private:
     MainQueuePort& m_queue;
     Conversion m_desktopPixels;
