@@ -29,8 +29,8 @@ constexpr QSize kSize(440, 480);
 constexpr int kMargin = 16;
 constexpr int kSpacing = 10;
 
-/// How many entries are read per round of the event loop: a few milliseconds.
-constexpr std::size_t kEntriesAtATime = 40;
+/// How many files and folders are looked at per round of the event loop: a few milliseconds.
+constexpr std::size_t kLooksAtATime = 40;
 
 bool movesInList(int key) {
     return key == Qt::Key_Up || key == Qt::Key_Down || key == Qt::Key_PageUp || key == Qt::Key_PageDown;
@@ -116,7 +116,7 @@ void ApplicationChooser::layOut(QPushButton* other, QPushButton* cancel) {
 }
 
 void ApplicationChooser::readMore() {
-    m_all.append(m_applications.read(kEntriesAtATime));
+    m_all.append(m_applications.read(kLooksAtATime));
     if (m_applications.isAtEnd())
         m_reading.stop();
     selectFoundFirst();

@@ -37,30 +37,33 @@ std::optional<fs::file_time_type> changeOf(const fs::path& folder) {
 
 EntryWalk::EntryWalk(std::vector<fs::path> folders) : m_folders(std::move(folders)) {}
 
-std::optional<EntryFile> EntryWalk::next() {
-    while (findFile()) {
-        const fs::path path = m_file->path();
-        std::error_code unreadable;
-        const bool isFolder = m_file->is_directory(unreadable);
-        advance();
-        if (isFolder || !isNamedLikeEntry(path))
-            continue;
-        std::string identifier = identifierOf(path, m_folders[m_entered - 1]);
-        if (m_identifiers.insert(identifier).second)
-            return EntryFile{std::move(identifier), path};
+std::optional<EntryFile> EntryWalk::look() {
+    if (m_file == fs::recursive_directory_iterator()) {
+        enterFolder();
+        return std::nullopt;
     }
-    return std::nullopt;
+    const fs::path path = m_file->path();
+    std::error_code unreadable;
+    const bool isFolder = m_file->is_directory(unreadable);
+    advance();
+    if (isFolder || !isNamedLikeEntry(path))
+        return std::nullopt;
+    std::string identifier = identifierOf(path, m_folders[m_entered - 1]);
+    if (!m_identifiers.insert(identifier).second)
+        return std::nullopt;
+    return EntryFile{std::move(identifier), path};
 }
 
-/// Enters the next of the folders until one has a file. Returns false after the last file of the last folder.
-bool EntryWalk::findFile() {
-    while (m_file == fs::recursive_directory_iterator() && m_entered < m_folders.size()) {
-        const fs::path& folder = m_folders[m_entered++];
-        std::error_code failure;
-        m_file =
-            fs::recursive_directory_iterator(folder, fs::directory_options::skip_permission_denied, failure);
-    }
-    return m_file != fs::recursive_directory_iterator();
+bool EntryWalk::isAtEnd() const {
+    return m_file == fs::recursive_directory_iterator() && m_entered == m_folders.size();
+}
+
+void EntryWalk::enterFolder() {
+    if (m_entered == m_folders.size())
+        return;
+    std::error_code failure;
+    m_file = fs::recursive_directory_iterator(m_folders[m_entered++],
+                                              fs::directory_options::skip_permission_denied, failure);
 }
 
 /// Goes to the next file of the current folder and its subfolders.

@@ -28,19 +28,21 @@ struct EntryFile {
     std::filesystem::path path;
 };
 
-/// Finds the desktop entries in folders and their subfolders, one at a time. Reads the folders, but none of
-/// the entries.
+/// Finds the desktop entries in folders and their subfolders, one look at a time. Reads the folders, but none
+/// of the entries.
 class EntryWalk {
 public:
     /// `folders` contain the entries, the most important folder first; they need not exist.
     explicit EntryWalk(std::vector<std::filesystem::path> folders);
 
-    /// Returns the next entry, and `std::nullopt` after the last one. Leaves out those that an entry in a
-    /// more important folder replaces.
-    [[nodiscard]] std::optional<EntryFile> next();
+    /// Looks at the next file or folder. Returns it if it is an entry, and none in a more important folder
+    /// replaces it.
+    [[nodiscard]] std::optional<EntryFile> look();
+    /// Returns whether nothing is left to look at.
+    [[nodiscard]] bool isAtEnd() const;
 
 private:
-    [[nodiscard]] bool findFile();
+    void enterFolder();
     void advance();
 
     std::vector<std::filesystem::path> m_folders;

@@ -13,11 +13,10 @@ OfferedApplications::OfferedApplications(std::vector<std::filesystem::path> fold
                                          std::vector<std::string> desktops)
     : m_walk(std::move(folders)), m_desktops(std::move(desktops)) {}
 
-std::vector<OfferedApplication> OfferedApplications::read(std::size_t most) {
+std::vector<OfferedApplication> OfferedApplications::read(std::size_t looks) {
     std::vector<OfferedApplication> applications;
-    for (std::size_t count = 0; count < most && !m_isAtEnd; ++count) {
-        const auto file = m_walk.next();
-        m_isAtEnd = !file;
+    for (; looks > 0 && !isAtEnd(); --looks) {
+        const auto file = m_walk.look();
         if (auto application = file ? readEntry(*file) : std::nullopt)
             applications.push_back(std::move(*application));
     }

@@ -28,19 +28,18 @@ public:
     /// the current desktop, as in $XDG_CURRENT_DESKTOP.
     OfferedApplications(std::vector<std::filesystem::path> folders, std::vector<std::string> desktops);
 
-    /// Reads the next entries, at most `most`, and returns the applications among them, in no particular
-    /// order.
-    [[nodiscard]] std::vector<OfferedApplication> read(std::size_t most);
+    /// Looks at the next files and folders, at most `looks` of them, and returns the applications among them,
+    /// in no particular order.
+    [[nodiscard]] std::vector<OfferedApplication> read(std::size_t looks);
 
     /// Returns whether all entries have been read.
-    [[nodiscard]] bool isAtEnd() const { return m_isAtEnd; }
+    [[nodiscard]] bool isAtEnd() const { return m_walk.isAtEnd(); }
 
 private:
     [[nodiscard]] std::optional<OfferedApplication> readEntry(const EntryFile& file) const;
 
     EntryWalk m_walk;
     std::vector<std::string> m_desktops;
-    bool m_isAtEnd = false;
 };
 
 } // namespace tessarel::xdg
