@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,6 +22,8 @@ namespace tessarel::x11 {
 namespace {
 
 using Words = std::vector<std::string>;
+
+constexpr std::size_t kMebibyte = std::size_t{1} << 20U;
 using x11test::own;
 
 /// A channel, and another client of the server that speaks to it by hand.
@@ -122,6 +125,22 @@ TEST_F(CommandChannelTest, TheLongestCommandIsReadWhole) {
     EXPECT_EQ(received, (std::vector<Words>{{word}}));
 }
 
+TEST_F(CommandChannelTest, AnAnswerIsCutAtOneMebibyte) {
+    loop.settle();
+    const xcb_window_t sender = newWindow();
+    set(sender, "UTF8_STRING", "list");
+    answer.text = std::string(2 * kMebibyte, 'x');
+
+    send(sender);
+
+    constexpr std::uint32_t kUnit = 4;
+    const auto reply = own(xcb_get_property_reply(
+        x(), xcb_get_property(x(), 0, sender, observer.x().atom("_TESSAREL_COMMAND"), XCB_ATOM_ANY, 0, 1),
+        nullptr));
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(kUnit + reply->bytes_after, kMebibyte);
+}
+
 TEST_F(CommandChannelTest, ASenderThatIsGoneHasSentNoWords) {
     loop.settle();
     const xcb_window_t sender = newWindow();
@@ -217,6 +236,30 @@ TEST_F(SendCommandTest, TheAnswerOfTheReceiverArrives) {
     EXPECT_EQ(sent.outcome, SentCommand::Outcome::Answered);
     EXPECT_EQ(sent.answer, answer);
     EXPECT_EQ(received, (std::vector<Words>{{"pause", "on", ""}}));
+}
+
+TEST_F(SendCommandTest, NoMoreThanOneMebibyteOfAnAnswerIsRead) {
+    const xcb_window_t window = newWindow();
+    xcb_set_selection_owner(x(), window, selection(), XCB_CURRENT_TIME);
+    observer.x().roundTrip();
+    std::thread receiver([this] {
+        const auto event = next(XCB_SELECTION_REQUEST);
+        const auto& request = reinterpret_cast<const xcb_selection_request_event_t&>(*event);
+        set(request.requestor, "UTF8_STRING", std::string(2 * kMebibyte, '\0'));
+        xcb_selection_notify_event_t notice{};
+        notice.response_type = XCB_SELECTION_NOTIFY;
+        notice.requestor = request.requestor;
+        notice.property = request.property;
+        xcb_send_event(x(), 0, request.requestor, XCB_EVENT_MASK_NO_EVENT,
+                       reinterpret_cast<const char*>(&notice));
+        xcb_flush(x());
+    });
+
+    const SentCommand sent = sendFromHere({"list"});
+    receiver.join();
+
+    EXPECT_EQ(sent.outcome, SentCommand::Outcome::Answered);
+    EXPECT_EQ(1 + sent.answer.text.size(), kMebibyte);
 }
 
 TEST_F(SendCommandTest, AReceiverThatRefusesDoesNotAnswer) {
