@@ -100,7 +100,10 @@ bool MenuView::chooseByKeys(QKeyCombination keys) {
     return m_parent && m_parent->chooseByKeys(keys);
 }
 
+/// Qt also passes on what a panel reports about rows that cannot be chosen.
 void MenuView::choose(const MenuItem& item) {
+    if (!item.isEnabled || item.isSeparator)
+        return;
     m_shown.reset(); // Qt has toggled the mark of a checkable row, so the rows must be rebuilt
     m_chosen(item);
 }

@@ -93,6 +93,17 @@ TEST_F(MenuViewTest, AnEmptyMenuHasNoRows) {
     EXPECT_TRUE(view.widget().isEmpty());
 }
 
+TEST_F(MenuViewTest, RowsThatCannotBeChosenAreNotEvenIfAPanelReportsAClick) {
+    view.show(everyKindOfRow());
+
+    action(0).trigger(); // disabled
+    action(1).trigger(); // a separator
+    EXPECT_TRUE(chosen.empty());
+
+    action(3).trigger();
+    EXPECT_EQ(chosen.size(), 1U);
+}
+
 TEST_F(MenuViewTest, AnUncheckedRowHasNoCheckBox) {
     view.show({row("plain")});
 
