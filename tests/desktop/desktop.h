@@ -76,6 +76,7 @@ public:
     [[nodiscard]] Program& program() { return *m_program; }
     [[nodiscard]] TestClient& panel() { return m_panel; }
     [[nodiscard]] WindowManagerKind manager() const { return m_manager->kind(); }
+    [[nodiscard]] ChildProcess& managerProcess() { return m_manager->process(); }
 
     /// Returns the part of a monitor that the panel leaves free. With a single monitor this is the work area,
     /// which also excludes the window manager's own bars.
