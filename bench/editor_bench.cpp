@@ -159,7 +159,7 @@ void measure(int events) {
 
 int main(int count, char** arguments) {
     const QApplication application(count, arguments);
-    QApplication::setStyle(new ControlStyle);
+    QApplication::setStyle(new tessarel::ControlStyle);
     try {
         tessarel::bench::measure(count > 1 ? std::stoi(arguments[1]) : tessarel::bench::kDefaultEvents);
     } catch (const std::exception& error) {
