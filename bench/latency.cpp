@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
 // Measures the time from a key press until the window is in its new place, for all contenders in shuffled
-// order.
+// order. Adds all times to the file SAMPLES, one a line: window, program, milliseconds, separated by tabs.
 //
-//   latency DIRECTORY OPENBOX_PID [REPETITIONS]
+//   latency DIRECTORY OPENBOX_PID [REPETITIONS [SAMPLES]]
 
 #include "support/contenders.h"
 #include "support/keyboard.h"
@@ -15,7 +15,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <fstream>
 #include <random>
+#include <string>
+#include <vector>
 
 namespace tessarel::bench {
 
@@ -134,13 +137,23 @@ void runShuffled(Arena& arena, std::vector<Entry>& entries, int repetitions) {
         (arena.*entries[entry].press)(*entries[entry].contender, entries[entry].series);
 }
 
+void writeSamples(const std::string& kind, const std::vector<Entry>& entries, const std::string& file) {
+    std::ofstream out(file, std::ios::app);
+    for (const auto& [contender, press, series] : entries) {
+        for (const double time : series.milliseconds)
+            out << kind << '\t' << contender->name << '\t' << number(time, 4) << '\n';
+    }
+}
+
 void measureMoves(const std::string& kind, Target& target, const std::vector<Contender>& contenders,
-                  int repetitions) {
+                  int repetitions, const std::string& samples) {
     Arena arena(target, contenders[Contenders::kFloor]);
     std::vector<Entry> entries;
     for (const auto& contender : contenders)
         entries.push_back({&contender, &Arena::pressMove, {}});
     runShuffled(arena, entries, repetitions);
+    if (!samples.empty())
+        writeSamples(kind, entries, samples);
 
     const auto& floor = entries[Contenders::kFloor].series.milliseconds;
     const auto& raw = entries[Contenders::kRawClient].series.milliseconds;
@@ -182,19 +195,19 @@ void measureNothing(Target& target, const std::vector<Contender>& contenders, in
                 " presses each, p50");
 }
 
-void measure(const std::string& directory, pid_t windowManager, int repetitions) {
+void measure(const std::string& directory, pid_t windowManager, int repetitions, const std::string& samples) {
     const Contenders contenders(directory, windowManager);
     {
         Target target;
-        measureMoves("raw xcb window", target, contenders.all(), repetitions);
+        measureMoves("raw xcb window", target, contenders.all(), repetitions, samples);
         measureNothing(target, contenders.all(), repetitions);
     }
     {
         Target target({directory + "/qt_target"});
-        measureMoves("Qt window", target, contenders.all(), repetitions);
+        measureMoves("Qt window", target, contenders.all(), repetitions, samples);
     }
     Target target({"xterm"});
-    measureMoves("xterm", target, contenders.all(), repetitions);
+    measureMoves("xterm", target, contenders.all(), repetitions, samples);
 }
 
 } // namespace
@@ -203,12 +216,13 @@ void measure(const std::string& directory, pid_t windowManager, int repetitions)
 
 int main(int count, char** arguments) {
     if (count < 3) {
-        std::fprintf(stderr, "usage: latency DIRECTORY OPENBOX_PID [REPETITIONS]\n");
+        std::fprintf(stderr, "usage: latency DIRECTORY OPENBOX_PID [REPETITIONS [SAMPLES]]\n");
         return 2;
     }
     try {
         tessarel::bench::measure(arguments[1], std::stoi(arguments[2]),
-                                 count > 3 ? std::stoi(arguments[3]) : tessarel::bench::kDefaultRepetitions);
+                                 count > 3 ? std::stoi(arguments[3]) : tessarel::bench::kDefaultRepetitions,
+                                 count > 4 ? arguments[4] : "");
     } catch (const std::exception& error) {
         std::fprintf(stderr, "latency: %s\n", error.what());
         return 1;

@@ -48,8 +48,18 @@ Clock::time_point Keyboard::press(std::span<const std::uint8_t> keys) {
     return pressed;
 }
 
+void Keyboard::tap(std::uint8_t key) {
+    fake(XCB_KEY_PRESS, key);
+    fake(XCB_KEY_RELEASE, key);
+    m_connection.flush();
+}
+
 void Keyboard::release(std::uint8_t key) {
     fake(XCB_KEY_RELEASE, key);
+    releaseModifiers();
+}
+
+void Keyboard::releaseModifiers() {
     fake(XCB_KEY_RELEASE, key::kAlt);
     fake(XCB_KEY_RELEASE, key::kControl);
     m_connection.roundTrip();

@@ -44,6 +44,9 @@ public:
     void holdModifiers();
     /// Presses `keys` in order and releases all but the last, in one flush. Returns the time of the flush.
     Clock::time_point press(std::span<const std::uint8_t> keys);
+    /// Presses and releases one key, in one flush.
+    void tap(std::uint8_t key);
+    void releaseModifiers();
     /// Releases `key` and the modifiers, then gives other clients 5 ms to process the events.
     void release(std::uint8_t key);
 

@@ -5,7 +5,10 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <iterator>
 #include <string>
+#include <thread>
+#include <utility>
 
 namespace tessarel::bench {
 
@@ -48,6 +51,23 @@ std::chrono::nanoseconds cpuTime(pid_t pid) {
 long voluntarySwitches(pid_t pid) {
     return sumOverThreads(
         pid, [](const Path& thread) { return field(thread / "status", "voluntary_ctxt_switches"); });
+}
+
+Clock::duration timeToRest(pid_t pid) {
+    using namespace std::chrono_literals;
+    constexpr auto kRest = 500ms;
+    const auto start = Clock::now();
+    auto last = start;
+    for (auto cpu = cpuTime(pid); Clock::now() - last < kRest; std::this_thread::sleep_for(1ms)) {
+        if (const auto now = cpuTime(pid); now != std::exchange(cpu, now))
+            last = Clock::now();
+    }
+    return last - start;
+}
+
+std::size_t descriptors(pid_t pid) {
+    const std::filesystem::directory_iterator open(directory(pid) / "fd");
+    return static_cast<std::size_t>(std::distance(begin(open), end(open)));
 }
 
 Memory memory(pid_t pid) {

@@ -2,7 +2,10 @@
 
 #pragma once
 
+#include "support/clock.h"
+
 #include <chrono>
+#include <cstddef>
 #include <sys/types.h>
 
 namespace tessarel::bench {
@@ -12,6 +15,12 @@ namespace tessarel::bench {
 
 /// Returns how often the threads of the process have given up the processor to wait, so far.
 [[nodiscard]] long voluntarySwitches(pid_t pid);
+
+/// Waits until the process has used no CPU time for half a second. Returns the time until it last did.
+[[nodiscard]] Clock::duration timeToRest(pid_t pid);
+
+/// Returns how many file descriptors the process has open.
+[[nodiscard]] std::size_t descriptors(pid_t pid);
 
 /// Memory usage of a process in KiB.
 struct Memory {

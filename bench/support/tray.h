@@ -3,18 +3,13 @@
 #pragma once
 
 #include "support/connection.h"
+#include "support/drags.h"
 
 #include <filesystem>
 #include <optional>
 #include <string>
 
 namespace tessarel::bench {
-
-/// A point on the screen, in pixels.
-struct Place {
-    int x;
-    int y;
-};
 
 /// A panel along the top of the screen with a system tray.
 class Tray {
