@@ -6,6 +6,7 @@
 #include "look/palette.h"
 
 #include <QAbstractScrollArea>
+#include <QComboBox>
 #include <QLineF>
 #include <QPainter>
 #include <QPalette>
@@ -35,7 +36,7 @@ constexpr double kMarkWidth = 2;
 constexpr double kChevronWidth = 1.5;
 constexpr QPointF kChevron(4, 2); // half the size of the mark on pop-up buttons
 constexpr double kTabMarkThickness = 2;
-constexpr int kAreaFrame = 2; // of scroll areas, which cover a narrower line in part at fractional scales
+constexpr int kAreaFrame = 3; // of scroll areas, which cover their focus ring in part at fractional scales
 constexpr int kPageLine = 1;  // the selected tab covers the line of its page
 
 bool isOn(const QStyleOption& option, QStyle::StateFlag flag) {
@@ -166,8 +167,16 @@ void ControlStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* o
     case PE_FrameLineEdit:
         return paintField(*painter, *option, {});
     case PE_Frame:
+        paintBox(*painter, option->rect,
+                 {.fill = colorOf(*option, QPalette::Base), .line = outlineOf(*option), .radius = 0});
+        if (hasKeyboardFocus(*option))
+            paintRing(*painter, *option, option->rect, 0);
+        return;
+    case PE_PanelMenu: // its option does not say that it is enabled
         return paintBox(*painter, option->rect,
-                        {.fill = colorOf(*option, QPalette::Base), .line = outlineOf(*option), .radius = 0});
+                        {.fill = option->palette.color(QPalette::Active, QPalette::Base),
+                         .line = option->palette.color(QPalette::Active, QPalette::Mid),
+                         .radius = 0});
     case PE_FrameTabWidget:
         return paintBox(
             *painter, option->rect,
@@ -190,6 +199,9 @@ void ControlStyle::drawControl(ControlElement element, const QStyleOption* optio
     const auto* const tab = qstyleoption_cast<const QStyleOptionTab*>(option);
     if (element == CE_TabBarTabShape && tab && tab->shape == QTabBar::RoundedNorth)
         return paintTab(*painter, *tab);
+    // The open list of a pop-up button, which Fusion would give the background of the window.
+    if (element == CE_MenuEmptyArea || (element == CE_MenuItem && qobject_cast<const QComboBox*>(widget)))
+        painter->fillRect(option->rect, colorOf(*option, QPalette::Base));
     QProxyStyle::drawControl(element, option, painter, widget);
 }
 

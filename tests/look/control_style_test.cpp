@@ -6,12 +6,14 @@
 #include "look/palette.h"
 #include "support/offscreen_test.h"
 
+#include <QAbstractItemView>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
 #include <QImage>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSlider>
@@ -52,10 +54,11 @@ protected:
     }
 
     [[nodiscard]] static double scale() { return std::get<1>(GetParam()); }
-    QImage rendered() {
-        QImage image((QSizeF(window.size()) * scale()).toSize(), QImage::Format_RGB32);
+    QImage rendered() { return rendered(window); }
+    static QImage rendered(QWidget& shown) {
+        QImage image((QSizeF(shown.size()) * scale()).toSize(), QImage::Format_RGB32);
         image.setDevicePixelRatio(scale());
-        window.render(&image);
+        shown.render(&image);
         return image;
     }
     /// Returns the pixels from the left edge of the window to the right, in the middle of the control.
@@ -156,6 +159,37 @@ TEST_P(ControlStyleTest, AListHasASharpOutline) {
     other.setFocus();
 
     expectLine(color(QPalette::Mid), 1, color(QPalette::Base));
+}
+
+TEST_P(ControlStyleTest, AListHasAFocusRing) {
+    QListWidget list(&window);
+    show(list);
+
+    focusByKey();
+
+    ASSERT_TRUE(list.hasFocus());
+    expectLine(color(QPalette::Highlight), 2, color(QPalette::Base));
+}
+
+TEST_P(ControlStyleTest, AnOpenPopUpAndAMenuLookLikeLists) {
+    QComboBox popUp(&window);
+    popUp.addItems({"first", "second", "third"});
+    show(popUp);
+    popUp.showPopup();
+    QMenu menu;
+    menu.addAction("first");
+    menu.addAction("second");
+    menu.popup({});
+    for (QWidget* const opened : {popUp.view()->window(), static_cast<QWidget*>(&menu)}) {
+        const QImage image = rendered(*opened);
+        const int middle = image.width() / 2;
+        EXPECT_EQ(image.pixelColor(middle, 0), color(QPalette::Mid)) << opened->metaObject()->className();
+        // A text is at the left, and the first row may be selected.
+        EXPECT_EQ(image.pixelColor(image.width() - pixels(6), image.height() - pixels(6)),
+                  color(QPalette::Base))
+            << opened->metaObject()->className();
+    }
+    popUp.hidePopup();
 }
 
 TEST_P(ControlStyleTest, APopUpButtonHasASharpOutlineAndAFocusRing) {
