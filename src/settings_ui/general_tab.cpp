@@ -163,15 +163,19 @@ void GeneralTab::buildRemembering() {
 }
 
 void GeneralTab::refresh() {
-    m_loginBox->setChecked(m_context.services.loginItem.isEnabled());
+    refreshSystemStates();
     show(*m_gapSlider, settings().gap);
     show(*m_marginSlider, settings().margin);
     showReadouts();
     showDragging();
     m_rememberBox->setChecked(settings().rememberApps);
     showRemembered();
-    showPermission();
     reloadTable();
+}
+
+void GeneralTab::refreshSystemStates() {
+    m_loginBox->setChecked(m_context.services.loginItem.isEnabled());
+    showPermission();
 }
 
 void GeneralTab::showReadouts() {

@@ -29,6 +29,8 @@ public:
 
     /// Shows the current settings, and the states of the login item and the permission.
     void refresh();
+    /// Shows the states of the login item and the permission, which the user may have changed elsewhere.
+    void refreshSystemStates();
 
 private:
     void buildLogin();

@@ -124,8 +124,11 @@ void SettingsWindowController::refreshAll() {
 }
 
 void SettingsWindowController::makeWindow() {
-    // The user may have changed the shortcuts of another program meanwhile, which no desktop reports.
-    m_window = std::make_unique<Window>([this] { m_context.services.hotKeys.retryTaken(); });
+    // The user may have changed something elsewhere meanwhile that no desktop reports.
+    m_window = std::make_unique<Window>([this] {
+        m_context.services.hotKeys.retryTaken();
+        m_general.refreshSystemStates();
+    });
     m_window->setWindowTitle(title());
     m_window->setFont(systemFont(13));
     m_window->setFixedSize(kWindowSize);

@@ -8,6 +8,7 @@
 #include "settings_ui/settings_ui_test.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QImage>
 #include <QList>
@@ -359,6 +360,26 @@ TEST_F(SettingsWindowControllerTest, ShortcutsThatHaveBecomeFreeAreTakenOverWhen
     ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
 
     EXPECT_FALSE(services.hotKeys.isTaken(ActionID::center));
+}
+
+TEST_F(SettingsWindowControllerTest, TheLoginItemIsReadAgainWhenTheWindowBecomesActive) {
+    controller.show(Tab::General);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    const auto boxes = window().findChildren<QCheckBox*>();
+    const auto box =
+        std::ranges::find_if(boxes, [](const QCheckBox* one) { return one->text().startsWith("Launch"); });
+    ASSERT_NE(box, boxes.end());
+    QWidget elsewhere;
+    elsewhere.show();
+    elsewhere.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&elsewhere));
+    desktop.loginItem().currentStatus = LoginItemPort::Status::Enabled;
+    ASSERT_FALSE((*box)->isChecked());
+
+    window().activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+
+    EXPECT_TRUE((*box)->isChecked());
 }
 
 } // namespace
