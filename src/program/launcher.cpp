@@ -4,6 +4,7 @@
 // toolkit takes several times as long as the command; runs the program for everything else.
 
 #include "app/command.h"
+#include "platform/plasma/session.h"
 #include "platform/x11/server/command_sender.h"
 #include "program/report.h"
 
@@ -11,6 +12,7 @@
 #include <array>
 #include <climits>
 #include <cstddef>
+#include <cstdlib>
 #include <string>
 #include <sys/types.h>
 #include <unistd.h>
@@ -55,8 +57,11 @@ int run(char** arguments) {
 
 int main(int argumentCount, char** arguments) {
     const std::vector<std::string> words(arguments + std::min(argumentCount, 1), arguments + argumentCount);
-    // Whatever is not a command for the running copy, such as a mistake, is left to the program.
-    if (std::ranges::all_of(words, tessarel::isPlain) && tessarel::parseCommand(words).command)
+    // Whatever is not a command for the running copy, such as a mistake, is left to the program; so are
+    // commands in a Wayland session, where it may take a session bus to send them.
+    const bool isWayland =
+        tessarel::plasma::mayBeWayland(std::getenv("WAYLAND_DISPLAY"), std::getenv("XDG_SESSION_TYPE"));
+    if (!isWayland && std::ranges::all_of(words, tessarel::isPlain) && tessarel::parseCommand(words).command)
         return tessarel::report(tessarel::x11::sendCommand(nullptr, words));
     return tessarel::run(arguments);
 }

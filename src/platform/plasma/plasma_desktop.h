@@ -6,6 +6,7 @@
 #include "platform/plasma/bridge.h"
 #include "platform/plasma/drag_modifiers.h"
 #include "platform/plasma/global_shortcuts.h"
+#include "platform/plasma/simple_ports.h"
 #include "platform/plasma/single_instance.h"
 #include "platform/plasma/trust.h"
 #include "platform/plasma/words.h"
@@ -75,6 +76,8 @@ struct PlasmaDesktop {
     Trust trust;
     wayland::WindowList windowList;
     wayland::Workspace workspace;
+    NoMainMenu mainMenu;
+    FixedKeyNames keyNames;
     PlatformWords words = plasma::words();
 };
 

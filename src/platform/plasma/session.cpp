@@ -5,15 +5,8 @@
 #include <chrono>
 #include <memory>
 #include <optional>
-#include <string_view>
 
 namespace tessarel::plasma {
-
-bool mayBeWayland(const char* waylandDisplay, const char* sessionType) {
-    using std::string_view_literals::operator""sv;
-    return waylandDisplay != nullptr && *waylandDisplay != '\0' &&
-           (sessionType == nullptr || sessionType != "x11"sv);
-}
 
 bool hasCompositor(wayland::BusLink& link) {
     constexpr std::chrono::seconds kPatience{1};

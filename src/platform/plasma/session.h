@@ -4,11 +4,17 @@
 
 #include "platform/wayland/bus_link.h"
 
+#include <string_view>
+
 namespace tessarel::plasma {
 
 /// Returns whether the environment describes a Wayland session, for the values of $WAYLAND_DISPLAY and
 /// $XDG_SESSION_TYPE, null if unset. Sends nothing.
-[[nodiscard]] bool mayBeWayland(const char* waylandDisplay, const char* sessionType);
+[[nodiscard]] inline bool mayBeWayland(const char* waylandDisplay, const char* sessionType) {
+    using std::string_view_literals::operator""sv;
+    return waylandDisplay != nullptr && *waylandDisplay != '\0' &&
+           (sessionType == nullptr || sessionType != "x11"sv);
+}
 
 /// Returns whether KWin runs on the bus. Waits at most a second for the bus.
 [[nodiscard]] bool hasCompositor(wayland::BusLink& link);

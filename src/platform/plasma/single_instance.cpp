@@ -15,7 +15,6 @@ namespace {
 
 using Delivery = wayland::BusLink::Delivery;
 
-constexpr const char* kName = "org.tessarel.Tessarel";
 constexpr const char* kPath = "/org/tessarel/Tessarel";
 constexpr const char* kReopen = "Reopen";
 

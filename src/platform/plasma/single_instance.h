@@ -16,6 +16,8 @@ namespace tessarel::plasma {
 /// Allows one copy of the program per session bus, by a name on it.
 class SingleInstance : public SingleInstancePort {
 public:
+    /// The name on the bus.
+    static constexpr const char* kName = "org.tessarel.Tessarel";
     /// How long another copy may take to react, and the bus to reply.
     static constexpr std::chrono::seconds kPatience{5};
 
