@@ -8,6 +8,7 @@
 #include "platform/qt/qt_messages.h"
 #include "platform/qt/qt_own_application.h"
 #include "platform/qt_wayland/layer_overlay.h"
+#include "platform/qt_wayland/seat_keymap.h"
 #include "platform/qt_x11/qt_local_keys.h"
 #include "platform/x11/input/key_lookup.h"
 #include "platform/xdg/environment.h"
@@ -71,7 +72,13 @@ std::optional<int> runOnPlasma(const char* programName) {
                         .events = link.fileDescriptor(),
                         .dispatch = [&link] { link.dispatch(); },
                         .beforeQt = [] { return nullptr; },
-                        .withQt = [] { return nullptr; },
+                        .withQt =
+                            [&] {
+                                return std::make_shared<qt::SeatKeymap>(
+                                    queue, [&desktop](const std::string& description) {
+                                        desktop.hotKeys.setKeymap(xkb::Keymap::parsed(description));
+                                    });
+                            },
                         .receiveCommands =
                             [&link](LinuxProgram::RunCommand run) {
                                 return std::make_shared<plasma::CommandService>(link, std::move(run));

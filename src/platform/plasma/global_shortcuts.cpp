@@ -16,6 +16,12 @@ namespace {
 
 constexpr const char* kService = "org.kde.kglobalaccel";
 constexpr const char* kComponent = "tessarel";
+constexpr const char* kComponentPath = "/component/tessarel";
+constexpr const char* kComponentInterface = "org.kde.kglobalaccel.Component";
+
+constexpr const char* kKeyboard = "org.kde.keyboard";
+constexpr const char* kLayoutsPath = "/Layouts";
+constexpr const char* kLayoutsInterface = "org.kde.KeyboardLayouts";
 
 /// Sets exactly the given keys, whatever the desktop remembers of an earlier run.
 constexpr std::int64_t kSetPresent = 0x2;
@@ -40,18 +46,80 @@ wayland::BusCall call(std::string member, std::string signature, std::vector<way
             std::move(member), std::move(signature), std::move(values)};
 }
 
+wayland::BusCall setKeys(std::uint32_t id, std::vector<std::int64_t> keys) {
+    return call("setShortcut", "asaiu", {identityOf(id), std::move(keys), kSetPresent | kNoAutoloading});
+}
+
 } // namespace
 
 GlobalShortcuts::GlobalShortcuts(wayland::BusLink& link)
-    : m_link(link), m_signals(link.onSignal({.sender = kService,
-                                             .path = std::string("/component/") + kComponent,
-                                             .interface = "org.kde.kglobalaccel.Component",
-                                             .member = {}},
-                                            [this](const wayland::BusMessage& signal) { handle(signal); })) {}
+    : m_link(link),
+      m_signals(link.onSignal(
+          {.sender = kService, .path = kComponentPath, .interface = kComponentInterface, .member = {}},
+          [this](const wayland::BusMessage& signal) { handle(signal); })),
+      m_layoutSignals(link.onSignal(
+          {.sender = kKeyboard, .path = kLayoutsPath, .interface = kLayoutsInterface, .member = {}},
+          [this](const wayland::BusMessage& signal) {
+              if (signal.member == "layoutChanged")
+                  setLayout(static_cast<std::uint32_t>(signal.value<std::int64_t>(0)));
+          })) {
+    readLayout();
+}
 
 GlobalShortcuts::~GlobalShortcuts() {
     while (!m_shortcuts.empty())
         release(m_shortcuts.front().serial);
+}
+
+void GlobalShortcuts::releaseLeftovers() {
+    m_link.call({kService, kComponentPath, kComponentInterface, "shortcutNames"},
+                [this, alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
+                    if (alive.expired())
+                        return;
+                    for (const std::string& name : reply.value<std::vector<std::string>>(0)) {
+                        const auto isNamed = [&name](const Shortcut& shortcut) {
+                            return nameOf(shortcut.request.hotKey.id) == name;
+                        };
+                        if (std::none_of(m_shortcuts.begin(), m_shortcuts.end(), isNamed))
+                            m_link.call(call("unregister", "ss", {kComponent, name}));
+                    }
+                });
+}
+
+void GlobalShortcuts::setKeymap(xkb::Keymap keymap) {
+    m_keymap = std::move(keymap);
+    followKeymap();
+    readLayout();
+}
+
+/// KWin has the interface only while there are several layouts.
+void GlobalShortcuts::readLayout() {
+    m_link.call({kKeyboard, kLayoutsPath, kLayoutsInterface, "getLayout"},
+                [this, alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
+                    if (!alive.expired())
+                        setLayout(static_cast<std::uint32_t>(reply.value<std::int64_t>(0)));
+                });
+}
+
+void GlobalShortcuts::setLayout(std::uint32_t layout) {
+    if (std::exchange(m_layout, layout) != layout)
+        followKeymap();
+}
+
+/// Registers the shortcuts again whose keys type other symbols than before.
+void GlobalShortcuts::followKeymap() {
+    std::vector<Shortcut*> changed;
+    for (Shortcut& shortcut : m_shortcuts) {
+        const HotKeyRequest& request = shortcut.request;
+        const auto key = shortcutKey(m_keymap, m_layout, request.keyCode, request.mods).value_or(0);
+        if (std::exchange(shortcut.key, key) != key)
+            changed.push_back(&shortcut);
+    }
+    // All are given back first, because one may get the symbol that another one has.
+    for (const Shortcut* const shortcut : changed)
+        m_link.call(setKeys(shortcut->request.hotKey.id, {}));
+    for (const Shortcut* const shortcut : changed)
+        send(*shortcut);
 }
 
 SubscriptionPtr GlobalShortcuts::installHandler(std::function<void(std::uint32_t id)> pressed) {
@@ -85,9 +153,9 @@ SubscriptionPtr GlobalShortcuts::claim(const HotKeyRequest& request) {
 }
 
 void GlobalShortcuts::send(const Shortcut& shortcut) {
-    m_link.call(call("setShortcut", "asaiu",
-                     {identityOf(shortcut.request.hotKey.id), std::vector<std::int64_t>{shortcut.key},
-                      kSetPresent | kNoAutoloading}),
+    if (shortcut.key == 0)
+        return setTaken(shortcut.serial, true);
+    m_link.call(setKeys(shortcut.request.hotKey.id, {shortcut.key}),
                 [this, serial = shortcut.serial, key = std::int64_t{shortcut.key},
                  alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
                     if (alive.expired())

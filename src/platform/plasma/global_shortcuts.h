@@ -24,7 +24,9 @@ namespace tessarel::plasma {
 /// Requests are sent without waiting for replies, so a combination counts as granted until Plasma has refused
 /// it. The desktop lists the shortcuts under the program's name in its settings while the program runs.
 ///
-/// A key that is held down fires once, however long it repeats.
+/// Plasma knows shortcuts by symbol, bindings by key. So a shortcut is that of the symbol that the key types
+/// in the present layout, and changes with it. Two keys that type the same symbol are one shortcut, which
+/// only the first of two bindings gets. A key that is held down fires once, however long it repeats.
 class GlobalShortcuts : public HotKeyPort {
 public:
     /// `link` must outlive this object.
@@ -33,6 +35,11 @@ public:
     GlobalShortcuts& operator=(const GlobalShortcuts&) = delete;
     /// Gives all combinations back. Claims may outlive this object and then do nothing.
     ~GlobalShortcuts() override;
+
+    /// Unregisters what an earlier run has left behind and this one has not registered.
+    void releaseLeftovers();
+    /// Uses the keymap of the seat from now on, in place of that of the environment.
+    void setKeymap(xkb::Keymap keymap);
 
     [[nodiscard]] SubscriptionPtr installHandler(std::function<void(std::uint32_t id)> pressed) override;
     [[nodiscard]] std::vector<SubscriptionPtr>
@@ -46,7 +53,7 @@ private:
     struct Shortcut {
         std::size_t serial = 0; ///< identifies the shortcut to its claim; never reused
         HotKeyRequest request;
-        std::int32_t key = 0; ///< see `shortcutKey`
+        std::int32_t key = 0; ///< see `shortcutKey`; 0 while the layout has no such key
         bool isTaken = false;
         bool isHeld = false; ///< it has been pressed and not been released
     };
@@ -57,6 +64,9 @@ private:
     void setTaken(std::size_t serial, bool isTaken);
     void release(std::size_t serial);
     void handle(const wayland::BusMessage& signal);
+    void setLayout(std::uint32_t layout);
+    void readLayout();
+    void followKeymap();
 
     wayland::BusLink& m_link;
     xkb::Keymap m_keymap = xkb::Keymap::ofEnvironment();
@@ -67,6 +77,7 @@ private:
     Signal<> m_takenChange;
     Lifetime m_lifetime; // watched by claims and replies
     SubscriptionPtr m_signals;
+    SubscriptionPtr m_layoutSignals;
 };
 
 } // namespace tessarel::plasma

@@ -48,6 +48,7 @@ struct PlasmaDesktop {
           preferences(xdg::FilePreferences::userFolder(), std::move(onReadable), std::move(report)),
           singleInstance(link,
                          [this] {
+                             hotKeys.releaseLeftovers();
                              bridge.load(kPatience);
                              dragModifiers.load();
                          }),

@@ -4,10 +4,20 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <csignal>
+#include <cstdint>
+#include <vector>
+
 namespace tessarel::plasmatest {
 namespace {
 
+constexpr Rect kRightOfFirst{800, 0, 800, 900};
+
 constexpr const char* kUsualSettings = R"({"hasOnboarded":true,"rememberApps":false})";
+
+constexpr const char* kTwoShortcuts = R"({"hasOnboarded":true,"rememberApps":false,"bindings":{
+    "rightHalf":{"keyCode":124,"mods":6144},"arrangeAll":{"keyCode":0,"mods":6144}}})";
 
 class PlasmaKeysTest : public testing::Test {
 protected:
@@ -27,8 +37,7 @@ TEST_F(PlasmaKeysTest, AHotKeyMovesTheActiveWindowExactlyIntoItsZone) {
     EXPECT_EQ(session.settledFrame(kEditor, fourth), fourth);
 
     session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
-    const Rect rightHalf{800, 0, 800, 900};
-    EXPECT_EQ(session.settledFrame(kEditor, rightHalf), rightHalf);
+    EXPECT_EQ(session.settledFrame(kEditor, kRightOfFirst), kRightOfFirst);
 
     session.input().press({key::kLeftControl, key::kLeftAlt, key::kLeftMeta, key::kRight});
     const Rect onSecond{2400, 0, 800, 900};
@@ -36,6 +45,58 @@ TEST_F(PlasmaKeysTest, AHotKeyMovesTheActiveWindowExactlyIntoItsZone) {
 
     EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
     EXPECT_TRUE(session.shortcuts().empty());
+}
+
+TEST_F(PlasmaKeysTest, AHotKeyStaysOnItsKeyWhenTheKeyboardLayoutChanges) {
+    session.open({"kwrite"}, kEditor);
+    constexpr std::int64_t kControlAlt = 0x0c000000;
+    const auto hasKey = [this](std::int64_t key) {
+        return PlasmaSession::waitFor(
+            [&] { return session.keysOf("zone4") == std::vector<std::int64_t>{kControlAlt | key}; });
+    };
+    ASSERT_TRUE(hasKey('4'));
+
+    session.setLayouts("us,fr", 1);
+    ASSERT_TRUE(hasKey('\''));
+    session.input().press({key::kLeftControl, key::kLeftAlt, key::kDigit1 + 3});
+    const Rect fourth{0, 450, 800, 450};
+    EXPECT_EQ(session.settledFrame(kEditor, fourth), fourth);
+
+    session.setLayouts("us,fr", 0);
+    EXPECT_TRUE(hasKey('4'));
+}
+
+TEST_F(PlasmaKeysTest, AfterACrashTheNextStartHasItsKeysAndNoneOfThoseThatItDoesNotUse) {
+    session.open({"kwrite"}, kEditor);
+    session.program().signal(SIGKILL);
+    ASSERT_TRUE(session.program().waitForExit());
+    const auto isRegistered = [this](const char* name) {
+        const auto names = session.shortcuts();
+        return std::find(names.begin(), names.end(), name) != names.end();
+    };
+    ASSERT_TRUE(isRegistered("center"));
+
+    session.writeSettings(kTwoShortcuts);
+    ASSERT_TRUE(session.startProgram());
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return !isRegistered("center"); }));
+    session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
+
+    EXPECT_EQ(session.settledFrame(kEditor, kRightOfFirst), kRightOfFirst);
+    EXPECT_EQ(session.endProgram(), 0);
+    EXPECT_TRUE(session.shortcuts().empty());
+}
+
+TEST_F(PlasmaKeysTest, CommandsFromATerminalMoveTheActiveWindowAndQuit) {
+    constexpr int kNotRunning = 3;
+    session.open({"kwrite"}, kEditor);
+    ASSERT_TRUE(session.waitForCommands());
+
+    EXPECT_EQ(session.command({"right-half"}), 0);
+    EXPECT_EQ(session.settledFrame(kEditor, kRightOfFirst), kRightOfFirst);
+    EXPECT_EQ(session.command({"quit"}), 0);
+
+    EXPECT_EQ(session.program().waitForExit(), 0);
+    EXPECT_EQ(session.command({"right-half"}), kNotRunning);
 }
 
 } // namespace

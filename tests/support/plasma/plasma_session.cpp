@@ -19,6 +19,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr const char* kSocket = "wayland-0";
+constexpr const char* kShortcuts = "org.kde.kglobalaccel";
 
 x11test::Environment environmentIn(const std::filesystem::path& folder) {
     for (const char* const name : {"home", "config", "data", "cache", "run"})
@@ -37,8 +38,9 @@ x11test::Environment environmentIn(const std::filesystem::path& folder) {
             {"LANG", "C.UTF-8"}};
 }
 
-/// Calls `holds` until it returns true. Returns false if it does not before the deadline.
-bool waitUntil(const std::function<bool()>& holds) {
+} // namespace
+
+bool PlasmaSession::waitFor(const std::function<bool()>& holds) {
     const x11test::Deadline deadline;
     while (!holds()) {
         if (deadline.passed())
@@ -47,8 +49,6 @@ bool waitUntil(const std::function<bool()>& holds) {
     }
     return true;
 }
-
-} // namespace
 
 PlasmaSession::PlasmaSession(Drawing drawing, const Size& display)
     : m_environment(environmentIn(m_folder.path())) {
@@ -80,8 +80,8 @@ PlasmaSession::PlasmaSession(Drawing drawing, const Size& display)
     m_environment["GDK_BACKEND"] = "wayland";
 
     const std::string socket = m_environment.at("XDG_RUNTIME_DIR") + "/" + kSocket;
-    if (!waitUntil([&] {
-            return std::filesystem::exists(socket) && replies("org.kde.kglobalaccel", "/kglobalaccel") &&
+    if (!waitFor([&] {
+            return std::filesystem::exists(socket) && replies(kShortcuts, "/kglobalaccel") &&
                    replies("org.kde.KWin", "/Scripting");
         }))
         throw std::runtime_error("KWin does not start: " + m_compositor->errors());
@@ -119,20 +119,60 @@ void PlasmaSession::writeSettings(std::string_view document) {
     ScratchFolder::write(folder / "tessarel.settings.v1.json", document);
 }
 
-std::vector<std::string> PlasmaSession::shortcuts() {
-    const auto reply = std::make_shared<std::optional<std::vector<std::string>>>();
+/// Sends a call and waits for its reply, which is empty if there is none.
+wayland::BusMessage PlasmaSession::replyTo(const wayland::BusCall& call) {
+    const auto reply = std::make_shared<std::optional<wayland::BusMessage>>();
     m_probe->link().call(
-        {"org.kde.kglobalaccel", "/component/tessarel", "org.kde.kglobalaccel.Component", "shortcutNames"},
-        [reply](const wayland::BusMessage& message) { *reply = message.value<std::vector<std::string>>(0); },
+        call, [reply](const wayland::BusMessage& message) { *reply = message; },
         wayland::BusLink::Delivery::Urgent);
     (void)m_probe->waitUntil([&] { return reply->has_value(); });
-    return reply->value_or(std::vector<std::string>());
+    return reply->value_or(wayland::BusMessage());
+}
+
+std::vector<std::string> PlasmaSession::shortcuts() {
+    return replyTo({kShortcuts, "/component/tessarel", "org.kde.kglobalaccel.Component", "shortcutNames"})
+        .value<std::vector<std::string>>(0);
+}
+
+std::vector<std::int64_t> PlasmaSession::keysOf(const std::string& shortcut) {
+    const std::vector<std::string> identity{"tessarel", shortcut, "Tessarel", shortcut};
+    return replyTo({kShortcuts, "/kglobalaccel", "org.kde.KGlobalAccel", "shortcut", "as", {identity}})
+        .value<std::vector<std::int64_t>>(0);
+}
+
+void PlasmaSession::setLayouts(const std::string& layouts, int chosen) {
+    ScratchFolder::write(std::filesystem::path(m_environment.at("XDG_CONFIG_HOME")) / "kxkbrc",
+                         "[Layout]\nUse=true\nLayoutList=" + layouts + "\n");
+    x11test::runToEnd(
+        {"dbus-send", "--session", "--type=signal", "/Layouts", "org.kde.keyboard.reloadConfig"},
+        m_environment);
+    const bool isSet = waitFor([&] {
+        return replyTo({"org.kde.keyboard",
+                        "/Layouts",
+                        "org.kde.KeyboardLayouts",
+                        "setLayout",
+                        "u",
+                        {std::int64_t{chosen}}})
+                   .value<std::int64_t>(0) != 0;
+    });
+    if (!isSet)
+        throw std::runtime_error("KWin does not take the layouts " + layouts);
+}
+
+bool PlasmaSession::waitForCommands() {
+    return waitFor([this] { return command({"list", "displays"}) == 0; });
+}
+
+std::optional<int> PlasmaSession::command(const std::vector<std::string>& words) {
+    std::vector<std::string> arguments{TESSAREL_LAUNCHER};
+    arguments.insert(arguments.end(), words.begin(), words.end());
+    return x11test::ChildProcess(arguments, m_environment).waitForExit();
 }
 
 bool PlasmaSession::startProgram() {
     m_program.emplace(std::vector<std::string>{TESSAREL_PROGRAM}, m_environment);
     const std::string last = "arrangeAll"; // the hot key that the program registers last
-    return waitUntil([&] {
+    return waitFor([&] {
         const auto names = shortcuts();
         return std::find(names.begin(), names.end(), last) != names.end();
     });

@@ -44,6 +44,10 @@ public:
     [[nodiscard]] Probe& probe() { return *m_probe; }
     [[nodiscard]] OutputControl& outputs() { return *m_outputs; }
 
+    /// Evaluates `holds` again and again until it returns true, for what KWin does not report. Returns false
+    /// if it does not.
+    [[nodiscard]] static bool waitFor(const std::function<bool()>& holds);
+
     /// Writes the settings of the program under test.
     void writeSettings(std::string_view document);
     /// Starts the program under test and waits until it has registered its hot keys. Returns false if it does
@@ -52,8 +56,17 @@ public:
     /// Ends the program with SIGTERM. Returns its exit code; empty if it does not exit.
     [[nodiscard]] std::optional<int> endProgram();
     [[nodiscard]] x11test::ChildProcess& program() { return *m_program; }
+    /// Waits until the running program carries out commands. Returns false if it does not.
+    [[nodiscard]] bool waitForCommands();
+    /// Runs the launcher with these words, as users do. Returns its exit code; empty if it does not exit.
+    [[nodiscard]] std::optional<int> command(const std::vector<std::string>& words);
     /// Returns the global shortcuts that are registered under the program's name.
     [[nodiscard]] std::vector<std::string> shortcuts();
+
+    /// Returns the keys of the program's global shortcut with this name, as numbers of Qt.
+    [[nodiscard]] std::vector<std::int64_t> keysOf(const std::string& shortcut);
+    /// Gives the keyboard these layouts, in place of the usual one, and chooses the one with the index.
+    void setLayouts(const std::string& layouts, int chosen);
 
     /// Starts another program and waits until its window is active. Throws std::runtime_error if it is not.
     void open(const std::vector<std::string>& command, const std::string& windowClass);
@@ -64,6 +77,7 @@ public:
 
 private:
     [[nodiscard]] bool replies(const std::string& busName, const std::string& path);
+    [[nodiscard]] wayland::BusMessage replyTo(const wayland::BusCall& call);
     [[nodiscard]] const SeenWindow* find(const std::string& windowClass);
 
     ScratchFolder m_folder;
