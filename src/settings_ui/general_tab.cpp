@@ -113,12 +113,15 @@ void GeneralTab::buildDragging() {
     buildTriggerPopup(*trigger);
     m_edgeBox = makeCheckBox(m_view, QStringLiteral("Also snap at screen edges and corners"),
                              {16, 246, 380, 20}, [this](bool on) { edgeToggled(on); });
-    makeWrap(
-        m_view,
+    const PlatformWords& words = m_context.ports.words;
+    const QString edges =
         QStringLiteral("Edges give halves, corners give quarters, the top edge maximizes. %1; turn one of "
                        "the two off to avoid double snapping.")
-            .arg(toQString(m_context.ports.words.otherEdgeTiling)),
-        {36, 270, 400, 50}, kNote);
+            .arg(toQString(words.otherEdgeTiling));
+    if (words.dragNote.empty())
+        makeWrap(m_view, edges, {36, 270, 400, 50}, kNote);
+    else
+        makeWrap(m_view, edges + QLatin1Char(' ') + toQString(words.dragNote), {36, 270, 400, 74}, kNote);
 }
 
 void GeneralTab::buildTriggerPopup(QLabel& label) {

@@ -305,6 +305,16 @@ TEST_F(GeneralTabTest, SlidersAndListsAreNamedAfterTheirLabels) {
     EXPECT_EQ(table.accessibleName(), "Ignored apps");
 }
 
+TEST_F(GeneralTabTest, ASystemCanAddANoteAboutTheKeysHeldDuringADrag) {
+    PlatformWords words;
+    words.dragNote = "Shift has a meaning of its own here.";
+    const Ports here = simPorts(desktop, copy, words);
+    GeneralTab elsewhere({services, here, {}});
+
+    EXPECT_TRUE(fullText(at<QLabel>(*elsewhere.view(), {36, 270, 400, 74}))
+                    .endsWith(" to avoid double snapping. Shift has a meaning of its own here."));
+}
+
 TEST_F(GeneralTabTest, TheTextsUseTheWordsOfTheSystem) {
     PlatformWords words;
     words.otherEdgeTiling = "Your window manager may have its own edge tiling";

@@ -22,8 +22,8 @@ namespace fs = std::filesystem;
 constexpr std::chrono::milliseconds kReadInterval{16};
 
 /// In its first 30 s KWin finds no effect that has been written since it started.
-constexpr std::chrono::seconds kLoadInterval{4};
-constexpr int kLoadAttempts = 10;
+constexpr std::chrono::seconds kEffectLoadInterval{4};
+constexpr int kEffectLoadAttempts = 10;
 
 /// A modifier that a drag may wait for.
 struct Modifier {
@@ -95,17 +95,19 @@ void DragModifiers::load() {
         return;
     unload();
     m_areLoaded = false;
-    tryToLoad(kLoadAttempts);
+    tryToLoad(kEffectLoadAttempts);
 }
 
 void DragModifiers::tryToLoad(int attempts) {
     const auto loaded = [this, alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
-        if (!alive.expired() && reply.value<std::int64_t>(0) != 0)
-            m_areLoaded = true;
+        if (alive.expired() || reply.value<std::int64_t>(0) == 0)
+            return;
+        m_areLoaded = true;
+        m_loaded.send();
     };
     for (const Modifier& modifier : kModifiers)
         m_link.call(effects(kEffects, "loadEffect", "s", {modifier.effect}), loaded);
-    m_nextAttempt = m_queue.asyncAfter(kLoadInterval, [this, attempts] {
+    m_nextAttempt = m_queue.asyncAfter(kEffectLoadInterval, [this, attempts] {
         if (!m_areLoaded && attempts > 1)
             tryToLoad(attempts - 1);
     });
@@ -114,6 +116,10 @@ void DragModifiers::tryToLoad(int attempts) {
 void DragModifiers::unload() {
     for (const Modifier& modifier : kModifiers)
         m_link.call(effects(kEffects, "unloadEffect", "s", {modifier.effect}));
+}
+
+SubscriptionPtr DragModifiers::onLoaded(std::function<void()> loaded) {
+    return m_loaded.connect(std::move(loaded));
 }
 
 SubscriptionPtr DragModifiers::onChange(std::function<void()> changed) {

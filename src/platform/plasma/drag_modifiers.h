@@ -42,6 +42,8 @@ public:
     void load();
     [[nodiscard]] ModifierFlags held() const override { return m_held; }
     void readAtEnd(std::function<void()> done) override;
+    /// Calls `loaded` when KWin has loaded an effect, so that modifiers are reported.
+    [[nodiscard]] SubscriptionPtr onLoaded(std::function<void()> loaded);
     /// Calls `changed` when `held` has changed during a move or at its end.
     [[nodiscard]] SubscriptionPtr onChange(std::function<void()> changed);
 
@@ -61,6 +63,7 @@ private:
     bool m_isMoving = false;
     bool m_isReading = false;
     ModifierFlags m_held = 0;
+    Signal<> m_loaded;
     Signal<> m_changed;
     Lifetime m_lifetime; // watched by replies
     SubscriptionPtr m_moves;

@@ -45,6 +45,7 @@ struct PlasmaDesktop {
           loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
           dragModifiers(link, mirror, queue, xdg::dataFolder()), mouse(mirror, dragModifiers),
           modifierChanges(dragModifiers.onChange([this] { mouse.modifiersChanged(); })),
+          modifiersLoaded(dragModifiers.onLoaded([this] { words.dragNote = kKeysReported; })),
           preferences(xdg::FilePreferences::userFolder(), std::move(onReadable), std::move(report)),
           singleInstance(link,
                          [this] {
@@ -72,6 +73,7 @@ struct PlasmaDesktop {
     DragModifiers dragModifiers;
     wayland::DragMouse mouse;
     SubscriptionPtr modifierChanges;
+    SubscriptionPtr modifiersLoaded;
     xdg::FilePreferences preferences;
     SingleInstance singleInstance;
     Trust trust;

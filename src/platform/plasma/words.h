@@ -6,6 +6,12 @@
 
 namespace tessarel::plasma {
 
+/// Notes about the keys that can be held during a drag: unless KWin reports them, and once it does.
+inline constexpr const char* kNoKeysReported =
+    "KWin reports no held keys, which takes OpenGL: choose \"Nothing (always)\" above.";
+inline constexpr const char* kKeysReported =
+    "Plasma shows an outline of its own while you hold Shift; Control or Meta keeps it away.";
+
 /// Returns the texts of the user interface that differ between systems, as they apply to Plasma.
 [[nodiscard]] inline PlatformWords words() {
     return {.modifierNames = {.ctrl = "Ctrl", .opt = "Alt", .shift = "Shift", .cmd = "Meta"},
@@ -17,6 +23,7 @@ namespace tessarel::plasma {
             .grantAccess = "Why windows cannot be moved...",
             .usableArea = "what panels leave free",
             .otherEdgeTiling = "Plasma has its own edge tiling (System Settings > Screen Edges)",
+            .dragNote = kNoKeysReported,
             .controlKey = "Control",
             .commandKey = "Meta",
             .permission = "Moving windows",
