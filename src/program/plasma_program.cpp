@@ -17,6 +17,7 @@
 
 #include <QApplication>
 
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -43,24 +44,40 @@ std::filesystem::path runtimeFolder() {
     return folder.empty() ? std::filesystem::path("/run/user") / std::to_string(::getuid()) : folder;
 }
 
+/// Replaces this process with a new one of the program once another KWin than `compositor` runs. Qt ends
+/// every program whose compositor has gone.
+[[noreturn]] void startAgain(wayland::BusLink& link, const std::string& compositor,
+                             const std::string& busAddress, std::string programName) {
+    if (plasma::awaitNewCompositor(link, compositor)) {
+        ::setenv("DBUS_SESSION_BUS_ADDRESS", busAddress.c_str(), 1); // which `SessionBus` may hide
+        std::array<char*, 2> arguments{programName.data(), nullptr};
+        ::execv("/proc/self/exe", arguments.data());
+    }
+    say("lost the connection to the compositor");
+    std::_Exit(EXIT_FAILURE);
+}
+
 } // namespace
 
 std::optional<int> runOnPlasma(const char* programName) {
     if (!plasma::mayBeWayland(std::getenv("WAYLAND_DISPLAY"), std::getenv("XDG_SESSION_TYPE")))
         return std::nullopt;
-    wayland::BusLink link(wayland::sessionBusAddress());
+    const std::string busAddress = wayland::sessionBusAddress();
+    wayland::BusLink link(busAddress);
     if (!plasma::hasCompositor(link))
         return std::nullopt;
 
     LinuxProgram program(programName);
     qt::QtMainQueue& queue = program.queue();
-    qt::installMessageHandler([] {}, [] { return false; });
     plasma::PlasmaDesktop desktop(
         link, queue, runtimeFolder(),
         [&queue](int fd, std::function<void()> readable) {
             return queue.onReadable(fd, std::move(readable));
         },
         say);
+    qt::installMessageHandler(
+        [&] { startAgain(link, desktop.bridge.compositorName(), busAddress, programName); },
+        [] { return false; });
     QtBeep alertSound;
     qt::QtLocalKeys localKeys(x11::keyDown, [](std::uint32_t) { return false; });
     qt::QtOwnApplication application;

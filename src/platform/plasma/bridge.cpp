@@ -28,6 +28,10 @@ constexpr const char* kBridgePath = "/org/tessarel/Bridge";
 /// After 25 s without a reply the script's call fails, and KWin does not tell the script.
 constexpr std::chrono::seconds kRenewal{20};
 
+/// KWin owns its name before it takes scripts.
+constexpr milliseconds kLoadInterval{500};
+constexpr int kLoadAttempts = 60;
+
 wayland::BusCall scripting(std::string member, std::string signature = {},
                            std::vector<wayland::BusValue> values = {}) {
     return {kCompositor,       "/Scripting",         "org.kde.kwin.Scripting",
@@ -54,13 +58,18 @@ Bridge::~Bridge() {
 }
 
 void Bridge::load(milliseconds patience) {
-    using Delivery = wayland::BusLink::Delivery;
     m_isAccepted = writeScript();
     if (!m_isAccepted) {
         m_report("cannot write " + file().string() +
                  ", the script by which KWin moves windows: " + std::generic_category().message(errno));
         return;
     }
+    tryToLoad(kLoadAttempts);
+    m_link.waitUntil([this] { return m_mirror.isReady() || !m_isAccepted || m_link.isLost(); }, patience);
+}
+
+void Bridge::tryToLoad(int attempts) {
+    using Delivery = wayland::BusLink::Delivery;
     m_link.call(
         {"org.freedesktop.DBus",
          "/org/freedesktop/DBus",
@@ -73,12 +82,14 @@ void Bridge::load(milliseconds patience) {
     m_link.call(scripting("unloadScript", "s", {kScriptName}));
     m_link.call(
         scripting("loadScript", "ss", {file().string(), kScriptName}),
-        [this](const wayland::BusMessage& reply) {
+        [this, attempts](const wayland::BusMessage& reply) {
             m_isAccepted = reply.error.empty() && reply.value<std::int64_t>(0) >= 0;
+            if (!m_isAccepted && attempts > 1)
+                m_nextAttempt =
+                    m_queue.asyncAfter(kLoadInterval, [this, attempts] { tryToLoad(attempts - 1); });
         },
         Delivery::Urgent);
     m_link.call(scripting("start"));
-    m_link.waitUntil([this] { return m_mirror.isReady() || !m_isAccepted || m_link.isLost(); }, patience);
 }
 
 std::filesystem::path Bridge::file() const {

@@ -31,10 +31,13 @@ public:
     ~Bridge() override;
 
     /// Loads the script, in place of the one that an earlier run has left behind. Waits until it has reported
-    /// all windows, at most for `patience`. Call it once the bus has accepted the link.
+    /// all windows, at most for `patience`. If KWin does not take the script, which it may not do yet, tries
+    /// again later. Call it once the bus has accepted the link.
     void load(std::chrono::milliseconds patience);
     /// Returns whether KWin has accepted the script, or has not replied yet.
     [[nodiscard]] bool isAccepted() const { return m_isAccepted; }
+    /// Returns the unique name of KWin on the bus; empty if it is not known.
+    [[nodiscard]] const std::string& compositorName() const { return m_compositorName; }
 
     void place(wayland::WindowId window, const Rect& frame) override;
     bool waitUntilSettled(wayland::WindowId window, std::chrono::milliseconds patience) override;
@@ -48,6 +51,7 @@ private:
 
     [[nodiscard]] std::filesystem::path file() const;
     [[nodiscard]] bool writeScript() const;
+    void tryToLoad(int attempts);
     void handle(const wayland::BusMessage& message);
     void handleReport(const std::string& text);
     void keepForCommands(std::uint64_t token);
@@ -67,6 +71,7 @@ private:
     SubscriptionPtr m_calls;
     SubscriptionPtr m_delivered;
     SubscriptionPtr m_renewal;
+    SubscriptionPtr m_nextAttempt;
 };
 
 } // namespace tessarel::plasma

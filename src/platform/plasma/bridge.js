@@ -109,7 +109,7 @@ let move = null; // the move that goes on: where the window was before, in which
 
 // Calls `work` once KWin has finished what it is doing.
 function later(work) {
-    callDBus("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus.Peer", "Ping", work);
+    callDBus("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "GetId", work);
 }
 
 function areZonesShown() {

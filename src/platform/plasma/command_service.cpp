@@ -56,8 +56,9 @@ SentCommand sendCommand(wayland::BusLink& link, const std::vector<std::string>& 
     using Outcome = SentCommand::Outcome;
     // Shared, because the reply may come after this function has returned.
     const auto reply = std::make_shared<std::optional<wayland::BusMessage>>();
-    link.call({SingleInstance::kName, kCommandsPath, kInterface, kRun, "as", {words}},
-              [reply](const wayland::BusMessage& message) { *reply = message; }, Delivery::Urgent);
+    link.call(
+        {SingleInstance::kName, kCommandsPath, kInterface, kRun, "as", {words}},
+        [reply](const wayland::BusMessage& message) { *reply = message; }, Delivery::Urgent);
     link.waitUntil([&] { return reply->has_value() || link.isLost(); }, kCommandPatience);
     if (link.isLost() || (*reply && meansNoReceiver((*reply)->error)))
         return {Outcome::NoReceiver};

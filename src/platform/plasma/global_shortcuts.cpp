@@ -122,6 +122,12 @@ void GlobalShortcuts::followKeymap() {
         send(*shortcut);
 }
 
+void GlobalShortcuts::deliver() {
+    m_isHoldingBack = false;
+    for (const std::uint32_t id : std::exchange(m_heldBack, {}))
+        m_handlers.send(id);
+}
+
 SubscriptionPtr GlobalShortcuts::installHandler(std::function<void(std::uint32_t id)> pressed) {
     return m_handlers.connect(std::move(pressed));
 }
@@ -217,7 +223,11 @@ void GlobalShortcuts::handle(const wayland::BusMessage& signal) {
     if (shortcut == m_shortcuts.end())
         return;
     const bool wasHeld = std::exchange(shortcut->isHeld, isPress);
-    if (isPress && !wasHeld)
+    if (!isPress || wasHeld)
+        return;
+    if (m_isHoldingBack)
+        m_heldBack.push_back(shortcut->request.hotKey.id);
+    else
         m_handlers.send(shortcut->request.hotKey.id);
 }
 

@@ -41,6 +41,11 @@ public:
     /// Uses the keymap of the seat from now on, in place of that of the environment.
     void setKeymap(xkb::Keymap keymap);
 
+    /// Keeps the hot keys that are pressed from now on until `deliver`.
+    void holdBack() { m_isHoldingBack = true; }
+    /// Reports the hot keys that have been held back, and all further ones at once.
+    void deliver();
+
     [[nodiscard]] SubscriptionPtr installHandler(std::function<void(std::uint32_t id)> pressed) override;
     [[nodiscard]] std::vector<SubscriptionPtr>
     registerHotKeys(std::span<const HotKeyRequest> requests) override;
@@ -73,6 +78,8 @@ private:
     std::uint32_t m_layout = 0;
     std::list<Shortcut> m_shortcuts;
     std::size_t m_nextSerial = 0;
+    bool m_isHoldingBack = false;
+    std::vector<std::uint32_t> m_heldBack; ///< ids in the order of the presses
     Signal<std::uint32_t> m_handlers;
     Signal<> m_takenChange;
     Lifetime m_lifetime; // watched by claims and replies

@@ -33,8 +33,8 @@ namespace tessarel::plasma {
 ///
 /// The members are in order of dependency: each refers only to members above it.
 struct PlasmaDesktop {
-    /// How long the launch waits until KWin has reported its windows.
-    static constexpr std::chrono::seconds kPatience{2};
+    /// How long the launch waits until KWin has reported its windows, which it may also do later.
+    static constexpr std::chrono::milliseconds kPatience{250};
 
     /// All referenced objects must outlive the desktop. Files for KWin are written to `runtimeFolder`.
     PlasmaDesktop(wayland::BusLink& link, MainQueuePort& queue, const std::filesystem::path& runtimeFolder,
@@ -50,10 +50,12 @@ struct PlasmaDesktop {
           singleInstance(link,
                          [this] {
                              hotKeys.releaseLeftovers();
+                             hotKeys.holdBack();
                              bridge.load(kPatience);
                              dragModifiers.load();
                          }),
-          trust(bridge), windowList(mirror), workspace(applications, watch) {}
+          windowsKnown(mirror.onReady([this] { hotKeys.deliver(); })), trust(bridge), windowList(mirror),
+          workspace(applications, watch) {}
     PlasmaDesktop(const PlasmaDesktop&) = delete;
     PlasmaDesktop& operator=(const PlasmaDesktop&) = delete;
 
@@ -76,6 +78,7 @@ struct PlasmaDesktop {
     SubscriptionPtr modifiersLoaded;
     xdg::FilePreferences preferences;
     SingleInstance singleInstance;
+    SubscriptionPtr windowsKnown;
     Trust trust;
     wayland::WindowList windowList;
     wayland::Workspace workspace;

@@ -4,6 +4,7 @@
 
 #include "platform/wayland/bus_link.h"
 
+#include <string>
 #include <string_view>
 
 namespace tessarel::plasma {
@@ -18,5 +19,9 @@ namespace tessarel::plasma {
 
 /// Returns whether KWin runs on the bus. Waits at most a second for the bus.
 [[nodiscard]] bool hasCompositor(wayland::BusLink& link);
+
+/// Waits until KWin runs on the bus with another unique name than `before`, at most 20 s. Returns false if it
+/// does not, or at once if the bus is lost.
+[[nodiscard]] bool awaitNewCompositor(wayland::BusLink& link, const std::string& before);
 
 } // namespace tessarel::plasma

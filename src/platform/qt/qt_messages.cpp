@@ -27,7 +27,8 @@ DisplayLoss& displayLoss() {
 
 void handleMessage(QtMsgType type, const QMessageLogContext&, const QString& message) {
     // Qt reports the loss only by this warning, directly before it ends the process.
-    const bool isReport = message.startsWith(QLatin1String("The X11 connection broke"));
+    const bool isReport = message.startsWith(QLatin1String("The X11 connection broke")) ||
+                          message.startsWith(QLatin1String("The Wayland connection "));
     if (isReport || (type == QtFatalMsg && displayLoss().hasHappened()))
         displayLoss().handle();
     if (type != QtFatalMsg)

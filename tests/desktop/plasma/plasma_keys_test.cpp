@@ -86,6 +86,18 @@ TEST_F(PlasmaKeysTest, AfterACrashTheNextStartHasItsKeysAndNoneOfThoseThatItDoes
     EXPECT_TRUE(session.shortcuts().empty());
 }
 
+TEST_F(PlasmaKeysTest, WhenTheCompositorHasCrashedAndRunsAgainTheHotKeysDoSoToo) {
+    session.restartCompositor();
+    ASSERT_TRUE(session.waitForCommands()) << session.program().errors();
+    session.open({"kwrite"}, kEditor);
+
+    session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
+
+    EXPECT_EQ(session.settledFrame(kEditor, kRightOfFirst), kRightOfFirst);
+    EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
+    EXPECT_TRUE(session.shortcuts().empty());
+}
+
 TEST_F(PlasmaKeysTest, CommandsFromATerminalMoveTheActiveWindowAndQuit) {
     constexpr int kNotRunning = 3;
     session.open({"kwrite"}, kEditor);

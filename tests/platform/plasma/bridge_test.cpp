@@ -154,6 +154,18 @@ TEST_F(BridgeTest, WithoutACompositorTheScriptIsNotAccepted) {
     EXPECT_FALSE(mirror.isReady());
 }
 
+TEST_F(BridgeTest, AScriptThatTheCompositorDoesNotTakeYetIsLoadedAgain) {
+    makeBridge(folder.path());
+    bridge->load(x11test::kPatience);
+    ASSERT_FALSE(bridge->isAccepted());
+
+    compositor.emplace(address, true);
+    clock.advance(500ms);
+
+    EXPECT_TRUE(exchangeUntil([&] { return bridge->isAccepted(); }));
+    EXPECT_THAT(compositor->requests, testing::Contains("loadScript"));
+}
+
 TEST_F(BridgeTest, ACompositorThatNeverRepliesIsWaitedForWithABound) {
     compositor.emplace(address, false);
     makeBridge(folder.path());

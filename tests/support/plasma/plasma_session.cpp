@@ -51,34 +51,40 @@ bool PlasmaSession::waitFor(const std::function<bool()>& holds) {
 }
 
 PlasmaSession::PlasmaSession(Drawing drawing, const Size& display)
-    : m_environment(environmentIn(m_folder.path())) {
+    : m_drawing(drawing), m_display(display), m_environment(environmentIn(m_folder.path())) {
     m_bus.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
                                            "--print-address",
                                            "--address=" + m_environment.at("DBUS_SESSION_BUS_ADDRESS")},
                   m_environment);
     (void)m_bus->readLine();
 
+    startCompositor();
+    m_environment["WAYLAND_DISPLAY"] = kSocket;
+    m_environment["QT_QPA_PLATFORM"] = "wayland";
+    m_environment["GDK_BACKEND"] = "wayland";
+}
+
+/// Waits until KWin takes scripts and input.
+void PlasmaSession::startCompositor() {
     // As an earlier session leaves them: in its first 30 s KWin finds no new ones.
-    if (drawing == Drawing::OpenGl)
+    if (m_drawing == Drawing::OpenGl)
         plasma::DragModifiers::write(m_environment.at("XDG_DATA_HOME"));
 
     auto environment = m_environment;
-    environment["KWIN_COMPOSE"] = drawing == Drawing::OpenGl ? "O2" : "Q";
+    for (const char* const client : {"WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "GDK_BACKEND"})
+        environment.erase(client);
+    environment["KWIN_COMPOSE"] = m_drawing == Drawing::OpenGl ? "O2" : "Q";
     environment["LIBGL_ALWAYS_SOFTWARE"] = "1";
-    if (drawing == Drawing::OpenGl) // effects that need OpenGL would abort KWin without it
+    if (m_drawing == Drawing::OpenGl) // effects that need OpenGL would abort KWin without it
         environment["KWIN_EFFECTS_FORCE_ANIMATIONS"] = "1"; // although OpenGL has no GPU here
     environment["KWIN_WAYLAND_NO_PERMISSION_CHECKS"] = "1";
     environment["KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"] = "1";
     m_compositor.emplace(std::vector<std::string>{TESSAREL_KWIN_WAYLAND, "--virtual", "--width",
-                                                  std::to_string(std::lround(display.width)), "--height",
-                                                  std::to_string(std::lround(display.height)),
+                                                  std::to_string(std::lround(m_display.width)), "--height",
+                                                  std::to_string(std::lround(m_display.height)),
                                                   "--output-count", "2", "--no-lockscreen", "--socket",
                                                   kSocket},
                          environment);
-    m_environment["WAYLAND_DISPLAY"] = kSocket;
-    m_environment["QT_QPA_PLATFORM"] = "wayland";
-    m_environment["GDK_BACKEND"] = "wayland";
-
     const std::string socket = m_environment.at("XDG_RUNTIME_DIR") + "/" + kSocket;
     if (!waitFor([&] {
             return std::filesystem::exists(socket) && replies(kShortcuts, "/kglobalaccel") &&
@@ -92,6 +98,15 @@ PlasmaSession::PlasmaSession(Drawing drawing, const Size& display)
     }
     m_input.emplace(socket);
     m_outputs.emplace(socket);
+}
+
+void PlasmaSession::restartCompositor() {
+    m_clients.clear();
+    m_outputs.reset();
+    m_input.reset();
+    m_probe.reset();
+    m_compositor->kill();
+    startCompositor();
 }
 
 PlasmaSession::~PlasmaSession() {

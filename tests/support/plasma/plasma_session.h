@@ -68,6 +68,8 @@ public:
     /// Gives the keyboard these layouts, in place of the usual one, and chooses the one with the index.
     void setLayouts(const std::string& layouts, int chosen);
 
+    /// Kills KWin, with all windows, and starts it again.
+    void restartCompositor();
     /// Starts another program and waits until its window is active. Throws std::runtime_error if it is not.
     void open(const std::vector<std::string>& command, const std::string& windowClass);
     /// Returns the frame of the window with this class; empty if there is none.
@@ -76,10 +78,13 @@ public:
     [[nodiscard]] Rect settledFrame(const std::string& windowClass, const Rect& expected);
 
 private:
+    void startCompositor();
     [[nodiscard]] bool replies(const std::string& busName, const std::string& path);
     [[nodiscard]] wayland::BusMessage replyTo(const wayland::BusCall& call);
     [[nodiscard]] const SeenWindow* find(const std::string& windowClass);
 
+    Drawing m_drawing;
+    Size m_display;
     ScratchFolder m_folder;
     x11test::Environment m_environment;
     std::optional<x11test::ChildProcess> m_bus;
