@@ -3,6 +3,7 @@
 #include "program/plasma_program.h"
 
 #include "platform/plasma/command_service.h"
+#include "platform/plasma/local_keys.h"
 #include "platform/plasma/plasma_desktop.h"
 #include "platform/plasma/session.h"
 #include "platform/qt/qt_messages.h"
@@ -79,7 +80,8 @@ std::optional<int> runOnPlasma(const char* programName) {
         [&] { startAgain(link, desktop.bridge.compositorName(), busAddress, programName); },
         [] { return false; });
     QtBeep alertSound;
-    qt::QtLocalKeys localKeys(x11::keyDown, [](std::uint32_t) { return false; });
+    qt::QtLocalKeys windowKeys(x11::keyDown, [](std::uint32_t) { return false; });
+    plasma::LocalKeys localKeys(windowKeys, desktop.hotKeys);
     qt::QtOwnApplication application;
     qt::LayerOverlay overlay(
         queue, {.place = [&desktop](const Rect& screenFrame) { return desktop.compositorFrame(screenFrame); },

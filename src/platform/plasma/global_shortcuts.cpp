@@ -69,9 +69,12 @@ GlobalShortcuts::GlobalShortcuts(wayland::BusLink& link)
 GlobalShortcuts::~GlobalShortcuts() {
     while (!m_shortcuts.empty())
         release(m_shortcuts.front().serial);
+    if (m_blocks > 0)
+        setBlocked(false);
 }
 
 void GlobalShortcuts::releaseLeftovers() {
+    setBlocked(false);
     m_link.call({kService, kComponentPath, kComponentInterface, "shortcutNames"},
                 [this, alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
                     if (alive.expired())
@@ -120,6 +123,19 @@ void GlobalShortcuts::followKeymap() {
         m_link.call(setKeys(shortcut->request.hotKey.id, {}));
     for (const Shortcut* const shortcut : changed)
         send(*shortcut);
+}
+
+SubscriptionPtr GlobalShortcuts::blockAll() {
+    if (m_blocks++ == 0)
+        setBlocked(true);
+    return callOnEnd([this, alive = m_lifetime.watch()] {
+        if (!alive.expired() && --m_blocks == 0)
+            setBlocked(false);
+    });
+}
+
+void GlobalShortcuts::setBlocked(bool isBlocked) {
+    m_link.call(call("blockGlobalShortcuts", "b", {std::int64_t{isBlocked}}));
 }
 
 void GlobalShortcuts::deliver() {

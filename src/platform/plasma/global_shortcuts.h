@@ -36,7 +36,8 @@ public:
     /// Gives all combinations back. Claims may outlive this object and then do nothing.
     ~GlobalShortcuts() override;
 
-    /// Unregisters what an earlier run has left behind and this one has not registered.
+    /// Takes back what an earlier run has left behind: shortcuts that this one has not registered, and a
+    /// block of all shortcuts.
     void releaseLeftovers();
     /// Uses the keymap of the seat from now on, in place of that of the environment.
     void setKeymap(xkb::Keymap keymap);
@@ -45,6 +46,10 @@ public:
     void holdBack() { m_isHoldingBack = true; }
     /// Reports the hot keys that have been held back, and all further ones at once.
     void deliver();
+
+    /// Blocks all shortcuts of the desktop, so that the focused window gets the keys, until the returned
+    /// subscription is destroyed.
+    [[nodiscard]] SubscriptionPtr blockAll();
 
     [[nodiscard]] SubscriptionPtr installHandler(std::function<void(std::uint32_t id)> pressed) override;
     [[nodiscard]] std::vector<SubscriptionPtr>
@@ -69,6 +74,7 @@ private:
     void setTaken(std::size_t serial, bool isTaken);
     void release(std::size_t serial);
     void handle(const wayland::BusMessage& signal);
+    void setBlocked(bool isBlocked);
     void setLayout(std::uint32_t layout);
     void readLayout();
     void followKeymap();
@@ -78,6 +84,7 @@ private:
     std::uint32_t m_layout = 0;
     std::list<Shortcut> m_shortcuts;
     std::size_t m_nextSerial = 0;
+    int m_blocks = 0;
     bool m_isHoldingBack = false;
     std::vector<std::uint32_t> m_heldBack; ///< ids in the order of the presses
     Signal<std::uint32_t> m_handlers;

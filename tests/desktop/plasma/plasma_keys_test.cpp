@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "platform/plasma/global_shortcuts.h"
 #include "support/plasma/plasma_session.h"
 
 #include <gtest/gtest.h>
@@ -15,6 +16,8 @@ namespace {
 constexpr Rect kRightOfFirst{800, 0, 800, 900};
 
 constexpr const char* kUsualSettings = R"({"hasOnboarded":true,"rememberApps":false})";
+
+constexpr std::uint32_t kControlOption = 6144;
 
 constexpr const char* kTwoShortcuts = R"({"hasOnboarded":true,"rememberApps":false,"bindings":{
     "rightHalf":{"keyCode":124,"mods":6144},"arrangeAll":{"keyCode":0,"mods":6144}}})";
@@ -96,6 +99,36 @@ TEST_F(PlasmaKeysTest, WhenTheCompositorHasCrashedAndRunsAgainTheHotKeysDoSoToo)
     EXPECT_EQ(session.settledFrame(kEditor, kRightOfFirst), kRightOfFirst);
     EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
     EXPECT_TRUE(session.shortcuts().empty());
+}
+
+TEST(PlasmaShortcutsTest, WhileAllShortcutsAreBlockedTheirKeysDoNothing) {
+    PlasmaSession session;
+    wayland::BusLink link(session.environment().at("DBUS_SESSION_BUS_ADDRESS"));
+    plasma::GlobalShortcuts shortcuts(link);
+    const std::vector<HotKeyRequest> requests{{124, kControlOption, {0, 1}}, {123, kControlOption, {0, 2}}};
+    const auto claims = shortcuts.registerHotKeys(requests);
+    std::vector<std::uint32_t> pressed;
+    const auto handler = shortcuts.installHandler([&](std::uint32_t id) { pressed.push_back(id); });
+    const auto waitForPlasma = [&] {
+        bool hasReply = false;
+        link.call(
+            {"org.kde.kglobalaccel", "/kglobalaccel", "org.freedesktop.DBus.Introspectable", "Introspect"},
+            [&](const wayland::BusMessage&) { hasReply = true; }, wayland::BusLink::Delivery::Urgent);
+        return link.waitUntil([&] { return hasReply; }, x11test::kPatience);
+    };
+
+    auto block = shortcuts.blockAll();
+    ASSERT_TRUE(waitForPlasma());
+    session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
+    block.reset();
+    ASSERT_TRUE(waitForPlasma());
+    session.input().press({key::kLeftControl, key::kLeftAlt, key::kLeft});
+
+    EXPECT_TRUE(PlasmaSession::waitFor([&] {
+        link.dispatch();
+        return !pressed.empty();
+    }));
+    EXPECT_EQ(pressed, std::vector<std::uint32_t>({2}));
 }
 
 TEST_F(PlasmaKeysTest, CommandsFromATerminalMoveTheActiveWindowAndQuit) {
