@@ -23,13 +23,7 @@ protected:
         std::string errors;
     };
 
-    CommandLineTest() {
-        EXPECT_TRUE(desktop.start());
-        // The hot keys are there a little earlier.
-        EXPECT_TRUE(desktop.observer().waitUntil([this] {
-            return desktop.observer().selectionOwner("_TESSAREL_COMMANDS_S0") != XCB_WINDOW_NONE;
-        }));
-    }
+    CommandLineTest() { EXPECT_TRUE(desktop.startForCommands()); }
 
     /// Runs the launcher with these words, as users do, and waits until it has exited.
     [[nodiscard]] Result run(const std::vector<std::string>& words,

@@ -109,6 +109,12 @@ bool Desktop::start() {
     return false;
 }
 
+bool Desktop::startForCommands() {
+    return start() && m_observer.waitUntil([this] {
+        return m_observer.selectionOwner("_TESSAREL_COMMANDS_S0") != XCB_WINDOW_NONE;
+    });
+}
+
 bool Desktop::stop() {
     const std::optional<int> exitCode = m_program->terminate();
     const std::string errors = m_program->errors();

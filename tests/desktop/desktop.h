@@ -54,6 +54,9 @@ public:
 
     /// Starts the program and waits until it has grabbed its hot keys. Returns false if it does not.
     [[nodiscard]] bool start();
+    /// Starts the program and waits until it receives commands, which is a little later. Returns false if it
+    /// does not.
+    [[nodiscard]] bool startForCommands();
     /// Terminates the program. Returns false, with the reason on the standard error, unless it exits cleanly.
     [[nodiscard]] bool stop();
     /// Starts the program and waits until a hot key has moved a window: the program grabs its hot keys before

@@ -13,13 +13,7 @@ namespace {
 /// A window manager that is stopped while the program places a window.
 class StoppedManagerTest : public testing::Test {
 protected:
-    StoppedManagerTest() {
-        EXPECT_TRUE(desktop.start());
-        // The hot keys are there a little earlier.
-        EXPECT_TRUE(desktop.observer().waitUntil([this] {
-            return !desktop.observer().values(desktop.observer().root(), "_TESSAREL_COMMANDS").empty();
-        }));
-    }
+    StoppedManagerTest() { EXPECT_TRUE(desktop.startForCommands()); }
 
     /// Returns true if the program carries out a command of the command line.
     [[nodiscard]] bool isResponsive() {

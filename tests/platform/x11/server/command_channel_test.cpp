@@ -54,7 +54,8 @@ protected:
         xcb_convert_selection(x(), sender, selection(), observer.x().atom(target),
                               observer.x().atom(property), XCB_CURRENT_TIME);
         observer.x().roundTrip();
-        loop.settle();
+        loop.settle(); // handles the command
+        loop.settle(); // until the server has the answer
     }
 
     /// Waits for the next event of that type.
