@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <optional>
 #include <sstream>
 #include <stdexcept>
@@ -23,6 +24,22 @@ using namespace tessarel;
 namespace {
 
 using Screens = std::vector<Screen>;
+
+/// Counts the steps of all sequences, and prints their number when the fuzzer ends.
+class StepCount {
+public:
+    StepCount() = default;
+    StepCount(const StepCount&) = delete;
+    StepCount& operator=(const StepCount&) = delete;
+    ~StepCount() { std::fprintf(stderr, "Steps: %lld\n", m_count); }
+
+    void add() { ++m_count; }
+
+private:
+    long long m_count = 0;
+};
+
+StepCount steps;
 
 /// The whole core on a simulated desktop, and a user and other programs that do what the input says.
 class Session {
@@ -260,7 +277,7 @@ private:
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     fuzz::Input input(data, size);
     Session session(input);
-    while (!input.isAtEnd())
+    for (; !input.isAtEnd(); steps.add())
         session.step();
     session.end();
     return 0;
