@@ -154,6 +154,8 @@ TEST_F(ReportsTest, OddMembersOfAWindowCountAsMissing) {
     ASSERT_NE(find("b"), nullptr);
     EXPECT_EQ(*find("b"), (WindowState{.name = "b",
                                        .pid = 0,
+                                       .applicationId = {},
+                                       .windowClass = {},
                                        .frame = {0, 0, 10, 10},
                                        .kind = WindowKind::Other,
                                        .isOnCurrentDesktop = false,

@@ -108,8 +108,9 @@ TEST(ShortcutKeysTest, EveryKeyThatHasANumberKeepsItsModifiers) {
     const auto us = keymapOf("us");
     for (std::uint32_t keyCode = 0; keyCode < 128; ++keyCode) {
         const auto key = shortcutKey(us, 0, keyCode, kCtrlAlt);
-        if (key)
+        if (key) {
             EXPECT_EQ(*key & (kCtrl | kAlt | kShift | kMeta), kCtrl | kAlt) << keyCode;
+        }
     }
 }
 
