@@ -1,0 +1,175 @@
+// SPDX-License-Identifier: MIT
+
+#include "support/plasma/plasma_session.h"
+#include "support/plasma/wayland_client.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+namespace tessarel::plasmatest {
+namespace {
+
+constexpr const char* kUsualSettings = R"({"hasOnboarded":true,"rememberApps":false})";
+constexpr std::uint32_t kKeyA = 30;
+constexpr Rect kLeftHalf{0, 0, 800, 900};
+constexpr Rect kRightHalf{800, 0, 800, 900};
+
+/// A session with the program and windows of a client that takes every size.
+class PlasmaWindowsTest : public testing::Test {
+protected:
+    explicit PlasmaWindowsTest(const Size& display = PlasmaSession::kFirst.size())
+        : session(Drawing::Software, display) {}
+
+    void SetUp() override {
+        session.writeSettings(kUsualSettings);
+        ASSERT_TRUE(session.startProgram()) << session.program().errors();
+    }
+
+    /// Opens a window and waits until it is active.
+    void open(WaylandClient& client, int number) {
+        client.open(number, {.applicationId = "org.example.test"});
+        ASSERT_TRUE(waitFor(number, [](const SeenWindow& window) { return window.isActive; }));
+    }
+    void activate(int number) {
+        session.probe().run("workspace.clientList().filter((c) => c.caption === \"" +
+                            WaylandClient::titleOf(number) +
+                            "\").forEach((c) => { workspace.activeClient = c; });");
+        ASSERT_TRUE(waitFor(number, [](const SeenWindow& window) { return window.isActive; }));
+    }
+    [[nodiscard]] bool waitFor(int number, const std::function<bool(const SeenWindow&)>& holds) {
+        return session.probe().waitUntil([&] {
+            const auto& all = session.probe().windows();
+            return std::any_of(all.begin(), all.end(), [&](const SeenWindow& window) {
+                return window.title == WaylandClient::titleOf(number) && holds(window);
+            });
+        });
+    }
+    [[nodiscard]] bool comesTo(int number, const Rect& frame) {
+        return waitFor(number, [&](const SeenWindow& window) { return window.frame == frame; });
+    }
+    void pressArrow(std::uint32_t arrow) { session.input().press({key::kLeftControl, key::kLeftAlt, arrow}); }
+    void pressNextDisplay() {
+        session.input().press({key::kLeftControl, key::kLeftAlt, key::kLeftMeta, key::kRight});
+    }
+
+    PlasmaSession session;
+};
+
+TEST_F(PlasmaWindowsTest, AGtkWindowTakesItsZoneExactly) {
+    session.open({"gtk4-demo"}, "org.gtk.Demo4");
+
+    pressArrow(key::kLeft);
+
+    EXPECT_EQ(session.settledFrame("org.gtk.Demo4", kLeftHalf), kLeftHalf);
+}
+
+TEST_F(PlasmaWindowsTest, AWindowThatNeverSettlesHoldsUpNoOther) {
+    WaylandClient stalled(session.environment());
+    open(stalled, 1);
+    WaylandClient client(session.environment());
+    open(client, 2);
+    stalled.stall();
+    activate(1);
+    for (int press = 0; press < 3; ++press)
+        pressArrow(press % 2 == 0 ? key::kLeft : key::kRight);
+
+    activate(2);
+    pressArrow(key::kLeft);
+    EXPECT_TRUE(comesTo(2, kLeftHalf));
+    pressArrow(key::kRight);
+    EXPECT_TRUE(comesTo(2, kRightHalf));
+
+    EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
+}
+
+TEST_F(PlasmaWindowsTest, AmongTwoHundredWindowsTheFrontOnesAreArrangedAndHotKeysWork) {
+    constexpr int kWindows = 200;
+    WaylandClient client(session.environment());
+    for (int number = 1; number <= kWindows; ++number)
+        client.open(number, {.applicationId = "org.example.test"});
+    ASSERT_TRUE(session.probe().waitUntil([&] { return session.probe().windows().size() >= kWindows; }));
+    activate(1);
+
+    session.input().press({key::kLeftControl, key::kLeftAlt, kKeyA});
+    const auto isInZone = [](const SeenWindow& window) { return window.frame.height == 450; };
+    EXPECT_TRUE(session.probe().waitUntil([&] {
+        const auto& all = session.probe().windows();
+        return std::count_if(all.begin(), all.end(), isInZone) >= 4;
+    }));
+
+    pressArrow(key::kRight);
+    EXPECT_TRUE(comesTo(1, kRightHalf));
+}
+
+TEST_F(PlasmaWindowsTest, DisplaysMayGoAndComeBack) {
+    WaylandClient client(session.environment());
+    open(client, 1);
+    pressArrow(key::kLeft);
+    ASSERT_TRUE(comesTo(1, kLeftHalf));
+
+    pressNextDisplay();
+    EXPECT_TRUE(comesTo(1, {1600, 0, 800, 900}));
+
+    session.outputs().setUp(1, {.isEnabled = false});
+    ASSERT_TRUE(waitFor(1, [](const SeenWindow& window) { return window.frame.x < 1600; }));
+    pressArrow(key::kRight);
+    EXPECT_TRUE(comesTo(1, kRightHalf));
+
+    // KWin may take the window back to where it was.
+    session.outputs().setUp(1, {.x = 1600});
+    pressArrow(key::kLeft);
+    constexpr Rect kLeftOfSecond{1600, 0, 800, 900};
+    bool isOnSecond = false;
+    ASSERT_TRUE(waitFor(1, [&](const SeenWindow& window) {
+        isOnSecond = window.frame == kLeftOfSecond;
+        return isOnSecond || window.frame == kLeftHalf;
+    }));
+    pressNextDisplay();
+    EXPECT_TRUE(comesTo(1, isOnSecond ? kLeftHalf : kLeftOfSecond));
+}
+
+TEST_F(PlasmaWindowsTest, AnotherPrimaryDisplayAndItsPlaceChangeNoFrames) {
+    WaylandClient client(session.environment());
+    open(client, 1);
+
+    session.outputs().setUp(1, {.x = 1600, .isPrimary = true});
+    pressArrow(key::kLeft);
+    EXPECT_TRUE(comesTo(1, kLeftHalf));
+    pressNextDisplay();
+    EXPECT_TRUE(comesTo(1, {1600, 0, 800, 900}));
+
+    // The displays change places: the second one is now to the left of the first.
+    session.outputs().setUp(0, {.x = 1600});
+    session.outputs().setUp(1, {.x = 0, .isPrimary = true});
+    activate(1);
+    pressArrow(key::kRight);
+    ASSERT_TRUE(waitFor(1, [](const SeenWindow& window) {
+        return window.frame == kRightHalf || window.frame == Rect{2400, 0, 800, 900};
+    }));
+}
+
+/// Displays of 1500 x 900 pixels with a scale in percent.
+class PlasmaScaleTest : public PlasmaWindowsTest, public testing::WithParamInterface<int> {
+protected:
+    PlasmaScaleTest() : PlasmaWindowsTest({1500, 900}) {}
+};
+
+TEST_P(PlasmaScaleTest, WindowsTakeTheFramesOfZonesExactly) {
+    const double scale = GetParam() / 100.0;
+    const Size size{1500 / scale, 900 / scale};
+    session.outputs().setUp(0, {.scale = scale});
+    session.outputs().setUp(1, {.x = static_cast<int>(size.width), .scale = scale});
+    WaylandClient client(session.environment());
+    open(client, 1);
+
+    pressArrow(key::kRight);
+    EXPECT_TRUE(comesTo(1, {size.width / 2, 0, size.width / 2, size.height}));
+    pressNextDisplay();
+    EXPECT_TRUE(comesTo(1, {size.width * 1.5, 0, size.width / 2, size.height}));
+}
+
+INSTANTIATE_TEST_SUITE_P(AtScale, PlasmaScaleTest, testing::Values(125, 150, 200));
+
+} // namespace
+} // namespace tessarel::plasmatest
