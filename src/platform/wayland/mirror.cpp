@@ -37,6 +37,7 @@ void Mirror::update(const WindowState& window) {
     const WindowId id = known->second;
     if (!isNew) {
         const Rect before = std::exchange(m_windows[id], window).frame;
+        ++m_knownFrames[id];
         if (before != window.frame)
             note([this, id, frame = window.frame] { m_frameChanged.send(id, frame); });
         return;
@@ -55,6 +56,7 @@ void Mirror::remove(const std::string& name) {
     const WindowId id = known->second;
     WindowState last = std::move(m_windows[id]);
     m_windows.erase(id);
+    m_knownFrames.erase(id);
     m_ids.erase(known);
     std::erase(m_backToFront, id);
     if (m_active == id)
@@ -89,9 +91,11 @@ void Mirror::setDisplays(std::vector<DisplayState> displays) {
 
 void Mirror::setFrame(const std::string& name, const Rect& frame) {
     const auto window = m_windows.find(named(name));
-    if (window == m_windows.end() || window->second.frame == frame)
+    if (window == m_windows.end())
         return;
-    window->second.frame = frame;
+    ++m_knownFrames[window->first];
+    if (std::exchange(window->second.frame, frame) == frame)
+        return;
     note([this, id = window->first, frame] { m_frameChanged.send(id, frame); });
 }
 
@@ -100,8 +104,12 @@ void Mirror::move(UserMove::Phase phase, const std::string& name, bool isMove, c
     const WindowId id = named(name);
     if (id == kNoWindow)
         return;
-    m_windows[id].frame = frame;
-    note([this, step = UserMove{phase, id, isMove, pointer, frame}] { m_moved.send(step); });
+    note([this, step = UserMove{phase, id, isMove, pointer, frame}, known = m_knownFrames[id]] {
+        const auto window = m_windows.find(step.window);
+        if (window != m_windows.end() && m_knownFrames[step.window] == known)
+            window->second.frame = step.frame;
+        m_moved.send(step);
+    });
 }
 
 const WindowState* Mirror::find(WindowId window) const {

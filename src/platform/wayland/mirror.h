@@ -97,6 +97,8 @@ public:
     void activate(const std::string& name);
     void setDisplays(std::vector<DisplayState> displays);
     void setFrame(const std::string& name, const Rect& frame);
+    /// Changes the frame only when the step is delivered, so that a program that is late finds the window
+    /// where it was at that step. A frame that is reported otherwise in the meantime stays.
     void move(UserMove::Phase phase, const std::string& name, bool isMove, const Point& pointer,
               const Rect& frame);
 
@@ -129,6 +131,7 @@ private:
     bool m_isReady = false;
     WindowId m_lastId = kNoWindow;
     std::map<WindowId, WindowState> m_windows;
+    std::map<WindowId, std::uint64_t> m_knownFrames; ///< number of reports of a frame, but for moves
     std::map<std::string, WindowId> m_ids;
     std::vector<WindowId> m_backToFront;
     WindowId m_active = kNoWindow;

@@ -103,6 +103,14 @@ TEST_F(MirrorTest, EventsOfUnknownWindowsChangeNothing) {
     EXPECT_EQ(others, 0);
 }
 
+TEST_F(MirrorTest, AFrameReportedAfterAMoveStaysWhenTheMoveIsDelivered) {
+    mirror.move(UserMove::Phase::Finished, "a", true, {150, 110}, kOther);
+    mirror.setFrame("a", kFrame);
+    mirror.deliver();
+
+    EXPECT_EQ(mirror.find(mirror.named("a"))->frame, kFrame);
+}
+
 TEST_F(MirrorTest, ANewWindowIsInFrontAndReportedOnce) {
     std::vector<WindowId> opened;
     const auto openings = mirror.onOpened([&](WindowId id) { opened.push_back(id); });
@@ -215,12 +223,14 @@ TEST_F(MirrorTest, MovesAreReportedInOrderWithTheFrameOfTheStep) {
     std::vector<UserMove> moves;
     const auto moved = mirror.onMove([&](const UserMove& move) { moves.push_back(move); });
     const WindowId a = mirror.named("a");
+    std::vector<Rect> frames;
+    const auto atStep = mirror.onMove([&](const UserMove&) { frames.push_back(mirror.find(a)->frame); });
 
     mirror.move(UserMove::Phase::Started, "a", true, {150, 110}, kFrame);
     mirror.move(UserMove::Phase::Finished, "a", true, {350, 210}, kOther);
-    EXPECT_EQ(mirror.find(a)->frame, kOther);
     mirror.deliver();
 
+    EXPECT_THAT(frames, ElementsAre(kFrame, kOther));
     EXPECT_THAT(moves, ElementsAre(UserMove{UserMove::Phase::Started, a, true, {150, 110}, kFrame},
                                    UserMove{UserMove::Phase::Finished, a, true, {350, 210}, kOther}));
 }
