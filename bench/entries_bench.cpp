@@ -3,7 +3,7 @@
 // Measures how long it takes to index the desktop entries of all installed applications, compared with only
 // reading the same files, and how long lookups in the index take.
 
-#include "platform/xdg/installed_applications.h"
+#include "platform/xdg/applications/installed_applications.h"
 #include "support/entry_folder.h"
 
 #include <benchmark/benchmark.h>

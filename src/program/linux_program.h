@@ -14,8 +14,8 @@
 #include "platform/qt_xdg/application_panel.h"
 #include "platform/qt_xdg/qt_appearance.h"
 #include "platform/qt_xdg/session_bus.h"
+#include "platform/xdg/applications/installed_applications.h"
 #include "platform/xdg/environment.h"
-#include "platform/xdg/installed_applications.h"
 #include "ports/command_exchange.h"
 
 #include <filesystem>

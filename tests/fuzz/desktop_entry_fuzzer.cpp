@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
 #include "fuzz/input.h"
-#include "platform/xdg/command_line.h"
-#include "platform/xdg/desktop_entry.h"
+#include "platform/xdg/applications/command_line.h"
+#include "platform/xdg/applications/desktop_entry.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -18,9 +18,9 @@
 #include "platform/wayland/desktop_ports.h"
 #include "platform/wayland/drag_mouse.h"
 #include "platform/wayland/mirror.h"
+#include "platform/xdg/applications/login_item.h"
 #include "platform/xdg/file_preferences.h"
 #include "platform/xdg/home_folder.h"
-#include "platform/xdg/login_item.h"
 #include "ports/main_queue_port.h"
 
 #include <chrono>

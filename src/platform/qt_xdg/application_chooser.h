@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/qt_xdg/application_list.h"
-#include "platform/xdg/offered_applications.h"
+#include "platform/xdg/applications/offered_applications.h"
 
 #include <QDialog>
 #include <QTimer>

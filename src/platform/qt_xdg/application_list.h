@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "platform/xdg/offered_applications.h"
+#include "platform/xdg/applications/offered_applications.h"
 
 #include <QAbstractListModel>
 #include <QCollator>

@@ -3,7 +3,7 @@
 #include "platform/qt_xdg/application_panel.h"
 
 #include "platform/qt_xdg/application_chooser.h"
-#include "platform/xdg/offered_applications.h"
+#include "platform/xdg/applications/offered_applications.h"
 
 #include <utility>
 

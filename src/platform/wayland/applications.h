@@ -3,9 +3,9 @@
 #pragma once
 
 #include "platform/wayland/mirror.h"
-#include "platform/xdg/installed_applications.h"
-#include "platform/xdg/process_facts.h"
-#include "platform/xdg/program_names.h"
+#include "platform/xdg/applications/installed_applications.h"
+#include "platform/xdg/applications/process_facts.h"
+#include "platform/xdg/applications/program_names.h"
 #include "ports/main_queue_port.h"
 #include "ports/running_application.h"
 

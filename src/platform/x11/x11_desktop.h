@@ -22,8 +22,8 @@
 #include "platform/x11/windows/client_windows.h"
 #include "platform/x11/windows/window_list.h"
 #include "platform/x11/words.h"
+#include "platform/xdg/applications/login_item.h"
 #include "platform/xdg/file_preferences.h"
-#include "platform/xdg/login_item.h"
 #include "ports/alerts_port.h"
 #include "ports/main_queue_port.h"
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/x11/server/connection.h"
-#include "platform/xdg/program_names.h"
+#include "platform/xdg/applications/program_names.h"
 #include "ports/process_id.h"
 
 #include <xcb/res.h>

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "platform/xdg/entry_walk.h"
+#include "platform/xdg/applications/entry_walk.h"
 
 #include <cstddef>
 #include <deque>

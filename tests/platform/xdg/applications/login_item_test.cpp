@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/xdg/login_item.h"
+#include "platform/xdg/applications/login_item.h"
 
-#include "platform/xdg/desktop_entry.h"
+#include "platform/xdg/applications/desktop_entry.h"
+#include "platform/xdg/applications/installed_applications.h"
 #include "platform/xdg/file_preferences.h"
 #include "platform/xdg/home_folder.h"
-#include "platform/xdg/installed_applications.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

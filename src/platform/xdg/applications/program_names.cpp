@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/xdg/program_names.h"
+#include "platform/xdg/applications/program_names.h"
 
+#include "platform/xdg/applications/command_line.h"
 #include "platform/xdg/ascii.h"
-#include "platform/xdg/command_line.h"
 #include "platform/xdg/small_file.h"
 
 #include <algorithm>

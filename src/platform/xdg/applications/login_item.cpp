@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/xdg/login_item.h"
+#include "platform/xdg/applications/login_item.h"
 
-#include "platform/xdg/desktop_entry.h"
+#include "platform/xdg/applications/desktop_entry.h"
 #include "platform/xdg/environment.h"
 #include "platform/xdg/home_folder.h"
 #include "platform/xdg/small_file.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/xdg/program_names.h"
+#include "platform/xdg/applications/program_names.h"
 
 #include "support/scratch_folder.h"
 

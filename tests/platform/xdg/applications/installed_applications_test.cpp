@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/xdg/installed_applications.h"
+#include "platform/xdg/applications/installed_applications.h"
 
 #include "support/scratch_folder.h"
 

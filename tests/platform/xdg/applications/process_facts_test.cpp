@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/xdg/process_facts.h"
+#include "platform/xdg/applications/process_facts.h"
 
 #include "support/scratch_folder.h"
 

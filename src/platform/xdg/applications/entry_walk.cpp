@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/xdg/entry_walk.h"
+#include "platform/xdg/applications/entry_walk.h"
 
 #include <algorithm>
 #include <string_view>

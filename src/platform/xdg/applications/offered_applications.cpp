@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/xdg/offered_applications.h"
+#include "platform/xdg/applications/offered_applications.h"
 
-#include "platform/xdg/desktop_entry.h"
+#include "platform/xdg/applications/desktop_entry.h"
 #include "platform/xdg/small_file.h"
 
 #include <utility>

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/xdg/installed_applications.h"
+#include "platform/xdg/applications/installed_applications.h"
 
+#include "platform/xdg/applications/command_line.h"
+#include "platform/xdg/applications/desktop_entry.h"
 #include "platform/xdg/ascii.h"
-#include "platform/xdg/command_line.h"
-#include "platform/xdg/desktop_entry.h"
 #include "platform/xdg/home_folder.h"
 #include "platform/xdg/small_file.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/xdg/command_line.h"
+#include "platform/xdg/applications/command_line.h"
 
 #include "platform/xdg/ascii.h"
 

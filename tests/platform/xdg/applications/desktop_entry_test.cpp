@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/xdg/desktop_entry.h"
+#include "platform/xdg/applications/desktop_entry.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -2,8 +2,8 @@
 
 #pragma once
 
-#include "platform/xdg/installed_applications.h"
-#include "platform/xdg/process_facts.h"
+#include "platform/xdg/applications/installed_applications.h"
+#include "platform/xdg/applications/process_facts.h"
 
 #include <functional>
 #include <optional>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/xdg/offered_applications.h"
+#include "platform/xdg/applications/offered_applications.h"
 
-#include "platform/xdg/installed_applications.h"
+#include "platform/xdg/applications/installed_applications.h"
 #include "support/scratch_folder.h"
 
 #include <gtest/gtest.h>
