@@ -89,6 +89,12 @@ TEST_F(PlasmaKeysTest, AfterACrashTheNextStartHasItsKeysAndNoneOfThoseThatItDoes
     EXPECT_TRUE(session.shortcuts().empty());
 }
 
+TEST_F(PlasmaKeysTest, TheProgramEndsInOrderWhenTheSessionBusGoes) {
+    session.killBus();
+
+    EXPECT_EQ(session.program().waitForExit(), 0) << session.program().errors();
+}
+
 TEST_F(PlasmaKeysTest, WhenTheCompositorHasCrashedAndRunsAgainTheHotKeysDoSoToo) {
     session.restartCompositor();
     ASSERT_TRUE(session.waitForCommands()) << session.program().errors();

@@ -68,6 +68,8 @@ public:
     /// Gives the keyboard these layouts, in place of the usual one, and chooses the one with the index.
     void setLayouts(const std::string& layouts, int chosen);
 
+    /// Kills the session bus, which does not come back.
+    void killBus() { m_bus->kill(); }
     /// Kills KWin, with all windows, and starts it again.
     void restartCompositor();
     /// Starts another program and waits until its window is active. Throws std::runtime_error if it is not.
