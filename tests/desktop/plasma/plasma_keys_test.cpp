@@ -95,18 +95,6 @@ TEST_F(PlasmaKeysTest, TheProgramEndsInOrderWhenTheSessionBusGoes) {
     EXPECT_EQ(session.program().waitForExit(), 0) << session.program().errors();
 }
 
-TEST_F(PlasmaKeysTest, WhenTheCompositorHasCrashedAndRunsAgainTheHotKeysDoSoToo) {
-    session.restartCompositor();
-    ASSERT_TRUE(session.waitForCommands()) << session.program().errors();
-    session.open({"kwrite"}, kEditor);
-
-    session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
-
-    EXPECT_EQ(session.settledFrame(kEditor, kRightOfFirst), kRightOfFirst);
-    EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
-    EXPECT_TRUE(session.shortcuts().empty());
-}
-
 TEST(PlasmaShortcutsTest, WhileAllShortcutsAreBlockedTheirKeysDoNothing) {
     PlasmaSession session;
     wayland::BusLink link(session.environment().at("DBUS_SESSION_BUS_ADDRESS"));

@@ -100,15 +100,6 @@ void PlasmaSession::startCompositor() {
     m_outputs.emplace(socket);
 }
 
-void PlasmaSession::restartCompositor() {
-    m_clients.clear();
-    m_outputs.reset();
-    m_input.reset();
-    m_probe.reset();
-    m_compositor->kill();
-    startCompositor();
-}
-
 PlasmaSession::~PlasmaSession() {
     m_program.reset();
     m_clients.clear();

@@ -70,8 +70,6 @@ public:
 
     /// Kills the session bus, which does not come back.
     void killBus() { m_bus->kill(); }
-    /// Kills KWin, with all windows, and starts it again.
-    void restartCompositor();
     /// Starts another program and waits until its window is active. Throws std::runtime_error if it is not.
     void open(const std::vector<std::string>& command, const std::string& windowClass);
     /// Returns the frame of the window with this class; empty if there is none.
