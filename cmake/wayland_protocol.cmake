@@ -11,6 +11,12 @@ function(tessarel_wayland_protocol target description)
         COMMAND ${WAYLAND_SCANNER} client-header ${description} ${header}
         COMMAND ${WAYLAND_SCANNER} private-code ${description} ${code}
         DEPENDS ${description} VERBATIM)
+    # clang-tidy needs the headers, and nothing else of a build.
+    if(NOT TARGET generated_headers)
+        add_custom_target(generated_headers)
+    endif()
+    add_custom_target(${target}_${name}_header DEPENDS ${header})
+    add_dependencies(generated_headers ${target}_${name}_header)
     # The code is C that is also C++, once the header has declared its constants.
     set_source_files_properties(${code} PROPERTIES
         COMPILE_OPTIONS "-include;${header};-w" OBJECT_DEPENDS ${header} SKIP_UNITY_BUILD_INCLUSION ON)

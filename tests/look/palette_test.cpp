@@ -96,7 +96,7 @@ TEST_P(PaletteTest, DarkIsDarkAndLightIsLight) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Appearances, PaletteTest, testing::Bool(),
-                         [](const auto& info) { return info.param ? "Dark" : "Light"; });
+                         [](const auto& instance) { return instance.param ? "Dark" : "Light"; });
 
 TEST(ContrastTest, IsOneForEqualColoursAndTwentyOneForBlackAndWhite) {
     EXPECT_DOUBLE_EQ(contrast(Qt::red, Qt::red), 1);

@@ -200,7 +200,7 @@ TEST_P(WindowLooksTest, ListsHaveTheirOwnBackground) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Appearances, WindowLooksTest, testing::Bool(),
-                         [](const auto& info) { return info.param ? "Dark" : "Light"; });
+                         [](const auto& instance) { return instance.param ? "Dark" : "Light"; });
 
 } // namespace
 } // namespace tessarel

@@ -162,7 +162,7 @@ void LayerSurface::paint() {
 
 void LayerSurface::paint(Buffer& buffer) {
     QImage image(std::bit_cast<uchar*>(buffer.pixels), m_size.width(), m_size.height(),
-                 m_size.width() * kBytesPerPixel, QImage::Format_ARGB32_Premultiplied);
+                 qsizetype{m_size.width()} * kBytesPerPixel, QImage::Format_ARGB32_Premultiplied);
     QPainter painter(&image);
     painter.setClipRegion(buffer.outdated);
     painter.setCompositionMode(QPainter::CompositionMode_Clear);
