@@ -48,7 +48,9 @@ void serveUrlRequest() {
         // lookup.
         std::_Exit(EXIT_SUCCESS);
     });
-    std::_Exit(QCoreApplication::exec());
+    const int exitCode = QCoreApplication::exec();
+    static_cast<void>(load); // was needed until now
+    std::_Exit(exitCode);
 }
 
 } // namespace tessarel::qt
