@@ -28,7 +28,7 @@ std::size_t lengthOf(const std::vector<std::string>& words) {
     return length;
 }
 
-/// Returns whether an error says that there is nobody to run commands.
+/// Returns whether an error means that no copy runs that receives commands.
 bool meansNoReceiver(const std::string& error) {
     return error == "org.freedesktop.DBus.Error.ServiceUnknown" ||
            error == "org.freedesktop.DBus.Error.NameHasNoOwner" ||

@@ -26,7 +26,7 @@ wayland::BusCall toBus(std::string member, std::string signature, std::vector<wa
             std::move(member),      std::move(signature),    std::move(values)};
 }
 
-/// Sends a call. Its reply arrives in what is returned, as long as somebody holds that.
+/// Sends a call. The returned object gets the reply, unless it has been destroyed by then.
 std::shared_ptr<std::optional<wayland::BusMessage>> send(wayland::BusLink& link, wayland::BusCall call) {
     auto reply = std::make_shared<std::optional<wayland::BusMessage>>();
     link.call(
