@@ -28,7 +28,6 @@ using namespace std::chrono_literals;
 constexpr int kDefaultRepetitions = 50;
 constexpr auto kPatience = 1s;
 constexpr auto kQuiet = 50ms;
-constexpr std::uint8_t kArrangeKey = 38;
 constexpr std::size_t kWindows = 9;
 
 /// One window per zone, none of them in a zone yet.
@@ -114,16 +113,16 @@ std::optional<Clock::time_point> Windows::untilQuiet() {
 void measure(const std::string& directory, int repetitions) {
     const ChildProcess tessarel({directory + "/tessarel"});
     const ChildProcess raw({directory + "/raw_xcb_client", std::to_string(key::kE), "0", "0", "800", "900"});
-    waitUntilHeld(Connection(), std::array<Combination, 2>{{{kArrangeKey}, {key::kE}}});
+    waitUntilHeld(Connection(), std::array<Combination, 2>{{{key::kA, kControlAlt}, {key::kE, kControlAlt}}});
 
     Windows windows;
     std::vector<double> all;
     std::vector<double> single;
     for (int i = 0; i < repetitions; ++i)
-        for (const auto& [key, times] : {std::pair{kArrangeKey, &all}, std::pair{key::kE, &single}}) {
+        for (const auto& [key, times] : {std::pair{key::kA, &all}, std::pair{key::kE, &single}}) {
             windows.scatter();
             const auto time = windows.press(key);
-            if (time && windows.moved() == (key == kArrangeKey ? kWindows : 1))
+            if (time && windows.moved() == (key == key::kA ? kWindows : 1))
                 times->push_back(*time);
         }
 

@@ -98,7 +98,7 @@ public:
         std::vector<Combination> wanted;
         for (const auto& keys : kKeys)
             for (const auto key : keys)
-                wanted.push_back({key});
+                wanted.push_back({key, kControlAlt});
         waitUntilHeld(Connection(), wanted);
         std::this_thread::sleep_for(kTimeToSettle);
         for (const std::size_t place : {0U, 1U}) {

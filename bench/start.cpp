@@ -55,7 +55,7 @@ private:
     Connection m_connection;
     Target m_target;
     Keyboard m_keyboard;
-    std::uint8_t m_key = key::k1; // differs from the zone that the window is in
+    std::uint8_t m_key = key::kDigit1; // differs from the zone that the window is in
 };
 
 void Desktop::start(const Resident& resident, Times& times) {
@@ -70,7 +70,7 @@ void Desktop::start(const Resident& resident, Times& times) {
 }
 
 void Desktop::pressAtOnce(Clock::time_point begin, Times& times) {
-    m_key = m_key == key::k1 ? key::k2 : key::k1;
+    m_key = m_key == key::kDigit1 ? key::kDigit2 : key::kDigit1;
     m_keyboard.press(std::array{m_key});
     if (const auto reaction = m_target.untilQuiet(kPatience); reaction.last)
         times.firstAnswer.push_back(Milliseconds(*reaction.last - begin).count());

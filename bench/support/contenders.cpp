@@ -31,14 +31,14 @@ Contenders::Contenders(const std::filesystem::path& directory, pid_t windowManag
         {"openbox itself", {key::kQ, key::kW}, windowManager},
         {"raw xcb client", {key::kE, key::kR}, rawClient},
         {"tessarel, halves", {key::kLeft, key::kDown}, tessarel},
-        {"tessarel, numbered zones", {key::k1, key::k2}, tessarel},
+        {"tessarel, numbered zones", {key::kDigit1, key::kDigit2}, tessarel},
         {"sxhkd + xdotool", {key::kT, key::kY}},
         {"sxhkd + wmctrl", {key::kU, key::kI}},
     };
     std::vector<Combination> wanted;
     for (const auto& contender : m_all)
         for (const auto code : contender.keys)
-            wanted.push_back({code});
+            wanted.push_back({code, kControlAlt});
     waitUntilHeld(Connection(), wanted);
 }
 

@@ -4,10 +4,8 @@
 
 #include <xcb/xtest.h>
 
-#include <algorithm>
 #include <stdexcept>
 #include <thread>
-#include <vector>
 
 namespace tessarel::bench {
 
@@ -64,23 +62,6 @@ void Keyboard::releaseModifiers() {
     fake(XCB_KEY_RELEASE, key::kControl);
     m_connection.roundTrip();
     std::this_thread::sleep_for(kTimeToNotice);
-}
-
-bool allHeld(const Connection& connection, std::span<const Combination> combinations) {
-    auto* const x = connection.get();
-    std::vector<xcb_void_cookie_t> attempts;
-    xcb_grab_server(x);
-    for (const auto& wanted : combinations)
-        attempts.push_back(xcb_grab_key_checked(x, 0, connection.root(), wanted.modifiers, wanted.keyCode,
-                                                XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
-    for (const auto& wanted : combinations)
-        xcb_ungrab_key(x, wanted.keyCode, connection.root(), wanted.modifiers);
-    xcb_ungrab_server(x);
-    connection.flush();
-    return std::ranges::count_if(attempts, [x](xcb_void_cookie_t attempt) {
-               const Received<xcb_generic_error_t> refused(xcb_request_check(x, attempt));
-               return refused != nullptr;
-           }) == std::ssize(attempts);
 }
 
 void waitUntilHeld(const Connection& connection, std::span<const Combination> combinations) {

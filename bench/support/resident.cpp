@@ -16,29 +16,18 @@ using namespace std::chrono_literals;
 
 constexpr auto kStartTimeout = 10s;
 
-constexpr std::uint16_t kWithSuper = XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
-
-/// The keys that Tessarel grabs by default with all zones enabled: 1 to 9, the arrows, Return, C, Backspace
-/// and A, and Left and Right with Super.
-constexpr std::array<Combination, 19> kDefaultBindings{{{10},
-                                                        {11},
-                                                        {12},
-                                                        {13},
-                                                        {14},
-                                                        {15},
-                                                        {16},
-                                                        {17},
-                                                        {18},
-                                                        {36},
-                                                        {22},
-                                                        {38},
-                                                        {54},
-                                                        {111},
-                                                        {113},
-                                                        {114},
-                                                        {116},
-                                                        {113, kWithSuper},
-                                                        {114, kWithSuper}}};
+/// The combinations that Tessarel grabs by default with all zones enabled.
+std::vector<Combination> defaultBindings() {
+    std::vector<Combination> bindings;
+    for (xcb_keycode_t zone = 0; zone < 9; ++zone)
+        bindings.push_back({static_cast<xcb_keycode_t>(key::kDigit1 + zone), kControlAlt});
+    for (const xcb_keycode_t key :
+         {key::kUp, key::kDown, key::kLeft, key::kRight, key::kReturn, key::kC, key::kBackspace, key::kA})
+        bindings.push_back({key, kControlAlt});
+    for (const xcb_keycode_t key : {key::kLeft, key::kRight})
+        bindings.push_back({key, kControlAltSuper});
+    return bindings;
+}
 
 } // namespace
 
@@ -48,6 +37,7 @@ std::vector<Resident> residents(const std::filesystem::path& directory) {
 }
 
 std::unique_ptr<ChildProcess> startAndAwait(const Resident& resident, const Connection& connection) {
+    const std::vector<Combination> bindings = defaultBindings();
     std::vector<std::string> command = resident.environment;
     if (!command.empty())
         command.insert(command.begin(), "env");
@@ -55,7 +45,7 @@ std::unique_ptr<ChildProcess> startAndAwait(const Resident& resident, const Conn
     auto program = std::make_unique<ChildProcess>(command);
     const auto end = Clock::now() + kStartTimeout;
     for (;;) {
-        const bool held = allHeld(connection, kDefaultBindings);
+        const bool held = allHeld(connection, bindings);
         if (resident.saysSo ? program->hasOutput() : held)
             return program;
         if (Clock::now() > end || !program->running())

@@ -13,10 +13,8 @@
 #include "platform/wayland/drag_mouse.h"
 #include "platform/xdg/file_preferences.h"
 #include "platform/xkb/keycode_table.h"
+#include "support/qt_loop.h"
 #include "support/scratch_folder.h"
-
-#include <QEventLoop>
-#include <QTimer>
 
 #include <algorithm>
 #include <cmath>
@@ -294,12 +292,7 @@ void PlasmaContractDesktop::settle() {
 }
 
 void PlasmaContractDesktop::advance(MainQueuePort::Duration duration) {
-    QEventLoop loop;
-    QTimer::singleShot(std::chrono::ceil<std::chrono::milliseconds>(duration), Qt::PreciseTimer, &loop,
-                       [&loop] { loop.quit(); });
-    loop.exec();
-    while (loop.processEvents())
-        continue;
+    runQtLoop(duration);
 }
 
 } // namespace

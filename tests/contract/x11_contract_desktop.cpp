@@ -19,9 +19,7 @@
 #include "platform/x11/windows/client_windows.h"
 #include "platform/xdg/file_preferences.h"
 #include "platform/xkb/keycode_table.h"
-
-#include <QEventLoop>
-#include <QTimer>
+#include "support/qt_loop.h"
 
 #include <algorithm>
 #include <cmath>
@@ -363,12 +361,7 @@ void X11ContractDesktop::settle() {
 }
 
 void X11ContractDesktop::advance(MainQueuePort::Duration duration) {
-    QEventLoop loop;
-    QTimer::singleShot(std::chrono::ceil<std::chrono::milliseconds>(duration), Qt::PreciseTimer, &loop,
-                       [&loop] { loop.quit(); });
-    loop.exec();
-    while (loop.processEvents())
-        continue;
+    runQtLoop(duration);
 }
 
 } // namespace

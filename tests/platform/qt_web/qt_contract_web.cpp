@@ -3,15 +3,13 @@
 #include "contract/contract_web.h"
 #include "platform/qt/system_wall_clock.h"
 #include "platform/qt_web/process/qt_url_loading_process.h"
+#include "support/qt_loop.h"
 #include "web_server.h"
 
 #include <QCoreApplication>
-#include <QEventLoop>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 #include <array>
-#include <chrono>
 
 namespace tessarel::contract {
 
@@ -35,12 +33,7 @@ public:
         return gone.url("/");
     }
 
-    void advance(MainQueuePort::Duration duration) override {
-        QEventLoop loop;
-        QTimer::singleShot(std::chrono::ceil<std::chrono::milliseconds>(duration), Qt::PreciseTimer, &loop,
-                           [&loop] { loop.quit(); });
-        loop.exec();
-    }
+    void advance(MainQueuePort::Duration duration) override { runQtLoop(duration); }
     bool runUntil(const std::function<bool()>& holds) override { return qt::loopUntil(holds); }
 
 private:

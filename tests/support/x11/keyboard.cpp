@@ -4,9 +4,9 @@
 
 #include <xcb/xtest.h>
 
+#include <algorithm>
 #include <array>
 #include <stdexcept>
-#include <vector>
 
 namespace tessarel::x11test {
 
@@ -68,22 +68,11 @@ bool Keyboard::isFree() {
 }
 
 bool Keyboard::held(const Combination& combination) {
-    xcb_connection_t* x = m_observer.x().get();
-    std::vector<xcb_void_cookie_t> claims;
-    xcb_grab_server(x);
-    for (const std::uint16_t locks : kLockStates)
-        claims.push_back(xcb_grab_key_checked(x, 1, m_observer.root(),
-                                              static_cast<std::uint16_t>(combination.modifiers | locks),
-                                              combination.key, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
-    for (const std::uint16_t locks : kLockStates)
-        xcb_ungrab_key(x, combination.key, m_observer.root(),
-                       static_cast<std::uint16_t>(combination.modifiers | locks));
-    xcb_ungrab_server(x);
-
-    bool refusedAll = true;
-    for (const xcb_void_cookie_t claim : claims)
-        refusedAll = own(xcb_request_check(x, claim)) != nullptr && refusedAll;
-    return refusedAll;
+    std::array<Combination, kLockStates.size()> withLocks;
+    std::transform(kLockStates.begin(), kLockStates.end(), withLocks.begin(), [&](std::uint16_t locks) {
+        return Combination{combination.key, static_cast<std::uint16_t>(combination.modifiers | locks)};
+    });
+    return allHeld(m_observer.x(), withLocks);
 }
 
 } // namespace tessarel::x11test
