@@ -29,18 +29,19 @@ Context makeContext(xkb_context_flags flags) {
 
 Keymap Keymap::ofEnvironment() {
     const Context context = makeContext(XKB_CONTEXT_NO_FLAGS);
-    if (!context)
-        return Keymap(nullptr);
-    return Keymap({xkb_keymap_new_from_names(context.get(), nullptr, XKB_KEYMAP_COMPILE_NO_FLAGS), Unref()});
+    return owning(context ? xkb_keymap_new_from_names(context.get(), nullptr, XKB_KEYMAP_COMPILE_NO_FLAGS)
+                          : nullptr);
 }
 
 Keymap Keymap::parsed(const std::string& description) {
     const Context context = makeContext(XKB_CONTEXT_NO_DEFAULT_INCLUDES);
-    if (!context)
-        return Keymap(nullptr);
-    return Keymap({xkb_keymap_new_from_string(context.get(), description.c_str(), XKB_KEYMAP_FORMAT_TEXT_V1,
-                                              XKB_KEYMAP_COMPILE_NO_FLAGS),
-                   Unref()});
+    return owning(context ? xkb_keymap_new_from_string(context.get(), description.c_str(),
+                                                       XKB_KEYMAP_FORMAT_TEXT_V1, XKB_KEYMAP_COMPILE_NO_FLAGS)
+                          : nullptr);
+}
+
+Keymap Keymap::owning(xkb_keymap* keymap) {
+    return Keymap({keymap, Unref()});
 }
 
 std::uint32_t Keymap::symbol(std::uint32_t keycode, std::uint32_t layout, std::uint32_t level) const {

@@ -20,6 +20,9 @@ public:
     /// the description is malformed.
     [[nodiscard]] static Keymap parsed(const std::string& description);
 
+    /// Takes over a reference to `keymap`, which may be null: then no key types anything.
+    [[nodiscard]] static Keymap owning(xkb_keymap* keymap);
+
     /// Returns the key symbol that a key types in the layout with index `layout`, without Shift (`level` 0)
     /// or with it (1); 0 if it types nothing.
     [[nodiscard]] std::uint32_t symbol(std::uint32_t keycode, std::uint32_t layout,

@@ -2,9 +2,10 @@
 
 #include "platform/plasma/shortcut_keys.h"
 
+#include "support/keymap_of.h"
+
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <utility>
 #include <vector>
@@ -36,13 +37,7 @@ constexpr std::uint32_t kKeyF5 = 96;
 constexpr std::uint32_t kKeypad5 = 87;
 constexpr std::uint32_t kKeypadEnter = 76;
 
-/// Returns the keymap of these layouts, as the environment of a desktop names them.
-xkb::Keymap keymapOf(const char* layouts) {
-    ::setenv("XKB_DEFAULT_LAYOUT", layouts, 1);
-    auto keymap = xkb::Keymap::ofEnvironment();
-    ::unsetenv("XKB_DEFAULT_LAYOUT");
-    return keymap;
-}
+using xkb::keymapOf;
 
 TEST(ShortcutKeysTest, LettersCountAsCapitalsWithTheirModifiers) {
     const auto us = keymapOf("us");

@@ -6,20 +6,17 @@
 #include "model/subscription.h"
 #include "platform/x11/input/xkb_keyboard.h"
 #include "platform/x11/server/connection.h"
+#include "platform/xkb/printed_names.h"
 #include "ports/key_names_port.h"
 
 #include <cstdint>
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 
 namespace tessarel::x11 {
 
-/// The names that are printed on the keys of the active keyboard layout.
-///
-/// A key with a character has the one that it types, as a capital. A key that types a digit with Shift, as on
-/// a French keyboard, has the digit. All other keys, such as "Home", have the same name in every layout.
+/// The names that are printed on the keys of the active keyboard layout (`xkb::PrintedNames`).
 class X11KeyNames : public KeyNamesPort {
 public:
     /// `connection` must outlive this object. Sends nothing before the first use.
@@ -40,9 +37,8 @@ private:
     void handle(const Connection::Event& event);
 
     Connection& m_connection;
-    std::optional<XkbKeyboard> m_keyboard; ///< set at the first use
-    /// The names of keys with a character, by virtual key code; empty until they are read.
-    std::optional<std::map<std::int64_t, std::string>> m_characters;
+    std::optional<XkbKeyboard> m_keyboard;    ///< set at the first use
+    std::optional<xkb::PrintedNames> m_names; ///< of the active layout; empty until they are read
     Signal<> m_changed;
     SubscriptionPtr m_events;
 };
