@@ -95,7 +95,7 @@ std::optional<int> runOnPlasma(const char* programName) {
                             [&] {
                                 return std::make_shared<qt::SeatKeymap>(
                                     queue, [&desktop](const std::string& description) {
-                                        desktop.hotKeys.setKeymap(xkb::Keymap::parsed(description));
+                                        desktop.keyboardLayout.setKeymap(xkb::Keymap::parsed(description));
                                     });
                             },
                         .receiveCommands =

@@ -5,6 +5,8 @@
 #include "model/key_names.h"
 #include "platform/plasma/bridge.h"
 #include "platform/plasma/global_shortcuts.h"
+#include "platform/plasma/key_names.h"
+#include "platform/plasma/keyboard_layout.h"
 #include "platform/plasma/single_instance.h"
 #include "platform/plasma/trust.h"
 #include "platform/sim/sim_services.h"
@@ -71,7 +73,7 @@ public:
     AlertSoundPort& alertSound() override { return m_silence; }
     DisplaysPort& displays() override { return m_displays; }
     HotKeyPort& hotKeys() override { return m_hotKeys; }
-    KeyNamesPort& keyNames() override { throw std::logic_error("not of this back end"); }
+    KeyNamesPort& keyNames() override { return m_keyNames; }
     LocalKeysPort& localKeys() override { throw std::logic_error("not of this back end"); }
     MousePort& mouse() override { return m_mouse; }
     TrustPort& trust() override { return m_trust; }
@@ -220,7 +222,9 @@ private:
     wayland::ApplicationWatch m_watch{m_mirror, m_applicationsSeen};
     wayland::Accessibility m_accessibility{m_mirror, m_bridge, m_applicationsSeen, m_watch, m_line.queue()};
     wayland::Displays m_displays{m_mirror};
-    plasma::GlobalShortcuts m_hotKeys{m_line.link()};
+    plasma::KeyboardLayout m_keyboardLayout{m_line.link()};
+    plasma::GlobalShortcuts m_hotKeys{m_line.link(), m_keyboardLayout};
+    plasma::LayoutKeyNames m_keyNames{m_keyboardLayout};
     NoDragKeys m_dragKeys;
     wayland::DragMouse m_mouse{m_mirror, m_dragKeys};
     plasma::Trust m_trust{m_bridge};

@@ -19,10 +19,6 @@ constexpr const char* kComponent = "tessarel";
 constexpr const char* kComponentPath = "/component/tessarel";
 constexpr const char* kComponentInterface = "org.kde.kglobalaccel.Component";
 
-constexpr const char* kKeyboard = "org.kde.keyboard";
-constexpr const char* kLayoutsPath = "/Layouts";
-constexpr const char* kLayoutsInterface = "org.kde.KeyboardLayouts";
-
 /// Sets exactly the given keys, whatever the desktop remembers of an earlier run.
 constexpr std::int64_t kSetPresent = 0x2;
 constexpr std::int64_t kNoAutoloading = 0x4;
@@ -52,19 +48,12 @@ wayland::BusCall setKeys(std::uint32_t id, std::vector<std::int64_t> keys) {
 
 } // namespace
 
-GlobalShortcuts::GlobalShortcuts(wayland::BusLink& link)
-    : m_link(link),
+GlobalShortcuts::GlobalShortcuts(wayland::BusLink& link, KeyboardLayout& layout)
+    : m_link(link), m_layout(layout),
       m_signals(link.onSignal(
           {.sender = kService, .path = kComponentPath, .interface = kComponentInterface, .member = {}},
           [this](const wayland::BusMessage& signal) { handle(signal); })),
-      m_layoutSignals(link.onSignal(
-          {.sender = kKeyboard, .path = kLayoutsPath, .interface = kLayoutsInterface, .member = {}},
-          [this](const wayland::BusMessage& signal) {
-              if (signal.member == "layoutChanged")
-                  setLayout(static_cast<std::uint32_t>(signal.value<std::int64_t>(0)));
-          })) {
-    readLayout();
-}
+      m_layoutChanges(layout.onChange([this] { followLayout(); })) {}
 
 GlobalShortcuts::~GlobalShortcuts() {
     while (!m_shortcuts.empty())
@@ -89,32 +78,15 @@ void GlobalShortcuts::releaseLeftovers() {
                 });
 }
 
-void GlobalShortcuts::setKeymap(xkb::Keymap keymap) {
-    m_keymap = std::move(keymap);
-    followKeymap();
-    readLayout();
-}
-
-/// KWin has the interface only while there are several layouts.
-void GlobalShortcuts::readLayout() {
-    m_link.call({kKeyboard, kLayoutsPath, kLayoutsInterface, "getLayout"},
-                [this, alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
-                    if (!alive.expired())
-                        setLayout(static_cast<std::uint32_t>(reply.value<std::int64_t>(0)));
-                });
-}
-
-void GlobalShortcuts::setLayout(std::uint32_t layout) {
-    if (std::exchange(m_layout, layout) != layout)
-        followKeymap();
+std::optional<std::int32_t> GlobalShortcuts::keyOf(const HotKeyRequest& request) const {
+    return shortcutKey(m_layout.keymap(), m_layout.index(), request.keyCode, request.mods);
 }
 
 /// Registers the shortcuts again whose keys type other symbols than before.
-void GlobalShortcuts::followKeymap() {
+void GlobalShortcuts::followLayout() {
     std::vector<Shortcut*> changed;
     for (Shortcut& shortcut : m_shortcuts) {
-        const HotKeyRequest& request = shortcut.request;
-        const auto key = shortcutKey(m_keymap, m_layout, request.keyCode, request.mods).value_or(0);
+        const auto key = keyOf(shortcut.request).value_or(0);
         if (std::exchange(shortcut.key, key) != key)
             changed.push_back(&shortcut);
     }
@@ -158,7 +130,7 @@ std::vector<SubscriptionPtr> GlobalShortcuts::registerHotKeys(std::span<const Ho
 
 /// Returns null if there is no such key, or if it has been claimed already.
 SubscriptionPtr GlobalShortcuts::claim(const HotKeyRequest& request) {
-    const auto key = shortcutKey(m_keymap, m_layout, request.keyCode, request.mods);
+    const auto key = keyOf(request);
     const auto isSame = [&](const Shortcut& shortcut) {
         return shortcut.request.keyCode == request.keyCode && shortcut.request.mods == request.mods;
     };

@@ -5,14 +5,15 @@
 #include "model/lifetime.h"
 #include "model/signal.h"
 #include "model/subscription.h"
+#include "platform/plasma/keyboard_layout.h"
 #include "platform/wayland/bus_link.h"
-#include "platform/xkb/keymap.h"
 #include "ports/hot_key_port.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <list>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
@@ -29,8 +30,8 @@ namespace tessarel::plasma {
 /// only the first of two bindings gets. A key that is held down fires once, however long it repeats.
 class GlobalShortcuts : public HotKeyPort {
 public:
-    /// `link` must outlive this object.
-    explicit GlobalShortcuts(wayland::BusLink& link);
+    /// Both arguments must outlive this object.
+    GlobalShortcuts(wayland::BusLink& link, KeyboardLayout& layout);
     GlobalShortcuts(const GlobalShortcuts&) = delete;
     GlobalShortcuts& operator=(const GlobalShortcuts&) = delete;
     /// Gives all combinations back. Claims may outlive this object and then do nothing.
@@ -39,8 +40,6 @@ public:
     /// Takes back what an earlier run has left behind: shortcuts that this one has not registered, and a
     /// block of all shortcuts.
     void releaseLeftovers();
-    /// Uses the keymap of the seat from now on, in place of that of the environment.
-    void setKeymap(xkb::Keymap keymap);
 
     /// Keeps the hot keys that are pressed from now on until `deliver`.
     void holdBack() { m_isHoldingBack = true; }
@@ -75,13 +74,11 @@ private:
     void release(std::size_t serial);
     void handle(const wayland::BusMessage& signal);
     void setBlocked(bool isBlocked);
-    void setLayout(std::uint32_t layout);
-    void readLayout();
-    void followKeymap();
+    [[nodiscard]] std::optional<std::int32_t> keyOf(const HotKeyRequest& request) const;
+    void followLayout();
 
     wayland::BusLink& m_link;
-    xkb::Keymap m_keymap = xkb::Keymap::ofEnvironment();
-    std::uint32_t m_layout = 0;
+    KeyboardLayout& m_layout;
     std::list<Shortcut> m_shortcuts;
     std::size_t m_nextSerial = 0;
     int m_blocks = 0;
@@ -91,7 +88,7 @@ private:
     Signal<> m_takenChange;
     Lifetime m_lifetime; // watched by claims and replies
     SubscriptionPtr m_signals;
-    SubscriptionPtr m_layoutSignals;
+    SubscriptionPtr m_layoutChanges;
 };
 
 } // namespace tessarel::plasma

@@ -6,7 +6,9 @@
 #include "platform/plasma/bridge.h"
 #include "platform/plasma/drag_modifiers.h"
 #include "platform/plasma/global_shortcuts.h"
-#include "platform/plasma/simple_ports.h"
+#include "platform/plasma/key_names.h"
+#include "platform/plasma/keyboard_layout.h"
+#include "platform/plasma/main_menu.h"
 #include "platform/plasma/single_instance.h"
 #include "platform/plasma/trust.h"
 #include "platform/plasma/words.h"
@@ -41,7 +43,7 @@ struct PlasmaDesktop {
                   xdg::OnReadable onReadable, xdg::FilePreferences::Report report)
         : bridge(link, mirror, queue, runtimeFolder, report), applications(mirror, queue),
           watch(mirror, applications), accessibility(mirror, bridge, applications, watch, queue),
-          displays(mirror), hotKeys(link),
+          displays(mirror), keyboardLayout(link), hotKeys(link, keyboardLayout),
           loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
           dragModifiers(link, mirror, queue, xdg::dataFolder()), mouse(mirror, dragModifiers),
           modifierChanges(dragModifiers.onChange([this] { mouse.modifiersChanged(); })),
@@ -55,7 +57,7 @@ struct PlasmaDesktop {
                              dragModifiers.load();
                          }),
           windowsKnown(mirror.onReady([this] { hotKeys.deliver(); })), trust(bridge), windowList(mirror),
-          workspace(applications, watch) {}
+          workspace(applications, watch), keyNames(keyboardLayout) {}
     PlasmaDesktop(const PlasmaDesktop&) = delete;
     PlasmaDesktop& operator=(const PlasmaDesktop&) = delete;
 
@@ -70,6 +72,7 @@ struct PlasmaDesktop {
     wayland::ApplicationWatch watch;
     wayland::Accessibility accessibility;
     wayland::Displays displays;
+    KeyboardLayout keyboardLayout;
     GlobalShortcuts hotKeys;
     xdg::XdgLoginItem loginItem;
     DragModifiers dragModifiers;
@@ -83,7 +86,7 @@ struct PlasmaDesktop {
     wayland::WindowList windowList;
     wayland::Workspace workspace;
     NoMainMenu mainMenu;
-    FixedKeyNames keyNames;
+    LayoutKeyNames keyNames;
     PlatformWords words = plasma::words();
 };
 

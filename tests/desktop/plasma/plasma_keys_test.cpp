@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 
 #include "platform/plasma/global_shortcuts.h"
+#include "platform/plasma/key_names.h"
+#include "platform/plasma/keyboard_layout.h"
+#include "support/keymap_of.h"
 #include "support/plasma/plasma_session.h"
 
 #include <gtest/gtest.h>
@@ -95,10 +98,38 @@ TEST_F(PlasmaKeysTest, TheProgramEndsInOrderWhenTheSessionBusGoes) {
     EXPECT_EQ(session.program().waitForExit(), 0) << session.program().errors();
 }
 
+TEST(PlasmaKeyNamesTest, KeysAreNamedAfterTheLayoutInUse) {
+    PlasmaSession session;
+    wayland::BusLink link(session.environment().at("DBUS_SESSION_BUS_ADDRESS"));
+    plasma::KeyboardLayout layout(link);
+    plasma::LayoutKeyNames names(layout);
+    int changes = 0;
+    const auto counted = names.onChange([&] { ++changes; });
+    layout.setKeymap(xkb::keymapOf("us,fr"));
+    constexpr std::int64_t kA = 0;
+    const auto becomes = [&](const char* name) {
+        return PlasmaSession::waitFor([&] {
+            link.dispatch();
+            return names.name(kA) == name;
+        });
+    };
+
+    session.setLayouts("us,fr", 1);
+    EXPECT_TRUE(becomes("Q"));
+    const int changesSoFar = changes;
+    EXPECT_GT(changesSoFar, 0);
+
+    session.setLayouts("us,fr", 0);
+    layout.setKeymap(xkb::keymapOf("us,fr")); // as KWin then sends it; the layouts report nothing
+    EXPECT_TRUE(becomes("A"));
+    EXPECT_GT(changes, changesSoFar);
+}
+
 TEST(PlasmaShortcutsTest, WhileAllShortcutsAreBlockedTheirKeysDoNothing) {
     PlasmaSession session;
     wayland::BusLink link(session.environment().at("DBUS_SESSION_BUS_ADDRESS"));
-    plasma::GlobalShortcuts shortcuts(link);
+    plasma::KeyboardLayout layout(link);
+    plasma::GlobalShortcuts shortcuts(link, layout);
     const std::vector<HotKeyRequest> requests{{124, kControlOption, {0, 1}}, {123, kControlOption, {0, 2}}};
     const auto claims = shortcuts.registerHotKeys(requests);
     std::vector<std::uint32_t> pressed;
