@@ -58,10 +58,15 @@ int run(char** arguments) {
 int main(int argumentCount, char** arguments) {
     const std::vector<std::string> words(arguments + std::min(argumentCount, 1), arguments + argumentCount);
     // Whatever is not a command for the running copy, such as a mistake, is left to the program; so are
-    // commands in a Wayland session, where it may take a session bus to send them.
+    // commands in a Wayland session, where it may take a session bus to send them, and those for a display
+    // that only the program can reach (see no_name_lookup.cpp).
     const bool isWayland =
         tessarel::plasma::mayBeWayland(std::getenv("WAYLAND_DISPLAY"), std::getenv("XDG_SESSION_TYPE"));
-    if (!isWayland && std::ranges::all_of(words, tessarel::isPlain) && tessarel::parseCommand(words).command)
-        return tessarel::report(tessarel::x11::sendCommand(nullptr, words));
+    if (!isWayland && std::ranges::all_of(words, tessarel::isPlain) &&
+        tessarel::parseCommand(words).command) {
+        const tessarel::SentCommand sent = tessarel::x11::sendCommand(nullptr, words);
+        if (sent.outcome != tessarel::SentCommand::Outcome::NoDesktop)
+            return tessarel::report(sent);
+    }
     return tessarel::run(arguments);
 }

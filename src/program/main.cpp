@@ -82,12 +82,14 @@ int runOnX11(const char* programName) {
                  return std::make_shared<qt::WorkAreaNotices>(queue);
              },
          .receiveCommands =
-             [&link, session](LinuxProgram::RunCommand run) {
+             [&link, &desktop, session](LinuxProgram::RunCommand run) {
                  // Not fatal: the program shows in its menu and settings that it cannot move windows.
                  if (session == x11::Session::Wayland)
                      say("this is a Wayland session, where only XWayland windows could be moved; use an X11 "
                          "session or KDE Plasma");
-                 return std::make_shared<x11::CommandChannel>(link, std::move(run));
+                 // Most commands move the active window.
+                 return std::make_shared<x11::CommandChannel>(
+                     link, std::move(run), [&desktop] { (void)desktop.windows.activeWindow(); });
              }});
 }
 

@@ -38,9 +38,9 @@ std::vector<std::string> split(std::string_view text) {
 
 } // namespace
 
-CommandChannel::CommandChannel(Connection& connection,
-                               std::function<CommandAnswer(const std::vector<std::string>& words)> run)
-    : m_connection(connection), m_run(std::move(run)), m_window(createWindow(connection)),
+CommandChannel::CommandChannel(Connection& connection, Run run, std::function<void()> readAhead)
+    : m_connection(connection), m_run(std::move(run)), m_readAhead(std::move(readAhead)),
+      m_window(createWindow(connection)),
       m_selection(connection.internAtom(commandSelection(connection.screenNumber()))),
       m_events(connection.onEvent([this](const Connection::Event& event) { handle(event); })) {
     // ICCCM wants a selection claimed with a time, and no event has led to this claim.
@@ -72,9 +72,10 @@ void CommandChannel::handle(const Connection::Event& event) {
     const xcb_atom_t command = m_connection.atom(Atom::TessarelCommand);
     if (request.target == command && request.property == command) {
         const xcb_atom_t text = m_connection.atom(Atom::Utf8String);
-        const CommandAnswer answer = m_run(split(
-            bytes(propertyReply(m_connection, requestProperty(m_connection, notice.requestor, command, text,
-                                                              kLongestCommand / kBytesPerUnit)))));
+        const auto words =
+            requestProperty(m_connection, notice.requestor, command, text, kLongestCommand / kBytesPerUnit);
+        m_readAhead();
+        const CommandAnswer answer = m_run(split(bytes(propertyReply(m_connection, words))));
         std::string value(1, static_cast<char>(answer.exitCode));
         value += answer.text;
         value.resize(std::min<std::size_t>(value.size(), kLongestAnswer));

@@ -23,10 +23,13 @@ namespace tessarel::x11 {
 /// client could move the windows without us, too.
 class CommandChannel {
 public:
+    using Run = std::function<CommandAnswer(const std::vector<std::string>& words)>;
+
     /// Calls `run` with the words of each command until this object is destroyed; a word may be empty and
-    /// hold any bytes but NUL. `connection` must outlive this object.
-    CommandChannel(Connection& connection,
-                   std::function<CommandAnswer(const std::vector<std::string>& words)> run);
+    /// hold any bytes but NUL. Before the words have arrived, calls `readAhead`: what it reads from the
+    /// server comes in the same round trip. `connection` must outlive this object.
+    CommandChannel(
+        Connection& connection, Run run, std::function<void()> readAhead = [] {});
     CommandChannel(const CommandChannel&) = delete;
     CommandChannel& operator=(const CommandChannel&) = delete;
     ~CommandChannel();
@@ -35,7 +38,8 @@ private:
     void handle(const Connection::Event& event);
 
     Connection& m_connection;
-    std::function<CommandAnswer(const std::vector<std::string>&)> m_run;
+    Run m_run;
+    std::function<void()> m_readAhead;
     xcb_window_t m_window;
     xcb_atom_t m_selection;
     SubscriptionPtr m_events;

@@ -175,6 +175,34 @@ TEST_F(CommandChannelTest, OtherConversionsAreRefused) {
     EXPECT_EQ(observer.text(sender, "_TESSAREL_COMMAND"), "quit");
 }
 
+TEST_F(CommandChannelTest, WhatIsReadAheadComesInTheRoundTripOfTheCommand) {
+    Connection& connection = loop.connection();
+    std::size_t before = 0;
+    std::size_t after = 0;
+    channel.reset();
+    channel.emplace(
+        connection,
+        [&](const Words& words) {
+            after = connection.roundTrips();
+            received.push_back(words);
+            return answer;
+        },
+        [&] {
+            before = connection.roundTrips();
+            EXPECT_TRUE(connection.reply<xcb_get_geometry_reply>(
+                xcb_get_geometry(connection.xcb(), connection.root())));
+        });
+    loop.settle();
+    const xcb_window_t sender = newWindow();
+    using namespace std::string_view_literals;
+    set(sender, "UTF8_STRING", "restore\0"sv);
+
+    send(sender);
+
+    EXPECT_EQ(received, (std::vector<Words>{{"restore"}}));
+    EXPECT_EQ(after - before, 1U);
+}
+
 TEST_F(CommandChannelTest, AnEndedChannelLeavesNothingBehind) {
     loop.settle();
     channel.reset();
