@@ -103,18 +103,20 @@ std::string bashCompletion() {
         if (!form.choices.empty())
             text += "    " + form.words + "/2) words=\"" + joined(form.choices, " ") + "\" ;;\n";
     }
-    return text +
-           "    list/3) words=--json ;;\n"
-           "    layout/2)\n"
-           "        local IFS=$'\\n'\n"
-           "        COMPREPLY=($(tessarel list layouts 2>/dev/null | grep -F -- \"${COMP_WORDS[2]}\"))\n"
-           "        COMPREPLY=(\"${COMPREPLY[@]// /\\\\ }\")\n"
-           "        return\n"
-           "        ;;\n"
-           "    esac\n"
-           "    COMPREPLY=($(compgen -W \"$words\" -- \"${COMP_WORDS[COMP_CWORD]}\"))\n"
-           "}\n"
-           "complete -F _tessarel tessarel\n";
+    return text + "    list/3) words=--json ;;\n"
+                  "    layout/2)\n"
+                  "        local name\n"
+                  "        COMPREPLY=()\n"
+                  "        while IFS= read -r name; do\n"
+                  "            printf -v name %q \"$name\" # what is inserted is read by bash again\n"
+                  "            [[ $name != \"${COMP_WORDS[2]}\"* ]] || COMPREPLY+=(\"$name\")\n"
+                  "        done < <(tessarel list layouts 2>/dev/null)\n"
+                  "        return\n"
+                  "        ;;\n"
+                  "    esac\n"
+                  "    COMPREPLY=($(compgen -W \"$words\" -- \"${COMP_WORDS[COMP_CWORD]}\"))\n"
+                  "}\n"
+                  "complete -F _tessarel tessarel\n";
 }
 
 std::string zshCompletion() {

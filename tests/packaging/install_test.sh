@@ -73,6 +73,12 @@ expect_completed "left-half layout list" tessarel l
 expect_completed "on off" tessarel pause o
 expect_completed "zones" tessarel list z
 expect_completed "--json" tessarel list zones ""
+# Names of layouts that mean something else to a shell.
+mkdir "$scratch/bin"
+printf '#!/bin/sh\nprintf "%%s\\n" "My desk" "\$(exit)*"\n' >"$scratch/bin/tessarel"
+chmod +x "$scratch/bin/tessarel"
+PATH=$scratch/bin:$PATH expect_completed 'My\ desk \$\(exit\)\*' tessarel layout ""
+PATH=$scratch/bin:$PATH expect_completed 'My\ desk' tessarel layout 'My\ d'
 [ "$(fish --no-config -c "source $share/fish/vendor_completions.d/tessarel.fish; complete -C 'tessarel pause o'" | cut -f1 | tr '\n' ' ')" = "off on " ] ||
     fail "fish completes pause wrongly"
 
