@@ -44,6 +44,11 @@ std::string execOf(std::string_view path) {
     return exec + DesktopEntry::execWord(path);
 }
 
+/// Returns whether a command has the form of `execOf` for a path with a percent sign.
+bool isWrapped(const std::vector<std::string>& words) {
+    return words.size() > kWrapper.size() && std::equal(kWrapper.begin(), kWrapper.end(), words.begin());
+}
+
 /// Replaces each "%%" by "%".
 void undouble(std::string& word) {
     for (std::size_t at = word.find("%%"); at != std::string::npos; at = word.find("%%", at + 1))
@@ -212,15 +217,27 @@ bool DesktopEntry::isMeantFor(const std::vector<std::string>& desktops) const {
     return value(G_KEY_FILE_DESKTOP_KEY_ONLY_SHOW_IN).empty();
 }
 
-/// Returns whether the command and everything that it needs to be present exist.
-bool DesktopEntry::isInstalled() const {
+/// Returns the words of the command, read as `autostart` writes them.
+std::vector<std::string> DesktopEntry::commandWords() const {
     std::vector<std::string> words = execWords(value(G_KEY_FILE_DESKTOP_KEY_EXEC));
     for (std::string& word : words)
         undouble(word);
+    return words;
+}
+
+std::string DesktopEntry::startedProgram() const {
+    std::vector<std::string> words = commandWords();
+    if (isWrapped(words))
+        words.erase(words.begin(), words.begin() + kWrapper.size());
+    return programOf(words);
+}
+
+/// Returns whether the command and everything that it needs to be present exist.
+bool DesktopEntry::isInstalled() const {
+    const std::vector<std::string> words = commandWords();
     if (words.empty() || !isExecutable(words.front()))
         return false;
-    if (words.size() > kWrapper.size() && std::equal(kWrapper.begin(), kWrapper.end(), words.begin()) &&
-        !isExecutable(words[kWrapper.size()]))
+    if (isWrapped(words) && !isExecutable(words[kWrapper.size()]))
         return false;
     return hasNeededProgram();
 }

@@ -55,6 +55,10 @@ public:
     /// looked up in PATH. Of an interpreter, returns what it runs.
     [[nodiscard]] std::vector<std::string> programs() const;
 
+    /// Returns the program that an autostart entry starts: a path, or a name to be looked up in PATH. Of an
+    /// interpreter, returns what it runs. Empty if there is none.
+    [[nodiscard]] std::string startedProgram() const;
+
     /// Returns whether menus offer the application with windows of its own: the entry has neither
     /// "NoDisplay=true" nor "Terminal=true".
     [[nodiscard]] bool isOffered() const;
@@ -84,6 +88,7 @@ private:
     [[nodiscard]] std::string localValue(const char* key) const;
     [[nodiscard]] std::vector<std::string> list(const char* key) const;
     [[nodiscard]] bool isMeantFor(const std::vector<std::string>& desktops) const;
+    [[nodiscard]] std::vector<std::string> commandWords() const;
     [[nodiscard]] bool isInstalled() const;
     [[nodiscard]] bool hasNeededProgram() const;
 

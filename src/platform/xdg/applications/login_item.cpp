@@ -2,6 +2,7 @@
 
 #include "platform/xdg/applications/login_item.h"
 
+#include "platform/xdg/applications/command_line.h"
 #include "platform/xdg/applications/desktop_entry.h"
 #include "platform/xdg/environment.h"
 #include "platform/xdg/home_folder.h"
@@ -90,10 +91,18 @@ LoginItemPort::Status XdgLoginItem::status() {
     return enabled ? Status::Enabled : Status::NotRegistered;
 }
 
-/// Returns whether this session starts the application of the autostart entry `content`.
+/// Returns whether this session starts this copy of the program by the autostart entry `content`.
 bool XdgLoginItem::isStarted(const std::string& content) const {
     const auto entry = DesktopEntry::parse(content);
-    return entry && entry->isStartedBy(m_setup.desktops);
+    return entry && entry->isStartedBy(m_setup.desktops) && !isOtherCopy(entry->startedProgram());
+}
+
+/// Returns whether `started` is a program of the same name elsewhere. Any other program is one by which the
+/// user starts this one, such as a script.
+bool XdgLoginItem::isOtherCopy(const std::string& started) const {
+    const fs::path file = fileStartedBy(started);
+    const fs::path own = fileStartedBy(m_setup.program.string());
+    return file.filename() == own.filename() && commandOf(file) != own;
 }
 
 bool XdgLoginItem::startedForAllUsers() const {

@@ -37,10 +37,10 @@ public:
     /// program's name for the user.
     [[nodiscard]] static Setup ofThisProgram(std::string name);
 
-    /// Returns `Enabled` or `NotRegistered`. An entry that exists but starts nothing in this session counts
-    /// as not registered.
+    /// Returns `Enabled` or `NotRegistered`. An entry that exists but starts nothing in this session, or
+    /// another copy of the program, counts as not registered.
     [[nodiscard]] Status status() override;
-    /// Writes the user's entry, replacing one that starts nothing.
+    /// Writes the user's entry, replacing one that starts nothing, or another copy.
     [[nodiscard]] std::optional<std::string> registerItem() override;
     /// Removes the user's entry. If an entry for all users would then start the program, writes one that
     /// hides it instead.
@@ -48,6 +48,7 @@ public:
 
 private:
     [[nodiscard]] bool isStarted(const std::string& content) const;
+    [[nodiscard]] bool isOtherCopy(const std::string& started) const;
     [[nodiscard]] bool startedForAllUsers() const;
     [[nodiscard]] std::optional<std::string> write(const std::string& content) const;
 
