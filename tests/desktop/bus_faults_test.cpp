@@ -4,6 +4,7 @@
 #include "desktop/expected.h"
 #include "desktop/status_notifier_panel.h"
 #include "desktop/tray_desktop.h"
+#include "support/hanging_bus.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -185,6 +186,34 @@ TEST_F(BusFaultsTest, ASystemTrayGetsTheIconWhenABusThatStartsLateNeverReplies) 
     const SilentBus silent(server);
 
     expectIconInSystemTray();
+}
+
+TEST_F(BusFaultsTest, TheProgramWorksOnABusThatLetsNobodyEnter) {
+    const HangingBus hanging(SilentBus::pathOn(server), 0);
+    start(SilentBus::addressOn(server));
+
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheProgramWorksOnABusThatHangsWhenQtConnects) {
+    const HangingBus hanging(SilentBus::pathOn(server), 1);
+    start(SilentBus::addressOn(server));
+
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(opensSettings());
+    expectIconInSystemTray();
+}
+
+TEST_F(BusFaultsTest, TheProgramWorksOnABusThatRepliesToNoCall) {
+    constexpr int kAll = 1000;
+    const HangingBus hanging(SilentBus::pathOn(server), kAll);
+    start(SilentBus::addressOn(server));
+
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(endsSoon());
 }
 
 TEST_F(BusFaultsTest, TheIconAppearsWhenASlowBusReplies) {

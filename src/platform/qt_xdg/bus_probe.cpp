@@ -13,6 +13,7 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tessarel::qt {
 
@@ -136,15 +137,24 @@ std::string hello() {
 } // namespace
 
 bool BusProbe::supports(std::string_view address) {
-    while (!address.empty())
-        if (!socketName(firstPart(address, ';')).empty())
-            return true;
-    return false;
+    return !socketNames(address).empty();
+}
+
+std::vector<std::string> BusProbe::socketNames(std::string_view address) {
+    std::vector<std::string> names;
+    while (!address.empty()) {
+        if (std::string name = socketName(firstPart(address, ';')); !name.empty())
+            names.push_back(std::move(name));
+    }
+    return names;
 }
 
 BusProbe::BusProbe(std::string_view address) {
-    while (!address.empty() && m_socket < 0)
-        m_socket = connectedTo(socketName(firstPart(address, ';')));
+    for (const std::string& name : socketNames(address)) {
+        m_socket = connectedTo(name);
+        if (m_socket >= 0)
+            break;
+    }
     if (m_socket < 0)
         m_state = State::Failed;
     else

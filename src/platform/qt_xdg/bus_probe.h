@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tessarel::qt {
 
@@ -25,6 +26,10 @@ public:
 
     /// Returns whether `address` has an entry that can be probed: a socket of this machine.
     [[nodiscard]] static bool supports(std::string_view address);
+
+    /// Returns the names of the sockets that the entries of `address` describe, in their order, each with a
+    /// leading null character if the socket is not in the file system.
+    [[nodiscard]] static std::vector<std::string> socketNames(std::string_view address);
 
     /// Connects to the first reachable entry of `address`, a D-Bus server address, and starts the
     /// authentication. Fails if no entry can be probed.

@@ -30,6 +30,10 @@ constexpr std::chrono::seconds kAccessibilityPatience{5};
 /// How long a bus that does not reply keeps the icon out of another tray.
 constexpr std::chrono::seconds kBusPatience{2};
 
+/// How long a window waits for a bus that has just replied and now does not accept a connection. Longer than
+/// for a bus that has not replied, because to break off leaves Qt without the bus until the program ends.
+constexpr std::chrono::seconds kConnectingPatience{1};
+
 // How long to wait before a lost bus is probed again: doubles from the first to the longest.
 constexpr std::chrono::milliseconds kFirstRetry{250};
 constexpr std::chrono::milliseconds kLongestRetry{4000};
@@ -83,7 +87,12 @@ SessionBus::~SessionBus() {
 }
 
 void SessionBus::start() {
-    m_expectation = m_queue.asyncAfter(kBusPatience, [this] { stopExpecting(); });
+    m_expectation = m_queue.asyncAfter(kBusPatience, [this] {
+        if (m_connecting)
+            m_connecting->breakOff();
+        finishConnecting();
+        stopExpecting();
+    });
     proceed();
 }
 
@@ -95,6 +104,9 @@ void SessionBus::beforeWindow() {
         m_probe->wait(m_windowPatience);
         proceed();
     }
+    if (m_connecting && !m_connecting->wait(kConnectingPatience))
+        m_connecting->breakOff();
+    finishConnecting();
     // Qt receives the reply in another thread, and has no wait with a limit.
     while (m_accessibility && !m_accessibility->isFinished() && m_queue.now() < end)
         QThread::msleep(1);
@@ -105,6 +117,8 @@ void SessionBus::beforeWindow() {
 }
 
 void SessionBus::keepQtOff() {
+    if (m_connecting)
+        m_connecting->breakOff(); // its end is taken up by the event loop
     if (m_isQtConnected)
         return;
     const HiddenBus hidden(kSessionBus);
@@ -172,14 +186,22 @@ void SessionBus::connect() {
     m_reply.reset();
     m_probe.reset();
     m_hiddenFromQt.reset();
-    m_isQtConnected = m_isQtConnected || QDBusConnection::sessionBus().isConnected();
-    // Not Qt's connection: it is not renewed after a loss, and passes on no reply before the event loop runs.
-    m_connection = QDBusConnection::connectToBus(QString::fromStdString(m_address),
-                                                 QStringLiteral("tessarel-%1").arg(++m_connections));
-    if (!m_connection->isConnected()) {
-        disconnect();
+    // Not only Qt's connection: it is not renewed after a loss.
+    m_connecting.emplace(m_address, QStringLiteral("tessarel-%1").arg(++m_connections));
+    m_reply = m_queue.onReadable(m_connecting->fileDescriptor(), [this] { finishConnecting(); });
+}
+
+/// Takes up the new connection once it has been made, or could not be made.
+void SessionBus::finishConnecting() {
+    if (!m_connecting || !m_connecting->wait(std::chrono::milliseconds::zero()))
+        return;
+    m_reply.reset();
+    auto [isQtConnected, connection] = m_connecting->result();
+    m_connecting.reset();
+    m_isQtConnected = m_isQtConnected || isQtConnected;
+    m_connection = std::move(connection);
+    if (!m_connection)
         return retry();
-    }
     m_nextRetry = kFirstRetry;
     m_expectation.reset();
     m_connection->connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),

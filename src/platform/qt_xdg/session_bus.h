@@ -4,6 +4,7 @@
 
 #include "model/signal.h"
 #include "platform/qt/qt_main_queue.h"
+#include "platform/qt_xdg/bus_connecting.h"
 #include "platform/qt_xdg/bus_probe.h"
 #include "ports/deferred_work.h"
 
@@ -92,6 +93,7 @@ private:
     void retry();
     void stopExpecting();
     void connect();
+    void finishConnecting();
     void queryAccessibility();
     void finishAccessibility();
     void createBridge();
@@ -104,7 +106,8 @@ private:
     std::optional<HiddenBus> m_hiddenFromQt;
     std::optional<HiddenBus> m_hiddenFromBridge; // until the bridge has been created
     std::optional<BusProbe> m_probe;             // while the bus is being probed
-    SubscriptionPtr m_reply;
+    std::optional<BusConnecting> m_connecting;   // while a connection is being made
+    SubscriptionPtr m_reply;                     // of the probe, or the end of the connecting
     std::optional<QDBusConnection> m_connection;
     std::unique_ptr<QDBusPendingCallWatcher> m_accessibility; // while the service's reply is pending
     SubscriptionPtr m_expectation; // while the first reply of the bus may come soon

@@ -3,6 +3,7 @@
 #include "platform/qt_xdg/session_bus.h"
 
 #include "platform/qt_xdg/bus_probe.h"
+#include "support/hanging_bus.h"
 
 #include <QByteArray>
 #include <QCoreApplication>
@@ -83,6 +84,8 @@ protected:
         return QTest::qWaitFor([&] { return bus->qtParts() != SessionBus::QtParts::Undecided; },
                                static_cast<int>(kLong.count()));
     }
+    /// Returns the socket of the bus.
+    [[nodiscard]] std::string path() const { return folder.filePath("bus").toStdString(); }
     static std::string addressForOthers() { return qgetenv(kVariable).toStdString(); }
 
     static constexpr const char* kVariable = "DBUS_SESSION_BUS_ADDRESS";
@@ -195,6 +198,40 @@ TEST_F(SessionBusTest, QtDoesNotWaitForABusThatHangsForLong) {
 
     EXPECT_EQ(bus->qtParts(), SessionBus::QtParts::WithoutBus);
     EXPECT_EQ(changed, 1);
+}
+
+TEST_F(SessionBusTest, DoesNotWaitForABusThatHangsWhenQtConnects) {
+    const HangingBus hanging(path(), 1);
+    start();
+    bool isRunning = false;
+    const auto later = queue.async([&] { isRunning = true; });
+
+    // Until Qt connects, which another test of this process may have done.
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isRunning && addressForOthers() == address; }));
+    EXPECT_EQ(bus->qtParts(), SessionBus::QtParts::Undecided);
+    EXPECT_TRUE(waitUntilDecided());
+
+    EXPECT_FALSE(bus->connection());
+}
+
+TEST_F(SessionBusTest, AWindowDoesNotWaitForABusThatHangsWhenQtConnects) {
+    const HangingBus hanging(path(), 1);
+    start(kLong);
+
+    bus->beforeWindow();
+
+    EXPECT_FALSE(bus->connection());
+    EXPECT_FALSE(qEnvironmentVariableIsSet("AT_SPI_BUS_ADDRESS"));
+}
+
+TEST_F(SessionBusTest, EndsWhileABusHangsWhenQtConnects) {
+    const HangingBus hanging(path(), 1);
+    start();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return addressForOthers() == address; }));
+
+    bus.reset();
+
+    EXPECT_EQ(addressForOthers(), address);
 }
 
 TEST_F(SessionBusTest, AWindowWaitsUntilTheBusAndTheAccessibilityServiceHaveReplied) {

@@ -1,0 +1,124 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/qt_xdg/bus_connecting.h"
+
+#include "platform/qt_xdg/bus_probe.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <poll.h>
+#include <string_view>
+#include <sys/eventfd.h>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <utility>
+
+namespace tessarel::qt {
+
+namespace {
+
+/// Returns the descriptors of this process that are open, of the lowest thousand.
+std::vector<int> openDescriptors() {
+    constexpr rlim_t kMost = 1024;
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return {};
+    std::vector<pollfd> all(std::min(limit.rlim_cur, kMost));
+    for (std::size_t i = 0; i < all.size(); ++i)
+        all[i].fd = static_cast<int>(i);
+    ::poll(all.data(), all.size(), 0);
+    std::vector<int> open;
+    for (const pollfd& entry : all) {
+        if ((entry.revents & POLLNVAL) == 0)
+            open.push_back(entry.fd);
+    }
+    return open;
+}
+
+/// Returns the name of the socket that a socket of this process is connected to, with a leading null character
+/// if it is not in the file system; empty if there is none.
+std::string peerName(int socket) {
+    sockaddr_un address{};
+    socklen_t length = sizeof address;
+    // The socket interface takes every kind of address as a sockaddr.
+    if (::getpeername(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0 ||
+        address.sun_family != AF_UNIX || length <= offsetof(sockaddr_un, sun_path))
+        return {};
+    const std::string_view path(&address.sun_path[0], length - offsetof(sockaddr_un, sun_path));
+    return std::string(path.front() == '\0' ? path : path.substr(0, path.find('\0')));
+}
+
+ino_t inode(int socket) {
+    struct stat status {};
+    return ::fstat(socket, &status) == 0 ? status.st_ino : 0;
+}
+
+} // namespace
+
+BusConnecting::BusConnecting(std::string address, QString name)
+    : m_socketNames(BusProbe::socketNames(address)), m_address(std::move(address)), m_name(std::move(name)),
+      m_finished(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    for (const int socket : sockets())
+        m_olderSockets.push_back(inode(socket));
+    m_thread = std::thread([this] { connect(); });
+}
+
+BusConnecting::~BusConnecting() {
+    breakOff();
+    ::close(m_finished);
+}
+
+/// Returns the sockets of this process that are connected to the bus, without those that were before.
+std::vector<int> BusConnecting::sockets() const {
+    std::vector<int> found = openDescriptors();
+    std::erase_if(found, [this](int descriptor) {
+        return std::ranges::find(m_socketNames, peerName(descriptor)) == m_socketNames.end() ||
+               std::ranges::find(m_olderSockets, inode(descriptor)) != m_olderSockets.end();
+    });
+    return found;
+}
+
+/// What the thread does.
+void BusConnecting::connect() {
+    m_result.isQtConnected = QDBusConnection::sessionBus().isConnected();
+    if (!m_isBrokenOff) {
+        m_result.connection = QDBusConnection::connectToBus(QString::fromStdString(m_address), m_name);
+        if (!m_result.connection->isConnected()) {
+            m_result.connection.reset();
+            QDBusConnection::disconnectFromBus(m_name);
+        }
+    }
+    ::eventfd_write(m_finished, 1);
+}
+
+bool BusConnecting::wait(std::chrono::milliseconds patience) const {
+    pollfd finished{.fd = m_finished, .events = POLLIN, .revents = 0};
+    return ::poll(&finished, 1, static_cast<int>(patience.count())) > 0;
+}
+
+/// The D-Bus library takes a socket that is shut down for a bus that has gone. It may be just about to connect
+/// another one, so this is repeated.
+void BusConnecting::breakOff() {
+    constexpr std::chrono::milliseconds kInterval{10};
+    m_isBrokenOff = true;
+    while (m_thread.joinable()) {
+        if (wait(std::chrono::milliseconds::zero())) {
+            m_thread.join();
+            return;
+        }
+        for (const int socket : sockets())
+            ::shutdown(socket, SHUT_RDWR);
+        (void)wait(kInterval);
+    }
+}
+
+BusConnecting::Result BusConnecting::result() {
+    if (m_thread.joinable())
+        m_thread.join();
+    return m_result;
+}
+
+} // namespace tessarel::qt

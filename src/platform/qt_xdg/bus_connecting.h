@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+
+#pragma once
+
+#include <QDBusConnection>
+#include <QString>
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <sys/types.h>
+#include <thread>
+#include <vector>
+
+namespace tessarel::qt {
+
+/// Connects to the session bus in a thread of its own, because Qt and the D-Bus library block until the bus
+/// has accepted the connection: for ever if the bus hangs just then.
+///
+/// While the thread runs, everything else that uses Qt's D-Bus library waits for it.
+class BusConnecting {
+public:
+    struct Result {
+        /// Whether Qt's own connection, that of its parts, is connected.
+        bool isQtConnected = false;
+        /// A connection apart from Qt's own; empty if the bus does not accept it.
+        std::optional<QDBusConnection> connection;
+    };
+
+    /// Starts to connect to `address`, Qt's own connection first, if that is still to be made. Qt takes its
+    /// address from the environment, which must not change meanwhile. `name` is that of the connection apart.
+    BusConnecting(std::string address, QString name);
+    BusConnecting(const BusConnecting&) = delete;
+    BusConnecting& operator=(const BusConnecting&) = delete;
+    /// Breaks off.
+    ~BusConnecting();
+
+    /// Returns a descriptor that is readable once the thread has finished.
+    [[nodiscard]] int fileDescriptor() const { return m_finished; }
+    /// Waits for up to `patience` until the thread has finished, and returns whether it has.
+    [[nodiscard]] bool wait(std::chrono::milliseconds patience) const;
+    /// Closes what is not connected yet, and waits for the thread. If Qt's own connection is not there yet, Qt
+    /// does without the bus until the program ends.
+    void breakOff();
+    /// Returns what has come of it. Requires that the thread has finished.
+    [[nodiscard]] Result result();
+
+private:
+    void connect();
+    [[nodiscard]] std::vector<int> sockets() const;
+
+    std::vector<std::string> m_socketNames;
+    std::string m_address;
+    QString m_name;
+    std::vector<ino_t> m_olderSockets;
+    std::atomic<bool> m_isBrokenOff = false;
+    int m_finished;
+    Result m_result;
+    std::thread m_thread;
+};
+
+} // namespace tessarel::qt
