@@ -3,6 +3,7 @@
 #include "program/linux_program.h"
 
 #include "platform/posix/failed_writes.h"
+#include "platform/qt/alert_dialog.h"
 #include "platform/xdg/home_folder.h"
 #include "program/qt_program.h"
 #include "program/report.h"
@@ -10,14 +11,28 @@
 
 #include <QApplication>
 
-#include <algorithm>
-#include <array>
 #include <clocale>
 #include <cstdint>
 #include <cstdlib>
 #include <utility>
 
 namespace tessarel {
+
+namespace {
+
+/// Arguments as `main` gets them. Refers to the words that it is made from.
+struct QtArguments {
+    explicit QtArguments(std::vector<std::string>& words) : count(static_cast<int>(words.size())) {
+        for (std::string& word : words)
+            values.push_back(word.data());
+        values.push_back(nullptr);
+    }
+
+    int count;
+    std::vector<char*> values;
+};
+
+} // namespace
 
 LinuxProgram::LinuxProgram(const char* programName) : m_programName(programName) {
     xdg::settleHome();
@@ -52,22 +67,41 @@ int LinuxProgram::launch(const Ports& ports, const BackEnd& backEnd) {
     return runLoop(backEnd, delegate);
 }
 
+/// Returns the arguments of Qt: fixed, whatever the session suggests or the user passes.
+std::vector<std::string> LinuxProgram::qtOptions(const std::string& platforms) const {
+    return {m_programName, "-platform", platforms, "-platformtheme", "generic"};
+}
+
+void LinuxProgram::showFailure(const Alert& alert) {
+    // Qt aborts the program if it has no platform, and reports each that does not work.
+    std::vector<std::string> options = qtOptions("wayland;xcb;offscreen");
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
+    QtArguments arguments(options);
+    QApplication::setDesktopSettingsAware(false);
+    describeProgramToQt();
+    const QApplication application(arguments.count, arguments.values.data());
+    if (QApplication::platformName() == QStringLiteral("offscreen"))
+        return;
+    useControlStyle();
+    m_bus.start();
+    beforeWindow();
+    qt::AlertDialog dialog(alert);
+    const auto termination =
+        m_terminationSignals.onReceived(m_queue, [&dialog] { dialog.done(QDialog::Rejected); });
+    (void)dialog.run([](QWidget&) {});
+}
+
 /// Runs Qt's event loop until the program is asked to quit. Returns the exit code. Destroys the delegate
 /// before the application object, because the delegate's windows need Qt.
 int LinuxProgram::runLoop(const BackEnd& backEnd, std::optional<AppDelegate>& delegate) {
-    // Fixed, whatever the session suggests or the user passes: the back end decides.
-    std::array<std::string, 5> options{m_programName, "-platform", backEnd.qtPlatforms, "-platformtheme",
-                                       "generic"};
-    // Ends with a null pointer, like the arguments of `main`.
-    std::array<char*, 6> arguments{};
-    std::ranges::transform(options, arguments.begin(), [](std::string& option) { return option.data(); });
-    int argumentCount = options.size();
+    std::vector<std::string> options = qtOptions(backEnd.qtPlatforms);
+    QtArguments arguments(options);
 
     // Without the colours and fonts that Qt would take from the desktop: `QtAppearance` sets the palette.
     QApplication::setDesktopSettingsAware(false);
     describeProgramToQt();
     Scope untilQt = backEnd.beforeQt();
-    const QApplication application(argumentCount, arguments.data());
+    const QApplication application(arguments.count, arguments.values.data());
     useControlStyle();
     untilQt.reset();
     m_bus.start();

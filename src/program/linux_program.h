@@ -69,10 +69,15 @@ public:
     template <typename Desktop>
     int run(Desktop& desktop, const OwnPorts& own, const BackEnd& backEnd);
 
+    /// Shows why the program cannot run, as a window on whatever display there is, and returns when the user
+    /// has closed it. Returns at once if there is no display.
+    void showFailure(const Alert& alert);
+
 private:
     int launch(const Ports& ports, const BackEnd& backEnd);
     int runLoop(const BackEnd& backEnd, std::optional<AppDelegate>& delegate);
     void beforeWindow();
+    [[nodiscard]] std::vector<std::string> qtOptions(const std::string& platforms) const;
 
     const char* m_programName;
     qt::TerminationSignals m_terminationSignals;

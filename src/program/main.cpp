@@ -24,11 +24,16 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
+#include <unistd.h>
 #include <utility>
 
 namespace tessarel {
 
 namespace {
+
+/// What to do in a Wayland session of a desktop for which there is no back end.
+constexpr const char* kUnservedWayland = "Log in to an X11 session or to KDE Plasma.";
 
 /// Exits at once. The server has already released everything that was registered, and Qt cannot shut down in
 /// order without its connection.
@@ -44,8 +49,10 @@ int runOnX11(const char* programName) {
     const auto [connection, failure] = x11::Connection::open(nullptr, queue);
     if (!connection) {
         const bool isWayland = std::getenv("WAYLAND_DISPLAY") != nullptr;
-        say("cannot open the X display: " + failure +
-            (isWayland ? " Log in to an X11 session or to KDE Plasma." : ""));
+        say("cannot open the X display: " + failure + (isWayland ? std::string(" ") + kUnservedWayland : ""));
+        // Whoever has started the program from a menu does not see the standard error.
+        if (isWayland && ::isatty(STDERR_FILENO) == 0)
+            program.showFailure({"Tessarel cannot move windows in this session", kUnservedWayland, {"OK"}});
         return EXIT_FAILURE;
     }
     x11::Connection& link = *connection;
