@@ -3,8 +3,10 @@
 #include "platform/qt_wayland/compositor_connection.h"
 
 #include <algorithm>
+#include <fractional-scale-v1-client.h>
 #include <layer-shell-client.h>
 #include <string_view>
+#include <viewporter-client.h>
 
 namespace tessarel::qt {
 
@@ -53,6 +55,10 @@ CompositorConnection::~CompositorConnection() {
     m_events.reset();
     for (const Output& output : m_outputs)
         wl_output_destroy(output.output);
+    if (m_fractionalScales != nullptr)
+        wp_fractional_scale_manager_v1_destroy(m_fractionalScales);
+    if (m_viewporter != nullptr)
+        wp_viewporter_destroy(m_viewporter);
     if (m_layerShell != nullptr)
         zwlr_layer_shell_v1_destroy(m_layerShell);
     if (m_sharedMemory != nullptr)
@@ -110,6 +116,10 @@ void CompositorConnection::add(std::uint32_t name, const char* interface, std::u
         m_sharedMemory = static_cast<wl_shm*>(memory);
     else if (void* const shell = bind(zwlr_layer_shell_v1_interface, 1))
         m_layerShell = static_cast<zwlr_layer_shell_v1*>(shell);
+    else if (void* const viewporter = bind(wp_viewporter_interface, 1))
+        m_viewporter = static_cast<wp_viewporter*>(viewporter);
+    else if (void* const scales = bind(wp_fractional_scale_manager_v1_interface, 1))
+        m_fractionalScales = static_cast<wp_fractional_scale_manager_v1*>(scales);
     else if (void* const output = bind(wl_output_interface, kOutputVersion)) {
         m_outputs.push_back({.name = name, .output = static_cast<wl_output*>(output)});
         wl_output_add_listener(m_outputs.back().output, &kOutputListener, &m_outputs.back());

@@ -13,6 +13,8 @@
 #include <list>
 #include <wayland-client.h>
 
+struct wp_fractional_scale_manager_v1;
+struct wp_viewporter;
 struct zwlr_layer_shell_v1;
 
 namespace tessarel::qt {
@@ -22,7 +24,7 @@ struct Output {
     std::uint32_t name = 0; ///< of the global object
     wl_output* output = nullptr;
     QPoint position = {}; ///< of the top-left corner, in the compositor's coordinates
-    int scale = 1;        ///< pixels per unit that a sharp buffer has
+    int scale = 1;        ///< pixels per unit, rounded up
     bool isKnown = false;
 };
 
@@ -42,6 +44,10 @@ public:
     [[nodiscard]] wl_compositor* compositor() const { return m_compositor; }
     [[nodiscard]] wl_shm* sharedMemory() const { return m_sharedMemory; }
     [[nodiscard]] zwlr_layer_shell_v1* layerShell() const { return m_layerShell; }
+    /// Returns what scales surfaces; null if the compositor does not.
+    [[nodiscard]] wp_viewporter* viewporter() const { return m_viewporter; }
+    /// Returns what tells the fractional scales of surfaces; null if the compositor tells none.
+    [[nodiscard]] wp_fractional_scale_manager_v1* fractionalScales() const { return m_fractionalScales; }
     /// Returns the display with this top-left corner; null if there is none.
     [[nodiscard]] const Output* outputAt(const QPoint& position) const;
     /// Sends what has been requested.
@@ -63,6 +69,8 @@ private:
     wl_compositor* m_compositor = nullptr;
     wl_shm* m_sharedMemory = nullptr;
     zwlr_layer_shell_v1* m_layerShell = nullptr;
+    wp_viewporter* m_viewporter = nullptr;
+    wp_fractional_scale_manager_v1* m_fractionalScales = nullptr;
     std::list<Output> m_outputs;
     Signal<> m_changed;
     SubscriptionPtr m_events;

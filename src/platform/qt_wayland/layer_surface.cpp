@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <layer-shell-client.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -26,16 +27,29 @@ Rect magnified(const Rect& rect, double scale) {
     return {rect.x * scale, rect.y * scale, rect.width * scale, rect.height * scale};
 }
 
-/// Converts figures from units to pixels. The font size stays in points, because `TranslucentFigures` scales
-/// it when it paints.
+/// Returns the rectangle in whole pixels. Rectangles that touch in units also touch in pixels.
+Rect onPixels(const Rect& rect, double scale) {
+    const Rect exact = magnified(rect, scale);
+    const double left = std::round(exact.minX());
+    const double top = std::round(exact.minY());
+    return {left, top, std::round(exact.maxX()) - left, std::round(exact.maxY()) - top};
+}
+
+/// Converts a figure from units to pixels, so that its edges are between pixels. The font size stays in
+/// points, because `TranslucentFigures` scales it when it paints.
+OverlayFigure magnified(OverlayFigure figure, double scale) {
+    const double inset = std::ceil((figure.shape.minX() - figure.bounds.minX()) * scale);
+    figure.bounds = onPixels(figure.bounds, scale);
+    figure.shape = figure.shape.isNull() ? figure.shape : figure.bounds.inset(inset, inset);
+    figure.cornerRadius = std::round(figure.cornerRadius * scale);
+    figure.strokeWidth *= scale;
+    figure.label.center = {figure.label.center.x * scale, figure.label.center.y * scale};
+    return figure;
+}
+
 std::vector<OverlayFigure> magnified(std::vector<OverlayFigure> figures, double scale) {
-    for (OverlayFigure& figure : figures) {
-        figure.bounds = magnified(figure.bounds, scale);
-        figure.shape = magnified(figure.shape, scale);
-        figure.cornerRadius *= scale;
-        figure.strokeWidth *= scale;
-        figure.label.center = {figure.label.center.x * scale, figure.label.center.y * scale};
-    }
+    for (OverlayFigure& figure : figures)
+        figure = magnified(std::move(figure), scale);
     return figures;
 }
 
@@ -46,8 +60,7 @@ const wl_buffer_listener LayerSurface::kBufferListener{
 
 LayerSurface::LayerSurface(CompositorConnection& connection, const Output& output, const QColor& accent,
                            std::vector<OverlayFigure> figures)
-    : m_connection(connection), m_scale(std::max(output.scale, 1)), m_painted(accent),
-      m_figures(magnified(std::move(figures), m_scale)),
+    : m_connection(connection), m_painted(accent), m_figures(std::move(figures)),
       m_surface(wl_compositor_create_surface(connection.compositor())),
       m_layerSurface(zwlr_layer_shell_v1_get_layer_surface(connection.layerShell(), m_surface, output.output,
                                                            ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY,
@@ -70,7 +83,8 @@ LayerSurface::LayerSurface(CompositorConnection& connection, const Output& outpu
     wl_region* const nothing = wl_compositor_create_region(connection.compositor());
     wl_surface_set_input_region(m_surface, nothing);
     wl_region_destroy(nothing);
-    wl_surface_set_buffer_scale(m_surface, m_scale);
+    m_scale.emplace(m_connection, m_surface, output, [this] { resize(); });
+    m_magnified = magnified(m_figures, m_scale->pixelsPerUnit());
     wl_surface_commit(m_surface);
     m_connection.flush();
 }
@@ -78,6 +92,7 @@ LayerSurface::LayerSurface(CompositorConnection& connection, const Output& outpu
 LayerSurface::~LayerSurface() {
     destroyBuffers();
     zwlr_layer_surface_v1_destroy(m_layerSurface);
+    m_scale.reset();
     wl_surface_destroy(m_surface);
     m_connection.flush();
 }
@@ -85,7 +100,8 @@ LayerSurface::~LayerSurface() {
 void LayerSurface::setFigures(const std::vector<OverlayFigure>& figures, const std::vector<Rect>& changed) {
     // Labels may reach beyond `changed`, in their old state as well as in the new one.
     QRegion region = extents(changed);
-    m_figures = magnified(figures, m_scale);
+    m_figures = figures;
+    m_magnified = magnified(figures, m_scale->pixelsPerUnit());
     region += extents(changed);
     for (Buffer& buffer : m_buffers)
         buffer.outdated += region;
@@ -95,8 +111,18 @@ void LayerSurface::setFigures(const std::vector<OverlayFigure>& figures, const s
 
 void LayerSurface::configure(std::uint32_t serial, QSize size) {
     zwlr_layer_surface_v1_ack_configure(m_layerSurface, serial);
-    if (size * m_scale != m_size)
-        makeBuffers(size * m_scale);
+    m_units = size;
+    resize();
+}
+
+/// Takes the size in units and the scale that the compositor wants.
+void LayerSurface::resize() {
+    if (m_units.isEmpty())
+        return;
+    m_scale->setSurfaceSize(m_units);
+    m_magnified = magnified(m_figures, m_scale->pixelsPerUnit());
+    if (const QSize size = m_scale->imageSize(m_units); size != m_size)
+        makeBuffers(size);
     paint();
 }
 
@@ -168,7 +194,7 @@ void LayerSurface::paint(Buffer& buffer) {
     painter.setCompositionMode(QPainter::CompositionMode_Clear);
     painter.fillRect(buffer.outdated.boundingRect(), Qt::transparent);
     painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-    m_painted.paintAll(painter, m_figures, buffer.outdated, m_scale, true);
+    m_painted.paintAll(painter, m_magnified, buffer.outdated, m_scale->pixelsPerUnit(), true);
     buffer.outdated = {};
 }
 
@@ -183,11 +209,12 @@ void LayerSurface::release(wl_buffer* buffer) {
 /// Returns `areas` in pixels, with the labels that touch them, within the surface.
 QRegion LayerSurface::extents(const std::vector<Rect>& areas) {
     QRegion region;
+    const double scale = m_scale->pixelsPerUnit();
     for (const Rect& area : areas)
-        region += pixels(magnified(area, m_scale));
+        region += pixels(magnified(area, scale));
     std::vector<QRect> labels;
-    for (const OverlayFigure& figure : m_figures)
-        labels.push_back(m_painted.labelExtent(figure, m_scale));
+    for (const OverlayFigure& figure : m_magnified)
+        labels.push_back(m_painted.labelExtent(figure, scale));
     return withLabels(region, labels).intersected(QRect(QPoint(), m_size));
 }
 

@@ -4,6 +4,7 @@
 
 #include "platform/qt/overlay/translucent_figures.h"
 #include "platform/qt_wayland/compositor_connection.h"
+#include "platform/qt_wayland/surface_scale.h"
 #include "ports/overlay_port.h"
 
 #include <QColor>
@@ -13,6 +14,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 struct zwlr_layer_surface_v1;
@@ -44,6 +46,7 @@ private:
     };
 
     void configure(std::uint32_t serial, QSize size);
+    void resize();
     void makeBuffers(QSize size);
     void destroyBuffers();
     void paint();
@@ -54,12 +57,14 @@ private:
     static const wl_buffer_listener kBufferListener;
 
     CompositorConnection& m_connection;
-    int m_scale;
     TranslucentFigures m_painted;
-    std::vector<OverlayFigure> m_figures; ///< in pixels
+    std::vector<OverlayFigure> m_figures;   ///< in units
+    std::vector<OverlayFigure> m_magnified; ///< the same in pixels
     wl_surface* m_surface;
+    std::optional<SurfaceScale> m_scale; ///< destroyed before the surface
     zwlr_layer_surface_v1* m_layerSurface;
-    QSize m_size; ///< in pixels; empty before the surface is configured
+    QSize m_units; ///< size in units; empty before the surface is configured
+    QSize m_size;  ///< size in pixels; empty before the surface is configured
     std::array<Buffer, 2> m_buffers;
     std::byte* m_memory = nullptr;
     std::size_t m_memorySize = 0;
