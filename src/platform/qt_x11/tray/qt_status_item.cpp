@@ -3,6 +3,7 @@
 #include "platform/qt_x11/tray/qt_status_item.h"
 
 #include "model/call_on_end.h"
+#include "platform/qt_x11/tray/item_as_menu.h"
 #include "platform/qt_x11/tray/menu_view.h"
 #include "platform/qt_x11/tray/status_symbols.h"
 #include "platform/qt_x11/tray/tray_watch.h"
@@ -10,6 +11,7 @@
 #include "qt_values/text.h"
 
 #include <QCursor>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QMenu>
 #include <QObject>
@@ -102,8 +104,12 @@ private:
         m_icon = std::make_unique<QSystemTrayIcon>();
         QObject::connect(m_icon.get(), &QSystemTrayIcon::activated, m_icon.get(),
                          [this](QSystemTrayIcon::ActivationReason reason) { activated(reason); });
-        if (place == TrayWatch::Place::StatusNotifierHost)
+        if (place == TrayWatch::Place::StatusNotifierHost) {
             handMenuToPanel();
+            // There, no program can open a menu at a place of the screen.
+            if (QGuiApplication::platformName() == QLatin1String("wayland"))
+                m_itemAsMenu.emplace();
+        }
         m_later.async([this] { stopWatching(); });
         refresh();
     }
@@ -115,6 +121,7 @@ private:
     void takeDownWithoutBus() {
         if (!m_icon || m_place != TrayWatch::Place::StatusNotifierHost || m_bus.connection())
             return;
+        m_itemAsMenu.reset();
         m_icon.reset();
         m_panelMenu.reset();
         watch();
@@ -156,6 +163,8 @@ private:
         m_icon->setIcon(icon);
         m_icon->setToolTip(m_description);
         m_icon->setVisible(!icon.isNull());
+        if (m_itemAsMenu)
+            m_itemAsMenu->refresh();
     }
 
     Delegate m_delegate;
@@ -173,6 +182,7 @@ private:
     std::unique_ptr<MenuView> m_menu;
     std::unique_ptr<MenuView> m_panelMenu;   // only where the panel draws the menu
     std::unique_ptr<QSystemTrayIcon> m_icon; // declared after the menus, to be destroyed before them
+    std::optional<ItemAsMenu> m_itemAsMenu;
     DeferredWork m_later;
 };
 
