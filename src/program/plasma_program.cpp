@@ -4,6 +4,7 @@
 
 #include "platform/plasma/command_service.h"
 #include "platform/plasma/local_keys.h"
+#include "platform/plasma/own_application.h"
 #include "platform/plasma/plasma_desktop.h"
 #include "platform/plasma/session.h"
 #include "platform/qt/qt_messages.h"
@@ -82,7 +83,8 @@ std::optional<int> runOnPlasma(const char* programName) {
     QtBeep alertSound;
     qt::QtLocalKeys windowKeys(x11::keyDown, [](std::uint32_t) { return false; });
     plasma::LocalKeys localKeys(windowKeys, desktop.hotKeys);
-    qt::QtOwnApplication application;
+    qt::QtOwnApplication windows;
+    plasma::OwnApplication application(windows, desktop.bridge);
     qt::LayerOverlay overlay(
         queue, {.place = [&desktop](const Rect& screenFrame) { return desktop.compositorFrame(screenFrame); },
                 .accent = [&program] { return program.appearance().accent(); }});

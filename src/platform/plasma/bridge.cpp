@@ -152,7 +152,16 @@ void Bridge::place(wayland::WindowId window, const Rect& frame) {
     if (!command)
         return;
     m_underWay[window] = {serial, m_queue.now()};
-    m_unsent += (m_unsent.empty() ? "" : ",") + *command;
+    send(*command);
+}
+
+void Bridge::bringOwnWindows() {
+    send(R"({"bringOwnWindows":true})");
+}
+
+/// Sends the command as soon as the script waits for one.
+void Bridge::send(const std::string& command) {
+    m_unsent += (m_unsent.empty() ? "" : ",") + command;
     if (m_waitingCall != 0)
         sendCommands(std::exchange(m_unsent, {}));
 }

@@ -39,6 +39,9 @@ public:
     /// Returns the unique name of KWin on the bus; empty if it is not known.
     [[nodiscard]] const std::string& compositorName() const { return m_compositorName; }
 
+    /// Brings this program's windows to the user: those that there are, or else the next one.
+    void bringOwnWindows();
+
     void place(wayland::WindowId window, const Rect& frame) override;
     bool waitUntilSettled(wayland::WindowId window, std::chrono::milliseconds patience) override;
 
@@ -55,6 +58,7 @@ private:
     void handle(const wayland::BusMessage& message);
     void handleReport(const std::string& text);
     void keepForCommands(std::uint64_t token);
+    void send(const std::string& command);
     void sendCommands(const std::string& commands);
 
     wayland::BusLink& m_link;

@@ -10,6 +10,7 @@ const service = "@SERVICE@";
 const path = "/org/tessarel/Bridge";
 const programInterface = "org.tessarel.Bridge";
 
+const ownPid = @PID@;
 const isPlasma6 = workspace.windowList !== undefined;
 
 const known = new Map(); // window identifier -> window
@@ -113,7 +114,7 @@ function later(work) {
 }
 
 function areZonesShown() {
-    return allWindows().some((window) => window.pid === @PID@ && kind(window) === "other");
+    return allWindows().some((window) => window.pid === ownPid && kind(window) === "other");
 }
 
 // KWin has tiles of its own for Shift and for the edges of the screen. While the program shows its zones, the
@@ -194,6 +195,32 @@ function place(command) {
         settle(command.name, window);
 }
 
+let isOwnWindowAwaited = false; // one that is to be brought to the user as soon as it is there
+
+function isOwnWindow(window) {
+    return window.pid === ownPid && kind(window) !== "other";
+}
+
+// Wayland lets no program raise its windows without a token of the program that the user is in.
+function bringToUser(window) {
+    if (!isOnCurrentDesktop(window)) {
+        if (isPlasma6)
+            window.desktops = [workspace.currentDesktop];
+        else
+            window.desktop = workspace.currentDesktop;
+    }
+    if (isPlasma6)
+        workspace.activeWindow = window;
+    else
+        workspace.activeClient = window;
+}
+
+function bringOwnWindows() {
+    const own = allWindows().filter(isOwnWindow);
+    own.forEach(bringToUser);
+    isOwnWindowAwaited = own.length === 0;
+}
+
 function watch(window) {
     known.set(identifier(window), window);
     const started = () => {
@@ -236,6 +263,10 @@ function added(window) {
     reportWindow(window);
     reportOrder();
     afterPanelChange(window);
+    if (isOwnWindowAwaited && isOwnWindow(window)) {
+        isOwnWindowAwaited = false;
+        bringToUser(window);
+    }
 }
 
 function removed(window) {
@@ -253,10 +284,17 @@ function activated(window) {
     reportOrder();
 }
 
+function carryOut(command) {
+    if (command.bringOwnWindows)
+        bringOwnWindows();
+    else
+        place(command);
+}
+
 function next() {
     callDBus(service, path, programInterface, "next", (text) => {
         if (text !== "")
-            JSON.parse(text).forEach(place);
+            JSON.parse(text).forEach(carryOut);
         next();
     });
 }
