@@ -133,9 +133,11 @@ void GeneralTab::buildTriggerPopup(QLabel& label) {
 }
 
 void GeneralTab::buildPermission() {
-    makeLabel(m_view, toQString(m_context.ports.words.permission), {16, 346, 250, 20}, kHeading);
-    m_accLabel = makeLabel(m_view, {}, {16, 374, 440, 18});
-    m_accButton = makeButton(m_view, toQString(m_context.ports.words.openPermission), {16, 400, 210, 28},
+    const PlatformWords& words = m_context.ports.words;
+    const int top = words.dragNote.empty() ? 346 : 366; // below the note about drags
+    makeLabel(m_view, toQString(words.permission), {16, top, 250, 20}, kHeading);
+    m_accLabel = makeLabel(m_view, {}, {16, top + 28, 440, 18});
+    m_accButton = makeButton(m_view, toQString(words.openPermission), {16, top + 54, 210, 28},
                              [this] { openAccessibility(); });
 }
 
