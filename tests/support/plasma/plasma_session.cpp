@@ -9,6 +9,7 @@
 #include <cmath>
 #include <csignal>
 #include <memory>
+#include <sstream>
 #include <stdexcept>
 #include <thread>
 
@@ -50,8 +51,9 @@ bool PlasmaSession::waitFor(const std::function<bool()>& holds) {
     return true;
 }
 
-PlasmaSession::PlasmaSession(Drawing drawing, const Size& display)
-    : m_drawing(drawing), m_display(display), m_environment(environmentIn(m_folder.path())) {
+PlasmaSession::PlasmaSession(Drawing drawing, const Size& display, XPrograms xPrograms)
+    : m_drawing(drawing), m_display(display), m_xPrograms(xPrograms),
+      m_environment(environmentIn(m_folder.path())) {
     m_bus.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
                                            "--print-address",
                                            "--address=" + m_environment.at("DBUS_SESSION_BUS_ADDRESS")},
@@ -79,12 +81,7 @@ void PlasmaSession::startCompositor() {
         environment["KWIN_EFFECTS_FORCE_ANIMATIONS"] = "1"; // although OpenGL has no GPU here
     environment["KWIN_WAYLAND_NO_PERMISSION_CHECKS"] = "1";
     environment["KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"] = "1";
-    m_compositor.emplace(std::vector<std::string>{TESSAREL_KWIN_WAYLAND, "--virtual", "--width",
-                                                  std::to_string(std::lround(m_display.width)), "--height",
-                                                  std::to_string(std::lround(m_display.height)),
-                                                  "--output-count", "2", "--no-lockscreen", "--socket",
-                                                  kSocket},
-                         environment);
+    m_compositor.emplace(compositorCommand(), environment);
     const std::string socket = m_environment.at("XDG_RUNTIME_DIR") + "/" + kSocket;
     if (!waitFor([&] {
             return std::filesystem::exists(socket) && replies(kShortcuts, "/kglobalaccel") &&
@@ -98,6 +95,40 @@ void PlasmaSession::startCompositor() {
     }
     m_input.emplace(socket);
     m_outputs.emplace(socket);
+    if (m_xPrograms == XPrograms::Served)
+        readXDisplay();
+}
+
+std::vector<std::string> PlasmaSession::compositorCommand() const {
+    const auto pixels = [](double length) { return std::to_string(std::lround(length)); };
+    std::vector<std::string> command{TESSAREL_KWIN_WAYLAND,
+                                     "--virtual",
+                                     "--width",
+                                     pixels(m_display.width),
+                                     "--height",
+                                     pixels(m_display.height),
+                                     "--output-count",
+                                     "2",
+                                     "--no-lockscreen",
+                                     "--socket",
+                                     kSocket};
+    if (m_xPrograms == XPrograms::Served) {
+        const std::filesystem::path script = m_folder.path() / "tell-x-display";
+        const std::string file = xDisplayFile().string();
+        ScratchFolder::write(script, "#!/bin/sh\necho \"$DISPLAY $XAUTHORITY\" > " + file + ".new\nmv " +
+                                         file + ".new " + file + "\n");
+        std::filesystem::permissions(script, std::filesystem::perms::owner_all);
+        command.insert(command.end(), {"--xwayland", script.string()});
+    }
+    return command;
+}
+
+/// Waits until KWin's X server takes programs.
+void PlasmaSession::readXDisplay() {
+    if (!waitFor([this] { return std::filesystem::exists(xDisplayFile()); }))
+        throw std::runtime_error("KWin starts no X server: " + m_compositor->errors());
+    std::istringstream words(ScratchFolder::read(xDisplayFile()).value_or(""));
+    words >> m_environment["DISPLAY"] >> m_environment["XAUTHORITY"];
 }
 
 PlasmaSession::~PlasmaSession() {

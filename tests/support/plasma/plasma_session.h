@@ -25,16 +25,19 @@ inline constexpr const char* kEditor = "org.kde.kwrite";
 /// What KWin draws with. Effects, and so the modifiers of a drag, need OpenGL.
 enum class Drawing : std::uint8_t { Software, OpenGl };
 
+/// Whether KWin runs an X server for programs that need one.
+enum class XPrograms : std::uint8_t { NotServed, Served };
+
 /// A private session of KDE Plasma on Wayland: a session bus and KWin without a screen, with two
-/// displays side by side, in a home and a runtime folder of its own. There is no desktop shell and no X
-/// server.
+/// displays side by side, in a home and a runtime folder of its own. There is no desktop shell.
 class PlasmaSession {
 public:
     static constexpr Rect kFirst{0, 0, 1600, 900};
     static constexpr Rect kSecond{1600, 0, 1600, 900};
 
     /// Throws std::runtime_error if the session does not start.
-    explicit PlasmaSession(Drawing drawing = Drawing::Software, const Size& display = kFirst.size());
+    explicit PlasmaSession(Drawing drawing = Drawing::Software, const Size& display = kFirst.size(),
+                           XPrograms xPrograms = XPrograms::NotServed);
     PlasmaSession(const PlasmaSession&) = delete;
     PlasmaSession& operator=(const PlasmaSession&) = delete;
     ~PlasmaSession();
@@ -79,12 +82,17 @@ public:
 
 private:
     void startCompositor();
+    [[nodiscard]] std::vector<std::string> compositorCommand() const;
+    void readXDisplay();
+    /// Where a program that KWin starts writes the name of the X display.
+    [[nodiscard]] std::filesystem::path xDisplayFile() const { return m_folder.path() / "x-display"; }
     [[nodiscard]] bool replies(const std::string& busName, const std::string& path);
     [[nodiscard]] wayland::BusMessage replyTo(const wayland::BusCall& call);
     [[nodiscard]] const SeenWindow* find(const std::string& windowClass);
 
     Drawing m_drawing;
     Size m_display;
+    XPrograms m_xPrograms;
     ScratchFolder m_folder;
     x11test::Environment m_environment;
     std::optional<x11test::ChildProcess> m_bus;

@@ -1,0 +1,166 @@
+// SPDX-License-Identifier: MIT
+
+#include "desktop/status_notifier_panel.h"
+#include "support/plasma/plasma_session.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <regex>
+#include <string>
+
+namespace tessarel::plasmatest {
+namespace {
+
+constexpr const char* kUsualSettings = R"({"hasOnboarded":true,"rememberApps":false})";
+constexpr const char* kSettings = "Tessarel Settings";
+constexpr Rect kLeftHalf{0, 0, 800, 900};
+constexpr Rect kRightHalf{800, 0, 800, 900};
+constexpr std::uint32_t kKeyK = 37;
+
+/// Where controls are in the settings window, from the top-left corner of its frame.
+constexpr Point kShortcutsTab{128, 53};
+constexpr Point kGeneralTab{209, 53};
+constexpr Point kFirstRecorder{467, 176}; // among the shortcuts
+constexpr Point kLoginBox{43, 95};        // among the general settings
+
+/// The program with an editor, and with a panel that shows status items.
+class PlasmaSettingsTest : public testing::Test {
+protected:
+    void SetUp() override {
+        session.writeSettings(kUsualSettings);
+        ASSERT_TRUE(PlasmaSession::waitFor([this] { return panel.isThere(); })) << host.errors();
+        ASSERT_TRUE(session.startProgram()) << session.program().errors();
+        session.open({"kwrite"}, kEditor);
+    }
+
+    std::string openedMenu() {
+        panel.aboutToShowMenu();
+        return panel.menu();
+    }
+    void choose(const std::string& label) {
+        ASSERT_TRUE(PlasmaSession::waitFor([this] { return !panel.item().empty(); }));
+        ASSERT_TRUE(PlasmaSession::waitFor([&] { return panel.choose(openedMenu(), label); }));
+    }
+    [[nodiscard]] bool isMarked(const std::string& label) {
+        const std::string menu = openedMenu();
+        const std::regex row("\\{[^{}]*'label': <'" + label + "'>[^{}]*\\}");
+        std::smatch match;
+        return std::regex_search(menu, match, row) &&
+               match.str().find("'toggle-state': <1>") != std::string::npos;
+    }
+
+    [[nodiscard]] bool waitForWindow(const std::function<bool(const SeenWindow&)>& holds) {
+        return session.probe().waitUntil([&] {
+            const auto& all = session.probe().windows();
+            return std::ranges::any_of(all, holds);
+        });
+    }
+    [[nodiscard]] bool waitForSettings() {
+        return waitForWindow(
+            [](const SeenWindow& window) { return window.title == kSettings && window.isActive; });
+    }
+    [[nodiscard]] bool waitForActiveEditor() {
+        return waitForWindow(
+            [](const SeenWindow& window) { return window.windowClass == kEditor && window.isActive; });
+    }
+    /// Runs JavaScript in KWin for each window that meets the condition.
+    void runForWindow(const std::string& condition, const std::string& script) {
+        session.probe().run("workspace.clientList().filter((c) => " + condition + ").forEach((c) => { " +
+                            script + "; });");
+    }
+    void activateEditor() {
+        runForWindow("c.resourceClass == 'org.kde.kwrite'", "workspace.activeClient = c");
+        ASSERT_TRUE(waitForActiveEditor());
+    }
+    void click(const Point& place) {
+        const auto& all = session.probe().windows();
+        const auto settings = std::ranges::find(all, kSettings, &SeenWindow::title);
+        ASSERT_NE(settings, all.end());
+        session.input().moveTo(settings->frame.x + place.x, settings->frame.y + place.y);
+        session.input().setLeftButton(true);
+        session.input().setLeftButton(false);
+    }
+    /// Starts the program once more. Returns its exit code.
+    [[nodiscard]] std::optional<int> startAgain() { return session.command({}); }
+
+    PlasmaSession session;
+    x11test::ChildProcess host{{TESSAREL_STATUS_NOTIFIER_WATCHER}, session.environment()};
+    x11test::StatusNotifierPanel panel{session.environment()};
+};
+
+TEST_F(PlasmaSettingsTest, ThePanelOpensTheMenuWithEitherButtonAndItsRowsMoveTheActiveWindow) {
+    choose("Left half   \\(Ctrl\\+Alt\\+Left\\)");
+
+    EXPECT_EQ(session.settledFrame(kEditor, kLeftHalf), kLeftHalf);
+    EXPECT_THAT(panel.property("ItemIsMenu"), testing::HasSubstr("true"));
+    EXPECT_THAT(panel.property("ToolTip"), testing::HasSubstr("Tessarel"));
+}
+
+TEST_F(PlasmaSettingsTest, WhilePausedTheIconIsDimmedAndHotKeysDoNothing) {
+    ASSERT_TRUE(PlasmaSession::waitFor([this] { return !panel.property("IconPixmap").empty(); }));
+    const std::string icon = panel.property("IconPixmap");
+
+    choose("Pause Tessarel");
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return panel.property("IconPixmap") != icon; }));
+    session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
+    EXPECT_TRUE(isMarked("Pause Tessarel"));
+
+    choose("Pause Tessarel");
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return panel.property("IconPixmap") == icon; }));
+    EXPECT_NE(session.frame(kEditor), kRightHalf);
+    session.input().press({key::kLeftControl, key::kLeftAlt, key::kLeft});
+    EXPECT_EQ(session.settledFrame(kEditor, kLeftHalf), kLeftHalf);
+}
+
+TEST_F(PlasmaSettingsTest, TheSettingsComeToTheFrontFromTheMenuAndWithAnotherStart) {
+    choose("Settings...");
+    ASSERT_TRUE(waitForSettings());
+
+    activateEditor();
+    EXPECT_EQ(startAgain(), 0);
+    EXPECT_TRUE(waitForSettings());
+
+    runForWindow("c.caption == 'Tessarel Settings'", "c.closeWindow()");
+    ASSERT_TRUE(waitForActiveEditor());
+    EXPECT_EQ(startAgain(), 0);
+    EXPECT_TRUE(waitForSettings());
+    EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
+}
+
+TEST_F(PlasmaSettingsTest, ARecordedCombinationMovesTheActiveWindow) {
+    const auto former = session.keysOf("zone1");
+    EXPECT_EQ(startAgain(), 0);
+    ASSERT_TRUE(waitForSettings());
+
+    click(kShortcutsTab);
+    click(kFirstRecorder);
+    // Again and again, because nothing tells that the recorder has the keyboard.
+    ASSERT_TRUE(PlasmaSession::waitFor([&] {
+        session.input().press({key::kLeftControl, key::kLeftAlt, kKeyK});
+        const auto keys = session.keysOf("zone1");
+        return !keys.empty() && keys != former;
+    }));
+    activateEditor();
+    session.input().press({key::kLeftControl, key::kLeftAlt, kKeyK});
+
+    const Rect first{0, 0, 533, 450};
+    EXPECT_EQ(session.settledFrame(kEditor, first), first);
+}
+
+TEST_F(PlasmaSettingsTest, TheBoxWritesAndRemovesTheEntryThatStartsTheProgramAtLogin) {
+    const auto entry =
+        std::filesystem::path(session.environment().at("XDG_CONFIG_HOME")) / "autostart/tessarel.desktop";
+    EXPECT_EQ(startAgain(), 0);
+    ASSERT_TRUE(waitForSettings());
+
+    click(kGeneralTab);
+    click(kLoginBox);
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return std::filesystem::exists(entry); }));
+    click(kLoginBox);
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return !std::filesystem::exists(entry); }));
+}
+
+} // namespace
+} // namespace tessarel::plasmatest
