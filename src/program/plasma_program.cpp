@@ -19,7 +19,9 @@
 
 #include <QApplication>
 
+#include <algorithm>
 #include <array>
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -28,6 +30,7 @@
 #include <string>
 #include <unistd.h>
 #include <utility>
+#include <wayland-client.h>
 
 namespace tessarel {
 
@@ -46,17 +49,53 @@ std::filesystem::path runtimeFolder() {
     return folder.empty() ? std::filesystem::path("/run/user") / std::to_string(::getuid()) : folder;
 }
 
-/// Replaces this process with a new one of the program once another KWin than `compositor` runs. Qt ends
-/// every program whose compositor has gone.
-[[noreturn]] void startAgain(wayland::BusLink& link, const std::string& compositor,
-                             const std::string& busAddress, std::string programName) {
-    if (plasma::awaitNewCompositor(link, compositor)) {
-        ::setenv("DBUS_SESSION_BUS_ADDRESS", busAddress.c_str(), 1); // which `SessionBus` may hide
-        std::array<char*, 2> arguments{programName.data(), nullptr};
-        ::execv("/proc/self/exe", arguments.data());
+/// Replaces this process with a new one of the program, because Qt ends every program whose compositor has
+/// gone. Qt says so on one of its own threads, on the main thread, or on both at once.
+class Restart {
+public:
+    /// `compositor` is the unique name of the KWin that runs now.
+    Restart(std::string busAddress, std::string compositor, std::string programName)
+        : m_busAddress(std::move(busAddress)), m_compositor(std::move(compositor)),
+          m_programName(std::move(programName)) {}
+
+    /// Waits for another KWin, with a bound. Exits if there is none.
+    [[noreturn]] void run() {
+        while (m_hasBegun.exchange(true))
+            ::pause();                       // until the other thread replaces or ends the process
+        wayland::BusLink link(m_busAddress); // the main thread may be using its own
+        if (!plasma::awaitCompositor(link, m_compositor).empty()) {
+            ::setenv("DBUS_SESSION_BUS_ADDRESS", m_busAddress.c_str(), 1); // which `SessionBus` may hide
+            std::array<char*, 2> arguments{m_programName.data(), nullptr};
+            ::execv("/proc/self/exe", arguments.data());
+        }
+        say("lost the connection to the compositor");
+        std::_Exit(EXIT_FAILURE);
     }
-    say("lost the connection to the compositor");
-    std::_Exit(EXIT_FAILURE);
+
+    /// Returns whether KWin has gone, so that Qt could not connect to it.
+    [[nodiscard]] bool isNeeded() const {
+        if (wl_display* const display = wl_display_connect(nullptr)) {
+            wl_display_disconnect(display);
+            wayland::BusLink link(m_busAddress);
+            const auto name = plasma::compositorName(link);
+            return name && *name != m_compositor;
+        }
+        return true;
+    }
+
+private:
+    std::string m_busAddress;
+    std::string m_compositor;
+    std::string m_programName;
+    std::atomic<bool> m_hasBegun = false;
+};
+
+/// Returns the unique name of KWin on the bus; empty if it does not run. In a session of Plasma it is waited
+/// for, because the bus or KWin may only be starting. Signals have their default effect meanwhile.
+std::string findCompositor(wayland::BusLink& link) {
+    const auto desktops = xdg::currentDesktops();
+    return std::ranges::find(desktops, "KDE") != desktops.end() ? plasma::awaitCompositor(link)
+                                                                : plasma::compositorName(link).value_or("");
 }
 
 } // namespace
@@ -66,8 +105,10 @@ std::optional<int> runOnPlasma(const char* programName) {
         return std::nullopt;
     const std::string busAddress = wayland::sessionBusAddress();
     wayland::BusLink link(busAddress);
-    if (!plasma::hasCompositor(link))
+    const std::string compositor = findCompositor(link);
+    if (compositor.empty())
         return std::nullopt;
+    Restart restart(busAddress, compositor, programName);
 
     LinuxProgram program(programName);
     qt::QtMainQueue& queue = program.queue();
@@ -77,9 +118,9 @@ std::optional<int> runOnPlasma(const char* programName) {
             return queue.onReadable(fd, std::move(readable));
         },
         say);
-    qt::installMessageHandler(
-        [&] { startAgain(link, desktop.bridge.compositorName(), busAddress, programName); },
-        [] { return false; });
+    qt::installMessageHandler([&restart] { restart.run(); }, [&restart] { return restart.isNeeded(); });
+    // Qt may have connected to a new KWin without having noticed that the first one had gone.
+    const auto replaced = plasma::onNewCompositor(link, compositor, [&restart] { restart.run(); });
     QtBeep alertSound;
     qt::QtLocalKeys windowKeys(x11::keyDown, [](std::uint32_t) { return false; });
     plasma::LocalKeys localKeys(windowKeys, desktop.hotKeys);

@@ -15,7 +15,7 @@ SentCommand sendToRunningCopy(const std::vector<std::string>& words) {
     if (plasma::mayBeWayland(std::getenv("WAYLAND_DISPLAY"), std::getenv("XDG_SESSION_TYPE"))) {
         wayland::BusLink link(wayland::sessionBusAddress());
         SentCommand sent = plasma::sendCommand(link, words);
-        if (sent.outcome != Outcome::NoReceiver || plasma::hasCompositor(link))
+        if (sent.outcome != Outcome::NoReceiver || !plasma::compositorName(link).value_or("").empty())
             return sent;
     }
     return x11::sendCommand(nullptr, words);

@@ -5,6 +5,7 @@
 #include "model/json.h"
 #include "platform/plasma/reports.h"
 #include "platform/plasma/scripts.h"
+#include "platform/wayland/bus_names.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -71,12 +72,7 @@ void Bridge::load(milliseconds patience) {
 void Bridge::tryToLoad(int attempts) {
     using Delivery = wayland::BusLink::Delivery;
     m_link.call(
-        {"org.freedesktop.DBus",
-         "/org/freedesktop/DBus",
-         "org.freedesktop.DBus",
-         "GetNameOwner",
-         "s",
-         {kCompositor}},
+        wayland::busCall("GetNameOwner", "s", {kCompositor}),
         [this](const wayland::BusMessage& reply) { m_compositorName = reply.value<std::string>(0); },
         Delivery::Urgent);
     m_link.call(scripting("unloadScript", "s", {kScriptName}));

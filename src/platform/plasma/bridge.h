@@ -36,8 +36,6 @@ public:
     void load(std::chrono::milliseconds patience);
     /// Returns whether KWin has accepted the script, or has not replied yet.
     [[nodiscard]] bool isAccepted() const { return m_isAccepted; }
-    /// Returns the unique name of KWin on the bus; empty if it is not known.
-    [[nodiscard]] const std::string& compositorName() const { return m_compositorName; }
 
     /// Brings this program's windows to the user: those that there are, or else the next one.
     void bringOwnWindows();

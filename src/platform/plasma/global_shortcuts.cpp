@@ -6,6 +6,7 @@
 #include "model/call_on_end.h"
 #include "model/config.h"
 #include "platform/plasma/shortcut_keys.h"
+#include "platform/wayland/bus_names.h"
 
 #include <algorithm>
 #include <utility>
@@ -53,6 +54,11 @@ GlobalShortcuts::GlobalShortcuts(wayland::BusLink& link, KeyboardLayout& layout)
       m_signals(link.onSignal(
           {.sender = kService, .path = kComponentPath, .interface = kComponentInterface, .member = {}},
           [this](const wayland::BusMessage& signal) { handle(signal); })),
+      m_serviceChanges(wayland::onOwnerChanged(link, kService,
+                                               [this](const std::string& owner) {
+                                                   if (!owner.empty())
+                                                       announceAll();
+                                               })),
       m_layoutChanges(layout.onChange([this] { followLayout(); })) {}
 
 GlobalShortcuts::~GlobalShortcuts() {
@@ -138,12 +144,21 @@ SubscriptionPtr GlobalShortcuts::claim(const HotKeyRequest& request) {
         return nullptr;
     const std::size_t serial = m_nextSerial++;
     m_shortcuts.push_back({.serial = serial, .request = request, .key = *key});
-    m_link.call(call("doRegister", "as", {identityOf(request.hotKey.id)}));
-    send(m_shortcuts.back());
+    announce(m_shortcuts.back());
     return callOnEnd([this, serial, alive = m_lifetime.watch()] {
         if (!alive.expired())
             release(serial);
     });
+}
+
+void GlobalShortcuts::announce(const Shortcut& shortcut) {
+    m_link.call(call("doRegister", "as", {identityOf(shortcut.request.hotKey.id)}));
+    send(shortcut);
+}
+
+void GlobalShortcuts::announceAll() {
+    for (const Shortcut& shortcut : m_shortcuts)
+        announce(shortcut);
 }
 
 void GlobalShortcuts::send(const Shortcut& shortcut) {

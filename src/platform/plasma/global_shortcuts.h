@@ -23,7 +23,8 @@ namespace tessarel::plasma {
 /// Hot keys as global shortcuts of Plasma (KGlobalAccel).
 ///
 /// Requests are sent without waiting for replies, so a combination counts as granted until Plasma has refused
-/// it. The desktop lists the shortcuts under the program's name in its settings while the program runs.
+/// it. When the service for them starts, which it may do after KWin, all are registered again. The desktop
+/// lists the shortcuts under the program's name in its settings while the program runs.
 ///
 /// Plasma knows shortcuts by symbol, bindings by key. So a shortcut is that of the symbol that the key types
 /// in the present layout, and changes with it. Two keys that type the same symbol are one shortcut, which
@@ -69,6 +70,8 @@ private:
 
     [[nodiscard]] SubscriptionPtr claim(const HotKeyRequest& request);
     [[nodiscard]] Shortcut* withSerial(std::size_t serial);
+    void announce(const Shortcut& shortcut);
+    void announceAll();
     void send(const Shortcut& shortcut);
     void setTaken(std::size_t serial, bool isTaken);
     void release(std::size_t serial);
@@ -88,6 +91,7 @@ private:
     Signal<> m_takenChange;
     Lifetime m_lifetime; // watched by claims and replies
     SubscriptionPtr m_signals;
+    SubscriptionPtr m_serviceChanges;
     SubscriptionPtr m_layoutChanges;
 };
 

@@ -3,6 +3,7 @@
 #include "platform/plasma/single_instance.h"
 
 #include "model/call_on_end.h"
+#include "platform/wayland/bus_names.h"
 
 #include <cstdint>
 #include <memory>
@@ -20,11 +21,6 @@ constexpr const char* kReopen = "Reopen";
 
 constexpr std::int64_t kDoNotQueue = 4;
 constexpr std::int64_t kIsOwner = 1;
-
-wayland::BusCall toBus(std::string member, std::string signature, std::vector<wayland::BusValue> values) {
-    return {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
-            std::move(member),      std::move(signature),    std::move(values)};
-}
 
 /// Sends a call. The returned object gets the reply, unless it has been destroyed by then.
 std::shared_ptr<std::optional<wayland::BusMessage>> send(wayland::BusLink& link, wayland::BusCall call) {
@@ -55,7 +51,7 @@ SubscriptionPtr SingleInstance::claim(std::function<void()> reopened, std::funct
             reopened();
         },
         Delivery::InLoop);
-    const auto reply = send(m_link, toBus("RequestName", "su", {kName, kDoNotQueue}));
+    const auto reply = send(m_link, wayland::busCall("RequestName", "su", {kName, kDoNotQueue}));
     await(m_link, *reply);
     if (!reply->has_value())
         return nullptr;
@@ -66,7 +62,7 @@ SubscriptionPtr SingleInstance::claim(std::function<void()> reopened, std::funct
     m_claimed();
     return callOnEnd([this, calls = std::shared_ptr<Subscription>(std::move(calls)),
                       loss = std::shared_ptr<Subscription>(m_link.onLost(std::move(lost)))] {
-        m_link.call(toBus("ReleaseName", "s", {kName}));
+        m_link.call(wayland::busCall("ReleaseName", "s", {kName}));
     });
 }
 
@@ -81,7 +77,9 @@ SingleInstance::Reaction SingleInstance::awaitReaction() {
         return {Kind::Missing, "another copy of Tessarel runs, but does not react"};
     if (reply->error.empty())
         return {Kind::Reopened};
-    if (reply->error == "org.freedesktop.DBus.Error.ServiceUnknown" ||
+    // The bus gives up a call without a reply when the receiver ends; by itself, that takes 25 s.
+    if (reply->error == "org.freedesktop.DBus.Error.NoReply" ||
+        reply->error == "org.freedesktop.DBus.Error.ServiceUnknown" ||
         reply->error == "org.freedesktop.DBus.Error.NameHasNoOwner")
         return {Kind::Ended};
     return {Kind::Missing, "another copy of Tessarel runs, but does not react"};

@@ -39,6 +39,21 @@ void acknowledge(int event) {
     [[maybe_unused]] const auto read = ::read(event, &count, sizeof count);
 }
 
+/// Returns the rule by which the bus chooses the signals.
+std::string ruleOf(const BusMatch& wanted) {
+    std::string rule = "type='signal'";
+    const auto require = [&rule](const char* key, const std::string& value) {
+        if (!value.empty())
+            rule.append(",").append(key).append("='").append(value).append("'");
+    };
+    require("sender", wanted.sender);
+    require("path", wanted.path);
+    require("interface", wanted.interface);
+    require("member", wanted.member);
+    require("arg0", wanted.firstArgument);
+    return rule;
+}
+
 } // namespace
 
 /// The bus connection, which only its own thread uses.
@@ -123,10 +138,8 @@ public:
             return;
         Receiving& receiving = begin(handler);
         sd_bus_slot* slot = nullptr;
-        sd_bus_match_signal_async(m_bus, &slot, wanted.sender.c_str(), wanted.path.c_str(),
-                                  wanted.interface.c_str(),
-                                  wanted.member.empty() ? nullptr : wanted.member.c_str(), receiveSignal,
-                                  nullptr, &receiving.context);
+        sd_bus_add_match_async(m_bus, &slot, ruleOf(wanted).c_str(), receiveSignal, nullptr,
+                               &receiving.context);
         receiving.slot.reset(slot);
     }
 

@@ -51,12 +51,13 @@ struct BusCall {
     std::vector<BusValue> values = {};
 };
 
-/// Which signals a handler receives. An empty member matches everything.
+/// Which signals a handler receives. An empty string matches everything.
 struct BusMatch {
     std::string sender;
     std::string path;
     std::string interface;
     std::string member;
+    std::string firstArgument = {}; ///< of a signal whose first value is a string
 };
 
 /// A connection to a message bus on a thread of its own, so that the main thread never waits for the bus and

@@ -3,6 +3,8 @@
 #include "support/plasma/plasma_session.h"
 
 #include "platform/plasma/drag_modifiers.h"
+#include "platform/plasma/single_instance.h"
+#include "platform/wayland/bus_names.h"
 
 #include <algorithm>
 #include <chrono>
@@ -66,7 +68,6 @@ PlasmaSession::PlasmaSession(Drawing drawing, const Size& display, XPrograms xPr
     m_environment["GDK_BACKEND"] = "wayland";
 }
 
-/// Waits until KWin takes scripts and input.
 void PlasmaSession::startCompositor() {
     // As an earlier session leaves them: in its first 30 s KWin finds no new ones.
     if (m_drawing == Drawing::OpenGl)
@@ -129,6 +130,14 @@ void PlasmaSession::readXDisplay() {
         throw std::runtime_error("KWin starts no X server: " + m_compositor->errors());
     std::istringstream words(ScratchFolder::read(xDisplayFile()).value_or(""));
     words >> m_environment["DISPLAY"] >> m_environment["XAUTHORITY"];
+}
+
+void PlasmaSession::killCompositor() {
+    m_clients.clear();
+    m_outputs.reset();
+    m_input.reset();
+    m_probe.reset();
+    m_compositor->kill();
 }
 
 PlasmaSession::~PlasmaSession() {
@@ -206,13 +215,28 @@ std::optional<int> PlasmaSession::command(const std::vector<std::string>& words)
     return x11test::ChildProcess(arguments, m_environment).waitForExit();
 }
 
-bool PlasmaSession::startProgram() {
+void PlasmaSession::startProgramOnly() {
     m_program.emplace(std::vector<std::string>{TESSAREL_PROGRAM}, m_environment);
+}
+
+bool PlasmaSession::startProgram() {
+    startProgramOnly();
     const std::string last = "arrangeAll"; // the hot key that the program registers last
     return waitFor([&] {
         const auto names = shortcuts();
         return std::find(names.begin(), names.end(), last) != names.end();
     });
+}
+
+void PlasmaSession::startProgramSuspended() {
+    startProgramOnly();
+    const x11test::Deadline deadline;
+    // Without a pause, because what follows in the program takes only some milliseconds.
+    while (replyTo(wayland::busCall("GetNameOwner", "s", {plasma::SingleInstance::kName})).error != "") {
+        if (deadline.passed())
+            throw std::runtime_error("the program does not start: " + m_program->errors());
+    }
+    m_program->signal(SIGSTOP);
 }
 
 std::optional<int> PlasmaSession::endProgram() {

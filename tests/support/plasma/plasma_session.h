@@ -56,6 +56,11 @@ public:
     /// Starts the program under test and waits until it has registered its hot keys. Returns false if it does
     /// not.
     [[nodiscard]] bool startProgram();
+    /// Starts the program under test without waiting for it.
+    void startProgramOnly();
+    /// Starts the program and suspends it once it has claimed the session, before it connects to KWin's
+    /// socket. Throws std::runtime_error if it does not claim the session.
+    void startProgramSuspended();
     /// Ends the program with SIGTERM. Returns its exit code; empty if it does not exit.
     [[nodiscard]] std::optional<int> endProgram();
     [[nodiscard]] x11test::ChildProcess& program() { return *m_program; }
@@ -71,8 +76,13 @@ public:
     /// Gives the keyboard these layouts, in place of the usual one, and chooses the one with the index.
     void setLayouts(const std::string& layouts, int chosen);
 
-    /// Kills the session bus, which does not come back.
-    void killBus() { m_bus->kill(); }
+    /// The session bus; if it is killed, it does not come back.
+    [[nodiscard]] x11test::ChildProcess& bus() { return *m_bus; }
+    [[nodiscard]] x11test::ChildProcess& compositor() { return *m_compositor; }
+    /// Kills KWin, with all windows.
+    void killCompositor();
+    /// Starts KWin again and waits until it takes scripts and input.
+    void startCompositor();
     /// Starts another program and waits until its window is active. Throws std::runtime_error if it is not.
     void open(const std::vector<std::string>& command, const std::string& windowClass);
     /// Returns the frame of the window with this class; empty if there is none.
@@ -81,7 +91,6 @@ public:
     [[nodiscard]] Rect settledFrame(const std::string& windowClass, const Rect& expected);
 
 private:
-    void startCompositor();
     [[nodiscard]] std::vector<std::string> compositorCommand() const;
     void readXDisplay();
     /// Where a program that KWin starts writes the name of the X display.

@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/plasma/session.h"
+
+#include "platform/plasma/single_instance.h"
+#include "platform/wayland/bus_names.h"
+#include "support/scratch_folder.h"
+#include "support/x11/child_process.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+#include <optional>
+
+namespace tessarel::plasma {
+namespace {
+
+using wayland::BusLink;
+using wayland::BusMessage;
+using Delivery = BusLink::Delivery;
+
+class PlasmaSessionTest : public testing::Test {
+protected:
+    /// Makes the connection the owner of a name. Returns its unique name.
+    static std::string own(BusLink& link, const std::string& name) {
+        bool hasReply = false;
+        link.call(
+            wayland::busCall("RequestName", "su", {name, std::int64_t{0}}),
+            [&](const BusMessage&) { hasReply = true; }, Delivery::Urgent);
+        EXPECT_TRUE(link.waitUntil([&] { return hasReply; }, x11test::kPatience));
+        return link.uniqueName();
+    }
+
+    static bool dispatchUntil(BusLink& link, const std::function<bool()>& holds) {
+        const x11test::Deadline deadline;
+        while (!holds() && !deadline.passed()) {
+            link.waitUntil(holds, std::chrono::milliseconds(1));
+            link.dispatch();
+        }
+        return holds();
+    }
+
+    ScratchFolder folder;
+    std::string address = "unix:path=" + (folder.path() / "bus").string();
+    x11test::ChildProcess daemon{
+        {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address", "--address=" + address}};
+    std::string printed = daemon.readLine(); // once the bus accepts connections
+    BusLink link{address};
+    BusLink compositor{address};
+};
+
+TEST_F(PlasmaSessionTest, TheNameOfTheCompositorIsEmptyUntilItRuns) {
+    EXPECT_EQ(compositorName(link), "");
+
+    const std::string name = own(compositor, "org.kde.KWin");
+
+    EXPECT_EQ(compositorName(link), name);
+    EXPECT_EQ(awaitCompositor(link), name);
+}
+
+TEST_F(PlasmaSessionTest, ABusThatHangsIsWaitedForWithABound) {
+    const std::string name = own(compositor, "org.kde.KWin");
+    daemon.signal(SIGSTOP);
+    EXPECT_EQ(compositorName(link), std::nullopt);
+
+    daemon.signal(SIGCONT);
+    EXPECT_EQ(awaitCompositor(link), name);
+}
+
+TEST_F(PlasmaSessionTest, WithoutABusNobodyIsWaitedFor) {
+    daemon.kill();
+
+    EXPECT_EQ(awaitCompositor(link), "");
+}
+
+TEST_F(PlasmaSessionTest, ANewCompositorIsReportedWhetherItStartsLaterOrRunsAlready) {
+    const std::string before = own(link, "org.kde.KWin");
+    int starts = 0;
+    const auto later = onNewCompositor(compositor, before, [&] { ++starts; });
+    ASSERT_EQ(compositorName(compositor), before);
+    compositor.dispatch();
+    ASSERT_EQ(starts, 0);
+
+    link.call(wayland::busCall("ReleaseName", "s", {std::string("org.kde.KWin")}));
+    BusLink next(address);
+    const std::string present = own(next, "org.kde.KWin");
+    ASSERT_TRUE(dispatchUntil(compositor, [&] { return starts == 1; }));
+
+    const auto already = onNewCompositor(compositor, before, [&] { ++starts; });
+    EXPECT_TRUE(dispatchUntil(compositor, [&] { return starts == 2; }));
+}
+
+TEST_F(PlasmaSessionTest, ACopyThatEndsBeforeItHasReactedHasEnded) {
+    std::optional<BusLink> other(address);
+    (void)own(*other, SingleInstance::kName);
+    bool isNotified = false;
+    auto calls = other->serve(
+        "/org/tessarel/Tessarel", [&](const BusMessage&) { isNotified = true; }, Delivery::Urgent);
+    SingleInstance copy(link, [] {});
+    ASSERT_EQ(copy.claim([] {}, [] {}), nullptr);
+    ASSERT_TRUE(other->waitUntil([&] { return isNotified; }, x11test::kPatience));
+
+    other.reset();
+
+    EXPECT_EQ(copy.awaitReaction().kind, SingleInstancePort::Reaction::Kind::Ended);
+}
+
+} // namespace
+} // namespace tessarel::plasma
