@@ -84,6 +84,12 @@ private:
     const char* m_settings;
 };
 
+/// KWin draws without OpenGL, so it has no effects.
+class PlasmaUnseenShiftDragTest : public PlasmaDragTest {
+protected:
+    PlasmaUnseenShiftDragTest() : PlasmaDragTest(Drawing::Software, kShownWithShift) {}
+};
+
 class PlasmaShiftDragTest : public PlasmaDragTest {
 protected:
     PlasmaShiftDragTest() : PlasmaDragTest(Drawing::OpenGl, kShownWithShift) {}
@@ -126,6 +132,19 @@ TEST_F(PlasmaDragTest, EscapeHidesTheZonesAndTheReleaseLeavesTheWindowWhereItWas
 
     EXPECT_EQ(session.settledFrame(kEditor, before), before);
     EXPECT_THAT(framesDuringTwoHotKeys(), testing::Not(testing::Contains(kThird)));
+}
+
+TEST_F(PlasmaUnseenShiftDragTest, ADragThatWaitsForAKeyShowsNoZonesWithoutEffectsAndHotKeysWork) {
+    dragTo(1300, 200);
+    session.input().setKey(key::kLeftShift, true);
+    session.input().moveTo(1290, 210);
+
+    session.input().setKey(key::kLeftShift, false);
+    session.input().setLeftButton(false);
+
+    EXPECT_THAT(framesDuringTwoHotKeys(), testing::Not(testing::Contains(kThird)));
+    EXPECT_FALSE(isOverlayOn(PlasmaSession::kFirst));
+    EXPECT_EQ(session.endProgram(), 0);
 }
 
 TEST_F(PlasmaShiftDragTest, AWindowDroppedWithShiftGoesIntoTheZoneAtOnceInsteadOfATileOfTheCompositor) {

@@ -19,7 +19,10 @@ constexpr int kNothingDone = 4;
 
 class PlasmaFaultsTest : public testing::Test {
 protected:
-    PlasmaFaultsTest() { session.writeSettings(kUsualSettings); }
+    explicit PlasmaFaultsTest(Extra extra = Extra::None)
+        : session(Drawing::Software, PlasmaSession::kFirst.size(), extra) {
+        session.writeSettings(kUsualSettings);
+    }
 
     void start() { ASSERT_TRUE(session.startProgram()) << session.program().errors(); }
 
@@ -39,6 +42,11 @@ protected:
     }
 
     PlasmaSession session;
+};
+
+class PlasmaLockTest : public PlasmaFaultsTest {
+protected:
+    PlasmaLockTest() : PlasmaFaultsTest(Extra::ScreenLocker) {}
 };
 
 TEST_F(PlasmaFaultsTest, WhenTheCompositorHasCrashedAndRunsAgainTheHotKeysDoSoToo) {
@@ -154,6 +162,22 @@ TEST_F(PlasmaFaultsTest, AScriptThatCannotBeWrittenIsReportedAndCommandsSayThatN
 
     EXPECT_THAT(session.program().errors(), testing::HasSubstr("cannot write"));
     EXPECT_EQ(session.endProgram(), 0);
+}
+
+TEST_F(PlasmaLockTest, WhileTheSessionIsLockedHotKeysDoNothingAndTheProgramGoesOn) {
+    start();
+    ASSERT_TRUE(session.waitForCommands());
+    session.open({"kwrite"}, kEditor);
+    const Rect before = session.frame(kEditor).value_or(Rect::null());
+    ASSERT_TRUE(session.lock());
+
+    session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
+
+    EXPECT_EQ(session.command({"list", "displays"}), 0); // after the hot key, if it has come
+    session.probe().roundTrip();
+    EXPECT_EQ(session.frame(kEditor), before);
+    EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
+    EXPECT_TRUE(session.shortcuts().empty());
 }
 
 } // namespace

@@ -39,8 +39,8 @@ protected:
                    missing.width < GetParam().step.width && missing.height < GetParam().step.height;
         });
     }
-    /// Presses the title bar and moves the pointer until the window follows, which KWin does not do after every
-    /// press on a window of an X program. Returns false if it never does.
+    /// Presses the title bar and moves the pointer until the window follows, which KWin does not do after
+    /// every press on a window of an X program. Returns false if it never does.
     [[nodiscard]] bool startDrag(const Rect& from) {
         constexpr double kBelowTop = 10;
         return PlasmaSession::waitFor([&] {
@@ -57,7 +57,7 @@ protected:
     }
     void press(std::uint32_t key) { session.input().press({key::kLeftControl, key::kLeftAlt, key}); }
 
-    PlasmaSession session{Drawing::Software, PlasmaSession::kFirst.size(), XPrograms::Served};
+    PlasmaSession session{Drawing::Software, PlasmaSession::kFirst.size(), Extra::XServer};
 };
 
 TEST_P(PlasmaXProgramsTest, HotKeysAndDragsMoveItsWindowAndRestoreTakesItBack) {

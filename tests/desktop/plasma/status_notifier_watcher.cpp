@@ -23,11 +23,12 @@ public:
     }
 
     [[nodiscard]] QString introspect(const QString&) const override {
-        return QStringLiteral("<interface name='org.kde.StatusNotifierWatcher'>"
-                              "<method name='RegisterStatusNotifierItem'><arg type='s' direction='in'/></method>"
-                              "<property name='RegisteredStatusNotifierItems' type='as' access='read'/>"
-                              "<property name='IsStatusNotifierHostRegistered' type='b' access='read'/>"
-                              "</interface>");
+        return QStringLiteral(
+            "<interface name='org.kde.StatusNotifierWatcher'>"
+            "<method name='RegisterStatusNotifierItem'><arg type='s' direction='in'/></method>"
+            "<property name='RegisteredStatusNotifierItems' type='as' access='read'/>"
+            "<property name='IsStatusNotifierHostRegistered' type='b' access='read'/>"
+            "</interface>");
     }
 
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override {
@@ -38,7 +39,8 @@ public:
         }
         if (message.member() != QLatin1String("Get"))
             return false;
-        const bool asksForItems = message.arguments().value(1) == QLatin1String("RegisteredStatusNotifierItems");
+        const bool asksForItems =
+            message.arguments().value(1) == QLatin1String("RegisteredStatusNotifierItems");
         const QVariant value = asksForItems ? QVariant(m_items) : QVariant(true);
         return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(value))));
     }

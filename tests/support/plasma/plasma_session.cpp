@@ -53,9 +53,8 @@ bool PlasmaSession::waitFor(const std::function<bool()>& holds) {
     return true;
 }
 
-PlasmaSession::PlasmaSession(Drawing drawing, const Size& display, XPrograms xPrograms)
-    : m_drawing(drawing), m_display(display), m_xPrograms(xPrograms),
-      m_environment(environmentIn(m_folder.path())) {
+PlasmaSession::PlasmaSession(Drawing drawing, const Size& display, Extra extra)
+    : m_drawing(drawing), m_display(display), m_extra(extra), m_environment(environmentIn(m_folder.path())) {
     m_bus.emplace(std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--nopidfile",
                                            "--print-address",
                                            "--address=" + m_environment.at("DBUS_SESSION_BUS_ADDRESS")},
@@ -96,7 +95,7 @@ void PlasmaSession::startCompositor() {
     }
     m_input.emplace(socket);
     m_outputs.emplace(socket);
-    if (m_xPrograms == XPrograms::Served)
+    if (m_extra == Extra::XServer)
         readXDisplay();
 }
 
@@ -110,10 +109,11 @@ std::vector<std::string> PlasmaSession::compositorCommand() const {
                                      pixels(m_display.height),
                                      "--output-count",
                                      "2",
-                                     "--no-lockscreen",
                                      "--socket",
                                      kSocket};
-    if (m_xPrograms == XPrograms::Served) {
+    if (m_extra != Extra::ScreenLocker)
+        command.emplace_back("--no-lockscreen");
+    if (m_extra == Extra::XServer) {
         const std::filesystem::path script = m_folder.path() / "tell-x-display";
         const std::string file = xDisplayFile().string();
         ScratchFolder::write(script, "#!/bin/sh\necho \"$DISPLAY $XAUTHORITY\" > " + file + ".new\nmv " +
@@ -130,6 +130,15 @@ void PlasmaSession::readXDisplay() {
         throw std::runtime_error("KWin starts no X server: " + m_compositor->errors());
     std::istringstream words(ScratchFolder::read(xDisplayFile()).value_or(""));
     words >> m_environment["DISPLAY"] >> m_environment["XAUTHORITY"];
+}
+
+bool PlasmaSession::lock() {
+    const auto locker = [this](const std::string& member) {
+        return replyTo(
+            {"org.freedesktop.ScreenSaver", "/ScreenSaver", "org.freedesktop.ScreenSaver", member});
+    };
+    (void)locker("Lock");
+    return waitFor([&] { return locker("GetActive").value<std::int64_t>(0) != 0; });
 }
 
 void PlasmaSession::killCompositor() {

@@ -25,8 +25,9 @@ inline constexpr const char* kEditor = "org.kde.kwrite";
 /// What KWin draws with. Effects, and so the modifiers of a drag, need OpenGL.
 enum class Drawing : std::uint8_t { Software, OpenGl };
 
-/// Whether KWin runs an X server for programs that need one.
-enum class XPrograms : std::uint8_t { NotServed, Served };
+/// What else KWin runs: an X server for programs that need one, or a screen locker. A locked session cannot
+/// be unlocked again: that takes a password.
+enum class Extra : std::uint8_t { None, XServer, ScreenLocker };
 
 /// A private session of KDE Plasma on Wayland: a session bus and KWin without a screen, with two
 /// displays side by side, in a home and a runtime folder of its own. There is no desktop shell.
@@ -37,7 +38,7 @@ public:
 
     /// Throws std::runtime_error if the session does not start.
     explicit PlasmaSession(Drawing drawing = Drawing::Software, const Size& display = kFirst.size(),
-                           XPrograms xPrograms = XPrograms::NotServed);
+                           Extra extra = Extra::None);
     PlasmaSession(const PlasmaSession&) = delete;
     PlasmaSession& operator=(const PlasmaSession&) = delete;
     ~PlasmaSession();
@@ -79,6 +80,8 @@ public:
     /// The session bus; if it is killed, it does not come back.
     [[nodiscard]] x11test::ChildProcess& bus() { return *m_bus; }
     [[nodiscard]] x11test::ChildProcess& compositor() { return *m_compositor; }
+    /// Locks the screen. Returns false if KWin does not.
+    [[nodiscard]] bool lock();
     /// Kills KWin, with all windows.
     void killCompositor();
     /// Starts KWin again and waits until it takes scripts and input.
@@ -101,7 +104,7 @@ private:
 
     Drawing m_drawing;
     Size m_display;
-    XPrograms m_xPrograms;
+    Extra m_extra;
     ScratchFolder m_folder;
     x11test::Environment m_environment;
     std::optional<x11test::ChildProcess> m_bus;
