@@ -25,9 +25,7 @@ using std::chrono::milliseconds;
 constexpr const char* kCompositor = "org.kde.KWin";
 constexpr const char* kScriptName = "tessarel";
 constexpr const char* kBridgePath = "/org/tessarel/Bridge";
-
-/// After 25 s without a reply the script's call fails, and KWin does not tell the script.
-constexpr std::chrono::seconds kRenewal{20};
+constexpr const char* kNext = "next"; ///< the script's call that is answered with commands
 
 /// KWin owns its name before it takes scripts.
 constexpr milliseconds kLoadInterval{500};
@@ -47,7 +45,7 @@ Bridge::Bridge(wayland::BusLink& link, wayland::Mirror& mirror, MainQueuePort& q
       m_report(std::move(report)),
       m_calls(link.serve(
           kBridgePath, [this](const wayland::BusMessage& message) { handle(message); },
-          wayland::BusLink::Delivery::Urgent)),
+          wayland::BusLink::Delivery::Urgent, kNext)),
       m_delivered(link.onDelivered([this] { m_mirror.deliver(); })) {}
 
 Bridge::~Bridge() {
@@ -111,7 +109,7 @@ void Bridge::handle(const wayland::BusMessage& message) {
         return;
     if (message.member == "report")
         handleReport(message.value<std::string>(0));
-    else if (message.member == "next")
+    else if (message.member == kNext)
         keepForCommands(message.token);
 }
 
@@ -125,17 +123,15 @@ void Bridge::handleReport(const std::string& text) {
         m_underWay.erase(placed);
 }
 
-/// Keeps the script's call until there are commands, but not until it would time out.
+/// Keeps the script's call until there are commands. The script renews it before it times out.
 void Bridge::keepForCommands(std::uint64_t token) {
     m_waitingCall = token;
     if (!m_unsent.empty())
-        return sendCommands(std::exchange(m_unsent, {}));
-    m_renewal = m_queue.asyncAfter(kRenewal, [this] { sendCommands({}); });
+        sendCommands();
 }
 
-void Bridge::sendCommands(const std::string& commands) {
-    m_renewal.reset();
-    m_link.answer(std::exchange(m_waitingCall, 0), commands.empty() ? "" : "[" + commands + "]");
+void Bridge::sendCommands() {
+    m_link.answer(std::exchange(m_waitingCall, 0), "[" + std::exchange(m_unsent, {}) + "]");
 }
 
 void Bridge::place(wayland::WindowId window, const Rect& frame) {
@@ -159,7 +155,7 @@ void Bridge::bringOwnWindows() {
 void Bridge::send(const std::string& command) {
     m_unsent += (m_unsent.empty() ? "" : ",") + command;
     if (m_waitingCall != 0)
-        sendCommands(std::exchange(m_unsent, {}));
+        sendCommands();
 }
 
 bool Bridge::waitUntilSettled(wayland::WindowId window, milliseconds patience) {

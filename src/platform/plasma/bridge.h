@@ -57,7 +57,7 @@ private:
     void handleReport(const std::string& text);
     void keepForCommands(std::uint64_t token);
     void send(const std::string& command);
-    void sendCommands(const std::string& commands);
+    void sendCommands();
 
     wayland::BusLink& m_link;
     wayland::Mirror& m_mirror;
@@ -72,7 +72,6 @@ private:
     std::map<wayland::WindowId, UnderWay> m_underWay;
     SubscriptionPtr m_calls;
     SubscriptionPtr m_delivered;
-    SubscriptionPtr m_renewal;
     SubscriptionPtr m_nextAttempt;
 };
 

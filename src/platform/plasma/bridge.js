@@ -291,12 +291,27 @@ function carryOut(command) {
         place(command);
 }
 
+// After 25 s without an answer a call fails, and KWin does not tell the script. So the call is renewed before.
+// The script does that, because it would wake the program twice. It stops when the program has gone.
+const renewal = new QTimer();
+renewal.interval = 20000;
+renewal.singleShot = true;
+renewal.timeout.connect(next);
+let lastCall = 0;
+let unanswered = 0;
+
 function next() {
+    if (++unanswered > 5)
+        return;
+    const call = ++lastCall;
     callDBus(service, path, programInterface, "next", (text) => {
+        unanswered = 0;
         if (text !== "")
             JSON.parse(text).forEach(carryOut);
-        next();
+        if (call === lastCall)
+            next();
     });
+    renewal.start();
 }
 
 (workspace.windowAdded || workspace.clientAdded).connect((window) => {

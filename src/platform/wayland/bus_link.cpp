@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <poll.h>
+#include <string_view>
 #include <sys/eventfd.h>
 #include <systemd/sd-bus.h>
 #include <unistd.h>
@@ -143,10 +144,11 @@ public:
         receiving.slot.reset(slot);
     }
 
-    void serve(const std::string& path, std::uint64_t handler) {
+    void serve(const std::string& path, const std::string& renewable, std::uint64_t handler) {
         if (!isOpen())
             return;
         Receiving& receiving = begin(handler);
+        receiving.context.renewable = renewable;
         sd_bus_slot* slot = nullptr;
         sd_bus_add_object(m_bus, &slot, path.c_str(), receiveCall, &receiving.context);
         receiving.slot.reset(slot);
@@ -168,6 +170,7 @@ private:
         BusLink& link;
         Connection& connection;
         std::uint64_t handler = 0;
+        std::string renewable = {}; ///< the member whose calls may be renewed; empty if there is none
     };
     struct Receiving {
         Context context;
@@ -204,11 +207,29 @@ private:
 
     static int receiveCall(sd_bus_message* message, void* data, sd_bus_error*) {
         const Context& context = *static_cast<Context*>(data);
+        if (context.renewable == sd_bus_message_get_member(message) && context.connection.renew(message))
+            return 1;
         BusMessage decoded = decode(message);
         if (sd_bus_message_get_expect_reply(message) > 0)
             decoded.token = context.connection.keep(message);
         context.link.arrive(context.handler, std::move(decoded));
         return 1;
+    }
+
+    /// Puts a call in the place of the caller's earlier one. Returns false if none waits for its answer.
+    bool renew(sd_bus_message* message) {
+        const auto text = [](const char* string) { return std::string_view(string ? string : ""); };
+        const auto earlier = std::find_if(m_unanswered.begin(), m_unanswered.end(), [&](const auto& call) {
+            sd_bus_message* const other = call.second.get();
+            return text(sd_bus_message_get_sender(other)) == text(sd_bus_message_get_sender(message)) &&
+                   text(sd_bus_message_get_path(other)) == text(sd_bus_message_get_path(message)) &&
+                   text(sd_bus_message_get_member(other)) == text(sd_bus_message_get_member(message));
+        });
+        if (earlier == m_unanswered.end())
+            return false;
+        sd_bus_reply_method_return(earlier->second.get(), "s", "");
+        earlier->second.reset(sd_bus_message_ref(message));
+        return true;
     }
 
     std::uint64_t keep(sd_bus_message* message) {
@@ -406,9 +427,11 @@ SubscriptionPtr BusLink::onSignal(BusMatch match, Handler handler, Delivery deli
     return removal(id);
 }
 
-SubscriptionPtr BusLink::serve(std::string path, Handler handler, Delivery delivery) {
+SubscriptionPtr BusLink::serve(std::string path, Handler handler, Delivery delivery, std::string renewable) {
     const std::uint64_t id = add({std::move(handler), delivery, false});
-    post([path = std::move(path), id](Connection& connection) { connection.serve(path, id); });
+    post([path = std::move(path), renewable = std::move(renewable), id](Connection& connection) {
+        connection.serve(path, renewable, id);
+    });
     return removal(id);
 }
 

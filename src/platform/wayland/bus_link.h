@@ -105,7 +105,12 @@ public:
                                            Delivery delivery = Delivery::InLoop);
     /// Calls `handler` with every method call to the object at `path`, until the returned subscription is
     /// destroyed. A call that expects an answer has a token.
-    [[nodiscard]] SubscriptionPtr serve(std::string path, Handler handler, Delivery delivery);
+    ///
+    /// A caller may renew a call of the member `renewable` before it times out. If the earlier call still
+    /// waits for its answer, it gets an empty one and the new call takes over its token, without waking the
+    /// main thread.
+    [[nodiscard]] SubscriptionPtr serve(std::string path, Handler handler, Delivery delivery,
+                                        std::string renewable = {});
     /// Answers a method call with a string.
     void answer(std::uint64_t token, std::string value);
 

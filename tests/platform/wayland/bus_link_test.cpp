@@ -134,6 +134,44 @@ TEST_F(BusLinkTest, AnObjectIsServedUntilItsSubscriptionIsDestroyed) {
     EXPECT_EQ(reply.value_or(BusMessage()).error, "org.freedesktop.DBus.Error.UnknownObject");
 }
 
+TEST_F(BusLinkTest, ARenewedCallTakesOverTheTokenOfTheEarlierOneWithoutACallOfTheHandler) {
+    startBus();
+    BusLink server(address);
+    BusLink client(address);
+    BusLink other(address);
+    ASSERT_TRUE(isConnected(server));
+    std::vector<std::uint64_t> tokens;
+    const auto served = server.serve(
+        "/object", [&](const BusMessage& message) { tokens.push_back(message.token); }, Delivery::Urgent,
+        "wait");
+    std::vector<std::string> replies;
+    const auto ask = [&](BusLink& caller, const std::string& name) {
+        caller.call(
+            {server.uniqueName(), "/object", "org.example", "wait"},
+            [&, name](const BusMessage& reply) { replies.push_back(name + reply.value<std::string>(0)); },
+            Delivery::Urgent);
+    };
+    const auto areCalled = [&](std::size_t count) {
+        return server.waitUntil([&] { return tokens.size() == count; }, x11test::kPatience);
+    };
+    const auto areAnswered = [&](std::size_t count) {
+        return client.waitUntil([&] { return replies.size() == count; }, x11test::kPatience);
+    };
+
+    ask(client, "first");
+    ASSERT_TRUE(areCalled(1));
+    ask(client, "second");
+    EXPECT_TRUE(areAnswered(1));
+    ask(other, "of another caller");
+    ASSERT_TRUE(areCalled(2));
+    server.answer(tokens.front(), "!");
+    EXPECT_TRUE(areAnswered(2));
+    ask(client, "third");
+    ASSERT_TRUE(areCalled(3));
+
+    EXPECT_THAT(replies, ElementsAre("first", "second!"));
+}
+
 TEST_F(BusLinkTest, OnlyUrgentMessagesAreHandledDuringAWaitAndTheOthersKeepTheirOrder) {
     startBus();
     BusLink link(address);
