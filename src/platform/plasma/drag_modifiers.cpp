@@ -61,6 +61,10 @@ std::string code(const Modifier& modifier) {
     return text.replace(text.find(placeholder), placeholder.size(), modifier.qtModifier);
 }
 
+bool contains(const std::vector<std::string>& effects, const char* effect) {
+    return std::find(effects.begin(), effects.end(), effect) != effects.end();
+}
+
 bool writeFile(const fs::path& file, const std::string& text) {
     std::error_code failure;
     fs::create_directories(file.parent_path(), failure);
@@ -105,10 +109,14 @@ void DragModifiers::tryToLoad(int attempts) {
         m_areLoaded = true;
         m_loaded.send();
     };
+    readEffects("listOfEffects", [this](const std::vector<std::string>& known) {
+        m_areKnown = contains(known, kModifiers.front().effect);
+    });
     for (const Modifier& modifier : kModifiers)
         m_link.call(effects(kEffects, "loadEffect", "s", {modifier.effect}), loaded);
     m_nextAttempt = m_queue.asyncAfter(kEffectLoadInterval, [this, attempts] {
-        if (!m_areLoaded && attempts > 1)
+        // An effect that KWin knows but has not loaded is not supported.
+        if (!m_areLoaded && !m_areKnown && attempts > 1)
             tryToLoad(attempts - 1);
     });
 }
@@ -140,37 +148,37 @@ void DragModifiers::follow(const wayland::UserMove& move) {
 
 void DragModifiers::read() {
     m_isReading = true;
-    askForActiveEffects([this](const wayland::BusMessage& reply) {
+    readEffects("activeEffects", [this](const std::vector<std::string>& active) {
         m_isReading = false;
         if (!m_isMoving)
             return;
         m_nextRead = m_queue.asyncAfter(kReadInterval, [this] { read(); });
-        apply(reply.value<std::vector<std::string>>(0));
+        apply(active);
     });
 }
 
 void DragModifiers::readAtEnd(std::function<void()> done) {
     if (!m_areLoaded)
         return done();
-    askForActiveEffects([this, done = std::move(done)](const wayland::BusMessage& reply) {
+    readEffects("activeEffects", [this, done = std::move(done)](const std::vector<std::string>& active) {
         if (!m_isMoving) // otherwise the next move has begun meanwhile
-            apply(reply.value<std::vector<std::string>>(0));
+            apply(active);
         done();
     });
 }
 
-void DragModifiers::askForActiveEffects(wayland::BusLink::Handler handler) {
-    m_link.call(effects("org.freedesktop.DBus.Properties", "Get", "ss", {kEffects, "activeEffects"}),
+void DragModifiers::readEffects(const char* list, EffectsHandler handler) {
+    m_link.call(effects("org.freedesktop.DBus.Properties", "Get", "ss", {kEffects, list}),
                 [handler = std::move(handler), alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
                     if (!alive.expired())
-                        handler(reply);
+                        handler(reply.value<std::vector<std::string>>(0));
                 });
 }
 
 void DragModifiers::apply(const std::vector<std::string>& activeEffects) {
     ModifierFlags held = 0;
     for (const Modifier& modifier : kModifiers) {
-        if (std::find(activeEffects.begin(), activeEffects.end(), modifier.effect) != activeEffects.end())
+        if (contains(activeEffects, modifier.effect))
             held |= modifier.flag;
     }
     if (std::exchange(m_held, held) != held)

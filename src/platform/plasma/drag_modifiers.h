@@ -48,17 +48,21 @@ public:
     [[nodiscard]] SubscriptionPtr onChange(std::function<void()> changed);
 
 private:
+    using EffectsHandler = std::function<void(const std::vector<std::string>& names)>;
+
     void tryToLoad(int attempts);
     void unload();
     void follow(const wayland::UserMove& move);
     void read();
-    void askForActiveEffects(wayland::BusLink::Handler handler);
+    /// Calls `handler` with one of KWin's lists of effects; it is empty if KWin does not reply.
+    void readEffects(const char* list, EffectsHandler handler);
     void apply(const std::vector<std::string>& activeEffects);
 
     wayland::BusLink& m_link;
     MainQueuePort& m_queue;
     std::filesystem::path m_dataFolder;
     bool m_areWritten = false;
+    bool m_areKnown = false;  ///< whether KWin has found them
     bool m_areLoaded = false; ///< whether KWin supports them
     bool m_isMoving = false;
     bool m_isReading = false;
