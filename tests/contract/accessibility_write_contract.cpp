@@ -93,6 +93,15 @@ TEST_F(AccessibilityWriteContract, AWindowIsNotMadeSmallerThanItsMinimumSize) {
     EXPECT_EQ(desktop->actualFrame(window), (Rect{20, 40, 500, 400}));
 }
 
+TEST_F(AccessibilityWriteContract, AWindowThatRefusesASizeTwiceCanBeReadBothTimes) {
+    const auto window = openWindow({.axFrame = {200, 150, 640, 480}, .minimumSize = {500, 400}});
+
+    for (int write = 0; write < 2; ++write) {
+        writeFrame(desktop->element(window), {20, 40, 300, 200});
+        EXPECT_EQ(readFrame(desktop->element(window)), (Rect{20, 40, 500, 400}));
+    }
+}
+
 TEST_F(AccessibilityWriteContract, AWindowOfFixedSizeMovesButKeepsItsSize) {
     const auto window = openWindow({.axFrame = {200, 150, 640, 480}, .resizable = false});
 

@@ -119,8 +119,11 @@ void Bridge::handleReport(const std::string& text) {
         return;
     const auto settled = applyReport(*report, m_mirror);
     const auto placed = settled ? m_underWay.find(settled->window) : m_underWay.end();
-    if (placed != m_underWay.end() && placed->second.serial == settled->serial)
-        m_underWay.erase(placed);
+    if (placed == m_underWay.end() || placed->second.serial != settled->serial)
+        return;
+    m_underWay.erase(placed);
+    if (settled->isLate)
+        m_late.insert(settled->window);
 }
 
 /// Keeps the script's call until there are commands. The script renews it before it times out.
@@ -164,8 +167,10 @@ bool Bridge::waitUntilSettled(wayland::WindowId window, milliseconds patience) {
     };
     if (isSettled())
         return true;
+    m_late.erase(window);
     const auto waited = std::chrono::duration_cast<milliseconds>(m_queue.now() - m_underWay[window].since);
-    return m_link.waitUntil(isSettled, std::max(patience - waited, milliseconds::zero()));
+    return m_link.waitUntil(isSettled, std::max(patience - waited, milliseconds::zero())) &&
+           !m_late.contains(window);
 }
 
 } // namespace tessarel::plasma

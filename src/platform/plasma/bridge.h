@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <set>
 #include <string>
 
 namespace tessarel::plasma {
@@ -70,6 +71,7 @@ private:
     std::string m_unsent;            ///< commands that wait for that call, without the brackets of the list
     std::uint64_t m_lastSerial = 0;
     std::map<wayland::WindowId, UnderWay> m_underWay;
+    std::set<wayland::WindowId> m_late; ///< whose last placement has not been carried out in time
     SubscriptionPtr m_calls;
     SubscriptionPtr m_delivered;
     SubscriptionPtr m_nextAttempt;

@@ -15,6 +15,7 @@ const isPlasma6 = workspace.windowList !== undefined;
 
 const known = new Map(); // window identifier -> window
 const placing = new Map(); // window identifier -> the placement that has not settled
+const settled = new Map(); // window identifier -> the last one that has: the wanted frame and the frame taken
 
 function report(event) {
     callDBus(service, path, programInterface, "report", JSON.stringify(event));
@@ -130,8 +131,7 @@ function leaveNewTile(window, tileBefore) {
 
 // KWin says in the same way that a move has ended and that Escape has taken the window back.
 function isTakenBack(window, ended) {
-    const same = (one, other) => one.every((number, i) => number === other[i]);
-    return !same(ended.start, ended.last) && same(ended.start, rect(window.frameGeometry));
+    return !areEqual(ended.start, ended.last) && areEqual(ended.start, rect(window.frameGeometry));
 }
 
 function reportMove(event, window) {
@@ -152,20 +152,44 @@ function afterPanelChange(window) {
         reportDisplays();
 }
 
+function areEqual(one, other) {
+    return one.every((number, i) => number === other[i]);
+}
+
 function settle(name, window) {
     const placement = placing.get(name);
+    const frame = rect(window.frameGeometry);
     placing.delete(name);
-    report({ event: "placed", name: name, serial: placement.serial, frame: rect(window.frameGeometry) });
+    settled.set(name, { wanted: placement.frame, taken: frame });
+    report({ event: "placed", name: name, serial: placement.serial, frame: frame });
 }
+
+// Ends a placement that no signal has ended in time. A window in its wanted position has refused the size, and
+// already had the one that it takes instead; that of any other window does not respond.
+function settleLate(name) {
+    const window = known.get(name);
+    const placement = placing.get(name);
+    if (hasSettled(window, placement.frame))
+        return settle(name, window);
+    placing.delete(name);
+    report({ event: "placed", name: name, serial: placement.serial, late: true,
+             frame: rect(window.frameGeometry) });
+}
+
+const patience = new QTimer();
+patience.interval = 200; // less than the program waits
+patience.singleShot = true;
+patience.timeout.connect(() => Array.from(placing.keys()).forEach(settleLate));
 
 // A window that has its wanted position has also taken its size, or refused it: both come at once.
 function hasSettled(window, wanted) {
     return window.frameGeometry.x === wanted[0] && window.frameGeometry.y === wanted[1];
 }
 
-function isThere(window, wanted) {
-    const frame = window.frameGeometry;
-    return hasSettled(window, wanted) && frame.width === wanted[2] && frame.height === wanted[3];
+// Returns whether the window has refused a part of the frame before and is still as it was then.
+function hasRefused(name, window, wanted) {
+    const last = settled.get(name);
+    return last !== undefined && areEqual(last.wanted, wanted) && areEqual(last.taken, rect(window.frameGeometry));
 }
 
 function frameChanged(window) {
@@ -187,11 +211,13 @@ function place(command) {
         window.setMaximize(false, false);
     if (window.tile)
         window.tile = null; // otherwise KWin puts it back when the usable area changes
+    const isRefused = hasRefused(command.name, window, frame);
     placing.set(command.name, { serial: command.serial, frame: frame, isSent: false });
     window.frameGeometry = { x: frame[0], y: frame[1], width: frame[2], height: frame[3] };
     placing.get(command.name).isSent = true;
+    patience.start();
     // No signal follows when nothing has to change, or when the compositor has moved the window at once.
-    if (isThere(window, frame))
+    if (isRefused || areEqual(rect(window.frameGeometry), frame))
         settle(command.name, window);
 }
 
@@ -270,8 +296,8 @@ function added(window) {
 }
 
 function removed(window) {
-    known.delete(identifier(window));
-    placing.delete(identifier(window));
+    for (const map of [known, placing, settled])
+        map.delete(identifier(window));
     report({ event: "removed", name: identifier(window) });
     afterPanelChange(window);
 }

@@ -181,7 +181,7 @@ std::optional<Settled> applyReport(const Json& report, wayland::Mirror& mirror) 
         applyMove(*phase, name, report, mirror);
     if (event != "placed")
         return std::nullopt;
-    return Settled{mirror.named(name), member<std::uint64_t>(report, "serial")};
+    return Settled{mirror.named(name), member<std::uint64_t>(report, "serial"), member<bool>(report, "late")};
 }
 
 } // namespace tessarel::plasma

@@ -10,14 +10,15 @@
 
 namespace tessarel::plasma {
 
-/// A placement that has settled.
+/// A placement that is over.
 struct Settled {
     wayland::WindowId window = wayland::kNoWindow;
     std::uint64_t serial = 0;
+    bool isLate = false; ///< whether the window has not taken its frame in time
 };
 
 /// Applies a report of the bridge script to the mirror. Ignores what is malformed. Returns the placement if
-/// the report says that one has settled.
+/// the report says that one is over.
 std::optional<Settled> applyReport(const Json& report, wayland::Mirror& mirror);
 
 } // namespace tessarel::plasma

@@ -27,8 +27,8 @@ protected:
     }
 
     /// Opens a window and waits until it is active.
-    void open(WaylandClient& client, int number) {
-        client.open(number, {.applicationId = "org.example.test"});
+    void open(WaylandClient& client, int number, const Size& minimum = {}) {
+        client.open(number, {.applicationId = "org.example.test", .minimum = minimum});
         ASSERT_TRUE(waitFor(number, [](const SeenWindow& window) { return window.isActive; }));
     }
     void activate(int number) {
@@ -81,6 +81,20 @@ TEST_F(PlasmaWindowsTest, AWindowThatNeverSettlesHoldsUpNoOther) {
     EXPECT_TRUE(comesTo(2, kRightHalf));
 
     EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
+}
+
+TEST_F(PlasmaWindowsTest, AWindowThatRefusesSizesTakesEveryKey) {
+    WaylandClient client(session.environment());
+    open(client, 1, {1000, 900});
+    pressArrow(key::kLeft);
+    ASSERT_TRUE(comesTo(1, {0, 0, 1000, 900}));
+
+    // Neither changes the frame: the size has been refused before, and the next one is refused, too.
+    pressArrow(key::kLeft);
+    session.input().press({key::kLeftControl, key::kLeftAlt, key::kDigit1});
+    pressArrow(key::kRight);
+
+    EXPECT_TRUE(comesTo(1, {600, 0, 1000, 900}));
 }
 
 TEST_F(PlasmaWindowsTest, AmongTwoHundredWindowsTheFrontOnesAreArrangedAndHotKeysWork) {

@@ -272,6 +272,17 @@ TEST_F(BridgeTest, AWindowThatNeverSettlesIsWaitedForOnlyOnce) {
     EXPECT_FALSE(bridge->waitUntilSettled(a, 250ms)); // at once: the time is over
 }
 
+TEST_F(BridgeTest, AWindowThatTheScriptDoesNotWaitForAnyLongerHasNotSettledInTime) {
+    load();
+    const auto a = mirror.named("a");
+    bridge->place(a, {1, 2, 300, 400});
+    compositor->report(link->uniqueName(),
+                       R"({"event":"placed","name":"a","late":true,"serial":1,"frame":[0,0,500,400]})");
+
+    EXPECT_FALSE(bridge->waitUntilSettled(a, x11test::kPatience));
+    EXPECT_TRUE(bridge->waitUntilSettled(a, x11test::kPatience)); // nothing is under way any longer
+}
+
 TEST_F(BridgeTest, AWindowThatClosesHasSettled) {
     load();
     const auto a = mirror.named("a");
