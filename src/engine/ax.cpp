@@ -121,6 +121,10 @@ SubscriptionPtr AX::onWindowClosed(const Element& window, std::function<void()> 
     return m_accessibility.onWindowClosed(window, std::move(closed));
 }
 
+SubscriptionPtr AX::writeSeveral() const {
+    return m_accessibility.writeSeveral();
+}
+
 SubscriptionPtr
 AX::onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) const {
     return m_accessibility.onCorrected(std::move(corrected));

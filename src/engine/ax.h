@@ -82,6 +82,10 @@ public:
     /// null if the window cannot be observed.
     [[nodiscard]] SubscriptionPtr onWindowClosed(const Element& window, std::function<void()> closed) const;
 
+    /// Announces that several windows are moved until the returned handle is destroyed (see
+    /// `AccessibilityPort::writeSeveral`).
+    [[nodiscard]] SubscriptionPtr writeSeveral() const;
+
     /// Calls `corrected` when a program changes the frame of its window shortly after it was set (see
     /// `AccessibilityPort::onCorrected`).
     [[nodiscard]] SubscriptionPtr

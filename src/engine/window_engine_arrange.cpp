@@ -92,7 +92,9 @@ Outcome WindowEngine::arrangeAll() {
     const Rect visible = m_geo.axVisible(*screen);
     auto zone = zones.cbegin();
     Outcome result = Outcome::NoWindow;
-    for (const FoundWindow& found : visibleWindows(m_geo.axFrame(*screen), zones.size())) {
+    const auto windows = visibleWindows(m_geo.axFrame(*screen), zones.size());
+    const auto several = m_ax.writeSeveral(); // `follow` reads back what cannot be read before its end
+    for (const FoundWindow& found : windows) {
         const bool isPlaced = place(found.element, found.pid, m_geo.zoneFrame(*zone++, visible), visible, {});
         if (result != Outcome::Done)
             result = outcomeOf(isPlaced);

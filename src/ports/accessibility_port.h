@@ -120,6 +120,12 @@ public:
     /// writes. Returns false where the desktop has no say in it.
     [[nodiscard]] virtual bool hasRefused(const Element& window) = 0;
 
+    /// Announces writes to several windows, until the returned handle is destroyed. A back end that would
+    /// wait for each window when it is read back may wait for all of them at the end instead. Until then,
+    /// position and size of a window that has been written have no value; at the end, `corrected` of
+    /// `onCorrected` is called with the frame of each. Returns null where that saves no time.
+    [[nodiscard]] virtual SubscriptionPtr writeSeveral() = 0;
+
     /// Calls `corrected` on the main thread, until the returned subscription is destroyed, when a program
     /// changes the frame of its window within half a second of the last write to it: some programs correct
     /// their size once they have seen the new one. What the user does with the mouse does not count. The

@@ -102,6 +102,21 @@ TEST_F(AccessibilityWriteContract, AWindowThatRefusesASizeTwiceCanBeReadBothTime
     }
 }
 
+TEST_F(AccessibilityWriteContract, SeveralWindowsAreWrittenTogether) {
+    const Element first = desktop->element(openWindow());
+    const Element second = desktop->element(openWindow({.minimumSize = {500, 400}}));
+
+    auto several = desktop->accessibility().writeSeveral();
+    writeFrame(first, {10, 40, 300, 310});
+    (void)readFrame(first);
+    writeFrame(second, {500, 200, 300, 200});
+    (void)readFrame(second);
+    several.reset();
+
+    EXPECT_EQ(readFrame(first), (Rect{10, 40, 300, 310}));
+    EXPECT_EQ(readFrame(second), (Rect{500, 200, 500, 400}));
+}
+
 TEST_F(AccessibilityWriteContract, AWindowOfFixedSizeMovesButKeepsItsSize) {
     const auto window = openWindow({.axFrame = {200, 150, 640, 480}, .resizable = false});
 

@@ -2,6 +2,7 @@
 
 #include "platform/wayland/accessibility.h"
 
+#include "model/call_on_end.h"
 #include "platform/wayland/coordinates.h"
 
 #include <memory>
@@ -63,7 +64,9 @@ bool isOnScreen(const WindowState& window) {
 Accessibility::Accessibility(Mirror& mirror, Compositor& compositor, Applications& applications,
                              ApplicationWatch& watch, MainQueuePort& queue)
     : m_mirror(mirror), m_applications(applications), m_watch(watch), m_queue(queue),
-      m_placement(mirror, compositor, queue) {}
+      m_placement(mirror, compositor, queue),
+      m_frameChanges(mirror.onFrameChanged(
+          [this](WindowId window, const Rect& frame) { frameChanged(window, frame); })) {}
 
 Element Accessibility::application(ProcessId pid) {
     return makeElement(pid, kNoWindow);
@@ -102,8 +105,13 @@ std::optional<AttributeValue> Accessibility::copyAttribute(const Element& elemen
         return std::nullopt;
     if (window == kNoWindow)
         return applicationAttribute(pid, attribute);
-    if (attribute == attribute::kPosition || attribute == attribute::kSize)
+    if (attribute == attribute::kPosition || attribute == attribute::kSize) {
         m_placement.finish(window); // a read after a write returns the settled value
+        if (m_placement.isLate(window) || m_placement.isPostponed(window)) {
+            m_writes[window].isUnread = true;
+            return std::nullopt;
+        }
+    }
     return windowAttribute(element, attribute);
 }
 
@@ -132,8 +140,6 @@ std::optional<AttributeValue> Accessibility::windowAttribute(const Element& elem
     if (window == nullptr)
         return std::nullopt;
     if (attribute == attribute::kPosition || attribute == attribute::kSize) {
-        if (m_placement.isLate(id))
-            return std::nullopt;
         const Rect frame = axFromCompositor(window->frame, m_mirror.primary());
         return attribute == attribute::kPosition ? AttributeValue(frame.origin())
                                                  : AttributeValue(frame.size());
@@ -165,8 +171,10 @@ void Accessibility::setAttribute(const Element& element, std::string_view attrib
     if (!wish.origin && !wish.size)
         return;
     m_placement.write(window, wish);
-    m_lastWritten = window;
-    m_lastWrite = m_queue.now();
+    std::erase_if(m_writes, [this](const auto& one) {
+        return !isOfInterest(one.second) || m_mirror.find(one.first) == nullptr;
+    });
+    m_writes[window] = {m_queue.now()};
 }
 
 bool Accessibility::canExpress(const Rect& axFrame) {
@@ -211,13 +219,38 @@ bool Accessibility::hasRefused(const Element& window) {
     return false;
 }
 
+SubscriptionPtr Accessibility::writeSeveral() {
+    m_placement.beginSeveral();
+    return callOnEnd([this] { endSeveral(); });
+}
+
+void Accessibility::endSeveral() {
+    for (const WindowId id : m_placement.endSeveral()) {
+        const WindowState* const window = m_mirror.find(id);
+        if (window != nullptr && !m_placement.isLate(id))
+            sendCorrected(id, window->frame);
+    }
+}
+
 SubscriptionPtr
 Accessibility::onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) {
-    return m_mirror.onFrameChanged([this, corrected = std::move(corrected)](WindowId id, const Rect& frame) {
-        const WindowState* const window = m_mirror.find(id);
-        if (window != nullptr && id == m_lastWritten && m_queue.now() - m_lastWrite <= kCorrectionTime)
-            corrected(makeElement(window->pid, id), axFromCompositor(frame, m_mirror.primary()));
-    });
+    return m_corrected.connect(std::move(corrected));
+}
+
+void Accessibility::frameChanged(WindowId window, const Rect& frame) {
+    const auto write = m_writes.find(window);
+    if (write != m_writes.end() && isOfInterest(write->second))
+        sendCorrected(window, frame);
+}
+
+void Accessibility::sendCorrected(WindowId id, const Rect& frame) {
+    m_writes[id].isUnread = false;
+    if (const WindowState* const window = m_mirror.find(id))
+        m_corrected.send(makeElement(window->pid, id), axFromCompositor(frame, m_mirror.primary()));
+}
+
+bool Accessibility::isOfInterest(const Write& write) const {
+    return write.isUnread || m_queue.now() - write.time <= kCorrectionTime;
 }
 
 } // namespace tessarel::wayland

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "model/signal.h"
 #include "platform/wayland/application_watch.h"
 #include "platform/wayland/applications.h"
 #include "platform/wayland/compositor.h"
@@ -13,6 +14,7 @@
 #include <chrono>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string_view>
 
@@ -51,10 +53,22 @@ public:
     [[nodiscard]] std::optional<RunningApplication> owner(const Element& window) override;
     /// Returns false: a floating compositor refuses no frame.
     [[nodiscard]] bool hasRefused(const Element& window) override;
+    /// All windows are sent before any is waited for.
+    [[nodiscard]] SubscriptionPtr writeSeveral() override;
     [[nodiscard]] SubscriptionPtr
     onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) override;
 
 private:
+    /// A write to a window whose effect is still of interest.
+    struct Write {
+        MainQueuePort::TimePoint time;
+        bool isUnread = false; ///< whether the window had not taken its frame when it was read
+    };
+
+    void frameChanged(WindowId window, const Rect& frame);
+    void endSeveral();
+    void sendCorrected(WindowId id, const Rect& frame);
+    [[nodiscard]] bool isOfInterest(const Write& write) const;
     [[nodiscard]] std::optional<AttributeValue> applicationAttribute(ProcessId pid,
                                                                      std::string_view attribute) const;
     [[nodiscard]] std::optional<AttributeValue> windowAttribute(const Element& element,
@@ -65,8 +79,9 @@ private:
     ApplicationWatch& m_watch;
     MainQueuePort& m_queue;
     Placement m_placement;
-    WindowId m_lastWritten = kNoWindow;
-    MainQueuePort::TimePoint m_lastWrite;
+    std::map<WindowId, Write> m_writes;
+    Signal<const Element&, const Rect&> m_corrected;
+    SubscriptionPtr m_frameChanges;
 };
 
 } // namespace tessarel::wayland

@@ -137,6 +137,11 @@ void Mirror::deliver() {
         m_notices.pop_front();
         notice();
     }
+    m_delivered.send();
+}
+
+SubscriptionPtr Mirror::onDelivered(std::function<void()> delivered) {
+    return m_delivered.connect(std::move(delivered));
 }
 
 SubscriptionPtr Mirror::onReady(std::function<void()> ready) {

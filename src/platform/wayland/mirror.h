@@ -115,6 +115,8 @@ public:
 
     /// Sends the signals about what was applied since the last call.
     void deliver();
+    /// Calls `delivered` after each `deliver`.
+    [[nodiscard]] SubscriptionPtr onDelivered(std::function<void()> delivered);
     /// Calls `ready` when the first snapshot has arrived.
     [[nodiscard]] SubscriptionPtr onReady(std::function<void()> ready);
     [[nodiscard]] SubscriptionPtr onOpened(std::function<void(WindowId)> opened);
@@ -137,6 +139,7 @@ private:
     WindowId m_active = kNoWindow;
     std::vector<DisplayState> m_displays; ///< the primary one first
     std::deque<std::function<void()>> m_notices;
+    Signal<> m_delivered;
     Signal<> m_ready;
     Signal<WindowId> m_opened;
     Signal<WindowId, const WindowState&> m_closed;

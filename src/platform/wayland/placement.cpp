@@ -2,6 +2,7 @@
 
 #include "platform/wayland/placement.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tessarel::wayland {
@@ -21,7 +22,24 @@ void Placement::write(WindowId window, const FrameWish& wish) {
 void Placement::finish(WindowId window) {
     if (m_written == window)
         send();
-    if (!m_late.contains(window) && !m_compositor.waitUntilSettled(window, kPatience))
+    if (!m_late.contains(window) && !isPostponed(window))
+        await(window);
+}
+
+std::vector<WindowId> Placement::endSeveral() {
+    send();
+    const auto sent = std::exchange(m_several, std::nullopt).value_or(std::vector<WindowId>());
+    for (const WindowId window : sent)
+        await(window);
+    return sent;
+}
+
+bool Placement::isPostponed(WindowId window) const {
+    return m_several && std::ranges::find(*m_several, window) != m_several->end();
+}
+
+void Placement::await(WindowId window) {
+    if (!m_compositor.waitUntilSettled(window, kPatience))
         m_late.insert(window);
 }
 
@@ -33,9 +51,10 @@ void Placement::send() {
         return;
     const Point origin = wish.origin.value_or(state->frame.origin());
     const Size size = wish.size.value_or(state->frame.size());
-    if (!m_compositor.waitUntilSettled(window, kPatience))
-        m_late.insert(window);
+    await(window);
     m_compositor.place(window, {origin.x, origin.y, size.width, size.height});
+    if (m_several && !isPostponed(window))
+        m_several->push_back(window);
 }
 
 void Placement::enterLoop() {

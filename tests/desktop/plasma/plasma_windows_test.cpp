@@ -97,6 +97,19 @@ TEST_F(PlasmaWindowsTest, AWindowThatRefusesSizesTakesEveryKey) {
     EXPECT_TRUE(comesTo(1, {600, 0, 1000, 900}));
 }
 
+TEST_F(PlasmaWindowsTest, AllWindowsAreArrangedAndOneThatIsTooWideIsPulledBackOntoTheDisplay) {
+    WaylandClient client(session.environment());
+    open(client, 1, {700, 500});
+    open(client, 2);
+    open(client, 3);
+
+    session.input().press({key::kLeftControl, key::kLeftAlt, kKeyA});
+
+    EXPECT_TRUE(comesTo(1, {900, 0, 700, 500}));
+    EXPECT_TRUE(comesTo(2, {533, 0, 533, 450}));
+    EXPECT_TRUE(comesTo(3, {0, 0, 533, 450}));
+}
+
 TEST_F(PlasmaWindowsTest, AmongTwoHundredWindowsTheFrontOnesAreArrangedAndHotKeysWork) {
     constexpr int kWindows = 200;
     WaylandClient client(session.environment());

@@ -2,6 +2,8 @@
 
 #include "platform/sim/windows/sim_accessibility.h"
 
+#include "model/call_on_end.h"
+
 #include <algorithm>
 #include <cmath>
 #include <iomanip>
@@ -143,6 +145,8 @@ std::optional<AttributeValue> SimAccessibility::copyAttribute(const Element& ele
     case Name::Kind::Application:
         return applicationAttribute(name->pid, attribute);
     case Name::Kind::Window:
+        if (isPostponed(name->window, attribute))
+            return {};
         return windowAttribute(name->window, attribute);
     case Name::Kind::PartOfWindow:
         return partAttribute(name->window, attribute);
@@ -178,6 +182,8 @@ void SimAccessibility::write(const Name& name, std::string_view attribute, const
         return;
     }
     SimWindow* window = name.kind == Name::Kind::Window ? m_state.window(name.window) : nullptr;
+    if (window && m_several && std::ranges::find(*m_several, window->id) == m_several->end())
+        m_several->push_back(window->id);
     if (!window || window->fullScreen || window->isTiled)
         return;
     const auto* point = std::get_if<Point>(&value);
@@ -226,6 +232,26 @@ bool SimAccessibility::hasRefused(const Element& window) {
     const Name* name = nameOf(window);
     const SimWindow* found = name ? m_state.window(name->window) : nullptr;
     return found && found->isTiled;
+}
+
+SubscriptionPtr SimAccessibility::writeSeveral() {
+    if (!m_postponesReads)
+        return nullptr;
+    m_several.emplace();
+    return callOnEnd([this] { endSeveral(); });
+}
+
+void SimAccessibility::endSeveral() {
+    const auto written = std::exchange(m_several, std::nullopt).value_or(std::vector<WindowId>());
+    for (const WindowId id : written) {
+        if (const SimWindow* const found = m_state.window(id))
+            m_corrections.send(window(id), found->axFrame);
+    }
+}
+
+bool SimAccessibility::isPostponed(WindowId id, std::string_view attribute) const {
+    return m_several && (attribute == attribute::kPosition || attribute == attribute::kSize) &&
+           std::ranges::find(*m_several, id) != m_several->end();
 }
 
 SubscriptionPtr

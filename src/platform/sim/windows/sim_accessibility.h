@@ -9,8 +9,11 @@
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace tessarel::sim {
 
@@ -45,11 +48,15 @@ public:
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
     /// Returns whether the desktop keeps the window (see `SimWindow::isTiled`).
     [[nodiscard]] bool hasRefused(const Element& window) override;
-    /// Calls `corrected` when a test calls `correct`.
+    /// Returns null, unless `postponeReads` has been called.
+    [[nodiscard]] SubscriptionPtr writeSeveral() override;
+    /// Calls `corrected` when a test calls `correct`, and at the end of writes to several windows.
     [[nodiscard]] SubscriptionPtr
     onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) override;
     [[nodiscard]] std::optional<RunningApplication> owner(const Element& window) override;
 
+    /// From now on, the frames of several written windows can be read only once all have been written.
+    void postponeReads() { m_postponesReads = true; }
     /// Changes the frame of a window, as its program does shortly after a write.
     void correct(WindowId id, const Rect& axFrame);
     /// Calls the observers of the window's application, as if the window had just been opened.
@@ -78,6 +85,8 @@ private:
     [[nodiscard]] std::optional<AttributeValue> partAttribute(WindowId id, std::string_view attribute);
     /// Sends a write to the application. Values of the wrong type and values that are not finite are ignored.
     void write(const Name& name, std::string_view attribute, const AttributeValue& value);
+    void endSeveral();
+    [[nodiscard]] bool isPostponed(WindowId id, std::string_view attribute) const;
     void setPosition(SimWindow& window, const Point& position);
     void setSize(SimWindow& window, const Size& size);
     [[nodiscard]] Size cut(const Size& size, const Point& axOrigin) const;
@@ -87,6 +96,8 @@ private:
     SimState& m_state;
     std::function<void(const std::string& line)> m_afterWrite;
     Signal<const Element&, const Rect&> m_corrections;
+    bool m_postponesReads = false;
+    std::optional<std::vector<WindowId>> m_several; ///< written since `writeSeveral`; empty outside of it
     SimClock::Duration m_timeLimit = SimApplication::kTimeLimit; ///< for elements without their own limit
 };
 

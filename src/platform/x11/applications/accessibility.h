@@ -63,6 +63,8 @@ public:
     [[nodiscard]] bool hasRefused(const Element& window) override;
     /// Calls `corrected` as described for `CorrectionWatch`, and once the window manager has processed a
     /// placement that was late.
+    /// Returns null: the window manager carries out a request before it reads the next one.
+    [[nodiscard]] SubscriptionPtr writeSeveral() override { return nullptr; }
     [[nodiscard]] SubscriptionPtr
     onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) override;
 

@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/wayland/accessibility.h"
+
+#include "platform/sim/time/sim_clock.h"
+#include "platform/sim/time/sim_main_queue.h"
+
+#include <gmock/gmock.h>
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace tessarel::wayland {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr Rect kDisplay{0, 0, 1600, 900};
+constexpr Rect kStart{100, 100, 500, 400};
+constexpr Rect kWanted{0, 0, 800, 450};
+constexpr Rect kWider{0, 0, 900, 450};
+
+/// A compositor that gives windows their frames when they are waited for, and records all calls.
+class FakeCompositor : public Compositor {
+public:
+    explicit FakeCompositor(Mirror& mirror) : m_mirror(mirror) {}
+
+    void place(WindowId window, const Rect& frame) override {
+        calls.push_back("place " + m_mirror.find(window)->name);
+        m_underWay[window] = frame;
+    }
+    bool waitUntilSettled(WindowId window, std::chrono::milliseconds /*patience*/) override {
+        const auto placement = m_underWay.find(window);
+        if (placement == m_underWay.end())
+            return true;
+        const std::string name = m_mirror.find(window)->name;
+        calls.push_back("wait for " + name);
+        const bool isInTime = !stalled.contains(name);
+        if (isInTime)
+            m_mirror.setFrame(name, placement->second);
+        m_underWay.erase(placement);
+        return isInTime;
+    }
+
+    std::vector<std::string> calls;
+    std::set<std::string> stalled; ///< windows that do not settle in time
+
+private:
+    Mirror& m_mirror;
+    std::map<WindowId, Rect> m_underWay;
+};
+
+class WaylandAccessibilityTest : public testing::Test {
+protected:
+    WaylandAccessibilityTest() {
+        Mirror::Snapshot snapshot{.windows = {}, .active = "a", .displays = {{kDisplay, kDisplay}}};
+        for (const char* const name : {"a", "b", "c"})
+            snapshot.windows.push_back({.name = name,
+                                        .pid = 42,
+                                        .applicationId = "editor",
+                                        .windowClass = "editor",
+                                        .frame = kStart});
+        mirror.reset(snapshot);
+        mirror.deliver();
+    }
+
+    Element element(const std::string& name) {
+        for (const Element& window : windows()) {
+            if (accessibility.key(window) == 2 * mirror.named(name) + 1)
+                return window;
+        }
+        return {};
+    }
+    std::vector<Element> windows() {
+        const auto value = accessibility.copyAttribute(accessibility.application(42), attribute::kWindows);
+        return value ? std::get<std::vector<Element>>(*value) : std::vector<Element>();
+    }
+    void write(const std::string& name, const Rect& axFrame) {
+        accessibility.setAttribute(element(name), attribute::kSize, axFrame.size());
+        accessibility.setAttribute(element(name), attribute::kPosition, axFrame.origin());
+    }
+    std::optional<Size> readSize(const std::string& name) {
+        const auto value = accessibility.copyAttribute(element(name), attribute::kSize);
+        return value ? std::optional(std::get<Size>(*value)) : std::nullopt;
+    }
+
+    sim::SimClock clock;
+    sim::SimMainQueue queue{clock};
+    Mirror mirror;
+    FakeCompositor compositor{mirror};
+    Applications applications{mirror, queue, {}, [](ProcessId) { return xdg::ProcessFacts(); }};
+    ApplicationWatch watch{mirror, applications};
+    Accessibility accessibility{mirror, compositor, applications, watch, queue};
+    std::vector<Rect> corrected;
+    SubscriptionPtr corrections = accessibility.onCorrected(
+        [this](const Element& /*window*/, const Rect& axFrame) { corrected.push_back(axFrame); });
+};
+
+TEST_F(WaylandAccessibilityTest, AWindowIsWaitedForWhenItIsReadAfterAWrite) {
+    write("a", kWanted);
+    EXPECT_EQ(readSize("a"), kWanted.size());
+
+    EXPECT_THAT(compositor.calls, ElementsAre("place a", "wait for a"));
+}
+
+TEST_F(WaylandAccessibilityTest, SeveralWindowsAreSentBeforeAnyIsWaitedFor) {
+    auto several = accessibility.writeSeveral();
+    for (const char* const name : {"a", "b", "c"}) {
+        EXPECT_EQ(readSize(name), kStart.size());
+        write(name, kWanted);
+        EXPECT_EQ(readSize(name), std::nullopt);
+    }
+    EXPECT_THAT(corrected, IsEmpty());
+    several.reset();
+
+    EXPECT_THAT(compositor.calls,
+                ElementsAre("place a", "place b", "place c", "wait for a", "wait for b", "wait for c"));
+    EXPECT_THAT(corrected, ElementsAre(kWanted, kWanted, kWanted));
+    EXPECT_EQ(readSize("b"), kWanted.size());
+}
+
+TEST_F(WaylandAccessibilityTest, TheLastOfSeveralWindowsIsSentThoughItIsNotRead) {
+    auto several = accessibility.writeSeveral();
+    write("a", kWanted);
+    several.reset();
+
+    EXPECT_EQ(mirror.find(mirror.named("a"))->frame, kWanted);
+}
+
+TEST_F(WaylandAccessibilityTest, AWindowThatIsStillUnderWayIsWaitedForBeforeItIsOneOfSeveral) {
+    write("a", kWider);
+    clock.advance(0ms);
+    ASSERT_THAT(compositor.calls, ElementsAre("place a"));
+
+    const auto several = accessibility.writeSeveral();
+
+    EXPECT_EQ(readSize("a"), kWider.size());
+}
+
+TEST_F(WaylandAccessibilityTest, AWindowThatHasNotSettledInTimeCanBeReadAfterTheNextReport) {
+    compositor.stalled = {"a"};
+    write("a", kWanted);
+    EXPECT_EQ(readSize("a"), std::nullopt);
+    EXPECT_EQ(readSize("a"), std::nullopt);
+
+    mirror.deliver();
+
+    EXPECT_EQ(readSize("a"), kStart.size());
+}
+
+TEST_F(WaylandAccessibilityTest, AWindowThatSettlesLongAfterItHasBeenReadIsReported) {
+    compositor.stalled = {"a"};
+    write("a", kWanted);
+    EXPECT_EQ(readSize("a"), std::nullopt);
+
+    clock.advance(10s);
+    mirror.setFrame("a", kWider);
+    mirror.deliver();
+    EXPECT_THAT(corrected, ElementsAre(kWider));
+    mirror.setFrame("a", kStart);
+    mirror.deliver();
+
+    EXPECT_THAT(corrected, ElementsAre(kWider)) << "only once";
+}
+
+} // namespace
+} // namespace tessarel::wayland
