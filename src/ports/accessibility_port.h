@@ -43,6 +43,10 @@ inline constexpr std::string_view kMinimized = "AXMinimized"; ///< bool, of a wi
 inline constexpr std::string_view kFullScreen = "AXFullScreen"; ///< bool, of a window
 /// bool, of an application: whether assistive technology has asked it for an enhanced interface.
 inline constexpr std::string_view kEnhancedUserInterface = "AXEnhancedUserInterface";
+/// `Size`, of a window: by how much the desktop's own window around it is larger than its visible frame. Has
+/// another value while the desktop has resized only one of the two. Missing for maximised windows, which have
+/// a frame of their own, and on desktops that do not put windows of their own around others.
+inline constexpr std::string_view kFrameExcess = "TessarelFrameExcess";
 } // namespace attribute
 
 /// Reads and writes other applications' windows, as far as the system allows.

@@ -77,6 +77,12 @@ bool isBorderDragged(const Rect& axFrame, const Rect& start, const Borders& bord
            (isHeightChanged && (borders.top || !isWidthChanged) && isNear(axFrame.maxY(), start.maxY()));
 }
 
+/// Returns the candidate's `kFrameExcess` if a press at `axPress` takes its border; no other press needs it.
+std::optional<Size> borderExcess(const AX& ax, const Candidate& candidate, const Point& axPress) {
+    return bordersAt(axPress, candidate.axFrame).any() ? ax.size(candidate.window, attribute::kFrameExcess)
+                                                       : std::nullopt;
+}
+
 } // namespace
 
 DragSnap::DragSnap(const Uses& uses)
@@ -123,12 +129,14 @@ void DragSnap::mouseDown(const MouseEvent& event) {
     const auto candidate = m_picker.pick(axPoint);
     if (!candidate)
         return;
+    const auto frameExcess = borderExcess(m_uses.ax, *candidate, axPoint);
     auto closed = m_uses.ax.onWindowClosed(candidate->window, [this] { reset(); });
     m_drag = Drag{.candidate = *candidate,
                   .candidateClosed = std::move(closed),
                   .lastEvent = event,
                   .press = event.screenLocation,
                   .axPress = axPoint,
+                  .frameExcess = frameExcess,
                   .movedFrame = {},
                   .nextRead = {},
                   .target = {}};
@@ -152,9 +160,11 @@ bool DragSnap::candidateMoves() {
     if (m_lastRead && now < *m_lastRead + kReadInterval)
         return false;
     m_lastRead = now;
-    const Rect start = m_drag->candidate.axFrame;
-    const auto axFrame = m_uses.ax.frame(m_drag->candidate.window);
-    // The read may have revealed that the window has closed.
+    const Candidate candidate = m_drag->candidate;
+    const Point axPress = m_drag->axPress;
+    const auto axFrame = m_uses.ax.frame(candidate.window);
+    const auto excess = borderExcess(m_uses.ax, candidate, axPress);
+    // The reads may have revealed that the window has closed.
     if (!m_drag)
         return false;
     m_drag->failedReads = axFrame ? 0 : m_drag->failedReads + 1;
@@ -162,13 +172,14 @@ bool DragSnap::candidateMoves() {
         reset();
     if (!axFrame)
         return false;
-    const Borders borders = bordersAt(m_drag->axPress, start);
+    const Rect& start = candidate.axFrame;
+    const Borders borders = bordersAt(axPress, start);
     if (isBorderDragged(*axFrame, start, borders)) {
         m_drag->movedFrame.reset();
         return false;
     }
     if (borders.any())
-        return isMoved(*axFrame, start) && keepsItsSize(*axFrame);
+        return isMoved(*axFrame, start) && keepsItsSize(*axFrame, excess);
     // Window managers that draw a dragged window to the screen's edges may keep its corner where it was, so a
     // change of size, as of a window that is pulled out of its place, is enough. One that grows may have been
     // maximised by a double click: it has to move on.
@@ -191,10 +202,13 @@ bool DragSnap::hasPointerMoved() const {
 
 /// Some window managers follow a dragged border by moving the window first and resizing it a moment later, so
 /// its size lags behind. A window that was pressed at its border counts as dragged only if two reads in a row
-/// find it moved and with exactly the same size. The second read comes even if the pointer rests.
-bool DragSnap::keepsItsSize(const Rect& axFrame) {
+/// find it moved and with exactly the same size, and if its frame has not been resized without it. The second
+/// read comes even if the pointer rests.
+bool DragSnap::keepsItsSize(const Rect& axFrame, const std::optional<Size>& frameExcess) {
     const auto before = std::exchange(m_drag->movedFrame, axFrame);
-    if (before && before->size() == axFrame.size())
+    const auto& excessBefore = m_drag->frameExcess;
+    const bool isInStep = !frameExcess || !excessBefore || *frameExcess == *excessBefore;
+    if (isInStep && before && before->size() == axFrame.size())
         return true;
     m_drag->nextRead =
         m_uses.mainQueue.asyncAfter(kReadInterval, [this] { mouseDragged(MouseEvent(m_drag->lastEvent)); });

@@ -82,6 +82,8 @@ private:
         Point press;
         /// Where the button was pressed, in accessibility coordinates.
         Point axPress;
+        /// The candidate's `kFrameExcess` at the press, if its border was pressed.
+        std::optional<Size> frameExcess;
         /// The candidate's last frame, if it had moved or changed its size without its border being dragged.
         std::optional<Rect> movedFrame;
         /// A read for the case that the pointer rests.
@@ -98,7 +100,7 @@ private:
     void reset();
     [[nodiscard]] bool candidateMoves();
     [[nodiscard]] bool hasPointerMoved() const;
-    [[nodiscard]] bool keepsItsSize(const Rect& axFrame);
+    [[nodiscard]] bool keepsItsSize(const Rect& axFrame, const std::optional<Size>& frameExcess);
     [[nodiscard]] bool goesOnMoving(const Rect& axFrame);
     void follow(const MouseEvent& event);
     void place(const Candidate& candidate, const Target& target);

@@ -152,5 +152,37 @@ TEST_F(DragSnapSizeTest, AWindowThatMovesBeforeItIsResizedShowsNoOverlay) {
     }
 }
 
+TEST_F(DragSnapSizeTest, AWindowWhoseFrameIsResizedFirstShowsNoOverlayHoweverLateItFollows) {
+    auto& excess = desktop.window(window).overrides[std::string(attribute::kFrameExcess)];
+    excess = Size{20, 20};
+    mouse.hold(kShift);
+    grab(window, {320, 5});
+    excess = Size{20, 70};
+    desktop.drag(window, {kStart.x, kStart.y - 50, kStart.width, kStart.height});
+    for (int step = 1; step <= 5; ++step) {
+        mouse.moveTo({kStart.x + 320 + step, kStart.y - 45});
+        desktop.advance(30ms);
+        EXPECT_FALSE(picture.isVisible) << step;
+    }
+
+    excess = Size{20, 20}; // the window has only been moved after all
+    desktop.advance(30ms);
+
+    EXPECT_TRUE(picture.isVisible);
+}
+
+TEST_F(DragSnapSizeTest, AMaximizedWindowHasNoFrameToCompare) {
+    auto& excess = desktop.window(window).overrides[std::string(attribute::kFrameExcess)];
+    mouse.hold(kShift);
+    grab(window, {320, 5});
+    excess = Size{20, 20};
+    desktop.drag(window, {kStart.x + 10, kStart.y + 50, 320, 240});
+    mouse.moveTo({kStart.x + 330, kStart.y + 55});
+
+    desktop.advance(30ms);
+
+    EXPECT_TRUE(picture.isVisible);
+}
+
 } // namespace
 } // namespace tessarel

@@ -165,14 +165,19 @@ Extents Observer::decoration(xcb_window_t window) {
             bottom < 0 ? left : bottom}; // the frame of a shaded window ends above its client
 }
 
-std::optional<Frame> Observer::topLevelFrame(xcb_window_t window) {
+xcb_window_t Observer::topLevel(xcb_window_t window) {
     xcb_connection_t* const x = m_x.get();
     auto tree = own(xcb_query_tree_reply(x, xcb_query_tree(x, window), nullptr));
     while (tree && tree->parent != tree->root && tree->parent != XCB_WINDOW_NONE) {
         window = tree->parent;
         tree = own(xcb_query_tree_reply(x, xcb_query_tree(x, window), nullptr));
     }
-    const auto geometry = own(xcb_get_geometry_reply(x, xcb_get_geometry(x, window), nullptr));
+    return window;
+}
+
+std::optional<Frame> Observer::topLevelFrame(xcb_window_t window) {
+    xcb_connection_t* const x = m_x.get();
+    const auto geometry = own(xcb_get_geometry_reply(x, xcb_get_geometry(x, topLevel(window)), nullptr));
     if (!geometry)
         return std::nullopt;
     const int borders = 2 * geometry->border_width;

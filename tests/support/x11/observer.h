@@ -50,6 +50,8 @@ public:
     /// Returns how far the window manager's decoration reaches beyond the client window. Where the window
     /// manager does not publish it, the frame's window is measured.
     [[nodiscard]] Extents decoration(xcb_window_t window);
+    /// Returns the child of the root window that contains `window` or is it.
+    [[nodiscard]] xcb_window_t topLevel(xcb_window_t window);
     /// Returns the frame, borders included, of the child of the root window that contains `window` or is it.
     [[nodiscard]] std::optional<Frame> topLevelFrame(xcb_window_t window);
 

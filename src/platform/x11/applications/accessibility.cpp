@@ -160,6 +160,8 @@ std::optional<AttributeValue> X11Accessibility::windowAttribute(const Element& e
         return isMinimized(frame->states);
     if (attribute == attribute::kFullScreen)
         return frame->states.fullScreen;
+    if (attribute == attribute::kFrameExcess)
+        return frameExcess(window, *frame);
     if (attribute == attribute::kRole)
         return role(m_windows.traits(window));
     if (attribute == attribute::kSubrole)
@@ -167,6 +169,17 @@ std::optional<AttributeValue> X11Accessibility::windowAttribute(const Element& e
     if (attribute == attribute::kWindow)
         return element;
     return std::nullopt;
+}
+
+/// Reads the window manager's frame after the client. metacity resizes the frame first: if the client has
+/// not got its new size when it is read, the frame has.
+std::optional<AttributeValue> X11Accessibility::frameExcess(xcb_window_t window, const WindowFrame& frame) {
+    const bool isMaximized = frame.states.maximizedHorizontally || frame.states.maximizedVertically;
+    const auto size = isMaximized ? std::nullopt : m_windows.frameWindowSize(window);
+    if (!size)
+        return std::nullopt;
+    const Rect outer = frame.outer();
+    return Size{size->width - outer.width, size->height - outer.height};
 }
 
 void X11Accessibility::setAttribute(const Element& element, std::string_view attribute,

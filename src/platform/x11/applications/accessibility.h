@@ -78,6 +78,7 @@ private:
     [[nodiscard]] std::optional<AttributeValue> windowsOf(ProcessId pid);
     [[nodiscard]] std::optional<AttributeValue> windowAttribute(const Element& element,
                                                                 std::string_view attribute);
+    [[nodiscard]] std::optional<AttributeValue> frameExcess(xcb_window_t window, const WindowFrame& frame);
     /// Returns whether the window exists and still belongs to the process.
     [[nodiscard]] bool isWindowOf(xcb_window_t window, ProcessId pid);
     void finishWrites();

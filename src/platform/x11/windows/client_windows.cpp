@@ -237,6 +237,11 @@ std::optional<WindowFrame> ClientWindows::frame(xcb_window_t window) {
     return *learn(window).frame;
 }
 
+std::optional<Size> ClientWindows::frameWindowSize(xcb_window_t window) {
+    const auto frame = frameWindowOf(m_connection, window);
+    return frame ? std::optional(frame->size()) : std::nullopt;
+}
+
 WindowTraits ClientWindows::traits(xcb_window_t window) {
     return *learn(window).traits;
 }

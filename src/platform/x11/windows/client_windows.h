@@ -51,6 +51,9 @@ public:
     [[nodiscard]] std::optional<ProcessId> pid(xcb_window_t window);
     /// Returns the position, extents and states of the window, or `std::nullopt` when it does not exist.
     [[nodiscard]] std::optional<WindowFrame> frame(xcb_window_t window);
+    /// Returns the size of the window manager's outermost window around `window`, borders included, or
+    /// `std::nullopt` when the window does not exist. Not cached.
+    [[nodiscard]] std::optional<Size> frameWindowSize(xcb_window_t window);
     /// Returns the type of the window and what it says about its program.
     [[nodiscard]] WindowTraits traits(xcb_window_t window);
 

@@ -31,17 +31,14 @@ xcb_window_t topLevelOf(Connection& connection, xcb_window_t window) {
 /// Returns the distances from the edges of `client`, in pixels of the root window, to the outer edges of the
 /// frame window around it, borders included. Returns `std::nullopt` when there is no window any more.
 std::optional<Extents> extentsOfFrameWindow(Connection& connection, xcb_window_t window, const Rect& client) {
-    const auto frame = connection.reply<xcb_get_geometry_reply>(
-        xcb_get_geometry(connection.xcb(), topLevelOf(connection, window)));
+    const auto frame = frameWindowOf(connection, window);
     if (!frame)
         return std::nullopt;
-    // The geometry of a child of the root window gives the outer corner and the size without the border.
-    const int border = 2 * frame->border_width;
-    const int left = static_cast<int>(client.minX()) - frame->x;
-    const int bottom = frame->y + frame->height + border - static_cast<int>(client.maxY());
+    const int left = static_cast<int>(client.minX() - frame->minX());
+    const int bottom = static_cast<int>(frame->maxY() - client.maxY());
     return Extents{.left = left,
-                   .right = frame->x + frame->width + border - static_cast<int>(client.maxX()),
-                   .top = static_cast<int>(client.minY()) - frame->y,
+                   .right = static_cast<int>(frame->maxX() - client.maxX()),
+                   .top = static_cast<int>(client.minY() - frame->minY()),
                    .bottom = bottom < 0 ? left : bottom}; // a shaded window's frame ends above its client
 }
 
@@ -50,6 +47,17 @@ std::optional<Extents> extentsOfFrameWindow(Connection& connection, xcb_window_t
 Rect WindowFrame::outer() const {
     return {client.x - extents.left, client.y - extents.top, client.width + extents.left + extents.right,
             client.height + extents.top + extents.bottom};
+}
+
+std::optional<Rect> frameWindowOf(Connection& connection, xcb_window_t window) {
+    const auto frame = connection.reply<xcb_get_geometry_reply>(
+        xcb_get_geometry(connection.xcb(), topLevelOf(connection, window)));
+    if (!frame)
+        return std::nullopt;
+    // The geometry of a child of the root window gives the outer corner and the size without the border.
+    const int border = 2 * frame->border_width;
+    return Rect{static_cast<double>(frame->x), static_cast<double>(frame->y),
+                static_cast<double>(frame->width + border), static_cast<double>(frame->height + border)};
 }
 
 std::optional<Extents> extentsFrom(std::span<const std::uint32_t> values) {

@@ -61,6 +61,11 @@ struct WindowFrame {
 [[nodiscard]] Extents effectiveExtents(std::optional<Extents> decoration, std::optional<Extents> shadows,
                                        const Size& client);
 
+/// Returns the rectangle of the child of the root window that contains `window` or is it, its border
+/// included, in pixels of the root window. Returns `std::nullopt` when it does not exist. Takes a round trip
+/// for each level of frames, and one more.
+[[nodiscard]] std::optional<Rect> frameWindowOf(Connection& connection, xcb_window_t window);
+
 /// Where the extents of a window are read.
 enum class ExtentsSource {
     Properties,  ///< from the window's properties; without them it has no extents

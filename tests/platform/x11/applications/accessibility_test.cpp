@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <unistd.h>
@@ -51,6 +53,35 @@ TEST_F(AccessibilityTest, AWindowWithoutDecorationIsItsOwnFrame) {
     const xcb_window_t window = open({.client = {300, 200, 600, 400}, .decorated = false});
 
     EXPECT_EQ(readFrame(elementOf(window)), (Rect{300, 200, 600, 400}));
+}
+
+TEST_F(AccessibilityTest, AFrameThatIsLargerThanItsWindowAndDecorationHasAnExcess) {
+    const xcb_window_t window = open();
+    EXPECT_EQ(read<Size>(elementOf(window), attribute::kFrameExcess), (Size{0, 0}));
+
+    const auto before = observer.topLevelFrame(window);
+    ASSERT_TRUE(before);
+    const xcb_window_t frame = observer.topLevel(window);
+    const std::array size = {static_cast<std::uint32_t>(before->width) + 5,
+                             static_cast<std::uint32_t>(before->height) + 7};
+    const std::uint32_t unredirected = 1;
+    xcb_connection_t* const xcb = observer.x().get();
+    xcb_change_window_attributes(xcb, frame, XCB_CW_OVERRIDE_REDIRECT, &unredirected);
+    xcb_configure_window(xcb, frame, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size.data());
+    observer.x().roundTrip();
+    settle();
+
+    EXPECT_EQ(read<Size>(elementOf(window), attribute::kFrameExcess), (Size{5, 7}));
+}
+
+TEST_F(AccessibilityTest, AMaximizedWindowHasNoExcess) {
+    const xcb_window_t window = open();
+    observer.changeState(window, x11test::StateChange::Add, "_NET_WM_STATE_MAXIMIZED_VERT");
+    ASSERT_TRUE(
+        observer.waitUntil([&] { return observer.hasState(window, "_NET_WM_STATE_MAXIMIZED_VERT"); }));
+    settle();
+
+    EXPECT_FALSE(accessibility.copyAttribute(elementOf(window), attribute::kFrameExcess));
 }
 
 TEST_F(AccessibilityTest, TheWindowTypeDeterminesRoleAndSubrole) {
