@@ -19,8 +19,8 @@
 
 namespace tessarel {
 
-/// A message bus that authenticates every client, lets the first ones enter (replies to Hello), and replies to
-/// nothing else. Served by a thread of its own.
+/// A message bus that authenticates every client, lets the first ones enter (replies to Hello), and replies
+/// to nothing else. Served by a thread of its own.
 class HangingBus {
 public:
     /// Listens at the socket `path`. `entering` is the number of clients that may enter.
@@ -110,7 +110,7 @@ private:
     static std::string welcome(std::uint32_t serial) {
         using namespace std::string_view_literals;
         std::string message("l\2\1\1\11\0\0\0\1\0\0\0\75\0\0\0"sv); // a body of 9 bytes, fields of 61
-        message += "\5\1u\0"sv;                                      // in reply to
+        message += "\5\1u\0"sv;                                     // in reply to
         message.append(reinterpret_cast<const char*>(&serial), sizeof serial);
         message += "\6\1s\0\4\0\0\0:1.1\0\0\0\0"sv;                  // destination
         message += "\10\1g\0\1s\0\0"sv;                              // signature

@@ -38,8 +38,8 @@ std::vector<int> openDescriptors() {
     return open;
 }
 
-/// Returns the name of the socket that a socket of this process is connected to, with a leading null character
-/// if it is not in the file system; empty if there is none.
+/// Returns the name of the socket that a socket of this process is connected to, with a leading null
+/// character if it is not in the file system; empty if there is none.
 std::string peerName(int socket) {
     sockaddr_un address{};
     socklen_t length = sizeof address;
@@ -99,8 +99,8 @@ bool BusConnecting::wait(std::chrono::milliseconds patience) const {
     return ::poll(&finished, 1, static_cast<int>(patience.count())) > 0;
 }
 
-/// The D-Bus library takes a socket that is shut down for a bus that has gone. It may be just about to connect
-/// another one, so this is repeated.
+/// The D-Bus library takes a socket that is shut down for a bus that has gone. It may be just about to
+/// connect another one, so this is repeated.
 void BusConnecting::breakOff() {
     constexpr std::chrono::milliseconds kInterval{10};
     m_isBrokenOff = true;

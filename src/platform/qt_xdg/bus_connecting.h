@@ -41,8 +41,8 @@ public:
     [[nodiscard]] int fileDescriptor() const { return m_finished; }
     /// Waits for up to `patience` until the thread has finished, and returns whether it has.
     [[nodiscard]] bool wait(std::chrono::milliseconds patience) const;
-    /// Closes what is not connected yet, and waits for the thread. If Qt's own connection is not there yet, Qt
-    /// does without the bus until the program ends.
+    /// Closes what is not connected yet, and waits for the thread. If Qt's own connection is not there yet,
+    /// Qt does without the bus until the program ends.
     void breakOff();
     /// Returns what has come of it. Requires that the thread has finished.
     [[nodiscard]] Result result();

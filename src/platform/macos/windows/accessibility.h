@@ -50,9 +50,9 @@ public:
     [[nodiscard]] std::optional<ProcessId> pid(const Element& element) override;
     /// Returns false: only the owning program can refuse.
     [[nodiscard]] bool hasRefused(const Element& window) override;
-    /// Returns null: corrections are not observed.
     /// Returns null: every write waits for the program.
     [[nodiscard]] SubscriptionPtr writeSeveral() override { return nullptr; }
+    /// Returns null: corrections are not observed.
     [[nodiscard]] SubscriptionPtr
     onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) override;
     /// Returns the application of the window's process; a process has one bundle identifier.

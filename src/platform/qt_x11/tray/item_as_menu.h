@@ -14,8 +14,8 @@
 
 namespace tessarel::qt {
 
-/// Stands in for the StatusNotifierItem of Qt's icon and says that the item is a menu, so that the panel opens
-/// the menu with either mouse button. Qt's own item says the contrary.
+/// Stands in for the StatusNotifierItem of Qt's icon and says that the item is a menu, so that the panel
+/// opens the menu with either mouse button. Qt's own item says the contrary.
 ///
 /// Takes everything else from Qt's item. Where Qt has none that this class knows, nothing changes.
 class ItemAsMenu : public QDBusVirtualObject {
@@ -25,8 +25,8 @@ public:
     ItemAsMenu& operator=(const ItemAsMenu&) = delete;
     ~ItemAsMenu() override;
 
-    /// Takes the place of Qt's item unless it has done so, and tells panels that the icon and the tool tip may
-    /// have changed. Call it after every change of the icon.
+    /// Takes the place of Qt's item unless it has done so, and tells panels that the icon and the tool tip
+    /// may have changed. Call it after every change of the icon.
     void refresh();
 
     [[nodiscard]] QString introspect(const QString& path) const override;
