@@ -28,7 +28,7 @@ void Placement::finish(WindowId window) {
 
 std::vector<WindowId> Placement::endSeveral() {
     send();
-    const auto sent = std::exchange(m_several, std::nullopt).value_or(std::vector<WindowId>());
+    auto sent = std::exchange(m_several, std::nullopt).value_or(std::vector<WindowId>());
     for (const WindowId window : sent)
         await(window);
     return sent;
