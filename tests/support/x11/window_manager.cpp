@@ -41,6 +41,7 @@ const std::vector<Traits>& allTraits() {
         {Pekwm, "pekwm", {"pekwm"}, false},
         {Blackbox, "blackbox", {"blackbox"}, false},
         {Herbstluftwm, "herbstluftwm", {"herbstluftwm", "--autostart=/bin/true"}, false},
+        {I3, "i3", {"i3"}, false},
     };
     return traits;
 }
@@ -158,6 +159,9 @@ void dropKeys(const XServer& server, WindowManagerKind kind) {
         // Replaces the installed configuration, which opens windows of its own.
         return writeFile(server.home() / ".fvwm/config",
                          "OpaqueMoveSize unlimited\nStyle * ResizeOpaque, ClickToFocus\n");
+    case WindowManagerKind::I3:
+        // Replaces the installed configuration, which runs a wizard and starts a bar.
+        return writeFile(server.configHome() / "i3/config", "font pango:monospace 8\n");
     case WindowManagerKind::Xfwm4: // stores its keys in a daemon that the private bus does not start
     case WindowManagerKind::Kwin:  // likewise
     case WindowManagerKind::Awesome:

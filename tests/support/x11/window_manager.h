@@ -26,10 +26,11 @@ enum class WindowManagerKind {
     WindowMaker,
     Pekwm,
     Blackbox,
-    Herbstluftwm
+    Herbstluftwm,
+    I3
 };
 
-/// All but herbstluftwm, which tiles windows unless they float.
+/// All but herbstluftwm and i3, which tile windows unless they float.
 inline constexpr std::array kAllWindowManagers = {
     WindowManagerKind::Openbox, WindowManagerKind::Xfwm4,    WindowManagerKind::Metacity,
     WindowManagerKind::Marco,   WindowManagerKind::Icewm,    WindowManagerKind::Fluxbox,

@@ -170,7 +170,7 @@ void ReservedSpaceWatch::refresh() {
         ManagersAreasRequest(m_connection, areasAtom(m_desktop)).collect(m_desktop, m_space);
     const auto managed = values(clients);
     const bool publishesAreas = m_space.commonArea || !m_space.areaPerMonitor.empty();
-    const auto others = publishesAreas ? std::vector<xcb_window_t>{} : unmanagedChildrenOfRoot(managed);
+    const auto others = publishesAreas ? std::vector<xcb_window_t>{} : unmanagedWindows(managed);
     // Both before the first read, because a window may have moved from one cache to the other.
     dropAllBut(managed, m_struts);
     dropAllBut(others, m_otherStruts);
@@ -179,17 +179,33 @@ void ReservedSpaceWatch::refresh() {
     readStruts(m_otherStruts, others, Managed::No);
 }
 
-/// Returns the children of the root window that belong to other programs and are not managed.
-std::vector<xcb_window_t> ReservedSpaceWatch::unmanagedChildrenOfRoot(std::span<const xcb_window_t> managed) {
-    const auto tree =
-        m_connection.reply<xcb_query_tree_reply>(xcb_query_tree(m_connection.xcb(), m_connection.root()));
-    if (!tree)
-        return {};
-    const xcb_window_t* const first = xcb_query_tree_children(tree.get());
-    std::vector<xcb_window_t> children(first, first + xcb_query_tree_children_length(tree.get()));
+/// Returns the windows of other programs that may be docks without being managed: the children of the root
+/// window, and their children, because i3 keeps docks in frames and does not list them.
+std::vector<xcb_window_t> ReservedSpaceWatch::unmanagedWindows(std::span<const xcb_window_t> managed) {
+    const xcb_window_t root = m_connection.root();
+    std::vector<xcb_window_t> windows = childrenOf({&root, 1});
+    const std::vector<xcb_window_t> framed = childrenOf(windows);
+    windows.insert(windows.end(), framed.begin(), framed.end());
     const std::unordered_set<xcb_window_t> known(managed.begin(), managed.end());
-    std::erase_if(children,
+    std::erase_if(windows,
                   [&](xcb_window_t window) { return known.contains(window) || m_connection.owns(window); });
+    return windows;
+}
+
+/// Returns the children of all `parents`, read in one round trip.
+std::vector<xcb_window_t> ReservedSpaceWatch::childrenOf(std::span<const xcb_window_t> parents) {
+    std::vector<xcb_query_tree_cookie_t> cookies;
+    cookies.reserve(parents.size());
+    for (const xcb_window_t parent : parents)
+        cookies.push_back(xcb_query_tree(m_connection.xcb(), parent));
+    std::vector<xcb_window_t> children;
+    for (const xcb_query_tree_cookie_t cookie : cookies) {
+        const auto tree = m_connection.reply<xcb_query_tree_reply>(cookie);
+        if (!tree)
+            continue;
+        const xcb_window_t* const first = xcb_query_tree_children(tree.get());
+        children.insert(children.end(), first, first + xcb_query_tree_children_length(tree.get()));
+    }
     return children;
 }
 

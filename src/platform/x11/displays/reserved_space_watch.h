@@ -40,7 +40,8 @@ private:
     enum class Managed { No, Yes };
     void dropAllBut(std::span<const xcb_window_t> windows, StrutCache& cache);
     void readStruts(StrutCache& cache, std::span<const xcb_window_t> windows, Managed managed);
-    [[nodiscard]] std::vector<xcb_window_t> unmanagedChildrenOfRoot(std::span<const xcb_window_t> managed);
+    [[nodiscard]] std::vector<xcb_window_t> unmanagedWindows(std::span<const xcb_window_t> managed);
+    [[nodiscard]] std::vector<xcb_window_t> childrenOf(std::span<const xcb_window_t> parents);
     [[nodiscard]] xcb_atom_t areasAtom(std::uint32_t desktop);
 
     Connection& m_connection;

@@ -157,19 +157,23 @@ void Placement::tryOtherRoute(Task& task) {
 }
 
 void Placement::ask(Task& task) {
-    if (m_route == Route::Message) {
-        sendMessage(task);
-        finish(task);
-        return;
-    }
-    sendConfigure(task, {});
+    const WindowManagerState& manager = m_windows.manager();
+    send(task, {});
     finish(task);
-    if (!m_windows.manager().running)
+    if (!manager.running || (m_route == Route::Message && manager.publishesExtents))
         return;
     // awesome carries out the requests for managed windows once it has processed all that have arrived.
-    if (hasStayed(task) && isHeld(task))
+    if (m_route == Route::Configure && hasStayed(task) && isHeld(task))
         finish(task);
     correct(task);
+}
+
+/// Sends the wish by the current route, moved back by `deviation`.
+void Placement::send(const Task& task, const Point& deviation) {
+    if (m_route == Route::Message)
+        sendMessage(task, deviation);
+    else
+        sendConfigure(task, deviation);
 }
 
 /// Waits until the window manager has processed the requests and reads the frame that the window really has
@@ -185,7 +189,7 @@ void Placement::finish(Task& task) {
         task.isLate = true;
 }
 
-void Placement::sendMessage(const Task& task) {
+void Placement::sendMessage(const Task& task, const Point& deviation) {
     const FrameWish& wish = task.wish;
     const Extents& extents = task.now.extents;
     // The position refers to the window manager's frame. For client-decorated windows that is the X window
@@ -195,8 +199,8 @@ void Placement::sendMessage(const Task& task) {
     std::array<std::uint32_t, 5> data{kNorthWest | kFromUserShifted};
     if (wish.origin) {
         data[0] |= kHasOrigin;
-        data[1] = wire(wish.origin->x + shadowLeft);
-        data[2] = wire(wish.origin->y + shadowTop);
+        data[1] = wire(wish.origin->x + shadowLeft - deviation.x);
+        data[2] = wire(wish.origin->y + shadowTop - deviation.y);
     }
     if (wish.size) {
         data[0] |= kHasSize;
@@ -235,7 +239,8 @@ void Placement::sendConfigure(const Task& task, const Point& deviation) {
 }
 
 /// Requests the position again if the frame misses it by no more than its own extents: window managers differ
-/// in how they apply the gravity of a client and the border of their frame.
+/// in how they apply the gravity of a client and the border of their frame. i3 places the client where the
+/// frame should be, also on a message.
 void Placement::correct(Task& task) {
     if (!task.wish.origin || task.isLate || hasStayed(task))
         return;
@@ -246,7 +251,7 @@ void Placement::correct(Task& task) {
                            std::abs(deviation.y) <= std::abs(extents.top) + std::abs(extents.bottom);
     if (deviation == Point{} || !isGravity)
         return;
-    sendConfigure(task, deviation);
+    send(task, deviation);
     finish(task);
 }
 

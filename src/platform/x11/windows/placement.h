@@ -66,7 +66,8 @@ private:
     /// Sends the wish by the current route, waits and updates `now`. Sets `isLate` after a timeout, and when
     /// the window has gone.
     void ask(Task& task);
-    void sendMessage(const Task& task);
+    void send(const Task& task, const Point& deviation);
+    void sendMessage(const Task& task, const Point& deviation);
     void sendConfigure(const Task& task, const Point& deviation);
     void normalize(xcb_window_t window, const WindowStates& states);
     void correct(Task& task);
