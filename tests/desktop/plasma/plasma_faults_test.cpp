@@ -58,7 +58,7 @@ TEST_F(PlasmaFaultsTest, WhenTheCompositorHasCrashedAndRunsAgainTheHotKeysDoSoTo
 }
 
 TEST_F(PlasmaFaultsTest, TheCompositorMayCrashBeforeTheProgramHasConnectedToIt) {
-    session.startProgramSuspended();
+    session.startProgramSuspended(Reached::Claim);
     session.killCompositor();
     session.program().signal(SIGCONT);
 
@@ -67,8 +67,8 @@ TEST_F(PlasmaFaultsTest, TheCompositorMayCrashBeforeTheProgramHasConnectedToIt) 
     expectHotKeysWork();
 }
 
-TEST_F(PlasmaFaultsTest, ACompositorThatHasRestartedBeforeTheProgramHasConnectedToItGetsScriptAndHotKeys) {
-    session.startProgramSuspended();
+TEST_F(PlasmaFaultsTest, ACompositorThatHasRestartedBeforeTheProgramHasConnectedToItGetsTheScriptToo) {
+    session.startProgramSuspended(Reached::Script);
     restartCompositor();
 
     session.program().signal(SIGCONT);
@@ -110,7 +110,7 @@ TEST_F(PlasmaFaultsTest, AStoppedCompositorHoldsUpNeitherCommandsNorTheEnd) {
 
 TEST_F(PlasmaFaultsTest, AProgramThatStartsWithAStoppedCompositorWorksOnceThatGoesOn) {
     session.compositor().signal(SIGSTOP);
-    session.startProgramSuspended();
+    session.startProgramSuspended(Reached::Claim);
     session.program().signal(SIGCONT);
 
     session.compositor().signal(SIGCONT);
@@ -120,7 +120,7 @@ TEST_F(PlasmaFaultsTest, AProgramThatStartsWithAStoppedCompositorWorksOnceThatGo
 
 TEST_F(PlasmaFaultsTest, SigtermEndsAProgramThatStartsWithAStoppedCompositor) {
     session.compositor().signal(SIGSTOP);
-    session.startProgramSuspended();
+    session.startProgramSuspended(Reached::Claim);
     session.program().signal(SIGCONT);
 
     EXPECT_EQ(session.endProgram(), 0) << session.program().errors();

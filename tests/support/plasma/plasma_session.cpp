@@ -237,11 +237,22 @@ bool PlasmaSession::startProgram() {
     });
 }
 
-void PlasmaSession::startProgramSuspended() {
+void PlasmaSession::startProgramSuspended(Reached wanted) {
     startProgramOnly();
+    const auto hasReached = [&] {
+        if (wanted == Reached::Claim)
+            return replyTo(wayland::busCall("GetNameOwner", "s", {plasma::SingleInstance::kName}))
+                .error.empty();
+        return replyTo({"org.kde.KWin",
+                        "/Scripting",
+                        "org.kde.kwin.Scripting",
+                        "isScriptLoaded",
+                        "s",
+                        {std::string("tessarel")}})
+                   .value<std::int64_t>(0) != 0;
+    };
     const x11test::Deadline deadline;
-    // Without a pause, because what follows in the program takes only some milliseconds.
-    while (replyTo(wayland::busCall("GetNameOwner", "s", {plasma::SingleInstance::kName})).error != "") {
+    while (!hasReached()) { // without a pause, because the rest of the start takes only some milliseconds
         if (deadline.passed())
             throw std::runtime_error("the program does not start: " + m_program->errors());
     }
@@ -269,6 +280,7 @@ void PlasmaSession::open(const std::vector<std::string>& command, const std::str
     });
     if (!isOpen)
         throw std::runtime_error(command.front() + " opens no window: " + m_clients.back()->errors());
+    m_probe->roundTrip(); // KWin has told the program, too
 }
 
 std::optional<Rect> PlasmaSession::frame(const std::string& windowClass) {

@@ -29,6 +29,12 @@ enum class Drawing : std::uint8_t { Software, OpenGl };
 /// be unlocked again: that takes a password.
 enum class Extra : std::uint8_t { None, XServer, ScreenLocker };
 
+/// What the start of the program has reached.
+enum class Reached : std::uint8_t {
+    Claim,  ///< it is the only copy of the session
+    Script, ///< KWin has its script
+};
+
 /// A private session of KDE Plasma on Wayland: a session bus and KWin without a screen, with two
 /// displays side by side, in a home and a runtime folder of its own. There is no desktop shell.
 class PlasmaSession {
@@ -59,9 +65,9 @@ public:
     [[nodiscard]] bool startProgram();
     /// Starts the program under test without waiting for it.
     void startProgramOnly();
-    /// Starts the program and suspends it once it has claimed the session, before it connects to KWin's
-    /// socket. Throws std::runtime_error if it does not claim the session.
-    void startProgramSuspended();
+    /// Starts the program and suspends it once its start has got that far, before it connects to KWin's
+    /// socket. Throws std::runtime_error if it does not.
+    void startProgramSuspended(Reached wanted);
     /// Ends the program with SIGTERM. Returns its exit code; empty if it does not exit.
     [[nodiscard]] std::optional<int> endProgram();
     [[nodiscard]] x11test::ChildProcess& program() { return *m_program; }
@@ -86,7 +92,8 @@ public:
     void killCompositor();
     /// Starts KWin again and waits until it takes scripts and input.
     void startCompositor();
-    /// Starts another program and waits until its window is active. Throws std::runtime_error if it is not.
+    /// Starts another program and waits until its window is active, and KWin has told the program under test.
+    /// Throws std::runtime_error if it is not.
     void open(const std::vector<std::string>& command, const std::string& windowClass);
     /// Returns the frame of the window with this class; empty if there is none.
     [[nodiscard]] std::optional<Rect> frame(const std::string& windowClass);
