@@ -31,6 +31,9 @@ constexpr const char* kNext = "next"; ///< the script's call that is answered wi
 constexpr milliseconds kLoadInterval{500};
 constexpr int kLoadAttempts = 60;
 
+/// The script reports all windows as soon as it runs.
+constexpr std::chrono::seconds kLongestSilence{10};
+
 wayland::BusCall scripting(std::string member, std::string signature = {},
                            std::vector<wayland::BusValue> values = {}) {
     return {kCompositor,       "/Scripting",         "org.kde.kwin.Scripting",
@@ -78,12 +81,23 @@ void Bridge::tryToLoad(int attempts) {
         scripting("loadScript", "ss", {file().string(), kScriptName}),
         [this, attempts](const wayland::BusMessage& reply) {
             m_isAccepted = reply.error.empty() && reply.value<std::int64_t>(0) >= 0;
-            if (!m_isAccepted && attempts > 1)
+            if (m_isAccepted)
+                awaitReport();
+            else if (attempts > 1)
                 m_nextAttempt =
                     m_queue.asyncAfter(kLoadInterval, [this, attempts] { tryToLoad(attempts - 1); });
         },
         Delivery::Urgent);
     m_link.call(scripting("start"));
+}
+
+void Bridge::awaitReport() {
+    if (m_mirror.isReady())
+        return;
+    m_overdue = m_queue.asyncAfter(kLongestSilence, [this] {
+        m_isOverdue = true;
+        m_report("KWin has taken the script by which it moves windows, but does not run it");
+    });
 }
 
 std::filesystem::path Bridge::file() const {
@@ -118,6 +132,8 @@ void Bridge::handleReport(const std::string& text) {
     if (!report)
         return;
     const auto settled = applyReport(*report, m_mirror);
+    if (m_mirror.isReady())
+        m_overdue.reset();
     const auto placed = settled ? m_underWay.find(settled->window) : m_underWay.end();
     if (placed == m_underWay.end() || placed->second.serial != settled->serial)
         return;

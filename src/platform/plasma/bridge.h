@@ -35,8 +35,9 @@ public:
     /// all windows, at most for `patience`. If KWin does not take the script, which it may not do yet, tries
     /// again later. Call it once the bus has accepted the link.
     void load(std::chrono::milliseconds patience);
-    /// Returns whether KWin has accepted the script, or has not replied yet.
-    [[nodiscard]] bool isAccepted() const { return m_isAccepted; }
+    /// Returns whether KWin has accepted the script, or has not replied yet. False also while an accepted
+    /// script has reported nothing for 10 s, as one does that fails in KWin.
+    [[nodiscard]] bool isAccepted() const { return m_isAccepted && (!m_isOverdue || m_mirror.isReady()); }
 
     /// Brings this program's windows to the user: those that there are, or else the next one.
     void bringOwnWindows();
@@ -54,6 +55,7 @@ private:
     [[nodiscard]] std::filesystem::path file() const;
     [[nodiscard]] bool writeScript() const;
     void tryToLoad(int attempts);
+    void awaitReport();
     void handle(const wayland::BusMessage& message);
     void handleReport(const std::string& text);
     void keepForCommands(std::uint64_t token);
@@ -67,6 +69,7 @@ private:
     std::function<void(const std::string&)> m_report;
     std::string m_compositorName; ///< unique bus name of KWin; only its calls are accepted
     bool m_isAccepted = true;
+    bool m_isOverdue = false;        ///< the script should have reported by now
     std::uint64_t m_waitingCall = 0; ///< token of the script's call of "next"; 0 if there is none
     std::string m_unsent;            ///< commands that wait for that call, without the brackets of the list
     std::uint64_t m_lastSerial = 0;
@@ -75,6 +78,7 @@ private:
     SubscriptionPtr m_calls;
     SubscriptionPtr m_delivered;
     SubscriptionPtr m_nextAttempt;
+    SubscriptionPtr m_overdue;
 };
 
 } // namespace tessarel::plasma

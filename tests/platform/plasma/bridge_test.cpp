@@ -166,6 +166,22 @@ TEST_F(BridgeTest, AScriptThatTheCompositorDoesNotTakeYetIsLoadedAgain) {
     EXPECT_THAT(compositor->requests, testing::Contains("loadScript"));
 }
 
+TEST_F(BridgeTest, AScriptThatReportsNothingIsNotAcceptedAnyMoreUntilItDoes) {
+    compositor.emplace(address, true);
+    makeBridge(folder.path());
+    bridge->load(1ms);
+    ASSERT_TRUE(exchangeUntil([this] { return clock.waiting() > 0; }));
+
+    clock.advance(9999ms);
+    EXPECT_TRUE(bridge->isAccepted());
+    clock.advance(1ms);
+    EXPECT_FALSE(bridge->isAccepted());
+    EXPECT_THAT(problems, ElementsAre(HasSubstr("does not run it")));
+
+    compositor->report(link->uniqueName(), kEverything);
+    EXPECT_TRUE(waitUntil([&] { return bridge->isAccepted(); }));
+}
+
 TEST_F(BridgeTest, ACompositorThatNeverRepliesIsWaitedForWithABound) {
     compositor.emplace(address, false);
     makeBridge(folder.path());

@@ -46,10 +46,9 @@ TEST_F(FloatingPlacementTest, AFloatingWindowGetsTheExactFrameAndGoesBack) {
 }
 
 TEST_F(FloatingPlacementTest, ADockThatIsNotListedReservesSpace) {
-    const xcb_window_t dock =
-        client.open({.client = {0, 860, 1600, 40},
-                     .type = "_NET_WM_WINDOW_TYPE_DOCK",
-                     .strut = {0, 0, 0, 40, 0, 0, 0, 0, 0, 0, 0, 1599}});
+    const xcb_window_t dock = client.open({.client = {0, 860, 1600, 40},
+                                           .type = "_NET_WM_WINDOW_TYPE_DOCK",
+                                           .strut = {0, 0, 0, 40, 0, 0, 0, 0, 0, 0, 0, 1599}});
     observer.watch(dock);
     ASSERT_TRUE(observer.waitUntil([&] { return observer.topLevel(dock) != dock; }));
     ASSERT_FALSE(observer.managed(dock));
