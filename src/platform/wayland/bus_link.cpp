@@ -85,10 +85,11 @@ public:
     /// Handles everything that has arrived.
     void process() {
         int result = 1;
-        while (result > 0)
+        while (result > 0) {
             result = sd_bus_process(m_bus, nullptr);
-        if (!m_hasReportedName && sd_bus_is_ready(m_bus) > 0)
-            reportName();
+            if (!m_hasReportedName && sd_bus_is_ready(m_bus) > 0)
+                reportName(); // before the first reply, which may have come with it
+        }
         m_isClosed = result < 0;
     }
 

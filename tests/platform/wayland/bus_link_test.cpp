@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
+#include <memory>
 #include <optional>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -69,6 +70,28 @@ TEST_F(BusLinkTest, ACallIsRepliedTo) {
 
     EXPECT_NE(replyTo(link, ofBus("GetId")).value<std::string>(0), "");
     EXPECT_EQ(replyTo(link, ofBus("NoSuchMember")).error, "org.freedesktop.DBus.Error.UnknownMethod");
+}
+
+TEST_F(BusLinkTest, TheNameOfTheConnectionIsKnownWithTheFirstReply) {
+    startBus();
+    std::vector<std::unique_ptr<BusLink>> links; // many at once, so that several messages arrive together
+    int replies = 0;
+    for (int connection = 0; connection < 50; ++connection) {
+        links.push_back(std::make_unique<BusLink>(address));
+        BusLink& link = *links.back();
+        link.call(
+            ofBus("GetId"),
+            [&](const BusMessage&) {
+                ++replies;
+                EXPECT_NE(link.uniqueName(), "");
+            },
+            Delivery::Urgent);
+    }
+
+    for (int wanted = 1; const auto& link : links) {
+        EXPECT_TRUE(link->waitUntil([&] { return replies == wanted; }, x11test::kPatience));
+        ++wanted;
+    }
 }
 
 TEST_F(BusLinkTest, ValuesOfAllTypesArriveAsTheyWereSent) {
