@@ -332,10 +332,13 @@ function next() {
     const call = ++lastCall;
     callDBus(service, path, programInterface, "next", (text) => {
         unanswered = 0;
-        if (text !== "")
-            JSON.parse(text).forEach(carryOut);
-        if (call === lastCall)
-            next();
+        try {
+            if (text !== "")
+                JSON.parse(text).forEach(carryOut);
+        } finally { // a command that fails takes the later ones with it, but not those to come
+            if (call === lastCall)
+                next();
+        }
     });
     renewal.start();
 }
