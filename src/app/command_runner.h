@@ -8,7 +8,7 @@
 #include "engine/permissions.h"
 #include "engine/runtime.h"
 #include "model/settings/store.h"
-#include "ports/displays_port.h"
+#include "ports/desktop/displays_port.h"
 
 #include <functional>
 #include <string>

@@ -7,7 +7,7 @@
 #include "model/action_id.h"
 #include "model/layout.h"
 #include "model/settings/store.h"
-#include "ports/key_names_port.h"
+#include "ports/desktop/key_names_port.h"
 #include "ports/menu.h"
 #include "ports/platform_words.h"
 

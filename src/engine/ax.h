@@ -3,10 +3,10 @@
 #pragma once
 
 #include "model/subscription.h"
-#include "ports/accessibility_port.h"
-#include "ports/process_id.h"
-#include "ports/rect.h"
-#include "ports/workspace_port.h"
+#include "ports/desktop/accessibility_port.h"
+#include "ports/desktop/process_id.h"
+#include "ports/desktop/rect.h"
+#include "ports/desktop/workspace_port.h"
 
 #include <chrono>
 #include <cstdint>

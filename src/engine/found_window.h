@@ -2,8 +2,8 @@
 
 #pragma once
 
-#include "ports/accessibility_port.h"
-#include "ports/process_id.h"
+#include "ports/desktop/accessibility_port.h"
+#include "ports/desktop/process_id.h"
 
 namespace tessarel {
 

@@ -5,8 +5,8 @@
 #include "engine/screens.h"
 #include "model/settings/store.h"
 #include "model/zone.h"
-#include "ports/displays_port.h"
-#include "ports/rect.h"
+#include "ports/desktop/displays_port.h"
+#include "ports/desktop/rect.h"
 
 #include <optional>
 

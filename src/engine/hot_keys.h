@@ -7,7 +7,7 @@
 #include "model/settings/store.h"
 #include "model/signal.h"
 #include "model/subscription.h"
-#include "ports/hot_key_port.h"
+#include "ports/desktop/hot_key_port.h"
 
 #include <cstdint>
 #include <functional>

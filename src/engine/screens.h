@@ -2,8 +2,8 @@
 
 #pragma once
 
-#include "ports/displays_port.h"
-#include "ports/rect.h"
+#include "ports/desktop/displays_port.h"
+#include "ports/desktop/rect.h"
 
 #include <vector>
 

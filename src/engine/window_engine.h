@@ -10,9 +10,9 @@
 #include "model/subscription.h"
 #include "model/zone.h"
 #include "ports/alert_sound_port.h"
-#include "ports/displays_port.h"
-#include "ports/window_list_port.h"
-#include "ports/workspace_port.h"
+#include "ports/desktop/displays_port.h"
+#include "ports/desktop/window_list_port.h"
+#include "ports/desktop/workspace_port.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -9,11 +9,11 @@
 #include "engine/window_engine.h"
 #include "model/settings/store.h"
 #include "model/subscription.h"
-#include "ports/accessibility_port.h"
 #include "ports/deferred_work.h"
+#include "ports/desktop/accessibility_port.h"
+#include "ports/desktop/process_id.h"
+#include "ports/desktop/workspace_port.h"
 #include "ports/main_queue_port.h"
-#include "ports/process_id.h"
-#include "ports/workspace_port.h"
 
 #include <cstddef>
 #include <cstdint>

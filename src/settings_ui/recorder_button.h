@@ -6,7 +6,7 @@
 #include "model/action_id.h"
 #include "model/settings/store.h"
 #include "model/subscription.h"
-#include "ports/local_keys_port.h"
+#include "ports/desktop/local_keys_port.h"
 #include "settings_ui/tab_context.h"
 
 #include <QPushButton>

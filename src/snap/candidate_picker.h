@@ -4,9 +4,9 @@
 
 #include "engine/ax.h"
 #include "engine/window_engine.h"
-#include "ports/accessibility_port.h"
-#include "ports/process_id.h"
-#include "ports/rect.h"
+#include "ports/desktop/accessibility_port.h"
+#include "ports/desktop/process_id.h"
+#include "ports/desktop/rect.h"
 
 #include <optional>
 

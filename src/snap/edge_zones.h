@@ -3,7 +3,7 @@
 #pragma once
 
 #include "model/zone.h"
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 
 #include <optional>
 

@@ -3,8 +3,8 @@
 #pragma once
 
 #include "engine/screens.h"
-#include "ports/displays_port.h"
-#include "ports/overlay_port.h"
+#include "ports/desktop/displays_port.h"
+#include "ports/desktop/overlay_port.h"
 #include "snap/overlay_item.h"
 #include "snap/overlay_view.h"
 

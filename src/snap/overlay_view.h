@@ -2,8 +2,8 @@
 
 #pragma once
 
-#include "ports/overlay_port.h"
-#include "ports/rect.h"
+#include "ports/desktop/overlay_port.h"
+#include "ports/desktop/rect.h"
 #include "snap/overlay_item.h"
 
 #include <vector>

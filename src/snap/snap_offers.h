@@ -6,8 +6,8 @@
 #include "engine/screens.h"
 #include "model/carbon_mods.h"
 #include "model/settings/store.h"
-#include "ports/displays_port.h"
-#include "ports/rect.h"
+#include "ports/desktop/displays_port.h"
+#include "ports/desktop/rect.h"
 #include "snap/overlay_item.h"
 
 #include <cstddef>

@@ -4,17 +4,17 @@
 
 #include "model/settings/preferences_port.h"
 #include "model/subscription.h"
-#include "ports/accessibility_port.h"
 #include "ports/alert_sound_port.h"
-#include "ports/displays_port.h"
-#include "ports/hot_key_port.h"
-#include "ports/key_names_port.h"
-#include "ports/local_keys_port.h"
+#include "ports/desktop/accessibility_port.h"
+#include "ports/desktop/displays_port.h"
+#include "ports/desktop/hot_key_port.h"
+#include "ports/desktop/key_names_port.h"
+#include "ports/desktop/local_keys_port.h"
+#include "ports/desktop/mouse_port.h"
+#include "ports/desktop/workspace_port.h"
 #include "ports/main_queue_port.h"
-#include "ports/mouse_port.h"
 #include "ports/single_instance_port.h"
 #include "ports/trust_port.h"
-#include "ports/workspace_port.h"
 
 #include <cstdint>
 #include <memory>

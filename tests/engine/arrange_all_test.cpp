@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "engine_test.h"
-#include "ports/window_list_port.h"
+#include "ports/desktop/window_list_port.h"
 
 #include <gmock/gmock.h>
 

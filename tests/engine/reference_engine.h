@@ -4,13 +4,13 @@
 
 #include "model/settings/app_settings.h"
 #include "model/subscription.h"
-#include "ports/accessibility_port.h"
 #include "ports/alert_sound_port.h"
-#include "ports/displays_port.h"
-#include "ports/hot_key_port.h"
+#include "ports/desktop/accessibility_port.h"
+#include "ports/desktop/displays_port.h"
+#include "ports/desktop/hot_key_port.h"
+#include "ports/desktop/window_list_port.h"
+#include "ports/desktop/workspace_port.h"
 #include "ports/trust_port.h"
-#include "ports/window_list_port.h"
-#include "ports/workspace_port.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 
 #include <gtest/gtest.h>
 

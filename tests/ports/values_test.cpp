@@ -1,17 +1,17 @@
 // SPDX-License-Identifier: MIT
 
-#include "ports/displays_port.h"
-#include "ports/hot_key_port.h"
-#include "ports/local_keys_port.h"
+#include "ports/desktop/displays_port.h"
+#include "ports/desktop/hot_key_port.h"
+#include "ports/desktop/local_keys_port.h"
+#include "ports/desktop/mouse_port.h"
+#include "ports/desktop/overlay_port.h"
+#include "ports/desktop/rect.h"
+#include "ports/desktop/workspace_port.h"
 #include "ports/login_item_port.h"
 #include "ports/main_menu_port.h"
 #include "ports/main_queue_port.h"
 #include "ports/menu.h"
-#include "ports/mouse_port.h"
-#include "ports/overlay_port.h"
-#include "ports/rect.h"
 #include "ports/url_loading_port.h"
-#include "ports/workspace_port.h"
 
 #include <gtest/gtest.h>
 

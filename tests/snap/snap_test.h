@@ -3,7 +3,7 @@
 #pragma once
 
 #include "engine/engine_test.h"
-#include "ports/mouse_port.h"
+#include "ports/desktop/mouse_port.h"
 #include "snap/drag_snap.h"
 #include "snap/overlay_controller.h"
 

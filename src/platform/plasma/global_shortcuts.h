@@ -7,7 +7,7 @@
 #include "model/subscription.h"
 #include "platform/plasma/keyboard_layout.h"
 #include "platform/wayland/bus_link.h"
-#include "ports/hot_key_port.h"
+#include "ports/desktop/hot_key_port.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -4,7 +4,7 @@
 
 #include "platform/plasma/keyboard_layout.h"
 #include "platform/xkb/printed_names.h"
-#include "ports/key_names_port.h"
+#include "ports/desktop/key_names_port.h"
 
 #include <cstdint>
 #include <functional>

@@ -4,7 +4,7 @@
 
 #include "model/call_on_end.h"
 #include "platform/plasma/global_shortcuts.h"
-#include "ports/local_keys_port.h"
+#include "ports/desktop/local_keys_port.h"
 
 #include <memory>
 #include <utility>

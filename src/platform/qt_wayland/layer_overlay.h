@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/qt/qt_main_queue.h"
-#include "ports/overlay_port.h"
+#include "ports/desktop/overlay_port.h"
 
 #include <QColor>
 

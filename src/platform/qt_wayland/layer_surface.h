@@ -5,7 +5,7 @@
 #include "platform/qt/overlay/translucent_figures.h"
 #include "platform/qt_wayland/compositor_connection.h"
 #include "platform/qt_wayland/surface_scale.h"
-#include "ports/overlay_port.h"
+#include "ports/desktop/overlay_port.h"
 
 #include <QColor>
 #include <QRegion>

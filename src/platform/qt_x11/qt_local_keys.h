@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/local_keys_port.h"
+#include "ports/desktop/local_keys_port.h"
 
 #include <cstdint>
 #include <functional>

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/hot_key_port.h"
+#include "ports/desktop/hot_key_port.h"
 
 #include <cstdint>
 #include <functional>

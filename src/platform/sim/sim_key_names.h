@@ -4,7 +4,7 @@
 
 #include "model/key_names.h"
 #include "model/signal.h"
-#include "ports/key_names_port.h"
+#include "ports/desktop/key_names_port.h"
 
 #include <cstdint>
 #include <map>

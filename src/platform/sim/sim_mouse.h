@@ -5,7 +5,7 @@
 #include "model/signal.h"
 #include "model/subscription.h"
 #include "platform/sim/windows/sim_state.h"
-#include "ports/mouse_port.h"
+#include "ports/desktop/mouse_port.h"
 
 #include <cstdint>
 #include <functional>

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/overlay_port.h"
+#include "ports/desktop/overlay_port.h"
 
 #include <memory>
 #include <vector>

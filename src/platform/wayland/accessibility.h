@@ -8,7 +8,7 @@
 #include "platform/wayland/compositor.h"
 #include "platform/wayland/mirror.h"
 #include "platform/wayland/placement.h"
-#include "ports/accessibility_port.h"
+#include "ports/desktop/accessibility_port.h"
 #include "ports/main_queue_port.h"
 
 #include <chrono>

@@ -6,9 +6,9 @@
 #include "model/subscription.h"
 #include "platform/wayland/applications.h"
 #include "platform/wayland/mirror.h"
-#include "ports/process_id.h"
-#include "ports/running_application.h"
-#include "ports/workspace_port.h"
+#include "ports/desktop/process_id.h"
+#include "ports/desktop/running_application.h"
+#include "ports/desktop/workspace_port.h"
 
 #include <functional>
 #include <map>

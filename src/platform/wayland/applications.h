@@ -6,8 +6,8 @@
 #include "platform/xdg/applications/installed_applications.h"
 #include "platform/xdg/applications/process_facts.h"
 #include "platform/xdg/applications/program_names.h"
+#include "ports/desktop/running_application.h"
 #include "ports/main_queue_port.h"
-#include "ports/running_application.h"
 
 #include <filesystem>
 #include <functional>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/wayland/mirror.h"
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 
 #include <chrono>
 

@@ -5,9 +5,9 @@
 #include "platform/wayland/application_watch.h"
 #include "platform/wayland/applications.h"
 #include "platform/wayland/mirror.h"
-#include "ports/displays_port.h"
-#include "ports/window_list_port.h"
-#include "ports/workspace_port.h"
+#include "ports/desktop/displays_port.h"
+#include "ports/desktop/window_list_port.h"
+#include "ports/desktop/workspace_port.h"
 
 #include <cstdint>
 #include <functional>

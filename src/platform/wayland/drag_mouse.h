@@ -6,7 +6,7 @@
 #include "model/signal.h"
 #include "model/subscription.h"
 #include "platform/wayland/mirror.h"
-#include "ports/mouse_port.h"
+#include "ports/desktop/mouse_port.h"
 
 #include <cstdint>
 #include <functional>

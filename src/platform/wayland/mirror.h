@@ -4,8 +4,8 @@
 
 #include "model/signal.h"
 #include "model/subscription.h"
-#include "ports/process_id.h"
-#include "ports/rect.h"
+#include "ports/desktop/process_id.h"
+#include "ports/desktop/rect.h"
 
 #include <cstdint>
 #include <deque>

@@ -5,8 +5,8 @@
 #include "model/subscription.h"
 #include "platform/wayland/compositor.h"
 #include "platform/wayland/mirror.h"
+#include "ports/desktop/rect.h"
 #include "ports/main_queue_port.h"
-#include "ports/rect.h"
 
 #include <chrono>
 #include <optional>

@@ -4,7 +4,7 @@
 
 #include "model/settings/app_settings.h"
 #include "model/zone.h"
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -2,9 +2,9 @@
 
 #pragma once
 
-#include "ports/mouse_port.h"
-#include "ports/process_id.h"
-#include "ports/rect.h"
+#include "ports/desktop/mouse_port.h"
+#include "ports/desktop/process_id.h"
+#include "ports/desktop/rect.h"
 
 #include <array>
 #include <cstdint>

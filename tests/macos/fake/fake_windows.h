@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 
 namespace tessarel::fakemac {
 

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 #include "support/plasma/fake_input.h"
 #include "support/plasma/output_control.h"
 #include "support/plasma/probe.h"

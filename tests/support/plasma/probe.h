@@ -4,7 +4,7 @@
 
 #include "model/subscription.h"
 #include "platform/wayland/bus_link.h"
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 
 #include <filesystem>
 #include <functional>

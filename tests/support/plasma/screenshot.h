@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 
 #include <cstddef>
 #include <cstdint>

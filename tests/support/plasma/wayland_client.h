@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 #include "support/x11/child_process.h"
 
 #include <string>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/macos/input/local_keys.h"
-#include "ports/hot_key_port.h"
+#include "ports/desktop/hot_key_port.h"
 
 #include <cstdint>
 #include <functional>

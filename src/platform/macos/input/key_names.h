@@ -3,7 +3,7 @@
 #pragma once
 
 #include "model/key_names.h"
-#include "ports/key_names_port.h"
+#include "ports/desktop/key_names_port.h"
 
 namespace tessarel::macos {
 

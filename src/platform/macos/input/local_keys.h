@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/macos/windows/workspace.h"
-#include "ports/local_keys_port.h"
+#include "ports/desktop/local_keys_port.h"
 
 #include <memory>
 

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/mouse_port.h"
+#include "ports/desktop/mouse_port.h"
 
 #include <functional>
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/macos/objects/refs.h"
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 
 #include <optional>
 #include <string>

@@ -4,7 +4,7 @@
 
 #include "platform/macos/windows/late_frames.h"
 #include "platform/macos/windows/workspace.h"
-#include "ports/accessibility_port.h"
+#include "ports/desktop/accessibility_port.h"
 #include "ports/main_queue_port.h"
 
 #include <chrono>

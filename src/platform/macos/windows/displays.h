@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/displays_port.h"
+#include "ports/desktop/displays_port.h"
 
 #include <optional>
 #include <vector>

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "model/subscription.h"
-#include "ports/accessibility_port.h"
+#include "ports/desktop/accessibility_port.h"
+#include "ports/desktop/workspace_port.h"
 #include "ports/main_queue_port.h"
-#include "ports/workspace_port.h"
 
 #include <functional>
 #include <string_view>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/macos/objects/refs.h"
-#include "ports/accessibility_port.h"
+#include "ports/desktop/accessibility_port.h"
 
 #include <ApplicationServices/ApplicationServices.h>
 #include <optional>

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/accessibility_port.h"
+#include "ports/desktop/accessibility_port.h"
 
 #include <chrono>
 #include <functional>

@@ -5,7 +5,7 @@
 #include "model/signal.h"
 #include "model/subscription.h"
 #include "platform/macos/objects/notification_observer.h"
-#include "ports/workspace_port.h"
+#include "ports/desktop/workspace_port.h"
 
 #import <AppKit/AppKit.h>
 #include <functional>

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/window_list_port.h"
+#include "ports/desktop/window_list_port.h"
 
 #include <vector>
 

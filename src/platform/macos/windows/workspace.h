@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/workspace_port.h"
+#include "ports/desktop/workspace_port.h"
 
 #include <functional>
 #include <memory>

@@ -2,8 +2,8 @@
 
 #pragma once
 
+#include "ports/desktop/overlay_port.h"
 #include "ports/main_queue_port.h"
-#include "ports/overlay_port.h"
 
 #include <QColor>
 

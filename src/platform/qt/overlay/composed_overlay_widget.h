@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/qt/overlay/translucent_figures.h"
-#include "ports/overlay_port.h"
+#include "ports/desktop/overlay_port.h"
 
 #include <QColor>
 #include <QRegion>

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/overlay_port.h"
+#include "ports/desktop/overlay_port.h"
 #include "qt_values/color.h"
 
 #include <QColor>

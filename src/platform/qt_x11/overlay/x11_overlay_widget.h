@@ -5,7 +5,7 @@
 #include "platform/qt/overlay/translucent_figures.h"
 #include "platform/qt_x11/overlay/outline_figures.h"
 #include "platform/qt_x11/overlay/palette_canvas.h"
-#include "ports/overlay_port.h"
+#include "ports/desktop/overlay_port.h"
 
 #include <QColor>
 #include <QRect>

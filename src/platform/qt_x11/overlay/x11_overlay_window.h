@@ -6,8 +6,8 @@
 #include "platform/qt_x11/overlay/compositor_watch.h"
 #include "platform/qt_x11/overlay/stacking_watch.h"
 #include "platform/qt_x11/overlay/x11_overlay_widget.h"
+#include "ports/desktop/overlay_port.h"
 #include "ports/main_queue_port.h"
-#include "ports/overlay_port.h"
 
 #include <QColor>
 #include <QRect>

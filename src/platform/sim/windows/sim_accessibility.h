@@ -4,7 +4,7 @@
 
 #include "model/signal.h"
 #include "platform/sim/windows/sim_state.h"
-#include "ports/accessibility_port.h"
+#include "ports/desktop/accessibility_port.h"
 
 #include <chrono>
 #include <cstddef>

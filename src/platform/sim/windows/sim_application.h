@@ -3,8 +3,8 @@
 #pragma once
 
 #include "platform/sim/windows/sim_window.h"
+#include "ports/desktop/process_id.h"
 #include "ports/main_queue_port.h"
-#include "ports/process_id.h"
 
 #include <chrono>
 #include <optional>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/sim/windows/sim_state.h"
-#include "ports/displays_port.h"
+#include "ports/desktop/displays_port.h"
 
 namespace tessarel::sim {
 

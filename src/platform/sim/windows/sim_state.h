@@ -6,10 +6,10 @@
 #include "platform/sim/windows/sim_application.h"
 #include "platform/sim/windows/sim_observers.h"
 #include "platform/sim/windows/sim_window.h"
-#include "ports/accessibility_port.h"
-#include "ports/displays_port.h"
-#include "ports/process_id.h"
-#include "ports/workspace_port.h"
+#include "ports/desktop/accessibility_port.h"
+#include "ports/desktop/displays_port.h"
+#include "ports/desktop/process_id.h"
+#include "ports/desktop/workspace_port.h"
 
 #include <cstdint>
 #include <map>

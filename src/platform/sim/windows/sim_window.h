@@ -2,10 +2,10 @@
 
 #pragma once
 
-#include "ports/accessibility_port.h"
+#include "ports/desktop/accessibility_port.h"
+#include "ports/desktop/process_id.h"
+#include "ports/desktop/window_list_port.h"
 #include "ports/main_queue_port.h"
-#include "ports/process_id.h"
-#include "ports/window_list_port.h"
 
 #include <cstdint>
 #include <limits>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/sim/windows/sim_state.h"
-#include "ports/window_list_port.h"
+#include "ports/desktop/window_list_port.h"
 
 #include <vector>
 

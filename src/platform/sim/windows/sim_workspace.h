@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/sim/windows/sim_state.h"
-#include "ports/workspace_port.h"
+#include "ports/desktop/workspace_port.h"
 
 #include <functional>
 #include <optional>

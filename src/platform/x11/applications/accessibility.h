@@ -10,7 +10,7 @@
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/client_windows.h"
 #include "platform/x11/windows/placement.h"
-#include "ports/accessibility_port.h"
+#include "ports/desktop/accessibility_port.h"
 #include "ports/main_queue_port.h"
 
 #include <chrono>

@@ -7,7 +7,7 @@
 #include "platform/x11/applications/process_start.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/client_windows.h"
-#include "ports/workspace_port.h"
+#include "ports/desktop/workspace_port.h"
 
 #include <cstdint>
 #include <functional>

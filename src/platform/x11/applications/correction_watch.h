@@ -6,8 +6,8 @@
 #include "model/subscription.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/client_windows.h"
+#include "ports/desktop/rect.h"
 #include "ports/main_queue_port.h"
-#include "ports/rect.h"
 
 #include <chrono>
 #include <functional>

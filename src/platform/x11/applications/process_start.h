@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "ports/process_id.h"
+#include "ports/desktop/process_id.h"
 
 #include <cstdint>
 #include <optional>

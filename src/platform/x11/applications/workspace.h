@@ -4,7 +4,7 @@
 
 #include "platform/x11/applications/application_watch.h"
 #include "platform/x11/applications/applications.h"
-#include "ports/workspace_port.h"
+#include "ports/desktop/workspace_port.h"
 
 #include <functional>
 #include <optional>

@@ -5,7 +5,7 @@
 #include "platform/x11/displays/monitors.h"
 #include "platform/x11/displays/reserved_space_watch.h"
 #include "platform/x11/server/connection.h"
-#include "ports/displays_port.h"
+#include "ports/desktop/displays_port.h"
 
 #include <functional>
 #include <optional>

@@ -8,7 +8,7 @@
 #include "platform/x11/input/repeat_filter.h"
 #include "platform/x11/input/xkb_keyboard.h"
 #include "platform/x11/server/connection.h"
-#include "ports/hot_key_port.h"
+#include "ports/desktop/hot_key_port.h"
 
 #include <xcb/xcb.h>
 

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/x11/server/connection.h"
-#include "ports/local_keys_port.h"
+#include "ports/desktop/local_keys_port.h"
 
 #include <cstdint>
 #include <optional>

@@ -7,7 +7,7 @@
 #include "platform/x11/input/xkb_keyboard.h"
 #include "platform/x11/server/connection.h"
 #include "platform/xkb/printed_names.h"
-#include "ports/key_names_port.h"
+#include "ports/desktop/key_names_port.h"
 
 #include <cstdint>
 #include <functional>

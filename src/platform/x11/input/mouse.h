@@ -10,8 +10,8 @@
 #include "platform/x11/input/raw_mouse.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/client_windows.h"
+#include "ports/desktop/mouse_port.h"
 #include "ports/main_queue_port.h"
-#include "ports/mouse_port.h"
 
 #include <array>
 #include <cstddef>

@@ -4,7 +4,7 @@
 
 #include "model/carbon_mods.h"
 #include "platform/x11/server/connection.h"
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 
 #include <cstdint>
 #include <optional>

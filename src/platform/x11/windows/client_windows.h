@@ -6,7 +6,7 @@
 #include "platform/x11/server/window_manager_check.h"
 #include "platform/x11/windows/window_frame.h"
 #include "platform/x11/windows/window_traits.h"
-#include "ports/process_id.h"
+#include "ports/desktop/process_id.h"
 
 #include <cstdint>
 #include <optional>

@@ -5,7 +5,7 @@
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/barrier.h"
 #include "platform/x11/windows/client_windows.h"
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 
 #include <functional>
 #include <optional>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "platform/x11/server/connection.h"
-#include "ports/rect.h"
+#include "ports/desktop/rect.h"
 
 #include <xcb/xcb_icccm.h>
 

@@ -5,7 +5,7 @@
 #include "platform/x11/displays/monitors.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/client_windows.h"
-#include "ports/window_list_port.h"
+#include "ports/desktop/window_list_port.h"
 
 #include <vector>
 

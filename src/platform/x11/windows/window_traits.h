@@ -4,7 +4,7 @@
 
 #include "platform/x11/server/connection.h"
 #include "platform/xdg/applications/program_names.h"
-#include "ports/process_id.h"
+#include "ports/desktop/process_id.h"
 
 #include <xcb/res.h>
 

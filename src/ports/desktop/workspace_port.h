@@ -3,8 +3,8 @@
 #pragma once
 
 #include "model/subscription.h"
-#include "ports/process_id.h"
-#include "ports/running_application.h"
+#include "ports/desktop/process_id.h"
+#include "ports/desktop/running_application.h"
 
 #include <functional>
 #include <optional>

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "model/subscription.h"
-#include "ports/process_id.h"
-#include "ports/rect.h"
-#include "ports/running_application.h"
+#include "ports/desktop/process_id.h"
+#include "ports/desktop/rect.h"
+#include "ports/desktop/running_application.h"
 
 #include <chrono>
 #include <cstdint>
