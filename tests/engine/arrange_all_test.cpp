@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "engine_test.h"
+#include "arrange_test.h"
 #include "ports/desktop/window_list_port.h"
 
 #include <gmock/gmock.h>
@@ -13,33 +13,10 @@
 namespace tessarel {
 namespace {
 
-using sim::WindowId;
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
-
-/// Fixture: the enabled zones are three columns, the middle one twice as wide as each of the others.
-class ArrangeAllTest : public EngineTest {
-protected:
-    static constexpr Zone kOff{false, 25, 25, 50, 50};
-
-    ArrangeAllTest() {
-        addScreens();
-        settings.zones = Presets::pad(Presets::all().at(8).zones);
-    }
-
-    WindowId open(const Rect& axFrame) { return desktop.openWindow("org.example.editor", axFrame); }
-
-    /// Returns whether the window still has the frame `axFrame`.
-    bool isUntouched(WindowId window, const Rect& axFrame) { return desktop.frame(window) == axFrame; }
-
-    static constexpr Rect kColumn1{-1400, -575, 325, 820};
-    static constexpr Rect kColumn2{-1075, -575, 650, 820};
-    static constexpr Rect kColumn3{-425, -575, 325, 820};
-    /// The first column of the primary display.
-    static constexpr Rect kPrimaryColumn1{12, 31, 310, 725};
-};
 
 TEST_F(ArrangeAllTest, TheFrontmostWindowsTakeTheEnabledZonesInOrder) {
     const auto fifth = open(kStart);
@@ -71,47 +48,6 @@ TEST_F(ArrangeAllTest, TheFrontmostWindowIsPlacedFirst) {
         (Lines{"write " + name(first) + " AXSize 325x820", "write " + name(first) + " AXSize 325x820",
                "write " + name(second) + " AXSize 650x820", "write " + name(second) + " AXSize 650x820",
                "write " + name(third) + " AXSize 325x820", "write " + name(third) + " AXSize 325x820"}));
-}
-
-/// A desktop on which the frames of several windows can be read only once all have been written.
-class ArrangeTogetherTest : public ArrangeAllTest {
-protected:
-    ArrangeTogetherTest() { desktop.accessibility().postponeReads(); }
-
-    WindowId wide = open(at({20, 20, 800, 300}));
-    WindowId second = open(at({30, 30, 300, 300}));
-    WindowId first = open(at({40, 40, 300, 300}));
-};
-
-TEST_F(ArrangeTogetherTest, AWindowThatIsWiderThanItsZoneIsPulledBackIntoTheUsableArea) {
-    desktop.window(wide).minimum = {400, 100};
-
-    engine.arrangeAll();
-
-    EXPECT_EQ(desktop.frame(first), kColumn1);
-    EXPECT_EQ(desktop.frame(second), kColumn2);
-    EXPECT_EQ(desktop.frame(wide), (Rect{-500, -575, 400, 820}));
-}
-
-TEST_F(ArrangeTogetherTest, AWindowIsCorrectedOnlyAfterAllHaveBeenWritten) {
-    desktop.window(first).minimum = {400, 100};
-
-    engine.arrangeAll();
-
-    EXPECT_THAT(desktop.takeWrites().back(), HasSubstr(name(first)));
-    EXPECT_EQ(desktop.frame(first), (Rect{-1400, -575, 400, 820}));
-}
-
-TEST_F(ArrangeTogetherTest, TheRestoreChainOfEachWindowGoesOn) {
-    desktop.window(wide).minimum = {400, 100};
-    engine.arrangeAll();
-    desktop.focus(wide); // so that it comes into another zone
-    engine.arrangeAll();
-    ASSERT_EQ(desktop.frame(wide), (Rect{-1400, -575, 400, 820}));
-
-    engine.restoreFocused();
-
-    EXPECT_EQ(desktop.frame(wide), at({20, 20, 800, 300}));
 }
 
 TEST_F(ArrangeAllTest, ZonesKeepGapAndMargin) {
