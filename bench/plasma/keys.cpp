@@ -37,7 +37,7 @@ registerShortcut("bench lower", "bench lower", "Ctrl+Alt+End",
                  () => move({ x: 0, y: 450, width: 1600, height: 450 }));
 )js";
 
-/// The keys of somebody who moves windows, by the kernel's codes.
+/// The keys by which one side moves the window, as codes of the kernel.
 struct Keys {
     std::uint32_t left;
     std::uint32_t lower;

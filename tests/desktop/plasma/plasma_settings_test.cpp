@@ -136,7 +136,7 @@ TEST_F(PlasmaSettingsTest, ARecordedCombinationMovesTheActiveWindow) {
 
     click(kShortcutsTab);
     click(kFirstRecorder);
-    // Again and again, because nothing tells that the recorder has the keyboard.
+    // Pressed until it is taken, because no event says that the recorder has the keyboard.
     ASSERT_TRUE(PlasmaSession::waitFor([&] {
         session.input().press({key::kLeftControl, key::kLeftAlt, kKeyK});
         const auto keys = session.keysOf("zone1");
