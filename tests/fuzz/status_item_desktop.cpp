@@ -108,7 +108,7 @@ void StatusItemDesktop::send(const QDBusMessage& call) {
     (void)m_connection->call(call);
     QApplication::processEvents();
     while (QWidget* const menu = QApplication::activePopupWidget())
-        menu->close();
+        menu->hide(); // closing leaves a connection behind in Qt each time
     if (std::exchange(m_areIdsOld, false))
         readIds();
 }
