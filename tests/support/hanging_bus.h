@@ -23,13 +23,17 @@ namespace tessarel {
 /// to nothing else. Served by a thread of its own.
 class HangingBus {
 public:
+    /// What other clients meet once the first ones have entered.
+    enum class Others : std::uint8_t {
+        Authenticate,
+        WaitInConnect, ///< the backlog is full
+    };
+
     /// Listens at the socket `path`. `entering` is the number of clients that may enter.
-    HangingBus(const std::string& path, int entering) : m_entering(entering) {
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        path.copy(&address.sun_path[0], sizeof address.sun_path - 1);
-        if (::bind(m_listener, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0 ||
-            ::listen(m_listener, SOMAXCONN) != 0)
+    HangingBus(const std::string& path, int entering, Others others = Others::Authenticate)
+        : m_entering(entering), m_others(others) {
+        path.copy(&m_address.sun_path[0], sizeof m_address.sun_path - 1);
+        if (::bind(m_listener, address(), sizeof m_address) != 0 || ::listen(m_listener, SOMAXCONN) != 0)
             throw std::runtime_error("cannot listen at " + path);
         m_thread = std::thread([this] { serve(); });
     }
@@ -53,7 +57,7 @@ private:
     void serve() {
         std::vector<Client> clients;
         for (;;) {
-            std::vector<pollfd> watched{{m_end, POLLIN, 0}, {m_listener, POLLIN, 0}};
+            std::vector<pollfd> watched{{m_end, POLLIN, 0}, {m_isAccepting ? m_listener : -1, POLLIN, 0}};
             for (const Client& client : clients)
                 watched.push_back({client.socket, POLLIN, 0}); // one that has gone is ignored
             ::poll(watched.data(), watched.size(), -1);
@@ -67,6 +71,8 @@ private:
         }
         for (const Client& client : clients)
             ::close(client.socket);
+        for (const int socket : m_waiting)
+            ::close(socket);
     }
 
     void read(Client& client) {
@@ -86,9 +92,25 @@ private:
             return;
         client.hasAsked = true;
         std::memcpy(&serial, &client.received[kSerial], sizeof serial);
-        if (m_entering-- > 0)
-            send(client, welcome(serial));
+        if (m_entering-- <= 0)
+            return;
+        if (m_entering == 0 && m_others == Others::WaitInConnect)
+            fillBacklog();
+        send(client, welcome(serial));
     }
+
+    /// Accepts no further client, and lets the next one wait in connect().
+    void fillBacklog() {
+        ::listen(m_listener, 0);
+        m_isAccepting = false;
+        int result = 0;
+        while (result == 0) {
+            m_waiting.push_back(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0));
+            result = ::connect(m_waiting.back(), address(), sizeof m_address);
+        }
+    }
+
+    [[nodiscard]] const sockaddr* address() const { return reinterpret_cast<const sockaddr*>(&m_address); }
 
     /// Handles one line. Returns false if there is none yet.
     static bool authenticate(Client& client) {
@@ -124,6 +146,10 @@ private:
     }
 
     int m_entering;
+    Others m_others;
+    bool m_isAccepting = true;
+    std::vector<int> m_waiting; // sockets that fill the backlog
+    sockaddr_un m_address{.sun_family = AF_UNIX, .sun_path = {}};
     int m_listener = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     int m_end = ::eventfd(0, EFD_CLOEXEC);
     std::thread m_thread;

@@ -5,14 +5,19 @@
 #include "platform/qt_xdg/bus_probe.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstddef>
+#include <filesystem>
+#include <fstream>
 #include <poll.h>
 #include <string_view>
 #include <sys/eventfd.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -55,6 +60,37 @@ ino_t inode(int socket) {
     struct stat status {};
     return ::fstat(socket, &status) == 0 ? status.st_ino : 0;
 }
+
+/// Lets a signal interrupt connect() for as long as this object lives. To shut a socket down does not: it has
+/// no effect before a bus with a full backlog has taken the connection.
+class ConnectInterruption {
+public:
+    ConnectInterruption() {
+        struct sigaction action {}; // without SA_RESTART
+        action.sa_handler = [](int) {};
+        ::sigaction(kSignal, &action, &m_before);
+    }
+    ConnectInterruption(const ConnectInterruption&) = delete;
+    ConnectInterruption& operator=(const ConnectInterruption&) = delete;
+    ~ConnectInterruption() { ::sigaction(kSignal, &m_before, nullptr); }
+
+    /// Interrupts each thread of this process that is in connect(). It is not known which: Qt connects in
+    /// another thread of its own.
+    static void send() {
+        std::error_code error;
+        for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task", error)) {
+            long call = -1;
+            if (std::ifstream(entry.path() / "syscall") >> call && call == SYS_connect)
+                ::tgkill(::getpid(), std::stoi(entry.path().filename()), kSignal);
+        }
+    }
+
+private:
+    /// Ignored by default, and used by nothing else: it is for sockets with out-of-band data.
+    static constexpr int kSignal = SIGURG;
+
+    struct sigaction m_before {};
+};
 
 } // namespace
 
@@ -99,10 +135,11 @@ bool BusConnecting::wait(std::chrono::milliseconds patience) const {
     return ::poll(&finished, 1, static_cast<int>(patience.count())) > 0;
 }
 
-/// The D-Bus library takes a socket that is shut down for a bus that has gone. It may be just about to
-/// connect another one, so this is repeated.
+/// The D-Bus library takes a socket that is shut down, or a connect() that is interrupted, for a bus that has
+/// gone. It may be just about to connect another socket, so this is repeated.
 void BusConnecting::breakOff() {
     constexpr std::chrono::milliseconds kInterval{10};
+    const ConnectInterruption interruption;
     m_isBrokenOff = true;
     while (m_thread.joinable()) {
         if (wait(std::chrono::milliseconds::zero())) {
@@ -111,6 +148,7 @@ void BusConnecting::breakOff() {
         }
         for (const int socket : sockets())
             ::shutdown(socket, SHUT_RDWR);
+        ConnectInterruption::send();
         (void)wait(kInterval);
     }
 }

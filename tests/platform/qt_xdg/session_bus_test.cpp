@@ -223,6 +223,15 @@ TEST_F(SessionBusTest, AWindowDoesNotWaitForABusThatHangsWhenQtConnects) {
     EXPECT_FALSE(qEnvironmentVariableIsSet("AT_SPI_BUS_ADDRESS"));
 }
 
+TEST_F(SessionBusTest, AWindowDoesNotWaitForABusThatDoesNotTakeQtsConnection) {
+    const HangingBus hanging(path(), 1, HangingBus::Others::WaitInConnect);
+    start(kLong);
+
+    bus->beforeWindow();
+
+    EXPECT_FALSE(bus->connection());
+}
+
 TEST_F(SessionBusTest, EndsWhileABusHangsWhenQtConnects) {
     const HangingBus hanging(path(), 1);
     start();
