@@ -31,7 +31,8 @@ constexpr std::chrono::seconds kAccessibilityPatience{5};
 constexpr std::chrono::seconds kBusPatience{2};
 
 /// How long a window waits for a bus that has just replied and now does not accept a connection. Longer than
-/// for a bus that has not replied, because to break off leaves Qt without the bus until the program ends.
+/// for a bus that has not replied: to break off leaves Qt without the bus until the program ends, and it
+/// cannot go on meanwhile, because any widget makes Qt create the accessibility bridge, which waits for it.
 constexpr std::chrono::seconds kConnectingPatience{1};
 
 // How long to wait before a lost bus is probed again: doubles from the first to the longest.
