@@ -22,6 +22,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
@@ -35,6 +36,9 @@
 namespace tessarel {
 
 namespace {
+
+/// How long the first message waits until KWin has reported its windows, which it may also do later.
+constexpr std::chrono::milliseconds kPatience{250};
 
 /// The alert sound as Qt plays it, which on Wayland may be no sound.
 class QtBeep : public AlertSoundPort {
@@ -132,14 +136,28 @@ std::optional<int> runOnPlasma(const char* programName) {
     return program.run(desktop, {alertSound, application, localKeys, overlay},
                        {.qtPlatforms = "wayland;xcb",
                         .events = link.fileDescriptor(),
-                        .dispatch = [&link] { link.dispatch(); },
-                        .beforeQt = [] { return nullptr; },
+                        .dispatch =
+                            [&link, &desktop, isFirst = true]() mutable {
+                                // So that commands that are waiting already find the windows.
+                                if (std::exchange(isFirst, false))
+                                    desktop.bridge.awaitWindows(kPatience);
+                                link.dispatch();
+                            },
+                        .beforeQt =
+                            [&desktop] {
+                                // KWin does one thing after another: first the hot keys, which take it less
+                                // time, then the script, while Qt starts here, then the effects.
+                                desktop.bridge.load();
+                                return nullptr;
+                            },
                         .withQt =
                             [&] {
-                                return std::make_shared<qt::SeatKeymap>(
+                                auto keymap = std::make_shared<qt::SeatKeymap>(
                                     queue, [&desktop](const std::string& description) {
                                         desktop.keyboardLayout.setKeymap(xkb::Keymap::parsed(description));
                                     });
+                                desktop.dragModifiers.load();
+                                return keymap;
                             },
                         .receiveCommands =
                             [&link](LinuxProgram::RunCommand run) {

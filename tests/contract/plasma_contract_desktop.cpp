@@ -56,7 +56,8 @@ public:
         m_stage.reset();
         require(PlasmaStage::runLoopUntil([this] { return !m_line.link().uniqueName().empty(); }),
                 "connection to the bus");
-        m_bridge.load(x11test::kPatience);
+        m_bridge.load();
+        m_bridge.awaitWindows(x11test::kPatience);
         require(m_mirror.isReady(), "report from KWin");
         settle();
     }

@@ -59,7 +59,7 @@ Bridge::~Bridge() {
     std::filesystem::remove(file(), ignored);
 }
 
-void Bridge::load(milliseconds patience) {
+void Bridge::load() {
     m_isAccepted = writeScript();
     if (!m_isAccepted) {
         m_report("cannot write " + file().string() +
@@ -67,6 +67,9 @@ void Bridge::load(milliseconds patience) {
         return;
     }
     tryToLoad(kLoadAttempts);
+}
+
+void Bridge::awaitWindows(milliseconds patience) {
     m_link.waitUntil([this] { return m_mirror.isReady() || !m_isAccepted || m_link.isLost(); }, patience);
 }
 

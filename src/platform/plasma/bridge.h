@@ -31,10 +31,11 @@ public:
     /// Unloads the script.
     ~Bridge() override;
 
-    /// Loads the script, in place of the one that an earlier run has left behind. Waits until it has reported
-    /// all windows, at most for `patience`. If KWin does not take the script, which it may not do yet, tries
-    /// again later. Call it once the bus has accepted the link.
-    void load(std::chrono::milliseconds patience);
+    /// Starts to load the script, in place of the one that an earlier run has left behind. If KWin does not
+    /// take it, which it may not do yet, tries again later. Call it once the bus has accepted the link.
+    void load();
+    /// Waits until the script has reported all windows, at most for `patience`.
+    void awaitWindows(std::chrono::milliseconds patience);
     /// Returns whether KWin has accepted the script, or has not replied yet. False also while an accepted
     /// script has reported nothing for 10 s, as one does that fails in KWin.
     [[nodiscard]] bool isAccepted() const { return m_isAccepted && (!m_isOverdue || m_mirror.isReady()); }

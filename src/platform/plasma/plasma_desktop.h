@@ -25,7 +25,6 @@
 #include "platform/xdg/home_folder.h"
 #include "ports/main_queue_port.h"
 
-#include <chrono>
 #include <filesystem>
 #include <utility>
 
@@ -35,9 +34,6 @@ namespace tessarel::plasma {
 ///
 /// The members are in order of dependency: each refers only to members above it.
 struct PlasmaDesktop {
-    /// How long the launch waits until KWin has reported its windows, which it may also do later.
-    static constexpr std::chrono::milliseconds kPatience{250};
-
     /// All referenced objects must outlive the desktop. Files for KWin are written to `runtimeFolder`.
     PlasmaDesktop(wayland::BusLink& link, MainQueuePort& queue, const std::filesystem::path& runtimeFolder,
                   xdg::OnReadable onReadable, xdg::FilePreferences::Report report)
@@ -53,8 +49,6 @@ struct PlasmaDesktop {
                          [this] {
                              hotKeys.releaseLeftovers();
                              hotKeys.holdBack();
-                             bridge.load(kPatience);
-                             dragModifiers.load();
                          }),
           windowsKnown(mirror.onReady([this] { hotKeys.deliver(); })), trust(bridge), windowList(mirror),
           workspace(applications, watch), keyNames(keyboardLayout) {}

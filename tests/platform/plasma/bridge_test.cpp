@@ -93,7 +93,7 @@ protected:
     void load() {
         compositor.emplace(address, true);
         makeBridge(folder.path());
-        bridge->load(1ms);
+        bridge->load();
         passBus(); // the bridge knows who the compositor is
         compositor->report(link->uniqueName(), kEverything);
         ASSERT_TRUE(waitUntil([&] { return mirror.isReady(); }));
@@ -138,7 +138,8 @@ TEST_F(BridgeTest, AScriptThatCannotBeWrittenIsReportedAndNotLoaded) {
     compositor.emplace(address, true);
     makeBridge(folder.path() / "missing");
 
-    bridge->load(x11test::kPatience);
+    bridge->load();
+    bridge->awaitWindows(x11test::kPatience);
 
     EXPECT_FALSE(bridge->isAccepted());
     EXPECT_THAT(problems, ElementsAre(HasSubstr("missing/tessarel-bridge.js")));
@@ -148,7 +149,8 @@ TEST_F(BridgeTest, AScriptThatCannotBeWrittenIsReportedAndNotLoaded) {
 TEST_F(BridgeTest, WithoutACompositorTheScriptIsNotAccepted) {
     makeBridge(folder.path());
 
-    bridge->load(x11test::kPatience);
+    bridge->load();
+    bridge->awaitWindows(x11test::kPatience);
 
     EXPECT_FALSE(bridge->isAccepted());
     EXPECT_FALSE(mirror.isReady());
@@ -156,7 +158,8 @@ TEST_F(BridgeTest, WithoutACompositorTheScriptIsNotAccepted) {
 
 TEST_F(BridgeTest, AScriptThatTheCompositorDoesNotTakeYetIsLoadedAgain) {
     makeBridge(folder.path());
-    bridge->load(x11test::kPatience);
+    bridge->load();
+    bridge->awaitWindows(x11test::kPatience);
     ASSERT_FALSE(bridge->isAccepted());
 
     compositor.emplace(address, true);
@@ -169,7 +172,7 @@ TEST_F(BridgeTest, AScriptThatTheCompositorDoesNotTakeYetIsLoadedAgain) {
 TEST_F(BridgeTest, AScriptThatReportsNothingIsNotAcceptedAnyMoreUntilItDoes) {
     compositor.emplace(address, true);
     makeBridge(folder.path());
-    bridge->load(1ms);
+    bridge->load();
     ASSERT_TRUE(exchangeUntil([this] { return clock.waiting() > 0; }));
 
     clock.advance(9999ms);
@@ -186,7 +189,8 @@ TEST_F(BridgeTest, ACompositorThatNeverRepliesIsWaitedForWithABound) {
     compositor.emplace(address, false);
     makeBridge(folder.path());
 
-    bridge->load(20ms);
+    bridge->load();
+    bridge->awaitWindows(20ms);
 
     EXPECT_FALSE(mirror.isReady());
     EXPECT_TRUE(compositor->waitUntil([&] { return compositor->requests.size() == 3; }));
