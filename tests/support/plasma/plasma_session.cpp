@@ -61,10 +61,22 @@ PlasmaSession::PlasmaSession(Drawing drawing, const Size& display, Extra extra)
                   m_environment);
     (void)m_bus->readLine();
 
+    permitInput();
     startCompositor();
     m_environment["WAYLAND_DISPLAY"] = kSocket;
     m_environment["QT_QPA_PLATFORM"] = "wayland";
     m_environment["GDK_BACKEND"] = "wayland";
+}
+
+/// Lets the running test inject input. Without any check of permissions, which KWin can do, too, it would
+/// read the whole executable of every program that connects to it.
+void PlasmaSession::permitInput() const {
+    const auto folder = std::filesystem::path(m_environment.at("XDG_DATA_HOME")) / "applications";
+    std::filesystem::create_directories(folder);
+    ScratchFolder::write(folder / "test.desktop",
+                         "[Desktop Entry]\nType=Application\nName=Test\nExec=" +
+                             std::filesystem::read_symlink("/proc/self/exe").string() +
+                             "\nX-KDE-Wayland-Interfaces=org_kde_kwin_fake_input\n");
 }
 
 void PlasmaSession::startCompositor() {
@@ -79,7 +91,6 @@ void PlasmaSession::startCompositor() {
     environment["LIBGL_ALWAYS_SOFTWARE"] = "1";
     if (m_drawing == Drawing::OpenGl) // effects that need OpenGL would abort KWin without it
         environment["KWIN_EFFECTS_FORCE_ANIMATIONS"] = "1"; // although OpenGL has no GPU here
-    environment["KWIN_WAYLAND_NO_PERMISSION_CHECKS"] = "1";
     environment["KWIN_SCREENSHOT_NO_PERMISSION_CHECKS"] = "1";
     m_compositor.emplace(compositorCommand(), environment);
     const std::string socket = m_environment.at("XDG_RUNTIME_DIR") + "/" + kSocket;

@@ -101,6 +101,7 @@ public:
     [[nodiscard]] Rect settledFrame(const std::string& windowClass, const Rect& expected);
 
 private:
+    void permitInput() const;
     [[nodiscard]] std::vector<std::string> compositorCommand() const;
     void readXDisplay();
     /// Where a program that KWin starts writes the name of the X display.
