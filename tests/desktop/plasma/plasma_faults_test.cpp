@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "platform/plasma/global_shortcuts.h"
+#include "platform/plasma/scripts.h"
 #include "support/plasma/plasma_session.h"
 
 #include <gmock/gmock.h>
@@ -8,6 +9,7 @@
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
+#include <string>
 #include <vector>
 
 namespace tessarel::plasmatest {
@@ -44,6 +46,39 @@ protected:
     PlasmaSession session;
 };
 
+/// The script in KWin, with the test in the place of the program.
+class PlasmaScriptTest : public testing::Test {
+protected:
+    /// Runs the script, which renews its call for commands after that many milliseconds.
+    void run(const std::string& renewal) {
+        m_calls = link.serve(
+            "/org/tessarel/Bridge",
+            [this](const wayland::BusMessage& call) {
+                if (call.member == "next")
+                    waiting.push_back(call.token);
+            },
+            wayland::BusLink::Delivery::Urgent);
+        std::string script = plasma::kBridgeScript;
+        const auto fill = [&script](const std::string& placeholder, const std::string& value) {
+            script.replace(script.find(placeholder), placeholder.size(), value);
+        };
+        fill("@SERVICE@", link.uniqueName());
+        fill("@PID@", "1");
+        fill("renewal.interval = 20000;", "renewal.interval = " + renewal + ";");
+        session.probe().run(script);
+    }
+    bool waitForCalls(std::size_t count) {
+        return session.probe().waitUntil([&] { return waiting.size() >= count; });
+    }
+
+    PlasmaSession session;
+    wayland::BusLink& link = session.probe().link();
+    std::vector<std::uint64_t> waiting; ///< the tokens of the script's calls for commands
+
+private:
+    SubscriptionPtr m_calls;
+};
+
 class PlasmaLockTest : public PlasmaFaultsTest {
 protected:
     PlasmaLockTest() : PlasmaFaultsTest(Extra::ScreenLocker) {}
@@ -58,9 +93,9 @@ TEST_F(PlasmaFaultsTest, WhenTheCompositorHasCrashedAndRunsAgainTheHotKeysDoSoTo
 }
 
 TEST_F(PlasmaFaultsTest, TheCompositorMayCrashBeforeTheProgramHasConnectedToIt) {
-    session.startProgramSuspended(Reached::Claim);
+    session.startProgramHeld();
     session.killCompositor();
-    session.program().signal(SIGCONT);
+    session.releaseProgram();
 
     session.startCompositor();
 
@@ -68,10 +103,11 @@ TEST_F(PlasmaFaultsTest, TheCompositorMayCrashBeforeTheProgramHasConnectedToIt) 
 }
 
 TEST_F(PlasmaFaultsTest, ACompositorThatHasRestartedBeforeTheProgramHasConnectedToItGetsTheScriptToo) {
-    session.startProgramSuspended(Reached::Script);
+    session.startProgramHeld();
+    ASSERT_TRUE(session.waitForScript());
     restartCompositor();
 
-    session.program().signal(SIGCONT);
+    session.releaseProgram();
 
     expectHotKeysWork();
 }
@@ -110,8 +146,8 @@ TEST_F(PlasmaFaultsTest, AStoppedCompositorHoldsUpNeitherCommandsNorTheEnd) {
 
 TEST_F(PlasmaFaultsTest, AProgramThatStartsWithAStoppedCompositorWorksOnceThatGoesOn) {
     session.compositor().signal(SIGSTOP);
-    session.startProgramSuspended(Reached::Claim);
-    session.program().signal(SIGCONT);
+    session.startProgramHeld();
+    session.releaseProgram();
 
     session.compositor().signal(SIGCONT);
 
@@ -120,8 +156,8 @@ TEST_F(PlasmaFaultsTest, AProgramThatStartsWithAStoppedCompositorWorksOnceThatGo
 
 TEST_F(PlasmaFaultsTest, SigtermEndsAProgramThatStartsWithAStoppedCompositor) {
     session.compositor().signal(SIGSTOP);
-    session.startProgramSuspended(Reached::Claim);
-    session.program().signal(SIGCONT);
+    session.startProgramHeld();
+    session.releaseProgram();
 
     EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
     session.compositor().signal(SIGCONT);
@@ -162,6 +198,21 @@ TEST_F(PlasmaFaultsTest, AScriptThatCannotBeWrittenIsReportedAndCommandsSayThatN
 
     EXPECT_THAT(session.program().errors(), testing::HasSubstr("cannot write"));
     EXPECT_EQ(session.endProgram(), 0);
+}
+
+TEST_F(PlasmaScriptTest, ACommandThatFailsIsNotTheLast) {
+    run("3600000");
+    ASSERT_TRUE(waitForCalls(1));
+
+    link.answer(waiting[0], "[null]");
+
+    EXPECT_TRUE(waitForCalls(2));
+}
+
+TEST_F(PlasmaScriptTest, ACallForCommandsThatWaitsIsRenewed) {
+    run("100");
+
+    EXPECT_TRUE(waitForCalls(3));
 }
 
 TEST_F(PlasmaLockTest, WhileTheSessionIsLockedHotKeysDoNothingAndTheProgramGoesOn) {

@@ -3,17 +3,20 @@
 #include "support/plasma/plasma_session.h"
 
 #include "platform/plasma/drag_modifiers.h"
-#include "platform/plasma/single_instance.h"
 #include "platform/wayland/bus_names.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <csignal>
+#include <fcntl.h>
 #include <memory>
 #include <sstream>
 #include <stdexcept>
+#include <sys/stat.h>
 #include <thread>
+#include <unistd.h>
+#include <utility>
 
 namespace tessarel::plasmatest {
 
@@ -248,12 +251,31 @@ bool PlasmaSession::startProgram() {
     });
 }
 
-void PlasmaSession::startProgramSuspended(Reached wanted) {
-    startProgramOnly();
-    const auto hasReached = [&] {
-        if (wanted == Reached::Claim)
-            return replyTo(wayland::busCall("GetNameOwner", "s", {plasma::SingleInstance::kName}))
-                .error.empty();
+void PlasmaSession::startProgramHeld() {
+    // Qt reads the rules of its log messages before it connects. A pipe in their place holds it up until the
+    // writer closes it, and can only be opened for writing once there is a reader.
+    if (::mkfifo(gateFile().c_str(), S_IRUSR | S_IWUSR) != 0)
+        throw std::runtime_error("cannot make the pipe that holds the program");
+    auto environment = m_environment;
+    environment["QT_LOGGING_CONF"] = gateFile().string();
+    m_program.emplace(std::vector<std::string>{TESSAREL_PROGRAM}, environment);
+    const bool isHeld = waitFor([this] {
+        const int writer = ::open(gateFile().c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+        if (writer >= 0)
+            m_gate = writer;
+        return m_gate.has_value();
+    });
+    if (!isHeld)
+        throw std::runtime_error("the program does not start: " + m_program->errors());
+}
+
+void PlasmaSession::releaseProgram() {
+    std::filesystem::remove(gateFile()); // a program that replaces itself must not wait for it again
+    ::close(std::exchange(m_gate, std::nullopt).value());
+}
+
+bool PlasmaSession::waitForScript() {
+    return waitFor([this] {
         return replyTo({"org.kde.KWin",
                         "/Scripting",
                         "org.kde.kwin.Scripting",
@@ -261,13 +283,7 @@ void PlasmaSession::startProgramSuspended(Reached wanted) {
                         "s",
                         {std::string("tessarel")}})
                    .value<std::int64_t>(0) != 0;
-    };
-    const x11test::Deadline deadline;
-    while (!hasReached()) { // without a pause, because the rest of the start takes only some milliseconds
-        if (deadline.passed())
-            throw std::runtime_error("the program does not start: " + m_program->errors());
-    }
-    m_program->signal(SIGSTOP);
+    });
 }
 
 std::optional<int> PlasmaSession::endProgram() {

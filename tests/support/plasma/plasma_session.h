@@ -29,12 +29,6 @@ enum class Drawing : std::uint8_t { Software, OpenGl };
 /// be unlocked again: that takes a password.
 enum class Extra : std::uint8_t { None, XServer, ScreenLocker };
 
-/// What the start of the program has reached.
-enum class Reached : std::uint8_t {
-    Claim,  ///< it is the only copy of the session
-    Script, ///< KWin has its script
-};
-
 /// A private session of KDE Plasma on Wayland: a session bus and KWin without a screen, with two
 /// displays side by side, in a home and a runtime folder of its own. There is no desktop shell.
 class PlasmaSession {
@@ -65,9 +59,13 @@ public:
     [[nodiscard]] bool startProgram();
     /// Starts the program under test without waiting for it.
     void startProgramOnly();
-    /// Starts the program and suspends it once its start has got that far, before it connects to KWin's
-    /// socket. Throws std::runtime_error if it does not.
-    void startProgramSuspended(Reached wanted);
+    /// Starts the program and holds it where it is about to connect to KWin's socket. It has sent its hot
+    /// keys and its script by then. Throws std::runtime_error if it does not get there.
+    void startProgramHeld();
+    /// Lets the held program go on.
+    void releaseProgram();
+    /// Waits until KWin runs the script of the program. Returns false if it does not.
+    [[nodiscard]] bool waitForScript();
     /// Ends the program with SIGTERM. Returns its exit code; empty if it does not exit.
     [[nodiscard]] std::optional<int> endProgram();
     [[nodiscard]] x11test::ChildProcess& program() { return *m_program; }
@@ -104,6 +102,7 @@ private:
     void permitInput() const;
     [[nodiscard]] std::vector<std::string> compositorCommand() const;
     void readXDisplay();
+    [[nodiscard]] std::filesystem::path gateFile() const { return m_folder.path() / "gate"; }
     /// Where a program that KWin starts writes the name of the X display.
     [[nodiscard]] std::filesystem::path xDisplayFile() const { return m_folder.path() / "x-display"; }
     [[nodiscard]] bool replies(const std::string& busName, const std::string& path);
@@ -122,6 +121,7 @@ private:
     std::optional<OutputControl> m_outputs;
     std::vector<std::unique_ptr<x11test::ChildProcess>> m_clients;
     std::optional<x11test::ChildProcess> m_program;
+    std::optional<int> m_gate; ///< the writing end of what the held program reads
 };
 
 } // namespace tessarel::plasmatest
