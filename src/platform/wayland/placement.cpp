@@ -39,8 +39,10 @@ bool Placement::isPostponed(WindowId window) const {
 }
 
 void Placement::await(WindowId window) {
-    if (!m_compositor.waitUntilSettled(window, kPatience))
-        m_late.insert(window);
+    if (m_overdue.contains(window) || m_compositor.waitUntilSettled(window, kPatience))
+        return;
+    m_late.insert(window);
+    m_overdue.insert(window);
 }
 
 void Placement::send() {
@@ -52,6 +54,7 @@ void Placement::send() {
     const Point origin = wish.origin.value_or(state->frame.origin());
     const Size size = wish.size.value_or(state->frame.size());
     await(window);
+    std::erase_if(m_overdue, [&](WindowId one) { return one == window || m_mirror.find(one) == nullptr; });
     m_compositor.place(window, {origin.x, origin.y, size.width, size.height});
     if (m_several && !isPostponed(window))
         m_several->push_back(window);

@@ -27,7 +27,8 @@ struct FrameWish {
 /// windows may be under way at the same time.
 class Placement {
 public:
-    /// How long a window may take to settle. Within that time no other program can be waited for.
+    /// How long a window may take to settle. Within that time no other program can be waited for. A request
+    /// that has taken longer is not waited for again, so that no later hot key is lost to it.
     static constexpr std::chrono::milliseconds kPatience{250};
 
     /// All referenced objects must outlive this one.
@@ -64,6 +65,7 @@ private:
     WindowId m_written = kNoWindow; // the window that `m_wish` is for
     FrameWish m_wish;
     std::set<WindowId> m_late;
+    std::set<WindowId> m_overdue;                   ///< whose last request has been waited for in vain
     std::optional<std::vector<WindowId>> m_several; ///< sent since `beginSeveral`; empty without it
     SubscriptionPtr m_nextLoop;
     SubscriptionPtr m_turns;

@@ -40,6 +40,8 @@ public:
             return true;
         const std::string name = m_mirror.find(window)->name;
         calls.push_back("wait for " + name);
+        if (isSilent)
+            return false;
         const bool isInTime = !stalled.contains(name);
         if (isInTime)
             m_mirror.setFrame(name, placement->second);
@@ -49,6 +51,7 @@ public:
 
     std::vector<std::string> calls;
     std::set<std::string> stalled; ///< windows that do not settle in time
+    bool isSilent = false;         ///< whether it does not even report that they do not
 
 private:
     Mirror& m_mirror;
@@ -151,6 +154,20 @@ TEST_F(WaylandAccessibilityTest, AWindowThatHasNotSettledInTimeCanBeReadAfterThe
     mirror.deliver();
 
     EXPECT_EQ(readSize("a"), kStart.size());
+}
+
+TEST_F(WaylandAccessibilityTest, WhileTheCompositorReportsNothingAWindowIsWaitedForOncePerWrite) {
+    compositor.isSilent = true;
+    write("a", kWider);
+    EXPECT_EQ(readSize("a"), std::nullopt);
+    mirror.deliver(); // a hot key has arrived
+    EXPECT_EQ(readSize("a"), kStart.size());
+
+    compositor.isSilent = false;
+    write("a", kWanted);
+
+    EXPECT_EQ(readSize("a"), kWanted.size());
+    EXPECT_THAT(compositor.calls, ElementsAre("place a", "wait for a", "place a", "wait for a"));
 }
 
 TEST_F(WaylandAccessibilityTest, AWindowThatSettlesLongAfterItHasBeenReadIsReported) {
