@@ -32,7 +32,7 @@ protected:
     void SetUp() override {
         session.writeSettings(m_settings);
         ASSERT_TRUE(session.startProgram()) << session.program().errors();
-        session.open({"kwrite"}, kEditor);
+        session.openEditor();
     }
 
     /// Presses the title bar and moves the pointer to a place in small steps.

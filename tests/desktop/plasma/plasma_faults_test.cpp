@@ -36,7 +36,7 @@ protected:
     /// Expects that a hot key moves a new window, and that the program ends in order.
     void expectHotKeysWork() {
         ASSERT_TRUE(session.waitForCommands()) << session.program().errors();
-        session.open({"kwrite"}, kEditor);
+        session.openEditor();
         session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
         EXPECT_EQ(session.settledFrame(kEditor, kRightHalf), kRightHalf);
         EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
@@ -218,7 +218,7 @@ TEST_F(PlasmaScriptTest, ACallForCommandsThatWaitsIsRenewed) {
 TEST_F(PlasmaLockTest, WhileTheSessionIsLockedHotKeysDoNothingAndTheProgramGoesOn) {
     start();
     ASSERT_TRUE(session.waitForCommands());
-    session.open({"kwrite"}, kEditor);
+    session.openEditor();
     const Rect before = session.frame(kEditor).value_or(Rect::null());
     ASSERT_TRUE(session.lock());
 

@@ -20,6 +20,8 @@ constexpr Rect kRightOfFirst{800, 0, 800, 900};
 
 constexpr const char* kUsualSettings = R"({"hasOnboarded":true,"rememberApps":false})";
 
+constexpr const char* kRealEditor = "org.kde.kwrite";
+
 constexpr std::uint32_t kControlOption = 6144;
 
 constexpr const char* kTwoShortcuts = R"({"hasOnboarded":true,"rememberApps":false,"bindings":{
@@ -36,25 +38,25 @@ protected:
 };
 
 TEST_F(PlasmaKeysTest, AHotKeyMovesTheActiveWindowExactlyIntoItsZone) {
-    session.open({"kwrite"}, kEditor);
+    session.open({"kwrite"}, kRealEditor);
 
     session.input().press({key::kLeftControl, key::kLeftAlt, key::kDigit1 + 3});
     const Rect fourth{0, 450, 800, 450};
-    EXPECT_EQ(session.settledFrame(kEditor, fourth), fourth);
+    EXPECT_EQ(session.settledFrame(kRealEditor, fourth), fourth);
 
     session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
-    EXPECT_EQ(session.settledFrame(kEditor, kRightOfFirst), kRightOfFirst);
+    EXPECT_EQ(session.settledFrame(kRealEditor, kRightOfFirst), kRightOfFirst);
 
     session.input().press({key::kLeftControl, key::kLeftAlt, key::kLeftMeta, key::kRight});
     const Rect onSecond{2400, 0, 800, 900};
-    EXPECT_EQ(session.settledFrame(kEditor, onSecond), onSecond);
+    EXPECT_EQ(session.settledFrame(kRealEditor, onSecond), onSecond);
 
     EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
     EXPECT_TRUE(session.shortcuts().empty());
 }
 
 TEST_F(PlasmaKeysTest, AHotKeyStaysOnItsKeyWhenTheKeyboardLayoutChanges) {
-    session.open({"kwrite"}, kEditor);
+    session.openEditor();
     constexpr std::int64_t kControlAlt = 0x0c000000;
     const auto hasKey = [this](std::int64_t key) {
         return PlasmaSession::waitFor(
@@ -73,7 +75,7 @@ TEST_F(PlasmaKeysTest, AHotKeyStaysOnItsKeyWhenTheKeyboardLayoutChanges) {
 }
 
 TEST_F(PlasmaKeysTest, AfterACrashTheNextStartHasItsKeysAndNoneOfThoseThatItDoesNotUse) {
-    session.open({"kwrite"}, kEditor);
+    session.openEditor();
     session.program().signal(SIGKILL);
     ASSERT_TRUE(session.program().waitForExit());
     const auto isRegistered = [this](const char* name) {
@@ -152,7 +154,7 @@ TEST(PlasmaShortcutsTest, WhileAllShortcutsAreBlockedTheirKeysDoNothing) {
 
 TEST_F(PlasmaKeysTest, CommandsFromATerminalMoveTheActiveWindowAndQuit) {
     constexpr int kNotRunning = 3;
-    session.open({"kwrite"}, kEditor);
+    session.openEditor();
     ASSERT_TRUE(session.waitForCommands());
 
     EXPECT_EQ(session.command({"right-half"}), 0);

@@ -156,6 +156,7 @@ bool PlasmaSession::lock() {
 }
 
 void PlasmaSession::killCompositor() {
+    m_editor.reset();
     m_clients.clear();
     m_outputs.reset();
     m_input.reset();
@@ -165,6 +166,7 @@ void PlasmaSession::killCompositor() {
 
 PlasmaSession::~PlasmaSession() {
     m_program.reset();
+    m_editor.reset();
     m_clients.clear();
     m_outputs.reset();
     m_input.reset();
@@ -301,13 +303,24 @@ const SeenWindow* PlasmaSession::find(const std::string& windowClass) {
 
 void PlasmaSession::open(const std::vector<std::string>& command, const std::string& windowClass) {
     m_clients.push_back(std::make_unique<x11test::ChildProcess>(command, m_environment));
-    const bool isOpen = m_probe->waitUntil([&] {
+    if (!waitForActive(windowClass))
+        throw std::runtime_error(command.front() + " opens no window: " + m_clients.back()->errors());
+}
+
+void PlasmaSession::openEditor() {
+    m_editor.emplace(m_environment);
+    m_editor->open(1, {.applicationId = kEditor, .isDecorated = true});
+    if (!waitForActive(kEditor))
+        throw std::runtime_error("the editor opens no window: " + m_editor->process().errors());
+}
+
+bool PlasmaSession::waitForActive(const std::string& windowClass) {
+    const bool isActive = m_probe->waitUntil([&] {
         const SeenWindow* const window = find(windowClass);
         return window != nullptr && window->isActive && window->frame.width > 0;
     });
-    if (!isOpen)
-        throw std::runtime_error(command.front() + " opens no window: " + m_clients.back()->errors());
     m_probe->roundTrip(); // KWin has told the program, too
+    return isActive;
 }
 
 std::optional<Rect> PlasmaSession::frame(const std::string& windowClass) {

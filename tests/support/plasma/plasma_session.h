@@ -6,6 +6,7 @@
 #include "support/plasma/fake_input.h"
 #include "support/plasma/output_control.h"
 #include "support/plasma/probe.h"
+#include "support/plasma/wayland_client.h"
 #include "support/scratch_folder.h"
 #include "support/x11/child_process.h"
 
@@ -19,8 +20,8 @@
 
 namespace tessarel::plasmatest {
 
-/// The class of the windows of kwrite.
-inline constexpr const char* kEditor = "org.kde.kwrite";
+/// The class of the window that `PlasmaSession::openEditor` opens.
+inline constexpr const char* kEditor = "org.example.editor";
 
 /// What KWin draws with. Effects, and so the modifiers of a drag, need OpenGL.
 enum class Drawing : std::uint8_t { Software, OpenGl };
@@ -93,6 +94,9 @@ public:
     /// Starts another program and waits until its window is active, and KWin has told the program under test.
     /// Throws std::runtime_error if it is not.
     void open(const std::vector<std::string>& command, const std::string& windowClass);
+    /// Opens a window with a title bar, in the same way. Its program takes every size, and starts within
+    /// milliseconds.
+    void openEditor();
     /// Returns the frame of the window with this class; empty if there is none.
     [[nodiscard]] std::optional<Rect> frame(const std::string& windowClass);
     /// Waits until the window with this class has the frame `expected`. Returns the frame that it has then.
@@ -103,6 +107,9 @@ private:
     [[nodiscard]] std::vector<std::string> compositorCommand() const;
     void readXDisplay();
     [[nodiscard]] std::filesystem::path gateFile() const { return m_folder.path() / "gate"; }
+    /// Waits until the window with this class is active, and KWin has told the program under test. Returns
+    /// false if it is not.
+    [[nodiscard]] bool waitForActive(const std::string& windowClass);
     /// Where a program that KWin starts writes the name of the X display.
     [[nodiscard]] std::filesystem::path xDisplayFile() const { return m_folder.path() / "x-display"; }
     [[nodiscard]] bool replies(const std::string& busName, const std::string& path);
@@ -120,6 +127,7 @@ private:
     std::optional<FakeInput> m_input;
     std::optional<OutputControl> m_outputs;
     std::vector<std::unique_ptr<x11test::ChildProcess>> m_clients;
+    std::optional<WaylandClient> m_editor;
     std::optional<x11test::ChildProcess> m_program;
     std::optional<int> m_gate; ///< the writing end of what the held program reads
 };

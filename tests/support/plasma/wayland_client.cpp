@@ -12,7 +12,7 @@ WaylandClient::WaylandClient(const x11test::Environment& environment)
 
 void WaylandClient::open(int number, const WindowOptions& options) {
     std::ostringstream command;
-    command << "open " << number;
+    command << "open " << number << ' ' << options.isDecorated;
     for (const Size& size : {options.size, options.minimum, options.maximum})
         command << ' ' << std::lround(size.width) << ' ' << std::lround(size.height);
     command << ' ' << options.applicationId;

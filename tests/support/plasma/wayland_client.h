@@ -9,11 +9,12 @@
 
 namespace tessarel::plasmatest {
 
-/// Another program on the desktop, whose windows have no decoration. Its functions return at once.
+/// Another program on the desktop. Its functions return at once.
 class WaylandClient {
 public:
     struct WindowOptions {
         std::string applicationId = {}; ///< announces none if empty
+        bool isDecorated = false;       ///< has a title bar
         Size size = {500, 400};
         Size minimum = {}; ///< no limit when empty
         Size maximum = {}; ///< no limit when empty

@@ -1,15 +1,18 @@
 // SPDX-License-Identifier: MIT
 
-// Plays another program on a Wayland desktop: its windows have no decoration and take every size that their
-// limits allow. Reads commands, one per line:
-//   open NUMBER WIDTH HEIGHT MINIMUM-WIDTH MINIMUM-HEIGHT MAXIMUM-WIDTH MAXIMUM-HEIGHT [APPLICATION-ID]
+// Plays another program on a Wayland desktop: its windows take every size that their limits allow. Reads
+// commands, one per line:
+//   open NUMBER DECORATED WIDTH HEIGHT MINIMUM-WIDTH MINIMUM-HEIGHT MAXIMUM-WIDTH MAXIMUM-HEIGHT
+//       [APPLICATION-ID]
 //   close NUMBER
 //   panel HEIGHT
 //   stall
-// The title of a window is "window NUMBER". A limit of 0 is none. A panel is along the top edge of the first
+// The title of a window is "window NUMBER". DECORATED is 1 if it has a title bar, which the compositor draws,
+// otherwise 0. A limit of 0 is none. A panel is along the top edge of the first
 // display and reserves its height. After "stall" the program reads nothing that the compositor sends.
 
 #include "layer-shell-client.h"
+#include "xdg-decoration-unstable-v1-client.h"
 #include "xdg-shell-client.h"
 
 #include <algorithm>
@@ -41,6 +44,7 @@ struct Globals {
     wl_compositor* compositor = nullptr;
     wl_shm* memory = nullptr;
     xdg_wm_base* windows = nullptr;
+    zxdg_decoration_manager_v1* decorations = nullptr;
     zwlr_layer_shell_v1* layers = nullptr;
     wl_output* display = nullptr; ///< the first one
 };
@@ -60,6 +64,7 @@ constexpr wl_registry_listener kAnnouncements{
         bind(wl_compositor_interface, globals.compositor);
         bind(wl_shm_interface, globals.memory);
         bind(xdg_wm_base_interface, globals.windows);
+        bind(zxdg_decoration_manager_v1_interface, globals.decorations);
         bind(zwlr_layer_shell_v1_interface, globals.layers);
         bind(wl_output_interface, globals.display);
     },
@@ -86,6 +91,7 @@ void fill(wl_surface* surface, Size size) {
 struct WindowOptions {
     std::string title;
     std::string applicationId;
+    bool isDecorated = false;
     Size size;
     Size minimum;
     Size maximum;
@@ -120,11 +126,17 @@ public:
             xdg_toplevel_set_app_id(m_window, options.applicationId.c_str());
         xdg_toplevel_set_min_size(m_window, options.minimum.width, options.minimum.height);
         xdg_toplevel_set_max_size(m_window, options.maximum.width, options.maximum.height);
+        if (options.isDecorated) {
+            m_decoration = zxdg_decoration_manager_v1_get_toplevel_decoration(globals.decorations, m_window);
+            zxdg_toplevel_decoration_v1_set_mode(m_decoration, ZXDG_TOPLEVEL_DECORATION_V1_MODE_SERVER_SIDE);
+        }
         wl_surface_commit(m_surface);
     }
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
     ~Window() {
+        if (m_decoration != nullptr)
+            zxdg_toplevel_decoration_v1_destroy(m_decoration);
         xdg_toplevel_destroy(m_window);
         xdg_surface_destroy(m_shell);
         wl_surface_destroy(m_surface);
@@ -146,6 +158,7 @@ private:
     wl_surface* m_surface;
     xdg_surface* m_shell;
     xdg_toplevel* m_window;
+    zxdg_toplevel_decoration_v1* m_decoration = nullptr;
 };
 
 void openPanel(int height) {
@@ -192,6 +205,7 @@ private:
     static WindowOptions optionsFrom(std::istringstream& words, int number) {
         WindowOptions options;
         options.title = "window " + std::to_string(number);
+        words >> options.isDecorated;
         for (Size* const size : {&options.size, &options.minimum, &options.maximum})
             words >> size->width >> size->height;
         words >> options.applicationId;
