@@ -59,6 +59,9 @@ protected:
         return {"org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", member};
     }
 
+    /// Waits until the link's thread has carried out everything that was asked of it before.
+    static void roundTrip(BusLink& link) { (void)replyTo(link, ofBus("GetId")); }
+
     ScratchFolder folder;
     std::string address = "unix:path=" + (folder.path() / "bus").string();
     std::optional<x11test::ChildProcess> daemon;
@@ -102,6 +105,7 @@ TEST_F(BusLinkTest, ValuesOfAllTypesArriveAsTheyWereSent) {
     std::vector<BusValue> values;
     const auto served = receiver.serve(
         "/object", [&](const BusMessage& message) { values = message.values; }, Delivery::Urgent);
+    roundTrip(receiver); // the object is there
     const std::vector<BusValue> sent{std::string("text \xC3\xA9"), std::int64_t{-5}, std::int64_t{1},
                                      std::vector<std::string>{"", "two"}, std::vector<std::int64_t>{7, -8}};
 
@@ -137,6 +141,7 @@ TEST_F(BusLinkTest, AnObjectIsServedUntilItsSubscriptionIsDestroyed) {
             server.answer(message.token, message.member + "!");
         },
         Delivery::Urgent);
+    roundTrip(server); // the object is there
     std::optional<BusMessage> reply;
     const auto ask = [&] {
         reply.reset();
@@ -151,7 +156,7 @@ TEST_F(BusLinkTest, AnObjectIsServedUntilItsSubscriptionIsDestroyed) {
     EXPECT_EQ(reply.value_or(BusMessage()).value<std::string>(0), "hello!");
 
     served.reset();
-    (void)replyTo(server, ofBus("GetId")); // the object has gone
+    roundTrip(server); // the object has gone
     ask();
     EXPECT_TRUE(client.waitUntil([&] { return reply.has_value(); }, x11test::kPatience));
     EXPECT_EQ(reply.value_or(BusMessage()).error, "org.freedesktop.DBus.Error.UnknownObject");
@@ -167,6 +172,7 @@ TEST_F(BusLinkTest, ARenewedCallTakesOverTheTokenOfTheEarlierOneWithoutACallOfTh
     const auto served = server.serve(
         "/object", [&](const BusMessage& message) { tokens.push_back(message.token); }, Delivery::Urgent,
         "wait");
+    roundTrip(server); // the object is there
     std::vector<std::string> replies;
     const auto ask = [&](BusLink& caller, const std::string& name) {
         caller.call(
@@ -313,6 +319,7 @@ TEST_F(BusLinkTest, WhatWasSentBeforeTheEndOfTheLinkArrives) {
     const auto served = receiver.serve(
         "/object", [&](const BusMessage& message) { word = message.value<std::string>(0); },
         Delivery::Urgent);
+    roundTrip(receiver); // the object is there
 
     {
         BusLink sender(address);
