@@ -151,7 +151,7 @@ class Workshop:
         self._copy_checkout()
 
     def _find_suites(self) -> None:
-        listed = self._run_or_exit(["ctest", "--test-dir", str(self._build), "--show-only=json-v1"])
+        listed = self._run_or_exit(["ctest", "--test-dir", str(self._build), "-C", "mutants", "--show-only=json-v1"])
         for entry in json.loads(listed)["tests"]:
             properties = {each["name"]: each["value"] for each in entry["properties"]}
             self._suites[entry["name"]] = Suite(
