@@ -81,29 +81,39 @@ bool WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFra
     const auto current = previous ? previous : m_ax.frame(window);
     if (!m_ax.setFrame(window, pid, axFrame, bounds))
         return false;
-    if (current) {
-        const auto last = m_lastSnapped.find(windowKey);
-        // Still where the last placement left it: the restore chain goes on and keeps its first frame.
-        const bool inChain = last != m_lastSnapped.end() && approx(*current, last->second.current);
-        if (!inChain)
-            m_original[windowKey] = *current;
-    }
-    // The program may have adjusted the frame, so the one to compare with is read back.
-    if (const auto placed = m_ax.frame(window))
-        m_lastSnapped[windowKey] = {*placed, *placed};
-    else
-        m_lastSnapped[windowKey] = {axFrame, axFrame, Request{pid, axFrame, bounds}};
+    if (current && !isInChain(windowKey, *current))
+        m_original[windowKey] = *current;
+    m_lastSnapped[windowKey] = readBack(window, {pid, axFrame, bounds, current});
     return true;
+}
+
+/// Returns whether a window with the frame `axFrame` is still where the last placement left it, or where it
+/// was before, if the desktop has not carried it out yet. The restore chain then goes on and keeps its first
+/// frame.
+bool WindowEngine::isInChain(WindowKey windowKey, const Rect& axFrame) const {
+    const auto last = m_lastSnapped.find(windowKey);
+    if (last == m_lastSnapped.end())
+        return false;
+    const auto& [placed, current, unread] = last->second;
+    return approx(axFrame, current) || (unread && unread->before && approx(axFrame, *unread->before));
+}
+
+/// Returns where `request` has put the window. The program may have adjusted the frame, so it is read.
+WindowEngine::Placed WindowEngine::readBack(const Element& window, const Request& request) const {
+    if (const auto placed = m_ax.frame(window))
+        return {*placed, *placed};
+    return {request.axFrame, request.axFrame, request};
 }
 
 /// Returns where a window is whose placement could not be read back, and that has now taken `axFrame`. If
 /// that is not what was requested, requests it once more, which also pulls the window back into its bounds.
-WindowEngine::Placed WindowEngine::completed(const Element& window, const Request& request,
-                                             const Rect& axFrame) {
-    if (axFrame != request.axFrame)
-        m_ax.setFrame(window, request.pid, request.axFrame, request.bounds);
-    const Rect placed = m_ax.frame(window).value_or(axFrame);
-    return {placed, placed};
+WindowEngine::Placed WindowEngine::completed(const Element& window, Request request, const Rect& axFrame) {
+    if (axFrame == request.axFrame || request.isRepeated)
+        return {axFrame, axFrame};
+    m_ax.setFrame(window, request.pid, request.axFrame, request.bounds);
+    request.before = axFrame;
+    request.isRepeated = true;
+    return readBack(window, request);
 }
 
 /// Takes up the size that the program itself has chosen after the last placement. A window that has moved

@@ -55,9 +55,9 @@ public:
     /// window move except `restoreFocused` goes through this function.
     ///
     /// Remembers the frame before the move, which is `previous` if given, for restoring. If the window is
-    /// still where it was last placed, or where its program has put it shortly after, keeps the frame
-    /// remembered earlier: a restore chain leads back to its beginning. Does not check whether the window may
-    /// be moved.
+    /// still where it was last placed, or where its program has put it shortly after, or has not left its
+    /// place yet, keeps the frame remembered earlier: a restore chain leads back to its beginning. Does not
+    /// check whether the window may be moved.
     ///
     /// Returns false, and changes nothing about restoring, if the desktop has refused to move the window.
     bool place(const Element& window, ProcessId pid, const Rect& axFrame, const std::optional<Rect>& bounds,
@@ -102,6 +102,8 @@ private:
         ProcessId pid;
         Rect axFrame;
         std::optional<Rect> bounds;
+        std::optional<Rect> before; ///< the frame until the desktop carries the request out
+        bool isRepeated = false;    ///< whether the desktop has carried it out once, with another frame
     };
     /// Where a placement left a window.
     struct Placed {
@@ -117,7 +119,9 @@ private:
     [[nodiscard]] std::optional<Element> match(const Rect& axBounds, ProcessId pid,
                                                const std::unordered_set<WindowKey>& seen) const;
     void follow(const Element& window, const Rect& axFrame);
-    [[nodiscard]] Placed completed(const Element& window, const Request& request, const Rect& axFrame);
+    [[nodiscard]] bool isInChain(WindowKey windowKey, const Rect& axFrame) const;
+    [[nodiscard]] Placed readBack(const Element& window, const Request& request) const;
+    [[nodiscard]] Placed completed(const Element& window, Request request, const Rect& axFrame);
     [[nodiscard]] bool isWhollyIgnored(ProcessId pid) const;
     [[nodiscard]] std::optional<Screen> attendedScreen() const;
 

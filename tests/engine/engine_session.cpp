@@ -72,30 +72,37 @@ void EngineSession::step() {
             openWindow();
         useHotKey();
     } else {
-        switch (m_dice.below(16)) {
+        switch (m_dice.below(18)) {
         case 0:
-            placeDirectly();
+            m_what = "a window is placed after a drag";
+            placeDirectly(anyWindow());
             break;
         case 1:
+            placeLate();
+            break;
         case 2:
+            correct();
+            break;
         case 3:
         case 4:
-            changeWindow();
-            break;
         case 5:
         case 6:
+            changeWindow();
+            break;
         case 7:
         case 8:
         case 9:
+        case 10:
+        case 11:
             changeStack();
             break;
-        case 10:
+        case 12:
             changeDisplays();
             break;
-        case 11:
+        case 13:
             changeApplication();
             break;
-        case 12:
+        case 14:
             changeSettingsAndRegister();
             break;
         default:
@@ -128,10 +135,15 @@ std::optional<std::string> EngineSession::difference() {
     return out.str();
 }
 
-void EngineSession::forgetWhatHasGone() {
+/// Sets both clocks to the same time: each read from an unresponsive program takes time.
+void EngineSession::alignClocks() {
     const auto behind = m_desktop.clock().now() - m_referenceDesktop.clock().now();
-    m_desktop.advance(std::max(-behind, 0ns)); // each read from an unresponsive program takes time
+    m_desktop.advance(std::max(-behind, 0ns));
     m_referenceDesktop.advance(std::max(behind, 0ns));
+}
+
+void EngineSession::forgetWhatHasGone() {
+    alignClocks();
     for (JournalDesktop* desktop : {&m_desktop, &m_referenceDesktop})
         desktop->withoutIncident();
     std::erase_if(m_windows,
@@ -167,16 +179,64 @@ void EngineSession::useHotKey() {
     });
 }
 
-void EngineSession::placeDirectly() {
-    m_what = "a window is placed after a drag";
-    const sim::WindowId window = anyWindow();
+void EngineSession::placeDirectly(sim::WindowId window) {
     const ProcessId pid = m_desktop.window(window).pid;
     const Rect frame = randomFrame(m_dice, screens());
     const auto within = m_dice.oneIn(2) ? std::optional(randomFrame(m_dice, screens())) : std::nullopt;
     const auto previous =
         m_dice.oneIn(2) ? std::optional(randomlyMoved(m_dice, m_desktop.frame(window))) : std::nullopt;
+    m_requested[window] = frame;
     m_engine.place(m_desktop.element(window), pid, frame, within, previous);
     m_reference.place(m_referenceDesktop.element(window), pid, frame, within, previous);
+}
+
+void EngineSession::placeLate() {
+    m_what = "a placement is late";
+    const sim::WindowId window = anyWindow();
+    const Rect before = m_desktop.frame(window);
+    carryOutLate(window, [&] { placeDirectly(window); });
+    if (m_dice.oneIn(3))
+        return; // carried out, but too late to be read
+    onBoth([&](JournalDesktop& desktop) {
+        if (desktop.isOpen(window))
+            desktop.window(window).axFrame = before;
+    });
+}
+
+void EngineSession::correct() {
+    m_what = "a program or the desktop corrects a frame";
+    const sim::WindowId window = anyWindow();
+    for (int times = m_dice.between(1, 3); times > 0; --times) {
+        const auto requested = m_requested.find(window);
+        Rect frame =
+            m_dice.oneIn(2) || requested == m_requested.end() ? m_desktop.frame(window) : requested->second;
+        if (m_dice.oneIn(2))
+            frame = randomlyMoved(m_dice, frame);
+        const auto report = [&] {
+            onBoth([&](JournalDesktop& desktop) { desktop.accessibility().correct(window, frame); });
+        };
+        if (m_dice.oneIn(2))
+            carryOutLate(window, report);
+        else
+            report();
+        alignClocks();
+    }
+}
+
+/// Calls `work`, during which the window has no frame once it has been written.
+void EngineSession::carryOutLate(sim::WindowId window, const std::function<void()>& work) {
+    onBoth([&](JournalDesktop& desktop) {
+        desktop.afterWrite(1, [window](JournalDesktop& late) {
+            if (late.isOpen(window))
+                late.window(window).overrides["AXPosition"] = std::nullopt;
+        });
+    });
+    work();
+    onBoth([&](JournalDesktop& desktop) {
+        desktop.withoutIncident();
+        if (desktop.isOpen(window))
+            desktop.window(window).overrides.erase("AXPosition");
+    });
 }
 
 void EngineSession::changeWindow() {

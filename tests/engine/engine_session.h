@@ -16,6 +16,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -42,11 +43,15 @@ private:
     void onBoth(const Work& work);
     [[nodiscard]] sim::WindowId anyWindow() { return m_dice.pick(m_windows); }
     [[nodiscard]] std::vector<Screen> screens() { return m_desktop.displays().screens(); }
+    void alignClocks();
     void forgetWhatHasGone();
 
     // Steps.
     void useHotKey();
-    void placeDirectly();
+    void placeDirectly(sim::WindowId window);
+    void placeLate();
+    void correct();
+    void carryOutLate(sim::WindowId window, const std::function<void()>& work);
     void changeWindow();
     void changeStack();
     void changeDisplays();
@@ -79,6 +84,7 @@ private:
 
     const char* m_what = "beginning";
     std::vector<sim::WindowId> m_windows;
+    std::map<sim::WindowId, Rect> m_requested; ///< the last frame of each window that was placed directly
     std::vector<ProcessId> m_pids;
     std::vector<SubscriptionPtr> m_heldByOthers;
 };

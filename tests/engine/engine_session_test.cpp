@@ -17,7 +17,7 @@ constexpr std::uint64_t kStepsOfOneSession = 250;
 constexpr long kEnough = 40;
 
 /// Every branch of the reference engine.
-constexpr std::array<std::string_view, 62> kBranches{
+constexpr std::array<std::string_view, 69> kBranches{
     "arrange: main screen",
     "arrange: no screen",
     "arrange: no zone",
@@ -26,18 +26,25 @@ constexpr std::array<std::string_view, 62> kBranches{
     "center: fits",
     "center: larger than the area",
     "center: no screen",
+    "correction: growth",
+    "correction: move",
+    "correction: not placed",
     "focused window: ignored",
     "focused window: no application in front",
     "focused window: none",
     "focused window: this program in front",
     "frame: unreadable",
     "handle: no such action",
+    "late: as requested",
+    "late: requested again",
+    "late: twice",
     "match: seen before",
     "move: fewer than two displays",
     "move: neighbour",
     "move: wraps",
     "place: chain begins",
     "place: chain goes on",
+    "place: chain goes on after a late placement",
     "place: unreadable after",
     "place: unreadable before",
     "register: disabled zone",

@@ -22,6 +22,11 @@ double share(double part, double whole) {
 
 } // namespace
 
+ReferenceEngine::ReferenceEngine(Ports ports)
+    : m_ports(std::move(ports)),
+      m_corrections(m_ports.accessibility.onCorrected(
+          [this](const Element& window, const Rect& frame) { corrected(window, frame); })) {}
+
 void ReferenceEngine::beep(std::string_view why) {
     took(why);
     m_ports.alertSound.beep();
@@ -206,18 +211,69 @@ void ReferenceEngine::place(const Element& window, ProcessId pid, const Rect& fr
     const std::uintptr_t key = m_ports.accessibility.key(window);
     const std::optional<Rect> current = previous ? previous : frameOf(window);
     if (current) {
-        const bool unmoved = m_lastSnapped.contains(key) && isNear(*current, m_lastSnapped[key], 3);
+        const auto& places = m_ownPlaces[key];
+        const bool unmoved = std::any_of(places.begin(), places.end(),
+                                         [&](const Rect& place) { return isNear(*current, place, 3); });
         took(unmoved ? "place: chain goes on" : "place: chain begins");
+        if (unmoved && m_late.contains(key))
+            took("place: chain goes on after a late placement");
         if (!unmoved)
             m_original[key] = *current;
     } else {
         took("place: unreadable before");
     }
     setFrame(window, pid, frame, within);
-    const auto after = frameOf(window);
-    if (!after)
-        took("place: unreadable after");
-    m_lastSnapped[key] = after ? *after : frame;
+    noteFrame(window, {pid, frame, within}, current);
+}
+
+void ReferenceEngine::noteFrame(const Element& window, const Late& requested,
+                                const std::optional<Rect>& before) {
+    const std::uintptr_t key = m_ports.accessibility.key(window);
+    m_lastSnapped.erase(key);
+    m_late.erase(key);
+    if (const auto after = frameOf(window)) {
+        m_lastSnapped[key] = *after;
+        m_ownPlaces[key] = {*after};
+        return;
+    }
+    took("place: unreadable after");
+    m_late[key] = requested;
+    m_ownPlaces[key] = {requested.frame};
+    if (before)
+        m_ownPlaces[key].push_back(*before);
+}
+
+void ReferenceEngine::corrected(const Element& window, const Rect& frame) {
+    const std::uintptr_t key = m_ports.accessibility.key(window);
+    if (m_late.contains(key)) {
+        complete(window, m_late[key], frame);
+    } else if (m_lastSnapped.contains(key)) {
+        const Rect& placed = m_lastSnapped[key];
+        const double shifts[] = {left(frame) - left(placed), right(frame) - right(placed),
+                                 top(frame) - top(placed), bottom(frame) - bottom(placed)};
+        const bool isMoved = (shifts[0] > 3 && shifts[1] > 3) || (shifts[0] < -3 && shifts[1] < -3) ||
+                             (shifts[2] > 3 && shifts[3] > 3) || (shifts[2] < -3 && shifts[3] < -3);
+        took(isMoved ? "correction: move" : "correction: growth");
+        if (!isMoved)
+            m_ownPlaces[key] = {frame};
+    } else {
+        took("correction: not placed");
+    }
+}
+
+void ReferenceEngine::complete(const Element& window, Late late, const Rect& frame) {
+    const std::uintptr_t key = m_ports.accessibility.key(window);
+    if (frame != late.frame && late.requests == 1) {
+        took("late: requested again");
+        setFrame(window, late.pid, late.frame, late.within);
+        late.requests = 2;
+        noteFrame(window, late, frame);
+        return;
+    }
+    took(frame == late.frame ? "late: as requested" : "late: twice");
+    m_late.erase(key);
+    m_lastSnapped[key] = frame;
+    m_ownPlaces[key] = {frame};
 }
 
 std::optional<ReferenceEngine::Focused> ReferenceEngine::focusedUsableWindow() {
@@ -287,6 +343,8 @@ void ReferenceEngine::restoreFocused() {
     setFrame(focused->window, focused->application.processIdentifier, m_original[key], {});
     m_original.erase(key);
     m_lastSnapped.erase(key);
+    m_ownPlaces.erase(key);
+    m_late.erase(key);
 }
 
 void ReferenceEngine::moveFocused(int step) {

@@ -44,7 +44,7 @@ public:
     };
     using Branches = std::map<std::string_view, long>;
 
-    explicit ReferenceEngine(Ports ports) : m_ports(std::move(ports)) {}
+    explicit ReferenceEngine(Ports ports);
 
     AppSettings settings;
     bool paused = false;
@@ -67,6 +67,13 @@ private:
         Element window;
         ProcessId pid = 0;
     };
+    /// A placement that the desktop has not carried out in time.
+    struct Late {
+        ProcessId pid = 0;
+        Rect frame;
+        std::optional<Rect> within;
+        int requests = 1;
+    };
 
     void took(std::string_view branch) { ++m_branches[branch]; }
     void beep(std::string_view why);
@@ -88,6 +95,11 @@ private:
     void setFrame(const Element& window, ProcessId pid, const Rect& frame, const std::optional<Rect>& within);
     void writeFrame(const Element& window, const Rect& frame, const std::optional<Rect>& within);
 
+    // The restore memory.
+    void noteFrame(const Element& window, const Late& requested, const std::optional<Rect>& before);
+    void corrected(const Element& window, const Rect& frame);
+    void complete(const Element& window, Late late, const Rect& frame);
+
     // Actions.
     [[nodiscard]] std::optional<Focused> focusedUsableWindow();
     void run(std::size_t action);
@@ -103,7 +115,10 @@ private:
 
     Ports m_ports;
     std::map<std::uintptr_t, Rect> m_original;
-    std::map<std::uintptr_t, Rect> m_lastSnapped;
+    std::map<std::uintptr_t, Rect> m_lastSnapped;            ///< without late placements
+    std::map<std::uintptr_t, std::vector<Rect>> m_ownPlaces; ///< where a window counts as unmoved
+    std::map<std::uintptr_t, Late> m_late;
+    SubscriptionPtr m_corrections;
     SubscriptionPtr m_handler;
     std::vector<SubscriptionPtr> m_hotKeys;
     Branches m_branches;

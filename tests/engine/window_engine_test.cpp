@@ -133,10 +133,18 @@ protected:
     }
 
     void placeLate() {
+        carryOutLate([this] {
+            engine.place(desktop.element(window), desktop.window(window).pid, kZone, kUsable, {});
+        });
+    }
+
+    /// Calls `work` while the desktop carries out placements late.
+    template <typename Work>
+    void carryOutLate(Work work) {
         desktop.accessibility().setWriteHandler([this](const std::string& /*line*/) {
             desktop.window(window).overrides["AXPosition"] = std::nullopt;
         });
-        engine.place(desktop.element(window), desktop.window(window).pid, kZone, kUsable, {});
+        work();
         desktop.accessibility().setWriteHandler(nullptr);
         desktop.window(window).overrides.clear();
     }
@@ -164,6 +172,53 @@ TEST_F(LatePlacementTest, IsCompletedOnlyOnce) {
     desktop.accessibility().correct(window, moved);
 
     EXPECT_EQ(desktop.frame(window), moved);
+}
+
+TEST_F(LatePlacementTest, ContinuesTheChainIfItIsReplacedBeforeItIsCarriedOut) {
+    desktop.accessibility().correct(window, desktop.frame(window));
+    place(kLeft);
+    const Rect left = desktop.frame(window);
+    placeLate();
+    desktop.window(window).axFrame = left;
+
+    place(kRight);
+
+    EXPECT_EQ(restored(), kLarge);
+}
+
+TEST_F(LatePlacementTest, StartsANewChainIfTheUserMovesTheWindowBeforeItIsCarriedOut) {
+    const Rect moved{kLarge.x + 200, kLarge.y, kLarge.width, kLarge.height};
+    desktop.drag(window, moved);
+
+    place(kRight);
+
+    EXPECT_EQ(restored(), moved);
+}
+
+TEST_F(LatePlacementTest, ContinuesTheChainIfItsCompletionIsLateToo) {
+    carryOutLate([this] { desktop.accessibility().correct(window, desktop.frame(window)); });
+    desktop.accessibility().correct(window, kPulledIn);
+
+    place(kLeft);
+
+    EXPECT_EQ(restored(), kLarge);
+}
+
+TEST_F(LatePlacementTest, ContinuesTheChainIfItIsReplacedBeforeItsLateCompletion) {
+    const Rect between{-700, -575, 800, 600};
+    carryOutLate([&] { desktop.accessibility().correct(window, between); });
+    desktop.window(window).axFrame = between;
+
+    place(kLeft);
+
+    EXPECT_EQ(restored(), kLarge);
+}
+
+TEST_F(LatePlacementTest, IsRepeatedOnlyOnce) {
+    carryOutLate([this] { desktop.accessibility().correct(window, desktop.frame(window)); });
+
+    desktop.accessibility().setWriteHandler([](const std::string& line) { ADD_FAILURE() << line; });
+    desktop.accessibility().correct(window, desktop.frame(window));
 }
 
 TEST_F(LatePlacementTest, IsLeftAloneIfItHasTheFrameOfItsZone) {
