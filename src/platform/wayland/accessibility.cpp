@@ -17,7 +17,8 @@ namespace {
 
 constexpr ProcessId kNoProcess = 0;
 
-/// How long after a write a change of the frame counts as the program's correction of it.
+/// How long after a write a change of the frame counts as the program's correction of it. If the window has
+/// settled late, the time begins then.
 constexpr std::chrono::milliseconds kCorrectionTime{500};
 
 /// The content of an element's handle: a process, a window of a process, or, without either, the whole
@@ -244,7 +245,9 @@ void Accessibility::frameChanged(WindowId window, const Rect& frame) {
 }
 
 void Accessibility::sendCorrected(WindowId id, const Rect& frame) {
-    m_writes[id].isUnread = false;
+    Write& write = m_writes[id];
+    if (std::exchange(write.isUnread, false))
+        write.time = m_queue.now();
     if (const WindowState* const window = m_mirror.find(id))
         m_corrected.send(makeElement(window->pid, id), axFromCompositor(frame, m_mirror.primary()));
 }

@@ -61,8 +61,8 @@ public:
 private:
     /// A write to a window whose effect is still of interest.
     struct Write {
-        MainQueuePort::TimePoint time;
-        bool isUnread = false; ///< whether the window had not taken its frame when it was read
+        MainQueuePort::TimePoint time; ///< of the write, or when the window has settled if that was late
+        bool isUnread = false;         ///< whether the window had not taken its frame when it was read
     };
 
     void frameChanged(WindowId window, const Rect& frame);
