@@ -247,9 +247,24 @@ void PlasmaSession::startProgramOnly() {
 bool PlasmaSession::startProgram() {
     startProgramOnly();
     const std::string last = "arrangeAll"; // the hot key that the program registers last
-    return waitFor([&] {
+    const bool areHotKeysRegistered = waitFor([&] {
         const auto names = shortcuts();
         return std::find(names.begin(), names.end(), last) != names.end();
+    });
+    return areHotKeysRegistered && waitForCommands() && (m_drawing != Drawing::OpenGl || waitForEffects());
+}
+
+/// Waits until KWin has loaded the effects of the program, the last of which is the one for Meta. Returns
+/// false if it does not.
+bool PlasmaSession::waitForEffects() {
+    return waitFor([&] {
+        return replyTo({"org.kde.KWin",
+                        "/Effects",
+                        "org.kde.kwin.Effects",
+                        "isEffectLoaded",
+                        "s",
+                        {std::string("tessarel_meta")}})
+                   .value<std::int64_t>(0) != 0;
     });
 }
 

@@ -55,8 +55,8 @@ public:
 
     /// Writes the settings of the program under test.
     void writeSettings(std::string_view document);
-    /// Starts the program under test and waits until it has registered its hot keys. Returns false if it does
-    /// not.
+    /// Starts the program under test and waits until it carries out hot keys and sees drags. Returns false if
+    /// it does not.
     [[nodiscard]] bool startProgram();
     /// Starts the program under test without waiting for it.
     void startProgramOnly();
@@ -110,6 +110,7 @@ private:
     /// Waits until the window with this class is active, and KWin has told the program under test. Returns
     /// false if it is not.
     [[nodiscard]] bool waitForActive(const std::string& windowClass);
+    [[nodiscard]] bool waitForEffects();
     /// Where a program that KWin starts writes the name of the X display.
     [[nodiscard]] std::filesystem::path xDisplayFile() const { return m_folder.path() / "x-display"; }
     [[nodiscard]] bool replies(const std::string& busName, const std::string& path);
