@@ -126,6 +126,10 @@ function leaveNewTile(window, tileBefore) {
         return;
     const frame = rect(window.frameGeometry);
     window.tile = null;
+    // KWin would still give the window its earlier size back when it is moved again. Maximising makes it forget
+    // that size; a Wayland window is not told, because it has been undone by then.
+    window.setMaximize(true, false);
+    window.setMaximize(false, false);
     window.frameGeometry = { x: frame[0], y: frame[1], width: frame[2], height: frame[3] };
 }
 

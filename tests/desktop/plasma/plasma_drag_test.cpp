@@ -13,6 +13,7 @@ namespace tessarel::plasmatest {
 namespace {
 
 constexpr Rect kThird{1067, 0, 533, 450}; // of the zones on the first display
+constexpr Rect kFourth{800, 450, 800, 450};
 constexpr Rect kLeftHalf{0, 0, 800, 900};
 constexpr Rect kRightHalf{800, 0, 800, 900};
 constexpr double kPressBelowTop = 10;
@@ -164,6 +165,21 @@ TEST_F(PlasmaShiftDragTest, AWindowDroppedWithShiftGoesIntoTheZoneAtOnceInsteadO
     EXPECT_EQ(framesDuringTwoHotKeys().front(), kThird);
 }
 
+TEST_F(PlasmaShiftDragTest, AWindowDroppedWithShiftKeepsItsSizeInTheNextDrag) {
+    session.input().setKey(key::kLeftShift, true);
+    dragTo(1300, 700);
+    ASSERT_TRUE(session.probe().waitUntil([&] { return isOverlayOn(PlasmaSession::kFirst); }));
+    session.input().setLeftButton(false);
+    session.input().setKey(key::kLeftShift, false);
+    ASSERT_EQ(session.settledFrame(kEditor, kFourth), kFourth);
+
+    dragTo(900, 300);
+    session.input().setLeftButton(false);
+
+    const Rect dropped{500, 300 - kPressBelowTop, kFourth.width, kFourth.height};
+    EXPECT_EQ(session.settledFrame(kEditor, dropped), dropped);
+}
+
 TEST_F(PlasmaShiftDragTest, EscapeEndsADragWithShiftWithoutAZone) {
     session.input().setKey(key::kLeftShift, true);
     dragTo(1300, 200);
@@ -196,8 +212,7 @@ TEST_F(PlasmaControlDragTest, TheZonesFollowControlWhileThePointerRestsAndTheRel
     session.input().setKey(key::kLeftControl, true); // seen with the release
     session.input().setLeftButton(false);
     session.input().setKey(key::kLeftControl, false);
-    const Rect fourth{800, 450, 800, 450};
-    EXPECT_EQ(session.settledFrame(kEditor, fourth), fourth);
+    EXPECT_EQ(session.settledFrame(kEditor, kFourth), kFourth);
     EXPECT_EQ(session.endProgram(), 0);
 }
 
