@@ -69,6 +69,7 @@ PlasmaSession::PlasmaSession(Drawing drawing, const Size& display, Extra extra)
     m_environment["WAYLAND_DISPLAY"] = kSocket;
     m_environment["QT_QPA_PLATFORM"] = "wayland";
     m_environment["GDK_BACKEND"] = "wayland";
+    m_environment["GSK_RENDERER"] = "cairo"; // OpenGL without a GPU takes seconds to start
 }
 
 /// Lets the running test inject input. Without any check of permissions, which KWin can do, too, it would
