@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """Tests which faults script/mutants generates, without compiling them."""
 
+import subprocess
 import sys
 import tempfile
 import unittest
@@ -8,7 +9,7 @@ from collections import Counter
 from pathlib import Path
 
 from faults import accepted_faults, faults_of
-from mutants import drawn
+from mutants import CHECKOUT, HERE, drawn
 
 
 def faults(text: str, operator: str | None = None) -> list[str]:
@@ -119,6 +120,14 @@ class AcceptedTest(unittest.TestCase):
             accepted = accepted_faults(listed)
         [fault] = faults_of("a.cpp", "\n\n    int  a = 0;\n")
         self.assertEqual(accepted.get(fault.key), "b: c")
+
+
+class PatchesTest(unittest.TestCase):
+    def test_every_patch_applies(self):
+        patches = sorted(map(str, (HERE / "patches").glob("*.patch")))
+        self.assertTrue(patches)
+        for patch in patches:
+            subprocess.run(["git", "apply", "--check", patch], cwd=CHECKOUT, check=True)
 
 
 class SampleTest(unittest.TestCase):
