@@ -177,6 +177,12 @@ def all_faults(folders: list[str]) -> list[tuple[str, Fault]]:
     return found
 
 
+def stale_entries() -> list[tuple[str, str, str]]:
+    """Returns the entries of accepted.txt that are faults no more."""
+    accepted = accepted_faults(HERE / "accepted.txt")
+    return sorted(accepted.keys() - {fault.key for _, fault in all_faults(list(FOLDERS))})
+
+
 def selected(arguments: list[str]) -> list[tuple[str, Fault]]:
     """Returns the faults of the named folders, files and lines; all faults without names. Exits when a name
     has no fault."""
@@ -266,8 +272,8 @@ def main() -> int:
 
     faults = selected(options.sources)
     accepted = accepted_faults(HERE / "accepted.txt")
-    stale = accepted.keys() - {fault.key for _, fault in all_faults(list(FOLDERS))}
-    for path, line, becomes in sorted(stale):
+    stale = stale_entries()
+    for path, line, becomes in stale:
         print(f"accepted.txt: no such fault in {path}: {line} -> {becomes}")
     skipped = Counter(folder for folder, fault in faults if fault.key in accepted)
     faults = [(folder, fault) for folder, fault in faults if fault.key not in accepted]

@@ -9,7 +9,7 @@ from collections import Counter
 from pathlib import Path
 
 from faults import accepted_faults, faults_of
-from mutants import CHECKOUT, HERE, drawn
+from mutants import CHECKOUT, HERE, drawn, stale_entries
 
 
 def faults(text: str, operator: str | None = None) -> list[str]:
@@ -120,6 +120,10 @@ class AcceptedTest(unittest.TestCase):
             accepted = accepted_faults(listed)
         [fault] = faults_of("a.cpp", "\n\n    int  a = 0;\n")
         self.assertEqual(accepted.get(fault.key), "b: c")
+
+    @unittest.skipUnless((CHECKOUT / ".git").exists(), "the sources are listed by git")
+    def test_every_accepted_fault_can_be_made(self):
+        self.assertEqual(stale_entries(), [])
 
 
 class PatchesTest(unittest.TestCase):
