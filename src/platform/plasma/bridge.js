@@ -206,11 +206,20 @@ function frameChanged(window) {
     afterPanelChange(window);
 }
 
+// Returns the largest length of at most `wanted` that differs from `now` by whole steps. KWin gives the window
+// of an X program every size, and the program itself takes a smaller one instead, at any time later.
+function inSteps(wanted, now, step) {
+    return step > 1 ? now + Math.floor((wanted - now) / step) * step : wanted;
+}
+
 function place(command) {
     const window = known.get(command.name);
     if (!window)
         return;
-    const frame = command.frame;
+    const [x, y, width, height] = command.frame;
+    const now = window.frameGeometry;
+    const step = window.basicUnit || { width: 1, height: 1 };
+    const frame = [x, y, inSteps(width, now.width, step.width), inSteps(height, now.height, step.height)];
     if (window.setMaximize)
         window.setMaximize(false, false);
     if (window.tile)

@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <csignal>
 #include <string>
 #include <vector>
 
@@ -28,16 +31,25 @@ protected:
         session.writeSettings(kDragsWithoutAKey);
         ASSERT_TRUE(session.startProgram()) << session.program().errors();
         session.open(GetParam().command, GetParam().windowClass);
+        before = session.frame(GetParam().windowClass).value_or(Rect::null());
     }
 
-    /// Waits until the window fills `zone`, but for less than a step. Returns whether it does.
+    /// Waits until the window has grown or shrunk by whole steps to fill `zone`, but for less than a step.
+    /// Returns whether it has.
     [[nodiscard]] bool fills(const Rect& zone) {
-        return session.probe().waitUntil([&] {
-            const Rect frame = session.frame(GetParam().windowClass).value_or(Rect::null());
-            const Size missing{zone.width - frame.width, zone.height - frame.height};
-            return frame.origin() == zone.origin() && missing.width >= 0 && missing.height >= 0 &&
-                   missing.width < GetParam().step.width && missing.height < GetParam().step.height;
-        });
+        const auto inSteps = [](double wanted, double now, double step) {
+            return now + std::floor((wanted - now) / step) * step;
+        };
+        const Size& step = GetParam().step;
+        const Rect expected{zone.x, zone.y, inSteps(zone.width, before.width, step.width),
+                            inSteps(zone.height, before.height, step.height)};
+        return session.settledFrame(GetParam().windowClass, expected) == expected;
+    }
+    void signalProgram(int signal) {
+        const auto& all = session.probe().windows();
+        const auto window = std::ranges::find(all, GetParam().windowClass, &SeenWindow::windowClass);
+        ASSERT_NE(window, all.end());
+        ::kill(window->pid, signal);
     }
     /// Presses the title bar and moves the pointer until the window follows, which KWin does not do after
     /// every press on a window of an X program. Returns false if it never does.
@@ -58,11 +70,10 @@ protected:
     void press(std::uint32_t key) { session.input().press({key::kLeftControl, key::kLeftAlt, key}); }
 
     PlasmaSession session{Drawing::Software, PlasmaSession::kFirst.size(), Extra::XServer};
+    Rect before; ///< the frame with which the window has opened
 };
 
 TEST_P(PlasmaXProgramsTest, HotKeysAndDragsMoveItsWindowAndRestoreTakesItBack) {
-    const Rect before = session.frame(GetParam().windowClass).value_or(Rect::null());
-
     press(key::kLeft);
     EXPECT_TRUE(fills({0, 0, 800, 900}));
     press(key::kDigit1 + 4);
@@ -78,6 +89,18 @@ TEST_P(PlasmaXProgramsTest, HotKeysAndDragsMoveItsWindowAndRestoreTakesItBack) {
     press(kBackspace);
     EXPECT_EQ(session.settledFrame(GetParam().windowClass, before), before);
     EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
+}
+
+TEST_P(PlasmaXProgramsTest, AProgramThatRespondsLateGetsWholeSteps) {
+    signalProgram(SIGSTOP);
+    press(key::kLeft);
+    EXPECT_TRUE(fills({0, 0, 800, 900}));
+    signalProgram(SIGCONT);
+
+    press(key::kDigit1 + 4);
+    EXPECT_TRUE(fills({800, 450, 800, 450}));
+    press(kBackspace);
+    EXPECT_EQ(session.settledFrame(GetParam().windowClass, before), before);
 }
 
 INSTANTIATE_TEST_SUITE_P(
