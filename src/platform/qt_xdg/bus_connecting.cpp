@@ -78,10 +78,11 @@ public:
     /// another thread of its own.
     static void send() {
         std::error_code error;
-        for (const auto& entry : std::filesystem::directory_iterator("/proc/self/task", error)) {
+        std::filesystem::directory_iterator thread("/proc/self/task", error);
+        for (; !error && thread != std::filesystem::directory_iterator(); thread.increment(error)) {
             long call = -1;
-            if (std::ifstream(entry.path() / "syscall") >> call && call == SYS_connect)
-                ::tgkill(::getpid(), std::stoi(entry.path().filename()), kSignal);
+            if (std::ifstream(thread->path() / "syscall") >> call && call == SYS_connect)
+                ::tgkill(::getpid(), std::stoi(thread->path().filename()), kSignal);
         }
     }
 
