@@ -148,12 +148,12 @@ void PlasmaSession::readXDisplay() {
 }
 
 bool PlasmaSession::lock() {
-    const auto locker = [this](const std::string& member) {
-        return replyTo(
-            {"org.freedesktop.ScreenSaver", "/ScreenSaver", "org.freedesktop.ScreenSaver", member});
+    const auto callOf = [](const std::string& member) {
+        return wayland::BusCall{"org.freedesktop.ScreenSaver", "/ScreenSaver", "org.freedesktop.ScreenSaver",
+                                member};
     };
-    (void)locker("Lock");
-    return waitFor([&] { return locker("GetActive").value<std::int64_t>(0) != 0; });
+    (void)replyTo(callOf("Lock"));
+    return waitUntilTrue(callOf("GetActive"));
 }
 
 void PlasmaSession::killCompositor() {
@@ -201,6 +201,10 @@ wayland::BusMessage PlasmaSession::replyTo(const wayland::BusCall& call) {
     return reply->value_or(wayland::BusMessage());
 }
 
+bool PlasmaSession::waitUntilTrue(const wayland::BusCall& call) {
+    return waitFor([&] { return replyTo(call).value<std::int64_t>(0) != 0; });
+}
+
 std::vector<std::string> PlasmaSession::shortcuts() {
     return replyTo({kShortcuts, "/component/tessarel", "org.kde.kglobalaccel.Component", "shortcutNames"})
         .value<std::vector<std::string>>(0);
@@ -218,15 +222,12 @@ void PlasmaSession::setLayouts(const std::string& layouts, int chosen) {
     x11test::runToEnd(
         {"dbus-send", "--session", "--type=signal", "/Layouts", "org.kde.keyboard.reloadConfig"},
         m_environment);
-    const bool isSet = waitFor([&] {
-        return replyTo({"org.kde.keyboard",
-                        "/Layouts",
-                        "org.kde.KeyboardLayouts",
-                        "setLayout",
-                        "u",
-                        {std::int64_t{chosen}}})
-                   .value<std::int64_t>(0) != 0;
-    });
+    const bool isSet = waitUntilTrue({"org.kde.keyboard",
+                                      "/Layouts",
+                                      "org.kde.KeyboardLayouts",
+                                      "setLayout",
+                                      "u",
+                                      {std::int64_t{chosen}}});
     if (!isSet)
         throw std::runtime_error("KWin does not take the layouts " + layouts);
 }
@@ -258,15 +259,12 @@ bool PlasmaSession::startProgram() {
 /// Waits until KWin has loaded the effects of the program, the last of which is the one for Meta. Returns
 /// false if it does not.
 bool PlasmaSession::waitForEffects() {
-    return waitFor([&] {
-        return replyTo({"org.kde.KWin",
-                        "/Effects",
-                        "org.kde.kwin.Effects",
-                        "isEffectLoaded",
-                        "s",
-                        {std::string("tessarel_meta")}})
-                   .value<std::int64_t>(0) != 0;
-    });
+    return waitUntilTrue({"org.kde.KWin",
+                          "/Effects",
+                          "org.kde.kwin.Effects",
+                          "isEffectLoaded",
+                          "s",
+                          {std::string("tessarel_meta")}});
 }
 
 void PlasmaSession::startProgramHeld() {
@@ -293,15 +291,12 @@ void PlasmaSession::releaseProgram() {
 }
 
 bool PlasmaSession::waitForScript() {
-    return waitFor([this] {
-        return replyTo({"org.kde.KWin",
-                        "/Scripting",
-                        "org.kde.kwin.Scripting",
-                        "isScriptLoaded",
-                        "s",
-                        {std::string("tessarel")}})
-                   .value<std::int64_t>(0) != 0;
-    });
+    return waitUntilTrue({"org.kde.KWin",
+                          "/Scripting",
+                          "org.kde.kwin.Scripting",
+                          "isScriptLoaded",
+                          "s",
+                          {std::string("tessarel")}});
 }
 
 std::optional<int> PlasmaSession::endProgram() {

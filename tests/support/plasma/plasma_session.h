@@ -115,6 +115,8 @@ private:
     [[nodiscard]] std::filesystem::path xDisplayFile() const { return m_folder.path() / "x-display"; }
     [[nodiscard]] bool replies(const std::string& busName, const std::string& path);
     [[nodiscard]] wayland::BusMessage replyTo(const wayland::BusCall& call);
+    /// Sends a call again and again until its reply is true. Returns false if it never is.
+    [[nodiscard]] bool waitUntilTrue(const wayland::BusCall& call);
     [[nodiscard]] const SeenWindow* find(const std::string& windowClass);
 
     Drawing m_drawing;
