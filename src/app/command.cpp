@@ -56,7 +56,7 @@ ParsedCommand problem(std::string text) {
     return {std::nullopt, std::move(text)};
 }
 
-std::string quoted(std::string_view word) {
+std::string inQuotes(std::string_view word) {
     return std::string("\"").append(word).append("\"");
 }
 
@@ -116,7 +116,7 @@ ParsedCommand parseCommand(const std::vector<std::string>& words) {
     }
     const auto action = actionNamed(first);
     if (!action && first != kQuit)
-        return problem("there is no command " + quoted(first));
+        return problem("there is no command " + inQuotes(first));
     if (words.size() > 1)
         return problem(first + " takes no further words");
     return action ? ParsedCommand{command::RunAction{*action}, {}} : ParsedCommand{command::Quit{}, {}};
