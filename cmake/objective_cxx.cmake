@@ -37,7 +37,7 @@ endforeach()
 file(CONFIGURE OUTPUT ${OBJC_INCLUDE}/objc/blocks_runtime.h CONTENT "#pragma once\n#include <Block.h>\n")
 
 set(OBJECTIVE_CXX_FLAGS
-    -x objective-c++ -std=c++20 -g1 -O1 -fblocks -fobjc-runtime=gcc -fno-objc-exceptions
+    -x objective-c++ -std=c++20 -g1 -fblocks -fobjc-runtime=gcc -fno-objc-exceptions
     -fconstant-string-class=NSConstantString -DGNUSTEP -DGNUSTEP_BASE_LIBRARY=1
     -Wall -Wextra -Wshadow -Wconversion -Wnon-virtual-dtor -Woverloaded-virtual
     -isystem ${OBJC_INCLUDE} -isystem ${GNUSTEP_INCLUDE})
@@ -51,16 +51,14 @@ if(TESSAREL_SANITIZE)
          -fno-omit-frame-pointer)
 endif()
 
-# objective_cxx_objects(<variable> <source...>): compiles the sources and sets <variable> to the list of
-# object files.
+# objective_cxx_objects(<variable> <source...>): compiles the sources of one folder and appends the object files
+# to <variable>.
 function(objective_cxx_objects variable)
-    set(objects "")
-    foreach(source ${ARGN})
-        get_filename_component(source ${source} ABSOLUTE)
-        file(RELATIVE_PATH name ${PROJECT_SOURCE_DIR} ${source})
-        set(object ${CMAKE_BINARY_DIR}/objc/${name}.o)
-        get_filename_component(folder ${object} DIRECTORY)
-        file(MAKE_DIRECTORY ${folder})
+    set(objects ${${variable}})
+    tessarel_batch(sources ${ARGN})
+    foreach(source ${sources})
+        get_filename_component(name ${source} NAME)
+        set(object ${CMAKE_CURRENT_BINARY_DIR}/${name}.o)
         add_custom_command(OUTPUT ${object}
             COMMAND ${CMAKE_CXX_COMPILER_LAUNCHER} ${TESSAREL_CLANGXX} ${OBJECTIVE_CXX_FLAGS}
                     -I${PROJECT_SOURCE_DIR}/src -I${PROJECT_SOURCE_DIR}/tests
