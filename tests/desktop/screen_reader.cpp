@@ -30,6 +30,10 @@ constexpr unsigned kFocusable = 11;
 constexpr unsigned kFocused = 12;
 constexpr unsigned kShowing = 25;
 
+bool has(std::uint32_t states, unsigned state) {
+    return (states >> state & 1U) != 0;
+}
+
 QDBusConnection connect(const QString& address) {
     const QDBusConnection connection = QDBusConnection::connectToBus(address, address);
     if (!connection.isConnected())
@@ -121,18 +125,26 @@ std::string ScreenReader::roleOf(const Reference& object) const {
     return call(object, kAccessible, "GetRoleName").toString().toStdString();
 }
 
-Accessible ScreenReader::describe(const Reference& object) const {
+std::uint32_t ScreenReader::statesOf(const Reference& object) const {
     const std::vector<std::uint32_t> states = words(call(object, kAccessible, "GetState"));
-    const auto has = [&](unsigned state) { return !states.empty() && (states.front() >> state & 1U) != 0; };
+    return states.empty() ? 0 : states.front();
+}
+
+bool ScreenReader::isShowing(const Reference& object) const {
+    return has(statesOf(object), kShowing);
+}
+
+Accessible ScreenReader::describe(const Reference& object) const {
+    const std::uint32_t states = statesOf(object);
     return {.service = object.service.toStdString(),
             .path = object.path.toStdString(),
             .name = property(object, "Name"),
             .description = property(object, "Description"),
             .role = roleOf(object),
-            .isEnabled = has(kEnabled),
-            .isFocusable = has(kFocusable),
-            .isFocused = has(kFocused),
-            .isShowing = has(kShowing),
+            .isEnabled = has(states, kEnabled),
+            .isFocusable = has(states, kFocusable),
+            .isFocused = has(states, kFocused),
+            .isShowing = has(states, kShowing),
             .frame = frameOf(call(object, kComponent, "GetExtents", {kOfTheScreen}))};
 }
 
@@ -175,7 +187,10 @@ std::optional<Accessible> ScreenReader::findIn(const Reference& object, std::str
         if (part.isShowing)
             return part;
     }
-    for (const Reference& child : children(object))
+    const std::vector<Reference> all = children(object);
+    if (all.empty() || !isShowing(object)) // most parts are on the tabs behind
+        return std::nullopt;
+    for (const Reference& child : all)
         if (auto found = findIn(child, role, name))
             return found;
     return std::nullopt;

@@ -11,6 +11,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -75,6 +76,9 @@ private:
     [[nodiscard]] static std::vector<Reference> references(const QDBusArgument& list);
     [[nodiscard]] std::vector<Reference> children(const Reference& object) const;
     [[nodiscard]] std::string roleOf(const Reference& object) const;
+    /// Returns the first 32 states, one bit each.
+    [[nodiscard]] std::uint32_t statesOf(const Reference& object) const;
+    [[nodiscard]] bool isShowing(const Reference& object) const;
     [[nodiscard]] Accessible describe(const Reference& object) const;
     [[nodiscard]] std::vector<Reference> programs(std::string_view name) const;
     [[nodiscard]] std::vector<Reference> windowsOf(std::string_view application) const;
