@@ -93,7 +93,7 @@ protected:
 
 TEST_F(ManyWindowsTest, OpeningAndClosingWindowsLeaksNothing) {
     constexpr std::size_t kWhatMapsMayGrowBy = std::size_t{32} * 1024;
-    openAndClose(1'500); // until the tables that hold a thousand windows have their full size
+    openAndClose(1'100); // until the tables that hold a thousand windows have their full size
     const std::size_t before = heapInUse();
 
     openAndClose(rounds(1'500, 9'000));
