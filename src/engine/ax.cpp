@@ -159,18 +159,22 @@ void AX::writeFrame(const Element& window, const Rect& axFrame) {
 /// Reads the frame back, because the program may have refused the size.
 void AX::pullInto(const Rect& bounds, const Element& window) {
     const auto axFrame = frame(window);
-    if (!axFrame)
-        return;
-    const bool overflowsRight = axFrame->maxX() > bounds.maxX() + kOverflowTolerance;
-    const bool overflowsBottom = axFrame->maxY() > bounds.maxY() + kOverflowTolerance;
+    const auto corrected = axFrame ? originInside(bounds, *axFrame) : std::nullopt;
+    if (corrected)
+        m_accessibility.setAttribute(window, attribute::kPosition, *corrected);
+}
+
+std::optional<Point> AX::originInside(const Rect& bounds, const Rect& axFrame) {
+    const bool overflowsRight = axFrame.maxX() > bounds.maxX() + kOverflowTolerance;
+    const bool overflowsBottom = axFrame.maxY() > bounds.maxY() + kOverflowTolerance;
     if (!overflowsRight && !overflowsBottom)
-        return;
-    Point corrected = axFrame->origin();
+        return {};
+    Point corrected = axFrame.origin();
     if (overflowsRight)
-        corrected.x = std::max(bounds.minX(), bounds.maxX() - axFrame->absWidth());
+        corrected.x = std::max(bounds.minX(), bounds.maxX() - axFrame.absWidth());
     if (overflowsBottom)
-        corrected.y = std::max(bounds.minY(), bounds.maxY() - axFrame->absHeight());
-    m_accessibility.setAttribute(window, attribute::kPosition, corrected);
+        corrected.y = std::max(bounds.minY(), bounds.maxY() - axFrame.absHeight());
+    return corrected;
 }
 
 } // namespace tessarel

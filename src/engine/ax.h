@@ -102,11 +102,14 @@ public:
     /// Moves and resizes the window. Writes nothing if the system cannot represent `axFrame`. Returns false
     /// if the desktop has refused (see `AccessibilityPort::hasRefused`).
     ///
-    /// If `bounds` is given and the window then extends beyond the right or bottom edge of the bounds by more
-    /// than a point, because it has refused the size, moves it back to that edge, but not beyond the left or
-    /// top edge.
+    /// If `bounds` is given and the window then extends beyond them, because it has refused the size, moves
+    /// it back to `originInside`.
     bool setFrame(const Element& window, ProcessId pid, const Rect& axFrame,
                   const std::optional<Rect>& bounds);
+
+    /// Returns the origin that takes `axFrame` back to the right or bottom edge of `bounds`, but not beyond
+    /// the left or top edge. Empty unless it extends beyond the right or bottom edge by more than a point.
+    [[nodiscard]] static std::optional<Point> originInside(const Rect& bounds, const Rect& axFrame);
 
 private:
     /// Writes size, position and size again.

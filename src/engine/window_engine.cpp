@@ -107,9 +107,19 @@ WindowEngine::Placed WindowEngine::readBack(const Element& window, const Request
 
 /// Returns where a window is whose placement could not be read back, and that has now taken `axFrame`. If
 /// that is not what was requested, requests it once more, which also pulls the window back into its bounds.
+/// If that could not be read back either, pulls it back from `axFrame`.
 WindowEngine::Placed WindowEngine::completed(const Element& window, Request request, const Rect& axFrame) {
-    if (axFrame == request.axFrame || request.isRepeated)
+    if (axFrame == request.axFrame)
         return {axFrame, axFrame};
+    if (request.isRepeated) {
+        const bool hasRefusedSize = axFrame.origin() == request.axFrame.origin(); // not moved meanwhile
+        const auto origin =
+            request.bounds && hasRefusedSize ? AX::originInside(*request.bounds, axFrame) : std::nullopt;
+        if (!origin)
+            return {axFrame, axFrame};
+        request.axFrame = {origin->x, origin->y, axFrame.absWidth(), axFrame.absHeight()};
+        request.bounds.reset(); // the last attempt
+    }
     m_ax.setFrame(window, request.pid, request.axFrame, request.bounds);
     request.before = axFrame;
     request.isRepeated = true;

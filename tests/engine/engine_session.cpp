@@ -81,7 +81,7 @@ void EngineSession::step() {
             placeLate();
             break;
         case 2:
-            correct();
+            correct(anyWindow());
             break;
         case 3:
         case 4:
@@ -195,6 +195,9 @@ void EngineSession::placeLate() {
     const sim::WindowId window = anyWindow();
     const Rect before = m_desktop.frame(window);
     carryOutLate(window, [&] { placeDirectly(window); });
+    alignClocks();
+    if (m_dice.oneIn(2))
+        return correct(window);
     if (m_dice.oneIn(3))
         return; // carried out, but too late to be read
     onBoth([&](JournalDesktop& desktop) {
@@ -203,15 +206,16 @@ void EngineSession::placeLate() {
     });
 }
 
-void EngineSession::correct() {
+void EngineSession::correct(sim::WindowId window) {
     m_what = "a program or the desktop corrects a frame";
-    const sim::WindowId window = anyWindow();
     for (int times = m_dice.between(1, 3); times > 0; --times) {
         const auto requested = m_requested.find(window);
         Rect frame =
             m_dice.oneIn(2) || requested == m_requested.end() ? m_desktop.frame(window) : requested->second;
         if (m_dice.oneIn(2))
             frame = randomlyMoved(m_dice, frame);
+        else if (m_dice.oneIn(2)) // the program refuses the size
+            frame.width += m_dice.between(60, 1600);
         const auto report = [&] {
             onBoth([&](JournalDesktop& desktop) { desktop.accessibility().correct(window, frame); });
         };

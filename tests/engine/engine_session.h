@@ -50,7 +50,7 @@ private:
     void useHotKey();
     void placeDirectly(sim::WindowId window);
     void placeLate();
-    void correct();
+    void correct(sim::WindowId window);
     void carryOutLate(sim::WindowId window, const std::function<void()>& work);
     void changeWindow();
     void changeStack();

@@ -17,7 +17,7 @@ constexpr std::uint64_t kStepsOfOneSession = 250;
 constexpr long kEnough = 40;
 
 /// Every branch of the reference engine.
-constexpr std::array<std::string_view, 69> kBranches{
+constexpr std::array<std::string_view, 70> kBranches{
     "arrange: main screen",
     "arrange: no screen",
     "arrange: no zone",
@@ -36,6 +36,7 @@ constexpr std::array<std::string_view, 69> kBranches{
     "frame: unreadable",
     "handle: no such action",
     "late: as requested",
+    "late: pulled back",
     "late: requested again",
     "late: twice",
     "match: seen before",

@@ -270,6 +270,20 @@ void ReferenceEngine::complete(const Element& window, Late late, const Rect& fra
         noteFrame(window, late, frame);
         return;
     }
+    const bool overflows =
+        late.within && (right(frame) > right(*late.within) + 1 || bottom(frame) > bottom(*late.within) + 1);
+    if (frame != late.frame && late.requests == 2 && overflows && left(frame) == left(late.frame) &&
+        top(frame) == top(late.frame)) {
+        took("late: pulled back");
+        Rect pulled{left(frame), top(frame), wide(frame), high(frame)};
+        if (right(frame) > right(*late.within) + 1)
+            pulled.x = std::max(left(*late.within), right(*late.within) - wide(frame));
+        if (bottom(frame) > bottom(*late.within) + 1)
+            pulled.y = std::max(top(*late.within), bottom(*late.within) - high(frame));
+        setFrame(window, late.pid, pulled, {});
+        noteFrame(window, {late.pid, pulled, {}, 3}, frame);
+        return;
+    }
     took(frame == late.frame ? "late: as requested" : "late: twice");
     m_late.erase(key);
     m_lastSnapped[key] = frame;

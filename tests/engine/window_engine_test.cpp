@@ -214,8 +214,29 @@ TEST_F(LatePlacementTest, ContinuesTheChainIfItIsReplacedBeforeItsLateCompletion
     EXPECT_EQ(restored(), kLarge);
 }
 
-TEST_F(LatePlacementTest, IsRepeatedOnlyOnce) {
+TEST_F(LatePlacementTest, IsPulledBackIfItsCompletionIsLateToo) {
     carryOutLate([this] { desktop.accessibility().correct(window, desktop.frame(window)); });
+    ASSERT_EQ(desktop.frame(window), (Rect{-500, -575, 800, 600}));
+
+    desktop.accessibility().correct(window, desktop.frame(window));
+
+    EXPECT_EQ(desktop.frame(window), kPulledIn);
+    place(kLeft);
+    EXPECT_EQ(restored(), kLarge) << "the restore chain goes on";
+}
+
+TEST_F(LatePlacementTest, IsNotPulledBackAgainIfThatIsLateToo) {
+    for (int times = 0; times < 2; ++times)
+        carryOutLate([this] { desktop.accessibility().correct(window, desktop.frame(window)); });
+    ASSERT_EQ(desktop.frame(window), kPulledIn);
+
+    desktop.accessibility().setWriteHandler([](const std::string& line) { ADD_FAILURE() << line; });
+    desktop.accessibility().correct(window, {kPulledIn.x, kPulledIn.y, 900, 600});
+}
+
+TEST_F(LatePlacementTest, IsRepeatedOnlyOnceForAWindowThatIsElsewhere) {
+    carryOutLate([this] { desktop.accessibility().correct(window, desktop.frame(window)); });
+    desktop.window(window).axFrame = {-400, -575, 800, 600};
 
     desktop.accessibility().setWriteHandler([](const std::string& line) { ADD_FAILURE() << line; });
     desktop.accessibility().correct(window, desktop.frame(window));
