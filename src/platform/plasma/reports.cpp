@@ -148,6 +148,15 @@ void applyFrame(const std::string& name, const Json& report, wayland::Mirror& mi
         mirror.setFrame(name, *frame);
 }
 
+/// A late window still has the frame from before its placement.
+void applyPlaced(const std::string& name, const Json& report, wayland::Mirror& mirror) {
+    const auto frame = rect(report, "frame");
+    if (frame && member<bool>(report, "late"))
+        mirror.setFrame(name, *frame);
+    else if (frame)
+        mirror.settle(name, *frame);
+}
+
 void applyMove(UserMove::Phase phase, const std::string& name, const Json& report, wayland::Mirror& mirror) {
     const auto pointer = point(report, "pointer");
     const auto frame = rect(report, "frame");
@@ -171,8 +180,10 @@ std::optional<Settled> applyReport(const Json& report, wayland::Mirror& mirror) 
         mirror.remove(name);
     else if (event == "active")
         mirror.activate(name);
-    else if (event == "frame" || event == "placed")
+    else if (event == "frame")
         applyFrame(name, report, mirror);
+    else if (event == "placed")
+        applyPlaced(name, report, mirror);
     else if (event == "displays" && isList(report, "displays"))
         mirror.setDisplays(displaysOf(report));
     else if (event == "order")

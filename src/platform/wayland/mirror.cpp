@@ -99,6 +99,14 @@ void Mirror::setFrame(const std::string& name, const Rect& frame) {
     note([this, id = window->first, frame] { m_frameChanged.send(id, frame); });
 }
 
+void Mirror::settle(const std::string& name, const Rect& frame) {
+    const WindowState* const window = find(named(name));
+    const bool isUnchanged = window != nullptr && window->frame == frame;
+    setFrame(name, frame);
+    if (isUnchanged)
+        note([this, id = named(name), frame] { m_frameChanged.send(id, frame); });
+}
+
 void Mirror::move(UserMove::Phase phase, const std::string& name, bool isMove, const Point& pointer,
                   const Rect& frame) {
     const WindowId id = named(name);

@@ -97,6 +97,9 @@ public:
     void activate(const std::string& name);
     void setDisplays(std::vector<DisplayState> displays);
     void setFrame(const std::string& name, const Rect& frame);
+    /// Sets the frame that a window has taken or kept when it was placed. Unlike `setFrame`, announces a
+    /// frame that has not changed, too, because the program may not have waited for it.
+    void settle(const std::string& name, const Rect& frame);
     /// Changes the frame only when the step is delivered, so that a program that is late finds the window
     /// where it was at that step. A frame that is reported otherwise in the meantime stays.
     void move(UserMove::Phase phase, const std::string& name, bool isMove, const Point& pointer,

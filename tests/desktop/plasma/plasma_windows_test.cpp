@@ -28,14 +28,36 @@ protected:
 
     /// Opens a window and waits until it is active.
     void open(WaylandClient& client, int number, const Size& minimum = {}) {
-        client.open(number, {.applicationId = "org.example.test", .minimum = minimum});
-        ASSERT_TRUE(waitFor(number, [](const SeenWindow& window) { return window.isActive; }));
+        open(client, number, {.applicationId = "org.example.test", .minimum = minimum});
+    }
+    void open(WaylandClient& client, int number, const WaylandClient::WindowOptions& options) {
+        client.open(number, options);
+        ASSERT_TRUE(isActivated(number));
     }
     void activate(int number) {
+        runFor(number, "workspace.activeClient = c;");
+        ASSERT_TRUE(isActivated(number));
+    }
+    /// Waits until the window is active. Returns false if it never is.
+    [[nodiscard]] bool isActivated(int number) {
+        return waitFor(number, [](const SeenWindow& window) { return window.isActive; });
+    }
+    /// Activates a window, whose next change of the frame then keeps KWin busy for longer than the program
+    /// waits for a window.
+    void activateAndHoldUpCompositorOnChange(int number) {
+        runFor(number, R"(
+            let isNext = true;
+            c.frameGeometryChanged.connect(() => {
+                for (const end = Date.now() + 500; isNext && Date.now() < end;);
+                isNext = false;
+            });
+            workspace.activeClient = c;)");
+        ASSERT_TRUE(isActivated(number));
+    }
+    /// Runs statements in KWin, for which `c` is the window.
+    void runFor(int number, const std::string& statements) {
         session.probe().run("workspace.clientList().filter((c) => c.caption === \"" +
-                            WaylandClient::titleOf(number) +
-                            "\").forEach((c) => { workspace.activeClient = c; });");
-        ASSERT_TRUE(waitFor(number, [](const SeenWindow& window) { return window.isActive; }));
+                            WaylandClient::titleOf(number) + "\").forEach((c) => {" + statements + "});");
     }
     [[nodiscard]] bool waitFor(int number, const std::function<bool(const SeenWindow&)>& holds) {
         return session.probe().waitUntil([&] {
@@ -108,6 +130,26 @@ TEST_F(PlasmaWindowsTest, AllWindowsAreArrangedAndOneThatIsTooWideIsPulledBackOn
     EXPECT_TRUE(comesTo(1, {900, 0, 700, 500}));
     EXPECT_TRUE(comesTo(2, {533, 0, 533, 450}));
     EXPECT_TRUE(comesTo(3, {0, 0, 533, 450}));
+}
+
+TEST_F(PlasmaWindowsTest, AWindowThatIsTooWideIsPulledBackThoughItsProgramAndTheCompositorAreLate) {
+    constexpr Size kSize{700, 500};
+    WaylandClient late(session.environment());
+    open(late, 1, {.applicationId = "org.example.late", .size = kSize, .minimum = kSize});
+    WaylandClient client(session.environment());
+    open(client, 2);
+    open(client, 3);
+    activateAndHoldUpCompositorOnChange(1);
+    activate(2);
+    activate(3);
+    late.stall();
+
+    session.input().press({key::kLeftControl, key::kLeftAlt, kKeyA});
+    ASSERT_TRUE(comesTo(2, {533, 0, 533, 450}));
+    ASSERT_EQ(session.command({"list", "displays"}), 0); // the program has stopped waiting for the window
+    late.resume();
+
+    EXPECT_TRUE(comesTo(1, {900, 0, 700, 500}));
 }
 
 TEST_F(PlasmaWindowsTest, AmongTwoHundredWindowsTheFrontOnesAreArrangedAndHotKeysWork) {

@@ -83,6 +83,21 @@ TEST_F(ReportsTest, APlacementHasSettledWithItsSerialAndFrame) {
     EXPECT_EQ(find("a")->frame, (Rect{1, 2, 3, 4}));
 }
 
+TEST_F(ReportsTest, AFrameThatAPlacementHasNotChangedIsAnnouncedUnlessTheWindowIsLate) {
+    std::vector<Rect> frames;
+    const auto changed =
+        mirror.onFrameChanged([&](wayland::WindowId, const Rect& frame) { frames.push_back(frame); });
+
+    apply(R"({"event":"frame","name":"a","frame":[1,2,3,4]})");
+    apply(R"({"event":"placed","name":"a","serial":1,"late":true,"frame":[1,2,3,4]})");
+    apply(R"({"event":"placed","name":"a","serial":2,"frame":[1,2,3,4]})");
+    apply(R"({"event":"placed","name":"a","serial":3,"frame":[5,6,7,8]})");
+    apply(R"({"event":"placed","name":"unknown","serial":4,"frame":[5,6,7,8]})");
+    mirror.deliver();
+
+    EXPECT_THAT(frames, ElementsAre(Rect{1, 2, 3, 4}, Rect{1, 2, 3, 4}, Rect{5, 6, 7, 8}));
+}
+
 TEST_F(ReportsTest, EveryPhaseOfAMoveIsReported) {
     std::vector<wayland::UserMove::Phase> phases;
     const auto moved = mirror.onMove([&](const wayland::UserMove& move) { phases.push_back(move.phase); });

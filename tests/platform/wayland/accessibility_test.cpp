@@ -170,6 +170,17 @@ TEST_F(WaylandAccessibilityTest, WhileTheCompositorReportsNothingAWindowIsWaited
     EXPECT_THAT(compositor.calls, ElementsAre("place a", "wait for a", "place a", "wait for a"));
 }
 
+TEST_F(WaylandAccessibilityTest, AWindowThatTurnsOutToHaveKeptItsFrameAfterItHasBeenReadIsReportedToo) {
+    compositor.isSilent = true;
+    write("a", kWanted);
+    EXPECT_EQ(readSize("a"), std::nullopt);
+
+    mirror.settle("a", kStart);
+    mirror.deliver();
+
+    EXPECT_THAT(corrected, ElementsAre(kStart));
+}
+
 TEST_F(WaylandAccessibilityTest, AWindowThatSettlesLongAfterItHasBeenReadIsReportedWithItsCorrections) {
     compositor.stalled = {"a"};
     write("a", kWanted);

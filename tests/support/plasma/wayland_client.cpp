@@ -31,4 +31,8 @@ void WaylandClient::stall() {
     m_process.writeLine("stall");
 }
 
+void WaylandClient::resume() {
+    m_process.writeLine("resume");
+}
+
 } // namespace tessarel::plasmatest

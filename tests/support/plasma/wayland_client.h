@@ -30,8 +30,9 @@ public:
     void close(int number);
     /// Adds a panel along the top edge of the first display, which reserves its height.
     void openPanel(int height);
-    /// Reads nothing that the compositor sends from now on, so its windows take no new size.
+    /// Reads nothing that the compositor sends until `resume`, so its windows take no new size.
     void stall();
+    void resume();
 
     [[nodiscard]] static std::string titleOf(int number) { return "window " + std::to_string(number); }
 

@@ -7,9 +7,11 @@
 //   close NUMBER
 //   panel HEIGHT
 //   stall
+//   resume
 // The title of a window is "window NUMBER". DECORATED is 1 if it has a title bar, which the compositor draws,
 // otherwise 0. A limit of 0 is none. A panel is along the top edge of the first
-// display and reserves its height. After "stall" the program reads nothing that the compositor sends.
+// display and reserves its height. After "stall" the program reads nothing that the compositor sends,
+// until "resume".
 
 #include "layer-shell-client.h"
 #include "xdg-decoration-unstable-v1-client.h"
@@ -197,8 +199,8 @@ public:
             m_windows.erase(number);
         else if (verb == "panel")
             openPanel(number);
-        else if (verb == "stall")
-            m_isStalled = true;
+        else if (verb == "stall" || verb == "resume")
+            m_isStalled = verb == "stall";
     }
 
 private:
