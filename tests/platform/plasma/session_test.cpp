@@ -92,10 +92,10 @@ TEST_F(PlasmaSessionTest, ANewCompositorIsReportedWhetherItStartsLaterOrRunsAlre
 
 TEST_F(PlasmaSessionTest, ACopyThatEndsBeforeItHasReactedHasEnded) {
     std::optional<BusLink> other(address);
-    (void)own(*other, SingleInstance::kName);
     bool isNotified = false;
     auto calls = other->serve(
         "/org/tessarel/Tessarel", [&](const BusMessage&) { isNotified = true; }, Delivery::Urgent);
+    (void)own(*other, SingleInstance::kName); // after `serve`, so that no call comes before it
     SingleInstance copy(link, [] {});
     ASSERT_EQ(copy.claim([] {}, [] {}), nullptr);
     ASSERT_TRUE(other->waitUntil([&] { return isNotified; }, x11test::kPatience));
