@@ -2,8 +2,6 @@
 
 #include "contract/x11_contract_stage.h"
 
-#include "support/x11/chosen_window_manager.h"
-
 #include <stdexcept>
 #include <utility>
 

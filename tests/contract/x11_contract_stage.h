@@ -4,6 +4,7 @@
 
 #include "platform/qt/qt_main_queue.h"
 #include "platform/x11/server/connection.h"
+#include "support/x11/chosen_window_manager.h"
 #include "support/x11/keyboard.h"
 #include "support/x11/mouse.h"
 #include "support/x11/observer.h"
@@ -34,7 +35,8 @@ public:
     void reset();
     void disconnectSecondDisplay();
 
-    x11test::XServer server{{.width = 2560, .height = 1024, .monitors = x11test::twoMonitors()}};
+    x11test::XServer server{x11test::serverFor(
+        x11test::chosenWindowManager(), {.width = 2560, .height = 1024, .monitors = x11test::twoMonitors()})};
     x11test::WindowManager manager;
     x11test::Observer observer{server.display()};
     x11test::Keyboard keyboard{server, observer};

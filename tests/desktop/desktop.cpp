@@ -82,7 +82,8 @@ SharedDesktops& sharedDesktops() {
 } // namespace
 
 Desktop::Desktop(const DesktopOptions& options)
-    : m_server(options.server), m_monitors(monitorsOf(options.server)),
+    : m_server(serverFor(options.manager, options.server, options.compositing)),
+      m_monitors(monitorsOf(options.server)),
       m_manager(std::make_unique<WindowManager>(m_server, options.manager, options.managersKeys,
                                                 options.compositing)),
       m_observer(m_server.display()), m_keyboard(m_server, m_observer), m_panel(m_server) {

@@ -154,7 +154,7 @@ std::vector<DefaultKeys> defaultKeys() {
 
 class DefaultKeysTest : public testing::TestWithParam<DefaultKeys> {
 protected:
-    XServer server;
+    XServer server{serverFor(GetParam().manager)};
     WindowManager manager{server, GetParam().manager, OwnKeys::Kept};
     Observer observer{server.display()};
     Keyboard keyboard{server, observer};

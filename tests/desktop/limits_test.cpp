@@ -32,7 +32,7 @@ protected:
         return window;
     }
 
-    XServer server;
+    XServer server{serverFor(WindowManagerKind::Mutter)};
     std::optional<WindowManager> manager;
     std::optional<Observer> observer;
     TestClient client{server};

@@ -164,7 +164,7 @@ protected:
         }
     }
 
-    XServer server;
+    XServer server{serverFor(GetParam())};
     DesktopBus bus{server.environment()};
     Environment environment = bus.environmentOn(server);
     WindowManager manager{server, GetParam()};

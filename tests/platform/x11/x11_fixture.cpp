@@ -2,8 +2,6 @@
 
 #include "platform/x11/x11_fixture.h"
 
-#include "support/x11/chosen_window_manager.h"
-
 #include <stdexcept>
 #include <string>
 
@@ -32,9 +30,9 @@ SharedDesktop& SharedDesktop::withoutManager() {
 }
 
 SharedDesktop& SharedDesktop::withoutProcesses() {
-    static SharedDesktop desktop{
-        .server = x11test::XServer{{.width = 1600, .height = 900, .monitors = {}, .tellsProcesses = false}},
-        .manager = nullptr};
+    static SharedDesktop desktop{.server = x11test::XServer{x11test::serverFor(x11test::chosenWindowManager(),
+                                                                               {.tellsProcesses = false})},
+                                 .manager = nullptr};
     return managed(desktop);
 }
 

@@ -9,6 +9,7 @@
 #include "platform/x11/manual_queue.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/client_windows.h"
+#include "support/x11/chosen_window_manager.h"
 #include "support/x11/observer.h"
 #include "support/x11/test_client.h"
 #include "support/x11/window_manager.h"
@@ -27,7 +28,7 @@ inline constexpr Rect kTarget{333, 222, 600, 450};
 
 /// An X server, with or without a window manager, shared by all tests of a test program.
 struct SharedDesktop {
-    x11test::XServer server{{.width = 1600, .height = 900, .monitors = {}}};
+    x11test::XServer server{x11test::serverFor(x11test::chosenWindowManager())};
     std::unique_ptr<x11test::WindowManager> manager;
     x11test::Observer observer{server.display()};
 

@@ -50,6 +50,11 @@ const Traits& traitsOf(WindowManagerKind kind) {
     return allTraits().at(static_cast<std::size_t>(kind));
 }
 
+bool drawsWithGl(WindowManagerKind kind, Compositing compositing) {
+    return kind == WindowManagerKind::Mutter ||
+           (kind == WindowManagerKind::Kwin && compositing == Compositing::On);
+}
+
 std::string readFile(const fs::path& path) {
     std::ifstream file(path);
     return {std::istreambuf_iterator<char>(file), {}};
@@ -245,6 +250,11 @@ std::ostream& operator<<(std::ostream& stream, WindowManagerKind kind) {
     return stream << name(kind);
 }
 
+XServerOptions serverFor(WindowManagerKind kind, XServerOptions options, Compositing compositing) {
+    options.offersGl = drawsWithGl(kind, compositing);
+    return options;
+}
+
 SessionBus::SessionBus(const Environment& environment, OwnKeys keys)
     : m_process(busCommand(m_folder.path(), keys), environment), m_address(m_process.readLine()) {}
 
@@ -252,6 +262,8 @@ WindowManager::WindowManager(const XServer& server, WindowManagerKind kind, OwnK
                              Compositing compositing)
     : m_kind(kind) {
     const Traits& traits = traitsOf(kind);
+    if (drawsWithGl(kind, compositing) && !server.offersGl())
+        throw std::runtime_error(std::string(traits.name) + " needs a server with GL");
     if (keys == OwnKeys::Dropped)
         dropKeys(server, kind);
     if (traits.needsBus)

@@ -48,6 +48,10 @@ enum class OwnKeys { Kept, Dropped };
 /// Whether a window manager that can composite does so.
 enum class Compositing { Off, On };
 
+/// Returns the options of a server on which the window manager can run.
+[[nodiscard]] XServerOptions serverFor(WindowManagerKind kind, XServerOptions options = {},
+                                       Compositing compositing = Compositing::Off);
+
 /// A private session bus. Services can be started on it only for a window manager that keeps its keys.
 class SessionBus {
 public:
@@ -65,7 +69,7 @@ private:
 class WindowManager {
 public:
     /// Starts the window manager and waits until it manages windows. Throws std::runtime_error if it does not
-    /// start.
+    /// start, or if the server lacks what it needs (see `serverFor`).
     WindowManager(const XServer& server, WindowManagerKind kind, OwnKeys keys = OwnKeys::Dropped,
                   Compositing compositing = Compositing::Off);
 

@@ -15,7 +15,7 @@ namespace {
 
 /// A window manager on a private server, shared by all its tests.
 struct Stage {
-    explicit Stage(WindowManagerKind kind) : manager(server, kind) {}
+    explicit Stage(WindowManagerKind kind) : server(serverFor(kind)), manager(server, kind) {}
 
     static Stage& of(WindowManagerKind kind) {
         static std::map<WindowManagerKind, Stage> stages;

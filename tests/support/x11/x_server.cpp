@@ -77,6 +77,8 @@ std::vector<std::string> serverCommand(const XServerOptions& options) {
         "-dpi", "96",         "-auth", serverKey().path()};
     if (!options.tellsProcesses)
         command.insert(command.end(), {"-extension", "X-Resource"});
+    if (!options.offersGl)
+        command.insert(command.end(), {"-extension", "GLX"});
     return command;
 }
 
@@ -114,7 +116,7 @@ std::vector<Monitor> twoMonitors() {
 
 XServer::XServer(const XServerOptions& options)
     : m_environment(privateEnvironment(m_folder.path())), m_process(serverCommand(options), m_environment),
-      m_display(":" + m_process.readLine()) {
+      m_display(":" + m_process.readLine()), m_offersGl(options.offersGl) {
     m_environment["DISPLAY"] = m_display;
     setMonitors(options.monitors);
 }

@@ -46,6 +46,7 @@ struct XServerOptions {
     std::vector<Monitor> monitors = {};
     int depth = 24;             ///< bits per pixel; a screen of 8 has a palette
     bool tellsProcesses = true; ///< false disables the X-Resource extension
+    bool offersGl = false;      ///< takes two thirds of the time in which a server starts
 };
 
 /// A private X server without a screen (Xvfb), with a private home for all programs on it.
@@ -66,6 +67,8 @@ public:
     /// Replaces the monitors of an earlier call. Names can be used again with another geometry.
     void setMonitors(const std::vector<Monitor>& monitors);
 
+    [[nodiscard]] bool offersGl() const { return m_offersGl; }
+
     /// Kills the server while clients are connected.
     void kill() { m_process.kill(); }
 
@@ -75,6 +78,7 @@ private:
     ChildProcess m_process;
     std::string m_display;
     std::vector<std::string> m_monitorNames;
+    bool m_offersGl;
 };
 
 } // namespace tessarel::x11test

@@ -111,7 +111,7 @@ protected:
         return text;
     }
 
-    x11test::XServer server{{.width = 1600, .height = 900, .monitors = {}}};
+    x11test::XServer server{{.offersGl = true}};
     x11test::Observer observer{server.display()};
     x11test::WindowManager manager{server, x11test::WindowManagerKind::Openbox};
     x11test::SessionBus bus{server.environment(), x11test::OwnKeys::Dropped};

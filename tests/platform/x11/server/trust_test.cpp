@@ -284,7 +284,7 @@ TEST_F(X11TrustTest, NothingIsTrustedOnceTheServerIsGone) {
 class X11TrustWindowManagerTest : public testing::TestWithParam<WindowManagerKind> {};
 
 TEST_P(X11TrustWindowManagerTest, IsTrustedUntilItIsKilled) {
-    const x11test::XServer server;
+    const x11test::XServer server(x11test::serverFor(GetParam()));
     x11test::WindowManager manager(server, GetParam());
     EventLoop loop(server.display());
     sim::SimAlerts alerts;
