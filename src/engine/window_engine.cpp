@@ -78,12 +78,13 @@ bool WindowEngine::isIgnored(const std::optional<RunningApplication>& app) const
 bool WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFrame,
                          const std::optional<Rect>& bounds, const std::optional<Rect>& previous) {
     const WindowKey windowKey = key(window);
-    const auto current = previous ? previous : m_ax.frame(window);
+    const auto before = m_ax.frame(window);
+    const auto current = previous ? previous : before;
     if (!m_ax.setFrame(window, pid, axFrame, bounds))
         return false;
     if (current && !isInChain(windowKey, *current))
         m_original[windowKey] = *current;
-    m_lastSnapped[windowKey] = readBack(window, {pid, axFrame, bounds, current});
+    m_lastSnapped[windowKey] = readBack(window, {pid, axFrame, bounds, before});
     return true;
 }
 

@@ -17,7 +17,7 @@ constexpr std::uint64_t kStepsOfOneSession = 250;
 constexpr long kEnough = 40;
 
 /// Every branch of the reference engine.
-constexpr std::array<std::string_view, 70> kBranches{
+constexpr std::array<std::string_view, 71> kBranches{
     "arrange: main screen",
     "arrange: no screen",
     "arrange: no zone",
@@ -45,6 +45,7 @@ constexpr std::array<std::string_view, 70> kBranches{
     "move: wraps",
     "place: chain begins",
     "place: chain goes on",
+    "place: chain goes on after a late drop",
     "place: chain goes on after a late placement",
     "place: unreadable after",
     "place: unreadable before",

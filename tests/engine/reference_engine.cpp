@@ -209,7 +209,8 @@ void ReferenceEngine::writeFrame(const Element& window, const Rect& frame,
 void ReferenceEngine::place(const Element& window, ProcessId pid, const Rect& frame,
                             const std::optional<Rect>& within, const std::optional<Rect>& previous) {
     const std::uintptr_t key = m_ports.accessibility.key(window);
-    const std::optional<Rect> current = previous ? previous : frameOf(window);
+    const std::optional<Rect> now = frameOf(window);
+    const std::optional<Rect> current = previous ? previous : now;
     if (current) {
         const auto& places = m_ownPlaces[key];
         const bool unmoved = std::any_of(places.begin(), places.end(),
@@ -217,13 +218,16 @@ void ReferenceEngine::place(const Element& window, ProcessId pid, const Rect& fr
         took(unmoved ? "place: chain goes on" : "place: chain begins");
         if (unmoved && m_late.contains(key))
             took("place: chain goes on after a late placement");
+        if (unmoved && m_late.contains(key) && m_late[key].droppedFrom &&
+            !isNear(*current, *m_late[key].droppedFrom, 3) && !isNear(*current, m_late[key].frame, 3))
+            took("place: chain goes on after a late drop");
         if (!unmoved)
             m_original[key] = *current;
     } else {
         took("place: unreadable before");
     }
     setFrame(window, pid, frame, within);
-    noteFrame(window, {pid, frame, within}, current);
+    noteFrame(window, {pid, frame, within, 1, previous}, now);
 }
 
 void ReferenceEngine::noteFrame(const Element& window, const Late& requested,

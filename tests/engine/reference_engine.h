@@ -73,6 +73,7 @@ private:
         Rect frame;
         std::optional<Rect> within;
         int requests = 1;
+        std::optional<Rect> droppedFrom = {}; ///< the frame before the drag
     };
 
     void took(std::string_view branch) { ++m_branches[branch]; }

@@ -186,6 +186,18 @@ TEST_F(LatePlacementTest, ContinuesTheChainIfItIsReplacedBeforeItIsCarriedOut) {
     EXPECT_EQ(restored(), kLarge);
 }
 
+TEST_F(LatePlacementTest, ContinuesTheChainOfADropIfItIsReplacedBeforeItIsCarriedOut) {
+    const Rect start{-1240, -450, 700, 500};
+    const Rect dropped{-1140, -350, 700, 500};
+    desktop.drag(window, dropped);
+    carryOutLate([&] { place(kLeft, start); });
+    desktop.window(window).axFrame = dropped;
+
+    place(kRight);
+
+    EXPECT_EQ(restored()->origin(), start.origin());
+}
+
 TEST_F(LatePlacementTest, StartsANewChainIfTheUserMovesTheWindowBeforeItIsCarriedOut) {
     const Rect moved{kLarge.x + 200, kLarge.y, kLarge.width, kLarge.height};
     desktop.drag(window, moved);
