@@ -82,10 +82,21 @@ bool WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFra
     const auto current = previous ? previous : before;
     if (!m_ax.setFrame(window, pid, axFrame, bounds))
         return false;
-    if (current && !isInChain(windowKey, *current))
-        m_original[windowKey] = *current;
+    if (current && !isInChain(windowKey, *current)) {
+        const Request* const restore = awaited(windowKey, *current);
+        m_original[windowKey] = restore ? restore->axFrame : *current;
+    }
     m_lastSnapped[windowKey] = readBack(window, {pid, axFrame, bounds, before});
     return true;
+}
+
+/// Returns the request that the desktop has not carried out yet for a window that still has the frame
+/// `axFrame`; null if there is none.
+const WindowEngine::Request* WindowEngine::awaited(WindowKey windowKey, const Rect& axFrame) const {
+    const auto unread = m_unread.find(windowKey);
+    const bool isAwaited =
+        unread != m_unread.end() && unread->second.before && approx(axFrame, *unread->second.before);
+    return isAwaited ? &unread->second : nullptr;
 }
 
 /// Returns whether a window with the frame `axFrame` is still where the last placement left it, or where it
@@ -93,17 +104,19 @@ bool WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFra
 /// frame.
 bool WindowEngine::isInChain(WindowKey windowKey, const Rect& axFrame) const {
     const auto last = m_lastSnapped.find(windowKey);
-    if (last == m_lastSnapped.end())
-        return false;
-    const auto& [placed, current, unread] = last->second;
-    return approx(axFrame, current) || (unread && unread->before && approx(axFrame, *unread->before));
+    return last != m_lastSnapped.end() &&
+           (approx(axFrame, last->second.current) || awaited(windowKey, axFrame));
 }
 
 /// Returns where `request` has put the window. The program may have adjusted the frame, so it is read.
-WindowEngine::Placed WindowEngine::readBack(const Element& window, const Request& request) const {
-    if (const auto placed = m_ax.frame(window))
-        return {*placed, *placed};
-    return {request.axFrame, request.axFrame, request};
+WindowEngine::Placed WindowEngine::readBack(const Element& window, const Request& request) {
+    const auto placed = m_ax.frame(window);
+    if (placed)
+        m_unread.erase(key(window));
+    else
+        m_unread.insert_or_assign(key(window), request);
+    const Rect& axFrame = placed ? *placed : request.axFrame;
+    return {axFrame, axFrame};
 }
 
 /// Returns where a window is whose placement could not be read back, and that has now taken `axFrame`. If
@@ -131,11 +144,12 @@ WindowEngine::Placed WindowEngine::completed(const Element& window, Request requ
 /// along an axis, rather than grown or shrunk there, has been moved by the user, for example by a key of the
 /// desktop.
 void WindowEngine::follow(const Element& window, const Rect& axFrame) {
+    const auto unread = m_unread.extract(key(window));
     const auto last = m_lastSnapped.find(key(window));
     if (last == m_lastSnapped.end())
-        return;
-    if (const auto request = std::exchange(last->second.unread, std::nullopt)) {
-        last->second = completed(window, *request, axFrame);
+        return; // restored
+    if (unread) {
+        last->second = completed(window, unread.mapped(), axFrame);
         return;
     }
     // Both edges have moved in one direction.
@@ -195,10 +209,12 @@ Outcome WindowEngine::restoreFocused() {
         return Outcome::NothingToRestore;
     }
     // Not through `place`, which would start a new restore chain.
-    const bool isPlaced =
-        m_ax.setFrame(focused->window, focused->app.processIdentifier, original->second, {});
+    const ProcessId pid = focused->app.processIdentifier;
+    const Request request{pid, original->second, {}, m_ax.frame(focused->window)};
+    const bool isPlaced = m_ax.setFrame(focused->window, pid, request.axFrame, {});
     m_original.erase(original);
     m_lastSnapped.erase(windowKey);
+    readBack(focused->window, request);
     return outcomeOf(isPlaced);
 }
 

@@ -56,8 +56,9 @@ public:
     ///
     /// Remembers the frame before the move, which is `previous` if given, for restoring. If the window is
     /// still where it was last placed, or where its program has put it shortly after, or has not left its
-    /// place yet, keeps the frame remembered earlier: a restore chain leads back to its beginning. Does not
-    /// check whether the window may be moved.
+    /// place yet, keeps the frame remembered earlier: a restore chain leads back to its beginning. A window
+    /// whose restore the desktop has not carried out yet counts as restored. Does not check whether the
+    /// window may be moved.
     ///
     /// Returns false, and changes nothing about restoring, if the desktop has refused to move the window.
     bool place(const Element& window, ProcessId pid, const Rect& axFrame, const std::optional<Rect>& bounds,
@@ -97,7 +98,7 @@ public:
 private:
     struct Target;
     struct TargetOnScreen;
-    /// A requested placement.
+    /// A requested placement or restore.
     struct Request {
         ProcessId pid;
         Rect axFrame;
@@ -107,9 +108,8 @@ private:
     };
     /// Where a placement left a window.
     struct Placed {
-        Rect placed;                        ///< as read back
-        Rect current;                       ///< as the program has corrected it since
-        std::optional<Request> unread = {}; ///< what was requested, if it could not be read back
+        Rect placed;  ///< as read back
+        Rect current; ///< as the program has corrected it since
     };
 
     [[nodiscard]] std::optional<FocusedWindow> usableFocusedWindow() const;
@@ -119,8 +119,9 @@ private:
     [[nodiscard]] std::optional<Element> match(const Rect& axBounds, ProcessId pid,
                                                const std::unordered_set<WindowKey>& seen) const;
     void follow(const Element& window, const Rect& axFrame);
+    [[nodiscard]] const Request* awaited(WindowKey windowKey, const Rect& axFrame) const;
     [[nodiscard]] bool isInChain(WindowKey windowKey, const Rect& axFrame) const;
-    [[nodiscard]] Placed readBack(const Element& window, const Request& request) const;
+    Placed readBack(const Element& window, const Request& request);
     [[nodiscard]] Placed completed(const Element& window, Request request, const Rect& axFrame);
     [[nodiscard]] bool isWhollyIgnored(ProcessId pid) const;
     [[nodiscard]] std::optional<Screen> attendedScreen() const;
@@ -135,6 +136,7 @@ private:
     // The restore chains. They last for the run of the program; entries of closed windows are not removed.
     std::unordered_map<WindowKey, Rect> m_original;      ///< frame before the first placement of a chain
     std::unordered_map<WindowKey, Placed> m_lastSnapped; ///< the last placement
+    std::unordered_map<WindowKey, Request> m_unread;     ///< the last request, if it could not be read back
     SubscriptionPtr m_corrections;
 };
 

@@ -78,7 +78,7 @@ void EngineSession::step() {
             placeDirectly(anyWindow());
             break;
         case 1:
-            placeLate();
+            placeOrRestoreLate();
             break;
         case 2:
             correct(anyWindow());
@@ -190,11 +190,17 @@ void EngineSession::placeDirectly(sim::WindowId window) {
     m_reference.place(m_referenceDesktop.element(window), pid, frame, within, previous);
 }
 
-void EngineSession::placeLate() {
-    m_what = "a placement is late";
+void EngineSession::placeOrRestoreLate() {
+    m_what = "a placement or restore is late";
     const sim::WindowId window = anyWindow();
     const Rect before = m_desktop.frame(window);
-    carryOutLate(window, [&] { placeDirectly(window); });
+    onBoth([&](JournalDesktop& desktop) { desktop.focus(window); });
+    carryOutLate(window, [&] {
+        if (m_dice.oneIn(2))
+            return placeDirectly(window);
+        m_hotKeys.handle(ActionID::restore);
+        m_reference.handle(ActionID::restore);
+    });
     alignClocks();
     if (m_dice.oneIn(2))
         return correct(window);

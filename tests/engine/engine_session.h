@@ -49,7 +49,7 @@ private:
     // Steps.
     void useHotKey();
     void placeDirectly(sim::WindowId window);
-    void placeLate();
+    void placeOrRestoreLate();
     void correct(sim::WindowId window);
     void carryOutLate(sim::WindowId window, const std::function<void()>& work);
     void changeWindow();

@@ -17,7 +17,7 @@ constexpr std::uint64_t kStepsOfOneSession = 250;
 constexpr long kEnough = 40;
 
 /// Every branch of the reference engine.
-constexpr std::array<std::string_view, 71> kBranches{
+constexpr std::array<std::string_view, 73> kBranches{
     "arrange: main screen",
     "arrange: no screen",
     "arrange: no zone",
@@ -47,6 +47,7 @@ constexpr std::array<std::string_view, 71> kBranches{
     "place: chain goes on",
     "place: chain goes on after a late drop",
     "place: chain goes on after a late placement",
+    "place: instead of a late restore",
     "place: unreadable after",
     "place: unreadable before",
     "register: disabled zone",
@@ -58,6 +59,7 @@ constexpr std::array<std::string_view, 71> kBranches{
     "remember: off",
     "remember: saved",
     "restore: back",
+    "restore: late",
     "restore: nothing remembered",
     "run: disabled zone",
     "run: not trusted",

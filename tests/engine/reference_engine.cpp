@@ -210,7 +210,12 @@ void ReferenceEngine::place(const Element& window, ProcessId pid, const Rect& fr
                             const std::optional<Rect>& within, const std::optional<Rect>& previous) {
     const std::uintptr_t key = m_ports.accessibility.key(window);
     const std::optional<Rect> now = frameOf(window);
-    const std::optional<Rect> current = previous ? previous : now;
+    std::optional<Rect> current = previous ? previous : now;
+    const auto restore = m_lateRestores.find(key);
+    if (current && restore != m_lateRestores.end() && isNear(*current, restore->second.from, 3)) {
+        took("place: instead of a late restore");
+        current = restore->second.to; // where the window would be by now
+    }
     if (current) {
         const auto& places = m_ownPlaces[key];
         const bool unmoved = std::any_of(places.begin(), places.end(),
@@ -235,6 +240,7 @@ void ReferenceEngine::noteFrame(const Element& window, const Late& requested,
     const std::uintptr_t key = m_ports.accessibility.key(window);
     m_lastSnapped.erase(key);
     m_late.erase(key);
+    m_lateRestores.erase(key);
     if (const auto after = frameOf(window)) {
         m_lastSnapped[key] = *after;
         m_ownPlaces[key] = {*after};
@@ -249,6 +255,7 @@ void ReferenceEngine::noteFrame(const Element& window, const Late& requested,
 
 void ReferenceEngine::corrected(const Element& window, const Rect& frame) {
     const std::uintptr_t key = m_ports.accessibility.key(window);
+    m_lateRestores.erase(key);
     if (m_late.contains(key)) {
         complete(window, m_late[key], frame);
     } else if (m_lastSnapped.contains(key)) {
@@ -358,7 +365,14 @@ void ReferenceEngine::restoreFocused() {
         return;
     }
     took("restore: back");
-    setFrame(focused->window, focused->application.processIdentifier, m_original[key], {});
+    const std::optional<Rect> from = frameOf(focused->window);
+    const Rect to = m_original[key];
+    setFrame(focused->window, focused->application.processIdentifier, to, {});
+    m_lateRestores.erase(key);
+    if (!frameOf(focused->window) && from) {
+        took("restore: late");
+        m_lateRestores[key] = {*from, to};
+    }
     m_original.erase(key);
     m_lastSnapped.erase(key);
     m_ownPlaces.erase(key);

@@ -75,6 +75,11 @@ private:
         int requests = 1;
         std::optional<Rect> droppedFrom = {}; ///< the frame before the drag
     };
+    /// A restore that the desktop has not carried out in time.
+    struct LateRestore {
+        Rect from;
+        Rect to;
+    };
 
     void took(std::string_view branch) { ++m_branches[branch]; }
     void beep(std::string_view why);
@@ -119,6 +124,7 @@ private:
     std::map<std::uintptr_t, Rect> m_lastSnapped;            ///< without late placements
     std::map<std::uintptr_t, std::vector<Rect>> m_ownPlaces; ///< where a window counts as unmoved
     std::map<std::uintptr_t, Late> m_late;
+    std::map<std::uintptr_t, LateRestore> m_lateRestores;
     SubscriptionPtr m_corrections;
     SubscriptionPtr m_handler;
     std::vector<SubscriptionPtr> m_hotKeys;

@@ -276,6 +276,51 @@ TEST_F(LatePlacementTest, IsNotCompletedAfterARestore) {
     EXPECT_EQ(desktop.frame(window), kLarge);
 }
 
+/// A window in a zone whose restore the desktop carries out late.
+class LateRestoreTest : public LatePlacementTest {
+protected:
+    LateRestoreTest() {
+        desktop.accessibility().correct(window, desktop.frame(window));
+        place(kLeft);
+        inZone = desktop.frame(window);
+        carryOutLate([this] { engine.restoreFocused(); });
+    }
+
+    Rect inZone;
+};
+
+TEST_F(LateRestoreTest, BeginsTheNextChainAlthoughItHasNotBeenCarriedOut) {
+    desktop.window(window).axFrame = inZone;
+
+    place(kRight);
+
+    EXPECT_EQ(restored(), kLarge);
+}
+
+TEST_F(LateRestoreTest, DoesNotBeginTheNextChainOfAWindowMovedMeanwhile) {
+    const Rect moved{inZone.x + 4, inZone.y, inZone.width, inZone.height};
+    desktop.drag(window, moved);
+
+    place(kRight);
+
+    EXPECT_EQ(restored(), moved);
+}
+
+TEST_F(LateRestoreTest, DoesNotBeginTheNextChainOfAWindowMovedAfterIt) {
+    desktop.accessibility().correct(window, kLarge);
+    desktop.drag(window, inZone);
+
+    place(kRight);
+
+    EXPECT_EQ(restored(), inZone);
+}
+
+TEST_F(LateRestoreTest, IsFollowedByNothingToRestore) {
+    desktop.window(window).axFrame = inZone;
+
+    EXPECT_EQ(restored(), std::nullopt);
+}
+
 TEST_F(WindowEngineTest, AWindowMovedByHandAfterACorrectionStartsANewChain) {
     place(kLeft);
     desktop.accessibility().correct(window, {-1400, -575, 650, 832});
