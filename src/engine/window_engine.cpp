@@ -149,7 +149,8 @@ void WindowEngine::follow(const Element& window, const Rect& axFrame) {
     if (last == m_lastSnapped.end())
         return; // restored
     if (unread) {
-        last->second = completed(window, unread.mapped(), axFrame);
+        if (m_ax.isUsable(window)) // not made full screen meanwhile
+            last->second = completed(window, unread.mapped(), axFrame);
         return;
     }
     // Both edges have moved in one direction.

@@ -272,7 +272,7 @@ void EngineSession::changeWindow() {
     }
     default: {
         m_what = "the user moves a window";
-        const Rect from = m_desktop.frame(m_dice.oneIn(10) ? anyWindow() : id);
+        const Rect from = m_desktop.frame(m_dice.oneIn(4) ? anyWindow() : id);
         const Rect to = m_dice.oneIn(3) ? randomFrame(m_dice, screens()) : randomlyMoved(m_dice, from);
         onBoth([&](JournalDesktop& desktop) { desktop.drag(id, to); });
     }

@@ -17,7 +17,7 @@ constexpr std::uint64_t kStepsOfOneSession = 250;
 constexpr long kEnough = 40;
 
 /// Every branch of the reference engine.
-constexpr std::array<std::string_view, 73> kBranches{
+constexpr std::array<std::string_view, 74> kBranches{
     "arrange: main screen",
     "arrange: no screen",
     "arrange: no zone",
@@ -39,6 +39,7 @@ constexpr std::array<std::string_view, 73> kBranches{
     "late: pulled back",
     "late: requested again",
     "late: twice",
+    "late: unusable by then",
     "match: seen before",
     "move: fewer than two displays",
     "move: neighbour",

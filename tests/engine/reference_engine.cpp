@@ -256,7 +256,12 @@ void ReferenceEngine::noteFrame(const Element& window, const Late& requested,
 void ReferenceEngine::corrected(const Element& window, const Rect& frame) {
     const std::uintptr_t key = m_ports.accessibility.key(window);
     m_lateRestores.erase(key);
-    if (m_late.contains(key)) {
+    if (m_late.contains(key) && !isUsable(window)) {
+        took("late: unusable by then");
+        m_ownPlaces[key] = {m_late[key].frame};
+        m_lastSnapped[key] = m_late[key].frame;
+        m_late.erase(key);
+    } else if (m_late.contains(key)) {
         complete(window, m_late[key], frame);
     } else if (m_lastSnapped.contains(key)) {
         const Rect& placed = m_lastSnapped[key];

@@ -263,6 +263,15 @@ TEST_F(LatePlacementTest, IsLeftAloneIfItHasTheFrameOfItsZone) {
     desktop.accessibility().correct(window, kZone);
 }
 
+TEST_F(LatePlacementTest, IsNotCompletedOnceTheWindowIsFullScreen) {
+    desktop.window(window).fullScreen = true;
+    desktop.accessibility().setWriteHandler([](const std::string& line) { ADD_FAILURE() << line; });
+
+    desktop.accessibility().correct(window, kScreen);
+    desktop.window(window).fullScreen = false;
+    desktop.accessibility().correct(window, kLarge);
+}
+
 TEST_F(LatePlacementTest, IsNotCompletedAfterAnotherPlacement) {
     place(kLeft);
     const Rect left = desktop.frame(window);
