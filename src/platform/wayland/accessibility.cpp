@@ -66,8 +66,9 @@ Accessibility::Accessibility(Mirror& mirror, Compositor& compositor, Application
                              ApplicationWatch& watch, MainQueuePort& queue)
     : m_mirror(mirror), m_applications(applications), m_watch(watch), m_queue(queue),
       m_placement(mirror, compositor, queue),
-      m_frameChanges(mirror.onFrameChanged(
-          [this](WindowId window, const Rect& frame) { frameChanged(window, frame); })) {}
+      m_frameChanges(
+          mirror.onFrameChanged([this](WindowId window, const Rect& frame) { frameChanged(window, frame); })),
+      m_userMoves(mirror.onMove([this](const UserMove& move) { m_writes.erase(move.window); })) {}
 
 Element Accessibility::application(ProcessId pid) {
     return makeElement(pid, kNoWindow);

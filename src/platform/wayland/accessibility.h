@@ -82,6 +82,7 @@ private:
     std::map<WindowId, Write> m_writes;
     Signal<const Element&, const Rect&> m_corrected;
     SubscriptionPtr m_frameChanges;
+    SubscriptionPtr m_userMoves;
 };
 
 } // namespace tessarel::wayland

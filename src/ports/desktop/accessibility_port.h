@@ -132,10 +132,10 @@ public:
 
     /// Calls `corrected` on the main thread, until the returned subscription is destroyed, when a program
     /// changes the frame of its window within half a second of the last write to it: some programs correct
-    /// their size once they have seen the new one. What the user does with the mouse does not count. The
-    /// frame may be the written one. Also calls `corrected` once the desktop has carried out a write that it
-    /// had not when the frame was read back, which had no value then; however much later. The half second
-    /// then begins anew. Returns null where such changes are not observed.
+    /// their size once they have seen the new one. What the user does with the mouse does not count, and ends
+    /// that time. The frame may be the written one. Also calls `corrected` once the desktop has carried out a
+    /// write that it had not when the frame was read back, which had no value then; however much later. The
+    /// half second then begins anew. Returns null where such changes are not observed.
     [[nodiscard]] virtual SubscriptionPtr
     onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) = 0;
 

@@ -87,6 +87,12 @@ protected:
         accessibility.setAttribute(element(name), attribute::kSize, axFrame.size());
         accessibility.setAttribute(element(name), attribute::kPosition, axFrame.origin());
     }
+    /// Moves the window by the mouse.
+    void move(const std::string& name) {
+        mirror.move(UserMove::Phase::Started, name, true, {}, kStart);
+        mirror.move(UserMove::Phase::Finished, name, true, {}, kStart);
+        mirror.deliver();
+    }
     std::optional<Size> readSize(const std::string& name) {
         const auto value = accessibility.copyAttribute(element(name), attribute::kSize);
         return value ? std::optional(std::get<Size>(*value)) : std::nullopt;
@@ -179,6 +185,34 @@ TEST_F(WaylandAccessibilityTest, AWindowThatTurnsOutToHaveKeptItsFrameAfterItHas
     mirror.deliver();
 
     EXPECT_THAT(corrected, ElementsAre(kStart));
+}
+
+TEST_F(WaylandAccessibilityTest, AWindowThatTheUserMovesBeforeItHasSettledIsNotReported) {
+    compositor.stalled = {"a"};
+    write("a", kWanted);
+    EXPECT_EQ(readSize("a"), std::nullopt);
+
+    move("a");
+    mirror.setFrame("a", kWider);
+    mirror.deliver();
+
+    EXPECT_THAT(corrected, IsEmpty());
+}
+
+TEST_F(WaylandAccessibilityTest, AfterAMoveByTheUserAWindowIsNoLongerCorrected) {
+    write("a", kWanted);
+    EXPECT_EQ(readSize("a"), kWanted.size());
+    mirror.deliver();
+    corrected.clear();
+
+    move("b");
+    mirror.setFrame("a", kWider);
+    mirror.deliver();
+    EXPECT_THAT(corrected, ElementsAre(kWider));
+    move("a");
+    mirror.setFrame("a", kWanted);
+    mirror.deliver();
+    EXPECT_THAT(corrected, ElementsAre(kWider));
 }
 
 TEST_F(WaylandAccessibilityTest, AWindowThatSettlesLongAfterItHasBeenReadIsReportedWithItsCorrections) {
