@@ -128,6 +128,10 @@ public:
             return;
         }
         sd_bus_message_set_auto_start(raw, 0);
+        if (handler == kNobody) {
+            sd_bus_call_async(m_bus, nullptr, raw, nullptr, nullptr, 0);
+            return;
+        }
         const auto [unanswered, isNew] = m_calls.try_emplace(handler, Context{m_link, *this, handler});
         if (sd_bus_call_async(m_bus, nullptr, raw, receiveReply, &unanswered->second, 0) >= 0)
             return;
@@ -418,7 +422,7 @@ SubscriptionPtr BusLink::removal(std::uint64_t handler) {
 }
 
 void BusLink::call(BusCall call, Handler replied, Delivery delivery) {
-    const std::uint64_t handler = add({std::move(replied), delivery, true});
+    const std::uint64_t handler = replied ? add({std::move(replied), delivery, true}) : kNobody;
     post([call = std::move(call), handler](Connection& connection) { connection.call(call, handler); });
 }
 

@@ -99,6 +99,7 @@ public:
     [[nodiscard]] SubscriptionPtr onLost(std::function<void()> lost);
 
     /// Sends a call. `replied` is called once with the reply or the error, which is a timeout after 25 s.
+    /// Without `replied`, the receiver sends no reply.
     void call(BusCall call, Handler replied = {}, Delivery delivery = Delivery::InLoop);
     /// Calls `handler` with every signal that matches, until the returned subscription is destroyed.
     [[nodiscard]] SubscriptionPtr onSignal(BusMatch match, Handler handler,
@@ -129,7 +130,9 @@ private:
         bool isOnce = false;
     };
 
+    // In the place of the handler of a message.
     static constexpr std::uint64_t kLinkItself = 0;
+    static constexpr std::uint64_t kNobody = 1;
 
     void run();
     void post(Task task);
@@ -145,7 +148,7 @@ private:
     std::string m_address;
     std::string m_uniqueName;
     bool m_isLost = false;
-    std::uint64_t m_nextHandler = kLinkItself + 1;
+    std::uint64_t m_nextHandler = kNobody + 1;
     std::map<std::uint64_t, Receiver> m_receivers;
     std::deque<Arrival> m_pending; ///< not handled yet, in the order of arrival
     Signal<> m_delivered;

@@ -115,6 +115,24 @@ TEST_F(BusLinkTest, ValuesOfAllTypesArriveAsTheyWereSent) {
     EXPECT_EQ(values, sent);
 }
 
+TEST_F(BusLinkTest, ACallWithoutAHandlerExpectsNoReply) {
+    startBus();
+    BusLink receiver(address);
+    BusLink sender(address);
+    ASSERT_TRUE(isConnected(receiver));
+    std::vector<bool> expectsReply;
+    const auto served = receiver.serve(
+        "/object", [&](const BusMessage& message) { expectsReply.push_back(message.token != 0); },
+        Delivery::Urgent);
+    roundTrip(receiver); // the object is there
+
+    sender.call({receiver.uniqueName(), "/object", "org.example", "hello"});
+    sender.call({receiver.uniqueName(), "/object", "org.example", "hello"}, [](const BusMessage&) {});
+
+    EXPECT_TRUE(receiver.waitUntil([&] { return expectsReply.size() == 2; }, x11test::kPatience));
+    EXPECT_THAT(expectsReply, ElementsAre(false, true));
+}
+
 TEST_F(BusLinkTest, ACallWhoseValuesDoNotFitItsSignatureFails) {
     startBus();
     BusLink link(address);
