@@ -7,6 +7,7 @@
 #include "platform/plasma/own_application.h"
 #include "platform/plasma/plasma_desktop.h"
 #include "platform/plasma/session.h"
+#include "platform/plasma/single_instance.h"
 #include "platform/qt/qt_messages.h"
 #include "platform/qt/qt_own_application.h"
 #include "platform/qt_wayland/layer_overlay.h"
@@ -14,6 +15,7 @@
 #include "platform/qt_x11/qt_local_keys.h"
 #include "platform/x11/input/key_lookup.h"
 #include "platform/xdg/environment.h"
+#include "platform/xkb/keymap.h"
 #include "program/linux_program.h"
 #include "program/report.h"
 
@@ -109,6 +111,9 @@ std::optional<int> runOnPlasma(const char* programName) {
         return std::nullopt;
     const std::string busAddress = wayland::sessionBusAddress();
     wayland::BusLink link(busAddress);
+    plasma::SingleInstance singleInstance(link);
+    singleInstance.request();
+    xkb::Keymap usKeymap = xkb::Keymap::us(); // while the link connects, which takes as long
     const std::string compositor = findCompositor(link);
     if (compositor.empty())
         return std::nullopt;
@@ -117,7 +122,7 @@ std::optional<int> runOnPlasma(const char* programName) {
     LinuxProgram program(programName);
     qt::QtMainQueue& queue = program.queue();
     plasma::PlasmaDesktop desktop(
-        link, queue, runtimeFolder(),
+        link, singleInstance, std::move(usKeymap), queue, runtimeFolder(),
         [&queue](int fd, std::function<void()> readable) {
             return queue.onReadable(fd, std::move(readable));
         },
@@ -147,6 +152,7 @@ std::optional<int> runOnPlasma(const char* programName) {
                             [&desktop] {
                                 // KWin does one thing after another: first the hot keys, which take it less
                                 // time, then the script, while Qt starts here, then the effects.
+                                desktop.hotKeys.releaseLeftovers();
                                 desktop.bridge.load();
                                 return nullptr;
                             },

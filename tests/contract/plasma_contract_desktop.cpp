@@ -88,7 +88,7 @@ public:
     }
     std::unique_ptr<SingleInstancePort> makeCopy() override {
         m_copies.push_back(std::make_unique<PlasmaLine>(address()));
-        return std::make_unique<plasma::SingleInstance>(m_copies.back()->link(), [] {});
+        return std::make_unique<plasma::SingleInstance>(m_copies.back()->link());
     }
 
     Rect second() const override { return {1440, 0, 1440, 900}; }
@@ -223,7 +223,7 @@ private:
     wayland::ApplicationWatch m_watch{m_mirror, m_applicationsSeen};
     wayland::Accessibility m_accessibility{m_mirror, m_bridge, m_applicationsSeen, m_watch, m_line.queue()};
     wayland::Displays m_displays{m_mirror};
-    plasma::KeyboardLayout m_keyboardLayout{m_line.link()};
+    plasma::KeyboardLayout m_keyboardLayout{m_line.link(), xkb::Keymap::us()};
     plasma::GlobalShortcuts m_hotKeys{m_line.link(), m_keyboardLayout};
     plasma::LayoutKeyNames m_keyNames{m_keyboardLayout};
     NoDragKeys m_dragKeys;

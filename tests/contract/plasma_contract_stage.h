@@ -88,7 +88,7 @@ private:
                                               std::vector<wayland::BusValue> values);
 
     wayland::BusLink& m_link;
-    xkb::Keymap m_keymap = xkb::Keymap::ofEnvironment();
+    xkb::Keymap m_keymap = xkb::Keymap::us();
 };
 
 } // namespace tessarel::contract

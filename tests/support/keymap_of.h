@@ -4,15 +4,17 @@
 
 #include "platform/xkb/keymap.h"
 
-#include <cstdlib>
+#include <xkbcommon/xkbcommon.h>
 
 namespace tessarel::xkb {
 
-/// Returns the keymap of these layouts, as the environment of a desktop names them.
+/// Returns the complete keymap of these layouts.
 inline Keymap keymapOf(const char* layouts) {
-    ::setenv("XKB_DEFAULT_LAYOUT", layouts, 1);
-    auto keymap = Keymap::ofEnvironment();
-    ::unsetenv("XKB_DEFAULT_LAYOUT");
+    xkb_context* const context = xkb_context_new(XKB_CONTEXT_NO_FLAGS);
+    const xkb_rule_names names{
+        .rules = nullptr, .model = nullptr, .layout = layouts, .variant = nullptr, .options = nullptr};
+    auto keymap = Keymap::owning(xkb_keymap_new_from_names(context, &names, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    xkb_context_unref(context);
     return keymap;
 }
 

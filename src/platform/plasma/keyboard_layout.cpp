@@ -14,8 +14,8 @@ constexpr const char* kLayoutsInterface = "org.kde.KeyboardLayouts";
 
 } // namespace
 
-KeyboardLayout::KeyboardLayout(wayland::BusLink& link)
-    : m_link(link),
+KeyboardLayout::KeyboardLayout(wayland::BusLink& link, xkb::Keymap keymap)
+    : m_link(link), m_keymap(std::move(keymap)),
       m_signals(link.onSignal(
           {.sender = kKeyboard, .path = kLayoutsPath, .interface = kLayoutsInterface, .member = {}},
           [this](const wayland::BusMessage& signal) {

@@ -16,8 +16,8 @@ namespace tessarel::plasma {
 /// The keymap of the keyboard and which of its layouts is in use.
 class KeyboardLayout {
 public:
-    /// Starts with the keymap of the environment. `link` must outlive this object.
-    explicit KeyboardLayout(wayland::BusLink& link);
+    /// Starts with `keymap`. `link` must outlive this object.
+    KeyboardLayout(wayland::BusLink& link, xkb::Keymap keymap);
     KeyboardLayout(const KeyboardLayout&) = delete;
     KeyboardLayout& operator=(const KeyboardLayout&) = delete;
     ~KeyboardLayout() = default;
@@ -39,7 +39,7 @@ private:
     void setIndex(std::uint32_t index);
 
     wayland::BusLink& m_link;
-    xkb::Keymap m_keymap = xkb::Keymap::ofEnvironment();
+    xkb::Keymap m_keymap;
     std::uint32_t m_index = 0;
     Signal<> m_changed;
     Lifetime m_lifetime; // watched by replies

@@ -34,24 +34,24 @@ namespace tessarel::plasma {
 ///
 /// The members are in order of dependency: each refers only to members above it.
 struct PlasmaDesktop {
-    /// All referenced objects must outlive the desktop. Files for KWin are written to `runtimeFolder`.
-    PlasmaDesktop(wayland::BusLink& link, MainQueuePort& queue, const std::filesystem::path& runtimeFolder,
+    /// All referenced objects must outlive the desktop. `keymap` is used until that of the seat is known.
+    /// Files for KWin are written to `runtimeFolder`.
+    PlasmaDesktop(wayland::BusLink& link, SingleInstance& singleInstance, xkb::Keymap keymap,
+                  MainQueuePort& queue, const std::filesystem::path& runtimeFolder,
                   xdg::OnReadable onReadable, xdg::FilePreferences::Report report)
-        : bridge(link, mirror, queue, runtimeFolder, report), applications(mirror, queue),
-          watch(mirror, applications), accessibility(mirror, bridge, applications, watch, queue),
-          displays(mirror), keyboardLayout(link), hotKeys(link, keyboardLayout),
+        : singleInstance(singleInstance), bridge(link, mirror, queue, runtimeFolder, report),
+          applications(mirror, queue), watch(mirror, applications),
+          accessibility(mirror, bridge, applications, watch, queue), displays(mirror),
+          keyboardLayout(link, std::move(keymap)), hotKeys(link, keyboardLayout),
           loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
           dragModifiers(link, mirror, queue, xdg::dataFolder()), mouse(mirror, dragModifiers),
           modifierChanges(dragModifiers.onChange([this] { mouse.modifiersChanged(); })),
           modifiersLoaded(dragModifiers.onLoaded([this] { words.dragNote = kKeysReported; })),
           preferences(xdg::FilePreferences::userFolder(), std::move(onReadable), std::move(report)),
-          singleInstance(link,
-                         [this] {
-                             hotKeys.releaseLeftovers();
-                             hotKeys.holdBack();
-                         }),
           windowsKnown(mirror.onReady([this] { hotKeys.deliver(); })), trust(bridge), windowList(mirror),
-          workspace(applications, watch), keyNames(keyboardLayout) {}
+          workspace(applications, watch), keyNames(keyboardLayout) {
+        hotKeys.holdBack();
+    }
     PlasmaDesktop(const PlasmaDesktop&) = delete;
     PlasmaDesktop& operator=(const PlasmaDesktop&) = delete;
 
@@ -60,6 +60,7 @@ struct PlasmaDesktop {
         return wayland::compositorFromScreen(screenFrame, mirror.primary());
     }
 
+    SingleInstance& singleInstance;
     wayland::Mirror mirror;
     Bridge bridge;
     wayland::Applications applications;
@@ -74,7 +75,6 @@ struct PlasmaDesktop {
     SubscriptionPtr modifierChanges;
     SubscriptionPtr modifiersLoaded;
     xdg::FilePreferences preferences;
-    SingleInstance singleInstance;
     SubscriptionPtr windowsKnown;
     Trust trust;
     wayland::WindowList windowList;

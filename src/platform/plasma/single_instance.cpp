@@ -22,6 +22,9 @@ constexpr const char* kReopen = "Reopen";
 constexpr std::int64_t kDoNotQueue = 4;
 constexpr std::int64_t kIsOwner = 1;
 
+/// How long the bus may take to reply to a claim.
+constexpr std::chrono::seconds kPatienceWithBus{1};
+
 /// Sends a call. The returned object gets the reply, unless it has been destroyed by then.
 std::shared_ptr<std::optional<wayland::BusMessage>> send(wayland::BusLink& link, wayland::BusCall call) {
     auto reply = std::make_shared<std::optional<wayland::BusMessage>>();
@@ -31,37 +34,44 @@ std::shared_ptr<std::optional<wayland::BusMessage>> send(wayland::BusLink& link,
 }
 
 /// Waits until the reply is there, with a bound.
-void await(wayland::BusLink& link, const std::optional<wayland::BusMessage>& reply) {
-    link.waitUntil([&] { return reply.has_value() || link.isLost(); }, SingleInstance::kPatience);
+void await(wayland::BusLink& link, const std::optional<wayland::BusMessage>& reply,
+           std::chrono::milliseconds patience) {
+    link.waitUntil([&] { return reply.has_value() || link.isLost(); }, patience);
 }
 
 } // namespace
 
-SingleInstance::SingleInstance(wayland::BusLink& link, std::function<void()> claimed)
-    : m_link(link), m_claimed(std::move(claimed)) {}
+// Served before the name is requested, so that no call of another copy is missed.
+SingleInstance::SingleInstance(wayland::BusLink& link)
+    : m_link(link), m_calls(link.serve(
+                        kPath, [this](const wayland::BusMessage& call) { handle(call); }, Delivery::InLoop)) {
+}
+
+SingleInstance::Reply SingleInstance::requestName() const {
+    return send(m_link, wayland::busCall("RequestName", "su", {kName, kDoNotQueue}));
+}
+
+void SingleInstance::handle(const wayland::BusMessage& call) {
+    if (call.member != kReopen || !m_reopened)
+        return;
+    m_link.answer(call.token, "");
+    const auto reopened = m_reopened; // a copy, because the callback may end the claim
+    reopened();
+}
 
 SubscriptionPtr SingleInstance::claim(std::function<void()> reopened, std::function<void()> lost) {
-    // Before the name is claimed, so that no call of another copy is missed.
-    auto calls = m_link.serve(
-        kPath,
-        [this, reopened = std::move(reopened)](const wayland::BusMessage& message) {
-            if (message.member != kReopen)
-                return;
-            m_link.answer(message.token, "");
-            reopened();
-        },
-        Delivery::InLoop);
-    const auto reply = send(m_link, wayland::busCall("RequestName", "su", {kName, kDoNotQueue}));
-    await(m_link, *reply);
-    if (!reply->has_value())
+    const Reply request = m_request ? std::exchange(m_request, nullptr) : requestName();
+    await(m_link, *request, kPatienceWithBus);
+    const auto& reply = *request;
+    if (!reply)
         return nullptr;
-    if ((*reply)->value<std::int64_t>(0) != kIsOwner) {
+    if (reply->value<std::int64_t>(0) != kIsOwner) {
         m_notification = send(m_link, {kName, kPath, "org.tessarel.Tessarel", kReopen});
         return nullptr;
     }
-    m_claimed();
-    return callOnEnd([this, calls = std::shared_ptr<Subscription>(std::move(calls)),
-                      loss = std::shared_ptr<Subscription>(m_link.onLost(std::move(lost)))] {
+    m_reopened = std::move(reopened);
+    return callOnEnd([this, loss = std::shared_ptr<Subscription>(m_link.onLost(std::move(lost)))] {
+        m_reopened = nullptr;
         m_link.call(wayland::busCall("ReleaseName", "s", {kName}));
     });
 }
@@ -71,7 +81,7 @@ SingleInstance::Reaction SingleInstance::awaitReaction() {
     const auto notification = std::exchange(m_notification, nullptr);
     if (!notification || m_link.isLost())
         return {Kind::Missing, "the session bus does not reply"};
-    await(m_link, *notification);
+    await(m_link, *notification, kPatience);
     const auto& reply = *notification;
     if (!reply)
         return {Kind::Missing, "another copy of Tessarel runs, but does not react"};

@@ -25,19 +25,28 @@ Context makeContext(xkb_context_flags flags) {
     return context;
 }
 
+xkb_keymap* compiled(const Context& context, const char* description) {
+    return context ? xkb_keymap_new_from_string(context.get(), description, XKB_KEYMAP_FORMAT_TEXT_V1,
+                                                XKB_KEYMAP_COMPILE_NO_FLAGS)
+                   : nullptr;
+}
+
+/// A US keyboard, made of the files that every system has.
+constexpr const char* kUs = R"(xkb_keymap {
+    xkb_keycodes { include "evdev" };
+    xkb_types { include "complete" };
+    xkb_compat {};
+    xkb_symbols { include "pc+us" };
+};)";
+
 } // namespace
 
-Keymap Keymap::ofEnvironment() {
-    const Context context = makeContext(XKB_CONTEXT_NO_FLAGS);
-    return owning(context ? xkb_keymap_new_from_names(context.get(), nullptr, XKB_KEYMAP_COMPILE_NO_FLAGS)
-                          : nullptr);
+Keymap Keymap::us() {
+    return owning(compiled(makeContext(XKB_CONTEXT_NO_FLAGS), kUs));
 }
 
 Keymap Keymap::parsed(const std::string& description) {
-    const Context context = makeContext(XKB_CONTEXT_NO_DEFAULT_INCLUDES);
-    return owning(context ? xkb_keymap_new_from_string(context.get(), description.c_str(),
-                                                       XKB_KEYMAP_FORMAT_TEXT_V1, XKB_KEYMAP_COMPILE_NO_FLAGS)
-                          : nullptr);
+    return owning(compiled(makeContext(XKB_CONTEXT_NO_DEFAULT_INCLUDES), description.c_str()));
 }
 
 Keymap Keymap::owning(xkb_keymap* keymap) {

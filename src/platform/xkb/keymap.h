@@ -14,8 +14,9 @@ namespace tessarel::xkb {
 /// What the keys of a keyboard type.
 class Keymap {
 public:
-    /// Returns the keymap that the environment and the system's defaults describe.
-    [[nodiscard]] static Keymap ofEnvironment();
+    /// Returns the keymap of a US keyboard, without the symbols of multimedia keys and without modifiers,
+    /// which take longer to read than all the rest.
+    [[nodiscard]] static Keymap us();
     /// Returns the keymap with this description, as a Wayland compositor sends it. Its keys type nothing if
     /// the description is malformed.
     [[nodiscard]] static Keymap parsed(const std::string& description);

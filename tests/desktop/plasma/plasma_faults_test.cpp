@@ -114,7 +114,7 @@ TEST_F(PlasmaFaultsTest, ACompositorThatHasRestartedBeforeTheProgramHasConnected
 
 TEST_F(PlasmaFaultsTest, GlobalShortcutsAreRegisteredAgainWithAServiceThatHasStartedAnew) {
     wayland::BusLink link(session.environment().at("DBUS_SESSION_BUS_ADDRESS"));
-    plasma::KeyboardLayout layout(link);
+    plasma::KeyboardLayout layout(link, xkb::Keymap::us());
     plasma::GlobalShortcuts shortcuts(link, layout);
     constexpr std::uint32_t kControlOption = 6144;
     const std::vector<HotKeyRequest> requests{{124, kControlOption, {0, 1}}};

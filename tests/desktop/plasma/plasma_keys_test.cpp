@@ -97,7 +97,7 @@ TEST_F(PlasmaKeysTest, AfterACrashTheNextStartHasItsKeysAndNoneOfThoseThatItDoes
 TEST(PlasmaKeyNamesTest, KeysAreNamedAfterTheLayoutInUse) {
     PlasmaSession session;
     wayland::BusLink link(session.environment().at("DBUS_SESSION_BUS_ADDRESS"));
-    plasma::KeyboardLayout layout(link);
+    plasma::KeyboardLayout layout(link, xkb::Keymap::us());
     plasma::LayoutKeyNames names(layout);
     int changes = 0;
     const auto counted = names.onChange([&] { ++changes; });
@@ -124,7 +124,7 @@ TEST(PlasmaKeyNamesTest, KeysAreNamedAfterTheLayoutInUse) {
 TEST(PlasmaShortcutsTest, WhileAllShortcutsAreBlockedTheirKeysDoNothing) {
     PlasmaSession session;
     wayland::BusLink link(session.environment().at("DBUS_SESSION_BUS_ADDRESS"));
-    plasma::KeyboardLayout layout(link);
+    plasma::KeyboardLayout layout(link, xkb::Keymap::us());
     plasma::GlobalShortcuts shortcuts(link, layout);
     const std::vector<HotKeyRequest> requests{{124, kControlOption, {0, 1}}, {123, kControlOption, {0, 2}}};
     const auto claims = shortcuts.registerHotKeys(requests);

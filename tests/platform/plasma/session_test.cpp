@@ -9,6 +9,7 @@
 
 #include <gmock/gmock.h>
 
+#include <chrono>
 #include <csignal>
 #include <optional>
 
@@ -96,13 +97,50 @@ TEST_F(PlasmaSessionTest, ACopyThatEndsBeforeItHasReactedHasEnded) {
     auto calls = other->serve(
         "/org/tessarel/Tessarel", [&](const BusMessage&) { isNotified = true; }, Delivery::Urgent);
     (void)own(*other, SingleInstance::kName); // after `serve`, so that no call comes before it
-    SingleInstance copy(link, [] {});
+    SingleInstance copy(link);
     ASSERT_EQ(copy.claim([] {}, [] {}), nullptr);
     ASSERT_TRUE(other->waitUntil([&] { return isNotified; }, x11test::kPatience));
 
     other.reset();
 
     EXPECT_EQ(copy.awaitReaction().kind, SingleInstancePort::Reaction::Kind::Ended);
+}
+
+TEST_F(PlasmaSessionTest, AClaimDoesNotWaitForABusThatHangsAfterItHasNamedTheCompositor) {
+    SingleInstance copy(link);
+    copy.request();
+    ASSERT_EQ(compositorName(link), "");
+    daemon.signal(SIGSTOP);
+
+    EXPECT_NE(copy.claim([] {}, [] {}), nullptr);
+
+    daemon.signal(SIGCONT);
+}
+
+TEST_F(PlasmaSessionTest, AClaimThatIsRepeatedWaitsForTheBusWithAShortBound) {
+    (void)own(compositor, SingleInstance::kName);
+    SingleInstance copy(link);
+    ASSERT_EQ(copy.claim([] {}, [] {}), nullptr);
+    daemon.signal(SIGSTOP);
+    const auto begin = std::chrono::steady_clock::now();
+
+    EXPECT_EQ(copy.claim([] {}, [] {}), nullptr);
+
+    EXPECT_LT(std::chrono::steady_clock::now() - begin, SingleInstance::kPatience);
+    daemon.signal(SIGCONT);
+}
+
+TEST_F(PlasmaSessionTest, ACopyThatHasClaimedTheDesktopIsReopenedByTheNextOne) {
+    SingleInstance first(compositor);
+    int reopenings = 0;
+    const auto claim = first.claim([&] { ++reopenings; }, [] {});
+    ASSERT_NE(claim, nullptr);
+
+    SingleInstance second(link);
+    EXPECT_EQ(second.claim([] {}, [] {}), nullptr);
+
+    EXPECT_TRUE(dispatchUntil(compositor, [&] { return reopenings == 1; }));
+    EXPECT_EQ(second.awaitReaction().kind, SingleInstancePort::Reaction::Kind::Reopened);
 }
 
 } // namespace

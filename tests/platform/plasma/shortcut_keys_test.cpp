@@ -109,6 +109,16 @@ TEST(ShortcutKeysTest, EveryKeyThatHasANumberKeepsItsModifiers) {
     }
 }
 
+TEST(ShortcutKeysTest, TheShortKeymapOfAUsKeyboardHasAllNumbersOfTheCompleteOne) {
+    const auto complete = keymapOf("us");
+    const auto brief = xkb::Keymap::us();
+    for (std::uint32_t keyCode = 0; keyCode < 128; ++keyCode) {
+        for (const std::uint32_t mods : {kCtrlAlt, kCtrlAlt + kShiftBit})
+            EXPECT_EQ(shortcutKey(brief, 0, keyCode, mods), shortcutKey(complete, 0, keyCode, mods))
+                << keyCode;
+    }
+}
+
 TEST(ShortcutKeysTest, AMalformedKeymapTypesNothing) {
     for (const char* const text : {"", "xkb_keymap {", "nonsense"})
         EXPECT_FALSE(shortcutKey(xkb::Keymap::parsed(text), 0, kKeyA, kCtrlAlt)) << text;
