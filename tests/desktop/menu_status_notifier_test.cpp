@@ -8,7 +8,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <string>
 
 namespace tessarel::x11test {
@@ -35,13 +34,7 @@ protected:
     }
 
     /// Returns true if the row with this label is checked when the menu opens.
-    bool isMarked(const std::string& label) {
-        const std::string menu = openedMenu();
-        const std::regex row("\\{[^{}]*'label': <'" + label + "'>[^{}]*\\}");
-        std::smatch match;
-        return std::regex_search(menu, match, row) &&
-               match.str().find("'toggle-state': <1>") != std::string::npos;
-    }
+    bool isMarked(const std::string& label) { return StatusNotifierPanel::isMarked(openedMenu(), label); }
 
     XServer server{{.width = 1000, .height = 700}};
     DesktopBus bus{server.environment()};

@@ -59,6 +59,13 @@ std::string StatusNotifierPanel::menu() const {
     return call(item(), kMenuPath, kMenu + "GetLayout", {"0", "-1", "[]"});
 }
 
+bool StatusNotifierPanel::isMarked(const std::string& menu, const std::string& label) {
+    const std::regex row("\\{[^{}]*'label': <'" + label + "'>[^{}]*\\}");
+    std::smatch match;
+    return std::regex_search(menu, match, row) &&
+           match.str().find("'toggle-state': <1>") != std::string::npos;
+}
+
 bool StatusNotifierPanel::choose(const std::string& menu, std::string_view label) const {
     const std::regex row("\\((\\d+), \\{[^{}]*'label': <'" + std::string(label) + "'>");
     std::smatch match;

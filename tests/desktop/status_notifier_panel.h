@@ -28,6 +28,8 @@ public:
     void aboutToShowMenu() const;
     /// Returns the item's whole menu as text.
     [[nodiscard]] std::string menu() const;
+    /// Returns true if `menu` has a row with this label, and the row is checked.
+    [[nodiscard]] static bool isMarked(const std::string& menu, const std::string& label);
     /// Activates the row with this label in `menu`. Returns false if there is no such row.
     [[nodiscard]] bool choose(const std::string& menu, std::string_view label) const;
     /// Clicks the item at a point of the screen, with the first or the second button. A panel that cannot

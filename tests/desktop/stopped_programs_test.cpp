@@ -14,10 +14,10 @@
 namespace tessarel::x11test {
 namespace {
 
-using Cell = std::tuple<WindowManagerKind, RealProgram>;
+using ProgramCell = std::tuple<WindowManagerKind, RealProgram>;
 
 /// A stopped program whose toolkit synchronises resizing with the window manager (_NET_WM_SYNC_REQUEST).
-class StoppedProgramTest : public testing::TestWithParam<Cell> {
+class StoppedProgramTest : public testing::TestWithParam<ProgramCell> {
 protected:
     ~StoppedProgramTest() override {
         program.process.reset();
@@ -60,7 +60,7 @@ TEST_P(StoppedProgramTest, IsStillMovedAndDoesNotDelayOtherWindows) {
     EXPECT_TRUE(desktop.program().running());
 }
 
-std::string cellName(const testing::TestParamInfo<Cell>& info) {
+std::string cellName(const testing::TestParamInfo<ProgramCell>& info) {
     return std::string(name(std::get<0>(info.param))) + "_" + std::get<1>(info.param).name;
 }
 

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <regex>
 #include <string>
 
 namespace tessarel::plasmatest {
@@ -44,11 +43,7 @@ protected:
         ASSERT_TRUE(PlasmaSession::waitFor([&] { return panel.choose(openedMenu(), label); }));
     }
     [[nodiscard]] bool isMarked(const std::string& label) {
-        const std::string menu = openedMenu();
-        const std::regex row("\\{[^{}]*'label': <'" + label + "'>[^{}]*\\}");
-        std::smatch match;
-        return std::regex_search(menu, match, row) &&
-               match.str().find("'toggle-state': <1>") != std::string::npos;
+        return x11test::StatusNotifierPanel::isMarked(openedMenu(), label);
     }
 
     [[nodiscard]] bool waitForWindow(const std::function<bool(const SeenWindow&)>& holds) {
