@@ -19,7 +19,8 @@ function(tessarel_wayland_protocol target description)
     add_dependencies(generated_headers ${target}_${name}_header)
     # The code is C that is also C++, once the header has declared its constants.
     set_source_files_properties(${code} PROPERTIES
-        COMPILE_OPTIONS "-include;${header};-w" OBJECT_DEPENDS ${header} SKIP_UNITY_BUILD_INCLUSION ON)
+        COMPILE_OPTIONS "-include;${header};-w" OBJECT_DEPENDS ${header} SKIP_UNITY_BUILD_INCLUSION ON
+        SKIP_PRECOMPILE_HEADERS ON)
     target_sources(${target} PRIVATE ${code} ${header})
     target_include_directories(${target} SYSTEM PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
 endfunction()

@@ -88,7 +88,8 @@ class Workshop:
             folder.mkdir(parents=True, exist_ok=True)
         self._copy_checkout()
         flags = _SANITIZED if self._sanitized else _QUICK
-        options = [*_OPTIONS, f"-DTESSAREL_SANITIZE={'ON' if self._sanitized else 'OFF'}"]
+        sanitized = "ON" if self._sanitized else "OFF"
+        options = [*_OPTIONS, f"-DTESSAREL_SANITIZE={sanitized}", f"-DTESSAREL_SHARE_HEADERS={sanitized}"]
         # Keeps the job's path out of the objects, so that all jobs share the compiler cache.
         compiling = f"-DCMAKE_CXX_FLAGS={flags} -ffile-prefix-map={self.tree.parent}/="
         added = f"-DCMAKE_PROJECT_INCLUDE={self.tree}/tests/mutants/build.cmake"
