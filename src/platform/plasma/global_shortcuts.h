@@ -63,7 +63,7 @@ private:
     struct Shortcut {
         std::size_t serial = 0; ///< identifies the shortcut to its claim; never reused
         HotKeyRequest request;
-        std::int32_t key = 0; ///< see `shortcutKey`; 0 while the layout has no such key
+        std::int32_t key = 0; ///< see `shortcutKey`; 0 while the layout has no such symbol
         bool isTaken = false;
         bool isHeld = false; ///< it has been pressed and not been released
     };

@@ -74,7 +74,7 @@ std::optional<std::int32_t> shortcutKey(const xkb::Keymap& keymap, std::uint32_t
             key = shifted;
     }
     if (!key)
-        return std::nullopt;
+        return 0;
     std::int32_t number = *key;
     for (const auto& [flag, modifier] : kQtModifiers) {
         if ((flags & flag) != 0 && !(flag == kShiftFlag && isShiftUsedUp))

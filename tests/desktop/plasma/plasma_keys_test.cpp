@@ -152,6 +152,26 @@ TEST(PlasmaShortcutsTest, WhileAllShortcutsAreBlockedTheirKeysDoNothing) {
     EXPECT_EQ(pressed, std::vector<std::uint32_t>({2}));
 }
 
+TEST(PlasmaShortcutsTest, AKeyThatTypesNothingIsTakenUntilALayoutHasASymbolForIt) {
+    PlasmaSession session;
+    wayland::BusLink link(session.environment().at("DBUS_SESSION_BUS_ADDRESS"));
+    plasma::KeyboardLayout layout(link, xkb::Keymap::us());
+    plasma::GlobalShortcuts shortcuts(link, layout);
+    constexpr std::uint32_t kYen = 93;
+    constexpr std::uint32_t kId = 100;
+    const auto claims = shortcuts.registerHotKeys(std::vector<HotKeyRequest>{{kYen, kControlOption, {0, kId}}});
+    ASSERT_NE(claims.front(), nullptr);
+    ASSERT_EQ(shortcuts.taken(), std::vector{kId});
+
+    layout.setKeymap(xkb::keymapOf("jp"));
+
+    EXPECT_TRUE(PlasmaSession::waitFor([&] {
+        link.dispatch();
+        return shortcuts.taken().empty();
+    }));
+    EXPECT_FALSE(session.keysOf("hotkey100").empty());
+}
+
 TEST_F(PlasmaKeysTest, CommandsFromATerminalMoveTheActiveWindowAndQuit) {
     constexpr int kNotRunning = 3;
     session.openEditor();
