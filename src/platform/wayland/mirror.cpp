@@ -7,6 +7,17 @@
 
 namespace tessarel::wayland {
 
+namespace {
+
+/// Returns the process that a window gets whose own one the compositor does not know, so that it can be moved
+/// like any other.
+ProcessId standInProcess(WindowId window) {
+    constexpr ProcessId kHighest = 1 << 22; // of the kernel's own process ids
+    return kHighest + static_cast<ProcessId>(window);
+}
+
+} // namespace
+
 void Mirror::reset(const Snapshot& snapshot) {
     setDisplays(snapshot.displays);
     removeUnlisted(snapshot);
@@ -35,15 +46,18 @@ void Mirror::removeUnlisted(const Snapshot& snapshot) {
 void Mirror::update(const WindowState& window) {
     const auto [known, isNew] = m_ids.try_emplace(window.name, m_lastId + 1);
     const WindowId id = known->second;
+    WindowState state = window;
+    if (state.pid <= 0)
+        state.pid = standInProcess(id);
     if (!isNew) {
-        const Rect before = std::exchange(m_windows[id], window).frame;
+        const Rect before = std::exchange(m_windows[id], state).frame;
         ++m_knownFrames[id];
         if (before != window.frame)
             note([this, id, frame = window.frame] { m_frameChanged.send(id, frame); });
         return;
     }
     m_lastId = id;
-    m_windows[id] = window;
+    m_windows[id] = state;
     m_backToFront.push_back(id);
     if (m_isReady)
         note([this, id] { m_opened.send(id); });

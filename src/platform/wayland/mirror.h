@@ -32,8 +32,8 @@ enum class WindowKind : std::uint8_t {
 /// What the compositor reports about a window. Frames are in the compositor's coordinates, whose origin is
 /// the top-left corner of the area that all displays cover.
 struct WindowState {
-    std::string name; ///< the compositor's own identifier
-    ProcessId pid = 0;
+    std::string name;  ///< the compositor's own identifier
+    ProcessId pid = 0; ///< in a report 0 if the compositor does not know it; the mirror then makes one up
     std::string applicationId;
     std::string windowClass;
     Rect frame; ///< visible outer frame

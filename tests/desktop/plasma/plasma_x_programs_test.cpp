@@ -16,6 +16,7 @@ namespace {
 constexpr const char* kDragsWithoutAKey =
     R"({"hasOnboarded":true,"rememberApps":false,"dragTrigger":"always"})";
 constexpr std::uint32_t kBackspace = 14;
+constexpr Rect kLeftHalf{0, 0, 800, 900};
 
 /// A program that shows its windows on KWin's X server.
 struct XProgram {
@@ -25,11 +26,22 @@ struct XProgram {
     Size step; ///< by which its window grows
 };
 
-class PlasmaXProgramsTest : public testing::TestWithParam<XProgram> {
+class PlasmaXServerTest : public testing::Test {
 protected:
     void SetUp() override {
         session.writeSettings(kDragsWithoutAKey);
         ASSERT_TRUE(session.startProgram()) << session.program().errors();
+    }
+
+    void press(std::uint32_t key) { session.input().press({key::kLeftControl, key::kLeftAlt, key}); }
+
+    PlasmaSession session{Drawing::Software, PlasmaSession::kFirst.size(), Extra::XServer};
+};
+
+class PlasmaXProgramsTest : public PlasmaXServerTest, public testing::WithParamInterface<XProgram> {
+protected:
+    void SetUp() override {
+        PlasmaXServerTest::SetUp();
         session.open(GetParam().command, GetParam().windowClass);
         before = session.frame(GetParam().windowClass).value_or(Rect::null());
     }
@@ -67,11 +79,19 @@ protected:
             return false;
         });
     }
-    void press(std::uint32_t key) { session.input().press({key::kLeftControl, key::kLeftAlt, key}); }
-
-    PlasmaSession session{Drawing::Software, PlasmaSession::kFirst.size(), Extra::XServer};
     Rect before; ///< the frame with which the window has opened
 };
+
+TEST_F(PlasmaXServerTest, AWindowThatDoesNotTellItsProcessTakesItsZoneAndIsRestored) {
+    session.open({"xcalc"}, "xcalc");
+    const Rect before = session.frame("xcalc").value_or(Rect::null());
+    ASSERT_EQ(session.probe().windows().back().pid, 0);
+
+    press(key::kLeft);
+    EXPECT_EQ(session.settledFrame("xcalc", kLeftHalf), kLeftHalf);
+    press(kBackspace);
+    EXPECT_EQ(session.settledFrame("xcalc", before), before);
+}
 
 TEST_P(PlasmaXProgramsTest, HotKeysAndDragsMoveItsWindowAndRestoreTakesItBack) {
     press(key::kLeft);

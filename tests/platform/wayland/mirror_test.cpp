@@ -72,6 +72,24 @@ TEST(NewMirrorTest, TheFirstSnapshotIsReadyAndItsWindowsAreOpenAlready) {
     EXPECT_EQ(opened, 0);
 }
 
+TEST_F(MirrorTest, AWindowOfAnUnknownProcessKeepsOneOfItsOwnUntilItIsKnown) {
+    for (const char* const name : {"c", "d"}) {
+        WindowState state = window(name);
+        state.pid = 0;
+        mirror.update(state);
+    }
+    const ProcessId standIn = mirror.find(mirror.named("c"))->pid;
+    EXPECT_GT(standIn, 1 << 22); // the kernel has none
+    EXPECT_NE(standIn, mirror.find(mirror.named("d"))->pid);
+
+    WindowState changed = window("c", kOther);
+    changed.pid = 0;
+    mirror.update(changed);
+    EXPECT_EQ(mirror.find(mirror.named("c"))->pid, standIn);
+    mirror.update(window("c"));
+    EXPECT_EQ(mirror.find(mirror.named("c"))->pid, 42);
+}
+
 TEST_F(MirrorTest, ASnapshotGivesOrderActiveWindowAndDisplays) {
     EXPECT_THAT(namesFrontToBack(), ElementsAre("b", "a"));
     EXPECT_EQ(mirror.active(), mirror.named("b"));
