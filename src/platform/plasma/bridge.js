@@ -130,7 +130,7 @@ function leaveNewTile(window, tileBefore) {
     // that size; a Wayland window is not told, because it has been undone by then.
     window.setMaximize(true, false);
     window.setMaximize(false, false);
-    window.frameGeometry = { x: frame[0], y: frame[1], width: frame[2], height: frame[3] };
+    setFrame(window, frame);
 }
 
 // KWin says in the same way that a move has ended and that Escape has taken the window back.
@@ -212,21 +212,42 @@ function inSteps(wanted, now, step) {
     return step > 1 ? now + Math.floor((wanted - now) / step) * step : wanted;
 }
 
+// Returns the length closest to `wanted` within the limits of the program, to which KWin adds its decoration.
+function withinLimits(wanted, outside, inside, minimum, maximum) {
+    const decoration = Math.max(outside - inside, 0); // the image may be larger than the frame, by a shadow
+    return Math.max(Math.min(wanted, maximum + decoration), minimum + decoration);
+}
+
+// Returns the size closest to the wanted one that the program takes, as far as it has announced. A Wayland
+// program that is asked for another size and keeps its own need not respond, and KWin moves its window only
+// once it does.
+function sizeToTake(window, width, height) {
+    const now = window.frameGeometry;
+    const step = window.basicUnit;
+    if (step) // a window of an X program
+        return [inSteps(width, now.width, step.width), inSteps(height, now.height, step.height)];
+    const image = window.bufferGeometry;
+    return [withinLimits(width, now.width, image.width, window.minSize.width, window.maxSize.width),
+            withinLimits(height, now.height, image.height, window.minSize.height, window.maxSize.height)];
+}
+
+function setFrame(window, frame) {
+    window.frameGeometry = { x: frame[0], y: frame[1], width: frame[2], height: frame[3] };
+}
+
 function place(command) {
     const window = known.get(command.name);
     if (!window)
         return;
     const [x, y, width, height] = command.frame;
-    const now = window.frameGeometry;
-    const step = window.basicUnit || { width: 1, height: 1 };
-    const frame = [x, y, inSteps(width, now.width, step.width), inSteps(height, now.height, step.height)];
+    const frame = [x, y, ...sizeToTake(window, width, height)];
     if (window.setMaximize)
         window.setMaximize(false, false);
     if (window.tile)
         window.tile = null; // otherwise KWin puts it back when the usable area changes
     const isRefused = hasRefused(command.name, window, frame);
     placing.set(command.name, { serial: command.serial, frame: frame, isSent: false });
-    window.frameGeometry = { x: frame[0], y: frame[1], width: frame[2], height: frame[3] };
+    setFrame(window, frame);
     placing.get(command.name).isSent = true;
     patience.start();
     // No signal follows when nothing has to change, or when the compositor has moved the window at once.

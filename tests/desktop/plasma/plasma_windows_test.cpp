@@ -12,6 +12,7 @@ namespace {
 
 constexpr const char* kUsualSettings = R"({"hasOnboarded":true,"rememberApps":false})";
 constexpr std::uint32_t kKeyA = 30;
+constexpr std::uint32_t kBackspace = 14;
 constexpr Rect kLeftHalf{0, 0, 800, 900};
 constexpr Rect kRightHalf{800, 0, 800, 900};
 
@@ -71,6 +72,9 @@ protected:
         return waitFor(number, [&](const SeenWindow& window) { return window.frame == frame; });
     }
     void pressArrow(std::uint32_t arrow) { session.input().press({key::kLeftControl, key::kLeftAlt, arrow}); }
+    void pressZone(std::uint32_t number) {
+        session.input().press({key::kLeftControl, key::kLeftAlt, key::kDigit1 + number - 1});
+    }
     void pressNextDisplay() {
         session.input().press({key::kLeftControl, key::kLeftAlt, key::kLeftMeta, key::kRight});
     }
@@ -119,6 +123,25 @@ TEST_F(PlasmaWindowsTest, AWindowThatRefusesSizesTakesEveryKey) {
     EXPECT_TRUE(comesTo(1, {600, 0, 1000, 900}));
 }
 
+TEST_F(PlasmaWindowsTest, AWindowAtItsMinimumSizeGoesFromZoneToZoneAndIsRestored) {
+    constexpr Size kSize{750, 550};
+    constexpr Size kMinimum{700, 500};
+    WaylandClient client(session.environment());
+    open(client, 1, {.applicationId = kEditor, .isDecorated = true, .size = kSize, .minimum = kMinimum});
+    const Rect before = session.frame(kEditor).value_or(Rect::null());
+    const Size least{kMinimum.width, kMinimum.height + before.height - kSize.height};
+
+    pressZone(1);
+    EXPECT_TRUE(comesTo(1, {0, 0, least.width, least.height}));
+    pressZone(3);
+    EXPECT_TRUE(comesTo(1, {1600 - least.width, 0, least.width, least.height}));
+    pressZone(2);
+    EXPECT_TRUE(comesTo(1, {533, 0, least.width, least.height}));
+
+    session.input().press({key::kLeftControl, key::kLeftAlt, kBackspace});
+    EXPECT_TRUE(comesTo(1, before));
+}
+
 TEST_F(PlasmaWindowsTest, AllWindowsAreArrangedAndOneThatIsTooWideIsPulledBackOntoTheDisplay) {
     WaylandClient client(session.environment());
     open(client, 1, {700, 500});
@@ -133,9 +156,8 @@ TEST_F(PlasmaWindowsTest, AllWindowsAreArrangedAndOneThatIsTooWideIsPulledBackOn
 }
 
 TEST_F(PlasmaWindowsTest, AWindowThatIsTooWideIsPulledBackThoughItsProgramAndTheCompositorAreLate) {
-    constexpr Size kSize{700, 500};
     WaylandClient late(session.environment());
-    open(late, 1, {.applicationId = "org.example.late", .size = kSize, .minimum = kSize});
+    open(late, 1, {.applicationId = "org.example.late", .minimum = {700, 0}, .announcesLimits = false});
     WaylandClient client(session.environment());
     open(client, 2);
     open(client, 3);
@@ -149,7 +171,7 @@ TEST_F(PlasmaWindowsTest, AWindowThatIsTooWideIsPulledBackThoughItsProgramAndThe
     ASSERT_EQ(session.command({"list", "displays"}), 0); // the program has stopped waiting for the window
     late.resume();
 
-    EXPECT_TRUE(comesTo(1, {900, 0, 700, 500}));
+    EXPECT_TRUE(comesTo(1, {900, 0, 700, 450}));
 }
 
 TEST_F(PlasmaWindowsTest, AmongTwoHundredWindowsTheFrontOnesAreArrangedAndHotKeysWork) {

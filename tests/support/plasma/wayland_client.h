@@ -9,7 +9,8 @@
 
 namespace tessarel::plasmatest {
 
-/// Another program on the desktop. Its functions return at once.
+/// Another program on the desktop. Its windows show no new image while their size stays the same. Its
+/// functions return at once.
 class WaylandClient {
 public:
     struct WindowOptions {
@@ -18,6 +19,7 @@ public:
         Size size = {500, 400};
         Size minimum = {}; ///< no limit when empty
         Size maximum = {}; ///< no limit when empty
+        bool announcesLimits = true;
     };
 
     /// Starts the program in the environment of a session.

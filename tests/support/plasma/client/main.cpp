@@ -3,14 +3,15 @@
 // Plays another program on a Wayland desktop: its windows take every size that their limits allow. Reads
 // commands, one per line:
 //   open NUMBER DECORATED WIDTH HEIGHT MINIMUM-WIDTH MINIMUM-HEIGHT MAXIMUM-WIDTH MAXIMUM-HEIGHT
-//       [APPLICATION-ID]
+//       ANNOUNCES-LIMITS [APPLICATION-ID]
 //   close NUMBER
 //   panel HEIGHT
 //   stall
 //   resume
 // The title of a window is "window NUMBER". DECORATED is 1 if it has a title bar, which the compositor draws,
-// otherwise 0. A limit of 0 is none. A panel is along the top edge of the first
-// display and reserves its height. After "stall" the program reads nothing that the compositor sends,
+// otherwise 0. A limit of 0 is none. ANNOUNCES-LIMITS is 1 if the compositor gets the limits. A window whose
+// size stays the same shows no new image, as those of some toolkits. A panel is along the top edge of the
+// first display and reserves its height. After "stall" the program reads nothing that the compositor sends,
 // until "resume".
 
 #include "layer-shell-client.h"
@@ -39,6 +40,8 @@ namespace {
 struct Size {
     int width = 0;
     int height = 0;
+
+    bool operator==(const Size&) const = default;
 };
 
 /// What the compositor announces.
@@ -97,6 +100,7 @@ struct WindowOptions {
     Size size;
     Size minimum;
     Size maximum;
+    bool announcesLimits = true;
 };
 
 class Window {
@@ -119,15 +123,17 @@ public:
         static constexpr xdg_surface_listener kConfigured{
             [](void* data, xdg_surface* shell, std::uint32_t serial) {
                 xdg_surface_ack_configure(shell, serial);
-                fill(static_cast<Window*>(data)->m_surface, static_cast<Window*>(data)->m_size);
+                static_cast<Window*>(data)->show();
             }};
         xdg_surface_add_listener(m_shell, &kConfigured, this);
         xdg_toplevel_add_listener(m_window, &kSizes, this);
         xdg_toplevel_set_title(m_window, options.title.c_str());
         if (!options.applicationId.empty())
             xdg_toplevel_set_app_id(m_window, options.applicationId.c_str());
-        xdg_toplevel_set_min_size(m_window, options.minimum.width, options.minimum.height);
-        xdg_toplevel_set_max_size(m_window, options.maximum.width, options.maximum.height);
+        if (options.announcesLimits) {
+            xdg_toplevel_set_min_size(m_window, options.minimum.width, options.minimum.height);
+            xdg_toplevel_set_max_size(m_window, options.maximum.width, options.maximum.height);
+        }
         if (options.isDecorated) {
             m_decoration = zxdg_decoration_manager_v1_get_toplevel_decoration(globals.decorations, m_window);
             zxdg_toplevel_decoration_v1_set_mode(m_decoration, ZXDG_TOPLEVEL_DECORATION_V1_MODE_SERVER_SIDE);
@@ -145,6 +151,13 @@ public:
     }
 
 private:
+    void show() {
+        if (m_size == m_shown)
+            return;
+        fill(m_surface, m_size);
+        m_shown = m_size;
+    }
+
     /// Takes the size within the limits, which the compositor leaves to the program.
     void take(Size wanted) {
         const auto within = [](int value, int minimum, int maximum) {
@@ -155,6 +168,7 @@ private:
     }
 
     Size m_size;
+    Size m_shown;
     Size m_minimum;
     Size m_maximum;
     wl_surface* m_surface;
@@ -210,7 +224,7 @@ private:
         words >> options.isDecorated;
         for (Size* const size : {&options.size, &options.minimum, &options.maximum})
             words >> size->width >> size->height;
-        words >> options.applicationId;
+        words >> options.announcesLimits >> options.applicationId;
         return options;
     }
 
