@@ -163,6 +163,14 @@ function areEqual(one, other) {
 function settle(name, window) {
     const placement = placing.get(name);
     const frame = rect(window.frameGeometry);
+    // Some programs first take their earlier size when they leave the maximised state, whatever they are asked
+    // for.
+    if (placement.isRepeatable && !areEqual(frame, placement.frame)) {
+        placement.isRepeatable = false;
+        setFrame(window, placement.frame);
+        patience.start();
+        return;
+    }
     placing.delete(name);
     settled.set(name, { wanted: placement.frame, taken: frame });
     report({ event: "placed", name: name, serial: placement.serial, frame: frame });
@@ -231,6 +239,12 @@ function sizeToTake(window, width, height) {
             withinLimits(height, now.height, image.height, window.minSize.height, window.maxSize.height)];
 }
 
+// Plasma 5 does not say which windows are maximised.
+function mayBeMaximised(window) {
+    const usable = workspace.clientArea(KWin.MaximizeArea, window);
+    return window.frameGeometry.width === usable.width || window.frameGeometry.height === usable.height;
+}
+
 function setFrame(window, frame) {
     window.frameGeometry = { x: frame[0], y: frame[1], width: frame[2], height: frame[3] };
 }
@@ -241,12 +255,14 @@ function place(command) {
         return;
     const [x, y, width, height] = command.frame;
     const frame = [x, y, ...sizeToTake(window, width, height)];
+    const wasMaximised = mayBeMaximised(window);
     if (window.setMaximize)
         window.setMaximize(false, false);
     if (window.tile)
         window.tile = null; // otherwise KWin puts it back when the usable area changes
     const isRefused = hasRefused(command.name, window, frame);
-    placing.set(command.name, { serial: command.serial, frame: frame, isSent: false });
+    placing.set(command.name, { serial: command.serial, frame: frame, isSent: false,
+                                isRepeatable: wasMaximised && !isRefused });
     setFrame(window, frame);
     placing.get(command.name).isSent = true;
     patience.start();

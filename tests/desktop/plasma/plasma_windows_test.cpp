@@ -142,6 +142,17 @@ TEST_F(PlasmaWindowsTest, AWindowAtItsMinimumSizeGoesFromZoneToZoneAndIsRestored
     EXPECT_TRUE(comesTo(1, before));
 }
 
+TEST_F(PlasmaWindowsTest, AMaximisedWindowTakesItsZoneThoughItFirstGoesBackToItsOwnSize) {
+    WaylandClient client(session.environment());
+    open(client, 1);
+    runFor(1, "c.setMaximize(true, true);");
+    ASSERT_TRUE(comesTo(1, PlasmaSession::kFirst));
+
+    pressArrow(key::kRight);
+
+    EXPECT_TRUE(comesTo(1, kRightHalf));
+}
+
 TEST_F(PlasmaWindowsTest, AllWindowsAreArrangedAndOneThatIsTooWideIsPulledBackOntoTheDisplay) {
     WaylandClient client(session.environment());
     open(client, 1, {700, 500});

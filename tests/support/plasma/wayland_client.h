@@ -9,8 +9,9 @@
 
 namespace tessarel::plasmatest {
 
-/// Another program on the desktop. Its windows show no new image while their size stays the same. Its
-/// functions return at once.
+/// Another program on the desktop. Its windows show no new image while their size stays the same, and first
+/// take the size again with which they have opened when they leave the maximised state. Its functions return
+/// at once.
 class WaylandClient {
 public:
     struct WindowOptions {

@@ -10,9 +10,9 @@
 //   resume
 // The title of a window is "window NUMBER". DECORATED is 1 if it has a title bar, which the compositor draws,
 // otherwise 0. A limit of 0 is none. ANNOUNCES-LIMITS is 1 if the compositor gets the limits. A window whose
-// size stays the same shows no new image, as those of some toolkits. A panel is along the top edge of the
-// first display and reserves its height. After "stall" the program reads nothing that the compositor sends,
-// until "resume".
+// size stays the same shows no new image, and one that leaves the maximised state first takes the size again
+// with which it has opened, as those of some toolkits do. A panel is along the top edge of the first display
+// and reserves its height. After "stall" the program reads nothing that the compositor sends, until "resume".
 
 #include "layer-shell-client.h"
 #include "xdg-decoration-unstable-v1-client.h"
@@ -27,12 +27,14 @@
 #include <map>
 #include <memory>
 #include <poll.h>
+#include <span>
 #include <sstream>
 #include <string>
 #include <string_view>
 #include <sys/mman.h>
 #include <type_traits>
 #include <unistd.h>
+#include <utility>
 #include <wayland-client.h>
 
 namespace {
@@ -106,16 +108,15 @@ struct WindowOptions {
 class Window {
 public:
     explicit Window(const WindowOptions& options)
-        : m_size(options.size), m_minimum(options.minimum), m_maximum(options.maximum),
-          m_surface(wl_compositor_create_surface(globals.compositor)),
+        : m_ownSize(options.size), m_size(options.size), m_minimum(options.minimum),
+          m_maximum(options.maximum), m_surface(wl_compositor_create_surface(globals.compositor)),
           m_shell(xdg_wm_base_get_xdg_surface(globals.windows, m_surface)),
           m_window(xdg_surface_get_toplevel(m_shell)) {
         static constexpr auto kSizes = [] {
             xdg_toplevel_listener listener{}; // later versions of the protocol have more events
             listener.configure = [](void* data, xdg_toplevel*, std::int32_t width, std::int32_t height,
-                                    wl_array*) {
-                if (width > 0 && height > 0)
-                    static_cast<Window*>(data)->take({width, height});
+                                    wl_array* states) {
+                static_cast<Window*>(data)->configure({width, height}, isMaximised(*states));
             };
             listener.close = [](void*, xdg_toplevel*) { std::exit(EXIT_SUCCESS); };
             return listener;
@@ -151,6 +152,20 @@ public:
     }
 
 private:
+    static bool isMaximised(const wl_array& states) {
+        const std::span all(static_cast<const std::uint32_t*>(states.data),
+                            states.size / sizeof(std::uint32_t));
+        return std::ranges::find(all, XDG_TOPLEVEL_STATE_MAXIMIZED) != all.end();
+    }
+
+    void configure(Size wanted, bool isMaximised) {
+        const bool isLeaving = std::exchange(m_isMaximised, isMaximised) && !isMaximised;
+        if (isLeaving)
+            m_size = m_ownSize;
+        else if (wanted.width > 0 && wanted.height > 0)
+            take(wanted);
+    }
+
     void show() {
         if (m_size == m_shown)
             return;
@@ -167,8 +182,10 @@ private:
                   within(wanted.height, m_minimum.height, m_maximum.height)};
     }
 
+    Size m_ownSize; ///< with which the window has opened
     Size m_size;
     Size m_shown;
+    bool m_isMaximised = false;
     Size m_minimum;
     Size m_maximum;
     wl_surface* m_surface;
