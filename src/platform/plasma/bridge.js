@@ -51,7 +51,9 @@ function kind(window) {
     // Panels and overlays of the layer-shell protocol look like normal windows that cannot be moved.
     if (window.specialWindow || (!window.moveable && !window.fullScreen))
         return "other";
-    if (window.dialog)
+    // Wayland knows no types of windows: a dialog is a window that belongs to another one.
+    const isWayland = window.basicUnit === undefined;
+    if (window.dialog || (isWayland && window.transient))
         return "dialog";
     return window.normalWindow ? "standard" : "floating";
 }
@@ -329,7 +331,8 @@ function watch(window) {
     window.frameGeometryChanged.connect(() => frameChanged(window));
     const changed = () => reportWindow(window);
     for (const signal of ["minimizedChanged", "fullScreenChanged", "desktopChanged", "desktopsChanged",
-                          "opacityChanged", "desktopFileNameChanged", "windowClassChanged"])
+                          "opacityChanged", "transientChanged", "desktopFileNameChanged",
+                          "windowClassChanged"])
         if (window[signal])
             window[signal].connect(changed);
 }

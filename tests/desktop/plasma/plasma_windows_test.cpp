@@ -19,11 +19,12 @@ constexpr Rect kRightHalf{800, 0, 800, 900};
 /// A session with the program and windows of a client that takes every size.
 class PlasmaWindowsTest : public testing::Test {
 protected:
-    explicit PlasmaWindowsTest(const Size& display = PlasmaSession::kFirst.size())
-        : session(Drawing::Software, display) {}
+    explicit PlasmaWindowsTest(const Size& display = PlasmaSession::kFirst.size(),
+                               const char* settings = kUsualSettings)
+        : session(Drawing::Software, display), m_settings(settings) {}
 
     void SetUp() override {
-        session.writeSettings(kUsualSettings);
+        session.writeSettings(m_settings);
         ASSERT_TRUE(session.startProgram()) << session.program().errors();
     }
 
@@ -80,7 +81,32 @@ protected:
     }
 
     PlasmaSession session;
+
+private:
+    const char* m_settings;
 };
+
+/// New windows go to the zones of their programs.
+class PlasmaHomesTest : public PlasmaWindowsTest {
+protected:
+    PlasmaHomesTest() : PlasmaWindowsTest(PlasmaSession::kFirst.size(), R"({"hasOnboarded":true})") {}
+};
+
+TEST_F(PlasmaHomesTest, TheNextWindowOfAProgramGoesIntoItsZoneAndADialogStaysWhereItOpens) {
+    constexpr Rect kThird{1067, 0, 533, 450};
+    WaylandClient client(session.environment());
+    open(client, 1);
+    pressZone(3);
+    ASSERT_TRUE(comesTo(1, kThird));
+
+    open(client, 2, {.applicationId = "org.example.test", .parent = 1});
+    const Rect opened = session.probe().windows().back().frame;
+    open(client, 3); // in its zone later than the dialog would be
+
+    EXPECT_TRUE(comesTo(3, kThird));
+    EXPECT_TRUE(comesTo(2, opened));
+    EXPECT_NE(opened, kThird);
+}
 
 TEST_F(PlasmaWindowsTest, AGtkWindowTakesItsZoneExactly) {
     session.open({"gtk4-demo"}, "org.gtk.Demo4");

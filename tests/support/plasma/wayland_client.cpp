@@ -15,7 +15,7 @@ void WaylandClient::open(int number, const WindowOptions& options) {
     command << "open " << number << ' ' << options.isDecorated;
     for (const Size& size : {options.size, options.minimum, options.maximum})
         command << ' ' << std::lround(size.width) << ' ' << std::lround(size.height);
-    command << ' ' << options.announcesLimits << ' ' << options.applicationId;
+    command << ' ' << options.announcesLimits << ' ' << options.parent << ' ' << options.applicationId;
     m_process.writeLine(command.str());
 }
 

@@ -21,6 +21,7 @@ public:
         Size minimum = {}; ///< no limit when empty
         Size maximum = {}; ///< no limit when empty
         bool announcesLimits = true;
+        int parent = 0; ///< the number of the window that this one is a dialog of, if any
     };
 
     /// Starts the program in the environment of a session.

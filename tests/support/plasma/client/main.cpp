@@ -3,13 +3,14 @@
 // Plays another program on a Wayland desktop: its windows take every size that their limits allow. Reads
 // commands, one per line:
 //   open NUMBER DECORATED WIDTH HEIGHT MINIMUM-WIDTH MINIMUM-HEIGHT MAXIMUM-WIDTH MAXIMUM-HEIGHT
-//       ANNOUNCES-LIMITS [APPLICATION-ID]
+//       ANNOUNCES-LIMITS PARENT [APPLICATION-ID]
 //   close NUMBER
 //   panel HEIGHT
 //   stall
 //   resume
 // The title of a window is "window NUMBER". DECORATED is 1 if it has a title bar, which the compositor draws,
-// otherwise 0. A limit of 0 is none. ANNOUNCES-LIMITS is 1 if the compositor gets the limits. A window whose
+// otherwise 0. A limit of 0 is none. ANNOUNCES-LIMITS is 1 if the compositor gets the limits. PARENT is the
+// number of the window that this one is a dialog of, or 0. A window whose
 // size stays the same shows no new image, and one that leaves the maximised state first takes the size again
 // with which it has opened, as those of some toolkits do. A panel is along the top edge of the first display
 // and reserves its height. After "stall" the program reads nothing that the compositor sends, until "resume".
@@ -103,6 +104,7 @@ struct WindowOptions {
     Size minimum;
     Size maximum;
     bool announcesLimits = true;
+    xdg_toplevel* parent = nullptr;
 };
 
 class Window {
@@ -139,6 +141,7 @@ public:
             m_decoration = zxdg_decoration_manager_v1_get_toplevel_decoration(globals.decorations, m_window);
             zxdg_toplevel_decoration_v1_set_mode(m_decoration, ZXDG_TOPLEVEL_DECORATION_V1_MODE_SERVER_SIDE);
         }
+        xdg_toplevel_set_parent(m_window, options.parent);
         wl_surface_commit(m_surface);
     }
     Window(const Window&) = delete;
@@ -150,6 +153,8 @@ public:
         xdg_surface_destroy(m_shell);
         wl_surface_destroy(m_surface);
     }
+
+    [[nodiscard]] xdg_toplevel* window() const { return m_window; }
 
 private:
     static bool isMaximised(const wl_array& states) {
@@ -235,13 +240,16 @@ public:
     }
 
 private:
-    static WindowOptions optionsFrom(std::istringstream& words, int number) {
+    WindowOptions optionsFrom(std::istringstream& words, int number) {
         WindowOptions options;
         options.title = "window " + std::to_string(number);
         words >> options.isDecorated;
         for (Size* const size : {&options.size, &options.minimum, &options.maximum})
             words >> size->width >> size->height;
-        words >> options.announcesLimits >> options.applicationId;
+        int parent = 0;
+        words >> options.announcesLimits >> parent >> options.applicationId;
+        if (parent != 0)
+            options.parent = m_windows.at(parent)->window();
         return options;
     }
 
