@@ -234,7 +234,9 @@ function withinLimits(wanted, outside, inside, minimum, maximum) {
 function sizeToTake(window, width, height) {
     const now = window.frameGeometry;
     const step = window.basicUnit;
-    if (step) // a window of an X program
+    if (step && !window.resizeable) // KWin gives the window of an X program every size
+        return [now.width, now.height];
+    if (step)
         return [inSteps(width, now.width, step.width), inSteps(height, now.height, step.height)];
     const image = window.bufferGeometry;
     return [withinLimits(width, now.width, image.width, window.minSize.width, window.maxSize.width),

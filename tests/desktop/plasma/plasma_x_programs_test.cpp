@@ -93,6 +93,21 @@ TEST_F(PlasmaXServerTest, AWindowThatDoesNotTellItsProcessTakesItsZoneAndIsResto
     EXPECT_EQ(session.settledFrame("xcalc", before), before);
 }
 
+TEST_F(PlasmaXServerTest, AWindowOfAFixedSizeKeepsItAndIsPulledBackOntoTheDisplay) {
+    session.open({"python3", "-c",
+                  "import tkinter; window = tkinter.Tk(); window.geometry('700x500');"
+                  "window.resizable(False, False); window.mainloop()"},
+                 "tk");
+    const Size size = session.frame("tk").value_or(Rect::null()).size();
+
+    press(key::kLeft);
+    const Rect left{0, 0, size.width, size.height};
+    EXPECT_EQ(session.settledFrame("tk", left), left);
+    press(key::kDigit1 + 2);
+    const Rect right{1600 - size.width, 0, size.width, size.height};
+    EXPECT_EQ(session.settledFrame("tk", right), right);
+}
+
 TEST_P(PlasmaXProgramsTest, HotKeysAndDragsMoveItsWindowAndRestoreTakesItBack) {
     press(key::kLeft);
     EXPECT_TRUE(fills({0, 0, 800, 900}));
