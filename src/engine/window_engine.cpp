@@ -28,6 +28,12 @@ Rect transferred(const Rect& axFrame, const Rect& from, const Rect& to) {
             std::round(width * to.absWidth()), std::round(height * to.absHeight())};
 }
 
+/// Returns whether `axFrame` has its origin at `origin`, with the tolerance of frames.
+bool isAt(const Point& origin, const Rect& axFrame) {
+    return std::abs(axFrame.x - origin.x) <= WindowEngine::kTolerance &&
+           std::abs(axFrame.y - origin.y) <= WindowEngine::kTolerance;
+}
+
 /// Returns the index `offset` steps after `index` in a ring of `count` elements.
 std::size_t stepped(std::size_t index, int offset, std::size_t count) {
     const auto size = static_cast<std::ptrdiff_t>(count);
@@ -78,34 +84,47 @@ bool WindowEngine::isIgnored(const std::optional<RunningApplication>& app) const
 bool WindowEngine::place(const Element& window, ProcessId pid, const Rect& axFrame,
                          const std::optional<Rect>& bounds, const std::optional<Rect>& previous) {
     const WindowKey windowKey = key(window);
-    const auto before = m_ax.frame(window);
-    const auto current = previous ? previous : before;
-    if (!m_ax.setFrame(window, pid, axFrame, bounds))
+    const Request request = newRequest(window, pid, axFrame, bounds);
+    const auto current = previous ? previous : request.before;
+    auto replaced = m_unread.extract(windowKey); // what is reported from now on does not complete it
+    if (!m_ax.setFrame(window, pid, axFrame, bounds)) {
+        m_unread.insert(std::move(replaced));
         return false;
-    if (current && !isInChain(windowKey, *current)) {
-        const Request* const restore = awaited(windowKey, *current);
-        m_original[windowKey] = restore ? restore->axFrame : *current;
     }
-    m_lastSnapped[windowKey] = readBack(window, {pid, axFrame, bounds, before});
+    const Request* const unread = replaced ? &replaced.mapped() : nullptr;
+    if (current && !isInChain(windowKey, unread, *current))
+        m_original[windowKey] = isAwaited(unread, *current) ? unread->axFrame : *current;
+    m_lastSnapped[windowKey] = readBack(window, request);
     return true;
 }
 
-/// Returns the request that the desktop has not carried out yet for a window that still has the frame
-/// `axFrame`; null if there is none.
-const WindowEngine::Request* WindowEngine::awaited(WindowKey windowKey, const Rect& axFrame) const {
-    const auto unread = m_unread.find(windowKey);
-    const bool isAwaited =
-        unread != m_unread.end() && unread->second.before && approx(axFrame, *unread->second.before);
-    return isAwaited ? &unread->second : nullptr;
+WindowEngine::Request WindowEngine::newRequest(const Element& window, ProcessId pid, const Rect& axFrame,
+                                               const std::optional<Rect>& bounds) const {
+    Request request{pid, axFrame, bounds, m_ax.frame(window), {}};
+    const auto unread = m_unread.find(key(window));
+    if (unread != m_unread.end()) {
+        request.replaced = unread->second.replaced;
+        request.replaced.push_back(unread->second.axFrame.origin());
+    }
+    return request;
 }
 
-/// Returns whether a window with the frame `axFrame` is still where the last placement left it, or where it
-/// was before, if the desktop has not carried it out yet. The restore chain then goes on and keeps its first
+/// Returns whether the desktop has not carried out the request `unread`, if any, for a window that has the
+/// frame `axFrame`. The window may still be where an earlier request has put it, with another size.
+bool WindowEngine::isAwaited(const Request* unread, const Rect& axFrame) {
+    const auto isHere = [&](const Point& origin) { return isAt(origin, axFrame); };
+    return unread && ((unread->before && approx(axFrame, *unread->before)) ||
+                      std::ranges::any_of(unread->replaced, isHere));
+}
+
+/// Returns whether a window with the frame `axFrame` is still where the last placement left it, or, while
+/// that is `unread`, where it may leave it or was before. The restore chain then goes on and keeps its first
 /// frame.
-bool WindowEngine::isInChain(WindowKey windowKey, const Rect& axFrame) const {
+bool WindowEngine::isInChain(WindowKey windowKey, const Request* unread, const Rect& axFrame) const {
     const auto last = m_lastSnapped.find(windowKey);
     return last != m_lastSnapped.end() &&
-           (approx(axFrame, last->second.current) || awaited(windowKey, axFrame));
+           (approx(axFrame, last->second.current) || isAwaited(unread, axFrame) ||
+            (unread && isAt(unread->axFrame.origin(), axFrame)));
 }
 
 /// Returns where `request` has put the window. The program may have adjusted the frame, so it is read.
@@ -119,9 +138,9 @@ WindowEngine::Placed WindowEngine::readBack(const Element& window, const Request
     return {axFrame, axFrame};
 }
 
-/// Returns where a window is whose placement could not be read back, and that has now taken `axFrame`. If
-/// that is not what was requested, requests it once more, which also pulls the window back into its bounds.
-/// If that could not be read back either, pulls it back from `axFrame`.
+/// Returns where a window is whose placement or restore could not be read back, and that has now taken
+/// `axFrame`. If that is not what was requested, requests it once more, which also pulls the window back into
+/// its bounds. If that could not be read back either, pulls it back from `axFrame`.
 WindowEngine::Placed WindowEngine::completed(const Element& window, Request request, const Rect& axFrame) {
     if (axFrame == request.axFrame)
         return {axFrame, axFrame};
@@ -131,6 +150,7 @@ WindowEngine::Placed WindowEngine::completed(const Element& window, Request requ
             request.bounds && hasRefusedSize ? AX::originInside(*request.bounds, axFrame) : std::nullopt;
         if (!origin)
             return {axFrame, axFrame};
+        request.replaced.push_back(request.axFrame.origin());
         request.axFrame = {origin->x, origin->y, axFrame.absWidth(), axFrame.absHeight()};
         request.bounds.reset(); // the last attempt
     }
@@ -146,13 +166,17 @@ WindowEngine::Placed WindowEngine::completed(const Element& window, Request requ
 void WindowEngine::follow(const Element& window, const Rect& axFrame) {
     const auto unread = m_unread.extract(key(window));
     const auto last = m_lastSnapped.find(key(window));
-    if (last == m_lastSnapped.end())
-        return; // restored
+    const bool isRestored = last == m_lastSnapped.end();
     if (unread) {
-        if (m_ax.isUsable(window)) // not made full screen meanwhile
-            last->second = completed(window, unread.mapped(), axFrame);
+        if (!m_ax.isUsable(window))
+            return; // made full screen meanwhile
+        const Placed placed = completed(window, unread.mapped(), axFrame);
+        if (!isRestored)
+            last->second = placed;
         return;
     }
+    if (isRestored)
+        return;
     // Both edges have moved in one direction.
     const auto moved = [](double low, double high) {
         return std::min(low, high) > kTolerance || std::max(low, high) < -kTolerance;
@@ -211,7 +235,8 @@ Outcome WindowEngine::restoreFocused() {
     }
     // Not through `place`, which would start a new restore chain.
     const ProcessId pid = focused->app.processIdentifier;
-    const Request request{pid, original->second, {}, m_ax.frame(focused->window)};
+    const Request request = newRequest(focused->window, pid, original->second, {});
+    m_unread.erase(windowKey); // what is reported from now on does not complete it
     const bool isPlaced = m_ax.setFrame(focused->window, pid, request.axFrame, {});
     m_original.erase(original);
     m_lastSnapped.erase(windowKey);

@@ -103,8 +103,9 @@ private:
         ProcessId pid;
         Rect axFrame;
         std::optional<Rect> bounds;
-        std::optional<Rect> before; ///< the frame until the desktop carries the request out
-        bool isRepeated = false;    ///< whether the desktop has carried it out once, with another frame
+        std::optional<Rect> before;  ///< the frame until the desktop carries the request out
+        std::vector<Point> replaced; ///< the positions of earlier requests that could not be read back either
+        bool isRepeated = false;     ///< whether the desktop has carried it out once, with another frame
     };
     /// Where a placement left a window.
     struct Placed {
@@ -119,8 +120,10 @@ private:
     [[nodiscard]] std::optional<Element> match(const Rect& axBounds, ProcessId pid,
                                                const std::unordered_set<WindowKey>& seen) const;
     void follow(const Element& window, const Rect& axFrame);
-    [[nodiscard]] const Request* awaited(WindowKey windowKey, const Rect& axFrame) const;
-    [[nodiscard]] bool isInChain(WindowKey windowKey, const Rect& axFrame) const;
+    [[nodiscard]] Request newRequest(const Element& window, ProcessId pid, const Rect& axFrame,
+                                     const std::optional<Rect>& bounds) const;
+    [[nodiscard]] static bool isAwaited(const Request* unread, const Rect& axFrame);
+    [[nodiscard]] bool isInChain(WindowKey windowKey, const Request* unread, const Rect& axFrame) const;
     Placed readBack(const Element& window, const Request& request);
     [[nodiscard]] Placed completed(const Element& window, Request request, const Rect& axFrame);
     [[nodiscard]] bool isWhollyIgnored(ProcessId pid) const;

@@ -191,25 +191,30 @@ void EngineSession::placeDirectly(sim::WindowId window) {
 }
 
 void EngineSession::placeOrRestoreLate() {
-    m_what = "a placement or restore is late";
+    m_what = "placements or restores are late";
     const sim::WindowId window = anyWindow();
-    const Rect before = m_desktop.frame(window);
+    std::vector<Rect> frames{m_desktop.frame(window)};
     onBoth([&](JournalDesktop& desktop) { desktop.focus(window); });
-    carryOutLate(window, [&] {
-        if (m_dice.oneIn(2))
-            return placeDirectly(window);
-        m_hotKeys.handle(ActionID::restore);
-        m_reference.handle(ActionID::restore);
-    });
-    alignClocks();
+    for (int times = m_dice.between(1, 4); times > 0 && m_desktop.isOpen(window); --times) {
+        carryOutLate(window, [&] {
+            if (m_dice.oneIn(2))
+                return placeDirectly(window);
+            m_hotKeys.handle(ActionID::restore);
+            m_reference.handle(ActionID::restore);
+        });
+        alignClocks();
+        if (!m_desktop.isOpen(window))
+            return;
+        frames.push_back(m_desktop.frame(window));
+        if (m_dice.oneIn(3))
+            continue; // carried out, but too late to be read
+        onBoth([&, frame = m_dice.pick(frames)](JournalDesktop& desktop) {
+            if (desktop.isOpen(window))
+                desktop.window(window).axFrame = frame;
+        });
+    }
     if (m_dice.oneIn(2))
-        return correct(window);
-    if (m_dice.oneIn(3))
-        return; // carried out, but too late to be read
-    onBoth([&](JournalDesktop& desktop) {
-        if (desktop.isOpen(window))
-            desktop.window(window).axFrame = before;
-    });
+        correct(window);
 }
 
 void EngineSession::correct(sim::WindowId window) {
@@ -222,8 +227,15 @@ void EngineSession::correct(sim::WindowId window) {
             frame = randomlyMoved(m_dice, frame);
         else if (m_dice.oneIn(2)) // the program refuses the size
             frame.width += m_dice.between(60, 1600);
+        const bool isFullScreen = m_dice.oneIn(8);
         const auto report = [&] {
-            onBoth([&](JournalDesktop& desktop) { desktop.accessibility().correct(window, frame); });
+            onBoth([&](JournalDesktop& desktop) {
+                if (isFullScreen && desktop.isOpen(window))
+                    desktop.window(window).overrides["AXFullScreen"] = true;
+                desktop.accessibility().correct(window, frame);
+                if (isFullScreen && desktop.isOpen(window))
+                    desktop.window(window).overrides.erase("AXFullScreen");
+            });
         };
         if (m_dice.oneIn(2))
             carryOutLate(window, report);

@@ -17,7 +17,7 @@ constexpr std::uint64_t kStepsOfOneSession = 250;
 constexpr long kEnough = 40;
 
 /// Every branch of the reference engine.
-constexpr std::array<std::string_view, 74> kBranches{
+constexpr std::array<std::string_view, 79> kBranches{
     "arrange: main screen",
     "arrange: no screen",
     "arrange: no zone",
@@ -40,6 +40,9 @@ constexpr std::array<std::string_view, 74> kBranches{
     "late: requested again",
     "late: twice",
     "late: unusable by then",
+    "late restore: done",
+    "late restore: requested again",
+    "late restore: unusable by then",
     "match: seen before",
     "move: fewer than two displays",
     "move: neighbour",
@@ -48,6 +51,8 @@ constexpr std::array<std::string_view, 74> kBranches{
     "place: chain goes on",
     "place: chain goes on after a late drop",
     "place: chain goes on after a late placement",
+    "place: chain goes on after a late placement without its size",
+    "place: chain goes on after an earlier late placement",
     "place: instead of a late restore",
     "place: unreadable after",
     "place: unreadable before",

@@ -20,6 +20,10 @@ double share(double part, double whole) {
     return std::min(std::max(part / whole, 0.0), 1.0);
 }
 
+bool isAtCorner(const Rect& frame, const Rect& place) {
+    return std::abs(frame.x - place.x) <= 3 && std::abs(frame.y - place.y) <= 3;
+}
+
 } // namespace
 
 ReferenceEngine::ReferenceEngine(Ports ports)
@@ -212,14 +216,23 @@ void ReferenceEngine::place(const Element& window, ProcessId pid, const Rect& fr
     const std::optional<Rect> now = frameOf(window);
     std::optional<Rect> current = previous ? previous : now;
     const auto restore = m_lateRestores.find(key);
-    if (current && restore != m_lateRestores.end() && isNear(*current, restore->second.from, 3)) {
+    if (current && restore != m_lateRestores.end() &&
+        ((restore->second.from && isNear(*current, *restore->second.from, 3)) ||
+         isAtEarlierCorner(key, *current))) {
         took("place: instead of a late restore");
         current = restore->second.to; // where the window would be by now
     }
     if (current) {
         const auto& places = m_ownPlaces[key];
-        const bool unmoved = std::any_of(places.begin(), places.end(),
-                                         [&](const Rect& place) { return isNear(*current, place, 3); });
+        bool unmoved = std::any_of(places.begin(), places.end(),
+                                   [&](const Rect& place) { return isNear(*current, place, 3); });
+        if (!unmoved && m_late.contains(key) && isAtCorner(*current, m_late[key].frame)) {
+            took("place: chain goes on after a late placement without its size");
+            unmoved = true;
+        } else if (!unmoved && m_late.contains(key) && isAtEarlierCorner(key, *current)) {
+            took("place: chain goes on after an earlier late placement");
+            unmoved = true;
+        }
         took(unmoved ? "place: chain goes on" : "place: chain begins");
         if (unmoved && m_late.contains(key))
             took("place: chain goes on after a late placement");
@@ -239,11 +252,11 @@ void ReferenceEngine::noteFrame(const Element& window, const Late& requested,
                                 const std::optional<Rect>& before) {
     const std::uintptr_t key = m_ports.accessibility.key(window);
     m_lastSnapped.erase(key);
-    m_late.erase(key);
-    m_lateRestores.erase(key);
+    replaceLate(key);
     if (const auto after = frameOf(window)) {
         m_lastSnapped[key] = *after;
         m_ownPlaces[key] = {*after};
+        m_replaced.erase(key);
         return;
     }
     took("place: unreadable after");
@@ -253,14 +266,32 @@ void ReferenceEngine::noteFrame(const Element& window, const Late& requested,
         m_ownPlaces[key].push_back(*before);
 }
 
+/// Keeps a late placement or restore as an earlier one.
+void ReferenceEngine::replaceLate(std::uintptr_t key) {
+    if (m_late.contains(key))
+        m_replaced[key].push_back(m_late[key].frame);
+    if (m_lateRestores.contains(key))
+        m_replaced[key].push_back(m_lateRestores[key].to);
+    m_late.erase(key);
+    m_lateRestores.erase(key);
+}
+
+bool ReferenceEngine::isAtEarlierCorner(std::uintptr_t key, const Rect& frame) {
+    const auto& replaced = m_replaced[key];
+    return std::any_of(replaced.begin(), replaced.end(),
+                       [&](const Rect& place) { return isAtCorner(frame, place); });
+}
+
 void ReferenceEngine::corrected(const Element& window, const Rect& frame) {
     const std::uintptr_t key = m_ports.accessibility.key(window);
-    m_lateRestores.erase(key);
-    if (m_late.contains(key) && !isUsable(window)) {
+    if (m_lateRestores.contains(key)) {
+        completeRestore(window, m_lateRestores[key], frame);
+    } else if (m_late.contains(key) && !isUsable(window)) {
         took("late: unusable by then");
         m_ownPlaces[key] = {m_late[key].frame};
         m_lastSnapped[key] = m_late[key].frame;
         m_late.erase(key);
+        m_replaced.erase(key);
     } else if (m_late.contains(key)) {
         complete(window, m_late[key], frame);
     } else if (m_lastSnapped.contains(key)) {
@@ -302,8 +333,28 @@ void ReferenceEngine::complete(const Element& window, Late late, const Rect& fra
     }
     took(frame == late.frame ? "late: as requested" : "late: twice");
     m_late.erase(key);
+    m_replaced.erase(key);
     m_lastSnapped[key] = frame;
     m_ownPlaces[key] = {frame};
+}
+
+void ReferenceEngine::completeRestore(const Element& window, LateRestore restore, const Rect& frame) {
+    const std::uintptr_t key = m_ports.accessibility.key(window);
+    m_lateRestores.erase(key);
+    const bool usable = isUsable(window);
+    if (!usable || frame == restore.to || restore.requests == 2) {
+        took(!usable ? "late restore: unusable by then" : "late restore: done");
+        m_replaced.erase(key);
+        return;
+    }
+    took("late restore: requested again");
+    setFrame(window, restore.pid, restore.to, {});
+    restore.from = frame;
+    restore.requests = 2;
+    if (frameOf(window))
+        m_replaced.erase(key);
+    else
+        m_lateRestores[key] = restore;
 }
 
 std::optional<ReferenceEngine::Focused> ReferenceEngine::focusedUsableWindow() {
@@ -373,15 +424,16 @@ void ReferenceEngine::restoreFocused() {
     const std::optional<Rect> from = frameOf(focused->window);
     const Rect to = m_original[key];
     setFrame(focused->window, focused->application.processIdentifier, to, {});
-    m_lateRestores.erase(key);
-    if (!frameOf(focused->window) && from) {
+    replaceLate(key);
+    if (frameOf(focused->window)) {
+        m_replaced.erase(key);
+    } else {
         took("restore: late");
-        m_lateRestores[key] = {*from, to};
+        m_lateRestores[key] = {focused->application.processIdentifier, from, to};
     }
     m_original.erase(key);
     m_lastSnapped.erase(key);
     m_ownPlaces.erase(key);
-    m_late.erase(key);
 }
 
 void ReferenceEngine::moveFocused(int step) {

@@ -77,8 +77,10 @@ private:
     };
     /// A restore that the desktop has not carried out in time.
     struct LateRestore {
-        Rect from;
+        ProcessId pid = 0;
+        std::optional<Rect> from;
         Rect to;
+        int requests = 1;
     };
 
     void took(std::string_view branch) { ++m_branches[branch]; }
@@ -105,6 +107,9 @@ private:
     void noteFrame(const Element& window, const Late& requested, const std::optional<Rect>& before);
     void corrected(const Element& window, const Rect& frame);
     void complete(const Element& window, Late late, const Rect& frame);
+    void completeRestore(const Element& window, LateRestore restore, const Rect& frame);
+    void replaceLate(std::uintptr_t key);
+    [[nodiscard]] bool isAtEarlierCorner(std::uintptr_t key, const Rect& frame);
 
     // Actions.
     [[nodiscard]] std::optional<Focused> focusedUsableWindow();
@@ -125,6 +130,7 @@ private:
     std::map<std::uintptr_t, std::vector<Rect>> m_ownPlaces; ///< where a window counts as unmoved
     std::map<std::uintptr_t, Late> m_late;
     std::map<std::uintptr_t, LateRestore> m_lateRestores;
+    std::map<std::uintptr_t, std::vector<Rect>> m_replaced; ///< late ones before the last late one
     SubscriptionPtr m_corrections;
     SubscriptionPtr m_handler;
     std::vector<SubscriptionPtr> m_hotKeys;

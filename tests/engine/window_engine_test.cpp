@@ -198,6 +198,36 @@ TEST_F(LatePlacementTest, ContinuesTheChainOfADropIfItIsReplacedBeforeItIsCarrie
     EXPECT_EQ(restored()->origin(), start.origin());
 }
 
+TEST_F(LatePlacementTest, ContinuesTheChainIfItIsReplacedBeforeItsFrameIsReported) {
+    ASSERT_EQ(desktop.frame(window), (Rect{-500, -575, 800, 600})) << "with another size than requested";
+
+    place(kLeft);
+
+    EXPECT_EQ(restored(), kLarge);
+}
+
+TEST_F(LatePlacementTest, ContinuesTheChainIfOnlyTheFirstOfTwoHasBeenCarriedOut) {
+    const Rect first = desktop.frame(window);
+    desktop.window(window).axFrame = kLarge;
+    carryOutLate([this] { place(kLeft); });
+    desktop.window(window).axFrame = first;
+
+    place(kRight);
+
+    EXPECT_EQ(restored(), kLarge);
+}
+
+TEST_F(LatePlacementTest, IsRestoredLateAndBeginsTheNextChainThere) {
+    const Rect placed = desktop.frame(window);
+    desktop.window(window).axFrame = kLarge;
+    carryOutLate([this] { engine.restoreFocused(); });
+    desktop.window(window).axFrame = placed;
+
+    place(kRight);
+
+    EXPECT_EQ(restored(), kLarge);
+}
+
 TEST_F(LatePlacementTest, StartsANewChainIfTheUserMovesTheWindowBeforeItIsCarriedOut) {
     const Rect moved{kLarge.x + 200, kLarge.y, kLarge.width, kLarge.height};
     desktop.drag(window, moved);
@@ -279,6 +309,24 @@ TEST_F(LatePlacementTest, IsNotCompletedAfterAnotherPlacement) {
     EXPECT_EQ(desktop.frame(window), left);
 }
 
+TEST_F(LatePlacementTest, IsNotCompletedByAFrameThatIsReportedDuringAnotherPlacementOrARestore) {
+    for (const bool isRestore : {false, true}) {
+        placeLate();
+        int writes = 0;
+        desktop.accessibility().setWriteHandler([&](const std::string& /*line*/) {
+            if (++writes == 3) // all of them
+                desktop.accessibility().correct(window, desktop.frame(window));
+        });
+        if (isRestore)
+            engine.restoreFocused();
+        else
+            place(kLeft);
+        desktop.accessibility().setWriteHandler(nullptr);
+
+        EXPECT_EQ(desktop.frame(window).origin(), isRestore ? kLarge.origin() : kLeft.origin());
+    }
+}
+
 TEST_F(LatePlacementTest, IsNotCompletedAfterARestore) {
     EXPECT_EQ(restored(), kLarge);
     desktop.accessibility().correct(window, kLarge);
@@ -322,6 +370,34 @@ TEST_F(LateRestoreTest, DoesNotBeginTheNextChainOfAWindowMovedAfterIt) {
     place(kRight);
 
     EXPECT_EQ(restored(), inZone);
+}
+
+TEST_F(LateRestoreTest, IsRepeatedOnceForAWindowThatTakesAnotherFrame) {
+    const Rect other{kLarge.x + 5, kLarge.y + 20, kLarge.width, kLarge.height};
+    carryOutLate([&] { desktop.accessibility().correct(window, other); });
+    EXPECT_EQ(desktop.frame(window), kLarge);
+
+    desktop.accessibility().correct(window, other);
+
+    EXPECT_EQ(desktop.frame(window), other);
+    EXPECT_EQ(restored(), std::nullopt);
+}
+
+TEST_F(LateRestoreTest, BeginsTheNextChainAlthoughItsRepetitionIsLateToo) {
+    const Rect other{kLarge.x + 5, kLarge.y + 20, kLarge.width, kLarge.height};
+    carryOutLate([&] { desktop.accessibility().correct(window, other); });
+    desktop.window(window).axFrame = other;
+
+    place(kRight);
+
+    EXPECT_EQ(restored(), kLarge);
+}
+
+TEST_F(LateRestoreTest, IsNotRepeatedOnceTheWindowIsFullScreen) {
+    desktop.window(window).fullScreen = true;
+    desktop.accessibility().setWriteHandler([](const std::string& line) { ADD_FAILURE() << line; });
+
+    desktop.accessibility().correct(window, kScreen);
 }
 
 TEST_F(LateRestoreTest, IsFollowedByNothingToRestore) {
