@@ -165,6 +165,9 @@ void Bridge::place(wayland::WindowId window, const Rect& frame) {
         {"serial", serial}, {"name", state->name}, {"frame", {frame.x, frame.y, frame.width, frame.height}}});
     if (!command)
         return;
+    const auto hasClosed = [this](wayland::WindowId one) { return m_mirror.find(one) == nullptr; };
+    std::erase_if(m_underWay, [&](const auto& one) { return hasClosed(one.first); });
+    std::erase_if(m_late, hasClosed);
     m_underWay[window] = {serial, m_queue.now()};
     send(*command);
 }
