@@ -145,13 +145,14 @@ std::optional<AttributeValue> X11Accessibility::windowsOf(ProcessId pid) {
 std::optional<AttributeValue> X11Accessibility::windowAttribute(const Element& element,
                                                                 std::string_view attribute) {
     const xcb_window_t window = nativeElement(element).window;
-    const auto frame = m_windows.frame(window);
+    const bool isGeometry = attribute == attribute::kPosition || attribute == attribute::kSize;
     // While a placement is unsettled, the frame in the server may be an intermediate one.
-    if (!frame || (hasEnded(window, PlacementOutcome::Late) &&
-                   (attribute == attribute::kPosition || attribute == attribute::kSize)))
+    const auto isUnsettled = [&] { return isGeometry && hasEnded(window, PlacementOutcome::Late); };
+    if (isGeometry && !isUnsettled())
+        m_corrections.catchUp(window); // may place the window, so the frame is read afterwards
+    const auto frame = m_windows.frame(window);
+    if (!frame || isUnsettled())
         return std::nullopt;
-    if (attribute == attribute::kPosition || attribute == attribute::kSize)
-        m_corrections.catchUp(window);
     if (attribute == attribute::kPosition)
         return axFromRoot(frame->outer(), m_monitors.primaryOrigin()).origin();
     if (attribute == attribute::kSize)

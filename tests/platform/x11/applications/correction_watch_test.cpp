@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <utility>
 #include <vector>
 
 namespace tessarel::x11 {
@@ -108,6 +109,30 @@ TEST_F(CorrectionWatchTest, AReadReportsACorrectionBeforeItsEventIsDelivered) {
 
     ASSERT_EQ(reported.size(), 1U);
     EXPECT_EQ(reported[0].height, kTarget.height + 12);
+}
+
+TEST_F(CorrectionWatchTest, AReadReturnsTheFrameThatTheReportedCorrectionHasLedTo) {
+    constexpr Rect kOther{10, 40, 300, 200};
+    const xcb_window_t window = openPlaced();
+    const Element element = elementOf(window);
+    bool isFirst = true;
+    const auto placement = watched.onCorrected([&](const Element& corrected, const Rect& /*axFrame*/) {
+        if (!std::exchange(isFirst, false))
+            return;
+        watched.setAttribute(corrected, attribute::kPosition, kOther.origin());
+        watched.setAttribute(corrected, attribute::kSize, kOther.size());
+        (void)watched.copyAttribute(corrected, attribute::kSize);
+    });
+    const auto frame = observer.clientFrame(window).value_or(x11test::Frame{});
+    client.moveBack(window, {frame.x, frame.y, frame.width, frame.height + 12});
+    ASSERT_TRUE(observer.waitUntil(
+        [&] { return observer.clientFrame(window).value_or(x11test::Frame{}).height == frame.height + 12; }));
+
+    loop.connection().beginTurn();
+    const auto position = watched.copyAttribute(element, attribute::kPosition);
+
+    ASSERT_TRUE(position && !isFirst);
+    EXPECT_EQ(std::get<Point>(*position), kOther.origin());
 }
 
 TEST_F(CorrectionWatchTest, AfterHalfASecondTheServerReportsNothingAnyMore) {
