@@ -10,6 +10,9 @@ namespace tessarel::x11 {
 
 namespace {
 
+/// How often a late report looks whether the mouse button has been released.
+constexpr std::chrono::milliseconds kReleaseInterval{100};
+
 constexpr unsigned kAnyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
 
 } // namespace
@@ -27,7 +30,8 @@ void CorrectionWatch::start(xcb_window_t window) {
 void CorrectionWatch::report(xcb_window_t window) {
     start(window);
     m_windows.forgetFrame(window);
-    examine(window);
+    if (!examine(window))
+        m_watched[window].report = m_queue.asyncAfter(kReleaseInterval, [this, window] { report(window); });
 }
 
 void CorrectionWatch::stop(xcb_window_t window) {
@@ -52,7 +56,7 @@ void CorrectionWatch::hear(const Connection::Event& event) {
     const xcb_window_t window = eventAs<xcb_configure_notify_event_t>(event).window;
     const auto watched = m_watched.find(window);
     if (watched != m_watched.end() && std::exchange(watched->second.hasChanged, false))
-        examine(window);
+        examineChange(window);
 }
 
 /// A key that is pressed while a program changes its window in steps is handled before the last step is
@@ -61,20 +65,27 @@ void CorrectionWatch::hear(const Connection::Event& event) {
 void CorrectionWatch::catchUp(xcb_window_t window) {
     const auto watched = m_watched.find(window);
     if (watched != m_watched.end() && watched->second.hasChanged)
-        examine(window);
+        examineChange(window);
+}
+
+/// A change while a mouse button is down is the user's.
+void CorrectionWatch::examineChange(xcb_window_t window) {
+    if (!examine(window))
+        stop(window);
 }
 
 /// Reads the frame instead of taking it from the event, whose position is relative to the frame window.
-void CorrectionWatch::examine(xcb_window_t window) {
+bool CorrectionWatch::examine(xcb_window_t window) {
     const auto cookie = xcb_query_pointer(m_connection.xcb(), m_connection.root());
     const auto frame = m_windows.frame(window);
     const auto pointer = m_connection.reply<xcb_query_pointer_reply>(cookie);
     if (!frame || !pointer)
-        return;
+        return true;
     if ((pointer->mask & kAnyButton) != 0)
-        stop(window);
-    else if (frame->states == WindowStates{})
+        return false;
+    if (frame->states == WindowStates{})
         m_corrections.send(window, frame->outer());
+    return true;
 }
 
 SubscriptionPtr

@@ -36,7 +36,8 @@ public:
     void start(xcb_window_t window);
 
     /// Watches `window` from now on, and reports its frame. Call it when a placement has ended that the
-    /// window manager had not processed in time.
+    /// window manager had not processed in time. While a mouse button is down, which may be for another
+    /// window, the report waits for the release; a change until then ends the watch.
     void report(xcb_window_t window);
 
     /// Reports the frame of `window` that has just been read if the server has announced a change of it that
@@ -51,13 +52,16 @@ public:
 private:
     /// A watched window.
     struct Watched {
-        SubscriptionPtr end;     ///< the scheduled end of the watch
-        bool hasChanged = false; ///< since the frame was read
+        SubscriptionPtr end;         ///< the scheduled end of the watch
+        SubscriptionPtr report = {}; ///< the scheduled `report`, if a mouse button was down
+        bool hasChanged = false;     ///< since the frame was read
     };
 
     void note(const Connection::Event& event);
     void hear(const Connection::Event& event);
-    void examine(xcb_window_t window);
+    /// Reports the frame, or returns false if a mouse button is down.
+    bool examine(xcb_window_t window);
+    void examineChange(xcb_window_t window);
     void stop(xcb_window_t window);
 
     Connection& m_connection;

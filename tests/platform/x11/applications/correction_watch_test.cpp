@@ -204,6 +204,28 @@ TEST_F(CorrectionWatchTest, PlacementsThatTheWindowManagerMakesLateAreReported) 
     EXPECT_THAT(reported, testing::UnorderedElementsAre(kTarget, kOther));
 }
 
+TEST_F(CorrectionWatchTest, ALatePlacementIsReportedOnceTheMouseButtonIsReleased) {
+    const xcb_window_t window = open();
+    const Element element = elementOf(window);
+    desktop.manager->process().signal(SIGSTOP);
+    watched.setAttribute(element, attribute::kPosition, kTarget.origin());
+    watched.setAttribute(element, attribute::kSize, kTarget.size());
+    EXPECT_FALSE(watched.copyAttribute(element, attribute::kSize)) << "it is not placed in time";
+    loop.turn(CorrectionWatch::kDuration);
+    mouse.press();
+    desktop.manager->process().signal(SIGCONT);
+    EXPECT_TRUE(observer.waitUntil([&] { return actualFrame(window) == kTarget; }));
+    hear();
+    loop.turn(CorrectionWatch::kDuration);
+    EXPECT_EQ(reported, Frames());
+
+    mouse.release();
+    hear();
+    loop.turn(std::chrono::milliseconds(100));
+
+    EXPECT_EQ(reported, Frames{kTarget});
+}
+
 TEST_F(CorrectionWatchTest, AMaximisedWindowHasNotBeenCorrected) {
     const xcb_window_t window = openPlaced();
 
