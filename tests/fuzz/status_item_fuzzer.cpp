@@ -126,8 +126,8 @@ constexpr std::array kMethods = std::to_array<Method>({
     {kItemPath, "", "Introspect", nothing},
 });
 
-/// Clicks of the icon open a menu of our own on the screen, which takes far longer than everything else. So they
-/// take two bytes that mutations seldom put side by side.
+/// Clicks of the icon open a menu of our own on the screen, which takes far longer than everything else. So
+/// they take two bytes that mutations seldom put side by side.
 constexpr std::array kClicks = {"Activate", "SecondaryActivate", "ContextMenu"};
 
 QDBusMessage takeCall(fuzz::Input& input) {

@@ -159,7 +159,8 @@ TEST(PlasmaShortcutsTest, AKeyThatTypesNothingIsTakenUntilALayoutHasASymbolForIt
     plasma::GlobalShortcuts shortcuts(link, layout);
     constexpr std::uint32_t kYen = 93;
     constexpr std::uint32_t kId = 100;
-    const auto claims = shortcuts.registerHotKeys(std::vector<HotKeyRequest>{{kYen, kControlOption, {0, kId}}});
+    const auto claims =
+        shortcuts.registerHotKeys(std::vector<HotKeyRequest>{{kYen, kControlOption, {0, kId}}});
     ASSERT_NE(claims.front(), nullptr);
     ASSERT_EQ(shortcuts.taken(), std::vector{kId});
 
