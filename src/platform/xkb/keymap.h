@@ -14,8 +14,7 @@ namespace tessarel::xkb {
 /// What the keys of a keyboard type.
 class Keymap {
 public:
-    /// Returns the keymap of a US keyboard, without the symbols of multimedia keys and without modifiers,
-    /// which take longer to read than all the rest.
+    /// Returns the keymap of a US keyboard, with the keys that a hot key can be on, and without modifiers.
     [[nodiscard]] static Keymap us();
     /// Returns the keymap with this description, as a Wayland compositor sends it. Its keys type nothing if
     /// the description is malformed.
