@@ -7,7 +7,6 @@
 #include "support/statistics.h"
 #include "support/table.h"
 
-#include <algorithm>
 #include <csignal>
 #include <functional>
 #include <memory>
@@ -37,8 +36,7 @@ struct Desktop {
 std::unique_ptr<ChildProcess> startOnPlasma(PlasmaSession& session, const std::string& program) {
     auto started = std::make_unique<ChildProcess>(std::vector{program}, session.environment());
     const auto end = Clock::now() + kStartTimeout;
-    for (std::vector<std::string> keys; std::find(keys.begin(), keys.end(), "arrangeAll") == keys.end();
-         keys = session.shortcuts()) {
+    while (session.keysOf("arrangeAll").empty()) { // the last one
         if (Clock::now() > end)
             throw std::runtime_error("the program does not start: " + started->errors());
         std::this_thread::sleep_for(1ms);
