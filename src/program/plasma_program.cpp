@@ -42,6 +42,9 @@ namespace {
 /// How long the first message waits until KWin has reported its windows, which it may also do later.
 constexpr std::chrono::milliseconds kPatience{250};
 
+/// How long Qt's start waits until KWin has registered the hot keys, which need the same processors.
+constexpr std::chrono::milliseconds kPatienceWithKeys{20};
+
 /// The alert sound as Qt plays it, which on Wayland may be no sound.
 class QtBeep : public AlertSoundPort {
 public:
@@ -152,7 +155,7 @@ std::optional<int> runOnPlasma(const char* programName) {
                             [&desktop] {
                                 // KWin does one thing after another: first the hot keys, which take it less
                                 // time, then the script, while Qt starts here, then the effects.
-                                desktop.hotKeys.releaseLeftovers();
+                                desktop.hotKeys.releaseLeftovers(kPatienceWithKeys);
                                 desktop.bridge.load();
                                 return nullptr;
                             },

@@ -9,6 +9,7 @@
 #include "platform/wayland/bus_names.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace tessarel::plasma {
@@ -68,20 +69,29 @@ GlobalShortcuts::~GlobalShortcuts() {
         setBlocked(false);
 }
 
-void GlobalShortcuts::releaseLeftovers() {
+void GlobalShortcuts::releaseLeftovers(std::chrono::milliseconds patience) {
     setBlocked(false);
-    m_link.call({kService, kComponentPath, kComponentInterface, "shortcutNames"},
-                [this, alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
-                    if (alive.expired())
-                        return;
-                    for (const std::string& name : reply.value<std::vector<std::string>>(0)) {
-                        const auto isNamed = [&name](const Shortcut& shortcut) {
-                            return nameOf(shortcut.request.hotKey.id) == name;
-                        };
-                        if (std::none_of(m_shortcuts.begin(), m_shortcuts.end(), isNamed))
-                            m_link.call(call("unregister", "ss", {kComponent, name}));
-                    }
-                });
+    const auto hasReply = std::make_shared<bool>(false); // shared, because the reply may come after the wait
+    m_link.call(
+        {kService, kComponentPath, kComponentInterface, "shortcutNames"},
+        [this, hasReply, alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
+            *hasReply = true;
+            if (!alive.expired())
+                unregisterOthers(reply.value<std::vector<std::string>>(0));
+        },
+        wayland::BusLink::Delivery::Urgent);
+    m_link.waitUntil([&] { return *hasReply || m_link.isLost(); }, patience);
+}
+
+/// Takes back the shortcuts with these names that this run has not registered.
+void GlobalShortcuts::unregisterOthers(const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+        const auto isNamed = [&name](const Shortcut& shortcut) {
+            return nameOf(shortcut.request.hotKey.id) == name;
+        };
+        if (std::none_of(m_shortcuts.begin(), m_shortcuts.end(), isNamed))
+            m_link.call(call("unregister", "ss", {kComponent, name}));
+    }
 }
 
 std::optional<std::int32_t> GlobalShortcuts::keyOf(const HotKeyRequest& request) const {

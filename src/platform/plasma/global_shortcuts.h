@@ -9,6 +9,7 @@
 #include "platform/wayland/bus_link.h"
 #include "ports/desktop/hot_key_port.h"
 
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -39,8 +40,9 @@ public:
     ~GlobalShortcuts() override;
 
     /// Takes back what an earlier run has left behind: shortcuts that this one has not registered, and a
-    /// block of all shortcuts.
-    void releaseLeftovers();
+    /// block of all shortcuts. Then waits, at most for `patience`, until Plasma replies. It handles one call
+    /// after another, so by then all hot keys that have been registered work.
+    void releaseLeftovers(std::chrono::milliseconds patience);
 
     /// Keeps the hot keys that are pressed from now on until `deliver`.
     void holdBack() { m_isHoldingBack = true; }
@@ -68,6 +70,7 @@ private:
         bool isHeld = false; ///< it has been pressed and not been released
     };
 
+    void unregisterOthers(const std::vector<std::string>& names);
     [[nodiscard]] SubscriptionPtr claim(const HotKeyRequest& request);
     [[nodiscard]] Shortcut* withSerial(std::size_t serial);
     void announce(const Shortcut& shortcut);
