@@ -130,9 +130,7 @@ bool WindowEngine::isInChain(WindowKey windowKey, const Request* unread, const R
 /// Returns where `request` has put the window. The program may have adjusted the frame, so it is read.
 WindowEngine::Placed WindowEngine::readBack(const Element& window, const Request& request) {
     const auto placed = m_ax.frame(window);
-    if (placed)
-        m_unread.erase(key(window));
-    else
+    if (!placed)
         m_unread.insert_or_assign(key(window), request);
     const Rect& axFrame = placed ? *placed : request.axFrame;
     return {axFrame, axFrame};
