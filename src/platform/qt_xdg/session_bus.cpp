@@ -88,13 +88,23 @@ SessionBus::~SessionBus() {
 }
 
 void SessionBus::start() {
-    m_expectation = m_queue.asyncAfter(kBusPatience, [this] {
-        if (m_connecting)
-            m_connecting->breakOff();
-        finishConnecting();
-        stopExpecting();
-    });
+    m_expectation = m_queue.asyncAfter(kBusPatience, [this] { awaitConnection(); });
     proceed();
+}
+
+/// Gives a connection that is being made its time, because the bus may have replied just now.
+void SessionBus::awaitConnection() {
+    if (m_connecting)
+        m_expectation = m_queue.asyncAfter(kConnectingPatience, [this] { stopConnecting(); });
+    else
+        stopExpecting();
+}
+
+void SessionBus::stopConnecting() {
+    if (m_connecting)
+        m_connecting->breakOff();
+    finishConnecting();
+    stopExpecting();
 }
 
 void SessionBus::beforeWindow() {

@@ -91,6 +91,8 @@ private:
     void probe();
     void proceed();
     void retry();
+    void awaitConnection();
+    void stopConnecting();
     void stopExpecting();
     void connect();
     void finishConnecting();
