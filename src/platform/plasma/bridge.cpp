@@ -83,7 +83,12 @@ void Bridge::tryToLoad(int attempts) {
     m_link.call(
         scripting("loadScript", "ss", {file().string(), kScriptName}),
         [this, attempts](const wayland::BusMessage& reply) {
-            m_isAccepted = reply.error.empty() && reply.value<std::int64_t>(0) >= 0;
+            const bool isTaken = reply.error.empty() && reply.value<std::int64_t>(0) < 0;
+            if (isTaken && attempts == kLoadAttempts) {
+                tryToLoad(attempts - 1); // a busy KWin deletes an unloaded script after the calls that wait
+                return;
+            }
+            m_isAccepted = reply.error.empty() && !isTaken;
             if (m_isAccepted)
                 awaitReport();
             else if (attempts > 1)
