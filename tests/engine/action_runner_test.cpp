@@ -169,6 +169,13 @@ TEST_F(ActionRunnerTest, AWindowThatTheDesktopTilesIsRefused) {
         EXPECT_EQ(runner.run(action), Outcome::Refused) << ActionID(action).title();
 }
 
+TEST_F(ActionRunnerTest, ARestoreOfAWindowThatTheDesktopTilesIsRefused) {
+    runner.run(ActionID::leftHalf);
+    desktop.window(window).isTiled = true;
+
+    EXPECT_EQ(runner.run(ActionID::restore), Outcome::Refused);
+}
+
 TEST_F(ActionRunnerTest, ArrangingIsDoneIfOneWindowHasMoved) {
     desktop.window(window).isTiled = true;
     static_cast<void>(desktop.openWindow("org.example.other", kStart));
