@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 
 #include "engine/window_engine.h"
-
 #include "engine/window_engine_test.h"
 
 #include <optional>

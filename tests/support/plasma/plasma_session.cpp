@@ -32,16 +32,17 @@ x11test::Environment environmentIn(const std::filesystem::path& folder) {
         std::filesystem::create_directories(folder / name);
     std::filesystem::permissions(folder / "run", std::filesystem::perms::owner_all);
     const auto path = [&](const char* name) { return (folder / name).string(); };
-    return {{"PATH", "/usr/bin:/bin"},
-            {"HOME", path("home")},
-            {"XDG_CONFIG_HOME", path("config")},
-            {"XDG_DATA_HOME", path("data")},
-            {"XDG_CACHE_HOME", path("cache")},
-            {"XDG_RUNTIME_DIR", path("run")},
-            {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + path("run") + "/bus"},
-            {"XDG_CURRENT_DESKTOP", "KDE"},
-            {"XDG_SESSION_TYPE", "wayland"},
-            {"LANG", "C.UTF-8"}};
+    x11test::Environment environment{{"HOME", path("home")},
+                                     {"XDG_CONFIG_HOME", path("config")},
+                                     {"XDG_DATA_HOME", path("data")},
+                                     {"XDG_CACHE_HOME", path("cache")},
+                                     {"XDG_RUNTIME_DIR", path("run")},
+                                     {"DBUS_SESSION_BUS_ADDRESS", "unix:path=" + path("run") + "/bus"},
+                                     {"XDG_CURRENT_DESKTOP", "KDE"},
+                                     {"XDG_SESSION_TYPE", "wayland"},
+                                     {"LANG", "C.UTF-8"}};
+    environment.merge(x11test::inheritedEnvironment());
+    return environment;
 }
 
 } // namespace

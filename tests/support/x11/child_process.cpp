@@ -2,11 +2,13 @@
 
 #include "support/x11/child_process.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <iterator>
 #include <poll.h>
 #include <stdexcept>
 #include <sys/mman.h>
@@ -18,6 +20,9 @@
 namespace tessarel::x11test {
 
 namespace {
+
+constexpr std::string_view kInherited[] = {"PATH",         "LD_LIBRARY_PATH", "ASAN_OPTIONS",
+                                           "LSAN_OPTIONS", "UBSAN_OPTIONS",   "TMPDIR"};
 
 [[noreturn]] void fail(const std::string& what) {
     throw std::runtime_error(what + ": " + std::strerror(errno));
@@ -112,6 +117,14 @@ Environment ownEnvironment() {
         if (equals != std::string_view::npos)
             environment.emplace(assignment.substr(0, equals), assignment.substr(equals + 1));
     }
+    return environment;
+}
+
+Environment inheritedEnvironment() {
+    Environment environment = ownEnvironment();
+    std::erase_if(environment, [](const auto& variable) {
+        return std::ranges::find(kInherited, variable.first) == std::end(kInherited);
+    });
     return environment;
 }
 

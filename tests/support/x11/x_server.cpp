@@ -14,10 +14,6 @@ namespace tessarel::x11test {
 
 namespace {
 
-/// Variables that child processes inherit: search paths and sanitizer options.
-constexpr auto kInherited = {"PATH",         "LD_LIBRARY_PATH", "ASAN_OPTIONS",
-                             "LSAN_OPTIONS", "UBSAN_OPTIONS",   "TMPDIR"};
-
 /// The X authority file of this test process. Display numbers are reused: without it, a program that outlives
 /// its server could connect to the server of another test.
 class ServerKey {
@@ -47,10 +43,7 @@ const ServerKey& serverKey() {
 }
 
 Environment privateEnvironment(const std::filesystem::path& folder) {
-    Environment environment;
-    for (const char* name : kInherited)
-        if (const char* value = std::getenv(name))
-            environment[name] = value;
+    Environment environment = inheritedEnvironment();
     const std::map<std::string, std::string> folders = {{"HOME", "home"},
                                                         {"XDG_CONFIG_HOME", "config"},
                                                         {"XDG_DATA_HOME", "data"},
