@@ -234,12 +234,15 @@ Outcome WindowEngine::restoreFocused() {
     // Not through `place`, which would start a new restore chain.
     const ProcessId pid = focused->app.processIdentifier;
     const Request request = newRequest(focused->window, pid, original->second, {});
-    m_unread.erase(windowKey); // what is reported from now on does not complete it
-    const bool isPlaced = m_ax.setFrame(focused->window, pid, request.axFrame, {});
+    auto replaced = m_unread.extract(windowKey); // what is reported from now on does not complete it
+    if (!m_ax.setFrame(focused->window, pid, request.axFrame, {})) {
+        m_unread.insert(std::move(replaced));
+        return Outcome::Refused;
+    }
     m_original.erase(original);
     m_lastSnapped.erase(windowKey);
     readBack(focused->window, request);
-    return outcomeOf(isPlaced);
+    return Outcome::Done;
 }
 
 Outcome WindowEngine::moveFocusedToDisplay(int offset) {

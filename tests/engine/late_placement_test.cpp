@@ -199,14 +199,20 @@ TEST_F(LatePlacementTest, IsNotCompletedOnceTheWindowIsFullScreen) {
     desktop.accessibility().correct(window, kLarge);
 }
 
-TEST_F(LatePlacementTest, IsCompletedAfterAnotherPlacementThatTheDesktopRefuses) {
-    desktop.window(window).isTiled = true;
-    place(kLeft);
-    desktop.window(window).isTiled = false;
+TEST_F(LatePlacementTest, IsCompletedAfterAnotherPlacementOrARestoreThatTheDesktopRefuses) {
+    for (const bool isRestore : {false, true}) {
+        placeLate();
+        desktop.window(window).isTiled = true;
+        if (isRestore)
+            engine.restoreFocused();
+        else
+            place(kLeft);
+        desktop.window(window).isTiled = false;
 
-    desktop.accessibility().correct(window, desktop.frame(window));
+        desktop.accessibility().correct(window, desktop.frame(window));
 
-    EXPECT_EQ(desktop.frame(window), kPulledIn);
+        EXPECT_EQ(desktop.frame(window), kPulledIn);
+    }
 }
 
 TEST_F(LatePlacementTest, IsNotCompletedAfterAnotherPlacement) {

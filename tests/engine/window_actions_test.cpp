@@ -248,6 +248,17 @@ TEST_F(WindowActionsTest, ARefusedPlacementKeepsTheFrameToRestore) {
     EXPECT_EQ(desktop.frame(window), kStart);
 }
 
+TEST_F(WindowActionsTest, ARefusedRestoreKeepsTheFrameToRestore) {
+    engine.snapFocused(kLeftHalf, {});
+    desktop.window(window).isTiled = true;
+    engine.restoreFocused();
+    desktop.window(window).isTiled = false;
+
+    engine.restoreFocused();
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
 TEST_F(WindowActionsTest, AZoneThatIsAlreadyRememberedIsNotSavedAgain) {
     engine.snapFocused(kLeftHalf, 4);
     engine.snapFocused(kLeftHalf, 4);
