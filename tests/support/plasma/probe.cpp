@@ -5,8 +5,11 @@
 #include "model/json.h"
 #include "support/x11/deadline.h"
 
+#include <cstdint>
 #include <fstream>
+#include <optional>
 #include <stdexcept>
+#include <utility>
 
 namespace tessarel::plasmatest {
 
@@ -46,7 +49,7 @@ Probe::Probe(const std::string& busAddress, const std::filesystem::path& folder)
     if (!waitUntil([this] { return !m_link.uniqueName().empty(); }))
         throw std::runtime_error("the bus does not reply");
     script.replace(script.find(placeholder), placeholder.size(), m_link.uniqueName());
-    load("probe", script);
+    run(script);
     if (!waitUntil([this] { return m_hasReport; }))
         throw std::runtime_error("KWin does not run the script of the test");
 }
@@ -56,24 +59,31 @@ bool Probe::waitUntil(const std::function<bool()>& holds) {
 }
 
 void Probe::roundTrip() {
-    bool hasReply = false;
-    m_link.call(
-        {"org.kde.KWin", "/KWin", "org.kde.KWin", "currentDesktop"},
-        [&hasReply](const wayland::BusMessage&) { hasReply = true; }, wayland::BusLink::Delivery::Urgent);
-    if (!waitUntil([&] { return hasReply; }))
-        throw std::runtime_error("KWin does not reply");
+    (void)replyTo({"org.kde.KWin", "/KWin", "org.kde.KWin", "currentDesktop"});
 }
 
+wayland::BusMessage Probe::replyTo(wayland::BusCall call) {
+    const std::string member = call.member;
+    std::optional<wayland::BusMessage> reply;
+    m_link.call(
+        std::move(call), [&reply](const wayland::BusMessage& message) { reply = message; },
+        wayland::BusLink::Delivery::Urgent);
+    if (!waitUntil([&] { return reply.has_value(); }))
+        throw std::runtime_error("KWin does not reply to " + member);
+    if (!reply->error.empty())
+        throw std::runtime_error("KWin replies to " + member + ": " + reply->error);
+    return *reply;
+}
+
+/// KWin reads scripts in threads, so without waiting a later one could run before an earlier one.
 void Probe::run(const std::string& script) {
-    load("once" + std::to_string(++m_scripts), script);
-}
-
-void Probe::load(const std::string& name, const std::string& text) {
+    const std::string name = "probe" + std::to_string(++m_scripts);
     const std::filesystem::path file = m_folder / (name + ".js");
-    std::ofstream(file) << text;
-    m_link.call(
+    std::ofstream(file) << script;
+    const auto loaded = replyTo(
         {"org.kde.KWin", "/Scripting", "org.kde.kwin.Scripting", "loadScript", "ss", {file.string(), name}});
-    m_link.call({"org.kde.KWin", "/Scripting", "org.kde.kwin.Scripting", "start"});
+    const std::string object = "/" + std::to_string(loaded.value<std::int64_t>(0));
+    (void)replyTo({"org.kde.KWin", object, "org.kde.kwin.Script", "run"});
 }
 
 void Probe::handle(const std::string& report) {

@@ -42,13 +42,14 @@ public:
     bool waitUntil(const std::function<bool()>& holds);
     /// Waits until every report has arrived that KWin has sent so far.
     void roundTrip();
-    /// Runs JavaScript once in KWin.
+    /// Runs JavaScript once in KWin, and waits until it has run. Throws std::runtime_error if it fails.
     void run(const std::string& script);
 
     [[nodiscard]] wayland::BusLink& link() { return m_link; }
 
 private:
-    void load(const std::string& name, const std::string& text);
+    /// Waits for the reply to a call to KWin. Throws std::runtime_error if there is none, or an error.
+    [[nodiscard]] wayland::BusMessage replyTo(wayland::BusCall call);
     void handle(const std::string& report);
 
     wayland::BusLink m_link;
