@@ -142,12 +142,23 @@ void Bridge::handleReport(const std::string& text) {
     const auto settled = applyReport(*report, m_mirror);
     if (m_mirror.isReady())
         m_overdue.reset();
-    const auto placed = settled ? m_underWay.find(settled->window) : m_underWay.end();
-    if (placed == m_underWay.end() || placed->second.serial != settled->serial)
+    if (settled)
+        end(*settled);
+}
+
+/// Ends a placement unless a later one of the same window is under way.
+void Bridge::end(const Settled& settled) {
+    const auto placed = m_underWay.find(settled.window);
+    const bool isUnderWay = placed != m_underWay.end();
+    if (isUnderWay && placed->second.serial != settled.serial)
+        return;
+    if (settled.isReplaced)
+        m_mirror.replace(settled.window);
+    if (!isUnderWay)
         return;
     m_underWay.erase(placed);
-    if (settled->isLate)
-        m_late.insert(settled->window);
+    if (settled.isLate || settled.isReplaced)
+        m_late.insert(settled.window);
 }
 
 /// Keeps the script's call until there are commands. The script renews it before it times out.
@@ -172,7 +183,7 @@ void Bridge::place(wayland::WindowId window, const Rect& frame) {
         return;
     const auto hasClosed = [this](wayland::WindowId one) { return m_mirror.find(one) == nullptr; };
     std::erase_if(m_underWay, [&](const auto& one) { return hasClosed(one.first); });
-    std::erase_if(m_late, hasClosed);
+    std::erase_if(m_late, [&](wayland::WindowId one) { return one == window || hasClosed(one); });
     m_underWay[window] = {serial, m_queue.now()};
     send(*command);
 }
@@ -189,15 +200,16 @@ void Bridge::send(const std::string& command) {
 }
 
 bool Bridge::waitUntilSettled(wayland::WindowId window, milliseconds patience) {
-    const auto isSettled = [this, window] {
+    const auto isOver = [this, window] {
         return !m_underWay.contains(window) || m_mirror.find(window) == nullptr || m_link.isLost();
     };
-    if (isSettled())
-        return true;
-    m_late.erase(window);
-    const auto waited = std::chrono::duration_cast<milliseconds>(m_queue.now() - m_underWay[window].since);
-    return m_link.waitUntil(isSettled, std::max(patience - waited, milliseconds::zero())) &&
-           !m_late.contains(window);
+    if (!isOver()) {
+        const auto waited =
+            std::chrono::duration_cast<milliseconds>(m_queue.now() - m_underWay[window].since);
+        if (!m_link.waitUntil(isOver, std::max(patience - waited, milliseconds::zero())))
+            return false;
+    }
+    return m_late.erase(window) == 0;
 }
 
 } // namespace tessarel::plasma

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "model/subscription.h"
+#include "platform/plasma/reports.h"
 #include "platform/wayland/bus_link.h"
 #include "platform/wayland/compositor.h"
 #include "platform/wayland/mirror.h"
@@ -59,6 +60,7 @@ private:
     void awaitReport();
     void handle(const wayland::BusMessage& message);
     void handleReport(const std::string& text);
+    void end(const Settled& settled);
     void keepForCommands(std::uint64_t token);
     void send(const std::string& command);
     void sendCommands();
@@ -75,7 +77,7 @@ private:
     std::string m_unsent;            ///< commands that wait for that call, without the brackets of the list
     std::uint64_t m_lastSerial = 0;
     std::map<wayland::WindowId, UnderWay> m_underWay;
-    std::set<wayland::WindowId> m_late; ///< whose last placement has not been carried out in time
+    std::set<wayland::WindowId> m_late; ///< whose last placement is over, but not carried out, nor waited for
     SubscriptionPtr m_calls;
     SubscriptionPtr m_delivered;
     SubscriptionPtr m_nextAttempt;

@@ -16,6 +16,7 @@ const isPlasma6 = workspace.windowList !== undefined;
 const known = new Map(); // window identifier -> window
 const placing = new Map(); // window identifier -> the placement that has not settled
 const settled = new Map(); // window identifier -> the last one that has: the wanted frame and the frame taken
+const requested = new Map(); // window identifier -> the serial of a placement, if KWin was last asked for its frame
 
 function report(event) {
     callDBus(service, path, programInterface, "report", JSON.stringify(event));
@@ -47,13 +48,16 @@ function isOnCurrentDesktop(window) {
     return window.desktop === workspace.currentDesktop;
 }
 
+function isWayland(window) {
+    return window.basicUnit === undefined;
+}
+
 function kind(window) {
     // Panels and overlays of the layer-shell protocol look like normal windows that cannot be moved.
     if (window.specialWindow || (!window.moveable && !window.fullScreen))
         return "other";
     // Wayland knows no types of windows: a dialog is a window that belongs to another one.
-    const isWayland = window.basicUnit === undefined;
-    if (window.dialog || (isWayland && window.transient))
+    if (window.dialog || (isWayland(window) && window.transient))
         return "dialog";
     return window.normalWindow ? "standard" : "floating";
 }
@@ -169,7 +173,7 @@ function settle(name, window) {
     // for.
     if (placement.isRepeatable && !areEqual(frame, placement.frame)) {
         placement.isRepeatable = false;
-        setFrame(window, placement.frame);
+        requestFrame(window, placement);
         patience.start();
         return;
     }
@@ -253,10 +257,28 @@ function setFrame(window, frame) {
     window.frameGeometry = { x: frame[0], y: frame[1], width: frame[2], height: frame[3] };
 }
 
+function requestFrame(window, placement) {
+    requested.delete(identifier(window));
+    setFrame(window, placement.frame);
+    requested.set(identifier(window), placement.serial);
+}
+
+// KWin has been asked for a frame, which the window of a slow program takes only later. If the script has not
+// asked, the user has, for example by a key of KWin: this replaces the placement.
+function frameRequested(window) {
+    const name = identifier(window);
+    if (!requested.has(name))
+        return;
+    report({ event: "replaced", name: name, serial: requested.get(name) });
+    requested.delete(name);
+    placing.delete(name);
+}
+
 function place(command) {
     const window = known.get(command.name);
     if (!window)
         return;
+    requested.delete(command.name);
     const [x, y, width, height] = command.frame;
     const frame = [x, y, ...sizeToTake(window, width, height)];
     const wasMaximised = mayBeMaximised(window);
@@ -265,10 +287,11 @@ function place(command) {
     if (window.tile)
         window.tile = null; // otherwise KWin puts it back when the usable area changes
     const isRefused = hasRefused(command.name, window, frame);
-    placing.set(command.name, { serial: command.serial, frame: frame, isSent: false,
-                                isRepeatable: wasMaximised && !isRefused });
-    setFrame(window, frame);
-    placing.get(command.name).isSent = true;
+    const placement = { serial: command.serial, frame: frame, isSent: false,
+                        isRepeatable: wasMaximised && !isRefused };
+    placing.set(command.name, placement);
+    requestFrame(window, placement);
+    placement.isSent = true;
     patience.start();
     // No signal follows when nothing has to change, or when the compositor has moved the window at once.
     if (isRefused || areEqual(rect(window.frameGeometry), frame))
@@ -331,6 +354,9 @@ function watch(window) {
         window.clientFinishUserMovedResized.connect(finished);
     }
     window.frameGeometryChanged.connect(() => frameChanged(window));
+    // The program of an X window asks KWin, too, when it corrects its size.
+    if (isWayland(window) && window.frameGeometryAboutToChange)
+        window.frameGeometryAboutToChange.connect(() => frameRequested(window));
     const changed = () => reportWindow(window);
     for (const signal of ["minimizedChanged", "fullScreenChanged", "desktopChanged", "desktopsChanged",
                           "opacityChanged", "transientChanged", "desktopFileNameChanged",
@@ -351,7 +377,7 @@ function added(window) {
 }
 
 function removed(window) {
-    for (const map of [known, placing, settled])
+    for (const map of [known, placing, settled, requested])
         map.delete(identifier(window));
     report({ event: "removed", name: identifier(window) });
     afterPanelChange(window);

@@ -190,9 +190,10 @@ std::optional<Settled> applyReport(const Json& report, wayland::Mirror& mirror) 
         mirror.restack(strings(report, "names"));
     else if (const auto phase = phaseOf(event))
         applyMove(*phase, name, report, mirror);
-    if (event != "placed")
+    if (event != "placed" && event != "replaced")
         return std::nullopt;
-    return Settled{mirror.named(name), member<std::uint64_t>(report, "serial"), member<bool>(report, "late")};
+    return Settled{mirror.named(name), member<std::uint64_t>(report, "serial"), member<bool>(report, "late"),
+                   event == "replaced"};
 }
 
 } // namespace tessarel::plasma

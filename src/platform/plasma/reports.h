@@ -14,7 +14,8 @@ namespace tessarel::plasma {
 struct Settled {
     wayland::WindowId window = wayland::kNoWindow;
     std::uint64_t serial = 0;
-    bool isLate = false; ///< whether the window has not taken its frame in time
+    bool isLate = false;     ///< whether the window has not taken its frame in time
+    bool isReplaced = false; ///< whether something else, such as a key of KWin, has requested another frame
 };
 
 /// Applies a report of the bridge script to the mirror. Ignores what is malformed. Returns the placement if

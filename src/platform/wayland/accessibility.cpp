@@ -68,6 +68,7 @@ Accessibility::Accessibility(Mirror& mirror, Compositor& compositor, Application
       m_placement(mirror, compositor, queue),
       m_frameChanges(
           mirror.onFrameChanged([this](WindowId window, const Rect& frame) { frameChanged(window, frame); })),
+      m_replacements(mirror.onReplaced([this](WindowId window) { m_writes.erase(window); })),
       m_userMoves(mirror.onMove([this](const UserMove& move) { m_writes.erase(move.window); })) {}
 
 Element Accessibility::application(ProcessId pid) {

@@ -55,6 +55,8 @@ public:
     [[nodiscard]] bool hasRefused(const Element& window) override;
     /// All windows are sent before any is waited for.
     [[nodiscard]] SubscriptionPtr writeSeveral() override;
+    /// A frame that the desktop requests after the last write, as for one of its own keys, does not count
+    /// either, and ends the time.
     [[nodiscard]] SubscriptionPtr
     onCorrected(std::function<void(const Element& window, const Rect& axFrame)> corrected) override;
 
@@ -82,6 +84,7 @@ private:
     std::map<WindowId, Write> m_writes;
     Signal<const Element&, const Rect&> m_corrected;
     SubscriptionPtr m_frameChanges;
+    SubscriptionPtr m_replacements;
     SubscriptionPtr m_userMoves;
 };
 

@@ -121,6 +121,10 @@ void Mirror::settle(const std::string& name, const Rect& frame) {
         note([this, id = named(name), frame] { m_frameChanged.send(id, frame); });
 }
 
+void Mirror::replace(WindowId window) {
+    note([this, window] { m_replaced.send(window); });
+}
+
 void Mirror::move(UserMove::Phase phase, const std::string& name, bool isMove, const Point& pointer,
                   const Rect& frame) {
     const WindowId id = named(name);
@@ -184,6 +188,10 @@ SubscriptionPtr Mirror::onActivated(std::function<void()> activated) {
 
 SubscriptionPtr Mirror::onFrameChanged(std::function<void(WindowId, const Rect&)> changed) {
     return m_frameChanged.connect(std::move(changed));
+}
+
+SubscriptionPtr Mirror::onReplaced(std::function<void(WindowId)> replaced) {
+    return m_replaced.connect(std::move(replaced));
 }
 
 SubscriptionPtr Mirror::onMove(std::function<void(const UserMove&)> moved) {

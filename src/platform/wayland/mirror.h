@@ -100,6 +100,9 @@ public:
     /// Sets the frame that a window has taken or kept when it was placed. Unlike `setFrame`, announces a
     /// frame that has not changed, too, because the program may not have waited for it.
     void settle(const std::string& name, const Rect& frame);
+    /// Announces that something else, such as a key of the desktop, has requested another frame for a window
+    /// since the last placement.
+    void replace(WindowId window);
     /// Changes the frame only when the step is delivered, so that a program that is late finds the window
     /// where it was at that step. A frame that is reported otherwise in the meantime stays.
     void move(UserMove::Phase phase, const std::string& name, bool isMove, const Point& pointer,
@@ -127,6 +130,7 @@ public:
     [[nodiscard]] SubscriptionPtr onClosed(std::function<void(WindowId, const WindowState&)> closed);
     [[nodiscard]] SubscriptionPtr onActivated(std::function<void()> activated);
     [[nodiscard]] SubscriptionPtr onFrameChanged(std::function<void(WindowId, const Rect&)> changed);
+    [[nodiscard]] SubscriptionPtr onReplaced(std::function<void(WindowId)> replaced);
     [[nodiscard]] SubscriptionPtr onMove(std::function<void(const UserMove&)> moved);
 
 private:
@@ -148,6 +152,7 @@ private:
     Signal<WindowId, const WindowState&> m_closed;
     Signal<> m_activated;
     Signal<WindowId, const Rect&> m_frameChanged;
+    Signal<WindowId> m_replaced;
     Signal<const UserMove&> m_moved;
 };
 

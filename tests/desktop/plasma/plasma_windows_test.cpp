@@ -15,6 +15,7 @@ constexpr std::uint32_t kKeyA = 30;
 constexpr std::uint32_t kBackspace = 14;
 constexpr Rect kLeftHalf{0, 0, 800, 900};
 constexpr Rect kRightHalf{800, 0, 800, 900};
+constexpr Rect kBottomHalf{0, 450, 1600, 450};
 
 /// A session with the program and windows of a client that takes every size.
 class PlasmaWindowsTest : public testing::Test {
@@ -78,6 +79,18 @@ protected:
     }
     void pressNextDisplay() {
         session.input().press({key::kLeftControl, key::kLeftAlt, key::kLeftMeta, key::kRight});
+    }
+
+    /// Waits until the program has handled the keys so far, and waits for no window any longer.
+    [[nodiscard]] bool passProgram() { return session.command({"list", "displays"}) == 0; }
+    /// Expects that the window is where the user has put it by other means, and is restored there.
+    void expectChainBeginsAt(int number, const Rect& frame) {
+        EXPECT_TRUE(comesTo(number, frame));
+        pressZone(5);
+        EXPECT_TRUE(comesTo(number, {800, 450, 800, 450}));
+        session.input().press({key::kLeftControl, key::kLeftAlt, kBackspace});
+        EXPECT_TRUE(comesTo(number, frame));
+        EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
     }
 
     PlasmaSession session;
@@ -177,6 +190,59 @@ TEST_F(PlasmaWindowsTest, AMaximisedWindowTakesItsZoneThoughItFirstGoesBackToIts
     pressArrow(key::kRight);
 
     EXPECT_TRUE(comesTo(1, kRightHalf));
+}
+
+TEST_F(PlasmaWindowsTest, AWindowThatIsTiledWhileItIsPlacedStaysInTheTile) {
+    WaylandClient client(session.environment());
+    open(client, 1);
+    open(client, 2);
+    client.stall();
+    runFor(1, R"(
+        let isNext = true;
+        const tile = () => callDBus("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                    "GetId", () => workspace.slotWindowQuickTileBottom());
+        c.frameGeometryAboutToChange.connect(() => {
+            if (isNext)
+                tile(); // once it has been placed
+            isNext = false;
+        });
+        workspace.activeClient = c;)");
+    ASSERT_TRUE(isActivated(1));
+
+    pressArrow(key::kRight);
+    ASSERT_TRUE(waitFor(1, [](const SeenWindow& window) { return window.isTiled; }));
+    client.resume();
+
+    expectChainBeginsAt(1, kBottomHalf);
+}
+
+TEST_F(PlasmaWindowsTest, ALateWindowThatIsMaximisedByAKeyOfTheDesktopStaysSo) {
+    WaylandClient client(session.environment());
+    open(client, 1);
+    client.stall();
+
+    pressArrow(key::kRight);
+    ASSERT_TRUE(passProgram());
+    session.input().press({key::kLeftMeta, key::kPageUp});
+    session.probe().roundTrip();
+    client.resume();
+
+    expectChainBeginsAt(1, PlasmaSession::kFirst);
+}
+
+TEST_F(PlasmaWindowsTest, AWindowThatHasNotRespondedToAKeyStaysInATileOfTheDesktop) {
+    constexpr Size kSize{800, 450};
+    WaylandClient client(session.environment());
+    open(client, 1,
+         {.applicationId = "org.example.test", .size = kSize, .minimum = kSize, .announcesLimits = false});
+    const Rect before = session.frame("org.example.test").value_or(Rect::null());
+
+    pressZone(1); // too narrow: the program keeps its size and shows no new image
+    ASSERT_TRUE(passProgram());
+    ASSERT_TRUE(comesTo(1, before));
+    session.input().press({key::kLeftMeta, key::kDown});
+
+    expectChainBeginsAt(1, kBottomHalf);
 }
 
 TEST_F(PlasmaWindowsTest, AllWindowsAreArrangedAndOneThatIsTooWideIsPulledBackOntoTheDisplay) {

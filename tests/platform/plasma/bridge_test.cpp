@@ -109,6 +109,14 @@ protected:
         ASSERT_TRUE(waitUntil([&] { return hasReply; }));
     }
 
+    /// Waits until the bridge has handled all reports so far.
+    void passReports() {
+        compositor->report(link->uniqueName(), R"({"event":"active","name":""})");
+        ASSERT_TRUE(waitUntil([&] { return mirror.active() == wayland::kNoWindow; }));
+        compositor->report(link->uniqueName(), R"({"event":"active","name":"a"})");
+        ASSERT_TRUE(waitUntil([&] { return mirror.active() != wayland::kNoWindow; }));
+    }
+
     bool waitUntil(const std::function<bool()>& holds) { return link->waitUntil(holds, x11test::kPatience); }
 
     /// Handles what arrives at both ends until `holds` returns true. Returns false if it does not.
@@ -128,6 +136,9 @@ protected:
     sim::SimClock clock;
     sim::SimMainQueue queue{clock};
     wayland::Mirror mirror;
+    std::vector<wayland::WindowId> replaced; ///< the windows whose placements something else has replaced
+    SubscriptionPtr replacements =
+        mirror.onReplaced([this](wayland::WindowId window) { replaced.push_back(window); });
     std::vector<std::string> problems;
     std::optional<FakeCompositor> compositor;
     std::optional<BusLink> link;
@@ -301,6 +312,68 @@ TEST_F(BridgeTest, AWindowThatTheScriptDoesNotWaitForAnyLongerHasNotSettledInTim
 
     EXPECT_FALSE(bridge->waitUntilSettled(a, x11test::kPatience));
     EXPECT_TRUE(bridge->waitUntilSettled(a, x11test::kPatience)); // nothing is under way any longer
+}
+
+TEST_F(BridgeTest, AWindowThatIsLateBeforeItIsWaitedForHasNotSettledInTime) {
+    load();
+    const auto a = mirror.named("a");
+    bridge->place(a, {1, 2, 300, 400});
+    compositor->report(link->uniqueName(),
+                       R"({"event":"placed","name":"a","late":true,"serial":1,"frame":[0,0,500,400]})");
+    passReports();
+    EXPECT_FALSE(bridge->waitUntilSettled(a, x11test::kPatience));
+
+    bridge->place(a, {5, 6, 700, 800});
+    compositor->report(link->uniqueName(),
+                       R"({"event":"placed","name":"a","late":true,"serial":2,"frame":[0,0,500,400]})");
+    passReports();
+    bridge->place(a, {1, 2, 300, 400});
+    compositor->report(link->uniqueName(),
+                       R"({"event":"placed","name":"a","serial":3,"frame":[1,2,300,400]})");
+
+    EXPECT_TRUE(bridge->waitUntilSettled(a, x11test::kPatience));
+}
+
+TEST_F(BridgeTest, APlacementThatAnotherRequestHasReplacedIsNotUnderWayAnyLonger) {
+    load();
+    const auto a = mirror.named("a");
+    bridge->place(a, {1, 2, 300, 400});
+    compositor->report(link->uniqueName(), R"({"event":"replaced","name":"a","serial":1})");
+
+    EXPECT_FALSE(bridge->waitUntilSettled(a, x11test::kPatience));
+    EXPECT_TRUE(bridge->waitUntilSettled(a, 250ms));
+    mirror.deliver();
+    EXPECT_THAT(replaced, ElementsAre(a));
+}
+
+TEST_F(BridgeTest, ALatePlacementMayBeReplacedAnyTimeLater) {
+    load();
+    const auto a = mirror.named("a");
+    bridge->place(a, {1, 2, 300, 400});
+    compositor->report(link->uniqueName(),
+                       R"({"event":"placed","name":"a","late":true,"serial":1,"frame":[0,0,500,400]})");
+    EXPECT_FALSE(bridge->waitUntilSettled(a, x11test::kPatience));
+
+    compositor->report(link->uniqueName(), R"({"event":"replaced","name":"a","serial":1})");
+    passReports();
+    mirror.deliver();
+
+    EXPECT_THAT(replaced, ElementsAre(a));
+    EXPECT_TRUE(bridge->waitUntilSettled(a, 250ms));
+}
+
+TEST_F(BridgeTest, APlacementIsNotReplacedByARequestBeforeIt) {
+    load();
+    const auto a = mirror.named("a");
+    bridge->place(a, {1, 2, 300, 400});
+    bridge->place(a, {5, 6, 700, 800});
+    compositor->report(link->uniqueName(), R"({"event":"replaced","name":"a","serial":1})");
+    compositor->report(link->uniqueName(),
+                       R"({"event":"placed","name":"a","serial":2,"frame":[5,6,700,800]})");
+
+    EXPECT_TRUE(bridge->waitUntilSettled(a, x11test::kPatience));
+    mirror.deliver();
+    EXPECT_THAT(replaced, IsEmpty());
 }
 
 TEST_F(BridgeTest, AWindowThatClosesHasSettled) {

@@ -80,6 +80,7 @@ TEST_F(ReportsTest, APlacementHasSettledWithItsSerialAndFrame) {
     ASSERT_TRUE(settled);
     EXPECT_EQ(settled->window, mirror.named("a"));
     EXPECT_EQ(settled->serial, 9U);
+    EXPECT_FALSE(settled->isReplaced);
     EXPECT_EQ(find("a")->frame, (Rect{1, 2, 3, 4}));
 }
 
@@ -96,6 +97,16 @@ TEST_F(ReportsTest, AFrameThatAPlacementHasNotChangedIsAnnouncedUnlessTheWindowI
     mirror.deliver();
 
     EXPECT_THAT(frames, ElementsAre(Rect{1, 2, 3, 4}, Rect{1, 2, 3, 4}, Rect{5, 6, 7, 8}));
+}
+
+TEST_F(ReportsTest, APlacementThatAnotherRequestHasReplacedIsOver) {
+    const auto settled = apply(R"({"event":"replaced","name":"a","serial":9})");
+
+    ASSERT_TRUE(settled);
+    EXPECT_EQ(settled->window, mirror.named("a"));
+    EXPECT_EQ(settled->serial, 9U);
+    EXPECT_TRUE(settled->isReplaced);
+    EXPECT_EQ(find("a")->frame, kFrame);
 }
 
 TEST_F(ReportsTest, EveryPhaseOfAMoveIsReported) {

@@ -42,7 +42,10 @@ public:
         calls.push_back("wait for " + name);
         if (isSilent)
             return false;
-        const bool isInTime = !stalled.contains(name);
+        const bool isReplaced = replaced.contains(name);
+        if (isReplaced)
+            m_mirror.replace(window);
+        const bool isInTime = !isReplaced && !stalled.contains(name);
         if (isInTime)
             m_mirror.setFrame(name, placement->second);
         m_underWay.erase(placement);
@@ -50,8 +53,9 @@ public:
     }
 
     std::vector<std::string> calls;
-    std::set<std::string> stalled; ///< windows that do not settle in time
-    bool isSilent = false;         ///< whether it does not even report that they do not
+    std::set<std::string> stalled;  ///< windows that do not settle in time
+    std::set<std::string> replaced; ///< windows for which another frame is requested during the wait
+    bool isSilent = false;          ///< whether it does not even report that they do not
 
 private:
     Mirror& m_mirror;
@@ -213,6 +217,70 @@ TEST_F(WaylandAccessibilityTest, AfterAMoveByTheUserAWindowIsNoLongerCorrected) 
     mirror.setFrame("a", kWanted);
     mirror.deliver();
     EXPECT_THAT(corrected, ElementsAre(kWider));
+}
+
+TEST_F(WaylandAccessibilityTest, ALatePlacementThatAnotherRequestReplacesIsNotReported) {
+    compositor.stalled = {"a"};
+    write("a", kWanted);
+    EXPECT_EQ(readSize("a"), std::nullopt);
+
+    clock.advance(10s);
+    mirror.replace(mirror.named("a"));
+    mirror.setFrame("a", kWider);
+    mirror.deliver();
+
+    EXPECT_THAT(corrected, IsEmpty());
+    EXPECT_EQ(readSize("a"), kWider.size());
+}
+
+TEST_F(WaylandAccessibilityTest, APlacementThatAnotherRequestReplacesDuringTheWaitIsNotReported) {
+    compositor.replaced = {"a"};
+    write("a", kWanted);
+    EXPECT_EQ(readSize("a"), std::nullopt) << "its frame is not known yet";
+    mirror.deliver();
+
+    mirror.setFrame("a", kWider);
+    mirror.deliver();
+
+    EXPECT_THAT(corrected, IsEmpty());
+    EXPECT_EQ(readSize("a"), kWider.size());
+}
+
+TEST_F(WaylandAccessibilityTest, AWindowOfSeveralWhosePlacementAnotherRequestReplacesIsNotReported) {
+    compositor.replaced = {"a"};
+    auto several = accessibility.writeSeveral();
+    for (const char* const name : {"a", "b"}) {
+        write(name, kWanted);
+        EXPECT_EQ(readSize(name), std::nullopt);
+    }
+    several.reset();
+    mirror.deliver();
+    EXPECT_THAT(corrected, testing::Each(kWanted)) << "of the other window";
+    corrected.clear();
+
+    mirror.setFrame("a", kWider);
+    mirror.deliver();
+
+    EXPECT_THAT(corrected, IsEmpty());
+}
+
+TEST_F(WaylandAccessibilityTest, AfterARequestByAnotherAWindowIsCorrectedOnlyOnceItIsWrittenAgain) {
+    write("a", kWanted);
+    EXPECT_EQ(readSize("a"), kWanted.size());
+    mirror.deliver();
+    corrected.clear();
+
+    mirror.replace(mirror.named("a"));
+    mirror.setFrame("a", kWider);
+    mirror.deliver();
+    EXPECT_THAT(corrected, IsEmpty());
+
+    compositor.stalled = {"a"};
+    write("a", kWanted);
+    EXPECT_EQ(readSize("a"), std::nullopt);
+    mirror.setFrame("a", kStart);
+    mirror.deliver();
+    EXPECT_THAT(corrected, ElementsAre(kStart));
 }
 
 TEST_F(WaylandAccessibilityTest, AWindowThatSettlesLongAfterItHasBeenReadIsReportedWithItsCorrections) {

@@ -96,6 +96,21 @@ TEST_F(MirrorTest, ASnapshotGivesOrderActiveWindowAndDisplays) {
     EXPECT_EQ(mirror.primary(), kLeft);
 }
 
+TEST_F(MirrorTest, AReplacementIsAnnouncedBetweenTheFramesBeforeAndAfterIt) {
+    std::vector<std::string> notices;
+    const auto changes = mirror.onFrameChanged([&](WindowId, const Rect&) { notices.emplace_back("frame"); });
+    const auto replacements = mirror.onReplaced(
+        [&](WindowId window) { notices.push_back("replaced " + mirror.find(window)->name); });
+
+    mirror.setFrame("a", kOther);
+    mirror.replace(mirror.named("a"));
+    mirror.setFrame("a", kFrame);
+    EXPECT_THAT(notices, IsEmpty());
+    mirror.deliver();
+
+    EXPECT_THAT(notices, ElementsAre("frame", "replaced a", "frame"));
+}
+
 TEST_F(MirrorTest, AnUnknownIdOrNameIsNoWindow) {
     EXPECT_EQ(mirror.named("c"), kNoWindow);
     EXPECT_EQ(mirror.named(""), kNoWindow);

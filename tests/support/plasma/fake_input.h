@@ -16,8 +16,10 @@ inline constexpr std::uint32_t kDigit1 = 2;
 inline constexpr std::uint32_t kLeftControl = 29;
 inline constexpr std::uint32_t kLeftShift = 42;
 inline constexpr std::uint32_t kLeftAlt = 56;
+inline constexpr std::uint32_t kPageUp = 104;
 inline constexpr std::uint32_t kLeft = 105;
 inline constexpr std::uint32_t kRight = 106;
+inline constexpr std::uint32_t kDown = 108;
 inline constexpr std::uint32_t kLeftMeta = 125;
 } // namespace key
 
