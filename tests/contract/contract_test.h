@@ -3,6 +3,7 @@
 #pragma once
 
 #include "contract/contract_desktop.h"
+#include "support/x11/deadline.h"
 
 #include <gtest/gtest.h>
 
@@ -40,13 +41,17 @@ protected:
         return typed ? std::optional(*typed) : std::nullopt;
     }
 
-    /// Returns the window's frame as the back end reads it; the null rectangle when it cannot be read.
+    /// Returns the window's frame as the back end reads it. On a busy machine a window may take a written
+    /// frame later than a read waits for; it cannot be read until then. Returns the null rectangle if it
+    /// never can.
     [[nodiscard]] Rect readFrame(const Element& window) {
-        const auto position = read<Point>(window, attribute::kPosition);
-        const auto size = read<Size>(window, attribute::kSize);
-        if (!position || !size)
-            return Rect::null();
-        return {position->x, position->y, size->width, size->height};
+        for (const x11test::Deadline deadline; !deadline.passed(); desktop->settle()) {
+            const auto position = read<Point>(window, attribute::kPosition);
+            const auto size = read<Size>(window, attribute::kSize);
+            if (position && size)
+                return {position->x, position->y, size->width, size->height};
+        }
+        return Rect::null();
     }
 
     /// Writes size, position and size again, in the order in which the core places windows.

@@ -291,8 +291,10 @@ void PlasmaContractDesktop::settle() {
     const auto windows = m_mirror.frontToBack();
     require(std::all_of(windows.begin(), windows.end(), isSettled), "settled windows");
     m_line.roundTrip();
-    for (const auto& copy : m_copies)
-        copy->roundTrip();
+    for (int times = 0; times < 2; ++times) { // also for what one copy has sent to another
+        for (const auto& copy : m_copies)
+            copy->roundTrip();
+    }
     m_line.roundTrip();
 }
 
