@@ -48,6 +48,11 @@ wayland::BusCall setKeys(std::uint32_t id, std::vector<std::int64_t> keys) {
     return call("setShortcut", "asaiu", {identityOf(id), std::move(keys), kSetPresent | kNoAutoloading});
 }
 
+/// Returns the call that keeps all shortcuts of the desktop from working, or lets them work again.
+wayland::BusCall blocked(bool isBlocked) {
+    return call("blockGlobalShortcuts", "b", {std::int64_t{isBlocked}});
+}
+
 } // namespace
 
 GlobalShortcuts::GlobalShortcuts(wayland::BusLink& link, KeyboardLayout& layout)
@@ -70,20 +75,31 @@ GlobalShortcuts::~GlobalShortcuts() {
 }
 
 void GlobalShortcuts::releaseLeftovers(std::chrono::milliseconds patience) {
-    setBlocked(false);
     const auto hasReply = std::make_shared<bool>(false); // shared, because the reply may come after the wait
     m_link.call(
-        {kService, kComponentPath, kComponentInterface, "shortcutNames"},
-        [this, hasReply, alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
+        blocked(false),
+        [this, hasReply, alive = m_lifetime.watch()](const wayland::BusMessage&) {
             *hasReply = true;
             if (!alive.expired())
-                unregisterOthers(reply.value<std::vector<std::string>>(0));
+                review();
         },
         wayland::BusLink::Delivery::Urgent);
     m_link.waitUntil([&] { return *hasReply || m_link.isLost(); }, patience);
 }
 
-/// Takes back the shortcuts with these names that this run has not registered.
+/// Asks for all shortcuts under the program's name. To be called when Plasma has handled the first
+/// registration: it refuses a call to an object that is not there yet before it handles the calls that make
+/// the object.
+void GlobalShortcuts::review() {
+    m_link.call({kService, kComponentPath, kComponentInterface, "shortcutNames"},
+                [this, alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
+                    if (!alive.expired())
+                        unregisterOthers(reply.value<std::vector<std::string>>(0));
+                });
+}
+
+/// Takes back the shortcuts with these names that this run has not registered, and requests the keys again
+/// that one of them may have had.
 void GlobalShortcuts::unregisterOthers(const std::vector<std::string>& names) {
     for (const std::string& name : names) {
         const auto isNamed = [&name](const Shortcut& shortcut) {
@@ -92,6 +108,7 @@ void GlobalShortcuts::unregisterOthers(const std::vector<std::string>& names) {
         if (std::none_of(m_shortcuts.begin(), m_shortcuts.end(), isNamed))
             m_link.call(call("unregister", "ss", {kComponent, name}));
     }
+    retryTaken();
 }
 
 std::optional<std::int32_t> GlobalShortcuts::keyOf(const HotKeyRequest& request) const {
@@ -123,7 +140,7 @@ SubscriptionPtr GlobalShortcuts::blockAll() {
 }
 
 void GlobalShortcuts::setBlocked(bool isBlocked) {
-    m_link.call(call("blockGlobalShortcuts", "b", {std::int64_t{isBlocked}}));
+    m_link.call(blocked(isBlocked));
 }
 
 void GlobalShortcuts::deliver() {

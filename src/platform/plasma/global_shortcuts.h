@@ -39,9 +39,10 @@ public:
     /// Gives all combinations back. Claims may outlive this object and then do nothing.
     ~GlobalShortcuts() override;
 
-    /// Takes back what an earlier run has left behind: shortcuts that this one has not registered, and a
-    /// block of all shortcuts. Then waits, at most for `patience`, until Plasma replies. It handles one call
-    /// after another, so by then all hot keys that have been registered work.
+    /// Takes back what an earlier run has left behind: a block of all shortcuts and, once Plasma has named
+    /// them, shortcuts that this run has not registered. Waits, at most for `patience`, until Plasma replies.
+    /// It handles one call after another, so by then all hot keys that have been registered work. To be
+    /// called after the first registration.
     void releaseLeftovers(std::chrono::milliseconds patience);
 
     /// Keeps the hot keys that are pressed from now on until `deliver`.
@@ -70,6 +71,7 @@ private:
         bool isHeld = false; ///< it has been pressed and not been released
     };
 
+    void review();
     void unregisterOthers(const std::vector<std::string>& names);
     [[nodiscard]] SubscriptionPtr claim(const HotKeyRequest& request);
     [[nodiscard]] Shortcut* withSerial(std::size_t serial);

@@ -11,6 +11,9 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
 #include <vector>
 
 namespace tessarel::plasmatest {
@@ -23,6 +26,9 @@ constexpr const char* kUsualSettings = R"({"hasOnboarded":true,"rememberApps":fa
 constexpr const char* kRealEditor = "org.kde.kwrite";
 
 constexpr std::uint32_t kControlOption = 6144;
+constexpr std::uint32_t kRight = 124;
+constexpr std::uint32_t kLeft = 123;
+constexpr std::int64_t kControlAltRight = 0x0c000000 | 0x01000014; ///< as Qt numbers keys
 
 constexpr const char* kTwoShortcuts = R"({"hasOnboarded":true,"rememberApps":false,"bindings":{
     "rightHalf":{"keyCode":124,"mods":6144},"arrangeAll":{"keyCode":0,"mods":6144}}})";
@@ -35,6 +41,46 @@ protected:
     }
 
     PlasmaSession session;
+};
+
+/// The hot keys of the back end alone.
+class PlasmaShortcutsTest : public testing::Test {
+protected:
+    [[nodiscard]] std::vector<SubscriptionPtr> claim(std::uint32_t keyCode, std::uint32_t id) {
+        return shortcuts.registerHotKeys(std::vector<HotKeyRequest>{{keyCode, kControlOption, {0, id}}});
+    }
+
+    void send(std::string member, std::string signature, std::vector<wayland::BusValue> values) {
+        link.call({"org.kde.kglobalaccel", "/kglobalaccel", "org.kde.KGlobalAccel", std::move(member),
+                   std::move(signature), std::move(values)});
+    }
+    /// Gives the keys to a shortcut of a program.
+    void setKeys(const std::string& program, const std::string& shortcut, std::vector<std::int64_t> keys) {
+        const std::vector<std::string> identity{program, shortcut, program, shortcut};
+        constexpr std::int64_t kSetWithoutAutoloading = 6;
+        send("doRegister", "as", {identity});
+        send("setShortcut", "asaiu", {identity, std::move(keys), kSetWithoutAutoloading});
+    }
+
+    /// Waits until Plasma has handled everything that was sent.
+    [[nodiscard]] bool waitForPlasma() {
+        bool hasReply = false;
+        link.call(
+            {"org.kde.kglobalaccel", "/kglobalaccel", "org.freedesktop.DBus.Introspectable", "Introspect"},
+            [&](const wayland::BusMessage&) { hasReply = true; }, wayland::BusLink::Delivery::Urgent);
+        return link.waitUntil([&] { return hasReply; }, x11test::kPatience);
+    }
+    [[nodiscard]] bool dispatchUntil(const std::function<bool()>& holds) {
+        return PlasmaSession::waitFor([&] {
+            link.dispatch();
+            return holds();
+        });
+    }
+
+    PlasmaSession session;
+    wayland::BusLink link{session.environment().at("DBUS_SESSION_BUS_ADDRESS")};
+    plasma::KeyboardLayout layout{link, xkb::Keymap::us()};
+    plasma::GlobalShortcuts shortcuts{link, layout};
 };
 
 TEST_F(PlasmaKeysTest, AHotKeyMovesTheActiveWindowExactlyIntoItsZone) {
@@ -121,22 +167,12 @@ TEST(PlasmaKeyNamesTest, KeysAreNamedAfterTheLayoutInUse) {
     EXPECT_GT(changes, changesSoFar);
 }
 
-TEST(PlasmaShortcutsTest, WhileAllShortcutsAreBlockedTheirKeysDoNothing) {
-    PlasmaSession session;
-    wayland::BusLink link(session.environment().at("DBUS_SESSION_BUS_ADDRESS"));
-    plasma::KeyboardLayout layout(link, xkb::Keymap::us());
-    plasma::GlobalShortcuts shortcuts(link, layout);
-    const std::vector<HotKeyRequest> requests{{124, kControlOption, {0, 1}}, {123, kControlOption, {0, 2}}};
+TEST_F(PlasmaShortcutsTest, WhileAllShortcutsAreBlockedTheirKeysDoNothing) {
+    const std::vector<HotKeyRequest> requests{{kRight, kControlOption, {0, 1}},
+                                              {kLeft, kControlOption, {0, 2}}};
     const auto claims = shortcuts.registerHotKeys(requests);
     std::vector<std::uint32_t> pressed;
     const auto handler = shortcuts.installHandler([&](std::uint32_t id) { pressed.push_back(id); });
-    const auto waitForPlasma = [&] {
-        bool hasReply = false;
-        link.call(
-            {"org.kde.kglobalaccel", "/kglobalaccel", "org.freedesktop.DBus.Introspectable", "Introspect"},
-            [&](const wayland::BusMessage&) { hasReply = true; }, wayland::BusLink::Delivery::Urgent);
-        return link.waitUntil([&] { return hasReply; }, x11test::kPatience);
-    };
 
     auto block = shortcuts.blockAll();
     ASSERT_TRUE(waitForPlasma());
@@ -145,32 +181,46 @@ TEST(PlasmaShortcutsTest, WhileAllShortcutsAreBlockedTheirKeysDoNothing) {
     ASSERT_TRUE(waitForPlasma());
     session.input().press({key::kLeftControl, key::kLeftAlt, key::kLeft});
 
-    EXPECT_TRUE(PlasmaSession::waitFor([&] {
-        link.dispatch();
-        return !pressed.empty();
-    }));
+    EXPECT_TRUE(dispatchUntil([&] { return !pressed.empty(); }));
     EXPECT_EQ(pressed, std::vector<std::uint32_t>({2}));
 }
 
-TEST(PlasmaShortcutsTest, AKeyThatTypesNothingIsTakenUntilALayoutHasASymbolForIt) {
-    PlasmaSession session;
-    wayland::BusLink link(session.environment().at("DBUS_SESSION_BUS_ADDRESS"));
-    plasma::KeyboardLayout layout(link, xkb::Keymap::us());
-    plasma::GlobalShortcuts shortcuts(link, layout);
+TEST_F(PlasmaShortcutsTest, AKeyThatTypesNothingIsTakenUntilALayoutHasASymbolForIt) {
     constexpr std::uint32_t kYen = 93;
-    constexpr std::uint32_t kId = 100;
-    const auto claims =
-        shortcuts.registerHotKeys(std::vector<HotKeyRequest>{{kYen, kControlOption, {0, kId}}});
+    const auto claims = claim(kYen, 100);
     ASSERT_NE(claims.front(), nullptr);
-    ASSERT_EQ(shortcuts.taken(), std::vector{kId});
+    ASSERT_EQ(shortcuts.taken(), std::vector{100U});
 
     layout.setKeymap(xkb::keymapOf("jp"));
 
-    EXPECT_TRUE(PlasmaSession::waitFor([&] {
-        link.dispatch();
-        return shortcuts.taken().empty();
-    }));
+    EXPECT_TRUE(dispatchUntil([&] { return shortcuts.taken().empty(); }));
     EXPECT_FALSE(session.keysOf("hotkey100").empty());
+}
+
+TEST_F(PlasmaShortcutsTest, AHotKeyThatAnotherProgramHasAtTheStartIsTakenUntilItIsFree) {
+    setKeys("another", "something", {kControlAltRight});
+    const auto right = claim(kRight, 100);
+    const auto left = claim(kLeft, 101);
+
+    shortcuts.releaseLeftovers(x11test::kPatience);
+
+    EXPECT_TRUE(dispatchUntil([&] { return shortcuts.taken() == std::vector{100U}; }));
+    send("unregister", "ss", {std::string("another"), std::string("something")});
+    shortcuts.retryTaken();
+    EXPECT_TRUE(dispatchUntil([&] { return shortcuts.taken().empty(); }));
+}
+
+TEST_F(PlasmaShortcutsTest, AHotKeyThatAnEarlierRunHasUsedForSomethingElseIsNotTaken) {
+    setKeys("tessarel", "center", {kControlAltRight});
+    const auto right = claim(kRight, 100);
+
+    shortcuts.releaseLeftovers(x11test::kPatience);
+
+    EXPECT_TRUE(dispatchUntil([&] { return session.keysOf("hotkey100") == std::vector{kControlAltRight}; }));
+    EXPECT_EQ(session.shortcuts(), std::vector<std::string>{"hotkey100"});
+    ASSERT_TRUE(waitForPlasma());
+    link.dispatch(); // the reply to the second request
+    EXPECT_TRUE(shortcuts.taken().empty());
 }
 
 TEST_F(PlasmaKeysTest, CommandsFromATerminalMoveTheActiveWindowAndQuit) {

@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+
+#include "platform/plasma/global_shortcuts.h"
+
+#include "platform/wayland/bus_names.h"
+#include "support/scratch_folder.h"
+#include "support/x11/child_process.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace tessarel::plasma {
+namespace {
+
+using namespace std::chrono_literals;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using wayland::BusLink;
+using wayland::BusMessage;
+using Delivery = BusLink::Delivery;
+
+constexpr std::uint32_t kControlOption = 6144;
+constexpr std::uint32_t kRight = 124;
+
+/// The shortcuts on a bus where the test plays Plasma, on the same thread.
+class GlobalShortcutsTest : public testing::Test {
+protected:
+    GlobalShortcutsTest() {
+        const auto note = [this](const BusMessage& call) {
+            calls.push_back(call.member + (call.token == 0 ? "" : "?"));
+            tokens.push_back(call.token);
+        };
+        service = plasma.serve("/kglobalaccel", note, Delivery::Urgent);
+        component = plasma.serve("/component/tessarel", note, Delivery::Urgent);
+        roundTrip(plasma, wayland::busCall("RequestName", "su",
+                                           {std::string("org.kde.kglobalaccel"), std::int64_t{0}}));
+        roundTrip(link, wayland::busCall("GetId", "", {}));
+        link.dispatch(); // the start of the service, after which all shortcuts are registered again
+    }
+
+    static void roundTrip(BusLink& link, wayland::BusCall call) {
+        bool hasReply = false;
+        link.call(
+            std::move(call), [&](const BusMessage&) { hasReply = true; }, Delivery::Urgent);
+        EXPECT_TRUE(link.waitUntil([&] { return hasReply; }, x11test::kPatience));
+    }
+
+    [[nodiscard]] std::vector<SubscriptionPtr> claim() {
+        return shortcuts.registerHotKeys(std::vector<HotKeyRequest>{{kRight, kControlOption, {0, 101}}});
+    }
+
+    /// Waits until Plasma has received as many calls since those that were taken last, and takes them.
+    std::vector<std::string> takeCalls(std::size_t count) {
+        EXPECT_TRUE(exchangeUntil([&] { return calls.size() >= count; }));
+        return std::exchange(calls, {});
+    }
+
+    /// Replies to all calls with a text, which Plasma never does.
+    void replyWithText() {
+        for (const std::uint64_t token : std::exchange(tokens, {}))
+            plasma.answer(token, "text");
+    }
+
+    /// Handles what arrives at both ends until `holds` returns true. Returns false if it does not.
+    bool exchangeUntil(const std::function<bool()>& holds) {
+        const x11test::Deadline deadline;
+        while (!holds() && !deadline.passed()) {
+            plasma.waitUntil(holds, 1ms);
+            link.dispatch();
+        }
+        return holds();
+    }
+
+    ScratchFolder folder;
+    std::string address = "unix:path=" + (folder.path() / "bus").string();
+    x11test::ChildProcess daemon{
+        {"dbus-daemon", "--session", "--nofork", "--nopidfile", "--print-address", "--address=" + address}};
+    std::string printed = daemon.readLine(); // once the bus accepts connections
+    BusLink link{address};
+    BusLink plasma{address};
+    std::vector<std::string> calls; ///< members, with a question mark if a reply is expected
+    std::vector<std::uint64_t> tokens;
+    SubscriptionPtr service;
+    SubscriptionPtr component;
+    KeyboardLayout layout{link, xkb::Keymap::us()};
+    GlobalShortcuts shortcuts{link, layout};
+};
+
+TEST_F(GlobalShortcutsTest, TheShortcutsOfTheProgramAreReadOnceTheRegistrationHasMadeTheirObject) {
+    const auto claims = claim();
+    shortcuts.releaseLeftovers(0ms);
+    EXPECT_THAT(takeCalls(3), ElementsAre("doRegister", "setShortcut?", "blockGlobalShortcuts?"));
+
+    replyWithText();
+
+    EXPECT_THAT(takeCalls(1), ElementsAre("shortcutNames?"));
+}
+
+TEST_F(GlobalShortcutsTest, AServiceThatDoesNotReplyHoldsUpTheStartOnlySoLongAndTheKeyCountsAsGranted) {
+    const auto claims = claim();
+
+    shortcuts.releaseLeftovers(1ms);
+
+    EXPECT_THAT(takeCalls(3), ElementsAre("doRegister", "setShortcut?", "blockGlobalShortcuts?"));
+    EXPECT_THAT(shortcuts.taken(), IsEmpty());
+}
+
+} // namespace
+} // namespace tessarel::plasma
