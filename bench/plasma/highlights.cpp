@@ -69,9 +69,9 @@ private:
 void measureHighlights(int steps) {
     PlasmaSession session;
     start(session, kSettings);
-    session.open({"kwrite"}, plasmatest::kEditor);
+    session.open({"kwrite"}, plasmatest::kRealEditor);
     Overlay overlay(session);
-    const Rect window = session.frame(plasmatest::kEditor).value_or(Rect::null());
+    const Rect window = session.frame(plasmatest::kRealEditor).value_or(Rect::null());
     session.input().moveTo(window.midX(), window.minY() + kPressBelowTop);
     session.input().setLeftButton(true);
     std::vector<double> taken;

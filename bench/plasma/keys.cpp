@@ -90,7 +90,7 @@ void measureKeys(const std::filesystem::path& programs, int presses) {
     session.probe().run(kMoves);
     Table table({"window", "Tessarel p50 ms", "p95 ms", "in the compositor p50 ms", "p95 ms", "p50 ratio"});
     const std::vector<std::pair<std::string, std::string>> windows{{programs / "qt_target", "qt_target"},
-                                                                   {"kwrite", plasmatest::kEditor},
+                                                                   {"kwrite", plasmatest::kRealEditor},
                                                                    {"gtk4-demo", "org.gtk.Demo4"}};
     for (const auto& [command, windowClass] : windows) {
         session.open({command}, windowClass);

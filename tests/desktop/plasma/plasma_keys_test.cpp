@@ -23,8 +23,6 @@ constexpr Rect kRightOfFirst{800, 0, 800, 900};
 
 constexpr const char* kUsualSettings = R"({"hasOnboarded":true,"rememberApps":false})";
 
-constexpr const char* kRealEditor = "org.kde.kwrite";
-
 constexpr std::uint32_t kControlOption = 6144;
 constexpr std::uint32_t kRight = 124;
 constexpr std::uint32_t kLeft = 123;

@@ -22,6 +22,8 @@ namespace tessarel::plasmatest {
 
 /// The class of the window that `PlasmaSession::openEditor` opens.
 inline constexpr const char* kEditor = "org.example.editor";
+/// The class of the windows of kwrite.
+inline constexpr const char* kRealEditor = "org.kde.kwrite";
 
 /// What KWin draws with. Effects, and so the modifiers of a drag, need OpenGL.
 enum class Drawing : std::uint8_t { Software, OpenGl };
