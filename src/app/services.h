@@ -4,7 +4,7 @@
 
 #include "app/login_item.h"
 #include "app/ports.h"
-#include "app/updater.h"
+#include "app/updates/updater.h"
 #include "engine/action_runner.h"
 #include "engine/ax.h"
 #include "engine/geo.h"

@@ -5,7 +5,7 @@
 
 #include "app/command.h"
 #include "platform/plasma/session.h"
-#include "platform/x11/server/command_sender.h"
+#include "platform/x11/instance/command_sender.h"
 #include "program/report.h"
 
 #include <algorithm>

@@ -9,7 +9,7 @@
 #include "platform/qt_x11/qt_x11_application.h"
 #include "platform/qt_x11/work_area_notices.h"
 #include "platform/x11/input/key_lookup.h"
-#include "platform/x11/server/command_channel.h"
+#include "platform/x11/instance/command_channel.h"
 #include "platform/x11/server/connection.h"
 #include "platform/x11/windows/bring_to_user.h"
 #include "platform/x11/x11_desktop.h"

@@ -3,7 +3,7 @@
 #include "program/plasma_program.h"
 
 #include "platform/plasma/command_service.h"
-#include "platform/plasma/local_keys.h"
+#include "platform/plasma/keys/local_keys.h"
 #include "platform/plasma/own_application.h"
 #include "platform/plasma/plasma_desktop.h"
 #include "platform/plasma/session.h"

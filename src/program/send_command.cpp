@@ -4,7 +4,7 @@
 
 #include "platform/plasma/command_service.h"
 #include "platform/plasma/session.h"
-#include "platform/x11/server/command_sender.h"
+#include "platform/x11/instance/command_sender.h"
 
 #include <cstdlib>
 

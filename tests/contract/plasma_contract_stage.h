@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "platform/plasma/shortcut_keys.h"
+#include "platform/plasma/keys/shortcut_keys.h"
 #include "platform/qt/qt_main_queue.h"
 #include "platform/wayland/bus_link.h"
 #include "support/plasma/plasma_session.h"

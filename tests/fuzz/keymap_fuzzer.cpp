@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "fuzz/input.h"
-#include "platform/plasma/shortcut_keys.h"
+#include "platform/plasma/keys/shortcut_keys.h"
 #include "platform/xkb/keycode_table.h"
 #include "platform/xkb/keymap.h"
 

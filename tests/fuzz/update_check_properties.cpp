@@ -2,8 +2,8 @@
 
 #include "update_check_properties.h"
 
-#include "app/update_feed.h"
-#include "app/updater.h"
+#include "app/updates/update_feed.h"
+#include "app/updates/updater.h"
 
 namespace tessarel::fuzz {
 

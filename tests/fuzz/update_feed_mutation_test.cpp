@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "app/update_feed.h"
+#include "app/updates/update_feed.h"
 #include "update_check_properties.h"
 
 #include <gtest/gtest.h>

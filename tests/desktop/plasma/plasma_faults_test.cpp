@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 
 #include "platform/plasma/bridge.h"
-#include "platform/plasma/global_shortcuts.h"
+#include "platform/plasma/keys/global_shortcuts.h"
 #include "platform/plasma/scripts.h"
 #include "platform/sim/time/sim_clock.h"
 #include "platform/sim/time/sim_main_queue.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/plasma/global_shortcuts.h"
-#include "platform/plasma/key_names.h"
-#include "platform/plasma/keyboard_layout.h"
+#include "platform/plasma/keys/global_shortcuts.h"
+#include "platform/plasma/keys/key_names.h"
+#include "platform/plasma/keys/keyboard_layout.h"
 #include "support/keymap_of.h"
 #include "support/plasma/plasma_session.h"
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "app/updater.h"
+#include "app/updates/updater.h"
 #include "platform/qt_web/qt_url_loading.h"
 #include "platform/sim/sim_desktop.h"
 #include "web_test.h"

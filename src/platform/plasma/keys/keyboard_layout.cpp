@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/plasma/keyboard_layout.h"
+#include "platform/plasma/keys/keyboard_layout.h"
 
 #include <utility>
 

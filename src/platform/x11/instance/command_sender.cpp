@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/x11/server/command_sender.h"
+#include "platform/x11/instance/command_sender.h"
 
 #include "platform/x11/server/display.h"
 #include "platform/x11/server/event.h"

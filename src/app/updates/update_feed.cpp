@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "app/update_feed.h"
+#include "app/updates/update_feed.h"
 
 #include "model/json.h"
 

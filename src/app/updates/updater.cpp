@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
-#include "app/updater.h"
+#include "app/updates/updater.h"
 
-#include "app/update_feed.h"
+#include "app/updates/update_feed.h"
 #include "model/web_address.h"
 
 #include <algorithm>

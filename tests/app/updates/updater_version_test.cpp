@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "app/updater.h"
+#include "app/updates/updater.h"
 
 #include <gtest/gtest.h>
 

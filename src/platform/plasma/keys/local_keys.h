@@ -3,7 +3,7 @@
 #pragma once
 
 #include "model/call_on_end.h"
-#include "platform/plasma/global_shortcuts.h"
+#include "platform/plasma/keys/global_shortcuts.h"
 #include "ports/desktop/local_keys_port.h"
 
 #include <memory>

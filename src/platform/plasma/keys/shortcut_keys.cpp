@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/plasma/shortcut_keys.h"
+#include "platform/plasma/keys/shortcut_keys.h"
 
 #include "model/carbon_mods.h"
 #include "platform/xkb/keycode_table.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/plasma/global_shortcuts.h"
+#include "platform/plasma/keys/global_shortcuts.h"
 
 #include "platform/wayland/bus_names.h"
 #include "support/scratch_folder.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/x11/server/single_instance.h"
+#include "platform/x11/instance/single_instance.h"
 
 #include "platform/x11/event_loop.h"
 #include "support/x11/observer.h"

@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "platform/plasma/keyboard_layout.h"
+#include "platform/plasma/keys/keyboard_layout.h"
 #include "platform/xkb/printed_names.h"
 #include "ports/desktop/key_names_port.h"
 

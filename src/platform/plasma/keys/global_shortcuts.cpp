@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/plasma/global_shortcuts.h"
+#include "platform/plasma/keys/global_shortcuts.h"
 
 #include "model/action_id.h"
 #include "model/call_on_end.h"
 #include "model/config.h"
-#include "platform/plasma/shortcut_keys.h"
+#include "platform/plasma/keys/shortcut_keys.h"
 #include "platform/wayland/bus_names.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/x11/server/command_channel.h"
+#include "platform/x11/instance/command_channel.h"
 
-#include "platform/x11/server/command_sender.h"
+#include "platform/x11/instance/command_sender.h"
 #include "platform/x11/server/event.h"
 #include "platform/x11/server/property.h"
 #include "platform/x11/server/server_time.h"

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 
-#include "platform/x11/server/command_channel.h"
+#include "platform/x11/instance/command_channel.h"
 
 #include "platform/x11/event_loop.h"
-#include "platform/x11/server/command_sender.h"
+#include "platform/x11/instance/command_sender.h"
 #include "support/x11/observer.h"
 #include "support/x11/x_server.h"
 

@@ -5,7 +5,7 @@
 #include "model/lifetime.h"
 #include "model/signal.h"
 #include "model/subscription.h"
-#include "platform/plasma/keyboard_layout.h"
+#include "platform/plasma/keys/keyboard_layout.h"
 #include "platform/wayland/bus_link.h"
 #include "ports/desktop/hot_key_port.h"
 
