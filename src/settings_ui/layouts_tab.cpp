@@ -146,7 +146,7 @@ void LayoutsTab::refresh() {
     for (const GridStep& step : kGridSteps)
         if (std::abs(step.percent - m_store.settings.gridStep) <= kSameStep)
             m_gridPopup->select(step.percent);
-    m_editor->update();
+    m_editor->zonesChanged();
     m_recorder->refresh();
     refreshFields();
 }

@@ -61,6 +61,14 @@ TEST_F(OutsideLayoutsTest, TheZonesInUseSelectTheirLayout) {
     EXPECT_EQ(chosen(), Presets::all()[3].name);
 }
 
+TEST_F(OutsideLayoutsTest, TheDescriptionOfThePictureFollows) {
+    settings.zones = Presets::all()[1].zones;
+    tab->refresh();
+
+    EXPECT_EQ(editor()->accessibleDescription(), "Zone 1: left 0 %, top 0 %, 50 % wide, 100 % high. "
+                                                 "Zone 2: left 50 %, top 0 %, 50 % wide, 100 % high");
+}
+
 TEST_F(OutsideLayoutsTest, ANumberThatIsBeingTypedStays) {
     type(x(), "12");
 
