@@ -38,8 +38,17 @@ void ZoneFields::add(QWidget& parent, int index, const QString& title) {
     field->setAccessibleName(title);
     label->setBuddy(field);
     m_fields.at(static_cast<std::size_t>(index)) = field;
-    QObject::connect(field, &QLineEdit::textEdited, field, [this] { onType(); });
+    QObject::connect(field, &QLineEdit::textEdited, field, [this, field] { type(*field); });
     QObject::connect(field, &QLineEdit::editingFinished, field, [this, field] { end(*field); });
+}
+
+/// Calls `onType`. Also calls `onEnd` for a field without the focus, into which text has been dropped: the
+/// user may never enter and leave that field.
+void ZoneFields::type(QLineEdit& field) {
+    field.setModified(true); // Qt takes a field for unmodified once the user has undone all changes
+    onType();
+    if (!field.hasFocus())
+        end(field);
 }
 
 /// Calls `onEnd` if the user has changed the field; Qt also reports the end of editing for unchanged fields.

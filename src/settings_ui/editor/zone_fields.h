@@ -26,7 +26,8 @@ public:
 
     /// Called after each change by the user.
     std::function<void()> onType;
-    /// Called when the user presses Return in a changed field or leaves it.
+    /// Called when the user presses Return in a changed field or leaves it, and after text has been dropped
+    /// into a field without the focus.
     std::function<void()> onEnd;
 
     /// Shows the numbers of `zone` and enables the fields if the zone is enabled. A field that the user is
@@ -43,6 +44,7 @@ public:
 
 private:
     void add(QWidget& parent, int index, const QString& title);
+    void type(QLineEdit& field);
     void end(QLineEdit& field);
 
     std::array<QLineEdit*, 4> m_fields{};

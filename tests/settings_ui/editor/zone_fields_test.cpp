@@ -5,9 +5,13 @@
 #include "model/presets.h"
 #include "support/offscreen_test.h"
 
+#include <QApplication>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QLineEdit>
 #include <QList>
 #include <QLocale>
+#include <QMimeData>
 #include <QString>
 #include <QTest>
 
@@ -167,6 +171,37 @@ TEST_F(ZoneFieldsTest, LeavingAChangedFieldEndsEditingOnce) {
     EXPECT_EQ(ends, 1);
     QTest::keyClick(&field(1), Qt::Key_Tab);
     EXPECT_EQ(ends, 1) << "nothing has been typed there";
+}
+
+TEST_F(ZoneFieldsTest, LeavingAFieldWhoseTextHasBeenUndoneEndsEditingToo) {
+    zone.w = 100.0 / 3;
+    fields.show(zone);
+    QTest::mouseClick(&x(), Qt::LeftButton);
+    QTest::keyClick(&x(), Qt::Key_5);
+    QTest::keyClick(&x(), Qt::Key_Z, Qt::ControlModifier);
+    ASSERT_EQ(x().text(), "20");
+    ASSERT_EQ(zone.w, 33.33) << "typing has stored the numbers as they are shown";
+
+    QTest::keyClick(&x(), Qt::Key_Tab);
+
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(ZoneFieldsTest, TextThatIsDroppedIntoAFieldWithoutTheFocusEndsEditingAtOnce) {
+    QTest::mouseClick(&w(), Qt::LeftButton);
+    QMimeData text;
+    text.setText("5");
+    QDragEnterEvent enter({0, 10}, Qt::CopyAction, &text, Qt::LeftButton, {});
+    QApplication::sendEvent(&x(), &enter);
+    QDropEvent drop({0, 10}, Qt::CopyAction, &text, Qt::LeftButton, {});
+
+    QApplication::sendEvent(&x(), &drop);
+
+    EXPECT_EQ(zone.x, 100) << "520, which is beyond the screen";
+    EXPECT_EQ(x().text(), "100");
+    EXPECT_EQ(ends, 1);
+    fields.show(Presets::z(1, 2, 3, 4));
+    EXPECT_EQ(x().text(), "1");
 }
 
 TEST_F(ZoneFieldsTest, AFocusedFieldWithoutTypedTextIsUpdated) {
