@@ -28,7 +28,8 @@ struct PlatformWords {
     std::string usableArea = "below the menu bar, beside the Dock";
     /// Beginning of a sentence that names what else may snap windows at the screen edges.
     std::string otherEdgeTiling = "macOS has its own edge tiling (System Settings > Desktop & Dock)";
-    /// Sentence about the keys that show the zones, below their setting; may be empty.
+    /// Sentence about the keys that show the zones, below their setting. May be empty; otherwise the back end
+    /// may change it at runtime.
     std::string dragNote = {};
     /// Full names of the modifiers that can be chosen as trigger.
     std::string controlKey = "Control";

@@ -64,6 +64,14 @@ QString titleOf(DragTrigger trigger, const PlatformWords& words) {
     return {};
 }
 
+QString edgeNote(const PlatformWords& words) {
+    const QString note =
+        QStringLiteral("Edges give halves, corners give quarters, the top edge maximizes. %1; "
+                       "turn one of the two off to avoid double snapping.")
+            .arg(toQString(words.otherEdgeTiling));
+    return words.dragNote.empty() ? note : note + QLatin1Char(' ') + toQString(words.dragNote);
+}
+
 } // namespace
 
 GeneralTab::GeneralTab(const TabContext& context) : m_context(context) {
@@ -114,14 +122,8 @@ void GeneralTab::buildDragging() {
     m_edgeBox = makeCheckBox(m_view, QStringLiteral("Also snap at screen edges and corners"),
                              {16, 246, 380, 20}, [this](bool on) { edgeToggled(on); });
     const PlatformWords& words = m_context.ports.words;
-    const QString edges =
-        QStringLiteral("Edges give halves, corners give quarters, the top edge maximizes. %1; turn one of "
-                       "the two off to avoid double snapping.")
-            .arg(toQString(words.otherEdgeTiling));
-    if (words.dragNote.empty())
-        makeWrap(m_view, edges, {36, 270, 400, 50}, kNote);
-    else
-        makeWrap(m_view, edges + QLatin1Char(' ') + toQString(words.dragNote), {36, 270, 400, 74}, kNote);
+    const int height = words.dragNote.empty() ? 50 : 74;
+    m_edgeNote = makeWrap(m_view, edgeNote(words), {36, 270, 400, height}, kNote);
 }
 
 void GeneralTab::buildTriggerPopup(QLabel& label) {
@@ -180,6 +182,7 @@ void GeneralTab::refresh() {
 
 void GeneralTab::refreshSystemStates() {
     m_loginBox->setChecked(m_context.services.loginItem.isEnabled());
+    showEdgeNote();
     showPermission();
 }
 
@@ -201,6 +204,11 @@ void GeneralTab::showRemembered() {
     const auto count = settings().appZones.size();
     setFittedText(*m_forgetButton, QStringLiteral("Forget remembered apps (%1)").arg(count));
     m_forgetButton->setEnabled(count > 0);
+}
+
+/// Shows the note again, of which the system may have changed the part about the keys.
+void GeneralTab::showEdgeNote() {
+    setFittedText(*m_edgeNote, edgeNote(m_context.ports.words));
 }
 
 void GeneralTab::showPermission() {

@@ -27,9 +27,10 @@ public:
     /// Returns the tab's view, which the tab owns.
     [[nodiscard]] FlippedView* view() { return &m_view; }
 
-    /// Shows the current settings, and the states of the login item and the permission.
+    /// Shows the current settings, and what `refreshSystemStates` shows.
     void refresh();
-    /// Shows the states of the login item and the permission, which the user may have changed elsewhere.
+    /// Shows the states of the login item and the permission, which the user may have changed elsewhere, and
+    /// what the system says about the keys of a drag.
     void refreshSystemStates();
 
 private:
@@ -58,6 +59,7 @@ private:
     void showReadouts();
     void showDragging();
     void showRemembered();
+    void showEdgeNote();
     void showPermission();
     void reloadTable();
     [[nodiscard]] int selectedRow() const;
@@ -75,6 +77,7 @@ private:
     QCheckBox* m_dragBox = nullptr;
     PopUpButton* m_triggerPopup = nullptr;
     QCheckBox* m_edgeBox = nullptr;
+    QLabel* m_edgeNote = nullptr;
     QListWidget* m_table = nullptr;
     QLabel* m_accLabel = nullptr;
     QPushButton* m_accButton = nullptr;

@@ -315,6 +315,19 @@ TEST_F(GeneralTabTest, ASystemCanAddANoteAboutTheKeysHeldDuringADrag) {
                     .endsWith(" to avoid double snapping. Shift has a meaning of its own here."));
 }
 
+TEST_F(GeneralTabTest, TheNoteAboutTheKeysFollowsTheSystem) {
+    PlatformWords words;
+    words.dragNote = "No keys are reported.";
+    const Ports here = simPorts(desktop, copy, words);
+    GeneralTab elsewhere({services, here, {}});
+
+    words.dragNote = "Keys are reported.";
+    elsewhere.refreshSystemStates();
+
+    EXPECT_TRUE(fullText(at<QLabel>(*elsewhere.view(), {36, 270, 400, 74}))
+                    .endsWith(" to avoid double snapping. Keys are reported."));
+}
+
 TEST_F(GeneralTabTest, TheTextsUseTheWordsOfTheSystem) {
     PlatformWords words;
     words.otherEdgeTiling = "Your window manager may have its own edge tiling";
