@@ -278,6 +278,16 @@ TEST_F(LayoutsTabTest, SelectingAnotherZoneEndsEditingForThePreviousZone) {
     EXPECT_EQ(announcements, 1);
 }
 
+TEST_F(LayoutsTabTest, ClosingTheWindowEndsEditing) {
+    type(x(), "12,5");
+
+    tab->view()->close();
+
+    EXPECT_EQ(announcements, 1);
+    EXPECT_EQ(x()->text(), "12.5");
+    EXPECT_EQ(chosen(), "Custom (current)");
+}
+
 TEST_F(LayoutsTabTest, ARefreshKeepsTextThatIsBeingTyped) {
     type(x(), "1");
     settings.zones = Presets::all()[8].zones;

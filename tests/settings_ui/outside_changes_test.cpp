@@ -79,6 +79,37 @@ TEST_F(OutsideLayoutsTest, ANumberThatIsBeingTypedStays) {
     EXPECT_EQ(y()->text(), "7");
 }
 
+TEST_F(OutsideLayoutsTest, DisablingTheZoneEndsTheEditOfItsNumbers) {
+    type(x(), "12");
+
+    settings.zones[0].enabled = false;
+    tab->refresh();
+
+    EXPECT_EQ(announcements, 1);
+    EXPECT_FALSE(saved()->zones[0].enabled);
+    EXPECT_EQ(saved()->zones[0].x, 12);
+    for (const QLineEdit* const field : {x(), y(), w(), h()}) {
+        EXPECT_FALSE(field->isEnabled());
+        EXPECT_FALSE(field->isModified());
+    }
+}
+
+TEST_F(OutsideLayoutsTest, ALayoutIsSavedAsItIsWhenItsNameHasBeenTyped) {
+    settings.userLayouts = {{"First", {}}, {"Second", {}}};
+    tab->refresh();
+    desktop.alerts().texts = {"Second"};
+    desktop.alerts().whileShown = [this] {
+        settings.userLayouts = {{"Second", {}}, {"Third", {}}};
+        settings.zones = Presets::pad({Presets::z(1, 2, 30, 40)});
+        tab->refresh();
+    };
+
+    click(saveAs());
+
+    EXPECT_EQ(saved()->userLayouts, (std::vector<Layout>{{"Second", settings.zones}, {"Third", {}}}));
+    EXPECT_EQ(chosen(), "Mine: Second");
+}
+
 TEST_F(OutsideLayoutsTest, AZoneThatIsBeingDraggedStaysWithThePointer) {
     settings.zones[0] = Presets::z(10, 10, 40, 40);
     tab->refresh();
