@@ -54,6 +54,12 @@ void center(QWidget& window) {
     window.move(std::max(frame.left(), room.left()), std::max(frame.top(), room.top()));
 }
 
+/// Returns whether the centre of `window` is on a screen. It is not after the display has been unplugged, and
+/// not every window manager moves the window then.
+bool isOnScreen(const QWidget& window) {
+    return QGuiApplication::screenAt(window.frameGeometry().center()) != nullptr;
+}
+
 /// The window, as a class of its own, by which `makeAccessible` recognises it.
 class Window : public QWidget {
 public:
@@ -103,6 +109,8 @@ std::optional<SettingsWindowController::Tab> SettingsWindowController::tab(int r
 void SettingsWindowController::show(std::optional<Tab> tab) {
     if (!m_window)
         makeWindow();
+    if (!isOnScreen(*m_window))
+        center(*m_window);
     refreshAll();
     if (tab)
         m_tabs->setCurrentIndex(static_cast<int>(*tab));

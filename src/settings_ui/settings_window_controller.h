@@ -34,8 +34,8 @@ public:
     [[nodiscard]] static std::optional<Tab> tab(int rawValue);
 
     void show() override { show(std::nullopt); }
-    /// Shows the window with the current settings and brings it to the front. Switches to `tab`; without one,
-    /// the window shows the tab that was open last.
+    /// Shows the window with the current settings and brings it to the front, and onto a screen. Switches to
+    /// `tab`; without one, the window shows the tab that was open last.
     void show(std::optional<Tab> tab);
 
     /// Shows the current settings in every tab.

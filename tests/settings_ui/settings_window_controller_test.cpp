@@ -5,6 +5,7 @@
 #include "look/control_style.h"
 #include "model/presets.h"
 #include "settings_ui/kit/kit.h"
+#include "settings_ui/recorder_button.h"
 #include "settings_ui/settings_ui_test.h"
 
 #include <QApplication>
@@ -14,6 +15,7 @@
 #include <QList>
 #include <QPoint>
 #include <QPointF>
+#include <QPushButton>
 #include <QRect>
 #include <QRectF>
 #include <QScreen>
@@ -105,6 +107,23 @@ TEST_F(SettingsWindowControllerTest, EveryTabIsRefreshed) {
     EXPECT_EQ(layout, "Halves");
 }
 
+TEST_F(SettingsWindowControllerTest, AHotKeyRecordedOnOneTabIsShownOnTheOther) {
+    controller.show(Tab::Layouts);
+    QList<RecorderButton*> recorders;
+    for (QPushButton* const button : window().findChildren<QPushButton*>()) {
+        auto* const recorder = dynamic_cast<RecorderButton*>(button);
+        if (recorder && recorder->actionID() == ActionID::zone1)
+            recorders.append(recorder);
+    }
+    ASSERT_EQ(recorders.size(), 2) << "one on the Layouts tab and one on the Shortcuts tab";
+
+    recorders[0]->click();
+    desktop.localKeys().press({11, kControlFlag});
+
+    for (const RecorderButton* const recorder : recorders)
+        EXPECT_EQ(fullText(*recorder), "Ctrl+B");
+}
+
 TEST_F(SettingsWindowControllerTest, ShowingRefreshesTheSettings) {
     controller.show();
     window().close();
@@ -191,6 +210,33 @@ TEST_F(SettingsWindowControllerTest, TheWindowIsCentredOnTheScreenAsFarAsThereIs
 
     EXPECT_EQ(window().x(), room.x());
     EXPECT_EQ(window().y(), room.y() + (room.height() - 540) / 2);
+}
+
+TEST_F(SettingsWindowControllerTest, AWindowWhoseDisplayHasGoneIsCentredAgain) {
+    controller.show();
+    const QPoint centred = window().pos();
+    const int beyond = QApplication::primaryScreen()->geometry().right() + 1;
+
+    window().move(beyond, 100);
+    controller.show();
+    EXPECT_EQ(window().pos(), centred) << "while it is open";
+
+    window().move(beyond, 100);
+    window().close();
+    controller.show();
+    EXPECT_EQ(window().pos(), centred) << "after it has been closed";
+}
+
+TEST_F(SettingsWindowControllerTest, AWindowThatTheUserHasMovedStaysWhereItIs) {
+    controller.show();
+
+    window().move(50, 60);
+    controller.show();
+    EXPECT_EQ(window().pos(), QPoint(50, 60));
+
+    window().close();
+    controller.show();
+    EXPECT_EQ(window().pos(), QPoint(50, 60));
 }
 
 TEST_F(SettingsWindowControllerTest, ShowingTwiceCreatesOneWindowAndKeepsItsTab) {
