@@ -62,8 +62,10 @@ void ZoneFields::end(QLineEdit& field) {
 void ZoneFields::show(const Zone& zone) {
     for (std::size_t i = 0; i < m_fields.size(); ++i) {
         QLineEdit& field = *m_fields[i];
-        if (!field.isModified()) // setText() would replace what the user is typing
-            field.setText(fmtNum(zone.*kNumbers[i]));
+        const QString text = fmtNum(zone.*kNumbers[i]);
+        // setText() would replace what the user is typing, or deselect what the next key is to replace.
+        if (!field.isModified() && !(field.hasFocus() && field.text() == text))
+            field.setText(text);
         field.setEnabled(zone.enabled);
     }
 }

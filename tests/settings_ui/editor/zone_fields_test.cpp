@@ -212,6 +212,18 @@ TEST_F(ZoneFieldsTest, AFocusedFieldWithoutTypedTextIsUpdated) {
     EXPECT_EQ(x().text(), "50");
 }
 
+TEST_F(ZoneFieldsTest, ANumberThatIsShownAgainStaysSelected) {
+    x().setFocus();
+    QTest::keyClick(&x(), Qt::Key_Tab);
+    ASSERT_EQ(field(1).selectedText(), "30");
+
+    fields.show(Presets::z(21, 30, 40, 50));
+    QTest::keyClick(&field(1), Qt::Key_7);
+
+    EXPECT_EQ(field(1).text(), "7") << "the key replaces the selection";
+    EXPECT_EQ(x().text(), "21");
+}
+
 TEST_F(ZoneFieldsTest, ATextIsParsedAsAWholeOrRejected) {
     EXPECT_EQ(ZoneFields::number("12.5"), 12.5);
     EXPECT_EQ(ZoneFields::number(" 12,5\t"), 12.5);
