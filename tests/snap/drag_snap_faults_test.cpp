@@ -213,6 +213,36 @@ TEST_F(DragSnapFaultsTest, AWindowThatCanBeReadInBetweenIsNotGivenUp) {
     EXPECT_EQ(labels(), "1[2]");
 }
 
+TEST_F(DragSnapFaultsTest, AfterAFailedReadTheFrameIsReadAgainExactlyThirtyMillisecondsLater) {
+    grab(window);
+    desktop.drag(window, kStart);
+    desktop.window(window).overrides["AXPosition"] = std::nullopt;
+    desktop.advance(30ms);
+    moveTo({521, 160});
+    desktop.window(window).overrides.clear();
+    (void)desktop.takeRequests();
+
+    desktop.advance(30ms - 1ns);
+    moveTo({522, 160});
+    EXPECT_THAT(desktop.takeRequests(), IsEmpty());
+
+    desktop.advance(1ns);
+    moveTo({600, 160});
+    EXPECT_EQ(labels(), "[1]2");
+}
+
+TEST_F(DragSnapFaultsTest, TheTimeToTheNextReadBeginsWithTheReadThatWaitsForTheProgram) {
+    grab(window);
+    desktop.applicationOf(window).answerTime = 20ms;
+    desktop.advance(30ms);
+    moveTo({521, 160}); // reads the position and the size, which takes 40 ms
+    (void)desktop.takeRequests();
+
+    moveTo({522, 160});
+
+    EXPECT_FALSE(desktop.takeRequests().empty());
+}
+
 TEST_F(DragSnapFaultsTest, AFailedReadOfAnEarlierPressDoesNotCount) {
     for (int press = 0; press < 2; ++press) {
         grab(window);

@@ -102,6 +102,33 @@ TEST_F(DragSnapSizeTest, ADoubleClickThatChangesTheSizeIsNoDrag) {
     }
 }
 
+TEST_F(DragSnapSizeTest, AWindowThatHasBeenResizedIsDraggedOnceItMovesInItsOwnSize) {
+    mouse.hold(kShift);
+    grab(window, {320, 15});
+    desktop.drag(window, {kStart.x, kStart.y + 50, kStart.width, kStart.height - 50});
+    dragTo({520, 215});
+    ASSERT_FALSE(picture.isVisible);
+    desktop.drag(window, kStart);
+
+    dragTo({600, 300});
+
+    EXPECT_TRUE(picture.isVisible);
+}
+
+TEST_F(DragSnapSizeTest, AWindowThatADoubleClickHasShrunkIsDraggedOnceThePointerMoves) {
+    mouse.hold(kShift);
+    grab(window);
+    desktop.drag(window, {-1000, -300, 320, 240});
+    desktop.advance(30ms);
+    mouse.hold(0);
+    mouse.hold(kShift);
+    ASSERT_FALSE(picture.isVisible);
+
+    dragTo({600, 300});
+
+    EXPECT_TRUE(picture.isVisible);
+}
+
 TEST_F(DragSnapSizeTest, AWindowPressedAtItsBorderIsDraggedOnceItKeepsItsSize) {
     for (const Point& grip : {Point{7, 30}, Point{632, 30}, Point{300, 7}}) {
         mouse.hold(kShift);

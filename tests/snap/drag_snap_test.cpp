@@ -448,6 +448,19 @@ TEST_F(DragSnapTest, ARefusedMonitorIsNotKept) {
     EXPECT_EQ(picture.windows, 0);
 }
 
+TEST_F(DragSnapTest, StartingAgainCancelsTheDrag) {
+    mouse.hold(kShift);
+    grab(window);
+    dragTo({1000, 500});
+
+    dragSnap->start();
+
+    EXPECT_FALSE(picture.isVisible);
+    const Rect dropped = desktop.frame(window);
+    drop();
+    EXPECT_EQ(desktop.frame(window), dropped);
+}
+
 TEST_F(DragSnapTest, StopRemovesTheMonitorsAndCancelsTheDrag) {
     mouse.hold(kShift);
     grab(window);
