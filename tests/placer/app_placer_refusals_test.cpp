@@ -189,6 +189,16 @@ TEST_F(AppPlacerDelayTest, PausingCancelsThePlacement) {
     EXPECT_EQ(frameInTheEnd(), kStart);
 }
 
+TEST_F(AppPlacerDelayTest, AWindowThatOpensDuringAPauseIsLeftAloneWhenItEnds) {
+    runtime.paused = true;
+    const auto opened = open(editor);
+    runtime.paused = false;
+    desktop.advance(kWindowDelay);
+
+    EXPECT_EQ(desktop.frame(opened), kStart);
+    EXPECT_EQ(desktop.frame(window), kRight);
+}
+
 TEST_F(AppPlacerDelayTest, LosingAccessCancelsThePlacement) {
     desktop.trust().trusted = false;
     EXPECT_EQ(frameInTheEnd(), kStart);

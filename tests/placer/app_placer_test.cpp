@@ -71,6 +71,16 @@ TEST_F(AppPlacerTest, AWindowThatRefusesToMoveIsNotRetried) {
     EXPECT_EQ(desktop.takeRequests(), Lines{});
 }
 
+TEST_F(AppPlacerTest, AWindowThatTheDesktopRefusesToMoveIsNotRetried) {
+    const auto window = openAndWait(editor, {.axFrame = kStart, .isTiled = true});
+    desktop.window(window).isTiled = false;
+
+    accessibility.reportCreated(window);
+    desktop.advance(kWindowDelay);
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
 TEST_F(AppPlacerTest, TheApplicationIsWatchedFromItsLaunchOn) {
     const ProcessId again = desktop.launch({.bundleIdentifier = "org.example.editor"});
 
@@ -127,6 +137,20 @@ TEST_F(AppPlacerTest, AWindowThatIsReportedTwiceIsPlacedOnce) {
     const auto window = openAndWait(editor);
     desktop.drag(window, kStart);
 
+    accessibility.reportCreated(window);
+    desktop.advance(kWindowDelay);
+
+    EXPECT_EQ(desktop.frame(window), kStart);
+}
+
+TEST_F(AppPlacerTest, AWindowIsPlacedOnceWhateverHappensBetweenItsReports) {
+    const ProcessId mail = desktop.launch({.bundleIdentifier = "org.example.mail"});
+    const auto window = openAndWait(editor);
+    desktop.drag(window, kStart);
+
+    desktop.kill(mail);
+    (void)desktop.launch({.bundleIdentifier = "org.example.editor"});
+    store.saveAndNotify();
     accessibility.reportCreated(window);
     desktop.advance(kWindowDelay);
 
@@ -257,6 +281,16 @@ TEST_F(AppPlacerLaunchTest, ForgettingTheApplicationMeanwhileCancelsThePlacement
     desktop.advance(kLaunchDelay);
 
     EXPECT_EQ(desktop.frame(first), kStart);
+}
+
+TEST_F(AppPlacerLaunchTest, AnApplicationRememberedOnlyAfterItsLaunchIsLeftAlone) {
+    const ProcessId mail = desktop.launch({.bundleIdentifier = "org.example.mail", .refusesObservers = true});
+    const auto window = open(mail);
+    settings.appZones["org.example.mail"] = kRightZone;
+
+    desktop.advance(kLaunchDelay);
+
+    EXPECT_EQ(desktop.frame(window), kStart);
 }
 
 TEST_F(AppPlacerLaunchTest, AnApplicationThatHasEndedMeanwhileIsLeftAlone) {

@@ -92,6 +92,15 @@ TEST_F(AppPlacerWatchTest, NoObserverIsRequestedForAnApplicationThatIsWatchedAlr
     EXPECT_THAT(desktop.takeRequests(), IsEmpty());
 }
 
+TEST_F(AppPlacerWatchTest, ApplicationsAreWatchedEvenWhileZonesAreNotRemembered) {
+    settings.rememberApps = false;
+    placer->start();
+
+    settings.rememberApps = true; // which posts no change of the settings
+
+    EXPECT_EQ(desktop.frame(openAndWait(editor)), kRight);
+}
+
 TEST_F(AppPlacerWatchTest, AnUnresponsiveApplicationDelaysTheStartByAQuarterOfASecond) {
     desktop.application(editor).answerTime = 10s;
     const auto before = desktop.clock().now();
