@@ -36,6 +36,29 @@ TEST_F(MenuCommandsTest, AnActionRunsAfterTheMenuHasClosed) {
     EXPECT_EQ(desktop.frame(window), kLeftHalf);
 }
 
+TEST_F(MenuCommandsTest, ActionsChosenInQuickSuccessionAllRun) {
+    chooseAction(ActionID::leftHalf);
+    desktop.advance(100ms);
+    chooseAction(ActionID::restore);
+
+    desktop.advance(50ms);
+    EXPECT_EQ(desktop.frame(window), kLeftHalf);
+    desktop.advance(100ms);
+    EXPECT_EQ(desktop.frame(window), kSomewhere);
+}
+
+TEST_F(MenuCommandsTest, AnActionWithoutPermissionPromptsAfterTheMenuHasClosed) {
+    desktop.advance(0s); // ends the launch, which prompts as well
+    desktop.trust().trusted = false;
+
+    chooseAction(ActionID::leftHalf);
+    EXPECT_EQ(desktop.trust().prompts, 0);
+    desktop.advance(150ms);
+
+    EXPECT_EQ(desktop.trust().prompts, 1);
+    EXPECT_EQ(desktop.frame(window), kSomewhere);
+}
+
 TEST_F(MenuCommandsTest, AnActionsTagIsItsPosition) {
     choose(MenuCommand::RunMenuAction, 9);
     desktop.advance(150ms);
@@ -86,6 +109,18 @@ TEST_F(MenuCommandsTest, ApplyingALayoutShowsItInTheSettingsWindow) {
 
     EXPECT_EQ(settingsWindow.refreshed, 1);
     EXPECT_EQ(settingsWindow.shown, 1) << "it is not brought to the front again";
+}
+
+TEST_F(MenuCommandsTest, ApplyingTheActiveLayoutIsAnnouncedAndShownLikeAnyOther) {
+    choose(MenuCommand::OpenSettings);
+    choose(MenuCommand::ApplyLayout, 1);
+    int announced = 0;
+    const auto observer = Store::shared().tessarelSettingsChanged.connect([&] { ++announced; });
+
+    choose(MenuCommand::ApplyLayout, 1);
+
+    EXPECT_EQ(announced, 1);
+    EXPECT_EQ(settingsWindow.refreshed, 2);
 }
 
 TEST_F(MenuCommandsTest, ApplyingALayoutCreatesNoSettingsWindow) {
@@ -152,6 +187,15 @@ TEST_F(MenuCommandsTest, PausingAppliesToMenuActionsToo) {
     desktop.advance(1s);
 
     EXPECT_EQ(desktop.frame(window), kSomewhere);
+}
+
+TEST_F(MenuCommandsTest, AnActionChosenDuringAPauseThatEndsBeforeItIsDueRuns) {
+    choose(MenuCommand::TogglePause);
+    chooseAction(ActionID::leftHalf);
+    choose(MenuCommand::TogglePause);
+    desktop.advance(150ms);
+
+    EXPECT_EQ(desktop.frame(window), kLeftHalf);
 }
 
 TEST_F(MenuCommandsTest, PausingAgainResumes) {

@@ -178,6 +178,15 @@ TEST_F(UpdaterTest, TheTimeOfASuccessfulCheckIsSavedForAnyVersion) {
     }
 }
 
+TEST_F(UpdaterTest, TheTimeOfACheckIsThatOfItsReply) {
+    updater->check(kAutomatic);
+    desktop.advance(std::chrono::seconds(10));
+
+    web.answer(0, UrlResponse{200, kNewer});
+
+    EXPECT_EQ(store.settings.lastUpdateCheck, desktop.wallClock().secondsSince1970());
+}
+
 /// Alerts that record the stored settings and the number of activations when a message is shown.
 class DoneWhenShown : public AlertsPort {
 public:
@@ -345,6 +354,17 @@ TEST_F(UpdaterTest, ConcurrentChecksAreReportedInTheOrderOfTheirReplies) {
     EXPECT_EQ(alerts()[2].messageText, "Tessarel 1.3 is available");
 }
 
+TEST_F(UpdaterTest, AnAutomaticCheckFailsSilentlyBesideAManualOne) {
+    updater->check(kAutomatic);
+    updater->check(kManual);
+
+    web.answer(0, std::nullopt);
+    EXPECT_THAT(alerts(), IsEmpty());
+
+    web.answer(1, std::nullopt);
+    EXPECT_EQ(alerts().size(), 1U);
+}
+
 TEST_F(UpdaterTest, EveryCheckHasItsOwnMessage) {
     check(kManual, std::nullopt);
     check(kManual, kNewer);
@@ -354,6 +374,16 @@ TEST_F(UpdaterTest, EveryCheckHasItsOwnMessage) {
 
     EXPECT_THAT(desktop.openUrl().opened, ElementsAre("https://a.example/1.3"));
     EXPECT_THAT(desktop.alerts().standing(), ElementsAre(alerts().front()));
+}
+
+TEST_F(UpdaterTest, EachMessageOpensItsOwnAddress) {
+    check(kManual, R"({"version": "1.3", "url": "https://a.example/first"})");
+    check(kManual, R"({"version": "1.3", "url": "https://a.example/second"})");
+
+    desktop.alerts().close(kDownload);
+    desktop.alerts().close(kDownload);
+
+    EXPECT_THAT(desktop.openUrl().opened, ElementsAre("https://a.example/second", "https://a.example/first"));
 }
 
 TEST_F(UpdaterTest, DestroyingTheUpdaterRemovesItsMessages) {
