@@ -23,6 +23,7 @@ protected:
         const Rect frame = desktop.frame(window);
         desktop.drag(window, {frame.x + 50, frame.y, frame.width, frame.height});
         dragTo({local.x + 50, local.y});
+        dragTo({local.x + 51, local.y}); // a window that was pressed at its border is read twice
         const bool started = picture.isVisible;
         mouse.hold(0);
         dragTo({local.x + 50, local.y});
@@ -50,14 +51,19 @@ TEST_F(DragSnapPressTest, APressOutsideEveryWindowStartsNoDrag) {
 }
 
 TEST_F(DragSnapPressTest, APressOutsideTheReportedFrameStartsNoDrag) {
-    desktop.window(window).overrides["AXPosition"] = at(500, 500);
+    for (const Point& reported : {at(500, 500), at(530, 150), at(-120, 150)}) {
+        desktop.window(window).overrides["AXPosition"] = reported;
 
-    moveTo({520, 160});
-    mouse.press();
-    desktop.window(window).overrides.clear();
-    dragTo({600, 160});
+        moveTo({520, 160});
+        mouse.press();
+        desktop.window(window).overrides.clear();
+        dragTo({600, 160});
+        dragTo({601, 160}); // a window that was pressed at its border is read twice
 
-    EXPECT_FALSE(picture.isVisible);
+        EXPECT_FALSE(picture.isVisible) << reported.x << ", " << reported.y;
+        mouse.release();
+        desktop.drag(window, kStart);
+    }
 }
 
 TEST_F(DragSnapPressTest, APressOnAPartOfAWindowDragsTheWindow) {
