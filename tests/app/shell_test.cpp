@@ -286,13 +286,16 @@ TEST_F(StatusIconTest, TheIconIsDimmedWhilePaused) {
     EXPECT_FALSE(desktop.statusItem().appearsDisabled);
 }
 
-TEST_F(StatusIconTest, WithoutAnySymbolTheInitialsAreDimmedToo) {
+TEST_F(StatusIconTest, WithoutAnySymbolTheInitialsAreDimmedWhilePausedToo) {
     desktop.statusItem().symbols.clear();
     runtime.paused = true;
 
     item.refreshStatusIcon();
-
     EXPECT_TRUE(desktop.statusItem().appearsDisabled);
+
+    runtime.paused = false;
+    item.refreshStatusIcon();
+    EXPECT_FALSE(desktop.statusItem().appearsDisabled);
 }
 
 TEST(MainMenuTest, HasTheStandardEditingKeys) {
