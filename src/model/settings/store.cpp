@@ -36,7 +36,7 @@ Store::Store(PreferencesPort& preferences) : m_preferences(preferences) {
         m_document = *bytes;
     }
     m_replaceable = bytes;
-    m_base = settings;
+    m_base = m_confirmed = settings;
 }
 
 Store& Store::shared() {
@@ -74,16 +74,20 @@ void Store::store(bool hasLock) {
     if (bytes && !stored)
         m_preferences.keepRejected(key);
 
-    const auto document =
-        encodeSettings(merged(m_base, settings, stored.value_or(m_base)), stored ? *bytes : m_document);
+    const auto document = encodeSettings(withOurs(stored.value_or(m_base)), stored ? *bytes : m_document);
     if (!document || (document != bytes && !m_preferences.setData(key, *document)))
         return;
     m_document = *document;
     m_replaceable = document;
     // What the document has beyond our settings now differs from the base, so takeStored() finds it.
+    m_base = settings;
     if (hasLock)
-        m_base = settings;
+        m_confirmed = settings;
     m_due = hasLock ? Due::Nothing : Due::UntilLocked;
+}
+
+AppSettings Store::withOurs(AppSettings stored) const {
+    return merged(m_confirmed, settings, merged(m_base, settings, std::move(stored)));
 }
 
 void Store::saveAndNotify() {
@@ -105,14 +109,14 @@ bool Store::takeStored() {
         return false;
     m_document = *bytes;
     m_replaceable = bytes;
-    auto taken = merged(m_base, settings, *stored);
+    auto taken = withOurs(*stored);
     const bool isNew = !(taken == settings);
     const bool isPosted = !(taken.zones == settings.zones && taken.bindings == settings.bindings &&
                             taken.userLayouts == settings.userLayouts);
+    m_confirmed = merged(settings, m_confirmed, *stored); // `taken` without our changes
+    m_base = *stored;
     settings = std::move(taken);
-    if (m_due == Due::Nothing) {
-        m_base = *stored;
-    } else if (const auto lock = m_preferences.lock(key)) {
+    if (const auto lock = m_due == Due::Nothing ? nullptr : m_preferences.lock(key)) {
         // Only with the lock: otherwise two copies could overwrite each other again and again. And only once:
         // the release of the lock is reported as a change, so a full disk would keep the program busy.
         m_due = Due::Nothing;

@@ -91,10 +91,15 @@ private:
     [[nodiscard]] static std::optional<AppSettings> decoded(const std::optional<std::string>& bytes);
     /// Applies the changes of this copy to the stored document and writes it.
     void store(bool hasLock);
+    /// Returns `stored` with the changes of this copy. It may lack those that have been written without the
+    /// lock, so they are applied again.
+    [[nodiscard]] AppSettings withOurs(AppSettings stored) const;
 
     PreferencesPort& m_preferences;
     /// The settings of the document that is the base of our changes: what differs from them is unsaved.
     AppSettings m_base;
+    /// The base of the changes that have been written without the lock, which another copy may overwrite.
+    AppSettings m_confirmed;
     /// The last document that could be decoded, whose unknown members are kept.
     std::string m_document;
     /// What a save may replace even if it cannot be decoded; empty for a missing document.

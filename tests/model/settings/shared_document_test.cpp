@@ -130,6 +130,16 @@ TEST_F(SharedDocumentTest, AChangeBackToAnEarlierValueIsTakenUp) {
     EXPECT_EQ(store.settings.gap, 0);
 }
 
+TEST_F(SharedDocumentTest, AChangeOfALoadedSettingIsTakenUp) {
+    document() = R"({"gap": 5})";
+    Store loaded(preferences);
+
+    document() = R"({"gap": 7})";
+    loaded.takeStored();
+
+    EXPECT_EQ(loaded.settings.gap, 7);
+}
+
 TEST_F(SharedDocumentTest, TwoCopiesThatChangeTheSameSettingAgreeOnTheLaterOne) {
     store.settings.gap = 5;
     store.save();
@@ -382,6 +392,20 @@ TEST_F(SharedDocumentTest, ASaveWithoutTheLockIsRepeatedWhenTheHolderHasOverwrit
     EXPECT_EQ(stored().margin, 7);
 }
 
+TEST_F(SharedDocumentTest, ASaveWithoutTheLockIsRepeatedAlsoIfItsEchoHasComeFirst) {
+    preferences.isLockedByAnother = true;
+    store.settings.gap = 5;
+    store.save();
+    store.takeStored();
+
+    document() = R"({"gap": 3, "margin": 7})";
+    preferences.isLockedByAnother = false;
+    store.takeStored();
+
+    EXPECT_EQ(stored().gap, 5);
+    EXPECT_EQ(stored().margin, 7);
+}
+
 TEST_F(SharedDocumentTest, TheRepeatedSaveWaitsForTheLock) {
     preferences.isLockedByAnother = true;
     store.settings.gap = 5;
@@ -396,6 +420,54 @@ TEST_F(SharedDocumentTest, TheRepeatedSaveWaitsForTheLock) {
 
     preferences.isLockedByAnother = false;
     store.takeStored();
+    EXPECT_EQ(stored().gap, 5);
+}
+
+TEST_F(SharedDocumentTest, AChangeBackToTheValueBeforeASaveWithoutTheLockIsSaved) {
+    preferences.isLockedByAnother = true;
+    for (const char* const meanwhile : {R"({"gap": 5})", R"({"gap": 7})"}) {
+        store.settings.gap = 5;
+        store.save();
+        document() = meanwhile;
+
+        store.settings.gap = 0;
+        store.save();
+
+        EXPECT_EQ(stored().gap, 0) << meanwhile;
+        store.takeStored();
+        EXPECT_EQ(store.settings.gap, 0) << meanwhile;
+    }
+}
+
+TEST_F(SharedDocumentTest, AChangeToTheValueOfAnEditorAfterASaveWithoutTheLockIsSaved) {
+    preferences.isLockedByAnother = true;
+    store.settings.gap = 5;
+    store.save();
+    document() = R"({"gap": 3})";
+    store.takeStored();
+    EXPECT_EQ(store.settings.gap, 5);
+
+    store.settings.gap = 3;
+    document() = R"({"gap": 9})"; // the holder goes on
+    store.save();
+
+    EXPECT_EQ(stored().gap, 3);
+}
+
+TEST_F(SharedDocumentTest, EveryChangeFromOutsideAfterASaveWithoutTheLockIsTakenUp) {
+    preferences.isLockedByAnother = true;
+    store.settings.gap = 5;
+    store.save();
+
+    document() = R"({"gap": 5, "margin": 7})";
+    store.takeStored();
+    document() = R"({"gap": 5, "margin": 9})";
+    store.takeStored();
+    EXPECT_EQ(store.settings.margin, 9);
+
+    preferences.isLockedByAnother = false;
+    store.takeStored();
+    EXPECT_EQ(stored().margin, 9);
     EXPECT_EQ(stored().gap, 5);
 }
 
