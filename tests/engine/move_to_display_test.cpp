@@ -139,6 +139,24 @@ TEST_F(MoveToDisplayTest, WithoutDisplaysTheAlertSounds) {
     EXPECT_EQ(desktop.beeps(), 1);
 }
 
+TEST_F(MoveToDisplayTest, OnADisplayThatIsNoLongerListedTheAlertSounds) {
+    sim::SimDesktop before;
+    for (const double x : {0, 1000, 2000})
+        before.addScreen({.frame = {x, 0, 1000, 800}});
+    Geo outdated{before.displays(), store};
+    WindowEngine unsettled{
+        ax,   outdated, desktop.displays(), desktop.workspace(), desktop.windowList(), desktop.alertSound(),
+        store};
+    addDisplay(0);
+    addDisplay(1000);
+    openWindow({2200, 150, 640, 480});
+
+    EXPECT_EQ(unsettled.moveFocusedToDisplay(1), Outcome::NoOtherDisplay);
+
+    EXPECT_EQ(desktop.beeps(), 1);
+    EXPECT_TRUE(desktop.takeWrites().empty());
+}
+
 TEST_F(MoveToDisplayTest, AWindowWiderThanItsDisplayGetsTheWidthOfTheTarget) {
     desktop.addScreen({.frame = {0, 0, 1000, 800}});
     desktop.addScreen({.frame = {1000, -100, 1600, 900}});
