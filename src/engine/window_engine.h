@@ -117,7 +117,7 @@ private:
     [[nodiscard]] std::optional<Target> target() const;
     [[nodiscard]] std::optional<TargetOnScreen> targetOnScreen() const;
     /// Finds the element of a window that the window server has listed.
-    [[nodiscard]] std::optional<Element> match(const Rect& axBounds, ProcessId pid,
+    [[nodiscard]] std::optional<Element> match(const ListedWindow& listed, ProcessId pid,
                                                const std::unordered_set<WindowKey>& seen) const;
     void follow(const Element& window, const Rect& axFrame);
     [[nodiscard]] Request newRequest(const Element& window, ProcessId pid, const Rect& axFrame,

@@ -49,7 +49,7 @@ std::vector<FoundWindow> WindowEngine::visibleWindows(const Rect& on, std::size_
         const auto owner = ownerOfVisible(listed, on);
         if (!owner || *owner == m_workspace.ownProcessIdentifier() || isWhollyIgnored(*owner))
             continue;
-        auto window = match(*listed.axBounds, *owner, seen);
+        auto window = match(listed, *owner, seen);
         if (!window)
             continue;
         seen.insert(key(*window));
@@ -66,16 +66,17 @@ bool WindowEngine::isWhollyIgnored(ProcessId pid) const {
     return app && app->ownsWholeProcess && isIgnored(app);
 }
 
-/// Returns the first window of process `pid` that may be moved, has the frame `axBounds` and is not in
-/// `seen`. The window server and the accessibility interface have no common window id, so the frame
-/// identifies the window.
-std::optional<Element> WindowEngine::match(const Rect& axBounds, ProcessId pid,
+/// Returns the first window of process `pid` that may be moved, has the listed frame and is not in `seen`.
+/// Where the list has no keys, only the frame identifies the window. Elsewhere the process may have another
+/// window with that frame on another virtual desktop.
+std::optional<Element> WindowEngine::match(const ListedWindow& listed, ProcessId pid,
                                            const std::unordered_set<WindowKey>& seen) const {
     for (Element& window : m_ax.windows(pid)) {
-        if (!m_ax.isUsable(window))
+        const WindowKey windowKey = key(window);
+        if (listed.key.value_or(windowKey) != windowKey || !m_ax.isUsable(window))
             continue;
         const auto axFrame = m_ax.frame(window);
-        if (axFrame && approx(*axFrame, axBounds, kMatchTolerance) && !seen.contains(key(window)))
+        if (axFrame && approx(*axFrame, *listed.axBounds, kMatchTolerance) && !seen.contains(windowKey))
             return std::move(window);
     }
     return {};

@@ -114,6 +114,21 @@ TEST_P(ArrangeDesktopsTest, AWindowOnAnotherDesktopIsLeftAlone) {
     expectLeftAlone(elsewhere, desktop.frame(elsewhere));
 }
 
+TEST_P(ArrangeDesktopsTest, OfTwoWindowsWithTheSameFrameTheOneOnThisDesktopIsArranged) {
+    const xcb_window_t here = openAt(200, 150);
+    const xcb_window_t elsewhere = openAt(200, 150); // in front
+    desktop.observer().sendToRoot(elsewhere, "_NET_WM_DESKTOP", {1, 2, 0, 0, 0});
+    ASSERT_TRUE(desktop.observer().waitUntil([&] {
+        return desktop.observer().values(elsewhere, "_NET_WM_DESKTOP") == std::vector<std::uint32_t>{1};
+    }));
+    const Frame home = desktop.frame(elsewhere);
+
+    desktop.press(kArrange);
+
+    expectInZone(here, 1);
+    EXPECT_EQ(desktop.frame(elsewhere), home);
+}
+
 INSTANTIATE_TEST_SUITE_P(Several, ArrangeDesktopsTest,
                          testing::Values(WindowManagerKind::Openbox, WindowManagerKind::Xfwm4,
                                          WindowManagerKind::Metacity, WindowManagerKind::Icewm),

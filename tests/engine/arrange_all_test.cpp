@@ -345,6 +345,19 @@ TEST_F(ArrangeAllTest, TwoWindowsOfOneProgramWithEqualFramesAreBothArranged) {
     EXPECT_EQ(desktop.frame(below), kColumn2);
 }
 
+TEST_F(ArrangeAllTest, AListedKeyTellsTheWindowFromAnotherOneWithItsFrame) {
+    const auto window = open(kStart);
+    const auto elsewhere = open(kStart); // on another virtual desktop, so it is not listed
+    desktop.window(elsewhere).listed = ListedWindow{};
+    desktop.window(window).listed =
+        ListedWindow{0, desktop.window(window).pid, kStart, 1, engine.key(desktop.element(window))};
+
+    engine.arrangeAll();
+
+    EXPECT_EQ(desktop.frame(window), kColumn1);
+    EXPECT_TRUE(isUntouched(elsewhere, kStart));
+}
+
 TEST_F(ArrangeAllTest, AnUnresponsiveProgramTakesNoZone) {
     const auto silent = open(kStart);
     const auto other = desktop.openWindow("org.example.viewer", at({10, 10, 300, 300}));

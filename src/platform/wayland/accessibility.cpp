@@ -184,10 +184,10 @@ bool Accessibility::canExpress(const Rect& axFrame) {
     return compositorFromAx(axFrame.origin(), m_mirror.primary()) && compositorFromAx(axFrame.size());
 }
 
-/// Windows have odd keys and processes even ones, which are never reused while the program runs.
+/// Processes have even keys. No key is reused while the program runs.
 std::uintptr_t Accessibility::key(const Element& element) {
     const auto [pid, window] = nativeElement(element);
-    return window != kNoWindow ? static_cast<std::uintptr_t>(2 * window + 1)
+    return window != kNoWindow ? elementKey(window)
                                : static_cast<std::uintptr_t>(2) * static_cast<std::uint32_t>(pid);
 }
 

@@ -56,7 +56,8 @@ std::vector<ListedWindow> WindowList::onScreenWindows() {
         listed.push_back({.layer = 0,
                           .ownerPid = window.pid,
                           .axBounds = axFromCompositor(window.frame, m_mirror.primary()),
-                          .alpha = window.opacity});
+                          .alpha = window.opacity,
+                          .key = elementKey(id)});
     }
     return listed;
 }

@@ -22,6 +22,11 @@ using WindowId = std::uint64_t;
 
 inline constexpr WindowId kNoWindow = 0;
 
+/// Returns the key of a window's element (see `AccessibilityPort::key`). Windows have odd keys.
+[[nodiscard]] constexpr std::uintptr_t elementKey(WindowId window) {
+    return static_cast<std::uintptr_t>(2 * window + 1);
+}
+
 enum class WindowKind : std::uint8_t {
     Standard,
     Dialog,

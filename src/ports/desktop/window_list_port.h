@@ -18,6 +18,9 @@ struct ListedWindow {
     /// Visible outer frame: origin at the top-left corner of the primary display, y down.
     std::optional<Rect> axBounds;
     std::optional<double> alpha; ///< from 0, transparent, to 1, opaque
+    /// Of its element (see `AccessibilityPort::key`). Always empty where the two interfaces have no common
+    /// window id.
+    std::optional<std::uintptr_t> key = {};
 
     bool operator==(const ListedWindow&) const = default;
 };

@@ -4,9 +4,11 @@
 
 #include "platform/sim/time/sim_clock.h"
 #include "platform/sim/time/sim_main_queue.h"
+#include "platform/wayland/desktop_ports.h"
 
 #include <gmock/gmock.h>
 
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <set>
@@ -113,6 +115,14 @@ protected:
     SubscriptionPtr corrections = accessibility.onCorrected(
         [this](const Element& /*window*/, const Rect& axFrame) { corrected.push_back(axFrame); });
 };
+
+TEST_F(WaylandAccessibilityTest, AWindowIsListedWithTheKeyOfItsElement) {
+    const auto listed = WindowList(mirror).onScreenWindows();
+
+    ASSERT_EQ(listed.size(), windows().size());
+    for (std::size_t i = 0; i < listed.size(); ++i)
+        EXPECT_EQ(listed[i].key, accessibility.key(windows()[i]));
+}
 
 TEST_F(WaylandAccessibilityTest, AWindowIsWaitedForWhenItIsReadAfterAWrite) {
     write("a", kWanted);

@@ -5,7 +5,6 @@
 #include "platform/x11/displays/conversions.h"
 #include "platform/x11/windows/window_at_point.h"
 
-#include <limits>
 #include <memory>
 #include <string>
 #include <unistd.h>
@@ -15,9 +14,6 @@
 namespace tessarel::x11 {
 
 namespace {
-
-/// In bits. The lower half of a key is the window id, the upper half the process id.
-constexpr auto kHalfAKey = std::numeric_limits<std::uintptr_t>::digits / 2;
 
 constexpr ProcessId kNoProcess = 0;
 
@@ -258,10 +254,9 @@ bool X11Accessibility::canExpress(const Rect& axFrame) {
     return rootFromAx(axFrame.origin(), m_monitors.primaryOrigin()) && rootFromAx(axFrame.size());
 }
 
-/// The process id is part of the key because the server reuses window ids after a client has exited.
 std::uintptr_t X11Accessibility::key(const Element& element) {
     const auto [pid, window] = nativeElement(element);
-    return (static_cast<std::uintptr_t>(pid) << kHalfAKey) + window;
+    return elementKey(pid, window);
 }
 
 SubscriptionPtr X11Accessibility::onWindowCreated(const Element& application,

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 #include <unordered_set>
 #include <utility>
 
@@ -15,6 +16,9 @@ namespace {
 
 /// `_NET_ACTIVE_WINDOW` holds one window, but some window managers append an empty second value.
 constexpr std::uint32_t kMostActiveWindows = 16;
+
+/// In bits. The lower half of a key is the window id, the upper half the process id.
+constexpr auto kHalfAKey = std::numeric_limits<std::uintptr_t>::digits / 2;
 
 xcb_get_property_cookie_t requestActiveWindow(Connection& connection) {
     return requestProperty(connection, connection.root(), connection.atom(Atom::NetActiveWindow),
@@ -66,6 +70,10 @@ std::vector<xcb_window_t> frontToBackFrom(std::span<const std::uint32_t> stackin
                      [&](xcb_window_t window) { return seen.insert(window).second; });
     }
     return windows;
+}
+
+std::uintptr_t elementKey(ProcessId pid, xcb_window_t window) {
+    return (static_cast<std::uintptr_t>(pid) << kHalfAKey) + window;
 }
 
 /// The pending requests for everything that is not cached about one window. `collect` must be called once.

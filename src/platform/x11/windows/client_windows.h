@@ -20,6 +20,10 @@ namespace tessarel::x11 {
 [[nodiscard]] std::vector<xcb_window_t> frontToBackFrom(std::span<const std::uint32_t> stacking,
                                                         std::span<const std::uint32_t> list);
 
+/// Returns the key of a window's element, or of a process without a window (see `AccessibilityPort::key`).
+/// The process id is part of the key because the server reuses window ids after a client has exited.
+[[nodiscard]] std::uintptr_t elementKey(ProcessId pid, xcb_window_t window);
+
 /// The managed windows of all clients, with a cache for the current turn.
 ///
 /// Values are read in as few round trips as possible and, unless noted, cached until the turn ends. Window

@@ -94,8 +94,10 @@ std::vector<ListedWindow> X11WindowList::onScreenWindows() {
         const bool isMinimized = frame && frame->states.hidden && !frame->states.shaded;
         if (!frame || isMinimized || !appearance.isOn(current))
             continue;
-        listed.push_back({layerOf(m_windows.traits(window).type), m_windows.pid(window),
-                          axFromRoot(frame->outer(), m_monitors.primaryOrigin()), appearance.alpha()});
+        const auto pid = m_windows.pid(window);
+        listed.push_back({layerOf(m_windows.traits(window).type), pid,
+                          axFromRoot(frame->outer(), m_monitors.primaryOrigin()), appearance.alpha(),
+                          pid ? std::optional(elementKey(*pid, window)) : std::nullopt});
     }
     return listed;
 }

@@ -63,6 +63,12 @@ TEST_F(WindowListTest, AWindowIsListedWithItsVisibleFrameAndItsProcess) {
     EXPECT_EQ(listed.alpha, std::nullopt);
 }
 
+TEST_F(WindowListTest, AWindowIsListedWithTheKeyOfItsElement) {
+    const xcb_window_t window = open();
+
+    EXPECT_EQ(only().key, accessibility.key(elementOf(window)));
+}
+
 TEST_F(WindowListTest, WindowsAreListedFrontToBack) {
     const xcb_window_t first = open({.client = {100, 100, 300, 200}});
     const xcb_window_t second = open({.client = {200, 200, 310, 210}});
