@@ -16,6 +16,12 @@ ProcessId standInProcess(WindowId window) {
     return kHighest + static_cast<ProcessId>(window);
 }
 
+/// Returns whether one of the displays shows nothing that the other one does not show.
+bool areMirrors(const Rect& a, const Rect& b) {
+    const Rect common = a.intersection(b);
+    return common == a || common == b;
+}
+
 } // namespace
 
 void Mirror::reset(const Snapshot& snapshot) {
@@ -99,8 +105,15 @@ void Mirror::activate(const std::string& name) {
         note([this] { m_activated.send(); });
 }
 
-void Mirror::setDisplays(std::vector<DisplayState> displays) {
-    m_displays = std::move(displays);
+void Mirror::setDisplays(const std::vector<DisplayState>& displays) {
+    m_displays.clear();
+    for (const DisplayState& display : displays) {
+        const auto isMirrored = [&](const DisplayState& earlier) {
+            return areMirrors(earlier.frame, display.frame);
+        };
+        if (std::ranges::none_of(m_displays, isMirrored))
+            m_displays.push_back(display);
+    }
 }
 
 void Mirror::setFrame(const std::string& name, const Rect& frame) {

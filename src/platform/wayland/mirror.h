@@ -100,7 +100,8 @@ public:
     /// Puts the windows into this order, back to front. Unknown and repeated names are ignored.
     void restack(const std::vector<std::string>& names);
     void activate(const std::string& name);
-    void setDisplays(std::vector<DisplayState> displays);
+    /// Of displays that mirror each other, only the first is kept: they are the same place to the user.
+    void setDisplays(const std::vector<DisplayState>& displays);
     void setFrame(const std::string& name, const Rect& frame);
     /// Sets the frame that a window has taken or kept when it was placed. Unlike `setFrame`, announces a
     /// frame that has not changed, too, because the program may not have waited for it.

@@ -11,6 +11,7 @@ namespace tessarel::plasmatest {
 namespace {
 
 constexpr const char* kUsualSettings = R"({"hasOnboarded":true,"rememberApps":false})";
+constexpr int kNothingDone = 4; // exit code
 constexpr std::uint32_t kKeyA = 30;
 constexpr std::uint32_t kBackspace = 14;
 constexpr Rect kLeftHalf{0, 0, 800, 900};
@@ -322,6 +323,16 @@ TEST_F(PlasmaWindowsTest, DisplaysMayGoAndComeBack) {
     }));
     pressNextDisplay();
     EXPECT_TRUE(comesTo(2, isOnSecond ? kLeftHalf : kLeftOfSecond));
+}
+
+TEST_F(PlasmaWindowsTest, DisplaysThatMirrorEachOtherCountAsOne) {
+    WaylandClient client(session.environment());
+    open(client, 1);
+
+    session.outputs().setUp(1, {.x = 0});
+
+    // Nothing is done, because there is no other display.
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return session.command({"next-display"}) == kNothingDone; }));
 }
 
 TEST_F(PlasmaWindowsTest, AnotherPrimaryDisplayAndItsPlaceChangeNoFrames) {

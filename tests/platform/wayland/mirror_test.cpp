@@ -72,6 +72,19 @@ TEST(NewMirrorTest, TheFirstSnapshotIsReadyAndItsWindowsAreOpenAlready) {
     EXPECT_EQ(opened, 0);
 }
 
+TEST_F(MirrorTest, OfDisplaysThatShowTheSameOnlyTheFirstIsKnown) {
+    constexpr Rect kCorner{0, 0, 640, 480};
+    constexpr Rect kOverlapping{1500, 0, 800, 600};
+    mirror.setDisplays(
+        {{kLeft, kLeft}, {kLeft, kLeft}, {kCorner, kCorner}, {kRight, kRight}, {kOverlapping, kOverlapping}});
+
+    EXPECT_THAT(mirror.displays(), ElementsAre(DisplayState{kLeft, kLeft}, DisplayState{kRight, kRight},
+                                               DisplayState{kOverlapping, kOverlapping}));
+
+    mirror.setDisplays({{kCorner, kCorner}, {kLeft, kLeft}});
+    EXPECT_THAT(mirror.displays(), ElementsAre(DisplayState{kCorner, kCorner}));
+}
+
 TEST_F(MirrorTest, AWindowOfAnUnknownProcessKeepsOneOfItsOwnUntilItIsKnown) {
     for (const char* const name : {"c", "d"}) {
         WindowState state = window(name);
