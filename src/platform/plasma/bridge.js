@@ -156,10 +156,11 @@ function reportWindow(window) {
         report({ event: "window", window: describe(window) });
 }
 
-// The compositor announces no change of the usable area. Only panels change it.
+// The compositor announces no change of the usable area. Only panels change it, and KWin computes it anew after it
+// has announced the change of the panel.
 function afterPanelChange(window) {
     if (kind(window) === "other")
-        reportDisplays();
+        later(reportDisplays);
 }
 
 function areEqual(one, other) {

@@ -81,6 +81,11 @@ void Mirror::remove(const std::string& name) {
     std::erase(m_backToFront, id);
     if (m_active == id)
         m_active = kNoWindow;
+    if (m_userMove && m_userMove->window == id) { // its end is reported for an unknown window, if at all
+        m_userMove->phase = UserMove::Phase::Cancelled;
+        note([this, step = *m_userMove] { m_moved.send(step); });
+        m_userMove.reset();
+    }
     note([this, id, last = std::move(last)] { m_closed.send(id, last); });
 }
 
@@ -143,7 +148,11 @@ void Mirror::move(UserMove::Phase phase, const std::string& name, bool isMove, c
     const WindowId id = named(name);
     if (id == kNoWindow)
         return;
-    note([this, step = UserMove{phase, id, isMove, pointer, frame}, known = m_knownFrames[id]] {
+    const UserMove step{phase, id, isMove, pointer, frame};
+    m_userMove.reset();
+    if (phase == UserMove::Phase::Started || phase == UserMove::Phase::Stepped)
+        m_userMove = step;
+    note([this, step, known = m_knownFrames[id]] {
         const auto window = m_windows.find(step.window);
         if (window != m_windows.end() && m_knownFrames[step.window] == known)
             window->second.frame = step.frame;

@@ -151,6 +151,7 @@ private:
     std::vector<WindowId> m_backToFront;
     WindowId m_active = kNoWindow;
     std::vector<DisplayState> m_displays; ///< the primary one first
+    std::optional<UserMove> m_userMove;   ///< the last step of a move that has not ended
     std::deque<std::function<void()>> m_notices;
     Signal<> m_delivered;
     Signal<> m_ready;

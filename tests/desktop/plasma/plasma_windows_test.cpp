@@ -325,6 +325,26 @@ TEST_F(PlasmaWindowsTest, DisplaysMayGoAndComeBack) {
     EXPECT_TRUE(comesTo(2, isOnSecond ? kLeftHalf : kLeftOfSecond));
 }
 
+TEST_F(PlasmaWindowsTest, ZonesUseTheAreaThatAPanelHasGivenBack) {
+    WaylandClient client(session.environment());
+    open(client, 1);
+    const auto isPlacedAt = [&](const Rect& frame) {
+        (void)session.command({"left-half"});
+        session.probe().roundTrip();
+        const auto& all = session.probe().windows();
+        return std::any_of(all.begin(), all.end(), [&](const SeenWindow& window) {
+            return window.title == WaylandClient::titleOf(1) && window.frame == frame;
+        });
+    };
+    {
+        WaylandClient panel(session.environment());
+        panel.openPanel(40);
+        EXPECT_TRUE(PlasmaSession::waitFor([&] { return isPlacedAt({0, 40, 800, 860}); }));
+    }
+
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return isPlacedAt(kLeftHalf); }));
+}
+
 TEST_F(PlasmaWindowsTest, DisplaysThatMirrorEachOtherCountAsOne) {
     WaylandClient client(session.environment());
     open(client, 1);

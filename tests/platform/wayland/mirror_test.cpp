@@ -281,6 +281,38 @@ TEST_F(MirrorTest, MovesAreReportedInOrderWithTheFrameOfTheStep) {
                                    UserMove{UserMove::Phase::Finished, a, true, {350, 210}, kOther}));
 }
 
+TEST_F(MirrorTest, TheMoveOfAWindowThatClosesIsCancelledBefore) {
+    std::vector<UserMove> moves;
+    std::vector<std::size_t> movesBeforeClosing;
+    const auto moved = mirror.onMove([&](const UserMove& move) { moves.push_back(move); });
+    const auto closed =
+        mirror.onClosed([&](WindowId, const WindowState&) { movesBeforeClosing.push_back(moves.size()); });
+    const WindowId a = mirror.named("a");
+
+    mirror.move(UserMove::Phase::Started, "a", true, {150, 110}, kFrame);
+    mirror.move(UserMove::Phase::Stepped, "a", true, {350, 210}, kOther);
+    mirror.remove("b");
+    mirror.remove("a");
+    mirror.move(UserMove::Phase::Finished, "a", true, {350, 210}, kOther);
+    mirror.deliver();
+
+    EXPECT_THAT(movesBeforeClosing, ElementsAre(2, 3));
+    EXPECT_THAT(moves, testing::SizeIs(3));
+    EXPECT_EQ(moves.back(), (UserMove{UserMove::Phase::Cancelled, a, true, {350, 210}, kOther}));
+}
+
+TEST_F(MirrorTest, AWindowThatClosesAfterItsMoveHasEndedCancelsNothing) {
+    std::vector<UserMove::Phase> phases;
+    const auto moved = mirror.onMove([&](const UserMove& move) { phases.push_back(move.phase); });
+
+    mirror.move(UserMove::Phase::Started, "a", true, {150, 110}, kFrame);
+    mirror.move(UserMove::Phase::Finished, "a", true, {350, 210}, kOther);
+    mirror.remove("a");
+    mirror.deliver();
+
+    EXPECT_THAT(phases, ElementsAre(UserMove::Phase::Started, UserMove::Phase::Finished));
+}
+
 TEST_F(MirrorTest, AReportDuringADeliveryIsDeliveredToo) {
     std::vector<Rect> frames;
     const auto changed = mirror.onFrameChanged([&](WindowId, const Rect& frame) {
