@@ -93,9 +93,10 @@ Alert X11Trust::explanation() {
     const std::string appName(Config::appName);
     Alert alert{appName + " cannot move windows yet", {}, {"OK"}};
     if (m_session == Session::Wayland) {
-        alert.informativeText = "This is a Wayland session, in which no program may move the windows of "
-                                "others. Log out, choose an X11 (Xorg) session and start " +
-                                appName + " again.";
+        alert.informativeText =
+            "This is a Wayland session in which " + appName +
+            " cannot move windows. Log out, choose KDE Plasma or an X11 (Xorg) session, and start " +
+            appName + " again.";
     } else if (!m_windowManager.state().running) {
         alert.informativeText = "No window manager is running on this display. " + appName +
                                 " works as soon as one has been started.";

@@ -212,14 +212,14 @@ TEST_F(X11TrustTest, PromptingNamesTheHintsThatTheWindowManagerLacks) {
     EXPECT_THAT(alerts.shown[0].informativeText, HasSubstr("_NET_ACTIVE_WINDOW, _NET_CLIENT_LIST."));
 }
 
-TEST_F(X11TrustTest, PromptingInAWaylandSessionSaysSo) {
+TEST_F(X11TrustTest, PromptingInAWaylandSessionNamesTheOnesThatAreServed) {
     const auto onWayland = makeTrust(Session::Wayland);
 
     onWayland->prompt();
     loop.turn();
 
     ASSERT_EQ(alerts.shown.size(), 1U);
-    EXPECT_THAT(alerts.shown[0].informativeText, HasSubstr("Wayland"));
+    EXPECT_THAT(alerts.shown[0].informativeText, HasSubstr("KDE Plasma or an X11"));
 }
 
 TEST_F(X11TrustTest, PromptingWhenTrustedDoesNothing) {
