@@ -51,6 +51,9 @@ tessarel \- move windows into zones that you design
 Without a command, starts Tessarel, or shows the settings of the copy that runs on this display.
 .PP
 With a command, sends it to the copy that runs on this display, and returns when the windows are in their place.
+Write
+.B \-\-
+before the name of a layout that begins with a dash.
 .SH COMMANDS
 )";
     for (const CommandForm& form : commandForms()) {
@@ -87,7 +90,20 @@ There was nothing to do; the reason is written to standard error.
 .SH FILES
 .TP
 .I ~/.config/tessarel/tessarel.settings.v1.json
-The settings.
+The settings; below
+.B $XDG_CONFIG_HOME
+if that is set. Copies of a document that could not be read are beside it; their names end in
+.IR .rejected .
+.TP
+.I ~/.config/autostart/tessarel.desktop
+The start at login, if it is wanted; below
+.B $XDG_CONFIG_HOME
+if that is set.
+.TP
+.I ~/.local/share/kwin/effects/tessarel_*
+How KWin reports the keys that are held during a drag, on KDE Plasma; below
+.B $XDG_DATA_HOME
+if that is set.
 )";
     return page;
 }

@@ -11,8 +11,7 @@
 
 namespace tessarel {
 
-/// The longest command, in bytes, with one byte after each word. Longer commands are answered as if they had
-/// no words.
+/// The longest command, in bytes, with one byte after each word. Longer commands are not carried out.
 inline constexpr std::uint32_t kLongestCommand = 4096;
 
 /// How long a sender waits for the answer.

@@ -11,7 +11,7 @@ failed=0
 
 while IFS= read -r script; do
     bash -n "$script" || { echo "FAILED: $script does not parse"; failed=1; }
-done < <(find script tests -type f \( -name '*.sh' -o -path 'script/*' \))
+done < <(find script tests demo .ci -type f \( -name '*.sh' -o -path 'script/*' -o -path '.ci/*' \))
 
 # macOS ships bash 3.2, without associative arrays, mapfile and the newer expansions.
 for script in script/bootstrap_macos script/run script/test; do

@@ -37,7 +37,7 @@ struct AppSettings {
     bool edgeSnap = false;
     /// Identifiers of applications whose windows are never moved.
     std::vector<std::string> ignoredApps;
-    /// Whether the welcome message has been shown.
+    /// Whether the welcome message has been answered.
     bool hasOnboarded = false;
     /// Grid step of the zone editor, in percent.
     double gridStep = 5;

@@ -101,7 +101,7 @@ protected:
     x11test::StatusNotifierPanel panel{session.environment()};
 };
 
-TEST_F(PlasmaSettingsTest, ThePanelOpensTheMenuWithEitherButtonAndItsRowsMoveTheActiveWindow) {
+TEST_F(PlasmaSettingsTest, TheItemIsOnlyAMenuAndItsRowsMoveTheActiveWindow) {
     choose("Left half   \\(Ctrl\\+Alt\\+Left\\)");
 
     EXPECT_EQ(session.settledFrame(kEditor, kLeftHalf), kLeftHalf);

@@ -355,7 +355,7 @@ TEST_F(PlasmaWindowsTest, DisplaysThatMirrorEachOtherCountAsOne) {
     EXPECT_TRUE(PlasmaSession::waitFor([&] { return session.command({"next-display"}) == kNothingDone; }));
 }
 
-TEST_F(PlasmaWindowsTest, AnotherPrimaryDisplayAndItsPlaceChangeNoFrames) {
+TEST_F(PlasmaWindowsTest, FramesAreExactWithAnotherPrimaryDisplayAndAfterDisplaysChangedPlaces) {
     WaylandClient client(session.environment());
     open(client, 1);
 

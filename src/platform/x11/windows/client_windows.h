@@ -61,7 +61,7 @@ public:
     /// Returns the type of the window and what it says about its program.
     [[nodiscard]] WindowTraits traits(xcb_window_t window);
 
-    /// Reads everything about `windows` in one round trip. The three functions above then need none.
+    /// Reads everything about `windows` in one round trip. `pid`, `frame` and `traits` then need none.
     void learnAll(const std::vector<xcb_window_t>& windows);
 
     /// Drops the cached frame. To be called after a write to the window.
