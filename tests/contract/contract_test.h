@@ -41,17 +41,22 @@ protected:
         return typed ? std::optional(*typed) : std::nullopt;
     }
 
-    /// Returns the window's frame as the back end reads it. On a busy machine a window may take a written
-    /// frame later than a read waits for; it cannot be read until then. Returns the null rectangle if it
-    /// never can.
+    /// Returns the window's frame as the back end reads it, or the null rectangle if it cannot be read.
+    [[nodiscard]] Rect readFrameOnce(const Element& window) {
+        const auto position = read<Point>(window, attribute::kPosition);
+        const auto size = read<Size>(window, attribute::kSize);
+        return position && size ? Rect{position->x, position->y, size->width, size->height} : Rect::null();
+    }
+
+    /// Returns the frame of a window that has one. On a busy machine a window may take a written frame later
+    /// than a read waits for; it cannot be read until then.
     [[nodiscard]] Rect readFrame(const Element& window) {
-        for (const x11test::Deadline deadline; !deadline.passed(); desktop->settle()) {
-            const auto position = read<Point>(window, attribute::kPosition);
-            const auto size = read<Size>(window, attribute::kSize);
-            if (position && size)
-                return {position->x, position->y, size->width, size->height};
+        Rect frame = readFrameOnce(window);
+        for (const x11test::Deadline deadline; frame.isNull() && !deadline.passed();) {
+            desktop->settle();
+            frame = readFrameOnce(window);
         }
-        return Rect::null();
+        return frame;
     }
 
     /// Writes size, position and size again, in the order in which the core places windows.
