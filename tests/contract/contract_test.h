@@ -56,6 +56,7 @@ protected:
             desktop->settle();
             frame = readFrameOnce(window);
         }
+        EXPECT_FALSE(frame.isNull());
         return frame;
     }
 
