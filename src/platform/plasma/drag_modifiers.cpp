@@ -38,11 +38,12 @@ constexpr std::array kModifiers = std::to_array<Modifier>({
     {kCommandFlag, "tessarel_meta", "0x10000000"},
 });
 
+constexpr const char* kService = "org.kde.KWin";
 constexpr const char* kEffects = "org.kde.kwin.Effects";
 
 wayland::BusCall effects(std::string interface, std::string member, std::string signature,
                          std::vector<wayland::BusValue> values) {
-    return {"org.kde.KWin",    "/Effects",           std::move(interface),
+    return {kService,          "/Effects",           std::move(interface),
             std::move(member), std::move(signature), std::move(values)};
 }
 
@@ -97,7 +98,18 @@ void DragModifiers::load() {
     m_areWritten = m_dataFolder.is_absolute() && write(m_dataFolder);
     if (!m_areWritten)
         return;
-    unload();
+    // KWin drops its effects after a graphics reset, or when the user changes how it draws.
+    m_resets = m_link.onSignal({kService, "/Compositor", "org.kde.kwin.Compositing", "compositingToggled"},
+                               [this](const wayland::BusMessage& signal) {
+                                   const bool isDrawing = signal.value<std::int64_t>(0) != 0;
+                                   if (isDrawing)
+                                       loadAnew();
+                               });
+    loadAnew();
+}
+
+void DragModifiers::loadAnew() {
+    unload(); // KWin refuses to load an effect that is loaded
     m_areLoaded = false;
     tryToLoad(kEffectLoadAttempts);
 }

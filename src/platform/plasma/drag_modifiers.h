@@ -37,8 +37,8 @@ public:
     /// Writes the effects as packages, the only form in which KWin loads them, to `kwin/effects` in
     /// `dataFolder`, where KWin looks for them. Returns false if that fails.
     static bool write(const std::filesystem::path& dataFolder);
-    /// Writes and loads the effects, in place of those that an earlier run has left behind. Does not wait for
-    /// KWin.
+    /// Writes and loads the effects, in place of those that an earlier run has left behind. Loads them again
+    /// whenever KWin has set up its drawing anew, for which it drops them. Does not wait for KWin.
     void load();
     [[nodiscard]] ModifierFlags held() const override { return m_held; }
     void readAtEnd(std::function<void()> done) override;
@@ -50,6 +50,7 @@ public:
 private:
     using EffectsHandler = std::function<void(const std::vector<std::string>& names)>;
 
+    void loadAnew();
     void tryToLoad(int attempts);
     void unload();
     void follow(const wayland::UserMove& move);
@@ -71,6 +72,7 @@ private:
     Signal<> m_changed;
     Lifetime m_lifetime; // watched by replies
     SubscriptionPtr m_moves;
+    SubscriptionPtr m_resets;
     SubscriptionPtr m_nextRead;
     SubscriptionPtr m_nextAttempt;
 };

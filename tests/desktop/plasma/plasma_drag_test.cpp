@@ -216,5 +216,19 @@ TEST_F(PlasmaControlDragTest, TheZonesFollowControlWhileThePointerRestsAndTheRel
     EXPECT_EQ(session.endProgram(), 0);
 }
 
+TEST_F(PlasmaControlDragTest, TheZonesStillAppearAfterAGraphicsResetForWhichTheCompositorDropsItsEffects) {
+    ASSERT_TRUE(session.resetGraphics());
+
+    dragTo(1300, 200);
+    session.input().setKey(key::kLeftControl, true);
+    session.input().moveTo(1301, 200);
+    EXPECT_TRUE(session.probe().waitUntil([&] { return isOverlayOn(PlasmaSession::kFirst); }));
+    session.input().setLeftButton(false);
+    session.input().setKey(key::kLeftControl, false);
+
+    EXPECT_EQ(session.settledFrame(kEditor, kThird), kThird);
+    EXPECT_EQ(session.endProgram(), 0);
+}
+
 } // namespace
 } // namespace tessarel::plasmatest

@@ -4,13 +4,17 @@
 
 #include "platform/sim/time/sim_clock.h"
 #include "platform/sim/time/sim_main_queue.h"
-#include "platform/wayland/bus_names.h"
 #include "support/scratch_folder.h"
 #include "support/x11/child_process.h"
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <optional>
+#include <set>
+#include <string>
+#include <systemd/sd-bus.h>
 
 namespace tessarel::plasma {
 namespace {
@@ -19,41 +23,92 @@ using namespace std::chrono_literals;
 using wayland::BusLink;
 using wayland::BusMessage;
 
-constexpr int kEffects = 3;
+constexpr std::size_t kEffects = 3;
+
+/// Plays KWin on the bus, as far as its effects go. A `BusLink` sends no signals.
+class FakeEffects {
+public:
+    explicit FakeEffects(const std::string& address) {
+        EXPECT_GE(sd_bus_new(&m_bus), 0);
+        EXPECT_GE(sd_bus_set_address(m_bus, address.c_str()), 0);
+        EXPECT_GE(sd_bus_set_bus_client(m_bus, 1), 0);
+        EXPECT_GE(sd_bus_start(m_bus), 0);
+        EXPECT_GE(sd_bus_request_name(m_bus, "org.kde.KWin", 0), 0);
+    }
+    FakeEffects(const FakeEffects&) = delete;
+    FakeEffects& operator=(const FakeEffects&) = delete;
+    ~FakeEffects() { sd_bus_flush_close_unref(m_bus); }
+
+    /// Handles the calls that arrive within a millisecond.
+    void handleCalls() {
+        constexpr std::uint64_t kMicroseconds = 1000;
+        sd_bus_wait(m_bus, kMicroseconds);
+        sd_bus_message* call = nullptr;
+        while (sd_bus_process(m_bus, &call) > 0) {
+            if (call != nullptr && sd_bus_message_is_method_call(call, nullptr, nullptr) > 0)
+                handle(call);
+            call = sd_bus_message_unref(call);
+        }
+    }
+    /// Sends the signal that drawing has been turned on or off.
+    void announceDrawing(bool isOn) {
+        EXPECT_GE(sd_bus_emit_signal(m_bus, "/Compositor", "org.kde.kwin.Compositing", "compositingToggled",
+                                     "b", int{isOn}),
+                  0);
+    }
+    /// Sets up the drawing anew, for which it drops all effects.
+    void reset() {
+        announceDrawing(false);
+        loaded.clear();
+        announceDrawing(true);
+    }
+
+    bool findsEffects = false;
+    std::size_t loads = 0; ///< number of attempts to load an effect
+    std::set<std::string> loaded;
+
+private:
+    void handle(sd_bus_message* call) {
+        const char* effect = "";
+        sd_bus_message_read(call, "s", &effect);
+        bool isDone = false;
+        if (sd_bus_message_is_method_call(call, nullptr, "loadEffect") > 0) {
+            ++loads;
+            isDone = findsEffects && loaded.insert(effect).second;
+        } else if (sd_bus_message_is_method_call(call, nullptr, "unloadEffect") > 0) {
+            loaded.erase(effect);
+        }
+        sd_bus_reply_method_return(call, "b", int{isDone});
+    }
+
+    sd_bus* m_bus = nullptr;
+};
 
 class DragModifiersTest : public testing::Test {
 protected:
     DragModifiersTest() {
         (void)daemon.readLine();
-        link.emplace(address);
         compositor.emplace(address);
-        // Plays KWin, which finds no effect: its replies are empty.
-        effects = compositor->serve(
-            "/Effects",
-            [this](const BusMessage& call) {
-                loads += call.member == "loadEffect" ? 1 : 0;
-                compositor->answer(call.token, "");
-            },
-            BusLink::Delivery::Urgent);
-        bool isOwner = false;
-        compositor->call(
-            wayland::busCall("RequestName", "su", {std::string("org.kde.KWin"), std::int64_t{0}}),
-            [&](const BusMessage&) { isOwner = true; }, BusLink::Delivery::Urgent);
-        EXPECT_TRUE(compositor->waitUntil([&] { return isOwner; }, x11test::kPatience));
+        link.emplace(address);
         modifiers.emplace(*link, mirror, queue, folder.path());
     }
 
-    /// Waits until KWin has handled all calls so far, and these are as many attempts to load the effects.
-    bool areAttempted(int attempts) {
+    /// Waits until KWin has handled all calls so far, and all that it has sent before has arrived.
+    void passBus() {
         bool hasReply = false;
         link->call({"org.kde.KWin", "/Effects", "org.kde.kwin.Effects", "isEffectLoaded"},
                    [&](const BusMessage&) { hasReply = true; });
         const x11test::Deadline deadline;
         while (!hasReply && !deadline.passed()) {
-            compositor->waitUntil([] { return false; }, 1ms);
+            compositor->handleCalls();
             link->dispatch();
         }
-        return hasReply && loads == attempts * kEffects;
+        EXPECT_TRUE(hasReply);
+    }
+    /// Returns whether there have been as many attempts to load the effects.
+    bool areAttempted(std::size_t attempts) {
+        passBus();
+        return compositor->loads == attempts * kEffects;
     }
 
     ScratchFolder folder;
@@ -63,17 +118,15 @@ protected:
     sim::SimClock clock;
     sim::SimMainQueue queue{clock};
     wayland::Mirror mirror;
+    std::optional<FakeEffects> compositor;
     std::optional<BusLink> link;
-    std::optional<BusLink> compositor;
-    SubscriptionPtr effects;
-    int loads = 0;
     std::optional<DragModifiers> modifiers;
 };
 
 TEST_F(DragModifiersTest, EffectsThatTheCompositorNeverFindsAreLoadedTenTimesInAll) {
     modifiers->load();
 
-    for (int attempt = 1; attempt <= 10; ++attempt) {
+    for (std::size_t attempt = 1; attempt <= 10; ++attempt) {
         EXPECT_TRUE(areAttempted(attempt)) << attempt;
         clock.advance(4s);
     }
@@ -90,6 +143,50 @@ TEST_F(DragModifiersTest, TheEndOfTheProgramEndsTheAttempts) {
 
     EXPECT_EQ(clock.waiting(), 0U);
     EXPECT_TRUE(areAttempted(1));
+}
+
+TEST_F(DragModifiersTest, EffectsThatTheCompositorDropsForAGraphicsResetAreLoadedAgain) {
+    compositor->findsEffects = true;
+    modifiers->load();
+    EXPECT_TRUE(areAttempted(1));
+    EXPECT_EQ(compositor->loaded.size(), kEffects);
+
+    compositor->reset();
+    passBus(); // the signals have arrived
+
+    EXPECT_TRUE(areAttempted(2));
+    EXPECT_EQ(compositor->loaded.size(), kEffects);
+}
+
+TEST_F(DragModifiersTest, ACompositorThatTurnsItsDrawingOnWithoutDroppingTheEffectsLoadsThemAgainToo) {
+    compositor->findsEffects = true;
+    std::size_t loads = 0;
+    const auto counting = modifiers->onLoaded([&] { ++loads; });
+    modifiers->load();
+    EXPECT_TRUE(areAttempted(1));
+    ASSERT_EQ(loads, kEffects);
+
+    compositor->announceDrawing(true);
+    passBus();
+
+    EXPECT_TRUE(areAttempted(2));
+    EXPECT_EQ(loads, 2 * kEffects);
+}
+
+TEST_F(DragModifiersTest, AGraphicsResetBeginsTheAttemptsToLoadTheEffectsAnew) {
+    modifiers->load();
+    EXPECT_TRUE(areAttempted(1));
+    clock.advance(3s);
+
+    compositor->reset();
+    passBus();
+    EXPECT_TRUE(areAttempted(2));
+    EXPECT_EQ(clock.waiting(), 1U);
+
+    clock.advance(3s);
+    EXPECT_TRUE(areAttempted(2));
+    clock.advance(1s);
+    EXPECT_TRUE(areAttempted(3));
 }
 
 } // namespace

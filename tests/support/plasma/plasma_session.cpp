@@ -157,6 +157,20 @@ bool PlasmaSession::lock() {
     return waitUntilTrue(callOf("GetActive"));
 }
 
+bool PlasmaSession::resetGraphics() {
+    constexpr const char* kCompositing = "org.kde.kwin.Compositing";
+    bool isReset = false;
+    const auto resets = m_probe->link().onSignal(
+        {"org.kde.KWin", "/Compositor", kCompositing, "compositingToggled"},
+        [&](const wayland::BusMessage& signal) { isReset = signal.value<std::int64_t>(0) != 0; },
+        wayland::BusLink::Delivery::Urgent);
+    m_probe->roundTrip(); // the bus has the subscription
+    x11test::runToEnd(
+        {"dbus-send", "--session", "--type=signal", "/Compositor", std::string(kCompositing) + ".reinit"},
+        m_environment);
+    return m_probe->waitUntil([&] { return isReset; }) && waitForEffects();
+}
+
 void PlasmaSession::killCompositor() {
     m_editor.reset();
     m_clients.clear();

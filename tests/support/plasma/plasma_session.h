@@ -89,6 +89,9 @@ public:
     [[nodiscard]] x11test::ChildProcess& compositor() { return *m_compositor; }
     /// Locks the screen. Returns false if KWin does not.
     [[nodiscard]] bool lock();
+    /// Makes KWin set up its drawing anew, as after a graphics reset: it drops all effects. Returns false if
+    /// the effects of the program are not loaded again.
+    [[nodiscard]] bool resetGraphics();
     /// Kills KWin, with all windows.
     void killCompositor();
     /// Starts KWin again and waits until it takes scripts and input.
