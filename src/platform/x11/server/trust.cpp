@@ -7,9 +7,9 @@
 #include <xcb/randr.h>
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tessarel::x11 {
@@ -54,39 +54,16 @@ Session sessionOf(Connection& connection, const char* waylandDisplay, const char
     return isXwayland ? Session::Wayland : Session::X11;
 }
 
-X11Trust::X11Trust(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts)
-    : m_connection(connection), m_windowManager(connection), m_session(session), m_queue(queue),
-      m_alerts(alerts), m_startedAt(queue.now()) {}
-
 bool X11Trust::isTrusted() {
     return m_session == Session::X11 && m_windowManager.state().suffices();
 }
 
-void X11Trust::prompt() {
-    if (m_prompt || isTrusted())
-        return;
-    const bool mayComeYet = m_session == Session::X11 && !m_windowManager.state().running;
-    const auto left = mayComeYet ? m_startedAt + kPatience - m_queue.now() : MainQueuePort::Duration::zero();
-    m_prompt = m_queue.asyncAfter(left, [this] { explain(); }); // at once if nothing is left
+bool X11Trust::mayComeYet() {
+    return m_session == Session::X11 && !m_windowManager.state().running;
 }
 
-void X11Trust::explain() {
-    m_prompt.reset();
-    close();
-    if (isTrusted())
-        return;
-    m_events = m_connection.onEvent([this](const Connection::Event&) { closeWhenTrusted(); });
-    m_alert = m_alerts.show(explanation(), [this](std::optional<std::size_t>) { close(); });
-}
-
-void X11Trust::close() {
-    m_alert.reset();
-    m_events.reset();
-}
-
-void X11Trust::closeWhenTrusted() {
-    if (isTrusted())
-        close();
+SubscriptionPtr X11Trust::onChange(std::function<void()> changed) {
+    return m_connection.onEvent([changed = std::move(changed)](const Connection::Event&) { changed(); });
 }
 
 Alert X11Trust::explanation() {

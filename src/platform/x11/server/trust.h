@@ -6,10 +6,10 @@
 #include "platform/x11/server/connection.h"
 #include "platform/x11/server/window_manager_check.h"
 #include "ports/alerts_port.h"
+#include "ports/explained_trust.h"
 #include "ports/main_queue_port.h"
-#include "ports/trust_port.h"
 
-#include <chrono>
+#include <functional>
 
 namespace tessarel::x11 {
 
@@ -24,46 +24,26 @@ enum class Session { X11, Wayland };
 ///
 /// X11 needs no permission. It takes a window manager with the EWMH hints that Tessarel uses, and a session
 /// that is not Wayland, because native Wayland windows are not on the X display.
-class X11Trust : public TrustPort {
+class X11Trust : public ExplainedTrust {
 public:
     /// All referenced objects must outlive this one.
-    X11Trust(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts);
-    X11Trust(const X11Trust&) = delete;
-    X11Trust& operator=(const X11Trust&) = delete;
-    ~X11Trust() override = default;
+    X11Trust(Connection& connection, Session session, MainQueuePort& queue, AlertsPort& alerts)
+        : ExplainedTrust(queue, alerts), m_connection(connection), m_windowManager(connection),
+          m_session(session) {}
 
     /// Returns whether windows can be moved. Takes no round trip unless the window manager has changed.
     [[nodiscard]] bool isTrusted() override;
 
-    /// How long after the start of the program an alert about a missing window manager waits, because one may
-    /// be about to start, too.
-    static constexpr std::chrono::seconds kPatience{10};
-
-    /// Shows an alert that explains what is missing, in the next iteration of the main queue; if no window
-    /// manager is running, not before `kPatience` has passed since the start. By then it may be trusted; an
-    /// open alert is closed as soon as it is. An alert that is open already is shown anew, in front of other
-    /// windows. Does nothing when trusted, nor while an alert is pending.
-    void prompt() override;
-
-    // There is no system setting to change: the alert says all there is to know.
-    [[nodiscard]] bool hasSettings() const override { return false; }
-    void openSettings() override {}
+protected:
+    /// A window manager may be about to start, too.
+    [[nodiscard]] bool mayComeYet() override;
+    [[nodiscard]] Alert explanation() override;
+    [[nodiscard]] SubscriptionPtr onChange(std::function<void()> changed) override;
 
 private:
-    [[nodiscard]] Alert explanation();
-    void explain();
-    void close();
-    void closeWhenTrusted();
-
     Connection& m_connection;
     WindowManagerCheck m_windowManager;
     Session m_session;
-    MainQueuePort& m_queue;
-    AlertsPort& m_alerts;
-    MainQueuePort::TimePoint m_startedAt;
-    SubscriptionPtr m_prompt; // null unless an alert is pending
-    SubscriptionPtr m_alert;  // null unless one is open
-    SubscriptionPtr m_events; // while an alert is open
 };
 
 } // namespace tessarel::x11
