@@ -125,7 +125,7 @@ std::optional<int> runOnPlasma(const char* programName) {
     LinuxProgram program(programName);
     qt::QtMainQueue& queue = program.queue();
     plasma::PlasmaDesktop desktop(
-        link, singleInstance, std::move(usKeymap), queue, runtimeFolder(),
+        link, singleInstance, std::move(usKeymap), queue, program.alerts(), runtimeFolder(),
         [&queue](int fd, std::function<void()> readable) {
             return queue.onReadable(fd, std::move(readable));
         },

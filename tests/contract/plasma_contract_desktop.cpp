@@ -228,7 +228,8 @@ private:
     plasma::LayoutKeyNames m_keyNames{m_keyboardLayout};
     NoDragKeys m_dragKeys;
     wayland::DragMouse m_mouse{m_mirror, m_dragKeys};
-    plasma::Trust m_trust{m_bridge};
+    sim::SimAlerts m_alerts;
+    plasma::Trust m_trust{m_bridge, m_mirror, m_line.queue(), m_alerts};
     wayland::Workspace m_workspace{m_applicationsSeen, m_watch};
     sim::SimAlertSound m_silence;
 };

@@ -89,6 +89,7 @@ void Bridge::tryToLoad(int attempts) {
                 return;
             }
             m_isAccepted = reply.error.empty() && !isTaken;
+            m_nextAttempt.reset();
             if (m_isAccepted)
                 awaitReport();
             else if (attempts > 1)

@@ -40,6 +40,8 @@ public:
     /// Returns whether KWin has accepted the script, or has not replied yet. False also while an accepted
     /// script has reported nothing for 10 s, as one does that fails in KWin.
     [[nodiscard]] bool isAccepted() const { return m_isAccepted && (!m_isOverdue || m_mirror.isReady()); }
+    /// Returns whether KWin has not taken the script, and is to be asked again.
+    [[nodiscard]] bool isRetrying() const { return m_nextAttempt != nullptr; }
 
     /// Brings this program's windows to the user: those that there are, or else the next one.
     void bringOwnWindows();
@@ -80,7 +82,7 @@ private:
     std::set<wayland::WindowId> m_late; ///< whose last placement is over, but not carried out, nor waited for
     SubscriptionPtr m_calls;
     SubscriptionPtr m_delivered;
-    SubscriptionPtr m_nextAttempt;
+    SubscriptionPtr m_nextAttempt; ///< null unless KWin has not taken the script, and is asked again
     SubscriptionPtr m_overdue;
 };
 

@@ -23,6 +23,7 @@
 #include "platform/xdg/applications/login_item.h"
 #include "platform/xdg/file_preferences.h"
 #include "platform/xdg/home_folder.h"
+#include "ports/alerts_port.h"
 #include "ports/main_queue_port.h"
 
 #include <filesystem>
@@ -37,7 +38,7 @@ struct PlasmaDesktop {
     /// All referenced objects must outlive the desktop. `keymap` is used until that of the seat is known.
     /// Files for KWin are written to `runtimeFolder`.
     PlasmaDesktop(wayland::BusLink& link, SingleInstance& singleInstance, xkb::Keymap keymap,
-                  MainQueuePort& queue, const std::filesystem::path& runtimeFolder,
+                  MainQueuePort& queue, AlertsPort& alerts, const std::filesystem::path& runtimeFolder,
                   xdg::OnReadable onReadable, xdg::FilePreferences::Report report)
         : singleInstance(singleInstance), bridge(link, mirror, queue, runtimeFolder, report),
           applications(mirror, queue), watch(mirror, applications),
@@ -48,8 +49,8 @@ struct PlasmaDesktop {
           modifierChanges(dragModifiers.onChange([this] { mouse.modifiersChanged(); })),
           modifiersLoaded(dragModifiers.onLoaded([this] { words.dragNote = kKeysReported; })),
           preferences(xdg::FilePreferences::userFolder(), std::move(onReadable), std::move(report)),
-          windowsKnown(mirror.onReady([this] { hotKeys.deliver(); })), trust(bridge), windowList(mirror),
-          workspace(applications, watch), keyNames(keyboardLayout) {
+          windowsKnown(mirror.onReady([this] { hotKeys.deliver(); })), trust(bridge, mirror, queue, alerts),
+          windowList(mirror), workspace(applications, watch), keyNames(keyboardLayout) {
         hotKeys.holdBack();
     }
     PlasmaDesktop(const PlasmaDesktop&) = delete;

@@ -3,23 +3,43 @@
 #pragma once
 
 #include "platform/plasma/bridge.h"
-#include "ports/trust_port.h"
+#include "platform/wayland/mirror.h"
+#include "ports/alerts_port.h"
+#include "ports/explained_trust.h"
+#include "ports/main_queue_port.h"
+
+#include <functional>
+#include <utility>
 
 namespace tessarel::plasma {
 
 /// Trust on Plasma, which lets every program of the session move windows: whether KWin runs the script.
-class Trust : public TrustPort {
+class Trust : public ExplainedTrust {
 public:
-    /// `bridge` must outlive this object.
-    explicit Trust(const Bridge& bridge) : m_bridge(bridge) {}
+    /// `mirror` is the one that `bridge` fills. All referenced objects must outlive this one.
+    Trust(const Bridge& bridge, wayland::Mirror& mirror, MainQueuePort& queue, AlertsPort& alerts)
+        : ExplainedTrust(queue, alerts), m_bridge(bridge), m_mirror(mirror) {}
 
     [[nodiscard]] bool isTrusted() override { return m_bridge.isAccepted(); }
-    void prompt() override {}
-    [[nodiscard]] bool hasSettings() const override { return false; }
-    void openSettings() override {}
+
+protected:
+    /// KWin may be starting.
+    [[nodiscard]] bool mayComeYet() override { return m_bridge.isRetrying(); }
+    [[nodiscard]] Alert explanation() override {
+        return {
+            "Tessarel cannot move windows",
+            "KWin does not run Tessarel's script. Log out and in again; started from a terminal, Tessarel "
+            "says why.",
+            {"OK"}};
+    }
+    /// A script that runs reports all windows at once.
+    [[nodiscard]] SubscriptionPtr onChange(std::function<void()> changed) override {
+        return m_mirror.onReady(std::move(changed));
+    }
 
 private:
     const Bridge& m_bridge;
+    wayland::Mirror& m_mirror;
 };
 
 } // namespace tessarel::plasma

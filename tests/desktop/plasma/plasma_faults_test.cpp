@@ -10,6 +10,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
@@ -221,13 +222,16 @@ TEST_F(PlasmaFaultsTest, TheProgramEndsInOrderWhenTheSessionBusGoes) {
     EXPECT_EQ(session.program().waitForExit(), 0) << session.program().errors();
 }
 
-TEST_F(PlasmaFaultsTest, AScriptThatCannotBeWrittenIsReportedAndCommandsSayThatNothingIsDone) {
+TEST_F(PlasmaFaultsTest, AScriptThatCannotBeWrittenIsReportedInAWindowTooAndCommandsSayThatNothingIsDone) {
     // In the place of the script.
     std::filesystem::create_directory(std::filesystem::path(session.environment().at("XDG_RUNTIME_DIR")) /
                                       "tessarel-bridge.js");
     start();
     ASSERT_TRUE(session.waitForCommands());
 
+    EXPECT_TRUE(session.probe().waitUntil([this] {
+        return std::ranges::count(session.probe().windows(), session.program().pid(), &SeenWindow::pid) > 0;
+    }));
     EXPECT_EQ(session.command({"right-half"}), kNothingDone);
 
     EXPECT_THAT(session.program().errors(), testing::HasSubstr("cannot write"));

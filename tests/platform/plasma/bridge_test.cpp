@@ -153,6 +153,7 @@ TEST_F(BridgeTest, AScriptThatCannotBeWrittenIsReportedAndNotLoaded) {
     bridge->awaitWindows(x11test::kPatience);
 
     EXPECT_FALSE(bridge->isAccepted());
+    EXPECT_FALSE(bridge->isRetrying());
     EXPECT_THAT(problems, ElementsAre(HasSubstr("missing/tessarel-bridge.js")));
     EXPECT_THAT(compositor->requests, IsEmpty());
 }
@@ -172,11 +173,13 @@ TEST_F(BridgeTest, AScriptThatTheCompositorDoesNotTakeYetIsLoadedAgain) {
     bridge->load();
     bridge->awaitWindows(x11test::kPatience);
     ASSERT_FALSE(bridge->isAccepted());
+    EXPECT_TRUE(bridge->isRetrying());
 
     compositor.emplace(address, true);
     clock.advance(500ms);
 
     EXPECT_TRUE(exchangeUntil([&] { return bridge->isAccepted(); }));
+    EXPECT_FALSE(bridge->isRetrying());
     EXPECT_THAT(compositor->requests, testing::Contains("loadScript"));
 }
 
