@@ -95,6 +95,8 @@ void Bridge::tryToLoad(int attempts) {
             else if (attempts > 1)
                 m_nextAttempt =
                     m_queue.asyncAfter(kLoadInterval, [this, attempts] { tryToLoad(attempts - 1); });
+            else
+                m_report("KWin does not take the script by which it moves windows");
         },
         Delivery::Urgent);
     m_link.call(scripting("start"));

@@ -23,8 +23,8 @@ namespace tessarel::plasma {
 /// The connection to KWin: a script that KWin runs for this program. It fills the mirror and places windows.
 class Bridge : public wayland::Compositor {
 public:
-    /// The script is written to `folder`. `report` gets a text for the user if that fails. All referenced
-    /// objects must outlive this one.
+    /// The script is written to `folder`. `report` gets a text for the user if that fails, or KWin does not
+    /// take or run the script. All referenced objects must outlive this one.
     Bridge(wayland::BusLink& link, wayland::Mirror& mirror, MainQueuePort& queue,
            std::filesystem::path folder, std::function<void(const std::string&)> report);
     Bridge(const Bridge&) = delete;

@@ -183,6 +183,22 @@ TEST_F(BridgeTest, AScriptThatTheCompositorDoesNotTakeYetIsLoadedAgain) {
     EXPECT_THAT(compositor->requests, testing::Contains("loadScript"));
 }
 
+TEST_F(BridgeTest, AScriptThatTheCompositorHasNotTakenAfterSixtyAttemptsIsReported) {
+    makeBridge(folder.path());
+
+    bridge->load();
+    passBus();
+    for (int attempt = 1; attempt < 60; ++attempt) {
+        EXPECT_TRUE(bridge->isRetrying());
+        EXPECT_THAT(problems, IsEmpty());
+        clock.advance(500ms);
+        passBus();
+    }
+
+    EXPECT_FALSE(bridge->isRetrying());
+    EXPECT_THAT(problems, ElementsAre(HasSubstr("does not take the script")));
+}
+
 TEST_F(BridgeTest, AScriptThatReportsNothingIsNotAcceptedAnyMoreUntilItDoes) {
     compositor.emplace(address, true);
     makeBridge(folder.path());
