@@ -113,7 +113,8 @@ function isMovedByUser(window) {
     return window.move || window.resize;
 }
 
-let move = null; // the move that goes on: where the window was before, in which tile, and where it was last
+let move = null; // the move that goes on: where the window was before, in which tile, where it was last, and how
+                 // often its maximised state has changed
 
 // Calls `work` once KWin has finished what it is doing.
 function later(work) {
@@ -139,9 +140,42 @@ function leaveNewTile(window, tileBefore) {
     setFrame(window, frame);
 }
 
-// KWin says in the same way that a move has ended and that Escape has taken the window back.
-function isTakenBack(window, ended) {
+function intersection(a, b) {
+    const [x, y] = [Math.max(a[0], b[0]), Math.max(a[1], b[1])];
+    return [x, y, Math.min(a[0] + a[2], b[0] + b[2]) - x, Math.min(a[1] + a[3], b[1] + b[3]) - y];
+}
+
+// Returns whether KWin tiles or maximises a window that is dropped where the pointer is.
+function isPointerAtEdge() {
+    const { x, y } = workspace.cursorPos;
+    return displays().some(({ frame: [left, top, width, height], usable }) =>
+        x >= left && x < left + width && y >= top && y < top + height &&
+        (x <= usable[0] + 20 || x >= usable[0] + usable[2] - 20 || y <= usable[1] + 5));
+}
+
+// Returns whether KWin, as it ended the move, has maximised or tiled the window as it was before.
+function isInPlaceAgain(window, ended) {
+    if (ended.maximisedChanges > 0 && ended.maximisedChanges % 2 === 0) // the first one has undone it
+        return true;
+    return Boolean(window.tile) && displays().some(({ usable }) =>
+        areEqual(ended.start, intersection(rect(window.tile.absoluteGeometry), usable)));
+}
+
+function hasFrameAgain(window, ended) {
     return !areEqual(ended.start, ended.last) && areEqual(ended.start, rect(window.frameGeometry));
+}
+
+// KWin says in the same way that a move has ended and that Escape has taken the window back. One that was maximised
+// or tiled is so again at once, but has its frame only when its program has responded.
+function endMove(window, ended) {
+    const isInPlace = isInPlaceAgain(window, ended);
+    const isTakenBack = isInPlace && !isPointerAtEdge();
+    if (!isTakenBack)
+        leaveNewTile(window, ended.tile);
+    later(() => {
+        const isCancelled = isTakenBack || (!isInPlace && hasFrameAgain(window, ended));
+        reportMove(isCancelled ? "moveCancelled" : "moveFinished", window);
+    });
 }
 
 function reportMove(event, window) {
@@ -329,7 +363,7 @@ function watch(window) {
     known.set(identifier(window), window);
     const started = () => {
         const frame = rect(window.frameGeometry);
-        move = { start: frame, last: frame, tile: window.tile };
+        move = { window: window, start: frame, last: frame, tile: window.tile, maximisedChanges: 0 };
         reportMove("moveStarted", window);
     };
     const stepped = () => {
@@ -340,10 +374,12 @@ function watch(window) {
     const finished = () => {
         const ended = move;
         move = null;
-        if (ended === null)
-            return;
-        leaveNewTile(window, ended.tile);
-        later(() => reportMove(isTakenBack(window, ended) ? "moveCancelled" : "moveFinished", window));
+        if (ended !== null)
+            endMove(window, ended);
+    };
+    const changesMaximised = () => {
+        if (move !== null && move.window === window)
+            ++move.maximisedChanges;
     };
     if (window.interactiveMoveResizeStarted) {
         window.interactiveMoveResizeStarted.connect(started);
@@ -354,6 +390,9 @@ function watch(window) {
         window.clientStepUserMovedResized.connect(stepped);
         window.clientFinishUserMovedResized.connect(finished);
     }
+    for (const signal of ["clientMaximizedStateAboutToChange", "maximizedAboutToChange"])
+        if (window[signal])
+            window[signal].connect(changesMaximised);
     window.frameGeometryChanged.connect(() => frameChanged(window));
     // The program of an X window asks KWin, too, when it corrects its size.
     if (isWayland(window) && window.frameGeometryAboutToChange)

@@ -6,13 +6,15 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <csignal>
 #include <iterator>
 #include <vector>
 
 namespace tessarel::plasmatest {
 namespace {
 
-constexpr Rect kThird{1067, 0, 533, 450}; // of the zones on the first display
+constexpr Rect kFirst{0, 0, 533, 450}; // of the zones on the first display
+constexpr Rect kThird{1067, 0, 533, 450};
 constexpr Rect kFourth{800, 450, 800, 450};
 constexpr Rect kLeftHalf{0, 0, 800, 900};
 constexpr Rect kRightHalf{800, 0, 800, 900};
@@ -48,6 +50,37 @@ protected:
                                    press.y + (y - press.y) * step / kSteps);
     }
 
+    /// Drags the window and cancels it with Escape, while its program does not respond.
+    void cancelWhileTheProgramIsLate() {
+        const Rect before = session.frame(kEditor).value_or(Rect::null());
+        dragTo(1300, 200);
+        ASSERT_TRUE(session.probe().waitUntil([&] {
+            return isOverlayOn(PlasmaSession::kFirst) && session.frame(kEditor)->size() != before.size();
+        }));
+        session.editor().process().signal(SIGSTOP);
+        session.input().press({key::kEscape});
+        EXPECT_TRUE(session.probe().waitUntil([&] { return !isOverlayOn(PlasmaSession::kFirst); }));
+        session.input().setLeftButton(false);
+        session.editor().process().signal(SIGCONT);
+    }
+
+    void maximise() {
+        session.probe().run("workspace.slotWindowMaximize();");
+        ASSERT_EQ(session.settledFrame(kEditor, PlasmaSession::kFirst), PlasmaSession::kFirst);
+    }
+
+    void tileLeft() {
+        session.probe().run("workspace.slotWindowQuickTileLeft();");
+        ASSERT_EQ(session.settledFrame(kEditor, kLeftHalf), kLeftHalf);
+    }
+
+    /// Drags the window and drops it.
+    void dropAt(double x, double y) {
+        dragTo(x, y);
+        ASSERT_TRUE(session.probe().waitUntil([&] { return isOverlayOn(PlasmaSession::kFirst); }));
+        session.input().setLeftButton(false);
+    }
+
     /// Returns the frames that the editor has from now on until it has the frame `last`.
     std::vector<Rect> framesUntil(const Rect& last) {
         std::vector<Rect> frames;
@@ -69,6 +102,18 @@ protected:
         session.input().press({key::kLeftControl, key::kLeftAlt, key::kLeft});
         std::ranges::copy(framesUntil(kLeftHalf), std::back_inserter(frames));
         return frames;
+    }
+
+    /// Moves the editor into the right half of its display with a hot key, for which the program waits longer
+    /// than for the placement after an earlier drop: the editor is late. Returns the frames that it has
+    /// meanwhile.
+    std::vector<Rect> framesDuringALateHotKey() {
+        session.editor().process().signal(SIGSTOP);
+        session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
+        for (int placement = 0; placement < 2; ++placement) // the drop's would be the second
+            EXPECT_EQ(session.command({"list", "displays"}), 0);
+        session.editor().process().signal(SIGCONT);
+        return framesUntil(kRightHalf);
     }
 
     /// Returns whether the program shows an overlay over the whole display.
@@ -133,6 +178,44 @@ TEST_F(PlasmaDragTest, EscapeHidesTheZonesAndTheReleaseLeavesTheWindowWhereItWas
 
     EXPECT_EQ(session.settledFrame(kEditor, before), before);
     EXPECT_THAT(framesDuringTwoHotKeys(), testing::Not(testing::Contains(kThird)));
+}
+
+TEST_F(PlasmaDragTest, EscapeMakesAMaximisedWindowSoAgainThoughItsProgramIsLate) {
+    maximise();
+
+    cancelWhileTheProgramIsLate();
+
+    EXPECT_EQ(session.settledFrame(kEditor, PlasmaSession::kFirst), PlasmaSession::kFirst);
+    EXPECT_THAT(framesDuringALateHotKey(), testing::Not(testing::Contains(kThird)));
+}
+
+TEST_F(PlasmaDragTest, EscapeTakesATiledWindowBackIntoItsTileThoughItsProgramIsLate) {
+    tileLeft();
+
+    cancelWhileTheProgramIsLate();
+
+    EXPECT_EQ(session.settledFrame(kEditor, kLeftHalf), kLeftHalf);
+    EXPECT_THAT(framesDuringALateHotKey(), testing::Not(testing::Contains(kThird)));
+}
+
+TEST_F(PlasmaDragTest, AMaximisedWindowTakesItsZoneAlsoAtTheEdgeWhereTheCompositorMaximisesIt) {
+    maximise();
+    dropAt(1300, 200);
+    EXPECT_EQ(session.settledFrame(kEditor, kThird), kThird);
+
+    maximise();
+    dropAt(200, 1);
+    EXPECT_EQ(session.settledFrame(kEditor, kFirst), kFirst);
+}
+
+TEST_F(PlasmaDragTest, ATiledWindowTakesItsZoneAlsoAtTheEdgeWhereTheCompositorTilesIt) {
+    tileLeft();
+    dropAt(1300, 200);
+    EXPECT_EQ(session.settledFrame(kEditor, kThird), kThird);
+
+    tileLeft();
+    dropAt(3, 400);
+    EXPECT_EQ(session.settledFrame(kEditor, kFirst), kFirst);
 }
 
 TEST_F(PlasmaUnseenShiftDragTest, ADragThatWaitsForAKeyShowsNoZonesWithoutEffectsAndHotKeysWork) {

@@ -102,6 +102,8 @@ public:
     /// Opens a window with a title bar, in the same way. Its program takes every size, and starts within
     /// milliseconds.
     void openEditor();
+    /// The program of the window that `openEditor` has opened.
+    [[nodiscard]] WaylandClient& editor() { return *m_editor; }
     /// Returns the frame of the window with this class; empty if there is none.
     [[nodiscard]] std::optional<Rect> frame(const std::string& windowClass);
     /// Waits until the window with this class has the frame `expected`. Returns the frame that it has then.
