@@ -81,14 +81,18 @@ Element Accessibility::systemWide() {
 
 void Accessibility::setMessagingTimeout(const Element& /*element*/, std::chrono::milliseconds /*limit*/) {}
 
-/// Returns the topmost window whose frame contains the point, unless it belongs to this program or is no
-/// window for work.
+/// Returns the window whose frame contains the point, unless it belongs to this program or is no window for
+/// work. If there are several, it is the one that the user moves, which need not be in front, or else the
+/// topmost.
 std::optional<Element> Accessibility::elementAtPosition(const Element& within, const Point& axPoint) {
     const auto point = compositorFromAx(axPoint, m_mirror.primary());
     if (!within.handle || !point)
         return std::nullopt;
     const ProcessId wanted = nativeElement(within).pid;
-    for (const WindowId id : m_mirror.frontToBack()) {
+    std::vector<WindowId> order = m_mirror.frontToBack();
+    if (m_mirror.find(m_mirror.movedByUser()) != nullptr)
+        order.insert(order.begin(), m_mirror.movedByUser());
+    for (const WindowId id : order) {
         const WindowState& window = *m_mirror.find(id);
         const bool isOwnOverlay = isOwn(window.pid) && window.kind == WindowKind::Other;
         if (!isOnScreen(window) || isOwnOverlay || !window.frame.contains(*point))

@@ -16,6 +16,10 @@ ProcessId standInProcess(WindowId window) {
     return kHighest + static_cast<ProcessId>(window);
 }
 
+bool isUnderWay(const UserMove& step) {
+    return step.phase == UserMove::Phase::Started || step.phase == UserMove::Phase::Stepped;
+}
+
 /// Returns whether one of the displays shows nothing that the other one does not show.
 bool areMirrors(const Rect& a, const Rect& b) {
     const Rect common = a.intersection(b);
@@ -83,7 +87,7 @@ void Mirror::remove(const std::string& name) {
         m_active = kNoWindow;
     if (m_userMove && m_userMove->window == id) { // its end is reported for an unknown window, if at all
         m_userMove->phase = UserMove::Phase::Cancelled;
-        note([this, step = *m_userMove] { m_moved.send(step); });
+        note([this, step = *m_userMove] { sendMove(step); });
         m_userMove.reset();
     }
     note([this, id, last = std::move(last)] { m_closed.send(id, last); });
@@ -150,14 +154,19 @@ void Mirror::move(UserMove::Phase phase, const std::string& name, bool isMove, c
         return;
     const UserMove step{phase, id, isMove, pointer, frame};
     m_userMove.reset();
-    if (phase == UserMove::Phase::Started || phase == UserMove::Phase::Stepped)
+    if (isUnderWay(step))
         m_userMove = step;
     note([this, step, known = m_knownFrames[id]] {
         const auto window = m_windows.find(step.window);
         if (window != m_windows.end() && m_knownFrames[step.window] == known)
             window->second.frame = step.frame;
-        m_moved.send(step);
+        sendMove(step);
     });
+}
+
+void Mirror::sendMove(const UserMove& step) {
+    m_movedByUser = isUnderWay(step) ? step.window : kNoWindow;
+    m_moved.send(step);
 }
 
 const WindowState* Mirror::find(WindowId window) const {

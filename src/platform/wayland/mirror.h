@@ -120,6 +120,8 @@ public:
     [[nodiscard]] const WindowState* find(WindowId window) const;
     [[nodiscard]] WindowId named(const std::string& name) const;
     [[nodiscard]] WindowId active() const { return m_active; }
+    /// Returns the window that the user moves or resizes, as of the last step that was delivered.
+    [[nodiscard]] WindowId movedByUser() const { return m_movedByUser; }
     [[nodiscard]] std::vector<WindowId> frontToBack() const;
     [[nodiscard]] const std::vector<DisplayState>& displays() const { return m_displays; }
     /// Returns the frame of the primary display; empty without displays.
@@ -141,6 +143,7 @@ public:
 
 private:
     void removeUnlisted(const Snapshot& snapshot);
+    void sendMove(const UserMove& step);
     void note(std::function<void()> signal) { m_notices.push_back(std::move(signal)); }
 
     bool m_isReady = false;
@@ -152,6 +155,7 @@ private:
     WindowId m_active = kNoWindow;
     std::vector<DisplayState> m_displays; ///< the primary one first
     std::optional<UserMove> m_userMove;   ///< the last step of a move that has not ended
+    WindowId m_movedByUser = kNoWindow;
     std::deque<std::function<void()>> m_notices;
     Signal<> m_delivered;
     Signal<> m_ready;

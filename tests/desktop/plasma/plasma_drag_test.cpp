@@ -41,7 +41,10 @@ protected:
     /// Presses the title bar and moves the pointer to a place in small steps.
     void dragTo(double x, double y) {
         const Rect before = session.frame(kEditor).value_or(Rect::null());
-        const Point press{before.midX(), before.minY() + kPressBelowTop};
+        dragFrom({before.midX(), before.minY() + kPressBelowTop}, x, y);
+    }
+
+    void dragFrom(const Point& press, double x, double y) {
         session.input().moveTo(press.x, press.y);
         session.input().setLeftButton(true);
         constexpr int kSteps = 10;
@@ -165,6 +168,31 @@ TEST_F(PlasmaDragTest, TheZonesOfTheDisplayWithThePointerAreShown) {
 
     const Rect fourth{1600, 450, 800, 450};
     EXPECT_EQ(session.settledFrame(kEditor, fourth), fourth);
+}
+
+TEST_F(PlasmaDragTest, AWindowDraggedWithMetaTakesItsZoneThoughAnotherOneIsInFrontOfItsTitleBar) {
+    constexpr const char* kCover = "org.example.cover";
+    const Rect start = session.frame(kEditor).value_or(Rect::null());
+    const Rect top{start.x, start.y, start.width, 200};
+    WaylandClient client(session.environment());
+    client.open(2, {.applicationId = kCover, .size = top.size()});
+    ASSERT_TRUE(session.probe().waitUntil([&] { return session.frame(kCover).has_value(); }));
+    session.probe().run(R"(
+        const [editor, cover] = ["org.example.editor", "org.example.cover"].map((name) =>
+            workspace.clientList().find((window) => window.resourceClass == name));
+        cover.keepAbove = true;
+        cover.frameGeometry = { x: editor.x, y: editor.y, width: editor.width, height: 200 };
+        workspace.activeClient = editor;)");
+    ASSERT_EQ(session.settledFrame(kCover, top), top);
+
+    session.input().setKey(key::kLeftMeta, true);
+    dragFrom({start.midX(), start.maxY() - 50}, 1300, 600);
+    EXPECT_TRUE(session.probe().waitUntil([&] { return isOverlayOn(PlasmaSession::kFirst); }));
+    session.input().setLeftButton(false);
+    session.input().setKey(key::kLeftMeta, false);
+
+    EXPECT_EQ(session.settledFrame(kEditor, kFourth), kFourth);
+    EXPECT_EQ(session.frame(kCover), top);
 }
 
 TEST_F(PlasmaDragTest, EscapeHidesTheZonesAndTheReleaseLeavesTheWindowWhereItWas) {

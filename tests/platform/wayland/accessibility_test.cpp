@@ -124,6 +124,34 @@ TEST_F(WaylandAccessibilityTest, AWindowIsListedWithTheKeyOfItsElement) {
         EXPECT_EQ(listed[i].key, accessibility.key(windows()[i]));
 }
 
+TEST_F(WaylandAccessibilityTest, OfSeveralWindowsAtAPointTheOneThatTheUserMovesIsFoundAndElseTheTopmost) {
+    const auto windowAt = [this](const Point& axPoint) {
+        const auto found = accessibility.elementAtPosition(accessibility.systemWide(), axPoint);
+        return found ? accessibility.key(*found) : 0;
+    };
+    const auto report = [this](UserMove::Phase phase, const Rect& frame) {
+        mirror.move(phase, "a", true, {}, frame);
+        mirror.deliver();
+    };
+    const Point point{150, 110};
+    const Rect elsewhere{700, 100, 500, 400};
+    EXPECT_EQ(windowAt(point), accessibility.key(element("c")));
+
+    report(UserMove::Phase::Started, kStart);
+    EXPECT_EQ(windowAt(point), accessibility.key(element("a")));
+    report(UserMove::Phase::Stepped, elsewhere);
+    EXPECT_EQ(windowAt(point), accessibility.key(element("c")));
+    report(UserMove::Phase::Stepped, kStart);
+    EXPECT_EQ(windowAt(point), accessibility.key(element("a")));
+    report(UserMove::Phase::Finished, kStart);
+    EXPECT_EQ(windowAt(point), accessibility.key(element("c")));
+
+    report(UserMove::Phase::Started, kStart);
+    mirror.remove("a");
+    mirror.deliver();
+    EXPECT_EQ(windowAt(point), accessibility.key(element("c")));
+}
+
 TEST_F(WaylandAccessibilityTest, AWindowIsWaitedForWhenItIsReadAfterAWrite) {
     write("a", kWanted);
     EXPECT_EQ(readSize("a"), kWanted.size());
