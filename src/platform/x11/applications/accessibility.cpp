@@ -65,11 +65,6 @@ std::optional<AttributeValue> subrole(const WindowTraits& traits) {
     return std::nullopt;
 }
 
-/// Returns whether the window is minimised. metacity, mutter and marco set HIDDEN for shaded windows as well.
-bool isMinimized(const WindowStates& states) {
-    return states.hidden && !states.shaded;
-}
-
 } // namespace
 
 X11Accessibility::X11Accessibility(Connection& connection, Monitors& monitors, ClientWindows& windows,
@@ -154,7 +149,7 @@ std::optional<AttributeValue> X11Accessibility::windowAttribute(const Element& e
     if (attribute == attribute::kSize)
         return frame->outer().size();
     if (attribute == attribute::kMinimized)
-        return isMinimized(frame->states);
+        return frame->isMinimized;
     if (attribute == attribute::kFullScreen)
         return frame->states.fullScreen;
     if (attribute == attribute::kFrameExcess)

@@ -42,6 +42,17 @@ std::optional<Extents> extentsOfFrameWindow(Connection& connection, xcb_window_t
                    .bottom = bottom < 0 ? left : bottom}; // a shaded window's frame ends above its client
 }
 
+/// Returns whether a window with these states is minimised. The states do not say so for a window that is
+/// both shaded and hidden: while it is only shaded, its frame is mapped. mutter keeps the frame mapped in any
+/// case.
+bool isMinimizedIn(Connection& connection, xcb_window_t window, const WindowStates& states) {
+    if (!states.hidden || !states.shaded)
+        return states.hidden;
+    const auto frame = connection.reply<xcb_get_window_attributes_reply>(
+        xcb_get_window_attributes(connection.xcb(), topLevelOf(connection, window)));
+    return !frame || frame->map_state == XCB_MAP_STATE_UNMAPPED;
+}
+
 } // namespace
 
 Rect WindowFrame::outer() const {
@@ -118,8 +129,9 @@ std::optional<WindowFrame> FrameRequest::collect() {
     const auto shadowExtents = extentsFrom(values(shadows));
     if (!decorationExtents && !shadowExtents && m_source == ExtentsSource::FrameWindow)
         decorationExtents = extentsOfFrameWindow(*m_connection, m_window, client);
+    const WindowStates windowStates = statesFrom(m_connection->atoms(), values(states));
     return WindowFrame{client, effectiveExtents(decorationExtents, shadowExtents, client.size()),
-                       statesFrom(m_connection->atoms(), values(states))};
+                       windowStates, isMinimizedIn(*m_connection, m_window, windowStates)};
 }
 
 } // namespace tessarel::x11

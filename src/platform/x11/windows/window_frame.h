@@ -29,7 +29,7 @@ struct WindowStates {
     bool maximizedHorizontally = false;
     bool maximizedVertically = false;
     bool shaded = false;
-    bool hidden = false; ///< minimised; metacity, mutter and marco also set it for shaded windows
+    bool hidden = false; ///< metacity, mutter and marco also set it for shaded windows
     bool fullScreen = false;
 
     bool operator==(const WindowStates&) const = default;
@@ -40,6 +40,7 @@ struct WindowFrame {
     Rect client; ///< the X window itself
     Extents extents;
     WindowStates states;
+    bool isMinimized = false; ///< not on the screen of its desktop, not even as a title bar
 
     /// Returns the visible frame: what the user sees as the window, including decorations, without shadows.
     ///
@@ -79,7 +80,8 @@ public:
     FrameRequest(Connection& connection, xcb_window_t window, ExtentsSource source);
 
     /// Waits for the replies. Returns `std::nullopt` when the window does not exist. Takes a further round
-    /// trip for each level of frames, and one more, if the extents have to be read from the frame.
+    /// trip for each level of frames, and one more, if the extents have to be read from the frame. Takes as
+    /// many if the window is both shaded and hidden.
     [[nodiscard]] std::optional<WindowFrame> collect();
 
 private:

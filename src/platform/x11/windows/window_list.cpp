@@ -90,9 +90,7 @@ std::vector<ListedWindow> X11WindowList::onScreenWindows() {
         AppearanceRequest& appearance = appearances.at(window);
         appearance.collect();
         const auto frame = m_windows.frame(window);
-        // Some window managers set HIDDEN for shaded windows too; those are still on the screen.
-        const bool isMinimized = frame && frame->states.hidden && !frame->states.shaded;
-        if (!frame || isMinimized || !appearance.isOn(current))
+        if (!frame || frame->isMinimized || !appearance.isOn(current))
             continue;
         const auto pid = m_windows.pid(window);
         listed.push_back({layerOf(m_windows.traits(window).type), pid,

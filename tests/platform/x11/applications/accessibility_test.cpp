@@ -135,6 +135,20 @@ TEST_F(AccessibilityTest, AMinimisedWindowHasAnElement) {
     EXPECT_EQ(read<bool>(elementOf(window), attribute::kMinimized), true);
 }
 
+TEST_F(AccessibilityTest, AMinimisedWindowIsMinimisedEvenIfItIsShaded) {
+    const xcb_window_t window = open();
+    observer.iconify(window);
+    ASSERT_TRUE(observer.waitUntil([&] { return observer.hasState(window, "_NET_WM_STATE_HIDDEN"); }));
+    observer.changeState(window, x11test::StateChange::Add, "_NET_WM_STATE_SHADED");
+    ASSERT_TRUE(observer.waitUntil([&] { return observer.hasState(window, "_NET_WM_STATE_SHADED"); }));
+
+    // openbox still shows an animation.
+    EXPECT_TRUE(observer.waitUntil([&] {
+        settle();
+        return read<bool>(elementOf(window), attribute::kMinimized) == true;
+    }));
+}
+
 TEST_F(AccessibilityTest, TheWindowAttributeOfAWindowIsTheWindowItself) {
     const xcb_window_t window = open();
 

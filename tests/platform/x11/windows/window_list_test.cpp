@@ -107,6 +107,20 @@ TEST_F(WindowListTest, AMinimizedWindowIsNotOnTheScreen) {
     EXPECT_TRUE(list().empty());
 }
 
+TEST_F(WindowListTest, AShadedWindowIsOnTheScreenUntilItIsMinimised) {
+    const xcb_window_t window = open();
+    observer.changeState(window, x11test::StateChange::Add, "_NET_WM_STATE_SHADED");
+    ASSERT_TRUE(observer.waitUntil([&] { return observer.hasState(window, "_NET_WM_STATE_SHADED"); }));
+    EXPECT_EQ(list().size(), 1U);
+
+    // openbox ignores WM_CHANGE_STATE for a shaded window.
+    observer.changeState(window, x11test::StateChange::Add, "_NET_WM_STATE_HIDDEN");
+    ASSERT_TRUE(observer.waitUntil([&] { return observer.hasState(window, "_NET_WM_STATE_HIDDEN"); }));
+
+    EXPECT_TRUE(observer.hasState(window, "_NET_WM_STATE_SHADED"));
+    EXPECT_TRUE(observer.waitUntil([&] { return list().empty(); })); // openbox still shows an animation
+}
+
 TEST_F(WindowListTest, AWindowOnAnotherDesktopIsNotOnTheScreen) {
     moveToDesktop(open(), 1);
 
