@@ -121,12 +121,13 @@ void QtAppearance::showWithoutPortal() {
         show({});
 }
 
-/// Without an accent colour in `settings`, the present one stays until the desktop's has been found.
+/// Without an accent colour in `settings`, the present one stays until the desktop's has been found, unless
+/// the portal has announced it.
 void QtAppearance::show(const QVariantMap& settings) {
     const std::optional<QColor> accent = accentColor(settings);
-    m_hasAccent = accent.has_value();
+    const bool isTakenBack = std::exchange(m_hasAccent, accent.has_value()) && !accent;
     use({.isDark = prefersDark(settings, qEnvironmentVariable("GTK_THEME")),
-         .accent = accent.value_or(m_appearance.accent)});
+         .accent = isTakenBack ? Appearance().accent : accent.value_or(m_appearance.accent)});
     if (!m_hasAccent)
         m_desktopAccent.read();
 }

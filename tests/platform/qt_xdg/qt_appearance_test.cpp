@@ -43,13 +43,14 @@ public:
     }
 
     std::atomic<uint> scheme = 1;
+    std::atomic<double> redPart = 1.0; ///< of the accent colour; out of range for none
     std::atomic<bool> isSilent = false;
 
 private:
     [[nodiscard]] QVariant settings() const {
         QDBusArgument red;
         red.beginStructure();
-        red << 1.0 << 0.0 << 0.0;
+        red << redPart.load() << 0.0 << 0.0;
         red.endStructure();
         QDBusArgument all;
         all.beginMap(QMetaType::fromType<QString>(), QMetaType::fromType<QVariantMap>());
@@ -241,6 +242,17 @@ TEST_F(QtAppearanceTest, ThePortalsAccentColourComesBeforeThatOfTheDesktop) {
     appearance.apply();
 
     EXPECT_TRUE(waitFor(QColor(Qt::red)));
+}
+
+TEST_F(QtAppearanceTest, AnAccentColourThatTheDesktopTakesBackGivesWayToTheProgramsOwn) {
+    startPortal();
+    appearance.apply();
+    ASSERT_TRUE(waitFor(QColor(Qt::red)));
+
+    portal.redPart = -1;
+    appearance.busChanged();
+
+    EXPECT_TRUE(QTest::qWaitFor([this] { return appearance.accent() == QColor(kAccent); }));
 }
 
 TEST_F(QtAppearanceTest, DoesNotWaitForASilentPortal) {
