@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 
 namespace tessarel::plasma {
@@ -63,7 +64,8 @@ SubscriptionPtr SingleInstance::claim(std::function<void()> reopened, std::funct
     const Reply request = m_request ? std::exchange(m_request, nullptr) : requestName();
     await(m_link, *request, kPatienceWithBus);
     const auto& reply = *request;
-    if (!reply)
+    m_isRefused = reply && !reply->error.empty();
+    if (!reply || m_isRefused)
         return nullptr;
     if (reply->value<std::int64_t>(0) != kIsOwner) {
         m_notification = send(m_link, {kName, kPath, "org.tessarel.Tessarel", kReopen});
@@ -79,6 +81,8 @@ SubscriptionPtr SingleInstance::claim(std::function<void()> reopened, std::funct
 SingleInstance::Reaction SingleInstance::awaitReaction() {
     using Kind = Reaction::Kind;
     const auto notification = std::exchange(m_notification, nullptr);
+    if (m_isRefused && !m_link.isLost())
+        return {Kind::Missing, "the session bus refuses the name " + std::string(kName)};
     if (!notification || m_link.isLost())
         return {Kind::Missing, "the session bus does not reply"};
     await(m_link, *notification, kPatience);

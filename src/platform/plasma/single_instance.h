@@ -45,6 +45,7 @@ private:
     Reply m_request; ///< the reply of the bus to the next claim; null if that has not been sent
     /// The reply of the copy that runs already to the notification; null if none was sent.
     Reply m_notification;
+    bool m_isRefused = false; ///< the bus does not let this program have the name
 };
 
 } // namespace tessarel::plasma

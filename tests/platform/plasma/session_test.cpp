@@ -11,7 +11,9 @@
 
 #include <chrono>
 #include <csignal>
+#include <fstream>
 #include <optional>
+#include <string>
 
 namespace tessarel::plasma {
 namespace {
@@ -104,6 +106,25 @@ TEST_F(PlasmaSessionTest, ACopyThatEndsBeforeItHasReactedHasEnded) {
     other.reset();
 
     EXPECT_EQ(copy.awaitReaction().kind, SingleInstancePort::Reaction::Kind::Ended);
+}
+
+TEST_F(PlasmaSessionTest, ABusThatRefusesTheNameIsNoCopyThatHasEnded) {
+    const std::string refusing = "unix:path=" + (folder.path() / "refusing").string();
+    std::ofstream(folder.path() / "refusing.conf")
+        << "<busconfig><listen>" << refusing
+        << "</listen><policy context=\"default\"><allow send_destination=\"*\"/>"
+        << "<allow receive_sender=\"*\"/><deny own=\"*\"/></policy></busconfig>";
+    x11test::ChildProcess bus({"dbus-daemon", "--nofork", "--nopidfile", "--print-address",
+                               "--config-file=" + (folder.path() / "refusing.conf").string()});
+    (void)bus.readLine(); // once the bus accepts connections
+    BusLink own(refusing);
+    SingleInstance copy(own);
+
+    EXPECT_EQ(copy.claim([] {}, [] {}), nullptr);
+
+    const auto reaction = copy.awaitReaction();
+    EXPECT_EQ(reaction.kind, SingleInstancePort::Reaction::Kind::Missing);
+    EXPECT_EQ(reaction.problem, "the session bus refuses the name " + std::string(SingleInstance::kName));
 }
 
 TEST_F(PlasmaSessionTest, AClaimDoesNotWaitForABusThatHangsAfterItHasNamedTheCompositor) {
