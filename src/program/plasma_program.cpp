@@ -33,6 +33,7 @@
 #include <string>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 #include <wayland-client.h>
 
 namespace tessarel {
@@ -62,10 +63,14 @@ std::filesystem::path runtimeFolder() {
 /// gone. Qt says so on one of its own threads, on the main thread, or on both at once.
 class Restart {
 public:
-    /// `compositor` is the unique name of the KWin that runs now.
+    /// `compositor` is the unique name of the KWin that runs now. The new process gets the present
+    /// environment, because `SessionBus` hides addresses in it.
     Restart(std::string busAddress, std::string compositor, std::string programName)
         : m_busAddress(std::move(busAddress)), m_compositor(std::move(compositor)),
-          m_programName(std::move(programName)) {}
+          m_programName(std::move(programName)) {
+        for (const char* const* variable = environ; *variable != nullptr; ++variable)
+            m_environment.emplace_back(*variable);
+    }
 
     /// Waits for another KWin, with a bound. Exits if there is none.
     [[noreturn]] void run() {
@@ -73,9 +78,12 @@ public:
             ::pause();                       // until the other thread replaces or ends the process
         wayland::BusLink link(m_busAddress); // the main thread may be using its own
         if (!plasma::awaitCompositor(link, m_compositor).empty()) {
-            ::setenv("DBUS_SESSION_BUS_ADDRESS", m_busAddress.c_str(), 1); // which `SessionBus` may hide
             std::array<char*, 2> arguments{m_programName.data(), nullptr};
-            ::execv("/proc/self/exe", arguments.data());
+            std::vector<char*> environment;
+            for (std::string& variable : m_environment)
+                environment.push_back(variable.data());
+            environment.push_back(nullptr);
+            ::execve("/proc/self/exe", arguments.data(), environment.data());
         }
         say("lost the connection to the compositor");
         std::_Exit(EXIT_FAILURE);
@@ -96,6 +104,7 @@ private:
     std::string m_busAddress;
     std::string m_compositor;
     std::string m_programName;
+    std::vector<std::string> m_environment;
     std::atomic<bool> m_hasBegun = false;
 };
 

@@ -14,7 +14,10 @@
 #include <csignal>
 #include <cstdint>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace tessarel::plasmatest {
@@ -23,6 +26,14 @@ namespace {
 constexpr Rect kRightHalf{800, 0, 800, 900};
 constexpr const char* kUsualSettings = R"({"hasOnboarded":true,"rememberApps":false})";
 constexpr int kNothingDone = 4;
+
+/// Returns the environment that a process, or the program that has replaced it, was started with.
+std::string environmentOf(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/environ");
+    std::string text(std::istreambuf_iterator<char>(file), {});
+    std::ranges::replace(text, '\0', '\n');
+    return text;
+}
 
 class PlasmaFaultsTest : public testing::Test {
 protected:
@@ -145,6 +156,18 @@ TEST_F(PlasmaFaultsTest, ACompositorThatHasRestartedBeforeTheProgramHasConnected
     session.releaseProgram();
 
     expectHotKeysWork();
+}
+
+TEST_F(PlasmaFaultsTest, AfterACrashOfTheCompositorTheProgramHasTheEnvironmentOfItsStart) {
+    session.startProgramHeld();
+    const std::string before = environmentOf(session.program().pid());
+    session.killCompositor();
+    session.releaseProgram();
+
+    session.startCompositor();
+
+    ASSERT_TRUE(session.waitForCommands()) << session.program().errors();
+    EXPECT_EQ(environmentOf(session.program().pid()), before);
 }
 
 TEST_F(PlasmaFaultsTest, GlobalShortcutsAreRegisteredAgainWithAServiceThatHasStartedAnew) {
