@@ -77,7 +77,7 @@ Print the version and exit.
 The command has done something.
 .TP
 .B 1
-Tessarel does not answer, or cannot start.
+Tessarel does not answer, cannot start, or cannot write its output.
 .TP
 .B 2
 There is no such command or option.

@@ -65,7 +65,7 @@ struct ParsedCommand {
 /// The exit codes of the command line.
 enum class CommandExit : std::uint8_t {
     Done = 0,
-    Failed = 1,      ///< the running copy does not answer
+    Failed = 1,      ///< the running copy does not answer, or the output cannot be written
     Wrong = 2,       ///< unknown words
     NotRunning = 3,  ///< no copy runs on this display
     NothingDone = 4, ///< the command could not be carried out; the text says why

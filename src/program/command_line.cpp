@@ -13,17 +13,10 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
-#include <cstdlib>
 
 namespace tessarel {
 
 namespace {
-
-void print(const std::string& text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    std::fputc('\n', stdout);
-}
 
 /// Returns the words of a form with what follows them, as in "pause on|off|toggle".
 std::string usage(const CommandForm& form) {
@@ -79,14 +72,10 @@ CommandLine readCommandLine(int argumentCount, char** arguments) {
     parser.addOptions({help, version, json});
     if (!parser.parse(all))
         return wrong("there is no option \"" + parser.unknownOptionNames().value(0).toStdString() + "\"");
-    if (parser.isSet(help)) {
-        print(helpText());
-        return {EXIT_SUCCESS, {}};
-    }
-    if (parser.isSet(version)) {
-        print("tessarel " + std::string(Config::version));
-        return {EXIT_SUCCESS, {}};
-    }
+    if (parser.isSet(help))
+        return {print(helpText()), {}};
+    if (parser.isSet(version))
+        return {print("tessarel " + std::string(Config::version)), {}};
     CommandLine line;
     for (const QString& word : parser.positionalArguments())
         line.words.push_back(word.toStdString());

@@ -10,11 +10,18 @@ void say(const std::string& line) {
     std::fprintf(stderr, "tessarel: %s\n", line.c_str());
 }
 
+int print(const std::string& text) {
+    const std::string line = text + '\n';
+    if (std::fwrite(line.data(), 1, line.size(), stdout) == line.size() && std::fflush(stdout) == 0)
+        return static_cast<int>(CommandExit::Done);
+    return report(CommandExit::Failed, "cannot write to the standard output");
+}
+
 int report(CommandExit exit, const std::string& text) {
+    if (exit == CommandExit::Done && !text.empty())
+        return print(text);
     if (exit != CommandExit::Done)
         say(text);
-    else if (!text.empty())
-        std::fprintf(stdout, "%s\n", text.c_str());
     return static_cast<int>(exit);
 }
 

@@ -76,6 +76,15 @@ TEST_F(CommandLineTest, TheLauncherLeavesEverythingElseToTheProgram) {
     EXPECT_EQ(run({"layout", "\xC3\xA4"}).exitCode, 4) << "a layout that does not exist";
 }
 
+TEST_F(CommandLineTest, AListThatCannotBePrintedIsReported) {
+    const std::string intoFullDisk = "exec '" TESSAREL_LAUNCHER "' list zones > /dev/full";
+
+    const Result result = run({"-c", intoFullDisk}, "/bin/sh");
+
+    EXPECT_EQ(result.exitCode, 1);
+    EXPECT_EQ(result.errors, "tessarel: cannot write to the standard output\n");
+}
+
 TEST_F(CommandLineTest, ACommandThatDoesNothingSaysWhy) {
     static_cast<void>(desktop.open(client));
 

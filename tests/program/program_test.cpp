@@ -124,6 +124,15 @@ TEST(ProgramArgumentsTest, UnknownWordsHaveNoSecondMeaning) {
     }
 }
 
+TEST(ProgramArgumentsTest, TextThatCannotBePrintedIsReported) {
+    for (const char* const option : {"--help", "--version"}) {
+        // A device that takes nothing, like a full disk.
+        ChildProcess program({"/bin/sh", "-c", "exec \"$0\" $1 > /dev/full", TESSAREL_PROGRAM, option}, {});
+        EXPECT_EQ(program.waitForExit(), 1) << option;
+        EXPECT_EQ(program.errors(), "tessarel: cannot write to the standard output\n");
+    }
+}
+
 /// Fixture: with a window manager, so that the program has nothing to warn about.
 class ManagedProgramTest : public ProgramTest {
 protected:
