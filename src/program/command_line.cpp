@@ -31,6 +31,17 @@ std::string usage(const CommandForm& form) {
     return text;
 }
 
+/// Returns the first option that `parser` has rejected: it is unknown, or it has a value, which none takes.
+QString rejectedOption(const QCommandLineParser& parser, const QStringList& arguments) {
+    if (const QStringList unknown = parser.unknownOptionNames(); !unknown.isEmpty())
+        return unknown.first();
+    const auto option = std::find_if(arguments.begin(), arguments.end(), [](const QString& argument) {
+        return argument.startsWith(QLatin1Char('-')) && argument.contains(QLatin1Char('='));
+    });
+    return option == arguments.end() ? QString()
+                                     : option->sliced(option->startsWith(QLatin1String("--")) ? 2 : 1);
+}
+
 CommandLine wrong(const std::string& problem) {
     say(problem + "; see \"tessarel --help\"");
     return {static_cast<int>(CommandExit::Wrong), {}};
@@ -71,7 +82,7 @@ CommandLine readCommandLine(int argumentCount, char** arguments) {
     const QCommandLineOption json(QStringLiteral("json"));
     parser.addOptions({help, version, json});
     if (!parser.parse(all))
-        return wrong("there is no option \"" + parser.unknownOptionNames().value(0).toStdString() + "\"");
+        return wrong("there is no option \"" + rejectedOption(parser, all).toStdString() + "\"");
     if (parser.isSet(help))
         return {print(helpText()), {}};
     if (parser.isSet(version))

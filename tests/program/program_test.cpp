@@ -114,6 +114,8 @@ TEST(ProgramArgumentsTest, UnknownWordsHaveNoSecondMeaning) {
     for (const auto& [words, problem] :
          {std::pair(Words{"--paws"}, R"(there is no option "paws")"),
           std::pair(Words{"zone-1", "-platform", "xcb"}, R"(there is no option "platform")"),
+          std::pair(Words{"list", "zones", "--json=1"}, R"(there is no option "json=1")"),
+          std::pair(Words{"--help=all"}, R"(there is no option "help=all")"),
           std::pair(Words{"zone-12"}, R"(there is no command "zone-12")"),
           std::pair(Words{"quit", "--json"}, "quit takes no further words")}) {
         Words arguments{TESSAREL_PROGRAM};
