@@ -252,6 +252,17 @@ TEST_F(ManagedProgramTest, AWaylandSessionIsReportedInOneLine) {
     EXPECT_THAT(program.errors(), IsOneLineOf("tessarel: this is a Wayland session"));
 }
 
+TEST_F(ProgramTest, APointerThatMovesAcrossTheDesktopDoesNotWakeTheProgram) {
+    ChildProcess program = start();
+    ASSERT_TRUE(showsAnAlert()); // of Qt, which selects these events on startup
+
+    xcb_connection_t* const x = observer.x().get();
+    const auto root =
+        own(xcb_get_window_attributes_reply(x, xcb_get_window_attributes(x, observer.root()), nullptr));
+    ASSERT_TRUE(root);
+    EXPECT_EQ(root->all_event_masks & (XCB_EVENT_MASK_ENTER_WINDOW | XCB_EVENT_MASK_LEAVE_WINDOW), 0U);
+}
+
 TEST_F(ProgramTest, LosingTheXServerEndsTheProgramWithOneLine) {
     ChildProcess program = start();
     ASSERT_TRUE(becomesReady(program));
