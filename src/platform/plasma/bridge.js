@@ -48,6 +48,11 @@ function isOnCurrentDesktop(window) {
     return window.desktop === workspace.currentDesktop;
 }
 
+// A window with no activity of its own is in all of them.
+function isInCurrentActivity(window) {
+    return window.activities.length === 0 || window.activities.indexOf(workspace.currentActivity) >= 0;
+}
+
 function isWayland(window) {
     return window.basicUnit === undefined;
 }
@@ -72,7 +77,7 @@ function describe(window) {
         kind: kind(window),
         minimized: window.minimized,
         fullScreen: window.fullScreen,
-        onCurrentDesktop: isOnCurrentDesktop(window),
+        onCurrentDesktop: isOnCurrentDesktop(window) && isInCurrentActivity(window),
         opacity: window.opacity
     };
 }
@@ -347,6 +352,8 @@ function bringToUser(window) {
         else
             window.desktop = workspace.currentDesktop;
     }
+    if (!isInCurrentActivity(window))
+        window.activities = [workspace.currentActivity];
     if (isPlasma6)
         workspace.activeWindow = window;
     else
@@ -399,8 +406,8 @@ function watch(window) {
         window.frameGeometryAboutToChange.connect(() => frameRequested(window));
     const changed = () => reportWindow(window);
     for (const signal of ["minimizedChanged", "fullScreenChanged", "desktopChanged", "desktopsChanged",
-                          "opacityChanged", "transientChanged", "desktopFileNameChanged",
-                          "windowClassChanged"])
+                          "activitiesChanged", "opacityChanged", "transientChanged",
+                          "desktopFileNameChanged", "windowClassChanged"])
         if (window[signal])
             window[signal].connect(changed);
 }
@@ -474,6 +481,7 @@ for (const signal of ["screensChanged", "numberScreensChanged", "virtualScreenGe
     if (workspace[signal])
         workspace[signal].connect(reportDisplays);
 workspace.currentDesktopChanged.connect(reportEverything);
+workspace.currentActivityChanged.connect(reportEverything);
 
 allWindows().forEach(watch);
 reportEverything();

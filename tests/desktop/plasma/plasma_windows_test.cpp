@@ -17,6 +17,7 @@ constexpr std::uint32_t kBackspace = 14;
 constexpr Rect kLeftHalf{0, 0, 800, 900};
 constexpr Rect kRightHalf{800, 0, 800, 900};
 constexpr Rect kBottomHalf{0, 450, 1600, 450};
+constexpr Rect kFirstZone{0, 0, 533, 450};
 
 /// A session with the program and windows of a client that takes every size.
 class PlasmaWindowsTest : public testing::Test {
@@ -78,6 +79,7 @@ protected:
     void pressZone(std::uint32_t number) {
         session.input().press({key::kLeftControl, key::kLeftAlt, key::kDigit1 + number - 1});
     }
+    void pressArrange() { session.input().press({key::kLeftControl, key::kLeftAlt, kKeyA}); }
     void pressNextDisplay() {
         session.input().press({key::kLeftControl, key::kLeftAlt, key::kLeftMeta, key::kRight});
     }
@@ -104,6 +106,29 @@ private:
 class PlasmaHomesTest : public PlasmaWindowsTest {
 protected:
     PlasmaHomesTest() : PlasmaWindowsTest(PlasmaSession::kFirst.size(), R"({"hasOnboarded":true})") {}
+};
+
+/// With two activities, "first" and "second".
+class PlasmaActivitiesTest : public PlasmaWindowsTest {
+protected:
+    /// Moves the window to the activity, as soon as KWin knows the activities. Returns false if KWin does
+    /// not.
+    [[nodiscard]] bool move(const std::string& title, const std::string& activity) {
+        return PlasmaSession::waitFor([&] {
+            session.probe().run("workspace.clientList().filter((c) => c.caption === \"" + title +
+                                "\").forEach((c) => { c.activities = [\"" + activity + "\"]; });");
+            session.probe().roundTrip();
+            return isIn(title, activity);
+        });
+    }
+    [[nodiscard]] bool isIn(const std::string& title, const std::string& activity) {
+        const auto& all = session.probe().windows();
+        const auto window = std::ranges::find(all, title, &SeenWindow::title);
+        return window != all.end() && window->activities == std::vector{activity};
+    }
+
+private:
+    x11test::ChildProcess m_manager{{TESSAREL_ACTIVITY_MANAGER}, session.environment()};
 };
 
 TEST_F(PlasmaHomesTest, TheNextWindowOfAProgramGoesIntoItsZoneAndADialogStaysWhereItOpens) {
@@ -252,11 +277,11 @@ TEST_F(PlasmaWindowsTest, AllWindowsAreArrangedAndOneThatIsTooWideIsPulledBackOn
     open(client, 2);
     open(client, 3);
 
-    session.input().press({key::kLeftControl, key::kLeftAlt, kKeyA});
+    pressArrange();
 
     EXPECT_TRUE(comesTo(1, {900, 0, 700, 500}));
     EXPECT_TRUE(comesTo(2, {533, 0, 533, 450}));
-    EXPECT_TRUE(comesTo(3, {0, 0, 533, 450}));
+    EXPECT_TRUE(comesTo(3, kFirstZone));
 }
 
 TEST_F(PlasmaWindowsTest, AWindowThatIsTooWideIsPulledBackThoughItsProgramAndTheCompositorAreLate) {
@@ -270,7 +295,7 @@ TEST_F(PlasmaWindowsTest, AWindowThatIsTooWideIsPulledBackThoughItsProgramAndThe
     activate(3);
     late.stall();
 
-    session.input().press({key::kLeftControl, key::kLeftAlt, kKeyA});
+    pressArrange();
     ASSERT_TRUE(comesTo(2, {533, 0, 533, 450}));
     ASSERT_EQ(session.command({"list", "displays"}), 0); // the program has stopped waiting for the window
     late.resume();
@@ -286,7 +311,7 @@ TEST_F(PlasmaWindowsTest, AmongTwoHundredWindowsTheFrontOnesAreArrangedAndHotKey
     ASSERT_TRUE(session.probe().waitUntil([&] { return session.probe().windows().size() >= kWindows; }));
     activate(1);
 
-    session.input().press({key::kLeftControl, key::kLeftAlt, kKeyA});
+    pressArrange();
     const auto isInZone = [](const SeenWindow& window) { return window.frame.height == 450; };
     EXPECT_TRUE(session.probe().waitUntil([&] {
         const auto& all = session.probe().windows();
@@ -373,6 +398,38 @@ TEST_F(PlasmaWindowsTest, FramesAreExactWithAnotherPrimaryDisplayAndAfterDisplay
     ASSERT_TRUE(waitFor(1, [](const SeenWindow& window) {
         return window.frame == kRightHalf || window.frame == Rect{2400, 0, 800, 900};
     }));
+}
+
+TEST_F(PlasmaActivitiesTest, OnlyWindowsOfTheCurrentActivityAreArranged) {
+    WaylandClient client(session.environment());
+    open(client, 1);
+    open(client, 2);
+    const Rect opened = session.probe().windows().back().frame;
+    ASSERT_TRUE(move(WaylandClient::titleOf(1), "first"));
+    ASSERT_TRUE(move(WaylandClient::titleOf(2), "second"));
+
+    pressArrange();
+    EXPECT_TRUE(comesTo(1, kFirstZone));
+    EXPECT_TRUE(passProgram());
+    EXPECT_TRUE(comesTo(2, opened));
+
+    session.probe().run("workspace.currentActivity = \"second\";");
+    ASSERT_TRUE(isActivated(2));
+    session.probe().roundTrip(); // KWin has told the program, too
+    pressArrange();
+    EXPECT_TRUE(comesTo(2, kFirstZone));
+    EXPECT_TRUE(passProgram());
+    EXPECT_TRUE(comesTo(1, kFirstZone));
+}
+
+TEST_F(PlasmaActivitiesTest, TheSettingsComeToTheCurrentActivity) {
+    const std::string settings = "Tessarel Settings";
+    ASSERT_EQ(session.command({}), 0);
+    ASSERT_TRUE(move(settings, "second"));
+
+    EXPECT_EQ(session.command({}), 0);
+
+    EXPECT_TRUE(session.probe().waitUntil([&] { return isIn(settings, "first"); }));
 }
 
 /// Displays of 1500 x 900 pixels with a scale in percent.

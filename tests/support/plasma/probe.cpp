@@ -21,12 +21,13 @@ function report() {
     callDBus("@NAME@", "/Probe", "org.tessarel.Probe", "windows", JSON.stringify(all.map((c) => ({
         name: String(c.internalId), title: c.caption, class: String(c.resourceClass), pid: c.pid,
         active: c.active, tiled: c.tile !== null, minimized: c.minimized, fullScreen: c.fullScreen,
+        activities: c.activities,
         frame: [c.frameGeometry.x, c.frameGeometry.y, c.frameGeometry.width, c.frameGeometry.height]
     }))));
 }
 function watch(c) {
     for (const signal of ["frameGeometryChanged", "activeChanged", "minimizedChanged", "fullScreenChanged",
-                          "stackingOrderChanged", "tileChanged"])
+                          "stackingOrderChanged", "tileChanged", "activitiesChanged"])
         if (c[signal])
             c[signal].connect(report);
 }
@@ -101,7 +102,8 @@ void Probe::handle(const std::string& report) {
                              .isActive = window.at("active").get<bool>(),
                              .isTiled = window.at("tiled").get<bool>(),
                              .isMinimized = window.at("minimized").get<bool>(),
-                             .isFullScreen = window.at("fullScreen").get<bool>()});
+                             .isFullScreen = window.at("fullScreen").get<bool>(),
+                             .activities = window.at("activities").get<std::vector<std::string>>()});
     }
     m_hasReport = true;
 }

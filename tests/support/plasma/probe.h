@@ -24,6 +24,7 @@ struct SeenWindow {
     bool isTiled = false;
     bool isMinimized = false;
     bool isFullScreen = false;
+    std::vector<std::string> activities; ///< on all if empty
 };
 
 /// A script of the test in KWin that reports all windows after every change, without the program under test.
