@@ -45,7 +45,7 @@ function isOnCurrentDesktop(window) {
         return true;
     if (isPlasma6)
         return Array.from(window.desktops).indexOf(workspace.currentDesktop) >= 0;
-    return window.desktop === workspace.currentDesktop;
+    return Array.from(window.x11DesktopIds).indexOf(workspace.currentDesktop) >= 0;
 }
 
 // A window with no activity of its own is in all of them.

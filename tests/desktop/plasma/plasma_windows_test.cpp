@@ -6,6 +6,9 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
 
 namespace tessarel::plasmatest {
 namespace {
@@ -129,6 +132,23 @@ protected:
 
 private:
     x11test::ChildProcess m_manager{{TESSAREL_ACTIVITY_MANAGER}, session.environment()};
+};
+
+/// With two virtual desktops, and a rule of KWin that forces windows of one class onto both.
+class PlasmaDesktopsTest : public PlasmaWindowsTest {
+protected:
+    static constexpr const char* kOnBoth = "org.example.both";
+
+    void SetUp() override {
+        session.killCompositor();
+        const std::filesystem::path folder = session.environment().at("XDG_CONFIG_HOME");
+        ScratchFolder::write(folder / "kwinrc", "[Desktops]\nNumber=2\nId_1=first\nId_2=second\n");
+        ScratchFolder::write(folder / "kwinrulesrc",
+                             std::string("[General]\ncount=1\nrules=1\n[1]\nwmclassmatch=1\nwmclass=") +
+                                 kOnBoth + "\ndesktopsrule=2\ndesktops=first,second\n");
+        session.startCompositor();
+        PlasmaWindowsTest::SetUp();
+    }
 };
 
 TEST_F(PlasmaHomesTest, TheNextWindowOfAProgramGoesIntoItsZoneAndADialogStaysWhereItOpens) {
@@ -430,6 +450,27 @@ TEST_F(PlasmaActivitiesTest, TheSettingsComeToTheCurrentActivity) {
     EXPECT_EQ(session.command({}), 0);
 
     EXPECT_TRUE(session.probe().waitUntil([&] { return isIn(settings, "first"); }));
+}
+
+TEST_F(PlasmaDesktopsTest, AWindowOnSeveralVirtualDesktopsIsArrangedOnEachOfThem) {
+    WaylandClient client(session.environment());
+    open(client, 1);
+    open(client, 2, {.applicationId = kOnBoth});
+    pressArrange();
+    EXPECT_TRUE(comesTo(2, kFirstZone));
+    EXPECT_TRUE(comesTo(1, {533, 0, 533, 450}));
+    activate(1);
+    pressArrow(key::kRight);
+    ASSERT_TRUE(comesTo(1, kRightHalf));
+
+    session.probe().run("workspace.currentDesktop = 2;");
+    activate(2);
+    pressArrow(key::kLeft);
+    ASSERT_TRUE(comesTo(2, kLeftHalf));
+    pressArrange();
+    EXPECT_TRUE(comesTo(2, kFirstZone));
+    EXPECT_TRUE(passProgram());
+    EXPECT_TRUE(comesTo(1, kRightHalf));
 }
 
 /// Displays of 1500 x 900 pixels with a scale in percent.
