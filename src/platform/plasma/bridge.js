@@ -446,17 +446,16 @@ function carryOut(command) {
 }
 
 // After 25 s without an answer a call fails, and KWin does not tell the script. So the call is renewed before.
-// The script does that, because it would wake the program twice. It stops when the program has gone.
+// The script does that, because it would wake the program twice.
 const renewal = new QTimer();
 renewal.interval = 20000;
 renewal.singleShot = true;
-renewal.timeout.connect(next);
+renewal.timeout.connect(renew);
 let lastCall = 0;
-let unanswered = 0;
+let unanswered = 0; // calls since the last answer
 
 function next() {
-    if (++unanswered > 5)
-        return;
+    ++unanswered;
     const call = ++lastCall;
     callDBus(service, path, programInterface, "next", (text) => {
         unanswered = 0;
@@ -469,6 +468,17 @@ function next() {
         }
     });
     renewal.start();
+}
+
+// A program that does not answer has gone, or is stopped and may go on at any time later.
+function renew() {
+    if (unanswered < 2)
+        return next();
+    callDBus("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner", service,
+             (isThere) => {
+                 if (isThere)
+                     next();
+             });
 }
 
 (workspace.windowAdded || workspace.clientAdded).connect((window) => {

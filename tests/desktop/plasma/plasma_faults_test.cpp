@@ -66,33 +66,42 @@ protected:
 class PlasmaScriptTest : public testing::Test {
 protected:
     /// Runs the script, which renews its call for commands after that many milliseconds.
-    void run(const std::string& renewal) {
-        m_calls = link.serve(
-            "/org/tessarel/Bridge",
-            [this](const wayland::BusMessage& call) {
-                if (call.member == "next")
-                    waiting.push_back(call.token);
-            },
-            wayland::BusLink::Delivery::Urgent);
+    void run(const std::string& renewal) { run(renewal, link.uniqueName(), kBridge); }
+    void run(const std::string& renewal, const std::string& service, const std::string& path) {
         std::string script = plasma::kBridgeScript;
         const auto fill = [&script](const std::string& placeholder, const std::string& value) {
             script.replace(script.find(placeholder), placeholder.size(), value);
         };
-        fill("@SERVICE@", link.uniqueName());
+        fill("@SERVICE@", service);
+        fill(kBridge, path);
         fill("@PID@", "1");
         fill("renewal.interval = 20000;", "renewal.interval = " + renewal + ";");
         session.probe().run(script);
     }
+    /// Collects the calls for commands that arrive at this path, until the returned subscription is
+    /// destroyed.
+    [[nodiscard]] SubscriptionPtr collect(const std::string& path, std::vector<std::uint64_t>& calls) {
+        return link.serve(
+            path,
+            [&calls](const wayland::BusMessage& call) {
+                if (call.member == "next")
+                    calls.push_back(call.token);
+            },
+            wayland::BusLink::Delivery::Urgent);
+    }
     bool waitForCalls(std::size_t count) {
         return session.probe().waitUntil([&] { return waiting.size() >= count; });
     }
+    /// Waits until the script has renewed its call so many times.
+    bool waitForRenewals(std::size_t count) { return waitForCalls(waiting.size() + count); }
 
     PlasmaSession session;
     wayland::BusLink& link = session.probe().link();
     std::vector<std::uint64_t> waiting; ///< the tokens of the script's calls for commands
 
 private:
-    SubscriptionPtr m_calls;
+    static constexpr const char* kBridge = "/org/tessarel/Bridge";
+    SubscriptionPtr m_calls = collect(kBridge, waiting);
 };
 
 /// A run of the program, as far as its script goes. Its clock stands still.
@@ -270,10 +279,29 @@ TEST_F(PlasmaScriptTest, ACommandThatFailsIsNotTheLast) {
     EXPECT_TRUE(waitForCalls(2));
 }
 
-TEST_F(PlasmaScriptTest, ACallForCommandsThatWaitsIsRenewed) {
+TEST_F(PlasmaScriptTest, ACallForCommandsIsRenewedHoweverLongTheProgramAnswersNone) {
     run("100");
 
-    EXPECT_TRUE(waitForCalls(3));
+    EXPECT_TRUE(waitForCalls(10));
+}
+
+TEST_F(PlasmaScriptTest, AProgramThatHasGoneIsNotCalledAnyMore) {
+    const std::string name = "org.example.program";
+    std::vector<std::uint64_t> calls;
+    const auto program = collect("/Program", calls);
+    link.call(wayland::busCall("RequestName", "su", {name, std::int64_t{0}}));
+    run("100", name, "/Program");
+    ASSERT_TRUE(session.probe().waitUntil([&] { return !calls.empty(); }));
+
+    link.call(wayland::busCall("ReleaseName", "s", {name}));
+    run("100"); // its renewals tell that the time for those of the first has passed
+    ASSERT_TRUE(waitForCalls(6));
+    link.call(wayland::busCall("RequestName", "su", {name, std::int64_t{0}}));
+    ASSERT_TRUE(waitForRenewals(1));
+    const std::size_t before = calls.size();
+
+    EXPECT_TRUE(waitForRenewals(6));
+    EXPECT_EQ(calls.size(), before);
 }
 
 TEST_F(PlasmaScriptTest, TheScriptOfAKilledRunIsReplacedAtOnceByABusyCompositor) {
