@@ -96,8 +96,15 @@ function displays() {
     return all;
 }
 
+let reportedDisplays = ""; // as JSON
+
 function reportDisplays() {
-    report({ event: "displays", displays: displays() });
+    const all = displays();
+    const text = JSON.stringify(all);
+    if (text === reportedDisplays)
+        return;
+    reportedDisplays = text;
+    report({ event: "displays", displays: all });
 }
 
 function reportOrder() {
@@ -106,11 +113,13 @@ function reportOrder() {
 
 function reportEverything() {
     const active = activeWindow();
+    const all = displays();
+    reportedDisplays = JSON.stringify(all);
     report({
         event: "everything",
         windows: allWindows().map(describe),
         active: active ? identifier(active) : "",
-        displays: displays()
+        displays: all
     });
 }
 
@@ -196,7 +205,7 @@ function reportWindow(window) {
 }
 
 // The compositor announces no change of the usable area. Only panels change it, and KWin computes it anew after it
-// has announced the change of the panel.
+// has announced the change of the panel, if it announces any: a panel may keep its frame.
 function afterPanelChange(window) {
     if (kind(window) === "other")
         later(reportDisplays);
@@ -306,6 +315,8 @@ function requestFrame(window, placement) {
 // KWin has been asked for a frame, which the window of a slow program takes only later. If the script has not
 // asked, the user has, for example by a key of KWin: this replaces the placement.
 function frameRequested(window) {
+    if (!isMovedByUser(window))
+        reportDisplays(); // KWin asks every window for its frame when the usable area has changed
     const name = identifier(window);
     if (!requested.has(name))
         return;
@@ -434,6 +445,7 @@ function activated(window) {
     // For a new window KWin says so before it says that there is one.
     if (window && !known.has(identifier(window)))
         added(window);
+    reportDisplays(); // the usable area may have changed while there was no window
     report({ event: "active", name: window ? identifier(window) : "" });
     reportOrder();
 }

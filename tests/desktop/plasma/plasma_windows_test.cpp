@@ -18,6 +18,7 @@ constexpr int kNothingDone = 4; // exit code
 constexpr std::uint32_t kKeyA = 30;
 constexpr std::uint32_t kBackspace = 14;
 constexpr Rect kLeftHalf{0, 0, 800, 900};
+constexpr Rect kLeftBelowPanel{0, 40, 800, 860}; // one of 40 pixels
 constexpr Rect kRightHalf{800, 0, 800, 900};
 constexpr Rect kBottomHalf{0, 450, 1600, 450};
 constexpr Rect kFirstZone{0, 0, 533, 450};
@@ -87,6 +88,14 @@ protected:
         session.input().press({key::kLeftControl, key::kLeftAlt, key::kLeftMeta, key::kRight});
     }
 
+    /// Moves the window in front to the left half. Returns whether it is there then, and has this frame.
+    [[nodiscard]] bool goesLeftTo(const Rect& frame) {
+        (void)session.command({"left-half"});
+        session.probe().roundTrip();
+        const auto& all = session.probe().windows();
+        const auto front = std::ranges::find(all, true, &SeenWindow::isActive);
+        return front != all.end() && front->frame == frame;
+    }
     /// Waits until the program has handled the keys so far, and waits for no window any longer.
     [[nodiscard]] bool passProgram() { return session.command({"list", "displays"}) == 0; }
     /// Expects that the window is where the user has put it by other means, and is restored there.
@@ -373,21 +382,46 @@ TEST_F(PlasmaWindowsTest, DisplaysMayGoAndComeBack) {
 TEST_F(PlasmaWindowsTest, ZonesUseTheAreaThatAPanelHasGivenBack) {
     WaylandClient client(session.environment());
     open(client, 1);
-    const auto isPlacedAt = [&](const Rect& frame) {
-        (void)session.command({"left-half"});
-        session.probe().roundTrip();
-        const auto& all = session.probe().windows();
-        return std::any_of(all.begin(), all.end(), [&](const SeenWindow& window) {
-            return window.title == WaylandClient::titleOf(1) && window.frame == frame;
-        });
-    };
     {
         WaylandClient panel(session.environment());
         panel.openPanel(40);
-        EXPECT_TRUE(PlasmaSession::waitFor([&] { return isPlacedAt({0, 40, 800, 860}); }));
+        EXPECT_TRUE(PlasmaSession::waitFor([&] { return goesLeftTo(kLeftBelowPanel); }));
     }
 
-    EXPECT_TRUE(PlasmaSession::waitFor([&] { return isPlacedAt(kLeftHalf); }));
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return goesLeftTo(kLeftHalf); }));
+}
+
+TEST_F(PlasmaWindowsTest, ZonesUseTheAreaThatAPanelReservesNoMoreWhileItIsThere) {
+    WaylandClient client(session.environment());
+    client.openPanel(40);
+    open(client, 1);
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return goesLeftTo(kLeftBelowPanel); }));
+    open(client, 2);
+    runFor(2, "c.setMaximize(true, true);");
+    ASSERT_TRUE(comesTo(2, {0, 40, 1600, 860}));
+    activate(1);
+
+    client.reserve(0);
+    ASSERT_TRUE(comesTo(2, PlasmaSession::kFirst)); // KWin knows
+    pressArrow(key::kLeft);
+
+    EXPECT_TRUE(comesTo(1, kLeftHalf));
+}
+
+TEST_F(PlasmaWindowsTest, ZonesUseTheAreaThatAPanelHasGivenBackBeforeTheFirstWindowOpens) {
+    WaylandClient client(session.environment());
+    client.openPanel(40);
+    open(client, 1);
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return goesLeftTo(kLeftBelowPanel); }));
+    client.close(1);
+    ASSERT_TRUE(session.probe().waitUntil(
+        [&] { return std::ranges::none_of(session.probe().windows(), &SeenWindow::isActive); }));
+
+    client.reserve(0);
+    open(client, 2);
+    pressArrow(key::kLeft);
+
+    EXPECT_TRUE(comesTo(2, kLeftHalf));
 }
 
 TEST_F(PlasmaWindowsTest, DisplaysThatMirrorEachOtherCountAsOne) {

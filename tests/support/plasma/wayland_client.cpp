@@ -27,6 +27,10 @@ void WaylandClient::openPanel(int height) {
     m_process.writeLine("panel " + std::to_string(height));
 }
 
+void WaylandClient::reserve(int height) {
+    m_process.writeLine("reserve " + std::to_string(height));
+}
+
 void WaylandClient::stall() {
     m_process.writeLine("stall");
 }

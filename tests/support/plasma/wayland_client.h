@@ -34,6 +34,8 @@ public:
     void close(int number);
     /// Adds a panel along the top edge of the first display, which reserves its height.
     void openPanel(int height);
+    /// Changes what the panel reserves. Its frame stays the same.
+    void reserve(int height);
     /// Reads nothing that the compositor sends until `resume`, so its windows take no new size.
     void stall();
     void resume();

@@ -6,6 +6,7 @@
 //       ANNOUNCES-LIMITS PARENT [APPLICATION-ID]
 //   close NUMBER
 //   panel HEIGHT
+//   reserve HEIGHT
 //   stall
 //   resume
 // The title of a window is "window NUMBER". DECORATED is 1 if it has a title bar, which the compositor draws,
@@ -13,7 +14,8 @@
 // number of the window that this one is a dialog of, or 0. A window whose
 // size stays the same shows no new image, and one that leaves the maximised state first takes the size again
 // with which it has opened, as those of some toolkits do. A panel is along the top edge of the first display
-// and reserves its height. After "stall" the program reads nothing that the compositor sends, until "resume".
+// and reserves its height, until "reserve" changes what it reserves. After "stall" the program reads nothing
+// that the compositor sends, until "resume".
 
 #include "layer-shell-client.h"
 #include "xdg-decoration-unstable-v1-client.h"
@@ -199,7 +201,17 @@ private:
     zxdg_toplevel_decoration_v1* m_decoration = nullptr;
 };
 
-void openPanel(int height) {
+struct Panel {
+    wl_surface* surface = nullptr;
+    zwlr_layer_surface_v1* layer = nullptr;
+
+    void reserve(int height) const {
+        zwlr_layer_surface_v1_set_exclusive_zone(layer, height);
+        wl_surface_commit(surface);
+    }
+};
+
+Panel openPanel(int height) {
     constexpr std::uint32_t kTopEdge = ZWLR_LAYER_SURFACE_V1_ANCHOR_TOP | ZWLR_LAYER_SURFACE_V1_ANCHOR_LEFT |
                                        ZWLR_LAYER_SURFACE_V1_ANCHOR_RIGHT;
     wl_surface* const surface = wl_compositor_create_surface(globals.compositor);
@@ -215,8 +227,9 @@ void openPanel(int height) {
     zwlr_layer_surface_v1_add_listener(panel, &kConfigured, surface);
     zwlr_layer_surface_v1_set_size(panel, 0, static_cast<std::uint32_t>(height));
     zwlr_layer_surface_v1_set_anchor(panel, kTopEdge);
-    zwlr_layer_surface_v1_set_exclusive_zone(panel, height);
-    wl_surface_commit(surface);
+    const Panel opened{surface, panel};
+    opened.reserve(height);
+    return opened;
 }
 
 /// Carries out the commands of the test.
@@ -234,7 +247,9 @@ public:
         else if (verb == "close")
             m_windows.erase(number);
         else if (verb == "panel")
-            openPanel(number);
+            m_panel = openPanel(number);
+        else if (verb == "reserve")
+            m_panel.reserve(number);
         else if (verb == "stall" || verb == "resume")
             m_isStalled = verb == "stall";
     }
@@ -254,6 +269,7 @@ private:
     }
 
     bool m_isStalled = false;
+    Panel m_panel;
     std::map<int, std::unique_ptr<Window>> m_windows;
 };
 
