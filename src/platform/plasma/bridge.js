@@ -302,8 +302,12 @@ function mayBeMaximised(window) {
     return window.frameGeometry.width === usable.width || window.frameGeometry.height === usable.height;
 }
 
+let isSettingFrame = false;
+
 function setFrame(window, frame) {
+    isSettingFrame = true;
     window.frameGeometry = { x: frame[0], y: frame[1], width: frame[2], height: frame[3] };
+    isSettingFrame = false;
 }
 
 function requestFrame(window, placement) {
@@ -315,7 +319,7 @@ function requestFrame(window, placement) {
 // KWin has been asked for a frame, which the window of a slow program takes only later. If the script has not
 // asked, the user has, for example by a key of KWin: this replaces the placement.
 function frameRequested(window) {
-    if (!isMovedByUser(window))
+    if (!isSettingFrame && !isMovedByUser(window))
         reportDisplays(); // KWin asks every window for its frame when the usable area has changed
     const name = identifier(window);
     if (!requested.has(name))
