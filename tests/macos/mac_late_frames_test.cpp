@@ -116,6 +116,17 @@ TEST_F(MacLateFramesTest, AReadDoesNotWaitInAdditionToAMessagingTimeout) {
     EXPECT_EQ(waited, 0ms);
 }
 
+TEST_F(MacLateFramesTest, AnApplicationThatDoesNotReplyIsAskedForItsFrameOnce) {
+    const Element placed = element();
+    fakemac::mac().applications.at(kEditor).answers = false;
+
+    desktop->accessibility.setAttribute(placed, attribute::kSize, kTarget.size());
+    desktop->accessibility.setAttribute(placed, attribute::kPosition, kTarget.origin());
+    desktop->accessibility.setAttribute(placed, attribute::kSize, kTarget.size());
+
+    EXPECT_EQ(fakemac::mac().waits.size(), 4U) << "one read and three writes";
+}
+
 TEST_F(MacLateFramesTest, AReadDoesNotWaitForAClosedWindow) {
     const Element placed = element();
     ax.setFrame(placed, kEditor, kTarget, {});

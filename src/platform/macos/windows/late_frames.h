@@ -40,13 +40,13 @@ private:
     struct Written {
         Element window;
         std::uintptr_t key = 0;
-        Rect before; ///< frame before the first write
-        Rect wanted; ///< `before` with all writes applied
+        std::optional<Rect> before; ///< frame before the first write; empty when it could not be read
+        Rect wanted;                ///< `before` with all writes applied
     };
 
     Read m_read;
     Wait m_wait;
-    /// The window written last; empty once it has been read, or when its frame could not be read.
+    /// The window written last; empty once it has been read.
     std::optional<Written> m_written;
 };
 

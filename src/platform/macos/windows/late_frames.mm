@@ -12,10 +12,9 @@ LateFrames::LateFrames(Read read, Wait wait) : m_read(std::move(read)), m_wait(s
 void LateFrames::willWrite(const Element& window, std::uintptr_t key, const AttributeValue& value) {
     if (!m_written || m_written->key != key) {
         const auto before = m_read(window);
-        m_written = before ? std::optional(Written{window, key, *before, *before}) : std::nullopt;
+        // Kept without a frame as well: an application that does not reply must not be asked at each write.
+        m_written = Written{window, key, before, before.value_or(Rect())};
     }
-    if (!m_written)
-        return;
     Rect& wanted = m_written->wanted;
     if (const auto* const point = std::get_if<Point>(&value))
         wanted = {point->x, point->y, wanted.width, wanted.height};
@@ -28,7 +27,7 @@ void LateFrames::willRead(std::uintptr_t key) {
         return;
     const auto written = std::exchange(m_written, std::nullopt);
     // An application that is asked for the frame it has already will never change it.
-    if (written->wanted == written->before)
+    if (!written->before || written->wanted == *written->before)
         return;
     // A read that fails ends the wait as well: an empty frame differs from every frame.
     for (std::chrono::milliseconds waited{0}; waited < kLongest && m_read(written->window) == written->before;
