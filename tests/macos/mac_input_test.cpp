@@ -175,6 +175,60 @@ TEST_F(MacLocalKeysTest, AHeldKeyIsReportedOnce) {
     EXPECT_EQ(keys.size(), 1U);
 }
 
+TEST_F(MacLocalKeysTest, AConsumedKeyHasNoEffectUntilItsReleaseWhenItsHandlerIsGone) {
+    monitor = desktop->localKeys.monitorKeyDown([this](const KeyDown&) {
+        monitor.reset();
+        return true;
+    });
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+    fakemac::pressKeys(kKey1, kCtrlOpt, true);
+    fakemac::pressKeys(kKey1, kCtrlOpt, true);
+
+    EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 0);
+}
+
+TEST_F(MacLocalKeysTest, TheNextKeyAfterTheConsumedOneReachesTheWindow) {
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+    monitor.reset();
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+    EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 1);
+    EXPECT_EQ(fakemac::heldObjects(), Lines()) << "the events are still monitored";
+    fakemac::pressKeys(kKey1, kCtrlOpt, true);
+
+    EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 2);
+}
+
+TEST_F(MacLocalKeysTest, ARecordedHotKeyHasNoEffectUntilItsRelease) {
+    const HotKeyRequest request{kKey1, kCtrlOpt, {0x47575744, 7}};
+    auto hotKey = std::move(desktop->hotKeys.registerHotKeys({&request, 1}).at(0));
+    const auto handler = desktop->hotKeys.installHandler([](std::uint32_t) {});
+    monitor = desktop->localKeys.monitorKeyDown([&](const KeyDown&) {
+        monitor.reset();
+        hotKey.reset();
+        return true;
+    });
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+    ASSERT_FALSE(hotKey);
+    fakemac::pressKeys(kKey1, kCtrlOpt, true);
+
+    EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 0);
+}
+
+TEST_F(MacLocalKeysTest, AKeyThatWasNotConsumedIsNotHeldBack) {
+    monitor = desktop->localKeys.monitorKeyDown([this](const KeyDown&) {
+        monitor.reset();
+        return false;
+    });
+
+    fakemac::pressKeys(kKey1, kCtrlOpt);
+    fakemac::pressKeys(kKey1, kCtrlOpt, true);
+
+    EXPECT_EQ(fakemac::mac().keysOfOwnWindows, 2);
+}
+
 TEST_F(MacLocalKeysTest, OnlyTheFourModifiersAreReported) {
     fakemac::pressKeys(kKey1, 256); // the fake's Caps Lock is on
 

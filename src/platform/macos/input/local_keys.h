@@ -14,7 +14,7 @@ namespace tessarel::macos {
 class MacLocalKeys : public LocalKeysPort {
 public:
     /// `workspace` must outlive this object.
-    explicit MacLocalKeys(MacWorkspace& workspace) : m_workspace(workspace) {}
+    explicit MacLocalKeys(MacWorkspace& workspace);
 
     /// Consumes the repeats of a key that is held down; `handler` is called for the first press only.
     [[nodiscard]] SubscriptionPtr monitorKeyDown(Handler handler) override;
@@ -28,7 +28,7 @@ private:
     class Monitor;
 
     MacWorkspace& m_workspace;
-    std::weak_ptr<Monitor> m_monitor; // owned by the subscriptions
+    std::shared_ptr<Monitor> m_monitor; // shared with the subscriptions, which may outlive this object
 };
 
 } // namespace tessarel::macos
