@@ -80,6 +80,39 @@ TEST_F(MacAccessibilityTest, NumbersAndBooleansAreDistinguished) {
     EXPECT_TRUE(std::get<bool>(*truth));
 }
 
+TEST_F(MacAccessibilityTest, AValueOfAnUnknownTypeIsEmpty) {
+    fakemac::mac().windows.at(window).odd = {{"AXPosition", fakemac::Odd::Rectangle},
+                                             {"AXRole", fakemac::Odd::Unknown}};
+    const Element element = found({300, 200});
+
+    EXPECT_FALSE(accessibility().copyAttribute(element, attribute::kPosition));
+    EXPECT_FALSE(accessibility().copyAttribute(element, attribute::kRole));
+}
+
+TEST_F(MacAccessibilityTest, AWindowWhoseFrameIsNoFrameCanBePlaced) {
+    for (const auto odd :
+         {fakemac::Odd::Unknown, fakemac::Odd::Text, fakemac::Odd::Rectangle, fakemac::Odd::MixedList}) {
+        fakemac::mac().windows.at(window).axFrame = {200, 150, 640, 480};
+        fakemac::mac().windows.at(window).odd = {{"AXPosition", odd}, {"AXSize", odd}};
+        const Element element = found({300, 200});
+        accessibility().setAttribute(element, attribute::kPosition, Point{10, 20});
+
+        EXPECT_EQ(fakemac::mac().windows.at(window).axFrame, (Rect{10, 20, 640, 480}));
+    }
+}
+
+TEST_F(MacAccessibilityTest, EntriesOfAListThatAreNoElementsAreLeftOut) {
+    fakemac::mac().windows.at(window).odd = {{"AXWindows", fakemac::Odd::MixedList}};
+    const Element element = found({300, 200});
+
+    const auto list = accessibility().copyAttribute(element, attribute::kWindows);
+
+    ASSERT_TRUE(list);
+    const auto& elements = std::get<std::vector<Element>>(*list);
+    ASSERT_EQ(elements.size(), 1U);
+    EXPECT_EQ(accessibility().key(elements.front()), accessibility().key(element));
+}
+
 TEST_F(MacAccessibilityTest, TheEnhancedUserInterfaceCanBeSwitchedOff) {
     fakemac::mac().applications.at(kEditor).enhancedInterface = true;
 

@@ -126,6 +126,21 @@ CFTypeRef newPartAttribute(const TSLFakeElement* part, const Window& window, con
     return nullptr;
 }
 
+CFTypeRef newOdd(const TSLFakeElement* element, Odd kind) {
+    switch (kind) {
+    case Odd::Text:
+        return (CFTypeRef)newString("AXWindow");
+    case Odd::Rectangle:
+        return newPair(kAXValueTypeCGRect, 1, 2);
+    case Odd::MixedList:
+        return (CFTypeRef)newArray({newString("AXWindow"), [[TSLFakeObject alloc] init],
+                                    newElement(FakeElementKind::Window, element->pid, element->window)});
+    case Odd::Unknown:
+        break;
+    }
+    return (CFTypeRef)[[TSLFakeObject alloc] init];
+}
+
 void resize(Window& window, double width, double height) {
     Rect& axFrame = window.axFrame;
     axFrame.width = std::max(width, window.minimum.width);
@@ -322,6 +337,8 @@ AXError AXUIElementCopyAttributeValue(AXUIElementRef reference, CFStringRef name
         return kAXErrorInvalidUIElement;
     if (!window->hasAttributes)
         return kAXErrorAttributeUnsupported;
+    if (const auto odd = window->odd.find(attribute); odd != window->odd.end())
+        return give(result, newOdd(element, odd->second));
     return give(result, element->kind == FakeElementKind::Part ? newPartAttribute(element, *window, attribute)
                                                                : newWindowAttribute(*window, attribute));
 }

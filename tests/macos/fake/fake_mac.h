@@ -22,6 +22,14 @@ namespace tessarel::fakemac {
 
 using WindowNumber = std::uint32_t;
 
+/// A value of a type that is not the attribute's.
+enum class Odd {
+    Unknown,   ///< an object of a class that no attribute has
+    Text,      ///< a string
+    Rectangle, ///< of the type of points and sizes
+    MixedList  ///< an array of a string, an unknown object and the window itself
+};
+
 /// A window of any application.
 struct Window {
     ProcessId pid = 0;
@@ -38,6 +46,7 @@ struct Window {
     double alpha = 1;
     std::set<std::string> unlisted = {};  ///< keys missing from its entry in the window server's list
     std::set<std::string> mislisted = {}; ///< keys whose value in that entry has the wrong type (a string)
+    std::map<std::string, Odd> odd = {};  ///< attributes with a value of another type than usual
     bool hasAttributes = true;            ///< false: too new, its attributes cannot be used
     double lateness = 0;                  ///< seconds until a confirmed write is applied
     bool tellsItsEnd = true;              ///< false: its close sends no AXUIElementDestroyed

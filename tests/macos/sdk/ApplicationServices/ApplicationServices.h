@@ -25,7 +25,7 @@ typedef const struct SDK_BRIDGED(id) __AXUIElement* AXUIElementRef;
 typedef const struct SDK_BRIDGED(id) __AXValue* AXValueRef;
 typedef struct SDK_BRIDGED(id) __AXObserver* AXObserverRef;
 typedef uint32_t AXValueType;
-enum : uint32_t { kAXValueTypeCGPoint = 1, kAXValueTypeCGSize = 2 };
+enum : uint32_t { kAXValueTypeCGPoint = 1, kAXValueTypeCGSize = 2, kAXValueTypeCGRect = 3 };
 typedef void (*AXObserverCallback)(AXObserverRef _Nonnull observer, AXUIElementRef _Nonnull element,
                                    CFStringRef _Nonnull notification, void* _Nullable context);
 
