@@ -165,6 +165,15 @@ TEST_F(MacAccessibilityTest, AnApplicationThatRefusesNotificationsYieldsNull) {
     EXPECT_FALSE(accessibility().onWindowClosed(found({300, 200}), [] {}));
 }
 
+TEST_F(MacAccessibilityTest, NoProgramIsAskedForTheExcessOfItsFrame) {
+    const Element element = found({300, 200});
+    fakemac::mac().applications.at(kEditor).answers = false;
+
+    EXPECT_FALSE(accessibility().copyAttribute(element, attribute::kFrameExcess));
+
+    EXPECT_EQ(fakemac::mac().waits, std::vector<double>());
+}
+
 /// Counts the requests to an application that cannot be observed yet.
 class MacPatienceTest : public MacAccessibilityTest {
 protected:
@@ -222,6 +231,18 @@ TEST_F(MacPatienceTest, AfterFiveRetriesItIsRetriedAtItsNextActivation) {
     fakemac::focus(fakemac::openWindow({.pid = 8, .axFrame = {0, 0, 100, 100}}));
     fakemac::focus(window);
     EXPECT_EQ(requests(), 0) << "the application is observed already";
+}
+
+TEST_F(MacPatienceTest, AnActivationThatSucceedsEndsTheRetries) {
+    program().failures = 1;
+    const auto observer = observe();
+    EXPECT_EQ(requests(), 1);
+
+    fakemac::focus(window);
+    EXPECT_EQ(requests(), 1);
+    turn(1min);
+
+    EXPECT_EQ(requests(), 0);
 }
 
 TEST_F(MacPatienceTest, TheActivationOfAnotherApplicationCausesNoRetry) {

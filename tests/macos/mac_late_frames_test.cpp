@@ -98,6 +98,18 @@ TEST_F(MacLateFramesTest, OtherWindowsAreReadAtOnce) {
     EXPECT_EQ(waited, 50ms);
 }
 
+TEST_F(MacLateFramesTest, OnlyTheWindowWrittenLastIsWaitedFor) {
+    (void)fakemac::openWindow({.pid = kEditor, .axFrame = {900, 150, 100, 100}, .lateness = 0.05});
+    const Element earlier =
+        desktop->accessibility.elementAtPosition(desktop->accessibility.systemWide(), {950, 200}).value();
+    ax.setFrame(earlier, kEditor, {900, 150, 200, 200}, {});
+
+    EXPECT_EQ(place(kTarget), kTarget);
+    EXPECT_EQ(waited, 50ms);
+    EXPECT_EQ(ax.frame(earlier), (Rect{900, 150, 200, 200}));
+    EXPECT_EQ(waited, 50ms);
+}
+
 TEST_F(MacLateFramesTest, OtherAttributesAreReadAtOnce) {
     const Element placed = element();
     ax.setFrame(placed, kEditor, kTarget, {});

@@ -125,6 +125,25 @@ TEST_F(MacWorkspaceTest, AWindowIsClosedWhenItsApplicationTerminatesWithoutAProc
     EXPECT_EQ(closed, 1);
 }
 
+TEST_F(MacWorkspaceTest, AWindowStaysOpenWhenAnotherApplicationTerminates) {
+    int closed = 0;
+    fakemac::openWindow({.pid = kEditor, .axFrame = {200, 150, 640, 480}});
+    const auto window =
+        desktop->accessibility.elementAtPosition(desktop->accessibility.systemWide(), {300, 200});
+    const auto observer = desktop->accessibility.onWindowClosed(window.value(), [&] { ++closed; });
+    fakemac::launch(8, {});
+
+    fakemac::terminate(8);
+
+    EXPECT_EQ(closed, 0);
+}
+
+TEST_F(MacWorkspaceTest, EveryExtensionIsRemovedFromADisplayName) {
+    fakemac::mac().installed["org.example.mail"] = "Mail.app copy.app";
+
+    EXPECT_EQ(desktop->workspace.displayName("org.example.mail"), "Mail copy");
+}
+
 TEST_F(MacWorkspaceTest, ATerminationHandlerMayDestroyItsObserverAndTheBackEnd) {
     SubscriptionPtr observer;
     observer = desktop->workspace.addObserver(ApplicationEvent::Terminated, [&](const RunningApplication&) {
