@@ -29,13 +29,19 @@ namespace fs = std::filesystem;
 constexpr const char* kNoHome = "There is no home folder.";
 constexpr std::string_view kEntryName = "autostart/tessarel.desktop";
 
-/// Returns the path of the running executable. The kernel appends " (deleted)" once a newer version has
-/// replaced the file; the path without it then names the newer version.
+/// Returns the path of the running executable, as the kernel names it.
 fs::path runningProgram() {
+    std::error_code error;
+    return fs::read_symlink("/proc/self/exe", error);
+}
+
+/// Removes the " (deleted)" that the kernel appends once a newer version has replaced the file: the path
+/// without it names the newer version.
+fs::path withoutDeleted(const fs::path& executable) {
     constexpr std::string_view kReplaced = " (deleted)";
     std::error_code error;
-    std::string path = fs::read_symlink("/proc/self/exe", error).string();
-    if (path.ends_with(kReplaced) && !fs::exists(path, error))
+    std::string path = executable.string();
+    if (path.ends_with(kReplaced) && !fs::exists(executable, error))
         path.resize(path.size() - kReplaced.size());
     return path;
 }
@@ -67,10 +73,11 @@ int writeAndClose(int fd, std::string_view content) {
 } // namespace
 
 fs::path commandOf(const fs::path& executable) {
-    const fs::path folder = executable.parent_path();
-    const fs::path launcher = folder.parent_path().parent_path() / "bin" / executable.filename();
+    const fs::path file = withoutDeleted(executable);
+    const fs::path folder = file.parent_path();
+    const fs::path launcher = folder.parent_path().parent_path() / "bin" / file.filename();
     const bool isInstalled = folder.filename() == "tessarel" && folder.parent_path().filename() == "libexec";
-    return isInstalled && ::access(launcher.c_str(), X_OK) == 0 ? launcher : executable;
+    return isInstalled && ::access(launcher.c_str(), X_OK) == 0 ? launcher : file;
 }
 
 XdgLoginItem::XdgLoginItem(Setup setup)

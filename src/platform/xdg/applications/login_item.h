@@ -12,7 +12,8 @@ namespace tessarel::xdg {
 
 /// Returns the command that starts the installed program `executable`: the launcher in the folder "bin" of
 /// the prefix whose "libexec/tessarel" the executable is in, else the executable itself. Commands are found
-/// in "bin" by every version; the folder below "libexec" belongs to this one.
+/// in "bin" by every version; the folder below "libexec" belongs to this one. The name that the kernel gives
+/// to a running executable that has been replaced stands for its replacement.
 [[nodiscard]] std::filesystem::path commandOf(const std::filesystem::path& executable);
 
 /// Starts the program at login through an entry in the user's autostart folder, which the session of every

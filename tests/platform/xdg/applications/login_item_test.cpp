@@ -394,7 +394,8 @@ TEST_F(LoginItemTest, AnUnreadableEntryIsNotRegistered) {
 
 class LoginItemEnvironmentTest : public LoginItemTest {
 protected:
-    static constexpr std::array kVariables = {"HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS"};
+    static constexpr std::array kVariables = {"HOME", "XDG_CONFIG_HOME", "XDG_CONFIG_DIRS",
+                                              "XDG_CURRENT_DESKTOP"};
 
     LoginItemEnvironmentTest() {
         for (std::size_t i = 0; i < kVariables.size(); ++i) {
@@ -422,6 +423,12 @@ TEST_F(LoginItemEnvironmentTest, TheConfigFoldersComeFromTheEnvironment) {
 
     EXPECT_EQ(own.configHome, "/conf");
     EXPECT_THAT(own.configFolders, testing::ElementsAre("/a", "/b"));
+}
+
+TEST_F(LoginItemEnvironmentTest, TheNamesOfTheDesktopComeFromTheEnvironment) {
+    ::setenv("XDG_CURRENT_DESKTOP", "ubuntu:GNOME", 1);
+
+    EXPECT_THAT(XdgLoginItem::ofThisProgram("Tessarel").desktops, testing::ElementsAre("ubuntu", "GNOME"));
 }
 
 TEST_F(LoginItemEnvironmentTest, WithoutVariablesTheDefaultFoldersAreUsed) {
@@ -480,6 +487,21 @@ TEST_F(CommandOfTest, WithoutALauncherTheProgramIsStartedItself) {
 
     fs::permissions(program("bin/tessarel"), fs::perms::owner_read);
     EXPECT_EQ(commandOf(installed), installed);
+}
+
+TEST_F(CommandOfTest, AProgramThatANewerVersionHasReplacedIsStartedByItsOldName) {
+    const fs::path installed = program("libexec/tessarel/tessarel");
+    const fs::path replaced = installed.string() + " (deleted)";
+    EXPECT_EQ(commandOf(replaced), installed);
+
+    const fs::path launcher = program("bin/tessarel");
+    EXPECT_EQ(commandOf(replaced), launcher);
+}
+
+TEST_F(CommandOfTest, TheNameOfAProgramMayEndAsThatOfAReplacedOne) {
+    const fs::path odd = program("tessarel (deleted)");
+
+    EXPECT_EQ(commandOf(odd), odd);
 }
 
 TEST_F(CommandOfTest, AProgramElsewhereIsStartedItself) {
