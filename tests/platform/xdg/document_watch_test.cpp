@@ -130,6 +130,33 @@ TEST_F(DocumentWatchTest, TheReleaseOfTheLockIsReportedAndAnAttemptIsNot) {
     EXPECT_TRUE(hasChanged());
 }
 
+TEST_F(DocumentWatchTest, TheReleaseOfTheLockBesideTheTargetOfALinkIsReported) {
+    const fs::path target = scratch.path() / "dotfiles" / "tessarel.json";
+    store(target);
+    fs::create_directories(folder);
+    fs::create_symlink("../../dotfiles/tessarel.json", file);
+    watchFile();
+
+    auto lock = DocumentFile(file).lock();
+    EXPECT_FALSE(hasChanged());
+    lock.reset();
+
+    EXPECT_TRUE(hasChanged());
+}
+
+TEST_F(DocumentWatchTest, AChangeAmongMoreThanTheSystemRemembersIsReported) {
+    store(file);
+    watchFile();
+
+    const int most = std::stoi(ScratchFolder::read("/proc/sys/fs/inotify/max_queued_events").value_or("0"));
+    ASSERT_GT(most, 0);
+    for (int i = 0; i < most; ++i) // at least one event each
+        ScratchFolder::write(folder / (i % 2 == 0 ? "one.json" : "other.json"), "new");
+    replace(file, "new");
+
+    EXPECT_TRUE(hasChanged());
+}
+
 TEST_F(DocumentWatchTest, OtherFilesInTheFolderAboveDoNotWakeTheProgram) {
     store(file);
     watchFile();
