@@ -9,7 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <fcntl.h>
 #include <memory>
 #include <string>
@@ -120,6 +122,37 @@ TEST_P(TerminationSignalsTest, ASignalEndsTheProcessEvenWhileTheMainThreadIsBloc
             block();
         },
         testing::ExitedWithCode(0), "");
+}
+
+TEST_P(TerminationSignalsTest, FurtherSignalsDoNotExtendTheTimeLimit) {
+    const auto left = [] {
+        itimerval limit{};
+        ::getitimer(ITIMER_REAL, &limit);
+        return limit.it_value.tv_usec;
+    };
+    EXPECT_EXIT(
+        {
+            const TerminationSignals terminationSignals;
+            ::raise(GetParam());
+            const auto later = left() - 10'000; // microseconds
+            while (left() > later) {
+            }
+            ::raise(GetParam());
+            ::_exit(left() <= later ? EXIT_SUCCESS : EXIT_FAILURE);
+        },
+        testing::ExitedWithCode(EXIT_SUCCESS), "");
+}
+
+TEST_P(TerminationSignalsTest, TheInterruptedCodeKeepsItsErrorNumber) {
+    const TerminationSignals terminationSignals;
+    ::raise(GetParam());
+    const itimerval none{};
+    ::setitimer(ITIMER_REAL, &none, nullptr); // lest the test takes longer than the time limit
+    errno = EINTR;
+    for (int i = 0; i < 100'000 && errno == EINTR; ++i) // fills the pipe, so that writing to it fails
+        ::raise(GetParam());
+
+    EXPECT_EQ(errno, EINTR);
 }
 
 TEST_P(TerminationSignalsTest, DestructionRemovesTheTimeLimit) {
