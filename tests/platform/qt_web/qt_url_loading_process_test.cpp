@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <filesystem>
 #include <functional>
@@ -234,6 +235,22 @@ TEST_F(QtUrlLoadingProcessTest, OfTheEnvironmentTheHelperGetsOnlyWhatConcernsThe
     EXPECT_THAT(seen, AllOf(HasSubstr("https_proxy=http://127.0.0.1:9\n"), testing::EndsWith("\n/\n")));
     for (const char* name : {"TESSAREL_TEST_SECRET", "HOME=", "DISPLAY", "XAUTHORITY", "DBUS_", "USER="})
         EXPECT_THAT(seen, testing::Not(HasSubstr(name)));
+}
+
+TEST_F(QtUrlLoadingProcessTest, TheHelperGetsEveryVariableThatConcernsTheNetwork) {
+    constexpr std::array kVariables = {"http_proxy", "https_proxy", "all_proxy", "no_proxy",
+                                       "HTTP_PROXY", "HTTPS_PROXY", "ALL_PROXY", "NO_PROXY"};
+    write("/usr/bin/env >" + file("environment") + "\n" + kAnswer);
+    for (const char* name : kVariables)
+        qputenv(name, QByteArray("value of ") + name);
+
+    EXPECT_EQ(get(request()), kAnswered);
+    for (const char* name : kVariables)
+        qunsetenv(name);
+
+    const std::string seen = ScratchFolder::read(file("environment")).value_or("");
+    for (const char* name : kVariables)
+        EXPECT_THAT(seen, HasSubstr(std::string(name) + "=value of " + name + "\n"));
 }
 
 TEST_F(QtUrlLoadingProcessTest, WithoutAHelperARequestHasNoResponse) {

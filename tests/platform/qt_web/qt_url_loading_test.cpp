@@ -309,6 +309,15 @@ TEST_F(QtUrlLoadingRedirectTest, ARedirectFromHttpsToHttpIsNotFollowed) {
     EXPECT_TRUE(server.requests.empty());
 }
 
+TEST_F(QtUrlLoadingRedirectTest, ALaterRedirectFromHttpsToHttpIsNotFollowed) {
+    secure.at("/", redirect(secure.url("/next")));
+    secure.at("/next", redirect(server.url("/")));
+    server.at("/", reply("200 OK", "unsafe"));
+
+    EXPECT_EQ(get(request(secure.url("/"))), std::nullopt);
+    EXPECT_TRUE(server.requests.empty());
+}
+
 TEST_F(QtUrlLoadingTest, ATrustedHttpsServerIsUsed) {
     WebServer secure(identity());
     secure.at("/", reply("200 OK", "safe"));
