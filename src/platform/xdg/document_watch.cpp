@@ -21,9 +21,17 @@ DocumentWatch::DocumentWatch(std::filesystem::path file, const OnReadable& onRea
 }
 
 void DocumentWatch::follow() {
+    // Again if a part of the way has appeared before its folder was watched.
+    std::list<WatchPlan::Place> seen;
+    for (auto places = WatchPlan(m_file).places(); places != seen; places = WatchPlan(m_file).places()) {
+        watchOnly(places);
+        seen = std::move(places);
+    }
+}
+
+void DocumentWatch::watchOnly(const std::list<WatchPlan::Place>& places) {
     std::map<int, WatchPlan::Place> watches;
-    const WatchPlan plan(m_file);
-    for (const WatchPlan::Place& place : plan.places()) {
+    for (const WatchPlan::Place& place : places) {
         const int watch =
             ::inotify_add_watch(m_inotify.get(), place.path.c_str(), place.events | IN_DONT_FOLLOW);
         if (watch >= 0)

@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <list>
 #include <map>
 
 struct inotify_event;
@@ -31,6 +32,8 @@ public:
 private:
     /// Watches the present way to the file, and no longer any other.
     void follow();
+    /// Watches these places, and no longer any other.
+    void watchOnly(const std::list<WatchPlan::Place>& places);
     /// Reads all events, and calls `m_changed` if one of them matters.
     void readEvents();
     [[nodiscard]] bool matters(const inotify_event& event, const char* name) const;

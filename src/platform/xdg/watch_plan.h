@@ -25,6 +25,8 @@ public:
         std::uint32_t events = 0;    ///< inotify events to watch for
         std::set<std::string> names; ///< the entries of the folder that matter
         std::set<std::string> locks; ///< the entries of which only the deletion matters
+
+        bool operator==(const Place&) const = default;
     };
 
     /// Follows the absolute path `file` as it is now.
