@@ -79,6 +79,7 @@ void LinuxProgram::showFailure(const Alert& alert) {
     QtArguments arguments(options);
     QApplication::setDesktopSettingsAware(false);
     describeProgramToQt();
+    const Scope inputMethod = m_inputMethod.beforeQt();
     const QApplication application(arguments.count, arguments.values.data());
     if (QApplication::platformName() == QStringLiteral("offscreen"))
         return;
@@ -101,8 +102,10 @@ int LinuxProgram::runLoop(const BackEnd& backEnd, std::optional<AppDelegate>& de
     QApplication::setDesktopSettingsAware(false);
     describeProgramToQt();
     Scope untilQt = backEnd.beforeQt();
+    Scope inputMethod = m_inputMethod.beforeQt();
     const QApplication application(arguments.count, arguments.values.data());
     useControlStyle();
+    inputMethod.reset();
     untilQt.reset();
     m_bus.start();
     // QApplication has set the user's locale, whose decimal point may have several bytes; see `readJson`.

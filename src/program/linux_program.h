@@ -12,6 +12,7 @@
 #include "platform/qt_web/process/qt_url_loading_process.h"
 #include "platform/qt_x11/tray/qt_status_item.h"
 #include "platform/qt_xdg/application_panel.h"
+#include "platform/qt_xdg/input_method_probe.h"
 #include "platform/qt_xdg/qt_appearance.h"
 #include "platform/qt_xdg/session_bus.h"
 #include "platform/xdg/applications/installed_applications.h"
@@ -82,6 +83,7 @@ private:
     const char* m_programName;
     qt::TerminationSignals m_terminationSignals;
     qt::QtMainQueue m_queue;
+    qt::InputMethodProbe m_inputMethod;
     qt::SessionBus m_bus{m_queue};
     qt::QtAppearance m_appearance{[this] { return m_bus.connection(); }};
     SubscriptionPtr m_busChanges = m_bus.onChanged([this] { m_appearance.busChanged(); });

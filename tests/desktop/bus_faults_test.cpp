@@ -13,11 +13,15 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <sys/socket.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 namespace tessarel::x11test {
 namespace {
@@ -79,9 +83,11 @@ protected:
         observer.watch(window);
     }
 
-    void start(const std::string& address) {
+    void start(const std::string& address, const Environment& more = {}) {
         environment = server.environment();
         environment["DBUS_SESSION_BUS_ADDRESS"] = address;
+        for (const auto& [name, value] : more)
+            environment[name] = value;
         program.emplace(environment);
         ASSERT_TRUE(program->waitUntilReady(observer, keyboard)) << program->errors();
     }
@@ -299,6 +305,22 @@ TEST_F(BusFaultsTest, TheIconAppearsWhenAPanelReplacesASilentWatcher) {
 TEST_F(BusFaultsTest, TheProgramWorksWithASilentAccessibilityService) {
     const SilentService service(bus.address(), "org.a11y.Bus", "/org/a11y/bus");
     start(bus.address());
+
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheProgramWorksWithAnInputMethodThatNeverReplies) {
+    const SilentBus silent(server);
+    const std::filesystem::path folder = server.home();
+    std::ofstream(folder / "ibus-daemon") << "#!/bin/sh\n"; // Qt uses ibus only if this is in $PATH
+    std::filesystem::permissions(folder / "ibus-daemon", std::filesystem::perms::owner_all);
+    std::ofstream(folder / "announcement")
+        << "IBUS_ADDRESS=" << SilentBus::addressOn(server) << "\nIBUS_DAEMON_PID=" << ::getpid() << '\n';
+    start(bus.address(), {{"QT_IM_MODULE", "ibus"},
+                          {"IBUS_ADDRESS_FILE", folder / "announcement"},
+                          {"PATH", folder.string() + ":" + std::getenv("PATH")}});
 
     EXPECT_TRUE(answersKeys());
     EXPECT_TRUE(opensSettings());
