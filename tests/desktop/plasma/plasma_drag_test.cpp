@@ -13,7 +13,7 @@
 namespace tessarel::plasmatest {
 namespace {
 
-constexpr Rect kFirst{0, 0, 533, 450}; // of the zones on the first display
+constexpr Rect kFirstZone{0, 0, 533, 450}; // of the zones on the first display
 constexpr Rect kThird{1067, 0, 533, 450};
 constexpr Rect kFourth{800, 450, 800, 450};
 constexpr Rect kLeftHalf{0, 0, 800, 900};
@@ -58,7 +58,8 @@ protected:
         const Rect before = session.frame(kEditor).value_or(Rect::null());
         dragTo(1300, 200);
         ASSERT_TRUE(session.probe().waitUntil([&] {
-            return isOverlayOn(PlasmaSession::kFirst) && session.frame(kEditor)->size() != before.size();
+            const auto frame = session.frame(kEditor);
+            return isOverlayOn(PlasmaSession::kFirst) && frame && frame->size() != before.size();
         }));
         session.editor().process().signal(SIGSTOP);
         session.input().press({key::kEscape});
@@ -233,7 +234,7 @@ TEST_F(PlasmaDragTest, AMaximisedWindowTakesItsZoneAlsoAtTheEdgeWhereTheComposit
 
     maximise();
     dropAt(200, 1);
-    EXPECT_EQ(session.settledFrame(kEditor, kFirst), kFirst);
+    EXPECT_EQ(session.settledFrame(kEditor, kFirstZone), kFirstZone);
 }
 
 TEST_F(PlasmaDragTest, ATiledWindowTakesItsZoneAlsoAtTheEdgeWhereTheCompositorTilesIt) {
@@ -243,7 +244,7 @@ TEST_F(PlasmaDragTest, ATiledWindowTakesItsZoneAlsoAtTheEdgeWhereTheCompositorTi
 
     tileLeft();
     dropAt(3, 400);
-    EXPECT_EQ(session.settledFrame(kEditor, kFirst), kFirst);
+    EXPECT_EQ(session.settledFrame(kEditor, kFirstZone), kFirstZone);
 }
 
 TEST_F(PlasmaUnseenShiftDragTest, ADragThatWaitsForAKeyShowsNoZonesWithoutEffectsAndHotKeysWork) {
