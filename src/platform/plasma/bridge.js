@@ -159,12 +159,22 @@ function intersection(a, b) {
     return [x, y, Math.min(a[0] + a[2], b[0] + b[2]) - x, Math.min(a[1] + a[3], b[1] + b[3]) - y];
 }
 
-// Returns whether KWin tiles or maximises a window that is dropped where the pointer is.
+function isPointerIn([left, top, width, height]) {
+    const { x, y } = workspace.cursorPos;
+    return x >= left && x < left + width && y >= top && y < top + height;
+}
+
 function isPointerAtEdge() {
     const { x, y } = workspace.cursorPos;
-    return displays().some(({ frame: [left, top, width, height], usable }) =>
-        x >= left && x < left + width && y >= top && y < top + height &&
+    return displays().some(({ frame, usable }) => isPointerIn(frame) &&
         (x <= usable[0] + 20 || x >= usable[0] + usable[2] - 20 || y <= usable[1] + 5));
+}
+
+// Returns whether KWin may have maximised the window, or put it into its tile, because it was dropped where the pointer
+// is: at an edge, or with Shift, which the script does not see, in one of the tiles that the user arranges.
+function mayBeDropped(window) {
+    const isArranged = window.tile && window.tile.layoutDirection !== undefined;
+    return isArranged ? isPointerIn(rect(window.tile.absoluteGeometry)) : isPointerAtEdge();
 }
 
 // Returns whether KWin, as it ended the move, has maximised or tiled the window as it was before.
@@ -183,7 +193,7 @@ function hasFrameAgain(window, ended) {
 // or tiled is so again at once, but has its frame only when its program has responded.
 function endMove(window, ended) {
     const isInPlace = isInPlaceAgain(window, ended);
-    const isTakenBack = isInPlace && !isPointerAtEdge();
+    const isTakenBack = isInPlace && !mayBeDropped(window);
     if (!isTakenBack)
         leaveNewTile(window, ended.tile);
     later(() => {

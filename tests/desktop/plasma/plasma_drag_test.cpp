@@ -18,6 +18,7 @@ constexpr Rect kThird{1067, 0, 533, 450};
 constexpr Rect kFourth{800, 450, 800, 450};
 constexpr Rect kLeftHalf{0, 0, 800, 900};
 constexpr Rect kRightHalf{800, 0, 800, 900};
+constexpr Rect kMiddleTile{400, 0, 800, 900}; // of the compositor's own, unless the user arranges them
 constexpr double kPressBelowTop = 10;
 
 constexpr const char* kAlwaysShown = R"({"hasOnboarded":true,"rememberApps":false,"dragTrigger":"always"})";
@@ -290,6 +291,19 @@ TEST_F(PlasmaShiftDragTest, AWindowDroppedWithShiftKeepsItsSizeInTheNextDrag) {
 
     const Rect dropped{500, 300 - kPressBelowTop, kFourth.width, kFourth.height};
     EXPECT_EQ(session.settledFrame(kEditor, dropped), dropped);
+}
+
+TEST_F(PlasmaShiftDragTest, AWindowThatLiesWhereTheCompositorHasATileTakesItsZoneThere) {
+    session.probe().run(R"(
+        const editor = workspace.clientList().find((window) => window.resourceClass == "org.example.editor");
+        editor.frameGeometry = { x: 400, y: 0, width: 800, height: 900 };)");
+    ASSERT_EQ(session.settledFrame(kEditor, kMiddleTile), kMiddleTile);
+
+    session.input().setKey(key::kLeftShift, true);
+    dropAt(1000, 600);
+    session.input().setKey(key::kLeftShift, false);
+
+    EXPECT_EQ(session.settledFrame(kEditor, kFourth), kFourth);
 }
 
 TEST_F(PlasmaShiftDragTest, EscapeEndsADragWithShiftWithoutAZone) {
