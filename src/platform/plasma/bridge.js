@@ -154,11 +154,6 @@ function leaveNewTile(window, tileBefore) {
     setFrame(window, frame);
 }
 
-function intersection(a, b) {
-    const [x, y] = [Math.max(a[0], b[0]), Math.max(a[1], b[1])];
-    return [x, y, Math.min(a[0] + a[2], b[0] + b[2]) - x, Math.min(a[1] + a[3], b[1] + b[3]) - y];
-}
-
 function isPointerIn([left, top, width, height]) {
     const { x, y } = workspace.cursorPos;
     return x >= left && x < left + width && y >= top && y < top + height;
@@ -177,12 +172,11 @@ function mayBeDropped(window) {
     return isArranged ? isPointerIn(rect(window.tile.absoluteGeometry)) : isPointerAtEdge();
 }
 
-// Returns whether KWin, as it ended the move, has maximised or tiled the window as it was before.
-function isInPlaceAgain(window, ended) {
-    if (ended.maximisedChanges > 0 && ended.maximisedChanges % 2 === 0) // the first one has undone it
-        return true;
-    return Boolean(window.tile) && displays().some(({ usable }) =>
-        areEqual(ended.start, intersection(rect(window.tile.absoluteGeometry), usable)));
+// Returns whether KWin, as it ended the move, has maximised or tiled the window. The first change of its maximised
+// state has undone it.
+function isPutInPlace(window, ended) {
+    return (ended.maximisedChanges > 0 && ended.maximisedChanges % 2 === 0) ||
+        (Boolean(window.tile) && window.tile !== ended.tile);
 }
 
 function hasFrameAgain(window, ended) {
@@ -192,7 +186,7 @@ function hasFrameAgain(window, ended) {
 // KWin says in the same way that a move has ended and that Escape has taken the window back. One that was maximised
 // or tiled is so again at once, but has its frame only when its program has responded.
 function endMove(window, ended) {
-    const isInPlace = isInPlaceAgain(window, ended);
+    const isInPlace = isPutInPlace(window, ended);
     const isTakenBack = isInPlace && !mayBeDropped(window);
     if (!isTakenBack)
         leaveNewTile(window, ended.tile);

@@ -19,6 +19,7 @@ constexpr Rect kFourth{800, 450, 800, 450};
 constexpr Rect kLeftHalf{0, 0, 800, 900};
 constexpr Rect kRightHalf{800, 0, 800, 900};
 constexpr Rect kMiddleTile{400, 0, 800, 900}; // of the compositor's own, unless the user arranges them
+constexpr Rect kInMiddleTile{404, 4, 792, 892};
 constexpr double kPressBelowTop = 10;
 
 constexpr const char* kAlwaysShown = R"({"hasOnboarded":true,"rememberApps":false,"dragTrigger":"always"})";
@@ -30,13 +31,14 @@ constexpr const char* kShownWithControl =
 
 class PlasmaDragTest : public testing::Test {
 protected:
-    explicit PlasmaDragTest(Drawing drawing = Drawing::Software, const char* settings = kAlwaysShown)
-        : session(drawing), m_settings(settings) {}
+    explicit PlasmaDragTest(Drawing drawing = Drawing::Software, const char* settings = kAlwaysShown,
+                            const Size& minimum = {})
+        : session(drawing), m_settings(settings), m_minimum(minimum) {}
 
     void SetUp() override {
         session.writeSettings(m_settings);
         ASSERT_TRUE(session.startProgram()) << session.program().errors();
-        session.openEditor();
+        session.openEditor(m_minimum);
     }
 
     /// Presses the title bar and moves the pointer to a place in small steps.
@@ -77,6 +79,15 @@ protected:
     void tileLeft() {
         session.probe().run("workspace.slotWindowQuickTileLeft();");
         ASSERT_EQ(session.settledFrame(kEditor, kLeftHalf), kLeftHalf);
+    }
+
+    /// Drags the window into one of the compositor's own tiles, while no zones are shown.
+    void dropIntoMiddleTile() {
+        dragTo(1000, 600);
+        session.input().setKey(key::kLeftShift, true);
+        session.input().setLeftButton(false);
+        session.input().setKey(key::kLeftShift, false);
+        ASSERT_EQ(session.settledFrame(kEditor, kInMiddleTile), kInMiddleTile);
     }
 
     /// Drags the window and drops it.
@@ -133,6 +144,13 @@ protected:
 
 private:
     const char* m_settings;
+    Size m_minimum; ///< of the editor
+};
+
+/// The editor is wider than a half of the display.
+class PlasmaWideDragTest : public PlasmaDragTest {
+protected:
+    PlasmaWideDragTest() : PlasmaDragTest(Drawing::Software, kAlwaysShown, {900, 0}) {}
 };
 
 /// KWin draws without OpenGL, so it has no effects.
@@ -226,6 +244,16 @@ TEST_F(PlasmaDragTest, EscapeTakesATiledWindowBackIntoItsTileThoughItsProgramIsL
 
     EXPECT_EQ(session.settledFrame(kEditor, kLeftHalf), kLeftHalf);
     EXPECT_THAT(framesDuringALateHotKey(), testing::Not(testing::Contains(kThird)));
+}
+
+TEST_F(PlasmaWideDragTest, EscapeTakesAWindowThatDoesNotFitIntoItsTileBackThoughItsProgramIsLate) {
+    const Rect tooWide{0, 0, 900, 900};
+    session.probe().run("workspace.slotWindowQuickTileLeft();");
+    ASSERT_EQ(session.settledFrame(kEditor, tooWide), tooWide);
+
+    cancelWhileTheProgramIsLate();
+
+    EXPECT_EQ(session.settledFrame(kEditor, tooWide), tooWide);
 }
 
 TEST_F(PlasmaDragTest, AMaximisedWindowTakesItsZoneAlsoAtTheEdgeWhereTheCompositorMaximisesIt) {
@@ -354,6 +382,29 @@ TEST_F(PlasmaControlDragTest, TheZonesStillAppearAfterAGraphicsResetForWhichTheC
 
     EXPECT_EQ(session.settledFrame(kEditor, kThird), kThird);
     EXPECT_EQ(session.endProgram(), 0);
+}
+
+TEST_F(PlasmaControlDragTest, EscapeTakesAWindowBackIntoOneOfTheCompositorsOwnTiles) {
+    dropIntoMiddleTile();
+
+    session.input().setKey(key::kLeftControl, true);
+    cancelWhileTheProgramIsLate();
+    session.input().setKey(key::kLeftControl, false);
+
+    EXPECT_EQ(session.settledFrame(kEditor, kInMiddleTile), kInMiddleTile);
+    EXPECT_THAT(framesDuringALateHotKey(), testing::Not(testing::Contains(kThird)));
+}
+
+TEST_F(PlasmaControlDragTest, AWindowDroppedWithShiftOverItsOwnTileTakesItsZone) {
+    dropIntoMiddleTile();
+
+    session.input().setKey(key::kLeftControl, true);
+    session.input().setKey(key::kLeftShift, true);
+    dropAt(1000, 600);
+    session.input().setKey(key::kLeftShift, false);
+    session.input().setKey(key::kLeftControl, false);
+
+    EXPECT_EQ(session.settledFrame(kEditor, kFourth), kFourth);
 }
 
 } // namespace

@@ -333,9 +333,9 @@ void PlasmaSession::open(const std::vector<std::string>& command, const std::str
         throw std::runtime_error(command.front() + " opens no window: " + m_clients.back()->errors());
 }
 
-void PlasmaSession::openEditor() {
+void PlasmaSession::openEditor(const Size& minimum) {
     m_editor.emplace(m_environment);
-    m_editor->open(1, {.applicationId = kEditor, .isDecorated = true});
+    m_editor->open(1, {.applicationId = kEditor, .isDecorated = true, .minimum = minimum});
     if (!waitForActive(kEditor))
         throw std::runtime_error("the editor opens no window: " + m_editor->process().errors());
 }

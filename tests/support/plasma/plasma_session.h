@@ -99,9 +99,9 @@ public:
     /// Starts another program and waits until its window is active, and KWin has told the program under test.
     /// Throws std::runtime_error if it is not.
     void open(const std::vector<std::string>& command, const std::string& windowClass);
-    /// Opens a window with a title bar, in the same way. Its program takes every size, and starts within
-    /// milliseconds.
-    void openEditor();
+    /// Opens a window with a title bar, in the same way. Its program takes every size that is not below the
+    /// minimum, and starts within milliseconds.
+    void openEditor(const Size& minimum = {});
     /// The program of the window that `openEditor` has opened.
     [[nodiscard]] WaylandClient& editor() { return *m_editor; }
     /// Returns the frame of the window with this class; empty if there is none.
