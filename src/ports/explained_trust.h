@@ -43,6 +43,11 @@ public:
     void openSettings() override {}
 
 protected:
+    /// Prompts unless an alert has been shown already.
+    void promptOnce() {
+        if (!m_hasExplained)
+            prompt();
+    }
     /// Returns whether what is missing may come without the user. Called only when not trusted.
     [[nodiscard]] virtual bool mayComeYet() = 0;
     /// Returns the alert. Called only when not trusted.
@@ -60,6 +65,7 @@ private:
             if (isTrusted())
                 close();
         });
+        m_hasExplained = true;
         m_alert = m_alerts.show(explanation(), [this](std::optional<std::size_t>) { close(); });
     }
     void close() {
@@ -70,6 +76,7 @@ private:
     MainQueuePort& m_queue;
     AlertsPort& m_alerts;
     MainQueuePort::TimePoint m_startedAt;
+    bool m_hasExplained = false;
     SubscriptionPtr m_prompt;  // null unless an alert is pending
     SubscriptionPtr m_alert;   // null unless one is open
     SubscriptionPtr m_changes; // while an alert is open

@@ -62,8 +62,8 @@ Bridge::~Bridge() {
 void Bridge::load() {
     m_isAccepted = writeScript();
     if (!m_isAccepted) {
-        m_report("cannot write " + file().string() +
-                 ", the script by which KWin moves windows: " + std::generic_category().message(errno));
+        fail("cannot write " + file().string() +
+             ", the script by which KWin moves windows: " + std::generic_category().message(errno));
         return;
     }
     tryToLoad(kLoadAttempts);
@@ -96,7 +96,7 @@ void Bridge::tryToLoad(int attempts) {
                 m_nextAttempt =
                     m_queue.asyncAfter(kLoadInterval, [this, attempts] { tryToLoad(attempts - 1); });
             else
-                m_report("KWin does not take the script by which it moves windows");
+                fail("KWin does not take the script by which it moves windows");
         },
         Delivery::Urgent);
     m_link.call(scripting("start"));
@@ -107,8 +107,17 @@ void Bridge::awaitReport() {
         return;
     m_overdue = m_queue.asyncAfter(kLongestSilence, [this] {
         m_isOverdue = true;
-        m_report("KWin has taken the script by which it moves windows, but does not run it");
+        fail("KWin has taken the script by which it moves windows, but does not run it");
     });
+}
+
+void Bridge::fail(const std::string& problem) {
+    m_report(problem);
+    m_failed.send();
+}
+
+SubscriptionPtr Bridge::onFailed(std::function<void()> failed) {
+    return m_failed.connect(std::move(failed));
 }
 
 std::filesystem::path Bridge::file() const {

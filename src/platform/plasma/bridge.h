@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "model/signal.h"
 #include "model/subscription.h"
 #include "platform/plasma/reports.h"
 #include "platform/wayland/bus_link.h"
@@ -42,6 +43,9 @@ public:
     [[nodiscard]] bool isAccepted() const { return m_isAccepted && (!m_isOverdue || m_mirror.isReady()); }
     /// Returns whether KWin has not taken the script, and is to be asked again.
     [[nodiscard]] bool isRetrying() const { return m_nextAttempt != nullptr; }
+    /// Calls `failed` when the script cannot be written, KWin has not taken it at the last attempt, or
+    /// an accepted script has reported nothing for 10 s. The last may still run later.
+    [[nodiscard]] SubscriptionPtr onFailed(std::function<void()> failed);
 
     /// Brings this program's windows to the user: those that there are, or else the next one.
     void bringOwnWindows();
@@ -60,6 +64,7 @@ private:
     [[nodiscard]] bool writeScript() const;
     void tryToLoad(int attempts);
     void awaitReport();
+    void fail(const std::string& problem);
     void handle(const wayland::BusMessage& message);
     void handleReport(const std::string& text);
     void end(const Settled& settled);
@@ -80,6 +85,7 @@ private:
     std::uint64_t m_lastSerial = 0;
     std::map<wayland::WindowId, UnderWay> m_underWay;
     std::set<wayland::WindowId> m_late; ///< whose last placement is over, but not carried out, nor waited for
+    Signal<> m_failed;
     SubscriptionPtr m_calls;
     SubscriptionPtr m_delivered;
     SubscriptionPtr m_nextAttempt; ///< null unless KWin has not taken the script, and is asked again

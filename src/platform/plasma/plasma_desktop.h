@@ -49,7 +49,8 @@ struct PlasmaDesktop {
           modifierChanges(dragModifiers.onChange([this] { mouse.modifiersChanged(); })),
           modifiersLoaded(dragModifiers.onLoaded([this] { words.dragNote = kKeysReported; })),
           preferences(xdg::FilePreferences::userFolder(), std::move(onReadable), std::move(report)),
-          windowsKnown(mirror.onReady([this] { hotKeys.deliver(); })), trust(bridge, mirror, queue, alerts),
+          windowsKnown(mirror.onReady([this] { hotKeys.deliver(); })),
+          scriptFailed(bridge.onFailed([this] { hotKeys.drop(); })), trust(bridge, mirror, queue, alerts),
           windowList(mirror), workspace(applications, watch), keyNames(keyboardLayout) {
         hotKeys.holdBack();
     }
@@ -77,6 +78,7 @@ struct PlasmaDesktop {
     SubscriptionPtr modifiersLoaded;
     xdg::FilePreferences preferences;
     SubscriptionPtr windowsKnown;
+    SubscriptionPtr scriptFailed;
     Trust trust;
     wayland::WindowList windowList;
     wayland::Workspace workspace;

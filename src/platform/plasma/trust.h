@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "model/subscription.h"
 #include "platform/plasma/bridge.h"
 #include "platform/wayland/mirror.h"
 #include "ports/alerts_port.h"
@@ -13,12 +14,14 @@
 
 namespace tessarel::plasma {
 
-/// Trust on Plasma, which lets every program of the session move windows: whether KWin runs the script.
+/// Trust on Plasma, which lets every program of the session move windows: whether KWin runs the script. That
+/// it does not may turn out long after the start, so the alert about it is shown without a prompt, too.
 class Trust : public ExplainedTrust {
 public:
     /// `mirror` is the one that `bridge` fills. All referenced objects must outlive this one.
-    Trust(const Bridge& bridge, wayland::Mirror& mirror, MainQueuePort& queue, AlertsPort& alerts)
-        : ExplainedTrust(queue, alerts), m_bridge(bridge), m_mirror(mirror) {}
+    Trust(Bridge& bridge, wayland::Mirror& mirror, MainQueuePort& queue, AlertsPort& alerts)
+        : ExplainedTrust(queue, alerts), m_bridge(bridge), m_mirror(mirror),
+          m_failures(bridge.onFailed([this] { promptOnce(); })) {}
 
     [[nodiscard]] bool isTrusted() override { return m_bridge.isAccepted(); }
 
@@ -40,6 +43,7 @@ protected:
 private:
     const Bridge& m_bridge;
     wayland::Mirror& m_mirror;
+    SubscriptionPtr m_failures;
 };
 
 } // namespace tessarel::plasma

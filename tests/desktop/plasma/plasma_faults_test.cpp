@@ -44,6 +44,22 @@ protected:
 
     void start() { ASSERT_TRUE(session.startProgram()) << session.program().errors(); }
 
+    /// Makes a folder in the place of the script, which cannot be written then.
+    void occupyScript() {
+        std::filesystem::create_directory(std::filesystem::path(session.environment().at("XDG_RUNTIME_DIR")) /
+                                          "tessarel-bridge.js");
+    }
+
+    /// Waits until the program has an active window, or none. Returns false if that does not happen.
+    bool waitForOwnWindow(bool isWanted) {
+        return session.probe().waitUntil([&] {
+            const auto isOwn = [this](const SeenWindow& window) {
+                return window.pid == session.program().pid() && window.isActive;
+            };
+            return std::ranges::any_of(session.probe().windows(), isOwn) == isWanted;
+        });
+    }
+
     void restartCompositor() {
         session.killCompositor();
         session.startCompositor();
@@ -255,19 +271,28 @@ TEST_F(PlasmaFaultsTest, TheProgramEndsInOrderWhenTheSessionBusGoes) {
 }
 
 TEST_F(PlasmaFaultsTest, AScriptThatCannotBeWrittenIsReportedInAWindowTooAndCommandsSayThatNothingIsDone) {
-    // In the place of the script.
-    std::filesystem::create_directory(std::filesystem::path(session.environment().at("XDG_RUNTIME_DIR")) /
-                                      "tessarel-bridge.js");
+    occupyScript();
     start();
     ASSERT_TRUE(session.waitForCommands());
 
-    EXPECT_TRUE(session.probe().waitUntil([this] {
-        return std::ranges::count(session.probe().windows(), session.program().pid(), &SeenWindow::pid) > 0;
-    }));
+    EXPECT_TRUE(waitForOwnWindow(true));
     EXPECT_EQ(session.command({"right-half"}), kNothingDone);
 
     EXPECT_THAT(session.program().errors(), testing::HasSubstr("cannot write"));
     EXPECT_EQ(session.endProgram(), 0);
+}
+
+TEST_F(PlasmaFaultsTest, AHotKeyShowsTheWindowAgainThatSaysThatTheScriptDoesNotRun) {
+    occupyScript();
+    start();
+    ASSERT_TRUE(waitForOwnWindow(true));
+    session.input().press({key::kEscape});
+    ASSERT_TRUE(waitForOwnWindow(false));
+
+    session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
+
+    EXPECT_TRUE(waitForOwnWindow(true));
+    EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
 }
 
 TEST_F(PlasmaScriptTest, ACommandThatFailsIsNotTheLast) {

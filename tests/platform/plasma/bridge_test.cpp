@@ -2,6 +2,7 @@
 
 #include "platform/plasma/bridge.h"
 
+#include "platform/plasma/fake_compositor.h"
 #include "platform/sim/time/sim_clock.h"
 #include "platform/sim/time/sim_main_queue.h"
 #include "support/scratch_folder.h"
@@ -26,56 +27,6 @@ constexpr const char* kEverything = R"({"event":"everything","active":"a","windo
     {"name":"a","pid":42,"frame":[0,0,500,400],"kind":"standard","onCurrentDesktop":true}],
     "displays":[{"frame":[0,0,1600,900],"usable":[0,0,1600,900]}]})";
 
-/// Plays KWin on the bus: takes scripts, and sends what a script would.
-class FakeCompositor {
-public:
-    FakeCompositor(const std::string& address, bool acceptsScripts) : m_link(address) {
-        std::optional<BusMessage> reply;
-        m_scripts = m_link.serve(
-            "/Scripting", [this, acceptsScripts](const BusMessage& call) { take(call, acceptsScripts); },
-            Delivery::Urgent);
-        m_link.call(
-            {"org.freedesktop.DBus",
-             "/org/freedesktop/DBus",
-             "org.freedesktop.DBus",
-             "RequestName",
-             "su",
-             {std::string("org.kde.KWin"), std::int64_t{0}}},
-            [&](const BusMessage& message) { reply = message; }, Delivery::Urgent);
-        EXPECT_TRUE(waitUntil([&] { return reply.has_value(); }));
-    }
-
-    bool waitUntil(const std::function<bool()>& holds,
-                   std::chrono::milliseconds patience = x11test::kPatience) {
-        return m_link.waitUntil(holds, patience);
-    }
-
-    /// Sends a report of the script.
-    void report(const std::string& service, const std::string& text) {
-        m_link.call({service, "/org/tessarel/Bridge", "org.tessarel.Bridge", "report", "s", {text}});
-    }
-    /// Asks for commands, as the script does.
-    void next(const std::string& service) {
-        m_link.call(
-            {service, "/org/tessarel/Bridge", "org.tessarel.Bridge", "next"},
-            [this](const BusMessage& reply) { commands.push_back(reply.value<std::string>(0)); },
-            Delivery::Urgent);
-    }
-
-    std::vector<std::string> requests;
-    std::vector<std::string> commands; ///< what `next` has returned
-
-private:
-    void take(const BusMessage& call, bool acceptsScripts) {
-        requests.push_back(call.member);
-        if (acceptsScripts)
-            m_link.answer(call.token, "");
-    }
-
-    BusLink m_link;
-    SubscriptionPtr m_scripts;
-};
-
 class BridgeTest : public testing::Test {
 protected:
     BridgeTest() {
@@ -87,6 +38,7 @@ protected:
         ASSERT_TRUE(link->waitUntil([&] { return !link->uniqueName().empty(); }, x11test::kPatience));
         bridge.emplace(*link, mirror, queue, scripts,
                        [this](const std::string& problem) { problems.push_back(problem); });
+        counting = bridge->onFailed([this] { ++failures; });
     }
 
     /// Loads the bridge into a compositor that accepts scripts, with one window.
@@ -119,15 +71,7 @@ protected:
 
     bool waitUntil(const std::function<bool()>& holds) { return link->waitUntil(holds, x11test::kPatience); }
 
-    /// Handles what arrives at both ends until `holds` returns true. Returns false if it does not.
-    bool exchangeUntil(const std::function<bool()>& holds) {
-        const x11test::Deadline deadline;
-        while (!holds() && !deadline.passed()) {
-            link->waitUntil(holds, 1ms);
-            compositor->waitUntil(holds, 1ms);
-        }
-        return holds();
-    }
+    bool exchangeUntil(const std::function<bool()>& holds) { return compositor->exchangeUntil(*link, holds); }
 
     ScratchFolder folder;
     std::string address = "unix:path=" + (folder.path() / "bus").string();
@@ -140,6 +84,8 @@ protected:
     SubscriptionPtr replacements =
         mirror.onReplaced([this](wayland::WindowId window) { replaced.push_back(window); });
     std::vector<std::string> problems;
+    int failures = 0;
+    SubscriptionPtr counting; ///< counts the failures
     std::optional<FakeCompositor> compositor;
     std::optional<BusLink> link;
     std::optional<Bridge> bridge;
@@ -154,6 +100,7 @@ TEST_F(BridgeTest, AScriptThatCannotBeWrittenIsReportedAndNotLoaded) {
 
     EXPECT_FALSE(bridge->isAccepted());
     EXPECT_FALSE(bridge->isRetrying());
+    EXPECT_EQ(failures, 1);
     EXPECT_THAT(problems, ElementsAre(HasSubstr("missing/tessarel-bridge.js")));
     EXPECT_THAT(compositor->requests, IsEmpty());
 }
@@ -191,11 +138,13 @@ TEST_F(BridgeTest, AScriptThatTheCompositorHasNotTakenAfterSixtyAttemptsIsReport
     for (int attempt = 1; attempt < 60; ++attempt) {
         EXPECT_TRUE(bridge->isRetrying());
         EXPECT_THAT(problems, IsEmpty());
+        EXPECT_EQ(failures, 0);
         clock.advance(500ms);
         passBus();
     }
 
     EXPECT_FALSE(bridge->isRetrying());
+    EXPECT_EQ(failures, 1);
     EXPECT_THAT(problems, ElementsAre(HasSubstr("does not take the script")));
 }
 
@@ -207,8 +156,10 @@ TEST_F(BridgeTest, AScriptThatReportsNothingIsNotAcceptedAnyMoreUntilItDoes) {
 
     clock.advance(9999ms);
     EXPECT_TRUE(bridge->isAccepted());
+    EXPECT_EQ(failures, 0);
     clock.advance(1ms);
     EXPECT_FALSE(bridge->isAccepted());
+    EXPECT_EQ(failures, 1);
     EXPECT_THAT(problems, ElementsAre(HasSubstr("does not run it")));
 
     compositor->report(link->uniqueName(), kEverything);

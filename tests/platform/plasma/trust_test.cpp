@@ -2,9 +2,11 @@
 
 #include "platform/plasma/trust.h"
 
+#include "platform/plasma/fake_compositor.h"
 #include "platform/sim/sim_services.h"
 #include "platform/sim/time/sim_clock.h"
 #include "platform/sim/time/sim_main_queue.h"
+#include "platform/wayland/bus_names.h"
 #include "support/scratch_folder.h"
 #include "support/x11/child_process.h"
 
@@ -29,6 +31,14 @@ protected:
         bridge.load();
         ASSERT_FALSE(trust.isTrusted());
     }
+    /// Waits for the replies to all calls to KWin, which is not there.
+    void passBus() {
+        bool hasReply = false;
+        link.call(
+            wayland::busCall("GetId", "", {}), [&](const wayland::BusMessage&) { hasReply = true; },
+            wayland::BusLink::Delivery::Urgent);
+        ASSERT_TRUE(link.waitUntil([&] { return hasReply; }, x11test::kPatience));
+    }
     /// Plays the script that runs after all.
     void runScript() {
         std::filesystem::create_directory(scripts);
@@ -52,15 +62,56 @@ protected:
     Trust trust{bridge, mirror, queue, alerts};
 };
 
-TEST_F(PlasmaTrustTest, PromptingShowsAnAlertAtOnceIfTheScriptCannotBeWritten) {
+TEST_F(PlasmaTrustTest, AScriptThatCannotBeWrittenIsExplainedAtOnceWithoutAPrompt) {
     failToWrite();
 
-    trust.prompt();
     clock.advance({});
 
     ASSERT_THAT(alerts.shown, SizeIs(1));
     EXPECT_EQ(alerts.shown[0].messageText, "Tessarel cannot move windows");
     EXPECT_THAT(alerts.shown[0].informativeText, HasSubstr("KWin does not run Tessarel's script."));
+}
+
+TEST_F(PlasmaTrustTest, AScriptThatIsTakenButDoesNotRunIsExplainedWithoutAPromptUntilItRuns) {
+    FakeCompositor compositor(address, true);
+    std::filesystem::create_directory(scripts);
+    bridge.load();
+    ASSERT_TRUE(compositor.exchangeUntil(link, [this] { return clock.waiting() > 0; }));
+
+    clock.advance(std::chrono::milliseconds(9999));
+    EXPECT_THAT(alerts.shown, IsEmpty());
+    clock.advance(std::chrono::milliseconds(1));
+    EXPECT_THAT(alerts.standing(), SizeIs(1));
+
+    mirror.reset({});
+    mirror.deliver();
+    EXPECT_THAT(alerts.standing(), IsEmpty());
+}
+
+TEST_F(PlasmaTrustTest, PromptingShowsTheAlertAgain) {
+    failToWrite();
+    clock.advance({});
+    ASSERT_THAT(alerts.shown, SizeIs(1));
+
+    trust.prompt();
+    clock.advance({});
+
+    EXPECT_THAT(alerts.shown, SizeIs(2));
+}
+
+TEST_F(PlasmaTrustTest, WhatAPromptHasExplainedIsNotExplainedAgainAfterTheLastAttempt) {
+    std::filesystem::create_directory(scripts);
+    bridge.load();
+    passBus();
+    trust.prompt();
+
+    while (bridge.isRetrying()) {
+        clock.advance(std::chrono::milliseconds(500));
+        passBus();
+    }
+    clock.advance({});
+
+    EXPECT_THAT(alerts.shown, SizeIs(1));
 }
 
 TEST_F(PlasmaTrustTest, PromptingShowsNothingWhenTheScriptRuns) {
@@ -88,7 +139,6 @@ TEST_F(PlasmaTrustTest, ACompositorThatDoesNotTakeTheScriptYetHasTenSeconds) {
 
 TEST_F(PlasmaTrustTest, AnOpenAlertIsRemovedWhenTheScriptRuns) {
     failToWrite();
-    trust.prompt();
     clock.advance({});
     ASSERT_THAT(alerts.standing(), SizeIs(1));
 

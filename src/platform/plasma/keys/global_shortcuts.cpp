@@ -149,6 +149,11 @@ void GlobalShortcuts::deliver() {
         m_handlers.send(id);
 }
 
+void GlobalShortcuts::drop() {
+    m_isHoldingBack = false;
+    m_heldBack.clear();
+}
+
 SubscriptionPtr GlobalShortcuts::installHandler(std::function<void(std::uint32_t id)> pressed) {
     return m_handlers.connect(std::move(pressed));
 }

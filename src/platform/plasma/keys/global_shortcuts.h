@@ -45,10 +45,12 @@ public:
     /// called after the first registration.
     void releaseLeftovers(std::chrono::milliseconds patience);
 
-    /// Keeps the hot keys that are pressed from now on until `deliver`.
+    /// Keeps the hot keys that are pressed from now on until `deliver` or `drop`.
     void holdBack() { m_isHoldingBack = true; }
     /// Reports the hot keys that have been held back, and all further ones at once.
     void deliver();
+    /// Forgets the hot keys that have been held back. Reports all further ones at once.
+    void drop();
 
     /// Blocks all shortcuts of the desktop, so that the focused window gets the keys, until the returned
     /// subscription is destroyed.

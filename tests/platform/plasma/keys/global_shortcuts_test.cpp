@@ -11,6 +11,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <systemd/sd-bus.h>
 #include <utility>
 #include <vector>
 
@@ -26,6 +27,35 @@ using Delivery = BusLink::Delivery;
 
 constexpr std::uint32_t kControlOption = 6144;
 constexpr std::uint32_t kRight = 124;
+
+/// Plays Plasma as far as key presses go. A `BusLink` sends no signals.
+class FakeKeyboard {
+public:
+    explicit FakeKeyboard(const std::string& address) {
+        EXPECT_GE(sd_bus_new(&m_bus), 0);
+        EXPECT_GE(sd_bus_set_address(m_bus, address.c_str()), 0);
+        EXPECT_GE(sd_bus_set_bus_client(m_bus, 1), 0);
+        EXPECT_GE(sd_bus_start(m_bus), 0);
+        EXPECT_GE(sd_bus_request_name(m_bus, "org.kde.kglobalaccel", 0), 0);
+    }
+    FakeKeyboard(const FakeKeyboard&) = delete;
+    FakeKeyboard& operator=(const FakeKeyboard&) = delete;
+    ~FakeKeyboard() { sd_bus_flush_close_unref(m_bus); }
+
+    /// Presses and releases the key of a shortcut. Returns once the bus has passed that on.
+    void press(const char* shortcut) {
+        for (const char* const signal : {"globalShortcutPressed", "globalShortcutReleased"})
+            EXPECT_GE(sd_bus_emit_signal(m_bus, "/component/tessarel", "org.kde.kglobalaccel.Component",
+                                         signal, "ssx", "tessarel", shortcut, std::int64_t{0}),
+                      0);
+        EXPECT_GE(sd_bus_call_method(m_bus, "org.freedesktop.DBus", "/org/freedesktop/DBus",
+                                     "org.freedesktop.DBus", "GetId", nullptr, nullptr, ""),
+                  0);
+    }
+
+private:
+    sd_bus* m_bus = nullptr;
+};
 
 /// The shortcuts on a bus where the test plays Plasma, on the same thread.
 class GlobalShortcutsTest : public testing::Test {
@@ -66,6 +96,19 @@ protected:
             plasma.answer(token, "text");
     }
 
+    /// Returns the keyboard, which has the name of the service from now on.
+    FakeKeyboard takeOver() {
+        roundTrip(plasma, wayland::busCall("ReleaseName", "s", {std::string("org.kde.kglobalaccel")}));
+        return FakeKeyboard(address);
+    }
+
+    /// Presses the hot key, and waits until that has arrived.
+    void press(FakeKeyboard& keyboard) {
+        keyboard.press("hotkey101");
+        roundTrip(link, wayland::busCall("GetId", "", {}));
+        link.dispatch();
+    }
+
     /// Handles what arrives at both ends until `holds` returns true. Returns false if it does not.
     bool exchangeUntil(const std::function<bool()>& holds) {
         const x11test::Deadline deadline;
@@ -89,6 +132,9 @@ protected:
     SubscriptionPtr component;
     KeyboardLayout layout{link, xkb::Keymap::us()};
     GlobalShortcuts shortcuts{link, layout};
+    std::vector<std::uint32_t> pressed;
+    SubscriptionPtr handler =
+        shortcuts.installHandler([this](std::uint32_t hotKey) { pressed.push_back(hotKey); });
 };
 
 TEST_F(GlobalShortcutsTest, TheShortcutsOfTheProgramAreReadOnceTheRegistrationHasMadeTheirObject) {
@@ -108,6 +154,33 @@ TEST_F(GlobalShortcutsTest, AServiceThatDoesNotReplyHoldsUpTheStartOnlySoLongAnd
 
     EXPECT_THAT(takeCalls(3), ElementsAre("doRegister", "setShortcut?", "blockGlobalShortcuts?"));
     EXPECT_THAT(shortcuts.taken(), IsEmpty());
+}
+
+TEST_F(GlobalShortcutsTest, AHotKeyThatIsHeldBackIsReportedWhenItIsDelivered) {
+    const auto claims = claim();
+    FakeKeyboard keyboard = takeOver();
+    shortcuts.holdBack();
+    press(keyboard);
+    EXPECT_THAT(pressed, IsEmpty());
+
+    shortcuts.deliver();
+
+    EXPECT_THAT(pressed, ElementsAre(101));
+}
+
+TEST_F(GlobalShortcutsTest, AHotKeyThatIsDroppedIsNeverReportedButFurtherOnesAreAtOnce) {
+    const auto claims = claim();
+    FakeKeyboard keyboard = takeOver();
+    shortcuts.holdBack();
+    press(keyboard);
+
+    shortcuts.drop();
+    EXPECT_THAT(pressed, IsEmpty());
+    press(keyboard);
+
+    EXPECT_THAT(pressed, ElementsAre(101));
+    shortcuts.deliver();
+    EXPECT_THAT(pressed, ElementsAre(101));
 }
 
 } // namespace
