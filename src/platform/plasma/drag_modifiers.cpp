@@ -119,7 +119,7 @@ void DragModifiers::tryToLoad(int attempts) {
         if (alive.expired() || reply.value<std::int64_t>(0) == 0)
             return;
         m_areLoaded = true;
-        m_loaded.send();
+        m_tried.send(true);
     };
     readEffects("listOfEffects", [this](const std::vector<std::string>& known) {
         m_areKnown = contains(known, kModifiers.front().effect);
@@ -127,9 +127,13 @@ void DragModifiers::tryToLoad(int attempts) {
     for (const Modifier& modifier : kModifiers)
         m_link.call(effects(kEffects, "loadEffect", "s", {modifier.effect}), loaded);
     m_nextAttempt = m_queue.asyncAfter(kEffectLoadInterval, [this, attempts] {
+        if (m_areLoaded)
+            return;
         // An effect that KWin knows but has not loaded is not supported.
-        if (!m_areLoaded && !m_areKnown && attempts > 1)
+        if (!m_areKnown && attempts > 1)
             tryToLoad(attempts - 1);
+        else
+            m_tried.send(false);
     });
 }
 
@@ -138,8 +142,8 @@ void DragModifiers::unload() {
         m_link.call(effects(kEffects, "unloadEffect", "s", {modifier.effect}));
 }
 
-SubscriptionPtr DragModifiers::onLoaded(std::function<void()> loaded) {
-    return m_loaded.connect(std::move(loaded));
+SubscriptionPtr DragModifiers::onTried(std::function<void(bool areReported)> tried) {
+    return m_tried.connect(std::move(tried));
 }
 
 SubscriptionPtr DragModifiers::onChange(std::function<void()> changed) {

@@ -42,8 +42,9 @@ public:
     void load();
     [[nodiscard]] ModifierFlags held() const override { return m_held; }
     void readAtEnd(std::function<void()> done) override;
-    /// Calls `loaded` when KWin has loaded an effect, so that modifiers are reported.
-    [[nodiscard]] SubscriptionPtr onLoaded(std::function<void()> loaded);
+    /// Calls `tried` with whether modifiers are reported: true for each effect that KWin has loaded, false
+    /// when the attempts have ended without any.
+    [[nodiscard]] SubscriptionPtr onTried(std::function<void(bool areReported)> tried);
     /// Calls `changed` when `held` has changed during a move or at its end.
     [[nodiscard]] SubscriptionPtr onChange(std::function<void()> changed);
 
@@ -68,7 +69,7 @@ private:
     bool m_isMoving = false;
     bool m_isReading = false;
     ModifierFlags m_held = 0;
-    Signal<> m_loaded;
+    Signal<bool> m_tried;
     Signal<> m_changed;
     Lifetime m_lifetime; // watched by replies
     SubscriptionPtr m_moves;

@@ -47,7 +47,8 @@ struct PlasmaDesktop {
           loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
           dragModifiers(link, mirror, queue, xdg::dataFolder()), mouse(mirror, dragModifiers),
           modifierChanges(dragModifiers.onChange([this] { mouse.modifiersChanged(); })),
-          modifiersLoaded(dragModifiers.onLoaded([this] { words.dragNote = kKeysReported; })),
+          modifiersTried(dragModifiers.onTried(
+              [this](bool areReported) { words.dragNote = areReported ? kKeysReported : kNoKeysReported; })),
           preferences(xdg::FilePreferences::userFolder(), std::move(onReadable), std::move(report)),
           windowsKnown(mirror.onReady([this] { hotKeys.deliver(); })),
           scriptFailed(bridge.onFailed([this] { hotKeys.drop(); })), trust(bridge, mirror, queue, alerts),
@@ -75,7 +76,7 @@ struct PlasmaDesktop {
     DragModifiers dragModifiers;
     wayland::DragMouse mouse;
     SubscriptionPtr modifierChanges;
-    SubscriptionPtr modifiersLoaded;
+    SubscriptionPtr modifiersTried;
     xdg::FilePreferences preferences;
     SubscriptionPtr windowsKnown;
     SubscriptionPtr scriptFailed;

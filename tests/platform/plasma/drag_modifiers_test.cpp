@@ -15,6 +15,7 @@
 #include <set>
 #include <string>
 #include <systemd/sd-bus.h>
+#include <vector>
 
 namespace tessarel::plasma {
 namespace {
@@ -64,17 +65,22 @@ public:
     }
 
     bool findsEffects = false;
-    std::size_t loads = 0; ///< number of attempts to load an effect
+    bool supportsEffects = true; ///< as with OpenGL
+    std::size_t loads = 0;       ///< number of attempts to load an effect
     std::set<std::string> loaded;
 
 private:
     void handle(sd_bus_message* call) {
         const char* effect = "";
         sd_bus_message_read(call, "s", &effect);
+        if (findsEffects && sd_bus_message_is_method_call(call, nullptr, "Get") > 0) {
+            sd_bus_reply_method_return(call, "v", "as", 1, "tessarel_shift");
+            return;
+        }
         bool isDone = false;
         if (sd_bus_message_is_method_call(call, nullptr, "loadEffect") > 0) {
             ++loads;
-            isDone = findsEffects && loaded.insert(effect).second;
+            isDone = findsEffects && supportsEffects && loaded.insert(effect).second;
         } else if (sd_bus_message_is_method_call(call, nullptr, "unloadEffect") > 0) {
             loaded.erase(effect);
         }
@@ -91,6 +97,7 @@ protected:
         compositor.emplace(address);
         link.emplace(address);
         modifiers.emplace(*link, mirror, queue, folder.path());
+        noting = modifiers->onTried([this](bool areReported) { reported.push_back(areReported); });
     }
 
     /// Waits until KWin has handled all calls so far, and all that it has sent before has arrived.
@@ -121,6 +128,8 @@ protected:
     std::optional<FakeEffects> compositor;
     std::optional<BusLink> link;
     std::optional<DragModifiers> modifiers;
+    std::vector<bool> reported; ///< what `onTried` has said
+    SubscriptionPtr noting;
 };
 
 TEST_F(DragModifiersTest, EffectsThatTheCompositorNeverFindsAreLoadedTenTimesInAll) {
@@ -160,17 +169,49 @@ TEST_F(DragModifiersTest, EffectsThatTheCompositorDropsForAGraphicsResetAreLoade
 
 TEST_F(DragModifiersTest, ACompositorThatTurnsItsDrawingOnWithoutDroppingTheEffectsLoadsThemAgainToo) {
     compositor->findsEffects = true;
-    std::size_t loads = 0;
-    const auto counting = modifiers->onLoaded([&] { ++loads; });
     modifiers->load();
     EXPECT_TRUE(areAttempted(1));
-    ASSERT_EQ(loads, kEffects);
+    ASSERT_EQ(reported, std::vector(kEffects, true));
 
     compositor->announceDrawing(true);
     passBus();
 
     EXPECT_TRUE(areAttempted(2));
-    EXPECT_EQ(loads, 2 * kEffects);
+    EXPECT_EQ(reported, std::vector(2 * kEffects, true));
+}
+
+TEST_F(DragModifiersTest, ModifiersAreNotReportedAnyMoreWhenAllAttemptsAfterAGraphicsResetHaveFailed) {
+    compositor->findsEffects = true;
+    modifiers->load();
+    EXPECT_TRUE(areAttempted(1));
+    reported.clear();
+
+    compositor->findsEffects = false;
+    compositor->reset();
+    passBus();
+    for (std::size_t attempt = 2; attempt <= 11; ++attempt) {
+        EXPECT_TRUE(areAttempted(attempt)) << attempt;
+        EXPECT_TRUE(reported.empty()) << attempt;
+        clock.advance(4s);
+    }
+
+    EXPECT_EQ(reported, std::vector{false});
+}
+
+TEST_F(DragModifiersTest, EffectsThatTheCompositorFindsButDoesNotSupportAfterAGraphicsResetAreTriedOnce) {
+    compositor->findsEffects = true;
+    modifiers->load();
+    EXPECT_TRUE(areAttempted(1));
+    reported.clear();
+
+    compositor->supportsEffects = false;
+    compositor->reset();
+    passBus();
+    EXPECT_TRUE(areAttempted(2));
+    clock.advance(4s);
+
+    EXPECT_EQ(reported, std::vector{false});
+    EXPECT_TRUE(areAttempted(2));
 }
 
 TEST_F(DragModifiersTest, AGraphicsResetBeginsTheAttemptsToLoadTheEffectsAnew) {

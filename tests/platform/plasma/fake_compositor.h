@@ -6,10 +6,11 @@
 #include "platform/wayland/bus_link.h"
 #include "support/x11/child_process.h"
 
+#include <gtest/gtest.h>
+
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <gtest/gtest.h>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,7 +23,8 @@ public:
     FakeCompositor(const std::string& address, bool acceptsScripts) : m_link(address) {
         std::optional<wayland::BusMessage> reply;
         m_scripts = m_link.serve(
-            "/Scripting", [this, acceptsScripts](const wayland::BusMessage& call) { take(call, acceptsScripts); },
+            "/Scripting",
+            [this, acceptsScripts](const wayland::BusMessage& call) { take(call, acceptsScripts); },
             Delivery::Urgent);
         m_link.call(
             {"org.freedesktop.DBus",
