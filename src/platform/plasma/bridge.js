@@ -324,7 +324,7 @@ function requestFrame(window, placement) {
 // asked, the user has, for example by a key of KWin: this replaces the placement.
 function frameRequested(window) {
     if (!isSettingFrame && !isMovedByUser(window))
-        reportDisplays(); // KWin asks every window for its frame when the usable area has changed
+        reportDisplays(); // KWin does the same to all Wayland windows when the usable area has changed
     const name = identifier(window);
     if (!requested.has(name))
         return;
@@ -510,8 +510,9 @@ function renew() {
 for (const signal of ["screensChanged", "numberScreensChanged", "virtualScreenGeometryChanged"])
     if (workspace[signal])
         workspace[signal].connect(reportDisplays);
-workspace.currentDesktopChanged.connect(reportEverything);
-workspace.currentActivityChanged.connect(reportEverything);
+for (const signal of ["currentDesktopChanged", "currentActivityChanged"])
+    if (workspace[signal])
+        workspace[signal].connect(reportEverything);
 
 allWindows().forEach(watch);
 reportEverything();
