@@ -10,13 +10,11 @@
 #include <filesystem>
 #include <fstream>
 #include <poll.h>
-#include <string_view>
 #include <sys/eventfd.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/un.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -41,19 +39,6 @@ std::vector<int> openDescriptors() {
             open.push_back(entry.fd);
     }
     return open;
-}
-
-/// Returns the name of the socket that a socket of this process is connected to, with a leading null
-/// character if it is not in the file system; empty if there is none.
-std::string peerName(int socket) {
-    sockaddr_un address{};
-    socklen_t length = sizeof address;
-    // The socket interface takes every kind of address as a sockaddr.
-    if (::getpeername(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0 ||
-        address.sun_family != AF_UNIX || length <= offsetof(sockaddr_un, sun_path))
-        return {};
-    const std::string_view path(&address.sun_path[0], length - offsetof(sockaddr_un, sun_path));
-    return std::string(path.front() == '\0' ? path : path.substr(0, path.find('\0')));
 }
 
 ino_t inode(int socket) {
@@ -95,8 +80,8 @@ private:
 
 } // namespace
 
-BusConnecting::BusConnecting(std::string address, QString name)
-    : m_socketNames(BusProbe::socketNames(address)), m_address(std::move(address)), m_name(std::move(name)),
+BusConnecting::BusConnecting(std::string peer, std::string address, QString name)
+    : m_peer(std::move(peer)), m_address(std::move(address)), m_name(std::move(name)),
       m_finished(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
     for (const int socket : sockets())
         m_olderSockets.push_back(inode(socket));
@@ -112,7 +97,7 @@ BusConnecting::~BusConnecting() {
 std::vector<int> BusConnecting::sockets() const {
     std::vector<int> found = openDescriptors();
     std::erase_if(found, [this](int descriptor) {
-        return std::ranges::find(m_socketNames, peerName(descriptor)) == m_socketNames.end() ||
+        return m_peer.empty() || peerName(descriptor) != m_peer ||
                std::ranges::find(m_olderSockets, inode(descriptor)) != m_olderSockets.end();
     });
     return found;

@@ -30,8 +30,9 @@ public:
     };
 
     /// Starts to connect to `address`, Qt's own connection first, if that is still to be made. Qt takes its
-    /// address from the environment, which must not change meanwhile. `name` is that of the connection apart.
-    BusConnecting(std::string address, QString name);
+    /// address from the environment, which must not change meanwhile. `peer` is the `peerName` of a socket
+    /// that is connected to the bus, and `name` that of the connection apart.
+    BusConnecting(std::string peer, std::string address, QString name);
     BusConnecting(const BusConnecting&) = delete;
     BusConnecting& operator=(const BusConnecting&) = delete;
     /// Breaks off.
@@ -51,7 +52,7 @@ private:
     void connect();
     [[nodiscard]] std::vector<int> sockets() const;
 
-    std::vector<std::string> m_socketNames;
+    std::string m_peer;
     std::string m_address;
     QString m_name;
     std::vector<ino_t> m_olderSockets;

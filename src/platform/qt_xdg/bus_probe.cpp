@@ -14,6 +14,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 namespace tessarel::qt {
 
@@ -62,6 +63,17 @@ std::string socketName(std::string_view entry) {
             return std::string(1, '\0').append(unescaped(value));
     }
     return {};
+}
+
+/// Returns the names of the sockets that the entries of `address` describe, in their order, each with a
+/// leading null character if the socket is not in the file system.
+std::vector<std::string> socketNames(std::string_view address) {
+    std::vector<std::string> names;
+    while (!address.empty()) {
+        if (std::string name = socketName(firstPart(address, ';')); !name.empty())
+            names.push_back(std::move(name));
+    }
+    return names;
 }
 
 /// Returns a socket that is connected to `name`, or -1. A bus with a full backlog counts as not reachable,
@@ -136,17 +148,19 @@ std::string hello() {
 
 } // namespace
 
-bool BusProbe::supports(std::string_view address) {
-    return !socketNames(address).empty();
+std::string peerName(int socket) {
+    sockaddr_un address{};
+    socklen_t length = sizeof address;
+    // The socket interface takes every kind of address as a sockaddr.
+    if (::getpeername(socket, reinterpret_cast<sockaddr*>(&address), &length) != 0 ||
+        address.sun_family != AF_UNIX || length <= offsetof(sockaddr_un, sun_path))
+        return {};
+    const std::string_view path(&address.sun_path[0], length - offsetof(sockaddr_un, sun_path));
+    return std::string(path.front() == '\0' ? path : path.substr(0, path.find('\0')));
 }
 
-std::vector<std::string> BusProbe::socketNames(std::string_view address) {
-    std::vector<std::string> names;
-    while (!address.empty()) {
-        if (std::string name = socketName(firstPart(address, ';')); !name.empty())
-            names.push_back(std::move(name));
-    }
-    return names;
+bool BusProbe::supports(std::string_view address) {
+    return !socketNames(address).empty();
 }
 
 BusProbe::BusProbe(std::string_view address) {

@@ -6,9 +6,13 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace tessarel::qt {
+
+/// Returns the name that a bus has given to its socket, for a socket of this process that is connected to it.
+/// It differs from the address where that leads through a link. It has a leading null character if it is not
+/// in the file system, and is empty if there is none.
+[[nodiscard]] std::string peerName(int socket);
 
 /// Finds out whether the message bus at an address replies, without blocking.
 ///
@@ -26,10 +30,6 @@ public:
 
     /// Returns whether `address` has an entry that can be probed: a socket of this machine.
     [[nodiscard]] static bool supports(std::string_view address);
-
-    /// Returns the names of the sockets that the entries of `address` describe, in their order, each with a
-    /// leading null character if the socket is not in the file system.
-    [[nodiscard]] static std::vector<std::string> socketNames(std::string_view address);
 
     /// Connects to the first reachable entry of `address`, a D-Bus server address, and starts the
     /// authentication. Fails if no entry can be probed.

@@ -194,11 +194,12 @@ void SessionBus::stopExpecting() {
 
 /// Connects to a bus that has just replied, the first time together with Qt's parts.
 void SessionBus::connect() {
+    std::string peer = peerName(m_probe->fileDescriptor());
     m_reply.reset();
     m_probe.reset();
     m_hiddenFromQt.reset();
     // Not only Qt's connection: it is not renewed after a loss.
-    m_connecting.emplace(m_address, QStringLiteral("tessarel-%1").arg(++m_connections));
+    m_connecting.emplace(std::move(peer), m_address, QStringLiteral("tessarel-%1").arg(++m_connections));
     m_reply = m_queue.onReadable(m_connecting->fileDescriptor(), [this] { finishConnecting(); });
 }
 

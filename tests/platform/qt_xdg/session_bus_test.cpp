@@ -19,6 +19,7 @@
 #include <array>
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <sys/types.h>
@@ -221,6 +222,19 @@ TEST_F(SessionBusTest, AWindowDoesNotWaitForABusThatHangsWhenQtConnects) {
 
     EXPECT_FALSE(bus->connection());
     EXPECT_FALSE(qEnvironmentVariableIsSet("AT_SPI_BUS_ADDRESS"));
+}
+
+TEST_F(SessionBusTest, AWindowDoesNotWaitForABusThatHangsWhenQtConnectsThroughALink) {
+    const HangingBus hanging(path(), 1);
+    const std::string link = folder.filePath("link").toStdString();
+    std::filesystem::create_directory_symlink(folder.path().toStdString(), link);
+    address = "unix:path=" + link + "/bus";
+    start(kLong);
+
+    bus->beforeWindow();
+
+    EXPECT_FALSE(bus->connection());
+    EXPECT_NE(bus->qtParts(), SessionBus::QtParts::Undecided);
 }
 
 TEST_F(SessionBusTest, AWindowDoesNotWaitForABusThatDoesNotTakeQtsConnection) {
