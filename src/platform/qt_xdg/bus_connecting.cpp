@@ -5,6 +5,7 @@
 #include "platform/qt_xdg/bus_probe.h"
 
 #include <algorithm>
+#include <atomic>
 #include <csignal>
 #include <cstddef>
 #include <filesystem>
@@ -22,6 +23,9 @@
 namespace tessarel::qt {
 
 namespace {
+
+/// How long to break off. Sockets of the bus that cannot be recognised are not shut down.
+constexpr std::chrono::seconds kBreakingOff{1};
 
 /// Returns the descriptors of this process that are open, of the lowest thousand.
 std::vector<int> openDescriptors() {
@@ -80,17 +84,50 @@ private:
 
 } // namespace
 
+/// What the thread does, and what has come of it.
+struct BusConnecting::Work {
+    Work(std::string busAddress, QString connectionName)
+        : address(std::move(busAddress)), name(std::move(connectionName)) {}
+    Work(const Work&) = delete;
+    Work& operator=(const Work&) = delete;
+    ~Work() { ::close(finished); }
+
+    void connect();
+
+    const std::string address;
+    const QString name;
+    std::atomic<bool> isBrokenOff = false;
+    const int finished = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    Result result;
+};
+
+void BusConnecting::Work::connect() {
+    result.isQtConnected = QDBusConnection::sessionBus().isConnected();
+    if (!isBrokenOff) {
+        result.connection = QDBusConnection::connectToBus(QString::fromStdString(address), name);
+        if (!result.connection->isConnected()) {
+            result.connection.reset();
+            QDBusConnection::disconnectFromBus(name);
+        }
+    }
+    ::eventfd_write(finished, 1);
+}
+
 BusConnecting::BusConnecting(std::string peer, std::string address, QString name)
-    : m_peer(std::move(peer)), m_address(std::move(address)), m_name(std::move(name)),
-      m_finished(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)) {
+    : m_peer(std::move(peer)), m_work(std::make_shared<Work>(std::move(address), std::move(name))) {
     for (const int socket : sockets())
         m_olderSockets.push_back(inode(socket));
-    m_thread = std::thread([this] { connect(); });
+    m_thread = std::thread([work = m_work] { work->connect(); });
 }
 
 BusConnecting::~BusConnecting() {
     breakOff();
-    ::close(m_finished);
+    if (m_thread.joinable())
+        m_thread.detach();
+}
+
+int BusConnecting::fileDescriptor() const {
+    return m_work->finished;
 }
 
 /// Returns the sockets of this process that are connected to the bus, without those that were before.
@@ -103,21 +140,8 @@ std::vector<int> BusConnecting::sockets() const {
     return found;
 }
 
-/// What the thread does.
-void BusConnecting::connect() {
-    m_result.isQtConnected = QDBusConnection::sessionBus().isConnected();
-    if (!m_isBrokenOff) {
-        m_result.connection = QDBusConnection::connectToBus(QString::fromStdString(m_address), m_name);
-        if (!m_result.connection->isConnected()) {
-            m_result.connection.reset();
-            QDBusConnection::disconnectFromBus(m_name);
-        }
-    }
-    ::eventfd_write(m_finished, 1);
-}
-
 bool BusConnecting::wait(std::chrono::milliseconds patience) const {
-    pollfd finished{.fd = m_finished, .events = POLLIN, .revents = 0};
+    pollfd finished{.fd = m_work->finished, .events = POLLIN, .revents = 0};
     return ::poll(&finished, 1, static_cast<int>(patience.count())) > 0;
 }
 
@@ -125,13 +149,10 @@ bool BusConnecting::wait(std::chrono::milliseconds patience) const {
 /// gone. It may be just about to connect another socket, so this is repeated.
 void BusConnecting::breakOff() {
     constexpr std::chrono::milliseconds kInterval{10};
+    const auto end = std::chrono::steady_clock::now() + kBreakingOff;
     const ConnectInterruption interruption;
-    m_isBrokenOff = true;
-    while (m_thread.joinable()) {
-        if (wait(std::chrono::milliseconds::zero())) {
-            m_thread.join();
-            return;
-        }
+    m_work->isBrokenOff = true;
+    while (!wait(std::chrono::milliseconds::zero()) && std::chrono::steady_clock::now() < end) {
         for (const int socket : sockets())
             ::shutdown(socket, SHUT_RDWR);
         ConnectInterruption::send();
@@ -142,7 +163,7 @@ void BusConnecting::breakOff() {
 BusConnecting::Result BusConnecting::result() {
     if (m_thread.joinable())
         m_thread.join();
-    return m_result;
+    return m_work->result;
 }
 
 } // namespace tessarel::qt

@@ -5,9 +5,8 @@
 #include <QDBusConnection>
 #include <QString>
 
-#include <atomic>
 #include <chrono>
-#include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <sys/types.h>
@@ -39,26 +38,23 @@ public:
     ~BusConnecting();
 
     /// Returns a descriptor that is readable once the thread has finished.
-    [[nodiscard]] int fileDescriptor() const { return m_finished; }
+    [[nodiscard]] int fileDescriptor() const;
     /// Waits for up to `patience` until the thread has finished, and returns whether it has.
     [[nodiscard]] bool wait(std::chrono::milliseconds patience) const;
-    /// Closes what is not connected yet, and waits for the thread. If Qt's own connection is not there yet,
-    /// Qt does without the bus until the program ends.
+    /// Closes what is not connected yet, and waits for the thread, for at most a second. If Qt's own
+    /// connection is not there yet, Qt does without the bus until the program ends.
     void breakOff();
     /// Returns what has come of it. Requires that the thread has finished.
     [[nodiscard]] Result result();
 
 private:
-    void connect();
+    struct Work;
+
     [[nodiscard]] std::vector<int> sockets() const;
 
     std::string m_peer;
-    std::string m_address;
-    QString m_name;
     std::vector<ino_t> m_olderSockets;
-    std::atomic<bool> m_isBrokenOff = false;
-    int m_finished;
-    Result m_result;
+    std::shared_ptr<Work> m_work; // shared with the thread, which may outlive this object
     std::thread m_thread;
 };
 

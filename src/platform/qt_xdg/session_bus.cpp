@@ -100,11 +100,13 @@ void SessionBus::awaitConnection() {
         stopExpecting();
 }
 
+/// Leaves Qt's parts undecided if the connecting cannot be broken off, because they would wait for its end.
 void SessionBus::stopConnecting() {
     if (m_connecting)
         m_connecting->breakOff();
     finishConnecting();
-    stopExpecting();
+    if (!m_connecting)
+        stopExpecting();
 }
 
 void SessionBus::beforeWindow() {

@@ -256,6 +256,59 @@ TEST_F(SessionBusTest, EndsWhileABusHangsWhenQtConnects) {
     EXPECT_EQ(addressForOthers(), address);
 }
 
+/// Fixture: Qt connects to another bus than the one that has replied, one that hangs, so that its socket is
+/// not recognised and the connecting is not broken off.
+class SessionBusStuckTest : public SessionBusTest {
+protected:
+    void startStuck() {
+        startDaemon();
+        signalDaemon(SIGSTOP);
+        const std::string other = folder.filePath("other").toStdString();
+        address = "unix:path=" + other + ";" + address;
+        start();
+        stuck.emplace(other, 0);
+        signalDaemon(SIGCONT);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return addressForOthers() == address; }));
+    }
+    std::optional<HangingBus> stuck;
+};
+
+TEST_F(SessionBusStuckTest, AWindowGoesOnAndTheBusIsUsedOnceQtGoesOn) {
+    startStuck();
+
+    bus->beforeWindow();
+
+    EXPECT_FALSE(bus->connection());
+    EXPECT_EQ(changed, 0);
+    stuck.reset();
+    std::filesystem::remove(folder.filePath("other").toStdString());
+    EXPECT_TRUE(waitForConnection(true));
+    EXPECT_TRUE(waitUntilDecided());
+}
+
+TEST_F(SessionBusStuckTest, QtsPartsAreUndecidedUntilItGoesOn) {
+    startStuck();
+    bool isBrokenOff = false;
+    // The same delays as those of the bus, whose work is therefore done before.
+    SubscriptionPtr later = queue.asyncAfter(std::chrono::seconds(2), [&] {
+        later = queue.asyncAfter(std::chrono::seconds(1), [&] { isBrokenOff = true; });
+    });
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isBrokenOff; }, static_cast<int>(kLong.count())));
+
+    EXPECT_EQ(bus->qtParts(), SessionBus::QtParts::Undecided);
+    stuck.reset();
+    EXPECT_TRUE(waitUntilDecided());
+}
+
+TEST_F(SessionBusStuckTest, Ends) {
+    startStuck();
+
+    bus.reset();
+
+    EXPECT_EQ(addressForOthers(), address);
+}
+
 TEST_F(SessionBusTest, AWindowWaitsUntilTheBusAndTheAccessibilityServiceHaveReplied) {
     startDaemon();
     start(kLong);
