@@ -52,15 +52,17 @@ std::optional<std::string> readSmallFile(const std::filesystem::path& path) {
     return content;
 }
 
-std::string readStart(const std::filesystem::path& path, std::size_t most) {
+std::optional<std::string> readStart(const std::filesystem::path& path, std::size_t most) {
     const File file(path);
     struct stat status {};
     if (!file.isRegular(status))
-        return {};
+        return std::nullopt;
     std::string content(most, '\0');
     std::size_t length = 0;
     while (length < most) {
         const ssize_t more = ::read(file.get(), content.data() + length, most - length);
+        if (more < 0 && length == 0)
+            return std::nullopt;
         if (more <= 0)
             break;
         length += static_cast<std::size_t>(more);

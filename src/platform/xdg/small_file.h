@@ -14,7 +14,8 @@ namespace tessarel::xdg {
 [[nodiscard]] std::optional<std::string> readSmallFile(const std::filesystem::path& path);
 
 /// Returns at most the first `most` bytes of a regular file, even if its size is unknown, as below /proc.
-/// Returns an empty string when it cannot be read.
-[[nodiscard]] std::string readStart(const std::filesystem::path& path, std::size_t most);
+/// Returns `std::nullopt` when `path` is not a regular file or cannot be read. Never waits for the writer of
+/// a pipe.
+[[nodiscard]] std::optional<std::string> readStart(const std::filesystem::path& path, std::size_t most);
 
 } // namespace tessarel::xdg

@@ -46,6 +46,16 @@ fs::path withoutDeleted(const fs::path& executable) {
     return path;
 }
 
+/// Returns the lines of an autostart entry that lie within its first 256 KiB; `std::nullopt` if it cannot be
+/// read. A session has no such limit, so an entry that is larger counts, too.
+std::optional<std::string> linesOfEntry(const fs::path& file) {
+    constexpr std::size_t kMost = std::size_t{256} * 1024;
+    auto content = readStart(file, kMost + 1);
+    if (content && content->size() > kMost)
+        content->resize(content->rfind('\n') + 1); // the start of a line may not be valid
+    return content;
+}
+
 /// Returns an error text for the user: "The <subject> <path> <what>: <reason>."
 std::string sentence(std::string_view subject, const fs::path& path, std::string_view what, int error) {
     return std::string("The ").append(subject).append(" ").append(path.string()).append(" ").append(what) +
@@ -93,7 +103,7 @@ XdgLoginItem::Setup XdgLoginItem::ofThisProgram(std::string name) {
 }
 
 LoginItemPort::Status XdgLoginItem::status() {
-    const auto own = readSmallFile(m_entry);
+    const auto own = linesOfEntry(m_entry);
     const bool enabled = own ? isStarted(*own) : startedForAllUsers();
     return enabled ? Status::Enabled : Status::NotRegistered;
 }
@@ -114,7 +124,7 @@ bool XdgLoginItem::isOtherCopy(const std::string& started) const {
 
 bool XdgLoginItem::startedForAllUsers() const {
     for (const fs::path& folder : m_setup.configFolders)
-        if (const auto entry = readSmallFile(folder / kEntryName))
+        if (const auto entry = linesOfEntry(folder / kEntryName))
             return isStarted(*entry); // it hides the entries in all later folders
     return false;
 }

@@ -162,7 +162,8 @@ std::optional<Sandbox> sandboxIn(std::string_view cgroups) {
 ProcessFacts processFacts(std::int32_t pid, const fs::path& proc) {
     const fs::path process = proc / std::to_string(pid);
     const std::string executable = executableOf(process);
-    std::vector<std::string> words = wordsIn(readStart(process / "cmdline", kLongestCommandLine));
+    std::vector<std::string> words =
+        wordsIn(readStart(process / "cmdline", kLongestCommandLine).value_or(""));
     ProcessFacts facts;
     // The process may have changed its command line; the executable comes from the kernel.
     const std::string started = words.empty() ? std::string() : words.front();
@@ -175,7 +176,7 @@ ProcessFacts processFacts(std::int32_t pid, const fs::path& proc) {
     facts.program = toUtf8(program.empty() ? executable : program);
     facts.names = namesOf(facts.program, facts.file);
     addNamesOfFile(started, facts.names);
-    facts.sandbox = sandboxIn(readStart(process / "cgroup", kLongestCgroups));
+    facts.sandbox = sandboxIn(readStart(process / "cgroup", kLongestCgroups).value_or(""));
     if (facts.sandbox && facts.sandbox->prefix.ends_with('_') && !mayBeSnap(executable))
         facts.sandbox.reset();
     return facts;

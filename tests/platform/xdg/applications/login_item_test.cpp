@@ -159,6 +159,27 @@ TEST_F(LoginItemTest, UnregisteringWithoutAnEntrySucceeds) {
     EXPECT_EQ(item.unregisterItem(), std::nullopt);
 }
 
+TEST_F(LoginItemTest, ALargeEntryCountsByItsStart) {
+    const std::string text(std::size_t{300} * 1024, 'x');
+    for (const std::string& large : {"#" + text, "X-" + text + "=1", "X-Text=1\n#" + text}) {
+        putOwn(large);
+        EXPECT_EQ(XdgLoginItem(setup()).status(), Status::Enabled) << large.substr(0, 10);
+    }
+    putForAllUsers("first", "#" + text);
+    putOwn("Hidden=true\n#" + text);
+    EXPECT_EQ(XdgLoginItem(setup()).status(), Status::NotRegistered) << "it hides the one for all users";
+    fs::remove(entry());
+    EXPECT_EQ(XdgLoginItem(setup()).status(), Status::Enabled) << "the one for all users";
+}
+
+TEST_F(LoginItemTest, APipeInPlaceOfTheEntryIsIgnored) {
+    fs::create_directories(entry().parent_path());
+    ASSERT_EQ(::mkfifo(entry().c_str(), 0600), 0);
+    putForAllUsers("first", "");
+
+    EXPECT_EQ(XdgLoginItem(setup()).status(), Status::Enabled);
+}
+
 TEST_F(LoginItemTest, ADisabledEntryIsNotRegistered) {
     for (const char* no :
          {"Hidden=true", "X-GNOME-Autostart-enabled=false", "Hidden = true ",
