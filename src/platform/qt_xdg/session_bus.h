@@ -38,7 +38,8 @@ private:
     QByteArray m_address;
 };
 
-/// The connection to the session bus, which never blocks the main thread.
+/// The connection to the session bus. Blocks the main thread only before a window, and to break off a
+/// connection, for a limited time. The calls that Qt makes itself have no such limit.
 ///
 /// Qt and the D-Bus library block until a bus has replied, and abort the process when they use a connection
 /// that was lost. This class probes the bus before Qt connects, reports a loss, and connects again when the
@@ -49,8 +50,9 @@ private:
 /// them until it has replied, the bridge also until the accessibility service has replied.
 class SessionBus {
 public:
-    /// Starts probing the bus of the environment and hides it. `windowPatience` is the limit of
-    /// `beforeWindow`. `queue` must outlive this object.
+    /// Starts probing the bus of the environment and hides it. `windowPatience` limits how long
+    /// `beforeWindow` waits for replies; for Qt to connect, it waits up to a second, and up to another to
+    /// break that off. `queue` must outlive this object.
     explicit SessionBus(QtMainQueue& queue,
                         std::chrono::milliseconds windowPatience = std::chrono::milliseconds(100));
     SessionBus(const SessionBus&) = delete;

@@ -53,7 +53,8 @@ namespace tessarel::x11 {
 /// Whenever `kMostInARow` urgent events have been taken in succession, another one follows, so a flood of
 /// urgent events does not hold the others up for ever.
 ///
-/// The memory of the queue depends on how many different notices wait, not on how often they were sent.
+/// The memory for notices depends on how many different ones wait, not on how often they were sent. All other
+/// events are kept one by one: messages, selection requests, input, and windows that are created or mapped.
 class EventQueue {
 public:
     using Event = xcb_generic_event_t;
