@@ -21,9 +21,13 @@ DocumentWatch::DocumentWatch(std::filesystem::path file, const OnReadable& onRea
 }
 
 void DocumentWatch::follow() {
+    constexpr int kMostLooks = 16; // a way that always changes must not hold up the program
     // Again if a part of the way has appeared before its folder was watched.
     std::list<WatchPlan::Place> seen;
-    for (auto places = WatchPlan(m_file).places(); places != seen; places = WatchPlan(m_file).places()) {
+    for (int look = 0; look < kMostLooks; ++look) {
+        auto places = WatchPlan(m_file).places();
+        if (places == seen)
+            return;
         watchOnly(places);
         seen = std::move(places);
     }
