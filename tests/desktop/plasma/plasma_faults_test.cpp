@@ -319,7 +319,7 @@ TEST_F(PlasmaScriptTest, AProgramThatHasGoneIsNotCalledAnyMore) {
     ASSERT_TRUE(session.probe().waitUntil([&] { return !calls.empty(); }));
 
     link.call(wayland::busCall("ReleaseName", "s", {name}));
-    run("100"); // its renewals tell that the time for those of the first has passed
+    run("100"); // its renewals show that the time for those of the first has passed
     ASSERT_TRUE(waitForCalls(6));
     link.call(wayland::busCall("RequestName", "su", {name, std::int64_t{0}}));
     ASSERT_TRUE(waitForRenewals(1));
