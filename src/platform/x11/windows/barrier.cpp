@@ -13,6 +13,8 @@ namespace {
 /// Compositing window managers have been measured to take more than 0.25 s on a busy machine.
 constexpr std::chrono::milliseconds kBound{1000};
 /// After this time the wait requests again: pekwm sometimes leaves events unread until the next one arrives.
+/// It is also the bound while the window manager is silent: short for a user who presses keys meanwhile, and
+/// long compared with the usual reply, so that the wait itself notices a window manager that goes on.
 constexpr std::chrono::milliseconds kPatience{100};
 constexpr auto kRequests = kBound / kPatience;
 // Each wait uses another x, so that a late event of a wait that timed out is not mistaken for that of a later
@@ -22,7 +24,9 @@ constexpr std::int32_t kFarthest = -1000;
 
 } // namespace
 
-Barrier::Barrier(Connection& connection) : m_connection(connection) {}
+Barrier::Barrier(Connection& connection)
+    : m_connection(connection),
+      m_observer(connection.onRead([this](const Connection::Event& event) { note(event); })) {}
 
 Barrier::~Barrier() {
     if (m_window != XCB_WINDOW_NONE)
@@ -52,12 +56,14 @@ bool Barrier::wait() {
     }
     const auto answers = [this](const Connection::Event& event) { return isAnswer(event); };
     bool answered = m_connection.waitFor(answers, kPatience);
-    for (auto left = kRequests - 1; left > 0 && !answered; --left) {
+    for (auto left = kRequests - 1; left > 0 && !answered && !m_isSilent; --left) {
         request();
         answered = m_connection.waitFor(answers, kPatience);
     }
-    if (!answered)
+    if (!answered) {
         m_silentTurn = m_connection.turn();
+        m_isSilent = true;
+    }
     return answered;
 }
 
@@ -67,13 +73,23 @@ void Barrier::request() {
     xcb_configure_window(m_connection.xcb(), m_window, XCB_CONFIG_WINDOW_X, &x);
 }
 
+void Barrier::note(const Connection::Event& event) {
+    if (isMove(event))
+        m_isSilent = false;
+}
+
+/// Returns whether `event` is a move of the window. Only a real event counts. The window manager may also
+/// send synthetic ones (ICCCM 4.1.5).
+bool Barrier::isMove(const Connection::Event& event) const {
+    return event.response_type == XCB_CONFIGURE_NOTIFY &&
+           eventAs<xcb_configure_notify_event_t>(event).window == m_window;
+}
+
 bool Barrier::isAnswer(const Connection::Event& event) const {
-    // A move that the last wait requested. Only a real event counts. The window manager may also send
-    // synthetic ones (ICCCM 4.1.5).
-    if (event.response_type != XCB_CONFIGURE_NOTIFY)
+    if (!isMove(event))
         return false;
-    const auto& move = eventAs<xcb_configure_notify_event_t>(event);
-    return move.window == m_window && move.x <= m_first && move.x >= m_x;
+    const auto x = eventAs<xcb_configure_notify_event_t>(event).x;
+    return x <= m_first && x >= m_x; // a move that the last wait requested
 }
 
 } // namespace tessarel::x11

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "model/subscription.h"
 #include "platform/x11/server/connection.h"
 
 #include <cstdint>
@@ -25,8 +26,11 @@ public:
     ~Barrier();
 
     /// Sends all requests and waits. Returns false when the window manager has not processed them within a
-    /// second. After a timeout, further calls in the same turn return false at once, so that a hung window
-    /// manager delays a turn only once.
+    /// second.
+    ///
+    /// A hung window manager delays a turn only once: after a timeout, further calls in the same turn return
+    /// false at once. Calls in later turns wait only a tenth of a second until the window manager processes a
+    /// request again, be it one of an earlier wait.
     bool wait();
     /// Returns whether `event` shows that the window manager has processed all requests that were sent before
     /// the last wait, even if that has timed out.
@@ -36,12 +40,17 @@ private:
     void create();
     /// Moves the window to the next position.
     void request();
+    /// Takes `event` for a sign of life if the window manager has passed on a request of any wait.
+    void note(const Connection::Event& event);
+    [[nodiscard]] bool isMove(const Connection::Event& event) const;
 
     Connection& m_connection;
     xcb_window_t m_window = XCB_WINDOW_NONE;
     std::int32_t m_x = 0;
     std::int32_t m_first = 0;       // the first position of the current wait
     std::uint64_t m_silentTurn = 0; // the last turn in which a wait timed out
+    bool m_isSilent = false;        // no request has been processed since a wait timed out
+    SubscriptionPtr m_observer;
 };
 
 } // namespace tessarel::x11
