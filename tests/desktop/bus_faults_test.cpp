@@ -154,9 +154,10 @@ protected:
         observer.x().roundTrip();
     }
 
+    /// Returns true if the program ends in order soon.
     bool endsSoon() {
         program->process().signal(SIGTERM);
-        return program->process().waitForExit(Deadline(seconds(2))) == 0;
+        return program->process().waitForExit(Deadline(kSoon)) == 0;
     }
 
     static constexpr int kHeight = 700;

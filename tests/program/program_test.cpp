@@ -43,7 +43,7 @@ protected:
         environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
         for (const auto& [name, value] : changed)
             environment[name] = value;
-        return ChildProcess({TESSAREL_PROGRAM}, environment);
+        return ChildProcess({TESSAREL_PROGRAM}, environment, Alarm::Blocked);
     }
 
     [[nodiscard]] bool becomesReady(ChildProcess& program) {
@@ -339,7 +339,8 @@ TEST_F(ProgramTest, AFileSizeLimitIsReportedInOneLineAndDoesNotEndTheProgram) {
     Environment environment = server.environment();
     environment["DBUS_SESSION_BUS_ADDRESS"] = "disabled:";
     // The limit has room for what the program reports, which goes to a file, too.
-    ChildProcess program({"sh", "-c", "ulimit -f 1 && exec \"$0\"", TESSAREL_PROGRAM}, environment);
+    ChildProcess program({"sh", "-c", "ulimit -f 1 && exec \"$0\"", TESSAREL_PROGRAM}, environment,
+                         Alarm::Blocked);
     ASSERT_TRUE(becomesReady(program));
     ASSERT_TRUE(showsAnAlert());
     const std::string report =

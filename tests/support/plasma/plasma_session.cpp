@@ -258,7 +258,7 @@ std::optional<int> PlasmaSession::command(const std::vector<std::string>& words)
 }
 
 void PlasmaSession::startProgramOnly() {
-    m_program.emplace(std::vector<std::string>{TESSAREL_PROGRAM}, m_environment);
+    m_program.emplace(std::vector<std::string>{TESSAREL_PROGRAM}, m_environment, x11test::Alarm::Blocked);
 }
 
 bool PlasmaSession::startProgram() {
@@ -282,14 +282,14 @@ bool PlasmaSession::waitForEffects() {
                           {std::string("tessarel_meta")}});
 }
 
-void PlasmaSession::startProgramHeld() {
+void PlasmaSession::startProgramHeld(x11test::Alarm alarm) {
     // Qt reads the rules of its log messages before it connects. A pipe in their place holds it up until the
     // writer closes it, and can only be opened for writing once there is a reader.
     if (::mkfifo(gateFile().c_str(), S_IRUSR | S_IWUSR) != 0)
         throw std::runtime_error("cannot make the pipe that holds the program");
     auto environment = m_environment;
     environment["QT_LOGGING_CONF"] = gateFile().string();
-    m_program.emplace(std::vector<std::string>{TESSAREL_PROGRAM}, environment);
+    m_program.emplace(std::vector<std::string>{TESSAREL_PROGRAM}, environment, alarm);
     const bool isHeld = waitFor([this] {
         const int writer = ::open(gateFile().c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
         if (writer >= 0)

@@ -60,11 +60,12 @@ public:
     /// Starts the program under test and waits until it carries out hot keys and sees drags. Returns false if
     /// it does not.
     [[nodiscard]] bool startProgram();
-    /// Starts the program under test without waiting for it.
+    /// Starts the program under test without waiting for it. The time limit for its end is blocked
+    /// (`x11test::Alarm`), so that it ends in order or not at all.
     void startProgramOnly();
     /// Starts the program and holds it where it is about to connect to KWin's socket. It has sent its hot
     /// keys and its script by then. Throws std::runtime_error if it does not get there.
-    void startProgramHeld();
+    void startProgramHeld(x11test::Alarm alarm = x11test::Alarm::Blocked);
     /// Lets the held program go on.
     void releaseProgram();
     /// Waits until KWin runs the script of the program. Returns false if it does not.

@@ -72,8 +72,14 @@ std::string findProgram(const std::string& name, const Environment& environment)
 
 /// Executes the program in the forked child. Makes only async-signal-safe calls.
 [[noreturn]] void becomeProgram(const char* program, char* const* arguments, char* const* environment,
-                                std::array<int, 3> standardFiles, pid_t parent) {
+                                std::array<int, 3> standardFiles, Alarm alarm, pid_t parent) {
     ::setpgid(0, 0);
+    if (alarm == Alarm::Blocked) {
+        sigset_t signals;
+        ::sigemptyset(&signals);
+        ::sigaddset(&signals, SIGALRM);
+        ::sigprocmask(SIG_BLOCK, &signals, nullptr);
+    }
     ::signal(SIGPIPE, SIG_DFL);
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent)
@@ -141,7 +147,8 @@ void FileDescriptor::close() {
         ::close(std::exchange(m_descriptor, -1));
 }
 
-ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const Environment& environment)
+ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const Environment& environment,
+                           Alarm alarm)
     : m_name(arguments.at(0)), m_errors(::memfd_create("stderr", MFD_CLOEXEC)) {
     const std::string program = findProgram(m_name, environment);
     std::vector<std::string> argumentStrings = arguments;
@@ -159,7 +166,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& arguments, const Envi
         fail("fork");
     if (m_pid == 0)
         becomeProgram(program.c_str(), argv.data(), envp.data(),
-                      {input.read.get(), output.write.get(), m_errors.get()}, parent);
+                      {input.read.get(), output.write.get(), m_errors.get()}, alarm, parent);
     ::setpgid(m_pid, m_pid);
     m_handle = FileDescriptor(static_cast<int>(::syscall(SYS_pidfd_open, m_pid, 0)));
     m_input = std::move(input.write);

@@ -4,6 +4,7 @@
 
 #include "support/x11/deadline.h"
 
+#include <cstdint>
 #include <map>
 #include <optional>
 #include <string>
@@ -38,6 +39,10 @@ private:
     int m_descriptor = -1;
 };
 
+/// Whether SIGALRM reaches a program. By that signal the program under test exits if it does not end in order
+/// in time (`TerminationSignals`). Where it is blocked, the program ends in order or not at all.
+enum class Alarm : std::uint8_t { Delivered, Blocked };
+
 /// A program started by the test, in a process group of its own.
 ///
 /// It does not outlive the test: the destructor kills the whole group, and the kernel kills the program if
@@ -48,7 +53,7 @@ public:
     /// Starts `arguments[0]`, looked up in the PATH of `environment`. Throws std::runtime_error if there is
     /// no such program.
     explicit ChildProcess(const std::vector<std::string>& arguments,
-                          const Environment& environment = ownEnvironment());
+                          const Environment& environment = ownEnvironment(), Alarm alarm = Alarm::Delivered);
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
     ~ChildProcess();

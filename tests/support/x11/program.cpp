@@ -60,7 +60,7 @@ Program::Program(const XServer& server) : Program(server.environment()) {}
 Program::Program(Environment environment) : Program(std::move(environment), TESSAREL_PROGRAM) {}
 
 Program::Program(Environment environment, const std::string& path)
-    : m_process({path}, withoutForeignBus(std::move(environment))) {}
+    : m_process({path}, withoutForeignBus(std::move(environment)), Alarm::Blocked) {}
 
 bool Program::waitUntilReady(Observer& observer, Keyboard& keyboard, const Combination& last) {
     const bool ready = observer.waitUntil([&] { return !running() || keyboard.held(last); });

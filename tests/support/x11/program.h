@@ -22,7 +22,8 @@ void writeSettings(const XServer& server, std::string_view document);
 /// Waits until the settings file contains `text`. Returns false if it does not.
 [[nodiscard]] bool waitUntilStored(Observer& observer, const XServer& server, std::string_view text);
 
-/// A process of the program under test.
+/// A process of the program under test. The time limit for its end is blocked (`Alarm`), so that it ends in
+/// order or not at all.
 class Program {
 public:
     /// Starts the program without waiting for anything.
