@@ -50,11 +50,11 @@ private:
 /// them until it has replied, the bridge also until the accessibility service has replied.
 class SessionBus {
 public:
+    static constexpr std::chrono::milliseconds kWindowPatience{100};
     /// Starts probing the bus of the environment and hides it. `windowPatience` limits how long
     /// `beforeWindow` waits for replies; for Qt to connect, it waits up to a second, and up to another to
     /// break that off. `queue` must outlive this object.
-    explicit SessionBus(QtMainQueue& queue,
-                        std::chrono::milliseconds windowPatience = std::chrono::milliseconds(100));
+    explicit SessionBus(QtMainQueue& queue, std::chrono::milliseconds windowPatience = kWindowPatience);
     SessionBus(const SessionBus&) = delete;
     SessionBus& operator=(const SessionBus&) = delete;
     ~SessionBus();
