@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -62,6 +63,23 @@ Json json(const Rect& rect) {
     return {{"x", rect.minX()}, {"y", rect.minY()}, {"width", rect.absWidth()}, {"height", rect.absHeight()}};
 }
 
+/// Returns `name`, which is UTF-8, on one line, with spaces for control characters: a terminal would carry
+/// some of them out.
+std::string printable(std::string_view name) {
+    constexpr unsigned char kDelete = 0x7F;
+    constexpr unsigned char kLeadOfC1 = 0xC2; // U+0080 to U+009F are C2 80 to C2 9F
+    constexpr unsigned char kLastOfC1 = 0x9F;
+    std::string text;
+    for (std::size_t i = 0; i < name.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(name[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < name.size() ? name[i + 1] : ' ');
+        const bool isC1 = byte == kLeadOfC1 && next > kDelete && next <= kLastOfC1;
+        text += byte < ' ' || byte == kDelete || isC1 ? ' ' : name[i];
+        i += isC1 ? 1 : 0;
+    }
+    return text;
+}
+
 /// What one entry of a list looks like.
 struct Entry {
     std::string line;
@@ -83,7 +101,7 @@ std::vector<Entry> layoutEntries(const AppSettings& settings) {
     for (const auto& [layouts, isBuiltIn] :
          {std::pair(&Presets::all(), true), std::pair(&settings.userLayouts, false)}) {
         for (const Layout& layout : *layouts)
-            entries.push_back({layout.name, {{"name", layout.name}, {"builtIn", isBuiltIn}}});
+            entries.push_back({printable(layout.name), {{"name", layout.name}, {"builtIn", isBuiltIn}}});
     }
     return entries;
 }

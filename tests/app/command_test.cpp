@@ -206,6 +206,16 @@ TEST_F(CommandTest, TheLayoutsAreListed) {
     EXPECT_TRUE(run({"list", "layouts"}).text.starts_with(Presets::all()[0].name + "\n"));
 }
 
+TEST_F(CommandTest, ALayoutsNameIsListedOnOneLineWithoutControlCharacters) {
+    Store::shared().settings.userLayouts = {{"a\nb\x1B[2J\x7F\xC2\x9B"
+                                             "c \xC3\xA9\xC2\xA0\xC2",
+                                             {}}};
+
+    const std::string text = run({"list", "layouts"}).text;
+
+    EXPECT_TRUE(text.ends_with("\na b [2J  c \xC3\xA9\xC2\xA0\xC2")) << text;
+}
+
 TEST_F(CommandTest, TheZonesAreListedInPercent) {
     Store::shared().settings.zones = Presets::pad({Presets::z(0, 12.5, 100.0 / 3, 100)});
 
