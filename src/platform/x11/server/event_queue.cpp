@@ -24,6 +24,11 @@ bool changesWindow(std::uint8_t type) {
     return type >= XCB_CREATE_NOTIFY && type <= XCB_REPARENT_NOTIFY;
 }
 
+/// Returns whether another client wants something of this one.
+bool isRequest(std::uint8_t type) {
+    return type == XCB_CLIENT_MESSAGE || type == XCB_SELECTION_REQUEST;
+}
+
 } // namespace
 
 bool isForged(const xcb_generic_event_t& event) {
@@ -38,6 +43,8 @@ std::size_t EventQueue::NoticeHash::operator()(const Notice& notice) const {
     std::size_t hash = notice.type;
     for (const std::size_t part :
          {std::size_t{notice.detail}, std::size_t{notice.window}, std::size_t{notice.property}})
+        hash = (hash ^ part) * kMultiplier;
+    for (const std::uint32_t part : notice.contents)
         hash = (hash ^ part) * kMultiplier;
     return hash;
 }
@@ -55,6 +62,17 @@ std::optional<EventQueue::Notice> EventQueue::noticeOf(const Event& event) {
         notice.detail = eventAs<xcb_mapping_notify_event_t>(event).request;
     } else if (type >= kFirstExtensionEvent) {
         notice.detail = event.pad0; // the kind of the event, for XKB and RandR
+    } else if (type == XCB_CLIENT_MESSAGE) {
+        const auto& message = eventAs<xcb_client_message_event_t>(event);
+        notice.detail = message.format;
+        notice.window = message.window;
+        notice.property = message.type;
+        std::ranges::copy(message.data.data32, notice.contents.begin());
+    } else if (type == XCB_SELECTION_REQUEST) {
+        const auto& request = eventAs<xcb_selection_request_event_t>(event);
+        notice.window = request.requestor;
+        notice.property = request.property;
+        notice.contents = {request.owner, request.selection, request.target};
     } else {
         return std::nullopt;
     }
@@ -73,9 +91,14 @@ bool EventQueue::isUrgent(const Event& event) const {
 
 void EventQueue::add(Reply<Event> event) {
     Lane& lane = isUrgent(*event) ? m_urgent : m_others;
+    const bool isOneMoreRequest = isRequest(eventType(*event));
+    if (isOneMoreRequest && m_requests >= kMostRequests)
+        return;
     const auto notice = noticeOf(*event);
     if (notice && !lane.waiting.insert(*notice).second)
         return;
+    if (isOneMoreRequest)
+        ++m_requests;
     if (changesWindow(eventType(*event)))
         lane.waiting.clear();
     lane.events.push_back(std::move(event));
@@ -85,10 +108,18 @@ Reply<EventQueue::Event> EventQueue::take() {
     const bool isTurnOfOthers = m_inARow >= kMostInARow && !m_others.events.empty();
     if (m_urgent.events.empty() || isTurnOfOthers) {
         m_inARow = 0;
-        return m_others.takeFirst();
+        return takeFirstOther();
     }
     ++m_inARow;
     return m_urgent.takeFirst();
+}
+
+/// Requests are never urgent.
+Reply<EventQueue::Event> EventQueue::takeFirstOther() {
+    Reply<Event> event = m_others.takeFirst();
+    if (event && isRequest(eventType(*event)))
+        --m_requests;
+    return event;
 }
 
 /// Forgets the notice of the event, also if it no longer merges: then it has been queued once more behind an

@@ -6,6 +6,7 @@
 
 #include <xcb/xcb.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -33,6 +34,9 @@ namespace tessarel::x11 {
 /// newer than both. Once a notice has been taken, the next equal one is queued again, also while the first is
 /// still being handled. Equal notices concern the same property, window or keyboard map.
 ///
+/// A request of another client, a ClientMessage or a SelectionRequest, merges with one that waits and says
+/// the same: one reply serves both. No more than `kMostRequests` wait; beyond them, requests are dropped.
+///
 /// **Overtaking.** These events are *urgent* and delivered first, among themselves in the order in which they
 /// were read:
 ///
@@ -54,12 +58,13 @@ namespace tessarel::x11 {
 /// urgent events does not hold the others up for ever.
 ///
 /// The memory for notices depends on how many different ones wait, not on how often they were sent. All other
-/// events are kept one by one: messages, selection requests, input, and windows that are created or mapped.
+/// events are kept one by one: input, and windows that are created or mapped.
 class EventQueue {
 public:
     using Event = xcb_generic_event_t;
 
     static constexpr int kMostInARow = 16;
+    static constexpr std::size_t kMostRequests = 1000;
 
     /// Names the notices of the root window that are urgent.
     struct Urgent {
@@ -84,6 +89,7 @@ private:
         std::uint8_t detail = 0;
         xcb_window_t window = XCB_WINDOW_NONE;
         xcb_atom_t property = XCB_ATOM_NONE;
+        std::array<std::uint32_t, 5> contents{}; ///< of a request
 
         bool operator==(const Notice&) const = default;
     };
@@ -100,11 +106,13 @@ private:
 
     [[nodiscard]] static std::optional<Notice> noticeOf(const Event& event);
     [[nodiscard]] bool isUrgent(const Event& event) const;
+    [[nodiscard]] Reply<Event> takeFirstOther();
 
     Urgent m_names;
     Lane m_urgent;
     Lane m_others;
-    int m_inARow = 0; // urgent events that have been taken since the last other one
+    int m_inARow = 0;           // urgent events that have been taken since the last other one
+    std::size_t m_requests = 0; // that wait
 };
 
 } // namespace tessarel::x11

@@ -46,6 +46,21 @@ Reply<xcb_generic_event_t> destroyed(xcb_window_t window) {
     return made(XCB_DESTROY_NOTIFY, event);
 }
 
+Reply<xcb_generic_event_t> message(xcb_window_t window, std::uint32_t data) {
+    xcb_client_message_event_t event{};
+    event.window = window;
+    event.data.data32[4] = data;
+    return made(XCB_CLIENT_MESSAGE | kSentByClient, event);
+}
+
+Reply<xcb_generic_event_t> conversion(xcb_window_t requestor, xcb_atom_t target, xcb_timestamp_t time = 0) {
+    xcb_selection_request_event_t event{};
+    event.requestor = requestor;
+    event.target = target;
+    event.time = time;
+    return made(XCB_SELECTION_REQUEST, event);
+}
+
 Reply<xcb_generic_event_t> plain(int type) {
     return made<xcb_generic_event_t>(static_cast<std::uint8_t>(type));
 }
@@ -70,6 +85,8 @@ char letter(const xcb_generic_event_t& event) {
         return 'd';
     case XCB_CLIENT_MESSAGE:
         return 'M';
+    case XCB_SELECTION_REQUEST:
+        return 'S';
     default:
         return '?';
     }
@@ -122,13 +139,50 @@ TEST_F(EventQueueTest, NoticesAboutDifferentThingsAreAllDelivered) {
     EXPECT_EQ(takeAll(), "pppccC");
 }
 
-TEST_F(EventQueueTest, InputAndMessagesAreNeverMerged) {
-    for (const int type : {XCB_KEY_PRESS, XCB_GE_GENERIC, XCB_CLIENT_MESSAGE | kSentByClient}) {
+TEST_F(EventQueueTest, InputIsNeverMerged) {
+    for (const int type : {XCB_KEY_PRESS, XCB_GE_GENERIC}) {
         queue.add(plain(type));
         queue.add(plain(type));
     }
 
-    EXPECT_EQ(takeAll(), "kkmmMM");
+    EXPECT_EQ(takeAll(), "kkmm");
+}
+
+TEST_F(EventQueueTest, EqualRequestsOfClientsAreDeliveredOnce) {
+    for (xcb_timestamp_t time = 0; time < 1000; ++time) {
+        queue.add(message(kWindow, 0));
+        queue.add(conversion(kWindow, kTitle, time));
+    }
+
+    EXPECT_EQ(takeAll(), "MS");
+}
+
+TEST_F(EventQueueTest, DifferentRequestsOfClientsAreAllDelivered) {
+    queue.add(message(kWindow, 0));
+    queue.add(message(kWindow, 1));
+    queue.add(message(kRoot, 0));
+    queue.add(conversion(kWindow, kTitle));
+    queue.add(conversion(kRoot, kTitle));
+    queue.add(conversion(kWindow, kTitle + 1));
+
+    EXPECT_EQ(takeAll(), "MMMSSS");
+}
+
+TEST_F(EventQueueTest, RequestsBeyondTheMostAreDroppedUntilSomeHaveBeenTaken) {
+    for (std::uint32_t i = 0; i < EventQueue::kMostRequests; ++i)
+        queue.add(i % 2 == 0 ? message(kWindow, i) : conversion(i, kTitle));
+    const auto most = queue.size();
+
+    queue.add(message(kRoot, 0));
+    queue.add(conversion(kRoot, kClientList));
+    queue.add(property(kRoot, kTitle));
+
+    EXPECT_EQ(most, EventQueue::kMostRequests);
+    EXPECT_EQ(queue.size(), most + 1);
+    EXPECT_TRUE(queue.take());
+    queue.add(message(kRoot, 0));
+    queue.add(conversion(kRoot, kClientList));
+    EXPECT_EQ(queue.size(), most + 1);
 }
 
 TEST_F(EventQueueTest, InputOvertakesWhatItDoesNotDependOn) {
