@@ -44,9 +44,7 @@ CommandChannel::CommandChannel(Connection& connection, Run run, std::function<vo
       m_selection(connection.internAtom(commandSelection(connection.screenNumber()))),
       m_events(connection.onEvent([this](const Connection::Event& event) { handle(event); })) {
     // ICCCM wants a selection claimed with a time, and no event has led to this claim.
-    const xcb_timestamp_t now = serverTime(connection);
-    xcb_set_selection_owner(connection.xcb(), m_window, m_selection, now);
-    connection.flush();
+    claim(serverTime(connection));
 }
 
 /// The server releases a selection when its owner window is destroyed.
@@ -55,10 +53,26 @@ CommandChannel::~CommandChannel() {
     m_connection.flush();
 }
 
+void CommandChannel::claim(xcb_timestamp_t time) {
+    xcb_set_selection_owner(m_connection.xcb(), m_window, m_selection, time);
+    m_connection.flush();
+}
+
 void CommandChannel::handle(const Connection::Event& event) {
-    if (eventType(event) != XCB_SELECTION_REQUEST)
+    if (eventType(event) == XCB_SELECTION_CLEAR)
+        takeBack(eventAs<xcb_selection_clear_event_t>(event));
+    else if (eventType(event) == XCB_SELECTION_REQUEST)
+        answer(eventAs<xcb_selection_request_event_t>(event));
+}
+
+void CommandChannel::takeBack(const xcb_selection_clear_event_t& loss) {
+    if (loss.owner != m_window || loss.selection != m_selection || m_returns >= kMostReturns)
         return;
-    const auto& request = eventAs<xcb_selection_request_event_t>(event);
+    ++m_returns;
+    claim(loss.time);
+}
+
+void CommandChannel::answer(const xcb_selection_request_event_t& request) {
     if (request.owner != m_window || request.selection != m_selection)
         return;
     xcb_selection_notify_event_t notice{.response_type = XCB_SELECTION_NOTIFY,

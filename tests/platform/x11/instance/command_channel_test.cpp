@@ -175,6 +175,54 @@ TEST_F(CommandChannelTest, OtherConversionsAreRefused) {
     EXPECT_EQ(observer.text(sender, "_TESSAREL_COMMAND"), "quit");
 }
 
+TEST_F(CommandChannelTest, ACommandThatIsSentAgainBeforeItsAnswerIsCarriedOutOnce) {
+    loop.settle();
+    const xcb_window_t sender = newWindow();
+    set(sender, "UTF8_STRING", "quit");
+    for (int i = 0; i < 1000; ++i)
+        xcb_convert_selection(x(), sender, selection(), observer.x().atom("_TESSAREL_COMMAND"),
+                              observer.x().atom("_TESSAREL_COMMAND"), XCB_CURRENT_TIME);
+    observer.x().roundTrip();
+
+    loop.settle();
+
+    EXPECT_EQ(received, (std::vector<Words>{{"quit"}}));
+}
+
+TEST_F(CommandChannelTest, ASelectionThatAnotherClientTakesIsTakenBack) {
+    loop.settle();
+    const xcb_window_t channelsWindow = receiver();
+    const xcb_window_t sender = newWindow();
+    set(sender, "UTF8_STRING", "quit");
+
+    xcb_set_selection_owner(x(), newWindow(), selection(), XCB_CURRENT_TIME);
+    observer.x().roundTrip();
+    loop.settle();
+    loop.settle(); // until the server has the claim
+
+    EXPECT_EQ(receiver(), channelsWindow);
+    send(sender);
+    EXPECT_EQ(received, (std::vector<Words>{{"quit"}}));
+}
+
+TEST_F(CommandChannelTest, AnotherClientThatTakesTheSelectionEachTimeGetsItInTheEnd) {
+    loop.settle();
+    const xcb_window_t channelsWindow = receiver();
+    const xcb_window_t other = newWindow();
+
+    int returns = -1;
+    do {
+        xcb_set_selection_owner(x(), other, selection(), XCB_CURRENT_TIME);
+        observer.x().roundTrip();
+        loop.settle();
+        loop.settle(); // until the server has the claim
+        ++returns;
+    } while (receiver() == channelsWindow && returns <= CommandChannel::kMostReturns);
+
+    EXPECT_EQ(returns, CommandChannel::kMostReturns);
+    EXPECT_EQ(receiver(), other);
+}
+
 TEST_F(CommandChannelTest, WhatIsReadAheadComesInTheRoundTripOfTheCommand) {
     Connection& connection = loop.connection();
     std::size_t before = 0;
