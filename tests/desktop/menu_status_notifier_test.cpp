@@ -5,10 +5,16 @@
 #include "desktop/status_notifier_panel.h"
 #include "desktop/tray_desktop.h"
 
+#include <QDBusConnection>
+#include <QDBusError>
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+#include <QString>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 namespace tessarel::x11test {
 namespace {
@@ -119,6 +125,33 @@ TEST_F(MenuStatusNotifierTest, AMoveFromTheMenuMovesTheActiveWindow) {
     const Frame wanted = frameIn(observer.workArea().value_or(Frame{}), kLeftHalf);
     EXPECT_TRUE(observer.waitUntil([&] { return observer.outerFrame(window) == wanted; }))
         << observer.outerFrame(window).value_or(Frame{});
+}
+
+TEST_F(MenuStatusNotifierTest, CallsBeyondTheLimitGetAnErrorUntilTheyHaveStopped) {
+    constexpr int kCalls = 5000;
+    constexpr const char* kConnection = "flood";
+    QDBusMessage readAll = QDBusMessage::createMethodCall(
+        QString::fromStdString(desktop.item()), QStringLiteral("/StatusNotifierItem"),
+        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("GetAll"));
+    readAll << QStringLiteral("org.kde.StatusNotifierItem");
+    int refused = 0;
+    {
+        QDBusConnection flood =
+            QDBusConnection::connectToBus(QString::fromStdString(bus.address()), kConnection);
+        std::vector<QDBusPendingCall> calls;
+        for (int i = 0; i < kCalls; ++i)
+            calls.push_back(flood.asyncCall(readAll));
+        for (QDBusPendingCall& call : calls) {
+            call.waitForFinished();
+            refused += call.error().type() == QDBusError::UnknownObject ? 1 : 0;
+        }
+    }
+    QDBusConnection::disconnectFromBus(kConnection);
+
+    EXPECT_GT(refused, 0);
+    EXPECT_LT(refused, kCalls);
+    EXPECT_TRUE(observer.waitUntil([&] { return !desktop.property("IconPixmap").empty(); }));
+    EXPECT_THAT(openedMenu(), HasSubstr("Quit Tessarel"));
 }
 
 TEST_F(MenuStatusNotifierTest, QuitEndsTheProgramAndRemovesTheItem) {

@@ -2,7 +2,8 @@
 
 #include "platform/qt_x11/tray/item_as_menu.h"
 
-#include <QCoreApplication>
+#include "platform/qt_x11/tray/icon_connections.h"
+
 #include <QDBusAbstractAdaptor>
 #include <QDBusError>
 #include <QDBusVariant>
@@ -36,13 +37,10 @@ ItemAsMenu::~ItemAsMenu() {
 }
 
 void ItemAsMenu::refresh() {
-    // Qt gives each icon of the process a connection of its own.
-    constexpr int kMostIcons = 32;
-    bool isReplaced = replace(QDBusConnection::sessionBus());
-    for (int icon = 1; icon <= kMostIcons && !isReplaced; ++icon)
-        isReplaced = replace(QDBusConnection(QStringLiteral("org.kde.StatusNotifierItem-%1-%2")
-                                                 .arg(QCoreApplication::applicationPid())
-                                                 .arg(icon)));
+    for (const QDBusConnection& connection : iconConnections()) {
+        if (replace(connection))
+            break;
+    }
     if (!m_connection)
         return;
     for (const char* const signal : {"NewIcon", "NewToolTip"})

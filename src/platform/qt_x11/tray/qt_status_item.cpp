@@ -3,6 +3,7 @@
 #include "platform/qt_x11/tray/qt_status_item.h"
 
 #include "model/call_on_end.h"
+#include "platform/qt_x11/tray/call_limit.h"
 #include "platform/qt_x11/tray/item_as_menu.h"
 #include "platform/qt_x11/tray/menu_view.h"
 #include "platform/qt_x11/tray/status_symbols.h"
@@ -40,7 +41,7 @@ class QtStatusItem::Item {
 public:
     Item(MainQueuePort& queue, SessionBus& bus, Delegate delegate, std::function<void()> beforeOpening)
         : m_delegate(std::move(delegate)), m_beforeOpening(std::move(beforeOpening)), m_queue(queue),
-          m_bus(bus), m_later(queue) {
+          m_bus(bus), m_calls(queue), m_later(queue) {
         m_later.async([this] { appear(); });
     }
 
@@ -165,6 +166,8 @@ private:
         m_icon->setVisible(!icon.isNull());
         if (m_itemAsMenu)
             m_itemAsMenu->refresh();
+        if (m_place == TrayWatch::Place::StatusNotifierHost)
+            m_calls.refresh();
     }
 
     Delegate m_delegate;
@@ -183,6 +186,7 @@ private:
     std::unique_ptr<MenuView> m_panelMenu;   // only where the panel draws the menu
     std::unique_ptr<QSystemTrayIcon> m_icon; // declared after the menus, to be destroyed before them
     std::optional<ItemAsMenu> m_itemAsMenu;
+    CallLimit m_calls;
     DeferredWork m_later;
 };
 
