@@ -57,7 +57,8 @@ std::vector<Flood> floods(int perSecond) {
             {"struts of a panel", FloodKind::WindowStrut, kChangesOfWindowsPerSecond},
             {"ConfigureNotify of the window, forged", FloodKind::ForgedConfigure, perSecond},
             {"presses of a hot key, forged", FloodKind::ForgedKeys, perSecond},
-            {"windows opened and closed", FloodKind::Windows, kWindowsPerSecond}};
+            {"windows opened and closed", FloodKind::Windows, kWindowsPerSecond},
+            {"commands", FloodKind::Commands, perSecond}};
 }
 
 /// A panel without struts along the bottom, whose struts can be changed.

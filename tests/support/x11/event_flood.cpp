@@ -8,6 +8,7 @@
 #include <array>
 #include <chrono>
 #include <cstdint>
+#include <string_view>
 
 namespace tessarel::x11test {
 
@@ -26,6 +27,8 @@ const char* propertyOf(FloodKind kind) {
         return "_NET_WORKAREA";
     case FloodKind::WindowStrut:
         return "_NET_WM_STRUT_PARTIAL";
+    case FloodKind::Commands:
+        return "_TESSAREL_COMMAND";
     default:
         return "_FLOOD";
     }
@@ -37,6 +40,8 @@ EventFlood::EventFlood(const std::string& display, FloodKind kind, int perSecond
     : m_x(display), m_kind(kind), m_window(window), m_property(m_x.atom(propertyOf(kind))) {
     if (kind == FloodKind::Windows)
         openWindow();
+    else if (kind == FloodKind::Commands)
+        createSender();
     m_x.roundTrip();
     m_thread = std::thread([this, perSecond] { run(perSecond); });
 }
@@ -59,6 +64,9 @@ void EventFlood::run(int perSecond) {
             ++m_sent;
         }
         m_x.flush();
+        while (own(xcb_poll_for_event(m_x.get())) != nullptr) {
+            // The replies to commands need no reaction, but the server keeps them until they are read.
+        }
     }
     m_x.roundTrip();
 }
@@ -100,6 +108,9 @@ void EventFlood::send() {
         else
             xcb_unmap_window(m_x.get(), m_window);
         break;
+    case FloodKind::Commands:
+        sendCommand();
+        break;
     }
 }
 
@@ -120,6 +131,24 @@ void EventFlood::openWindow() {
     constexpr std::uint32_t kNever = 0;
     xcb_change_property(x, XCB_PROP_MODE_REPLACE, m_window, m_x.atom("_NET_WM_USER_TIME"), XCB_ATOM_CARDINAL,
                         32, 1, &kNever);
+}
+
+/// Creates the window on which commands stand.
+void EventFlood::createSender() {
+    m_text = m_x.atom("UTF8_STRING");
+    m_selection = m_x.atom("_TESSAREL_COMMANDS_S0");
+    m_window = xcb_generate_id(m_x.get());
+    xcb_create_window(m_x.get(), XCB_COPY_FROM_PARENT, m_window, m_x.root(), -1, -1, 1, 1, 0,
+                      XCB_WINDOW_CLASS_INPUT_ONLY, XCB_COPY_FROM_PARENT, 0, nullptr);
+}
+
+/// The words have to be set each time, because an answer replaces them.
+void EventFlood::sendCommand() {
+    using namespace std::string_view_literals;
+    constexpr auto kWords = "list\0layouts\0"sv;
+    xcb_change_property(m_x.get(), XCB_PROP_MODE_REPLACE, m_window, m_property, m_text, 8, kWords.size(),
+                        kWords.data());
+    xcb_convert_selection(m_x.get(), m_window, m_selection, m_property, m_property, XCB_CURRENT_TIME);
 }
 
 /// Sends a made-up event to all clients that select the structure or the properties of `destination`.

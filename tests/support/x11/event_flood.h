@@ -11,7 +11,7 @@
 namespace tessarel::x11test {
 
 /// The events that a flood consists of. None of them changes anything that a program has to react to, except
-/// that `Windows` opens and closes a window.
+/// that `Windows` opens and closes a window and `Commands` wants replies.
 enum class FloodKind {
     RootProperty,    ///< a property of the root window that no program reads
     ActiveWindow,    ///< `_NET_ACTIVE_WINDOW`, with its present value
@@ -22,6 +22,7 @@ enum class FloodKind {
     ForgedConfigure, ///< ConfigureNotify of a window, sent by another client
     ForgedKeys,      ///< presses of Ctrl+Alt+Left, sent by another client
     Windows,         ///< a window without the focus that is mapped and unmapped in turns
+    Commands,        ///< the command `list layouts`, sent again before it is answered
 };
 
 /// A client that floods a display with events, in a thread of its own, until it is destroyed.
@@ -43,6 +44,8 @@ private:
     void send();
     void touch(xcb_window_t window, xcb_atom_t property, xcb_atom_t type);
     void openWindow();
+    void createSender();
+    void sendCommand();
     template <class Event>
     void forge(const Event& event, xcb_window_t destination);
 
@@ -50,6 +53,8 @@ private:
     FloodKind m_kind;
     xcb_window_t m_window;
     xcb_atom_t m_property = XCB_ATOM_NONE;
+    xcb_atom_t m_text = XCB_ATOM_NONE;      // the type of a command
+    xcb_atom_t m_selection = XCB_ATOM_NONE; // whose owner gets commands
     std::atomic<long> m_sent = 0;
     std::atomic<bool> m_isOver = false;
     std::thread m_thread;
