@@ -11,9 +11,9 @@ class OpenUrlPort {
 public:
     virtual ~OpenUrlPort() = default;
 
-    /// Opens `url` in the program that the user has set for such addresses. Does nothing if `url` is
-    /// malformed or no program can open it.
-    virtual void open(const std::string& url) = 0;
+    /// Opens `url` in the program that the user has set for such addresses. Does nothing and returns false if
+    /// `url` is malformed or there is no such program.
+    virtual bool open(const std::string& url) = 0;
 };
 
 } // namespace tessarel

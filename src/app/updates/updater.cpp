@@ -134,8 +134,11 @@ void Updater::alert(const std::string& title, const std::string& message,
         {title, message, buttons}, [this, number, downloadURL](std::optional<std::size_t> button) {
             // Removes the message, but keeps this callback's captures alive until it returns.
             const auto closed = m_messages.extract(number);
-            if (downloadURL && button == kDownloadButton && isWebAddress(*downloadURL))
-                m_openUrl.open(*downloadURL);
+            if (!downloadURL || button != kDownloadButton || !isWebAddress(*downloadURL))
+                return;
+            if (!m_openUrl.open(*downloadURL))
+                alert("Could not open the download page",
+                      "Please open this address in a web browser: " + *downloadURL);
         });
 }
 

@@ -8,11 +8,11 @@
 
 namespace tessarel::qt {
 
-void QtOpenUrl::open(const std::string& url) {
+bool QtOpenUrl::open(const std::string& url) {
     const QUrl address(QString::fromStdString(url), QUrl::StrictMode);
     if (!address.isValid() || address.scheme().isEmpty())
-        return;
-    QDesktopServices::openUrl(address);
+        return false;
+    return QDesktopServices::openUrl(address);
 }
 
 } // namespace tessarel::qt

@@ -91,8 +91,13 @@ public:
 /// Records the URLs that would have been opened.
 class SimOpenUrl : public OpenUrlPort {
 public:
-    void open(const std::string& url) override { opened.push_back(url); }
+    bool open(const std::string& url) override {
+        if (hasBrowser)
+            opened.push_back(url);
+        return hasBrowser;
+    }
 
+    bool hasBrowser = true;
     std::vector<std::string> opened; ///< in order
 };
 

@@ -141,6 +141,19 @@ TEST_F(UpdaterTest, DownloadOpensTheWebsiteWhenTheFeedNamesNoAddress) {
                 ElementsAre("https://tessarel.example/home", "https://tessarel.example/home"));
 }
 
+TEST_F(UpdaterTest, ADownloadThatNoBrowserOpensNamesItsAddress) {
+    desktop.openUrl().hasBrowser = false;
+    check(kAutomatic, kNewer);
+
+    desktop.alerts().close(kDownload);
+
+    ASSERT_EQ(alerts().size(), 2U);
+    EXPECT_EQ(alerts()[1], (Alert{"Could not open the download page",
+                                  "Please open this address in a web browser: https://a.example/1.3",
+                                  {"OK"}}));
+    EXPECT_TRUE(desktop.alerts().close(0));
+}
+
 TEST_F(UpdaterTest, LaterAndClosingOpenNothing) {
     for (const auto button : {std::optional(kLater), std::optional<std::size_t>()}) {
         check(kManual, kNewer);

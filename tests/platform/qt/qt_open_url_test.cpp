@@ -48,16 +48,16 @@ protected:
 };
 
 TEST_F(QtOpenUrlTest, OpensAUrl) {
-    openUrl.open("https://example.org/page?a=1#top");
+    EXPECT_TRUE(openUrl.open("https://example.org/page?a=1#top"));
 
     EXPECT_EQ(browser.opened.value(0), "https://example.org/page?a=1#top");
 }
 
 TEST_F(QtOpenUrlTest, IgnoresTextThatIsNotAnAbsoluteUrl) {
-    openUrl.open("");
-    openUrl.open("/etc/passwd");
-    openUrl.open("example.org");
-    openUrl.open("https://[not a host");
+    EXPECT_FALSE(openUrl.open(""));
+    EXPECT_FALSE(openUrl.open("/etc/passwd"));
+    EXPECT_FALSE(openUrl.open("example.org"));
+    EXPECT_FALSE(openUrl.open("https://[not a host"));
 
     EXPECT_TRUE(browser.opened.isEmpty());
 }

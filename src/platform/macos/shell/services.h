@@ -20,8 +20,8 @@ public:
 /// Opens URLs through the workspace, in the user's default application for their scheme.
 class MacOpenUrl : public OpenUrlPort {
 public:
-    /// Does nothing for text that is not a URL or has no scheme.
-    void open(const std::string& url) override;
+    /// Does nothing for text that is not a URL or has no scheme, and returns false.
+    bool open(const std::string& url) override;
 };
 
 /// The application as a login item of the user. Works only for a signed bundle that is not moved afterwards.

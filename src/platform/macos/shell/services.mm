@@ -15,12 +15,11 @@ void MacAlertSound::beep() {
     }
 }
 
-void MacOpenUrl::open(const std::string& url) {
+bool MacOpenUrl::open(const std::string& url) {
     @autoreleasepool {
         const auto text = nsString(url);
         NSURL* const address = text ? [NSURL URLWithString:text.get()] : nil;
-        if ([address scheme])
-            [[NSWorkspace sharedWorkspace] openURL:address];
+        return [address scheme] && [[NSWorkspace sharedWorkspace] openURL:address];
     }
 }
 
