@@ -3,6 +3,7 @@
 #pragma once
 
 #include "model/key_names.h"
+#include "model/signal.h"
 
 #include <string>
 
@@ -29,8 +30,9 @@ struct PlatformWords {
     /// Beginning of a sentence that names what else may snap windows at the screen edges.
     std::string otherEdgeTiling = "macOS has its own edge tiling (System Settings > Desktop & Dock)";
     /// Sentence about the keys that show the zones, below their setting. May be empty; otherwise the back end
-    /// may change it at runtime.
+    /// may change it at runtime, and then sends `dragNoteChanged`.
     std::string dragNote = {};
+    mutable Signal<> dragNoteChanged = {}; // mutable for those who observe words that they cannot change
     /// Full names of the modifiers that can be chosen as trigger.
     std::string controlKey = "Control";
     std::string commandKey = "Command";

@@ -74,7 +74,9 @@ QString edgeNote(const PlatformWords& words) {
 
 } // namespace
 
-GeneralTab::GeneralTab(const TabContext& context) : m_context(context) {
+GeneralTab::GeneralTab(const TabContext& context)
+    : m_context(context),
+      m_noteObserver(context.ports.words.dragNoteChanged.connect([this] { showEdgeNote(); })) {
     m_view.resize(kTabSize);
     buildLogin();
     buildSpacing();
@@ -182,7 +184,6 @@ void GeneralTab::refresh() {
 
 void GeneralTab::refreshSystemStates() {
     m_loginBox->setChecked(m_context.services.loginItem.isEnabled());
-    showEdgeNote();
     showPermission();
 }
 
@@ -206,7 +207,7 @@ void GeneralTab::showRemembered() {
     m_forgetButton->setEnabled(count > 0);
 }
 
-/// Shows the note again, of which the system may have changed the part about the keys.
+/// Shows the note with what the system says about the keys now.
 void GeneralTab::showEdgeNote() {
     setFittedText(*m_edgeNote, edgeNote(m_context.ports.words));
 }

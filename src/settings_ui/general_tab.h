@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "model/subscription.h"
 #include "settings_ui/kit/kit.h"
 #include "settings_ui/tab_context.h"
 
@@ -29,8 +30,7 @@ public:
 
     /// Shows the current settings, and what `refreshSystemStates` shows.
     void refresh();
-    /// Shows the states of the login item and the permission, which the user may have changed elsewhere, and
-    /// what the system says about the keys of a drag.
+    /// Shows the states of the login item and the permission, which the user may have changed elsewhere.
     void refreshSystemStates();
 
 private:
@@ -83,6 +83,7 @@ private:
     QPushButton* m_accButton = nullptr;
     QCheckBox* m_rememberBox = nullptr;
     QPushButton* m_forgetButton = nullptr;
+    SubscriptionPtr m_noteObserver;
 };
 
 } // namespace tessarel

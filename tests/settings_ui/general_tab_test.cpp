@@ -322,7 +322,7 @@ TEST_F(GeneralTabTest, TheNoteAboutTheKeysFollowsTheSystem) {
     GeneralTab elsewhere({services, here, {}});
 
     words.dragNote = "Keys are reported.";
-    elsewhere.refreshSystemStates();
+    words.dragNoteChanged.send();
 
     EXPECT_TRUE(fullText(at<QLabel>(*elsewhere.view(), {36, 270, 400, 74}))
                     .endsWith(" to avoid double snapping. Keys are reported."));

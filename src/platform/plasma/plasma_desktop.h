@@ -47,8 +47,10 @@ struct PlasmaDesktop {
           loginItem(xdg::XdgLoginItem::ofThisProgram(std::string(Config::appName))),
           dragModifiers(link, mirror, queue, xdg::dataFolder()), mouse(mirror, dragModifiers),
           modifierChanges(dragModifiers.onChange([this] { mouse.modifiersChanged(); })),
-          modifiersTried(dragModifiers.onTried(
-              [this](bool areReported) { words.dragNote = areReported ? kKeysReported : kNoKeysReported; })),
+          modifiersTried(dragModifiers.onTried([this](bool areReported) {
+              words.dragNote = areReported ? kKeysReported : kNoKeysReported;
+              words.dragNoteChanged.send();
+          })),
           preferences(xdg::FilePreferences::userFolder(), std::move(onReadable), std::move(report)),
           windowsKnown(mirror.onReady([this] { hotKeys.deliver(); })),
           scriptFailed(bridge.onFailed([this] { hotKeys.drop(); })), trust(bridge, mirror, queue, alerts),
