@@ -71,19 +71,28 @@ AppDelegate::Launch AppDelegate::claimDesktop() {
     }
 }
 
-/// Shows the welcome message on the first run. On later runs, asks for the permission if it is missing. Both
-/// happen after the update check has started.
+/// Shows the welcome message on the first run. On later runs, asks for the permission if it is missing, or
+/// turns out later to be. Both happen after the update check has started.
 void AppDelegate::greetUser() {
     if (!m_services->store.settings.hasOnboarded)
         m_ports.statusItem.whenPlaced(
             [this](bool isShown) { m_later.async([this, isShown] { welcome(isShown); }); });
     else
-        m_later.async([this] { promptForPermission(); });
+        m_later.async([this] {
+            promptForPermission();
+            promptOnLoss();
+        });
 }
 
 void AppDelegate::promptForPermission() {
     if (!m_services->permissions.isTrusted())
         m_services->permissions.prompt();
+}
+
+/// Asks for the permission whenever it turns out to be missing. Not before the welcome message has been
+/// closed, which a prompt follows.
+void AppDelegate::promptOnLoss() {
+    m_trustObserver = m_ports.trust.onLost([this] { promptForPermission(); });
 }
 
 void AppDelegate::welcome(bool isStatusItemShown) {
@@ -117,6 +126,7 @@ void AppDelegate::welcomed(std::optional<std::size_t> button) {
         m_services->store.save();
     }
     m_services->permissions.prompt();
+    promptOnLoss();
     if (button == kWelcomeOpenSettings)
         openSettings();
 }

@@ -70,6 +70,7 @@ private:
     [[nodiscard]] Launch claimDesktop();
     void greetUser();
     void promptForPermission();
+    void promptOnLoss();
     void welcome(bool isStatusItemShown);
     [[nodiscard]] std::vector<std::string> takenShortcuts();
     void welcomed(std::optional<std::size_t> button);
@@ -100,6 +101,7 @@ private:
     std::unique_ptr<SettingsWindow> m_settingsWindow;
     /// Not null while the welcome message is shown.
     SubscriptionPtr m_welcome;
+    SubscriptionPtr m_trustObserver;
     /// Work for the event loop, cancelled when this object is destroyed.
     DeferredWork m_later;
 };

@@ -39,15 +39,13 @@ public:
         m_prompt = m_queue.asyncAfter(left, [this] { explain(); }); // at once if nothing is left
     }
 
+    [[nodiscard]] SubscriptionPtr onLost(std::function<void()> /*lost*/) override { return nullptr; }
     [[nodiscard]] bool hasSettings() const override { return false; }
     void openSettings() override {}
 
 protected:
-    /// Prompts unless an alert has been shown already.
-    void promptOnce() {
-        if (!m_hasExplained)
-            prompt();
-    }
+    /// Returns whether an alert has been shown.
+    [[nodiscard]] bool hasExplained() const { return m_hasExplained; }
     /// Returns whether what is missing may come without the user. Called only when not trusted.
     [[nodiscard]] virtual bool mayComeYet() = 0;
     /// Returns the alert. Called only when not trusted.

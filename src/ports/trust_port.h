@@ -2,6 +2,10 @@
 
 #pragma once
 
+#include "model/subscription.h"
+
+#include <functional>
+
 namespace tessarel {
 
 /// The system's permission to see and move other programs' windows.
@@ -15,6 +19,10 @@ public:
     /// Explains to the user, in the system's own way, how to grant the permission. Does nothing if the
     /// program is trusted.
     virtual void prompt() = 0;
+
+    /// Calls `lost` when it turns out at runtime that the program is not trusted, unless the user has been
+    /// told so already. Returns null if the system does not report it.
+    [[nodiscard]] virtual SubscriptionPtr onLost(std::function<void()> lost) = 0;
 
     /// Returns whether the system has a place where the user grants the permission and takes it back.
     [[nodiscard]] virtual bool hasSettings() const = 0;

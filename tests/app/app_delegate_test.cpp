@@ -51,6 +51,16 @@ TEST_F(AppDelegateTest, WithTrustNoPromptIsRequested) {
     EXPECT_EQ(desktop.trust().promptCalls, 0);
 }
 
+TEST_F(AppDelegateTest, APermissionThatTurnsOutToBeMissingAfterTheLaunchIsAskedFor) {
+    ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
+    desktop.advance(std::chrono::seconds(0));
+    desktop.trust().trusted = false;
+
+    desktop.trust().lost.send();
+
+    EXPECT_EQ(desktop.trust().prompts, 1);
+}
+
 TEST_F(AppDelegateTest, LaunchingSetsTheMainMenu) {
     ASSERT_EQ(delegate->applicationDidFinishLaunching(), Launch::Running);
 

@@ -169,6 +169,7 @@ private:
             return false;
         }
         void prompt() override { record.note("prompt"); }
+        [[nodiscard]] SubscriptionPtr onLost(std::function<void()> /*lost*/) override { return nullptr; }
         [[nodiscard]] bool hasSettings() const override { return true; }
         void openSettings() override { record.note("open the system's settings"); }
         RecordedPorts& record;

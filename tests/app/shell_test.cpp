@@ -156,6 +156,27 @@ TEST_F(FirstRunTest, ThePromptIsRequestedEvenWhenTrusted) {
     EXPECT_EQ(desktop.trust().prompts, 0);
 }
 
+TEST_F(FirstRunTest, APermissionThatTurnsOutToBeMissingIsAskedForOnceAfterTheWelcome) {
+    launch();
+    desktop.trust().trusted = false;
+    desktop.trust().lost.send();
+    EXPECT_EQ(desktop.trust().promptCalls, 0);
+
+    closeWelcome(0);
+
+    EXPECT_EQ(desktop.trust().prompts, 1);
+}
+
+TEST_F(FirstRunTest, APermissionThatTurnsOutToBeMissingAfterTheWelcomeIsAskedForToo) {
+    launch();
+    closeWelcome(0);
+    desktop.trust().trusted = false;
+
+    desktop.trust().lost.send();
+
+    EXPECT_EQ(desktop.trust().prompts, 1);
+}
+
 TEST_F(FirstRunTest, TheSecondButtonOpensTheSettings) {
     launch();
 

@@ -74,6 +74,7 @@ private:
         explicit Trust(JournalDesktop& owner) : desktop(owner) {}
         [[nodiscard]] bool isTrusted() override { return desktop.trust().trusted; }
         void prompt() override { desktop.m_journal.emplace_back("prompt"); }
+        [[nodiscard]] SubscriptionPtr onLost(std::function<void()> /*lost*/) override { return {}; }
         [[nodiscard]] bool hasSettings() const override { return true; }
         void openSettings() override { desktop.m_journal.emplace_back("open settings"); }
         JournalDesktop& desktop;

@@ -15,15 +15,20 @@
 namespace tessarel::plasma {
 
 /// Trust on Plasma, which lets every program of the session move windows: whether KWin runs the script. That
-/// it does not may turn out long after the start, so the alert about it is shown without a prompt, too.
+/// it does not may turn out long after the start.
 class Trust : public ExplainedTrust {
 public:
     /// `mirror` is the one that `bridge` fills. All referenced objects must outlive this one.
     Trust(Bridge& bridge, wayland::Mirror& mirror, MainQueuePort& queue, AlertsPort& alerts)
-        : ExplainedTrust(queue, alerts), m_bridge(bridge), m_mirror(mirror),
-          m_failures(bridge.onFailed([this] { promptOnce(); })) {}
+        : ExplainedTrust(queue, alerts), m_bridge(bridge), m_mirror(mirror) {}
 
     [[nodiscard]] bool isTrusted() override { return m_bridge.isAccepted(); }
+    [[nodiscard]] SubscriptionPtr onLost(std::function<void()> lost) override {
+        return m_bridge.onFailed([this, lost = std::move(lost)] {
+            if (!hasExplained())
+                lost();
+        });
+    }
 
 protected:
     /// KWin may be starting.
@@ -41,9 +46,8 @@ protected:
     }
 
 private:
-    const Bridge& m_bridge;
+    Bridge& m_bridge;
     wayland::Mirror& m_mirror;
-    SubscriptionPtr m_failures;
 };
 
 } // namespace tessarel::plasma

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include "model/signal.h"
 #include "ports/alert_sound_port.h"
 #include "ports/alerts_port.h"
 #include "ports/application_port.h"
@@ -17,6 +18,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tessarel::sim {
@@ -111,11 +113,15 @@ public:
         prompts += trusted ? 0 : 1;
     }
     [[nodiscard]] bool hasSettings() const override { return systemHasSettings; }
+    [[nodiscard]] SubscriptionPtr onLost(std::function<void()> handler) override {
+        return lost.connect(std::move(handler));
+    }
     void openSettings() override {
         ++settingsOpened;
         promptsBeforeSettings = prompts;
     }
 
+    Signal<> lost; ///< sent by tests when the program is not trusted any more
     bool trusted = true;
     bool systemHasSettings = true;
     int promptCalls = 0;           ///< calls of `prompt`, including those while trusted

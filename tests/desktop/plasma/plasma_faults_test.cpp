@@ -60,6 +60,13 @@ protected:
         });
     }
 
+    /// Returns the number of the program's windows once it has shown and closed all that it wants to.
+    std::ptrdiff_t ownWindows() {
+        EXPECT_EQ(session.command({"list", "displays"}), 0);
+        session.probe().roundTrip();
+        return std::ranges::count(session.probe().windows(), session.program().pid(), &SeenWindow::pid);
+    }
+
     void restartCompositor() {
         session.killCompositor();
         session.startCompositor();
@@ -292,6 +299,30 @@ TEST_F(PlasmaFaultsTest, AHotKeyShowsTheWindowAgainThatSaysThatTheScriptDoesNotR
     session.input().press({key::kLeftControl, key::kLeftAlt, key::kRight});
 
     EXPECT_TRUE(waitForOwnWindow(true));
+    EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
+}
+
+TEST_F(PlasmaFaultsTest, OnTheFirstRunTheWindowThatSaysThatTheScriptDoesNotRunComesOnceAfterTheWelcome) {
+    session.writeSettings("{}");
+    occupyScript();
+    start();
+    ASSERT_TRUE(waitForOwnWindow(true));
+    const auto closeWindow = [this] {
+        const auto& all = session.probe().windows();
+        const std::string name = std::ranges::find(all, true, &SeenWindow::isActive)->name;
+        session.input().press({key::kEscape});
+        EXPECT_TRUE(session.probe().waitUntil([&] {
+            return std::ranges::find(session.probe().windows(), name, &SeenWindow::name) ==
+                   session.probe().windows().end();
+        }));
+    };
+
+    EXPECT_EQ(ownWindows(), 1);
+    closeWindow(); // the welcome
+    ASSERT_TRUE(waitForOwnWindow(true));
+    closeWindow();
+
+    EXPECT_EQ(ownWindows(), 0);
     EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
 }
 

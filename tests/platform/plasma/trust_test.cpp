@@ -60,9 +60,10 @@ protected:
     wayland::BusLink link{address};
     Bridge bridge{link, mirror, queue, scripts, [](const std::string&) {}};
     Trust trust{bridge, mirror, queue, alerts};
+    SubscriptionPtr losses = trust.onLost([this] { trust.prompt(); }); ///< as the program does
 };
 
-TEST_F(PlasmaTrustTest, AScriptThatCannotBeWrittenIsExplainedAtOnceWithoutAPrompt) {
+TEST_F(PlasmaTrustTest, AScriptThatCannotBeWrittenIsExplainedAtOnce) {
     failToWrite();
 
     clock.advance({});
@@ -72,7 +73,7 @@ TEST_F(PlasmaTrustTest, AScriptThatCannotBeWrittenIsExplainedAtOnceWithoutAPromp
     EXPECT_THAT(alerts.shown[0].informativeText, HasSubstr("KWin does not run Tessarel's script."));
 }
 
-TEST_F(PlasmaTrustTest, AScriptThatIsTakenButDoesNotRunIsExplainedWithoutAPromptUntilItRuns) {
+TEST_F(PlasmaTrustTest, AScriptThatIsTakenButDoesNotRunIsExplainedUntilItRuns) {
     FakeCompositor compositor(address, true);
     std::filesystem::create_directory(scripts);
     bridge.load();

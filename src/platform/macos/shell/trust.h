@@ -2,8 +2,11 @@
 
 #pragma once
 
+#include "model/subscription.h"
 #include "ports/open_url_port.h"
 #include "ports/trust_port.h"
+
+#include <functional>
 
 namespace tessarel::macos {
 
@@ -16,6 +19,8 @@ public:
     [[nodiscard]] bool isTrusted() override;
     /// Shows the system's own dialog, which also adds the application to the list. Does not wait for it.
     void prompt() override;
+    /// Returns null, because the system does not report it.
+    [[nodiscard]] SubscriptionPtr onLost(std::function<void()> /*lost*/) override { return nullptr; }
     [[nodiscard]] bool hasSettings() const override { return true; }
     /// Opens the system's settings at the list of permitted applications.
     void openSettings() override;
