@@ -27,12 +27,13 @@ constexpr const char* kScriptName = "tessarel";
 constexpr const char* kBridgePath = "/org/tessarel/Bridge";
 constexpr const char* kNext = "next"; ///< the script's call that is answered with commands
 
+/// The script reports all windows as soon as it runs.
+constexpr std::chrono::seconds kLongestSilence{10};
+
 /// KWin owns its name before it takes scripts.
 constexpr milliseconds kLoadInterval{500};
 constexpr int kLoadAttempts = 60;
-
-/// The script reports all windows as soon as it runs.
-constexpr std::chrono::seconds kLongestSilence{10};
+constexpr int kSilentAttempts = kLongestSilence / kLoadInterval;
 
 wayland::BusCall scripting(std::string member, std::string signature = {},
                            std::vector<wayland::BusValue> values = {}) {
@@ -93,13 +94,19 @@ void Bridge::tryToLoad(int attempts) {
             if (m_isAccepted)
                 awaitReport();
             else if (attempts > 1)
-                m_nextAttempt =
-                    m_queue.asyncAfter(kLoadInterval, [this, attempts] { tryToLoad(attempts - 1); });
+                retry(attempts - 1);
             else
                 fail("KWin does not take the script by which it moves windows");
         },
         Delivery::Urgent);
     m_link.call(scripting("start"));
+}
+
+/// Tries again later. Meanwhile the user is told, once, because hot keys have no effect.
+void Bridge::retry(int attempts) {
+    m_nextAttempt = m_queue.asyncAfter(kLoadInterval, [this, attempts] { tryToLoad(attempts); });
+    if (attempts == kLoadAttempts - kSilentAttempts - 1)
+        m_failed.send();
 }
 
 void Bridge::awaitReport() {

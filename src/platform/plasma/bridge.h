@@ -43,8 +43,9 @@ public:
     [[nodiscard]] bool isAccepted() const { return m_isAccepted && (!m_isOverdue || m_mirror.isReady()); }
     /// Returns whether KWin has not taken the script, and is to be asked again.
     [[nodiscard]] bool isRetrying() const { return m_nextAttempt != nullptr; }
-    /// Calls `failed` when the script cannot be written, KWin has not taken it at the last attempt, or
-    /// an accepted script has reported nothing for 10 s. The last may still run later.
+    /// Calls `failed` when the script cannot be written, when KWin has not taken it for 10 s, and again at
+    /// the last attempt, or when an accepted script has reported nothing for 10 s. It may still run later,
+    /// unless it cannot be written.
     [[nodiscard]] SubscriptionPtr onFailed(std::function<void()> failed);
 
     /// Brings this program's windows to the user: those that there are, or else the next one.
@@ -63,6 +64,7 @@ private:
     [[nodiscard]] std::filesystem::path file() const;
     [[nodiscard]] bool writeScript() const;
     void tryToLoad(int attempts);
+    void retry(int attempts);
     void awaitReport();
     void fail(const std::string& problem);
     void handle(const wayland::BusMessage& message);
