@@ -10,7 +10,7 @@ namespace tessarel::plasma {
 inline constexpr const char* kNoKeysReported =
     "KWin reports no held keys, which takes OpenGL: choose \"Nothing (always)\" above.";
 inline constexpr const char* kKeysReported =
-    "Plasma shows an outline of its own while you hold Shift; Control or Meta keeps it away.";
+    "Plasma shows an outline of its own while you hold Shift; choose Control or Meta to avoid it.";
 
 /// Returns the texts of the user interface that differ between systems, as they apply to Plasma.
 [[nodiscard]] inline PlatformWords words() {
