@@ -1,163 +1,21 @@
 // SPDX-License-Identifier: MIT
 
-#include "support/plasma/plasma_session.h"
-#include "support/plasma/wayland_client.h"
-
-#include <gmock/gmock.h>
+#include "desktop/plasma/windows_fixture.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <string>
-#include <vector>
 
 namespace tessarel::plasmatest {
 namespace {
 
-constexpr const char* kUsualSettings = R"({"hasOnboarded":true,"rememberApps":false})";
-constexpr int kNothingDone = 4; // exit code
-constexpr std::uint32_t kKeyA = 30;
-constexpr std::uint32_t kBackspace = 14;
-constexpr Rect kLeftHalf{0, 0, 800, 900};
+constexpr int kNothingDone = 4;                  // exit code
 constexpr Rect kLeftBelowPanel{0, 40, 800, 860}; // one of 40 pixels
-constexpr Rect kRightHalf{800, 0, 800, 900};
 constexpr Rect kBottomHalf{0, 450, 1600, 450};
-constexpr Rect kFirstZone{0, 0, 533, 450};
-
-/// A session with the program and windows of a client that takes every size.
-class PlasmaWindowsTest : public testing::Test {
-protected:
-    explicit PlasmaWindowsTest(const Size& display = PlasmaSession::kFirst.size(),
-                               const char* settings = kUsualSettings)
-        : session(Drawing::Software, display), m_settings(settings) {}
-
-    void SetUp() override {
-        session.writeSettings(m_settings);
-        ASSERT_TRUE(session.startProgram()) << session.program().errors();
-    }
-
-    /// Opens a window and waits until it is active.
-    void open(WaylandClient& client, int number, const Size& minimum = {}) {
-        open(client, number, {.applicationId = "org.example.test", .minimum = minimum});
-    }
-    void open(WaylandClient& client, int number, const WaylandClient::WindowOptions& options) {
-        client.open(number, options);
-        ASSERT_TRUE(isActivated(number));
-    }
-    void activate(int number) {
-        runFor(number, "workspace.activeClient = c;");
-        ASSERT_TRUE(isActivated(number));
-    }
-    /// Waits until the window is active. Returns false if it never is.
-    [[nodiscard]] bool isActivated(int number) {
-        return waitFor(number, [](const SeenWindow& window) { return window.isActive; });
-    }
-    /// Activates a window, whose next change of the frame then keeps KWin busy for longer than the program
-    /// waits for a window.
-    void activateAndHoldUpCompositorOnChange(int number) {
-        runFor(number, R"(
-            let isNext = true;
-            c.frameGeometryChanged.connect(() => {
-                for (const end = Date.now() + 500; isNext && Date.now() < end;);
-                isNext = false;
-            });
-            workspace.activeClient = c;)");
-        ASSERT_TRUE(isActivated(number));
-    }
-    /// Runs statements in KWin, for which `c` is the window.
-    void runFor(int number, const std::string& statements) {
-        session.probe().run("workspace.clientList().filter((c) => c.caption === \"" +
-                            WaylandClient::titleOf(number) + "\").forEach((c) => {" + statements + "});");
-    }
-    [[nodiscard]] bool waitFor(int number, const std::function<bool(const SeenWindow&)>& holds) {
-        return session.probe().waitUntil([&] {
-            const auto& all = session.probe().windows();
-            return std::any_of(all.begin(), all.end(), [&](const SeenWindow& window) {
-                return window.title == WaylandClient::titleOf(number) && holds(window);
-            });
-        });
-    }
-    [[nodiscard]] bool comesTo(int number, const Rect& frame) {
-        return waitFor(number, [&](const SeenWindow& window) { return window.frame == frame; });
-    }
-    void pressArrow(std::uint32_t arrow) { session.input().press({key::kLeftControl, key::kLeftAlt, arrow}); }
-    void pressZone(std::uint32_t number) {
-        session.input().press({key::kLeftControl, key::kLeftAlt, key::kDigit1 + number - 1});
-    }
-    void pressArrange() { session.input().press({key::kLeftControl, key::kLeftAlt, kKeyA}); }
-    void pressNextDisplay() {
-        session.input().press({key::kLeftControl, key::kLeftAlt, key::kLeftMeta, key::kRight});
-    }
-
-    /// Moves the window in front to the left half. Returns whether it is there then, and has this frame.
-    [[nodiscard]] bool goesLeftTo(const Rect& frame) {
-        (void)session.command({"left-half"});
-        session.probe().roundTrip();
-        const auto& all = session.probe().windows();
-        const auto front = std::ranges::find(all, true, &SeenWindow::isActive);
-        return front != all.end() && front->frame == frame;
-    }
-    /// Waits until the program has handled the keys so far, and waits for no window any longer.
-    [[nodiscard]] bool passProgram() { return session.command({"list", "displays"}) == 0; }
-    /// Expects that the window is where the user has put it by other means, and is restored there.
-    void expectChainBeginsAt(int number, const Rect& frame) {
-        EXPECT_TRUE(comesTo(number, frame));
-        pressZone(5);
-        EXPECT_TRUE(comesTo(number, {800, 450, 800, 450}));
-        session.input().press({key::kLeftControl, key::kLeftAlt, kBackspace});
-        EXPECT_TRUE(comesTo(number, frame));
-        EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
-    }
-
-    PlasmaSession session;
-
-private:
-    const char* m_settings;
-};
 
 /// New windows go to the zones of their programs.
 class PlasmaHomesTest : public PlasmaWindowsTest {
 protected:
     PlasmaHomesTest() : PlasmaWindowsTest(PlasmaSession::kFirst.size(), R"({"hasOnboarded":true})") {}
-};
-
-/// With two activities, "first" and "second".
-class PlasmaActivitiesTest : public PlasmaWindowsTest {
-protected:
-    /// Moves the window to the activity, as soon as KWin knows the activities. Returns false if KWin does
-    /// not.
-    [[nodiscard]] bool move(const std::string& title, const std::string& activity) {
-        return PlasmaSession::waitFor([&] {
-            session.probe().run("workspace.clientList().filter((c) => c.caption === \"" + title +
-                                "\").forEach((c) => { c.activities = [\"" + activity + "\"]; });");
-            session.probe().roundTrip();
-            return isIn(title, activity);
-        });
-    }
-    [[nodiscard]] bool isIn(const std::string& title, const std::string& activity) {
-        const auto& all = session.probe().windows();
-        const auto window = std::ranges::find(all, title, &SeenWindow::title);
-        return window != all.end() && window->activities == std::vector{activity};
-    }
-
-private:
-    x11test::ChildProcess m_manager{{TESSAREL_ACTIVITY_MANAGER}, session.environment()};
-};
-
-/// With two virtual desktops, and a rule of KWin that forces windows of one class onto both.
-class PlasmaDesktopsTest : public PlasmaWindowsTest {
-protected:
-    static constexpr const char* kOnBoth = "org.example.both";
-
-    void SetUp() override {
-        session.killCompositor();
-        const std::filesystem::path folder = session.environment().at("XDG_CONFIG_HOME");
-        ScratchFolder::write(folder / "kwinrc", "[Desktops]\nNumber=2\nId_1=first\nId_2=second\n");
-        ScratchFolder::write(folder / "kwinrulesrc",
-                             std::string("[General]\ncount=1\nrules=1\n[1]\nwmclassmatch=1\nwmclass=") +
-                                 kOnBoth + "\ndesktopsrule=2\ndesktops=first,second\n");
-        session.startCompositor();
-        PlasmaWindowsTest::SetUp();
-    }
 };
 
 TEST_F(PlasmaHomesTest, TheNextWindowOfAProgramGoesIntoItsZoneAndADialogStaysWhereItOpens) {
@@ -452,60 +310,6 @@ TEST_F(PlasmaWindowsTest, FramesAreExactWithAnotherPrimaryDisplayAndAfterDisplay
     ASSERT_TRUE(waitFor(1, [](const SeenWindow& window) {
         return window.frame == kRightHalf || window.frame == Rect{2400, 0, 800, 900};
     }));
-}
-
-TEST_F(PlasmaActivitiesTest, OnlyWindowsOfTheCurrentActivityAreArranged) {
-    WaylandClient client(session.environment());
-    open(client, 1);
-    open(client, 2);
-    const Rect opened = session.probe().windows().back().frame;
-    ASSERT_TRUE(move(WaylandClient::titleOf(1), "first"));
-    ASSERT_TRUE(move(WaylandClient::titleOf(2), "second"));
-    activate(1); // KWin leaves the other one active
-
-    pressArrange();
-    EXPECT_TRUE(comesTo(1, kFirstZone));
-    EXPECT_TRUE(passProgram());
-    EXPECT_TRUE(comesTo(2, opened));
-
-    session.probe().run("workspace.currentActivity = \"second\";");
-    ASSERT_TRUE(isActivated(2));
-    session.probe().roundTrip(); // KWin has told the program, too
-    pressArrange();
-    EXPECT_TRUE(comesTo(2, kFirstZone));
-    EXPECT_TRUE(passProgram());
-    EXPECT_TRUE(comesTo(1, kFirstZone));
-}
-
-TEST_F(PlasmaActivitiesTest, TheSettingsComeToTheCurrentActivity) {
-    const std::string settings = "Tessarel Settings";
-    ASSERT_EQ(session.command({}), 0);
-    ASSERT_TRUE(move(settings, "second"));
-
-    EXPECT_EQ(session.command({}), 0);
-
-    EXPECT_TRUE(session.probe().waitUntil([&] { return isIn(settings, "first"); }));
-}
-
-TEST_F(PlasmaDesktopsTest, AWindowOnSeveralVirtualDesktopsIsArrangedOnEachOfThem) {
-    WaylandClient client(session.environment());
-    open(client, 1);
-    open(client, 2, {.applicationId = kOnBoth});
-    pressArrange();
-    EXPECT_TRUE(comesTo(2, kFirstZone));
-    EXPECT_TRUE(comesTo(1, {533, 0, 533, 450}));
-    activate(1);
-    pressArrow(key::kRight);
-    ASSERT_TRUE(comesTo(1, kRightHalf));
-
-    session.probe().run("workspace.currentDesktop = 2;");
-    activate(2);
-    pressArrow(key::kLeft);
-    ASSERT_TRUE(comesTo(2, kLeftHalf));
-    pressArrange();
-    EXPECT_TRUE(comesTo(2, kFirstZone));
-    EXPECT_TRUE(passProgram());
-    EXPECT_TRUE(comesTo(1, kRightHalf));
 }
 
 /// Displays of 1500 x 900 pixels with a scale in percent.
