@@ -4,6 +4,7 @@
 
 #include "platform/posix/failed_writes.h"
 #include "platform/qt/alert_dialog.h"
+#include "platform/qt_x11/qt_connection.h"
 #include "platform/xdg/home_folder.h"
 #include "program/qt_program.h"
 #include "program/report.h"
@@ -84,7 +85,7 @@ void LinuxProgram::showFailure(const Alert& alert) {
     if (QApplication::platformName() == QStringLiteral("offscreen"))
         return;
     useControlStyle();
-    m_bus.start();
+    m_bus.start(qt::announcedAccessibilityBus);
     beforeWindow();
     qt::AlertDialog dialog(alert);
     const auto termination =
@@ -107,7 +108,7 @@ int LinuxProgram::runLoop(const BackEnd& backEnd, std::optional<AppDelegate>& de
     useControlStyle();
     inputMethod.reset();
     untilQt.reset();
-    m_bus.start();
+    m_bus.start(qt::announcedAccessibilityBus);
     // QApplication has set the user's locale, whose decimal point may have several bytes; see `readJson`.
     std::setlocale(LC_NUMERIC, "C");
     const Scope besideQt = backEnd.withQt();

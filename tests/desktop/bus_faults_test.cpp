@@ -2,6 +2,7 @@
 
 #include "desktop/desktop.h"
 #include "desktop/expected.h"
+#include "desktop/screen_reader.h"
 #include "desktop/status_notifier_panel.h"
 #include "desktop/tray_desktop.h"
 #include "support/hanging_bus.h"
@@ -13,6 +14,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -151,6 +153,14 @@ protected:
         event.data.data32[1] = observer.x().atom("_NET_SYSTEM_TRAY_S0");
         xcb_send_event(observer.x().get(), 0, observer.root(), XCB_EVENT_MASK_STRUCTURE_NOTIFY,
                        reinterpret_cast<const char*>(&event));
+        observer.x().roundTrip();
+    }
+
+    /// Announces the address of an accessibility bus as its service does.
+    void announceAccessibilityBus(const std::string& address) {
+        xcb_change_property(observer.x().get(), XCB_PROP_MODE_REPLACE, observer.root(),
+                            observer.x().atom("AT_SPI_BUS"), XCB_ATOM_STRING, 8,
+                            static_cast<std::uint32_t>(address.size()), address.data());
         observer.x().roundTrip();
     }
 
@@ -305,6 +315,35 @@ TEST_F(BusFaultsTest, TheIconAppearsWhenAPanelReplacesASilentWatcher) {
 
 TEST_F(BusFaultsTest, TheProgramWorksWithASilentAccessibilityService) {
     const SilentService service(bus.address(), "org.a11y.Bus", "/org/a11y/bus");
+    start(bus.address());
+
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheProgramWorksWhileTheAccessibilityBusIsStopped) {
+    const ScreenReader reader(server.environment());
+    reader.signalAccessibilityBus(SIGSTOP);
+    start(reader.environment().at("DBUS_SESSION_BUS_ADDRESS"), {{"QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1"}});
+
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheProgramWorksWithAnAccessibilityBusOfTheEnvironmentThatNeverReplies) {
+    const SilentBus silent(server);
+    start(bus.address(), {{"AT_SPI_BUS_ADDRESS", SilentBus::addressOn(server)}});
+
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheProgramWorksWithAnAccessibilityBusOfTheScreenThatNeverReplies) {
+    const SilentBus silent(server);
+    announceAccessibilityBus(SilentBus::addressOn(server));
     start(bus.address());
 
     EXPECT_TRUE(answersKeys());

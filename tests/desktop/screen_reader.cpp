@@ -8,6 +8,7 @@
 #include <QDBusVariant>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdint>
 #include <iterator>
 #include <stdexcept>
@@ -80,10 +81,18 @@ ScreenReader::ScreenReader(Environment environment)
     m_environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1";
     const QVariant address = call({"org.a11y.Bus", "/org/a11y/bus"}, "org.a11y.Bus", "GetAddress");
     m_connection = connect(address.toString());
+    const QVariant process = call({"org.freedesktop.DBus", "/org/freedesktop/DBus"}, "org.freedesktop.DBus",
+                                  "GetConnectionUnixProcessID", {"org.freedesktop.DBus"});
+    m_accessibilityBus = static_cast<pid_t>(process.toUInt());
 }
 
 ScreenReader::~ScreenReader() {
     QDBusConnection::disconnectFromBus(m_connection.name());
+}
+
+void ScreenReader::signalAccessibilityBus(int signal) const {
+    if (m_accessibilityBus <= 0 || ::kill(m_accessibilityBus, signal) != 0)
+        throw std::runtime_error("cannot signal the accessibility bus");
 }
 
 QVariant ScreenReader::call(const Reference& object, const char* interface, const char* method,

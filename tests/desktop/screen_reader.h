@@ -15,6 +15,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 #include <vector>
 
 namespace tessarel::x11test {
@@ -46,6 +47,8 @@ public:
     [[nodiscard]] const Environment& environment() const { return m_environment; }
     /// Sends a signal to the session bus, for example SIGSTOP. The accessibility bus is another process.
     void signalSessionBus(int signal) const { m_sessionBus.signal(signal); }
+    /// Sends a signal to the accessibility bus. While that is stopped, nothing can be read.
+    void signalAccessibilityBus(int signal) const;
 
     /// Returns true once the program `application` has published itself.
     [[nodiscard]] bool knows(std::string_view application) const;
@@ -90,6 +93,7 @@ private:
     Environment m_environment;
     ChildProcess m_sessionBus; // starts the accessibility bus on demand
     QDBusConnection m_connection;
+    pid_t m_accessibilityBus = 0;
 };
 
 } // namespace tessarel::x11test

@@ -10,28 +10,53 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <optional>
 
 namespace tessarel::x11test {
 namespace {
 
-TEST(SlowBusAccessTest, AScreenReaderReadsTheWindowThoughTheBusHasRepliedLate) {
+/// Fixture: the running program on a bus that is stopped meanwhile, and a screen reader.
+class SlowBusAccessTest : public testing::Test {
+protected:
+    SlowBusAccessTest() { writeSettings(server, R"({"hasOnboarded":true})"); }
+
+    void start() {
+        program.emplace(reader.environment());
+        ASSERT_TRUE(program->waitUntilReady(observer, keyboard)) << program->errors();
+    }
+
+    void expectReadableSettings() {
+        ASSERT_TRUE(observer.waitUntil([&] { return reader.knows("Tessarel"); })) << program->errors();
+        EXPECT_NE(openSettingsWindow(observer, reader.environment()), xcb_window_t{XCB_WINDOW_NONE});
+        EXPECT_TRUE(
+            observer.waitUntil([&] { return reader.find("Tessarel", "page tab", "Layouts").has_value(); }));
+        EXPECT_EQ(program->terminate(), 0);
+    }
+
     XServer server;
-    const WindowManager manager(server, WindowManagerKind::Openbox);
-    Observer observer(server.display());
-    Keyboard keyboard(server, observer);
-    const ScreenReader reader(server.environment());
-    writeSettings(server, R"({"hasOnboarded":true})");
+    WindowManager manager{server, WindowManagerKind::Openbox};
+    Observer observer{server.display()};
+    Keyboard keyboard{server, observer};
+    ScreenReader reader{server.environment()};
+    std::optional<Program> program;
+};
+
+TEST_F(SlowBusAccessTest, AScreenReaderReadsTheWindowThoughTheBusHasRepliedLate) {
     reader.signalSessionBus(SIGSTOP);
-    Program program(reader.environment());
-    ASSERT_TRUE(program.waitUntilReady(observer, keyboard)) << program.errors();
+    start();
 
     reader.signalSessionBus(SIGCONT);
 
-    ASSERT_TRUE(observer.waitUntil([&] { return reader.knows("Tessarel"); })) << program.errors();
-    EXPECT_NE(openSettingsWindow(observer, reader.environment()), xcb_window_t{XCB_WINDOW_NONE});
-    EXPECT_TRUE(
-        observer.waitUntil([&] { return reader.find("Tessarel", "page tab", "Layouts").has_value(); }));
-    EXPECT_EQ(program.terminate(), 0);
+    expectReadableSettings();
+}
+
+TEST_F(SlowBusAccessTest, AScreenReaderReadsTheWindowThoughTheAccessibilityBusHasRepliedLate) {
+    reader.signalAccessibilityBus(SIGSTOP);
+    start();
+
+    reader.signalAccessibilityBus(SIGCONT); // soon: the program waits for up to five seconds
+
+    expectReadableSettings();
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <QGuiApplication>
 #include <xcb/xcb.h>
 
+#include <cstddef>
 #include <cstdint>
 
 namespace tessarel::qt {
@@ -41,6 +42,20 @@ xcb_window_t ownerOf(xcb_connection_t* xcb, xcb_atom_t selection) {
     const auto cookie = xcb_get_selection_owner(xcb, selection);
     const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(xcb, cookie, nullptr));
     return reply ? reply->owner : xcb_window_t{XCB_WINDOW_NONE};
+}
+
+std::string announcedAccessibilityBus() {
+    xcb_connection_t* const xcb = qtConnection();
+    if (xcb == nullptr)
+        return {};
+    constexpr std::uint32_t kLength = 128; // of which Qt reads as much, in words of 4 bytes
+    const auto cookie = xcb_get_property(xcb, 0, screenOf(xcb).root, internAtom(xcb, "AT_SPI_BUS"),
+                                         XCB_ATOM_STRING, 0, kLength);
+    const Reply<xcb_get_property_reply_t> reply(xcb_get_property_reply(xcb, cookie, nullptr));
+    if (!reply)
+        return {};
+    return {static_cast<const char*>(xcb_get_property_value(reply.get())),
+            static_cast<std::size_t>(xcb_get_property_value_length(reply.get()))};
 }
 
 } // namespace tessarel::qt

@@ -6,6 +6,7 @@
 
 #include <cstdlib>
 #include <memory>
+#include <string>
 #include <string_view>
 
 namespace tessarel::qt {
@@ -33,5 +34,8 @@ using Reply = std::unique_ptr<T, FreeDeleter>;
 [[nodiscard]] xcb_atom_t internAtom(xcb_connection_t* xcb, std::string_view name);
 /// Returns the window that owns `selection`, or XCB_WINDOW_NONE when it has no owner. Takes a round trip.
 [[nodiscard]] xcb_window_t ownerOf(xcb_connection_t* xcb, xcb_atom_t selection);
+/// Returns the address of the accessibility bus that the screen announces, as Qt reads it. Empty if there is
+/// none, or when Qt does not run on X11. Takes two round trips.
+[[nodiscard]] std::string announcedAccessibilityBus();
 
 } // namespace tessarel::qt

@@ -76,19 +76,23 @@ std::vector<std::string> socketNames(std::string_view address) {
     return names;
 }
 
-/// Returns a socket that is connected to `name`, or -1. A bus with a full backlog counts as not reachable,
-/// because a blocking connect() would wait for it.
+/// Returns a socket that is connected to `name`, or -1 with the error in `errno`: EAGAIN for a bus with a
+/// full backlog.
 int connectedTo(const std::string& name) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (name.empty() || name.size() >= sizeof address.sun_path)
+    if (name.empty() || name.size() >= sizeof address.sun_path) {
+        errno = ENAMETOOLONG;
         return -1;
+    }
     std::ranges::copy(name, std::begin(address.sun_path));
     const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size());
     const int socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     // The socket interface takes every kind of address as a sockaddr.
     if (socket >= 0 && ::connect(socket, reinterpret_cast<const sockaddr*>(&address), length) != 0) {
+        const int error = errno;
         ::close(socket);
+        errno = error;
         return -1;
     }
     return socket;
@@ -164,15 +168,18 @@ bool BusProbe::supports(std::string_view address) {
 }
 
 BusProbe::BusProbe(std::string_view address) {
+    m_state = State::Failed;
     for (const std::string& name : socketNames(address)) {
         m_socket = connectedTo(name);
         if (m_socket >= 0)
             break;
+        if (errno == EAGAIN)
+            m_state = State::Full;
     }
     if (m_socket < 0)
-        m_state = State::Failed;
-    else
-        send(authentication());
+        return;
+    m_state = State::Waiting;
+    send(authentication());
 }
 
 BusProbe::~BusProbe() {

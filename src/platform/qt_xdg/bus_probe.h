@@ -26,6 +26,8 @@ public:
         Replied,
         /// There is no bus at the address, or it rejects this program.
         Failed,
+        /// The bus has a full backlog: a connect() that blocks would wait.
+        Full,
     };
 
     /// Returns whether `address` has an entry that can be probed: a socket of this machine.

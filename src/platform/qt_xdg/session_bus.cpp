@@ -4,9 +4,6 @@
 
 #include <QAccessible>
 #include <QCoreApplication>
-#include <QDBusError>
-#include <QDBusMessage>
-#include <QDBusPendingCall>
 #include <QObject>
 #include <QString>
 #include <QThread>
@@ -24,7 +21,7 @@ constexpr const char* kSessionBus = "DBUS_SESSION_BUS_ADDRESS";
 /// the latter.
 constexpr const char* kAccessibilityBus = "AT_SPI_BUS_ADDRESS";
 
-/// How long an accessibility service may take to reply before the program does without it.
+/// How long the accessibility service and its bus may take to reply before the program does without them.
 constexpr std::chrono::seconds kAccessibilityPatience{5};
 
 /// How long a bus that does not reply keeps the icon out of another tray.
@@ -46,17 +43,6 @@ std::string addressOfEnvironment() {
         return address.toStdString();
     const QByteArray folder = qgetenv("XDG_RUNTIME_DIR");
     return folder.isEmpty() ? std::string() : QByteArray("unix:path=" + folder + "/bus").toStdString();
-}
-
-/// Returns the question that Qt's accessibility bridge asks first, and waits for. It does not start the
-/// service.
-QDBusMessage accessibilityQuestion() {
-    QDBusMessage message = QDBusMessage::createMethodCall(
-        QStringLiteral("org.a11y.Bus"), QStringLiteral("/org/a11y/bus"),
-        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
-    message.setAutoStartService(false);
-    message << QStringLiteral("org.a11y.Status") << QStringLiteral("IsEnabled");
-    return message;
 }
 
 } // namespace
@@ -87,7 +73,8 @@ SessionBus::~SessionBus() {
     disconnect();
 }
 
-void SessionBus::start() {
+void SessionBus::start(std::function<std::string()> accessibilityBusOfScreen) {
+    m_accessibilityBusOfScreen = std::move(accessibilityBusOfScreen);
     m_expectation = m_queue.asyncAfter(kBusPatience, [this] { awaitConnection(); });
     proceed();
 }
@@ -120,8 +107,9 @@ void SessionBus::beforeWindow() {
     if (m_connecting && !m_connecting->wait(kConnectingPatience))
         m_connecting->breakOff();
     finishConnecting();
-    // Qt receives the reply in another thread, and has no wait with a limit.
-    while (m_accessibility && !m_accessibility->isFinished() && m_queue.now() < end)
+    // Qt receives the replies in another thread, and has no wait with a limit.
+    while (m_accessibility && m_accessibility->proceed() == AccessibilityProbe::State::Waiting &&
+           m_queue.now() < end)
         QThread::msleep(1);
     if (m_accessibility)
         finishAccessibility();
@@ -169,6 +157,7 @@ void SessionBus::proceed() {
             m_reply = m_queue.onReadable(m_probe->fileDescriptor(), [this] { proceed(); });
         return;
     case BusProbe::State::Failed:
+    case BusProbe::State::Full:
         retry();
         return;
     case BusProbe::State::Replied:
@@ -222,32 +211,35 @@ void SessionBus::finishConnecting() {
                           QStringLiteral("org.freedesktop.DBus.Local"), QStringLiteral("Disconnected"),
                           &m_lost, SLOT(start()));
     if (m_hiddenFromBridge)
-        queryAccessibility();
+        probeAccessibility();
     m_changed.send();
 }
 
-void SessionBus::queryAccessibility() {
-    using std::chrono::milliseconds;
-    m_accessibility = std::make_unique<QDBusPendingCallWatcher>(m_connection->asyncCall(
-        accessibilityQuestion(), static_cast<int>(milliseconds(kAccessibilityPatience).count())));
-    QObject::connect(m_accessibility.get(), &QDBusPendingCallWatcher::finished, m_accessibility.get(),
-                     [this] { m_later.async([this] { finishAccessibility(); }); });
+void SessionBus::probeAccessibility() {
+    m_accessibility.emplace(m_queue, *m_connection,
+                            AccessibilityProbe::Announced{
+                                .byEnvironment = m_hiddenFromBridge->address().toStdString(),
+                                .byScreen = m_accessibilityBusOfScreen ? m_accessibilityBusOfScreen() : ""},
+                            kAccessibilityPatience, [this] { proceedWithAccessibility(); });
+    m_accessibilityEnd = m_queue.asyncAfter(kAccessibilityPatience, [this] { finishAccessibility(); });
 }
 
-/// Creates the bridge, with the bus if the service has replied, or if the bus has replied that there is none.
+void SessionBus::proceedWithAccessibility() {
+    if (m_accessibility->proceed() != AccessibilityProbe::State::Waiting)
+        finishAccessibility();
+}
+
+/// Creates the bridge, with the bus if it need not wait for a reply.
 void SessionBus::finishAccessibility() {
-    if (!m_accessibility)
-        return; // a window was created after the reply had arrived
-    const bool isSilent =
-        !m_accessibility->isFinished() || m_accessibility->error().type() == QDBusError::NoReply;
-    m_accessibility.reset();
-    if (!isSilent && connection())
+    if (m_accessibility->proceed() == AccessibilityProbe::State::Replied && connection())
         m_hiddenFromBridge.reset();
     createBridge();
     m_changed.send();
 }
 
 void SessionBus::createBridge() {
+    m_accessibilityEnd.reset();
+    m_accessibility.reset();
     QAccessible::setRootObject(QCoreApplication::instance());
     m_hiddenFromBridge.reset();
 }
@@ -259,8 +251,8 @@ void SessionBus::disconnect() {
 
 void SessionBus::lost() {
     disconnect();
-    m_changed.send();
     retry();
+    m_changed.send();
 }
 
 } // namespace tessarel::qt

@@ -4,19 +4,18 @@
 
 #include "model/signal.h"
 #include "platform/qt/qt_main_queue.h"
+#include "platform/qt_xdg/accessibility_probe.h"
 #include "platform/qt_xdg/bus_connecting.h"
 #include "platform/qt_xdg/bus_probe.h"
 #include "ports/deferred_work.h"
 
 #include <QByteArray>
 #include <QDBusConnection>
-#include <QDBusPendingCallWatcher>
 #include <QTimer>
 
 #include <chrono>
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -31,6 +30,9 @@ public:
     HiddenBus& operator=(const HiddenBus&) = delete;
     /// Restores the address.
     ~HiddenBus();
+
+    /// Returns the address that is hidden; empty if there is none.
+    [[nodiscard]] const QByteArray& address() const { return m_address; }
 
 private:
     const char* m_variable;
@@ -47,7 +49,7 @@ private:
 ///
 /// Qt has two parts that use the bus: StatusNotifierItems, and the accessibility bridge for screen readers,
 /// which Qt creates with the first window or menu. Each connects only once. The bus is therefore hidden from
-/// them until it has replied, the bridge also until the accessibility service has replied.
+/// them until it has replied, the bridge also until the accessibility service and its bus have replied.
 class SessionBus {
 public:
     static constexpr std::chrono::milliseconds kWindowPatience{100};
@@ -60,11 +62,12 @@ public:
     ~SessionBus();
 
     /// Connects, with Qt's parts, as soon as the bus replies; reconnects whenever the bus is restarted.
-    /// Requires the application object.
+    /// Requires the application object. `accessibilityBusOfScreen` returns the address that the X screen
+    /// announces; empty if there is none.
     ///
     /// Run the event loop with QCoreApplication::exec() afterwards: that of QGuiApplication would create the
     /// accessibility bridge before the bus has replied.
-    void start();
+    void start(std::function<std::string()> accessibilityBusOfScreen = {});
 
     /// Waits for a short time until the accessibility bridge can be created. Call it before a window or a
     /// menu is created, because Qt then creates the bridge, which stays without a bus if it is still hidden.
@@ -75,7 +78,7 @@ public:
     void keepQtOff();
 
     enum class QtParts : std::uint8_t {
-        /// The bus, or the accessibility service, has not replied yet, but may do so soon.
+        /// The bus, the accessibility service or its bus has not replied yet, but may do so soon.
         Undecided,
         Connected,
         WithoutBus,
@@ -98,7 +101,8 @@ private:
     void stopExpecting();
     void connect();
     void finishConnecting();
-    void queryAccessibility();
+    void probeAccessibility();
+    void proceedWithAccessibility();
     void finishAccessibility();
     void createBridge();
     void disconnect();
@@ -113,8 +117,10 @@ private:
     std::optional<BusConnecting> m_connecting;   // while a connection is being made
     SubscriptionPtr m_reply;                     // of the probe, or the end of the connecting
     std::optional<QDBusConnection> m_connection;
-    std::unique_ptr<QDBusPendingCallWatcher> m_accessibility; // while the service's reply is pending
-    SubscriptionPtr m_expectation; // while the first reply of the bus may come soon
+    std::function<std::string()> m_accessibilityBusOfScreen;
+    std::optional<AccessibilityProbe> m_accessibility; // while the service's or its bus's reply is pending
+    SubscriptionPtr m_accessibilityEnd;                // of the patience with them
+    SubscriptionPtr m_expectation;                     // while the first reply of the bus may come soon
     bool m_isQtConnected = false;
     int m_connections = 0;
     std::chrono::milliseconds m_nextRetry;

@@ -6,6 +6,7 @@
 #include "platform/sim/time/sim_clock.h"
 #include "platform/sim/time/sim_main_queue.h"
 #include "platform/wayland/bus_names.h"
+#include "support/hanging_bus.h"
 #include "support/plasma/plasma_session.h"
 
 #include <gmock/gmock.h>
@@ -267,6 +268,15 @@ TEST_F(PlasmaFaultsTest, ABusThatStopsHoldsUpNoEnd) {
     session.bus().signal(SIGSTOP);
 
     EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
+}
+
+TEST_F(PlasmaFaultsTest, AnAccessibilityBusThatNeverRepliesHoldsUpNoHotKeys) {
+    const std::string path = session.environment().at("XDG_RUNTIME_DIR") + "/accessibility";
+    const HangingBus hanging(path, 0);
+
+    ASSERT_TRUE(session.startProgram({{"AT_SPI_BUS_ADDRESS", "unix:path=" + path}}));
+
+    expectHotKeysWork();
 }
 
 TEST_F(PlasmaFaultsTest, TheProgramEndsInOrderWhenTheSessionBusGoes) {

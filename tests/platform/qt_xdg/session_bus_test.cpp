@@ -6,6 +6,7 @@
 #include "support/hanging_bus.h"
 #include "support/ticks.h"
 
+#include <QAccessible>
 #include <QByteArray>
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -15,6 +16,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QVariant>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -24,6 +26,7 @@
 #include <optional>
 #include <string>
 #include <sys/types.h>
+#include <utility>
 
 namespace tessarel::qt {
 namespace {
@@ -50,17 +53,57 @@ private:
     QDBusConnection m_bus;
 };
 
+/// An accessibility service with the accessibility bus at `address`.
+class AccessibilityService : public QDBusVirtualObject {
+public:
+    AccessibilityService(const std::string& sessionBus, bool isEnabled, std::string address)
+        : m_isEnabled(isEnabled), m_address(std::move(address)),
+          m_bus(QDBusConnection::connectToBus(QString::fromStdString(sessionBus), kConnection)) {
+        EXPECT_TRUE(m_bus.registerVirtualObject("/org/a11y/bus", this));
+        EXPECT_TRUE(m_bus.registerService("org.a11y.Bus"));
+    }
+    AccessibilityService(const AccessibilityService&) = delete;
+    AccessibilityService& operator=(const AccessibilityService&) = delete;
+    ~AccessibilityService() override { QDBusConnection::disconnectFromBus(kConnection); }
+
+    /// Returns how often the address was asked for, which would start the bus.
+    [[nodiscard]] int queries() const { return m_queries; }
+
+    [[nodiscard]] QString introspect(const QString&) const override { return {}; }
+    bool handleMessage(const QDBusMessage& call, const QDBusConnection& bus) override {
+        if (call.member() == QLatin1String("GetAddress")) {
+            ++m_queries;
+            return bus.send(call.createReply(QString::fromStdString(m_address)));
+        }
+        return bus.send(call.createReply(QVariantMap{{QStringLiteral("IsEnabled"), m_isEnabled},
+                                                     {QStringLiteral("ScreenReaderEnabled"), false}}));
+    }
+
+private:
+    static constexpr const char* kConnection = "accessibility service";
+    bool m_isEnabled;
+    std::string m_address;
+    int m_queries = 0;
+    QDBusConnection m_bus;
+};
+
 /// A bus that can die, hang and return at the same address.
 class SessionBusTest : public testing::Test {
 protected:
-    SessionBusTest() = default;
+    SessionBusTest() {
+        addressForBridge.reset();
+        QAccessible::installRootObjectHandler(
+            [](QObject*) { addressForBridge = qgetenv(kAccessibilityBus); });
+    }
     ~SessionBusTest() override {
+        QAccessible::installRootObjectHandler(nullptr);
         bus.reset();
         // Otherwise Qt leaks parts of a new connection.
         QCoreApplication::processEvents();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         killDaemon();
         qputenv(kVariable, addressBefore);
+        qunsetenv(kAccessibilityBus);
     }
     SessionBusTest(const SessionBusTest&) = delete;
     SessionBusTest& operator=(const SessionBusTest&) = delete;
@@ -88,7 +131,7 @@ protected:
                 partsAtFirst = bus->qtParts();
         });
         application.emplace(argumentCount, arguments.data());
-        bus->start();
+        bus->start([this] { return accessibilityBusOfScreen; });
     }
     bool waitForConnection(bool isThere) {
         return QTest::qWaitFor([&] { return bus->connection().has_value() == isThere; },
@@ -104,6 +147,11 @@ protected:
     static std::string addressForOthers() { return qgetenv(kVariable).toStdString(); }
 
     static constexpr const char* kVariable = "DBUS_SESSION_BUS_ADDRESS";
+    static constexpr const char* kAccessibilityBus = "AT_SPI_BUS_ADDRESS";
+    static constexpr const char* kHidden = "disabled:";
+    /// The address in the environment with which the accessibility bridge was created; empty before.
+    static inline std::optional<QByteArray> addressForBridge;
+    std::string accessibilityBusOfScreen;
     QByteArray addressBefore = qgetenv(kVariable);
     int argumentCount = 1;
     std::array<char, 5> programName{"test"};
@@ -359,6 +407,146 @@ TEST_F(SessionBusTest, AWindowWaitsBrieflyForAnAccessibilityServiceThatHangs) {
 
     EXPECT_LT(ticks.count(), 10) << "periods, of which one is expected";
     EXPECT_NE(bus->qtParts(), SessionBus::QtParts::Undecided);
+}
+
+/// Fixture: an accessibility bus apart from the session bus. Its daemon is `daemon`.
+class AccessibilityBusTest : public SessionBusTest {
+protected:
+    AccessibilityBusTest() {
+        sessionBus.start("dbus-daemon", {"--session", "--nofork", "--nopidfile", "--print-address",
+                                         "--address=unix:path=" + folder.filePath("session")});
+        EXPECT_TRUE(sessionBus.waitForReadyRead());
+        startDaemon();
+        signalDaemon(SIGSTOP);
+        address = "unix:path=" + folder.filePath("session").toStdString();
+    }
+    ~AccessibilityBusTest() override {
+        bus.reset();
+        sessionBus.kill();
+        sessionBus.waitForFinished();
+    }
+    AccessibilityBusTest(const AccessibilityBusTest&) = delete;
+    AccessibilityBusTest& operator=(const AccessibilityBusTest&) = delete;
+
+    /// Lets the accessibility bus go on and expects that the bridge is created to connect to it.
+    void expectBridgeOnceTheBusGoesOn() {
+        ASSERT_TRUE(waitForConnection(true));
+        EXPECT_EQ(bus->qtParts(), SessionBus::QtParts::Undecided);
+
+        signalDaemon(SIGCONT);
+
+        EXPECT_TRUE(waitUntilDecided());
+        EXPECT_NE(addressForBridge, kHidden);
+    }
+
+    QProcess sessionBus;
+    std::string accessibilityBus = address;
+};
+
+TEST_F(AccessibilityBusTest, QtDoesNotConnectToOneOfTheServiceThatHangs) {
+    AccessibilityService service(address, true, accessibilityBus);
+    start();
+
+    EXPECT_TRUE(waitUntilDecided());
+
+    EXPECT_EQ(addressForBridge, kHidden);
+    EXPECT_EQ(service.queries(), 1);
+}
+
+TEST_F(AccessibilityBusTest, QtDoesNotConnectToOneOfTheEnvironmentThatHangs) {
+    qputenv(kAccessibilityBus, QByteArray::fromStdString(accessibilityBus));
+    start(std::chrono::seconds(1));
+
+    bus->beforeWindow();
+
+    EXPECT_EQ(addressForBridge, kHidden);
+    EXPECT_EQ(qgetenv(kAccessibilityBus).toStdString(), accessibilityBus);
+}
+
+TEST_F(AccessibilityBusTest, QtDoesNotConnectToOneOfTheScreenThatHangs) {
+    accessibilityBusOfScreen = accessibilityBus;
+    start(std::chrono::seconds(1));
+
+    bus->beforeWindow();
+
+    EXPECT_EQ(addressForBridge, kHidden);
+}
+
+TEST_F(AccessibilityBusTest, QtDoesNotConnectToOneWithAFullBacklog) {
+    const std::string full = folder.filePath("full").toStdString();
+    const HangingBus hanging(full, 1, HangingBus::Others::WaitInConnect);
+    accessibilityBusOfScreen = "unix:path=" + full;
+    ASSERT_EQ(BusProbe(accessibilityBusOfScreen).wait(kLong), BusProbe::State::Replied);
+    ASSERT_EQ(BusProbe(accessibilityBusOfScreen).wait(kLong), BusProbe::State::Full);
+    start(kLong);
+
+    bus->beforeWindow();
+
+    EXPECT_EQ(addressForBridge, kHidden);
+}
+
+TEST_F(AccessibilityBusTest, QtDoesNotConnectToOneThatCannotBeProbed) {
+    accessibilityBusOfScreen = "tcp:host=localhost,port=1";
+    start(kLong);
+
+    bus->beforeWindow();
+
+    EXPECT_EQ(addressForBridge, kHidden);
+}
+
+TEST_F(AccessibilityBusTest, QtConnectsToOneOfTheServiceThatRepliesLate) {
+    AccessibilityService service(address, true, accessibilityBus);
+    start();
+
+    expectBridgeOnceTheBusGoesOn();
+}
+
+TEST_F(AccessibilityBusTest, QtConnectsToOneOfTheEnvironmentThatRepliesLate) {
+    qputenv(kAccessibilityBus, QByteArray::fromStdString(accessibilityBus));
+    start();
+
+    expectBridgeOnceTheBusGoesOn();
+}
+
+TEST_F(AccessibilityBusTest, QtConnectsToOneOfTheScreenThatRepliesLate) {
+    accessibilityBusOfScreen = accessibilityBus;
+    start();
+
+    expectBridgeOnceTheBusGoesOn();
+}
+
+TEST_F(AccessibilityBusTest, QtIsNotKeptOffTheServiceByAScreenThatAnnouncesABusThatHasGone) {
+    accessibilityBusOfScreen = "unix:path=" + folder.filePath("gone").toStdString();
+    start(kLong);
+
+    bus->beforeWindow();
+
+    EXPECT_EQ(addressForBridge, "");
+}
+
+TEST_F(AccessibilityBusTest, TheBusIsNotStartedWhileAccessibilityIsOff) {
+    AccessibilityService service(address, false, accessibilityBus);
+    start();
+
+    EXPECT_TRUE(waitUntilDecided());
+
+    EXPECT_EQ(addressForBridge, "");
+    EXPECT_EQ(service.queries(), 0);
+}
+
+TEST_F(AccessibilityBusTest, TheLossOfTheSessionBusEndsTheWait) {
+    accessibilityBusOfScreen = accessibilityBus;
+    start();
+    ASSERT_TRUE(waitForConnection(true));
+    EXPECT_EQ(addressForBridge, std::nullopt);
+    std::optional<SessionBus::QtParts> reported;
+    const auto loss = bus->onChanged([&] { reported = bus->qtParts(); });
+
+    sessionBus.kill();
+
+    EXPECT_TRUE(QTest::qWaitFor([&] { return reported.has_value(); }));
+    EXPECT_NE(reported, SessionBus::QtParts::Undecided);
+    EXPECT_EQ(addressForBridge, kHidden);
 }
 
 TEST_F(SessionBusTest, TheBusIsHiddenUntilItReplies) {

@@ -257,12 +257,14 @@ std::optional<int> PlasmaSession::command(const std::vector<std::string>& words)
     return x11test::ChildProcess(arguments, m_environment).waitForExit();
 }
 
-void PlasmaSession::startProgramOnly() {
-    m_program.emplace(std::vector<std::string>{TESSAREL_PROGRAM}, m_environment, x11test::Alarm::Blocked);
+void PlasmaSession::startProgramOnly(const x11test::Environment& more) {
+    x11test::Environment environment = more;
+    environment.insert(m_environment.begin(), m_environment.end());
+    m_program.emplace(std::vector<std::string>{TESSAREL_PROGRAM}, environment, x11test::Alarm::Blocked);
 }
 
-bool PlasmaSession::startProgram() {
-    startProgramOnly();
+bool PlasmaSession::startProgram(const x11test::Environment& more) {
+    startProgramOnly(more);
     const std::string last = "arrangeAll"; // the hot key that the program registers last
     const bool areHotKeysRegistered = waitFor([&] {
         const auto names = shortcuts();

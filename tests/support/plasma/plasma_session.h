@@ -57,12 +57,12 @@ public:
 
     /// Writes the settings of the program under test.
     void writeSettings(std::string_view document);
-    /// Starts the program under test and waits until it carries out hot keys and sees drags. Returns false if
-    /// it does not.
-    [[nodiscard]] bool startProgram();
+    /// Starts the program under test, with these variables in addition to its environment, and waits until it
+    /// carries out hot keys and sees drags. Returns false if it does not.
+    [[nodiscard]] bool startProgram(const x11test::Environment& more = {});
     /// Starts the program under test without waiting for it. The time limit for its end is blocked
     /// (`x11test::Alarm`), so that it ends in order or not at all.
-    void startProgramOnly();
+    void startProgramOnly(const x11test::Environment& more = {});
     /// Starts the program and holds it where it is about to connect to KWin's socket. It has sent its hot
     /// keys and its script by then. Throws std::runtime_error if it does not get there.
     void startProgramHeld(x11test::Alarm alarm = x11test::Alarm::Blocked);
