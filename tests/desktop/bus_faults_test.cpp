@@ -356,11 +356,12 @@ TEST_F(BusFaultsTest, TheProgramWorksWithAnInputMethodThatNeverReplies) {
     const std::filesystem::path folder = server.home();
     std::ofstream(folder / "ibus-daemon") << "#!/bin/sh\n"; // Qt uses ibus only if this is in $PATH
     std::filesystem::permissions(folder / "ibus-daemon", std::filesystem::perms::owner_all);
-    std::ofstream(folder / "announcement")
+    const std::filesystem::path announcements = server.configHome() / "ibus" / "bus";
+    std::filesystem::create_directories(announcements);
+    std::ofstream(announcements /
+                  (QDBusConnection::localMachineId().toStdString() + "-unix-" + server.display().substr(1)))
         << "IBUS_ADDRESS=" << SilentBus::addressOn(server) << "\nIBUS_DAEMON_PID=" << ::getpid() << '\n';
-    start(bus.address(), {{"QT_IM_MODULE", "ibus"},
-                          {"IBUS_ADDRESS_FILE", folder / "announcement"},
-                          {"PATH", folder.string() + ":" + std::getenv("PATH")}});
+    start(bus.address(), {{"QT_IM_MODULE", "ibus"}, {"PATH", folder.string() + ":" + std::getenv("PATH")}});
 
     EXPECT_TRUE(answersKeys());
     EXPECT_TRUE(opensSettings());

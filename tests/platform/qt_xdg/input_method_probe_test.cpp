@@ -7,9 +7,14 @@
 #include "support/ticks.h"
 
 #include <QByteArray>
+#include <QDBusConnection>
+#include <QtGlobal>
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <map>
 #include <string>
 #include <unistd.h>
 
@@ -32,37 +37,98 @@ TEST(InputMethodProbeTest, ADaemonThatIsNotKnownToRunHasNoAddress) {
             << process;
 }
 
-/// The input method ibus, chosen by the environment.
-class ChosenInputMethodTest : public testing::Test {
+/// Fixture: an input method with a daemon that hangs, so that a probe that finds its announcement keeps Qt off
+/// it.
+class InputMethodEnvironmentTest : public testing::Test {
 protected:
-    ChosenInputMethodTest() {
-        ScratchFolder::write(folder.path() / "announcement",
-                             "IBUS_ADDRESS=unix:path=" + bus() +
-                                 "\nIBUS_DAEMON_PID=" + std::to_string(::getpid()) + "\n");
-        qputenv(kModule, "ibus");
-        qputenv(kFile, (folder.path() / "announcement").c_str());
+    InputMethodEnvironmentTest() {
+        set("QT_IM_MODULE", "ibus");
+        set("XDG_CONFIG_HOME", folder.path().c_str());
+        for (const char* const variable : {"DISPLAY", "WAYLAND_DISPLAY", "IBUS_ADDRESS_FILE"})
+            set(variable, nullptr);
     }
-    ~ChosenInputMethodTest() override {
-        qunsetenv(kFile);
-        if (moduleBefore.isNull())
-            qunsetenv(kModule);
-        else
-            qputenv(kModule, moduleBefore);
+    ~InputMethodEnvironmentTest() override {
+        for (const auto& [variable, value] : before)
+            value.isNull() ? qunsetenv(variable) : qputenv(variable, value);
     }
-    ChosenInputMethodTest(const ChosenInputMethodTest&) = delete;
-    ChosenInputMethodTest& operator=(const ChosenInputMethodTest&) = delete;
+    InputMethodEnvironmentTest(const InputMethodEnvironmentTest&) = delete;
+    InputMethodEnvironmentTest& operator=(const InputMethodEnvironmentTest&) = delete;
 
-    [[nodiscard]] std::string bus() const { return folder.path() / "bus"; }
-    [[nodiscard]] static QByteArray moduleForQt() { return qgetenv(kModule); }
+    /// Sets a variable of the environment, or removes it if `value` is null.
+    void set(const char* variable, const char* value) {
+        before.try_emplace(variable, qgetenv(variable));
+        value == nullptr ? qunsetenv(variable) : qputenv(variable, value);
+    }
 
-    static constexpr const char* kModule = "QT_IM_MODULE";
-    static constexpr const char* kFile = "IBUS_ADDRESS_FILE";
+    /// Announces in `file` a daemon at `bus`.
+    static void announce(const std::filesystem::path& file, const std::filesystem::path& bus) {
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file) << "IBUS_ADDRESS=unix:path=" << bus.string() << "\nIBUS_DAEMON_PID=" << ::getpid()
+                            << '\n';
+    }
+    /// Returns whether the announcement is found if it is in `file` and nowhere else.
+    [[nodiscard]] bool isFoundIn(const std::filesystem::path& file) const {
+        announce(file, socket);
+        const bool isFound = InputMethodProbe().beforeQt(std::chrono::milliseconds(1)) != nullptr;
+        std::filesystem::remove(file);
+        return isFound;
+    }
+    /// Returns the file for this display in the user's configuration folder.
+    [[nodiscard]] std::filesystem::path fileFor(const std::string& display) const {
+        return folder.path() / "ibus" / "bus" /
+               (QDBusConnection::localMachineId().toStdString() + "-" + display);
+    }
+
+    [[nodiscard]] static QByteArray moduleForQt() { return qgetenv("QT_IM_MODULE"); }
+
     ScratchFolder folder;
-    QByteArray moduleBefore = qgetenv(kModule);
+    std::filesystem::path socket = folder.path() / "socket";
+    HangingBus daemon{socket.string(), 0};
+    std::map<const char*, QByteArray> before; ///< the environment; null for variables that were not set
 };
 
-TEST_F(ChosenInputMethodTest, QtUsesOneThatReplies) {
-    const HangingBus daemon(bus(), 1);
+TEST_F(InputMethodEnvironmentTest, TheFileIsThatOfTheXDisplay) {
+    set("DISPLAY", ":0");
+    EXPECT_TRUE(isFoundIn(fileFor("unix-0")));
+    EXPECT_FALSE(isFoundIn(fileFor("unix-1")));
+
+    set("DISPLAY", ":12.1");
+    EXPECT_TRUE(isFoundIn(fileFor("unix-12")));
+
+    set("DISPLAY", "example.org:3.0");
+    EXPECT_TRUE(isFoundIn(fileFor("example.org-3")));
+}
+
+TEST_F(InputMethodEnvironmentTest, TheFileIsThatOfTheWaylandDisplayIfThereIsOne) {
+    set("DISPLAY", ":0");
+    set("WAYLAND_DISPLAY", "wayland-1");
+
+    EXPECT_TRUE(isFoundIn(fileFor("unix-wayland-1")));
+    EXPECT_FALSE(isFoundIn(fileFor("unix-0")));
+}
+
+TEST_F(InputMethodEnvironmentTest, TheEnvironmentMayNameTheFile) {
+    const std::filesystem::path file = folder.path() / "announcement";
+    set("DISPLAY", ":0");
+    set("IBUS_ADDRESS_FILE", file.c_str());
+
+    EXPECT_TRUE(isFoundIn(file));
+    EXPECT_FALSE(isFoundIn(fileFor("unix-0")));
+}
+
+TEST_F(InputMethodEnvironmentTest, NoOtherInputMethodHasIt) {
+    set("DISPLAY", ":0");
+    set("QT_IM_MODULE", "compose");
+
+    EXPECT_FALSE(isFoundIn(fileFor("unix-0")));
+}
+
+TEST_F(InputMethodEnvironmentTest, QtUsesADaemonThatReplies) {
+    const std::filesystem::path file = folder.path() / "announcement";
+    const std::filesystem::path bus = folder.path() / "bus";
+    const HangingBus replying(bus.string(), 1);
+    announce(file, bus);
+    set("IBUS_ADDRESS_FILE", file.c_str());
     InputMethodProbe probe;
 
     EXPECT_FALSE(probe.beforeQt(std::chrono::seconds(30)));
@@ -70,8 +136,10 @@ TEST_F(ChosenInputMethodTest, QtUsesOneThatReplies) {
     EXPECT_EQ(moduleForQt(), "ibus");
 }
 
-TEST_F(ChosenInputMethodTest, OneThatHangsIsWaitedForBrieflyAndHiddenFromQt) {
-    const HangingBus daemon(bus(), 0);
+TEST_F(InputMethodEnvironmentTest, ADaemonThatHangsIsWaitedForBrieflyAndHiddenFromQt) {
+    const std::filesystem::path file = folder.path() / "announcement";
+    announce(file, socket);
+    set("IBUS_ADDRESS_FILE", file.c_str());
     InputMethodProbe probe;
     const Ticks ticks(std::chrono::milliseconds(100));
 
