@@ -40,6 +40,13 @@ LinuxProgram::LinuxProgram(const char* programName) : m_programName(programName)
     posix::surviveFailedWrites();
 }
 
+/// Waits for a short time for the input method. The result is needed until the application object exists.
+LinuxProgram::Scope LinuxProgram::beforeQt() {
+    if (qt::InputMethodProbe::usesSessionBus())
+        m_bus.beforeInputMethod();
+    return m_inputMethod.beforeQt();
+}
+
 void LinuxProgram::beforeWindow() {
     m_bus.beforeWindow();
     m_appearance.apply();
@@ -80,7 +87,7 @@ void LinuxProgram::showFailure(const Alert& alert) {
     QtArguments arguments(options);
     QApplication::setDesktopSettingsAware(false);
     describeProgramToQt();
-    const Scope inputMethod = m_inputMethod.beforeQt();
+    const Scope inputMethod = beforeQt();
     const QApplication application(arguments.count, arguments.values.data());
     if (QApplication::platformName() == QStringLiteral("offscreen"))
         return;
@@ -103,7 +110,7 @@ int LinuxProgram::runLoop(const BackEnd& backEnd, std::optional<AppDelegate>& de
     QApplication::setDesktopSettingsAware(false);
     describeProgramToQt();
     Scope untilQt = backEnd.beforeQt();
-    Scope inputMethod = m_inputMethod.beforeQt();
+    Scope inputMethod = beforeQt();
     const QApplication application(arguments.count, arguments.values.data());
     useControlStyle();
     inputMethod.reset();

@@ -77,6 +77,7 @@ public:
 private:
     int launch(const Ports& ports, const BackEnd& backEnd);
     int runLoop(const BackEnd& backEnd, std::optional<AppDelegate>& delegate);
+    [[nodiscard]] Scope beforeQt();
     void beforeWindow();
     [[nodiscard]] std::vector<std::string> qtOptions(const std::string& platforms) const;
 

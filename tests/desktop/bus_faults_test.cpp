@@ -7,11 +7,13 @@
 #include "desktop/tray_desktop.h"
 #include "support/hanging_bus.h"
 
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdint>
@@ -66,12 +68,19 @@ public:
     SilentService& operator=(const SilentService&) = delete;
     ~SilentService() override { QDBusConnection::disconnectFromBus(kConnection); }
 
+    /// Returns whether a call has arrived. Requires an application object.
+    [[nodiscard]] bool isCalled() const {
+        QCoreApplication::processEvents();
+        return m_isCalled;
+    }
+
     [[nodiscard]] QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage&, const QDBusConnection&) override { return true; }
+    bool handleMessage(const QDBusMessage&, const QDBusConnection&) override { return m_isCalled = true; }
 
 private:
     static constexpr const char* kConnection = "silent";
     QDBusConnection m_bus;
+    bool m_isCalled = false;
 };
 
 /// The program on a desktop whose session bus fails.
@@ -366,6 +375,42 @@ TEST_F(BusFaultsTest, TheProgramWorksWithAnInputMethodThatNeverReplies) {
     EXPECT_TRUE(answersKeys());
     EXPECT_TRUE(opensSettings());
     EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, AnInputMethodThatUsesTheSessionBusGetsTheSettingsWindow) {
+    int argumentCount = 1;
+    std::array<char, 5> name{"test"};
+    std::array<char*, 2> arguments{name.data(), nullptr};
+    const QCoreApplication application(argumentCount, arguments.data());
+    const SilentService inputMethod(bus.address(), "org.fcitx.Fcitx5", "/org/freedesktop/portal/inputmethod");
+    start(bus.address(), {{"QT_IM_MODULE", "fcitx"}});
+
+    EXPECT_TRUE(opensSettings());
+
+    EXPECT_TRUE(observer.waitUntil([&] { return inputMethod.isCalled(); })) << program->errors();
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheProgramWorksWhileTheBusOfAnInputMethodIsStopped) {
+    bus.signal(SIGSTOP);
+    start(bus.address(), {{"QT_IM_MODULE", "fcitx"}});
+
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(endsSoon());
+}
+
+TEST_F(BusFaultsTest, TheProgramSurvivesTheLossOfTheBusOfAnInputMethod) {
+    const SilentService inputMethod(bus.address(), "org.fcitx.Fcitx5", "/org/freedesktop/portal/inputmethod");
+    start(bus.address(), {{"QT_IM_MODULE", "fcitx"}});
+    EXPECT_TRUE(opensSettings());
+
+    bus.kill();
+
+    EXPECT_TRUE(opensSettings());
+    EXPECT_TRUE(answersKeys());
+    EXPECT_TRUE(endsSoon()) << program->errors();
 }
 
 TEST_F(BusFaultsTest, TheSettingsWindowDoesNotWaitForASilentPortal) {

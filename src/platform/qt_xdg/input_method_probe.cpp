@@ -59,6 +59,10 @@ std::shared_ptr<void> InputMethodProbe::beforeQt(std::chrono::milliseconds patie
     return std::make_shared<HiddenBus>(kInputMethod);
 }
 
+bool InputMethodProbe::usesSessionBus() {
+    return qgetenv(kInputMethod).startsWith("fcitx"); // or fcitx5
+}
+
 std::string InputMethodProbe::addressIn(const std::string& announcement) {
     constexpr std::string_view kAddress = "IBUS_ADDRESS=";
     constexpr std::string_view kProcess = "IBUS_DAEMON_PID=";

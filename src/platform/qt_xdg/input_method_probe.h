@@ -26,6 +26,10 @@ public:
     [[nodiscard]] std::shared_ptr<void>
     beforeQt(std::chrono::milliseconds patience = std::chrono::milliseconds(100));
 
+    /// Returns whether the environment chooses an input method that Qt connects to the session bus while it
+    /// creates the application object (fcitx).
+    [[nodiscard]] static bool usesSessionBus();
+
     /// Returns the address of the bus in the text of the file in which ibus announces it; empty unless the
     /// daemon that has written it runs.
     [[nodiscard]] static std::string addressIn(const std::string& announcement);

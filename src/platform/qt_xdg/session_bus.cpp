@@ -73,6 +73,11 @@ SessionBus::~SessionBus() {
     disconnect();
 }
 
+void SessionBus::beforeInputMethod() {
+    if (m_probe && m_probe->wait(m_windowPatience) == BusProbe::State::Replied)
+        m_hiddenFromQt.reset();
+}
+
 void SessionBus::start(std::function<std::string()> accessibilityBusOfScreen) {
     m_accessibilityBusOfScreen = std::move(accessibilityBusOfScreen);
     m_expectation = m_queue.asyncAfter(kBusPatience, [this] { awaitConnection(); });

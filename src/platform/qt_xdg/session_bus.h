@@ -53,13 +53,18 @@ private:
 class SessionBus {
 public:
     static constexpr std::chrono::milliseconds kWindowPatience{100};
+
     /// Starts probing the bus of the environment and hides it. `windowPatience` limits how long
-    /// `beforeWindow` waits for replies; for Qt to connect, it waits up to a second, and up to another to
-    /// break that off. `queue` must outlive this object.
+    /// `beforeWindow` and `beforeInputMethod` wait for replies; for Qt to connect, it waits up to a second,
+    /// and up to another to break that off. `queue` must outlive this object.
     explicit SessionBus(QtMainQueue& queue, std::chrono::milliseconds windowPatience = kWindowPatience);
     SessionBus(const SessionBus&) = delete;
     SessionBus& operator=(const SessionBus&) = delete;
     ~SessionBus();
+
+    /// Waits for a short time until the bus has replied, and hides it no longer if it has. Call it before the
+    /// application object is created if Qt's input method connects to the bus then.
+    void beforeInputMethod();
 
     /// Connects, with Qt's parts, as soon as the bus replies; reconnects whenever the bus is restarted.
     /// Requires the application object. `accessibilityBusOfScreen` returns the address that the X screen

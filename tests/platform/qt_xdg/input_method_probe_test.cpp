@@ -37,8 +37,7 @@ TEST(InputMethodProbeTest, ADaemonThatIsNotKnownToRunHasNoAddress) {
             << process;
 }
 
-/// Fixture: an input method with a daemon that hangs, so that a probe that finds its announcement keeps Qt off
-/// it.
+/// Fixture: an input method whose daemon hangs, so that a probe that finds its announcement keeps Qt off it.
 class InputMethodEnvironmentTest : public testing::Test {
 protected:
     InputMethodEnvironmentTest() {
@@ -114,6 +113,15 @@ TEST_F(InputMethodEnvironmentTest, TheEnvironmentMayNameTheFile) {
 
     EXPECT_TRUE(isFoundIn(file));
     EXPECT_FALSE(isFoundIn(fileFor("unix-0")));
+}
+
+TEST_F(InputMethodEnvironmentTest, OnlyFcitxUsesTheSessionBus) {
+    EXPECT_FALSE(InputMethodProbe::usesSessionBus());
+
+    for (const char* const name : {"fcitx", "fcitx5"}) {
+        set("QT_IM_MODULE", name);
+        EXPECT_TRUE(InputMethodProbe::usesSessionBus()) << name;
+    }
 }
 
 TEST_F(InputMethodEnvironmentTest, NoOtherInputMethodHasIt) {

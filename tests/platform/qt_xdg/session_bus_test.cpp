@@ -563,6 +563,27 @@ TEST_F(SessionBusTest, TheBusIsHiddenUntilItReplies) {
     EXPECT_FALSE(qEnvironmentVariableIsSet("AT_SPI_BUS_ADDRESS"));
 }
 
+TEST_F(SessionBusTest, AnInputMethodFindsABusThatReplies) {
+    startDaemon();
+    qputenv(kVariable, QByteArray::fromStdString(address));
+    bus.emplace(queue, kLong);
+
+    bus->beforeInputMethod();
+
+    EXPECT_EQ(addressForOthers(), address);
+}
+
+TEST_F(SessionBusTest, AnInputMethodDoesNotFindABusThatHangs) {
+    startDaemon();
+    signalDaemon(SIGSTOP);
+    qputenv(kVariable, QByteArray::fromStdString(address));
+    bus.emplace(queue, std::chrono::milliseconds(1));
+
+    bus->beforeInputMethod();
+
+    EXPECT_EQ(addressForOthers(), kHidden);
+}
+
 TEST_F(SessionBusTest, AMissingBusIsNotHidden) {
     start();
 
