@@ -69,7 +69,7 @@ void CommandChannel::takeBack(const xcb_selection_clear_event_t& loss) {
     if (loss.owner != m_window || loss.selection != m_selection || m_returns >= kMostReturns)
         return;
     ++m_returns;
-    claim(loss.time);
+    claim(XCB_CURRENT_TIME); // another client may have claimed it later than the loss
 }
 
 void CommandChannel::answer(const xcb_selection_request_event_t& request) {

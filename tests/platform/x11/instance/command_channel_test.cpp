@@ -4,6 +4,7 @@
 
 #include "platform/x11/event_loop.h"
 #include "platform/x11/instance/command_sender.h"
+#include "platform/x11/server/server_time.h"
 #include "support/x11/observer.h"
 #include "support/x11/x_server.h"
 
@@ -203,6 +204,22 @@ TEST_F(CommandChannelTest, ASelectionThatAnotherClientTakesIsTakenBack) {
     EXPECT_EQ(receiver(), channelsWindow);
     send(sender);
     EXPECT_EQ(received, (std::vector<Words>{{"quit"}}));
+}
+
+TEST_F(CommandChannelTest, ASelectionThatIsTakenAgainBeforeTheLossIsSeenIsTakenBack) {
+    loop.settle();
+    const xcb_window_t channelsWindow = receiver();
+    const xcb_timestamp_t start = serverTime(loop.connection());
+    while (serverTime(loop.connection()) < start + 2) {
+    } // until both times have passed
+
+    xcb_set_selection_owner(x(), newWindow(), selection(), start + 1);
+    xcb_set_selection_owner(x(), newWindow(), selection(), start + 2);
+    observer.x().roundTrip();
+    loop.settle();
+    loop.settle(); // until the server has the claim
+
+    EXPECT_EQ(receiver(), channelsWindow);
 }
 
 TEST_F(CommandChannelTest, AnotherClientThatTakesTheSelectionEachTimeGetsItInTheEnd) {
