@@ -72,7 +72,7 @@ std::optional<EventQueue::Notice> EventQueue::noticeOf(const Event& event) {
         const auto& request = eventAs<xcb_selection_request_event_t>(event);
         notice.window = request.requestor;
         notice.property = request.property;
-        notice.contents = {request.owner, request.selection, request.target};
+        notice.contents = {request.owner, request.selection, request.target, request.time};
     } else {
         return std::nullopt;
     }
