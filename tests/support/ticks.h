@@ -9,8 +9,8 @@
 
 namespace tessarel {
 
-/// Counts the periods that have passed, in a thread of its own. A busy machine delays that thread as it does
-/// the tested code, so a test can limit how long something takes.
+/// Counts the periods that have passed, in a thread of its own, which does not count while the whole process
+/// is held up. So a test can limit how long something takes, with room for a busy machine.
 class Ticks {
 public:
     explicit Ticks(std::chrono::milliseconds period) : m_thread([this, period] { run(period); }) {}

@@ -173,8 +173,10 @@ BusProbe::BusProbe(std::string_view address) {
         m_socket = connectedTo(name);
         if (m_socket >= 0)
             break;
-        if (errno == EAGAIN)
+        if (errno == EAGAIN) { // the D-Bus library would wait here, and not try the other entries
             m_state = State::Full;
+            return;
+        }
     }
     if (m_socket < 0)
         return;

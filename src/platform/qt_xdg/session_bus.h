@@ -40,8 +40,8 @@ private:
     QByteArray m_address;
 };
 
-/// The connection to the session bus. Blocks the main thread only before a window, and to break off a
-/// connection, for a limited time. The calls that Qt makes itself have no such limit.
+/// The connection to the session bus. Blocks the main thread only before a window or an input method, and to
+/// break off a connection, for a limited time. The calls that Qt makes itself have no such limit.
 ///
 /// Qt and the D-Bus library block until a bus has replied, and abort the process when they use a connection
 /// that was lost. This class probes the bus before Qt connects, reports a loss, and connects again when the
