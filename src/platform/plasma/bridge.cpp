@@ -33,7 +33,6 @@ constexpr std::chrono::seconds kLongestSilence{10};
 /// KWin owns its name before it takes scripts.
 constexpr milliseconds kLoadInterval{500};
 constexpr int kLoadAttempts = 60;
-constexpr int kSilentAttempts = kLongestSilence / kLoadInterval;
 
 wayland::BusCall scripting(std::string member, std::string signature = {},
                            std::vector<wayland::BusValue> values = {}) {
@@ -67,6 +66,10 @@ void Bridge::load() {
              ", the script by which KWin moves windows: " + std::generic_category().message(errno));
         return;
     }
+    m_refusal = m_queue.asyncAfter(kLongestSilence, [this] {
+        if (!m_isAccepted) // hot keys have no effect meanwhile
+            m_failed.send();
+    });
     tryToLoad(kLoadAttempts);
 }
 
@@ -94,19 +97,13 @@ void Bridge::tryToLoad(int attempts) {
             if (m_isAccepted)
                 awaitReport();
             else if (attempts > 1)
-                retry(attempts - 1);
+                m_nextAttempt =
+                    m_queue.asyncAfter(kLoadInterval, [this, attempts] { tryToLoad(attempts - 1); });
             else
                 fail("KWin does not take the script by which it moves windows");
         },
         Delivery::Urgent);
     m_link.call(scripting("start"));
-}
-
-/// Tries again later. Meanwhile the user is told, once, because hot keys have no effect.
-void Bridge::retry(int attempts) {
-    m_nextAttempt = m_queue.asyncAfter(kLoadInterval, [this, attempts] { tryToLoad(attempts); });
-    if (attempts == kLoadAttempts - kSilentAttempts - 1)
-        m_failed.send();
 }
 
 void Bridge::awaitReport() {

@@ -64,7 +64,6 @@ private:
     [[nodiscard]] std::filesystem::path file() const;
     [[nodiscard]] bool writeScript() const;
     void tryToLoad(int attempts);
-    void retry(int attempts);
     void awaitReport();
     void fail(const std::string& problem);
     void handle(const wayland::BusMessage& message);
@@ -91,6 +90,7 @@ private:
     SubscriptionPtr m_calls;
     SubscriptionPtr m_delivered;
     SubscriptionPtr m_nextAttempt; ///< null unless KWin has not taken the script, and is asked again
+    SubscriptionPtr m_refusal;     ///< the time after which the user is told that KWin refuses the script
     SubscriptionPtr m_overdue;
 };
 

@@ -34,7 +34,7 @@ function setHeld(modifiers) {
         deactivate();
 }
 
-// With a movement or a click come the modifiers that are held, on Plasma 6 also with a key alone. With a key
+// With a movement or a click come the modifiers that are held, on newer versions of 6 also with a key alone. With a key
 // alone KWin 5.27 reports those that were held before it, if at all. So a key that goes up while the pointer
 // rests is seen; one that goes down is taken for the one that was held before, and the first is seen with the
 // next movement or the release.
