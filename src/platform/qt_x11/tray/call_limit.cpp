@@ -20,7 +20,8 @@ void CallLimit::refresh() {
     }
 }
 
-/// An event that is not handled makes Qt reply with an error.
+/// An event that is not handled makes Qt reply with an error. These objects have no queued slots and no other
+/// filter.
 bool CallLimit::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::MetaCall)
         return false;
