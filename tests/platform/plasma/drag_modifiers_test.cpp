@@ -2,15 +2,20 @@
 
 #include "platform/plasma/drag_modifiers.h"
 
+#include "platform/plasma/plasma_desktop.h"
+#include "platform/sim/sim_services.h"
 #include "platform/sim/time/sim_clock.h"
 #include "platform/sim/time/sim_main_queue.h"
 #include "support/scratch_folder.h"
 #include "support/x11/child_process.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <functional>
 #include <optional>
 #include <set>
 #include <string>
@@ -228,6 +233,32 @@ TEST_F(DragModifiersTest, AGraphicsResetBeginsTheAttemptsToLoadTheEffectsAnew) {
     EXPECT_TRUE(areAttempted(2));
     clock.advance(1s);
     EXPECT_TRUE(areAttempted(3));
+}
+
+/// The whole back end, in a home folder of its own.
+class DragNoteTest : public DragModifiersTest {
+protected:
+    DragNoteTest() { ::setenv("XDG_DATA_HOME", folder.path().c_str(), 1); }
+    ~DragNoteTest() override { ::unsetenv("XDG_DATA_HOME"); }
+};
+
+TEST_F(DragNoteTest, TheSettingsSayWhichKeyToChooseWhetherModifiersAreReportedOrNot) {
+    sim::SimAlerts alerts;
+    SingleInstance singleInstance(*link);
+    const auto watchNoFiles = [](int, const std::function<void()>&) { return nullptr; };
+    PlasmaDesktop desktop(*link, singleInstance, xkb::Keymap::us(), queue, alerts, folder.path(),
+                          watchNoFiles, {});
+    compositor->findsEffects = true;
+    desktop.dragModifiers.load();
+    EXPECT_TRUE(areAttempted(1));
+    EXPECT_THAT(desktop.words.dragNote, testing::HasSubstr("choose Control or Meta"));
+
+    compositor->supportsEffects = false;
+    compositor->reset();
+    passBus();
+    EXPECT_TRUE(areAttempted(2));
+    clock.advance(4s);
+    EXPECT_THAT(desktop.words.dragNote, testing::HasSubstr("choose \"Nothing (always)\""));
 }
 
 } // namespace
