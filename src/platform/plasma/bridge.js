@@ -233,12 +233,18 @@ function areEqual(one, other) {
     return one.every((number, i) => number === other[i]);
 }
 
+// KWin rounds the frame of an X program's window to pixels of the X server. They are smaller than KWin's own if the
+// program applies the scale of the display itself.
+function areClose(one, other) {
+    return one.every((number, i) => Math.abs(number - other[i]) < 1);
+}
+
 function settle(name, window) {
     const placement = placing.get(name);
     const frame = rect(window.frameGeometry);
     // Some programs first take their earlier size when they leave the maximised state, whatever they are asked
     // for.
-    if (placement.isRepeatable && !areEqual(frame, placement.frame)) {
+    if (placement.isRepeatable && !areClose(frame, placement.frame)) {
         placement.isRepeatable = false;
         requestFrame(window, placement);
         patience.start();
@@ -268,7 +274,8 @@ patience.timeout.connect(() => Array.from(placing.keys()).forEach(settleLate));
 
 // A window that has its wanted position has also taken its size, or refused it: both come at once.
 function hasSettled(window, wanted) {
-    return window.frameGeometry.x === wanted[0] && window.frameGeometry.y === wanted[1];
+    const { x, y } = window.frameGeometry;
+    return areClose([x, y], wanted);
 }
 
 // Returns whether the window has refused a part of the frame before and is still as it was then.
@@ -367,7 +374,7 @@ function place(command) {
     placement.isSent = true;
     patience.start();
     // No signal follows when nothing has to change, or when the compositor has moved the window at once.
-    if (isRefused || areEqual(rect(window.frameGeometry), frame))
+    if (isRefused || areClose(rect(window.frameGeometry), frame))
         settle(command.name, window);
 }
 

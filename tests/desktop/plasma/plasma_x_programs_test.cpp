@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 
+#include "desktop/plasma/script_run.h"
 #include "support/plasma/plasma_session.h"
 
 #include <gtest/gtest.h>
@@ -136,6 +137,23 @@ TEST_P(PlasmaXProgramsTest, AProgramThatRespondsLateGetsWholeSteps) {
     EXPECT_TRUE(fills({800, 450, 800, 450}));
     press(kBackspace);
     EXPECT_EQ(session.settledFrame(GetParam().windowClass, before), before);
+}
+
+TEST(PlasmaScaledXServerTest, AWindowWhoseFrameIsRoundedToWholePixelsOfItsProgramSettlesAtOnce) {
+    constexpr Rect kMiddleThird{427, 0, 426, 360};
+    PlasmaSession session(Drawing::Software, PlasmaSession::kFirst.size(), Extra::ScaledXServer);
+    session.outputs().setUp(0, {.scale = kXScale});
+    session.open({"xcalc"}, "xcalc");
+    ScriptRun run(session);
+    ASSERT_TRUE(run.seesWindows());
+    const auto window = run.mirror.named(session.probe().windows().back().name);
+
+    run.bridge.place(window, kMiddleThird);
+
+    EXPECT_TRUE(run.bridge.waitUntilSettled(window, x11test::kPatience));
+    const Rect rounded{std::round(kMiddleThird.x * kXScale) / kXScale, 0,
+                       std::round(kMiddleThird.width * kXScale) / kXScale, kMiddleThird.height};
+    EXPECT_EQ(session.settledFrame("xcalc", rounded), rounded);
 }
 
 INSTANTIATE_TEST_SUITE_P(

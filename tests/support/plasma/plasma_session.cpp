@@ -66,6 +66,8 @@ PlasmaSession::PlasmaSession(Drawing drawing, const Size& display, Extra extra)
     (void)m_bus->readLine();
 
     permitInput();
+    if (m_extra == Extra::ScaledXServer)
+        writeXScale();
     startCompositor();
     m_environment["WAYLAND_DISPLAY"] = kSocket;
     m_environment["QT_QPA_PLATFORM"] = "wayland";
@@ -82,6 +84,12 @@ void PlasmaSession::permitInput() const {
                          "[Desktop Entry]\nType=Application\nName=Test\nExec=" +
                              std::filesystem::read_symlink("/proc/self/exe").string() +
                              "\nX-KDE-Wayland-Interfaces=org_kde_kwin_fake_input\n");
+}
+
+/// Sets the scale that the system settings give KWin's X server with the scale of a display.
+void PlasmaSession::writeXScale() const {
+    ScratchFolder::write(std::filesystem::path(m_environment.at("XDG_CONFIG_HOME")) / "kwinrc",
+                         "[Xwayland]\nScale=" + std::to_string(kXScale) + "\n");
 }
 
 void PlasmaSession::startCompositor() {
@@ -111,7 +119,7 @@ void PlasmaSession::startCompositor() {
     }
     m_input.emplace(socket);
     m_outputs.emplace(socket);
-    if (m_extra == Extra::XServer)
+    if (hasXServer())
         readXDisplay();
 }
 
@@ -129,7 +137,7 @@ std::vector<std::string> PlasmaSession::compositorCommand() const {
                                      kSocket};
     if (m_extra != Extra::ScreenLocker)
         command.emplace_back("--no-lockscreen");
-    if (m_extra == Extra::XServer) {
+    if (hasXServer()) {
         const std::filesystem::path script = m_folder.path() / "tell-x-display";
         const std::string file = xDisplayFile().string();
         ScratchFolder::write(script, "#!/bin/sh\necho \"$DISPLAY $XAUTHORITY\" > " + file + ".new\nmv " +

@@ -28,9 +28,13 @@ inline constexpr const char* kRealEditor = "org.kde.kwrite";
 /// What KWin draws with. Effects, and so the modifiers of a drag, need OpenGL.
 enum class Drawing : std::uint8_t { Software, OpenGl };
 
-/// What else KWin runs: an X server for programs that need one, or a screen locker. A locked session cannot
-/// be unlocked again: that takes a password.
-enum class Extra : std::uint8_t { None, XServer, ScreenLocker };
+/// The pixels of X programs in one pixel of KWin with `Extra::ScaledXServer`.
+inline constexpr double kXScale = 1.25;
+
+/// What else KWin runs: an X server for programs that need one, also one whose programs apply the scale of
+/// the displays themselves, or a screen locker. A locked session cannot be unlocked again: that takes a
+/// password.
+enum class Extra : std::uint8_t { None, XServer, ScaledXServer, ScreenLocker };
 
 /// A private session of KDE Plasma on Wayland: a session bus and KWin without a screen, with two
 /// displays side by side, in a home and a runtime folder of its own. There is no desktop shell.
@@ -112,7 +116,11 @@ public:
 
 private:
     void permitInput() const;
+    void writeXScale() const;
     [[nodiscard]] std::vector<std::string> compositorCommand() const;
+    [[nodiscard]] bool hasXServer() const {
+        return m_extra == Extra::XServer || m_extra == Extra::ScaledXServer;
+    }
     void readXDisplay();
     [[nodiscard]] std::filesystem::path gateFile() const { return m_folder.path() / "gate"; }
     /// Waits until the window with this class is active, and KWin has told the program under test. Returns
