@@ -30,9 +30,14 @@ function identifier(window) {
     return String(window.internalId);
 }
 
+// Plasma 6 also lists windows that are closing, unmanaged ones of X programs, such as menus, and KWin's own.
+function isManaged(window) {
+    return !window.deleted && window.managed !== false && !String(window).startsWith("KWin::InternalWindow");
+}
+
 function allWindows() {
     if (isPlasma6)
-        return Array.from(workspace.stackingOrder);
+        return Array.from(workspace.stackingOrder).filter(isManaged);
     return Array.from(workspace.clientList()).sort((a, b) => a.stackingOrder - b.stackingOrder);
 }
 
@@ -53,8 +58,9 @@ function isInCurrentActivity(window) {
     return window.activities.length === 0 || window.activities.indexOf(workspace.currentActivity) >= 0;
 }
 
+// No property that Plasma 6 has, too, tells the windows of X programs from others.
 function isWayland(window) {
-    return window.basicUnit === undefined;
+    return !/^KWin::(Xwayland|X11)Window/.test(String(window));
 }
 
 function kind(window) {
@@ -311,14 +317,15 @@ function withinLimits(wanted, outside, inside, minimum, maximum) {
 // once it does.
 function sizeToTake(window, width, height) {
     const now = window.frameGeometry;
-    const step = window.basicUnit;
-    if (step && !window.resizeable) // KWin gives the window of an X program every size
+    if (isWayland(window)) {
+        const image = window.bufferGeometry;
+        return [withinLimits(width, now.width, image.width, window.minSize.width, window.maxSize.width),
+                withinLimits(height, now.height, image.height, window.minSize.height, window.maxSize.height)];
+    }
+    if (!window.resizeable) // KWin gives the window of an X program every size
         return [now.width, now.height];
-    if (step)
-        return [inSteps(width, now.width, step.width), inSteps(height, now.height, step.height)];
-    const image = window.bufferGeometry;
-    return [withinLimits(width, now.width, image.width, window.minSize.width, window.maxSize.width),
-            withinLimits(height, now.height, image.height, window.minSize.height, window.maxSize.height)];
+    const step = window.basicUnit || { width: 1, height: 1 }; // Plasma 6 does not report it
+    return [inSteps(width, now.width, step.width), inSteps(height, now.height, step.height)];
 }
 
 // Plasma 5 does not say which windows are maximised.
@@ -456,6 +463,8 @@ function watch(window) {
 }
 
 function added(window) {
+    if (!isManaged(window))
+        return;
     watch(window);
     reportWindow(window);
     reportOrder();
@@ -467,6 +476,8 @@ function added(window) {
 }
 
 function removed(window) {
+    if (!known.has(identifier(window)))
+        return;
     for (const map of [known, placing, settled, requested])
         map.delete(identifier(window));
     report({ event: "removed", name: identifier(window) });
