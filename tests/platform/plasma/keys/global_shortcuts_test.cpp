@@ -42,18 +42,24 @@ public:
     FakeKeyboard& operator=(const FakeKeyboard&) = delete;
     ~FakeKeyboard() { sd_bus_flush_close_unref(m_bus); }
 
-    /// Presses and releases the key of a shortcut. Returns once the bus has passed that on.
-    void press(const char* shortcut) {
-        for (const char* const signal : {"globalShortcutPressed", "globalShortcutReleased"})
-            EXPECT_GE(sd_bus_emit_signal(m_bus, "/component/tessarel", "org.kde.kglobalaccel.Component",
-                                         signal, "ssx", "tessarel", shortcut, std::int64_t{0}),
-                      0);
+    /// Presses the key of a shortcut so many times, as one that is held repeats, and releases it. Returns
+    /// once the bus has passed that on.
+    void press(const char* shortcut, int times) {
+        for (int done = 0; done < times; ++done)
+            emit("globalShortcutPressed", shortcut);
+        emit("globalShortcutReleased", shortcut);
         EXPECT_GE(sd_bus_call_method(m_bus, "org.freedesktop.DBus", "/org/freedesktop/DBus",
                                      "org.freedesktop.DBus", "GetId", nullptr, nullptr, ""),
                   0);
     }
 
 private:
+    void emit(const char* signal, const char* shortcut) {
+        EXPECT_GE(sd_bus_emit_signal(m_bus, "/component/tessarel", "org.kde.kglobalaccel.Component", signal,
+                                     "ssx", "tessarel", shortcut, std::int64_t{0}),
+                  0);
+    }
+
     sd_bus* m_bus = nullptr;
 };
 
@@ -102,9 +108,9 @@ protected:
         return FakeKeyboard(address);
     }
 
-    /// Presses the hot key, and waits until that has arrived.
-    void press(FakeKeyboard& keyboard) {
-        keyboard.press("hotkey101");
+    /// Presses the hot key so many times before its release, and waits until that has arrived.
+    void press(FakeKeyboard& keyboard, int times = 1) {
+        keyboard.press("hotkey101", times);
         roundTrip(link, wayland::busCall("GetId", "", {}));
         link.dispatch();
     }
@@ -154,6 +160,15 @@ TEST_F(GlobalShortcutsTest, AServiceThatDoesNotReplyHoldsUpTheStartOnlySoLongAnd
 
     EXPECT_THAT(takeCalls(3), ElementsAre("doRegister", "setShortcut?", "blockGlobalShortcuts?"));
     EXPECT_THAT(shortcuts.taken(), IsEmpty());
+}
+
+TEST_F(GlobalShortcutsTest, AHotKeyThatRepeatsWhileItIsHeldIsReportedOnce) {
+    const auto claims = claim();
+    FakeKeyboard keyboard = takeOver();
+
+    press(keyboard, 2);
+
+    EXPECT_THAT(pressed, ElementsAre(101));
 }
 
 TEST_F(GlobalShortcutsTest, AHotKeyThatIsHeldBackIsReportedWhenItIsDelivered) {
