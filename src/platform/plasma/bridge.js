@@ -507,13 +507,10 @@ renewal.interval = 20000;
 renewal.singleShot = true;
 renewal.timeout.connect(renew);
 let lastCall = 0;
-let unanswered = 0; // calls since the last answer
 
 function next() {
-    ++unanswered;
     const call = ++lastCall;
     callDBus(service, path, programInterface, "next", (text) => {
-        unanswered = 0;
         try {
             if (text !== "")
                 JSON.parse(text).forEach(carryOut);
@@ -525,14 +522,17 @@ function next() {
     renewal.start();
 }
 
-// A program that does not answer has gone, or is stopped and may go on at any time later.
+// A program that does not answer may be stopped, and go on at any time later. One that has gone in disorder, while
+// it recorded a hot key, has left all shortcuts of the desktop blocked.
 function renew() {
-    if (unanswered < 2)
-        return next();
+    next();
     callDBus("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", "NameHasOwner", service,
              (isThere) => {
                  if (isThere)
-                     next();
+                     return;
+                 renewal.stop();
+                 callDBus("org.kde.kglobalaccel", "/kglobalaccel", "org.kde.KGlobalAccel", "blockGlobalShortcuts",
+                          false);
              });
 }
 

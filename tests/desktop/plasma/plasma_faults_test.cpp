@@ -338,6 +338,33 @@ TEST_F(PlasmaScriptTest, AProgramThatHasGoneIsNotCalledAnyMore) {
     EXPECT_EQ(calls.size(), before);
 }
 
+TEST_F(PlasmaScriptTest, ShortcutsThatAProgramHasBlockedWorkAgainOnceTheScriptSeesThatItHasGone) {
+    constexpr std::uint32_t kPageDown = 109;
+    const std::string name = "org.example.program";
+    std::vector<std::uint64_t> calls;
+    const auto program = collect("/Program", calls);
+    link.call(wayland::busCall("RequestName", "su", {name, std::int64_t{0}}));
+    session.openEditor();
+    const auto minimize = [this] {
+        session.input().press({key::kLeftMeta, kPageDown});
+        session.probe().roundTrip();
+        return std::ranges::any_of(session.probe().windows(), &SeenWindow::isMinimized);
+    };
+    run("100", name, "/Program");
+    link.call({"org.kde.kglobalaccel",
+               "/kglobalaccel",
+               "org.kde.KGlobalAccel",
+               "blockGlobalShortcuts",
+               "b",
+               {std::int64_t{true}}});
+    ASSERT_TRUE(session.probe().waitUntil([&] { return calls.size() >= 4; }));
+    EXPECT_FALSE(minimize());
+
+    link.call(wayland::busCall("ReleaseName", "s", {name}));
+
+    EXPECT_TRUE(PlasmaSession::waitFor(minimize));
+}
+
 TEST_F(PlasmaScriptTest, TheScriptOfAKilledRunIsReplacedAtOnceByABusyCompositor) {
     ScriptRun killed(session);
     ASSERT_TRUE(killed.seesWindows());

@@ -6,8 +6,12 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <csignal>
+#include <cstdint>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
+#include <vector>
 
 namespace tessarel::plasmatest {
 namespace {
@@ -23,6 +27,38 @@ constexpr Point kShortcutsTab{128, 53};
 constexpr Point kGeneralTab{209, 53};
 constexpr Point kFirstRecorder{467, 176}; // among the shortcuts
 constexpr Point kLoginBox{43, 95};        // among the general settings
+
+/// A global shortcut of another program.
+class DesktopKey {
+public:
+    DesktopKey(PlasmaSession& session, std::int64_t key) : m_session(session) {
+        const std::vector<std::string> identity{"another", "something", "Another", "Something"};
+        constexpr std::int64_t kSetWithoutAutoloading = 6;
+        send("doRegister", "as", {identity});
+        send("setShortcut", "asaiu", {identity, std::vector{key}, kSetWithoutAutoloading});
+    }
+
+    /// Presses these keys. Returns whether that has triggered the shortcut.
+    [[nodiscard]] bool worksWith(std::initializer_list<std::uint32_t> keys) {
+        m_isTriggered = false;
+        m_session.input().press(keys);
+        m_session.probe().roundTrip();
+        return m_isTriggered;
+    }
+
+private:
+    void send(std::string member, std::string signature, std::vector<wayland::BusValue> values) {
+        m_session.probe().link().call({"org.kde.kglobalaccel", "/kglobalaccel", "org.kde.KGlobalAccel",
+                                       std::move(member), std::move(signature), std::move(values)});
+    }
+
+    PlasmaSession& m_session;
+    bool m_isTriggered = false;
+    SubscriptionPtr m_presses = m_session.probe().link().onSignal(
+        {"org.kde.kglobalaccel", "/component/another", "org.kde.kglobalaccel.Component",
+         "globalShortcutPressed"},
+        [this](const wayland::BusMessage&) { m_isTriggered = true; }, wayland::BusLink::Delivery::Urgent);
+};
 
 /// The program with an editor, and with a panel that shows status items.
 class PlasmaSettingsTest : public testing::Test {
@@ -158,6 +194,23 @@ TEST_F(PlasmaSettingsTest, ARecordedCombinationMovesTheActiveWindow) {
 
     const Rect first{0, 0, 533, 450};
     EXPECT_EQ(session.settledFrame(kEditor, first), first);
+}
+
+TEST_F(PlasmaSettingsTest, AfterAKillWhileACombinationIsRecordedTheNextStartLetsTheKeysOfTheDesktopWork) {
+    DesktopKey key(session, 'K'); // which the recorder does not take, because it has no modifier
+    ASSERT_TRUE(PlasmaSession::waitFor([&] { return key.worksWith({kKeyK}); }));
+    EXPECT_EQ(startAgain(), 0);
+    ASSERT_TRUE(waitForSettings());
+    click(kShortcutsTab);
+    click(kFirstRecorder);
+    // Then the recorder has the keyboard.
+    ASSERT_TRUE(PlasmaSession::waitFor([&] { return !key.worksWith({kKeyK}); }));
+    session.program().signal(SIGKILL);
+    ASSERT_TRUE(session.program().waitForExit());
+
+    ASSERT_TRUE(session.startProgram()) << session.program().errors();
+
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return key.worksWith({kKeyK}); }));
 }
 
 TEST_F(PlasmaSettingsTest, TheBoxWritesAndRemovesTheEntryThatStartsTheProgramAtLogin) {
