@@ -52,7 +52,7 @@ public:
     virtual void retryTaken() = 0;
 
     /// Calls `changed` when `retryTaken` has taken over a combination, and when a registered combination has
-    /// become taken, until the returned subscription is destroyed.
+    /// become taken or has been given back, until the returned subscription is destroyed.
     [[nodiscard]] virtual SubscriptionPtr onTakenChange(std::function<void()> changed) = 0;
 };
 

@@ -27,6 +27,7 @@ constexpr std::uint32_t kControlOption = 6144;
 constexpr std::uint32_t kRight = 124;
 constexpr std::uint32_t kLeft = 123;
 constexpr std::int64_t kControlAltRight = 0x0c000000 | 0x01000014; ///< as Qt numbers keys
+constexpr std::int64_t kMetaK = 0x10000000 | 'K';
 
 constexpr const char* kTwoShortcuts = R"({"hasOnboarded":true,"rememberApps":false,"bindings":{
     "rightHalf":{"keyCode":124,"mods":6144},"arrangeAll":{"keyCode":0,"mods":6144}}})";
@@ -58,6 +59,11 @@ protected:
         constexpr std::int64_t kSetWithoutAutoloading = 6;
         send("doRegister", "as", {identity});
         send("setShortcut", "asaiu", {identity, std::move(keys), kSetWithoutAutoloading});
+    }
+    /// Changes the keys of a shortcut of another program, as the system settings do.
+    void changeKeys(const std::string& program, const std::string& shortcut, std::vector<std::int64_t> keys) {
+        const std::vector<std::string> identity{program, shortcut, program, shortcut};
+        send("setForeignShortcut", "asai", {identity, std::move(keys)});
     }
 
     /// Waits until Plasma has handled everything that was sent.
@@ -219,6 +225,54 @@ TEST_F(PlasmaShortcutsTest, AHotKeyThatAnEarlierRunHasUsedForSomethingElseIsNotT
     ASSERT_TRUE(waitForPlasma());
     link.dispatch(); // the reply to the second request
     EXPECT_TRUE(shortcuts.taken().empty());
+}
+
+TEST_F(PlasmaShortcutsTest, AHotKeyThatTheUserTakesAwayInTheSystemSettingsIsTakenUntilItIsGivenBack) {
+    const auto right = claim(kRight, 100);
+    const auto left = claim(kLeft, 101);
+
+    changeKeys("tessarel", "hotkey100", {});
+    EXPECT_TRUE(dispatchUntil([&] { return shortcuts.taken() == std::vector{100U}; }));
+
+    changeKeys("tessarel", "hotkey100", {kControlAltRight});
+    EXPECT_TRUE(dispatchUntil([&] { return shortcuts.taken().empty(); }));
+}
+
+TEST_F(PlasmaShortcutsTest, AHotKeyThatTheUserGivesAnotherCombinationIsTakenAndTakenBackWhenItIsRetried) {
+    const auto claims = claim(kRight, 100);
+
+    changeKeys("tessarel", "hotkey100", {kMetaK});
+    ASSERT_TRUE(dispatchUntil([&] { return shortcuts.taken() == std::vector{100U}; }));
+    shortcuts.retryTaken();
+
+    EXPECT_TRUE(dispatchUntil([&] { return shortcuts.taken().empty(); }));
+    EXPECT_EQ(session.keysOf("hotkey100"), std::vector{kControlAltRight});
+}
+
+TEST_F(PlasmaShortcutsTest, AChangeOfAnotherProgramsShortcutTakesNoHotKeyOfTheSameName) {
+    const auto claims = claim(kRight, 100);
+    setKeys("another", "hotkey100", {kMetaK});
+
+    changeKeys("another", "hotkey100", {});
+    for (int roundTrips = 0; roundTrips < 2; ++roundTrips) { // also for what the change makes the program ask
+        ASSERT_TRUE(waitForPlasma());
+        link.dispatch();
+    }
+
+    EXPECT_TRUE(shortcuts.taken().empty());
+}
+
+TEST_F(PlasmaShortcutsTest, AKeyThatTypesNothingStaysTakenWhenTheUserClearsIt) {
+    constexpr std::uint32_t kYen = 93;
+    const auto claims = claim(kYen, 100);
+
+    changeKeys("tessarel", "hotkey100", {0}); // no key, as an empty field of the settings has it
+    for (int roundTrips = 0; roundTrips < 2; ++roundTrips) {
+        ASSERT_TRUE(waitForPlasma());
+        link.dispatch();
+    }
+
+    EXPECT_EQ(shortcuts.taken(), std::vector{100U});
 }
 
 TEST_F(PlasmaKeysTest, CommandsFromATerminalMoveTheActiveWindowAndQuit) {

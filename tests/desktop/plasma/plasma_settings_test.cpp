@@ -213,6 +213,24 @@ TEST_F(PlasmaSettingsTest, AfterAKillWhileACombinationIsRecordedTheNextStartLets
     EXPECT_TRUE(PlasmaSession::waitFor([&] { return key.worksWith({kKeyK}); }));
 }
 
+TEST_F(PlasmaSettingsTest, TheMenuLeavesOutAKeyThatTheUserHasGivenAnotherProgramInTheSystemSettings) {
+    constexpr std::int64_t kControlAltLeft = 0x0c000000 | 0x01000012; // as Qt numbers keys
+    const auto offersKey = [this] { return openedMenu().find("Ctrl+Alt+Left") != std::string::npos; };
+    ASSERT_TRUE(PlasmaSession::waitFor([this] { return !panel.item().empty(); }));
+    ASSERT_TRUE(PlasmaSession::waitFor(offersKey));
+
+    session.probe().link().call({"org.kde.kglobalaccel",
+                                 "/kglobalaccel",
+                                 "org.kde.KGlobalAccel",
+                                 "setForeignShortcut",
+                                 "asai",
+                                 {std::vector<std::string>{"tessarel", "leftHalf", "Tessarel", "Left half"},
+                                  std::vector<std::int64_t>{}}});
+    const DesktopKey key(session, kControlAltLeft);
+
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return !offersKey(); }));
+}
+
 TEST_F(PlasmaSettingsTest, TheBoxWritesAndRemovesTheEntryThatStartsTheProgramAtLogin) {
     EXPECT_EQ(startAgain(), 0);
     ASSERT_TRUE(waitForSettings());

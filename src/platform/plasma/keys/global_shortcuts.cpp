@@ -17,6 +17,8 @@ namespace tessarel::plasma {
 namespace {
 
 constexpr const char* kService = "org.kde.kglobalaccel";
+constexpr const char* kPath = "/kglobalaccel";
+constexpr const char* kInterface = "org.kde.KGlobalAccel";
 constexpr const char* kComponent = "tessarel";
 constexpr const char* kComponentPath = "/component/tessarel";
 constexpr const char* kComponentInterface = "org.kde.kglobalaccel.Component";
@@ -40,8 +42,7 @@ std::vector<std::string> identityOf(std::uint32_t id) {
 }
 
 wayland::BusCall call(std::string member, std::string signature, std::vector<wayland::BusValue> values) {
-    return {kService,          "/kglobalaccel",      "org.kde.KGlobalAccel",
-            std::move(member), std::move(signature), std::move(values)};
+    return {kService, kPath, kInterface, std::move(member), std::move(signature), std::move(values)};
 }
 
 wayland::BusCall setKeys(std::uint32_t id, std::vector<std::int64_t> keys) {
@@ -60,6 +61,9 @@ GlobalShortcuts::GlobalShortcuts(wayland::BusLink& link, KeyboardLayout& layout)
       m_signals(link.onSignal(
           {.sender = kService, .path = kComponentPath, .interface = kComponentInterface, .member = {}},
           [this](const wayland::BusMessage& signal) { handle(signal); })),
+      m_foreignChanges(link.onSignal(
+          {.sender = kService, .path = kPath, .interface = kInterface, .member = "yourShortcutsChanged"},
+          [this](const wayland::BusMessage& signal) { followSettings(signal); })),
       m_serviceChanges(wayland::onOwnerChanged(link, kService,
                                                [this](const std::string& owner) {
                                                    if (!owner.empty())
@@ -102,10 +106,7 @@ void GlobalShortcuts::review() {
 /// that one of them may have had.
 void GlobalShortcuts::unregisterOthers(const std::vector<std::string>& names) {
     for (const std::string& name : names) {
-        const auto isNamed = [&name](const Shortcut& shortcut) {
-            return nameOf(shortcut.request.hotKey.id) == name;
-        };
-        if (std::none_of(m_shortcuts.begin(), m_shortcuts.end(), isNamed))
+        if (withName(name) == nullptr)
             m_link.call(call("unregister", "ss", {kComponent, name}));
     }
     retryTaken();
@@ -196,19 +197,42 @@ void GlobalShortcuts::announceAll() {
 void GlobalShortcuts::send(const Shortcut& shortcut) {
     if (shortcut.key == 0)
         return setTaken(shortcut.serial, true);
-    m_link.call(setKeys(shortcut.request.hotKey.id, {shortcut.key}),
-                [this, serial = shortcut.serial, key = std::int64_t{shortcut.key},
-                 alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
-                    if (alive.expired())
-                        return;
-                    const auto granted = reply.value<std::vector<std::int64_t>>(0);
-                    setTaken(serial, std::find(granted.begin(), granted.end(), key) == granted.end());
-                });
+    compare(shortcut, setKeys(shortcut.request.hotKey.id, {shortcut.key}));
+}
+
+/// Sends a call that returns which keys the shortcut has. It is taken unless its own key is among them.
+void GlobalShortcuts::compare(const Shortcut& shortcut, wayland::BusCall call) {
+    m_link.call(std::move(call), [this, serial = shortcut.serial, key = std::int64_t{shortcut.key},
+                                  alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
+        if (alive.expired())
+            return;
+        const auto keys = reply.value<std::vector<std::int64_t>>(0);
+        setTaken(serial, std::find(keys.begin(), keys.end(), key) == keys.end());
+    });
+}
+
+/// Reads the keys of a shortcut that the user or another program has changed. What this program sets, Plasma
+/// does not report. The new keys in the signal are of a type that `BusMessage` leaves out.
+void GlobalShortcuts::followSettings(const wayland::BusMessage& signal) {
+    const auto identity = signal.value<std::vector<std::string>>(0);
+    if (identity.size() < 2 || identity[0] != kComponent)
+        return;
+    const Shortcut* const shortcut = withName(identity[1]);
+    if (shortcut != nullptr && shortcut->key != 0)
+        compare(*shortcut, call("shortcut", "as", {identity}));
 }
 
 GlobalShortcuts::Shortcut* GlobalShortcuts::withSerial(std::size_t serial) {
     const auto found = std::find_if(m_shortcuts.begin(), m_shortcuts.end(),
                                     [serial](const Shortcut& shortcut) { return shortcut.serial == serial; });
+    return found == m_shortcuts.end() ? nullptr : &*found;
+}
+
+GlobalShortcuts::Shortcut* GlobalShortcuts::withName(const std::string& name) {
+    const auto found =
+        std::find_if(m_shortcuts.begin(), m_shortcuts.end(), [&name](const Shortcut& shortcut) {
+            return nameOf(shortcut.request.hotKey.id) == name;
+        });
     return found == m_shortcuts.end() ? nullptr : &*found;
 }
 
@@ -250,12 +274,8 @@ void GlobalShortcuts::handle(const wayland::BusMessage& signal) {
     const bool isPress = signal.member == "globalShortcutPressed";
     if (!isPress && signal.member != "globalShortcutReleased")
         return;
-    const auto name = signal.value<std::string>(1);
-    const auto shortcut =
-        std::find_if(m_shortcuts.begin(), m_shortcuts.end(), [&name](const Shortcut& candidate) {
-            return nameOf(candidate.request.hotKey.id) == name;
-        });
-    if (shortcut == m_shortcuts.end())
+    Shortcut* const shortcut = withName(signal.value<std::string>(1));
+    if (shortcut == nullptr)
         return;
     const bool wasHeld = std::exchange(shortcut->isHeld, isPress);
     if (!isPress || wasHeld)

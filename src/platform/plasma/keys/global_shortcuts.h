@@ -25,7 +25,8 @@ namespace tessarel::plasma {
 ///
 /// Requests are sent without waiting for replies, so a combination counts as granted until Plasma has refused
 /// it. When the service for them starts, which it may do after KWin, all are registered again. The desktop
-/// lists the shortcuts under the program's name in its settings while the program runs.
+/// lists the shortcuts under the program's name in its settings while the program runs. A combination that
+/// the user or another program removes there is taken from then on.
 ///
 /// Plasma knows shortcuts by symbol, bindings by key. So a shortcut is that of the symbol that the key types
 /// in the present layout, and changes with it. Two keys that type the same symbol are one shortcut, which
@@ -77,9 +78,12 @@ private:
     void unregisterOthers(const std::vector<std::string>& names);
     [[nodiscard]] SubscriptionPtr claim(const HotKeyRequest& request);
     [[nodiscard]] Shortcut* withSerial(std::size_t serial);
+    [[nodiscard]] Shortcut* withName(const std::string& name);
     void announce(const Shortcut& shortcut);
     void announceAll();
     void send(const Shortcut& shortcut);
+    void compare(const Shortcut& shortcut, wayland::BusCall call);
+    void followSettings(const wayland::BusMessage& signal);
     void setTaken(std::size_t serial, bool isTaken);
     void release(std::size_t serial);
     void handle(const wayland::BusMessage& signal);
@@ -98,6 +102,7 @@ private:
     Signal<> m_takenChange;
     Lifetime m_lifetime; // watched by claims and replies
     SubscriptionPtr m_signals;
+    SubscriptionPtr m_foreignChanges;
     SubscriptionPtr m_serviceChanges;
     SubscriptionPtr m_layoutChanges;
 };
