@@ -201,6 +201,18 @@ TEST_F(PlasmaShortcutsTest, AKeyThatTypesNothingIsTakenUntilALayoutHasASymbolFor
     EXPECT_FALSE(session.keysOf("hotkey100").empty());
 }
 
+TEST_F(PlasmaShortcutsTest, AKeyThatTypesNothingInANewLayoutIsTakenAlthoughTheOldOneIsGrantedLater) {
+    constexpr std::uint32_t kYen = 93;
+    layout.setKeymap(xkb::keymapOf("jp"));
+    const auto claims = claim(kYen, 100);
+    ASSERT_TRUE(waitForPlasma()); // the reply has arrived, and has not been dispatched
+
+    layout.setKeymap(xkb::Keymap::us());
+    link.dispatch();
+
+    EXPECT_EQ(shortcuts.taken(), std::vector{100U});
+}
+
 TEST_F(PlasmaShortcutsTest, AHotKeyThatAnotherProgramHasAtTheStartIsTakenUntilItIsFree) {
     setKeys("another", "something", {kControlAltRight});
     const auto right = claim(kRight, 100);

@@ -204,7 +204,8 @@ void GlobalShortcuts::send(const Shortcut& shortcut) {
 void GlobalShortcuts::compare(const Shortcut& shortcut, wayland::BusCall call) {
     m_link.call(std::move(call), [this, serial = shortcut.serial, key = std::int64_t{shortcut.key},
                                   alive = m_lifetime.watch()](const wayland::BusMessage& reply) {
-        if (alive.expired())
+        const Shortcut* const present = alive.expired() ? nullptr : withSerial(serial);
+        if (present == nullptr || present->key != key) // the layout has changed since
             return;
         const auto keys = reply.value<std::vector<std::int64_t>>(0);
         setTaken(serial, std::find(keys.begin(), keys.end(), key) == keys.end());
