@@ -117,10 +117,11 @@ void PlasmaSession::startCompositor() {
     } catch (const std::exception& problem) {
         throw std::runtime_error(problem.what() + std::string(": ") + m_compositor->errors());
     }
-    m_input.emplace(socket);
-    m_outputs.emplace(socket);
+    // The input devices come last: Xwayland never gets ready if the seat gets new ones while it starts.
     if (hasXServer())
         readXDisplay();
+    m_input.emplace(socket);
+    m_outputs.emplace(socket);
 }
 
 std::vector<std::string> PlasmaSession::compositorCommand() const {
