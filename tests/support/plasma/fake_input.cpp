@@ -13,12 +13,6 @@
 
 namespace tessarel::plasmatest {
 
-namespace {
-
-constexpr std::uint32_t kFinger = 0; // any number
-
-} // namespace
-
 class FakeInput::Connection {
 public:
     explicit Connection(const std::string& socket) : m_display(wl_display_connect(socket.c_str())) {
@@ -90,28 +84,6 @@ void FakeInput::moveTo(double x, double y) {
 
 void FakeInput::setLeftButton(bool isPressed) {
     org_kde_kwin_fake_input_button(m_connection->input(), BTN_LEFT, isPressed ? 1 : 0);
-    m_connection->roundTrip();
-}
-
-void FakeInput::touch(double x, double y) {
-    org_kde_kwin_fake_input_touch_down(m_connection->input(), kFinger, wl_fixed_from_double(x),
-                                       wl_fixed_from_double(y));
-    finishTouch();
-}
-
-void FakeInput::moveTouchTo(double x, double y) {
-    org_kde_kwin_fake_input_touch_motion(m_connection->input(), kFinger, wl_fixed_from_double(x),
-                                         wl_fixed_from_double(y));
-    finishTouch();
-}
-
-void FakeInput::endTouch() {
-    org_kde_kwin_fake_input_touch_up(m_connection->input(), kFinger);
-    finishTouch();
-}
-
-void FakeInput::finishTouch() {
-    org_kde_kwin_fake_input_touch_frame(m_connection->input());
     m_connection->roundTrip();
 }
 

@@ -23,8 +23,8 @@ inline constexpr std::uint32_t kDown = 108;
 inline constexpr std::uint32_t kLeftMeta = 125;
 } // namespace key
 
-/// A keyboard, a mouse and a touch screen of the compositor. Every function returns once the compositor has
-/// received the input.
+/// A keyboard and a mouse of the compositor. Every function returns once the compositor has received the
+/// input.
 class FakeInput {
 public:
     /// Connects to the socket with this absolute path. Throws std::runtime_error if that fails.
@@ -39,16 +39,9 @@ public:
     /// Moves the pointer; coordinates are the compositor's.
     void moveTo(double x, double y);
     void setLeftButton(bool isPressed);
-    /// Puts a finger on the screen, moves it, and takes it away. The pointer stays where it is.
-    void touch(double x, double y);
-    void moveTouchTo(double x, double y);
-    void endTouch();
 
 private:
     class Connection;
-
-    void finishTouch();
-
     std::unique_ptr<Connection> m_connection;
 };
 
