@@ -90,7 +90,7 @@ private:
     SubscriptionPtr m_calls;
     SubscriptionPtr m_delivered;
     SubscriptionPtr m_nextAttempt; ///< null unless KWin has not taken the script, and is asked again
-    SubscriptionPtr m_refusal;     ///< the time after which the user is told that KWin refuses the script
+    SubscriptionPtr m_refusal;     ///< the time until `onFailed` reports that KWin refuses the script
     SubscriptionPtr m_overdue;
 };
 
