@@ -135,6 +135,7 @@ function isMovedByUser(window) {
 
 let move = null; // the move that goes on: where the window was before, in which tile, where it was last, and how
                  // often its maximised state has changed
+let reportEnd = null; // reports how the last move has ended, if that has not been reported yet
 
 // Calls `work` once KWin has finished what it is doing.
 function later(work) {
@@ -196,10 +197,15 @@ function endMove(window, ended) {
     const isTakenBack = isInPlace && !mayBeDropped(window);
     if (!isTakenBack)
         leaveNewTile(window, ended.tile);
-    later(() => {
+    const reportThisEnd = () => {
+        if (reportEnd !== reportThisEnd)
+            return; // reported when the next move began
+        reportEnd = null;
         const isCancelled = isTakenBack || (!isInPlace && hasFrameAgain(window, ended));
         reportMove(isCancelled ? "moveCancelled" : "moveFinished", window);
-    });
+    };
+    reportEnd = reportThisEnd;
+    later(reportThisEnd);
 }
 
 function reportMove(event, window) {
@@ -402,6 +408,8 @@ function bringOwnWindows() {
 function watch(window) {
     known.set(identifier(window), window);
     const started = () => {
+        if (reportEnd !== null)
+            reportEnd();
         const frame = rect(window.frameGeometry);
         move = { window: window, start: frame, last: frame, tile: window.tile, maximisedChanges: 0 };
         reportMove("moveStarted", window);
@@ -461,6 +469,8 @@ function added(window) {
 function removed(window) {
     if (!known.has(identifier(window)))
         return;
+    if (reportEnd !== null)
+        reportEnd(); // its window may be this one
     for (const map of [known, placing, settled, requested])
         map.delete(identifier(window));
     report({ event: "removed", name: identifier(window) });

@@ -180,6 +180,24 @@ TEST_F(PlasmaDragTest, AWindowDraggedIntoAZoneTakesItsFrameAndTheZonesAreShownMe
     EXPECT_TRUE(session.program().running());
 }
 
+TEST_F(PlasmaDragTest, TheEndOfAMoveIsNotTakenForThatOfTheNextThoughTheBusIsSlow) {
+    dragTo(1300, 200);
+    ASSERT_TRUE(session.probe().waitUntil([&] { return isOverlayOn(PlasmaSession::kFirst); }));
+
+    session.bus().signal(SIGSTOP);
+    session.input().setLeftButton(false);
+    session.input().setKey(key::kLeftMeta, true); // another press of the title bar would be a double click
+    dragFrom({1300, 400}, 300, 700);
+    session.bus().signal(SIGCONT);
+    session.probe().run("workspace;"); // KWin has received what the bus had kept
+    ASSERT_EQ(session.command({"list", "displays"}), 0);
+    session.input().moveTo(1300, 700);
+    session.input().setLeftButton(false);
+    session.input().setKey(key::kLeftMeta, false);
+
+    EXPECT_EQ(session.settledFrame(kEditor, kFourth), kFourth);
+}
+
 TEST_F(PlasmaDragTest, TheZonesOfTheDisplayWithThePointerAreShown) {
     dragTo(1600 + 300, 700);
     EXPECT_TRUE(session.probe().waitUntil([&] { return isOverlayOn(PlasmaSession::kSecond); }));
