@@ -20,7 +20,7 @@ using Json = nlohmann::json;
 
 /// Maximum number of arrays and objects that may lie inside each other. It bounds the memory for a document;
 /// reading needs no more stack for a deep document than for a flat one.
-inline constexpr std::size_t kDeepestJson = 1024UL * 1024;
+inline constexpr std::size_t kDeepestJson = 128UL * 1024;
 
 /// Parses a JSON document in UTF-8. Returns `std::nullopt` if it is not valid JSON, contains a zero byte, or
 /// is nested deeper than `kDeepestJson`. If a name occurs repeatedly in an object, the last member counts.
