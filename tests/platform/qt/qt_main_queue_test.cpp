@@ -69,12 +69,14 @@ TEST_F(QtMainQueueTest, AsyncNeverRunsWorkBeforeItReturns) {
 TEST_F(QtMainQueueTest, DelayedWorkRunsInTheOrderInWhichItIsDue) {
     std::string ran;
     bool done = false;
+    asyncAfter(*queue, std::chrono::hours(1), [&] { ran += "d"; });
+    // These are added in the order of their times, so a pause between two of them does not change it.
+    async(*queue, [&] { ran += "a"; });
+    asyncAfter(*queue, milliseconds(10), [&] { ran += "b"; });
     asyncAfter(*queue, milliseconds(20), [&] {
         ran += "c";
         done = true;
     });
-    asyncAfter(*queue, milliseconds(10), [&] { ran += "b"; });
-    async(*queue, [&] { ran += "a"; });
 
     runUntil(done);
 
