@@ -69,6 +69,9 @@ TEST_P(WindowManagerTest, TheOuterFrameIsTheRequestedOne) {
 TEST_P(WindowManagerTest, ActivatesTheRequestedWindow) {
     const xcb_window_t first = openAndWait();
     const xcb_window_t second = openAndWait();
+    if (GetParam() == WindowManagerKind::Blackbox) { // activates a new window after all else that it does for it
+        ASSERT_TRUE(observer.waitUntil([&] { return observer.activeWindow() == second; }));
+    }
 
     for (const xcb_window_t window : {first, second, first})
         EXPECT_TRUE(observer.activateAndWait(window));
