@@ -6,16 +6,12 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstdint>
 #include <string_view>
 
 namespace tessarel::x11test {
 
 namespace {
-
-using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 
 const char* propertyOf(FloodKind kind) {
     switch (kind) {
@@ -43,32 +39,19 @@ EventFlood::EventFlood(const std::string& display, FloodKind kind, int perSecond
     else if (kind == FloodKind::Commands)
         createSender();
     m_x.roundTrip();
-    m_thread = std::thread([this, perSecond] { run(perSecond); });
+    start(perSecond);
 }
 
 EventFlood::~EventFlood() {
-    m_isOver = true;
-    m_thread.join();
+    stop();
+    m_x.roundTrip();
 }
 
-void EventFlood::run(int perSecond) {
-    auto last = Clock::now();
-    double due = 0;
-    while (!m_isOver) {
-        std::this_thread::sleep_for(1ms);
-        const auto now = Clock::now();
-        due += perSecond * std::chrono::duration<double>(now - last).count();
-        last = now;
-        for (; due >= 1 && !m_isOver; --due) {
-            send();
-            ++m_sent;
-        }
-        m_x.flush();
-        while (own(xcb_poll_for_event(m_x.get())) != nullptr) {
-            // The replies to commands need no reaction, but the server keeps them until they are read.
-        }
+void EventFlood::flush() {
+    m_x.flush();
+    while (own(xcb_poll_for_event(m_x.get())) != nullptr) {
+        // The replies to commands need no reaction, but the server keeps them until they are read.
     }
-    m_x.roundTrip();
 }
 
 void EventFlood::send() {
@@ -103,7 +86,7 @@ void EventFlood::send() {
         break;
     }
     case FloodKind::Windows:
-        if (m_sent % 2 == 0)
+        if (sent() % 2 == 0)
             xcb_map_window(m_x.get(), m_window);
         else
             xcb_unmap_window(m_x.get(), m_window);

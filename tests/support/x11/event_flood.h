@@ -2,11 +2,10 @@
 
 #pragma once
 
+#include "support/x11/flood.h"
 #include "support/x11/x_connection.h"
 
-#include <atomic>
 #include <string>
-#include <thread>
 
 namespace tessarel::x11test {
 
@@ -25,8 +24,8 @@ enum class FloodKind {
     Commands,        ///< the command `list layouts`, sent again before it is answered
 };
 
-/// A client that floods a display with events, in a thread of its own, until it is destroyed.
-class EventFlood {
+/// A client that floods a display with events.
+class EventFlood final : public Flood {
 public:
     /// Sends `perSecond` events a second, or as many as the server takes. `window` is for the kinds that name
     /// one. Throws std::runtime_error if the server cannot be reached.
@@ -34,14 +33,11 @@ public:
                xcb_window_t window = XCB_WINDOW_NONE);
     EventFlood(const EventFlood&) = delete;
     EventFlood& operator=(const EventFlood&) = delete;
-    ~EventFlood();
-
-    /// Returns how many events the server has been sent so far.
-    [[nodiscard]] long sent() const { return m_sent; }
+    ~EventFlood() override;
 
 private:
-    void run(int perSecond);
-    void send();
+    void send() override;
+    void flush() override;
     void touch(xcb_window_t window, xcb_atom_t property, xcb_atom_t type);
     void openWindow();
     void createSender();
@@ -55,9 +51,6 @@ private:
     xcb_atom_t m_property = XCB_ATOM_NONE;
     xcb_atom_t m_text = XCB_ATOM_NONE;      // the type of a command
     xcb_atom_t m_selection = XCB_ATOM_NONE; // whose owner gets commands
-    std::atomic<long> m_sent = 0;
-    std::atomic<bool> m_isOver = false;
-    std::thread m_thread;
 };
 
 } // namespace tessarel::x11test
