@@ -19,9 +19,9 @@
 #include <QTest>
 
 #include <algorithm>
-#include <map>
 #include <stdexcept>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace tessarel {
@@ -57,8 +57,8 @@ protected:
     }
 
     /// Returns how often each colour occurs in a part of the window.
-    [[nodiscard]] std::map<QRgb, int> colorsIn(const QRect& part) const {
-        std::map<QRgb, int> counts;
+    [[nodiscard]] std::unordered_map<QRgb, int> colorsIn(const QRect& part) const {
+        std::unordered_map<QRgb, int> counts;
         for (int y = part.top() * kScale; y <= part.bottom() * kScale; ++y)
             for (int x = part.left() * kScale; x <= part.right() * kScale; ++x)
                 if (screen.valid(x, y))

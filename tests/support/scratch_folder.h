@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -52,7 +53,9 @@ public:
         std::ifstream stream(file, std::ios::binary);
         if (!stream)
             return std::nullopt;
-        return std::string(std::istreambuf_iterator<char>(stream), {});
+        std::ostringstream bytes;
+        bytes << stream.rdbuf();
+        return bytes.str();
     }
 
     /// Returns the names of the folder's entries, in alphabetical order.

@@ -2,9 +2,11 @@
 
 #pragma once
 
+#include "support/x11/child_process.h"
+
 #include <cstdint>
+#include <filesystem>
 #include <initializer_list>
-#include <memory>
 #include <string>
 
 namespace tessarel::plasmatest {
@@ -24,14 +26,15 @@ inline constexpr std::uint32_t kLeftMeta = 125;
 } // namespace key
 
 /// A keyboard and a mouse of the compositor. Every function returns once the compositor has received the
-/// input.
+/// input, and throws std::runtime_error if it does not.
 class FakeInput {
 public:
-    /// Connects to the socket with this absolute path. Throws std::runtime_error if that fails.
-    explicit FakeInput(const std::string& socket);
-    FakeInput(const FakeInput&) = delete;
-    FakeInput& operator=(const FakeInput&) = delete;
-    ~FakeInput();
+    /// Connects to the socket with this absolute path, by a program that the compositor has to permit. Throws
+    /// std::runtime_error if that fails.
+    FakeInput(const std::string& socket, const x11test::Environment& environment);
+
+    /// Returns the program that injects the input.
+    [[nodiscard]] static std::filesystem::path program();
 
     /// Presses the keys in order and releases them in the opposite order.
     void press(std::initializer_list<std::uint32_t> keys);
@@ -41,8 +44,10 @@ public:
     void setLeftButton(bool isPressed);
 
 private:
-    class Connection;
-    std::unique_ptr<Connection> m_connection;
+    void inject(const std::string& command);
+    void expect(const std::string& reply);
+
+    x11test::ChildProcess m_process;
 };
 
 } // namespace tessarel::plasmatest

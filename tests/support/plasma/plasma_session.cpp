@@ -75,15 +75,28 @@ PlasmaSession::PlasmaSession(Drawing drawing, const Size& display, Extra extra)
     m_environment["GSK_RENDERER"] = "cairo"; // OpenGL without a GPU takes seconds to start
 }
 
-/// Lets the running test inject input. Without any check of permissions, which KWin can do, too, it would
-/// read the whole executable of every program that connects to it.
+/// Lets the program of FakeInput inject input. Without any check of permissions, which KWin can do, too, it
+/// would read the whole executable of every program that connects to it, not only of that one.
 void PlasmaSession::permitInput() const {
     const auto folder = std::filesystem::path(m_environment.at("XDG_DATA_HOME")) / "applications";
     std::filesystem::create_directories(folder);
-    ScratchFolder::write(folder / "test.desktop",
-                         "[Desktop Entry]\nType=Application\nName=Test\nExec=" +
-                             std::filesystem::read_symlink("/proc/self/exe").string() +
-                             "\nX-KDE-Wayland-Interfaces=org_kde_kwin_fake_input\n");
+    ScratchFolder::write(folder / "test.desktop", "[Desktop Entry]\nType=Application\nName=Test\nExec=" +
+                                                      FakeInput::program().string() +
+                                                      "\nX-KDE-Wayland-Interfaces=org_kde_kwin_fake_input\n");
+}
+
+/// Returns a folder with the data of the system, but for the entries and types of installed programs: whoever
+/// asks KWin for a permission would wait until it has read all of them.
+std::filesystem::path PlasmaSession::dataWithoutPrograms() const {
+    const std::filesystem::path folder = m_folder.path() / "share";
+    if (!std::filesystem::create_directory(folder))
+        return folder;
+    for (const auto& entry : std::filesystem::directory_iterator("/usr/share")) {
+        const auto name = entry.path().filename();
+        if (name != "applications" && name != "mime" && name != "fonts") // which would be found twice
+            std::filesystem::create_directory_symlink(entry.path(), folder / name);
+    }
+    return folder;
 }
 
 /// Sets the scale that the system settings give KWin's X server with the scale of a display.
@@ -98,6 +111,7 @@ void PlasmaSession::startCompositor() {
         plasma::DragModifiers::write(m_environment.at("XDG_DATA_HOME"));
 
     auto environment = m_environment;
+    environment["XDG_DATA_DIRS"] = dataWithoutPrograms();
     for (const char* const client : {"WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "GDK_BACKEND"})
         environment.erase(client);
     environment["KWIN_COMPOSE"] = m_drawing == Drawing::OpenGl ? "O2" : "Q";
@@ -120,7 +134,7 @@ void PlasmaSession::startCompositor() {
     // The input devices come last: Xwayland never gets ready if the seat gets new ones while it starts.
     if (hasXServer())
         readXDisplay();
-    m_input.emplace(socket);
+    m_input.emplace(socket, m_environment);
     m_outputs.emplace(socket);
 }
 

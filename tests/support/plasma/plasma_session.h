@@ -116,6 +116,7 @@ public:
 
 private:
     void permitInput() const;
+    [[nodiscard]] std::filesystem::path dataWithoutPrograms() const;
     void writeXScale() const;
     [[nodiscard]] std::vector<std::string> compositorCommand() const;
     [[nodiscard]] bool hasXServer() const {

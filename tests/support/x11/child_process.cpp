@@ -131,6 +131,8 @@ Environment inheritedEnvironment() {
     std::erase_if(environment, [](const auto& variable) {
         return std::ranges::find(kInherited, variable.first) == std::end(kInherited);
     });
+    // Without a GPU, compiling shaders takes about 0.3 s of each start of a program that draws with OpenGL.
+    environment["MESA_SHADER_CACHE_DIR"] = TESSAREL_SHADER_CACHE;
     return environment;
 }
 

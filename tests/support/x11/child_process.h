@@ -20,7 +20,8 @@ using Environment = std::map<std::string, std::string>;
 
 /// Returns the environment of this process.
 [[nodiscard]] Environment ownEnvironment();
-/// Returns what a private session inherits of it: where programs are, and the options of the sanitizers.
+/// Returns what a private session inherits of it: where programs are, and the options of the sanitizers. All
+/// sessions share one cache of compiled shaders.
 [[nodiscard]] Environment inheritedEnvironment();
 
 /// An owned file descriptor, closed on destruction.

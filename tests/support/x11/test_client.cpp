@@ -98,12 +98,13 @@ void addWindow(Command& command, const WindowOptions& options) {
 }
 
 std::string hexadecimal(std::string_view bytes) {
-    constexpr std::string_view kDigits = "0123456789abcdef";
-    std::string text;
+    constexpr const char* kDigits = "0123456789abcdef";
+    std::string text(2 * bytes.size(), '\0');
+    char* digit = text.data();
     for (const char character : bytes) {
         const auto byte = static_cast<unsigned char>(character);
-        text += kDigits[byte >> 4U];
-        text += kDigits[byte & 0xfU];
+        *digit++ = kDigits[byte >> 4U];
+        *digit++ = kDigits[byte & 0xfU];
     }
     return text;
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <chrono>
 #include <cstddef>
 #include <cstring>
@@ -46,9 +47,14 @@ Numbers numbers(const std::string& text) {
 }
 
 std::string bytes(const std::string& hexadecimal) {
-    std::string text;
-    for (std::size_t index = 0; index + 1 < hexadecimal.size(); index += 2)
-        text += static_cast<char>(std::stoi(hexadecimal.substr(index, 2), nullptr, 16));
+    std::string text(hexadecimal.size() / 2, '\0');
+    const char* digits = hexadecimal.data();
+    for (char& byte : text) {
+        unsigned char value = 0;
+        std::from_chars(digits, digits + 2, value, 16);
+        byte = static_cast<char>(value);
+        digits += 2;
+    }
     return text;
 }
 

@@ -96,7 +96,7 @@ TEST_F(ManyWindowsTest, OpeningAndClosingWindowsLeaksNothing) {
     openAndClose(1'100); // until the tables that hold a thousand windows have their full size
     const std::size_t before = heapInUse();
 
-    openAndClose(rounds(1'500, 9'000));
+    openAndClose(rounds(1'000, 9'000));
 
     EXPECT_LT(heapInUse(), before + kWhatMapsMayGrowBy);
     EXPECT_EQ(simulated.clock().waiting(), 0U);
