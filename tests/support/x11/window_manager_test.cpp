@@ -69,7 +69,8 @@ TEST_P(WindowManagerTest, TheOuterFrameIsTheRequestedOne) {
 TEST_P(WindowManagerTest, ActivatesTheRequestedWindow) {
     const xcb_window_t first = openAndWait();
     const xcb_window_t second = openAndWait();
-    if (GetParam() == WindowManagerKind::Blackbox) { // activates a new window after all else that it does for it
+    if (GetParam() == WindowManagerKind::Blackbox) {
+        // It activates a new window after all else that it does for it.
         ASSERT_TRUE(observer.waitUntil([&] { return observer.activeWindow() == second; }));
     }
 
