@@ -10,6 +10,7 @@
 #include "platform/plasma/single_instance.h"
 #include "platform/qt/qt_messages.h"
 #include "platform/qt/qt_own_application.h"
+#include "platform/qt_wayland/frame_thread_guard.h"
 #include "platform/qt_wayland/layer_overlay.h"
 #include "platform/qt_wayland/seat_keymap.h"
 #include "platform/qt_x11/qt_local_keys.h"
@@ -50,6 +51,17 @@ constexpr std::chrono::milliseconds kPatienceWithKeys{20};
 class QtBeep : public AlertSoundPort {
 public:
     void beep() override { QApplication::beep(); }
+};
+
+/// What needs Qt's application object and its connection to the compositor.
+class BesideQt {
+public:
+    BesideQt(qt::QtMainQueue& queue, std::function<void(const std::string& keymap)> keymapChanged)
+        : m_keymap(queue, std::move(keymapChanged)) {}
+
+private:
+    qt::FrameThreadGuard m_frameThreadGuard;
+    qt::SeatKeymap m_keymap;
 };
 
 /// Returns the user's folder for files of the session. KWin runs what is in it, so it is never a folder that
@@ -170,12 +182,12 @@ std::optional<int> runOnPlasma(const char* programName) {
                             },
                         .withQt =
                             [&] {
-                                auto keymap = std::make_shared<qt::SeatKeymap>(
-                                    queue, [&desktop](const std::string& description) {
-                                        desktop.keyboardLayout.setKeymap(xkb::Keymap::parsed(description));
+                                auto beside =
+                                    std::make_shared<BesideQt>(queue, [&desktop](const std::string& keymap) {
+                                        desktop.keyboardLayout.setKeymap(xkb::Keymap::parsed(keymap));
                                     });
                                 desktop.dragModifiers.load();
-                                return keymap;
+                                return beside;
                             },
                         .receiveCommands =
                             [&link](LinuxProgram::RunCommand run) {

@@ -92,34 +92,30 @@ protected:
         return waitForWindow(
             [](const SeenWindow& window) { return window.title == kSettings && window.isActive; });
     }
-    [[nodiscard]] bool waitForActiveEditor() {
-        return waitForWindow(
-            [](const SeenWindow& window) { return window.windowClass == kEditor && window.isActive; });
+    [[nodiscard]] bool isEditorActive() {
+        return std::ranges::any_of(session.probe().windows(), [](const SeenWindow& window) {
+            return window.windowClass == kEditor && window.isActive;
+        });
     }
     /// Runs JavaScript in KWin for each window that meets the condition.
     void runForWindow(const std::string& condition, const std::string& script) {
         session.probe().run("workspace.clientList().filter((c) => " + condition + ").forEach((c) => { " +
                             script + "; });");
     }
+    /// Activates the editor until it is active, because the settings take the focus back once more if KWin
+    /// has activated them before the program's request to do so has arrived.
     void activateEditor() {
-        runForWindow("c.resourceClass == 'org.example.editor'", "workspace.activeClient = c");
-        ASSERT_TRUE(waitForActiveEditor());
+        ASSERT_TRUE(PlasmaSession::waitFor([this] {
+            runForWindow("c.resourceClass == 'org.example.editor'", "workspace.activeClient = c");
+            return isEditorActive();
+        }));
     }
     void closeSettings() {
         runForWindow("c.caption == 'Tessarel Settings'", "c.closeWindow()");
-        ASSERT_TRUE(waitForActiveEditor());
-    }
-    /// Clicks the box that starts the program at login twice, and waits for the effects. Qt activates a new
-    /// window once more, a round trip after it has got the focus, and so takes the focus back from a window
-    /// that has got it meanwhile. When the second click has been carried out, that is over.
-    void switchLoginEntryOnAndOff() {
-        const auto entry =
-            std::filesystem::path(session.environment().at("XDG_CONFIG_HOME")) / "autostart/tessarel.desktop";
-        click(kGeneralTab);
-        click(kLoginBox);
-        EXPECT_TRUE(PlasmaSession::waitFor([&] { return std::filesystem::exists(entry); }));
-        click(kLoginBox);
-        EXPECT_TRUE(PlasmaSession::waitFor([&] { return !std::filesystem::exists(entry); }));
+        ASSERT_TRUE(session.probe().waitUntil([this] {
+            const auto& all = session.probe().windows();
+            return std::ranges::find(all, kSettings, &SeenWindow::title) == all.end() && isEditorActive();
+        }));
     }
     void click(const Point& place) {
         const auto& all = session.probe().windows();
@@ -164,7 +160,6 @@ TEST_F(PlasmaSettingsTest, WhilePausedTheIconIsDimmedAndHotKeysDoNothing) {
 TEST_F(PlasmaSettingsTest, TheSettingsComeToTheFrontFromTheMenuAndWithAnotherStart) {
     choose("Settings...");
     ASSERT_TRUE(waitForSettings());
-    switchLoginEntryOnAndOff();
 
     activateEditor();
     EXPECT_EQ(startAgain(), 0);
@@ -173,6 +168,20 @@ TEST_F(PlasmaSettingsTest, TheSettingsComeToTheFrontFromTheMenuAndWithAnotherSta
     closeSettings();
     EXPECT_EQ(startAgain(), 0);
     EXPECT_TRUE(waitForSettings());
+    EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
+}
+
+TEST_F(PlasmaSettingsTest, TheSettingsCanBeClosedWhileQtHandlesTheirLastFrame) {
+    ASSERT_EQ(session.endProgram(), 0);
+    ASSERT_TRUE(session.startProgram({{"LD_PRELOAD", TESSAREL_SLOW_FRAME_CALLBACKS}}));
+
+    for (int round = 0; round < 10; ++round) {
+        EXPECT_EQ(startAgain(), 0);
+        ASSERT_TRUE(waitForSettings());
+        closeSettings();
+    }
+
+    EXPECT_EQ(session.command({"list", "displays"}), 0);
     EXPECT_EQ(session.endProgram(), 0) << session.program().errors();
 }
 
@@ -232,10 +241,16 @@ TEST_F(PlasmaSettingsTest, TheMenuLeavesOutAKeyThatTheUserHasGivenAnotherProgram
 }
 
 TEST_F(PlasmaSettingsTest, TheBoxWritesAndRemovesTheEntryThatStartsTheProgramAtLogin) {
+    const auto entry =
+        std::filesystem::path(session.environment().at("XDG_CONFIG_HOME")) / "autostart/tessarel.desktop";
     EXPECT_EQ(startAgain(), 0);
     ASSERT_TRUE(waitForSettings());
 
-    switchLoginEntryOnAndOff();
+    click(kGeneralTab);
+    click(kLoginBox);
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return std::filesystem::exists(entry); }));
+    click(kLoginBox);
+    EXPECT_TRUE(PlasmaSession::waitFor([&] { return !std::filesystem::exists(entry); }));
 }
 
 } // namespace
