@@ -133,8 +133,8 @@ function isMovedByUser(window) {
     return window.move || window.resize;
 }
 
-let move = null; // the move that goes on: where the window was before, in which tile, where it was last, and how
-                 // often its maximised state has changed
+let move = null; // the move that goes on: where the window was before, in which tile, where it was last, how often
+                 // its maximised state has changed, where the pointer was, and the steps since
 let reportEnd = null; // reports how the last move has ended, if that has not been reported yet
 
 // Calls `work` once KWin has finished what it is doing.
@@ -193,6 +193,8 @@ function hasFrameAgain(window, ended) {
 // KWin says in the same way that a move has ended and that Escape has taken the window back. One that was maximised
 // or tiled is so again at once, but has its frame only when its program has responded.
 function endMove(window, ended) {
+    if (!ended.isReported && ended.steps === 1) // a mouse may make a single movement
+        reportStep(window, ended);
     const isInPlace = isPutInPlace(window, ended);
     const isTakenBack = isInPlace && !mayBeDropped(window);
     if (!isTakenBack)
@@ -201,17 +203,29 @@ function endMove(window, ended) {
         if (reportEnd !== reportThisEnd)
             return; // reported when the next move began
         reportEnd = null;
-        const isCancelled = isTakenBack || (!isInPlace && hasFrameAgain(window, ended));
+        const isCancelled =
+            !ended.isReported || isTakenBack || (!isInPlace && hasFrameAgain(window, ended));
         reportMove(isCancelled ? "moveCancelled" : "moveFinished", window);
     };
     reportEnd = reportThisEnd;
     later(reportThisEnd);
 }
 
-function reportMove(event, window) {
-    const pointer = workspace.cursorPos;
-    report({ event: event, name: identifier(window), move: window.move, frame: rect(window.frameGeometry),
-             pointer: [pointer.x, pointer.y] });
+function pointer() {
+    return [workspace.cursorPos.x, workspace.cursorPos.y];
+}
+
+function reportMove(event, window, isMove = window.move, frame = rect(window.frameGeometry)) {
+    report({ event: event, name: identifier(window), move: isMove, frame: frame, pointer: pointer() });
+}
+
+// KWin does not tell where a finger is, which moves the window but not the pointer. So a move is reported from the
+// first step on that finds the pointer elsewhere than at the start of the move. With a mouse that is the second step.
+function reportStep(window, ongoing) {
+    if (!ongoing.isReported)
+        reportMove("moveStarted", window, ongoing.isMove, ongoing.start);
+    ongoing.isReported = true;
+    reportMove("moveStepped", window);
 }
 
 // Reports a change of anything but the frame, after the script's turn: KWin may be in the middle of it.
@@ -411,13 +425,16 @@ function watch(window) {
         if (reportEnd !== null)
             reportEnd();
         const frame = rect(window.frameGeometry);
-        move = { window: window, start: frame, last: frame, tile: window.tile, maximisedChanges: 0 };
-        reportMove("moveStarted", window);
+        move = { window: window, isMove: window.move, start: frame, last: frame, tile: window.tile,
+                 maximisedChanges: 0, pointer: pointer(), steps: 0, isReported: false };
     };
     const stepped = () => {
-        if (move !== null)
-            move.last = rect(window.frameGeometry);
-        reportMove("moveStepped", window);
+        if (move === null)
+            return;
+        move.last = rect(window.frameGeometry);
+        ++move.steps;
+        if (move.isReported || !areEqual(pointer(), move.pointer))
+            reportStep(window, move);
     };
     const finished = () => {
         const ended = move;

@@ -230,6 +230,35 @@ TEST_F(PlasmaDragTest, AWindowDraggedWithMetaTakesItsZoneThoughAnotherOneIsInFro
     EXPECT_EQ(session.frame(kCover), top);
 }
 
+TEST_F(PlasmaDragTest, AWindowDraggedByAFingerStaysWhereItIsDroppedAndNoZonesAreShown) {
+    const Rect start = session.frame(kEditor).value_or(Rect::null());
+    const Rect dropped{start.x - 100, start.y + 200, start.width, start.height};
+    session.input().moveTo(1300, 200);
+
+    session.input().touch(start.midX(), start.minY() + kPressBelowTop);
+    constexpr int kSteps = 10;
+    for (int step = 1; step <= kSteps; ++step)
+        session.input().moveTouchTo(start.midX() - 10. * step, start.minY() + kPressBelowTop + 20. * step);
+    ASSERT_EQ(session.settledFrame(kEditor, dropped), dropped);
+    EXPECT_EQ(session.command({"list", "displays"}), 0);
+    session.probe().roundTrip();
+    EXPECT_FALSE(isOverlayOn(PlasmaSession::kFirst));
+    session.input().endTouch();
+
+    EXPECT_THAT(framesDuringALateHotKey(), testing::Not(testing::Contains(kThird)));
+}
+
+TEST_F(PlasmaDragTest, AWindowDraggedByASingleMovementTakesItsZone) {
+    const Rect start = session.frame(kEditor).value_or(Rect::null());
+    session.input().moveTo(start.midX(), start.minY() + kPressBelowTop);
+    session.input().setLeftButton(true);
+    session.input().moveTo(1300, 200);
+
+    session.input().setLeftButton(false);
+
+    EXPECT_EQ(session.settledFrame(kEditor, kThird), kThird);
+}
+
 TEST_F(PlasmaDragTest, EscapeHidesTheZonesAndTheReleaseLeavesTheWindowWhereItWas) {
     const Rect before = session.frame(kEditor).value_or(Rect::null());
     dragTo(1300, 200);

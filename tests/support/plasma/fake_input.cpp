@@ -34,6 +34,18 @@ void FakeInput::setLeftButton(bool isPressed) {
     inject(isPressed ? "button 1" : "button 0");
 }
 
+void FakeInput::touch(double x, double y) {
+    inject("touch " + std::to_string(x) + ' ' + std::to_string(y));
+}
+
+void FakeInput::moveTouchTo(double x, double y) {
+    inject("move-touch " + std::to_string(x) + ' ' + std::to_string(y));
+}
+
+void FakeInput::endTouch() {
+    inject("end-touch");
+}
+
 std::filesystem::path FakeInput::program() {
     return TESSAREL_FAKE_INPUT;
 }

@@ -25,8 +25,8 @@ inline constexpr std::uint32_t kDown = 108;
 inline constexpr std::uint32_t kLeftMeta = 125;
 } // namespace key
 
-/// A keyboard and a mouse of the compositor. Every function returns once the compositor has received the
-/// input, and throws std::runtime_error if it does not.
+/// A keyboard, a mouse and a touch screen of the compositor. Every function returns once the compositor has
+/// received the input, and throws std::runtime_error if it does not.
 class FakeInput {
 public:
     /// Connects to the socket with this absolute path, by a program that the compositor has to permit. Throws
@@ -42,6 +42,10 @@ public:
     /// Moves the pointer; coordinates are the compositor's.
     void moveTo(double x, double y);
     void setLeftButton(bool isPressed);
+    /// Puts a finger on the screen, moves it, and takes it away. The pointer stays where it is.
+    void touch(double x, double y);
+    void moveTouchTo(double x, double y);
+    void endTouch();
 
 private:
     void inject(const std::string& command);

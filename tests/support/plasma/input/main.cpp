@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 
-// Plays the keyboard and the mouse of a compositor, whose socket is the only argument. Reads commands, one
-// per line, and replies "done" to each as soon as the compositor has received the input:
+// Plays the keyboard, the mouse and the touch screen of a compositor, whose socket is the only argument.
+// Reads commands, one per line, and replies "done" to each as soon as the compositor has received the input:
 //   key CODE PRESSED
 //   move X Y
 //   button PRESSED
+//   touch X Y
+//   move-touch X Y
+//   end-touch
 // CODE is one of the kernel's, PRESSED is 1 or 0, X and Y are a place in the compositor's coordinates, and
 // the button is the left one. Prints "ready" first, once the compositor accepts input.
 
@@ -32,6 +35,21 @@ void addGlobal(void* data, wl_registry* registry, std::uint32_t name, const char
 void removeGlobal(void* /*data*/, wl_registry* /*registry*/, std::uint32_t /*name*/) {}
 constexpr wl_registry_listener kListener{addGlobal, removeGlobal};
 
+constexpr std::uint32_t kFinger = 0; // any number
+
+/// A place in the compositor's coordinates, as its protocol sends it.
+struct Point {
+    wl_fixed_t x;
+    wl_fixed_t y;
+};
+
+Point readPoint(std::istream& words) {
+    double x = 0;
+    double y = 0;
+    words >> x >> y;
+    return {wl_fixed_from_double(x), wl_fixed_from_double(y)};
+}
+
 void inject(org_kde_kwin_fake_input* input, const std::string& line) {
     std::istringstream words(line);
     std::string command;
@@ -42,15 +60,23 @@ void inject(org_kde_kwin_fake_input* input, const std::string& line) {
         words >> code >> isPressed;
         org_kde_kwin_fake_input_keyboard_key(input, code, isPressed);
     } else if (command == "move") {
-        double x = 0;
-        double y = 0;
-        words >> x >> y;
-        org_kde_kwin_fake_input_pointer_motion_absolute(input, wl_fixed_from_double(x),
-                                                        wl_fixed_from_double(y));
+        const Point place = readPoint(words);
+        org_kde_kwin_fake_input_pointer_motion_absolute(input, place.x, place.y);
     } else if (command == "button") {
         std::uint32_t isPressed = 0;
         words >> isPressed;
         org_kde_kwin_fake_input_button(input, BTN_LEFT, isPressed);
+    } else if (command == "touch") {
+        const Point place = readPoint(words);
+        org_kde_kwin_fake_input_touch_down(input, kFinger, place.x, place.y);
+        org_kde_kwin_fake_input_touch_frame(input);
+    } else if (command == "move-touch") {
+        const Point place = readPoint(words);
+        org_kde_kwin_fake_input_touch_motion(input, kFinger, place.x, place.y);
+        org_kde_kwin_fake_input_touch_frame(input);
+    } else if (command == "end-touch") {
+        org_kde_kwin_fake_input_touch_up(input, kFinger);
+        org_kde_kwin_fake_input_touch_frame(input);
     }
 }
 
