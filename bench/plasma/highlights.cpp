@@ -74,6 +74,7 @@ void measureHighlights(int steps) {
     const Rect window = session.frame(plasmatest::kRealEditor).value_or(Rect::null());
     session.input().moveTo(window.midX(), window.minY() + kPressBelowTop);
     session.input().setLeftButton(true);
+    session.input().moveTo(window.midX(), window.maxY()); // the program sees the drag with the next movement
     std::vector<double> taken;
     for (int step = -2; step < steps; ++step) { // the first ones show the overlay
         overlay.expectPainting();
