@@ -8,8 +8,6 @@
 #include "support/flooded_desktop.h"
 
 #include <array>
-#include <cstdio>
-#include <exception>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -126,16 +124,5 @@ void measureAll(const std::string& directory, int count, int perSecond) {
 } // namespace tessarel::bench
 
 int main(int count, char** arguments) {
-    if (count < 2) {
-        std::fprintf(stderr, "usage: call_flood DIRECTORY [PRESSES] [CALLS_PER_SECOND]\n");
-        return 2;
-    }
-    try {
-        tessarel::bench::measureAll(
-            arguments[1], count > 2 ? std::stoi(arguments[2]) : tessarel::bench::kPressesDuringFlood,
-            count > 3 ? std::stoi(arguments[3]) : tessarel::bench::kFloodPerSecond);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "call_flood: %s\n", error.what());
-        return 1;
-    }
+    return tessarel::bench::runFloodProgram(count, arguments, tessarel::bench::measureAll);
 }

@@ -11,8 +11,6 @@
 
 #include <array>
 #include <cstdint>
-#include <cstdio>
-#include <exception>
 #include <memory>
 #include <string>
 #include <vector>
@@ -92,16 +90,5 @@ void measureAll(const std::string& directory, int count, int perSecond) {
 } // namespace tessarel::bench
 
 int main(int count, char** arguments) {
-    if (count < 2) {
-        std::fprintf(stderr, "usage: flood DIRECTORY [PRESSES] [EVENTS_PER_SECOND]\n");
-        return 2;
-    }
-    try {
-        tessarel::bench::measureAll(
-            arguments[1], count > 2 ? std::stoi(arguments[2]) : tessarel::bench::kPressesDuringFlood,
-            count > 3 ? std::stoi(arguments[3]) : tessarel::bench::kFloodPerSecond);
-    } catch (const std::exception& error) {
-        std::fprintf(stderr, "flood: %s\n", error.what());
-        return 1;
-    }
+    return tessarel::bench::runFloodProgram(count, arguments, tessarel::bench::measureAll);
 }

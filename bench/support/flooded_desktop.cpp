@@ -7,6 +7,8 @@
 #include "support/statistics.h"
 
 #include <csignal>
+#include <cstdio>
+#include <exception>
 #include <thread>
 
 namespace tessarel::bench {
@@ -15,6 +17,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
+constexpr int kDefaultPresses = 40;
+constexpr int kDefaultPerSecond = 20'000;
 constexpr auto kTimeToSettle = 1s;
 constexpr auto kHeadStart = 300ms; ///< how long a flood lasts before the first press
 constexpr Milliseconds kPatience = 2s;
@@ -31,6 +35,21 @@ std::string milliseconds(const std::optional<double>& value) {
 }
 
 } // namespace
+
+int runFloodProgram(int count, char** arguments, const MeasureFloods& measureAll) {
+    if (count < 2) {
+        std::fprintf(stderr, "usage: %s DIRECTORY [PRESSES] [MESSAGES_PER_SECOND]\n", arguments[0]);
+        return 2;
+    }
+    try {
+        measureAll(arguments[1], count > 2 ? std::stoi(arguments[2]) : kDefaultPresses,
+                   count > 3 ? std::stoi(arguments[3]) : kDefaultPerSecond);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s: %s\n", arguments[0], error.what());
+        return 1;
+    }
+    return 0;
+}
 
 Table floodTable() {
     return Table({"flood", "per second", "openbox p95 ms", "raw client p95 ms", "tessarel p95 ms",

@@ -18,9 +18,12 @@
 
 namespace tessarel::bench {
 
-/// Presses of each contender during a flood, and messages a second of the flood, if the user names no others.
-inline constexpr int kPressesDuringFlood = 40;
-inline constexpr int kFloodPerSecond = 20'000;
+/// Measures all floods of a program, with this number of presses of each contender.
+using MeasureFloods = std::function<void(const std::string& directory, int presses, int perSecond)>;
+
+/// Runs a program with the arguments DIRECTORY [PRESSES] [MESSAGES_PER_SECOND]. Writes what fails to stderr.
+/// Returns the exit code.
+[[nodiscard]] int runFloodProgram(int count, char** arguments, const MeasureFloods& measureAll);
 
 /// Returns the table for FloodedDesktop::measure, without rows.
 [[nodiscard]] Table floodTable();
